@@ -1,0 +1,31 @@
+# A room of the core is a static library of every .cpp in src/core/NAME, linked to the rooms declared before it;
+# its tests are every .cpp in tests/core/NAME, gathered in one binary.
+set(VELLUMARK_CORE_ROOMS "" CACHE INTERNAL "")
+
+function(vellumark_room name)
+  file(GLOB sources CONFIGURE_DEPENDS "${CMAKE_SOURCE_DIR}/src/core/${name}/*.cpp")
+  if(NOT sources)
+    message(FATAL_ERROR "The room core/${name} has no sources")
+  endif()
+  add_library(core_${name} STATIC ${sources})
+  target_link_libraries(core_${name} PUBLIC vellumark_options fmt::fmt nlohmann_json::nlohmann_json)
+  foreach(above IN LISTS VELLUMARK_CORE_ROOMS)
+    target_link_libraries(core_${name} PUBLIC core_${above})
+  endforeach()
+  if(name STREQUAL "datafile")
+    target_link_libraries(core_${name} PUBLIC SQLiteCpp SQLite::SQLite3)
+  endif()
+  set(VELLUMARK_CORE_ROOMS "${name};${VELLUMARK_CORE_ROOMS}" CACHE INTERNAL "")
+endfunction()
+
+# One test binary: vellumark_tests(NAME FOLDER LIBRARIES...)
+function(vellumark_tests name folder)
+  file(GLOB sources CONFIGURE_DEPENDS "${CMAKE_SOURCE_DIR}/tests/${folder}/*.cpp")
+  if(NOT sources)
+    return()
+  endif()
+  add_executable(test_${name} ${sources})
+  target_link_libraries(test_${name} PRIVATE test_support ${ARGN} GTest::gtest GTest::gtest_main)
+  gtest_discover_tests(test_${name} TEST_PREFIX "${name}." DISCOVERY_MODE PRE_TEST DISCOVERY_TIMEOUT 60
+                       PROPERTIES TIMEOUT 300)
+endfunction()
