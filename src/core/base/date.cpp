@@ -43,12 +43,18 @@ std::string DateTime::ToText() const {
   return fmt::format("{:04}-{:02}-{:02} {:02}:{:02}:{:02}", year, month, day, hour, minute, second);
 }
 
-std::string DateTime::DateText() const { return fmt::format("{:04}-{:02}-{:02}", year, month, day); }
+std::string DateTime::DateText() const {
+  return fmt::format("{:04}-{:02}-{:02}", year, month, day);
+}
 
 DateTime DateTime::FromDayNumber(std::int64_t days) {
   const std::chrono::year_month_day ymd{std::chrono::sys_days{std::chrono::days{days}}};
-  return {static_cast<int>(ymd.year()), static_cast<int>(static_cast<unsigned>(ymd.month())),
-          static_cast<int>(static_cast<unsigned>(ymd.day())), 0, 0, 0};
+  return {static_cast<int>(ymd.year()),
+          static_cast<int>(static_cast<unsigned>(ymd.month())),
+          static_cast<int>(static_cast<unsigned>(ymd.day())),
+          0,
+          0,
+          0};
 }
 
 std::optional<DateTime> ParseDateTime(std::string_view text) {

@@ -68,7 +68,9 @@ void RoundDecimal(Decimal& d, int decimals) {
 }
 
 std::string DecimalText(const Decimal& d, int decimals) {
-  const auto digit = [&d](int place) { return place >= 0 && place < d.count ? d.digits[static_cast<std::size_t>(place)] : '0'; };
+  const auto digit = [&d](int place) {
+    return place >= 0 && place < d.count ? d.digits[static_cast<std::size_t>(place)] : '0';
+  };
   bool zero = true;
   for (int i = 0; i < d.count; ++i) zero = zero && d.digits[static_cast<std::size_t>(i)] == '0';
   std::string text;
@@ -104,16 +106,32 @@ Target Read(const std::string& text) {
 
 }  // namespace
 
-std::string Fixed(float value, int decimals) { return FixedText(value, decimals); }
-std::string Fixed(double value, int decimals) { return FixedText(value, decimals); }
+std::string Fixed(float value, int decimals) {
+  return FixedText(value, decimals);
+}
+std::string Fixed(double value, int decimals) {
+  return FixedText(value, decimals);
+}
 
-double RoundTo(double value, int decimals) { return Read<double>(FixedText(value, decimals)); }
-double RoundTo(float value, int decimals) { return Read<double>(FixedText(value, decimals)); }
-float RoundSingle(double value, int decimals) { return Read<float>(FixedText(value, decimals)); }
-float RoundSingle(float value, int decimals) { return Read<float>(FixedText(value, decimals)); }
+double RoundTo(double value, int decimals) {
+  return Read<double>(FixedText(value, decimals));
+}
+double RoundTo(float value, int decimals) {
+  return Read<double>(FixedText(value, decimals));
+}
+float RoundSingle(double value, int decimals) {
+  return Read<float>(FixedText(value, decimals));
+}
+float RoundSingle(float value, int decimals) {
+  return Read<float>(FixedText(value, decimals));
+}
 
-std::string ShortestText(float value) { return ShortestOf(value); }
-std::string ShortestText(double value) { return ShortestOf(value); }
+std::string ShortestText(float value) {
+  return ShortestOf(value);
+}
+std::string ShortestText(double value) {
+  return ShortestOf(value);
+}
 
 std::optional<double> ParseNumber(std::string_view text) {
   text = TrimView(text);

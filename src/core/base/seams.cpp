@@ -10,8 +10,7 @@ void Prompt::Tell(std::string title, std::string text, Icon icon) {
 }
 
 bool Prompt::Ask(std::string title, std::string text, Answer defaultAnswer) {
-  return Show(Message{std::move(title), std::move(text), Buttons::YesNo, Icon::Question, defaultAnswer}) ==
-         Answer::Yes;
+  return Show(Message{std::move(title), std::move(text), Buttons::YesNo, Icon::Question, defaultAnswer}) == Answer::Yes;
 }
 
 DateTime SystemClock::Now() const {

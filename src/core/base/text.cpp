@@ -10,7 +10,9 @@
 namespace vellumark {
 namespace {
 
-constexpr char Fold(char c) { return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c; }
+constexpr char Fold(char c) {
+  return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;
+}
 
 // What CP1252 puts at 0x80 to 0x9F (0 where the code page has nothing).
 constexpr std::array<char32_t, 32> kHigh{
@@ -71,11 +73,16 @@ char32_t UpperOf(char32_t c) {
   if (c >= 'a' && c <= 'z') return c - 32;
   if (c >= 0xE0 && c <= 0xFE && c != 0xF7) return c - 32;
   switch (c) {
-    case 0x0161: return 0x0160;
-    case 0x0153: return 0x0152;
-    case 0x017E: return 0x017D;
-    case 0x00FF: return 0x0178;
-    default: return c;
+    case 0x0161:
+      return 0x0160;
+    case 0x0153:
+      return 0x0152;
+    case 0x017E:
+      return 0x017D;
+    case 0x00FF:
+      return 0x0178;
+    default:
+      return c;
   }
 }
 
@@ -88,7 +95,9 @@ std::string_view TrimView(std::string_view text) {
   return text;
 }
 
-std::string Trim(std::string_view text) { return std::string(TrimView(text)); }
+std::string Trim(std::string_view text) {
+  return std::string(TrimView(text));
+}
 
 std::string Upper(std::string_view text) {
   std::string out;
@@ -105,7 +114,9 @@ std::string Upper(std::string_view text) {
   return out;
 }
 
-bool EqualNoCase(std::string_view a, std::string_view b) { return a.size() == b.size() && CompareNoCase(a, b) == 0; }
+bool EqualNoCase(std::string_view a, std::string_view b) {
+  return a.size() == b.size() && CompareNoCase(a, b) == 0;
+}
 
 int CompareNoCase(std::string_view a, std::string_view b) {
   const std::size_t common = a.size() < b.size() ? a.size() : b.size();

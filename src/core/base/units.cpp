@@ -27,7 +27,9 @@ const UnitEntry& Entry(int unit) {
 
 }  // namespace
 
-std::string_view UnitName(int unit) { return unit >= 1 && unit <= 4 ? Entry(unit).name : std::string_view{}; }
+std::string_view UnitName(int unit) {
+  return unit >= 1 && unit <= 4 ? Entry(unit).name : std::string_view{};
+}
 
 std::optional<int> ParseUnit(std::string_view text) {
   const std::string_view wanted = TrimView(text);

@@ -1,0 +1,71 @@
+#include "core/datafile/databases.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+
+#include "core/base/text.h"
+#include "core/datafile/lifecycle.h"
+#include "core/datafile/writer.h"
+
+namespace vellumark {
+
+Result<std::string> NewDatabaseName(std::string_view typed, const std::vector<std::string>& existing,
+                                    std::string_view dataFileName) {
+  const std::string name = Upper(TrimView(typed));
+  if (name.empty())
+    return Refuse("New Database - Database Name?", "Please enter a name for the new database.", "txtDBName");
+  if (CharCount(name) > kDatabaseNameLength)
+    return Refuse("New Database - Database Name?",
+                  fmt::format("The name {} is longer than {} characters.", name, kDatabaseNameLength), "txtDBName");
+  const auto allowed = [](char c) {
+    return (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == ' ' || c == '/' || c == '-';
+  };
+  if (!std::ranges::all_of(name, allowed))
+    return Refuse("New Database - Database Name?",
+                  fmt::format("The name {} may hold only letters from A to Z, digits, blanks, / and -.", name),
+                  "txtDBName");
+  if (name.starts_with("MSYS") || name == "SQLITE")
+    return Refuse("New Database - Database Name?", fmt::format("The name {} is kept for the program's own use.", name),
+                  "txtDBName");
+  if (std::ranges::any_of(existing, [&](const std::string& other) { return EqualNoCase(other, name); }))
+    return Refuse("Database Already Exists",
+                  fmt::format("The {} Database already exists in the {} Data File. Please select another name for your "
+                              "Database.",
+                              name, dataFileName),
+                  "txtDBName");
+  return name;
+}
+
+void CreateEmptyDatabase(Database& file, const std::string& name) {
+  Transaction transaction(file);
+  for (const Table* table : schema::PerDatabase()) CreateTable(file, TableName(name, *table), *table);
+  InsertRow(file, schema::Info, TableName(name, schema::Info),
+            {{"FullName", "Custom Database"}, {"Disclaimer", ""}, {"TradeMark", ""}, {"TemplateFile", ""}});
+  std::vector<std::string> names = ReadFileInfo(file).dbList;
+  names.push_back(name);
+  StoreDatabaseList(file, names);
+  transaction.Note({Change::Kind::DatabaseList, name, "", Change::What::Added, ""});
+  transaction.Commit();
+}
+
+void StoreDatabaseList(Database& file, const std::vector<std::string>& names) {
+  Transaction transaction(file);
+  file.Prepare("UPDATE FileInfo SET DBList = ?").Bind(1, JoinMarked(names, '|')).Run();
+  transaction.Commit();
+}
+
+void StoreCurrentDatabase(Database& file, std::string_view name) {
+  Transaction transaction(file);
+  file.Prepare("UPDATE FileInfo SET CurrentDB = ?").Bind(1, name).Run();
+  transaction.Commit();
+}
+
+DatabaseInfo ReadDatabaseInfo(Database& file, std::string_view database) {
+  Statement row = file.Prepare("SELECT FullName, Disclaimer, TradeMark, TemplateFile FROM " +
+                               Quoted(TableName(database, schema::Info)) + " LIMIT 1");
+  if (!row.Step()) return {};
+  return {row.Text(0), row.Text(1), row.Text(2), row.Text(3)};
+}
+
+}  // namespace vellumark

@@ -1,0 +1,35 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "core/base/refusal.h"
+#include "core/datafile/engine.h"
+
+namespace vellumark {
+
+/// A Database is a name and ten tables whose names start with it; `FileInfo.DBList` keeps the names in menu order.
+constexpr std::size_t kDatabaseNameLength = 15;
+
+/// The name as it will be stored: trimmed, upper case. Refused: empty, longer than 15 characters, a character other
+/// than A to Z, 0 to 9, blank, "/" and "-", a name that the engine keeps for itself, one that stands in `existing`.
+Result<std::string> NewDatabaseName(std::string_view typed, const std::vector<std::string>& existing,
+                                    std::string_view dataFileName);
+
+/// Makes the ten tables, the `_Info` row of a plain Database and the entry in `DBList`, in one transaction.
+void CreateEmptyDatabase(Database& file, const std::string& name);
+
+void StoreDatabaseList(Database& file, const std::vector<std::string>& names);
+void StoreCurrentDatabase(Database& file, std::string_view name);
+
+/// The `<DB>_Info` row.
+struct DatabaseInfo {
+  std::string fullName;
+  std::string disclaimer;
+  std::string tradeMark;
+  std::string templateFile;
+};
+DatabaseInfo ReadDatabaseInfo(Database& file, std::string_view database);
+
+}  // namespace vellumark

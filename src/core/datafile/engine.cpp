@@ -1,0 +1,355 @@
+#include "core/datafile/engine.h"
+
+#include <SQLiteCpp/SQLiteCpp.h>
+#include <fmt/format.h>
+#include <sqlite3.h>
+
+#include <exception>
+#include <system_error>
+#include <unordered_map>
+
+#include "core/base/refusal.h"
+
+namespace vellumark {
+namespace {
+
+// "VKDF": marks a file as this program's own.
+constexpr int kApplicationId = 0x564B4446;
+
+std::string CauseInWords(int code, const char* message) {
+  switch (code & 0xFF) {
+    case SQLITE_BUSY:
+    case SQLITE_LOCKED:
+      return "is in use by another process";
+    case SQLITE_NOTADB:
+      return "is not a Data File";
+    case SQLITE_CORRUPT:
+      return "is damaged or was cut short";
+    case SQLITE_FULL:
+      return "cannot be written: the disk is full";
+    case SQLITE_READONLY:
+      return "cannot be written: it is read-only";
+    case SQLITE_CANTOPEN:
+      return "cannot be opened";
+    case SQLITE_IOERR:
+      return fmt::format("cannot be read or written ({})", message);
+    case SQLITE_PERM:
+      return "cannot be opened: permission denied";
+    default:
+      return message;
+  }
+}
+
+// More compiled statements than any one operation uses, few enough to cost no memory worth counting.
+constexpr std::size_t kStoredStatements = 96;
+
+}  // namespace
+
+// Rows are read by the hundred thousand, so statements stand on the engine's own handle, without a shared pointer for
+// each column read.
+struct Statement::Compiled {
+  Compiled(sqlite3* connection, std::string sqlText) : sql(std::move(sqlText)) {
+    if (sqlite3_prepare_v3(connection, sql.data(), static_cast<int>(sql.size()), SQLITE_PREPARE_PERSISTENT, &handle,
+                           nullptr) != SQLITE_OK)
+      throw SQLite::Exception(connection);
+  }
+  ~Compiled() { sqlite3_finalize(handle); }
+  Compiled(const Compiled&) = delete;
+  Compiled& operator=(const Compiled&) = delete;
+
+  std::string sql;
+  sqlite3_stmt* handle = nullptr;
+};
+
+struct Database::Engine {
+  Engine(const std::string& path, int flags) : connection(path, flags) {}
+  SQLite::Database connection;
+  std::unordered_map<std::string, std::vector<std::unique_ptr<Statement::Compiled>>> stored;
+  std::size_t storedCount = 0;
+};
+
+// ---- Statement
+
+Statement::Statement(Database& database, std::unique_ptr<Compiled> compiled)
+    : database_(&database), compiled_(std::move(compiled)) {}
+
+Statement::Statement(Statement&&) noexcept = default;
+
+Statement& Statement::operator=(Statement&& other) noexcept {
+  std::swap(database_, other.database_);
+  std::swap(compiled_, other.compiled_);
+  return *this;
+}
+
+Statement::~Statement() {
+  if (!compiled_) return;
+  sqlite3_reset(compiled_->handle);
+  sqlite3_clear_bindings(compiled_->handle);
+  Database::Engine& engine = *database_->engine_;
+  if (engine.storedCount >= kStoredStatements) return;
+  ++engine.storedCount;
+  auto& shelf = engine.stored[compiled_->sql];
+  shelf.push_back(std::move(compiled_));
+}
+
+void Statement::Throw() const {
+  sqlite3* connection = sqlite3_db_handle(compiled_->handle);
+  const int code = sqlite3_errcode(connection);
+  std::string cause = CauseInWords(code, sqlite3_errmsg(connection));
+  sqlite3_reset(compiled_->handle);
+  throw Failure(database_->Path().string(), std::move(cause));
+}
+
+Statement& Statement::Bind(int parameter, const Value& value) {
+  if (value.IsNull()) return BindNull(parameter);
+  if (value.IsWhole()) return Bind(parameter, value.Whole());
+  if (value.IsNumber()) return Bind(parameter, value.Number());
+  return Bind(parameter, std::string_view(std::get<std::string>(value.Held())));
+}
+
+Statement& Statement::Bind(int parameter, std::int64_t whole) {
+  if (sqlite3_bind_int64(compiled_->handle, parameter, whole) != SQLITE_OK) Throw();
+  return *this;
+}
+
+Statement& Statement::Bind(int parameter, double number) {
+  if (sqlite3_bind_double(compiled_->handle, parameter, number) != SQLITE_OK) Throw();
+  return *this;
+}
+
+Statement& Statement::Bind(int parameter, std::string_view text) {
+  if (sqlite3_bind_text(compiled_->handle, parameter, text.data() ? text.data() : "", static_cast<int>(text.size()),
+                        SQLITE_TRANSIENT) != SQLITE_OK)
+    Throw();
+  return *this;
+}
+
+Statement& Statement::BindNull(int parameter) {
+  if (sqlite3_bind_null(compiled_->handle, parameter) != SQLITE_OK) Throw();
+  return *this;
+}
+
+bool Statement::Step() {
+  const int code = sqlite3_step(compiled_->handle);
+  if (code == SQLITE_ROW) return true;
+  if (code != SQLITE_DONE) Throw();
+  return false;
+}
+
+int Statement::Run() {
+  while (Step()) {
+  }
+  const int changed = sqlite3_changes(sqlite3_db_handle(compiled_->handle));
+  Reset();
+  return changed;
+}
+
+void Statement::Reset() {
+  sqlite3_reset(compiled_->handle);
+}
+
+bool Statement::IsNull(int column) const {
+  return sqlite3_column_type(compiled_->handle, column) == SQLITE_NULL;
+}
+std::int64_t Statement::Whole(int column) const {
+  return sqlite3_column_int64(compiled_->handle, column);
+}
+double Statement::Number(int column) const {
+  return sqlite3_column_double(compiled_->handle, column);
+}
+
+std::string_view Statement::TextView(int column) const {
+  const auto* text = reinterpret_cast<const char*>(sqlite3_column_text(compiled_->handle, column));
+  if (text == nullptr) return {};
+  return {text, static_cast<std::size_t>(sqlite3_column_bytes(compiled_->handle, column))};
+}
+
+std::optional<DateTime> Statement::Date(int column) const {
+  return ParseDateTime(TextView(column));
+}
+
+Value Statement::Get(int column) const {
+  switch (sqlite3_column_type(compiled_->handle, column)) {
+    case SQLITE_INTEGER:
+      return Value(Whole(column));
+    case SQLITE_FLOAT:
+      return Value(Number(column));
+    case SQLITE_TEXT:
+    case SQLITE_BLOB:
+      return Value(TextView(column));
+    default:
+      return {};
+  }
+}
+
+int Statement::ColumnCount() const {
+  return sqlite3_column_count(compiled_->handle);
+}
+std::string Statement::ColumnName(int column) const {
+  return sqlite3_column_name(compiled_->handle, column);
+}
+
+// ---- Database
+
+Database::Database(std::filesystem::path path, bool readOnly) : path_(std::move(path)), readOnly_(readOnly) {}
+
+Database::~Database() {
+  engine_->stored.clear();
+}
+
+void Database::Connect(int flags) {
+  try {
+    engine_ = std::make_unique<Engine>(path_.string(), flags);
+  } catch (const SQLite::Exception& error) {
+    throw Failure(path_.string(), CauseInWords(error.getErrorCode(), error.what()));
+  }
+}
+
+std::unique_ptr<Database> Database::Open(const std::filesystem::path& path, OpenMode mode) {
+  std::error_code ignored;
+  const auto status = std::filesystem::status(path, ignored);
+  if (!std::filesystem::exists(status)) throw Failure(path.string(), "does not exist");
+  if (!std::filesystem::is_regular_file(status)) throw Failure(path.string(), "is not a file");
+  if (std::filesystem::file_size(path, ignored) == 0) throw Failure(path.string(), "is empty, not a Data File");
+  const bool readOnly = mode == OpenMode::ReadOnly;
+  std::unique_ptr<Database> database(new Database(path, readOnly));
+  database->Connect(readOnly ? SQLite::OPEN_READONLY : SQLite::OPEN_READWRITE);
+  if (!readOnly && sqlite3_db_readonly(database->engine_->connection.getHandle(), "main") == 1)
+    throw Failure(path.string(), "cannot be written: it is read-only");
+  if (readOnly) {
+    database->Execute("PRAGMA query_only=ON");
+  } else {
+    database->Execute("PRAGMA locking_mode=EXCLUSIVE");
+    database->Execute("PRAGMA journal_mode=DELETE");
+    database->Execute("PRAGMA synchronous=FULL");
+    // The lock is taken here and, in this locking mode, kept until the file is closed.
+    database->Execute("BEGIN EXCLUSIVE");
+    database->Execute("COMMIT");
+  }
+  const std::int64_t id = database->Scalar("PRAGMA application_id").Whole();
+  if (id != kApplicationId) throw Failure(path.string(), "is not a Data File");
+  return database;
+}
+
+std::unique_ptr<Database> Database::Create(const std::filesystem::path& path) {
+  std::error_code ignored;
+  if (std::filesystem::exists(path, ignored)) throw Failure(path.string(), "already exists");
+  std::unique_ptr<Database> database(new Database(path, false));
+  database->Connect(SQLite::OPEN_READWRITE | SQLite::OPEN_CREATE);
+  database->Execute("PRAGMA locking_mode=EXCLUSIVE");
+  database->Execute("PRAGMA synchronous=FULL");
+  database->Execute(fmt::format("PRAGMA application_id={}", kApplicationId));
+  return database;
+}
+
+Statement Database::Prepare(std::string_view sql) {
+  const std::string text(sql);
+  if (const auto shelf = engine_->stored.find(text); shelf != engine_->stored.end() && !shelf->second.empty()) {
+    auto compiled = std::move(shelf->second.back());
+    shelf->second.pop_back();
+    --engine_->storedCount;
+    return Statement(*this, std::move(compiled));
+  }
+  try {
+    return Statement(*this, std::make_unique<Statement::Compiled>(engine_->connection.getHandle(), text));
+  } catch (const SQLite::Exception& error) {
+    throw Failure(path_.string(), CauseInWords(error.getErrorCode(), error.what()));
+  }
+}
+
+void Database::Execute(std::string_view sql) {
+  try {
+    engine_->connection.exec(std::string(sql));
+  } catch (const SQLite::Exception& error) {
+    throw Failure(path_.string(), CauseInWords(error.getErrorCode(), error.what()));
+  }
+}
+
+Value Database::Scalar(std::string_view sql, std::initializer_list<Value> parameters) {
+  Statement statement = Prepare(sql);
+  int index = 1;
+  for (const Value& parameter : parameters) statement.Bind(index++, parameter);
+  return statement.Step() ? statement.Get(0) : Value{};
+}
+
+bool Database::TableExists(std::string_view table) {
+  return !Scalar("SELECT 1 FROM sqlite_master WHERE type='table' AND name=? COLLATE NOCASE", {table}).IsNull();
+}
+
+std::vector<std::string> Database::TableNames() {
+  std::vector<std::string> names;
+  Statement statement = Prepare(
+      "SELECT name FROM sqlite_master WHERE type='table' AND name NOT LIKE 'sqlite\\_%' "
+      "ESCAPE '\\' ORDER BY rowid");
+  while (statement.Step()) names.push_back(statement.Text(0));
+  return names;
+}
+
+std::int64_t Database::LastRowId() const {
+  return sqlite3_last_insert_rowid(engine_->connection.getHandle());
+}
+
+// ---- Transaction
+
+Transaction::Transaction(Database& database) : database_(database) {
+  if (database_.depth_ == 0) {
+    database_.Execute("BEGIN IMMEDIATE");
+    database_.doomed_ = false;
+    database_.pending_.clear();
+  }
+  ++database_.depth_;
+}
+
+Transaction::~Transaction() {
+  if (!open_) return;
+  if (--database_.depth_ > 0) {
+    database_.doomed_ = true;
+    return;
+  }
+  database_.pending_.clear();
+  // The engine rolls back by itself after some failures (a full disk); only a transaction that is still open needs it.
+  sqlite3* connection = database_.engine_->connection.getHandle();
+  if (sqlite3_get_autocommit(connection) == 0 &&
+      sqlite3_exec(connection, "ROLLBACK", nullptr, nullptr, nullptr) != SQLITE_OK)
+    std::terminate();
+}
+
+void Transaction::Note(Change change) {
+  database_.pending_.push_back(std::move(change));
+}
+
+void Transaction::Commit() {
+  if (database_.depth_ > 1) {
+    open_ = false;
+    --database_.depth_;
+    return;
+  }
+  if (database_.doomed_) throw Failure(database_.path_.string(), "a step of the change failed; nothing was written");
+  database_.Execute("COMMIT");
+  open_ = false;
+  --database_.depth_;
+  const std::vector<Change> told = std::exchange(database_.pending_, {});
+  if (database_.changes_ != nullptr) database_.changes_->Tell(told);
+}
+
+// ---- Texts of SQL
+
+std::string Quoted(std::string_view name) {
+  std::string quoted = "\"";
+  for (const char c : name) {
+    if (c == '"') quoted += '"';
+    quoted += c;
+  }
+  return quoted + '"';
+}
+
+std::string LikeLiteral(std::string_view text) {
+  std::string literal;
+  for (const char c : text) {
+    if (c == '%' || c == '_' || c == '\\') literal += '\\';
+    literal += c;
+  }
+  return literal;
+}
+
+}  // namespace vellumark

@@ -1,0 +1,137 @@
+#pragma once
+
+#include <cstdint>
+#include <filesystem>
+#include <functional>
+#include <initializer_list>
+#include <memory>
+#include <optional>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "core/base/changes.h"
+#include "core/datafile/value.h"
+
+namespace vellumark {
+
+class Database;
+
+/// A compiled statement, bound and stepped. It goes back to its Database's store when it ends, so that preparing the
+/// same text again costs nothing. Columns are numbered from 0, parameters from 1.
+class Statement {
+ public:
+  Statement(Statement&&) noexcept;
+  Statement& operator=(Statement&&) noexcept;
+  ~Statement();
+
+  Statement& Bind(int parameter, const Value& value);
+  Statement& Bind(int parameter, std::int64_t whole);
+  Statement& Bind(int parameter, double number);
+  Statement& Bind(int parameter, float number) { return Bind(parameter, static_cast<double>(number)); }
+  Statement& Bind(int parameter, int whole) { return Bind(parameter, static_cast<std::int64_t>(whole)); }
+  /// The text is copied.
+  Statement& Bind(int parameter, std::string_view text);
+  Statement& Bind(int parameter, const char* text) { return Bind(parameter, std::string_view(text)); }
+  Statement& Bind(int parameter, const std::string& text) { return Bind(parameter, std::string_view(text)); }
+  Statement& BindNull(int parameter);
+
+  /// The next row; false at the end.
+  bool Step();
+  /// Runs a statement that gives no rows and makes it ready to be bound anew; the number of rows changed.
+  int Run();
+  void Reset();
+
+  bool IsNull(int column) const;
+  std::int64_t Whole(int column) const;
+  double Number(int column) const;
+  float Single(int column) const { return static_cast<float>(Number(column)); }
+  bool Bool(int column) const { return Whole(column) != 0; }
+  std::string Text(int column) const { return std::string(TextView(column)); }
+  /// Valid until the next Step or Reset.
+  std::string_view TextView(int column) const;
+  std::optional<DateTime> Date(int column) const;
+  Value Get(int column) const;
+  int ColumnCount() const;
+  std::string ColumnName(int column) const;
+
+ private:
+  friend class Database;
+  struct Compiled;
+  Statement(Database& database, std::unique_ptr<Compiled> compiled);
+  [[noreturn]] void Throw() const;
+
+  Database* database_ = nullptr;
+  std::unique_ptr<Compiled> compiled_;
+};
+
+enum class OpenMode {
+  Exclusive,  ///< reads and writes, and keeps every other process out
+  ReadOnly,   ///< looks at a file that nobody may change; refused while another process holds it
+};
+
+/// One open file. Every failure is a Failure that names the file and the cause in words.
+class Database {
+ public:
+  /// Opens an existing file. Throws Failure: not there, not a Data File, cut short, held by another process.
+  static std::unique_ptr<Database> Open(const std::filesystem::path& path, OpenMode mode);
+  /// Makes a new, empty file; an existing one is refused.
+  static std::unique_ptr<Database> Create(const std::filesystem::path& path);
+  ~Database();
+  Database(const Database&) = delete;
+  Database& operator=(const Database&) = delete;
+
+  Statement Prepare(std::string_view sql);
+  void Execute(std::string_view sql);
+  /// The first column of the first row; null when there is no row.
+  Value Scalar(std::string_view sql, std::initializer_list<Value> parameters = {});
+  bool TableExists(std::string_view table);
+  std::vector<std::string> TableNames();
+  std::int64_t LastRowId() const;
+
+  const std::filesystem::path& Path() const { return path_; }
+  bool IsReadOnly() const { return readOnly_; }
+  /// Where commits tell what they changed; may be null.
+  void SetChanges(Changes* changes) { changes_ = changes; }
+
+ private:
+  friend class Statement;
+  friend class Transaction;
+  struct Engine;
+  Database(std::filesystem::path path, bool readOnly);
+  void Connect(int flags);
+
+  std::filesystem::path path_;
+  bool readOnly_;
+  std::unique_ptr<Engine> engine_;
+  Changes* changes_ = nullptr;
+  int depth_ = 0;
+  bool doomed_ = false;
+  std::vector<Change> pending_;
+};
+
+/// All of it or none of it, also when the machine dies in the middle. A Transaction that ends without Commit rolls
+/// back. One opened inside another joins it: its Commit waits for the outer one, its rollback dooms the outer one.
+class Transaction {
+ public:
+  explicit Transaction(Database& database);
+  ~Transaction();
+  Transaction(const Transaction&) = delete;
+  Transaction& operator=(const Transaction&) = delete;
+
+  /// Remembers a change to be told when the outermost transaction commits.
+  void Note(Change change);
+  void Commit();
+
+ private:
+  Database& database_;
+  bool open_ = true;
+};
+
+/// `name` as a quoted SQL identifier.
+std::string Quoted(std::string_view name);
+/// `text` with LIKE's own characters escaped by a backslash, for use with ESCAPE '\'.
+std::string LikeLiteral(std::string_view text);
+
+}  // namespace vellumark

@@ -1,0 +1,144 @@
+#include "core/datafile/lifecycle.h"
+
+#include <fmt/format.h>
+
+#include <system_error>
+
+#include "core/base/files.h"
+#include "core/base/number.h"
+#include "core/base/refusal.h"
+#include "core/base/text.h"
+#include "core/datafile/writer.h"
+
+namespace vellumark {
+namespace fs = std::filesystem;
+
+namespace {
+
+std::int32_t StepCounter(Database& file, const std::string& field, std::int32_t current) {
+  const std::int32_t next = current + 1 > kLastCounter ? 1 : current + 1;
+  Transaction transaction(file);
+  file.Prepare("UPDATE FileInfo SET " + Quoted(field) + " = ?").Bind(1, next).Run();
+  transaction.Commit();
+  return next;
+}
+
+void Rename(const fs::path& from, const fs::path& to) {
+  std::error_code error;
+  fs::rename(from, to, error);
+  if (error) throw Failure(from.string(), fmt::format("cannot be renamed to {}: {}", to.string(), error.message()));
+  SyncFolder(to.parent_path());
+}
+
+}  // namespace
+
+VersionGate GateOf(int fileVersion) {
+  if (fileVersion == kFileVersion) return VersionGate::Current;
+  if (fileVersion == kArchiveFileVersion) return VersionGate::ReadOnly;
+  return fileVersion >= 2 && fileVersion < kFileVersion ? VersionGate::Older : VersionGate::Unusable;
+}
+
+int ReadFileVersion(const fs::path& path) {
+  const auto file = Database::Open(path, OpenMode::ReadOnly);
+  return ReadFileInfo(*file).fileVersion;
+}
+
+FileInfoRow ReadFileInfo(Database& file) {
+  if (!file.TableExists("FileInfo"))
+    throw Failure(file.Path().string(), "is not a Data File: it has no FileInfo table");
+  Statement row = file.Prepare("SELECT FileVersion, CurrentDB, DBList, BatchNumber, ItemNumber FROM FileInfo LIMIT 1");
+  if (!row.Step()) throw Failure(file.Path().string(), "is damaged: its FileInfo table is empty");
+  FileInfoRow info;
+  info.fileVersion = static_cast<int>(row.Whole(0));
+  info.currentDB = row.Text(1);
+  info.dbList = SplitMarked(row.TextView(2), '|');
+  info.batchNumber = row.IsNull(3) ? 1 : static_cast<std::int32_t>(row.Whole(3));
+  info.itemNumber = row.IsNull(4) ? 1 : static_cast<std::int32_t>(row.Whole(4));
+  return info;
+}
+
+bool IsArchiveCopy(int fileVersion, const fs::path& path) {
+  const std::string text = path.string();
+  const std::string extension = path.extension().string();
+  return fileVersion != kFileVersion || text.find("/Auto Backup") != std::string::npos ||
+         text.find("Archive") != std::string::npos || EqualNoCase(extension, ".vkb") || EqualNoCase(extension, ".vka");
+}
+
+void CreateFile(const fs::path& path) {
+  std::error_code ignored;
+  if (fs::exists(path, ignored)) throw Failure(path.string(), "already exists");
+  const fs::path building(path.string() + ".new");
+  fs::remove(building, ignored);
+  try {
+    const auto file = Database::Create(building);
+    Transaction transaction(*file);
+    for (const Table* table : schema::Global()) CreateTable(*file, table->name, *table);
+    InsertRow(*file, schema::FileInfo, "FileInfo",
+              {{"FileVersion", kFileVersion},
+               {"CurrentDB", ""},
+               {"DBList", ""},
+               {"BatchNumber", 1},
+               {"ItemNumber", 1},
+               {"DaysToRemindBackup", 1}});
+    transaction.Commit();
+  } catch (const Failure& failure) {
+    fs::remove(building, ignored);
+    throw Failure(path.string(), failure.cause);
+  }
+  Rename(building, path);
+}
+
+fs::path SafetyCopyPath(const fs::path& path) {
+  fs::path copy = path;
+  copy.replace_extension(".vkb");
+  return copy;
+}
+
+void CompactFile(const fs::path& path) {
+  const fs::path old = SafetyCopyPath(path);
+  if (old == path) throw Failure(path.string(), "is a backup copy and cannot be compacted");
+  std::error_code error;
+  fs::remove(old, error);
+  if (error) throw Failure(old.string(), "cannot be removed: " + error.message());
+  const fs::path building(path.string() + ".new");
+  fs::remove(building, error);
+  Rename(path, old);
+  try {
+    const auto file = Database::Open(old, OpenMode::Exclusive);
+    Statement vacuum = file->Prepare("VACUUM INTO ?");
+    vacuum.Bind(1, building.string()).Run();
+    SyncFolder(path.parent_path());
+  } catch (const Failure& failure) {
+    // The compacted file is not whole: the user's data goes back under its own name.
+    fs::remove(building, error);
+    Rename(old, path);
+    throw Failure(path.string(), failure.cause);
+  }
+  Rename(building, path);
+  fs::remove(old, error);
+  if (error) throw Failure(old.string(), "cannot be removed: " + error.message());
+}
+
+fs::path NextFreeName(const fs::path& path) {
+  std::string stem = path.stem().string();
+  if (stem.ends_with(')')) {
+    const std::size_t open = stem.rfind('(');
+    if (open != std::string::npos && open + 2 < stem.size() &&
+        stem.find_first_not_of("0123456789", open + 1) == stem.size() - 1)
+      stem.resize(open);
+  }
+  std::error_code ignored;
+  for (int n = 1;; ++n) {
+    fs::path candidate = path.parent_path() / fmt::format("{}({}){}", stem, n, path.extension().string());
+    if (!fs::exists(candidate, ignored)) return candidate;
+  }
+}
+
+std::int32_t StepBatchNumber(Database& file, std::int32_t current) {
+  return StepCounter(file, "BatchNumber", current);
+}
+std::int32_t StepItemNumber(Database& file, std::int32_t current) {
+  return StepCounter(file, "ItemNumber", current);
+}
+
+}  // namespace vellumark
