@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <memory>
 #include <string>
 #include <vector>
@@ -8,7 +9,6 @@
 #include "core/datafile/lifecycle.h"
 #include "core/datafile/writer.h"
 #include "core/session/session.h"
-#include "core/settings/defaults.h"
 #include "core/settings/support_files.h"
 #include "support/scratch.h"
 
@@ -20,8 +20,8 @@ struct InkRoom {
   InkRoom() {
     session.DataFolder = folder / "VKDat";
     std::filesystem::create_directories(session.DataFolder);
-    WriteMissingSupportFiles(session.DataFolder);
     session.support = std::make_unique<SupportFiles>(session.DataFolder);
+    WriteMissingSupportFiles(*session.support);
     const std::filesystem::path path = folder / "Test Data.vkd";
     CreateFile(path);
     session.DataFileDB = Database::Open(path, OpenMode::Exclusive);

@@ -213,7 +213,9 @@ std::unique_ptr<Database> Database::Open(const std::filesystem::path& path, Open
   if (std::filesystem::file_size(path, ignored) == 0) throw Failure(path.string(), "is empty, not a Data File");
   const bool readOnly = mode == OpenMode::ReadOnly;
   std::unique_ptr<Database> database(new Database(path, readOnly));
-  database->Connect(readOnly ? SQLite::OPEN_READONLY : SQLite::OPEN_READWRITE);
+  // A looker, too, must be able to roll back what a killed process left half done, so the engine may write; statements
+  // may not.
+  database->Connect(SQLite::OPEN_READWRITE);
   if (!readOnly && sqlite3_db_readonly(database->engine_->connection.getHandle(), "main") == 1)
     throw Failure(path.string(), "cannot be written: it is read-only");
   if (readOnly) {

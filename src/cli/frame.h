@@ -1,0 +1,78 @@
+#pragma once
+
+#include <CLI/CLI.hpp>
+#include <functional>
+#include <map>
+#include <nlohmann/json.hpp>
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "core/base/refusal.h"
+#include "core/session/session.h"
+
+namespace vellumark::cli {
+
+using Json = nlohmann::ordered_json;
+
+/// What stands open when a verb runs.
+enum class Needs {
+  Nothing,   ///< Support Files and settings only
+  File,      ///< the Data File, its current Database (or the one of --db) too
+  Writable,  ///< the same, refused while the file is an archive or backup copy
+};
+
+/// What a verb works with.
+struct Context {
+  Session& session;
+  bool json = false;
+  std::string dataFile;  ///< --file, or the default of the settings; not opened with Needs::Nothing
+  /// The answer for people. When empty it is made from the JSON: arrays of objects as a table, an object as a line for
+  /// each key.
+  std::string text;
+};
+
+/// A verb's procedure: its JSON answer, or the refusal of the rule that stopped it. Json() (null) prints nothing.
+using Action = std::function<Result<Json>(Context&)>;
+
+/// Collects what was chosen on the command line.
+class Commands {
+ public:
+  /// `verb` is a subcommand of a noun; its options write into variables that `action` holds (by shared_ptr).
+  void Add(CLI::App* verb, Needs needs, Action action);
+
+  Needs needs = Needs::Nothing;
+  Action chosen;
+};
+
+/// The noun's App under `app`, with its help.
+CLI::App* AddNoun(CLI::App& app, const std::string& name, const std::string& description);
+
+/// "FIELD=VALUE" apart at the first "="; nothing without one. For "NAME=AMOUNT" with names that hold "=", the last one.
+std::optional<std::pair<std::string, std::string>> SplitPair(std::string_view text, bool atLast = false);
+
+/// A Single as the number of its shortest decimal.
+Json Number(float single);
+/// A value of the Data File: Singles as the shortest decimal, dates as text (the time left out when it is midnight), an
+/// absent value as null. `field` tells Boolean and Date.
+Json FieldJson(const Field& field, const Value& value);
+
+/// Rows as a table with aligned columns, numbers to the right.
+std::string TableText(const std::vector<std::string>& columns, const std::vector<std::vector<std::string>>& rows,
+                      const std::vector<bool>& rightAligned);
+/// The readable form of an answer.
+std::string ReadableText(const Json& answer);
+
+// One per noun.
+void AddFileCommands(CLI::App& app, Commands& commands);
+void AddSettingsCommands(CLI::App& app, Commands& commands);
+void AddDatabaseCommands(CLI::App& app, Commands& commands);
+void AddColorCommands(CLI::App& app, Commands& commands);
+void AddFormulaCommands(CLI::App& app, Commands& commands);
+/// The verbs `import` and `export` of the noun `formula`.
+void AddFormulaExchangeCommands(CLI::App& formulaNoun, Commands& commands);
+void AddStockCommands(CLI::App& app, Commands& commands);
+void AddBatchCommands(CLI::App& app, Commands& commands);
+
+}  // namespace vellumark::cli

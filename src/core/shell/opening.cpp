@@ -1,0 +1,247 @@
+#include "core/shell/opening.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <system_error>
+
+#include "core/base/text.h"
+#include "core/datafile/databases.h"
+#include "core/datafile/lifecycle.h"
+
+namespace vellumark {
+namespace fs = std::filesystem;
+
+namespace {
+
+constexpr std::string_view kTemplateName = "pdbt.vkt";
+
+void ShowMessageAsStart(Session& session, OpeningWindows& windows, std::string message) {
+  session.StartupMessage = std::move(message);
+  windows.ShowNewDataFile(session.StartupMessage);
+}
+
+std::string UnusableText(const std::string& path, int version) {
+  return fmt::format(
+      "Data File: {}\nhas a file version of: {}\n\nVellumark {} can only use data files up to version: {}\n\n"
+      "Consider the following options:\n1) Update this Vellumark Software\n2) Create a new data file\n"
+      "3) Open another data file\n4) Restore from another file",
+      path, version, VELLUMARK_VERSION, kFileVersion);
+}
+
+// Whether the session's own Data File could be used instead. One that cannot be read is not at hand.
+bool UsableFileAtHand(const Session& session) {
+  std::error_code ignored;
+  if (session.DataFileName.empty() || !fs::exists(session.DataFileName, ignored)) return false;
+  if (session.DataFileDB) return true;
+  try {
+    return ReadFileVersion(session.DataFileName) <= kFileVersion;
+  } catch (const Failure&) {
+    return false;
+  }
+}
+
+void CloseWorkingSets(Session& session) {
+  session.BasicRS.reset();
+  session.MixRS.reset();
+  session.BatchRS.reset();
+  session.RecordsetsOpen = false;
+}
+
+void OpenWorkingSets(Session& session) {
+  Database& file = session.File();
+  session.BasicRS.emplace(file, schema::Basic, session.Table(schema::Basic), std::vector<std::string>{"Color_Name"});
+  session.BasicRS->MoveFirst();
+  session.MixRS.emplace(file, schema::Mix, session.Table(schema::Mix), std::vector<std::string>{"Color_Name"});
+  session.MixRS->MoveFirst();
+  session.BatchRS.emplace(file, schema::Batch, session.Table(schema::Batch), std::vector<std::string>{"BatchNo"});
+  session.BatchRS->MoveLast();
+  if (!session.JobRS)
+    session.JobRS.emplace(file, schema::JobRecords, schema::JobRecords.name,
+                          std::vector<std::string>{"JobNumber", "Date_Entered"});
+  session.RecordsetsOpen = true;
+}
+
+std::unique_ptr<Database> OpenFile(Session& session) {
+  auto file = Database::Open(session.DataFileName,
+                             session.ArchiveView ? OpenMode::ReadOnly : OpenMode::Exclusive);
+  file->SetChanges(&session.changes);
+  return file;
+}
+
+}  // namespace
+
+std::string VersionCaption() { return "Version " VELLUMARK_VERSION; }
+
+bool CheckDataFile(Session& session, const std::string& path, OpeningWindows& windows) {
+  session.StartupMessage.clear();
+  if (path.empty()) {
+    windows.ShowNewDataFile({});
+    return false;
+  }
+  std::error_code ignored;
+  if (!fs::exists(path, ignored)) {
+    ShowMessageAsStart(session, windows, path + " file does not exist.");
+    return false;
+  }
+  const int version = session.DataFileDB && session.DataFileDB->Path() == path
+                          ? ReadFileInfo(*session.DataFileDB).fileVersion
+                          : ReadFileVersion(path);
+  switch (GateOf(version)) {
+    case VersionGate::Current:
+    case VersionGate::ReadOnly:
+      return true;
+    case VersionGate::Unusable:
+      session.StartupMessage = UnusableText(path, version);
+      if (UsableFileAtHand(session)) {
+        session.prompt.Tell("Data File", session.StartupMessage + std::string(50, ' '), Icon::Exclamation);
+      } else {
+        windows.ShowNewDataFile(session.StartupMessage);
+      }
+      return false;
+    case VersionGate::Older:
+      break;
+  }
+  if (windows.ShowUpdateDataFile(path, version)) return true;
+  ShowMessageAsStart(session, windows,
+                     fmt::format("Updating {}\nfrom file version {} to file version {}\n failed.\n\n"
+                                 "Try using another data file.",
+                                 path, version, kFileVersion));
+  return false;
+}
+
+void OpenDataFile(Session& session, OpeningWindows& windows) {
+  if (session.DataFileName.empty()) return;
+  const int version = ReadFileVersion(session.DataFileName);
+  const bool archiveBefore = std::exchange(session.ArchiveView, IsArchiveCopy(version, session.DataFileName));
+  std::unique_ptr<Database> file;
+  FileInfoRow info;
+  try {
+    file = OpenFile(session);
+    info = ReadFileInfo(*file);
+  } catch (const Failure&) {
+    session.ArchiveView = archiveBefore;
+    throw;
+  }
+  session.DataFileDB = std::move(file);
+  windows.SetCaption(VersionCaption() + "   -   " + session.DataFileName);
+  session.BatchNumber = info.batchNumber;
+  session.ItemNumber = info.itemNumber;
+  session.DataFileOpen = true;
+  session.databaseList = info.dbList;
+  const bool users = session.DataFileDB->TableExists(schema::Users.name);
+  if (info.dbList.empty()) {
+    MakeFirstDatabase(session);
+    if (users) windows.Login(session);
+    return;
+  }
+  if (users) windows.Login(session);
+  const auto current = std::ranges::find_if(
+      info.dbList, [&](const std::string& name) { return EqualNoCase(name, info.currentDB); });
+  session.CurrentDatabase = current != info.dbList.end() ? *current : info.dbList.front();
+  OpenDatabase(session);
+  if (!session.ArchiveView) windows.SuggestArchive(session);
+}
+
+void CloseDataFile(Session& session, OpeningWindows& windows) {
+  session.progress.Begin("Closing File ...");
+  CloseWorkingSets(session);
+  session.JobRS.reset();
+  session.templateDB.reset();
+  session.DataFileDB.reset();
+  session.DataFileOpen = false;
+  session.ArchiveView = false;
+  session.databaseList.clear();
+  session.CurrentDatabase.clear();
+  session.FullName.clear();
+  session.CurrentUser.clear();
+  session.CostChanged = session.VOCChanged = session.HAPChanged = false;
+  windows.SetCaption(VersionCaption());
+  session.progress.End();
+}
+
+void CreateDataFile(Session& session, const fs::path& path, OpeningWindows& windows) {
+  session.progress.Begin("Creating Data File ...");
+  CreateFile(path);
+  if (session.DataFileOpen) CloseDataFile(session, windows);
+  session.DataFileName = path.string();
+  SetSupportValue(session, "dbFileName50", session.DataFileName);
+  session.progress.End();
+}
+
+void ReopenWorkingSets(Session& session) {
+  CloseWorkingSets(session);
+  session.JobRS.reset();
+  session.DataFileDB = OpenFile(session);
+  OpenWorkingSets(session);
+}
+
+void CompactDataFile(Session& session) {
+  CloseWorkingSets(session);
+  session.JobRS.reset();
+  session.DataFileDB.reset();
+  try {
+    CompactFile(session.DataFileName);
+  } catch (const Failure&) {
+    ReopenWorkingSets(session);
+    throw;
+  }
+  ReopenWorkingSets(session);
+}
+
+void OpenDatabase(Session& session) {
+  session.LoadingDatabase = true;
+  session.progress.Begin("Opening Database ...");
+  // Whatever fails, the main window must be able to close again.
+  const struct Finish {
+    Session& session;
+    ~Finish() {
+      session.LoadingDatabase = false;
+      session.progress.End();
+    }
+  } finish{session};
+
+  CloseWorkingSets(session);
+  const DatabaseInfo info = ReadDatabaseInfo(session.File(), session.CurrentDatabase);
+  session.FullName = info.fullName;
+  const fs::path templatePath = session.ProgramFolder / kTemplateName;
+  std::error_code ignored;
+  const bool hasTemplate = fs::exists(templatePath, ignored);
+  session.Disclaimer = hasTemplate ? info.disclaimer : "";
+  session.TradeMark = hasTemplate ? info.tradeMark : "";
+  session.TemplateFile = hasTemplate ? info.templateFile : "";
+  OpenWorkingSets(session);
+  session.templateDB.reset();
+  if (!session.TemplateFile.empty()) session.templateDB = Database::Open(templatePath, OpenMode::ReadOnly);
+}
+
+Result<void> ChangeDatabase(Session& session, std::string_view name) {
+  const auto found = std::ranges::find_if(session.databaseList,
+                                          [&](const std::string& listed) { return EqualNoCase(listed, name); });
+  if (found == session.databaseList.end())
+    return Refuse("Database Not Found", fmt::format("The {} Data File has no Database named {}.", session.DataFileName, name),
+                  "cmbDBList");
+  if (*found == session.CurrentDatabase) return {};
+  session.CurrentDatabase = *found;
+  if (!session.ArchiveView) StoreCurrentDatabase(session.File(), *found);
+  OpenDatabase(session);
+  return {};
+}
+
+void MakeFirstDatabase(Session& session, const std::string& name) {
+  CreateEmptyDatabase(session.File(), name);
+  StoreCurrentDatabase(session.File(), name);
+  session.databaseList = {name};
+  session.CurrentDatabase = name;
+  OpenDatabase(session);
+}
+
+std::int32_t NextBatchNumber(Session& session) {
+  return session.BatchNumber = StepBatchNumber(session.File(), session.BatchNumber);
+}
+
+std::int32_t NextItemNumber(Session& session) {
+  return session.ItemNumber = StepItemNumber(session.File(), session.ItemNumber);
+}
+
+}  // namespace vellumark

@@ -1,0 +1,62 @@
+#pragma once
+
+#include <cstdint>
+#include <filesystem>
+#include <string>
+#include <string_view>
+
+#include "core/session/session.h"
+
+namespace vellumark {
+
+/// What opening a Data File asks of the windows, or of whatever stands in their place.
+class OpeningWindows {
+ public:
+  virtual ~OpeningWindows() = default;
+  /// `NewDataFileForm`, modal, with `StartupMessage`; the program then comes to the front.
+  virtual void ShowNewDataFile(const std::string& startupMessage) = 0;
+  /// `UpdateDataFileForm` on a file of an older version whose safety copy stands; true when it was brought up to date.
+  virtual bool ShowUpdateDataFile(const std::filesystem::path& path, int fileVersion) = 0;
+  /// The login; only called for a file that has users. Ends with a user in the session or with the process.
+  virtual void Login(Session& session) = 0;
+  /// The program's and the main window's caption.
+  virtual void SetCaption(const std::string& caption) = 0;
+  /// The suggestion to archive old records, after a file was opened.
+  virtual void SuggestArchive(Session& session) = 0;
+};
+
+/// The file check: true when `path` may be opened. Otherwise `StartupMessage` says why and was shown, in
+/// `NewDataFileForm` or, when a usable Data File is at hand, in a message. Throws Failure for a file that cannot be read.
+bool CheckDataFile(Session& session, const std::string& path, OpeningWindows& windows);
+
+/// Opens `DataFileName`: the file, its Databases, the login, the current Database and its record sets. A new file gets
+/// its first Database here. When the open fails the state is as before.
+void OpenDataFile(Session& session, OpeningWindows& windows);
+
+/// Safe to call on a half-open file.
+void CloseDataFile(Session& session, OpeningWindows& windows);
+
+/// Makes a new file and the default of it; an open one is closed first. The caller opens it.
+void CreateDataFile(Session& session, const std::filesystem::path& path, OpeningWindows& windows);
+
+/// Compacts the open file in place; Database and user stay.
+void CompactDataFile(Session& session);
+/// Opens `DataFileName` and the working record sets again, without a login.
+void ReopenWorkingSets(Session& session);
+
+/// Opens `CurrentDatabase`: its texts, its template and its working record sets.
+void OpenDatabase(Session& session);
+/// Makes `name` current, writes it to the file and opens it. Refused when the file has no Database of that name.
+Result<void> ChangeDatabase(Session& session, std::string_view name);
+
+/// The first Database of a new file, "PANTONE" unless named.
+void MakeFirstDatabase(Session& session, const std::string& name = "PANTONE");
+
+/// The numbers after those last handed out, 1 after 999,999, written to the file at once.
+std::int32_t NextBatchNumber(Session& session);
+std::int32_t NextItemNumber(Session& session);
+
+/// "Version 5.0.0".
+std::string VersionCaption();
+
+}  // namespace vellumark

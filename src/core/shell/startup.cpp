@@ -1,0 +1,135 @@
+#include "core/shell/startup.h"
+
+#include <array>
+#include <system_error>
+
+#include "core/base/number.h"
+#include "core/base/text.h"
+#include "core/settings/settings_keys.h"
+
+namespace vellumark {
+namespace fs = std::filesystem;
+
+namespace {
+
+constexpr std::string_view kDefaultDataFile = "Vellumark Data.vkd";
+
+class OpenFileOfLadder final : public LadderDataFile {
+ public:
+  explicit OpenFileOfLadder(Session& session) : session_(session) {}
+  void SetDaysToRemindBackup(int days) override {
+    if (session_.ArchiveView) return;
+    Transaction transaction(session_.File());
+    session_.File().Prepare("UPDATE FileInfo SET DaysToRemindBackup = ?").Bind(1, days).Run();
+    transaction.Commit();
+  }
+  fs::path Folder() const override { return fs::path(session_.DataFileName).parent_path(); }
+
+ private:
+  Session& session_;
+};
+
+std::string Unquoted(std::string_view text) {
+  text = TrimView(text);
+  if (text.starts_with('"')) text.remove_prefix(1);
+  if (text.ends_with('"')) text.remove_suffix(1);
+  return std::string(text);
+}
+
+void TakeDataFileName(Session& session, const std::string& name) {
+  session.DataFileName = name;
+  SetSupportValue(session, keys::DbFileName50, name);
+}
+
+// A Data File of an older installation, the most trusted first.
+void LookForOlderFile(Session& session, StartupWindows& windows) {
+  std::error_code ignored;
+  const fs::path standard = session.ProgramFolder / kDefaultDataFile;
+  if (fs::exists(standard, ignored)) {
+    TakeDataFileName(session, standard.string());
+    return;
+  }
+  const SupportFile previous(session.DataFolder / "vk5suvdf.dat", RecordShape::KeyValue);
+  if (!previous.Exists()) return;
+  const std::string old = previous.GetSupportValue(keys::DbFileName40);
+  if (old.empty() || !fs::exists(old, ignored)) return;
+  const auto copied =
+      windows.OfferOldFile(old, "409", "Your most recently used Vellumark 4.0.9 database was found.",
+                           "That database will now be copied for use with The Vellumark 5.0.");
+  if (copied) TakeDataFileName(session, *copied);
+}
+
+}  // namespace
+
+bool PrepareSupportFiles(Session& session, const Folders& folders) {
+  session.DataFolder = folders.data;
+  session.BackupsFolder = folders.data / "Backups";
+  session.ProgramFolder = folders.program;
+  session.support = std::make_unique<SupportFiles>(folders.data);
+  const WrittenSupportFiles written = WriteMissingSupportFiles(*session.support);
+  session.DataFileName = GetSupportValue(session, keys::DbFileName50);
+  ReadSettings(session);
+  return written.settings;
+}
+
+void RunSupportLadder(Session& session) {
+  OpenFileOfLadder file(session);
+  if (RunLadder(*session.support, session.DataFileOpen ? &file : nullptr)) ReadSettings(session);
+}
+
+bool StartUp(Session& session, const StartOptions& options, StartupWindows& windows) {
+  session.DataFolder = options.folders.data;
+  MakeFolder(session.DataFolder);
+  if (windows.AnotherInstanceRuns(session)) {
+    session.prompt.Tell(
+        "The Vellumark is already running",
+        "The Vellumark is already running on this computer. If this computer is on a network, another user may be running "
+        "The Vellumark at another workstation. If this is a stand-alone PC, click the Vellumark icon on your Taskbar.",
+        Icon::Exclamation);
+    return false;
+  }
+  windows.ShowMainWindow(VersionCaption());
+  if (PrepareSupportFiles(session, options.folders)) windows.ShowNewSetup(session);
+  if (!options.dataFileArgument.empty()) {
+    std::error_code ignored;
+    const fs::path named = Unquoted(options.dataFileArgument);
+    const fs::path absolute = fs::absolute(named, ignored);
+    TakeDataFileName(session, (absolute.empty() ? named : absolute).string());
+  }
+  ReadSettings(session);
+  windows.TakePrinter(session);
+  windows.PrepareCloud(session);
+  session.DataFileOpen = session.RecordsetsOpen = session.LoadingDatabase = false;
+  if (session.DataFileName.empty()) LookForOlderFile(session, windows);
+  if (CheckDataFile(session, session.DataFileName, windows)) OpenDataFile(session, windows);
+  RunSupportLadder(session);
+  windows.LoadScalePort(session);
+  windows.ShowSplash();
+  windows.ShowCloudLine(session);
+  return true;
+}
+
+bool MayEnd(Session& session, StartupWindows& windows) {
+  if (session.LoadingDatabase) return false;
+  const bool reminds = LeadingNumber(GetSupportValue(session, keys::RemindBackup)) != 1;
+  if (reminds && session.RecordsetsOpen) {
+    windows.CloseAllChildWindows();
+    windows.RemindBackup(session);
+  }
+  return true;
+}
+
+void EndSession(Session& session, StartupWindows& windows) {
+  const bool hadRecordsets = session.RecordsetsOpen;
+  const bool hadFile = session.DataFileOpen;
+  CloseDataFile(session, windows);
+  windows.ShutdownBackup(session, "AutoBackup");
+  if (hadFile && !hadRecordsets) {
+    std::error_code error;
+    fs::remove(session.DataFileName, error);
+    if (error) throw Failure(session.DataFileName, "cannot be removed: " + error.message());
+  }
+  if (session.ScalePowered == 1) windows.PowerOffScale(session);
+}
+
+}  // namespace vellumark
