@@ -61,6 +61,13 @@ void StoreCurrentDatabase(Database& file, std::string_view name) {
   transaction.Commit();
 }
 
+DatabaseCounts CountRows(Database& file, std::string_view database) {
+  const auto count = [&](const Table& table) {
+    return file.Scalar("SELECT COUNT(*) FROM " + Quoted(TableName(database, table))).Whole();
+  };
+  return {count(schema::Basic), count(schema::Mix), count(schema::Batch)};
+}
+
 DatabaseInfo ReadDatabaseInfo(Database& file, std::string_view database) {
   Statement row = file.Prepare("SELECT FullName, Disclaimer, TradeMark, TemplateFile FROM " +
                                Quoted(TableName(database, schema::Info)) + " LIMIT 1");

@@ -30,6 +30,14 @@ struct DatabaseInfo {
   std::string tradeMark;
   std::string templateFile;
 };
+/// Numbers of rows, for overviews.
+struct DatabaseCounts {
+  std::int64_t basics = 0;
+  std::int64_t formulas = 0;
+  std::int64_t batches = 0;
+};
+DatabaseCounts CountRows(Database& file, std::string_view database);
+
 DatabaseInfo ReadDatabaseInfo(Database& file, std::string_view database);
 
 }  // namespace vellumark

@@ -287,6 +287,14 @@ std::vector<std::string> Database::TableNames() {
   return names;
 }
 
+std::vector<std::string> Database::Faults() {
+  std::vector<std::string> faults;
+  Statement check = Prepare("PRAGMA integrity_check");
+  while (check.Step())
+    if (check.TextView(0) != "ok") faults.push_back(check.Text(0));
+  return faults;
+}
+
 std::int64_t Database::LastRowId() const {
   return sqlite3_last_insert_rowid(engine_->connection.getHandle());
 }

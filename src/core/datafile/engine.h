@@ -89,6 +89,8 @@ class Database {
   bool TableExists(std::string_view table);
   std::vector<std::string> TableNames();
   std::int64_t LastRowId() const;
+  /// The engine's own check of the file's structure: what it found wrong, a line each; empty when sound.
+  std::vector<std::string> Faults();
 
   const std::filesystem::path& Path() const { return path_; }
   bool IsReadOnly() const { return readOnly_; }

@@ -83,12 +83,13 @@ Fields LabFields(int noteSize) {
 }
 
 Table LotTable(std::string suffix) {
-  // The index on the colour's name is what finds its lots; references repeat from colour to colour.
+  // The index on name and reference finds a colour's lots, and holds its references in order, so that a free one is found
+  // without reading a row; references repeat from colour to colour.
   return {
       std::move(suffix),
       {Long("LotRefID"), Text("LotCName", 30), Text("LotNumber", 30), Text("LotLoc", 30, kZero),
        Text("LotContID", 30, kZero), Date("LotDate"), Single("LotQty"), Single("LotPrice"), Boolean("LotConsignment")},
-      {{"LotRefID"}, {"LotCName"}}};
+      {{"LotRefID"}, {"LotCName", "LotRefID"}}};
 }
 
 Table LabTable(std::string suffix) {

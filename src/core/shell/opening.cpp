@@ -63,15 +63,16 @@ void OpenWorkingSets(Session& session) {
 }
 
 std::unique_ptr<Database> OpenFile(Session& session) {
-  auto file = Database::Open(session.DataFileName,
-                             session.ArchiveView ? OpenMode::ReadOnly : OpenMode::Exclusive);
+  auto file = Database::Open(session.DataFileName, session.ArchiveView ? OpenMode::ReadOnly : OpenMode::Exclusive);
   file->SetChanges(&session.changes);
   return file;
 }
 
 }  // namespace
 
-std::string VersionCaption() { return "Version " VELLUMARK_VERSION; }
+std::string VersionCaption() {
+  return "Version " VELLUMARK_VERSION;
+}
 
 bool CheckDataFile(Session& session, const std::string& path, OpeningWindows& windows) {
   session.StartupMessage.clear();
@@ -136,8 +137,8 @@ void OpenDataFile(Session& session, OpeningWindows& windows) {
     return;
   }
   if (users) windows.Login(session);
-  const auto current = std::ranges::find_if(
-      info.dbList, [&](const std::string& name) { return EqualNoCase(name, info.currentDB); });
+  const auto current =
+      std::ranges::find_if(info.dbList, [&](const std::string& name) { return EqualNoCase(name, info.currentDB); });
   session.CurrentDatabase = current != info.dbList.end() ? *current : info.dbList.front();
   OpenDatabase(session);
   if (!session.ArchiveView) windows.SuggestArchive(session);
@@ -215,15 +216,15 @@ void OpenDatabase(Session& session) {
   if (!session.TemplateFile.empty()) session.templateDB = Database::Open(templatePath, OpenMode::ReadOnly);
 }
 
-Result<void> ChangeDatabase(Session& session, std::string_view name) {
-  const auto found = std::ranges::find_if(session.databaseList,
-                                          [&](const std::string& listed) { return EqualNoCase(listed, name); });
+Result<void> ChangeDatabase(Session& session, std::string_view name, bool remember) {
+  const auto found =
+      std::ranges::find_if(session.databaseList, [&](const std::string& listed) { return EqualNoCase(listed, name); });
   if (found == session.databaseList.end())
-    return Refuse("Database Not Found", fmt::format("The {} Data File has no Database named {}.", session.DataFileName, name),
-                  "cmbDBList");
+    return Refuse("Database Not Found",
+                  fmt::format("The {} Data File has no Database named {}.", session.DataFileName, name), "cmbDBList");
   if (*found == session.CurrentDatabase) return {};
   session.CurrentDatabase = *found;
-  if (!session.ArchiveView) StoreCurrentDatabase(session.File(), *found);
+  if (remember && !session.ArchiveView) StoreCurrentDatabase(session.File(), *found);
   OpenDatabase(session);
   return {};
 }

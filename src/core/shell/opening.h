@@ -26,7 +26,8 @@ class OpeningWindows {
 };
 
 /// The file check: true when `path` may be opened. Otherwise `StartupMessage` says why and was shown, in
-/// `NewDataFileForm` or, when a usable Data File is at hand, in a message. Throws Failure for a file that cannot be read.
+/// `NewDataFileForm` or, when a usable Data File is at hand, in a message. Throws Failure for a file that cannot be
+/// read.
 bool CheckDataFile(Session& session, const std::string& path, OpeningWindows& windows);
 
 /// Opens `DataFileName`: the file, its Databases, the login, the current Database and its record sets. A new file gets
@@ -46,8 +47,9 @@ void ReopenWorkingSets(Session& session);
 
 /// Opens `CurrentDatabase`: its texts, its template and its working record sets.
 void OpenDatabase(Session& session);
-/// Makes `name` current, writes it to the file and opens it. Refused when the file has no Database of that name.
-Result<void> ChangeDatabase(Session& session, std::string_view name);
+/// Makes `name` current and opens it; with `remember` it is written to the file as the current one. Refused when the
+/// file has no Database of that name.
+Result<void> ChangeDatabase(Session& session, std::string_view name, bool remember = true);
 
 /// The first Database of a new file, "PANTONE" unless named.
 void MakeFirstDatabase(Session& session, const std::string& name = "PANTONE");

@@ -53,9 +53,8 @@ void LookForOlderFile(Session& session, StartupWindows& windows) {
   if (!previous.Exists()) return;
   const std::string old = previous.GetSupportValue(keys::DbFileName40);
   if (old.empty() || !fs::exists(old, ignored)) return;
-  const auto copied =
-      windows.OfferOldFile(old, "409", "Your most recently used Vellumark 4.0.9 database was found.",
-                           "That database will now be copied for use with The Vellumark 5.0.");
+  const auto copied = windows.OfferOldFile(old, "409", "Your most recently used Vellumark 4.0.9 database was found.",
+                                           "That database will now be copied for use with The Vellumark 5.0.");
   if (copied) TakeDataFileName(session, *copied);
 }
 
@@ -83,7 +82,8 @@ bool StartUp(Session& session, const StartOptions& options, StartupWindows& wind
   if (windows.AnotherInstanceRuns(session)) {
     session.prompt.Tell(
         "The Vellumark is already running",
-        "The Vellumark is already running on this computer. If this computer is on a network, another user may be running "
+        "The Vellumark is already running on this computer. If this computer is on a network, another user may be "
+        "running "
         "The Vellumark at another workstation. If this is a stand-alone PC, click the Vellumark icon on your Taskbar.",
         Icon::Exclamation);
     return false;

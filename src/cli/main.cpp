@@ -1,0 +1,195 @@
+// vellumark-cli: the rules of The Vellumark from the command line.
+
+#include <fmt/format.h>
+
+#include <cstdio>
+#include <filesystem>
+#include <system_error>
+
+#include "core/base/date.h"
+#include "core/base/text.h"
+#include "core/datafile/lifecycle.h"
+#include "core/shell/opening.h"
+#include "core/shell/startup.h"
+#include "frame.h"
+#include "seams.h"
+
+namespace vellumark::cli {
+namespace {
+
+namespace fs = std::filesystem;
+
+enum Exit : int { ExitDone = 0, ExitRefused = 1, ExitUsage = 2, ExitQuestion = 3, ExitFailed = 4 };
+
+struct GlobalOptions {
+  std::string dataFolder;
+  std::string file;
+  std::string database;
+  std::string user;
+  std::string password;
+  bool json = false;
+  std::string today;
+  std::string now;
+  std::vector<std::string> answers;
+  bool yes = false;
+  bool no = false;
+};
+
+void AddGlobalOptions(CLI::App& app, GlobalOptions& options) {
+  app.add_option("--data-folder", options.dataFolder,
+                 "Folder of the Support Files (else VELLUMARK_DATA_FOLDER, the shared or the user's own folder)");
+  app.add_option("--file", options.file, "The Data File (else the one stored in the settings)");
+  app.add_option("--db", options.database, "The Database (else the file's current one)");
+  app.add_option("--user", options.user, "User name, where the Data File has users");
+  app.add_option("--password", options.password, "The user's password");
+  app.add_flag("--json", options.json, "Answer with one JSON value");
+  app.add_option("--today", options.today, "The date that counts as today, YYYY-MM-DD");
+  app.add_option("--now", options.now, "The time that counts as now, \"YYYY-MM-DD HH:MM:SS\"");
+  app.add_option("--answer", options.answers, "\"TITLE=yes\" answers the question of that title: yes, no, ok, cancel")
+      ->take_all();
+  const auto* yes = app.add_flag("--yes", options.yes, "Answer every other question with Yes");
+  app.add_flag("--no", options.no, "Answer every other question with No")->excludes(const_cast<CLI::Option*>(yes));
+}
+
+/// Thrown for words on the command line that CLI11 could not judge.
+struct WrongUsage {
+  std::string text;
+};
+
+void TakeAnswers(const GlobalOptions& options, OptionPrompt& prompt) {
+  for (const std::string& answer : options.answers) {
+    const auto pair = SplitPair(answer, true);
+    const std::string word = pair ? Upper(TrimView(pair->second)) : "";
+    if (word == "YES") {
+      prompt.AddAnswer(pair->first, Answer::Yes);
+    } else if (word == "NO") {
+      prompt.AddAnswer(pair->first, Answer::No);
+    } else if (word == "OK") {
+      prompt.AddAnswer(pair->first, Answer::Ok);
+    } else if (word == "CANCEL") {
+      prompt.AddAnswer(pair->first, Answer::Cancel);
+    } else {
+      throw WrongUsage{fmt::format("--answer {}: expected \"TITLE=yes\", no, ok or cancel", answer)};
+    }
+  }
+  if (options.yes) prompt.SetRest(OptionPrompt::Rest::Yes);
+  if (options.no) prompt.SetRest(OptionPrompt::Rest::No);
+}
+
+std::unique_ptr<Clock> ChosenClock(const GlobalOptions& options) {
+  const std::string& text = options.now.empty() ? options.today : options.now;
+  if (text.empty()) return std::make_unique<SystemClock>();
+  const auto time = ParseDateTime(text);
+  if (!time) throw WrongUsage{fmt::format("{} is not a date of the form YYYY-MM-DD or \"YYYY-MM-DD HH:MM:SS\"", text)};
+  return std::make_unique<FixedClock>(*time);
+}
+
+Result<void> OpenForVerb(Context& context, const GlobalOptions& options, Needs needs) {
+  Session& session = context.session;
+  NoWindows windows;
+  if (context.dataFile.empty())
+    return Refuse("Data File", "No Data File is known yet. Name one with --file, or make one with: file create PATH");
+  if (std::error_code error; !fs::exists(context.dataFile, error)) throw Failure(context.dataFile, "does not exist");
+  session.DataFileName.clear();
+  if (const int version = ReadFileVersion(context.dataFile); GateOf(version) == VersionGate::Older)
+    return Refuse("Data File",
+                  fmt::format("Data File: {}\nhas a file version of: {}\n\nFiles of versions 2 to 39 must be "
+                              "brought up to version {} first, which this release cannot do.",
+                              context.dataFile, version, kFileVersion));
+  if (!CheckDataFile(session, context.dataFile, windows)) return Refuse("Data File", session.StartupMessage);
+  session.DataFileName = context.dataFile;
+  OpenDataFile(session, windows);
+  RunSupportLadder(session);
+  if (!options.database.empty()) {
+    if (auto changed = ChangeDatabase(session, options.database, false); !changed) return changed;
+  }
+  return needs == Needs::Writable ? RequireWritable(session) : Result<void>{};
+}
+
+int Report(const Refusal& refusal, bool json, std::string_view kind, int exitCode) {
+  if (json) {
+    const Json answer{
+        {std::string(kind), Json{{"title", refusal.title}, {"text", refusal.text}, {"field", refusal.field}}}};
+    fmt::print("{}\n", answer.dump(2, ' ', false, Json::error_handler_t::replace));
+  }
+  fmt::print(stderr, "{}: {}\n", Trim(refusal.title), refusal.text);
+  return exitCode;
+}
+
+int RunChosen(const GlobalOptions& options, const Commands& commands) {
+  OptionPrompt prompt;
+  TerminalProgress progress;
+  try {
+    TakeAnswers(options, prompt);
+    const std::unique_ptr<Clock> clock = ChosenClock(options);
+    Session session(prompt, progress, *clock);
+    PrepareSupportFiles(session, ResolveFolders(FolderSources::OfThisProcess(options.dataFolder)));
+    Context context{session, options.json, options.file.empty() ? session.DataFileName : options.file, {}};
+    if (!options.file.empty()) context.dataFile = fs::absolute(options.file).string();
+
+    Result<void> opened;
+    if (commands.needs == Needs::Nothing) {
+      RunSupportLadder(session);
+    } else {
+      opened = OpenForVerb(context, options, commands.needs);
+    }
+    if (!opened) return Report(opened.error(), options.json, "refused", ExitRefused);
+    const Result<Json> answer = commands.chosen(context);
+    if (!answer) return Report(answer.error(), options.json, "refused", ExitRefused);
+    progress.End();
+    if (options.json) {
+      fmt::print("{}\n", answer->dump(2, ' ', false, Json::error_handler_t::replace));
+    } else {
+      fmt::print("{}", context.text.empty() ? ReadableText(*answer) : context.text);
+    }
+    if (std::fflush(stdout) != 0) throw Failure("standard output", "cannot be written");
+    return ExitDone;
+  } catch (const WrongUsage& usage) {
+    fmt::print(stderr, "{}\n", usage.text);
+    return ExitUsage;
+  } catch (const UnansweredQuestion& question) {
+    progress.End();
+    return Report({question.message.title, question.message.text, ""}, options.json, "question", ExitQuestion);
+  } catch (const BadValue& bad) {
+    progress.End();
+    return Report({"Invalid Value", bad.what(), ""}, options.json, "refused", ExitRefused);
+  } catch (const Failure& failure) {
+    progress.End();
+    return Report({failure.subject, failure.cause, ""}, options.json, "failed", ExitFailed);
+  }
+}
+
+int Main(int argc, char** argv) {
+  CLI::App app("The Vellumark from the command line", "vellumark-cli");
+  app.set_version_flag("--version", std::string("vellumark-cli ") + VELLUMARK_VERSION);
+  app.require_subcommand(1);
+  GlobalOptions options;
+  AddGlobalOptions(app, options);
+  Commands commands;
+  AddFileCommands(app, commands);
+  AddSettingsCommands(app, commands);
+  AddDatabaseCommands(app, commands);
+  AddColorCommands(app, commands);
+  AddFormulaCommands(app, commands);
+  AddStockCommands(app, commands);
+  AddBatchCommands(app, commands);
+  try {
+    app.parse(argc, argv);
+  } catch (const CLI::ParseError& error) {
+    return app.exit(error) == 0 ? ExitDone : ExitUsage;
+  }
+  return RunChosen(options, commands);
+}
+
+}  // namespace
+}  // namespace vellumark::cli
+
+int main(int argc, char** argv) {
+  try {
+    return vellumark::cli::Main(argc, argv);
+  } catch (const std::exception& error) {
+    // A fault of the program itself, not of its input.
+    fmt::print(stderr, "vellumark-cli failed: {}\n", error.what());
+    return 70;
+  }
+}

@@ -1,0 +1,74 @@
+#include "seams.h"
+
+#include <fmt/format.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cstdio>
+
+#include "core/base/text.h"
+
+namespace vellumark::cli {
+
+using std::chrono::milliseconds;
+using std::chrono::steady_clock;
+
+void OptionPrompt::AddAnswer(std::string_view title, Answer answer) {
+  answers_[Trim(title)] = answer;
+}
+
+Answer OptionPrompt::Show(const Message& message) {
+  if (message.buttons == Buttons::Ok) {
+    std::string text = message.text;
+    text.erase(text.find_last_not_of(" \n") + 1);
+    fmt::print(stderr, "{}: {}\n", Trim(message.title), text);
+    return Answer::Ok;
+  }
+  const bool confirms = message.buttons == Buttons::OkCancel;
+  if (const auto found = answers_.find(Trim(message.title)); found != answers_.end()) {
+    const Answer answer = found->second;
+    if (confirms) return answer == Answer::Yes || answer == Answer::Ok ? Answer::Ok : Answer::Cancel;
+    if (answer == Answer::Ok) return Answer::Yes;
+    return answer == Answer::Cancel && message.buttons == Buttons::YesNo ? Answer::No : answer;
+  }
+  switch (rest_) {
+    case Rest::Yes:
+      return confirms ? Answer::Ok : Answer::Yes;
+    case Rest::No:
+      return confirms ? Answer::Cancel : Answer::No;
+    case Rest::Unanswered:
+      break;
+  }
+  throw UnansweredQuestion{message};
+}
+
+TerminalProgress::TerminalProgress() : terminal_(::isatty(STDERR_FILENO) == 1) {}
+
+void TerminalProgress::Begin(std::string_view text) {
+  text_ = std::string(text);
+  std::ranges::replace(text_, '\n', ' ');
+  began_ = steady_clock::now();
+}
+
+void TerminalProgress::Percent(double percent) {
+  if (!terminal_) return;
+  const auto now = steady_clock::now();
+  if (now - began_ < milliseconds(300) || now - drawn_ < milliseconds(100)) return;
+  drawn_ = now;
+  shown_ = true;
+  fmt::print(stderr, "\r\x1b[K{} {:.0f}%", text_, percent);
+  std::fflush(stderr);
+}
+
+void TerminalProgress::Clear() {
+  if (!shown_) return;
+  shown_ = false;
+  fmt::print(stderr, "\r\x1b[K");
+  std::fflush(stderr);
+}
+
+void NoWindows::Login(Session& session) {
+  throw Failure(session.DataFileName, "has users, and the command line cannot log a user in");
+}
+
+}  // namespace vellumark::cli

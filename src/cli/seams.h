@@ -1,0 +1,62 @@
+#pragma once
+
+#include <chrono>
+#include <map>
+#include <string>
+#include <string_view>
+
+#include "core/base/seams.h"
+#include "core/shell/opening.h"
+
+namespace vellumark::cli {
+
+/// A question that no option answered.
+struct UnansweredQuestion {
+  Message message;
+};
+
+/// Answers from --answer, --yes and --no; tells on standard error.
+class OptionPrompt final : public Prompt {
+ public:
+  enum class Rest { Unanswered, Yes, No };
+
+  /// `title` is compared without its leading and trailing blanks.
+  void AddAnswer(std::string_view title, Answer answer);
+  void SetRest(Rest rest) { rest_ = rest; }
+  Answer Show(const Message& message) override;
+
+ private:
+  std::map<std::string, Answer> answers_;
+  Rest rest_ = Rest::Unanswered;
+};
+
+/// A line on the terminal, once the work has lasted a moment; nothing when standard error is no terminal.
+class TerminalProgress final : public Progress {
+ public:
+  TerminalProgress();
+  ~TerminalProgress() override { Clear(); }
+  void Begin(std::string_view text) override;
+  void Percent(double percent) override;
+  void End() override { Clear(); }
+
+ private:
+  void Clear();
+
+  bool terminal_;
+  bool shown_ = false;
+  std::string text_;
+  std::chrono::steady_clock::time_point began_;
+  std::chrono::steady_clock::time_point drawn_;
+};
+
+/// The opening's windows on the command line: there are none, what they would say is said by the caller.
+class NoWindows final : public OpeningWindows {
+ public:
+  void ShowNewDataFile(const std::string&) override {}
+  bool ShowUpdateDataFile(const std::filesystem::path&, int) override { return false; }
+  void Login(Session& session) override;
+  void SetCaption(const std::string&) override {}
+  void SuggestArchive(Session&) override {}
+};
+
+}  // namespace vellumark::cli

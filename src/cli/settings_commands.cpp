@@ -1,0 +1,57 @@
+#include <fmt/format.h>
+
+#include <memory>
+
+#include "core/base/number.h"
+#include "core/settings/settings_keys.h"
+#include "core/settings/support_files.h"
+#include "frame.h"
+
+namespace vellumark::cli {
+namespace {
+
+Result<Json> SetSetting(Context& context, const std::string& key, const std::string& value) {
+  SupportFile& settings = context.session.support->settings;
+  if (!settings.Read().Contains(key))
+    return Refuse("Settings", fmt::format("The settings have no key {}.", key), "KEY");
+  if (value.find('"') != std::string::npos) return Refuse("Settings", "A value cannot hold a double quote.", "VALUE");
+  if (key == keys::InvCutoff) {
+    const auto amount = ParseNumber(value);
+    if (!amount || *amount < 0)
+      return Refuse("Invalid Inventory Cutoff", "You must enter an amount greater than or equal to zero.", "txtCutoff");
+  }
+  settings.SetSupportValue(key, value);
+  return Json{{key, value}};
+}
+
+}  // namespace
+
+void AddSettingsCommands(CLI::App& app, Commands& commands) {
+  CLI::App* noun = AddNoun(app, "settings", "The settings: get, set, list");
+
+  auto* get = noun->add_subcommand("get", "The value of a key");
+  const auto wanted = std::make_shared<std::string>();
+  get->add_option("KEY", *wanted, "The key, in its exact case")->required();
+  commands.Add(get, Needs::Nothing, [wanted](Context& context) -> Result<Json> {
+    if (!context.session.support->settings.Read().Contains(*wanted))
+      return Refuse("Settings", fmt::format("The settings have no key {}.", *wanted), "KEY");
+    return Json(GetSupportValue(context.session, *wanted));
+  });
+
+  auto* set = noun->add_subcommand("set", "Give a key another value");
+  const auto key = std::make_shared<std::string>();
+  const auto value = std::make_shared<std::string>();
+  set->add_option("KEY", *key, "The key, in its exact case")->required();
+  set->add_option("VALUE", *value, "Its new value")->required();
+  commands.Add(set, Needs::Nothing, [key, value](Context& context) { return SetSetting(context, *key, *value); });
+
+  commands.Add(noun->add_subcommand("list", "All keys and values"), Needs::Nothing,
+               [](Context& context) -> Result<Json> {
+                 Json rows = Json::array();
+                 for (const SupportRecord& record : context.session.support->settings.Read().Records())
+                   rows.push_back({{"Key", record.key}, {"Value", record.value}});
+                 return rows;
+               });
+}
+
+}  // namespace vellumark::cli

@@ -1,0 +1,96 @@
+#include "core/base/text.h"
+
+#include <gtest/gtest.h>
+#include <sys/wait.h>
+
+#include "core/base/changes.h"
+#include "core/base/date.h"
+#include "core/base/files.h"
+#include "core/base/refusal.h"
+#include "support/scratch.h"
+
+namespace vellumark {
+namespace {
+
+TEST(Text, EveryByteOfTheCodePageComesBack) {
+  std::string bytes;
+  for (int b = 1; b < 256; ++b) bytes += static_cast<char>(b);
+  EXPECT_EQ(ToCp1252(FromCp1252(bytes)), bytes);
+  EXPECT_EQ(FromCp1252("\x80\xC4"), "€Ä");
+  EXPECT_THROW(ToCp1252("Ω"), BadValue);
+  EXPECT_EQ(DecodeText("GR\xDCN"), "GRÜN");
+  EXPECT_EQ(DecodeText("\xEF\xBB\xBFGRÜN"), "GRÜN");
+}
+
+TEST(Text, CharactersAreCountedAndCutWhole) {
+  EXPECT_EQ(CharCount("GRÜN €"), 6U);
+  EXPECT_EQ(Left("GRÜN", 3), "GRÜ");
+  EXPECT_EQ(Left("GRÜN", 9), "GRÜN");
+  EXPECT_EQ(Upper("grün ñ ž ÿ ÷ ß"), "GRÜN Ñ Ž Ÿ ÷ ß");
+  EXPECT_TRUE(IsUtf8("GRÜN"));
+  EXPECT_FALSE(IsUtf8("\xC0\x80"));
+  EXPECT_FALSE(IsUtf8("\xED\xA0\x80"));
+  EXPECT_FALSE(IsUtf8("\xE2\x82"));
+}
+
+TEST(Text, ComparesAsTheDataFileDoes) {
+  EXPECT_TRUE(EqualNoCase("Blue", "BLUE"));
+  EXPECT_FALSE(EqualNoCase("ü", "Ü"));
+  EXPECT_LT(CompareNoCase("blue", "BLUE 2"), 0);
+  EXPECT_EQ(FindNoCase("<Red><Blue>", "<BLUE>"), 5U);
+  EXPECT_EQ(FindNoCase("<RED>", "<REDS>"), std::string_view::npos);
+}
+
+TEST(Text, MarkedListsAreWalkedToTheirLastBar) {
+  EXPECT_EQ(SplitMarked("A|B C|", '|'), (std::vector<std::string>{"A", "B C"}));
+  EXPECT_EQ(SplitMarked("A|B", '|'), (std::vector<std::string>{"A", "B"}));
+  EXPECT_TRUE(SplitMarked("", '|').empty());
+  EXPECT_EQ(JoinMarked({"A", "B"}, '|'), "A|B|");
+}
+
+TEST(Dates, ReadAndWrittenAsTheFileKeepsThem) {
+  EXPECT_EQ(ParseDateTime("2024-02-29")->ToText(), "2024-02-29 00:00:00");
+  EXPECT_EQ(ParseDateTime("2026-03-10 23:59:58")->ToText(), "2026-03-10 23:59:58");
+  for (const char* bad : {"", "2023-02-29", "2026-13-01", "2026-1-01", "10.03.2026", "2026-03-10 24:00", "2026-03-10x",
+                          "-026-03-10", "2026-03-10 12:00:00 "})
+    EXPECT_FALSE(ParseDateTime(bad)) << bad;
+  EXPECT_EQ((DateTime{2026, 3, 1, 0, 0, 0}.DayNumber() - DateTime{2024, 2, 29, 0, 0, 0}.DayNumber()), 731);
+  EXPECT_EQ(DateTime::FromDayNumber(DateTime{2026, 3, 10, 5, 0, 0}.DayNumber()).DateText(), "2026-03-10");
+}
+
+TEST(Files, ReplacedInOneStepOrNotAtAll) {
+  test::ScratchFolder folder;
+  const auto path = folder / "a.dat";
+  ReplaceFile(path, "first");
+  ReplaceFile(path, "second");
+  EXPECT_EQ(ReadFileBytes(path), "second");
+  try {
+    ReplaceFile(folder / "missing" / "a.dat", "x");
+    FAIL();
+  } catch (const Failure& failure) {
+    EXPECT_NE(failure.subject.find("missing/a.dat"), std::string::npos);
+    EXPECT_EQ(failure.cause, "No such file or directory");
+  }
+  // A disk that fills up: the device that is always full stands in for the temp file.
+  EXPECT_THROW(ReplaceFile(path, "/dev/full", "third"), Failure);
+  EXPECT_EQ(ReadFileBytes(path), "second");
+}
+
+TEST(ChangeNotices, EndWithTheirSubscriptionAlsoWhileBeingTold) {
+  Changes changes;
+  int first = 0;
+  int second = 0;
+  Changes::Subscription two;
+  const auto one = changes.Subscribe([&](const std::vector<Change>&) {
+    ++first;
+    two.Reset();
+  });
+  two = changes.Subscribe([&](const std::vector<Change>&) { ++second; });
+  changes.Tell({Change{Change::Kind::Basic, "INK", "BLUE", Change::What::Updated, ""}});
+  changes.Tell({});
+  EXPECT_EQ(first, 1);
+  EXPECT_EQ(second, 0);
+}
+
+}  // namespace
+}  // namespace vellumark
