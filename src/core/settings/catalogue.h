@@ -1,0 +1,31 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "core/settings/support_records.h"
+
+namespace vellumark {
+
+/// The keys of one list window: `<prefix>Columns`, the two sorts, `<prefix>ColWidth<n>` for n from 0 to widths - 1 and
+/// `<prefix>DateRange`.
+struct ColumnFamily {
+  std::string_view prefix;
+  int widths = 0;
+  std::string_view columns;          ///< chosen columns, each title between bars
+  std::string_view sortOrder = "0";  ///< "0" ascending, "1" descending; empty: the window has no sort keys
+  std::string_view sortCol = "0";
+  std::string_view dateRange = {};  ///< number of a period; empty: the window has no period
+};
+
+/// The records of a family with their defaults, in the order of the file. The name column and the columns chosen get
+/// the width that suits their title (2865, 1935, 1500 or 1065 twips), all others 0.
+std::vector<SupportRecord> FamilyRecords(const ColumnFamily& family);
+
+/// The whole content of a new settings file, 1,259 records: the families of the list windows, then the single keys.
+/// Two column keys stand twice, as files in the field have them: `ColorListColWidth16`, the second time where
+/// `ColorListDBColWidth16` would be, and `SumConsumptionColWidth15`, the second time in the place of 155.
+SupportRecords DefaultSettings();
+
+}  // namespace vellumark
