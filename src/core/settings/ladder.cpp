@@ -1,0 +1,348 @@
+#include "core/settings/ladder.h"
+
+#include <fmt/format.h>
+
+#include <array>
+#include <string>
+#include <utility>
+
+#include "core/settings/catalogue.h"
+#include "core/settings/ladder_labels.h"
+#include "core/settings/ladder_run.h"
+#include "core/settings/settings_keys.h"
+
+namespace vellumark {
+namespace {
+
+constexpr auto kReportWindows = std::to_array<ReportWindow>({
+    {"BasicCostListForm", "BasicCostList", "Color Name"},
+    {"BasicColors_VOC_HAP_ListForm", "Basic_VOC_HAP_List", "Color Name"},
+    {"BatchAdditionForm", "BatchAdditions", "Batch Number"},
+    {"BatchListForm", "BatchList", "Batch Number"},
+    {"BatchListDBForm", "BatchListDB", "Batch Number"},
+    {"BatchLottedInvReport", "BatchLotList", "Batch Number"},
+    {"ColorListForm", "ColorList", "Color Name"},
+    {"ColorListDBForm", "ColorListDB", "Color Name"},
+    {"DetailedJobUsageForm", "DetailedJobUsage", "Job Number"},
+    {"DetailedSpecificJobUsageForm", "DetailedSpecificJobUsage", "Color Name"},
+    {"ConsumptionForm", "DetConsumption", "Ing Name"},
+    {"JobUsageForm", "DetJobUsage", "Job Number"},
+    {"ProductionForm", "DetProduction", "Color Name"},
+    {"InventoryForm", "Inventory", "Color Name"},
+    {"InventoryReportsForm", "InventoryDetailSelected", "Color Name"},
+    {"InventorySummaryForm", "InventorySummary", "Database"},
+    {"JobListForm", "JobList", "Job Number"},
+    {"MixCostListForm", "MixCostList", "Color Name"},
+    {"MixColors_VOC_HAP_ListForm", "Mix_VOC_HAP_List", "Color Name"},
+    {"RecycleListForm", "RecList", "Color Name"},
+    {"ReorderForm", "Reorder", "Color Name"},
+    {"ConsumptionColorNameSummaryForm", "Sum2Consumption", "Database"},
+    {"JobUsageSummaryForm", "Sum2JobUsage", "Database"},
+    {"ProductionSummaryForm", "Sum2Production", "Database"},
+    {"ProductionColorNameSummaryForm", "Sum2Production", "Database"},
+    {"SummarizedBatchAdditionsForm", "SumBatchAdditions", "Color Name"},
+    {"SummarizedConsumptionForm", "SumConsumption", "Color Name"},
+    {"SummarizedJobUsageForm", "SumJobUsage", "Color Name"},
+    {"SummarizedProductionForm", "SumProduction", "Color Name"},
+    {"CloudInvReport", "CloudInvDetSelected", "Color Name"},
+});
+
+// Windows whose families came later than the report keys.
+constexpr ReportWindow kCloudSpecificColor{"CloudInvReport_SpecificColor", "CloudInvSpecificColor", "Color Name"};
+constexpr ReportWindow kDesignUsage{"DesignUsageForm", "DesignUsageForm", "Job Number"};
+constexpr ReportWindow kDesignAllJobsUsage{"DesignAllJobsUsageForm", "DesignAllJobsUsageForm", "Job Number"};
+constexpr ReportWindow kConsumptionSummary{"ConsumptionSummaryForm", "Sum3Consumption", "Database"};
+constexpr ReportWindow kBatchListRow{"BatchListForm_MultipleRows", "BatchListRow", "Batch Number"};
+
+// Prefixes of the lists of stock, and the windows that show them.
+constexpr auto kStockLists = std::to_array<std::pair<std::string_view, std::string_view>>({
+    {"Inventory", "InventoryForm"},
+    {"InventoryDetailSelected", "InventoryReportsForm"},
+    {"CloudInvDetSelected", "CloudInvReport"},
+    {"CloudInvSpecificColor", "CloudInvReport_SpecificColor"},
+});
+
+constexpr auto kListsWithInventory = std::to_array<std::pair<std::string_view, std::string_view>>({
+    {"Inventory", "InventoryForm"},
+    {"InventoryDetailSelected", "InventoryReportsForm"},
+    {"ColorList", "ColorListForm"},
+    {"ColorListDB", "ColorListDBForm"},
+    {"DetConsumption", "ConsumptionForm"},
+    {"SumConsumption", "SummarizedConsumptionForm"},
+    {"CloudInvDetSelected", "CloudInvReport"},
+    {"CloudInvSpecificColor", "CloudInvReport_SpecificColor"},
+});
+
+// Ten lots of three columns each: number, quantity and date.
+void SetLotColumnWidths(LadderRun& run) {
+  run.AddWidths("Inventory", 33, 42);
+  run.AddWidths("InventoryDetailSelected", 34, 43);
+  for (const auto& [prefix, last] : {std::pair{"Inventory", 42}, std::pair{"InventoryDetailSelected", 43}})
+    for (int i = 6; i <= last; ++i) {
+      const char* const width = i > 36 ? "0" : i == 36 ? "1500" : i % 3 == 0 ? "2865" : "1940";
+      run.settings.Set(ColWidthKey(prefix, i), width);
+    }
+}
+
+void AddCloudInventory(LadderRun& run, std::string_view prefix) {
+  run.AddFamily({prefix, 44, "|Database||Color Type||Inventory||Unit Cost||Total Cost|"});
+  for (const auto& [option, value] :
+       {std::pair{"MixCost", "0"}, {"InvOnly", "0"}, {"ShowBasics", "1"}, {"ShowMixes", "1"}})
+    run.Add(fmt::format("{}{}", prefix, option), value);
+}
+
+void AddUserTexts(LadderRun& run) {
+  for (const std::string prefix : {"BatchUDTxt", "JobUDTxt"}) {
+    run.AddNumbered(prefix + "Default", 0, 5, "0");
+    run.AddNumbered(prefix + "Value", 0, 5, "");
+    run.AddNumbered(prefix + "Required", 0, 5, "0");
+  }
+}
+
+void AddAllReportKeys(LadderRun& run) {
+  for (const ReportWindow& report : kReportWindows) run.AddReportKeys(report);
+  run.Add("ReportExportForm_DefaultExportLocation", "");
+}
+
+void AddReportViewer(LadderRun& run) {
+  const std::string viewer = "CloudUtilityReportViewer_";
+  run.AddAfter("CloudInvReport_DefaultFileName", {{viewer + "DefaultDir", ""},
+                                                  {viewer + "FileFormat", "0"},
+                                                  {viewer + "IncHeading", "1"},
+                                                  {viewer + "IncData", "1"},
+                                                  {viewer + "IncTotals", "1"}});
+}
+
+// Brings the code and the cost to the end of the chosen columns; what else is chosen stays in front of them.
+void MendBasicCostList(LadderRun& run) {
+  const std::string key = ColumnsKey("BasicCostList");
+  constexpr std::string_view tail = "|Color Code||Purchase Cost|";
+  std::string columns = run.settings.Get(key);
+  if (!columns.ends_with(tail)) {
+    for (const std::string_view item : {"|Color Code|", "|Purchase Cost|"}) {
+      const std::size_t found = columns.find(item);
+      if (found != std::string::npos) columns.erase(found, item.size());
+    }
+    run.settings.Set(key, columns + std::string(tail));
+  }
+  run.settings.Set(UDHeaderKey("BasicCostListForm"), "|Color Name||Color Code||Purchase Cost|");
+}
+
+void AddDesignUsage(LadderRun& run) {
+  for (const ReportWindow& report : {kDesignUsage, kDesignAllJobsUsage}) {
+    run.AddFamily(
+        {report.prefix, 34, "|Design Desc||Color Name||Database||Date Entered||Qty Used||Total Cost|", "0", "0", "6"});
+    run.AddReportKeys(report);
+  }
+}
+
+void AddSum3Consumption(LadderRun& run) {
+  run.AddWidths("JobRecord", 27, 32);
+  run.AddWidths("SumConsumption", 155, 155);
+  run.AddWidths("Sum2Production", 19, 19);
+  run.AddNumbered("BatchLotListColWidth", 0, 24, "0");
+  run.AddFamily({"Sum3Consumption", 5, "|Batches||Qty Consumed||% Consumed|"});
+  run.AddReportKeys(kConsumptionSummary);
+}
+
+void AddBatchListRow(LadderRun& run) {
+  run.AddFamily({"BatchListRow", 38, "|Color Name||Date Entered||Job Number||Quantity||Ing Name||Ing Code||Ing Qty|",
+                 "0", "0", "6"});
+  run.Add("BatchListRowAdditions", "0");
+  run.AddReportKeys(kBatchListRow);
+}
+
+void ReplaceItem(SupportRecords& settings, const std::string& key, std::string_view item, std::string_view by) {
+  std::string columns = settings.Get(key);
+  const std::size_t found = columns.find(item);
+  if (found == std::string::npos) return;
+  settings.Set(key, columns.replace(found, item.size(), by));
+}
+
+void RenameInventoryColumn(LadderRun& run) {
+  for (const auto& [prefix, window] : kListsWithInventory)
+    for (const std::string& key : {ColumnsKey(prefix), UDHeaderKey(window)})
+      ReplaceItem(run.settings, key, "|Inventory|", "|Unlotted Inventory|");
+}
+
+void AddConsignment(LadderRun& run) {
+  constexpr std::string_view item = "|Consignment|";
+  for (const auto& [prefix, window] : kStockLists) {
+    for (const std::string& key : {ColumnsKey(prefix), UDHeaderKey(window)}) {
+      const std::string& columns = run.settings.Get(key);
+      if (columns.find(item) == std::string::npos) run.settings.Set(key, columns + std::string(item));
+    }
+    run.Add(fmt::format("{}OptConsignment", prefix), "0");
+  }
+  run.Add("InventorySummaryOptConsignment", "0");
+}
+
+struct Step {
+  std::string_view versionKey;
+  std::string_view from;
+  std::string_view to;
+  void (*work)(LadderRun&);
+};
+
+constexpr std::string_view kFile = keys::StartupVar_FileVersion;
+constexpr std::string_view kLabel = keys::LabelTemplate_Version;
+
+constexpr auto kSteps = std::to_array<Step>({
+    {kLabel, "1", "2",
+     [](LadderRun& run) {
+       AddMiscTexts(run);
+       AddBarCodes(run);
+     }},
+    {kFile, "1", "2", SetLotColumnWidths},
+    {kLabel, "2", "3", AddCombinedBarCodes},
+    {kFile, "2", "3",
+     [](LadderRun& run) {
+       run.Add(keys::GH_LabelLayoutList, "Default Label|");
+       run.Add(keys::GH_LabelTemplate_Version, "1");
+     }},
+    {kFile, "3", "4", [](LadderRun& run) { run.Add("BC_Label_Prefix_Identifier", "1"); }},
+    {kFile, "4", "5",
+     [](LadderRun& run) {
+       run.AddNumbered("BC_PrintItem_", 0, 9, "1");
+       run.AddNumbered("MC_PrintItem_", 0, 14, "1");
+     }},
+    {kFile, "5", "6",
+     [](LadderRun& run) {
+       run.Add("PControl_IncludeHeadings", "1");
+       run.Add("PControl_IncludeData", "1");
+       run.Add("PControl_IncludeTotals", "1");
+       run.Add("PControl_Lines", "0");
+       run.Add("PControl_FitToPage", "1");
+       run.Add("PControl_Orientation", "0");  // as labels have it: 0 Portrait, 1 Landscape
+     }},
+    {kFile, "6", "7", [](LadderRun& run) { run.Add(keys::BackupFileLocation, ""); }},
+    {kFile, "7", "8",
+     [](LadderRun& run) {
+       run.AddFamily({"BatchLotList", 0, "|Color Name||Job Number|Date Entered|Ing Name|", "0", "0", "6"});
+     }},
+    {kFile, "8", "9",
+     [](LadderRun& run) {
+       run.Add("Anilox0", ".5");
+       run.Add("Anilox1", "1");
+       run.Add("Anilox2", "1.5");
+       run.Add("Anilox3", "3");
+     }},
+    {kFile, "9", "10", [](LadderRun& run) { run.Add(keys::BatchDefaultLotNumberValue, "0"); }},
+    {kFile, "10", "11",
+     [](LadderRun& run) {
+       run.settings.Set(keys::RemindBackup, "1");
+       run.daysToRemindBackup = 1;
+     }},
+    {kFile, "11", "12",
+     [](LadderRun& run) {
+       run.Add("JobListForm_DateQuery", "0");
+       run.Add("DetailedSpecJobUsage_DateQuery", "0");
+       run.Add("DetailedJobUsage_DateQuery", "0");
+     }},
+    {kFile, "12", "13", [](LadderRun& run) { run.MakeScaleFile(); }},
+    {kFile, "13", "14", [](LadderRun& run) { run.AddHandshaking(); }},
+    {kFile, "14", "15",
+     [](LadderRun& run) {
+       run.AddNumbered("Batches_UDNum_Format", 0, 5, "3");
+       run.AddNumbered("Jobs_UDNum_Format", 0, 5, "3");
+     }},
+    {kFile, "15", "16", nullptr},
+    {kFile, "16", "17", [](LadderRun& run) { AddCloudInventory(run, "CloudInvDetSelected"); }},
+    {kFile, "17", "18", [](LadderRun& run) { run.CopyToBackups(); }},
+    {kFile, "18", "19", AddUserTexts},
+    {kFile, "19", "20",
+     [](LadderRun& run) {
+       run.settings.Set("BatchLotListColumns", "|Color Name||Job Number||Date Entered||Ing. Name|");
+     }},
+    {kFile, "20", "21", AddAllReportKeys},
+    {kFile, "21", "22", AddReportViewer},
+    {kFile, "22", "23", MendBasicCostList},
+    {kFile, "23", "24",
+     [](LadderRun& run) {
+       AddCloudInventory(run, "CloudInvSpecificColor");
+       run.AddReportKeys(kCloudSpecificColor);
+     }},
+    {kFile, "24", "25", AddDesignUsage},
+    {kFile, "25", "26",
+     [](LadderRun& run) {
+       run.AddWidths("ColorListDB", 15, 16, "1940");
+       run.settings.Set("ColorListDBColWidth15", "1940");
+     }},
+    {kFile, "26", "27", AddSum3Consumption},
+    {kFile, "27", "28", AddBatchListRow},
+    {kFile, "28", "29", [](LadderRun& run) { run.Add(keys::BatchComplete, "0"); }},
+    {kFile, "29", "30", [](LadderRun& run) { run.Add(keys::UDCNameCCodeLen, "30"); }},
+    {kFile, "30", "31", RenameInventoryColumn},
+    {kFile, "31", "32", [](LadderRun& run) { run.designPhotos = true; }},
+    {kFile, "32", "33", AddHazardRecords},
+    {kFile, "33", "34",
+     [](LadderRun& run) {
+       run.Add(keys::Formula_LabelLayoutList, "Default Label|");
+       run.Add(keys::Formula_LabelTemplate_Version, "1");
+     }},
+    {kFile, "34", "35", nullptr},
+    {kFile, "35", "36", AddFormulaDate},
+    {kFile, "36", "37", [](LadderRun& run) { run.Add(keys::DesignsCostModelIndex, "0"); }},
+    {kFile, "37", "38", nullptr},
+    {kFile, "38", "39", [](LadderRun& run) { run.AddWidths("JobRecord", 33, 33); }},
+    {kFile, "39", "40",
+     [](LadderRun& run) {
+       run.AddAfter("MC_PrintItem_14", {{"MC_PrintItem_15", "0"}, {"MC_PrintItem_16", "0"}});
+       run.AddAfter("PrinterFont", {{"PrintMixNotes0", "0"}, {"PrintMixNotes1", "0"}, {"PrintMixNotes2", "0"}});
+     }},
+    {kFile, "40", "41", AddConsignment},
+    {kFile, "41", "42",
+     [](LadderRun& run) { run.AddAfter("PrintExtraBatchDetails", {{"PrintLABBatchDetails", "1"}}); }},
+    {kFile, "42", "43",
+     [](LadderRun& run) {
+       run.AddWidths("DetProduction", 33, 33);
+       run.AddWidths("BatchListDB", 76, 82);
+       run.AddWidths("BatchList", 75, 83);
+       run.AddWidths("BatchListRow", 38, 46);
+     }},
+    {kFile, "43", "44",
+     [](LadderRun& run) {
+       run.AddAfter("BC_PrintItem_9", {{"BC_PrintItem_10", "0"}});
+       run.AddAfter("MC_PrintItem_16", {{"MC_PrintItem_17", "0"}, {"MC_PrintItem_18", "0"}});
+     }},
+    {kFile, "44", "45", [](LadderRun& run) { run.AddAfter(keys::InvLotTracking, {{"InvRecordMethod", "0"}}); }},
+    {kFile, "45", "46",
+     [](LadderRun& run) {
+       run.AddWidths("SumProduction", 20, 20);
+       run.AddWidths("Sum2Production", 20, 20);
+     }},
+    {kFile, "46", SupportFileVersion,
+     [](LadderRun& run) {
+       run.AddAfter(keys::BatchComplete, {{"PrintRecListPercent", "0"}, {"PrintRecListPercentValue", "50"}});
+     }},
+    {kLabel, "3", "4", AddLotItems},
+});
+
+void SetIfEmpty(SupportRecords& settings, std::string_view key, std::string_view value) {
+  if (settings.Get(key).empty() && !settings.Set(key, value)) settings.Append(key, value);
+}
+
+bool IsKnownVersion(std::string_view version) {
+  for (const Step& step : kSteps)
+    if (step.versionKey == kFile && step.from == version) return true;
+  return version == SupportFileVersion;
+}
+
+}  // namespace
+
+bool RunLadder(SupportFiles& files, LadderDataFile* dataFile) {
+  LadderRun run(files, dataFile);
+  SupportRecords& settings = run.settings;
+  SetIfEmpty(settings, "BatchListColWidth74", "0");
+  if (settings.Get(kFile).empty())
+    for (const std::string_view key : {kFile, kLabel}) SetIfEmpty(settings, key, "1");
+  if (!IsKnownVersion(settings.Get(kFile))) return false;
+  for (const Step& step : kSteps) {
+    if (settings.Get(step.versionKey) != step.from) continue;
+    if (step.work != nullptr) step.work(run);
+    settings.Set(step.versionKey, step.to);
+  }
+  return run.WriteAll();
+}
+
+}  // namespace vellumark

@@ -1,0 +1,133 @@
+#include "core/settings/ladder_run.h"
+
+#include <fmt/format.h>
+
+#include <array>
+
+#include "core/base/files.h"
+#include "core/settings/settings_keys.h"
+
+namespace vellumark {
+
+std::string ColumnsKey(std::string_view prefix) {
+  return fmt::format("{}Columns", prefix);
+}
+
+std::string UDHeaderKey(std::string_view window) {
+  return fmt::format("{}_UDHeader", window);
+}
+
+std::string ColWidthKey(std::string_view prefix, int number) {
+  return fmt::format("{}ColWidth{}", prefix, number);
+}
+
+void AddMissingAfter(SupportRecords& records, std::string_view layout, std::string_view anchor,
+                     std::vector<SupportRecord> wanted) {
+  std::erase_if(wanted, [&](const SupportRecord& record) { return records.Contains(layout, record.key); });
+  records.InsertAfter(layout, anchor, std::move(wanted));
+}
+
+LadderRun::LadderRun(SupportFiles& files, LadderDataFile* dataFile)
+    : settings(files.settings.Read()), files_(files), dataFile_(dataFile) {}
+
+void LadderRun::Add(std::string_view key, std::string_view value) {
+  if (!settings.Contains(key)) settings.Append(key, value);
+}
+
+void LadderRun::AddNumbered(std::string_view name, int first, int last, std::string_view value) {
+  for (int i = first; i <= last; ++i) Add(keys::Numbered(name, i), value);
+}
+
+void LadderRun::AddFamily(const ColumnFamily& family) {
+  for (const SupportRecord& record : FamilyRecords(family)) Add(record.key, record.value);
+}
+
+void LadderRun::AddAfter(std::string_view anchor, const std::vector<KeyValue>& added) {
+  std::vector<SupportRecord> records;
+  for (const auto& [key, value] : added) records.push_back({{}, key, value});
+  AddMissingAfter(settings, {}, anchor, std::move(records));
+}
+
+void LadderRun::AddWidths(std::string_view prefix, int first, int last, std::string_view value) {
+  std::vector<KeyValue> added;
+  for (int i = first; i <= last; ++i) added.emplace_back(ColWidthKey(prefix, i), value);
+  AddAfter(ColWidthKey(prefix, first - 1), added);
+}
+
+void LadderRun::AddReportKeys(const ReportWindow& report) {
+  const std::string window = std::string(report.window) + "_";
+  const std::string header = fmt::format("|{}|{}", report.firstColumn, settings.Get(ColumnsKey(report.prefix)));
+  AddAfter(fmt::format("{}SecondSortCol", report.prefix), {{window + "FileFormat", "0"},
+                                                           {window + "IncHeading", "1"},
+                                                           {window + "IncData", "1"},
+                                                           {window + "IncTotals", "1"},
+                                                           {window + "UDH_Setting", "0"},
+                                                           {window + "UDHeader", header},
+                                                           {window + "DefaultFileName", ""}});
+}
+
+void LadderRun::MakeScaleFile() {
+  constexpr auto defaults = std::to_array<std::pair<std::string_view, std::string_view>>({
+      {"CommPort", ""},
+      {"BaudRate", "300"},
+      {"Parity", "Odd"},
+      {"WordLen", "7"},
+      {"StopBit", "1"},
+      {"Echo", "0"},
+      {"NetID", ""},
+  });
+  scale_.emplace(RecordShape::KeyValue);
+  for (const auto& [key, value] : defaults) scale_->Append(key, value);
+}
+
+SupportRecords& LadderRun::Opened(Opening& records, const SupportFile& file) {
+  if (!records) records = file.Read();
+  return *records;
+}
+
+void LadderRun::AddHandshaking() {
+  if (!scale_ && !files_.scale.Exists()) MakeScaleFile();
+  SupportRecords& records = Opened(scale_, files_.scale);
+  if (!records.Contains("Handshaking")) records.Append("Handshaking", "comXOnXoff");
+}
+
+// The copies hold what the files hold at this step, changes of the steps before it included.
+void LadderRun::CopyToBackups() {
+  const DataFolders folders(files_.folder);
+  const auto copy = [&](const SupportFile& file, const SupportRecords* records) {
+    const SupportFile target(folders.backups / file.Path().filename(), file.Shape());
+    if (target.Exists()) return;
+    if (records != nullptr) {
+      copies_.emplace_back(target.Path(), records->Bytes());
+    } else if (file.Exists()) {
+      copies_.emplace_back(target.Path(), ReadFileBytes(file.Path()));
+    }
+  };
+  const auto opened = [](const Opening& records) { return records ? &*records : nullptr; };
+  copy(files_.hazardLabel, opened(hazardLabel_));
+  copy(files_.label, opened(label_));
+  copy(files_.scale, opened(scale_));
+  copy(files_.settings, &settings);
+}
+
+bool LadderRun::WriteAll() {
+  bool written = false;
+  const auto write = [&written](SupportFile& file, const Opening& records) {
+    if (!records || !records->Changed()) return;
+    file.Write(*records);
+    written = true;
+  };
+  write(files_.scale, scale_);
+  write(files_.label, label_);
+  write(files_.hazardLabel, hazardLabel_);
+  write(files_.formulaLabel, formulaLabel_);
+  if (!copies_.empty()) MakeFolder(DataFolders(files_.folder).backups);
+  for (const auto& [path, bytes] : copies_) ReplaceFile(path, bytes);
+  if (dataFile_ != nullptr && designPhotos) MakeFolder(dataFile_->Folder() / "DesignPhotos");
+  if (dataFile_ != nullptr && daysToRemindBackup > 0) dataFile_->SetDaysToRemindBackup(daysToRemindBackup);
+  // The versions stand in the settings: last, so that they never claim work that was not done.
+  write(files_.settings, settings);
+  return written;
+}
+
+}  // namespace vellumark
