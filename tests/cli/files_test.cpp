@@ -1,0 +1,196 @@
+#include <gtest/gtest.h>
+
+#include <filesystem>
+
+#include "core/base/files.h"
+#include "core/datafile/engine.h"
+#include "support/cli_run.h"
+
+namespace vellumark {
+namespace {
+
+namespace fs = std::filesystem;
+
+void SetVersion(const fs::path& path, int version) {
+  Database::Open(path, OpenMode::Exclusive)->Execute("UPDATE FileInfo SET FileVersion = " + std::to_string(version));
+}
+
+TEST(CliFiles, EachUnusableFileSaysWhichAndWhyAndStaysAsItIs) {
+  const test::CliRoom room;
+  const fs::path good = room.MakeFile();
+  const auto copy = [&](const std::string& name) {
+    const fs::path to = room.folder / name;
+    fs::copy_file(good, to);
+    return to;
+  };
+  struct Case {
+    fs::path file;
+    int status;
+    std::string says;
+  };
+  std::vector<Case> cases;
+  const fs::path text = room.folder / "text.vkd";
+  ReplaceFile(text, "BLUE\tRED\t100\r\n");
+  cases.push_back({text, 4, "is not a Data File"});
+  const fs::path empty = room.folder / "empty.vkd";
+  ReplaceFile(empty, "");
+  cases.push_back({empty, 4, "is empty, not a Data File"});
+  cases.push_back({room.folder / "gone.vkd", 4, "does not exist"});
+  cases.push_back({room.folder.Path(), 4, "is not a file"});
+  const fs::path cut = copy("cut.vkd");
+  fs::resize_file(cut, fs::file_size(cut) - 10000);
+  cases.push_back({cut, 4, "is damaged or was cut short"});
+  for (const int version : {0, 1, 41, 139, 141}) {
+    const fs::path path = copy("v" + std::to_string(version) + ".vkd");
+    SetVersion(path, version);
+    cases.push_back({path, 1, "has a file version of: " + std::to_string(version)});
+  }
+  for (const int version : {2, 39}) {
+    const fs::path path = copy("v" + std::to_string(version) + ".vkd");
+    SetVersion(path, version);
+    cases.push_back({path, 1, "must be brought up to version 40 first"});
+  }
+  for (const Case& c : cases) {
+    const bool regular = fs::is_regular_file(c.file);
+    const std::string before = regular ? ReadFileBytes(c.file) : "";
+    for (const std::vector<std::string>& verb : {std::vector<std::string>{"file", "info"},
+                                                 {"color", "list"},
+                                                 {"formula", "list"},
+                                                 {"stock", "show"},
+                                                 {"db", "list"},
+                                                 {"batch", "calc", "--formula", "X", "--quantity", "1"},
+                                                 {"file", "compact"},
+                                                 {"color", "add", "BLUE"}}) {
+      std::vector<std::string> words{"--file", c.file.string()};
+      words.insert(words.end(), verb.begin(), verb.end());
+      const test::CliAnswer answer = room.Run(words);
+      EXPECT_EQ(answer.status, c.status) << verb[0] << " " << verb[1] << ": " << answer.err;
+      EXPECT_NE(answer.err.find(c.says), std::string::npos) << answer.err;
+      EXPECT_NE(answer.err.find(c.file.string()), std::string::npos) << answer.err;
+      EXPECT_EQ(answer.out, "");
+    }
+    if (regular) {
+      EXPECT_EQ(ReadFileBytes(c.file), before) << c.file;
+    }
+  }
+  EXPECT_EQ(room.Run({"file", "info"}).status, 0);
+}
+
+TEST(CliFiles, AFileThatIsHeldOrArchivedRefusesWriting) {
+  const test::CliRoom room;
+  const fs::path path = room.MakeFile();
+  {
+    const auto held = Database::Open(path, OpenMode::Exclusive);
+    const test::CliAnswer answer = room.Run({"color", "list"});
+    EXPECT_EQ(answer.status, 4);
+    EXPECT_NE(answer.err.find("is in use by another process"), std::string::npos) << answer.err;
+  }
+  const fs::path archive = room.folder / "Archive.vkd";
+  fs::copy_file(path, archive);
+  const std::string before = ReadFileBytes(archive);
+  EXPECT_EQ(room.Run({"--file", archive.string(), "color", "list"}).status, 0);
+  for (const std::vector<std::string>& verb : {std::vector<std::string>{"color", "add", "BLUE"},
+                                               {"db", "create", "NEW"},
+                                               {"formula", "delete", "X"},
+                                               {"stock", "adjust", "X", "1"},
+                                               {"file", "compact"}}) {
+    std::vector<std::string> words{"--yes", "--file", archive.string()};
+    words.insert(words.end(), verb.begin(), verb.end());
+    const test::CliAnswer answer = room.Run(words);
+    EXPECT_EQ(answer.status, 1) << verb[0];
+    EXPECT_EQ(answer.err.find("Archive or Backup Data File: You are viewing data"), 0U) << answer.err;
+  }
+  EXPECT_EQ(ReadFileBytes(archive), before);
+}
+
+TEST(CliFiles, CreateInfoCheckCompact) {
+  const test::CliRoom room;
+  const std::string path = room.MakeFile();
+  EXPECT_EQ(room.Run({"file", "create", path}).status, 4);
+  EXPECT_EQ(room.Run({"file", "create", (room.folder / "x.txt").string()}).status, 1);
+  EXPECT_EQ(room.Run({"file", "create", (room.folder / "no" / "x.vkd").string()}).status, 4);
+  EXPECT_EQ(room.Run({"file", "create", (room.folder / "b.vkd").string(), "--database", "A_B"}).status, 1);
+  EXPECT_FALSE(fs::exists(room.folder / "b.vkd"));
+  const auto info = room.Json({"file", "info"});
+  EXPECT_EQ(info["DataFileName"], path);
+  EXPECT_EQ(info["CurrentDB"], "INK");
+  EXPECT_EQ(info["FileVersion"], 40);
+  EXPECT_TRUE(room.Json({"file", "check", path})["Sound"]);
+  Database::Open(path, OpenMode::Exclusive)->Execute("DROP TABLE INK_Mix_LAB");
+  const test::CliAnswer broken = room.Run({"file", "check", path});
+  EXPECT_EQ(broken.status, 1);
+  EXPECT_NE(broken.err.find("table INK_Mix_LAB"), std::string::npos);
+  EXPECT_EQ(room.Run({"file", "compact"}).status, 0);
+  EXPECT_FALSE(fs::exists(room.folder / "Ink.vkb"));
+}
+
+TEST(CliFiles, DatabasesAreListedMadeAndChosen) {
+  const test::CliRoom room;
+  room.MakeFile();
+  EXPECT_EQ(room.Json({"db", "create", "flexo"})["Database"], "FLEXO");
+  const test::CliAnswer twice = room.Run({"--json", "db", "create", "Flexo"});
+  EXPECT_EQ(twice.status, 1);
+  EXPECT_EQ(twice.Json()["refused"]["title"], "Database Already Exists");
+  EXPECT_EQ(room.Run({"db", "use", "GONE"}).status, 1);
+  EXPECT_EQ(room.Run({"--db", "GONE", "color", "list"}).status, 1);
+  room.Json({"db", "use", "FLEXO"});
+  const auto list = room.Json({"db", "list"});
+  EXPECT_FALSE(list[0]["Current"]);
+  EXPECT_TRUE(list[1]["Current"]);
+  // A Database of one call only leaves the current one.
+  room.Json({"--db", "INK", "color", "add", "BLUE", "PurchaseCost=2"});
+  EXPECT_EQ(room.Json({"color", "list"}).size(), 0U);
+  EXPECT_EQ(room.Json({"--db", "ink", "color", "list"}).size(), 1U);
+}
+
+TEST(CliSettings, ReadWrittenListedAndACutFileLosesNoWholeRecord) {
+  const test::CliRoom room;
+  EXPECT_EQ(room.Json({"settings", "get", "StartupVar_FileVersion"}), "47");
+  EXPECT_GT(room.Json({"settings", "list"}).size(), 1259U);
+  room.Json({"settings", "set", "UMI", "2"});
+  EXPECT_EQ(room.Json({"settings", "get", "UMI"}), "2");
+  EXPECT_EQ(room.Run({"settings", "get", "umi"}).status, 1);
+  EXPECT_EQ(room.Run({"settings", "set", "NoSuchKey", "2"}).status, 1);
+  EXPECT_EQ(room.Run({"settings", "set", "UMI", "a\"b"}).status, 1);
+  for (const char* bad : {"1,5", "1e3", "abc", "", "-1"}) {
+    const test::CliAnswer answer = room.Run({"settings", "set", "--", "InvCutoff", bad});
+    EXPECT_EQ(answer.status, 1) << bad;
+    EXPECT_NE(answer.err.find("You must enter an amount greater than or equal to zero."), std::string::npos);
+  }
+  const fs::path file = room.folder / "VKDat" / "vk50suvdf.dat";
+  fs::resize_file(file, fs::file_size(file) - 7);  // a cut last line
+  EXPECT_EQ(room.Json({"settings", "get", "UMI"}), "2");
+  fs::remove_all(room.folder / "VKDat");
+  ReplaceFile(room.folder / "VKDat", "a file where the folder should be");
+  const test::CliAnswer blocked = room.Run({"settings", "list"});
+  EXPECT_EQ(blocked.status, 4);
+  EXPECT_NE(blocked.err.find("VKDat"), std::string::npos);
+}
+
+TEST(CliFrame, UsageQuestionsAndAnswers) {
+  const test::CliRoom room;
+  EXPECT_EQ(room.Run({}).status, 2);
+  EXPECT_EQ(room.Run({"--help"}).status, 0);
+  EXPECT_EQ(room.Run({"color", "--help"}).status, 0);
+  EXPECT_EQ(room.Run({"color", "paint"}).status, 2);
+  EXPECT_EQ(room.Run({"--today", "10.03.2026", "settings", "list"}).status, 2);
+  EXPECT_EQ(room.Run({"--answer", "Delete?", "settings", "list"}).status, 2);
+  const test::CliAnswer none = room.Run({"color", "list"});
+  EXPECT_EQ(none.status, 1);
+  EXPECT_NE(none.err.find("No Data File is known yet"), std::string::npos);
+
+  room.MakeFile();
+  room.Json({"color", "add", "BLUE"});
+  const test::CliAnswer open = room.Run({"--json", "color", "delete", "BLUE"});
+  EXPECT_EQ(open.status, 3);
+  EXPECT_EQ(open.Json()["question"]["title"], "Basic Color Window - Delete Basic Color?");
+  EXPECT_EQ(room.Json({"color", "list"}).size(), 1U);
+  EXPECT_EQ(room.Run({"--answer", "Basic Color Window - Delete Basic Color?=no", "color", "delete", "BLUE"}).status, 0);
+  EXPECT_EQ(room.Json({"color", "list"}).size(), 1U);
+  EXPECT_EQ(room.Run({"--answer", " Basic Color Window - Delete Basic Color? =yes", "color", "delete", "BLUE"}).status,
+            0);
+  EXPECT_EQ(room.Json({"color", "list"}).size(), 0U);
+}
+
+}  // namespace
+}  // namespace vellumark

@@ -1,0 +1,290 @@
+#include "core/shell/opening.h"
+
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <filesystem>
+
+#include "core/base/files.h"
+#include "core/datafile/databases.h"
+#include "core/datafile/lifecycle.h"
+#include "core/settings/settings_keys.h"
+#include "core/settings/support_files.h"
+#include "core/shell/startup.h"
+#include "support/scratch.h"
+
+namespace vellumark {
+namespace {
+
+namespace fs = std::filesystem;
+
+// Writes down what the order asks for; answers as set.
+class RecordingWindows final : public StartupWindows {
+ public:
+  std::vector<std::string> calls;
+  bool another = false;
+  bool updates = false;
+  std::optional<std::string> copy;
+  std::string startupMessage;
+  std::string caption;
+
+  bool AnotherInstanceRuns(const Session&) override { return Note("previous instance"), another; }
+  void ShowMainWindow(const std::string& text) override { Note("main window"), caption = text; }
+  void ShowNewSetup(Session& session) override {
+    Note("setup");
+    SetSupportValue(session, keys::UMI, "2");
+  }
+  void TakePrinter(Session& session) override { Note("printer, UMI " + std::to_string(session.UMI)); }
+  void PrepareCloud(Session&) override { Note("cloud folders"); }
+  std::optional<std::string> OfferOldFile(const fs::path&, const std::string& label, const std::string& found,
+                                          const std::string& offer) override {
+    Note("old file " + label + ": " + found + " " + offer);
+    return copy;
+  }
+  void LoadScalePort(Session& session) override {
+    Note("scale, settings version " + GetSupportValue(session, keys::StartupVar_FileVersion));
+  }
+  void ShowSplash() override { Note("splash"); }
+  void ShowCloudLine(Session&) override { Note("cloud line"); }
+  void CloseAllChildWindows() override { Note("close children"); }
+  void RemindBackup(Session&) override { Note("remind backup"); }
+  void ShutdownBackup(Session& session, const std::string& label) override {
+    Note("backup " + label + (session.DataFileOpen ? " while open" : ""));
+  }
+  void PowerOffScale(Session&) override { Note("scale off"); }
+  void ShowNewDataFile(const std::string& message) override { Note("new data file"), startupMessage = message; }
+  bool ShowUpdateDataFile(const fs::path&, int version) override {
+    Note("update from " + std::to_string(version));
+    return updates;
+  }
+  void Login(Session&) override { Note("login"); }
+  void SetCaption(const std::string& text) override { caption = text; }
+  void SuggestArchive(Session&) override { Note("archive"); }
+
+ private:
+  void Note(std::string call) { calls.push_back(std::move(call)); }
+};
+
+struct Start {
+  Start() { options.folders = {folder / "VKDat", folder / "Program"}; }
+  void MakeFile(const fs::path& path, int version = kFileVersion, bool withDatabase = true) {
+    CreateFile(path);
+    const auto file = Database::Open(path, OpenMode::Exclusive);
+    if (withDatabase) CreateEmptyDatabase(*file, "INK");
+    file->Execute("UPDATE FileInfo SET FileVersion = " + std::to_string(version));
+  }
+  test::ScratchFolder folder;
+  test::ScriptedPrompt prompt;
+  NoProgress progress;
+  FixedClock clock{DateTime{2026, 3, 10, 9, 0, 0}};
+  Session session{prompt, progress, clock};
+  RecordingWindows windows;
+  StartOptions options;
+};
+
+TEST(StartOrder, AFirstStartSetsUpAndAsksForADataFile) {
+  Start start;
+  ASSERT_TRUE(StartUp(start.session, start.options, start.windows));
+  EXPECT_EQ(start.windows.calls,
+            (std::vector<std::string>{"previous instance", "main window", "setup", "printer, UMI 2", "cloud folders",
+                                      "new data file", "scale, settings version 47", "splash", "cloud line"}));
+  EXPECT_EQ(start.windows.startupMessage, "");
+  EXPECT_TRUE(fs::exists(start.options.folders.data / "vk50labeldf.dat"));
+}
+
+TEST(StartOrder, AFileNamedInQuotesIsOpenedAndKeptAsTheDefault) {
+  Start start;
+  const fs::path path = start.folder / "My Ink.vkd";
+  start.MakeFile(path);
+  start.options.dataFileArgument = "\"" + path.string() + "\"";
+  ASSERT_TRUE(StartUp(start.session, start.options, start.windows));
+  EXPECT_TRUE(start.session.RecordsetsOpen);
+  EXPECT_EQ(start.session.CurrentDatabase, "INK");
+  EXPECT_EQ(start.windows.caption, "Version 5.0.0   -   " + path.string());
+  EXPECT_EQ(GetSupportValue(start.session, keys::DbFileName50), path.string());
+  EndSession(start.session, start.windows);
+  EXPECT_EQ(start.windows.calls.back(), "backup AutoBackup");
+  EXPECT_EQ(start.windows.caption, "Version 5.0.0");
+
+  // A label file that is missing comes back without the setup window.
+  fs::remove(start.options.folders.data / "vk50labeldf.dat");
+  start.options.dataFileArgument.clear();
+  start.windows.calls.clear();
+  ASSERT_TRUE(StartUp(start.session, start.options, start.windows));
+  EXPECT_EQ(start.session.DataFileName, path.string());
+  EXPECT_EQ(start.windows.calls[2], "printer, UMI 2");
+  EXPECT_TRUE(fs::exists(start.options.folders.data / "vk50labeldf.dat"));
+}
+
+TEST(StartOrder, ASecondInstanceEndsAtOnce) {
+  Start start;
+  start.windows.another = true;
+  start.prompt.Expect("The Vellumark is already running");
+  EXPECT_FALSE(StartUp(start.session, start.options, start.windows));
+  EXPECT_EQ(start.windows.calls.size(), 1U);
+}
+
+TEST(StartOrder, OlderInstallationsAreLookedForInTheirOrder) {
+  Start start;
+  PrepareSupportFiles(start.session, start.options.folders);
+  const fs::path old = start.folder / "old.mdb";
+  ReplaceFile(old, "x");
+  ReplaceFile(start.options.folders.data / "vk5suvdf.dat", "\"dbFileName40\",\"" + old.string() + "\"\r\n");
+  const fs::path copied = start.folder / "copied.vkd";
+  start.MakeFile(copied);
+  start.windows.copy = copied.string();
+  ASSERT_TRUE(StartUp(start.session, start.options, start.windows));
+  EXPECT_EQ(
+      start.windows.calls[4],
+      "old file 409: Your most recently used Vellumark 4.0.9 database was found. That database will now be copied "
+      "for use with The Vellumark 5.0.");
+  EXPECT_EQ(start.session.DataFileName, copied.string());
+
+  // A Data File in the program's folder is trusted before that.
+  Start other;
+  fs::create_directories(other.options.folders.program);
+  other.MakeFile(other.options.folders.program / "Vellumark Data.vkd");
+  ASSERT_TRUE(StartUp(other.session, other.options, other.windows));
+  EXPECT_TRUE(other.session.RecordsetsOpen);
+  EXPECT_EQ(fs::path(other.session.DataFileName).filename(), "Vellumark Data.vkd");
+}
+
+TEST(EndOrder, AFileWithoutADatabaseIsRemovedAndTheReminderComesOnlyWhenItIsOn) {
+  Start start;
+  PrepareSupportFiles(start.session, start.options.folders);
+  start.session.LoadingDatabase = true;
+  EXPECT_FALSE(MayEnd(start.session, start.windows));
+  start.session.LoadingDatabase = false;
+  start.session.RecordsetsOpen = true;
+  EXPECT_TRUE(MayEnd(start.session, start.windows));
+  EXPECT_TRUE(start.windows.calls.empty());
+  SetSupportValue(start.session, keys::RemindBackup, "0");
+  EXPECT_TRUE(MayEnd(start.session, start.windows));
+  EXPECT_EQ(start.windows.calls, (std::vector<std::string>{"close children", "remind backup"}));
+  start.session.RecordsetsOpen = false;
+
+  CreateDataFile(start.session, start.folder / "Half.vkd", start.windows);
+  start.session.DataFileDB = Database::Open(start.session.DataFileName, OpenMode::Exclusive);
+  start.session.DataFileOpen = true;
+  start.session.ScalePowered = 1;
+  EndSession(start.session, start.windows);
+  EXPECT_FALSE(fs::exists(start.folder / "Half.vkd"));
+  EXPECT_EQ(start.windows.calls.back(), "scale off");
+}
+
+TEST(FileCheck, EachVersionGetsItsWay) {
+  struct Case {
+    int version;
+    bool opens;
+    const char* call;
+  };
+  for (const Case& c :
+       {Case{40, true, ""}, Case{140, true, ""}, Case{0, false, "new data file"}, Case{1, false, "new data file"},
+        Case{41, false, "new data file"}, Case{139, false, "new data file"}, Case{141, false, "new data file"},
+        Case{2, false, "update from 2"}, Case{39, false, "update from 39"}}) {
+    Start start;
+    const fs::path path = start.folder / "F.vkd";
+    start.MakeFile(path, c.version);
+    const std::string before = ReadFileBytes(path);
+    EXPECT_EQ(CheckDataFile(start.session, path.string(), start.windows), c.opens) << c.version;
+    if (*c.call != '\0') {
+      EXPECT_EQ(start.windows.calls.at(0), c.call) << c.version;
+    }
+    EXPECT_EQ(ReadFileBytes(path), before) << c.version;
+    if (c.version == 41)
+      EXPECT_EQ(start.windows.startupMessage,
+                "Data File: " + path.string() +
+                    "\nhas a file version of: 41\n\nVellumark 5.0.0 can only use data files up to version: 40\n\n"
+                    "Consider the following options:\n1) Update this Vellumark Software\n2) Create a new data file\n"
+                    "3) Open another data file\n4) Restore from another file");
+    if (c.version == 39)
+      EXPECT_EQ(start.session.StartupMessage, "Updating " + path.string() +
+                                                  "\nfrom file version 39 to file version 40\n failed.\n\n"
+                                                  "Try using another data file.");
+  }
+}
+
+TEST(FileCheck, AUsableFileAtHandGetsAMessageInstead) {
+  Start start;
+  const fs::path good = start.folder / "Good.vkd";
+  const fs::path newer = start.folder / "Newer.vkd";
+  start.MakeFile(good);
+  start.MakeFile(newer, 41);
+  start.session.DataFileName = good.string();
+  start.prompt.Expect("Data File");
+  EXPECT_FALSE(CheckDataFile(start.session, newer.string(), start.windows));
+  EXPECT_TRUE(start.prompt.last.text.ends_with("4) Restore from another file" + std::string(50, ' ')));
+  EXPECT_TRUE(start.windows.calls.empty());
+  EXPECT_FALSE(CheckDataFile(start.session, (start.folder / "gone.vkd").string(), start.windows));
+  EXPECT_EQ(start.windows.startupMessage, (start.folder / "gone.vkd").string() + " file does not exist.");
+}
+
+TEST(Opening, ANewFileGetsItsFirstDatabaseAndACopyIsReadOnly) {
+  Start start;
+  PrepareSupportFiles(start.session, start.options.folders);
+  CreateDataFile(start.session, start.folder / "New.vkd", start.windows);
+  OpenDataFile(start.session, start.windows);
+  EXPECT_EQ(start.session.CurrentDatabase, "PANTONE");
+  EXPECT_TRUE(start.session.RecordsetsOpen);
+  EXPECT_EQ(start.session.BasicRS->RecordCount(), 0);
+  CreateEmptyDatabase(start.session.File(), "FLEXO");
+  start.session.databaseList.push_back("FLEXO");
+  ASSERT_TRUE(ChangeDatabase(start.session, "flexo"));
+  EXPECT_FALSE(ChangeDatabase(start.session, "GONE"));
+  CloseDataFile(start.session, start.windows);
+
+  OpenDataFile(start.session, start.windows);
+  EXPECT_EQ(start.session.CurrentDatabase, "FLEXO");
+  CompactDataFile(start.session);
+  EXPECT_EQ(start.session.CurrentDatabase, "FLEXO");
+  EXPECT_TRUE(start.session.RecordsetsOpen);
+  CloseDataFile(start.session, start.windows);
+  CloseDataFile(start.session, start.windows);  // safe twice
+
+  const fs::path copy = start.folder / "Archive 2025.vkd";
+  fs::copy_file(start.folder / "New.vkd", copy);
+  const std::string bytes = ReadFileBytes(copy);
+  start.session.DataFileName = copy.string();
+  OpenDataFile(start.session, start.windows);
+  EXPECT_TRUE(start.session.ArchiveView);
+  const auto refused = RequireWritable(start.session);
+  ASSERT_FALSE(refused);
+  EXPECT_EQ(refused.error().title, "Archive or Backup Data File");
+  EXPECT_THROW(CreateEmptyDatabase(start.session.File(), "NO"), Failure);
+  CloseDataFile(start.session, start.windows);
+  EXPECT_EQ(ReadFileBytes(copy), bytes);
+}
+
+TEST(Opening, AFailedOpenLeavesTheStateAsItWas) {
+  Start start;
+  PrepareSupportFiles(start.session, start.options.folders);
+  start.session.DataFileName = (start.folder / "gone.vkd").string();
+  EXPECT_THROW(OpenDataFile(start.session, start.windows), Failure);
+  EXPECT_FALSE(start.session.DataFileOpen);
+  EXPECT_FALSE(start.session.ArchiveView);
+  EXPECT_EQ(start.windows.caption, "");
+}
+
+TEST(Folders, ChosenInTheirOrder) {
+  std::map<std::string, std::string> variables{{"HOME", "/home/ann"}};
+  bool shared = false;
+  FolderSources sources;
+  sources.environment = [&](const char* name) { return variables.contains(name) ? variables[name] : ""; };
+  sources.isWritable = [&](const fs::path&) { return shared; };
+  EXPECT_EQ(ResolveFolders(sources).data, "/home/ann/.local/share/vellumark/VKDat");
+  EXPECT_EQ(ResolveFolders(sources).program, "/home/ann/.local/share/vellumark");
+  variables["XDG_DATA_HOME"] = "/x";
+  EXPECT_EQ(ResolveFolders(sources).data, "/x/vellumark/VKDat");
+  shared = true;
+  EXPECT_EQ(ResolveFolders(sources).data, "/var/lib/vellumark/VKDat");
+  EXPECT_EQ(ResolveFolders(sources).program, "/var/lib/vellumark");
+  variables["VELLUMARK_DATA_FOLDER"] = "/d";
+  variables["VELLUMARK_PROGRAM_FOLDER"] = "/p";
+  EXPECT_EQ(ResolveFolders(sources).data, "/d");
+  EXPECT_EQ(ResolveFolders(sources).program, "/p");
+  sources.dataFolderOption = "/o";
+  EXPECT_EQ(ResolveFolders(sources).data, "/o");
+}
+
+}  // namespace
+}  // namespace vellumark
