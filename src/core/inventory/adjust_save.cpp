@@ -1,0 +1,155 @@
+#include <fmt/format.h>
+
+#include "core/datafile/writer.h"
+#include "core/inventory/adjust.h"
+#include "core/inventory/stock_change.h"
+
+namespace vellumark {
+namespace {
+
+// Writes one working copy; lives for the length of its transaction.
+class InventorySave {
+ public:
+  InventorySave(Session& session, const InventoryWork& work, Transaction& transaction)
+      : session_(session), work_(work), transaction_(transaction) {}
+
+  // The number of new lots that got no reference.
+  int Run() {
+    WriteUnlotted();
+    if (session_.InvLotTracking != 1) return 0;
+    int leftOut = 0;
+    for (std::size_t i = 1; i < work_.rows.size(); ++i) {
+      const InventoryRow& row = work_.rows[i];
+      if (!row.key) {
+        if (!AddLot(row.now)) ++leftOut;
+      } else if (row.now != row.onFile) {
+        RewriteLot(*row.key, row);
+      }
+    }
+    for (const RemovedLot& lot : work_.removed) DeleteLot(lot);
+    return leftOut;
+  }
+
+ private:
+  StockChange ChangeTo(StockChange::Action action, std::int64_t row, float before, float after) const {
+    StockChange change;
+    change.action = action;
+    change.kind = work_.kind;
+    change.name = work_.name;
+    change.database = work_.database;
+    change.row = row;
+    change.before = before;
+    change.after = after;
+    return change;
+  }
+
+  void WriteUnlotted() {
+    const InventoryRow& row = work_.rows.front();
+    if (row.now.qty == row.onFile.qty) return;
+    const Value color =
+        session_.File().Scalar(fmt::format("SELECT rowid FROM {} WHERE Color_Name = ?1 ORDER BY rowid LIMIT 1",
+                                           Quoted(session_.Table(ColorTable(work_.kind), work_.database))),
+                               {work_.name});
+    if (color.IsNull()) return;
+    WriteStockChange(session_, ChangeTo(StockChange::Action::SetUnlotted, color.Whole(), row.onFile.qty, row.now.qty));
+  }
+
+  bool AddLot(const InventoryValues& values) {
+    StockChange change = ChangeTo(StockChange::Action::AddLot, 0, 0, values.qty);
+    change.lot.LotRefID = NextLotRefID(session_, work_.kind, work_.name, work_.database);
+    if (change.lot.LotRefID == -1) return false;
+    change.lot.LotNumber = values.lotNumber;
+    change.lot.LotLoc = values.location;
+    change.lot.LotContID = values.contID;
+    change.lot.LotDate = values.date;
+    change.lot.LotPrice = values.price;
+    change.lot.LotConsignment = values.consignment;
+    WriteStockChange(session_, change);
+    return true;
+  }
+
+  void RewriteLot(std::int32_t ref, const InventoryRow& row) {
+    const auto lot = FindLot(session_, work_.kind, work_.name, work_.database, ref);
+    if (!lot) return;
+    const InventoryValues& now = row.now;
+    UpdateRow(session_.File(), LotTable(work_.kind), session_.Table(LotTable(work_.kind), work_.database), lot->row,
+              {{"LotNumber", now.lotNumber},
+               {"LotLoc", now.location},
+               {"LotContID", now.contID},
+               {"LotDate", now.date},
+               {"LotPrice", now.price},
+               {"LotConsignment", now.consignment}});
+    if (now.qty != row.onFile.qty) {
+      StockChange change = ChangeTo(StockChange::Action::SetLot, lot->row, lot->LotQty, now.qty);
+      change.lot = *lot;
+      WriteStockChange(session_, change);
+    } else {
+      transaction_.Note({ChangeKind(work_.kind), work_.database, work_.name, Change::What::Updated, {}});
+    }
+    UpdateCopies(ref, now);
+  }
+
+  // Where the lot was used, or made, its particulars stand once more.
+  void UpdateCopies(std::int32_t ref, const InventoryValues& now) {
+    Database& file = session_.File();
+    const bool mix = work_.kind == ColorKind::Mix;
+    if (mix) {
+      file.Prepare(fmt::format("UPDATE {} SET LotNumber = ?1 WHERE Color_Name = ?2 AND LotRefID = ?3",
+                               Quoted(session_.Table(schema::Batch, work_.database))))
+          .Bind(1, now.lotNumber)
+          .Bind(2, work_.name)
+          .Bind(3, ref)
+          .Run();
+    }
+    const auto particulars = [&](Statement statement) {
+      statement.Bind(1, now.lotNumber).Bind(2, now.location).Bind(3, now.contID).Bind(4, Value(now.date));
+      statement.Bind(5, work_.name).Bind(6, ref);
+      return statement;
+    };
+    constexpr std::string_view kSet = "SET LotNumber = ?1, LotLoc = ?2, LotContID = ?3, LotDate = ?4";
+    // A Batch line that is not a formula's is a Basic Color's, an addition included.
+    particulars(
+        file.Prepare(fmt::format("UPDATE {} {} WHERE IngName = ?5 AND LotRefID = ?6 AND IngType {} 2",
+                                 Quoted(session_.Table(schema::BatchLotInv, work_.database)), kSet, mix ? "=" : "<>")))
+        .Run();
+    particulars(file.Prepare(fmt::format("UPDATE {} {} WHERE Color_Name = ?5 AND LotRefID = ?6 AND Database = ?7 "
+                                         "AND ItemType = ?8",
+                                         Quoted(schema::JobRecords.name), kSet)))
+        .Bind(7, work_.database)
+        .Bind(8, static_cast<int>(work_.kind))
+        .Run();
+  }
+
+  // By number as well as by reference: a lot that was given another number meanwhile stays.
+  void DeleteLot(const RemovedLot& removed) {
+    Statement lots = session_.File().Prepare(
+        fmt::format("SELECT rowid, LotQty FROM {} WHERE LotCName = ?1 AND LotRefID = ?2 AND LotNumber = ?3",
+                    Quoted(session_.Table(LotTable(work_.kind), work_.database))));
+    lots.Bind(1, work_.name).Bind(2, removed.LotRefID).Bind(3, removed.LotNumber);
+    std::vector<StockChange> changes;
+    while (lots.Step()) {
+      StockChange change = ChangeTo(StockChange::Action::DeleteLot, lots.Whole(0), lots.Single(1), 0);
+      change.lot.LotRefID = removed.LotRefID;
+      change.lot.LotNumber = removed.LotNumber;
+      changes.push_back(std::move(change));
+    }
+    for (const StockChange& change : changes) WriteStockChange(session_, change);
+  }
+
+  Session& session_;
+  const InventoryWork& work_;
+  Transaction& transaction_;
+};
+
+}  // namespace
+
+Result<int> SaveInventory(Session& session, const InventoryWork& work) {
+  if (const auto writable = RequireWritable(session); !writable) return std::unexpected(writable.error());
+  Transaction transaction(session.File());
+  const int leftOut = InventorySave(session, work, transaction).Run();
+  transaction.Commit();
+  if (leftOut > 0) ShowMaxLotUsage(session);
+  return leftOut;
+}
+
+}  // namespace vellumark

@@ -1,0 +1,62 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+
+#include "core/inventory/lots.h"
+#include "core/inventory/stock_change.h"
+#include "core/inventory/stock_rules.h"
+
+namespace vellumark {
+
+/// Which lot a posting goes to, and what a new lot gets where the source makes one.
+struct LotTarget {
+  std::int32_t LotRefID = 0;  ///< 0 for a lot that does not exist yet
+  std::string LotNumber{};
+  std::string LotLoc{};
+  std::string LotContID{};
+  std::optional<DateTime> LotDate{};  ///< of a new lot from a Job Record; other sources date it today
+  float LotPrice = 0;                 ///< of a new lot from a Job Record; other sources take the colour's cost
+};
+
+/// One movement of stock.
+struct Posting {
+  PostingSource source = PostingSource::ManualAdjust;
+  ColorKind kind = ColorKind::Basic;
+  std::string name{};
+  std::string database{};  ///< empty for the current one
+  /// In the inventory unit, three decimals. What a Batch takes or makes is positive; a Job Record's issue and a manual
+  /// adjustment downwards are negative; a Reset gives the value itself.
+  float quantity = 0;
+  std::optional<LotTarget> lot{};  ///< nothing for Unlotted Inventory
+};
+
+struct PostingResult {
+  enum class Outcome {
+    Posted,          ///< `quantity` is what now stands there
+    LotAdded,        ///< a new lot with `quantity`
+    LotDeleted,      ///< the lot is gone
+    NoColor,         ///< nothing done: the colour is missing
+    NoLot,           ///< nothing done: the lot is missing and this source makes none
+    NoLotReference,  ///< nothing done: no reference is free for a new lot
+  };
+  Outcome outcome = Outcome::Posted;
+  float quantity = 0;
+  /// The lot posted to, 0 for Unlotted Inventory; -1 when a Batch's colour went to Unlotted Inventory because no
+  /// reference was free.
+  std::int32_t LotRefID = 0;
+};
+
+/// What `Inventory` becomes: the Single of the sum with three decimals, and 0 where the source's comparison of that
+/// with the cutoff says so.
+float UnlottedAfter(PostingSource source, ColorKind kind, const StockRules& rules, float before, float quantity);
+/// What `LotQty` becomes; nothing when the lot goes.
+std::optional<float> LotAfter(PostingSource source, const StockRules& rules, float before, float quantity);
+
+/// Moves stock, in a transaction of its own or in the caller's. Whether the file may be written is the caller's to ask
+/// (RequireWritable) before it starts. Throws std::logic_error for a Basic Color with BatchMakes: a Batch makes none.
+PostingResult PostStock(Session& session, const StockRules& rules, const Posting& posting);
+PostingResult PostStock(Session& session, const Posting& posting);
+
+}  // namespace vellumark

@@ -1,0 +1,59 @@
+#include "core/inventory/stock_change.h"
+
+#include <fmt/format.h>
+
+#include "core/base/number.h"
+#include "core/datafile/writer.h"
+
+namespace vellumark {
+namespace {
+
+void AddLot(Session& session, const StockChange& change, const std::string& table, float quantity) {
+  const LotRow& lot = change.lot;
+  InsertRow(session.File(), LotTable(change.kind), table,
+            {{"LotRefID", lot.LotRefID},
+             {"LotCName", change.name},
+             {"LotNumber", lot.LotNumber},
+             {"LotLoc", lot.LotLoc},
+             {"LotContID", lot.LotContID},
+             {"LotDate", lot.LotDate},
+             {"LotQty", quantity},
+             {"LotPrice", RoundSingle(lot.LotPrice, session.DecimalPlaces)},
+             {"LotConsignment", lot.LotConsignment}});
+}
+
+}  // namespace
+
+void WriteStockChange(Session& session, const StockChange& change) {
+  Transaction transaction(session.File());
+  const std::string colors = session.Table(ColorTable(change.kind), change.database);
+  const std::string lots = session.Table(LotTable(change.kind), change.database);
+  const float quantity = RoundSingle(change.after, 3);
+  switch (change.action) {
+    case StockChange::Action::SetUnlotted:
+      session.File()
+          .Prepare(fmt::format("UPDATE {} SET Inventory = ?1 WHERE rowid = ?2", Quoted(colors)))
+          .Bind(1, quantity)
+          .Bind(2, change.row)
+          .Run();
+      break;
+    case StockChange::Action::SetLot:
+      session.File()
+          .Prepare(fmt::format("UPDATE {} SET LotQty = ?1 WHERE rowid = ?2", Quoted(lots)))
+          .Bind(1, quantity)
+          .Bind(2, change.row)
+          .Run();
+      break;
+    case StockChange::Action::AddLot:
+      AddLot(session, change, lots, quantity);
+      break;
+    case StockChange::Action::DeleteLot:
+      session.File().Prepare(fmt::format("DELETE FROM {} WHERE rowid = ?1", Quoted(lots))).Bind(1, change.row).Run();
+      break;
+  }
+  const std::string& database = change.database.empty() ? session.CurrentDatabase : change.database;
+  transaction.Note({ChangeKind(change.kind), database, change.name, Change::What::Updated, {}});
+  transaction.Commit();
+}
+
+}  // namespace vellumark

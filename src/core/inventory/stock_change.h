@@ -1,0 +1,40 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+#include "core/inventory/lots.h"
+
+namespace vellumark {
+
+/// What moves stock. Each source has its own comparison with the cutoff point (see posting.cpp).
+enum class PostingSource {
+  BatchTakes,       ///< a saved Batch takes its lines from stock
+  BatchTakesAgain,  ///< a saved Batch that was opened is left unsaved, and takes its lines again
+  BatchMakes,       ///< a Batch puts the colour it makes into stock
+  JobRecord,        ///< issue to a job (negative) and return from it
+  ManualAdjust,     ///< entered by hand
+  ScanReturn,       ///< a scanned container
+  Reset,            ///< stock set to a value, lots cleared away
+};
+
+/// One figure of stock that changes: a colour's `Inventory`, or one of its lots that changes, begins or ends.
+struct StockChange {
+  enum class Action { SetUnlotted, SetLot, AddLot, DeleteLot };
+  Action action = Action::SetUnlotted;
+  PostingSource source = PostingSource::ManualAdjust;
+  ColorKind kind = ColorKind::Basic;
+  std::string name;
+  std::string database;  ///< empty for the current one
+  std::int64_t row = 0;  ///< of the colour or of the lot; not used by AddLot
+  LotRow lot;            ///< AddLot: all of it; SetLot and DeleteLot: which lot it was
+  float before = 0;
+  float after = 0;
+};
+
+/// The one place through which stock reaches the tables, whoever moves it: writes the change, with three decimals and a
+/// lot's price with `DecimalPlaces`, and notes it, within the caller's transaction. Throws BadValue for a lot whose
+/// texts do not fit.
+void WriteStockChange(Session& session, const StockChange& change);
+
+}  // namespace vellumark

@@ -1,0 +1,32 @@
+#include "core/inventory/stock_list.h"
+
+#include <fmt/format.h>
+
+#include "core/base/number.h"
+
+namespace vellumark {
+
+std::vector<ColorStock> ListStock(const Session& session, std::optional<std::string_view> name) {
+  std::vector<ColorStock> stock;
+  for (const ColorKind kind : {ColorKind::Basic, ColorKind::Mix}) {
+    Statement colors = session.File().Prepare(
+        fmt::format("SELECT Color_Name, Inventory FROM {} {} ORDER BY Color_Name, rowid",
+                    Quoted(session.Table(ColorTable(kind))), name ? "WHERE Color_Name = ?1" : ""));
+    if (name) colors.Bind(1, *name);
+    while (colors.Step()) {
+      ColorStock one;
+      one.kind = kind;
+      one.Color_Name = colors.Text(0);
+      one.Inventory = colors.Single(1);
+      if (session.InvLotTracking == 1) one.lots = LotsOf(session, kind, one.Color_Name);
+      double lotted = 0;
+      for (const LotRow& lot : one.lots) lotted += static_cast<double>(lot.LotQty);
+      one.lotted = RoundSingle(lotted, 3);
+      one.total = RoundSingle(one.Inventory + one.lotted, 3);
+      stock.push_back(std::move(one));
+    }
+  }
+  return stock;
+}
+
+}  // namespace vellumark

@@ -1,0 +1,25 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "core/inventory/lots.h"
+
+namespace vellumark {
+
+/// What is in stock of one colour, in the inventory unit.
+struct ColorStock {
+  ColorKind kind = ColorKind::Basic;
+  std::string Color_Name;
+  float Inventory = 0;
+  std::vector<LotRow> lots;  ///< by `LotNumber`; empty while Lotted Inventory is off
+  float lotted = 0;          ///< sum of the lots, three decimals
+  float total = 0;
+};
+
+/// The stock of the current Database's colours by name, Basic Colors first; of those of one name when it is given.
+std::vector<ColorStock> ListStock(const Session& session, std::optional<std::string_view> name = {});
+
+}  // namespace vellumark
