@@ -143,21 +143,18 @@ std::vector<std::string> InventoryWork::Locations() const {
   return Distinct(std::move(names));
 }
 
-std::string TypedInventoryName(const Session& session, std::string_view text) {
-  std::string name = Upper(Left(Trim(text), static_cast<std::size_t>(session.NameLength)));
-  std::erase_if(name, [](char c) { return c == '<' || c == '>'; });
-  return name;
+Refusal InventoryColorNotFound(const Session& session) {
+  return {"Inventory - Color not found",
+          "This color was not found in the " + session.CurrentDatabase +
+              " database.\nUse the Basic Color or Master Formula Window\nto add this color to the database.",
+          "Color_Name"};
 }
 
 Result<ColorKind> ChooseInventoryColor(const Session& session, const std::string& name,
                                        std::optional<ColorKind> wanted) {
   const bool basic = wanted != ColorKind::Mix && ColorExists(session, ColorKind::Basic, name);
   const bool mix = wanted != ColorKind::Basic && ColorExists(session, ColorKind::Mix, name);
-  if (!basic && !mix)
-    return Refuse("Inventory - Color not found",
-                  "This color was not found in the " + session.CurrentDatabase +
-                      " database.\nUse the Basic Color or Master Formula Window\nto add this color to the database.",
-                  "Color_Name");
+  if (!basic && !mix) return std::unexpected(InventoryColorNotFound(session));
   if (!basic || !mix) return mix ? ColorKind::Mix : ColorKind::Basic;
   const bool formula =
       session.prompt.Ask(std::string(25, ' ') + " Adjust Inventory",

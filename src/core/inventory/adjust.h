@@ -62,8 +62,8 @@ struct InventoryWork {
   std::vector<std::string> Locations() const;
 };
 
-/// A typed colour name as it is looked up: trimmed, cut to the length of names, upper case, without "<" and ">".
-std::string TypedInventoryName(const Session& session, std::string_view text);
+/// The refusal of a name that neither a Basic Color nor a formula bears.
+Refusal InventoryColorNotFound(const Session& session);
 
 /// Which colour of that name is meant. A name that both a Basic Color and a formula bear is asked for, unless `wanted`
 /// tells. Refused when there is none.

@@ -6,9 +6,11 @@
 
 namespace vellumark {
 
-std::vector<ColorStock> ListStock(const Session& session, std::optional<std::string_view> name) {
+std::vector<ColorStock> ListStock(const Session& session, std::optional<std::string_view> name,
+                                  std::optional<ColorKind> wanted) {
   std::vector<ColorStock> stock;
   for (const ColorKind kind : {ColorKind::Basic, ColorKind::Mix}) {
+    if (wanted && *wanted != kind) continue;
     Statement colors = session.File().Prepare(
         fmt::format("SELECT Color_Name, Inventory FROM {} {} ORDER BY Color_Name, rowid",
                     Quoted(session.Table(ColorTable(kind))), name ? "WHERE Color_Name = ?1" : ""));

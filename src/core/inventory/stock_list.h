@@ -19,7 +19,8 @@ struct ColorStock {
   float total = 0;
 };
 
-/// The stock of the current Database's colours by name, Basic Colors first; of those of one name when it is given.
-std::vector<ColorStock> ListStock(const Session& session, std::optional<std::string_view> name = {});
+/// The stock of the current Database's colours by name, Basic Colors first; only those of a name or a kind when given.
+std::vector<ColorStock> ListStock(const Session& session, std::optional<std::string_view> name = {},
+                                  std::optional<ColorKind> wanted = {});
 
 }  // namespace vellumark

@@ -1,0 +1,141 @@
+#include <gtest/gtest.h>
+
+#include "core/datafile/color_kind.h"
+#include "core/datafile/writer.h"
+#include "support/cli_run.h"
+
+namespace vellumark {
+namespace {
+
+using nlohmann::ordered_json;
+
+// A room with the Basic Colors RED and BLUE'S and the formulas RED and PURPLE.
+struct StockShop : test::CliRoom {
+  StockShop() {
+    path = MakeFile();
+    const auto file = Database::Open(path, OpenMode::Exclusive);
+    for (const char* name : {"RED", "BLUE'S"})
+      InsertRow(*file, schema::Basic, "INK_Basic",
+                {{"Color_Name", name}, {"Inventory", 0.1F}, {"PurchaseCost", 4.5F}, {"LotRefID", 0}});
+    for (const char* name : {"RED", "PURPLE"})
+      InsertRow(*file, schema::Mix, "INK_Mix",
+                {{"Color_Name", name}, {"Inventory", 3.0F}, {"BasicCost", 2.25F}, {"LotRefID", 0}});
+  }
+  std::string path;
+};
+
+TEST(CliStock, ShowsUnlottedLotsAndTotals) {
+  const StockShop shop;
+  EXPECT_EQ(shop.Json({"stock", "show"}).size(), 4U);
+  shop.Json({"--today", "2026-03-10", "stock", "adjust", "purple", "12.3456", "--lot", "L1", "--loc", "SHELF", "--cont",
+             "K7", "--consignment"});
+  const ordered_json expected = ordered_json::parse(R"([{"Color_Name": "PURPLE", "Kind": 2, "Inventory": 3, "lots":
+      [{"LotRefID": 1, "LotNumber": "L1", "LotLoc": "SHELF", "LotContID": "K7", "LotDate": "2026-03-10",
+        "LotQty": 12.346, "LotPrice": 2.25, "LotConsignment": true}],
+      "Unlotted": 3, "Lotted": 12.346, "Total": 15.346}])");
+  EXPECT_EQ(shop.Json({"stock", "show", "PURPLE"}), expected);
+  const ordered_json both = shop.Json({"stock", "show", "red"});
+  ASSERT_EQ(both.size(), 2U);
+  EXPECT_EQ(both[0]["Inventory"].dump(), "0.1");
+  EXPECT_EQ(both[1]["Kind"], 2);
+  EXPECT_NE(shop.Run({"stock", "show", "PURPLE"}).out.find("15.346"), std::string::npos);
+}
+
+TEST(CliStock, AdjustsAsTheWindowDoes) {
+  const StockShop shop;
+  const auto adjust = [&](std::vector<std::string> rest) {
+    rest.insert(rest.begin(), {"stock", "adjust"});
+    return shop.Json(rest);
+  };
+  EXPECT_EQ(adjust({"BLUE'S", "10.5"})["Total"], 10.6);
+  EXPECT_EQ(adjust({"BLUE'S", "-10.2"})["Total"], 0);
+  EXPECT_EQ(adjust({"RED", "5", "--kind", "Formula"})["Inventory"], 8);
+  EXPECT_EQ(adjust({"RED", "5", "--kind", "basic"})["Inventory"], 5.1);
+  EXPECT_EQ(shop.Json({"--answer", "Adjust Inventory=no", "stock", "adjust", "RED", ".9"})["Inventory"], 6);
+
+  adjust({"PURPLE", "4", "--lot", "A", "--cont", "B10", "--count", "3", "--price", "3)"});
+  ordered_json lots =
+      adjust({"PURPLE", "4", "--lot", "A", "--loc", "HALL", "--price", "1.5", "--date", "2025-01-31"})["lots"];
+  ASSERT_EQ(lots.size(), 4U);
+  EXPECT_EQ(lots[2]["LotContID"], "B10_3");
+  EXPECT_EQ(lots[2]["LotPrice"], 0);
+  // A lot that is there keeps what is not named, and gets no twin.
+  lots = adjust({"PURPLE", "2", "--lot", "a", "--loc", "hall"})["lots"];
+  ASSERT_EQ(lots.size(), 4U);
+  EXPECT_EQ(lots[3]["LotQty"], 6);
+  EXPECT_EQ(lots[3]["LotPrice"], 1.5);
+  EXPECT_EQ(lots[3]["LotDate"], "2025-01-31");
+  lots = adjust({"PURPLE", "-5.5", "--lot", "A", "--loc", "HALL"})["lots"];
+  EXPECT_EQ(lots.size(), 3U);
+}
+
+TEST(CliStock, RefusesAndThenNothingHasChanged) {
+  const StockShop shop;
+  shop.Json({"stock", "adjust", "PURPLE", "4", "--lot", "A"});
+  const std::string quantity = "Invalid Quantity - Adjust Inv.: You must enter an amount between -99999 and 99999\n";
+  const std::string missing =
+      "Inventory - Color not found: This color was not found in the INK database.\nUse the Basic Color or Master "
+      "Formula "
+      "Window\nto add this color to the database.\n";
+  struct Case {
+    std::vector<std::string> words;
+    int status;
+    std::string err;  // what standard error begins with
+  };
+  const std::vector<Case> cases{
+      {{"PURPLE", "1,5"}, 1, quantity},
+      {{"PURPLE", "1e3"}, 1, quantity},
+      {{"PURPLE", "abc"}, 1, quantity},
+      {{"PURPLE", ""}, 1, quantity},
+      {{"PURPLE", "-99999.001"}, 1, quantity},
+      {{"GREEN", "1"}, 1, missing},
+      {{"R*", "1"}, 1, missing},
+      {{"", "1"}, 1, missing},
+      {{"PURPLE", "1", "--kind", "basic"}, 1, missing},
+      {{"PURPLE", "-5"}, 1, "Adjust Value: New Inventory is less than zero.\nNegative Inventory not allowed.\n"},
+      {{"PURPLE", "99999"}, 1, "Adjust Value: New Inventory is too large.\n99999 is the largest Qty allowed.\n"},
+      {{"PURPLE", "25000", "--lot", "N", "--count", "5"},
+       1,
+       "Container Count: The number of containers selected will cause inventory to exceed: 99999\n\nEnter less "
+       "containers or lower Adjust Qty\n"},
+      {{"PURPLE", "1", "--lot", "A", "--price", "1,5"}, 1, "Invalid Amount - Price: "},
+      {{"PURPLE", "1", "--lot", "A", "--date", "1999-12-31"}, 1, "Invalid Date: "},
+      {{"PURPLE", "1", "--lot", "N", "--count", "2.5"}, 1, "Container Count: "},
+      {{"PURPLE", "1", "--lot", std::string(31, 'X')},
+       1,
+       "Invalid Value: The field INK_Mix_LotInv.LotNumber cannot hold "},
+      {{"PURPLE", "1", "--loc", "SHELF"}, 2, ""},
+      {{"PURPLE", "1", "--kind", "additive"}, 2, ""},
+      {{"PURPLE"}, 2, ""},
+      {{"RED", "1"},
+       3,
+       "Adjust Inventory: The INK database contains a Formula and a Basic called:\nRED.\n\nYes - Adjust the "
+       "Formula\nNo - "
+       "Adjust the Basic.\n"},
+      {{"PURPLE", "1", "--lot", "N", "--count", "101"},
+       3,
+       "Large Unit Count Confirmation: Use 101 for the Unit Count?\n"},
+  };
+  const std::string before = ReadFileBytes(shop.path);
+  for (const Case& one : cases) {
+    std::vector<std::string> words{"stock", "adjust"};
+    words.insert(words.end(), one.words.begin(), one.words.end());
+    const test::CliAnswer answer = shop.Run(words);
+    EXPECT_EQ(answer.status, one.status) << one.words.back() << ": " << answer.err;
+    EXPECT_EQ(answer.err.substr(0, one.err.size()), one.err);
+    EXPECT_EQ(answer.out, "");
+    EXPECT_EQ(ReadFileBytes(shop.path), before) << one.words.back();
+  }
+  EXPECT_EQ(shop.Run({"--no", "stock", "adjust", "PURPLE", "1", "--lot", "N", "--count", "101"}).status, 1);
+  EXPECT_EQ(ReadFileBytes(shop.path), before);
+  EXPECT_EQ(shop.Json({"--yes", "stock", "adjust", "PURPLE", "1", "--lot", "N", "--count", "101"})["lots"].size(),
+            102U);
+  EXPECT_EQ(shop.Run({"stock", "show", "GREEN"}).err, missing);
+
+  shop.Json({"settings", "set", "InvLotTracking", "0"});
+  EXPECT_EQ(shop.Run({"stock", "adjust", "PURPLE", "1", "--lot", "A"}).status, 1);
+  EXPECT_EQ(shop.Json({"stock", "show", "PURPLE"})[0]["Total"], 3);
+}
+
+}  // namespace
+}  // namespace vellumark
