@@ -1,12 +1,12 @@
 #include <memory>
 
+#include "cli/frame.h"
 #include "core/base/number.h"
 #include "core/base/text.h"
 #include "core/base/units.h"
 #include "core/colors/names.h"
 #include "core/inventory/adjust.h"
 #include "core/inventory/stock_list.h"
-#include "frame.h"
 
 namespace vellumark::cli {
 namespace {
