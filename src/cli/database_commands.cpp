@@ -5,7 +5,7 @@
 #include "core/datafile/databases.h"
 #include "core/datafile/lifecycle.h"
 #include "core/shell/opening.h"
-#include "frame.h"
+#include "cli/frame.h"
 
 namespace vellumark::cli {
 namespace {

@@ -4,13 +4,13 @@
 #include <memory>
 #include <system_error>
 
+#include "cli/frame.h"
+#include "cli/seams.h"
 #include "core/base/text.h"
 #include "core/datafile/databases.h"
 #include "core/datafile/lifecycle.h"
 #include "core/shell/opening.h"
 #include "core/shell/startup.h"
-#include "frame.h"
-#include "seams.h"
 
 namespace vellumark::cli {
 namespace fs = std::filesystem;
@@ -103,7 +103,8 @@ void AddFileCommands(CLI::App& app, Commands& commands) {
   const auto database = std::make_shared<std::string>("PANTONE");
   create->add_option("PATH", *path, "Where the file goes; its name ends in .vkd")->required();
   create->add_option("--database", *database, "Name of its first Database")->capture_default_str();
-  create->add_flag("--empty", std::string("Leave the first Database empty"));
+  const auto empty = std::make_shared<bool>(false);
+  create->add_flag("--empty", *empty, "Leave the first Database empty");
   commands.Add(create, Needs::Nothing,
                [path, database](Context& context) { return CreateNewFile(context, *path, *database); });
 

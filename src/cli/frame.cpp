@@ -1,4 +1,4 @@
-#include "frame.h"
+#include "cli/frame.h"
 
 #include <algorithm>
 #include <charconv>

@@ -11,8 +11,8 @@
 #include "core/datafile/lifecycle.h"
 #include "core/shell/opening.h"
 #include "core/shell/startup.h"
-#include "frame.h"
-#include "seams.h"
+#include "cli/frame.h"
+#include "cli/seams.h"
 
 namespace vellumark::cli {
 namespace {

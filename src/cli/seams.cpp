@@ -1,4 +1,4 @@
-#include "seams.h"
+#include "cli/seams.h"
 
 #include <fmt/format.h>
 #include <unistd.h>

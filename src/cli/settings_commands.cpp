@@ -5,7 +5,7 @@
 #include "core/base/number.h"
 #include "core/settings/settings_keys.h"
 #include "core/settings/support_files.h"
-#include "frame.h"
+#include "cli/frame.h"
 
 namespace vellumark::cli {
 namespace {

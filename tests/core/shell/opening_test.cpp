@@ -191,16 +191,18 @@ TEST(FileCheck, EachVersionGetsItsWay) {
       EXPECT_EQ(start.windows.calls.at(0), c.call) << c.version;
     }
     EXPECT_EQ(ReadFileBytes(path), before) << c.version;
-    if (c.version == 41)
+    if (c.version == 41) {
       EXPECT_EQ(start.windows.startupMessage,
                 "Data File: " + path.string() +
                     "\nhas a file version of: 41\n\nVellumark 5.0.0 can only use data files up to version: 40\n\n"
                     "Consider the following options:\n1) Update this Vellumark Software\n2) Create a new data file\n"
                     "3) Open another data file\n4) Restore from another file");
-    if (c.version == 39)
+    }
+    if (c.version == 39) {
       EXPECT_EQ(start.session.StartupMessage, "Updating " + path.string() +
                                                   "\nfrom file version 39 to file version 40\n failed.\n\n"
                                                   "Try using another data file.");
+    }
   }
 }
 

@@ -1,0 +1,227 @@
+// Speed of the core, each measurement beside the raw engine doing the least work that gives the same result.
+
+#include <benchmark/benchmark.h>
+
+#include "core/base/files.h"
+#include "core/base/text.h"
+#include "core/batch/batch_work.h"
+#include "core/batch/recipe.h"
+#include "core/batch/recycle_list.h"
+#include "core/colors/formulas.h"
+#include "core/colors/rollup.h"
+#include "core/exchange/formula_exchange.h"
+#include "core/exchange/mfe.h"
+#include "core/shell/opening.h"
+#include "large_room.h"
+
+namespace vellumark::bench {
+namespace {
+
+// ---- recycle_100k: the inks that may be recycled into a recipe, found and chosen
+
+BatchWork RecipeOf(Session& session, const std::string& name) {
+  BatchWork work;
+  work.Color_Name = name;
+  work.QuantityText = "100";
+  work.UMF = 1;
+  LoadFormulaIngredients(session, work);
+  return work;
+}
+
+// A different formula each time, so that no answer is a remembered one.
+std::string NthFormula(std::int64_t n) {
+  return "SPOT COLOUR " + std::to_string(n * 7919 % 100000);
+}
+
+void RecycleOurs(benchmark::State& state) {
+  LargeRoom& room = Room100k();
+  PeakMemory::Reset();
+  std::int64_t n = 0;
+  for (auto unused : state) {
+    state.PauseTiming();
+    BatchWork work = RecipeOf(room.session, NthFormula(n++));
+    state.ResumeTiming();
+    BuildRecycleList(room.session, work);
+    AutoRecycle(work);
+    benchmark::DoNotOptimize(work.RecycledColors.data());
+  }
+  state.counters["peak_mb"] = PeakMemory::Mb();
+}
+BENCHMARK(RecycleOurs)->Name("recycle_100k/ours")->Unit(benchmark::kMillisecond)->Iterations(40);
+
+void RecycleRaw(benchmark::State& state) {
+  LargeRoom& room = Room100k();
+  for (auto unused : state) {
+    Statement rows = room.session.File().Prepare("SELECT Color_Name, Color_Set FROM INK_Mix");
+    std::size_t bytes = 0;
+    while (rows.Step()) bytes += rows.TextView(0).size() + rows.TextView(1).size();
+    benchmark::DoNotOptimize(bytes);
+  }
+}
+BENCHMARK(RecycleRaw)->Name("recycle_100k/raw")->Unit(benchmark::kMillisecond)->Iterations(20);
+
+// ---- pass_100k: cost, VOC and HAP of every formula from its ingredients
+
+void PassOurs(benchmark::State& state) {
+  LargeRoom& room = Room100k();
+  PeakMemory::Reset();
+  int turn = 0;
+  for (auto unused : state) {
+    state.PauseTiming();
+    // Every figure changes, so that every row is written.
+    room.session.File().Execute(
+        "UPDATE INK_Basic SET PurchaseCost = PurchaseCost + 1, VOC = VOC + 0.5, HAP = HAP + 0.5");
+    room.session.CostChanged = room.session.VOCChanged = room.session.HAPChanged = true;
+    ++turn;
+    state.ResumeTiming();
+    RunPendingPasses(room.session);
+  }
+  state.counters["peak_mb"] = PeakMemory::Mb();
+}
+BENCHMARK(PassOurs)->Name("pass_100k/ours")->Unit(benchmark::kMillisecond)->Iterations(3);
+
+void PassRaw(benchmark::State& state) {
+  LargeRoom& room = Room100k();
+  Database& file = room.session.File();
+  float figure = 1000;
+  for (auto unused : state) {
+    Transaction transaction(file);
+    Statement update = file.Prepare("UPDATE INK_Mix SET BasicCost = ?, BasicVOC = ?, BasicHAP = ? WHERE rowid = ?");
+    for (int row = 1; row <= 100000; ++row)
+      update.Bind(1, figure + static_cast<float>(row)).Bind(2, figure).Bind(3, figure).Bind(4, row).Run();
+    transaction.Commit();
+    figure += 1;
+  }
+}
+BENCHMARK(PassRaw)->Name("pass_100k/raw")->Unit(benchmark::kMillisecond)->Iterations(3);
+
+// ---- import_10k: an .mfe file of 10,000 formulas into a Database that has their ingredients
+
+std::filesystem::path WriteMfe(LargeRoom& room, int count) {
+  std::string bytes = "BENCH\r\n";
+  for (int i = 0; i < count; ++i) {
+    std::vector<std::pair<std::string, float>> parts;
+    for (const Ingredient& line : room.maker.Next()) parts.emplace_back(line.name, static_cast<float>(line.amount));
+    bytes += MfeRow("IMPORTED " + std::to_string(i), parts);
+  }
+  const auto path = room.folder / "bench.mfe";
+  ReplaceFile(path, bytes);
+  return path;
+}
+
+void ImportOurs(benchmark::State& state) {
+  LargeRoom room(100);
+  const auto path = WriteMfe(room, 10000);
+  for (auto unused : state) {
+    if (!ImportFormulas(room.session, path)) state.SkipWithError("the import was refused");
+    state.PauseTiming();
+    room.session.File().Execute("DELETE FROM INK_Mix");
+    state.ResumeTiming();
+  }
+}
+BENCHMARK(ImportOurs)->Name("import_10k/ours")->Unit(benchmark::kMillisecond)->Iterations(4);
+
+void ImportRaw(benchmark::State& state) {
+  LargeRoom room(100);
+  if (!ImportFormulas(room.session, WriteMfe(room, 10000))) state.SkipWithError("the import was refused");
+  Database& file = room.session.File();
+  std::vector<std::vector<Value>> rows;
+  {
+    Statement all = file.Prepare("SELECT * FROM INK_Mix WHERE Color_Name LIKE 'IMPORTED%'");
+    while (all.Step()) {
+      rows.emplace_back();
+      for (int i = 0; i < all.ColumnCount(); ++i) rows.back().push_back(all.Get(i));
+    }
+  }
+  std::string marks;
+  for (std::size_t i = 0; i < rows[0].size(); ++i) marks += i == 0 ? "?" : ", ?";
+  for (auto unused : state) {
+    state.PauseTiming();
+    file.Execute("DELETE FROM INK_Mix");
+    state.ResumeTiming();
+    Transaction transaction(file);
+    Statement insert = file.Prepare("INSERT INTO INK_Mix VALUES (" + marks + ")");
+    for (const auto& row : rows) {
+      for (std::size_t i = 0; i < row.size(); ++i) insert.Bind(static_cast<int>(i) + 1, row[i]);
+      insert.Run();
+    }
+    transaction.Commit();
+  }
+}
+BENCHMARK(ImportRaw)->Name("import_10k/raw")->Unit(benchmark::kMillisecond)->Iterations(4);
+
+// ---- open_100k: from a path to open record sets
+
+class NoWindows final : public OpeningWindows {
+ public:
+  void ShowNewDataFile(const std::string&) override {}
+  bool ShowUpdateDataFile(const std::filesystem::path&, int) override { return false; }
+  void Login(Session&) override {}
+  void SetCaption(const std::string&) override {}
+  void SuggestArchive(Session&) override {}
+};
+
+// The large file, closed for as long as this lasts.
+struct ClosedRoom {
+  ClosedRoom() { room.session.DataFileDB.reset(); }
+  ~ClosedRoom() { room.session.DataFileDB = Database::Open(room.path, OpenMode::Exclusive); }
+  LargeRoom& room = Room100k();
+};
+
+void OpenOurs(benchmark::State& state) {
+  const ClosedRoom closed;
+  NoWindows windows;
+  double best = 1e9;
+  for (auto unused : state) {
+    const auto begin = std::chrono::steady_clock::now();
+    SilentPrompt prompt;
+    NoProgress progress;
+    Session session(prompt, progress, closed.room.clock);
+    session.DataFileName = closed.room.path.string();
+    if (!CheckDataFile(session, session.DataFileName, windows)) state.SkipWithError("the file was refused");
+    OpenDataFile(session, windows);
+    benchmark::DoNotOptimize(session.MixRS->RecordCount());
+    best = std::min(best, std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - begin).count());
+  }
+  state.counters["ms"] = best;
+}
+BENCHMARK(OpenOurs)->Name("open_100k/ours")->Unit(benchmark::kMillisecond)->Iterations(30);
+
+void OpenRaw(benchmark::State& state) {
+  const ClosedRoom closed;
+  for (auto unused : state) {
+    const auto file = Database::Open(closed.room.path, OpenMode::Exclusive);
+    benchmark::DoNotOptimize(file->Scalar("SELECT COUNT(*) FROM INK_Mix").Whole());
+  }
+}
+BENCHMARK(OpenRaw)->Name("open_100k/raw")->Unit(benchmark::kMillisecond)->Iterations(30);
+
+// ---- settings: a thousand values against one reading of the file
+
+void SettingsOurs(benchmark::State& state) {
+  static LargeRoom room(0);
+  for (auto unused : state)
+    for (int i = 0; i < 250; ++i)
+      for (const char* key : {"UMI", "MarkupPercent", "JobCustomNumericLabelCaption5", "ColorListColWidth40"})
+        benchmark::DoNotOptimize(GetSupportValue(room.session, key));
+}
+BENCHMARK(SettingsOurs)->Name("settings/ours")->Unit(benchmark::kMicrosecond);
+
+void SettingsRaw(benchmark::State& state) {
+  static LargeRoom room(0);
+  for (auto unused : state) {
+    // What a reader without a store does for one value: open, take record after record, compare.
+    const std::string bytes = ReadFileBytes(room.session.support->settings.Path());
+    std::vector<std::pair<std::string, std::string>> records;
+    for (std::string_view line : Split(bytes, '\n')) {
+      const std::size_t middle = line.find("\",\"");
+      if (middle == std::string_view::npos) continue;
+      records.emplace_back(line.substr(1, middle - 1), line.substr(middle + 3, line.rfind('"') - middle - 3));
+    }
+    benchmark::DoNotOptimize(records.data());
+  }
+}
+BENCHMARK(SettingsRaw)->Name("settings/raw")->Unit(benchmark::kMicrosecond);
+
+}  // namespace
+}  // namespace vellumark::bench

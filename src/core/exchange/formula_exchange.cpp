@@ -1,0 +1,218 @@
+#include "core/exchange/formula_exchange.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <cmath>
+#include <unordered_set>
+
+#include "core/base/files.h"
+#include "core/base/text.h"
+#include "core/colors/amounts.h"
+#include "core/colors/basics.h"
+#include "core/colors/formulas.h"
+#include "core/exchange/mfe.h"
+
+namespace vellumark {
+namespace {
+
+constexpr double kSmallestPart = 0.001;
+
+// A formula of the file, and what the Database has of that name.
+struct Incoming {
+  std::string name;
+  Recipe recipe;
+  std::int64_t rowId = 0;  // 0 for a new one
+};
+
+std::string BadLinesText(const std::vector<MfeFile::BadLine>& lines) {
+  std::string text;
+  for (const MfeFile::BadLine& bad : lines) {
+    std::string content = bad.content;
+    std::ranges::replace(content, '\t', ' ');
+    if (CharCount(content) > 100) content = Left(content, 97) + "...";
+    text += fmt::format("{}Couldn't interpret textfile data at line {}: {} ({})", text.empty() ? "" : "\n", bad.line,
+                        bad.why, content);
+  }
+  return text;
+}
+
+Recipe RecipeOf(const MfeFile::Formula& formula) {
+  Recipe recipe;
+  for (const auto& [name, amount] : formula.parts) recipe.push_back({name, amount});
+  return Normalise(std::move(recipe));
+}
+
+// The recipes in parts of 100. One with a share too small to be weighed is told among the bad lines.
+std::vector<Incoming> NormalisedFormulas(MfeFile& file) {
+  std::vector<Incoming> incoming;
+  for (const MfeFile::Formula& formula : file.formulas) {
+    Recipe recipe = RecipeOf(formula);
+    const auto small = std::ranges::find_if(recipe, [](const Ingredient& line) { return line.amount < kSmallestPart; });
+    if (small != recipe.end()) {
+      file.badLines.push_back(
+          {formula.line, formula.name, fmt::format("the share of {} is below {} of 100", small->name, kSmallestPart)});
+      continue;
+    }
+    incoming.push_back({formula.name, std::move(recipe), 0});
+  }
+  std::ranges::sort(file.badLines, {}, &MfeFile::BadLine::line);
+  return incoming;
+}
+
+bool SameRecipe(const Recipe& a, const Recipe& b) {
+  return std::ranges::equal(a, b, [](const Ingredient& x, const Ingredient& y) {
+    return EqualNoCase(x.name, y.name) && static_cast<float>(x.amount) == static_cast<float>(y.amount);
+  });
+}
+
+// Leaves in `incoming` what is to be written; counts the rest.
+void CompareWithDatabase(Session& session, std::vector<Incoming>& incoming, ImportReport& report) {
+  int different = 0;
+  std::erase_if(incoming, [&](Incoming& formula) {
+    if (!MixColorExists(session, formula.name)) return false;
+    const MixColor present = *ReadMix(session, formula.name);
+    if (SameRecipe(present.Ingredients(), formula.recipe)) {
+      ++report.same;
+      return true;
+    }
+    formula.rowId = present.rowId;
+    ++different;
+    return false;
+  });
+  if (different == 0) return;
+  const bool change = session.prompt.Ask(
+      "Formula Comparison",
+      fmt::format(
+          "{} formula(s) of the file are in the {} Database with another recipe.\n\nChange them to the recipes of "
+          "the file?",
+          different, session.CurrentDatabase));
+  if (change) return;
+  report.kept = different;
+  std::erase_if(incoming, [](const Incoming& formula) { return formula.rowId != 0; });
+}
+
+int AddMissingBasics(Session& session, const std::vector<Incoming>& incoming) {
+  std::unordered_set<std::string> seen;
+  int added = 0;
+  for (const Incoming& formula : incoming)
+    for (const Ingredient& line : formula.recipe) {
+      if (!seen.insert(line.name).second || BasicColorExists(session, line.name)) continue;
+      AddZeroBasic(session, line.name, false);
+      ++added;
+    }
+  return added;
+}
+
+// Fields of a new row besides its recipe; the figures come first, so that a changed row can take those alone.
+const std::vector<std::string> kFigures{"BasicCost", "BasicVOC", "BasicHAP", "LastModified"};
+const std::vector<std::string> kNewRow{"Color_Name", "Color_Code",  "Inventory",   "Reorder", "PurchaseCost",
+                                       "Recycle",    "Notes",       "Inv_Note",    "VOC",     "HAP",
+                                       "LotRefID",   "Color_Guide", "Page",        "Row",     "Red",
+                                       "Green",      "Blue",        "Date_Entered"};
+
+void SetFigures(Session& session, RecipeWriter& writer, const Recipe& recipe) {
+  const RolledUp figures = RollUpRecipe(session, recipe);
+  writer.Set(recipe, "")
+      .SetMore(0, figures.BasicCost)
+      .SetMore(1, figures.BasicVOC)
+      .SetMore(2, figures.BasicHAP)
+      .SetMore(3, session.clock.Today());
+}
+
+class FormulaWriter {
+ public:
+  explicit FormulaWriter(Session& session)
+      : session_(session), changed_(session, {}, kFigures), added_(session, {}, NewRowFields()) {
+    std::size_t place = kFigures.size() + 1;
+    for (const Value& value :
+         {Value(""), Value(0.0F), Value(0.0F), Value(0.0F), Value(true), Value(""), Value(""), Value(0.0F), Value(0.0F),
+          Value(0), Value(""), Value("0"), Value(0), Value(0), Value(0), Value(0), Value(session.clock.Today())})
+      added_.SetMore(place++, value);
+  }
+
+  void Write(const Incoming& formula) {
+    RecipeWriter& writer = formula.rowId == 0 ? added_ : changed_;
+    SetFigures(session_, writer, formula.recipe);
+    if (formula.rowId == 0) {
+      writer.SetMore(kFigures.size(), formula.name).Insert();
+    } else {
+      writer.Update(formula.rowId);
+    }
+  }
+
+ private:
+  static std::vector<std::string> NewRowFields() {
+    std::vector<std::string> fields = kFigures;
+    fields.insert(fields.end(), kNewRow.begin(), kNewRow.end());
+    return fields;
+  }
+
+  Session& session_;
+  RecipeWriter changed_;
+  RecipeWriter added_;
+};
+
+}  // namespace
+
+Result<ImportReport> ImportFormulas(Session& session, const std::filesystem::path& path) {
+  if (auto writable = RequireWritable(session); !writable) return std::unexpected(writable.error());
+  if (auto right = RequireFormulaRight(session); !right) return std::unexpected(right.error());
+  MfeFile file = ReadMfe(path, session.NameLength);
+  std::vector<Incoming> incoming = NormalisedFormulas(file);
+  if (!file.badLines.empty()) return Refuse("Import Formulas", BadLinesText(file.badLines), path.string());
+  if (incoming.empty())
+    return Refuse("Import Formulas", path.string() + ": Couldn't read .mfe file correctly. The file may be corrupt.");
+  ImportReport report;
+  report.sourceDatabase = file.database;
+  CompareWithDatabase(session, incoming, report);
+
+  session.progress.Begin("Importing Master Formulas ...");
+  Transaction transaction(session.File());
+  report.newBasics = AddMissingBasics(session, incoming);
+  FormulaWriter writer(session);
+  std::size_t done = 0;
+  for (const Incoming& formula : incoming) {
+    writer.Write(formula);
+    ++(formula.rowId == 0 ? report.added : report.changed);
+    if (++done % 64 == 0)
+      session.progress.Percent(100.0 * static_cast<double>(done) / static_cast<double>(incoming.size()));
+    if (session.progress.Cancelled()) {
+      session.progress.End();
+      return Refuse("Import Formulas", "The import was cancelled. Nothing was changed.");
+    }
+  }
+  transaction.Note({Change::Kind::Mix, session.CurrentDatabase, "", Change::What::All, ""});
+  transaction.Commit();
+  session.progress.End();
+  return report;
+}
+
+Result<int> ExportFormulas(Session& session, const std::vector<std::string>& names, const std::filesystem::path& path) {
+  std::string bytes = ToCp1252(session.CurrentDatabase + "\r\n");
+  int count = 0;
+  const auto add = [&](const MixColor& formula) {
+    std::vector<std::pair<std::string, float>> parts;
+    for (const Ingredient& line : formula.Ingredients()) parts.emplace_back(line.name, static_cast<float>(line.amount));
+    bytes += MfeRow(formula.Color_Name, parts);
+    ++count;
+  };
+  if (names.empty()) {
+    ForEachMix(session, add);
+  } else {
+    for (const std::string& name : names) {
+      const auto formula = FindMix(session, name);
+      if (!formula)
+        return Refuse(
+            "Color Not Found",
+            fmt::format("The Master Formula {} was not found in the {} database.", name, session.CurrentDatabase),
+            "Color_Name");
+      add(*formula);
+    }
+  }
+  if (count == 0) return Refuse("No Formulas Selected", "No Master Formulas selected for export.");
+  ReplaceFile(path, bytes);
+  return count;
+}
+
+}  // namespace vellumark

@@ -1,0 +1,182 @@
+#include "core/exchange/formula_exchange.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <set>
+
+#include "core/base/files.h"
+#include "core/base/number.h"
+#include "core/base/text.h"
+#include "core/colors/basics.h"
+#include "core/colors/formulas.h"
+#include "core/exchange/mfe.h"
+#include "support/ink_room.h"
+
+namespace vellumark {
+namespace {
+
+std::filesystem::path Write(const test::InkRoom& room, const std::string& bytes) {
+  const auto path = room.folder / "in.mfe";
+  ReplaceFile(path, bytes);
+  return path;
+}
+
+std::vector<std::string> Lines(const std::filesystem::path& path) {
+  std::vector<std::string> lines;
+  const std::string bytes = ReadFileBytes(path);
+  for (const std::string_view line : Split(bytes, '\n')) lines.emplace_back(line);
+  return lines;
+}
+
+TEST(MfeImport, RealRecipesComeBackAsTheyWent) {
+  test::InkRoom room;
+  const std::filesystem::path source = std::filesystem::path(VELLUMARK_SOURCE_DIR) / "data/recipes/real_recipes.mfe";
+  const auto report = ImportFormulas(room.session, source);
+  ASSERT_TRUE(report) << report.error().text;
+  EXPECT_EQ(report->added, 4683);
+  EXPECT_EQ(report->sourceDatabase, "REAL");
+  EXPECT_EQ(room.Scalar("SELECT COUNT(*) FROM INK_Basic").Whole(), report->newBasics);
+  EXPECT_EQ(room.Scalar("SELECT MAX(IngSort) FROM INK_Basic").Whole(), report->newBasics - 1);
+  const auto out = room.folder / "out.mfe";
+  ASSERT_EQ(ExportFormulas(room.session, {}, out).value(), 4683);
+  std::vector<std::string> sent = Lines(source);
+  std::vector<std::string> back = Lines(out);
+  EXPECT_EQ(back[0], "INK\r");
+  sent.erase(sent.begin());
+  back.erase(back.begin());
+  std::ranges::sort(sent);
+  std::ranges::sort(back);
+  EXPECT_EQ(sent, back);
+
+  // The same file again finds everything as it is.
+  const auto again = ImportFormulas(room.session, out);
+  EXPECT_EQ(again->same, 4683);
+  EXPECT_EQ(again->added + again->changed + again->newBasics, 0);
+}
+
+TEST(MfeImport, EveryBadLineIsToldAndNothingComesIn) {
+  test::InkRoom room;
+  std::string sixteen = "TOO MANY";
+  for (int i = 0; i < 16; ++i) sixteen += "\tI" + std::to_string(i) + "\t6.25";
+  const std::vector<std::pair<std::string, std::string>> rows{
+      {"GOOD\tBLUE\t60\tRED\t40", ""},
+      {"NO RECIPE", "the formula has no recipe"},
+      {"\tBLUE\t100", "the formula has no name"},
+      {"ODD\tBLUE\t60\tRED", "an ingredient has no amount"},
+      {"COMMA\tBLUE\t1,5", "the amount \"1,5\" of BLUE is no number above 0"},
+      {"EXPONENT\tBLUE\t1e3", "the amount \"1e3\""},
+      {"WORD\tBLUE\tabc", "the amount \"abc\""},
+      {"EMPTY\tBLUE\t", "the amount \"\""},
+      {"ZERO\tBLUE\t0", "the amount \"0\""},
+      {"MINUS\tBLUE\t-1", "the amount \"-1\""},
+      {"TWICE\tBLUE\t50\tblue\t50", "the ingredient BLUE stands in it twice"},
+      {sixteen, "the formula has 16 ingredients, the limit is 15"},
+      {"THIRTY-ONE LETTERS IN THIS NAME\tBLUE\t100", "has 31 characters, the limit is 30"},
+      {"QUO\"TE\tBLUE\t100", "has a character that no name may hold"},
+      {"BRACKET\tB[1]\t100", "has a character that no name may hold"},
+      {"ST*R\tBLUE\t100", "has a character that no name may hold"},
+      {"BAR\tA|B\t100", "has a character that no name may hold"},
+      {"good\tBLUE\t100", "the formula GOOD stands in line 2 already"},
+      {"TINY\tBLUE\t99999\tRED\t0.01", "the share of RED is below 0.001 of 100"},
+  };
+  std::string bytes = "INK\r\n";
+  for (const auto& [row, why] : rows) bytes += row + "\r\n";
+  const auto refused = ImportFormulas(room.session, Write(room, bytes));
+  ASSERT_FALSE(refused);
+  EXPECT_EQ(refused.error().title, "Import Formulas");
+  const std::vector<std::string_view> told = Split(refused.error().text, '\n');
+  ASSERT_EQ(told.size(), rows.size() - 1) << refused.error().text;
+  for (std::size_t i = 1; i < rows.size(); ++i) {
+    EXPECT_NE(told[i - 1].find("at line " + std::to_string(i + 2) + ": "), std::string_view::npos) << told[i - 1];
+    EXPECT_NE(told[i - 1].find(rows[i].second), std::string_view::npos) << told[i - 1];
+  }
+  EXPECT_EQ(room.Scalar("SELECT COUNT(*) FROM INK_Mix").Whole(), 0);
+  EXPECT_EQ(room.Scalar("SELECT COUNT(*) FROM INK_Basic").Whole(), 0);
+}
+
+TEST(MfeImport, FilesThatAreNoneOrWereCut) {
+  test::InkRoom room;
+  EXPECT_THROW(ImportFormulas(room.session, room.folder / "gone.mfe"), Failure);
+  EXPECT_THROW(ImportFormulas(room.session, Write(room, "")), Failure);
+  EXPECT_THROW(ImportFormulas(room.session, Write(room, std::string("INK\r\nA\0B\t1", 10))), Failure);
+  EXPECT_FALSE(ImportFormulas(room.session, Write(room, "INK\r\n")));
+  EXPECT_FALSE(ImportFormulas(room.session, Write(room, "A\tBLUE\t100\r\n")));  // no Database name in front
+  // Cut in the middle of a number: 40.000 became 4.
+  const auto cut = ImportFormulas(room.session, Write(room, "INK\r\nA\tBLUE\t60.000\tRED\t4"));
+  ASSERT_FALSE(cut);
+  EXPECT_NE(cut.error().text.find("the file ends in the middle of this row"), std::string::npos);
+  // A last line that is whole but for its line end is taken.
+  EXPECT_TRUE(ImportFormulas(room.session, Write(room, "INK\nA\tBLUE\t60.000\tRED\t40")));
+}
+
+TEST(MfeImport, NamesInTheCodePageAndWithSignsComeThrough) {
+  test::InkRoom room;
+  const std::string bytes = "INK\r\nGR\xDCN 50%_\xC9T\xC9\tBL\xC4U & CO\t75.000\tWEISS\t25.000\r\n";
+  ASSERT_TRUE(ImportFormulas(room.session, Write(room, bytes)));
+  EXPECT_TRUE(MixColorExists(room.session, "GRÜN 50%_ÉTÉ"));
+  EXPECT_EQ(FormulasUsing(room.session, "BLÄU & CO"), std::vector<std::string>{"GRÜN 50%_ÉTÉ"});
+  EXPECT_TRUE(FormulasUsing(room.session, "BL_U & CO").empty());
+  const auto out = room.folder / "out.mfe";
+  ExportFormulas(room.session, {"GRÜN 50%_ÉTÉ"}, out);
+  EXPECT_EQ(ReadFileBytes(out), bytes);
+}
+
+TEST(MfeImport, KnownFormulasAreAskedForAndKeepWhatTheFileDoesNotSay) {
+  for (const Answer answer : {Answer::Yes, Answer::No}) {
+    test::InkRoom room;
+    room.Basic("BLUE", {{"PurchaseCost", 10.0F}, {"VOC", 1.0F}});
+    room.Basic("RED", {{"PurchaseCost", 20.0F}});
+    room.Mix("VIOLET", {{"BLUE", 50.0F}, {"RED", 50.0F}}, {{"Inventory", 7.0F}, {"Notes", "ours"}, {"Recycle", false}});
+    room.prompt.Expect("Formula Comparison", answer);
+    const auto report =
+        ImportFormulas(room.session, Write(room, "INK\r\nVIOLET\tBLUE\t3\tRED\t1\r\nTINT\tBLUE\t1\tWHITE\t3\r\n"));
+    ASSERT_TRUE(report);
+    EXPECT_EQ(report->added, 1);
+    EXPECT_EQ(report->changed, answer == Answer::Yes ? 1 : 0);
+    EXPECT_EQ(report->kept, answer == Answer::Yes ? 0 : 1);
+    const MixColor violet = *ReadMix(room.session, "VIOLET");
+    EXPECT_EQ(violet.BQ[0], answer == Answer::Yes ? 75.0F : 50.0F);
+    EXPECT_EQ(violet.Inventory, 7.0F);
+    EXPECT_EQ(violet.Notes, "ours");
+    EXPECT_FALSE(violet.Recycle);
+    // 75 x 10 / 100 + 25 x 20 / 100 = 12.50
+    if (answer == Answer::Yes) {
+      EXPECT_EQ(violet.BasicCost, 12.5F);
+    }
+    const MixColor tint = *ReadMix(room.session, "TINT");
+    EXPECT_EQ(tint.BasicCost, 2.5F);
+    EXPECT_EQ(tint.BasicVOC, 0.25F);
+    EXPECT_TRUE(tint.Recycle);
+    EXPECT_EQ(tint.book.Page, "0");
+    EXPECT_EQ(tint.Date_Entered->DateText(), "2026-03-10");
+  }
+}
+
+TEST(MfeImport, AFailureInTheMiddleLeavesNothing) {
+  test::InkRoom room;
+  room.session.File().Execute(
+      "CREATE TRIGGER fail BEFORE INSERT ON INK_Mix WHEN NEW.Color_Name = 'C' BEGIN SELECT RAISE(ABORT, 'no'); END");
+  EXPECT_THROW(ImportFormulas(room.session, Write(room, "INK\r\nA\tX\t1\r\nB\tY\t1\r\nC\tZ\t1\r\n")), Failure);
+  EXPECT_EQ(room.Scalar("SELECT COUNT(*) FROM INK_Mix").Whole(), 0);
+  EXPECT_EQ(room.Scalar("SELECT COUNT(*) FROM INK_Basic").Whole(), 0);
+}
+
+TEST(MfeExport, RefusalsWriteNoFile) {
+  test::InkRoom room;
+  const auto out = room.folder / "out.mfe";
+  EXPECT_EQ(ExportFormulas(room.session, {}, out).error(),
+            (Refusal{"No Formulas Selected", "No Master Formulas selected for export.", ""}));
+  room.Mix("A", {{"X", 100.0F}});
+  EXPECT_EQ(ExportFormulas(room.session, {"A", "GONE"}, out).error().title, "Color Not Found");
+  EXPECT_FALSE(std::filesystem::exists(out));
+  EXPECT_THROW(ExportFormulas(room.session, {}, room.folder / "no" / "out.mfe"), Failure);
+  std::vector<std::pair<std::string, float>> parts;
+  for (int i = 0; i < 15; ++i) parts.emplace_back("I" + std::to_string(i), i == 0 ? 6.662F : 6.667F);
+  room.Mix("FIFTEEN", parts);
+  ExportFormulas(room.session, {"FIFTEEN"}, out);
+  EXPECT_EQ(Split(Lines(out)[1], '\t').size(), 31U);
+}
+
+}  // namespace
+}  // namespace vellumark
