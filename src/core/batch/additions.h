@@ -1,0 +1,48 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "core/batch/batch_work.h"
+
+namespace vellumark {
+
+/// What a batch addition may weigh, in the Batch's unit; below zero only to take from what is in the Batch.
+constexpr double kMostAddition = 99999;
+
+/// One line of the window in which colours are added: as typed.
+struct AdditionLine {
+  std::string Color_Name;
+  std::string amount;
+};
+
+/// How a line of that window was found to be.
+enum class AdditionFault {
+  None,
+  InvalidNumber,    ///< no number, zero, or out of range
+  InvalidNegative,  ///< takes more than the Batch holds of the colour
+  AddOnBatch,       ///< stands in the Batch as an addition already
+  DupFormAdd,       ///< stands twice in the window
+  InvalidBasic,     ///< no Basic Color of the Database
+  ZeroBatchQty,     ///< the lines would bring the Batch to nothing
+};
+
+/// The refusal of a fault; `field` is cmbColorName or txtAmount.
+Refusal AdditionRefusal(AdditionFault fault);
+
+/// Whether the window of additions may open: not while the quantity was edited since the calculation.
+Result<void> CheckAdditions(const BatchWork& work);
+
+/// The Basic Color that a typed name means, with or without "PANTONE ". One that the Database lacks is added after a
+/// question; nothing when the operator declined.
+Result<std::optional<std::string>> ReadAdditionName(Session& session, std::string_view typed);
+
+/// Adds all the lines to the Batch, or none: the first fault is refused.
+Result<void> AddAdditions(Session& session, BatchWork& work, const std::vector<AdditionLine>& lines);
+
+/// Gives an addition row another amount; 0 takes it out and the later ones move up.
+Result<void> AdjustAddition(Session& session, BatchWork& work, std::size_t row, std::string_view amount);
+
+}  // namespace vellumark

@@ -1,0 +1,264 @@
+#include "core/batch/adjust.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <stdexcept>
+#include <utility>
+
+#include "core/base/text.h"
+#include "core/base/units.h"
+#include "core/batch/cost.h"
+#include "core/batch/recipe.h"
+#include "core/batch/recycle_list.h"
+#include "core/batch/rows.h"
+#include "core/datafile/schema.h"
+
+namespace vellumark {
+namespace {
+
+using NamedAmount = std::pair<std::string, float>;
+
+std::vector<NamedAmount> MixRows(const BatchWork& work, std::size_t count) {
+  std::vector<NamedAmount> rows;
+  for (std::size_t i = 0; i < count; ++i)
+    rows.emplace_back(work.Rows.at(i).name, static_cast<float>(work.Rows.at(i).Amount()));
+  return rows;
+}
+
+const BatchRow& RowOfKind(const BatchWork& work, std::size_t row, RowKind kind) {
+  if (row >= work.Rows.size() || work.Rows[row].kind != kind)
+    throw std::logic_error(fmt::format("row {} of the Batch is not of the kind {}", row, RowKindName(kind)));
+  return work.Rows[row];
+}
+
+// Back to the recipe and the list as they were before any colour was chosen.
+void RestoreLists(Session& session, BatchWork& work) {
+  work.RecycledColors.clear();
+  work.Ingredients = work.FormulaIngredients;
+  if (work.FormulaRecycleList.empty()) {
+    BuildRecycleList(session, work);
+  } else {
+    work.RecycleList = work.FormulaRecycleList;
+  }
+}
+
+template <class Do>
+void ForColor(BatchWork& work, std::string_view name, const Do& apply) {
+  for (auto* list : {&work.FormulaRecycleList, &work.RecycleList, &work.RecycledColors})
+    for (RecycleColor& color : *list)
+      if (EqualNoCase(color.Color_Name, name)) apply(color);
+}
+
+void EmptyStock(Session& session, const std::string& name) {
+  Transaction transaction(session.File());
+  session.File()
+      .Prepare(fmt::format("UPDATE {} SET Inventory = 0 WHERE Color_Name = ?", Quoted(session.Table(schema::Mix))))
+      .Bind(1, name)
+      .Run();
+  transaction.Note({Change::Kind::Mix, session.CurrentDatabase, name, Change::What::Updated, {}});
+  transaction.Commit();
+}
+
+void ShowCalculation(Session& session, BatchWork& work) {
+  ShowBatchRows(session, work);
+  RefreshRecycleList(session, work);
+  CalculateFigures(session, work);
+}
+
+struct Adjustment {
+  std::string Color_Name;
+  std::size_t row = 0;
+  float amount = 0;
+  bool recycle = false;
+  bool stockEmptied = false;
+};
+
+void RunAdjustment(Session& session, BatchWork& work, const Adjustment& adjustment) {
+  const auto row = static_cast<std::int32_t>(adjustment.row);
+  if (adjustment.amount != 0) {
+    work.ClickedIndex = row;
+    AddRecycledColor(work, adjustment.Color_Name, adjustment.amount);
+  } else {
+    if (work.ClickedIndex >= row && work.ClickedIndex >= 1) --work.ClickedIndex;
+    if (!work.RecycleList.empty() && work.RecycleList.front().Recycle_Percent == 0) RecalcRecycleList(work);
+  }
+  if (adjustment.stockEmptied) ForColor(work, adjustment.Color_Name, [](RecycleColor& color) { color.Inventory = 0; });
+  if (adjustment.amount == 0) ForColor(work, adjustment.Color_Name, [](RecycleColor& color) { SetUsable(color, 0); });
+  if (adjustment.recycle) {
+    AutoRecycle(work);
+  } else {
+    SortRecycleList(work);
+  }
+  ShowCalculation(session, work);
+}
+
+Result<bool> PutIn(Session& session, BatchWork& work, const RecycleColor& color, float amount) {
+  RunAdjustment(session, work, {.Color_Name = color.Color_Name, .row = work.RecycledColors.size(), .amount = amount});
+  return true;
+}
+
+// The colour of the list by that name, once all checks passed; null when nothing is to be done.
+Result<const RecycleColor*> Choosable(const BatchWork& work, std::string_view name) {
+  if (work.Rows.size() >= static_cast<std::size_t>(kMostBatchLines)) return nullptr;
+  const auto found = std::ranges::find_if(work.RecycleList, [&](const RecycleColor& color) {
+    return EqualNoCase(color.Color_Name, name) && color.Recycle_Percent > 0;
+  });
+  if (found == work.RecycleList.end()) return nullptr;
+  if (work.QuantityChanged)
+    return Refuse("Recalculate Batch",
+                  "You've changed the Quantity of this batch. Click the Recycle(F2) or Mix(F3) button to recalculate "
+                  "the batch before selecting a color from the Recycle List.",
+                  "txtQuantity");
+  if (const auto valid = ValidateQuantity(work); !valid) return std::unexpected(valid.error());
+  return &*found;
+}
+
+// Gives the Batch its grown quantity; refuses one that no Batch may have.
+Result<void> GrowQuantity(BatchWork& work, double quantity) {
+  std::string before = std::exchange(work.QuantityText, ShortestText(RoundTo(quantity, 3)));
+  auto valid = ValidateQuantity(work);
+  if (!valid) work.QuantityText = std::move(before);
+  return valid;
+}
+
+std::string AmountText(float amount, const BatchWork& work) {
+  return fmt::format("{} {}", Fixed(amount, 3), UnitName(work.UMF));
+}
+
+std::vector<std::string> ChangeLines(const BatchWork& work, const std::vector<BatchIngredient>& before) {
+  std::vector<std::string> lines;
+  for (const BatchIngredient& ingredient : work.Ingredients) {
+    const auto old = std::ranges::find(before, ingredient.IngName, &BatchIngredient::IngName);
+    std::string line = ingredient.IngName;
+    line.append(35 - std::min<std::size_t>(35, CharCount(line)), ' ');
+    line += AmountText(old == before.end() ? 0 : old->Amount, work) + "  --->  " + AmountText(ingredient.Amount, work);
+    lines.push_back(std::move(line));
+  }
+  return lines;
+}
+
+bool AskOverpour(Session& session, const char* title) {
+  return session.prompt.Ask(title, "Reformulate Batch due to over pour?");
+}
+
+}  // namespace
+
+Result<void> CheckAdjustable(const BatchWork& work) {
+  if (auto valid = ValidateQuantity(work); !valid) return valid;
+  if (!work.QuantityChanged) return {};
+  return Refuse("Recalculate Batch",
+                "You've changed the Quantity of this batch.\n"
+                "Click the Recycle(F2) or Mix(F3) button to recalculate\n"
+                "the batch before adjusting a color's amount.",
+                "txtQuantity");
+}
+
+Result<MixAdjustment> OpenMixAdjustment(Session& session, BatchWork& work, std::size_t row) {
+  if (auto valid = CheckAdjustable(work); !valid) return std::unexpected(valid.error());
+  const BatchRow& shown = RowOfKind(work, row, RowKind::Mix);
+  if (static_cast<std::int32_t>(row) < work.ClickedIndex &&
+      session.prompt.Show({"Batch Window - Adjust This Color?",
+                           "Adjusting this color now will change the colors and / or amounts\n"
+                           "which appear below this color. Do you want to continue?",
+                           Buttons::YesNo, Icon::Exclamation, Answer::Yes}) != Answer::Yes)
+    return MixAdjustment{};
+  return MixAdjustment{.row = row,
+                       .Color_Name = shown.name,
+                       .caption = " Adjust " + shown.name,
+                       .amount = shown.amount,
+                       .maximum = Fixed(shown.max, 3),
+                       .offersRemoval = session.InvLotTracking == 0,
+                       .recycleByDefault = work.settings.recycleByDefault};
+}
+
+Result<float> ReadMixAmount(std::string_view text) {
+  const auto amount = ParseNumber(text);
+  if (!amount || *amount < 0)
+    return Refuse("Invalid Amount", fmt::format("{} is not a valid amount. Please enter a valid amount.", text),
+                  "txtAmount");
+  return RoundSingle(*amount, 3);
+}
+
+Result<void> AdjustMixRow(Session& session, BatchWork& work, std::size_t row, const MixAdjustChoice& choice) {
+  if (auto valid = CheckAdjustable(work); !valid) return valid;
+  const auto amount = ReadMixAmount(choice.amount);
+  if (!amount) return std::unexpected(amount.error());
+  const bool emptyStock = choice.removeFromInventory && session.InvLotTracking == 0;
+  if (emptyStock)
+    if (auto writable = RequireWritable(session); !writable) return writable;
+  const std::string name = RowOfKind(work, row, RowKind::Mix).name;
+  const std::vector<NamedAmount> above = MixRows(work, row);
+  if (emptyStock) EmptyStock(session, name);
+  RestoreLists(session, work);
+  for (const auto& [aboveName, aboveAmount] : above) AddRecycledColor(work, aboveName, aboveAmount);
+  RunAdjustment(
+      session, work,
+      {.Color_Name = name, .row = row, .amount = *amount, .recycle = choice.recycle, .stockEmptied = emptyStock});
+  return {};
+}
+
+Result<bool> ChooseFromRecycleList(Session& session, BatchWork& work, std::string_view name) {
+  const auto color = Choosable(work, name);
+  if (!color) return std::unexpected(color.error());
+  if (*color == nullptr) return false;
+  const float listed = RoundSingle((*color)->Inventory, 3);
+  return PutIn(session, work, **color, listed == 0 ? RoundSingle(work.Quantity(), 3) : listed);
+}
+
+Result<bool> ChooseFromRecycleList(Session& session, BatchWork& work, std::string_view name, std::string_view amount) {
+  const auto wanted = ReadMixAmount(amount);
+  if (!wanted) return std::unexpected(wanted.error());
+  const auto color = Choosable(work, name);
+  if (!color) return std::unexpected(color.error());
+  if (*color == nullptr) return false;
+  return PutIn(session, work, **color, *wanted);
+}
+
+Result<Overpour> OverpourBasicRow(Session& session, BatchWork& work, std::size_t row, std::string_view poured) {
+  if (auto valid = CheckAdjustable(work); !valid) return std::unexpected(valid.error());
+  const BatchRow& shown = RowOfKind(work, row, RowKind::Basic);
+  if (!work.settings.overpour || BatchIsFull(work)) return Overpour{};
+  const auto amount = ParseNumber(poured);
+  if (!amount) return Refuse("Adjust Basic Color", "Please Enter a valid amount.", "txtAmount");
+  if (*amount < shown.Amount())
+    return Refuse("Adjust Basic Color",
+                  "You can only enter an amount larger than the current amount.\n"
+                  "To use a smaller amount, make a smaller batch.",
+                  "txtAmount");
+  if (!AskOverpour(session, "Excess Basic Color Weight")) return Overpour{};
+  const auto recipe = std::ranges::find_if(work.FormulaIngredients, [&](const BatchIngredient& ingredient) {
+    return EqualNoCase(ingredient.IngName, shown.name);
+  });
+  if (recipe == work.FormulaIngredients.end() || recipe->Percent == 0) return Overpour{};
+  const double grown = RoundTo((*amount - shown.Amount()) * 100 / recipe->Percent, 3);
+  if (auto valid = GrowQuantity(work, work.Quantity() + grown); !valid) return std::unexpected(valid.error());
+  const std::vector<BatchIngredient> before = work.Ingredients;
+  CalculateBatch(session, work, false);
+  ShowCalculation(session, work);
+  Overpour result{.reformulated = true, .printDetail = false, .lines = ChangeLines(work, before)};
+  if (!result.lines.empty())
+    result.printDetail = session.prompt.Ask("Change in Amounts" + std::string(50, ' '),
+                                            fmt::format("Print out this detail?\n\n{}", fmt::join(result.lines, "\n")));
+  return result;
+}
+
+Result<Overpour> OverpourMixRow(Session& session, BatchWork& work, std::size_t row, double poured) {
+  if (auto valid = CheckAdjustable(work); !valid) return std::unexpected(valid.error());
+  const double share = work.RecycledColors.at(row).Recycle_Percent;
+  if (share == 0 || !(poured > RowOfKind(work, row, RowKind::Mix).Amount())) return Overpour{};
+  if (!AskOverpour(session, "Excess Recycle Color Weight")) return Overpour{};
+  std::vector<NamedAmount> rows = MixRows(work, work.RecycledColors.size());
+  rows[row].second = RoundSingle(poured, 3);
+  if (auto valid = GrowQuantity(work, poured / share); !valid) return std::unexpected(valid.error());
+  // The recipe for the grown quantity, or the round-off would have to make up for the growth.
+  LoadFormulaIngredients(session, work);
+  RestoreLists(session, work);
+  work.ClickedIndex = static_cast<std::int32_t>(row);
+  for (const auto& [name, amount] : rows) AddRecycledColor(work, name, amount);
+  SortRecycleList(work);
+  ShowCalculation(session, work);
+  return Overpour{.reformulated = true, .printDetail = false, .lines = {}};
+}
+
+}  // namespace vellumark

@@ -1,0 +1,70 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "core/batch/batch_work.h"
+
+namespace vellumark {
+
+// Adjusting the lines of a calculated Batch by hand. Every operation refuses while the quantity was edited since.
+
+/// The checks that a click on a row's amount begins with: the quantity, and that it was not edited since the
+/// calculation.
+Result<void> CheckAdjustable(const BatchWork& work);
+
+// ---- Recycled colours
+
+/// The window in which a recycled colour's amount is adjusted.
+struct MixAdjustment {
+  std::size_t row = 0;
+  std::string Color_Name;
+  std::string caption;  ///< " Adjust " and the name
+  std::string amount;
+  std::string maximum;            ///< what Maximum puts into the amount
+  bool offersRemoval = false;     ///< chkRemoveFromInventory is shown
+  bool recycleByDefault = false;  ///< Enter means Recycle, else Mix
+};
+
+/// How that window was left.
+struct MixAdjustChoice {
+  std::string amount;
+  bool recycle = false;  ///< further colours are to be recycled after it
+  bool removeFromInventory = false;
+};
+
+/// Opens the window of a Mix row. Asks first when rows adjusted later stand below it; an empty name in the answer means
+/// that the operator declined.
+Result<MixAdjustment> OpenMixAdjustment(Session& session, BatchWork& work, std::size_t row);
+
+/// Refuses an amount that is no number or negative.
+Result<float> ReadMixAmount(std::string_view text);
+
+/// Takes the recycled colours from that row on out of the Batch and puts the colour back with its new amount; 0 leaves
+/// it out. Refuses a bad amount, and the removal from inventory while the file must not be written.
+Result<void> AdjustMixRow(Session& session, BatchWork& work, std::size_t row, const MixAdjustChoice& choice);
+
+/// Puts a colour of the Recycle List into the Batch with all its stock, or with the quantity when none is in stock.
+/// False when the Batch takes no more lines.
+Result<bool> ChooseFromRecycleList(Session& session, BatchWork& work, std::string_view name);
+/// The same with an amount of the operator's own.
+Result<bool> ChooseFromRecycleList(Session& session, BatchWork& work, std::string_view name, std::string_view amount);
+
+// ---- Over-pour
+
+/// What an over-pour did. `question` and `lines` are for the offer to print the change.
+struct Overpour {
+  bool reformulated = false;
+  bool printDetail = false;
+  std::vector<std::string> lines;
+};
+
+/// The Batch grows until the Basic row's share of it is what was poured. Refuses an amount that is no number or smaller
+/// than the row's. Asks before it changes anything and offers to print the change.
+Result<Overpour> OverpourBasicRow(Session& session, BatchWork& work, std::size_t row, std::string_view poured);
+
+/// The Batch grows until the recycled colour's largest share of it is what was poured.
+Result<Overpour> OverpourMixRow(Session& session, BatchWork& work, std::size_t row, double poured);
+
+}  // namespace vellumark

@@ -1,0 +1,85 @@
+#include "core/batch/batch_work.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <utility>
+
+#include "core/base/units.h"
+
+namespace vellumark {
+namespace {
+
+float SettingNumber(const Session& session, std::string_view key, double most) {
+  return static_cast<float>(std::clamp(LeadingNumber(GetSupportValue(session, key)), 0.0, most));
+}
+
+int SettingChoice(const Session& session, std::string_view key, int most) {
+  const int choice = LeadingInteger(GetSupportValue(session, key));
+  return choice >= 0 && choice <= most ? choice : 0;
+}
+
+}  // namespace
+
+std::string_view RowKindName(RowKind kind) {
+  switch (kind) {
+    case RowKind::Mix:
+      return "Mix";
+    case RowKind::Basic:
+      return "Basic";
+    case RowKind::Addition:
+      return "Addition";
+  }
+  std::unreachable();
+}
+
+void ReadBatchSettings(const Session& session, BatchWork& work) {
+  work.settings.recycleByDefault = LeadingInteger(GetSupportValue(session, "BatchActionButton")) == 0;
+  work.settings.showGraphic = LeadingInteger(GetSupportValue(session, "ShowBatchGraphic")) != 0;
+  work.settings.overpour = LeadingInteger(GetSupportValue(session, "Overpour")) == 1;
+  work.settings.sortByAmount = LeadingInteger(GetSupportValue(session, "IngSortOrder")) == 0;
+}
+
+BatchWork NewBatchWork(const Session& session) {
+  BatchWork work;
+  const int unit = LeadingInteger(GetSupportValue(session, "UMF"));
+  work.UMF = UnitName(unit).empty() ? session.UMF : unit;
+  ReadBatchSettings(session, work);
+  work.cost.CostModelType = SettingChoice(session, "CostModelType", 1);
+  work.cost.MixCostOption = SettingChoice(session, "MixCostOption", 2);
+  work.cost.FixedCostOfBatch = SettingNumber(session, "FixedCostOfBatch", kMostQuantity);
+  work.cost.FixedCostPerUnit = SettingNumber(session, "FixedCostPerUnit", kMostQuantity);
+  work.cost.MarkupPercent = SettingNumber(session, "MarkupPercent", 100);
+  work.cost.MixVOCModelType = SettingChoice(session, "VOCModelType", 2);
+  work.cost.MixHAPModelType = SettingChoice(session, "HAPModelType", 2);
+  return work;
+}
+
+void SetQuantityText(BatchWork& work, std::string text) {
+  if (text == work.QuantityText) return;
+  work.QuantityText = std::move(text);
+  work.QuantityChanged = !work.Rows.empty();
+}
+
+Result<void> ValidateQuantity(const BatchWork& work) {
+  const auto quantity = ParseNumber(work.QuantityText);
+  if (quantity && *quantity > 0 && *quantity <= kMostQuantity) return {};
+  return Refuse("Batch Window - Invalid Amount",
+                fmt::format("You must enter an amount between {} and {}", Fixed(0.0, 3), Fixed(kMostQuantity, 3)),
+                "txtQuantity");
+}
+
+float StockInUnit(const Session& session, int unit, float inventory, double lotTotal) {
+  float stock = inventory;
+  if (session.InvLotTracking != 0 && lotTotal != 0)
+    stock = static_cast<float>(static_cast<double>(stock) + RoundSingle(lotTotal, 3));
+  return unit == session.UMI ? stock : static_cast<float>(static_cast<double>(stock) * UnitFactor(session.UMI, unit));
+}
+
+bool BatchIsFull(const BatchWork& work) {
+  constexpr auto most = static_cast<std::size_t>(kMostBatchLines);
+  return work.RecycledColors.size() + work.FormulaIngredients.size() > most ||
+         work.RecycledColors.size() + work.Ingredients.size() + work.Additions.size() >= most;
+}
+
+}  // namespace vellumark

@@ -1,0 +1,22 @@
+#pragma once
+
+#include <string>
+
+#include "core/batch/batch_work.h"
+
+namespace vellumark {
+
+/// The money figures of the Batch, from its lists, totals and cost model. Needs its rows shown.
+void CalculateCost(const Session& session, BatchWork& work);
+/// The emissions of the Batch: those of what it takes, in the inventory unit.
+void CalculateBatch_VOC(const Session& session, BatchWork& work);
+void CalculateBatch_HAP(const Session& session, BatchWork& work);
+/// All three.
+void CalculateFigures(const Session& session, BatchWork& work);
+
+/// "Cost per lb."
+std::string UnitCostCaption(const BatchWork& work);
+/// What MixCostOption 0, 1 and 2 mean, as the cost window shows it.
+const char* MixCostOptionText(int option);
+
+}  // namespace vellumark

@@ -1,0 +1,50 @@
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "core/batch/batch_work.h"
+
+namespace vellumark {
+
+/// Fills RecycleList and FormulaRecycleList with every formula whose ingredients all stand in this one's, this one
+/// included, in table order. Reads the rows that qualify and no others.
+void BuildRecycleList(Session& session, BatchWork& work);
+
+/// Row numbers, in table order, of the formulas whose Color_Set is contained in `formulaSet`.
+std::vector<std::int64_t> ContainedFormulas(Session& session, std::string_view formulaSet);
+
+/// After a calculation or a change by hand: takes the chosen colours out of RecycleList and brings `Recycle_Percent`
+/// and the order of the rest up to date. Builds the list first when it was never built.
+void RefreshRecycleList(Session& session, BatchWork& work);
+
+// ---- The panel that shows the list
+
+enum class RecycleColumn { Name, Recycle, Inventory };
+
+/// How the panel is sorted and filtered. Without a column the order is that of the list, largest share first.
+struct RecycleListView {
+  bool inventoryOnly = false;  ///< "Show Inv. Recycles"
+  bool sorted = false;
+  RecycleColumn column = RecycleColumn::Recycle;
+  bool reversed = false;
+};
+
+struct RecycleListRow {
+  std::string Color_Name;
+  std::string recycle;       ///< "25.00%"
+  std::string inventory;     ///< three decimals
+  bool highlighted = false;  ///< in stock and to be recycled
+  std::size_t place = 0;     ///< in RecycleList
+};
+
+/// A click on a header sorts by its column, A to Z or largest first; a second click reverses it.
+void ClickHeader(RecycleListView& view, RecycleColumn column);
+std::array<std::string, 3> RecycleListCaptions(const RecycleListView& view, int unit);
+/// The colours of which the recipe can take something.
+std::vector<RecycleListRow> RecycleListRows(const BatchWork& work, const RecycleListView& view);
+
+}  // namespace vellumark

@@ -1,0 +1,297 @@
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <map>
+#include <random>
+#include <set>
+
+#include "batch_room.h"
+#include "core/base/units.h"
+#include "core/batch/adjust.h"
+#include "core/batch/recipe.h"
+#include "core/batch/recycle_list.h"
+#include "core/colors/color_set.h"
+
+namespace vellumark {
+namespace {
+
+using Parts = std::vector<std::pair<std::string, float>>;
+
+// Thousands of recipe books, from a fixed seed: some basics, formulas of 1 to 15 of them whose shares add up to 100,
+// stock here and there, some of it in lots, some not to be recycled.
+class Book {
+ public:
+  /// Fills the room anew. The room is to stand in a transaction that nobody commits: thousands of books need no disk.
+  Book(test::BatchRoom& emptied, unsigned seed) : room(emptied), random_(seed) {
+    room.session.UMI = Pick(1, 4);
+    room.session.InvLotTracking = Pick(0, 1);
+    for (const Table* table : {&schema::Basic, &schema::Mix, &schema::MixLotInv})
+      room.session.File().Execute("DELETE FROM " + Quoted(room.session.Table(*table)));
+    const int basics = Pick(1, 16);
+    for (int i = 0; i < basics; ++i) basics_.push_back((Pick(0, 4) == 0 ? "PANTONE B" : "B") + std::to_string(i));
+    for (const std::string& name : basics_) room.Basic(name);
+    const int formulas = Pick(1, 40);
+    for (int i = 0; i < formulas; ++i) {
+      const std::string name = "F" + std::to_string(i);
+      const float stock = Pick(0, 2) == 0 ? 0 : RoundSingle(std::exp(Real(-4, 7)), 3);
+      parts_[name] = RandomParts();
+      room.Ink(name, parts_[name], stock, {{"Recycle", Pick(0, 5) != 0}});
+      if (Pick(0, 3) == 0) room.Lot(schema::MixLotInv, name, RoundSingle(std::exp(Real(-3, 5)), 3));
+    }
+  }
+
+  int Pick(int least, int most) { return std::uniform_int_distribution(least, most)(random_); }
+  double Real(double least, double most) { return std::uniform_real_distribution(least, most)(random_); }
+
+  std::string AnyFormula() { return "F" + std::to_string(Pick(0, static_cast<int>(parts_.size()) - 1)); }
+  /// From a thousandth to the most that a Batch may be, all magnitudes alike; the ends now and then.
+  std::string AnyQuantity() {
+    if (Pick(0, 30) == 0) return Pick(0, 1) == 0 ? "0.001" : "99999";
+    return Fixed(std::max(0.001, std::exp(Real(std::log(0.001), std::log(99999)))), 3);
+  }
+  const Parts& PartsOf(const std::string& name) { return parts_.at(name); }
+
+  test::BatchRoom& room;
+
+ private:
+  Parts RandomParts() {
+    std::vector<std::string> names = basics_;
+    std::ranges::shuffle(names, random_);
+    names.resize(
+        static_cast<std::size_t>(Pick(1, std::min<int>(Pick(0, 3) == 0 ? 15 : 4, static_cast<int>(names.size())))));
+    int left = 100000 - static_cast<int>(names.size());
+    Parts parts;
+    for (std::size_t i = 0; i < names.size(); ++i) {
+      const int part = i + 1 == names.size() ? left : Pick(0, left);
+      left -= part;
+      parts.emplace_back(names[i], static_cast<float>((part + 1) / 1000.0));
+    }
+    return parts;
+  }
+
+  std::mt19937 random_;
+  std::vector<std::string> basics_;
+  std::map<std::string, Parts> parts_;
+};
+
+// How far a Single may stand from the number it holds.
+double Grain(double value) {
+  return std::abs(value) * 1.2e-7;
+}
+
+void CheckLines(const BatchWork& work) {
+  double sum = 0;
+  double recycled = 0;
+  for (const BatchRow& row : work.Rows) {
+    sum += row.Amount();
+    if (row.kind == RowKind::Mix) recycled += row.Amount();
+    EXPECT_GE(row.Amount(), 0) << row.name;
+  }
+  EXPECT_LE(work.Rows.size(), 20U);
+  if (work.Ingredients.empty()) {
+    EXPECT_NEAR(sum, work.Quantity(), 0.0151 + Grain(work.Quantity()) * 16);
+  } else {
+    EXPECT_EQ(Fixed(sum, 3), work.QuantityText);
+  }
+  EXPECT_EQ(Fixed(sum, 3), work.TotalText);
+  EXPECT_EQ(work.Total, static_cast<float>(RoundTo(sum, 3)));
+  EXPECT_NEAR(work.RecycledTotal, recycled, 0.0005 + Grain(recycled));
+}
+
+// No recycled line exceeds its stock, nor the share of the remaining recipe that it can supply.
+void CheckRecycled(const BatchWork& work) {
+  double above = 0;
+  for (const RecycleColor& color : work.RecycledColors) {
+    EXPECT_GT(color.Usable, 0);
+    EXPECT_TRUE(color.Recycle) << color.Color_Name;
+    EXPECT_LE(color.Usable, color.Inventory + 0.00051 + Grain(color.Inventory)) << color.Color_Name;
+    const double share = (work.Quantity() - above) * color.Recycle_Percent;
+    // The shares of later colours carry the rounding of the earlier ones.
+    EXPECT_LE(color.Usable, share * (1 + 1e-4) + 0.002 * static_cast<double>(work.RecycledColors.size()))
+        << color.Color_Name;
+    above += color.Usable;
+  }
+}
+
+// What the recycled inks contain and what remains of the recipe are the recipe.
+void CheckConserved(const BatchWork& work, const Parts& recipe, const std::string& name) {
+  const double quantity = work.Quantity();
+  for (const auto& [ingredient, share] : recipe) {
+    double amount = 0;
+    for (const BatchIngredient& remaining : work.Ingredients)
+      if (remaining.IngName == ingredient) amount += remaining.Amount;
+    for (const RecycleColor& color : work.RecycledColors)
+      for (const RecycleSlot& slot : color.slots)
+        if (slot.BC == ingredient) amount += slot.RecAmount;
+    EXPECT_NEAR(amount, quantity * share / 100, 0.00051 + Grain(quantity) * 20) << ingredient << " of " << name;
+  }
+}
+
+TEST(Properties, OverRandomRecipeBooks) {
+  std::size_t recycledLines = 0;
+  test::BatchRoom room;
+  const Transaction neverCommitted(room.session.File());
+  for (unsigned seed = 0; seed < 2000; ++seed) {
+    Book book(room, seed);
+    for (int batch = 0; batch < 3; ++batch) {
+      const std::string name = book.AnyFormula();
+      book.room.Start(name, book.AnyQuantity());
+      BatchWork& work = book.room.work;
+      work.UMF = book.Pick(1, 4);
+      work.settings.sortByAmount = book.Pick(0, 1) == 0;
+      SCOPED_TRACE(testing::Message() << "seed " << seed << " batch " << batch << ' ' << name << ' '
+                                      << work.QuantityText);
+      ASSERT_TRUE(RecycleAction(book.room.session, work));
+      CheckLines(work);
+      CheckRecycled(work);
+      recycledLines += work.RecycledColors.size();
+      CheckConserved(work, book.PartsOf(name), name);
+      for (const RecycleColor& color : work.RecycleList) {
+        EXPECT_GE(color.Recycle_Percent, 0);
+        EXPECT_LE(color.Recycle_Percent, 1);
+      }
+      if (testing::Test::HasFailure()) return;
+    }
+  }
+  EXPECT_GT(recycledLines, 5000U);
+}
+
+// The automatic choice as a person would do it: whole records in a sorted list, ingredients found by their names.
+void RecycleStepByStep(BatchWork& work) {
+  SortRecycleList(work);
+  for (;;) {
+    std::size_t taken = 0;
+    for (; taken < work.RecycleList.size(); ++taken) {
+      RecycleColor& color = work.RecycleList[taken];
+      if (work.Ingredients.size() + work.RecycledColors.size() > 19 || color.Recycle_Percent == 0) return;
+      CapRecycleAmount(work, color);
+      if (color.Usable > 0 && color.Recycle) break;
+    }
+    if (taken == work.RecycleList.size()) return;
+    const RecycleColor color = work.RecycleList[taken];
+    for (const RecycleSlot& slot : color.slots)
+      for (BatchIngredient& ingredient : work.Ingredients)
+        if (EqualNoCase(ingredient.IngName, slot.BC)) ingredient.Amount -= slot.RecAmount;
+    std::erase_if(work.Ingredients, [](const BatchIngredient& ingredient) { return ingredient.Amount < 0.0005; });
+    double sum = 0;
+    for (const BatchIngredient& ingredient : work.Ingredients) sum += ingredient.Amount;
+    for (BatchIngredient& ingredient : work.Ingredients)
+      ingredient.Percent = static_cast<float>(ingredient.Amount * 100.0 / sum);
+    work.RecycledColors.push_back(color);
+    work.RecycleList.erase(work.RecycleList.begin() + static_cast<std::ptrdiff_t>(taken));
+    for (RecycleColor& left : work.RecycleList) CalcRecyclePercent(work, left);
+    SortRecycleList(work);
+  }
+}
+
+TEST(Properties, AutoRecycleTakesWhatStepByStepTakes) {
+  test::BatchRoom room;
+  const Transaction neverCommitted(room.session.File());
+  for (unsigned seed = 4000; seed < 4600; ++seed) {
+    Book book(room, seed);
+    room.Start(book.AnyFormula(), book.AnyQuantity());
+    LoadFormulaIngredients(room.session, room.work);
+    BuildRecycleList(room.session, room.work);
+    BatchWork plain = room.work;
+    AutoRecycle(room.work);
+    RecycleStepByStep(plain);
+    const auto figures = [](const std::vector<RecycleColor>& list) {
+      std::vector<std::tuple<std::string, float, float>> colors;
+      for (const RecycleColor& c : list) colors.emplace_back(c.Color_Name, c.Usable, c.Recycle_Percent);
+      return colors;
+    };
+    ASSERT_EQ(figures(room.work.RecycledColors), figures(plain.RecycledColors)) << seed;
+    ASSERT_EQ(figures(room.work.RecycleList), figures(plain.RecycleList)) << seed;
+  }
+}
+
+// The same quantity again changes nothing beyond what the rounding of the chosen amounts to thousandths can move.
+TEST(Properties, RefitToTheSameQuantityChangesNothing) {
+  test::BatchRoom room;
+  const Transaction neverCommitted(room.session.File());
+  int lines = 0;
+  int movedLines = 0;
+  for (unsigned seed = 1000; seed < 1600; ++seed) {
+    Book book(room, seed);
+    for (int batch = 0; batch < 3; ++batch) {
+      book.room.Start(book.AnyFormula(), book.AnyQuantity());
+      BatchWork& work = book.room.work;
+      SCOPED_TRACE(testing::Message() << "seed " << seed << " batch " << batch << ' ' << work.QuantityText);
+      ASSERT_TRUE(RecycleAction(book.room.session, work));
+      const std::vector<BatchRow> before = work.Rows;
+      ASSERT_TRUE(RecycleAction(book.room.session, work));
+      std::map<std::string, double> amounts;
+      for (const BatchRow& row : before) amounts[std::string(RowKindName(row.kind)) + row.name] += row.Amount();
+      for (const BatchRow& row : work.Rows) amounts[std::string(RowKindName(row.kind)) + row.name] -= row.Amount();
+      const double rounding = 0.001 * (1.1 + static_cast<double>(work.RecycledColors.size()));
+      for (const auto& [line, moved] : amounts) {
+        EXPECT_NEAR(moved, 0, rounding + Grain(work.Quantity()) * 8) << line;
+        ++lines;
+        if (std::abs(moved) > 0.0005) ++movedLines;
+      }
+      CheckLines(work);
+      if (testing::Test::HasFailure()) return;
+    }
+  }
+  EXPECT_LT(movedLines, lines / 10);
+}
+
+// Colours put in by hand in any order and amount, then taken out and changed: the lines still give the quantity, and
+// nothing that a colour brings in is weighed twice.
+TEST(Properties, ChangesByHandKeepTheRecipe) {
+  test::BatchRoom room;
+  const Transaction neverCommitted(room.session.File());
+  for (unsigned seed = 2000; seed < 2400; ++seed) {
+    Book book(room, seed);
+    const std::string name = book.AnyFormula();
+    book.room.Start(name, Fixed(book.Real(1, 5000), 3));
+    BatchWork& work = book.room.work;
+    Session& session = book.room.session;
+    ASSERT_TRUE(MixAction(session, work));
+    for (int step = 0; step < 12; ++step) {
+      SCOPED_TRACE(testing::Message() << "seed " << seed << " step " << step << ' ' << name);
+      const auto listed = RecycleListRows(work, {});
+      if (!listed.empty() && (work.RecycledColors.empty() || book.Pick(0, 1) == 0)) {
+        const auto& row = listed[static_cast<std::size_t>(book.Pick(0, static_cast<int>(listed.size()) - 1))];
+        ASSERT_TRUE(book.Pick(0, 1) == 0
+                        ? ChooseFromRecycleList(session, work, row.Color_Name)
+                        : ChooseFromRecycleList(session, work, row.Color_Name, Fixed(book.Real(0.001, 3000), 3)));
+      } else if (!work.RecycledColors.empty()) {
+        const auto row = static_cast<std::size_t>(book.Pick(0, static_cast<int>(work.RecycledColors.size()) - 1));
+        ASSERT_TRUE(AdjustMixRow(
+            session, work, row,
+            {.amount = book.Pick(0, 2) == 0 ? "0" : Fixed(book.Real(0, 3000), 3), .recycle = book.Pick(0, 1) == 0}));
+      }
+      CheckLines(work);
+      CheckConserved(work, book.PartsOf(name), name);
+      std::set<std::string> names;
+      for (const RecycleColor& color : work.RecycledColors) EXPECT_TRUE(names.insert(color.Color_Name).second);
+      if (testing::Test::HasFailure()) return;
+    }
+  }
+}
+
+// The walk over the index finds exactly the rows that the plain test of every row finds.
+TEST(Properties, IndexWalkFindsWhatAScanFinds) {
+  test::BatchRoom room;
+  const Transaction neverCommitted(room.session.File());
+  for (unsigned seed = 3000; seed < 3200; ++seed) {
+    Book book(room, seed);
+    const std::vector<Value> strange{"", nullptr, "<>", "<B1", "B1>", "<B1>B2>", "<b1><PANTONE b2>", "<B10><B1>"};
+    for (std::size_t i = 0; i < strange.size(); ++i)
+      book.room.AddRow(schema::Mix, {{"Color_Name", "S" + std::to_string(i)}, {"Color_Set", strange[i]}});
+    for (int i = 0; i < 30; ++i)
+      book.room.Mix("M" + std::to_string(i), {{"B1", 50}, {"X" + std::to_string(i), 25}, {"B2", 25}});
+    const std::string set = book.room.Scalar("SELECT Color_Set FROM INK_Mix WHERE Color_Name = 'F0'").Text();
+    for (const std::string& formulaSet : {set, std::string(), std::string("<B1><PANTONE B2>")}) {
+      std::vector<std::int64_t> expected;
+      Statement all = book.room.session.File().Prepare("SELECT rowid, Color_Set FROM INK_Mix ORDER BY rowid");
+      while (all.Step())
+        if (ColorSetContains(formulaSet, all.Text(1))) expected.push_back(all.Whole(0));
+      EXPECT_EQ(ContainedFormulas(book.room.session, formulaSet), expected) << seed << formulaSet;
+    }
+  }
+}
+
+}  // namespace
+}  // namespace vellumark
