@@ -1,0 +1,147 @@
+// A process killed at any moment leaves the Data File as it was before its work or as it is after it, never between.
+
+#include <gtest/gtest.h>
+#include <signal.h>
+#include <sys/wait.h>
+#include <time.h>
+#include <unistd.h>
+
+#include <chrono>
+#include <functional>
+#include <random>
+
+#include "core/base/files.h"
+#include "core/colors/rename.h"
+#include "core/colors/rollup.h"
+#include "core/exchange/formula_exchange.h"
+#include "core/exchange/mfe.h"
+#include "support/ink_room.h"
+#include "support/snapshot.h"
+
+namespace vellumark {
+namespace {
+
+namespace fs = std::filesystem;
+using std::chrono::microseconds;
+
+constexpr int kKillsPerWork = 70;
+
+// Room enough that each piece of work writes more pages than fit in the engine's cache.
+struct FilledRoom {
+  FilledRoom() {
+    Transaction transaction(room.session.File());
+    for (int i = 0; i < 20; ++i)
+      room.Basic("BASIC " + std::to_string(i),
+                 {{"PurchaseCost", static_cast<float>(i + 1)}, {"VOC", 0.5F}, {"HAP", 0.25F}});
+    for (int i = 0; i < 4000; ++i)
+      room.Mix("FORMULA " + std::to_string(i), {{"BASIC 0", 50.0F}, {"BASIC " + std::to_string(1 + i % 19), 50.0F}},
+               {{"Notes", std::string(300, 'n')}});
+    for (int i = 0; i < 3000; ++i)
+      room.AddRow(schema::Batch, {{"Color_Name", "FORMULA 1"},
+                                  {"BatchNo", i + 1},
+                                  {"IngName0", "BASIC 0"},
+                                  {"IngType0", 1},
+                                  {"Notes", std::string(200, 'b')}});
+    for (int i = 0; i < 500; ++i)
+      room.AddRow(
+          schema::JobRecords,
+          {{"JobNumber", "J" + std::to_string(i)}, {"Database", "INK"}, {"Color_Name", "BASIC 0"}, {"ItemType", 1}});
+    transaction.Commit();
+    room.session.DataFileDB.reset();
+    fs::copy_file(room.session.DataFileName, pristine);
+  }
+
+  test::InkRoom room;
+  fs::path pristine = room.folder / "pristine.vkd";
+  fs::path file = room.session.DataFileName;
+};
+
+using Work = std::function<void(Session&)>;
+
+// Runs in the child: opens the file, does the work, ends.
+[[noreturn]] void DoInChild(FilledRoom& filled, const Work& work) {
+  Session& session = filled.room.session;
+  session.DataFileDB = Database::Open(filled.file, OpenMode::Exclusive);
+  work(session);
+  session.DataFileDB.reset();
+  ::_exit(0);
+}
+
+void Pristine(const FilledRoom& filled) {
+  fs::remove(filled.file.string() + "-journal");
+  fs::copy_file(filled.pristine, filled.file, fs::copy_options::overwrite_existing);
+}
+
+std::string StateOf(const fs::path& path) {
+  const auto file = Database::Open(path, OpenMode::Exclusive);
+  EXPECT_TRUE(file->Faults().empty());
+  return test::Snapshot(*file);
+}
+
+void KillMany(const Work& work) {
+  FilledRoom filled;
+  const std::string before = StateOf(filled.file);
+  const auto begin = std::chrono::steady_clock::now();
+  if (const pid_t child = ::fork(); child == 0) {
+    DoInChild(filled, work);
+  } else {
+    int status = 0;
+    ::waitpid(child, &status, 0);
+    ASSERT_EQ(status, 0);
+  }
+  const auto whole = std::chrono::duration_cast<microseconds>(std::chrono::steady_clock::now() - begin);
+  const std::string after = StateOf(filled.file);
+  ASSERT_NE(before, after);
+
+  std::mt19937_64 random(5);
+  int untouched = 0;
+  int complete = 0;
+  for (int i = 0; i < kKillsPerWork; ++i) {
+    Pristine(filled);
+    const pid_t child = ::fork();
+    if (child == 0) DoInChild(filled, work);
+    ::usleep(static_cast<useconds_t>(random() % static_cast<unsigned>(whole.count() * 11 / 10)));
+    ::kill(child, SIGKILL);
+    ::waitpid(child, nullptr, 0);
+    const std::string state = StateOf(filled.file);
+    if (state == before) {
+      ++untouched;
+    } else if (state == after) {
+      ++complete;
+    } else {
+      FAIL() << "between, at kill " << i;
+    }
+  }
+  // The kills fell on both sides of the commit, so they also fell near it.
+  EXPECT_GT(untouched, 0);
+  testing::Test::RecordProperty("untouched", untouched);
+  testing::Test::RecordProperty("complete", complete);
+}
+
+TEST(Kills, Import) {
+  KillMany([](Session& session) {
+    std::string bytes = "INK\r\n";
+    for (int i = 0; i < 3000; ++i)
+      bytes +=
+          MfeRow("IMPORTED " + std::to_string(i), {{"BASIC 1", 40.0F}, {"NEW BASIC " + std::to_string(i % 50), 60.0F}});
+    const fs::path path = fs::path(session.DataFileName).parent_path() / "in.mfe";
+    ReplaceFile(path, bytes);
+    if (!ImportFormulas(session, path)) ::_exit(1);
+  });
+}
+
+TEST(Kills, RenameOfAnIngredient) {
+  KillMany([](Session& session) {
+    if (!RenameBasic(session, "BASIC 0", "RENAMED")) ::_exit(1);
+  });
+}
+
+TEST(Kills, MassPasses) {
+  KillMany([](Session& session) {
+    session.CostChanged = session.VOCChanged = session.HAPChanged = true;
+    RunPendingPasses(session);
+  });
+}
+
+}  // namespace
+}  // namespace vellumark
