@@ -1,0 +1,244 @@
+#include "core/colors/additive_control.h"
+
+#include <fmt/format.h>
+
+#include <functional>
+
+#include "core/base/number.h"
+#include "core/base/progress_run.h"
+#include "core/base/text.h"
+#include "core/colors/names.h"
+#include "core/datafile/writer.h"
+
+namespace vellumark {
+namespace {
+
+constexpr std::size_t kMostLinesWithSet = 14;
+
+Refusal UnknownSet(std::string_view name) {
+  return {"Additive Set Name", fmt::format("Additive Set: {} is not on file.", name), "SetName"};
+}
+
+struct NewRecipe {
+  Recipe recipe;
+  std::string setName;
+};
+
+// Walks the named formulas, shows the progress and writes what `change` makes of each.
+void RewriteFormulas(const Session& session, ProgressRun& progress, const std::vector<std::string>& names,
+                     const std::function<NewRecipe(const MixColor&)>& change) {
+  RecipeWriter writer(session);
+  std::size_t done = 0;
+  for (const std::string& name : names) {
+    if (const auto mix = ReadMix(session, name)) {
+      const NewRecipe rewritten = change(*mix);
+      writer.Set(rewritten.recipe, rewritten.setName).Update(mix->rowId);
+    }
+    progress.Step(++done, names.size());
+  }
+}
+
+// The ingredients of a formula have changed, so have its figures.
+void MarkRollUpsStale(Session& session) {
+  session.CostChanged = true;
+  session.VOCChanged = true;
+  session.HAPChanged = true;
+}
+
+void NoteFormulas(Transaction& transaction, const Session& session, const std::vector<std::string>& names) {
+  for (const std::string& name : names)
+    transaction.Note({Change::Kind::Mix, session.CurrentDatabase, name, Change::What::Updated, ""});
+}
+
+SetPreviewRow JudgeAdd(const MixColor& mix, const AdditiveSet& set) {
+  SetPreviewRow row{mix.Color_Name, "", mix.AddSetName, false};
+  const Recipe recipe = mix.Ingredients();
+  if (EqualNoCase(mix.AddSetName, set.SetName)) {
+    row.info = "Already Uses This Additive Set";
+  } else if (!mix.AddSetName.empty()) {
+    row.info = "Uses Additive Set " + mix.AddSetName;
+    row.modable = true;
+  } else if (WithoutSet(recipe, set.rows).size() != recipe.size()) {
+    row.info = "Has Ingredient Found In Additive Set";
+  } else {
+    row.info = "Contains No Additive Set";
+    row.modable = true;
+  }
+  return row;
+}
+
+SetPreviewRow JudgeRemove(const MixColor& mix, const AdditiveSet& set) {
+  SetPreviewRow row{mix.Color_Name, "", mix.AddSetName, false};
+  row.modable = EqualNoCase(mix.AddSetName, set.SetName);
+  row.info = row.modable              ? "Matches Additive Set"
+             : mix.AddSetName.empty() ? "Contains No Additive Set"
+                                      : "Uses Additive Set " + mix.AddSetName;
+  return row;
+}
+
+SetPreviewRow JudgeFiltered(const MixColor& mix, const AdditiveSet& set, const SetFilter& filter) {
+  if (filter.ingredient.empty()) return JudgeAdd(mix, set);
+  for (const Ingredient& line : mix.Ingredients()) {
+    if (!EqualNoCase(line.name, filter.ingredient)) continue;
+    if (filter.atLeast ? line.amount >= filter.percent : line.amount <= filter.percent) return JudgeAdd(mix, set);
+    return {mix.Color_Name, fmt::format("{} {}", filter.atLeast ? "<" : ">", ShortestText(filter.percent)),
+            mix.AddSetName, false};
+  }
+  return {mix.Color_Name, "NO " + filter.ingredient, mix.AddSetName, false};
+}
+
+}  // namespace
+
+AppliedSet WithSetApplied(const Recipe& recipe, const Recipe& presentSet, const Recipe& newSet) {
+  const Recipe rest = WithoutSet(recipe, presentSet);
+  const Recipe others = WithoutSet(rest, newSet);
+  if (others.empty() || rest.size() + newSet.size() > kMostLinesWithSet)
+    return {Normalise(rest.empty() ? recipe : rest), false};
+  return {NormaliseWithSet(others, newSet), true};
+}
+
+Recipe WithSetRemoved(const Recipe& recipe, const Recipe& presentSet) {
+  const Recipe rest = WithoutSet(recipe, presentSet);
+  return Normalise(rest.empty() ? recipe : rest);
+}
+
+Result<AdditiveSet> EditAdditiveSet(Session& session, std::string_view setName, const AdditiveSetWork& work) {
+  if (auto writable = RequireWritable(session); !writable) return std::unexpected(writable.error());
+  const auto present = ReadAdditiveSet(session, setName);
+  if (!present) return std::unexpected(UnknownSet(setName));
+  AdditiveSetWork content = work;
+  content.SetName = present->SetName;
+  auto set = ValidateAdditiveSet(session, content, false);
+  if (!set) return set;
+  set->rowId = present->rowId;
+  const std::vector<std::string> users = FormulasWithSet(session, present->SetName);
+
+  ProgressRun progress(session.progress, "Updating Add Set / Updating formulas");
+  Transaction transaction(session.File());
+  UpdateRow(session.File(), schema::Additives, session.Table(schema::Additives), set->rowId, AdditiveSetCells(*set));
+  RewriteFormulas(session, progress, users, [&](const MixColor& mix) {
+    const AppliedSet result = WithSetApplied(mix.Ingredients(), present->rows, set->rows);
+    return NewRecipe{result.recipe, result.applied ? set->SetName : std::string()};
+  });
+  transaction.Note({Change::Kind::AdditiveSet, session.CurrentDatabase, set->SetName, Change::What::Updated, ""});
+  NoteFormulas(transaction, session, users);
+  transaction.Commit();
+  if (!users.empty()) MarkRollUpsStale(session);
+  return set;
+}
+
+Result<bool> RenameAdditiveSet(Session& session, std::string_view oldName, std::string_view typed) {
+  if (auto writable = RequireWritable(session); !writable) return std::unexpected(writable.error());
+  const auto set = ReadAdditiveSet(session, oldName);
+  if (!set) return std::unexpected(UnknownSet(oldName));
+  const std::string name = ReadSetName(typed);
+  if (name.empty()) return Refuse("Set Name Needed", "Please enter a new Additive Set Name.", "SetName");
+  if (EqualNoCase(name, set->SetName))
+    return Refuse("Recheck Set Name",
+                  "The Set Name that was entered is the same as the one that is being renamed.\n\nPlease enter another "
+                  "Set Name.",
+                  "SetName");
+  if (auto valid = CheckImportedName(name, "SetName"); !valid) return std::unexpected(valid.error());
+  const bool merge = AdditiveSetExists(session, name);
+  if (merge &&
+      !session.prompt.Ask("Additive Set Name Exists",
+                          "This Set Name matches another on file.\n\nDo you want to merge the two Sets?", Answer::No))
+    return false;
+
+  ProgressRun progress(session.progress, "Renaming Add Set / Updating formulas");
+  Database& file = session.File();
+  const std::string sets = session.Table(schema::Additives);
+  Transaction transaction(file);
+  if (merge) {
+    file.Prepare("DELETE FROM " + Quoted(sets) + " WHERE rowid = ?").Bind(1, set->rowId).Run();
+  } else {
+    UpdateRow(file, schema::Additives, sets, set->rowId, {{"SetName", name}});
+  }
+  file.Prepare("UPDATE " + Quoted(session.Table(schema::Mix)) + " SET AddSetName = ?2 WHERE AddSetName = ?1")
+      .Bind(1, set->SetName)
+      .Bind(2, name)
+      .Run();
+  transaction.Note({Change::Kind::AdditiveSet, session.CurrentDatabase, set->SetName, Change::What::Renamed, name});
+  transaction.Note({Change::Kind::Mix, session.CurrentDatabase, "", Change::What::All, ""});
+  transaction.Commit();
+  return true;
+}
+
+Result<bool> DeleteAdditiveSet(Session& session, std::string_view setName) {
+  if (auto writable = RequireWritable(session); !writable) return std::unexpected(writable.error());
+  const auto set = ReadAdditiveSet(session, setName);
+  if (!set) return std::unexpected(UnknownSet(setName));
+  if (!session.prompt.Ask(Padded(40, "Confirm Delete"),
+                          "Delete Additive Set?\n\nIt will be removed from all formulas on the list.", Answer::No))
+    return false;
+  const std::vector<std::string> users = FormulasWithSet(session, set->SetName);
+
+  ProgressRun progress(session.progress, "Deleting Add Set / Updating formulas");
+  Transaction transaction(session.File());
+  RewriteFormulas(session, progress, users, [&](const MixColor& mix) {
+    return NewRecipe{WithSetRemoved(mix.Ingredients(), set->rows), {}};
+  });
+  session.File()
+      .Prepare("DELETE FROM " + Quoted(session.Table(schema::Additives)) + " WHERE rowid = ?")
+      .Bind(1, set->rowId)
+      .Run();
+  transaction.Note({Change::Kind::AdditiveSet, session.CurrentDatabase, set->SetName, Change::What::Deleted, ""});
+  NoteFormulas(transaction, session, users);
+  transaction.Commit();
+  if (!users.empty()) MarkRollUpsStale(session);
+  return true;
+}
+
+Result<std::vector<SetPreviewRow>> PreviewAdditiveSet(Session& session, std::string_view setName, SetMethod method,
+                                                      const SetFilter& filter, const std::vector<std::string>& colors) {
+  if (colors.empty()) return Refuse("Select Master Formulas", "No Colors Selected - Step 2.");
+  const auto set = ReadAdditiveSet(session, setName);
+  if (!set) return std::unexpected(UnknownSet(setName));
+  ProgressRun progress(session.progress, "Generating Preview Results ...");
+  std::vector<SetPreviewRow> rows;
+  for (const std::string& color : colors) {
+    if (const auto mix = ReadMix(session, color)) {
+      rows.push_back(method == SetMethod::Remove        ? JudgeRemove(*mix, *set)
+                     : method == SetMethod::AddByFilter ? JudgeFiltered(*mix, *set, filter)
+                                                        : JudgeAdd(*mix, *set));
+    }
+  }
+  return rows;
+}
+
+Result<bool> ApplyAdditiveSet(Session& session, std::string_view setName, SetMethod method,
+                              const std::vector<std::string>& colors) {
+  if (auto writable = RequireWritable(session); !writable) return std::unexpected(writable.error());
+  const auto set = ReadAdditiveSet(session, setName);
+  if (!set) return std::unexpected(UnknownSet(setName));
+  if (colors.empty()) return Refuse("Select Master Formulas", "No Colors Selected - Step 2.");
+  for (const std::string& color : colors) {
+    const auto mix = ReadMix(session, color);
+    if (!mix) return Refuse("Color Not Found", color + " is not found in this database.", "Color_Name");
+    const SetPreviewRow row = method == SetMethod::Remove ? JudgeRemove(*mix, *set) : JudgeAdd(*mix, *set);
+    if (!row.modable) return Refuse("Additive Set Modification", fmt::format("{}: {}", row.color, row.info));
+  }
+  const Message question{Padded(30, "Additive Set Modification"),
+                         fmt::format("{} color(s) are about to be modified.", colors.size()), Buttons::OkCancel,
+                         Icon::Question, Answer::Ok};
+  if (session.prompt.Show(question) != Answer::Ok) return false;
+
+  {
+    ProgressRun progress(session.progress, "Modifing Formulas ...");
+    Transaction transaction(session.File());
+    RewriteFormulas(session, progress, colors, [&](const MixColor& mix) {
+      const auto present = ReadAdditiveSet(session, mix.AddSetName);
+      const Recipe presentRows = present ? present->rows : Recipe{};
+      if (method == SetMethod::Remove) return NewRecipe{WithSetRemoved(mix.Ingredients(), presentRows), {}};
+      const AppliedSet result = WithSetApplied(mix.Ingredients(), presentRows, set->rows);
+      return NewRecipe{result.recipe, result.applied ? set->SetName : std::string()};
+    });
+    NoteFormulas(transaction, session, colors);
+    transaction.Commit();
+  }
+  MarkRollUpsStale(session);
+  session.prompt.Tell("Additive Set Application", "The Application Method has been applied.");
+  return true;
+}
+
+}  // namespace vellumark

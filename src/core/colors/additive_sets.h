@@ -1,0 +1,65 @@
+#pragma once
+
+#include <array>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "core/colors/normalise.h"
+#include "core/datafile/schema.h"
+#include "core/datafile/writer.h"
+#include "core/session/session.h"
+
+namespace vellumark {
+
+/// A row of `<DB>_Additives`: up to five Additives with fixed percentages.
+struct AdditiveSet {
+  std::int64_t rowId = 0;
+  std::string SetName;
+  Recipe rows;  ///< the filled slots; the amount is the percentage
+
+  std::string SetList() const;
+};
+
+/// The fields of a set's row.
+std::vector<Cell> AdditiveSetCells(const AdditiveSet& set);
+
+/// `database` empty means the current one.
+std::optional<AdditiveSet> ReadAdditiveSet(const Session& session, std::string_view setName,
+                                           std::string_view database = {});
+std::vector<AdditiveSet> ListAdditiveSets(const Session& session, std::string_view database = {});
+bool AdditiveSetExists(const Session& session, std::string_view setName);
+
+/// Five pairs of fields as typed.
+struct AdditiveSetWork {
+  struct Row {
+    std::string name;
+    std::string percent;
+  };
+  std::string SetName;
+  std::array<Row, schema::kSetSlots> rows;
+};
+/// A set's name as it will be stored: trimmed, cut to 30 characters, upper case.
+std::string ReadSetName(std::string_view typed);
+
+/// A percentage of a set: rounded to two decimals, above 0 and at most 10.
+Result<double> ReadSetPercent(std::string_view typed, std::string_view field = "SetPercent0");
+
+/// All checks of a set in their order: the name (one on file is refused for a new set), that there are ingredients,
+/// that they exist and are Additives, that each has a percentage and none stands twice. The set as it would be stored.
+Result<AdditiveSet> ValidateAdditiveSet(const Session& session, const AdditiveSetWork& work, bool isNew);
+
+/// What leaving an ingredient field of a set does with a name that is no Additive of this Database: asks whether to add
+/// it and adds it. The name to keep in the field; empty when the operator declined.
+Result<std::string> EnterSetIngredient(Session& session, const AdditiveSetWork& work, std::size_t row,
+                                       std::string_view typed);
+
+/// Adds a new set. Refused in an archive view.
+Result<AdditiveSet> CreateAdditiveSet(Session& session, const AdditiveSetWork& work);
+
+/// Whether a set may be chosen for a formula whose other lines are `rows`: refused when a line stands in the set
+/// already and when lines and set together exceed 14.
+Result<void> CheckSetFitsFormula(const Recipe& rows, const AdditiveSet& set);
+
+}  // namespace vellumark

@@ -1,0 +1,78 @@
+#include "core/colors/amounts.h"
+
+#include <fmt/format.h>
+
+#include <cmath>
+
+#include "core/base/number.h"
+#include "core/colors/names.h"
+
+namespace vellumark {
+namespace {
+
+struct Rule {
+  std::string_view title;
+  double lowest;
+};
+
+Rule RuleOf(AmountKey key) {
+  switch (key) {
+    case AmountKey::Currency:
+      return {"Invalid Purchase Cost", 0};
+    case AmountKey::Reorder:
+      return {"Invalid Reorder", 0};
+    case AmountKey::VOC:
+      return {"Invalid VOC", 0};
+    case AmountKey::HAP:
+      return {"Invalid HAP", 0};
+    case AmountKey::AdjInv:
+      return {"Invalid Adjust Inv.", -kLargestAmount};
+    case AmountKey::Lab:
+      return {"Lab Values", -kLargestAmount};
+  }
+  return {};
+}
+
+}  // namespace
+
+int DecimalsOf(const Session& session, AmountKey key) {
+  if (key == AmountKey::Currency) return session.DecimalPlaces;
+  return key == AmountKey::Lab ? 2 : 3;
+}
+
+std::string AmountText(const Session& session, AmountKey key, float value) {
+  return Fixed(value, DecimalsOf(session, key));
+}
+
+Result<float> ReadAmount(const Session& session, AmountKey key, std::string_view typed, std::string_view field) {
+  const Rule rule = RuleOf(key);
+  if (const auto number = ParseNumber(typed); number && std::fabs(*number) < 1e15) {
+    const int decimals = DecimalsOf(session, key);
+    const double rounded = RoundTo(*number, decimals);
+    if (rounded >= rule.lowest && rounded <= kLargestAmount) return RoundSingle(rounded, decimals);
+  }
+  return Refuse(Padded(30, rule.title),
+                fmt::format("You must enter {} between\n{} and {}",
+                            key == AmountKey::Currency ? "currency" : "an amount", rule.lowest, kLargestAmount),
+                std::string(field));
+}
+
+Result<void> RequireRight(const Session& session, AmountKey key, std::string_view field) {
+  const auto deny = [&](std::string_view what) {
+    return Refuse("Permission Denied",
+                  fmt::format("{}, you do not have permission to change {}.", session.CurrentUser, what),
+                  std::string(field));
+  };
+  if (key == AmountKey::Currency && session.Perm_Costs != 2) return deny("costs");
+  if (key == AmountKey::VOC && session.Perm_VOCHAP != 1) return deny("VOC Values");
+  if (key == AmountKey::HAP && session.Perm_VOCHAP != 1) return deny("HAP Values");
+  return {};
+}
+
+Result<void> RequireFormulaRight(const Session& session) {
+  if (session.Perm_MasterFormula == 1) return {};
+  return Refuse("Permission Denied",
+                fmt::format("{}, you do not have permission to change Master Formulas.", session.CurrentUser));
+}
+
+}  // namespace vellumark

@@ -1,0 +1,172 @@
+#include "core/colors/duplicate.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+
+#include "core/base/text.h"
+#include "core/colors/additive_sets.h"
+#include "core/colors/amounts.h"
+#include "core/colors/basics.h"
+#include "core/colors/formulas.h"
+#include "core/colors/names.h"
+
+namespace vellumark {
+namespace {
+
+constexpr std::string_view kField = "txtNewName";
+
+struct Target {
+  std::string database;
+  std::string name;
+  std::optional<MixColor> existing;
+  std::optional<AdditiveSet> set;
+};
+
+Result<std::string> NewName(const Session& session, std::string_view typed, std::string_view database) {
+  std::string name = ReadNewName(session, typed);
+  if (name.empty()) return Refuse("Color Name Needed", "Please enter a new color name.", std::string(kField));
+  if (auto valid = CheckImportedName(name, kField); !valid) return std::unexpected(valid.error());
+  if (HasPantonePrefix(name) && !IsPantoneBookMix(session, name, database))
+    return Refuse("Invalid Master Formula Name",
+                  "You cannot use a name that begins with the word PANTONE.\n\nPlease choose another name.",
+                  std::string(kField));
+  return name;
+}
+
+Result<Target> ReadTarget(const Session& session, std::string_view typed, std::string_view targetDatabase,
+                          std::string_view setName) {
+  Target target;
+  target.database = targetDatabase.empty() ? session.CurrentDatabase : Upper(TrimView(targetDatabase));
+  if (std::ranges::none_of(session.databaseList, [&](const std::string& d) { return EqualNoCase(d, target.database); }))
+    return Refuse("Database Not Found", fmt::format("The {} Database is not in this Data File.", target.database),
+                  "cmbDatabases");
+  auto name = NewName(session, typed, target.database);
+  if (!name) return std::unexpected(name.error());
+  target.name = *std::move(name);
+  target.existing = ReadMix(session, target.name, target.database);
+  if (!TrimView(setName).empty()) {
+    target.set = ReadAdditiveSet(session, ReadSetName(setName), target.database);
+    if (!target.set)
+      return Refuse("Additive Set Name", fmt::format("Additive Set: {} is not on file.", setName), "cmbDBAddSets");
+  }
+  return target;
+}
+
+// The source's lines beside its own Additive Set.
+Recipe WorkingList(const Session& session, const MixColor& source) {
+  const auto set = ReadAdditiveSet(session, source.AddSetName);
+  const Recipe all = source.Ingredients();
+  if (!set) return all;
+  Recipe rest = WithoutSet(all, set->rows);
+  return rest.empty() ? all : rest;
+}
+
+// Names common to both count once.
+bool SetFits(const Recipe& list, const AdditiveSet& set) {
+  const Recipe others = WithoutSet(list, set.rows);
+  return !others.empty() && others.size() + set.rows.size() <= static_cast<std::size_t>(schema::kIngredientSlots);
+}
+
+void AddMissingIngredients(Session& session, const std::string& database, Recipe& recipe) {
+  for (Ingredient& line : recipe) {
+    if (BasicColorExists(session, line.name, database)) continue;
+    const auto source = ReadBasic(session, line.name);
+    line.name = AddZeroBasic(session, line.name, source && source->Additive, database);
+  }
+}
+
+std::vector<Cell> NewRecordCells(const Session& session) {
+  return {{"Color_Code", ""},
+          {"Inv_Note", ""},
+          {"Notes", ""},
+          {"Inventory", 0.0F},
+          {"Reorder", 0.0F},
+          {"PurchaseCost", 0.0F},
+          {"VOC", 0.0F},
+          {"HAP", 0.0F},
+          {"LotRefID", 0},
+          {"Recycle", true},
+          {"Color_Guide", ""},
+          {"Page", "0"},
+          {"Row", 0},
+          {"Red", 0},
+          {"Green", 0},
+          {"Blue", 0},
+          {"Date_Entered", session.clock.Today()}};
+}
+
+void Store(Session& session, const Target& target, const Recipe& recipe, std::string_view setName) {
+  const RolledUp figures = RollUpRecipe(session, recipe, target.database);
+  std::vector<Cell> cells{{"Color_Name", target.name},
+                          {"BasicCost", figures.BasicCost},
+                          {"BasicVOC", figures.BasicVOC},
+                          {"BasicHAP", figures.BasicHAP},
+                          {"LastModified", session.clock.Today()}};
+  if (!target.existing) {
+    const std::vector<Cell> more = NewRecordCells(session);
+    cells.insert(cells.end(), more.begin(), more.end());
+  }
+  std::vector<std::string> fields;
+  for (const Cell& cell : cells) fields.push_back(cell.first);
+  RecipeWriter writer(session, target.database, fields);
+  writer.Set(recipe, setName);
+  for (std::size_t i = 0; i < cells.size(); ++i) writer.SetMore(i, cells[i].second);
+  if (target.existing) {
+    writer.Update(target.existing->rowId);
+  } else {
+    writer.Insert();
+  }
+}
+
+void TellDone(Session& session, const Target& target, std::string_view source) {
+  if (target.existing) {
+    session.prompt.Tell("Master Formula - Modified", fmt::format("The formula for {} was modified.", target.name));
+  } else {
+    session.prompt.Tell(
+        "Master Formula - Duplicated",
+        fmt::format("The formula for {} was duplicated into the color  {}\n\nIt is available for use in "
+                    "the {} Database.",
+                    source, target.name, target.database));
+  }
+}
+
+}  // namespace
+
+Result<Duplicated> DuplicateFormula(Session& session, std::string_view source, std::string_view typed,
+                                    std::string_view targetDatabase, std::string_view setName) {
+  if (auto writable = RequireWritable(session); !writable) return std::unexpected(writable.error());
+  if (auto right = RequireFormulaRight(session); !right) return std::unexpected(right.error());
+  const auto mix = ReadMix(session, source);
+  if (!mix) return Refuse("Color Not Found", fmt::format("{} is not found in this database.", source), "Color_Name");
+  const auto target = ReadTarget(session, typed, targetDatabase, setName);
+  if (!target) return std::unexpected(target.error());
+  if (target->existing &&
+      !session.prompt.Ask("Overwite Exisiting Master Formula?",
+                          fmt::format("This Master Formula already exists in the {} database.\nWould you like to "
+                                      "overwrite this Master Formula's existing formula?",
+                                      target->database),
+                          Answer::No))
+    return Duplicated{};
+
+  Recipe list = WorkingList(session, *mix);
+  if (list.empty()) return Refuse(Padded(30, "Invalid Formula"), "Can't save a formula with no ingredients.", "BC0");
+  const bool withSet = target->set && SetFits(list, *target->set);
+  if (target->set && !withSet)
+    session.prompt.Tell("Maxium Formula Ingredients Exceeded",
+                        "The Duplicated Formula cannot be saved with the selected Additive Set information.\nThe total "
+                        "number of ingredients exceeds 15.\n\nIt will be duplicated without the Additive Set "
+                        "information.");
+
+  Transaction transaction(session.File());
+  AddMissingIngredients(session, target->database, list);
+  const Recipe recipe = withSet ? NormaliseWithSet(list, target->set->rows) : Normalise(list);
+  Store(session, *target, recipe, withSet ? target->set->SetName : std::string());
+  transaction.Note({Change::Kind::Mix, target->database, target->name,
+                    target->existing ? Change::What::Updated : Change::What::Added, ""});
+  transaction.Commit();
+  TellDone(session, *target, mix->Color_Name);
+  return Duplicated{true, target->existing.has_value(), withSet, target->name};
+}
+
+}  // namespace vellumark

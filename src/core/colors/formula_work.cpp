@@ -1,0 +1,474 @@
+#include "core/colors/formula_work.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <cmath>
+
+#include "core/base/number.h"
+#include "core/base/text.h"
+#include "core/colors/amounts.h"
+#include "core/colors/names.h"
+#include "core/datafile/references.h"
+
+namespace vellumark {
+namespace {
+
+constexpr double kSmallestAmount = 0.001;
+constexpr double kLargestPart = 999;
+
+bool IsFilled(const FormulaWork::Row& row) {
+  return !TrimView(row.BC).empty();
+}
+
+std::string FieldOf(std::string_view word, std::size_t row) {
+  return schema::Numbered(word, static_cast<int>(row));
+}
+
+std::unexpected<Refusal> InvalidFormula(std::string text, std::string field) {
+  return Refuse(Padded(30, "Invalid Formula"), std::move(text), std::move(field));
+}
+
+std::optional<double> AmountOf(std::string_view typed) {
+  const auto number = ParseNumber(typed);
+  if (!number || std::fabs(*number) > 1e9) return std::nullopt;
+  return number;
+}
+
+// The filled rows of the grid, in order; a row without a number counts as nothing.
+Recipe GridRecipe(const FormulaWork& work) {
+  Recipe recipe;
+  for (const FormulaWork::Row& row : work.grid)
+    if (IsFilled(row)) recipe.push_back({Trim(row.BC), RoundTo(AmountOf(row.BQ).value_or(0), 3)});
+  return recipe;
+}
+
+void ShowGrid(FormulaWork& work, const Recipe& recipe) {
+  for (std::size_t n = 0; n < work.grid.size(); ++n)
+    work.grid[n] =
+        n < recipe.size() ? FormulaWork::Row{recipe[n].name, Fixed(recipe[n].amount, 3)} : FormulaWork::Row{};
+}
+
+bool IsKnown(const Session& session, const FormulaWork& work, std::string_view name) {
+  return BasicColorExists(session, name) ||
+         std::ranges::any_of(work.newIngredients, [&](const NewIngredient& i) { return EqualNoCase(i.name, name); });
+}
+
+Recipe SetRows(const Session& session, std::string_view setName) {
+  const auto set = ReadAdditiveSet(session, setName);
+  return set ? set->rows : Recipe{};
+}
+
+// Each check runs over all rows before the next begins.
+using RowCheck = Result<void> (*)(const Session&, const FormulaWork&, std::size_t);
+
+Result<void> CheckKnown(const Session& session, const FormulaWork& work, std::size_t row) {
+  if (!IsFilled(work.grid[row]) || IsKnown(session, work, TrimView(work.grid[row].BC))) return {};
+  return InvalidFormula(
+      "Unrecognized Basic / Additive in the formula.\n\nMake sure item is properly added to the database.",
+      FieldOf("BC", row));
+}
+
+Result<void> CheckAmountRange(const Session&, const FormulaWork& work, std::size_t row) {
+  // A row without any amount has a message of its own, which comes after this check.
+  if (TrimView(work.grid[row].BQ).empty()) return {};
+  if (const auto amount = EnterAmount(work.grid[row].BQ, FieldOf("BQ", row)); !amount)
+    return std::unexpected(amount.error());
+  return {};
+}
+
+Result<void> CheckHasAmount(const Session&, const FormulaWork& work, std::size_t row) {
+  if (!IsFilled(work.grid[row]) || AmountOf(work.grid[row].BQ)) return {};
+  return InvalidFormula("No quantity for this ingredient.", FieldOf("BQ", row));
+}
+
+Result<void> CheckHasIngredient(const Session&, const FormulaWork& work, std::size_t row) {
+  if (IsFilled(work.grid[row]) || !AmountOf(work.grid[row].BQ)) return {};
+  return InvalidFormula("No ingredient for this quantity.", FieldOf("BC", row));
+}
+
+Result<void> CheckSingleUse(const Session&, const FormulaWork& work, std::size_t row) {
+  if (!IsFilled(work.grid[row])) return {};
+  for (std::size_t earlier = 0; earlier < row; ++earlier)
+    if (EqualNoCase(TrimView(work.grid[earlier].BC), TrimView(work.grid[row].BC)))
+      return InvalidFormula("Duplicate use of an ingredient in the formula.", FieldOf("BC", row));
+  return {};
+}
+
+// A set needs lines beside it, and its own lines need room among the fifteen.
+Result<void> CheckSet(const Session& session, const FormulaWork& work) {
+  const Recipe set = SetRows(session, work.AddSetName);
+  if (set.empty()) return {};
+  const Recipe rest = WithoutSet(GridRecipe(work), set);
+  if (rest.empty()) return InvalidFormula("Can't save a formula with just an Additive Set.", "BC0");
+  if (rest.size() + set.size() > static_cast<std::size_t>(schema::kIngredientSlots))
+    return Refuse("Exceeded Formula Maxium Ingredients",
+                  "The selected Additive Set cannot be entered into the formula.\n\nThe current ingredients and the "
+                  "choosen Additive Set exceed 15 items.",
+                  "AddSetName");
+  return {};
+}
+
+struct Figures {
+  float reorder = 0;
+  float purchaseCost = 0;
+  float voc = 0;
+  float hap = 0;
+};
+
+// Reads the figures of the record; a changed one needs its right.
+Result<Figures> ReadFigures(const Session& session, const FormulaWork& work) {
+  Figures figures;
+  struct Number {
+    AmountKey key;
+    const std::string& text;
+    const std::string* loaded;
+    std::string_view field;
+    float& target;
+  };
+  const std::array<Number, 4> numbers{
+      {{AmountKey::Reorder, work.Reorder, nullptr, "Reorder", figures.reorder},
+       {AmountKey::Currency, work.PurchaseCost, &work.loadedPurchaseCost, "PurchaseCost", figures.purchaseCost},
+       {AmountKey::VOC, work.VOC, &work.loadedVOC, "VOC", figures.voc},
+       {AmountKey::HAP, work.HAP, &work.loadedHAP, "HAP", figures.hap}}};
+  for (const Number& number : numbers) {
+    const auto value = ReadAmount(session, number.key, number.text, number.field);
+    if (!value) return std::unexpected(value.error());
+    number.target = *value;
+  }
+  for (const Number& number : numbers)
+    if (number.loaded != nullptr && AmountText(session, number.key, number.target) != *number.loaded)
+      if (auto right = RequireRight(session, number.key, number.field); !right) return std::unexpected(right.error());
+  return figures;
+}
+
+// The stored recipe: the grid and the set's lines, in parts of 100.
+Recipe StoredRecipe(const Session& session, const FormulaWork& work) {
+  const Recipe set = SetRows(session, work.AddSetName);
+  return set.empty() ? Normalise(GridRecipe(work)) : NormaliseWithSet(GridRecipe(work), set);
+}
+
+void AddIngredients(Session& session, const FormulaWork& work) {
+  for (const NewIngredient& ingredient : work.newIngredients)
+    if (!BasicColorExists(session, ingredient.name)) AddZeroBasic(session, ingredient.name, ingredient.additive);
+}
+
+// Writes the recipe and what it gives; `more` and `values` go into the same row. The row written.
+std::int64_t WriteRecipe(Session& session, const FormulaWork& work, const Recipe& recipe,
+                         const std::vector<Cell>& more) {
+  const RolledUp figures = RollUpRecipe(session, recipe);
+  std::vector<std::string> fields{"BasicCost", "BasicVOC", "BasicHAP"};
+  for (const Cell& cell : more) fields.push_back(cell.first);
+  RecipeWriter writer(session, {}, fields);
+  writer.Set(recipe, work.AddSetName);
+  writer.SetMore(0, figures.BasicCost).SetMore(1, figures.BasicVOC).SetMore(2, figures.BasicHAP);
+  for (std::size_t i = 0; i < more.size(); ++i) writer.SetMore(3 + i, more[i].second);
+  if (work.rowId == 0) return writer.Insert();
+  return writer.Update(work.rowId) ? work.rowId : 0;
+}
+
+std::unexpected<Refusal> Gone(const FormulaWork& work) {
+  return Refuse("Color Not Found", work.Color_Name + " is not found in this database.", "Color_Name");
+}
+
+std::vector<Cell> RecordCells(const Session& session, const FormulaWork& work, const Figures& figures) {
+  std::vector<Cell> cells{{"Color_Name", work.Color_Name},
+                          {"Color_Code", Left(work.Color_Code, static_cast<std::size_t>(session.NameLength))},
+                          {"Reorder", figures.reorder},
+                          {"Inv_Note", work.Inv_Note},
+                          {"PurchaseCost", figures.purchaseCost},
+                          {"Recycle", work.Recycle},
+                          {"Notes", TrimmedNotes(work.Notes)},
+                          {"VOC", figures.voc},
+                          {"HAP", figures.hap}};
+  if (work.Inventory) cells.emplace_back("Inventory", RoundSingle(*work.Inventory, 3));
+  return cells;
+}
+
+void AddNewRecordCells(const Session& session, const FormulaWork& work, std::vector<Cell>& cells) {
+  const BookData book = BookDataOfMix(session, work.Color_Name);
+  if (!work.Inventory) cells.emplace_back("Inventory", 0.0F);
+  cells.insert(cells.end(), {{"LotRefID", 0},
+                             {"Date_Entered", session.clock.Today()},
+                             {"LastModified", session.clock.Today()},
+                             {"Color_Guide", book.Color_Guide},
+                             {"Page", book.Page},
+                             {"Row", book.Row},
+                             {"Red", book.Red},
+                             {"Green", book.Green},
+                             {"Blue", book.Blue}});
+}
+
+// After a save the fields show what was stored.
+void Reload(const Session& session, FormulaWork& work) {
+  const auto mix = ReadMix(session, work.Color_Name);
+  if (!mix) return;
+  const bool editing = work.AllowEditing;
+  work = LoadFormulaWork(session, *mix);
+  work.AllowEditing = editing;
+}
+
+}  // namespace
+
+Result<void> CheckNewMixName(const Session& session, const std::string& name) {
+  if (session.Perm_MasterFormula != 1)
+    return Refuse(Padded(30, "Color Not Found"),
+                  name +
+                      " is not found in this database, and you do not\nhave permission to add a new Master Formula "
+                      "to the database.",
+                  "Color_Name");
+  if (HasPantonePrefix(name) && !IsPantoneBookMix(session, name))
+    return Refuse(Padded(30, "Master Formula - Invalid Color Name"),
+                  "You cannot add a new color to the database that begins with the word PANTONE. Please choose another "
+                  "name.",
+                  "Color_Name");
+  return {};
+}
+
+bool AskNewMix(Session& session, const std::string& name) {
+  const std::string text =
+      BasicColorExists(session, name)
+          ? fmt::format(
+                "A Basic Color {0} already exists in the {1} database.\n\nWould you like to also add a Master "
+                "Formula {0} to the database?",
+                name, session.CurrentDatabase)
+          : fmt::format(
+                "This Master Formula is not found in the {} database\n\nWould you like to create a new Master "
+                "Formula?",
+                session.CurrentDatabase);
+  return session.prompt.Ask(Padded(30, "Master Formula - New Master Formula"), text);
+}
+
+Result<NameEntry> EnterMixName(Session& session, std::string_view typed) {
+  std::string name = ReadName(session, typed);
+  if (name.empty()) return NameEntry{};
+  if (const auto mix = FindMix(session, name)) return NameEntry{NameEntry::Kind::Found, mix->Color_Name};
+  if (auto allowed = CheckNewMixName(session, name); !allowed) return std::unexpected(allowed.error());
+  if (IsPantoneBookMix(session, name)) name = GetTemplateMixName(session, name);
+  if (!AskNewMix(session, name)) return NameEntry{NameEntry::Kind::Abandoned, name};
+  if (auto writable = RequireWritable(session); !writable) return std::unexpected(writable.error());
+  return NameEntry{NameEntry::Kind::New, name};
+}
+
+FormulaWork NewFormulaWork(const Session& session, std::string name) {
+  MixColor mix;
+  mix.Color_Name = std::move(name);
+  FormulaWork work = LoadFormulaWork(session, mix);
+  work.AllowEditing = true;
+  return work;
+}
+
+FormulaWork LoadFormulaWork(const Session& session, const MixColor& mix) {
+  FormulaWork work;
+  work.rowId = mix.rowId;
+  work.Color_Name = mix.Color_Name;
+  work.Color_Code = mix.Color_Code;
+  const auto set = ReadAdditiveSet(session, mix.AddSetName);
+  if (set) work.AddSetName = set->SetName;
+  ShowGrid(work, set ? WithoutSet(mix.Ingredients(), set->rows) : mix.Ingredients());
+  work.Reorder = AmountText(session, AmountKey::Reorder, mix.Reorder);
+  work.PurchaseCost = AmountText(session, AmountKey::Currency, mix.PurchaseCost);
+  work.VOC = AmountText(session, AmountKey::VOC, mix.VOC);
+  work.HAP = AmountText(session, AmountKey::HAP, mix.HAP);
+  work.Inv_Note = mix.Inv_Note;
+  work.Notes = mix.Notes;
+  work.Recycle = mix.Recycle;
+  work.loadedPurchaseCost = work.PurchaseCost;
+  work.loadedVOC = work.VOC;
+  work.loadedHAP = work.HAP;
+  return work;
+}
+
+Result<IngredientEntry> EnterIngredient(Session& session, const FormulaWork& work, std::size_t row,
+                                        std::string_view typed) {
+  IngredientEntry entry;
+  entry.name = ReadName(session, typed);
+  if (entry.name.empty()) return entry;
+  const bool known = IsKnown(session, work, entry.name);
+  if (!known && IsPantoneBookBasic(session, entry.name)) entry.name = GetTemplateBasicName(session, entry.name);
+  for (std::size_t other = 0; other < work.grid.size(); ++other)
+    if (other != row && EqualNoCase(TrimView(work.grid[other].BC), entry.name))
+      return InvalidFormula("Duplicate use of an ingredient in the formula.", FieldOf("BC", row));
+  if (known || IsKnown(session, work, entry.name)) return entry;
+
+  if (auto writable = RequireWritable(session); !writable) return std::unexpected(writable.error());
+  const bool add = session.prompt.Ask(
+      "Add Basic Color To Database?",
+      fmt::format("The Basic Color {0} is not found in this database.\n\nHint: Check your list of Basic Colors for "
+                  "spelling variations\nbefore adding a new Basic Color to this database.\n\nWould you like to add the "
+                  "Basic Color {0} to this database?",
+                  entry.name));
+  if (!add) return IngredientEntry{};
+  const bool isColor = session.prompt.Ask(
+      "Confirm Basic Color description",
+      fmt::format("Is {} a Color or an Additive?\n\nYes - It is a Color, No - It is an Additive", entry.name));
+  entry.toAdd = NewIngredient{entry.name, !isColor};
+  return entry;
+}
+
+Result<std::string> EnterAmount(std::string_view typed, std::string_view field) {
+  if (const auto amount = AmountOf(typed)) {
+    const double rounded = RoundTo(*amount, 3);
+    if (rounded >= kSmallestAmount && rounded <= kLargestPart) return Fixed(rounded, 3);
+  }
+  return Refuse("Invalid Formula Amount",
+                fmt::format("You must enter an amount between\n\n0.001 and {}", Fixed(kLargestPart, 3)),
+                std::string(field));
+}
+
+std::string UpdateBQTotal(const FormulaWork& work) {
+  Currency total;
+  for (const FormulaWork::Row& row : work.grid) total += Currency::From(AmountOf(row.BQ).value_or(0));
+  return total.Fixed(3);
+}
+
+LiveTotals ComputeLiveTotals(const Session& session, const FormulaWork& work) {
+  const double parts = ParseNumber(UpdateBQTotal(work)).value_or(0);
+  float cost = 0;
+  float voc = 0;
+  float hap = 0;
+  if (parts > 0) {
+    for (const Ingredient& line : GridRecipe(work)) {
+      const auto basic = ReadBasic(session, line.name);
+      if (!basic) continue;
+      cost = static_cast<float>(cost + line.amount * basic->PurchaseCost / parts);
+      voc = static_cast<float>(voc + line.amount * basic->VOC / parts);
+      hap = static_cast<float>(hap + line.amount * basic->HAP / parts);
+    }
+  }
+  return {Fixed(cost, session.DecimalPlaces), Fixed(voc, 3), Fixed(hap, 3)};
+}
+
+Result<void> ChooseAdditiveSet(const Session& session, FormulaWork& work, std::string_view setName) {
+  if (TrimView(setName).empty()) {
+    work.AddSetName.clear();
+    return {};
+  }
+  const auto set = ReadAdditiveSet(session, ReadSetName(setName));
+  if (!set) return Refuse("Additive Set Name", fmt::format("Additive Set: {} is not on file.", setName), "AddSetName");
+  if (auto fits = CheckSetFitsFormula(GridRecipe(work), *set); !fits) return fits;
+  work.AddSetName = set->SetName;
+  return {};
+}
+
+Result<void> ValidateFormula(const Session& session, const FormulaWork& work) {
+  if (std::ranges::none_of(work.grid, IsFilled))
+    return InvalidFormula("Can't save a formula with no ingredients.", "BC0");
+  for (const RowCheck check : {CheckKnown, CheckAmountRange, CheckHasAmount, CheckHasIngredient, CheckSingleUse})
+    for (std::size_t row = 0; row < work.grid.size(); ++row)
+      if (auto passed = check(session, work, row); !passed) return passed;
+  return CheckSet(session, work);
+}
+
+Result<void> SaveMix(Session& session, FormulaWork& work) {
+  if (auto writable = RequireWritable(session); !writable) return writable;
+  const bool isNew = work.rowId == 0;
+  const bool withRecipe = isNew || work.AllowEditing;
+  if (withRecipe) {
+    if (auto right = RequireFormulaRight(session); !right) return right;
+    if (auto valid = ValidateFormula(session, work); !valid) return valid;
+  }
+  const auto figures = ReadFigures(session, work);
+  if (!figures) return std::unexpected(figures.error());
+  if (isNew && MixColorExists(session, work.Color_Name))
+    return Refuse("Master Formula Exists",
+                  "This Master Formula already exists in the database.\n\nPlease select different name.", "Color_Name");
+
+  std::vector<Cell> cells = RecordCells(session, work, *figures);
+  if (isNew) AddNewRecordCells(session, work, cells);
+  if (!isNew && withRecipe) cells.emplace_back("LastModified", session.clock.Today());
+  Transaction transaction(session.File());
+  if (withRecipe) {
+    AddIngredients(session, work);
+    if (WriteRecipe(session, work, StoredRecipe(session, work), cells) == 0) return Gone(work);
+  } else if (!UpdateRow(session.File(), schema::Mix, session.Table(schema::Mix), work.rowId, cells)) {
+    return Gone(work);
+  }
+  transaction.Note({Change::Kind::Mix, session.CurrentDatabase, work.Color_Name,
+                    isNew ? Change::What::Added : Change::What::Updated, ""});
+  transaction.Commit();
+  Reload(session, work);
+  return {};
+}
+
+Result<void> SaveFormula(Session& session, FormulaWork& work) {
+  if (auto writable = RequireWritable(session); !writable) return writable;
+  if (auto right = RequireFormulaRight(session); !right) return right;
+  if (auto valid = ValidateFormula(session, work); !valid) return valid;
+  Transaction transaction(session.File());
+  AddIngredients(session, work);
+  const Cell modified{"LastModified", session.clock.Today()};
+  if (work.rowId == 0 || WriteRecipe(session, work, StoredRecipe(session, work), {modified}) == 0) return Gone(work);
+  transaction.Note({Change::Kind::Mix, session.CurrentDatabase, work.Color_Name, Change::What::Updated, ""});
+  transaction.Commit();
+  Reload(session, work);
+  return {};
+}
+
+Result<bool> DeleteMix(Session& session, const std::string& name) {
+  if (auto writable = RequireWritable(session); !writable) return std::unexpected(writable.error());
+  const auto mix = ReadMix(session, name);
+  if (!mix) return Refuse("Color Not Found", name + " is not found in this database.", "Color_Name");
+  if (auto right = RequireFormulaRight(session); !right) return std::unexpected(right.error());
+  if (UsedByDesign(session.File(), session.CurrentDatabase, ColorKind::Mix, mix->Color_Name))
+    return Refuse("Additive Set Color",
+                  "Color is used in a Job Design.\n\nRename color or modify Job Design before deleting.");
+  if (!session.prompt.Ask("Master Formula - Delete Master Formula?",
+                          fmt::format("Deleting this Master Formula will permanently remove it from the {} "
+                                      "database.\n\nDo you want to delete this Master Formula?",
+                                      session.CurrentDatabase),
+                          Answer::No))
+    return false;
+  Transaction transaction(session.File());
+  DeleteLotsAndMeasurements(session.File(), session.CurrentDatabase, ColorKind::Mix, mix->Color_Name);
+  session.File()
+      .Prepare("DELETE FROM " + Quoted(session.Table(schema::Mix)) + " WHERE rowid = ?")
+      .Bind(1, mix->rowId)
+      .Run();
+  transaction.Note({Change::Kind::Mix, session.CurrentDatabase, mix->Color_Name, Change::What::Deleted, ""});
+  transaction.Commit();
+  return true;
+}
+
+std::vector<std::string> AdjustChoices(const Session& session, const FormulaWork& work, FormulaAdjustment adjustment) {
+  const Recipe set = SetRows(session, work.AddSetName);
+  const Recipe grid = WithoutSet(GridRecipe(work), set);
+  if (adjustment != FormulaAdjustment::Add) return NamesOf(grid);
+  std::vector<std::string> names = BasicNames(session, BasicFilter::Colors);
+  std::erase_if(names,
+                [&](const std::string& name) { return HoldsIngredient(grid, name) || HoldsIngredient(set, name); });
+  return names;
+}
+
+Result<void> AdjustFormula(Session& session, FormulaWork& work, FormulaAdjustment adjustment,
+                           std::string_view ingredient, std::string_view percent) {
+  const auto typed = AmountOf(percent);
+  const double value = typed ? RoundTo(*typed, 2) : 0;
+  if (!(value > 0 && value < 100))
+    return Refuse("Invalid Percentage", "You must enter a valid percentage > 0 and < 100.", "txtPercent");
+  const std::vector<std::string> choices = AdjustChoices(session, work, adjustment);
+  const auto choice = std::ranges::find_if(choices, [&](const std::string& c) { return EqualNoCase(c, ingredient); });
+  if (choice == choices.end())
+    return Refuse("Color Not Found", fmt::format("{} cannot be chosen for this adjustment.", ingredient), "cmbBasics");
+
+  FormulaWork adjusted = work;
+  if (adjustment == FormulaAdjustment::Add) {
+    const auto empty = std::ranges::find_if_not(adjusted.grid, IsFilled);
+    if (empty == adjusted.grid.end())
+      return Refuse(
+          "Maximum Ingredients Exceeded",
+          fmt::format("This formula already contains the maximum number of ingredients, 15.\n\n{} could not be "
+                      "added to the formula.",
+                      *choice));
+    *empty = {*choice, Fixed(value, 3)};
+  } else {
+    const double factor = 1 + (adjustment == FormulaAdjustment::Increase ? value : -value) * 0.01;
+    for (FormulaWork::Row& row : adjusted.grid)
+      if (EqualNoCase(TrimView(row.BC), *choice)) row.BQ = Fixed(RoundTo(AmountOf(row.BQ).value_or(0), 3) * factor, 3);
+  }
+  if (auto saved = SaveFormula(session, adjusted); !saved) return saved;
+  work = std::move(adjusted);
+  return {};
+}
+
+}  // namespace vellumark

@@ -1,0 +1,207 @@
+#include "core/colors/formulas.h"
+
+#include <fmt/format.h>
+
+#include <stdexcept>
+
+#include "core/base/number.h"
+#include "core/base/text.h"
+#include "core/colors/basics.h"
+#include "core/colors/color_set.h"
+#include "core/colors/names.h"
+#include "core/datafile/references.h"
+
+namespace vellumark {
+namespace {
+
+constexpr int kSlots = schema::kIngredientSlots;
+
+const std::string& Columns() {
+  static const std::string columns = [] {
+    std::string text = "rowid, Color_Name";
+    for (int n = 0; n < kSlots; ++n) text += fmt::format(", BC{}", n);
+    for (int n = 0; n < kSlots; ++n) text += fmt::format(", BQ{}", n);
+    return text
+        .append(
+            ", Color_Code, Inventory, Reorder, PurchaseCost, BasicCost, Recycle, Date_Entered, LastModified, "
+            "LastProduced, Color_Set, Notes, Inv_Note, AddSetName, VOC, BasicVOC, HAP, BasicHAP, LotRefID, ")
+        .append(kBookFields);
+  }();
+  return columns;
+}
+
+std::string TableText(const Session& session, std::string_view database = {}) {
+  return Quoted(session.Table(schema::Mix, database));
+}
+
+MixColor ReadRow(const Statement& row) {
+  MixColor mix;
+  int column = 0;
+  mix.rowId = row.Whole(column++);
+  mix.Color_Name = row.Text(column++);
+  for (std::string& name : mix.BC) name = row.Text(column++);
+  for (float& amount : mix.BQ) amount = row.Single(column++);
+  mix.Color_Code = row.Text(column++);
+  mix.Inventory = row.Single(column++);
+  mix.Reorder = row.Single(column++);
+  mix.PurchaseCost = row.Single(column++);
+  mix.BasicCost = row.Single(column++);
+  mix.Recycle = row.Bool(column++);
+  mix.Date_Entered = row.Date(column++);
+  mix.LastModified = row.Date(column++);
+  mix.LastProduced = row.Date(column++);
+  mix.Color_Set = row.Text(column++);
+  mix.Notes = row.Text(column++);
+  mix.Inv_Note = row.Text(column++);
+  mix.AddSetName = row.Text(column++);
+  mix.VOC = row.Single(column++);
+  mix.BasicVOC = row.Single(column++);
+  mix.HAP = row.Single(column++);
+  mix.BasicHAP = row.Single(column++);
+  mix.LotRefID = static_cast<std::int32_t>(row.Whole(column++));
+  mix.book = ReadBookData(row, column);
+  return mix;
+}
+
+// The narrow index finds the rows; only they are then read.
+std::string UsingCondition(const std::string& table) {
+  return fmt::format("rowid IN (SELECT rowid FROM {} WHERE Color_Set LIKE ? ESCAPE '\\')", table);
+}
+
+std::vector<std::string> Names(Statement row) {
+  std::vector<std::string> names;
+  while (row.Step()) names.push_back(row.Text(0));
+  return names;
+}
+
+std::vector<std::string> WriterFields(const std::vector<std::string>& more) {
+  std::vector<std::string> fields;
+  for (int n = 0; n < kSlots; ++n) fields.push_back(schema::Numbered("BC", n));
+  for (int n = 0; n < kSlots; ++n) fields.push_back(schema::Numbered("BQ", n));
+  fields.emplace_back("Color_Set");
+  fields.emplace_back("AddSetName");
+  fields.insert(fields.end(), more.begin(), more.end());
+  return fields;
+}
+
+}  // namespace
+
+Recipe MixColor::Ingredients() const {
+  Recipe recipe;
+  for (std::size_t n = 0; n < BC.size() && !BC[n].empty(); ++n) recipe.push_back({BC[n], ShownAmount(BQ[n])});
+  return recipe;
+}
+
+bool MixColorExists(const Session& session, std::string_view name, std::string_view database) {
+  return !session.File()
+              .Scalar(fmt::format("SELECT 1 FROM {} WHERE Color_Name = ? LIMIT 1", TableText(session, database)),
+                      {name})
+              .IsNull();
+}
+
+float GetMixBasicCost(const Session& session, std::string_view name) {
+  return session.File()
+      .Scalar(fmt::format("SELECT BasicCost FROM {} WHERE Color_Name = ? ORDER BY rowid LIMIT 1", TableText(session)),
+              {name})
+      .Single();
+}
+
+std::optional<MixColor> ReadMix(const Session& session, std::string_view name, std::string_view database) {
+  Statement row = session.File().Prepare(fmt::format("SELECT {} FROM {} WHERE Color_Name = ? ORDER BY rowid LIMIT 1",
+                                                     Columns(), TableText(session, database)));
+  row.Bind(1, name);
+  if (!row.Step()) return std::nullopt;
+  return ReadRow(row);
+}
+
+std::optional<MixColor> FindMix(const Session& session, std::string_view typed) {
+  if (typed.empty()) return std::nullopt;
+  const std::string table = TableText(session);
+  Statement row = session.File().Prepare(
+      fmt::format("SELECT {0} FROM {1} WHERE rowid IN (SELECT rowid FROM {1} WHERE Color_Name IN (?1, ?2) UNION "
+                  "SELECT rowid FROM {1} WHERE Color_Code = ?1) ORDER BY Color_Name, rowid LIMIT 1",
+                  Columns(), table));
+  row.Bind(1, typed).Bind(2, std::string(kPantonePrefix).append(typed));
+  if (!row.Step()) return std::nullopt;
+  return ReadRow(row);
+}
+
+void ForEachMix(const Session& session, const std::function<void(const MixColor&)>& take) {
+  Statement row = session.File().Prepare(
+      fmt::format("SELECT {} FROM {} ORDER BY Color_Name, rowid", Columns(), TableText(session)));
+  while (row.Step()) take(ReadRow(row));
+}
+
+void ForEachMixUsing(const Session& session, std::string_view ingredient,
+                     const std::function<void(const MixColor&)>& take) {
+  const std::string table = TableText(session);
+  Statement row = session.File().Prepare(
+      fmt::format("SELECT {} FROM {} WHERE {} ORDER BY Color_Name, rowid", Columns(), table, UsingCondition(table)));
+  row.Bind(1, NameSetPattern(ingredient));
+  while (row.Step()) take(ReadRow(row));
+}
+
+std::vector<std::string> MixNames(const Session& session) {
+  return Names(
+      session.File().Prepare(fmt::format("SELECT Color_Name FROM {} ORDER BY Color_Name", TableText(session))));
+}
+
+std::vector<std::string> FormulasUsing(const Session& session, std::string_view ingredient) {
+  const std::string table = TableText(session);
+  Statement row = session.File().Prepare(
+      fmt::format("SELECT Color_Name FROM {} WHERE {} ORDER BY Color_Name", table, UsingCondition(table)));
+  row.Bind(1, NameSetPattern(ingredient));
+  return Names(std::move(row));
+}
+
+std::vector<std::string> FormulasWithSet(const Session& session, std::string_view setName) {
+  Statement row = session.File().Prepare(
+      fmt::format("SELECT Color_Name FROM {} WHERE AddSetName = ? ORDER BY Color_Name", TableText(session)));
+  row.Bind(1, setName);
+  return Names(std::move(row));
+}
+
+RolledUp RollUpRecipe(const Session& session, const Recipe& recipe, std::string_view database) {
+  float cost = 0;
+  float voc = 0;
+  float hap = 0;
+  const auto added = [](float sum, float figure, double amount) {
+    return static_cast<float>(sum + figure * static_cast<double>(static_cast<float>(amount)) / 100);
+  };
+  Statement row = session.File().Prepare(
+      fmt::format("SELECT PurchaseCost, VOC, HAP FROM {} WHERE Color_Name = ? ORDER BY rowid LIMIT 1",
+                  Quoted(session.Table(schema::Basic, database))));
+  for (const Ingredient& line : recipe) {
+    row.Bind(1, line.name);
+    if (row.Step()) {
+      cost = added(cost, row.Single(0), line.amount);
+      voc = added(voc, row.Single(1), line.amount);
+      hap = added(hap, row.Single(2), line.amount);
+    }
+    row.Reset();
+  }
+  return {RoundSingle(cost, session.DecimalPlaces), RoundSingle(voc, 3), RoundSingle(hap, 3)};
+}
+
+RecipeWriter::RecipeWriter(const Session& session, std::string_view database, const std::vector<std::string>& more)
+    : writer_(session.File(), schema::Mix, session.Table(schema::Mix, database), WriterFields(more)),
+      fixedFields_(WriterFields({}).size()) {}
+
+RecipeWriter& RecipeWriter::Set(const Recipe& recipe, std::string_view setName) {
+  if (recipe.size() > static_cast<std::size_t>(kSlots)) throw std::logic_error("a recipe of more than fifteen lines");
+  for (std::size_t n = 0; n < static_cast<std::size_t>(kSlots); ++n) {
+    const bool filled = n < recipe.size();
+    writer_.Set(n, filled ? recipe[n].name : std::string());
+    writer_.Set(n + kSlots, filled ? static_cast<float>(recipe[n].amount) : 0.0F);
+  }
+  writer_.Set(2 * kSlots, BuildColorSet(NamesOf(recipe)));
+  writer_.Set(2 * kSlots + 1, setName);
+  return *this;
+}
+
+RecipeWriter& RecipeWriter::SetMore(std::size_t place, const Value& value) {
+  writer_.Set(fixedFields_ + place, value);
+  return *this;
+}
+
+}  // namespace vellumark

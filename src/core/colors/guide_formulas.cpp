@@ -1,0 +1,94 @@
+#include "core/colors/guide_formulas.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+
+#include "core/base/number.h"
+#include "core/colors/color_set.h"
+#include "core/colors/names.h"
+
+namespace vellumark {
+namespace {
+
+Recipe ReadSlots(const Statement& row) {
+  Recipe recipe;
+  for (int n = 0; n < schema::kIngredientSlots; ++n) {
+    std::string name = row.Text(n);
+    if (name.empty()) break;
+    recipe.push_back({std::move(name), ShownAmount(row.Single(n + schema::kIngredientSlots))});
+  }
+  return recipe;
+}
+
+std::string SlotColumns() {
+  std::string columns;
+  for (const std::string_view word : {"BC", "BQ"})
+    for (int n = 0; n < schema::kIngredientSlots; ++n)
+      columns += fmt::format("{}{}{}", columns.empty() ? "" : ", ", word, n);
+  return columns;
+}
+
+}  // namespace
+
+std::optional<Recipe> ReadTemplateRecipe(const Session& session, std::string_view name) {
+  if (session.TemplateFile.empty() || !session.templateDB || name.empty()) return std::nullopt;
+  for (const std::string_view guide : kGuideMixTables) {
+    if (!session.templateDB->TableExists(guide)) continue;
+    Statement row = session.templateDB->Prepare(fmt::format(
+        "SELECT {} FROM {} WHERE Color_Name = ?1 OR Color_Name = ?2 LIMIT 1", SlotColumns(), Quoted(guide)));
+    row.Bind(1, name).Bind(2, std::string(kPantonePrefix).append(name));
+    if (row.Step()) return ReadSlots(row);
+  }
+  return std::nullopt;
+}
+
+bool IsFormulaModified(const Session& session, std::string_view name) {
+  const auto published = ReadTemplateRecipe(session, name);
+  const auto mix = published ? ReadMix(session, name) : std::nullopt;
+  if (!mix) return false;
+  // The slots are the authority, the sets only their search form.
+  const Recipe present = mix->Ingredients();
+  const std::string presentSet = BuildColorSet(NamesOf(present));
+  const std::string publishedSet = BuildColorSet(NamesOf(*published));
+  if (!ColorSetContains(presentSet, publishedSet) || !ColorSetContains(publishedSet, presentSet)) return true;
+  return std::ranges::any_of(*published, [&](const Ingredient& line) {
+    const auto held =
+        std::ranges::find_if(present, [&](const Ingredient& other) { return SameColorName(other.name, line.name); });
+    return held == present.end() || held->amount != line.amount;
+  });
+}
+
+bool CanRevertToGuide(const Session& session, std::string_view name) {
+  const auto published = ReadTemplateRecipe(session, name);
+  return published && !published->empty() &&
+         std::ranges::all_of(*published, [&](const Ingredient& line) { return BasicColorExists(session, line.name); });
+}
+
+Result<bool> RevertToGuide(Session& session, FormulaWork& work) {
+  if (auto writable = RequireWritable(session); !writable) return std::unexpected(writable.error());
+  const auto published = ReadTemplateRecipe(session, work.Color_Name);
+  if (!published || !CanRevertToGuide(session, work.Color_Name))
+    return Refuse("Revert Back To Original Formula?",
+                  fmt::format("The published formula of {} is not there, or one of its ingredients is not in this "
+                              "database.",
+                              work.Color_Name),
+                  "cmdRevert");
+  if (!session.prompt.Ask("Revert Back To Original Formula?",
+                          "This formula will be changed back to published Pantone specifi"
+                          "cations.\n\nAre you sure you "
+                          "want to revert back to the original Pantone formula?",
+                          Answer::No))
+    return false;
+  FormulaWork reverted = work;
+  reverted.AddSetName.clear();
+  reverted.AllowEditing = false;
+  for (std::size_t n = 0; n < reverted.grid.size(); ++n)
+    reverted.grid[n] = n < published->size() ? FormulaWork::Row{(*published)[n].name, Fixed((*published)[n].amount, 3)}
+                                             : FormulaWork::Row{};
+  if (auto saved = SaveFormula(session, reverted); !saved) return std::unexpected(saved.error());
+  work = std::move(reverted);
+  return true;
+}
+
+}  // namespace vellumark

@@ -1,0 +1,23 @@
+#pragma once
+
+#include <optional>
+#include <string_view>
+
+#include "core/colors/formula_work.h"
+
+namespace vellumark {
+
+/// The published recipe of a formula of the current Database; nothing when the guides have none.
+std::optional<Recipe> ReadTemplateRecipe(const Session& session, std::string_view name);
+
+/// True when a formula of a guide differs from what was published: another ingredient, or another amount.
+bool IsFormulaModified(const Session& session, std::string_view name);
+
+/// True when every published ingredient of the formula is still in the Database.
+bool CanRevertToGuide(const Session& session, std::string_view name);
+
+/// Puts a formula back to the published recipe after asking: no Additive Set, saved and rolled up. False when the
+/// operator declined.
+Result<bool> RevertToGuide(Session& session, FormulaWork& work);
+
+}  // namespace vellumark

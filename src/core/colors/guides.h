@@ -1,0 +1,51 @@
+#pragma once
+
+#include <array>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "core/datafile/recordset.h"
+#include "core/session/session.h"
+
+namespace vellumark {
+
+/// Where a colour stands in a published guide, and its swatch. A colour of no guide holds these defaults.
+struct BookData {
+  std::string Color_Guide;
+  std::string Page = "0";
+  int Row = 0;
+  int Red = 0;
+  int Green = 0;
+  int Blue = 0;
+  bool operator==(const BookData&) const = default;
+};
+
+/// The pieces of the template in the order in which they are searched. A site may hold only some of them.
+inline constexpr std::array<std::string_view, 5> kGuideBasicTables{
+    "FGuide_BColors_GP1601A", "FGuide_BColors_GP1601B", "Metallics_BColors", "PastelNeons_BColors", "Goe_BColors"};
+inline constexpr std::array<std::string_view, 5> kGuideMixTables{
+    "FGuide_MColors_GP1601A", "FGuide_MColors_GP1601B", "Metallics_MColors", "PastelNeons_MColors", "Goe_MColors"};
+
+/// The spelling under which the guides hold the ingredient or formula, tried as it stands and behind "PANTONE "; empty
+/// when there is no template or no such name.
+std::string GetTemplateBasicName(const Session& session, std::string_view name);
+std::string GetTemplateMixName(const Session& session, std::string_view name);
+
+/// False for a Database that is not made from guides. `database` empty means the current one.
+bool IsPantoneBookBasic(const Session& session, std::string_view name, std::string_view database = {});
+bool IsPantoneBookMix(const Session& session, std::string_view name, std::string_view database = {});
+
+/// The guide's data for a name; the defaults when the Database or the name is not of a guide.
+BookData BookDataOfBasic(const Session& session, std::string_view name, std::string_view database = {});
+BookData BookDataOfMix(const Session& session, std::string_view name, std::string_view database = {});
+
+/// The guide fields of a row, in the order of the schema, and from a statement whose columns start at `column`.
+inline constexpr std::string_view kBookFields = "Color_Guide, Page, Row, Red, Green, Blue";
+BookData ReadBookData(const Statement& row, int column);
+
+/// How a row's guide is shown: "GoeGuide" gets its mark, the two halves of a pastels and neons guide are joined.
+/// Empty when the colour stands in no guide.
+std::string GuideCaption(std::string_view colorName, const BookData& book);
+
+}  // namespace vellumark

@@ -1,0 +1,106 @@
+#include "core/colors/names.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <array>
+
+#include "core/base/text.h"
+
+namespace vellumark {
+namespace {
+
+constexpr std::size_t kTagLength = 4;
+constexpr std::array<std::string_view, 15> kScanTags{"<CC>", "<CN>", "<DB>", "<DT>", "<JN>", "<LN>", "<LL>", "<LC>",
+                                                     "<U1>", "<U2>", "<M1>", "<M2>", "<M3>", "<M4>", "<UN>"};
+
+bool IsPlainNameCharacter(char c) {
+  return (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == ' ' || c == '.' || c == '/' || c == '-';
+}
+
+// What a refusal shows of a character that may not even be printable.
+std::string Shown(unsigned char c) {
+  if (c < 0x20 || c == 0x7F) return fmt::format("the control character {}", c);
+  return fmt::format("the character {}", static_cast<char>(c));
+}
+
+}  // namespace
+
+std::optional<char> NameKey(char32_t typed, NameKeys keys) {
+  if (typed >= U'a' && typed <= U'z') return static_cast<char>(typed - U'a' + U'A');
+  if (typed > 0x7E) return std::nullopt;
+  const char c = static_cast<char>(typed);
+  if (IsPlainNameCharacter(c)) return c;
+  if (keys == NameKeys::Scanned && (c == '<' || c == '>' || c == '!')) return c;
+  return std::nullopt;
+}
+
+bool HasScanTag(std::string_view text) {
+  const std::string_view front = text.substr(0, kTagLength);
+  return std::ranges::any_of(kScanTags, [&](std::string_view tag) { return EqualNoCase(tag, front); });
+}
+
+std::string StripScanTag(std::string_view text) {
+  if (HasScanTag(text)) text.remove_prefix(kTagLength);
+  std::string stripped(text);
+  std::erase_if(stripped, [](char c) { return c == '<' || c == '>'; });
+  return stripped;
+}
+
+std::string ReadNewName(const Session& session, std::string_view typed) {
+  return Upper(Left(TrimView(typed), static_cast<std::size_t>(session.NameLength)));
+}
+
+std::string ReadName(const Session& session, std::string_view typed) {
+  return Trim(StripScanTag(ReadNewName(session, typed)));
+}
+
+bool HasPantonePrefix(std::string_view name) {
+  return StartsWithNoCase(name, kPantonePrefix);
+}
+
+std::string StripPantonePrefix(std::string_view name) {
+  if (HasPantonePrefix(name)) name.remove_prefix(kPantonePrefix.size());
+  return std::string(name);
+}
+
+bool SameColorName(std::string_view a, std::string_view b) {
+  if (HasPantonePrefix(a)) a.remove_prefix(kPantonePrefix.size());
+  if (HasPantonePrefix(b)) b.remove_prefix(kPantonePrefix.size());
+  return EqualNoCase(a, b);
+}
+
+Result<void> CheckTypedName(std::string_view name, std::string_view field) {
+  if (!IsUtf8(name)) return Refuse("Invalid Name", "The name is not a text.", std::string(field));
+  const std::string upper = Upper(name);
+  for (const char c : upper) {
+    if (IsPlainNameCharacter(c)) continue;
+    const std::string what =
+        static_cast<unsigned char>(c) < 0x80 ? Shown(static_cast<unsigned char>(c)) : "a letter outside A to Z";
+    return Refuse(
+        "Invalid Name",
+        fmt::format("The name {} holds {}.\nA name may hold letters from A to Z, digits, blanks and . / -", name, what),
+        std::string(field));
+  }
+  return {};
+}
+
+Result<void> CheckImportedName(std::string_view name, std::string_view field) {
+  constexpr std::string_view kMarks = "<>\"'[]|*";
+  if (!IsUtf8(name)) return Refuse("Invalid Name", "The name is not a text.", std::string(field));
+  for (const char c : name) {
+    const auto byte = static_cast<unsigned char>(c);
+    if (byte >= 0x20 && byte != 0x7F && kMarks.find(c) == std::string_view::npos) continue;
+    return Refuse(
+        "Invalid Name",
+        fmt::format("The name {} holds {}, which has a meaning of its own in lists of names.", name, Shown(byte)),
+        std::string(field));
+  }
+  return {};
+}
+
+std::string Padded(int blanks, std::string_view title) {
+  return std::string(static_cast<std::size_t>(blanks), ' ').append(title);
+}
+
+}  // namespace vellumark

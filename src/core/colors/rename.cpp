@@ -1,0 +1,197 @@
+#include "core/colors/rename.h"
+
+#include <fmt/format.h>
+
+#include "core/base/number.h"
+#include "core/base/progress_run.h"
+#include "core/base/text.h"
+#include "core/colors/additive_sets.h"
+#include "core/colors/amounts.h"
+#include "core/colors/basics.h"
+#include "core/colors/formulas.h"
+#include "core/colors/names.h"
+#include "core/datafile/references.h"
+#include "core/datafile/writer.h"
+
+namespace vellumark {
+namespace {
+
+constexpr int kTitleBlanks = 20;
+constexpr std::string_view kField = "txtNewName";
+
+std::unexpected<Refusal> NotFound(std::string_view name) {
+  return Refuse("Color Not Found", fmt::format("{} is not found in this database.", name), "Color_Name");
+}
+
+std::unexpected<Refusal> RefuseBasicName(std::string_view title, std::string text) {
+  return Refuse(Padded(kTitleBlanks, title), std::move(text), std::string(kField));
+}
+
+std::vector<Cell> NameCells(const std::string& name, const BookData& book) {
+  return {{"Color_Name", name}, {"Color_Guide", book.Color_Guide},
+          {"Page", book.Page},  {"Row", book.Row},
+          {"Red", book.Red},    {"Green", book.Green},
+          {"Blue", book.Blue}};
+}
+
+// A set's lines after the rename. A set that held both names holds the surviving one once, with both percentages.
+Recipe RenamedRows(const Recipe& rows, std::string_view oldName, std::string_view newName) {
+  Recipe renamed;
+  for (const Ingredient& row : rows) {
+    const std::string name = EqualNoCase(row.name, oldName) ? std::string(newName) : row.name;
+    bool added = false;
+    for (Ingredient& earlier : renamed) {
+      if (!EqualNoCase(earlier.name, name)) continue;
+      earlier.amount = RoundTo(earlier.amount + row.amount, 2);
+      added = true;
+    }
+    if (!added) renamed.push_back({name, row.amount});
+  }
+  return renamed;
+}
+
+struct NewRecipe {
+  Recipe recipe;
+  std::string setName;
+};
+
+NewRecipe RenamedRecipe(const Session& session, const MixColor& mix, std::string_view oldName,
+                        std::string_view newName) {
+  Recipe recipe = mix.Ingredients();
+  if (!HoldsIngredient(recipe, newName) || EqualNoCase(oldName, newName)) {
+    for (Ingredient& line : recipe)
+      if (EqualNoCase(line.name, oldName)) line.name = newName;
+    return {recipe, mix.AddSetName};
+  }
+  if (const auto set = ReadAdditiveSet(session, mix.AddSetName)) {
+    const Recipe rows = RenamedRows(set->rows, oldName, newName);
+    Recipe merged = MergeIngredientsWithSet(recipe, oldName, rows);
+    if (merged.size() > rows.size()) return {merged, mix.AddSetName};
+    // Nothing stands beside the set any more, so there is no formula with a set left: its lines are merged as they are.
+    return {MergeIngredients(recipe, oldName, newName), {}};
+  }
+  return {MergeIngredients(recipe, oldName, newName), mix.AddSetName};
+}
+
+void RenameInFormulas(Session& session, ProgressRun& progress, Transaction& transaction, std::string_view oldName,
+                      std::string_view newName) {
+  const std::vector<std::string> users = FormulasUsing(session, oldName);
+  RecipeWriter writer(session);
+  std::size_t done = 0;
+  for (const std::string& user : users) {
+    if (const auto mix = ReadMix(session, user)) {
+      const NewRecipe renamed = RenamedRecipe(session, *mix, oldName, newName);
+      writer.Set(renamed.recipe, renamed.setName).Update(mix->rowId);
+      transaction.Note({Change::Kind::Mix, session.CurrentDatabase, mix->Color_Name, Change::What::Updated, ""});
+    }
+    progress.Step(++done, users.size());
+  }
+}
+
+// The walk over the places renames a slot where it stands; a set that would then hold one name twice is closed up
+// first.
+void MergeInAdditiveSets(Session& session, std::string_view oldName, std::string_view newName) {
+  for (const AdditiveSet& set : ListAdditiveSets(session)) {
+    if (!HoldsIngredient(set.rows, oldName) || !HoldsIngredient(set.rows, newName)) continue;
+    AdditiveSet merged = set;
+    merged.rows = RenamedRows(set.rows, oldName, newName);
+    UpdateRow(session.File(), schema::Additives, session.Table(schema::Additives), set.rowId, AdditiveSetCells(merged));
+  }
+}
+
+// The surviving row keeps what is its own; what belonged to the other goes.
+void GiveUpBasic(Session& session, const BasicColor& color) {
+  DeleteLotsAndMeasurements(session.File(), session.CurrentDatabase, ColorKind::Basic, color.Color_Name);
+  session.File()
+      .Prepare("DELETE FROM " + Quoted(session.Table(schema::Basic)) + " WHERE rowid = ?")
+      .Bind(1, color.rowId)
+      .Run();
+}
+
+void RenameBasicEverywhere(Session& session, const BasicColor& color, const std::string& newName, bool merge) {
+  ProgressRun progress(session.progress, merge ? "Merging colors ..." : "Renaming color ...");
+  Transaction transaction(session.File());
+  if (merge) {
+    GiveUpBasic(session, color);
+  } else {
+    UpdateRow(session.File(), schema::Basic, session.Table(schema::Basic), color.rowId,
+              NameCells(newName, BookDataOfBasic(session, newName)));
+  }
+  RenameInFormulas(session, progress, transaction, color.Color_Name, newName);
+  MergeInAdditiveSets(session, color.Color_Name, newName);
+  RenameReferences(session.File(), session.CurrentDatabase, ColorKind::Basic, color.Color_Name, newName);
+  transaction.Note({Change::Kind::Basic, session.CurrentDatabase, color.Color_Name, Change::What::Renamed, newName});
+  transaction.Commit();
+  if (!merge) return;
+  // Formulas now count the surviving colour's figures.
+  session.CostChanged = true;
+  session.VOCChanged = true;
+  session.HAPChanged = true;
+}
+
+}  // namespace
+
+Result<Renamed> RenameBasic(Session& session, std::string_view oldName, std::string_view typed) {
+  if (auto writable = RequireWritable(session); !writable) return std::unexpected(writable.error());
+  const auto color = ReadBasic(session, oldName);
+  if (!color) return NotFound(oldName);
+  std::string name = ReadNewName(session, typed);
+  if (name.empty()) return RefuseBasicName("Color Name Needed", "Please enter a name.");
+  if (auto valid = CheckImportedName(name, kField); !valid) return std::unexpected(valid.error());
+  if (EqualNoCase(name, color->Color_Name))
+    return RefuseBasicName("Choose Another Name",
+                           "Cannot rename a color with the same name.\n\nPlease enter a different name.");
+  const auto survivor = ReadBasic(session, name);
+  if (survivor) {
+    if (!session.prompt.Ask(Padded(kTitleBlanks, "Basic Color Name Exists"),
+                            "This Basic Color already exists.\nDo you want to merge the colors?", Answer::No))
+      return Renamed{};
+    name = survivor->Color_Name;
+  } else if (HasPantonePrefix(name) && !IsPantoneBookBasic(session, name)) {
+    return RefuseBasicName("Invalid Basic Color Name",
+                           "A color can not be renamed with the word PANTONE unless\nit is used as a ingredient in a "
+                           "Pantone Color Guide.\n\nPlease choose another name.");
+  }
+  RenameBasicEverywhere(session, *color, name, survivor.has_value());
+  return Renamed{true, survivor.has_value(), name};
+}
+
+Result<Renamed> RenameColor(Session& session, std::string_view oldName, std::string_view typed) {
+  if (auto writable = RequireWritable(session); !writable) return std::unexpected(writable.error());
+  const auto mix = ReadMix(session, oldName);
+  if (!mix) return NotFound(oldName);
+  if (auto right = RequireFormulaRight(session); !right) return std::unexpected(right.error());
+  std::string name = ReadNewName(session, typed);
+  if (name.empty()) return Refuse("Color Name Needed", "Please enter a new color name.", std::string(kField));
+  if (auto valid = CheckImportedName(name, kField); !valid) return std::unexpected(valid.error());
+  if (EqualNoCase(name, mix->Color_Name))
+    return Refuse("Choose Another Name", "Cannot rename a color with the same name.\n\nPlease enter a different name.",
+                  std::string(kField));
+  const auto inUse = [&] { return MixColorExists(session, name); };
+  const auto refuseInUse = [] {
+    return Refuse("Master Formula Exists",
+                  "This Master Formula already exists in the database.\n\nPlease select different name.",
+                  std::string(kField));
+  };
+  if (inUse()) return refuseInUse();
+  if (HasPantonePrefix(name) && !IsPantoneBookMix(session, name))
+    return Refuse("Invalid Formula Name",
+                  "This name cannot begin with the word PANTONE.\nRenaming a color with the word PANTONE "
+                  "requires\nspelling the color as it is found in the book.\n\nPlease choose another name.",
+                  std::string(kField));
+  if (!HasPantonePrefix(name) && IsPantoneBookMix(session, mix->Color_Name)) {
+    name = ReadNewName(session, std::string(kPantonePrefix).append(name));
+    if (inUse()) return refuseInUse();
+  }
+
+  ProgressRun progress(session.progress, "Renaming color ...");
+  Transaction transaction(session.File());
+  UpdateRow(session.File(), schema::Mix, session.Table(schema::Mix), mix->rowId,
+            NameCells(name, BookDataOfMix(session, name)));
+  RenameReferences(session.File(), session.CurrentDatabase, ColorKind::Mix, mix->Color_Name, name);
+  transaction.Note({Change::Kind::Mix, session.CurrentDatabase, mix->Color_Name, Change::What::Renamed, name});
+  transaction.Commit();
+  return Renamed{true, false, name};
+}
+
+}  // namespace vellumark

@@ -1,0 +1,163 @@
+#include "core/colors/resets.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <cmath>
+#include <optional>
+
+#include "core/base/number.h"
+#include "core/base/progress_run.h"
+#include "core/colors/amounts.h"
+#include "core/colors/rollup.h"
+#include "core/datafile/schema.h"
+
+namespace vellumark {
+namespace {
+
+std::optional<float> ValueInRange(std::string_view typed, int decimals, double highest) {
+  const auto number = ParseNumber(typed);
+  if (!number || std::fabs(*number) > 1e9) return std::nullopt;
+  const double rounded = RoundTo(*number, decimals);
+  if (rounded < 0 || rounded > highest) return std::nullopt;
+  return RoundSingle(rounded, decimals);
+}
+
+struct Reset {
+  const Table& table;
+  std::string_view column;
+  std::string_view progressText;
+  Change::Kind kind;
+  bool Session::*flag;
+};
+
+void WriteEverywhere(Session& session, const Reset& reset, float value) {
+  ProgressRun progress(session.progress, reset.progressText);
+  Transaction transaction(session.File());
+  session.File()
+      .Prepare(fmt::format("UPDATE {} SET {} = ?", Quoted(session.Table(reset.table)), reset.column))
+      .Bind(1, value)
+      .Run();
+  transaction.Note({reset.kind, session.CurrentDatabase, "", Change::What::All, ""});
+  transaction.Commit();
+  session.*reset.flag = true;
+}
+
+constexpr std::string_view kMixCostProgress = "Reseting Master Formula Purchase Costs...";
+
+std::unexpected<Refusal> InvalidDollarValue(std::string field) {
+  return Refuse("Invalid Dollar Value", fmt::format("Please enter a Currency Value between 0 and {}.", kLargestAmount),
+                std::move(field));
+}
+
+Result<void> MayReset(const Session& session, AmountKey key) {
+  if (auto writable = RequireWritable(session); !writable) return writable;
+  return RequireRight(session, key, "txtNewValue");
+}
+
+Result<void> ResetEmission(Session& session, Emission emission, std::string_view newValue, const Table& table) {
+  const bool voc = emission == Emission::VOC;
+  const std::string_view name = voc ? "VOC" : "HAP";
+  if (auto may = MayReset(session, voc ? AmountKey::VOC : AmountKey::HAP); !may) return may;
+  const auto value = ValueInRange(newValue, 3, kLargestAmount);
+  if (!value)
+    return Refuse(fmt::format("Invalid {} Value", name),
+                  fmt::format("Please enter a {} value between 0 and {}.", name, kLargestAmount), "txtNewValue");
+  const bool mix = &table == &schema::Mix;
+  const std::string text = fmt::format("Reseting {} {} values...", mix ? "Master Formula" : "Basic Color", name);
+  WriteEverywhere(session,
+                  {table, name, text, mix ? Change::Kind::Mix : Change::Kind::Basic,
+                   voc ? &Session::VOCChanged : &Session::HAPChanged},
+                  *value);
+  return {};
+}
+
+}  // namespace
+
+Result<void> ResetBasicCosts(Session& session, std::string_view newValue) {
+  if (auto may = MayReset(session, AmountKey::Currency); !may) return may;
+  const auto value = ValueInRange(newValue, session.DecimalPlaces, kLargestAmount);
+  if (!value)
+    return Refuse("Invalid Purchase Cost",
+                  fmt::format("Please enter a Purchase Cost between 0 and {}.", kLargestAmount), "txtNewValue");
+  WriteEverywhere(session,
+                  {schema::Basic, "PurchaseCost", "Reseting Basic Color Purchase Costs...", Change::Kind::Basic,
+                   &Session::CostChanged},
+                  *value);
+  return {};
+}
+
+Result<void> ResetMixCosts(Session& session, std::string_view newValue) {
+  if (auto may = MayReset(session, AmountKey::Currency); !may) return may;
+  const auto value = ValueInRange(newValue, session.DecimalPlaces, kLargestAmount);
+  if (!value) return InvalidDollarValue("txtNewValue");
+  WriteEverywhere(session, {schema::Mix, "PurchaseCost", kMixCostProgress, Change::Kind::Mix, &Session::CostChanged},
+                  *value);
+  return {};
+}
+
+Result<void> ResetMixCostsFromBasics(Session& session, std::string_view markup, std::string_view fixed) {
+  if (auto may = MayReset(session, AmountKey::Currency); !may) return may;
+  const auto percent = ValueInRange(markup, 2, 100);
+  if (!percent) return Refuse("Invalid Markup Percent", "Please enter a Markup Percent between 0 and 100", "txtMarkup");
+  const auto added = ValueInRange(fixed, session.DecimalPlaces, kLargestAmount);
+  if (!added) return InvalidDollarValue("txtFixed");
+  RunPendingPasses(session);
+
+  const int decimals = session.DecimalPlaces;
+  const std::string table = Quoted(session.Table(schema::Mix));
+  ProgressRun progress(session.progress, kMixCostProgress);
+  Transaction transaction(session.File());
+  Statement rows = session.File().Prepare(
+      fmt::format("SELECT rowid, BasicCost FROM {} WHERE rowid > ? ORDER BY rowid LIMIT 1", table));
+  Statement update = session.File().Prepare(fmt::format("UPDATE {} SET PurchaseCost = ? WHERE rowid = ?", table));
+  const auto count = static_cast<std::size_t>(session.File().Scalar("SELECT COUNT(*) FROM " + table).Whole());
+  std::size_t done = 0;
+  for (std::int64_t last = 0;; progress.Step(++done, count)) {
+    rows.Bind(1, last);
+    if (!rows.Step()) break;
+    last = rows.Whole(0);
+    const double basicCost = RoundTo(rows.Single(1), decimals);
+    rows.Reset();
+    const double marked = RoundTo(basicCost + basicCost * RoundTo(*percent, 2) / 100, decimals);
+    const double cost = RoundTo(marked + RoundTo(*added, decimals), decimals);
+    update.Bind(1, RoundSingle(std::clamp(cost, 0.0, kLargestAmount), decimals)).Bind(2, last).Run();
+  }
+  transaction.Note({Change::Kind::Mix, session.CurrentDatabase, "", Change::What::All, ""});
+  transaction.Commit();
+  session.CostChanged = true;
+  return {};
+}
+
+Result<void> ResetBasicEmissions(Session& session, Emission emission, std::string_view newValue) {
+  return ResetEmission(session, emission, newValue, schema::Basic);
+}
+
+Result<void> ResetMixEmissions(Session& session, Emission emission, std::string_view newValue) {
+  return ResetEmission(session, emission, newValue, schema::Mix);
+}
+
+Result<bool> ChangeDecimalPlaces(Session& session, int decimalPlaces) {
+  if (decimalPlaces < 2 || decimalPlaces > 4)
+    return Refuse("Unit Cost Accuracy",
+                  "The standard Unit Cost accuracy is 2 decimal places, the maximum decimal place accuracy is 4.",
+                  "cmbDecimalPlaces");
+  if (auto writable = RequireWritable(session); !writable) return std::unexpected(writable.error());
+  if (decimalPlaces < session.DecimalPlaces &&
+      !session.prompt.Ask("Warning",
+                          "Reducing unit cost accuracy may result in the permanent loss of precise unit cost data. For "
+                          "example, if you have unit costs that are accurate to four decimal places and you set the "
+                          "decimal place accuracy to two, the unit cost information in the third and fourth decimal "
+                          "places will be permanently lost.\n\nDo you wish to continue?",
+                          Answer::No)) {
+    session.prompt.Tell("Unit Cost Accuracy", "Unit cost data has not been modified.");
+    return false;
+  }
+  if (decimalPlaces == session.DecimalPlaces) return true;
+  SetSupportValue(session, "DecimalPlaces", fmt::format("{}", decimalPlaces));
+  session.DecimalPlaces = decimalPlaces;
+  if (session.DataFileDB) UpdateMixBasicCosts(session);
+  return true;
+}
+
+}  // namespace vellumark

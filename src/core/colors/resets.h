@@ -1,0 +1,26 @@
+#pragma once
+
+#include <string_view>
+
+#include "core/session/session.h"
+
+namespace vellumark {
+
+// Mass resets: one figure of every item of the current Database. Each reads a typed value, refuses one out of range,
+// writes in one transaction and sets the session's flag of the figure.
+
+Result<void> ResetBasicCosts(Session& session, std::string_view newValue);
+Result<void> ResetMixCosts(Session& session, std::string_view newValue);
+/// PurchaseCost of every formula becomes its BasicCost, plus a markup in percent, plus a fixed amount, each step at the
+/// decimals of costs, held between 0 and 99999. Pending roll-ups run first.
+Result<void> ResetMixCostsFromBasics(Session& session, std::string_view markup, std::string_view fixed);
+
+enum class Emission { VOC, HAP };
+Result<void> ResetBasicEmissions(Session& session, Emission emission, std::string_view newValue);
+Result<void> ResetMixEmissions(Session& session, Emission emission, std::string_view newValue);
+
+/// Sets the decimals of unit costs to 2, 3 or 4 and rewrites every BasicCost with them. A smaller number is asked
+/// about; false when the operator declined and nothing changed.
+Result<bool> ChangeDecimalPlaces(Session& session, int decimalPlaces);
+
+}  // namespace vellumark

@@ -1,0 +1,213 @@
+#include "core/colors/rollup.h"
+
+#include <fmt/format.h>
+
+#include <array>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <vector>
+
+#include "core/base/number.h"
+#include "core/base/progress_run.h"
+#include "core/datafile/schema.h"
+
+namespace vellumark {
+namespace {
+
+constexpr int kSlots = schema::kIngredientSlots;
+// Rows read before they are written: a cursor never walks a table while it changes, and memory stays small.
+constexpr std::size_t kWindow = 4096;
+
+struct Figures {
+  float cost = 0;
+  float voc = 0;
+  float hap = 0;
+};
+
+// Names compare as the Data File compares them, without regard to the case of A to Z.
+char Folded(char c) {
+  return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;
+}
+
+struct NameHash {
+  using is_transparent = void;
+  std::size_t operator()(std::string_view name) const {
+    std::size_t hash = 14695981039346656037ULL;
+    for (const char c : name) hash = (hash ^ static_cast<unsigned char>(Folded(c))) * 1099511628211ULL;
+    return hash;
+  }
+};
+
+struct NameEqual {
+  using is_transparent = void;
+  bool operator()(std::string_view a, std::string_view b) const {
+    if (a.size() != b.size()) return false;
+    for (std::size_t i = 0; i < a.size(); ++i)
+      if (a[i] != b[i] && Folded(a[i]) != Folded(b[i])) return false;
+    return true;
+  }
+};
+
+using FigureMap = std::unordered_map<std::string, Figures, NameHash, NameEqual>;
+
+FigureMap ReadFigures(Session& session) {
+  FigureMap figures;
+  Statement row = session.File().Prepare(fmt::format("SELECT Color_Name, PurchaseCost, VOC, HAP FROM {} ORDER BY rowid",
+                                                     Quoted(session.Table(schema::Basic))));
+  while (row.Step()) figures.emplace(row.Text(0), Figures{row.Single(1), row.Single(2), row.Single(3)});
+  return figures;
+}
+
+// The recipe's columns stand behind those of the row number and the stored figures.
+constexpr int kFirstName = 4;
+constexpr int kFirstAmount = kFirstName + kSlots;
+
+std::string RecipeColumns() {
+  std::string columns = "rowid, BasicCost, BasicVOC, BasicHAP";
+  for (int n = 0; n < kSlots; ++n) columns += fmt::format(", BC{}", n);
+  for (int n = 0; n < kSlots; ++n) columns += fmt::format(", BQ{}", n);
+  return columns;
+}
+
+Figures RollUp(const Statement& row, const FigureMap& basics, int decimalPlaces) {
+  Figures sum;
+  for (int n = 0; n < kSlots; ++n) {
+    const std::string_view name = row.TextView(kFirstName + n);
+    if (name.empty()) break;
+    const auto basic = basics.find(name);
+    if (basic == basics.end()) continue;
+    const double amount = row.Single(kFirstAmount + n);
+    const Figures& figures = basic->second;
+    sum.cost = static_cast<float>(sum.cost + figures.cost * amount / 100);
+    sum.voc = static_cast<float>(sum.voc + figures.voc * amount / 100);
+    sum.hap = static_cast<float>(sum.hap + figures.hap * amount / 100);
+  }
+  return {RoundSingle(sum.cost, decimalPlaces), RoundSingle(sum.voc, 3), RoundSingle(sum.hap, 3)};
+}
+
+struct NewFigures {
+  std::int64_t rowId = 0;
+  Figures figures;
+};
+
+// What the wanted columns hold already need not be written.
+bool Differs(const Statement& row, const Figures& figures, RollUpWanted wanted) {
+  const auto differs = [&](int column, float value) { return row.IsNull(column) || row.Single(column) != value; };
+  return (wanted.cost && differs(1, figures.cost)) || (wanted.voc && differs(2, figures.voc)) ||
+         (wanted.hap && differs(3, figures.hap));
+}
+
+std::string UpdateText(const std::string& table, RollUpWanted wanted) {
+  std::string sets;
+  const auto set = [&](bool want, std::string_view column) {
+    if (want) sets += fmt::format("{}{} = ?", sets.empty() ? "" : ", ", column);
+  };
+  set(wanted.cost, "BasicCost");
+  set(wanted.voc, "BasicVOC");
+  set(wanted.hap, "BasicHAP");
+  return fmt::format("UPDATE {} SET {} WHERE rowid = ?", table, sets);
+}
+
+void Write(Statement& update, const NewFigures& row, RollUpWanted wanted) {
+  int parameter = 1;
+  if (wanted.cost) update.Bind(parameter++, row.figures.cost);
+  if (wanted.voc) update.Bind(parameter++, row.figures.voc);
+  if (wanted.hap) update.Bind(parameter++, row.figures.hap);
+  update.Bind(parameter, row.rowId).Run();
+}
+
+std::string ProgressText(RollUpWanted wanted) {
+  std::string text;
+  const auto line = [&](bool want, std::string_view what) {
+    if (want) text += fmt::format("{}{}", text.empty() ? "" : "\n", what);
+  };
+  line(wanted.cost, "Updating Master Formula Basic Costs...");
+  line(wanted.voc, "Updating Master Formula VOC values...");
+  line(wanted.hap, "Updating Master Formula HAP values...");
+  return text;
+}
+
+}  // namespace
+
+void RunPasses(Session& session, RollUpWanted wanted) {
+  if (!wanted.Any()) return;
+  Database& file = session.File();
+  const std::string table = Quoted(session.Table(schema::Mix));
+  ProgressRun progress(session.progress, ProgressText(wanted));
+  Transaction transaction(file);
+  const FigureMap basics = ReadFigures(session);
+  const auto count = static_cast<std::size_t>(file.Scalar("SELECT COUNT(*) FROM " + table).Whole());
+  Statement rows =
+      file.Prepare(fmt::format("SELECT {} FROM {} WHERE rowid > ? ORDER BY rowid LIMIT ?", RecipeColumns(), table));
+  Statement update = file.Prepare(UpdateText(table, wanted));
+  std::vector<NewFigures> changed;
+  std::int64_t last = 0;
+  std::size_t done = 0;
+  for (std::size_t read = kWindow; read == kWindow;) {
+    read = 0;
+    changed.clear();
+    rows.Bind(1, last).Bind(2, static_cast<std::int64_t>(kWindow));
+    for (; rows.Step(); ++read) {
+      last = rows.Whole(0);
+      const Figures figures = RollUp(rows, basics, session.DecimalPlaces);
+      if (Differs(rows, figures, wanted)) changed.push_back({last, figures});
+    }
+    rows.Reset();
+    for (const NewFigures& row : changed) Write(update, row, wanted);
+    progress.Step(done += read, count);
+  }
+  transaction.Note({Change::Kind::Mix, session.CurrentDatabase, "", Change::What::All, ""});
+  transaction.Commit();
+  if (wanted.cost) session.CostChanged = false;
+  if (wanted.voc) session.VOCChanged = false;
+  if (wanted.hap) session.HAPChanged = false;
+}
+
+void UpdateMixBasicCosts(Session& session) {
+  RunPasses(session, {.cost = true});
+}
+
+void UpdateMixVOC(Session& session) {
+  RunPasses(session, {.voc = true});
+}
+
+void UpdateMixHAP(Session& session) {
+  RunPasses(session, {.hap = true});
+}
+
+void RunPendingPasses(Session& session) {
+  if (session.ArchiveView) return;
+  RunPasses(session, {session.CostChanged, session.VOCChanged, session.HAPChanged});
+}
+
+bool RollUpFormula(Session& session, std::int64_t rowId) {
+  Database& file = session.File();
+  const std::string table = Quoted(session.Table(schema::Mix));
+  constexpr RollUpWanted kAll{true, true, true};
+  Transaction transaction(file);
+  NewFigures changed{rowId, {}};
+  {
+    Statement row = file.Prepare(fmt::format("SELECT {} FROM {} WHERE rowid = ?", RecipeColumns(), table));
+    row.Bind(1, rowId);
+    if (!row.Step()) return false;
+    FigureMap basics;
+    Statement basic =
+        file.Prepare(fmt::format("SELECT PurchaseCost, VOC, HAP FROM {} WHERE Color_Name = ? ORDER BY rowid LIMIT 1",
+                                 Quoted(session.Table(schema::Basic))));
+    for (int n = 0; n < kSlots; ++n) {
+      const std::string name = row.Text(kFirstName + n);
+      if (name.empty()) break;
+      basic.Bind(1, name);
+      if (basic.Step()) basics.emplace(name, Figures{basic.Single(0), basic.Single(1), basic.Single(2)});
+      basic.Reset();
+    }
+    changed.figures = RollUp(row, basics, session.DecimalPlaces);
+  }
+  Statement update = file.Prepare(UpdateText(table, kAll));
+  Write(update, changed, kAll);
+  transaction.Commit();
+  return true;
+}
+
+}  // namespace vellumark

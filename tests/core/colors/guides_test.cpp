@@ -1,0 +1,135 @@
+#include "core/colors/guides.h"
+
+#include <gtest/gtest.h>
+
+#include "core/base/number.h"
+#include "core/colors/basic_work.h"
+#include "core/colors/guide_formulas.h"
+#include "core/colors/rename.h"
+#include "support/ink_room.h"
+
+namespace vellumark {
+namespace {
+
+// A Database made from guides, of which the site has two.
+struct GuideRoom : test::InkRoom {
+  GuideRoom() {
+    session.templateDB = Database::Create(folder / "pdbt.vkt");
+    for (const char* table : {"FGuide_BColors_GP1601A", "Metallics_BColors"})
+      CreateTable(*session.templateDB, table, schema::Basic);
+    CreateTable(*session.templateDB, "FGuide_MColors_GP1601A", schema::Mix);
+    CreateTable(*session.templateDB, "Goe_MColors", schema::Mix);
+    Template("FGuide_BColors_GP1601A", "PANTONE RUBINE", 7);
+    Template("Metallics_BColors", "PANTONE SILVER", 9);
+    Template("Metallics_BColors", "PANTONE RUBINE", 99);
+    InsertRow(*session.templateDB, schema::Mix, "Goe_MColors",
+              {{"Color_Name", "PANTONE 185"},
+               {"Page", "12"},
+               {"Color_Set", "<PANTONE RUBINE><PANTONE SILVER>"},
+               {"BC0", "PANTONE RUBINE"},
+               {"BQ0", 60.0F},
+               {"BC1", "PANTONE SILVER"},
+               {"BQ1", 40.0F}});
+    session.TemplateFile = "pdbt.vkt";
+  }
+  void Template(const char* table, const char* name, int row) {
+    InsertRow(*session.templateDB, schema::Basic, table,
+              {{"Color_Name", name}, {"Color_Guide", table}, {"Page", "3"}, {"Row", row}, {"Red", 200}});
+  }
+};
+
+TEST(Guides, NamesOfTheBook) {
+  GuideRoom room;
+  EXPECT_EQ(GetTemplateBasicName(room.session, "rubine"), "PANTONE RUBINE");
+  EXPECT_EQ(GetTemplateBasicName(room.session, "PANTONE SILVER"), "PANTONE SILVER");
+  EXPECT_EQ(GetTemplateBasicName(room.session, "GOLD"), "");
+  EXPECT_EQ(GetTemplateMixName(room.session, "185"), "PANTONE 185");
+  EXPECT_TRUE(IsPantoneBookBasic(room.session, "SILVER"));
+  EXPECT_TRUE(IsPantoneBookMix(room.session, "185"));
+  EXPECT_FALSE(IsPantoneBookMix(room.session, "SILVER"));
+  EXPECT_EQ(BookDataOfBasic(room.session, "RUBINE").Row, 7);  // the first guide that has it
+  room.session.TemplateFile.clear();
+  EXPECT_FALSE(IsPantoneBookBasic(room.session, "PANTONE SILVER"));
+  room.session.TemplateFile = "pdbt.vkt";
+  room.session.templateDB.reset();
+  EXPECT_FALSE(IsPantoneBookBasic(room.session, "PANTONE SILVER"));
+  EXPECT_EQ(GetTemplateMixName(room.session, "185"), "");
+}
+
+TEST(Guides, NewColoursTakeTheBooksData) {
+  GuideRoom room;
+  room.prompt.Expect("Basics / Additives - New Item", Answer::Yes);
+  EXPECT_EQ(EnterBasicName(room.session, "pantone silver")->kind, NameEntry::Kind::New);
+  BasicWork work = NewBasicWork(room.session, "PANTONE SILVER");
+  ASSERT_TRUE(SaveBasic(room.session, work));
+  EXPECT_EQ(ReadBasic(room.session, "PANTONE SILVER")->book.Row, 9);
+  EXPECT_EQ(AddZeroBasic(room.session, "RUBINE", false), "PANTONE RUBINE");
+  EXPECT_EQ(ReadBasic(room.session, "PANTONE RUBINE")->book, (BookData{"FGuide_BColors_GP1601A", "3", 7, 200, 0, 0}));
+  room.prompt.Expect(std::string(30, ' ') + "Master Formula - New Master Formula", Answer::Yes);
+  EXPECT_EQ(EnterMixName(room.session, "185")->name, "PANTONE 185");
+  EXPECT_EQ(EnterIngredient(room.session, NewFormulaWork(room.session, "X"), 0, "rubine")->name, "PANTONE RUBINE");
+
+  // A book colour under a name of its own is no longer of the book.
+  ASSERT_TRUE(RenameBasic(room.session, "PANTONE SILVER", "TIN"));
+  EXPECT_EQ(ReadBasic(room.session, "TIN")->book, BookData{});
+  ASSERT_TRUE(RenameBasic(room.session, "TIN", "PANTONE SILVER"));
+  EXPECT_EQ(ReadBasic(room.session, "PANTONE SILVER")->book.Row, 9);
+}
+
+TEST(Guides, AFormulaAgainstThePublishedOne) {
+  GuideRoom room;
+  for (const char* name : {"RUBINE", "PANTONE SILVER", "OTHER"}) room.Basic(name);
+  const struct {
+    std::vector<std::pair<std::string, float>> parts;
+    bool modified;
+  } cases[] = {
+      {{{"PANTONE RUBINE", 60}, {"PANTONE SILVER", 40}}, false},
+      {{{"SILVER", 40}, {"RUBINE", 60}}, false},
+      {{{"PANTONE RUBINE", 60.001F}, {"PANTONE SILVER", 39.999F}}, true},
+      {{{"PANTONE RUBINE", 60}, {"PANTONE SILVER", 39}, {"OTHER", 1}}, true},
+      {{{"PANTONE RUBINE", 100}}, true},
+  };
+  for (const auto& c : cases) {
+    room.session.File().Execute("DELETE FROM INK_Mix");
+    room.Mix("PANTONE 185", c.parts);
+    EXPECT_EQ(IsFormulaModified(room.session, "PANTONE 185"), c.modified) << c.parts.size();
+  }
+  EXPECT_FALSE(IsFormulaModified(room.session, "NOT THERE"));
+
+  FormulaWork work = LoadFormulaWork(room.session, *ReadMix(room.session, "PANTONE 185"));
+  EXPECT_FALSE(CanRevertToGuide(room.session, "PANTONE 185"));
+  EXPECT_FALSE(RevertToGuide(room.session, work));
+  room.Basic("PANTONE RUBINE");
+  room.prompt.Expect("Revert Back To Original Formula?", Answer::Yes,
+                     "This formula will be changed back to published Pantone specifi"
+                     "cations.\n\nAre you sure you want to "
+                     "revert back to the original Pantone formula?");
+  EXPECT_EQ(RevertToGuide(room.session, work), true);
+  EXPECT_FALSE(IsFormulaModified(room.session, "PANTONE 185"));
+}
+
+TEST(Guides, ARenamedBookFormulaKeepsThePrefix) {
+  GuideRoom room;
+  room.Mix("PANTONE 185", {{"PANTONE RUBINE", 100}});
+  room.Mix("PANTONE TAKEN", {{"PANTONE RUBINE", 100}});
+  EXPECT_EQ(RenameColor(room.session, "PANTONE 185", "TAKEN").error().title, "Master Formula Exists");
+  EXPECT_EQ(RenameColor(room.session, "PANTONE 185", "SPECIAL")->name, "PANTONE SPECIAL");
+}
+
+TEST(Guides, HowAGuideIsShown) {
+  const struct {
+    const char* name;
+    BookData book;
+    const char* caption;
+  } cases[] = {
+      {"PANTONE 10-1-1", {"GoeGuide coated", "3"}, "GoeGuide coated(TM)"},
+      {"PANTONE 9140", {"PASTELS NEONS", "3"}, "PASTELS && NEONS"},
+      {"PANTONE 185", {"FORMULA GUIDE", "3"}, "FORMULA GUIDE"},
+      {"PANTONE 185", {"FORMULA GUIDE", "0"}, ""},
+      {"RED", {"FORMULA GUIDE", "3"}, ""},
+  };
+  for (const auto& c : cases) EXPECT_EQ(GuideCaption(c.name, c.book), c.caption);
+}
+
+}  // namespace
+}  // namespace vellumark

@@ -1,0 +1,94 @@
+#include "core/colors/names.h"
+
+#include <gtest/gtest.h>
+
+#include "core/colors/color_set.h"
+#include "support/ink_room.h"
+
+namespace vellumark {
+namespace {
+
+TEST(Names, KeysOfANameField) {
+  for (const char32_t key : U"abcXYZ019 ./-") {
+    if (key == 0) continue;
+    EXPECT_TRUE(NameKey(key, NameKeys::Plain)) << static_cast<int>(key);
+  }
+  EXPECT_EQ(NameKey(U'q', NameKeys::Plain), 'Q');
+  for (const char32_t key : U"<>!") {
+    if (key == 0) continue;
+    EXPECT_FALSE(NameKey(key, NameKeys::Plain));
+    EXPECT_TRUE(NameKey(key, NameKeys::Scanned));
+  }
+  for (const char32_t key : U"'\"[]*|%_é\t\x7f€") {
+    if (key == 0) continue;
+    EXPECT_FALSE(NameKey(key, NameKeys::Scanned)) << static_cast<int>(key);
+  }
+}
+
+TEST(Names, ReadFromAField) {
+  test::InkRoom room;
+  room.session.NameLength = 12;
+  const struct {
+    const char* typed;
+    const char* name;
+  } cases[] = {
+      {"  harbour  ", "HARBOUR"},         {"<cn>red", "RED"}, {"<CN> RED", "RED"}, {"<XX>RED", "XXRED"},
+      {"abcdefghijklmn", "ABCDEFGHIJKL"}, {"a<b>c", "ABC"},   {"   ", ""},         {"<CN>", ""},
+      {"ABCDEFGHIJK   Z", "ABCDEFGHIJK"},
+  };
+  for (const auto& c : cases) EXPECT_EQ(ReadName(room.session, c.typed), c.name) << c.typed;
+}
+
+TEST(Names, ConfiguredLength) {
+  test::InkRoom room;
+  room.session.support->settings.AppendSupportValue("UDCNameCCodeLen", "30");
+  for (const auto& [value, length] : {std::pair{"9", 30}, {"10", 10}, {"30", 30}, {"31", 30}, {"X", 30}, {"", 30}}) {
+    room.Setting("UDCNameCCodeLen", value);
+    EXPECT_EQ(ReadName(room.session, std::string(31, 'A')).size(), static_cast<std::size_t>(length)) << value;
+  }
+}
+
+TEST(Names, WhatProgramsAndFilesMayBring) {
+  EXPECT_TRUE(CheckTypedName("BLUE 072/A-1.5"));
+  for (const char* name : {"O'NEILL", "A_B", "A%", "[RED]", "RED*", "CAF\xC3\x89", "A\nB", "\xFF"})
+    EXPECT_FALSE(CheckTypedName(name)) << name;
+  EXPECT_TRUE(CheckImportedName("CAF\xC3\x89 50% (MATT), #2"));
+  for (const char* name : {"A<B", "A>B", "A\"B", "A'B", "A[B", "A]B", "A|B", "A*B", "A\tB", "\xFF"}) {
+    const auto checked = CheckImportedName(name, "BC3");
+    ASSERT_FALSE(checked) << name;
+    EXPECT_EQ(checked.error().field, "BC3");
+  }
+}
+
+TEST(ColorSets, BuiltAndTakenApart) {
+  EXPECT_EQ(BuildColorSet({"BLUE", "", "YELLOW"}), "<BLUE><YELLOW>");
+  EXPECT_EQ(SplitColorSet("<BLUE><YELLOW>"), (std::vector<std::string>{"BLUE", "YELLOW"}));
+  EXPECT_EQ(SplitColorSet("<BLUE><YELL"), (std::vector<std::string>{"BLUE"}));
+  EXPECT_TRUE(ColorSetHolds("<BLUE 1><RED>", "blue 1"));
+  EXPECT_FALSE(ColorSetHolds("<BLUE 1><RED>", "BLUE"));
+}
+
+TEST(ColorSets, OneContainsTheOther) {
+  const struct {
+    const char* formula;
+    const char* candidate;
+    bool contained;
+  } cases[] = {
+      {"<A><B>", "", true},
+      {"", "", true},
+      {"", "<A>", false},
+      {"<A><B><C>", "<C><A>", true},
+      {"<a><b>", "<B>", true},
+      {"<AB>", "<A>", false},
+      {"<PANTONE BLUE>", "<BLUE>", true},
+      {"<BLUE>", "<pantone BLUE>", true},
+      {"<PANTONEBLUE>", "<BLUE>", false},
+      {"<A>", "<A><B>", false},
+      {"<A>", "<A", false},
+  };
+  for (const auto& c : cases)
+    EXPECT_EQ(ColorSetContains(c.formula, c.candidate), c.contained) << c.formula << " / " << c.candidate;
+}
+
+}  // namespace
+}  // namespace vellumark
