@@ -78,7 +78,7 @@ void RunAdjustment(Session& session, BatchWork& work, const Adjustment& adjustme
   const auto row = static_cast<std::int32_t>(adjustment.row);
   if (adjustment.amount != 0) {
     work.ClickedIndex = row;
-    AddRecycledColor(work, adjustment.Color_Name, adjustment.amount);
+    AddRecycledColor(session, work, adjustment.Color_Name, adjustment.amount);
   } else {
     if (work.ClickedIndex >= row && work.ClickedIndex >= 1) --work.ClickedIndex;
     if (!work.RecycleList.empty() && work.RecycleList.front().Recycle_Percent == 0) RecalcRecycleList(work);
@@ -86,7 +86,7 @@ void RunAdjustment(Session& session, BatchWork& work, const Adjustment& adjustme
   if (adjustment.stockEmptied) ForColor(work, adjustment.Color_Name, [](RecycleColor& color) { color.Inventory = 0; });
   if (adjustment.amount == 0) ForColor(work, adjustment.Color_Name, [](RecycleColor& color) { SetUsable(color, 0); });
   if (adjustment.recycle) {
-    AutoRecycle(work);
+    AutoRecycle(session, work);
   } else {
     SortRecycleList(work);
   }
@@ -191,7 +191,7 @@ Result<void> AdjustMixRow(Session& session, BatchWork& work, std::size_t row, co
   const std::vector<NamedAmount> above = MixRows(work, row);
   if (emptyStock) EmptyStock(session, name);
   RestoreLists(session, work);
-  for (const auto& [aboveName, aboveAmount] : above) AddRecycledColor(work, aboveName, aboveAmount);
+  for (const auto& [aboveName, aboveAmount] : above) AddRecycledColor(session, work, aboveName, aboveAmount);
   RunAdjustment(
       session, work,
       {.Color_Name = name, .row = row, .amount = *amount, .recycle = choice.recycle, .stockEmptied = emptyStock});
@@ -255,7 +255,7 @@ Result<Overpour> OverpourMixRow(Session& session, BatchWork& work, std::size_t r
   LoadFormulaIngredients(session, work);
   RestoreLists(session, work);
   work.ClickedIndex = static_cast<std::int32_t>(row);
-  for (const auto& [name, amount] : rows) AddRecycledColor(work, name, amount);
+  for (const auto& [name, amount] : rows) AddRecycledColor(session, work, name, amount);
   SortRecycleList(work);
   ShowCalculation(session, work);
   return Overpour{.reformulated = true, .printDetail = false, .lines = {}};

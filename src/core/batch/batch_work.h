@@ -1,11 +1,14 @@
 #pragma once
 
+#include <array>
 #include <cstdint>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "core/base/number.h"
+#include "core/datafile/schema.h"
 #include "core/session/session.h"
 
 namespace vellumark {
@@ -31,25 +34,29 @@ struct BatchIngredient {
 /// One ingredient of a mix colour.
 struct RecycleSlot {
   std::string BC;
-  float RecAmount = 0;  ///< what the colour brings in of it at its current Usable
   float BQ = 0;         ///< percent of it in the colour
   int recipeSlot = -1;  ///< slot of the formula being made that holds the same name; -1 when none does
 };
 
 /// A Master Formula considered, or chosen, for recycling. Quantities in the Batch's unit.
 struct RecycleColor {
+  std::int64_t rowId = 0;
   std::string Color_Name;
-  std::string Color_Code;
-  std::vector<RecycleSlot> slots;
+  /// Shared between the lists, which hold thousands of colours; what changes stands beside it.
+  std::shared_ptr<const std::vector<RecycleSlot>> slots = std::make_shared<const std::vector<RecycleSlot>>();
+  std::array<float, schema::kIngredientSlots> RecAmount{};  ///< what it brings in of each slot at its current Usable
   float Recycle_Percent = 0;  ///< 0 to 1: the largest share of the present recipe that it can supply
+  float Inventory = 0;        ///< with the lots while Lotted Inventory is in use
+  float Usable = 0;           ///< how much of it goes into the Batch
+  bool Recycle = false;
+
+  // Read once the colour is chosen.
+  std::string Color_Code;
+  std::string Inv_Note;
+  std::string Notes;
   float PurchaseCost = 0;
   float BasicCost = 0;
   float Reorder = 0;
-  std::string Inv_Note;
-  float Inventory = 0;  ///< with the lots while Lotted Inventory is in use
-  float Usable = 0;     ///< how much of it goes into the Batch
-  bool Recycle = false;
-  std::string Notes;
   float VOC = 0;
   float HAP = 0;
   float BasicVOC = 0;

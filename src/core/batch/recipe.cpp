@@ -27,7 +27,9 @@ int RecipeSlotOf(const std::vector<BatchIngredient>& recipe, std::string_view na
 }
 
 void ResolveColor(const std::vector<BatchIngredient>& recipe, RecycleColor& color) {
-  for (RecycleSlot& slot : color.slots) slot.recipeSlot = RecipeSlotOf(recipe, slot.BC);
+  std::vector<RecycleSlot> slots = *color.slots;
+  for (RecycleSlot& slot : slots) slot.recipeSlot = RecipeSlotOf(recipe, slot.BC);
+  color.slots = std::make_shared<const std::vector<RecycleSlot>>(std::move(slots));
 }
 
 // Where each ingredient of the recipe stands among those that remain, so that thousands of colours can be tried
@@ -57,7 +59,7 @@ class Remainder {
 
 void CalcPercent(const Remainder& remainder, RecycleColor& color) {
   float share = 1;
-  for (const RecycleSlot& slot : color.slots) {
+  for (const RecycleSlot& slot : *color.slots) {
     const BatchIngredient* ingredient = remainder.Find(slot);
     const float ratio = ingredient == nullptr || slot.BQ == 0
                             ? 0
@@ -69,20 +71,20 @@ void CalcPercent(const Remainder& remainder, RecycleColor& color) {
 }
 
 void Cap(const Remainder& remainder, RecycleColor& color) {
+  const std::vector<RecycleSlot>& slots = *color.slots;
   float factor = 1;
-  for (const RecycleSlot& slot : color.slots) {
-    const BatchIngredient* ingredient = remainder.Find(slot);
+  for (std::size_t i = 0; i < slots.size() && factor != 0; ++i) {
+    const BatchIngredient* ingredient = remainder.Find(slots[i]);
     // Stock booked below zero brings in less than nothing, and that cannot be used.
-    const float ratio = ingredient == nullptr || slot.RecAmount <= 0
+    const float ratio = ingredient == nullptr || color.RecAmount[i] <= 0
                             ? 0
-                            : static_cast<float>(static_cast<double>(ingredient->Amount) / slot.RecAmount);
+                            : static_cast<float>(static_cast<double>(ingredient->Amount) / color.RecAmount[i]);
     factor = std::min(factor, ratio);
-    if (factor == 0) break;
   }
   float sum = 0;
-  for (RecycleSlot& slot : color.slots) {
-    slot.RecAmount = static_cast<float>(static_cast<double>(factor) * slot.RecAmount);
-    sum = static_cast<float>(static_cast<double>(sum) + slot.RecAmount);
+  for (std::size_t i = 0; i < slots.size(); ++i) {
+    color.RecAmount[i] = static_cast<float>(static_cast<double>(factor) * color.RecAmount[i]);
+    sum = static_cast<float>(static_cast<double>(sum) + color.RecAmount[i]);
   }
   // The texts of rounding are what costs time here, and colours without stock are many.
   color.Usable = factor == 0 ? 0 : RoundSingle(static_cast<double>(factor) * color.Usable, 3);
@@ -94,11 +96,11 @@ void Cap(const Remainder& remainder, RecycleColor& color) {
 // What the colour brings in is no longer to be weighed; ingredients that are used up leave the list.
 void TakeFromIngredients(BatchWork& work, const RecycleColor& color) {
   const Remainder remainder(work.Ingredients);
-  for (const RecycleSlot& slot : color.slots) {
-    const int place = remainder.Place(slot);
+  for (std::size_t i = 0; i < color.slots->size(); ++i) {
+    const int place = remainder.Place((*color.slots)[i]);
     if (place < 0) continue;
     float& amount = work.Ingredients[static_cast<std::size_t>(place)].Amount;
-    amount = static_cast<float>(static_cast<double>(amount) - slot.RecAmount);
+    amount = static_cast<float>(static_cast<double>(amount) - color.RecAmount[i]);
   }
   std::erase_if(work.Ingredients, [](const BatchIngredient& i) { return i.Amount < kLeastAmount; });
   double sum = 0;
@@ -121,15 +123,19 @@ struct Ranked {
   std::uint32_t place;  ///< in RecycleList
 };
 
-void Rank(const std::vector<RecycleColor>& list, std::vector<Ranked>& order) {
-  for (Ranked& ranked : order) ranked.key = SortKey(list[ranked.place].Recycle_Percent);
-  std::ranges::stable_sort(order, std::greater{}, &Ranked::key);
+void SortRanked(std::vector<Ranked>& order) {
+  std::ranges::sort(
+      order, [](const Ranked& a, const Ranked& b) { return a.key != b.key ? a.key > b.key : a.place < b.place; });
 }
 
-std::vector<Ranked> TableOrder(const std::vector<RecycleColor>& list) {
-  std::vector<Ranked> order(list.size());
-  for (std::size_t i = 0; i < order.size(); ++i) order[i] = {0, static_cast<std::uint32_t>(i)};
-  return order;
+void Rank(const std::vector<RecycleColor>& list, std::vector<Ranked>& order) {
+  for (Ranked& ranked : order) ranked.key = SortKey(list[ranked.place].Recycle_Percent);
+  SortRanked(order);
+}
+
+void CalcPercents(BatchWork& work, const std::vector<Ranked>& colors) {
+  const Remainder remainder(work.Ingredients);
+  for (const Ranked& ranked : colors) CalcPercent(remainder, work.RecycleList[ranked.place]);
 }
 
 void Rearrange(std::vector<RecycleColor>& list, const std::vector<Ranked>& order) {
@@ -247,13 +253,13 @@ void CapRecycleAmount(const BatchWork& work, RecycleColor& color) {
 
 void SetUsable(RecycleColor& color, float usable) {
   color.Usable = usable;
-  for (RecycleSlot& slot : color.slots)
-    slot.RecAmount = static_cast<float>(static_cast<double>(slot.BQ) * usable * 0.01);
+  for (std::size_t i = 0; i < color.slots->size(); ++i)
+    color.RecAmount[i] = static_cast<float>(static_cast<double>((*color.slots)[i].BQ) * usable * 0.01);
 }
 
 void SortRecycleList(BatchWork& work) {
-  if (work.RecycleList.size() < 2) return;
-  std::vector<Ranked> order = TableOrder(work.RecycleList);
+  std::vector<Ranked> order(work.RecycleList.size());
+  for (std::size_t i = 0; i < order.size(); ++i) order[i] = {0, static_cast<std::uint32_t>(i)};
   Rank(work.RecycleList, order);
   Rearrange(work.RecycleList, order);
 }
@@ -263,23 +269,38 @@ void RecalcRecycleList(BatchWork& work) {
   for (RecycleColor& color : work.RecycleList) CalcPercent(remainder, color);
 }
 
-void AutoRecycle(BatchWork& work) {
+void AutoRecycle(Session& session, BatchWork& work) {
   // The colours stay where they are while their order changes with every one taken: with thousands of them, moving the
-  // records would cost more than the arithmetic.
+  // records would cost more than the arithmetic. Most have no stock; those can only be passed over, so their shares are
+  // brought up to date once, at the end.
   std::vector<RecycleColor>& list = work.RecycleList;
-  std::vector<Ranked> order = TableOrder(list);
+  std::vector<Ranked> order;
+  std::vector<Ranked> outOfStock;
+  for (std::size_t i = 0; i < list.size(); ++i)
+    (list[i].Usable == 0 ? outOfStock : order).push_back({0, static_cast<std::uint32_t>(i)});
   Rank(list, order);
+  bool anyTaken = false;
+  bool walkedThrough = false;
   while (work.Ingredients.size() + work.RecycledColors.size() <= kMostLinesBeforeRecycling) {
     const auto taken = NextToRecycle(work, order);
-    if (taken == order.end()) break;
+    walkedThrough = taken == order.end();
+    if (walkedThrough) break;
+    anyTaken = true;
     RecycleColor& color = list[taken->place];
+    ReadChosenColor(session, work.UMF, color);
     TakeFromIngredients(work, color);
     work.RecycledColors.push_back(std::move(color));
     order.erase(taken);
-    const Remainder left(work.Ingredients);
-    for (const Ranked& ranked : order) CalcPercent(left, list[ranked.place]);
+    CalcPercents(work, order);
     Rank(list, order);
   }
+  if (anyTaken) CalcPercents(work, outOfStock);
+  for (Ranked& ranked : outOfStock) {
+    float& share = list[ranked.place].Recycle_Percent;
+    order.push_back({SortKey(share), ranked.place});
+    if (walkedThrough) share = 0;
+  }
+  SortRanked(order);
   Rearrange(list, order);
 }
 
@@ -293,18 +314,19 @@ void RefitRecycledColors(BatchWork& work) {
     CapRecycleAmount(work, color);
     if (!(color.Usable > 0)) continue;
     TakeFromIngredients(work, color);
-    RecalcRecycleList(work);
     kept.push_back(std::move(color));
   }
   work.RecycledColors = std::move(kept);
+  RecalcRecycleList(work);
 }
 
-bool AddRecycledColor(BatchWork& work, std::string_view name, float amount) {
+bool AddRecycledColor(Session& session, BatchWork& work, std::string_view name, float amount) {
   const auto found = std::ranges::find_if(
       work.RecycleList, [&](const RecycleColor& color) { return EqualNoCase(color.Color_Name, name); });
   if (found == work.RecycleList.end()) return false;
   RecycleColor color = std::move(*found);
   work.RecycleList.erase(found);
+  ReadChosenColor(session, work.UMF, color);
   const double atMost = work.Quantity() * color.Recycle_Percent;
   if (Fixed(atMost, 3) == Fixed(amount, 3)) amount = static_cast<float>(atMost);
   SetUsable(color, amount);
@@ -322,7 +344,7 @@ void CalculateBatch(Session& session, BatchWork& work, bool doRecycle) {
   } else {
     BuildRecycleList(session, work);
   }
-  if (doRecycle) AutoRecycle(work);
+  if (doRecycle) AutoRecycle(session, work);
 }
 
 }  // namespace vellumark

@@ -37,14 +37,14 @@ void RecalcRecycleList(BatchWork& work);
 
 /// Takes colours from RecycleList as far as stock and recipe permit, always the one that can supply the largest share
 /// next, of those whose `Recycle` flag is set.
-void AutoRecycle(BatchWork& work);
+void AutoRecycle(Session& session, BatchWork& work);
 
 /// Fits the colours chosen earlier to the quantity of now; drops those of which nothing can be used.
 void RefitRecycledColors(BatchWork& work);
 
 /// Moves a colour of RecycleList into the Batch, with that amount or what the recipe leaves room for. False when the
 /// list does not hold it.
-bool AddRecycledColor(BatchWork& work, std::string_view name, float amount);
+bool AddRecycledColor(Session& session, BatchWork& work, std::string_view name, float amount);
 
 /// The recipe, then the colours chosen earlier or a new RecycleList, then with `doRecycle` the automatic choice.
 void CalculateBatch(Session& session, BatchWork& work, bool doRecycle);

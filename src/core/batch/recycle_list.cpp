@@ -17,7 +17,7 @@ namespace vellumark {
 namespace {
 
 // Entries of one hopeless prefix that are stepped over before a seek past all of them is the cheaper way.
-constexpr int kStepsBeforeSeek = 8;
+constexpr int kStepsBeforeSeek = 6;
 
 // The smallest text that stands behind every Color_Set beginning with `prefix`: its closing mark raised by one.
 std::string BehindPrefix(std::string_view prefix) {
@@ -30,8 +30,8 @@ std::string BehindPrefix(std::string_view prefix) {
 // its first ingredient that the recipe lacks; so is, by a seek, whatever else begins like it.
 class SetWalk {
  public:
-  SetWalk(Session& session, std::string_view formulaSet, std::vector<std::int64_t>& rows)
-      : names_(SplitColorSet(formulaSet)), rows_(rows), walk_(session.File().Prepare(Sql(session))) {
+  SetWalk(Session& session, std::string_view formulaSet, ContainedFormulas& found)
+      : names_(SplitColorSet(formulaSet)), found_(found), walk_(session.File().Prepare(Sql(session))) {
     for (std::string& name : names_) name = StripPantonePrefix(name);
   }
 
@@ -69,9 +69,11 @@ class SetWalk {
         continue;
       }
       steps = 0;
-      const std::size_t held = HeldPart(set);
+      int items = 0;
+      const std::size_t held = HeldPart(set, items);
       if (held == set.size()) {
-        rows_.push_back(walk_.Whole(0));
+        found_.rows.push_back(walk_.Whole(0));
+        found_.mostItems = std::max(found_.mostItems, items);
         hopeless.clear();
       } else {
         const std::size_t close = set.find('>', held);
@@ -81,7 +83,7 @@ class SetWalk {
   }
 
   // Length of the part, in whole items, that the recipe holds.
-  std::size_t HeldPart(std::string_view set) const {
+  std::size_t HeldPart(std::string_view set, int& items) const {
     std::size_t at = 0;
     while (at < set.size()) {
       const std::size_t close = set.find('>', at);
@@ -90,94 +92,119 @@ class SetWalk {
       if (HasPantonePrefix(name)) name.remove_prefix(kPantonePrefix.size());
       if (std::ranges::none_of(names_, [&](const std::string& n) { return EqualNoCase(n, name); })) break;
       at = close + 1;
+      ++items;
     }
     return at;
   }
 
   std::vector<std::string> names_;
-  std::vector<std::int64_t>& rows_;
+  ContainedFormulas& found_;
   Statement walk_;
 };
 
-// The columns of a candidate, the lots' total last.
-std::string CandidateSql(const Session& session) {
-  std::string slots;
+// Rows are fetched so many at a time.
+constexpr int kRowsAtOnce = 256;
+
+// Candidates with their first `slots` ingredients, in table order.
+std::string CandidatesSql(Session& session, int slots) {
+  std::string columns;
   for (const char* word : {"BC", "BQ"})
-    for (int i = 0; i < schema::kIngredientSlots; ++i) slots += fmt::format("{}{}, ", word, i);
-  const std::string lots = session.InvLotTracking == 0
-                               ? "NULL"
-                               : fmt::format("(SELECT SUM(LotQty) FROM {} WHERE LotCName = m.Color_Name)",
-                                             Quoted(session.Table(schema::MixLotInv)));
+    for (int i = 0; i < slots; ++i) columns += fmt::format("{}{}, ", word, i);
+  const std::string lotTable = Quoted(session.Table(schema::MixLotInv));
+  const bool lots =
+      session.InvLotTracking != 0 && !session.File().Scalar(fmt::format("SELECT 1 FROM {} LIMIT 1", lotTable)).IsNull();
+  std::string wanted = "?";
+  for (int i = 1; i < kRowsAtOnce; ++i) wanted += ",?";
   return fmt::format(
-      "SELECT {}Color_Name, Color_Code, Inventory, Reorder, PurchaseCost, BasicCost, Recycle, Inv_Note, Notes, VOC, "
-      "HAP, BasicVOC, BasicHAP, {} FROM {} m WHERE rowid = ?",
-      slots, lots, Quoted(session.Table(schema::Mix)));
+      "SELECT {}m.rowid, Color_Name, Recycle, Inventory, {} FROM {} m WHERE m.rowid IN ({}) ORDER BY m.rowid", columns,
+      lots ? fmt::format("(SELECT SUM(LotQty) FROM {} WHERE LotCName = m.Color_Name)", lotTable) : "NULL",
+      Quoted(session.Table(schema::Mix)), wanted);
 }
 
-RecycleColor ReadCandidate(const Session& session, const BatchWork& work, const Statement& row) {
-  RecycleColor color;
-  std::array<std::string_view, schema::kIngredientSlots> names;
-  std::size_t used = 0;
-  while (used < names.size()) {
-    names[used] = row.TextView(static_cast<int>(used));
-    if (names[used].empty()) break;
-    ++used;
-  }
-  color.slots.resize(used);
-  for (std::size_t i = 0; i < used; ++i) {
-    RecycleSlot& slot = color.slots[i];
-    slot.BC = names[i];
-    slot.BQ = row.Single(schema::kIngredientSlots + static_cast<int>(i));
+RecycleColor ReadCandidate(const Session& session, const BatchWork& work, const Statement& row, int slots) {
+  int used = 0;
+  while (used < slots && !row.TextView(used).empty()) ++used;
+  std::vector<RecycleSlot> read(static_cast<std::size_t>(used));
+  for (int i = 0; i < used; ++i) {
+    RecycleSlot& slot = read[static_cast<std::size_t>(i)];
+    slot.BC = row.TextView(i);
+    slot.BQ = row.Single(slots + i);
     for (const BatchIngredient& ingredient : work.FormulaIngredients) {
       if (!EqualNoCase(ingredient.IngName, slot.BC)) continue;
       slot.recipeSlot = ingredient.recipeSlot;
       break;
     }
   }
-  int column = 2 * schema::kIngredientSlots;
+  RecycleColor color;
+  color.slots = std::make_shared<const std::vector<RecycleSlot>>(std::move(read));
+  int column = 2 * slots;
+  color.rowId = row.Whole(column++);
   color.Color_Name = row.TextView(column++);
-  color.Color_Code = row.TextView(column++);
-  const float inventory = row.Single(column++);
-  color.Reorder = StockInUnit(session, work.UMF, row.Single(column++), 0);
-  color.PurchaseCost = row.Single(column++);
-  color.BasicCost = row.Single(column++);
   color.Recycle = row.Bool(column++);
-  color.Inv_Note = row.TextView(column++);
-  color.Notes = row.TextView(column++);
-  color.VOC = row.Single(column++);
-  color.HAP = row.Single(column++);
-  color.BasicVOC = row.Single(column++);
-  color.BasicHAP = row.Single(column++);
+  const float inventory = row.Single(column++);
   color.Inventory = StockInUnit(session, work.UMF, inventory, row.Number(column));
   SetUsable(color, color.Inventory);
   return color;
 }
 
+// Fills RecycleList, reading no more than so many slots of a formula; false when one of them has more.
+bool ReadCandidates(Session& session, BatchWork& work, const std::vector<std::int64_t>& rows, int slots) {
+  work.RecycleList.clear();
+  work.RecycleList.reserve(rows.size());
+  Statement candidates = session.File().Prepare(CandidatesSql(session, slots));
+  for (std::size_t first = 0; first < rows.size(); first += kRowsAtOnce) {
+    candidates.Reset();
+    for (std::size_t i = 0; i < kRowsAtOnce; ++i)
+      candidates.Bind(static_cast<int>(i + 1), rows[std::min(first + i, rows.size() - 1)]);
+    while (candidates.Step()) {
+      work.RecycleList.push_back(ReadCandidate(session, work, candidates, slots));
+      const std::size_t used = work.RecycleList.back().slots->size();
+      if (slots < schema::kIngredientSlots && used == static_cast<std::size_t>(slots)) return false;
+    }
+  }
+  return true;
+}
+
 }  // namespace
 
-std::vector<std::int64_t> ContainedFormulas(Session& session, std::string_view formulaSet) {
-  std::vector<std::int64_t> rows;
-  SetWalk(session, formulaSet, rows).Run();
+ContainedFormulas FindContainedFormulas(Session& session, std::string_view formulaSet) {
+  ContainedFormulas found;
+  SetWalk(session, formulaSet, found).Run();
   // A formula without ingredients is contained in any other.
   Statement empty = session.File().Prepare(
       fmt::format("SELECT rowid FROM {0} WHERE Color_Set = '' UNION ALL SELECT rowid FROM {0} WHERE Color_Set IS NULL",
                   Quoted(session.Table(schema::Mix))));
-  while (empty.Step()) rows.push_back(empty.Whole(0));
-  std::ranges::sort(rows);
-  return rows;
+  while (empty.Step()) found.rows.push_back(empty.Whole(0));
+  std::ranges::sort(found.rows);
+  return found;
 }
 
 void BuildRecycleList(Session& session, BatchWork& work) {
-  const std::vector<std::int64_t> rows = ContainedFormulas(session, work.formula.Color_Set);
-  work.RecycleList.clear();
-  work.RecycleList.reserve(rows.size());
-  Statement row = session.File().Prepare(CandidateSql(session));
-  for (const std::int64_t rowId : rows) {
-    row.Reset();
-    if (row.Bind(1, rowId).Step()) work.RecycleList.push_back(ReadCandidate(session, work, row));
-  }
+  const ContainedFormulas found = FindContainedFormulas(session, work.formula.Color_Set);
+  // The set tells how many slots are worth reading, but the slots are what counts.
+  const int slots = std::min(found.mostItems + 1, schema::kIngredientSlots);
+  if (!ReadCandidates(session, work, found.rows, slots))
+    ReadCandidates(session, work, found.rows, schema::kIngredientSlots);
   RecalcRecycleList(work);
   work.FormulaRecycleList = work.RecycleList;
+}
+
+void ReadChosenColor(Session& session, int unit, RecycleColor& color) {
+  Statement row = session.File().Prepare(
+      fmt::format("SELECT Color_Code, Inv_Note, Notes, PurchaseCost, BasicCost, Reorder, VOC, HAP, BasicVOC, BasicHAP "
+                  "FROM {} WHERE rowid = ?",
+                  Quoted(session.Table(schema::Mix))));
+  if (!row.Bind(1, color.rowId).Step()) return;
+  color.Color_Code = row.Text(0);
+  color.Inv_Note = row.Text(1);
+  color.Notes = row.Text(2);
+  color.PurchaseCost = row.Single(3);
+  color.BasicCost = row.Single(4);
+  color.Reorder = StockInUnit(session, unit, row.Single(5), 0);
+  color.VOC = row.Single(6);
+  color.HAP = row.Single(7);
+  color.BasicVOC = row.Single(8);
+  color.BasicHAP = row.Single(9);
 }
 
 void RefreshRecycleList(Session& session, BatchWork& work) {

@@ -14,8 +14,15 @@ namespace vellumark {
 /// included, in table order. Reads the rows that qualify and no others.
 void BuildRecycleList(Session& session, BatchWork& work);
 
-/// Row numbers, in table order, of the formulas whose Color_Set is contained in `formulaSet`.
-std::vector<std::int64_t> ContainedFormulas(Session& session, std::string_view formulaSet);
+/// The formulas whose Color_Set is contained in `formulaSet`.
+struct ContainedFormulas {
+  std::vector<std::int64_t> rows;  ///< row numbers, in table order
+  int mostItems = 0;               ///< of the longest set among them
+};
+ContainedFormulas FindContainedFormulas(Session& session, std::string_view formulaSet);
+
+/// Reads what only a chosen colour needs: code, notes, costs, emissions, reorder point.
+void ReadChosenColor(Session& session, int unit, RecycleColor& color);
 
 /// After a calculation or a change by hand: takes the chosen colours out of RecycleList and brings `Recycle_Percent`
 /// and the order of the rest up to date. Builds the list first when it was never built.

@@ -216,7 +216,9 @@ TEST(Recipe, StockCountsLotsOnlyWhileTheyAreInUseAndComesInTheUnitOfTheBatch) {
     EXPECT_EQ(room.work.Ingredients[0].Reorder, c.basicReorder);
     ASSERT_NE(room.Listed("REST"), nullptr);
     EXPECT_EQ(room.Listed("REST")->Inventory, c.ink);
-    EXPECT_EQ(room.Listed("REST")->Reorder, c.unit == 4 ? 48 : 3);
+    ASSERT_TRUE(RecycleAction(room.session, room.work));
+    ASSERT_EQ(room.work.RecycledColors.size(), 1U);
+    EXPECT_EQ(room.work.RecycledColors[0].Reorder, c.unit == 4 ? 48 : 3);
   }
 }
 
@@ -268,6 +270,20 @@ TEST(Recipe, StockBookedBelowZeroIsNotRecycled) {
   room.Ink("REST", {{"RED", 100}}, -4.0F);
   room.Recycled("TARGET", "10");
   EXPECT_EQ(room.Lines(), (Lines{"Basic RED 5.000", "Basic BLUE 5.000"}));
+}
+
+TEST(Recipe, SlotsCountWhereTheSetIsOutOfStep) {
+  test::BatchRoom room;
+  room.Basics({"RED", "BLUE", "YELLOW"});
+  room.Mix("TARGET", {{"RED", 50}, {"BLUE", 50}});
+  room.Ink("LIAR", {{"RED", 40}, {"BLUE", 30}, {"YELLOW", 30}}, 5);
+  room.Ink("HONEST", {{"BLUE", 100}}, 5);
+  room.session.File().Execute("UPDATE INK_Mix SET Color_Set = '<RED>' WHERE Color_Name = 'LIAR'");
+  room.Recycled("TARGET", "100");
+  EXPECT_EQ(room.Lines(), (Lines{"Mix HONEST 5.000", "Basic RED 50.000", "Basic BLUE 45.000"}));
+  ASSERT_NE(room.Listed("LIAR"), nullptr);
+  EXPECT_EQ(room.Listed("LIAR")->slots->size(), 3U);
+  EXPECT_EQ(room.Listed("LIAR")->Recycle_Percent, 0);
 }
 
 TEST(Recipe, SharesOfLaterColorsReferToWhatRemains) {
