@@ -8,6 +8,7 @@
 #include "core/base/text.h"
 #include "core/datafile/databases.h"
 #include "core/datafile/lifecycle.h"
+#include "core/session/users.h"
 
 namespace vellumark {
 namespace fs = std::filesystem;
@@ -130,13 +131,13 @@ void OpenDataFile(Session& session, OpeningWindows& windows) {
   session.ItemNumber = info.itemNumber;
   session.DataFileOpen = true;
   session.databaseList = info.dbList;
-  const bool users = session.DataFileDB->TableExists(schema::Users.name);
+  const auto logIn = [&] { UsersEnabled(session) ? windows.Login(session) : LogInWithoutUsers(session); };
   if (info.dbList.empty()) {
     MakeFirstDatabase(session);
-    if (users) windows.Login(session);
+    logIn();
     return;
   }
-  if (users) windows.Login(session);
+  logIn();
   const auto current =
       std::ranges::find_if(info.dbList, [&](const std::string& name) { return EqualNoCase(name, info.currentDB); });
   session.CurrentDatabase = current != info.dbList.end() ? *current : info.dbList.front();

@@ -12,8 +12,6 @@ namespace fs = std::filesystem;
 
 namespace {
 
-constexpr std::string_view kDefaultDataFile = "Vellumark Data.vkd";
-
 class OpenFileOfLadder final : public LadderDataFile {
  public:
   explicit OpenFileOfLadder(Session& session) : session_(session) {}

@@ -3,6 +3,7 @@
 #include <filesystem>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "core/settings/ladder.h"
@@ -10,6 +11,9 @@
 #include "core/shell/opening.h"
 
 namespace vellumark {
+
+/// The default Data File, in the program folder.
+inline constexpr std::string_view kDefaultDataFile = "Vellumark Data.vkd";
 
 /// What the start and the end of the program ask of the windows and of the subsystems around the Data File. Each is
 /// called at its place in the order of StartUp and EndSession.

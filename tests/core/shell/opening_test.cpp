@@ -3,14 +3,17 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <filesystem>
 
 #include "core/base/files.h"
 #include "core/datafile/databases.h"
 #include "core/datafile/lifecycle.h"
+#include "core/session/users.h"
 #include "core/settings/settings_keys.h"
 #include "core/settings/support_files.h"
 #include "core/shell/startup.h"
+#include "core/shell/support_renewal.h"
 #include "support/scratch.h"
 
 namespace vellumark {
@@ -66,7 +69,10 @@ class RecordingWindows final : public StartupWindows {
 };
 
 struct Start {
-  Start() { options.folders = {folder / "VKDat", folder / "Program"}; }
+  Start() {
+    options.folders.data = folder / "VKDat";
+    options.folders.program = folder / "Program";
+  }
   void MakeFile(const fs::path& path, int version = kFileVersion, bool withDatabase = true) {
     CreateFile(path);
     const auto file = Database::Open(path, OpenMode::Exclusive);
@@ -114,6 +120,19 @@ TEST(StartOrder, AFileNamedInQuotesIsOpenedAndKeptAsTheDefault) {
   EXPECT_EQ(start.session.DataFileName, path.string());
   EXPECT_EQ(start.windows.calls[2], "printer, UMI 2");
   EXPECT_TRUE(fs::exists(start.options.folders.data / "vk50labeldf.dat"));
+}
+
+TEST(StartOrder, AFileThatCannotBeOpenedIsToldAndTheStartGoesOn) {
+  Start start;
+  const fs::path path = start.folder / "Held.vkd";
+  start.MakeFile(path);
+  const auto held = Database::Open(path, OpenMode::Exclusive);
+  start.options.dataFileArgument = path.string();
+  // The lock is one of processes; the same process sees it too.
+  ASSERT_TRUE(StartUp(start.session, start.options, start.windows));
+  EXPECT_EQ(start.windows.startupMessage, path.string() + "\nis in use by another process.");
+  EXPECT_FALSE(start.session.DataFileOpen);
+  EXPECT_EQ(start.windows.calls.back(), "cloud line");
 }
 
 TEST(StartOrder, ASecondInstanceEndsAtOnce) {
@@ -265,6 +284,74 @@ TEST(Opening, AFailedOpenLeavesTheStateAsItWas) {
   EXPECT_FALSE(start.session.DataFileOpen);
   EXPECT_FALSE(start.session.ArchiveView);
   EXPECT_EQ(start.windows.caption, "");
+}
+
+TEST(Opening, AFileWithUsersLogsInAndOneWithoutGivesEverythingBack) {
+  Start start;
+  start.MakeFile(start.folder / "Plain.vkd");
+  start.MakeFile(start.folder / "Users.vkd");
+  PrepareSupportFiles(start.session, start.options.folders);
+  start.session.DataFileName = (start.folder / "Users.vkd").string();
+  OpenDataFile(start.session, start.windows);
+  start.prompt.Expect("").Expect("User Added");
+  ASSERT_TRUE(CreateUsers(start.session, "BOSS", "X"));
+  ASSERT_TRUE(AddUser(start.session, {"ANNA", "A", false, {}}));
+  CloseDataFile(start.session, start.windows);
+  EXPECT_EQ(std::ranges::count(start.windows.calls, "login"), 0);
+  OpenDataFile(start.session, start.windows);
+  EXPECT_EQ(std::ranges::count(start.windows.calls, "login"), 1);
+  ASSERT_TRUE(LogIn(start.session, "ANNA", "A"));
+  CloseDataFile(start.session, start.windows);
+
+  start.session.DataFileName = (start.folder / "Plain.vkd").string();
+  OpenDataFile(start.session, start.windows);
+  EXPECT_EQ(std::ranges::count(start.windows.calls, "login"), 1);
+  EXPECT_TRUE(start.session.IsAdminUser);
+  EXPECT_EQ(start.session.Perm_Costs, 2);
+  CloseDataFile(start.session, start.windows);
+}
+
+TEST(SupportRenewal, FreshFilesKeepTheDataFileAndRunSetupAndLadder) {
+  Start start;
+  const fs::path path = start.folder / "My Ink.vkd";
+  start.MakeFile(path);
+  start.options.dataFileArgument = path.string();
+  ASSERT_TRUE(StartUp(start.session, start.options, start.windows));
+  Session& session = start.session;
+  SetSupportValue(session, keys::DecimalPlaces, "4");
+  session.support->label.AppendSupportValue("My Layout", "Paper", "1");
+  start.windows.calls.clear();
+  const std::string question =
+      "Create new Vellumark support files ?\nCustomized program settings will have to be re-entered.\nLabel designs "
+      "will have to be re-created.";
+
+  start.prompt.Expect("Create Support Files", Answer::Cancel, question);
+  EXPECT_FALSE(*CreateNewSupportFiles(session, start.windows));
+  EXPECT_TRUE(start.windows.calls.empty());
+  EXPECT_EQ(GetSupportValue(session, keys::DecimalPlaces), "4");
+
+  start.prompt.Expect("Create Support Files", Answer::Ok);
+  EXPECT_TRUE(*CreateNewSupportFiles(session, start.windows));
+  EXPECT_EQ(start.windows.calls, (std::vector<std::string>{"close children", "setup", "printer, UMI 2"}));
+  EXPECT_EQ(GetSupportValue(session, keys::DbFileName50), path.string());
+  EXPECT_EQ(session.DecimalPlaces, 2);
+  EXPECT_EQ(session.UMI, 2);
+  EXPECT_EQ(GetSupportValue(session, keys::StartupVar_FileVersion), "47");
+  EXPECT_TRUE(session.support->scale.Exists());
+  EXPECT_EQ(session.support->label.GetSupportValue("My Layout", "Paper"), "");
+
+  session.CurrentUser = "ANNA";
+  session.Perm_Advanced = 0;
+  EXPECT_EQ(CreateNewSupportFiles(session, start.windows).error().title, "Permission Denied");
+  session.CurrentUser.clear();
+  CloseDataFile(session, start.windows);
+
+  // A file that is gone gives way to the default one.
+  fs::remove(path);
+  start.prompt.Expect("Create Support Files", Answer::Ok);
+  EXPECT_TRUE(*CreateNewSupportFiles(session, start.windows));
+  EXPECT_EQ(GetSupportValue(session, keys::DbFileName50),
+            (start.options.folders.program / "Vellumark Data.vkd").string());
 }
 
 TEST(Folders, ChosenInTheirOrder) {

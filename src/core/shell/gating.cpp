@@ -1,0 +1,270 @@
+#include "core/shell/gating.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <array>
+#include <stdexcept>
+
+#include "core/session/users.h"
+#include "core/settings/support_files.h"
+
+namespace vellumark {
+namespace {
+
+// What the tests of the tables below look at, worked out once for all entries.
+struct State {
+  const Session& session;
+  bool notArchive;
+  bool working;  // record sets are open
+  bool fileOpen;
+  bool logged;
+  bool users;  // the file has users
+  bool scalePort;
+
+  bool Allows(CommandRight right) const { return vellumark::Allows(session, right); }
+};
+
+bool HasScalePort(const Session& session) {
+  return session.support && session.support->scale.Exists() &&
+         !session.support->scale.GetSupportValue("CommPort").empty();
+}
+
+State StateOf(const Session& session) {
+  return {session,
+          !session.ArchiveView,
+          session.RecordsetsOpen,
+          session.DataFileOpen,
+          !session.CurrentUser.empty(),
+          UsersEnabled(session),
+          HasScalePort(session)};
+}
+
+using Test = bool (*)(const State&);
+
+bool Always(const State&) {
+  return true;
+}
+bool NotArchive(const State& s) {
+  return s.notArchive;
+}
+bool FileOpen(const State& s) {
+  return s.fileOpen;
+}
+bool Logged(const State& s) {
+  return s.logged;
+}
+bool IsAdministrator(const State& s) {
+  return s.logged && s.session.IsAdminUser;
+}
+bool IsOtherUser(const State& s) {
+  return s.logged && !s.session.IsAdminUser;
+}
+bool NoUser(const State& s) {
+  return !s.logged;
+}
+template <CommandRight right>
+bool Right(const State& s) {
+  return s.Allows(right);
+}
+template <CommandRight right>
+bool Working(const State& s) {
+  return s.working && s.Allows(right);
+}
+template <CommandRight right>
+bool WorkingWritable(const State& s) {
+  return s.notArchive && Working<right>(s);
+}
+
+struct Entry {
+  std::string_view name;
+  std::string_view parent;
+  std::string_view caption;
+  Test enabled = Always;
+  Test visible = Always;
+  Test checked = nullptr;
+};
+
+constexpr CommandRight BackupRestore = CommandRight::BackupRestore;
+constexpr CommandRight Databases = CommandRight::Databases;
+
+const Entry kEntries[] = {
+    {"MenuVK", "", "Vellumark"},
+    {"menu_AboutVK", "MenuVK", "About"},
+    {"menu_Updates", "MenuVK", "Updates"},
+    {"menuFileExit", "MenuVK", "E&xit"},
+
+    {"MenuDataFile", "", "Data File"},
+    {"menuDFBackup", "MenuDataFile", "Backup", WorkingWritable<BackupRestore>},
+    {"menuDFBackup_Cloud", "menuDFBackup", "To Cloud"},
+    {"menuDFBackup_Location", "menuDFBackup", "To File Location"},
+    {"menuDFRestore", "MenuDataFile", "Restore", WorkingWritable<BackupRestore>},
+    {"menuDFRestore_Cloud", "menuDFRestore", "From Cloud"},
+    {"menuDFRestore_Location", "menuDFRestore", "From File Location"},
+    {"menuDFRestore_AutoBU", "menuDFRestore", "From Automatic Backup"},
+    {"menuDFRepair", "MenuDataFile", "Repair", [](const State& s) { return s.working && s.notArchive; }},
+    {"menuDFExport", "MenuDataFile", "Export", Working<CommandRight::Export>},
+    {"menuDFOptions", "MenuDataFile", "&Options", WorkingWritable<CommandRight::Options>},
+    {"menuDFOptions_Autofill", "menuDFOptions", "Autofill Text", Always, Always,
+     [](const State& s) { return s.session.AutoFillText == 1; }},
+    {"menuDFOptions_Reminders", "menuDFOptions", "Reminders"},
+    {"menuDFOptions_DefaultPrinter", "menuDFOptions", "Default Printer"},
+    {"menuDFOptions_InventorySettings", "menuDFOptions", "Inventory Settings"},
+    {"menuDFOptions_UnitCostAccuracy", "menuDFOptions", "Unit Cost Accuracy"},
+    {"menuDFOptions_NameLength", "menuDFOptions", "Name Length"},
+    {"menuDFAdvanced", "MenuDataFile", "Advanced", Right<CommandRight::Advanced>},
+    {"menuDFAdvanced_FileNew", "menuDFAdvanced", "New Data File"},
+    {"menuDFAdvanced_FileOpen", "menuDFAdvanced", "Open Data File"},
+    {"menuDFAdvanced_Search", "menuDFAdvanced", "Search for Data Files", FileOpen},
+    {"menuDFAdvanced_FileRename", "menuDFAdvanced", "Rename Data File", FileOpen},
+    {"menuDFAdvanced_FileUpgrade", "menuDFAdvanced", "Upgrade Databases",
+     [](const State& s) { return s.notArchive && s.fileOpen && !s.working; }},
+    {"menuDFAdvanced_RestoreSupportFiles", "menuDFAdvanced", "Support Files"},
+    {"menuDFAdvanced_CreateNewSupportFiles", "menuDFAdvanced_RestoreSupportFiles", "Create"},
+    {"menuDFAdvanced_RestoreBU_SupportFiles", "menuDFAdvanced_RestoreSupportFiles", "Restore"},
+    {"menuDFAdvanced_RestoreBU_SupportFiles_Cloud", "menuDFAdvanced_RestoreBU_SupportFiles", "From Cloud"},
+    {"menuDFAdvanced_RestoreBU_SupportFiles_FLoc", "menuDFAdvanced_RestoreBU_SupportFiles", "From File Location"},
+    {"menuDFAdvanced_RestoreBU_SupportFiles_AutoBackup", "menuDFAdvanced_RestoreBU_SupportFiles", "From Auto Backup"},
+    {"menuDFUsers", "MenuDataFile", "Usernames / Passwords", FileOpen},
+    {"menuDFUsers_Create", "menuDFUsers", "Create Users / Passwords", NotArchive, NoUser},
+    {"menuDFUsers_Login", "menuDFUsers", "Log off / Log in as ...", NotArchive, Logged},
+    {"menuDFUsers_Login_As", "menuDFUsers", "Login As ...", NotArchive, Logged},
+    {"menuDFUsers_ChangePassword", "menuDFUsers", "Change Password", NotArchive, IsOtherUser},
+    {"menuDFUsers_Permissions", "menuDFUsers", "View Permissions", NotArchive, Logged},
+    {"menuDFUsers_AdminOptions", "menuDFUsers", "Admin Options", NotArchive, IsAdministrator},
+
+    {"MenuDatabase", "", "Database"},
+    {"menuDB_NewDB", "MenuDatabase", "&New",
+     [](const State& s) { return s.fileOpen && s.notArchive && s.Allows(Databases); }},
+    {"menuDB_RenameDB", "MenuDatabase", "Rename", WorkingWritable<Databases>},
+    {"menuDB_DeleteDB", "MenuDatabase", "&Delete", WorkingWritable<Databases>},
+    {"menuDB_BatchOptions_Cost", "MenuDatabase", "Batch Cost Calculation", WorkingWritable<CommandRight::Costs>},
+    {"menuDB_BatchOptions_VOCHAP", "MenuDatabase", "Batch VOC / HAP Calculation",
+     WorkingWritable<CommandRight::VOCHAP>},
+
+    {"menuCloud", "", "Cloud"},
+    {"menuCloud_About", "menuCloud", "About Service"},
+    {"menuCloud_Settings", "menuCloud", "Settings"},
+    {"menuCloudUser", "menuCloud", "User Utilities"},
+    {"menuCloudUser_Reports", "menuCloudUser", "Manage Reports"},
+    {"menuCloudUser_Backups", "menuCloudUser", "Manage Backups"},
+    {"menuCloudUtilities", "menuCloud", "Admin Utilities"},
+    {"menuCloudUtilities_Reports", "menuCloudUtilities", "Get User Reports"},
+    {"menuCloudUtilities_DataFile", "menuCloudUtilities", "Get User Data File"},
+    {"menuCloudUtilities_Upload", "menuCloudUtilities", "Upload Data File"},
+    {"menuDFDFile", "menuCloudUtilities", "Open Default Data File"},
+
+    {"MenuHelp", "", "&Help"},
+    {"menuHelp_Updates", "MenuHelp", "Updates"},
+    {"menuHelp_Tutorials", "MenuHelp", "Website Tutorial Videos"},
+    {"menuHelp_Barcode", "MenuHelp", "Barcode Scanning"},
+    {"menuHelp_Excel", "MenuHelp", "Open Export File - Excel"},
+    {"menu_Pantone", "MenuHelp", "&Pantone"},
+    {"menu_Pantone_Disclaimer", "menu_Pantone", "Disclaimor"},
+
+    {"menuScale", "", "&Scale", Always, [](const State& s) { return s.scalePort; }},
+    {"menuScale_Setup", "menuScale", "Setup"},
+    {"menuScale_PowerOn", "menuScale", "Power On", [](const State& s) { return s.session.ScalePowered != 1; }},
+    {"menuScale_PowerOff", "menuScale", "Power Off", [](const State& s) { return s.session.ScalePowered == 1; }},
+};
+
+std::string UsersCaption(const Session& session) {
+  return fmt::format("[Username: {}{}]", session.CurrentUser, session.IsAdminUser ? " - ADMINISTRATOR" : "");
+}
+
+MenuItem ItemOf(const Entry& entry, const State& state) {
+  const bool names = entry.name == "menuDFUsers" && state.logged;
+  return {entry.name,           entry.parent,         names ? UsersCaption(state.session) : std::string(entry.caption),
+          entry.enabled(state), entry.visible(state), entry.checked != nullptr && entry.checked(state)};
+}
+
+struct Button {
+  std::string_view key;
+  std::string_view target;
+  Test enabled;
+  Test visible = Always;
+};
+
+bool RecordsetsOpen(const State& s) {
+  return s.working;
+}
+
+const std::array<Button, 10> kButtons{{
+    {"InkEst", "InkEstForm", RecordsetsOpen},
+    {"Color", "ColorsMenu", RecordsetsOpen},
+    {"Batch", "BatchForm", RecordsetsOpen},
+    {"Job", "JobMenu", RecordsetsOpen},
+    {"Inventory", "AdjustInventoryForm", RecordsetsOpen},
+    {"Label", "LabelMenu", RecordsetsOpen},
+    {"Report", "ReportsForm", RecordsetsOpen},
+    {"DBTools", "DBToolsMenu", Working<CommandRight::DBTools>},
+    {"Find", "FindMenu", RecordsetsOpen},
+    {"Users", "LoginForm", FileOpen, [](const State& s) { return s.users; }},
+}};
+
+// A window whose unsaved work a command would disturb. Checked in this order.
+struct Interlock {
+  std::string_view button;
+  std::string_view form;
+  std::string_view title;
+  std::string_view text;
+};
+
+constexpr std::string_view kFormulaTitle = "Master Formula Window - in State of Edit.";
+constexpr std::string_view kBatchTitle = "Batch Window - in State of Edit.";
+constexpr std::string_view kBatchText =
+    "The Batch Window is open with active data.\nChanging data elsewhere can impact this recipe.\n"
+    "Save or Clear the data on the Batch Window.";
+
+constexpr std::array<Interlock, 5> kInterlocks{{
+    {"Batch", "MixColorsForm", kFormulaTitle,
+     "The Master Formula Window is open with active data.\nSave or Clear the data before using the Batch Window."},
+    {"DBTools", "BatchForm", kBatchTitle, kBatchText},
+    {"DBTools", "MixColorsForm", kFormulaTitle,
+     "The Master Formula Window is open with active data.\nSave or Clear the data before using DB Tools."},
+    {"Inventory", "BatchForm", kBatchTitle, kBatchText},
+    {"InkEst", "BatchForm", kBatchTitle, kBatchText},
+}};
+
+}  // namespace
+
+std::vector<MenuItem> MenuItems(const Session& session) {
+  const State state = StateOf(session);
+  std::vector<MenuItem> items;
+  for (const Entry& entry : kEntries) items.push_back(ItemOf(entry, state));
+  return items;
+}
+
+MenuItem MenuItemNow(const Session& session, std::string_view name) {
+  const auto* entry = std::ranges::find(kEntries, name, &Entry::name);
+  if (entry == std::end(kEntries)) throw std::logic_error("no menu item " + std::string(name));
+  return ItemOf(*entry, StateOf(session));
+}
+
+std::vector<ToolbarButton> ToolbarButtons(const Session& session) {
+  const State state = StateOf(session);
+  std::vector<ToolbarButton> buttons;
+  for (const Button& button : kButtons)
+    buttons.push_back({button.key, button.target, button.enabled(state), button.visible(state)});
+  return buttons;
+}
+
+Result<void> CheckToolbarButton(const Session& session, const OpenWindows& windows, std::string_view key) {
+  if (std::ranges::find(kButtons, key, &Button::key) == kButtons.end())
+    throw std::logic_error("no toolbar button " + std::string(key));
+  if (key == "DBTools") {
+    if (auto allowed = RequireCommandRight(session, CommandRight::DBTools); !allowed) return allowed;
+  }
+  for (const Interlock& lock : kInterlocks) {
+    if (lock.button == key && windows.IsFormOpen(lock.form) && windows.IsInEdit(lock.form))
+      return Refuse(std::string(lock.title), std::string(lock.text));
+  }
+  return {};
+}
+
+Result<void> CheckScaleSetup(const Session& session) {
+  if (session.ScalePowered != 1) return {};
+  return Refuse("Power off scale", "Power scale off to use the Setup feature");
+}
+
+}  // namespace vellumark
