@@ -1,0 +1,238 @@
+#include "desktop/kit/form.h"
+
+#include <QGridLayout>
+#include <QHBoxLayout>
+#include <QTabBar>
+#include <QTabWidget>
+
+#include "desktop/kit/look.h"
+
+namespace vellumark::desktop {
+namespace {
+
+QGridLayout* LayOut(QWidget* page, bool margins) {
+  auto* grid = new QGridLayout(page);
+  const int edge = margins ? space::kGroup : 0;
+  grid->setContentsMargins(edge, margins ? space::kGap : space::kGap, edge, margins ? space::kGap : 0);
+  grid->setHorizontalSpacing(space::kGap);
+  grid->setVerticalSpacing(space::kUnit);
+  grid->setColumnStretch(1, 1);
+  return grid;
+}
+
+QString Plain(QString label) {
+  static const QString twice = "&&";
+  const QChar hold(0x1);
+  label.replace(twice, QString(hold)).remove('&');
+  return label.replace(hold, '&').trimmed();
+}
+
+}  // namespace
+
+Form::Form(FormHost& host) : Form(host, &host.Self(), true) {}
+
+Form::Form(FormHost& host, QWidget& part) : Form(host, &part, false) {}
+
+Form::Form(FormHost& host, QWidget* page, bool margins) : host_(&host), grid_(LayOut(page, margins)) {}
+
+int Form::NextRow() const {
+  return grid_->rowCount();
+}
+
+void Form::Heading(const QString& text) {
+  auto* heading = new QLabel(text);
+  heading->setFont(Look::Heading());
+  heading->setProperty("role", "heading");
+  const int row = NextRow();
+  const bool first = grid_->count() == 0;
+  heading->setContentsMargins(0, first ? 0 : space::kGap, 0, 0);
+  grid_->addWidget(heading, row, 0, 1, 2);
+}
+
+QLabel* Form::Row(const QString& label, QWidget* field) {
+  return Row(label, {field});
+}
+
+QLabel* Form::Row(const QString& label, std::initializer_list<QWidget*> fields) {
+  auto* caption = new QLabel(label);
+  caption->setProperty("role", "label");
+  QWidget* first = *fields.begin();
+  caption->setBuddy(first);
+  const int row = NextRow();
+  const bool tall =
+      qobject_cast<QPlainTextEdit*>(first) != nullptr || qobject_cast<QAbstractItemView*>(first) != nullptr;
+  auto* radio = qobject_cast<RadioField*>(first);
+  if (tall || radio != nullptr) {
+    caption->setContentsMargins(0, radio != nullptr ? 3 : space::kUnit, 0, 0);
+    grid_->addWidget(caption, row, 0, Qt::AlignTop | Qt::AlignLeft);
+    if (tall) grid_->setRowStretch(row, 1);
+  } else {
+    grid_->addWidget(caption, row, 0, Qt::AlignVCenter | Qt::AlignLeft);
+  }
+  grid_->addWidget(Side(fields), row, 1);
+  for (QWidget* field : fields) {
+    if (field->accessibleName().isEmpty() && qobject_cast<QLabel*>(field) == nullptr) {
+      field->setAccessibleName(Plain(label));
+    }
+  }
+  return caption;
+}
+
+void Form::Row(std::initializer_list<QWidget*> fields) {
+  grid_->addWidget(Side(fields), NextRow(), 1);
+}
+
+QWidget* Form::Side(std::initializer_list<QWidget*> widgets) {
+  auto* box = new QWidget;
+  auto* layout = new QHBoxLayout(box);
+  layout->setContentsMargins(0, 0, 0, 0);
+  layout->setSpacing(space::kUnit);
+  bool fills = false;
+  for (QWidget* widget : widgets) {
+    const bool wide =
+        widget->maximumWidth() == QWIDGETSIZE_MAX && (widget->sizePolicy().expandingDirections() & Qt::Horizontal) != 0;
+    layout->addWidget(widget, wide ? 1 : 0);
+    fills = fills || wide;
+  }
+  if (!fills) layout->addStretch(1);
+  return box;
+}
+
+void Form::Wide(QWidget* widget, int stretch) {
+  const int row = NextRow();
+  grid_->addWidget(widget, row, 0, 1, 2);
+  if (stretch > 0) grid_->setRowStretch(row, stretch);
+}
+
+void Form::Space() {
+  grid_->addItem(new QSpacerItem(0, space::kUnit), NextRow(), 0);
+}
+
+void Form::Stretch() {
+  const int row = NextRow();
+  grid_->addItem(new QSpacerItem(0, 0, QSizePolicy::Minimum, QSizePolicy::Expanding), row, 0);
+  grid_->setRowStretch(row, 1);
+}
+
+std::vector<Form> Form::Columns(int count) {
+  auto* box = new QWidget;
+  auto* layout = new QHBoxLayout(box);
+  layout->setContentsMargins(0, 0, 0, 0);
+  layout->setSpacing(2 * space::kGroup);
+  std::vector<Form> forms;
+  for (int i = 0; i < count; ++i) {
+    auto* column = new QWidget;
+    Form form(*host_, column, false);
+    form.grid_->setContentsMargins(0, 0, 0, 0);
+    layout->addWidget(column, 1, Qt::AlignTop);
+    forms.push_back(form);
+  }
+  Wide(box);
+  return forms;
+}
+
+TabSet Form::Tabs(const QString& name) {
+  auto* tabs = new QTabWidget;
+  tabs->setObjectName(name);
+  tabs->setDocumentMode(true);
+  tabs->tabBar()->setDrawBase(false);
+  Wide(tabs, 1);
+  return {*host_, tabs};
+}
+
+Form TabSet::Page(const QString& title, const QString& name) {
+  auto* page = new QWidget;
+  page->setObjectName(name);
+  tabs_->addTab(page, title);
+  return {*host_, page, false};
+}
+
+void Form::Buttons(std::initializer_list<QPushButton*> buttons) {
+  ButtonsWithoutDefault(buttons);
+  host_->SetDefaultButton(*buttons.begin());
+}
+
+void Form::ButtonsWithoutDefault(std::initializer_list<QPushButton*> buttons) {
+  auto* box = new QWidget;
+  auto* layout = new QHBoxLayout(box);
+  layout->setContentsMargins(0, space::kGap, 0, 0);
+  layout->setSpacing(space::kUnit);
+  layout->addStretch(1);
+  for (QPushButton* button : buttons) layout->addWidget(button);
+  Wide(box);
+}
+
+TextField* Form::Text(const QString& name, TextRule rule) {
+  return Add(new TextField(name, rule));
+}
+
+TextField* Form::Password(const QString& name, int maxLength) {
+  auto* field = Text(name, TextRule::Any(maxLength));
+  field->setEchoMode(QLineEdit::Password);
+  return field;
+}
+
+NumberField* Form::Number(const QString& name, int decimals, const QString& range, int chars) {
+  auto* field = new NumberField(name, decimals, chars);
+  if (!range.isEmpty()) {
+    field->setToolTip(range);
+    field->setAccessibleDescription(range);
+  }
+  return Add(field);
+}
+
+CheckField* Form::Check(const QString& name, const QString& text) {
+  return Add(new CheckField(name, text));
+}
+
+RadioField* Form::Radio(const QString& name, const std::vector<RadioField::Option>& options,
+                        Qt::Orientation direction) {
+  return Add(new RadioField(name, options, direction));
+}
+
+ComboField* Form::Combo(const QString& name, const QStringList& items) {
+  return Add(new ComboField(name, items));
+}
+
+CheckListField* Form::CheckList(const QString& name) {
+  return Add(new CheckListField(name));
+}
+
+NoteField* Form::Note(const QString& name, int lines) {
+  return Add(new NoteField(name, lines));
+}
+
+DateField* Form::Date(const QString& name) {
+  return Add(new DateField(name));
+}
+
+ValueField* Form::Value(const QString& name, double scale) {
+  return new ValueField(name, scale);
+}
+
+QLabel* Form::Label(const QString& name, const QString& text) {
+  auto* label = new QLabel(text);
+  label->setObjectName(name);
+  return label;
+}
+
+QLabel* Form::Hint(const QString& text, const QString& name) {
+  QLabel* label = Label(name, text);
+  label->setProperty("role", "hint");
+  return label;
+}
+
+CommandButton* Form::Button(const QString& name, const QString& text, const QKeySequence& key,
+                            std::function<void()> click) {
+  auto* button = new CommandButton(name, text, key);
+  host_->AdoptButton(*button, std::move(click));
+  return button;
+}
+
+CommandButton* Form::Link(const QString& name, const QString& text, std::function<void()> click) {
+  CommandButton* button = Button(name, text, {}, std::move(click));
+  button->setProperty("link", true);
+  return button;
+}
+
+}  // namespace vellumark::desktop

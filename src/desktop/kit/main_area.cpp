@@ -1,0 +1,96 @@
+#include "desktop/kit/main_area.h"
+
+#include <QApplication>
+#include <QTabBar>
+
+#include "desktop/kit/window.h"
+
+namespace vellumark::desktop {
+
+MainArea::MainArea(QWidget* frame) : QMdiArea(frame), frame_(frame) {
+  setObjectName("MainArea");
+  setActivationOrder(QMdiArea::ActivationHistoryOrder);
+  setHorizontalScrollBarPolicy(Qt::ScrollBarAsNeeded);
+  setVerticalScrollBarPolicy(Qt::ScrollBarAsNeeded);
+  ShowAsTabs();
+  connect(this, &QMdiArea::subWindowActivated, this, [this] { Q_EMIT ActiveChanged(); });
+}
+
+MainArea::~MainArea() = default;
+
+void MainArea::Add(Window& window) {
+  if (window.IsFloating()) {
+    window.setParent(frame_, Qt::Tool);
+    window.show();
+    window.activateWindow();
+    return;
+  }
+  auto* sub = new QMdiSubWindow;
+  sub->setAttribute(Qt::WA_DeleteOnClose);
+  sub->setWidget(&window);
+  sub->setWindowIcon(window.windowIcon());
+  addSubWindow(sub);
+  if (viewMode() == QMdiArea::TabbedView) {
+    sub->showMaximized();
+  } else {
+    sub->show();
+  }
+  setActiveSubWindow(sub);
+}
+
+void MainArea::BringForward(Window& window) {
+  if (QMdiSubWindow* sub = SubWindowOf(window)) {
+    setActiveSubWindow(sub);
+    if (viewMode() != QMdiArea::TabbedView && sub->isMinimized()) sub->showNormal();
+    return;
+  }
+  window.raise();
+  window.activateWindow();
+}
+
+void MainArea::Remove(Window& window) {
+  QMdiSubWindow* sub = SubWindowOf(window);
+  if (sub == nullptr) return;
+  // The frame of the window goes with it, whoever closed which of the two.
+  sub->setWidget(nullptr);
+  window.setParent(nullptr);
+  removeSubWindow(sub);
+  sub->deleteLater();
+}
+
+Window* MainArea::Active() const {
+  for (QWidget* widget = QApplication::focusWidget(); widget != nullptr; widget = widget->parentWidget()) {
+    auto* window = qobject_cast<Window*>(widget);
+    if (window != nullptr && window->IsFloating()) return window;
+  }
+  const QMdiSubWindow* sub = activeSubWindow();
+  return sub == nullptr ? nullptr : qobject_cast<Window*>(sub->widget());
+}
+
+void MainArea::ShowAsTabs() {
+  setViewMode(QMdiArea::TabbedView);
+  setTabsClosable(true);
+  setTabsMovable(true);
+  setDocumentMode(true);
+  for (auto* bar : findChildren<QTabBar*>()) bar->setExpanding(false);
+}
+
+void MainArea::ShowFree() {
+  setViewMode(QMdiArea::SubWindowView);
+}
+
+void MainArea::Tile() {
+  ShowFree();
+  tileSubWindows();
+}
+
+void MainArea::Cascade() {
+  ShowFree();
+  cascadeSubWindows();
+}
+
+QMdiSubWindow* MainArea::SubWindowOf(const Window& window) const {
+  return qobject_cast<QMdiSubWindow*>(window.parentWidget());
+}
+
+}  // namespace vellumark::desktop

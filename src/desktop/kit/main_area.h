@@ -1,0 +1,39 @@
+#pragma once
+
+#include <QMdiArea>
+#include <QMdiSubWindow>
+
+#include "desktop/kit/window_list.h"
+
+namespace vellumark::desktop {
+
+/// The middle of the main window: child windows as tabs, which the operator may also see as free windows, tiled or in a
+/// cascade. Floating windows stand over it.
+class MainArea : public QMdiArea, public WindowPlace {
+  Q_OBJECT
+
+ public:
+  explicit MainArea(QWidget* frame);
+  ~MainArea() override;
+
+  void Add(Window& window) override;
+  void BringForward(Window& window) override;
+  void Remove(Window& window) override;
+  Window* Active() const override;
+  QWidget* Frame() override { return frame_; }
+
+  void ShowAsTabs();
+  void ShowFree();
+  void Tile();
+  void Cascade();
+
+ Q_SIGNALS:
+  /// Another child window has the focus, or none.
+  void ActiveChanged();
+
+ private:
+  QMdiSubWindow* SubWindowOf(const Window& window) const;
+  QWidget* frame_;
+};
+
+}  // namespace vellumark::desktop

@@ -1,0 +1,182 @@
+#include "desktop/kit/message_prompt.h"
+
+#include <QApplication>
+#include <QClipboard>
+#include <QDialogButtonBox>
+#include <QKeyEvent>
+#include <QLabel>
+#include <QPushButton>
+#include <QScreen>
+#include <QScrollArea>
+#include <QVBoxLayout>
+#include <algorithm>
+#include <utility>
+#include <vector>
+
+#include "desktop/kit/icons.h"
+#include "desktop/kit/look.h"
+#include "desktop/kit/text.h"
+
+namespace vellumark::desktop {
+namespace {
+
+constexpr int kIconSize = 32;
+constexpr int kLeastTextWidth = 280;
+constexpr int kWidestText = 640;
+
+struct Choice {
+  Answer answer;
+  QDialogButtonBox::StandardButton button;
+  const char* text;
+  const char* name;
+};
+
+std::vector<Choice> ChoicesOf(Buttons buttons) {
+  const Choice ok{Answer::Ok, QDialogButtonBox::Ok, QT_TRANSLATE_NOOP("MessageDialog", "OK"), "cmdOK"};
+  const Choice cancel{Answer::Cancel, QDialogButtonBox::Cancel, QT_TRANSLATE_NOOP("MessageDialog", "Cancel"),
+                      "cmdCancel"};
+  const Choice yes{Answer::Yes, QDialogButtonBox::Yes, QT_TRANSLATE_NOOP("MessageDialog", "&Yes"), "cmdYes"};
+  const Choice no{Answer::No, QDialogButtonBox::No, QT_TRANSLATE_NOOP("MessageDialog", "&No"), "cmdNo"};
+  switch (buttons) {
+    case Buttons::Ok:
+      return {ok};
+    case Buttons::OkCancel:
+      return {ok, cancel};
+    case Buttons::YesNo:
+      return {yes, no};
+    case Buttons::YesNoCancel:
+      return {yes, no, cancel};
+  }
+  return {ok};
+}
+
+// The answer of Escape and of the window's close button.
+Answer Declined(Buttons buttons) {
+  switch (buttons) {
+    case Buttons::Ok:
+      return Answer::Ok;
+    case Buttons::YesNo:
+      return Answer::No;
+    case Buttons::OkCancel:
+    case Buttons::YesNoCancel:
+      return Answer::Cancel;
+  }
+  return Answer::Cancel;
+}
+
+QString IconName(vellumark::Icon icon) {
+  switch (icon) {
+    case Icon::None:
+      return {};
+    case Icon::Information:
+      return "information";
+    case Icon::Question:
+      return "question";
+    case Icon::Exclamation:
+      return "warning";
+    case Icon::Critical:
+      return "critical";
+  }
+  return {};
+}
+
+}  // namespace
+
+MessageDialog::MessageDialog(const Message& message, QWidget* owner)
+    : QDialog(owner), message_(message), chosen_(Declined(message.buttons)) {
+  setObjectName("MessageDialog");
+  setWindowTitle(Q(message.title));
+  setModal(true);
+
+  auto* text = new QLabel(Q(message.text));
+  text->setObjectName("lblMessage");
+  text->setTextFormat(Qt::PlainText);
+  text->setTextInteractionFlags(Qt::TextSelectableByMouse);
+  text->setAlignment(Qt::AlignLeft | Qt::AlignTop);
+  // Lines stand as they were written where they fit.
+  if (text->sizeHint().width() > kWidestText) {
+    text->setWordWrap(true);
+    text->setFixedWidth(kWidestText);
+  } else {
+    text->ensurePolished();
+    text->setMinimumWidth(std::max(kLeastTextWidth, text->sizeHint().width() + space::kGap));
+  }
+  const int height = text->wordWrap() ? text->heightForWidth(kWidestText) : text->sizeHint().height();
+
+  auto* row = new QHBoxLayout;
+  row->setSpacing(space::kGap);
+  if (const QString icon = IconName(message.icon); !icon.isEmpty()) {
+    auto* picture = new QLabel;
+    picture->setPixmap(Icon(icon).pixmap(QSize(kIconSize, kIconSize), devicePixelRatioF()));
+    row->addWidget(picture, 0, Qt::AlignTop);
+  }
+  const QScreen* screen = owner != nullptr ? owner->screen() : QApplication::primaryScreen();
+  const int tallest = screen->availableSize().height() / 2;
+  if (height > tallest) {
+    auto* area = new QScrollArea;
+    area->setWidget(text);
+    area->setWidgetResizable(true);
+    area->setMinimumSize(text->sizeHint().width() + space::kGroup, tallest);
+    row->addWidget(area, 1);
+  } else {
+    row->addWidget(text, 1);
+  }
+
+  auto* layout = new QVBoxLayout(this);
+  layout->setContentsMargins(space::kGroup, space::kGroup, space::kGroup, space::kGap);
+  layout->setSpacing(space::kGroup);
+  layout->addLayout(row, 1);
+  AddButtons();
+}
+
+void MessageDialog::AddButtons() {
+  auto* box = new QDialogButtonBox;
+  for (const Choice& choice : ChoicesOf(message_.buttons)) {
+    QPushButton* button = box->addButton(choice.button);
+    button->setText(QCoreApplication::translate("MessageDialog", choice.text));
+    button->setIcon({});
+    button->setObjectName(choice.name);
+    connect(button, &QPushButton::clicked, this, [this, answer = choice.answer] { Choose(answer); });
+    const bool standard = choice.answer == message_.defaultAnswer || message_.buttons == Buttons::Ok;
+    button->setAutoDefault(standard);
+    button->setProperty("primary", standard);
+    if (standard) {
+      button->setDefault(true);
+      button->setFocus();
+    }
+  }
+  layout()->addWidget(box);
+}
+
+void MessageDialog::Choose(Answer answer) {
+  chosen_ = answer;
+  done(Accepted);
+}
+
+void MessageDialog::reject() {
+  Choose(Declined(message_.buttons));
+}
+
+void MessageDialog::keyPressEvent(QKeyEvent* event) {
+  if (event->matches(QKeySequence::Copy)) {
+    QApplication::clipboard()->setText(windowTitle() + "\n\n" + Q(message_.text));
+    return;
+  }
+  const bool yesNo = message_.buttons == Buttons::YesNo || message_.buttons == Buttons::YesNoCancel;
+  if (yesNo && (event->modifiers() & ~Qt::ShiftModifier) == 0) {
+    if (event->key() == Qt::Key_Y) return Choose(Answer::Yes);
+    if (event->key() == Qt::Key_N) return Choose(Answer::No);
+  }
+  QDialog::keyPressEvent(event);
+}
+
+Answer MessagePrompt::Show(const Message& message) {
+  if (hook_) {
+    if (const auto answer = hook_(message)) return *answer;
+  }
+  MessageDialog dialog(message, QApplication::activeWindow());
+  dialog.exec();
+  return dialog.Chosen();
+}
+
+}  // namespace vellumark::desktop

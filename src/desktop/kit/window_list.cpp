@@ -1,0 +1,155 @@
+#include "desktop/kit/window_list.h"
+
+#include <QApplication>
+#include <algorithm>
+#include <stdexcept>
+#include <utility>
+
+#include "desktop/kit/wait_progress.h"
+#include "desktop/kit/window.h"
+
+namespace vellumark::desktop {
+
+WindowList::WindowList(Session& openSession, WaitProgress* wait) : session(openSession), wait_(wait) {
+  deliver_.setSingleShot(true);
+  deliver_.setInterval(0);
+  connect(&deliver_, &QTimer::timeout, this, &WindowList::DeliverChanges);
+  if (wait_ != nullptr) {
+    wait_->OnIdle([this] {
+      if (!pending_.empty()) deliver_.start();
+    });
+  }
+  subscription_ = session.changes.Subscribe([this](const std::vector<Change>& changes) {
+    for (const Change& change : changes) {
+      if (std::ranges::find(pending_, change) == pending_.end()) pending_.push_back(change);
+    }
+    deliver_.start();
+  });
+}
+
+WindowList::~WindowList() {
+  // Whoever is still open goes without being asked, and finds the list as it was.
+  while (!open_.empty()) delete open_.back();
+  if (wait_ != nullptr) wait_->OnIdle({});
+}
+
+void WindowList::Register(const std::string& name, WindowFactory factory) {
+  if (!factories_.emplace(name, std::move(factory)).second) throw std::logic_error("window registered twice: " + name);
+}
+
+void WindowList::RegisterDialog(const std::string& name, DialogFactory factory) {
+  if (!dialogFactories_.emplace(name, std::move(factory)).second) {
+    throw std::logic_error("dialog registered twice: " + name);
+  }
+}
+
+bool WindowList::Knows(const std::string& name) const {
+  return factories_.contains(name) || dialogFactories_.contains(name);
+}
+
+Window* WindowList::Form(std::string_view name) const {
+  const auto found = std::ranges::find_if(open_, [&](const Window* window) { return window->Name() == name; });
+  return found == open_.end() ? nullptr : *found;
+}
+
+Window* WindowList::OpenForm(const std::string& name, const Arguments& arguments) {
+  Window* window = Form(name);
+  if (window == nullptr) {
+    const auto factory = factories_.find(name);
+    if (factory == factories_.end()) throw std::logic_error("there is no window " + name);
+    window = factory->second(*this);
+    if (window->Name() != name) throw std::logic_error("window " + name + " calls itself " + window->Name());
+    open_.push_back(window);
+    hosts_.push_back({window, window});
+    if (place_ != nullptr) {
+      place_->Add(*window);
+    } else {
+      window->show();
+      window->activateWindow();
+    }
+    Q_EMIT OpenFormsChanged();
+  } else if (place_ != nullptr) {
+    place_->BringForward(*window);
+  } else {
+    window->raise();
+    window->activateWindow();
+  }
+  const QPointer<Window> stillThere = window;
+  window->OnOpen(arguments);
+  return stillThere;
+}
+
+std::optional<Arguments> WindowList::RunDialog(const std::string& name, const Arguments& arguments) {
+  const auto factory = dialogFactories_.find(name);
+  if (factory == dialogFactories_.end()) throw std::logic_error("there is no dialog " + name);
+  QWidget* owner = QApplication::activeWindow();
+  const std::unique_ptr<Dialog> dialog(factory->second(*this, owner != nullptr ? owner : Frame()));
+  dialog->OnOpen(arguments);
+  if (dialog->exec() != QDialog::Accepted) return std::nullopt;
+  return dialog->result;
+}
+
+bool WindowList::IsInEdit(std::string_view name) const {
+  const Window* window = Form(name);
+  return window != nullptr && window->InEdit();
+}
+
+bool WindowList::CloseChildWindows(const std::vector<std::string>& except) {
+  const std::vector<Window*> all = open_;
+  for (auto it = all.rbegin(); it != all.rend(); ++it) {
+    // Closing one window may have closed another.
+    if (std::ranges::find(open_, *it) == open_.end()) continue;
+    if (std::ranges::find(except, (*it)->Name()) != except.end()) continue;
+    if (!(*it)->Leave()) return false;
+  }
+  return true;
+}
+
+bool WindowList::CloseForm(std::string_view name) {
+  Window* window = Form(name);
+  return window == nullptr || window->Leave();
+}
+
+Window* WindowList::ActiveForm() const {
+  if (place_ != nullptr) return place_->Active();
+  for (QWidget* widget = QApplication::activeWindow(); widget != nullptr; widget = widget->parentWidget()) {
+    auto* window = qobject_cast<Window*>(widget);
+    if (window != nullptr && std::ranges::find(open_, window) != open_.end()) return window;
+  }
+  return nullptr;
+}
+
+std::vector<Window*> WindowList::OpenForms() const {
+  return open_;
+}
+
+void WindowList::DeliverChanges() {
+  if (wait_ != nullptr && wait_->IsBusy()) return;
+  const std::vector<Change> changes = std::exchange(pending_, {});
+  if (changes.empty()) return;
+  const std::vector<Open> hosts = hosts_;
+  for (const Open& open : hosts) {
+    if (open.object != nullptr) open.host->OnChanges(changes);
+  }
+}
+
+void WindowList::Join(Dialog& dialog) {
+  hosts_.push_back({&dialog, &dialog});
+}
+
+void WindowList::Forget(Window& window) {
+  if (std::erase(open_, &window) == 0) return;
+  Leave(window);
+  if (place_ != nullptr) place_->Remove(window);
+  Q_EMIT OpenFormsChanged();
+}
+
+void WindowList::Forget(Dialog& dialog) {
+  Leave(dialog);
+}
+
+void WindowList::Leave(QObject& object) {
+  std::erase_if(hosts_, [&](const Open& open) { return open.object == &object; });
+}
+
+}  // namespace vellumark::desktop

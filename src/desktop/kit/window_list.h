@@ -1,0 +1,116 @@
+#pragma once
+
+#include <QObject>
+#include <QPointer>
+#include <QTimer>
+#include <functional>
+#include <map>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "core/base/changes.h"
+#include "core/session/session.h"
+#include "desktop/kit/arguments.h"
+
+namespace vellumark::desktop {
+
+class Dialog;
+class FormHost;
+class WaitProgress;
+class Window;
+
+/// Where child windows are shown; the main window has one (MainArea of main_area.h is the ordinary kind).
+class WindowPlace {
+ public:
+  virtual ~WindowPlace() = default;
+  virtual void Add(Window& window) = 0;
+  virtual void BringForward(Window& window) = 0;
+  /// The window is closing; it deletes itself.
+  virtual void Remove(Window& window) = 0;
+  virtual Window* Active() const = 0;
+  /// Owner of dialogs.
+  virtual QWidget* Frame() = 0;
+};
+
+/// The shell's list of windows: opens them by name, one of each kind, closes them, and tells them of changes. No window
+/// includes another's header; it asks here.
+class WindowList : public QObject {
+  Q_OBJECT
+
+ public:
+  /// `wait` shows long work; without one (a test's session) work shows nothing.
+  explicit WindowList(Session& openSession, WaitProgress* wait = nullptr);
+  ~WindowList() override;
+
+  Session& session;
+
+  /// Without a place, windows stand alone on the screen.
+  void SetPlace(WindowPlace* place) { place_ = place; }
+  QWidget* Frame() const { return place_ == nullptr ? nullptr : place_->Frame(); }
+  WaitProgress* Wait() const { return wait_; }
+
+  using WindowFactory = std::function<Window*(WindowList&)>;
+  using DialogFactory = std::function<Dialog*(WindowList&, QWidget* owner)>;
+  void Register(const std::string& name, WindowFactory factory);
+  void RegisterDialog(const std::string& name, DialogFactory factory);
+  template <class W>
+  void Register(const std::string& name) {
+    Register(name, [](WindowList& list) -> Window* { return new W(list); });
+  }
+  template <class D>
+  void RegisterDialog(const std::string& name) {
+    RegisterDialog(name, [](WindowList& list, QWidget* owner) -> Dialog* { return new D(list, owner); });
+  }
+  /// True when a window or a dialog of that name can be opened.
+  bool Knows(const std::string& name) const;
+
+  bool IsFormOpen(std::string_view name) const { return Form(name) != nullptr; }
+  /// The open window of that name, or null.
+  Window* Form(std::string_view name) const;
+  /// Opens it, or brings it forward when it is open, and passes the arguments on. A name that nobody registered is the
+  /// caller's mistake: std::logic_error.
+  Window* OpenForm(const std::string& name, const Arguments& arguments = {});
+  /// Runs a dialog until it closes; its result, or nothing when it was cancelled.
+  std::optional<Arguments> RunDialog(const std::string& name, const Arguments& arguments = {});
+  /// True when it is open and has unsaved work.
+  bool IsInEdit(std::string_view name) const;
+
+  /// Asks and closes from the last opened to the first. False, and the rest stays, when a window declines.
+  bool CloseChildWindows(const std::vector<std::string>& except = {});
+  bool CloseForm(std::string_view name);
+  Window* ActiveForm() const;
+  std::vector<Window*> OpenForms() const;
+
+  /// Changes are told when the event loop is reached and no work is going on; this tells them now.
+  void DeliverChanges();
+
+  // For windows.
+  void Join(Dialog& dialog);
+  void Forget(Window& window);
+  void Forget(Dialog& dialog);
+
+ Q_SIGNALS:
+  void OpenFormsChanged();
+
+ private:
+  struct Open {
+    QPointer<QObject> object;
+    FormHost* host;
+  };
+  void Leave(QObject& object);
+
+  WaitProgress* wait_;
+  WindowPlace* place_ = nullptr;
+  std::map<std::string, WindowFactory> factories_;
+  std::map<std::string, DialogFactory> dialogFactories_;
+  std::vector<Window*> open_;
+  std::vector<Open> hosts_;
+  std::vector<Change> pending_;
+  QTimer deliver_;
+  Changes::Subscription subscription_;
+};
+
+}  // namespace vellumark::desktop

@@ -1,0 +1,48 @@
+// The Vellumark: the desktop program.
+
+#include <QCommandLineParser>
+#include <QCoreApplication>
+
+#include "core/shell/startup.h"
+#include "desktop/datafile/register.h"
+#include "desktop/kit/application.h"
+#include "desktop/kit/message_prompt.h"
+#include "desktop/kit/text.h"
+#include "desktop/kit/wait_progress.h"
+#include "desktop/kit/window_list.h"
+#include "desktop/session/register.h"
+#include "desktop/settings/register.h"
+#include "desktop/shell/program.h"
+
+int main(int argc, char** argv) {
+  vellumark::desktop::Application application(argc, argv);
+  QCoreApplication::setApplicationName("vellumark");
+  QCoreApplication::setApplicationVersion(VELLUMARK_VERSION);
+  QGuiApplication::setDesktopFileName("vellumark");
+
+  QCommandLineParser parser;
+  parser.setApplicationDescription(QCoreApplication::translate("main", "Production manager for the ink room"));
+  parser.addHelpOption();
+  parser.addVersionOption();
+  parser.addPositionalArgument("file", QCoreApplication::translate("main", "The Data File to open"), "[file]");
+  parser.process(application);
+  const QStringList files = parser.positionalArguments();
+
+  vellumark::SystemClock clock;
+  vellumark::desktop::MessagePrompt prompt;
+  vellumark::desktop::WaitProgress progress;
+  application.OnFailure(
+      [&](const std::string& title, const std::string& text) { prompt.Tell(title, text, vellumark::Icon::Critical); });
+  vellumark::Session session(prompt, progress, clock);
+  vellumark::desktop::WindowList windows(session, &progress);
+  vellumark::desktop::RegisterSessionWindows(windows);
+  vellumark::desktop::RegisterDatafileWindows(windows);
+  vellumark::desktop::RegisterSettingsWindows(windows);
+
+  vellumark::desktop::Program program(windows);
+  vellumark::StartOptions options;
+  options.folders = vellumark::ResolveFolders(vellumark::FolderSources::OfThisProcess({}));
+  options.dataFileArgument = files.isEmpty() ? std::string() : vellumark::desktop::U8(files.front());
+  if (!program.Start(options)) return program.ExitStatus();
+  return QCoreApplication::exec();
+}

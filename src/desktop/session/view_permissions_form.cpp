@@ -1,0 +1,21 @@
+#include "desktop/session/view_permissions_form.h"
+
+#include "desktop/session/rights_panel.h"
+
+namespace vellumark::desktop {
+
+ViewPermissionsForm::ViewPermissionsForm(WindowList& windowList, QWidget* owner)
+    : Dialog(windowList, owner, "ViewPermissionsForm", tr("View Permissions")) {
+  Form form(*this);
+  ValueField* username = form.Value("lblUsername", 1);
+  username->SetText(session.CurrentUser);
+  form.Row(tr("Username"), username);
+  auto* rights = new RightsPanel(*this);
+  rights->SetRights(RightsInForce(session));
+  rights->setEnabled(false);
+  form.Wide(rights);
+  form.Stretch();
+  form.Buttons({form.Button("cmdClose", tr("Close"))});
+}
+
+}  // namespace vellumark::desktop

@@ -1,0 +1,21 @@
+#pragma once
+
+#include "desktop/kit/window.h"
+
+namespace vellumark::desktop {
+
+/// What this program is, what it has open, and whose work it stands on.
+class AboutForm : public Dialog {
+  Q_OBJECT
+
+ public:
+  AboutForm(WindowList& windowList, QWidget* owner);
+
+ public Q_SLOTS:
+  void cmdClose_Click() { accept(); }
+
+ protected:
+  void paintEvent(QPaintEvent* event) override;
+};
+
+}  // namespace vellumark::desktop

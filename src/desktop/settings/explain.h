@@ -1,0 +1,12 @@
+#pragma once
+
+#include "desktop/kit/form.h"
+
+namespace vellumark::desktop {
+
+/// Quiet text of several lines that says what a choice means.
+QLabel* Explain(Form& form, const QString& text, const QString& name = {});
+/// The names of the units of weight, in the order of their codes.
+QStringList UnitNames();
+
+}  // namespace vellumark::desktop

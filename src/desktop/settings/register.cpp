@@ -1,0 +1,32 @@
+#include "desktop/settings/register.h"
+
+#include "desktop/kit/window_list.h"
+#include "desktop/settings/about_form.h"
+#include "desktop/settings/autofill_form.h"
+#include "desktop/settings/default_printer.h"
+#include "desktop/settings/new_setup_form.h"
+#include "desktop/settings/option_max_name_len.h"
+#include "desktop/settings/product_splash_form.h"
+#include "desktop/settings/reminders_form.h"
+#include "desktop/settings/um_setting_form.h"
+#include "desktop/settings/unit_cost_accuracy_form.h"
+
+namespace vellumark::desktop {
+
+void RegisterSettingsWindows(WindowList& windows, const PrinterSource& printers) {
+  windows.RegisterDialog("NewSetupForm", [printers](WindowList& list, QWidget* owner) -> Dialog* {
+    return new NewSetupForm(list, owner, printers());
+  });
+  windows.RegisterDialog("Default_Printer", [printers](WindowList& list, QWidget* owner) -> Dialog* {
+    return new Default_Printer(list, owner, printers());
+  });
+  windows.RegisterDialog<RemindersForm>("RemindersForm");
+  windows.RegisterDialog<UMSettingForm>("UMSettingForm");
+  windows.RegisterDialog<UnitCostAccuracyForm>("UnitCostAccuracyForm");
+  windows.RegisterDialog<OptionMaxNameLen>("OptionMaxNameLen");
+  windows.RegisterDialog<AutofillForm>("AutofillForm");
+  windows.RegisterDialog<ProductSplashFormPantone>("ProductSplashFormPantone");
+  windows.RegisterDialog<AboutForm>("AboutForm");
+}
+
+}  // namespace vellumark::desktop

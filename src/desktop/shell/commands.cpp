@@ -1,0 +1,37 @@
+#include "desktop/shell/commands.h"
+
+#include <algorithm>
+#include <array>
+#include <utility>
+
+namespace vellumark::desktop {
+
+std::string_view DialogOfMenuItem(std::string_view item) {
+  using Pair = std::pair<std::string_view, std::string_view>;
+  static constexpr std::array kDialogs{
+      Pair{"menu_AboutVK", "AboutForm"},
+      Pair{"menuDFOptions_Autofill", "AutofillForm"},
+      Pair{"menuDFOptions_Reminders", "RemindersForm"},
+      Pair{"menuDFOptions_DefaultPrinter", "Default_Printer"},
+      Pair{"menuDFOptions_InventorySettings", "UMSettingForm"},
+      Pair{"menuDFOptions_UnitCostAccuracy", "UnitCostAccuracyForm"},
+      Pair{"menuDFOptions_NameLength", "OptionMaxNameLen"},
+      Pair{"menuDFAdvanced_FileNew", "NewFileExplorerForm"},
+      Pair{"menuDFAdvanced_FileOpen", "FileExplorerForm"},
+      Pair{"menuDFAdvanced_Search", "VKD_File_ListingForm"},
+      Pair{"menuDFAdvanced_FileRename", "RenameDataFileForm"},
+      Pair{"menuDFUsers_Create", "NewAdminForm"},
+      Pair{"menuDFUsers_Login", "LoginForm"},
+      Pair{"menuDFUsers_ChangePassword", "ChangePasswordForm"},
+      Pair{"menuDFUsers_Permissions", "ViewPermissionsForm"},
+      Pair{"menuDFUsers_AdminOptions", "AdminOptionsForm"},
+      Pair{"menuDB_NewDB", "NewDBForm"},
+      Pair{"menuDB_RenameDB", "RenameDBForm"},
+      Pair{"menuDB_DeleteDB", "DeleteDBForm"},
+      Pair{"menu_Pantone_Disclaimer", "ProductSplashFormPantone"},
+  };
+  const auto* found = std::ranges::find(kDialogs, item, &Pair::first);
+  return found == kDialogs.end() ? std::string_view{} : found->second;
+}
+
+}  // namespace vellumark::desktop

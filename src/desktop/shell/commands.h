@@ -1,0 +1,11 @@
+#pragma once
+
+#include <string_view>
+
+namespace vellumark::desktop {
+
+/// What a menu item does when it opens one window: the window's system name. Empty for items that do something else, or
+/// whose window no room has.
+std::string_view DialogOfMenuItem(std::string_view item);
+
+}  // namespace vellumark::desktop

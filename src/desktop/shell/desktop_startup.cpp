@@ -1,0 +1,95 @@
+#include "desktop/shell/desktop_startup.h"
+
+#include <QCoreApplication>
+
+#include "core/settings/support_files.h"
+#include "desktop/kit/text.h"
+#include "desktop/kit/window.h"
+#include "desktop/shell/main_form.h"
+
+namespace vellumark::desktop {
+
+// A window of the start may give back the wish to end the program.
+std::optional<Arguments> DesktopStartup::RunStep(const std::string& dialog, const Arguments& arguments) {
+  auto result = windows_.RunDialog(dialog, arguments);
+  if (result && result->Has("exit")) throw EndOfProgram{};
+  main_.raise();
+  main_.activateWindow();
+  return result;
+}
+
+bool DesktopStartup::AnotherInstanceRuns(const Session& session) {
+  return !lock_.Take(session.DataFolder);
+}
+
+void DesktopStartup::ShowMainWindow(const std::string& caption) {
+  main_.SetCaption(caption);
+  main_.show();
+  QCoreApplication::processEvents();
+}
+
+void DesktopStartup::ShowNewSetup(Session&) {
+  RunStep("NewSetupForm", {});
+}
+
+// Paper has no windows of its own yet: whoever prints reads the printer from the settings.
+void DesktopStartup::TakePrinter(Session&) {}
+
+void DesktopStartup::PrepareCloud(Session& session) {
+  DataFolders(session.DataFolder).MakeCloudFolders();
+}
+
+std::optional<std::string> DesktopStartup::OfferOldFile(const std::filesystem::path& path, const std::string&,
+                                                        const std::string& found, const std::string&) {
+  windows_.session.prompt.Tell(
+      U8(MainForm::tr("Data File")),
+      found + "\n\n" + path.string() + "\n\n" +
+          U8(MainForm::tr(
+              "This release cannot bring such a file over yet. The file stays as it is; please make or open "
+              "another Data File.")),
+      Icon::Information);
+  return std::nullopt;
+}
+
+void DesktopStartup::LoadScalePort(Session&) {}
+
+void DesktopStartup::ShowSplash() {
+  main_.EnableMenuItems();
+  if (splash_) RunStep("ProductSplashFormPantone", {});
+}
+
+void DesktopStartup::ShowCloudLine(Session&) {
+  main_.ShowCloudLine({});
+}
+
+void DesktopStartup::CloseAllChildWindows() {
+  windows_.CloseChildWindows();
+}
+
+void DesktopStartup::RemindBackup(Session&) {}
+
+void DesktopStartup::ShutdownBackup(Session&, const std::string&) {}
+
+void DesktopStartup::PowerOffScale(Session&) {}
+
+void DesktopStartup::ShowNewDataFile(const std::string& startupMessage) {
+  RunStep("NewDataFileForm", {{"StartupMessage", startupMessage}});
+}
+
+bool DesktopStartup::ShowUpdateDataFile(const std::filesystem::path& path, int fileVersion) {
+  const auto result = RunStep("UpdateDataFileForm", {{"Path", path.string()}, {"FileVersion", fileVersion}});
+  return result && result->Has("updated");
+}
+
+void DesktopStartup::Login(Session&) {
+  RunStep("LoginForm", {});
+}
+
+void DesktopStartup::SetCaption(const std::string& caption) {
+  main_.SetCaption(caption);
+  QCoreApplication::setApplicationName("vellumark");
+}
+
+void DesktopStartup::SuggestArchive(Session&) {}
+
+}  // namespace vellumark::desktop

@@ -1,0 +1,358 @@
+#include "desktop/shell/main_form.h"
+
+#include <QAction>
+#include <QApplication>
+#include <QCloseEvent>
+#include <QComboBox>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QLineEdit>
+#include <QMenu>
+#include <QMenuBar>
+#include <QPlainTextEdit>
+#include <QStackedWidget>
+#include <QStyle>
+#include <QToolBar>
+#include <QToolButton>
+#include <algorithm>
+#include <array>
+
+#include "core/session/users.h"
+#include "core/shell/opening.h"
+#include "desktop/kit/icons.h"
+#include "desktop/kit/look.h"
+#include "desktop/kit/main_area.h"
+#include "desktop/kit/text.h"
+#include "desktop/kit/window.h"
+#include "desktop/shell/commands.h"
+#include "desktop/shell/start_page.h"
+
+namespace vellumark::desktop {
+namespace {
+
+// They stay open when another Database is chosen.
+const std::vector<std::string> kStayAcrossDatabases{"OtherDatabasesForm", "FindMix",   "FindJob",
+                                                    "FindBesign",         "FindBatch", "FindBasic"};
+// The small windows that the toolbar opens.
+constexpr std::array<std::string_view, 5> kToolbarMenus{"ColorsMenu", "LabelMenu", "FindMenu", "DBToolsMenu",
+                                                        "JobMenu"};
+
+QString ButtonCaption(std::string_view key) {
+  static const std::map<std::string_view, const char*> captions{
+      {"InkEst", QT_TRANSLATE_NOOP("MainForm", "Ink Estimator")},
+      {"Color", QT_TRANSLATE_NOOP("MainForm", "Colors")},
+      {"Batch", QT_TRANSLATE_NOOP("MainForm", "Batch")},
+      {"Job", QT_TRANSLATE_NOOP("MainForm", "Jobs")},
+      {"Inventory", QT_TRANSLATE_NOOP("MainForm", "Inventory")},
+      {"Label", QT_TRANSLATE_NOOP("MainForm", "Labels")},
+      {"Report", QT_TRANSLATE_NOOP("MainForm", "Reports")},
+      {"DBTools", QT_TRANSLATE_NOOP("MainForm", "DB Tools")},
+      {"Find", QT_TRANSLATE_NOOP("MainForm", "Find")},
+      {"Users", QT_TRANSLATE_NOOP("MainForm", "Users")},
+  };
+  return MainForm::tr(captions.at(key));
+}
+
+}  // namespace
+
+MainForm::MainForm(WindowList& windowList) : windows_(windowList), session_(windowList.session) {
+  setObjectName("MainForm");
+  setWindowIcon(Icon("vellumark"));
+  setMinimumSize(800, 500);
+  resize(1280, 720);
+  pages_ = new QStackedWidget(this);
+  startPage_ = new StartPage(windows_, pages_);
+  area_ = new MainArea(this);
+  pages_->addWidget(startPage_);
+  pages_->addWidget(area_);
+  setCentralWidget(pages_);
+  windows_.SetPlace(area_);
+
+  BuildMenus();
+  BuildToolbar();
+  BuildCommonCommands();
+  connect(&windows_, &WindowList::OpenFormsChanged, this, &MainForm::ShowPage);
+  changes_ = session_.changes.Subscribe([this](const std::vector<Change>& changes) {
+    if (std::ranges::any_of(changes, [](const Change& c) { return c.kind == Change::Kind::DatabaseList; }))
+      QMetaObject::invokeMethod(
+          this, [this] { EnableMenuItems(); }, Qt::QueuedConnection);
+  });
+  EnableMenuItems();
+}
+
+MainForm::~MainForm() {
+  windows_.SetPlace(nullptr);
+}
+
+// ---- Menus
+
+void MainForm::BuildMenus() {
+  const std::vector<MenuItem> items = MenuItems(session_);
+  const auto isParent = [&](std::string_view name) {
+    return std::ranges::any_of(items, [&](const MenuItem& item) { return item.parent == name; });
+  };
+  for (const MenuItem& item : items) {
+    const std::string name(item.name);
+    QMenu* parent = item.parent.empty() ? nullptr : menus_.at(std::string(item.parent));
+    if (isParent(item.name) || item.name == "menuDFUsers_Login_As") {
+      QMenu* menu = parent == nullptr ? menuBar()->addMenu(Q(item.caption)) : parent->addMenu(Q(item.caption));
+      menu->setObjectName(Q(name));
+      menus_[name] = menu;
+      actions_[name] = menu->menuAction();
+      // The state is worked out at the moment the operator opens a menu.
+      connect(menu, &QMenu::aboutToShow, this, &MainForm::GateMenus);
+    } else {
+      QAction* action = parent->addAction(Q(item.caption));
+      action->setObjectName(Q(name));
+      action->setCheckable(item.name == "menuDFOptions_Autofill");
+      actions_[name] = action;
+      connect(action, &QAction::triggered, this, [this, name] { RunMenuItem(name); });
+    }
+  }
+  actions_["menuFileExit"]->setMenuRole(QAction::QuitRole);
+  actions_["menuFileExit"]->setShortcut(QKeySequence::Quit);
+  connect(menus_["menuDFUsers_Login_As"], &QMenu::aboutToShow, this, &MainForm::FillLoginAs);
+  BuildViewMenu();
+}
+
+// How child windows stand is the operator's to choose; it is no command of the system, so it comes last.
+void MainForm::BuildViewMenu() {
+  QMenu* menu = menuBar()->addMenu(tr("&Window"));
+  menu->setObjectName("menuWindow");
+  connect(menu->addAction(tr("As &tabs")), &QAction::triggered, area_, &MainArea::ShowAsTabs);
+  connect(menu->addAction(tr("&Free")), &QAction::triggered, area_, &MainArea::ShowFree);
+  connect(menu->addAction(tr("Ti&led")), &QAction::triggered, area_, &MainArea::Tile);
+  connect(menu->addAction(tr("&Cascade")), &QAction::triggered, area_, &MainArea::Cascade);
+  menuBar()->insertAction(menus_["MenuHelp"]->menuAction(), menu->menuAction());
+}
+
+void MainForm::GateMenus() {
+  static const std::vector<std::string_view> builtIn{"menuFileExit", "menuDFAdvanced_CreateNewSupportFiles"};
+  for (const MenuItem& item : MenuItems(session_)) {
+    QAction* action = actions_.at(std::string(item.name));
+    const std::string dialog(DialogOfMenuItem(item.name));
+    const bool isMenu = action->menu() != nullptr;
+    const bool canRun =
+        std::ranges::find(builtIn, item.name) != builtIn.end() || (!dialog.empty() && windows_.Knows(dialog));
+    action->setText(Q(item.caption));
+    action->setVisible(item.visible);
+    action->setEnabled(item.enabled && (isMenu || canRun));
+    if (action->isCheckable()) action->setChecked(item.checked);
+  }
+  // A menu in which nothing can be chosen is off itself; children stand behind their parents.
+  const std::vector<MenuItem> items = MenuItems(session_);
+  for (auto item = items.rbegin(); item != items.rend(); ++item) {
+    QMenu* menu = actions_.at(std::string(item->name))->menu();
+    if (menu == nullptr || item->name == "menuDFUsers_Login_As" || item->parent.empty()) continue;
+    const auto usable = [](const QAction* action) { return action->isVisible() && action->isEnabled(); };
+    if (std::ranges::none_of(menu->actions(), usable)) menu->menuAction()->setEnabled(false);
+  }
+}
+
+void MainForm::FillLoginAs() {
+  QMenu* menu = menus_["menuDFUsers_Login_As"];
+  menu->clear();
+  for (const std::string& name : UserNames(session_)) {
+    connect(menu->addAction(Q(name)), &QAction::triggered, this, [this, name] {
+      windows_.RunDialog("PasswordForm", {{"Username", name}});
+      EnableMenuItems();
+    });
+  }
+}
+
+void MainForm::RunMenuItem(const std::string& name) {
+  if (name == "menuFileExit") {
+    close();
+  } else if (name == "menuDFAdvanced_CreateNewSupportFiles") {
+    if (createSupportFiles_) createSupportFiles_();
+    EnableMenuItems();
+  } else if (const std::string dialog(DialogOfMenuItem(name)); !dialog.empty()) {
+    RunDialogOf(dialog);
+  }
+}
+
+void MainForm::RunDialogOf(const std::string& dialog) {
+  CloseToolbarMenus();
+  if (!windows_.CloseChildWindows()) return;
+  const auto result = windows_.RunDialog(dialog);
+  raise();
+  activateWindow();
+  if (result && result->Has("exit")) {
+    closing_ = nullptr;
+    QCoreApplication::exit(0);
+    return;
+  }
+  EnableMenuItems();
+}
+
+// ---- Toolbar
+
+void MainForm::BuildToolbar() {
+  auto* bar = addToolBar(tr("Toolbar"));
+  bar->setObjectName("Toolbar1");
+  bar->setMovable(false);
+  bar->setContextMenuPolicy(Qt::PreventContextMenu);
+  bar->setToolButtonStyle(Qt::ToolButtonTextUnderIcon);
+  bar->setIconSize({24, 24});
+  int number = 1;
+  for (const ToolbarButton& button : ToolbarButtons(session_)) {
+    const std::string key(button.key);
+    auto* control = new QToolButton(bar);
+    control->setObjectName(Q(key));
+    control->setText(ButtonCaption(button.key));
+    control->setIcon(Icon(Q(key)));
+    control->setToolButtonStyle(Qt::ToolButtonTextUnderIcon);
+    control->setIconSize({24, 24});
+    control->setFocusPolicy(Qt::TabFocus);
+    const QKeySequence shortcut(Qt::CTRL | static_cast<Qt::Key>(Qt::Key_0 + number % 10));
+    control->setShortcut(shortcut);
+    control->setToolTip(QString("%1 (%2)").arg(control->text(), shortcut.toString(QKeySequence::NativeText)));
+    connect(control, &QToolButton::clicked, this, [this, key] { PressToolbarButton(key); });
+    bar->addWidget(control)->setObjectName(Q(key + "Action"));
+    buttons_[key] = control;
+    ++number;
+  }
+  auto* rest = new QWidget(bar);
+  rest->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Preferred);
+  auto* line = new QHBoxLayout(rest);
+  line->setContentsMargins(space::kGap, 0, space::kUnit, 0);
+  line->setSpacing(space::kUnit);
+  cloudName_ = new QLabel(rest);
+  cloudName_->setObjectName("CloudDataBaseName");
+  cloudName_->hide();
+  fullName_ = new QLabel(rest);
+  fullName_->setObjectName("lblFullName");
+  databases_ = new QComboBox(rest);
+  databases_->setObjectName("cmbDBList");
+  databases_->setAccessibleName(tr("Database"));
+  databases_->setToolTip(tr("The Database in use"));
+  databases_->setMinimumWidth(180);
+  line->addStretch();
+  line->addWidget(cloudName_);
+  line->addWidget(fullName_);
+  line->addWidget(databases_);
+  bar->addWidget(rest);
+  connect(databases_, &QComboBox::textActivated, this, &MainForm::ChooseDatabase);
+}
+
+void MainForm::PressToolbarButton(const std::string& key) {
+  CloseToolbarMenus();
+  if (key == "Users") return PressUsers();
+  if (const auto allowed = CheckToolbarButton(session_, *this, key); !allowed) {
+    session_.prompt.Tell(allowed.error().title, allowed.error().text, Icon::Exclamation);
+    return;
+  }
+  for (const ToolbarButton& button : ToolbarButtons(session_))
+    if (button.key == key) windows_.OpenForm(std::string(button.target));
+}
+
+void MainForm::PressUsers() {
+  if (!windows_.CloseChildWindows({"BatchForm"})) return;
+  RunDialogOf("LoginForm");
+}
+
+void MainForm::CloseToolbarMenus() {
+  for (const std::string_view name : kToolbarMenus)
+    if (windows_.IsFormOpen(name)) windows_.CloseForm(name);
+}
+
+// ---- Databases
+
+void MainForm::ChooseDatabase(const QString& name) {
+  if (U8(name) == session_.CurrentDatabase) return;
+  Window* active = windows_.ActiveForm();
+  const std::string activeName = active == nullptr ? "" : active->Name();
+  if (windows_.CloseChildWindows(kStayAcrossDatabases)) {
+    const auto changed = vellumark::ChangeDatabase(session_, U8(name));
+    if (!changed) session_.prompt.Tell(changed.error().title, changed.error().text, Icon::Exclamation);
+  }
+  EnableMenuItems();
+  if (Window* again = windows_.Form(activeName); again != nullptr) {
+    windows_.OpenForm(activeName);
+  } else {
+    activateWindow();
+    setFocus();
+  }
+}
+
+void MainForm::ShowDatabases() {
+  const QSignalBlocker quiet(databases_);
+  databases_->clear();
+  for (const std::string& name : session_.databaseList) databases_->addItem(Q(name));
+  databases_->setCurrentIndex(databases_->findText(Q(session_.CurrentDatabase)));
+  databases_->setEnabled(session_.RecordsetsOpen && databases_->count() > 1);
+  fullName_->setText(Q(session_.FullName));
+}
+
+// ---- State
+
+void MainForm::EnableMenuItems() {
+  GateMenus();
+  for (const ToolbarButton& button : ToolbarButtons(session_)) {
+    QToolButton* control = buttons_.at(std::string(button.key));
+    control->setEnabled(button.enabled && windows_.Knows(std::string(button.target)));
+    findChild<QAction*>(Q(std::string(button.key) + "Action"))->setVisible(button.visible);
+  }
+  ShowDatabases();
+  startPage_->Refresh();
+  ShowPage();
+}
+
+void MainForm::DisableMenuItems() {
+  for (const char* name : {"menuDFAdvanced_Search", "menuDFAdvanced_FileRename", "menuDFUsers"})
+    actions_.at(name)->setEnabled(false);
+  for (const auto& [key, button] : buttons_) button->setEnabled(false);
+  databases_->setEnabled(false);
+}
+
+void MainForm::SetCaption(const std::string& caption) {
+  setWindowTitle(Q(caption));
+}
+
+void MainForm::ShowCloudLine(const std::string& text) {
+  cloudName_->setText(Q(text));
+  cloudName_->setVisible(!text.empty());
+}
+
+void MainForm::ShowPage() {
+  const bool any =
+      std::ranges::any_of(windows_.OpenForms(), [](const Window* window) { return !window->IsFloating(); });
+  pages_->setCurrentWidget(any ? static_cast<QWidget*>(area_) : startPage_);
+}
+
+// ---- Common commands: they act on the child window in front
+
+void MainForm::BuildCommonCommands() {
+  struct Common {
+    const char* name;
+    const char* text;
+    QKeySequence key;
+    const char* command;
+  };
+  const std::array<Common, 3> commons{{
+      {"menuSaveRecord", QT_TR_NOOP("Save"), QKeySequence::Save, "cmdSave"},
+      {"menuDeleteRecord", QT_TR_NOOP("Delete"), QKeySequence(Qt::CTRL | Qt::Key_D), "cmdDelete"},
+      {"menuPrintRecord", QT_TR_NOOP("Print"), QKeySequence::Print, "cmdPrint"},
+  }};
+  for (const Common& common : commons) {
+    auto* action = new QAction(tr(common.text), this);
+    action->setObjectName(common.name);
+    action->setShortcut(common.key);
+    addAction(action);
+    connect(action, &QAction::triggered, this, [this, command = QString(common.command)] {
+      Window* window = windows_.ActiveForm();
+      if (window != nullptr && window->CanDo(command)) window->Do(command);
+    });
+  }
+}
+
+void MainForm::closeEvent(QCloseEvent* event) {
+  if (session_.LoadingDatabase || (closing_ && !closing_())) {
+    event->ignore();
+    return;
+  }
+  event->accept();
+  QCoreApplication::exit(0);
+}
+
+}  // namespace vellumark::desktop

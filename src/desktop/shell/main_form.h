@@ -1,0 +1,85 @@
+#pragma once
+
+#include <QMainWindow>
+#include <functional>
+#include <map>
+#include <string>
+
+#include "core/shell/gating.h"
+#include "desktop/kit/window_list.h"
+
+class QAction;
+class QActionGroup;
+class QComboBox;
+class QLabel;
+class QMenu;
+class QStackedWidget;
+class QToolButton;
+
+namespace vellumark::desktop {
+
+class MainArea;
+class StartPage;
+
+/// The frame of all other windows: menus, toolbar, the list of Databases, and between them the child windows or, when
+/// none is open, the start page.
+class MainForm : public QMainWindow, private OpenWindows {
+  Q_OBJECT
+
+ public:
+  explicit MainForm(WindowList& windowList);
+  ~MainForm() override;
+
+  /// What is done before the window closes (the end of the session); false keeps it open.
+  void OnClosing(std::function<bool()> closing) { closing_ = std::move(closing); }
+  /// The command to make new Support Files, which needs the order of the start.
+  void OnCreateSupportFiles(std::function<void()> create) { createSupportFiles_ = std::move(create); }
+
+  /// After a login, an opened file, another Database: captions, lists and everything that rights decide.
+  void EnableMenuItems();
+  /// While a file is being closed: toolbar, users and the file commands are off until EnableMenuItems.
+  void DisableMenuItems();
+  void SetCaption(const std::string& caption);
+  /// The cloud account in use; empty hides the line.
+  void ShowCloudLine(const std::string& text);
+  MainArea& Area() const { return *area_; }
+
+ protected:
+  void closeEvent(QCloseEvent* event) override;
+
+ private:
+  void BuildMenus();
+  void BuildToolbar();
+  void BuildCommonCommands();
+  void BuildViewMenu();
+  void GateMenus();
+  void FillLoginAs();
+  void RunMenuItem(const std::string& name);
+  void RunDialogOf(const std::string& dialog);
+  void PressToolbarButton(const std::string& key);
+  void PressUsers();
+  void ChooseDatabase(const QString& name);
+  void ShowDatabases();
+  void ShowPage();
+  void CloseToolbarMenus();
+
+  bool IsFormOpen(std::string_view name) const override { return windows_.IsFormOpen(name); }
+  bool IsInEdit(std::string_view name) const override { return windows_.IsInEdit(name); }
+
+  WindowList& windows_;
+  Session& session_;
+  std::map<std::string, QAction*, std::less<>> actions_;
+  std::map<std::string, QMenu*, std::less<>> menus_;
+  std::map<std::string, QToolButton*, std::less<>> buttons_;
+  QStackedWidget* pages_;
+  StartPage* startPage_;
+  MainArea* area_;
+  QComboBox* databases_ = nullptr;
+  QLabel* fullName_ = nullptr;
+  QLabel* cloudName_ = nullptr;
+  Changes::Subscription changes_;
+  std::function<bool()> closing_;
+  std::function<void()> createSupportFiles_;
+};
+
+}  // namespace vellumark::desktop

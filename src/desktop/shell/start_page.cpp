@@ -1,0 +1,161 @@
+#include "desktop/shell/start_page.h"
+
+#include <QHeaderView>
+#include <QLabel>
+#include <QPainter>
+#include <QPushButton>
+#include <QTableWidget>
+#include <QVBoxLayout>
+
+#include "core/base/number.h"
+#include "core/base/units.h"
+#include "core/datafile/databases.h"
+#include "core/inventory/stock_list.h"
+#include "desktop/kit/icons.h"
+#include "desktop/kit/look.h"
+#include "desktop/kit/text.h"
+#include "desktop/kit/window.h"
+
+namespace vellumark::desktop {
+namespace {
+
+constexpr int kMostShown = 200;
+
+QIcon Swatch(const LowStock& color) {
+  QPixmap pixmap(32, 32);
+  pixmap.fill(Qt::transparent);
+  QPainter painter(&pixmap);
+  painter.setRenderHint(QPainter::Antialiasing);
+  painter.setPen(Look::Now().border);
+  painter.setBrush(QColor(color.Red, color.Green, color.Blue));
+  painter.drawRoundedRect(QRectF(2.5, 2.5, 27, 27), 5, 5);
+  return QIcon(pixmap);
+}
+
+QTableWidgetItem* Amount(float value, const QFont& font) {
+  auto* item = new QTableWidgetItem(Q(Fixed(value, 3)));
+  item->setTextAlignment(Qt::AlignRight | Qt::AlignVCenter);
+  item->setFont(font);
+  return item;
+}
+
+}  // namespace
+
+StartPage::StartPage(WindowList& windowList, QWidget* parent)
+    : QWidget(parent), windows_(windowList), session_(windowList.session) {
+  setObjectName("StartPage");
+  auto* outer = new QHBoxLayout(this);
+  auto* column = new QWidget(this);
+  column->setMaximumWidth(880);
+  outer->addStretch(1);
+  outer->addWidget(column, 8);
+  outer->addStretch(1);
+  auto* lines = new QVBoxLayout(column);
+  lines->setContentsMargins(space::kGroup, space::kGroup * 2, space::kGroup, space::kGroup);
+  lines->setSpacing(space::kUnit);
+
+  heading_ = new QLabel(column);
+  heading_->setObjectName("lblStartHeading");
+  QFont large = Look::Heading();
+  large.setPointSizeF(large.pointSizeF() * 1.5);
+  heading_->setFont(large);
+  facts_ = new QLabel(column);
+  facts_->setObjectName("lblStartFacts");
+  makeBatch_ = new QPushButton(Icon("Batch"), tr("Make a &Batch"), column);
+  makeBatch_->setObjectName("cmdMakeBatch");
+  connect(makeBatch_, &QPushButton::clicked, this, [this] { windows_.OpenForm("BatchForm"); });
+  lowHeading_ = new QLabel(tr("Colors under their reorder point"), column);
+  lowHeading_->setFont(Look::Heading());
+  lowNone_ = new QLabel(tr("None. Every color with a reorder point has stock above it."), column);
+  lowNone_->setObjectName("lblNoneLow");
+  low_ = new QTableWidget(0, 4, column);
+  low_->setObjectName("lstLowStock");
+  low_->setAccessibleName(lowHeading_->text());
+  low_->setSelectionBehavior(QAbstractItemView::SelectRows);
+  low_->setEditTriggers(QAbstractItemView::NoEditTriggers);
+  low_->setShowGrid(false);
+  low_->setFrameShape(QFrame::NoFrame);
+  low_->verticalHeader()->hide();
+  low_->verticalHeader()->setDefaultSectionSize(space::kRowHeight);
+  low_->setTabKeyNavigation(false);
+
+  lines->addWidget(heading_);
+  lines->addWidget(facts_);
+  lines->addSpacing(space::kGap);
+  lines->addWidget(makeBatch_, 0, Qt::AlignLeft);
+  lines->addSpacing(space::kGroup);
+  lines->addWidget(lowHeading_);
+  lines->addWidget(lowNone_);
+  lines->addWidget(low_, 1);
+  lines->addStretch(0);
+
+  changes_ = session_.changes.Subscribe([this](const std::vector<Change>&) { Refresh(); });
+}
+
+void StartPage::Refresh() {
+  if (stale_ && !isVisible()) return;
+  stale_ = true;
+  if (isVisible())
+    QMetaObject::invokeMethod(
+        this, [this] { Show(); }, Qt::QueuedConnection);
+}
+
+void StartPage::showEvent(QShowEvent* event) {
+  QWidget::showEvent(event);
+  if (stale_)
+    QMetaObject::invokeMethod(
+        this, [this] { Show(); }, Qt::QueuedConnection);
+}
+
+void StartPage::Show() {
+  if (!stale_) return;
+  stale_ = false;
+  const bool open = session_.RecordsetsOpen;
+  makeBatch_->setVisible(open && windows_.Knows("BatchForm"));
+  lowHeading_->setVisible(open);
+  if (!open) {
+    heading_->setText(tr("No Data File is open"));
+    facts_->setText(tr("Open or make one in the Data File menu, under Advanced."));
+    low_->hide();
+    lowNone_->hide();
+    return;
+  }
+  const DatabaseCounts counts = CountRows(session_.File(), session_.CurrentDatabase);
+  heading_->setText(Q(session_.CurrentDatabase));
+  QString facts = tr("%1   ·   %2 basics and additives   ·   %3 formulas")
+                      .arg(Q(session_.FullName), locale().toString(static_cast<qlonglong>(counts.basics)),
+                           locale().toString(static_cast<qlonglong>(counts.formulas)));
+  if (session_.ArchiveView) facts += "   ·   " + tr("archive or backup copy, to be looked at only");
+  facts_->setText(facts);
+  ShowLowStock();
+}
+
+void StartPage::ShowLowStock() {
+  const std::vector<LowStock> low = ColorsBelowReorder(session_);
+  lowNone_->setVisible(low.empty());
+  low_->setVisible(!low.empty());
+  const QString unit = Q(UnitName(session_.UMI));
+  low_->setHorizontalHeaderLabels(
+      {tr("Color Name"), tr("Color Type"), tr("In stock (%1)").arg(unit), tr("Reorder (%1)").arg(unit)});
+  for (int column : {2, 3}) low_->horizontalHeaderItem(column)->setTextAlignment(Qt::AlignRight | Qt::AlignVCenter);
+  for (int column : {0, 1}) low_->horizontalHeaderItem(column)->setTextAlignment(Qt::AlignLeft | Qt::AlignVCenter);
+  const int shown = static_cast<int>(std::min<std::size_t>(low.size(), kMostShown));
+  low_->setRowCount(shown);
+  const QFont figures = Look::Figures(1.4);
+  for (int row = 0; row < shown; ++row) {
+    const LowStock& color = low[static_cast<std::size_t>(row)];
+    low_->setItem(row, 0, new QTableWidgetItem(Swatch(color), Q(color.Color_Name)));
+    low_->setItem(row, 1,
+                  new QTableWidgetItem(color.kind == ColorKind::Mix ? tr("Master Formula") : tr("Basic / Additive")));
+    low_->setItem(row, 2, Amount(color.total, figures));
+    low_->setItem(row, 3, Amount(color.Reorder, figures));
+  }
+  low_->horizontalHeader()->setSectionResizeMode(0, QHeaderView::Stretch);
+  for (int column = 1; column < 4; ++column)
+    low_->horizontalHeader()->setSectionResizeMode(column, QHeaderView::ResizeToContents);
+  lowHeading_->setText(shown < static_cast<int>(low.size())
+                           ? tr("Colors under their reorder point (the first %1 of %2)").arg(shown).arg(low.size())
+                           : tr("Colors under their reorder point"));
+}
+
+}  // namespace vellumark::desktop
