@@ -1,0 +1,195 @@
+#include <memory>
+
+#include "cli/color_fields.h"
+#include "cli/frame.h"
+#include "core/base/number.h"
+#include "core/colors/amounts.h"
+#include "core/colors/basic_work.h"
+#include "core/colors/basics.h"
+#include "core/colors/formulas.h"
+#include "core/colors/names.h"
+#include "core/colors/rename.h"
+
+namespace vellumark::cli {
+namespace {
+
+const std::vector<std::string>& SettableFields() {
+  static const std::vector<std::string> fields{"Color_Code", "Inventory", "Reorder", "PurchaseCost", "Notes",
+                                               "Inv_Note",   "Additive",  "VOC",     "HAP"};
+  return fields;
+}
+
+Json BasicJson(const Session& session, const BasicColor& color) {
+  return {{"Color_Name", color.Color_Name},
+          {"Color_Code", color.Color_Code},
+          {"Inventory", Number(color.Inventory)},
+          {"Reorder", Number(color.Reorder)},
+          {"PurchaseCost", Price(session, color.PurchaseCost)},
+          {"Date_Entered", DateJson(color.Date_Entered)},
+          {"LastConsumed", DateJson(color.LastConsumed)},
+          {"Notes", color.Notes},
+          {"Inv_Note", color.Inv_Note},
+          {"IngSort", color.IngSort},
+          {"Additive", color.Additive},
+          {"VOC", Number(color.VOC)},
+          {"HAP", Number(color.HAP)},
+          {"LotRefID", color.LotRefID},
+          {"Color_Guide", color.book.Color_Guide},
+          {"Page", color.book.Page},
+          {"Row", color.book.Row},
+          {"Red", color.book.Red},
+          {"Green", color.book.Green},
+          {"Blue", color.book.Blue}};
+}
+
+Result<BasicColor> Named(const Session& session, const std::string& typed) {
+  const std::string name = ReadName(session, typed);
+  if (auto color = ReadBasic(session, name)) return *std::move(color);
+  return Refuse("Color Not Found", name + " is not found in this database.", "Color_Name");
+}
+
+Result<Json> List(Context& context) {
+  Json answer = Json::array();
+  std::vector<std::vector<std::string>> rows;
+  ForEachBasic(context.session, [&](const BasicColor& color) {
+    if (context.json) {
+      answer.push_back(BasicJson(context.session, color));
+      return;
+    }
+    rows.push_back({color.Color_Name, color.Color_Code, color.Additive ? "yes" : "", Fixed(color.Inventory, 3),
+                    Fixed(color.Reorder, 3),
+                    context.session.Perm_Costs == 0 ? "" : Fixed(color.PurchaseCost, context.session.DecimalPlaces),
+                    Fixed(color.VOC, 3), Fixed(color.HAP, 3)});
+  });
+  if (!context.json)
+    context.text =
+        TableText({"Color_Name", "Color_Code", "Additive", "Inventory", "Reorder", "PurchaseCost", "VOC", "HAP"}, rows,
+                  {false, false, false, true, true, true, true, true});
+  return answer;
+}
+
+Result<void> TakePair(const Session& session, BasicWork& work, const std::string& field, const std::string& value) {
+  if (field == "Color_Code") work.Color_Code = value;
+  if (field == "Reorder") work.Reorder = value;
+  if (field == "PurchaseCost") work.PurchaseCost = value;
+  if (field == "Notes") work.Notes = value;
+  if (field == "Inv_Note") work.Inv_Note = value;
+  if (field == "VOC") work.VOC = value;
+  if (field == "HAP") work.HAP = value;
+  if (field == "Additive") {
+    const auto additive = ReadYesNo(field, value);
+    if (!additive) return std::unexpected(additive.error());
+    work.Additive = *additive;
+  }
+  if (field == "Inventory") {
+    const auto quantity = ReadInventory(session, ColorKind::Basic, value);
+    if (!quantity) return std::unexpected(quantity.error());
+    work.Inventory = *quantity;
+  }
+  return {};
+}
+
+Result<Json> Save(Context& context, BasicWork work, const std::vector<std::string>& pairs) {
+  for (const std::string& text : pairs) {
+    const auto pair = SplitPair(text);
+    const std::string field = KnownField(pair->first, SettableFields(), false);
+    if (auto taken = TakePair(context.session, work, field, pair->second); !taken)
+      return std::unexpected(taken.error());
+  }
+  if (auto saved = SaveBasic(context.session, work); !saved) return std::unexpected(saved.error());
+  return BasicJson(context.session, *ReadBasic(context.session, work.Color_Name));
+}
+
+Result<Json> Add(Context& context, const std::string& typed, const std::vector<std::string>& pairs) {
+  Session& session = context.session;
+  if (auto valid = CheckTypedName(typed); !valid) return std::unexpected(valid.error());
+  const std::string name = ReadName(session, typed);
+  if (name.empty()) return Refuse("Color Name Needed", "Please enter a name.", "Color_Name");
+  if (!BasicColorExists(session, name)) {
+    if (auto allowed = CheckNewBasicName(session, name); !allowed) return std::unexpected(allowed.error());
+    // The verb itself says that the item is wanted; that a formula bears its name may not be known.
+    if (MixColorExists(session, name) && !AskNewBasic(session, name))
+      return Declined("Basics / Additives - New Item", name);
+  }
+  return Save(context, NewBasicWork(session, name), pairs);
+}
+
+Result<Json> Set(Context& context, const std::string& typed, const std::vector<std::string>& pairs) {
+  const auto color = Named(context.session, typed);
+  if (!color) return std::unexpected(color.error());
+  return Save(context, LoadBasicWork(context.session, *color), pairs);
+}
+
+Result<Json> Rename(Context& context, const std::string& oldName, const std::string& newName) {
+  const auto color = Named(context.session, oldName);
+  if (!color) return std::unexpected(color.error());
+  if (auto valid = CheckTypedName(newName, "txtNewName"); !valid) return std::unexpected(valid.error());
+  const auto renamed = RenameBasic(context.session, color->Color_Name, newName);
+  if (!renamed) return std::unexpected(renamed.error());
+  if (!renamed->done) return Declined("Basic Color Name Exists", color->Color_Name);
+  return Json{{"Color_Name", renamed->name}, {"OldName", color->Color_Name}, {"Merged", renamed->merged}};
+}
+
+Result<Json> Delete(Context& context, const std::string& typed) {
+  const std::string name = ReadName(context.session, typed);
+  const auto deleted = DeleteBasic(context.session, name);
+  if (!deleted) {
+    std::string formulas;
+    for (const std::string& formula : deleted.error().requiredBy) formulas += formula + "\n";
+    if (!formulas.empty()) context.session.prompt.Tell("Basic / Additive - Formula Requirement", formulas);
+    return std::unexpected(static_cast<const Refusal&>(deleted.error()));
+  }
+  if (!*deleted) return Declined("Basic Color Window - Delete Basic Color?", name);
+  return Json{{"Color_Name", name}, {"Deleted", true}};
+}
+
+std::string CheckPair(const std::string& text) {
+  const auto pair = SplitPair(text);
+  if (pair && !KnownField(pair->first, SettableFields(), false).empty()) return {};
+  std::string fields;
+  for (const std::string& field : SettableFields()) fields += (fields.empty() ? "" : ", ") + field;
+  return text + " is not FIELD=VALUE with a field of " + fields;
+}
+
+}  // namespace
+
+void AddColorCommands(CLI::App& app, Commands& commands) {
+  CLI::App* noun = AddNoun(app, "color", "Basic Colors and Additives: list, show, add, set, rename, delete");
+  commands.Add(noun->add_subcommand("list", "All, in the order of their names"), Needs::File, List);
+
+  auto* show = noun->add_subcommand("show", "One with all its fields");
+  const auto shown = std::make_shared<std::string>();
+  show->add_option("NAME", *shown, "Its name")->required();
+  commands.Add(show, Needs::File, [shown](Context& context) -> Result<Json> {
+    const auto color = Named(context.session, *shown);
+    if (!color) return std::unexpected(color.error());
+    return BasicJson(context.session, *color);
+  });
+
+  auto* add = noun->add_subcommand("add", "Enter a new one");
+  auto* set = noun->add_subcommand("set", "Change fields of one");
+  const auto name = std::make_shared<std::string>();
+  const auto pairs = std::make_shared<std::vector<std::string>>();
+  for (CLI::App* verb : {add, set}) {
+    verb->add_option("NAME", *name, "Its name")->required();
+    auto* fields = verb->add_option("FIELD=VALUE", *pairs, "Fields with their values")->check(CheckPair);
+    if (verb == set) fields->required();
+  }
+  commands.Add(add, Needs::Writable, [name, pairs](Context& context) { return Add(context, *name, *pairs); });
+  commands.Add(set, Needs::Writable, [name, pairs](Context& context) { return Set(context, *name, *pairs); });
+
+  auto* rename = noun->add_subcommand("rename", "Give one another name, everywhere; onto an existing one it merges");
+  const auto oldName = std::make_shared<std::string>();
+  const auto newName = std::make_shared<std::string>();
+  rename->add_option("OLD", *oldName, "Its name")->required();
+  rename->add_option("NEW", *newName, "Its new name")->required();
+  commands.Add(rename, Needs::Writable,
+               [oldName, newName](Context& context) { return Rename(context, *oldName, *newName); });
+
+  auto* remove = noun->add_subcommand("delete", "Remove one that nothing uses");
+  const auto removed = std::make_shared<std::string>();
+  remove->add_option("NAME", *removed, "Its name")->required();
+  commands.Add(remove, Needs::Writable, [removed](Context& context) { return Delete(context, *removed); });
+}
+
+}  // namespace vellumark::cli

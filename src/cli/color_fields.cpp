@@ -1,0 +1,37 @@
+#include "cli/color_fields.h"
+
+#include <fmt/format.h>
+
+#include "core/base/text.h"
+
+namespace vellumark::cli {
+
+Result<bool> ReadYesNo(const std::string& field, std::string_view text) {
+  const std::string word = Upper(TrimView(text));
+  for (const std::string_view yes : {"YES", "TRUE", "1"})
+    if (word == yes) return true;
+  for (const std::string_view no : {"NO", "FALSE", "0"})
+    if (word == no) return false;
+  return Refuse("Invalid Value", fmt::format("{} is yes or no, not \"{}\".", field, text), field);
+}
+
+std::string KnownField(std::string_view typed, const std::vector<std::string>& fields, bool exact) {
+  for (const std::string& field : fields)
+    if (exact ? field == typed : EqualNoCase(field, typed)) return field;
+  return {};
+}
+
+Json Price(const Session& session, float price) {
+  return session.Perm_Costs == 0 ? Json() : Number(price);
+}
+
+Json DateJson(const std::optional<DateTime>& date) {
+  if (!date) return nullptr;
+  return *date == date->Midnight() ? date->DateText() : date->ToText();
+}
+
+std::unexpected<Refusal> Declined(std::string title, std::string_view name) {
+  return Refuse(std::move(title), fmt::format("{}: the question was answered with No; nothing was changed.", name));
+}
+
+}  // namespace vellumark::cli

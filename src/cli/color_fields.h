@@ -1,0 +1,30 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "cli/frame.h"
+
+namespace vellumark::cli {
+
+/// FIELD=VALUE pairs of a command, in their order.
+using Pairs = std::vector<std::pair<std::string, std::string>>;
+
+/// Yes or no as people and programs write it.
+Result<bool> ReadYesNo(const std::string& field, std::string_view text);
+
+/// The pair's field in the spelling of the table; empty when it is none of `fields`. Case does not count unless
+/// `exact`.
+std::string KnownField(std::string_view typed, const std::vector<std::string>& fields, bool exact);
+
+/// A price as its number, or null for a user who may not see prices.
+Json Price(const Session& session, float price);
+/// A date as "YYYY-MM-DD" with its time when that is not midnight; null when it is absent.
+Json DateJson(const std::optional<DateTime>& date);
+
+/// The refusal of a verb whose question was answered with No.
+std::unexpected<Refusal> Declined(std::string title, std::string_view name);
+
+}  // namespace vellumark::cli

@@ -1,0 +1,315 @@
+#include <fmt/format.h>
+
+#include <memory>
+
+#include "cli/color_fields.h"
+#include "cli/frame.h"
+#include "core/base/number.h"
+#include "core/base/text.h"
+#include "core/colors/amounts.h"
+#include "core/colors/duplicate.h"
+#include "core/colors/formula_work.h"
+#include "core/colors/names.h"
+#include "core/colors/rename.h"
+#include "core/colors/rollup.h"
+
+namespace vellumark::cli {
+namespace {
+
+const std::vector<std::string>& SettableFields() {
+  static const std::vector<std::string> fields{"Color_Code", "Inventory", "Reorder", "PurchaseCost", "Recycle",
+                                               "Notes",      "Inv_Note",  "VOC",     "HAP"};
+  return fields;
+}
+
+Json FiguresJson(const Session& session, const MixColor& mix) {
+  return {{"Color_Code", mix.Color_Code},
+          {"Inventory", Number(mix.Inventory)},
+          {"Reorder", Number(mix.Reorder)},
+          {"PurchaseCost", Price(session, mix.PurchaseCost)},
+          {"BasicCost", Price(session, mix.BasicCost)},
+          {"Recycle", mix.Recycle},
+          {"Date_Entered", DateJson(mix.Date_Entered)},
+          {"LastModified", DateJson(mix.LastModified)},
+          {"LastProduced", DateJson(mix.LastProduced)},
+          {"Color_Set", mix.Color_Set},
+          {"Notes", mix.Notes},
+          {"Inv_Note", mix.Inv_Note},
+          {"AddSetName", mix.AddSetName},
+          {"VOC", Number(mix.VOC)},
+          {"BasicVOC", Number(mix.BasicVOC)},
+          {"HAP", Number(mix.HAP)},
+          {"BasicHAP", Number(mix.BasicHAP)},
+          {"LotRefID", mix.LotRefID},
+          {"Color_Guide", mix.book.Color_Guide},
+          {"Page", mix.book.Page},
+          {"Row", mix.book.Row},
+          {"Red", mix.book.Red},
+          {"Green", mix.book.Green},
+          {"Blue", mix.book.Blue}};
+}
+
+Json MixJson(const Session& session, const MixColor& mix) {
+  Json answer{{"Color_Name", mix.Color_Name}};
+  for (std::size_t n = 0; n < mix.BC.size(); ++n) answer["BC" + std::to_string(n)] = mix.BC[n];
+  for (std::size_t n = 0; n < mix.BQ.size(); ++n) answer["BQ" + std::to_string(n)] = Number(mix.BQ[n]);
+  answer.update(FiguresJson(session, mix));
+  return answer;
+}
+
+// For people: the fields, and the recipe as a table.
+std::string MixText(const Session& session, const MixColor& mix) {
+  Json fields{{"Color_Name", mix.Color_Name}};
+  fields.update(FiguresJson(session, mix));
+  std::vector<std::vector<std::string>> rows;
+  const Recipe recipe = mix.Ingredients();
+  for (const Ingredient& line : recipe) rows.push_back({line.name, Fixed(line.amount, 3)});
+  rows.push_back({"Total Parts", Fixed(TotalOf(recipe), 3)});
+  return ReadableText(fields) + "\n" + TableText({"Ingredient", "Parts"}, rows, {false, true});
+}
+
+Result<Json> Answer(Context& context, const std::string& name) {
+  const auto mix = ReadMix(context.session, name);
+  if (!mix) return Refuse("Color Not Found", name + " is not found in this database.", "Color_Name");
+  if (!context.json) context.text = MixText(context.session, *mix);
+  return MixJson(context.session, *mix);
+}
+
+// The formula that the words name: by its exact name, else as the window finds it.
+Result<MixColor> Named(const Session& session, const std::string& typed) {
+  const std::string name = ReadName(session, typed);
+  if (auto mix = ReadMix(session, name)) return *std::move(mix);
+  if (auto mix = FindMix(session, name)) return *std::move(mix);
+  return Refuse("Color Not Found", name + " is not found in this database.", "Color_Name");
+}
+
+Result<Json> List(Context& context, const std::string& ingredient) {
+  Json answer = Json::array();
+  std::vector<std::vector<std::string>> rows;
+  const auto take = [&](const MixColor& mix) {
+    if (context.json) {
+      answer.push_back(MixJson(context.session, mix));
+      return;
+    }
+    rows.push_back({mix.Color_Name, mix.Color_Code, std::to_string(mix.Ingredients().size()), mix.AddSetName,
+                    Fixed(mix.Inventory, 3),
+                    context.session.Perm_Costs == 0 ? "" : Fixed(mix.BasicCost, context.session.DecimalPlaces),
+                    mix.LastModified ? mix.LastModified->DateText() : ""});
+  };
+  if (ingredient.empty()) {
+    ForEachMix(context.session, take);
+  } else {
+    ForEachMixUsing(context.session, ReadName(context.session, ingredient), take);
+  }
+  if (!context.json)
+    context.text =
+        TableText({"Color_Name", "Color_Code", "Ingredients", "AddSetName", "Inventory", "BasicCost", "LastModified"},
+                  rows, {false, false, true, false, true, true, false});
+  return answer;
+}
+
+Result<void> TakeField(const Session& session, FormulaWork& work, const std::string& field, const std::string& value) {
+  if (field == "Color_Code") work.Color_Code = value;
+  if (field == "Reorder") work.Reorder = value;
+  if (field == "PurchaseCost") work.PurchaseCost = value;
+  if (field == "Notes") work.Notes = value;
+  if (field == "Inv_Note") work.Inv_Note = value;
+  if (field == "VOC") work.VOC = value;
+  if (field == "HAP") work.HAP = value;
+  if (field == "Recycle") {
+    const auto recycle = ReadYesNo(field, value);
+    if (!recycle) return std::unexpected(recycle.error());
+    work.Recycle = *recycle;
+  }
+  if (field == "Inventory") {
+    const auto quantity = ReadInventory(session, ColorKind::Mix, value);
+    if (!quantity) return std::unexpected(quantity.error());
+    work.Inventory = *quantity;
+  }
+  return {};
+}
+
+Result<void> TakeIngredient(Session& session, FormulaWork& work, std::size_t row, const std::string& typed,
+                            const std::string& amount) {
+  if (row >= work.grid.size())
+    return Refuse("Maximum Ingredients Exceeded",
+                  fmt::format("This formula already contains the maximum number of ingredients, {}.\n\n{} could not be "
+                              "added to the formula.",
+                              work.grid.size(), typed));
+  if (!BasicColorExists(session, ReadName(session, typed)))
+    if (auto valid = CheckTypedName(typed, schema::Numbered("BC", static_cast<int>(row))); !valid) return valid;
+  const auto entry = EnterIngredient(session, work, row, typed);
+  if (!entry) return std::unexpected(entry.error());
+  work.grid[row] = {entry->name, amount};
+  if (entry->toAdd) work.newIngredients.push_back(*entry->toAdd);
+  return {};
+}
+
+struct FormulaOptions {
+  std::string name;
+  std::vector<std::string> pairs;
+  std::optional<std::string> additiveSet;  ///< empty text takes the set off
+};
+
+// Ingredients named are the whole new recipe; without any the recipe stays.
+Result<void> TakePairs(Session& session, FormulaWork& work, const FormulaOptions& options) {
+  Pairs ingredients;
+  for (const std::string& text : options.pairs) {
+    const auto pair = SplitPair(text);
+    const std::string field = KnownField(pair->first, SettableFields(), true);
+    if (field.empty()) {
+      ingredients.push_back(*SplitPair(text, true));
+    } else if (auto taken = TakeField(session, work, field, pair->second); !taken) {
+      return taken;
+    }
+  }
+  if (!ingredients.empty()) {
+    work.AllowEditing = true;
+    work.grid = {};
+    for (std::size_t row = 0; row < ingredients.size(); ++row)
+      if (auto taken = TakeIngredient(session, work, row, ingredients[row].first, ingredients[row].second); !taken)
+        return taken;
+  }
+  if (!options.additiveSet) return {};
+  work.AllowEditing = true;
+  return ChooseAdditiveSet(session, work, *options.additiveSet);
+}
+
+Result<Json> Add(Context& context, const FormulaOptions& options) {
+  Session& session = context.session;
+  if (auto valid = CheckTypedName(options.name); !valid) return std::unexpected(valid.error());
+  std::string name = ReadName(session, options.name);
+  if (name.empty()) return Refuse("Color Name Needed", "Please enter a new color name.", "Color_Name");
+  if (IsPantoneBookMix(session, name)) name = GetTemplateMixName(session, name);
+  if (MixColorExists(session, name))
+    return Refuse("Master Formula Exists",
+                  "This Master Formula already exists in the database.\n\nPlease select different name.", "Color_Name");
+  if (auto allowed = CheckNewMixName(session, name); !allowed) return std::unexpected(allowed.error());
+  // The verb itself says that the formula is wanted; that a Basic Color bears its name may not be known.
+  if (BasicColorExists(session, name) && !AskNewMix(session, name))
+    return Declined("Master Formula - New Master Formula", name);
+  FormulaWork work = NewFormulaWork(session, name);
+  if (auto taken = TakePairs(session, work, options); !taken) return std::unexpected(taken.error());
+  if (auto saved = SaveMix(session, work); !saved) return std::unexpected(saved.error());
+  return Answer(context, work.Color_Name);
+}
+
+Result<Json> Edit(Context& context, const FormulaOptions& options) {
+  const auto mix = Named(context.session, options.name);
+  if (!mix) return std::unexpected(mix.error());
+  FormulaWork work = LoadFormulaWork(context.session, *mix);
+  if (auto taken = TakePairs(context.session, work, options); !taken) return std::unexpected(taken.error());
+  if (auto saved = SaveMix(context.session, work); !saved) return std::unexpected(saved.error());
+  return Answer(context, work.Color_Name);
+}
+
+Result<Json> Rename(Context& context, const std::string& oldName, const std::string& newName) {
+  const auto mix = Named(context.session, oldName);
+  if (!mix) return std::unexpected(mix.error());
+  if (auto valid = CheckTypedName(newName, "txtNewName"); !valid) return std::unexpected(valid.error());
+  const auto renamed = RenameColor(context.session, mix->Color_Name, newName);
+  if (!renamed) return std::unexpected(renamed.error());
+  return Json{{"Color_Name", renamed->name}, {"OldName", mix->Color_Name}};
+}
+
+Result<Json> Delete(Context& context, const std::string& typed) {
+  const auto mix = Named(context.session, typed);
+  if (!mix) return std::unexpected(mix.error());
+  const auto deleted = DeleteMix(context.session, mix->Color_Name);
+  if (!deleted) return std::unexpected(deleted.error());
+  if (!*deleted) return Declined("Master Formula - Delete Master Formula?", mix->Color_Name);
+  return Json{{"Color_Name", mix->Color_Name}, {"Deleted", true}};
+}
+
+Result<Json> Duplicate(Context& context, const FormulaOptions& options, const std::string& newName,
+                       const std::string& target) {
+  Session& session = context.session;
+  const auto mix = Named(session, options.name);
+  if (!mix) return std::unexpected(mix.error());
+  if (auto valid = CheckTypedName(newName, "txtNewName"); !valid) return std::unexpected(valid.error());
+  const auto made =
+      DuplicateFormula(session, mix->Color_Name, newName, target, options.additiveSet.value_or(std::string()));
+  if (!made) return std::unexpected(made.error());
+  if (!made->done) return Declined("Overwite Exisiting Master Formula?", newName);
+  const auto duplicate = ReadMix(session, made->name, target);
+  if (!context.json) context.text = MixText(session, *duplicate);
+  return MixJson(session, *duplicate);
+}
+
+// Other processes may have changed colours, so every roll-up counts as pending here.
+Result<Json> Passes(Context& context) {
+  RunPasses(context.session, {true, true, true});
+  return Json{{"Database", context.session.CurrentDatabase}, {"Formulas", MixNames(context.session).size()}};
+}
+
+std::string CheckPair(const std::string& text) {
+  return SplitPair(text) ? std::string() : text + " is neither INGREDIENT=AMOUNT nor FIELD=VALUE";
+}
+
+void AddWritingVerbs(CLI::App* noun, Commands& commands) {
+  auto* add = noun->add_subcommand("add", "Enter a new one; its amounts are brought to parts of 100");
+  auto* edit = noun->add_subcommand("edit", "Change one; ingredients given are its whole new recipe");
+  for (CLI::App* verb : {add, edit}) {
+    const auto options = std::make_shared<FormulaOptions>();
+    verb->add_option("NAME", options->name, "Its name")->required();
+    verb->add_option("INGREDIENT=AMOUNT", options->pairs, "Ingredients with their amounts, and FIELD=VALUE")
+        ->check(CheckPair);
+    verb->add_option("--additive-set", options->additiveSet, "The Additive Set it uses; \"\" for none");
+    const bool isAdd = verb == add;
+    commands.Add(verb, Needs::Writable, [options, isAdd](Context& context) {
+      return isAdd ? Add(context, *options) : Edit(context, *options);
+    });
+  }
+
+  auto* rename = noun->add_subcommand("rename", "Give one another name, everywhere");
+  const auto oldName = std::make_shared<std::string>();
+  const auto newName = std::make_shared<std::string>();
+  rename->add_option("OLD", *oldName, "Its name")->required();
+  rename->add_option("NEW", *newName, "Its new name")->required();
+  commands.Add(rename, Needs::Writable,
+               [oldName, newName](Context& context) { return Rename(context, *oldName, *newName); });
+
+  auto* remove = noun->add_subcommand("delete", "Remove one");
+  const auto removed = std::make_shared<std::string>();
+  remove->add_option("NAME", *removed, "Its name")->required();
+  commands.Add(remove, Needs::Writable, [removed](Context& context) { return Delete(context, *removed); });
+
+  auto* duplicate = noun->add_subcommand("duplicate", "Copy one under a new name, also into another Database");
+  const auto source = std::make_shared<FormulaOptions>();
+  const auto copyName = std::make_shared<std::string>();
+  const auto target = std::make_shared<std::string>();
+  duplicate->add_option("NAME", source->name, "Its name")->required();
+  duplicate->add_option("NEW", *copyName, "The name of the copy")->required();
+  duplicate->add_option("--to", *target, "The Database of the copy (else the same)");
+  duplicate->add_option("--additive-set", source->additiveSet, "An Additive Set of that Database");
+  commands.Add(duplicate, Needs::Writable, [source, copyName, target](Context& context) {
+    return Duplicate(context, *source, *copyName, *target);
+  });
+}
+
+}  // namespace
+
+void AddFormulaCommands(CLI::App& app, Commands& commands) {
+  CLI::App* noun = AddNoun(app, "formula",
+                           "Master Formulas: list, show, add, edit, rename, delete, duplicate, import, export, passes");
+  auto* list = noun->add_subcommand("list", "All, in the order of their names");
+  const auto ingredient = std::make_shared<std::string>();
+  list->add_option("--using", *ingredient, "Only those with this ingredient");
+  commands.Add(list, Needs::File, [ingredient](Context& context) { return List(context, *ingredient); });
+
+  auto* show = noun->add_subcommand("show", "One with its recipe and all its fields");
+  const auto shown = std::make_shared<std::string>();
+  show->add_option("NAME", *shown, "Its name, its number in a guide, or its code")->required();
+  commands.Add(show, Needs::File, [shown](Context& context) -> Result<Json> {
+    const auto mix = Named(context.session, *shown);
+    if (!mix) return std::unexpected(mix.error());
+    return Answer(context, mix->Color_Name);
+  });
+
+  AddWritingVerbs(noun, commands);
+  AddFormulaExchangeCommands(*noun, commands);
+  commands.Add(noun->add_subcommand("passes", "Bring the rolled-up cost, VOC and HAP of all formulas up to date"),
+               Needs::Writable, Passes);
+}
+
+}  // namespace vellumark::cli
