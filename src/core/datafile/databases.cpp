@@ -10,24 +10,25 @@
 
 namespace vellumark {
 
+std::optional<std::string> DatabaseNameFault(const std::string& name) {
+  if (CharCount(name) > kDatabaseNameLength)
+    return fmt::format("The name {} is longer than {} characters.", name, kDatabaseNameLength);
+  const auto allowed = [](char c) {
+    return (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == ' ' || c == '/' || c == '-';
+  };
+  if (!std::ranges::all_of(name, allowed))
+    return fmt::format("The name {} may hold only letters from A to Z, digits, blanks, / and -.", name);
+  if (name.starts_with("MSYS") || name == "SQLITE")
+    return fmt::format("The name {} is kept for the program's own use.", name);
+  return std::nullopt;
+}
+
 Result<std::string> NewDatabaseName(std::string_view typed, const std::vector<std::string>& existing,
                                     std::string_view dataFileName) {
   const std::string name = Upper(TrimView(typed));
   if (name.empty())
     return Refuse("New Database - Database Name?", "Please enter a name for the new database.", "txtDBName");
-  if (CharCount(name) > kDatabaseNameLength)
-    return Refuse("New Database - Database Name?",
-                  fmt::format("The name {} is longer than {} characters.", name, kDatabaseNameLength), "txtDBName");
-  const auto allowed = [](char c) {
-    return (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == ' ' || c == '/' || c == '-';
-  };
-  if (!std::ranges::all_of(name, allowed))
-    return Refuse("New Database - Database Name?",
-                  fmt::format("The name {} may hold only letters from A to Z, digits, blanks, / and -.", name),
-                  "txtDBName");
-  if (name.starts_with("MSYS") || name == "SQLITE")
-    return Refuse("New Database - Database Name?", fmt::format("The name {} is kept for the program's own use.", name),
-                  "txtDBName");
+  if (auto fault = DatabaseNameFault(name)) return Refuse("New Database - Database Name?", *fault, "txtDBName");
   if (std::ranges::any_of(existing, [&](const std::string& other) { return EqualNoCase(other, name); }))
     return Refuse("Database Already Exists",
                   fmt::format("The {} Database already exists in the {} Data File. Please select another name for your "

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -16,6 +17,10 @@ constexpr std::size_t kDatabaseNameLength = 15;
 /// than A to Z, 0 to 9, blank, "/" and "-", a name that the engine keeps for itself, one that stands in `existing`.
 Result<std::string> NewDatabaseName(std::string_view typed, const std::vector<std::string>& existing,
                                     std::string_view dataFileName);
+
+/// What is wrong with a name for a Database, in words for the operator; nothing for a good one. The name
+/// is trimmed and in upper case already, and not empty.
+std::optional<std::string> DatabaseNameFault(const std::string& name);
 
 /// Makes the ten tables, the `_Info` row of a plain Database and the entry in `DBList`, in one transaction.
 void CreateEmptyDatabase(Database& file, const std::string& name);

@@ -194,12 +194,16 @@ std::string Statement::ColumnName(int column) const {
 Database::Database(std::filesystem::path path, bool readOnly) : path_(std::move(path)), readOnly_(readOnly) {}
 
 Database::~Database() {
-  engine_->stored.clear();
+  if (engine_) engine_->stored.clear();  // there is none when the file could not be opened
 }
 
 void Database::Connect(int flags) {
   try {
     engine_ = std::make_unique<Engine>(path_.string(), flags);
+    // A quoted name that a table lacks is a fault, never a text of that spelling.
+    sqlite3* connection = engine_->connection.getHandle();
+    sqlite3_db_config(connection, SQLITE_DBCONFIG_DQS_DML, 0, nullptr);
+    sqlite3_db_config(connection, SQLITE_DBCONFIG_DQS_DDL, 0, nullptr);
   } catch (const SQLite::Exception& error) {
     throw Failure(path_.string(), CauseInWords(error.getErrorCode(), error.what()));
   }

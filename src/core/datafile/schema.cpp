@@ -2,6 +2,7 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <cmath>
 #include <limits>
 
@@ -83,8 +84,8 @@ Fields LabFields(int noteSize) {
 }
 
 Table LotTable(std::string suffix) {
-  // The index on name and reference finds a colour's lots, and holds its references in order, so that a free one is found
-  // without reading a row; references repeat from colour to colour.
+  // The index on name and reference finds a colour's lots, and holds its references in order, so that a free one is
+  // found without reading a row; references repeat from colour to colour.
   return {
       std::move(suffix),
       {Long("LotRefID"), Text("LotCName", 30), Text("LotNumber", 30), Text("LotLoc", 30, kZero),
@@ -248,6 +249,33 @@ std::string TableName(std::string_view database, const Table& table) {
   return table.name.starts_with('_') ? std::string(database) + table.name : table.name;
 }
 
+namespace {
+
+void CreateIndexes(Database& file, std::string_view name, const Table& table) {
+  for (const auto& index : table.indexes) {
+    std::string indexName = std::string(name) + "_";
+    std::string columns;
+    for (const std::string& field : index) {
+      indexName += field + "_";
+      columns += (columns.empty() ? "" : ", ") + Quoted(field);
+    }
+    file.Execute(fmt::format("CREATE INDEX {} ON {} ({})", Quoted(indexName + "Index"), Quoted(name), columns));
+  }
+}
+
+void DropIndexes(Database& file, std::string_view name) {
+  std::vector<std::string> indexes;
+  {
+    Statement row = file.Prepare(
+        "SELECT name FROM sqlite_master WHERE type='index' AND tbl_name=? COLLATE NOCASE AND sql IS NOT NULL");
+    row.Bind(1, name);
+    while (row.Step()) indexes.push_back(row.Text(0));
+  }
+  for (const std::string& index : indexes) file.Execute("DROP INDEX " + Quoted(index));
+}
+
+}  // namespace
+
 void CreateTable(Database& file, std::string_view name, const Table& table) {
   std::string sql = "CREATE TABLE " + Quoted(name) + " (";
   for (std::size_t i = 0; i < table.fields.size(); ++i) {
@@ -268,19 +296,30 @@ void CreateTable(Database& file, std::string_view name, const Table& table) {
     }
   }
   file.Execute(sql + ")");
-  for (const auto& index : table.indexes) {
-    std::string indexName = std::string(name) + "_";
-    std::string columns;
-    for (const std::string& field : index) {
-      indexName += field + "_";
-      columns += (columns.empty() ? "" : ", ") + Quoted(field);
-    }
-    file.Execute(fmt::format("CREATE INDEX {} ON {} ({})", Quoted(indexName + "Index"), Quoted(name), columns));
-  }
+  CreateIndexes(file, name, table);
+}
+
+void RenameTable(Database& file, std::string_view name, std::string_view newName, const Table& table) {
+  // Indexes keep their names when their table gets another, and the next table of the old name would want them.
+  DropIndexes(file, name);
+  file.Execute("ALTER TABLE " + Quoted(name) + " RENAME TO " + Quoted(newName));
+  CreateIndexes(file, newName, table);
 }
 
 void DropTable(Database& file, std::string_view name) {
   file.Execute("DROP TABLE " + Quoted(name));
+}
+
+std::vector<std::string> MissingFields(Database& file, const std::string& name, const Table& table) {
+  std::vector<std::string> present;
+  Statement columns = file.Prepare("SELECT name FROM pragma_table_info(?)");
+  columns.Bind(1, name);
+  while (columns.Step()) present.push_back(columns.Text(0));
+  std::vector<std::string> missing;
+  for (const Field& field : table.fields)
+    if (std::ranges::none_of(present, [&](const std::string& column) { return EqualNoCase(column, field.name); }))
+      missing.push_back(field.name);
+  return missing;
 }
 
 std::vector<std::string> MissingParts(Database& file, const std::vector<std::string>& databases) {
@@ -290,15 +329,7 @@ std::vector<std::string> MissingParts(Database& file, const std::vector<std::str
       missing.push_back("table " + name);
       return;
     }
-    std::vector<std::string> present;
-    Statement columns = file.Prepare("SELECT name FROM pragma_table_info(?)");
-    columns.Bind(1, name);
-    while (columns.Step()) present.push_back(columns.Text(0));
-    for (const Field& field : table.fields) {
-      bool found = false;
-      for (const std::string& column : present) found = found || EqualNoCase(column, field.name);
-      if (!found) missing.push_back("field " + name + "." + field.name);
-    }
+    for (const std::string& field : MissingFields(file, name, table)) missing.push_back("field " + name + "." + field);
   };
   for (const Table* table : schema::Global()) check(table->name, *table);
   for (const std::string& database : databases)

@@ -52,6 +52,11 @@ std::string TableName(std::string_view database, const Table& table);
 
 void CreateTable(Database& file, std::string_view name, const Table& table);
 void DropTable(Database& file, std::string_view name);
+/// Gives a table another name, and its indexes the names that go with it.
+void RenameTable(Database& file, std::string_view name, std::string_view newName, const Table& table);
+
+/// The fields that a table of the file lacks of its layout.
+std::vector<std::string> MissingFields(Database& file, const std::string& name, const Table& table);
 
 /// What the file lacks of the layout, a line each ("table INK_Mix", "field INK_Mix.BC14"); empty when nothing.
 std::vector<std::string> MissingParts(Database& file, const std::vector<std::string>& databases);

@@ -68,6 +68,14 @@ TEST(Engine, EachKindOfWrongFileIsTold) {
   EXPECT_EQ(CauseOf(opens(room.path)), "no failure");
 }
 
+TEST(Engine, AFieldThatIsNotThereIsAFaultAndNoText) {
+  const test::ScratchFolder folder;
+  EXPECT_THROW(Database::Create(folder / "gone" / "x.vkd"), Failure);
+  const auto file = Database::Create(folder / "x.vkd");
+  file->Execute("CREATE TABLE T (a)");
+  EXPECT_THROW(file->Prepare("SELECT \"b\" FROM T"), Failure);
+}
+
 TEST(Engine, AFileHeldByAnotherProcessIsRefusedUntilThatProcessEnds) {
   NewFile room;
   room.file.reset();
