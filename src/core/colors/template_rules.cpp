@@ -19,7 +19,11 @@ namespace {
 struct NoCase {
   bool operator()(const std::string& a, const std::string& b) const { return CompareNoCase(a, b) < 0; }
 };
-using NameSeen = std::map<std::string, std::string, NoCase>;  // name without prefix, where it stands
+struct Seen {
+  std::string name;
+  std::string where;
+};
+using NamesSeen = std::map<std::string, Seen, NoCase>;  // by the name without its prefix
 
 const Value& ValueOf(const TemplateRow& row, const Table& shape, std::string_view field) {
   return row.values[static_cast<std::size_t>(shape.Find(field))];
@@ -30,18 +34,19 @@ class RowJudge {
   RowJudge(const TemplateRow& row, std::vector<std::string>& faults) : row_(row), faults_(faults) {}
   void Fault(const std::string& what) { faults_.push_back(TemplateFault(row_, what)); }
 
-  void JudgeName(const std::string& name, NameSeen& seen) {
+  void JudgeName(const std::string& name, NamesSeen& seen) {
+    if (name.empty()) return;  // already told by whoever read the row
     if (!row_.broken) {
       if (!HasPantonePrefix(name) || StripPantonePrefix(name).empty())
         Fault(fmt::format("the name {} does not begin with \"{}\"", name, kPantonePrefix));
       if (name != Upper(TrimView(name))) Fault(fmt::format("the name {} is not trimmed and in capitals", name));
       if (auto good = CheckImportedName(name); !good) Fault(good.error().text);
     }
-    if (const auto [first, added] = seen.emplace(StripPantonePrefix(name), row_.where); !added)
-      Fault(fmt::format("the name {} stands already in {}", name, first->second));
+    if (const auto [first, added] = seen.emplace(StripPantonePrefix(name), Seen{name, row_.where}); !added)
+      Fault(fmt::format("the name {} stands already in {}", name, first->second.where));
   }
 
-  void JudgeRecipe(const NameSeen& basics) {
+  void JudgeRecipe(const NamesSeen& basics) {
     std::set<std::string, NoCase> used;
     std::int64_t thousandths = 0;
     bool ended = false;
@@ -54,7 +59,9 @@ class RowJudge {
         continue;
       }
       if (ended) Fault(fmt::format("BC{} holds an ingredient behind an empty one", n));
-      if (!basics.contains(StripPantonePrefix(name))) Fault(fmt::format("the guide has no Basic Color {}", name));
+      const auto basic = basics.find(StripPantonePrefix(name));
+      if (basic == basics.end() || !EqualNoCase(basic->second.name, name))
+        Fault(fmt::format("the guide has no Basic Color {}", name));
       if (!used.insert(StripPantonePrefix(name)).second) Fault(fmt::format("the ingredient {} stands twice", name));
       thousandths += JudgeAmount(name, amount);
     }
@@ -86,10 +93,10 @@ std::string TemplateFault(const TemplateRow& row, const std::string& what) {
 
 void CheckGuideRows(const std::vector<TemplateRow>& basics, const std::vector<TemplateRow>& formulas,
                     std::vector<std::string>& faults) {
-  NameSeen basicNames;
+  NamesSeen basicNames;
   for (const TemplateRow& row : basics)
     RowJudge(row, faults).JudgeName(ValueOf(row, schema::Basic, "Color_Name").Text(), basicNames);
-  NameSeen formulaNames;
+  NamesSeen formulaNames;
   for (const TemplateRow& row : formulas) {
     RowJudge judge(row, faults);
     judge.JudgeName(ValueOf(row, schema::Mix, "Color_Name").Text(), formulaNames);

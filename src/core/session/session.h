@@ -34,6 +34,7 @@ struct Session {
   std::filesystem::path DataFolder;     ///< folder of the Support Files
   std::filesystem::path BackupsFolder;  ///< DataFolder/Backups
   std::filesystem::path ProgramFolder;  ///< templates and the default Data File
+  std::filesystem::path ShippedFolder;  ///< what came with the program, to read only; may be empty
   std::unique_ptr<SupportFiles> support;
 
   std::string DataFileName;               ///< full path of the current Data File; empty when none is known

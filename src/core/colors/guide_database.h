@@ -1,0 +1,33 @@
+#pragma once
+
+#include <array>
+#include <filesystem>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "core/colors/template_file.h"
+#include "core/session/session.h"
+
+namespace vellumark {
+
+/// The guides of a new file's first Database.
+inline constexpr std::array<std::string_view, 3> kFirstGuides{"F_Guide_A", "Metallics", "Pastels_Neons"};
+
+/// The template in use: the site's own in the program's folder, else the one that came with the program. Empty when
+/// there is neither.
+std::filesystem::path TemplatePath(const Session& session);
+/// How a site comes by a template, for those who have none.
+std::string HowToGetTemplate(const Session& session);
+
+/// The guides of which the template holds formulas, in list order. Throws Failure for a template that cannot be read.
+std::vector<const Guide*> GuidesInTemplate(const Session& session);
+
+/// Makes a Database from guides of the template, in one transaction. Guides are copied in list order whatever the order
+/// of `codes`; a name that an earlier one brought is skipped; costs and emissions are rolled up from the Database's own
+/// Basic Colors. Refused: a name that NewDatabaseName refuses, no guide, both Formula Guides, a guide that the template
+/// does not hold. The name as stored.
+Result<std::string> CreateGuideDatabase(Session& session, std::string_view typedName,
+                                        const std::vector<std::string>& codes);
+
+}  // namespace vellumark
