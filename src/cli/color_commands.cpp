@@ -89,14 +89,21 @@ Result<void> TakePair(const Session& session, BasicWork& work, const std::string
   return {};
 }
 
-Result<Json> Save(Context& context, BasicWork work, const std::vector<std::string>& pairs) {
+Result<Json> Save(Context& context, BasicWork work, std::vector<std::string> pairs) {
+  const auto swatch = TakeSwatch(pairs);
+  if (!swatch) return std::unexpected(swatch.error());
   for (const std::string& text : pairs) {
     const auto pair = SplitPair(text);
     const std::string field = KnownField(pair->first, SettableFields(), false);
     if (auto taken = TakePair(context.session, work, field, pair->second); !taken)
       return std::unexpected(taken.error());
   }
+  Transaction transaction(context.session.File());
   if (auto saved = SaveBasic(context.session, work); !saved) return std::unexpected(saved.error());
+  if (swatch->Any())
+    if (auto set = SetSwatch(context.session, ColorKind::Basic, work.Color_Name, *swatch); !set)
+      return std::unexpected(set.error());
+  transaction.Commit();
   return BasicJson(context.session, *ReadBasic(context.session, work.Color_Name));
 }
 
@@ -145,9 +152,12 @@ Result<Json> Delete(Context& context, const std::string& typed) {
 
 std::string CheckPair(const std::string& text) {
   const auto pair = SplitPair(text);
+  static const std::vector<std::string> swatch{"Red", "Green", "Blue"};
   if (pair && !KnownField(pair->first, SettableFields(), false).empty()) return {};
+  if (pair && !KnownField(pair->first, swatch, true).empty()) return {};
   std::string fields;
-  for (const std::string& field : SettableFields()) fields += (fields.empty() ? "" : ", ") + field;
+  for (const std::string& field : SettableFields()) fields += field + ", ";
+  fields += "Red, Green, Blue";
   return text + " is not FIELD=VALUE with a field of " + fields;
 }
 

@@ -21,6 +21,28 @@ std::string KnownField(std::string_view typed, const std::vector<std::string>& f
   return {};
 }
 
+Result<SwatchChange> TakeSwatch(std::vector<std::string>& pairs) {
+  SwatchChange change;
+  Result<void> read;
+  std::erase_if(pairs, [&](const std::string& text) {
+    const auto pair = SplitPair(text);
+    std::optional<int>* part = nullptr;
+    if (pair && pair->first == "Red") part = &change.Red;
+    if (pair && pair->first == "Green") part = &change.Green;
+    if (pair && pair->first == "Blue") part = &change.Blue;
+    if (part == nullptr) return false;
+    const auto value = ReadSwatchPart(pair->first, pair->second);
+    if (value) {
+      *part = *value;
+    } else if (read) {
+      read = std::unexpected(value.error());
+    }
+    return true;
+  });
+  if (!read) return std::unexpected(read.error());
+  return change;
+}
+
 Json Price(const Session& session, float price) {
   return session.Perm_Costs == 0 ? Json() : Number(price);
 }

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "cli/frame.h"
+#include "core/colors/swatch.h"
 
 namespace vellumark::cli {
 
@@ -18,6 +19,9 @@ Result<bool> ReadYesNo(const std::string& field, std::string_view text);
 /// The pair's field in the spelling of the table; empty when it is none of `fields`. Case does not count unless
 /// `exact`.
 std::string KnownField(std::string_view typed, const std::vector<std::string>& fields, bool exact);
+
+/// Takes the pairs of a swatch ("Red=200") out of `pairs`.
+Result<SwatchChange> TakeSwatch(std::vector<std::string>& pairs);
 
 /// A price as its number, or null for a user who may not see prices.
 Json Price(const Session& session, float price);

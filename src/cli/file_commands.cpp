@@ -16,7 +16,8 @@ namespace vellumark::cli {
 namespace fs = std::filesystem;
 namespace {
 
-Result<Json> CreateNewFile(Context& context, const std::string& typedPath, const std::string& typedDatabase) {
+Result<Json> CreateNewFile(Context& context, const std::string& typedPath, const std::string& typedDatabase,
+                           FirstContent content) {
   const std::string path = fs::absolute(typedPath).string();
   if (!EqualNoCase(fs::path(path).extension().string(), ".vkd"))
     return Refuse("File Name", fmt::format("The name of a Data File ends in .vkd: {}", path), "PATH");
@@ -27,7 +28,7 @@ Result<Json> CreateNewFile(Context& context, const std::string& typedPath, const
   CreateDataFile(session, path, windows);
   session.DataFileDB = Database::Open(path, OpenMode::Exclusive);
   session.DataFileOpen = true;
-  MakeFirstDatabase(session, *name);
+  MakeFirstDatabase(session, *name, content);
   RunSupportLadder(session);
   return Json{{"DataFileName", path}, {"CurrentDB", *name}};
 }
@@ -104,9 +105,10 @@ void AddFileCommands(CLI::App& app, Commands& commands) {
   create->add_option("PATH", *path, "Where the file goes; its name ends in .vkd")->required();
   create->add_option("--database", *database, "Name of its first Database")->capture_default_str();
   const auto empty = std::make_shared<bool>(false);
-  create->add_flag("--empty", *empty, "Leave the first Database empty");
-  commands.Add(create, Needs::Nothing,
-               [path, database](Context& context) { return CreateNewFile(context, *path, *database); });
+  create->add_flag("--empty", *empty, "Leave the first Database empty; else it gets the first guides of the template");
+  commands.Add(create, Needs::Nothing, [path, database, empty](Context& context) {
+    return CreateNewFile(context, *path, *database, *empty ? FirstContent::Empty : FirstContent::Guides);
+  });
 
   commands.Add(noun->add_subcommand("info", "Version, counters and Databases"), Needs::File, FileInfoAnswer);
 

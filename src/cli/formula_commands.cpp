@@ -175,7 +175,19 @@ Result<void> TakePairs(Session& session, FormulaWork& work, const FormulaOptions
   return ChooseAdditiveSet(session, work, *options.additiveSet);
 }
 
-Result<Json> Add(Context& context, const FormulaOptions& options) {
+// The recipe and the swatch, both or neither.
+Result<void> SaveWithSwatch(Session& session, FormulaWork& work, const SwatchChange& swatch) {
+  Transaction transaction(session.File());
+  if (auto saved = SaveMix(session, work); !saved) return std::unexpected(saved.error());
+  if (swatch.Any())
+    if (auto set = SetSwatch(session, ColorKind::Mix, work.Color_Name, swatch); !set) return set;
+  transaction.Commit();
+  return {};
+}
+
+Result<Json> Add(Context& context, FormulaOptions options) {
+  const auto swatch = TakeSwatch(options.pairs);
+  if (!swatch) return std::unexpected(swatch.error());
   Session& session = context.session;
   if (auto valid = CheckTypedName(options.name); !valid) return std::unexpected(valid.error());
   std::string name = ReadName(session, options.name);
@@ -190,16 +202,18 @@ Result<Json> Add(Context& context, const FormulaOptions& options) {
     return Declined("Master Formula - New Master Formula", name);
   FormulaWork work = NewFormulaWork(session, name);
   if (auto taken = TakePairs(session, work, options); !taken) return std::unexpected(taken.error());
-  if (auto saved = SaveMix(session, work); !saved) return std::unexpected(saved.error());
+  if (auto saved = SaveWithSwatch(session, work, *swatch); !saved) return std::unexpected(saved.error());
   return Answer(context, work.Color_Name);
 }
 
-Result<Json> Edit(Context& context, const FormulaOptions& options) {
+Result<Json> Edit(Context& context, FormulaOptions options) {
+  const auto swatch = TakeSwatch(options.pairs);
+  if (!swatch) return std::unexpected(swatch.error());
   const auto mix = Named(context.session, options.name);
   if (!mix) return std::unexpected(mix.error());
   FormulaWork work = LoadFormulaWork(context.session, *mix);
   if (auto taken = TakePairs(context.session, work, options); !taken) return std::unexpected(taken.error());
-  if (auto saved = SaveMix(context.session, work); !saved) return std::unexpected(saved.error());
+  if (auto saved = SaveWithSwatch(context.session, work, *swatch); !saved) return std::unexpected(saved.error());
   return Answer(context, work.Color_Name);
 }
 

@@ -185,7 +185,7 @@ TEST(CliFrame, UsageQuestionsAndAnswers) {
   EXPECT_EQ(open.status, 3);
   EXPECT_EQ(open.Json()["question"]["title"], "Basic Color Window - Delete Basic Color?");
   EXPECT_EQ(room.Json({"color", "list"}).size(), 1U);
-  EXPECT_EQ(room.Run({"--answer", "Basic Color Window - Delete Basic Color?=no", "color", "delete", "BLUE"}).status, 0);
+  EXPECT_EQ(room.Run({"--answer", "Basic Color Window - Delete Basic Color?=no", "color", "delete", "BLUE"}).status, 1);
   EXPECT_EQ(room.Json({"color", "list"}).size(), 1U);
   EXPECT_EQ(room.Run({"--answer", " Basic Color Window - Delete Basic Color? =yes", "color", "delete", "BLUE"}).status,
             0);

@@ -1,8 +1,10 @@
 #include "core/datafile/engine.h"
 
 #include <SQLiteCpp/SQLiteCpp.h>
+#include <fcntl.h>
 #include <fmt/format.h>
 #include <sqlite3.h>
+#include <unistd.h>
 
 #include <exception>
 #include <system_error>
@@ -38,6 +40,12 @@ std::string CauseInWords(int code, const char* message) {
     default:
       return message;
   }
+}
+
+// A write needs a journal beside the file, which shows only at the first write: too late to tell the operator.
+bool FolderIsWritable(const std::filesystem::path& path) {
+  const std::filesystem::path folder = std::filesystem::absolute(path).parent_path();
+  return ::faccessat(AT_FDCWD, folder.c_str(), W_OK | X_OK, AT_EACCESS) == 0;
 }
 
 // More compiled statements than any one operation uses, few enough to cost no memory worth counting.
@@ -217,11 +225,14 @@ std::unique_ptr<Database> Database::Open(const std::filesystem::path& path, Open
   if (std::filesystem::file_size(path, ignored) == 0) throw Failure(path.string(), "is empty, not a Data File");
   const bool readOnly = mode == OpenMode::ReadOnly;
   std::unique_ptr<Database> database(new Database(path, readOnly));
+  // One thread uses a connection, so the engine need not lock it.
   // A looker, too, must be able to roll back what a killed process left half done, so the engine may write; statements
   // may not.
-  database->Connect(SQLite::OPEN_READWRITE);
+  database->Connect(SQLite::OPEN_READWRITE | SQLite::OPEN_NOMUTEX);
   if (!readOnly && sqlite3_db_readonly(database->engine_->connection.getHandle(), "main") == 1)
     throw Failure(path.string(), "cannot be written: it is read-only");
+  if (!readOnly && !FolderIsWritable(path))
+    throw Failure(path.string(), "cannot be written: there is no permission to write in its folder");
   if (readOnly) {
     database->Execute("PRAGMA query_only=ON");
   } else {
@@ -241,7 +252,7 @@ std::unique_ptr<Database> Database::Create(const std::filesystem::path& path) {
   std::error_code ignored;
   if (std::filesystem::exists(path, ignored)) throw Failure(path.string(), "already exists");
   std::unique_ptr<Database> database(new Database(path, false));
-  database->Connect(SQLite::OPEN_READWRITE | SQLite::OPEN_CREATE);
+  database->Connect(SQLite::OPEN_READWRITE | SQLite::OPEN_CREATE | SQLite::OPEN_NOMUTEX);
   database->Execute("PRAGMA locking_mode=EXCLUSIVE");
   database->Execute("PRAGMA synchronous=FULL");
   database->Execute(fmt::format("PRAGMA application_id={}", kApplicationId));

@@ -31,4 +31,25 @@ std::vector<ColorStock> ListStock(const Session& session, std::optional<std::str
   return stock;
 }
 
+std::vector<LowStock> ColorsBelowReorder(const Session& session) {
+  std::vector<LowStock> low;
+  for (const ColorKind kind : {ColorKind::Basic, ColorKind::Mix}) {
+    Statement colors = session.File().Prepare(
+        fmt::format("SELECT Color_Name, Reorder, Red, Green, Blue FROM {} WHERE Reorder > 0 ORDER BY Color_Name, rowid",
+                    Quoted(session.Table(ColorTable(kind)))));
+    while (colors.Step()) {
+      LowStock one{kind,
+                   colors.Text(0),
+                   0,
+                   colors.Single(1),
+                   static_cast<int>(colors.Whole(2)),
+                   static_cast<int>(colors.Whole(3)),
+                   static_cast<int>(colors.Whole(4))};
+      one.total = TotalStock(session, kind, one.Color_Name);
+      if (one.total < one.Reorder) low.push_back(std::move(one));
+    }
+  }
+  return low;
+}
+
 }  // namespace vellumark

@@ -23,4 +23,18 @@ struct ColorStock {
 std::vector<ColorStock> ListStock(const Session& session, std::optional<std::string_view> name = {},
                                   std::optional<ColorKind> wanted = {});
 
+/// A colour whose total stock is below its reorder point.
+struct LowStock {
+  ColorKind kind = ColorKind::Basic;
+  std::string Color_Name;
+  float total = 0;
+  float Reorder = 0;
+  int Red = 0;
+  int Green = 0;
+  int Blue = 0;
+};
+
+/// Those of the current Database by name, Basic Colors first. A colour without a reorder point is never among them.
+std::vector<LowStock> ColorsBelowReorder(const Session& session);
+
 }  // namespace vellumark

@@ -6,6 +6,7 @@
 #include "core/base/number.h"
 #include "core/base/text.h"
 #include "core/settings/settings_keys.h"
+#include "core/shell/data_files.h"
 
 namespace vellumark {
 namespace fs = std::filesystem;
@@ -62,6 +63,7 @@ bool PrepareSupportFiles(Session& session, const Folders& folders) {
   session.DataFolder = folders.data;
   session.BackupsFolder = folders.data / "Backups";
   session.ProgramFolder = folders.program;
+  session.ShippedFolder = folders.shipped;
   session.support = std::make_unique<SupportFiles>(folders.data);
   const WrittenSupportFiles written = WriteMissingSupportFiles(*session.support);
   session.DataFileName = GetSupportValue(session, keys::DbFileName50);
@@ -99,7 +101,7 @@ bool StartUp(Session& session, const StartOptions& options, StartupWindows& wind
   windows.PrepareCloud(session);
   session.DataFileOpen = session.RecordsetsOpen = session.LoadingDatabase = false;
   if (session.DataFileName.empty()) LookForOlderFile(session, windows);
-  if (CheckDataFile(session, session.DataFileName, windows)) OpenDataFile(session, windows);
+  OpenRecentDataFile(session, windows);
   RunSupportLadder(session);
   windows.LoadScalePort(session);
   windows.ShowSplash();

@@ -1,0 +1,43 @@
+#include "core/colors/swatch.h"
+
+#include <fmt/format.h>
+
+#include <cmath>
+
+#include "core/base/number.h"
+#include "core/datafile/writer.h"
+
+namespace vellumark {
+
+Result<int> ReadSwatchPart(std::string_view field, std::string_view typed) {
+  const auto part = ParseNumber(typed);
+  if (!part || *part < 0 || *part > 255 || *part != std::floor(*part))
+    return Refuse("Invalid Swatch", fmt::format("{} is a whole number from 0 to 255, not \"{}\".", field, typed),
+                  std::string(field));
+  return static_cast<int>(*part);
+}
+
+Result<void> SetSwatch(Session& session, ColorKind kind, std::string_view name, const SwatchChange& change) {
+  if (auto writable = RequireWritable(session); !writable) return writable;
+  const std::string table = session.Table(ColorTable(kind));
+  Statement row = session.File().Prepare(
+      fmt::format("SELECT rowid, Color_Guide FROM {} WHERE Color_Name = ? ORDER BY rowid LIMIT 1", Quoted(table)));
+  row.Bind(1, name);
+  if (!row.Step())
+    return Refuse("Color Not Found", fmt::format("{} is not found in this database.", name), "Color_Name");
+  if (!row.TextView(1).empty())
+    return Refuse("Invalid Swatch", fmt::format("The swatch of {} comes from the guide {}.", name, row.TextView(1)));
+  std::vector<Cell> cells;
+  if (change.Red) cells.emplace_back("Red", *change.Red);
+  if (change.Green) cells.emplace_back("Green", *change.Green);
+  if (change.Blue) cells.emplace_back("Blue", *change.Blue);
+  const std::int64_t rowId = row.Whole(0);
+  row.Reset();
+  Transaction transaction(session.File());
+  UpdateRow(session.File(), ColorTable(kind), table, rowId, cells);
+  transaction.Note({ChangeKind(kind), session.CurrentDatabase, std::string(name), Change::What::Updated, ""});
+  transaction.Commit();
+  return {};
+}
+
+}  // namespace vellumark
