@@ -159,6 +159,7 @@ class NoWindows final : public OpeningWindows {
   void Login(Session&) override {}
   void SetCaption(const std::string&) override {}
   void SuggestArchive(Session&) override {}
+  void ShutdownBackup(Session&, const std::string&) override {}
 };
 
 // The large file, closed for as long as this lasts.

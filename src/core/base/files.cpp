@@ -72,6 +72,21 @@ std::string ReadFileBytes(const std::filesystem::path& path) {
   }
 }
 
+void CopyFile(const std::filesystem::path& from, const std::filesystem::path& to) {
+  std::error_code error;
+  std::filesystem::copy_file(from, to, error);
+  if (error == std::errc::file_exists) throw Failure(to.string(), "already exists");
+  try {
+    if (error) throw Failure(to.string(), "cannot be written: " + error.message());
+    Descriptor copy(to, O_RDONLY);
+    if (::fsync(copy.Get()) != 0) Fail(to, errno);
+  } catch (const Failure&) {
+    ::unlink(to.c_str());
+    throw;
+  }
+  SyncFolder(to.parent_path());
+}
+
 void SyncFolder(const std::filesystem::path& folder) {
   Descriptor handle(folder.empty() ? "." : folder, O_RDONLY | O_DIRECTORY);
   if (::fsync(handle.Get()) != 0 && errno != EINVAL) Fail(folder, errno);

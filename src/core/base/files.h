@@ -15,6 +15,9 @@ void ReplaceFile(const std::filesystem::path& path, const std::filesystem::path&
 /// The same with "<path>.tmp" as the temp file.
 void ReplaceFile(const std::filesystem::path& path, std::string_view bytes);
 
+/// Copies a file, synced to the disk, under a name that must be free. Throws Failure; nothing is left of the copy then.
+void CopyFile(const std::filesystem::path& from, const std::filesystem::path& to);
+
 /// Makes the rename or removal of a file in `folder` last through a power cut.
 void SyncFolder(const std::filesystem::path& folder);
 

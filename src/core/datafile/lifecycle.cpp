@@ -94,6 +94,13 @@ fs::path SafetyCopyPath(const fs::path& path) {
   return copy;
 }
 
+void CompactInto(const fs::path& path, const fs::path& copy) {
+  const auto file = Database::Open(path, OpenMode::Exclusive);
+  Statement vacuum = file->Prepare("VACUUM INTO ?");
+  vacuum.Bind(1, copy.string()).Run();
+  SyncFolder(copy.parent_path());
+}
+
 void CompactFile(const fs::path& path) {
   const fs::path old = SafetyCopyPath(path);
   if (old == path) throw Failure(path.string(), "is a backup copy and cannot be compacted");
@@ -104,10 +111,7 @@ void CompactFile(const fs::path& path) {
   fs::remove(building, error);
   Rename(path, old);
   try {
-    const auto file = Database::Open(old, OpenMode::Exclusive);
-    Statement vacuum = file->Prepare("VACUUM INTO ?");
-    vacuum.Bind(1, building.string()).Run();
-    SyncFolder(path.parent_path());
+    CompactInto(old, building);
   } catch (const Failure& failure) {
     // The compacted file is not whole: the user's data goes back under its own name.
     fs::remove(building, error);

@@ -42,6 +42,10 @@ bool IsArchiveCopy(int fileVersion, const std::filesystem::path& path);
 /// an existing file is refused with a Failure.
 void CreateFile(const std::filesystem::path& path);
 
+/// Writes a closed file without its unused space under another name, which must be free. What stands there after a
+/// Failure is not whole.
+void CompactInto(const std::filesystem::path& path, const std::filesystem::path& copy);
+
 /// Rewrites a closed file without its unused space. The old file is kept as ".vkb" until the new one stands.
 void CompactFile(const std::filesystem::path& path);
 /// The same name with ".vkb" for its last four characters (the extension).

@@ -14,6 +14,8 @@ FolderSources FolderSources::OfThisProcess(std::string dataFolderOption) {
     const char* value = std::getenv(name);
     return std::string(value == nullptr ? "" : value);
   };
+  std::error_code unknown;
+  sources.executable = fs::read_symlink("/proc/self/exe", unknown);
   sources.isWritable = [](const fs::path& path) {
     std::error_code ignored;
     return fs::is_directory(path, ignored) && ::access(path.c_str(), W_OK | X_OK) == 0;
@@ -43,6 +45,8 @@ Folders ResolveFolders(const FolderSources& sources) {
   } else {
     folders.program = own;
   }
+  if (sources.environment("VELLUMARK_PROGRAM_FOLDER").empty() && !sources.executable.empty())
+    folders.shipped = sources.executable.parent_path().parent_path() / "share" / "vellumark";
   return folders;
 }
 

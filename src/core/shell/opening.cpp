@@ -5,7 +5,9 @@
 #include <algorithm>
 #include <system_error>
 
+#include "core/base/progress_run.h"
 #include "core/base/text.h"
+#include "core/colors/guide_database.h"
 #include "core/datafile/databases.h"
 #include "core/datafile/lifecycle.h"
 #include "core/session/users.h"
@@ -14,8 +16,6 @@ namespace vellumark {
 namespace fs = std::filesystem;
 
 namespace {
-
-constexpr std::string_view kTemplateName = "pdbt.vkt";
 
 void ShowMessageAsStart(Session& session, OpeningWindows& windows, std::string message) {
   session.StartupMessage = std::move(message);
@@ -67,6 +67,20 @@ std::unique_ptr<Database> OpenFile(Session& session) {
   auto file = Database::Open(session.DataFileName, session.ArchiveView ? OpenMode::ReadOnly : OpenMode::Exclusive);
   file->SetChanges(&session.changes);
   return file;
+}
+
+// False when the template holds none of the guides; nothing was made then.
+bool MakeOfFirstGuides(Session& session, const std::string& name) {
+  std::vector<std::string> codes;
+  for (const Guide* guide : GuidesInTemplate(session))
+    if (std::ranges::find(kFirstGuides, guide->code) != kFirstGuides.end()) codes.emplace_back(guide->code);
+  if (codes.empty()) return false;
+  Transaction transaction(session.File());
+  if (const auto made = CreateGuideDatabase(session, name, codes); !made)
+    throw Failure(session.DataFileName, made.error().text);
+  StoreCurrentDatabase(session.File(), name);
+  transaction.Commit();
+  return true;
 }
 
 }  // namespace
@@ -163,12 +177,14 @@ void CloseDataFile(Session& session, OpeningWindows& windows) {
 }
 
 void CreateDataFile(Session& session, const fs::path& path, OpeningWindows& windows) {
-  session.progress.Begin("Creating Data File ...");
+  const ProgressRun progress(session.progress, "Creating Data File ...");
   CreateFile(path);
-  if (session.DataFileOpen) CloseDataFile(session, windows);
+  if (session.DataFileOpen) {
+    CloseDataFile(session, windows);
+    windows.ShutdownBackup(session, "AutoBackup");
+  }
   session.DataFileName = path.string();
   SetSupportValue(session, "dbFileName50", session.DataFileName);
-  session.progress.End();
 }
 
 void ReopenWorkingSets(Session& session) {
@@ -206,9 +222,8 @@ void OpenDatabase(Session& session) {
   CloseWorkingSets(session);
   const DatabaseInfo info = ReadDatabaseInfo(session.File(), session.CurrentDatabase);
   session.FullName = info.fullName;
-  const fs::path templatePath = session.ProgramFolder / kTemplateName;
-  std::error_code ignored;
-  const bool hasTemplate = fs::exists(templatePath, ignored);
+  const fs::path templatePath = TemplatePath(session);
+  const bool hasTemplate = !templatePath.empty();
   session.Disclaimer = hasTemplate ? info.disclaimer : "";
   session.TradeMark = hasTemplate ? info.tradeMark : "";
   session.TemplateFile = hasTemplate ? info.templateFile : "";
@@ -227,15 +242,42 @@ Result<void> ChangeDatabase(Session& session, std::string_view name, bool rememb
   session.CurrentDatabase = *found;
   if (remember && !session.ArchiveView) StoreCurrentDatabase(session.File(), *found);
   OpenDatabase(session);
+  // The list of Databases, and windows that stay open across the change, show the new one.
+  session.changes.Tell({{Change::Kind::DatabaseList, *found, "", Change::What::All, ""}});
   return {};
 }
 
-void MakeFirstDatabase(Session& session, const std::string& name) {
-  CreateEmptyDatabase(session.File(), name);
-  StoreCurrentDatabase(session.File(), name);
+void MakeFirstDatabase(Session& session, const std::string& name, FirstContent content) {
+  std::string lacking;  // why the Database has no guides
+  bool made = false;
+  const std::string templatePath = TemplatePath(session).string();
+  if (content == FirstContent::Guides && templatePath.empty()) {
+    lacking = "There is no template of color guides.";
+  } else if (content == FirstContent::Guides) {
+    try {
+      made = MakeOfFirstGuides(session, name);
+      if (!made) lacking = fmt::format("The template {} holds none of the guides of a first Database.", templatePath);
+    } catch (const Failure& failure) {
+      if (failure.subject != templatePath) throw;
+      lacking = fmt::format("The template {} cannot be used: {}.", templatePath, failure.cause);
+    } catch (const BadValue& bad) {
+      lacking = fmt::format("The template {} cannot be used: {}.", templatePath, bad.what());
+    }
+  }
+  if (!made) {
+    Transaction transaction(session.File());
+    CreateEmptyDatabase(session.File(), name);
+    StoreCurrentDatabase(session.File(), name);
+    transaction.Commit();
+  }
   session.databaseList = {name};
   session.CurrentDatabase = name;
   OpenDatabase(session);
+  if (!lacking.empty())
+    session.prompt.Tell(
+        "New Database",
+        fmt::format("{}\nThe Database {} is therefore empty.\n\n{}", lacking, name, HowToGetTemplate(session)),
+        Icon::Information);
 }
 
 std::int32_t NextBatchNumber(Session& session) {

@@ -23,6 +23,8 @@ class OpeningWindows {
   virtual void SetCaption(const std::string& caption) = 0;
   /// The suggestion to archive old records, after a file was opened.
   virtual void SuggestArchive(Session& session) = 0;
+  /// The backup of a closed Data File that is about to change hands: `DataFileName` still names it.
+  virtual void ShutdownBackup(Session& session, const std::string& label) = 0;
 };
 
 /// The file check: true when `path` may be opened. Otherwise `StartupMessage` says why and was shown, in
@@ -51,8 +53,11 @@ void OpenDatabase(Session& session);
 /// file has no Database of that name.
 Result<void> ChangeDatabase(Session& session, std::string_view name, bool remember = true);
 
-/// The first Database of a new file, "PANTONE" unless named.
-void MakeFirstDatabase(Session& session, const std::string& name = "PANTONE");
+/// The first Database of a new file, "PANTONE" unless named: of the first guides of the template, or empty. Where there
+/// is no template that could be used it is made empty, and the operator is told how to get one.
+enum class FirstContent { Guides, Empty };
+void MakeFirstDatabase(Session& session, const std::string& name = "PANTONE",
+                       FirstContent content = FirstContent::Guides);
 
 /// The numbers after those last handed out, 1 after 999,999, written to the file at once.
 std::int32_t NextBatchNumber(Session& session);

@@ -36,7 +36,6 @@ class StartupWindows : public OpeningWindows {
   virtual void ShowCloudLine(Session& session) = 0;
   virtual void CloseAllChildWindows() = 0;
   virtual void RemindBackup(Session& session) = 0;
-  virtual void ShutdownBackup(Session& session, const std::string& label) = 0;
   virtual void PowerOffScale(Session& session) = 0;
 };
 

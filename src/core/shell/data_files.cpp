@@ -1,0 +1,290 @@
+#include "core/shell/data_files.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <array>
+#include <system_error>
+#include <utility>
+
+#include "core/base/files.h"
+#include "core/base/progress_run.h"
+#include "core/base/text.h"
+#include "core/datafile/lifecycle.h"
+#include "core/session/rights.h"
+#include "core/settings/settings_keys.h"
+#include "core/shell/startup.h"
+
+namespace vellumark {
+namespace fs = std::filesystem;
+
+namespace {
+
+constexpr std::string_view kExtension = ".vkd";
+constexpr std::string_view kFileNameTitle = "File Name";
+
+// Folders that stand beside Data Files, wherever those are.
+constexpr std::array<std::string_view, 2> kFoldersBeside{"Auto Backup", "DesignPhotos"};
+
+fs::path Absolute(const fs::path& path) {
+  return fs::absolute(path).lexically_normal();
+}
+
+bool IsInside(const fs::path& path, const fs::path& folder) {
+  if (folder.empty()) return false;
+  const fs::path outer = Absolute(folder / "");
+  const fs::path inner = Absolute(path / "");
+  return inner.string().starts_with(outer.string());
+}
+
+bool Exists(const fs::path& path) {
+  std::error_code ignored;
+  return fs::exists(fs::symlink_status(path, ignored));
+}
+
+bool IsSameFile(const fs::path& a, const fs::path& b) {
+  std::error_code ignored;
+  return !a.empty() && fs::equivalent(a, b, ignored);
+}
+
+void TakeAsDefault(Session& session, const std::string& name) {
+  session.DataFileName = name;
+  SetSupportValue(session, keys::DbFileName50, name);
+}
+
+// The Data File that is left for another one, and the way back to it.
+class PreviousFile {
+ public:
+  PreviousFile(Session& session, OpeningWindows& windows)
+      : session_(session),
+        windows_(windows),
+        name_(session.DataFileName),
+        stored_(GetSupportValue(session, keys::DbFileName50)),
+        wasOpen_(session.DataFileOpen),
+        recordsetsWereOpen_(session.RecordsetsOpen) {}
+
+  void Leave() {
+    if (!wasOpen_) return;
+    CloseDataFile(session_, windows_);
+    windows_.ShutdownBackup(session_, "AutoBackup");
+  }
+
+  void Return() {
+    const bool nothingChanged = session_.DataFileName == name_ && session_.DataFileOpen == wasOpen_ &&
+                                session_.RecordsetsOpen == recordsetsWereOpen_;
+    if (nothingChanged) return;
+    CloseDataFile(session_, windows_);
+    TakeAsDefault(session_, name_);
+    SetSupportValue(session_, keys::DbFileName50, stored_);
+    if (!wasOpen_) return;
+    try {
+      OpenDataFile(session_, windows_);
+    } catch (const Failure& failure) {
+      CloseDataFile(session_, windows_);
+      session_.StartupMessage = failure.subject + "\n" + failure.cause + ".";
+      windows_.ShowNewDataFile(session_.StartupMessage);
+    }
+  }
+
+ private:
+  Session& session_;
+  OpeningWindows& windows_;
+  std::string name_;
+  std::string stored_;
+  bool wasOpen_;
+  bool recordsetsWereOpen_;
+};
+
+// What can be known of the other file is known before the open one is closed.
+void TryToOpen(const fs::path& path) {
+  const bool archive = IsArchiveCopy(ReadFileVersion(path), path);
+  Database::Open(path, archive ? OpenMode::ReadOnly : OpenMode::Exclusive);
+}
+
+void ChangeToFile(Session& session, const fs::path& path, OpeningWindows& windows) {
+  if (!(session.DataFileOpen && IsSameFile(path, session.DataFileName))) TryToOpen(path);
+  PreviousFile previous(session, windows);
+  try {
+    previous.Leave();
+    TakeAsDefault(session, path.string());
+    OpenDataFile(session, windows);
+  } catch (...) {
+    previous.Return();
+    throw;
+  }
+}
+
+// Photos of Designs lie beside the file. A copy that may only be looked at can stand where nothing can be made.
+void MakePhotoFolder(const Session& session) {
+  const fs::path folder = fs::path(session.DataFileName).parent_path() / "DesignPhotos";
+  std::error_code error;
+  fs::create_directories(folder, error);
+  if (error && !session.ArchiveView) throw Failure(folder.string(), "cannot be made: " + error.message());
+}
+
+bool CheckAndOpen(Session& session, const fs::path& path, OpeningWindows& windows) {
+  // The check compares names to know the open file.
+  const bool same = session.DataFileOpen && IsSameFile(path, session.DataFileName);
+  const fs::path file = same ? fs::path(session.DataFileName) : path;
+  if (!CheckDataFile(session, file.string(), windows)) return false;
+  ChangeToFile(session, file, windows);
+  MakePhotoFolder(session);
+  return true;
+}
+
+void MakeAndOpen(Session& session, const fs::path& path, OpeningWindows& windows) {
+  PreviousFile previous(session, windows);
+  bool made = false;
+  try {
+    CreateDataFile(session, path, windows);
+    made = true;
+    OpenDataFile(session, windows);
+  } catch (...) {
+    previous.Return();
+    std::error_code ignored;
+    if (made) fs::remove(path, ignored);
+    throw;
+  }
+  MakePhotoFolder(session);
+}
+
+fs::path WithExtension(fs::path path) {
+  if (!EqualNoCase(path.extension().string(), kExtension)) path += kExtension;
+  return path;
+}
+
+Result<fs::path> PathForRename(const Session& session, std::string_view typedName) {
+  const fs::path current(session.DataFileName);
+  const std::string name = Trim(typedName);
+  const auto refuse = [](std::string text) {
+    return Refuse(std::string(kFileNameTitle), std::move(text), "txtFileName");
+  };
+  if (name.empty()) return refuse("Enter a file name         ");
+  if (EqualNoCase(name, current.stem().string())) return refuse("New file name is the same as the current name");
+  if (name.find('/') != std::string::npos || name.find('\0') != std::string::npos)
+    return refuse("A file name cannot hold the character /");
+  fs::path renamed = current.parent_path() / (name + std::string(kExtension));
+  if (Exists(renamed)) return refuse("A file with name already exist, choose another name");
+  return renamed;
+}
+
+// The file is closed. A failure leaves the old file and no other.
+void MoveByCopy(const fs::path& from, const fs::path& to) {
+  CopyFile(from, to);
+  std::error_code error;
+  fs::remove(from, error);
+  if (error) {
+    std::error_code ignored;
+    fs::remove(to, ignored);
+    throw Failure(from.string(), "cannot be removed: " + error.message());
+  }
+  SyncFolder(to.parent_path());
+}
+
+}  // namespace
+
+bool OpenRecentDataFile(Session& session, OpeningWindows& windows) {
+  try {
+    if (CheckDataFile(session, session.DataFileName, windows)) OpenDataFile(session, windows);
+  } catch (const Failure& failure) {
+    CloseDataFile(session, windows);
+    session.StartupMessage = failure.subject + "\n" + failure.cause + ".";
+    windows.ShowNewDataFile(session.StartupMessage);
+  }
+  return session.DataFileOpen;
+}
+
+Result<bool> OpenOtherDataFile(Session& session, const fs::path& path, OpeningWindows& windows) {
+  if (auto allowed = RequireCommandRight(session, CommandRight::Advanced); !allowed)
+    return std::unexpected(allowed.error());
+  const fs::path file = Absolute(path);
+  if (IsOwnFolder(session, file.parent_path()) &&
+      !session.prompt.Ask("Open Data File",
+                          "Continue opening this file?\nCertain Vellumark features may rely upon this file.",
+                          Answer::No))
+    return false;
+  return CheckAndOpen(session, file, windows);
+}
+
+Result<fs::path> NewDataFile(Session& session, const fs::path& path, OpeningWindows& windows) {
+  if (auto allowed = RequireCommandRight(session, CommandRight::Advanced); !allowed)
+    return std::unexpected(allowed.error());
+  fs::path file = WithExtension(Absolute(path));
+  const fs::path folder = file.parent_path();
+  if (IsOwnFolder(session, folder))
+    return Refuse("New Data File",
+                  fmt::format("{}\nSelected folder for the new Data file is dedicated to Vellumark use only.\n"
+                              "Choose another folder to create a new Data file in.",
+                              folder.string()));
+  if (Exists(file)) file = NextFreeName(file);
+  MakeAndOpen(session, file, windows);
+  return file;
+}
+
+Result<bool> CreateDefaultDataFile(Session& session, OpeningWindows& windows) {
+  if (auto allowed = RequireCommandRight(session, CommandRight::Advanced); !allowed)
+    return std::unexpected(allowed.error());
+  fs::path file = session.ProgramFolder / kDefaultDataFile;
+  if (Exists(file)) {
+    if (session.prompt.Ask("Found existing Vellumark Data File",
+                           "'Yes' -  Use the found data file.\n'No' - Create a new data file."))
+      return CheckAndOpen(session, file, windows);
+    file = NextFreeName(file);
+  }
+  std::error_code error;
+  fs::create_directories(session.ProgramFolder, error);
+  if (error) throw Failure(session.ProgramFolder.string(), "cannot be made: " + error.message());
+  MakeAndOpen(session, file, windows);
+  return true;
+}
+
+Result<void> CheckRenameDataFile(const Session& session) {
+  if (auto allowed = RequireCommandRight(session, CommandRight::Advanced); !allowed) return allowed;
+  for (const std::string_view word : {"admin", "backup"})
+    if (FindNoCase(session.DataFileName, word) != std::string::npos)
+      return Refuse("Data File Rename", "Cannot Rename Data Files that contain\nkey words Admin or Backup");
+  return {};
+}
+
+Result<void> RenameDataFile(Session& session, std::string_view typedName, OpeningWindows& windows) {
+  if (auto allowed = CheckRenameDataFile(session); !allowed) return allowed;
+  const auto renamed = PathForRename(session, typedName);
+  if (!renamed) return std::unexpected(renamed.error());
+  const std::string before = session.DataFileName;
+  CloseDataFile(session, windows);
+  try {
+    const ProgressRun progress(session.progress, "Renaming File ...");
+    MoveByCopy(before, *renamed);
+    TakeAsDefault(session, renamed->string());
+  } catch (...) {
+    OpenDataFile(session, windows);
+    throw;
+  }
+  OpenDataFile(session, windows);
+  return {};
+}
+
+bool IsOwnFolder(const Session& session, const fs::path& folder) {
+  if (IsInside(folder, session.DataFolder) || IsInside(folder, session.BackupsFolder)) return true;
+  if (!session.ProgramFolder.empty() && IsInside(folder, session.ProgramFolder / "Converted")) return true;
+  return std::ranges::any_of(folder, [](const fs::path& part) {
+    return std::ranges::any_of(kFoldersBeside, [&](std::string_view own) { return EqualNoCase(part.string(), own); });
+  });
+}
+
+std::optional<std::string> MakeSafetyCopy(const fs::path& path) {
+  const fs::path copy = SafetyCopyPath(path);
+  std::error_code error;
+  if (copy == path) return fmt::format("{} is a backup copy itself", path.string());
+  fs::remove(copy, error);
+  if (error) return fmt::format("{} cannot be removed: {}", copy.string(), error.message());
+  try {
+    CompactInto(path, copy);
+  } catch (const Failure& failure) {
+    fs::remove(copy, error);
+    return failure.what();
+  }
+  return std::nullopt;
+}
+
+}  // namespace vellumark
