@@ -1,17 +1,20 @@
 #include <memory>
 
+#include "cli/frame.h"
 #include "core/base/text.h"
 #include "core/colors/copy_database.h"
 #include "core/datafile/databases.h"
 #include "core/datafile/lifecycle.h"
+#include "core/session/rights.h"
 #include "core/shell/opening.h"
-#include "cli/frame.h"
 
 namespace vellumark::cli {
 namespace {
 
 Result<Json> CreateDatabase(Context& context, const std::string& typed, const std::string& source) {
   Session& session = context.session;
+  if (auto allowed = RequireCommandRight(session, CommandRight::Databases); !allowed)
+    return std::unexpected(allowed.error());
   const auto name = NewDatabaseName(typed, session.databaseList, session.DataFileName);
   if (!name) return std::unexpected(name.error());
   if (source.empty()) {

@@ -31,6 +31,8 @@ struct Context {
   /// The answer for people. When empty it is made from the JSON: arrays of objects as a table, an object as a line for
   /// each key.
   std::string text;
+  std::string user;      ///< --user; empty when not given
+  std::string password;  ///< --password, or VELLUMARK_PASSWORD
 };
 
 /// A verb's procedure: its JSON answer, or the refusal of the rule that stopped it. Json() (null) prints nothing.
@@ -74,5 +76,6 @@ void AddFormulaCommands(CLI::App& app, Commands& commands);
 void AddFormulaExchangeCommands(CLI::App& formulaNoun, Commands& commands);
 void AddStockCommands(CLI::App& app, Commands& commands);
 void AddBatchCommands(CLI::App& app, Commands& commands);
+void AddUsersCommands(CLI::App& app, Commands& commands);
 
 }  // namespace vellumark::cli

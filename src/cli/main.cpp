@@ -6,13 +6,13 @@
 #include <filesystem>
 #include <system_error>
 
+#include "cli/frame.h"
+#include "cli/seams.h"
 #include "core/base/date.h"
 #include "core/base/text.h"
 #include "core/datafile/lifecycle.h"
 #include "core/shell/opening.h"
 #include "core/shell/startup.h"
-#include "cli/frame.h"
-#include "cli/seams.h"
 
 namespace vellumark::cli {
 namespace {
@@ -41,7 +41,7 @@ void AddGlobalOptions(CLI::App& app, GlobalOptions& options) {
   app.add_option("--file", options.file, "The Data File (else the one stored in the settings)");
   app.add_option("--db", options.database, "The Database (else the file's current one)");
   app.add_option("--user", options.user, "User name, where the Data File has users");
-  app.add_option("--password", options.password, "The user's password");
+  app.add_option("--password", options.password, "The user's password")->envname("VELLUMARK_PASSWORD");
   app.add_flag("--json", options.json, "Answer with one JSON value");
   app.add_option("--today", options.today, "The date that counts as today, YYYY-MM-DD");
   app.add_option("--now", options.now, "The time that counts as now, \"YYYY-MM-DD HH:MM:SS\"");
@@ -86,7 +86,7 @@ std::unique_ptr<Clock> ChosenClock(const GlobalOptions& options) {
 
 Result<void> OpenForVerb(Context& context, const GlobalOptions& options, Needs needs) {
   Session& session = context.session;
-  NoWindows windows;
+  NoWindows windows(options.user, options.password);
   if (context.dataFile.empty())
     return Refuse("Data File", "No Data File is known yet. Name one with --file, or make one with: file create PATH");
   if (std::error_code error; !fs::exists(context.dataFile, error)) throw Failure(context.dataFile, "does not exist");
@@ -112,7 +112,8 @@ int Report(const Refusal& refusal, bool json, std::string_view kind, int exitCod
         {std::string(kind), Json{{"title", refusal.title}, {"text", refusal.text}, {"field", refusal.field}}}};
     fmt::print("{}\n", answer.dump(2, ' ', false, Json::error_handler_t::replace));
   }
-  fmt::print(stderr, "{}: {}\n", Trim(refusal.title), refusal.text);
+  const std::string title = Trim(refusal.title);
+  fmt::print(stderr, "{}{}{}\n", title, title.empty() ? "" : ": ", refusal.text);
   return exitCode;
 }
 
@@ -124,7 +125,8 @@ int RunChosen(const GlobalOptions& options, const Commands& commands) {
     const std::unique_ptr<Clock> clock = ChosenClock(options);
     Session session(prompt, progress, *clock);
     PrepareSupportFiles(session, ResolveFolders(FolderSources::OfThisProcess(options.dataFolder)));
-    Context context{session, options.json, options.file.empty() ? session.DataFileName : options.file, {}};
+    Context context{session, options.json, options.file.empty() ? session.DataFileName : options.file,
+                    {},      options.user, options.password};
     if (!options.file.empty()) context.dataFile = fs::absolute(options.file).string();
 
     Result<void> opened;
@@ -147,6 +149,9 @@ int RunChosen(const GlobalOptions& options, const Commands& commands) {
   } catch (const WrongUsage& usage) {
     fmt::print(stderr, "{}\n", usage.text);
     return ExitUsage;
+  } catch (const RefusedLogin& login) {
+    progress.End();
+    return Report(login.refusal, options.json, "refused", ExitRefused);
   } catch (const UnansweredQuestion& question) {
     progress.End();
     return Report({question.message.title, question.message.text, ""}, options.json, "question", ExitQuestion);
@@ -173,6 +178,7 @@ int Main(int argc, char** argv) {
   AddFormulaCommands(app, commands);
   AddStockCommands(app, commands);
   AddBatchCommands(app, commands);
+  AddUsersCommands(app, commands);
   try {
     app.parse(argc, argv);
   } catch (const CLI::ParseError& error) {

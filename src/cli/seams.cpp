@@ -7,6 +7,7 @@
 #include <cstdio>
 
 #include "core/base/text.h"
+#include "core/session/users.h"
 
 namespace vellumark::cli {
 
@@ -21,7 +22,8 @@ Answer OptionPrompt::Show(const Message& message) {
   if (message.buttons == Buttons::Ok) {
     std::string text = message.text;
     text.erase(text.find_last_not_of(" \n") + 1);
-    fmt::print(stderr, "{}: {}\n", Trim(message.title), text);
+    const std::string title = Trim(message.title);
+    fmt::print(stderr, "{}{}{}\n", title, title.empty() ? "" : ": ", text);
     return Answer::Ok;
   }
   const bool confirms = message.buttons == Buttons::OkCancel;
@@ -68,7 +70,7 @@ void TerminalProgress::Clear() {
 }
 
 void NoWindows::Login(Session& session) {
-  throw Failure(session.DataFileName, "has users, and the command line cannot log a user in");
+  if (auto in = LogIn(session, user_, password_); !in) throw RefusedLogin{in.error()};
 }
 
 }  // namespace vellumark::cli

@@ -4,7 +4,9 @@
 #include <map>
 #include <string>
 #include <string_view>
+#include <utility>
 
+#include "core/base/refusal.h"
 #include "core/base/seams.h"
 #include "core/shell/opening.h"
 
@@ -13,6 +15,11 @@ namespace vellumark::cli {
 /// A question that no option answered.
 struct UnansweredQuestion {
   Message message;
+};
+
+/// A login that the Data File asked for and the options did not give.
+struct RefusedLogin {
+  Refusal refusal;
 };
 
 /// Answers from --answer, --yes and --no; tells on standard error.
@@ -52,11 +59,19 @@ class TerminalProgress final : public Progress {
 /// The opening's windows on the command line: there are none, what they would say is said by the caller.
 class NoWindows final : public OpeningWindows {
  public:
+  NoWindows() = default;
+  NoWindows(std::string user, std::string password) : user_(std::move(user)), password_(std::move(password)) {}
+
   void ShowNewDataFile(const std::string&) override {}
   bool ShowUpdateDataFile(const std::filesystem::path&, int) override { return false; }
+  /// With the user of the options; throws RefusedLogin.
   void Login(Session& session) override;
   void SetCaption(const std::string&) override {}
   void SuggestArchive(Session&) override {}
+
+ private:
+  std::string user_;
+  std::string password_;
 };
 
 }  // namespace vellumark::cli

@@ -2,23 +2,27 @@
 
 #include <memory>
 
-#include "core/base/number.h"
+#include "cli/frame.h"
+#include "cli/login.h"
+#include "core/session/options.h"
 #include "core/settings/settings_keys.h"
 #include "core/settings/support_files.h"
-#include "cli/frame.h"
 
 namespace vellumark::cli {
 namespace {
 
 Result<Json> SetSetting(Context& context, const std::string& key, const std::string& value) {
+  if (auto allowed = RequireRightInDefaultFile(context, CommandRight::Options); !allowed)
+    return std::unexpected(allowed.error());
   SupportFile& settings = context.session.support->settings;
   if (!settings.Read().Contains(key))
     return Refuse("Settings", fmt::format("The settings have no key {}.", key), "KEY");
   if (value.find('"') != std::string::npos) return Refuse("Settings", "A value cannot hold a double quote.", "VALUE");
   if (key == keys::InvCutoff) {
-    const auto amount = ParseNumber(value);
-    if (!amount || *amount < 0)
-      return Refuse("Invalid Inventory Cutoff", "You must enter an amount greater than or equal to zero.", "txtCutoff");
+    if (auto cutoff = ReadInvCutoff(value); !cutoff) return std::unexpected(cutoff.error());
+  }
+  if (key == keys::UDCNameCCodeLen) {
+    if (auto length = ReadNameLength(value); !length) return std::unexpected(length.error());
   }
   settings.SetSupportValue(key, value);
   return Json{{key, value}};

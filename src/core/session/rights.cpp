@@ -22,7 +22,7 @@ Command CommandOf(CommandRight right) {
     case CommandRight::Options:
       return {&Session::Perm_Options, 1, "change Options"};
     case CommandRight::Databases:
-      return {&Session::Perm_Databases, 1, "add, rename or delete Databases"};
+      return {&Session::Perm_Databases, 1, "add, rename or delete databases"};
     case CommandRight::DBTools:
       return {&Session::Perm_DBTools, 1, "use the Database Tools"};
     case CommandRight::Costs:
