@@ -36,10 +36,10 @@ int main(int argc, char** argv) {
   vellumark::Session session(prompt, progress, clock);
   vellumark::desktop::WindowList windows(session, &progress);
   vellumark::desktop::RegisterSessionWindows(windows);
-  vellumark::desktop::RegisterDatafileWindows(windows);
   vellumark::desktop::RegisterSettingsWindows(windows);
 
   vellumark::desktop::Program program(windows);
+  vellumark::desktop::RegisterDatafileWindows(windows, program.Windows());
   vellumark::StartOptions options;
   options.folders = vellumark::ResolveFolders(vellumark::FolderSources::OfThisProcess({}));
   options.dataFileArgument = files.isEmpty() ? std::string() : vellumark::desktop::U8(files.front());

@@ -42,7 +42,7 @@ void Field::SetFault(const QString& reason) {
   control.setToolTip(reason);
   control.setAccessibleDescription(reason);
   if (auto* line = qobject_cast<QLineEdit*>(&control); line != nullptr && mark_ == nullptr) {
-    mark_ = line->addAction(Icon("warning"), QLineEdit::LeadingPosition);
+    mark_ = line->addAction(Icon("fault"), QLineEdit::LeadingPosition);
   }
   Repolish(control);
 }

@@ -81,7 +81,8 @@ class TextField : public QLineEdit, public Field {
   void keyPressEvent(QKeyEvent* event) override;
   void focusOutEvent(QFocusEvent* event) override;
 
-  /// Beeps; apart, so that tests can hear it.
+  void SetRule(TextRule rule) { rule_ = rule; }
+  /// A key was dropped: beeps.
   void Refused();
 
  private:

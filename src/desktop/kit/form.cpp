@@ -10,14 +10,27 @@
 namespace vellumark::desktop {
 namespace {
 
-QGridLayout* LayOut(QWidget* page, bool margins) {
-  auto* grid = new QGridLayout(page);
+constexpr int kWidestSheet = 880;
+constexpr int kWidestText = 560;
+
+/// The sheet with the lines, and what is left of the page to its right and below.
+QWidget* LayOut(QWidget* page, bool margins) {
+  auto* sheet = new QWidget;
+  sheet->setMaximumWidth(kWidestSheet);
+  auto* across = new QHBoxLayout;
+  across->addWidget(sheet, 1000);
+  across->addStretch(1);
+  auto* down = new QVBoxLayout(page);
+  down->setContentsMargins(0, 0, 0, 0);
+  down->addLayout(across);
+  down->addStretch(1);
+  auto* grid = new QGridLayout(sheet);
   const int edge = margins ? space::kGroup : 0;
-  grid->setContentsMargins(edge, margins ? space::kGap : space::kGap, edge, margins ? space::kGap : 0);
+  grid->setContentsMargins(edge, space::kGap, edge, margins ? space::kGap : 0);
   grid->setHorizontalSpacing(space::kGap);
   grid->setVerticalSpacing(space::kUnit);
   grid->setColumnStretch(1, 1);
-  return grid;
+  return sheet;
 }
 
 QString Plain(QString label) {
@@ -33,7 +46,15 @@ Form::Form(FormHost& host) : Form(host, &host.Self(), true) {}
 
 Form::Form(FormHost& host, QWidget& part) : Form(host, &part, false) {}
 
-Form::Form(FormHost& host, QWidget* page, bool margins) : host_(&host), grid_(LayOut(page, margins)) {}
+Form::Form(FormHost& host, QWidget* page, bool margins)
+    : host_(&host), sheet_(LayOut(page, margins)), grid_(qobject_cast<QGridLayout*>(sheet_->layout())) {}
+
+void Form::Fill() {
+  sheet_->setMaximumWidth(QWIDGETSIZE_MAX);
+  auto* down = qobject_cast<QVBoxLayout*>(sheet_->parentWidget()->layout());
+  down->setStretch(0, 1000);
+  down->setStretch(1, 0);
+}
 
 int Form::NextRow() const {
   return grid_->rowCount();
@@ -65,7 +86,10 @@ QLabel* Form::Row(const QString& label, std::initializer_list<QWidget*> fields) 
   if (tall || radio != nullptr) {
     caption->setContentsMargins(0, radio != nullptr ? 3 : space::kUnit, 0, 0);
     grid_->addWidget(caption, row, 0, Qt::AlignTop | Qt::AlignLeft);
-    if (tall) grid_->setRowStretch(row, 1);
+    if (tall) {
+      grid_->setRowStretch(row, 1);
+      Fill();
+    }
   } else {
     grid_->addWidget(caption, row, 0, Qt::AlignVCenter | Qt::AlignLeft);
   }
@@ -87,21 +111,21 @@ QWidget* Form::Side(std::initializer_list<QWidget*> widgets) {
   auto* layout = new QHBoxLayout(box);
   layout->setContentsMargins(0, 0, 0, 0);
   layout->setSpacing(space::kUnit);
-  bool fills = false;
   for (QWidget* widget : widgets) {
     const bool wide =
         widget->maximumWidth() == QWIDGETSIZE_MAX && (widget->sizePolicy().expandingDirections() & Qt::Horizontal) != 0;
-    layout->addWidget(widget, wide ? 1 : 0);
-    fills = fills || wide;
+    layout->addWidget(widget, wide ? 1000 : 0);
   }
-  if (!fills) layout->addStretch(1);
+  layout->addStretch(1);
   return box;
 }
 
 void Form::Wide(QWidget* widget, int stretch) {
   const int row = NextRow();
   grid_->addWidget(widget, row, 0, 1, 2);
-  if (stretch > 0) grid_->setRowStretch(row, stretch);
+  if (stretch == 0) return;
+  grid_->setRowStretch(row, stretch);
+  Fill();
 }
 
 void Form::Space() {
@@ -112,6 +136,7 @@ void Form::Stretch() {
   const int row = NextRow();
   grid_->addItem(new QSpacerItem(0, 0, QSizePolicy::Minimum, QSizePolicy::Expanding), row, 0);
   grid_->setRowStretch(row, 1);
+  Fill();
 }
 
 std::vector<Form> Form::Columns(int count) {
@@ -124,9 +149,11 @@ std::vector<Form> Form::Columns(int count) {
     auto* column = new QWidget;
     Form form(*host_, column, false);
     form.grid_->setContentsMargins(0, 0, 0, 0);
-    layout->addWidget(column, 1, Qt::AlignTop);
+    form.sheet_->setMaximumWidth(QWIDGETSIZE_MAX);
+    layout->addWidget(column, 1);
     forms.push_back(form);
   }
+  sheet_->setMaximumWidth(QWIDGETSIZE_MAX);
   Wide(box);
   return forms;
 }
@@ -163,7 +190,9 @@ void Form::ButtonsWithoutDefault(std::initializer_list<QPushButton*> buttons) {
 }
 
 TextField* Form::Text(const QString& name, TextRule rule) {
-  return Add(new TextField(name, rule));
+  auto* field = new TextField(name, rule);
+  field->setMaximumWidth(std::min(field->maximumWidth(), kWidestText));
+  return Add(field);
 }
 
 TextField* Form::Password(const QString& name, int maxLength) {

@@ -17,7 +17,8 @@ namespace vellumark::desktop {
 class TabSet;
 
 /// Builds the inside of a window from top to bottom in lines that read as the window does. Labels stand in one column,
-/// fields in the next; headings and space part the groups. A Form is a hand on a layout: copy it freely.
+/// fields in the next; headings and space part the groups. A form is as wide as can be read and as high as its lines;
+/// one with a grid, a note or tabs fills its window. A Form is a hand on a layout: copy it freely.
 ///
 ///     Form form(*this);
 ///     form.Heading(tr("Stock"));
@@ -85,11 +86,13 @@ class Form {
  private:
   friend class TabSet;
   Form(FormHost& host, QWidget* page, bool margins);
-  Form(FormHost& host, QGridLayout* grid) : host_(&host), grid_(grid) {}
   int NextRow() const;
+  /// Something takes what is left of the window, in height and width.
+  void Fill();
   static QWidget* Side(std::initializer_list<QWidget*> widgets);
 
   FormHost* host_;
+  QWidget* sheet_;
   QGridLayout* grid_;
 };
 

@@ -21,7 +21,7 @@ QColor Ink(const QString& name, QIcon::Mode mode) {
   const Colors& colors = Look::Now();
   if (mode == QIcon::Disabled) return colors.off;
   if (name == "warning" || name == "low-stock") return colors.warning;
-  if (name == "critical") return colors.danger;
+  if (name == "critical" || name == "fault") return colors.danger;
   if (name == "information" || name == "question") return colors.accent;
   return colors.text;
 }
@@ -60,6 +60,21 @@ class InkIconEngine final : public QIconEngine {
 
 bool HasIcon(const QString& name) {
   return QFile::exists(PathOf(name));
+}
+
+IconView::IconView(const QString& iconName, int size, const QString& objectName) : icon_(Icon(iconName)) {
+  setFixedSize(size, size);
+  setObjectName(objectName);
+}
+
+void IconView::Show(const QString& iconName) {
+  icon_ = Icon(iconName);
+  update();
+}
+
+void IconView::paintEvent(QPaintEvent*) {
+  QPainter painter(this);
+  icon_.paint(&painter, rect(), Qt::AlignCenter, isEnabled() ? QIcon::Normal : QIcon::Disabled);
 }
 
 QIcon Icon(const QString& name) {

@@ -106,9 +106,7 @@ MessageDialog::MessageDialog(const Message& message, QWidget* owner)
   auto* row = new QHBoxLayout;
   row->setSpacing(space::kGap);
   if (const QString icon = IconName(message.icon); !icon.isEmpty()) {
-    auto* picture = new QLabel;
-    picture->setPixmap(Icon(icon).pixmap(QSize(kIconSize, kIconSize), devicePixelRatioF()));
-    row->addWidget(picture, 0, Qt::AlignTop);
+    row->addWidget(new IconView(icon, kIconSize), 0, Qt::AlignTop);
   }
   const QScreen* screen = owner != nullptr ? owner->screen() : QApplication::primaryScreen();
   const int tallest = screen->availableSize().height() / 2;
@@ -131,6 +129,7 @@ MessageDialog::MessageDialog(const Message& message, QWidget* owner)
 
 void MessageDialog::AddButtons() {
   auto* box = new QDialogButtonBox;
+  QPushButton* defaultButton = nullptr;
   for (const Choice& choice : ChoicesOf(message_.buttons)) {
     QPushButton* button = box->addButton(choice.button);
     button->setText(QCoreApplication::translate("MessageDialog", choice.text));
@@ -140,12 +139,12 @@ void MessageDialog::AddButtons() {
     const bool standard = choice.answer == message_.defaultAnswer || message_.buttons == Buttons::Ok;
     button->setAutoDefault(standard);
     button->setProperty("primary", standard);
-    if (standard) {
-      button->setDefault(true);
-      button->setFocus();
-    }
+    if (standard) defaultButton = button;
   }
   layout()->addWidget(box);
+  if (defaultButton == nullptr) return;
+  defaultButton->setDefault(true);
+  defaultButton->setFocus();
 }
 
 void MessageDialog::Choose(Answer answer) {

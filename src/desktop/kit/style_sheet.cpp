@@ -27,9 +27,10 @@ QComboBox::drop-down, QDateEdit::drop-down { border: none; width: 24px; }
 QComboBox::down-arrow, QDateEdit::down-arrow { image: url(:/icons/down-@tone.svg); width: 12px; height: 12px; }
 QComboBox QAbstractItemView { border: 1px solid @border; border-radius: 0; padding: 0; outline: none; }
 QComboBox QAbstractItemView::item { min-height: 28px; padding: 0 8px; }
+QTableView QLineEdit { min-height: 0; border-radius: 0; }
 QComboBox QLineEdit, QAbstractSpinBox QLineEdit { border: none; padding: 0; min-height: 0; background: transparent; }
-QListView::item { min-height: 26px; padding: 0 4px; }
-QListView::item:selected { background: @chosen; color: @text; }
+QListView::item, QTreeView::item { background: @surface; min-height: 26px; padding: 0 4px; }
+QListView::item:selected, QTreeView::item:selected { background: @chosen; color: @text; }
 QPushButton { background: @raised; color: @text; border: 1px solid @line; border-radius: 4px; padding: 0 15px;
   min-height: 30px; min-width: 64px; }
 QPushButton:hover { border-color: @border; }
@@ -75,7 +76,7 @@ QTabBar::tab { background: transparent; color: @quiet; border: none; border-bott
 QTabBar::tab:selected { color: @text; border-bottom-color: @accent; }
 QTabBar::tab:hover { color: @text; }
 QTabBar::tab:focus { color: @accent; }
-QTabBar::close-button { image: url(:/icons/close-@tone.svg); }
+QTabBar::close-button { image: url(:/icons/close-@tone.svg); width: 12px; height: 12px; margin: 4px; }
 QMenuBar { background: @window; color: @text; }
 QMenuBar::item { padding: 6px 10px; border-radius: 4px; background: transparent; }
 QMenuBar::item:selected { background: @raised; }

@@ -17,9 +17,12 @@ std::optional<QChar> TextRule::Key(QChar typed) const {
       const QString upper = Q(vellumark::Upper(U8(QString(typed))));
       return upper.isEmpty() ? typed : upper.front();
     }
+    case Kind::DatabaseName:
+      if (typed == '.') return std::nullopt;
+      [[fallthrough]];
     case Kind::Name:
     case Kind::ScannedName: {
-      const auto key = NameKey(typed.unicode(), kind_ == Kind::Name ? NameKeys::Plain : NameKeys::Scanned);
+      const auto key = NameKey(typed.unicode(), kind_ == Kind::ScannedName ? NameKeys::Scanned : NameKeys::Plain);
       return key ? std::optional(QChar(static_cast<unsigned char>(*key))) : std::nullopt;
     }
     case Kind::Digits:

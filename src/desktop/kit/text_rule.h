@@ -17,6 +17,8 @@ class TextRule {
   static TextRule UpperName(int maxLength) { return {Kind::Name, maxLength}; }
   /// The same and the marks of a scanned tag: < > !
   static TextRule ScannedName(int maxLength) { return {Kind::ScannedName, maxLength}; }
+  /// The characters of a Database's name: those of names without the full stop.
+  static TextRule DatabaseName(int maxLength) { return {Kind::DatabaseName, maxLength}; }
   static TextRule Digits(int maxLength) { return {Kind::Digits, maxLength}; }
   /// Digits, a sign and the decimal separator of the locale (a point is taken as one).
   static TextRule Number(int maxLength) { return {Kind::Number, maxLength}; }
@@ -26,7 +28,7 @@ class TextRule {
   int MaxLength() const { return maxLength_; }  ///< 0: no limit
 
  private:
-  enum class Kind { Any, Upper, Name, ScannedName, Digits, Number };
+  enum class Kind { Any, Upper, Name, ScannedName, DatabaseName, Digits, Number };
   TextRule(Kind kind, int maxLength) : kind_(kind), maxLength_(maxLength) {}
 
   Kind kind_;

@@ -51,6 +51,8 @@ class Dialog : public QDialog, public FormHost {
   Dialog(WindowList& windowList, QWidget* owner, const QString& name, const QString& title);
   ~Dialog() override;
 
+  using FormHost::Accepted;  // not QDialog's own code of that name
+
   std::string Name() const { return objectName().toStdString(); }
   /// What it gives back to whoever ran it by its name.
   Arguments result;

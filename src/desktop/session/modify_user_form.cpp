@@ -27,7 +27,7 @@ void ModifyUserForm::UpdateEnabled() {
   const bool any = !shown_.empty();
   password_->setEnabled(any);
   rights_->setEnabled(any);
-  // Who takes the last administrator's standing away is at least another one.
+  // Administrators cannot take their own standing away.
   admin_->setEnabled(any && !EqualNoCase(shown_, session.CurrentUser));
   DefaultButton()->setEnabled(any);
 }

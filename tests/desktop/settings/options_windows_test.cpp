@@ -5,6 +5,8 @@
 #include <QRadioButton>
 #include <QThread>
 
+#include "core/base/files.h"
+#include "core/session/rights.h"
 #include "core/settings/settings_keys.h"
 #include "desktop/kit/fields.h"
 #include "desktop/kit/wait_progress.h"
@@ -284,7 +286,7 @@ constexpr const char* kLossWarning =
 TEST_F(OptionsWindowsTest, UnitCostAccuracyWarnsBeforeDigitsAreLost) {
   Basic("RED", {{"PurchaseCost", 10.1265F}});
   Mix("PINK", {{"RED", 100.0F}}, {{"BasicCost", 0.0F}});
-  const auto basicCost = [&] { return Scalar("SELECT BasicCost FROM INK_Mix WHERE Color_Name = 'PINK'").Real(); };
+  const auto basicCost = [&] { return Scalar("SELECT BasicCost FROM INK_Mix WHERE Color_Name = 'PINK'").Number(); };
 
   EXPECT_TRUE(Run("UnitCostAccuracyForm", [&](QWidget& dialog) {
     EXPECT_EQ(dialog.windowTitle(), "Unit Cost Accuracy");
@@ -322,7 +324,7 @@ TEST_F(OptionsWindowsTest, UnitCostAccuracyWarnsBeforeDigitsAreLost) {
   }));
   EXPECT_EQ(OnFile("DecimalPlaces"), "3");
   EXPECT_NEAR(basicCost(), 10.127, 1e-6);
-  EXPECT_NEAR(Scalar("SELECT PurchaseCost FROM INK_Basic").Real(), 10.1265, 1e-6) << "what was typed stays";
+  EXPECT_NEAR(Scalar("SELECT PurchaseCost FROM INK_Basic").Number(), 10.1265, 1e-6) << "what was typed stays";
 }
 
 /// The wait windows, on a machine that is slow enough to need them.

@@ -1,0 +1,50 @@
+#include "desktop/datafile/file_windows.h"
+
+#include <QHBoxLayout>
+#include <algorithm>
+
+#include "desktop/kit/look.h"
+#include "desktop/kit/text.h"
+
+namespace vellumark::desktop {
+
+bool WithFiles(Session& session, const QString& title, const std::function<void()>& act) {
+  try {
+    act();
+    return true;
+  } catch (const Failure& failure) {
+    session.prompt.Tell(U8(title), failure.subject + "\n\n" + failure.cause, vellumark::Icon::Critical);
+    return false;
+  }
+}
+
+QLabel* Paragraph(Form& form, const QString& text, const QString& name) {
+  QLabel* label = form.Label(name, text);
+  label->setWordWrap(true);
+  label->setTextFormat(Qt::PlainText);
+  form.Wide(label);
+  return label;
+}
+
+QLabel* QuietParagraph(Form& form, const QString& text, const QString& name) {
+  QLabel* label = Paragraph(form, text, name);
+  label->setProperty("role", "hint");
+  return label;
+}
+
+void ButtonLine(Form& form, std::initializer_list<QWidget*> buttons) {
+  auto* line = new QWidget;
+  auto* layout = new QHBoxLayout(line);
+  layout->setContentsMargins(0, space::kUnit, 0, 0);
+  layout->setSpacing(space::kUnit);
+  for (QWidget* button : buttons) layout->addWidget(button);
+  layout->addStretch(1);
+  form.Wide(line);
+}
+
+void FitHeight(QWidget& window) {
+  const int width = std::max(window.minimumWidth(), window.sizeHint().width());
+  window.resize(width, window.layout()->totalHeightForWidth(width));
+}
+
+}  // namespace vellumark::desktop

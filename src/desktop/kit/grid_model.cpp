@@ -1,0 +1,225 @@
+#include "desktop/kit/grid_model.h"
+
+#include <algorithm>
+#include <compare>
+#include <numeric>
+
+#include "core/base/text.h"
+#include "desktop/kit/text.h"
+
+namespace vellumark::desktop {
+namespace {
+
+/// The keys of one column, read once.
+class SortKeys {
+ public:
+  SortKeys(const GridSource& source, const GridColumn& column, int index, bool descending)
+      : isNumber_(column.sort == GridColumn::Sort::Number), descending_(descending) {
+    const int rows = source.Rows();
+    if (isNumber_) {
+      numbers_.reserve(static_cast<std::size_t>(rows));
+      for (int row = 0; row < rows; ++row) {
+        const double number = source.Number(row, index);
+        // Empty cells come before all numbers.
+        numbers_.push_back(std::isnan(number) ? -std::numeric_limits<double>::infinity() : number);
+      }
+      return;
+    }
+    texts_.reserve(static_cast<std::size_t>(rows));
+    for (int row = 0; row < rows; ++row) {
+      std::string text = source.Text(row, index);
+      texts_.push_back(column.sort == GridColumn::Sort::TextNoCase ? Upper(text) : std::move(text));
+    }
+  }
+
+  std::weak_ordering Compare(int a, int b) const {
+    if (descending_) std::swap(a, b);
+    const auto first = static_cast<std::size_t>(a);
+    const auto second = static_cast<std::size_t>(b);
+    if (isNumber_) {
+      if (numbers_[first] < numbers_[second]) return std::weak_ordering::less;
+      if (numbers_[second] < numbers_[first]) return std::weak_ordering::greater;
+      return std::weak_ordering::equivalent;
+    }
+    return texts_[first] <=> texts_[second];
+  }
+
+ private:
+  bool isNumber_;
+  bool descending_;
+  std::vector<double> numbers_;
+  std::vector<std::string> texts_;
+};
+
+}  // namespace
+
+void GridModel::SetColumns(std::vector<GridColumn> columns) {
+  beginResetModel();
+  columns_ = std::move(columns);
+  for (GridColumn& column : columns_) {
+    if (column.name.isEmpty()) column.name = column.caption.section(" (", 0, 0).simplified();
+  }
+  haystack_.clear();
+  rowStarts_.clear();
+  endResetModel();
+}
+
+void GridModel::SetSource(std::shared_ptr<GridSource> source) {
+  source_ = std::move(source);
+  Refresh();
+}
+
+void GridModel::Refresh() {
+  beginResetModel();
+  haystack_.clear();
+  rowStarts_.clear();
+  SortRows();
+  FilterRows();
+  endResetModel();
+}
+
+void GridModel::SetSort(const GridSort& sort) {
+  beginResetModel();
+  sort_ = sort;
+  SortRows();
+  FilterRows();
+  endResetModel();
+}
+
+void GridModel::SetFilter(const QString& text) {
+  std::vector<std::string> words;
+  for (const std::string_view word : Split(Upper(U8(text.simplified())), ' ')) {
+    if (!word.empty()) words.emplace_back(word);
+  }
+  if (words == words_) return;
+  beginResetModel();
+  words_ = std::move(words);
+  FilterRows();
+  endResetModel();
+}
+
+int GridModel::ShownRow(int sourceRow) const {
+  const auto found = std::ranges::find(shown_, sourceRow);
+  return found == shown_.end() ? -1 : static_cast<int>(found - shown_.begin());
+}
+
+void GridModel::SortRows() {
+  sorted_.resize(source_ == nullptr ? 0 : static_cast<std::size_t>(source_->Rows()));
+  std::iota(sorted_.begin(), sorted_.end(), 0);
+  const int columns = static_cast<int>(columns_.size());
+  if (source_ == nullptr || sort_.column < 0 || sort_.column >= columns) return;
+  const SortKeys first(*source_, Column(sort_.column), sort_.column, sort_.descending);
+  if (sort_.second < 0 || sort_.second >= columns) {
+    std::ranges::stable_sort(sorted_, [&](int a, int b) { return first.Compare(a, b) < 0; });
+    return;
+  }
+  const SortKeys second(*source_, Column(sort_.second), sort_.second, sort_.secondDescending);
+  std::ranges::stable_sort(sorted_, [&](int a, int b) {
+    const auto order = first.Compare(a, b);
+    return order != 0 ? order < 0 : second.Compare(a, b) < 0;
+  });
+}
+
+void GridModel::MakeHaystack() {
+  if (!rowStarts_.empty() || source_ == nullptr) return;
+  const int rows = source_->Rows();
+  rowStarts_.reserve(static_cast<std::size_t>(rows) + 1);
+  std::string row;
+  for (int r = 0; r < rows; ++r) {
+    rowStarts_.push_back(haystack_.size());
+    row.clear();
+    for (std::size_t c = 0; c < columns_.size(); ++c) {
+      if (columns_[c].width == 0 || !columns_[c].shown) continue;
+      row += source_->Text(r, static_cast<int>(c));
+      row += '\t';
+    }
+    haystack_ += Upper(row);
+    haystack_ += '\n';
+  }
+  rowStarts_.push_back(haystack_.size());
+}
+
+void GridModel::FilterRows() {
+  if (words_.empty()) {
+    shown_ = sorted_;
+    return;
+  }
+  MakeHaystack();
+  // The longest word is looked for through the whole text at once; the others only where that one was found.
+  std::vector<std::string> words = words_;
+  std::ranges::sort(words, std::greater{}, &std::string::size);
+  std::vector<char> matches(sorted_.size(), 0);
+  std::size_t row = 0;
+  for (std::size_t at = haystack_.find(words.front()); at != std::string::npos;) {
+    while (rowStarts_[row + 1] <= at) ++row;
+    const std::string_view text =
+        std::string_view(haystack_).substr(rowStarts_[row], rowStarts_[row + 1] - rowStarts_[row]);
+    matches[row] = std::ranges::all_of(words, [&](const std::string& word) { return text.find(word) != text.npos; });
+    at = haystack_.find(words.front(), rowStarts_[row + 1]);
+  }
+  shown_.clear();
+  for (const int candidate : sorted_) {
+    if (matches[static_cast<std::size_t>(candidate)] != 0) shown_.push_back(candidate);
+  }
+}
+
+int GridModel::rowCount(const QModelIndex& parent) const {
+  return parent.isValid() ? 0 : static_cast<int>(shown_.size());
+}
+
+int GridModel::columnCount(const QModelIndex& parent) const {
+  return parent.isValid() ? 0 : static_cast<int>(columns_.size());
+}
+
+QVariant GridModel::data(const QModelIndex& index, int role) const {
+  if (!index.isValid()) return {};
+  const int row = SourceRow(index.row());
+  switch (role) {
+    case Qt::DisplayRole:
+    case Qt::EditRole:
+    case Qt::AccessibleTextRole:
+      return Q(source_->Text(row, index.column()));
+    case Qt::TextAlignmentRole: {
+      const bool right = columns_[static_cast<std::size_t>(index.column())].right;
+      return QVariant((right ? Qt::AlignRight : Qt::AlignLeft) | Qt::AlignVCenter);
+    }
+    default:
+      return {};
+  }
+}
+
+QVariant GridModel::headerData(int section, Qt::Orientation orientation, int role) const {
+  if (orientation != Qt::Horizontal || section < 0 || section >= columnCount()) return {};
+  const GridColumn& column = columns_[static_cast<std::size_t>(section)];
+  if (role == Qt::DisplayRole) return column.caption;
+  if (role == Qt::TextAlignmentRole)
+    return QVariant((column.right ? Qt::AlignRight : Qt::AlignLeft) | Qt::AlignVCenter);
+  if (role != Qt::ToolTipRole || !column.sortable) return {};
+  if (section == sort_.column) return tr("Click to reverse sort order");
+  if (section == sort_.second) return tr("Click to sort  or  Shift+Click to reverse double sort order");
+  return tr("Click to sort  or  Shift+Click to double sort");
+}
+
+Qt::ItemFlags GridModel::flags(const QModelIndex& index) const {
+  if (!index.isValid()) return {};
+  const Qt::ItemFlags flags = Qt::ItemIsEnabled | Qt::ItemIsSelectable;
+  return source_->IsEditable(SourceRow(index.row()), index.column()) ? flags | Qt::ItemIsEditable : flags;
+}
+
+bool GridModel::setData(const QModelIndex& index, const QVariant& value, int role) {
+  if (role != Qt::EditRole || !index.isValid()) return false;
+  const int row = SourceRow(index.row());
+  const std::string text = U8(value.toString());
+  if (text == source_->Text(row, index.column())) return true;
+  if (const Result<void> result = source_->Edit(row, index.column(), text); !result) {
+    Q_EMIT EditRefused(result.error());
+    return false;
+  }
+  haystack_.clear();
+  rowStarts_.clear();
+  Q_EMIT dataChanged(index.siblingAtColumn(0), index.siblingAtColumn(columnCount() - 1));
+  Q_EMIT Edited(row, index.column());
+  return true;
+}
+
+}  // namespace vellumark::desktop

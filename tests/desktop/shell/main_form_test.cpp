@@ -1,0 +1,237 @@
+// The whole program, from nothing to a ready main window and to its end, by the keys and clicks of an operator.
+
+#include <gtest/gtest.h>
+
+#include <QAction>
+#include <QComboBox>
+#include <QLabel>
+#include <QMenu>
+#include <QMenuBar>
+#include <QMessageBox>
+#include <QPointer>
+#include <QTableWidget>
+#include <QTimer>
+#include <QToolButton>
+#include <filesystem>
+
+#include "core/base/files.h"
+#include "core/datafile/databases.h"
+#include "core/datafile/lifecycle.h"
+#include "core/session/users.h"
+#include "core/settings/support_files.h"
+#include "core/shell/gating.h"
+#include "core/shell/startup.h"
+#include "desktop/datafile/register.h"
+#include "desktop/kit/message_prompt.h"
+#include "desktop/kit/wait_progress.h"
+#include "desktop/session/register.h"
+#include "desktop/settings/register.h"
+#include "desktop/shell/program.h"
+#include "support/desktop.h"
+#include "support/scratch.h"
+
+namespace vellumark::desktop {
+namespace {
+
+namespace fs = std::filesystem;
+using test::Control;
+
+// The program in a scratch place, with a prompt that is told its answers.
+struct Running {
+  Running() { options.folders = {folder / "VKDat", folder / "Program", {}}; }
+
+  bool Start() {
+    RegisterSessionWindows(windows);
+    RegisterSettingsWindows(windows, [] { return std::vector<PrinterNames>{}; });
+    RegisterDatafileWindows(windows, program.Windows());
+    program.Windows().SkipSplash();
+    const bool ready = program.Start(options);
+    test::Settle();
+    return ready;
+  }
+  // A Data File with Database and settings from an earlier day.
+  fs::path EarlierFile(const std::string& name = "Ink Room.vkd") {
+    const fs::path path = folder / name;
+    CreateFile(path);
+    const auto file = Database::Open(path, OpenMode::Exclusive);
+    CreateEmptyDatabase(*file, "INK ROOM");
+    CreateEmptyDatabase(*file, "UV FLEXO");
+    StoreCurrentDatabase(*file, "INK ROOM");
+    SupportFiles support(options.folders.data);
+    WriteMissingSupportFiles(support);
+    support.settings.SetSupportValue("dbFileName50", path.string());
+    return path;
+  }
+  QAction& Action(const char* name) { return Control<QAction, QObject>(name); }
+  template <class T, class Root>
+  T& Control(const char* name) {
+    auto* found = program.Main().findChild<T*>(QString::fromLatin1(name));
+    if (found == nullptr) throw std::runtime_error(std::string("no ") + name);
+    return *found;
+  }
+  // The state of an item as the operator would see it: its menu is opened first.
+  bool IsOn(const char* name) {
+    for (QMenu* menu : program.Main().findChildren<QMenu*>()) Q_EMIT menu->aboutToShow();
+    for (const QAction* action : program.Main().findChildren<QAction*>())
+      if (action->objectName() == QLatin1String(name)) return action->isVisible() && action->isEnabled();
+    for (const QMenu* menu : program.Main().findChildren<QMenu*>())
+      if (menu->objectName() == QLatin1String(name))
+        return menu->menuAction()->isVisible() && menu->menuAction()->isEnabled();
+    throw std::runtime_error(std::string("no item ") + name);
+  }
+
+  test::ScratchFolder folder;
+  SystemClock clock;
+  test::ScriptedPrompt prompt;
+  WaitProgress progress;
+  Session session{prompt, progress, clock};
+  WindowList windows{session, &progress};
+  Program program{windows};
+  StartOptions options;
+};
+
+TEST(Start, AnEarlierFileOpensToAReadyMainWindow) {
+  Running running;
+  const fs::path path = running.EarlierFile();
+  ASSERT_TRUE(running.Start());
+  MainForm& main = running.program.Main();
+  EXPECT_TRUE(main.isVisible());
+  EXPECT_EQ(main.windowTitle().toStdString(), "Version " VELLUMARK_VERSION "   -   " + path.string());
+  EXPECT_EQ(Control<QComboBox>(main, "cmbDBList").currentText(), QStringLiteral("INK ROOM"));
+  EXPECT_EQ(Control<QLabel>(main, "lblFullName").text(), QStringLiteral("Custom Database"));
+  EXPECT_FALSE(Control<QToolButton>(main, "Users").isVisible());
+  // Windows that no room has yet leave their buttons off.
+  EXPECT_FALSE(Control<QToolButton>(main, "Batch").isEnabled());
+  test::Picture(main, "main-form");
+}
+
+TEST(Start, FromNothingThroughSetupAndTheFirstFile) {
+  Running running;
+  fs::create_directories(running.options.folders.program);
+  running.prompt.Expect("New Database");  // no template of guides is there: the first Database is empty
+  std::vector<std::string> seen;
+  QTimer steps;
+  QObject::connect(&steps, &QTimer::timeout, [&] {
+    QWidget* modal = QApplication::activeModalWidget();
+    if (modal == nullptr) return;
+    const std::string name = modal->objectName().toStdString();
+    if (seen.empty() || seen.back() != name) seen.push_back(name);
+    if (name == "NewSetupForm") test::Click(*modal, "cmdSave");
+    if (name == "NewDataFileForm") test::Click(*modal, "cmdCreate");
+  });
+  steps.start(20);
+  ASSERT_TRUE(running.Start());
+  steps.stop();
+  EXPECT_EQ(seen, (std::vector<std::string>{"NewSetupForm", "NewDataFileForm"}));
+  EXPECT_TRUE(running.session.RecordsetsOpen);
+  EXPECT_EQ(fs::path(running.session.DataFileName), running.options.folders.program / "Vellumark Data.vkd");
+  EXPECT_EQ(running.session.CurrentDatabase, "PANTONE");
+}
+
+TEST(Start, ASecondInstanceIsTurnedAway) {
+  Running first;
+  first.EarlierFile();
+  ASSERT_TRUE(first.Start());
+  Running second;
+  second.options.folders = first.options.folders;
+  second.prompt.Expect("The Vellumark is already running");
+  EXPECT_FALSE(second.Start());
+  EXPECT_EQ(second.program.ExitStatus(), 0);
+}
+
+TEST(Start, SettingsThatCannotBeReadAreToldAndEndTheProgram) {
+  Running running;
+  fs::create_directories(running.options.folders.data / "vk50suvdf.dat");
+  running.prompt.Expect((running.options.folders.data / "vk50suvdf.dat").string());
+  EXPECT_FALSE(running.Start());
+  EXPECT_EQ(running.program.ExitStatus(), 1);
+}
+
+TEST(Start, AHeldFileIsToldInTheWindowWhereAnotherIsChosen) {
+  Running running;
+  const fs::path path = running.EarlierFile();
+  const auto held = Database::Open(path, OpenMode::Exclusive);
+  std::string told;
+  QTimer steps;
+  QObject::connect(&steps, &QTimer::timeout, [&] {
+    QWidget* modal = QApplication::activeModalWidget();
+    if (modal == nullptr || modal->objectName() != QLatin1String("NewDataFileForm")) return;
+    for (const QLabel* label : modal->findChildren<QLabel*>()) told += label->text().toStdString() + "\n";
+    test::Click(*modal, "cmdExit");
+  });
+  steps.start(20);
+  EXPECT_FALSE(running.Start());
+  EXPECT_EQ(running.program.ExitStatus(), 0);
+  EXPECT_NE(told.find(path.string()), std::string::npos) << told;
+  EXPECT_NE(told.find("is in use by another process"), std::string::npos) << told;
+}
+
+TEST(MainWindow, AnotherDatabaseIsChosenByKeyAndRemembered) {
+  Running running;
+  running.EarlierFile();
+  ASSERT_TRUE(running.Start());
+  auto& list = Control<QComboBox>(running.program.Main(), "cmbDBList");
+  test::Press(list, Qt::Key_Down);
+  test::Settle();
+  EXPECT_EQ(running.session.CurrentDatabase, "UV FLEXO");
+  EXPECT_EQ(ReadFileInfo(running.session.File()).currentDB, "UV FLEXO");
+  EXPECT_EQ(list.currentText(), QStringLiteral("UV FLEXO"));
+}
+
+// Every item as the core gates it, and off where no window is there to open.
+TEST(MainWindow, MenusFollowTheRightsOfEachUser) {
+  Running running;
+  running.EarlierFile();
+  ASSERT_TRUE(running.Start());
+  ASSERT_TRUE(CreateUsers(running.session, "ANN", "SECRET"));
+  running.program.Main().EnableMenuItems();
+  EXPECT_TRUE(Control<QToolButton>(running.program.Main(), "Users").isVisible());
+  for (const std::uint8_t value : {0, 1, 2}) {
+    UserRow user;
+    user.Username = "USER " + std::to_string(value);
+    user.Password = "X";
+    for (const RightField& right : RightFields()) user.rights.*right.value = std::min(value, right.full);
+    ASSERT_TRUE(AddUser(running.session, user));
+    ASSERT_TRUE(LogIn(running.session, user.Username, "X"));
+    const bool full = value >= 1;
+    EXPECT_EQ(running.IsOn("menuDFOptions_InventorySettings"), full) << int{value};
+    EXPECT_EQ(running.IsOn("menuDB_NewDB"), full) << int{value};
+    EXPECT_EQ(running.IsOn("menuDB_DeleteDB"), full) << int{value};
+    EXPECT_EQ(running.IsOn("menuDFAdvanced_FileOpen"), full) << int{value};
+    EXPECT_FALSE(running.IsOn("menuDFUsers_AdminOptions"));
+    EXPECT_TRUE(running.IsOn("menuDFUsers_ChangePassword"));
+    EXPECT_FALSE(running.IsOn("menuDFBackup_Cloud"));  // not built yet: never a dead entry
+    ASSERT_TRUE(LogIn(running.session, "ANN", "SECRET"));
+  }
+  EXPECT_TRUE(running.IsOn("menuDFUsers_AdminOptions"));
+  for (const MenuItem& item : MenuItems(running.session)) {
+    if (item.name == "menuDFUsers") {
+      EXPECT_EQ(item.caption, "[Username: ANN - ADMINISTRATOR]");
+    }
+  }
+}
+
+TEST(MainWindow, AnArchiveIsShownAndOffersNoWriting) {
+  Running running;
+  const fs::path path = running.EarlierFile("My Archive.vkd");
+  ASSERT_TRUE(running.Start());
+  EXPECT_TRUE(running.session.ArchiveView);
+  for (const char* item : {"menuDFOptions_InventorySettings", "menuDB_NewDB", "menuDB_RenameDB", "menuDFUsers_Create"})
+    EXPECT_FALSE(running.IsOn(item)) << item;
+  EXPECT_TRUE(running.IsOn("menuDFAdvanced_FileOpen"));
+}
+
+TEST(End, ClosingIsRefusedWhileADatabaseLoadsAndThenEndsInOrder) {
+  Running running;
+  const fs::path path = running.EarlierFile();
+  ASSERT_TRUE(running.Start());
+  running.session.LoadingDatabase = true;
+  EXPECT_FALSE(running.program.Main().close());
+  running.session.LoadingDatabase = false;
+  EXPECT_TRUE(running.program.Main().close());
+  EXPECT_FALSE(running.session.DataFileOpen);
+  EXPECT_EQ(ReadFileVersion(path), 40);  // the file is free again
+}
+
+}  // namespace
+}  // namespace vellumark::desktop
