@@ -11,6 +11,7 @@
 #include "core/base/refusal.h"
 #include "core/base/text.h"
 #include "core/colors/color_set.h"
+#include "core/colors/template_file.h"
 
 namespace vellumark {
 namespace {
@@ -20,7 +21,7 @@ constexpr int kIngredientsColumn = -1;
 
 // What a row holds where its file says nothing.
 Value DefaultOf(const Table& shape, const Field& field) {
-  if (&shape == &schema::Info) return field.name == "TemplateFile" ? Value("pdbt.vkt") : Value("");
+  if (&shape == &schema::Info) return field.name == "TemplateFile" ? Value(kTemplateFileName) : Value("");
   switch (field.type) {
     case FieldType::Text:
     case FieldType::Memo:

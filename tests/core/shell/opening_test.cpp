@@ -15,6 +15,7 @@
 #include "core/shell/startup.h"
 #include "core/shell/support_renewal.h"
 #include "support/scratch.h"
+#include "support/template_room.h"
 
 namespace vellumark {
 namespace {
@@ -244,6 +245,7 @@ TEST(Opening, ANewFileGetsItsFirstDatabaseAndACopyIsReadOnly) {
   Start start;
   PrepareSupportFiles(start.session, start.options.folders);
   CreateDataFile(start.session, start.folder / "New.vkd", start.windows);
+  start.prompt.Expect("New Database");
   OpenDataFile(start.session, start.windows);
   EXPECT_EQ(start.session.CurrentDatabase, "PANTONE");
   EXPECT_TRUE(start.session.RecordsetsOpen);
@@ -274,6 +276,75 @@ TEST(Opening, ANewFileGetsItsFirstDatabaseAndACopyIsReadOnly) {
   EXPECT_THROW(CreateEmptyDatabase(start.session.File(), "NO"), Failure);
   CloseDataFile(start.session, start.windows);
   EXPECT_EQ(ReadFileBytes(copy), bytes);
+}
+
+TEST(Opening, TheFirstDatabaseIsOfTheFirstGuidesWhereThereIsATemplate) {
+  Start start;
+  PrepareSupportFiles(start.session, start.options.folders);
+  const fs::path program = start.options.folders.program;
+  fs::create_directories(program);
+  test::BuildSampleTemplate(program / "pdbt.vkt");
+  CreateDataFile(start.session, start.folder / "New.vkd", start.windows);
+  OpenDataFile(start.session, start.windows);
+  EXPECT_EQ(start.session.CurrentDatabase, "PANTONE");
+  EXPECT_EQ(start.session.databaseList, (std::vector<std::string>{"PANTONE"}));
+  EXPECT_EQ(start.session.MixRS->RecordCount(), 308);
+  EXPECT_EQ(ReadFileInfo(start.session.File()).currentDB, "PANTONE");
+  EXPECT_NE(start.session.Disclaimer, "");
+  EXPECT_TRUE(start.session.templateDB);
+  CloseDataFile(start.session, start.windows);
+  // The formulas stay when the template goes, the book's texts and tests do not.
+  fs::remove(program / "pdbt.vkt");
+  OpenDataFile(start.session, start.windows);
+  EXPECT_EQ(start.session.MixRS->RecordCount(), 308);
+  EXPECT_EQ(start.session.Disclaimer, "");
+  EXPECT_FALSE(start.session.templateDB);
+  CloseDataFile(start.session, start.windows);
+}
+
+TEST(Opening, WithoutAUsableTemplateTheFirstDatabaseIsEmptyAndTheOperatorIsTold) {
+  struct Case {
+    const char* does;
+    const char* says;
+  };
+  for (const Case& c :
+       {Case{"none", "There is no template of color guides.\nThe Database PANTONE is therefore empty."},
+        Case{"no database", "pdbt.vkt cannot be used: is not a Data File."}, Case{"DROP TABLE Metallics_BColors", ""},
+        Case{"ALTER TABLE Metallics_BColors DROP COLUMN Page", "pdbt.vkt cannot be used: no such column"},
+        Case{"UPDATE Metallics_MColors SET Row = 300",
+             "pdbt.vkt cannot be used: The field PANTONE_Mix.Row cannot hold"},
+        Case{"DELETE FROM FGuide_MColors_GP1601A", ""},
+        Case{"all but Goe", "holds none of the guides of a first Database."}}) {
+    Start start;
+    PrepareSupportFiles(start.session, start.options.folders);
+    const fs::path path = start.options.folders.program / "pdbt.vkt";
+    fs::create_directories(path.parent_path());
+    const std::string does = c.does;
+    if (does == "no database") {
+      ReplaceFile(path, std::string(4096, 'x'));
+    } else if (does != "none") {
+      test::BuildSampleTemplate(path);
+      const auto file = Database::Open(path, OpenMode::Exclusive);
+      if (does == "all but Goe") {
+        for (const char* table : {"FGuide_MColors_GP1601A", "Metallics_MColors", "PastelNeons_MColors"})
+          file->Execute("DELETE FROM " + std::string(table));
+      } else {
+        file->Execute(does);
+      }
+    }
+    const bool told = *c.says != '\0';
+    if (told) start.prompt.Expect("New Database");
+    CreateDataFile(start.session, start.folder / "New.vkd", start.windows);
+    OpenDataFile(start.session, start.windows);
+    EXPECT_EQ(start.session.databaseList, (std::vector<std::string>{"PANTONE"})) << does;
+    EXPECT_EQ(start.session.CurrentDatabase, "PANTONE");
+    EXPECT_EQ(start.session.MixRS->RecordCount() == 0, told) << does;
+    EXPECT_EQ(start.session.FullName, told ? "Custom Database" : "Sample guides (invented colors)");
+    if (told) {
+      EXPECT_NE(start.prompt.last.text.find(c.says), std::string::npos) << start.prompt.last.text;
+      EXPECT_NE(start.prompt.last.text.find("vellumark-cli template build FOLDER --out pdbt.vkt"), std::string::npos);
+    }
+  }
 }
 
 TEST(Opening, AFailedOpenLeavesTheStateAsItWas) {
@@ -367,10 +438,14 @@ TEST(Folders, ChosenInTheirOrder) {
   shared = true;
   EXPECT_EQ(ResolveFolders(sources).data, "/var/lib/vellumark/VKDat");
   EXPECT_EQ(ResolveFolders(sources).program, "/var/lib/vellumark");
+  EXPECT_EQ(ResolveFolders(sources).shipped, "");
+  sources.executable = "/usr/bin/vellumark";
+  EXPECT_EQ(ResolveFolders(sources).shipped, "/usr/share/vellumark");
   variables["VELLUMARK_DATA_FOLDER"] = "/d";
   variables["VELLUMARK_PROGRAM_FOLDER"] = "/p";
   EXPECT_EQ(ResolveFolders(sources).data, "/d");
   EXPECT_EQ(ResolveFolders(sources).program, "/p");
+  EXPECT_EQ(ResolveFolders(sources).shipped, "");
   sources.dataFolderOption = "/o";
   EXPECT_EQ(ResolveFolders(sources).data, "/o");
 }
