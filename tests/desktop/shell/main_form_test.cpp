@@ -42,7 +42,7 @@ struct Running {
 
   bool Start() {
     RegisterSessionWindows(windows);
-    RegisterSettingsWindows(windows, [] { return std::vector<PrinterNames>{}; });
+    RegisterSettingsWindows(windows, [] { return SystemPrinters{}; });
     RegisterDatafileWindows(windows, program.Windows());
     program.Windows().SkipSplash();
     const bool ready = program.Start(options);
@@ -62,22 +62,18 @@ struct Running {
     support.settings.SetSupportValue("dbFileName50", path.string());
     return path;
   }
-  QAction& Action(const char* name) { return Control<QAction, QObject>(name); }
-  template <class T, class Root>
-  T& Control(const char* name) {
-    auto* found = program.Main().findChild<T*>(QString::fromLatin1(name));
-    if (found == nullptr) throw std::runtime_error(std::string("no ") + name);
-    return *found;
-  }
-  // The state of an item as the operator would see it: its menu is opened first.
-  bool IsOn(const char* name) {
+  // Whether the operator could reach and choose it now: each menu on the way is opened first.
+  bool IsOn(const std::string& name) {
     for (QMenu* menu : program.Main().findChildren<QMenu*>()) Q_EMIT menu->aboutToShow();
-    for (const QAction* action : program.Main().findChildren<QAction*>())
-      if (action->objectName() == QLatin1String(name)) return action->isVisible() && action->isEnabled();
-    for (const QMenu* menu : program.Main().findChildren<QMenu*>())
-      if (menu->objectName() == QLatin1String(name))
-        return menu->menuAction()->isVisible() && menu->menuAction()->isEnabled();
-    throw std::runtime_error(std::string("no item ") + name);
+    std::string next = name;
+    while (!next.empty()) {
+      const auto* action = program.Main().findChild<QAction*>(Q(next));
+      if (const auto* menu = program.Main().findChild<QMenu*>(Q(next)); menu != nullptr) action = menu->menuAction();
+      if (action == nullptr) throw std::runtime_error("no item " + next);
+      if (!action->isVisible() || !action->isEnabled()) return false;
+      next = MenuItemNow(session, next).parent;
+    }
+    return true;
   }
 
   test::ScratchFolder folder;
@@ -183,14 +179,17 @@ TEST(MainWindow, MenusFollowTheRightsOfEachUser) {
   Running running;
   running.EarlierFile();
   ASSERT_TRUE(running.Start());
+  running.prompt.Expect("");
   ASSERT_TRUE(CreateUsers(running.session, "ANN", "SECRET"));
   running.program.Main().EnableMenuItems();
+  test::Settle();
   EXPECT_TRUE(Control<QToolButton>(running.program.Main(), "Users").isVisible());
   for (const std::uint8_t value : {0, 1, 2}) {
     UserRow user;
     user.Username = "USER " + std::to_string(value);
     user.Password = "X";
     for (const RightField& right : RightFields()) user.rights.*right.value = std::min(value, right.full);
+    running.prompt.Expect("User Added");
     ASSERT_TRUE(AddUser(running.session, user));
     ASSERT_TRUE(LogIn(running.session, user.Username, "X"));
     const bool full = value >= 1;
