@@ -24,17 +24,18 @@ struct NewRecipe {
   std::string setName;
 };
 
-// Walks the named formulas, shows the progress and writes what `change` makes of each.
-void RewriteFormulas(const Session& session, ProgressRun& progress, const std::vector<std::string>& names,
-                     const std::function<NewRecipe(const MixColor&)>& change) {
+// Walks the formulas, shows the progress and writes what `change` makes of each.
+void RewriteFormulas(const Session& session, ProgressRun& progress, Transaction& transaction,
+                     const std::vector<std::int64_t>& rows, const std::function<NewRecipe(const MixColor&)>& change) {
   RecipeWriter writer(session);
   std::size_t done = 0;
-  for (const std::string& name : names) {
-    if (const auto mix = ReadMix(session, name)) {
+  for (const std::int64_t row : rows) {
+    if (const auto mix = ReadMixRow(session, row)) {
       const NewRecipe rewritten = change(*mix);
-      writer.Set(rewritten.recipe, rewritten.setName).Update(mix->rowId);
+      writer.Set(rewritten.recipe, rewritten.setName).Update(row);
+      transaction.Note({Change::Kind::Mix, session.CurrentDatabase, mix->Color_Name, Change::What::Updated, ""});
     }
-    progress.Step(++done, names.size());
+    progress.Step(++done, rows.size());
   }
 }
 
@@ -43,11 +44,6 @@ void MarkRollUpsStale(Session& session) {
   session.CostChanged = true;
   session.VOCChanged = true;
   session.HAPChanged = true;
-}
-
-void NoteFormulas(Transaction& transaction, const Session& session, const std::vector<std::string>& names) {
-  for (const std::string& name : names)
-    transaction.Note({Change::Kind::Mix, session.CurrentDatabase, name, Change::What::Updated, ""});
 }
 
 SetPreviewRow JudgeAdd(const MixColor& mix, const AdditiveSet& set) {
@@ -111,17 +107,16 @@ Result<AdditiveSet> EditAdditiveSet(Session& session, std::string_view setName, 
   auto set = ValidateAdditiveSet(session, content, false);
   if (!set) return set;
   set->rowId = present->rowId;
-  const std::vector<std::string> users = FormulasWithSet(session, present->SetName);
+  const std::vector<std::int64_t> users = FormulaRowsWithSet(session, present->SetName);
 
   ProgressRun progress(session.progress, "Updating Add Set / Updating formulas");
   Transaction transaction(session.File());
   UpdateRow(session.File(), schema::Additives, session.Table(schema::Additives), set->rowId, AdditiveSetCells(*set));
-  RewriteFormulas(session, progress, users, [&](const MixColor& mix) {
+  RewriteFormulas(session, progress, transaction, users, [&](const MixColor& mix) {
     const AppliedSet result = WithSetApplied(mix.Ingredients(), present->rows, set->rows);
     return NewRecipe{result.recipe, result.applied ? set->SetName : std::string()};
   });
   transaction.Note({Change::Kind::AdditiveSet, session.CurrentDatabase, set->SetName, Change::What::Updated, ""});
-  NoteFormulas(transaction, session, users);
   transaction.Commit();
   if (!users.empty()) MarkRollUpsStale(session);
   return set;
@@ -171,11 +166,11 @@ Result<bool> DeleteAdditiveSet(Session& session, std::string_view setName) {
   if (!session.prompt.Ask(Padded(40, "Confirm Delete"),
                           "Delete Additive Set?\n\nIt will be removed from all formulas on the list.", Answer::No))
     return false;
-  const std::vector<std::string> users = FormulasWithSet(session, set->SetName);
+  const std::vector<std::int64_t> users = FormulaRowsWithSet(session, set->SetName);
 
   ProgressRun progress(session.progress, "Deleting Add Set / Updating formulas");
   Transaction transaction(session.File());
-  RewriteFormulas(session, progress, users, [&](const MixColor& mix) {
+  RewriteFormulas(session, progress, transaction, users, [&](const MixColor& mix) {
     return NewRecipe{WithSetRemoved(mix.Ingredients(), set->rows), {}};
   });
   session.File()
@@ -183,7 +178,6 @@ Result<bool> DeleteAdditiveSet(Session& session, std::string_view setName) {
       .Bind(1, set->rowId)
       .Run();
   transaction.Note({Change::Kind::AdditiveSet, session.CurrentDatabase, set->SetName, Change::What::Deleted, ""});
-  NoteFormulas(transaction, session, users);
   transaction.Commit();
   if (!users.empty()) MarkRollUpsStale(session);
   return true;
@@ -212,11 +206,13 @@ Result<bool> ApplyAdditiveSet(Session& session, std::string_view setName, SetMet
   const auto set = ReadAdditiveSet(session, setName);
   if (!set) return std::unexpected(UnknownSet(setName));
   if (colors.empty()) return Refuse("Select Master Formulas", "No Colors Selected - Step 2.");
+  std::vector<std::int64_t> rows;
   for (const std::string& color : colors) {
     const auto mix = ReadMix(session, color);
     if (!mix) return Refuse("Color Not Found", color + " is not found in this database.", "Color_Name");
     const SetPreviewRow row = method == SetMethod::Remove ? JudgeRemove(*mix, *set) : JudgeAdd(*mix, *set);
     if (!row.modable) return Refuse("Additive Set Modification", fmt::format("{}: {}", row.color, row.info));
+    rows.push_back(mix->rowId);
   }
   const Message question{Padded(30, "Additive Set Modification"),
                          fmt::format("{} color(s) are about to be modified.", colors.size()), Buttons::OkCancel,
@@ -226,14 +222,13 @@ Result<bool> ApplyAdditiveSet(Session& session, std::string_view setName, SetMet
   {
     ProgressRun progress(session.progress, "Modifing Formulas ...");
     Transaction transaction(session.File());
-    RewriteFormulas(session, progress, colors, [&](const MixColor& mix) {
+    RewriteFormulas(session, progress, transaction, rows, [&](const MixColor& mix) {
       const auto present = ReadAdditiveSet(session, mix.AddSetName);
       const Recipe presentRows = present ? present->rows : Recipe{};
       if (method == SetMethod::Remove) return NewRecipe{WithSetRemoved(mix.Ingredients(), presentRows), {}};
       const AppliedSet result = WithSetApplied(mix.Ingredients(), presentRows, set->rows);
       return NewRecipe{result.recipe, result.applied ? set->SetName : std::string()};
     });
-    NoteFormulas(transaction, session, colors);
     transaction.Commit();
   }
   MarkRollUpsStale(session);

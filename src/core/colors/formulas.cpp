@@ -74,6 +74,12 @@ std::vector<std::string> Names(Statement row) {
   return names;
 }
 
+std::vector<std::int64_t> RowNumbers(Statement row) {
+  std::vector<std::int64_t> numbers;
+  while (row.Step()) numbers.push_back(row.Whole(0));
+  return numbers;
+}
+
 std::vector<std::string> WriterFields(const std::vector<std::string>& more) {
   std::vector<std::string> fields;
   for (int n = 0; n < kSlots; ++n) fields.push_back(schema::Numbered("BC", n));
@@ -159,6 +165,29 @@ std::vector<std::string> FormulasWithSet(const Session& session, std::string_vie
       fmt::format("SELECT Color_Name FROM {} WHERE AddSetName = ? ORDER BY Color_Name", TableText(session)));
   row.Bind(1, setName);
   return Names(std::move(row));
+}
+
+std::vector<std::int64_t> FormulaRowsUsing(const Session& session, std::string_view ingredient) {
+  const std::string table = TableText(session);
+  Statement row =
+      session.File().Prepare(fmt::format("SELECT rowid FROM {} WHERE {} ORDER BY rowid", table, UsingCondition(table)));
+  row.Bind(1, NameSetPattern(ingredient));
+  return RowNumbers(std::move(row));
+}
+
+std::vector<std::int64_t> FormulaRowsWithSet(const Session& session, std::string_view setName) {
+  Statement row = session.File().Prepare(
+      fmt::format("SELECT rowid FROM {} WHERE AddSetName = ? ORDER BY rowid", TableText(session)));
+  row.Bind(1, setName);
+  return RowNumbers(std::move(row));
+}
+
+std::optional<MixColor> ReadMixRow(const Session& session, std::int64_t rowId) {
+  Statement row =
+      session.File().Prepare(fmt::format("SELECT {} FROM {} WHERE rowid = ?", Columns(), TableText(session)));
+  row.Bind(1, rowId);
+  if (!row.Step()) return std::nullopt;
+  return ReadRow(row);
 }
 
 RolledUp RollUpRecipe(const Session& session, const Recipe& recipe, std::string_view database) {

@@ -68,6 +68,11 @@ std::vector<std::string> FormulasUsing(const Session& session, std::string_view 
 /// The names of the formulas with that Additive Set, in order.
 std::vector<std::string> FormulasWithSet(const Session& session, std::string_view setName);
 
+/// The same formulas by their row numbers, for a change that must reach every row, and the row of a number.
+std::vector<std::int64_t> FormulaRowsUsing(const Session& session, std::string_view ingredient);
+std::vector<std::int64_t> FormulaRowsWithSet(const Session& session, std::string_view setName);
+std::optional<MixColor> ReadMixRow(const Session& session, std::int64_t rowId);
+
 /// The three figures that ingredients give to a formula.
 struct RolledUp {
   float BasicCost = 0;

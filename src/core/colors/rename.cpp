@@ -75,11 +75,11 @@ NewRecipe RenamedRecipe(const Session& session, const MixColor& mix, std::string
 
 void RenameInFormulas(Session& session, ProgressRun& progress, Transaction& transaction, std::string_view oldName,
                       std::string_view newName) {
-  const std::vector<std::string> users = FormulasUsing(session, oldName);
+  const std::vector<std::int64_t> users = FormulaRowsUsing(session, oldName);
   RecipeWriter writer(session);
   std::size_t done = 0;
-  for (const std::string& user : users) {
-    if (const auto mix = ReadMix(session, user)) {
+  for (const std::int64_t user : users) {
+    if (const auto mix = ReadMixRow(session, user)) {
       const NewRecipe renamed = RenamedRecipe(session, *mix, oldName, newName);
       writer.Set(renamed.recipe, renamed.setName).Update(mix->rowId);
       transaction.Note({Change::Kind::Mix, session.CurrentDatabase, mix->Color_Name, Change::What::Updated, ""});

@@ -237,6 +237,17 @@ TEST(Rename, NamesThatAreRefused) {
   EXPECT_FALSE(RenameColor(room.session, "RED", "X"));
 }
 
+TEST(Rename, ReachesBothOfTwoFormulasOfOneName) {
+  // Nothing in the file keeps a name from standing twice.
+  InkRoom room;
+  for (const char* name : {"A", "B"}) room.Basic(name);
+  room.Mix("M", {{"A", 100}});
+  room.Mix("M", {{"B", 50}, {"A", 50}});
+  ASSERT_TRUE(RenameBasic(room.session, "A", "X"));
+  EXPECT_EQ(room.Scalar("SELECT group_concat(Color_Set) FROM (SELECT Color_Set FROM INK_Mix ORDER BY rowid)").Text(),
+            "<X>,<B><X>");
+}
+
 TEST(Rename, NamesMatchAsAWhole) {
   InkRoom room;
   // To a search pattern "_" would be any character; a name from a file may hold one.
