@@ -149,7 +149,7 @@ TEST_F(AdminTest, AUserIsAddedWithTheRightsChosen) {
 
 TEST_F(AdminTest, AUserMayBeAddedWithoutAPassword) {
   HaveUsers();
-  RunForm("NewUserForm", [&](QWidget& dialog) {
+  RunForm("NewUserForm", [&](QWidget&) {
     TypeOn("dora");
     prompt.Expect("No password?", Answer::Yes, "Add this User without a Password?");
     prompt.Expect("User Added", Answer::Ok, "User DORA has been added to the Vellumark.");
