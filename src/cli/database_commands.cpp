@@ -1,35 +1,42 @@
+#include <fmt/format.h>
+
 #include <memory>
 
 #include "cli/frame.h"
 #include "core/base/text.h"
-#include "core/colors/copy_database.h"
+#include "core/colors/template_file.h"
 #include "core/datafile/databases.h"
 #include "core/datafile/lifecycle.h"
-#include "core/session/rights.h"
+#include "core/shell/database_menu.h"
 #include "core/shell/opening.h"
 
 namespace vellumark::cli {
 namespace {
 
-Result<Json> CreateDatabase(Context& context, const std::string& typed, const std::string& source) {
-  Session& session = context.session;
-  if (auto allowed = RequireCommandRight(session, CommandRight::Databases); !allowed)
-    return std::unexpected(allowed.error());
-  const auto name = NewDatabaseName(typed, session.databaseList, session.DataFileName);
+Result<Json> CreateDatabase(Context& context, const std::string& typed, const NewDatabaseContent& content) {
+  const auto name = NewDatabase(context.session, typed, content);
   if (!name) return std::unexpected(name.error());
-  if (source.empty()) {
-    CreateEmptyDatabase(session.File(), *name);
-  } else if (auto copied = CopyDatabase(session, Upper(TrimView(source)), *name); !copied) {
-    return std::unexpected(copied.error());
-  }
-  const DatabaseCounts counts = CountRows(session.File(), *name);
+  const DatabaseCounts counts = CountRows(context.session.File(), *name);
   return Json{{"Database", *name}, {"Basics", counts.basics}, {"Formulas", counts.formulas}};
+}
+
+Result<Json> DeleteNamed(Context& context, const std::vector<std::string>& names) {
+  const auto deleted = DeleteDatabases(context.session, names);
+  if (!deleted) return std::unexpected(deleted.error());
+  if (!*deleted) return Refuse("Delete Databases?", "Nothing was deleted.");
+  return Json{{"Databases", context.session.databaseList}};
+}
+
+std::string GuideCodes() {
+  std::string codes;
+  for (const Guide& guide : kGuides) codes += fmt::format("{}{}", codes.empty() ? "" : ", ", guide.code);
+  return codes;
 }
 
 }  // namespace
 
 void AddDatabaseCommands(CLI::App& app, Commands& commands) {
-  CLI::App* noun = AddNoun(app, "db", "The Databases of the Data File: list, use, create");
+  CLI::App* noun = AddNoun(app, "db", "The Databases of the Data File: list, use, create, rename, delete");
 
   commands.Add(noun->add_subcommand("list", "The Databases in menu order"), Needs::File,
                [](Context& context) -> Result<Json> {
@@ -52,13 +59,33 @@ void AddDatabaseCommands(CLI::App& app, Commands& commands) {
     return Json{{"Database", context.session.CurrentDatabase}};
   });
 
-  auto* create = noun->add_subcommand("create", "Add a Database, empty or as a copy of another");
+  auto* create = noun->add_subcommand("create", "Add a Database: empty, of guides, or as a copy of another");
   const auto name = std::make_shared<std::string>();
-  const auto source = std::make_shared<std::string>();
+  const auto content = std::make_shared<NewDatabaseContent>();
   create->add_option("NAME", *name, "Its name, 15 characters at most")->required();
-  create->add_option("--copy", *source, "The Database whose colours and formulas it gets");
-  commands.Add(create, Needs::Writable,
-               [name, source](Context& context) { return CreateDatabase(context, *name, *source); });
+  auto* guides = create->add_option("--guide", content->guides, "A guide of the template: " + GuideCodes())
+                     ->allow_extra_args(false);
+  create->add_option("--copy", content->source, "The Database whose colours and formulas it gets")->excludes(guides);
+  commands.Add(create, Needs::Writable, [name, content](Context& context) {
+    using Kind = NewDatabaseContent::Kind;
+    content->kind = !content->guides.empty() ? Kind::Guides : content->source.empty() ? Kind::Empty : Kind::Copy;
+    return CreateDatabase(context, *name, *content);
+  });
+
+  auto* rename = noun->add_subcommand("rename", "Give a Database another name");
+  const auto renamed = std::make_shared<std::pair<std::string, std::string>>();
+  rename->add_option("OLD", renamed->first, "The Database")->required();
+  rename->add_option("NEW", renamed->second, "Its new name, 15 characters at most")->required();
+  commands.Add(rename, Needs::Writable, [renamed](Context& context) -> Result<Json> {
+    const auto newName = RenameDatabase(context.session, renamed->first, renamed->second);
+    if (!newName) return std::unexpected(newName.error());
+    return Json{{"Database", *newName}};
+  });
+
+  auto* remove = noun->add_subcommand("delete", "Delete Databases that are not the current one");
+  const auto deleted = std::make_shared<std::vector<std::string>>();
+  remove->add_option("NAME", *deleted, "The Databases")->required();
+  commands.Add(remove, Needs::Writable, [deleted](Context& context) { return DeleteNamed(context, *deleted); });
 }
 
 }  // namespace vellumark::cli

@@ -70,6 +70,7 @@ std::string ReadableText(const Json& answer);
 void AddFileCommands(CLI::App& app, Commands& commands);
 void AddSettingsCommands(CLI::App& app, Commands& commands);
 void AddDatabaseCommands(CLI::App& app, Commands& commands);
+void AddTemplateCommands(CLI::App& app, Commands& commands);
 void AddColorCommands(CLI::App& app, Commands& commands);
 void AddFormulaCommands(CLI::App& app, Commands& commands);
 /// The verbs `import` and `export` of the noun `formula`.

@@ -174,6 +174,7 @@ int Main(int argc, char** argv) {
   AddFileCommands(app, commands);
   AddSettingsCommands(app, commands);
   AddDatabaseCommands(app, commands);
+  AddTemplateCommands(app, commands);
   AddColorCommands(app, commands);
   AddFormulaCommands(app, commands);
   AddStockCommands(app, commands);
