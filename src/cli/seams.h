@@ -68,6 +68,7 @@ class NoWindows final : public OpeningWindows {
   void Login(Session& session) override;
   void SetCaption(const std::string&) override {}
   void SuggestArchive(Session&) override {}
+  void ShutdownBackup(Session&, const std::string&) override {}
 
  private:
   std::string user_;
