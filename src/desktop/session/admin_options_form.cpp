@@ -1,6 +1,9 @@
 #include "desktop/session/admin_options_form.h"
 
+#include <QGridLayout>
+
 #include "core/session/users.h"
+#include "desktop/kit/look.h"
 
 namespace vellumark::desktop {
 
@@ -21,12 +24,18 @@ AdminOptionsForm::AdminOptionsForm(WindowList& windowList, QWidget* owner)
       {form.Button("cmdDeleteUser", tr("De&lete User")), tr("who is no Administrator")},
       {form.Button("cmdDisableUsernames", tr("&Deactivate")), tr("the Users feature: everyone has all rights")},
   };
-  int width = 0;
-  for (const auto& command : commands) width = std::max(width, command.button->sizeHint().width());
+  auto* list = new QWidget;
+  auto* grid = new QGridLayout(list);
+  grid->setContentsMargins(0, 0, 0, 0);
+  grid->setHorizontalSpacing(space::kGap);
+  grid->setVerticalSpacing(space::kUnit);
+  grid->setColumnStretch(1, 1);
   for (const auto& command : commands) {
-    command.button->setMinimumWidth(width);
-    form.Row({command.button, form.Hint(command.what)});
+    const int row = grid->rowCount();
+    grid->addWidget(command.button, row, 0);
+    grid->addWidget(form.Hint(command.what), row, 1);
   }
+  form.Wide(list);
   SetDefaultButton(commands[0].button);
   form.Stretch();
   form.ButtonsWithoutDefault({form.Button("cmdClose", tr("Close"))});

@@ -1,6 +1,7 @@
 #include "desktop/session/delete_user_form.h"
 
 #include "core/session/users.h"
+#include "desktop/session/user_fields.h"
 
 namespace vellumark::desktop {
 
@@ -8,7 +9,7 @@ DeleteUserForm::DeleteUserForm(WindowList& windowList, QWidget* owner)
     : Dialog(windowList, owner, "DeleteUserForm", tr("Delete User")) {
   Form form(*this);
   form.Row(tr("&Username"), username_ = form.Combo("cmbUsername"));
-  username_->setMinimumWidth(240);
+  username_->setFixedWidth(kUserFieldWidth);
   username_->SetItems(DeletableUserNames(session));
   username_->setCurrentIndex(username_->count() > 0 ? 0 : -1);
   form.Row(form.Hint(tr("Administrators cannot be deleted here.")));

@@ -19,7 +19,7 @@ LoginForm::LoginForm(WindowList& windowList, QWidget* owner) : Dialog(windowList
   close->setFocusPolicy(Qt::NoFocus);  // the keyboard has Escape and Cancel
   auto* top = new QWidget;
   auto* line = new QHBoxLayout(top);
-  line->setContentsMargins(0, 0, 0, space::kUnit);
+  line->setContentsMargins(0, 0, -space::kUnit, space::kUnit);  // the link's word ends where the fields do
   line->addWidget(file, 1);
   line->addWidget(close, 0, Qt::AlignTop);
   form.Wide(top);

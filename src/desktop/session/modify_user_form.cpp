@@ -16,7 +16,7 @@ ModifyUserForm::ModifyUserForm(WindowList& windowList, QWidget* owner)
   form.Stretch();
   form.Buttons({form.Button("cmdSave", tr("&Save"), QKeySequence::Save), form.Button("cmdCancel", tr("Cancel"))});
   username_->DoNotTrack();
-  username_->setFixedWidth(password_->maximumWidth());
+  username_->setFixedWidth(kUserFieldWidth);
   username_->SetItems(UserNames(session));
   username_->setCurrentIndex(username_->count() > 0 ? 0 : -1);
   username_->OnChosen([this](int) { ChooseUser(); });

@@ -72,6 +72,14 @@ void RightsPanel::SetRights(const UserRights& rights) {
   }
 }
 
+void RightsPanel::SetReadOnly() {
+  for (const Group& group : groups_) {
+    if (group.options != nullptr) group.options->setEnabled(false);
+    if (group.allowed != nullptr) group.allowed->setEnabled(false);
+    group.meaning->setProperty("role", {});
+  }
+}
+
 void RightsPanel::ShowMeanings() {
   // Building the groups is heard too, before there is a line to write to.
   const std::vector<PermissionText> texts = PermissionTexts(Rights());

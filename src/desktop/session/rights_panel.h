@@ -20,6 +20,8 @@ class RightsPanel : public QWidget {
   UserRights Rights() const;
   /// A value beyond the full one opens nothing, so it is shown as the least.
   void SetRights(const UserRights& rights);
+  /// Nothing can be chosen any more; the lines are what is read.
+  void SetReadOnly();
 
  private:
   struct Group {

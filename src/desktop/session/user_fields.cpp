@@ -12,17 +12,19 @@ TextRule UserTextRule() {
 }
 
 TextField* UsernameField(Form& form, const QString& name) {
-  return form.Text(name, UserTextRule());
+  TextField* field = form.Text(name, UserTextRule());
+  field->setFixedWidth(kUserFieldWidth);
+  return field;
 }
 
 TextField* PasswordField(Form& form, const QString& name) {
-  TextField* field = form.Text(name, UserTextRule());
+  TextField* field = UsernameField(form, name);
   field->setEchoMode(QLineEdit::Password);
   return field;
 }
 
 UserBox::UserBox(const QString& name) : ComboField(name), line_(new TextField("txtTyped", UserTextRule())) {
-  setFixedWidth(line_->maximumWidth() + 24);  // and the arrow
+  setFixedWidth(kUserFieldWidth);
   line_->setMinimumWidth(0);
   line_->setMaximumWidth(QWIDGETSIZE_MAX);
   setLineEdit(line_);

@@ -6,6 +6,9 @@
 
 namespace vellumark::desktop {
 
+/// Room for fifteen of the widest capitals; every box for a username or a password is this wide.
+inline constexpr int kUserFieldWidth = 216;
+
 /// What a box for a username or a password lets in: capitals, digits, blank and . / - up to the width of the file's
 /// fields.
 TextRule UserTextRule();

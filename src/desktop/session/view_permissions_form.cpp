@@ -12,7 +12,7 @@ ViewPermissionsForm::ViewPermissionsForm(WindowList& windowList, QWidget* owner)
   form.Row(tr("Username"), username);
   auto* rights = new RightsPanel(*this);
   rights->SetRights(RightsInForce(session));
-  rights->setEnabled(false);
+  rights->SetReadOnly();
   form.Wide(rights);
   form.Stretch();
   form.Buttons({form.Button("cmdClose", tr("Close"))});
