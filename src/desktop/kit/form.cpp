@@ -10,8 +10,8 @@
 namespace vellumark::desktop {
 namespace {
 
-constexpr int kWidestSheet = 880;
-constexpr int kWidestText = 560;
+constexpr int kWidestSheet = 640;
+constexpr int kWidestText = 480;
 
 /// The sheet with the lines, and what is left of the page to its right and below.
 QWidget* LayOut(QWidget* page, bool margins) {
@@ -52,6 +52,7 @@ Form::Form(FormHost& host, QWidget* page, bool margins)
 void Form::Fill() {
   sheet_->setMaximumWidth(QWIDGETSIZE_MAX);
   auto* down = qobject_cast<QVBoxLayout*>(sheet_->parentWidget()->layout());
+  qobject_cast<QHBoxLayout*>(down->itemAt(0)->layout())->setStretch(1, 0);
   down->setStretch(0, 1000);
   down->setStretch(1, 0);
 }
@@ -111,12 +112,14 @@ QWidget* Form::Side(std::initializer_list<QWidget*> widgets) {
   auto* layout = new QHBoxLayout(box);
   layout->setContentsMargins(0, 0, 0, 0);
   layout->setSpacing(space::kUnit);
+  bool fills = false;
   for (QWidget* widget : widgets) {
-    const bool wide =
-        widget->maximumWidth() == QWIDGETSIZE_MAX && (widget->sizePolicy().expandingDirections() & Qt::Horizontal) != 0;
-    layout->addWidget(widget, wide ? 1000 : 0);
+    const bool grows = widget->minimumWidth() != widget->maximumWidth() &&
+                       (widget->sizePolicy().expandingDirections() & Qt::Horizontal) != 0;
+    layout->addWidget(widget, grows ? 1000 : 0);
+    fills = fills || (grows && widget->maximumWidth() == QWIDGETSIZE_MAX);
   }
-  layout->addStretch(1);
+  if (!fills) layout->addStretch(1);
   return box;
 }
 
@@ -249,6 +252,17 @@ QLabel* Form::Hint(const QString& text, const QString& name) {
   QLabel* label = Label(name, text);
   label->setProperty("role", "hint");
   return label;
+}
+
+NameBox* Form::Name(const QString& name, NameSource source) {
+  return Add(new NameBox(name, host_->session, std::move(source)));
+}
+
+Grid* Form::Table(const QString& name) {
+  auto* grid = new Grid(name);
+  FormHost* host = host_;
+  QObject::connect(grid, &Grid::EditRefused, grid, [host](const Refusal& refusal) { host->ShowRefusal(refusal); });
+  return grid;
 }
 
 CommandButton* Form::Button(const QString& name, const QString& text, const QKeySequence& key,

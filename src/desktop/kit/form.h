@@ -8,6 +8,8 @@
 
 #include "desktop/kit/fields.h"
 #include "desktop/kit/form_host.h"
+#include "desktop/kit/grid.h"
+#include "desktop/kit/name_box.h"
 
 class QGridLayout;
 class QTabWidget;
@@ -63,6 +65,10 @@ class Form {
   CheckListField* CheckList(const QString& name);
   NoteField* Note(const QString& name, int lines = 4);
   DateField* Date(const QString& name);
+  /// The name of a colour.
+  NameBox* Name(const QString& name, NameSource source);
+  /// A grid whose refused edits show themselves. Placed with Wide(grid, 1).
+  Grid* Table(const QString& name);
   /// A value to be read; `scale` times the base size.
   ValueField* Value(const QString& name, double scale = 1.4);
   QLabel* Label(const QString& name, const QString& text = {});
@@ -76,7 +82,7 @@ class Form {
   }
   /// A button that looks like a link, for going elsewhere.
   CommandButton* Link(const QString& name, const QString& text, std::function<void()> click = {});
-  /// Any other field, such as a NameBox.
+  /// Any other field.
   template <class F>
   F* Add(F* field) {
     host_->Adopt(*field);

@@ -2,6 +2,7 @@
 
 #include <QApplication>
 #include <QPalette>
+#include <QPointer>
 #include <QStyle>
 #include <QStyleFactory>
 #include <QWidget>
@@ -68,10 +69,13 @@ void Refresh() {
   State& state = TheLook();
   if (state.application == nullptr) return;
   const Colors& colors = Look::Of(state.theme);
+  // A button box lays itself out anew for a new style and would give the focus to its first button.
+  const QPointer<QWidget> focused = QApplication::focusWidget();
   QApplication::setPalette(PaletteOf(colors));
   QApplication::setFont(Look::Base());
   state.application->setStyleSheet(StyleSheetOf(colors));
   for (QWidget* widget : QApplication::allWidgets()) widget->update();
+  if (focused != nullptr && focused != QApplication::focusWidget()) focused->setFocus(Qt::OtherFocusReason);
 }
 
 double Linear(double channel) {

@@ -129,7 +129,6 @@ MessageDialog::MessageDialog(const Message& message, QWidget* owner)
 
 void MessageDialog::AddButtons() {
   auto* box = new QDialogButtonBox;
-  QPushButton* defaultButton = nullptr;
   for (const Choice& choice : ChoicesOf(message_.buttons)) {
     QPushButton* button = box->addButton(choice.button);
     button->setText(QCoreApplication::translate("MessageDialog", choice.text));
@@ -139,17 +138,21 @@ void MessageDialog::AddButtons() {
     const bool standard = choice.answer == message_.defaultAnswer || message_.buttons == Buttons::Ok;
     button->setAutoDefault(standard);
     button->setProperty("primary", standard);
-    if (standard) defaultButton = button;
+    if (standard) standard_ = button;
   }
   layout()->addWidget(box);
-  if (defaultButton == nullptr) return;
-  defaultButton->setDefault(true);
-  defaultButton->setFocus();
+  if (standard_ != nullptr) standard_->setDefault(true);
 }
 
 void MessageDialog::Choose(Answer answer) {
   chosen_ = answer;
   done(Accepted);
+}
+
+void MessageDialog::showEvent(QShowEvent* event) {
+  QDialog::showEvent(event);
+  // The dialog itself would give the focus to the first button.
+  if (standard_ != nullptr) standard_->setFocus(Qt::OtherFocusReason);
 }
 
 void MessageDialog::reject() {

@@ -6,6 +6,8 @@
 
 #include "core/base/seams.h"
 
+class QPushButton;
+
 namespace vellumark::desktop {
 
 /// The window of one message. Title and text stand as they are, padding blanks included; a long text scrolls. Y and N
@@ -19,6 +21,7 @@ class MessageDialog : public QDialog {
   void reject() override;
 
  protected:
+  void showEvent(QShowEvent* event) override;
   void keyPressEvent(QKeyEvent* event) override;
 
  private:
@@ -26,6 +29,7 @@ class MessageDialog : public QDialog {
   void Choose(Answer answer);
 
   Message message_;
+  QPushButton* standard_ = nullptr;
   Answer chosen_;
 };
 

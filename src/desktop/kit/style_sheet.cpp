@@ -28,7 +28,8 @@ QComboBox::down-arrow, QDateEdit::down-arrow { image: url(:/icons/down-@tone.svg
 QComboBox QAbstractItemView { border: 1px solid @border; border-radius: 0; padding: 0; outline: none; }
 QComboBox QAbstractItemView::item { min-height: 28px; padding: 0 8px; }
 QTableView QLineEdit { min-height: 0; border-radius: 0; }
-QComboBox QLineEdit, QAbstractSpinBox QLineEdit { border: none; padding: 0; min-height: 0; background: transparent; }
+QComboBox QLineEdit, QComboBox QLineEdit:focus, QAbstractSpinBox QLineEdit, QAbstractSpinBox QLineEdit:focus {
+  border: none; padding: 0; min-height: 0; background: transparent; }
 QListView::item, QTreeView::item { background: @surface; min-height: 26px; padding: 0 4px; }
 QListView::item:selected, QTreeView::item:selected { background: @chosen; color: @text; }
 QPushButton { background: @raised; color: @text; border: 1px solid @line; border-radius: 4px; padding: 0 15px;

@@ -16,6 +16,7 @@ LoginForm::LoginForm(WindowList& windowList, QWidget* owner) : Dialog(windowList
   file->setTextFormat(Qt::PlainText);
   file->setWordWrap(true);
   CommandButton* close = form.Link("lblClose", tr("Close"), [this] { reject(); });
+  close->setFixedWidth(close->fontMetrics().horizontalAdvance(close->text()) + 2 * space::kUnit);
   close->setFocusPolicy(Qt::NoFocus);  // the keyboard has Escape and Cancel
   auto* top = new QWidget;
   auto* line = new QHBoxLayout(top);

@@ -7,7 +7,7 @@
 namespace vellumark::desktop {
 
 /// Room for fifteen of the widest capitals; every box for a username or a password is this wide.
-inline constexpr int kUserFieldWidth = 216;
+inline constexpr int kUserFieldWidth = 240;
 
 /// What a box for a username or a password lets in: capitals, digits, blank and . / - up to the width of the file's
 /// fields.

@@ -25,8 +25,7 @@ QLabel* Fact(Form& form, const QString& name, const QString& text) {
 }
 
 QString Libraries() {
-  return AboutForm::tr(
-             "Made with Qt %1 (LGPL), SQLite (public domain), SQLiteCpp, fmt and JSON for Modern C++ (all MIT).")
+  return AboutForm::tr("Made with Qt %1 (LGPL), SQLite (public domain), SQLiteCpp, fmt, nlohmann-json (MIT).")
       .arg(QString::fromLatin1(qVersion()));
 }
 
@@ -46,7 +45,6 @@ AboutForm::AboutForm(WindowList& windowList, QWidget* owner)
   form.Wide(ReadingText(WarrantyText(), "lblWarranty", kTextWidth));
   if (!session.TradeMark.empty()) form.Wide(ReadingText(Q(session.TradeMark), "lblTradeMark", kTextWidth));
   form.Wide(ReadingText(Libraries(), "lblLibraries", kTextWidth));
-  form.Stretch();
   form.Buttons({form.Button("cmdClose", tr("Close"))});
 
   words->layout()->setContentsMargins(space::kGroup, space::kUnit, space::kGroup, space::kGap);

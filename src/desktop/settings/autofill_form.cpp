@@ -1,5 +1,7 @@
 #include "desktop/settings/autofill_form.h"
 
+#include <QLayout>
+
 #include "core/session/options.h"
 #include "desktop/settings/explain.h"
 
@@ -12,8 +14,8 @@ AutofillForm::AutofillForm(WindowList& windowList, QWidget* owner)
   form.Wide(
       Explain(form, tr("A name box then adds the rest of the first name that begins with what was typed. Typing on "
                        "replaces it.")));
-  form.Stretch();
   form.Buttons({form.Button("cmdSave", tr("&Save"), QKeySequence::Save), form.Button("cmdCancel", tr("Cancel"))});
+  layout()->setSizeConstraint(QLayout::SetFixedSize);
   on_->setChecked(session.AutoFillText == 1);
 }
 

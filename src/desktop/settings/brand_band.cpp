@@ -47,8 +47,9 @@ BrandBand::BrandBand(QWidget* parent) : QWidget(parent) {
   words->addStretch();
 
   auto* layout = new QHBoxLayout(this);
-  layout->setContentsMargins(4 * space::kUnit, space::kGap, 4 * space::kUnit, space::kGap + kWave);
-  layout->setSpacing(space::kGroup);
+  // The icon's own edge is part of the distance.
+  layout->setContentsMargins(space::kGap, space::kGap, 4 * space::kUnit, space::kGap + kWave);
+  layout->setSpacing(space::kUnit);
   layout->addWidget(icon);
   layout->addLayout(words, 1);
   setFixedHeight(kHeight);

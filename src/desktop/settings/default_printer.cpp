@@ -1,6 +1,7 @@
 #include "desktop/settings/default_printer.h"
 
 #include <QFontDatabase>
+#include <QLayout>
 
 #include "core/settings/settings_keys.h"
 #include "desktop/kit/look.h"
@@ -16,8 +17,8 @@ Default_Printer::Default_Printer(WindowList& windowList, QWidget* owner, const S
   form.Row(tr("&Font"), font_ = form.Combo("cmbFont", QFontDatabase::families()));
   form.Row(sample_ = form.Label("lblSample", tr("OXIDE RED 3   12.500 lb.")));
   form.Row(Explain(form, tr("Reports and labels are printed on this printer, in this font.")));
-  form.Stretch();
   form.Buttons({form.Button("cmdSave", tr("&Save"), QKeySequence::Save), form.Button("cmdCancel", tr("Cancel"))});
+  layout()->setSizeConstraint(QLayout::SetFixedSize);
 
   ShowPrinters(*printer_, printers, GetSupportValue(session, keys::PrinterDevice));
   // A font of another machine stays the choice, though it cannot be shown here.

@@ -4,7 +4,7 @@
 
 namespace vellumark::desktop {
 
-/// Quiet text of several lines that says what a choice means.
+/// Quiet text that says what a choice means, wrapped to a width that can be read.
 QLabel* Explain(Form& form, const QString& text, const QString& name = {});
 /// The names of the units of weight, in the order of their codes.
 QStringList UnitNames();

@@ -1,5 +1,7 @@
 #include "desktop/settings/new_setup_form.h"
 
+#include <QLayout>
+
 #include "desktop/settings/explain.h"
 
 namespace vellumark::desktop {
@@ -16,9 +18,9 @@ NewSetupForm::NewSetupForm(WindowList& windowList, QWidget* owner, const SystemP
   form.Row(Explain(form, tr("The unit that your scale shows. Batches are weighed in it.")));
   form.Heading(tr("Printer"));
   form.Row(tr("Default &Printer"), printer_ = form.Combo("cmbPrinter"));
-  form.Row(Explain(form, tr("Units and printer can be changed later under Data File, Options.")));
-  form.Stretch();
+  form.Row(Explain(form, tr("It can be changed later under Data File, Options, Default Printer.")));
   form.Buttons({form.Button("cmdSave", tr("&Save"), QKeySequence::Save)});
+  layout()->setSizeConstraint(QLayout::SetFixedSize);
 
   inventoryUnit_->setCurrentIndex(session.UMI - 1);
   batchUnit_->setCurrentIndex(session.UMF - 1);

@@ -3,6 +3,7 @@
 #include <QDir>
 #include <QFileDialog>
 #include <QFileInfo>
+#include <QLayout>
 #include <QStorageInfo>
 
 #include "core/session/options.h"
@@ -35,8 +36,8 @@ RemindersForm::RemindersForm(WindowList& windowList, QWidget* owner)
                                 tr("Activate Lotted Inventory Notification - Inventory Report")));
   form.Heading(tr("Batch Window - Lot Numbering"));
   form.Row(lotNumbers_ = form.Check("chkBatchLotNumReminder", tr("Activate assigning Lot Numbers to Batches.")));
-  form.Stretch();
   form.Buttons({form.Button("cmdOK", tr("OK")), form.Button("cmdCancel", tr("Cancel"))});
+  layout()->setSizeConstraint(QLayout::SetFixedSize);
 
   // Only folders that are there can be chosen, so the field is not typed into.
   folder_->setReadOnly(true);

@@ -1,5 +1,7 @@
 #include "desktop/settings/um_setting_form.h"
 
+#include <QLayout>
+
 #include "core/session/options.h"
 #include "desktop/kit/text.h"
 #include "desktop/settings/explain.h"
@@ -34,8 +36,8 @@ UMSettingForm::UMSettingForm(WindowList& windowList, QWidget* owner)
                                               {"optUnit", tr("Enter Inv by &unit amount. (i.e. 5 lbs. * 20 units = 100 "
                                                              "lbs.)")}}));
   method_->Means("InvRecordMethod");
-  form.Stretch();
   form.Buttons({form.Button("cmdSave", tr("&Save"), QKeySequence::Save), form.Button("cmdCancel", tr("Cancel"))});
+  layout()->setSizeConstraint(QLayout::SetFixedSize);
 
   const InventorySettings settings = ReadInventorySettings(session);
   unit_->setCurrentIndex(settings.UMI - 1);

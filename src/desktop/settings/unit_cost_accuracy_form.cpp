@@ -1,5 +1,6 @@
 #include "desktop/settings/unit_cost_accuracy_form.h"
 
+#include <QLayout>
 #include <QLocale>
 
 #include "core/base/number.h"
@@ -29,8 +30,8 @@ UnitCostAccuracyForm::UnitCostAccuracyForm(WindowList& windowList, QWidget* owne
   form.Row(tr("Example"),
            {form.Hint(tr("A unit cost of %1 is kept as").arg(Shown(Fixed(kExampleCost, kExampleDecimals)))),
             example_ = form.Value("lblExample")});
-  form.Stretch();
   form.Buttons({form.Button("cmdOK", tr("OK")), form.Button("cmdCancel", tr("Cancel"))});
+  layout()->setSizeConstraint(QLayout::SetFixedSize);
   ShowValueInForce();
 }
 

@@ -2,12 +2,14 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
+#include <QMainWindow>
 #include <QRadioButton>
 
 #include "core/colors/other_databases.h"
 #include "core/shell/database_menu.h"
 #include "core/shell/opening.h"
 #include "desktop/datafile/register.h"
+#include "desktop/kit/main_area.h"
 #include "support/data_files.h"
 #include "support/desktop.h"
 #include "support/ink_room.h"
@@ -211,11 +213,20 @@ TEST_F(DatabaseWindows, AColorOfAnotherDatabaseIsToldAndTheChangeGoesThere) {
   const Arguments sky{{"Color_Name", "SKY"}, {"Kind", ColorKind::Mix}};
   std::optional<Arguments> result;
   WithModal([&] { result = list.RunDialog("OtherDatabasesForm", sky); },
-            [&](QWidget& form) { Press(form, Qt::Key_Escape); });
+            [&](QWidget& form) {
+              Picture(form, "datafile-OtherDatabasesForm", {});
+              Press(form, Qt::Key_Escape);
+            });
   EXPECT_FALSE(result);
   EXPECT_EQ(session.CurrentDatabase, "INK");
 
-  for (const char* name : {"JobForm", "FindMix", "FindDesign"}) ShowActive(*list.OpenForm(name));
+  QMainWindow frame;
+  auto* area = new desktop::MainArea(&frame);
+  frame.setCentralWidget(area);
+  list.SetPlace(area);
+  ShowActive(frame);
+  for (const char* name : {"JobForm", "FindDesign", "FindMix"}) list.OpenForm(name);
+  Settle();
   std::vector<Change> told;
   const auto subscription = session.changes.Subscribe([&](const std::vector<Change>& changes) { told = changes; });
   WithModal([&] { result = list.RunDialog("OtherDatabasesForm", sky); },
@@ -227,7 +238,6 @@ TEST_F(DatabaseWindows, AColorOfAnotherDatabaseIsToldAndTheChangeGoesThere) {
               auto& databases = Control<QComboBox>(form, "cmbInDB");
               ASSERT_EQ(databases.count(), 2);
               EXPECT_EQ(FocusName(), "cmbInDB");
-              Picture(form, "datafile-OtherDatabasesForm", {});
               PressOn(Qt::Key_Down);
               EXPECT_EQ(databases.currentText(), "SCREEN");
               PressOn(Qt::Key_Return);
@@ -236,10 +246,14 @@ TEST_F(DatabaseWindows, AColorOfAnotherDatabaseIsToldAndTheChangeGoesThere) {
   EXPECT_EQ(result->Text("Database"), "SCREEN");
   EXPECT_EQ(session.CurrentDatabase, "SCREEN");
   EXPECT_EQ(ReadFileInfo(session.File()).currentDB, "SCREEN");
-  EXPECT_TRUE(list.IsFormOpen("FindMix")) << "the finders stay, to go on with the find";
+  Settle();
+  ASSERT_NE(list.ActiveForm(), nullptr);
+  EXPECT_EQ(list.ActiveForm()->Name(), "FindMix") << "the finders stay, to go on with the find";
   EXPECT_FALSE(list.IsFormOpen("JobForm"));
   EXPECT_FALSE(list.IsFormOpen("FindDesign"));
   EXPECT_EQ(told, (std::vector<Change>{{Change::Kind::DatabaseList, "SCREEN", "", Change::What::All, ""}}));
+  list.CloseChildWindows();
+  list.SetPlace(nullptr);
 }
 
 }  // namespace

@@ -199,7 +199,7 @@ TEST(Grids, Look) {
     explicit ReportForm(desktop::WindowList& list) : Window(list, "ReportForm", "Report") {
       desktop::Form form(*this);
       form.Heading("Inventory");
-      grid = new Grid("fg");
+      grid = form.Table("fg");
       grid->ShowFilter("Filter");
       form.Wide(grid, 1);
       form.Buttons({form.Button("cmdPrint", "&Print", QKeySequence::Print)});

@@ -21,7 +21,7 @@ class NameForm : public desktop::Window {
  public:
   NameForm(desktop::WindowList& list, std::vector<std::string> names) : Window(list, "NameForm", tr("Name")) {
     desktop::Form form(*this);
-    form.Row(tr("&Name"), box = form.Add(new NameBox("txtName", session, SortedNames(std::move(names)))));
+    form.Row(tr("&Name"), box = form.Name("txtName", SortedNames(std::move(names))));
     form.Row(tr("Next"), form.Text("txtNext"));
   }
   NameBox* box;

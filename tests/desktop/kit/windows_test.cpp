@@ -281,6 +281,10 @@ TEST(Messages, ShowTitleAndTextAsTheyStandAndAnswerByKey) {
               [&](QWidget& dialog) {
                 EXPECT_EQ(dialog.windowTitle(), "                    Save && Clear");
                 EXPECT_EQ(Control<QLabel>(dialog, "lblMessage").text(), "Save && Clear the data.\n\nNow?");
+                const Answer focused = FocusName() == "cmdNo"    ? Answer::No
+                                       : FocusName() == "cmdYes" ? Answer::Yes
+                                                                 : Answer::Ok;
+                EXPECT_EQ(focused, row.standard) << row.what;
                 PressOn(row.key);
               });
     EXPECT_EQ(answer, row.answer) << row.what;

@@ -1,3 +1,4 @@
+#include <QElapsedTimer>
 #include <QLabel>
 #include <QPushButton>
 #include <QScrollArea>
@@ -30,11 +31,8 @@ struct ProductWindowsTest : testing::Test, Desk {
 TEST_F(ProductWindowsTest, TheSplashClosesItself) {
   QElapsedTimer clock;
   clock.start();
-  bool shown = false;
-  Splash([&](QWidget& splash) { shown = splash.isVisible(); }, 200);
-  EXPECT_TRUE(shown);
+  Splash([&](QWidget& splash) { EXPECT_TRUE(WaitFor([&] { return !splash.isVisible(); })); }, 200);
   EXPECT_GE(clock.elapsed(), 190);
-  EXPECT_LT(clock.elapsed(), 5000);
 }
 
 TEST_F(ProductWindowsTest, ItsOwnTimeIsShortAndLongerWhereThereIsSomethingToRead) {
