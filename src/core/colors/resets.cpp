@@ -11,6 +11,7 @@
 #include "core/colors/amounts.h"
 #include "core/colors/rollup.h"
 #include "core/datafile/schema.h"
+#include "core/session/rights.h"
 
 namespace vellumark {
 namespace {
@@ -142,6 +143,8 @@ Result<bool> ChangeDecimalPlaces(Session& session, int decimalPlaces) {
     return Refuse("Unit Cost Accuracy",
                   "The standard Unit Cost accuracy is 2 decimal places, the maximum decimal place accuracy is 4.",
                   "cmbDecimalPlaces");
+  if (auto allowed = RequireCommandRight(session, CommandRight::Options); !allowed)
+    return std::unexpected(allowed.error());
   if (auto writable = RequireWritable(session); !writable) return std::unexpected(writable.error());
   if (decimalPlaces < session.DecimalPlaces &&
       !session.prompt.Ask("Warning",
@@ -157,6 +160,7 @@ Result<bool> ChangeDecimalPlaces(Session& session, int decimalPlaces) {
   SetSupportValue(session, "DecimalPlaces", fmt::format("{}", decimalPlaces));
   session.DecimalPlaces = decimalPlaces;
   if (session.DataFileDB) UpdateMixBasicCosts(session);
+  session.changes.Tell({{Change::Kind::Settings, "", "", Change::What::All, ""}});
   return true;
 }
 

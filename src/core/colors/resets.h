@@ -20,7 +20,7 @@ Result<void> ResetBasicEmissions(Session& session, Emission emission, std::strin
 Result<void> ResetMixEmissions(Session& session, Emission emission, std::string_view newValue);
 
 /// Sets the decimals of unit costs to 2, 3 or 4 and rewrites every BasicCost with them. A smaller number is asked
-/// about; false when the operator declined and nothing changed.
+/// about; false when the operator declined and nothing changed. Refuses a user who may not change Options.
 Result<bool> ChangeDecimalPlaces(Session& session, int decimalPlaces);
 
 }  // namespace vellumark
