@@ -42,7 +42,7 @@ void RecycleOurs(benchmark::State& state) {
     BatchWork work = RecipeOf(room.session, NthFormula(n++));
     state.ResumeTiming();
     BuildRecycleList(room.session, work);
-    AutoRecycle(work);
+    AutoRecycle(room.session, work);
     benchmark::DoNotOptimize(work.RecycledColors.data());
   }
   state.counters["peak_mb"] = PeakMemory::Mb();

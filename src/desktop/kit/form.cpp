@@ -265,9 +265,17 @@ Grid* Form::Table(const QString& name) {
   return grid;
 }
 
+// The common commands have the same key in every window that has them.
+static QKeySequence CommonKey(const QString& name) {
+  if (name == QLatin1String("cmdSave")) return QKeySequence::Save;
+  if (name == QLatin1String("cmdDelete")) return Qt::CTRL | Qt::Key_D;
+  if (name == QLatin1String("cmdPrint")) return QKeySequence::Print;
+  return {};
+}
+
 CommandButton* Form::Button(const QString& name, const QString& text, const QKeySequence& key,
                             std::function<void()> click) {
-  auto* button = new CommandButton(name, text, key);
+  auto* button = new CommandButton(name, text, key.isEmpty() ? CommonKey(name) : key);
   host_->AdoptButton(*button, std::move(click));
   return button;
 }

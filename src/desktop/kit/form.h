@@ -74,7 +74,8 @@ class Form {
   QLabel* Label(const QString& name, const QString& text = {});
   /// Quiet text beside or under a field, such as a unit.
   QLabel* Hint(const QString& text, const QString& name = {});
-  /// Without `click` the slot NAME_Click of the window is called; a window without it throws at once.
+  /// Without `click` the slot NAME_Click of the window is called; a window without it throws at once. The common
+  /// commands cmdSave, cmdDelete and cmdPrint have Ctrl+S, Ctrl+D and Ctrl+P unless another key is given.
   CommandButton* Button(const QString& name, const QString& text, const QKeySequence& key = {},
                         std::function<void()> click = {});
   CommandButton* Button(const QString& name, const QString& text, std::function<void()> click) {

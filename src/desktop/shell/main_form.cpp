@@ -6,12 +6,9 @@
 #include <QComboBox>
 #include <QHBoxLayout>
 #include <QLabel>
-#include <QLineEdit>
 #include <QMenu>
 #include <QMenuBar>
-#include <QPlainTextEdit>
 #include <QStackedWidget>
-#include <QStyle>
 #include <QToolBar>
 #include <QToolButton>
 #include <algorithm>
@@ -70,7 +67,6 @@ MainForm::MainForm(WindowList& windowList) : windows_(windowList), session_(wind
 
   BuildMenus();
   BuildToolbar();
-  BuildCommonCommands();
   connect(&windows_, &WindowList::OpenFormsChanged, this, &MainForm::ShowPage);
   changes_ = session_.changes.Subscribe([this](const std::vector<Change>& changes) {
     if (std::ranges::any_of(changes, [](const Change& c) { return c.kind == Change::Kind::DatabaseList; }))
@@ -318,32 +314,6 @@ void MainForm::ShowPage() {
   const bool any =
       std::ranges::any_of(windows_.OpenForms(), [](const Window* window) { return !window->IsFloating(); });
   pages_->setCurrentWidget(any ? static_cast<QWidget*>(area_) : startPage_);
-}
-
-// ---- Common commands: they act on the child window in front
-
-void MainForm::BuildCommonCommands() {
-  struct Common {
-    const char* name;
-    const char* text;
-    QKeySequence key;
-    const char* command;
-  };
-  const std::array<Common, 3> commons{{
-      {"menuSaveRecord", QT_TR_NOOP("Save"), QKeySequence::Save, "cmdSave"},
-      {"menuDeleteRecord", QT_TR_NOOP("Delete"), QKeySequence(Qt::CTRL | Qt::Key_D), "cmdDelete"},
-      {"menuPrintRecord", QT_TR_NOOP("Print"), QKeySequence::Print, "cmdPrint"},
-  }};
-  for (const Common& common : commons) {
-    auto* action = new QAction(tr(common.text), this);
-    action->setObjectName(common.name);
-    action->setShortcut(common.key);
-    addAction(action);
-    connect(action, &QAction::triggered, this, [this, command = QString(common.command)] {
-      Window* window = windows_.ActiveForm();
-      if (window != nullptr && window->CanDo(command)) window->Do(command);
-    });
-  }
 }
 
 void MainForm::closeEvent(QCloseEvent* event) {

@@ -9,7 +9,6 @@
 #include "desktop/kit/window_list.h"
 
 class QAction;
-class QActionGroup;
 class QComboBox;
 class QLabel;
 class QMenu;
@@ -50,7 +49,6 @@ class MainForm : public QMainWindow, private OpenWindows {
  private:
   void BuildMenus();
   void BuildToolbar();
-  void BuildCommonCommands();
   void BuildViewMenu();
   void GateMenus();
   void FillLoginAs();
