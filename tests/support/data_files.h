@@ -6,6 +6,7 @@
 #include <unistd.h>
 
 #include <filesystem>
+#include <functional>
 #include <optional>
 #include <string>
 #include <vector>
@@ -80,6 +81,7 @@ class NotedWindows : public StartupWindows {
  public:
   std::vector<std::string> calls;
   std::string caption;
+  std::function<void()> atLogin;
 
   bool AnotherInstanceRuns(const Session&) override { return false; }
   void ShowMainWindow(const std::string&) override {}
@@ -105,7 +107,10 @@ class NotedWindows : public StartupWindows {
     calls.push_back("update from " + std::to_string(version));
     return false;
   }
-  void Login(Session&) override { calls.emplace_back("login"); }
+  void Login(Session&) override {
+    calls.emplace_back("login");
+    if (atLogin) atLogin();
+  }
   void SetCaption(const std::string& text) override { caption = text; }
   void SuggestArchive(Session&) override {}
 };

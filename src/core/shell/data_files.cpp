@@ -52,7 +52,8 @@ void TakeAsDefault(Session& session, const std::string& name) {
   SetSupportValue(session, keys::DbFileName50, name);
 }
 
-// The Data File that is left for another one, and the way back to it.
+// The Data File that is left for another one, and the way back to it after a failure. Whatever else is thrown ends the
+// program, which needs no file any more.
 class PreviousFile {
  public:
   PreviousFile(Session& session, OpeningWindows& windows)
@@ -108,7 +109,7 @@ void ChangeToFile(Session& session, const fs::path& path, OpeningWindows& window
     previous.Leave();
     TakeAsDefault(session, path.string());
     OpenDataFile(session, windows);
-  } catch (...) {
+  } catch (const std::exception&) {
     previous.Return();
     throw;
   }
@@ -139,7 +140,7 @@ void MakeAndOpen(Session& session, const fs::path& path, OpeningWindows& windows
     CreateDataFile(session, path, windows);
     made = true;
     OpenDataFile(session, windows);
-  } catch (...) {
+  } catch (const std::exception&) {
     previous.Return();
     std::error_code ignored;
     if (made) fs::remove(path, ignored);
@@ -256,7 +257,7 @@ Result<void> RenameDataFile(Session& session, std::string_view typedName, Openin
     const ProgressRun progress(session.progress, "Renaming File ...");
     MoveByCopy(before, *renamed);
     TakeAsDefault(session, renamed->string());
-  } catch (...) {
+  } catch (const std::exception&) {
     OpenDataFile(session, windows);
     throw;
   }

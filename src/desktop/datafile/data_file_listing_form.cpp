@@ -93,7 +93,7 @@ void VKD_File_ListingForm::cmdOpen_Click() {
     return;
   }
   bool opened = false;
-  WithFiles(session, tr("Open Data File"), [&] {
+  WithFiles(*this, tr("Open Data File"), [&] {
     const auto answer = OpenOtherDataFile(session, U8(path), startup_);
     opened = FormHost::Accepted(answer) && *answer;
   });

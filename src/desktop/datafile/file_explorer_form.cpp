@@ -15,11 +15,11 @@ int FileExplorerForm::exec() {
   const QString path = choose_(ChoiceToOpen(session), parentWidget());
   if (path.isEmpty()) return Rejected;
   bool opened = false;
-  WithFiles(session, tr("Open Data File"), [&] {
-    const auto result = OpenOtherDataFile(session, U8(path), startup_);
-    opened = FormHost::Accepted(result) && *result;
+  WithFiles(*this, tr("Open Data File"), [&] {
+    const auto answer = OpenOtherDataFile(session, U8(path), startup_);
+    opened = FormHost::Accepted(answer) && *answer;
   });
-  return opened ? QDialog::Accepted : QDialog::Rejected;
+  return opened || result.Has("exit") ? QDialog::Accepted : QDialog::Rejected;
 }
 
 NewFileExplorerForm::NewFileExplorerForm(WindowList& windowList, QWidget* owner, StartupWindows& startup,
@@ -32,8 +32,8 @@ int NewFileExplorerForm::exec() {
   const QString path = choose_(ChoiceToMake(session), parentWidget());
   if (path.isEmpty()) return Rejected;
   bool made = false;
-  WithFiles(session, tr("New Data File"), [&] { made = FormHost::Accepted(NewDataFile(session, U8(path), startup_)); });
-  return made ? QDialog::Accepted : QDialog::Rejected;
+  WithFiles(*this, tr("New Data File"), [&] { made = FormHost::Accepted(NewDataFile(session, U8(path), startup_)); });
+  return made || result.Has("exit") ? QDialog::Accepted : QDialog::Rejected;
 }
 
 }  // namespace vellumark::desktop

@@ -8,12 +8,19 @@
 
 namespace vellumark::desktop {
 
-bool WithFiles(Session& session, const QString& title, const std::function<void()>& act) {
+bool WithFiles(Dialog& dialog, const QString& title, const std::function<void()>& act) {
   try {
     act();
     return true;
   } catch (const Failure& failure) {
-    session.prompt.Tell(U8(title), failure.subject + "\n\n" + failure.cause, vellumark::Icon::Critical);
+    dialog.session.prompt.Tell(U8(title), failure.subject + "\n\n" + failure.cause, vellumark::Icon::Critical);
+    return false;
+  } catch (const std::exception&) {
+    throw;
+  } catch (...) {
+    // What is thrown to end the program is no failure, and must not pass through the event loop of a dialog.
+    dialog.result.Set("exit", true);
+    dialog.accept();
     return false;
   }
 }

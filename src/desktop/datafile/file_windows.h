@@ -6,13 +6,14 @@
 
 #include "core/base/refusal.h"
 #include "core/session/session.h"
-#include "desktop/kit/form.h"
+#include "desktop/kit/window.h"
 
 namespace vellumark::desktop {
 
 /// Does something with a Data File. A failure of the world is told under `title` with the file and the cause, and
-/// nothing else happens; false then.
-bool WithFiles(Session& session, const QString& title, const std::function<void()>& act);
+/// nothing else happens; false then. An operator who ends the program on the way (at the login of the file) closes the
+/// dialog with {"exit", true}; false as well.
+bool WithFiles(Dialog& dialog, const QString& title, const std::function<void()>& act);
 
 /// Text over several lines across the window.
 QLabel* Paragraph(Form& form, const QString& text, const QString& name = {});

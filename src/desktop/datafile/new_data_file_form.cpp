@@ -108,7 +108,7 @@ void NewDataFileForm::ShowStartupMessage(const std::string& text) {
 
 void NewDataFileForm::Try(const QString& title, const std::function<void(OpeningWindows&)>& act) {
   WindowsHere here(*this);
-  if (!WithFiles(session, title, [&] { act(here); })) return;
+  if (!WithFiles(*this, title, [&] { act(here); })) return;
   if (session.DataFileOpen && !here.turnedAway) accept();
 }
 

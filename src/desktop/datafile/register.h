@@ -22,7 +22,8 @@ struct DataFilePlatform {
 ///
 /// NewDataFileForm {"StartupMessage", text}: gives back {"exit", true} when the operator ends the program.
 /// FileExplorerForm (Open Data File), NewFileExplorerForm (New Data File), VKD_File_ListingForm (Search for Data Files;
-/// with {"Pick", true} it only gives back {"Path", text}), RenameDataFileForm: accepted when a file was opened.
+/// with {"Pick", true} it only gives back {"Path", text}), RenameDataFileForm: accepted when a file was opened, with
+/// {"exit", true} when the operator ended the program at its login.
 /// UpdateDataFileForm {"Path", text}, {"FileVersion", number}: gives back {"updated", true} when it was.
 /// NewDBForm, RenameDBForm: give back {"Database", name}; DeleteDBForm.
 /// OtherDatabasesForm {"Color_Name", text}, {"Kind", ColorKind}: gives back {"Database", name} after a change to it.

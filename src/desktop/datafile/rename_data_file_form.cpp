@@ -29,7 +29,7 @@ int RenameDataFileForm::exec() {
 
 void RenameDataFileForm::cmdRename_Click() {
   bool renamed = false;
-  WithFiles(session, tr("File Name"),
+  WithFiles(*this, tr("File Name"),
             [&] { renamed = FormHost::Accepted(RenameDataFile(session, name_->Text(), startup_)); });
   if (renamed) accept();
 }

@@ -6,6 +6,7 @@
 #include <QTreeWidget>
 
 #include "core/base/files.h"
+#include "core/session/users.h"
 #include "core/settings/settings_keys.h"
 #include "core/shell/data_files.h"
 #include "core/shell/opening.h"
@@ -189,6 +190,29 @@ TEST_F(DataFileWindows, OpenLeavesTheOldFileOpenWhenTheNewOneCannotBe) {
   EXPECT_FALSE(list.RunDialog("NewFileExplorerForm"));
   EXPECT_TRUE(prompt.last.text.starts_with(answer.string() + "\n\n")) << prompt.last.text;
   EXPECT_TRUE(IsDefault(first));
+}
+
+TEST_F(DataFileWindows, EndingTheProgramAtTheLoginOfAFileEndsTheWindow) {
+  OpenFirst();
+  prompt.Expect("");
+  ASSERT_TRUE(CreateUsers(session, "BOSS", "X"));
+  CloseDataFile(session, windows);
+  struct Ended {};
+  windows.atLogin = [] { throw Ended{}; };
+  answer = first;
+  std::optional<Arguments> result;
+  WithModal([&] { result = list.RunDialog("NewDataFileForm"); },
+            [&](QWidget& form) {
+              PressOn(Qt::Key_O, Qt::AltModifier);
+              Click(form, "cmdOpen");
+              EXPECT_FALSE(form.isVisible());
+            });
+  ASSERT_TRUE(result);
+  EXPECT_TRUE(result->Has("exit"));
+  CloseDataFile(session, windows);
+  result = list.RunDialog("FileExplorerForm");
+  ASSERT_TRUE(result);
+  EXPECT_TRUE(result->Has("exit"));
 }
 
 TEST_F(DataFileWindows, NewAsksForANameAndTakesTheNextFreeOne) {
