@@ -16,11 +16,10 @@ LoginForm::LoginForm(WindowList& windowList, QWidget* owner) : Dialog(windowList
   file->setTextFormat(Qt::PlainText);
   file->setWordWrap(true);
   CommandButton* close = form.Link("lblClose", tr("Close"), [this] { reject(); });
-  close->setFixedWidth(close->fontMetrics().horizontalAdvance(close->text()) + 2 * space::kUnit);
   close->setFocusPolicy(Qt::NoFocus);  // the keyboard has Escape and Cancel
   auto* top = new QWidget;
   auto* line = new QHBoxLayout(top);
-  line->setContentsMargins(0, 0, -space::kUnit, space::kUnit);  // the link's word ends where the fields do
+  line->setContentsMargins(0, 0, 0, space::kUnit);
   line->addWidget(file, 1);
   line->addWidget(close, 0, Qt::AlignTop);
   form.Wide(top);
