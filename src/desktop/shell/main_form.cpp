@@ -167,9 +167,9 @@ void MainForm::RunMenuItem(const std::string& name) {
   }
 }
 
-void MainForm::RunDialogOf(const std::string& dialog) {
+void MainForm::RunDialogOf(const std::string& dialog, const std::vector<std::string>& staying) {
   CloseToolbarMenus();
-  if (!windows_.CloseChildWindows()) return;
+  if (!windows_.CloseChildWindows(staying)) return;
   const auto result = windows_.RunDialog(dialog);
   raise();
   activateWindow();
@@ -243,8 +243,7 @@ void MainForm::PressToolbarButton(const std::string& key) {
 }
 
 void MainForm::PressUsers() {
-  if (!windows_.CloseChildWindows({"BatchForm"})) return;
-  RunDialogOf("LoginForm");
+  RunDialogOf("LoginForm", {"BatchForm"});
 }
 
 void MainForm::CloseToolbarMenus() {

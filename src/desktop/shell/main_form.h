@@ -53,7 +53,8 @@ class MainForm : public QMainWindow, private OpenWindows {
   void GateMenus();
   void FillLoginAs();
   void RunMenuItem(const std::string& name);
-  void RunDialogOf(const std::string& dialog);
+  /// Closes the child windows but those named, and runs the dialog in front of the main window.
+  void RunDialogOf(const std::string& dialog, const std::vector<std::string>& staying = {});
   void PressToolbarButton(const std::string& key);
   void PressUsers();
   void ChooseDatabase(const QString& name);

@@ -86,8 +86,8 @@ StartPage::StartPage(WindowList& windowList, QWidget* parent)
   lines->addSpacing(space::kGroup);
   lines->addWidget(lowHeading_);
   lines->addWidget(lowNone_);
-  lines->addWidget(low_, 1);
-  lines->addStretch(0);
+  lines->addWidget(low_, 100);
+  lines->addStretch(1);
 
   changes_ = session_.changes.Subscribe([this](const std::vector<Change>&) { Refresh(); });
 }
@@ -153,6 +153,9 @@ void StartPage::ShowLowStock() {
   low_->horizontalHeader()->setSectionResizeMode(0, QHeaderView::Stretch);
   for (int column = 1; column < 4; ++column)
     low_->horizontalHeader()->setSectionResizeMode(column, QHeaderView::ResizeToContents);
+  // As tall as its rows, and no empty frame below them.
+  low_->setMaximumHeight(low_->horizontalHeader()->sizeHint().height() + shown * space::kRowHeight +
+                         2 * low_->frameWidth() + space::kTight);
   lowHeading_->setText(shown < static_cast<int>(low.size())
                            ? tr("Colors under their reorder point (the first %1 of %2)").arg(shown).arg(low.size())
                            : tr("Colors under their reorder point"));
