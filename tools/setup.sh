@@ -16,7 +16,7 @@ install_packages() {
   done
   command -v dpkg-query >/dev/null || fail "This script installs Debian packages, and this is no Debian system."
   for package in libsqlitecpp-dev libsqlite3-dev libfmt-dev nlohmann-json3-dev libcli11-dev libgtest-dev libbenchmark-dev \
-    qt6-base-dev qt6-svg-dev fonts-open-sans; do
+    qt6-base-dev qt6-svg-dev fonts-open-sans dpkg-dev; do
     [[ "$(dpkg-query -W -f '${db:Status-Status}' "$package" 2>/dev/null)" == installed ]] || missing+=("$package")
   done
   ((${#missing[@]})) || return 0
