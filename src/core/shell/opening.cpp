@@ -63,6 +63,22 @@ void OpenWorkingSets(Session& session) {
   session.RecordsetsOpen = true;
 }
 
+// A template that cannot be read must not keep a Database shut: it opens without its guides.
+void OpenTemplate(Session& session, const fs::path& path) {
+  session.templateDB.reset();
+  if (session.TemplateFile.empty()) return;
+  try {
+    session.templateDB = Database::Open(path, OpenMode::ReadOnly);
+  } catch (const Failure& failure) {
+    session.TemplateFile.clear();
+    session.prompt.Tell(
+        "Color Guides",
+        fmt::format("The template {} cannot be used: {}.\nThe Database {} is opened without its guides.",
+                    failure.subject, failure.cause, session.CurrentDatabase),
+        Icon::Exclamation);
+  }
+}
+
 std::unique_ptr<Database> OpenFile(Session& session) {
   auto file = Database::Open(session.DataFileName, session.ArchiveView ? OpenMode::ReadOnly : OpenMode::Exclusive);
   file->SetChanges(&session.changes);
@@ -157,6 +173,9 @@ void OpenDataFile(Session& session, OpeningWindows& windows) {
   session.CurrentDatabase = current != info.dbList.end() ? *current : info.dbList.front();
   OpenDatabase(session);
   if (!session.ArchiveView) windows.SuggestArchive(session);
+  // For the work files of conversions. Where it cannot be made, whoever writes into it says so.
+  std::error_code ignored;
+  fs::create_directories(session.ProgramFolder / "Converted", ignored);
 }
 
 void CloseDataFile(Session& session, OpeningWindows& windows) {
@@ -228,8 +247,7 @@ void OpenDatabase(Session& session) {
   session.TradeMark = hasTemplate ? info.tradeMark : "";
   session.TemplateFile = hasTemplate ? info.templateFile : "";
   OpenWorkingSets(session);
-  session.templateDB.reset();
-  if (!session.TemplateFile.empty()) session.templateDB = Database::Open(templatePath, OpenMode::ReadOnly);
+  OpenTemplate(session, templatePath);
 }
 
 Result<void> ChangeDatabase(Session& session, std::string_view name, bool remember) {

@@ -15,7 +15,7 @@
 #include <array>
 
 #include "core/session/users.h"
-#include "core/shell/opening.h"
+#include "desktop/datafile/change_database.h"
 #include "desktop/kit/icons.h"
 #include "desktop/kit/look.h"
 #include "desktop/kit/main_area.h"
@@ -27,9 +27,6 @@
 namespace vellumark::desktop {
 namespace {
 
-// They stay open when another Database is chosen.
-const std::vector<std::string> kStayAcrossDatabases{"OtherDatabasesForm", "FindMix",   "FindJob",
-                                                    "FindBesign",         "FindBatch", "FindBasic"};
 // The small windows that the toolbar opens.
 constexpr std::array<std::string_view, 5> kToolbarMenus{"ColorsMenu", "LabelMenu", "FindMenu", "DBToolsMenu",
                                                         "JobMenu"};
@@ -254,20 +251,8 @@ void MainForm::CloseToolbarMenus() {
 // ---- Databases
 
 void MainForm::ChooseDatabase(const QString& name) {
-  if (U8(name) == session_.CurrentDatabase) return;
-  Window* active = windows_.ActiveForm();
-  const std::string activeName = active == nullptr ? "" : active->Name();
-  if (windows_.CloseChildWindows(kStayAcrossDatabases)) {
-    const auto changed = vellumark::ChangeDatabase(session_, U8(name));
-    if (!changed) session_.prompt.Tell(changed.error().title, changed.error().text, Icon::Exclamation);
-  }
+  ChangeDatabaseOnScreen(windows_, U8(name));
   EnableMenuItems();
-  if (Window* again = windows_.Form(activeName); again != nullptr) {
-    windows_.OpenForm(activeName);
-  } else {
-    activateWindow();
-    setFocus();
-  }
 }
 
 void MainForm::ShowDatabases() {

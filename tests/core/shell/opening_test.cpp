@@ -347,6 +347,22 @@ TEST(Opening, WithoutAUsableTemplateTheFirstDatabaseIsEmptyAndTheOperatorIsTold)
   }
 }
 
+TEST(Opening, ADamagedTemplateOpensTheDatabaseWithoutItsGuides) {
+  Start start;
+  PrepareSupportFiles(start.session, start.options.folders);
+  const fs::path path = start.folder / "Guides.vkd";
+  start.MakeFile(path);
+  Database::Open(path, OpenMode::Exclusive)->Execute("UPDATE INK_Info SET TemplateFile = 'pdbt.vkt', Disclaimer = 'D'");
+  fs::create_directories(start.options.folders.program);
+  ReplaceFile(start.options.folders.program / "pdbt.vkt", "no template");
+  start.session.DataFileName = path.string();
+  start.prompt.Expect("Color Guides");
+  OpenDataFile(start.session, start.windows);
+  EXPECT_TRUE(start.session.RecordsetsOpen);
+  EXPECT_EQ(start.session.TemplateFile, "");
+  EXPECT_TRUE(fs::is_directory(start.options.folders.program / "Converted"));
+}
+
 TEST(Opening, AFailedOpenLeavesTheStateAsItWas) {
   Start start;
   PrepareSupportFiles(start.session, start.options.folders);
