@@ -7,6 +7,7 @@
 #include "core/base/number.h"
 #include "core/base/progress_run.h"
 #include "core/base/text.h"
+#include "core/colors/formula_tools.h"
 #include "core/colors/names.h"
 #include "core/datafile/writer.h"
 
@@ -24,8 +25,8 @@ struct NewRecipe {
   std::string setName;
 };
 
-// Walks the formulas, shows the progress and writes what `change` makes of each.
-void RewriteFormulas(const Session& session, ProgressRun& progress, Transaction& transaction,
+// Walks the formulas, shows the progress and writes what `change` makes of each. False when the operator stopped it.
+bool RewriteFormulas(const Session& session, ProgressRun& progress, Transaction& transaction,
                      const std::vector<std::int64_t>& rows, const std::function<NewRecipe(const MixColor&)>& change) {
   RecipeWriter writer(session);
   std::size_t done = 0;
@@ -36,7 +37,9 @@ void RewriteFormulas(const Session& session, ProgressRun& progress, Transaction&
       transaction.Note({Change::Kind::Mix, session.CurrentDatabase, mix->Color_Name, Change::What::Updated, ""});
     }
     progress.Step(++done, rows.size());
+    if (session.progress.Cancelled()) return false;
   }
+  return true;
 }
 
 // The ingredients of a formula have changed, so have its figures.
@@ -112,10 +115,11 @@ Result<AdditiveSet> EditAdditiveSet(Session& session, std::string_view setName, 
   ProgressRun progress(session.progress, "Updating Add Set / Updating formulas");
   Transaction transaction(session.File());
   UpdateRow(session.File(), schema::Additives, session.Table(schema::Additives), set->rowId, AdditiveSetCells(*set));
-  RewriteFormulas(session, progress, transaction, users, [&](const MixColor& mix) {
+  const bool whole = RewriteFormulas(session, progress, transaction, users, [&](const MixColor& mix) {
     const AppliedSet result = WithSetApplied(mix.Ingredients(), present->rows, set->rows);
     return NewRecipe{result.recipe, result.applied ? set->SetName : std::string()};
   });
+  if (!whole) return BulkSteps::Stopped("Additive Set Modification");
   transaction.Note({Change::Kind::AdditiveSet, session.CurrentDatabase, set->SetName, Change::What::Updated, ""});
   transaction.Commit();
   if (!users.empty()) MarkRollUpsStale(session);
@@ -170,9 +174,10 @@ Result<bool> DeleteAdditiveSet(Session& session, std::string_view setName) {
 
   ProgressRun progress(session.progress, "Deleting Add Set / Updating formulas");
   Transaction transaction(session.File());
-  RewriteFormulas(session, progress, transaction, users, [&](const MixColor& mix) {
+  const bool whole = RewriteFormulas(session, progress, transaction, users, [&](const MixColor& mix) {
     return NewRecipe{WithSetRemoved(mix.Ingredients(), set->rows), {}};
   });
+  if (!whole) return BulkSteps::Stopped("Additive Set Modification");
   session.File()
       .Prepare("DELETE FROM " + Quoted(session.Table(schema::Additives)) + " WHERE rowid = ?")
       .Bind(1, set->rowId)
@@ -222,13 +227,14 @@ Result<bool> ApplyAdditiveSet(Session& session, std::string_view setName, SetMet
   {
     ProgressRun progress(session.progress, "Modifing Formulas ...");
     Transaction transaction(session.File());
-    RewriteFormulas(session, progress, transaction, rows, [&](const MixColor& mix) {
+    const bool whole = RewriteFormulas(session, progress, transaction, rows, [&](const MixColor& mix) {
       const auto present = ReadAdditiveSet(session, mix.AddSetName);
       const Recipe presentRows = present ? present->rows : Recipe{};
       if (method == SetMethod::Remove) return NewRecipe{WithSetRemoved(mix.Ingredients(), presentRows), {}};
       const AppliedSet result = WithSetApplied(mix.Ingredients(), presentRows, set->rows);
       return NewRecipe{result.recipe, result.applied ? set->SetName : std::string()};
     });
+    if (!whole) return BulkSteps::Stopped("Additive Set Modification");
     transaction.Commit();
   }
   MarkRollUpsStale(session);

@@ -9,7 +9,8 @@
 
 namespace vellumark {
 
-// Additive Sets and the formulas that use them, managed in bulk. Every procedure is one transaction.
+// Additive Sets and the formulas that use them, managed in bulk. Every procedure is one transaction; one that the
+// operator stops is refused and changes nothing.
 
 /// A recipe with a set applied: the rows of its present set go, the rest share what the new set leaves of 100. When
 /// rest and set are more than 14 lines, or nothing but the set would remain, the set is not applied and the rest is

@@ -65,6 +65,20 @@ bool CanRevertToGuide(const Session& session, std::string_view name) {
          std::ranges::all_of(*published, [&](const Ingredient& line) { return BasicColorExists(session, line.name); });
 }
 
+Result<FormulaComparison> CompareFormula(const Session& session, std::string_view name) {
+  const auto mix = ReadMix(session, name);
+  if (!mix) return Refuse("Color Not Found", fmt::format("{} is not found in this database.", name), "Color_Name");
+  const auto published = ReadTemplateRecipe(session, mix->Color_Name);
+  if (!published)
+    return Refuse("Modified Formula", fmt::format("The guides of this database have no formula {}.", mix->Color_Name));
+  return FormulaComparison{mix->Color_Name,
+                           *published,
+                           mix->Ingredients(),
+                           mix->Date_Entered,
+                           IsFormulaModified(session, mix->Color_Name),
+                           CanRevertToGuide(session, mix->Color_Name)};
+}
+
 Result<bool> RevertToGuide(Session& session, FormulaWork& work) {
   if (auto writable = RequireWritable(session); !writable) return std::unexpected(writable.error());
   const auto published = ReadTemplateRecipe(session, work.Color_Name);

@@ -13,6 +13,18 @@ std::optional<Recipe> ReadTemplateRecipe(const Session& session, std::string_vie
 /// True when a formula of a guide differs from what was published: another ingredient, or another amount.
 bool IsFormulaModified(const Session& session, std::string_view name);
 
+/// A formula beside what was published, each with its lines as they stand.
+struct FormulaComparison {
+  std::string Color_Name;
+  Recipe original;
+  Recipe modified;
+  std::optional<DateTime> Date_Entered;
+  bool isModified = false;
+  bool canRevert = false;
+};
+/// Refused for a formula that is not there or that the guides do not have.
+Result<FormulaComparison> CompareFormula(const Session& session, std::string_view name);
+
 /// True when every published ingredient of the formula is still in the Database.
 bool CanRevertToGuide(const Session& session, std::string_view name);
 

@@ -73,7 +73,8 @@ NewRecipe RenamedRecipe(const Session& session, const MixColor& mix, std::string
   return {MergeIngredients(recipe, oldName, newName), mix.AddSetName};
 }
 
-void RenameInFormulas(Session& session, ProgressRun& progress, Transaction& transaction, std::string_view oldName,
+// `progress` is null where the rename is a step of longer work.
+void RenameInFormulas(Session& session, ProgressRun* progress, Transaction& transaction, std::string_view oldName,
                       std::string_view newName) {
   const std::vector<std::int64_t> users = FormulaRowsUsing(session, oldName);
   RecipeWriter writer(session);
@@ -84,7 +85,7 @@ void RenameInFormulas(Session& session, ProgressRun& progress, Transaction& tran
       writer.Set(renamed.recipe, renamed.setName).Update(mix->rowId);
       transaction.Note({Change::Kind::Mix, session.CurrentDatabase, mix->Color_Name, Change::What::Updated, ""});
     }
-    progress.Step(++done, users.size());
+    if (progress != nullptr) progress->Step(++done, users.size());
   }
 }
 
@@ -108,25 +109,41 @@ void GiveUpBasic(Session& session, const BasicColor& color) {
       .Run();
 }
 
-void RenameBasicEverywhere(Session& session, const BasicColor& color, const std::string& newName, bool merge) {
+void RenameBasicEverywhere(Session& session, ProgressRun* progress, Transaction& transaction, const BasicColor& color,
+                           const std::string& newName) {
+  RenameInFormulas(session, progress, transaction, color.Color_Name, newName);
+  MergeInAdditiveSets(session, color.Color_Name, newName);
+  RenameReferences(session.File(), session.CurrentDatabase, ColorKind::Basic, color.Color_Name, newName);
+  transaction.Note({Change::Kind::Basic, session.CurrentDatabase, color.Color_Name, Change::What::Renamed, newName});
+}
+
+void WriteBasicName(Session& session, const BasicColor& color, const std::string& newName) {
+  UpdateRow(session.File(), schema::Basic, session.Table(schema::Basic), color.rowId,
+            NameCells(newName, BookDataOfBasic(session, newName)));
+}
+
+void RenameOrMergeBasic(Session& session, const BasicColor& color, const std::string& newName, bool merge) {
   ProgressRun progress(session.progress, merge ? "Merging colors ..." : "Renaming color ...");
   Transaction transaction(session.File());
   if (merge) {
     GiveUpBasic(session, color);
   } else {
-    UpdateRow(session.File(), schema::Basic, session.Table(schema::Basic), color.rowId,
-              NameCells(newName, BookDataOfBasic(session, newName)));
+    WriteBasicName(session, color, newName);
   }
-  RenameInFormulas(session, progress, transaction, color.Color_Name, newName);
-  MergeInAdditiveSets(session, color.Color_Name, newName);
-  RenameReferences(session.File(), session.CurrentDatabase, ColorKind::Basic, color.Color_Name, newName);
-  transaction.Note({Change::Kind::Basic, session.CurrentDatabase, color.Color_Name, Change::What::Renamed, newName});
+  RenameBasicEverywhere(session, &progress, transaction, color, newName);
   transaction.Commit();
   if (!merge) return;
   // Formulas now count the surviving colour's figures.
   session.CostChanged = true;
   session.VOCChanged = true;
   session.HAPChanged = true;
+}
+
+void RenameMixEverywhere(Session& session, Transaction& transaction, const MixColor& mix, const std::string& newName) {
+  UpdateRow(session.File(), schema::Mix, session.Table(schema::Mix), mix.rowId,
+            NameCells(newName, BookDataOfMix(session, newName)));
+  RenameReferences(session.File(), session.CurrentDatabase, ColorKind::Mix, mix.Color_Name, newName);
+  transaction.Note({Change::Kind::Mix, session.CurrentDatabase, mix.Color_Name, Change::What::Renamed, newName});
 }
 
 }  // namespace
@@ -152,7 +169,7 @@ Result<Renamed> RenameBasic(Session& session, std::string_view oldName, std::str
                            "A color can not be renamed with the word PANTONE unless\nit is used as a ingredient in a "
                            "Pantone Color Guide.\n\nPlease choose another name.");
   }
-  RenameBasicEverywhere(session, *color, name, survivor.has_value());
+  RenameOrMergeBasic(session, *color, name, survivor.has_value());
   return Renamed{true, survivor.has_value(), name};
 }
 
@@ -186,12 +203,23 @@ Result<Renamed> RenameColor(Session& session, std::string_view oldName, std::str
 
   ProgressRun progress(session.progress, "Renaming color ...");
   Transaction transaction(session.File());
-  UpdateRow(session.File(), schema::Mix, session.Table(schema::Mix), mix->rowId,
-            NameCells(name, BookDataOfMix(session, name)));
-  RenameReferences(session.File(), session.CurrentDatabase, ColorKind::Mix, mix->Color_Name, name);
-  transaction.Note({Change::Kind::Mix, session.CurrentDatabase, mix->Color_Name, Change::What::Renamed, name});
+  RenameMixEverywhere(session, transaction, *mix, name);
   transaction.Commit();
   return Renamed{true, false, name};
+}
+
+void RenameChecked(Session& session, Transaction& transaction, ColorKind kind, const std::string& oldName,
+                   const std::string& newName) {
+  if (kind == ColorKind::Mix) {
+    const auto mix = ReadMix(session, oldName);
+    if (!mix) throw Failure(oldName, "is no longer in this database");
+    RenameMixEverywhere(session, transaction, *mix, newName);
+    return;
+  }
+  const auto color = ReadBasic(session, oldName);
+  if (!color) throw Failure(oldName, "is no longer in this database");
+  WriteBasicName(session, *color, newName);
+  RenameBasicEverywhere(session, nullptr, transaction, *color, newName);
 }
 
 }  // namespace vellumark

@@ -3,6 +3,8 @@
 #include <string>
 #include <string_view>
 
+#include "core/datafile/color_kind.h"
+#include "core/datafile/engine.h"
 #include "core/session/session.h"
 
 namespace vellumark {
@@ -21,5 +23,9 @@ Result<Renamed> RenameBasic(Session& session, std::string_view oldName, std::str
 
 /// Renames a Master Formula everywhere it is named, in one transaction. A name in use is refused, never merged.
 Result<Renamed> RenameColor(Session& session, std::string_view oldName, std::string_view typed);
+
+/// The writing of a rename alone, inside the caller's transaction: for a new name that is known to be valid and free.
+void RenameChecked(Session& session, Transaction& transaction, ColorKind kind, const std::string& oldName,
+                   const std::string& newName);
 
 }  // namespace vellumark

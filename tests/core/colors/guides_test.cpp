@@ -95,6 +95,15 @@ TEST(Guides, AFormulaAgainstThePublishedOne) {
     EXPECT_EQ(IsFormulaModified(room.session, "PANTONE 185"), c.modified) << c.parts.size();
   }
   EXPECT_FALSE(IsFormulaModified(room.session, "NOT THERE"));
+  room.Mix("HOUSE GREY", {{"PANTONE SILVER", 100.0F}});
+  EXPECT_EQ(CompareFormula(room.session, "HOUSE GREY").error().text,
+            "The guides of this database have no formula HOUSE GREY.");
+  EXPECT_EQ(CompareFormula(room.session, "NOT THERE").error().title, "Color Not Found");
+  const auto compared = CompareFormula(room.session, "pantone 185");
+  ASSERT_TRUE(compared);
+  EXPECT_EQ(compared->original, (Recipe{{"PANTONE RUBINE", 60}, {"PANTONE SILVER", 40}}));
+  EXPECT_EQ(compared->modified, ReadMix(room.session, "PANTONE 185")->Ingredients());
+  EXPECT_FALSE(compared->canRevert);
 
   FormulaWork work = LoadFormulaWork(room.session, *ReadMix(room.session, "PANTONE 185"));
   EXPECT_FALSE(CanRevertToGuide(room.session, "PANTONE 185"));

@@ -1,0 +1,43 @@
+#include "core/colors/formula_tools.h"
+
+#include <unordered_set>
+
+#include "core/base/text.h"
+#include "core/session/rights.h"
+
+namespace vellumark {
+
+Result<void> RequireTools(const Session& session) {
+  if (auto writable = RequireWritable(session); !writable) return writable;
+  return RequireCommandRight(session, CommandRight::DBTools);
+}
+
+std::vector<std::string> DistinctNames(const std::vector<std::string>& names) {
+  std::unordered_set<std::string> seen;
+  std::vector<std::string> distinct;
+  for (const std::string& name : names)
+    if (seen.insert(Upper(name)).second) distinct.push_back(name);
+  return distinct;
+}
+
+Result<std::vector<MixColor>> SelectedFormulas(const Session& session, const std::vector<std::string>& names,
+                                               std::string_view database) {
+  std::vector<MixColor> formulas;
+  for (const std::string& name : DistinctNames(names)) {
+    auto mix = ReadMix(session, name, database);
+    if (!mix) return Refuse("Color Not Found", name + " is not found in this database.", "Color_Name");
+    formulas.push_back(*std::move(mix));
+  }
+  return formulas;
+}
+
+bool BulkSteps::Next() {
+  run_.Step(++done_, all_);
+  return !session_.progress.Cancelled();
+}
+
+std::unexpected<Refusal> BulkSteps::Stopped(std::string title) {
+  return Refuse(std::move(title), "The work was cancelled. Nothing was changed.");
+}
+
+}  // namespace vellumark

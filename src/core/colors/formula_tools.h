@@ -1,0 +1,44 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "core/base/progress_run.h"
+#include "core/colors/formulas.h"
+#include "core/session/session.h"
+
+namespace vellumark {
+
+// What the bulk tools of a Database share: the right to use them, the rows that a selection names, and work that the
+// operator may stop. Each tool is one transaction: all of it or nothing.
+
+/// Refused in an archive view, and to a user without the right to the Database Tools.
+Result<void> RequireTools(const Session& session);
+
+/// Each name once, in the order given and in any case.
+std::vector<std::string> DistinctNames(const std::vector<std::string>& names);
+
+/// The formulas of a selection, each once. `database` empty means the current one. A name that is not there is refused.
+Result<std::vector<MixColor>> SelectedFormulas(const Session& session, const std::vector<std::string>& names,
+                                               std::string_view database = {});
+
+/// Steps of long work that can be stopped: shows how far it is, and whether the operator asked to end it. The caller
+/// then leaves its transaction without a commit and answers Stopped.
+class BulkSteps {
+ public:
+  BulkSteps(Session& session, std::string_view text, std::size_t all)
+      : session_(session), run_(session.progress, text), all_(all) {}
+  /// One more piece is done; false when the work is to stop.
+  bool Next();
+  static std::unexpected<Refusal> Stopped(std::string title);
+
+ private:
+  Session& session_;
+  ProgressRun run_;
+  std::size_t done_ = 0;
+  std::size_t all_;
+};
+
+}  // namespace vellumark
