@@ -267,7 +267,8 @@ std::vector<RecycleListRow> RecycleListRows(const BatchWork& work, const Recycle
   rows.reserve(shown.size());
   for (const std::size_t place : shown) {
     const RecycleColor& color = list[place];
-    rows.push_back({color.Color_Name, Fixed(static_cast<double>(color.Recycle_Percent) * 100, 2) + "%",
+    // Rounded while it is a share: a hundred times the Single would no longer be the decimal that a person sees.
+    rows.push_back({color.Color_Name, Fixed(RoundTo(color.Recycle_Percent, 4) * 100, 2) + "%",
                     Fixed(color.Inventory, 3), color.Recycle && color.Inventory > 0, place});
   }
   return rows;

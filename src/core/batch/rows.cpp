@@ -67,6 +67,12 @@ void GiveRoundoff(BatchWork& work, Sums& sums) {
   sums.all += RoundTo(work.Roundoff, 3);
 }
 
+// In whole thousandths, of which the quotient is exact where it falls on a half.
+std::string PercentText(double part, double whole) {
+  const double thousandths = std::round(whole * 1000);
+  return Fixed(thousandths > 0 ? std::round(part * 1000) * 100 / thousandths : 0.0, 2) + "%";
+}
+
 }  // namespace
 
 void ShowBatchRows(const Session& session, BatchWork& work) {
@@ -100,7 +106,7 @@ void ShowBatchRows(const Session& session, BatchWork& work) {
     row.zero = row.amount == "0.000";
     if (row.zero) ++work.zeroRows;
   }
-  work.PercentRecycled = Fixed(sums.all > 0 ? sums.recycled / sums.all * 100 : 0.0, 2) + "%";
+  work.PercentRecycled = PercentText(sums.recycled, sums.all);
 }
 
 }  // namespace vellumark

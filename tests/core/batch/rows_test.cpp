@@ -4,6 +4,7 @@
 
 #include "batch_room.h"
 #include "core/batch/adjust.h"
+#include "core/batch/recycle_list.h"
 
 namespace vellumark {
 namespace {
@@ -47,6 +48,21 @@ TEST(Rows, MaximumIsCutNotRounded) {
   room.Ink("VIOLET", {{"RED", 50}, {"BLUE", 50}}, 0.5F);
   room.Recycled("TARGET", "1");
   EXPECT_EQ(room.work.Rows[0].amountHint, "0.500 (Max Amount = 0.666lb.)");  // .66666
+}
+
+// A half of the last decimal goes up, whatever the numbers look like in binary.
+TEST(Rows, PercentagesRoundAsTheyReadOnPaper) {
+  test::BatchRoom room;
+  room.Basics({"RED", "BLUE"});
+  room.Mix("TARGET", {{"RED", 66.665F}, {"BLUE", 33.335F}});
+  room.Ink("RED INK", {{"RED", 100}}, 0.115F);
+  room.Ink("BLUE INK", {{"BLUE", 100}}, 0, {{"Recycle", false}});
+  room.Mixed("TARGET", "100");
+  std::vector<std::string> shares;
+  for (const RecycleListRow& row : RecycleListRows(room.work, {})) shares.push_back(row.Color_Name + " " + row.recycle);
+  EXPECT_EQ(shares, (std::vector<std::string>{"TARGET 100.00%", "RED INK 66.67%", "BLUE INK 33.34%"}));
+  room.Recycled("TARGET", "100");
+  EXPECT_EQ(room.work.PercentRecycled, "0.12%");  // .115
 }
 
 TEST(Rows, OrderBySetting) {
