@@ -9,6 +9,7 @@
 #include "core/colors/amounts.h"
 #include "core/colors/duplicate.h"
 #include "core/colors/formula_work.h"
+#include "core/colors/guide_formulas.h"
 #include "core/colors/names.h"
 #include "core/colors/rename.h"
 #include "core/colors/rollup.h"
@@ -250,6 +251,46 @@ Result<Json> Duplicate(Context& context, const FormulaOptions& options, const st
   return MixJson(session, *duplicate);
 }
 
+Json RecipeJson(const Recipe& recipe) {
+  Json lines = Json::array();
+  for (const Ingredient& line : recipe)
+    lines.push_back({{"Name", line.name}, {"Amount", Number(static_cast<float>(line.amount))}});
+  return lines;
+}
+
+Result<Json> Compare(Context& context, const std::string& typed) {
+  const auto mix = Named(context.session, typed);
+  if (!mix) return std::unexpected(mix.error());
+  const auto compared = CompareFormula(context.session, mix->Color_Name);
+  if (!compared) return std::unexpected(compared.error());
+  if (!context.json) {
+    const auto table = [](const std::string& heading, const Recipe& recipe) {
+      std::vector<std::vector<std::string>> rows;
+      for (const Ingredient& line : recipe) rows.push_back({line.name, Fixed(line.amount, 3)});
+      return TableText({heading, "Parts"}, rows, {false, true});
+    };
+    context.text = table("Original " + compared->Color_Name, compared->original) + "\n" +
+                   table("Modified " + compared->Color_Name, compared->modified) + "\n" +
+                   (compared->isModified ? "Modified Formula\n" : "As it was published\n");
+  }
+  return Json{{"Color_Name", compared->Color_Name},
+              {"Modified", compared->isModified},
+              {"CanRevert", compared->canRevert},
+              {"Date_Entered", DateJson(compared->Date_Entered)},
+              {"OriginalRows", RecipeJson(compared->original)},
+              {"ModifiedRows", RecipeJson(compared->modified)}};
+}
+
+Result<Json> Revert(Context& context, const std::string& typed) {
+  const auto mix = Named(context.session, typed);
+  if (!mix) return std::unexpected(mix.error());
+  FormulaWork work = LoadFormulaWork(context.session, *mix);
+  const auto reverted = RevertToGuide(context.session, work);
+  if (!reverted) return std::unexpected(reverted.error());
+  if (!*reverted) return Declined("Revert Back To Original Formula?", mix->Color_Name);
+  return Answer(context, work.Color_Name);
+}
+
 // Other processes may have changed colours, so every roll-up counts as pending here.
 Result<Json> Passes(Context& context) {
   RunPasses(context.session, {true, true, true});
@@ -301,11 +342,22 @@ void AddWritingVerbs(CLI::App* noun, Commands& commands) {
   });
 }
 
+void AddGuideVerbs(CLI::App* noun, Commands& commands) {
+  const auto name = std::make_shared<std::string>();
+  auto* compare = noun->add_subcommand("compare", "One beside the recipe that its guide publishes");
+  auto* revert = noun->add_subcommand("revert", "Put one back to the recipe that its guide publishes");
+  for (CLI::App* verb : {compare, revert})
+    verb->add_option("NAME", *name, "Its name, or its number in the guide")->required();
+  commands.Add(compare, Needs::File, [name](Context& context) { return Compare(context, *name); });
+  commands.Add(revert, Needs::Writable, [name](Context& context) { return Revert(context, *name); });
+}
+
 }  // namespace
 
 void AddFormulaCommands(CLI::App& app, Commands& commands) {
-  CLI::App* noun = AddNoun(app, "formula",
-                           "Master Formulas: list, show, add, edit, rename, delete, duplicate, import, export, passes");
+  CLI::App* noun = AddNoun(
+      app, "formula",
+      "Master Formulas: list, show, add, edit, rename, delete, duplicate, compare, revert, import, export, passes");
   auto* list = noun->add_subcommand("list", "All, in the order of their names");
   const auto ingredient = std::make_shared<std::string>();
   list->add_option("--using", *ingredient, "Only those with this ingredient");
@@ -321,6 +373,7 @@ void AddFormulaCommands(CLI::App& app, Commands& commands) {
   });
 
   AddWritingVerbs(noun, commands);
+  AddGuideVerbs(noun, commands);
   AddFormulaExchangeCommands(*noun, commands);
   commands.Add(noun->add_subcommand("passes", "Bring the rolled-up cost, VOC and HAP of all formulas up to date"),
                Needs::Writable, Passes);

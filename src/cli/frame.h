@@ -75,6 +75,9 @@ void AddColorCommands(CLI::App& app, Commands& commands);
 void AddFormulaCommands(CLI::App& app, Commands& commands);
 /// The verbs `import` and `export` of the noun `formula`.
 void AddFormulaExchangeCommands(CLI::App& formulaNoun, Commands& commands);
+void AddAdditiveSetCommands(CLI::App& app, Commands& commands);
+/// The bulk tools of a Database.
+void AddToolsCommands(CLI::App& app, Commands& commands);
 void AddStockCommands(CLI::App& app, Commands& commands);
 void AddBatchCommands(CLI::App& app, Commands& commands);
 void AddUsersCommands(CLI::App& app, Commands& commands);

@@ -177,6 +177,8 @@ int Main(int argc, char** argv) {
   AddTemplateCommands(app, commands);
   AddColorCommands(app, commands);
   AddFormulaCommands(app, commands);
+  AddAdditiveSetCommands(app, commands);
+  AddToolsCommands(app, commands);
   AddStockCommands(app, commands);
   AddBatchCommands(app, commands);
   AddUsersCommands(app, commands);
