@@ -28,10 +28,11 @@ struct NewRecipe {
 // Walks the formulas, shows the progress and writes what `change` makes of each. False when the operator stopped it.
 bool RewriteFormulas(const Session& session, ProgressRun& progress, Transaction& transaction,
                      const std::vector<std::int64_t>& rows, const std::function<NewRecipe(const MixColor&)>& change) {
+  RecipeReader reader(session);
   RecipeWriter writer(session);
   std::size_t done = 0;
   for (const std::int64_t row : rows) {
-    if (const auto mix = ReadMixRow(session, row)) {
+    if (const auto mix = reader.ReadRow(row)) {
       const NewRecipe rewritten = change(*mix);
       writer.Set(rewritten.recipe, rewritten.setName).Update(row);
       transaction.Note({Change::Kind::Mix, session.CurrentDatabase, mix->Color_Name, Change::What::Updated, ""});
@@ -195,8 +196,9 @@ Result<std::vector<SetPreviewRow>> PreviewAdditiveSet(Session& session, std::str
   if (!set) return std::unexpected(UnknownSet(setName));
   ProgressRun progress(session.progress, "Generating Preview Results ...");
   std::vector<SetPreviewRow> rows;
+  RecipeReader reader(session);
   for (const std::string& color : colors) {
-    if (const auto mix = ReadMix(session, color)) {
+    if (const auto mix = reader.Read(color)) {
       rows.push_back(method == SetMethod::Remove        ? JudgeRemove(*mix, *set)
                      : method == SetMethod::AddByFilter ? JudgeFiltered(*mix, *set, filter)
                                                         : JudgeAdd(*mix, *set));
@@ -212,8 +214,9 @@ Result<bool> ApplyAdditiveSet(Session& session, std::string_view setName, SetMet
   if (!set) return std::unexpected(UnknownSet(setName));
   if (colors.empty()) return Refuse("Select Master Formulas", "No Colors Selected - Step 2.");
   std::vector<std::int64_t> rows;
+  RecipeReader reader(session);
   for (const std::string& color : colors) {
-    const auto mix = ReadMix(session, color);
+    const auto mix = reader.Read(color);
     if (!mix) return Refuse("Color Not Found", color + " is not found in this database.", "Color_Name");
     const SetPreviewRow row = method == SetMethod::Remove ? JudgeRemove(*mix, *set) : JudgeAdd(*mix, *set);
     if (!row.modable) return Refuse("Additive Set Modification", fmt::format("{}: {}", row.color, row.info));
@@ -227,9 +230,10 @@ Result<bool> ApplyAdditiveSet(Session& session, std::string_view setName, SetMet
   {
     ProgressRun progress(session.progress, "Modifing Formulas ...");
     Transaction transaction(session.File());
+    AdditiveSetsOnFile sets(session);
     const bool whole = RewriteFormulas(session, progress, transaction, rows, [&](const MixColor& mix) {
-      const auto present = ReadAdditiveSet(session, mix.AddSetName);
-      const Recipe presentRows = present ? present->rows : Recipe{};
+      const AdditiveSet* present = sets.Find(mix.AddSetName);
+      const Recipe presentRows = present == nullptr ? Recipe{} : present->rows;
       if (method == SetMethod::Remove) return NewRecipe{WithSetRemoved(mix.Ingredients(), presentRows), {}};
       const AppliedSet result = WithSetApplied(mix.Ingredients(), presentRows, set->rows);
       return NewRecipe{result.recipe, result.applied ? set->SetName : std::string()};

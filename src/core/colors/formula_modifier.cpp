@@ -4,7 +4,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <map>
 
 #include "core/base/number.h"
 #include "core/base/text.h"
@@ -74,6 +73,23 @@ void ScaleBesideSet(Slots& slots, std::int64_t setTotal) {
   if (Total(slots) + setTotal != kHundred) CorrectResidue(slots);
 }
 
+Recipe Modified(const Recipe& present, const AdditiveSet* set, const std::vector<FormulaModification>& lines) {
+  Slots slots;
+  for (const Ingredient& line : present) slots.push_back({line.name, Thousandths(line.amount)});
+  for (const FormulaModification& line : lines) ApplyLine(slots, line);
+  std::erase_if(slots, [](const Slot& slot) { return slot.amount == 0; });
+  std::int64_t setTotal = 0;
+  if (set != nullptr) {
+    std::erase_if(slots, [&](const Slot& slot) { return HoldsIngredient(set->rows, slot.name); });
+    for (const Ingredient& row : set->rows) setTotal += Thousandths(row.amount);
+  }
+  ScaleBesideSet(slots, setTotal);
+  Recipe recipe;
+  for (const Slot& slot : slots) recipe.push_back({slot.name, static_cast<double>(slot.amount) / 1000});
+  if (set != nullptr) recipe.insert(recipe.end(), set->rows.begin(), set->rows.end());
+  return recipe;
+}
+
 // What the judgement of one formula carries from line to line.
 struct Judgement {
   const Recipe& held;
@@ -127,28 +143,13 @@ Result<std::vector<FormulaModification>> ReadLines(const std::vector<ModifierLin
   return chosen;
 }
 
-// Most formulas of a Database share a few sets.
-class SetsOnFile {
- public:
-  explicit SetsOnFile(const Session& session) : session_(session) {}
-  const AdditiveSet* Find(const std::string& name) {
-    if (name.empty()) return nullptr;
-    const auto [known, isNew] = sets_.try_emplace(Upper(name));
-    if (isNew) known->second = ReadAdditiveSet(session_, name);
-    return known->second ? &*known->second : nullptr;
-  }
-
- private:
-  const Session& session_;
-  std::map<std::string, std::optional<AdditiveSet>> sets_;
-};
-
-Result<std::vector<std::int64_t>> RowsToModify(const Session& session, SetsOnFile& sets,
+Result<std::vector<std::int64_t>> RowsToModify(const Session& session, AdditiveSetsOnFile& sets,
                                                const std::vector<FormulaModification>& lines,
                                                const std::vector<std::string>& colors) {
   std::vector<std::int64_t> rows;
+  RecipeReader reader(session);
   for (const std::string& color : DistinctNames(colors)) {
-    const auto mix = ReadMix(session, color);
+    const auto mix = reader.Read(color);
     if (!mix) return Refuse("Color Not Found", color + " is not found in this database.", "Color_Name");
     const ModifierPreviewRow row = JudgeModification(*mix, sets.Find(mix->AddSetName), lines);
     if (!row.modable) {
@@ -206,20 +207,7 @@ Result<std::vector<FormulaModification>> CheckModifierLines(const Session& sessi
 }
 
 Recipe ModifiedRecipe(const MixColor& mix, const AdditiveSet* set, const std::vector<FormulaModification>& lines) {
-  Slots slots;
-  for (const Ingredient& line : mix.Ingredients()) slots.push_back({line.name, Thousandths(line.amount)});
-  for (const FormulaModification& line : lines) ApplyLine(slots, line);
-  std::erase_if(slots, [](const Slot& slot) { return slot.amount == 0; });
-  std::int64_t setTotal = 0;
-  if (set != nullptr) {
-    std::erase_if(slots, [&](const Slot& slot) { return HoldsIngredient(set->rows, slot.name); });
-    for (const Ingredient& row : set->rows) setTotal += Thousandths(row.amount);
-  }
-  ScaleBesideSet(slots, setTotal);
-  Recipe recipe;
-  for (const Slot& slot : slots) recipe.push_back({slot.name, RoundTo(static_cast<double>(slot.amount) / 1000, 3)});
-  if (set != nullptr) recipe.insert(recipe.end(), set->rows.begin(), set->rows.end());
-  return recipe;
+  return Modified(mix.Ingredients(), set, lines);
 }
 
 ModifierPreviewRow JudgeModification(const MixColor& mix, const AdditiveSet* set,
@@ -233,7 +221,7 @@ ModifierPreviewRow JudgeModification(const MixColor& mix, const AdditiveSet* set
   for (const FormulaModification& line : lines)
     if (std::string reason = JudgeLine(judgement, line); !reason.empty()) row.reasons.push_back(std::move(reason));
   if (!judgement.passes) return row;
-  Recipe modified = ModifiedRecipe(mix, set, lines);
+  Recipe modified = Modified(row.present, set, lines);
   // Neither a formula that rounding leaves empty nor one whose set no longer fits can be stored.
   if (modified.empty() || TotalOf(modified) <= 0) {
     row.reasons.emplace_back(kReducesToOne);
@@ -254,11 +242,12 @@ Result<std::vector<ModifierPreviewRow>> PreviewModifier(Session& session, const 
   const auto chosen = CheckModifierLines(session, lines, colors);
   if (!chosen) return std::unexpected(chosen.error());
   const std::vector<std::string> names = DistinctNames(colors);
-  SetsOnFile sets(session);
+  AdditiveSetsOnFile sets(session);
   BulkSteps steps(session, "Preparing Preview Results ...", names.size());
   std::vector<ModifierPreviewRow> rows;
+  RecipeReader reader(session);
   for (const std::string& name : names) {
-    const auto mix = ReadMix(session, name);
+    const auto mix = reader.Read(name);
     if (!mix) return Refuse("Color Not Found", name + " is not found in this database.", "Color_Name");
     rows.push_back(JudgeModification(*mix, sets.Find(mix->AddSetName), *chosen));
     if (!steps.Next()) return BulkSteps::Stopped(std::string(kTitle));
@@ -271,7 +260,7 @@ Result<bool> ApplyModifier(Session& session, const std::vector<ModifierLine>& li
   if (auto allowed = RequireTools(session); !allowed) return std::unexpected(allowed.error());
   const auto chosen = CheckModifierLines(session, lines, colors);
   if (!chosen) return std::unexpected(chosen.error());
-  SetsOnFile sets(session);
+  AdditiveSetsOnFile sets(session);
   const auto rows = RowsToModify(session, sets, *chosen, colors);
   if (!rows) return std::unexpected(rows.error());
   const Message question{std::string(kTitle),
@@ -286,8 +275,9 @@ Result<bool> ApplyModifier(Session& session, const std::vector<ModifierLine>& li
     Transaction transaction(session.File());
     RecipeWriter writer(session, {}, {"LastModified"});
     writer.SetMore(0, session.clock.Now());
+    RecipeReader reader(session);
     for (const std::int64_t row : *rows) {
-      const auto mix = ReadMixRow(session, row);
+      const auto mix = reader.ReadRow(row);
       if (!mix) throw Failure(session.CurrentDatabase, "a formula to modify is no longer there");
       writer.Set(ModifiedRecipe(*mix, sets.Find(mix->AddSetName), *chosen), mix->AddSetName).Update(row);
       transaction.Note({Change::Kind::Mix, session.CurrentDatabase, mix->Color_Name, Change::What::Updated, ""});

@@ -31,6 +31,13 @@ Result<std::vector<MixColor>> SelectedFormulas(const Session& session, const std
   return formulas;
 }
 
+const AdditiveSet* AdditiveSetsOnFile::Find(const std::string& name) {
+  if (name.empty()) return nullptr;
+  const auto [known, isNew] = sets_.try_emplace(Upper(name));
+  if (isNew) known->second = ReadAdditiveSet(session_, name);
+  return known->second ? &*known->second : nullptr;
+}
+
 bool BulkSteps::Next() {
   run_.Step(++done_, all_);
   return !session_.progress.Cancelled();

@@ -1,11 +1,13 @@
 #pragma once
 
-#include <cstdint>
+#include <map>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "core/base/progress_run.h"
+#include "core/colors/additive_sets.h"
 #include "core/colors/formulas.h"
 #include "core/session/session.h"
 
@@ -23,6 +25,18 @@ std::vector<std::string> DistinctNames(const std::vector<std::string>& names);
 /// The formulas of a selection, each once. `database` empty means the current one. A name that is not there is refused.
 Result<std::vector<MixColor>> SelectedFormulas(const Session& session, const std::vector<std::string>& names,
                                                std::string_view database = {});
+
+/// The Additive Sets by name, each read once: most formulas of a Database share a few.
+class AdditiveSetsOnFile {
+ public:
+  explicit AdditiveSetsOnFile(const Session& session) : session_(session) {}
+  /// Null for an empty name and for a set that is not on file. Valid as long as this object.
+  const AdditiveSet* Find(const std::string& name);
+
+ private:
+  const Session& session_;
+  std::map<std::string, std::optional<AdditiveSet>> sets_;
+};
 
 /// Steps of long work that can be stopped: shows how far it is, and whether the operator asked to end it. The caller
 /// then leaves its transaction without a commit and answers Stopped.

@@ -80,6 +80,12 @@ std::vector<std::int64_t> RowNumbers(Statement row) {
   return numbers;
 }
 
+std::string RecipeQuery(const Session& session, std::string_view condition) {
+  std::string columns = "rowid, Color_Name, AddSetName";
+  for (int n = 0; n < kSlots; ++n) columns += fmt::format(", BC{0}, BQ{0}", n);
+  return fmt::format("SELECT {} FROM {} WHERE {}", columns, TableText(session), condition);
+}
+
 std::vector<std::string> WriterFields(const std::vector<std::string>& more) {
   std::vector<std::string> fields;
   for (int n = 0; n < kSlots; ++n) fields.push_back(schema::Numbered("BC", n));
@@ -210,6 +216,36 @@ RolledUp RollUpRecipe(const Session& session, const Recipe& recipe, std::string_
     row.Reset();
   }
   return {RoundSingle(cost, session.DecimalPlaces), RoundSingle(voc, 3), RoundSingle(hap, 3)};
+}
+
+RecipeReader::RecipeReader(const Session& session)
+    : byName_(session.File().Prepare(RecipeQuery(session, "Color_Name = ? ORDER BY rowid LIMIT 1"))),
+      byRow_(session.File().Prepare(RecipeQuery(session, "rowid = ?"))) {}
+
+std::optional<MixColor> RecipeReader::Take(Statement& row) {
+  std::optional<MixColor> mix;
+  if (row.Step()) {
+    mix.emplace();
+    mix->rowId = row.Whole(0);
+    mix->Color_Name = row.Text(1);
+    mix->AddSetName = row.Text(2);
+    for (int n = 0; n < kSlots; ++n) {
+      const std::string_view name = row.TextView(3 + 2 * n);
+      if (name.empty()) break;
+      mix->BC[static_cast<std::size_t>(n)] = name;
+      mix->BQ[static_cast<std::size_t>(n)] = row.Single(4 + 2 * n);
+    }
+  }
+  row.Reset();
+  return mix;
+}
+
+std::optional<MixColor> RecipeReader::Read(std::string_view name) {
+  return Take(byName_.Bind(1, name));
+}
+
+std::optional<MixColor> RecipeReader::ReadRow(std::int64_t rowId) {
+  return Take(byRow_.Bind(1, rowId));
 }
 
 RecipeWriter::RecipeWriter(const Session& session, std::string_view database, const std::vector<std::string>& more)

@@ -82,6 +82,21 @@ struct RolledUp {
 /// Figures of parts of 100 against a Database's Basic Colors; an ingredient without a row adds nothing.
 RolledUp RollUpRecipe(const Session& session, const Recipe& recipe, std::string_view database = {});
 
+/// Reads what bulk work needs of formulas of the current Database: rowId, Color_Name, the filled slots and AddSetName;
+/// the other fields of a row keep their defaults. Prepared once for many rows.
+class RecipeReader {
+ public:
+  explicit RecipeReader(const Session& session);
+  std::optional<MixColor> Read(std::string_view name);
+  std::optional<MixColor> ReadRow(std::int64_t rowId);
+
+ private:
+  static std::optional<MixColor> Take(Statement& row);
+
+  Statement byName_;
+  Statement byRow_;
+};
+
 /// Writes recipes into rows: all fifteen slots, Color_Set and AddSetName, and whatever fields were asked for besides.
 /// Prepared once for many rows.
 class RecipeWriter {
