@@ -9,6 +9,7 @@
 #include "core/colors/amounts.h"
 #include "core/colors/formulas.h"
 #include "core/colors/names.h"
+#include "core/colors/swatch.h"
 #include "core/datafile/references.h"
 #include "core/datafile/writer.h"
 
@@ -98,6 +99,22 @@ std::optional<BasicDeleteRefusal> DeleteHindrance(const Session& session, const 
     return refusal("Additive Set Color",
                    "Basic / Additive is used in a Job Design.\n\nModify Job Design before deleting.");
   return std::nullopt;
+}
+
+Result<void> SaveSwatch(Session& session, const std::string& name, const BasicAttachments& typed) {
+  SwatchChange swatch;
+  const auto read = [](std::string_view field, const std::string& text, std::optional<int>& part) -> Result<void> {
+    if (text.empty()) return {};
+    const auto value = ReadSwatchPart(field, text);
+    if (!value) return std::unexpected(value.error());
+    part = *value;
+    return {};
+  };
+  if (auto red = read("Red", typed.Red, swatch.Red); !red) return red;
+  if (auto green = read("Green", typed.Green, swatch.Green); !green) return green;
+  if (auto blue = read("Blue", typed.Blue, swatch.Blue); !blue) return blue;
+  if (!swatch.Any()) return {};
+  return SetSwatch(session, ColorKind::Basic, name, swatch);
 }
 
 }  // namespace
@@ -226,6 +243,19 @@ Result<void> SaveBasic(Session& session, BasicWork& work) {
   work.loadedPurchaseCost = work.PurchaseCost;
   work.loadedVOC = work.VOC;
   work.loadedHAP = work.HAP;
+  return {};
+}
+
+Result<void> SaveBasic(Session& session, BasicWork& work, const BasicAttachments& attachments) {
+  if (auto writable = RequireWritable(session); !writable) return writable;
+  BasicWork saved = work;
+  Transaction transaction(session.File());
+  if (auto done = SaveBasic(session, saved); !done) return done;
+  if (auto set = SaveSwatch(session, saved.Color_Name, attachments); !set) return set;
+  if (attachments.measurements)
+    WriteLabReadings(session, ColorKind::Basic, saved.Color_Name, *attachments.measurements);
+  transaction.Commit();
+  work = std::move(saved);
   return {};
 }
 

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "core/colors/basics.h"
+#include "core/colors/lab.h"
 
 namespace vellumark {
 
@@ -64,6 +65,16 @@ UnfinishedWork AskUnfinishedWork(Session& session, std::string_view adjustText, 
 /// Validates in the order Reorder, PurchaseCost, VOC, HAP and writes the row. A new colour goes to the end of the
 /// weighing order. Changed figures set the session's flags. On success `work` holds the row as stored.
 Result<void> SaveBasic(Session& session, BasicWork& work);
+
+/// What else the window of a Basic Color holds; what is not given stays as it is on file.
+struct BasicAttachments {
+  std::optional<std::vector<LabReading>> measurements;  ///< the whole list
+  std::string Red;                                      ///< a part of the swatch as typed; empty: as it is
+  std::string Green;
+  std::string Blue;
+};
+/// The same, and what else belongs to the colour, in one transaction.
+Result<void> SaveBasic(Session& session, BasicWork& work, const BasicAttachments& attachments);
 
 /// An item of an Additive Set must stay an Additive: what unchecking the box asks first.
 Result<void> RequireFreeOfAdditiveSets(const Session& session, std::string_view name);

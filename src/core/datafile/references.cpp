@@ -107,14 +107,23 @@ void RenameReferences(Database& file, std::string_view database, ColorKind kind,
   for (const Place& place : PlacesOf(kind)) RenamePlace(file, database, kind, place, oldName, newName);
 }
 
-bool UsedByDesign(Database& file, std::string_view database, ColorKind kind, std::string_view name) {
+std::vector<std::string> DesignsUsing(Database& file, std::string_view database, ColorKind kind,
+                                      std::string_view name) {
   const Place designs{schema::Designs, "IngName", schema::kDesignSlots, "IngType", "IngDB", "IngSet"};
   std::string where;
   for (int slot = 0; slot < designs.slots; ++slot)
     where += fmt::format("{}({})", slot == 0 ? "" : " OR ", SlotCondition(designs, kind, slot));
-  Statement hit = file.Prepare(fmt::format("SELECT 1 FROM {} WHERE IngSet LIKE ?2 ESCAPE '\\' AND ({}) LIMIT 1",
-                                           Quoted(designs.table.name), where));
-  return hit.Bind(1, name).Bind(2, NameSetPattern(name)).Bind(3, database).Step();
+  Statement hit = file.Prepare(
+      fmt::format("SELECT DesignID FROM {} WHERE IngSet LIKE ?2 ESCAPE '\\' AND ({}) ORDER BY DesignID, rowid",
+                  Quoted(designs.table.name), where));
+  hit.Bind(1, name).Bind(2, NameSetPattern(name)).Bind(3, database);
+  std::vector<std::string> found;
+  while (hit.Step()) found.push_back(hit.Text(0));
+  return found;
+}
+
+bool UsedByDesign(Database& file, std::string_view database, ColorKind kind, std::string_view name) {
+  return !DesignsUsing(file, database, kind, name).empty();
 }
 
 void DeleteLotsAndMeasurements(Database& file, std::string_view database, ColorKind kind, std::string_view name) {

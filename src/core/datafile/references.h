@@ -25,6 +25,8 @@ void RenameReferences(Database& file, std::string_view database, ColorKind kind,
 
 /// True when a Design has this colour of this Database among its ingredients.
 bool UsedByDesign(Database& file, std::string_view database, ColorKind kind, std::string_view name);
+/// The DesignIDs of those Designs, in order.
+std::vector<std::string> DesignsUsing(Database& file, std::string_view database, ColorKind kind, std::string_view name);
 
 /// Removes the lot rows and measurements that belong to the colour.
 void DeleteLotsAndMeasurements(Database& file, std::string_view database, ColorKind kind, std::string_view name);

@@ -1,0 +1,466 @@
+#include "desktop/colors/basic_colors_form.h"
+
+#include <QApplication>
+#include <QDate>
+#include <QLocale>
+#include <algorithm>
+#include <array>
+
+#include "core/base/text.h"
+#include "core/base/units.h"
+#include "core/colors/amounts.h"
+#include "core/colors/names.h"
+#include "core/colors/rollup.h"
+#include "core/colors/swatch.h"
+#include "core/inventory/lots.h"
+#include "desktop/colors/amount_field.h"
+#include "desktop/colors/measurements_panel.h"
+#include "desktop/colors/swatch_view.h"
+#include "desktop/kit/icons.h"
+#include "desktop/kit/text.h"
+
+namespace vellumark::desktop {
+namespace {
+
+constexpr const char* kNameField = "cmbColorName";
+constexpr int kCostChars = 9;
+
+QString DateText(const std::optional<DateTime>& date) {
+  if (!date) return QString::fromUtf8("–");
+  return QLocale().toString(QDate(date->year, date->month, date->day), QLocale::ShortFormat);
+}
+
+// The focus may go to these without the name counting as entered.
+bool LeavesNameAlone(const QWidget& to) {
+  static constexpr std::array<const char*, 3> commands{"cmdCancel", "cmdPrevious", "cmdNext"};
+  return std::ranges::any_of(commands, [&](const char* name) { return to.objectName() == QLatin1String(name); });
+}
+
+void Put(TextField& field, std::string_view text, bool keepTyped) {
+  if (keepTyped && field.IsDirty()) return;
+  field.SetText(text);
+  field.MarkClean();
+}
+
+void Put(NumberField& field, std::string_view text, bool keepTyped) {
+  if (keepTyped && field.IsDirty()) return;
+  field.SetText(text);
+  field.MarkClean();
+}
+
+}  // namespace
+
+BasicColorsForm::BasicColorsForm(WindowList& windowList)
+    : Window(windowList, "BasicColorsForm", tr("Basics / Additives")) {
+  setWindowIcon(Icon("basic"));
+  Form form(*this);
+  const NameSource names{
+      [this](std::string_view typed) { return CompleteBasicName(session, typed); },
+      [this](std::string_view typed, std::size_t limit) { return BasicNamesFrom(session, typed, limit); }};
+  name_ = form.Name(kNameField, names);
+  name_->Means("Color_Name");
+  name_->DoNotTrack();
+  ink_ = new SwatchView("imgSwatch", {48, 32});
+  low_ = form.Link("ImgInvLow", tr("Low inventory"));
+  low_->setIcon(Icon("low-stock"));
+  low_->hide();
+  form.Row(tr("&Name"), {name_, ink_, state_ = form.Hint({}, "lblState"), low_});
+  TabSet tabs = form.Tabs("TabBasic");
+  BuildColorPage(tabs.Page(tr("Color"), "TabColor"));
+  measurements_ = new MeasurementsPanel(*this, tabs.Page(tr("Measurements"), "TabLab"), ColorKind::Basic);
+  form.Buttons({save_ = form.Button("cmdSave", tr("&Save")), cancel_ = form.Button("cmdCancel", tr("Cancel")),
+                form.Button("cmdPrevious", tr("Previous"), Qt::Key_PageUp),
+                form.Button("cmdNext", tr("Next"), Qt::Key_PageDown),
+                rename_ = form.Button("cmdRename", tr("Rename"), Qt::Key_F6),
+                whereUsed_ = form.Button("cmdWhereUsed", tr("Where used"), Qt::Key_F7),
+                delete_ = form.Button("cmdDelete", tr("Delete"))});
+  Listen();
+  Clear();
+}
+
+void BasicColorsForm::BuildColorPage(Form form) {
+  std::vector<Form> columns = form.Columns(2);
+  BuildFigures(columns[0]);
+  BuildSwatch(columns[1]);
+  form.Heading(tr("Notes"));
+  form.Wide(notes_ = form.Note("txtNotes", 3), 1);
+  notes_->setAccessibleName(tr("Notes"));
+}
+
+void BasicColorsForm::BuildFigures(Form& form) {
+  const auto shown = [this] { return work_.has_value(); };
+  const auto figure = [&](const char* name, AmountKey key, const char* column, int chars) {
+    NumberField* field = form.Number(name, DecimalsOf(session, key), tr("0 to 99999"), chars);
+    MakeAmountField(*this, *field, key, column, shown);
+    return field;
+  };
+  const QString unit = Q(UnitName(session.UMI));
+  form.Row(tr("Color &code"), code_ = form.Text("txtColorCode", TextRule::Any(session.NameLength)));
+  code_->Means("Color_Code");
+  form.Row(additive_ = form.Check("chkAdd", tr("&Additive")));
+  additive_->Means("Additive");
+  reorder_ = figure("txtReorder", AmountKey::Reorder, "Reorder", 10);
+  form.Row(tr("&Reorder point"), {reorder_, form.Hint(unit)});
+  cost_ = figure("txtPurchaseCost", AmountKey::Currency, "PurchaseCost", kCostChars);
+  cost_->setToolTip(tr("Use a Costs report to edit Purchase Cost for multiple colors."));
+  const bool priceBlocked = session.Perm_Costs == 0;
+  cost_->setVisible(!priceBlocked);
+  QLabel* perUnit =
+      form.Hint(priceBlocked ? tr("User Permissions - Price Blocked") : tr("per %1").arg(unit), "lblPriceBlocked");
+  form.Row(tr("&Purchase cost"), {cost_, perUnit});
+  voc_ = figure("txtVOC", AmountKey::VOC, "VOC", 10);
+  form.Row(tr("&VOC"), {voc_, form.Hint(tr("per %1").arg(unit))});
+  hap_ = figure("txtHAP", AmountKey::HAP, "HAP", 10);
+  form.Row(tr("&HAP"), {hap_, form.Hint(tr("per %1").arg(unit))});
+}
+
+void BasicColorsForm::BuildSwatch(Form& form) {
+  form.Row(tr("In stock"), {stock_ = form.Value("lblTotalInv"), form.Hint(Q(UnitName(session.UMI)))});
+  const auto part = [&](const char* name, const char* column, const QString& caption) {
+    NumberField* field = form.Number(name, 0, tr("0 to 255"), 4);
+    field->Means(column);
+    field->setAccessibleName(caption);
+    connect(field, &QLineEdit::textChanged, this, &BasicColorsForm::ShowSwatch);
+    return field;
+  };
+  red_ = part("txtRed", "Red", tr("Red"));
+  green_ = part("txtGreen", "Green", tr("Green"));
+  blue_ = part("txtBlue", "Blue", tr("Blue"));
+  form.Row(tr("Swatch: red"), {red_, form.Hint(tr("green")), green_, form.Hint(tr("blue")), blue_});
+  form.Row(tr("Color guide"), guide_ = form.Label("lblGuide"));
+  form.Row(tr("Entered"), entered_ = form.Label("lblDateEntered"));
+  form.Row(tr("Last consumed"), consumed_ = form.Label("lblLastConsumed"));
+}
+
+void BasicColorsForm::Listen() {
+  connect(name_, &TextField::Left, this, &BasicColorsForm::NameLeft);
+  connect(name_, &NameBox::Picked, this, [this](const QString& picked) {
+    if (!InEdit()) EnterName(U8(picked));
+  });
+  connect(name_, &NameBox::PantoneTyped, this, [this] {
+    session.prompt.Tell(U8(tr("Hint")), U8(tr("No need to type the word 'PANTONE' for a Pantone Color.\n"
+                                              "Just type the color number and press the Enter key.\n"
+                                              "Vellumark automatically adds the 'PANTONE' prefix.")));
+  });
+  connect(additive_, &QCheckBox::clicked, this, &BasicColorsForm::AdditiveClicked);
+  connect(measurements_, &MeasurementsPanel::Changed, this, [this] { Changed(); });
+  connect(qApp, &QApplication::focusChanged, this, [this](QWidget* from, QWidget* to) {
+    const auto mine = [this](QWidget* widget) { return widget != nullptr && isAncestorOf(widget); };
+    if (mine(to) && !mine(from)) {
+      QMetaObject::invokeMethod(
+          this, [this] { LeaveToBatchInEdit(); }, Qt::QueuedConnection);
+    }
+  });
+}
+
+// ---- State
+
+bool BasicColorsForm::InEdit() const {
+  return work_ && (work_->rowId == 0 || IsDirty() || measurements_->IsChanged());
+}
+
+void BasicColorsForm::UpdateEnabled() {
+  const bool stored = work_ && work_->rowId != 0;
+  name_->setReadOnly(InEdit());
+  save_->setEnabled(work_.has_value());
+  cancel_->setEnabled(work_.has_value());
+  delete_->setEnabled(stored);
+  rename_->setEnabled(stored);
+  whereUsed_->setEnabled(stored);
+  low_->setVisible(stored && isLow_);
+  state_->setText(!work_ ? QString() : work_->rowId == 0 ? tr("New") : InEdit() ? tr("Changed") : QString());
+}
+
+void BasicColorsForm::LeaveToBatchInEdit() {
+  QWidget* focus = QApplication::focusWidget();
+  if (focus == nullptr || !isAncestorOf(focus) || !windows.IsInEdit("BatchForm")) return;
+  session.prompt.Tell(U8(tr("Batch Window - Formula in State of Edit.")),
+                      U8(tr("The Batch Window is open and has a recipe on screen.\n"
+                            "Any attempt to change data on this window can impact the Batch Window.\n"
+                            "Save && Clear the information on the Batch Window before using this Window.")),
+                      vellumark::Icon::Exclamation);
+  windows.OpenForm("BatchForm");
+}
+
+void BasicColorsForm::OnOpen(const Arguments& arguments) {
+  if (!arguments.Has("FindRecord") || InEdit()) return;
+  ShowColor(arguments.Text("FindRecord"));
+}
+
+// ---- The name
+
+void BasicColorsForm::NameLeft(QWidget* to) {
+  if (to == nullptr || !isAncestorOf(to) || LeavesNameAlone(*to) || InEdit()) return;
+  const std::string typed = name_->Text();
+  if (work_ && EqualNoCase(typed, work_->Color_Name)) return;
+  EnterName(typed);
+}
+
+void BasicColorsForm::EnterName(const std::string& typed) {
+  const Result<NameEntry> entry = EnterBasicName(session, typed);
+  if (!entry) {
+    ShowRefusal(entry.error());
+    Clear();
+    FocusField(kNameField);
+    return;
+  }
+  switch (entry->kind) {
+    case NameEntry::Kind::Empty:
+      QApplication::beep();
+      FocusField(kNameField);
+      break;
+    case NameEntry::Kind::Found:
+      ShowColor(entry->name);
+      break;
+    case NameEntry::Kind::New:
+      ShowNew(entry->name);
+      break;
+    case NameEntry::Kind::Abandoned:
+      Clear();
+      FocusField(kNameField);
+      break;
+  }
+}
+
+// ---- Showing
+
+void BasicColorsForm::Clear() {
+  work_.reset();
+  isLow_ = false;
+  name_->SetText("");
+  ShowFields({}, {}, false);
+  for (NumberField* part : {red_, green_, blue_}) part->SetText("");
+  stock_->SetText("");
+  entered_->clear();
+  consumed_->clear();
+  measurements_->Clear();
+  MarkClean();
+}
+
+void BasicColorsForm::ShowColor(const std::string& name) {
+  const auto color = ReadBasic(session, name);
+  Clear();
+  if (!color) return;
+  work_ = LoadBasicWork(session, *color);
+  name_->SetText(color->Color_Name);
+  ShowFields(*work_, color->book, false);
+  ShowStock(*color);
+  measurements_->Load(color->Color_Name);
+  MarkClean();
+}
+
+void BasicColorsForm::ShowNew(const std::string& name) {
+  Clear();
+  BasicColor color;
+  color.Color_Name = name;
+  color.Date_Entered = session.clock.Today();
+  work_ = NewBasicWork(session, name);
+  name_->SetText(name);
+  ShowFields(*work_, BookDataOfBasic(session, name), false);
+  ShowStock(color);
+  measurements_->Load(name);
+  MarkClean();
+}
+
+void BasicColorsForm::ShowFields(const BasicWork& work, const BookData& book, bool keepTyped) {
+  Put(*code_, work.Color_Code, keepTyped);
+  if (!keepTyped || !additive_->IsDirty()) {
+    additive_->setChecked(work.Additive);
+    additive_->Field::MarkClean();
+  }
+  Put(*reorder_, work.Reorder, keepTyped);
+  Put(*cost_, work.PurchaseCost, keepTyped);
+  Put(*voc_, work.VOC, keepTyped);
+  Put(*hap_, work.HAP, keepTyped);
+  if (!keepTyped || !notes_->IsDirty()) {
+    notes_->SetText(work.Notes);
+    notes_->Field::MarkClean();
+  }
+  Put(*red_, std::to_string(book.Red), keepTyped);
+  Put(*green_, std::to_string(book.Green), keepTyped);
+  Put(*blue_, std::to_string(book.Blue), keepTyped);
+  for (NumberField* part : {red_, green_, blue_}) part->setReadOnly(!book.Color_Guide.empty());
+  guide_->setText(book.Color_Guide.empty() ? (work_ ? QString::fromUtf8("–") : QString())
+                                           : Q(GuideCaption(work.Color_Name, book)));
+  ShowSwatch();
+}
+
+void BasicColorsForm::ShowStock(const BasicColor& color) {
+  const float total = TotalStock(session, ColorKind::Basic, color.Color_Name);
+  isLow_ = total < color.Reorder;
+  stock_->SetText(AmountText(session, AmountKey::AdjInv, total));
+  entered_->setText(DateText(color.Date_Entered));
+  consumed_->setText(DateText(color.LastConsumed));
+}
+
+void BasicColorsForm::ShowSwatch() {
+  const auto red = ReadSwatchPart("Red", red_->Text());
+  const auto green = ReadSwatchPart("Green", green_->Text());
+  const auto blue = ReadSwatchPart("Blue", blue_->Text());
+  ink_->Show(red && green && blue ? std::optional(QColor(*red, *green, *blue)) : std::nullopt);
+}
+
+// ---- Changes made elsewhere
+
+void BasicColorsForm::OnChanges(const std::vector<Change>& changes) {
+  bool mine = false;
+  for (const Change& change : changes) {
+    if (!work_ || work_->rowId == 0 || change.kind != Change::Kind::Basic ||
+        !EqualNoCase(change.database, session.CurrentDatabase))
+      continue;
+    const bool isShown = EqualNoCase(change.name, work_->Color_Name);
+    if (isShown && change.what == Change::What::Renamed) work_->Color_Name = change.newName;
+    mine = mine || isShown || change.what == Change::What::All || EqualNoCase(change.newName, work_->Color_Name);
+  }
+  if (mine) Reload();
+}
+
+void BasicColorsForm::ExternalUpdateBasicColor(const std::string& name) {
+  if (work_ && !InEdit() && EqualNoCase(name, work_->Color_Name)) Reload();
+}
+
+void BasicColorsForm::Reload() {
+  const auto color = ReadBasic(session, work_->Color_Name);
+  if (!InEdit()) {
+    const QPointer<QWidget> focus = QApplication::focusWidget();
+    ShowColor(work_->Color_Name);
+    if (!work_ && focus != nullptr && isAncestorOf(focus)) FocusField(kNameField);
+    return;
+  }
+  if (!color) {
+    // Deleted under the operator's hands: what was typed can be saved as a new colour.
+    work_->rowId = 0;
+  } else {
+    work_ = LoadBasicWork(session, *color);
+    name_->SetText(color->Color_Name);
+    ShowFields(*work_, color->book, true);
+    ShowStock(*color);
+    measurements_->Refresh(color->Color_Name);
+  }
+  Changed();
+}
+
+// ---- Commands
+
+bool BasicColorsForm::MayLeaveUnfinished() {
+  switch (AskUnfinishedWork(session, {}, measurements_->IsEntryFilled())) {
+    case UnfinishedWork::None:
+      return true;
+    case UnfinishedWork::Inventory:
+    case UnfinishedWork::Measurement:
+      measurements_->FocusEntry();
+      return false;
+  }
+  return true;
+}
+
+void BasicColorsForm::ReadFields() {
+  work_->Color_Code = code_->Text();
+  work_->Additive = additive_->isChecked();
+  work_->Reorder = reorder_->Text();
+  work_->PurchaseCost = cost_->Text();
+  work_->VOC = voc_->Text();
+  work_->HAP = hap_->Text();
+  work_->Notes = notes_->Text();
+}
+
+bool BasicColorsForm::Store() {
+  if (!MayLeaveUnfinished()) return false;
+  ReadFields();
+  BasicAttachments attachments;
+  if (measurements_->IsChanged()) attachments.measurements = measurements_->Readings();
+  if (red_->IsDirty()) attachments.Red = red_->Text();
+  if (green_->IsDirty()) attachments.Green = green_->Text();
+  if (blue_->IsDirty()) attachments.Blue = blue_->Text();
+  return Accepted(SaveBasic(session, *work_, attachments));
+}
+
+void BasicColorsForm::cmdSave_Click() {
+  if (!work_ || !Store()) return;
+  Clear();
+  FocusField(kNameField);
+}
+
+void BasicColorsForm::cmdDelete_Click() {
+  const auto deleted = DeleteBasic(session, work_->Color_Name);
+  if (deleted) {
+    if (!*deleted) return;
+    Clear();
+    FocusField(kNameField);
+    return;
+  }
+  const BasicDeleteRefusal& refusal = deleted.error();
+  if (refusal.requiredBy.empty()) return ShowRefusal(refusal);
+  const auto chosen = windows.RunDialog(
+      "BasicColorUsedInMixForm", {{"Title", refusal.title}, {"Text", refusal.text}, {"Formulas", refusal.requiredBy}});
+  if (chosen) windows.OpenForm("MixColorsForm", {{"FindRecord", chosen->Text("Formula")}});
+}
+
+void BasicColorsForm::cmdCancel_Click() {
+  if (InEdit() && !session.prompt.Ask(U8(tr("Cancel Without Saving Changes?")),
+                                      U8(tr("Cancel without saving changes?")), Answer::No))
+    return;
+  Clear();
+  FocusField(kNameField);
+}
+
+void BasicColorsForm::cmdRename_Click() {
+  if (const auto writable = RequireWritable(session); !Accepted(writable)) return;
+  const auto renamed = windows.RunDialog("NewBasicNameForm", {{"Color_Name", work_->Color_Name}});
+  if (!renamed) return;
+  work_->Color_Name = renamed->Text("NewName");
+  // A merge gives this colour up, and with it what was typed; a rename takes both along.
+  if (renamed->Get<bool>("Merged")) {
+    ShowColor(work_->Color_Name);
+  } else {
+    Reload();
+  }
+}
+
+void BasicColorsForm::Walk(bool forward) {
+  const std::string from = work_ ? work_->Color_Name : std::string();
+  if (InEdit() && !Store()) return;
+  const std::string to = forward ? NextBasicName(session, from) : PreviousBasicName(session, from);
+  if (!to.empty()) return ShowColor(to);
+  QApplication::beep();
+  Clear();
+  FocusField(kNameField);
+}
+
+void BasicColorsForm::cmdPrevious_Click() {
+  Walk(false);
+}
+
+void BasicColorsForm::cmdNext_Click() {
+  Walk(true);
+}
+
+void BasicColorsForm::cmdWhereUsed_Click() {
+  windows.RunDialog("WhereUsedForm", {{"Color_Name", work_->Color_Name}, {"Kind", ColorKind::Basic}});
+}
+
+void BasicColorsForm::ImgInvLow_Click() {
+  session.prompt.Tell(U8(tr("Basic Color Window - Inventory Low")), U8(tr("It is time to reorder this color.")));
+}
+
+void BasicColorsForm::AdditiveClicked(bool checked) {
+  if (checked || !work_ || work_->rowId == 0) return;
+  const Result<void> free = RequireFreeOfAdditiveSets(session, work_->Color_Name);
+  if (free) return;
+  additive_->setChecked(true);
+  ShowRefusal(free.error());
+}
+
+bool BasicColorsForm::MayClose() {
+  if (InEdit()) {
+    const Answer answer =
+        session.prompt.Show({U8(tr("Basic / Additive - Save Information?")), U8(tr("Save changes before closing?")),
+                             Buttons::YesNoCancel, vellumark::Icon::Question, Answer::Yes});
+    if (answer == Answer::Cancel || (answer == Answer::Yes && !Store())) return false;
+  }
+  const auto wait = Wait(WaitKind::WaitingForm_NoCancel, tr("Updating Master Formulas ..."));
+  RunPendingPasses(session);
+  return true;
+}
+
+}  // namespace vellumark::desktop

@@ -1,0 +1,19 @@
+#include "desktop/colors/register.h"
+
+#include "desktop/colors/basic_color_used_in_mix_form.h"
+#include "desktop/colors/basic_colors_form.h"
+#include "desktop/colors/colors_menu.h"
+#include "desktop/colors/new_basic_name_form.h"
+#include "desktop/colors/where_used_form.h"
+
+namespace vellumark::desktop {
+
+void RegisterColorsWindows(WindowList& windows) {
+  windows.Register<ColorsMenu>("ColorsMenu");
+  windows.Register<BasicColorsForm>("BasicColorsForm");
+  windows.RegisterDialog<NewBasicNameForm>("NewBasicNameForm");
+  windows.RegisterDialog<BasicColorUsedInMixForm>("BasicColorUsedInMixForm");
+  windows.RegisterDialog<WhereUsedForm>("WhereUsedForm");
+}
+
+}  // namespace vellumark::desktop
