@@ -94,7 +94,10 @@ void SyncFolder(const std::filesystem::path& folder) {
 
 void ReplaceFile(const std::filesystem::path& path, const std::filesystem::path& temp, std::string_view bytes) {
   struct stat status {};
-  const mode_t mode = ::stat(path.c_str(), &status) == 0 ? status.st_mode & 07777 : 0644;
+  const bool exists = ::stat(path.c_str(), &status) == 0;
+  // A device or a pipe would be gone afterwards, with a file in its place.
+  if (exists && !S_ISREG(status.st_mode)) throw Failure(path.string(), "is not a file");
+  const mode_t mode = exists ? status.st_mode & 07777 : 0644;
   try {
     WriteAll(temp, bytes, mode);
     if (::rename(temp.c_str(), path.c_str()) != 0) Fail(path, errno);

@@ -10,7 +10,8 @@ namespace vellumark {
 std::string ReadFileBytes(const std::filesystem::path& path);
 
 /// Replaces `path` in one step: the bytes go to `temp` (in the same folder), are synced to the disk, and `temp` is
-/// renamed over `path`. A kill at any moment leaves the old or the new file whole. Throws Failure; `temp` is removed.
+/// renamed over `path`. A kill at any moment leaves the old or the new file whole. Throws Failure, also when `path` is
+/// a folder or a device; `temp` is removed.
 void ReplaceFile(const std::filesystem::path& path, const std::filesystem::path& temp, std::string_view bytes);
 /// The same with "<path>.tmp" as the temp file.
 void ReplaceFile(const std::filesystem::path& path, std::string_view bytes);

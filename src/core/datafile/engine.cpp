@@ -7,6 +7,7 @@
 #include <unistd.h>
 
 #include <exception>
+#include <fstream>
 #include <system_error>
 #include <unordered_map>
 
@@ -46,6 +47,19 @@ std::string CauseInWords(int code, const char* message) {
 bool FolderIsWritable(const std::filesystem::path& path) {
   const std::filesystem::path folder = std::filesystem::absolute(path).parent_path();
   return ::faccessat(AT_FDCWD, folder.c_str(), W_OK | X_OK, AT_EACCESS) == 0;
+}
+
+// The engine tells only that it could not; these are the causes a person can mend.
+std::string WhyNotOpened(const std::filesystem::path& path) {
+  std::error_code ignored;
+  const std::filesystem::path folder = std::filesystem::absolute(path).parent_path();
+  if (!std::filesystem::is_directory(folder, ignored)) return "cannot be opened: its folder does not exist";
+  if (std::filesystem::exists(path, ignored)) {
+    if (::faccessat(AT_FDCWD, path.c_str(), R_OK, AT_EACCESS) != 0) return "cannot be opened: permission denied";
+  } else if (!FolderIsWritable(path)) {
+    return "cannot be written: there is no permission to write in its folder";
+  }
+  return "cannot be opened";
 }
 
 // More compiled statements than any one operation uses, few enough to cost no memory worth counting.
@@ -202,7 +216,12 @@ std::string Statement::ColumnName(int column) const {
 Database::Database(std::filesystem::path path, bool readOnly) : path_(std::move(path)), readOnly_(readOnly) {}
 
 Database::~Database() {
-  if (engine_) engine_->stored.clear();  // there is none when the file could not be opened
+  if (!engine_) return;  // the file could not be opened
+  engine_->stored.clear();
+  // After a full disk the engine leaves the old pages in the journal, for the next reader to put back. That is done
+  // here, so that the file alone is whole; should it fail too, the journal stays and the next to open the file does it.
+  if (rolledBack_)
+    sqlite3_exec(engine_->connection.getHandle(), "SELECT 1 FROM sqlite_master", nullptr, nullptr, nullptr);
 }
 
 void Database::Connect(int flags) {
@@ -213,6 +232,7 @@ void Database::Connect(int flags) {
     sqlite3_db_config(connection, SQLITE_DBCONFIG_DQS_DML, 0, nullptr);
     sqlite3_db_config(connection, SQLITE_DBCONFIG_DQS_DDL, 0, nullptr);
   } catch (const SQLite::Exception& error) {
+    if ((error.getErrorCode() & 0xFF) == SQLITE_CANTOPEN) throw Failure(path_.string(), WhyNotOpened(path_));
     throw Failure(path_.string(), CauseInWords(error.getErrorCode(), error.what()));
   }
 }
@@ -257,6 +277,15 @@ std::unique_ptr<Database> Database::Create(const std::filesystem::path& path) {
   database->Execute("PRAGMA synchronous=FULL");
   database->Execute(fmt::format("PRAGMA application_id={}", kApplicationId));
   return database;
+}
+
+bool Database::IsDatabaseFile(const std::filesystem::path& path) {
+  constexpr std::string_view kMark{"SQLite format 3\0", 16};
+  std::ifstream file(path, std::ios::binary);
+  if (!file) throw Failure(path.string(), "cannot be read");
+  std::string front(kMark.size(), '\0');
+  file.read(front.data(), static_cast<std::streamsize>(front.size()));
+  return front == kMark;
 }
 
 Statement Database::Prepare(std::string_view sql) {
@@ -332,6 +361,7 @@ Transaction::~Transaction() {
     return;
   }
   database_.pending_.clear();
+  database_.rolledBack_ = true;
   // The engine rolls back by itself after some failures (a full disk); only a transaction that is still open needs it.
   sqlite3* connection = database_.engine_->connection.getHandle();
   if (sqlite3_get_autocommit(connection) == 0 &&

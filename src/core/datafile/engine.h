@@ -82,6 +82,9 @@ class Database {
   Database(const Database&) = delete;
   Database& operator=(const Database&) = delete;
 
+  /// Whether a file that is there is of the engine's format, whatever it holds. Throws Failure when it cannot be read.
+  static bool IsDatabaseFile(const std::filesystem::path& path);
+
   Statement Prepare(std::string_view sql);
   void Execute(std::string_view sql);
   /// The first column of the first row; null when there is no row.
@@ -110,6 +113,7 @@ class Database {
   Changes* changes_ = nullptr;
   int depth_ = 0;
   bool doomed_ = false;
+  bool rolledBack_ = false;
   std::vector<Change> pending_;
 };
 

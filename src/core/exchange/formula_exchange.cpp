@@ -37,6 +37,13 @@ std::string BadLinesText(const std::vector<MfeFile::BadLine>& lines) {
   return text;
 }
 
+// A slip of the hand in the name of the export file must not cost the shop its data.
+void RequireNoDataFile(const std::filesystem::path& path) {
+  std::error_code ignored;
+  if (!std::filesystem::is_regular_file(path, ignored)) return;
+  if (Database::IsDatabaseFile(path)) throw Failure(path.string(), "is a Data File and is not overwritten");
+}
+
 Recipe RecipeOf(const MfeFile::Formula& formula) {
   Recipe recipe;
   for (const auto& [name, amount] : formula.parts) recipe.push_back({name, amount});
@@ -211,6 +218,7 @@ Result<int> ExportFormulas(Session& session, const std::vector<std::string>& nam
     }
   }
   if (count == 0) return Refuse("No Formulas Selected", "No Master Formulas selected for export.");
+  RequireNoDataFile(path);
   ReplaceFile(path, bytes);
   return count;
 }
