@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <memory>
 
+#include "cli/color_fields.h"
 #include "cli/frame.h"
 #include "core/base/number.h"
 #include "core/base/text.h"
@@ -119,7 +120,9 @@ std::string BatchText(const Session& session, const BatchWork& work) {
 
 Result<void> Take(Session& session, BatchWork& work, const std::string& option) {
   const auto [typed, amount] = SplitPair(option, true).value();
-  std::string name = ReadName(session, typed);
+  const auto read = TypedName(session, typed);
+  if (!read) return std::unexpected(read.error());
+  std::string name = *read;
   for (const RecycleListRow& row : RecycleListRows(work, {}))
     if (SameColorName(row.Color_Name, name)) name = row.Color_Name;
   const auto taken = ChooseFromRecycleList(session, work, name, Trim(amount));
@@ -132,7 +135,9 @@ Result<void> Take(Session& session, BatchWork& work, const std::string& option) 
 
 /// A calculated Batch that is stored nowhere.
 Result<BatchWork> Calculate(Session& session, const CalcOptions& options) {
-  const auto formula = FindBatchFormula(session, ReadName(session, options.formula));
+  const auto named = TypedName(session, options.formula);
+  if (!named) return std::unexpected(named.error());
+  const auto formula = FindBatchFormula(session, *named);
   if (!formula) return std::unexpected(formula.error());
   BatchWork work = NewBatchWork(session);
   work.Color_Name = *formula;
@@ -146,6 +151,7 @@ Result<BatchWork> Calculate(Session& session, const CalcOptions& options) {
   std::vector<AdditionLine> additions;
   for (const std::string& option : options.add) {
     const auto [name, amount] = SplitPair(option, true).value();
+    if (auto valid = TypedName(session, name); !valid) return std::unexpected(valid.error());
     additions.push_back({name, Trim(amount)});
   }
   if (!additions.empty())
@@ -160,10 +166,9 @@ void AddCalcOptions(CLI::App& verb, CalcOptions& options) {
   auto* recycle = verb.add_flag("--recycle", options.recycle, "Use inks from stock as far as the recipe permits");
   auto* mix = verb.add_flag("--mix", options.mix, "Straight from the recipe");
   recycle->excludes(mix);
-  verb.add_option("--take", options.take, "Put a colour of the Recycle List in by hand: NAME=AMOUNT")
-      ->take_all()
+  OneEachTime(verb.add_option("--take", options.take, "Put a colour of the Recycle List in by hand: NAME=AMOUNT"))
       ->check(NotAPair);
-  verb.add_option("--add", options.add, "A batch addition: NAME=AMOUNT")->take_all()->check(NotAPair);
+  OneEachTime(verb.add_option("--add", options.add, "A batch addition: NAME=AMOUNT"))->check(NotAPair);
 }
 
 }  // namespace

@@ -1,3 +1,5 @@
+#include <fmt/format.h>
+
 #include <memory>
 
 #include "cli/color_fields.h"
@@ -43,9 +45,10 @@ Json BasicJson(const Session& session, const BasicColor& color) {
 }
 
 Result<BasicColor> Named(const Session& session, const std::string& typed) {
-  const std::string name = ReadName(session, typed);
-  if (auto color = ReadBasic(session, name)) return *std::move(color);
-  return Refuse("Color Not Found", name + " is not found in this database.", "Color_Name");
+  const auto name = TypedName(session, typed);
+  if (!name) return std::unexpected(name.error());
+  if (auto color = ReadBasic(session, *name)) return *std::move(color);
+  return Refuse("Color Not Found", *name + " is not found in this database.", "Color_Name");
 }
 
 Result<Json> List(Context& context) {
@@ -109,8 +112,9 @@ Result<Json> Save(Context& context, BasicWork work, std::vector<std::string> pai
 
 Result<Json> Add(Context& context, const std::string& typed, const std::vector<std::string>& pairs) {
   Session& session = context.session;
-  if (auto valid = CheckTypedName(typed); !valid) return std::unexpected(valid.error());
-  const std::string name = ReadName(session, typed);
+  const auto valid = NewTypedName(session, typed);
+  if (!valid) return std::unexpected(valid.error());
+  const std::string& name = *valid;
   if (name.empty()) return Refuse("Color Name Needed", "Please enter a name.", "Color_Name");
   if (!BasicColorExists(session, name)) {
     if (auto allowed = CheckNewBasicName(session, name); !allowed) return std::unexpected(allowed.error());
@@ -130,7 +134,7 @@ Result<Json> Set(Context& context, const std::string& typed, const std::vector<s
 Result<Json> Rename(Context& context, const std::string& oldName, const std::string& newName) {
   const auto color = Named(context.session, oldName);
   if (!color) return std::unexpected(color.error());
-  if (auto valid = CheckTypedName(newName, "txtNewName"); !valid) return std::unexpected(valid.error());
+  if (auto valid = NewTypedName(context.session, newName, "txtNewName"); !valid) return std::unexpected(valid.error());
   const auto renamed = RenameBasic(context.session, color->Color_Name, newName);
   if (!renamed) return std::unexpected(renamed.error());
   if (!renamed->done) return Declined("Basic Color Name Exists", color->Color_Name);
@@ -138,7 +142,9 @@ Result<Json> Rename(Context& context, const std::string& oldName, const std::str
 }
 
 Result<Json> Delete(Context& context, const std::string& typed) {
-  const std::string name = ReadName(context.session, typed);
+  const auto read = TypedName(context.session, typed);
+  if (!read) return std::unexpected(read.error());
+  const std::string& name = *read;
   const auto deleted = DeleteBasic(context.session, name);
   if (!deleted) {
     std::string formulas;
@@ -150,15 +156,16 @@ Result<Json> Delete(Context& context, const std::string& typed) {
   return Json{{"Color_Name", name}, {"Deleted", true}};
 }
 
+std::string FieldNames() {
+  return fmt::format("{}, Red, Green, Blue", fmt::join(SettableFields(), ", "));
+}
+
 std::string CheckPair(const std::string& text) {
   const auto pair = SplitPair(text);
   static const std::vector<std::string> swatch{"Red", "Green", "Blue"};
   if (pair && !KnownField(pair->first, SettableFields(), false).empty()) return {};
   if (pair && !KnownField(pair->first, swatch, true).empty()) return {};
-  std::string fields;
-  for (const std::string& field : SettableFields()) fields += field + ", ";
-  fields += "Red, Green, Blue";
-  return text + " is not FIELD=VALUE with a field of " + fields;
+  return fmt::format("{} is not FIELD=VALUE with a field of {}", text, FieldNames());
 }
 
 }  // namespace
@@ -182,7 +189,8 @@ void AddColorCommands(CLI::App& app, Commands& commands) {
   const auto pairs = std::make_shared<std::vector<std::string>>();
   for (CLI::App* verb : {add, set}) {
     verb->add_option("NAME", *name, "Its name")->required();
-    auto* fields = verb->add_option("FIELD=VALUE", *pairs, "Fields with their values")->check(CheckPair);
+    auto* fields =
+        verb->add_option("FIELD=VALUE", *pairs, "Fields with their values: " + FieldNames())->check(CheckPair);
     if (verb == set) fields->required();
   }
   commands.Add(add, Needs::Writable, [name, pairs](Context& context) { return Add(context, *name, *pairs); });

@@ -3,8 +3,24 @@
 #include <fmt/format.h>
 
 #include "core/base/text.h"
+#include "core/colors/names.h"
 
 namespace vellumark::cli {
+
+Result<std::string> TypedName(const Session& session, std::string_view typed, std::string field) {
+  const std::string_view text = TrimView(typed);
+  const std::size_t length = CharCount(text);
+  if (length > static_cast<std::size_t>(session.NameLength))
+    return Refuse("Invalid Name",
+                  fmt::format("The name {} has {} characters, the limit is {}.", text, length, session.NameLength),
+                  std::move(field));
+  return ReadName(session, typed);
+}
+
+Result<std::string> NewTypedName(const Session& session, std::string_view typed, std::string field) {
+  if (auto valid = CheckTypedName(typed, field); !valid) return std::unexpected(valid.error());
+  return TypedName(session, typed, std::move(field));
+}
 
 Result<bool> ReadYesNo(const std::string& field, std::string_view text) {
   const std::string word = Upper(TrimView(text));

@@ -13,6 +13,12 @@ namespace vellumark::cli {
 /// FIELD=VALUE pairs of a command, in their order.
 using Pairs = std::vector<std::pair<std::string, std::string>>;
 
+/// A colour's name, as the windows read it. One longer than names may be is refused: cut to the length, as their fields
+/// do it before the operator's eyes, it would be another colour's.
+Result<std::string> TypedName(const Session& session, std::string_view typed, std::string field = "Color_Name");
+/// The same of a name that is to be given, which holds plain characters only.
+Result<std::string> NewTypedName(const Session& session, std::string_view typed, std::string field = "Color_Name");
+
 /// Yes or no as people and programs write it.
 Result<bool> ReadYesNo(const std::string& field, std::string_view text);
 

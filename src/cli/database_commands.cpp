@@ -63,9 +63,11 @@ void AddDatabaseCommands(CLI::App& app, Commands& commands) {
   const auto name = std::make_shared<std::string>();
   const auto content = std::make_shared<NewDatabaseContent>();
   create->add_option("NAME", *name, "Its name, 15 characters at most")->required();
-  auto* guides = create->add_option("--guide", content->guides, "A guide of the template: " + GuideCodes())
-                     ->allow_extra_args(false);
-  create->add_option("--copy", content->source, "The Database whose colours and formulas it gets")->excludes(guides);
+  auto* guides =
+      OneEachTime(create->add_option("--guide", content->guides, "A guide of the template: " + GuideCodes()));
+  create->add_option("--copy", content->source, "The Database whose colours and formulas it gets")
+      ->excludes(guides)
+      ->check(NotEmpty);
   commands.Add(create, Needs::Writable, [name, content](Context& context) {
     using Kind = NewDatabaseContent::Kind;
     content->kind = !content->guides.empty() ? Kind::Guides : content->source.empty() ? Kind::Empty : Kind::Copy;

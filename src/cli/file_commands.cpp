@@ -9,6 +9,7 @@
 #include "core/base/text.h"
 #include "core/datafile/databases.h"
 #include "core/datafile/lifecycle.h"
+#include "core/settings/settings_keys.h"
 #include "core/shell/opening.h"
 #include "core/shell/startup.h"
 
@@ -23,13 +24,22 @@ Result<Json> CreateNewFile(Context& context, const std::string& typedPath, const
     return Refuse("File Name", fmt::format("The name of a Data File ends in .vkd: {}", path), "PATH");
   const auto name = NewDatabaseName(typedDatabase, {}, path);
   if (!name) return std::unexpected(name.error());
-  NoWindows windows;
-  Session& session = context.session;
-  CreateDataFile(session, path, windows);
-  session.DataFileDB = Database::Open(path, OpenMode::Exclusive);
-  session.DataFileOpen = true;
-  MakeFirstDatabase(session, *name, content);
-  RunSupportLadder(session);
+  CreateFile(path);
+  try {
+    Session& session = context.session;
+    session.DataFileName = path;
+    session.DataFileDB = Database::Open(path, OpenMode::Exclusive);
+    session.DataFileOpen = true;
+    MakeFirstDatabase(session, *name, content);
+    RunSupportLadder(session);
+    SetSupportValue(session, keys::DbFileName50, path);
+  } catch (...) {
+    // A file that was not finished is not left behind, nor does it become the default.
+    context.session.DataFileDB.reset();
+    std::error_code ignored;
+    fs::remove(path, ignored);
+    throw;
+  }
   return Json{{"DataFileName", path}, {"CurrentDB", *name}};
 }
 
@@ -102,7 +112,7 @@ void AddFileCommands(CLI::App& app, Commands& commands) {
   auto* create = noun->add_subcommand("create", "Make a new Data File and the default of it");
   const auto path = std::make_shared<std::string>();
   const auto database = std::make_shared<std::string>("PANTONE");
-  create->add_option("PATH", *path, "Where the file goes; its name ends in .vkd")->required();
+  create->add_option("PATH", *path, "Where the file goes; its name ends in .vkd")->required()->check(NotEmpty);
   create->add_option("--database", *database, "Name of its first Database")->capture_default_str();
   const auto empty = std::make_shared<bool>(false);
   create->add_flag("--empty", *empty, "Leave the first Database empty; else it gets the first guides of the template");
@@ -114,7 +124,7 @@ void AddFileCommands(CLI::App& app, Commands& commands) {
 
   auto* check = noun->add_subcommand("check", "Whether a file is a sound Data File that can be used");
   const auto checked = std::make_shared<std::string>();
-  check->add_option("PATH", *checked, "The file")->required();
+  check->add_option("PATH", *checked, "The file")->required()->check(NotEmpty);
   commands.Add(check, Needs::Nothing, [checked](Context& context) { return CheckFile(context, *checked); });
 
   commands.Add(noun->add_subcommand("compact", "Rewrite the file without its unused space"), Needs::Writable,

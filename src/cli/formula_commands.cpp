@@ -78,10 +78,11 @@ Result<Json> Answer(Context& context, const std::string& name) {
 
 // The formula that the words name: by its exact name, else as the window finds it.
 Result<MixColor> Named(const Session& session, const std::string& typed) {
-  const std::string name = ReadName(session, typed);
-  if (auto mix = ReadMix(session, name)) return *std::move(mix);
-  if (auto mix = FindMix(session, name)) return *std::move(mix);
-  return Refuse("Color Not Found", name + " is not found in this database.", "Color_Name");
+  const auto name = TypedName(session, typed);
+  if (!name) return std::unexpected(name.error());
+  if (auto mix = ReadMix(session, *name)) return *std::move(mix);
+  if (auto mix = FindMix(session, *name)) return *std::move(mix);
+  return Refuse("Color Not Found", *name + " is not found in this database.", "Color_Name");
 }
 
 Result<Json> List(Context& context, const std::string& ingredient) {
@@ -100,7 +101,9 @@ Result<Json> List(Context& context, const std::string& ingredient) {
   if (ingredient.empty()) {
     ForEachMix(context.session, take);
   } else {
-    ForEachMixUsing(context.session, ReadName(context.session, ingredient), take);
+    const auto name = TypedName(context.session, ingredient);
+    if (!name) return std::unexpected(name.error());
+    ForEachMixUsing(context.session, *name, take);
   }
   if (!context.json)
     context.text =
@@ -137,8 +140,11 @@ Result<void> TakeIngredient(Session& session, FormulaWork& work, std::size_t row
                   fmt::format("This formula already contains the maximum number of ingredients, {}.\n\n{} could not be "
                               "added to the formula.",
                               work.grid.size(), typed));
-  if (!BasicColorExists(session, ReadName(session, typed)))
-    if (auto valid = CheckTypedName(typed, schema::Numbered("BC", static_cast<int>(row))); !valid) return valid;
+  const std::string field = schema::Numbered("BC", static_cast<int>(row));
+  const auto name = TypedName(session, typed, field);
+  if (!name) return std::unexpected(name.error());
+  if (!BasicColorExists(session, *name))
+    if (auto valid = CheckTypedName(typed, field); !valid) return valid;
   const auto entry = EnterIngredient(session, work, row, typed);
   if (!entry) return std::unexpected(entry.error());
   work.grid[row] = {entry->name, amount};
@@ -190,8 +196,9 @@ Result<Json> Add(Context& context, FormulaOptions options) {
   const auto swatch = TakeSwatch(options.pairs);
   if (!swatch) return std::unexpected(swatch.error());
   Session& session = context.session;
-  if (auto valid = CheckTypedName(options.name); !valid) return std::unexpected(valid.error());
-  std::string name = ReadName(session, options.name);
+  const auto valid = NewTypedName(session, options.name);
+  if (!valid) return std::unexpected(valid.error());
+  std::string name = *valid;
   if (name.empty()) return Refuse("Color Name Needed", "Please enter a new color name.", "Color_Name");
   if (IsPantoneBookMix(session, name)) name = GetTemplateMixName(session, name);
   if (MixColorExists(session, name))
@@ -221,7 +228,7 @@ Result<Json> Edit(Context& context, FormulaOptions options) {
 Result<Json> Rename(Context& context, const std::string& oldName, const std::string& newName) {
   const auto mix = Named(context.session, oldName);
   if (!mix) return std::unexpected(mix.error());
-  if (auto valid = CheckTypedName(newName, "txtNewName"); !valid) return std::unexpected(valid.error());
+  if (auto valid = NewTypedName(context.session, newName, "txtNewName"); !valid) return std::unexpected(valid.error());
   const auto renamed = RenameColor(context.session, mix->Color_Name, newName);
   if (!renamed) return std::unexpected(renamed.error());
   return Json{{"Color_Name", renamed->name}, {"OldName", mix->Color_Name}};
@@ -241,7 +248,7 @@ Result<Json> Duplicate(Context& context, const FormulaOptions& options, const st
   Session& session = context.session;
   const auto mix = Named(session, options.name);
   if (!mix) return std::unexpected(mix.error());
-  if (auto valid = CheckTypedName(newName, "txtNewName"); !valid) return std::unexpected(valid.error());
+  if (auto valid = NewTypedName(session, newName, "txtNewName"); !valid) return std::unexpected(valid.error());
   const auto made =
       DuplicateFormula(session, mix->Color_Name, newName, target, options.additiveSet.value_or(std::string()));
   if (!made) return std::unexpected(made.error());
@@ -307,7 +314,9 @@ void AddWritingVerbs(CLI::App* noun, Commands& commands) {
   for (CLI::App* verb : {add, edit}) {
     const auto options = std::make_shared<FormulaOptions>();
     verb->add_option("NAME", options->name, "Its name")->required();
-    verb->add_option("INGREDIENT=AMOUNT", options->pairs, "Ingredients with their amounts, and FIELD=VALUE")
+    verb->add_option("INGREDIENT=AMOUNT", options->pairs,
+                     fmt::format("Ingredients with their amounts, and fields with their values: {}, Red, Green, Blue",
+                                 fmt::join(SettableFields(), ", ")))
         ->check(CheckPair);
     verb->add_option("--additive-set", options->additiveSet, "The Additive Set it uses; \"\" for none");
     const bool isAdd = verb == add;
@@ -360,7 +369,7 @@ void AddFormulaCommands(CLI::App& app, Commands& commands) {
       "Master Formulas: list, show, add, edit, rename, delete, duplicate, compare, revert, import, export, passes");
   auto* list = noun->add_subcommand("list", "All, in the order of their names");
   const auto ingredient = std::make_shared<std::string>();
-  list->add_option("--using", *ingredient, "Only those with this ingredient");
+  list->add_option("--using", *ingredient, "Only those with this ingredient")->check(NotEmpty);
   commands.Add(list, Needs::File, [ingredient](Context& context) { return List(context, *ingredient); });
 
   auto* show = noun->add_subcommand("show", "One with its recipe and all its fields");

@@ -3,8 +3,8 @@
 #include <filesystem>
 #include <memory>
 
+#include "cli/color_fields.h"
 #include "core/exchange/formula_exchange.h"
-#include "cli/frame.h"
 
 namespace vellumark::cli {
 namespace {
@@ -24,7 +24,13 @@ Result<Json> Import(Context& context, const std::string& path) {
 
 Result<Json> Export(Context& context, const std::string& typedPath, const std::vector<std::string>& names) {
   const std::string path = std::filesystem::absolute(typedPath).string();
-  const auto count = ExportFormulas(context.session, names, path);
+  std::vector<std::string> read;
+  for (const std::string& typed : names) {
+    const auto name = TypedName(context.session, typed);
+    if (!name) return std::unexpected(name.error());
+    read.push_back(*name);
+  }
+  const auto count = ExportFormulas(context.session, read, path);
   if (!count) return std::unexpected(count.error());
   context.text = fmt::format("Formulas have been exported to the file:\n\n{}\n", path);
   return Json{{"File", path}, {"Formulas", *count}};
@@ -35,14 +41,14 @@ Result<Json> Export(Context& context, const std::string& typedPath, const std::v
 void AddFormulaExchangeCommands(CLI::App& formulaNoun, Commands& commands) {
   auto* import = formulaNoun.add_subcommand("import", "Bring in the formulas of an .mfe file, all or none");
   const auto source = std::make_shared<std::string>();
-  import->add_option("FILE", *source, "The file")->required();
+  import->add_option("FILE", *source, "The file")->required()->check(NotEmpty);
   commands.Add(import, Needs::Writable, [source](Context& context) { return Import(context, *source); });
 
   auto* exportVerb = formulaNoun.add_subcommand("export", "Write formulas to an .mfe file");
   const auto target = std::make_shared<std::string>();
   const auto names = std::make_shared<std::vector<std::string>>();
   const auto format = std::make_shared<int>(0);
-  exportVerb->add_option("FILE", *target, "The file")->required();
+  exportVerb->add_option("FILE", *target, "The file")->required()->check(NotEmpty);
   exportVerb->add_option("--format", *format, "0: .mfe (Vellumark - Text / Tab File)")->check(CLI::IsMember({0}));
   exportVerb->add_option("NAME", *names, "Formulas; all of the Database when none is named");
   commands.Add(exportVerb, Needs::File, [target, names](Context& context) { return Export(context, *target, *names); });

@@ -57,7 +57,16 @@ CLI::App* AddNoun(CLI::App& app, const std::string& name, const std::string& des
   CLI::App* noun = app.add_subcommand(name, description);
   noun->require_subcommand(1);
   noun->fallthrough();
+  noun->footer("Options that every command takes: vellumark-cli --help");
   return noun;
+}
+
+std::string NotEmpty(const std::string& text) {
+  return text.find_first_not_of(' ') == std::string::npos ? "the text is empty" : "";
+}
+
+CLI::Option* OneEachTime(CLI::Option* option) {
+  return option->take_all()->allow_extra_args(false);
 }
 
 std::optional<std::pair<std::string, std::string>> SplitPair(std::string_view text, bool atLast) {

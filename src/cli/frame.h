@@ -51,6 +51,11 @@ class Commands {
 /// The noun's App under `app`, with its help.
 CLI::App* AddNoun(CLI::App& app, const std::string& name, const std::string& description);
 
+/// Fault of an option or argument without a text, as scripts pass it when a variable of theirs is empty.
+std::string NotEmpty(const std::string& text);
+/// A list given by one option several times, one item each time, so that it takes no word that follows.
+CLI::Option* OneEachTime(CLI::Option* option);
+
 /// "FIELD=VALUE" apart at the first "="; nothing without one. For "NAME=AMOUNT" with names that hold "=", the last one.
 std::optional<std::pair<std::string, std::string>> SplitPair(std::string_view text, bool atLast = false);
 

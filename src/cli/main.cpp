@@ -2,6 +2,7 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <cstdio>
 #include <filesystem>
 #include <system_error>
@@ -9,6 +10,7 @@
 #include "cli/frame.h"
 #include "cli/seams.h"
 #include "core/base/date.h"
+#include "core/base/number.h"
 #include "core/base/text.h"
 #include "core/datafile/lifecycle.h"
 #include "core/shell/opening.h"
@@ -37,16 +39,27 @@ struct GlobalOptions {
 
 void AddGlobalOptions(CLI::App& app, GlobalOptions& options) {
   app.add_option("--data-folder", options.dataFolder,
-                 "Folder of the Support Files (else VELLUMARK_DATA_FOLDER, the shared or the user's own folder)");
-  app.add_option("--file", options.file, "The Data File (else the one stored in the settings)");
-  app.add_option("--db", options.database, "The Database (else the file's current one)");
-  app.add_option("--user", options.user, "User name, where the Data File has users");
+                 "Folder of the Support Files (else VELLUMARK_DATA_FOLDER, the shared or the user's own folder)")
+      ->type_name("DIR")
+      ->check(NotEmpty);
+  app.add_option("--file", options.file, "The Data File (else the one stored in the settings)")
+      ->type_name("PATH")
+      ->check(NotEmpty);
+  app.add_option("--db", options.database, "The Database (else the file's current one)")
+      ->type_name("NAME")
+      ->check(NotEmpty);
+  app.add_option("--user", options.user, "User name, where the Data File has users")->type_name("NAME");
   app.add_option("--password", options.password, "The user's password")->envname("VELLUMARK_PASSWORD");
   app.add_flag("--json", options.json, "Answer with one JSON value");
-  app.add_option("--today", options.today, "The date that counts as today, YYYY-MM-DD");
-  app.add_option("--now", options.now, "The time that counts as now, \"YYYY-MM-DD HH:MM:SS\"");
-  app.add_option("--answer", options.answers, "\"TITLE=yes\" answers the question of that title: yes, no, ok, cancel")
-      ->take_all();
+  app.add_option("--today", options.today, "The date that counts as today, YYYY-MM-DD")
+      ->type_name("DATE")
+      ->check(NotEmpty);
+  app.add_option("--now", options.now, "The time that counts as now, \"YYYY-MM-DD HH:MM:SS\"")
+      ->type_name("TIME")
+      ->check(NotEmpty);
+  OneEachTime(app.add_option("--answer", options.answers,
+                             "\"TITLE=yes\" answers the question of that title: yes, no, ok, cancel"))
+      ->type_name("TITLE=ANSWER");
   const auto* yes = app.add_flag("--yes", options.yes, "Answer every other question with Yes");
   app.add_flag("--no", options.no, "Answer every other question with No")->excludes(const_cast<CLI::Option*>(yes));
 }
@@ -106,14 +119,19 @@ Result<void> OpenForVerb(Context& context, const GlobalOptions& options, Needs n
   return needs == Needs::Writable ? RequireWritable(session) : Result<void>{};
 }
 
+bool WriteAnswer(const std::string& text) {
+  return std::fwrite(text.data(), 1, text.size(), stdout) == text.size() && std::fflush(stdout) == 0;
+}
+
+// A refusal that cannot be written as JSON still stands on standard error and in the exit status.
 int Report(const Refusal& refusal, bool json, std::string_view kind, int exitCode) {
   if (json) {
     const Json answer{
         {std::string(kind), Json{{"title", refusal.title}, {"text", refusal.text}, {"field", refusal.field}}}};
-    fmt::print("{}\n", answer.dump(2, ' ', false, Json::error_handler_t::replace));
+    WriteAnswer(answer.dump(2, ' ', false, Json::error_handler_t::replace) + "\n");
   }
   const std::string title = Trim(refusal.title);
-  fmt::print(stderr, "{}{}{}\n", title, title.empty() ? "" : ": ", refusal.text);
+  WriteError(fmt::format("{}{}{}\n", title, title.empty() ? "" : ": ", refusal.text));
   return exitCode;
 }
 
@@ -139,15 +157,13 @@ int RunChosen(const GlobalOptions& options, const Commands& commands) {
     const Result<Json> answer = commands.chosen(context);
     if (!answer) return Report(answer.error(), options.json, "refused", ExitRefused);
     progress.End();
-    if (options.json) {
-      fmt::print("{}\n", answer->dump(2, ' ', false, Json::error_handler_t::replace));
-    } else {
-      fmt::print("{}", context.text.empty() ? ReadableText(*answer) : context.text);
-    }
-    if (std::fflush(stdout) != 0) throw Failure("standard output", "cannot be written");
+    const std::string text = options.json           ? answer->dump(2, ' ', false, Json::error_handler_t::replace) + "\n"
+                             : context.text.empty() ? ReadableText(*answer)
+                                                    : context.text;
+    if (!WriteAnswer(text)) throw Failure("standard output", "cannot be written");
     return ExitDone;
   } catch (const WrongUsage& usage) {
-    fmt::print(stderr, "{}\n", usage.text);
+    WriteError(usage.text + "\n");
     return ExitUsage;
   } catch (const RefusedLogin& login) {
     progress.End();
@@ -161,13 +177,48 @@ int RunChosen(const GlobalOptions& options, const Commands& commands) {
   } catch (const Failure& failure) {
     progress.End();
     return Report({failure.subject, failure.cause, ""}, options.json, "failed", ExitFailed);
+  } catch (const fs::filesystem_error& error) {
+    progress.End();
+    return Report({error.path1().string(), error.code().message(), ""}, options.json, "failed", ExitFailed);
   }
+}
+
+/// The words of the command line. A number such as -.5, as some programs print it, would be taken for an option.
+std::vector<std::string> WordsOf(int argc, char** argv) {
+  std::vector<std::string> words(argv + 1, argv + argc);
+  for (std::size_t i = 0; i < words.size() && words[i] != "--"; ++i)
+    if (words[i].starts_with("-.") && ParseNumber(words[i]) && (i == 0 || !words[i - 1].starts_with("--")))
+      words[i].insert(1, 1, '0');
+  return words;
+}
+
+// The parser of the command line takes "[A,B]" for a list of A and B, but here no name holds a bracket.
+void RefuseBrackets(const CLI::App& app, const std::vector<std::string>& words) {
+  for (const CLI::App* sub : app.get_subcommands()) {
+    for (const CLI::Option* option : sub->get_options()) {
+      if (!option->get_positional()) continue;
+      for (const std::string& word : option->results())
+        if (std::ranges::find(words, word) == words.end())
+          throw CLI::ValidationError(option->get_name(), word + " cannot be given in brackets");
+    }
+    RefuseBrackets(*sub, words);
+  }
+}
+
+std::string UsageMessage(const CLI::App* app, const CLI::Error& error) {
+  const std::vector<std::string> unknown = app->remaining(true);
+  if (error.get_name() != "RequiredError" || unknown.empty()) return CLI::FailureMessage::simple(app, error);
+  return fmt::format("{} is no command here\nRun with --help for more information.\n", unknown.front());
 }
 
 int Main(int argc, char** argv) {
   CLI::App app("The Vellumark from the command line", "vellumark-cli");
   app.set_version_flag("--version", std::string("vellumark-cli ") + VELLUMARK_VERSION);
   app.require_subcommand(1);
+  app.footer(
+      "Exit status: 0 done, 1 refused by a rule, 2 wrong usage, 3 a question stood unanswered and nothing was "
+      "changed,\n"
+      "4 a file, disk or line failed.");
   GlobalOptions options;
   AddGlobalOptions(app, options);
   Commands commands;
@@ -182,8 +233,11 @@ int Main(int argc, char** argv) {
   AddStockCommands(app, commands);
   AddBatchCommands(app, commands);
   AddUsersCommands(app, commands);
+  app.failure_message(UsageMessage);
+  const std::vector<std::string> words = WordsOf(argc, argv);
   try {
-    app.parse(argc, argv);
+    app.parse(std::vector<std::string>(words.rbegin(), words.rend()));  // it takes them from the back
+    RefuseBrackets(app, words);
   } catch (const CLI::ParseError& error) {
     return app.exit(error) == 0 ? ExitDone : ExitUsage;
   }
@@ -198,7 +252,7 @@ int main(int argc, char** argv) {
     return vellumark::cli::Main(argc, argv);
   } catch (const std::exception& error) {
     // A fault of the program itself, not of its input.
-    fmt::print(stderr, "vellumark-cli failed: {}\n", error.what());
+    vellumark::cli::WriteError(fmt::format("vellumark-cli failed: {}\n", error.what()));
     return 70;
   }
 }

@@ -14,6 +14,11 @@ namespace vellumark::cli {
 using std::chrono::milliseconds;
 using std::chrono::steady_clock;
 
+void WriteError(const std::string& text) {
+  std::fputs(text.c_str(), stderr);
+  std::fflush(stderr);
+}
+
 void OptionPrompt::AddAnswer(std::string_view title, Answer answer) {
   answers_[Trim(title)] = answer;
 }
@@ -23,7 +28,7 @@ Answer OptionPrompt::Show(const Message& message) {
     std::string text = message.text;
     text.erase(text.find_last_not_of(" \n") + 1);
     const std::string title = Trim(message.title);
-    fmt::print(stderr, "{}{}{}\n", title, title.empty() ? "" : ": ", text);
+    WriteError(fmt::format("{}{}{}\n", title, title.empty() ? "" : ": ", text));
     return Answer::Ok;
   }
   const bool confirms = message.buttons == Buttons::OkCancel;
@@ -58,15 +63,13 @@ void TerminalProgress::Percent(double percent) {
   if (now - began_ < milliseconds(300) || now - drawn_ < milliseconds(100)) return;
   drawn_ = now;
   shown_ = true;
-  fmt::print(stderr, "\r\x1b[K{} {:.0f}%", text_, percent);
-  std::fflush(stderr);
+  WriteError(fmt::format("\r\x1b[K{} {:.0f}%", text_, percent));
 }
 
 void TerminalProgress::Clear() {
   if (!shown_) return;
   shown_ = false;
-  fmt::print(stderr, "\r\x1b[K");
-  std::fflush(stderr);
+  WriteError("\r\x1b[K");
 }
 
 void NoWindows::Login(Session& session) {

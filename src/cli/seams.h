@@ -12,6 +12,10 @@
 
 namespace vellumark::cli {
 
+/// Writes on standard error. That it cannot be written is not told: there is nowhere left to tell it, and the exit
+/// status says what happened.
+void WriteError(const std::string& text);
+
 /// A question that no option answered.
 struct UnansweredQuestion {
   Message message;

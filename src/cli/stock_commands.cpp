@@ -1,5 +1,6 @@
 #include <memory>
 
+#include "cli/color_fields.h"
 #include "cli/frame.h"
 #include "core/base/number.h"
 #include "core/base/text.h"
@@ -57,8 +58,9 @@ Result<Json> ShowStock(Context& context, const std::optional<std::string>& typed
   const Session& session = context.session;
   std::vector<ColorStock> stock;
   if (typed) {
-    const std::string name = ReadName(session, *typed);
-    stock = ListStock(session, name);
+    const auto name = TypedName(session, *typed);
+    if (!name) return std::unexpected(name.error());
+    stock = ListStock(session, *name);
     if (stock.empty()) return std::unexpected(InventoryColorNotFound(session));
   } else {
     stock = ListStock(session);
@@ -128,7 +130,9 @@ Result<Json> AdjustStock(Context& context, const AdjustOptions& options) {
   Session& session = context.session;
   const auto quantity = ReadAdjustQuantity(options.quantity);
   if (!quantity) return std::unexpected(quantity.error());
-  const std::string name = ReadName(session, options.name);
+  const auto read = TypedName(session, options.name);
+  if (!read) return std::unexpected(read.error());
+  const std::string& name = *read;
   std::optional<ColorKind> wanted;
   if (!options.kind.empty()) wanted = options.kind == "formula" ? ColorKind::Mix : ColorKind::Basic;
   const auto kind = ChooseInventoryColor(session, name, wanted);
@@ -159,7 +163,7 @@ void AddStockCommands(CLI::App& app, Commands& commands) {
   const auto options = std::make_shared<AdjustOptions>();
   adjust->add_option("NAME", options->name, "The Basic Color or formula")->required();
   adjust->add_option("QTY", options->quantity, "In the inventory unit; of one container with --count")->required();
-  auto* lot = adjust->add_option("--lot", options->lot, "Lot number; Unlotted Inventory without it");
+  auto* lot = adjust->add_option("--lot", options->lot, "Lot number; Unlotted Inventory without it")->check(NotEmpty);
   adjust->add_option("--loc", options->location, "Location of the lot")->needs(lot);
   adjust->add_option("--cont", options->container, "Container of the lot")->needs(lot);
   adjust->add_option("--price", options->price, "Price per unit, or an entry of the price list: 1), 2), 3)")

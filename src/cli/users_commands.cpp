@@ -164,7 +164,7 @@ void AddListAndFeature(CLI::App& noun, Commands& commands) {
   const auto name = std::make_shared<std::string>();
   const auto file = std::make_shared<std::string>();
   enable->add_option("NAME", *name, "The administrator, 15 characters at most")->required();
-  enable->add_option("--new-password-file", *file, kNewPasswordFile);
+  enable->add_option("--new-password-file", *file, kNewPasswordFile)->check(NotEmpty);
   commands.Add(enable, Needs::Writable, [name, file](Context& context) -> Result<Json> {
     if (UsersEnabled(context.session)) return Refuse("Users", "The Users feature is already active.");
     const auto password = ReadSamePassword(*file);
@@ -191,7 +191,7 @@ void AddChanges(CLI::App& noun, Commands& commands) {
     const auto taken = std::make_shared<Arguments>();
     verb->add_option("NAME", taken->name, "The user")->required();
     verb->add_option("FIELD=VALUE", taken->pairs, "Rights, by the names that users list shows");
-    verb->add_option("--new-password-file", taken->passwordFile, kNewPasswordFile);
+    verb->add_option("--new-password-file", taken->passwordFile, kNewPasswordFile)->check(NotEmpty);
     return taken;
   };
 
@@ -216,7 +216,7 @@ void AddChanges(CLI::App& noun, Commands& commands) {
 
   auto* passwd = noun.add_subcommand("passwd", "Change the password of the user of --user");
   const auto file = std::make_shared<std::string>();
-  passwd->add_option("--new-password-file", *file, kNewPasswordFile);
+  passwd->add_option("--new-password-file", *file, kNewPasswordFile)->check(NotEmpty);
   commands.Add(passwd, Needs::Writable, [file](Context& context) -> Result<Json> {
     const NewPassword password = ReadNewPassword(*file);
     const auto changed = ChangePassword(context.session, context.password, password.typed, password.repeated);

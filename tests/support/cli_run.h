@@ -6,6 +6,7 @@
 
 #include <cstdlib>
 #include <filesystem>
+#include <functional>
 #include <nlohmann/json.hpp>
 #include <stdexcept>
 #include <string>
@@ -29,6 +30,12 @@ class CliRoom {
   CliAnswer Run(const std::vector<std::string>& arguments) const { return RunWithInput(arguments, "/dev/null"); }
 
   CliAnswer RunWithInput(const std::vector<std::string>& arguments, const std::filesystem::path& input) const {
+    return RunPrepared(arguments, input, [] {});
+  }
+
+  /// `prepare` runs in the process of the program before it starts: limits, another user.
+  CliAnswer RunPrepared(const std::vector<std::string>& arguments, const std::filesystem::path& input,
+                        const std::function<void()>& prepare) const {
     const std::filesystem::path out = folder / "stdout";
     const std::filesystem::path err = folder / "stderr";
     const pid_t child = ::fork();
@@ -38,12 +45,15 @@ class CliRoom {
       Redirect(input, O_RDONLY, STDIN_FILENO);
       Redirect(out, O_WRONLY | O_CREAT | O_TRUNC, STDOUT_FILENO);
       Redirect(err, O_WRONLY | O_CREAT | O_TRUNC, STDERR_FILENO);
+      // Opened first: another user may not reach the folder of the build.
+      const int program = ::open(VELLUMARK_CLI, O_RDONLY | O_CLOEXEC);
+      prepare();
       std::vector<std::string> words{VELLUMARK_CLI};
       words.insert(words.end(), arguments.begin(), arguments.end());
       std::vector<char*> argv;
       for (std::string& word : words) argv.push_back(word.data());
       argv.push_back(nullptr);
-      ::execv(VELLUMARK_CLI, argv.data());
+      ::fexecve(program, argv.data(), environ);
       ::_exit(127);
     }
     int status = 0;
