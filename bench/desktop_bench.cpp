@@ -7,6 +7,7 @@
 #include <chrono>
 
 #include "core/settings/settings_keys.h"
+#include "desktop/colors/register.h"
 #include "desktop/datafile/register.h"
 #include "desktop/kit/application.h"
 #include "desktop/kit/wait_progress.h"
@@ -50,6 +51,7 @@ void StartOurs(benchmark::State& state) {
     desktop::Program program(windows);
     desktop::RegisterSessionWindows(windows);
     desktop::RegisterSettingsWindows(windows);
+    desktop::RegisterColorsWindows(windows);
     desktop::RegisterDatafileWindows(windows, program.Windows());
     program.Windows().SkipSplash();
     StartOptions options;

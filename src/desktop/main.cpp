@@ -4,6 +4,7 @@
 #include <QCoreApplication>
 
 #include "core/shell/startup.h"
+#include "desktop/colors/register.h"
 #include "desktop/datafile/register.h"
 #include "desktop/kit/application.h"
 #include "desktop/kit/message_prompt.h"
@@ -37,6 +38,7 @@ int main(int argc, char** argv) {
   vellumark::desktop::WindowList windows(session, &progress);
   vellumark::desktop::RegisterSessionWindows(windows);
   vellumark::desktop::RegisterSettingsWindows(windows);
+  vellumark::desktop::RegisterColorsWindows(windows);
 
   vellumark::desktop::Program program(windows);
   vellumark::desktop::RegisterDatafileWindows(windows, program.Windows());

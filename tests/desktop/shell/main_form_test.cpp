@@ -21,6 +21,7 @@
 #include "core/settings/support_files.h"
 #include "core/shell/gating.h"
 #include "core/shell/startup.h"
+#include "desktop/colors/register.h"
 #include "desktop/datafile/register.h"
 #include "desktop/kit/message_prompt.h"
 #include "desktop/kit/wait_progress.h"
@@ -43,6 +44,7 @@ struct Running {
   bool Start() {
     RegisterSessionWindows(windows);
     RegisterSettingsWindows(windows, [] { return SystemPrinters{}; });
+    RegisterColorsWindows(windows);
     RegisterDatafileWindows(windows, program.Windows());
     program.Windows().SkipSplash();
     const bool ready = program.Start(options);
