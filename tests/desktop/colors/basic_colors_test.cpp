@@ -325,6 +325,7 @@ TEST_F(BasicColorsTest, WhatIsUsedIsNotDeleted) {
   Basic("RED");
   Basic("GLOSS", {{"Additive", true}});
   Basic("PLAIN");
+  Basic("WASH");
   Mix("PINK", {{"RED", 100}});
   AddRow(schema::Additives,
          {{"SetName", "SET"}, {"Add_Name0", "GLOSS"}, {"Add_Percent0", 5.0F}, {"SetList", "<GLOSS>"}});
@@ -350,6 +351,16 @@ TEST_F(BasicColorsTest, WhatIsUsedIsNotDeleted) {
                 "Basic / Additive is used in an Additive Set.\n\nModify Additive Set before deleting.");
   Click(*form, "cmdDelete");
   EXPECT_TRUE(BasicColorExists(session, "GLOSS"));
+
+  // A Design of this Database holds it; one of another Database, or as a formula, holds something else.
+  AddRow(schema::Designs, {{"DesignID", "D1"}, {"IngName3", "WASH"}, {"IngDB3", "INK"}, {"IngSet", "<WASH>"}});
+  AddRow(schema::Designs, {{"DesignID", "D2"}, {"IngName0", "PLAIN"}, {"IngDB0", "UV"}, {"IngSet", "<PLAIN>"}});
+  AddRow(schema::Designs,
+         {{"DesignID", "D3"}, {"IngName0", "PLAIN"}, {"IngType0", 2}, {"IngDB0", "INK"}, {"IngSet", "<PLAIN>"}});
+  Fill(*form, kName, "WASH");
+  prompt.Expect("Additive Set Color", Answer::Ok,
+                "Basic / Additive is used in a Job Design.\n\nModify Job Design before deleting.");
+  Click(*form, "cmdDelete");
 
   Fill(*form, kName, "PLAIN");
   prompt.Expect("Basic Color Window - Delete Basic Color?", Answer::No);
