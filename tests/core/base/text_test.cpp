@@ -71,9 +71,15 @@ TEST(Files, ReplacedInOneStepOrNotAtAll) {
     EXPECT_NE(failure.subject.find("missing/a.dat"), std::string::npos);
     EXPECT_EQ(failure.cause, "No such file or directory");
   }
-  // A disk that fills up: the device that is always full stands in for the temp file.
-  EXPECT_THROW(ReplaceFile(path, "/dev/full", "third"), Failure);
+  // A disk that fills up: a link to the device that is always full stands in for the temp file, which is removed then.
+  std::filesystem::create_symlink("/dev/full", folder / "a.tmp");
+  EXPECT_THROW(ReplaceFile(path, folder / "a.tmp", "third"), Failure);
+  EXPECT_FALSE(std::filesystem::is_symlink(folder / "a.tmp"));
   EXPECT_EQ(ReadFileBytes(path), "second");
+  // A device is no file to be replaced.
+  std::filesystem::create_symlink("/dev/null", folder / "null");
+  EXPECT_THROW(ReplaceFile(folder / "null", "third"), Failure);
+  EXPECT_TRUE(std::filesystem::is_character_file(folder / "null"));
 }
 
 TEST(ChangeNotices, EndWithTheirSubscriptionAlsoWhileBeingTold) {
