@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <time.h>
+
 #include <QApplication>
 #include <QString>
 #include <QTest>
@@ -42,6 +44,26 @@ void Click(QWidget& widget);
 void Click(QWidget& root, const char* name);
 /// The objectName of the control with the focus.
 std::string FocusName();
+
+/// Milliseconds of processor time that this thread used since the object was made: what a limit can hold on a machine
+/// that is busy with other things. Under a sanitizer everything takes kSlower times as long.
+class CpuTimer {
+ public:
+  double Ms() const { return Now() - begin_; }
+
+ private:
+  static double Now() {
+    timespec time{};
+    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);
+    return static_cast<double>(time.tv_sec) * 1e3 + static_cast<double>(time.tv_nsec) / 1e6;
+  }
+  double begin_ = Now();
+};
+#if defined(__SANITIZE_ADDRESS__)
+inline constexpr double kSlower = 12;
+#else
+inline constexpr double kSlower = 1;
+#endif
 
 /// Shows a window as the operator would have it, with the focus.
 void ShowActive(QWidget& window);

@@ -1,6 +1,6 @@
 #include "core/inventory/lots.h"
 
-#include <chrono>
+#include <ctime>
 #include <random>
 #include <set>
 
@@ -86,7 +86,7 @@ TEST(LotReferences, FiftyThousandLotsAreNoBurden) {
   StockRoom room;
   room.Color(ColorKind::Basic, "RED", 0, {{"LotRefID", 0}});
   room.FillLots(ColorKind::Basic, "RED", 50000);
-  const auto start = std::chrono::steady_clock::now();
+  const std::clock_t start = std::clock();
   {
     Transaction transaction(room.session.File());
     for (int i = 1; i <= 500; ++i) {
@@ -96,7 +96,7 @@ TEST(LotReferences, FiftyThousandLotsAreNoBurden) {
     }
     transaction.Commit();
   }
-  EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(5));
+  EXPECT_LT((std::clock() - start) / CLOCKS_PER_SEC, 5);  // processor time
 }
 
 TEST(LotReferences, AFullColourGrantsNone) {
@@ -104,9 +104,9 @@ TEST(LotReferences, AFullColourGrantsNone) {
   room.Color(ColorKind::Mix, "FULL", 1, {{"LotRefID", 999998}, {"BasicCost", 2.0F}});
   room.FillLots(ColorKind::Mix, "FULL", 999998);
 
-  const auto start = std::chrono::steady_clock::now();
+  const std::clock_t start = std::clock();
   EXPECT_EQ(NextLotRefID_Mix(room.session, "FULL"), -1);
-  EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(5));
+  EXPECT_LT((std::clock() - start) / CLOCKS_PER_SEC, 5);  // processor time
   EXPECT_EQ(room.Scalar("SELECT LotRefID FROM INK_Mix").Whole(), 999998);
 
   Posting made{PostingSource::BatchMakes, ColorKind::Mix, "FULL", {}, 5, LotTarget{.LotNumber = "B1"}};

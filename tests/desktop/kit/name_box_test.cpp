@@ -3,7 +3,6 @@
 #include <QAbstractItemView>
 #include <QClipboard>
 #include <QCompleter>
-#include <QElapsedTimer>
 
 #include "desktop/kit/window.h"
 #include "support/desk.h"
@@ -151,13 +150,12 @@ TEST_F(NameBoxTest, CompletesFromAHundredThousandNamesBetweenTwoKeys) {
   box.SetSource(SortedNames(names));
   double worst = 0;
   for (const char key : std::string("INK 12345")) {
-    QElapsedTimer clock;
-    clock.start();
+    const CpuTimer timer;
     QTest::keyClick(&box, key);
-    worst = std::max(worst, static_cast<double>(clock.nsecsElapsed()) / 1e6);
+    worst = std::max(worst, timer.Ms());
   }
   std::cout << "slowest key: " << worst << " ms\n";
-  EXPECT_LT(worst, 20);
+  EXPECT_LT(worst, 20 * kSlower);
 }
 
 TEST_F(NameBoxTest, Looks) {
