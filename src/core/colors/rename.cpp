@@ -27,7 +27,10 @@ std::unexpected<Refusal> RefuseBasicName(std::string_view title, std::string tex
   return Refuse(Padded(kTitleBlanks, title), std::move(text), std::string(kField));
 }
 
-std::vector<Cell> NameCells(const std::string& name, const BookData& book) {
+// The guide's data come with the name. A swatch that was set by hand belongs to the ink and stays when no guide knows
+// the colour under either name.
+std::vector<Cell> NameCells(const std::string& name, const BookData& before, const BookData& book) {
+  if (before.Color_Guide.empty() && book.Color_Guide.empty()) return {{"Color_Name", name}};
   return {{"Color_Name", name}, {"Color_Guide", book.Color_Guide},
           {"Page", book.Page},  {"Row", book.Row},
           {"Red", book.Red},    {"Green", book.Green},
@@ -119,7 +122,7 @@ void RenameBasicEverywhere(Session& session, ProgressRun* progress, Transaction&
 
 void WriteBasicName(Session& session, const BasicColor& color, const std::string& newName) {
   UpdateRow(session.File(), schema::Basic, session.Table(schema::Basic), color.rowId,
-            NameCells(newName, BookDataOfBasic(session, newName)));
+            NameCells(newName, color.book, BookDataOfBasic(session, newName)));
 }
 
 void RenameOrMergeBasic(Session& session, const BasicColor& color, const std::string& newName, bool merge) {
@@ -141,7 +144,7 @@ void RenameOrMergeBasic(Session& session, const BasicColor& color, const std::st
 
 void RenameMixEverywhere(Session& session, Transaction& transaction, const MixColor& mix, const std::string& newName) {
   UpdateRow(session.File(), schema::Mix, session.Table(schema::Mix), mix.rowId,
-            NameCells(newName, BookDataOfMix(session, newName)));
+            NameCells(newName, mix.book, BookDataOfMix(session, newName)));
   RenameReferences(session.File(), session.CurrentDatabase, ColorKind::Mix, mix.Color_Name, newName);
   transaction.Note({Change::Kind::Mix, session.CurrentDatabase, mix.Color_Name, Change::What::Renamed, newName});
 }

@@ -259,5 +259,13 @@ TEST(Rename, NamesMatchAsAWhole) {
   EXPECT_EQ(ReadMix(room.session, "M")->Color_Set, "<ABC><X><Y>");
 }
 
+TEST(Rename, ASwatchSetByHandStays) {
+  InkRoom room;
+  room.Basic("RED", {{"Color_Guide", ""}, {"Page", "0"}, {"Red", 200}, {"Green", 20}, {"Blue", 30}});
+  ASSERT_TRUE(RenameBasic(room.session, "RED", "CRIMSON"));
+  const BasicColor crimson = *ReadBasic(room.session, "CRIMSON");
+  EXPECT_EQ(crimson.book, (BookData{"", "0", 0, 200, 20, 30}));
+}
+
 }  // namespace
 }  // namespace vellumark
