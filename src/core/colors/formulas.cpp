@@ -8,6 +8,7 @@
 #include "core/base/text.h"
 #include "core/colors/basics.h"
 #include "core/colors/color_set.h"
+#include "core/colors/figure_book.h"
 #include "core/colors/names.h"
 #include "core/datafile/references.h"
 
@@ -196,26 +197,39 @@ std::optional<MixColor> ReadMixRow(const Session& session, std::int64_t rowId) {
   return ReadRow(row);
 }
 
-RolledUp RollUpRecipe(const Session& session, const Recipe& recipe, std::string_view database) {
+FigureBook::FigureBook(const Session& session, std::string_view database)
+    : session_(session),
+      sql_(fmt::format("SELECT PurchaseCost, VOC, HAP FROM {} WHERE Color_Name = ? ORDER BY rowid LIMIT 1",
+                       Quoted(session.Table(schema::Basic, database)))) {}
+
+const FigureBook::Figures& FigureBook::Of(const std::string& name) {
+  const auto [place, isNew] = read_.try_emplace(name);
+  if (isNew) {
+    Statement row = session_.File().Prepare(sql_);
+    row.Bind(1, name);
+    if (row.Step()) place->second = {row.Single(0), row.Single(1), row.Single(2)};
+  }
+  return place->second;
+}
+
+RolledUp FigureBook::RollUp(const Recipe& recipe) {
   float cost = 0;
   float voc = 0;
   float hap = 0;
   const auto added = [](float sum, float figure, double amount) {
     return static_cast<float>(sum + figure * static_cast<double>(static_cast<float>(amount)) / 100);
   };
-  Statement row = session.File().Prepare(
-      fmt::format("SELECT PurchaseCost, VOC, HAP FROM {} WHERE Color_Name = ? ORDER BY rowid LIMIT 1",
-                  Quoted(session.Table(schema::Basic, database))));
   for (const Ingredient& line : recipe) {
-    row.Bind(1, line.name);
-    if (row.Step()) {
-      cost = added(cost, row.Single(0), line.amount);
-      voc = added(voc, row.Single(1), line.amount);
-      hap = added(hap, row.Single(2), line.amount);
-    }
-    row.Reset();
+    const Figures& figures = Of(line.name);
+    cost = added(cost, figures.cost, line.amount);
+    voc = added(voc, figures.voc, line.amount);
+    hap = added(hap, figures.hap, line.amount);
   }
-  return {RoundSingle(cost, session.DecimalPlaces), RoundSingle(voc, 3), RoundSingle(hap, 3)};
+  return {RoundSingle(cost, session_.DecimalPlaces), RoundSingle(voc, 3), RoundSingle(hap, 3)};
+}
+
+RolledUp RollUpRecipe(const Session& session, const Recipe& recipe, std::string_view database) {
+  return FigureBook(session, database).RollUp(recipe);
 }
 
 RecipeReader::RecipeReader(const Session& session)

@@ -10,6 +10,7 @@
 #include "core/base/text.h"
 #include "core/colors/amounts.h"
 #include "core/colors/basics.h"
+#include "core/colors/figure_book.h"
 #include "core/colors/formulas.h"
 #include "core/exchange/mfe.h"
 
@@ -118,8 +119,8 @@ const std::vector<std::string> kNewRow{"Color_Name", "Color_Code",  "Inventory",
                                        "LotRefID",   "Color_Guide", "Page",        "Row",     "Red",
                                        "Green",      "Blue",        "Date_Entered"};
 
-void SetFigures(Session& session, RecipeWriter& writer, const Recipe& recipe) {
-  const RolledUp figures = RollUpRecipe(session, recipe);
+void SetFigures(const Session& session, FigureBook& book, RecipeWriter& writer, const Recipe& recipe) {
+  const RolledUp figures = book.RollUp(recipe);
   writer.Set(recipe, "")
       .SetMore(0, figures.BasicCost)
       .SetMore(1, figures.BasicVOC)
@@ -130,7 +131,7 @@ void SetFigures(Session& session, RecipeWriter& writer, const Recipe& recipe) {
 class FormulaWriter {
  public:
   explicit FormulaWriter(Session& session)
-      : session_(session), changed_(session, {}, kFigures), added_(session, {}, NewRowFields()) {
+      : session_(session), book_(session), changed_(session, {}, kFigures), added_(session, {}, NewRowFields()) {
     std::size_t place = kFigures.size() + 1;
     for (const Value& value :
          {Value(""), Value(0.0F), Value(0.0F), Value(0.0F), Value(true), Value(""), Value(""), Value(0.0F), Value(0.0F),
@@ -140,7 +141,7 @@ class FormulaWriter {
 
   void Write(const Incoming& formula) {
     RecipeWriter& writer = formula.rowId == 0 ? added_ : changed_;
-    SetFigures(session_, writer, formula.recipe);
+    SetFigures(session_, book_, writer, formula.recipe);
     if (formula.rowId == 0) {
       writer.SetMore(kFigures.size(), formula.name).Insert();
     } else {
@@ -156,6 +157,7 @@ class FormulaWriter {
   }
 
   Session& session_;
+  FigureBook book_;
   RecipeWriter changed_;
   RecipeWriter added_;
 };
