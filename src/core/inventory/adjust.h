@@ -122,5 +122,8 @@ Result<void> ApplyAdjust(const Session& session, InventoryWork& work, const Adju
 /// changed lots in Batches and Job Records. The number of new lots that got no reference and so were left out, which is
 /// also told; the working copy has to be loaded anew afterwards. Refused while the file is an archive copy.
 Result<int> SaveInventory(Session& session, const InventoryWork& work);
+/// The same within the caller's transaction; whether the file may be written, and telling of what was left out, are the
+/// caller's.
+int WriteInventory(Session& session, const InventoryWork& work);
 
 }  // namespace vellumark

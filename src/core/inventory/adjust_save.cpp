@@ -143,11 +143,16 @@ class InventorySave {
 
 }  // namespace
 
-Result<int> SaveInventory(Session& session, const InventoryWork& work) {
-  if (const auto writable = RequireWritable(session); !writable) return std::unexpected(writable.error());
+int WriteInventory(Session& session, const InventoryWork& work) {
   Transaction transaction(session.File());
   const int leftOut = InventorySave(session, work, transaction).Run();
   transaction.Commit();
+  return leftOut;
+}
+
+Result<int> SaveInventory(Session& session, const InventoryWork& work) {
+  if (const auto writable = RequireWritable(session); !writable) return std::unexpected(writable.error());
+  const int leftOut = WriteInventory(session, work);
   if (leftOut > 0) ShowMaxLotUsage(session);
   return leftOut;
 }

@@ -1,0 +1,66 @@
+#pragma once
+
+#include <functional>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "core/inventory/adjust.h"
+
+namespace vellumark {
+
+/// What the inventory window holds of one colour beside its stock. Numbers are texts, as they stand in the fields;
+/// those of the second group are a formula's, to be read only.
+struct StockRecord {
+  ColorKind kind = ColorKind::Basic;
+  std::string Color_Name;
+  std::string Color_Code;
+  std::string Reorder;
+  std::string PurchaseCost;
+  std::string VOC;
+  std::string HAP;
+  std::string Inv_Note;
+  std::string Notes;
+  bool Recycle = true;  ///< of a formula
+
+  std::string BasicCost;
+  std::string VOCBasics;
+  std::string HAPBasics;
+
+  int Red = 0;
+  int Green = 0;
+  int Blue = 0;
+};
+
+/// The colour as it is on file; nothing when it is missing.
+std::optional<StockRecord> LoadStockRecord(const Session& session, ColorKind kind, std::string_view name);
+
+/// Which figure of the record is meant.
+enum class StockFigure { Reorder, PurchaseCost, VOC, HAP };
+/// Reads a figure as typed: 0 to 99999, rounded to its decimals; the text as its field shows it.
+Result<std::string> ReadStockFigure(const Session& session, StockFigure figure, std::string_view typed);
+
+/// Checks the figures in their order and writes record and stock in one transaction. Changed figures of a Basic Color
+/// set the session's flags.
+Result<void> SaveStockRecord(Session& session, const StockRecord& record, const InventoryWork& stock);
+
+/// Saves a colour by `saveColor` and its stock in one transaction: all of it or nothing. Without `stock` the stock
+/// stays as it is.
+Result<void> SaveWithStock(Session& session, const std::function<Result<void>()>& saveColor,
+                           const InventoryWork* stock);
+
+/// A colour that is being entered: nothing but an empty first row.
+InventoryWork NewInventory(const Session& session, ColorKind kind, std::string name);
+
+/// True when the total on file is below the reorder point.
+bool IsBelowReorder(const Session& session, ColorKind kind, std::string_view name);
+
+// Names of Basic Colors and formulas together.
+
+/// What the typed text completes to, tried behind "PANTONE " first. Empty when there is none.
+std::string CompleteColorName(const Session& session, std::string_view typed);
+/// The names that begin with the typed text, at most `limit`, each once.
+std::vector<std::string> ColorNamesFrom(const Session& session, std::string_view typed, std::size_t limit);
+
+}  // namespace vellumark
