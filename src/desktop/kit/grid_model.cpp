@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <compare>
+#include <iterator>
 #include <numeric>
 
 #include "core/base/text.h"
@@ -108,13 +109,14 @@ void GridModel::SortRows() {
   std::iota(sorted_.begin(), sorted_.end(), 0);
   const int columns = static_cast<int>(columns_.size());
   if (source_ == nullptr || sort_.column < 0 || sort_.column >= columns) return;
+  const auto begin = sorted_.begin() + std::min<std::ptrdiff_t>(source_->FixedRows(), std::ssize(sorted_));
   const SortKeys first(*source_, Column(sort_.column), sort_.column, sort_.descending);
   if (sort_.second < 0 || sort_.second >= columns) {
-    std::ranges::stable_sort(sorted_, [&](int a, int b) { return first.Compare(a, b) < 0; });
+    std::stable_sort(begin, sorted_.end(), [&](int a, int b) { return first.Compare(a, b) < 0; });
     return;
   }
   const SortKeys second(*source_, Column(sort_.second), sort_.second, sort_.secondDescending);
-  std::ranges::stable_sort(sorted_, [&](int a, int b) {
+  std::stable_sort(begin, sorted_.end(), [&](int a, int b) {
     const auto order = first.Compare(a, b);
     return order != 0 ? order < 0 : second.Compare(a, b) < 0;
   });
@@ -158,8 +160,9 @@ void GridModel::FilterRows() {
     at = haystack_.find(words.front(), rowStarts_[row + 1]);
   }
   shown_.clear();
+  const int fixed = source_ == nullptr ? 0 : source_->FixedRows();
   for (const int candidate : sorted_) {
-    if (matches[static_cast<std::size_t>(candidate)] != 0) shown_.push_back(candidate);
+    if (candidate < fixed || matches[static_cast<std::size_t>(candidate)] != 0) shown_.push_back(candidate);
   }
 }
 

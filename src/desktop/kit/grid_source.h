@@ -55,6 +55,8 @@ class GridSource {
  public:
   virtual ~GridSource() = default;
   virtual int Rows() const = 0;
+  /// The first so many rows stay on top however the others are sorted, and no filter hides them.
+  virtual int FixedRows() const { return 0; }
   /// As shown.
   virtual std::string Text(int row, int column) const = 0;
   /// What a column of numbers or dates is sorted by; kNoNumber for an empty cell. Without an own answer, the number
