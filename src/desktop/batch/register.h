@@ -1,0 +1,26 @@
+#pragma once
+
+#include "desktop/kit/window_list.h"
+
+namespace vellumark::desktop {
+
+/// The Batch Window and everything that it opens.
+void RegisterBatchWindows(WindowList& windows);
+
+/// The windows around the Batch Window; a part of RegisterBatchWindows. What they take and give:
+///
+///   CostInfForm              {"Record", BatchRecord*}: shows its costs, changes its cost model by CostModelForm
+///   CostModelForm            {"Record", BatchRecord*}: changes its cost model
+///   VOC_HAP_CalcForm         {"Record", BatchRecord*}: changes its emission models
+///   MoreDataForm             {"Record", BatchRecord*}: changes its user-defined fields and lab values
+///   SaveModifiedBatch        {"Record", const BatchRecord*}; gives {"Choice", ModifiedBatchChoice}
+///   BatchFormLotNumReminder  nothing; gives {"Answer", LotReminderAnswer}
+///   BatchSettingsForm        nothing; tells of what it stored as a change of Settings
+///   RecentBatchesForm        nothing; gives {"BatchNo", number}
+///   ViewBatchForm            a child window; {"BatchNo", number}
+///
+/// The record belongs to the caller, who waits until the dialog closes; a dialog that gives nothing back was cancelled
+/// and has changed nothing.
+void RegisterBatchSideWindows(WindowList& windows);
+
+}  // namespace vellumark::desktop

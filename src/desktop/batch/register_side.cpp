@@ -1,0 +1,7 @@
+#include "desktop/batch/register.h"
+
+namespace vellumark::desktop {
+
+void RegisterBatchSideWindows(WindowList&) {}
+
+}  // namespace vellumark::desktop
