@@ -53,10 +53,15 @@ Result<Target> ReadTarget(const Session& session, std::string_view typed, std::s
   return target;
 }
 
-// The source's lines beside its own Additive Set.
-Recipe WorkingList(const Session& session, const MixColor& source) {
-  const auto set = ReadAdditiveSet(session, source.AddSetName);
-  const Recipe all = source.Ingredients();
+// What is copied: a formula's lines beside its own Additive Set.
+struct Source {
+  std::string name;
+  Recipe list;
+  std::vector<NewIngredient> newIngredients = {};
+};
+
+Recipe WithoutOwnSet(const Session& session, const Recipe& all, std::string_view setName) {
+  const auto set = ReadAdditiveSet(session, setName);
   if (!set) return all;
   Recipe rest = WithoutSet(all, set->rows);
   return rest.empty() ? all : rest;
@@ -68,12 +73,17 @@ bool SetFits(const Recipe& list, const AdditiveSet& set) {
   return !others.empty() && others.size() + set.rows.size() <= static_cast<std::size_t>(schema::kIngredientSlots);
 }
 
-void AddMissingIngredients(Session& session, const std::string& database, Recipe& recipe) {
-  for (Ingredient& line : recipe) {
-    if (BasicColorExists(session, line.name, database)) continue;
-    const auto source = ReadBasic(session, line.name);
-    line.name = AddZeroBasic(session, line.name, source && source->Additive, database);
-  }
+bool IsAdditive(const Session& session, const Source& source, std::string_view name) {
+  for (const NewIngredient& added : source.newIngredients)
+    if (EqualNoCase(added.name, name)) return added.additive;
+  const auto basic = ReadBasic(session, name);
+  return basic && basic->Additive;
+}
+
+void AddMissingIngredients(Session& session, const std::string& database, const Source& source, Recipe& recipe) {
+  for (Ingredient& line : recipe)
+    if (!BasicColorExists(session, line.name, database))
+      line.name = AddZeroBasic(session, line.name, IsAdditive(session, source, line.name), database);
 }
 
 std::vector<Cell> NewRecordCells(const Session& session) {
@@ -131,14 +141,13 @@ void TellDone(Session& session, const Target& target, std::string_view source) {
   }
 }
 
-}  // namespace
+Result<void> MayDuplicate(const Session& session) {
+  if (auto writable = RequireWritable(session); !writable) return writable;
+  return RequireFormulaRight(session);
+}
 
-Result<Duplicated> DuplicateFormula(Session& session, std::string_view source, std::string_view typed,
-                                    std::string_view targetDatabase, std::string_view setName) {
-  if (auto writable = RequireWritable(session); !writable) return std::unexpected(writable.error());
-  if (auto right = RequireFormulaRight(session); !right) return std::unexpected(right.error());
-  const auto mix = ReadMix(session, source);
-  if (!mix) return Refuse("Color Not Found", fmt::format("{} is not found in this database.", source), "Color_Name");
+Result<Duplicated> Duplicate(Session& session, const Source& source, std::string_view typed,
+                             std::string_view targetDatabase, std::string_view setName) {
   const auto target = ReadTarget(session, typed, targetDatabase, setName);
   if (!target) return std::unexpected(target.error());
   if (target->existing &&
@@ -149,7 +158,7 @@ Result<Duplicated> DuplicateFormula(Session& session, std::string_view source, s
                           Answer::No))
     return Duplicated{};
 
-  Recipe list = WorkingList(session, *mix);
+  Recipe list = source.list;
   if (list.empty()) return Refuse(Padded(30, "Invalid Formula"), "Can't save a formula with no ingredients.", "BC0");
   const bool withSet = target->set && SetFits(list, *target->set);
   if (target->set && !withSet)
@@ -159,14 +168,33 @@ Result<Duplicated> DuplicateFormula(Session& session, std::string_view source, s
                         "information.");
 
   Transaction transaction(session.File());
-  AddMissingIngredients(session, target->database, list);
+  AddMissingIngredients(session, target->database, source, list);
   const Recipe recipe = withSet ? NormaliseWithSet(list, target->set->rows) : Normalise(list);
   Store(session, *target, recipe, withSet ? target->set->SetName : std::string());
   transaction.Note({Change::Kind::Mix, target->database, target->name,
                     target->existing ? Change::What::Updated : Change::What::Added, ""});
   transaction.Commit();
-  TellDone(session, *target, mix->Color_Name);
+  TellDone(session, *target, source.name);
   return Duplicated{true, target->existing.has_value(), withSet, target->name};
+}
+
+}  // namespace
+
+Result<Duplicated> DuplicateFormula(Session& session, std::string_view source, std::string_view typed,
+                                    std::string_view targetDatabase, std::string_view setName) {
+  if (auto may = MayDuplicate(session); !may) return std::unexpected(may.error());
+  const auto mix = ReadMix(session, source);
+  if (!mix) return Refuse("Color Not Found", fmt::format("{} is not found in this database.", source), "Color_Name");
+  return Duplicate(session, {mix->Color_Name, WithoutOwnSet(session, mix->Ingredients(), mix->AddSetName)}, typed,
+                   targetDatabase, setName);
+}
+
+Result<Duplicated> DuplicateFormula(Session& session, const FormulaWork& source, std::string_view typed,
+                                    std::string_view targetDatabase, std::string_view setName) {
+  if (auto may = MayDuplicate(session); !may) return std::unexpected(may.error());
+  if (auto valid = ValidateFormula(session, source); !valid) return std::unexpected(valid.error());
+  return Duplicate(session, {source.Color_Name, GridRecipe(source), source.newIngredients}, typed, targetDatabase,
+                   setName);
 }
 
 }  // namespace vellumark

@@ -3,7 +3,7 @@
 #include <string>
 #include <string_view>
 
-#include "core/session/session.h"
+#include "core/colors/formula_work.h"
 
 namespace vellumark {
 
@@ -16,8 +16,12 @@ struct Duplicated {
 };
 
 /// Copies a formula under a new name into a Database of the file (empty: the current one), with an Additive Set of that
-/// Database or none. Ingredients that the Database lacks are made there with zero figures. Tells when it is done.
+/// Database or none; the set of the formula itself stays behind. Ingredients that the Database lacks are made there
+/// with zero figures. Tells when it is done.
 Result<Duplicated> DuplicateFormula(Session& session, std::string_view source, std::string_view typed,
+                                    std::string_view targetDatabase = {}, std::string_view setName = {});
+/// The same of a formula with the recipe that stands on screen, saved or not; one that is not valid is refused.
+Result<Duplicated> DuplicateFormula(Session& session, const FormulaWork& source, std::string_view typed,
                                     std::string_view targetDatabase = {}, std::string_view setName = {});
 
 }  // namespace vellumark

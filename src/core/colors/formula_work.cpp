@@ -35,14 +35,6 @@ std::optional<double> AmountOf(std::string_view typed) {
   return number;
 }
 
-// The filled rows of the grid, in order; a row without a number counts as nothing.
-Recipe GridRecipe(const FormulaWork& work) {
-  Recipe recipe;
-  for (const FormulaWork::Row& row : work.grid)
-    if (IsFilled(row)) recipe.push_back({Trim(row.BC), RoundTo(AmountOf(row.BQ).value_or(0), 3)});
-  return recipe;
-}
-
 void ShowGrid(FormulaWork& work, const Recipe& recipe) {
   for (std::size_t n = 0; n < work.grid.size(); ++n)
     work.grid[n] =
@@ -199,6 +191,12 @@ void AddNewRecordCells(const Session& session, const FormulaWork& work, std::vec
                              {"Blue", book.Blue}});
 }
 
+Result<double> ReadAdjustPercent(std::string_view typed) {
+  const double value = RoundTo(AmountOf(typed).value_or(0), 2);
+  if (value > 0 && value < 100) return value;
+  return Refuse("Invalid Percentage", "You must enter a valid percentage > 0 and < 100.", "txtPercent");
+}
+
 // After a save the fields show what was stored.
 void Reload(const Session& session, FormulaWork& work) {
   const auto mix = ReadMix(session, work.Color_Name);
@@ -209,6 +207,13 @@ void Reload(const Session& session, FormulaWork& work) {
 }
 
 }  // namespace
+
+Recipe GridRecipe(const FormulaWork& work) {
+  Recipe recipe;
+  for (const FormulaWork::Row& row : work.grid)
+    if (IsFilled(row)) recipe.push_back({Trim(row.BC), RoundTo(AmountOf(row.BQ).value_or(0), 3)});
+  return recipe;
+}
 
 Result<void> CheckNewMixName(const Session& session, const std::string& name) {
   if (session.Perm_MasterFormula != 1)
@@ -430,6 +435,12 @@ Result<bool> DeleteMix(Session& session, const std::string& name) {
   return true;
 }
 
+Result<std::string> EnterAdjustPercent(std::string_view typed) {
+  const Result<double> value = ReadAdjustPercent(typed);
+  if (!value) return std::unexpected(value.error());
+  return Fixed(*value, 2);
+}
+
 std::vector<std::string> AdjustChoices(const Session& session, const FormulaWork& work, FormulaAdjustment adjustment) {
   const Recipe set = SetRows(session, work.AddSetName);
   const Recipe grid = WithoutSet(GridRecipe(work), set);
@@ -442,10 +453,9 @@ std::vector<std::string> AdjustChoices(const Session& session, const FormulaWork
 
 Result<void> AdjustFormula(Session& session, FormulaWork& work, FormulaAdjustment adjustment,
                            std::string_view ingredient, std::string_view percent) {
-  const auto typed = AmountOf(percent);
-  const double value = typed ? RoundTo(*typed, 2) : 0;
-  if (!(value > 0 && value < 100))
-    return Refuse("Invalid Percentage", "You must enter a valid percentage > 0 and < 100.", "txtPercent");
+  const Result<double> read = ReadAdjustPercent(percent);
+  if (!read) return std::unexpected(read.error());
+  const double value = *read;
   const std::vector<std::string> choices = AdjustChoices(session, work, adjustment);
   const auto choice = std::ranges::find_if(choices, [&](const std::string& c) { return EqualNoCase(c, ingredient); });
   if (choice == choices.end())

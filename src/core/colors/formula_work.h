@@ -47,6 +47,9 @@ struct FormulaWork {
   std::string loadedHAP;
 };
 
+/// The filled rows of the grid, in order; a row without a number counts as nothing.
+Recipe GridRecipe(const FormulaWork& work);
+
 /// Leaving the name field, as for a Basic Color; a formula is found by its code too.
 Result<NameEntry> EnterMixName(Session& session, std::string_view typed);
 Result<void> CheckNewMixName(const Session& session, const std::string& name);
@@ -96,6 +99,8 @@ Result<void> SaveFormula(Session& session, FormulaWork& work);
 Result<bool> DeleteMix(Session& session, const std::string& name);
 
 enum class FormulaAdjustment { Increase, Decrease, Add };
+/// The percentage of an adjustment: numeric, above 0 and below 100; the text as the field shows it, two decimals.
+Result<std::string> EnterAdjustPercent(std::string_view typed);
 /// Changes one ingredient by a percentage above 0 and below 100, or adds it with that percentage as its amount, and
 /// saves the formula at parts of 100.
 Result<void> AdjustFormula(Session& session, FormulaWork& work, FormulaAdjustment adjustment,

@@ -5,6 +5,7 @@
 #include <algorithm>
 
 #include "core/base/number.h"
+#include "core/colors/amounts.h"
 #include "core/colors/color_set.h"
 #include "core/colors/names.h"
 
@@ -27,6 +28,19 @@ std::string SlotColumns() {
     for (int n = 0; n < schema::kIngredientSlots; ++n)
       columns += fmt::format("{}{}{}", columns.empty() ? "" : ", ", word, n);
   return columns;
+}
+
+constexpr const char* kRevertTitle = "Revert Back To Original Formula?";
+
+Result<void> RequireRevert(const Session& session, std::string_view name) {
+  if (auto writable = RequireWritable(session); !writable) return writable;
+  if (auto right = RequireFormulaRight(session); !right) return right;
+  if (CanRevertToGuide(session, name)) return {};
+  return Refuse(kRevertTitle,
+                fmt::format("The published formula of {} is not there, or one of its ingredients is not in this "
+                            "database.",
+                            name),
+                "cmdRevert");
 }
 
 }  // namespace
@@ -79,29 +93,33 @@ Result<FormulaComparison> CompareFormula(const Session& session, std::string_vie
                            CanRevertToGuide(session, mix->Color_Name)};
 }
 
-Result<bool> RevertToGuide(Session& session, FormulaWork& work) {
-  if (auto writable = RequireWritable(session); !writable) return std::unexpected(writable.error());
-  const auto published = ReadTemplateRecipe(session, work.Color_Name);
-  if (!published || !CanRevertToGuide(session, work.Color_Name))
-    return Refuse("Revert Back To Original Formula?",
-                  fmt::format("The published formula of {} is not there, or one of its ingredients is not in this "
-                              "database.",
-                              work.Color_Name),
-                  "cmdRevert");
-  if (!session.prompt.Ask("Revert Back To Original Formula?",
-                          "This formula will be changed back to published Pantone specifi"
-                          "cations.\n\nAre you sure you "
-                          "want to revert back to the original Pantone formula?",
-                          Answer::No))
-    return false;
+Result<bool> AskRevertToGuide(Session& session, std::string_view name) {
+  if (auto can = RequireRevert(session, name); !can) return std::unexpected(can.error());
+  return session.prompt.Ask(kRevertTitle,
+                            "This formula will be changed back to published Pantone specifi"
+                            "cations.\n\nAre you sure you "
+                            "want to revert back to the original Pantone formula?",
+                            Answer::No);
+}
+
+Result<void> PutBackToGuide(Session& session, FormulaWork& work) {
+  if (auto can = RequireRevert(session, work.Color_Name); !can) return can;
+  const Recipe published = *ReadTemplateRecipe(session, work.Color_Name);
   FormulaWork reverted = work;
   reverted.AddSetName.clear();
   reverted.AllowEditing = false;
   for (std::size_t n = 0; n < reverted.grid.size(); ++n)
-    reverted.grid[n] = n < published->size() ? FormulaWork::Row{(*published)[n].name, Fixed((*published)[n].amount, 3)}
-                                             : FormulaWork::Row{};
-  if (auto saved = SaveFormula(session, reverted); !saved) return std::unexpected(saved.error());
+    reverted.grid[n] =
+        n < published.size() ? FormulaWork::Row{published[n].name, Fixed(published[n].amount, 3)} : FormulaWork::Row{};
+  if (auto saved = SaveFormula(session, reverted); !saved) return saved;
   work = std::move(reverted);
+  return {};
+}
+
+Result<bool> RevertToGuide(Session& session, FormulaWork& work) {
+  const Result<bool> agreed = AskRevertToGuide(session, work.Color_Name);
+  if (!agreed || !*agreed) return agreed;
+  if (auto put = PutBackToGuide(session, work); !put) return std::unexpected(put.error());
   return true;
 }
 

@@ -28,8 +28,11 @@ Result<FormulaComparison> CompareFormula(const Session& session, std::string_vie
 /// True when every published ingredient of the formula is still in the Database.
 bool CanRevertToGuide(const Session& session, std::string_view name);
 
-/// Puts a formula back to the published recipe after asking: no Additive Set, saved and rolled up. False when the
-/// operator declined.
+/// The question before a formula is put back; refused where that cannot be done.
+Result<bool> AskRevertToGuide(Session& session, std::string_view name);
+/// Puts a formula back to the published recipe: no Additive Set, no longer open for editing, saved and rolled up.
+Result<void> PutBackToGuide(Session& session, FormulaWork& work);
+/// Both. False when the operator declined.
 Result<bool> RevertToGuide(Session& session, FormulaWork& work);
 
 }  // namespace vellumark

@@ -1,8 +1,11 @@
 #include "desktop/colors/register.h"
 
+#include "desktop/colors/adjust_formula_form.h"
 #include "desktop/colors/basic_color_used_in_mix_form.h"
 #include "desktop/colors/basic_colors_form.h"
 #include "desktop/colors/colors_menu.h"
+#include "desktop/colors/compare_formulas_form.h"
+#include "desktop/colors/duplicate_formula_form.h"
 #include "desktop/colors/new_basic_name_form.h"
 #include "desktop/colors/where_used_form.h"
 
@@ -13,6 +16,9 @@ void RegisterColorsWindows(WindowList& windows) {
   windows.Register<BasicColorsForm>("BasicColorsForm");
   windows.RegisterDialog<NewBasicNameForm>("NewBasicNameForm");
   windows.RegisterDialog<BasicColorUsedInMixForm>("BasicColorUsedInMixForm");
+  windows.RegisterDialog<DuplicateFormulaForm>("DuplicateFormulaForm");
+  windows.RegisterDialog<AdjustFormulaForm>("AdjustFormulaForm");
+  windows.RegisterDialog<CompareFormulasForm>("CompareFormulasForm");
   windows.RegisterDialog<WhereUsedForm>("WhereUsedForm");
 }
 
