@@ -174,6 +174,14 @@ float TotalStock(const Session& session, ColorKind kind, std::string_view name, 
   return RoundSingle(unlotted + LotQtyTotal(session, kind, name, database), 3);
 }
 
+float UnlottedPrice(const Session& session, ColorKind kind, std::string_view name, std::string_view database) {
+  return session.File()
+      .Scalar(fmt::format("SELECT {} FROM {} WHERE Color_Name = ?1 ORDER BY rowid LIMIT 1",
+                          kind == ColorKind::Mix ? "BasicCost" : "PurchaseCost", QuotedColors(session, kind, database)),
+              {name})
+      .Single();
+}
+
 float LotValue(const Session& session, ColorKind kind, std::string_view name, std::string_view database) {
   return ValueOfLots(session, kind, name, database, kAllLots);
 }

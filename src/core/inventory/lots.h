@@ -66,6 +66,10 @@ float UnlottedQty(const Session& session, ColorKind kind, std::string_view name,
 /// `Inventory` and, while Lotted Inventory is in use, the lots; three decimals.
 float TotalStock(const Session& session, ColorKind kind, std::string_view name, std::string_view database = {});
 
+/// What Unlotted Inventory costs per inventory unit: the colour's `PurchaseCost`, a formula's `BasicCost`, read live; 0
+/// when the colour is missing.
+float UnlottedPrice(const Session& session, ColorKind kind, std::string_view name, std::string_view database = {});
+
 /// Sum of `LotQty` times `LotPrice`, with `DecimalPlaces`; of all lots, of those owned, of those on consignment.
 float LotValue(const Session& session, ColorKind kind, std::string_view name, std::string_view database = {});
 float LotValueOwned(const Session& session, ColorKind kind, std::string_view name, std::string_view database = {});
