@@ -25,9 +25,11 @@ struct SourceRule {
 };
 
 // The differences between "below" and "at or below" are meant: each source keeps its own.
-constexpr std::array<SourceRule, 7> kRules{{
+constexpr std::array<SourceRule, 8> kRules{{
     {PostingSource::BatchTakes, Effect::Takes, CutoffTest::AtOrBelow, CutoffTest::AtOrBelow, CutoffTest::AtOrBelow,
      MissingLot::Nothing},
+    {PostingSource::BatchReturns, Effect::Adds, CutoffTest::None, CutoffTest::None, CutoffTest::None,
+     MissingLot::Added},
     {PostingSource::BatchTakesAgain, Effect::Takes, CutoffTest::AtOrBelow, CutoffTest::Below, CutoffTest::Below,
      MissingLot::Nothing},
     {PostingSource::BatchMakes, Effect::Adds, CutoffTest::None, CutoffTest::None, CutoffTest::None, MissingLot::Added},
@@ -115,12 +117,16 @@ PostingResult PostToLot(Session& session, const StockRules& rules, const Posting
   return {PostingResult::Outcome::Posted, *after, lot.LotRefID};
 }
 
-// A Job Record brings the reference that its lot had, and so does the scanned label of a Basic Color; every other new
-// lot is granted one.
+// A lot that a Job Record or a Batch once took from comes back as it was.
+bool BringsLotBack(PostingSource source) {
+  return source == PostingSource::JobRecord || source == PostingSource::BatchReturns;
+}
+
+// Such a lot brings the reference that it had, and so does the scanned label of a Basic Color; every other new lot is
+// granted one.
 bool KeepsReference(const Posting& posting) {
-  return posting.lot->LotRefID > 0 &&
-         (posting.source == PostingSource::JobRecord ||
-          (posting.source == PostingSource::ScanReturn && posting.kind == ColorKind::Basic));
+  return posting.lot->LotRefID > 0 && (BringsLotBack(posting.source) || (posting.source == PostingSource::ScanReturn &&
+                                                                         posting.kind == ColorKind::Basic));
 }
 
 PostingResult AddLot(Session& session, const StockRules& rules, const Posting& posting, const ColorRow& color) {
@@ -134,12 +140,12 @@ PostingResult AddLot(Session& session, const StockRules& rules, const Posting& p
     result.LotRefID = -1;
     return result;
   }
-  const bool fromJob = posting.source == PostingSource::JobRecord;
+  const bool comesBack = BringsLotBack(posting.source);
   lot.LotNumber = target.LotNumber;
   lot.LotLoc = target.LotLoc;
   lot.LotContID = target.LotContID;
-  lot.LotDate = fromJob ? target.LotDate : session.clock.Today();
-  lot.LotPrice = fromJob ? target.LotPrice : color.unitCost;
+  lot.LotDate = comesBack ? target.LotDate : session.clock.Today();
+  lot.LotPrice = comesBack ? target.LotPrice : color.unitCost;
   const float quantity = RoundSingle(posting.quantity, 3);
   StockChange change = ChangeOf(posting, StockChange::Action::AddLot, 0, 0, quantity);
   change.lot = lot;

@@ -16,8 +16,9 @@ struct LotTarget {
   std::string LotNumber{};
   std::string LotLoc{};
   std::string LotContID{};
-  std::optional<DateTime> LotDate{};  ///< of a new lot from a Job Record; other sources date it today
-  float LotPrice = 0;                 ///< of a new lot from a Job Record; other sources take the colour's cost
+  // Of a lot that a Job Record or a Batch brings back; other sources date it today at the colour's cost.
+  std::optional<DateTime> LotDate{};
+  float LotPrice = 0;
 };
 
 /// One movement of stock.
@@ -26,8 +27,8 @@ struct Posting {
   ColorKind kind = ColorKind::Basic;
   std::string name{};
   std::string database{};  ///< empty for the current one
-  /// In the inventory unit, three decimals. What a Batch takes or makes is positive; a Job Record's issue and a manual
-  /// adjustment downwards are negative; a Reset gives the value itself.
+  /// In the inventory unit, three decimals. What a Batch takes, hands back or makes is positive; a Job Record's issue
+  /// and a manual adjustment downwards are negative; a Reset gives the value itself.
   float quantity = 0;
   std::optional<LotTarget> lot{};  ///< nothing for Unlotted Inventory
 };

@@ -28,7 +28,8 @@ void WriteStockChange(Session& session, const StockChange& change) {
   Transaction transaction(session.File());
   const std::string colors = session.Table(ColorTable(change.kind), change.database);
   const std::string lots = session.Table(LotTable(change.kind), change.database);
-  const float quantity = RoundSingle(change.after, 3);
+  // What was on file before may come from elsewhere and have more decimals; it must come back as it was.
+  const float quantity = change.source == PostingSource::BatchRestores ? change.after : RoundSingle(change.after, 3);
   switch (change.action) {
     case StockChange::Action::SetUnlotted:
       session.File()

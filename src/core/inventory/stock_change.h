@@ -10,7 +10,9 @@ namespace vellumark {
 /// What moves stock. Each source has its own comparison with the cutoff point (see posting.cpp).
 enum class PostingSource {
   BatchTakes,       ///< a saved Batch takes its lines from stock
+  BatchReturns,     ///< a saved Batch is opened and hands its lines back, to the last digit
   BatchTakesAgain,  ///< a saved Batch that was opened is left unsaved, and takes its lines again
+  BatchRestores,    ///< the same where stock stands as the opening left it: it becomes again what it was before
   BatchMakes,       ///< a Batch puts the colour it makes into stock
   JobRecord,        ///< issue to a job (negative) and return from it
   ManualAdjust,     ///< entered by hand
@@ -32,9 +34,9 @@ struct StockChange {
   float after = 0;
 };
 
-/// The one place through which stock reaches the tables, whoever moves it: writes the change, with three decimals and a
-/// lot's price with `DecimalPlaces`, and notes it, within the caller's transaction. Throws BadValue for a lot whose
-/// texts do not fit.
+/// The one place through which stock reaches the tables, whoever moves it: writes the change, with three decimals (as
+/// it stands with BatchRestores) and a lot's price with `DecimalPlaces`, and notes it, within the caller's transaction.
+/// Throws BadValue for a lot whose texts do not fit.
 void WriteStockChange(Session& session, const StockChange& change);
 
 }  // namespace vellumark
