@@ -9,6 +9,7 @@
 
 #include "core/base/number.h"
 #include "core/datafile/schema.h"
+#include "core/inventory/lot_selection.h"
 #include "core/session/session.h"
 
 namespace vellumark {
@@ -29,6 +30,7 @@ struct BatchIngredient {
   float VOC = 0;
   float HAP = 0;
   int recipeSlot = -1;  ///< first slot of the formula that holds this name; -1 for an addition
+  LotSelection lots;    ///< where it is taken from, while Lotted Inventory is in use
 };
 
 /// One ingredient of a mix colour.
@@ -61,6 +63,7 @@ struct RecycleColor {
   float HAP = 0;
   float BasicVOC = 0;
   float BasicHAP = 0;
+  LotSelection lots;  ///< where it is taken from, while Lotted Inventory is in use
 };
 
 enum class RowKind { Mix, Basic, Addition };

@@ -1,0 +1,44 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "core/batch/record.h"
+
+namespace vellumark {
+
+/// The stored Batch of that number as the window would show it, its ingredients left where they are. Nothing when there
+/// is none. For looking only.
+std::optional<BatchRecord> ReadBatch(Session& session, std::int32_t batchNo);
+
+/// Opens a stored Batch: hands its ingredients back to stock and leaves a marker in the file that tells so, in one
+/// transaction. In an archive view nothing is handed back. False when there is no such Batch. `record` must hold no
+/// other open Batch.
+bool OpenBatch(Session& session, BatchRecord& record, std::int32_t batchNo);
+bool OpenBatchRow(Session& session, BatchRecord& record, std::int64_t rowId);
+
+/// Rows of `<DB>_Batch` in the order of their numbers; nothing past either end. Beside no row: the last for Previous,
+/// the first for Next.
+std::optional<std::int64_t> NextBatchRow(const Session& session, const BatchRecord& record);
+std::optional<std::int64_t> PreviousBatchRow(const Session& session, const BatchRecord& record);
+
+/// One line of a list of Batches.
+struct BatchListRow {
+  std::int32_t BatchNo = 0;
+  std::string Color_Name;
+  std::optional<DateTime> Date_Entered;
+  float Quantity = 0;
+  float ActualQuantity = 0;
+  int UMF = 1;
+  std::string JobNumber;
+  bool Complete = false;
+};
+/// The Batches entered last, newest first.
+std::vector<BatchListRow> RecentBatches(const Session& session, int count);
+/// All Batches by number, or those of one formula.
+std::vector<BatchListRow> ListBatches(const Session& session, std::string_view colorName = {});
+
+}  // namespace vellumark

@@ -1,0 +1,140 @@
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "core/base/date.h"
+#include "core/batch/batch_work.h"
+#include "core/inventory/lot_selection.h"
+
+namespace vellumark {
+
+/// Where the Batch Window stands.
+enum class BatchState {
+  None,  ///< cleared
+  Add,   ///< a new Batch was calculated and is not stored
+  Edit,  ///< a saved Batch is open, its ingredients handed back to stock
+};
+
+constexpr std::size_t kMostJobLines = 10;
+constexpr int kBatchUserFields = 6;
+/// What stands for the job number of a Batch that is shared between jobs.
+inline constexpr std::string_view kSplitJobs = "- SPLIT -";
+
+/// What one job got of the Batch, in the Batch's unit.
+struct BatchJobLine {
+  std::string JobNumber;
+  float QtyIssued = 0;
+  float QtyUsed = 0;
+  bool operator==(const BatchJobLine&) const = default;
+};
+
+/// The fields beside the recipe: what the operator types into the window, its More Data and its lab window.
+struct BatchFields {
+  std::string LotNumber;
+  std::string LotLoc;
+  std::string LotContID;
+  std::string Notes;     ///< of the Batch; starts as the formula's
+  std::string IngNotes;  ///< notes of the ingredients
+  std::string ShortNote;
+  std::array<std::string, kBatchUserFields> UD_Text;
+  std::array<float, kBatchUserFields> UD_Numeric{};
+  float Lab_L = 0;
+  float Lab_a = 0;
+  float Lab_b = 0;
+  float Lab_D = 0;
+  float Lab_Density = 0;
+  std::string Lab_LS;
+  std::string Lab_PT;
+  std::string Lab_Note;  ///< 30 characters here
+  bool operator==(const BatchFields&) const = default;
+};
+
+/// A line of a saved Batch as it was loaded, and what it took from where.
+struct OldBatchLine {
+  std::string IngName;
+  float IngQty = 0;
+  std::uint8_t IngType = 1;  ///< 1 basic, 2 recycled colour, 3 addition
+  float Inventory = 0;       ///< as then shown, in the Batch's unit
+  LotSelection lots;
+};
+
+/// What RecordHasChanged compares with.
+struct RememberedBatch {
+  std::string Color_Name;
+  std::vector<std::pair<std::string, std::string>> rows;  ///< names and shown amounts
+  std::vector<LotSelection> lots;                         ///< one for each row, while Lotted Inventory is in use
+  std::string quantity;
+  BatchFields fields;
+  std::vector<BatchJobLine> jobs;
+  std::string returned;
+  int UMF = 0;
+  BatchCostModel cost;
+  BatchFigures figures;
+};
+
+/// One Batch on the bench: its calculation (`work`) and everything that is stored with it. What the window edits.
+struct BatchRecord {
+  BatchState state = BatchState::None;
+  BatchWork work;
+  std::int64_t rowId = 0;    ///< of the stored row; 0 while there is none
+  std::int32_t BatchNo = 0;  ///< of a new Batch the number that it will get
+  std::optional<DateTime> Date_Entered;
+  std::string Username;
+  BatchFields fields;
+  bool Complete = false;
+
+  std::vector<BatchJobLine> jobs;  ///< at most ten
+  bool ReturnToInventory = true;   ///< chkReturnToInventory; counts while there is no job
+  float returned = 0;              ///< lblInvQty: what goes to stock of what is made
+  std::int32_t LotRefID = 0;       ///< lot of the made colour; 0 Unlotted Inventory; -1 when nothing went to stock
+
+  std::vector<OldBatchLine> OldLines;  ///< not empty: a saved Batch is open
+  float oldReturned = 0;               ///< what the saved Batch has put into stock
+  bool formulaUnchanged = true;        ///< since the Batch was saved
+  bool modifiedFormula = false;        ///< ImgModifiedFormula: there, but changed since
+  bool askedAboutOld = false;          ///< the question about a Batch of earlier days was answered with Yes
+  bool stockReturned = false;          ///< its ingredients are back in stock; a marker in the file tells it
+  RememberedBatch remembered;
+
+  /// "" without a job, the number of the only one, "- SPLIT -" for several.
+  std::string JobNumber() const;
+  /// txtQtyUsed: what the only job uses, three decimals; empty otherwise.
+  std::string QtyUsedText() const;
+  /// lblInvQty, three decimals.
+  std::string ReturnedText() const { return Fixed(returned, 3); }
+};
+
+/// "000042".
+std::string BatchNoText(std::int32_t batchNo);
+
+/// The cleared window: the next Batch number, the settings and defaults of a new Batch. Keeps nothing of the last one.
+BatchRecord NewBatchRecord(const Session& session);
+
+/// The number that the next new Batch gets: the counter, or the first one after it that no Batch of this Database has.
+std::int32_t UpcomingBatchNo(const Session& session);
+
+/// True when anything differs from what the load remembered. Of a new Batch: when it has rows.
+bool RecordHasChanged(const Session& session, const BatchRecord& record);
+/// What RecordHasChanged compares with from now on.
+void RememberRecord(BatchRecord& record);
+
+/// How the Batch's `BatchComplete` setting stands.
+bool UsesBatchComplete(const Session& session);
+
+/// ImgPrevAdditions: an earlier Batch of this formula had additions.
+bool PriorBatchHadAdditions(const Session& session, std::string_view colorName);
+
+/// The caption, value list and number format of the user-defined fields, `number` 0 to 5.
+std::string BatchUDTextCaption(const Session& session, int number);
+std::string BatchUDNumericCaption(const Session& session, int number);
+std::vector<std::string> BatchUDTextValues(const Session& session, int number);
+bool BatchUDTextRequired(const Session& session, int number);
+int BatchUDNumericDecimals(const Session& session, int number);
+
+}  // namespace vellumark

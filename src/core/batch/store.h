@@ -1,0 +1,29 @@
+#pragma once
+
+#include "core/batch/dialogs.h"
+#include "core/batch/record.h"
+
+namespace vellumark {
+
+/// How a save ended.
+enum class SaveEnd {
+  Stays,   ///< the operator went back to the Batch; nothing was stored
+  Stored,  ///< the Batch was stored
+  Kept,    ///< an open Batch without a change: only Complete was saved, its ingredients are consumed again
+};
+
+/// cmdSave: the checks in their order, all questions, and then the store in one transaction. Afterwards `record` is the
+/// next Batch, or cleared at the end and after a new one. `*savedNo`, when given, takes the number.
+Result<SaveEnd> SaveBatch(Session& session, BatchRecord& record, BatchDialogs& dialogs,
+                          std::int32_t* savedNo = nullptr);
+/// cmdSaveAndHold: stays on the Batch, which is loaded again.
+Result<SaveEnd> SaveAndHoldBatch(Session& session, BatchRecord& record, BatchDialogs& dialogs);
+
+/// The store alone, for ways out that ask their own questions: no checks of cmdSave, all questions of the sequence.
+/// Afterwards `record` is cleared. Stays when SaveModifiedBatch was cancelled.
+Result<SaveEnd> StoreBatch(Session& session, BatchRecord& record, BatchDialogs& dialogs);
+
+/// chkComplete of an open Batch, written at once.
+Result<void> CompleteBatch(Session& session, BatchRecord& record, bool complete);
+
+}  // namespace vellumark
