@@ -140,6 +140,13 @@ std::string ReadSetName(std::string_view typed) {
   return Upper(Left(TrimView(typed), kSetNameLength));
 }
 
+Result<std::string> EnterSetName(const Session& session, std::string_view typed) {
+  std::string name = ReadSetName(typed);
+  if (name.empty()) return name;
+  if (auto valid = CheckSetName(session, name, true); !valid) return std::unexpected(valid.error());
+  return name;
+}
+
 Result<double> ReadSetPercent(std::string_view typed, std::string_view field) {
   if (const auto number = ParseNumber(typed); number && *number > 0 && *number <= 2 * kLargestPercent) {
     const double percent = RoundTo(*number, 2);

@@ -42,6 +42,9 @@ struct AdditiveSetWork {
 };
 /// A set's name as it will be stored: trimmed, cut to 30 characters, upper case.
 std::string ReadSetName(std::string_view typed);
+/// Leaving the name field of a new set: the name as it will be stored; one that is on file is refused. An empty field
+/// may stay empty until the set is saved.
+Result<std::string> EnterSetName(const Session& session, std::string_view typed);
 
 /// A percentage of a set: rounded to two decimals, above 0 and at most 10.
 Result<double> ReadSetPercent(std::string_view typed, std::string_view field = "SetPercent0");

@@ -2,7 +2,6 @@
 
 #include <fmt/format.h>
 
-#include "core/base/text.h"
 #include "core/colors/names.h"
 #include "core/datafile/references.h"
 #include "core/datafile/writer.h"
@@ -96,51 +95,6 @@ std::vector<std::string> BasicNames(const Session& session, BasicFilter filter) 
       fmt::format("SELECT Color_Name FROM {}{} ORDER BY Color_Name", TableText(session), condition));
   while (row.Step()) names.push_back(row.Text(0));
   return names;
-}
-
-std::string CompleteBasicName(const Session& session, std::string_view typed) {
-  if (typed.empty()) return {};
-  Statement row = session.File().Prepare(fmt::format(
-      "SELECT Color_Name FROM {} WHERE Color_Name LIKE ? ESCAPE '\\' ORDER BY Color_Name LIMIT 1", TableText(session)));
-  for (const std::string_view prefix : {kPantonePrefix, std::string_view()}) {
-    row.Bind(1, LikeLiteral(std::string(prefix).append(typed)) + "%");
-    if (row.Step()) return row.Text(0);
-    row.Reset();
-  }
-  return {};
-}
-
-std::vector<std::string> BasicNamesFrom(const Session& session, std::string_view typed, std::size_t limit) {
-  std::vector<std::string> names;
-  Statement row = session.File().Prepare(
-      fmt::format("SELECT Color_Name FROM {} WHERE Color_Name LIKE ?1 ESCAPE '\\' AND (?2 = '' OR Color_Name NOT LIKE "
-                  "?2 ESCAPE '\\') ORDER BY Color_Name LIMIT {}",
-                  TableText(session), limit));
-  std::string taken;  // what the first search found, the second leaves out
-  for (const std::string_view prefix : {kPantonePrefix, std::string_view()}) {
-    const std::string pattern = LikeLiteral(std::string(prefix).append(typed)) + "%";
-    row.Bind(1, pattern).Bind(2, taken);
-    while (names.size() < limit && row.Step()) names.push_back(row.Text(0));
-    row.Reset();
-    taken = pattern;
-  }
-  return names;
-}
-
-std::string NextBasicName(const Session& session, std::string_view name) {
-  return session.File()
-      .Scalar(
-          fmt::format("SELECT Color_Name FROM {} WHERE Color_Name > ? ORDER BY Color_Name LIMIT 1", TableText(session)),
-          {name})
-      .Text();
-}
-
-std::string PreviousBasicName(const Session& session, std::string_view name) {
-  return session.File()
-      .Scalar(fmt::format("SELECT Color_Name FROM {} WHERE ?1 = '' OR Color_Name < ?1 ORDER BY Color_Name DESC LIMIT 1",
-                          TableText(session)),
-              {name})
-      .Text();
 }
 
 std::string AddZeroBasic(Session& session, std::string_view name, bool additive, std::string_view database) {

@@ -52,17 +52,6 @@ void ForEachBasic(const Session& session, const std::function<void(const BasicCo
 enum class BasicFilter { All, Colors, Additives };
 std::vector<std::string> BasicNames(const Session& session, BasicFilter filter = BasicFilter::All);
 
-/// What the typed text completes to while a name is typed: the first name that begins with it, tried behind "PANTONE "
-/// first. Empty when there is none.
-std::string CompleteBasicName(const Session& session, std::string_view typed);
-/// The names that begin with the typed text, those behind "PANTONE " first, at most `limit`.
-std::vector<std::string> BasicNamesFrom(const Session& session, std::string_view typed, std::size_t limit);
-
-/// The names beside this one in Color_Name order, whether or not it is on file; beside an empty name the first or the
-/// last. Empty past either end.
-std::string NextBasicName(const Session& session, std::string_view name);
-std::string PreviousBasicName(const Session& session, std::string_view name);
-
 /// Adds a Basic Color with zero figures at the end of the weighing order, as a recipe does that names an unknown
 /// ingredient. The guide gives spelling and data where it applies. Returns the name as stored.
 std::string AddZeroBasic(Session& session, std::string_view name, bool additive, std::string_view database = {});

@@ -327,23 +327,6 @@ std::string UpdateBQTotal(const FormulaWork& work) {
   return total.Fixed(3);
 }
 
-LiveTotals ComputeLiveTotals(const Session& session, const FormulaWork& work) {
-  const double parts = ParseNumber(UpdateBQTotal(work)).value_or(0);
-  float cost = 0;
-  float voc = 0;
-  float hap = 0;
-  if (parts > 0) {
-    for (const Ingredient& line : GridRecipe(work)) {
-      const auto basic = ReadBasic(session, line.name);
-      if (!basic) continue;
-      cost = static_cast<float>(cost + line.amount * basic->PurchaseCost / parts);
-      voc = static_cast<float>(voc + line.amount * basic->VOC / parts);
-      hap = static_cast<float>(hap + line.amount * basic->HAP / parts);
-    }
-  }
-  return {Fixed(cost, session.DecimalPlaces), Fixed(voc, 3), Fixed(hap, 3)};
-}
-
 Result<void> ChooseAdditiveSet(const Session& session, FormulaWork& work, std::string_view setName) {
   if (TrimView(setName).empty()) {
     work.AddSetName.clear();

@@ -74,13 +74,6 @@ Result<std::string> EnterAmount(std::string_view typed, std::string_view field);
 
 /// Total Parts: the numeric amounts of the grid with four decimals, shown with three.
 std::string UpdateBQTotal(const FormulaWork& work);
-/// The figures under the grid while amounts are typed.
-struct LiveTotals {
-  std::string BasicCost;
-  std::string VOCBasics;
-  std::string HAPBasics;
-};
-LiveTotals ComputeLiveTotals(const Session& session, const FormulaWork& work);
 
 /// Chooses an Additive Set for the formula, or none with an empty name.
 Result<void> ChooseAdditiveSet(const Session& session, FormulaWork& work, std::string_view setName);

@@ -9,6 +9,8 @@
 #include "core/base/text.h"
 #include "core/base/units.h"
 #include "core/colors/amounts.h"
+#include "core/colors/attachments.h"
+#include "core/colors/name_search.h"
 #include "core/colors/names.h"
 #include "core/colors/rollup.h"
 #include "core/colors/swatch.h"
@@ -55,8 +57,8 @@ BasicColorsForm::BasicColorsForm(WindowList& windowList)
   setWindowIcon(Icon("basic"));
   Form form(*this);
   const NameSource names{
-      [this](std::string_view typed) { return CompleteBasicName(session, typed); },
-      [this](std::string_view typed, std::size_t limit) { return BasicNamesFrom(session, typed, limit); }};
+      [this](std::string_view typed) { return CompleteName(session, NameKind::Basics, typed); },
+      [this](std::string_view typed, std::size_t limit) { return NamesFrom(session, NameKind::Basics, typed, limit); }};
   name_ = form.Name(kNameField, names);
   name_->Means("Color_Name");
   name_->DoNotTrack();
@@ -367,7 +369,7 @@ void BasicColorsForm::ReadFields() {
 bool BasicColorsForm::Store() {
   if (!MayLeaveUnfinished()) return false;
   ReadFields();
-  BasicAttachments attachments;
+  ColorAttachments attachments;
   if (measurements_->IsChanged()) attachments.measurements = measurements_->Readings();
   if (red_->IsDirty()) attachments.Red = red_->Text();
   if (green_->IsDirty()) attachments.Green = green_->Text();
@@ -420,7 +422,8 @@ void BasicColorsForm::cmdRename_Click() {
 void BasicColorsForm::Walk(bool forward) {
   const std::string from = work_ ? work_->Color_Name : std::string();
   if (InEdit() && !Store()) return;
-  const std::string to = forward ? NextBasicName(session, from) : PreviousBasicName(session, from);
+  const std::string to =
+      forward ? NextName(session, NameKind::Basics, from) : PreviousName(session, NameKind::Basics, from);
   if (!to.empty()) return ShowColor(to);
   QApplication::beep();
   Clear();

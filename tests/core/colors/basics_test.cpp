@@ -5,6 +5,7 @@
 #include "core/colors/amounts.h"
 #include "core/colors/basic_work.h"
 #include "core/colors/lab.h"
+#include "core/colors/name_search.h"
 #include "core/colors/names.h"
 #include "support/ink_room.h"
 
@@ -220,10 +221,36 @@ TEST(Basics, DeleteClosesTheWeighingOrder) {
 TEST(Basics, NamesCompleteWhileTyping) {
   InkRoom room;
   for (const char* name : {"100% RED", "185 BASE", "PANTONE 185", "RED"}) room.Basic(name);
-  EXPECT_EQ(CompleteBasicName(room.session, "18"), "PANTONE 185");
-  EXPECT_EQ(CompleteBasicName(room.session, "185 "), "185 BASE");
-  EXPECT_EQ(CompleteBasicName(room.session, "RE"), "RED");
-  EXPECT_EQ(CompleteBasicName(room.session, "1_"), "");
+  EXPECT_EQ(CompleteName(room.session, NameKind::Basics, "18"), "PANTONE 185");
+  EXPECT_EQ(CompleteName(room.session, NameKind::Basics, "185 "), "185 BASE");
+  EXPECT_EQ(CompleteName(room.session, NameKind::Basics, "RE"), "RED");
+  EXPECT_EQ(CompleteName(room.session, NameKind::Basics, "1_"), "");
+}
+
+TEST(Basics, NamesAreListedAndWalkedInOrder) {
+  InkRoom room;
+  for (const char* name : {"PAPER WHITE", "PANTONE PA", "PANTONE 185", "RED"}) room.Basic(name);
+  room.Basic("185 WAX", {{"Additive", true}});
+  using Names = std::vector<std::string>;
+  const auto from = [&](NameKind whose, const char* typed, std::size_t limit) {
+    return NamesFrom(room.session, whose, typed, limit);
+  };
+  // What stands behind the prefix comes first, and nothing twice.
+  EXPECT_EQ(from(NameKind::Basics, "pa", 9), (Names{"PANTONE PA", "PANTONE 185", "PAPER WHITE"}));
+  EXPECT_EQ(from(NameKind::Basics, "pa", 2), (Names{"PANTONE PA", "PANTONE 185"}));
+  EXPECT_EQ(from(NameKind::Basics, "", 9), (Names{"PANTONE 185", "PANTONE PA", "185 WAX", "PAPER WHITE", "RED"}));
+  EXPECT_EQ(from(NameKind::Additives, "1", 9), (Names{"185 WAX"}));
+  EXPECT_EQ(CompleteName(room.session, NameKind::Additives, "R"), "");
+
+  for (const char* name : {"BLUE", "green"}) room.Mix(name, {{"RED", 100}});
+  const auto next = [&](const char* name) { return NextName(room.session, NameKind::Formulas, name); };
+  const auto previous = [&](const char* name) { return PreviousName(room.session, NameKind::Formulas, name); };
+  EXPECT_EQ(next(""), "BLUE");
+  EXPECT_EQ(next("CYAN"), "green");
+  EXPECT_EQ(next("GREEN"), "");
+  EXPECT_EQ(previous(""), "green");
+  EXPECT_EQ(previous("GREEN"), "BLUE");
+  EXPECT_EQ(previous("BLUE"), "");
 }
 
 TEST(Basics, MeasurementsComeBackAsListed) {

@@ -9,7 +9,9 @@
 #include "core/colors/basics.h"
 #include "core/colors/color_set.h"
 #include "core/colors/duplicate.h"
+#include "core/colors/formula_notes.h"
 #include "core/colors/formula_work.h"
+#include "core/colors/live_totals.h"
 #include "core/colors/names.h"
 #include "support/ink_room.h"
 
@@ -249,11 +251,36 @@ TEST(Formulas, LiveTotals) {
   room.Basic("B", {{"PurchaseCost", 4.0F}, {"HAP", 0.03F}});
   FormulaWork work = Work(room, "GREEN", {{"A", "2"}, {"B", "1"}, {"", "x"}});
   EXPECT_EQ(UpdateBQTotal(work), "3.000");
-  const LiveTotals totals = ComputeLiveTotals(room.session, work);
+  GridFigures figures = ReadGridFigures(room.session, work);
+  const LiveTotals totals = ComputeLiveTotals(room.session, work, figures);
   EXPECT_EQ(totals.BasicCost, "8.00");
   EXPECT_EQ(totals.VOCBasics, "0.200");
   EXPECT_EQ(totals.HAPBasics, "0.010");
-  EXPECT_EQ(ComputeLiveTotals(room.session, Work(room, "X", {{"A", ""}})).BasicCost, "0.00");
+  // A figure that is not on file yet counts at once.
+  figures[1].HAP = 0.3F;
+  EXPECT_EQ(ComputeLiveTotals(room.session, work, figures).HAPBasics, "0.100");
+  EXPECT_EQ(ComputeLiveTotals(room.session, Work(room, "X", {{"A", ""}}), figures).BasicCost, "0.00");
+}
+
+TEST(Formulas, NotesOfIngredientsAndBatches) {
+  InkRoom room;
+  room.Basic("A", {{"Notes", "Stir well.\nTwice.\n"}});
+  room.Basic("B", {{"Notes", " \n"}});
+  room.Basic("C", {{"Notes", "Dries fast."}});
+  const std::string line(60, '-');
+  EXPECT_EQ(IngredientNotes(room.session, {"C", "NONE", "B", "a"}),
+            "C\n" + line + "\nDries fast.\n\nA\n" + line + "\nStir well.\nTwice.");
+  const auto batch = [&](int number, const char* color, DateTime date, const char* notes) {
+    room.AddRow(schema::Batch, {{"BatchNo", number}, {"Color_Name", color}, {"Date_Entered", date}, {"Notes", notes}});
+  };
+  batch(12, "GREEN", {2026, 2, 1}, "Too thin.");
+  batch(345, "green", {2025, 12, 31}, "Fine.");
+  batch(346, "GREEN", {2026, 3, 1}, "");
+  batch(347, "RED", {2026, 3, 1}, "Other.");
+  std::string noted;
+  for (const BatchNote& note : BatchNotes(room.session, "GREEN"))
+    noted += note.Number() + " " + note.Date_Entered->DateText() + " " + note.Notes + "\n";
+  EXPECT_EQ(noted, "000345 2025-12-31 Fine.\n000012 2026-02-01 Too thin.\n");
 }
 
 TEST(Formulas, DeleteIsHinderedByADesignOnly) {
