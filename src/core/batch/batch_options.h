@@ -1,0 +1,62 @@
+#pragma once
+
+#include <array>
+#include <string>
+
+#include "core/session/session.h"
+
+namespace vellumark {
+
+// What the settings window of Batches keeps.
+
+constexpr int kQuickInfoFields = 10;
+constexpr int kUserFields = 6;              ///< user-defined texts, and as many numbers
+constexpr int kMostUserDecimals = 4;        ///< of a user-defined number
+constexpr std::size_t kUserTextWidth = 30;  ///< characters of a user-defined text, of captions too
+
+/// A user-defined text of a Batch.
+struct UserTextOption {
+  std::string caption;
+  bool hasDefault = false;  ///< a new Batch starts with `value`
+  std::string value;
+  bool required = false;  ///< a Batch without it is not saved
+  bool operator==(const UserTextOption&) const = default;
+};
+
+/// A user-defined number of a Batch.
+struct UserNumberOption {
+  std::string caption;
+  int decimals = 3;
+  bool operator==(const UserNumberOption&) const = default;
+};
+
+struct BatchOptions {
+  int UMF = 1;                    ///< unit of a new Batch
+  bool recycleByDefault = false;  ///< `BatchActionButton` 0
+  bool sortByAmount = true;       ///< `IngSortOrder` 0
+  bool ReturnToInventory = true;  ///< what is made goes to stock
+  bool ShowBatchGraphic = true;
+  bool Overpour = false;
+  bool BatchComplete = false;               ///< Batches can be marked as complete
+  bool BatchDefaultLotNumberValue = false;  ///< LotNumber starts as the Batch's number
+  bool ShowQuickInfo = true;                ///< `ShowQuickInfoOption`
+  std::array<bool, kQuickInfoFields> QuickInfoField{};
+  std::array<UserTextOption, kUserFields> texts;
+  std::array<UserNumberOption, kUserFields> numbers;
+  bool operator==(const BatchOptions&) const = default;
+};
+
+/// What the ten lines of the quick information are called.
+const char* QuickInfoCaption(int field);
+
+BatchOptions ReadBatchOptions(const Session& session);
+/// Stores all of them in one step, takes them into the session and tells of a change of Settings. Refuses an unknown
+/// unit; captions that are empty, too long or hold what a column's title cannot; a default that the field cannot hold.
+/// The field of the refusal is that of the window: txtTextCaption0, txtTextValue0, txtNumberCaption0 ...
+Result<void> SaveBatchOptions(Session& session, const BatchOptions& options);
+
+/// `BatchLotNumReminder`: the operator is reminded of the lot number of a Batch.
+bool RemindsOfLotNumber(const Session& session);
+void StopLotNumReminder(Session& session);
+
+}  // namespace vellumark
