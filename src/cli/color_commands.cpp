@@ -15,12 +15,6 @@
 namespace vellumark::cli {
 namespace {
 
-const std::vector<std::string>& SettableFields() {
-  static const std::vector<std::string> fields{"Color_Code", "Inventory", "Reorder", "PurchaseCost", "Notes",
-                                               "Inv_Note",   "Additive",  "VOC",     "HAP"};
-  return fields;
-}
-
 Json BasicJson(const Session& session, const BasicColor& color) {
   return {{"Color_Name", color.Color_Name},
           {"Color_Code", color.Color_Code},
@@ -72,24 +66,12 @@ Result<Json> List(Context& context) {
 }
 
 Result<void> TakePair(const Session& session, BasicWork& work, const std::string& field, const std::string& value) {
-  if (field == "Color_Code") work.Color_Code = value;
-  if (field == "Reorder") work.Reorder = value;
-  if (field == "PurchaseCost") work.PurchaseCost = value;
-  if (field == "Notes") work.Notes = value;
-  if (field == "Inv_Note") work.Inv_Note = value;
-  if (field == "VOC") work.VOC = value;
-  if (field == "HAP") work.HAP = value;
   if (field == "Additive") {
     const auto additive = ReadYesNo(field, value);
     if (!additive) return std::unexpected(additive.error());
     work.Additive = *additive;
   }
-  if (field == "Inventory") {
-    const auto quantity = ReadInventory(session, ColorKind::Basic, value);
-    if (!quantity) return std::unexpected(quantity.error());
-    work.Inventory = *quantity;
-  }
-  return {};
+  return TakeColorField(session, ColorKind::Basic, work, field, value);
 }
 
 Result<Json> Save(Context& context, BasicWork work, std::vector<std::string> pairs) {
@@ -97,7 +79,7 @@ Result<Json> Save(Context& context, BasicWork work, std::vector<std::string> pai
   if (!swatch) return std::unexpected(swatch.error());
   for (const std::string& text : pairs) {
     const auto pair = SplitPair(text);
-    const std::string field = KnownField(pair->first, SettableFields(), false);
+    const std::string field = KnownField(pair->first, SettableFields(ColorKind::Basic), false);
     if (auto taken = TakePair(context.session, work, field, pair->second); !taken)
       return std::unexpected(taken.error());
   }
@@ -157,13 +139,13 @@ Result<Json> Delete(Context& context, const std::string& typed) {
 }
 
 std::string FieldNames() {
-  return fmt::format("{}, Red, Green, Blue", fmt::join(SettableFields(), ", "));
+  return fmt::format("{}, Red, Green, Blue", fmt::join(SettableFields(ColorKind::Basic), ", "));
 }
 
 std::string CheckPair(const std::string& text) {
   const auto pair = SplitPair(text);
   static const std::vector<std::string> swatch{"Red", "Green", "Blue"};
-  if (pair && !KnownField(pair->first, SettableFields(), false).empty()) return {};
+  if (pair && !KnownField(pair->first, SettableFields(ColorKind::Basic), false).empty()) return {};
   if (pair && !KnownField(pair->first, swatch, true).empty()) return {};
   return fmt::format("{} is not FIELD=VALUE with a field of {}", text, FieldNames());
 }

@@ -2,7 +2,10 @@
 
 #include <fmt/format.h>
 
+#include <array>
+
 #include "core/base/text.h"
+#include "core/colors/amounts.h"
 #include "core/colors/names.h"
 
 namespace vellumark::cli {
@@ -29,6 +32,31 @@ Result<bool> ReadYesNo(const std::string& field, std::string_view text) {
   for (const std::string_view no : {"NO", "FALSE", "0"})
     if (word == no) return false;
   return Refuse("Invalid Value", fmt::format("{} is yes or no, not \"{}\".", field, text), field);
+}
+
+std::vector<std::string> SettableFields(ColorKind kind) {
+  return {"Color_Code", "Inventory", "Reorder", "PurchaseCost", kind == ColorKind::Basic ? "Additive" : "Recycle",
+          "Notes",      "Inv_Note",  "VOC",     "HAP"};
+}
+
+Result<void> TakeColorField(const Session& session, ColorKind kind, ColorWork& work, std::string_view field,
+                            const std::string& value) {
+  using Text = std::pair<std::string_view, std::string ColorWork::*>;
+  static constexpr std::array kTexts{Text{"Color_Code", &ColorWork::Color_Code},
+                                     Text{"Reorder", &ColorWork::Reorder},
+                                     Text{"PurchaseCost", &ColorWork::PurchaseCost},
+                                     Text{"Notes", &ColorWork::Notes},
+                                     Text{"Inv_Note", &ColorWork::Inv_Note},
+                                     Text{"VOC", &ColorWork::VOC},
+                                     Text{"HAP", &ColorWork::HAP}};
+  for (const auto& [name, text] : kTexts)
+    if (name == field) work.*text = value;
+  if (field == "Inventory") {
+    const auto quantity = ReadInventory(session, kind, value);
+    if (!quantity) return std::unexpected(quantity.error());
+    work.Inventory = *quantity;
+  }
+  return {};
 }
 
 std::string KnownField(std::string_view typed, const std::vector<std::string>& fields, bool exact) {

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "cli/frame.h"
+#include "core/colors/color_work.h"
 #include "core/colors/swatch.h"
 
 namespace vellumark::cli {
@@ -21,6 +22,12 @@ Result<std::string> NewTypedName(const Session& session, std::string_view typed,
 
 /// Yes or no as people and programs write it.
 Result<bool> ReadYesNo(const std::string& field, std::string_view text);
+
+/// The fields of a colour that FIELD=VALUE may set.
+std::vector<std::string> SettableFields(ColorKind kind);
+/// Sets one of those that both kinds of colour have; the others are left to the caller.
+Result<void> TakeColorField(const Session& session, ColorKind kind, ColorWork& work, std::string_view field,
+                            const std::string& value);
 
 /// The pair's field in the spelling of the table; empty when it is none of `fields`. Case does not count unless
 /// `exact`.

@@ -17,12 +17,6 @@
 namespace vellumark::cli {
 namespace {
 
-const std::vector<std::string>& SettableFields() {
-  static const std::vector<std::string> fields{"Color_Code", "Inventory", "Reorder", "PurchaseCost", "Recycle",
-                                               "Notes",      "Inv_Note",  "VOC",     "HAP"};
-  return fields;
-}
-
 Json FiguresJson(const Session& session, const MixColor& mix) {
   return {{"Color_Code", mix.Color_Code},
           {"Inventory", Number(mix.Inventory)},
@@ -113,24 +107,12 @@ Result<Json> List(Context& context, const std::string& ingredient) {
 }
 
 Result<void> TakeField(const Session& session, FormulaWork& work, const std::string& field, const std::string& value) {
-  if (field == "Color_Code") work.Color_Code = value;
-  if (field == "Reorder") work.Reorder = value;
-  if (field == "PurchaseCost") work.PurchaseCost = value;
-  if (field == "Notes") work.Notes = value;
-  if (field == "Inv_Note") work.Inv_Note = value;
-  if (field == "VOC") work.VOC = value;
-  if (field == "HAP") work.HAP = value;
   if (field == "Recycle") {
     const auto recycle = ReadYesNo(field, value);
     if (!recycle) return std::unexpected(recycle.error());
     work.Recycle = *recycle;
   }
-  if (field == "Inventory") {
-    const auto quantity = ReadInventory(session, ColorKind::Mix, value);
-    if (!quantity) return std::unexpected(quantity.error());
-    work.Inventory = *quantity;
-  }
-  return {};
+  return TakeColorField(session, ColorKind::Mix, work, field, value);
 }
 
 Result<void> TakeIngredient(Session& session, FormulaWork& work, std::size_t row, const std::string& typed,
@@ -163,7 +145,7 @@ Result<void> TakePairs(Session& session, FormulaWork& work, const FormulaOptions
   Pairs ingredients;
   for (const std::string& text : options.pairs) {
     const auto pair = SplitPair(text);
-    const std::string field = KnownField(pair->first, SettableFields(), true);
+    const std::string field = KnownField(pair->first, SettableFields(ColorKind::Mix), true);
     if (field.empty()) {
       ingredients.push_back(*SplitPair(text, true));
     } else if (auto taken = TakeField(session, work, field, pair->second); !taken) {
@@ -316,7 +298,7 @@ void AddWritingVerbs(CLI::App* noun, Commands& commands) {
     verb->add_option("NAME", options->name, "Its name")->required();
     verb->add_option("INGREDIENT=AMOUNT", options->pairs,
                      fmt::format("Ingredients with their amounts, and fields with their values: {}, Red, Green, Blue",
-                                 fmt::join(SettableFields(), ", ")))
+                                 fmt::join(SettableFields(ColorKind::Mix), ", ")))
         ->check(CheckPair);
     verb->add_option("--additive-set", options->additiveSet, "The Additive Set it uses; \"\" for none");
     const bool isAdd = verb == add;

@@ -9,7 +9,6 @@
 #include "core/colors/amounts.h"
 #include "core/colors/formulas.h"
 #include "core/colors/names.h"
-#include "core/colors/swatch.h"
 #include "core/datafile/references.h"
 #include "core/datafile/writer.h"
 
@@ -17,64 +16,6 @@ namespace vellumark {
 namespace {
 
 constexpr std::string_view kNewItemTitle = "Basics / Additives - New Item";
-
-struct Figures {
-  float reorder = 0;
-  float purchaseCost = 0;
-  float voc = 0;
-  float hap = 0;
-};
-
-Result<Figures> ReadFigures(const Session& session, const BasicWork& work) {
-  const auto reorder = ReadAmount(session, AmountKey::Reorder, work.Reorder, "Reorder");
-  if (!reorder) return std::unexpected(reorder.error());
-  const auto cost = ReadAmount(session, AmountKey::Currency, work.PurchaseCost, "PurchaseCost");
-  if (!cost) return std::unexpected(cost.error());
-  const auto voc = ReadAmount(session, AmountKey::VOC, work.VOC, "VOC");
-  if (!voc) return std::unexpected(voc.error());
-  const auto hap = ReadAmount(session, AmountKey::HAP, work.HAP, "HAP");
-  if (!hap) return std::unexpected(hap.error());
-  return Figures{*reorder, *cost, *voc, *hap};
-}
-
-// The fields drop keys without the right; a caller without fields is stopped here.
-Result<void> CheckRights(const Session& session, const BasicWork& work, const Figures& figures) {
-  if (AmountText(session, AmountKey::Currency, figures.purchaseCost) != work.loadedPurchaseCost)
-    if (auto right = RequireRight(session, AmountKey::Currency, "PurchaseCost"); !right) return right;
-  if (AmountText(session, AmountKey::VOC, figures.voc) != work.loadedVOC)
-    if (auto right = RequireRight(session, AmountKey::VOC, "VOC"); !right) return right;
-  if (AmountText(session, AmountKey::HAP, figures.hap) != work.loadedHAP)
-    if (auto right = RequireRight(session, AmountKey::HAP, "HAP"); !right) return right;
-  return {};
-}
-
-std::vector<Cell> CellsOf(const Session& session, const BasicWork& work, const Figures& figures) {
-  std::vector<Cell> cells{{"Color_Name", work.Color_Name},
-                          {"Color_Code", Left(work.Color_Code, static_cast<std::size_t>(session.NameLength))},
-                          {"Reorder", figures.reorder},
-                          {"Additive", work.Additive},
-                          {"Inv_Note", work.Inv_Note},
-                          {"PurchaseCost", figures.purchaseCost},
-                          {"Notes", TrimmedNotes(work.Notes)},
-                          {"VOC", figures.voc},
-                          {"HAP", figures.hap}};
-  if (work.Inventory) cells.emplace_back("Inventory", RoundSingle(*work.Inventory, 3));
-  return cells;
-}
-
-void AddNewRowCells(const Session& session, const BasicWork& work, std::vector<Cell>& cells) {
-  const BookData book = BookDataOfBasic(session, work.Color_Name);
-  if (!work.Inventory) cells.emplace_back("Inventory", 0.0F);
-  cells.insert(cells.end(), {{"LotRefID", 0},
-                             {"Date_Entered", session.clock.Today()},
-                             {"IngSort", NextIngSort(session)},
-                             {"Color_Guide", book.Color_Guide},
-                             {"Page", book.Page},
-                             {"Row", book.Row},
-                             {"Red", book.Red},
-                             {"Green", book.Green},
-                             {"Blue", book.Blue}});
-}
 
 std::optional<BasicDeleteRefusal> DeleteHindrance(const Session& session, const std::string& name) {
   const auto refusal = [](std::string title, std::string text) {
@@ -101,29 +42,7 @@ std::optional<BasicDeleteRefusal> DeleteHindrance(const Session& session, const 
   return std::nullopt;
 }
 
-Result<void> SaveSwatch(Session& session, const std::string& name, const BasicAttachments& typed) {
-  SwatchChange swatch;
-  const auto read = [](std::string_view field, const std::string& text, std::optional<int>& part) -> Result<void> {
-    if (text.empty()) return {};
-    const auto value = ReadSwatchPart(field, text);
-    if (!value) return std::unexpected(value.error());
-    part = *value;
-    return {};
-  };
-  if (auto red = read("Red", typed.Red, swatch.Red); !red) return red;
-  if (auto green = read("Green", typed.Green, swatch.Green); !green) return green;
-  if (auto blue = read("Blue", typed.Blue, swatch.Blue); !blue) return blue;
-  if (!swatch.Any()) return {};
-  return SetSwatch(session, ColorKind::Basic, name, swatch);
-}
-
 }  // namespace
-
-std::string TrimmedNotes(std::string_view notes) {
-  std::string trimmed = Trim(notes);
-  while (!trimmed.empty() && (trimmed.back() == '\r' || trimmed.back() == '\n')) trimmed.pop_back();
-  return trimmed;
-}
 
 Result<void> CheckNewBasicName(const Session& session, const std::string& name) {
   if (session.Perm_MasterFormula != 1)
@@ -169,19 +88,8 @@ BasicWork NewBasicWork(const Session& session, std::string name) {
 
 BasicWork LoadBasicWork(const Session& session, const BasicColor& color) {
   BasicWork work;
-  work.rowId = color.rowId;
-  work.Color_Name = color.Color_Name;
-  work.Color_Code = color.Color_Code;
-  work.Reorder = AmountText(session, AmountKey::Reorder, color.Reorder);
-  work.PurchaseCost = AmountText(session, AmountKey::Currency, color.PurchaseCost);
-  work.VOC = AmountText(session, AmountKey::VOC, color.VOC);
-  work.HAP = AmountText(session, AmountKey::HAP, color.HAP);
-  work.Inv_Note = color.Inv_Note;
-  work.Notes = color.Notes;
+  LoadColorFields(session, color, work);
   work.Additive = color.Additive;
-  work.loadedPurchaseCost = work.PurchaseCost;
-  work.loadedVOC = work.VOC;
-  work.loadedHAP = work.HAP;
   return work;
 }
 
@@ -207,17 +115,21 @@ Result<void> RequireFreeOfAdditiveSets(const Session& session, std::string_view 
 
 Result<void> SaveBasic(Session& session, BasicWork& work) {
   if (auto writable = RequireWritable(session); !writable) return writable;
-  const auto figures = ReadFigures(session, work);
+  const auto figures = ReadColorFigures(session, work);
   if (!figures) return std::unexpected(figures.error());
-  if (auto rights = CheckRights(session, work, *figures); !rights) return rights;
   const bool isNew = work.rowId == 0;
   if (isNew && BasicColorExists(session, work.Color_Name))
     return Refuse("Basic Color Name Exists", "This Basic Color already exists.", "Color_Name");
   if (!isNew && !work.Additive)
     if (auto free = RequireFreeOfAdditiveSets(session, work.Color_Name); !free) return free;
 
-  std::vector<Cell> cells = CellsOf(session, work, *figures);
-  if (isNew) AddNewRowCells(session, work, cells);
+  std::vector<Cell> cells = ColorCells(session, work, *figures);
+  cells.emplace_back("Additive", work.Additive);
+  if (isNew) {
+    const std::vector<Cell> more = NewColorCells(session, work, BookDataOfBasic(session, work.Color_Name));
+    cells.insert(cells.end(), more.begin(), more.end());
+    cells.emplace_back("IngSort", NextIngSort(session));
+  }
   const std::string table = session.Table(schema::Basic);
   Transaction transaction(session.File());
   std::int64_t rowId = work.rowId;
@@ -230,32 +142,14 @@ Result<void> SaveBasic(Session& session, BasicWork& work) {
                     isNew ? Change::What::Added : Change::What::Updated, ""});
   transaction.Commit();
 
+  const BasicWork before = work;
   work.rowId = rowId;
-  work.PurchaseCost = AmountText(session, AmountKey::Currency, figures->purchaseCost);
-  work.Reorder = AmountText(session, AmountKey::Reorder, figures->reorder);
-  work.VOC = AmountText(session, AmountKey::VOC, figures->voc);
-  work.HAP = AmountText(session, AmountKey::HAP, figures->hap);
+  ShowColorFigures(session, *figures, work);
   if (!isNew) {
-    session.CostChanged = session.CostChanged || work.PurchaseCost != work.loadedPurchaseCost;
-    session.VOCChanged = session.VOCChanged || work.VOC != work.loadedVOC;
-    session.HAPChanged = session.HAPChanged || work.HAP != work.loadedHAP;
+    session.CostChanged = session.CostChanged || work.PurchaseCost != before.loadedPurchaseCost;
+    session.VOCChanged = session.VOCChanged || work.VOC != before.loadedVOC;
+    session.HAPChanged = session.HAPChanged || work.HAP != before.loadedHAP;
   }
-  work.loadedPurchaseCost = work.PurchaseCost;
-  work.loadedVOC = work.VOC;
-  work.loadedHAP = work.HAP;
-  return {};
-}
-
-Result<void> SaveBasic(Session& session, BasicWork& work, const BasicAttachments& attachments) {
-  if (auto writable = RequireWritable(session); !writable) return writable;
-  BasicWork saved = work;
-  Transaction transaction(session.File());
-  if (auto done = SaveBasic(session, saved); !done) return done;
-  if (auto set = SaveSwatch(session, saved.Color_Name, attachments); !set) return set;
-  if (attachments.measurements)
-    WriteLabReadings(session, ColorKind::Basic, saved.Color_Name, *attachments.measurements);
-  transaction.Commit();
-  work = std::move(saved);
   return {};
 }
 

@@ -6,28 +6,14 @@
 #include <vector>
 
 #include "core/colors/basics.h"
+#include "core/colors/color_work.h"
 #include "core/colors/lab.h"
 
 namespace vellumark {
 
-/// What the Basic Color window holds of one colour: its numbers are texts, as they stand in the fields.
-struct BasicWork {
-  std::int64_t rowId = 0;  ///< 0 while a new colour is being entered
-  std::string Color_Name;
-  std::string Color_Code;
-  std::string Reorder;
-  std::string PurchaseCost;
-  std::string VOC;
-  std::string HAP;
-  std::string Inv_Note;
-  std::string Notes;
+/// What the Basic Color window holds of one colour.
+struct BasicWork : ColorWork {
   bool Additive = false;
-  std::optional<float> Inventory;  ///< quantity of the Unlotted Inv. row when it was worked on; else left as it is
-
-  // The texts as they were loaded: a figure whose text has changed makes the formulas' roll-ups stale.
-  std::string loadedPurchaseCost;
-  std::string loadedVOC;
-  std::string loadedHAP;
 };
 
 /// What leaving the name field led to.
@@ -53,9 +39,6 @@ bool AskNewBasic(Session& session, const std::string& name);
 BasicWork NewBasicWork(const Session& session, std::string name);
 BasicWork LoadBasicWork(const Session& session, const BasicColor& color);
 
-/// Notes as they are saved: blanks at the ends go, then line ends one by one, so that a note ends in no empty line.
-std::string TrimmedNotes(std::string_view notes);
-
 /// Work left undone elsewhere on the window, asked about before a save.
 enum class UnfinishedWork { None, Inventory, Measurement };
 /// The first that the operator wants to complete; None when the save may go on. `adjustText` is what stands in the
@@ -65,16 +48,6 @@ UnfinishedWork AskUnfinishedWork(Session& session, std::string_view adjustText, 
 /// Validates in the order Reorder, PurchaseCost, VOC, HAP and writes the row. A new colour goes to the end of the
 /// weighing order. Changed figures set the session's flags. On success `work` holds the row as stored.
 Result<void> SaveBasic(Session& session, BasicWork& work);
-
-/// What else the window of a Basic Color holds; what is not given stays as it is on file.
-struct BasicAttachments {
-  std::optional<std::vector<LabReading>> measurements;  ///< the whole list
-  std::string Red;                                      ///< a part of the swatch as typed; empty: as it is
-  std::string Green;
-  std::string Blue;
-};
-/// The same, and what else belongs to the colour, in one transaction.
-Result<void> SaveBasic(Session& session, BasicWork& work, const BasicAttachments& attachments);
 
 /// An item of an Additive Set must stay an Additive: what unchecking the box asks first.
 Result<void> RequireFreeOfAdditiveSets(const Session& session, std::string_view name);

@@ -101,39 +101,6 @@ Result<void> CheckSet(const Session& session, const FormulaWork& work) {
   return {};
 }
 
-struct Figures {
-  float reorder = 0;
-  float purchaseCost = 0;
-  float voc = 0;
-  float hap = 0;
-};
-
-// Reads the figures of the record; a changed one needs its right.
-Result<Figures> ReadFigures(const Session& session, const FormulaWork& work) {
-  Figures figures;
-  struct Number {
-    AmountKey key;
-    const std::string& text;
-    const std::string* loaded;
-    std::string_view field;
-    float& target;
-  };
-  const std::array<Number, 4> numbers{
-      {{AmountKey::Reorder, work.Reorder, nullptr, "Reorder", figures.reorder},
-       {AmountKey::Currency, work.PurchaseCost, &work.loadedPurchaseCost, "PurchaseCost", figures.purchaseCost},
-       {AmountKey::VOC, work.VOC, &work.loadedVOC, "VOC", figures.voc},
-       {AmountKey::HAP, work.HAP, &work.loadedHAP, "HAP", figures.hap}}};
-  for (const Number& number : numbers) {
-    const auto value = ReadAmount(session, number.key, number.text, number.field);
-    if (!value) return std::unexpected(value.error());
-    number.target = *value;
-  }
-  for (const Number& number : numbers)
-    if (number.loaded != nullptr && AmountText(session, number.key, number.target) != *number.loaded)
-      if (auto right = RequireRight(session, number.key, number.field); !right) return std::unexpected(right.error());
-  return figures;
-}
-
 // The stored recipe: the grid and the set's lines, in parts of 100.
 Recipe StoredRecipe(const Session& session, const FormulaWork& work) {
   const Recipe set = SetRows(session, work.AddSetName);
@@ -161,34 +128,6 @@ std::int64_t WriteRecipe(Session& session, const FormulaWork& work, const Recipe
 
 std::unexpected<Refusal> Gone(const FormulaWork& work) {
   return Refuse("Color Not Found", work.Color_Name + " is not found in this database.", "Color_Name");
-}
-
-std::vector<Cell> RecordCells(const Session& session, const FormulaWork& work, const Figures& figures) {
-  std::vector<Cell> cells{{"Color_Name", work.Color_Name},
-                          {"Color_Code", Left(work.Color_Code, static_cast<std::size_t>(session.NameLength))},
-                          {"Reorder", figures.reorder},
-                          {"Inv_Note", work.Inv_Note},
-                          {"PurchaseCost", figures.purchaseCost},
-                          {"Recycle", work.Recycle},
-                          {"Notes", TrimmedNotes(work.Notes)},
-                          {"VOC", figures.voc},
-                          {"HAP", figures.hap}};
-  if (work.Inventory) cells.emplace_back("Inventory", RoundSingle(*work.Inventory, 3));
-  return cells;
-}
-
-void AddNewRecordCells(const Session& session, const FormulaWork& work, std::vector<Cell>& cells) {
-  const BookData book = BookDataOfMix(session, work.Color_Name);
-  if (!work.Inventory) cells.emplace_back("Inventory", 0.0F);
-  cells.insert(cells.end(), {{"LotRefID", 0},
-                             {"Date_Entered", session.clock.Today()},
-                             {"LastModified", session.clock.Today()},
-                             {"Color_Guide", book.Color_Guide},
-                             {"Page", book.Page},
-                             {"Row", book.Row},
-                             {"Red", book.Red},
-                             {"Green", book.Green},
-                             {"Blue", book.Blue}});
 }
 
 Result<double> ReadAdjustPercent(std::string_view typed) {
@@ -265,22 +204,11 @@ FormulaWork NewFormulaWork(const Session& session, std::string name) {
 
 FormulaWork LoadFormulaWork(const Session& session, const MixColor& mix) {
   FormulaWork work;
-  work.rowId = mix.rowId;
-  work.Color_Name = mix.Color_Name;
-  work.Color_Code = mix.Color_Code;
+  LoadColorFields(session, mix, work);
   const auto set = ReadAdditiveSet(session, mix.AddSetName);
   if (set) work.AddSetName = set->SetName;
   ShowGrid(work, set ? WithoutSet(mix.Ingredients(), set->rows) : mix.Ingredients());
-  work.Reorder = AmountText(session, AmountKey::Reorder, mix.Reorder);
-  work.PurchaseCost = AmountText(session, AmountKey::Currency, mix.PurchaseCost);
-  work.VOC = AmountText(session, AmountKey::VOC, mix.VOC);
-  work.HAP = AmountText(session, AmountKey::HAP, mix.HAP);
-  work.Inv_Note = mix.Inv_Note;
-  work.Notes = mix.Notes;
   work.Recycle = mix.Recycle;
-  work.loadedPurchaseCost = work.PurchaseCost;
-  work.loadedVOC = work.VOC;
-  work.loadedHAP = work.HAP;
   return work;
 }
 
@@ -356,15 +284,19 @@ Result<void> SaveMix(Session& session, FormulaWork& work) {
     if (auto right = RequireFormulaRight(session); !right) return right;
     if (auto valid = ValidateFormula(session, work); !valid) return valid;
   }
-  const auto figures = ReadFigures(session, work);
+  const auto figures = ReadColorFigures(session, work);
   if (!figures) return std::unexpected(figures.error());
   if (isNew && MixColorExists(session, work.Color_Name))
     return Refuse("Master Formula Exists",
                   "This Master Formula already exists in the database.\n\nPlease select different name.", "Color_Name");
 
-  std::vector<Cell> cells = RecordCells(session, work, *figures);
-  if (isNew) AddNewRecordCells(session, work, cells);
-  if (!isNew && withRecipe) cells.emplace_back("LastModified", session.clock.Today());
+  std::vector<Cell> cells = ColorCells(session, work, *figures);
+  cells.emplace_back("Recycle", work.Recycle);
+  if (isNew) {
+    const std::vector<Cell> more = NewColorCells(session, work, BookDataOfMix(session, work.Color_Name));
+    cells.insert(cells.end(), more.begin(), more.end());
+  }
+  if (withRecipe) cells.emplace_back("LastModified", session.clock.Today());
   Transaction transaction(session.File());
   if (withRecipe) {
     AddIngredients(session, work);

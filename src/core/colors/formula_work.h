@@ -18,33 +18,18 @@ struct NewIngredient {
   bool additive = false;
 };
 
-/// What the Master Formula window holds of one formula. Its grid holds the lines beside the Additive Set; numbers are
-/// texts, as they stand in the fields.
-struct FormulaWork {
+/// What the Master Formula window holds of one formula. Its grid holds the lines beside the Additive Set.
+struct FormulaWork : ColorWork {
   struct Row {
     std::string BC;
     std::string BQ;
   };
 
-  std::int64_t rowId = 0;  ///< 0 while a new formula is being entered
-  std::string Color_Name;
-  std::string Color_Code;
   std::array<Row, schema::kIngredientSlots> grid;
   std::string AddSetName;
-  std::string Reorder;
-  std::string PurchaseCost;
-  std::string VOC;
-  std::string HAP;
-  std::string Inv_Note;
-  std::string Notes;
   bool Recycle = true;
-  std::optional<float> Inventory;  ///< quantity of the Unlotted Inv. row when it was worked on; else left as it is
-  bool AllowEditing = false;       ///< "Edit Formula": lets the recipe of a stored formula be written
+  bool AllowEditing = false;                  ///< "Edit Formula": lets the recipe of a stored formula be written
   std::vector<NewIngredient> newIngredients;  ///< made in the same transaction as the formula
-
-  std::string loadedPurchaseCost;
-  std::string loadedVOC;
-  std::string loadedHAP;
 };
 
 /// The filled rows of the grid, in order; a row without a number counts as nothing.
