@@ -12,7 +12,7 @@
 #include "core/batch/recipe.h"
 #include "core/batch/recycle_list.h"
 #include "core/batch/rows.h"
-#include "core/datafile/schema.h"
+#include "core/inventory/posting.h"
 
 namespace vellumark {
 namespace {
@@ -51,13 +51,7 @@ void ForColor(BatchWork& work, std::string_view name, const Do& apply) {
 }
 
 void EmptyStock(Session& session, const std::string& name) {
-  Transaction transaction(session.File());
-  session.File()
-      .Prepare(fmt::format("UPDATE {} SET Inventory = 0 WHERE Color_Name = ?", Quoted(session.Table(schema::Mix))))
-      .Bind(1, name)
-      .Run();
-  transaction.Note({Change::Kind::Mix, session.CurrentDatabase, name, Change::What::Updated, {}});
-  transaction.Commit();
+  PostStock(session, {PostingSource::Reset, ColorKind::Mix, name, {}, 0, {}});
 }
 
 void ShowCalculation(Session& session, BatchWork& work) {

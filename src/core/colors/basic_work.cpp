@@ -9,6 +9,7 @@
 #include "core/colors/amounts.h"
 #include "core/colors/formulas.h"
 #include "core/colors/names.h"
+#include "core/colors/stock_trace.h"
 #include "core/datafile/references.h"
 #include "core/datafile/writer.h"
 
@@ -133,6 +134,8 @@ Result<void> SaveBasic(Session& session, BasicWork& work) {
   const std::string table = session.Table(schema::Basic);
   Transaction transaction(session.File());
   std::int64_t rowId = work.rowId;
+  if (work.Inventory)
+    TraceEnteredStock(session, ColorKind::Basic, work.Color_Name, rowId, RoundSingle(*work.Inventory, 3));
   if (isNew) {
     rowId = InsertRow(session.File(), schema::Basic, table, cells);
   } else if (!UpdateRow(session.File(), schema::Basic, table, rowId, cells)) {
@@ -170,7 +173,7 @@ std::expected<bool, BasicDeleteRefusal> DeleteBasic(Session& session, const std:
   Database& file = session.File();
   const std::string table = Quoted(session.Table(schema::Basic));
   Transaction transaction(file);
-  DeleteLotsAndMeasurements(file, session.CurrentDatabase, ColorKind::Basic, color->Color_Name);
+  GiveUpColorStock(session, ColorKind::Basic, session.CurrentDatabase, color->Color_Name);
   file.Prepare("DELETE FROM " + table + " WHERE rowid = ?").Bind(1, color->rowId).Run();
   file.Prepare("UPDATE " + table + " SET IngSort = IngSort - 1 WHERE IngSort > ?").Bind(1, color->IngSort).Run();
   transaction.Note({Change::Kind::Basic, session.CurrentDatabase, color->Color_Name, Change::What::Deleted, ""});

@@ -7,6 +7,7 @@
 #include "core/base/text.h"
 #include "core/colors/amounts.h"
 #include "core/colors/formula_tools.h"
+#include "core/colors/stock_trace.h"
 #include "core/datafile/references.h"
 
 namespace vellumark {
@@ -75,7 +76,7 @@ Result<bool> DeleteFormulas(Session& session, const std::vector<std::string>& co
     Transaction transaction(file);
     Statement row = file.Prepare("DELETE FROM " + Quoted(session.Table(schema::Mix, *chosen)) + " WHERE rowid = ?");
     for (const MixColor& mix : *formulas) {
-      DeleteLotsAndMeasurements(file, *chosen, ColorKind::Mix, mix.Color_Name);
+      GiveUpColorStock(session, ColorKind::Mix, *chosen, mix.Color_Name);
       row.Bind(1, mix.rowId).Run();
       transaction.Note({Change::Kind::Mix, *chosen, mix.Color_Name, Change::What::Deleted, ""});
       if (!steps.Next()) return BulkSteps::Stopped(std::string(kTitle));

@@ -11,6 +11,7 @@
 #include "core/colors/basics.h"
 #include "core/datafile/databases.h"
 #include "core/datafile/schema.h"
+#include "core/session/stock_lines.h"
 
 namespace vellumark {
 namespace {
@@ -97,6 +98,9 @@ Result<std::string> CopyDatabase(Session& session, std::string_view source, std:
   progress.Step(3, 4);
   CopyTable(session, schema::Additives, *from, *name, keepStock, {});
   CopyInfo(session, *from, *name);
+  StockLine line = NewStockLine(session, StockEvent::Copied, ColorKind::Basic, *name);
+  line.reason = "Copy of " + *from;
+  AddLinesOfDatabase(session.File(), line);
   transaction.Commit();
   session.databaseList.push_back(*name);
   return name;

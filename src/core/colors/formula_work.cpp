@@ -9,6 +9,7 @@
 #include "core/base/text.h"
 #include "core/colors/amounts.h"
 #include "core/colors/names.h"
+#include "core/colors/stock_trace.h"
 #include "core/datafile/references.h"
 
 namespace vellumark {
@@ -298,6 +299,8 @@ Result<void> SaveMix(Session& session, FormulaWork& work) {
   }
   if (withRecipe) cells.emplace_back("LastModified", session.clock.Today());
   Transaction transaction(session.File());
+  if (work.Inventory)
+    TraceEnteredStock(session, ColorKind::Mix, work.Color_Name, work.rowId, RoundSingle(*work.Inventory, 3));
   if (withRecipe) {
     AddIngredients(session, work);
     if (WriteRecipe(session, work, StoredRecipe(session, work), cells) == 0) return Gone(work);
@@ -340,7 +343,7 @@ Result<bool> DeleteMix(Session& session, const std::string& name) {
                           Answer::No))
     return false;
   Transaction transaction(session.File());
-  DeleteLotsAndMeasurements(session.File(), session.CurrentDatabase, ColorKind::Mix, mix->Color_Name);
+  GiveUpColorStock(session, ColorKind::Mix, session.CurrentDatabase, mix->Color_Name);
   session.File()
       .Prepare("DELETE FROM " + Quoted(session.Table(schema::Mix)) + " WHERE rowid = ?")
       .Bind(1, mix->rowId)

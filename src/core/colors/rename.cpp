@@ -10,6 +10,7 @@
 #include "core/colors/basics.h"
 #include "core/colors/formulas.h"
 #include "core/colors/names.h"
+#include "core/colors/stock_trace.h"
 #include "core/datafile/references.h"
 #include "core/datafile/writer.h"
 
@@ -104,8 +105,8 @@ void MergeInAdditiveSets(Session& session, std::string_view oldName, std::string
 }
 
 // The surviving row keeps what is its own; what belonged to the other goes.
-void GiveUpBasic(Session& session, const BasicColor& color) {
-  DeleteLotsAndMeasurements(session.File(), session.CurrentDatabase, ColorKind::Basic, color.Color_Name);
+void GiveUpBasic(Session& session, const BasicColor& color, const std::string& newName) {
+  GiveUpColorStock(session, ColorKind::Basic, session.CurrentDatabase, color.Color_Name, "Merged into " + newName);
   session.File()
       .Prepare("DELETE FROM " + Quoted(session.Table(schema::Basic)) + " WHERE rowid = ?")
       .Bind(1, color.rowId)
@@ -123,13 +124,14 @@ void RenameBasicEverywhere(Session& session, ProgressRun* progress, Transaction&
 void WriteBasicName(Session& session, const BasicColor& color, const std::string& newName) {
   UpdateRow(session.File(), schema::Basic, session.Table(schema::Basic), color.rowId,
             NameCells(newName, color.book, BookDataOfBasic(session, newName)));
+  TraceRename(session, ColorKind::Basic, color.Color_Name, newName);
 }
 
 void RenameOrMergeBasic(Session& session, const BasicColor& color, const std::string& newName, bool merge) {
   ProgressRun progress(session.progress, merge ? "Merging colors ..." : "Renaming color ...");
   Transaction transaction(session.File());
   if (merge) {
-    GiveUpBasic(session, color);
+    GiveUpBasic(session, color, newName);
   } else {
     WriteBasicName(session, color, newName);
   }
@@ -146,6 +148,7 @@ void RenameMixEverywhere(Session& session, Transaction& transaction, const MixCo
   UpdateRow(session.File(), schema::Mix, session.Table(schema::Mix), mix.rowId,
             NameCells(newName, mix.book, BookDataOfMix(session, newName)));
   RenameReferences(session.File(), session.CurrentDatabase, ColorKind::Mix, mix.Color_Name, newName);
+  TraceRename(session, ColorKind::Mix, mix.Color_Name, newName);
   transaction.Note({Change::Kind::Mix, session.CurrentDatabase, mix.Color_Name, Change::What::Renamed, newName});
 }
 

@@ -8,6 +8,7 @@
 #include "core/base/number.h"
 #include "core/base/refusal.h"
 #include "core/base/text.h"
+#include "core/datafile/stock_history.h"
 #include "core/datafile/writer.h"
 
 namespace vellumark {
@@ -80,6 +81,7 @@ void CreateFile(const fs::path& path) {
                {"BatchNumber", 1},
                {"ItemNumber", 1},
                {"DaysToRemindBackup", 1}});
+    CreateStockHistory(*file);
     transaction.Commit();
   } catch (const Failure& failure) {
     fs::remove(building, ignored);

@@ -53,6 +53,8 @@ struct InventoryWork {
   float basicCost = 0;  ///< of a formula
   std::vector<InventoryRow> rows;
   std::vector<RemovedLot> removed;
+  std::string document{};  ///< for the history: what moves the stock, and why
+  std::string reason{};
 
   /// What a new entry costs unless told otherwise, and what Unlotted Inventory costs.
   float UnitCost() const { return kind == ColorKind::Mix ? basicCost : purchaseCost; }

@@ -3,6 +3,7 @@
 #include "core/datafile/writer.h"
 #include "core/inventory/adjust.h"
 #include "core/inventory/stock_change.h"
+#include "core/session/stock_lines.h"
 
 namespace vellumark {
 namespace {
@@ -40,18 +41,21 @@ class InventorySave {
     change.row = row;
     change.before = before;
     change.after = after;
+    change.document = work_.document;
+    change.reason = work_.reason;
     return change;
   }
 
   void WriteUnlotted() {
     const InventoryRow& row = work_.rows.front();
     if (row.now.qty == row.onFile.qty) return;
-    const Value color =
-        session_.File().Scalar(fmt::format("SELECT rowid FROM {} WHERE Color_Name = ?1 ORDER BY rowid LIMIT 1",
-                                           Quoted(session_.Table(ColorTable(work_.kind), work_.database))),
-                               {work_.name});
-    if (color.IsNull()) return;
-    WriteStockChange(session_, ChangeTo(StockChange::Action::SetUnlotted, color.Whole(), row.onFile.qty, row.now.qty));
+    Statement color = session_.File().Prepare(
+        fmt::format("SELECT rowid, Inventory FROM {} WHERE Color_Name = ?1 ORDER BY rowid LIMIT 1",
+                    Quoted(session_.Table(ColorTable(work_.kind), work_.database))));
+    color.Bind(1, work_.name);
+    if (!color.Step()) return;
+    WriteStockChange(session_,
+                     ChangeTo(StockChange::Action::SetUnlotted, color.Whole(0), color.Single(1), row.now.qty));
   }
 
   bool AddLot(const InventoryValues& values) {
@@ -72,6 +76,7 @@ class InventorySave {
     const auto lot = FindLot(session_, work_.kind, work_.name, work_.database, ref);
     if (!lot) return;
     const InventoryValues& now = row.now;
+    if (now.lotNumber != lot->LotNumber) TellNewNumber(*lot, now.lotNumber);
     UpdateRow(session_.File(), LotTable(work_.kind), session_.Table(LotTable(work_.kind), work_.database), lot->row,
               {{"LotNumber", now.lotNumber},
                {"LotLoc", now.location},
@@ -82,11 +87,22 @@ class InventorySave {
     if (now.qty != row.onFile.qty) {
       StockChange change = ChangeTo(StockChange::Action::SetLot, lot->row, lot->LotQty, now.qty);
       change.lot = *lot;
+      change.lot.LotNumber = now.lotNumber;
       WriteStockChange(session_, change);
     } else {
       transaction_.Note({ChangeKind(work_.kind), work_.database, work_.name, Change::What::Updated, {}});
     }
     UpdateCopies(ref, now);
+  }
+
+  // The history finds a lot under each of its numbers.
+  void TellNewNumber(const LotRow& lot, const std::string& number) {
+    StockLine line = NewStockLine(session_, StockEvent::ManualAdjust, work_.kind, work_.database, work_.name);
+    line.LotRefID = lot.LotRefID;
+    line.LotNumber = number;
+    line.result = lot.LotQty;
+    line.reason = "Lot number was " + lot.LotNumber;
+    AddStockLine(session_.File(), line);
   }
 
   // Where the lot was used, or made, its particulars stand once more.
@@ -122,9 +138,9 @@ class InventorySave {
 
   // By number as well as by reference: a lot that was given another number meanwhile stays.
   void DeleteLot(const RemovedLot& removed) {
-    Statement lots = session_.File().Prepare(
-        fmt::format("SELECT rowid, LotQty FROM {} WHERE LotCName = ?1 AND LotRefID = ?2 AND LotNumber = ?3",
-                    Quoted(session_.Table(LotTable(work_.kind), work_.database))));
+    Statement lots = session_.File().Prepare(fmt::format(
+        "SELECT rowid, LotQty FROM {} WHERE LotCName = ?1 AND LotRefID = ?2 AND COALESCE(LotNumber, '') = ?3",
+        Quoted(session_.Table(LotTable(work_.kind), work_.database))));
     lots.Bind(1, work_.name).Bind(2, removed.LotRefID).Bind(3, removed.LotNumber);
     std::vector<StockChange> changes;
     while (lots.Step()) {

@@ -24,10 +24,10 @@ inline ColorKind ColorKindOf(LotLineKind kind) {
 /// What a line takes from one lot, or from Unlotted Inventory (`LotRefID` 0).
 struct LotUse {
   std::int32_t LotRefID = 0;
-  std::string LotNumber;
-  std::string LotLoc;
-  std::string LotContID;
-  std::optional<DateTime> LotDate;
+  std::string LotNumber{};
+  std::string LotLoc{};
+  std::string LotContID{};
+  std::optional<DateTime> LotDate{};
   float LotQty = 0;     ///< taken, in the Batch's unit, three decimals
   float LotPrice = 0;   ///< per inventory unit
   bool Remove = false;  ///< what is left of the lot afterwards is written off

@@ -15,6 +15,8 @@ enum class Effect { Takes, Adds, Sets };
 enum class CutoffTest { None, Below, AtOrBelow };
 enum class MissingLot { Nothing, Added, AddedIfPositive };
 
+constexpr std::string_view kWrittenOff = "Delete Inv. Balance";
+
 struct SourceRule {
   PostingSource source;
   Effect effect;
@@ -25,7 +27,7 @@ struct SourceRule {
 };
 
 // The differences between "below" and "at or below" are meant: each source keeps its own.
-constexpr std::array<SourceRule, 8> kRules{{
+constexpr std::array<SourceRule, 9> kRules{{
     {PostingSource::BatchTakes, Effect::Takes, CutoffTest::AtOrBelow, CutoffTest::AtOrBelow, CutoffTest::AtOrBelow,
      MissingLot::Nothing},
     {PostingSource::BatchReturns, Effect::Adds, CutoffTest::None, CutoffTest::None, CutoffTest::None,
@@ -33,6 +35,8 @@ constexpr std::array<SourceRule, 8> kRules{{
     {PostingSource::BatchTakesAgain, Effect::Takes, CutoffTest::AtOrBelow, CutoffTest::Below, CutoffTest::Below,
      MissingLot::Nothing},
     {PostingSource::BatchMakes, Effect::Adds, CutoffTest::None, CutoffTest::None, CutoffTest::None, MissingLot::Added},
+    {PostingSource::BatchUnmakes, Effect::Takes, CutoffTest::None, CutoffTest::Below, CutoffTest::AtOrBelow,
+     MissingLot::Nothing},
     {PostingSource::JobRecord, Effect::Adds, CutoffTest::Below, CutoffTest::Below, CutoffTest::Below,
      MissingLot::AddedIfPositive},
     {PostingSource::ManualAdjust, Effect::Adds, CutoffTest::AtOrBelow, CutoffTest::AtOrBelow, CutoffTest::AtOrBelow,
@@ -98,6 +102,7 @@ StockChange ChangeOf(const Posting& posting, StockChange::Action action, std::in
   change.row = row;
   change.before = before;
   change.after = after;
+  change.document = posting.document;
   return change;
 }
 
@@ -114,7 +119,13 @@ PostingResult PostToLot(Session& session, const StockRules& rules, const Posting
   change.lot = lot;
   WriteStockChange(session, change);
   if (!after) return {PostingResult::Outcome::LotDeleted, 0, lot.LotRefID};
-  return {PostingResult::Outcome::Posted, *after, lot.LotRefID};
+  if (!posting.remove) return {PostingResult::Outcome::Posted, *after, lot.LotRefID};
+  change.action = StockChange::Action::DeleteLot;
+  change.before = *after;
+  change.after = 0;
+  change.reason = kWrittenOff;
+  WriteStockChange(session, change);
+  return {PostingResult::Outcome::LotDeleted, 0, lot.LotRefID};
 }
 
 // A lot that a Job Record or a Batch once took from comes back as it was.

@@ -31,6 +31,8 @@ struct Posting {
   /// and a manual adjustment downwards are negative; a Reset gives the value itself.
   float quantity = 0;
   std::optional<LotTarget> lot{};  ///< nothing for Unlotted Inventory
+  bool remove = false;             ///< the lot goes, whatever is left of it: that much is written off
+  std::string document{};          ///< for the history: a Batch's number, a job
 };
 
 struct PostingResult {

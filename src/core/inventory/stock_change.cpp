@@ -3,7 +3,9 @@
 #include <fmt/format.h>
 
 #include "core/base/number.h"
+#include "core/datafile/stock_history.h"
 #include "core/datafile/writer.h"
+#include "core/session/stock_lines.h"
 
 namespace vellumark {
 namespace {
@@ -20,6 +22,46 @@ void AddLot(Session& session, const StockChange& change, const std::string& tabl
              {"LotQty", quantity},
              {"LotPrice", RoundSingle(lot.LotPrice, session.DecimalPlaces)},
              {"LotConsignment", lot.LotConsignment}});
+}
+
+StockEvent EventOf(PostingSource source) {
+  switch (source) {
+    case PostingSource::BatchTakes:
+      return StockEvent::BatchTakes;
+    case PostingSource::BatchTakesAgain:
+      return StockEvent::BatchTakesAgain;
+    case PostingSource::BatchRestores:
+      return StockEvent::BatchRestores;
+    case PostingSource::BatchReturns:
+      return StockEvent::BatchReturns;
+    case PostingSource::BatchMakes:
+      return StockEvent::BatchMakes;
+    case PostingSource::BatchUnmakes:
+      return StockEvent::BatchUnmakes;
+    case PostingSource::JobRecord:
+      return StockEvent::JobRecord;
+    case PostingSource::ManualAdjust:
+      break;
+    case PostingSource::ScanReturn:
+      return StockEvent::ScanReturn;
+    case PostingSource::Reset:
+      return StockEvent::Reset;
+  }
+  return StockEvent::ManualAdjust;
+}
+
+void WriteHistory(Session& session, const StockChange& change, float quantity) {
+  const bool gone = change.action == StockChange::Action::DeleteLot;
+  StockLine line = NewStockLine(session, EventOf(change.source), change.kind, change.database, change.name);
+  if (change.action != StockChange::Action::SetUnlotted) {
+    line.LotRefID = change.lot.LotRefID;
+    line.LotNumber = change.lot.LotNumber;
+  }
+  line.result = gone ? 0 : quantity;
+  line.change = StockDifference(change.before, line.result);
+  line.document = change.document;
+  line.reason = change.reason;
+  AddStockLine(session.File(), line);
 }
 
 }  // namespace
@@ -53,6 +95,7 @@ void WriteStockChange(Session& session, const StockChange& change) {
       break;
   }
   const std::string& database = change.database.empty() ? session.CurrentDatabase : change.database;
+  WriteHistory(session, change, quantity);
   transaction.Note({ChangeKind(change.kind), database, change.name, Change::What::Updated, {}});
   transaction.Commit();
 }

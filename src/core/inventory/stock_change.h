@@ -14,6 +14,7 @@ enum class PostingSource {
   BatchTakesAgain,  ///< a saved Batch that was opened is left unsaved, and takes its lines again
   BatchRestores,    ///< the same where stock stands as the opening left it: it becomes again what it was before
   BatchMakes,       ///< a Batch puts the colour it makes into stock
+  BatchUnmakes,     ///< a Batch that is changed or deleted takes out again what it had made
   JobRecord,        ///< issue to a job (negative) and return from it
   ManualAdjust,     ///< entered by hand
   ScanReturn,       ///< a scanned container
@@ -30,13 +31,15 @@ struct StockChange {
   std::string database;  ///< empty for the current one
   std::int64_t row = 0;  ///< of the colour or of the lot; not used by AddLot
   LotRow lot;            ///< AddLot: all of it; SetLot and DeleteLot: which lot it was
-  float before = 0;
+  float before = 0;      ///< what stands on file, of which the history tells the difference
   float after = 0;
+  std::string document;  ///< what moves it, for the history: a Batch's number, a job
+  std::string reason;
 };
 
 /// The one place through which stock reaches the tables, whoever moves it: writes the change, with three decimals (as
-/// it stands with BatchRestores) and a lot's price with `DecimalPlaces`, and notes it, within the caller's transaction.
-/// Throws BadValue for a lot whose texts do not fit.
+/// it stands with BatchRestores) and a lot's price with `DecimalPlaces`, and notes it and leaves a line in the
+/// history, within the caller's transaction. Throws BadValue for a lot whose texts do not fit.
 void WriteStockChange(Session& session, const StockChange& change);
 
 }  // namespace vellumark

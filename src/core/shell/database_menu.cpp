@@ -12,6 +12,7 @@
 #include "core/datafile/databases.h"
 #include "core/datafile/lifecycle.h"
 #include "core/session/rights.h"
+#include "core/session/stock_lines.h"
 #include "core/shell/opening.h"
 
 namespace vellumark {
@@ -88,6 +89,8 @@ Result<std::string> RenameDatabase(Session& session, std::string_view name, std:
     // The record sets are on the new tables when the commit tells of them.
     Transaction transaction(session.File());
     RenameDatabaseTables(session.File(), *old, *newName);
+    AddDatabaseRenameLines(session.File(), NewStockLine(session, StockEvent::DatabaseRenamed, ColorKind::Basic), *old,
+                           *newName);
     std::ranges::replace(session.databaseList, *old, *newName);
     if (current) {
       session.CurrentDatabase = *newName;
@@ -123,7 +126,12 @@ Result<bool> DeleteDatabases(Session& session, const std::vector<std::string>& n
   std::erase_if(session.databaseList,
                 [&](const std::string& name) { return std::ranges::find(chosen, name) != chosen.end(); });
   try {
+    Transaction transaction(session.File());
     DeleteDatabaseTables(session.File(), chosen);
+    for (const std::string& name : chosen)
+      AddDatabaseDeletedLine(session.File(),
+                             NewStockLine(session, StockEvent::DatabaseDeleted, ColorKind::Basic, name));
+    transaction.Commit();
   } catch (...) {
     session.databaseList = std::move(before);
     throw;

@@ -10,6 +10,7 @@
 #include "core/colors/guide_database.h"
 #include "core/datafile/databases.h"
 #include "core/datafile/lifecycle.h"
+#include "core/datafile/stock_history.h"
 #include "core/session/users.h"
 
 namespace vellumark {
@@ -161,6 +162,8 @@ void OpenDataFile(Session& session, OpeningWindows& windows) {
   session.ItemNumber = info.itemNumber;
   session.DataFileOpen = true;
   session.databaseList = info.dbList;
+  if (!session.ArchiveView && !HasStockHistory(session.File()))
+    BeginStockHistory(session.File(), info.dbList, session.clock.Now(), session.CurrentUser);
   const auto logIn = [&] { UsersEnabled(session) ? windows.Login(session) : LogInWithoutUsers(session); };
   if (info.dbList.empty()) {
     MakeFirstDatabase(session);

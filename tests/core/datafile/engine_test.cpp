@@ -216,7 +216,8 @@ TEST(Schema, ANewFileHasItsTablesAndOneRow) {
   const fs::path path = folder / "New.vkd";
   CreateFile(path);
   const auto file = Database::Open(path, OpenMode::Exclusive);
-  EXPECT_EQ(file->TableNames(), (std::vector<std::string>{"FileInfo", "Designs", "Dispenser", "JobRecords"}));
+  EXPECT_EQ(file->TableNames(),
+            (std::vector<std::string>{"FileInfo", "Designs", "Dispenser", "JobRecords", "MSysStockHistory"}));
   EXPECT_EQ(file->Scalar("SELECT COUNT(*) FROM FileInfo").Whole(), 1);
   EXPECT_TRUE(file->Scalar("SELECT LastBackupDate FROM FileInfo").IsNull());
   EXPECT_EQ(file->Scalar("SELECT DaysToRemindBackup FROM FileInfo").Whole(), 1);

@@ -4,6 +4,7 @@
 #include <random>
 
 #include "core/base/number.h"
+#include "core/datafile/stock_history.h"
 #include "support/stock_room.h"
 
 namespace vellumark::test {
@@ -23,13 +24,16 @@ Movement MovementOf(PostingSource source) {
   switch (source) {
     case BatchTakes:
     case BatchTakesAgain:
+    case BatchUnmakes:
       return {0.3F, -0.3};
+    case BatchReturns:
     case BatchMakes:
     case ScanReturn:
       return {0.3F, 0.3};
     case JobRecord:
     case ManualAdjust:
       return {-0.3F, -0.3};
+    case BatchRestores:
     case Reset:
       break;
   }
@@ -57,8 +61,14 @@ const std::vector<TableRow> kTable{
     {BatchTakesAgain, kBasic, true, "kkkkkk", "dkkdkk"},
     {BatchTakesAgain, kMix, false, "0kk0kk", "dkkdkk"},
     {BatchTakesAgain, kMix, true, "0kk0kk", "dkkdkk"},
+    {BatchReturns, kBasic, false, "kkk-kk", "kkk-kk"},
+    {BatchReturns, kBasic, true, "kkkkkk", "kkk-kk"},
+    {BatchReturns, kMix, false, "kkk-kk", "kkk-kk"},
+    {BatchReturns, kMix, true, "kkk-kk", "kkk-kk"},
     {BatchMakes, kMix, false, "kkk-kk", "------"},
     {BatchMakes, kMix, true, "kkk-kk", "------"},
+    {BatchUnmakes, kMix, false, "0kk0kk", "ddkddk"},
+    {BatchUnmakes, kMix, true, "0kk0kk", "ddkddk"},
     {JobRecord, kBasic, false, "0kk0kk", "dkkdkk"},
     {JobRecord, kBasic, true, "kkkkkk", "dkkdkk"},
     {JobRecord, kMix, false, "0kk0kk", "dkkdkk"},
@@ -167,7 +177,7 @@ TEST(Posting, WhatIsMissingStaysMissing) {
     EXPECT_EQ(PostStock(room.session, {source, kMix, "ORPHAN", {}, 1, LotTarget{.LotRefID = 1}}).outcome,
               Outcome::NoColor);
   }
-  for (const PostingSource source : {BatchTakes, BatchTakesAgain, ManualAdjust, Reset})
+  for (const PostingSource source : {BatchTakes, BatchTakesAgain, BatchUnmakes, ManualAdjust, Reset})
     EXPECT_EQ(PostStock(room.session, {source, kBasic, "RED", {}, 1, LotTarget{.LotRefID = 9}}).outcome,
               Outcome::NoLot);
   // An issue from a lot that is gone makes none, nor does an issue of nothing.
@@ -198,12 +208,14 @@ TEST(Posting, NewLotsAndWhereTheirFieldsComeFrom) {
       {"a second lot of the same number", BatchMakes, kMix, 6, 1.24F, "2026-03-10 00:00:00"},
       {"a return from a job", JobRecord, kMix, 77, 6.67F, "2025-12-24 00:00:00"},
       {"a return from a job", JobRecord, kBasic, 77, 6.67F, "2025-12-24 00:00:00"},
+      {"a line of an opened Batch", BatchReturns, kBasic, 76, 6.67F, "2025-12-24 00:00:00"},
       {"a scanned formula", ScanReturn, kMix, 7, 1.24F, "2026-03-10 00:00:00"},
   };
   for (const Case& one : cases) {
     const std::string name = one.kind == kMix ? "PURPLE" : "RED";
     LotTarget scanned = target;
     if (one.source == ScanReturn) scanned.LotRefID = 78;
+    if (one.source == BatchReturns) scanned.LotRefID = 76;
     const PostingResult result = PostStock(room.session, {one.source, one.kind, name, {}, 2.5F, scanned});
     ASSERT_EQ(result.outcome, Outcome::LotAdded) << one.name;
     EXPECT_EQ(result.LotRefID, one.ref) << one.name;
@@ -284,6 +296,7 @@ TEST(StockRules, AsSet) {
 struct ModelColor {
   long inventory = 0;
   std::map<std::int32_t, long> lots;
+  std::map<std::int32_t, float> prices;  // also of lots that are gone
   std::int32_t counter = 0;
 };
 
@@ -295,8 +308,9 @@ class Ledger {
 
   // One posting to both; what it did is compared at once.
   void Step(StockRoom& room, const StockRules& rules, const std::string& name, ColorKind kind) {
-    static constexpr std::array kSources{BatchTakes, BatchTakesAgain, JobRecord, ManualAdjust, ScanReturn, BatchMakes};
-    PostingSource source = kSources[static_cast<std::size_t>(Random(0, kind == kMix ? 5 : 4))];
+    static constexpr std::array kSources{BatchTakes,   BatchReturns, BatchTakesAgain, JobRecord,
+                                         ManualAdjust, ScanReturn,   BatchMakes,      BatchUnmakes};
+    PostingSource source = kSources[static_cast<std::size_t>(Random(0, kind == kMix ? 7 : 5))];
     ModelColor& color = model[{kind, name}];
     long quantity = Random(1, 3000);
     if ((source == JobRecord || source == ManualAdjust) && Random(0, 1) == 0) quantity = -quantity;
@@ -305,7 +319,8 @@ class Ledger {
       quantity = Random(0, 5000);
     }
     Posting posting{source, kind, name, {}, RoundSingle(static_cast<double>(quantity) / 1000, 3), {}};
-    if (Random(0, 1) == 0) posting.lot = LotTarget{static_cast<std::int32_t>(Random(1, 12)), "N", "", "", {}, 1};
+    if (Random(0, 1) == 0) posting.lot = LotTarget{static_cast<std::int32_t>(Random(1, 12)), "N", "", "", {}, 1.37F};
+    posting.remove = posting.lot && source == BatchTakes && Random(0, 5) == 0;
     Book(color, posting, quantity, std::lround(static_cast<double>(rules.InvCutoff) * 1000), rules.AllowNegInv);
     PostStock(room.session, rules, posting);
   }
@@ -315,15 +330,16 @@ class Ledger {
  private:
   static bool Gone(PostingSource source, bool lot, ColorKind kind, bool negative, long result, long cutoff) {
     if (!lot && kind == kBasic && negative) return false;
-    if (source == ScanReturn || source == BatchMakes || source == Reset) return false;
-    const bool atToo =
-        source == BatchTakes || source == ManualAdjust || (source == BatchTakesAgain && !lot && kind == kBasic);
+    if (source == ScanReturn || source == BatchMakes || source == BatchReturns || source == Reset) return false;
+    const bool atToo = source == BatchTakes || source == ManualAdjust || (source == BatchUnmakes && lot) ||
+                       (source == BatchTakesAgain && !lot && kind == kBasic);
     return result < cutoff || (atToo && result == cutoff);
   }
 
   static void Book(ModelColor& color, const Posting& posting, long quantity, long cutoff, bool negative) {
     const PostingSource source = posting.source;
-    const long adds = source == BatchTakes || source == BatchTakesAgain ? -quantity : quantity;
+    const bool takes = source == BatchTakes || source == BatchTakesAgain || source == BatchUnmakes;
+    const long adds = takes ? -quantity : quantity;
     if (!posting.lot) {
       const long result = source == Reset ? quantity : color.inventory + adds;
       color.inventory = Gone(source, false, posting.kind, negative, result, cutoff) ? 0 : result;
@@ -335,21 +351,50 @@ class Ledger {
       color.lots.erase(ref);
     } else if (there) {
       color.lots[ref] += adds;
-      if (Gone(source, true, posting.kind, negative, color.lots[ref], cutoff)) color.lots.erase(ref);
-    } else if (source == BatchMakes || source == ScanReturn || (source == JobRecord && quantity > 0)) {
+      if (posting.remove || Gone(source, true, posting.kind, negative, color.lots[ref], cutoff)) color.lots.erase(ref);
+    } else if (source == BatchMakes || source == ScanReturn || source == BatchReturns ||
+               (source == JobRecord && quantity > 0)) {
       if (source == BatchMakes || (source == ScanReturn && posting.kind == kMix)) {
         do ++color.counter;
         while (color.lots.contains(color.counter));
         ref = color.counter;
       }
       color.lots[ref] = quantity;
+      const bool brought = source == JobRecord || source == BatchReturns;
+      color.prices[ref] = brought ? posting.lot->LotPrice : posting.kind == kMix ? 3.0F : 4.0F;
     }
   }
 
   std::mt19937 random_;
 };
 
-TEST(PostingProperty, TheTablesAgreeWithAPlainLedger) {
+float ValueOf(const ModelColor& color) {
+  float value = 0;
+  for (const auto& [ref, quantity] : color.lots)
+    value = static_cast<float>(value + static_cast<double>(RoundSingle(static_cast<double>(quantity) / 1000, 3)) *
+                                           static_cast<double>(color.prices.at(ref)));
+  return RoundSingle(value, 2);
+}
+
+// What the history's lines add up to: under 0 Unlotted Inventory, under its reference each lot that ever was.
+void ExpectHistoryAddsUp(StockRoom& room, ColorKind kind, const std::string& name, const ModelColor& color) {
+  std::map<std::int32_t, double> sums;
+  std::map<std::int32_t, float> results;
+  for (const StockLine& line : TraceStock(room.session.File(), "INK", kind, name, true)) {
+    sums[line.LotRefID] += line.change;
+    EXPECT_EQ(RoundSingle(sums[line.LotRefID], 3), line.result) << name << " line " << line.id;
+    results[line.LotRefID] = line.result;
+  }
+  EXPECT_EQ(results[0], RoundSingle(static_cast<double>(color.inventory) / 1000, 3)) << name;
+  for (const auto& [ref, result] : results) {
+    if (ref == 0) continue;
+    const long left = color.lots.contains(ref) ? color.lots.at(ref) : 0;
+    EXPECT_EQ(result, RoundSingle(static_cast<double>(left) / 1000, 3)) << name << " lot " << ref;
+  }
+  for (const auto& [ref, quantity] : color.lots) EXPECT_TRUE(results.contains(ref)) << name << " lot " << ref;
+}
+
+TEST(PostingProperty, TheTablesAndTheHistoryAgreeWithAPlainLedger) {
   for (unsigned seed = 1; seed <= 4; ++seed) {
     StockRoom room;
     Ledger ledger(seed);
@@ -375,7 +420,9 @@ TEST(PostingProperty, TheTablesAgreeWithAPlainLedger) {
       ASSERT_EQ(TotalStock(room.session, kind, name),
                 RoundSingle(static_cast<double>(expected.inventory + sum) / 1000, 3));
       ASSERT_TRUE(expected.inventory >= 0 || (kind == kBasic && rules.AllowNegInv));
+      ASSERT_EQ(LotValue(room.session, kind, name), ValueOf(expected)) << "seed " << seed << " step " << i;
     }
+    for (const auto& [kind, name] : colors) ExpectHistoryAddsUp(room, kind, name, ledger.model[{kind, name}]);
     transaction.Commit();
   }
 }

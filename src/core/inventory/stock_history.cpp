@@ -1,0 +1,66 @@
+#include "core/inventory/stock_history.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <set>
+#include <tuple>
+
+#include "core/base/text.h"
+#include "core/inventory/lots.h"
+
+namespace vellumark {
+namespace {
+
+bool ColorIsThere(const Session& session, const std::string& database, ColorKind kind, const std::string& name) {
+  return !session.File()
+              .Scalar(fmt::format("SELECT 1 FROM {} WHERE Color_Name = ?1 LIMIT 1",
+                                  Quoted(session.Table(ColorTable(kind), database))),
+                      {name})
+              .IsNull();
+}
+
+std::vector<StockLine> LinesOfColor(const Session& session, const std::string& database,
+                                    const StockHistoryFilter& filter) {
+  std::vector<StockLine> lines;
+  for (const ColorKind kind : {ColorKind::Basic, ColorKind::Mix}) {
+    if (filter.kind && *filter.kind != kind) continue;
+    const bool present = ColorIsThere(session, database, kind, *filter.name);
+    std::vector<StockLine> traced = TraceStock(session.File(), database, kind, *filter.name, present);
+    std::move(traced.begin(), traced.end(), std::back_inserter(lines));
+  }
+  std::sort(lines.begin(), lines.end(), [](const StockLine& a, const StockLine& b) { return a.id < b.id; });
+  return lines;
+}
+
+// Whose lot a line is about. Within one colour the reference alone tells, whatever the colour was called.
+using LotKey = std::tuple<ColorKind, std::string, std::int32_t>;
+LotKey KeyOf(const StockLine& line, bool oneColor) {
+  return {line.kind, oneColor ? std::string() : Upper(line.Color_Name), line.LotRefID};
+}
+
+void KeepLot(std::vector<StockLine>& lines, const std::string& lot, bool oneColor) {
+  const bool unlotted = EqualNoCase(lot, kUnlottedInv);
+  std::set<LotKey> wanted;
+  for (const StockLine& line : lines)
+    if (line.LotRefID != 0 && EqualNoCase(line.LotNumber, lot)) wanted.insert(KeyOf(line, oneColor));
+  std::erase_if(lines, [&](const StockLine& line) {
+    if (line.LotRefID == 0) return !unlotted || line.event >= StockEvent::Renamed;
+    return !wanted.contains(KeyOf(line, oneColor));
+  });
+}
+
+}  // namespace
+
+std::vector<StockLine> ListStockHistory(const Session& session, const StockHistoryFilter& filter) {
+  if (!HasStockHistory(session.File())) return {};  // a copy for looking, made before there was one
+  const std::string& database = filter.database.empty() ? session.CurrentDatabase : filter.database;
+  std::vector<StockLine> lines =
+      filter.name ? LinesOfColor(session, database, filter) : DatabaseStockLines(session.File(), database);
+  if (!filter.name && filter.kind)
+    std::erase_if(lines, [&](const StockLine& line) { return line.kind != *filter.kind; });
+  if (filter.lot) KeepLot(lines, Trim(*filter.lot), filter.name.has_value());
+  return lines;
+}
+
+}  // namespace vellumark

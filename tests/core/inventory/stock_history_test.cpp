@@ -1,0 +1,170 @@
+#include "core/inventory/stock_history.h"
+
+#include "core/base/number.h"
+#include "core/colors/basic_work.h"
+#include "core/colors/rename.h"
+#include "core/inventory/adjust.h"
+#include "core/inventory/posting.h"
+#include "support/stock_room.h"
+
+namespace vellumark::test {
+namespace {
+
+using enum PostingSource;
+constexpr ColorKind kBasic = ColorKind::Basic;
+constexpr ColorKind kMix = ColorKind::Mix;
+
+struct StockHistoryTest : ::testing::Test, StockRoom {
+  // A line as text: "event colour lot number change result document|reason".
+  static std::string TextOf(const StockLine& line) {
+    return fmt::format("{}: {} {} {} {} {} {}|{}", StockEventText(line.event), line.Color_Name, line.LotRefID,
+                       line.LotNumber.empty() ? "-" : line.LotNumber, ShortestText(line.change),
+                       ShortestText(line.result), line.document, line.reason);
+  }
+  std::vector<std::string> History(const StockHistoryFilter& filter) {
+    std::vector<std::string> texts;
+    for (const StockLine& line : ListStockHistory(session, filter)) texts.push_back(TextOf(line));
+    return texts;
+  }
+  void NewBasic(const std::string& name, float inventory) {
+    BasicWork work = NewBasicWork(session, name);
+    work.Inventory = inventory;
+    ASSERT_TRUE(SaveBasic(session, work));
+  }
+};
+
+TEST_F(StockHistoryTest, EveryPostingLeavesALineThatTellsWhoAndWhy) {
+  Color(kMix, "PURPLE", 0);
+  session.CurrentUser = "ANNA";
+  PostStock(session, {BatchMakes, kMix, "PURPLE", {}, 12.5F, LotTarget{.LotNumber = "A1"}, false, "Batch 000007"});
+  PostStock(session, {BatchMakes, kMix, "PURPLE", {}, 2, {}, false, "Batch 000008"});
+  session.CurrentUser = "BERT";
+  clock.Set({2026, 3, 11, 8, 30, 5});
+  PostStock(session, {BatchTakes, kMix, "PURPLE", {}, 4, LotTarget{.LotRefID = 1}, true, "Batch 000009"});
+  PostStock(session, {BatchTakes, kMix, "PURPLE", {}, 1.8F, {}, false, "Batch 000009"});
+  InventoryWork work = LoadInventory(session, kMix, "PURPLE");
+  work.reason = "counted";
+  AdjustFields fields = ClearedFields(session, work);
+  fields.quantity = 3.001F;
+  ASSERT_TRUE(ApplyAdjust(session, work, fields));
+  ASSERT_TRUE(SaveInventory(session, work));
+  EXPECT_EQ(History({.name = "purple"}), (std::vector<std::string>{
+                                             "Batch made: PURPLE 1 A1 12.5 12.5 Batch 000007|",
+                                             "Batch made: PURPLE 0 - 2 2 Batch 000008|",
+                                             "Batch: PURPLE 1 A1 -4 8.5 Batch 000009|",
+                                             "Batch: PURPLE 1 A1 -8.5 0 Batch 000009|Delete Inv. Balance",
+                                             "Batch: PURPLE 0 - -2 0 Batch 000009|",
+                                             "Manual: PURPLE 0 - 3.001 3.001 |counted",
+                                         }));
+  const auto lines = ListStockHistory(session, {.name = "PURPLE"});
+  EXPECT_EQ(lines[1].user, "ANNA");
+  EXPECT_EQ(lines[1].when.ToText(), "2026-03-10 12:00:00");
+  EXPECT_EQ(lines[2].user, "BERT");
+  EXPECT_EQ(lines[2].when.ToText(), "2026-03-11 08:30:05");
+  EXPECT_EQ(lines[2].database, "INK");
+
+  // What is rolled back never happened.
+  {
+    Transaction transaction(session.File());
+    PostStock(session, {BatchTakes, kMix, "PURPLE", {}, 1, {}});
+  }
+  EXPECT_EQ(ListStockHistory(session, {.name = "PURPLE"}).size(), 6U);
+}
+
+TEST_F(StockHistoryTest, ALotIsFoundUnderEachOfItsNumbers) {
+  Color(kBasic, "RED", 0);
+  PostStock(session, {ScanReturn, kBasic, "RED", {}, 6, LotTarget{.LotNumber = "A"}});
+  PostStock(session, {ScanReturn, kBasic, "RED", {}, 7, LotTarget{.LotNumber = "OTHER"}});
+  PostStock(session, {ScanReturn, kBasic, "RED", {}, 1, {}});
+  InventoryWork work = LoadInventory(session, kBasic, "RED");
+  AdjustFields fields = FieldsOfRow(session, work, *FindRow(work, "A", "", ""));
+  fields.lotNumber = "B";
+  fields.quantity = -2;
+  ASSERT_TRUE(ApplyAdjust(session, work, fields));
+  ASSERT_TRUE(SaveInventory(session, work));
+  const std::vector<std::string> expected{"Scan: RED 1 A 6 6 |", "Manual: RED 1 B 0 6 |Lot number was A",
+                                          "Manual: RED 1 B -2 4 |"};
+  EXPECT_EQ(History({.name = "RED", .lot = "A"}), expected);
+  EXPECT_EQ(History({.lot = "b"}), expected);
+  EXPECT_EQ(History({.name = "RED", .lot = "Unlotted Inv."}), (std::vector<std::string>{"Scan: RED 0 - 1 1 |"}));
+  EXPECT_TRUE(History({.lot = "NONE"}).empty());
+  EXPECT_TRUE(History({.name = "RED", .kind = kMix}).empty());
+}
+
+TEST_F(StockHistoryTest, TellsOfColorsThatComeChangeAndGo) {
+  NewBasic("RED", 5);
+  NewBasic("BLUE", 0);
+  BasicWork work = LoadBasicWork(session, *ReadBasic(session, "RED"));
+  work.Inventory = 4.25F;
+  ASSERT_TRUE(SaveBasic(session, work));
+  work.Inventory.reset();
+  ASSERT_TRUE(SaveBasic(session, work));
+  PostStock(session, {ScanReturn, kBasic, "RED", {}, 2, LotTarget{.LotNumber = "A"}});
+  prompt.Expect("Basic Color Window - Delete Basic Color?", Answer::Yes);
+  ASSERT_TRUE(DeleteBasic(session, "RED"));
+  EXPECT_EQ(History({.name = "RED"}),
+            (std::vector<std::string>{"Color edited: RED 0 - 5 5 |", "Color edited: RED 0 - -0.75 4.25 |",
+                                      "Scan: RED 1 A 2 2 |", "Color deleted: RED 0 - -4.25 0 |",
+                                      "Color deleted: RED 1 A -2 0 |"}));
+  EXPECT_TRUE(History({.name = "BLUE"}).empty());
+}
+
+TEST_F(StockHistoryTest, FollowsAColorThroughItsNames) {
+  NewBasic("RED", 5);
+  NewBasic("GREEN", 3);
+  ASSERT_TRUE(RenameBasic(session, "RED", "CRIMSON"));
+  PostStock(session, {ManualAdjust, kBasic, "CRIMSON", {}, 1, {}});
+  ASSERT_TRUE(RenameBasic(session, "CRIMSON", "SCARLET"));
+  PostStock(session, {ManualAdjust, kBasic, "SCARLET", {}, 1, {}});
+  const std::vector<std::string> scarlet{"Color edited: RED 0 - 5 5 |", "Renamed from: CRIMSON 0 - 0 0 |RED",
+                                         "Manual: CRIMSON 0 - 1 6 |", "Renamed from: SCARLET 0 - 0 0 |CRIMSON",
+                                         "Manual: SCARLET 0 - 1 7 |"};
+  EXPECT_EQ(History({.name = "SCARLET"}), scarlet);
+  // The old name leads to the new one, until another colour bears it.
+  EXPECT_EQ(History({.name = "RED"}),
+            (std::vector<std::string>{"Color edited: RED 0 - 5 5 |", "Renamed to: RED 0 - 0 0 |CRIMSON"}));
+  NewBasic("RED", 0.5F);
+  EXPECT_EQ(History({.name = "RED"}), (std::vector<std::string>{"Color edited: RED 0 - 0.5 0.5 |"}));
+  // Names that change hands.
+  ASSERT_TRUE(RenameBasic(session, "RED", "CRIMSON"));
+  EXPECT_EQ(History({.name = "CRIMSON"}),
+            (std::vector<std::string>{"Color edited: RED 0 - 0.5 0.5 |", "Renamed from: CRIMSON 0 - 0 0 |RED"}));
+  EXPECT_EQ(History({.name = "SCARLET"}), scarlet);
+  // A colour that is merged gives its stock up; the survivor keeps its own.
+  prompt.Expect(std::string(20, ' ') + "Basic Color Name Exists", Answer::Yes);
+  ASSERT_TRUE(RenameBasic(session, "GREEN", "SCARLET"));
+  EXPECT_EQ(History({.name = "GREEN"}),
+            (std::vector<std::string>{"Color edited: GREEN 0 - 3 3 |",
+                                      "Color deleted: GREEN 0 - -3 0 |Merged into SCARLET"}));
+  EXPECT_EQ(History({.name = "SCARLET"}), scarlet);
+}
+
+TEST_F(StockHistoryTest, BeginsWithWhatAFileHolds) {
+  session.File().Execute("DROP TABLE MSysStockHistory");
+  Color(kBasic, "RED", 1234.567F);
+  Color(kBasic, "EMPTY", 0);
+  Color(kMix, "PURPLE", 0.0625F);  // more decimals than this program writes
+  Lot(kMix, "PURPLE", 3, 2);
+  ASSERT_FALSE(HasStockHistory(session.File()));
+  BeginStockHistory(session.File(), {"INK"}, clock.Now(), "ANNA");
+  EXPECT_EQ(History({}), (std::vector<std::string>{"Opening balance: RED 0 - 1234.567 1234.567 |",
+                                                   "Opening balance: PURPLE 0 - 0.0625 0.0625 |",
+                                                   "Opening balance: PURPLE 3 L3 2 2 |"}));
+  PostStock(session, {ManualAdjust, kMix, "PURPLE", {}, 1, {}});
+  const auto lines = ListStockHistory(session, {.name = "PURPLE"});
+  EXPECT_EQ(RoundTo(lines.front().change + lines.back().change, 9), 1.063);
+  EXPECT_EQ(lines.back().result, 1.063F);
+}
+
+TEST_F(StockHistoryTest, LargeFiguresAddUpAsTheyRead) {
+  // A Single of this size has fewer than three decimals of its own.
+  NewBasic("RED", 98765.432F);
+  double sum = 98765.43;
+  for (int i = 0; i < 50; ++i) PostStock(session, {ManualAdjust, kBasic, "RED", {}, i % 2 == 0 ? -0.123F : 0.456F, {}});
+  sum = 0;
+  for (const StockLine& line : ListStockHistory(session, {.name = "RED"})) sum += line.change;
+  EXPECT_EQ(static_cast<float>(RoundTo(sum, 6)), Inventory(kBasic, "RED").Single());
+}
+
+}  // namespace
+}  // namespace vellumark::test
