@@ -22,7 +22,7 @@ Result<void> CheckNotComplete(const Session& session, const BatchRecord& record)
 /// Leaving the Color Name field: finds the formula by name, number or code, shows its notes. Refuses a Basic Color and
 /// an unknown name. Only in the states None and Add; another formula clears the rows that stand.
 Result<void> EnterBatchColor(Session& session, BatchRecord& record, std::string_view typed);
-/// The Batch's unit: recalculates nothing, so standing rows count as those of another quantity.
+/// The Batch's unit. Another one takes the calculation away: its amounts are of the old unit.
 Result<void> EnterBatchUnit(Session& session, BatchRecord& record, int unit);
 
 /// F2 and F3. True when rows were calculated; the state None becomes Add.
@@ -53,8 +53,8 @@ Result<void> ApplyAdditionRow(Session& session, BatchRecord& record, std::size_t
 
 // ---- Lots of a row
 
-/// Of a row with a lot link: what it needs in stock, in the inventory unit, the round-off and negative additions
-/// of the same Basic Color taken in.
+/// Of a row with a lot link: what it needs, in the Batch's unit, with the round-off and less what negative additions of
+/// the same Basic Color take back.
 float LotNeed(const Session& session, const BatchRecord& record, std::size_t row);
 /// The row's selection so far.
 const LotSelection& RowLots(const BatchRecord& record, std::size_t row);

@@ -57,6 +57,14 @@ void CalculateCost(const Session& session, BatchWork& work) {
   }
   figures.CostOfBasics = basics.Rounded(decimals);
   figures.CostOfMixes = mixes.Rounded(decimals);
+  CalculateTotalCost(session, work);
+}
+
+void CalculateTotalCost(const Session& session, BatchWork& work) {
+  const int decimals = session.DecimalPlaces;
+  const double factor = UnitFactor(work.UMF, session.UMI);
+  const BatchCostModel& model = work.cost;
+  BatchFigures& figures = work.figures;
   const Currency ingredients = figures.CostOfMixes + figures.CostOfBasics;
   figures.Markup = Money(ingredients.ToDouble() * model.MarkupPercent / 100, decimals);
   // The fixed cost per unit goes by the quantity that was asked for, not by the total that additions make of it.

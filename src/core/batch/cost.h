@@ -8,6 +8,8 @@ namespace vellumark {
 
 /// The money figures of the Batch, from its lists, totals and cost model. Needs its rows shown.
 void CalculateCost(const Session& session, BatchWork& work);
+/// Markup, total and unit cost anew from the costs of basics and mixes that stand: those of a stored Batch.
+void CalculateTotalCost(const Session& session, BatchWork& work);
 /// The emissions of the Batch: those of what it takes, in the inventory unit.
 void CalculateBatch_VOC(const Session& session, BatchWork& work);
 void CalculateBatch_HAP(const Session& session, BatchWork& work);

@@ -20,8 +20,8 @@ std::optional<BatchRecord> ReadBatch(Session& session, std::int32_t batchNo);
 bool OpenBatch(Session& session, BatchRecord& record, std::int32_t batchNo);
 bool OpenBatchRow(Session& session, BatchRecord& record, std::int64_t rowId);
 
-/// Rows of `<DB>_Batch` in the order of their numbers; nothing past either end. Beside no row: the last for Previous,
-/// the first for Next.
+/// Rows of `<DB>_Batch` in the order of their numbers; nothing past either end. A Batch that is not stored stands
+/// behind the last.
 std::optional<std::int64_t> NextBatchRow(const Session& session, const BatchRecord& record);
 std::optional<std::int64_t> PreviousBatchRow(const Session& session, const BatchRecord& record);
 

@@ -39,7 +39,7 @@ struct BatchFields {
   std::string LotNumber;
   std::string LotLoc;
   std::string LotContID;
-  std::string Notes;     ///< of the Batch; starts as the formula's
+  std::string Notes;     ///< of the Batch; those of the formula are work.formula.Notes
   std::string IngNotes;  ///< notes of the ingredients
   std::string ShortNote;
   std::array<std::string, kBatchUserFields> UD_Text;
@@ -69,7 +69,6 @@ struct RememberedBatch {
   std::string Color_Name;
   std::vector<std::pair<std::string, std::string>> rows;  ///< names and shown amounts
   std::vector<LotSelection> lots;                         ///< one for each row, while Lotted Inventory is in use
-  std::string quantity;
   BatchFields fields;
   std::vector<BatchJobLine> jobs;
   std::string returned;
@@ -87,6 +86,7 @@ struct BatchRecord {
   std::optional<DateTime> Date_Entered;
   std::string Username;
   BatchFields fields;
+  /// chkComplete. The window sets it; every way out but Cancel stores it.
   bool Complete = false;
 
   std::vector<BatchJobLine> jobs;  ///< at most ten
@@ -95,7 +95,7 @@ struct BatchRecord {
   std::int32_t LotRefID = 0;       ///< lot of the made colour; 0 Unlotted Inventory; -1 when nothing went to stock
 
   std::vector<OldBatchLine> OldLines;  ///< not empty: a saved Batch is open
-  float oldReturned = 0;               ///< what the saved Batch has put into stock
+  float oldReturned = 0;               ///< what the saved Batch has put into stock, in the inventory unit
   bool formulaUnchanged = true;        ///< since the Batch was saved
   bool modifiedFormula = false;        ///< ImgModifiedFormula: there, but changed since
   bool askedAboutOld = false;          ///< the question about a Batch of earlier days was answered with Yes
@@ -130,10 +130,10 @@ bool UsesBatchComplete(const Session& session);
 /// ImgPrevAdditions: an earlier Batch of this formula had additions.
 bool PriorBatchHadAdditions(const Session& session, std::string_view colorName);
 
-/// The caption, value list and number format of the user-defined fields, `number` 0 to 5.
+/// Caption, value in a new Batch (empty without one) and number format of the user-defined fields, `number` 0 to 5.
 std::string BatchUDTextCaption(const Session& session, int number);
 std::string BatchUDNumericCaption(const Session& session, int number);
-std::vector<std::string> BatchUDTextValues(const Session& session, int number);
+std::string BatchUDTextDefault(const Session& session, int number);
 bool BatchUDTextRequired(const Session& session, int number);
 int BatchUDNumericDecimals(const Session& session, int number);
 

@@ -105,8 +105,8 @@ class SetWalk {
 // Rows are fetched so many at a time.
 constexpr int kRowsAtOnce = 256;
 
-// Candidates with their first `slots` ingredients, in table order.
-std::string CandidatesSql(Session& session, int slots) {
+// So many candidates with their first `slots` ingredients, in table order.
+std::string CandidatesSql(Session& session, int slots, int rows = kRowsAtOnce) {
   std::string columns;
   for (const char* word : {"BC", "BQ"})
     for (int i = 0; i < slots; ++i) columns += fmt::format("{}{}, ", word, i);
@@ -114,7 +114,7 @@ std::string CandidatesSql(Session& session, int slots) {
   const bool lots =
       session.InvLotTracking != 0 && !session.File().Scalar(fmt::format("SELECT 1 FROM {} LIMIT 1", lotTable)).IsNull();
   std::string wanted = "?";
-  for (int i = 1; i < kRowsAtOnce; ++i) wanted += ",?";
+  for (int i = 1; i < rows; ++i) wanted += ",?";
   return fmt::format(
       "SELECT {}m.rowid, Color_Name, Recycle, Inventory, {} FROM {} m WHERE m.rowid IN ({}) ORDER BY m.rowid", columns,
       lots ? fmt::format("(SELECT SUM(LotQty) FROM {} WHERE LotCName = m.Color_Name)", lotTable) : "NULL",
@@ -187,6 +187,20 @@ void BuildRecycleList(Session& session, BatchWork& work) {
     ReadCandidates(session, work, found.rows, schema::kIngredientSlots);
   RecalcRecycleList(work);
   work.FormulaRecycleList = work.RecycleList;
+}
+
+std::optional<RecycleColor> ReadRecycleColor(Session& session, const BatchWork& work, std::string_view name) {
+  const std::int64_t row = session.File()
+                               .Scalar(fmt::format("SELECT rowid FROM {} WHERE Color_Name = ? ORDER BY rowid LIMIT 1",
+                                                   Quoted(session.Table(schema::Mix))),
+                                       {name})
+                               .Whole();
+  constexpr int slots = schema::kIngredientSlots;
+  Statement candidate = session.File().Prepare(CandidatesSql(session, slots, 1));
+  if (!candidate.Bind(1, row).Step()) return std::nullopt;
+  RecycleColor color = ReadCandidate(session, work, candidate, slots);
+  ReadChosenColor(session, work.UMF, color);
+  return color;
 }
 
 void ReadChosenColor(Session& session, int unit, RecycleColor& color) {

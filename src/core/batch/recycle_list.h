@@ -2,6 +2,7 @@
 
 #include <array>
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -20,6 +21,10 @@ struct ContainedFormulas {
   int mostItems = 0;               ///< of the longest set among them
 };
 ContainedFormulas FindContainedFormulas(Session& session, std::string_view formulaSet);
+
+/// A formula as a colour of the list, all its stock usable, with what a chosen colour needs; its shares are not
+/// counted. Nothing when there is none of that name.
+std::optional<RecycleColor> ReadRecycleColor(Session& session, const BatchWork& work, std::string_view name);
 
 /// Reads what only a chosen colour needs: code, notes, costs, emissions, reorder point.
 void ReadChosenColor(Session& session, int unit, RecycleColor& color);

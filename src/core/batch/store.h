@@ -21,9 +21,10 @@ Result<SaveEnd> SaveAndHoldBatch(Session& session, BatchRecord& record, BatchDia
 
 /// The store alone, for ways out that ask their own questions: no checks of cmdSave, all questions of the sequence.
 /// Afterwards `record` is cleared. Stays when SaveModifiedBatch was cancelled.
-Result<SaveEnd> StoreBatch(Session& session, BatchRecord& record, BatchDialogs& dialogs);
+Result<SaveEnd> StoreBatch(Session& session, BatchRecord& record, BatchDialogs& dialogs,
+                           std::int32_t* storedNo = nullptr);
 
-/// chkComplete of an open Batch, written at once.
+/// Marks a stored Batch at once. The window sets record.Complete instead. Refused while the setting is off.
 Result<void> CompleteBatch(Session& session, BatchRecord& record, bool complete);
 
 }  // namespace vellumark

@@ -1,0 +1,330 @@
+#include "core/batch/bench.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <utility>
+
+#include "core/base/text.h"
+#include "core/base/units.h"
+#include "core/batch/actions.h"
+#include "core/batch/cost.h"
+#include "core/batch/jobs.h"
+#include "core/batch/recipe.h"
+#include "core/colors/amounts.h"
+#include "core/settings/settings_keys.h"
+
+namespace vellumark {
+namespace {
+
+// What the rows held of lots before an act. A row that comes out of it with the same name, kind and amount gets its
+// selection back.
+class KeptLots {
+ public:
+  explicit KeptLots(const BatchWork& work) {
+    for (std::size_t i = 0; i < work.Rows.size(); ++i)
+      if (const LotSelection& lots = LotsOfRow(work, i); !lots.uses.empty()) kept_.push_back({work.Rows[i], lots});
+  }
+
+  // A recycled colour keeps what was chosen for it also when its amount grew; the rest is still to be placed.
+  void GiveBack(BatchWork& work) const {
+    for (std::size_t i = 0; i < work.Rows.size(); ++i) {
+      const BatchRow& row = work.Rows[i];
+      LotSelection& lots = LotsOfRow(work, i);
+      lots.uses.clear();
+      for (const Kept& kept : kept_) {
+        if (kept.row.kind != row.kind || !EqualNoCase(kept.row.name, row.name)) continue;
+        const bool fits = row.kind == RowKind::Mix ? RoundTo(kept.lots.Used(), 3) <= row.Amount() : false;
+        if (fits || kept.row.amount == row.amount) lots = kept.lots;
+      }
+    }
+  }
+
+  static const LotSelection& LotsOfRow(const BatchWork& work, std::size_t row) {
+    if (row < work.RecycledColors.size()) return work.RecycledColors[row].lots;
+    row -= work.RecycledColors.size();
+    if (row < work.Ingredients.size()) return work.Ingredients[row].lots;
+    return work.Additions.at(row - work.Ingredients.size()).lots;
+  }
+  static LotSelection& LotsOfRow(BatchWork& work, std::size_t row) {
+    return const_cast<LotSelection&>(LotsOfRow(std::as_const(work), row));
+  }
+
+ private:
+  struct Kept {
+    BatchRow row;
+    LotSelection lots;
+  };
+  std::vector<Kept> kept_;
+};
+
+void ResetBasicLots(BatchWork& work) {
+  for (BatchIngredient& ingredient : work.Ingredients) ingredient.lots.uses.clear();
+}
+
+// An act on the rows behind the guards; what hangs on the rows follows it.
+template <class Act>
+auto Alter(Session& session, BatchRecord& record, const Act& act) -> decltype(act()) {
+  if (const auto editable = CheckEditable(session, record); !editable) return std::unexpected(editable.error());
+  const float oldTotal = record.work.Total;
+  const KeptLots lots(record.work);
+  auto result = act();
+  if (result) {
+    lots.GiveBack(record.work);
+    FollowTotal(session, record, oldTotal);
+  }
+  return result;
+}
+
+Result<bool> Adjustable(Session& session, BatchRecord& record, bool open) {
+  if (const auto editable = CheckEditable(session, record); !editable) return std::unexpected(editable.error());
+  if (const auto adjustable = CheckAdjustable(record.work); !adjustable) return std::unexpected(adjustable.error());
+  return open && !BatchIsFull(record.work);
+}
+
+void BeginAdd(const Session& session, BatchRecord& record) {
+  record.state = BatchState::Add;
+  if (record.fields.LotNumber.empty() &&
+      LeadingInteger(GetSupportValue(session, keys::BatchDefaultLotNumberValue)) == 1)
+    record.fields.LotNumber = BatchNoText(record.BatchNo);
+  for (int i = 0; i < kBatchUserFields; ++i) {
+    std::string& text = record.fields.UD_Text[static_cast<std::size_t>(i)];
+    if (text.empty()) text = BatchUDTextDefault(session, i);
+  }
+}
+
+Result<bool> Calculate(Session& session, BatchRecord& record, Result<bool> (*action)(Session&, BatchWork&)) {
+  return Alter(session, record, [&]() -> Result<bool> {
+    const auto done = action(session, record.work);
+    if (done && *done && record.state == BatchState::None) BeginAdd(session, record);
+    return done;
+  });
+}
+
+void ClearCalculation(BatchWork& work) {
+  work.Ingredients.clear();
+  work.FormulaIngredients.clear();
+  work.RecycleList.clear();
+  work.FormulaRecycleList.clear();
+  work.RecycledColors.clear();
+  work.Additions.clear();
+  work.Rows.clear();
+  work.ClickedIndex = -1;
+  work.QuantityChanged = false;
+  work.Total = work.RecycledTotal = work.AdditionsTotal = work.Roundoff = 0;
+  work.LargestAmountIndex = 0;
+  work.TotalText.clear();
+  work.PercentRecycled.clear();
+  work.zeroRows = 0;
+  work.figures = {};
+}
+
+constexpr const char* kEditStateTitle = "Batches Window - Edit State";
+
+Result<float> ReadCost(const Session& session, float cost, const char* field) {
+  if (!(cost >= 0)) return Refuse("Invalid Cost", "You must enter a valid, positive cost.", field);
+  return RoundSingle(cost, session.DecimalPlaces);
+}
+
+}  // namespace
+
+// ---- Guards
+
+Result<void> CheckNotComplete(const Session& session, const BatchRecord& record) {
+  if (!UsesBatchComplete(session) || !record.Complete) return {};
+  return Refuse("Completed Batch - Changes Not Allowed",
+                "This Batch is marked as Complete.\n\nUncheck Complete to edit the batch.", "chkComplete");
+}
+
+Result<void> CheckEditable(Session& session, BatchRecord& record) {
+  if (auto open = CheckNotComplete(session, record); !open) return open;
+  if (record.state != BatchState::Edit) return {};
+  if (auto writable = RequireWritable(session); !writable) return writable;
+  if (!record.formulaUnchanged)
+    return Refuse(kEditStateTitle,
+                  "This Batch is no longer editable.\n"
+                  "A Master Formula associated with this Batch has been deleted or modified\n"
+                  "since this Batch was saved.");
+  if (!record.Date_Entered || record.askedAboutOld || record.Date_Entered->Midnight() >= session.clock.Today())
+    return {};
+  // Answered with No, the act is refused without a further word: the question has said everything.
+  if (session.prompt.Show({"Allow Editing?",
+                           "Editing this Batch Record will alter the results\n"
+                           "of your Production and Consumption Reports.\n\n"
+                           "Do you wish to continue?",
+                           Buttons::YesNo, Icon::Question, Answer::No}) != Answer::Yes)
+    return Refuse("Allow Editing?", "");
+  record.askedAboutOld = true;
+  return {};
+}
+
+// ---- What is made
+
+Result<void> EnterBatchColor(Session& session, BatchRecord& record, std::string_view typed) {
+  const auto name = FindBatchFormula(session, typed);
+  if (!name) return std::unexpected(name.error());
+  BatchWork& work = record.work;
+  if (EqualNoCase(*name, work.Color_Name) && work.formulaFound) return {};
+  if (record.state == BatchState::Edit)
+    return Refuse(kEditStateTitle, "The Color Name of a saved Batch cannot be changed.", "Color_Name");
+  const float oldTotal = work.Total;
+  ClearCalculation(work);
+  work.Color_Name = *name;
+  LoadFormulaIngredients(session, work);
+  work.Ingredients.clear();
+  FollowTotal(session, record, oldTotal);
+  return {};
+}
+
+Result<void> EnterBatchUnit(Session& session, BatchRecord& record, int unit) {
+  if (unit == record.work.UMF) return {};
+  if (UnitName(unit).empty())
+    return Refuse("Batch Window", fmt::format("There is no unit of the code {}.", unit), "cmbUMF");
+  return Alter(session, record, [&]() -> Result<void> {
+    ClearCalculation(record.work);
+    record.work.UMF = unit;
+    return {};
+  });
+}
+
+// ---- Rows
+
+Result<bool> RecycleBatch(Session& session, BatchRecord& record) {
+  return Calculate(session, record, RecycleAction);
+}
+Result<bool> MixBatch(Session& session, BatchRecord& record) {
+  return Calculate(session, record, MixAction);
+}
+
+Result<bool> TakeRecycled(Session& session, BatchRecord& record, std::string_view name) {
+  auto taken = Alter(session, record, [&] { return ChooseFromRecycleList(session, record.work, name); });
+  if (taken && *taken) ResetBasicLots(record.work);
+  return taken;
+}
+Result<bool> TakeRecycled(Session& session, BatchRecord& record, std::string_view name, std::string_view amount) {
+  auto taken = Alter(session, record, [&] { return ChooseFromRecycleList(session, record.work, name, amount); });
+  if (taken && *taken) ResetBasicLots(record.work);
+  return taken;
+}
+
+Result<MixAdjustment> OpenMixRow(Session& session, BatchRecord& record, std::size_t row) {
+  if (const auto valid = ValidateQuantity(record.work); !valid) return std::unexpected(valid.error());
+  if (const auto editable = CheckEditable(session, record); !editable) return std::unexpected(editable.error());
+  return OpenMixAdjustment(session, record.work, row);
+}
+Result<void> ApplyMixRow(Session& session, BatchRecord& record, std::size_t row, const MixAdjustChoice& choice) {
+  return Alter(session, record, [&] { return AdjustMixRow(session, record.work, row, choice); });
+}
+
+Result<bool> OpenBasicRow(Session& session, BatchRecord& record, std::size_t) {
+  return Adjustable(session, record, record.work.settings.overpour);
+}
+Result<Overpour> PourBasicRow(Session& session, BatchRecord& record, std::size_t row, std::string_view poured) {
+  auto result = Alter(session, record, [&] { return OverpourBasicRow(session, record.work, row, poured); });
+  if (result && result->reformulated) ResetBasicLots(record.work);
+  return result;
+}
+Result<Overpour> PourMixRow(Session& session, BatchRecord& record, std::size_t row, double poured) {
+  auto result = Alter(session, record, [&] { return OverpourMixRow(session, record.work, row, poured); });
+  if (result && result->reformulated) ResetBasicLots(record.work);
+  return result;
+}
+
+Result<void> OpenAdditions(Session& session, BatchRecord& record) {
+  if (auto editable = CheckEditable(session, record); !editable) return editable;
+  return CheckAdditions(record.work);
+}
+Result<void> AddBatchAdditions(Session& session, BatchRecord& record, const std::vector<AdditionLine>& lines) {
+  return Alter(session, record, [&] { return AddAdditions(session, record.work, lines); });
+}
+Result<bool> OpenAdditionRow(Session& session, BatchRecord& record, std::size_t) {
+  return Adjustable(session, record, true);
+}
+Result<void> ApplyAdditionRow(Session& session, BatchRecord& record, std::size_t row, std::string_view amount) {
+  return Alter(session, record, [&] { return AdjustAddition(session, record.work, row, amount); });
+}
+
+// ---- Lots
+
+float LotNeed(const Session&, const BatchRecord& record, std::size_t row) {
+  const BatchRow& shown = record.work.Rows.at(row);
+  double need = shown.Amount();
+  if (shown.kind == RowKind::Basic)
+    for (const BatchIngredient& addition : record.work.Additions)
+      if (addition.Amount < 0 && EqualNoCase(addition.IngName, shown.name)) need += RoundTo(addition.Amount, 3);
+  return RoundSingle(std::max(0.0, need), 3);
+}
+
+const LotSelection& RowLots(const BatchRecord& record, std::size_t row) {
+  return KeptLots::LotsOfRow(record.work, row);
+}
+
+Result<void> OpenRowLots(Session& session, BatchRecord& record, std::size_t row) {
+  if (auto editable = CheckEditable(session, record); !editable) return editable;
+  if (auto adjustable = CheckAdjustable(record.work); !adjustable) return adjustable;
+  if (LotNeed(session, record, row) > 0) return {};
+  return Refuse(std::string(40, ' ') + "Lot Selection Disabled",
+                "A negative Batch Addition has been applied to this color.\n\n"
+                "It has created a Zero Quantity for the Ingredient.");
+}
+
+Result<void> SetRowLots(Session& session, BatchRecord& record, std::size_t row, LotSelection lots) {
+  if (auto editable = CheckEditable(session, record); !editable) return editable;
+  KeptLots::LotsOfRow(record.work, row) = std::move(lots);
+  return {};
+}
+
+// ---- Figures and fields
+
+Result<void> SetBatchCostModel(Session& session, BatchRecord& record, const BatchCostModel& model, bool futureBatches) {
+  if (auto editable = CheckEditable(session, record); !editable) return editable;
+  const auto ofBatch = ReadCost(session, model.FixedCostOfBatch, "txtFixedCostBatch");
+  if (!ofBatch) return std::unexpected(ofBatch.error());
+  const auto perUnit = ReadCost(session, model.FixedCostPerUnit, "txtFixedCostUnit");
+  if (!perUnit) return std::unexpected(perUnit.error());
+  if (!(model.MarkupPercent >= 0 && model.MarkupPercent <= 100))
+    return Refuse("Invalid Percentage", "You must enter a valid percentage between 0 and 100.", "txtMarkupPercent");
+  BatchCostModel& cost = record.work.cost;
+  cost.CostModelType = model.CostModelType == 0 ? 0 : 1;
+  cost.MixCostOption = std::clamp(model.MixCostOption, 0, 2);
+  cost.FixedCostOfBatch = *ofBatch;
+  cost.FixedCostPerUnit = *perUnit;
+  cost.MarkupPercent = RoundSingle(model.MarkupPercent, 1);
+  if (futureBatches) {
+    SetSupportValue(session, keys::CostModelType, std::to_string(cost.CostModelType));
+    SetSupportValue(session, keys::MixCostOption, std::to_string(cost.MixCostOption));
+    SetSupportValue(session, keys::FixedCostOfBatch, ShortestText(cost.FixedCostOfBatch));
+    SetSupportValue(session, keys::FixedCostPerUnit, ShortestText(cost.FixedCostPerUnit));
+    SetSupportValue(session, keys::MarkupPercent, ShortestText(cost.MarkupPercent));
+  }
+  CalculateCost(session, record.work);
+  return {};
+}
+
+Result<void> SetBatchEmissionModel(Session& session, BatchRecord& record, const BatchCostModel& model,
+                                   bool futureBatches) {
+  if (auto editable = CheckEditable(session, record); !editable) return editable;
+  BatchCostModel& cost = record.work.cost;
+  cost.MixVOCModelType = std::clamp(model.MixVOCModelType, 0, 2);
+  cost.MixHAPModelType = std::clamp(model.MixHAPModelType, 0, 2);
+  if (futureBatches) {
+    SetSupportValue(session, keys::VOCModelType, std::to_string(cost.MixVOCModelType));
+    SetSupportValue(session, keys::HAPModelType, std::to_string(cost.MixHAPModelType));
+  }
+  CalculateBatch_VOC(session, record.work);
+  CalculateBatch_HAP(session, record.work);
+  return {};
+}
+
+Result<std::string> EnterUDNumeric(const Session& session, BatchRecord& record, int number, std::string_view typed) {
+  const auto amount = Trim(typed).empty() ? std::optional<double>(0) : ParseNumber(typed);
+  if (!amount || *amount < -kMostQuantity || *amount > kMostQuantity)
+    return Refuse("Invalid Amount", fmt::format("{} is not a valid amount. Please enter a valid amount.", typed),
+                  fmt::format("UD_Numeric{}", number));
+  float& stored = record.fields.UD_Numeric.at(static_cast<std::size_t>(number));
+  const int decimals = BatchUDNumericDecimals(session, number);
+  stored = RoundSingle(*amount, decimals);
+  return Fixed(stored, decimals);
+}
+
+}  // namespace vellumark

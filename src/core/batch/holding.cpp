@@ -1,0 +1,268 @@
+#include "core/batch/holding.h"
+
+#include <fmt/format.h>
+
+#include <optional>
+
+#include "core/base/text.h"
+#include "core/batch/leave.h"
+#include "core/inventory/posting.h"
+
+namespace vellumark {
+namespace {
+
+constexpr const char* kMarkerTable = "MSysOpenBatch";
+
+struct HeldFigure {
+  ColorKind kind = ColorKind::Basic;
+  std::string name;
+  std::int64_t colorRow = 0;
+  std::int32_t ref = 0;
+  std::string LotNumber;
+  float quantity = 0;
+  std::optional<float> before;  ///< nothing: the lot was not there
+  std::optional<float> after;
+};
+
+struct Figure {
+  std::int64_t row = 0;
+  float quantity = 0;
+};
+
+struct ColorAt {
+  std::int64_t row = 0;
+  std::string name;
+  float inventory = 0;
+};
+
+// By row first: the colour may have got another name while the Batch was open.
+std::optional<ColorAt> FindColor(const Session& session, const std::string& database, ColorKind kind, std::int64_t row,
+                                 const std::string& name) {
+  const std::string table = Quoted(session.Table(ColorTable(kind), database));
+  Statement color = session.File().Prepare(
+      row == 0 ? fmt::format("SELECT rowid, Color_Name, Inventory FROM {} WHERE Color_Name = ?1 ORDER BY rowid LIMIT 1",
+                             table)
+               : fmt::format("SELECT rowid, Color_Name, Inventory FROM {} WHERE rowid = ?1", table));
+  row == 0 ? color.Bind(1, name) : color.Bind(1, row);
+  if (color.Step()) return ColorAt{color.Whole(0), color.Text(1), color.Single(2)};
+  if (row == 0) return std::nullopt;
+  return FindColor(session, database, kind, 0, name);
+}
+
+std::optional<Figure> FigureAt(const Session& session, const std::string& database, ColorKind kind,
+                               const ColorAt& color, std::int32_t ref) {
+  if (ref == 0) return Figure{color.row, color.inventory};
+  const auto lot = FindLot(session, kind, color.name, database, ref);
+  if (!lot) return std::nullopt;
+  return Figure{lot->row, lot->LotQty};
+}
+
+Value OrNull(const std::optional<float>& quantity) {
+  return quantity ? Value(*quantity) : Value();
+}
+
+void EnsureMarkerTable(Database& file) {
+  if (file.TableExists(kMarkerTable)) return;
+  file.Execute(
+      fmt::format("CREATE TABLE {} (DatabaseName TEXT COLLATE NOCASE, BatchNo INTEGER, Kind INTEGER, Color_Name TEXT "
+                  "COLLATE NOCASE, ColorRow INTEGER, LotRefID INTEGER, LotNumber TEXT, Quantity REAL, StoodBefore "
+                  "REAL, StoodAfter REAL)",
+                  kMarkerTable));
+}
+
+std::vector<HeldFigure> ReadHeld(Database& file, std::string_view database, std::int32_t batchNo) {
+  std::vector<HeldFigure> held;
+  if (!file.TableExists(kMarkerTable)) return held;
+  Statement rows = file.Prepare(
+      fmt::format("SELECT Kind, Color_Name, ColorRow, LotRefID, LotNumber, Quantity, StoodBefore, StoodAfter FROM {} "
+                  "WHERE DatabaseName = ?1 AND BatchNo = ?2 ORDER BY rowid",
+                  kMarkerTable));
+  rows.Bind(1, database).Bind(2, batchNo);
+  const auto figure = [&](int column) -> std::optional<float> {
+    if (rows.IsNull(column)) return std::nullopt;
+    return rows.Single(column);
+  };
+  while (rows.Step())
+    held.push_back({rows.Whole(0) == 2 ? ColorKind::Mix : ColorKind::Basic, rows.Text(1), rows.Whole(2),
+                    static_cast<std::int32_t>(rows.Whole(3)), rows.Text(4), rows.Single(5), figure(6), figure(7)});
+  return held;
+}
+
+void DeleteMarker(Database& file, std::string_view database, std::int32_t batchNo) {
+  if (!file.TableExists(kMarkerTable)) return;
+  file.Prepare(fmt::format("DELETE FROM {} WHERE DatabaseName = ?1 AND BatchNo = ?2", kMarkerTable))
+      .Bind(1, database)
+      .Bind(2, batchNo)
+      .Run();
+}
+
+Posting PostingOf(std::int32_t batchNo, ColorKind kind, const std::string& name, const std::string& database,
+                  float quantity) {
+  Posting posting;
+  posting.source = quantity < 0 ? PostingSource::BatchTakesAgain : PostingSource::BatchReturns;
+  posting.kind = kind;
+  posting.name = name;
+  posting.database = database;
+  posting.quantity = quantity < 0 ? -quantity : quantity;
+  posting.document = BatchNoText(batchNo);
+  return posting;
+}
+
+class HeldAgain {
+ public:
+  HeldAgain(Session& session, std::string database, std::int32_t batchNo)
+      : session_(session), database_(std::move(database)), batchNo_(batchNo), rules_(ReadStockRules(session)) {}
+
+  // Backwards, so that figures which the opening changed twice come out as they went in.
+  void Run() {
+    const std::vector<HeldFigure> held = ReadHeld(session_.File(), database_, batchNo_);
+    for (auto figure = held.rbegin(); figure != held.rend(); ++figure) Take(*figure);
+  }
+
+ private:
+  void Take(const HeldFigure& held) {
+    const auto color = FindColor(session_, database_, held.kind, held.colorRow, held.name);
+    if (!color) return;  // and its stock went with it
+    const auto now = FigureAt(session_, database_, held.kind, *color, held.ref);
+    const std::optional<float> quantity = now ? std::optional<float>(now->quantity) : std::nullopt;
+    if (now && quantity == held.after) {
+      Restore(held, *color, *now);
+    } else {
+      PostAgain(held, *color);
+    }
+  }
+
+  void Restore(const HeldFigure& held, const ColorAt& color, const Figure& now) {
+    using Action = StockChange::Action;
+    StockChange change;
+    change.action = held.ref == 0 ? Action::SetUnlotted : held.before ? Action::SetLot : Action::DeleteLot;
+    change.source = PostingSource::BatchRestores;
+    change.kind = held.kind;
+    change.name = color.name;
+    change.database = database_;
+    change.row = now.row;
+    change.lot.LotRefID = held.ref;
+    change.lot.LotNumber = held.LotNumber;
+    change.before = now.quantity;
+    change.after = held.before.value_or(0);
+    change.document = BatchNoText(batchNo_);
+    WriteStockChange(session_, change);
+  }
+
+  void PostAgain(const HeldFigure& held, const ColorAt& color) {
+    Posting posting = PostingOf(batchNo_, held.kind, color.name, database_, -held.quantity);
+    if (held.ref != 0) posting.lot = LotTarget{.LotRefID = held.ref, .LotNumber = held.LotNumber};
+    PostStock(session_, rules_, posting);
+  }
+
+  Session& session_;
+  std::string database_;
+  std::int32_t batchNo_;
+  StockRules rules_;
+};
+
+bool DatabaseIsThere(const Session& session, const std::string& database) {
+  for (const std::string& name : session.databaseList)
+    if (EqualNoCase(name, database)) return true;
+  return false;
+}
+
+}  // namespace
+
+void HoldBatch(Session& session, std::int32_t batchNo, const std::vector<NetTaking>& takings) {
+  Database& file = session.File();
+  EnsureMarkerTable(file);
+  const StockRules rules = ReadStockRules(session);
+  for (const NetTaking& taking : takings) {
+    if (taking.place.LotQty == 0) continue;
+    const auto color = FindColor(session, {}, taking.kind, 0, taking.name);
+    if (!color) continue;
+    const std::int32_t ref = taking.place.LotRefID;
+    const auto before = FigureAt(session, {}, taking.kind, *color, ref);
+    Posting posting = PostingOf(batchNo, taking.kind, color->name, {}, taking.place.LotQty);
+    if (ref != 0)
+      posting.lot = LotTarget{.LotRefID = ref,
+                              .LotNumber = taking.place.LotNumber,
+                              .LotLoc = taking.place.LotLoc,
+                              .LotContID = taking.place.LotContID,
+                              .LotDate = taking.place.LotDate,
+                              .LotPrice = taking.place.LotPrice};
+    const PostingResult posted = PostStock(session, rules, posting);
+    using Outcome = PostingResult::Outcome;
+    const bool stands = posted.outcome == Outcome::Posted || posted.outcome == Outcome::LotAdded;
+    file.Prepare(fmt::format("INSERT INTO {} VALUES (?1, ?2, ?3, ?4, ?5, ?6, ?7, ?8, ?9, ?10)", kMarkerTable))
+        .Bind(1, session.CurrentDatabase)
+        .Bind(2, batchNo)
+        .Bind(3, static_cast<int>(taking.kind))
+        .Bind(4, color->name)
+        .Bind(5, color->row)
+        .Bind(6, ref)
+        .Bind(7, taking.place.LotNumber)
+        .Bind(8, taking.place.LotQty)
+        .Bind(9, before ? Value(before->quantity) : Value())
+        .Bind(10, OrNull(stands ? std::optional<float>(posted.quantity) : std::nullopt))
+        .Run();
+  }
+}
+
+void TakeHeldAgain(Session& session, std::string_view database, std::int32_t batchNo) {
+  Transaction transaction(session.File());
+  HeldAgain(session, std::string(database), batchNo).Run();
+  DeleteMarker(session.File(), database, batchNo);
+  transaction.Commit();
+}
+
+void DropHold(Session& session, std::int32_t batchNo) {
+  DeleteMarker(session.File(), session.CurrentDatabase, batchNo);
+}
+
+bool SameAsHeld(Session& session, std::int32_t batchNo, const std::vector<NetTaking>& takings) {
+  const std::vector<HeldFigure> held = ReadHeld(session.File(), session.CurrentDatabase, batchNo);
+  std::size_t counted = 0;
+  for (const NetTaking& taking : takings) {
+    if (taking.place.Remove) return false;
+    if (taking.place.LotQty == 0) continue;
+    bool same = false;
+    for (const HeldFigure& figure : held)
+      same = same || (figure.kind == taking.kind && figure.ref == taking.place.LotRefID &&
+                      figure.quantity == taking.place.LotQty && EqualNoCase(figure.name, taking.name));
+    if (!same) return false;
+    ++counted;
+  }
+  return counted == held.size();
+}
+
+// ---- What a killed process left
+
+std::vector<AbandonedBatch> AbandonedBatches(Database& file) {
+  std::vector<AbandonedBatch> abandoned;
+  if (!file.TableExists(kMarkerTable)) return abandoned;
+  Statement rows =
+      file.Prepare(fmt::format("SELECT DatabaseName, BatchNo FROM {} GROUP BY 1, 2 ORDER BY MIN(rowid)", kMarkerTable));
+  while (rows.Step()) abandoned.push_back({rows.Text(0), static_cast<std::int32_t>(rows.Whole(1))});
+  return abandoned;
+}
+
+void HealAbandonedBatches(Session& session) {
+  const std::vector<AbandonedBatch> abandoned = AbandonedBatches(session.File());
+  if (abandoned.empty()) return;
+  std::string told;
+  Transaction transaction(session.File());
+  for (const AbandonedBatch& batch : abandoned) {
+    if (!DatabaseIsThere(session, batch.database)) {
+      DeleteMarker(session.File(), batch.database, batch.BatchNo);
+      continue;
+    }
+    TakeHeldAgain(session, batch.database, batch.BatchNo);
+    told += fmt::format("\nBatch {} of the {} database", BatchNoText(batch.BatchNo), batch.database);
+  }
+  transaction.Commit();
+  if (!told.empty())
+    session.prompt.Tell("Open Batch",
+                        "The program ended while a saved Batch was open.\n"
+                        "Its ingredients have been taken from inventory again:\n" +
+                            told,
+                        Icon::Information);
+}
+
+}  // namespace vellumark

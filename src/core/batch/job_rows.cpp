@@ -1,0 +1,140 @@
+#include "core/batch/job_rows.h"
+
+#include <fmt/format.h>
+
+#include "core/base/text.h"
+#include "core/base/units.h"
+#include "core/batch/made.h"
+#include "core/datafile/writer.h"
+
+namespace vellumark {
+namespace {
+
+constexpr std::string_view kOfBatch = "BatchNo = ?1 AND Database = ?2";
+
+float Converted(double quantity, int from, int to) {
+  return RoundSingle(from == to ? quantity : quantity * static_cast<double>(UnitFactor(from, to)), 3);
+}
+
+std::vector<std::string> KeptFields() {
+  std::vector<std::string> fields{"DesignID", "DesignDesc"};
+  for (const char* word : {"UD_Text", "UD_Numeric"})
+    for (int i = 0; i < kBatchUserFields; ++i) fields.push_back(schema::Numbered(word, i));
+  return fields;
+}
+
+struct KeptRow {
+  std::string JobNumber;
+  std::vector<Cell> cells;
+};
+
+std::vector<KeptRow> ReadKept(const Session& session, std::int32_t batchNo) {
+  const std::vector<std::string> fields = KeptFields();
+  std::string columns = "JobNumber";
+  for (const std::string& field : fields) columns += ", " + Quoted(field);
+  Statement rows =
+      session.File().Prepare(fmt::format("SELECT {} FROM JobRecords WHERE {} ORDER BY rowid", columns, kOfBatch));
+  rows.Bind(1, batchNo).Bind(2, session.CurrentDatabase);
+  std::vector<KeptRow> kept;
+  while (rows.Step()) {
+    KeptRow& row = kept.emplace_back(rows.Text(0), std::vector<Cell>{});
+    for (std::size_t i = 0; i < fields.size(); ++i)
+      row.cells.emplace_back(fields[i], rows.Get(static_cast<int>(i) + 1));
+  }
+  return kept;
+}
+
+std::vector<Cell> FreshCells() {
+  std::vector<Cell> cells;
+  for (const std::string& field : KeptFields())
+    cells.emplace_back(field, field.starts_with("UD_Numeric") ? Value(0.0F) : Value(""));
+  return cells;
+}
+
+void NoteJob(Transaction& transaction, const std::string& number) {
+  transaction.Note({Change::Kind::Job, "", number, Change::What::Updated, {}});
+}
+
+}  // namespace
+
+std::vector<BatchJobLine> ReadJobLines(const Session& session, std::int32_t batchNo, int unit, double total) {
+  Statement rows = session.File().Prepare(
+      fmt::format("SELECT JobNumber, QtyIssued, QtyUsed FROM JobRecords WHERE {} ORDER BY rowid", kOfBatch));
+  rows.Bind(1, batchNo).Bind(2, session.CurrentDatabase);
+  std::vector<BatchJobLine> lines;
+  double stored = 0;
+  double sum = 0;
+  while (rows.Step()) {
+    lines.push_back(
+        {rows.Text(0), Converted(rows.Single(1), session.UMI, unit), Converted(rows.Single(2), session.UMI, unit)});
+    stored += RoundTo(rows.Single(2), 3);
+    sum += RoundTo(lines.back().QtyUsed, 3);
+  }
+  if (!lines.empty() && RoundSingle(stored, 3) == Converted(total, unit, session.UMI)) {
+    BatchJobLine& last = lines.back();
+    const bool sameIssued = last.QtyIssued == last.QtyUsed;
+    last.QtyUsed = RoundSingle(RoundTo(last.QtyUsed, 3) + total - sum, 3);
+    if (sameIssued) last.QtyIssued = last.QtyUsed;
+  }
+  return lines;
+}
+
+float JobsUse(const Session& session, std::int32_t batchNo) {
+  return RoundSingle(session.File()
+                         .Scalar(fmt::format("SELECT SUM(QtyUsed) FROM JobRecords WHERE {}", kOfBatch),
+                                 {batchNo, session.CurrentDatabase})
+                         .Number(),
+                     3);
+}
+
+void WriteJobRows(Session& session, const BatchRecord& record, const DateTime& date) {
+  Transaction transaction(session.File());
+  const std::vector<KeptRow> kept = ReadKept(session, record.BatchNo);
+  DeleteJobRows(session, record.BatchNo);
+  const BatchWork& work = record.work;
+  const double made = LeadingNumber(work.TotalText) * static_cast<double>(UnitFactor(work.UMF, session.UMI));
+  const auto perUnit = [made](double figure) { return made > 0 ? figure / made : 0; };
+  const auto lot = MadeLot(session, record);
+  for (const BatchJobLine& line : record.jobs) {
+    std::vector<Cell> cells = FreshCells();
+    for (const KeptRow& row : kept)
+      if (EqualNoCase(row.JobNumber, line.JobNumber)) cells = row.cells;
+    const std::vector<Cell> own{
+        {"JobNumber", line.JobNumber},
+        {"Color_Name", work.Color_Name},
+        {"Color_Code", work.formula.Color_Code},
+        {"Database", session.CurrentDatabase},
+        {"BatchNo", record.BatchNo},
+        {"ItemType", static_cast<int>(ColorKind::Mix)},
+        {"UnitCost", RoundSingle(perUnit(work.figures.TotalCost.ToDouble()), session.DecimalPlaces)},
+        {"VOC", RoundSingle(perUnit(work.figures.VOC), 3)},
+        {"HAP", RoundSingle(perUnit(work.figures.HAP), 3)},
+        {"LotRefID", lot ? lot->LotRefID : 0},
+        {"LotNumber", lot ? Value(lot->LotNumber) : Value(kUnlottedInv)},
+        {"LotLoc", lot ? lot->LotLoc : ""},
+        {"LotContID", lot ? lot->LotContID : ""},
+        {"LotDate", lot ? Value(lot->LotDate) : Value()},
+        {"QtyIssued", Converted(line.QtyIssued, work.UMF, session.UMI)},
+        {"QtyUsed", Converted(line.QtyUsed, work.UMF, session.UMI)},
+        {"Date_Entered", date},
+        {"Date_Returned", date},
+        {"Date_Completed", date}};
+    cells.insert(cells.end(), own.begin(), own.end());
+    InsertRow(session.File(), schema::JobRecords, schema::JobRecords.name, cells);
+    NoteJob(transaction, line.JobNumber);
+  }
+  transaction.Commit();
+}
+
+void DeleteJobRows(Session& session, std::int32_t batchNo) {
+  Transaction transaction(session.File());
+  for (const KeptRow& row : ReadKept(session, batchNo)) NoteJob(transaction, row.JobNumber);
+  session.File()
+      .Prepare(fmt::format("DELETE FROM JobRecords WHERE {}", kOfBatch))
+      .Bind(1, batchNo)
+      .Bind(2, session.CurrentDatabase)
+      .Run();
+  transaction.Commit();
+}
+
+}  // namespace vellumark

@@ -1,0 +1,24 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "core/batch/record.h"
+
+namespace vellumark {
+
+// The rows that a Batch has in `JobRecords`. Quantities stand there in the inventory unit. For the procedures of this
+// room.
+
+/// The job lines of a stored Batch in its unit; lines that used it up add up to `total`.
+std::vector<BatchJobLine> ReadJobLines(const Session& session, std::int32_t batchNo, int unit, double total);
+/// What the jobs use in all, in the inventory unit.
+float JobsUse(const Session& session, std::int32_t batchNo);
+
+/// Writes the Batch's rows anew, within the caller's transaction. The user-defined values and the design of a job's row
+/// are kept.
+void WriteJobRows(Session& session, const BatchRecord& record, const DateTime& date);
+void DeleteJobRows(Session& session, std::int32_t batchNo);
+
+}  // namespace vellumark

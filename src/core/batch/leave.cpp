@@ -1,0 +1,185 @@
+#include "core/batch/leave.h"
+
+#include <fmt/format.h>
+
+#include "core/base/text.h"
+#include "core/batch/bench.h"
+#include "core/batch/holding.h"
+#include "core/batch/job_rows.h"
+#include "core/batch/loader.h"
+#include "core/batch/made.h"
+#include "core/batch/open.h"
+#include "core/batch/saving.h"
+#include "core/batch/store.h"
+#include "core/batch/takings.h"
+
+namespace vellumark {
+namespace {
+
+// How an open Batch is left: stored, or as it was on file.
+enum class Parting { Stays, Store, Keep };
+
+std::string Padded40(std::string_view title) {
+  return std::string(40, ' ') + std::string(title);
+}
+
+bool AskWhether(Session& session, std::string title, std::string text) {
+  return session.prompt.Ask(std::move(title), std::move(text));
+}
+
+bool Changed(const Session& session, const BatchRecord& record) {
+  return record.formulaUnchanged && !session.ArchiveView && RecordHasChanged(session, record);
+}
+
+Parting AskToSave(Session& session, const BatchRecord& record, BatchDialogs& dialogs) {
+  if (!PassLotReminder(session, record, dialogs)) return Parting::Stays;
+  return AskWhether(session, "Batch Window - Save Information?", "Save this information?") ? Parting::Store
+                                                                                           : Parting::Keep;
+}
+
+// Next, Previous and Find.
+Parting PartFor(Session& session, const BatchRecord& record, BatchDialogs& dialogs) {
+  if (!Changed(session, record)) return Parting::Keep;
+  if (record.work.Total == 0) {
+    const bool stays = AskWhether(session, Padded40("Update Batch"),
+                                  "Batch total must be greater than zero.\nRevise and fix the recipe?");
+    return stays ? Parting::Stays : Parting::Keep;
+  }
+  return AskToSave(session, record, dialogs);
+}
+
+// Leaves for the Batch of a row, or for the cleared window.
+Result<bool> Leave(Session& session, BatchRecord& record, BatchDialogs& dialogs, Parting parting,
+                   std::optional<std::int64_t> row) {
+  if (parting == Parting::Stays) return false;
+  if (parting == Parting::Keep) {
+    LeaveFor(session, record, true, row);
+    return true;
+  }
+  const auto stored = StoreBatch(session, record, dialogs);
+  if (!stored) return std::unexpected(stored.error());
+  if (*stored == SaveEnd::Stays) return false;
+  MoveTo(session, record, row);
+  return true;
+}
+
+// Takes a Batch off the dates of its formula and Basic Colors, which then tell of the Batches that remain.
+void ResetDates(Session& session, const std::string& formula, const std::vector<StoredLine>& lines) {
+  Database& file = session.File();
+  const std::string batches = Quoted(session.Table(schema::Batch));
+  file.Prepare(fmt::format("UPDATE {} SET LastProduced = (SELECT MAX(Date_Entered) FROM {} WHERE Color_Name = ?1) "
+                           "WHERE Color_Name = ?1",
+                           Quoted(session.Table(schema::Mix)), batches))
+      .Bind(1, formula)
+      .Run();
+  std::string uses;
+  for (int i = 0; i < schema::kBatchLines; ++i)
+    uses += fmt::format("{}(IngName{} = ?1 AND IngType{} <> 2)", i == 0 ? "" : " OR ", i, i);
+  Statement reset = file.Prepare(
+      fmt::format("UPDATE {} SET LastConsumed = (SELECT Date_Entered FROM {} WHERE {} ORDER BY Date_Entered DESC LIMIT "
+                  "1) WHERE Color_Name = ?1",
+                  Quoted(session.Table(schema::Basic)), batches, uses));
+  for (const StoredLine& line : lines)
+    if (line.IngType != kIngTypeMix) reset.Bind(1, line.IngName).Run();
+}
+
+void DeleteStored(Session& session, BatchRecord& record, bool returnIngredients) {
+  Transaction transaction(session.File());
+  const auto stored = ReadStoredLines(session, record.rowId);
+  if (!returnIngredients) TakeHeldAgain(session, session.CurrentDatabase, record.BatchNo);
+  DropHold(session, record.BatchNo);
+  RemoveMadeColor(session, record);
+  DeleteTakings(session, record.BatchNo);
+  session.File()
+      .Prepare(fmt::format("DELETE FROM {} WHERE rowid = ?1", Quoted(session.Table(schema::Batch))))
+      .Bind(1, record.rowId)
+      .Run();
+  if (stored) ResetDates(session, record.work.Color_Name, stored->lines);
+  DeleteJobRows(session, record.BatchNo);
+  transaction.Note(
+      {Change::Kind::Batch, session.CurrentDatabase, std::to_string(record.BatchNo), Change::What::Deleted, {}});
+  transaction.Commit();
+}
+
+}  // namespace
+
+void MoveTo(Session& session, BatchRecord& record, std::optional<std::int64_t> row) {
+  if (!row || !OpenBatchRow(session, record, *row)) record = NewBatchRecord(session);
+}
+
+void LeaveFor(Session& session, BatchRecord& record, bool keepComplete, std::optional<std::int64_t> nextRow) {
+  if (session.ArchiveView) {
+    MoveTo(session, record, nextRow);
+    return;
+  }
+  BatchRecord next;
+  Transaction transaction(session.File());
+  if (record.state == BatchState::Edit) {
+    if (keepComplete) StoreComplete(session, record);
+    if (record.stockReturned) TakeHeldAgain(session, session.CurrentDatabase, record.BatchNo);
+  }
+  MoveTo(session, next, nextRow);
+  transaction.Commit();
+  record = std::move(next);
+}
+
+void Reset_Ing_Inv_CancelEdit_ExistingBatch(Session& session, BatchRecord& record) {
+  if (!record.stockReturned) return;
+  TakeHeldAgain(session, session.CurrentDatabase, record.BatchNo);
+  record.stockReturned = false;
+}
+
+Result<bool> NextBatch(Session& session, BatchRecord& record, BatchDialogs& dialogs) {
+  const auto row = NextBatchRow(session, record);
+  return Leave(session, record, dialogs, PartFor(session, record, dialogs), row);
+}
+
+Result<bool> PreviousBatch(Session& session, BatchRecord& record, BatchDialogs& dialogs) {
+  const auto row = PreviousBatchRow(session, record);
+  return Leave(session, record, dialogs, PartFor(session, record, dialogs), row);
+}
+
+Result<bool> FindBatch(Session& session, BatchRecord& record, BatchDialogs& dialogs, std::int32_t batchNo) {
+  const std::int64_t row = BatchRowOf(session, batchNo);
+  if (row == 0)
+    return Refuse("Batch Not Found", fmt::format("There is no Batch {} in the {} database.", BatchNoText(batchNo),
+                                                 session.CurrentDatabase));
+  return Leave(session, record, dialogs, PartFor(session, record, dialogs), row);
+}
+
+Result<bool> CancelBatch(Session& session, BatchRecord& record) {
+  if (RecordHasChanged(session, record) && !AskWhether(session, Padded40("Cancel?"), "Cancel without saving changes?"))
+    return false;
+  LeaveFor(session, record, false, std::nullopt);
+  return true;
+}
+
+Result<bool> CloseBatch(Session& session, BatchRecord& record, BatchDialogs& dialogs) {
+  Parting parting = Parting::Keep;
+  if (Changed(session, record)) {
+    if (CheckStorable(session, record) && record.work.Total > 0) {
+      parting = AskToSave(session, record, dialogs);
+    } else if (!AskWhether(session, Padded40("Close?"), "Close without saving changes?")) {
+      parting = Parting::Stays;
+    }
+  }
+  return Leave(session, record, dialogs, parting, std::nullopt);
+}
+
+Result<bool> DeleteBatch(Session& session, BatchRecord& record, BatchDialogs&) {
+  if (record.state != BatchState::Edit) return false;
+  if (const auto writable = RequireWritable(session); !writable) return std::unexpected(writable.error());
+  if (const auto open = CheckNotComplete(session, record); !open) return std::unexpected(open.error());
+  if (!AskWhether(session, "Batch Window - Delete Batch?",
+                  "Deleting this Batch will alter Production and Consumption Reports.\n\nDelete this Batch?"))
+    return false;
+  const bool returnIngredients =
+      AskWhether(session, "Batch Window - Update Inventories?", "Return ingredients to inventory?");
+  const auto next = NextBatchRow(session, record);
+  DeleteStored(session, record, returnIngredients);
+  record = NewBatchRecord(session);
+  MoveTo(session, record, next);
+  return true;
+}
+
+}  // namespace vellumark

@@ -1,0 +1,175 @@
+#include "core/batch/made.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+
+#include "core/base/text.h"
+#include "core/base/units.h"
+#include "core/datafile/writer.h"
+#include "core/inventory/posting.h"
+
+namespace vellumark {
+namespace {
+
+class MadeColor {
+ public:
+  MadeColor(Session& session, BatchRecord& record)
+      : session_(session),
+        record_(record),
+        rules_(ReadStockRules(session)),
+        before_(RoundSingle(record.oldReturned, 3)),
+        now_(RoundSingle(record.returned * static_cast<double>(UnitFactor(record.work.UMF, session.UMI)), 3)),
+        oldLot_(MadeLot(session, record)) {}
+
+  bool Post() {
+    const bool wasLotted = session_.InvLotTracking != 0 && record_.LotRefID > 0;
+    const bool lotted = session_.InvLotTracking != 0 && !TrimView(record_.fields.LotNumber).empty();
+    const std::int32_t place = now_ > 0 ? 0 : -1;
+    if (record_.rowId == 0 || record_.LotRefID == -1) {
+      if (record_.rowId != 0) now_ = std::max(0.0F, RoundSingle(now_ - before_, 3));
+      record_.LotRefID = place;
+      return Add(now_);
+    }
+    if (lotted && oldLot_ && now_ > 0) {
+      ChangeLot();
+      return true;
+    }
+    if (!lotted && !wasLotted) {
+      record_.LotRefID = session_.InvLotTracking == 0 && record_.LotRefID > 0 ? record_.LotRefID : place;
+      if (now_ > before_) return Add(RoundSingle(now_ - before_, 3));
+      if (now_ < before_) Take(RoundSingle(before_ - now_, 3));
+      return true;
+    }
+    return Move(wasLotted, lotted, place);
+  }
+
+ private:
+  // From a lot to Unlotted Inventory, from there to a lot, or from a lot that is gone to a new one. What is no longer
+  // at the old place was used.
+  bool Move(bool wasLotted, bool lotted, std::int32_t place) {
+    const float there =
+        wasLotted ? (oldLot_ ? oldLot_->LotQty : 0) : UnlottedQty(session_, ColorKind::Mix, record_.work.Color_Name);
+    const float removed = std::clamp(before_, 0.0F, std::max(there, 0.0F));
+    if (removed > 0) Take(removed);
+    const float used = RoundSingle(before_ - removed, 3);
+    const float added = std::max(0.0F, RoundSingle(now_ - used, 3));
+    if (lotted && wasLotted && !(added > 0) && now_ > 0) return true;  // all of it was used; the reference stays
+    record_.LotRefID = place;
+    return Add(added);
+  }
+
+  Posting PostingOf(PostingSource source, float quantity) const {
+    Posting posting;
+    posting.source = source;
+    posting.kind = ColorKind::Mix;
+    posting.name = record_.work.Color_Name;
+    posting.quantity = quantity;
+    posting.document = BatchNoText(record_.BatchNo);
+    return posting;
+  }
+
+  bool Add(float quantity) {
+    if (!(quantity > 0)) return true;
+    Posting posting = PostingOf(PostingSource::BatchMakes, quantity);
+    if (session_.InvLotTracking != 0 && !TrimView(record_.fields.LotNumber).empty())
+      posting.lot = LotTarget{.LotRefID = 0,
+                              .LotNumber = record_.fields.LotNumber,
+                              .LotLoc = record_.fields.LotLoc,
+                              .LotContID = record_.fields.LotContID};
+    const PostingResult posted = PostStock(session_, rules_, posting);
+    record_.LotRefID = std::max(posted.LotRefID, 0);
+    if (posted.LotRefID != -1) return true;
+    record_.fields.LotNumber.clear();
+    return false;
+  }
+
+  void Take(float quantity) {
+    Posting posting = PostingOf(PostingSource::BatchUnmakes, quantity);
+    if (session_.InvLotTracking != 0 && oldLot_)
+      posting.lot = LotTarget{.LotRefID = oldLot_->LotRefID, .LotNumber = oldLot_->LotNumber};
+    PostStock(session_, rules_, posting);
+  }
+
+  // The lot keeps its reference, by which jobs and other Batches know it.
+  void ChangeLot() {
+    const BatchFields& fields = record_.fields;
+    if (oldLot_->LotNumber != fields.LotNumber || oldLot_->LotLoc != fields.LotLoc ||
+        oldLot_->LotContID != fields.LotContID)
+      Rename();
+    if (now_ < before_) {
+      Take(RoundSingle(before_ - now_, 3));
+    } else if (now_ > before_) {
+      StockChange change;
+      change.action = StockChange::Action::SetLot;
+      change.source = PostingSource::BatchMakes;
+      change.kind = ColorKind::Mix;
+      change.name = record_.work.Color_Name;
+      change.row = oldLot_->row;
+      change.lot = *oldLot_;
+      change.before = oldLot_->LotQty;
+      change.after = RoundSingle(oldLot_->LotQty + RoundTo(now_ - before_, 3), 3);
+      change.document = BatchNoText(record_.BatchNo);
+      WriteStockChange(session_, change);
+    }
+  }
+
+  void Rename() {
+    const BatchFields& fields = record_.fields;
+    Database& file = session_.File();
+    UpdateRow(file, schema::MixLotInv, session_.Table(schema::MixLotInv), oldLot_->row,
+              {{"LotNumber", fields.LotNumber}, {"LotLoc", fields.LotLoc}, {"LotContID", fields.LotContID}});
+    const auto copies = [&](std::string_view table, std::string_view where) {
+      Statement statement = file.Prepare(
+          fmt::format("UPDATE {} SET LotNumber = ?1, LotLoc = ?2, LotContID = ?3 WHERE LotRefID = ?4 AND {}",
+                      Quoted(table), where));
+      statement.Bind(1, fields.LotNumber).Bind(2, fields.LotLoc).Bind(3, fields.LotContID).Bind(4, record_.LotRefID);
+      statement.Bind(5, record_.work.Color_Name);
+      return statement;
+    };
+    copies(session_.Table(schema::BatchLotInv), "IngName = ?5 AND IngType = 2").Run();
+    copies(schema::JobRecords.name, "Color_Name = ?5 AND ItemType = 2 AND Database = ?6")
+        .Bind(6, session_.CurrentDatabase)
+        .Run();
+    oldLot_->LotNumber = fields.LotNumber;
+  }
+
+  Session& session_;
+  BatchRecord& record_;
+  StockRules rules_;
+  float before_;
+  float now_;
+  std::optional<LotRow> oldLot_;
+};
+
+}  // namespace
+
+bool PostMadeColor(Session& session, BatchRecord& record) {
+  return MadeColor(session, record).Post();
+}
+
+void RemoveMadeColor(Session& session, const BatchRecord& record) {
+  Posting posting;
+  posting.source = PostingSource::BatchUnmakes;
+  posting.kind = ColorKind::Mix;
+  posting.name = record.work.Color_Name;
+  posting.document = BatchNoText(record.BatchNo);
+  if (session.InvLotTracking != 0 && record.LotRefID > 0) {
+    const auto lot = MadeLot(session, record);
+    if (!lot) return;  // all of it was used
+    posting.lot = LotTarget{.LotRefID = lot->LotRefID, .LotNumber = lot->LotNumber};
+    posting.quantity = lot->LotQty;
+    posting.remove = true;
+  } else {
+    posting.quantity = RoundSingle(record.oldReturned, 3);
+    if (!(posting.quantity > 0)) return;
+  }
+  PostStock(session, posting);
+}
+
+std::optional<LotRow> MadeLot(const Session& session, const BatchRecord& record) {
+  if (record.LotRefID <= 0) return std::nullopt;
+  return FindLot(session, ColorKind::Mix, record.work.Color_Name, {}, record.LotRefID);
+}
+
+}  // namespace vellumark

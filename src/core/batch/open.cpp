@@ -1,0 +1,91 @@
+#include "core/batch/open.h"
+
+#include <fmt/format.h>
+
+#include "core/batch/holding.h"
+#include "core/batch/loader.h"
+#include "core/batch/takings.h"
+
+namespace vellumark {
+namespace {
+
+constexpr std::string_view kListColumns =
+    "BatchNo, Color_Name, Date_Entered, Quantity, ActualQuantity, UMF, JobNumber, Complete";
+
+std::vector<BatchListRow> ReadList(Statement rows) {
+  std::vector<BatchListRow> list;
+  while (rows.Step())
+    list.push_back({static_cast<std::int32_t>(rows.Whole(0)), rows.Text(1), rows.Date(2), rows.Single(3),
+                    rows.Single(4), static_cast<int>(rows.Whole(5)), rows.Text(6), rows.Bool(7)});
+  return list;
+}
+
+std::optional<std::int64_t> RowBeside(const Session& session, const BatchRecord& record, bool forward) {
+  const bool stored = record.rowId != 0;
+  if (forward && !stored) return std::nullopt;
+  const std::string_view direction = forward ? "ASC" : "DESC";
+  Statement row = session.File().Prepare(fmt::format("SELECT rowid FROM {0}{1} ORDER BY BatchNo {2}, rowid {2} LIMIT 1",
+                                                     Quoted(session.Table(schema::Batch)),
+                                                     !stored   ? ""
+                                                     : forward ? " WHERE (BatchNo, rowid) > (?1, ?2)"
+                                                               : " WHERE (BatchNo, rowid) < (?1, ?2)",
+                                                     direction));
+  if (stored) row.Bind(1, record.BatchNo).Bind(2, record.rowId);
+  if (!row.Step()) return std::nullopt;
+  return row.Whole(0);
+}
+
+}  // namespace
+
+std::optional<BatchRecord> ReadBatch(Session& session, std::int32_t batchNo) {
+  const std::int64_t row = BatchRowOf(session, batchNo);
+  const auto stored = ReadStoredLines(session, row);
+  if (!stored) return std::nullopt;
+  return LoadBatchRow(session, row, ReadTakings(session, *stored));
+}
+
+bool OpenBatch(Session& session, BatchRecord& record, std::int32_t batchNo) {
+  return OpenBatchRow(session, record, BatchRowOf(session, batchNo));
+}
+
+bool OpenBatchRow(Session& session, BatchRecord& record, std::int64_t rowId) {
+  const auto stored = ReadStoredLines(session, rowId);
+  if (!stored) return false;
+  const std::vector<BatchTaking> takings = ReadTakings(session, *stored);
+  if (session.ArchiveView) {
+    record = LoadBatchRow(session, rowId, takings).value();
+    return true;
+  }
+  Transaction transaction(session.File());
+  HoldBatch(session, stored->BatchNo, NetTakings(session, takings));
+  BatchRecord opened = LoadBatchRow(session, rowId, takings).value();
+  opened.stockReturned = true;
+  transaction.Commit();
+  record = std::move(opened);
+  return true;
+}
+
+std::optional<std::int64_t> NextBatchRow(const Session& session, const BatchRecord& record) {
+  return RowBeside(session, record, true);
+}
+std::optional<std::int64_t> PreviousBatchRow(const Session& session, const BatchRecord& record) {
+  return RowBeside(session, record, false);
+}
+
+std::vector<BatchListRow> RecentBatches(const Session& session, int count) {
+  Statement rows =
+      session.File().Prepare(fmt::format("SELECT {} FROM {} ORDER BY Date_Entered DESC, BatchNo DESC LIMIT ?1",
+                                         kListColumns, Quoted(session.Table(schema::Batch))));
+  rows.Bind(1, count);
+  return ReadList(std::move(rows));
+}
+
+std::vector<BatchListRow> ListBatches(const Session& session, std::string_view colorName) {
+  Statement rows = session.File().Prepare(fmt::format("SELECT {} FROM {}{} ORDER BY BatchNo, rowid", kListColumns,
+                                                      Quoted(session.Table(schema::Batch)),
+                                                      colorName.empty() ? "" : " WHERE Color_Name = ?1"));
+  if (!colorName.empty()) rows.Bind(1, colorName);
+  return ReadList(std::move(rows));
+}
+
+}  // namespace vellumark

@@ -1,0 +1,148 @@
+#include "core/batch/record.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+
+#include "core/base/text.h"
+#include "core/datafile/lifecycle.h"
+#include "core/settings/settings_keys.h"
+
+namespace vellumark {
+namespace {
+
+bool IsOn(const Session& session, std::string_view key) {
+  return LeadingInteger(GetSupportValue(session, key)) == 1;
+}
+
+std::string NumberedSetting(const Session& session, std::string_view key, int number) {
+  return GetSupportValue(session, keys::Numbered(key, number));
+}
+
+bool SameCosts(const BatchCostModel& a, const BatchCostModel& b) {
+  return a.CostModelType == b.CostModelType && a.MixCostOption == b.MixCostOption &&
+         a.FixedCostOfBatch == b.FixedCostOfBatch && a.FixedCostPerUnit == b.FixedCostPerUnit &&
+         a.MarkupPercent == b.MarkupPercent && a.MixVOCModelType == b.MixVOCModelType &&
+         a.MixHAPModelType == b.MixHAPModelType;
+}
+
+bool SameFigures(const BatchFigures& a, const BatchFigures& b) {
+  return a.CostOfBasics == b.CostOfBasics && a.CostOfMixes == b.CostOfMixes && a.TotalCost == b.TotalCost &&
+         a.VOC == b.VOC && a.HAP == b.HAP;
+}
+
+std::vector<std::pair<std::string, std::string>> ShownRows(const BatchWork& work) {
+  std::vector<std::pair<std::string, std::string>> rows;
+  for (const BatchRow& row : work.Rows) rows.emplace_back(row.name, row.amount);
+  return rows;
+}
+
+std::vector<LotSelection> AllLots(const BatchWork& work) {
+  std::vector<LotSelection> lots;
+  for (const RecycleColor& color : work.RecycledColors) lots.push_back(color.lots);
+  for (const auto* list : {&work.Ingredients, &work.Additions})
+    for (const BatchIngredient& ingredient : *list) lots.push_back(ingredient.lots);
+  return lots;
+}
+
+// The lot's place counts only where lots do.
+BatchFields Compared(const Session& session, BatchFields fields) {
+  if (session.InvLotTracking == 0) {
+    fields.LotLoc.clear();
+    fields.LotContID.clear();
+  }
+  return fields;
+}
+
+}  // namespace
+
+std::string BatchRecord::JobNumber() const {
+  if (jobs.empty()) return {};
+  return jobs.size() == 1 ? jobs.front().JobNumber : std::string(kSplitJobs);
+}
+
+std::string BatchRecord::QtyUsedText() const {
+  return jobs.size() == 1 ? Fixed(jobs.front().QtyUsed, 3) : std::string();
+}
+
+std::string BatchNoText(std::int32_t batchNo) {
+  return fmt::format("{:06}", batchNo);
+}
+
+BatchRecord NewBatchRecord(const Session& session) {
+  BatchRecord record;
+  record.work = NewBatchWork(session);
+  record.BatchNo = UpcomingBatchNo(session);
+  record.Username = session.CurrentUser;
+  record.ReturnToInventory = IsOn(session, keys::ReturnToInventory);
+  record.LotRefID = 0;
+  return record;
+}
+
+std::int32_t UpcomingBatchNo(const Session& session) {
+  Statement taken = session.File().Prepare(
+      fmt::format("SELECT 1 FROM {} WHERE BatchNo = ? LIMIT 1", Quoted(session.Table(schema::Batch))));
+  std::int32_t number = std::clamp(session.BatchNumber, 1, kLastCounter);
+  // Once the counter has begun anew it may meet Batches that were never archived.
+  for (std::int32_t tried = 0; tried < kLastCounter; ++tried) {
+    taken.Reset();
+    if (!taken.Bind(1, number).Step()) return number;
+    number = number == kLastCounter ? 1 : number + 1;
+  }
+  throw Failure(session.File().Path().string(), "has no free Batch number left; archive old Batches");
+}
+
+bool RecordHasChanged(const Session& session, const BatchRecord& record) {
+  if (record.state != BatchState::Edit) return record.state == BatchState::Add && !record.work.Rows.empty();
+  const RememberedBatch& before = record.remembered;
+  return record.work.Color_Name != before.Color_Name || ShownRows(record.work) != before.rows ||
+         Compared(session, record.fields) != Compared(session, before.fields) || record.jobs != before.jobs ||
+         record.ReturnedText() != before.returned || record.work.UMF != before.UMF ||
+         !SameCosts(record.work.cost, before.cost) || !SameFigures(record.work.figures, before.figures) ||
+         (session.InvLotTracking != 0 && AllLots(record.work) != before.lots);
+}
+
+void RememberRecord(BatchRecord& record) {
+  record.remembered = {.Color_Name = record.work.Color_Name,
+                       .rows = ShownRows(record.work),
+                       .lots = AllLots(record.work),
+                       .fields = record.fields,
+                       .jobs = record.jobs,
+                       .returned = record.ReturnedText(),
+                       .UMF = record.work.UMF,
+                       .cost = record.work.cost,
+                       .figures = record.work.figures};
+}
+
+bool UsesBatchComplete(const Session& session) {
+  return IsOn(session, keys::BatchComplete);
+}
+
+bool PriorBatchHadAdditions(const Session& session, std::string_view colorName) {
+  std::string types;
+  for (int i = 0; i < schema::kBatchLines; ++i) types += fmt::format("{}IngType{}", i == 0 ? "" : ", ", i);
+  return !session.File()
+              .Scalar(fmt::format("SELECT 1 FROM {} WHERE Color_Name = ? AND 3 IN ({}) LIMIT 1",
+                                  Quoted(session.Table(schema::Batch)), types),
+                      {colorName})
+              .IsNull();
+}
+
+std::string BatchUDTextCaption(const Session& session, int number) {
+  return NumberedSetting(session, "BatchCustomTextLabelCaption", number);
+}
+std::string BatchUDNumericCaption(const Session& session, int number) {
+  return NumberedSetting(session, "BatchCustomNumericLabelCaption", number);
+}
+std::string BatchUDTextDefault(const Session& session, int number) {
+  if (LeadingInteger(NumberedSetting(session, "BatchUDTxtDefault", number)) != 1) return {};
+  return NumberedSetting(session, "BatchUDTxtValue", number);
+}
+bool BatchUDTextRequired(const Session& session, int number) {
+  return LeadingInteger(NumberedSetting(session, "BatchUDTxtRequired", number)) == 1;
+}
+int BatchUDNumericDecimals(const Session& session, int number) {
+  return std::clamp(LeadingInteger(NumberedSetting(session, "Batches_UDNum_Format", number)), 0, 6);
+}
+
+}  // namespace vellumark

@@ -1,0 +1,98 @@
+#include <optional>
+
+#include "core/base/text.h"
+#include "core/batch/leave.h"
+#include "core/batch/open.h"
+#include "core/batch/saving.h"
+#include "core/batch/store.h"
+#include "core/settings/settings_keys.h"
+
+namespace vellumark {
+namespace {
+
+enum class Held { No, Yes };
+
+Result<void> CheckTotal(const BatchRecord& record) {
+  if (record.work.Total != 0 && !record.work.Rows.empty()) return {};
+  return Refuse(std::string(40, ' ') + "Save Batch",
+                "Can't Save this batch.\nBatch total must be greater than zero.\n\nRevise recipe and Save again.");
+}
+
+Result<void> CheckRequiredTexts(const Session& session, const BatchRecord& record) {
+  for (int i = 0; i < kBatchUserFields; ++i)
+    if (BatchUDTextRequired(session, i) && TrimView(record.fields.UD_Text[static_cast<std::size_t>(i)]).empty())
+      return Refuse("More Data Incomplete",
+                    "Required User Defined Text Fields Incomplete.\nPress More Data and complete.",
+                    schema::Numbered("UD_Text", i));
+  return {};
+}
+
+void AskComplete(Session& session, BatchRecord& record) {
+  if (!UsesBatchComplete(session) || record.Complete) return;
+  record.Complete = session.prompt.Ask("Batch Completion State            ", "Mark this Batch as Complete?");
+}
+
+// Location and container belong to the lot that is made; of a Batch that is used up there is none.
+bool PassLotDetails(Session& session, const BatchRecord& record) {
+  if (session.InvLotTracking == 0 || record.returned > 0 || record.JobNumber().empty()) return true;
+  if (TrimView(record.fields.LotLoc).empty() && TrimView(record.fields.LotContID).empty()) return true;
+  return !session.prompt.Ask(std::string(25, ' ') + "Lotted Inv. Details",
+                             "Change Qty to Inv so these items can be saved?");
+}
+
+// A Batch whose formula changed is shown only: whatever was typed, Save keeps but its Complete.
+bool Changed(const Session& session, const BatchRecord& record) {
+  return record.formulaUnchanged && RecordHasChanged(session, record);
+}
+
+Result<bool> Checks(Session& session, BatchRecord& record, BatchDialogs& dialogs, Held held) {
+  if (const auto storable = CheckStorable(session, record); !storable) return std::unexpected(storable.error());
+  if (const auto total = CheckTotal(record); !total) return std::unexpected(total.error());
+  if (held == Held::No) {
+    if (const auto texts = CheckRequiredTexts(session, record); !texts) return std::unexpected(texts.error());
+    if (!PassLotReminder(session, record, dialogs)) return false;
+    AskComplete(session, record);
+  }
+  return PassLotDetails(session, record);
+}
+
+}  // namespace
+
+bool PassLotReminder(Session& session, const BatchRecord& record, BatchDialogs& dialogs) {
+  if (session.InvLotTracking == 0 || !TrimView(record.fields.LotNumber).empty()) return true;
+  if (LeadingInteger(GetSupportValue(session, keys::BatchLotNumReminder)) != 1) return true;
+  const LotReminderAnswer answer = dialogs.ShowLotNumReminder();
+  if (answer.dontShowAgain) SetSupportValue(session, keys::BatchLotNumReminder, "0");
+  return !answer.returnToBatch;
+}
+
+Result<SaveEnd> SaveBatch(Session& session, BatchRecord& record, BatchDialogs& dialogs, std::int32_t* savedNo) {
+  const auto passed = Checks(session, record, dialogs, Held::No);
+  if (!passed) return std::unexpected(passed.error());
+  if (!*passed) return SaveEnd::Stays;
+  if (savedNo != nullptr) *savedNo = record.BatchNo;
+  const auto next = NextBatchRow(session, record);
+  if (record.state == BatchState::Edit && !Changed(session, record)) {
+    LeaveFor(session, record, true, next);
+    return SaveEnd::Kept;
+  }
+  const auto stored = StoreBatch(session, record, dialogs, savedNo);
+  if (stored && *stored == SaveEnd::Stored) MoveTo(session, record, next);
+  return stored;
+}
+
+Result<SaveEnd> SaveAndHoldBatch(Session& session, BatchRecord& record, BatchDialogs& dialogs) {
+  const auto passed = Checks(session, record, dialogs, Held::Yes);
+  if (!passed) return std::unexpected(passed.error());
+  if (!*passed) return SaveEnd::Stays;
+  if (record.state == BatchState::Edit && !Changed(session, record)) {
+    LeaveFor(session, record, true, record.rowId);
+    return SaveEnd::Kept;
+  }
+  std::int32_t number = 0;
+  const auto stored = StoreBatch(session, record, dialogs, &number);
+  if (stored && *stored == SaveEnd::Stored) OpenBatch(session, record, number);
+  return stored;
+}
+
+}  // namespace vellumark

@@ -1,0 +1,200 @@
+#include "core/batch/store.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <limits>
+
+#include "core/base/text.h"
+#include "core/batch/holding.h"
+#include "core/batch/job_rows.h"
+#include "core/batch/leave.h"
+#include "core/batch/made.h"
+#include "core/batch/modified.h"
+#include "core/batch/open.h"
+#include "core/batch/row_cells.h"
+#include "core/batch/saving.h"
+#include "core/batch/takings.h"
+#include "core/datafile/lifecycle.h"
+
+namespace vellumark {
+namespace {
+
+// One store, on a copy of the record: what fails leaves the record on the screen as it was.
+class BatchStore {
+ public:
+  BatchStore(Session& session, const BatchRecord& record, ModifiedBatchChoice choice)
+      : session_(session), record_(record), choice_(std::move(choice)), now_(session.clock.Now()) {}
+
+  // The number under which the Batch is stored.
+  std::int32_t Run() {
+    const bool isNew = record_.state == BatchState::Add;
+    Transaction transaction(session_.File());
+    if (isNew) record_.BatchNo = UpcomingBatchNo(session_);
+    formulaThere_ = WriteModifiedFormula(session_, record_, choice_);
+    const std::vector<BatchTaking> takings = PlanTakings(session_, record_);
+    if (!isNew) DeleteTakings(session_, record_.BatchNo);
+    WriteRow(isNew);
+    WriteTakings(session_, record_.BatchNo, now_, takings);
+    // The date was set above to this very day, so the question whether the ingredients of a Batch of earlier days are
+    // to be taken anew never arises: they are.
+    granted_ = PostMadeColor(session_, record_);
+    WriteLot();
+    Take(NetTakings(session_, takings), isNew);
+    MarkUse(takings);
+    WriteJobRows(session_, record_, now_);
+    const std::int32_t counter = isNew ? StepBatchNumber(session_.File(), record_.BatchNo) : 0;
+    transaction.Note({Change::Kind::Batch,
+                      session_.CurrentDatabase,
+                      std::to_string(record_.BatchNo),
+                      isNew ? Change::What::Added : Change::What::Updated,
+                      {}});
+    transaction.Commit();
+    if (isNew) session_.BatchNumber = counter;
+    return record_.BatchNo;
+  }
+
+  void TellAfterwards() const {
+    if (!formulaThere_)
+      session_.prompt.Tell("Master Formula Modification",
+                           "The Master Formula could not be found.\nModification couldn't be performed.");
+    if (!granted_)
+      session_.prompt.Tell("Lotted Inventory", fmt::format("Unable to add {} to Lotted Inventory\n"
+                                                           "Quantity was added to Unlotted Inv.",
+                                                           record_.work.Color_Name));
+  }
+
+ private:
+  std::string Batches() const { return session_.Table(schema::Batch); }
+
+  void WriteRow(bool isNew) {
+    std::vector<Cell> cells = BatchRowCells(record_, now_);
+    // Without the setting a Batch is never complete; what an earlier one says stays.
+    if (isNew) {
+      cells.emplace_back("Complete", UsesBatchComplete(session_) && record_.Complete);
+      record_.rowId = 0;
+      const std::int64_t row = InsertRow(session_.File(), schema::Batch, Batches(), cells);
+      newRow_ = row;
+    } else {
+      if (UsesBatchComplete(session_)) cells.emplace_back("Complete", record_.Complete);
+      if (!UpdateRow(session_.File(), schema::Batch, Batches(), record_.rowId, cells))
+        throw Failure(session_.File().Path().string(),
+                      fmt::format("has lost the Batch {} while it was open", BatchNoText(record_.BatchNo)));
+      newRow_ = record_.rowId;
+    }
+  }
+
+  void WriteLot() {
+    UpdateRow(session_.File(), schema::Batch, Batches(), newRow_,
+              {{"LotRefID", record_.LotRefID}, {"LotNumber", record_.fields.LotNumber}});
+  }
+
+  void Take(const std::vector<NetTaking>& takings, bool isNew) {
+    if (!isNew && record_.stockReturned && SameAsHeld(session_, record_.BatchNo, takings)) {
+      TakeHeldAgain(session_, session_.CurrentDatabase, record_.BatchNo);
+      return;
+    }
+    if (!isNew) DropHold(session_, record_.BatchNo);
+    TakeFromStock(session_, record_.BatchNo, takings);
+  }
+
+  void MarkUse(const std::vector<BatchTaking>& takings) {
+    Database& file = session_.File();
+    file.Prepare(
+            fmt::format("UPDATE {} SET LastProduced = ?1 WHERE Color_Name = ?2", Quoted(session_.Table(schema::Mix))))
+        .Bind(1, Value(now_))
+        .Bind(2, record_.work.Color_Name)
+        .Run();
+    Statement consumed = file.Prepare(
+        fmt::format("UPDATE {} SET LastConsumed = ?1 WHERE Color_Name = ?2", Quoted(session_.Table(schema::Basic))));
+    for (const BatchTaking& taking : takings)
+      if (taking.IngType != kIngTypeMix) consumed.Bind(1, Value(now_)).Bind(2, taking.IngName).Run();
+  }
+
+  Session& session_;
+  BatchRecord record_;
+  ModifiedBatchChoice choice_;
+  DateTime now_;
+  std::int64_t newRow_ = 0;
+  bool formulaThere_ = true;
+  bool granted_ = true;
+};
+
+// A Batch's record of lots is narrower than the lots' own: told before anything is written.
+Result<void> CheckLotReferences(const Session& session, const BatchRecord& record) {
+  if (session.InvLotTracking == 0) return {};
+  const auto check = [](const std::string& name, const LotSelection& lots) -> Result<void> {
+    for (const LotUse& use : lots.uses)
+      if (use.LotRefID > std::numeric_limits<std::int16_t>::max())
+        return Refuse("Lotted Inventory",
+                      fmt::format("Lot {} of {} has the reference {}.\n"
+                                  "A Batch can only record references up to {}; use another lot.",
+                                  use.LotNumber, name, use.LotRefID, std::numeric_limits<std::int16_t>::max()));
+    return {};
+  };
+  for (const RecycleColor& color : record.work.RecycledColors)
+    if (auto valid = check(color.Color_Name, color.lots); !valid) return valid;
+  for (const auto* list : {&record.work.Ingredients, &record.work.Additions})
+    for (const BatchIngredient& ingredient : *list)
+      if (auto valid = check(ingredient.IngName, ingredient.lots); !valid) return valid;
+  return {};
+}
+
+}  // namespace
+
+Result<void> CheckStorable(const Session& session, const BatchRecord& record) {
+  if (auto writable = RequireWritable(session); !writable) return writable;
+  if (record.work.QuantityChanged)
+    return Refuse("Recalculate Batch",
+                  "You've changed the Quantity of this batch.\n"
+                  "Click the Recycle(F2) or Mix(F3) button to\n"
+                  "recalculate the batch before saving the batch.",
+                  "txtQuantity");
+  if (record.work.Rows.size() > static_cast<std::size_t>(kMostBatchLines))
+    return Refuse("Save Batch", fmt::format("A Batch holds at most {} lines.", kMostBatchLines));
+  return CheckLotReferences(session, record);
+}
+
+Result<SaveEnd> StoreBatch(Session& session, BatchRecord& record, BatchDialogs& dialogs, std::int32_t* storedNo) {
+  if (const auto storable = CheckStorable(session, record); !storable) return std::unexpected(storable.error());
+  ModifiedBatchChoice choice;
+  if (OffersFormulaChange(session, record)) {
+    const auto chosen = dialogs.ShowSaveModifiedBatch(session, record);
+    if (!chosen) return SaveEnd::Stays;
+    choice = *chosen;
+  }
+  BatchStore store(session, record, std::move(choice));
+  const std::int32_t number = store.Run();
+  if (storedNo != nullptr) *storedNo = number;
+  record = NewBatchRecord(session);
+  store.TellAfterwards();
+  return SaveEnd::Stored;
+}
+
+Result<void> CompleteBatch(Session& session, BatchRecord& record, bool complete) {
+  if (auto writable = RequireWritable(session); !writable) return writable;
+  if (!UsesBatchComplete(session))
+    return Refuse("Batch Completion State", "Batches are not marked as Complete; the option is turned off.",
+                  "chkComplete");
+  record.Complete = complete;
+  StoreComplete(session, record);
+  return {};
+}
+
+void StoreComplete(Session& session, const BatchRecord& record) {
+  if (!UsesBatchComplete(session) || record.rowId == 0) return;
+  Transaction transaction(session.File());
+  const int changed =
+      session.File()
+          .Prepare(fmt::format("UPDATE {} SET Complete = ?1 WHERE rowid = ?2 AND IFNULL(Complete, 0) <> ?1",
+                               Quoted(session.Table(schema::Batch))))
+          .Bind(1, record.Complete ? 1 : 0)
+          .Bind(2, record.rowId)
+          .Run();
+  if (changed > 0)
+    transaction.Note(
+        {Change::Kind::Batch, session.CurrentDatabase, std::to_string(record.BatchNo), Change::What::Updated, {}});
+  transaction.Commit();
+}
+
+}  // namespace vellumark

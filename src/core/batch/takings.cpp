@@ -1,0 +1,243 @@
+#include "core/batch/takings.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+
+#include "core/base/text.h"
+#include "core/base/units.h"
+#include "core/datafile/writer.h"
+#include "core/inventory/posting.h"
+
+namespace vellumark {
+namespace {
+
+float Converted(double quantity, int from, int to) {
+  return RoundSingle(from == to ? quantity : quantity * static_cast<double>(UnitFactor(from, to)), 3);
+}
+
+LotUse UnlottedUse(const Session& session, ColorKind kind, const std::string& name, float quantity) {
+  LotUse use;
+  use.LotNumber = kUnlottedInv;
+  use.LotQty = quantity;
+  use.LotPrice = UnlottedPrice(session, kind, name);
+  return use;
+}
+
+// What the lots still hold while the lines choose from them one after the other.
+class LotStock {
+ public:
+  explicit LotStock(const Session& session) : session_(session) {}
+
+  // As much of the quantity as the lot has; nothing of one that went or that came to be on consignment.
+  float Draw(ColorKind kind, const std::string& name, std::int32_t ref, float quantity) {
+    float& left = Left(kind, name, ref);
+    const float drawn = std::clamp(quantity, 0.0F, std::max(left, 0.0F));
+    left = RoundSingle(left - drawn, 3);
+    return drawn;
+  }
+
+ private:
+  struct Lot {
+    ColorKind kind;
+    std::string name;
+    std::int32_t ref;
+    float left;
+  };
+
+  float& Left(ColorKind kind, const std::string& name, std::int32_t ref) {
+    for (Lot& lot : lots_)
+      if (lot.kind == kind && lot.ref == ref && EqualNoCase(lot.name, name)) return lot.left;
+    const auto found = FindLot(session_, kind, name, {}, ref);
+    lots_.push_back({kind, name, ref, found && !found->LotConsignment ? found->LotQty : 0});
+    return lots_.back().left;
+  }
+
+  const Session& session_;
+  std::vector<Lot> lots_;
+};
+
+class TakingPlan {
+ public:
+  TakingPlan(const Session& session, const BatchRecord& record) : session_(session), record_(record), stock_(session) {}
+
+  std::vector<BatchTaking> Run() {
+    const BatchWork& work = record_.work;
+    std::size_t row = 0;
+    for (const RecycleColor& color : work.RecycledColors) Line(row++, color.Color_Name, kIngTypeMix, color.lots);
+    for (const BatchIngredient& i : work.Ingredients) Line(row++, i.IngName, kIngTypeBasic, i.lots);
+    for (const BatchIngredient& i : work.Additions) Line(row++, i.IngName, kIngTypeAddition, i.lots);
+    return std::move(takings_);
+  }
+
+ private:
+  void Line(std::size_t row, const std::string& name, std::uint8_t type, const LotSelection& lots) {
+    const double amount = record_.work.Rows.at(row).Amount();
+    const ColorKind kind = KindOfIngType(type);
+    const float wanted = Converted(amount, record_.work.UMF, session_.UMI);
+    double left = wanted;
+    bool whole = true;
+    bool any = false;
+    if (session_.InvLotTracking != 0 && wanted > 0) {
+      for (const LotUse& chosen : lots.uses) {
+        LotUse use = chosen;
+        const float asked = Converted(chosen.LotQty, record_.work.UMF, session_.UMI);
+        use.LotQty = use.LotRefID == 0 ? asked : stock_.Draw(kind, name, use.LotRefID, asked);
+        whole = whole && use.LotQty == asked;
+        if (!(use.LotQty > 0)) continue;
+        if (use.LotRefID == 0) use = UnlottedUse(session_, kind, name, use.LotQty);
+        left -= RoundTo(use.LotQty, 3);
+        any = true;
+        takings_.push_back({name, type, std::move(use)});
+      }
+      // A selection that covers the need covers it in the inventory unit too, whatever rounding leaves between them.
+      if (any && whole && lots.CompleteFor(RoundSingle(amount, 3))) return;
+      left = std::max(0.0, left);
+    }
+    const float rest = RoundSingle(left, 3);
+    if (rest != 0 || !any) takings_.push_back({name, type, UnlottedUse(session_, kind, name, rest)});
+  }
+
+  const Session& session_;
+  const BatchRecord& record_;
+  LotStock stock_;
+  std::vector<BatchTaking> takings_;
+};
+
+bool OfLine(const BatchTaking& taking, const StoredLine& line) {
+  return taking.IngType == line.IngType && EqualNoCase(taking.IngName, line.IngName);
+}
+
+Posting PostingOf(std::int32_t batchNo, const NetTaking& taking) {
+  Posting posting;
+  posting.source = PostingSource::BatchTakes;
+  posting.kind = taking.kind;
+  posting.name = taking.name;
+  posting.quantity = taking.place.LotQty;
+  posting.document = BatchNoText(batchNo);
+  if (taking.place.LotRefID != 0) {
+    posting.lot = LotTarget{.LotRefID = taking.place.LotRefID, .LotNumber = taking.place.LotNumber};
+    posting.remove = taking.place.Remove;
+  }
+  return posting;
+}
+
+}  // namespace
+
+std::vector<StoredLine> LinesOf(const BatchWork& work) {
+  std::vector<StoredLine> lines;
+  for (const RecycleColor& color : work.RecycledColors) lines.push_back({color.Color_Name, color.Usable, kIngTypeMix});
+  for (const BatchIngredient& i : work.Ingredients) lines.push_back({i.IngName, i.Amount, kIngTypeBasic});
+  for (const BatchIngredient& i : work.Additions) lines.push_back({i.IngName, i.Amount, kIngTypeAddition});
+  return lines;
+}
+
+std::vector<BatchTaking> PlanTakings(Session& session, const BatchRecord& record) {
+  return TakingPlan(session, record).Run();
+}
+
+std::vector<BatchTaking> ReadTakings(const Session& session, const StoredBatchLines& batch) {
+  Statement rows = session.File().Prepare(
+      fmt::format("SELECT IngName, IngType, LotRefID, LotNumber, LotLoc, LotContID, LotDate, LotQty, LotPrice "
+                  "FROM {} WHERE BatchNo = ? ORDER BY rowid",
+                  Quoted(session.Table(schema::BatchLotInv))));
+  rows.Bind(1, batch.BatchNo);
+  std::vector<BatchTaking> takings;
+  while (rows.Step()) {
+    BatchTaking taking{rows.Text(0), static_cast<std::uint8_t>(rows.Whole(1)), {}};
+    taking.use = {.LotRefID = static_cast<std::int32_t>(rows.Whole(2)),
+                  .LotNumber = rows.Text(3),
+                  .LotLoc = rows.Text(4),
+                  .LotContID = rows.Text(5),
+                  .LotDate = rows.Date(6),
+                  .LotQty = rows.Single(7),
+                  .LotPrice = rows.Single(8)};
+    if (EqualNoCase(taking.use.LotNumber, kUnlottedInv)) taking.use.LotRefID = 0;
+    takings.push_back(std::move(taking));
+  }
+  for (std::size_t i = 0; i < batch.lines.size(); ++i) {
+    const StoredLine& line = batch.lines[i];
+    if (std::ranges::any_of(takings, [&](const BatchTaking& taking) { return OfLine(taking, line); })) continue;
+    double amount = RoundTo(line.IngQty, 3);
+    if (static_cast<std::int32_t>(i) == batch.LargestAmountIndex && line.IngType == kIngTypeBasic)
+      amount += RoundTo(batch.Roundoff, 3);
+    const float quantity = Converted(amount, batch.UMF, session.UMI);
+    takings.push_back(
+        {line.IngName, line.IngType, UnlottedUse(session, KindOfIngType(line.IngType), line.IngName, quantity)});
+  }
+  return takings;
+}
+
+LotSelection SelectionOf(const Session& session, const std::vector<BatchTaking>& takings, const StoredLine& line,
+                         float amount, int unit) {
+  LotSelection selection;
+  double taken = 0;
+  for (const BatchTaking& taking : takings) {
+    if (!OfLine(taking, line) || !(taking.use.LotQty > 0)) continue;
+    taken += RoundTo(taking.use.LotQty, 3);
+    LotUse use = taking.use;
+    use.LotQty = Converted(use.LotQty, session.UMI, unit);
+    selection.uses.push_back(std::move(use));
+  }
+  // In a finer unit than that of the inventory the parts need not add up to the amount; the last one makes up for it.
+  if (!selection.uses.empty() && RoundSingle(taken, 3) == Converted(amount, unit, session.UMI)) {
+    float& last = selection.uses.back().LotQty;
+    last = RoundSingle(last + RoundTo(amount, 3) - RoundTo(selection.Used(), 3), 3);
+  }
+  return selection;
+}
+
+void WriteTakings(Session& session, std::int32_t batchNo, const DateTime& date,
+                  const std::vector<BatchTaking>& takings) {
+  RowWriter writer(session.File(), schema::BatchLotInv, session.Table(schema::BatchLotInv),
+                   {"BatchNo", "DateEntered", "IngName", "IngType", "LotRefID", "LotNumber", "LotLoc", "LotContID",
+                    "LotDate", "LotQty", "LotPrice"});
+  for (const BatchTaking& taking : takings) {
+    const LotUse& use = taking.use;
+    writer.Set(0, batchNo).Set(1, date).Set(2, taking.IngName).Set(3, taking.IngType).Set(4, use.LotRefID);
+    writer.Set(5, use.LotNumber).Set(6, use.LotLoc).Set(7, use.LotContID).Set(8, use.LotDate);
+    writer.Set(9, RoundSingle(use.LotQty, 3)).Set(10, RoundSingle(use.LotPrice, session.DecimalPlaces));
+    writer.Insert();
+  }
+}
+
+void DeleteTakings(Session& session, std::int32_t batchNo) {
+  session.File()
+      .Prepare(fmt::format("DELETE FROM {} WHERE BatchNo = ?", Quoted(session.Table(schema::BatchLotInv))))
+      .Bind(1, batchNo)
+      .Run();
+}
+
+std::vector<NetTaking> NetTakings(const Session& session, const std::vector<BatchTaking>& takings) {
+  std::vector<NetTaking> net;
+  for (const BatchTaking& taking : takings) {
+    const ColorKind kind = KindOfIngType(taking.IngType);
+    LotUse place = taking.use;
+    if (session.InvLotTracking == 0) place = {.LotNumber = std::string(kUnlottedInv), .LotQty = place.LotQty};
+    const auto same = std::ranges::find_if(net, [&](const NetTaking& other) {
+      return other.kind == kind && other.place.LotRefID == place.LotRefID && EqualNoCase(other.name, taking.IngName);
+    });
+    if (same == net.end()) {
+      net.push_back({kind, taking.IngName, std::move(place)});
+    } else {
+      same->place.LotQty = RoundSingle(RoundTo(same->place.LotQty, 3) + RoundTo(place.LotQty, 3), 3);
+      same->place.Remove = same->place.Remove || place.Remove;
+    }
+  }
+  return net;
+}
+
+void TakeFromStock(Session& session, std::int32_t batchNo, const std::vector<NetTaking>& takings) {
+  const StockRules rules = ReadStockRules(session);
+  for (const NetTaking& taking : takings) {
+    Posting posting = PostingOf(batchNo, taking);
+    if (posting.quantity == 0 && !taking.place.Remove) continue;
+    if (posting.quantity < 0) {  // more was taken back than went in
+      posting.source = PostingSource::BatchReturns;
+      posting.quantity = -posting.quantity;
+    }
+    PostStock(session, rules, posting);
+  }
+}
+
+}  // namespace vellumark

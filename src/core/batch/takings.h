@@ -1,0 +1,74 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "core/batch/record.h"
+#include "core/datafile/color_kind.h"
+
+namespace vellumark {
+
+// What the lines of a Batch take from stock, as `<DB>_Batch_LotInv` records it. For the procedures of this room.
+
+constexpr std::uint8_t kIngTypeBasic = 1;
+constexpr std::uint8_t kIngTypeMix = 2;
+constexpr std::uint8_t kIngTypeAddition = 3;
+
+inline ColorKind KindOfIngType(std::uint8_t type) {
+  return type == kIngTypeMix ? ColorKind::Mix : ColorKind::Basic;
+}
+
+/// A line as the Batch's row holds it.
+struct StoredLine {
+  std::string IngName;
+  float IngQty = 0;
+  std::uint8_t IngType = kIngTypeBasic;
+};
+
+/// What one line takes from one place; `use.LotQty` is in the inventory unit, below zero for a negative addition.
+struct BatchTaking {
+  std::string IngName;
+  std::uint8_t IngType = kIngTypeBasic;
+  LotUse use;
+};
+
+/// The lines of the working lists as they are stored: recycled colours, ingredients, additions, without the round-off.
+std::vector<StoredLine> LinesOf(const BatchWork& work);
+
+/// What saving the Batch would take. Lots chosen that went or shrank meanwhile give what is there; what is not drawn
+/// from a lot comes from Unlotted Inventory.
+std::vector<BatchTaking> PlanTakings(Session& session, const BatchRecord& record);
+
+/// What a stored Batch took. A line of which no record was kept took its amount, with the round-off where it fell, from
+/// Unlotted Inventory.
+struct StoredBatchLines {
+  std::int32_t BatchNo = 0;
+  int UMF = 1;
+  float Roundoff = 0;
+  std::int32_t LargestAmountIndex = 0;
+  std::vector<StoredLine> lines;
+};
+std::vector<BatchTaking> ReadTakings(const Session& session, const StoredBatchLines& batch);
+
+/// The selection that a line's takings amount to, in the Batch's unit; `amount` is what the line shows.
+LotSelection SelectionOf(const Session& session, const std::vector<BatchTaking>& takings, const StoredLine& line,
+                         float amount, int unit);
+
+void WriteTakings(Session& session, std::int32_t batchNo, const DateTime& date,
+                  const std::vector<BatchTaking>& takings);
+void DeleteTakings(Session& session, std::int32_t batchNo);
+
+/// What is taken in all from one place.
+struct NetTaking {
+  ColorKind kind = ColorKind::Basic;
+  std::string name;
+  LotUse place;  ///< `LotQty` is the sum
+};
+/// One for each colour and place, in the order of the lines. While Lotted Inventory is off everything is Unlotted.
+std::vector<NetTaking> NetTakings(const Session& session, const std::vector<BatchTaking>& takings);
+
+/// Takes from stock, for a Batch that is saved.
+void TakeFromStock(Session& session, std::int32_t batchNo, const std::vector<NetTaking>& takings);
+
+}  // namespace vellumark
