@@ -5,6 +5,7 @@
 #include "cli/frame.h"
 #include "cli/login.h"
 #include "core/session/options.h"
+#include "core/settings/setting_values.h"
 #include "core/settings/settings_keys.h"
 #include "core/settings/support_files.h"
 
@@ -17,13 +18,13 @@ Result<Json> SetSetting(Context& context, const std::string& key, const std::str
   SupportFile& settings = context.session.support->settings;
   if (!settings.Read().Contains(key))
     return Refuse("Settings", fmt::format("The settings have no key {}.", key), "KEY");
-  if (value.find('"') != std::string::npos) return Refuse("Settings", "A value cannot hold a double quote.", "VALUE");
   if (key == keys::InvCutoff) {
     if (auto cutoff = ReadInvCutoff(value); !cutoff) return std::unexpected(cutoff.error());
   }
   if (key == keys::UDCNameCCodeLen) {
     if (auto length = ReadNameLength(value); !length) return std::unexpected(length.error());
   }
+  if (auto meant = CheckSettingValue(key, value); !meant) return std::unexpected(meant.error());
   settings.SetSupportValue(key, value);
   return Json{{key, value}};
 }

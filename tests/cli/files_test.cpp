@@ -151,7 +151,11 @@ TEST(CliSettings, ReadWrittenListedAndACutFileLosesNoWholeRecord) {
   EXPECT_EQ(room.Json({"settings", "get", "UMI"}), "2");
   EXPECT_EQ(room.Run({"settings", "get", "umi"}).status, 1);
   EXPECT_EQ(room.Run({"settings", "set", "NoSuchKey", "2"}).status, 1);
-  EXPECT_EQ(room.Run({"settings", "set", "UMI", "a\"b"}).status, 1);
+  EXPECT_EQ(room.Run({"settings", "set", "PrinterFont", "a\"b"}).status, 1);
+  const test::CliAnswer refused = room.Run({"settings", "set", "UMI", "abc"});
+  EXPECT_EQ(refused.status, 1);
+  EXPECT_EQ(refused.err, "Settings: UMI is a whole number from 1 to 4, not \"abc\".\n");
+  EXPECT_EQ(room.Json({"settings", "get", "UMI"}), "2");
   for (const char* bad : {"1,5", "1e3", "abc", "", "-1"}) {
     const test::CliAnswer answer = room.Run({"settings", "set", "--", "InvCutoff", bad});
     EXPECT_EQ(answer.status, 1) << bad;
