@@ -9,7 +9,6 @@
 #include "core/colors/additive_control.h"
 #include "core/colors/basics.h"
 #include "core/colors/names.h"
-#include "core/colors/rollup.h"
 
 namespace vellumark::cli {
 namespace {
@@ -95,7 +94,6 @@ Result<Json> Write(Context& context, const std::string& typed, const std::vector
       isNew ? CreateAdditiveSet(session, work) : EditAdditiveSet(session, Upper(TrimView(typed)), work);
   if (!written) return std::unexpected(written.error());
   transaction.Commit();
-  RunPendingPasses(session);
   return Answer(context, written->SetName);
 }
 
@@ -115,7 +113,6 @@ Result<Json> Delete(Context& context, const std::string& typed) {
   const auto deleted = DeleteAdditiveSet(context.session, set->SetName);
   if (!deleted) return std::unexpected(deleted.error());
   if (!*deleted) return Declined("Confirm Delete", set->SetName);
-  RunPendingPasses(context.session);
   return Json{{"SetName", set->SetName}, {"Deleted", true}};
 }
 
@@ -182,7 +179,6 @@ Result<Json> Apply(Context& context, const ApplyOptions& options, SetMethod meth
   const auto applied = ApplyAdditiveSet(session, set->SetName, method, colors);
   if (!applied) return std::unexpected(applied.error());
   if (!*applied) return Declined("Additive Set Modification", set->SetName);
-  RunPendingPasses(session);
   return Json{{"SetName", set->SetName}, {"Modified", colors}, {"Excluded", PreviewJson(excluded)}};
 }
 

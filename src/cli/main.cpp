@@ -12,6 +12,7 @@
 #include "core/base/date.h"
 #include "core/base/number.h"
 #include "core/base/text.h"
+#include "core/colors/rollup.h"
 #include "core/datafile/lifecycle.h"
 #include "core/shell/opening.h"
 #include "core/shell/startup.h"
@@ -156,6 +157,8 @@ int RunChosen(const GlobalOptions& options, const Commands& commands) {
     if (!opened) return Report(opened.error(), options.json, "refused", ExitRefused);
     const Result<Json> answer = commands.chosen(context);
     if (!answer) return Report(answer.error(), options.json, "refused", ExitRefused);
+    // A command is a session of its own: what it left stale in the formulas is brought up to date before it ends.
+    RunPendingPasses(session);
     progress.End();
     const std::string text = options.json           ? answer->dump(2, ' ', false, Json::error_handler_t::replace) + "\n"
                              : context.text.empty() ? ReadableText(*answer)

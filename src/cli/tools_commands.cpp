@@ -10,7 +10,6 @@
 #include "core/colors/bulk_delete.h"
 #include "core/colors/bulk_rename.h"
 #include "core/colors/formula_modifier.h"
-#include "core/colors/rollup.h"
 
 namespace vellumark::cli {
 namespace {
@@ -129,7 +128,6 @@ Result<Json> Modify(Context& context, const ModifyOptions& options) {
   const auto applied = ApplyModifier(session, lines, colors);
   if (!applied) return std::unexpected(applied.error());
   if (!*applied) return Declined("Database Formula Modifier", session.CurrentDatabase);
-  RunPendingPasses(session);
   if (!context.json) context.text = ModifierText(*rows);
   return Json{{"Modified", colors}, {"Excluded", ModifierJson(excluded)}};
 }

@@ -30,6 +30,16 @@ TEST(CliColors, FieldsGoInAndComeOut) {
   EXPECT_EQ(all[0]["IngSort"], 1);
 }
 
+TEST(CliColors, AChangedFigureReachesTheFormulasWithTheSameCommand) {
+  const ColorShop shop;
+  shop.Json({"formula", "add", "PURPLE", "RED=1", "BLUE=1"});
+  EXPECT_EQ(shop.Json({"formula", "show", "PURPLE"})["BasicCost"].dump(), "6.57");
+  shop.Json({"color", "set", "BLUE", "PurchaseCost=5", "HAP=0.2"});
+  const ordered_json purple = shop.Json({"formula", "show", "PURPLE"});
+  EXPECT_EQ(purple["BasicCost"].dump(), "7.57");
+  EXPECT_EQ(purple["BasicHAP"].dump(), "0.1");
+}
+
 TEST(CliColors, RefusedWithTitleTextAndField) {
   const ColorShop shop;
   shop.Json({"formula", "add", "PURPLE", "RED=1", "BLUE=1"});
