@@ -102,6 +102,15 @@ Recipe WithSetRemoved(const Recipe& recipe, const Recipe& presentSet) {
   return Normalise(rest.empty() ? recipe : rest);
 }
 
+std::vector<std::string> FormulasWithoutSet(const Session& session) {
+  std::vector<std::string> names;
+  Statement row = session.File().Prepare(
+      fmt::format("SELECT Color_Name FROM {} WHERE COALESCE(AddSetName, '') = '' ORDER BY Color_Name",
+                  Quoted(session.Table(schema::Mix))));
+  while (row.Step()) names.push_back(row.Text(0));
+  return names;
+}
+
 Result<AdditiveSet> EditAdditiveSet(Session& session, std::string_view setName, const AdditiveSetWork& work) {
   if (auto writable = RequireWritable(session); !writable) return std::unexpected(writable.error());
   const auto present = ReadAdditiveSet(session, setName);
@@ -189,15 +198,26 @@ Result<bool> DeleteAdditiveSet(Session& session, std::string_view setName) {
   return true;
 }
 
+Result<SetFilter> ReadSetFilter(std::string_view ingredient, bool atLeast, std::string_view percent) {
+  SetFilter filter{Upper(TrimView(ingredient)), atLeast};
+  if (filter.ingredient.empty()) return filter;
+  const auto number = ParseNumber(percent);
+  if (!number || *number < 0 || *number > 100)
+    return Refuse("Invalid Percentage", "Enter a valid Percent", "cmbPer_ApplyTab");
+  filter.percent = *number;
+  return filter;
+}
+
 Result<std::vector<SetPreviewRow>> PreviewAdditiveSet(Session& session, std::string_view setName, SetMethod method,
                                                       const SetFilter& filter, const std::vector<std::string>& colors) {
   if (colors.empty()) return Refuse("Select Master Formulas", "No Colors Selected - Step 2.");
   const auto set = ReadAdditiveSet(session, setName);
   if (!set) return std::unexpected(UnknownSet(setName));
-  ProgressRun progress(session.progress, "Generating Preview Results ...");
+  BulkSteps steps(session, "Generating Preview Results ...", colors.size());
   std::vector<SetPreviewRow> rows;
   RecipeReader reader(session);
   for (const std::string& color : colors) {
+    if (!steps.Next()) return BulkSteps::Stopped("Additive Set Modification");
     if (const auto mix = reader.Read(color)) {
       rows.push_back(method == SetMethod::Remove        ? JudgeRemove(*mix, *set)
                      : method == SetMethod::AddByFilter ? JudgeFiltered(*mix, *set, filter)

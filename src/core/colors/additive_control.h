@@ -23,6 +23,9 @@ AppliedSet WithSetApplied(const Recipe& recipe, const Recipe& presentSet, const 
 /// A recipe with its set removed and brought to 100.
 Recipe WithSetRemoved(const Recipe& recipe, const Recipe& presentSet);
 
+/// The names of the formulas that have no Additive Set, in order.
+std::vector<std::string> FormulasWithoutSet(const Session& session);
+
 /// Rewrites an existing set and every formula with it. `setName` is the set on file, `work` the new content.
 Result<AdditiveSet> EditAdditiveSet(Session& session, std::string_view setName, const AdditiveSetWork& work);
 
@@ -40,6 +43,10 @@ struct SetFilter {
   bool atLeast = true;  ///< ">=", else "<="
   double percent = 0;
 };
+
+/// The filter as it stands in its fields; a percentage that is no number from 0 to 100 is refused, unless the
+/// ingredient is empty.
+Result<SetFilter> ReadSetFilter(std::string_view ingredient, bool atLeast, std::string_view percent);
 
 /// One colour of the preview.
 struct SetPreviewRow {

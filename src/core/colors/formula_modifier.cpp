@@ -131,6 +131,10 @@ std::string JudgeLine(Judgement& judgement, const FormulaModification& line) {
   return std::string(kReducesToOne);
 }
 
+std::string FieldOf(std::string_view word, const FormulaModification& line) {
+  return schema::Numbered(word, static_cast<int>(line.line));
+}
+
 // Lines whose percentages are right and may be zero.
 Result<std::vector<FormulaModification>> ReadLines(const std::vector<ModifierLine>& lines) {
   std::vector<FormulaModification> chosen;
@@ -138,7 +142,7 @@ Result<std::vector<FormulaModification>> ReadLines(const std::vector<ModifierLin
     if (!lines[n].chosen) continue;
     const auto percent = ReadModifierPercent(lines[n], n);
     if (!percent) return std::unexpected(percent.error());
-    chosen.push_back({lines[n].method, Upper(TrimView(lines[n].ingredient)), *percent});
+    chosen.push_back({lines[n].method, Upper(TrimView(lines[n].ingredient)), *percent, n});
   }
   return chosen;
 }
@@ -194,15 +198,19 @@ Result<std::vector<FormulaModification>> CheckModifierLines(const Session& sessi
   for (std::size_t n = 0; n < chosen->size(); ++n)
     for (std::size_t earlier = 0; earlier < n; ++earlier)
       if (EqualNoCase((*chosen)[n].ingredient, (*chosen)[earlier].ingredient))
-        return Refuse("Revise Mod Info", "Can't use same ingredient in more than one mod selection.");
-  if (std::ranges::any_of(*chosen, [](const FormulaModification& line) { return line.percent == 0; }))
-    return Refuse("Verify Number Values", "Zero value being used in one or more of the modifications.");
-  const auto unnamed = [](const FormulaModification& line) { return line.ingredient.empty(); };
-  if (chosen->empty() || std::ranges::any_of(*chosen, unnamed))
-    return Refuse("Select a Modification", "No modifications selected.");
+        return Refuse("Revise Mod Info", "Can't use same ingredient in more than one mod selection.",
+                      FieldOf("cmbBasics", (*chosen)[n]));
   for (const FormulaModification& line : *chosen)
+    if (line.percent == 0)
+      return Refuse("Verify Number Values", "Zero value being used in one or more of the modifications.",
+                    FieldOf("txtPercent", line));
+  if (chosen->empty()) return Refuse("Select a Modification", "No modifications selected.", "chkSel0");
+  for (const FormulaModification& line : *chosen) {
+    if (line.ingredient.empty())
+      return Refuse("Select a Modification", "No modifications selected.", FieldOf("cmbBasics", line));
     if (!BasicColorExists(session, line.ingredient))
-      return Refuse("Color Not Found", line.ingredient + " is not found in this database.", "cmbBasics");
+      return Refuse("Color Not Found", line.ingredient + " is not found in this database.", FieldOf("cmbBasics", line));
+  }
   return chosen;
 }
 

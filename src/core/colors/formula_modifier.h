@@ -32,6 +32,7 @@ struct FormulaModification {
   ModMethod method = ModMethod::Increase;
   std::string ingredient;
   double percent = 0;
+  std::size_t line = 0;  ///< where it stands among the fields
 };
 
 /// What opening the tool asks for: that there are formulas.

@@ -1,5 +1,7 @@
 #include "core/colors/formula_tools.h"
 
+#include <fmt/format.h>
+
 #include <unordered_set>
 
 #include "core/base/text.h"
@@ -29,6 +31,30 @@ Result<std::vector<MixColor>> SelectedFormulas(const Session& session, const std
     formulas.push_back(*std::move(mix));
   }
   return formulas;
+}
+
+std::vector<ListedColor> ListColors(const Session& session, ColorKind kind, std::string_view database) {
+  std::vector<ListedColor> colors;
+  Statement row = session.File().Prepare(fmt::format("SELECT rowid, Color_Name FROM {} ORDER BY Color_Name",
+                                                     Quoted(session.Table(ColorTable(kind), database))));
+  while (row.Step()) colors.push_back({row.Whole(0), row.Text(1)});
+  return colors;
+}
+
+SwatchReader::SwatchReader(const Session& session, ColorKind kind, std::string_view database)
+    : row_(session.File().Prepare(fmt::format("SELECT Color_Guide, Red, Green, Blue FROM {} WHERE rowid = ?",
+                                              Quoted(session.Table(ColorTable(kind), database))))) {}
+
+std::optional<std::array<int, 3>> SwatchReader::Read(std::int64_t rowId) {
+  std::optional<std::array<int, 3>> swatch;
+  row_.Bind(1, rowId);
+  if (row_.Step()) {
+    const std::array<int, 3> parts{static_cast<int>(row_.Whole(1)), static_cast<int>(row_.Whole(2)),
+                                   static_cast<int>(row_.Whole(3))};
+    if (!row_.TextView(0).empty() || parts != std::array<int, 3>{}) swatch = parts;
+  }
+  row_.Reset();
+  return swatch;
 }
 
 const AdditiveSet* AdditiveSetsOnFile::Find(const std::string& name) {

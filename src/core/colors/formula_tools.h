@@ -1,5 +1,7 @@
 #pragma once
 
+#include <array>
+#include <cstdint>
 #include <map>
 #include <optional>
 #include <string>
@@ -9,6 +11,7 @@
 #include "core/base/progress_run.h"
 #include "core/colors/additive_sets.h"
 #include "core/colors/formulas.h"
+#include "core/datafile/color_kind.h"
 #include "core/session/session.h"
 
 namespace vellumark {
@@ -25,6 +28,26 @@ std::vector<std::string> DistinctNames(const std::vector<std::string>& names);
 /// The formulas of a selection, each once. `database` empty means the current one. A name that is not there is refused.
 Result<std::vector<MixColor>> SelectedFormulas(const Session& session, const std::vector<std::string>& names,
                                                std::string_view database = {});
+
+/// A colour in a list to choose from.
+struct ListedColor {
+  std::int64_t rowId = 0;
+  std::string Color_Name;
+};
+/// All colours of a kind in the order of their names, read from the index of names alone. `database` empty means the
+/// current one.
+std::vector<ListedColor> ListColors(const Session& session, ColorKind kind, std::string_view database = {});
+
+/// Red, green and blue of the colours that a list shows at the moment, by row number. Prepared once.
+class SwatchReader {
+ public:
+  SwatchReader(const Session& session, ColorKind kind, std::string_view database = {});
+  /// Nothing for a colour that has neither a guide nor a swatch set by hand.
+  std::optional<std::array<int, 3>> Read(std::int64_t rowId);
+
+ private:
+  Statement row_;
+};
 
 /// The Additive Sets by name, each read once: most formulas of a Database share a few.
 class AdditiveSetsOnFile {

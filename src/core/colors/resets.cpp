@@ -5,11 +5,13 @@
 #include <algorithm>
 #include <cmath>
 #include <optional>
+#include <tuple>
 
 #include "core/base/number.h"
 #include "core/base/progress_run.h"
 #include "core/colors/amounts.h"
 #include "core/colors/rollup.h"
+#include "core/datafile/row_pieces.h"
 #include "core/datafile/schema.h"
 #include "core/session/rights.h"
 
@@ -35,10 +37,14 @@ struct Reset {
 void WriteEverywhere(Session& session, const Reset& reset, float value) {
   ProgressRun progress(session.progress, reset.progressText);
   Transaction transaction(session.File());
-  session.File()
-      .Prepare(fmt::format("UPDATE {} SET {} = ?", Quoted(session.Table(reset.table)), reset.column))
-      .Bind(1, value)
-      .Run();
+  const std::string table = session.Table(reset.table);
+  Statement update = session.File().Prepare(
+      fmt::format("UPDATE {} SET {} = ? WHERE rowid BETWEEN ? AND ?", Quoted(table), reset.column));
+  ForRowPieces(session.File(), table, [&](std::int64_t first, std::int64_t last, double percent) {
+    update.Bind(1, value).Bind(2, first).Bind(3, last).Run();
+    session.progress.Percent(percent);
+    return true;
+  });
   transaction.Note({reset.kind, session.CurrentDatabase, "", Change::What::All, ""});
   transaction.Commit();
   session.*reset.flag = true;
@@ -51,25 +57,37 @@ std::unexpected<Refusal> InvalidDollarValue(std::string field) {
                 std::move(field));
 }
 
-Result<void> MayReset(const Session& session, AmountKey key) {
+Result<void> MayReset(const Session& session, AmountKey key, std::string_view field = "txtNewValue") {
   if (auto writable = RequireWritable(session); !writable) return writable;
-  return RequireRight(session, key, "txtNewValue");
+  return RequireRight(session, key, field);
 }
 
-Result<void> ResetEmission(Session& session, Emission emission, std::string_view newValue, const Table& table) {
-  const bool voc = emission == Emission::VOC;
-  const std::string_view name = voc ? "VOC" : "HAP";
-  if (auto may = MayReset(session, voc ? AmountKey::VOC : AmountKey::HAP); !may) return may;
-  const auto value = ValueInRange(newValue, 3, kLargestAmount);
-  if (!value)
-    return Refuse(fmt::format("Invalid {} Value", name),
-                  fmt::format("Please enter a {} value between 0 and {}.", name, kLargestAmount), "txtNewValue");
-  const bool mix = &table == &schema::Mix;
-  const std::string text = fmt::format("Reseting {} {} values...", mix ? "Master Formula" : "Basic Color", name);
+std::string_view NameOf(Emission emission) {
+  return emission == Emission::VOC ? "VOC" : "HAP";
+}
+
+Result<float> ReadEmission(const Session& session, Emission emission, std::string_view typed, std::string_view field) {
+  const AmountKey key = emission == Emission::VOC ? AmountKey::VOC : AmountKey::HAP;
+  if (auto may = MayReset(session, key, field); !may) return std::unexpected(may.error());
+  if (const auto value = ValueInRange(typed, 3, kLargestAmount)) return *value;
+  return Refuse(fmt::format("Invalid {} Value", NameOf(emission)),
+                fmt::format("Please enter a {} value between 0 and {}.", NameOf(emission), kLargestAmount),
+                std::string(field));
+}
+
+void WriteEmission(Session& session, Emission emission, ColorKind kind, float value) {
+  const std::string text = fmt::format("Reseting {} {} values...",
+                                       kind == ColorKind::Mix ? "Master Formula" : "Basic Color", NameOf(emission));
   WriteEverywhere(session,
-                  {table, name, text, mix ? Change::Kind::Mix : Change::Kind::Basic,
-                   voc ? &Session::VOCChanged : &Session::HAPChanged},
-                  *value);
+                  {ColorTable(kind), NameOf(emission), text, ChangeKind(kind),
+                   emission == Emission::VOC ? &Session::VOCChanged : &Session::HAPChanged},
+                  value);
+}
+
+Result<void> ResetEmission(Session& session, Emission emission, std::string_view newValue, ColorKind kind) {
+  const auto value = ReadEmission(session, emission, newValue, "txtNewValue");
+  if (!value) return std::unexpected(value.error());
+  WriteEmission(session, emission, kind, *value);
   return {};
 }
 
@@ -131,11 +149,28 @@ Result<void> ResetMixCostsFromBasics(Session& session, std::string_view markup, 
 }
 
 Result<void> ResetBasicEmissions(Session& session, Emission emission, std::string_view newValue) {
-  return ResetEmission(session, emission, newValue, schema::Basic);
+  return ResetEmission(session, emission, newValue, ColorKind::Basic);
 }
 
 Result<void> ResetMixEmissions(Session& session, Emission emission, std::string_view newValue) {
-  return ResetEmission(session, emission, newValue, schema::Mix);
+  return ResetEmission(session, emission, newValue, ColorKind::Mix);
+}
+
+Result<void> ResetEmissions(Session& session, ColorKind kind, const EmissionReset& reset) {
+  std::optional<float> voc;
+  std::optional<float> hap;
+  for (const auto& [typed, emission, value] :
+       {std::tuple{&reset.VOC, Emission::VOC, &voc}, {&reset.HAP, Emission::HAP, &hap}}) {
+    if (!*typed) continue;
+    const auto read = ReadEmission(session, emission, **typed, NameOf(emission));
+    if (!read) return std::unexpected(read.error());
+    *value = *read;
+  }
+  Transaction transaction(session.File());
+  if (voc) WriteEmission(session, Emission::VOC, kind, *voc);
+  if (hap) WriteEmission(session, Emission::HAP, kind, *hap);
+  transaction.Commit();
+  return {};
 }
 
 Result<bool> ChangeDecimalPlaces(Session& session, int decimalPlaces) {

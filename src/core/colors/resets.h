@@ -1,7 +1,10 @@
 #pragma once
 
+#include <optional>
+#include <string>
 #include <string_view>
 
+#include "core/datafile/color_kind.h"
 #include "core/session/session.h"
 
 namespace vellumark {
@@ -18,6 +21,14 @@ Result<void> ResetMixCostsFromBasics(Session& session, std::string_view markup, 
 enum class Emission { VOC, HAP };
 Result<void> ResetBasicEmissions(Session& session, Emission emission, std::string_view newValue);
 Result<void> ResetMixEmissions(Session& session, Emission emission, std::string_view newValue);
+
+/// Both figures of every Basic Color or every formula, or the one that is given. Both are read before either is
+/// written; a refusal calls them "VOC" and "HAP".
+struct EmissionReset {
+  std::optional<std::string> VOC;
+  std::optional<std::string> HAP;
+};
+Result<void> ResetEmissions(Session& session, ColorKind kind, const EmissionReset& reset);
 
 /// Sets the decimals of unit costs to 2, 3 or 4 and rewrites every BasicCost with them. A smaller number is asked
 /// about; false when the operator declined and nothing changed. Refuses a user who may not change Options.

@@ -83,8 +83,9 @@ TEST(FormulaModifier, ChecksBeforeThePreviewInTheirOrder) {
   const Refusal invalid{"Invalid Percentage", "Enter a valid Percent", "txtPercent0"};
   const Refusal removing{"Mod Method Rule", "Removing a color requires a 100.00 value", "txtPercent0"};
   const Refusal adding{"Mod Method Rule", "Cannot exceed 50.00 when Adding a Basic", "txtPercent0"};
-  const Refusal twice{"Revise Mod Info", "Can't use same ingredient in more than one mod selection.", ""};
-  const Refusal none{"Select a Modification", "No modifications selected.", ""};
+  const Refusal twice{"Revise Mod Info", "Can't use same ingredient in more than one mod selection.", "cmbBasics1"};
+  const Refusal none{"Select a Modification", "No modifications selected.", "chkSel0"};
+  const Refusal unnamed{"Select a Modification", "No modifications selected.", "cmbBasics0"};
   const struct {
     std::vector<ModifierLine> lines;
     std::vector<std::string> colors;
@@ -104,11 +105,11 @@ TEST(FormulaModifier, ChecksBeforeThePreviewInTheirOrder) {
       {{{true, kIncrease, "A", "0"}, {true, kRemove, "a ", "100"}}, {"M"}, twice},
       {One(kIncrease, "A", "0.004"),
        {"M"},
-       {"Verify Number Values", "Zero value being used in one or more of the modifications.", ""}},
+       {"Verify Number Values", "Zero value being used in one or more of the modifications.", "txtPercent0"}},
       {{{false, kIncrease, "A", "ten"}}, {"M"}, none},
       {{}, {"M"}, none},
-      {One(kIncrease, " ", "10"), {"M"}, none},
-      {One(kAdd, "NONE", "10"), {"M"}, {"Color Not Found", "NONE is not found in this database.", "cmbBasics"}},
+      {One(kIncrease, " ", "10"), {"M"}, unnamed},
+      {One(kAdd, "NONE", "10"), {"M"}, {"Color Not Found", "NONE is not found in this database.", "cmbBasics0"}},
       {One(kAdd, "C", "50.00"), {"GONE"}, {"Color Not Found", "GONE is not found in this database.", "Color_Name"}},
   };
   for (const auto& c : cases) {
