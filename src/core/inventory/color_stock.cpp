@@ -7,10 +7,10 @@
 
 #include "core/base/number.h"
 #include "core/base/text.h"
-#include "core/colors/amounts.h"
 #include "core/colors/basic_work.h"
 #include "core/colors/formula_work.h"
 #include "core/colors/names.h"
+#include "core/session/rights.h"
 
 namespace vellumark {
 namespace {
@@ -121,6 +121,10 @@ std::optional<StockRecord> LoadStockRecord(const Session& session, ColorKind kin
   return record;
 }
 
+AmountKey KeyOf(StockFigure figure) {
+  return RuleOf(figure).key;
+}
+
 Result<std::string> ReadStockFigure(const Session& session, StockFigure figure, std::string_view typed) {
   const FigureRule rule = RuleOf(figure);
   const auto amount = ReadAmount(session, rule.key, typed, rule.field);
@@ -169,6 +173,19 @@ InventoryWork NewInventory(const Session& session, ColorKind kind, std::string n
   unlotted.onFile = unlotted.now;
   work.rows.push_back(std::move(unlotted));
   return work;
+}
+
+Result<void> CheckInventorySettings(const Session& session, bool entering) {
+  constexpr std::string_view kTitle = "Update Inventory Settings";
+  if (!Allows(session, CommandRight::Options))
+    return Refuse(std::string(kTitle),
+                  "Current User does not have permission to make changes..\nUpdate permissions or have another user to "
+                  "adjust these settings.");
+  if (entering)
+    return Refuse(std::string(kTitle),
+                  "A Manual inventory transaction is in process.\nSave or Clear data before changing inventory "
+                  "settings.");
+  return {};
 }
 
 bool IsBelowReorder(const Session& session, ColorKind kind, std::string_view name) {

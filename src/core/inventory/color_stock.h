@@ -6,6 +6,7 @@
 #include <string_view>
 #include <vector>
 
+#include "core/colors/amounts.h"
 #include "core/inventory/adjust.h"
 
 namespace vellumark {
@@ -38,6 +39,8 @@ std::optional<StockRecord> LoadStockRecord(const Session& session, ColorKind kin
 
 /// Which figure of the record is meant.
 enum class StockFigure { Reorder, PurchaseCost, VOC, HAP };
+/// What decides its decimals and rights.
+AmountKey KeyOf(StockFigure figure);
 /// Reads a figure as typed: 0 to 99999, rounded to its decimals; the text as its field shows it.
 Result<std::string> ReadStockFigure(const Session& session, StockFigure figure, std::string_view typed);
 
@@ -52,6 +55,9 @@ Result<void> SaveWithStock(Session& session, const std::function<Result<void>()>
 
 /// A colour that is being entered: nothing but an empty first row.
 InventoryWork NewInventory(const Session& session, ColorKind kind, std::string name);
+
+/// Whether the settings of the inventory may be changed here: the right, and no stock that is being entered.
+Result<void> CheckInventorySettings(const Session& session, bool entering);
 
 /// True when the total on file is below the reorder point.
 bool IsBelowReorder(const Session& session, ColorKind kind, std::string_view name);
