@@ -3,6 +3,7 @@
 #include "desktop/kit/window_list.h"
 #include "desktop/settings/about_form.h"
 #include "desktop/settings/autofill_form.h"
+#include "desktop/settings/default_cost_model_form.h"
 #include "desktop/settings/default_printer.h"
 #include "desktop/settings/new_setup_form.h"
 #include "desktop/settings/option_max_name_len.h"
@@ -23,6 +24,8 @@ void RegisterSettingsWindows(WindowList& windows, const PrinterSource& printers)
   windows.RegisterDialog<RemindersForm>("RemindersForm");
   windows.RegisterDialog<UMSettingForm>("UMSettingForm");
   windows.RegisterDialog<UnitCostAccuracyForm>("UnitCostAccuracyForm");
+  windows.RegisterDialog<DefaultCostModelForm>("DefaultCostModelForm");
+  windows.RegisterDialog<VOC_HAP_OptMenu>("VOC_HAP_OptMenu");
   windows.RegisterDialog<OptionMaxNameLen>("OptionMaxNameLen");
   windows.RegisterDialog<AutofillForm>("AutofillForm");
   windows.RegisterDialog<ProductSplashFormPantone>("ProductSplashFormPantone");

@@ -28,6 +28,8 @@ std::string_view DialogOfMenuItem(std::string_view item) {
       Pair{"menuDB_NewDB", "NewDBForm"},
       Pair{"menuDB_RenameDB", "RenameDBForm"},
       Pair{"menuDB_DeleteDB", "DeleteDBForm"},
+      Pair{"menuDB_BatchOptions_Cost", "DefaultCostModelForm"},
+      Pair{"menuDB_BatchOptions_VOCHAP", "VOC_HAP_OptMenu"},
       Pair{"menu_Pantone_Disclaimer", "ProductSplashFormPantone"},
   };
   const auto* found = std::ranges::find(kDialogs, item, &Pair::first);
