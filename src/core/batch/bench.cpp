@@ -9,6 +9,7 @@
 #include "core/base/units.h"
 #include "core/batch/actions.h"
 #include "core/batch/cost.h"
+#include "core/batch/default_models.h"
 #include "core/batch/jobs.h"
 #include "core/batch/recipe.h"
 #include "core/colors/amounts.h"
@@ -290,13 +291,7 @@ Result<void> SetBatchCostModel(Session& session, BatchRecord& record, const Batc
   cost.FixedCostOfBatch = *ofBatch;
   cost.FixedCostPerUnit = *perUnit;
   cost.MarkupPercent = RoundSingle(model.MarkupPercent, 1);
-  if (futureBatches) {
-    SetSupportValue(session, keys::CostModelType, std::to_string(cost.CostModelType));
-    SetSupportValue(session, keys::MixCostOption, std::to_string(cost.MixCostOption));
-    SetSupportValue(session, keys::FixedCostOfBatch, ShortestText(cost.FixedCostOfBatch));
-    SetSupportValue(session, keys::FixedCostPerUnit, ShortestText(cost.FixedCostPerUnit));
-    SetSupportValue(session, keys::MarkupPercent, ShortestText(cost.MarkupPercent));
-  }
+  if (futureBatches) StoreDefaultCostModel(session, cost);
   CalculateCost(session, record.work);
   return {};
 }
@@ -307,10 +302,7 @@ Result<void> SetBatchEmissionModel(Session& session, BatchRecord& record, const 
   BatchCostModel& cost = record.work.cost;
   cost.MixVOCModelType = std::clamp(model.MixVOCModelType, 0, 2);
   cost.MixHAPModelType = std::clamp(model.MixHAPModelType, 0, 2);
-  if (futureBatches) {
-    SetSupportValue(session, keys::VOCModelType, std::to_string(cost.MixVOCModelType));
-    SetSupportValue(session, keys::HAPModelType, std::to_string(cost.MixHAPModelType));
-  }
+  if (futureBatches) StoreDefaultEmissionModels(session, cost);
   CalculateBatch_VOC(session, record.work);
   CalculateBatch_HAP(session, record.work);
   return {};

@@ -11,9 +11,6 @@
 namespace vellumark {
 namespace {
 
-constexpr int kMoneyDecimals = 4;
-constexpr int kPercentDecimals = 1;
-
 // All of them or none, then whoever shows them.
 void Store(Session& session, const std::vector<std::pair<std::string_view, std::string>>& values) {
   session.support->settings.Change([&](SupportRecords& records) {
@@ -36,9 +33,9 @@ BatchCostModel DefaultModels(const Session& session) {
 void StoreDefaultCostModel(Session& session, const BatchCostModel& model) {
   Store(session, {{keys::CostModelType, std::to_string(model.CostModelType)},
                   {keys::MixCostOption, std::to_string(model.MixCostOption)},
-                  {keys::FixedCostOfBatch, Fixed(model.FixedCostOfBatch, kMoneyDecimals)},
-                  {keys::FixedCostPerUnit, Fixed(model.FixedCostPerUnit, kMoneyDecimals)},
-                  {keys::MarkupPercent, Fixed(model.MarkupPercent, kPercentDecimals)}});
+                  {keys::FixedCostOfBatch, ShortestText(model.FixedCostOfBatch)},
+                  {keys::FixedCostPerUnit, ShortestText(model.FixedCostPerUnit)},
+                  {keys::MarkupPercent, ShortestText(model.MarkupPercent)}});
 }
 
 void StoreDefaultEmissionModels(Session& session, const BatchCostModel& model) {
