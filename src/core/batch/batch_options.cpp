@@ -152,12 +152,4 @@ Result<void> SaveBatchOptions(Session& session, const BatchOptions& options) {
   return {};
 }
 
-bool RemindsOfLotNumber(const Session& session) {
-  return IsOn(session, keys::BatchLotNumReminder);
-}
-
-void StopLotNumReminder(Session& session) {
-  SetSupportValue(session, keys::BatchLotNumReminder, "0");
-}
-
 }  // namespace vellumark

@@ -11,7 +11,7 @@ namespace vellumark {
 
 constexpr int kQuickInfoFields = 10;
 constexpr int kUserFields = 6;              ///< user-defined texts, and as many numbers
-constexpr int kMostUserDecimals = 4;        ///< of a user-defined number
+constexpr int kMostUserDecimals = 6;        ///< of a user-defined number
 constexpr std::size_t kUserTextWidth = 30;  ///< characters of a user-defined text, of captions too
 
 /// A user-defined text of a Batch.
@@ -54,9 +54,5 @@ BatchOptions ReadBatchOptions(const Session& session);
 /// unit; captions that are empty, too long or hold what a column's title cannot; a default that the field cannot hold.
 /// The field of the refusal is that of the window: txtTextCaption0, txtTextValue0, txtNumberCaption0 ...
 Result<void> SaveBatchOptions(Session& session, const BatchOptions& options);
-
-/// `BatchLotNumReminder`: the operator is reminded of the lot number of a Batch.
-bool RemindsOfLotNumber(const Session& session);
-void StopLotNumReminder(Session& session);
 
 }  // namespace vellumark
