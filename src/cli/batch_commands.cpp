@@ -1,189 +1,183 @@
 #include <fmt/format.h>
 
-#include <algorithm>
 #include <memory>
 
+#include "cli/batch_input.h"
+#include "cli/batch_output.h"
 #include "cli/color_fields.h"
 #include "cli/frame.h"
-#include "core/base/number.h"
-#include "core/base/text.h"
-#include "core/base/units.h"
-#include "core/batch/actions.h"
-#include "core/batch/additions.h"
-#include "core/batch/adjust.h"
-#include "core/batch/cost.h"
-#include "core/batch/recycle_list.h"
-#include "core/batch/rows.h"
-#include "core/colors/names.h"
+#include "core/batch/bench.h"
+#include "core/batch/leave.h"
+#include "core/batch/open.h"
+#include "core/batch/store.h"
 
 namespace vellumark::cli {
 namespace {
 
-struct CalcOptions {
-  std::string formula;
-  std::string quantity;
-  std::string unit;
-  bool recycle = false;
-  bool mix = false;
-  std::vector<std::string> take;  ///< "NAME=AMOUNT"
-  std::vector<std::string> add;   ///< "NAME=AMOUNT"
+std::unexpected<Refusal> NoBatch(const Session& session, std::int32_t batchNo) {
+  return Refuse("Batch Not Found",
+                fmt::format("There is no Batch {} in the {} database.", BatchNoText(batchNo), session.CurrentDatabase),
+                "BatchNo");
+}
+
+// A saved Batch for as long as a verb works on it; whatever happens, its ingredients are consumed again at the end.
+class OpenedBatch {
+ public:
+  OpenedBatch(Session& session, std::int32_t batchNo) : session_(session) {
+    found_ = OpenBatch(session, record, batchNo);
+  }
+  ~OpenedBatch() { Reset_Ing_Inv_CancelEdit_ExistingBatch(session_, record); }
+  OpenedBatch(const OpenedBatch&) = delete;
+  OpenedBatch& operator=(const OpenedBatch&) = delete;
+  explicit operator bool() const { return found_; }
+
+  BatchRecord record;
+
+ private:
+  Session& session_;
+  bool found_ = false;
 };
 
-std::string NotAPair(const std::string& text) {
-  const auto pair = SplitPair(text, true);
-  return pair && !pair->first.empty() ? "" : fmt::format("{}: expected NAME=AMOUNT", text);
+Result<Json> ShowBatch(Context& context, std::int32_t batchNo) {
+  const auto record = ReadBatch(context.session, batchNo);
+  if (!record) return NoBatch(context.session, batchNo);
+  if (!context.json) context.text = StoredBatchText(context.session, *record);
+  return StoredBatchJson(context.session, *record);
 }
 
-std::string NotAUnit(const std::string& text) {
-  return ParseUnit(text) ? "" : fmt::format("{}: expected lb., kg., g. or oz.", text);
+Result<Json> CalcBatch(Context& context, const BatchInput& input) {
+  const auto record = NewBatch(context.session, input);
+  if (!record) return std::unexpected(record.error());
+  if (!context.json) context.text = BatchText(context.session, *record);
+  return BatchJson(context.session, *record);
 }
 
-Json Money(const Session& session, Currency amount) {
-  return session.Perm_Costs == 0 ? Json() : Json(amount.Fixed(session.DecimalPlaces));
+// Stores what was entered; why not, when it was not.
+Result<std::int32_t> Store(Session& session, BatchRecord& record, const BatchInput& input) {
+  OptionDialogs dialogs(input);
+  std::int32_t number = 0;
+  const auto saved = SaveBatch(session, record, dialogs, &number, MoveOn::Nowhere);
+  if (!saved) return std::unexpected(saved.error());
+  if (*saved != SaveEnd::Stays) return number;
+  if (dialogs.refused) return std::unexpected(*dialogs.refused);
+  return Refuse("Save Batch", "The Batch was not saved.");
 }
 
-Json RowsJson(const BatchWork& work) {
-  Json rows = Json::array();
-  for (const BatchRow& row : work.Rows)
-    rows.push_back({{"Kind", RowKindName(row.kind)},
-                    {"Name", row.name},
-                    {"Amount", row.amount},
-                    {"Max", row.kind == RowKind::Mix ? Json(Fixed(row.max, 3)) : Json()}});
-  return rows;
+Result<Json> SaveNewBatch(Context& context, const BatchInput& input) {
+  Session& session = context.session;
+  auto record = NewBatch(session, input);
+  if (!record) return std::unexpected(record.error());
+  if (const auto taken = TakeSaveOptions(session, *record, input); !taken) return std::unexpected(taken.error());
+  BatchRecord shown = *record;
+  const auto number = Store(session, *record, input);
+  if (!number) return std::unexpected(number.error());
+  shown.BatchNo = *number;
+  if (!context.json)
+    context.text = BatchText(session, shown) + fmt::format("\nSaved as Batch {}\n", BatchNoText(*number));
+  return BatchJson(session, shown);
 }
 
-Json RecycleListJson(const BatchWork& work) {
-  Json list = Json::array();
-  for (const RecycleListRow& row : RecycleListRows(work, {})) {
-    const RecycleColor& color = work.RecycleList[row.place];
-    list.push_back({{"Color_Name", color.Color_Name},
-                    {"Recycle_Percent", Number(color.Recycle_Percent)},
-                    {"Inventory", Number(color.Inventory)},
-                    {"Recycle", color.Recycle}});
-  }
-  return list;
+Result<Json> EditBatch(Context& context, std::int32_t batchNo, const BatchInput& input) {
+  Session& session = context.session;
+  OpenedBatch opened(session, batchNo);
+  if (!opened) return NoBatch(session, batchNo);
+  if (const auto changed = ChangeBatch(session, opened.record, input); !changed)
+    return std::unexpected(changed.error());
+  if (const auto taken = TakeSaveOptions(session, opened.record, input); !taken) return std::unexpected(taken.error());
+  if (!opened.record.formulaUnchanged)
+    if (const auto editable = CheckEditable(session, opened.record); !editable)
+      return std::unexpected(editable.error());
+  if (const auto number = Store(session, opened.record, input); !number) return std::unexpected(number.error());
+  return ShowBatch(context, batchNo);
 }
 
-Json BatchJson(const Session& session, const BatchWork& work) {
-  return {{"Color_Name", work.Color_Name},
-          {"Color_Code", work.formula.Color_Code},
-          {"Quantity", Number(static_cast<float>(work.Quantity()))},
-          {"UMF", UnitName(work.UMF)},
-          {"Rows", RowsJson(work)},
-          {"Total", work.TotalText},
-          {"RecycledTotal", Fixed(work.RecycledTotal, 3)},
-          {"AdditionsTotal", Fixed(work.AdditionsTotal, 3)},
-          {"PercentRecycled", work.PercentRecycled},
-          {"Roundoff", Number(work.Roundoff)},
-          {"LargestAmountIndex", work.LargestAmountIndex},
-          {"ClickedIndex", work.ClickedIndex},
-          {"RecycleList", RecycleListJson(work)},
-          {"CostOfBasics", Money(session, work.figures.CostOfBasics)},
-          {"CostOfMixes", Money(session, work.figures.CostOfMixes)},
-          {"CostOfBatch", Money(session, work.figures.TotalCost)},
-          {"UnitCost", Money(session, work.figures.UnitCost)},
-          {"VOC", Fixed(work.figures.VOC, 3)},
-          {"HAP", Fixed(work.figures.HAP, 3)}};
+Result<Json> DeleteStoredBatch(Context& context, std::int32_t batchNo) {
+  Session& session = context.session;
+  OpenedBatch opened(session, batchNo);
+  if (!opened) return NoBatch(session, batchNo);
+  NoBatchDialogs dialogs;
+  const auto deleted = DeleteBatch(session, opened.record, dialogs, MoveOn::Nowhere);
+  if (!deleted) return std::unexpected(deleted.error());
+  if (!*deleted) return Declined("Batch Window - Delete Batch?", BatchNoText(batchNo));
+  return Json{{"BatchNo", batchNo}, {"Deleted", true}};
 }
 
-std::string BatchText(const Session& session, const BatchWork& work) {
-  std::vector<std::vector<std::string>> rows;
-  for (const BatchRow& row : work.Rows)
-    rows.push_back({std::string(RowKindName(row.kind)), row.name, row.amount, row.unit,
-                    row.kind == RowKind::Mix ? Fixed(row.max, 3) : ""});
-  const std::string unit(UnitName(work.UMF));
-  rows.push_back({"", "Total", work.TotalText, unit, ""});
-  std::string text =
-      fmt::format("{}{}\n\n", work.Color_Name, work.formula.Color_Code.empty() ? "" : "  " + work.formula.Color_Code);
-  text += TableText({"Kind", "Name", "Amount", "Unit", "Max"}, rows, {false, false, true, false, true});
-  std::vector<std::pair<std::string, std::string>> figures{{"Percent Recycled", work.PercentRecycled}};
-  if (session.Perm_Costs != 0) {
-    const int decimals = session.DecimalPlaces;
-    figures.insert(figures.end(),
-                   {{"Cost of Basics / Additives", work.figures.CostOfBasics.Fixed(decimals)},
-                    {MixCostOptionText(work.cost.MixCostOption), work.figures.CostOfMixes.Fixed(decimals)},
-                    {"Total Cost of Batch", work.figures.TotalCost.Fixed(decimals)},
-                    {UnitCostCaption(work), work.figures.UnitCost.Fixed(decimals)}});
-  }
-  figures.insert(figures.end(), {{"VOC", Fixed(work.figures.VOC, 3)}, {"HAP", Fixed(work.figures.HAP, 3)}});
-  std::size_t label = 0;
-  std::size_t value = 0;
-  for (const auto& [caption, figure] : figures) {
-    label = std::max(label, caption.size());
-    value = std::max(value, figure.size());
-  }
-  text += '\n';
-  for (const auto& [caption, figure] : figures) text += fmt::format("{:<{}}  {:>{}}\n", caption, label, figure, value);
-  if (work.zeroRows > 0) text += fmt::format("\n{}\n", kZeroMsg);
-  return text;
+Result<Json> MarkComplete(Context& context, std::int32_t batchNo, bool complete) {
+  Session& session = context.session;
+  auto record = ReadBatch(session, batchNo);
+  if (!record) return NoBatch(session, batchNo);
+  if (const auto marked = CompleteBatch(session, *record, complete); !marked) return std::unexpected(marked.error());
+  return Json{{"BatchNo", batchNo}, {"Complete", complete}};
 }
 
-Result<void> Take(Session& session, BatchWork& work, const std::string& option) {
-  const auto [typed, amount] = SplitPair(option, true).value();
-  const auto read = TypedName(session, typed);
-  if (!read) return std::unexpected(read.error());
-  std::string name = *read;
-  for (const RecycleListRow& row : RecycleListRows(work, {}))
-    if (SameColorName(row.Color_Name, name)) name = row.Color_Name;
-  const auto taken = ChooseFromRecycleList(session, work, name, Trim(amount));
-  if (!taken) return std::unexpected(taken.error());
-  if (*taken) return {};
-  if (work.Rows.size() >= static_cast<std::size_t>(kMostBatchLines))
-    return Refuse("Recycle List", fmt::format("A Batch holds at most {} lines.", kMostBatchLines), "fgRecList");
-  return Refuse("Recycle List", fmt::format("{} is not in the Recycle List of this Batch.", name), "fgRecList");
+struct ListOptions {
+  std::string formula;
+  int recent = 0;
+};
+
+Result<Json> ListStoredBatches(Context& context, const ListOptions& options) {
+  const auto list = options.recent > 0 ? RecentBatches(context.session, options.recent)
+                                       : ListBatches(context.session, options.formula);
+  if (!context.json) context.text = BatchListText(list);
+  return BatchListJson(list);
 }
 
-/// A calculated Batch that is stored nowhere.
-Result<BatchWork> Calculate(Session& session, const CalcOptions& options) {
-  const auto named = TypedName(session, options.formula);
-  if (!named) return std::unexpected(named.error());
-  const auto formula = FindBatchFormula(session, *named);
-  if (!formula) return std::unexpected(formula.error());
-  BatchWork work = NewBatchWork(session);
-  work.Color_Name = *formula;
-  work.QuantityText = options.quantity;
-  if (!options.unit.empty()) work.UMF = ParseUnit(options.unit).value_or(work.UMF);
-  const bool recycle = options.recycle || (!options.mix && options.take.empty() && work.settings.recycleByDefault);
-  if (const auto done = recycle ? RecycleAction(session, work) : MixAction(session, work); !done)
-    return std::unexpected(done.error());
-  for (const std::string& option : options.take)
-    if (const auto taken = Take(session, work, option); !taken) return std::unexpected(taken.error());
-  std::vector<AdditionLine> additions;
-  for (const std::string& option : options.add) {
-    const auto [name, amount] = SplitPair(option, true).value();
-    if (auto valid = TypedName(session, name); !valid) return std::unexpected(valid.error());
-    additions.push_back({name, Trim(amount)});
-  }
-  if (!additions.empty())
-    if (const auto added = AddAdditions(session, work, additions); !added) return std::unexpected(added.error());
-  return work;
+std::shared_ptr<std::int32_t> AddNumber(CLI::App& verb) {
+  const auto number = std::make_shared<std::int32_t>(0);
+  verb.add_option("NO", *number, "The Batch number")->required()->check(CLI::Range(1, 999999));
+  return number;
 }
 
-void AddCalcOptions(CLI::App& verb, CalcOptions& options) {
-  verb.add_option("--formula", options.formula, "The Master Formula: its name, number or code")->required();
-  verb.add_option("--quantity", options.quantity, "How much, up to 99999")->required();
-  verb.add_option("--unit", options.unit, "lb., kg., g. or oz.; default as set")->check(NotAUnit);
-  auto* recycle = verb.add_flag("--recycle", options.recycle, "Use inks from stock as far as the recipe permits");
-  auto* mix = verb.add_flag("--mix", options.mix, "Straight from the recipe");
-  recycle->excludes(mix);
-  OneEachTime(verb.add_option("--take", options.take, "Put a colour of the Recycle List in by hand: NAME=AMOUNT"))
-      ->check(NotAPair);
-  OneEachTime(verb.add_option("--add", options.add, "A batch addition: NAME=AMOUNT"))->check(NotAPair);
+void AddEditing(CLI::App& noun, Commands& commands) {
+  auto* save = noun.add_subcommand("save", "Calculate a Batch and store it");
+  const auto saved = std::make_shared<BatchInput>();
+  AddCalcOptions(*save, *saved, true);
+  AddSaveOptions(*save, *saved);
+  commands.Add(save, Needs::Writable, [saved](Context& context) { return SaveNewBatch(context, *saved); });
+
+  auto* edit = noun.add_subcommand("edit", "Change a stored Batch");
+  const auto edited = AddNumber(*edit);
+  const auto changes = std::make_shared<BatchInput>();
+  AddCalcOptions(*edit, *changes, false);
+  AddSaveOptions(*edit, *changes);
+  commands.Add(edit, Needs::Writable,
+               [edited, changes](Context& context) { return EditBatch(context, *edited, *changes); });
+
+  auto* remove = noun.add_subcommand("delete", "Delete a stored Batch");
+  const auto removed = AddNumber(*remove);
+  commands.Add(remove, Needs::Writable, [removed](Context& context) { return DeleteStoredBatch(context, *removed); });
+
+  auto* complete = noun.add_subcommand("complete", "Mark a stored Batch as Complete");
+  const auto completed = AddNumber(*complete);
+  const auto off = std::make_shared<bool>(false);
+  complete->add_flag("--off", *off, "Take the mark away");
+  commands.Add(complete, Needs::Writable,
+               [completed, off](Context& context) { return MarkComplete(context, *completed, !*off); });
 }
 
 }  // namespace
 
 void AddBatchCommands(CLI::App& app, Commands& commands) {
-  CLI::App* noun = AddNoun(app, "batch", "Batches: calc");
+  CLI::App* noun = AddNoun(app, "batch", "Batches: calc, save, show, list, edit, delete, complete");
+
   auto* calc = noun->add_subcommand("calc", "Calculate a Batch and store nothing");
-  const auto options = std::make_shared<CalcOptions>();
-  AddCalcOptions(*calc, *options);
-  commands.Add(calc, Needs::File, [options](Context& context) -> Result<Json> {
-    const auto work = Calculate(context.session, *options);
-    if (!work) return std::unexpected(work.error());
-    if (!context.json) context.text = BatchText(context.session, *work);
-    return BatchJson(context.session, *work);
-  });
+  const auto input = std::make_shared<BatchInput>();
+  AddCalcOptions(*calc, *input, true);
+  commands.Add(calc, Needs::File, [input](Context& context) { return CalcBatch(context, *input); });
+
+  auto* show = noun->add_subcommand("show", "A stored Batch");
+  const auto shown = AddNumber(*show);
+  commands.Add(show, Needs::File, [shown](Context& context) { return ShowBatch(context, *shown); });
+
+  auto* list = noun->add_subcommand("list", "The stored Batches by number");
+  const auto options = std::make_shared<ListOptions>();
+  auto* formula = list->add_option("--formula", options->formula, "Only those of this Master Formula");
+  list->add_option("--recent", options->recent, "Only so many, those entered last, newest first")
+      ->check(CLI::PositiveNumber)
+      ->excludes(formula);
+  commands.Add(list, Needs::File, [options](Context& context) { return ListStoredBatches(context, *options); });
+
+  AddEditing(*noun, commands);
 }
 
 }  // namespace vellumark::cli

@@ -7,6 +7,7 @@
 #include "cli/frame.h"
 #include "cli/seams.h"
 #include "core/base/text.h"
+#include "core/batch/leave.h"
 #include "core/datafile/databases.h"
 #include "core/datafile/lifecycle.h"
 #include "core/settings/settings_keys.h"
@@ -80,10 +81,13 @@ Result<Json> CheckFile(Context& context, const std::string& typedPath) {
     return Refuse("Data File", session.StartupMessage);
   }
   Json missing = Json::array();
+  Json openBatches = Json::array();
   std::vector<std::string> faults;
   {
     const auto file = Database::Open(path, OpenMode::ReadOnly);
     faults = file->Faults();
+    for (const AbandonedBatch& batch : AbandonedBatches(*file))
+      openBatches.push_back({{"Database", batch.database}, {"BatchNo", batch.BatchNo}});
     if (gate != VersionGate::Older)
       for (const std::string& part : MissingParts(*file, ReadFileInfo(*file).dbList)) missing.push_back(part);
   }
@@ -101,7 +105,9 @@ Result<Json> CheckFile(Context& context, const std::string& typedPath) {
               {"FileVersion", version},
               {"Sound", true},
               {"NeedsUpgrade", gate == VersionGate::Older},
-              {"ReadOnly", IsArchiveCopy(version, path)}};
+              {"ReadOnly", IsArchiveCopy(version, path)},
+              // Left open by a program that was killed: the next opening takes their ingredients from stock again.
+              {"OpenBatches", openBatches}};
 }
 
 }  // namespace

@@ -53,7 +53,7 @@ TEST(CliBatch, AnswersWithEveryKey) {
     "Roundoff": 0, "LargestAmountIndex": 0, "ClickedIndex": -1,
     "RecycleList": [{"Color_Name": "TARGET", "Recycle_Percent": 0.8928572, "Inventory": 0, "Recycle": true}],
     "CostOfBasics": "324.00", "CostOfMixes": "60.00", "CostOfBatch": "384.00", "UnitCost": "3.76",
-    "VOC": "36.000", "HAP": "18.000"})");
+    "VOC": "36.000", "HAP": "18.000", "BatchNo": 1})");
   const auto answer = shop.Calc({"target", "--quantity", "100", "--recycle", "--add", "WAX=2"});
   ASSERT_EQ(answer.status, 0) << answer.err;
   EXPECT_EQ(answer.Json().dump(2), expected.dump(2));
@@ -109,6 +109,123 @@ TEST(CliBatch, TableForPeople) {
             "HAP                                                     0.000\n\n"
             "NOTE - To obtain measurable amounts for all ingredients increase the batch quantity or change the unit of "
             "measure.\n");
+}
+
+float StockOf(const BatchShop& shop, const std::string& name) {
+  return shop.Json({"stock", "show", name})[0]["Total"].get<float>();
+}
+
+TEST(CliBatch, SavesShowsEditsAndDeletes) {
+  BatchShop shop;
+  for (const char* name : {"RED", "BLUE"}) shop.Json({"stock", "adjust", name, "200", "--kind", "basic"});
+  const auto saved = shop.Json({"batch", "save", "--formula", "TARGET", "--quantity", "100", "--recycle", "--job",
+                                "J-7=60", "--short-note", "rush", "--set", "UD_Text2=Press 4"});
+  EXPECT_EQ(saved["BatchNo"], 1);
+  EXPECT_EQ(StockOf(shop, "VIOLET"), 0);
+  EXPECT_EQ(StockOf(shop, "RED"), 155);
+  EXPECT_EQ(StockOf(shop, "BLUE"), 175);
+  EXPECT_EQ(StockOf(shop, "TARGET"), 40);
+
+  const auto shown = shop.Json({"batch", "show", "1"});
+  EXPECT_EQ(shown["IngName0"], "VIOLET");
+  EXPECT_EQ(shown["IngType0"], 2);
+  EXPECT_EQ(shown["JobNumber"], "J-7");
+  EXPECT_EQ(shown["Jobs"][0]["QtyUsed"], 60);
+  EXPECT_EQ(shown["ReturnedToInventory"], 40);
+  EXPECT_EQ(shown["ShortNote"], "rush");
+  EXPECT_EQ(shown["UD_Text2"], "Press 4");
+  EXPECT_EQ(shown["Lots"].size(), 3U);
+
+  const auto edited = shop.Json({"batch", "edit", "1", "--quantity", "50", "--mix", "--short-note", "less"});
+  EXPECT_EQ(edited["ActualQuantity"], 50);
+  EXPECT_EQ(edited["Jobs"][0]["QtyUsed"], 50);
+  EXPECT_EQ(edited["ShortNote"], "less");
+  EXPECT_EQ(StockOf(shop, "VIOLET"), 30);
+  EXPECT_EQ(StockOf(shop, "RED"), 170);
+  EXPECT_EQ(StockOf(shop, "TARGET"), 0);
+
+  EXPECT_EQ(shop.Json({"batch", "save", "--formula", "VIOLET", "--quantity", "10", "--mix", "--no-return"})["BatchNo"],
+            2);
+  const auto list = shop.Json({"batch", "list"});
+  ASSERT_EQ(list.size(), 2U);
+  EXPECT_EQ(list[1]["Color_Name"], "VIOLET");
+  EXPECT_EQ(shop.Json({"batch", "list", "--formula", "TARGET"}).size(), 1U);
+  EXPECT_EQ(shop.Json({"batch", "list", "--recent", "1"}).size(), 1U);
+
+  const auto unanswered = shop.Run({"--json", "batch", "delete", "1"});
+  EXPECT_EQ(unanswered.status, 3);
+  EXPECT_EQ(StockOf(shop, "RED"), 165);
+  EXPECT_EQ(shop.Run({"--no", "batch", "delete", "1"}).status, 1);
+  shop.Json({"--answer", "Batch Window - Delete Batch?=yes", "--answer", "Batch Window - Update Inventories?=no",
+             "batch", "delete", "1"});
+  EXPECT_EQ(StockOf(shop, "RED"), 165);
+  shop.Json({"--yes", "batch", "delete", "2"});
+  EXPECT_EQ(StockOf(shop, "RED"), 170);
+  EXPECT_EQ(shop.Run({"batch", "show", "2"}).status, 1);
+  EXPECT_EQ(shop.Json({"batch", "list"}).size(), 0U);
+}
+
+TEST(CliBatch, TakesLotsByTheirNumbers) {
+  BatchShop shop;
+  shop.Json({"settings", "set", "InvLotTracking", "1"});
+  for (const char* name : {"RED", "BLUE"})
+    shop.Json({"stock", "adjust", name, "40", "--lot", "A1", "--count", "2", "--kind", "basic"});
+  shop.Json({"stock", "adjust", "RED", "10", "--kind", "basic"});
+  const auto refused =
+      shop.Run({"--json", "batch", "save", "--formula", "TARGET", "--quantity", "100", "--mix", "--lot", "RED=A2:5"});
+  EXPECT_EQ(refused.status, 1);
+  EXPECT_EQ(refused.Json()["refused"]["text"], "RED has no lot A2 that a Batch can use.");
+  shop.Json({"batch", "save", "--formula", "TARGET", "--quantity", "100", "--mix", "--lot", "RED=A1:55", "--lot",
+             "red=Unlotted Inv.:5", "--lot", "BLUE=A1:40", "--lot-number", "MADE", "--lot-loc", "SHELF"});
+  const auto red = shop.Json({"stock", "show", "RED"})[0];
+  EXPECT_EQ(red["Unlotted"], 5);
+  ASSERT_EQ(red["lots"].size(), 1U);
+  EXPECT_EQ(red["lots"][0]["LotQty"], 25);
+  const auto made = shop.Json({"stock", "show", "TARGET"})[0];
+  EXPECT_EQ(made["lots"][0]["LotNumber"], "MADE");
+  EXPECT_EQ(made["lots"][0]["LotLoc"], "SHELF");
+  EXPECT_EQ(made["lots"][0]["LotQty"], 100);
+}
+
+TEST(CliBatch, RefusesWhatTheWindowRefuses) {
+  BatchShop shop;
+  const auto title = [&](std::vector<std::string> arguments) {
+    arguments.insert(arguments.begin(), {"--json", "batch"});
+    const auto answer = shop.Run(arguments);
+    EXPECT_EQ(answer.status, 1) << answer.out << answer.err;
+    return answer.Json()["refused"]["title"].get<std::string>();
+  };
+  const std::vector<std::string> save{"save", "--formula", "TARGET", "--quantity", "10", "--mix"};
+  const auto with = [&](std::vector<std::string> more) {
+    more.insert(more.begin(), save.begin(), save.end());
+    return title(more);
+  };
+  EXPECT_EQ(with({"--job", "A=6", "--job", "a=1"}), "Duplicate Job Numbers");
+  EXPECT_EQ(with({"--job", "A=6", "--job", "B=4.001"}), "Batch Window - Invalid Quantity");
+  EXPECT_EQ(with({"--job", "A=10.001"}), "Batch Window - Qty Used Too Large");
+  EXPECT_EQ(with({"--job", "A=0"}), "Invalid Job Quantity");
+  EXPECT_EQ(with({"--job", "A=1", "--no-return"}), "Option Must Be Checked");
+  EXPECT_EQ(with({"--set", "MarkupPercent=101"}), "Invalid Percentage");
+  EXPECT_EQ(with({"--set", "FixedCostPerUnit=-1"}), "Invalid Cost");
+  EXPECT_EQ(with({"--set", "Nothing=1"}), "Invalid Field");
+  EXPECT_EQ(with({"--lot", "RED=A:1"}), "Lotted Inventory");
+  EXPECT_EQ(title({"edit", "9", "--notes", "x"}), "Batch Not Found");
+  EXPECT_EQ(title({"complete", "9"}), "Batch Not Found");
+  EXPECT_EQ(shop.Json({"batch", "list"}).size(), 0U);
+}
+
+TEST(CliBatch, CompletedOnesAreNotChanged) {
+  BatchShop shop;
+  shop.Json({"settings", "set", "BatchComplete", "1"});
+  EXPECT_EQ(shop.Run({"batch", "save", "--formula", "TARGET", "--quantity", "10", "--mix"}).status, 3);
+  shop.Json({"--no", "batch", "save", "--formula", "TARGET", "--quantity", "10", "--mix"});
+  shop.Json({"batch", "complete", "1"});
+  EXPECT_TRUE(shop.Json({"batch", "show", "1"})["Complete"].get<bool>());
+  const auto refused = shop.Run({"--json", "batch", "edit", "1", "--quantity", "5"});
+  EXPECT_EQ(refused.Json()["refused"]["title"], "Completed Batch - Changes Not Allowed");
+  EXPECT_EQ(shop.Run({"--yes", "batch", "delete", "1"}).status, 1);
+  shop.Json({"batch", "complete", "1", "--off"});
+  shop.Json({"--no", "batch", "edit", "1", "--quantity", "5"});
 }
 
 }  // namespace

@@ -166,7 +166,7 @@ Result<bool> CloseBatch(Session& session, BatchRecord& record, BatchDialogs& dia
   return Leave(session, record, dialogs, parting, std::nullopt);
 }
 
-Result<bool> DeleteBatch(Session& session, BatchRecord& record, BatchDialogs&) {
+Result<bool> DeleteBatch(Session& session, BatchRecord& record, BatchDialogs&, MoveOn moveOn) {
   if (record.state != BatchState::Edit) return false;
   if (const auto writable = RequireWritable(session); !writable) return std::unexpected(writable.error());
   if (const auto open = CheckNotComplete(session, record); !open) return std::unexpected(open.error());
@@ -175,7 +175,7 @@ Result<bool> DeleteBatch(Session& session, BatchRecord& record, BatchDialogs&) {
     return false;
   const bool returnIngredients =
       AskWhether(session, "Batch Window - Update Inventories?", "Return ingredients to inventory?");
-  const auto next = NextBatchRow(session, record);
+  const auto next = moveOn == MoveOn::ToNext ? NextBatchRow(session, record) : std::nullopt;
   DeleteStored(session, record, returnIngredients);
   record = NewBatchRecord(session);
   MoveTo(session, record, next);

@@ -6,6 +6,7 @@
 
 #include "core/batch/dialogs.h"
 #include "core/batch/record.h"
+#include "core/batch/store.h"
 
 namespace vellumark {
 
@@ -24,7 +25,7 @@ Result<bool> CancelBatch(Session& session, BatchRecord& record);
 Result<bool> CloseBatch(Session& session, BatchRecord& record, BatchDialogs& dialogs);
 
 /// cmdDelete: both questions, then moves on as Next does.
-Result<bool> DeleteBatch(Session& session, BatchRecord& record, BatchDialogs& dialogs);
+Result<bool> DeleteBatch(Session& session, BatchRecord& record, BatchDialogs& dialogs, MoveOn moveOn = MoveOn::ToNext);
 
 /// Consumes the ingredients of an open Batch again and takes its marker away, in one transaction. Where stock still
 /// stands as the opening left it, every figure becomes what it was before, to the last digit.

@@ -44,6 +44,31 @@ std::optional<BatchRecord> ReadBatch(Session& session, std::int32_t batchNo) {
   return LoadBatchRow(session, row, ReadTakings(session, *stored));
 }
 
+std::vector<Cell> ReadBatchFields(const Session& session, std::int32_t batchNo) {
+  std::string columns;
+  for (const Field& field : schema::Batch.fields) columns += (columns.empty() ? "" : ", ") + Quoted(field.name);
+  Statement row = session.File().Prepare(fmt::format("SELECT {} FROM {} WHERE BatchNo = ? ORDER BY rowid LIMIT 1",
+                                                     columns, Quoted(session.Table(schema::Batch))));
+  std::vector<Cell> cells;
+  if (!row.Bind(1, batchNo).Step()) return cells;
+  int column = 0;
+  for (const Field& field : schema::Batch.fields) cells.emplace_back(field.name, row.Get(column++));
+  return cells;
+}
+
+std::vector<BatchLotRow> ReadBatchLots(const Session& session, std::int32_t batchNo) {
+  const std::int64_t row = BatchRowOf(session, batchNo);
+  std::vector<BatchLotRow> lots;
+  const auto stored = ReadStoredLines(session, row);
+  if (!stored) return lots;
+  for (const BatchTaking& taking : ReadTakings(session, *stored)) {
+    const LotUse& use = taking.use;
+    lots.push_back({taking.IngName, taking.IngType, use.LotRefID, use.LotNumber, use.LotLoc, use.LotContID, use.LotDate,
+                    use.LotQty, use.LotPrice});
+  }
+  return lots;
+}
+
 bool OpenBatch(Session& session, BatchRecord& record, std::int32_t batchNo) {
   return OpenBatchRow(session, record, BatchRowOf(session, batchNo));
 }

@@ -7,12 +7,30 @@
 #include <vector>
 
 #include "core/batch/record.h"
+#include "core/datafile/writer.h"
 
 namespace vellumark {
 
 /// The stored Batch of that number as the window would show it, its ingredients left where they are. Nothing when there
 /// is none. For looking only.
 std::optional<BatchRecord> ReadBatch(Session& session, std::int32_t batchNo);
+
+/// The fields of a stored Batch under their names, in the order of the table; empty when there is none.
+std::vector<Cell> ReadBatchFields(const Session& session, std::int32_t batchNo);
+
+/// One lot, or Unlotted Inventory, that a line of a stored Batch took from. `LotQty` in the inventory unit.
+struct BatchLotRow {
+  std::string IngName;
+  int IngType = 1;
+  std::int32_t LotRefID = 0;
+  std::string LotNumber;
+  std::string LotLoc;
+  std::string LotContID;
+  std::optional<DateTime> LotDate;
+  float LotQty = 0;
+  float LotPrice = 0;
+};
+std::vector<BatchLotRow> ReadBatchLots(const Session& session, std::int32_t batchNo);
 
 /// Opens a stored Batch: hands its ingredients back to stock and leaves a marker in the file that tells so, in one
 /// transaction. In an archive view nothing is handed back. False when there is no such Batch. `record` must hold no

@@ -66,12 +66,13 @@ bool PassLotReminder(Session& session, const BatchRecord& record, BatchDialogs& 
   return !answer.returnToBatch;
 }
 
-Result<SaveEnd> SaveBatch(Session& session, BatchRecord& record, BatchDialogs& dialogs, std::int32_t* savedNo) {
+Result<SaveEnd> SaveBatch(Session& session, BatchRecord& record, BatchDialogs& dialogs, std::int32_t* savedNo,
+                          MoveOn moveOn) {
   const auto passed = Checks(session, record, dialogs, Held::No);
   if (!passed) return std::unexpected(passed.error());
   if (!*passed) return SaveEnd::Stays;
   if (savedNo != nullptr) *savedNo = record.BatchNo;
-  const auto next = NextBatchRow(session, record);
+  const auto next = moveOn == MoveOn::ToNext ? NextBatchRow(session, record) : std::nullopt;
   if (record.state == BatchState::Edit && !Changed(session, record)) {
     LeaveFor(session, record, true, next);
     return SaveEnd::Kept;

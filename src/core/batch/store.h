@@ -12,10 +12,13 @@ enum class SaveEnd {
   Kept,    ///< an open Batch without a change: only Complete was saved, its ingredients are consumed again
 };
 
+/// What follows a save or a deletion: the next Batch, as in the window, or none.
+enum class MoveOn { ToNext, Nowhere };
+
 /// cmdSave: the checks in their order, all questions, and then the store in one transaction. Afterwards `record` is the
 /// next Batch, or cleared at the end and after a new one. `*savedNo`, when given, takes the number.
-Result<SaveEnd> SaveBatch(Session& session, BatchRecord& record, BatchDialogs& dialogs,
-                          std::int32_t* savedNo = nullptr);
+Result<SaveEnd> SaveBatch(Session& session, BatchRecord& record, BatchDialogs& dialogs, std::int32_t* savedNo = nullptr,
+                          MoveOn moveOn = MoveOn::ToNext);
 /// cmdSaveAndHold: stays on the Batch, which is loaded again.
 Result<SaveEnd> SaveAndHoldBatch(Session& session, BatchRecord& record, BatchDialogs& dialogs);
 

@@ -7,6 +7,7 @@
 
 #include "core/base/progress_run.h"
 #include "core/base/text.h"
+#include "core/batch/leave.h"
 #include "core/colors/guide_database.h"
 #include "core/datafile/databases.h"
 #include "core/datafile/lifecycle.h"
@@ -175,7 +176,10 @@ void OpenDataFile(Session& session, OpeningWindows& windows) {
       std::ranges::find_if(info.dbList, [&](const std::string& name) { return EqualNoCase(name, info.currentDB); });
   session.CurrentDatabase = current != info.dbList.end() ? *current : info.dbList.front();
   OpenDatabase(session);
-  if (!session.ArchiveView) windows.SuggestArchive(session);
+  if (!session.ArchiveView) {
+    HealAbandonedBatches(session);
+    windows.SuggestArchive(session);
+  }
   // For the work files of conversions. Where it cannot be made, whoever writes into it says so.
   std::error_code ignored;
   fs::create_directories(session.ProgramFolder / "Converted", ignored);

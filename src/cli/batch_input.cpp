@@ -1,0 +1,383 @@
+#include "cli/batch_input.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <array>
+
+#include "cli/color_fields.h"
+#include "core/base/number.h"
+#include "core/base/text.h"
+#include "core/base/units.h"
+#include "core/batch/bench.h"
+#include "core/batch/jobs.h"
+#include "core/batch/modified.h"
+#include "core/batch/recycle_list.h"
+#include "core/colors/names.h"
+
+namespace vellumark::cli {
+namespace {
+
+std::string NotAPair(const std::string& text) {
+  const auto pair = SplitPair(text, true);
+  return pair && !pair->first.empty() ? "" : fmt::format("{}: expected NAME=AMOUNT", text);
+}
+
+std::string NotAField(const std::string& text) {
+  return SplitPair(text) ? "" : fmt::format("{}: expected FIELD=VALUE", text);
+}
+
+std::string NotALot(const std::string& text) {
+  const auto pair = SplitPair(text, true);
+  return pair && !pair->first.empty() && pair->second.find(':') != std::string::npos
+             ? ""
+             : fmt::format("{}: expected NAME=LOTNUMBER:QTY", text);
+}
+
+std::string NotAUnit(const std::string& text) {
+  return ParseUnit(text) ? "" : fmt::format("{}: expected lb., kg., g. or oz.", text);
+}
+
+// ---- Calculation
+
+Result<void> Take(Session& session, BatchRecord& record, const std::string& option) {
+  const auto [typed, amount] = SplitPair(option, true).value();
+  const auto read = TypedName(session, typed);
+  if (!read) return std::unexpected(read.error());
+  std::string name = *read;
+  for (const RecycleListRow& row : RecycleListRows(record.work, {}))
+    if (SameColorName(row.Color_Name, name)) name = row.Color_Name;
+  const auto taken = TakeRecycled(session, record, name, Trim(amount));
+  if (!taken) return std::unexpected(taken.error());
+  if (*taken) return {};
+  if (record.work.Rows.size() >= static_cast<std::size_t>(kMostBatchLines))
+    return Refuse("Recycle List", fmt::format("A Batch holds at most {} lines.", kMostBatchLines), "fgRecList");
+  return Refuse("Recycle List", fmt::format("{} is not in the Recycle List of this Batch.", name), "fgRecList");
+}
+
+Result<void> TakeAndAdd(Session& session, BatchRecord& record, const BatchInput& input) {
+  for (const std::string& option : input.take)
+    if (auto taken = Take(session, record, option); !taken) return taken;
+  std::vector<AdditionLine> additions;
+  for (const std::string& option : input.add) {
+    const auto [name, amount] = SplitPair(option, true).value();
+    if (auto valid = TypedName(session, name); !valid) return std::unexpected(valid.error());
+    additions.push_back({name, Trim(amount)});
+  }
+  if (additions.empty()) return {};
+  return AddBatchAdditions(session, record, additions);
+}
+
+Result<void> Calculate(Session& session, BatchRecord& record, bool recycle) {
+  const auto done = recycle ? RecycleBatch(session, record) : MixBatch(session, record);
+  if (!done) return std::unexpected(done.error());
+  if (!*done) return Refuse("Recalculate Batch", "The Batch was not calculated anew.", "txtQuantity");
+  return {};
+}
+
+// ---- Fields
+
+struct TextField {
+  std::string_view name;
+  std::string BatchFields::*text;
+};
+constexpr std::array kTextFields{
+    TextField{"LotNumber", &BatchFields::LotNumber}, TextField{"LotLoc", &BatchFields::LotLoc},
+    TextField{"LotContID", &BatchFields::LotContID}, TextField{"Notes", &BatchFields::Notes},
+    TextField{"IngNotes", &BatchFields::IngNotes},   TextField{"ShortNote", &BatchFields::ShortNote},
+    TextField{"Lab_LS", &BatchFields::Lab_LS},       TextField{"Lab_PT", &BatchFields::Lab_PT},
+    TextField{"Lab_Note", &BatchFields::Lab_Note}};
+
+struct LabField {
+  std::string_view name;
+  float BatchFields::*number;
+};
+constexpr std::array kLabFields{LabField{"Lab_L", &BatchFields::Lab_L}, LabField{"Lab_a", &BatchFields::Lab_a},
+                                LabField{"Lab_b", &BatchFields::Lab_b}, LabField{"Lab_D", &BatchFields::Lab_D},
+                                LabField{"Lab_Density", &BatchFields::Lab_Density}};
+
+struct ModelField {
+  std::string_view name;
+  int BatchCostModel::*choice;
+  float BatchCostModel::*number;
+  bool emission;
+};
+constexpr std::array kModelFields{ModelField{"CostModelType", &BatchCostModel::CostModelType, nullptr, false},
+                                  ModelField{"MixCostOption", &BatchCostModel::MixCostOption, nullptr, false},
+                                  ModelField{"FixedCostOfBatch", nullptr, &BatchCostModel::FixedCostOfBatch, false},
+                                  ModelField{"FixedCostPerUnit", nullptr, &BatchCostModel::FixedCostPerUnit, false},
+                                  ModelField{"MarkupPercent", nullptr, &BatchCostModel::MarkupPercent, false},
+                                  ModelField{"MixVOCModelType", &BatchCostModel::MixVOCModelType, nullptr, true},
+                                  ModelField{"MixHAPModelType", &BatchCostModel::MixHAPModelType, nullptr, true}};
+
+std::unexpected<Refusal> NoNumber(std::string_view field, std::string_view value) {
+  return Refuse("Invalid Value", fmt::format("{} is not a number: \"{}\"", field, value), std::string(field));
+}
+
+// What --set gives, the models collected: one change of them, whatever their order.
+class FieldSetter {
+ public:
+  FieldSetter(Session& session, BatchRecord& record) : session_(session), record_(record), model_(record.work.cost) {}
+
+  Result<void> Set(std::string_view field, const std::string& value) {
+    for (const TextField& text : kTextFields)
+      if (EqualNoCase(text.name, field)) {
+        record_.fields.*text.text = value;
+        return {};
+      }
+    for (const LabField& lab : kLabFields)
+      if (lab.name == field) return SetNumber(field, value, record_.fields.*lab.number);
+    for (const ModelField& model : kModelFields)
+      if (EqualNoCase(model.name, field)) return SetModel(model, value);
+    for (int i = 0; i < kBatchUserFields; ++i) {
+      if (EqualNoCase(field, schema::Numbered("UD_Text", i))) {
+        record_.fields.UD_Text[static_cast<std::size_t>(i)] = value;
+        return {};
+      }
+      if (EqualNoCase(field, schema::Numbered("UD_Numeric", i))) {
+        if (auto set = EnterUDNumeric(session_, record_, i, value); !set) return std::unexpected(set.error());
+        return {};
+      }
+    }
+    if (EqualNoCase(field, "Complete")) {
+      const auto complete = ReadYesNo("Complete", value);
+      if (!complete) return std::unexpected(complete.error());
+      record_.Complete = *complete;
+      return {};
+    }
+    return Refuse("Invalid Field", fmt::format("{} is no field of a Batch that can be set.", field),
+                  std::string(field));
+  }
+
+  Result<void> Finish() {
+    if (costs_)
+      if (auto set = SetBatchCostModel(session_, record_, model_, false); !set) return set;
+    if (emissions_)
+      if (auto set = SetBatchEmissionModel(session_, record_, model_, false); !set) return set;
+    return {};
+  }
+
+ private:
+  static Result<void> SetNumber(std::string_view field, const std::string& value, float& number) {
+    const auto read = ParseNumber(value);
+    if (!read) return NoNumber(field, value);
+    number = RoundSingle(*read, 3);
+    return {};
+  }
+
+  Result<void> SetModel(const ModelField& model, const std::string& value) {
+    const auto read = ParseNumber(value);
+    if (!read) return NoNumber(model.name, value);
+    if (model.number != nullptr) {
+      model_.*model.number = static_cast<float>(*read);
+    } else {
+      const int most = model.name == "CostModelType" ? 1 : 2;
+      if (*read < 0 || *read > most || *read != static_cast<int>(*read))
+        return Refuse("Invalid Value", fmt::format("{} is a number from 0 to {}.", model.name, most),
+                      std::string(model.name));
+      model_.*model.choice = static_cast<int>(*read);
+    }
+    (model.emission ? emissions_ : costs_) = true;
+    return {};
+  }
+
+  Session& session_;
+  BatchRecord& record_;
+  BatchCostModel model_;
+  bool costs_ = false;
+  bool emissions_ = false;
+};
+
+Result<void> SetFields(Session& session, BatchRecord& record, const BatchInput& input) {
+  FieldSetter setter(session, record);
+  for (const std::string& option : input.set) {
+    const auto [field, value] = SplitPair(option).value();
+    if (auto set = setter.Set(field, value); !set) return set;
+  }
+  return setter.Finish();
+}
+
+// ---- Lots
+
+LotLineKind LineKind(RowKind kind) {
+  switch (kind) {
+    case RowKind::Mix:
+      return LotLineKind::Mix;
+    case RowKind::Addition:
+      return LotLineKind::Addition;
+    case RowKind::Basic:
+      break;
+  }
+  return LotLineKind::Basic;
+}
+
+// The first row of that name that is not placed yet, else the first of all.
+std::optional<std::size_t> RowNamed(const Session& session, const BatchRecord& record, const std::string& name) {
+  std::optional<std::size_t> first;
+  const auto& rows = record.work.Rows;
+  for (std::size_t i = 0; i < rows.size(); ++i) {
+    if (!rows[i].lotLink || !SameColorName(rows[i].name, name)) continue;
+    if (!first) first = i;
+    if (!RowLots(record, i).CompleteFor(LotNeed(session, record, i))) return i;
+  }
+  return first;
+}
+
+// Several containers may share a lot number; they are emptied one after the other.
+Result<void> TakeFromLots(LotSelectionWork& work, const std::string& number, double quantity) {
+  double left = quantity;
+  std::optional<std::size_t> last;
+  for (std::size_t i = 0; i < work.rows.size(); ++i) {
+    LotSelectionRow& row = work.rows[i];
+    if (!EqualNoCase(row.lot.LotNumber, number)) continue;
+    const double takes = std::min(left, RoundTo(row.Holds(), 3) - RoundTo(row.lot.LotQty, 3));
+    if (takes > 0) {
+      if (auto taken = work.UpdateRow(i, Fixed(takes, 3)); !taken) return taken;
+      left = RoundTo(left - takes, 3);
+    }
+    last = i;
+  }
+  if (!last)
+    return Refuse("Lot Selections", fmt::format("{} has no lot {} that a Batch can use.", work.IngName, number),
+                  "cmbLotNum");
+  // What no container holds is refused in the words of the last one.
+  if (left > 0) return work.UpdateRow(*last, Fixed(left, 3));
+  return {};
+}
+
+Result<void> TakeLots(Session& session, BatchRecord& record, const std::string& option) {
+  if (session.InvLotTracking != 1)
+    return Refuse("Lotted Inventory", "Lotted Inventory is turned off; no lot can be named.", "cmbLotNum");
+  const auto [typed, lot] = SplitPair(option, true).value();
+  const std::size_t colon = lot.rfind(':');
+  const std::string number = Trim(lot.substr(0, colon));
+  const auto quantity = ParseNumber(lot.substr(colon + 1));
+  if (!quantity || !(*quantity > 0)) return NoNumber("QTY", lot.substr(colon + 1));
+  const auto name = TypedName(session, typed);
+  if (!name) return std::unexpected(name.error());
+  const auto row = RowNamed(session, record, *name);
+  if (!row) return Refuse("Lot Selections", fmt::format("{} is no line of this Batch.", *name), "IngName");
+  if (auto open = OpenRowLots(session, record, *row); !open) return open;
+  const BatchRow& shown = record.work.Rows[*row];
+  auto work = LoadLotSelection(session, shown.name, LineKind(shown.kind), LotNeed(session, record, *row),
+                               record.work.UMF, RowLots(record, *row));
+  if (!work) return std::unexpected(work.error());
+  if (auto taken = TakeFromLots(*work, number, RoundTo(*quantity, 3)); !taken) return taken;
+  return SetRowLots(session, record, *row, work->Selection());
+}
+
+Result<void> TakeJobs(Session& session, BatchRecord& record, const BatchInput& input) {
+  if (input.noJob)
+    if (auto cleared = SaveJobItems(session, record, {}); !cleared) return cleared;
+  if (input.jobs.empty()) return {};
+  std::vector<JobItem> items;
+  for (const std::string& option : input.jobs) {
+    const auto [number, used] = SplitPair(option, true).value();
+    items.push_back({number, Trim(used)});
+  }
+  if (items.size() > 1) return SaveJobItems(session, record, items);
+  record.jobs.clear();
+  if (auto entered = EnterJobNumber(session, record, items.front().JobNumber); !entered) return entered;
+  if (items.front().QtyUsed.empty()) return {};
+  return EnterQtyUsed(session, record, items.front().QtyUsed);
+}
+
+}  // namespace
+
+void AddCalcOptions(CLI::App& verb, BatchInput& input, bool formulaRequired) {
+  if (formulaRequired)
+    verb.add_option("--formula", input.formula, "The Master Formula: its name, number or code")->required();
+  auto* quantity = verb.add_option("--quantity", input.quantity, "How much, up to 99999");
+  if (formulaRequired) {
+    quantity->required();
+    verb.add_option("--unit", input.unit, "lb., kg., g. or oz.; default as set")->check(NotAUnit);
+  }
+  auto* recycle = verb.add_flag("--recycle", input.recycle, "Use inks from stock as far as the recipe permits");
+  auto* mix = verb.add_flag("--mix", input.mix, "Straight from the recipe");
+  recycle->excludes(mix);
+  OneEachTime(verb.add_option("--take", input.take, "Put a colour of the Recycle List in by hand: NAME=AMOUNT"))
+      ->check(NotAPair);
+  OneEachTime(verb.add_option("--add", input.add, "A batch addition: NAME=AMOUNT"))->check(NotAPair);
+  OneEachTime(verb.add_option("--set", input.set,
+                              "A field: FIELD=VALUE, as MarkupPercent=10, MixCostOption=1, UD_Text0=Press 2"))
+      ->check(NotAField);
+}
+
+void AddSaveOptions(CLI::App& verb, BatchInput& input) {
+  OneEachTime(verb.add_option("--lot", input.lots, "Where a line takes its ink from: NAME=LOTNUMBER:QTY"))
+      ->check(NotALot);
+  verb.add_option("--lot-number", input.lotNumber, "Lot number of the ink that is made");
+  verb.add_option("--lot-loc", input.lotLoc, "Its location");
+  verb.add_option("--lot-cont", input.lotCont, "Its container");
+  auto* job = OneEachTime(
+      verb.add_option("--job", input.jobs, "What a job uses: NUMBER=QTYUSED; several times to split the Batch"));
+  job->check(NotAPair);
+  verb.add_flag("--no-job", input.noJob, "Take the jobs away")->excludes(job);
+  verb.add_flag("--no-return", input.noReturn, "The ink that is made does not go to inventory");
+  verb.add_option("--notes", input.notes, "Notes");
+  verb.add_option("--short-note", input.shortNote, "Short note, 30 characters");
+  auto* update = verb.add_flag_callback(
+      "--fold", [&input] { input.fold = "update"; }, "Fold the additions into the Master Formula");
+  verb.add_option_function<std::string>(
+          "--fold-new",
+          [&input](const std::string& name) {
+            input.fold = name;
+            input.foldNew = true;
+          },
+          "Make a new Master Formula of the Batch under this name")
+      ->check(NotEmpty)
+      ->excludes(update);
+}
+
+Result<BatchRecord> NewBatch(Session& session, const BatchInput& input) {
+  const auto named = TypedName(session, input.formula);
+  if (!named) return std::unexpected(named.error());
+  BatchRecord record = NewBatchRecord(session);
+  if (const auto entered = EnterBatchColor(session, record, *named); !entered) return std::unexpected(entered.error());
+  if (!input.unit.empty())
+    if (const auto unit = EnterBatchUnit(session, record, ParseUnit(input.unit).value_or(record.work.UMF)); !unit)
+      return std::unexpected(unit.error());
+  SetQuantityText(record.work, input.quantity);
+  const bool recycle = input.recycle || (!input.mix && input.take.empty() && record.work.settings.recycleByDefault);
+  if (const auto done = Calculate(session, record, recycle); !done) return std::unexpected(done.error());
+  if (const auto done = TakeAndAdd(session, record, input); !done) return std::unexpected(done.error());
+  if (const auto done = SetFields(session, record, input); !done) return std::unexpected(done.error());
+  return record;
+}
+
+Result<void> ChangeBatch(Session& session, BatchRecord& record, const BatchInput& input) {
+  if (!input.quantity.empty() || input.recycle || input.mix) {
+    if (!input.quantity.empty()) SetQuantityText(record.work, input.quantity);
+    const bool recycle = input.recycle || (!input.mix && !record.work.RecycledColors.empty());
+    if (auto done = Calculate(session, record, recycle); !done) return done;
+  }
+  if (auto done = TakeAndAdd(session, record, input); !done) return done;
+  return SetFields(session, record, input);
+}
+
+Result<void> TakeSaveOptions(Session& session, BatchRecord& record, const BatchInput& input) {
+  BatchFields& fields = record.fields;
+  if (input.lotNumber) fields.LotNumber = Trim(*input.lotNumber);
+  if (input.lotLoc) fields.LotLoc = Trim(*input.lotLoc);
+  if (input.lotCont) fields.LotContID = Trim(*input.lotCont);
+  if (input.notes) fields.Notes = *input.notes;
+  if (input.shortNote) fields.ShortNote = Trim(*input.shortNote);
+  if (auto done = TakeJobs(session, record, input); !done) return done;
+  if (input.noReturn)
+    if (auto done = SetReturnToInventory(session, record, false); !done) return done;
+  for (const std::string& lot : input.lots)
+    if (auto done = TakeLots(session, record, lot); !done) return done;
+  return {};
+}
+
+std::optional<ModifiedBatchChoice> OptionDialogs::ShowSaveModifiedBatch(Session& session, const BatchRecord& record) {
+  ModifiedBatchChoice choice;
+  if (!input_.fold.empty()) choice.change = input_.foldNew ? FormulaChange::Create : FormulaChange::Update;
+  if (input_.foldNew) choice.newName = input_.fold;
+  auto checked = CheckModifiedBatch(session, record, choice);
+  if (checked) return *checked;
+  refused = checked.error();
+  return std::nullopt;
+}
+
+}  // namespace vellumark::cli
