@@ -10,10 +10,10 @@
 #include <vector>
 
 #include "core/base/number.h"
-#include "core/colors/color_set.h"
 #include "core/colors/normalise.h"
 #include "core/datafile/databases.h"
 #include "core/datafile/lifecycle.h"
+#include "core/datafile/references.h"
 #include "core/datafile/writer.h"
 #include "core/session/session.h"
 #include "core/settings/support_files.h"
@@ -120,7 +120,7 @@ struct LargeRoom {
       const auto set = [&](const Value& value) { writer.Set(place++, value); };
       set("SPOT COLOUR " + std::to_string(i));
       set("S" + std::to_string(i));
-      set(BuildColorSet(NamesOf(recipe)));
+      set(NameSet(NamesOf(recipe)));
       set(i % 20 == 0 ? static_cast<float>(i % 97) + 0.5F : 0.0F);
       set(true);
       set(session.clock.Today());

@@ -7,8 +7,8 @@
 #include "core/base/number.h"
 #include "core/base/text.h"
 #include "core/colors/basics.h"
-#include "core/colors/color_set.h"
 #include "core/colors/names.h"
+#include "core/datafile/references.h"
 #include "core/datafile/writer.h"
 
 namespace vellumark {
@@ -101,7 +101,7 @@ Result<void> CheckSetName(const Session& session, const std::string& name, bool 
 }  // namespace
 
 std::string AdditiveSet::SetList() const {
-  return BuildColorSet(NamesOf(rows));
+  return NameSet(NamesOf(rows));
 }
 
 std::vector<Cell> AdditiveSetCells(const AdditiveSet& set) {

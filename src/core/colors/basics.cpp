@@ -2,6 +2,7 @@
 
 #include <fmt/format.h>
 
+#include "core/colors/color_figure.h"
 #include "core/colors/names.h"
 #include "core/datafile/references.h"
 #include "core/datafile/writer.h"
@@ -38,13 +39,6 @@ BasicColor ReadRow(const Statement& row) {
   return color;
 }
 
-float Figure(const Session& session, std::string_view name, std::string_view field) {
-  return session.File()
-      .Scalar(fmt::format("SELECT {} FROM {} WHERE Color_Name = ? ORDER BY rowid LIMIT 1", field, TableText(session)),
-              {name})
-      .Single();
-}
-
 }  // namespace
 
 bool BasicColorExists(const Session& session, std::string_view name, std::string_view database) {
@@ -60,15 +54,15 @@ std::int32_t NextIngSort(const Session& session, std::string_view database) {
 }
 
 float GetBasicPurchaseCost(const Session& session, std::string_view name) {
-  return Figure(session, name, "PurchaseCost");
+  return ColorFigure(session, ColorKind::Basic, name, "PurchaseCost");
 }
 
 float GetBasicVOC(const Session& session, std::string_view name) {
-  return Figure(session, name, "VOC");
+  return ColorFigure(session, ColorKind::Basic, name, "VOC");
 }
 
 float GetBasicHAP(const Session& session, std::string_view name) {
-  return Figure(session, name, "HAP");
+  return ColorFigure(session, ColorKind::Basic, name, "HAP");
 }
 
 std::optional<BasicColor> ReadBasic(const Session& session, std::string_view name, std::string_view database) {

@@ -5,7 +5,6 @@
 
 #include "core/base/text.h"
 #include "core/colors/names.h"
-#include "core/datafile/references.h"
 
 namespace vellumark {
 namespace {
@@ -25,10 +24,6 @@ std::optional<std::string_view> NextItem(std::string_view& rest) {
 }
 
 }  // namespace
-
-std::string BuildColorSet(const std::vector<std::string>& names) {
-  return NameSet(names);
-}
 
 std::vector<std::string> SplitColorSet(std::string_view colorSet) {
   std::vector<std::string> names;

@@ -6,8 +6,9 @@
 
 namespace vellumark {
 
-/// The ingredients of a recipe as one search text: "<A><B>", in slot order, nothing for an empty name.
-std::string BuildColorSet(const std::vector<std::string>& names);
+// The ingredients of a recipe as one search text, "<A><B>" in slot order: NameSet of core/datafile/references.h makes
+// it.
+
 /// The names between the marks. An item without its closing mark is left out.
 std::vector<std::string> SplitColorSet(std::string_view colorSet);
 

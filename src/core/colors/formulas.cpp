@@ -7,7 +7,7 @@
 #include "core/base/number.h"
 #include "core/base/text.h"
 #include "core/colors/basics.h"
-#include "core/colors/color_set.h"
+#include "core/colors/color_figure.h"
 #include "core/colors/figure_book.h"
 #include "core/colors/names.h"
 #include "core/datafile/references.h"
@@ -113,10 +113,7 @@ bool MixColorExists(const Session& session, std::string_view name, std::string_v
 }
 
 float GetMixBasicCost(const Session& session, std::string_view name) {
-  return session.File()
-      .Scalar(fmt::format("SELECT BasicCost FROM {} WHERE Color_Name = ? ORDER BY rowid LIMIT 1", TableText(session)),
-              {name})
-      .Single();
+  return ColorFigure(session, ColorKind::Mix, name, "BasicCost");
 }
 
 std::optional<MixColor> ReadMix(const Session& session, std::string_view name, std::string_view database) {
@@ -273,7 +270,7 @@ RecipeWriter& RecipeWriter::Set(const Recipe& recipe, std::string_view setName) 
     writer_.Set(n, filled ? recipe[n].name : std::string());
     writer_.Set(n + kSlots, filled ? static_cast<float>(recipe[n].amount) : 0.0F);
   }
-  writer_.Set(2 * kSlots, BuildColorSet(NamesOf(recipe)));
+  writer_.Set(2 * kSlots, NameSet(NamesOf(recipe)));
   writer_.Set(2 * kSlots + 1, setName);
   return *this;
 }

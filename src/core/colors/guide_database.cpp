@@ -10,8 +10,8 @@
 #include "core/base/progress_run.h"
 #include "core/base/text.h"
 #include "core/colors/basics.h"
-#include "core/colors/color_set.h"
 #include "core/datafile/databases.h"
+#include "core/datafile/references.h"
 #include "core/datafile/schema.h"
 #include "core/datafile/writer.h"
 
@@ -98,7 +98,7 @@ class GuideCopier {
         if (!name.empty()) AddShare(sum, rows.Get(schema::Numbered("BQ", n)).Single(), BasicFigures(name));
         names.push_back(std::move(name));
       }
-      values[PlaceOf(schema::Mix, "Color_Set")] = BuildColorSet(names);
+      values[PlaceOf(schema::Mix, "Color_Set")] = NameSet(names);
       values[PlaceOf(schema::Mix, "BasicCost")] = RoundSingle(sum.cost, session_.DecimalPlaces);
       values[PlaceOf(schema::Mix, "BasicVOC")] = RoundSingle(sum.voc, 3);
       values[PlaceOf(schema::Mix, "BasicHAP")] = RoundSingle(sum.hap, 3);

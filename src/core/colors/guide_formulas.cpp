@@ -8,6 +8,7 @@
 #include "core/colors/amounts.h"
 #include "core/colors/color_set.h"
 #include "core/colors/names.h"
+#include "core/datafile/references.h"
 
 namespace vellumark {
 namespace {
@@ -63,8 +64,8 @@ bool IsFormulaModified(const Session& session, std::string_view name) {
   if (!mix) return false;
   // The slots are the authority, the sets only their search form.
   const Recipe present = mix->Ingredients();
-  const std::string presentSet = BuildColorSet(NamesOf(present));
-  const std::string publishedSet = BuildColorSet(NamesOf(*published));
+  const std::string presentSet = NameSet(NamesOf(present));
+  const std::string publishedSet = NameSet(NamesOf(*published));
   if (!ColorSetContains(presentSet, publishedSet) || !ColorSetContains(publishedSet, presentSet)) return true;
   return std::ranges::any_of(*published, [&](const Ingredient& line) {
     const auto held =

@@ -10,8 +10,8 @@
 #include "core/base/number.h"
 #include "core/base/refusal.h"
 #include "core/base/text.h"
-#include "core/colors/color_set.h"
 #include "core/colors/template_file.h"
+#include "core/datafile/references.h"
 
 namespace vellumark {
 namespace {
@@ -178,7 +178,7 @@ class TableReader {
   std::string SetOfSlots() {
     std::vector<std::string> names;
     for (int n = 0; n < schema::kIngredientSlots; ++n) names.push_back(At(schema::Numbered("BC", n)).Text());
-    return BuildColorSet(names);
+    return NameSet(names);
   }
 
   void Fit(std::size_t place) {

@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 
 #include "core/base/number.h"
+#include "core/colors/color_figure.h"
 
 namespace vellumark {
 namespace {
@@ -161,11 +162,7 @@ float LotQtyConsigned(const Session& session, ColorKind kind, std::string_view n
 }
 
 float UnlottedQty(const Session& session, ColorKind kind, std::string_view name, std::string_view database) {
-  const Value inventory =
-      session.File().Scalar(fmt::format("SELECT Inventory FROM {} WHERE Color_Name = ?1 ORDER BY rowid LIMIT 1",
-                                        QuotedColors(session, kind, database)),
-                            {name});
-  return RoundSingle(inventory.Single(), 3);
+  return RoundSingle(ColorFigure(session, kind, name, "Inventory", database), 3);
 }
 
 float TotalStock(const Session& session, ColorKind kind, std::string_view name, std::string_view database) {
@@ -175,11 +172,7 @@ float TotalStock(const Session& session, ColorKind kind, std::string_view name, 
 }
 
 float UnlottedPrice(const Session& session, ColorKind kind, std::string_view name, std::string_view database) {
-  return session.File()
-      .Scalar(fmt::format("SELECT {} FROM {} WHERE Color_Name = ?1 ORDER BY rowid LIMIT 1",
-                          kind == ColorKind::Mix ? "BasicCost" : "PurchaseCost", QuotedColors(session, kind, database)),
-              {name})
-      .Single();
+  return ColorFigure(session, kind, name, kind == ColorKind::Mix ? "BasicCost" : "PurchaseCost", database);
 }
 
 float LotValue(const Session& session, ColorKind kind, std::string_view name, std::string_view database) {

@@ -7,12 +7,12 @@
 
 #include "core/base/number.h"
 #include "core/colors/basics.h"
-#include "core/colors/color_set.h"
 #include "core/colors/duplicate.h"
 #include "core/colors/formula_notes.h"
 #include "core/colors/formula_work.h"
 #include "core/colors/live_totals.h"
 #include "core/colors/names.h"
+#include "core/datafile/references.h"
 #include "support/ink_room.h"
 
 namespace vellumark {
@@ -187,7 +187,7 @@ TEST(Formulas, SavedFormulasTotalHundred) {
     std::int64_t thousandths = 0;
     for (const float amount : mix->BQ) thousandths += std::llround(RoundTo(amount, 3) * 1000);
     ASSERT_EQ(thousandths, 100'000) << work.Color_Name;
-    ASSERT_EQ(mix->Color_Set, BuildColorSet(NamesOf(mix->Ingredients())));
+    ASSERT_EQ(mix->Color_Set, NameSet(NamesOf(mix->Ingredients())));
   }
   all.Commit();
 }

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "core/colors/color_set.h"
+#include "core/datafile/references.h"
 #include "support/ink_room.h"
 
 namespace vellumark {
@@ -61,7 +62,7 @@ TEST(Names, WhatProgramsAndFilesMayBring) {
 }
 
 TEST(ColorSets, BuiltAndTakenApart) {
-  EXPECT_EQ(BuildColorSet({"BLUE", "", "YELLOW"}), "<BLUE><YELLOW>");
+  EXPECT_EQ(NameSet({"BLUE", "", "YELLOW"}), "<BLUE><YELLOW>");
   EXPECT_EQ(SplitColorSet("<BLUE><YELLOW>"), (std::vector<std::string>{"BLUE", "YELLOW"}));
   EXPECT_EQ(SplitColorSet("<BLUE><YELL"), (std::vector<std::string>{"BLUE"}));
   EXPECT_TRUE(ColorSetHolds("<BLUE 1><RED>", "blue 1"));

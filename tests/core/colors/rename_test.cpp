@@ -4,8 +4,8 @@
 
 #include "core/base/number.h"
 #include "core/colors/basics.h"
-#include "core/colors/color_set.h"
 #include "core/colors/formulas.h"
+#include "core/datafile/references.h"
 #include "support/ink_room.h"
 
 namespace vellumark {
@@ -84,7 +84,7 @@ struct NamedRoom : InkRoom {
     const auto mix = ReadMix(session, name);
     std::string text;
     for (const Ingredient& line : mix->Ingredients()) text += line.name + " " + Fixed(line.amount, 3) + " ";
-    EXPECT_EQ(mix->Color_Set, BuildColorSet(NamesOf(mix->Ingredients())));
+    EXPECT_EQ(mix->Color_Set, NameSet(NamesOf(mix->Ingredients())));
     for (std::size_t n = mix->Ingredients().size(); n < mix->BC.size(); ++n) EXPECT_EQ(mix->BC[n], "");
     return text;
   }
