@@ -1,6 +1,9 @@
 #pragma once
 
+#include <optional>
+
 #include "desktop/kit/window.h"
+#include "desktop/settings/inventory_settings_panel.h"
 
 namespace vellumark::desktop {
 
@@ -17,13 +20,7 @@ class UMSettingForm : public Dialog {
   void cmdCancel_Click() { reject(); }
 
  private:
-  ComboField* unit_;
-  NumberField* cutoff_;
-  QLabel* cutoffUnit_;
-  CheckField* negative_;
-  QLabel* negativeMeans_;
-  CheckField* lots_;
-  RadioField* method_;
+  std::optional<InventorySettingsPanel> settings_;
 };
 
 }  // namespace vellumark::desktop
