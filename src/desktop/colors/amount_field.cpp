@@ -36,15 +36,18 @@ class RightKeys : public QObject {
 
 }  // namespace
 
+bool KeepToRight(FormHost& host, NumberField& field, AmountKey key, const std::string& column) {
+  if (RequireRight(host.session, key, column)) return true;
+  field.setReadOnly(true);
+  new RightKeys(host, field, key);
+  return false;
+}
+
 void MakeAmountField(FormHost& host, NumberField& field, AmountKey key, const std::string& column,
                      std::function<bool()> shown) {
   field.Means(column);
   field.SetDecimals(DecimalsOf(host.session, key));
-  if (!RequireRight(host.session, key, column)) {
-    field.setReadOnly(true);
-    new RightKeys(host, field, key);
-    return;
-  }
+  if (!KeepToRight(host, field, key, column)) return;
   QObject::connect(&field, &TextField::Left, &field,
                    [&host, &field, key, column, shown = std::move(shown)](QWidget* to) {
                      if (to == nullptr || !host.Self().isAncestorOf(to) || qobject_cast<QPushButton*>(to) != nullptr)

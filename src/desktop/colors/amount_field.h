@@ -14,4 +14,8 @@ namespace vellumark::desktop {
 void MakeAmountField(FormHost& host, NumberField& field, AmountKey key, const std::string& column,
                      std::function<bool()> shown);
 
+/// Without the right to change such a figure the field can only be read, and each key is dropped with the reason. True
+/// when the user has the right.
+bool KeepToRight(FormHost& host, NumberField& field, AmountKey key, const std::string& column);
+
 }  // namespace vellumark::desktop
