@@ -55,6 +55,20 @@ float GrossQuantity(const AdjustFields& fields) {
   return static_cast<float>(static_cast<double>(fields.quantity) * fields.count.value_or(1));
 }
 
+// What would break a list or a label, and the name that stands for stock outside the lots.
+Result<void> CheckLotTexts(const AdjustFields& fields) {
+  const auto isControl = [](char c) { return (c >= 0 && c < ' ') || c == 127; };
+  for (const auto& [text, field] : {std::pair{&fields.lotNumber, "cmbLotNum"},
+                                    std::pair{&fields.location, "cmbLocation"}, std::pair{&fields.contID, "ContID"}}) {
+    if (std::any_of(text->begin(), text->end(), isControl))
+      return Refuse("Invalid Lot", "A lot number, location or container cannot hold a line end or a tab.", field);
+  }
+  if (EqualNoCase(TrimView(fields.lotNumber), kUnlottedInv))
+    return Refuse("Invalid Lot", fmt::format("{} is no lot number: it stands for what is in no lot.", kUnlottedInv),
+                  "cmbLotNum");
+  return {};
+}
+
 Result<void> AdjustUnlotted(const StockRules& rules, InventoryWork& work, const AdjustFields& fields) {
   float& qty = work.rows.front().now.qty;
   const float quantity = GrossQuantity(fields);
@@ -241,6 +255,7 @@ Result<void> ApplyAdjust(const Session& session, InventoryWork& work, const Adju
   const StockRules rules = ReadStockRules(session);
   const bool noLot = session.InvLotTracking != 1 || TrimView(fields.lotNumber).empty();
   if (fields.selected == std::size_t{0} || (!fields.selected && noLot)) return AdjustUnlotted(rules, work, fields);
+  if (const auto checked = CheckLotTexts(fields); !checked) return checked;
   if (fields.selected) return AdjustLot(session, rules, work, *fields.selected, fields);
   if (const auto row = FindRow(work, fields.lotNumber, fields.location, fields.contID))
     return AdjustLot(session, rules, work, *row, fields);

@@ -2,6 +2,7 @@
 
 #include "core/datafile/writer.h"
 #include "core/inventory/adjust.h"
+#include "core/inventory/lot_copies.h"
 #include "core/inventory/stock_change.h"
 #include "core/session/stock_lines.h"
 
@@ -92,7 +93,8 @@ class InventorySave {
     } else {
       transaction_.Note({ChangeKind(work_.kind), work_.database, work_.name, Change::What::Updated, {}});
     }
-    UpdateCopies(ref, now);
+    UpdateLotCopies(session_, work_.kind, work_.name, work_.database, ref,
+                    {now.lotNumber, now.location, now.contID, now.date});
   }
 
   // The history finds a lot under each of its numbers.
@@ -103,37 +105,6 @@ class InventorySave {
     line.result = lot.LotQty;
     line.reason = "Lot number was " + lot.LotNumber;
     AddStockLine(session_.File(), line);
-  }
-
-  // Where the lot was used, or made, its particulars stand once more.
-  void UpdateCopies(std::int32_t ref, const InventoryValues& now) {
-    Database& file = session_.File();
-    const bool mix = work_.kind == ColorKind::Mix;
-    if (mix) {
-      file.Prepare(fmt::format("UPDATE {} SET LotNumber = ?1 WHERE Color_Name = ?2 AND LotRefID = ?3",
-                               Quoted(session_.Table(schema::Batch, work_.database))))
-          .Bind(1, now.lotNumber)
-          .Bind(2, work_.name)
-          .Bind(3, ref)
-          .Run();
-    }
-    const auto particulars = [&](Statement statement) {
-      statement.Bind(1, now.lotNumber).Bind(2, now.location).Bind(3, now.contID).Bind(4, Value(now.date));
-      statement.Bind(5, work_.name).Bind(6, ref);
-      return statement;
-    };
-    constexpr std::string_view kSet = "SET LotNumber = ?1, LotLoc = ?2, LotContID = ?3, LotDate = ?4";
-    // A Batch line that is not a formula's is a Basic Color's, an addition included.
-    particulars(
-        file.Prepare(fmt::format("UPDATE {} {} WHERE IngName = ?5 AND LotRefID = ?6 AND IngType {} 2",
-                                 Quoted(session_.Table(schema::BatchLotInv, work_.database)), kSet, mix ? "=" : "<>")))
-        .Run();
-    particulars(file.Prepare(fmt::format("UPDATE {} {} WHERE Color_Name = ?5 AND LotRefID = ?6 AND Database = ?7 "
-                                         "AND ItemType = ?8",
-                                         Quoted(schema::JobRecords.name), kSet)))
-        .Bind(7, work_.database)
-        .Bind(8, static_cast<int>(work_.kind))
-        .Run();
   }
 
   // By number as well as by reference: a lot that was given another number meanwhile stays.

@@ -34,9 +34,10 @@ std::vector<ColorStock> ListStock(const Session& session, std::optional<std::str
 std::vector<LowStock> ColorsBelowReorder(const Session& session) {
   std::vector<LowStock> low;
   for (const ColorKind kind : {ColorKind::Basic, ColorKind::Mix}) {
-    Statement colors = session.File().Prepare(
-        fmt::format("SELECT Color_Name, Reorder, Red, Green, Blue FROM {} WHERE Reorder > 0 ORDER BY Color_Name, rowid",
-                    Quoted(session.Table(ColorTable(kind)))));
+    Statement colors =
+        session.File().Prepare(fmt::format("SELECT Color_Name, Reorder, Red, Green, Blue FROM {} WHERE Reorder > 0 OR "
+                                           "Inventory < 0 ORDER BY Color_Name, rowid",
+                                           Quoted(session.Table(ColorTable(kind)))));
     while (colors.Step()) {
       LowStock one{kind,
                    colors.Text(0),

@@ -34,7 +34,8 @@ struct LowStock {
   int Blue = 0;
 };
 
-/// Those of the current Database by name, Basic Colors first. A colour without a reorder point is never among them.
+/// Those of the current Database by name, Basic Colors first. Without a reorder point a colour is among them only when
+/// its stock is below zero.
 std::vector<LowStock> ColorsBelowReorder(const Session& session);
 
 }  // namespace vellumark
