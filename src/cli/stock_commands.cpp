@@ -2,57 +2,16 @@
 
 #include "cli/color_fields.h"
 #include "cli/frame.h"
+#include "cli/stock_text.h"
 #include "core/base/number.h"
 #include "core/base/text.h"
 #include "core/base/units.h"
-#include "core/colors/names.h"
 #include "core/inventory/adjust.h"
+#include "core/inventory/stock_history.h"
 #include "core/inventory/stock_list.h"
 
 namespace vellumark::cli {
 namespace {
-
-Json LotJson(const Session& session, const LotRow& lot) {
-  return {{"LotRefID", lot.LotRefID},
-          {"LotNumber", lot.LotNumber},
-          {"LotLoc", lot.LotLoc},
-          {"LotContID", lot.LotContID},
-          {"LotDate", lot.LotDate ? Json(lot.LotDate->DateText()) : Json()},
-          {"LotQty", Number(lot.LotQty)},
-          {"LotPrice", session.Perm_Costs == 0 ? Json() : Number(lot.LotPrice)},
-          {"LotConsignment", lot.LotConsignment}};
-}
-
-Json StockJson(const Session& session, const ColorStock& stock) {
-  Json lots = Json::array();
-  for (const LotRow& lot : stock.lots) lots.push_back(LotJson(session, lot));
-  return {{"Color_Name", stock.Color_Name},
-          {"Kind", static_cast<int>(stock.kind)},
-          {"Inventory", Number(stock.Inventory)},
-          {"lots", std::move(lots)},
-          {"Unlotted", Number(RoundSingle(stock.Inventory, 3))},
-          {"Lotted", Number(stock.lotted)},
-          {"Total", Number(stock.total)}};
-}
-
-// A line for Unlotted Inventory, one for each lot and, where there are lots, one for the total.
-std::string StockText(const Session& session, const std::vector<ColorStock>& stock) {
-  std::vector<std::vector<std::string>> rows;
-  for (const ColorStock& one : stock) {
-    const std::string kind = one.kind == ColorKind::Mix ? "Formula" : "Basic";
-    rows.push_back({one.Color_Name, kind, std::string(kUnlottedInv), "", "", "", Fixed(one.Inventory, 3), "", ""});
-    for (const LotRow& lot : one.lots) {
-      rows.push_back({"", "", lot.LotNumber, lot.LotLoc, lot.LotContID, lot.LotDate ? lot.LotDate->DateText() : "",
-                      Fixed(lot.LotQty, 3), session.Perm_Costs == 0 ? "" : Fixed(lot.LotPrice, session.DecimalPlaces),
-                      lot.LotConsignment ? "Yes" : "No"});
-    }
-    if (!one.lots.empty()) rows.push_back({"", "", "Total", "", "", "", Fixed(one.total, 3), "", ""});
-  }
-  const std::string quantity = "Quantity (" + std::string(UnitName(session.UMI)) + ")";
-  return TableText(
-      {"Color Name", "Type", "Lot Number", "Location", "Cont ID Num", "Date", quantity, "Price", "Consignment"}, rows,
-      {false, false, false, false, false, false, true, true, false});
-}
 
 Result<Json> ShowStock(Context& context, const std::optional<std::string>& typed) {
   const Session& session = context.session;
@@ -71,6 +30,84 @@ Result<Json> ShowStock(Context& context, const std::optional<std::string>& typed
   return answer;
 }
 
+// The lots of one colour. A name that both kinds bear is asked for.
+Result<Json> ShowLots(Context& context, const std::string& typed, const std::string& kindOption) {
+  const Session& session = context.session;
+  const auto name = TypedName(session, typed);
+  if (!name) return std::unexpected(name.error());
+  const auto kind = ChooseInventoryColor(session, *name, KindOf(kindOption));
+  if (!kind) return std::unexpected(kind.error());
+  const std::vector<ColorStock> stock = ListStock(session, *name, *kind);
+  Json answer = Json::array();
+  for (const LotRow& lot : stock.front().lots) answer.push_back(LotJson(session, lot));
+  if (!context.json) context.text = StockText(session, stock);
+  return answer;
+}
+
+Result<Json> ShowLow(Context& context) {
+  Json answer = Json::array();
+  std::vector<std::vector<std::string>> rows;
+  for (const LowStock& low : ColorsBelowReorder(context.session)) {
+    answer.push_back({{"Color_Name", low.Color_Name},
+                      {"Kind", static_cast<int>(low.kind)},
+                      {"Total", Number(low.total)},
+                      {"Reorder", Number(low.Reorder)}});
+    rows.push_back({low.Color_Name, KindText(low.kind), Fixed(low.total, 3), Fixed(low.Reorder, 3)});
+  }
+  const std::string unit = " (" + std::string(UnitName(context.session.UMI)) + ")";
+  if (!context.json)
+    context.text =
+        TableText({"Color Name", "Type", "Inventory" + unit, "Reorder" + unit}, rows, {false, false, true, true});
+  return answer;
+}
+
+struct HistoryOptions {
+  std::optional<std::string> name;
+  std::optional<std::string> lot;
+  std::string kind;
+};
+
+Result<Json> ShowHistory(Context& context, const HistoryOptions& options) {
+  const Session& session = context.session;
+  StockHistoryFilter filter;
+  filter.lot = options.lot;
+  filter.kind = KindOf(options.kind);
+  if (options.name) {
+    auto name = TypedName(session, *options.name);
+    if (!name) return std::unexpected(name.error());
+    filter.name = *std::move(name);
+  }
+  const std::vector<StockLine> lines = ListStockHistory(session, filter);
+  if (lines.empty() && filter.name && ListStock(session, *filter.name, filter.kind).empty())
+    return std::unexpected(InventoryColorNotFound(session));
+  Json answer = Json::array();
+  std::vector<std::vector<std::string>> rows;
+  for (const StockLine& line : lines) {
+    const std::string source(StockEventText(line.event));
+    answer.push_back({{"Date", line.when.ToText()},
+                      {"Username", line.user},
+                      {"Source", source},
+                      {"Kind", static_cast<int>(line.kind)},
+                      {"Database", line.database},
+                      {"Color_Name", line.Color_Name},
+                      {"LotRefID", line.LotRefID},
+                      {"LotNumber", line.LotRefID == 0 ? std::string(kUnlottedInv) : line.LotNumber},
+                      {"Change", line.change},
+                      {"Result", Number(line.result)},
+                      {"Document", line.document},
+                      {"Reason", line.reason}});
+    if (!context.json)
+      rows.push_back({line.when.ToText(), line.user, source, line.Color_Name,
+                      line.LotRefID == 0 ? std::string(kUnlottedInv) : line.LotNumber, Fixed(line.change, 3),
+                      Fixed(line.result, 3), line.document, line.reason});
+  }
+  if (!context.json)
+    context.text =
+        TableText({"Date", "User", "Source", "Color Name", "Lot Number", "Change", "Result", "Document", "Reason"},
+                  rows, {false, false, false, false, false, true, true, false, false});
+  return answer;
+}
+
 struct AdjustOptions {
   std::string name;
   std::string quantity;
@@ -80,8 +117,9 @@ struct AdjustOptions {
   std::optional<std::string> price;
   std::optional<std::string> date;
   std::string count;
-  bool consignment = false;
+  std::optional<bool> consignment;
   std::string kind;
+  std::string reason;
 };
 
 // The fields as typed. A lot that is there already keeps whatever was not named.
@@ -102,7 +140,7 @@ Result<AdjustFields> FieldsOf(const Session& session, const InventoryWork& work,
     }
   }
   fields.quantity = quantity;
-  if (options.consignment) fields.consignment = true;
+  if (options.consignment) fields.consignment = *options.consignment;
   if (options.price) {
     const auto price = ReadLotPrice(session, work, *options.price);
     if (!price) return std::unexpected(price.error());
@@ -133,31 +171,46 @@ Result<Json> AdjustStock(Context& context, const AdjustOptions& options) {
   const auto read = TypedName(session, options.name);
   if (!read) return std::unexpected(read.error());
   const std::string& name = *read;
-  std::optional<ColorKind> wanted;
-  if (!options.kind.empty()) wanted = options.kind == "formula" ? ColorKind::Mix : ColorKind::Basic;
-  const auto kind = ChooseInventoryColor(session, name, wanted);
+  const auto kind = ChooseInventoryColor(session, name, KindOf(options.kind));
   if (!kind) return std::unexpected(kind.error());
 
   InventoryWork work = LoadInventory(session, *kind, name);
+  work.reason = Trim(options.reason);
   const auto fields = FieldsOf(session, work, options, *quantity);
   if (!fields) return std::unexpected(fields.error());
   if (const auto applied = ApplyAdjust(session, work, *fields); !applied) return std::unexpected(applied.error());
   if (const auto saved = SaveInventory(session, work); !saved) return std::unexpected(saved.error());
-
-  const std::vector<ColorStock> stock = ListStock(session, work.name, *kind);
-  if (!context.json) context.text = StockText(session, stock);
-  return StockJson(session, stock.front());
+  return AnswerStock(context, *kind, work.name);
 }
 
 }  // namespace
 
 void AddStockCommands(CLI::App& app, Commands& commands) {
-  CLI::App* noun = AddNoun(app, "stock", "What is in stock: show, adjust");
+  CLI::App* noun = AddNoun(app, "stock", "What is in stock, and how it came there");
 
   auto* show = noun->add_subcommand("show", "Unlotted stock, lots and totals");
   const auto shown = std::make_shared<std::optional<std::string>>();
   show->add_option("NAME", *shown, "A Basic Color or formula; all of them without a name");
   commands.Add(show, Needs::File, [shown](Context& context) { return ShowStock(context, *shown); });
+
+  auto* lots = noun->add_subcommand("lots", "The lots of a colour");
+  const auto whose = std::make_shared<std::pair<std::string, std::string>>();
+  lots->add_option("NAME", whose->first, "The Basic Color or formula")->required();
+  AddKindOption(lots, whose->second);
+  commands.Add(lots, Needs::File, [whose](Context& context) { return ShowLots(context, whose->first, whose->second); });
+
+  auto* low = noun->add_subcommand("low", "The colours whose stock is below their reorder point");
+  commands.Add(low, Needs::File, [](Context& context) { return ShowLow(context); });
+
+  auto* history =
+      noun->add_subcommand("history", "Every change of stock: when, who, what moved it, what then was there");
+  const auto told = std::make_shared<HistoryOptions>();
+  history->add_option("NAME", told->name, "A Basic Color or formula, through all its names; all of them without one");
+  history->add_option("--lot", told->lot, "Only this lot, or \"Unlotted Inv.\"")->check(NotEmpty);
+  AddKindOption(history, told->kind);
+  commands.Add(history, Needs::File, [told](Context& context) { return ShowHistory(context, *told); });
+
+  AddStockResetCommands(*noun, commands);
 
   auto* adjust = noun->add_subcommand("adjust", "Add to a colour's stock, or take from it with a negative quantity");
   const auto options = std::make_shared<AdjustOptions>();
@@ -170,9 +223,12 @@ void AddStockCommands(CLI::App& app, Commands& commands) {
       ->needs(lot);
   adjust->add_option("--date", options->date, "Date of the lot, YYYY-MM-DD; today for a new one")->needs(lot);
   adjust->add_option("--count", options->count, "Number of containers");
-  adjust->add_flag("--consignment", options->consignment, "The lot is held on consignment")->needs(lot);
-  adjust->add_option("--kind", options->kind, "Which is meant when both bear the name")
-      ->transform(CLI::IsMember({"basic", "formula"}, CLI::ignore_case));
+  adjust
+      ->add_flag("--consignment,!--no-consignment", options->consignment,
+                 "The lot is held on consignment, or no longer so")
+      ->needs(lot);
+  AddKindOption(adjust, options->kind);
+  adjust->add_option("--reason", options->reason, "Why, for the history");
   commands.Add(adjust, Needs::Writable, [options](Context& context) { return AdjustStock(context, *options); });
 }
 

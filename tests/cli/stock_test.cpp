@@ -137,5 +137,101 @@ TEST(CliStock, RefusesAndThenNothingHasChanged) {
   EXPECT_EQ(shop.Json({"stock", "show", "PURPLE"})[0]["Total"], 3);
 }
 
+TEST(CliStock, ListsLotsAndWhatIsToBeOrdered) {
+  const StockShop shop;
+  shop.Json({"stock", "adjust", "PURPLE", "4", "--lot", "A", "--cont", "7", "--count", "2", "--consignment"});
+  shop.Json({"stock", "adjust", "PURPLE", "1", "--lot", "A", "--cont", "8", "--no-consignment"});
+  const ordered_json lots = shop.Json({"stock", "lots", "purple"});
+  ASSERT_EQ(lots.size(), 2U);
+  EXPECT_EQ(lots[0]["LotConsignment"], true);
+  EXPECT_EQ(lots[1]["LotContID"], "8");
+  EXPECT_EQ(lots[1]["LotQty"], 5);
+  EXPECT_EQ(lots[1]["LotConsignment"], false);
+  EXPECT_EQ(shop.Run({"stock", "lots", "RED"}).status, 3);
+  EXPECT_EQ(shop.Json({"stock", "lots", "RED", "--kind", "basic"}), ordered_json::array());
+
+  EXPECT_EQ(shop.Json({"stock", "low"}), ordered_json::array());
+  EXPECT_EQ(shop.Json({"stock", "reorder", "PURPLE", "12.0006"}),
+            ordered_json::parse(R"({"Color_Name": "PURPLE", "Kind": 2, "Reorder": 12.001, "Total": 12})"));
+  EXPECT_EQ(shop.Json({"stock", "low"}),
+            ordered_json::parse(R"([{"Color_Name": "PURPLE", "Kind": 2, "Total": 12, "Reorder": 12.001}])"));
+  shop.Json({"stock", "reset-reorder", "--basics", "0.2", "--formulas", "0"});
+  EXPECT_EQ(shop.Json({"stock", "low"}).size(), 2U);
+  EXPECT_NE(shop.Run({"stock", "low"}).out.find("BLUE'S"), std::string::npos);
+
+  const std::string before = ReadFileBytes(shop.path);
+  EXPECT_EQ(shop.Run({"stock", "reorder", "PURPLE", "100000"}).err,
+            "Adjust Reorder Point - Invalid Reorder Point: You must enter a Reorder Point > 0 and < 99999\n");
+  EXPECT_EQ(shop.Run({"stock", "reorder", "GREEN", "1"}).status, 1);
+  EXPECT_EQ(shop.Run({"stock", "reorder", "RED", "1"}).status, 3);
+  EXPECT_EQ(shop.Run({"stock", "reset-reorder", "--basics", "-1"}).status, 1);
+  EXPECT_EQ(shop.Run({"stock", "reset-reorder"}).status, 2);
+  EXPECT_EQ(shop.Run({"stock", "adjust", "PURPLE", "1", "--lot", "A\nB"}).err,
+            "Invalid Lot: A lot number, location or container cannot hold a line end or a tab.\n");
+  EXPECT_EQ(ReadFileBytes(shop.path), before);
+}
+
+TEST(CliStock, ResetsStockDatesAndPrices) {
+  const StockShop shop;
+  for (const char* lot : {"A", "B"}) shop.Json({"stock", "adjust", "PURPLE", "4", "--lot", lot});
+  EXPECT_EQ(shop.Run({"stock", "reset", "inventory", "PURPLE"}).status, 3);
+  EXPECT_EQ(shop.Run({"--no", "stock", "reset", "inventory", "PURPLE"}).status, 1);
+  ordered_json stock = shop.Json({"--yes", "stock", "reset", "date", "PURPLE", "2025-02-28", "--lot", "a"});
+  EXPECT_EQ(stock["lots"][0]["LotDate"], "2025-02-28");
+  EXPECT_NE(stock["lots"][1]["LotDate"], "2025-02-28");
+  stock = shop.Json({"--answer", "Reset Prices=yes", "stock", "reset", "price", "PURPLE", "7.5"});
+  EXPECT_EQ(stock["lots"][0]["LotPrice"], 7.5);
+  EXPECT_EQ(stock["lots"][1]["LotPrice"], 7.5);
+  stock = shop.Json({"--yes", "stock", "reset", "inventory", "PURPLE", "--lot", "B"});
+  EXPECT_EQ(stock["Lotted"], 4);
+  EXPECT_EQ(stock["Unlotted"], 3);
+  stock = shop.Json({"--yes", "stock", "reset", "inventory", "PURPLE", "--lot", "Unlotted Inv."});
+  EXPECT_EQ(stock["Total"], 4);
+  stock = shop.Json({"--yes", "stock", "reset", "inventory", "RED", "--kind", "basic"});
+  EXPECT_EQ(stock["Total"], 0);
+
+  shop.Json({"stock", "reset", "inventory", "--basics", "10"});
+  EXPECT_EQ(shop.Json({"stock", "show", "BLUE'S"})[0]["Total"], 10);
+  shop.Json({"stock", "reset", "inventory", "--mixes", "0"});
+  EXPECT_EQ(shop.Json({"stock", "show", "PURPLE"})[0]["Total"], 0);
+
+  const std::string before = ReadFileBytes(shop.path);
+  EXPECT_EQ(shop.Run({"stock", "reset", "inventory", "--basics", "99999.001"}).err,
+            "Invalid Inventory Amount: Please enter an Inventory amount between 0 and 99999.\n");
+  EXPECT_EQ(shop.Run({"stock", "reset", "inventory"}).status, 2);
+  EXPECT_EQ(shop.Run({"stock", "reset", "inventory", "PURPLE", "--basics", "1"}).status, 2);
+  EXPECT_EQ(shop.Run({"stock", "reset", "date", "PURPLE", "1999-12-31"}).status, 1);
+  EXPECT_EQ(shop.Run({"--yes", "stock", "reset", "price", "BLUE'S", "1", "--lot", "X"}).err,
+            "Lot Not Found: BLUE'S has no lot X.\n");
+  EXPECT_EQ(ReadFileBytes(shop.path), before);
+}
+
+TEST(CliStock, TellsWhereStockCameFrom) {
+  const StockShop shop;
+  const std::vector<std::string> at{"--now", "2026-03-10 08:15:00"};
+  const auto run = [&](std::vector<std::string> words) {
+    words.insert(words.begin(), at.begin(), at.end());
+    return shop.Json(words);
+  };
+  run({"color", "add", "GREEN", "Inventory=2"});
+  run({"stock", "adjust", "GREEN", "1.5", "--reason", "counted"});
+  run({"stock", "adjust", "GREEN", "6", "--lot", "A"});
+  run({"color", "rename", "GREEN", "MOSS"});
+  run({"stock", "adjust", "MOSS", "-6", "--lot", "A"});
+  const ordered_json lines = shop.Json({"stock", "history", "moss"});
+  ASSERT_EQ(lines.size(), 5U);
+  EXPECT_EQ(lines[1], ordered_json::parse(R"({"Date": "2026-03-10 08:15:00", "Username": "", "Source": "Manual",
+      "Kind": 1, "Database": "INK", "Color_Name": "GREEN", "LotRefID": 0, "LotNumber": "Unlotted Inv.",
+      "Change": 1.5, "Result": 3.5, "Document": "", "Reason": "counted"})"));
+  EXPECT_EQ(lines[3]["Source"], "Renamed from");
+  EXPECT_EQ(shop.Json({"stock", "history", "--lot", "A"}).size(), 2U);
+  EXPECT_EQ(shop.Json({"stock", "history", "MOSS", "--lot", "a"}).size(), 2U);
+  EXPECT_EQ(shop.Json({"stock", "history", "MOSS", "--lot", "a"})[1]["Change"], -6);
+  EXPECT_EQ(shop.Json({"stock", "history", "PURPLE"}), ordered_json::array());
+  EXPECT_NE(shop.Run({"stock", "history"}).out.find("counted"), std::string::npos);
+  EXPECT_EQ(shop.Run({"stock", "history", "BROWN"}).status, 1);
+  EXPECT_EQ(shop.Run({"stock", "history", "--lot", ""}).status, 2);
+}
+
 }  // namespace
 }  // namespace vellumark
