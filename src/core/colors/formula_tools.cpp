@@ -41,20 +41,16 @@ std::vector<ListedColor> ListColors(const Session& session, ColorKind kind, std:
   return colors;
 }
 
-SwatchReader::SwatchReader(const Session& session, ColorKind kind, std::string_view database)
-    : row_(session.File().Prepare(fmt::format("SELECT Color_Guide, Red, Green, Blue FROM {} WHERE rowid = ?",
-                                              Quoted(session.Table(ColorTable(kind), database))))) {}
-
-std::optional<std::array<int, 3>> SwatchReader::Read(std::int64_t rowId) {
-  std::optional<std::array<int, 3>> swatch;
-  row_.Bind(1, rowId);
-  if (row_.Step()) {
-    const std::array<int, 3> parts{static_cast<int>(row_.Whole(1)), static_cast<int>(row_.Whole(2)),
-                                   static_cast<int>(row_.Whole(3))};
-    if (!row_.TextView(0).empty() || parts != std::array<int, 3>{}) swatch = parts;
-  }
-  row_.Reset();
-  return swatch;
+std::optional<std::array<int, 3>> ReadSwatch(const Session& session, ColorKind kind, std::int64_t rowId,
+                                             std::string_view database) {
+  Statement row = session.File().Prepare(fmt::format("SELECT Color_Guide, Red, Green, Blue FROM {} WHERE rowid = ?",
+                                                     Quoted(session.Table(ColorTable(kind), database))));
+  row.Bind(1, rowId);
+  if (!row.Step()) return std::nullopt;
+  const std::array<int, 3> parts{static_cast<int>(row.Whole(1)), static_cast<int>(row.Whole(2)),
+                                 static_cast<int>(row.Whole(3))};
+  if (row.TextView(0).empty() && parts == std::array<int, 3>{}) return std::nullopt;
+  return parts;
 }
 
 const AdditiveSet* AdditiveSetsOnFile::Find(const std::string& name) {

@@ -38,16 +38,10 @@ struct ListedColor {
 /// current one.
 std::vector<ListedColor> ListColors(const Session& session, ColorKind kind, std::string_view database = {});
 
-/// Red, green and blue of the colours that a list shows at the moment, by row number. Prepared once.
-class SwatchReader {
- public:
-  SwatchReader(const Session& session, ColorKind kind, std::string_view database = {});
-  /// Nothing for a colour that has neither a guide nor a swatch set by hand.
-  std::optional<std::array<int, 3>> Read(std::int64_t rowId);
-
- private:
-  Statement row_;
-};
+/// Red, green and blue of a colour in such a list, for the rows that are on screen. Nothing for a colour that has
+/// neither a guide nor a swatch set by hand.
+std::optional<std::array<int, 3>> ReadSwatch(const Session& session, ColorKind kind, std::int64_t rowId,
+                                             std::string_view database = {});
 
 /// The Additive Sets by name, each read once: most formulas of a Database share a few.
 class AdditiveSetsOnFile {

@@ -16,6 +16,7 @@
 #include "desktop/kit/icons.h"
 #include "desktop/kit/look.h"
 #include "desktop/kit/text.h"
+#include "desktop/kit/wait_progress.h"
 
 namespace vellumark::desktop {
 namespace {
@@ -176,8 +177,18 @@ Answer MessagePrompt::Show(const Message& message) {
   if (hook_) {
     if (const auto answer = hook_(message)) return *answer;
   }
-  MessageDialog dialog(message, QApplication::activeWindow());
+  // A wait window steps back while the operator is asked; the work brings it back. Its cursor goes with it.
+  QWidget* owner = QApplication::activeWindow();
+  for (QWidget* window : QApplication::topLevelWidgets()) {
+    if (qobject_cast<WaitWindow*>(window) == nullptr || !window->isVisible()) continue;
+    if (owner == window) owner = window->parentWidget();
+    window->hide();
+  }
+  const bool waiting = QApplication::overrideCursor() != nullptr;
+  if (waiting) QApplication::setOverrideCursor(Qt::ArrowCursor);
+  MessageDialog dialog(message, owner);
   dialog.exec();
+  if (waiting) QApplication::restoreOverrideCursor();
   return dialog.Chosen();
 }
 

@@ -129,6 +129,8 @@ void WaitProgress::ShowNow() {
 
 void WaitProgress::Pump() {
   window_->SetPercent(percent_);
+  // It stood back for a message.
+  if (!window_->isVisible()) window_->show();
   QApplication::processEvents();
   pumped_.start();
   if (window_ != nullptr && window_->Cancelled()) cancelled_ = true;

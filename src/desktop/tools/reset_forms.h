@@ -1,0 +1,91 @@
+#pragma once
+
+#include "core/datafile/color_kind.h"
+#include "desktop/kit/window.h"
+
+namespace vellumark::desktop {
+
+// The mass resets: one figure of every colour of the current Database.
+
+/// PurchaseCost of every Basic Color.
+class ResetBasicCostForm : public Dialog {
+  Q_OBJECT
+
+ public:
+  ResetBasicCostForm(WindowList& windowList, QWidget* owner);
+  void UpdateEnabled() override;
+
+ public Q_SLOTS:
+  void cmdOK_Click();
+  void cmdCancel_Click() { reject(); }
+
+ private:
+  CheckField* chosen_;
+  NumberField* value_;
+  CommandButton* ok_;
+};
+
+/// PurchaseCost of every Master Formula: one value, or what its ingredients cost with a markup.
+class ResetMixCostForm : public Dialog {
+  Q_OBJECT
+
+ public:
+  ResetMixCostForm(WindowList& windowList, QWidget* owner);
+  void UpdateEnabled() override;
+
+ public Q_SLOTS:
+  void cmdOK_Click();
+  void cmdCancel_Click() { reject(); }
+
+ private:
+  RadioField* way_;
+  NumberField* value_;
+  NumberField* markup_;
+  NumberField* fixed_;
+};
+
+/// VOC and HAP of every colour of a kind.
+class ResetEmissionsForm : public Dialog {
+  Q_OBJECT
+
+ public:
+  void UpdateEnabled() override;
+
+ public Q_SLOTS:
+  void cmdOK_Click();
+  void cmdCancel_Click() { reject(); }
+
+ protected:
+  struct Names {
+    QString window;
+    QString title;
+    QString checkVOC;
+    QString checkHAP;
+    QString note;
+  };
+  ResetEmissionsForm(WindowList& windowList, QWidget* owner, ColorKind kind, const Names& names);
+
+ private:
+  ColorKind kind_;
+  CheckField* checkVOC_;
+  CheckField* checkHAP_;
+  NumberField* voc_;
+  NumberField* hap_;
+  CommandButton* ok_;
+};
+
+class ResetBasic_VOC_HAP_Form : public ResetEmissionsForm {
+  Q_OBJECT
+
+ public:
+  ResetBasic_VOC_HAP_Form(WindowList& windowList, QWidget* owner);
+};
+
+class ResetMixColor_VOC_HAP : public ResetEmissionsForm {
+  Q_OBJECT
+
+ public:
+  ResetMixColor_VOC_HAP(WindowList& windowList, QWidget* owner);
+};
+
+}  // namespace vellumark::desktop

@@ -1,0 +1,76 @@
+#include "desktop/tools/tools_menu.h"
+
+#include <QKeyEvent>
+#include <QLayout>
+#include <array>
+
+#include "core/session/rights.h"
+
+namespace vellumark::desktop {
+namespace {
+
+constexpr int kButtonWidth = 264;
+
+struct Entry {
+  const char* button;
+  const char* caption;
+  const char* window;
+  const char* heading = nullptr;  ///< of the group that the entry begins
+  bool isDialog = false;
+};
+
+constexpr std::array<Entry, 8> kEntries{{
+    {"cmdAdditiveControl", QT_TRANSLATE_NOOP("DBToolsMenu", "&Additive Sets"), "DBAdditiveControl",
+     QT_TRANSLATE_NOOP("DBToolsMenu", "Many colors at once")},
+    {"cmdFormulaModifier", QT_TRANSLATE_NOOP("DBToolsMenu", "&Formula Modifier"), "DBFormulaModifierForm"},
+    {"cmdRenameColors", QT_TRANSLATE_NOOP("DBToolsMenu", "&Rename Colors"), "DBRenameColors"},
+    {"cmdDelColors", QT_TRANSLATE_NOOP("DBToolsMenu", "&Delete Master Formulas"), "DBDelColors"},
+    {"cmdResetBasicCost", QT_TRANSLATE_NOOP("DBToolsMenu", "&Basic Color costs"), "ResetBasicCostForm",
+     QT_TRANSLATE_NOOP("DBToolsMenu", "One figure of every color"), true},
+    {"cmdResetMixCost", QT_TRANSLATE_NOOP("DBToolsMenu", "&Master Formula costs"), "ResetMixCostForm", nullptr, true},
+    {"cmdResetBasicVOCHAP", QT_TRANSLATE_NOOP("DBToolsMenu", "Basic Color &VOC and HAP"), "ResetBasic_VOC_HAP_Form",
+     nullptr, true},
+    {"cmdResetMixVOCHAP", QT_TRANSLATE_NOOP("DBToolsMenu", "Master Formula VOC and &HAP"), "ResetMixColor_VOC_HAP",
+     nullptr, true},
+}};
+
+}  // namespace
+
+DBToolsMenu::DBToolsMenu(WindowList& windowList) : Window(windowList, "DBToolsMenu", tr("DB Tools")) {
+  Form form(*this);
+  bool first = true;
+  for (const Entry& entry : kEntries) {
+    const std::string name = entry.window;
+    if (!windows.Knows(name)) continue;
+    if (entry.heading != nullptr) form.Heading(tr(entry.heading));
+    CommandButton* button = form.Button(entry.button, tr(entry.caption),
+                                        [this, name, isDialog = entry.isDialog] { Choose(name, isDialog); });
+    button->setMinimumWidth(kButtonWidth);
+    form.Wide(button);
+    if (first) button->setFocus();
+    first = false;
+  }
+  layout()->setSizeConstraint(QLayout::SetFixedSize);
+}
+
+void DBToolsMenu::Choose(const std::string& name, bool isDialog) {
+  if (!Accepted(RequireCommandRight(session, CommandRight::DBTools))) return;
+  // This window is deleted by its close.
+  WindowList& list = windows;
+  if (!Leave()) return;
+  if (isDialog) {
+    list.RunDialog(name);
+  } else {
+    list.OpenForm(name);
+  }
+}
+
+void DBToolsMenu::keyPressEvent(QKeyEvent* event) {
+  if (event->key() == Qt::Key_Down || event->key() == Qt::Key_Up) {
+    focusNextPrevChild(event->key() == Qt::Key_Down);
+    return;
+  }
+  Window::keyPressEvent(event);
+}
+
+}  // namespace vellumark::desktop
