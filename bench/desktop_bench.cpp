@@ -14,6 +14,7 @@
 #include "desktop/session/register.h"
 #include "desktop/settings/register.h"
 #include "desktop/shell/program.h"
+#include "desktop/tools/register.h"
 #include "large_room.h"
 
 namespace vellumark::bench {
@@ -54,6 +55,7 @@ void StartOurs(benchmark::State& state) {
     desktop::RegisterSessionWindows(windows);
     desktop::RegisterSettingsWindows(windows);
     desktop::RegisterColorsWindows(windows);
+    desktop::RegisterToolsWindows(windows);
     desktop::RegisterDatafileWindows(windows, program.Windows());
     program.Windows().SkipSplash();
     StartOptions options;

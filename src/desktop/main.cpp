@@ -14,6 +14,7 @@
 #include "desktop/session/register.h"
 #include "desktop/settings/register.h"
 #include "desktop/shell/program.h"
+#include "desktop/tools/register.h"
 
 int main(int argc, char** argv) {
   vellumark::desktop::Application application(argc, argv);
@@ -39,6 +40,7 @@ int main(int argc, char** argv) {
   vellumark::desktop::RegisterSessionWindows(windows);
   vellumark::desktop::RegisterSettingsWindows(windows);
   vellumark::desktop::RegisterColorsWindows(windows);
+  vellumark::desktop::RegisterToolsWindows(windows);
 
   vellumark::desktop::Program program(windows);
   vellumark::desktop::RegisterDatafileWindows(windows, program.Windows());

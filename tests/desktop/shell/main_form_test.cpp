@@ -28,6 +28,7 @@
 #include "desktop/session/register.h"
 #include "desktop/settings/register.h"
 #include "desktop/shell/program.h"
+#include "desktop/tools/register.h"
 #include "support/desktop.h"
 #include "support/scratch.h"
 
@@ -45,6 +46,7 @@ struct Running {
     RegisterSessionWindows(windows);
     RegisterSettingsWindows(windows, [] { return SystemPrinters{}; });
     RegisterColorsWindows(windows);
+    RegisterToolsWindows(windows);
     RegisterDatafileWindows(windows, program.Windows());
     program.Windows().SkipSplash();
     const bool ready = program.Start(options);
