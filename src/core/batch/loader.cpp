@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 #include "core/base/text.h"
 #include "core/base/units.h"
@@ -197,7 +198,7 @@ bool FormulaUnchanged(const Session& session, const BatchRecord& record, double 
 }
 
 // Chooses the recycled colours once more, as they were chosen, so that rows can be adjusted. Where that no longer gives
-// the lines that were stored, those stand.
+// the lines that were stored (a colour used at its most leaves a remainder in rounding), those stand.
 void Replay(Session& session, BatchWork& work, const std::vector<StoredLine>& lines) {
   const BatchWork stored = work;
   work.Ingredients = work.FormulaIngredients;
@@ -214,7 +215,10 @@ void Replay(Session& session, BatchWork& work, const std::vector<StoredLine>& li
            });
   }
   if (same) return;
-  work.RecycledColors = stored.RecycledColors;
+  const std::vector<RecycleColor> chosen = std::exchange(work.RecycledColors, stored.RecycledColors);
+  for (RecycleColor& color : work.RecycledColors)
+    for (const RecycleColor& other : chosen)
+      if (EqualNoCase(other.Color_Name, color.Color_Name)) color.Recycle_Percent = other.Recycle_Percent;
   work.Ingredients = stored.Ingredients;
 }
 

@@ -52,6 +52,8 @@ class ScriptedDialogs final : public BatchDialogs {
 /// A room in which Batches are saved: no cutoff, no lot number reminder, unless a test says otherwise.
 struct LifeRoom : StockRoom {
   LifeRoom() {
+    // No machine dies in these tests, and there are many saves.
+    session.File().Execute("PRAGMA synchronous=OFF");
     Setting("InvCutoff", "0");
     Setting("BatchLotNumReminder", "0");
   }
@@ -102,6 +104,16 @@ struct LifeRoom : StockRoom {
   }
   void Select(std::size_t row, std::vector<LotUse> uses) {
     ASSERT_TRUE(SetRowLots(session, record, row, LotSelection{std::move(uses)}));
+  }
+
+  /// Reads the current Batch's row.
+  Value OfBatch(std::string_view field, std::int32_t number = 1) {
+    return Scalar(fmt::format("SELECT {} FROM INK_Batch WHERE BatchNo = ?1", Quoted(field)), {number});
+  }
+  /// Title of the refusal; empty when it was done.
+  template <class T>
+  static std::string Title(const Result<T>& result) {
+    return result ? std::string() : result.error().title;
   }
 
   float Red() { return Inventory(ColorKind::Basic, "RED").Single(); }
