@@ -15,6 +15,8 @@
 #include "core/colors/rollup.h"
 #include "core/exchange/formula_exchange.h"
 #include "core/exchange/mfe.h"
+#include "core/inventory/adjust.h"
+#include "core/inventory/stock_resets.h"
 #include "support/ink_room.h"
 #include "support/snapshot.h"
 
@@ -42,6 +44,18 @@ struct FilledRoom {
                                   {"IngName0", "BASIC 0"},
                                   {"IngType0", 1},
                                   {"Notes", std::string(200, 'b')}});
+    for (int i = 0; i < 400; ++i) {
+      room.AddRow(schema::BasicLotInv, {{"LotCName", "BASIC 0"},
+                                        {"LotRefID", i + 1},
+                                        {"LotNumber", "LOT " + std::to_string(i)},
+                                        {"LotQty", 10.0F},
+                                        {"LotPrice", 1.0F}});
+      room.AddRow(schema::BatchLotInv, {{"BatchNo", i},
+                                        {"IngName", "BASIC 0"},
+                                        {"IngType", 1},
+                                        {"LotRefID", i + 1},
+                                        {"LotNumber", "LOT " + std::to_string(i)}});
+    }
     for (int i = 0; i < 500; ++i)
       room.AddRow(
           schema::JobRecords,
@@ -133,6 +147,34 @@ TEST(Kills, Import) {
 TEST(Kills, RenameOfAnIngredient) {
   KillMany([](Session& session) {
     if (!RenameBasic(session, "BASIC 0", "RENAMED")) ::_exit(1);
+  });
+}
+
+// Lots changed with their copies, removed and added, unlotted stock, and the history of all of it.
+TEST(Kills, StockSave) {
+  KillMany([](Session& session) {
+    InventoryWork work = LoadInventory(session, ColorKind::Basic, "BASIC 0");
+    AdjustFields fields = ClearedFields(session, work);
+    fields.quantity = 5;
+    bool applied = ApplyAdjust(session, work, fields).has_value();
+    for (std::size_t row = 400; row >= 1; --row) {
+      fields = FieldsOfRow(session, work, row);
+      fields.quantity = row % 4 == 0 ? -10.0F : 2.5F;
+      fields.lotNumber += " MOVED";
+      fields.location = std::string(25, 'L');
+      applied = applied && ApplyAdjust(session, work, fields);
+    }
+    fields = ClearedFields(session, work);
+    fields.lotNumber = "NEW";
+    fields.count = 3000;
+    fields.quantity = 2;
+    if (!applied || !ApplyAdjust(session, work, fields) || !SaveInventory(session, work)) ::_exit(1);
+  });
+}
+
+TEST(Kills, StockReset) {
+  KillMany([](Session& session) {
+    if (!ResetInventories(session, {.basics = "0", .mixes = "7"})) ::_exit(1);
   });
 }
 
