@@ -1,10 +1,14 @@
 #include "core/inventory/stock_history.h"
 
+#include <map>
+#include <random>
+
 #include "core/base/number.h"
 #include "core/colors/basic_work.h"
 #include "core/colors/rename.h"
 #include "core/inventory/adjust.h"
 #include "core/inventory/posting.h"
+#include "core/inventory/stock_resets.h"
 #include "support/stock_room.h"
 
 namespace vellumark::test {
@@ -164,6 +168,52 @@ TEST_F(StockHistoryTest, LargeFiguresAddUpAsTheyRead) {
   sum = 0;
   for (const StockLine& line : ListStockHistory(session, {.name = "RED"})) sum += line.change;
   EXPECT_EQ(static_cast<float>(RoundTo(sum, 6)), Inventory(kBasic, "RED").Single());
+}
+
+TEST_F(StockHistoryTest, AddsUpWhateverTheWindowDoes) {
+  for (const char* name : {"RED", "BLUE"}) NewBasic(name, 2.5F);
+  std::vector<std::string> names{"RED", "BLUE"};
+  std::mt19937 random(6);
+  const auto below = [&random](std::size_t n) { return static_cast<std::size_t>(random() % n); };
+  for (int step = 0; step < 300; ++step) {
+    std::string& name = names[below(2)];
+    InventoryWork work = LoadInventory(session, kBasic, name);
+    for (std::size_t edits = below(4); edits > 0; --edits) {
+      AdjustFields fields = FieldsOfRow(session, work, below(work.rows.size()));
+      if (below(3) == 0) {
+        fields = ClearedFields(session, work);
+        fields.count = 1 + static_cast<int>(below(3));
+      }
+      if (below(2) == 0) fields.lotNumber = "N" + std::to_string(below(5));
+      fields.quantity = RoundSingle(static_cast<double>(below(4000)) / 1000 - 1.5, 3);
+      static_cast<void>(ApplyAdjust(session, work, fields));  // refused ones change nothing
+    }
+    ASSERT_EQ(SaveInventory(session, work), 0);
+    if (below(12) == 0) {
+      work = LoadInventory(session, kBasic, name);
+      prompt.Expect("Reset Inventory", Answer::Yes);
+      ASSERT_TRUE(*ResetRowInventories(session, work, {below(work.rows.size()), 0}));
+    }
+    if (below(25) == 0) {
+      const std::string newName = "C" + std::to_string(step);
+      ASSERT_TRUE(RenameBasic(session, name, newName));
+      name = newName;
+    }
+  }
+  for (const std::string& name : names) {
+    std::map<std::int32_t, double> sums;
+    for (const StockLine& line : ListStockHistory(session, {.name = name})) sums[line.LotRefID] += line.change;
+    EXPECT_EQ(RoundSingle(sums[0], 3), Inventory(kBasic, name).Single());
+    std::map<std::int32_t, float> lots;
+    for (const LotRow& lot : LotsOf(session, kBasic, name)) lots[lot.LotRefID] = lot.LotQty;
+    EXPECT_GT(lots.size(), 3U);
+    for (const auto& [ref, quantity] : lots) EXPECT_TRUE(sums.contains(ref)) << name << " lot " << ref;
+    sums.erase(0);
+    for (const auto& [ref, sum] : sums) {
+      const float expected = lots.contains(ref) ? lots.at(ref) : 0;
+      EXPECT_EQ(RoundSingle(sum, 3), expected) << name << " lot " << ref;
+    }
+  }
 }
 
 }  // namespace
