@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <string>
 
 #include "core/base/number.h"
 #include "core/colors/amounts.h"
@@ -29,6 +30,18 @@ std::string SlotColumns() {
     for (int n = 0; n < schema::kIngredientSlots; ++n)
       columns += fmt::format("{}{}{}", columns.empty() ? "" : ", ", word, n);
   return columns;
+}
+
+const Ingredient* FindLine(const Recipe& recipe, std::string_view name) {
+  const auto line = std::ranges::find_if(recipe, [&](const Ingredient& l) { return SameColorName(l.name, name); });
+  return line == recipe.end() ? nullptr : &*line;
+}
+
+std::string ChangeOf(const Ingredient& line, const Ingredient* published) {
+  if (published == nullptr) return "added";
+  const double more = RoundTo(line.amount - published->amount, 3);
+  if (more == 0) return {};
+  return (more > 0 ? "+" : "") + Fixed(more, 3);
 }
 
 constexpr const char* kRevertTitle = "Revert Back To Original Formula?";
@@ -68,9 +81,8 @@ bool IsFormulaModified(const Session& session, std::string_view name) {
   const std::string publishedSet = NameSet(NamesOf(*published));
   if (!ColorSetContains(presentSet, publishedSet) || !ColorSetContains(publishedSet, presentSet)) return true;
   return std::ranges::any_of(*published, [&](const Ingredient& line) {
-    const auto held =
-        std::ranges::find_if(present, [&](const Ingredient& other) { return SameColorName(other.name, line.name); });
-    return held == present.end() || held->amount != line.amount;
+    const Ingredient* held = FindLine(present, line.name);
+    return held == nullptr || held->amount != line.amount;
   });
 }
 
@@ -86,12 +98,18 @@ Result<FormulaComparison> CompareFormula(const Session& session, std::string_vie
   const auto published = ReadTemplateRecipe(session, mix->Color_Name);
   if (!published)
     return Refuse("Modified Formula", fmt::format("The guides of this database have no formula {}.", mix->Color_Name));
-  return FormulaComparison{mix->Color_Name,
-                           *published,
-                           mix->Ingredients(),
-                           mix->Date_Entered,
-                           IsFormulaModified(session, mix->Color_Name),
-                           CanRevertToGuide(session, mix->Color_Name)};
+  FormulaComparison compared;
+  compared.Color_Name = mix->Color_Name;
+  compared.original = *published;
+  compared.modified = mix->Ingredients();
+  for (const Ingredient& line : compared.modified)
+    compared.changes.push_back(ChangeOf(line, FindLine(compared.original, line.name)));
+  for (const Ingredient& line : compared.original)
+    if (FindLine(compared.modified, line.name) == nullptr) compared.missing.push_back(line.name);
+  compared.Date_Entered = mix->Date_Entered;
+  compared.isModified = IsFormulaModified(session, mix->Color_Name);
+  compared.canRevert = CanRevertToGuide(session, mix->Color_Name);
+  return compared;
 }
 
 Result<bool> AskRevertToGuide(Session& session, std::string_view name) {

@@ -1,7 +1,9 @@
 #pragma once
 
 #include <optional>
+#include <string>
 #include <string_view>
+#include <vector>
 
 #include "core/colors/formula_work.h"
 
@@ -18,6 +20,10 @@ struct FormulaComparison {
   std::string Color_Name;
   Recipe original;
   Recipe modified;
+  /// Of each modified line: "+1.250" or "-1.250" against the published amount, "added"; empty where nothing differs.
+  std::vector<std::string> changes;
+  /// Published lines that the formula no longer has.
+  std::vector<std::string> missing;
   std::optional<DateTime> Date_Entered;
   bool isModified = false;
   bool canRevert = false;

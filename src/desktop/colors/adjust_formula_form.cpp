@@ -64,10 +64,11 @@ void AdjustFormulaForm::ShowChoices() {
 }
 
 void AdjustFormulaForm::PercentLeft(QWidget* to) {
-  if (to == nullptr || !isAncestorOf(to) || qobject_cast<QPushButton*>(to) != nullptr) return;
-  if (percent_->Text().empty()) return;
+  if (to == nullptr || !isAncestorOf(to) || percent_->Text().empty()) return;
   const Result<std::string> percent = EnterAdjustPercent(percent_->Text());
-  if (Accepted(percent)) percent_->SetText(*percent);
+  if (percent) return percent_->SetText(*percent);
+  // A command checks by itself, or needs no percentage.
+  if (qobject_cast<QPushButton*>(to) == nullptr) ShowRefusal(percent.error());
 }
 
 void AdjustFormulaForm::cmdOK_Click() {

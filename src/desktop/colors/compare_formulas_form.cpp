@@ -2,8 +2,10 @@
 
 #include <QDate>
 #include <QLocale>
+#include <algorithm>
 
 #include "core/base/number.h"
+#include "desktop/kit/look.h"
 #include "desktop/kit/text.h"
 
 namespace vellumark::desktop {
@@ -19,18 +21,13 @@ QLabel* Headline(Form& form, const QString& name) {
   return label;
 }
 
-Grid* Rows(Form& form, const QString& name) {
+Grid* Rows(Form& form, const QString& name, std::vector<GridColumn> columns) {
   Grid* grid = form.Table(name);
-  grid->SetColumns({GridColumn::Text(CompareFormulasForm::tr("Ingredient"), 288),
-                    GridColumn::Number(CompareFormulasForm::tr("Parts"), 104)});
+  grid->SetColumns(std::move(columns));
+  // Every line of a formula in sight, to be compared across.
+  grid->setMinimumHeight((schema::kIngredientSlots + 1) * space::kRowHeight + space::kUnit);
   form.Wide(grid, 1);
   return grid;
-}
-
-std::shared_ptr<TableSource> Lines(const Recipe& recipe) {
-  auto rows = std::make_shared<TableSource>();
-  for (const Ingredient& line : recipe) rows->Add({line.name, Fixed(line.amount, 3)});
-  return rows;
 }
 
 }  // namespace
@@ -40,13 +37,18 @@ CompareFormulasForm::CompareFormulasForm(WindowList& windowList, QWidget* owner)
   Form form(*this);
   std::vector<Form> sides = form.Columns(2);
   original_ = Headline(sides[0], "lblOriginal");
-  originalRows_ = Rows(sides[0], "fgOriginal");
+  const GridColumn ingredient = GridColumn::Text(tr("Ingredient"), 264);
+  const GridColumn parts = GridColumn::Number(tr("Parts"), 88);
+  const GridColumn change{tr("Change"), 96, GridColumn::Sort::Text, true};
+  originalRows_ = Rows(sides[0], "fgOriginal", {ingredient, parts, change});
   modified_ = Headline(sides[1], "lblModified");
-  modifiedRows_ = Rows(sides[1], "fgModified");
+  modifiedRows_ = Rows(sides[1], "fgModified", {ingredient, parts, change});
+  sides[0].Wide(form.Label("lblBelowOriginal", " "));  // keeps both grids at one height
   sides[1].Row(tr("Date Modified"), date_ = form.Label("lblDateModified"));
-  form.Buttons({form.Button("cmdClose", tr("Close")),
-                revert_ = form.Button("cmdRevert", tr("Revert Back To Original Formula"))});
-  resize(960, 600);
+  CommandButton* close = form.Button("cmdClose", tr("Close"));
+  form.Buttons({close, revert_ = form.Button("cmdRevert", tr("Revert Back To Original Formula"))});
+  setMinimumWidth(1056);
+  close->setFocus();
 }
 
 void CompareFormulasForm::OnOpen(const Arguments& arguments) {
@@ -61,8 +63,16 @@ void CompareFormulasForm::OnOpen(const Arguments& arguments) {
   mayRevert_ = arguments.Has("MayRevert") && arguments.Get<bool>("MayRevert");
   original_->setText(tr("Original %1").arg(Q(shown_.Color_Name)));
   modified_->setText(tr("Modified %1").arg(Q(shown_.Color_Name)));
-  originalRows_->SetSource(Lines(shown_.original));
-  modifiedRows_->SetSource(Lines(shown_.modified));
+  auto original = std::make_shared<TableSource>();
+  for (const Ingredient& line : shown_.original) {
+    const bool isMissing = std::ranges::find(shown_.missing, line.name) != shown_.missing.end();
+    original->Add({line.name, Fixed(line.amount, 3), isMissing ? U8(tr("missing")) : std::string()});
+  }
+  auto modified = std::make_shared<TableSource>();
+  for (std::size_t n = 0; n < shown_.modified.size(); ++n)
+    modified->Add({shown_.modified[n].name, Fixed(shown_.modified[n].amount, 3), shown_.changes[n]});
+  originalRows_->SetSource(original);
+  modifiedRows_->SetSource(modified);
   if (const auto& entered = shown_.Date_Entered)
     date_->setText(QLocale().toString(QDate(entered->year, entered->month, entered->day), QLocale::ShortFormat));
 }

@@ -24,7 +24,7 @@ DuplicateFormulaForm::DuplicateFormulaForm(WindowList& windowList, QWidget* owne
   setNames_->setMinimumWidth(kComboWidth);
   clear_->setAccessibleName(tr("Duplicate without an Additive Set"));
   ingredients_ = form.Table("fgAddSet");
-  ingredients_->SetColumns({GridColumn::Text(tr("Additive"), 320), GridColumn::Number(tr("Percent"), 104)});
+  ingredients_->SetColumns({GridColumn::Text(tr("Additive"), 400), GridColumn::Number(tr("Percent"), 104)});
   ingredients_->SetEmptyText(tr("No Additive Set"));
   ingredients_->setMinimumHeight((schema::kSetSlots + 1) * space::kRowHeight + space::kUnit);
   form.Wide(ingredients_, 1);
