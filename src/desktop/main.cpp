@@ -6,6 +6,7 @@
 #include "core/shell/startup.h"
 #include "desktop/colors/register.h"
 #include "desktop/datafile/register.h"
+#include "desktop/inventory/register.h"
 #include "desktop/kit/application.h"
 #include "desktop/kit/message_prompt.h"
 #include "desktop/kit/text.h"
@@ -41,6 +42,7 @@ int main(int argc, char** argv) {
   vellumark::desktop::RegisterSettingsWindows(windows);
   vellumark::desktop::RegisterColorsWindows(windows);
   vellumark::desktop::RegisterToolsWindows(windows);
+  vellumark::desktop::RegisterInventoryWindows(windows);
 
   vellumark::desktop::Program program(windows);
   vellumark::desktop::RegisterDatafileWindows(windows, program.Windows());

@@ -9,6 +9,7 @@
 #include "core/base/text.h"
 #include "core/colors/basic_work.h"
 #include "core/colors/formula_work.h"
+#include "core/colors/name_search.h"
 #include "core/colors/names.h"
 #include "core/session/rights.h"
 
@@ -68,27 +69,10 @@ Result<void> SaveColor(Session& session, const StockRecord& record) {
   return SaveMix(session, work);
 }
 
-// The names of one table that begin with a pattern.
-std::vector<std::string> NamesLike(const Session& session, ColorKind kind, const std::string& pattern,
-                                   std::size_t limit) {
-  Statement row = session.File().Prepare(
-      fmt::format("SELECT Color_Name FROM {} WHERE Color_Name LIKE ?1 ESCAPE '\\' ORDER BY Color_Name LIMIT {}",
-                  Quoted(session.Table(ColorTable(kind))), limit));
-  row.Bind(1, pattern);
-  std::vector<std::string> names;
-  while (row.Step()) names.push_back(row.Text(0));
-  return names;
-}
-
-std::vector<std::string> NamesBehind(const Session& session, std::string_view prefix, std::string_view typed,
-                                     std::size_t limit) {
-  const std::string pattern = LikeLiteral(std::string(prefix).append(typed)) + "%";
-  std::vector<std::string> names = NamesLike(session, ColorKind::Basic, pattern, limit);
-  for (std::string& name : NamesLike(session, ColorKind::Mix, pattern, limit)) names.push_back(std::move(name));
-  std::ranges::sort(names, [](const std::string& a, const std::string& b) { return CompareNoCase(a, b) < 0; });
-  names.erase(std::unique(names.begin(), names.end(), EqualNoCase), names.end());
-  if (names.size() > limit) names.resize(limit);
-  return names;
+// Names behind "PANTONE " first, as in either list.
+bool ComesBefore(const std::string& a, const std::string& b) {
+  if (HasPantonePrefix(a) != HasPantonePrefix(b)) return HasPantonePrefix(a);
+  return CompareNoCase(a, b) < 0;
 }
 
 }  // namespace
@@ -196,20 +180,18 @@ bool IsBelowReorder(const Session& session, ColorKind kind, std::string_view nam
 }
 
 std::string CompleteColorName(const Session& session, std::string_view typed) {
-  if (typed.empty()) return {};
-  for (const std::string_view prefix : {kPantonePrefix, std::string_view()}) {
-    if (auto names = NamesBehind(session, prefix, typed, 1); !names.empty()) return names.front();
-  }
-  return {};
+  std::string basic = CompleteName(session, NameKind::Basics, typed);
+  std::string formula = CompleteName(session, NameKind::Formulas, typed);
+  if (basic.empty() || (!formula.empty() && ComesBefore(formula, basic))) return formula;
+  return basic;
 }
 
 std::vector<std::string> ColorNamesFrom(const Session& session, std::string_view typed, std::size_t limit) {
-  std::vector<std::string> names = NamesBehind(session, kPantonePrefix, typed, limit);
-  for (std::string& name : NamesBehind(session, "", typed, limit)) {
-    if (names.size() >= limit) break;
-    if (std::ranges::none_of(names, [&](const std::string& seen) { return EqualNoCase(seen, name); }))
-      names.push_back(std::move(name));
-  }
+  std::vector<std::string> names = NamesFrom(session, NameKind::Basics, typed, limit);
+  for (std::string& name : NamesFrom(session, NameKind::Formulas, typed, limit)) names.push_back(std::move(name));
+  std::ranges::sort(names, ComesBefore);
+  names.erase(std::unique(names.begin(), names.end(), EqualNoCase), names.end());
+  if (names.size() > limit) names.resize(limit);
   return names;
 }
 

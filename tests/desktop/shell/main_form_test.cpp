@@ -23,6 +23,7 @@
 #include "core/shell/startup.h"
 #include "desktop/colors/register.h"
 #include "desktop/datafile/register.h"
+#include "desktop/inventory/register.h"
 #include "desktop/kit/message_prompt.h"
 #include "desktop/kit/wait_progress.h"
 #include "desktop/session/register.h"
@@ -47,6 +48,7 @@ struct Running {
     RegisterSettingsWindows(windows, [] { return SystemPrinters{}; });
     RegisterColorsWindows(windows);
     RegisterToolsWindows(windows);
+    RegisterInventoryWindows(windows);
     RegisterDatafileWindows(windows, program.Windows());
     program.Windows().SkipSplash();
     const bool ready = program.Start(options);

@@ -1,0 +1,389 @@
+#include "desktop/inventory/adjust_inventory_form.h"
+
+#include <QApplication>
+#include <QHBoxLayout>
+#include <QTabBar>
+#include <QTabWidget>
+#include <algorithm>
+#include <array>
+
+#include "core/base/text.h"
+#include "core/base/units.h"
+#include "core/colors/amounts.h"
+#include "core/colors/basic_work.h"
+#include "core/colors/names.h"
+#include "desktop/colors/amount_field.h"
+#include "desktop/colors/swatch_view.h"
+#include "desktop/inventory/batch_in_edit.h"
+#include "desktop/inventory/inv_lot_instructions.h"
+#include "desktop/inventory/inventory_panel.h"
+#include "desktop/kit/icons.h"
+#include "desktop/kit/look.h"
+#include "desktop/kit/text.h"
+
+namespace vellumark::desktop {
+namespace {
+
+constexpr const char* kNameField = "cmbColorName";
+constexpr int kCostChars = 9;
+constexpr int kNoteLength = 30;
+constexpr int kRecordWidth = 344;
+constexpr int kTextWidth = 160;
+constexpr int kManual = 0;
+constexpr int kSettings = 1;
+
+// The focus may go to these without the name counting as entered.
+bool LeavesNameAlone(const QWidget& to) {
+  static constexpr std::array<const char*, 3> commands{"cmdCancel", "cmdInvReport", "cmdHistory"};
+  return qobject_cast<const QTabBar*>(&to) != nullptr ||
+         std::ranges::any_of(commands, [&](const char* name) { return to.objectName() == QLatin1String(name); });
+}
+
+template <class F>
+void Put(F& field, std::string_view text, bool keepTyped) {
+  if (keepTyped && field.IsDirty()) return;
+  field.SetText(text);
+  field.Field::MarkClean();
+}
+
+}  // namespace
+
+AdjustInventoryForm::AdjustInventoryForm(WindowList& windowList)
+    : Window(windowList, "AdjustInventoryForm", tr("Inventory")) {
+  setWindowIcon(Icon("Inventory"));
+  Form form(*this);
+  const NameSource names{
+      [this](std::string_view typed) { return CompleteColorName(session, typed); },
+      [this](std::string_view typed, std::size_t limit) { return ColorNamesFrom(session, typed, limit); }};
+  name_ = form.Name(kNameField, names);
+  name_->Means("Color_Name");
+  name_->DoNotTrack();
+  ink_ = new SwatchView("imgSwatch", {48, 32});
+  low_ = form.Link("ImgInvLow", tr("Low inventory"));
+  low_->setIcon(Icon("low-stock"));
+  low_->hide();
+  form.Row(tr("&Name"), {name_, ink_, kind_ = form.Hint({}, "lblKind"), state_ = form.Hint({}, "lblState"), low_});
+  TabSet tabs = form.Tabs("Inventory_TabStrip");
+  tabs_ = tabs.Widget();
+  auto* manual = new QWidget;
+  tabs.Page(tr("Manual"), "TabManual").Wide(manual, 1);
+  BuildManual(*manual);
+  BuildSettings(tabs.Page(tr("Settings"), "TabSettings"));
+  form.Buttons({save_ = form.Button("cmdSave", tr("&Save")), cancel_ = form.Button("cmdCancel", tr("Cancel")),
+                history_ = form.Button("cmdHistory", tr("&History"), Qt::Key_F7)});
+  connect(name_, &TextField::Left, this, &AdjustInventoryForm::NameLeft);
+  connect(name_, &NameBox::Picked, this, [this](const QString& picked) {
+    if (!RecordInEdit()) EnterName(U8(picked));
+  });
+  connect(panel_, &InventoryPanel::Changed, this, [this] { Changed(); });
+  connect(tabs_, &QTabWidget::currentChanged, this, &AdjustInventoryForm::TabChanged);
+  YieldToBatchInEdit(*this);
+  Clear();
+  QMetaObject::invokeMethod(
+      this, [this] { InvLotInstructions::ShowOnce(windows); }, Qt::QueuedConnection);
+}
+
+void AdjustInventoryForm::BuildManual(QWidget& page) {
+  auto* line = new QHBoxLayout(&page);
+  line->setContentsMargins(0, 0, 0, 0);
+  line->setSpacing(space::kGroup);
+  auto* stock = new QWidget;
+  auto* record = new QWidget;
+  record->setFixedWidth(kRecordWidth);
+  line->addWidget(stock, 1);
+  line->addWidget(record);
+  panel_ = new InventoryPanel(*this, Form(*this, *stock));
+  BuildRecord(Form(*this, *record));
+}
+
+void AdjustInventoryForm::BuildSettings(Form form) {
+  std::vector<Form> columns = form.Columns(2);
+  settings_.emplace(*this, columns[0], columns[1]);
+  settings_->DoNotTrack();
+  columns[1].Heading(tr("All colors"));
+  columns[1].Row(
+      columns[1].Button("cmdResetInv_All", tr("Reset inventor&y ..."), [this] { windows.RunDialog("ResetInvForm"); }));
+  columns[1].Row(columns[1].Button("cmdResetReorder", tr("Reset reorder &points ..."),
+                                   [this] { windows.RunDialog("ResetReorderForm"); }));
+}
+
+NumberField* AdjustInventoryForm::Figure(Form& form, const char* name, StockFigure figure, const char* column) {
+  NumberField* field = form.Number(name, 3, tr("0 to 99999"), figure == StockFigure::PurchaseCost ? kCostChars : 10);
+  field->Means(column);
+  const AmountKey key = KeyOf(figure);
+  if (KeepToRight(*this, *field, key, column))
+    connect(field, &TextField::Left, this, [this, field, figure](QWidget* to) { FigureLeft(*field, figure, to); });
+  return field;
+}
+
+void AdjustInventoryForm::BuildRecord(Form form) {
+  const auto row = [&](const QString& caption, std::initializer_list<QWidget*> fields) {
+    QLabel* label = form.Row(caption, fields);
+    captions_.emplace_back(label, caption);
+    return label;
+  };
+  form.Row(tr("Color code"), code_ = form.Text("txtColorCode", TextRule::Any(session.NameLength)));
+  code_->setMinimumWidth(kTextWidth);
+  code_->Means("Color_Code");
+  row(tr("Reorder Point"), {reorder_ = Figure(form, "txtReorder", StockFigure::Reorder, "Reorder")});
+  cost_ = Figure(form, "txtPurchaseCost", StockFigure::PurchaseCost, "PurchaseCost");
+  const bool priceBlocked = session.Perm_Costs == 0;
+  cost_->setVisible(!priceBlocked);
+  QLabel* blocked = form.Hint(tr("User Permissions - Price Blocked"), "lblPriceBlocked");
+  blocked->setVisible(priceBlocked);
+  row(tr("Purchase Cost"), {cost_, blocked});
+  const auto figure = [&](const QString& caption, const char* name) {
+    ValueField* value = form.Value(name, 1);
+    QLabel* label = row(caption, {value});
+    formulaOnly_.insert(formulaOnly_.end(), {value, label});
+    return value;
+  };
+  basicCost_ = figure(tr("Basic Cost"), "lblBasicCost");
+  row(tr("VOC"), {voc_ = Figure(form, "txtVOC", StockFigure::VOC, "VOC")});
+  vocBasics_ = figure(tr("VOC - Basics"), "lblVOCBasics");
+  row(tr("HAP"), {hap_ = Figure(form, "txtHAP", StockFigure::HAP, "HAP")});
+  hapBasics_ = figure(tr("HAP - Basics"), "lblHAPBasics");
+  recycle_ = form.Check("chkRecycle", tr("Recyclable"));
+  form.Row(recycle_);
+  formulaOnly_.push_back(recycle_);
+  form.Row(tr("Inventory note"), note_ = form.Text("txtInvNote", TextRule::Any(kNoteLength)));
+  note_->setMinimumWidth(kTextWidth);
+  note_->Means("Inv_Note");
+  form.Row(tr("Notes"), notes_ = form.Note("txtNotes", 3));
+  Relabel();
+}
+
+void AdjustInventoryForm::Relabel() {
+  for (const auto& [label, caption] : captions_)
+    label->setText(QString("%1 (%2)").arg(caption, Q(UnitName(session.UMI))));
+}
+
+// ---- State
+
+bool AdjustInventoryForm::RecordInEdit() const {
+  return record_ && (IsDirty() || panel_->IsChanged());
+}
+
+bool AdjustInventoryForm::InEdit() const {
+  return RecordInEdit() || settings_->IsChanged();
+}
+
+void AdjustInventoryForm::UpdateEnabled() {
+  const bool shown = record_.has_value();
+  const bool edited = RecordInEdit();
+  const bool formula = shown && record_->kind == ColorKind::Mix;
+  name_->setReadOnly(edited);
+  const bool manual = tab_ == kManual;
+  save_->setEnabled(manual ? shown : settings_->IsChanged());
+  cancel_->setEnabled(manual ? shown : settings_->IsChanged());
+  history_->setEnabled(manual);
+  low_->setVisible(shown && isLow_);
+  state_->setText(edited ? tr("Changed") : QString());
+  for (QWidget* widget : formulaOnly_) widget->setVisible(formula);
+  if (session.Perm_Costs == 0) basicCost_->setVisible(false);
+  settings_->UpdateEnabled();
+}
+
+void AdjustInventoryForm::OnOpen(const Arguments& arguments) {
+  if (!arguments.Has("FindRecord") || RecordInEdit()) return;
+  const std::string name = arguments.Text("FindRecord");
+  if (arguments.Has("Kind")) return ShowColor(arguments.Get<ColorKind>("Kind"), name);
+  EnterName(name);
+}
+
+// ---- The name
+
+void AdjustInventoryForm::NameLeft(QWidget* to) {
+  if (tab_ != kManual || to == nullptr || !isAncestorOf(to) || LeavesNameAlone(*to) || RecordInEdit()) return;
+  const std::string typed = name_->Text();
+  if (record_ && EqualNoCase(typed, record_->Color_Name)) return;
+  EnterName(typed);
+}
+
+void AdjustInventoryForm::EnterName(const std::string& typed) {
+  const std::string name = ReadName(session, typed);
+  if (name.empty()) {
+    QApplication::beep();
+    FocusField(kNameField);
+    return;
+  }
+  const auto kind = ChooseInventoryColor(session, name);
+  if (!Accepted(kind)) {
+    Clear();
+    FocusField(kNameField);
+    return;
+  }
+  ShowColor(*kind, name);
+  if (record_) panel_->FocusEntry();
+}
+
+// ---- Showing
+
+void AdjustInventoryForm::Clear() {
+  record_.reset();
+  isLow_ = false;
+  name_->SetText("");
+  kind_->clear();
+  ink_->Show(std::nullopt);
+  ShowFields({}, false);
+  panel_->Reset();
+  MarkClean();
+}
+
+void AdjustInventoryForm::ShowColor(ColorKind kind, const std::string& name) {
+  const auto record = LoadStockRecord(session, kind, name);
+  Clear();
+  if (!record) return;
+  record_ = record;
+  ShowFields(*record_, false);
+  panel_->Load(kind, record_->Color_Name);
+  MarkClean();
+}
+
+void AdjustInventoryForm::ShowFields(const StockRecord& record, bool keepTyped) {
+  Put(*code_, record.Color_Code, keepTyped);
+  Put(*reorder_, record.Reorder, keepTyped);
+  Put(*cost_, record.PurchaseCost, keepTyped);
+  Put(*voc_, record.VOC, keepTyped);
+  Put(*hap_, record.HAP, keepTyped);
+  Put(*note_, record.Inv_Note, keepTyped);
+  Put(*notes_, record.Notes, keepTyped);
+  if (!keepTyped || !recycle_->IsDirty()) {
+    recycle_->setChecked(record.Recycle);
+    recycle_->Field::MarkClean();
+  }
+  basicCost_->SetText(record.BasicCost);
+  vocBasics_->SetText(record.VOCBasics);
+  hapBasics_->SetText(record.HAPBasics);
+  if (!record_) return;
+  name_->SetText(record.Color_Name);
+  kind_->setText(record.kind == ColorKind::Mix ? tr("Master Formula") : tr("Basic Color"));
+  ink_->Show(QColor(record.Red, record.Green, record.Blue));
+  isLow_ = IsBelowReorder(session, record.kind, record.Color_Name);
+}
+
+// ---- Changes made elsewhere
+
+void AdjustInventoryForm::OnChanges(const std::vector<Change>& changes) {
+  bool mine = false;
+  for (const Change& change : changes) {
+    if (change.kind == Change::Kind::Settings) {
+      Relabel();
+      panel_->Relabel();
+      if (!settings_->IsChanged()) settings_->Show();
+      mine = true;
+    }
+    if (!record_ || change.kind != ChangeKind(record_->kind) || !EqualNoCase(change.database, session.CurrentDatabase))
+      continue;
+    const bool isShown = EqualNoCase(change.name, record_->Color_Name);
+    if (isShown && change.what == Change::What::Renamed) record_->Color_Name = change.newName;
+    mine = mine || isShown || change.what == Change::What::All || EqualNoCase(change.newName, record_->Color_Name);
+  }
+  if (mine) Reload();
+}
+
+void AdjustInventoryForm::Reload() {
+  if (!record_) return Changed();
+  const auto record = LoadStockRecord(session, record_->kind, record_->Color_Name);
+  if (!record) {
+    // Deleted elsewhere: there is no stock of what is not there.
+    Clear();
+    return;
+  }
+  record_ = record;
+  ShowFields(*record_, true);
+  panel_->Refresh(record_->Color_Name);
+  Changed();
+}
+
+// ---- Commands
+
+StockRecord AdjustInventoryForm::Read() const {
+  StockRecord record = *record_;
+  record.Color_Code = code_->Text();
+  record.Reorder = reorder_->Text();
+  record.PurchaseCost = cost_->Text();
+  record.VOC = voc_->Text();
+  record.HAP = hap_->Text();
+  record.Inv_Note = note_->Text();
+  record.Notes = notes_->Text();
+  record.Recycle = recycle_->isChecked();
+  return record;
+}
+
+bool AdjustInventoryForm::Store() {
+  if (AskUnfinishedWork(session, panel_->AdjustText(), false) == UnfinishedWork::Inventory) {
+    panel_->FocusEntry();
+    return false;
+  }
+  return Accepted(SaveStockRecord(session, Read(), *panel_->Shown()));
+}
+
+void AdjustInventoryForm::cmdSave_Click() {
+  if (tab_ == kSettings) {
+    if (StoreSettings()) Changed();
+    return;
+  }
+  if (!record_ || !Store()) return;
+  Clear();
+  FocusField(kNameField);
+}
+
+void AdjustInventoryForm::cmdCancel_Click() {
+  if (tab_ == kSettings) return settings_->Show();
+  if (RecordInEdit() && !session.prompt.Ask(U8(tr("Cancel Without Saving Changes?")),
+                                            U8(tr("Cancel without saving changes?")), Answer::No))
+    return;
+  Clear();
+  FocusField(kNameField);
+}
+
+void AdjustInventoryForm::cmdHistory_Click() {
+  Arguments arguments;
+  if (record_) arguments.Set("Color_Name", record_->Color_Name).Set("Kind", record_->kind);
+  windows.OpenForm("StockHistoryForm", arguments);
+}
+
+void AdjustInventoryForm::ImgInvLow_Click() {
+  session.prompt.Tell(U8(tr("Inventory")), U8(tr("Inventory is below Reorder amount.")));
+}
+
+void AdjustInventoryForm::FigureLeft(NumberField& field, StockFigure figure, QWidget* to) {
+  if (!record_ || to == nullptr || !isAncestorOf(to) || qobject_cast<QPushButton*>(to) != nullptr) return;
+  const auto text = ReadStockFigure(session, figure, field.Text());
+  if (Accepted(text) && *text != field.Text()) field.SetText(*text);
+}
+
+// ---- Settings
+
+bool AdjustInventoryForm::StoreSettings() {
+  if (!Accepted(SaveInventorySettings(session, settings_->Read()))) return false;
+  settings_->Show();
+  return true;
+}
+
+void AdjustInventoryForm::TabChanged(int to) {
+  if (to == tab_) return;
+  if (to == kSettings && !Accepted(CheckInventorySettings(session, RecordInEdit()))) {
+    tabs_->setCurrentIndex(tab_);
+    return;
+  }
+  tab_ = to;
+  Changed();
+}
+
+bool AdjustInventoryForm::MayClose() {
+  if (InEdit()) {
+    const Answer answer =
+        session.prompt.Show({U8(tr("Inventory - Save Information?")), U8(tr("Save changes before closing?")),
+                             Buttons::YesNoCancel, vellumark::Icon::Question, Answer::Yes});
+    if (answer == Answer::Cancel) return false;
+    if (answer == Answer::Yes) {
+      if (settings_->IsChanged() && !StoreSettings()) return false;
+      if (RecordInEdit() && !Store()) return false;
+    }
+  }
+  return true;
+}
+
+}  // namespace vellumark::desktop

@@ -1,0 +1,135 @@
+#include "desktop/inventory/lot_grid.h"
+
+#include <QDate>
+#include <QKeyEvent>
+#include <QLocale>
+#include <QStringListModel>
+#include <QVBoxLayout>
+
+#include "core/base/number.h"
+#include "core/base/units.h"
+#include "core/colors/amounts.h"
+#include "desktop/kit/text.h"
+
+namespace vellumark::desktop {
+
+QString LotDateText(const std::optional<DateTime>& date) {
+  if (!date) return QString::fromUtf8("–");
+  return QLocale().toString(QDate(date->year, date->month, date->day), QLocale::ShortFormat);
+}
+
+QString PriceCaption(int unit) {
+  const QString sign = QLocale().currencySymbol();
+  return QObject::tr("Price (%1)").arg((sign.isEmpty() ? QString("$") : sign) + "/" + Q(UnitName(unit)));
+}
+
+QString WithUnit(const QString& caption, int unit) {
+  return QString("%1 (%2)").arg(caption, Q(UnitName(unit)));
+}
+
+ComboField* ChoiceCombo(Form& form, const char* name, const QString& caption, int chars, int longest) {
+  auto* combo = new ComboField(name);
+  combo->setEditable(true);
+  combo->setInsertPolicy(QComboBox::NoInsert);
+  combo->setCompleter(nullptr);
+  combo->lineEdit()->setMaxLength(longest);
+  combo->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
+  combo->setMinimumContentsLength(chars);
+  combo->setModel(new QStringListModel(combo));
+  combo->setAccessibleName(caption);
+  combo->MarkClean();
+  return form.Add(combo);
+}
+
+void SetChoices(ComboField& combo, const std::vector<std::string>& choices) {
+  QStringList texts;
+  texts.reserve(static_cast<qsizetype>(choices.size()));
+  for (const std::string& choice : choices) texts += Q(choice);
+  const QSignalBlocker quiet(combo);
+  const QSignalBlocker quietLine(combo.lineEdit());
+  const QString typed = combo.currentText();
+  qobject_cast<QStringListModel*>(combo.model())->setStringList(texts);
+  combo.setCurrentIndex(-1);
+  combo.setEditText(typed);
+}
+
+QWidget* Captioned(const QString& caption, QWidget* field, const char* label) {
+  auto* cell = new QWidget;
+  auto* column = new QVBoxLayout(cell);
+  column->setContentsMargins(0, 0, 0, 0);
+  column->setSpacing(2);
+  auto* text = new QLabel(caption);
+  text->setObjectName(label);
+  text->setProperty("role", "label");
+  text->setBuddy(field);
+  column->addWidget(text);
+  column->addWidget(field);
+  return cell;
+}
+
+CheckKeys::CheckKeys(Grid& grid, std::function<void(int row)> toggle)
+    : QObject(&grid), grid_(grid), toggle_(std::move(toggle)) {
+  grid.View().installEventFilter(this);
+  connect(&grid, &Grid::CellClicked, this, [this](int row, int column) {
+    if (column == 0) toggle_(row);
+  });
+}
+
+bool CheckKeys::eventFilter(QObject* watched, QEvent* event) {
+  if (event->type() != QEvent::KeyPress || static_cast<QKeyEvent*>(event)->key() != Qt::Key_Space ||
+      grid_.CurrentRow() < 0 || !grid_.IsShown(0))
+    return QObject::eventFilter(watched, event);
+  toggle_(grid_.CurrentRow());
+  return true;
+}
+
+void LotSource::Show(const InventoryWork* work) {
+  work_ = work;
+  std::erase_if(checked, [this](std::size_t row) { return static_cast<int>(row) >= Rows(); });
+}
+
+std::string LotSource::Text(int row, int column) const {
+  const InventoryValues& lot = Values(row);
+  switch (column) {
+    case LotNum:
+      return lot.lotNumber;
+    case Location:
+      return lot.location;
+    case ContID:
+      return lot.contID;
+    case Qty:
+      return Fixed(lot.qty, 3);
+    case Date:
+      return row == 0 ? std::string() : U8(LotDateText(lot.date));
+    case Price:
+      return AmountText(session_, AmountKey::Currency, lot.price);
+    case Consign:
+      return lot.consignment ? "Yes" : "No";
+    case IngType:
+      return std::to_string(static_cast<int>(work_->kind));
+    default:
+      return {};
+  }
+}
+
+double LotSource::Number(int row, int column) const {
+  const InventoryValues& lot = Values(row);
+  switch (column) {
+    case Qty:
+      return static_cast<double>(lot.qty);
+    case Price:
+      return static_cast<double>(lot.price);
+    case Date:
+      return lot.date ? static_cast<double>(lot.date->DayNumber()) : kNoNumber;
+    default:
+      return kNoNumber;
+  }
+}
+
+const char* LotSource::Mark(int row, int column) const {
+  if (column == Check) return checked.contains(static_cast<std::size_t>(row)) ? "box-checked" : "box";
+  if (column == LotNum && row > 0) return "lot";
+  return nullptr;
+}
+
+}  // namespace vellumark::desktop

@@ -1,0 +1,71 @@
+#pragma once
+
+#include <QString>
+#include <functional>
+#include <set>
+#include <string>
+#include <vector>
+
+#include "core/inventory/adjust.h"
+#include "desktop/kit/form.h"
+#include "desktop/kit/grid.h"
+
+namespace vellumark::desktop {
+
+// What the lists of lots share.
+
+/// A date as the lists show it; a dash for none.
+QString LotDateText(const std::optional<DateTime>& date);
+/// "Price ($/lb.)": the sign of the locale's money and the unit.
+QString PriceCaption(int unit);
+/// "Quantity" and "lb." to "Quantity (lb.)".
+QString WithUnit(const QString& caption, int unit);
+
+/// A drop-down of texts that also takes typed ones, `chars` wide, and nothing completed: a lot number that begins as
+/// another one does is a number of its own.
+ComboField* ChoiceCombo(Form& form, const char* name, const QString& caption, int chars, int longest);
+/// New choices without a new text, all at once: a colour may have tens of thousands of lots.
+void SetChoices(ComboField& combo, const std::vector<std::string>& choices);
+/// A field under its caption, whose name is `label`.
+QWidget* Captioned(const QString& caption, QWidget* field, const char* label);
+
+/// Lets the operator check rows in the first column of a grid: by a click on the box, or by the space bar.
+class CheckKeys : public QObject {
+  Q_OBJECT
+
+ public:
+  CheckKeys(Grid& grid, std::function<void(int row)> toggle);
+
+ protected:
+  bool eventFilter(QObject* watched, QEvent* event) override;
+
+ private:
+  Grid& grid_;
+  std::function<void(int row)> toggle_;
+};
+
+/// The rows of an inventory list, as the working copy has them. The first row stays on top.
+class LotSource : public GridSource {
+ public:
+  enum Column { Check, LotNum, Location, ContID, Qty, Date, Price, Consign, IngType, kColumns };
+
+  explicit LotSource(const Session& session) : session_(session) {}
+
+  /// Nothing: no rows. The working copy has to live longer.
+  void Show(const InventoryWork* work);
+  std::set<std::size_t> checked;
+
+  int Rows() const override { return work_ == nullptr ? 0 : static_cast<int>(work_->rows.size()); }
+  int FixedRows() const override { return 1; }
+  std::string Text(int row, int column) const override;
+  double Number(int row, int column) const override;
+  const char* Mark(int row, int column) const override;
+
+ private:
+  const InventoryValues& Values(int row) const { return work_->rows.at(static_cast<std::size_t>(row)).now; }
+
+  const Session& session_;
+  const InventoryWork* work_ = nullptr;
+};
+
+}  // namespace vellumark::desktop

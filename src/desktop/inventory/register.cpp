@@ -1,0 +1,25 @@
+#include "desktop/inventory/register.h"
+
+#include "desktop/inventory/adjust_inventory_form.h"
+#include "desktop/inventory/adjust_reorder_form.h"
+#include "desktop/inventory/batch_lot_inv_selector.h"
+#include "desktop/inventory/calendar_form.h"
+#include "desktop/inventory/inv_lot_instructions.h"
+#include "desktop/inventory/reset_values_form.h"
+#include "desktop/inventory/stock_history_form.h"
+#include "desktop/kit/window_list.h"
+
+namespace vellumark::desktop {
+
+void RegisterInventoryWindows(WindowList& windows) {
+  windows.Register<AdjustInventoryForm>("AdjustInventoryForm");
+  windows.Register<AdjustReorderForm>("AdjustReorderForm");
+  windows.Register<StockHistoryForm>("StockHistoryForm");
+  windows.RegisterDialog<ResetInvForm>("ResetInvForm");
+  windows.RegisterDialog<ResetReorderForm>("ResetReorderForm");
+  windows.RegisterDialog<BatchLotInvSelector>("BatchLotInvSelector");
+  windows.RegisterDialog<CalendarForm>("CalendarForm");
+  windows.RegisterDialog<InvLotInstructions>("InvLotInstructions");
+}
+
+}  // namespace vellumark::desktop

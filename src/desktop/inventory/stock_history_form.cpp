@@ -1,0 +1,161 @@
+#include "desktop/inventory/stock_history_form.h"
+
+#include <QLocale>
+
+#include "core/base/number.h"
+#include "core/base/text.h"
+#include "core/base/units.h"
+#include "core/colors/names.h"
+#include "core/inventory/color_stock.h"
+#include "desktop/inventory/lot_grid.h"
+#include "desktop/kit/icons.h"
+#include "desktop/kit/text.h"
+
+namespace vellumark::desktop {
+namespace {
+
+enum Column { When, Who, Event, ColorName, Kind, Lot, Difference, Left, Document, Reason };
+
+constexpr int kLotLength = 30;
+
+}  // namespace
+
+class StockHistoryForm::Source : public GridSource {
+ public:
+  std::vector<StockLine> lines;
+
+  int Rows() const override { return static_cast<int>(lines.size()); }
+  std::string Text(int row, int column) const override {
+    const StockLine& line = lines.at(static_cast<std::size_t>(row));
+    switch (column) {
+      case When:
+        return line.when.ToText().substr(0, 16);
+      case Who:
+        return line.user;
+      case Event:
+        return std::string(StockEventText(line.event));
+      case ColorName:
+        return line.Color_Name;
+      case Kind:
+        return line.kind == ColorKind::Mix ? "Formula" : "Basic";
+      case Lot:
+        return line.LotRefID == 0 && line.LotNumber.empty() ? std::string(kUnlottedInv) : line.LotNumber;
+      case Difference:
+        return (line.change > 0 ? "+" : "") + Fixed(line.change, 3);
+      case Left:
+        return Fixed(line.result, 3);
+      case Document:
+        return line.document;
+      case Reason:
+        return line.reason;
+      default:
+        return {};
+    }
+  }
+  double Number(int row, int column) const override {
+    const StockLine& line = lines.at(static_cast<std::size_t>(row));
+    switch (column) {
+      case When:
+        return static_cast<double>(line.id);  // the order of writing
+      case Difference:
+        return line.change;
+      case Left:
+        return static_cast<double>(line.result);
+      default:
+        return kNoNumber;
+    }
+  }
+};
+
+StockHistoryForm::StockHistoryForm(WindowList& windowList)
+    : Window(windowList, "StockHistoryForm", tr("Stock History")), source_(std::make_shared<Source>()) {
+  setWindowIcon(Icon("Inventory"));
+  Form form(*this);
+  const NameSource names{
+      [this](std::string_view typed) { return CompleteColorName(session, typed); },
+      [this](std::string_view typed, std::size_t limit) { return ColorNamesFrom(session, typed, limit); }};
+  name_ = form.Name("cmbColorName", names);
+  name_->setPlaceholderText(tr("All colors"));
+  lot_ = form.Text("txtLotNumber", TextRule::Any(kLotLength));
+  lot_->setPlaceholderText(tr("All lots"));
+  lot_->setAccessibleName(tr("Lot Number"));
+  lot_->setMinimumWidth(160);
+  lot_->setMaximumWidth(200);
+  for (TextField* field : {static_cast<TextField*>(name_), lot_}) field->DoNotTrack();
+  auto* find = form.Button("cmdFind", tr("S&how"));
+  form.Row(tr("&Name"), {name_, form.Hint(tr("Lot Number")), lot_, find, form.Button("cmdClear", tr("C&lear")),
+                         count_ = form.Hint({}, "lblCount")});
+  SetDefaultButton(find);
+  list_ = form.Table("fgHistory");
+  const QString change = WithUnit(tr("Change"), session.UMI);
+  const QString result = WithUnit(tr("In stock"), session.UMI);
+  std::vector<GridColumn> columns{GridColumn::Number(tr("When"), 136),
+                                  GridColumn::Text(tr("User"), 80).Choosable(),
+                                  GridColumn::Text(tr("Event"), 144),
+                                  GridColumn::Text(tr("Color Name"), 160),
+                                  GridColumn::Text(tr("Type"), 72).Choosable(),
+                                  GridColumn::Text(tr("Lot Number"), 112),
+                                  GridColumn::Amount(change, 120),
+                                  GridColumn::Amount(result, 120),
+                                  GridColumn::Text(tr("Document"), 88).Choosable(),
+                                  GridColumn::Text(tr("Reason"), 192).Choosable()};
+  columns[When].right = false;
+  list_->SetColumns(std::move(columns));
+  list_->ShowFilter(tr("Filter"));
+  list_->SetEmptyText(tr("No stock has moved"));
+  list_->SetSource(source_);
+  list_->SetSort({When, true});
+  list_->setAccessibleName(tr("Stock history"));
+  form.Wide(list_, 1);
+  form.ButtonsWithoutDefault({form.Button("cmdClose", tr("Close"))});
+  connect(name_, &NameBox::Picked, this, [this] { cmdFind_Click(); });
+}
+
+StockHistoryForm::~StockHistoryForm() = default;
+
+void StockHistoryForm::OnOpen(const Arguments& arguments) {
+  name_->SetText(arguments.Has("Color_Name") ? arguments.Text("Color_Name") : std::string());
+  lot_->SetText("");
+  cmdFind_Click();
+  if (arguments.Has("Kind")) {
+    shownKind_ = arguments.Get<ColorKind>("Kind");
+    ShowLines();
+  }
+}
+
+void StockHistoryForm::cmdFind_Click() {
+  const std::string name = ReadName(session, name_->Text());
+  shownName_ = name.empty() ? std::nullopt : std::optional(name);
+  shownKind_.reset();
+  ShowLines();
+}
+
+void StockHistoryForm::cmdClear_Click() {
+  name_->SetText("");
+  lot_->SetText("");
+  cmdFind_Click();
+  name_->setFocus();
+}
+
+void StockHistoryForm::ShowLines() {
+  StockHistoryFilter filter;
+  filter.name = shownName_;
+  filter.kind = shownKind_;
+  if (const std::string lot = Trim(lot_->Text()); !lot.empty()) filter.lot = lot;
+  source_->lines = ListStockHistory(session, filter);
+  list_->Refresh();
+  const auto lines = static_cast<qlonglong>(source_->lines.size());
+  count_->setText(lines == 1 ? tr("1 line") : tr("%1 lines").arg(QLocale().toString(lines)));
+}
+
+void StockHistoryForm::OnChanges(const std::vector<Change>& changes) {
+  for (const Change& change : changes) {
+    if (shownName_ && change.what == Change::What::Renamed && EqualNoCase(change.name, *shownName_)) {
+      shownName_ = change.newName;
+      name_->SetText(change.newName);
+    }
+  }
+  ShowLines();
+}
+
+}  // namespace vellumark::desktop

@@ -1,0 +1,40 @@
+#pragma once
+
+#include <memory>
+
+#include "core/inventory/stock_history.h"
+#include "desktop/kit/window.h"
+
+namespace vellumark::desktop {
+
+/// The history of stock: when, who, what and why, of one colour or of the whole Database. Opened with {"Color_Name",
+/// name} and {"Kind", ColorKind} it shows that colour's.
+class StockHistoryForm : public Window {
+  Q_OBJECT
+
+ public:
+  explicit StockHistoryForm(WindowList& windowList);
+  ~StockHistoryForm() override;
+  void OnOpen(const Arguments& arguments) override;
+  void OnChanges(const std::vector<Change>& changes) override;
+  bool InEdit() const override { return false; }
+
+ public Q_SLOTS:
+  void cmdFind_Click();
+  void cmdClear_Click();
+  void cmdClose_Click() { Leave(); }
+
+ private:
+  class Source;
+  void ShowLines();
+
+  std::optional<std::string> shownName_;
+  std::optional<ColorKind> shownKind_;
+  std::shared_ptr<Source> source_;
+  NameBox* name_;
+  TextField* lot_;
+  Grid* list_;
+  QLabel* count_;
+};
+
+}  // namespace vellumark::desktop
