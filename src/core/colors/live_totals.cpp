@@ -11,7 +11,8 @@ namespace vellumark {
 IngredientFigures ReadIngredientFigures(const Session& session, std::string_view name) {
   if (TrimView(name).empty()) return {};
   const auto basic = ReadBasic(session, TrimView(name));
-  return basic ? IngredientFigures{basic->PurchaseCost, basic->VOC, basic->HAP} : IngredientFigures{};
+  if (!basic) return {};
+  return {basic->PurchaseCost, basic->VOC, basic->HAP, basic->book.Red, basic->book.Green, basic->book.Blue};
 }
 
 GridFigures ReadGridFigures(const Session& session, const FormulaWork& work) {

@@ -8,11 +8,16 @@
 
 namespace vellumark {
 
-/// Cost and emissions per inventory unit of one ingredient.
+/// Cost and emissions per inventory unit of one ingredient, and its swatch.
 struct IngredientFigures {
   float Cost = 0;
   float VOC = 0;
   float HAP = 0;
+  int Red = 0;
+  int Green = 0;
+  int Blue = 0;
+  /// An ink of which nothing is known but zeros has no swatch.
+  bool HasSwatch() const { return Red != 0 || Green != 0 || Blue != 0; }
 };
 /// Those of the lines of a grid, kept beside a formula on screen so that its totals follow every key.
 using GridFigures = std::array<IngredientFigures, schema::kIngredientSlots>;

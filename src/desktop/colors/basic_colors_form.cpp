@@ -1,23 +1,18 @@
 #include "desktop/colors/basic_colors_form.h"
 
 #include <QApplication>
-#include <QDate>
-#include <QLocale>
-#include <algorithm>
-#include <array>
 
 #include "core/base/text.h"
 #include "core/base/units.h"
 #include "core/colors/amounts.h"
 #include "core/colors/attachments.h"
 #include "core/colors/name_search.h"
-#include "core/colors/names.h"
 #include "core/colors/rollup.h"
-#include "core/colors/swatch.h"
 #include "core/inventory/lots.h"
 #include "desktop/colors/amount_field.h"
 #include "desktop/colors/measurements_panel.h"
-#include "desktop/colors/swatch_view.h"
+#include "desktop/colors/record_fields.h"
+#include "desktop/colors/swatch_fields.h"
 #include "desktop/kit/icons.h"
 #include "desktop/kit/text.h"
 
@@ -27,39 +22,13 @@ namespace {
 constexpr const char* kNameField = "cmbColorName";
 constexpr int kCostChars = 9;
 
-QString DateText(const std::optional<DateTime>& date) {
-  if (!date) return QString::fromUtf8("–");
-  return QLocale().toString(QDate(date->year, date->month, date->day), QLocale::ShortFormat);
-}
-
-// The focus may go to these without the name counting as entered.
-bool LeavesNameAlone(const QWidget& to) {
-  static constexpr std::array<const char*, 3> commands{"cmdCancel", "cmdPrevious", "cmdNext"};
-  return std::ranges::any_of(commands, [&](const char* name) { return to.objectName() == QLatin1String(name); });
-}
-
-void Put(TextField& field, std::string_view text, bool keepTyped) {
-  if (keepTyped && field.IsDirty()) return;
-  field.SetText(text);
-  field.MarkClean();
-}
-
-void Put(NumberField& field, std::string_view text, bool keepTyped) {
-  if (keepTyped && field.IsDirty()) return;
-  field.SetText(text);
-  field.MarkClean();
-}
-
 }  // namespace
 
 BasicColorsForm::BasicColorsForm(WindowList& windowList)
     : Window(windowList, "BasicColorsForm", tr("Basics / Additives")) {
   setWindowIcon(Icon("basic"));
   Form form(*this);
-  const NameSource names{
-      [this](std::string_view typed) { return CompleteName(session, NameKind::Basics, typed); },
-      [this](std::string_view typed, std::size_t limit) { return NamesFrom(session, NameKind::Basics, typed, limit); }};
-  name_ = form.Name(kNameField, names);
+  name_ = form.Name(kNameField, NamesOnFile(session, NameKind::Basics));
   name_->Means("Color_Name");
   name_->DoNotTrack();
   ink_ = new SwatchView("imgSwatch", {48, 32});
@@ -118,17 +87,7 @@ void BasicColorsForm::BuildFigures(Form& form) {
 
 void BasicColorsForm::BuildSwatch(Form& form) {
   form.Row(tr("In stock"), {stock_ = form.Value("lblTotalInv"), form.Hint(Q(UnitName(session.UMI)))});
-  const auto part = [&](const char* name, const char* column, const QString& caption) {
-    NumberField* field = form.Number(name, 0, tr("0 to 255"), 4);
-    field->Means(column);
-    field->setAccessibleName(caption);
-    connect(field, &QLineEdit::textChanged, this, &BasicColorsForm::ShowSwatch);
-    return field;
-  };
-  red_ = part("txtRed", "Red", tr("Red"));
-  green_ = part("txtGreen", "Green", tr("Green"));
-  blue_ = part("txtBlue", "Blue", tr("Blue"));
-  form.Row(tr("Swatch: red"), {red_, form.Hint(tr("green")), green_, form.Hint(tr("blue")), blue_});
+  swatch_ = new SwatchFields(*this, form, *ink_);
   form.Row(tr("Color guide"), guide_ = form.Label("lblGuide"));
   form.Row(tr("Entered"), entered_ = form.Label("lblDateEntered"));
   form.Row(tr("Last consumed"), consumed_ = form.Label("lblLastConsumed"));
@@ -139,19 +98,11 @@ void BasicColorsForm::Listen() {
   connect(name_, &NameBox::Picked, this, [this](const QString& picked) {
     if (!InEdit()) EnterName(U8(picked));
   });
-  connect(name_, &NameBox::PantoneTyped, this, [this] {
-    session.prompt.Tell(U8(tr("Hint")), U8(tr("No need to type the word 'PANTONE' for a Pantone Color.\n"
-                                              "Just type the color number and press the Enter key.\n"
-                                              "Vellumark automatically adds the 'PANTONE' prefix.")));
-  });
+  HintAtPantone(*name_, session);
   connect(additive_, &QCheckBox::clicked, this, &BasicColorsForm::AdditiveClicked);
   connect(measurements_, &MeasurementsPanel::Changed, this, [this] { Changed(); });
-  connect(qApp, &QApplication::focusChanged, this, [this](QWidget* from, QWidget* to) {
-    const auto mine = [this](QWidget* widget) { return widget != nullptr && isAncestorOf(widget); };
-    if (mine(to) && !mine(from)) {
-      QMetaObject::invokeMethod(
-          this, [this] { LeaveToBatchInEdit(); }, Qt::QueuedConnection);
-    }
+  OnActivation(*this, [this] {
+    StandBackForBatch(*this, tr("Any attempt to change data on this window can impact the Batch Window."));
   });
 }
 
@@ -171,17 +122,6 @@ void BasicColorsForm::UpdateEnabled() {
   whereUsed_->setEnabled(stored);
   low_->setVisible(stored && isLow_);
   state_->setText(!work_ ? QString() : work_->rowId == 0 ? tr("New") : InEdit() ? tr("Changed") : QString());
-}
-
-void BasicColorsForm::LeaveToBatchInEdit() {
-  QWidget* focus = QApplication::focusWidget();
-  if (focus == nullptr || !isAncestorOf(focus) || !windows.IsInEdit("BatchForm")) return;
-  session.prompt.Tell(U8(tr("Batch Window - Formula in State of Edit.")),
-                      U8(tr("The Batch Window is open and has a recipe on screen.\n"
-                            "Any attempt to change data on this window can impact the Batch Window.\n"
-                            "Save && Clear the information on the Batch Window before using this Window.")),
-                      vellumark::Icon::Exclamation);
-  windows.OpenForm("BatchForm");
 }
 
 void BasicColorsForm::OnOpen(const Arguments& arguments) {
@@ -231,7 +171,7 @@ void BasicColorsForm::Clear() {
   isLow_ = false;
   name_->SetText("");
   ShowFields({}, {}, false);
-  for (NumberField* part : {red_, green_, blue_}) part->SetText("");
+  swatch_->Clear();
   stock_->SetText("");
   entered_->clear();
   consumed_->clear();
@@ -266,25 +206,15 @@ void BasicColorsForm::ShowNew(const std::string& name) {
 
 void BasicColorsForm::ShowFields(const BasicWork& work, const BookData& book, bool keepTyped) {
   Put(*code_, work.Color_Code, keepTyped);
-  if (!keepTyped || !additive_->IsDirty()) {
-    additive_->setChecked(work.Additive);
-    additive_->Field::MarkClean();
-  }
+  Put(*additive_, work.Additive, keepTyped);
   Put(*reorder_, work.Reorder, keepTyped);
   Put(*cost_, work.PurchaseCost, keepTyped);
   Put(*voc_, work.VOC, keepTyped);
   Put(*hap_, work.HAP, keepTyped);
-  if (!keepTyped || !notes_->IsDirty()) {
-    notes_->SetText(work.Notes);
-    notes_->Field::MarkClean();
-  }
-  Put(*red_, std::to_string(book.Red), keepTyped);
-  Put(*green_, std::to_string(book.Green), keepTyped);
-  Put(*blue_, std::to_string(book.Blue), keepTyped);
-  for (NumberField* part : {red_, green_, blue_}) part->setReadOnly(!book.Color_Guide.empty());
+  Put(*notes_, work.Notes, keepTyped);
+  swatch_->Show(book, keepTyped);
   guide_->setText(book.Color_Guide.empty() ? (work_ ? QString::fromUtf8("–") : QString())
                                            : Q(GuideCaption(work.Color_Name, book)));
-  ShowSwatch();
 }
 
 void BasicColorsForm::ShowStock(const BasicColor& color) {
@@ -293,13 +223,6 @@ void BasicColorsForm::ShowStock(const BasicColor& color) {
   stock_->SetText(AmountText(session, AmountKey::AdjInv, total));
   entered_->setText(DateText(color.Date_Entered));
   consumed_->setText(DateText(color.LastConsumed));
-}
-
-void BasicColorsForm::ShowSwatch() {
-  const auto red = ReadSwatchPart("Red", red_->Text());
-  const auto green = ReadSwatchPart("Green", green_->Text());
-  const auto blue = ReadSwatchPart("Blue", blue_->Text());
-  ink_->Show(red && green && blue ? std::optional(QColor(*red, *green, *blue)) : std::nullopt);
 }
 
 // ---- Changes made elsewhere
@@ -371,9 +294,7 @@ bool BasicColorsForm::Store() {
   ReadFields();
   ColorAttachments attachments;
   if (measurements_->IsChanged()) attachments.measurements = measurements_->Readings();
-  if (red_->IsDirty()) attachments.Red = red_->Text();
-  if (green_->IsDirty()) attachments.Green = green_->Text();
-  if (blue_->IsDirty()) attachments.Blue = blue_->Text();
+  swatch_->Take(attachments);
   return Accepted(SaveBasic(session, *work_, attachments));
 }
 

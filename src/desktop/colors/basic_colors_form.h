@@ -8,6 +8,7 @@
 namespace vellumark::desktop {
 
 class MeasurementsPanel;
+class SwatchFields;
 class SwatchView;
 
 /// The window of Basic Colors and Additives. It is empty, shows a record, or holds a new one. Opened with
@@ -45,7 +46,6 @@ class BasicColorsForm : public Window {
 
   void NameLeft(QWidget* to);
   void EnterName(const std::string& typed);
-  void LeaveToBatchInEdit();
 
   void Clear();
   void ShowColor(const std::string& name);
@@ -53,7 +53,6 @@ class BasicColorsForm : public Window {
   /// The fields of a record; `keepTyped` leaves those alone that the operator has changed.
   void ShowFields(const BasicWork& work, const BookData& book, bool keepTyped);
   void ShowStock(const BasicColor& color);
-  void ShowSwatch();
   /// The record on screen as it is on file now. What was typed stays.
   void Reload();
 
@@ -76,9 +75,7 @@ class BasicColorsForm : public Window {
   NumberField* cost_;
   NumberField* voc_;
   NumberField* hap_;
-  NumberField* red_;
-  NumberField* green_;
-  NumberField* blue_;
+  SwatchFields* swatch_;
   QLabel* guide_;
   ValueField* stock_;
   QLabel* entered_;

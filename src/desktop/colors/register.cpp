@@ -6,7 +6,9 @@
 #include "desktop/colors/colors_menu.h"
 #include "desktop/colors/compare_formulas_form.h"
 #include "desktop/colors/duplicate_formula_form.h"
+#include "desktop/colors/mix_colors_form.h"
 #include "desktop/colors/new_basic_name_form.h"
+#include "desktop/colors/new_mix_name_form.h"
 #include "desktop/colors/where_used_form.h"
 
 namespace vellumark::desktop {
@@ -14,7 +16,9 @@ namespace vellumark::desktop {
 void RegisterColorsWindows(WindowList& windows) {
   windows.Register<ColorsMenu>("ColorsMenu");
   windows.Register<BasicColorsForm>("BasicColorsForm");
+  windows.Register<MixColorsForm>("MixColorsForm");
   windows.RegisterDialog<NewBasicNameForm>("NewBasicNameForm");
+  windows.RegisterDialog<NewMixNameForm>("NewMixNameForm");
   windows.RegisterDialog<BasicColorUsedInMixForm>("BasicColorUsedInMixForm");
   windows.RegisterDialog<DuplicateFormulaForm>("DuplicateFormulaForm");
   windows.RegisterDialog<AdjustFormulaForm>("AdjustFormulaForm");

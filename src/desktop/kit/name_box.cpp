@@ -92,6 +92,7 @@ bool NameBox::UndoCompletion() {
 }
 
 void NameBox::ShowList() {
+  if (isReadOnly()) return Refused();
   const QString typed = completed_.isEmpty() ? text() : typed_;
   QStringList names;
   for (const std::string& name : source_.list(U8(typed), kListed)) names += Q(name);

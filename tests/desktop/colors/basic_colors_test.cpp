@@ -9,96 +9,21 @@
 #include <QLineEdit>
 #include <QPlainTextEdit>
 #include <QTabWidget>
-#include <fstream>
-#include <sstream>
 
-#include "core/base/number.h"
+#include "colors_desk.h"
 #include "core/colors/basics.h"
 #include "core/colors/lab.h"
 #include "core/colors/rename.h"
 #include "core/colors/swatch.h"
-#include "desktop/colors/register.h"
 #include "desktop/kit/grid.h"
-#include "support/desktop.h"
-#include "support/ink_room.h"
 
 namespace vellumark::test {
 namespace {
 
-constexpr const char* kName = "cmbColorName";
-
 const std::string kPad20(20, ' ');
-const std::string kPad30(30, ' ');
 
-std::vector<std::vector<std::string>> Lines(const std::string& file) {
-  std::ifstream in(std::string(VELLUMARK_SOURCE_DIR "/data/ink_room/") + file);
-  std::vector<std::vector<std::string>> lines;
-  for (std::string line; std::getline(in, line);) {
-    if (!line.empty() && line.back() == '\r') line.pop_back();
-    std::vector<std::string> cells;
-    std::istringstream row(line);
-    for (std::string cell; std::getline(row, cell, '\t');) cells.push_back(cell);
-    lines.push_back(cells);
-  }
-  return lines;
-}
-
-float Single(const std::string& text) {
-  return static_cast<float>(ParseNumber(text).value());
-}
-
-struct BasicColorsTest : testing::Test, InkRoom {
-  BasicColorsTest() { RegisterColorsWindows(windows); }
-
-  /// The colours and formulas of the sample ink room.
-  void HaveInkRoom() {
-    const auto basics = Lines("basics.tsv");
-    for (std::size_t i = 1; i < basics.size(); ++i) {
-      const auto& c = basics[i];
-      Basic(c[0], {{"Color_Code", c[1]},
-                   {"Additive", c[2] == "1"},
-                   {"PurchaseCost", Single(c[3])},
-                   {"VOC", Single(c[4])},
-                   {"HAP", Single(c[5])},
-                   {"Red", static_cast<int>(Single(c[6]))},
-                   {"Green", static_cast<int>(Single(c[7]))},
-                   {"Blue", static_cast<int>(Single(c[8]))},
-                   {"Reorder", Single(c[9])},
-                   {"Inventory", Single(c[10])},
-                   {"Notes", c.size() > 12 ? c[12] : ""},
-                   {"Date_Entered", DateTime{2025, 9, 14}},
-                   {"Color_Guide", ""}});
-    }
-    const auto formulas = Lines("ink_room.mfe");
-    for (std::size_t i = 1; i < formulas.size(); ++i) {
-      std::vector<std::pair<std::string, float>> parts;
-      for (std::size_t n = 1; n + 1 < formulas[i].size(); n += 2)
-        parts.emplace_back(formulas[i][n], Single(formulas[i][n + 1]));
-      Mix(formulas[i][0], parts);
-    }
-  }
-
-  desktop::Window& Open() {
-    form = windows.OpenForm("BasicColorsForm");
-    ShowActive(*form);
-    return *form;
-  }
-  /// Types the name and goes on.
-  void Enter(const std::string& name) {
-    Type(Control(*form, kName), name);
-    PressOn(Qt::Key_Return);
-  }
-  std::string Text(const char* field) { return Control<QLineEdit>(*form, field).text().toStdString(); }
-  std::string Label(const char* name) { return Control<QLabel>(*form, name).text().toStdString(); }
-  bool IsOn(const char* name) { return Control(*form, name).isEnabled(); }
-  void ExpectEmpty() {
-    EXPECT_EQ(Text(kName), "");
-    EXPECT_EQ(FocusName(), kName);
-    EXPECT_FALSE(IsOn("cmdSave"));
-  }
-
-  desktop::WindowList windows{session};
-  desktop::Window* form = nullptr;
+struct BasicColorsTest : testing::Test, ColorsDesk {
+  desktop::Window& Open() { return ColorsDesk::Open("BasicColorsForm"); }
 };
 
 TEST_F(BasicColorsTest, ANewColorByKeyboardAlone) {
@@ -484,13 +409,20 @@ TEST_F(BasicColorsTest, TheMenuListsTheWindowsThereAreAndOpensThem) {
   desktop::Window* menu = windows.OpenForm("ColorsMenu");
   ShowActive(*menu);
   EXPECT_TRUE(menu->IsFloating());
-  EXPECT_EQ(menu->findChild<QWidget*>("cmdMix"), nullptr);  // no room has that window
   EXPECT_EQ(FocusName(), "cmdBasics");
   Picture(*menu, "colors-menu", {});
   PressOn(Qt::Key_Return);
   Settle();
   EXPECT_FALSE(windows.IsFormOpen("ColorsMenu"));
   EXPECT_TRUE(windows.IsFormOpen("BasicColorsForm"));
+
+  menu = windows.OpenForm("ColorsMenu");
+  ShowActive(*menu);
+  PressOn(Qt::Key_Down);
+  EXPECT_EQ(FocusName(), "cmdMix");
+  PressOn(Qt::Key_Return);
+  Settle();
+  EXPECT_TRUE(windows.IsFormOpen("MixColorsForm"));
 }
 
 }  // namespace

@@ -1,0 +1,418 @@
+#include "desktop/colors/mix_colors_form.h"
+
+#include <QApplication>
+#include <QTabWidget>
+
+#include "core/base/text.h"
+#include "core/colors/guide_formulas.h"
+#include "core/colors/rollup.h"
+#include "desktop/colors/additive_set_panel.h"
+#include "desktop/colors/ingredients_panel.h"
+#include "desktop/colors/measurements_panel.h"
+#include "desktop/colors/mix_details_panel.h"
+#include "desktop/colors/mix_notes_panel.h"
+#include "desktop/colors/new_additive_set_panel.h"
+#include "desktop/colors/record_fields.h"
+#include "desktop/colors/swatch_view.h"
+#include "desktop/kit/icons.h"
+#include "desktop/kit/look.h"
+#include "desktop/kit/text.h"
+
+namespace vellumark::desktop {
+namespace {
+
+constexpr const char* kNameField = "cmbColorName";
+
+QHBoxLayout* Across(QWidget* box) {
+  auto* across = new QHBoxLayout(box);
+  across->setContentsMargins(0, 0, 0, 0);
+  across->setSpacing(space::kUnit);
+  return across;
+}
+
+}  // namespace
+
+MixColorsForm::MixColorsForm(WindowList& windowList) : Window(windowList, "MixColorsForm", tr("Master Formulas")) {
+  setWindowIcon(Icon("Color"));
+  Form form(*this);
+  BuildHead(form);
+  TabSet tabs = form.Tabs("TabMix");
+  tabs_ = tabs.Widget();
+  BuildFormulaPage(tabs.Page(tr("Formula"), kFormulaPage));
+  details_ =
+      new MixDetailsPanel(*this, tabs.Page(tr("Details"), kDetailsPage), *ink_, [this] { return work_.has_value(); });
+  measurements_ = new MeasurementsPanel(*this, tabs.Page(tr("Measurements"), "TabLab"), ColorKind::Mix);
+  notes_ = new MixNotesPanel(*this, tabs, [this] {
+    std::vector<std::string> names;
+    for (const FormulaWork::Row& row : ReadFields().grid)
+      if (!row.BC.empty()) names.push_back(row.BC);
+    for (const std::string& name : sets_->Ingredients()) names.push_back(name);
+    return names;
+  });
+  BuildButtons(form);
+  Listen();
+  Clear();
+}
+
+void MixColorsForm::BuildHead(Form& form) {
+  name_ = form.Name(kNameField, NamesOnFile(session, NameKind::Formulas));
+  name_->Means("Color_Name");
+  name_->DoNotTrack();
+  ink_ = new SwatchView("imgSwatch", {48, 32});
+  low_ = form.Link("ImgInvLow", tr("Low inventory"));
+  low_->setIcon(Icon("low-stock"));
+  low_->hide();
+  state_ = form.Hint({}, "lblState");
+  hasNotes_ = form.Hint(tr("(Formula Has Notes)"), "lblHasNotes");
+  hasNotes_->hide();
+  form.Row(tr("&Name"), {name_, ink_, state_, low_, hasNotes_});
+}
+
+void MixColorsForm::BuildFormulaPage(Form page) {
+  auto* tools = new QWidget;
+  QHBoxLayout* across = Across(tools);
+  allowEditing_ = page.Check("AllowEditing", tr("&Edit Formula"));
+  allowEditing_->DoNotTrack();
+  clearBatch_ = page.Hint(tr("Clear Batch to allow editing"), "lblClearBatch");
+  clearBatch_->hide();
+  adjust_ = page.Button("cmdAutoAdjust", tr("Adjust Ing. by Percent"), Qt::Key_F9);
+  modified_ = page.Button("cmdModified", tr("Modified Formula"));
+  across->addWidget(allowEditing_);
+  across->addWidget(clearBatch_);
+  across->addStretch(1);
+  across->addWidget(adjust_);
+  across->addWidget(modified_);
+
+  auto* body = new QWidget;
+  QHBoxLayout* sides = Across(body);
+  sides->setSpacing(2 * space::kGap);
+  auto* left = new QWidget;
+  auto* right = new QWidget;
+  ingredients_ = new IngredientsPanel(*this, Form(*this, *left));
+  sets_ = new AdditiveSetPanel(*this, Form(*this, *right));
+  auto* column = new QVBoxLayout;
+  column->setSpacing(0);
+  column->addWidget(tools);
+  column->addWidget(left, 1);
+  sides->addLayout(column, 1);
+  sides->addWidget(right);
+  page.Wide(body, 1);
+}
+
+void MixColorsForm::BuildButtons(Form& form) {
+  save_ = form.Button("cmdSave", tr("&Save"));
+  cancel_ = form.Button("cmdCancel", tr("Cancel"));
+  rename_ = form.Button("cmdRename", tr("Rename"), Qt::Key_F6);
+  whereUsed_ = form.Button("cmdWhereUsed", tr("Where used"), Qt::Key_F7);
+  duplicate_ = form.Button("cmdDuplicate", tr("Duplicate"), Qt::Key_F8);
+  delete_ = form.Button("cmdDelete", tr("Delete"));
+  CommandButton* find = form.Button("cmdFind", tr("Find"), QKeySequence::Find);
+  find->setVisible(windows.Knows("FindMix"));
+  form.Buttons({save_, cancel_, form.Button("cmdPrevious", tr("Previous"), Qt::Key_PageUp),
+                form.Button("cmdNext", tr("Next"), Qt::Key_PageDown), find, rename_, whereUsed_, duplicate_, delete_});
+}
+
+void MixColorsForm::Listen() {
+  connect(name_, &TextField::Left, this, &MixColorsForm::NameLeft);
+  connect(name_, &NameBox::Picked, this, [this](const QString& picked) {
+    if (!InEdit()) EnterName(U8(picked));
+  });
+  HintAtPantone(*name_, session);
+  connect(allowEditing_, &QCheckBox::clicked, this, &MixColorsForm::AllowEditingClicked);
+  connect(ingredients_, &IngredientsPanel::Changed, this, [this] { details_->ShowTotals(ingredients_->Totals()); });
+  connect(sets_, &AdditiveSetPanel::Picked, this, &MixColorsForm::SetPicked);
+  connect(&sets_->New(), &NewAdditiveSetPanel::SaveClicked, this, &MixColorsForm::SaveNewSet);
+  connect(&sets_->New(), &NewAdditiveSetPanel::CancelClicked, this, [this] {
+    sets_->New().Empty();
+    sets_->ShowChosen();
+    FocusField("lstAdditiveSets");
+  });
+  connect(measurements_, &MeasurementsPanel::Changed, this, [this] { Changed(); });
+  OnActivation(*this, [this] { Activated(); });
+}
+
+// ---- State
+
+bool MixColorsForm::RecipeChanged() const {
+  return ingredients_->IsChanged() || sets_->IsChanged();
+}
+
+bool MixColorsForm::InEdit() const {
+  return work_ && (work_->rowId == 0 || IsDirty() || sets_->IsChanged() || measurements_->IsChanged());
+}
+
+bool MixColorsForm::MayEdit() const {
+  return session.Perm_MasterFormula == 1 && !batchUses_;
+}
+
+void MixColorsForm::UpdateEnabled() {
+  const bool stored = work_ && work_->rowId != 0;
+  name_->setReadOnly(InEdit());
+  allowEditing_->setEnabled(MayEdit());
+  clearBatch_->setVisible(batchUses_);
+  ingredients_->SetEditable(work_ && allowEditing_->isChecked());
+  sets_->SetEditable(work_.has_value(), work_ && allowEditing_->isChecked());
+  adjust_->setEnabled(stored && MayEdit() && windows.Knows("AdjustFormulaForm"));
+  modified_->setEnabled(stored && isModified_ && windows.Knows("CompareFormulasForm"));
+  save_->setEnabled(work_.has_value());
+  cancel_->setEnabled(work_.has_value());
+  delete_->setEnabled(stored);
+  rename_->setEnabled(stored);
+  whereUsed_->setEnabled(stored);
+  duplicate_->setEnabled(stored && windows.Knows("DuplicateFormulaForm"));
+  low_->setVisible(stored && details_->IsBelowReorder());
+  hasNotes_->setVisible(work_ && notes_->HasNotes());
+  state_->setText(!work_ ? QString() : work_->rowId == 0 ? tr("New") : InEdit() ? tr("Changed") : QString());
+}
+
+void MixColorsForm::Activated() {
+  if (StandBackForBatch(*this, tr("Changing data on this window can impact the Batch Window."))) return;
+  if (session.CostChanged || session.VOCChanged || session.HAPChanged) {
+    const auto wait = Wait(WaitKind::WaitingForm_NoCancel, tr("Updating Master Formulas ..."));
+    RunPendingPasses(session);
+  }
+  batchUses_ = work_ && BatchUsesFormula(windows, work_->Color_Name);
+  if (batchUses_ && !RecipeChanged()) allowEditing_->setChecked(false);
+  sets_->Refresh();
+  Changed();
+}
+
+void MixColorsForm::OnOpen(const Arguments& arguments) {
+  if (!arguments.Has("FindRecord") || InEdit()) return;
+  ShowFormula(arguments.Text("FindRecord"));
+}
+
+// ---- The name
+
+void MixColorsForm::NameLeft(QWidget* to) {
+  if (to == nullptr || !isAncestorOf(to) || LeavesNameAlone(*to) || InEdit()) return;
+  if (to->objectName() == QLatin1String("cmdFind")) {
+    name_->SetText("");
+    return;
+  }
+  const std::string typed = name_->Text();
+  if (work_ && EqualNoCase(typed, work_->Color_Name)) return;
+  EnterName(typed);
+}
+
+void MixColorsForm::EnterName(const std::string& typed) {
+  const Result<NameEntry> entry = EnterMixName(session, typed);
+  if (!entry) {
+    ShowRefusal(entry.error());
+    Clear();
+    FocusField(kNameField);
+    return;
+  }
+  switch (entry->kind) {
+    case NameEntry::Kind::Empty:
+      QApplication::beep();
+      FocusField(kNameField);
+      break;
+    case NameEntry::Kind::Found:
+      ShowFormula(entry->name);
+      break;
+    case NameEntry::Kind::New:
+      ShowNew(entry->name);
+      FocusField("BC0");
+      break;
+    case NameEntry::Kind::Abandoned:
+      Clear();
+      FocusField(kNameField);
+      break;
+  }
+}
+
+// ---- Showing
+
+void MixColorsForm::Clear() {
+  work_.reset();
+  isModified_ = false;
+  batchUses_ = false;
+  name_->SetText("");
+  allowEditing_->setChecked(false);
+  ingredients_->Clear();
+  sets_->Show({});
+  sets_->New().Empty();
+  sets_->ShowChosen();
+  details_->Clear();
+  measurements_->Clear();
+  notes_->Clear();
+  MarkClean();
+}
+
+void MixColorsForm::ShowFormula(const std::string& name) {
+  const auto mix = ReadMix(session, name);
+  Clear();
+  if (!mix) return;
+  Show(*mix, LoadFormulaWork(session, *mix), false);
+  measurements_->Load(mix->Color_Name);
+  MarkClean();
+}
+
+void MixColorsForm::ShowNew(const std::string& name) {
+  Clear();
+  MixColor mix;
+  mix.Color_Name = name;
+  mix.Date_Entered = session.clock.Today();
+  mix.LastModified = mix.Date_Entered;
+  mix.book = BookDataOfMix(session, name);
+  Show(mix, NewFormulaWork(session, name), false);
+  allowEditing_->setChecked(true);
+  measurements_->Load(name);
+  MarkClean();
+}
+
+void MixColorsForm::Show(const MixColor& mix, FormulaWork work, bool keepTyped) {
+  const bool keepRecipe = keepTyped && RecipeChanged();
+  work_ = std::move(work);
+  if (name_->Text() != mix.Color_Name) name_->SetText(mix.Color_Name);
+  ingredients_->Show(*work_, keepRecipe);
+  if (!keepRecipe) sets_->Show(work_->AddSetName);
+  details_->Show(*work_, mix, keepTyped);
+  notes_->Show(mix.Color_Name, work_->Notes, keepTyped);
+  isModified_ = mix.rowId != 0 && IsFormulaModified(session, mix.Color_Name);
+  batchUses_ = mix.rowId != 0 && BatchUsesFormula(windows, mix.Color_Name);
+}
+
+void MixColorsForm::Reload() {
+  const auto mix = ReadMix(session, work_->Color_Name);
+  const bool keepTyped = InEdit();
+  if (mix) {
+    Show(*mix, LoadFormulaWork(session, *mix), keepTyped);
+    if (keepTyped) {
+      measurements_->Refresh(mix->Color_Name);
+    } else {
+      measurements_->Load(mix->Color_Name);
+    }
+  } else if (keepTyped) {
+    // Deleted under the operator's hands: what was typed can be saved as a new formula.
+    work_->rowId = 0;
+  } else {
+    const QPointer<QWidget> focus = QApplication::focusWidget();
+    Clear();
+    if (focus != nullptr && isAncestorOf(focus)) FocusField(kNameField);
+  }
+  Changed();
+}
+
+// ---- Changes made elsewhere
+
+void MixColorsForm::OnChanges(const std::vector<Change>& changes) {
+  bool mine = false;
+  for (const Change& change : changes) {
+    if (!EqualNoCase(change.database, session.CurrentDatabase)) continue;
+    if (change.kind == Change::Kind::AdditiveSet) {
+      if (change.what == Change::What::Renamed) sets_->RenameSet(change.name, change.newName);
+      sets_->Refresh();
+    }
+    if (!work_) continue;
+    if (change.kind == Change::Kind::Basic) TakeBasicChange(change);
+    if (change.kind == Change::Kind::Batch) ExternalUpdateBatchNotes();
+    if (change.kind != Change::Kind::Mix || work_->rowId == 0) continue;
+    const bool isShown = EqualNoCase(change.name, work_->Color_Name);
+    if (isShown && change.what == Change::What::Renamed) work_->Color_Name = change.newName;
+    mine = mine || isShown || change.what == Change::What::All;
+  }
+  if (mine) Reload();
+}
+
+void MixColorsForm::TakeBasicChange(const Change& change) {
+  if (change.what == Change::What::Renamed) ingredients_->RenameIngredient(change.name, change.newName);
+  if (change.what == Change::What::All) {
+    ingredients_->RefreshFigures();
+    notes_->IngredientsChanged();
+    return;
+  }
+  const std::string& name = change.what == Change::What::Renamed ? change.newName : change.name;
+  const IngredientFigures figures = ReadIngredientFigures(session, name);
+  ExternalUpdateBasicColor(name, "Cost", figures.Cost);
+  ExternalUpdateBasicColor(name, "VOC", figures.VOC);
+  ExternalUpdateBasicColor(name, "HAP", figures.HAP);
+}
+
+void MixColorsForm::ExternalUpdateBasicColor(const std::string& name, const std::string& kind, float value) {
+  if (!work_) return;
+  ingredients_->TakeFigure(name, kind, value);
+  notes_->IngredientsChanged();
+}
+
+void MixColorsForm::ExternalUpdateMixColor(const std::string& name) {
+  if (work_ && !InEdit() && EqualNoCase(name, work_->Color_Name)) Reload();
+}
+
+void MixColorsForm::ExternalUpdateBatchNotes() {
+  notes_->BatchesChanged();
+}
+
+// ---- The recipe
+
+FormulaWork MixColorsForm::ReadFields() const {
+  FormulaWork work = work_.value_or(FormulaWork{});
+  ingredients_->ReadInto(work);
+  details_->ReadInto(work);
+  work.AddSetName = sets_->Chosen();
+  work.Notes = notes_->Notes();
+  work.AllowEditing = allowEditing_->isChecked();
+  return work;
+}
+
+void MixColorsForm::AllowEditingClicked(bool checked) {
+  if (!work_) {
+    allowEditing_->setChecked(false);
+    FocusField(kNameField);
+    return;
+  }
+  if (!checked && !StopEditing()) allowEditing_->setChecked(true);
+  if (checked && !Accepted(RequireWritable(session))) allowEditing_->setChecked(false);
+  Changed();
+}
+
+// Without the box a stored recipe is not written, so that what was typed into it must be given up knowingly.
+bool MixColorsForm::StopEditing() {
+  if (!Accepted(ValidateFormula(session, ReadFields()))) return false;
+  if (work_->rowId == 0 || !RecipeChanged()) return true;
+  if (!session.prompt.Ask(U8(tr("Cancel Without Saving Changes?")), U8(tr("Cancel without saving changes?")),
+                          Answer::No))
+    return false;
+  ingredients_->Show(*work_, false);
+  sets_->Show(work_->AddSetName);
+  return true;
+}
+
+void MixColorsForm::SetPicked(const std::string& setName) {
+  FormulaWork work = ReadFields();
+  if (!Accepted(ChooseAdditiveSet(session, work, setName))) return;
+  sets_->Choose(work.AddSetName);
+  notes_->IngredientsChanged();
+  Changed();
+}
+
+void MixColorsForm::Reset_Adds() {
+  sets_->Choose({});
+  Changed();
+}
+
+void MixColorsForm::SaveNewSet() {
+  if (!work_ || !Accepted(ValidateFormula(session, ReadFields()))) return;
+  std::string setName;
+  if (!sets_->New().Create(setName)) return;
+  sets_->Refresh();
+  sets_->ShowChosen();
+  if (allowEditing_->isChecked()) SetPicked(setName);
+  FocusField("lstAdditiveSets");
+}
+
+// A set that was filled in and not saved. False: the operator goes on with it.
+bool MixColorsForm::SettleNewSet() {
+  if (!sets_->New().IsFilled()) return true;
+  if (session.prompt.Ask(U8(tr("Unfinished Add Set Creation")), U8(tr("Complete and Save the current Add Set?")))) {
+    sets_->ShowNew();
+    sets_->New().FocusName();
+    return false;
+  }
+  sets_->New().Empty();
+  sets_->ShowChosen();
+  return true;
+}
+
+}  // namespace vellumark::desktop

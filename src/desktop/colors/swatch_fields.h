@@ -1,0 +1,32 @@
+#pragma once
+
+#include <QObject>
+#include <array>
+
+#include "core/colors/attachments.h"
+#include "desktop/colors/swatch_view.h"
+#include "desktop/kit/form.h"
+
+namespace vellumark::desktop {
+
+/// Red, green and blue of a colour's swatch, set by hand unless a guide gives them, and the ink that they make.
+class SwatchFields : public QObject {
+  Q_OBJECT
+
+ public:
+  /// A row of `form`; `ink` shows the colour.
+  SwatchFields(FormHost& host, Form& form, SwatchView& ink);
+
+  void Show(const BookData& book, bool keepTyped);
+  void Clear();
+  /// What was typed.
+  void Take(ColorAttachments& attachments) const;
+
+ private:
+  void ShowInk();
+
+  SwatchView& ink_;
+  std::array<NumberField*, 3> parts_{};
+};
+
+}  // namespace vellumark::desktop
