@@ -9,7 +9,8 @@ void RegisterBatchWindows(WindowList& windows);
 
 /// The windows around the Batch Window; a part of RegisterBatchWindows. What they take and give:
 ///
-///   CostInfForm              {"Record", BatchRecord*}: shows its costs, changes its cost model by CostModelForm
+///   CostInfForm              {"Record", BatchRecord*}: shows its costs, changes its cost model by CostModelForm; the
+///                            record may have another one however the window was left
 ///   CostModelForm            {"Record", BatchRecord*}: changes its cost model
 ///   VOC_HAP_CalcForm         {"Record", BatchRecord*}: changes its emission models
 ///   MoreDataForm             {"Record", BatchRecord*}: changes its user-defined fields and lab values
@@ -19,8 +20,9 @@ void RegisterBatchWindows(WindowList& windows);
 ///   RecentBatchesForm        nothing; gives {"BatchNo", number}
 ///   ViewBatchForm            a child window; {"BatchNo", number}
 ///
-/// The record belongs to the caller, who waits until the dialog closes; a dialog that gives nothing back was cancelled
-/// and has changed nothing.
+/// The record belongs to the caller, who waits until the dialog closes; any other dialog that
+/// gives nothing back was cancelled and has changed nothing. BatchWindowDialogs (batch_window_dialogs.h) runs the two
+/// that a save asks for.
 void RegisterBatchSideWindows(WindowList& windows);
 
 }  // namespace vellumark::desktop

@@ -1,0 +1,152 @@
+#include "desktop/batch/batch_settings_form.h"
+
+#include "desktop/kit/text.h"
+#include "desktop/settings/explain.h"
+
+namespace vellumark::desktop {
+namespace {
+
+constexpr int kTextWidth = static_cast<int>(kUserTextWidth);
+constexpr int kCaptionWidth = 208;
+
+QString Numbered(const char* name, int number) {
+  return QString("%1%2").arg(QLatin1String(name)).arg(number);
+}
+
+QStringList DecimalChoices() {
+  QStringList choices;
+  for (int decimals = 0; decimals <= kMostUserDecimals; ++decimals) choices += QString::number(decimals);
+  return choices;
+}
+
+TextField* ShortText(Form& form, const QString& name, const QString& accessible) {
+  TextField* field = form.Text(name, TextRule::Any(kTextWidth));
+  field->setFixedWidth(kCaptionWidth);
+  field->setAccessibleName(accessible);
+  return field;
+}
+
+}  // namespace
+
+BatchSettingsForm::BatchSettingsForm(WindowList& windowList, QWidget* owner)
+    : Dialog(windowList, owner, "BatchSettingsForm", tr("Batch Settings")) {
+  Form form(*this);
+  TabSet tabs = form.Tabs("TabSettings");
+  BuildGeneral(tabs.Page(tr("Batch Window"), "TabGeneral"));
+  BuildTexts(tabs.Page(tr("Text Fields"), "TabTexts"));
+  BuildNumbers(tabs.Page(tr("Number Fields"), "TabNumbers"));
+  BuildQuickInfo(tabs.Page(tr("Quick Info"), "TabQuickInfo"));
+  form.Buttons({form.Button("cmdSave", tr("&Save")), form.Button("cmdCancel", tr("Cancel"))});
+  resize(800, 640);
+}
+
+void BatchSettingsForm::BuildGeneral(Form form) {
+  form.Heading(tr("Calculation"));
+  form.Row(tr("&Unit of a new Batch"), unit_ = form.Combo("cmbUMF", UnitNames()));
+  action_ = form.Radio("BatchActionButton", {{"optRecycle", tr("Recycle (F2)")}, {"optMix", tr("Mix (F3)")}});
+  form.Row(tr("Enter after the Quantity"), action_);
+  order_ = form.Radio("IngSortOrder", {{"optByAmount", tr("From the largest to the smallest amount")},
+                                       {"optByUser", tr("In the user-defined order")}});
+  form.Row(tr("Basic Colors are listed"), order_);
+  overpour_ = form.Check("chkOverpour", tr("Allow Basic Color adjustments to correct for overpour"));
+  form.Row(overpour_);
+  graphic_ = form.Check("chkShowBatchGraphic", tr("Show the graphic when colors are recycled"));
+  form.Row(graphic_);
+  form.Heading(tr("Saving"));
+  returns_ = form.Check("chkReturnToInventory", tr("Return the quantity made to inventory"));
+  form.Row(returns_);
+  lotNumber_ = form.Check("chkBatchDefaultLotNumberValue", tr("Use the Batch ID # for the Lot Number value"));
+  form.Row(lotNumber_);
+  complete_ = form.Check("chkBatchComplete", tr("Batches are marked as Complete"));
+  form.Row(complete_);
+  form.Row(Explain(form, tr("A Batch that is marked as Complete cannot be changed or deleted.")));
+}
+
+void BatchSettingsForm::BuildTexts(Form form) {
+  form.Wide(Explain(form, tr("Six texts of your own for each Batch, entered under More Data.")));
+  for (int i = 0; i < kUserFields; ++i) {
+    TextLine& line = texts_.at(static_cast<std::size_t>(i));
+    line.caption = ShortText(form, Numbered("txtTextCaption", i), tr("Caption of text %1").arg(i + 1));
+    line.hasDefault = form.Check(Numbered("chkTextDefault", i), tr("Default"));
+    line.value = ShortText(form, Numbered("txtTextValue", i), tr("Default of text %1").arg(i + 1));
+    line.required = form.Check(Numbered("chkTextRequired", i), tr("Required"));
+    form.Row(tr("Text %1").arg(i + 1), {line.caption, line.hasDefault, line.value, line.required});
+  }
+}
+
+void BatchSettingsForm::BuildNumbers(Form form) {
+  form.Wide(Explain(form, tr("Six numbers of your own for each Batch, entered under More Data.")));
+  for (int i = 0; i < kUserFields; ++i) {
+    NumberLine& line = numbers_.at(static_cast<std::size_t>(i));
+    line.caption = ShortText(form, Numbered("txtNumberCaption", i), tr("Caption of number %1").arg(i + 1));
+    line.decimals = form.Combo(Numbered("cmbNumberFormat", i), DecimalChoices());
+    line.decimals->setAccessibleName(tr("Decimals of number %1").arg(i + 1));
+    form.Row(tr("Number %1").arg(i + 1), {line.caption, line.decimals, form.Hint(tr("decimals"))});
+  }
+}
+
+void BatchSettingsForm::BuildQuickInfo(Form form) {
+  form.Wide(quickInfo_ = form.Check("chkShowQuickInfo", tr("Show on Screen")));
+  form.Wide(Explain(form, tr("Shown beside a color of the Batch while the mouse rests on its name.")));
+  form.Space();
+  for (int i = 0; i < kQuickInfoFields; ++i) {
+    CheckField* field = form.Check(Numbered("chkQuickInfoField", i), tr(QuickInfoCaption(i)));
+    quickFields_.at(static_cast<std::size_t>(i)) = field;
+    form.Wide(field);
+  }
+}
+
+void BatchSettingsForm::OnOpen(const Arguments&) {
+  const BatchOptions options = ReadBatchOptions(session);
+  unit_->setCurrentIndex(options.UMF - 1);
+  action_->Choose(options.recycleByDefault ? 0 : 1);
+  order_->Choose(options.sortByAmount ? 0 : 1);
+  overpour_->setChecked(options.Overpour);
+  graphic_->setChecked(options.ShowBatchGraphic);
+  returns_->setChecked(options.ReturnToInventory);
+  lotNumber_->setChecked(options.BatchDefaultLotNumberValue);
+  complete_->setChecked(options.BatchComplete);
+  for (std::size_t i = 0; i < texts_.size(); ++i) {
+    const UserTextOption& text = options.texts.at(i);
+    texts_[i].caption->SetText(text.caption);
+    texts_[i].hasDefault->setChecked(text.hasDefault);
+    texts_[i].value->SetText(text.value);
+    texts_[i].required->setChecked(text.required);
+    const UserNumberOption& number = options.numbers.at(i);
+    numbers_[i].caption->SetText(number.caption);
+    numbers_[i].decimals->setCurrentIndex(number.decimals);
+  }
+  quickInfo_->setChecked(options.ShowQuickInfo);
+  for (std::size_t i = 0; i < quickFields_.size(); ++i) quickFields_[i]->setChecked(options.QuickInfoField.at(i));
+}
+
+void BatchSettingsForm::UpdateEnabled() {
+  for (const TextLine& line : texts_) line.value->setEnabled(line.hasDefault->isChecked());
+}
+
+BatchOptions BatchSettingsForm::Typed() const {
+  BatchOptions options;
+  options.UMF = unit_->currentIndex() + 1;
+  options.recycleByDefault = action_->Chosen() == 0;
+  options.sortByAmount = order_->Chosen() == 0;
+  options.Overpour = overpour_->isChecked();
+  options.ShowBatchGraphic = graphic_->isChecked();
+  options.ReturnToInventory = returns_->isChecked();
+  options.BatchDefaultLotNumberValue = lotNumber_->isChecked();
+  options.BatchComplete = complete_->isChecked();
+  for (std::size_t i = 0; i < texts_.size(); ++i) {
+    const TextLine& text = texts_[i];
+    options.texts.at(i) = {text.caption->Text(), text.hasDefault->isChecked(), text.value->Text(),
+                           text.required->isChecked()};
+    options.numbers.at(i) = {numbers_[i].caption->Text(), numbers_[i].decimals->currentIndex()};
+  }
+  options.ShowQuickInfo = quickInfo_->isChecked();
+  for (std::size_t i = 0; i < quickFields_.size(); ++i) options.QuickInfoField.at(i) = quickFields_[i]->isChecked();
+  return options;
+}
+
+void BatchSettingsForm::cmdSave_Click() {
+  if (Accepted(SaveBatchOptions(session, Typed()))) accept();
+}
+
+}  // namespace vellumark::desktop

@@ -1,0 +1,35 @@
+#pragma once
+
+#include "core/batch/record.h"
+#include "desktop/kit/window.h"
+
+namespace vellumark::desktop {
+
+/// The cost model of the Batch on screen, which can be made that of all later ones. Opened with
+/// {"Record", BatchRecord*}; the record has the new model and its figures when the window closes with a result.
+class CostModelForm : public Dialog {
+  Q_OBJECT
+
+ public:
+  CostModelForm(WindowList& windowList, QWidget* owner);
+  void OnOpen(const Arguments& arguments) override;
+  void UpdateEnabled() override;
+
+ public Q_SLOTS:
+  void cmdSave_Click();
+  void cmdCancel_Click() { reject(); }
+
+ private:
+  BatchRecord* record_ = nullptr;
+
+  RadioField* type_;
+  QLabel* means_;
+  QLabel* example_;
+  ComboField* mixCost_;
+  NumberField* fixedOfBatch_;
+  NumberField* fixedPerUnit_;
+  NumberField* markup_;
+  CheckField* future_;
+};
+
+}  // namespace vellumark::desktop
