@@ -25,11 +25,21 @@ Json SetJson(const Session& session, const AdditiveSet& set) {
   return answer;
 }
 
+// A name longer than names of sets are is refused: cut to the length, it would be another set's.
+Result<std::string> TypedSetName(const std::string& typed) {
+  const std::string_view text = TrimView(typed);
+  if (const std::size_t length = CharCount(text); length > kSetNameLength)
+    return Refuse("Invalid Name",
+                  fmt::format("The name {} has {} characters, the limit is {}.", text, length, kSetNameLength),
+                  "SetName");
+  return ReadSetName(typed);
+}
+
 Result<AdditiveSet> Named(const Session& session, const std::string& typed) {
-  // In full: a name cut to its field's length would be another set's.
-  const std::string name = Upper(TrimView(typed));
-  if (auto set = ReadAdditiveSet(session, name)) return *std::move(set);
-  return Refuse("Additive Set Name", fmt::format("Additive Set: {} is not on file.", name), "SetName");
+  const auto name = TypedSetName(typed);
+  if (!name) return std::unexpected(name.error());
+  if (auto set = ReadAdditiveSet(session, *name)) return *std::move(set);
+  return Refuse("Additive Set Name", fmt::format("Additive Set: {} is not on file.", *name), "SetName");
 }
 
 Result<Json> Answer(Context& context, const std::string& typed) {
@@ -82,16 +92,16 @@ Result<void> TakeLines(Session& session, AdditiveSetWork& work, const std::vecto
 
 Result<Json> Write(Context& context, const std::string& typed, const std::vector<std::string>& pairs, bool isNew) {
   Session& session = context.session;
-  AdditiveSetWork work{typed, {}};
+  const auto name = TypedSetName(typed);
+  if (!name) return std::unexpected(name.error());
+  AdditiveSetWork work{*name, {}};
   if (!isNew) {
-    const auto set = Named(session, typed);
-    if (!set) return std::unexpected(set.error());
+    if (const auto set = Named(session, typed); !set) return std::unexpected(set.error());
   }
   // An Additive made on the way goes again when the set is refused.
   Transaction transaction(session.File());
   if (auto taken = TakeLines(session, work, pairs); !taken) return std::unexpected(taken.error());
-  const auto written =
-      isNew ? CreateAdditiveSet(session, work) : EditAdditiveSet(session, Upper(TrimView(typed)), work);
+  const auto written = isNew ? CreateAdditiveSet(session, work) : EditAdditiveSet(session, *name, work);
   if (!written) return std::unexpected(written.error());
   transaction.Commit();
   return Answer(context, written->SetName);
@@ -100,11 +110,13 @@ Result<Json> Write(Context& context, const std::string& typed, const std::vector
 Result<Json> Rename(Context& context, const std::string& oldName, const std::string& newName) {
   const auto set = Named(context.session, oldName);
   if (!set) return std::unexpected(set.error());
-  const bool merges = AdditiveSetExists(context.session, ReadSetName(newName));
+  const auto name = TypedSetName(newName);
+  if (!name) return std::unexpected(name.error());
+  const bool merges = AdditiveSetExists(context.session, *name);
   const auto renamed = RenameAdditiveSet(context.session, set->SetName, newName);
   if (!renamed) return std::unexpected(renamed.error());
   if (!*renamed) return Declined("Additive Set Name Exists", set->SetName);
-  return Json{{"SetName", ReadSetName(newName)}, {"OldName", set->SetName}, {"Merged", merges}};
+  return Json{{"SetName", *name}, {"OldName", set->SetName}, {"Merged", merges}};
 }
 
 Result<Json> Delete(Context& context, const std::string& typed) {
@@ -157,7 +169,9 @@ Result<Json> Apply(Context& context, const ApplyOptions& options, SetMethod meth
   }
   std::vector<std::string> names;
   for (const std::string& typed : options.names) {
-    names.push_back(Upper(TrimView(typed)));
+    const auto name = TypedName(session, typed);
+    if (!name) return std::unexpected(name.error());
+    names.push_back(*name);
     if (!MixColorExists(session, names.back()))
       return Refuse("Color Not Found", names.back() + " is not found in this database.", "Color_Name");
   }
@@ -191,8 +205,8 @@ void AddApplyVerbs(CLI::App* noun, Commands& commands) {
   auto* remove = noun->add_subcommand("remove", "Take the set off formulas");
   for (CLI::App* verb : {apply, remove}) {
     const auto options = std::make_shared<ApplyOptions>();
-    verb->add_option("SET", options->set, "The set")->required();
-    auto* names = verb->add_option("NAME", options->names, "The formulas");
+    verb->add_option("SET", options->set, "The set")->required()->check(NotEmpty);
+    auto* names = verb->add_option("NAME", options->names, "The formulas")->check(NotEmpty);
     verb->add_flag("--preview", options->preview, "Only show what would be done with each");
     if (verb == apply) {
       verb->add_option("--having", options->having,
@@ -218,7 +232,7 @@ void AddAdditiveSetCommands(CLI::App& app, Commands& commands) {
 
   auto* show = noun->add_subcommand("show", "One with its Additives and the formulas with it");
   const auto shown = std::make_shared<std::string>();
-  show->add_option("NAME", *shown, "Its name")->required();
+  show->add_option("NAME", *shown, "Its name")->required()->check(NotEmpty);
   commands.Add(show, Needs::File, [shown](Context& context) { return Answer(context, *shown); });
 
   auto* add = noun->add_subcommand("add", "Enter a new one");
@@ -226,7 +240,7 @@ void AddAdditiveSetCommands(CLI::App& app, Commands& commands) {
   for (CLI::App* verb : {add, edit}) {
     const auto name = std::make_shared<std::string>();
     const auto pairs = std::make_shared<std::vector<std::string>>();
-    verb->add_option("NAME", *name, "Its name")->required();
+    verb->add_option("NAME", *name, "Its name")->required()->check(NotEmpty);
     verb->add_option("ADDITIVE=PERCENT", *pairs, "One to five Additives with their percentages")->check(CheckPair);
     const bool isNew = verb == add;
     commands.Add(verb, Needs::Writable,
@@ -234,16 +248,13 @@ void AddAdditiveSetCommands(CLI::App& app, Commands& commands) {
   }
 
   auto* rename = noun->add_subcommand("rename", "Give one another name; onto an existing one its formulas go over");
-  const auto oldName = std::make_shared<std::string>();
-  const auto newName = std::make_shared<std::string>();
-  rename->add_option("OLD", *oldName, "Its name")->required();
-  rename->add_option("NEW", *newName, "Its new name")->required();
+  const auto renamed = AddRenameNames(rename);
   commands.Add(rename, Needs::Writable,
-               [oldName, newName](Context& context) { return Rename(context, *oldName, *newName); });
+               [renamed](Context& context) { return Rename(context, renamed->oldName, renamed->newName); });
 
   auto* remove = noun->add_subcommand("delete", "Remove one, from its formulas too");
   const auto removed = std::make_shared<std::string>();
-  remove->add_option("NAME", *removed, "Its name")->required();
+  remove->add_option("NAME", *removed, "Its name")->required()->check(NotEmpty);
   commands.Add(remove, Needs::Writable, [removed](Context& context) { return Delete(context, *removed); });
   AddApplyVerbs(noun, commands);
 }

@@ -179,12 +179,9 @@ void AddColorCommands(CLI::App& app, Commands& commands) {
   commands.Add(set, Needs::Writable, [name, pairs](Context& context) { return Set(context, *name, *pairs); });
 
   auto* rename = noun->add_subcommand("rename", "Give one another name, everywhere; onto an existing one it merges");
-  const auto oldName = std::make_shared<std::string>();
-  const auto newName = std::make_shared<std::string>();
-  rename->add_option("OLD", *oldName, "Its name")->required();
-  rename->add_option("NEW", *newName, "Its new name")->required();
+  const auto renamed = AddRenameNames(rename);
   commands.Add(rename, Needs::Writable,
-               [oldName, newName](Context& context) { return Rename(context, *oldName, *newName); });
+               [renamed](Context& context) { return Rename(context, renamed->oldName, renamed->newName); });
 
   auto* remove = noun->add_subcommand("delete", "Remove one that nothing uses");
   const auto removed = std::make_shared<std::string>();

@@ -25,6 +25,13 @@ Result<std::string> NewTypedName(const Session& session, std::string_view typed,
   return TypedName(session, typed, std::move(field));
 }
 
+std::shared_ptr<RenameNames> AddRenameNames(CLI::App* verb, const std::string& newText) {
+  const auto names = std::make_shared<RenameNames>();
+  verb->add_option("OLD", names->oldName, "Its name")->required()->check(NotEmpty);
+  verb->add_option("NEW", names->newName, newText)->required()->check(NotEmpty);
+  return names;
+}
+
 Result<bool> ReadYesNo(const std::string& field, std::string_view text) {
   const std::string word = Upper(TrimView(text));
   for (const std::string_view yes : {"YES", "TRUE", "1"})

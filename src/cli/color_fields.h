@@ -1,5 +1,6 @@
 #pragma once
 
+#include <memory>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -19,6 +20,13 @@ using Pairs = std::vector<std::pair<std::string, std::string>>;
 Result<std::string> TypedName(const Session& session, std::string_view typed, std::string field = "Color_Name");
 /// The same of a name that is to be given, which holds plain characters only.
 Result<std::string> NewTypedName(const Session& session, std::string_view typed, std::string field = "Color_Name");
+
+/// The two names of a rename, OLD and NEW, neither of them empty.
+struct RenameNames {
+  std::string oldName;
+  std::string newName;
+};
+std::shared_ptr<RenameNames> AddRenameNames(CLI::App* verb, const std::string& newText = "Its new name");
 
 /// Yes or no as people and programs write it.
 Result<bool> ReadYesNo(const std::string& field, std::string_view text);

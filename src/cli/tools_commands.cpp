@@ -21,15 +21,18 @@ struct Selection {
   bool preview = false;
 
   void AddTo(CLI::App* verb, const std::string& what) {
-    auto* named = verb->add_option("NAME", names, "The " + what);
+    auto* named = verb->add_option("NAME", names, "The " + what)->check(NotEmpty);
     verb->add_flag("--all", all, "All " + what)->excludes(named);
     verb->add_flag("--preview", preview, "Only show what would be done with each");
   }
-  std::vector<std::string> Names(const Session& session, ColorKind kind) const {
+  Result<std::vector<std::string>> Names(const Session& session, ColorKind kind) const {
     if (all) return kind == ColorKind::Mix ? MixNames(session) : BasicNames(session, BasicFilter::All);
-    // In full: a name cut to its field's length would be another colour's.
     std::vector<std::string> read;
-    for (const std::string& typed : names) read.push_back(Upper(TrimView(typed)));
+    for (const std::string& typed : names) {
+      auto name = TypedName(session, typed);
+      if (!name) return std::unexpected(name.error());
+      read.push_back(*std::move(name));
+    }
     return read;
   }
 };
@@ -104,8 +107,13 @@ struct ModifyOptions {
 Result<Json> Modify(Context& context, const ModifyOptions& options) {
   Session& session = context.session;
   std::vector<ModifierLine> lines;
-  for (const std::string& text : options.lines) lines.push_back(*ReadLine(text));
-  auto rows = PreviewModifier(session, lines, options.selection.Names(session, ColorKind::Mix));
+  for (const std::string& text : options.lines) {
+    lines.push_back(*ReadLine(text));
+    if (const auto name = TypedName(session, lines.back().ingredient); !name) return std::unexpected(name.error());
+  }
+  const auto names = options.selection.Names(session, ColorKind::Mix);
+  if (!names) return std::unexpected(names.error());
+  auto rows = PreviewModifier(session, lines, *names);
   if (!rows) return std::unexpected(rows.error());
   if (options.held)
     for (ModifierPreviewRow& row : *rows) row.toModify = row.modable;
@@ -165,7 +173,9 @@ Json RenameJson(const std::vector<RenamePreviewRow>& rows) {
 Result<Json> Rename(Context& context, const RenameOptions& options) {
   Session& session = context.session;
   const BulkRename rule = RuleOf(options);
-  const auto rows = PreviewRename(session, rule, options.selection.Names(session, rule.kind));
+  const auto names = options.selection.Names(session, rule.kind);
+  if (!names) return std::unexpected(names.error());
+  const auto rows = PreviewRename(session, rule, *names);
   if (!rows) return std::unexpected(rows.error());
   if (options.selection.preview) return RenameJson(*rows);
   std::vector<std::string> colors;
@@ -183,8 +193,9 @@ Result<Json> Rename(Context& context, const RenameOptions& options) {
 
 Result<Json> Delete(Context& context, const Selection& selection) {
   Session& session = context.session;
-  const std::vector<std::string> names = selection.Names(session, ColorKind::Mix);
-  const auto rows = PreviewDeleteFormulas(session, names);
+  const auto names = selection.Names(session, ColorKind::Mix);
+  if (!names) return std::unexpected(names.error());
+  const auto rows = PreviewDeleteFormulas(session, *names);
   if (!rows) return std::unexpected(rows.error());
   if (selection.preview) {
     Json answer = Json::array();
@@ -192,7 +203,7 @@ Result<Json> Delete(Context& context, const Selection& selection) {
       answer.push_back({{"Color_Name", row.Color_Name}, {"Deletes", row.deletes}, {"Reason", row.reason}});
     return answer;
   }
-  const auto deleted = DeleteFormulas(session, names);
+  const auto deleted = DeleteFormulas(session, *names);
   if (!deleted) return std::unexpected(deleted.error());
   if (!*deleted) return Declined("Confirm Delete", session.CurrentDatabase);
   return Json{{"Database", session.CurrentDatabase}, {"Deleted", rows->size()}};

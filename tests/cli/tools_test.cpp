@@ -106,6 +106,7 @@ TEST(CliTools, RefusedWithNothingChanged) {
   const ToolShop shop;
   shop.Json({"addset", "add", "SLOW", "DRIER=2"});
   const std::string tooLong = "PURPLE" + std::string(30, 'X');
+  const std::string limit = "The name " + tooLong + " has 36 characters, the limit is 30.";
   const struct {
     std::vector<std::string> words;
     int status;
@@ -136,7 +137,16 @@ TEST(CliTools, RefusedWithNothingChanged) {
       {{"tools", "rename", "PURPLE", "--prefix", "PANTONE "}, 1, "Bad Prefix"},
       {{"tools", "rename", "PURPLE", "--find", "PURPLE", "--replace", "PINK"}, 1, "Rename creates duplicate"},
       {{"tools", "rename", "PURPLE", "--prefix", "A", "--suffix", "B"}, 2, "excludes"},
-      {{"tools", "delete", tooLong}, 1, tooLong + " is not found in this database."},
+      {{"tools", "delete", tooLong}, 1, limit},
+      {{"tools", "rename", tooLong, "--prefix", "A"}, 1, limit},
+      {{"tools", "modify", "PURPLE", "--line", "increase " + tooLong + "=1"}, 1, limit},
+      {{"tools", "delete", " "}, 2, "the text is empty"},
+      {{"addset", "add", tooLong, "WAX=1"}, 1, limit},
+      {{"addset", "edit", tooLong, "WAX=1"}, 1, limit},
+      {{"addset", "show", tooLong}, 1, limit},
+      {{"addset", "rename", "SLOW", tooLong}, 1, limit},
+      {{"addset", "rename", "SLOW", " "}, 2, "the text is empty"},
+      {{"addset", "apply", "SLOW", tooLong}, 1, limit},
       {{"tools", "delete", "PURPLE"}, 3, "OK to delete Master Formulas from database: INK"},
       {{"formula", "compare", "PURPLE"}, 1, "The guides of this database have no formula PURPLE."},
       {{"formula", "revert", "PURPLE"}, 1, "The published formula of PURPLE is not there"},

@@ -14,7 +14,6 @@
 namespace vellumark {
 namespace {
 
-constexpr std::size_t kSetNameLength = 30;
 constexpr std::size_t kMostLinesWithSet = 14;
 constexpr double kLargestPercent = 10;
 

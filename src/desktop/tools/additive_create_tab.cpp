@@ -15,7 +15,6 @@
 namespace vellumark::desktop {
 namespace {
 
-constexpr int kSetNameLength = 30;
 constexpr int kPercentDecimals = 2;
 constexpr int kPercentChars = 6;
 constexpr int kListWidth = 296;
@@ -71,7 +70,7 @@ AdditiveCreateTab::AdditiveCreateTab(FormHost& host, Form form)
 
 void AdditiveCreateTab::BuildFields(Form form) {
   form.Heading(tr("Set"));
-  name_ = form.Text("txtAddSetName", TextRule::UpperName(kSetNameLength));
+  name_ = form.Text("txtAddSetName", TextRule::UpperName(static_cast<int>(kSetNameLength)));
   name_->Means("SetName");
   form.Row(tr("&Name"), name_);
   connect(name_, &TextField::Left, this, &AdditiveCreateTab::NameLeft);

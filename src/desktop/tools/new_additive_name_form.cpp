@@ -3,17 +3,11 @@
 #include "core/colors/additive_control.h"
 
 namespace vellumark::desktop {
-namespace {
-
-constexpr int kSetNameLength = 30;
-
-}  // namespace
-
 NewAdditiveNameForm::NewAdditiveNameForm(WindowList& windowList, QWidget* owner)
     : Dialog(windowList, owner, "NewAdditiveNameForm", tr("Rename Additive Set")) {
   Form form(*this);
   form.Row(tr("Set"), oldName_ = form.Value("lblOldName", 1));
-  form.Row(tr("&New name"), newName_ = form.Text("txtNewName", TextRule::UpperName(kSetNameLength)));
+  form.Row(tr("&New name"), newName_ = form.Text("txtNewName", TextRule::UpperName(static_cast<int>(kSetNameLength))));
   newName_->Means("SetName");
   form.Buttons({form.Button("cmdSave", tr("&Save")), form.Button("cmdCancel", tr("Cancel"))});
   setMinimumWidth(440);
