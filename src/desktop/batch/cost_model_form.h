@@ -1,7 +1,10 @@
 #pragma once
 
+#include <optional>
+
 #include "core/batch/record.h"
 #include "desktop/kit/window.h"
+#include "desktop/settings/cost_model_panel.h"
 
 namespace vellumark::desktop {
 
@@ -13,7 +16,7 @@ class CostModelForm : public Dialog {
  public:
   CostModelForm(WindowList& windowList, QWidget* owner);
   void OnOpen(const Arguments& arguments) override;
-  void UpdateEnabled() override;
+  void UpdateEnabled() override { model_->UpdateEnabled(); }
 
  public Q_SLOTS:
   void cmdSave_Click();
@@ -22,13 +25,7 @@ class CostModelForm : public Dialog {
  private:
   BatchRecord* record_ = nullptr;
 
-  RadioField* type_;
-  QLabel* means_;
-  QLabel* example_;
-  ComboField* mixCost_;
-  NumberField* fixedOfBatch_;
-  NumberField* fixedPerUnit_;
-  NumberField* markup_;
+  std::optional<CostModelPanel> model_;
   CheckField* future_;
 };
 

@@ -1,7 +1,10 @@
 #pragma once
 
+#include <optional>
+
 #include "core/batch/record.h"
 #include "desktop/kit/window.h"
+#include "desktop/settings/cost_model_panel.h"
 
 namespace vellumark::desktop {
 
@@ -22,8 +25,7 @@ class VOC_HAP_CalcForm : public Dialog {
  private:
   BatchRecord* record_ = nullptr;
 
-  RadioField* voc_;
-  RadioField* hap_;
+  std::optional<EmissionModelPanel> model_;
   CheckField* future_;
   CommandButton* save_;
 };

@@ -38,7 +38,7 @@ TEST_F(CostWindowsTest, TheCostsAddUpOnScreenAndFollowTheModelTypedIn) {
                           "Use Basic & Additive Purchase Costs");
                 EXPECT_EQ(Typed(model, "txtFixedCostBatch"), "0.0000");
                 EXPECT_EQ(Typed(model, "txtMarkupPercent"), "0.0");
-                EXPECT_FALSE(Control(model, "lblExample").isVisible());
+                EXPECT_EQ(TextOf(model, "lblExample"), " ");
                 Fill(model, "txtFixedCostBatch", "12.5");
                 EXPECT_EQ(FocusName(), "txtFixedCostUnit");
                 TypeOn(".25");
@@ -134,7 +134,7 @@ TEST_F(CostWindowsTest, BadCostsAreRefusedAtTheirFieldAndNothingChanges) {
 TEST_F(CostWindowsTest, WithoutIngredientsTheRecycledInkHasNoSayAndTheModelCanBeForAll) {
   EXPECT_TRUE(RunOnRecord("CostModelForm", [&](QWidget& model) {
     EXPECT_NE(Says(model).find("Individual Ingredient Costs add together to create a Batch Cost."), std::string::npos);
-    Click(model, "optNoIngredients");
+    Click(model, "CostModelType1");
     EXPECT_NE(
         Says(model).find("Master Formula Purchase cost is multiplied against Batch weight to create a Batch Cost."),
         std::string::npos);
@@ -174,15 +174,15 @@ TEST_F(CostWindowsTest, EmissionsFollowTheModelChosen) {
   EXPECT_TRUE(RunOnRecord("VOC_HAP_CalcForm", [&](QWidget& model) {
     EXPECT_EQ(model.windowTitle(), "VOC _ HAP Calculation Model - This Batch");
     const std::vector<std::pair<const char*, const char*>> options{
-        {"optVOC0", "Use Basic / Addivitve VOC Value"}, {"optVOC1", "Use Master Formula VOC Value"},
-        {"optVOC2", "Use No VOC Value -> 0"},           {"optHAP0", "Use Basic / Addivitve HAP Value"},
-        {"optHAP1", "Use Master Formula HAP Value"},    {"optHAP2", "Use No HAP Value -> 0"}};
+        {"OptVOCModel0", "Use Basic / Addivitve VOC Value"}, {"OptVOCModel1", "Use Master Formula VOC Value"},
+        {"OptVOCModel2", "Use No VOC Value -> 0"},           {"OptHAPModel0", "Use Basic / Addivitve HAP Value"},
+        {"OptHAPModel1", "Use Master Formula HAP Value"},    {"OptHAPModel2", "Use No HAP Value -> 0"}};
     for (const auto& [name, text] : options) EXPECT_EQ(Control<QRadioButton>(model, name).text().toStdString(), text);
-    EXPECT_TRUE(Control<QRadioButton>(model, "optVOC0").isChecked());
+    EXPECT_TRUE(Control<QRadioButton>(model, "OptVOCModel0").isChecked());
     EXPECT_EQ(Control<QCheckBox>(model, "chkFutureBatches").text().remove('&'),
               "Apply this Model to all future Batches");
-    Click(model, "optVOC1");
-    Click(model, "optHAP2");
+    Click(model, "OptVOCModel1");
+    Click(model, "OptHAPModel2");
     Picture(model, "batch-voc-hap", {});
     Press(model, Qt::Key_S, Qt::ControlModifier);
   }));
@@ -190,9 +190,9 @@ TEST_F(CostWindowsTest, EmissionsFollowTheModelChosen) {
   EXPECT_EQ(record.work.figures.HAP, 62.25F);
   EXPECT_EQ(OnFile("VOCModelType") + OnFile("HAPModelType"), "00");
   EXPECT_TRUE(RunOnRecord("VOC_HAP_CalcForm", [&](QWidget& model) {
-    EXPECT_TRUE(Control<QRadioButton>(model, "optHAP2").isChecked());
-    Click(model, "optVOC2");
-    Click(model, "optHAP1");
+    EXPECT_TRUE(Control<QRadioButton>(model, "OptHAPModel2").isChecked());
+    Click(model, "OptVOCModel2");
+    Click(model, "OptHAPModel1");
     Click(model, "chkFutureBatches");
     Click(model, "cmdSave");
   }));
