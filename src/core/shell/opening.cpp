@@ -9,6 +9,7 @@
 #include "core/base/text.h"
 #include "core/batch/leave.h"
 #include "core/colors/guide_database.h"
+#include "core/colors/rollup.h"
 #include "core/datafile/databases.h"
 #include "core/datafile/lifecycle.h"
 #include "core/datafile/stock_history.h"
@@ -101,6 +102,13 @@ bool MakeOfFirstGuides(Session& session, const std::string& name) {
   return true;
 }
 
+// The flags of pending passes are the session's, and tell nothing of which Database they are for: what is pending runs
+// before that Database is left, so that a backup and the next session find figures that belong together.
+void RunPassesBeforeLeaving(Session& session) {
+  if (!session.DataFileDB || session.CurrentDatabase.empty()) return;
+  if (session.File().TableExists(session.Table(schema::Mix))) RunPendingPasses(session);
+}
+
 }  // namespace
 
 std::string VersionCaption() {
@@ -186,6 +194,12 @@ void OpenDataFile(Session& session, OpeningWindows& windows) {
 }
 
 void CloseDataFile(Session& session, OpeningWindows& windows) {
+  try {
+    RunPassesBeforeLeaving(session);
+  } catch (const Failure& failure) {
+    // The file must be left all the same.
+    session.prompt.Tell("Master Formulas", failure.subject + "\n" + failure.cause + ".", Icon::Exclamation);
+  }
   session.progress.Begin("Closing File ...");
   CloseWorkingSets(session);
   session.JobRS.reset();
@@ -264,6 +278,7 @@ Result<void> ChangeDatabase(Session& session, std::string_view name, bool rememb
     return Refuse("Database Not Found",
                   fmt::format("The {} Data File has no Database named {}.", session.DataFileName, name), "cmbDBList");
   if (*found == session.CurrentDatabase) return {};
+  RunPassesBeforeLeaving(session);
   session.CurrentDatabase = *found;
   if (remember && !session.ArchiveView) StoreCurrentDatabase(session.File(), *found);
   OpenDatabase(session);

@@ -9,6 +9,7 @@
 #include "core/base/files.h"
 #include "core/datafile/databases.h"
 #include "core/datafile/lifecycle.h"
+#include "core/datafile/writer.h"
 #include "core/session/users.h"
 #include "core/settings/settings_keys.h"
 #include "core/settings/support_files.h"
@@ -276,6 +277,39 @@ TEST(Opening, ANewFileGetsItsFirstDatabaseAndACopyIsReadOnly) {
   EXPECT_THROW(CreateEmptyDatabase(start.session.File(), "NO"), Failure);
   CloseDataFile(start.session, start.windows);
   EXPECT_EQ(ReadFileBytes(copy), bytes);
+}
+
+TEST(Opening, PendingPassesRunBeforeADatabaseOrTheFileIsLeft) {
+  Start start;
+  Session& session = start.session;
+  PrepareSupportFiles(session, start.options.folders);
+  CreateDataFile(session, start.folder / "New.vkd", start.windows);
+  start.prompt.Expect("New Database");
+  OpenDataFile(session, start.windows);
+  CreateEmptyDatabase(session.File(), "FLEXO");
+  session.databaseList.push_back("FLEXO");
+  InsertRow(session.File(), schema::Basic, session.Table(schema::Basic), {{"Color_Name", "RED"}});
+  InsertRow(session.File(), schema::Mix, session.Table(schema::Mix),
+            {{"Color_Name", "PINK"}, {"BC0", "RED"}, {"BQ0", 100.0F}});
+  const auto costs = [&](const char* cost) {
+    session.File().Execute(std::string("UPDATE PANTONE_Basic SET PurchaseCost = ") + cost);
+    session.CostChanged = true;
+  };
+  const auto stored = [&] { return session.File().Scalar("SELECT BasicCost FROM PANTONE_Mix").Single(); };
+  costs("3");
+  ASSERT_TRUE(ChangeDatabase(session, "FLEXO"));
+  EXPECT_EQ(stored(), 3);
+  EXPECT_FALSE(session.CostChanged);
+  ASSERT_TRUE(ChangeDatabase(session, "PANTONE"));
+  costs("5");
+  CloseDataFile(session, start.windows);
+  OpenDataFile(session, start.windows);
+  EXPECT_EQ(stored(), 5);
+  // Of a Database that is gone there is nothing to bring up to date.
+  session.File().Execute("DROP TABLE PANTONE_Mix");
+  session.CostChanged = true;
+  CloseDataFile(session, start.windows);
+  EXPECT_FALSE(session.CostChanged);
 }
 
 TEST(Opening, TheFirstDatabaseIsOfTheFirstGuidesWhereThereIsATemplate) {
