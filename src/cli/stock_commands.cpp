@@ -111,16 +111,33 @@ Result<Json> ShowHistory(Context& context, const HistoryOptions& options) {
 struct AdjustOptions {
   std::string name;
   std::string quantity;
+  std::optional<std::int32_t> ref;
   std::string lot;
   std::optional<std::string> location;
   std::optional<std::string> container;
   std::optional<std::string> price;
   std::optional<std::string> date;
   std::string count;
-  std::optional<bool> consignment;
+  bool consignment = false;
+  bool noConsignment = false;
   std::string kind;
   std::string reason;
 };
+
+// The row of a lot that is named by its reference, with what is to be written over.
+Result<AdjustFields> FieldsOfReference(const Session& session, const InventoryWork& work,
+                                       const AdjustOptions& options) {
+  for (std::size_t row = 1; row < work.rows.size(); ++row) {
+    if (work.rows[row].key != options.ref) continue;
+    AdjustFields fields = FieldsOfRow(session, work, row);
+    if (!Trim(options.lot).empty()) fields.lotNumber = Trim(options.lot);
+    if (options.location) fields.location = Trim(*options.location);
+    if (options.container) fields.contID = Trim(*options.container);
+    return fields;
+  }
+  return Refuse("Lot Not Found", work.name + " has no lot with the reference " + std::to_string(*options.ref) + ".",
+                "cmbLotNum");
+}
 
 // The fields as typed. A lot that is there already keeps whatever was not named.
 Result<AdjustFields> FieldsOf(const Session& session, const InventoryWork& work, const AdjustOptions& options,
@@ -128,10 +145,14 @@ Result<AdjustFields> FieldsOf(const Session& session, const InventoryWork& work,
   AdjustFields fields = ClearedFields(session, work);
   const std::string location = Trim(options.location.value_or(""));
   const std::string container = Trim(options.container.value_or(""));
-  if (!Trim(options.lot).empty()) {
+  if (options.ref || !Trim(options.lot).empty()) {
     if (session.InvLotTracking != 1)
       return Refuse("Lotted Inventory", "Lotted Inventory is turned off; no lot can be named.", "cmbLotNum");
-    if (const auto row = FindRow(work, options.lot, location, container)) {
+    if (options.ref) {
+      const auto named = FieldsOfReference(session, work, options);
+      if (!named) return named;
+      fields = *named;
+    } else if (const auto row = FindRow(work, options.lot, location, container)) {
       fields = FieldsOfRow(session, work, *row);
     } else {
       fields.lotNumber = Trim(options.lot);
@@ -140,7 +161,7 @@ Result<AdjustFields> FieldsOf(const Session& session, const InventoryWork& work,
     }
   }
   fields.quantity = quantity;
-  if (options.consignment) fields.consignment = *options.consignment;
+  if (options.consignment || options.noConsignment) fields.consignment = options.consignment;
   if (options.price) {
     const auto price = ReadLotPrice(session, work, *options.price);
     if (!price) return std::unexpected(price.error());
@@ -216,19 +237,23 @@ void AddStockCommands(CLI::App& app, Commands& commands) {
   const auto options = std::make_shared<AdjustOptions>();
   adjust->add_option("NAME", options->name, "The Basic Color or formula")->required();
   adjust->add_option("QTY", options->quantity, "In the inventory unit; of one container with --count")->required();
-  auto* lot = adjust->add_option("--lot", options->lot, "Lot number; Unlotted Inventory without it")->check(NotEmpty);
-  adjust->add_option("--loc", options->location, "Location of the lot")->needs(lot);
-  adjust->add_option("--cont", options->container, "Container of the lot")->needs(lot);
-  adjust->add_option("--price", options->price, "Price per unit, or an entry of the price list: 1), 2), 3)")
-      ->needs(lot);
-  adjust->add_option("--date", options->date, "Date of the lot, YYYY-MM-DD; today for a new one")->needs(lot);
+  adjust->add_option("--ref", options->ref, "LotRefID of a lot that is there; the other options then change it");
+  adjust->add_option("--lot", options->lot, "Lot number; Unlotted Inventory without it")->check(NotEmpty);
+  adjust->add_option("--loc", options->location, "Location of the lot");
+  adjust->add_option("--cont", options->container, "Container of the lot");
+  adjust->add_option("--price", options->price, "Price per unit, or an entry of the price list: 1), 2), 3)");
+  adjust->add_option("--date", options->date, "Date of the lot, YYYY-MM-DD; today for a new one");
   adjust->add_option("--count", options->count, "Number of containers");
-  adjust
-      ->add_flag("--consignment,!--no-consignment", options->consignment,
-                 "The lot is held on consignment, or no longer so")
-      ->needs(lot);
+  auto* consignment = adjust->add_flag("--consignment", options->consignment, "The lot is held on consignment");
+  adjust->add_flag("--no-consignment", options->noConsignment, "The lot is no longer held on consignment")
+      ->excludes(consignment);
   AddKindOption(adjust, options->kind);
   adjust->add_option("--reason", options->reason, "Why, for the history");
+  adjust->parse_complete_callback([adjust] {
+    if (adjust->count("--lot") + adjust->count("--ref") > 0) return;
+    for (const char* option : {"--loc", "--cont", "--price", "--date", "--consignment", "--no-consignment"})
+      if (adjust->count(option) > 0) throw CLI::RequiresError(option, "--lot or --ref");
+  });
   commands.Add(adjust, Needs::Writable, [options](Context& context) { return AdjustStock(context, *options); });
 }
 

@@ -140,13 +140,25 @@ TEST(CliStock, RefusesAndThenNothingHasChanged) {
 TEST(CliStock, ListsLotsAndWhatIsToBeOrdered) {
   const StockShop shop;
   shop.Json({"stock", "adjust", "PURPLE", "4", "--lot", "A", "--cont", "7", "--count", "2", "--consignment"});
-  shop.Json({"stock", "adjust", "PURPLE", "1", "--lot", "A", "--cont", "8", "--no-consignment"});
+  EXPECT_EQ(shop.Json({"stock", "adjust", "PURPLE", "0.5", "--lot", "A", "--cont", "8"})["lots"][1]["LotConsignment"],
+            true);
+  shop.Json({"stock", "adjust", "PURPLE", "0.5", "--lot", "A", "--cont", "8", "--no-consignment"});
   const ordered_json lots = shop.Json({"stock", "lots", "purple"});
   ASSERT_EQ(lots.size(), 2U);
   EXPECT_EQ(lots[0]["LotConsignment"], true);
   EXPECT_EQ(lots[1]["LotContID"], "8");
   EXPECT_EQ(lots[1]["LotQty"], 5);
   EXPECT_EQ(lots[1]["LotConsignment"], false);
+  // A lot is moved and renumbered under its reference.
+  const ordered_json moved =
+      shop.Json({"stock", "adjust", "PURPLE", "-1", "--ref", "2", "--loc", "HALL", "--lot", "B"});
+  EXPECT_EQ(moved["lots"][1]["LotNumber"], "B");
+  EXPECT_EQ(moved["lots"][1]["LotLoc"], "HALL");
+  EXPECT_EQ(moved["lots"][1]["LotContID"], "8");
+  EXPECT_EQ(moved["lots"][1]["LotQty"], 4);
+  shop.Json({"stock", "adjust", "PURPLE", "1", "--ref", "2"});
+  EXPECT_EQ(shop.Run({"stock", "adjust", "PURPLE", "1", "--ref", "9"}).err,
+            "Lot Not Found: PURPLE has no lot with the reference 9.\n");
   EXPECT_EQ(shop.Run({"stock", "lots", "RED"}).status, 3);
   EXPECT_EQ(shop.Json({"stock", "lots", "RED", "--kind", "basic"}), ordered_json::array());
 
