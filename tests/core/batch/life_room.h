@@ -58,6 +58,11 @@ struct LifeRoom : StockRoom {
     Setting("BatchLotNumReminder", "0");
   }
 
+  /// A setting that the ladder brings into later files of settings.
+  void LaterSetting(std::string_view key, std::string_view value) {
+    session.support->settings.AppendSupportValue(key, value);
+  }
+
   void Basic(const std::string& name, float inventory, std::vector<Cell> cells = {}) {
     Color(ColorKind::Basic, name, inventory, std::move(cells));
   }
