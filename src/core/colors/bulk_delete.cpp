@@ -30,10 +30,6 @@ Result<std::vector<MixColor>> Selected(const Session& session, const std::vector
   return SelectedFormulas(session, colors, database);
 }
 
-bool StandsInDesign(const Session& session, const std::string& database, const MixColor& mix) {
-  return UsedByDesign(session.File(), database, ColorKind::Mix, mix.Color_Name);
-}
-
 }  // namespace
 
 Result<std::vector<DeletePreviewRow>> PreviewDeleteFormulas(Session& session, const std::vector<std::string>& colors,
@@ -42,9 +38,10 @@ Result<std::vector<DeletePreviewRow>> PreviewDeleteFormulas(Session& session, co
   if (!chosen) return std::unexpected(chosen.error());
   const auto formulas = Selected(session, colors, *chosen);
   if (!formulas) return std::unexpected(formulas.error());
+  const auto inDesigns = ColorsInDesigns(session.File(), *chosen, ColorKind::Mix);
   std::vector<DeletePreviewRow> rows;
   for (const MixColor& mix : *formulas) {
-    const bool used = StandsInDesign(session, *chosen, mix);
+    const bool used = inDesigns.contains(Upper(mix.Color_Name));
     rows.push_back({mix.Color_Name, !used, used ? "Color is used in a Job Design." : ""});
   }
   return rows;
@@ -57,8 +54,9 @@ Result<bool> DeleteFormulas(Session& session, const std::vector<std::string>& co
   if (!chosen) return std::unexpected(chosen.error());
   const auto formulas = Selected(session, colors, *chosen);
   if (!formulas) return std::unexpected(formulas.error());
+  const auto inDesigns = ColorsInDesigns(session.File(), *chosen, ColorKind::Mix);
   for (const MixColor& mix : *formulas)
-    if (StandsInDesign(session, *chosen, mix))
+    if (inDesigns.contains(Upper(mix.Color_Name)))
       return Refuse("Additive Set Color",
                     fmt::format("{}: Color is used in a Job Design.\n\nRename color or modify Job Design before "
                                 "deleting.",

@@ -131,12 +131,15 @@ Result<bool> ApplyRename(Session& session, const BulkRename& rule, const std::ve
                          Buttons::OkCancel, Icon::Question, Answer::Ok};
   if (session.prompt.Show(question) != Answer::Ok) return false;
 
-  BulkSteps steps(session, "Modifing Name ...", rows->size());
+  std::vector<Renaming> names;
+  for (const RenamePreviewRow& row : *rows) names.push_back({row.Color_Name, row.newName});
+  ProgressRun run(session.progress, "Modifing Name ...");
   Transaction transaction(session.File());
-  for (const RenamePreviewRow& row : *rows) {
-    RenameChecked(session, transaction, rule.kind, row.Color_Name, row.newName);
-    if (!steps.Next()) return BulkSteps::Stopped(std::string(kTitle));
-  }
+  const bool whole = RenameAllChecked(session, transaction, rule.kind, names, [&](double percent) {
+    session.progress.Percent(percent);
+    return !session.progress.Cancelled();
+  });
+  if (!whole) return BulkSteps::Stopped(std::string(kTitle));
   transaction.Commit();
   return true;
 }

@@ -2,12 +2,16 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
+#include <unordered_map>
+
 #include "core/base/number.h"
 #include "core/base/progress_run.h"
 #include "core/base/text.h"
 #include "core/colors/additive_sets.h"
 #include "core/colors/amounts.h"
 #include "core/colors/basics.h"
+#include "core/colors/color_set.h"
 #include "core/colors/formulas.h"
 #include "core/colors/names.h"
 #include "core/colors/stock_trace.h"
@@ -59,48 +63,91 @@ struct NewRecipe {
   std::string setName;
 };
 
-NewRecipe RenamedRecipe(const Session& session, const MixColor& mix, std::string_view oldName,
+NewRecipe RenamedRecipe(const Session& session, const NewRecipe& present, std::string_view oldName,
                         std::string_view newName) {
-  Recipe recipe = mix.Ingredients();
+  Recipe recipe = present.recipe;
   if (!HoldsIngredient(recipe, newName) || EqualNoCase(oldName, newName)) {
     for (Ingredient& line : recipe)
       if (EqualNoCase(line.name, oldName)) line.name = newName;
-    return {recipe, mix.AddSetName};
+    return {recipe, present.setName};
   }
-  if (const auto set = ReadAdditiveSet(session, mix.AddSetName)) {
+  if (const auto set = ReadAdditiveSet(session, present.setName)) {
     const Recipe rows = RenamedRows(set->rows, oldName, newName);
     Recipe merged = MergeIngredientsWithSet(recipe, oldName, rows);
-    if (merged.size() > rows.size()) return {merged, mix.AddSetName};
+    if (merged.size() > rows.size()) return {merged, present.setName};
     // Nothing stands beside the set any more, so there is no formula with a set left: its lines are merged as they are.
     return {MergeIngredients(recipe, oldName, newName), {}};
   }
-  return {MergeIngredients(recipe, oldName, newName), mix.AddSetName};
+  return {MergeIngredients(recipe, oldName, newName), present.setName};
 }
 
-// `progress` is null where the rename is a step of longer work.
-void RenameInFormulas(Session& session, ProgressRun* progress, Transaction& transaction, std::string_view oldName,
-                      std::string_view newName) {
-  const std::vector<std::int64_t> users = FormulaRowsUsing(session, oldName);
+// The new names by the old ones in capitals.
+using NameMap = std::unordered_map<std::string, std::string>;
+
+NameMap MapOf(const std::vector<Renaming>& names) {
+  NameMap map;
+  for (const Renaming& name : names) map.emplace(Upper(name.oldName), name.newName);
+  return map;
+}
+
+// The formulas with one of the ingredients. Many names are looked for in one walk over the index of ingredients.
+std::vector<std::int64_t> FormulasToRename(const Session& session, const std::vector<Renaming>& names,
+                                           const NameMap& map) {
+  if (names.size() == 1) return FormulaRowsUsing(session, names.front().oldName);
+  std::vector<std::int64_t> rows;
+  Statement row = session.File().Prepare("SELECT rowid, Color_Set FROM " + Quoted(session.Table(schema::Mix)) +
+                                         " ORDER BY Color_Set");
+  while (row.Step())
+    if (std::ranges::any_of(SplitColorSet(row.TextView(1)),
+                            [&](const std::string& item) { return map.contains(Upper(item)); }))
+      rows.push_back(row.Whole(0));
+  std::ranges::sort(rows);
+  return rows;
+}
+
+// How long work goes on: it hears how much is done, in percent, and may end it.
+using GoOn = std::function<bool(double percent)>;
+
+double PartOf(std::size_t done, std::size_t all) {
+  return 100.0 * static_cast<double>(done) / static_cast<double>(std::max<std::size_t>(all, 1));
+}
+
+bool RenameInFormulas(Session& session, Transaction& transaction, const std::vector<Renaming>& names, const GoOn& goOn) {
+  const NameMap map = MapOf(names);
+  const std::vector<std::int64_t> users = FormulasToRename(session, names, map);
   RecipeWriter writer(session);
+  RecipeReader reader(session);
   std::size_t done = 0;
   for (const std::int64_t user : users) {
-    if (const auto mix = ReadMixRow(session, user)) {
-      const NewRecipe renamed = RenamedRecipe(session, *mix, oldName, newName);
+    if (const auto mix = reader.ReadRow(user)) {
+      NewRecipe renamed{mix->Ingredients(), mix->AddSetName};
+      for (const Ingredient& line : mix->Ingredients())
+        if (const auto found = map.find(Upper(line.name)); found != map.end())
+          renamed = RenamedRecipe(session, renamed, line.name, found->second);
       writer.Set(renamed.recipe, renamed.setName).Update(mix->rowId);
       transaction.Note({Change::Kind::Mix, session.CurrentDatabase, mix->Color_Name, Change::What::Updated, ""});
     }
-    if (progress != nullptr) progress->Step(++done, users.size());
+    if (!goOn(PartOf(++done, users.size()))) return false;
   }
+  return true;
 }
 
 // The walk over the places renames a slot where it stands; a set that would then hold one name twice is closed up
 // first.
-void MergeInAdditiveSets(Session& session, std::string_view oldName, std::string_view newName) {
+void MergeInAdditiveSets(Session& session, const std::vector<Renaming>& names) {
+  const NameMap map = MapOf(names);
   for (const AdditiveSet& set : ListAdditiveSets(session)) {
-    if (!HoldsIngredient(set.rows, oldName) || !HoldsIngredient(set.rows, newName)) continue;
     AdditiveSet merged = set;
-    merged.rows = RenamedRows(set.rows, oldName, newName);
-    UpdateRow(session.File(), schema::Additives, session.Table(schema::Additives), set.rowId, AdditiveSetCells(merged));
+    bool changed = false;
+    for (const Ingredient& row : set.rows) {
+      const auto found = map.find(Upper(row.name));
+      if (found == map.end() || !HoldsIngredient(merged.rows, found->second)) continue;
+      merged.rows = RenamedRows(merged.rows, row.name, found->second);
+      changed = true;
+    }
+    if (changed)
+      UpdateRow(session.File(), schema::Additives, session.Table(schema::Additives), set.rowId,
+                AdditiveSetCells(merged));
   }
 }
 
@@ -113,12 +160,17 @@ void GiveUpBasic(Session& session, const BasicColor& color, const std::string& n
       .Run();
 }
 
-void RenameBasicEverywhere(Session& session, ProgressRun* progress, Transaction& transaction, const BasicColor& color,
-                           const std::string& newName) {
-  RenameInFormulas(session, progress, transaction, color.Color_Name, newName);
-  MergeInAdditiveSets(session, color.Color_Name, newName);
-  RenameReferences(session.File(), session.CurrentDatabase, ColorKind::Basic, color.Color_Name, newName);
-  transaction.Note({Change::Kind::Basic, session.CurrentDatabase, color.Color_Name, Change::What::Renamed, newName});
+// The ingredients of formulas and all other places; the colours' own rows are the caller's.
+bool RenameBasicsEverywhere(Session& session, Transaction& transaction, const std::vector<Renaming>& names,
+                            const GoOn& goOn) {
+  if (!RenameInFormulas(session, transaction, names, [&](double percent) { return goOn(percent / 2); })) return false;
+  MergeInAdditiveSets(session, names);
+  if (!RenameReferences(session.File(), session.CurrentDatabase, ColorKind::Basic, names,
+                        [&](double percent) { return goOn(50 + percent / 2); }))
+    return false;
+  for (const Renaming& name : names)
+    transaction.Note({Change::Kind::Basic, session.CurrentDatabase, name.oldName, Change::What::Renamed, name.newName});
+  return true;
 }
 
 void WriteBasicName(Session& session, const BasicColor& color, const std::string& newName) {
@@ -135,7 +187,10 @@ void RenameOrMergeBasic(Session& session, const BasicColor& color, const std::st
   } else {
     WriteBasicName(session, color, newName);
   }
-  RenameBasicEverywhere(session, &progress, transaction, color, newName);
+  RenameBasicsEverywhere(session, transaction, {{color.Color_Name, newName}}, [&](double percent) {
+    session.progress.Percent(percent);
+    return true;
+  });
   transaction.Commit();
   if (!merge) return;
   // Formulas now count the surviving colour's figures.
@@ -144,12 +199,28 @@ void RenameOrMergeBasic(Session& session, const BasicColor& color, const std::st
   session.HAPChanged = true;
 }
 
-void RenameMixEverywhere(Session& session, Transaction& transaction, const MixColor& mix, const std::string& newName) {
+void WriteMixName(Session& session, const MixColor& mix, const std::string& newName) {
   UpdateRow(session.File(), schema::Mix, session.Table(schema::Mix), mix.rowId,
             NameCells(newName, mix.book, BookDataOfMix(session, newName)));
-  RenameReferences(session.File(), session.CurrentDatabase, ColorKind::Mix, mix.Color_Name, newName);
-  TraceRename(session, ColorKind::Mix, mix.Color_Name, newName);
-  transaction.Note({Change::Kind::Mix, session.CurrentDatabase, mix.Color_Name, Change::What::Renamed, newName});
+}
+
+bool RenameMixesEverywhere(Session& session, Transaction& transaction, const std::vector<Renaming>& names,
+                           const GoOn& goOn) {
+  if (!RenameReferences(session.File(), session.CurrentDatabase, ColorKind::Mix, names, goOn)) return false;
+  for (const Renaming& name : names)
+    transaction.Note({Change::Kind::Mix, session.CurrentDatabase, name.oldName, Change::What::Renamed, name.newName});
+  return true;
+}
+
+void WriteName(Session& session, ColorKind kind, const Renaming& name) {
+  if (kind == ColorKind::Mix) {
+    const auto mix = ReadMix(session, name.oldName);
+    if (!mix) throw Failure(name.oldName, "is no longer in this database");
+    return WriteMixName(session, *mix, name.newName);
+  }
+  const auto color = ReadBasic(session, name.oldName);
+  if (!color) throw Failure(name.oldName, "is no longer in this database");
+  WriteBasicName(session, *color, name.newName);
 }
 
 }  // namespace
@@ -209,23 +280,25 @@ Result<Renamed> RenameColor(Session& session, std::string_view oldName, std::str
 
   ProgressRun progress(session.progress, "Renaming color ...");
   Transaction transaction(session.File());
-  RenameMixEverywhere(session, transaction, *mix, name);
+  WriteMixName(session, *mix, name);
+  RenameMixesEverywhere(session, transaction, {{mix->Color_Name, name}}, [&](double percent) {
+    session.progress.Percent(percent);
+    return true;
+  });
   transaction.Commit();
   return Renamed{true, false, name};
 }
 
-void RenameChecked(Session& session, Transaction& transaction, ColorKind kind, const std::string& oldName,
-                   const std::string& newName) {
-  if (kind == ColorKind::Mix) {
-    const auto mix = ReadMix(session, oldName);
-    if (!mix) throw Failure(oldName, "is no longer in this database");
-    RenameMixEverywhere(session, transaction, *mix, newName);
-    return;
+bool RenameAllChecked(Session& session, Transaction& transaction, ColorKind kind, const std::vector<Renaming>& names,
+                      const std::function<bool(double percent)>& goOn) {
+  std::size_t done = 0;
+  for (const Renaming& name : names) {
+    WriteName(session, kind, name);
+    if (!goOn(PartOf(++done, names.size()) / 2)) return false;
   }
-  const auto color = ReadBasic(session, oldName);
-  if (!color) throw Failure(oldName, "is no longer in this database");
-  WriteBasicName(session, *color, newName);
-  RenameBasicEverywhere(session, nullptr, transaction, *color, newName);
+  const auto rest = [&](double percent) { return goOn(50 + percent / 2); };
+  return kind == ColorKind::Mix ? RenameMixesEverywhere(session, transaction, names, rest)
+                                : RenameBasicsEverywhere(session, transaction, names, rest);
 }
 
 }  // namespace vellumark

@@ -1,10 +1,13 @@
 #pragma once
 
+#include <functional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "core/datafile/color_kind.h"
 #include "core/datafile/engine.h"
+#include "core/datafile/references.h"
 #include "core/session/session.h"
 
 namespace vellumark {
@@ -24,8 +27,10 @@ Result<Renamed> RenameBasic(Session& session, std::string_view oldName, std::str
 /// Renames a Master Formula everywhere it is named, in one transaction. A name in use is refused, never merged.
 Result<Renamed> RenameColor(Session& session, std::string_view oldName, std::string_view typed);
 
-/// The writing of a rename alone, inside the caller's transaction: for a new name that is known to be valid and free.
-void RenameChecked(Session& session, Transaction& transaction, ColorKind kind, const std::string& oldName,
-                   const std::string& newName);
+/// The writing of many renames alone, inside the caller's transaction: for new names that are known to be valid, free
+/// and different. Every table is walked once. `goOn` hears how much is done, in percent; false when it stopped the
+/// work, which then has to be rolled back.
+bool RenameAllChecked(Session& session, Transaction& transaction, ColorKind kind, const std::vector<Renaming>& names,
+                      const std::function<bool(double percent)>& goOn);
 
 }  // namespace vellumark

@@ -3,13 +3,16 @@
 #include <fmt/format.h>
 
 #include "core/base/text.h"
+#include "core/datafile/row_pieces.h"
 #include "core/datafile/schema.h"
 #include "core/datafile/writer.h"
 
 namespace vellumark {
 namespace {
 
-// ?1 is the old name, ?2 the new one, ?3 the Database.
+// The old and the new names while they are written, a table of the connection alone.
+constexpr std::string_view kNewNames = R"(temp."MSysNewNames")";
+
 struct Place {
   const Table& table;
   std::string_view field;        // the name's field; the first part of it where there is a family
@@ -18,6 +21,8 @@ struct Place {
   std::string_view databaseField{};
   std::string_view setField{};  // the search text built from the family
 };
+
+const Place kDesigns{schema::Designs, "IngName", schema::kDesignSlots, "IngType", "IngDB", "IngSet"};
 
 // The order is the order of writing.
 std::vector<Place> PlacesOf(ColorKind kind) {
@@ -36,7 +41,7 @@ std::vector<Place> PlacesOf(ColorKind kind) {
   }
   places.push_back({schema::JobRecords, "Color_Name", 0, "ItemType", "Database"});
   if (!mix) places.push_back({schema::Additives, "Add_Name", schema::kSetSlots, "", "", "SetList"});
-  places.push_back({schema::Designs, "IngName", schema::kDesignSlots, "IngType", "IngDB", "IngSet"});
+  places.push_back(kDesigns);
   return places;
 }
 
@@ -46,14 +51,16 @@ std::string KindCondition(const Place& place, ColorKind kind, const std::string&
   return typeField + (&place.table == &schema::JobRecords ? " = 1" : " IS NOT 2");
 }
 
-// The condition under which slot `slot` holds the old name.
-std::string SlotCondition(const Place& place, ColorKind kind, int slot) {
-  const auto member = [&](std::string_view word) {
-    return Quoted(place.slots == 0 ? std::string(word) : schema::Numbered(word, slot));
-  };
-  std::string condition = member(place.field) + " = ?1";
-  if (!place.typeField.empty()) condition += " AND " + KindCondition(place, kind, member(place.typeField));
-  if (!place.databaseField.empty()) condition += " AND " + member(place.databaseField) + " = ?3";
+std::string Member(const Place& place, std::string_view word, int slot) {
+  return Quoted(place.slots == 0 ? std::string(word) : schema::Numbered(word, slot));
+}
+
+// The condition under which slot `slot` holds a colour of the kind of the Database ?3. What costs least comes first.
+std::string SlotCondition(const Place& place, ColorKind kind, int slot, std::string_view nameTest) {
+  std::string condition;
+  if (!place.typeField.empty()) condition += KindCondition(place, kind, Member(place, place.typeField, slot)) + " AND ";
+  condition += fmt::format("{} {}", Member(place, place.field, slot), nameTest);
+  if (!place.databaseField.empty()) condition += " AND " + Member(place, place.databaseField, slot) + " = ?3";
   return condition;
 }
 
@@ -67,26 +74,44 @@ std::string SetExpression(const Place& place, const std::vector<std::string>& na
   return fmt::format("{} = {}", Quoted(place.setField), expression);
 }
 
-// All slots of a family in one walk over the table: a row is read once, however many slots it has.
-void RenamePlace(Database& file, std::string_view database, ColorKind kind, const Place& place,
-                 std::string_view oldName, std::string_view newName) {
+// Fills the table of names, which a rollback takes back with everything else.
+void WriteNewNames(Database& file, const std::vector<Renaming>& names) {
+  file.Execute(
+      "CREATE TEMP TABLE IF NOT EXISTS \"MSysNewNames\" (OldName TEXT COLLATE NOCASE PRIMARY KEY, NewName TEXT)");
+  file.Execute(fmt::format("DELETE FROM {}", kNewNames));
+  Statement insert = file.Prepare(fmt::format("INSERT INTO {} VALUES (?, ?)", kNewNames));
+  for (const Renaming& name : names) insert.Bind(1, name.oldName).Bind(2, name.newName).Run();
+}
+
+// All slots of a family in one walk over the table: a row is read once, however many slots and names there are. A
+// single field is found through its index where it has one; a family is walked in pieces, ?1 to ?2.
+bool RenamePlace(Database& file, std::string_view database, ColorKind kind, const Place& place,
+                 const std::function<bool()>& goOn) {
+  const std::string isOld = fmt::format("IN (SELECT OldName FROM {})", kNewNames);
   std::string sets;
   std::string where;
   std::vector<std::string> names;
   for (int slot = 0; slot < (place.slots == 0 ? 1 : place.slots); ++slot) {
-    const std::string field = Quoted(place.slots == 0 ? std::string(place.field) : schema::Numbered(place.field, slot));
-    const std::string condition = SlotCondition(place, kind, slot);
-    const std::string renamed = fmt::format("CASE WHEN {} THEN ?2 ELSE {} END", condition, field);
+    const std::string field = Member(place, place.field, slot);
+    const std::string condition = SlotCondition(place, kind, slot, isOld);
+    const std::string renamed = fmt::format(
+        "CASE WHEN {1} THEN (SELECT NewName FROM {2} WHERE OldName = {0}) ELSE {0} END", field, condition, kNewNames);
     sets += fmt::format("{}{} = {}", slot == 0 ? "" : ", ", field, renamed);
     where += fmt::format("{}({})", slot == 0 ? "" : " OR ", condition);
     names.push_back("(" + renamed + ")");
   }
   if (!place.setField.empty()) sets += ", " + SetExpression(place, names);
-  Statement update =
-      file.Prepare(fmt::format("UPDATE {} SET {} WHERE {}", Quoted(TableName(database, place.table)), sets, where));
-  update.Bind(1, oldName).Bind(2, newName);
-  if (!place.databaseField.empty()) update.Bind(3, database);
-  update.Run();
+  const std::string table = TableName(database, place.table);
+  const std::string pieces = place.slots == 0 ? "" : "rowid BETWEEN ?1 AND ?2 AND ";
+  Statement update = file.Prepare(fmt::format("UPDATE {} SET {} WHERE {}({})", Quoted(table), sets, pieces, where));
+  const auto run = [&](std::int64_t first, std::int64_t last) {
+    if (place.slots != 0) update.Bind(1, first).Bind(2, last);
+    if (!place.databaseField.empty()) update.Bind(3, database);
+    update.Run();
+    return goOn();
+  };
+  if (place.slots == 0) return run(0, 0);
+  return ForRowPieces(file, table, [&](std::int64_t first, std::int64_t last, double) { return run(first, last); });
 }
 
 }  // namespace
@@ -104,18 +129,41 @@ std::string NameSetPattern(std::string_view name) {
 
 void RenameReferences(Database& file, std::string_view database, ColorKind kind, std::string_view oldName,
                       std::string_view newName) {
-  for (const Place& place : PlacesOf(kind)) RenamePlace(file, database, kind, place, oldName, newName);
+  RenameReferences(file, database, kind, std::vector<Renaming>{{std::string(oldName), std::string(newName)}});
+}
+
+bool RenameReferences(Database& file, std::string_view database, ColorKind kind, const std::vector<Renaming>& names,
+                      const std::function<bool(double percent)>& goOn) {
+  WriteNewNames(file, names);
+  const std::vector<Place> places = PlacesOf(kind);
+  for (std::size_t n = 0; n < places.size(); ++n) {
+    const double percent = 100.0 * static_cast<double>(n + 1) / static_cast<double>(places.size());
+    if (!RenamePlace(file, database, kind, places[n], [&] { return !goOn || goOn(percent); })) return false;
+  }
+  file.Execute(fmt::format("DELETE FROM {}", kNewNames));
+  return true;
+}
+
+std::unordered_set<std::string> ColorsInDesigns(Database& file, std::string_view database, ColorKind kind) {
+  std::unordered_set<std::string> colors;
+  for (int slot = 0; slot < kDesigns.slots; ++slot) {
+    Statement row =
+        file.Prepare(fmt::format("SELECT {} FROM {} WHERE {}", Member(kDesigns, kDesigns.field, slot),
+                                 Quoted(kDesigns.table.name), SlotCondition(kDesigns, kind, slot, "<> ''")));
+    row.Bind(3, database);
+    while (row.Step()) colors.insert(Upper(row.TextView(0)));
+  }
+  return colors;
 }
 
 std::vector<std::string> DesignsUsing(Database& file, std::string_view database, ColorKind kind,
                                       std::string_view name) {
-  const Place designs{schema::Designs, "IngName", schema::kDesignSlots, "IngType", "IngDB", "IngSet"};
   std::string where;
-  for (int slot = 0; slot < designs.slots; ++slot)
-    where += fmt::format("{}({})", slot == 0 ? "" : " OR ", SlotCondition(designs, kind, slot));
+  for (int slot = 0; slot < kDesigns.slots; ++slot)
+    where += fmt::format("{}({})", slot == 0 ? "" : " OR ", SlotCondition(kDesigns, kind, slot, "= ?1"));
   Statement hit = file.Prepare(
       fmt::format("SELECT DesignID FROM {} WHERE IngSet LIKE ?2 ESCAPE '\\' AND ({}) ORDER BY DesignID, rowid",
-                  Quoted(designs.table.name), where));
+                  Quoted(kDesigns.table.name), where));
   hit.Bind(1, name).Bind(2, NameSetPattern(name)).Bind(3, database);
   std::vector<std::string> found;
   while (hit.Step()) found.push_back(hit.Text(0));

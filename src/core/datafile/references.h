@@ -1,7 +1,9 @@
 #pragma once
 
+#include <functional>
 #include <string>
 #include <string_view>
+#include <unordered_set>
 #include <vector>
 
 #include "core/datafile/color_kind.h"
@@ -23,6 +25,19 @@ std::string NameSetPattern(std::string_view name);
 void RenameReferences(Database& file, std::string_view database, ColorKind kind, std::string_view oldName,
                       std::string_view newName);
 
+/// A colour's name before and after a rename.
+struct Renaming {
+  std::string oldName;
+  std::string newName;
+};
+/// The same for many colours at once, each table walked once however many they are. Every cell is renamed once, also
+/// where a new name is another's old one. `goOn` hears how much is done, in percent, and may stop the work: then false
+/// comes back and the caller has to roll back.
+bool RenameReferences(Database& file, std::string_view database, ColorKind kind, const std::vector<Renaming>& names,
+                      const std::function<bool(double percent)>& goOn = {});
+
+/// The colours of that kind of this Database that some Design has, in capitals.
+std::unordered_set<std::string> ColorsInDesigns(Database& file, std::string_view database, ColorKind kind);
 /// True when a Design has this colour of this Database among its ingredients.
 bool UsedByDesign(Database& file, std::string_view database, ColorKind kind, std::string_view name);
 /// The DesignIDs of those Designs, in order.

@@ -90,6 +90,86 @@ TEST(BulkRename, NewNamesAndReasons) {
   for (const RenamePreviewRow& row : *shared) EXPECT_EQ(row.reason, duplicate) << row.Color_Name;
 }
 
+// Stops the work once it has come to so many percent.
+struct StoppingProgress : Progress {
+  void Begin(std::string_view) override {}
+  void Percent(double percent) override { reached = percent; }
+  bool Cancelled() override { return reached >= stopAt; }
+  double stopAt = 0;
+  double reached = 0;
+};
+
+TEST(BulkRename, ThousandsOfNamesInOneWalkOrNone) {
+  BulkRoom room;
+  Database& file = room.session.File();
+  const std::string numbers = "WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE i < 3000) ";
+  file.Execute("INSERT INTO INK_Basic (Color_Name) " + numbers + "SELECT 'I' || i FROM n");
+  file.Execute("INSERT INTO INK_Mix (Color_Name, BC0, BQ0, BC1, BQ1, Color_Set) " + numbers +
+               "SELECT 'M' || i, 'I' || i, 40.0, 'RED', 60.0, '<I' || i || '><RED>' FROM n");
+  file.Execute("INSERT INTO INK_Batch (BatchNo, Color_Name, IngName0, IngType0, IngName19, IngType19) " + numbers +
+               "SELECT i, 'M' || i, 'I' || i, 1, 'M' || (3001 - i), 2 FROM n");
+  file.Execute("INSERT INTO Designs (DesignID, IngName0, IngType0, IngDB0, IngName1, IngType1, IngDB1, IngSet) " +
+               numbers + "SELECT i, 'M' || i, 2, 'INK', 'I' || i, 1, 'INK', '<M' || i || '><I' || i || '>' FROM n");
+  std::vector<std::string> mixes;
+  std::vector<std::string> basics;
+  for (int i = 1; i <= 3000; ++i) {
+    mixes.push_back("M" + std::to_string(i));
+    basics.push_back("I" + std::to_string(i));
+  }
+  const BulkRename mixRule{ColorKind::Mix, NameChange::Suffix, " X", ""};
+  const BulkRename basicRule{ColorKind::Basic, NameChange::Replace, "I", "INK "};
+  const std::string before = test::Snapshot(file);
+  StoppingProgress stopping;
+  Session other(room.prompt, stopping, room.clock);
+  other.DataFileDB = std::move(room.session.DataFileDB);
+  other.CurrentDatabase = "INK";
+  // In the middle of the colours' own rows, of the formulas, of the other places.
+  for (const double percent : {20.0, 60.0, 90.0}) {
+    for (const auto& [rule, colors] : {std::pair{mixRule, mixes}, {basicRule, basics}}) {
+      stopping = {};
+      stopping.stopAt = percent + 100;  // the preview is let through
+      ASSERT_TRUE(PreviewRename(other, rule, colors));
+      struct : Prompt {
+        Answer Show(const Message&) override {
+          progress->reached = 0;
+          progress->stopAt = at;
+          return Answer::Ok;
+        }
+        StoppingProgress* progress = nullptr;
+        double at = 0;
+      } starting;
+      starting.progress = &stopping;
+      starting.at = percent;
+      Session stopped(starting, stopping, room.clock);
+      stopped.DataFileDB = std::move(other.DataFileDB);
+      stopped.CurrentDatabase = "INK";
+      EXPECT_EQ(ApplyRename(stopped, rule, colors).error().text, "The work was cancelled. Nothing was changed.");
+      EXPECT_GE(stopping.reached, percent);
+      other.DataFileDB = std::move(stopped.DataFileDB);
+      EXPECT_EQ(test::Snapshot(other.File()), before);
+    }
+  }
+  room.session.DataFileDB = std::move(other.DataFileDB);
+  for (const auto& [rule, colors] : {std::pair{mixRule, mixes}, {basicRule, basics}}) {
+    room.prompt.Expect("Database Color Rename");
+    ASSERT_EQ(ApplyRename(room.session, rule, colors), true);
+  }
+  const auto all = [&](const std::string& condition, const std::string& table) {
+    return room.Scalar("SELECT COUNT(*) FROM " + table + " WHERE " + condition).Whole();
+  };
+  EXPECT_EQ(all("Color_Name LIKE 'M% X' AND BC0 = 'INK ' || substr(Color_Name, 2, length(Color_Name) - 3) AND "
+                "Color_Set = '<' || BC0 || '><RED>'",
+                "INK_Mix"),
+            3000);
+  EXPECT_EQ(all("Color_Name = 'M' || BatchNo || ' X' AND IngName0 = 'INK ' || BatchNo AND IngName19 = 'M' || (3001 - "
+                "BatchNo) || ' X'",
+                "INK_Batch"),
+            3000);
+  EXPECT_EQ(
+      all("IngSet = '<M' || DesignID || ' X><INK ' || DesignID || '>' AND IngName1 = 'INK ' || DesignID", "Designs"),
+      3000);
+}
+
 TEST(BulkRename, RenamesEverywhereOrNothing) {
   BulkRoom room;
   const BulkRename rule{ColorKind::Mix, NameChange::Prefix, "L-", ""};
