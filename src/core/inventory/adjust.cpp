@@ -14,14 +14,6 @@ namespace {
 
 constexpr std::string_view kAdjustValue = "Adjust Value";
 
-bool ColorExists(const Session& session, ColorKind kind, const std::string& name) {
-  return !session.File()
-              .Scalar(fmt::format("SELECT 1 FROM {} WHERE Color_Name = ?1 LIMIT 1",
-                                  Quoted(session.Table(ColorTable(kind)))),
-                      {name})
-              .IsNull();
-}
-
 std::vector<std::string> Distinct(std::vector<std::string> names) {
   std::sort(names.begin(), names.end(),
             [](const std::string& a, const std::string& b) { return CompareNoCase(a, b) < 0; });
@@ -166,8 +158,8 @@ Refusal InventoryColorNotFound(const Session& session) {
 
 Result<ColorKind> ChooseInventoryColor(const Session& session, const std::string& name,
                                        std::optional<ColorKind> wanted) {
-  const bool basic = wanted != ColorKind::Mix && ColorExists(session, ColorKind::Basic, name);
-  const bool mix = wanted != ColorKind::Basic && ColorExists(session, ColorKind::Mix, name);
+  const bool basic = wanted != ColorKind::Mix && ColorIsThere(session, ColorKind::Basic, name);
+  const bool mix = wanted != ColorKind::Basic && ColorIsThere(session, ColorKind::Mix, name);
   if (!basic && !mix) return std::unexpected(InventoryColorNotFound(session));
   if (!basic || !mix) return mix ? ColorKind::Mix : ColorKind::Basic;
   const bool formula =

@@ -122,7 +122,8 @@ Result<void> ApplyAdjust(const Session& session, InventoryWork& work, const Adju
 
 /// Writes what differs from the tables, in one transaction: stock, lots changed, added and removed, and the copies of
 /// changed lots in Batches and Job Records. The number of new lots that got no reference and so were left out, which is
-/// also told; the working copy has to be loaded anew afterwards. Refused while the file is an archive copy.
+/// also told; the working copy has to be loaded anew afterwards. Refused while the file is an archive copy,
+/// and when the colour is gone.
 Result<int> SaveInventory(Session& session, const InventoryWork& work);
 /// The same within the caller's transaction; whether the file may be written, and telling of what was left out, are the
 /// caller's.

@@ -139,6 +139,8 @@ int WriteInventory(Session& session, const InventoryWork& work) {
 
 Result<int> SaveInventory(Session& session, const InventoryWork& work) {
   if (const auto writable = RequireWritable(session); !writable) return std::unexpected(writable.error());
+  if (!ColorIsThere(session, work.kind, work.name, work.database))
+    return std::unexpected(InventoryColorNotFound(session));
   const int leftOut = WriteInventory(session, work);
   if (leftOut > 0) ShowMaxLotUsage(session);
   return leftOut;

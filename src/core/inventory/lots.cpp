@@ -80,6 +80,14 @@ std::optional<std::int32_t> FirstGap(const Session& session, ColorKind kind, std
 
 }  // namespace
 
+bool ColorIsThere(const Session& session, ColorKind kind, std::string_view name, std::string_view database) {
+  return !session.File()
+              .Scalar(
+                  fmt::format("SELECT 1 FROM {} WHERE Color_Name = ?1 LIMIT 1", QuotedColors(session, kind, database)),
+                  {name})
+              .IsNull();
+}
+
 std::vector<LotRow> LotsOf(const Session& session, ColorKind kind, std::string_view name, std::string_view database) {
   Statement statement = SelectLots(session, kind, database, "ORDER BY LotNumber, LotRefID, rowid");
   statement.Bind(1, name);

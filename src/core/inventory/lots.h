@@ -31,6 +31,8 @@ struct LotRow {
 
 // Of all functions here an empty Database name means the current Database.
 
+bool ColorIsThere(const Session& session, ColorKind kind, std::string_view name, std::string_view database = {});
+
 /// The colour's lots by `LotNumber`, those of one number in the order of their references.
 std::vector<LotRow> LotsOf(const Session& session, ColorKind kind, std::string_view name,
                            std::string_view database = {});

@@ -10,14 +10,6 @@ namespace {
 
 constexpr std::string_view kTitle = "Adjust Reorder Point";
 
-bool ColorIsThere(const Session& session, ColorKind kind, const std::string& name) {
-  return !session.File()
-              .Scalar(fmt::format("SELECT 1 FROM {} WHERE Color_Name = ?1 LIMIT 1",
-                                  Quoted(session.Table(ColorTable(kind)))),
-                      {name})
-              .IsNull();
-}
-
 std::unexpected<Refusal> NotFound(const Session& session) {
   return Refuse(std::string(kTitle) + " - Color not found",
                 fmt::format("This color was not found in the {} database.", session.CurrentDatabase), "Color_Name");

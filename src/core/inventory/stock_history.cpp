@@ -1,7 +1,5 @@
 #include "core/inventory/stock_history.h"
 
-#include <fmt/format.h>
-
 #include <algorithm>
 #include <set>
 #include <tuple>
@@ -12,20 +10,12 @@
 namespace vellumark {
 namespace {
 
-bool ColorIsThere(const Session& session, const std::string& database, ColorKind kind, const std::string& name) {
-  return !session.File()
-              .Scalar(fmt::format("SELECT 1 FROM {} WHERE Color_Name = ?1 LIMIT 1",
-                                  Quoted(session.Table(ColorTable(kind), database))),
-                      {name})
-              .IsNull();
-}
-
 std::vector<StockLine> LinesOfColor(const Session& session, const std::string& database,
                                     const StockHistoryFilter& filter) {
   std::vector<StockLine> lines;
   for (const ColorKind kind : {ColorKind::Basic, ColorKind::Mix}) {
     if (filter.kind && *filter.kind != kind) continue;
-    const bool present = ColorIsThere(session, database, kind, *filter.name);
+    const bool present = ColorIsThere(session, kind, *filter.name, database);
     std::vector<StockLine> traced = TraceStock(session.File(), database, kind, *filter.name, present);
     std::move(traced.begin(), traced.end(), std::back_inserter(lines));
   }

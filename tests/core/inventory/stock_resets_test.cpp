@@ -199,6 +199,19 @@ TEST_F(ResetRoom, OneReorderPoint) {
   EXPECT_EQ(ColorsBelowReorder(session).at(0).Color_Name, "OWED");
 }
 
+TEST_F(ResetRoom, NoLotsForAColorThatIsGone) {
+  InventoryWork work = LoadInventory(session, kMix, "PURPLE");
+  AdjustFields fields = ClearedFields(session, work);
+  fields.lotNumber = "NEW";
+  fields.quantity = 1;
+  ASSERT_TRUE(ApplyAdjust(session, work, fields));
+  session.File().Execute("DELETE FROM INK_Mix");
+  const auto saved = SaveInventory(session, work);
+  ASSERT_FALSE(saved);
+  EXPECT_EQ(saved.error().title, "Inventory - Color not found");
+  EXPECT_EQ(Lots(), 3);
+}
+
 TEST_F(ResetRoom, TextsThatBreakAListAreNoLot) {
   InventoryWork work = LoadInventory(session, kBasic, "RED");
   AdjustFields fields = ClearedFields(session, work);
