@@ -83,6 +83,13 @@ Result<bool> Adjustable(Session& session, BatchRecord& record, bool open) {
   return open && !BatchIsFull(record.work);
 }
 
+// Additions alone are no Batch.
+Result<void> CheckCalculated(const BatchRecord& record) {
+  if (record.state != BatchState::None) return {};
+  return Refuse("Batch Additions", "Click the Recycle(F2) or Mix(F3) button to calculate the batch first.",
+                "txtQuantity");
+}
+
 void BeginAdd(const Session& session, BatchRecord& record) {
   record.state = BatchState::Add;
   if (record.fields.LotNumber.empty() &&
@@ -232,10 +239,12 @@ Result<Overpour> PourMixRow(Session& session, BatchRecord& record, std::size_t r
 }
 
 Result<void> OpenAdditions(Session& session, BatchRecord& record) {
+  if (auto calculated = CheckCalculated(record); !calculated) return calculated;
   if (auto editable = CheckEditable(session, record); !editable) return editable;
   return CheckAdditions(record.work);
 }
 Result<void> AddBatchAdditions(Session& session, BatchRecord& record, const std::vector<AdditionLine>& lines) {
+  if (auto calculated = CheckCalculated(record); !calculated) return calculated;
   return Alter(session, record, [&] { return AddAdditions(session, record.work, lines); });
 }
 Result<bool> OpenAdditionRow(Session& session, BatchRecord& record, std::size_t) {

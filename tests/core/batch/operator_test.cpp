@@ -1,0 +1,576 @@
+// A random operator at the bench, ten thousand acts long, against a model in memory that knows nothing of the tables.
+// After each act every figure of stock is what the model says, no lot is below zero, numbers are unique and rising, and
+// of the Basic Colors nothing came out of nothing: stock, what Batches hold and what was lost add up.
+
+#include <cmath>
+#include <map>
+#include <random>
+#include <set>
+
+#include "core/base/text.h"
+#include "life_room.h"
+
+namespace vellumark {
+namespace {
+
+using Thousandths = std::int64_t;
+
+Thousandths Whole(double quantity) {
+  return std::llround(quantity * 1000);
+}
+
+// "Basic/RED/0" is Unlotted Inventory.
+std::string PlaceOf(ColorKind kind, std::string_view name, std::int32_t ref) {
+  return fmt::format("{}/{}/{}", kind == ColorKind::Mix ? "Mix" : "Basic", name, ref);
+}
+bool IsLot(const std::string& place) {
+  return !place.ends_with("/0");
+}
+bool IsMix(const std::string& place) {
+  return place.starts_with("Mix");
+}
+
+using Net = std::map<std::string, Thousandths>;
+
+// What the operator sees on the bench before a save.
+struct Bench {
+  Net takings;
+  Thousandths returned = 0;
+  Thousandths jobs = 0;
+  std::string madeName;
+  bool madeLotted = false;
+};
+
+class Model {
+ public:
+  std::map<std::string, Thousandths> stock;
+  std::set<std::string> consigned;
+  Thousandths entered = 0;  // Basic Colors: what was there or adjusted, less what clamping lost
+  Thousandths lost = 0;     // Basic Colors: held by Batches that were deleted without returning it
+
+  struct StoredBatch {
+    Net takings;
+    Thousandths made = 0;
+    Thousandths jobs = 0;
+    std::string madePlace;  // empty: nothing went to stock
+  };
+  std::map<std::int32_t, StoredBatch> batches;
+
+  struct Held {
+    Thousandths quantity;
+    std::optional<Thousandths> before;
+    std::optional<Thousandths> after;
+  };
+  std::optional<std::int32_t> openNo;
+  std::map<std::string, Held> held;
+
+  std::optional<Thousandths> At(const std::string& place) const {
+    const auto found = stock.find(place);
+    return found == stock.end() ? std::nullopt : std::optional(found->second);
+  }
+
+  void Open(std::int32_t number) {
+    openNo = number;
+    held.clear();
+    for (const auto& [place, quantity] : batches.at(number).takings) {
+      const auto before = At(place);
+      quantity > 0 ? Put(place, quantity) : Take(place, -quantity, true);
+      held[place] = {quantity, before, At(place)};
+    }
+  }
+
+  void Leave() {
+    for (const auto& [place, figure] : held) {
+      if (At(place) && At(place) == figure.after) {
+        Set(place, figure.before);
+      } else if (figure.quantity > 0) {
+        Take(place, figure.quantity, true);
+      } else {
+        Put(place, -figure.quantity);
+      }
+    }
+    openNo.reset();
+    held.clear();
+  }
+
+  void Store(std::int32_t number, const Bench& bench, const std::string& lotPlace) {
+    StoredBatch& batch = batches[number];
+    Make(batch, bench, lotPlace);
+    const bool same = openNo && SameAsHeld(bench.takings);
+    if (same) {
+      Leave();
+    } else {
+      for (const auto& [place, quantity] : bench.takings)
+        quantity > 0 ? Take(place, quantity, false) : Put(place, -quantity);
+    }
+    openNo.reset();
+    held.clear();
+    batch.takings = bench.takings;
+    batch.jobs = bench.jobs;
+    batch.made = bench.returned;
+  }
+
+  void Delete(std::int32_t number, bool returned) {
+    if (!returned) Leave();
+    const StoredBatch batch = batches.at(number);
+    if (!returned)
+      for (const auto& [place, quantity] : batch.takings) lost += IsMix(place) ? 0 : quantity;
+    if (IsLot(batch.madePlace)) {
+      stock.erase(batch.madePlace);
+    } else if (!batch.madePlace.empty()) {
+      stock[batch.madePlace] = std::max<Thousandths>(0, stock[batch.madePlace] - batch.made);
+    }
+    batches.erase(number);
+    openNo.reset();
+    held.clear();
+  }
+
+  void Adjust(const std::string& place, Thousandths quantity) {
+    const Thousandths before = At(place).value_or(0);
+    Thousandths after = before + quantity;
+    if (IsLot(place) || IsMix(place)) after = std::max<Thousandths>(0, after);
+    Set(place, IsLot(place) && after == 0 ? std::nullopt : std::optional(after));
+    if (!IsMix(place)) entered += after - before;
+  }
+
+  // Basic Colors that are in stock, that stored Batches hold, and that were lost.
+  Thousandths SumOfBasics() const {
+    Thousandths sum = lost;
+    for (const auto& [place, quantity] : stock) sum += IsMix(place) ? 0 : quantity;
+    for (const auto& [number, batch] : batches)
+      if (number != openNo.value_or(0))
+        for (const auto& [place, quantity] : batch.takings) sum += IsMix(place) ? 0 : quantity;
+    return sum;
+  }
+
+ private:
+  void Set(const std::string& place, std::optional<Thousandths> quantity) {
+    if (quantity) {
+      stock[place] = *quantity;
+    } else {
+      stock.erase(place);
+    }
+  }
+  void Put(const std::string& place, Thousandths quantity) { stock[place] += quantity; }
+  void Take(const std::string& place, Thousandths quantity, bool again) {
+    const auto before = At(place);
+    if (!before) {
+      entered -= IsMix(place) ? 0 : -quantity;  // a lot that is gone cannot be taken from
+      return;
+    }
+    const Thousandths after = *before - quantity;
+    if (IsLot(place)) {
+      const bool goes = again ? after < 0 : after <= 0;
+      Set(place, goes ? std::nullopt : std::optional(after));
+      if (after < 0 && !IsMix(place)) entered -= after;
+    } else {
+      stock[place] = IsMix(place) ? std::max<Thousandths>(0, after) : after;
+    }
+  }
+
+  bool SameAsHeld(const Net& takings) const {
+    if (takings.size() != held.size()) return false;
+    for (const auto& [place, quantity] : takings) {
+      const auto found = held.find(place);
+      if (found == held.end() || found->second.quantity != quantity) return false;
+    }
+    return true;
+  }
+
+  void Make(StoredBatch& batch, const Bench& bench, const std::string& lotPlace) {
+    const std::string unlotted = PlaceOf(ColorKind::Mix, bench.madeName, 0);
+    const auto add = [&](Thousandths quantity) {
+      if (quantity <= 0) return;
+      if (bench.madeLotted) {
+        stock[lotPlace] = quantity;
+      } else {
+        stock[unlotted] += quantity;
+      }
+    };
+    const auto place = [&]() -> std::string {
+      if (bench.returned == 0) return {};
+      return bench.madeLotted ? lotPlace : unlotted;
+    };
+    if (batch.madePlace.empty()) {
+      add(bench.returned - batch.made);
+      batch.madePlace = place();
+      return;
+    }
+    if (!IsLot(batch.madePlace)) {
+      stock[unlotted] = std::max<Thousandths>(0, stock[unlotted] + bench.returned - batch.made);
+      batch.madePlace = place();
+      return;
+    }
+    const auto there = At(batch.madePlace);
+    if (there && bench.returned > 0) {
+      const Thousandths after = *there + bench.returned - batch.made;
+      Set(batch.madePlace, after <= 0 && bench.returned < batch.made ? std::nullopt : std::optional(after));
+      return;
+    }
+    const Thousandths removed = std::clamp<Thousandths>(batch.made, 0, there.value_or(0));
+    if (removed > 0) Set(batch.madePlace, *there == removed ? std::nullopt : std::optional(*there - removed));
+    const Thousandths added = std::max<Thousandths>(0, bench.returned - (batch.made - removed));
+    if (added == 0 && bench.returned > 0) return;
+    add(added);
+    batch.madePlace = place();
+  }
+};
+
+// Answers by chance and remembers what it answered.
+class ChancePrompt final : public Prompt {
+ public:
+  explicit ChancePrompt(std::mt19937_64& random) : random_(random) {}
+  Answer Show(const Message& message) override {
+    if (message.buttons == Buttons::Ok) return Answer::Ok;
+    const Answer answer = random_() % 3 == 0 ? Answer::No : Answer::Yes;
+    answers[message.title] = answer;
+    return answer;
+  }
+  std::map<std::string, Answer> answers;
+
+ private:
+  std::mt19937_64& random_;
+};
+
+class Operator {
+ public:
+  explicit Operator(std::uint64_t seed) : random_(seed), prompt_(random_) {
+    FillRoom();
+    // The room's session with a prompt that answers by chance.
+    session_.DataFolder = room_.session.DataFolder;
+    session_.support = std::move(room_.session.support);
+    session_.DataFileDB = std::move(room_.session.DataFileDB);
+    session_.DataFileDB->SetChanges(&session_.changes);
+    session_.DataFileName = room_.session.DataFileName;
+    session_.DataFileOpen = true;
+    session_.CurrentDatabase = "INK";
+    session_.databaseList = {"INK"};
+    ReadSettings(session_);
+    subscription_ = session_.changes.Subscribe([this](const std::vector<Change>& changes) {
+      for (const Change& change : changes)
+        if (change.kind == Change::Kind::Batch) told_.push_back(change);
+    });
+    record_ = NewBatchRecord(session_);
+  }
+
+  void Act() {
+    prompt_.answers.clear();
+    told_.clear();
+    const BatchState before = record_.state;
+    const std::int32_t number = record_.BatchNo;
+    const std::string lotNumber = record_.fields.LotNumber;
+    const Bench bench = Look();
+    left_ = false;
+    DoOne();
+    Follow(before, number, bench);
+    Check();
+  }
+
+  int saves = 0;
+  int deletions = 0;
+  int edits = 0;
+
+ private:
+  void FillRoom() {
+    room_.Setting("AllowNegInv", "1");
+    for (const char* name : {"RED", "WHITE", "BLUE"}) {
+      room_.Basic(name, 300, {{"PurchaseCost", 2.5F}});
+      model_.stock[PlaceOf(ColorKind::Basic, name, 0)] = Whole(300);
+    }
+    room_.Formula("PINK", {{"RED", 25.0F}, {"WHITE", 75.0F}}, 20);
+    room_.Formula("ROSE", {{"RED", 60.0F}, {"WHITE", 40.0F}}, 15);
+    room_.Formula("PLUM", {{"RED", 30.0F}, {"WHITE", 20.0F}, {"BLUE", 50.0F}}, 0);
+    model_.stock[PlaceOf(ColorKind::Mix, "PINK", 0)] = Whole(20);
+    model_.stock[PlaceOf(ColorKind::Mix, "ROSE", 0)] = Whole(15);
+    model_.stock[PlaceOf(ColorKind::Mix, "PLUM", 0)] = 0;
+    for (const char* name : {"RED", "WHITE", "BLUE"})
+      for (const std::int32_t ref : {1, 2, 3}) {
+        room_.Lot(ColorKind::Basic, name, ref, 50, {{"LotConsignment", ref == 3}});
+        model_.stock[PlaceOf(ColorKind::Basic, name, ref)] = Whole(50);
+        if (ref == 3) model_.consigned.insert(PlaceOf(ColorKind::Basic, name, ref));
+      }
+    room_.session.File().Execute("UPDATE INK_Basic SET LotRefID = 3");
+    model_.entered = model_.SumOfBasics();
+  }
+
+  std::size_t Below(std::size_t limit) { return static_cast<std::size_t>(random_() % limit); }
+  bool Chance(std::size_t of) { return Below(of) == 0; }
+  std::string Quantity(double most) {
+    return Fixed(static_cast<double>(1 + random_() % static_cast<std::uint64_t>(most * 1000)) / 1000, 3);
+  }
+
+  // What a save would take, worked out from what the screen shows.
+  Bench Look() const {
+    Bench bench;
+    bench.madeName = record_.work.Color_Name;
+    bench.madeLotted = !record_.fields.LotNumber.empty();
+    bench.returned = Whole(record_.returned);
+    for (const BatchJobLine& line : record_.jobs) bench.jobs += Whole(line.QtyUsed);
+    std::map<std::string, Thousandths> left = model_.stock;
+    for (std::size_t i = 0; i < record_.work.Rows.size(); ++i) {
+      const BatchRow& row = record_.work.Rows[i];
+      const ColorKind kind = row.kind == RowKind::Mix ? ColorKind::Mix : ColorKind::Basic;
+      Thousandths rest = Whole(row.Amount());
+      for (const LotUse& use : rest > 0 ? RowLots(record_, i).uses : std::vector<LotUse>{}) {
+        const std::string place = PlaceOf(kind, row.name, use.LotRefID);
+        Thousandths drawn = Whole(use.LotQty);
+        if (use.LotRefID != 0) {
+          drawn = model_.consigned.contains(place) ? 0 : std::min(drawn, left.contains(place) ? left[place] : 0);
+          left[place] -= drawn;
+        }
+        bench.takings[place] += drawn;
+        rest = std::max<Thousandths>(0, rest - drawn);
+      }
+      bench.takings[PlaceOf(kind, row.name, 0)] += rest;
+    }
+    std::erase_if(bench.takings, [](const auto& taking) { return taking.second == 0; });
+    return bench;
+  }
+
+  template <class T>
+  void Leaves(const Result<T>& result, bool done) {
+    left_ = result && done;
+  }
+
+  void DoOne() {
+    switch (Below(19)) {
+      case 0:
+      case 1:
+        return Start();
+      case 2:
+        SetQuantityText(record_.work, Quantity(60));
+        return Calculate();
+      case 3:
+        return Calculate();
+      case 4:
+        return TakeOne();
+      case 5:
+        return AdjustOne();
+      case 6:
+        return AddOne();
+      case 7:
+      case 8:
+        return ChooseLots();
+      case 9:
+        return ShareOut();
+      case 10:
+      case 11:
+        return Save();
+      case 12: {
+        const auto held = SaveAndHoldBatch(session_, record_, dialogs_);
+        return Leaves(held, held && *held != SaveEnd::Stays);
+      }
+      case 13:
+        return OpenOne();
+      case 14: {
+        const auto moved =
+            Chance(2) ? NextBatch(session_, record_, dialogs_) : PreviousBatch(session_, record_, dialogs_);
+        return Leaves(moved, moved && *moved);
+      }
+      case 15: {
+        const auto out = Chance(2) ? CancelBatch(session_, record_) : CloseBatch(session_, record_, dialogs_);
+        return Leaves(out, out && *out);
+      }
+      case 16: {
+        const auto deleted = DeleteBatch(session_, record_, dialogs_);
+        return Leaves(deleted, deleted && *deleted);
+      }
+      case 17:
+        return AdjustStock();
+      default:
+        if (Chance(4)) return Die();
+        return ChooseLots();
+    }
+  }
+
+  void Start() {
+    if (record_.state == BatchState::Edit) return;
+    constexpr std::array names{"PINK", "ROSE", "PLUM"};
+    if (EnterBatchColor(session_, record_, names[Below(3)])) {
+      SetQuantityText(record_.work, Quantity(60));
+      if (record_.state == BatchState::None) record_.fields.LotNumber = Chance(2) ? "MADE" : "";
+      Calculate();
+    }
+  }
+  void Calculate() {
+    [[maybe_unused]] const auto done = Chance(2) ? MixBatch(session_, record_) : RecycleBatch(session_, record_);
+  }
+  void TakeOne() {
+    if (record_.work.RecycleList.empty()) return;
+    const std::string name = record_.work.RecycleList[Below(record_.work.RecycleList.size())].Color_Name;
+    [[maybe_unused]] const auto taken = TakeRecycled(session_, record_, name, Quantity(8));
+  }
+  void AdjustOne() {
+    const std::size_t mixes = record_.work.RecycledColors.size();
+    if (mixes == 0) return;
+    const std::size_t row = Below(mixes);
+    const auto window = OpenMixRow(session_, record_, row);
+    if (!window || window->Color_Name.empty()) return;
+    [[maybe_unused]] const auto done =
+        ApplyMixRow(session_, record_, row, {.amount = Chance(4) ? "0" : Quantity(6), .recycle = Chance(2)});
+  }
+  void AddOne() {
+    const std::size_t first = record_.work.RecycledColors.size() + record_.work.Ingredients.size();
+    if (!record_.work.Additions.empty() && Chance(3)) {
+      [[maybe_unused]] const auto done = ApplyAdditionRow(
+          session_, record_, first + Below(record_.work.Additions.size()), Chance(2) ? "0" : Quantity(3));
+      return;
+    }
+    constexpr std::array names{"RED", "WHITE", "BLUE"};
+    [[maybe_unused]] const auto added =
+        AddBatchAdditions(session_, record_, {{names[Below(3)], (Chance(3) ? "-" : "") + Quantity(3)}});
+  }
+  void ChooseLots() {
+    if (record_.work.Rows.empty()) return;
+    const std::size_t row = Below(record_.work.Rows.size());
+    const BatchRow shown = record_.work.Rows[row];
+    if (!shown.lotLink || !OpenRowLots(session_, record_, row)) return;
+    const LotLineKind kind = shown.kind == RowKind::Mix     ? LotLineKind::Mix
+                             : shown.kind == RowKind::Basic ? LotLineKind::Basic
+                                                            : LotLineKind::Addition;
+    auto work = LoadLotSelection(session_, shown.name, kind, LotNeed(session_, record_, row), record_.work.UMF,
+                                 RowLots(record_, row));
+    if (!work) return;
+    for (std::size_t tries = Below(4); tries > 0; --tries) {
+      const std::size_t lot = Below(work->rows.size());
+      if (Chance(3)) {
+        work->UncheckRow(lot);
+      } else if (Chance(2)) {
+        work->CheckRow(lot);
+      } else {
+        [[maybe_unused]] const auto updated = work->UpdateRow(lot, Quantity(5));
+      }
+    }
+    [[maybe_unused]] const auto set = SetRowLots(session_, record_, row, work->Selection());
+  }
+  void ShareOut() {
+    const std::size_t count = Below(4);
+    std::vector<JobItem> items;
+    for (std::size_t i = 0; i < count; ++i) items.push_back({fmt::format("J{}", Below(6)), Quantity(15)});
+    if (count == 0 && Chance(2)) {
+      [[maybe_unused]] const auto set = SetReturnToInventory(session_, record_, Chance(2));
+    } else {
+      [[maybe_unused]] const auto saved = SaveJobItems(session_, record_, items);
+    }
+  }
+  void Save() {
+    if (record_.work.Rows.empty()) return;
+    const auto saved = SaveBatch(session_, record_, dialogs_);
+    Leaves(saved, saved && *saved != SaveEnd::Stays);
+  }
+  void OpenOne() {
+    if (model_.batches.empty()) return;
+    auto batch = model_.batches.begin();
+    std::advance(batch, Below(model_.batches.size()));
+    const auto found = FindBatch(session_, record_, dialogs_, batch->first);
+    Leaves(found, found && *found);
+  }
+  // Stock moves by other hands, also while a Batch is open.
+  void AdjustStock() {
+    auto figure = model_.stock.begin();
+    std::advance(figure, Below(model_.stock.size()));
+    const std::string place = figure->first;
+    const Thousandths quantity = static_cast<Thousandths>(random_() % 40000) - 15000;
+    const std::size_t slash = place.find('/');
+    const std::size_t last = place.rfind('/');
+    const std::int32_t ref = LeadingInteger(place.substr(last + 1));
+    Posting posting{.source = PostingSource::ManualAdjust,
+                    .kind = IsMix(place) ? ColorKind::Mix : ColorKind::Basic,
+                    .name = place.substr(slash + 1, last - slash - 1),
+                    .quantity = RoundSingle(static_cast<double>(quantity) / 1000, 3)};
+    if (ref != 0) posting.lot = LotTarget{.LotRefID = ref};
+    PostStock(session_, posting);
+    model_.Adjust(place, quantity);
+  }
+  // The program is killed and started again.
+  void Die() {
+    record_ = NewBatchRecord(session_);
+    HealAbandonedBatches(session_);
+    left_ = true;
+  }
+
+  void Follow(BatchState before, std::int32_t number, const Bench& bench) {
+    bool stored = false;
+    for (const Change& change : told_) {
+      const std::int32_t no = LeadingInteger(change.name);
+      if (change.what == Change::What::Deleted) {
+        model_.Delete(no, prompt_.answers["Batch Window - Update Inventories?"] == Answer::Yes);
+        ++deletions;
+        stored = true;
+        continue;
+      }
+      if (change.what == Change::What::Added) {
+        EXPECT_TRUE(numbers_.empty() || no > *numbers_.rbegin()) << no;
+        EXPECT_TRUE(numbers_.insert(no).second) << no;
+        ++saves;
+      } else {
+        EXPECT_EQ(no, number);
+        ++edits;
+      }
+      const Value ref =
+          session_.File().Scalar("SELECT LotRefID FROM INK_Batch WHERE BatchNo = ?", {static_cast<std::int64_t>(no)});
+      model_.Store(no, bench, PlaceOf(ColorKind::Mix, bench.madeName, static_cast<std::int32_t>(ref.Whole())));
+      stored = true;
+    }
+    if (left_ && !stored && before == BatchState::Edit) model_.Leave();
+    if (left_ && record_.state == BatchState::Edit) model_.Open(record_.BatchNo);
+  }
+
+  void Check() {
+    std::map<std::string, Thousandths> found;
+    for (const ColorKind kind : {ColorKind::Basic, ColorKind::Mix}) {
+      Statement colors = session_.File().Prepare(
+          fmt::format("SELECT Color_Name, Inventory FROM {}", Quoted(session_.Table(ColorTable(kind)))));
+      while (colors.Step()) found[PlaceOf(kind, colors.Text(0), 0)] = Whole(colors.Single(1));
+      Statement lots = session_.File().Prepare(
+          fmt::format("SELECT LotCName, LotRefID, LotQty FROM {}", Quoted(session_.Table(LotTable(kind)))));
+      while (lots.Step()) {
+        EXPECT_GE(lots.Single(2), 0);
+        found[PlaceOf(kind, lots.Text(0), static_cast<std::int32_t>(lots.Whole(1)))] = Whole(lots.Single(2));
+      }
+    }
+    EXPECT_EQ(found, model_.stock);
+    EXPECT_EQ(model_.SumOfBasics(), model_.entered);
+    EXPECT_EQ(AbandonedBatches(session_.File()).size(), model_.held.empty() ? 0U : 1U);
+    EXPECT_EQ(session_.File().Scalar("SELECT COUNT(*) FROM INK_Batch").Whole(),
+              static_cast<std::int64_t>(model_.batches.size()));
+    Thousandths jobs = 0;
+    Thousandths taken = 0;
+    for (const auto& [number, batch] : model_.batches) {
+      jobs += batch.jobs;
+      for (const auto& [place, quantity] : batch.takings) taken += quantity;
+    }
+    EXPECT_EQ(Whole(session_.File().Scalar("SELECT TOTAL(QtyUsed) FROM JobRecords").Number()), jobs);
+    EXPECT_EQ(Whole(session_.File().Scalar("SELECT TOTAL(LotQty) FROM INK_Batch_LotInv").Number()), taken);
+  }
+
+  std::mt19937_64 random_;
+  ChancePrompt prompt_;
+  NoProgress progress_;
+  FixedClock clock_{DateTime{2026, 3, 10, 12, 0, 0}};
+  test::LifeRoom room_;
+  Session session_{prompt_, progress_, clock_};
+  NoBatchDialogs dialogs_;
+  Changes::Subscription subscription_;
+  std::vector<Change> told_;
+  BatchRecord record_;
+  Model model_;
+  std::set<std::int32_t> numbers_;
+  bool left_ = false;
+};
+
+TEST(RandomOperator, TenThousandActsKeepTheStock) {
+  constexpr int acts = 10000;
+  Operator worker(20260310);
+  for (int i = 0; i < acts && !testing::Test::HasFailure(); ++i) {
+    SCOPED_TRACE(fmt::format("act {}", i));
+    worker.Act();
+  }
+  // The acts did what they are meant to try.
+  EXPECT_GT(worker.saves, 200);
+  EXPECT_GT(worker.edits, 100);
+  EXPECT_GT(worker.deletions, 50);
+}
+
+}  // namespace
+}  // namespace vellumark
