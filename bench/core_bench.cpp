@@ -11,6 +11,7 @@
 #include "core/colors/rollup.h"
 #include "core/exchange/formula_exchange.h"
 #include "core/exchange/mfe.h"
+#include "core/inventory/adjust.h"
 #include "core/shell/opening.h"
 #include "large_room.h"
 
@@ -196,6 +197,92 @@ void OpenRaw(benchmark::State& state) {
   }
 }
 BENCHMARK(OpenRaw)->Name("open_100k/raw")->Unit(benchmark::kMillisecond)->Iterations(30);
+
+// ---- post_1k: a thousand adjustments by hand, each saved for itself
+
+constexpr int kPostings = 1000;
+
+void PostOurs(benchmark::State& state) {
+  static LargeRoom room(1000);
+  for (auto unused : state) {
+    for (int i = 0; i < kPostings; ++i) {
+      InventoryWork work = LoadInventory(room.session, ColorKind::Basic, "BASIC INK " + std::to_string(i % 60));
+      AdjustFields fields = ClearedFields(room.session, work);
+      fields.quantity = 1.125F;
+      if (!ApplyAdjust(room.session, work, fields) || !SaveInventory(room.session, work))
+        state.SkipWithError("an adjustment was refused");
+    }
+  }
+}
+BENCHMARK(PostOurs)->Name("post_1k/ours")->Unit(benchmark::kMillisecond)->Iterations(3);
+
+// The same rows with the same durability: the stock and its line in the history.
+void PostRaw(benchmark::State& state) {
+  static LargeRoom room(1000);
+  Database& file = room.session.File();
+  Statement begin = file.Prepare("BEGIN IMMEDIATE");
+  Statement commit = file.Prepare("COMMIT");
+  Statement stock = file.Prepare("UPDATE INK_Basic SET Inventory = Inventory + 1.125 WHERE Color_Name = ?1");
+  Statement line = file.Prepare(
+      "INSERT INTO MSysStockHistory (Moment, Username, Source, Kind, Database, Color_Name, LotRefID, LotNumber, "
+      "Change, "
+      "Result, Document, Reason) SELECT '2026-03-10 12:00:00', '', 7, 1, 'INK', Color_Name, 0, '', 1.125, Inventory, "
+      "'', '' FROM INK_Basic WHERE Color_Name = ?1");
+  for (auto unused : state) {
+    for (int i = 0; i < kPostings; ++i) {
+      const std::string name = "BASIC INK " + std::to_string(i % 60);
+      begin.Run();
+      stock.Bind(1, name).Run();
+      line.Bind(1, name).Run();
+      commit.Run();
+    }
+  }
+}
+BENCHMARK(PostRaw)->Name("post_1k/raw")->Unit(benchmark::kMillisecond)->Iterations(3);
+
+// ---- lots_50k: a colour with 50,000 lots is opened
+
+LargeRoom& RoomWithLots() {
+  static LargeRoom room(1000);
+  static const bool filled = [] {
+    room.session.File().Execute(
+        "INSERT INTO INK_Basic_LotInv (LotRefID, LotCName, LotNumber, LotLoc, LotContID, LotDate, LotQty, LotPrice, "
+        "LotConsignment) WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE i < 50000) SELECT i, "
+        "'BASIC INK 1', 'DELIVERY ' || (i * 7919 % 5000), 'SHELF ' || (i % 40), i, '2026-01-15 00:00:00', 25.5, 4.25, "
+        "0 FROM n");
+    return true;
+  }();
+  benchmark::DoNotOptimize(filled);
+  return room;
+}
+
+void LotsOurs(benchmark::State& state) {
+  LargeRoom& room = RoomWithLots();
+  double best = 1e9;
+  for (auto unused : state) {
+    const auto begin = std::chrono::steady_clock::now();
+    const InventoryWork work = LoadInventory(room.session, ColorKind::Basic, "BASIC INK 1");
+    if (work.Totals().lotted != 50000 * 25.5F) state.SkipWithError("lots are missing");
+    benchmark::DoNotOptimize(work.LotNumbers().data());
+    benchmark::DoNotOptimize(work.Locations().data());
+    best = std::min(best, std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - begin).count());
+  }
+  state.counters["ms"] = best;
+}
+BENCHMARK(LotsOurs)->Name("lots_50k/ours")->Unit(benchmark::kMillisecond)->Iterations(5);
+
+void LotsRaw(benchmark::State& state) {
+  LargeRoom& room = RoomWithLots();
+  for (auto unused : state) {
+    Statement rows = room.session.File().Prepare(
+        "SELECT LotRefID, LotNumber, LotLoc, LotContID, LotDate, LotQty, LotPrice, LotConsignment FROM "
+        "INK_Basic_LotInv WHERE LotCName = 'BASIC INK 1' ORDER BY LotNumber, LotRefID");
+    double sum = 0;
+    while (rows.Step()) sum += rows.Number(5);
+    benchmark::DoNotOptimize(sum);
+  }
+}
+BENCHMARK(LotsRaw)->Name("lots_50k/raw")->Unit(benchmark::kMillisecond)->Iterations(5);
 
 // ---- settings: a thousand values against one reading of the file
 

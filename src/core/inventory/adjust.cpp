@@ -21,10 +21,12 @@ std::vector<std::string> Distinct(std::vector<std::string> names) {
   return names;
 }
 
-InventoryRow RowOfLot(const LotRow& lot) {
+InventoryRow RowOfLot(LotRow lot) {
   InventoryRow row;
   row.key = lot.LotRefID;
-  row.now = {lot.LotNumber, lot.LotLoc, lot.LotContID, lot.LotQty, lot.LotDate, lot.LotPrice, lot.LotConsignment};
+  row.now = {
+      std::move(lot.LotNumber), std::move(lot.LotLoc), std::move(lot.LotContID), lot.LotQty, lot.LotDate, lot.LotPrice,
+      lot.LotConsignment};
   row.onFile = row.now;
   return row;
 }
@@ -190,7 +192,9 @@ InventoryWork LoadInventory(const Session& session, ColorKind kind, const std::s
   unlotted.onFile = unlotted.now;
   work.rows.push_back(std::move(unlotted));
   if (session.InvLotTracking == 1) {
-    for (const LotRow& lot : LotsOf(session, kind, work.name, work.database)) work.rows.push_back(RowOfLot(lot));
+    std::vector<LotRow> lots = LotsOf(session, kind, work.name, work.database);
+    work.rows.reserve(lots.size() + 1);
+    for (LotRow& lot : lots) work.rows.push_back(RowOfLot(std::move(lot)));
   }
   return work;
 }
