@@ -2,42 +2,22 @@
 
 #include <benchmark/benchmark.h>
 
-#include <QApplication>
 #include <QMainWindow>
 #include <chrono>
 
 #include "core/settings/settings_keys.h"
 #include "desktop/colors/register.h"
 #include "desktop/datafile/register.h"
-#include "desktop/kit/application.h"
 #include "desktop/kit/wait_progress.h"
 #include "desktop/session/register.h"
 #include "desktop/settings/register.h"
 #include "desktop/shell/program.h"
 #include "desktop/tools/register.h"
 #include "large_room.h"
+#include "offscreen.h"
 
 namespace vellumark::bench {
 namespace {
-
-using Seconds = std::chrono::duration<double>;
-
-// One application for all measurements, on no screen.
-void NeedApplication() {
-  static int argc = 1;
-  static char name[] = "vellumark_bench";
-  static char* argv[] = {name, nullptr};
-  qputenv("QT_QPA_PLATFORM", "offscreen");
-  // Never destroyed: at the end of the process other statics would outlive it.
-  static auto* application = new desktop::Application(argc, argv);
-  benchmark::DoNotOptimize(application);
-}
-
-void Shown(QWidget& window) {
-  window.show();
-  QApplication::processEvents();
-  QApplication::processEvents();
-}
 
 void StartOurs(benchmark::State& state) {
   NeedApplication();

@@ -182,12 +182,8 @@ void IngredientsPanel::ShowTotals() {
 
 // ---- Typing
 
-bool IngredientsPanel::Counts(QWidget* to) const {
-  return editable_ && to != nullptr && host_.Self().isAncestorOf(to) && qobject_cast<QPushButton*>(to) == nullptr;
-}
-
 void IngredientsPanel::NameLeft(std::size_t row, QWidget* to) {
-  if (!Counts(to)) return;
+  if (!editable_ || !GoesOnWithin(host_, to)) return;
   Line& line = lines_[row];
   const std::string typed = line.name->Text();
   if (EqualNoCase(typed, line.entered)) return;
@@ -219,7 +215,7 @@ void IngredientsPanel::TakeName(std::size_t row, const std::string& name) {
 void IngredientsPanel::AmountLeft(std::size_t row, QWidget* to) {
   NumberField& amount = *lines_[row].amount;
   // An ingredient may be named before it is weighed; a line without an amount is found by the save.
-  if (!Counts(to) || Trim(amount.Text()).empty()) return;
+  if (!editable_ || !GoesOnWithin(host_, to) || Trim(amount.Text()).empty()) return;
   const Result<std::string> entered = EnterAmount(amount.Text(), U8(amount.objectName()));
   if (!host_.Accepted(entered)) return;
   if (*entered != amount.Text()) amount.SetText(*entered);

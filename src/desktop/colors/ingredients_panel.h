@@ -60,8 +60,6 @@ class IngredientsPanel : public QObject {
   void LineChanged(std::size_t row);
   void ShowInk();
   void ShowTotals();
-  /// The operator goes on within the window; a button that takes the focus checks by itself.
-  bool Counts(QWidget* to) const;
 
   FormHost& host_;
   std::array<Line, schema::kIngredientSlots> lines_;

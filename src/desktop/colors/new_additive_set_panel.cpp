@@ -95,19 +95,15 @@ void NewAdditiveSetPanel::FocusName() {
   host_.FocusField("txtAddSetName");
 }
 
-bool NewAdditiveSetPanel::Counts(QWidget* to) const {
-  return to != nullptr && host_.Self().isAncestorOf(to) && qobject_cast<QPushButton*>(to) == nullptr;
-}
-
 void NewAdditiveSetPanel::NameLeft(QWidget* to) {
-  if (!Counts(to)) return;
+  if (!GoesOnWithin(host_, to)) return;
   const Result<std::string> name = EnterSetName(host_.session, name_->Text());
   if (host_.Accepted(name) && *name != name_->Text()) name_->SetText(*name);
 }
 
 void NewAdditiveSetPanel::IngredientLeft(std::size_t row, QWidget* to) {
   Line& line = lines_[row];
-  if (!Counts(to) || EqualNoCase(line.name->Text(), line.entered)) return;
+  if (!GoesOnWithin(host_, to) || EqualNoCase(line.name->Text(), line.entered)) return;
   const Result<std::string> name = EnterSetIngredient(host_.session, Work(), row, line.name->Text());
   if (!host_.Accepted(name)) return;
   line.entered = *name;
@@ -116,7 +112,7 @@ void NewAdditiveSetPanel::IngredientLeft(std::size_t row, QWidget* to) {
 
 void NewAdditiveSetPanel::PercentLeft(std::size_t row, QWidget* to) {
   NumberField& percent = *lines_[row].percent;
-  if (!Counts(to) || Trim(percent.Text()).empty()) return;
+  if (!GoesOnWithin(host_, to) || Trim(percent.Text()).empty()) return;
   const Result<double> value = ReadSetPercent(percent.Text(), U8(percent.objectName()));
   if (!host_.Accepted(value)) return;
   const std::string text = Fixed(*value, kPercentDecimals);

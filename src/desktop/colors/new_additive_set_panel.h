@@ -36,7 +36,6 @@ class NewAdditiveSetPanel : public QObject {
   void NameLeft(QWidget* to);
   void IngredientLeft(std::size_t row, QWidget* to);
   void PercentLeft(std::size_t row, QWidget* to);
-  bool Counts(QWidget* to) const;
 
   FormHost& host_;
   TextField* name_ = nullptr;

@@ -60,6 +60,10 @@ void HintAtPantone(NameBox& name, Session& session) {
   });
 }
 
+bool GoesOnWithin(const FormHost& host, const QWidget* to) {
+  return to != nullptr && host.Self().isAncestorOf(to) && qobject_cast<const QPushButton*>(to) == nullptr;
+}
+
 bool LeavesNameAlone(const QWidget& to) {
   static constexpr std::array<const char*, 3> commands{"cmdCancel", "cmdPrevious", "cmdNext"};
   return std::ranges::any_of(commands, [&](const char* name) { return to.objectName() == QLatin1String(name); });

@@ -29,6 +29,10 @@ NameSource NamesOnFile(const Session& session, NameKind kind);
 /// Answers the operator who types the word PANTONE before a number.
 void HintAtPantone(NameBox& name, Session& session);
 
+/// The operator goes on from a field to another one of its window: what was typed is checked. A button that takes the
+/// focus checks by itself, and what leads out of the window waits.
+bool GoesOnWithin(const FormHost& host, const QWidget* to);
+
 /// The focus may go to this control without the name counting as entered.
 bool LeavesNameAlone(const QWidget& to);
 

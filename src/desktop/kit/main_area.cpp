@@ -21,6 +21,8 @@ MainArea::~MainArea() = default;
 void MainArea::Add(Window& window) {
   if (window.IsFloating()) {
     window.setParent(frame_, Qt::Tool);
+    // Told outright: not every screen has somebody who would find a place for it.
+    window.move(floatingPlace_.isNull() ? frame_->geometry().center() : floatingPlace_);
     window.show();
     window.activateWindow();
     return;

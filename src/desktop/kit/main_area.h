@@ -22,6 +22,10 @@ class MainArea : public QMdiArea, public WindowPlace {
   Window* Active() const override;
   QWidget* Frame() override { return frame_; }
 
+  /// Where on the screen the next floating window stands with its upper left corner, such as under the button that
+  /// opens it.
+  void SetFloatingPlace(const QPoint& place) { floatingPlace_ = place; }
+
   void ShowAsTabs();
   void ShowFree();
   void Tile();
@@ -34,6 +38,7 @@ class MainArea : public QMdiArea, public WindowPlace {
  private:
   QMdiSubWindow* SubWindowOf(const Window& window) const;
   QWidget* frame_;
+  QPoint floatingPlace_;
 };
 
 }  // namespace vellumark::desktop

@@ -235,6 +235,8 @@ void MainForm::PressToolbarButton(const std::string& key) {
     session_.prompt.Tell(allowed.error().title, allowed.error().text, Icon::Exclamation);
     return;
   }
+  const QToolButton& pressed = *buttons_.at(key);
+  area_->SetFloatingPlace(pressed.mapToGlobal(QPoint(0, pressed.height())));
   for (const ToolbarButton& button : ToolbarButtons(session_))
     if (button.key == key) windows_.OpenForm(std::string(button.target));
 }
