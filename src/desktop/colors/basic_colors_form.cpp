@@ -8,11 +8,12 @@
 #include "core/colors/attachments.h"
 #include "core/colors/name_search.h"
 #include "core/colors/rollup.h"
-#include "core/inventory/lots.h"
+#include "core/inventory/color_stock.h"
 #include "desktop/colors/amount_field.h"
 #include "desktop/colors/measurements_panel.h"
 #include "desktop/colors/record_fields.h"
 #include "desktop/colors/swatch_fields.h"
+#include "desktop/inventory/inventory_panel.h"
 #include "desktop/kit/icons.h"
 #include "desktop/kit/text.h"
 
@@ -38,6 +39,7 @@ BasicColorsForm::BasicColorsForm(WindowList& windowList)
   form.Row(tr("&Name"), {name_, ink_, state_ = form.Hint({}, "lblState"), low_});
   TabSet tabs = form.Tabs("TabBasic");
   BuildColorPage(tabs.Page(tr("Color"), "TabColor"));
+  inventory_ = new InventoryPanel(*this, tabs.Page(tr("Inventory"), "TabInventory"));
   measurements_ = new MeasurementsPanel(*this, tabs.Page(tr("Measurements"), "TabLab"), ColorKind::Basic);
   form.Buttons({save_ = form.Button("cmdSave", tr("&Save")), cancel_ = form.Button("cmdCancel", tr("Cancel")),
                 form.Button("cmdPrevious", tr("Previous"), Qt::Key_PageUp),
@@ -65,32 +67,40 @@ void BasicColorsForm::BuildFigures(Form& form) {
     MakeAmountField(*this, *field, key, column, shown);
     return field;
   };
-  const QString unit = Q(UnitName(session.UMI));
+  const auto hint = [&](const QString& words) {
+    QLabel* label = form.Hint({});
+    unitHints_.emplace_back(label, words);
+    return label;
+  };
   form.Row(tr("Color &code"), code_ = form.Text("txtColorCode", TextRule::Any(session.NameLength)));
   code_->Means("Color_Code");
   form.Row(additive_ = form.Check("chkAdd", tr("&Additive")));
   additive_->Means("Additive");
   reorder_ = figure("txtReorder", AmountKey::Reorder, "Reorder", 10);
-  form.Row(tr("&Reorder point"), {reorder_, form.Hint(unit)});
+  form.Row(tr("&Reorder point"), {reorder_, hint("%1")});
   cost_ = figure("txtPurchaseCost", AmountKey::Currency, "PurchaseCost", kCostChars);
   cost_->setToolTip(tr("Use a Costs report to edit Purchase Cost for multiple colors."));
   const bool priceBlocked = session.Perm_Costs == 0;
   cost_->setVisible(!priceBlocked);
-  QLabel* perUnit =
-      form.Hint(priceBlocked ? tr("User Permissions - Price Blocked") : tr("per %1").arg(unit), "lblPriceBlocked");
+  QLabel* perUnit = priceBlocked ? form.Hint(tr("User Permissions - Price Blocked")) : hint(tr("per %1"));
+  perUnit->setObjectName("lblPriceBlocked");
   form.Row(tr("&Purchase cost"), {cost_, perUnit});
   voc_ = figure("txtVOC", AmountKey::VOC, "VOC", 10);
-  form.Row(tr("&VOC"), {voc_, form.Hint(tr("per %1").arg(unit))});
+  form.Row(tr("&VOC"), {voc_, hint(tr("per %1"))});
   hap_ = figure("txtHAP", AmountKey::HAP, "HAP", 10);
-  form.Row(tr("&HAP"), {hap_, form.Hint(tr("per %1").arg(unit))});
+  form.Row(tr("&HAP"), {hap_, hint(tr("per %1"))});
+  Relabel();
 }
 
 void BasicColorsForm::BuildSwatch(Form& form) {
-  form.Row(tr("In stock"), {stock_ = form.Value("lblTotalInv"), form.Hint(Q(UnitName(session.UMI)))});
   swatch_ = new SwatchFields(*this, form, *ink_);
   form.Row(tr("Color guide"), guide_ = form.Label("lblGuide"));
   form.Row(tr("Entered"), entered_ = form.Label("lblDateEntered"));
   form.Row(tr("Last consumed"), consumed_ = form.Label("lblLastConsumed"));
+}
+
+void BasicColorsForm::Relabel() {
+  for (const auto& [label, words] : unitHints_) label->setText(words.arg(Q(UnitName(session.UMI))));
 }
 
 void BasicColorsForm::Listen() {
@@ -100,6 +110,7 @@ void BasicColorsForm::Listen() {
   });
   HintAtPantone(*name_, session);
   connect(additive_, &QCheckBox::clicked, this, &BasicColorsForm::AdditiveClicked);
+  connect(inventory_, &InventoryPanel::Changed, this, [this] { Changed(); });
   connect(measurements_, &MeasurementsPanel::Changed, this, [this] { Changed(); });
   OnActivation(*this, [this] {
     StandBackForBatch(*this, tr("Any attempt to change data on this window can impact the Batch Window."));
@@ -109,7 +120,7 @@ void BasicColorsForm::Listen() {
 // ---- State
 
 bool BasicColorsForm::InEdit() const {
-  return work_ && (work_->rowId == 0 || IsDirty() || measurements_->IsChanged());
+  return work_ && (work_->rowId == 0 || IsDirty() || inventory_->IsChanged() || measurements_->IsChanged());
 }
 
 void BasicColorsForm::UpdateEnabled() {
@@ -172,9 +183,9 @@ void BasicColorsForm::Clear() {
   name_->SetText("");
   ShowFields({}, {}, false);
   swatch_->Clear();
-  stock_->SetText("");
   entered_->clear();
   consumed_->clear();
+  inventory_->Reset();
   measurements_->Clear();
   MarkClean();
 }
@@ -187,6 +198,7 @@ void BasicColorsForm::ShowColor(const std::string& name) {
   name_->SetText(color->Color_Name);
   ShowFields(*work_, color->book, false);
   ShowStock(*color);
+  inventory_->Load(ColorKind::Basic, color->Color_Name);
   measurements_->Load(color->Color_Name);
   MarkClean();
 }
@@ -200,6 +212,7 @@ void BasicColorsForm::ShowNew(const std::string& name) {
   name_->SetText(name);
   ShowFields(*work_, BookDataOfBasic(session, name), false);
   ShowStock(color);
+  inventory_->Begin(ColorKind::Basic, name);
   measurements_->Load(name);
   MarkClean();
 }
@@ -218,9 +231,7 @@ void BasicColorsForm::ShowFields(const BasicWork& work, const BookData& book, bo
 }
 
 void BasicColorsForm::ShowStock(const BasicColor& color) {
-  const float total = TotalStock(session, ColorKind::Basic, color.Color_Name);
-  isLow_ = total < color.Reorder;
-  stock_->SetText(AmountText(session, AmountKey::AdjInv, total));
+  isLow_ = IsBelowReorder(session, ColorKind::Basic, color.Color_Name);
   entered_->setText(DateText(color.Date_Entered));
   consumed_->setText(DateText(color.LastConsumed));
 }
@@ -230,6 +241,11 @@ void BasicColorsForm::ShowStock(const BasicColor& color) {
 void BasicColorsForm::OnChanges(const std::vector<Change>& changes) {
   bool mine = false;
   for (const Change& change : changes) {
+    if (change.kind == Change::Kind::Settings) {
+      Relabel();
+      inventory_->Relabel();
+      mine = work_ && work_->rowId != 0;
+    }
     if (!work_ || work_->rowId == 0 || change.kind != Change::Kind::Basic ||
         !EqualNoCase(change.database, session.CurrentDatabase))
       continue;
@@ -246,21 +262,21 @@ void BasicColorsForm::ExternalUpdateBasicColor(const std::string& name) {
 
 void BasicColorsForm::Reload() {
   const auto color = ReadBasic(session, work_->Color_Name);
-  if (!InEdit()) {
-    const QPointer<QWidget> focus = QApplication::focusWidget();
-    ShowColor(work_->Color_Name);
-    if (!work_ && focus != nullptr && isAncestorOf(focus)) FocusField(kNameField);
-    return;
-  }
-  if (!color) {
-    // Deleted under the operator's hands: what was typed can be saved as a new colour.
-    work_->rowId = 0;
-  } else {
+  if (color) {
     work_ = LoadBasicWork(session, *color);
     name_->SetText(color->Color_Name);
     ShowFields(*work_, color->book, true);
     ShowStock(*color);
+    inventory_->Refresh(color->Color_Name);
     measurements_->Refresh(color->Color_Name);
+  } else if (InEdit()) {
+    // Deleted under the operator's hands: what was typed can be saved as a new colour.
+    work_->rowId = 0;
+    inventory_->Detach();
+  } else {
+    const QPointer<QWidget> focus = QApplication::focusWidget();
+    Clear();
+    if (focus != nullptr && isAncestorOf(focus)) FocusField(kNameField);
   }
   Changed();
 }
@@ -268,10 +284,12 @@ void BasicColorsForm::Reload() {
 // ---- Commands
 
 bool BasicColorsForm::MayLeaveUnfinished() {
-  switch (AskUnfinishedWork(session, {}, measurements_->IsEntryFilled())) {
+  switch (AskUnfinishedWork(session, inventory_->AdjustText(), measurements_->IsEntryFilled())) {
     case UnfinishedWork::None:
       return true;
     case UnfinishedWork::Inventory:
+      inventory_->FocusEntry();
+      return false;
     case UnfinishedWork::Measurement:
       measurements_->FocusEntry();
       return false;
@@ -295,7 +313,12 @@ bool BasicColorsForm::Store() {
   ColorAttachments attachments;
   if (measurements_->IsChanged()) attachments.measurements = measurements_->Readings();
   swatch_->Take(attachments);
-  return Accepted(SaveBasic(session, *work_, attachments));
+  BasicWork saved = *work_;
+  if (!Accepted(SaveWithStock(
+          session, [&] { return SaveBasic(session, saved, attachments); }, inventory_->Work())))
+    return false;
+  work_ = std::move(saved);
+  return true;
 }
 
 void BasicColorsForm::cmdSave_Click() {

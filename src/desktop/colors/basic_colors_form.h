@@ -1,12 +1,15 @@
 #pragma once
 
 #include <optional>
+#include <utility>
+#include <vector>
 
 #include "core/colors/basic_work.h"
 #include "desktop/kit/window.h"
 
 namespace vellumark::desktop {
 
+class InventoryPanel;
 class MeasurementsPanel;
 class SwatchFields;
 class SwatchView;
@@ -43,6 +46,8 @@ class BasicColorsForm : public Window {
   void BuildFigures(Form& form);
   void BuildSwatch(Form& form);
   void Listen();
+  /// Units as the settings are now.
+  void Relabel();
 
   void NameLeft(QWidget* to);
   void EnterName(const std::string& typed);
@@ -77,16 +82,17 @@ class BasicColorsForm : public Window {
   NumberField* hap_;
   SwatchFields* swatch_;
   QLabel* guide_;
-  ValueField* stock_;
   QLabel* entered_;
   QLabel* consumed_;
   NoteField* notes_;
+  InventoryPanel* inventory_;
   MeasurementsPanel* measurements_;
   CommandButton* save_;
   CommandButton* cancel_;
   CommandButton* delete_;
   CommandButton* rename_;
   CommandButton* whereUsed_;
+  std::vector<std::pair<QLabel*, QString>> unitHints_;  ///< with their words, to which the unit is added
   bool isLow_ = false;
 };
 

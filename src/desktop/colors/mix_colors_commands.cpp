@@ -5,6 +5,7 @@
 
 #include "core/colors/attachments.h"
 #include "core/colors/guide_formulas.h"
+#include "core/inventory/color_stock.h"
 #include "desktop/colors/additive_set_panel.h"
 #include "desktop/colors/ingredients_panel.h"
 #include "desktop/colors/measurements_panel.h"
@@ -13,6 +14,7 @@
 #include "desktop/colors/mix_notes_panel.h"
 #include "desktop/colors/new_additive_set_panel.h"
 #include "desktop/colors/record_fields.h"
+#include "desktop/inventory/inventory_panel.h"
 #include "desktop/kit/text.h"
 
 namespace vellumark::desktop {
@@ -20,9 +22,17 @@ namespace vellumark::desktop {
 // ---- Saving
 
 bool MixColorsForm::MayLeaveUnfinished() {
-  if (AskUnfinishedWork(session, {}, measurements_->IsEntryFilled()) == UnfinishedWork::None) return SettleNewSet();
-  measurements_->FocusEntry();
-  return false;
+  switch (AskUnfinishedWork(session, inventory_->AdjustText(), measurements_->IsEntryFilled())) {
+    case UnfinishedWork::Inventory:
+      inventory_->FocusEntry();
+      return false;
+    case UnfinishedWork::Measurement:
+      measurements_->FocusEntry();
+      return false;
+    case UnfinishedWork::None:
+      break;
+  }
+  return SettleNewSet();
 }
 
 Result<void> MixColorsForm::CheckPageInFront(const FormulaWork& work) const {
@@ -43,7 +53,8 @@ bool MixColorsForm::Store() {
   details_->Take(attachments);
   const Result<void> saved = [&] {
     const auto wait = Wait(WaitKind::WaitForm, tr("Saving Master Formula ..."));
-    return SaveMix(session, work, attachments);
+    return SaveWithStock(
+        session, [&] { return SaveMix(session, work, attachments); }, inventory_->Work());
   }();
   return Accepted(saved);
 }

@@ -14,6 +14,7 @@
 #include "desktop/colors/new_additive_set_panel.h"
 #include "desktop/colors/record_fields.h"
 #include "desktop/colors/swatch_view.h"
+#include "desktop/inventory/inventory_panel.h"
 #include "desktop/kit/icons.h"
 #include "desktop/kit/look.h"
 #include "desktop/kit/text.h"
@@ -41,6 +42,7 @@ MixColorsForm::MixColorsForm(WindowList& windowList) : Window(windowList, "MixCo
   BuildFormulaPage(tabs.Page(tr("Formula"), kFormulaPage));
   details_ =
       new MixDetailsPanel(*this, tabs.Page(tr("Details"), kDetailsPage), *ink_, [this] { return work_.has_value(); });
+  inventory_ = new InventoryPanel(*this, tabs.Page(tr("Inventory"), "TabInventory"));
   measurements_ = new MeasurementsPanel(*this, tabs.Page(tr("Measurements"), "TabLab"), ColorKind::Mix);
   notes_ = new MixNotesPanel(*this, tabs, [this] {
     std::vector<std::string> names;
@@ -127,6 +129,7 @@ void MixColorsForm::Listen() {
     sets_->ShowChosen();
     FocusField("lstAdditiveSets");
   });
+  connect(inventory_, &InventoryPanel::Changed, this, [this] { Changed(); });
   connect(measurements_, &MeasurementsPanel::Changed, this, [this] { Changed(); });
   OnActivation(*this, [this] { Activated(); });
 }
@@ -138,7 +141,8 @@ bool MixColorsForm::RecipeChanged() const {
 }
 
 bool MixColorsForm::InEdit() const {
-  return work_ && (work_->rowId == 0 || IsDirty() || sets_->IsChanged() || measurements_->IsChanged());
+  return work_ && (work_->rowId == 0 || IsDirty() || sets_->IsChanged() || inventory_->IsChanged() ||
+                   measurements_->IsChanged());
 }
 
 bool MixColorsForm::MayEdit() const {
@@ -235,6 +239,7 @@ void MixColorsForm::Clear() {
   sets_->New().Empty();
   sets_->ShowChosen();
   details_->Clear();
+  inventory_->Reset();
   measurements_->Clear();
   notes_->Clear();
   MarkClean();
@@ -245,6 +250,7 @@ void MixColorsForm::ShowFormula(const std::string& name) {
   Clear();
   if (!mix) return;
   Show(*mix, LoadFormulaWork(session, *mix), false);
+  inventory_->Load(ColorKind::Mix, mix->Color_Name);
   measurements_->Load(mix->Color_Name);
   MarkClean();
 }
@@ -258,6 +264,7 @@ void MixColorsForm::ShowNew(const std::string& name) {
   mix.book = BookDataOfMix(session, name);
   Show(mix, NewFormulaWork(session, name), false);
   allowEditing_->setChecked(true);
+  inventory_->Begin(ColorKind::Mix, name);
   measurements_->Load(name);
   MarkClean();
 }
@@ -279,6 +286,7 @@ void MixColorsForm::Reload() {
   const bool keepTyped = InEdit();
   if (mix) {
     Show(*mix, LoadFormulaWork(session, *mix), keepTyped);
+    inventory_->Refresh(mix->Color_Name);
     if (keepTyped) {
       measurements_->Refresh(mix->Color_Name);
     } else {
@@ -287,6 +295,7 @@ void MixColorsForm::Reload() {
   } else if (keepTyped) {
     // Deleted under the operator's hands: what was typed can be saved as a new formula.
     work_->rowId = 0;
+    inventory_->Detach();
   } else {
     const QPointer<QWidget> focus = QApplication::focusWidget();
     Clear();
@@ -300,6 +309,7 @@ void MixColorsForm::Reload() {
 void MixColorsForm::OnChanges(const std::vector<Change>& changes) {
   bool mine = false;
   for (const Change& change : changes) {
+    if (change.kind == Change::Kind::Settings) inventory_->Relabel();
     if (!EqualNoCase(change.database, session.CurrentDatabase)) continue;
     if (change.kind == Change::Kind::AdditiveSet) {
       if (change.what == Change::What::Renamed) sets_->RenameSet(change.name, change.newName);

@@ -9,6 +9,7 @@ namespace vellumark::desktop {
 
 class AdditiveSetPanel;
 class IngredientsPanel;
+class InventoryPanel;
 class MeasurementsPanel;
 class MixDetailsPanel;
 class MixNotesPanel;
@@ -104,6 +105,7 @@ class MixColorsForm : public Window {
   IngredientsPanel* ingredients_ = nullptr;
   AdditiveSetPanel* sets_ = nullptr;
   MixDetailsPanel* details_ = nullptr;
+  InventoryPanel* inventory_ = nullptr;
   MeasurementsPanel* measurements_ = nullptr;
   MixNotesPanel* notes_ = nullptr;
   CommandButton* save_ = nullptr;

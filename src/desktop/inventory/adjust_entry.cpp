@@ -9,6 +9,7 @@
 #include "core/base/text.h"
 #include "core/colors/amounts.h"
 #include "core/session/options.h"
+#include "desktop/colors/record_fields.h"
 #include "desktop/inventory/lot_grid.h"
 #include "desktop/kit/look.h"
 #include "desktop/kit/text.h"
@@ -31,8 +32,8 @@ AdjustEntry::AdjustEntry(FormHost& host, Form form, QWidget& page, std::function
   rows->setContentsMargins(0, space::kUnit, 0, 0);
   rows->setSpacing(space::kUnit);
   rows->addWidget(BuildFields(form));
-  update_ = form.Button("cmdUpdate", tr("&Update list"), Qt::Key_F8, std::move(update));
-  clear_ = form.Button("cmdClear", tr("C&lear fields"), Qt::Key_F9, std::move(clear));
+  update_ = form.Button("cmdUpdate", tr("&Update list"), Qt::Key_F5, std::move(update));
+  clear_ = form.Button("cmdClear", tr("C&lear fields"), QKeySequence(Qt::SHIFT | Qt::Key_F5), std::move(clear));
   auto* second = new QWidget;
   auto* line = new QHBoxLayout(second);
   line->setContentsMargins(0, 0, 0, 0);
@@ -150,7 +151,7 @@ void AdjustEntry::Show(const InventoryWork* work, const AdjustFields& fields) {
 }
 
 void AdjustEntry::ShowDate() {
-  dateButton_->setText(work_ == nullptr ? QString::fromUtf8("–") : LotDateText(date_));
+  dateButton_->setText(work_ == nullptr ? QString::fromUtf8("–") : DateText(date_));
   dateButton_->setAccessibleName(tr("Date %1").arg(dateButton_->text()));
 }
 

@@ -13,8 +13,8 @@
 #include "core/colors/basic_work.h"
 #include "core/colors/names.h"
 #include "desktop/colors/amount_field.h"
+#include "desktop/colors/record_fields.h"
 #include "desktop/colors/swatch_view.h"
-#include "desktop/inventory/batch_in_edit.h"
 #include "desktop/inventory/inv_lot_instructions.h"
 #include "desktop/inventory/inventory_panel.h"
 #include "desktop/kit/icons.h"
@@ -33,17 +33,10 @@ constexpr int kManual = 0;
 constexpr int kSettings = 1;
 
 // The focus may go to these without the name counting as entered.
-bool LeavesNameAlone(const QWidget& to) {
+bool IsCommand(const QWidget& to) {
   static constexpr std::array<const char*, 3> commands{"cmdCancel", "cmdInvReport", "cmdHistory"};
   return qobject_cast<const QTabBar*>(&to) != nullptr ||
          std::ranges::any_of(commands, [&](const char* name) { return to.objectName() == QLatin1String(name); });
-}
-
-template <class F>
-void Put(F& field, std::string_view text, bool keepTyped) {
-  if (keepTyped && field.IsDirty()) return;
-  field.SetText(text);
-  field.Field::MarkClean();
 }
 
 }  // namespace
@@ -77,7 +70,9 @@ AdjustInventoryForm::AdjustInventoryForm(WindowList& windowList)
   });
   connect(panel_, &InventoryPanel::Changed, this, [this] { Changed(); });
   connect(tabs_, &QTabWidget::currentChanged, this, &AdjustInventoryForm::TabChanged);
-  YieldToBatchInEdit(*this);
+  OnActivation(*this, [this] {
+    StandBackForBatch(*this, tr("Any attempt to change data on this window can impact the Batch Window."));
+  });
   Clear();
   QMetaObject::invokeMethod(
       this, [this] { InvLotInstructions::ShowOnce(windows); }, Qt::QueuedConnection);
@@ -194,7 +189,7 @@ void AdjustInventoryForm::OnOpen(const Arguments& arguments) {
 // ---- The name
 
 void AdjustInventoryForm::NameLeft(QWidget* to) {
-  if (tab_ != kManual || to == nullptr || !isAncestorOf(to) || LeavesNameAlone(*to) || RecordInEdit()) return;
+  if (tab_ != kManual || to == nullptr || !isAncestorOf(to) || IsCommand(*to) || RecordInEdit()) return;
   const std::string typed = name_->Text();
   if (record_ && EqualNoCase(typed, record_->Color_Name)) return;
   EnterName(typed);
@@ -248,10 +243,7 @@ void AdjustInventoryForm::ShowFields(const StockRecord& record, bool keepTyped) 
   Put(*hap_, record.HAP, keepTyped);
   Put(*note_, record.Inv_Note, keepTyped);
   Put(*notes_, record.Notes, keepTyped);
-  if (!keepTyped || !recycle_->IsDirty()) {
-    recycle_->setChecked(record.Recycle);
-    recycle_->Field::MarkClean();
-  }
+  Put(*recycle_, record.Recycle, keepTyped);
   basicCost_->SetText(record.BasicCost);
   vocBasics_->SetText(record.VOCBasics);
   hapBasics_->SetText(record.HAPBasics);

@@ -64,8 +64,8 @@ BatchLotInvSelector::BatchLotInvSelector(WindowList& windowList, QWidget* owner)
   adjust_->installEventFilter(this);
   remove_ = form.Check("chkDelInv", tr("&Delete Inv. Balance"));
   remove_->DoNotTrack();
-  update_ = form.Button("cmdUpdate", tr("&Update"), Qt::Key_F8);
-  clear_ = form.Button("cmdClear", tr("C&lear"), Qt::Key_F9);
+  update_ = form.Button("cmdUpdate", tr("&Update"), Qt::Key_F5);
+  clear_ = form.Button("cmdClear", tr("C&lear"), Qt::SHIFT | Qt::Key_F5);
   form.Row(tr("&Adjust Used"), {adjust_, remove_, update_, clear_});
   form.Buttons({form.Button("cmdSave", tr("&Save")), form.Button("cmdCancel", tr("Cancel")),
                 form.Button("DSelAll", tr("D&eselect all")), form.Button("cmdAddLot", tr("Update &Inv."))});

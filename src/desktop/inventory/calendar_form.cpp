@@ -76,6 +76,11 @@ void CalendarForm::cmdOK_Click() {
   accept();
 }
 
+void CalendarForm::changeEvent(QEvent* event) {
+  Dialog::changeEvent(event);
+  if (event->type() == QEvent::PaletteChange && calendar_ != nullptr) Dress();
+}
+
 bool CalendarForm::eventFilter(QObject* watched, QEvent* event) {
   if (event->type() == QEvent::KeyPress) {
     const int key = static_cast<QKeyEvent*>(event)->key();

@@ -21,10 +21,11 @@ class CalendarForm : public Dialog {
 
  private:
   bool eventFilter(QObject* watched, QEvent* event) override;
+  void changeEvent(QEvent* event) override;
   void Dress();
   void ShowDay(const DateTime& day);
 
-  QCalendarWidget* calendar_;
+  QCalendarWidget* calendar_ = nullptr;
 };
 
 }  // namespace vellumark::desktop

@@ -117,10 +117,10 @@ void InventoryPanel::BuildTotals(Form& form) {
     line->addSpacing(space::kGap);
     return std::pair{value, label};
   };
-  const auto [selected, selectedCaption] = figure(tr("Selected"), "lblSelectedInv");
-  const auto [unlotted, unlottedCaption] = figure(tr("UnLotted"), "lblUnlottedInv");
-  const auto [lotted, lottedCaption] = figure(tr("Lotted"), "lblLottedInv");
-  const auto [total, totalCaption] = figure(tr("Total"), "lblTotalInv");
+  const auto [selected, selectedCaption] = figure(tr("Selected"), "lblInvSelected");
+  const auto [unlotted, unlottedCaption] = figure(tr("UnLotted"), "lblInvUnlotted");
+  const auto [lotted, lottedCaption] = figure(tr("Lotted"), "lblInvLotted");
+  const auto [total, totalCaption] = figure(tr("Total"), "lblInvTotal");
   selected_ = selected;
   unlotted_ = unlotted;
   lotted_ = lotted;
@@ -166,6 +166,16 @@ void InventoryPanel::Begin(ColorKind kind, const std::string& name) {
 void InventoryPanel::Reset() {
   onFile_ = false;
   Take(std::nullopt);
+}
+
+void InventoryPanel::Detach() {
+  if (!work_ || !onFile_) return;
+  onFile_ = false;
+  changed_ = true;
+  work_->removed.clear();
+  work_->rows.front().onFile.qty = 0;
+  for (std::size_t row = 1; row < work_->rows.size(); ++row) work_->rows[row].key.reset();
+  reset_->Show(nullptr, source_->checked);
 }
 
 void InventoryPanel::Refresh(const std::string& name) {

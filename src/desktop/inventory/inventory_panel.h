@@ -35,6 +35,8 @@ class InventoryPanel : public QObject {
   /// The stock as it is on file now, perhaps under a new name, unless it has been changed here. What stands in the
   /// fields stays.
   void Refresh(const std::string& name);
+  /// The colour was deleted elsewhere, and may be saved anew with what is on screen.
+  void Detach();
   /// No colour.
   void Reset();
   /// Units, columns and fields as the settings are now.

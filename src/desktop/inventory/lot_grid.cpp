@@ -1,6 +1,5 @@
 #include "desktop/inventory/lot_grid.h"
 
-#include <QDate>
 #include <QKeyEvent>
 #include <QLocale>
 #include <QStringListModel>
@@ -9,14 +8,10 @@
 #include "core/base/number.h"
 #include "core/base/units.h"
 #include "core/colors/amounts.h"
+#include "desktop/colors/record_fields.h"
 #include "desktop/kit/text.h"
 
 namespace vellumark::desktop {
-
-QString LotDateText(const std::optional<DateTime>& date) {
-  if (!date) return QString::fromUtf8("–");
-  return QLocale().toString(QDate(date->year, date->month, date->day), QLocale::ShortFormat);
-}
 
 QString PriceCaption(int unit) {
   const QString sign = QLocale().currencySymbol();
@@ -100,7 +95,7 @@ std::string LotSource::Text(int row, int column) const {
     case Qty:
       return Fixed(lot.qty, 3);
     case Date:
-      return row == 0 ? std::string() : U8(LotDateText(lot.date));
+      return row == 0 ? std::string() : U8(DateText(lot.date));
     case Price:
       return AmountText(session_, AmountKey::Currency, lot.price);
     case Consign:

@@ -14,8 +14,6 @@ namespace vellumark::desktop {
 
 // What the lists of lots share.
 
-/// A date as the lists show it; a dash for none.
-QString LotDateText(const std::optional<DateTime>& date);
 /// "Price ($/lb.)": the sign of the locale's money and the unit.
 QString PriceCaption(int unit);
 /// "Quantity" and "lb." to "Quantity (lb.)".

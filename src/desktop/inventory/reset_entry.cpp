@@ -5,6 +5,7 @@
 
 #include "core/base/number.h"
 #include "core/colors/amounts.h"
+#include "desktop/colors/record_fields.h"
 #include "desktop/inventory/lot_grid.h"
 #include "desktop/kit/look.h"
 #include "desktop/kit/text.h"
@@ -58,7 +59,7 @@ ResetEntry::ResetEntry(FormHost& host, Form form, QWidget& page, std::function<v
   second->addStretch(1);
   rows->addStretch(1);
   all_ = {all, none, inventory, dateButton_, resetDate, price_, resetPrice_};
-  dateButton_->setText(LotDateText(date_));
+  dateButton_->setText(DateText(date_));
 }
 
 void ResetEntry::Show(InventoryWork* work, std::set<std::size_t>& checked) {
@@ -107,7 +108,7 @@ void ResetEntry::ChooseDate() {
   const auto date = ReadLotDate(chosen->Text("Date"));
   if (!host_.Accepted(date)) return;
   date_ = *date;
-  dateButton_->setText(LotDateText(date_));
+  dateButton_->setText(DateText(date_));
 }
 
 void ResetEntry::PriceChosen(int index) {

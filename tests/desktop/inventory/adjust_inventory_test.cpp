@@ -34,7 +34,7 @@ TEST_F(AdjustInventoryTest, ASmallStockCountByKeyboardAgreesEverywhere) {
       Enter(name(what, i));
       ASSERT_EQ(FocusName(), "AdjustInv");
       TypeOn(std::to_string(i) + ".125");
-      PressOn(Qt::Key_F8);  // unlotted stock
+      PressOn(Qt::Key_F5);  // unlotted stock
       ASSERT_EQ(FocusName(), "AdjustInv");
       // A delivery of three containers, each of 5.
       Keys({"5", "L" + std::to_string(i), "shelf " + std::to_string(i % 3), i % 2 == 0 ? "B10" : "7", "3", "2.5", ""});
@@ -55,12 +55,12 @@ TEST_F(AdjustInventoryTest, ASmallStockCountByKeyboardAgreesEverywhere) {
   PressOn(Qt::Key_Return);
   EXPECT_EQ(FocusName(), "AdjustInv");
   TypeOn("-1.25");
-  PressOn(Qt::Key_F8);
+  PressOn(Qt::Key_F5);
   List().SetCurrentRow(1);
   Fill(*form, "AdjustInv", "-5");
-  PressOn(Qt::Key_F8);
-  EXPECT_EQ(Text("lblLottedInv"), "8.750");
-  EXPECT_EQ(Text("lblTotalInv"), "12.875");
+  PressOn(Qt::Key_F5);
+  EXPECT_EQ(Text("lblInvLotted"), "8.750");
+  EXPECT_EQ(Text("lblInvTotal"), "12.875");
   PressOn(Qt::Key_S, Qt::ControlModifier);
 
   float total = 0;
@@ -69,7 +69,7 @@ TEST_F(AdjustInventoryTest, ASmallStockCountByKeyboardAgreesEverywhere) {
     total += stock.total;
     lots += static_cast<int>(stock.lots.size());
     Enter(stock.Color_Name);
-    EXPECT_EQ(Text("lblTotalInv"), Fixed(stock.total, 3)) << stock.Color_Name;
+    EXPECT_EQ(Text("lblInvTotal"), Fixed(stock.total, 3)) << stock.Color_Name;
     for (const LotRow& lot : stock.lots) EXPECT_EQ(lot.LotPrice, 2.5F);
   }
   EXPECT_EQ(lots, 2 * count * 3 - 1);
@@ -132,7 +132,7 @@ TEST_F(AdjustInventoryTest, WhatIsTypedWrongIsRefusedWhereItStands) {
       TypeOn(text);
     }
     prompt.Expect(c.title, Answer::Ok, c.text);
-    PressOn(Qt::Key_F8);
+    PressOn(Qt::Key_F5);
     EXPECT_EQ(FocusName(), c.focus);
     EXPECT_EQ(Rows(), before);
     prompt.Expect("Cancel Without Saving Changes?", Answer::Yes, "Cancel without saving changes?");
@@ -175,15 +175,15 @@ TEST_F(AdjustInventoryTest, TheCutoffAndNegativeStockFollowTheSettings) {
   Open();
   Enter("RED");
   Keys({"-2.9"});
-  PressOn(Qt::Key_F8);
+  PressOn(Qt::Key_F5);
   EXPECT_EQ(Row(0).substr(0, 19), "Unlotted Inv.|||0.0");  // at or below 0.5 counts as nothing
   prompt.Expect("Cancel Without Saving Changes?", Answer::Yes);
   Click(*form, "cmdCancel");
   NegativeAllowed();
   Enter("RED");
   TypeOn("-5");
-  PressOn(Qt::Key_F8);
-  EXPECT_EQ(Text("lblUnlottedInv"), "-2.000");
+  PressOn(Qt::Key_F5);
+  EXPECT_EQ(Text("lblInvUnlotted"), "-2.000");
   PressOn(Qt::Key_S, Qt::ControlModifier);
   EXPECT_EQ(Inventory(ColorKind::Basic, "RED").Single(), -2.0F);
 }
@@ -211,7 +211,7 @@ TEST_F(AdjustInventoryTest, ANameThatBothKindsBearIsAskedAbout) {
       "Basic.";
   prompt.Expect(kPad25 + " Adjust Inventory", Answer::Yes, text);
   Enter("RED");
-  EXPECT_EQ(Text("lblTotalInv"), "8.000");
+  EXPECT_EQ(Text("lblInvTotal"), "8.000");
   EXPECT_EQ(Text("lblKind"), "Master Formula");
   Fill(*form, "txtInvNote", "checked");
   Click(*form, "chkRecycle");
@@ -219,7 +219,7 @@ TEST_F(AdjustInventoryTest, ANameThatBothKindsBearIsAskedAbout) {
   EXPECT_EQ(ReadMix(session, "RED")->Inv_Note, "checked");
   prompt.Expect(kPad25 + " Adjust Inventory", Answer::No, text);
   Enter("RED");
-  EXPECT_EQ(Text("lblTotalInv"), "3.000");
+  EXPECT_EQ(Text("lblInvTotal"), "3.000");
   EXPECT_EQ(ReadBasic(session, "RED")->Inv_Note, "");
 }
 
@@ -238,14 +238,14 @@ TEST_F(AdjustInventoryTest, LargeCountsAreConfirmedAndPricesChosen) {
   Fill(*form, "cmbLotNum", "BIG");
   Fill(*form, "cmbContCount", "101");
   prompt.Expect("      Large Unit Count Confirmation", Answer::No, "Use 101 for the Unit Count?");
-  PressOn(Qt::Key_F8);
+  PressOn(Qt::Key_F5);
   EXPECT_EQ(FocusName(), "cmbContCount");
   EXPECT_EQ(Text("cmbContCount"), "");
   TypeOn("101");
   prompt.Expect("      Large Unit Count Confirmation", Answer::Yes);
-  PressOn(Qt::Key_F8);
+  PressOn(Qt::Key_F5);
   EXPECT_EQ(List().ShownRows().size(), 102U);
-  EXPECT_EQ(Text("lblLottedInv"), "202.000");
+  EXPECT_EQ(Text("lblInvLotted"), "202.000");
 }
 
 TEST_F(AdjustInventoryTest, DatesOfLotsComeFromTheCalendarUnlessABatchGaveThem) {
@@ -271,7 +271,7 @@ TEST_F(AdjustInventoryTest, DatesOfLotsComeFromTheCalendarUnlessABatchGaveThem) 
   ShowActive(*form);
   EXPECT_NE(Text("lblDate"), before);
   Fill(*form, "AdjustInv", "1");
-  PressOn(Qt::Key_F8);
+  PressOn(Qt::Key_F5);
   PressOn(Qt::Key_S, Qt::ControlModifier);
   EXPECT_EQ(GetLotDate_Mix(session, "PINK", 1), "2026-01-16");
   EXPECT_EQ(GetLotDate_Mix(session, "PINK", 2), "2026-01-15");
@@ -291,18 +291,18 @@ TEST_F(AdjustInventoryTest, AnotherWindowsSaveIsShownAndNothingTypedIsLost) {
   Open();
   Enter("RED");
   elsewhere(10);
-  EXPECT_EQ(Text("lblTotalInv"), "18.000");
+  EXPECT_EQ(Text("lblInvTotal"), "18.000");
   // What stands in the fields stays, and so does the selected lot.
   List().SetCurrentRow(1);
   Fill(*form, "AdjustInv", "7");
   elsewhere(1);
   EXPECT_EQ(Text("AdjustInv"), "7.000");
   EXPECT_EQ(List().CurrentRow(), 1);
-  EXPECT_EQ(Text("lblTotalInv"), "19.000");
+  EXPECT_EQ(Text("lblInvTotal"), "19.000");
   // A list with a change of its own is kept until it is saved.
-  PressOn(Qt::Key_F8);
+  PressOn(Qt::Key_F5);
   elsewhere(1);
-  EXPECT_EQ(Text("lblTotalInv"), "26.000");
+  EXPECT_EQ(Text("lblInvTotal"), "26.000");
   EXPECT_TRUE(form->InEdit());
   PressOn(Qt::Key_S, Qt::ControlModifier);
   EXPECT_EQ(LotQty(ColorKind::Basic, "RED", 1).Single(), 12.0F);
@@ -353,8 +353,8 @@ TEST_F(AdjustInventoryTest, FiftyThousandLotsStayUsable) {
   List().ClickCaption(4, false);
   List().SetCurrentRow(40000);
   Fill(*form, "AdjustInv", "2");
-  PressOn(Qt::Key_F8);
-  EXPECT_EQ(Text("lblLottedInv"), "50002.000");
+  PressOn(Qt::Key_F5);
+  EXPECT_EQ(Text("lblInvLotted"), "50002.000");
   EXPECT_LT(work.Ms(), 2500 * kSlower);
 }
 
@@ -364,7 +364,7 @@ TEST_F(AdjustInventoryTest, TheSettingsNeedTheRightAndRelabelTheWindow) {
   auto& tabs = Control<QTabWidget>(*form, "Inventory_TabStrip");
   Enter("RED");
   TypeOn("1");
-  PressOn(Qt::Key_F8);
+  PressOn(Qt::Key_F5);
   prompt.Expect(
       "Update Inventory Settings", Answer::Ok,
       "A Manual inventory transaction is in process.\nSave or Clear data before changing inventory settings.");
@@ -405,7 +405,7 @@ TEST_F(AdjustInventoryTest, TheSettingsNeedTheRightAndRelabelTheWindow) {
   EXPECT_FALSE(List().isVisible());
   EXPECT_FALSE(Control(*form, "cmbLotNum").isVisible());
   Keys({"5"});  // the last field there is
-  EXPECT_EQ(Text("lblTotalInv"), "9.000");
+  EXPECT_EQ(Text("lblInvTotal"), "9.000");
   Picture(*form, "inventory-unlotted");
 }
 
@@ -418,7 +418,7 @@ TEST_F(AdjustInventoryTest, ClosingAsksAndLowStockIsMarked) {
   Fill(*form, "AdjustInv", "1");
   prompt.Expect("Inventory - Save Information?", Answer::Cancel, "Save changes before closing?");
   EXPECT_FALSE(form->Leave());
-  PressOn(Qt::Key_F8);
+  PressOn(Qt::Key_F5);
   prompt.Expect("Inventory - Save Information?", Answer::Yes, "Save changes before closing?");
   EXPECT_TRUE(form->Leave());
   EXPECT_EQ(Inventory(ColorKind::Basic, "RED").Single(), 4.0F);
@@ -497,7 +497,7 @@ TEST_F(AdjustInventoryTest, CheckedRowsAreResetAtOnce) {
   EXPECT_EQ(Inventory(ColorKind::Mix, "PINK").Single(), 0.0F);
   EXPECT_TRUE(LotQty(ColorKind::Mix, "PINK", 1).IsNull());
   windows.DeliverChanges();
-  EXPECT_EQ(Text("lblTotalInv"), "10.000");
+  EXPECT_EQ(Text("lblInvTotal"), "10.000");
   EXPECT_FALSE(form->InEdit());
 }
 
@@ -509,11 +509,11 @@ TEST_F(AdjustInventoryTest, TheHistoryTellsWhyThereIsWhatThereIs) {
   Enter("RED");
   Fill(*form, "txtReason", "Count of March");
   Fill(*form, "AdjustInv", "2");
-  PressOn(Qt::Key_F8);
+  PressOn(Qt::Key_F5);
   PressOn(Qt::Key_S, Qt::ControlModifier);
   Enter("BLUE");
   TypeOn("6");
-  PressOn(Qt::Key_F8);
+  PressOn(Qt::Key_F5);
   PressOn(Qt::Key_S, Qt::ControlModifier);
   Enter("RED");
   PressOn(Qt::Key_F7);

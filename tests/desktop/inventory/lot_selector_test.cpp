@@ -106,7 +106,7 @@ TEST_F(LotSelectorTest, AQuantityIsAdjustedAndTheRestWrittenOff) {
         Fill(dialog, "AdjustInv", "-");
         Click(dialog, "cmdUpdate");
         Fill(dialog, "AdjustInv", "-1");
-        PressOn(Qt::Key_F8);
+        PressOn(Qt::Key_F5);
         EXPECT_EQ(Used(1), "2.000");
         EXPECT_EQ(Value("QtyConsumed"), "8.000");
         list->SetCurrentRow(1);

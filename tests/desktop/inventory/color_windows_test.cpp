@@ -1,0 +1,120 @@
+// The stock of a colour in the colour's own window.
+
+#include <gtest/gtest.h>
+
+#include <QTabWidget>
+
+#include "core/colors/basics.h"
+#include "core/colors/formulas.h"
+#include "core/inventory/adjust.h"
+#include "desktop/inventory/inventory_desk.h"
+
+namespace vellumark::test {
+namespace {
+
+struct ColorWindowsTest : testing::Test, InventoryDesk {
+  void OpenStock(const char* window, const char* tabs, const std::string& name) {
+    form = windows.OpenForm(window, {{"FindRecord", name}});
+    ShowActive(*form);
+    auto& pages = Control<QTabWidget>(*form, tabs);
+    for (int i = 0; i < pages.count(); ++i)
+      if (pages.widget(i)->objectName() == "TabInventory") pages.setCurrentIndex(i);
+  }
+};
+
+TEST_F(ColorWindowsTest, WhatOneWindowSavesTheOthersShow) {
+  Color(ColorKind::Basic, "RED", 3);
+  Lot(ColorKind::Basic, "RED", 1, 5);
+  Open();
+  Enter("RED");
+  desktop::Window* inventory = form;
+  OpenStock("BasicColorsForm", "TabBasic", "RED");
+  desktop::Window* colors = form;
+  Fill(*colors, "AdjustInv", "4");
+  PressOn(Qt::Key_F5);
+  EXPECT_EQ(Text("lblInvTotal"), "12.000");
+  EXPECT_TRUE(colors->InEdit());
+  Picture(*colors, "inventory-basic-colors");
+  PressOn(Qt::Key_S, Qt::ControlModifier);
+  windows.DeliverChanges();
+  form = inventory;
+  EXPECT_EQ(Text("lblInvTotal"), "12.000");
+
+  // Both work on it now: what is saved here is not shown there before that list is saved or given up.
+  OpenStock("BasicColorsForm", "TabBasic", "RED");
+  Fill(*colors, "AdjustInv", "-1");
+  PressOn(Qt::Key_F5);
+  ShowActive(*inventory);
+  form = inventory;
+  Fill(*form, "AdjustInv", "10");
+  PressOn(Qt::Key_F5);
+  Fill(*form, "txtInvNote", "counted");
+  PressOn(Qt::Key_S, Qt::ControlModifier);
+  windows.DeliverChanges();
+  form = colors;
+  EXPECT_EQ(Text("lblInvTotal"), "11.000");
+  prompt.Expect("Cancel Without Saving Changes?", Answer::Yes);
+  ShowActive(*colors);
+  Click(*colors, "cmdCancel");
+  OpenStock("BasicColorsForm", "TabBasic", "RED");
+  EXPECT_EQ(Text("lblInvTotal"), "22.000");
+  EXPECT_EQ(ReadBasic(session, "RED")->Inv_Note, "counted");
+}
+
+TEST_F(ColorWindowsTest, AColorIsSavedWithItsStockOrNotAtAll) {
+  Color(ColorKind::Basic, "RED", 3);
+  OpenStock("BasicColorsForm", "TabBasic", "RED");
+  Fill(*form, "AdjustInv", "5");
+  prompt.Expect("Inventory Calculation", Answer::Yes,
+                "Unfinished inventory calculation.\nWould you like to complete the work?");
+  PressOn(Qt::Key_S, Qt::ControlModifier);
+  EXPECT_EQ(FocusName(), "AdjustInv");
+  Fill(*form, "cmbLotNum", "L7");
+  PressOn(Qt::Key_F5);
+  Control<QTabWidget>(*form, "TabBasic").setCurrentIndex(0);
+  Control(*form, "txtReorder").setFocus(Qt::TabFocusReason);
+  PressOn(Qt::Key_A, Qt::ControlModifier);
+  TypeOn("-1");
+  prompt.Expect(std::string(30, ' ') + "Invalid Reorder");
+  PressOn(Qt::Key_S, Qt::ControlModifier);
+  EXPECT_TRUE(LotsOf(session, ColorKind::Basic, "RED").empty());
+  TypeOn("2");
+  PressOn(Qt::Key_S, Qt::ControlModifier);
+  ASSERT_EQ(LotsOf(session, ColorKind::Basic, "RED").size(), 1U);
+  EXPECT_EQ(LotsOf(session, ColorKind::Basic, "RED")[0].LotNumber, "L7");
+  EXPECT_EQ(ReadBasic(session, "RED")->Reorder, 2.0F);
+}
+
+TEST_F(ColorWindowsTest, ANewColorBeginsWithItsStock) {
+  form = windows.OpenForm("BasicColorsForm");
+  ShowActive(*form);
+  prompt.Expect("Basics / Additives - New Item", Answer::Yes);
+  Enter("GREEN");
+  Control<QTabWidget>(*form, "TabBasic").setCurrentIndex(1);
+  Fill(*form, "AdjustInv", "6");
+  PressOn(Qt::Key_F5);
+  Fill(*form, "AdjustInv", "4");
+  Fill(*form, "cmbLotNum", "FIRST");
+  PressOn(Qt::Key_F5);
+  PressOn(Qt::Key_S, Qt::ControlModifier);
+  EXPECT_EQ(Inventory(ColorKind::Basic, "GREEN").Single(), 6.0F);
+  EXPECT_EQ(LotQty(ColorKind::Basic, "GREEN", 1).Single(), 4.0F);
+}
+
+TEST_F(ColorWindowsTest, AFormulaKeepsItsStockInItsWindowToo) {
+  Basic("RED");
+  Mix("PINK", {{"RED", 100}}, {{"Inventory", 3.0F}, {"BasicCost", 2.0F}, {"PurchaseCost", 4.0F}});
+  Lot(ColorKind::Mix, "PINK", 1, 5);
+  OpenStock("MixColorsForm", "TabMix", "PINK");
+  EXPECT_EQ(Text("lblInvTotal"), "8.000");
+  Fill(*form, "AdjustInv", "2");
+  PressOn(Qt::Key_F5);
+  Picture(*form, "inventory-mix-colors");
+  PressOn(Qt::Key_S, Qt::ControlModifier);
+  EXPECT_EQ(Inventory(ColorKind::Mix, "PINK").Single(), 5.0F);
+  EXPECT_EQ(Scalar("SELECT Color_Set FROM INK_Mix").Text(), "<RED>");
+  EXPECT_FALSE(form->InEdit());
+}
+
+}  // namespace
+}  // namespace vellumark::test
