@@ -112,7 +112,8 @@ double PartOf(std::size_t done, std::size_t all) {
   return 100.0 * static_cast<double>(done) / static_cast<double>(std::max<std::size_t>(all, 1));
 }
 
-bool RenameInFormulas(Session& session, Transaction& transaction, const std::vector<Renaming>& names, const GoOn& goOn) {
+bool RenameInFormulas(Session& session, Transaction& transaction, const std::vector<Renaming>& names,
+                      const GoOn& goOn) {
   const NameMap map = MapOf(names);
   const std::vector<std::int64_t> users = FormulasToRename(session, names, map);
   RecipeWriter writer(session);
