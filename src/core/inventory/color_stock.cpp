@@ -159,6 +159,17 @@ InventoryWork NewInventory(const Session& session, ColorKind kind, std::string n
   return work;
 }
 
+void TakeTypedCosts(const Session& session, InventoryWork& work, std::string_view purchaseCost,
+                    std::string_view basicCost) {
+  const auto cost = [&](std::string_view typed) {
+    return ReadAmount(session, AmountKey::Currency, typed, "PurchaseCost").value_or(0.0F);
+  };
+  work.purchaseCost = cost(purchaseCost);
+  work.basicCost = cost(basicCost);
+  work.rows.front().now.price = work.UnitCost();
+  work.rows.front().onFile.price = work.UnitCost();
+}
+
 Result<void> CheckInventorySettings(const Session& session, bool entering) {
   constexpr std::string_view kTitle = "Update Inventory Settings";
   if (!Allows(session, CommandRight::Options))

@@ -55,6 +55,9 @@ Result<void> SaveWithStock(Session& session, const std::function<Result<void>()>
 
 /// A colour that is being entered: nothing but an empty first row.
 InventoryWork NewInventory(const Session& session, ColorKind kind, std::string name);
+/// The costs of a colour that is being entered, as they stand in its fields; one that is no cost yet counts as nothing.
+void TakeTypedCosts(const Session& session, InventoryWork& work, std::string_view purchaseCost,
+                    std::string_view basicCost);
 
 /// Whether the settings of the inventory may be changed here: the right, and no stock that is being entered.
 Result<void> CheckInventorySettings(const Session& session, bool entering);

@@ -110,6 +110,7 @@ void BasicColorsForm::Listen() {
   });
   HintAtPantone(*name_, session);
   connect(additive_, &QCheckBox::clicked, this, &BasicColorsForm::AdditiveClicked);
+  connect(cost_, &QLineEdit::textChanged, this, [this] { inventory_->TakeCosts(cost_->Text()); });
   connect(inventory_, &InventoryPanel::Changed, this, [this] { Changed(); });
   connect(measurements_, &MeasurementsPanel::Changed, this, [this] { Changed(); });
   OnActivation(*this, [this] {

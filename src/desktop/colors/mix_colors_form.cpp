@@ -71,12 +71,24 @@ void MixColorsForm::BuildHead(Form& form) {
 }
 
 void MixColorsForm::BuildFormulaPage(Form page) {
+  auto* body = new QWidget;
+  page.Wide(body, 1);
+  QHBoxLayout* sides = Across(body);
+  sides->setSpacing(2 * space::kGap);
+  auto* column = new QVBoxLayout;
+  column->setSpacing(0);
+  sides->addLayout(column, 1);
   auto* tools = new QWidget;
+  auto* left = new QWidget;
+  auto* right = new QWidget;
+  column->addWidget(tools);
+  column->addWidget(left, 1);
+  sides->addWidget(right);
+
   QHBoxLayout* across = Across(tools);
   allowEditing_ = page.Check("AllowEditing", tr("&Edit Formula"));
   allowEditing_->DoNotTrack();
   clearBatch_ = page.Hint(tr("Clear Batch to allow editing"), "lblClearBatch");
-  clearBatch_->hide();
   adjust_ = page.Button("cmdAutoAdjust", tr("Adjust Ing. by Percent"), Qt::Key_F9);
   modified_ = page.Button("cmdModified", tr("Modified Formula"));
   across->addWidget(allowEditing_);
@@ -84,21 +96,9 @@ void MixColorsForm::BuildFormulaPage(Form page) {
   across->addStretch(1);
   across->addWidget(adjust_);
   across->addWidget(modified_);
-
-  auto* body = new QWidget;
-  QHBoxLayout* sides = Across(body);
-  sides->setSpacing(2 * space::kGap);
-  auto* left = new QWidget;
-  auto* right = new QWidget;
+  clearBatch_->hide();
   ingredients_ = new IngredientsPanel(*this, Form(*this, *left));
   sets_ = new AdditiveSetPanel(*this, Form(*this, *right));
-  auto* column = new QVBoxLayout;
-  column->setSpacing(0);
-  column->addWidget(tools);
-  column->addWidget(left, 1);
-  sides->addLayout(column, 1);
-  sides->addWidget(right);
-  page.Wide(body, 1);
 }
 
 void MixColorsForm::BuildButtons(Form& form) {
@@ -128,6 +128,9 @@ void MixColorsForm::Listen() {
     sets_->New().Empty();
     sets_->ShowChosen();
     FocusField("lstAdditiveSets");
+  });
+  connect(tabs_, &QTabWidget::currentChanged, this, [this] {
+    if (work_ && work_->rowId == 0) inventory_->TakeCosts(ReadFields().PurchaseCost, ingredients_->Totals().BasicCost);
   });
   connect(inventory_, &InventoryPanel::Changed, this, [this] { Changed(); });
   connect(measurements_, &MeasurementsPanel::Changed, this, [this] { Changed(); });

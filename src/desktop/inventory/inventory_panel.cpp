@@ -168,6 +168,13 @@ void InventoryPanel::Reset() {
   Take(std::nullopt);
 }
 
+void InventoryPanel::TakeCosts(std::string_view purchaseCost, std::string_view basicCost) {
+  if (!work_ || onFile_) return;
+  TakeTypedCosts(host_.session, *work_, purchaseCost, basicCost);
+  list_->Refresh();
+  if (!entry_->IsTouched()) RowChosen(list_->CurrentRow());
+}
+
 void InventoryPanel::Detach() {
   if (!work_ || !onFile_) return;
   onFile_ = false;

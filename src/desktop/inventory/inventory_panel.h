@@ -32,6 +32,8 @@ class InventoryPanel : public QObject {
   void Load(ColorKind kind, const std::string& name);
   /// A colour that is being entered has an empty first row.
   void Begin(ColorKind kind, const std::string& name);
+  /// The costs of such a colour, which new lots take, as they are typed elsewhere in the window.
+  void TakeCosts(std::string_view purchaseCost, std::string_view basicCost = {});
   /// The stock as it is on file now, perhaps under a new name, unless it has been changed here. What stands in the
   /// fields stays.
   void Refresh(const std::string& name);

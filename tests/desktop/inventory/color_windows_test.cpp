@@ -90,6 +90,7 @@ TEST_F(ColorWindowsTest, ANewColorBeginsWithItsStock) {
   ShowActive(*form);
   prompt.Expect("Basics / Additives - New Item", Answer::Yes);
   Enter("GREEN");
+  Fill(*form, "txtPurchaseCost", "7.25");
   Control<QTabWidget>(*form, "TabBasic").setCurrentIndex(1);
   Fill(*form, "AdjustInv", "6");
   PressOn(Qt::Key_F5);
@@ -99,6 +100,7 @@ TEST_F(ColorWindowsTest, ANewColorBeginsWithItsStock) {
   PressOn(Qt::Key_S, Qt::ControlModifier);
   EXPECT_EQ(Inventory(ColorKind::Basic, "GREEN").Single(), 6.0F);
   EXPECT_EQ(LotQty(ColorKind::Basic, "GREEN", 1).Single(), 4.0F);
+  EXPECT_EQ(LotsOf(session, ColorKind::Basic, "GREEN")[0].LotPrice, 7.25F) << "what the color costs";
 }
 
 TEST_F(ColorWindowsTest, AFormulaKeepsItsStockInItsWindowToo) {
