@@ -8,6 +8,7 @@
 #include "core/settings/settings_keys.h"
 #include "desktop/colors/register.h"
 #include "desktop/datafile/register.h"
+#include "desktop/inventory/register.h"
 #include "desktop/kit/wait_progress.h"
 #include "desktop/session/register.h"
 #include "desktop/settings/register.h"
@@ -36,6 +37,7 @@ void StartOurs(benchmark::State& state) {
     desktop::RegisterSettingsWindows(windows);
     desktop::RegisterColorsWindows(windows);
     desktop::RegisterToolsWindows(windows);
+    desktop::RegisterInventoryWindows(windows);
     desktop::RegisterDatafileWindows(windows, program.Windows());
     program.Windows().SkipSplash();
     StartOptions options;
