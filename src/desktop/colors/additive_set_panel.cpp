@@ -82,6 +82,7 @@ class SetDetail : public QWidget {
 AdditiveSetPanel::AdditiveSetPanel(FormHost& host, Form form) : QObject(&host.Self()), host_(host) {
   pages_ = new QStackedWidget;
   pages_->setMinimumWidth(kPanelWidth);
+  form.Wide(pages_, 1);
   const auto page = [&](const char* name) {
     auto* part = new QWidget;
     part->setObjectName(name);
@@ -91,7 +92,6 @@ AdditiveSetPanel::AdditiveSetPanel(FormHost& host, Form form) : QObject(&host.Se
   BuildChosen(page("FrameAdditiveSet"));
   BuildView(page("FrameViewSetDetail"));
   new_ = new NewAdditiveSetPanel(host, page("FrameCreateNewAddSet"));
-  form.Wide(pages_, 1);
   Refresh();
 }
 

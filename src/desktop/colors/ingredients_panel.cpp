@@ -28,7 +28,11 @@ QString FieldName(const char* word, std::size_t row) {
 }  // namespace
 
 IngredientsPanel::IngredientsPanel(FormHost& host, Form form) : QObject(&host.Self()), host_(host) {
+  // Everything is put into its place before it is filled: what moves into another parent is styled anew with all that
+  // it holds.
   auto* box = new QWidget;
+  form.Wide(box);
+  form.Stretch();
   auto* grid = new QGridLayout(box);
   grid->setContentsMargins(0, 0, 0, 0);
   grid->setHorizontalSpacing(space::kUnit);
@@ -43,8 +47,6 @@ IngredientsPanel::IngredientsPanel(FormHost& host, Form form) : QObject(&host.Se
   grid->setColumnMinimumWidth(kSpaceBehind, space::kUnit);
   for (std::size_t row = 0; row < lines_.size(); ++row) BuildLine(form, *grid, row);
   BuildTotals(form, *grid);
-  form.Wide(box);
-  form.Stretch();
   SetEditable(false);
 }
 
@@ -83,6 +85,7 @@ void IngredientsPanel::BuildTotals(Form& form, QGridLayout& grid) {
   grid.addWidget(parts_, kLeftLines, kColumnsOfLine + kParts);
 
   auto* totals = new QWidget;
+  grid.addWidget(totals, kLeftLines + 1, 0, 1, 2 * kColumnsOfLine - 1);
   auto* line = new QHBoxLayout(totals);
   line->setContentsMargins(0, space::kUnit, 0, 0);
   line->setSpacing(space::kUnit);
@@ -103,7 +106,6 @@ void IngredientsPanel::BuildTotals(Form& form, QGridLayout& grid) {
   voc_ = total("lblVOCBasics", tr("VOC"), true);
   hap_ = total("lblHAPBasics", tr("HAP"), true);
   line->addStretch(1);
-  grid.addWidget(totals, kLeftLines + 1, 0, 1, 2 * kColumnsOfLine - 1);
 }
 
 // ---- Showing

@@ -17,23 +17,17 @@ constexpr std::size_t kListed = 200;
 }  // namespace
 
 NameBox::NameBox(const QString& name, const Session& session, NameSource source)
-    : TextField(name, TextRule::ScannedName(session.NameLength)), session_(session), source_(std::move(source)) {
-  names_ = new QStringListModel(this);
-  completer_ = new QCompleter(names_, this);
-  completer_->setCompletionMode(QCompleter::UnfilteredPopupCompletion);
-  completer_->setWidget(this);
-  completer_->setMaxVisibleItems(12);
-  connect(completer_, qOverload<const QString&>(&QCompleter::activated), this, [this](const QString& picked) {
-    SetText(U8(picked));
-    completed_.clear();
-    Q_EMIT Picked(picked);
-  });
+    : TextField(name, TextRule::ScannedName(session.NameLength)),
+      session_(session),
+      source_(std::move(source)),
+      completer_(nullptr),
+      names_(nullptr) {
   // What the program puts into the box is no completion.
   connect(this, &QLineEdit::textChanged, this, [this](const QString& text) {
     if (!text.startsWith(typed_)) completed_.clear();
   });
   connect(this, &QLineEdit::textEdited, this, [this] {
-    if (completer_->popup()->isVisible()) ShowList();
+    if (completer_ != nullptr && completer_->popup()->isVisible()) ShowList();
   });
   if (source_.list) {
     QAction* open = addAction(Icon("down"), QLineEdit::TrailingPosition);
@@ -93,6 +87,19 @@ bool NameBox::UndoCompletion() {
 
 void NameBox::ShowList() {
   if (isReadOnly()) return Refused();
+  // A window has many such boxes, and few of them ever open their list.
+  if (completer_ == nullptr) {
+    names_ = new QStringListModel(this);
+    completer_ = new QCompleter(names_, this);
+    completer_->setCompletionMode(QCompleter::UnfilteredPopupCompletion);
+    completer_->setWidget(this);
+    completer_->setMaxVisibleItems(12);
+    connect(completer_, qOverload<const QString&>(&QCompleter::activated), this, [this](const QString& picked) {
+      SetText(U8(picked));
+      completed_.clear();
+      Q_EMIT Picked(picked);
+    });
+  }
   const QString typed = completed_.isEmpty() ? text() : typed_;
   QStringList names;
   for (const std::string& name : source_.list(U8(typed), kListed)) names += Q(name);
