@@ -4,6 +4,7 @@
 #include <QCoreApplication>
 
 #include "core/shell/startup.h"
+#include "desktop/batch/register.h"
 #include "desktop/colors/register.h"
 #include "desktop/datafile/register.h"
 #include "desktop/inventory/register.h"
@@ -43,6 +44,7 @@ int main(int argc, char** argv) {
   vellumark::desktop::RegisterColorsWindows(windows);
   vellumark::desktop::RegisterToolsWindows(windows);
   vellumark::desktop::RegisterInventoryWindows(windows);
+  vellumark::desktop::RegisterBatchWindows(windows);
 
   vellumark::desktop::Program program(windows);
   vellumark::desktop::RegisterDatafileWindows(windows, program.Windows());

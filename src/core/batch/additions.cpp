@@ -76,6 +76,26 @@ void ShowAdditions(const Session& session, BatchWork& work) {
   CalculateFigures(session, work);
 }
 
+// The lines up to the first fault.
+struct ReadLines {
+  std::vector<BatchIngredient> added;
+  AdditionFault fault = AdditionFault::None;
+};
+
+ReadLines Read(Session& session, const BatchWork& work, const std::vector<AdditionLine>& lines) {
+  ReadLines read;
+  for (const AdditionLine& line : lines) {
+    const auto name = KnownBasic(session, line.Color_Name);
+    auto addition = name ? ReadBatchIngredient(session, work.UMF, *name) : std::nullopt;
+    const auto amount = ReadAmount(line.amount);
+    read.fault = addition ? FaultOf(work, read.added, addition->IngName, amount) : AdditionFault::InvalidBasic;
+    if (read.fault != AdditionFault::None) break;
+    addition->Amount = static_cast<float>(*amount);
+    read.added.push_back(std::move(*addition));
+  }
+  return read;
+}
+
 }  // namespace
 
 Refusal AdditionRefusal(AdditionFault fault) {
@@ -135,23 +155,12 @@ Result<std::optional<std::string>> ReadAdditionName(Session& session, std::strin
 
 Result<void> AddAdditions(Session& session, BatchWork& work, const std::vector<AdditionLine>& lines) {
   if (auto open = CheckAdditions(work); !open) return open;
-  std::vector<BatchIngredient> added;
+  const ReadLines read = Read(session, work, lines);
+  if (read.fault != AdditionFault::None) return std::unexpected(AdditionRefusal(read.fault));
+  std::vector<BatchIngredient> added = read.added;
   double sum = 0;
-  bool negative = false;
-  for (const AdditionLine& line : lines) {
-    auto addition = [&]() -> std::optional<BatchIngredient> {
-      const auto name = KnownBasic(session, line.Color_Name);
-      return name ? ReadBatchIngredient(session, work.UMF, *name) : std::nullopt;
-    }();
-    const auto amount = ReadAmount(line.amount);
-    const AdditionFault fault =
-        addition ? FaultOf(work, added, addition->IngName, amount) : AdditionFault::InvalidBasic;
-    if (fault != AdditionFault::None) return std::unexpected(AdditionRefusal(fault));
-    addition->Amount = static_cast<float>(*amount);
-    negative = negative || *amount < 0;
-    sum += *amount;
-    added.push_back(std::move(*addition));
-  }
+  for (const BatchIngredient& addition : added) sum += RoundTo(addition.Amount, 3);
+  const bool negative = std::ranges::any_of(added, [](const BatchIngredient& i) { return i.Amount < 0; });
   if (!added.empty() && Thousandths(LeadingNumber(work.TotalText) + sum) <= 0)
     return std::unexpected(AdditionRefusal(AdditionFault::ZeroBatchQty));
   if (work.Rows.size() + added.size() > static_cast<std::size_t>(kMostBatchLines)) return FullBatch();
@@ -159,6 +168,13 @@ Result<void> AddAdditions(Session& session, BatchWork& work, const std::vector<A
   ShowAdditions(session, work);
   if (negative && session.InvLotTracking != 0) WarnOfLots(session);
   return {};
+}
+
+std::optional<std::size_t> FaultyAddition(Session& session, const BatchWork& work,
+                                          const std::vector<AdditionLine>& lines) {
+  const ReadLines read = Read(session, work, lines);
+  if (read.fault == AdditionFault::None) return std::nullopt;
+  return read.added.size();
 }
 
 Result<void> AdjustAddition(Session& session, BatchWork& work, std::size_t row, std::string_view amount) {

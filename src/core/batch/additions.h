@@ -42,6 +42,10 @@ Result<std::optional<std::string>> ReadAdditionName(Session& session, std::strin
 /// Adds all the lines to the Batch, or none: the first fault is refused.
 Result<void> AddAdditions(Session& session, BatchWork& work, const std::vector<AdditionLine>& lines);
 
+/// Which of the lines AddAdditions refuses, for the focus; nothing when the fault is in none of them by itself.
+std::optional<std::size_t> FaultyAddition(Session& session, const BatchWork& work,
+                                          const std::vector<AdditionLine>& lines);
+
 /// Gives an addition row another amount; 0 takes it out and the later ones move up.
 Result<void> AdjustAddition(Session& session, BatchWork& work, std::size_t row, std::string_view amount);
 

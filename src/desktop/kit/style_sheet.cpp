@@ -40,6 +40,8 @@ QPushButton:focus { border: 2px solid @accent; padding: 0 14px; }
 QPushButton:disabled { color: @off; background: @window; border-color: @line; }
 QPushButton[primary="true"]:enabled { background: @accent; color: @onAccent; border-color: @accent; }
 QPushButton[primary="true"]:focus { border: 2px solid @text; }
+QPushButton[outlined="true"]:enabled { border: 2px solid @accent; padding: 0 14px; }
+QPushButton[outlined="true"][primary="true"]:focus { border: 2px solid @text; }
 QPushButton[link="true"] { background: transparent; border-color: transparent; color: @accent; padding: 0 7px;
   min-width: 0; text-align: left; }
 QPushButton[link="true"]:hover, QPushButton[link="true"]:focus { border-color: @accent; }

@@ -1,0 +1,320 @@
+#include "desktop/batch/batch_form.h"
+
+#include <QApplication>
+#include <QDate>
+#include <QKeyEvent>
+#include <QLocale>
+#include <QStyle>
+#include <QTabWidget>
+#include <algorithm>
+
+#include "core/base/text.h"
+#include "core/batch/bench.h"
+#include "desktop/batch/batch_form_took.h"
+#include "desktop/batch/figures_panel.h"
+#include "desktop/batch/job_panel.h"
+#include "desktop/batch/notes_panel.h"
+#include "desktop/batch/recycle_panel.h"
+#include "desktop/batch/rows_panel.h"
+#include "desktop/kit/text.h"
+
+namespace vellumark::desktop {
+namespace {
+
+constexpr const char* kNameField = "cmbColorName";
+constexpr const char* kQuantityField = "txtQuantity";
+
+void SetPrimary(QWidget& button, bool primary) {
+  if (button.property("primary").toBool() == primary) return;
+  button.setProperty("primary", primary);
+  button.style()->unpolish(&button);
+  button.style()->polish(&button);
+  button.update();
+}
+
+Result<bool> HasEnded(const Result<SaveEnd>& end) {
+  if (!end) return std::unexpected(end.error());
+  return *end != SaveEnd::Stays;
+}
+
+/// Remembers that the operator wanted to go back to the lot number.
+class WatchedDialogs final : public BatchDialogs {
+ public:
+  explicit WatchedDialogs(BatchDialogs& inner) : inner_(inner) {}
+  LotReminderAnswer ShowLotNumReminder() override {
+    const LotReminderAnswer answer = inner_.ShowLotNumReminder();
+    toLotNumber = answer.returnToBatch;
+    return answer;
+  }
+  std::optional<ModifiedBatchChoice> ShowSaveModifiedBatch(Session& session, const BatchRecord& record) override {
+    return inner_.ShowSaveModifiedBatch(session, record);
+  }
+  bool toLotNumber = false;
+
+ private:
+  BatchDialogs& inner_;
+};
+
+}  // namespace
+
+// ---- Opening and changes elsewhere
+
+void BatchForm::OnOpen(const Arguments& arguments) {
+  if (arguments.Has("BatchNo")) {
+    const auto number = static_cast<std::int32_t>(arguments.Number("BatchNo"));
+    if (record_.state == BatchState::Edit && record_.BatchNo == number) return;
+    Go([&](BatchDialogs& dialogs) { return FindBatch(session, record_, dialogs, number); });
+  } else if (arguments.Has("Color_Name") && record_.state == BatchState::None) {
+    name_->SetText(arguments.Text("Color_Name"));
+    if (EnterName()) FocusField(kQuantityField);
+  }
+}
+
+void BatchForm::OnChanges(const std::vector<Change>& changes) {
+  if (std::ranges::any_of(changes, [](const Change& change) { return change.kind == Change::Kind::Settings; })) {
+    ReadBatchSettings(session, record_.work);
+    SetButtonAction();
+  }
+  // A cleared window shows the next number and the settings as they are now; a recipe on screen stays as it was worked
+  // out.
+  if (record_.state == BatchState::None && record_.work.Color_Name.empty() && name_->text().isEmpty() &&
+      quantity_->text().isEmpty()) {
+    record_ = NewBatchRecord(session);
+    Show();
+  } else {
+    rows_->Show(record_);
+    Changed();
+  }
+}
+
+void BatchForm::UpdateUserPriviledges() {
+  figures_->Show(record_);
+  Changed();
+}
+
+void BatchForm::changeEvent(QEvent* event) {
+  Window::changeEvent(event);
+  if (event->type() == QEvent::ActivationChange && isActiveWindow() && figures_ != nullptr) UpdateUserPriviledges();
+}
+
+// ---- State
+
+void BatchForm::UpdateEnabled() {
+  const bool open = record_.state != BatchState::None;
+  const bool begun = open || !name_->text().isEmpty() || !quantity_->text().isEmpty();
+  save_->setEnabled(open);
+  hold_->setEnabled(open);
+  cancel_->setEnabled(begun);
+  delete_->setEnabled(record_.state == BatchState::Edit);
+  recent_->setEnabled(windows.Knows("RecentBatchesForm"));
+  settings_->setEnabled(windows.Knows("BatchSettingsForm"));
+  complete_->setVisible(UsesBatchComplete(session));
+  complete_->setEnabled(open);
+  // The accent is on what comes next: the calculation, then the save.
+  CommandButton* action = record_.work.settings.recycleByDefault ? recycle_ : mix_;
+  SetPrimary(*action, IsStale());
+  SetPrimary(action == recycle_ ? *mix_ : *recycle_, false);
+  SetPrimary(*save_, !IsStale());
+  state_->setText(StateText());
+}
+
+QString BatchForm::StateText() const {
+  if (record_.work.QuantityChanged) return tr("The quantity was changed: press Recycle (F2) or Mix (F3)");
+  switch (record_.state) {
+    case BatchState::Add:
+      return tr("New Batch");
+    case BatchState::Edit: {
+      if (!record_.Date_Entered) return tr("Saved Batch");
+      const DateTime& date = *record_.Date_Entered;
+      return tr("Batch of %1").arg(QLocale().toString(QDate(date.year, date.month, date.day), QLocale::ShortFormat));
+    }
+    case BatchState::None:
+      break;
+  }
+  return {};
+}
+
+void BatchForm::Show() {
+  showing_ = true;
+  const BatchWork& work = record_.work;
+  if (!EqualNoCase(name_->Text(), work.Color_Name)) name_->SetText(work.Color_Name);
+  name_->setReadOnly(record_.state == BatchState::Edit);
+  if (quantity_->Text() != work.QuantityText) quantity_->SetText(work.QuantityText);
+  unit_->setCurrentIndex(work.UMF - 1);
+  batchNo_->SetText(BatchNoText(record_.BatchNo));
+  complete_->setChecked(record_.Complete);
+  rows_->Show(record_);
+  recycleList_->Show(work);
+  job_->Show();
+  figures_->Show(record_);
+  notes_->Show();
+  showing_ = false;
+  Changed();
+}
+
+// ---- What is made
+
+bool BatchForm::EnterName() {
+  if (record_.state == BatchState::Edit) return true;
+  const std::string typed = name_->Name();
+  if (typed.empty() || EqualNoCase(typed, record_.work.Color_Name)) {
+    name_->SetText(record_.work.Color_Name);
+    return true;
+  }
+  const Result<void> entered = EnterBatchColor(session, record_, typed);
+  if (!Took(entered)) return false;
+  Show();
+  return true;
+}
+
+void BatchForm::EnterUnit(int index) {
+  if (showing_) return;
+  const Result<void> entered = EnterBatchUnit(session, record_, index + 1);
+  Show();
+  if (Took(entered)) FocusField(kQuantityField);
+}
+
+bool BatchForm::FieldsEntered() {
+  return EnterName() && job_->Enter();
+}
+
+void BatchForm::Calculate(bool recycle) {
+  if (!FieldsEntered()) return;
+  if (record_.work.Color_Name.empty()) {
+    QApplication::beep();
+    FocusField(kNameField);
+    return;
+  }
+  rows_->ShowTitle(tr("Calculating Batch ..."));
+  const Result<bool> done = recycle ? RecycleBatch(session, record_) : MixBatch(session, record_);
+  Show();
+  if (!Took(done)) return;
+  if (!*done) {
+    FocusField(kQuantityField);
+    return;
+  }
+  for (int i = 0; i < record_.work.zeroRows; ++i) QApplication::beep();
+  FocusAfterCalculation();
+}
+
+void BatchForm::FocusAfterCalculation() {
+  // With lots there is something to choose for each row; without, the job comes next.
+  if (session.InvLotTracking != 0) {
+    FocusNextLot(0);
+  } else {
+    FocusField("JobNumber");
+  }
+}
+
+bool BatchForm::eventFilter(QObject* watched, QEvent* event) {
+  if (event->type() != QEvent::KeyPress) return Window::eventFilter(watched, event);
+  const auto& key = *static_cast<QKeyEvent*>(event);
+  const bool enter = key.key() == Qt::Key_Return || key.key() == Qt::Key_Enter;
+  if ((key.modifiers() & ~Qt::KeypadModifier) != 0 || (!enter && key.key() != Qt::Key_Tab)) return false;
+  if (watched == batchNo_ && enter) {
+    FindTyped();
+    return true;
+  }
+  // Tab goes by an empty quantity.
+  if (watched != quantity_ || (!enter && quantity_->text().isEmpty())) return false;
+  CommandButton* action = record_.work.settings.recycleByDefault ? recycle_ : mix_;
+  if (IsStale()) {
+    Calculate(action == recycle_);
+  } else {
+    action->setFocus(Qt::TabFocusReason);
+  }
+  return true;
+}
+
+// ---- Ways out
+
+template <class Act>
+void BatchForm::Go(const Act& act) {
+  if (!FieldsEntered()) return;
+  WatchedDialogs dialogs(dialogs_);
+  const auto gone = act(dialogs);
+  Show();
+  if (!Took(gone)) return;
+  if (!*gone) {
+    if (dialogs.toLotNumber) FocusField("LotNumber");
+    return;
+  }
+  ShowArrived();
+}
+
+void BatchForm::ShowArrived() {
+  name_->SetText(record_.work.Color_Name);
+  tabs_->setCurrentIndex(0);
+  FocusField(record_.state == BatchState::Edit ? kQuantityField : kNameField);
+}
+
+void BatchForm::cmdSave_Click() {
+  Go([this](BatchDialogs& dialogs) -> Result<bool> {
+    return HasEnded(SaveBatch(session, record_, dialogs));
+  });
+}
+
+void BatchForm::cmdSaveAndHold_Click() {
+  Go([this](BatchDialogs& dialogs) -> Result<bool> {
+    return HasEnded(SaveAndHoldBatch(session, record_, dialogs));
+  });
+}
+
+void BatchForm::cmdCancel_Click() {
+  // Whatever was typed is given up, so none of it is checked.
+  const Result<bool> gone = CancelBatch(session, record_);
+  if (gone && *gone) {
+    showing_ = true;
+    name_->SetText("");
+    quantity_->SetText("");
+    showing_ = false;
+  }
+  Show();
+  if (Took(gone) && *gone) ShowArrived();
+}
+
+void BatchForm::cmdNext_Click() {
+  Go([this](BatchDialogs& dialogs) { return NextBatch(session, record_, dialogs); });
+}
+
+void BatchForm::cmdPrevious_Click() {
+  Go([this](BatchDialogs& dialogs) { return PreviousBatch(session, record_, dialogs); });
+}
+
+void BatchForm::cmdDelete_Click() {
+  Go([this](BatchDialogs& dialogs) { return DeleteBatch(session, record_, dialogs); });
+}
+
+void BatchForm::cmdRecent_Click() {
+  const auto chosen = windows.RunDialog("RecentBatchesForm");
+  if (!chosen) return;
+  const auto number = static_cast<std::int32_t>(chosen->Number("BatchNo"));
+  Go([&](BatchDialogs& dialogs) { return FindBatch(session, record_, dialogs, number); });
+}
+
+void BatchForm::FindTyped() {
+  const int number = LeadingInteger(batchNo_->Text());
+  Go([&](BatchDialogs& dialogs) { return FindBatch(session, record_, dialogs, number); });
+}
+
+void BatchForm::cmdSettings_Click() {
+  windows.RunDialog("BatchSettingsForm");
+}
+
+bool BatchForm::MayClose() {
+  if (!FieldsEntered()) return false;
+  try {
+    WatchedDialogs dialogs(dialogs_);
+    const Result<bool> gone = CloseBatch(session, record_, dialogs);
+    if (!gone || !*gone) Show();
+    if (!Took(gone)) return false;
+    if (!*gone && dialogs.toLotNumber) FocusField("LotNumber");
+    return *gone;
+  } catch (const Failure& failure) {
+    // The window stays, and with it the Batch whose ingredients it holds.
+    session.prompt.Tell(failure.subject, failure.cause, vellumark::Icon::Critical);
+    return false;
+  }
+}
+
+}  // namespace vellumark::desktop

@@ -1,0 +1,124 @@
+#pragma once
+
+#include "core/batch/leave.h"
+#include "core/batch/record.h"
+#include "core/batch/store.h"
+#include "desktop/batch/batch_window_dialogs.h"
+#include "desktop/kit/window.h"
+
+class QTabWidget;
+
+namespace vellumark::desktop {
+
+class FiguresPanel;
+class JobPanel;
+class NotesPanel;
+class RecyclePanel;
+class RowsPanel;
+
+/// The Batch Window: a formula and a quantity become the lines that are weighed, recycled ink first. It is cleared,
+/// holds a new Batch, or a saved one. Opened with {"BatchNo", number} it goes to that Batch, with {"Color_Name", name}
+/// it begins one of that formula.
+class BatchForm : public Window {
+  Q_OBJECT
+
+ public:
+  explicit BatchForm(WindowList& windowList);
+
+  void OnOpen(const Arguments& arguments) override;
+  void OnChanges(const std::vector<Change>& changes) override;
+  void UpdateEnabled() override;
+  bool MayClose() override;
+  /// A recipe is on screen: calculated and not saved, or a saved Batch whose ingredients are held back.
+  bool InEdit() const override { return record_.state != BatchState::None; }
+
+  const BatchRecord& Record() const { return record_; }
+  /// What the user may see, after another one has logged in.
+  void UpdateUserPriviledges();
+
+ public Q_SLOTS:
+  void cmdRecycle_Click() { Calculate(true); }
+  void cmdMix_Click() { Calculate(false); }
+  void cmdSave_Click() override;
+  void cmdSaveAndHold_Click();
+  void cmdCancel_Click();
+  void cmdNext_Click();
+  void cmdPrevious_Click();
+  void cmdRecent_Click();
+  void cmdSettings_Click();
+  void cmdDelete_Click() override;
+
+ protected:
+  bool eventFilter(QObject* watched, QEvent* event) override;
+  void changeEvent(QEvent* event) override;
+
+ private:
+  // Building (batch_form_build.cpp)
+  QWidget* BuildHead(Form& form);
+  QWidget* BuildMiddle(Form& form);
+  QWidget* BuildSide(Form& form);
+  QWidget* BuildButtons(Form& form);
+  void Listen();
+  void SetButtonAction();
+
+  // Acts on the rows (batch_form_rows.cpp)
+  void AmountClicked(int row);
+  void AdjustMix(std::size_t row);
+  void AdjustBasic(std::size_t row);
+  void AdjustAddition(std::size_t row);
+  void NameClicked(int row);
+  void LotsClicked(int row);
+  void AddAdditions();
+  void TakeFromList(const std::string& name);
+  /// Saves and clears the Batch, then opens the window of stock on that colour.
+  void SaveThenAdjustInventory(ColorKind kind, const std::string& name);
+  void FocusNextLot(std::size_t from);
+
+  void Calculate(bool recycle);
+  void FocusAfterCalculation();
+  bool EnterName();
+  void EnterUnit(int index);
+  /// Everything that was typed and not left yet; false after a refusal was shown.
+  bool FieldsEntered();
+  /// Shows a refusal. One without a text was told already.
+  template <class T>
+  bool Took(const Result<T>& result);
+  /// Goes to another Batch or none by `act`, a way out of the core.
+  template <class Act>
+  void Go(const Act& act);
+  void FindTyped();
+
+  void Show();
+  void ShowArrived();
+  QString StateText() const;
+  bool IsStale() const { return record_.work.Rows.empty() || record_.work.QuantityChanged; }
+
+  BatchRecord record_;
+  BatchWindowDialogs dialogs_;
+  bool showing_ = false;
+
+  NameBox* name_ = nullptr;
+  NumberField* quantity_ = nullptr;
+  ComboField* unit_ = nullptr;
+  TextField* batchNo_ = nullptr;
+  CommandButton* recycle_ = nullptr;
+  CommandButton* mix_ = nullptr;
+  RowsPanel* rows_ = nullptr;
+  QTabWidget* tabs_ = nullptr;
+  RecyclePanel* recycleList_ = nullptr;
+  FiguresPanel* figures_ = nullptr;
+  NotesPanel* notes_ = nullptr;
+  JobPanel* job_ = nullptr;
+  QLabel* state_ = nullptr;
+  CheckField* complete_ = nullptr;
+  CommandButton* save_ = nullptr;
+  CommandButton* hold_ = nullptr;
+  CommandButton* cancel_ = nullptr;
+  CommandButton* next_ = nullptr;
+  CommandButton* previous_ = nullptr;
+  CommandButton* recent_ = nullptr;
+  CommandButton* settings_ = nullptr;
+  CommandButton* delete_ = nullptr;
+};
+
+}  // namespace vellumark::desktop

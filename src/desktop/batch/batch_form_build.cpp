@@ -1,0 +1,238 @@
+// How the Batch Window is put together.
+
+#include <QApplication>
+#include <QComboBox>
+#include <QGridLayout>
+#include <QScrollArea>
+#include <QShortcut>
+#include <QSplitter>
+#include <QStyle>
+#include <QTabWidget>
+#include <QVBoxLayout>
+
+#include "core/base/units.h"
+#include "core/batch/bench.h"
+#include "core/colors/name_search.h"
+#include "desktop/batch/batch_form.h"
+#include "desktop/batch/figures_panel.h"
+#include "desktop/batch/flow_layout.h"
+#include "desktop/batch/job_panel.h"
+#include "desktop/batch/notes_panel.h"
+#include "desktop/batch/recycle_panel.h"
+#include "desktop/batch/rows_panel.h"
+#include "desktop/kit/icons.h"
+#include "desktop/kit/look.h"
+#include "desktop/kit/text.h"
+
+namespace vellumark::desktop {
+namespace {
+
+constexpr const char* kSplitKey = "split/BatchForm";
+
+QLabel* Caption(const QString& text, QWidget* field) {
+  auto* label = new QLabel(text);
+  label->setProperty("role", "label");
+  label->setBuddy(field);
+  QString plain = text;
+  field->setAccessibleName(plain.remove('&'));
+  return label;
+}
+
+}  // namespace
+
+BatchForm::BatchForm(WindowList& windowList)
+    : Window(windowList, "BatchForm", tr("Batch")), record_(NewBatchRecord(session)), dialogs_(windowList) {
+  setWindowIcon(Icon("Batch"));
+  Form form(*this);
+  form.Wide(BuildHead(form));
+  form.Wide(BuildMiddle(form), 1);
+  form.Wide(BuildButtons(form));
+  SetDefaultButton(save_);
+  Listen();
+  SetButtonAction();
+  Show();
+}
+
+QWidget* BatchForm::BuildHead(Form& form) {
+  const NameSource names{[this](std::string_view typed) { return CompleteName(session, NameKind::Formulas, typed); },
+                         [this](std::string_view typed, std::size_t limit) {
+                           return NamesFrom(session, NameKind::Formulas, typed, limit);
+                         }};
+  name_ = form.Name("cmbColorName", names);
+  name_->Means("Color_Name");
+  name_->setMinimumWidth(200);
+  name_->setMaximumWidth(320);
+  quantity_ = form.Number("txtQuantity", 3, tr("0 to 99999"));
+  QStringList units;
+  for (const int unit : {UnitPound, UnitKilogram, UnitGram, UnitOunce}) units += Q(UnitName(unit));
+  unit_ = form.Combo("cmbUMF", units);
+  recycle_ = form.Button("cmdRecycle", tr("Recycle"), Qt::Key_F2);
+  mix_ = form.Button("cmdMix", tr("Mix"), Qt::Key_F3);
+  batchNo_ = form.Text("txtBatchNo", TextRule::Digits(6));
+  batchNo_->SetWidthInChars(8);
+  batchNo_->setToolTip(tr("Type the number of a Batch and press Enter to go to it"));
+
+  auto* head = new QWidget;
+  auto* grid = new QGridLayout(head);
+  grid->setContentsMargins(0, 0, 0, space::kUnit);
+  grid->setHorizontalSpacing(space::kUnit);
+  grid->setVerticalSpacing(space::kTight);
+  const auto place = [grid](int column, QLabel* caption, QWidget* field) {
+    grid->addWidget(caption, 0, column);
+    grid->addWidget(field, 1, column);
+  };
+  place(0, Caption(tr("&Color name"), name_), name_);
+  place(1, Caption(tr("&Quantity"), quantity_), quantity_);
+  place(2, Caption(tr("Unit"), unit_), unit_);
+  grid->addWidget(recycle_, 1, 3);
+  grid->addWidget(mix_, 1, 4);
+  grid->setColumnStretch(0, 4);
+  grid->setColumnStretch(5, 1);
+  place(6, Caption(tr("Batch ID # (Ctrl+F)"), batchNo_), batchNo_);
+  return head;
+}
+
+QWidget* BatchForm::BuildMiddle(Form& form) {
+  rows_ = new RowsPanel(*this, form);
+  rows_->setMinimumWidth(440);
+  auto* left = new QWidget;
+  auto* inset = new QVBoxLayout(left);
+  inset->setContentsMargins(0, space::kUnit, space::kGap, 0);
+  inset->addWidget(rows_);
+  auto* split = new QSplitter(Qt::Horizontal);
+  split->setObjectName("BatchSplit");
+  split->setChildrenCollapsible(false);
+  split->setHandleWidth(1);
+  split->addWidget(left);
+  split->addWidget(BuildSide(form));
+  split->setStretchFactor(0, 3);
+  split->setStretchFactor(1, 2);
+  split->setSizes({720, 480});
+  split->restoreState(memory::Recall(kSplitKey).toByteArray());
+  connect(split, &QSplitter::splitterMoved, this, [split] { memory::Keep(kSplitKey, split->saveState()); });
+  return split;
+}
+
+QWidget* BatchForm::BuildSide(Form& form) {
+  recycleList_ = new RecyclePanel(*this, form);
+  figures_ = new FiguresPanel(*this);
+  notes_ = new NotesPanel(*this, record_);
+  job_ = new JobPanel(*this, record_);
+  tabs_ = new QTabWidget;
+  tabs_->setObjectName("TabBatch");
+  tabs_->setDocumentMode(true);
+  tabs_->addTab(recycleList_, tr("Recycle List"));
+  tabs_->addTab(figures_, tr("Costs"));
+  tabs_->addTab(notes_, tr("Notes"));
+  tabs_->setMinimumHeight(9 * fontMetrics().lineSpacing());
+  auto* inside = new QWidget;
+  auto* column = new QVBoxLayout(inside);
+  column->setContentsMargins(space::kGap, 0, 0, 0);
+  column->setSpacing(space::kUnit);
+  column->addWidget(tabs_, 1);
+  column->addWidget(job_);
+  auto* scroll = new QScrollArea;
+  scroll->setWidgetResizable(true);
+  scroll->setFrameShape(QFrame::NoFrame);
+  scroll->setFocusPolicy(Qt::NoFocus);
+  scroll->setWidget(inside);
+  scroll->setMinimumWidth(320);
+  inside->setAutoFillBackground(false);
+  scroll->viewport()->setAutoFillBackground(false);
+  return scroll;
+}
+
+QWidget* BatchForm::BuildButtons(Form& form) {
+  complete_ = form.Check("chkComplete", tr("Complete"));
+  state_ = form.Hint({}, "lblState");
+  save_ = form.Button("cmdSave", tr("&Save"));
+  hold_ = form.Button("cmdSaveAndHold", tr("Save and hold"), Qt::CTRL | Qt::SHIFT | Qt::Key_S);
+  cancel_ = form.Button("cmdCancel", tr("Cancel"));
+  next_ = form.Button("cmdNext", tr("Next"), Qt::Key_PageUp);
+  previous_ = form.Button("cmdPrevious", tr("Previous"), Qt::Key_PageDown);
+  recent_ = form.Button("cmdRecent", tr("Recent"), Qt::Key_F4);
+  settings_ = form.Button("cmdSettings", tr("Settings"));
+  delete_ = form.Button("cmdDelete", tr("Delete"));
+  auto* box = new QWidget;
+  auto* flow = new FlowLayout(box);
+  flow->setContentsMargins(0, space::kUnit, 0, 0);
+  for (QWidget* part : std::initializer_list<QWidget*>{state_, complete_, save_, hold_, cancel_, next_, previous_,
+                                                       recent_, settings_, delete_})
+    flow->addWidget(part);
+  QSizePolicy policy = box->sizePolicy();
+  policy.setHeightForWidth(true);
+  box->setSizePolicy(policy);
+  return box;
+}
+
+void BatchForm::Listen() {
+  connect(name_, &TextField::Left, this, [this](QWidget* to) {
+    // A command enters the name itself.
+    if (to != nullptr && isAncestorOf(to) && qobject_cast<QPushButton*>(to) == nullptr) EnterName();
+  });
+  connect(name_, &NameBox::Picked, this, [this] {
+    if (EnterName()) FocusField("txtQuantity");
+  });
+  connect(name_, &NameBox::PantoneTyped, this, [this] {
+    session.prompt.Tell(U8(tr("Hint")), U8(tr("No need to type the word 'PANTONE' for a Pantone Color.\n"
+                                              "Just type the color number and press the Enter key.\n"
+                                              "Vellumark automatically adds the 'PANTONE' prefix.")));
+  });
+  connect(quantity_, &QLineEdit::textChanged, this, [this] {
+    if (showing_) return;
+    SetQuantityText(record_.work, quantity_->Text());
+    Changed();
+  });
+  quantity_->installEventFilter(this);
+  batchNo_->installEventFilter(this);
+  unit_->OnChosen([this](int index) { EnterUnit(index); });
+  auto* find = new QShortcut(QKeySequence::Find, this, nullptr, nullptr, Qt::WidgetWithChildrenShortcut);
+  connect(find, &QShortcut::activated, this, [this] { FocusField("txtBatchNo"); });
+  connect(complete_, &QCheckBox::clicked, this, [this](bool checked) {
+    record_.Complete = checked;
+    Changed();
+  });
+  connect(rows_, &RowsPanel::AmountClicked, this, &BatchForm::AmountClicked);
+  connect(rows_, &RowsPanel::NameClicked, this, &BatchForm::NameClicked);
+  connect(rows_, &RowsPanel::LotsClicked, this, &BatchForm::LotsClicked);
+  connect(rows_, &RowsPanel::AdditionsClicked, this, &BatchForm::AddAdditions);
+  connect(rows_, &RowsPanel::ModifiedClicked, this, [this] {
+    if (windows.Knows("CompareFormulasForm"))
+      windows.RunDialog("CompareFormulasForm", {{"Color_Name", record_.work.Color_Name}});
+  });
+  connect(recycleList_, &RecyclePanel::Taken, this, &BatchForm::TakeFromList);
+  connect(recycleList_, &RecyclePanel::ViewChanged, this, [this] { recycleList_->Show(record_.work); });
+  connect(job_, &JobPanel::Edited, this, [this] { Changed(); });
+  connect(job_, &JobPanel::SplitClicked, this, [this] {
+    if (!FieldsEntered()) return;
+    windows.RunDialog("JobItemsForm", {{"Record", &record_}});
+    Show();
+    FocusField("JobNumber");
+  });
+  const auto beside = [this](const char* window) {
+    if (!FieldsEntered()) return;
+    windows.RunDialog(window, {{"Record", &record_}});
+    Show();
+  };
+  connect(figures_, &FiguresPanel::CostsClicked, this, [beside] { beside("CostInfForm"); });
+  connect(figures_, &FiguresPanel::EmissionsClicked, this, [beside] { beside("VOC_HAP_CalcForm"); });
+  connect(notes_, &NotesPanel::MoreDataClicked, this, [beside] { beside("MoreDataForm"); });
+}
+
+// The action that Enter and Tab behind the quantity mean has the outline, and comes first behind it.
+void BatchForm::SetButtonAction() {
+  const bool isRecycle = record_.work.settings.recycleByDefault;
+  CommandButton* first = isRecycle ? recycle_ : mix_;
+  CommandButton* second = isRecycle ? mix_ : recycle_;
+  for (CommandButton* button : {first, second}) {
+    button->setProperty("outlined", button == first);
+    button->style()->unpolish(button);
+    button->style()->polish(button);
+  }
+  setTabOrder(name_, quantity_);
+  setTabOrder(quantity_, first);
+  setTabOrder(first, second);
+  setTabOrder(second, unit_);
+}
+
+}  // namespace vellumark::desktop

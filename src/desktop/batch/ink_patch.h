@@ -1,0 +1,30 @@
+#pragma once
+
+#include <QColor>
+#include <QWidget>
+#include <optional>
+
+#include "core/batch/ink.h"
+
+namespace vellumark::desktop {
+
+inline QColor ColorOf(const Ink& ink) {
+  return {ink.Red, ink.Green, ink.Blue};
+}
+
+/// A small patch of ink beside a name; its place stays empty while the colour has no swatch.
+class InkPatch : public QWidget {
+  Q_OBJECT
+
+ public:
+  InkPatch(const QString& name, int size);
+  void Show(const std::optional<Ink>& ink);
+
+ protected:
+  void paintEvent(QPaintEvent* event) override;
+
+ private:
+  std::optional<Ink> ink_;
+};
+
+}  // namespace vellumark::desktop

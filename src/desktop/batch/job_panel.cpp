@@ -1,0 +1,158 @@
+#include "desktop/batch/job_panel.h"
+
+#include <QGridLayout>
+#include <QHBoxLayout>
+#include <QKeyEvent>
+
+#include "core/base/text.h"
+#include "core/base/units.h"
+#include "core/batch/jobs.h"
+#include "desktop/batch/cell_button.h"
+#include "desktop/kit/look.h"
+#include "desktop/kit/text.h"
+
+namespace vellumark::desktop {
+namespace {
+
+constexpr int kTextLength = 30;  // of job numbers, lots and notes on file
+
+/// Commands read the fields themselves before they do anything.
+bool IsCommand(const QWidget* widget) {
+  return qobject_cast<const QPushButton*>(widget) != nullptr;
+}
+
+bool Changes(const QKeyEvent& key) {
+  const bool typed = !key.text().isEmpty() && key.text().front().isPrint() &&
+                     (key.modifiers() & (Qt::ControlModifier | Qt::AltModifier)) == 0;
+  return typed || key.key() == Qt::Key_Backspace || key.key() == Qt::Key_Delete || key.matches(QKeySequence::Paste) ||
+         key.matches(QKeySequence::Cut);
+}
+
+}  // namespace
+
+JobPanel::JobPanel(FormHost& host, BatchRecord& record) : host_(host), record_(record) {
+  setObjectName("JobPanel");
+  Build(Form(host, *this));
+  Listen();
+}
+
+void JobPanel::Build(Form form) {
+  job_ = form.Text("JobNumber", TextRule::Any(kTextLength));
+  job_->setMinimumWidth(120);
+  split_ = form.Button("cmdSplitJobs", tr("S&plit"), Qt::Key_F8, [this] { Q_EMIT SplitClicked(); });
+  form.Row(tr("&Job number"), {job_, split_});
+  used_ = form.Number("txtQtyUsed", 3);
+  form.Row(tr("Qty &used"), {used_, usedUnit_ = form.Hint({})});
+  returns_ = form.Check("chkReturnToInventory", tr("&Return to inventory"));
+  returned_ = new CellButton("lblInvQty", 1.4, Qt::AlignRight);
+  returned_->setFocusPolicy(Qt::TabFocus);
+  returned_->setAccessibleName(tr("Quantity returned to inventory"));
+  returned_->setToolTip(Q(ReturnedRuleText()));
+  form.Row({returns_, returned_, returnedUnit_ = form.Hint({})});
+  BuildLot(form);
+}
+
+void JobPanel::BuildLot(Form& form) {
+  lot_ = form.Text("LotNumber", TextRule::Any(kTextLength));
+  lotCells_.push_back(form.Row(tr("&Lot number"), lot_));
+  location_ = form.Text("LotLocation", TextRule::Any(kTextLength));
+  container_ = form.Text("LotContID", TextRule::Any(kTextLength));
+  for (TextField* field : {lot_, location_, container_}) {
+    field->setMinimumWidth(96);
+    lotCells_.push_back(field);
+  }
+  QLabel* id = form.Hint(tr("Cont. ID"));
+  container_->setAccessibleName(tr("Container ID"));
+  lotCells_.push_back(form.Row(tr("Location"), {location_, id, container_}));
+  lotCells_.push_back(id);
+}
+
+void JobPanel::Listen() {
+  connect(job_, &TextField::Left, this, [this](QWidget* to) {
+    if (!IsCommand(to)) EnterJob();
+  });
+  connect(used_, &TextField::Left, this, [this](QWidget* to) {
+    // To the job's number the focus may go with an amount that does not fit, to change the job.
+    if (!IsCommand(to) && to != job_) EnterQty();
+  });
+  used_->installEventFilter(this);
+  connect(returns_, &QCheckBox::clicked, this, &JobPanel::ReturnToggled);
+  connect(returned_, &QAbstractButton::clicked, this,
+          [this] { host_.session.prompt.Tell("", ReturnedRuleText(), vellumark::Icon::Information); });
+  const auto keeps = [this](TextField* field, std::string BatchFields::*place) {
+    connect(field, &QLineEdit::textChanged, this, [this, field, place] {
+      if (!showing_) record_.fields.*place = field->Text();
+    });
+  };
+  keeps(lot_, &BatchFields::LotNumber);
+  keeps(location_, &BatchFields::LotLoc);
+  keeps(container_, &BatchFields::LotContID);
+}
+
+void JobPanel::Show() {
+  showing_ = true;
+  const bool open = record_.state != BatchState::None;
+  const bool isSplit = record_.jobs.size() > 1;
+  const QString unit = Q(UnitName(record_.work.UMF));
+  job_->SetText(record_.JobNumber());
+  job_->setReadOnly(isSplit);
+  used_->SetText(record_.QtyUsedText());
+  used_->setReadOnly(isSplit);
+  usedUnit_->setText(unit);
+  returnedUnit_->setText(unit);
+  returns_->setChecked(record_.ReturnToInventory || !record_.jobs.empty());
+  returned_->setText(open ? Q(record_.ReturnedText()) : QString());
+  lot_->SetText(record_.fields.LotNumber);
+  location_->SetText(record_.fields.LotLoc);
+  container_->SetText(record_.fields.LotContID);
+  for (QWidget* cell : lotCells_) cell->setVisible(host_.session.InvLotTracking != 0);
+  for (QWidget* cell :
+       std::initializer_list<QWidget*>{job_, used_, split_, returns_, returned_, lot_, location_, container_})
+    cell->setEnabled(open);
+  showing_ = false;
+}
+
+template <class R>
+bool JobPanel::Done(const R& result) {
+  Show();
+  Q_EMIT Edited();
+  return host_.Accepted(result);
+}
+
+bool JobPanel::EnterJob() {
+  if (record_.state == BatchState::None || record_.jobs.size() > 1 || job_->Text() == record_.JobNumber()) return true;
+  return Done(EnterJobNumber(host_.session, record_, job_->Text()));
+}
+
+bool JobPanel::EnterQty() {
+  if (record_.state == BatchState::None || record_.jobs.size() > 1 || used_->Text() == record_.QtyUsedText())
+    return true;
+  const std::string typed = used_->Text();
+  const Result<void> entered = EnterQtyUsed(host_.session, record_, typed);
+  if (Done(entered)) return true;
+  // What was refused stands to be corrected.
+  used_->SetText(typed);
+  used_->SetFault(Q(entered.error().text));
+  used_->selectAll();
+  return false;
+}
+
+bool JobPanel::Enter() {
+  // The job first: an amount is refused without one.
+  return EnterJob() && EnterQty();
+}
+
+void JobPanel::ReturnToggled(bool checked) {
+  Done(SetReturnToInventory(host_.session, record_, checked));
+}
+
+bool JobPanel::eventFilter(QObject* watched, QEvent* event) {
+  if (watched != used_ || event->type() != QEvent::KeyPress) return QWidget::eventFilter(watched, event);
+  if (!Changes(*static_cast<QKeyEvent*>(event))) return false;
+  const Result<void> allowed = CheckQtyUsedKey(record_);
+  if (allowed) return false;
+  host_.ShowRefusal(allowed.error());
+  return true;
+}
+
+}  // namespace vellumark::desktop

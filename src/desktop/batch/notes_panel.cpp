@@ -1,0 +1,42 @@
+#include "desktop/batch/notes_panel.h"
+
+#include "core/batch/more_data.h"
+#include "desktop/kit/window_list.h"
+
+namespace vellumark::desktop {
+
+NotesPanel::NotesPanel(FormHost& host, BatchRecord& record) : host_(host), record_(record) {
+  setObjectName("NotesPanel");
+  Form form(host, *this);
+  shortNote_ = form.Text("txtShortNote", TextRule::Any(kBatchTextWidth));
+  shortNote_->setMinimumWidth(120);
+  moreData_ = form.Button("cmdMoreData", tr("&More Data"), Qt::Key_F9, [this] { Q_EMIT MoreDataClicked(); });
+  form.Row(tr("S&hort note"), {shortNote_, moreData_});
+  form.Row(tr("Batch note"), notes_ = form.Note("txtNotes", 2));
+  form.Row(tr("Ingredient notes"), ingNotes_ = form.Note("txtIngNotes", 2));
+  connect(shortNote_, &QLineEdit::textChanged, this, [this] {
+    if (!showing_) record_.fields.ShortNote = shortNote_->Text();
+  });
+  connect(notes_, &QPlainTextEdit::textChanged, this, [this] {
+    if (!showing_) record_.fields.Notes = notes_->Text();
+  });
+  connect(ingNotes_, &QPlainTextEdit::textChanged, this, [this] {
+    if (!showing_) record_.fields.IngNotes = ingNotes_->Text();
+  });
+}
+
+void NotesPanel::Show() {
+  showing_ = true;
+  if (shortNote_->Text() != record_.fields.ShortNote) shortNote_->SetText(record_.fields.ShortNote);
+  // Set only when they differ: a text set anew would lose the place of its cursor.
+  if (notes_->Text() != record_.fields.Notes) notes_->SetText(record_.fields.Notes);
+  if (ingNotes_->Text() != record_.fields.IngNotes) ingNotes_->SetText(record_.fields.IngNotes);
+  const bool open = record_.state != BatchState::None;
+  shortNote_->setEnabled(open);
+  notes_->setEnabled(open);
+  ingNotes_->setEnabled(open);
+  moreData_->setEnabled(open && host_.windows.Knows("MoreDataForm"));
+  showing_ = false;
+}
+
+}  // namespace vellumark::desktop

@@ -1,0 +1,128 @@
+#include "desktop/batch/recycle_panel.h"
+
+#include <QApplication>
+#include <QHeaderView>
+#include <QKeyEvent>
+#include <QMouseEvent>
+#include <QTableView>
+#include <QVBoxLayout>
+#include <array>
+#include <utility>
+
+#include "desktop/batch/ink_patch.h"
+#include "desktop/kit/look.h"
+#include "desktop/kit/text.h"
+
+namespace vellumark::desktop {
+namespace {
+
+constexpr std::array<RecycleColumn, 3> kColumns{RecycleColumn::Name, RecycleColumn::Recycle, RecycleColumn::Inventory};
+
+}  // namespace
+
+/// The rows as the core gives them; the ink of a colour is read when its row is first painted.
+class RecyclePanel::Source : public GridSource {
+ public:
+  explicit Source(const Session& session) : session_(session) {}
+
+  void Set(std::vector<RecycleListRow> rows) {
+    rows_ = std::move(rows);
+    inks_.assign(rows_.size(), {});
+  }
+  const RecycleListRow& At(int row) const { return rows_.at(static_cast<std::size_t>(row)); }
+
+  int Rows() const override { return static_cast<int>(rows_.size()); }
+  std::string Text(int row, int column) const override {
+    const RecycleListRow& color = At(row);
+    return column == 0 ? color.Color_Name : column == 1 ? color.recycle : color.inventory;
+  }
+  std::optional<QColor> Swatch(int row, int column) const override {
+    if (column != 0) return std::nullopt;
+    auto& [known, ink] = inks_.at(static_cast<std::size_t>(row));
+    if (!std::exchange(known, true)) {
+      if (const auto found = InkOf(session_, ColorKind::Mix, At(row).Color_Name)) ink = ColorOf(*found);
+    }
+    return ink;
+  }
+  const char* Mark(int row, int column) const override {
+    return column == 1 && At(row).highlighted ? "recycled" : nullptr;
+  }
+
+ private:
+  const Session& session_;
+  std::vector<RecycleListRow> rows_;
+  mutable std::vector<std::pair<bool, std::optional<QColor>>> inks_;
+};
+
+RecyclePanel::RecyclePanel(FormHost& host, Form& form) : source_(std::make_shared<Source>(host.session)) {
+  setObjectName("RecyclePanel");
+  auto* column = new QVBoxLayout(this);
+  column->setContentsMargins(0, space::kUnit, 0, 0);
+  column->setSpacing(space::kUnit);
+  inventoryOnly_ = form.Check("chkInvOnly", tr("Show &Inv. Recycles"));
+  inventoryOnly_->setToolTip(tr("Only colors that are to be recycled and are in stock"));
+  list_ = form.Table("fgRecList");
+  list_->setMinimumHeight(96);
+  list_->SetEmptyText(tr("No color can be recycled"));
+  list_->View().setAccessibleName(tr("Recycle List"));
+  ShowCaptions(unit_);
+  list_->SetSource(source_);
+  QHeaderView* header = list_->View().horizontalHeader();
+  header->setSectionResizeMode(0, QHeaderView::Stretch);
+  header->setMinimumSectionSize(64);
+  column->addWidget(inventoryOnly_);
+  column->addWidget(list_, 1);
+
+  connect(inventoryOnly_, &QCheckBox::toggled, this, [this](bool on) {
+    view_.inventoryOnly = on;
+    Q_EMIT ViewChanged();
+  });
+  // The list has an order of its own, which its captions tell in words.
+  connect(header, &QHeaderView::sectionClicked, this, [this](int section) {
+    ClickHeader(view_, kColumns.at(static_cast<std::size_t>(section)));
+    Q_EMIT ViewChanged();
+  });
+  connect(list_, &Grid::CellClicked, this, [this](int row) { Take(row); });
+  connect(list_, &Grid::RowActivated, this, &RecyclePanel::Take);
+  list_->View().viewport()->installEventFilter(this);
+  list_->View().installEventFilter(this);
+}
+
+void RecyclePanel::ShowCaptions(int unit) {
+  unit_ = unit;
+  const auto captions = RecycleListCaptions(view_, unit);
+  std::vector<GridColumn> columns{GridColumn::Text(Q(captions[0]), 200), GridColumn::Number(Q(captions[1]), 112),
+                                  GridColumn::Number(Q(captions[2]), 144)};
+  for (GridColumn& column : columns) column.sortable = false;
+  list_->SetColumns(std::move(columns));
+}
+
+void RecyclePanel::Show(const BatchWork& work) {
+  source_->Set(RecycleListRows(work, view_));
+  ShowCaptions(work.UMF);
+  list_->Refresh();
+}
+
+void RecyclePanel::Take(int row) {
+  if (row < 0 || row >= source_->Rows()) return;
+  const std::string name = source_->At(row).Color_Name;
+  Q_EMIT Taken(name);
+}
+
+bool RecyclePanel::eventFilter(QObject* watched, QEvent* event) {
+  if (watched == list_->View().viewport()) {
+    // The first click of two has taken its colour; the second would take the one that moved into its place.
+    if (event->type() == QEvent::MouseButtonDblClick) return true;
+    if (event->type() == QEvent::MouseButtonPress &&
+        !list_->View().indexAt(static_cast<QMouseEvent*>(event)->pos()).isValid())
+      QApplication::beep();
+  }
+  // A page of the list, not the next Batch.
+  if (watched == &list_->View() && event->type() == QEvent::ShortcutOverride) {
+    const int key = static_cast<QKeyEvent*>(event)->key();
+    if (key == Qt::Key_PageUp || key == Qt::Key_PageDown) event->accept();
+  }
+  return QWidget::eventFilter(watched, event);
+}
+
+}  // namespace vellumark::desktop

@@ -1,0 +1,40 @@
+#pragma once
+
+#include <QWidget>
+#include <memory>
+
+#include "core/batch/recycle_list.h"
+#include "desktop/kit/form.h"
+
+namespace vellumark::desktop {
+
+/// The Recycle List: the colours of which the recipe can take something. A click on a colour or Enter takes it.
+class RecyclePanel : public QWidget {
+  Q_OBJECT
+
+ public:
+  RecyclePanel(FormHost& host, Form& form);
+
+  void Show(const BatchWork& work);
+  const RecycleListView& View() const { return view_; }
+
+ Q_SIGNALS:
+  void Taken(const std::string& name);
+  void ViewChanged();
+
+ protected:
+  bool eventFilter(QObject* watched, QEvent* event) override;
+
+ private:
+  class Source;
+  void ShowCaptions(int unit);
+  void Take(int row);
+
+  RecycleListView view_;
+  std::shared_ptr<Source> source_;
+  CheckField* inventoryOnly_;
+  Grid* list_;
+  int unit_ = 1;
+};
+
+}  // namespace vellumark::desktop

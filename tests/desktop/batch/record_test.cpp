@@ -1,0 +1,594 @@
+// The life of a Batch on the screen: made, saved, opened again, corrected, shared between jobs, left, deleted.
+
+#include <gtest/gtest.h>
+
+#include <QCheckBox>
+#include <QTimer>
+#include <algorithm>
+#include <cmath>
+#include <map>
+#include <random>
+
+#include "bench_room.h"
+#include "core/batch/record.h"
+#include "core/inventory/lot_selection.h"
+#include "desktop/kit/window.h"
+
+namespace vellumark::test {
+namespace {
+
+const std::string kPad25(25, ' ');
+const std::string kPad40(40, ' ');
+
+struct BatchRecordTest : BenchRoom {
+  BatchRecordTest() {
+    Setting("InvCutoff", "0");
+    Setting("AllowNegInv", "1");
+  }
+
+  std::int64_t Batches() { return Scalar("SELECT COUNT(*) FROM INK_Batch").Whole(); }
+  Value Stored(const std::string& column, int batchNo = 1) {
+    return Scalar("SELECT " + column + " FROM INK_Batch WHERE BatchNo = ?1", {batchNo});
+  }
+  /// "JOB A 3.000" for each row of the jobs, by number.
+  Texts Jobs() {
+    Texts jobs;
+    Statement rows = session.File().Prepare("SELECT JobNumber, QtyUsed FROM JobRecords ORDER BY JobNumber");
+    while (rows.Step()) jobs.push_back(rows.Text(0) + " " + Fixed(rows.Single(1), 3));
+    return jobs;
+  }
+  void ExpectCleared() {
+    EXPECT_EQ(Text("cmbColorName"), "");
+    EXPECT_EQ(Text("txtQuantity"), "");
+    EXPECT_TRUE(Rows().empty());
+    EXPECT_EQ(FocusName(), "cmbColorName");
+    EXPECT_FALSE(form->InEdit());
+    EXPECT_FALSE(IsOn("cmdSave"));
+  }
+  void Save() { PressOn(Qt::Key_S, Qt::ControlModifier); }
+  void Go(const std::string& number) {
+    PressOn(Qt::Key_F, Qt::ControlModifier);
+    EXPECT_EQ(FocusName(), "txtBatchNo");
+    TypeOn(number);
+    PressOn(Qt::Key_Return);
+  }
+};
+
+TEST_F(BatchRecordTest, MadeSavedCorrectedAndDeletedByKeyboard) {
+  HaveTarget();
+  Open();
+  Make("TARGET", "10", Qt::Key_F2);
+  EXPECT_EQ(Control<CellButton>(*form, "lblInvQty").text(), "10.000");
+  Save();
+  ExpectCleared();
+  EXPECT_EQ(Text("txtBatchNo"), "000002");
+  EXPECT_EQ(Stored("Color_Name").Text(), "TARGET");
+  EXPECT_EQ(Stored("ActualQuantity").Number(), 10);
+  const char* const names[] = {"LEFTOVER", "RED", "BLUE", ""};
+  const double amounts[] = {4, 4, 2, 0};
+  const int types[] = {2, 1, 1, 1};
+  for (int i = 0; i < 4; ++i) {
+    const std::string n = std::to_string(i);
+    EXPECT_EQ(Stored("IngName" + n).Text(), names[i]);
+    EXPECT_EQ(Stored("IngQty" + n).Number(), amounts[i]);
+    EXPECT_EQ(Stored("IngType" + n).Whole(), types[i]);
+  }
+  EXPECT_NEAR(Stored("PercentRec").Number(), 0.4, 1e-6);
+  EXPECT_EQ(BasicStock("RED"), 96);
+  EXPECT_EQ(BasicStock("BLUE"), 98);
+  EXPECT_EQ(MixStock("LEFTOVER"), 0);
+  EXPECT_EQ(MixStock("TARGET"), 10);
+
+  // Opened, the stock is as it was before; changed and saved, it tells of the change.
+  Go("1");
+  EXPECT_EQ(FocusName(), "txtQuantity");
+  EXPECT_EQ(Control<QLineEdit>(*form, "txtQuantity").selectedText(), "10.000");
+  EXPECT_EQ(Rows(), (Texts{"Mix LEFTOVER 4.000 lb.", "Basic RED 4.000 lb.", "Basic BLUE 2.000 lb."}));
+  EXPECT_EQ(BasicStock("RED"), 100);
+  TypeOn("20");
+  PressOn(Qt::Key_F3);
+  EXPECT_EQ(Rows(), (Texts{"Basic RED 12.000 lb.", "Basic BLUE 8.000 lb."}));
+  InDialog([&] { Click(*form, "ImgAdditions"); },
+           [&](QWidget&) {
+             TypeOn("DRIER");
+             PressOn(Qt::Key_Return);
+             TypeOn("0.25");
+             PressOn(Qt::Key_Return);
+             PressOn(Qt::Key_Return);
+           });
+  Save();
+  ExpectCleared();
+  EXPECT_EQ(Batches(), 1);
+  EXPECT_EQ(Stored("ActualQuantity").Number(), 20.25);
+  EXPECT_EQ(Stored("IngType2").Whole(), 3);
+  EXPECT_EQ(BasicStock("RED"), 88);
+  EXPECT_EQ(MixStock("LEFTOVER"), 4);
+  EXPECT_EQ(BasicStock("DRIER"), 9.75F);
+  EXPECT_EQ(MixStock("TARGET"), 20.25F);
+
+  Go("1");
+  prompt.Expect("Batch Window - Delete Batch?", Answer::Yes);
+  prompt.Expect("Batch Window - Update Inventories?", Answer::Yes);
+  PressOn(Qt::Key_D, Qt::ControlModifier);
+  ExpectCleared();
+  EXPECT_EQ(Batches(), 0);
+  EXPECT_EQ(BasicStock("RED"), 100);
+  EXPECT_EQ(BasicStock("DRIER"), 10);
+  EXPECT_EQ(MixStock("LEFTOVER"), 4);
+  EXPECT_EQ(MixStock("TARGET"), 0);
+}
+
+TEST_F(BatchRecordTest, AJobTakesWhatItUsesTheRestGoesToStock) {
+  HaveTarget();
+  Open();
+  Make("TARGET", "10", Qt::Key_F3);
+  prompt.Expect("Batch Window - Specify a Job Number", Answer::Ok,
+                "You must specify a Job Number before editing the Qty Used field.");
+  Type(Control(*form, "txtQtyUsed"), "3");
+  EXPECT_EQ(Text("txtQtyUsed"), "");
+  EXPECT_EQ(FocusName(), "JobNumber");
+  TypeOn("JOB A");
+  PressOn(Qt::Key_Return);
+  EXPECT_EQ(FocusName(), "txtQtyUsed");
+  EXPECT_EQ(Text("txtQtyUsed"), "10.000");
+  EXPECT_EQ(Control<CellButton>(*form, "lblInvQty").text(), "0.000");
+  prompt.Expect("Batch Window - Qty Used Too Large", Answer::Ok, "Qty Used must be less than Batch Quantity");
+  TypeOn("10.001");
+  PressOn(Qt::Key_Return);
+  EXPECT_EQ(FocusName(), "txtQtyUsed");
+  prompt.Expect(
+      "Invalid Job Quantity", Answer::Ok,
+      "Qty Used cannot be set to zero if a Job Number is specified.\nClear the Job Number field to remove the "
+      "Job Record.");
+  TypeOn("0");
+  PressOn(Qt::Key_Return);
+  // A save reads what stands in the field first.
+  prompt.Expect("Batch Window - Qty Used Too Large");
+  TypeOn("11");
+  Save();
+  EXPECT_EQ(Batches(), 0);
+  TypeOn("7.5");
+  PressOn(Qt::Key_Return);
+  EXPECT_EQ(Control<CellButton>(*form, "lblInvQty").text(), "2.500");
+  prompt.Expect("Option Must Be Checked", Answer::Ok, "This option must be checked when a Job Number is specified.");
+  Click(*form, "chkReturnToInventory");
+  EXPECT_TRUE(Control<QCheckBox>(*form, "chkReturnToInventory").isChecked());
+  prompt.Expect("", Answer::Ok,
+                "Batch Amount  =  Qty Used  +  Qty Returned To Inv\n                           or, in other words\nQty "
+                "Returned To Inv  =  Batch Amount  --  Qty Used");
+  Click(*form, "lblInvQty");
+  Save();
+  ExpectCleared();
+  EXPECT_EQ(Jobs(), (Texts{"JOB A 7.500"}));
+  EXPECT_EQ(MixStock("TARGET"), 2.5F);
+  EXPECT_EQ(Stored("JobNumber").Text(), "JOB A");
+}
+
+TEST_F(BatchRecordTest, SplitOverThreeJobs) {
+  HaveTarget();
+  Open();
+  Make("TARGET", "10", Qt::Key_F3);
+  InDialog([&] { PressOn(Qt::Key_F8); },
+           [&](QWidget& dialog) {
+             EXPECT_EQ(dialog.windowTitle(), " Split Jobs");
+             EXPECT_EQ(FocusName(), "JobNumber0");
+             const auto pair = [&](const char* job, const char* quantity) {
+               TypeOn(job);
+               PressOn(Qt::Key_Return);
+               TypeOn(quantity);
+               PressOn(Qt::Key_Return);
+             };
+             pair("A", "3");
+             EXPECT_EQ(FocusName(), "JobNumber1");
+             prompt.Expect("Batch Window - Invalid Quantity", Answer::Ok,
+                           "You must enter an amount between 0 and 10.000");
+             pair("B", "10.001");
+             EXPECT_EQ(FocusName(), "txtQtyUsed1");
+             TypeOn("4");
+             PressOn(Qt::Key_Return);
+             pair("a", "3.001");
+             prompt.Expect("Duplicate Job Numbers", Answer::Ok, "You cannot have duplicate Job Numbers.");
+             Click(dialog, "cmdSave");
+             EXPECT_EQ(FocusName(), "JobNumber2");
+             TypeOn("C");
+             prompt.Expect("Batch Window - Invalid Quantity", Answer::Ok,
+                           "The total quantity used for all jobs cannot exceed the batch quantity made.");
+             Click(dialog, "cmdSave");
+             EXPECT_EQ(FocusName(), "txtQtyUsed2");
+             Picture(dialog, "split-jobs", {});
+             TypeOn("3");
+             PressOn(Qt::Key_S, Qt::ControlModifier);
+           });
+  EXPECT_EQ(Text("JobNumber"), "- SPLIT -");
+  EXPECT_EQ(Text("txtQtyUsed"), "");
+  prompt.Expect("Batch Window - Specify a Job Number", Answer::Ok, "Click the Split button to edit Qty Used.");
+  Type(Control(*form, "txtQtyUsed"), "1");
+  Save();
+  EXPECT_EQ(Jobs(), (Texts{"A 3.000", "B 4.000", "C 3.000"}));
+  EXPECT_EQ(MixStock("TARGET"), 0);
+
+  // A smaller Batch loses the split; with one line left it is shown plainly.
+  Go("1");
+  EXPECT_EQ(Text("JobNumber"), "- SPLIT -");
+  TypeOn("9");
+  prompt.Expect("Re-enter Job Numbers", Answer::Ok,
+                "Because you decreased the quantity of this batch,\nyou will have to re-enter your Job Numbers.");
+  PressOn(Qt::Key_F3);
+  EXPECT_EQ(Text("JobNumber"), "");
+  InDialog([&] { PressOn(Qt::Key_F8); },
+           [&](QWidget& dialog) {
+             Fill(dialog, "JobNumber4", "D");
+             Fill(dialog, "txtQtyUsed4", "2");
+             EXPECT_EQ(Control<QLabel>(dialog, "lblInvQty").text(), "7.000");
+             Click(dialog, "cmdSave");
+           });
+  EXPECT_EQ(Text("JobNumber"), "D");
+  EXPECT_EQ(Text("txtQtyUsed"), "2.000");
+  Save();
+  EXPECT_EQ(Jobs(), (Texts{"D 2.000"}));
+  EXPECT_EQ(MixStock("TARGET"), 7);
+}
+
+TEST_F(BatchRecordTest, EveryWayOutOfAChangedBatchAsks) {
+  HaveTarget();
+  Open();
+  Make("TARGET", "10", Qt::Key_F3);
+  Save();
+  const float red = BasicStock("RED");
+  struct Way {
+    const char* name;
+    std::function<void()> leave;
+    std::string title;
+    std::string text;
+    Answer stays;  ///< Cancel: this question has no answer that stays
+    Answer goes;
+  };
+  const std::string save = "Batch Window - Save Information?";
+  const std::vector<Way> ways{
+      {"Next", [&] { PressOn(Qt::Key_PageUp); }, save, "Save this information?", Answer::Cancel, Answer::No},
+      {"Previous", [&] { PressOn(Qt::Key_PageDown); }, save, "Save this information?", Answer::Cancel, Answer::No},
+      {"Find", [&] { Go("1"); }, save, "Save this information?", Answer::Cancel, Answer::No},
+      {"Cancel", [&] { Click(*form, "cmdCancel"); }, kPad40 + "Cancel?", "Cancel without saving changes?", Answer::No,
+       Answer::Yes}};
+  for (const Way& way : ways) {
+    SCOPED_TRACE(way.name);
+    Go("1");
+    ASSERT_EQ(Rows().size(), 2U);
+    EXPECT_EQ(BasicStock("RED"), red + 6) << "an open Batch holds its ingredients back";
+    TypeOn("12");
+    PressOn(Qt::Key_F3);
+    if (way.stays != Answer::Cancel) {
+      prompt.Expect(way.title, way.stays, way.text);
+      way.leave();
+      EXPECT_TRUE(form->InEdit());
+    }
+    prompt.Expect(way.title, way.goes, way.text);
+    way.leave();
+    if (form->InEdit()) Click(*form, "cmdCancel");  // Find came back to the same Batch
+    ExpectCleared();
+    EXPECT_EQ(BasicStock("RED"), red);
+    EXPECT_EQ(Stored("Quantity").Number(), 10);
+  }
+  // Without a change nothing is asked.
+  Go("1");
+  PressOn(Qt::Key_PageUp);
+  ExpectCleared();
+  EXPECT_EQ(BasicStock("RED"), red);
+  // Not worked out anew: it cannot be saved, so the close asks otherwise.
+  Go("1");
+  TypeOn("12");
+  prompt.Expect(
+      "Recalculate Batch", Answer::Ok,
+      "You've changed the Quantity of this batch.\nClick the Recycle(F2) or Mix(F3) button to\nrecalculate the "
+      "batch before saving the batch.");
+  Save();
+  EXPECT_EQ(FocusName(), "txtQuantity");
+  PressOn(Qt::Key_F3);
+  form->FocusField("txtQuantity");
+  TypeOn("13");
+  prompt.Expect(kPad40 + "Close?", Answer::No, "Close without saving changes?");
+  EXPECT_FALSE(form->Leave());
+  prompt.Expect(kPad40 + "Close?", Answer::Yes, "Close without saving changes?");
+  EXPECT_TRUE(form->Leave());
+  Settle();
+  EXPECT_EQ(BasicStock("RED"), red);
+}
+
+TEST_F(BatchRecordTest, GuardsOfASavedBatch) {
+  HaveTarget();
+  session.support->settings.AppendSupportValue("BatchComplete", "1");
+  Open();
+  Make("TARGET", "10", Qt::Key_F3);
+  EXPECT_TRUE(IsShown("chkComplete"));
+  TypeOn("JOB A");  // nothing goes to stock that could be recycled
+  prompt.Expect("Batch Completion State            ", Answer::No, "Mark this Batch as Complete?");
+  Save();
+
+  // Of an earlier day: asked once for the record.
+  clock.Set({2026, 3, 11, 9, 0, 0});
+  Go("1");
+  prompt.Expect(
+      "Allow Editing?", Answer::No,
+      "Editing this Batch Record will alter the results\nof your Production and Consumption Reports.\n\nDo you "
+      "wish to continue?");
+  PressOn(Qt::Key_F2);
+  EXPECT_EQ(Rows().size(), 2U);
+  prompt.Expect("Allow Editing?", Answer::Yes);
+  PressOn(Qt::Key_F2);
+  EXPECT_EQ(Rows().size(), 3U);
+  PressOn(Qt::Key_F3);
+
+  // Complete: nothing of it is changed or deleted.
+  Click(*form, "chkComplete");
+  prompt.Expect("Completed Batch - Changes Not Allowed", Answer::Ok,
+                "This Batch is marked as Complete.\n\nUncheck Complete to edit the batch.");
+  PressOn(Qt::Key_F2);
+  prompt.Expect("Completed Batch - Changes Not Allowed");
+  PressOn(Qt::Key_D, Qt::ControlModifier);
+  EXPECT_EQ(Batches(), 1);
+  Save();
+  EXPECT_TRUE(Stored("Complete").Whole() != 0);
+
+  // Of a formula that was changed since.
+  Go("1");
+  Click(*form, "chkComplete");
+  prompt.Expect("Batch Completion State            ", Answer::No);
+  Save();
+  session.File().Execute("UPDATE INK_Mix SET Date_Entered = '2026-03-12 00:00:00' WHERE Color_Name = 'TARGET'");
+  Go("1");
+  EXPECT_TRUE(IsShown("ImgModifiedFormula"));
+  prompt.Expect("Batches Window - Edit State", Answer::Ok,
+                "This Batch is no longer editable.\nA Master Formula associated with this Batch has been deleted or "
+                "modified\nsince this Batch was saved.");
+  PressOn(Qt::Key_F2);
+  Click(*form, "cmdCancel");
+
+  prompt.Expect("Batch Not Found");
+  Go("77");
+}
+
+TEST_F(BatchRecordTest, DeletingReturnsTheIngredientsOrNot) {
+  HaveTarget();
+  for (const Answer answer : {Answer::Yes, Answer::No}) {
+    const float red = BasicStock("RED");
+    const int number = static_cast<int>(Scalar("SELECT BatchNumber FROM FileInfo").Whole());
+    Open();
+    Make("TARGET", "10", Qt::Key_F3);
+    Save();
+    EXPECT_EQ(MixStock("TARGET"), 10);
+    Go(std::to_string(number));
+    prompt.Expect("Batch Window - Delete Batch?", Answer::No,
+                  "Deleting this Batch will alter Production and Consumption Reports.\n\nDelete this Batch?");
+    PressOn(Qt::Key_D, Qt::ControlModifier);
+    EXPECT_EQ(Batches(), 1);
+    prompt.Expect("Batch Window - Delete Batch?", Answer::Yes);
+    prompt.Expect("Batch Window - Update Inventories?", answer, "Return ingredients to inventory?");
+    PressOn(Qt::Key_D, Qt::ControlModifier);
+    ExpectCleared();
+    EXPECT_EQ(Batches(), 0);
+    EXPECT_EQ(MixStock("TARGET"), 0);
+    EXPECT_EQ(BasicStock("RED"), answer == Answer::Yes ? red : red - 6);
+  }
+}
+
+TEST_F(BatchRecordTest, SaveAndHoldStaysAndNextWalks) {
+  HaveTarget();
+  Open();
+  for (const char* quantity : {"10", "11"}) {
+    Make("TARGET", quantity, Qt::Key_F3);
+    Save();
+  }
+  Make("TARGET", "12", Qt::Key_F3);
+  PressOn(Qt::Key_S, Qt::ControlModifier | Qt::ShiftModifier);
+  EXPECT_EQ(Batches(), 3);
+  EXPECT_EQ(Text("txtBatchNo"), "000003");
+  EXPECT_TRUE(IsOn("cmdDelete"));
+  EXPECT_EQ(FocusName(), "txtQuantity");
+  PressOn(Qt::Key_PageDown);
+  EXPECT_EQ(Text("txtBatchNo"), "000002");
+  EXPECT_EQ(Text("txtQuantity"), "11.000");
+  PressOn(Qt::Key_PageDown);
+  EXPECT_EQ(Text("txtBatchNo"), "000001");
+  PressOn(Qt::Key_PageDown);
+  ExpectCleared();
+  EXPECT_EQ(Text("txtBatchNo"), "000004");
+  PressOn(Qt::Key_PageDown);
+  EXPECT_EQ(Text("txtBatchNo"), "000003");
+  EXPECT_TRUE(Control<QLineEdit>(*form, "cmbColorName").isReadOnly());
+}
+
+/// Stands for the window in which lots are chosen: takes the whole need from Unlotted Inventory.
+struct ChoosesUnlotted : desktop::Dialog {
+  ChoosesUnlotted(desktop::WindowList& list, QWidget* owner) : Dialog(list, owner, "BatchLotInvSelector", "Lots") {
+    new QLineEdit(this);
+  }
+  void OnOpen(const desktop::Arguments& arguments) override {
+    asked.push_back(arguments.Text("IngName") + " " + std::string(LotLineName(arguments.Get<LotLineKind>("Kind"))) +
+                    " " + Fixed(arguments.Get<double>("IngQty"), 3));
+    LotSelection chosen;
+    chosen.uses.push_back(
+        {.LotNumber = "Unlotted Inv.", .LotQty = static_cast<float>(arguments.Get<double>("IngQty"))});
+    result.Set("Selection", chosen);
+    QTimer::singleShot(0, this, [this] { accept(); });
+  }
+  static inline Texts asked;
+};
+
+TEST_F(BatchRecordTest, LotsAreChosenRowByRow) {
+  HaveTarget();
+  Setting("InvLotTracking", "1");
+  Setting("InvRecordMethod", "1");
+  Setting("BatchLotNumReminder", "0");
+  ChoosesUnlotted::asked.clear();
+  windows.RegisterDialog("BatchLotInvSelector", [](desktop::WindowList& list, QWidget* owner) -> desktop::Dialog* {
+    return new ChoosesUnlotted(list, owner);
+  });
+  Open();
+  Make("TARGET", "10", Qt::Key_F2);
+  EXPECT_EQ(FocusName(), "lblLot0");
+  for (const char* next : {"lblLot1", "lblLot2", "JobNumber"}) {
+    PressOn(Qt::Key_Return);
+    ShowActive(*form);
+    EXPECT_EQ(FocusName(), next);
+  }
+  EXPECT_EQ(ChoosesUnlotted::asked, (Texts{"LEFTOVER Mix 4.000", "RED Basic 4.000", "BLUE Basic 2.000"}));
+  EXPECT_EQ(Cell("lblLot", 0).text(), QString::fromUtf8("Lot ✓"));
+  Fill(*form, "LotNumber", "L-77");
+  Fill(*form, "LotLocation", "SHELF 3");
+  Save();
+  EXPECT_EQ(Scalar("SELECT LotLoc FROM INK_Mix_LotInv WHERE LotNumber = 'L-77'").Text(), "SHELF 3");
+  EXPECT_EQ(BasicStock("RED"), 96);
+  EXPECT_EQ(MixStock("LEFTOVER"), 0);
+
+  // Nothing goes to stock, so there is no lot whose place could be kept.
+  Make("TARGET", "10", Qt::Key_F3);
+  Fill(*form, "JobNumber", "J");
+  Fill(*form, "LotLocation", "SHELF 3");
+  prompt.Expect(kPad25 + "Lotted Inv. Details", Answer::Yes, "Change Qty to Inv so these items can be saved?");
+  Save();
+  EXPECT_EQ(Batches(), 1);
+}
+
+TEST_F(BatchRecordTest, OtherWindowsSeeThatItIsInEdit) {
+  HaveTarget();
+  Open();
+  EXPECT_FALSE(windows.IsInEdit("BatchForm"));
+  Fill(*form, "cmbColorName", "TARGET");
+  EXPECT_FALSE(windows.IsInEdit("BatchForm"));
+  Make("TARGET", "10", Qt::Key_F3);
+  EXPECT_TRUE(windows.IsInEdit("BatchForm"));
+  Save();
+  EXPECT_FALSE(windows.IsInEdit("BatchForm"));
+  windows.OpenForm("BatchForm", {{"BatchNo", 1}});
+  EXPECT_TRUE(windows.IsInEdit("BatchForm"));
+  // Somebody who must not see prices logs in.
+  EXPECT_FALSE(Label("lblCostOfBatch").empty());
+  session.Perm_Costs = 0;
+  form->UpdateUserPriviledges();
+  EXPECT_FALSE(Control(*form, "lblCostOfBatch").isVisibleTo(form));
+}
+
+TEST_F(BatchRecordTest, ABatchWindowThatClosesWithTheProgramTakesItsIngredientsAgain) {
+  HaveTarget();
+  Open();
+  Make("TARGET", "10", Qt::Key_F2);
+  Save();
+  const float red = BasicStock("RED");
+  Go("1");
+  EXPECT_NE(BasicStock("RED"), red);
+  EXPECT_TRUE(windows.CloseChildWindows());
+  Settle();
+  EXPECT_EQ(BasicStock("RED"), red);
+  EXPECT_EQ(MixStock("LEFTOVER"), 0);
+}
+
+/// An operator who answers whatever comes to mind.
+struct RandomPrompt final : Prompt {
+  Answer Show(const Message& message) override {
+    log += "\n    " + message.title;
+    if (message.buttons == Buttons::Ok) return Answer::Ok;
+    if (message.title.ends_with("Update Inventories?")) return Answer::Yes;
+    return random() % 2 == 0 ? Answer::Yes : Answer::No;
+  }
+  std::mt19937 random{20260310};
+  std::string log;
+};
+
+/// What stock must be, by what the stored Batches took and made.
+struct Books {
+  std::map<std::string, double> basics;
+  std::map<std::string, double> mixes;
+};
+
+TEST_F(BatchRecordTest, ARandomOperatorNeverLosesInk) {
+  HaveTarget();
+  Mix("THIRD", {{"RED", 20}, {"BLUE", 70}, {"DRIER", 10}}, {{"Recycle", true}, {"Inventory", 3.0F}});
+  const std::map<std::string, double> basics{{"RED", 100}, {"BLUE", 100}, {"DRIER", 10}};
+  const std::map<std::string, double> mixes{{"TARGET", 0}, {"LEFTOVER", 4}, {"THIRD", 3}};
+  RandomPrompt who;
+  AnswerBy(who);
+  Open();
+  const auto pick = [&](int most) { return std::uniform_int_distribution<int>(0, most - 1)(who.random); };
+  const auto stock = [&] {
+    Books books;
+    for (const auto& [name, amount] : basics) books.basics[name] = BasicStock(name);
+    for (const auto& [name, amount] : mixes) books.mixes[name] = MixStock(name);
+    return books;
+  };
+  const auto expected = [&] {
+    Books books{basics, mixes};
+    Statement took = At().File().Prepare("SELECT IngName, IngType, LotQty FROM INK_Batch_LotInv");
+    while (took.Step()) (took.Whole(1) == 2 ? books.mixes : books.basics)[took.Text(0)] -= took.Single(2);
+    Statement made = At().File().Prepare(
+        "SELECT Color_Name, ActualQuantity - IFNULL((SELECT SUM(QtyUsed) FROM JobRecords WHERE JobRecords.BatchNo = "
+        "INK_Batch.BatchNo), 0) FROM INK_Batch");
+    while (made.Step()) books.mixes[made.Text(0)] += made.Single(1);
+    return books;
+  };
+  const auto dialog = [&](const std::function<void()>& act, const std::string& typed) {
+    // It may be refused; then nothing opens.
+    QTimer poll;
+    QObject::connect(&poll, &QTimer::timeout, &poll, [&] {
+      QWidget* modal = QApplication::activeModalWidget();
+      if (modal == nullptr || QApplication::focusWidget() == nullptr) return;
+      poll.stop();
+      TypeOn(typed);
+      PressOn(Qt::Key_Return);
+      if (QWidget* still = QApplication::activeModalWidget()) Click(*still, "cmdCancel");
+    });
+    poll.start(2);
+    act();
+    poll.stop();
+    ShowActive(*form);
+  };
+  const auto lastBatch = [&] {
+    return static_cast<int>(Scalar("SELECT IFNULL(MAX(BatchNo), 0) FROM INK_Batch").Whole());
+  };
+  std::int64_t lastNumber = 0;
+  for (int act = 0; act < 160; ++act) {
+    const int what = pick(13);
+    who.log += "\n" + std::to_string(act) + ": act " + std::to_string(what);
+    const std::string quantity = Fixed(0.5 + pick(200) / 10.0, 1);
+    if (what <= 1 && !form->InEdit()) {
+      Make(pick(3) == 0 ? "THIRD" : "TARGET", quantity, pick(2) == 0 ? Qt::Key_F2 : Qt::Key_F3);
+    } else if (what == 2) {
+      form->FocusField("txtQuantity");
+      TypeOn(quantity);
+      PressOn(pick(2) == 0 ? Qt::Key_F2 : Qt::Key_F3);
+    } else if (what == 3 && !Rows().empty()) {
+      dialog([&] { Click(Cell("lblAmount", pick(static_cast<int>(Rows().size())))); }, Fixed(pick(30) / 10.0, 1));
+    } else if (what == 4 && !Listed().empty()) {
+      ClickListed(pick(static_cast<int>(Listed().size())));
+    } else if (what == 5 && IsOn("JobNumber")) {
+      Fill(*form, "JobNumber", pick(3) == 0 ? "" : "JOB " + std::to_string(pick(3)));
+    } else if (what == 6 && IsOn("txtQtyUsed") && !Text("JobNumber").empty()) {
+      Fill(*form, "txtQtyUsed", quantity);
+      Press(Control(*form, "txtQtyUsed"), Qt::Key_A, Qt::ControlModifier);
+    } else if (what <= 8) {
+      Save();
+    } else if (what == 9 && lastBatch() > 0) {
+      Go(std::to_string(1 + pick(lastBatch())));
+    } else if (what == 10) {
+      PressOn(pick(2) == 0 ? Qt::Key_PageUp : Qt::Key_PageDown);
+    } else if (what == 11) {
+      Click(*form, "cmdCancel");
+    } else if (what == 12 && IsOn("cmdDelete") && pick(3) == 0) {
+      PressOn(Qt::Key_D, Qt::ControlModifier);
+    }
+    if (!form->InEdit()) {
+      const Books have = stock();
+      const Books want = expected();
+      for (const auto& [name, amount] : want.basics) ASSERT_NEAR(have.basics.at(name), amount, 0.02) << name << who.log;
+      for (const auto& [name, amount] : want.mixes) ASSERT_NEAR(have.mixes.at(name), amount, 0.02) << name << who.log;
+    }
+    const std::int64_t number = Scalar("SELECT BatchNumber FROM FileInfo").Whole();
+    ASSERT_GE(number, lastNumber);
+    lastNumber = number;
+    ASSERT_EQ(Scalar("SELECT COUNT(*) FROM (SELECT 1 FROM INK_Batch GROUP BY BatchNo HAVING COUNT(*) > 1)").Whole(), 0);
+  }
+  EXPECT_GT(lastNumber, 10);
+  delete form;
+}
+
+}  // namespace
+}  // namespace vellumark::test
