@@ -3,8 +3,10 @@
 #include "desktop/batch/cost_inf_form.h"
 #include "desktop/batch/cost_model_form.h"
 #include "desktop/batch/more_data_form.h"
+#include "desktop/batch/recent_batches_form.h"
 #include "desktop/batch/register.h"
 #include "desktop/batch/save_modified_batch.h"
+#include "desktop/batch/view_batch_form.h"
 #include "desktop/batch/voc_hap_calc_form.h"
 
 namespace vellumark::desktop {
@@ -17,6 +19,8 @@ void RegisterBatchSideWindows(WindowList& windows) {
   windows.RegisterDialog<SaveModifiedBatch>("SaveModifiedBatch");
   windows.RegisterDialog<BatchFormLotNumReminder>("BatchFormLotNumReminder");
   windows.RegisterDialog<BatchSettingsForm>("BatchSettingsForm");
+  windows.RegisterDialog<RecentBatchesForm>("RecentBatchesForm");
+  windows.Register<ViewBatchForm>("ViewBatchForm");
 }
 
 }  // namespace vellumark::desktop

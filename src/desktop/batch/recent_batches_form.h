@@ -1,0 +1,30 @@
+#pragma once
+
+#include <vector>
+
+#include "core/batch/open.h"
+#include "desktop/kit/window.h"
+
+namespace vellumark::desktop {
+
+/// The Batches entered last, newest first, to take one from. Gives {"BatchNo", number}.
+class RecentBatchesForm : public Dialog {
+  Q_OBJECT
+
+ public:
+  RecentBatchesForm(WindowList& windowList, QWidget* owner);
+  void OnOpen(const Arguments& arguments) override;
+  void UpdateEnabled() override;
+
+ public Q_SLOTS:
+  void cmdOpen_Click();
+  void cmdCancel_Click() { reject(); }
+
+ private:
+  std::vector<BatchListRow> batches_;
+
+  Grid* list_;
+  CommandButton* open_;
+};
+
+}  // namespace vellumark::desktop
