@@ -74,6 +74,8 @@ MainForm::MainForm(WindowList& windowList) : windows_(windowList), session_(wind
 }
 
 MainForm::~MainForm() {
+  // Windows that go down with it are no longer shown to anybody.
+  windows_.disconnect(this);
   windows_.SetPlace(nullptr);
 }
 

@@ -226,6 +226,32 @@ TEST(MainWindow, AnArchiveIsShownAndOffersNoWriting) {
   EXPECT_TRUE(running.IsOn("menuDFAdvanced_FileOpen"));
 }
 
+TEST(MainWindow, AMenuOfTheToolbarStandsUnderItsButton) {
+  Running running;
+  running.EarlierFile();
+  ASSERT_TRUE(running.Start());
+  MainForm& main = running.program.Main();
+  auto& button = Control<QToolButton>(main, "Color");
+  test::Click(button);
+  Window* menu = running.windows.Form("ColorsMenu");
+  ASSERT_NE(menu, nullptr);
+  EXPECT_EQ(menu->pos(), button.mapToGlobal(QPoint(0, button.height())));
+  test::Click(*menu, "cmdMix");
+  test::Settle();
+  EXPECT_FALSE(running.windows.IsFormOpen("ColorsMenu"));
+  const Window* formulas = running.windows.Form("MixColorsForm");
+  ASSERT_NE(formulas, nullptr);
+  // All of it is in sight in a main window of the smallest screen that counts.
+  main.resize(1280, 720);
+  test::Settle();
+  const QRect sight(main.mapToGlobal(QPoint(0, 0)), main.size());
+  for (const char* name : {"cmdSave", "cmdDelete", "BQ7", "BQ14", "lblHAPBasics"}) {
+    const auto& control = Control(main, name);
+    EXPECT_TRUE(sight.contains(QRect(control.mapToGlobal(QPoint(0, 0)), control.size()))) << name;
+  }
+  test::Picture(main, "main-form-mix-colors");
+}
+
 TEST(End, ClosingIsRefusedWhileADatabaseLoadsAndThenEndsInOrder) {
   Running running;
   const fs::path path = running.EarlierFile();
