@@ -1,6 +1,8 @@
 #include <gtest/gtest.h>
 
+#include "core/batch/open.h"
 #include "core/datafile/writer.h"
+#include "core/settings/support_files.h"
 #include "support/cli_run.h"
 
 namespace vellumark {
@@ -187,6 +189,38 @@ TEST(CliBatch, TakesLotsByTheirNumbers) {
   EXPECT_EQ(made["lots"][0]["LotQty"], 100);
 }
 
+// A program that is killed while a Batch is open in its window.
+void LeaveOpen(const BatchShop& shop, std::int32_t number) {
+  test::ScriptedPrompt prompt;
+  NoProgress progress;
+  const FixedClock clock{DateTime{2026, 3, 10, 12, 0, 0}};
+  Session session{prompt, progress, clock};
+  session.DataFolder = shop.folder / "VKDat";
+  session.support = std::make_unique<SupportFiles>(session.DataFolder);
+  session.DataFileDB = Database::Open(shop.path, OpenMode::Exclusive);
+  session.CurrentDatabase = "INK";
+  ReadSettings(session);
+  BatchRecord record;
+  ASSERT_TRUE(OpenBatch(session, record, number));
+}
+
+TEST(CliBatch, TheNextStartClosesABatchThatWasLeftOpen) {
+  const BatchShop shop;
+  shop.Json({"stock", "adjust", "RED", "100", "--kind", "basic"});
+  shop.Json({"batch", "save", "--formula", "TARGET", "--quantity", "50", "--mix"});
+  EXPECT_TRUE(shop.Json({"file", "check", shop.path})["OpenBatches"].empty());
+  LeaveOpen(shop, 1);
+  const auto open = shop.Json({"file", "check", shop.path})["OpenBatches"];
+  ASSERT_EQ(open.size(), 1U);
+  EXPECT_EQ(open[0]["Database"], "INK");
+  EXPECT_EQ(open[0]["BatchNo"], 1);
+  const auto start = shop.Run({"--json", "stock", "show", "RED"});
+  EXPECT_EQ(start.Json()[0]["Total"], 70);
+  EXPECT_NE(start.err.find("Batch 000001 of the INK database"), std::string::npos) << start.err;
+  EXPECT_EQ(shop.Run({"stock", "show", "RED"}).err, "");
+  EXPECT_TRUE(shop.Json({"file", "check", shop.path})["OpenBatches"].empty());
+}
+
 TEST(CliBatch, RefusesWhatTheWindowRefuses) {
   BatchShop shop;
   const auto title = [&](std::vector<std::string> arguments) {
@@ -212,6 +246,30 @@ TEST(CliBatch, RefusesWhatTheWindowRefuses) {
   EXPECT_EQ(title({"edit", "9", "--notes", "x"}), "Batch Not Found");
   EXPECT_EQ(title({"complete", "9"}), "Batch Not Found");
   EXPECT_EQ(shop.Json({"batch", "list"}).size(), 0U);
+}
+
+TEST(CliBatch, AdditionsChangeTheFormulaWhenTold) {
+  const BatchShop shop;
+  const std::vector<std::string> save{"batch", "save",  "--formula", "TARGET", "--quantity",
+                                      "90",    "--mix", "--add",     "WAX=10"};
+  const auto with = [&](std::vector<std::string> more) {
+    more.insert(more.begin(), save.begin(), save.end());
+    more.insert(more.begin(), "--json");
+    return shop.Run(more);
+  };
+  shop.Json({"batch", "save", "--formula", "TARGET", "--quantity", "50", "--mix"});
+  EXPECT_EQ(shop.Json({"formula", "show", "TARGET"})["BQ0"], 60);
+  EXPECT_EQ(with({"--fold-new", "violet"}).Json()["refused"]["title"], "Master Formula Already Exists");
+  EXPECT_EQ(shop.Json({"batch", "list"}).size(), 1U);
+  EXPECT_EQ(with({"--fold-new", "GLOSSY"}).status, 0);
+  EXPECT_EQ(shop.Json({"batch", "show", "2"})["Color_Name"], "GLOSSY");
+  EXPECT_EQ(shop.Json({"formula", "show", "GLOSSY"})["BQ2"], 10);
+  EXPECT_EQ(with({"--fold"}).status, 0);
+  EXPECT_EQ(shop.Json({"formula", "show", "TARGET"})["BQ0"], 54);
+  // The first Batch was made by the recipe as it was before.
+  const auto edit = shop.Run({"--json", "batch", "edit", "1", "--quantity", "5"});
+  EXPECT_EQ(edit.Json()["refused"]["title"], "Batches Window - Edit State");
+  EXPECT_EQ(shop.Json({"batch", "edit", "3", "--short-note", "folded"})["ShortNote"], "folded");
 }
 
 TEST(CliBatch, CompletedOnesAreNotChanged) {

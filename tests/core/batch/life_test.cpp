@@ -1,5 +1,8 @@
 // The life of a Batch: saved, opened, changed, left, deleted; what it does to stock at each step.
 
+#include <signal.h>
+#include <sys/resource.h>
+
 #include <functional>
 
 #include "core/colors/rename.h"
@@ -406,6 +409,55 @@ TEST(BatchLife, DeleteTakesWhatIsLeftOfTheMadeInkAndTheDatesBack) {
   EXPECT_TRUE(room.Scalar("SELECT LastProduced FROM INK_Mix").IsNull());
   EXPECT_TRUE(room.Scalar("SELECT LastConsumed FROM INK_Basic WHERE Color_Name = 'RED'").IsNull());
   EXPECT_EQ(room.Red(), 100);
+}
+
+// ---- A disk that is full
+
+// Until it ends, no file can be written beyond its first bytes.
+class NoRoom {
+ public:
+  NoRoom() {
+    ::signal(SIGXFSZ, SIG_IGN);
+    ::getrlimit(RLIMIT_FSIZE, &before_);
+    const rlimit none{2048, before_.rlim_max};
+    ::setrlimit(RLIMIT_FSIZE, &none);
+  }
+  ~NoRoom() { ::setrlimit(RLIMIT_FSIZE, &before_); }
+
+ private:
+  rlimit before_{};
+};
+
+TEST(BatchLife, AFullDiskLeavesEverythingAsItWas) {
+  LifeRoom room;
+  room.PinkRoom();
+  room.Saved("PINK", "40");
+  const auto fails = [&](const char* what, const std::function<void()>& act) {
+    const std::string before = room.Data();
+    {
+      const NoRoom none;
+      EXPECT_THROW(act(), Failure) << what;
+    }
+    EXPECT_TRUE(room.Data() == before) << what;
+  };
+  Session& session = room.session;
+  fails("open", [&] { OpenBatch(session, room.record, 1); });
+  EXPECT_EQ(room.record.state, BatchState::None);
+  room.Open(1);
+  fails("leave", [&] { (void)NextBatch(session, room.record, room.dialogs); });
+  EXPECT_EQ(room.record.state, BatchState::Edit);
+  room.Remix("20");
+  fails("store", [&] { (void)SaveBatch(session, room.record, room.dialogs); });
+  EXPECT_EQ(room.record.work.TotalText, "20.000");
+  room.prompt.Expect(kDelete, Answer::Yes).Expect(kInventories, Answer::Yes);
+  fails("delete", [&] { (void)DeleteBatch(session, room.record, room.dialogs); });
+  EXPECT_EQ(room.Save(), 1);
+  EXPECT_EQ(room.Red(), 95);
+  EXPECT_EQ(room.Pink(), 20);
+  room.Mixed("PINK", "4");
+  fails("save", [&] { (void)SaveBatch(session, room.record, room.dialogs); });
+  EXPECT_EQ(room.session.BatchNumber, 2);
+  EXPECT_EQ(room.Save(), 2);
 }
 
 // ---- Numbers
