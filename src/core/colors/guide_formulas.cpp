@@ -41,7 +41,7 @@ std::string ChangeOf(const Ingredient& line, const Ingredient* published) {
   if (published == nullptr) return "added";
   const double more = RoundTo(line.amount - published->amount, 3);
   if (more == 0) return {};
-  return (more > 0 ? "+" : "") + Fixed(more, 3);
+  return fmt::format("{}{}", more > 0 ? "+" : "", Fixed(more, 3));
 }
 
 constexpr const char* kRevertTitle = "Revert Back To Original Formula?";
