@@ -124,6 +124,7 @@ QString BatchForm::StateText() const {
     case BatchState::Add:
       return tr("New Batch");
     case BatchState::Edit: {
+      if (!record_.formulaUnchanged) return tr("The formula was deleted or changed: to be looked at only");
       if (!record_.Date_Entered) return tr("Saved Batch");
       const DateTime& date = *record_.Date_Entered;
       return tr("Batch of %1").arg(QLocale().toString(QDate(date.year, date.month, date.day), QLocale::ShortFormat));
@@ -234,7 +235,11 @@ void BatchForm::Go(const Act& act) {
   WatchedDialogs dialogs(dialogs_);
   const auto gone = act(dialogs);
   Show();
-  if (!Took(gone)) return;
+  if (!Took(gone)) {
+    // The fields that are missing stand in a window of their own.
+    if (gone.error().field.starts_with("UD_")) FocusField("cmdMoreData");
+    return;
+  }
   if (!*gone) {
     if (dialogs.toLotNumber) FocusField("LotNumber");
     return;
@@ -249,15 +254,11 @@ void BatchForm::ShowArrived() {
 }
 
 void BatchForm::cmdSave_Click() {
-  Go([this](BatchDialogs& dialogs) -> Result<bool> {
-    return HasEnded(SaveBatch(session, record_, dialogs));
-  });
+  Go([this](BatchDialogs& dialogs) -> Result<bool> { return HasEnded(SaveBatch(session, record_, dialogs)); });
 }
 
 void BatchForm::cmdSaveAndHold_Click() {
-  Go([this](BatchDialogs& dialogs) -> Result<bool> {
-    return HasEnded(SaveAndHoldBatch(session, record_, dialogs));
-  });
+  Go([this](BatchDialogs& dialogs) -> Result<bool> { return HasEnded(SaveAndHoldBatch(session, record_, dialogs)); });
 }
 
 void BatchForm::cmdCancel_Click() {

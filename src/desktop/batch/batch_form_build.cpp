@@ -150,7 +150,7 @@ QWidget* BatchForm::BuildButtons(Form& form) {
   cancel_ = form.Button("cmdCancel", tr("Cancel"));
   next_ = form.Button("cmdNext", tr("Next"), Qt::Key_PageUp);
   previous_ = form.Button("cmdPrevious", tr("Previous"), Qt::Key_PageDown);
-  recent_ = form.Button("cmdRecent", tr("Recent"), Qt::Key_F4);
+  recent_ = form.Button("cmdRecent", tr("Recent"), Qt::CTRL | Qt::Key_R);
   settings_ = form.Button("cmdSettings", tr("Settings"));
   delete_ = form.Button("cmdDelete", tr("Delete"));
   auto* box = new QWidget;
@@ -185,6 +185,7 @@ void BatchForm::Listen() {
   });
   quantity_->installEventFilter(this);
   batchNo_->installEventFilter(this);
+  connect(batchNo_, &TextField::Left, this, [this] { batchNo_->SetText(BatchNoText(record_.BatchNo)); });
   unit_->OnChosen([this](int index) { EnterUnit(index); });
   auto* find = new QShortcut(QKeySequence::Find, this, nullptr, nullptr, Qt::WidgetWithChildrenShortcut);
   connect(find, &QShortcut::activated, this, [this] { FocusField("txtBatchNo"); });

@@ -165,7 +165,9 @@ void RowsPanel::Show(const BatchRecord& record) {
   const BatchWork& work = record.work;
   const bool named = !work.Color_Name.empty();
   title_->setText(Q(work.Color_Name));
-  ink_->Show(named ? InkOf(session_, ColorKind::Mix, work.Color_Name) : std::nullopt);
+  const auto ink = named ? InkOf(session_, ColorKind::Mix, work.Color_Name) : std::nullopt;
+  ink_->Show(ink);
+  ink_->setVisible(ink.has_value());
   guide_->setText(named ? Q(GuideOf(work)) : QString());
   modified_->setVisible(record.modifiedFormula);
   prevAdditions_->setVisible(named && PriorBatchHadAdditions(session_, work.Color_Name));

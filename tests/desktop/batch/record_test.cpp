@@ -10,6 +10,7 @@
 #include <random>
 
 #include "bench_room.h"
+#include "core/batch/actions.h"
 #include "core/batch/record.h"
 #include "core/inventory/lot_selection.h"
 #include "desktop/kit/window.h"
@@ -397,6 +398,91 @@ TEST_F(BatchRecordTest, SaveAndHoldStaysAndNextWalks) {
   EXPECT_TRUE(Control<QLineEdit>(*form, "cmbColorName").isReadOnly());
 }
 
+TEST_F(BatchRecordTest, EnterAloneGoesThroughTheFieldsToTheSave) {
+  HaveTarget();
+  Setting("BatchActionButton", "0");
+  Open();
+  TypeOn("TARGET");
+  PressOn(Qt::Key_Return);
+  TypeOn("10");
+  PressOn(Qt::Key_Return);
+  TypeOn("JOB 7");
+  for (const char* next : {"txtQtyUsed", "chkReturnToInventory"}) {
+    PressOn(Qt::Key_Return);
+    EXPECT_EQ(FocusName(), next);
+  }
+  PressOn(Qt::Key_Return);
+  ExpectCleared();
+  EXPECT_EQ(Jobs(), (Texts{"JOB 7 10.000"}));
+}
+
+TEST_F(BatchRecordTest, ABatchOfNothingIsNotSaved) {
+  HaveTarget();
+  Open();
+  Make("TARGET", "0.0004", Qt::Key_F3);
+  EXPECT_EQ(Control<CellButton>(*form, "lblTotal").text(), "0.000");
+  prompt.Expect(kPad40 + "Save Batch", Answer::Ok,
+                "Can't Save this batch.\nBatch total must be greater than zero.\n\nRevise recipe and Save again.");
+  Save();
+  prompt.Expect(kPad40 + "Update Batch", Answer::Yes,
+                "Batch total must be greater than zero.\nRevise and fix the recipe?");
+  PressOn(Qt::Key_PageUp);
+  EXPECT_TRUE(form->InEdit());
+  prompt.Expect(kPad40 + "Update Batch", Answer::No);
+  PressOn(Qt::Key_PageUp);
+  ExpectCleared();
+  EXPECT_EQ(Batches(), 0);
+}
+
+TEST_F(BatchRecordTest, RequiredFieldsAreShownWhereTheyAreFilledIn) {
+  HaveTarget();
+  session.support->settings.AppendSupportValue("BatchUDTxtRequired2", "1");
+  Open();
+  Make("TARGET", "10", Qt::Key_F3);
+  prompt.Expect("More Data Incomplete", Answer::Ok,
+                "Required User Defined Text Fields Incomplete.\nPress More Data and complete.");
+  Save();
+  EXPECT_EQ(FocusName(), "cmdMoreData");
+  EXPECT_EQ(Batches(), 0);
+}
+
+TEST_F(BatchRecordTest, TenBatchesOfTheSampleRoom) {
+  HaveInkRoom();
+  session.File().Execute("UPDATE INK_Basic SET Inventory = 500");
+  Open();
+  Statement names = session.File().Prepare("SELECT Color_Name FROM INK_Mix ORDER BY Color_Name LIMIT 10 OFFSET 7");
+  Texts formulas;
+  while (names.Step()) formulas.push_back(names.Text(0));
+  names.Reset();
+  for (const std::string& formula : formulas) {
+    SCOPED_TRACE(formula);
+    // What the core alone makes of it.
+    BatchWork work = NewBatchWork(session);
+    work.Color_Name = formula;
+    work.QuantityText = "12.5";
+    ASSERT_TRUE(RecycleAction(session, work));
+    Texts lines;
+    for (const BatchRow& row : work.Rows)
+      lines.push_back(std::string(RowKindName(row.kind)) + " " + row.name + " " + row.amount + " lb.");
+    Make(formula, "12.5", Qt::Key_F2);
+    EXPECT_EQ(Rows(), lines);
+    Save();
+    ExpectCleared();
+  }
+  EXPECT_EQ(Batches(), 10);
+  // Looked through from the last to the first, nothing is another one afterwards.
+  const std::string sums =
+      "SELECT (SELECT SUM(Inventory) FROM INK_Basic) || ' ' || (SELECT SUM(Inventory) FROM INK_Mix)";
+  const std::string before = Scalar(sums).Text();
+  for (int i = 10; i >= 1; --i) {
+    PressOn(Qt::Key_PageDown);
+    EXPECT_EQ(Text("cmbColorName"), formulas[static_cast<std::size_t>(i) - 1]);
+  }
+  PressOn(Qt::Key_PageDown);
+  ExpectCleared();
+  EXPECT_EQ(Scalar(sums).Text(), before);
+}
+
 /// Stands for the window in which lots are chosen: takes the whole need from Unlotted Inventory.
 struct ChoosesUnlotted : desktop::Dialog {
   ChoosesUnlotted(desktop::WindowList& list, QWidget* owner) : Dialog(list, owner, "BatchLotInvSelector", "Lots") {
@@ -439,6 +525,28 @@ TEST_F(BatchRecordTest, LotsAreChosenRowByRow) {
   EXPECT_EQ(Scalar("SELECT LotLoc FROM INK_Mix_LotInv WHERE LotNumber = 'L-77'").Text(), "SHELF 3");
   EXPECT_EQ(BasicStock("RED"), 96);
   EXPECT_EQ(MixStock("LEFTOVER"), 0);
+
+  // A negative addition brings a need to nothing, and is told to touch what was chosen.
+  Make("TARGET", "10", Qt::Key_F3);
+  prompt.Expect("Re-enter Inventory Lot Selections", Answer::Ok,
+                "This negative Batch Addition can impact prior Inv. Lot Selections.\nThe Basic Color that matches this "
+                "negative Batch Addition,\nmay need to have its Lotted Inventory selections updated.");
+  InDialog([&] { Click(*form, "ImgAdditions"); },
+           [&](QWidget&) {
+             TypeOn("BLUE");
+             PressOn(Qt::Key_Return);
+             TypeOn("-4");
+             PressOn(Qt::Key_Return);
+             PressOn(Qt::Key_Return);
+           });
+  ASSERT_EQ(Rows(), (Texts{"Basic RED 6.000 lb.", "Basic BLUE 4.000 lb.", "Addition BLUE -4.000 lb."}));
+  EXPECT_FALSE(Cell("lblLot", 2).isVisible());
+  prompt.Expect(kPad40 + "Lot Selection Disabled", Answer::Ok,
+                "A negative Batch Addition has been applied to this color.\n\nIt has created a Zero Quantity for the "
+                "Ingredient.");
+  Click(Cell("lblLot", 1));
+  prompt.Expect(kPad40 + "Cancel?", Answer::Yes);
+  Click(*form, "cmdCancel");
 
   // Nothing goes to stock, so there is no lot whose place could be kept.
   Make("TARGET", "10", Qt::Key_F3);

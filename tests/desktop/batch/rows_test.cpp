@@ -306,6 +306,16 @@ TEST_F(BatchRowsTest, AdditionsByKeyboard) {
     InDialog([&] { Click(*form, "ImgAdditions"); }, inside);
   };
   add([&](QWidget& dialog) {
+    for (const char* typed : {"RED", "-6", "BLUE", "-4"}) {
+      TypeOn(typed);
+      PressOn(Qt::Key_Return);
+    }
+    prompt.Expect("Negative Additions - Batch Size");
+    Click(dialog, "cmdSave");
+    Click(dialog, "cmdCancel");
+  });
+  EXPECT_EQ(Rows().size(), 2U);
+  add([&](QWidget& dialog) {
     EXPECT_EQ(dialog.windowTitle(), " Batch Addition");
     prompt.Expect("Batch Additions - Invalid Amount", Answer::Ok,
                   "Enter an amount between\n-99999.000  and  99999.000");
