@@ -12,7 +12,7 @@
 #include "core/batch/default_models.h"
 #include "core/batch/jobs.h"
 #include "core/batch/recipe.h"
-#include "core/colors/amounts.h"
+#include "core/session/rights.h"
 #include "core/settings/settings_keys.h"
 
 namespace vellumark {
@@ -287,6 +287,7 @@ Result<void> SetRowLots(Session& session, BatchRecord& record, std::size_t row, 
 // ---- Figures and fields
 
 Result<void> SetBatchCostModel(Session& session, BatchRecord& record, const BatchCostModel& model, bool futureBatches) {
+  if (auto right = RequireCommandRight(session, CommandRight::Costs); !right) return right;
   if (auto editable = CheckEditable(session, record); !editable) return editable;
   const auto ofBatch = ReadCost(session, model.FixedCostOfBatch, "txtFixedCostBatch");
   if (!ofBatch) return std::unexpected(ofBatch.error());
@@ -307,6 +308,7 @@ Result<void> SetBatchCostModel(Session& session, BatchRecord& record, const Batc
 
 Result<void> SetBatchEmissionModel(Session& session, BatchRecord& record, const BatchCostModel& model,
                                    bool futureBatches) {
+  if (auto right = RequireCommandRight(session, CommandRight::VOCHAP); !right) return right;
   if (auto editable = CheckEditable(session, record); !editable) return editable;
   BatchCostModel& cost = record.work.cost;
   cost.MixVOCModelType = std::clamp(model.MixVOCModelType, 0, 2);

@@ -66,10 +66,10 @@ Result<void> SetRowLots(Session& session, BatchRecord& record, std::size_t row, 
 
 // ---- Figures and fields
 
-/// How the Batch is costed. Refuses a cost below 0 ("Invalid Cost") and a percentage outside 0 to 100 ("Invalid
-/// Percentage"); `futureBatches` also makes it the default.
+/// How the Batch is costed. Refuses a user who may not edit costs, a cost below 0 ("Invalid Cost") and a percentage
+/// outside 0 to 100 ("Invalid Percentage"); `futureBatches` also makes it the default.
 Result<void> SetBatchCostModel(Session& session, BatchRecord& record, const BatchCostModel& model, bool futureBatches);
-/// MixVOCModelType and MixHAPModelType of `model`.
+/// MixVOCModelType and MixHAPModelType of `model`. Refuses a user who may not edit emissions.
 Result<void> SetBatchEmissionModel(Session& session, BatchRecord& record, const BatchCostModel& model,
                                    bool futureBatches);
 

@@ -81,14 +81,20 @@ BatchRecord NewBatchRecord(const Session& session) {
 
 std::int32_t UpcomingBatchNo(const Session& session) {
   Statement taken = session.File().Prepare(
-      fmt::format("SELECT 1 FROM {} WHERE BatchNo = ? LIMIT 1", Quoted(session.Table(schema::Batch))));
-  std::int32_t number = std::clamp(session.BatchNumber, 1, kLastCounter);
-  // Once the counter has begun anew it may meet Batches that were never archived.
-  for (std::int32_t tried = 0; tried < kLastCounter; ++tried) {
+      fmt::format("SELECT BatchNo FROM {} WHERE BatchNo >= ? ORDER BY BatchNo", Quoted(session.Table(schema::Batch))));
+  const auto firstFree = [&](std::int32_t from) {
     taken.Reset();
-    if (!taken.Bind(1, number).Step()) return number;
-    number = number == kLastCounter ? 1 : number + 1;
-  }
+    taken.Bind(1, from);
+    std::int64_t free = from;
+    while (taken.Step() && taken.Whole(0) <= free)
+      if (taken.Whole(0) == free) ++free;
+    return free;
+  };
+  const std::int64_t free = firstFree(std::clamp(session.BatchNumber, 1, kLastCounter));
+  if (free <= kLastCounter) return static_cast<std::int32_t>(free);
+  // The counter begins anew, and may meet Batches that were never archived.
+  const std::int64_t again = firstFree(1);
+  if (again <= kLastCounter) return static_cast<std::int32_t>(again);
   throw Failure(session.File().Path().string(), "has no free Batch number left; archive old Batches");
 }
 

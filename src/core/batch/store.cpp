@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <limits>
+#include <stdexcept>
 
 #include "core/base/text.h"
 #include "core/batch/holding.h"
@@ -157,6 +158,8 @@ Result<void> CheckStorable(const Session& session, const BatchRecord& record) {
 
 Result<SaveEnd> StoreBatch(Session& session, BatchRecord& record, BatchDialogs& dialogs, std::int32_t* storedNo) {
   if (const auto storable = CheckStorable(session, record); !storable) return std::unexpected(storable.error());
+  if (record.state == BatchState::Edit && !record.stockReturned)
+    throw std::logic_error("a Batch that was left is not stored: " + BatchNoText(record.BatchNo));
   ModifiedBatchChoice choice;
   if (OffersFormulaChange(session, record)) {
     const auto chosen = dialogs.ShowSaveModifiedBatch(session, record);
