@@ -99,7 +99,7 @@ std::optional<std::int64_t> PreviousBatchRow(const Session& session, const Batch
 
 std::vector<BatchListRow> RecentBatches(const Session& session, int count) {
   Statement rows =
-      session.File().Prepare(fmt::format("SELECT {} FROM {} ORDER BY Date_Entered DESC, BatchNo DESC LIMIT ?1",
+      session.File().Prepare(fmt::format("SELECT {} FROM {} ORDER BY Date_Entered DESC, rowid DESC LIMIT ?1",
                                          kListColumns, Quoted(session.Table(schema::Batch))));
   rows.Bind(1, count);
   return ReadList(std::move(rows));
