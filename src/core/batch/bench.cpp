@@ -18,6 +18,15 @@
 namespace vellumark {
 namespace {
 
+// For a work that may be changed and for one that may not.
+template <class Work>
+auto& LotsOfRow(Work& work, std::size_t row) {
+  if (row < work.RecycledColors.size()) return work.RecycledColors[row].lots;
+  row -= work.RecycledColors.size();
+  if (row < work.Ingredients.size()) return work.Ingredients[row].lots;
+  return work.Additions.at(row - work.Ingredients.size()).lots;
+}
+
 // What the rows held of lots before an act. A row that comes out of it with the same name, kind and amount gets its
 // selection back.
 class KeptLots {
@@ -35,20 +44,10 @@ class KeptLots {
       lots.uses.clear();
       for (const Kept& kept : kept_) {
         if (kept.row.kind != row.kind || !EqualNoCase(kept.row.name, row.name)) continue;
-        const bool fits = row.kind == RowKind::Mix ? RoundTo(kept.lots.Used(), 3) <= row.Amount() : false;
+        const bool fits = row.kind == RowKind::Mix && RoundTo(kept.lots.Used(), 3) <= row.Amount();
         if (fits || kept.row.amount == row.amount) lots = kept.lots;
       }
     }
-  }
-
-  static const LotSelection& LotsOfRow(const BatchWork& work, std::size_t row) {
-    if (row < work.RecycledColors.size()) return work.RecycledColors[row].lots;
-    row -= work.RecycledColors.size();
-    if (row < work.Ingredients.size()) return work.Ingredients[row].lots;
-    return work.Additions.at(row - work.Ingredients.size()).lots;
-  }
-  static LotSelection& LotsOfRow(BatchWork& work, std::size_t row) {
-    return const_cast<LotSelection&>(LotsOfRow(std::as_const(work), row));
   }
 
  private:
@@ -266,7 +265,7 @@ float LotNeed(const Session&, const BatchRecord& record, std::size_t row) {
 }
 
 const LotSelection& RowLots(const BatchRecord& record, std::size_t row) {
-  return KeptLots::LotsOfRow(record.work, row);
+  return LotsOfRow(record.work, row);
 }
 
 Result<void> OpenRowLots(Session& session, BatchRecord& record, std::size_t row) {
@@ -280,7 +279,7 @@ Result<void> OpenRowLots(Session& session, BatchRecord& record, std::size_t row)
 
 Result<void> SetRowLots(Session& session, BatchRecord& record, std::size_t row, LotSelection lots) {
   if (auto editable = CheckEditable(session, record); !editable) return editable;
-  KeptLots::LotsOfRow(record.work, row) = std::move(lots);
+  LotsOfRow(record.work, row) = std::move(lots);
   return {};
 }
 
