@@ -52,8 +52,8 @@ QWidget* AdjustEntry::BuildFields(Form& form) {
   quantity_->setFont(Look::Figures(1.4));
   quantity_->setMinimumWidth(144);
   quantity_->setMaximumWidth(144);
-  lotNumber_ = ChoiceCombo(form, "cmbLotNum", tr("Lot Number"), 16, kLotTextLength);
-  location_ = ChoiceCombo(form, "cmbLocation", tr("Location"), 12, kLotTextLength);
+  lotNumber_ = ChoiceCombo(form, "cmbLotNum", tr("Lot Number"), 14, kLotTextLength);
+  location_ = ChoiceCombo(form, "cmbLocation", tr("Location"), 11, kLotTextLength);
   container_ = form.Text("ContID", TextRule::Any(kLotTextLength));
   container_->setMinimumWidth(104);
   container_->setMaximumWidth(144);

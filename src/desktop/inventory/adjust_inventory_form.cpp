@@ -27,7 +27,7 @@ namespace {
 constexpr const char* kNameField = "cmbColorName";
 constexpr int kCostChars = 9;
 constexpr int kNoteLength = 30;
-constexpr int kRecordWidth = 344;
+constexpr int kRecordWidth = 424;
 constexpr int kTextWidth = 160;
 constexpr int kManual = 0;
 constexpr int kSettings = 1;
@@ -121,30 +121,45 @@ void AdjustInventoryForm::BuildRecord(Form form) {
   code_->setMinimumWidth(kTextWidth);
   code_->Means("Color_Code");
   row(tr("Reorder Point"), {reorder_ = Figure(form, "txtReorder", StockFigure::Reorder, "Reorder")});
+  // What the ingredients of a formula come to stands behind each of its own figures.
+  const auto pair = [&](const QString& caption, std::initializer_list<QWidget*> own, const QString& behind,
+                        const char* name) {
+    QLabel* label = form.Hint({});
+    ValueField* value = form.Value(name, 1);
+    value->setAccessibleName(behind);
+    captions_.emplace_back(label, behind);
+    formulaOnly_.insert(formulaOnly_.end(), {value, label});
+    std::vector<QWidget*> line(own);
+    auto* box = new QWidget;
+    auto* across = new QHBoxLayout(box);
+    across->setContentsMargins(0, 0, 0, 0);
+    across->setSpacing(space::kUnit);
+    for (QWidget* widget : line) across->addWidget(widget);
+    across->addStretch(1);
+    across->addWidget(label);
+    across->addWidget(value);
+    row(caption, {box})->setBuddy(line.front());
+    line.front()->setAccessibleName(caption);
+    return value;
+  };
   cost_ = Figure(form, "txtPurchaseCost", StockFigure::PurchaseCost, "PurchaseCost");
   const bool priceBlocked = session.Perm_Costs == 0;
   cost_->setVisible(!priceBlocked);
   QLabel* blocked = form.Hint(tr("User Permissions - Price Blocked"), "lblPriceBlocked");
   blocked->setVisible(priceBlocked);
-  row(tr("Purchase Cost"), {cost_, blocked});
-  const auto figure = [&](const QString& caption, const char* name) {
-    ValueField* value = form.Value(name, 1);
-    QLabel* label = row(caption, {value});
-    formulaOnly_.insert(formulaOnly_.end(), {value, label});
-    return value;
-  };
-  basicCost_ = figure(tr("Basic Cost"), "lblBasicCost");
-  row(tr("VOC"), {voc_ = Figure(form, "txtVOC", StockFigure::VOC, "VOC")});
-  vocBasics_ = figure(tr("VOC - Basics"), "lblVOCBasics");
-  row(tr("HAP"), {hap_ = Figure(form, "txtHAP", StockFigure::HAP, "HAP")});
-  hapBasics_ = figure(tr("HAP - Basics"), "lblHAPBasics");
+  basicCost_ = pair(tr("Purchase Cost"), {cost_, blocked}, tr("Basic Cost"), "lblBasicCost");
+  basicCostCaption_ = captions_[captions_.size() - 2].first;
+  voc_ = Figure(form, "txtVOC", StockFigure::VOC, "VOC");
+  vocBasics_ = pair(tr("VOC"), {voc_}, tr("VOC - Basics"), "lblVOCBasics");
+  hap_ = Figure(form, "txtHAP", StockFigure::HAP, "HAP");
+  hapBasics_ = pair(tr("HAP"), {hap_}, tr("HAP - Basics"), "lblHAPBasics");
   recycle_ = form.Check("chkRecycle", tr("Recyclable"));
   form.Row(recycle_);
   formulaOnly_.push_back(recycle_);
   form.Row(tr("Inventory note"), note_ = form.Text("txtInvNote", TextRule::Any(kNoteLength)));
   note_->setMinimumWidth(kTextWidth);
   note_->Means("Inv_Note");
-  form.Row(tr("Notes"), notes_ = form.Note("txtNotes", 3));
+  form.Row(tr("Notes"), notes_ = form.Note("txtNotes", 2));
   Relabel();
 }
 
@@ -175,7 +190,9 @@ void AdjustInventoryForm::UpdateEnabled() {
   low_->setVisible(shown && isLow_);
   state_->setText(edited ? tr("Changed") : QString());
   for (QWidget* widget : formulaOnly_) widget->setVisible(formula);
-  if (session.Perm_Costs == 0) basicCost_->setVisible(false);
+  if (session.Perm_Costs == 0)
+    for (QWidget* widget : {static_cast<QWidget*>(basicCost_), static_cast<QWidget*>(basicCostCaption_)})
+      widget->setVisible(false);
   settings_->UpdateEnabled();
 }
 

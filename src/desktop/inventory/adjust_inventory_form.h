@@ -76,6 +76,7 @@ class AdjustInventoryForm : public Window {
   TextField* note_ = nullptr;
   NoteField* notes_ = nullptr;
   ValueField* basicCost_ = nullptr;
+  QLabel* basicCostCaption_ = nullptr;
   ValueField* vocBasics_ = nullptr;
   ValueField* hapBasics_ = nullptr;
   std::vector<std::pair<QLabel*, QString>> captions_;  ///< with their words, to which the unit is added

@@ -40,7 +40,7 @@ void InventoryPanel::BuildList(Form& form) {
   list_->ShowFilter(tr("Find a lot, location or container"));
   list_->SetEmptyText(tr("No color"));
   list_->SetSource(source_);
-  list_->setMinimumHeight(168);
+  list_->setMinimumHeight(104);
   list_->setAccessibleName(tr("Inventory"));
   form.Wide(list_, 1);
   connect(list_, &Grid::CurrentRowChanged, this, &InventoryPanel::RowChosen);
@@ -71,13 +71,13 @@ std::vector<GridColumn> InventoryPanel::Columns() const {
   const Session& session = host_.session;
   const bool prices = session.Perm_Costs != 0;
   std::vector<GridColumn> columns{
-      GridColumn::Text({}, 40),
-      GridColumn::Text(tr("Lot Number"), 160),
-      GridColumn::Text(tr("Location"), 112),
-      GridColumn::Text(tr("Cont ID Num"), 104),
-      GridColumn::Amount(WithUnit(tr("Quantity"), session.UMI), 136),
-      GridColumn::Text(tr("Date"), 96),
-      GridColumn::Number(PriceCaption(session.UMI), prices ? 104 : 0),
+      GridColumn::Text({}, 32),
+      GridColumn::Text(tr("Lot Number"), 128),
+      GridColumn::Text(tr("Location"), 100),
+      GridColumn::Text(tr("Cont ID Num"), 96),
+      GridColumn::Amount(WithUnit(tr("Quantity"), session.UMI), 128),
+      GridColumn::Text(tr("Date"), 88),
+      GridColumn::Number(PriceCaption(session.UMI), prices ? 96 : 0),
       GridColumn::Text(tr("Consignment"), 104),
       GridColumn::Text("IngType", 0),
   };

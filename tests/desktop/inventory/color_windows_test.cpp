@@ -118,5 +118,27 @@ TEST_F(ColorWindowsTest, AFormulaKeepsItsStockInItsWindowToo) {
   EXPECT_FALSE(form->InEdit());
 }
 
+TEST_F(ColorWindowsTest, AllOfItFitsIntoTheMainWindowOfASmallScreen) {
+  ByContainer();
+  Basic("RED");
+  Mix("PINK", {{"RED", 100}});
+  const struct {
+    const char* window;
+    const char* tabs;
+    const char* color;
+  } cases[] = {{"AdjustInventoryForm", "Inventory_TabStrip", "PINK"},
+               {"BasicColorsForm", "TabBasic", "RED"},
+               {"MixColorsForm", "TabMix", "PINK"}};
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.window);
+    OpenStock(c.window, c.tabs, c.color);
+    // What menu, toolbar and tabs leave of 1280 by 720.
+    Picture(*form, std::string("inventory-small-") + c.window, {1280, 584});
+    form->resize(1280, 584);
+    Settle();
+    EXPECT_EQ(form->size(), QSize(1280, 584)) << "it needs more";
+  }
+}
+
 }  // namespace
 }  // namespace vellumark::test
