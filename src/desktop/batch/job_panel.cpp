@@ -98,8 +98,8 @@ void JobPanel::Show() {
   job_->setReadOnly(isSplit);
   used_->SetText(record_.QtyUsedText());
   used_->setReadOnly(isSplit);
-  usedUnit_->setText(unit);
-  returnedUnit_->setText(unit);
+  usedUnit_->setText(open ? unit : QString());
+  returnedUnit_->setText(open ? unit : QString());
   returns_->setChecked(record_.ReturnToInventory || !record_.jobs.empty());
   returned_->setText(open ? Q(record_.ReturnedText()) : QString());
   lot_->SetText(record_.fields.LotNumber);

@@ -63,7 +63,6 @@ RecyclePanel::RecyclePanel(FormHost& host, Form& form) : source_(std::make_share
   inventoryOnly_->setToolTip(tr("Only colors that are to be recycled and are in stock"));
   list_ = form.Table("fgRecList");
   list_->setMinimumHeight(96);
-  list_->SetEmptyText(tr("No color can be recycled"));
   list_->View().setAccessibleName(tr("Recycle List"));
   ShowCaptions(unit_);
   list_->SetSource(source_);
@@ -100,6 +99,7 @@ void RecyclePanel::ShowCaptions(int unit) {
 void RecyclePanel::Show(const BatchWork& work) {
   source_->Set(RecycleListRows(work, view_));
   ShowCaptions(work.UMF);
+  list_->SetEmptyText(work.Rows.empty() ? QString() : tr("No color can be recycled"));
   list_->Refresh();
 }
 

@@ -178,7 +178,7 @@ void RowsPanel::Show(const BatchRecord& record) {
   total_->setAccessibleName(tr("Total"));
   unit_->setText(rows ? Q(UnitName(work.UMF)) : QString());
   percent_->setText(rows ? tr("%1 recycled").arg(Q(work.PercentRecycled)) : QString());
-  additions_->setEnabled(rows);
+  totalRow_->setVisible(rows);
   zeroMsg_->setVisible(work.zeroRows > 0);
 }
 

@@ -407,7 +407,9 @@ TEST_F(BatchRowsTest, HowItLooks) {
   Picture(*form, "batch-empty", {1280, 590});
   const std::string name =
       Scalar("SELECT Color_Name FROM INK_Mix ORDER BY length(Color_Set) DESC LIMIT 1 OFFSET 3").Text();
-  Make(name, "25", Qt::Key_F2);
+  Make(name, "25", Qt::Key_F3);
+  Picture(*form, "batch-mixed", {1280, 590});
+  PressOn(Qt::Key_F2);
   Picture(*form, "batch-recycled", {1280, 590});
   Control<QTabWidget>(*form, "TabBatch").setCurrentIndex(1);
   Picture(*form, "batch-costs", {1280, 590});

@@ -1,0 +1,76 @@
+// The Batch Window inside the main window: how it is opened, what it keeps from opening, how much of it is in sight.
+
+#include <gtest/gtest.h>
+
+#include <QLineEdit>
+
+#include "desktop/batch/register.h"
+#include "desktop/inventory/register.h"
+#include "desktop/shell/main_form.h"
+#include "support/desktop.h"
+#include "support/ink_room.h"
+
+namespace vellumark::test {
+namespace {
+
+struct BatchInMainTest : testing::Test, InkRoom {
+  BatchInMainTest() {
+    Setting("InvLotTracking", "0");
+    session.RecordsetsOpen = true;
+    RegisterInventoryWindows(windows);
+    RegisterBatchWindows(windows);
+    Basic("RED", {{"Inventory", 100.0F}, {"Red", 220}, {"Green", 30}, {"Blue", 40}});
+    Basic("BLUE", {{"Inventory", 100.0F}, {"Red", 20}, {"Green", 60}, {"Blue", 200}});
+    Mix("TARGET", {{"RED", 60}, {"BLUE", 40}},
+        {{"Recycle", true}, {"Inventory", 2.0F}, {"Red", 150}, {"Green", 40}, {"Blue", 110}});
+  }
+
+  desktop::WindowList windows{session};
+};
+
+TEST_F(BatchInMainTest, OpenedByTheToolbarItKeepsStockFromBeingChanged) {
+  desktop::MainForm main(windows);
+  main.resize(1280, 720);
+  ShowActive(main);
+  Click(main, "Batch");
+  desktop::Window* form = windows.Form("BatchForm");
+  ASSERT_NE(form, nullptr);
+  EXPECT_EQ(FocusName(), "cmbColorName");
+  TypeOn("TARGET");
+  PressOn(Qt::Key_Return);
+  TypeOn("10");
+  PressOn(Qt::Key_F2);
+  ASSERT_TRUE(windows.IsInEdit("BatchForm"));
+
+  prompt.Expect("Batch Window - in State of Edit.", Answer::Ok,
+                "The Batch Window is open with active data.\nChanging data elsewhere can impact this recipe.\nSave or "
+                "Clear the data on the Batch Window.");
+  Click(main, "Inventory");
+  EXPECT_FALSE(windows.IsFormOpen("AdjustInventoryForm"));
+  // The name of a row goes the way round: the Batch is saved and cleared, then stock can be put right.
+  prompt.Expect("Adjust Inventory Confirmation", Answer::Yes);
+  Click(*form, "lblName1");
+  EXPECT_FALSE(windows.IsInEdit("BatchForm"));
+  ASSERT_TRUE(windows.IsFormOpen("AdjustInventoryForm"));
+  EXPECT_EQ(Control<QLineEdit>(*windows.Form("AdjustInventoryForm"), "cmbColorName").text(), "RED");
+  windows.CloseForm("AdjustInventoryForm");
+  Settle();
+
+  windows.OpenForm("BatchForm", {{"BatchNo", 1}});
+  Settle();
+  const QRect sight(main.mapToGlobal(QPoint(0, 0)), main.size());
+  for (const char* name :
+       {"cmdRecycle", "cmdMix", "lblAmount0", "lblTotal", "fgRecList", "JobNumber", "cmdSave", "cmdDelete"}) {
+    const QWidget& control = Control(*form, name);
+    EXPECT_TRUE(sight.contains(QRect(control.mapToGlobal(QPoint(0, 0)), control.size()))) << name;
+  }
+  Picture(main, "main-form-batch");
+  prompt.Expect("Batch Not Found");
+  windows.OpenForm("BatchForm", {{"BatchNo", 9}});
+  EXPECT_TRUE(windows.CloseChildWindows());
+  Settle();
+  EXPECT_EQ(Scalar("SELECT Inventory FROM INK_Basic WHERE Color_Name = 'RED'").Number(), 95.2F);
+}
+
+}  // namespace
+}  // namespace vellumark::test
