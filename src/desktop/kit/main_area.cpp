@@ -13,7 +13,11 @@ MainArea::MainArea(QWidget* frame) : QMdiArea(frame), frame_(frame) {
   setHorizontalScrollBarPolicy(Qt::ScrollBarAsNeeded);
   setVerticalScrollBarPolicy(Qt::ScrollBarAsNeeded);
   ShowAsTabs();
-  connect(this, &QMdiArea::subWindowActivated, this, [this] { Q_EMIT ActiveChanged(); });
+  connect(this, &QMdiArea::subWindowActivated, this, [this](QMdiSubWindow* sub) {
+    // The one behind a closed tab comes forward in the size it had before it was a tab.
+    if (sub != nullptr && viewMode() == QMdiArea::TabbedView && !sub->isMaximized()) sub->showMaximized();
+    Q_EMIT ActiveChanged();
+  });
 }
 
 MainArea::~MainArea() = default;

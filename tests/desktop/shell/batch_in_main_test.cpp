@@ -58,6 +58,7 @@ TEST_F(BatchInMainTest, OpenedByTheToolbarItKeepsStockFromBeingChanged) {
 
   windows.OpenForm("BatchForm", {{"BatchNo", 1}});
   Settle();
+  EXPECT_GT(form->width(), 1200) << "a tab fills the window, also after the one over it was closed";
   const QRect sight(main.mapToGlobal(QPoint(0, 0)), main.size());
   for (const char* name :
        {"cmdRecycle", "cmdMix", "lblAmount0", "lblTotal", "fgRecList", "JobNumber", "cmdSave", "cmdDelete"}) {
