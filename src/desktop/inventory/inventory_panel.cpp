@@ -190,14 +190,14 @@ void InventoryPanel::Refresh(const std::string& name) {
   work_->name = name;
   if (changed_ || !onFile_) return;
   const int row = list_->CurrentRow();
-  const auto key = row < 0 ? std::nullopt : work_->rows[static_cast<std::size_t>(row)].key;
+  const std::int32_t key = row < 0 ? -1 : work_->rows[static_cast<std::size_t>(row)].key.value_or(-1);
   const bool touched = entry_->IsTouched();
   *work_ = LoadInventory(host_.session, work_->kind, name);
   work_->reason = reason_->Text();
   loading_ = true;
   ShowList();
-  const auto found =
-      std::ranges::find_if(work_->rows, [&](const InventoryRow& candidate) { return key && candidate.key == key; });
+  const auto found = std::ranges::find_if(
+      work_->rows, [&](const InventoryRow& candidate) { return key >= 0 && candidate.key == key; });
   const bool stays = found != work_->rows.end();
   list_->SetCurrentRow(stays ? static_cast<int>(found - work_->rows.begin()) : -1);
   loading_ = false;
