@@ -87,7 +87,12 @@ QWidget* BatchForm::BuildHead(Form& form) {
   grid->addWidget(recycle_, 1, 3);
   grid->addWidget(mix_, 1, 4);
   grid->setColumnStretch(0, 4);
-  grid->setColumnStretch(5, 1);
+  // Beside the actions, for it says when they are to be pressed again.
+  state_ = form.Hint({}, "lblState");
+  state_->setWordWrap(true);
+  grid->addWidget(state_, 1, 5);
+  grid->setColumnMinimumWidth(5, 120);
+  grid->setColumnStretch(5, 5);
   place(6, Caption(tr("Batch ID # (Ctrl+F)"), batchNo_), batchNo_);
   return head;
 }
@@ -144,9 +149,8 @@ QWidget* BatchForm::BuildSide(Form& form) {
 
 QWidget* BatchForm::BuildButtons(Form& form) {
   complete_ = form.Check("chkComplete", tr("Complete"));
-  state_ = form.Hint({}, "lblState");
   save_ = form.Button("cmdSave", tr("&Save"));
-  hold_ = form.Button("cmdSaveAndHold", tr("Save and hold"), Qt::CTRL | Qt::SHIFT | Qt::Key_S);
+  hold_ = form.Button("cmdSaveAndHold", tr("Save and hold"), Qt::Key_F12);
   cancel_ = form.Button("cmdCancel", tr("Cancel"));
   next_ = form.Button("cmdNext", tr("Next"), Qt::Key_PageUp);
   previous_ = form.Button("cmdPrevious", tr("Previous"), Qt::Key_PageDown);
@@ -156,8 +160,8 @@ QWidget* BatchForm::BuildButtons(Form& form) {
   auto* box = new QWidget;
   auto* flow = new FlowLayout(box);
   flow->setContentsMargins(0, space::kUnit, 0, 0);
-  for (QWidget* part : std::initializer_list<QWidget*>{state_, complete_, save_, hold_, cancel_, next_, previous_,
-                                                       recent_, settings_, delete_})
+  for (QWidget* part :
+       std::initializer_list<QWidget*>{complete_, save_, hold_, cancel_, next_, previous_, recent_, settings_, delete_})
     flow->addWidget(part);
   QSizePolicy policy = box->sizePolicy();
   policy.setHeightForWidth(true);

@@ -409,6 +409,26 @@ TEST_F(BatchRowsTest, HowItLooks) {
       Scalar("SELECT Color_Name FROM INK_Mix ORDER BY length(Color_Set) DESC LIMIT 1 OFFSET 3").Text();
   Make(name, "25", Qt::Key_F3);
   Picture(*form, "batch-mixed", {1280, 590});
+  InDialog([&] { Click(*form, "ImgAdditions"); },
+           [&](QWidget&) {
+             for (const char* typed : {"EMERALD BASE", "-0.4", "4C BLACK", "0.0004"}) {
+               TypeOn(typed);
+               PressOn(Qt::Key_Return);
+             }
+             prompt.Expect("Batch Additions - Invalid Amount");
+             PressOn(Qt::Key_Return);
+             TypeOn("1.25");
+             PressOn(Qt::Key_Return);
+             PressOn(Qt::Key_Return);
+           });
+  Picture(*form, "batch-additions", {1280, 590});
+  form->FocusField("txtQuantity");
+  TypeOn("0.01");
+  PressOn(Qt::Key_F3);
+  EXPECT_TRUE(IsShown("lblZeroMsg"));
+  Picture(*form, "batch-zero", {1280, 590});
+  form->FocusField("txtQuantity");
+  TypeOn("25");
   PressOn(Qt::Key_F2);
   Picture(*form, "batch-recycled", {1280, 590});
   Control<QTabWidget>(*form, "TabBatch").setCurrentIndex(1);
