@@ -3,6 +3,8 @@
 #include <gtest/gtest.h>
 
 #include <QCheckBox>
+#include <QPlainTextEdit>
+#include <QTabWidget>
 #include <QTimer>
 #include <algorithm>
 #include <cmath>
@@ -588,6 +590,58 @@ TEST_F(BatchRecordTest, ABatchWindowThatClosesWithTheProgramTakesItsIngredientsA
   Settle();
   EXPECT_EQ(BasicStock("RED"), red);
   EXPECT_EQ(MixStock("LEFTOVER"), 0);
+}
+
+TEST_F(BatchRecordTest, TheWindowsAroundItOpenOnThisBatch) {
+  HaveTarget();
+  Open();
+  Make("TARGET", "10", Qt::Key_F3);
+  struct Way {
+    int tab;
+    const char* button;
+    const char* window;
+    const char* leave;
+  };
+  for (const Way& way :
+       {Way{1, "cmdCostInf", "CostInfForm", "cmdClose"}, Way{1, "cmdVOC_HAP", "VOC_HAP_CalcForm", "cmdCancel"},
+        Way{2, "cmdMoreData", "MoreDataForm", "cmdCancel"}, Way{0, "cmdSettings", "BatchSettingsForm", "cmdCancel"}}) {
+    SCOPED_TRACE(way.button);
+    Control<QTabWidget>(*form, "TabBatch").setCurrentIndex(way.tab);
+    InDialog([&] { Click(*form, way.button); },
+             [&](QWidget& dialog) {
+               EXPECT_EQ(dialog.objectName(), way.window);
+               Click(dialog, way.leave);
+             });
+    EXPECT_EQ(Rows().size(), 2U);
+  }
+  Save();
+  Make("TARGET", "11", Qt::Key_F3);
+  Save();
+  // The recent Batches, newest first.
+  InDialog([&] { PressOn(Qt::Key_R, Qt::ControlModifier); }, [&](QWidget&) { PressOn(Qt::Key_Return); });
+  EXPECT_EQ(Text("txtBatchNo"), "000002");
+}
+
+TEST_F(BatchRecordTest, AFullDiskKeepsTheBatchOnTheScreen) {
+  HaveTarget();
+  Open();
+  Make("TARGET", "10", Qt::Key_F3);
+  Control<QPlainTextEdit>(*form, "txtNotes").setPlainText(QString(400000, 'x'));
+  const float red = BasicStock("RED");
+  session.File().Execute("PRAGMA max_page_count = " + std::to_string(Scalar("PRAGMA page_count").Whole()));
+  prompt.Expect("Batch Window - Save Information?", Answer::Yes);
+  prompt.Expect(session.DataFileName);
+  EXPECT_FALSE(form->Leave());
+  EXPECT_TRUE(form->InEdit());
+  EXPECT_EQ(Rows().size(), 2U);
+  EXPECT_EQ(Batches(), 0);
+  EXPECT_EQ(BasicStock("RED"), red);
+  session.File().Execute("PRAGMA max_page_count = 1000000");
+  prompt.Expect("Batch Window - Save Information?", Answer::Yes);
+  EXPECT_TRUE(form->Leave());
+  Settle();
+  EXPECT_EQ(Batches(), 1);
+  EXPECT_EQ(BasicStock("RED"), red - 6);
 }
 
 /// An operator who answers whatever comes to mind.
