@@ -1,4 +1,6 @@
 #include <gtest/gtest.h>
+#include <chrono>
+#include <thread>
 
 #include "core/batch/open.h"
 #include "core/datafile/writer.h"
@@ -264,6 +266,7 @@ TEST(CliBatch, AdditionsChangeTheFormulaWhenTold) {
   EXPECT_EQ(with({"--fold-new", "GLOSSY"}).status, 0);
   EXPECT_EQ(shop.Json({"batch", "show", "2"})["Color_Name"], "GLOSSY");
   EXPECT_EQ(shop.Json({"formula", "show", "GLOSSY"})["BQ2"], 10);
+  std::this_thread::sleep_for(std::chrono::milliseconds(1100));  // dates are kept to the second
   EXPECT_EQ(with({"--fold"}).status, 0);
   EXPECT_EQ(shop.Json({"formula", "show", "TARGET"})["BQ0"], 54);
   // The first Batch was made by the recipe as it was before.
