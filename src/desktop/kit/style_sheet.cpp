@@ -33,7 +33,7 @@ QComboBox QLineEdit, QComboBox QLineEdit:focus, QAbstractSpinBox QLineEdit, QAbs
 QListView::item, QTreeView::item { background: @surface; min-height: 26px; padding: 0 4px; }
 QListView::item:selected, QTreeView::item:selected { background: @chosen; color: @text; }
 QPushButton { background: @raised; color: @text; border: 1px solid @line; border-radius: 4px; padding: 0 15px;
-  min-height: 30px; min-width: 64px; }
+  min-height: 30px; min-width: 64px; outline: none; }
 QPushButton:hover { border-color: @border; }
 QPushButton:pressed { background: @line; }
 QPushButton:focus { border: 2px solid @accent; padding: 0 14px; }
