@@ -9,12 +9,12 @@
 #include "core/colors/name_search.h"
 #include "core/colors/rollup.h"
 #include "core/inventory/color_stock.h"
-#include "desktop/colors/amount_field.h"
 #include "desktop/colors/measurements_panel.h"
-#include "desktop/colors/record_fields.h"
 #include "desktop/colors/swatch_fields.h"
 #include "desktop/inventory/inventory_panel.h"
+#include "desktop/kit/amount_field.h"
 #include "desktop/kit/icons.h"
+#include "desktop/kit/record_fields.h"
 #include "desktop/kit/text.h"
 
 namespace vellumark::desktop {

@@ -5,9 +5,9 @@
 #include "core/base/text.h"
 #include "core/base/units.h"
 #include "core/colors/basics.h"
-#include "desktop/colors/record_fields.h"
-#include "desktop/colors/swatch_view.h"
 #include "desktop/kit/look.h"
+#include "desktop/kit/record_fields.h"
+#include "desktop/kit/swatch_view.h"
 #include "desktop/kit/text.h"
 
 namespace vellumark::desktop {

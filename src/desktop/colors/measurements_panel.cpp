@@ -4,7 +4,7 @@
 
 #include "core/base/text.h"
 #include "core/colors/amounts.h"
-#include "desktop/colors/amount_field.h"
+#include "desktop/kit/amount_field.h"
 #include "desktop/kit/text.h"
 
 namespace vellumark::desktop {

@@ -13,8 +13,8 @@
 #include "desktop/colors/mix_details_panel.h"
 #include "desktop/colors/mix_notes_panel.h"
 #include "desktop/colors/new_additive_set_panel.h"
-#include "desktop/colors/record_fields.h"
 #include "desktop/inventory/inventory_panel.h"
+#include "desktop/kit/record_fields.h"
 #include "desktop/kit/text.h"
 
 namespace vellumark::desktop {

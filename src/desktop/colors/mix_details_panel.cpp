@@ -5,8 +5,8 @@
 #include "core/base/units.h"
 #include "core/colors/amounts.h"
 #include "core/inventory/lots.h"
-#include "desktop/colors/amount_field.h"
-#include "desktop/colors/record_fields.h"
+#include "desktop/kit/amount_field.h"
+#include "desktop/kit/record_fields.h"
 #include "desktop/kit/text.h"
 #include "desktop/kit/window_list.h"
 

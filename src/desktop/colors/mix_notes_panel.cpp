@@ -5,7 +5,7 @@
 
 #include "core/base/text.h"
 #include "core/colors/formula_notes.h"
-#include "desktop/colors/record_fields.h"
+#include "desktop/kit/record_fields.h"
 #include "desktop/kit/text.h"
 
 namespace vellumark::desktop {

@@ -4,7 +4,7 @@
 
 #include "core/base/number.h"
 #include "core/base/text.h"
-#include "desktop/colors/record_fields.h"
+#include "desktop/kit/record_fields.h"
 #include "desktop/kit/text.h"
 
 namespace vellumark::desktop {

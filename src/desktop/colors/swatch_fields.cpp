@@ -1,7 +1,7 @@
 #include "desktop/colors/swatch_fields.h"
 
 #include "core/colors/swatch.h"
-#include "desktop/colors/record_fields.h"
+#include "desktop/kit/record_fields.h"
 
 namespace vellumark::desktop {
 

@@ -4,8 +4,8 @@
 #include <array>
 
 #include "core/colors/attachments.h"
-#include "desktop/colors/swatch_view.h"
 #include "desktop/kit/form.h"
+#include "desktop/kit/swatch_view.h"
 
 namespace vellumark::desktop {
 

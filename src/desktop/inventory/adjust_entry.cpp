@@ -9,9 +9,9 @@
 #include "core/base/text.h"
 #include "core/colors/amounts.h"
 #include "core/session/options.h"
-#include "desktop/colors/record_fields.h"
 #include "desktop/inventory/lot_grid.h"
 #include "desktop/kit/look.h"
+#include "desktop/kit/record_fields.h"
 #include "desktop/kit/text.h"
 #include "desktop/kit/window_list.h"
 

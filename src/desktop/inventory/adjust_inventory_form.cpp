@@ -12,13 +12,13 @@
 #include "core/colors/amounts.h"
 #include "core/colors/basic_work.h"
 #include "core/colors/names.h"
-#include "desktop/colors/amount_field.h"
-#include "desktop/colors/record_fields.h"
-#include "desktop/colors/swatch_view.h"
 #include "desktop/inventory/inv_lot_instructions.h"
 #include "desktop/inventory/inventory_panel.h"
+#include "desktop/kit/amount_field.h"
 #include "desktop/kit/icons.h"
 #include "desktop/kit/look.h"
+#include "desktop/kit/record_fields.h"
+#include "desktop/kit/swatch_view.h"
 #include "desktop/kit/text.h"
 
 namespace vellumark::desktop {

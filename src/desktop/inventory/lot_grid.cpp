@@ -8,7 +8,7 @@
 #include "core/base/number.h"
 #include "core/base/units.h"
 #include "core/colors/amounts.h"
-#include "desktop/colors/record_fields.h"
+#include "desktop/kit/record_fields.h"
 #include "desktop/kit/text.h"
 
 namespace vellumark::desktop {

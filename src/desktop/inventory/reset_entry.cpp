@@ -5,9 +5,9 @@
 
 #include "core/base/number.h"
 #include "core/colors/amounts.h"
-#include "desktop/colors/record_fields.h"
 #include "desktop/inventory/lot_grid.h"
 #include "desktop/kit/look.h"
+#include "desktop/kit/record_fields.h"
 #include "desktop/kit/text.h"
 #include "desktop/kit/window_list.h"
 

@@ -1,4 +1,4 @@
-#include "desktop/colors/record_fields.h"
+#include "desktop/kit/record_fields.h"
 
 #include <QApplication>
 #include <QDate>

@@ -1,4 +1,4 @@
-#include "desktop/colors/swatch_view.h"
+#include "desktop/kit/swatch_view.h"
 
 #include <QPainter>
 

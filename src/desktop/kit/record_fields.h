@@ -12,7 +12,7 @@
 
 namespace vellumark::desktop {
 
-// What the windows of Basic Colors and of Master Formulas do alike.
+// What the windows that show a record of a colour do alike.
 
 /// Puts what is on file into a field, as clean. `keepTyped` leaves alone what the operator has changed.
 void Put(TextField& field, std::string_view text, bool keepTyped);

@@ -1,4 +1,4 @@
-#include "desktop/colors/amount_field.h"
+#include "desktop/kit/amount_field.h"
 
 #include <QKeyEvent>
 #include <utility>
