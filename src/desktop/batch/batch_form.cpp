@@ -23,6 +23,7 @@ namespace {
 
 constexpr const char* kNameField = "cmbColorName";
 constexpr const char* kQuantityField = "txtQuantity";
+constexpr int kNotesTab = 2;
 
 void SetPrimary(QWidget& button, bool primary) {
   if (button.property("primary").toBool() == primary) return;
@@ -149,6 +150,8 @@ void BatchForm::Show() {
   job_->Show();
   figures_->Show(record_);
   notes_->Show();
+  // What the formula has to say must not be overlooked behind another page.
+  tabs_->setTabText(kNotesTab, work.formula.Notes.empty() ? tr("Notes") : tr("Notes %1").arg(QChar(0x2022)));
   showing_ = false;
   Changed();
 }

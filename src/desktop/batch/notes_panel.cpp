@@ -14,6 +14,9 @@ NotesPanel::NotesPanel(FormHost& host, BatchRecord& record) : host_(host), recor
   form.Row(tr("S&hort note"), {shortNote_, moreData_});
   form.Row(tr("Batch note"), notes_ = form.Note("txtNotes", 2));
   form.Row(tr("Ingredient notes"), ingNotes_ = form.Note("txtIngNotes", 2));
+  form.Row(tr("Formula notes"), formulaNotes_ = form.Note("txtFormulaNotes", 2));
+  formulaNotes_->setReadOnly(true);
+  formulaNotes_->setToolTip(tr("The notes of the Master Formula; they are changed in its own window"));
   connect(shortNote_, &QLineEdit::textChanged, this, [this] {
     if (!showing_) record_.fields.ShortNote = shortNote_->Text();
   });
@@ -31,6 +34,7 @@ void NotesPanel::Show() {
   // Set only when they differ: a text set anew would lose the place of its cursor.
   if (notes_->Text() != record_.fields.Notes) notes_->SetText(record_.fields.Notes);
   if (ingNotes_->Text() != record_.fields.IngNotes) ingNotes_->SetText(record_.fields.IngNotes);
+  if (formulaNotes_->Text() != record_.work.formula.Notes) formulaNotes_->SetText(record_.work.formula.Notes);
   const bool open = record_.state != BatchState::None;
   shortNote_->setEnabled(open);
   notes_->setEnabled(open);

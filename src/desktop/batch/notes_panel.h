@@ -7,7 +7,7 @@
 
 namespace vellumark::desktop {
 
-/// The notes of the Batch and of its ingredients, and the way to its user-defined fields.
+/// The notes of the Batch, of its ingredients and of its formula, and the way to its user-defined fields.
 class NotesPanel : public QWidget {
   Q_OBJECT
 
@@ -25,6 +25,7 @@ class NotesPanel : public QWidget {
   TextField* shortNote_;
   NoteField* notes_;
   NoteField* ingNotes_;
+  NoteField* formulaNotes_;
   CommandButton* moreData_;
 };
 

@@ -28,14 +28,18 @@ ColorKind KindOfRow(RowKind kind) {
   return kind == RowKind::Mix ? ColorKind::Mix : ColorKind::Basic;
 }
 
-std::string GuideOf(const BatchWork& work) {
+// The guide in which the colour stands, and where in it.
+QString GuideOf(const BatchWork& work) {
   const BatchFormula& formula = work.formula;
-  return GuideCaption(work.Color_Name, {.Color_Guide = formula.Color_Guide,
-                                        .Page = formula.Page,
-                                        .Row = formula.Row,
-                                        .Red = formula.Red,
-                                        .Green = formula.Green,
-                                        .Blue = formula.Blue});
+  QString guide = Q(GuideCaption(work.Color_Name, {.Color_Guide = formula.Color_Guide,
+                                                   .Page = formula.Page,
+                                                   .Row = formula.Row,
+                                                   .Red = formula.Red,
+                                                   .Green = formula.Green,
+                                                   .Blue = formula.Blue}));
+  if (guide.isEmpty()) return guide;
+  guide.replace("&&", "&");  // a caption without an access key
+  return RowsPanel::tr("%1, page %2, row %3").arg(guide, Q(formula.Page)).arg(formula.Row);
 }
 
 QVBoxLayout* Column(QWidget& of, int spacing) {
@@ -168,7 +172,7 @@ void RowsPanel::Show(const BatchRecord& record) {
   const auto ink = named ? InkOf(session_, ColorKind::Mix, work.Color_Name) : std::nullopt;
   ink_->Show(ink);
   ink_->setVisible(ink.has_value());
-  guide_->setText(named ? Q(GuideOf(work)) : QString());
+  guide_->setText(named ? GuideOf(work) : QString());
   modified_->setVisible(record.modifiedFormula);
   prevAdditions_->setVisible(named && PriorBatchHadAdditions(session_, work.Color_Name));
   ShowRows(record);

@@ -4,6 +4,7 @@
 
 #include <QComboBox>
 #include <QHeaderView>
+#include <QPlainTextEdit>
 #include <QScrollArea>
 #include <QTabWidget>
 
@@ -377,6 +378,27 @@ TEST_F(BatchRowsTest, AdditionsByKeyboard) {
                 "You've changed the Quantity of this batch.\nClick the Recycle(F2) or Mix(F3) button to "
                 "recalculate\nthe batch before adjusting a color's amount.");
   Click(Cell("lblAmount", 2));
+}
+
+TEST_F(BatchRowsTest, WhatIsKnownOfFormulaAndColorsIsShown) {
+  HaveTarget();
+  Mix("PANTONE 485 C", {{"RED", 100}},
+      {{"Notes", "Stir well"}, {"Color_Guide", "Solid Coated"}, {"Page", "12"}, {"Row", 3}});
+  session.File().Execute("UPDATE INK_Basic SET Reorder = 120, Color_Code = 'R-1' WHERE Color_Name = 'RED'");
+  Open();
+  auto& tabs = Control<QTabWidget>(*form, "TabBatch");
+  EXPECT_EQ(tabs.tabText(2), "Notes");
+  Make("485 C", "10", Qt::Key_F3);
+  EXPECT_EQ(Text("cmbColorName"), "PANTONE 485 C");
+  EXPECT_NE(tabs.tabText(2), "Notes");
+  EXPECT_EQ(Control<QPlainTextEdit>(*form, "txtFormulaNotes").toPlainText(), "Stir well");
+  EXPECT_EQ(Label("lblGuide"), "Solid Coated, page 12, row 3");
+  EXPECT_TRUE(Cell("ImgInvLow", 0).isVisible());
+  const QString hint = Cell("lblName", 0).toolTip();
+  EXPECT_TRUE(hint.contains("R-1") && hint.contains("100.000 lb.")) << hint.toStdString();
+  Setting("ShowQuickInfoOption", "0");
+  PressOn(Qt::Key_F3);
+  EXPECT_EQ(Cell("lblName", 0).toolTip(), "Click to Adjust Inventory");
 }
 
 TEST_F(BatchRowsTest, ArrowsWalkThroughTheRows) {
