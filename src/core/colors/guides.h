@@ -18,6 +18,8 @@ struct BookData {
   int Red = 0;
   int Green = 0;
   int Blue = 0;
+  /// Black is an ink of a guide only: a colour of no guide that holds zeros has no swatch.
+  bool HasSwatch() const { return !Color_Guide.empty() || Red != 0 || Green != 0 || Blue != 0; }
   bool operator==(const BookData&) const = default;
 };
 

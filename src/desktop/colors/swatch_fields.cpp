@@ -19,6 +19,7 @@ SwatchFields::SwatchFields(FormHost& host, Form& form, SwatchView& ink) : QObjec
 }
 
 void SwatchFields::Show(const BookData& book, bool keepTyped) {
+  guide_ = book.Color_Guide;
   const std::array values{book.Red, book.Green, book.Blue};
   for (std::size_t i = 0; i < parts_.size(); ++i) {
     Put(*parts_[i], std::to_string(values[i]), keepTyped);
@@ -28,6 +29,7 @@ void SwatchFields::Show(const BookData& book, bool keepTyped) {
 }
 
 void SwatchFields::Clear() {
+  guide_.clear();
   for (NumberField* part : parts_) Put(*part, "", false);
   ShowInk();
 }
@@ -42,7 +44,9 @@ void SwatchFields::ShowInk() {
   const auto red = ReadSwatchPart("Red", parts_[0]->Text());
   const auto green = ReadSwatchPart("Green", parts_[1]->Text());
   const auto blue = ReadSwatchPart("Blue", parts_[2]->Text());
-  ink_.Show(red && green && blue ? std::optional(QColor(*red, *green, *blue)) : std::nullopt);
+  if (!red || !green || !blue) return ink_.Show(std::nullopt);
+  const BookData book{.Color_Guide = guide_, .Red = *red, .Green = *green, .Blue = *blue};
+  ink_.Show(book.HasSwatch() ? std::optional(QColor(*red, *green, *blue)) : std::nullopt);
 }
 
 }  // namespace vellumark::desktop

@@ -26,6 +26,7 @@ class SwatchFields : public QObject {
   void ShowInk();
 
   SwatchView& ink_;
+  std::string guide_;
   std::array<NumberField*, 3> parts_{};
 };
 
