@@ -5,6 +5,7 @@
 #include <array>
 
 #include "desktop/kit/icons.h"
+#include "desktop/kit/menu_keys.h"
 #include "desktop/kit/text.h"
 
 namespace vellumark::desktop {
@@ -48,11 +49,7 @@ void ColorsMenu::Choose(const std::string& name) {
 }
 
 void ColorsMenu::keyPressEvent(QKeyEvent* event) {
-  if (event->key() == Qt::Key_Down || event->key() == Qt::Key_Up) {
-    focusNextPrevChild(event->key() == Qt::Key_Down);
-    return;
-  }
-  Window::keyPressEvent(event);
+  if (!TakeMenuKey(*this, *event)) Window::keyPressEvent(event);
 }
 
 }  // namespace vellumark::desktop

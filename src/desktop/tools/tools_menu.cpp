@@ -5,6 +5,7 @@
 #include <array>
 
 #include "core/session/rights.h"
+#include "desktop/kit/menu_keys.h"
 
 namespace vellumark::desktop {
 namespace {
@@ -66,11 +67,7 @@ void DBToolsMenu::Choose(const std::string& name, bool isDialog) {
 }
 
 void DBToolsMenu::keyPressEvent(QKeyEvent* event) {
-  if (event->key() == Qt::Key_Down || event->key() == Qt::Key_Up) {
-    focusNextPrevChild(event->key() == Qt::Key_Down);
-    return;
-  }
-  Window::keyPressEvent(event);
+  if (!TakeMenuKey(*this, *event)) Window::keyPressEvent(event);
 }
 
 }  // namespace vellumark::desktop

@@ -180,8 +180,14 @@ TEST_F(BasicColorsTest, MeasurementsAreListedEditedAndSavedWithTheColor) {
 TEST_F(BasicColorsTest, TheSwatchIsSetByHandUnlessAGuideGivesIt) {
   Basic("RED", {{"Color_Guide", ""}});
   Basic("GUIDED", {{"Color_Guide", "FGuide"}, {"Red", 9}});
+  Basic("GUIDED BLACK", {{"Color_Guide", "FGuide"}});
   Open();
+  // Zeros are black in a guide and nothing at all outside one.
+  const auto ink = [&] { return Control(*form, "imgSwatch").accessibleDescription().toStdString(); };
+  Enter("GUIDED BLACK");
+  EXPECT_EQ(ink(), "#000000");
   Enter("RED");
+  EXPECT_EQ(ink(), "");
   Fill(*form, "txtRed", "200");
   Fill(*form, "txtGreen", "256");
   prompt.Expect("Invalid Swatch");
@@ -189,6 +195,7 @@ TEST_F(BasicColorsTest, TheSwatchIsSetByHandUnlessAGuideGivesIt) {
   EXPECT_EQ(FocusName(), "txtGreen");
   EXPECT_EQ(ReadBasic(session, "RED")->book.Red, 0);  // all of it or nothing
   TypeOn("25");
+  EXPECT_EQ(ink(), "#c81900");
   Click(*form, "cmdSave");
   EXPECT_EQ(ReadBasic(session, "RED")->book.Red, 200);
   EXPECT_EQ(ReadBasic(session, "RED")->book.Green, 25);
@@ -422,6 +429,16 @@ TEST_F(BasicColorsTest, TheMenuListsTheWindowsThereAreAndOpensThem) {
   EXPECT_EQ(FocusName(), "cmdMix");
   PressOn(Qt::Key_Return);
   Settle();
+  EXPECT_TRUE(windows.IsFormOpen("MixColorsForm"));
+
+  // As in any menu the letter alone is enough, and another one does nothing.
+  windows.CloseChildWindows({});
+  ShowActive(*windows.OpenForm("ColorsMenu"));
+  PressOn(Qt::Key_X);
+  EXPECT_TRUE(windows.IsFormOpen("ColorsMenu"));
+  PressOn(Qt::Key_M);
+  Settle();
+  EXPECT_FALSE(windows.IsFormOpen("ColorsMenu"));
   EXPECT_TRUE(windows.IsFormOpen("MixColorsForm"));
 }
 
