@@ -9,7 +9,7 @@ namespace vellumark::desktop {
 
 Application::Application(int& argc, char** argv) : QApplication(argc, argv) {
   setApplicationName("vellumark");
-  setApplicationDisplayName("The Vellumark");
+  // No display name: the platform would put it behind the title of every message.
   setDesktopFileName("vellumark");
   setWindowIcon(Icon("vellumark"));
   Look::Apply(*this);

@@ -24,6 +24,8 @@ namespace {
 constexpr int kIconSize = 32;
 constexpr int kLeastTextWidth = 280;
 constexpr int kWidestText = 640;
+constexpr int kBold = 115;          // percent: titles are often in a bold face
+constexpr int kTitleButtons = 120;  // the icon and the buttons that the platform puts beside a title
 
 struct Choice {
   Answer answer;
@@ -126,6 +128,9 @@ MessageDialog::MessageDialog(const Message& message, QWidget* owner)
   layout->setSpacing(space::kGroup);
   layout->addLayout(row, 1);
   AddButtons();
+  // A narrow message would have its title cut. Blanks that pad it in front may go.
+  const int title = fontMetrics().horizontalAdvance(windowTitle().trimmed()) * kBold / 100;
+  setMinimumWidth(std::min(title + kTitleButtons, kWidestText));
 }
 
 void MessageDialog::AddButtons() {

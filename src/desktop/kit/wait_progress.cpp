@@ -34,7 +34,7 @@ QString NameOf(WaitKind kind) {
 WaitWindow::WaitWindow(WaitKind kind, QWidget* owner)
     : QDialog(owner, Qt::Dialog | Qt::CustomizeWindowHint | Qt::WindowTitleHint), kind_(kind) {
   setObjectName(NameOf(kind));
-  setWindowTitle(QApplication::applicationDisplayName());
+  setWindowTitle(tr("The Vellumark"));
   setWindowModality(Qt::ApplicationModal);
   text_ = new QLabel;
   text_->setObjectName("lblMessage");
