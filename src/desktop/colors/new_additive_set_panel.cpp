@@ -37,7 +37,7 @@ NewAdditiveSetPanel::NewAdditiveSetPanel(FormHost& host, Form form) : QObject(&h
   QLabel* rule = form.Hint(QString(hint).replace(" \n", " "), "lblAddSetHint");
   rule->setWordWrap(true);
   form.Wide(rule);
-  form.ButtonsWithoutDefault({form.Button("cmdNewAddSave", tr("Save set"), [this] { Q_EMIT SaveClicked(); }),
+  form.ButtonsWithoutDefault({form.Button("cmdNewAddSave", tr("Sa&ve set"), [this] { Q_EMIT SaveClicked(); }),
                               form.Button("cmdNewAddCancel", tr("Cancel set"), [this] { Q_EMIT CancelClicked(); })});
   connect(name_, &TextField::Left, this, &NewAdditiveSetPanel::NameLeft);
 }
