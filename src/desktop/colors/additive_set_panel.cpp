@@ -86,6 +86,7 @@ AdditiveSetPanel::AdditiveSetPanel(FormHost& host, Form form) : QObject(&host.Se
   const auto page = [&](const char* name) {
     auto* part = new QWidget;
     part->setObjectName(name);
+    part->setProperty("flush", true);
     pages_->addWidget(part);
     return Form(host, *part);
   };
@@ -109,11 +110,11 @@ void AdditiveSetPanel::BuildChosen(Form form) {
   });
   form.Wide(list_);
   form.Wide(detail_ = new SetDetail("Add"));
-  view_ = form.Link("cmdViewAddSet", tr("Look at a set ..."), [this] {
+  view_ = form.Link("cmdViewAddSet", tr("&Look at a set ..."), [this] {
     pages_->setCurrentIndex(1);
     host_.FocusField("cmbAddSetName");
   });
-  create_ = form.Link("cmdNewAddSet", tr("New set ..."), [this] {
+  create_ = form.Link("cmdNewAddSet", tr("New se&t ..."), [this] {
     ShowNew();
     new_->FocusName();
   });

@@ -36,7 +36,7 @@ IngredientsPanel::IngredientsPanel(FormHost& host, Form form) : QObject(&host.Se
   auto* grid = new QGridLayout(box);
   grid->setContentsMargins(0, 0, 0, 0);
   grid->setHorizontalSpacing(space::kUnit);
-  grid->setVerticalSpacing(space::kTight);
+  grid->setVerticalSpacing(space::kTight / 2);
   for (int side = 0; side < 2; ++side) {
     const int column = side * kColumnsOfLine;
     grid->addWidget(form.Hint(tr("Ingredient")), 0, column + kIngredient);
@@ -87,7 +87,7 @@ void IngredientsPanel::BuildTotals(Form& form, QGridLayout& grid) {
   auto* totals = new QWidget;
   grid.addWidget(totals, kLeftLines + 1, 0, 1, 2 * kColumnsOfLine - 1);
   auto* line = new QHBoxLayout(totals);
-  line->setContentsMargins(0, space::kUnit, 0, 0);
+  line->setContentsMargins(0, space::kTight, 0, 0);
   line->setSpacing(space::kUnit);
   const auto total = [&](const char* name, const QString& caption, bool shown) {
     QLabel* label = form.Hint(caption);

@@ -81,7 +81,10 @@ void MixColorsForm::BuildFormulaPage(Form page) {
   auto* tools = new QWidget;
   auto* left = new QWidget;
   auto* right = new QWidget;
+  left->setProperty("flush", true);
+  right->setProperty("flush", true);
   column->addWidget(tools);
+  column->addSpacing(space::kUnit);
   column->addWidget(left, 1);
   sides->addWidget(right);
 
@@ -127,7 +130,7 @@ void MixColorsForm::Listen() {
   connect(&sets_->New(), &NewAdditiveSetPanel::CancelClicked, this, [this] {
     sets_->New().Empty();
     sets_->ShowChosen();
-    FocusField("lstAdditiveSets");
+    FocusSets();
   });
   connect(tabs_, &QTabWidget::currentChanged, this, [this] {
     if (work_ && work_->rowId == 0) inventory_->TakeCosts(ReadFields().PurchaseCost, ingredients_->Totals().BasicCost);
@@ -412,7 +415,12 @@ void MixColorsForm::SaveNewSet() {
   sets_->Refresh();
   sets_->ShowChosen();
   if (allowEditing_->isChecked()) SetPicked(setName);
-  FocusField("lstAdditiveSets");
+  FocusSets();
+}
+
+// The list of sets is closed while the formula is only read.
+void MixColorsForm::FocusSets() {
+  FocusField(allowEditing_->isChecked() ? "lstAdditiveSets" : "AllowEditing");
 }
 
 // A set that was filled in and not saved. False: the operator goes on with it.

@@ -82,6 +82,7 @@ class MixColorsForm : public Window {
   bool StopEditing();
   void SetPicked(const std::string& setName);
   void SaveNewSet();
+  void FocusSets();
   bool SettleNewSet();
 
   bool MayLeaveUnfinished();

@@ -26,7 +26,9 @@ QWidget* LayOut(QWidget* page, bool margins) {
   down->addStretch(1);
   auto* grid = new QGridLayout(sheet);
   const int edge = margins ? space::kGroup : 0;
-  grid->setContentsMargins(edge, space::kGap, edge, margins ? space::kGap : 0);
+  // A part that stands beside others of its page begins where they do.
+  const int top = page->property("flush").toBool() ? 0 : space::kGap;
+  grid->setContentsMargins(edge, top, edge, margins ? space::kGap : 0);
   grid->setHorizontalSpacing(space::kGap);
   grid->setVerticalSpacing(space::kUnit);
   grid->setColumnStretch(1, 1);
