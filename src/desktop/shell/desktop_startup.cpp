@@ -1,6 +1,7 @@
 #include "desktop/shell/desktop_startup.h"
 
 #include <QCoreApplication>
+#include <QScreen>
 
 #include "core/settings/support_files.h"
 #include "desktop/kit/text.h"
@@ -8,6 +9,11 @@
 #include "desktop/shell/main_form.h"
 
 namespace vellumark::desktop {
+namespace {
+
+constexpr int kFrame = 48;  // what the platform puts around a window, at most
+
+}  // namespace
 
 // A window of the start may give back the wish to end the program.
 std::optional<Arguments> DesktopStartup::RunStep(const std::string& dialog, const Arguments& arguments) {
@@ -24,7 +30,13 @@ bool DesktopStartup::AnotherInstanceRuns(const Session& session) {
 
 void DesktopStartup::ShowMainWindow(const std::string& caption) {
   main_.SetCaption(caption);
-  main_.show();
+  // On a small screen the title and a panel would push the commands at the bottom off it.
+  const QSize room = main_.screen()->availableSize() - QSize(kFrame, kFrame);
+  if (main_.width() > room.width() || main_.height() > room.height()) {
+    main_.showMaximized();
+  } else {
+    main_.show();
+  }
   QCoreApplication::processEvents();
 }
 
