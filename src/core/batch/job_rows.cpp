@@ -2,6 +2,8 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
+
 #include "core/base/text.h"
 #include "core/base/units.h"
 #include "core/batch/made.h"
@@ -14,6 +16,24 @@ constexpr std::string_view kOfBatch = "BatchNo = ?1 AND Database = ?2";
 
 float Converted(double quantity, int from, int to) {
   return RoundSingle(from == to ? quantity : quantity * static_cast<double>(UnitFactor(from, to)), 3);
+}
+
+double MadeQuantity(const Session& session, const BatchRecord& record) {
+  return RoundTo(Converted(LeadingNumber(record.work.TotalText), record.work.UMF, session.UMI), 3);
+}
+
+// What each job uses, in the inventory unit. Jobs that use all of the Batch use all of it there too: the last one takes
+// up what the decimals of the others leave.
+std::vector<float> JobQuantities(const Session& session, const BatchRecord& record) {
+  std::vector<float> quantities;
+  double left = MadeQuantity(session, record);
+  for (const BatchJobLine& line : record.jobs) {
+    quantities.push_back(Converted(line.QtyUsed, record.work.UMF, session.UMI));
+    left -= RoundTo(quantities.back(), 3);
+  }
+  if (!quantities.empty() && !(record.returned > 0))
+    quantities.back() = std::max(0.0F, RoundSingle(RoundTo(quantities.back(), 3) + left, 3));
+  return quantities;
 }
 
 std::vector<std::string> KeptFields() {
@@ -87,6 +107,13 @@ float JobsUse(const Session& session, std::int32_t batchNo) {
                      3);
 }
 
+float ReturnedQuantity(const Session& session, const BatchRecord& record) {
+  if (!(record.returned > 0)) return 0;
+  double left = MadeQuantity(session, record);
+  for (const float used : JobQuantities(session, record)) left -= RoundTo(used, 3);
+  return std::max(0.0F, RoundSingle(left, 3));
+}
+
 void WriteJobRows(Session& session, const BatchRecord& record, const DateTime& date) {
   Transaction transaction(session.File());
   const std::vector<KeptRow> kept = ReadKept(session, record.BatchNo);
@@ -95,7 +122,10 @@ void WriteJobRows(Session& session, const BatchRecord& record, const DateTime& d
   const double made = LeadingNumber(work.TotalText) * static_cast<double>(UnitFactor(work.UMF, session.UMI));
   const auto perUnit = [made](double figure) { return made > 0 ? figure / made : 0; };
   const auto lot = MadeLot(session, record);
-  for (const BatchJobLine& line : record.jobs) {
+  const std::vector<float> quantities = JobQuantities(session, record);
+  for (std::size_t i = 0; i < record.jobs.size(); ++i) {
+    const BatchJobLine& line = record.jobs[i];
+    const float used = quantities[i];
     std::vector<Cell> cells = FreshCells();
     for (const KeptRow& row : kept)
       if (EqualNoCase(row.JobNumber, line.JobNumber)) cells = row.cells;
@@ -114,8 +144,8 @@ void WriteJobRows(Session& session, const BatchRecord& record, const DateTime& d
         {"LotLoc", lot ? lot->LotLoc : ""},
         {"LotContID", lot ? lot->LotContID : ""},
         {"LotDate", lot ? Value(lot->LotDate) : Value()},
-        {"QtyIssued", Converted(line.QtyIssued, work.UMF, session.UMI)},
-        {"QtyUsed", Converted(line.QtyUsed, work.UMF, session.UMI)},
+        {"QtyIssued", line.QtyIssued == line.QtyUsed ? used : Converted(line.QtyIssued, work.UMF, session.UMI)},
+        {"QtyUsed", used},
         {"Date_Entered", date},
         {"Date_Returned", date},
         {"Date_Completed", date}};

@@ -16,6 +16,10 @@ std::vector<BatchJobLine> ReadJobLines(const Session& session, std::int32_t batc
 /// What the jobs use in all, in the inventory unit.
 float JobsUse(const Session& session, std::int32_t batchNo);
 
+/// What goes to stock of what is made, in the inventory unit: with what the jobs use there it makes up the whole, so
+/// that it is what a stored Batch is later found to have put there.
+float ReturnedQuantity(const Session& session, const BatchRecord& record);
+
 /// Writes the Batch's rows anew, within the caller's transaction. The user-defined values and the design of a job's row
 /// are kept.
 void WriteJobRows(Session& session, const BatchRecord& record, const DateTime& date);

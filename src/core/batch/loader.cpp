@@ -222,13 +222,18 @@ void Replay(Session& session, BatchWork& work, const std::vector<StoredLine>& li
   work.Ingredients = stored.Ingredients;
 }
 
-void TakeLots(const Session& session, BatchRecord& record, const std::vector<BatchTaking>& takings) {
+void TakeLots(const Session& session, BatchRecord& record, std::vector<BatchTaking> takings) {
+  if (session.InvLotTracking == 0) return;
   BatchWork& work = record.work;
+  const std::vector<StoredLine> lines = LinesOf(work);
   std::size_t row = 0;
   const auto take = [&](const std::string& name, std::uint8_t type, LotSelection& lots) {
     const auto amount = static_cast<float>(work.Rows.at(row++).Amount());
-    if (session.InvLotTracking != 0 && amount > 0)
-      lots = SelectionOf(session, takings, {name, 0, type}, amount, work.UMF);
+    const bool isLast = std::ranges::none_of(
+        lines.begin() + static_cast<std::ptrdiff_t>(row), lines.end(),
+        [&](const StoredLine& later) { return later.IngType == type && EqualNoCase(later.IngName, name); });
+    LotSelection selection = SelectionOf(session, takings, {name, 0, type}, amount, work.UMF, isLast);
+    if (amount > 0) lots = std::move(selection);
   };
   for (RecycleColor& color : work.RecycledColors) take(color.Color_Name, kIngTypeMix, color.lots);
   for (BatchIngredient& i : work.Ingredients) take(i.IngName, kIngTypeBasic, i.lots);

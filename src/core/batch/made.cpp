@@ -5,7 +5,7 @@
 #include <algorithm>
 
 #include "core/base/text.h"
-#include "core/base/units.h"
+#include "core/batch/job_rows.h"
 #include "core/datafile/writer.h"
 #include "core/inventory/posting.h"
 
@@ -19,7 +19,7 @@ class MadeColor {
         record_(record),
         rules_(ReadStockRules(session)),
         before_(RoundSingle(record.oldReturned, 3)),
-        now_(RoundSingle(record.returned * static_cast<double>(UnitFactor(record.work.UMF, session.UMI)), 3)),
+        now_(ReturnedQuantity(session, record)),
         oldLot_(MadeLot(session, record)) {}
 
   bool Post() {

@@ -60,7 +60,7 @@ class BatchStore {
       session_.prompt.Tell("Master Formula Modification",
                            "The Master Formula could not be found.\nModification couldn't be performed.");
     if (!granted_)
-      session_.prompt.Tell("Lotted Inventory", fmt::format("Unable to add {} to Lotted Inventory\n"
+      session_.prompt.Tell("Lotted Inventory", fmt::format("Unable to add {}\nto Lotted Inventory\n"
                                                            "Quantity was added to Unlotted Inv.",
                                                            record_.work.Color_Name));
   }

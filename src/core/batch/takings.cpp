@@ -155,9 +155,10 @@ std::vector<BatchTaking> ReadTakings(const Session& session, const StoredBatchLi
     if (EqualNoCase(taking.use.LotNumber, kUnlottedInv)) taking.use.LotRefID = 0;
     takings.push_back(std::move(taking));
   }
+  const std::vector<BatchTaking> recorded = takings;
   for (std::size_t i = 0; i < batch.lines.size(); ++i) {
     const StoredLine& line = batch.lines[i];
-    if (std::ranges::any_of(takings, [&](const BatchTaking& taking) { return OfLine(taking, line); })) continue;
+    if (std::ranges::any_of(recorded, [&](const BatchTaking& taking) { return OfLine(taking, line); })) continue;
     double amount = RoundTo(line.IngQty, 3);
     if (static_cast<std::int32_t>(i) == batch.LargestAmountIndex && line.IngType == kIngTypeBasic)
       amount += RoundTo(batch.Roundoff, 3);
@@ -168,19 +169,31 @@ std::vector<BatchTaking> ReadTakings(const Session& session, const StoredBatchLi
   return takings;
 }
 
-LotSelection SelectionOf(const Session& session, const std::vector<BatchTaking>& takings, const StoredLine& line,
-                         float amount, int unit) {
+LotSelection SelectionOf(const Session& session, std::vector<BatchTaking>& takings, const StoredLine& line,
+                         float amount, int unit, bool isLast) {
   LotSelection selection;
   double taken = 0;
-  for (const BatchTaking& taking : takings) {
-    if (!OfLine(taking, line) || !(taking.use.LotQty > 0)) continue;
+  const float needed = Converted(amount, unit, session.UMI);
+  const auto covered = [&] { return !isLast && RoundSingle(taken, 3) >= needed; };
+  for (auto place = takings.begin(); place != takings.end();) {
+    if (!OfLine(*place, line)) {
+      ++place;
+      continue;
+    }
+    const BatchTaking taking = std::move(*place);
+    place = takings.erase(place);
+    if (!(taking.use.LotQty > 0)) {
+      if (covered()) break;
+      continue;
+    }
     taken += RoundTo(taking.use.LotQty, 3);
     LotUse use = taking.use;
     use.LotQty = Converted(use.LotQty, session.UMI, unit);
     selection.uses.push_back(std::move(use));
+    if (covered()) break;
   }
   // In a finer unit than that of the inventory the parts need not add up to the amount; the last one makes up for it.
-  if (!selection.uses.empty() && RoundSingle(taken, 3) == Converted(amount, unit, session.UMI)) {
+  if (!selection.uses.empty() && RoundSingle(taken, 3) == needed) {
     float& last = selection.uses.back().LotQty;
     last = RoundSingle(last + RoundTo(amount, 3) - RoundTo(selection.Used(), 3), 3);
   }

@@ -51,9 +51,10 @@ struct StoredBatchLines {
 };
 std::vector<BatchTaking> ReadTakings(const Session& session, const StoredBatchLines& batch);
 
-/// The selection that a line's takings amount to, in the Batch's unit; `amount` is what the line shows.
-LotSelection SelectionOf(const Session& session, const std::vector<BatchTaking>& takings, const StoredLine& line,
-                         float amount, int unit);
+/// The selection that a line's takings amount to, in the Batch's unit; `amount` is what the line shows. Those takings
+/// are taken out of the list: a later line of the same colour and kind has its own. The last such line gets all.
+LotSelection SelectionOf(const Session& session, std::vector<BatchTaking>& takings, const StoredLine& line,
+                         float amount, int unit, bool isLast);
 
 void WriteTakings(Session& session, std::int32_t batchNo, const DateTime& date,
                   const std::vector<BatchTaking>& takings);

@@ -190,7 +190,7 @@ TEST(BatchSave, WithoutAFreeReferenceTheInkGoesToUnlottedInventory) {
   room.Mixed("PINK", "40");
   room.record.fields.LotNumber = "MADE";
   room.prompt.Expect("Lotted Inventory", Answer::Ok,
-                     "Unable to add PINK to Lotted Inventory\nQuantity was added to Unlotted Inv.");
+                     "Unable to add PINK\nto Lotted Inventory\nQuantity was added to Unlotted Inv.");
   room.Save();
   EXPECT_EQ(room.Pink(), 40);
   EXPECT_EQ(room.OfBatch("LotNumber").Text(), "");

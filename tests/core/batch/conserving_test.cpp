@@ -1,0 +1,171 @@
+// Stock is conserved where units, lots and colours of the same name meet in a Batch.
+
+#include "core/colors/rename.h"
+#include "life_room.h"
+
+namespace vellumark::test {
+namespace {
+
+// A Batch in grams, an inventory in pounds: the total, what a job uses and what goes to stock each lose decimals of
+// their own, and yet what was put into stock is what is taken out of it again.
+class BetweenUnits : public testing::TestWithParam<std::pair<const char*, const char*>> {};
+
+TEST_P(BetweenUnits, WhatWentToStockComesOutOfItAgain) {
+  const auto& [quantity, used] = GetParam();
+  for (const bool lotted : {false, true}) {
+    LifeRoom room;
+    room.PinkRoom();
+    room.session.InvLotTracking = lotted ? 1 : 0;
+    room.session.UMI = 1;
+    room.session.File().Execute("UPDATE INK_Mix SET Inventory = 10");
+    room.record = NewBatchRecord(room.session);
+    ASSERT_TRUE(EnterBatchUnit(room.session, room.record, 3));
+    ASSERT_TRUE(EnterBatchColor(room.session, room.record, "PINK"));
+    SetQuantityText(room.record.work, quantity);
+    ASSERT_TRUE(MixBatch(room.session, room.record));
+    if (lotted) room.record.fields.LotNumber = "MADE";
+    ASSERT_TRUE(EnterJobNumber(room.session, room.record, "J1"));
+    ASSERT_TRUE(EnterQtyUsed(room.session, room.record, used));
+    const std::int32_t number = room.Save();
+    const float unlotted = room.Pink();
+    const Value lot = room.LotQty(ColorKind::Mix, "PINK", 1);
+    for (int i = 0; i < 5; ++i) {
+      room.Open(number);
+      room.record.fields.ShortNote = std::to_string(i);
+      room.Save();
+      EXPECT_EQ(room.Pink(), unlotted) << quantity << ' ' << used << ' ' << lotted;
+      EXPECT_EQ(room.LotQty(ColorKind::Mix, "PINK", 1), lot) << quantity << ' ' << used << ' ' << lotted;
+    }
+    room.Open(number);
+    room.prompt.Expect("Batch Window - Delete Batch?", Answer::Yes);
+    room.prompt.Expect("Batch Window - Update Inventories?", Answer::Yes);
+    ASSERT_TRUE(DeleteBatch(room.session, room.record, room.dialogs));
+    EXPECT_EQ(room.Pink(), 10) << quantity << ' ' << used << ' ' << lotted;
+    EXPECT_EQ(room.Red(), 100);
+    EXPECT_EQ(room.White(), 200);
+  }
+}
+
+INSTANTIATE_TEST_SUITE_P(Grams, BetweenUnits,
+                         testing::Values(std::pair{"1000", "333"}, std::pair{"1000", "334"}, std::pair{"777", "123.4"},
+                                         std::pair{"10", "9.8"}, std::pair{"500", "0.2"}));
+
+// Three jobs use it all, in grams; in pounds their shares alone would leave a thousandth that was never in stock.
+TEST(BatchConserves, JobsThatUseItAllLeaveNothing) {
+  LifeRoom room;
+  room.PinkRoom();
+  room.session.InvLotTracking = 0;
+  room.session.UMI = 1;
+  room.session.File().Execute("UPDATE INK_Mix SET Inventory = 10");
+  room.record = NewBatchRecord(room.session);
+  ASSERT_TRUE(EnterBatchUnit(room.session, room.record, 3));
+  ASSERT_TRUE(EnterBatchColor(room.session, room.record, "PINK"));
+  SetQuantityText(room.record.work, "1000");
+  ASSERT_TRUE(MixBatch(room.session, room.record));
+  ASSERT_TRUE(SaveJobItems(room.session, room.record, {{"J1", "333"}, {"J2", "333"}, {"J3", "334"}}));
+  const std::int32_t number = room.Save();
+  EXPECT_EQ(room.Pink(), 10);
+  room.Open(number);
+  EXPECT_EQ(room.record.ReturnedText(), "0.000");
+  room.record.fields.ShortNote = "x";
+  room.Save();
+  EXPECT_EQ(room.Pink(), 10);
+  EXPECT_EQ(RoundSingle(room.Scalar("SELECT SUM(QtyUsed) FROM JobRecords").Number(), 3), 2.205F);
+  room.Open(number);
+  room.prompt.Expect("Batch Window - Delete Batch?", Answer::Yes);
+  room.prompt.Expect("Batch Window - Update Inventories?", Answer::Yes);
+  ASSERT_TRUE(DeleteBatch(room.session, room.record, room.dialogs));
+  EXPECT_EQ(room.Pink(), 10);
+}
+
+// A formula from elsewhere may name an ingredient twice: each line keeps the lots that were chosen for it.
+TEST(BatchConserves, TwoLinesOfTheSameColour) {
+  LifeRoom room;
+  room.Basic("RED", 0);
+  room.Basic("WHITE", 200);
+  room.Lot(ColorKind::Basic, "RED", 1, 50);
+  room.Lot(ColorKind::Basic, "RED", 2, 50);
+  room.Formula("PINK", {{"RED", 25.0F}, {"WHITE", 50.0F}, {"RED", 25.0F}});
+  room.Mixed("PINK", "100");
+  std::vector<std::size_t> reds;
+  for (std::size_t i = 0; i < room.record.work.Rows.size(); ++i)
+    if (room.record.work.Rows[i].name == "RED") reds.push_back(i);
+  ASSERT_EQ(reds.size(), 2U);
+  room.Select(reds[0], {Use(1, 25)});
+  room.Select(reds[1], {Use(2, 25)});
+  const std::int32_t number = room.Save();
+  room.Open(number);
+  EXPECT_EQ(RowLots(room.record, reds[0]).Used(), 25);
+  EXPECT_EQ(RowLots(room.record, reds[1]).Used(), 25);
+  room.record.fields.ShortNote = "again";
+  room.Save();
+  EXPECT_EQ(room.LotQty(ColorKind::Basic, "RED", 1).Single(), 25);
+  EXPECT_EQ(room.LotQty(ColorKind::Basic, "RED", 2).Single(), 25);
+  EXPECT_EQ(room.Red(), 0);
+}
+
+// Its own ink recycled into it, with and without lots.
+TEST(BatchConserves, TheMadeColourRecycled) {
+  LifeRoom room;
+  room.PinkRoom();
+  room.session.File().Execute("UPDATE INK_Mix SET Inventory = 30");
+  room.record = NewBatchRecord(room.session);
+  ASSERT_TRUE(EnterBatchColor(room.session, room.record, "PINK"));
+  SetQuantityText(room.record.work, "100");
+  ASSERT_TRUE(RecycleBatch(room.session, room.record));
+  ASSERT_EQ(room.record.work.RecycledColors.size(), 1U);
+  const std::int32_t number = room.Save();
+  EXPECT_EQ(room.Pink(), 100);
+  EXPECT_EQ(room.Red(), 82.5F);
+  room.Open(number);
+  EXPECT_EQ(room.Pink(), 130);
+  room.record.fields.ShortNote = "x";
+  room.Save();
+  EXPECT_EQ(room.Pink(), 100);
+  room.Open(number);
+  room.prompt.Expect("Batch Window - Delete Batch?", Answer::Yes);
+  room.prompt.Expect("Batch Window - Update Inventories?", Answer::Yes);
+  ASSERT_TRUE(DeleteBatch(room.session, room.record, room.dialogs));
+  EXPECT_EQ(room.Pink(), 30);
+  EXPECT_EQ(room.Red(), 100);
+}
+
+// Random negative additions with lots chosen, saved again and deleted.
+TEST(BatchConserves, ANegativeAdditionWithLots) {
+  LifeRoom room;
+  room.PinkRoom();
+  room.Lot(ColorKind::Basic, "RED", 1, 40);
+  room.Mixed("PINK", "100");
+  room.prompt.Expect("Re-enter Inventory Lot Selections", Answer::Ok);
+  ASSERT_TRUE(AddBatchAdditions(room.session, room.record, {{"RED", "-5"}}));
+  std::size_t red = 0;
+  while (room.record.work.Rows[red].name != "RED") ++red;
+  ASSERT_EQ(LotNeed(room.session, room.record, red), 20);
+  room.Select(red, {Use(1, 20)});
+  room.dialogs.choices.push_back(ModifiedBatchChoice{});
+  const std::int32_t number = room.Save();
+  EXPECT_EQ(room.LotQty(ColorKind::Basic, "RED", 1).Single(), 20);
+  EXPECT_EQ(room.Red(), 100);
+  room.Open(number);
+  EXPECT_EQ(room.LotQty(ColorKind::Basic, "RED", 1).Single(), 40);
+  EXPECT_EQ(room.Red(), 100);
+  room.record.fields.ShortNote = "x";
+  room.Save();
+  EXPECT_EQ(room.LotQty(ColorKind::Basic, "RED", 1).Single(), 20);
+  EXPECT_EQ(room.Red(), 100);
+}
+
+// An ingredient that got another name while the Batch was open is stored and taken under that name.
+TEST(BatchConserves, AColourRenamedWhileOpenIsTakenBySave) {
+  LifeRoom room;
+  room.PinkRoom();
+  const std::int32_t number = room.Saved("PINK", "100");
+  room.Open(number);
+  ASSERT_TRUE(RenameBasic(room.session, "RED", "ROT"));
+  room.record.fields.ShortNote = "x";
+  room.Save();
+  EXPECT_EQ(room.Inventory(ColorKind::Basic, "ROT").Single(), 75);
+}
+
+}  // namespace
+}  // namespace vellumark::test
