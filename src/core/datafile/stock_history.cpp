@@ -153,6 +153,21 @@ std::vector<Stretch> Stretches(Database& file, Stretch stretch, ColorKind kind, 
   }
 }
 
+// The stretches of a whole Database, the latest first.
+std::vector<Stretch> DatabaseStretches(Database& file, Stretch stretch) {
+  std::vector<Stretch> found;
+  for (;;) {
+    const auto turn = LastTurn(file, stretch, kWholeDatabase);
+    const bool cameFrom = turn && turn->event == StockEvent::DatabaseRenamedFrom;
+    stretch.after = turn ? turn->id - (cameFrom ? 1 : 0) : 0;
+    found.push_back(stretch);
+    if (!cameFrom) return found;
+    stretch.database = turn->reason;
+    // The line before it is the other one of the pair.
+    stretch.before = turn->id - 1;
+  }
+}
+
 }  // namespace
 
 std::string_view StockEventText(StockEvent event) {
@@ -300,10 +315,16 @@ std::vector<StockLine> TraceStock(Database& file, std::string_view database, Col
 }
 
 std::vector<StockLine> DatabaseStockLines(Database& file, std::string_view database) {
-  Statement row = file.Prepare(fmt::format("SELECT ID, {} FROM {} WHERE Database = ?1 ORDER BY ID", kFields, kTable));
-  row.Bind(1, database);
+  std::vector<Stretch> stretches = DatabaseStretches(file, {std::string(database), "", 0, kNow});
+  std::reverse(stretches.begin(), stretches.end());
+  Statement row = file.Prepare(
+      fmt::format("SELECT ID, {} FROM {} WHERE Database = ?1 AND ID > ?2 AND ID < ?3 ORDER BY ID", kFields, kTable));
   std::vector<StockLine> lines;
-  while (row.Step()) lines.push_back(ReadLine(row));
+  for (const Stretch& stretch : stretches) {
+    row.Bind(1, stretch.database).Bind(2, stretch.after).Bind(3, stretch.before);
+    while (row.Step()) lines.push_back(ReadLine(row));
+    row.Reset();
+  }
   return lines;
 }
 

@@ -84,7 +84,7 @@ void AddDatabaseDeletedLine(Database& file, StockLine line);
 /// that name exists: then an earlier one that was renamed away is not meant.
 std::vector<StockLine> TraceStock(Database& file, std::string_view database, ColorKind kind, std::string_view name,
                                   bool present);
-/// All lines under the present name of a Database, in the order of writing.
+/// All lines of a Database in the order of writing, through every name that it bore.
 std::vector<StockLine> DatabaseStockLines(Database& file, std::string_view database);
 
 }  // namespace vellumark

@@ -19,7 +19,7 @@ struct StockHistoryFilter {
 };
 
 /// The lines in the order in which they were written. Those of one colour are followed through its renames and add up
-/// to its stock; without a name they are all that stand under the Database's present name.
+/// to its stock; without a name they are all lines of the Database, which is followed through its own.
 std::vector<StockLine> ListStockHistory(const Session& session, const StockHistoryFilter& filter);
 
 }  // namespace vellumark

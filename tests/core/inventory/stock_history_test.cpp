@@ -143,6 +143,22 @@ TEST_F(StockHistoryTest, FollowsAColorThroughItsNames) {
   EXPECT_EQ(History({.name = "SCARLET"}), scarlet);
 }
 
+TEST_F(StockHistoryTest, FollowsADatabaseThroughItsNames) {
+  NewBasic("RED", 5);
+  AddDatabaseRenameLines(session.File(), {.database = "INK"}, "INK", "FLEXO");
+  AddStockLine(session.File(), {.database = "FLEXO", .Color_Name = "RED", .change = 1, .result = 6});
+  // Another Database takes the old name, and is deleted; a third begins anew.
+  AddStockLine(session.File(), {.database = "INK", .Color_Name = "GREEN", .change = 2, .result = 2});
+  const std::vector<std::string> flexo{"Color edited: RED 0 - 5 5 |", "Database renamed from:  0 - 0 0 |INK",
+                                       "Manual: RED 0 - 1 6 |"};
+  EXPECT_EQ(History({.database = "FLEXO"}), flexo);
+  EXPECT_EQ(History({.database = "INK"}), (std::vector<std::string>{"Manual: GREEN 0 - 2 2 |"}));
+  AddDatabaseDeletedLine(session.File(), {.database = "INK"});
+  AddStockLine(session.File(), {.database = "INK", .Color_Name = "BLUE", .change = 3, .result = 3});
+  EXPECT_EQ(History({.database = "INK"}), (std::vector<std::string>{"Manual: BLUE 0 - 3 3 |"}));
+  EXPECT_EQ(History({.database = "FLEXO"}), flexo);
+}
+
 TEST_F(StockHistoryTest, BeginsWithWhatAFileHolds) {
   session.File().Execute("DROP TABLE MSysStockHistory");
   Color(kBasic, "RED", 1234.567F);
