@@ -3,7 +3,9 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <set>
 #include <stdexcept>
+#include <utility>
 
 #include "core/base/number.h"
 #include "core/base/text.h"
@@ -14,11 +16,22 @@ namespace {
 
 constexpr std::string_view kAdjustValue = "Adjust Value";
 
-std::vector<std::string> Distinct(std::vector<std::string> names) {
-  std::sort(names.begin(), names.end(),
-            [](const std::string& a, const std::string& b) { return CompareNoCase(a, b) < 0; });
-  names.erase(std::unique(names.begin(), names.end(), EqualNoCase), names.end());
-  return names;
+struct NoCaseLess {
+  bool operator()(std::string_view a, std::string_view b) const { return CompareNoCase(a, b) < 0; }
+};
+
+// Of tens of thousands of lots there are few distinct texts, and the same one often follows itself: only those are
+// sorted and copied.
+std::vector<std::string> Distinct(const std::vector<InventoryRow>& rows, std::string InventoryValues::*text) {
+  std::set<std::string_view, NoCaseLess> found;
+  std::string_view last;
+  for (std::size_t i = 1; i < rows.size(); ++i) {
+    const std::string_view name = rows[i].now.*text;
+    if (i > 1 && name == last) continue;
+    found.insert(name);
+    last = name;
+  }
+  return {found.begin(), found.end()};
 }
 
 InventoryRow RowOfLot(LotRow lot) {
@@ -138,17 +151,13 @@ InventoryTotals InventoryWork::Totals() const {
 }
 
 std::vector<std::string> InventoryWork::LotNumbers() const {
-  std::vector<std::string> names;
-  for (std::size_t i = 1; i < rows.size(); ++i) names.push_back(rows[i].now.lotNumber);
-  return Distinct(std::move(names));
+  return Distinct(rows, &InventoryValues::lotNumber);
 }
 
 std::vector<std::string> InventoryWork::Locations() const {
-  std::vector<std::string> names;
-  for (std::size_t i = 1; i < rows.size(); ++i) {
-    if (!rows[i].now.location.empty()) names.push_back(rows[i].now.location);
-  }
-  return Distinct(std::move(names));
+  std::vector<std::string> names = Distinct(rows, &InventoryValues::location);
+  if (!names.empty() && names.front().empty()) names.erase(names.begin());
+  return names;
 }
 
 Refusal InventoryColorNotFound(const Session& session) {
