@@ -315,7 +315,11 @@ void MixColorsForm::Reload() {
 void MixColorsForm::OnChanges(const std::vector<Change>& changes) {
   bool mine = false;
   for (const Change& change : changes) {
-    if (change.kind == Change::Kind::Settings) inventory_->Relabel();
+    if (change.kind == Change::Kind::Settings) {
+      details_->Relabel();
+      inventory_->Relabel();
+      mine = work_ && work_->rowId != 0;
+    }
     if (!EqualNoCase(change.database, session.CurrentDatabase)) continue;
     if (change.kind == Change::Kind::AdditiveSet) {
       if (change.what == Change::What::Renamed) sets_->RenameSet(change.name, change.newName);

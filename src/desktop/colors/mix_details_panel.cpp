@@ -4,7 +4,7 @@
 
 #include "core/base/units.h"
 #include "core/colors/amounts.h"
-#include "core/inventory/lots.h"
+#include "core/inventory/color_stock.h"
 #include "desktop/kit/amount_field.h"
 #include "desktop/kit/record_fields.h"
 #include "desktop/kit/text.h"
@@ -30,32 +30,40 @@ void MixDetailsPanel::BuildFigures(Form& form, const std::function<bool()>& show
     MakeAmountField(host_, *field, key, column, shown);
     return field;
   };
-  const QString unit = Q(UnitName(host_.session.UMI));
-  const QString perUnit = tr("per %1").arg(unit);
+  const auto hint = [&](const QString& words) {
+    QLabel* label = form.Hint({});
+    unitHints_.emplace_back(label, words);
+    return label;
+  };
   form.Row(tr("Color &code"), code_ = form.Text("txtColorCode", TextRule::Any(host_.session.NameLength)));
   code_->Means("Color_Code");
   form.Row(recycle_ = form.Check("chkRecycle", tr("May be rec&ycled")));
   recycle_->Means("Recycle");
   reorder_ = figure("txtReorder", AmountKey::Reorder, "Reorder", 10);
-  form.Row(tr("&Reorder point"), {reorder_, form.Hint(unit)});
+  form.Row(tr("&Reorder point"), {reorder_, hint("%1")});
   cost_ = figure("txtPurchaseCost", AmountKey::Currency, "PurchaseCost", kCostChars);
   const bool priceBlocked = host_.session.Perm_Costs == 0;
   cost_->setVisible(!priceBlocked);
-  QLabel* behindCost = form.Hint(priceBlocked ? tr("User Permissions - Price Blocked") : perUnit, "lblPriceBlocked");
+  QLabel* behindCost = priceBlocked ? form.Hint(tr("User Permissions - Price Blocked")) : hint(tr("per %1"));
+  behindCost->setObjectName("lblPriceBlocked");
   basicCost_ = form.Hint({}, "lblDetailBasicCost");
   basicCost_->setVisible(!priceBlocked);
   form.Row(tr("&Purchase cost"), {cost_, behindCost, basicCost_});
   voc_ = figure("txtVOC", AmountKey::VOC, "VOC", 10);
-  form.Row(tr("&VOC"), {voc_, form.Hint(perUnit), basicVOC_ = form.Hint({}, "lblDetailVOCBasics")});
+  form.Row(tr("&VOC"), {voc_, hint(tr("per %1")), basicVOC_ = form.Hint({}, "lblDetailVOCBasics")});
   hap_ = figure("txtHAP", AmountKey::HAP, "HAP", 10);
-  form.Row(tr("&HAP"), {hap_, form.Hint(perUnit), basicHAP_ = form.Hint({}, "lblDetailHAPBasics")});
+  form.Row(tr("&HAP"), {hap_, hint(tr("per %1")), basicHAP_ = form.Hint({}, "lblDetailHAPBasics")});
   if (host_.windows.Knows("UnitCostAccuracyForm"))
     form.Row(form.Link("cmdUnitCostAccuracy", tr("Decimals of costs ..."),
                        [this] { host_.windows.RunDialog("UnitCostAccuracyForm"); }));
+  Relabel();
+}
+
+void MixDetailsPanel::Relabel() {
+  for (const auto& [label, words] : unitHints_) label->setText(words.arg(Q(UnitName(host_.session.UMI))));
 }
 
 void MixDetailsPanel::BuildRecord(Form& form, SwatchView& ink) {
-  form.Row(tr("In stock"), {stock_ = form.Value("lblTotalInv"), form.Hint(Q(UnitName(host_.session.UMI)))});
   swatch_ = new SwatchFields(host_, form, ink);
   form.Row(tr("Color guide"), guide_ = form.Label("lblGuide"));
   form.Row(tr("Page"), page_ = form.Label("lblPageCaption"));
@@ -78,9 +86,7 @@ void MixDetailsPanel::Show(const FormulaWork& work, const MixColor& mix, bool ke
   guide_->setText(guide.isEmpty() ? none : guide);
   page_->setText(guide.isEmpty() ? none : Q(mix.book.Page));
   row_->setText(guide.isEmpty() ? none : QString::number(mix.book.Row));
-  const float total = mix.rowId == 0 ? 0 : TotalStock(host_.session, ColorKind::Mix, mix.Color_Name);
-  isLow_ = total < mix.Reorder;
-  stock_->SetText(AmountText(host_.session, AmountKey::AdjInv, total));
+  isLow_ = mix.rowId != 0 && vellumark::IsBelowReorder(host_.session, ColorKind::Mix, mix.Color_Name);
   entered_->setText(DateText(mix.Date_Entered));
   modified_->setText(DateText(mix.LastModified));
   produced_->setText(DateText(mix.LastProduced));
@@ -92,7 +98,6 @@ void MixDetailsPanel::Clear() {
     Put(*field, "", false);
   Put(*recycle_, false, false);
   swatch_->Clear();
-  stock_->SetText("");
   for (QLabel* label : {guide_, page_, row_, entered_, modified_, produced_, basicCost_, basicVOC_, basicHAP_})
     label->clear();
   isLow_ = false;

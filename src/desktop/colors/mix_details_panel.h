@@ -1,6 +1,8 @@
 #pragma once
 
 #include <QObject>
+#include <utility>
+#include <vector>
 
 #include "core/colors/formulas.h"
 #include "core/colors/live_totals.h"
@@ -24,6 +26,8 @@ class MixDetailsPanel : public QObject {
   /// What the ingredients come to, beside the figures that were typed.
   void ShowTotals(const LiveTotals& totals);
   bool IsBelowReorder() const { return isLow_; }
+  /// Units as the settings are now.
+  void Relabel();
 
  private:
   void BuildFigures(Form& form, const std::function<bool()>& shown);
@@ -39,7 +43,6 @@ class MixDetailsPanel : public QObject {
   QLabel* basicCost_ = nullptr;
   QLabel* basicVOC_ = nullptr;
   QLabel* basicHAP_ = nullptr;
-  ValueField* stock_ = nullptr;
   SwatchFields* swatch_ = nullptr;
   QLabel* guide_ = nullptr;
   QLabel* page_ = nullptr;
@@ -47,6 +50,7 @@ class MixDetailsPanel : public QObject {
   QLabel* entered_ = nullptr;
   QLabel* modified_ = nullptr;
   QLabel* produced_ = nullptr;
+  std::vector<std::pair<QLabel*, QString>> unitHints_;  ///< with their words, to which the unit is added
   bool isLow_ = false;
 };
 
