@@ -100,6 +100,9 @@ void AdjustInventoryForm::BuildSettings(Form form) {
       columns[1].Button("cmdResetInv_All", tr("Reset inventor&y ..."), [this] { windows.RunDialog("ResetInvForm"); }));
   columns[1].Row(columns[1].Button("cmdResetReorder", tr("Reset reorder &points ..."),
                                    [this] { windows.RunDialog("ResetReorderForm"); }));
+  columns[1].Heading(tr("One color"));
+  columns[1].Row(
+      columns[1].Button("cmdAdjustReorder", tr("Adjust reorder poin&t ..."), [this] { OpenReorderPoint(); }));
 }
 
 NumberField* AdjustInventoryForm::Figure(Form& form, const char* name, StockFigure figure, const char* column) {
@@ -199,8 +202,9 @@ void AdjustInventoryForm::UpdateEnabled() {
 void AdjustInventoryForm::OnOpen(const Arguments& arguments) {
   if (!arguments.Has("FindRecord") || RecordInEdit()) return;
   const std::string name = arguments.Text("FindRecord");
-  if (arguments.Has("Kind")) return ShowColor(arguments.Get<ColorKind>("Kind"), name);
-  EnterName(name);
+  if (!arguments.Has("Kind")) return EnterName(name);
+  ShowColor(arguments.Get<ColorKind>("Kind"), name);
+  if (record_) panel_->FocusEntry();
 }
 
 // ---- The name
@@ -351,6 +355,12 @@ void AdjustInventoryForm::cmdHistory_Click() {
   Arguments arguments;
   if (record_) arguments.Set("Color_Name", record_->Color_Name).Set("Kind", record_->kind);
   windows.OpenForm("StockHistoryForm", arguments);
+}
+
+void AdjustInventoryForm::OpenReorderPoint() {
+  Arguments arguments;
+  if (record_) arguments.Set("FindRecord", record_->Color_Name).Set("Kind", record_->kind);
+  windows.OpenForm("AdjustReorderForm", arguments);
 }
 
 void AdjustInventoryForm::ImgInvLow_Click() {

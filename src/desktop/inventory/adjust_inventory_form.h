@@ -53,6 +53,8 @@ class AdjustInventoryForm : public Window {
   /// Asks about unfinished work, checks and writes. False: the operator stays.
   bool Store();
   bool StoreSettings();
+  /// The reorder point of the colour on screen, or of one to be named.
+  void OpenReorderPoint();
   /// Puts the old tab back where the new one is refused.
   void TabChanged(int to);
 

@@ -76,7 +76,7 @@ std::vector<GridColumn> InventoryPanel::Columns() const {
       GridColumn::Text(tr("Location"), 100),
       GridColumn::Text(tr("Cont ID Num"), 96),
       GridColumn::Amount(WithUnit(tr("Quantity"), session.UMI), 128),
-      GridColumn::Text(tr("Date"), 88),
+      GridColumn::Text(tr("Date"), 96),
       GridColumn::Number(PriceCaption(session.UMI), prices ? 96 : 0),
       GridColumn::Text(tr("Consignment"), 104),
       GridColumn::Text("IngType", 0),

@@ -71,6 +71,14 @@ CheckKeys::CheckKeys(Grid& grid, std::function<void(int row)> toggle)
 }
 
 bool CheckKeys::eventFilter(QObject* watched, QEvent* event) {
+  // A page of the list, not the colour before or after.
+  if (event->type() == QEvent::ShortcutOverride) {
+    const int key = static_cast<QKeyEvent*>(event)->key();
+    if (key == Qt::Key_PageUp || key == Qt::Key_PageDown) {
+      event->accept();
+      return true;
+    }
+  }
   if (event->type() != QEvent::KeyPress || static_cast<QKeyEvent*>(event)->key() != Qt::Key_Space ||
       grid_.CurrentRow() < 0 || !grid_.IsShown(0))
     return QObject::eventFilter(watched, event);

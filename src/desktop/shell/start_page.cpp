@@ -20,6 +20,7 @@ namespace vellumark::desktop {
 namespace {
 
 constexpr int kMostShown = 200;
+constexpr int kKindRole = Qt::UserRole;
 
 QIcon Swatch(const LowStock& color) {
   QPixmap pixmap(32, 32);
@@ -78,6 +79,8 @@ StartPage::StartPage(WindowList& windowList, QWidget* parent)
   low_->verticalHeader()->hide();
   low_->verticalHeader()->setDefaultSectionSize(space::kRowHeight);
   low_->setTabKeyNavigation(false);
+  low_->setToolTip(tr("Enter or a double click shows the stock of the color"));
+  connect(low_, &QTableWidget::itemActivated, this, &StartPage::OpenStock);
 
   lines->addWidget(heading_);
   lines->addWidget(facts_);
@@ -130,6 +133,13 @@ void StartPage::Show() {
   ShowLowStock();
 }
 
+void StartPage::OpenStock(QTableWidgetItem* activated) {
+  if (!windows_.Knows("AdjustInventoryForm")) return;
+  const QTableWidgetItem& name = *low_->item(activated->row(), 0);
+  windows_.OpenForm("AdjustInventoryForm",
+                    {{"FindRecord", U8(name.text())}, {"Kind", static_cast<ColorKind>(name.data(kKindRole).toInt())}});
+}
+
 void StartPage::ShowLowStock() {
   const std::vector<LowStock> low = ColorsBelowReorder(session_);
   lowNone_->setVisible(low.empty());
@@ -144,7 +154,9 @@ void StartPage::ShowLowStock() {
   const QFont figures = Look::Figures(1.4);
   for (int row = 0; row < shown; ++row) {
     const LowStock& color = low[static_cast<std::size_t>(row)];
-    low_->setItem(row, 0, new QTableWidgetItem(Swatch(color), Q(color.Color_Name)));
+    auto* name = new QTableWidgetItem(Swatch(color), Q(color.Color_Name));
+    name->setData(kKindRole, static_cast<int>(color.kind));
+    low_->setItem(row, 0, name);
     low_->setItem(row, 1,
                   new QTableWidgetItem(color.kind == ColorKind::Mix ? tr("Master Formula") : tr("Basic / Additive")));
     low_->setItem(row, 2, Amount(color.total, figures));

@@ -8,6 +8,7 @@
 class QLabel;
 class QPushButton;
 class QTableWidget;
+class QTableWidgetItem;
 
 namespace vellumark::desktop {
 
@@ -27,6 +28,7 @@ class StartPage : public QWidget {
  private:
   void Show();
   void ShowLowStock();
+  void OpenStock(QTableWidgetItem* activated);
 
   WindowList& windows_;
   Session& session_;

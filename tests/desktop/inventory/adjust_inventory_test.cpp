@@ -424,6 +424,18 @@ TEST_F(AdjustInventoryTest, ClosingAsksAndLowStockIsMarked) {
   EXPECT_EQ(Inventory(ColorKind::Basic, "RED").Single(), 4.0F);
 }
 
+TEST_F(AdjustInventoryTest, TheReorderPointOfTheColorShownIsOneKeyAwayFromTheSettings) {
+  Basic("RED");
+  Mix("RED", {{"RED", 100}});
+  Open({{"FindRecord", std::string("RED")}, {"Kind", ColorKind::Mix}});
+  Control<QTabWidget>(*form, "Inventory_TabStrip").setCurrentIndex(1);
+  Click(*form, "cmdAdjustReorder");
+  form = windows.Form("AdjustReorderForm");
+  ASSERT_NE(form, nullptr);
+  EXPECT_EQ(Text("cmbColorName"), "RED");
+  EXPECT_EQ(Text("lblKind"), "Master Formula");
+}
+
 TEST_F(AdjustInventoryTest, PricesAreHiddenFromWhoMayNotSeeThem) {
   Color(ColorKind::Basic, "RED", 3);
   session.CurrentUser = "ANNA";

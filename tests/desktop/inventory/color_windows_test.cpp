@@ -118,6 +118,47 @@ TEST_F(ColorWindowsTest, AFormulaKeepsItsStockInItsWindowToo) {
   EXPECT_FALSE(form->InEdit());
 }
 
+TEST_F(ColorWindowsTest, InTheListOfLotsThePageKeysTurnItsPages) {
+  Basic("BLUE");
+  Basic("RED");
+  Mix("PINK", {{"RED", 100}});
+  for (int i = 1; i <= 60; ++i) {
+    Lot(ColorKind::Basic, "BLUE", i, 1);
+    Lot(ColorKind::Mix, "PINK", i, 1);
+  }
+  for (const auto& [window, tabs, color] :
+       {std::tuple{"BasicColorsForm", "TabBasic", "BLUE"}, std::tuple{"MixColorsForm", "TabMix", "PINK"}}) {
+    SCOPED_TRACE(window);
+    OpenStock(window, tabs, color);
+    List().View().setFocus();
+    List().SetCurrentRow(0);
+    PressOn(Qt::Key_PageDown);
+    EXPECT_EQ(Text("cmbColorName"), color);
+    EXPECT_GT(List().CurrentRow(), 1);
+    PressOn(Qt::Key_PageUp);
+    EXPECT_EQ(List().CurrentRow(), 0);
+    windows.CloseForm(window);
+  }
+}
+
+TEST_F(ColorWindowsTest, ANewUnitIsShownAtOnce) {
+  Basic("RED");
+  Mix("PINK", {{"RED", 100}});
+  OpenStock("MixColorsForm", "TabMix", "PINK");
+  const auto hints = [&] {
+    QStringList texts;
+    for (const QLabel* label : form->findChildren<QLabel*>()) texts << label->text();
+    return texts;
+  };
+  EXPECT_EQ(hints().count("per lb."), 3);
+  InventorySettings settings = ReadInventorySettings(session);
+  settings.UMI = 2;
+  ASSERT_TRUE(SaveInventorySettings(session, settings));
+  Settle();
+  EXPECT_EQ(hints().count("per kg."), 3);
+  EXPECT_EQ(hints().count("per lb."), 0);
+}
+
 TEST_F(ColorWindowsTest, AllOfItFitsIntoTheMainWindowOfASmallScreen) {
   ByContainer();
   Basic("RED");
