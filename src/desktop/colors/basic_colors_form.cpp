@@ -88,7 +88,7 @@ void BasicColorsForm::BuildFigures(Form& form) {
   voc_ = figure("txtVOC", AmountKey::VOC, "VOC", 10);
   form.Row(tr("&VOC"), {voc_, hint(tr("per %1"))});
   hap_ = figure("txtHAP", AmountKey::HAP, "HAP", 10);
-  form.Row(tr("&HAP"), {hap_, hint(tr("per %1"))});
+  form.Row(tr("HAP"), {hap_, hint(tr("per %1"))});
   Relabel();
 }
 
@@ -362,6 +362,7 @@ void BasicColorsForm::cmdRename_Click() {
   } else {
     Reload();
   }
+  FocusField(kNameField);
 }
 
 void BasicColorsForm::Walk(bool forward) {

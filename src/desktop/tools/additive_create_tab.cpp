@@ -81,7 +81,7 @@ void AdditiveCreateTab::BuildFields(Form form) {
         tr("The percentages in the Additive Set are normalized into a \nMaster Formula using these fixed values.")})
     form.Wide(form.Hint(text));
   CommandButton* save = form.Button("cmdSave_CreateTab", tr("&Save"), QKeySequence::Save, [this] { Save(); });
-  CommandButton* fresh = form.Button("cmdNew_CreateTab", tr("Ne&w"), QKeySequence::New, [this] { New(); });
+  CommandButton* fresh = form.Button("cmdNew_CreateTab", tr("N&ew"), QKeySequence::New, [this] { New(); });
   form.ButtonsWithoutDefault({save, fresh});
   form.Stretch();
   host_.SetDefaultButton(save);

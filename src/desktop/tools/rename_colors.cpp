@@ -40,7 +40,7 @@ DBRenameColors::DBRenameColors(WindowList& windowList)
 void DBRenameColors::BuildRule(Form& form) {
   form.Heading(tr("Step 2: Select the change"));
   change_ = form.Radio("optNameChange",
-                       {{"optNameChange_Prefix", tr("&Add Prefix")},
+                       {{"optNameChange_Prefix", tr("Add Prefi&x")},
                         {"optNameChange_Suffix", tr("Add S&uffix")},
                         {"optNameChange_Find", tr("&Find")}},
                        Qt::Horizontal);

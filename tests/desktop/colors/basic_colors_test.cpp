@@ -232,6 +232,7 @@ TEST_F(BasicColorsTest, RenameAndMerge) {
     PressOn(Qt::Key_Return);
   });
   EXPECT_EQ(Text(kName), "CRIMSON");
+  EXPECT_EQ(FocusName(), kName);
   EXPECT_EQ(Text("txtColorCode"), "TYPED");  // a rename takes along what was typed
   EXPECT_TRUE(BasicColorExists(session, "CRIMSON"));
   Click(*form, "cmdSave");
@@ -248,6 +249,7 @@ TEST_F(BasicColorsTest, RenameAndMerge) {
     Click(dialog, "cmdSave");
   });
   EXPECT_EQ(Text(kName), "BLUE");
+  EXPECT_EQ(FocusName(), kName);
   EXPECT_EQ(Text("txtPurchaseCost"), "0.00");
   EXPECT_FALSE(BasicColorExists(session, "CRIMSON"));
   EXPECT_EQ(Scalar("SELECT BQ0 FROM INK_Mix").Single(), 100.0F);
