@@ -3,8 +3,10 @@
 #include <QApplication>
 #include <QClipboard>
 #include <QDialogButtonBox>
+#include <QElapsedTimer>
 #include <QKeyEvent>
 #include <QLabel>
+#include <QPointer>
 #include <QPushButton>
 #include <QScreen>
 #include <QScrollArea>
@@ -24,6 +26,7 @@ namespace {
 constexpr int kIconSize = 32;
 constexpr int kLeastTextWidth = 280;
 constexpr int kWidestText = 640;
+constexpr int kFocusReturns = 100;  // ms, at most
 constexpr int kBold = 115;          // percent: titles are often in a bold face
 constexpr int kTitleButtons = 120;  // the icon and the buttons that the platform puts beside a title
 
@@ -81,6 +84,15 @@ QString IconName(vellumark::Icon icon) {
       return "critical";
   }
   return {};
+}
+
+// The platform gives the focus back a moment after the message has gone. A wait window that comes up in between would
+// take it for good, and the keys of the window behind would be dead.
+void TakeBack(const QPointer<QWidget>& owner) {
+  QElapsedTimer since;
+  since.start();
+  while (owner != nullptr && owner->isVisible() && !owner->isActiveWindow() && since.elapsed() < kFocusReturns)
+    QApplication::processEvents(QEventLoop::ExcludeUserInputEvents, kFocusReturns);
 }
 
 }  // namespace
@@ -183,7 +195,7 @@ Answer MessagePrompt::Show(const Message& message) {
     if (const auto answer = hook_(message)) return *answer;
   }
   // A wait window steps back while the operator is asked; the work brings it back. Its cursor goes with it.
-  QWidget* owner = QApplication::activeWindow();
+  QPointer<QWidget> owner = QApplication::activeWindow();
   for (QWidget* window : QApplication::topLevelWidgets()) {
     if (qobject_cast<WaitWindow*>(window) == nullptr || !window->isVisible()) continue;
     if (owner == window) owner = window->parentWidget();
@@ -193,6 +205,7 @@ Answer MessagePrompt::Show(const Message& message) {
   if (waiting) QApplication::setOverrideCursor(Qt::ArrowCursor);
   MessageDialog dialog(message, owner);
   dialog.exec();
+  TakeBack(owner);
   if (waiting) QApplication::restoreOverrideCursor();
   return dialog.Chosen();
 }
