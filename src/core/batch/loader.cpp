@@ -50,6 +50,7 @@ class BatchRowReader {
 StoredBatchLines LinesOfRow(const BatchRowReader& row) {
   StoredBatchLines batch;
   batch.BatchNo = static_cast<std::int32_t>(row.Whole("BatchNo"));
+  batch.Color_Name = row.Text("Color_Name");
   batch.UMF = UnitName(static_cast<int>(row.Whole("UMF"))).empty() ? 0 : static_cast<int>(row.Whole("UMF"));
   batch.Roundoff = row.Single("Roundoff");
   batch.LargestAmountIndex = static_cast<std::int32_t>(row.Whole("LargestAmountIndex"));

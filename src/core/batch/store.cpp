@@ -10,6 +10,7 @@
 #include "core/batch/holding.h"
 #include "core/batch/job_rows.h"
 #include "core/batch/leave.h"
+#include "core/batch/loader.h"
 #include "core/batch/made.h"
 #include "core/batch/modified.h"
 #include "core/batch/open.h"
@@ -141,6 +142,23 @@ Result<void> CheckLotReferences(const Session& session, const BatchRecord& recor
   return {};
 }
 
+// A colour that got another name, or was merged, while the Batch was open: stored under its old one the lines would
+// take from nothing.
+Result<void> CheckNames(const Session& session, const BatchRecord& record) {
+  if (record.state != BatchState::Edit) return {};
+  const auto stored = ReadStoredLines(session, record.rowId);
+  bool same = stored && stored->Color_Name == record.remembered.Color_Name;
+  for (const OldBatchLine& old : record.OldLines)
+    same = same && std::ranges::any_of(stored->lines, [&](const StoredLine& line) {
+             return line.IngType == old.IngType && EqualNoCase(line.IngName, old.IngName);
+           });
+  if (same) return {};
+  return Refuse("Batches Window - Edit State",
+                "This Batch is no longer editable.\n"
+                "A Master Formula associated with this Batch has been deleted or modified\n"
+                "since this Batch was saved.");
+}
+
 }  // namespace
 
 Result<void> CheckStorable(const Session& session, const BatchRecord& record) {
@@ -153,6 +171,7 @@ Result<void> CheckStorable(const Session& session, const BatchRecord& record) {
                   "txtQuantity");
   if (record.work.Rows.size() > static_cast<std::size_t>(kMostBatchLines))
     return Refuse("Save Batch", fmt::format("A Batch holds at most {} lines.", kMostBatchLines));
+  if (auto named = CheckNames(session, record); !named) return named;
   return CheckLotReferences(session, record);
 }
 

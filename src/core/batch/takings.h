@@ -44,6 +44,7 @@ std::vector<BatchTaking> PlanTakings(Session& session, const BatchRecord& record
 /// Unlotted Inventory.
 struct StoredBatchLines {
   std::int32_t BatchNo = 0;
+  std::string Color_Name;
   int UMF = 1;
   float Roundoff = 0;
   std::int32_t LargestAmountIndex = 0;

@@ -155,16 +155,24 @@ TEST(BatchConserves, ANegativeAdditionWithLots) {
   EXPECT_EQ(room.Red(), 100);
 }
 
-// An ingredient that got another name while the Batch was open is stored and taken under that name.
-TEST(BatchConserves, AColourRenamedWhileOpenIsTakenBySave) {
-  LifeRoom room;
-  room.PinkRoom();
-  const std::int32_t number = room.Saved("PINK", "100");
-  room.Open(number);
-  ASSERT_TRUE(RenameBasic(room.session, "RED", "ROT"));
-  room.record.fields.ShortNote = "x";
-  room.Save();
-  EXPECT_EQ(room.Inventory(ColorKind::Basic, "ROT").Single(), 75);
+// An ingredient that got another name or was merged into another while the Batch was open is taken under the new name;
+// the Batch on the bench still has the old name and is not stored.
+TEST(BatchConserves, AColourRenamedOrMergedWhileOpen) {
+  for (const bool merged : {false, true}) {
+    LifeRoom room;
+    room.PinkRoom();
+    const std::int32_t number = room.Saved("PINK", "100");
+    room.Open(number);
+    if (merged) room.prompt.Expect(std::string(20, ' ') + "Basic Color Name Exists", Answer::Yes);
+    const auto renamed = RenameBasic(room.session, "RED", merged ? "WHITE" : "CARMINE");
+    ASSERT_TRUE(renamed) << renamed.error().text;
+    room.record.fields.ShortNote = "x";
+    EXPECT_EQ(room.Title(SaveBatch(room.session, room.record, room.dialogs)), "Batches Window - Edit State");
+    Reset_Ing_Inv_CancelEdit_ExistingBatch(room.session, room.record);
+    // A merged colour's stock went with it; nothing of it is left to take from.
+    EXPECT_EQ(room.White(), 125);
+    EXPECT_EQ(room.Inventory(ColorKind::Basic, merged ? "WHITE" : "CARMINE").Single(), merged ? 125 : 75);
+  }
 }
 
 }  // namespace
