@@ -44,7 +44,8 @@ struct LargeRoom : ToolsRoom {
 };
 
 TEST_F(LargeRoom, CancelInTheMiddleLeavesEveryRow) {
-  Formulas(20'000);
+  // Enough to last beyond the moment at which the wait window comes up, on a quick machine too.
+  Formulas(60'000);
   OpenBusy("DBFormulaModifierForm");
   Click(*form, "chkSelectAllColors");
   Click(*form, "chkSel0");
@@ -52,7 +53,7 @@ TEST_F(LargeRoom, CancelInTheMiddleLeavesEveryRow) {
   Fill(*form, "txtPercent0", "10");
   Click(*form, "cmdPreview");
   ShowActive(*form);  // without a main window nobody brings it back behind a wait window
-  EXPECT_EQ(Shown("LVMod").size(), 20'004U);
+  EXPECT_EQ(Shown("LVMod").size(), 60'004U);
   const std::string before = Snapshot(busy.File());
 
   // The wait window comes up by itself, shows how far the work is, and hears the click.
@@ -63,26 +64,26 @@ TEST_F(LargeRoom, CancelInTheMiddleLeavesEveryRow) {
     if (modal == nullptr || modal->objectName() != "WaitingForm") return;
     if (Control<QLabel>(*modal, "lblMessage").text() != QString("Modifing Formulas ...")) return;
     percent = Control<QProgressBar>(*modal, "pbProgress").value();
-    if (percent < 100) return;
+    if (percent < 10) return;
     operatorHand.stop();
     Click(*modal, "cmdCancel");
   });
   operatorHand.start(5);
   prompt.Expect("Database Formula Modifier", Answer::Ok,
-                "You are about to change 20004 Master Formula(s) in the INK Database.\n\nClick OK to continue.");
+                "You are about to change 60004 Master Formula(s) in the INK Database.\n\nClick OK to continue.");
   prompt.Expect("Database Formula Modifier", Answer::Ok, "The work was cancelled. Nothing was changed.");
   PressOn(Qt::Key_S, Qt::ControlModifier);
-  EXPECT_GE(percent, 100);
+  EXPECT_GE(percent, 10);
   EXPECT_LT(percent, 1000);
-  EXPECT_EQ(Snapshot(busy.File()), before);
-  EXPECT_EQ(Shown("LVMod").size(), 20'004U);  // for another try
+  EXPECT_TRUE(Snapshot(busy.File()) == before);  // too long to be printed
+  EXPECT_EQ(Shown("LVMod").size(), 60'004U);  // for another try
   EXPECT_FALSE(busy.CostChanged);
 
   ShowActive(*form);
   prompt.Expect("Database Formula Modifier");
   prompt.Expect("Master Formulas Modified");
   PressOn(Qt::Key_S, Qt::ControlModifier);
-  EXPECT_EQ(busy.File().Scalar("SELECT COUNT(*) FROM INK_Mix WHERE LastModified IS NOT NULL").Whole(), 20'004);
+  EXPECT_EQ(busy.File().Scalar("SELECT COUNT(*) FROM INK_Mix WHERE LastModified IS NOT NULL").Whole(), 60'004);
 }
 
 TEST_F(LargeRoom, AHundredThousandFormulasWithoutAStutter) {
