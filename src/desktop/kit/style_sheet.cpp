@@ -20,8 +20,10 @@ QListView:focus, QTableView:focus, QTreeView:focus { border-color: @accent; }
 QLineEdit:disabled, QAbstractSpinBox:disabled, QComboBox:disabled, QPlainTextEdit:disabled,
 QLineEdit:read-only { background: @window; color: @off; border-color: @line; }
 QLineEdit:read-only:enabled { color: @text; }
-*[fault="true"], QLineEdit[fault="true"]:focus, QAbstractSpinBox[fault="true"]:focus,
-QComboBox[fault="true"]:focus, QPlainTextEdit[fault="true"]:focus { border: 2px solid @danger; }
+QLineEdit[fault="true"], QAbstractSpinBox[fault="true"], QComboBox[fault="true"], QPlainTextEdit[fault="true"],
+QAbstractItemView[fault="true"], QAbstractButton[fault="true"], QLineEdit[fault="true"]:focus,
+QAbstractSpinBox[fault="true"]:focus, QComboBox[fault="true"]:focus, QPlainTextEdit[fault="true"]:focus {
+  border: 2px solid @danger; }
 QLineEdit[fault="true"], QComboBox[fault="true"], QAbstractSpinBox[fault="true"] { padding: 0 6px; }
 QComboBox::drop-down, QDateEdit::drop-down { border: none; width: 24px; }
 QComboBox::down-arrow, QDateEdit::down-arrow { image: url(:/icons/down-@tone.svg); width: 12px; height: 12px; }
