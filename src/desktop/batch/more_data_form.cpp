@@ -2,6 +2,7 @@
 
 #include "core/base/text.h"
 #include "core/batch/more_data.h"
+#include "desktop/kit/discard.h"
 #include "desktop/kit/text.h"
 
 namespace vellumark::desktop {
@@ -112,8 +113,7 @@ void MoreDataForm::cmdOK_Click() {
 }
 
 bool MoreDataForm::MayClose() {
-  return !IsDirty() || session.prompt.Ask(U8(tr("Cancel Without Saving Changes?")),
-                                          U8(tr("Cancel without saving changes?")), Answer::No);
+  return !IsDirty() || MayDiscard(session);
 }
 
 }  // namespace vellumark::desktop

@@ -13,6 +13,7 @@
 #include "desktop/colors/swatch_fields.h"
 #include "desktop/inventory/inventory_panel.h"
 #include "desktop/kit/amount_field.h"
+#include "desktop/kit/discard.h"
 #include "desktop/kit/icons.h"
 #include "desktop/kit/record_fields.h"
 #include "desktop/kit/text.h"
@@ -344,9 +345,7 @@ void BasicColorsForm::cmdDelete_Click() {
 }
 
 void BasicColorsForm::cmdCancel_Click() {
-  if (InEdit() && !session.prompt.Ask(U8(tr("Cancel Without Saving Changes?")),
-                                      U8(tr("Cancel without saving changes?")), Answer::No))
-    return;
+  if (InEdit() && !MayDiscard(session)) return;
   Clear();
   FocusField(kNameField);
 }

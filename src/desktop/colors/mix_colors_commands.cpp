@@ -14,6 +14,7 @@
 #include "desktop/colors/mix_notes_panel.h"
 #include "desktop/colors/new_additive_set_panel.h"
 #include "desktop/inventory/inventory_panel.h"
+#include "desktop/kit/discard.h"
 #include "desktop/kit/record_fields.h"
 #include "desktop/kit/text.h"
 
@@ -79,9 +80,7 @@ void MixColorsForm::cmdDelete_Click() {
 }
 
 void MixColorsForm::cmdCancel_Click() {
-  if (InEdit() && !session.prompt.Ask(U8(tr("Cancel Without Saving Changes?")),
-                                      U8(tr("Cancel without saving changes?")), Answer::No))
-    return;
+  if (InEdit() && !MayDiscard(session)) return;
   Clear();
   name_->TakeFocus();
 }

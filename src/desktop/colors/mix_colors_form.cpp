@@ -13,6 +13,7 @@
 #include "desktop/colors/mix_notes_panel.h"
 #include "desktop/colors/new_additive_set_panel.h"
 #include "desktop/inventory/inventory_panel.h"
+#include "desktop/kit/discard.h"
 #include "desktop/kit/icons.h"
 #include "desktop/kit/look.h"
 #include "desktop/kit/record_fields.h"
@@ -391,9 +392,7 @@ void MixColorsForm::AllowEditingClicked(bool checked) {
 bool MixColorsForm::StopEditing() {
   if (!Accepted(ValidateFormula(session, ReadFields()))) return false;
   if (work_->rowId == 0 || !RecipeChanged()) return true;
-  if (!session.prompt.Ask(U8(tr("Cancel Without Saving Changes?")), U8(tr("Cancel without saving changes?")),
-                          Answer::No))
-    return false;
+  if (!MayDiscard(session)) return false;
   ingredients_->Show(*work_, false);
   sets_->Show(work_->AddSetName);
   return true;

@@ -15,6 +15,7 @@
 #include "desktop/inventory/inv_lot_instructions.h"
 #include "desktop/inventory/inventory_panel.h"
 #include "desktop/kit/amount_field.h"
+#include "desktop/kit/discard.h"
 #include "desktop/kit/icons.h"
 #include "desktop/kit/look.h"
 #include "desktop/kit/record_fields.h"
@@ -344,9 +345,7 @@ void AdjustInventoryForm::cmdSave_Click() {
 
 void AdjustInventoryForm::cmdCancel_Click() {
   if (tab_ == kSettings) return settings_->Show();
-  if (RecordInEdit() && !session.prompt.Ask(U8(tr("Cancel Without Saving Changes?")),
-                                            U8(tr("Cancel without saving changes?")), Answer::No))
-    return;
+  if (RecordInEdit() && !MayDiscard(session)) return;
   Clear();
   FocusField(kNameField);
 }

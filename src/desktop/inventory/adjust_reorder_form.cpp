@@ -8,6 +8,7 @@
 #include "core/colors/names.h"
 #include "core/inventory/color_stock.h"
 #include "core/inventory/reorder.h"
+#include "desktop/kit/discard.h"
 #include "desktop/kit/icons.h"
 #include "desktop/kit/text.h"
 
@@ -133,9 +134,7 @@ void AdjustReorderForm::cmdSave_Click() {
 }
 
 void AdjustReorderForm::cmdCancel_Click() {
-  if (InEdit() && !session.prompt.Ask(U8(tr("Cancel Without Saving Changes?")),
-                                      U8(tr("Cancel without saving changes?")), Answer::No))
-    return;
+  if (InEdit() && !MayDiscard(session)) return;
   Clear();
   FocusField(kNameField);
 }
