@@ -10,6 +10,7 @@
 #include "core/colors/rollup.h"
 #include "core/inventory/color_stock.h"
 #include "desktop/colors/measurements_panel.h"
+#include "desktop/colors/name_entry.h"
 #include "desktop/colors/swatch_fields.h"
 #include "desktop/inventory/inventory_panel.h"
 #include "desktop/kit/amount_field.h"
@@ -152,29 +153,9 @@ void BasicColorsForm::NameLeft(QWidget* to) {
 }
 
 void BasicColorsForm::EnterName(const std::string& typed) {
-  const Result<NameEntry> entry = EnterBasicName(session, typed);
-  if (!entry) {
-    ShowRefusal(entry.error());
-    Clear();
-    FocusField(kNameField);
-    return;
-  }
-  switch (entry->kind) {
-    case NameEntry::Kind::Empty:
-      QApplication::beep();
-      FocusField(kNameField);
-      break;
-    case NameEntry::Kind::Found:
-      ShowColor(entry->name);
-      break;
-    case NameEntry::Kind::New:
-      ShowNew(entry->name);
-      break;
-    case NameEntry::Kind::Abandoned:
-      Clear();
-      FocusField(kNameField);
-      break;
-  }
+  FollowNameEntry(*this, kNameField, EnterBasicName(session, typed),
+                  {[this](const std::string& name) { ShowColor(name); },
+                   [this](const std::string& name) { ShowNew(name); }, [this] { Clear(); }});
 }
 
 // ---- Showing

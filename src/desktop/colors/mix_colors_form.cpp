@@ -11,6 +11,7 @@
 #include "desktop/colors/measurements_panel.h"
 #include "desktop/colors/mix_details_panel.h"
 #include "desktop/colors/mix_notes_panel.h"
+#include "desktop/colors/name_entry.h"
 #include "desktop/colors/new_additive_set_panel.h"
 #include "desktop/inventory/inventory_panel.h"
 #include "desktop/kit/discard.h"
@@ -207,30 +208,13 @@ void MixColorsForm::NameLeft(QWidget* to) {
 }
 
 void MixColorsForm::EnterName(const std::string& typed) {
-  const Result<NameEntry> entry = EnterMixName(session, typed);
-  if (!entry) {
-    ShowRefusal(entry.error());
-    Clear();
-    FocusField(kNameField);
-    return;
-  }
-  switch (entry->kind) {
-    case NameEntry::Kind::Empty:
-      QApplication::beep();
-      FocusField(kNameField);
-      break;
-    case NameEntry::Kind::Found:
-      ShowFormula(entry->name);
-      break;
-    case NameEntry::Kind::New:
-      ShowNew(entry->name);
-      FocusField("BC0");
-      break;
-    case NameEntry::Kind::Abandoned:
-      Clear();
-      FocusField(kNameField);
-      break;
-  }
+  FollowNameEntry(*this, kNameField, EnterMixName(session, typed),
+                  {[this](const std::string& name) { ShowFormula(name); },
+                   [this](const std::string& name) {
+                     ShowNew(name);
+                     FocusField("BC0");
+                   },
+                   [this] { Clear(); }});
 }
 
 // ---- Showing
