@@ -19,18 +19,18 @@ QLabel* Explained(Form& form, const QString& text) {
 
 }  // namespace
 
-AdjustBasicForm::AdjustBasicForm(WindowList& windowList, QWidget* owner)
-    : Dialog(windowList, owner, "AdjustBasicForm", tr("Adjust Basic Color")) {
+AdjustRowForm::AdjustRowForm(WindowList& windowList, QWidget* owner, const char* name, const QString& title,
+                             const QString& text, const QString& note)
+    : Dialog(windowList, owner, name, title) {
   Form form(*this);
   form.Wide(name_ = form.Value("lblColorName", 1.2));
-  form.Wide(Explained(form, tr("Enter the amount to use in the Batch.")));
+  form.Wide(Explained(form, text));
   form.Row(tr("&Amount"), {amount_ = form.Number("txtAmount", 3), unit_ = form.Hint({})});
-  form.Wide(Explained(form, tr("NOTE: Changing the Amount of this Basic Color will cause the Amounts of ALL Basic "
-                               "Colors in this Batch to change.")));
+  if (!note.isEmpty()) form.Wide(Explained(form, note));
   form.Buttons({form.Button("cmdSave", tr("&Save")), form.Button("cmdCancel", tr("Cancel"))});
 }
 
-void AdjustBasicForm::OnOpen(const Arguments& arguments) {
+void AdjustRowForm::OnOpen(const Arguments& arguments) {
   record_ = arguments.Get<BatchRecord*>("Record");
   row_ = static_cast<std::size_t>(arguments.Number("Row"));
   const BatchRow& row = record_->work.Rows.at(row_);
@@ -39,33 +39,29 @@ void AdjustBasicForm::OnOpen(const Arguments& arguments) {
   unit_->setText(Q(row.unit));
 }
 
-void AdjustBasicForm::cmdSave_Click() {
-  const Result<Overpour> poured = PourBasicRow(session, *record_, row_, amount_->Text());
-  if (!Accepted(poured)) return;
+void AdjustRowForm::cmdSave_Click() {
+  if (Apply(*record_, row_, amount_->Text())) accept();
+}
+
+AdjustBasicForm::AdjustBasicForm(WindowList& windowList, QWidget* owner)
+    : AdjustRowForm(windowList, owner, "AdjustBasicForm", tr("Adjust Basic Color"),
+                    tr("Enter the amount to use in the Batch."),
+                    tr("NOTE: Changing the Amount of this Basic Color will cause the Amounts of ALL Basic "
+                       "Colors in this Batch to change.")) {}
+
+bool AdjustBasicForm::Apply(BatchRecord& record, std::size_t row, const std::string& amount) {
+  const Result<Overpour> poured = PourBasicRow(session, record, row, amount);
+  if (!Accepted(poured)) return false;
   result.Set("Overpour", *poured);
-  accept();
+  return true;
 }
 
 AdjustAdditionForm::AdjustAdditionForm(WindowList& windowList, QWidget* owner)
-    : Dialog(windowList, owner, "AdjustAdditionForm", tr("Adjust Addition")) {
-  Form form(*this);
-  form.Wide(name_ = form.Value("lblColorName", 1.2));
-  form.Wide(Explained(form, tr("Enter the amount of this addition, or 0 to remove it from the Batch.")));
-  form.Row(tr("&Amount"), {amount_ = form.Number("txtAmount", 3), unit_ = form.Hint({})});
-  form.Buttons({form.Button("cmdSave", tr("&Save")), form.Button("cmdCancel", tr("Cancel"))});
-}
+    : AdjustRowForm(windowList, owner, "AdjustAdditionForm", tr("Adjust Addition"),
+                    tr("Enter the amount of this addition, or 0 to remove it from the Batch.")) {}
 
-void AdjustAdditionForm::OnOpen(const Arguments& arguments) {
-  record_ = arguments.Get<BatchRecord*>("Record");
-  row_ = static_cast<std::size_t>(arguments.Number("Row"));
-  const BatchRow& row = record_->work.Rows.at(row_);
-  name_->SetText(row.name);
-  amount_->SetText(row.amount);
-  unit_->setText(Q(row.unit));
-}
-
-void AdjustAdditionForm::cmdSave_Click() {
-  if (Accepted(ApplyAdditionRow(session, *record_, row_, amount_->Text()))) accept();
+bool AdjustAdditionForm::Apply(BatchRecord& record, std::size_t row, const std::string& amount) {
+  return Accepted(ApplyAdditionRow(session, record, row, amount));
 }
 
 }  // namespace vellumark::desktop
