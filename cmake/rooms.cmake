@@ -1,3 +1,24 @@
+# What nearly every file reads is read once: the standard headers and fmt for the core, and what the command line, the
+# tests and the windows need beside them. A precompiled header fits those that are compiled with its options.
+set(VELLUMARK_STANDARD_HEADERS <algorithm> <array> <chrono> <cmath> <cstdint> <filesystem> <fstream> <functional> <limits> <map>
+                               <memory> <optional> <set> <span> <stdexcept> <string> <string_view> <unordered_map> <utility>
+                               <vector> <fmt/format.h> <fmt/chrono.h>)
+
+# The code of the tests is compiled more often than it runs; what they test is optimised as it is delivered.
+set(VELLUMARK_TEST_OPTIONS -O0)
+
+# precompiled(NAME HEADERS... [LIBRARIES LIBRARY...] [OPTIONS OPTION...]): a header for others to reuse.
+function(vellumark_precompiled name)
+  cmake_parse_arguments(PARSE_ARGV 1 given "" "" "LIBRARIES;OPTIONS")
+  file(WRITE "${CMAKE_BINARY_DIR}/${name}.cpp.new" "// Holds the precompiled header of this name.\n")
+  file(COPY_FILE "${CMAKE_BINARY_DIR}/${name}.cpp.new" "${CMAKE_BINARY_DIR}/${name}.cpp" ONLY_IF_DIFFERENT)
+  add_library(${name} OBJECT "${CMAKE_BINARY_DIR}/${name}.cpp")
+  target_link_libraries(${name} PRIVATE vellumark_options fmt::fmt ${given_LIBRARIES})
+  target_compile_options(${name} PRIVATE ${given_OPTIONS})
+  target_precompile_headers(${name} PRIVATE ${given_UNPARSED_ARGUMENTS})
+  set_target_properties(${name} PROPERTIES AUTOMOC OFF)
+endfunction()
+
 # A room of the core is a static library of every .cpp in src/core/NAME, linked to the rooms declared before it;
 # its tests are every .cpp in tests/core/NAME, gathered in one binary.
 set(VELLUMARK_CORE_ROOMS "" CACHE INTERNAL "")
@@ -9,6 +30,7 @@ function(vellumark_room name)
   endif()
   add_library(core_${name} STATIC ${sources})
   target_link_libraries(core_${name} PUBLIC vellumark_options fmt::fmt nlohmann_json::nlohmann_json)
+  target_precompile_headers(core_${name} REUSE_FROM precompiled_core)
   foreach(above IN LISTS VELLUMARK_CORE_ROOMS)
     target_link_libraries(core_${name} PUBLIC core_${above})
   endforeach()
@@ -26,6 +48,8 @@ function(vellumark_tests name folder)
   endif()
   add_executable(test_${name} ${sources})
   target_link_libraries(test_${name} PRIVATE test_support ${ARGN} GTest::gtest GTest::gtest_main)
+  target_compile_options(test_${name} PRIVATE ${VELLUMARK_TEST_OPTIONS})
+  target_precompile_headers(test_${name} REUSE_FROM precompiled_tests)
   set(properties TIMEOUT 300)
   if(folder STREQUAL "long")
     set(properties TIMEOUT 3600 LABELS long)
