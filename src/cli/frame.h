@@ -16,6 +16,8 @@ namespace vellumark::cli {
 
 using Json = nlohmann::ordered_json;
 
+enum Exit : int { ExitDone = 0, ExitRefused = 1, ExitUsage = 2, ExitQuestion = 3, ExitFailed = 4 };
+
 /// What stands open when a verb runs.
 enum class Needs {
   Nothing,   ///< Support Files and settings only
@@ -31,6 +33,7 @@ struct Context {
   /// The answer for people. When empty it is made from the JSON: arrays of objects as a table, an object as a line for
   /// each key.
   std::string text;
+  int exitStatus = ExitDone;  ///< of an answer that is whole and tells of something amiss
   std::string user;      ///< --user; empty when not given
   std::string password;  ///< --password, or VELLUMARK_PASSWORD
 };

@@ -22,7 +22,6 @@ namespace {
 
 namespace fs = std::filesystem;
 
-enum Exit : int { ExitDone = 0, ExitRefused = 1, ExitUsage = 2, ExitQuestion = 3, ExitFailed = 4 };
 
 struct GlobalOptions {
   std::string dataFolder;
@@ -145,7 +144,8 @@ int RunChosen(const GlobalOptions& options, const Commands& commands) {
     Session session(prompt, progress, *clock);
     PrepareSupportFiles(session, ResolveFolders(FolderSources::OfThisProcess(options.dataFolder)));
     Context context{session, options.json, options.file.empty() ? session.DataFileName : options.file,
-                    {},      options.user, options.password};
+                    {},      ExitDone,     options.user,
+                    options.password};
     if (!options.file.empty()) context.dataFile = fs::absolute(options.file).string();
 
     Result<void> opened;
@@ -164,7 +164,7 @@ int RunChosen(const GlobalOptions& options, const Commands& commands) {
                              : context.text.empty() ? ReadableText(*answer)
                                                     : context.text;
     if (!WriteAnswer(text)) throw Failure("standard output", "cannot be written");
-    return ExitDone;
+    return context.exitStatus;
   } catch (const WrongUsage& usage) {
     WriteError(usage.text + "\n");
     return ExitUsage;

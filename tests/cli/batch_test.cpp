@@ -210,17 +210,18 @@ TEST(CliBatch, TheNextStartClosesABatchThatWasLeftOpen) {
   const BatchShop shop;
   shop.Json({"stock", "adjust", "RED", "100", "--kind", "basic"});
   shop.Json({"batch", "save", "--formula", "TARGET", "--quantity", "50", "--mix"});
-  EXPECT_TRUE(shop.Json({"file", "check", shop.path})["OpenBatches"].empty());
+  EXPECT_TRUE(shop.Json({"file", "check"})["Sound"]);
   LeaveOpen(shop, 1);
-  const auto open = shop.Json({"file", "check", shop.path})["OpenBatches"];
-  ASSERT_EQ(open.size(), 1U);
-  EXPECT_EQ(open[0]["Database"], "INK");
-  EXPECT_EQ(open[0]["BatchNo"], 1);
+  const auto open = shop.Run({"--json", "file", "check", shop.path});
+  EXPECT_EQ(open.status, 4);
+  ASSERT_EQ(open.Json()["Faults"].size(), 1U);
+  EXPECT_EQ(open.Json()["Faults"][0]["Rule"], "Markers");
+  EXPECT_EQ(open.Json()["Faults"][0]["Name"], "000001");
   const auto start = shop.Run({"--json", "stock", "show", "RED"});
   EXPECT_EQ(start.Json()[0]["Total"], 70);
   EXPECT_NE(start.err.find("Batch 000001 of the INK database"), std::string::npos) << start.err;
   EXPECT_EQ(shop.Run({"stock", "show", "RED"}).err, "");
-  EXPECT_TRUE(shop.Json({"file", "check", shop.path})["OpenBatches"].empty());
+  EXPECT_TRUE(shop.Json({"file", "check", shop.path, "--deep"})["Sound"]);
 }
 
 TEST(CliBatch, RefusesWhatTheWindowRefuses) {

@@ -118,8 +118,8 @@ TEST(CliFiles, CreateInfoCheckCompact) {
   EXPECT_TRUE(room.Json({"file", "check", path})["Sound"]);
   Database::Open(path, OpenMode::Exclusive)->Execute("DROP TABLE INK_Mix_LAB");
   const test::CliAnswer broken = room.Run({"file", "check", path});
-  EXPECT_EQ(broken.status, 1);
-  EXPECT_NE(broken.err.find("table INK_Mix_LAB"), std::string::npos);
+  EXPECT_EQ(broken.status, 4);
+  EXPECT_NE(broken.out.find("INK_Mix_LAB: The table is missing. [Parts]"), std::string::npos) << broken.out;
   EXPECT_EQ(room.Run({"file", "compact"}).status, 0);
   EXPECT_FALSE(fs::exists(room.folder / "Ink.vkb"));
 }

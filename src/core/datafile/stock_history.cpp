@@ -297,6 +297,16 @@ void AddDatabaseDeletedLine(Database& file, StockLine line) {
   Insert(file, line, kWholeDatabase);
 }
 
+void ForEachStockChange(Database& file, const std::function<bool(const StockStep& step)>& take) {
+  Statement row = file.Prepare(
+      fmt::format("SELECT Source, Kind, Database, Color_Name, LotRefID, Change, Reason FROM {} ORDER BY ID", kTable));
+  bool more = true;
+  while (more && row.Step())
+    more = take({static_cast<StockEvent>(row.Whole(0)),
+                 row.Whole(1) == static_cast<int>(ColorKind::Mix) ? ColorKind::Mix : ColorKind::Basic, row.TextView(2),
+                 row.TextView(3), static_cast<std::int32_t>(row.Whole(4)), row.Number(5), row.TextView(6)});
+}
+
 std::vector<StockLine> TraceStock(Database& file, std::string_view database, ColorKind kind, std::string_view name,
                                   bool present) {
   std::vector<Stretch> stretches = Stretches(file, {std::string(database), std::string(name), 0, kNow}, kind, present);

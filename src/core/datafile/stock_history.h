@@ -57,6 +57,19 @@ struct StockLine {
   std::string reason{};
 };
 
+/// What counts of a line when all are added up. The texts are valid while the line is taken.
+struct StockStep {
+  StockEvent event = StockEvent::ManualAdjust;
+  ColorKind kind = ColorKind::Basic;
+  std::string_view database;
+  std::string_view Color_Name;
+  std::int32_t LotRefID = 0;
+  double change = 0;
+  std::string_view reason;
+};
+/// Every line of the file in the order of writing, until `take` answers false.
+void ForEachStockChange(Database& file, const std::function<bool(const StockStep& step)>& take);
+
 /// The exact difference of two figures of stock as they read in decimal, so that the changes of a lot add up to it.
 double StockDifference(float before, float after);
 

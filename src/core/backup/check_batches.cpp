@@ -1,0 +1,136 @@
+#include <fmt/format.h>
+
+#include <array>
+
+#include "core/backup/check_run.h"
+#include "core/base/text.h"
+#include "core/batch/takings.h"
+
+// What holds of Batches, of what they took from stock, and of the jobs that they were made for.
+
+namespace vellumark {
+namespace {
+
+constexpr int kLines = schema::kBatchLines;
+constexpr std::int64_t kFirstItem = 1'000'000;  // a Job Record's number of an item from stock, not of a Batch
+constexpr std::string_view kSplit = "- SPLIT -";
+
+struct CheckedBatch {
+  std::int64_t row = 0;
+  std::int64_t BatchNo = 0;
+  std::array<std::string_view, kLines> IngName;
+  std::array<std::int64_t, kLines> IngType{};
+};
+
+std::string Called(std::int64_t batchNo) {
+  return fmt::format("{:06}", batchNo);
+}
+
+void ForEachBatch(CheckRun& run, const std::string& table, const std::function<void(const CheckedBatch&)>& take) {
+  std::string columns = "rowid, BatchNo";
+  for (int n = 0; n < kLines; ++n) columns += ", " + schema::Numbered("IngName", n);
+  for (int n = 0; n < kLines; ++n) columns += ", " + schema::Numbered("IngType", n);
+  Statement rows = run.file.Prepare(fmt::format("SELECT {} FROM {}", columns, Quoted(table)));
+  WalkRows(run, rows, RowCount(run.file, table), [&](const Statement& row) {
+    CheckedBatch batch{row.Whole(0), row.Whole(1), {}, {}};
+    for (int n = 0; n < kLines; ++n) {
+      batch.IngName[static_cast<std::size_t>(n)] = row.TextView(2 + n);
+      batch.IngType[static_cast<std::size_t>(n)] = row.Whole(2 + kLines + n);
+    }
+    take(batch);
+  });
+}
+
+}  // namespace
+
+void CheckBatchLines(CheckRun& run) {
+  for (const std::string& database : run.Databases()) {
+    const std::string table = TableName(database, schema::Batch);
+    ForEachBatch(run, table, [&](const CheckedBatch& batch) {
+      bool gap = false;
+      for (std::size_t n = 0; n < batch.IngName.size(); ++n) {
+        if (batch.IngName[n].empty()) {
+          gap = true;
+          continue;
+        }
+        if (gap)
+          run.Found(table, batch.row, Called(batch.BatchNo),
+                    fmt::format("IngName{} is filled behind an empty line.", n));
+        if (batch.IngType[n] < kIngTypeBasic || batch.IngType[n] > kIngTypeAddition)
+          run.Found(table, batch.row, Called(batch.BatchNo), fmt::format("IngType{} is {}.", n, batch.IngType[n]));
+      }
+    });
+  }
+}
+
+void CheckBatchLots(CheckRun& run) {
+  for (const std::string& database : run.Databases()) {
+    const std::string batches = TableName(database, schema::Batch);
+    const std::string lots = TableName(database, schema::BatchLotInv);
+    Statement orphans = run.file.Prepare(
+        fmt::format("SELECT rowid, IngName, BatchNo FROM {} t WHERE NOT EXISTS (SELECT 1 FROM {} b WHERE b.BatchNo = "
+                    "t.BatchNo)",
+                    Quoted(lots), Quoted(batches)));
+    run.FoundRows(lots, orphans, [](const Statement& row) {
+      return fmt::format("There is no Batch {}.", Called(row.Whole(2)));
+    });
+    Statement taken = run.file.Prepare(
+        fmt::format("SELECT rowid, IngName, IngType, LotRefID, LotQty FROM {} WHERE BatchNo = ?", Quoted(lots)));
+    ForEachBatch(run, batches, [&](const CheckedBatch& batch) {
+      taken.Bind(1, batch.BatchNo);
+      while (taken.Step()) {
+        bool isLine = false;
+        for (std::size_t n = 0; n < batch.IngName.size() && !isLine; ++n)
+          isLine = batch.IngType[n] == taken.Whole(2) && EqualNoCase(batch.IngName[n], taken.TextView(1));
+        if (!isLine)
+          run.Found(lots, taken.Whole(0), taken.TextView(1),
+                    fmt::format("It is no line of the Batch {}.", Called(batch.BatchNo)));
+        // Only into Unlotted Inventory can an addition have given back.
+        if (taken.Whole(3) != 0 && taken.Number(4) < 0)
+          run.Found(lots, taken.Whole(0), taken.TextView(1),
+                    fmt::format("LotQty of the Batch {} is {}, below 0.", Called(batch.BatchNo),
+                                FigureText(taken.Number(4))));
+      }
+      taken.Reset();
+    });
+  }
+}
+
+void CheckJobBatches(CheckRun& run) {
+  if (!run.HasGlobalTables()) return;
+  const std::string& jobs = schema::JobRecords.name;
+  for (const std::string& database : run.Databases()) {
+    const std::string batches = TableName(database, schema::Batch);
+    Statement orphans = run.file.Prepare(
+        fmt::format("SELECT rowid, JobNumber, BatchNo FROM {} j WHERE j.Database = ?1 AND j.BatchNo BETWEEN 1 AND {} "
+                    "AND NOT EXISTS (SELECT 1 FROM {} b WHERE b.BatchNo = j.BatchNo)",
+                    Quoted(jobs), kFirstItem, Quoted(batches)));
+    orphans.Bind(1, database);
+    run.FoundRows(jobs, orphans, [&](const Statement& row) {
+      return fmt::format("{} has no Batch {}.", database, Called(row.Whole(2)));
+    });
+    // What the Batch calls its job against the records of it.
+    Statement named = run.file.Prepare(fmt::format(
+        "SELECT b.rowid, b.BatchNo, IFNULL(b.JobNumber, ''), COUNT(j.rowid), IFNULL(MIN(j.JobNumber), '') FROM {} b "
+        "LEFT JOIN {} j ON j.BatchNo = b.BatchNo AND j.Database = ?1 GROUP BY b.rowid",
+        Quoted(batches), Quoted(jobs)));
+    named.Bind(1, database);
+    WalkRows(run, named, RowCount(run.file, batches), [&](const Statement& row) {
+      const std::int64_t records = row.Whole(3);
+      const std::string right = records == 0 ? "" : records == 1 ? row.Text(4) : std::string(kSplit);
+      if (!EqualNoCase(row.TextView(2), right))
+        run.Found(batches, row.Whole(0), Called(row.Whole(1)),
+                  fmt::format("JobNumber is \"{}\", but {} of its Job Records give \"{}\".", row.TextView(2), records,
+                              right));
+    });
+  }
+  Statement strangers = run.file.Prepare(fmt::format("SELECT rowid, JobNumber, Database FROM {}", Quoted(jobs)));
+  WalkRows(run, strangers, RowCount(run.file, jobs), [&](const Statement& row) {
+    bool listed = false;
+    for (const std::string& database : run.info.dbList) listed = listed || EqualNoCase(database, row.TextView(2));
+    if (!listed)
+      run.Found(jobs, row.Whole(0), row.TextView(1), fmt::format("There is no Database {}.", row.TextView(2)));
+  });
+}
+
+}  // namespace vellumark

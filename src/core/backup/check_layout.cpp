@@ -1,0 +1,232 @@
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <cmath>
+
+#include "core/backup/check_run.h"
+#include "core/base/refusal.h"
+#include "core/base/text.h"
+#include "core/batch/leave.h"
+
+// What holds of the file as a whole, and of every value in it.
+
+namespace vellumark {
+namespace {
+
+// Every table of the layout that the file has, under its name there.
+void ForEachTable(CheckRun& run, const std::function<void(const std::string& name, const Table& table)>& take) {
+  if (run.HasGlobalTables()) {
+    for (const Table* table : schema::Global()) take(table->name, *table);
+    if (run.file.TableExists(schema::Users.name)) take(schema::Users.name, schema::Users);
+  }
+  for (const std::string& database : run.Databases())
+    for (const Table* table : schema::PerDatabase()) take(TableName(database, *table), *table);
+}
+
+bool Lacks(CheckRun& run, const std::string& name, const Table& table) {
+  if (!run.file.TableExists(name)) {
+    run.Found(name, 0, "", "The table is missing.");
+    return true;
+  }
+  const std::vector<std::string> missing = MissingFields(run.file, name, table);
+  for (const std::string& field : missing) run.Found(name, 0, "", fmt::format("The field {} is missing.", field));
+  return !missing.empty();
+}
+
+}  // namespace
+
+void CheckParts(CheckRun& run) {
+  bool global = true;
+  for (const Table* table : schema::Global())
+    if (Lacks(run, table->name, *table)) global = false;
+  std::vector<std::string> whole;
+  for (const std::string& database : run.info.dbList) {
+    bool lacks = false;
+    for (const Table* table : schema::PerDatabase()) lacks = Lacks(run, TableName(database, *table), *table) || lacks;
+    const bool listed =
+        std::ranges::any_of(whole, [&](const std::string& earlier) { return EqualNoCase(earlier, database); });
+    if (!lacks && !listed) whole.push_back(database);
+  }
+  run.SetUsable(std::move(whole), global);
+}
+
+void CheckFileInfo(CheckRun& run) {
+  if (!run.HasGlobalTables()) return;
+  const std::string& table = schema::FileInfo.name;
+  if (const std::int64_t rows = RowCount(run.file, table); rows != 1)
+    run.Found(table, 0, "", fmt::format("It has {} rows.", rows));
+  const VersionGate gate = GateOf(run.info.fileVersion);
+  if (gate == VersionGate::Unusable)
+    run.Found(table, 1, "", fmt::format("FileVersion is {}.", run.info.fileVersion));
+  for (const std::string& database : run.Databases()) {
+    const std::string info = TableName(database, schema::Info);
+    if (const std::int64_t rows = RowCount(run.file, info); rows != 1)
+      run.Found(info, 0, "", fmt::format("It has {} rows.", rows));
+  }
+}
+
+void CheckDatabaseList(CheckRun& run) {
+  const std::vector<std::string>& listed = run.info.dbList;
+  const std::string& fileInfo = schema::FileInfo.name;
+  const auto isListed = [&](std::string_view name) {
+    return std::ranges::any_of(listed, [&](const std::string& one) { return EqualNoCase(one, name); });
+  };
+  for (std::size_t i = 0; i < listed.size(); ++i) {
+    if (listed[i].empty()) run.Found(fileInfo, 1, "", "DBList holds an empty name.");
+    for (std::size_t k = 0; k < i; ++k)
+      if (EqualNoCase(listed[i], listed[k]))
+        run.Found(fileInfo, 1, "", fmt::format("DBList names {} twice.", listed[i]));
+  }
+  if (!run.info.currentDB.empty() && !isListed(run.info.currentDB))
+    run.Found(fileInfo, 1, "", fmt::format("CurrentDB is {}, which DBList does not name.", run.info.currentDB));
+  for (const std::string& table : run.file.TableNames()) {
+    if (StartsWithNoCase(table, "MSys") || EqualNoCase(table, schema::Users.name)) continue;
+    const auto is = [&](const Table* known) { return EqualNoCase(known->name, table); };
+    if (std::ranges::any_of(schema::Global(), is)) continue;
+    const auto belongs = [&](const Table* known) {
+      return table.size() > known->name.size() &&
+             EqualNoCase(std::string_view(table).substr(table.size() - known->name.size()), known->name) &&
+             isListed(std::string_view(table).substr(0, table.size() - known->name.size()));
+    };
+    if (std::ranges::none_of(schema::PerDatabase(), belongs))
+      run.Found(table, 0, "", "The table belongs to no Database that DBList names.");
+  }
+}
+
+namespace {
+
+// Counters start again at 1 after the last number, so ahead means: less than half the way round before it.
+bool IsAhead(std::int64_t used, std::int64_t next) {
+  const std::int64_t distance = (used - next + kLastCounter) % kLastCounter;
+  return distance < kLastCounter / 2;
+}
+
+}  // namespace
+
+void CheckCounters(CheckRun& run) {
+  if (!run.HasGlobalTables()) return;
+  const auto check = [&](std::string_view field, std::int64_t next, std::int64_t used, const std::string& where) {
+    if (next < 1 || next > kLastCounter) {
+      run.Found(schema::FileInfo.name, 1, "", fmt::format("{} is {}, beyond 1 to {}.", field, next, kLastCounter));
+    } else if (used > 0 && IsAhead(used, next)) {
+      run.Found(schema::FileInfo.name, 1, "",
+                fmt::format("{} is {}, but {} has the number {} already.", field, next, where, used));
+    }
+  };
+  check("BatchNumber", run.info.batchNumber, 0, "");
+  for (const std::string& database : run.Databases()) {
+    const std::string batches = TableName(database, schema::Batch);
+    const std::int64_t used =
+        run.file.Scalar(fmt::format("SELECT MAX(BatchNo) FROM {}", Quoted(batches))).Whole();
+    if (used <= kLastCounter) check("BatchNumber", run.info.batchNumber, used, batches);
+  }
+  const std::int64_t item =
+      run.file.Scalar("SELECT MAX(BatchNo) FROM JobRecords WHERE BatchNo > ?", {1'000'000}).Whole();
+  check("ItemNumber", run.info.itemNumber, item - 1'000'000, schema::JobRecords.name);
+}
+
+void CheckMarkers(CheckRun& run) {
+  for (const AbandonedBatch& batch : AbandonedBatches(run.file))
+    run.Found("MSysOpenBatch", 0, fmt::format("{:06}", batch.BatchNo),
+              fmt::format("The Batch {:06} of {} is marked as open.", batch.BatchNo, batch.database));
+}
+
+void CheckUsers(CheckRun& run) {
+  if (!run.file.TableExists(schema::Users.name)) return;
+  if (run.file.Scalar("SELECT COUNT(*) FROM Users WHERE IsAdmin <> 0").Whole() == 0)
+    run.Found(schema::Users.name, 0, "", "No user is an administrator.");
+}
+
+void CheckStructure(CheckRun& run) {
+  for (std::string& fault : run.file.Faults()) run.Found("", 0, "", std::move(fault));
+}
+
+namespace {
+
+// The columns of a table as a query reads them. A figure that is not finite comes as a text, so that it can be read.
+std::string ReadableColumns(const Table& table) {
+  std::string columns = "rowid";
+  for (const Field& field : table.fields) {
+    const std::string name = Quoted(field.name);
+    columns += ", ";
+    columns += field.type == FieldType::Single
+                   ? fmt::format("CASE WHEN {0} NOT BETWEEN -3.4028234663852886e38 AND 3.4028234663852886e38 THEN "
+                                 "CAST({0} AS TEXT) ELSE {0} END",
+                                 name)
+                   : name;
+  }
+  return columns;
+}
+
+void CheckRowFields(CheckRun& run, const std::string& name, const Table& table, const Statement& row) {
+  for (std::size_t i = 0; i < table.fields.size(); ++i) {
+    const int column = static_cast<int>(i) + 1;
+    if (row.IsNull(column)) continue;
+    const Field& field = table.fields[i];
+    const Value value = row.Get(column);
+    std::string what;
+    try {
+      if (FittedValue(field, name, value) == value) continue;
+      what = fmt::format("The field {}.{} holds \"{}\", which is not how it is kept.", name, field.name, value.Text());
+    } catch (const BadValue& bad) {
+      what = bad.what();
+    }
+    // The first text of a row is what people call it.
+    const std::string_view called =
+        table.fields[0].type == FieldType::Text && i != 0 ? row.TextView(1) : std::string_view();
+    run.Found(name, row.Whole(0), called, std::move(what));
+  }
+}
+
+}  // namespace
+
+void CheckFields(CheckRun& run) {
+  ForEachTable(run, [&](const std::string& name, const Table& table) {
+    if (run.Stopped()) return;
+    Statement rows = run.file.Prepare(fmt::format("SELECT {} FROM {}", ReadableColumns(table), Quoted(name)));
+    WalkRows(run, rows, RowCount(run.file, name),
+             [&](const Statement& row) { CheckRowFields(run, name, table, row); });
+  });
+}
+
+namespace {
+
+void CheckNames(CheckRun& run, const std::string& table, std::string_view field) {
+  const std::string column = Quoted(field);
+  Statement empty = run.file.Prepare(
+      fmt::format("SELECT rowid, {0} FROM {1} WHERE {0} IS NULL OR {0} = ''", column, Quoted(table)));
+  run.FoundRows(table, empty, [&](const Statement&) { return fmt::format("{} is empty.", field); });
+  // The index on the name gives equal ones side by side.
+  Statement twice = run.file.Prepare(
+      fmt::format("SELECT {0}, COUNT(*) FROM {1} WHERE {0} <> '' GROUP BY {0} HAVING COUNT(*) > 1", column,
+                  Quoted(table)));
+  Statement rows = run.file.Prepare(
+      fmt::format("SELECT rowid, {0} FROM {1} WHERE {0} = ? ORDER BY rowid", column, Quoted(table)));
+  while (twice.Step()) {
+    const std::int64_t count = twice.Whole(1);
+    rows.Bind(1, twice.Get(0));
+    rows.Step();  // the first one has the name by right
+    run.FoundRows(table, rows, [&](const Statement& row) {
+      return fmt::format("{} {} stands in {} rows.", field, row.TextView(1), count);
+    });
+    rows.Reset();
+  }
+}
+
+}  // namespace
+
+void CheckUniqueNames(CheckRun& run) {
+  if (run.HasGlobalTables()) {
+    CheckNames(run, schema::Designs.name, "DesignID");
+    CheckNames(run, schema::Dispenser.name, "Name");
+    if (run.file.TableExists(schema::Users.name)) CheckNames(run, schema::Users.name, "Username");
+  }
+  for (const std::string& database : run.Databases()) {
+    for (const Table* table : {&schema::Basic, &schema::BasicLab, &schema::Mix, &schema::MixLab})
+      CheckNames(run, TableName(database, *table), "Color_Name");
+    CheckNames(run, TableName(database, schema::Additives), "SetName");
+    CheckNames(run, TableName(database, schema::Batch), "BatchNo");
+  }
+}
+
+}  // namespace vellumark

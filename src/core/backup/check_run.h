@@ -1,0 +1,108 @@
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <functional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "core/backup/deep_check.h"
+#include "core/base/progress_run.h"
+#include "core/datafile/lifecycle.h"
+#include "core/datafile/schema.h"
+
+namespace vellumark {
+
+/// One run of the check, as the rules see it.
+class CheckRun {
+ public:
+  CheckRun(Session& session, CheckDepth depth, CheckState state);
+
+  CheckAnswer Run();
+
+  Session& session;
+  Database& file;
+  FileInfoRow info;
+
+  /// The Databases whose tables are all there.
+  const std::vector<std::string>& Databases() const { return databases_; }
+  /// Whether global tables are all there.
+  bool HasGlobalTables() const { return hasGlobalTables_; }
+  void SetUsable(std::vector<std::string> databases, bool hasGlobalTables);
+
+  /// The rule that runs found this. `row` is 0 for a whole table.
+  void Found(std::string_view table, std::int64_t row, std::string_view name, std::string what);
+  /// Each row of a query whose first two columns are the row number and the row's name as a fault of that table.
+  void FoundRows(const std::string& table, Statement& rows, const std::function<std::string(const Statement&)>& what);
+
+  /// Shows that `done` of `all` rows are read; false when the operator asked to stop.
+  bool GoOn(std::int64_t done, std::int64_t all);
+  bool Stopped() const { return stopped_; }
+
+ private:
+  void RunRule(const CheckRule& rule);
+
+  CheckDepth depth_;
+  CheckState state_;
+  std::vector<std::string> databases_;
+  bool hasGlobalTables_ = false;
+  const CheckRule* rule_ = nullptr;
+  std::size_t found_ = 0;  // by the rule that runs
+  CheckAnswer answer_;
+  bool stopped_ = false;
+  std::size_t place_ = 0;  // among the rules
+};
+
+/// A formula while all are walked. The texts are valid until the next.
+struct CheckedFormula {
+  std::int64_t row = 0;
+  std::string_view Color_Name;
+  std::string_view Color_Set;
+  std::string_view AddSetName;
+  float BasicCost = 0;
+  float BasicVOC = 0;
+  float BasicHAP = 0;
+  std::array<std::string_view, schema::kIngredientSlots> BC;
+  std::array<float, schema::kIngredientSlots> BQ{};
+};
+void ForEachCheckedFormula(CheckRun& run, const std::string& database,
+                           const std::function<void(const CheckedFormula&)>& take);
+
+/// Walks the rows of a query with the progress of the rule; `all` is how many there are about.
+void WalkRows(CheckRun& run, Statement& rows, std::int64_t all, const std::function<void(const Statement&)>& take);
+std::int64_t RowCount(Database& file, const std::string& table);
+
+/// A quantity as a message shows it: three decimals at least.
+std::string FigureText(double quantity);
+
+// The rules, one group for each subject.
+void CheckParts(CheckRun& run);
+void CheckFileInfo(CheckRun& run);
+void CheckDatabaseList(CheckRun& run);
+void CheckCounters(CheckRun& run);
+void CheckMarkers(CheckRun& run);
+void CheckStructure(CheckRun& run);
+void CheckFields(CheckRun& run);
+void CheckUniqueNames(CheckRun& run);
+void CheckUsers(CheckRun& run);
+
+void CheckFormulaSlots(CheckRun& run);
+void CheckIngredients(CheckRun& run);
+void CheckColorSets(CheckRun& run);
+void CheckFormulaTotals(CheckRun& run);
+void CheckRollUps(CheckRun& run);
+void CheckAdditiveSets(CheckRun& run);
+void CheckFormulaSets(CheckRun& run);
+void CheckDesignSets(CheckRun& run);
+
+void CheckLotColors(CheckRun& run);
+void CheckLotReferences(CheckRun& run);
+void CheckQuantities(CheckRun& run);
+void CheckStockHistory(CheckRun& run);
+
+void CheckBatchLines(CheckRun& run);
+void CheckBatchLots(CheckRun& run);
+void CheckJobBatches(CheckRun& run);
+
+}  // namespace vellumark

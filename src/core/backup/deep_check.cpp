@@ -1,0 +1,140 @@
+#include "core/backup/deep_check.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+
+#include "core/backup/check_run.h"
+#include "core/base/number.h"
+
+namespace vellumark {
+namespace {
+
+// How many rows are read between two looks at the progress.
+constexpr std::int64_t kStride = 1024;
+
+constexpr CheckRule kRules[] = {
+    {"Structure", "The engine finds the structure of the file whole.", CheckDepth::Short, false, CheckStructure},
+    {"Parts", "Every table and field of the layout is there.", CheckDepth::Opening, false, CheckParts},
+    {"FileInfo", "FileInfo has one row, of a version that this program knows.", CheckDepth::Opening, false, CheckFileInfo},
+    {"DatabaseList", "DBList names each Database once, and every table belongs to one that is listed.", CheckDepth::Opening, false,
+     CheckDatabaseList},
+    {"Counters", "The numbers that FileInfo hands out next are ahead of those in use.", CheckDepth::Opening, false, CheckCounters},
+    {"Markers", "No mark of an open Batch or of a pending pass stands in a closed file.", CheckDepth::Opening, true, CheckMarkers},
+    {"Users", "Where there are users, one of them is an administrator.", CheckDepth::Opening, false, CheckUsers},
+    {"Fields", "Every value fits its field: width, range, kind, and no figure that is not finite.", CheckDepth::Deep, false,
+     CheckFields},
+    {"UniqueNames", "Every row that has a name to be found by has its own, and no name stands twice.", CheckDepth::Deep, false,
+     CheckUniqueNames},
+    {"FormulaSlots", "Filled slots of a formula come first, none of them twice, with amounts of 0 or more.", CheckDepth::Deep, false, CheckFormulaSlots},
+    {"Ingredients", "Every ingredient of a formula is a Basic Color of its Database.", CheckDepth::Deep, false, CheckIngredients},
+    {"ColorSets", "Color_Set names the ingredients in their order.", CheckDepth::Deep, false, CheckColorSets},
+    {"FormulaTotals",
+     "A formula with ingredients totals 100.000; one that came out of a merge may total as much more as its Additive "
+     "Set holds.",
+     CheckDepth::Deep, false, CheckFormulaTotals},
+    {"RollUps", "Costs and emissions of a formula are those of its ingredients.", CheckDepth::Deep, false, CheckRollUps},
+    {"AdditiveSets", "An Additive Set holds Additives of its Database, each once, and SetList names them.", CheckDepth::Deep, false, CheckAdditiveSets},
+    {"FormulaSets", "The Additive Set of a formula exists.", CheckDepth::Deep, false, CheckFormulaSets},
+    {"DesignSets", "IngSet names the ingredients of a Design in their order.", CheckDepth::Deep, false, CheckDesignSets},
+    {"LotColors", "Every lot and measurement belongs to a color of its Database.", CheckDepth::Deep, false, CheckLotColors},
+    {"LotReferences", "Lots have references from 1 to 999998, of which no color has one twice, and lot numbers.", CheckDepth::Deep, false, CheckLotReferences},
+    {"Quantities", "No lot and no formula holds less than nothing, and no negative price stands in a lot.", CheckDepth::Deep, false, CheckQuantities},
+    {"StockHistory", "The stock of every color and lot is the sum of its history.", CheckDepth::Deep, false, CheckStockHistory},
+    {"BatchLines", "Filled lines of a Batch come first and are of a known kind.", CheckDepth::Deep, false, CheckBatchLines},
+    {"BatchLots", "What was taken from stock belongs to a line of a Batch.", CheckDepth::Deep, false, CheckBatchLots},
+    {"JobBatches", "The Job Records of a Batch belong to one that exists, and it names its job.", CheckDepth::Deep, false,
+     CheckJobBatches},
+};
+
+}  // namespace
+
+std::span<const CheckRule> CheckRules() {
+  return kRules;
+}
+
+CheckRun::CheckRun(Session& sessionOfRun, CheckDepth depth, CheckState state)
+    : session(sessionOfRun), file(sessionOfRun.File()), info(ReadFileInfo(file)), depth_(depth), state_(state) {}
+
+void CheckRun::SetUsable(std::vector<std::string> databases, bool hasGlobalTables) {
+  databases_ = std::move(databases);
+  hasGlobalTables_ = hasGlobalTables;
+}
+
+void CheckRun::Found(std::string_view table, std::int64_t row, std::string_view name, std::string what) {
+  if (++found_ > kMostFaults) return;
+  answer_.faults.push_back(
+      {std::string(table), row, std::string(name), std::string(rule_->name), std::move(what)});
+}
+
+void CheckRun::FoundRows(const std::string& table, Statement& rows,
+                         const std::function<std::string(const Statement&)>& what) {
+  while (rows.Step()) Found(table, rows.Whole(0), rows.TextView(1), what(rows));
+}
+
+bool CheckRun::GoOn(std::int64_t done, std::int64_t all) {
+  if (stopped_) return false;
+  if (done % kStride != 0) return true;
+  const double part = all <= 0 ? 1.0 : std::min(1.0, static_cast<double>(done) / static_cast<double>(all));
+  session.progress.Percent(100.0 * (static_cast<double>(place_) + part) / static_cast<double>(std::size(kRules)));
+  stopped_ = session.progress.Cancelled();
+  return !stopped_;
+}
+
+void CheckRun::RunRule(const CheckRule& rule) {
+  rule_ = &rule;
+  found_ = 0;
+  const bool unreadable = std::ranges::any_of(
+      answer_.faults, [](const CheckFault& fault) { return fault.rule == "Fields" || fault.rule == "Structure"; });
+  try {
+    rule.run(*this);
+  } catch (const Failure&) {
+    // What cannot be read was named by the rule before; the others are checked when it is mended.
+    if (!unreadable) throw;
+  }
+  if (found_ > kMostFaults)
+    answer_.faults.push_back({"", 0, "", std::string(rule.name), fmt::format("and {} more", found_ - kMostFaults)});
+}
+
+CheckAnswer CheckRun::Run() {
+  const ProgressRun progress(session.progress, "Checking Data File ...");
+  for (const CheckRule& rule : kRules) {
+    if (rule.depth > depth_) continue;
+    if (state_ == CheckState::InUse && rule.closed) continue;
+    place_ = static_cast<std::size_t>(&rule - kRules);
+    if (!GoOn(0, 1)) break;
+    RunRule(rule);
+    if (stopped_) break;
+  }
+  answer_.complete = !stopped_;
+  return std::move(answer_);
+}
+
+CheckAnswer CheckDataFileRules(Session& session, CheckDepth depth, CheckState state) {
+  return CheckRun(session, depth, state).Run();
+}
+
+std::string FaultText(const CheckFault& fault) {
+  std::string place = fault.Table;
+  if (fault.row != 0) place += fmt::format(", row {}", fault.row);
+  if (!fault.name.empty()) place += fmt::format(" ({})", fault.name);
+  return fmt::format("{}{}{} [{}]", place, place.empty() ? "" : ": ", fault.what, fault.rule);
+}
+
+void WalkRows(CheckRun& run, Statement& rows, std::int64_t all, const std::function<void(const Statement&)>& take) {
+  for (std::int64_t done = 1; rows.Step(); ++done) {
+    take(rows);
+    if (!run.GoOn(done, all)) return;
+  }
+}
+
+std::int64_t RowCount(Database& file, const std::string& table) {
+  return file.Scalar("SELECT COUNT(*) FROM " + Quoted(table)).Whole();
+}
+
+std::string FigureText(double quantity) {
+  const double shown = RoundTo(quantity, 3);
+  return shown == quantity ? Fixed(quantity, 3) : ShortestText(quantity);
+}
+
+}  // namespace vellumark

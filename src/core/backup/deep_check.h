@@ -1,0 +1,61 @@
+#pragma once
+
+#include <cstdint>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "core/session/session.h"
+
+namespace vellumark {
+
+/// Something in a Data File that must not be.
+struct CheckFault {
+  std::string Table;     ///< empty when it is the file's own
+  std::int64_t row = 0;  ///< the row's number; 0 of a whole table
+  std::string name;      ///< what people call the row: a colour, a Batch, a job; may be empty
+  std::string rule;      ///< the name of the rule that it breaks
+  std::string what;      ///< in words
+};
+
+struct CheckAnswer {
+  std::vector<CheckFault> faults;  ///< in the order of the rules; of one rule at most kMostFaults and how many more
+  bool complete = true;            ///< false when the operator stopped it
+  bool Sound() const { return faults.empty(); }
+};
+constexpr std::size_t kMostFaults = 200;
+
+class CheckRun;
+
+/// How much is checked; each depth holds those before it.
+enum class CheckDepth {
+  Opening,  ///< what costs next to nothing however large the file is
+  Short,    ///< the structure of the file besides
+  Deep,     ///< every row of every table
+};
+
+/// A rule that holds in a sound file.
+struct CheckRule {
+  std::string_view name;
+  std::string_view text;                ///< what holds, in words
+  CheckDepth depth = CheckDepth::Deep;  ///< the first one that checks it
+  bool closed = false;                  ///< holds only while nobody works in the file
+  void (*run)(CheckRun&) = nullptr;
+};
+/// All rules in the order in which they are checked.
+std::span<const CheckRule> CheckRules();
+
+enum class CheckState {
+  Closed,  ///< nobody works in the file: no mark of unfinished work may stand in it
+  InUse,   ///< what the session has under way, such as an open Batch, is no fault
+};
+
+/// Checks the session's open file, of the present version, against the rules; only reads. Memory does not grow with the number of rows, but for
+/// a figure of each colour that has stock. Shows its progress, and may be cancelled.
+CheckAnswer CheckDataFileRules(Session& session, CheckDepth depth, CheckState state = CheckState::Closed);
+
+/// "INK_Basic, row 5 (RED): …", a line for people.
+std::string FaultText(const CheckFault& fault);
+
+}  // namespace vellumark
