@@ -221,7 +221,7 @@ TEST(CliBatch, TheNextStartClosesABatchThatWasLeftOpen) {
   EXPECT_EQ(start.Json()[0]["Total"], 70);
   EXPECT_NE(start.err.find("Batch 000001 of the INK database"), std::string::npos) << start.err;
   EXPECT_EQ(shop.Run({"stock", "show", "RED"}).err, "");
-  EXPECT_TRUE(shop.Json({"file", "check", shop.path, "--deep"})["Sound"]);
+  EXPECT_TRUE(shop.Json({"file", "check", shop.path})["Sound"]);
 }
 
 TEST(CliBatch, RefusesWhatTheWindowRefuses) {

@@ -73,7 +73,7 @@ class CliRoom {
   nlohmann::ordered_json Json(std::vector<std::string> arguments) const {
     arguments.insert(arguments.begin(), "--json");
     const CliAnswer answer = Run(arguments);
-    EXPECT_EQ(answer.status, 0) << answer.err;
+    EXPECT_EQ(answer.status, 0) << answer.err << answer.out;
     return answer.status == 0 ? answer.Json() : nlohmann::ordered_json{};
   }
 
