@@ -124,6 +124,29 @@ TEST(CliFiles, CreateInfoCheckCompact) {
   EXPECT_FALSE(fs::exists(room.folder / "Ink.vkb"));
 }
 
+TEST(CliFiles, AFigureThatIsNoNumberIsNamedOnceWhereverItIsRead) {
+  const test::CliRoom room;
+  const std::string path = room.MakeFile();
+  room.Json({"color", "add", "RED", "PurchaseCost=4.5"});
+  room.Json({"color", "add", "BLUE"});
+  room.Json({"formula", "add", "PURPLE", "RED=50", "BLUE=50"});
+  Database::Open(path, OpenMode::Exclusive)->Execute("UPDATE INK_Basic SET Inventory = 9e999 WHERE Color_Name = 'RED'");
+  for (const std::vector<std::string>& words :
+       {std::vector<std::string>{"color", "list"}, {"color", "show", "RED"}, {"--json", "color", "list"},
+        {"stock", "show"}, {"batch", "save", "--formula", "PURPLE", "--quantity", "10"}}) {
+    const test::CliAnswer answer = room.Run(words);
+    EXPECT_EQ(answer.status, 4) << words.front() << " " << words[1];
+    EXPECT_NE(answer.err.find("holds a figure that is not a number in the table INK_Basic, row 1 (RED), field Inventory"),
+              std::string::npos)
+        << answer.err;
+  }
+  const auto faults = room.Run({"--json", "file", "check", "--deep"}).Json()["Faults"];
+  ASSERT_EQ(faults.size(), 1U) << faults;
+  EXPECT_EQ(faults[0]["Table"], "INK_Basic");
+  EXPECT_EQ(faults[0]["Row"], 1);
+  EXPECT_EQ(faults[0]["Rule"], "Fields");
+}
+
 TEST(CliFiles, DatabasesAreListedMadeAndChosen) {
   const test::CliRoom room;
   room.MakeFile();

@@ -6,8 +6,10 @@
 #include <sqlite3.h>
 #include <unistd.h>
 
+#include <cmath>
 #include <exception>
 #include <fstream>
+#include <limits>
 #include <system_error>
 #include <unordered_map>
 
@@ -60,6 +62,54 @@ std::string WhyNotOpened(const std::filesystem::path& path) {
     return "cannot be written: there is no permission to write in its folder";
   }
   return "cannot be opened";
+}
+
+// No field holds more than a Single does; what is beyond it, such as an infinite figure, no calculation can use.
+constexpr double kLargestFigure = static_cast<double>(std::numeric_limits<float>::max());
+
+// "the table INK_Basic, row 5 (RED), field Inventory", when that field holds such a figure. A statement of its own on
+// the bare engine, for what tells a failure must not fail.
+std::string PlaceBeyond(sqlite3* connection, const char* table, const char* field) {
+  const std::string sql = fmt::format("SELECT rowid, * FROM {} WHERE typeof({}) = 'real' AND abs({}) > {} LIMIT 1",
+                                      Quoted(table), Quoted(field), Quoted(field), kLargestFigure);
+  sqlite3_stmt* row = nullptr;
+  std::string place;
+  if (sqlite3_prepare_v2(connection, sql.c_str(), -1, &row, nullptr) == SQLITE_OK && sqlite3_step(row) == SQLITE_ROW) {
+    place = fmt::format("the table {}, row {}", table, sqlite3_column_int64(row, 0));
+    // The first text of a row is what people call it.
+    for (int i = 1; i < sqlite3_column_count(row); ++i) {
+      if (sqlite3_column_type(row, i) != SQLITE_TEXT) continue;
+      place += fmt::format(" ({})", reinterpret_cast<const char*>(sqlite3_column_text(row, i)));
+      break;
+    }
+    place += fmt::format(", field {}", field);
+  }
+  sqlite3_finalize(row);
+  return place;
+}
+
+// Why a figure cannot be read that a statement came upon: where it stands. Of one that was worked out from others, the
+// first place in the file that holds such a figure.
+std::string WhyNoFigure(sqlite3_stmt* statement, int column) {
+  sqlite3* connection = sqlite3_db_handle(statement);
+  const char* table = sqlite3_column_table_name(statement, column);
+  const char* field = sqlite3_column_origin_name(statement, column);
+  std::string place;
+  if (table != nullptr && field != nullptr) {
+    place = PlaceBeyond(connection, table, field);
+  } else {
+    sqlite3_stmt* fields = nullptr;
+    sqlite3_prepare_v2(connection,
+                       "SELECT m.name, f.name FROM sqlite_master m, pragma_table_info(m.name) f WHERE m.type = 'table' "
+                       "AND f.type = 'REAL'",
+                       -1, &fields, nullptr);
+    while (place.empty() && sqlite3_step(fields) == SQLITE_ROW)
+      place = PlaceBeyond(connection, reinterpret_cast<const char*>(sqlite3_column_text(fields, 0)),
+                          reinterpret_cast<const char*>(sqlite3_column_text(fields, 1)));
+    sqlite3_finalize(fields);
+  }
+  return place.empty() ? "holds figures that add up beyond the range of a number"
+                       : "holds a figure that is not a number in " + place;
 }
 
 // More compiled statements than any one operation uses, few enough to cost no memory worth counting.
@@ -177,7 +227,10 @@ std::int64_t Statement::Whole(int column) const {
   return sqlite3_column_int64(compiled_->handle, column);
 }
 double Statement::Number(int column) const {
-  return sqlite3_column_double(compiled_->handle, column);
+  const double number = sqlite3_column_double(compiled_->handle, column);
+  if (std::fabs(number) > kLargestFigure)
+    throw Failure(database_->Path().string(), WhyNoFigure(compiled_->handle, column));
+  return number;
 }
 
 std::string_view Statement::TextView(int column) const {
