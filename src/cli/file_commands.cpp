@@ -10,7 +10,6 @@
 #include "core/base/text.h"
 #include "core/datafile/databases.h"
 #include "core/datafile/lifecycle.h"
-#include "core/settings/settings_keys.h"
 #include "core/shell/opening.h"
 #include "core/shell/startup.h"
 
@@ -25,22 +24,11 @@ Result<Json> CreateNewFile(Context& context, const std::string& typedPath, const
     return Refuse("File Name", fmt::format("The name of a Data File ends in .vkd: {}", path), "PATH");
   const auto name = NewDatabaseName(typedDatabase, {}, path);
   if (!name) return std::unexpected(name.error());
-  CreateFile(path);
-  try {
-    Session& session = context.session;
-    session.DataFileName = path;
-    session.DataFileDB = Database::Open(path, OpenMode::Exclusive);
-    session.DataFileOpen = true;
-    MakeFirstDatabase(session, *name, content);
-    RunSupportLadder(session);
-    SetSupportValue(session, keys::DbFileName50, path);
-  } catch (...) {
-    // A file that was not finished is not left behind, nor does it become the default.
-    context.session.DataFileDB.reset();
-    std::error_code ignored;
-    fs::remove(path, ignored);
-    throw;
-  }
+  Session& session = context.session;
+  NoWindows windows;
+  CreateDataFile(session, path, windows, *name, content);
+  OpenDataFile(session, windows);
+  RunSupportLadder(session);
   return Json{{"DataFileName", path}, {"CurrentDB", *name}};
 }
 
@@ -110,7 +98,8 @@ Result<Json> CheckFile(Context& context, const std::string& typedPath, bool deep
   const bool older = gate == VersionGate::Older;
   CheckAnswer check;
   if (older) {
-    for (std::string& fault : session.File().Faults()) check.faults.push_back({"", 0, "", "Structure", std::move(fault)});
+    for (std::string& fault : session.File().Faults())
+      check.faults.push_back({"", 0, "", "Structure", std::move(fault)});
   } else {
     check = CheckDataFileRules(session, deep ? CheckDepth::Deep : CheckDepth::Short);
   }

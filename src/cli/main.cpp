@@ -22,7 +22,6 @@ namespace {
 
 namespace fs = std::filesystem;
 
-
 struct GlobalOptions {
   std::string dataFolder;
   std::string file;
@@ -130,8 +129,7 @@ int Report(const Refusal& refusal, bool json, std::string_view kind, int exitCod
         {std::string(kind), Json{{"title", refusal.title}, {"text", refusal.text}, {"field", refusal.field}}}};
     WriteAnswer(answer.dump(2, ' ', false, Json::error_handler_t::replace) + "\n");
   }
-  const std::string title = Trim(refusal.title);
-  WriteError(fmt::format("{}{}{}\n", title, title.empty() ? "" : ": ", refusal.text));
+  WriteError(Headed(refusal.title, refusal.text) + "\n");
   return exitCode;
 }
 
@@ -143,9 +141,9 @@ int RunChosen(const GlobalOptions& options, const Commands& commands) {
     const std::unique_ptr<Clock> clock = ChosenClock(options);
     Session session(prompt, progress, *clock);
     PrepareSupportFiles(session, ResolveFolders(FolderSources::OfThisProcess(options.dataFolder)));
-    Context context{session, options.json, options.file.empty() ? session.DataFileName : options.file,
-                    {},      ExitDone,     options.user,
-                    options.password};
+    Context context{
+        session,      options.json,    options.file.empty() ? session.DataFileName : options.file, {}, ExitDone,
+        options.user, options.password};
     if (!options.file.empty()) context.dataFile = fs::absolute(options.file).string();
 
     Result<void> opened;

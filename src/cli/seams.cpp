@@ -19,6 +19,11 @@ void WriteError(const std::string& text) {
   std::fflush(stderr);
 }
 
+std::string Headed(std::string_view title, const std::string& text) {
+  const std::string head = Trim(title) + ": ";
+  return head == ": " || text.starts_with(head) ? text : head + text;
+}
+
 void OptionPrompt::AddAnswer(std::string_view title, Answer answer) {
   answers_[Trim(title)] = answer;
 }
@@ -27,8 +32,7 @@ Answer OptionPrompt::Show(const Message& message) {
   if (message.buttons == Buttons::Ok) {
     std::string text = message.text;
     text.erase(text.find_last_not_of(" \n") + 1);
-    const std::string title = Trim(message.title);
-    WriteError(fmt::format("{}{}{}\n", title, title.empty() ? "" : ": ", text));
+    WriteError(Headed(message.title, text) + "\n");
     return Answer::Ok;
   }
   const bool confirms = message.buttons == Buttons::OkCancel;

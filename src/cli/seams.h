@@ -15,6 +15,8 @@ namespace vellumark::cli {
 /// Writes on standard error. That it cannot be written is not told: there is nowhere left to tell it, and the exit
 /// status says what happened.
 void WriteError(const std::string& text);
+/// A message as one text: its title before it, unless it begins with that already.
+std::string Headed(std::string_view title, const std::string& text);
 
 /// A question that no option answered.
 struct UnansweredQuestion {

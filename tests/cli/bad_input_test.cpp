@@ -204,7 +204,12 @@ TEST(CliBadInput, ImportsAllOrNothing) {
     ReplaceFile(file, one.rows);
     shop.ExpectRefused({"formula", "import", file.string()}, one.status, one.says);
   }
-  shop.ExpectRefused({"formula", "import", shop.folder.Path().string()}, 4, "Is a directory");
+  shop.ExpectRefused({"formula", "import", shop.folder.Path().string()}, 4, "is not a file");
+  // A pipe that nobody writes into would hold the program for ever.
+  ASSERT_EQ(::mkfifo((shop.folder / "pipe").c_str(), 0600), 0);
+  shop.ExpectRefused({"formula", "import", (shop.folder / "pipe").string()}, 4, "pipe: is not a file");
+  shop.ExpectRefused({"formula", "import", "/dev/zero"}, 4, "/dev/zero: is not a file");
+  fs::remove(shop.folder / "pipe");
 }
 
 TEST(CliBadInput, NothingButItsOwnKindIsOverwritten) {
@@ -297,8 +302,8 @@ TEST(CliBadInput, WithoutPermissionNothingIsWritten) {
        0555,
        {"file", "create", (shop.folder / "N.vkd").string()},
        "N.vkd: cannot be written: there is no permission to write in its folder"},
-      {data, 0555, {"settings", "set", "UMI", "3"}, "vk50suvdf.dat_Temp.dat: Permission denied"},
-      {data, 0555, {"file", "create", (shop.folder / "N.vkd").string(), "--empty"}, "Permission denied"},
+      {data, 0555, {"settings", "set", "UMI", "3"}, "vk50suvdf.dat: cannot be written: there is no permission"},
+      {data / "vk50suvdf.dat", 0444, {"settings", "set", "UMI", "3"}, "vk50suvdf.dat: Permission denied"},
       {data / "vk50suvdf.dat", 0000, {"settings", "list"}, "vk50suvdf.dat: Permission denied"},
   };
   const auto setModes = [&](mode_t folderMode, mode_t fileMode) {
@@ -316,6 +321,15 @@ TEST(CliBadInput, WithoutPermissionNothingIsWritten) {
     EXPECT_NE(answer.err.find(one.says), std::string::npos) << answer.err;
     EXPECT_TRUE(shop.Everything() == before) << one.words[1];
   }
+  // A file that is made, but cannot be stored as the default one, is there; that it is not the default is told.
+  ::chmod(data.c_str(), 0555);
+  const std::string created = (shop.folder / "N.vkd").string();
+  const test::CliAnswer answer = shop.RunPrepared({"file", "create", created, "--empty"}, "/dev/null", asNobody);
+  ::chmod(data.c_str(), 0777);
+  EXPECT_EQ(answer.status, 0);
+  EXPECT_EQ(answer.err.find("Data File: " + created + " could not be stored as the default Data File."), 0U)
+      << answer.err;
+  EXPECT_EQ(shop.Json({"file", "info"})["DataFileName"], shop.path);
 }
 
 }  // namespace

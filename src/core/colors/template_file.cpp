@@ -11,6 +11,7 @@
 #include "core/colors/template_rules.h"
 #include "core/colors/template_text.h"
 #include "core/datafile/engine.h"
+#include "core/datafile/lifecycle.h"
 #include "core/datafile/schema.h"
 #include "core/datafile/writer.h"
 
@@ -158,21 +159,10 @@ Result<std::vector<TemplateTable>> BuildTemplate(const fs::path& folder, const f
     for (const std::string& fault : source.faults) text += "\n" + fault;
     return Refuse("Guide Template", text);
   }
-  const fs::path building(out.string() + ".new");
-  std::error_code ignored;
-  fs::remove(building, ignored);
-  std::vector<TemplateTable> tables;
-  try {
-    tables = WriteTables(*Database::Create(building), source);
-    fs::rename(building, out);
-  } catch (const Failure& failure) {
-    fs::remove(building, ignored);
-    throw Failure(out.string(), failure.cause);
-  } catch (const fs::filesystem_error& error) {
-    fs::remove(building, ignored);
-    throw Failure(out.string(), "cannot be written: " + error.code().message());
-  }
-  SyncFolder(out.parent_path());
+  FileBeside place(out, Readers::Everybody);
+  std::vector<TemplateTable> tables =
+      WorkBeside(place, [&] { return WriteTables(*Database::Create(place.Path()), source); });
+  place.Replace();
   return tables;
 }
 

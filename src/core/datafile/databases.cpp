@@ -50,6 +50,14 @@ void CreateEmptyDatabase(Database& file, const std::string& name) {
   transaction.Commit();
 }
 
+bool HoldsNoDatabase(Database& file) {
+  if (!ReadFileInfo(file).dbList.empty()) return false;
+  return std::ranges::none_of(file.TableNames(), [](const std::string& name) {
+    return std::ranges::any_of(schema::PerDatabase(),
+                               [&](const Table* table) { return name.ends_with(TableName("", *table)); });
+  });
+}
+
 void StoreDatabaseList(Database& file, const std::vector<std::string>& names) {
   Transaction transaction(file);
   file.Prepare("UPDATE FileInfo SET DBList = ?").Bind(1, JoinMarked(names, '|')).Run();

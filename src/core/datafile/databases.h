@@ -25,6 +25,9 @@ std::optional<std::string> DatabaseNameFault(const std::string& name);
 /// Makes the ten tables, the `_Info` row of a plain Database and the entry in `DBList`, in one transaction.
 void CreateEmptyDatabase(Database& file, const std::string& name);
 
+/// Whether the file's own list of Databases is empty and no table of one is there.
+bool HoldsNoDatabase(Database& file);
+
 void StoreDatabaseList(Database& file, const std::vector<std::string>& names);
 void StoreCurrentDatabase(Database& file, std::string_view name);
 

@@ -4,15 +4,17 @@
 #include <fcntl.h>
 #include <fmt/format.h>
 #include <sqlite3.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cmath>
 #include <exception>
-#include <fstream>
 #include <limits>
 #include <system_error>
 #include <unordered_map>
+#include <utility>
 
+#include "core/base/files.h"
 #include "core/base/refusal.h"
 
 namespace vellumark {
@@ -47,8 +49,17 @@ std::string CauseInWords(int code, const char* message) {
 
 // A write needs a journal beside the file, which shows only at the first write: too late to tell the operator.
 bool FolderIsWritable(const std::filesystem::path& path) {
-  const std::filesystem::path folder = std::filesystem::absolute(path).parent_path();
+  const std::filesystem::path folder = RealPath(path).parent_path();
   return ::faccessat(AT_FDCWD, folder.c_str(), W_OK | X_OK, AT_EACCESS) == 0;
+}
+
+using IdentityOfFile = std::pair<std::uint64_t, std::uint64_t>;
+
+// Which file stands at a path now; zeros where none does.
+IdentityOfFile IdentityOf(const std::filesystem::path& path) {
+  struct stat status {};
+  if (::stat(path.c_str(), &status) != 0) return {};
+  return {status.st_dev, status.st_ino};
 }
 
 // The engine tells only that it could not; these are the causes a person can mend.
@@ -298,23 +309,34 @@ std::unique_ptr<Database> Database::Open(const std::filesystem::path& path, Open
   if (std::filesystem::file_size(path, ignored) == 0) throw Failure(path.string(), "is empty, not a Data File");
   const bool readOnly = mode == OpenMode::ReadOnly;
   std::unique_ptr<Database> database(new Database(path, readOnly));
-  // One thread uses a connection, so the engine need not lock it.
-  // A looker, too, must be able to roll back what a killed process left half done, so the engine may write; statements
-  // may not.
-  database->Connect(SQLite::OPEN_READWRITE | SQLite::OPEN_NOMUTEX);
-  if (!readOnly && sqlite3_db_readonly(database->engine_->connection.getHandle(), "main") == 1)
-    throw Failure(path.string(), "cannot be written: it is read-only");
-  if (!readOnly && !FolderIsWritable(path))
-    throw Failure(path.string(), "cannot be written: there is no permission to write in its folder");
   if (readOnly) {
+    // One thread uses a connection, so the engine need not lock it.
+    // A looker, too, must be able to roll back what a killed process left half done, so the engine may write;
+    // statements may not.
+    database->Connect(SQLite::OPEN_READWRITE | SQLite::OPEN_NOMUTEX);
     database->Execute("PRAGMA query_only=ON");
   } else {
-    database->Execute("PRAGMA locking_mode=EXCLUSIVE");
-    database->Execute("PRAGMA journal_mode=DELETE");
-    database->Execute("PRAGMA synchronous=FULL");
-    // The lock is taken here and, in this locking mode, kept until the file is closed.
-    database->Execute("BEGIN EXCLUSIVE");
-    database->Execute("COMMIT");
+    const auto openExclusive = [&] {
+      database->Connect(SQLite::OPEN_READWRITE | SQLite::OPEN_NOMUTEX);
+      if (sqlite3_db_readonly(database->engine_->connection.getHandle(), "main") == 1)
+        throw Failure(path.string(), "cannot be written: it is read-only");
+      if (!FolderIsWritable(path))
+        throw Failure(path.string(), "cannot be written: there is no permission to write in its folder");
+      database->Execute("PRAGMA locking_mode=EXCLUSIVE");
+      database->Execute("PRAGMA journal_mode=DELETE");
+      database->Execute("PRAGMA synchronous=FULL");
+      // The lock is taken here and, in this locking mode, kept until the file is closed.
+      database->Execute("BEGIN EXCLUSIVE");
+      database->Execute("COMMIT");
+    };
+    // Whoever compacts the file puts another one in its place: a lock on the old one would guard nothing.
+    for (IdentityOfFile before = IdentityOf(path);;) {
+      openExclusive();
+      const IdentityOfFile after = IdentityOf(path);
+      if (before == after) break;
+      database->engine_.reset();
+      before = after;
+    }
   }
   const std::int64_t id = database->Scalar("PRAGMA application_id").Whole();
   if (id != kApplicationId) throw Failure(path.string(), "is not a Data File");
@@ -323,7 +345,9 @@ std::unique_ptr<Database> Database::Open(const std::filesystem::path& path, Open
 
 std::unique_ptr<Database> Database::Create(const std::filesystem::path& path) {
   std::error_code ignored;
-  if (std::filesystem::exists(path, ignored)) throw Failure(path.string(), "already exists");
+  // An empty one is the place that its maker took beforehand.
+  if (std::filesystem::exists(path, ignored) && std::filesystem::file_size(path, ignored) != 0)
+    throw Failure(path.string(), "already exists");
   std::unique_ptr<Database> database(new Database(path, false));
   database->Connect(SQLite::OPEN_READWRITE | SQLite::OPEN_CREATE | SQLite::OPEN_NOMUTEX);
   database->Execute("PRAGMA locking_mode=EXCLUSIVE");
@@ -334,11 +358,7 @@ std::unique_ptr<Database> Database::Create(const std::filesystem::path& path) {
 
 bool Database::IsDatabaseFile(const std::filesystem::path& path) {
   constexpr std::string_view kMark{"SQLite format 3\0", 16};
-  std::ifstream file(path, std::ios::binary);
-  if (!file) throw Failure(path.string(), "cannot be read");
-  std::string front(kMark.size(), '\0');
-  file.read(front.data(), static_cast<std::streamsize>(front.size()));
-  return front == kMark;
+  return ReadFileBytes(path, kMark.size()) == kMark;
 }
 
 Statement Database::Prepare(std::string_view sql) {

@@ -4,7 +4,6 @@
 
 #include <system_error>
 
-#include "core/base/files.h"
 #include "core/base/number.h"
 #include "core/base/refusal.h"
 #include "core/base/text.h"
@@ -24,11 +23,9 @@ std::int32_t StepCounter(Database& file, const std::string& field, std::int32_t 
   return next;
 }
 
-void Rename(const fs::path& from, const fs::path& to) {
-  std::error_code error;
-  fs::rename(from, to, error);
-  if (error) throw Failure(from.string(), fmt::format("cannot be renamed to {}: {}", to.string(), error.message()));
-  SyncFolder(to.parent_path());
+void Compact(Database& file, const FileBeside& place) {
+  Statement vacuum = file.Prepare("VACUUM INTO ?");
+  vacuum.Bind(1, place.Path().string()).Run();
 }
 
 }  // namespace
@@ -59,19 +56,16 @@ FileInfoRow ReadFileInfo(Database& file) {
 }
 
 bool IsArchiveCopy(int fileVersion, const fs::path& path) {
-  const std::string text = path.string();
-  const std::string extension = path.extension().string();
+  const fs::path real = RealPath(path);
+  const std::string text = real.string();
+  const std::string extension = real.extension().string();
   return fileVersion != kFileVersion || text.find("/Auto Backup") != std::string::npos ||
          text.find("Archive") != std::string::npos || EqualNoCase(extension, ".vkb") || EqualNoCase(extension, ".vka");
 }
 
-void CreateFile(const fs::path& path) {
-  std::error_code ignored;
-  if (fs::exists(path, ignored)) throw Failure(path.string(), "already exists");
-  const fs::path building(path.string() + ".new");
-  fs::remove(building, ignored);
-  try {
-    const auto file = Database::Create(building);
+std::unique_ptr<Database> CreateBeside(const FileBeside& place) {
+  return WorkBeside(place, [&] {
+    auto file = Database::Create(place.Path());
     Transaction transaction(*file);
     for (const Table* table : schema::Global()) CreateTable(*file, table->name, *table);
     InsertRow(*file, schema::FileInfo, "FileInfo",
@@ -83,11 +77,20 @@ void CreateFile(const fs::path& path) {
                {"DaysToRemindBackup", 1}});
     CreateStockHistory(*file);
     transaction.Commit();
-  } catch (const Failure& failure) {
-    fs::remove(building, ignored);
-    throw Failure(path.string(), failure.cause);
-  }
-  Rename(building, path);
+    return file;
+  });
+}
+
+void RequireFreeName(const fs::path& path) {
+  std::error_code ignored;
+  if (fs::exists(fs::symlink_status(path, ignored))) throw Failure(path.string(), "already exists");
+}
+
+void CreateFile(const fs::path& path) {
+  RequireFreeName(path);
+  FileBeside place(path, Readers::Group);
+  CreateBeside(place);
+  place.TakeFreePlace();
 }
 
 fs::path SafetyCopyPath(const fs::path& path) {
@@ -97,32 +100,22 @@ fs::path SafetyCopyPath(const fs::path& path) {
 }
 
 void CompactInto(const fs::path& path, const fs::path& copy) {
-  const auto file = Database::Open(path, OpenMode::Exclusive);
-  Statement vacuum = file->Prepare("VACUUM INTO ?");
-  vacuum.Bind(1, copy.string()).Run();
-  SyncFolder(copy.parent_path());
+  FileBeside place(copy, Readers::Group);
+  Compact(*Database::Open(path, OpenMode::Exclusive), place);
+  place.Replace();
 }
 
-void CompactFile(const fs::path& path) {
-  const fs::path old = SafetyCopyPath(path);
-  if (old == path) throw Failure(path.string(), "is a backup copy and cannot be compacted");
+void CompactFile(Database& file) {
+  FileBeside place(file.Path(), Readers::Group);
+  const fs::path safetyCopy = SafetyCopyPath(place.Target());
+  if (safetyCopy == place.Target()) throw Failure(file.Path().string(), "is a backup copy and cannot be compacted");
+  Compact(file, place);
+  place.Replace();
   std::error_code error;
-  fs::remove(old, error);
-  if (error) throw Failure(old.string(), "cannot be removed: " + error.message());
-  const fs::path building(path.string() + ".new");
-  fs::remove(building, error);
-  Rename(path, old);
-  try {
-    CompactInto(old, building);
-  } catch (const Failure& failure) {
-    // The compacted file is not whole: the user's data goes back under its own name.
-    fs::remove(building, error);
-    Rename(old, path);
-    throw Failure(path.string(), failure.cause);
-  }
-  Rename(building, path);
-  fs::remove(old, error);
-  if (error) throw Failure(old.string(), "cannot be removed: " + error.message());
+  fs::remove(safetyCopy, error);
+  if (error)
+    throw Failure(safetyCopy.string(), "is out of date and cannot be removed: " + error.message() + "; " +
+                                           file.Path().string() + " is compacted");
 }
 
 fs::path NextFreeName(const fs::path& path) {

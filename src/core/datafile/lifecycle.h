@@ -7,6 +7,8 @@
 #include <string>
 #include <vector>
 
+#include "core/base/files.h"
+#include "core/base/refusal.h"
 #include "core/datafile/engine.h"
 
 namespace vellumark {
@@ -38,16 +40,31 @@ FileInfoRow ReadFileInfo(Database& file);
 /// the folder "Auto Backup" or the word "Archive", or it ends in ".vkb" or ".vka".
 bool IsArchiveCopy(int fileVersion, const std::filesystem::path& path);
 
-/// Makes a new file with the global tables and no Database. It is built beside its place and takes its name when whole;
-/// an existing file is refused with a Failure.
+/// Throws Failure when anything bears the name already.
+void RequireFreeName(const std::filesystem::path& path);
+/// A new file with the global tables and no Database, open, beside the place that it takes when its maker is done and
+/// has closed it.
+std::unique_ptr<Database> CreateBeside(const FileBeside& place);
+/// Does some work on that file. A Failure names its place.
+template <typename Work>
+auto WorkBeside(const FileBeside& place, Work work) {
+  try {
+    return work();
+  } catch (const Failure& failure) {
+    if (failure.subject != place.Path().string()) throw;
+    throw Failure(place.Target().string(), failure.cause);
+  }
+}
+/// The same at its place, closed. An existing file is refused with a Failure.
 void CreateFile(const std::filesystem::path& path);
 
-/// Writes a closed file without its unused space under another name, which must be free. What stands there after a
-/// Failure is not whole.
+/// Writes a closed file without its unused space under another name, over what bears it.
 void CompactInto(const std::filesystem::path& path, const std::filesystem::path& copy);
 
-/// Rewrites a closed file without its unused space. The old file is kept as ".vkb" until the new one stands.
-void CompactFile(const std::filesystem::path& path);
+/// Puts the open file's data, without its unused space, in the place of the file. A kill at any moment leaves the one
+/// or the other, and a Failure leaves what was there. `file` is then open on what was removed and only good for being
+/// closed, which lets go of the lock. The ".vkb" of its name goes too, as it is older.
+void CompactFile(Database& file);
 /// The same name with ".vkb" for its last four characters (the extension).
 std::filesystem::path SafetyCopyPath(const std::filesystem::path& path);
 

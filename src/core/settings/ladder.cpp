@@ -328,10 +328,8 @@ bool IsKnownVersion(std::string_view version) {
   return version == SupportFileVersion;
 }
 
-}  // namespace
-
-bool RunLadder(SupportFiles& files, LadderDataFile* dataFile) {
-  LadderRun run(files, dataFile);
+// False when the settings are of a version that no step knows, and nothing may be touched.
+bool Climb(LadderRun& run, const SupportFiles& files) {
   SupportRecords& settings = run.settings;
   SetIfEmpty(settings, "BatchListColWidth74", "0");
   if (settings.Get(kFile).empty())
@@ -342,7 +340,26 @@ bool RunLadder(SupportFiles& files, LadderDataFile* dataFile) {
     if (step.work != nullptr) step.work(run);
     settings.Set(step.versionKey, step.to);
   }
-  return run.WriteAll();
+  // The step that makes the scale file is long behind a file that was emptied or lost since.
+  if (!run.HasScaleFile() && !files.scale.HoldsRecords()) {
+    run.MakeScaleFile();
+    run.AddHandshaking();
+  }
+  return true;
+}
+
+}  // namespace
+
+bool RunLadder(SupportFiles& files, LadderDataFile* dataFile) {
+  {
+    LadderRun look(files, dataFile);
+    if (!Climb(look, files) || !look.Changed()) return false;
+  }
+  const FolderLock lock(files.folder);
+  LadderRun run(files, dataFile);
+  if (!Climb(run, files)) return false;
+  run.WriteAll(lock);
+  return true;
 }
 
 }  // namespace vellumark

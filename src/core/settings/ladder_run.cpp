@@ -86,7 +86,7 @@ SupportRecords& LadderRun::Opened(Opening& records, const SupportFile& file) {
 }
 
 void LadderRun::AddHandshaking() {
-  if (!scale_ && !files_.scale.Exists()) MakeScaleFile();
+  if (!scale_ && !files_.scale.HoldsRecords()) MakeScaleFile();
   SupportRecords& records = Opened(scale_, files_.scale);
   if (!records.Contains("Handshaking")) records.Append("Handshaking", "comXOnXoff");
 }
@@ -110,24 +110,25 @@ void LadderRun::CopyToBackups() {
   copy(files_.settings, &settings);
 }
 
-bool LadderRun::WriteAll() {
-  bool written = false;
-  const auto write = [&written](SupportFile& file, const Opening& records) {
-    if (!records || !records->Changed()) return;
-    file.Write(*records);
-    written = true;
+bool LadderRun::Changed() const {
+  const auto opened = [](const Opening& records) { return records && records->Changed(); };
+  return settings.Changed() || opened(scale_) || opened(label_) || opened(hazardLabel_) || opened(formulaLabel_);
+}
+
+void LadderRun::WriteAll(const FolderLock& lock) {
+  const auto write = [&lock](SupportFile& file, const Opening& records) {
+    if (records && records->Changed()) file.Write(*records, lock);
   };
   write(files_.scale, scale_);
   write(files_.label, label_);
   write(files_.hazardLabel, hazardLabel_);
   write(files_.formulaLabel, formulaLabel_);
   if (!copies_.empty()) MakeFolder(DataFolders(files_.folder).backups);
-  for (const auto& [path, bytes] : copies_) ReplaceFile(path, bytes);
+  for (const auto& [path, bytes] : copies_) ReplaceFile(path, bytes, Readers::Group);
   if (dataFile_ != nullptr && designPhotos) MakeFolder(dataFile_->Folder() / "DesignPhotos");
   if (dataFile_ != nullptr && daysToRemindBackup > 0) dataFile_->SetDaysToRemindBackup(daysToRemindBackup);
   // The versions stand in the settings: last, so that they never claim work that was not done.
   write(files_.settings, settings);
-  return written;
 }
 
 }  // namespace vellumark

@@ -52,13 +52,16 @@ class LadderRun {
   SupportRecords& HazardLabel() { return Opened(hazardLabel_, files_.hazardLabel); }
   SupportRecords& FormulaLabel() { return Opened(formulaLabel_, files_.formulaLabel); }
 
+  bool HasScaleFile() const { return scale_.has_value(); }
   void MakeScaleFile();
   void AddHandshaking();
   /// Copies of four files for the folder Backups, where they are not there yet.
   void CopyToBackups();
 
-  /// Writes what was changed. Returns whether that was anything.
-  bool WriteAll();
+  /// Whether anything is to be written.
+  bool Changed() const;
+  /// Writes what was changed. The lock was there before the files were read.
+  void WriteAll(const FolderLock& lock);
 
   SupportRecords settings;
   int daysToRemindBackup = 0;  ///< above 0: to be stored in the Data File

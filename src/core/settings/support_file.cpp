@@ -61,10 +61,11 @@ void SupportFile::RemoveRecords(std::string_view layout) {
 }
 
 bool SupportFile::Change(const std::function<void(SupportRecords&)>& change) {
+  const FolderLock lock(RealPath(path_).parent_path());
   SupportRecords records = Read();
   change(records);
   if (!records.Changed()) return false;
-  Write(records);
+  Write(records, lock);
   return true;
 }
 
@@ -74,10 +75,14 @@ SupportRecords SupportFile::Read() const {
 }
 
 void SupportFile::Write(const SupportRecords& records) {
+  Write(records, FolderLock(RealPath(path_).parent_path()));
+}
+
+void SupportFile::Write(const SupportRecords& records, const FolderLock&) {
   const std::string bytes = records.Bytes();
   // Read again at the next call: the file, not the memory, says what a value with a double quote became.
   loaded_ = false;
-  ReplaceFile(path_, path_.string() + "_Temp.dat", bytes);
+  ReplaceFile(path_, bytes, Readers::Group);
 }
 
 const SupportRecords& SupportFile::Current() const {

@@ -6,6 +6,7 @@
 #include <string>
 #include <string_view>
 
+#include "core/base/files.h"
 #include "core/settings/support_records.h"
 
 namespace vellumark {
@@ -14,8 +15,8 @@ namespace vellumark {
 /// is looked at again at most once in a tick of the system's coarse clock, so a change made by another process is seen
 /// about 10 ms later at the latest. Changes made through this object are seen at once.
 ///
-/// Every write replaces the file in one step by way of "<file>_Temp.dat" beside it, and starts from what the file
-/// holds at that moment. A missing or unreadable file is a Failure naming it, at each call.
+/// Every write replaces the file in one step, and starts from what the file holds at that moment: of processes that
+/// write at once none loses another's change. A missing or unreadable file is a Failure naming it, at each call.
 class SupportFile {
  public:
   SupportFile(std::filesystem::path path, RecordShape shape);
@@ -23,6 +24,8 @@ class SupportFile {
   const std::filesystem::path& Path() const { return path_; }
   RecordShape Shape() const { return shape_; }
   bool Exists() const;
+  /// Whether it is there and holds a record. One that was emptied, or that a power cut left blank, counts as missing.
+  bool HoldsRecords() const { return Exists() && !Current().Records().empty(); }
 
   /// The value of the first record of the key; empty when there is none.
   std::string GetSupportValue(std::string_view key) const { return Current().Get(key); }
@@ -47,6 +50,8 @@ class SupportFile {
   SupportRecords Read() const;
   /// Makes these records the file's whole content; the file need not exist.
   void Write(const SupportRecords& records);
+  /// The same for a caller that has the lock of the folder since it read them.
+  void Write(const SupportRecords& records, const FolderLock& lock);
 
  private:
   // Tells one state of the file from another.

@@ -1,5 +1,7 @@
 #include "core/settings/support_files.h"
 
+#include <algorithm>
+#include <array>
 #include <system_error>
 #include <vector>
 
@@ -15,13 +17,13 @@ constexpr RecordShape kLabelShape = RecordShape::LayoutKeyValue;
 
 using DefaultLayout = std::vector<SupportRecord> (*)(std::string_view);
 
-void WriteDefault(SupportFile& file, DefaultLayout layout) {
-  file.Write(SupportRecords(kLabelShape, layout(DefaultLayoutName)));
+void WriteDefault(SupportFile& file, DefaultLayout layout, const FolderLock& lock) {
+  file.Write(SupportRecords(kLabelShape, layout(DefaultLayoutName)), lock);
 }
 
-bool WriteMissing(SupportFile& file, DefaultLayout layout) {
-  if (file.Exists()) return false;
-  WriteDefault(file, layout);
+bool WriteMissing(SupportFile& file, DefaultLayout layout, const FolderLock& lock) {
+  if (file.HoldsRecords()) return false;
+  WriteDefault(file, layout, lock);
   return true;
 }
 
@@ -38,12 +40,16 @@ SupportFiles::SupportFiles(const std::filesystem::path& dataFolder)
 WrittenSupportFiles WriteMissingSupportFiles(SupportFiles& files) {
   MakeFolder(files.folder);
   WrittenSupportFiles written;
+  const auto holds = [](const SupportFile* file) { return file->HoldsRecords(); };
+  if (std::ranges::all_of(std::array{&files.label, &files.hazardLabel, &files.formulaLabel, &files.settings}, holds))
+    return written;
+  const FolderLock lock(files.folder);
   // The settings come last: should the machine stop in between, the next start still counts as the first.
-  written.label = WriteMissing(files.label, DefaultLabel);
-  written.hazardLabel = WriteMissing(files.hazardLabel, DefaultHazardLabel);
-  written.formulaLabel = WriteMissing(files.formulaLabel, DefaultFormulaLabel);
-  if (!files.settings.Exists()) {
-    files.settings.Write(DefaultSettings());
+  written.label = WriteMissing(files.label, DefaultLabel, lock);
+  written.hazardLabel = WriteMissing(files.hazardLabel, DefaultHazardLabel, lock);
+  written.formulaLabel = WriteMissing(files.formulaLabel, DefaultFormulaLabel, lock);
+  if (!files.settings.HoldsRecords()) {
+    files.settings.Write(DefaultSettings(), lock);
     written.settings = true;
   }
   return written;
@@ -51,10 +57,11 @@ WrittenSupportFiles WriteMissingSupportFiles(SupportFiles& files) {
 
 void WriteFreshSupportFiles(SupportFiles& files) {
   // The settings come first: they have no version then, so that the ladder makes the scale file whatever happens next.
-  files.settings.Write(DefaultSettings());
-  WriteDefault(files.hazardLabel, DefaultHazardLabel);
-  WriteDefault(files.formulaLabel, DefaultFormulaLabel);
-  WriteDefault(files.label, DefaultLabel);
+  const FolderLock lock(files.folder);
+  files.settings.Write(DefaultSettings(), lock);
+  WriteDefault(files.hazardLabel, DefaultHazardLabel, lock);
+  WriteDefault(files.formulaLabel, DefaultFormulaLabel, lock);
+  WriteDefault(files.label, DefaultLabel, lock);
   std::error_code error;
   std::filesystem::remove(files.scale.Path(), error);
   if (error) throw Failure(files.scale.Path().string(), error.message());
@@ -82,12 +89,6 @@ void DataFolders::MakeCloudFolders() const {
        {cloudCerts, uploadSupportFiles, uploadPhotosBackup, uploadPhotosShare, downloadPhotos, downloadSupportFiles,
         downloadShareData, downloadAdminReports, downloadAdminDataFiles, cloudLogFiles})
     MakeFolder(folder);
-}
-
-void MakeFolder(const std::filesystem::path& folder) {
-  std::error_code error;
-  std::filesystem::create_directories(folder, error);
-  if (error) throw Failure(folder.string(), error.message());
 }
 
 }  // namespace vellumark

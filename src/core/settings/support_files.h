@@ -58,7 +58,4 @@ struct DataFolders {
   void MakeCloudFolders() const;
 };
 
-/// Makes a folder, and those above it, where it is missing. Throws Failure naming it.
-void MakeFolder(const std::filesystem::path& folder);
-
 }  // namespace vellumark

@@ -21,6 +21,48 @@ std::string Decode(std::string_view bytes) {
   return IsAscii(bytes) ? std::string(bytes) : FromCp1252(bytes);
 }
 
+constexpr std::string_view kAddress = "file://";
+
+bool HoldsPath(std::string_view key) {
+  return key.starts_with("dbFileName") || key.ends_with("FileLocation") || key.ends_with("_DefaultDir");
+}
+
+bool FitsTheFormat(std::string_view text) {
+  if (text.find_first_of("\"\r\n") != std::string_view::npos || text.starts_with(kAddress)) return false;
+  if (IsAscii(text)) return true;
+  try {
+    return FromCp1252(ToCp1252(text)) == text;
+  } catch (const BadValue&) {
+    return false;
+  }
+}
+
+std::string AddressOf(std::string_view path) {
+  std::string address(kAddress);
+  for (const char c : path) {
+    const auto byte = static_cast<unsigned char>(c);
+    const bool plain = byte > 0x20 && byte < 0x7F && c != '%' && c != '"';
+    address += plain ? std::string(1, c) : fmt::format("%{:02X}", byte);
+  }
+  return address;
+}
+
+std::string PathOf(std::string_view address) {
+  const auto digit = [](char c) -> int {
+    if (c >= '0' && c <= '9') return c - '0';
+    return c >= 'A' && c <= 'F' ? c - 'A' + 10 : -1;
+  };
+  address.remove_prefix(kAddress.size());
+  std::string path;
+  for (std::size_t i = 0; i < address.size(); ++i) {
+    const int high = address[i] == '%' && i + 2 < address.size() ? digit(address[i + 1]) : -1;
+    const int low = high >= 0 ? digit(address[i + 2]) : -1;
+    path += low >= 0 ? static_cast<char>(high * 16 + low) : address[i];
+    if (low >= 0) i += 2;
+  }
+  return path;
+}
+
 void AppendField(std::string& out, std::string_view text) {
   out += '"';
   if (IsAscii(text)) {
@@ -84,6 +126,7 @@ SupportRecords SupportRecords::Parse(std::string_view bytes, RecordShape shape) 
     if (!key.whole) continue;
     record.key = Decode(key.text);
     record.value = Decode(TakeField(line).text);
+    if (HoldsPath(record.key) && record.value.starts_with(kAddress)) record.value = PathOf(record.value);
     result.records_.push_back(std::move(record));
   }
   return result;
@@ -99,7 +142,8 @@ std::string SupportRecords::Bytes() const {
     }
     AppendField(bytes, record.key);
     bytes += ',';
-    AppendField(bytes, record.value);
+    const bool address = HoldsPath(record.key) && !FitsTheFormat(record.value);
+    AppendField(bytes, address ? AddressOf(record.value) : record.value);
     bytes += "\r\n";
   }
   return bytes;
@@ -212,7 +256,7 @@ void SupportRecords::CheckFields(const SupportRecord& record) const {
   for (const std::string& name : {record.layout, record.key})
     if (name.find_first_of("\"\r\n") != std::string::npos)
       throw BadValue(fmt::format("the name \"{}\" holds a double quote or a line end", name));
-  if (record.value.find_first_of("\r\n") != std::string::npos)
+  if (record.value.find_first_of("\r\n") != std::string::npos && !HoldsPath(record.key))
     throw BadValue(fmt::format("the value of \"{}\" holds a line end", record.key));
 }
 

@@ -23,6 +23,8 @@ struct SupportRecord {
 ///
 /// What is written is refused with BadValue when a field holds a line end, or a key or layout a double quote. A double
 /// quote in a value is written as it stands; the next reading ends the value there, since the format knows no escape.
+/// The path of a file or folder is never cut or refused: one that the format cannot hold stands in the file as a
+/// "file://" address, its bytes percent-encoded, and is a plain path again when it is read.
 class SupportRecords {
  public:
   explicit SupportRecords(RecordShape shape) : shape_(shape) {}

@@ -49,7 +49,7 @@ bool IsSameFile(const fs::path& a, const fs::path& b) {
 
 void TakeAsDefault(Session& session, const std::string& name) {
   session.DataFileName = name;
-  SetSupportValue(session, keys::DbFileName50, name);
+  StoreDefaultDataFile(session, name);
 }
 
 // The Data File that is left for another one, and the way back to it after a failure. Whatever else is thrown ends the
@@ -75,8 +75,8 @@ class PreviousFile {
                                 session_.RecordsetsOpen == recordsetsWereOpen_;
     if (nothingChanged) return;
     CloseDataFile(session_, windows_);
-    TakeAsDefault(session_, name_);
-    SetSupportValue(session_, keys::DbFileName50, stored_);
+    session_.DataFileName = name_;
+    if (GetSupportValue(session_, keys::DbFileName50) != stored_) StoreDefaultDataFile(session_, stored_);
     if (!wasOpen_) return;
     try {
       OpenDataFile(session_, windows_);
@@ -115,12 +115,11 @@ void ChangeToFile(Session& session, const fs::path& path, OpeningWindows& window
   }
 }
 
-// Photos of Designs lie beside the file. A copy that may only be looked at can stand where nothing can be made.
+// Photos of Designs lie beside the file; a copy that may only be looked at gets no new ones.
 void MakePhotoFolder(const Session& session) {
   const fs::path folder = fs::path(session.DataFileName).parent_path() / "DesignPhotos";
-  std::error_code error;
-  fs::create_directories(folder, error);
-  if (error && !session.ArchiveView) throw Failure(folder.string(), "cannot be made: " + error.message());
+  if (session.ArchiveView) return;
+  MakeFolder(folder);
 }
 
 bool CheckAndOpen(Session& session, const fs::path& path, OpeningWindows& windows) {
@@ -167,19 +166,6 @@ Result<fs::path> PathForRename(const Session& session, std::string_view typedNam
   fs::path renamed = current.parent_path() / (name + std::string(kExtension));
   if (Exists(renamed)) return refuse("A file with name already exist, choose another name");
   return renamed;
-}
-
-// The file is closed. A failure leaves the old file and no other.
-void MoveByCopy(const fs::path& from, const fs::path& to) {
-  CopyFile(from, to);
-  std::error_code error;
-  fs::remove(from, error);
-  if (error) {
-    std::error_code ignored;
-    fs::remove(to, ignored);
-    throw Failure(from.string(), "cannot be removed: " + error.message());
-  }
-  SyncFolder(to.parent_path());
 }
 
 }  // namespace
@@ -232,9 +218,7 @@ Result<bool> CreateDefaultDataFile(Session& session, OpeningWindows& windows) {
       return CheckAndOpen(session, file, windows);
     file = NextFreeName(file);
   }
-  std::error_code error;
-  fs::create_directories(session.ProgramFolder, error);
-  if (error) throw Failure(session.ProgramFolder.string(), "cannot be made: " + error.message());
+  MakeFolder(session.ProgramFolder);
   MakeAndOpen(session, file, windows);
   return true;
 }
@@ -251,17 +235,21 @@ Result<void> RenameDataFile(Session& session, std::string_view typedName, Openin
   if (auto allowed = CheckRenameDataFile(session); !allowed) return allowed;
   const auto renamed = PathForRename(session, typedName);
   if (!renamed) return std::unexpected(renamed.error());
-  const std::string before = session.DataFileName;
+  const fs::path before(session.DataFileName);
+  PreviousFile previous(session, windows);
   CloseDataFile(session, windows);
   try {
-    const ProgressRun progress(session.progress, "Renaming File ...");
-    MoveByCopy(before, *renamed);
+    {
+      const ProgressRun progress(session.progress, "Renaming File ...");
+      RenameToFree(before, *renamed);
+    }
     TakeAsDefault(session, renamed->string());
-  } catch (const std::exception&) {
     OpenDataFile(session, windows);
+  } catch (const std::exception&) {
+    if (!Exists(before) && Exists(*renamed)) RenameToFree(*renamed, before);
+    previous.Return();
     throw;
   }
-  OpenDataFile(session, windows);
   return {};
 }
 
@@ -275,14 +263,10 @@ bool IsOwnFolder(const Session& session, const fs::path& folder) {
 
 std::optional<std::string> MakeSafetyCopy(const fs::path& path) {
   const fs::path copy = SafetyCopyPath(path);
-  std::error_code error;
   if (copy == path) return fmt::format("{} is a backup copy itself", path.string());
-  fs::remove(copy, error);
-  if (error) return fmt::format("{} cannot be removed: {}", copy.string(), error.message());
   try {
     CompactInto(path, copy);
   } catch (const Failure& failure) {
-    fs::remove(copy, error);
     return failure.what();
   }
   return std::nullopt;

@@ -33,15 +33,15 @@ Result<bool> CreateDefaultDataFile(Session& session, OpeningWindows& windows);
 
 /// Whether the open file may get another name at all.
 Result<void> CheckRenameDataFile(const Session& session);
-/// Renames the open Data File within its folder; ".vkd" is added to the typed name. The old file is removed only when
-/// its copy is whole and on the disk.
+/// Renames the open Data File within its folder, in one step; ".vkd" is added to the typed name. When it cannot be
+/// opened under the new name it has its old one again.
 Result<void> RenameDataFile(Session& session, std::string_view typedName, OpeningWindows& windows);
 
 /// A folder that the program keeps for itself: where settings, backups, photos and conversions lie.
 bool IsOwnFolder(const Session& session, const std::filesystem::path& folder);
 
-/// Compacts a file of an older version, which is about to be brought up to date, into ".vkb" beside it; an older such
-/// copy goes. What went wrong, in words, when no copy could be made: the update goes on without one.
+/// Compacts a file of an older version, which is about to be brought up to date, into ".vkb" beside it, over an older
+/// such copy. What went wrong, in words, when no copy could be made: the update goes on without one.
 std::optional<std::string> MakeSafetyCopy(const std::filesystem::path& path);
 
 }  // namespace vellumark

@@ -84,7 +84,7 @@ Result<std::string> RenameDatabase(Session& session, std::string_view name, std:
 
   const std::vector<std::string> listBefore = session.databaseList;
   const std::string currentBefore = session.CurrentDatabase;
-  const bool current = *old == currentBefore;
+  std::optional<OpenedDatabase> before;
   try {
     // The record sets are on the new tables when the commit tells of them.
     Transaction transaction(session.File());
@@ -92,15 +92,17 @@ Result<std::string> RenameDatabase(Session& session, std::string_view name, std:
     AddDatabaseRenameLines(session.File(), NewStockLine(session, StockEvent::DatabaseRenamed, ColorKind::Basic), *old,
                            *newName);
     std::ranges::replace(session.databaseList, *old, *newName);
-    if (current) {
+    if (*old == currentBefore) {
       session.CurrentDatabase = *newName;
-      OpenDatabase(session);
+      OpenedDatabase opened(session);
+      opened.Exchange(session);
+      before.emplace(std::move(opened));
     }
     transaction.Commit();
   } catch (...) {
     session.databaseList = listBefore;
     session.CurrentDatabase = currentBefore;
-    if (current) OpenDatabase(session);
+    if (before) before->Exchange(session);
     throw;
   }
   return newName;

@@ -4,7 +4,9 @@
 
 #include <algorithm>
 #include <system_error>
+#include <utility>
 
+#include "core/base/files.h"
 #include "core/base/progress_run.h"
 #include "core/base/text.h"
 #include "core/batch/leave.h"
@@ -14,6 +16,8 @@
 #include "core/datafile/lifecycle.h"
 #include "core/datafile/stock_history.h"
 #include "core/session/users.h"
+#include "core/settings/settings_keys.h"
+#include "core/settings/support_files.h"
 
 namespace vellumark {
 namespace fs = std::filesystem;
@@ -49,36 +53,37 @@ void CloseWorkingSets(Session& session) {
   session.BasicRS.reset();
   session.MixRS.reset();
   session.BatchRS.reset();
+  session.JobRS.reset();
   session.RecordsetsOpen = false;
 }
 
-void OpenWorkingSets(Session& session) {
-  Database& file = session.File();
-  session.BasicRS.emplace(file, schema::Basic, session.Table(schema::Basic), std::vector<std::string>{"Color_Name"});
-  session.BasicRS->MoveFirst();
-  session.MixRS.emplace(file, schema::Mix, session.Table(schema::Mix), std::vector<std::string>{"Color_Name"});
-  session.MixRS->MoveFirst();
-  session.BatchRS.emplace(file, schema::Batch, session.Table(schema::Batch), std::vector<std::string>{"BatchNo"});
-  session.BatchRS->MoveLast();
-  if (!session.JobRS)
-    session.JobRS.emplace(file, schema::JobRecords, schema::JobRecords.name,
-                          std::vector<std::string>{"JobNumber", "Date_Entered"});
-  session.RecordsetsOpen = true;
+// The state in which no file is open.
+void LeaveFile(Session& session) {
+  CloseWorkingSets(session);
+  session.templateDB.reset();
+  session.DataFileDB.reset();
+  session.DataFileOpen = false;
+  session.ArchiveView = false;
+  session.databaseList.clear();
+  session.CurrentDatabase.clear();
+  session.FullName.clear();
+  session.CurrentUser.clear();
+  session.CostChanged = session.VOCChanged = session.HAPChanged = false;
 }
 
 // A template that cannot be read must not keep a Database shut: it opens without its guides.
-void OpenTemplate(Session& session, const fs::path& path) {
-  session.templateDB.reset();
-  if (session.TemplateFile.empty()) return;
+std::unique_ptr<Database> OpenTemplate(const Session& session, std::string& templateFile, const fs::path& path) {
+  if (templateFile.empty()) return nullptr;
   try {
-    session.templateDB = Database::Open(path, OpenMode::ReadOnly);
+    return Database::Open(path, OpenMode::ReadOnly);
   } catch (const Failure& failure) {
-    session.TemplateFile.clear();
+    templateFile.clear();
     session.prompt.Tell(
         "Color Guides",
         fmt::format("The template {} cannot be used: {}.\nThe Database {} is opened without its guides.",
                     failure.subject, failure.cause, session.CurrentDatabase),
         Icon::Exclamation);
+    return nullptr;
   }
 }
 
@@ -100,6 +105,51 @@ bool MakeOfFirstGuides(Session& session, const std::string& name) {
   StoreCurrentDatabase(session.File(), name);
   transaction.Commit();
   return true;
+}
+
+void SwapSets(std::optional<Recordset>& a, std::optional<Recordset>& b) {
+  std::optional<Recordset> held;
+  if (a) held.emplace(std::move(*a));
+  a.reset();
+  if (b) a.emplace(std::move(*b));
+  b.reset();
+  if (held) b.emplace(std::move(*held));
+}
+
+// For the work files of conversions. Where it cannot be made, whoever writes into it says so.
+void MakeConversionFolder(const Session& session) {
+  try {
+    MakeFolder(session.ProgramFolder / "Converted");
+  } catch (const Failure&) {
+    return;
+  }
+}
+
+// What follows once the file is in the session's hands.
+void OpenContent(Session& session, const FileInfoRow& info, OpeningWindows& windows) {
+  windows.SetCaption(VersionCaption() + "   -   " + session.DataFileName);
+  session.BatchNumber = info.batchNumber;
+  session.ItemNumber = info.itemNumber;
+  session.DataFileOpen = true;
+  session.databaseList = info.dbList;
+  if (!session.ArchiveView && !HasStockHistory(session.File()))
+    BeginStockHistory(session.File(), info.dbList, session.clock.Now(), session.CurrentUser);
+  const auto logIn = [&] { UsersEnabled(session) ? windows.Login(session) : LogInWithoutUsers(session); };
+  if (info.dbList.empty()) {
+    MakeFirstDatabase(session);
+    logIn();
+  } else {
+    logIn();
+    const auto current =
+        std::ranges::find_if(info.dbList, [&](const std::string& name) { return EqualNoCase(name, info.currentDB); });
+    session.CurrentDatabase = current != info.dbList.end() ? *current : info.dbList.front();
+    OpenDatabase(session);
+    if (!session.ArchiveView) {
+      HealAbandonedBatches(session);
+      windows.SuggestArchive(session);
+    }
+  }
+  MakeConversionFolder(session);
 }
 
 // The flags of pending passes are the session's, and tell nothing of which Database they are for: what is pending runs
@@ -154,43 +204,27 @@ bool CheckDataFile(Session& session, const std::string& path, OpeningWindows& wi
 
 void OpenDataFile(Session& session, OpeningWindows& windows) {
   if (session.DataFileName.empty()) return;
-  const int version = ReadFileVersion(session.DataFileName);
-  const bool archiveBefore = std::exchange(session.ArchiveView, IsArchiveCopy(version, session.DataFileName));
-  std::unique_ptr<Database> file;
-  FileInfoRow info;
+  const std::string named = session.DataFileName;
+  const bool archiveBefore = session.ArchiveView;
+  bool taken = false;
   try {
-    file = OpenFile(session);
-    info = ReadFileInfo(*file);
-  } catch (const Failure&) {
+    // What stands beside a file stands beside the real one, also when a link leads to it.
+    session.DataFileName = RealPath(named).string();
+    session.ArchiveView = IsArchiveCopy(ReadFileVersion(session.DataFileName), session.DataFileName);
+    auto file = OpenFile(session);
+    const FileInfoRow info = ReadFileInfo(*file);
+    session.DataFileDB = std::move(file);
+    taken = true;
+    OpenContent(session, info, windows);
+  } catch (...) {
+    if (taken) {
+      LeaveFile(session);
+      windows.SetCaption(VersionCaption());
+    }
+    session.DataFileName = named;
     session.ArchiveView = archiveBefore;
     throw;
   }
-  session.DataFileDB = std::move(file);
-  windows.SetCaption(VersionCaption() + "   -   " + session.DataFileName);
-  session.BatchNumber = info.batchNumber;
-  session.ItemNumber = info.itemNumber;
-  session.DataFileOpen = true;
-  session.databaseList = info.dbList;
-  if (!session.ArchiveView && !HasStockHistory(session.File()))
-    BeginStockHistory(session.File(), info.dbList, session.clock.Now(), session.CurrentUser);
-  const auto logIn = [&] { UsersEnabled(session) ? windows.Login(session) : LogInWithoutUsers(session); };
-  if (info.dbList.empty()) {
-    MakeFirstDatabase(session);
-    logIn();
-    return;
-  }
-  logIn();
-  const auto current =
-      std::ranges::find_if(info.dbList, [&](const std::string& name) { return EqualNoCase(name, info.currentDB); });
-  session.CurrentDatabase = current != info.dbList.end() ? *current : info.dbList.front();
-  OpenDatabase(session);
-  if (!session.ArchiveView) {
-    HealAbandonedBatches(session);
-    windows.SuggestArchive(session);
-  }
-  // For the work files of conversions. Where it cannot be made, whoever writes into it says so.
-  std::error_code ignored;
-  fs::create_directories(session.ProgramFolder / "Converted", ignored);
 }
 
 void CloseDataFile(Session& session, OpeningWindows& windows) {
@@ -201,45 +235,65 @@ void CloseDataFile(Session& session, OpeningWindows& windows) {
     session.prompt.Tell("Master Formulas", failure.subject + "\n" + failure.cause + ".", Icon::Exclamation);
   }
   session.progress.Begin("Closing File ...");
-  CloseWorkingSets(session);
-  session.JobRS.reset();
-  session.templateDB.reset();
-  session.DataFileDB.reset();
-  session.DataFileOpen = false;
-  session.ArchiveView = false;
-  session.databaseList.clear();
-  session.CurrentDatabase.clear();
-  session.FullName.clear();
-  session.CurrentUser.clear();
-  session.CostChanged = session.VOCChanged = session.HAPChanged = false;
+  LeaveFile(session);
   windows.SetCaption(VersionCaption());
   session.progress.End();
 }
 
-void CreateDataFile(Session& session, const fs::path& path, OpeningWindows& windows) {
-  const ProgressRun progress(session.progress, "Creating Data File ...");
-  CreateFile(path);
-  if (session.DataFileOpen) {
-    CloseDataFile(session, windows);
-    windows.ShutdownBackup(session, "AutoBackup");
+void StoreDefaultDataFile(Session& session, const std::string& name) {
+  try {
+    session.support->settings.Change([&](SupportRecords& records) {
+      if (!records.Set(keys::DbFileName50, name)) records.Append(keys::DbFileName50, name);
+    });
+  } catch (const Failure& failure) {
+    session.prompt.Tell(
+        "Data File",
+        fmt::format("{} could not be stored as the default Data File.\n{}: {}.", name, failure.subject, failure.cause),
+        Icon::Exclamation);
   }
-  session.DataFileName = path.string();
-  SetSupportValue(session, "dbFileName50", session.DataFileName);
+}
+
+void CreateDataFile(Session& session, const fs::path& path, OpeningWindows& windows, const std::string& database,
+                    FirstContent content) {
+  {
+    const ProgressRun progress(session.progress, "Creating Data File ...");
+    RequireFreeName(path);
+    FileBeside place(path, Readers::Group);
+    auto file = CreateBeside(place);
+    if (session.DataFileOpen) {
+      CloseDataFile(session, windows);
+      windows.ShutdownBackup(session, "AutoBackup");
+    }
+    session.DataFileName = place.Target().string();
+    session.DataFileDB = std::move(file);
+    try {
+      WorkBeside(place, [&] { MakeFirstDatabase(session, database, content); });
+    } catch (...) {
+      LeaveFile(session);
+      throw;
+    }
+    LeaveFile(session);
+    place.TakeFreePlace();
+  }
+  StoreDefaultDataFile(session, session.DataFileName);
 }
 
 void ReopenWorkingSets(Session& session) {
   CloseWorkingSets(session);
-  session.JobRS.reset();
-  session.DataFileDB = OpenFile(session);
-  OpenWorkingSets(session);
+  try {
+    session.DataFileDB.reset();
+    session.DataFileDB = OpenFile(session);
+    OpenDatabase(session);
+  } catch (...) {
+    LeaveFile(session);
+    throw;
+  }
 }
 
 void CompactDataFile(Session& session) {
   CloseWorkingSets(session);
-  session.JobRS.reset();
-  session.DataFileDB.reset();
   try {
-    CompactFile(session.DataFileName);
+    CompactFile(session.File());
   } catch (const Failure&) {
     ReopenWorkingSets(session);
     throw;
@@ -247,7 +301,7 @@ void CompactDataFile(Session& session) {
   ReopenWorkingSets(session);
 }
 
-void OpenDatabase(Session& session) {
+OpenedDatabase::OpenedDatabase(Session& session) {
   session.LoadingDatabase = true;
   session.progress.Begin("Opening Database ...");
   // Whatever fails, the main window must be able to close again.
@@ -259,16 +313,42 @@ void OpenDatabase(Session& session) {
     }
   } finish{session};
 
-  CloseWorkingSets(session);
-  const DatabaseInfo info = ReadDatabaseInfo(session.File(), session.CurrentDatabase);
-  session.FullName = info.fullName;
+  Database& file = session.File();
+  const DatabaseInfo info = ReadDatabaseInfo(file, session.CurrentDatabase);
+  fullName_ = info.fullName;
   const fs::path templatePath = TemplatePath(session);
-  const bool hasTemplate = !templatePath.empty();
-  session.Disclaimer = hasTemplate ? info.disclaimer : "";
-  session.TradeMark = hasTemplate ? info.tradeMark : "";
-  session.TemplateFile = hasTemplate ? info.templateFile : "";
-  OpenWorkingSets(session);
-  OpenTemplate(session, templatePath);
+  if (!templatePath.empty()) {
+    disclaimer_ = info.disclaimer;
+    tradeMark_ = info.tradeMark;
+    templateFile_ = info.templateFile;
+  }
+  basic_.emplace(file, schema::Basic, session.Table(schema::Basic), std::vector<std::string>{"Color_Name"});
+  basic_->MoveFirst();
+  mix_.emplace(file, schema::Mix, session.Table(schema::Mix), std::vector<std::string>{"Color_Name"});
+  mix_->MoveFirst();
+  batch_.emplace(file, schema::Batch, session.Table(schema::Batch), std::vector<std::string>{"BatchNo"});
+  batch_->MoveLast();
+  if (!session.JobRS)
+    job_.emplace(file, schema::JobRecords, schema::JobRecords.name,
+                 std::vector<std::string>{"JobNumber", "Date_Entered"});
+  template_ = OpenTemplate(session, templateFile_, templatePath);
+}
+
+void OpenedDatabase::Exchange(Session& session) {
+  SwapSets(session.BasicRS, basic_);
+  SwapSets(session.MixRS, mix_);
+  SwapSets(session.BatchRS, batch_);
+  if (job_) SwapSets(session.JobRS, job_);
+  std::swap(session.FullName, fullName_);
+  std::swap(session.Disclaimer, disclaimer_);
+  std::swap(session.TradeMark, tradeMark_);
+  std::swap(session.TemplateFile, templateFile_);
+  std::swap(session.templateDB, template_);
+  session.RecordsetsOpen = session.BasicRS.has_value();
+}
+
+void OpenDatabase(Session& session) {
+  OpenedDatabase(session).Exchange(session);
 }
 
 Result<void> ChangeDatabase(Session& session, std::string_view name, bool remember) {
@@ -279,9 +359,15 @@ Result<void> ChangeDatabase(Session& session, std::string_view name, bool rememb
                   fmt::format("The {} Data File has no Database named {}.", session.DataFileName, name), "cmbDBList");
   if (*found == session.CurrentDatabase) return {};
   RunPassesBeforeLeaving(session);
-  session.CurrentDatabase = *found;
-  if (remember && !session.ArchiveView) StoreCurrentDatabase(session.File(), *found);
-  OpenDatabase(session);
+  const std::string before = std::exchange(session.CurrentDatabase, *found);
+  try {
+    OpenedDatabase opened(session);
+    if (remember && !session.ArchiveView) StoreCurrentDatabase(session.File(), *found);
+    opened.Exchange(session);
+  } catch (...) {
+    session.CurrentDatabase = before;
+    throw;
+  }
   // The list of Databases, and windows that stay open across the change, show the new one.
   session.changes.Tell({{Change::Kind::DatabaseList, *found, "", Change::What::All, ""}});
   return {};

@@ -2,6 +2,8 @@
 
 #include <cstdint>
 #include <filesystem>
+#include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -33,21 +35,49 @@ class OpeningWindows {
 bool CheckDataFile(Session& session, const std::string& path, OpeningWindows& windows);
 
 /// Opens `DataFileName`: the file, its Databases, the login, the current Database and its record sets. A new file gets
-/// its first Database here. When the open fails the state is as before.
+/// its first Database here. A link is followed: `DataFileName` names the real file then. When the open fails the state
+/// is as before.
 void OpenDataFile(Session& session, OpeningWindows& windows);
 
 /// Safe to call on a half-open file.
 void CloseDataFile(Session& session, OpeningWindows& windows);
 
-/// Makes a new file and the default of it; an open one is closed first. The caller opens it.
-void CreateDataFile(Session& session, const std::filesystem::path& path, OpeningWindows& windows);
+enum class FirstContent { Guides, Empty };
+
+/// Makes a new file with its first Database and the default of it; an open one is closed before. All of it is built
+/// beside its place: a kill or a Failure leaves no file of that name. The caller opens it.
+void CreateDataFile(Session& session, const std::filesystem::path& path, OpeningWindows& windows,
+                    const std::string& database = "PANTONE", FirstContent content = FirstContent::Guides);
+
+/// Makes a Data File the one that the next start opens. That it cannot be stored is told, and ends nothing.
+void StoreDefaultDataFile(Session& session, const std::string& name);
 
 /// Compacts the open file in place; Database and user stay.
 void CompactDataFile(Session& session);
-/// Opens `DataFileName` and the working record sets again, without a login.
+/// Opens `DataFileName` and the working record sets again, without a login. After a Failure no file is open.
 void ReopenWorkingSets(Session& session);
 
-/// Opens `CurrentDatabase`: its texts, its template and its working record sets.
+/// What is in force of one Database: its texts, its template and its working record sets. Made of `CurrentDatabase`
+/// beside what the session has, so that a failure changes nothing there.
+class OpenedDatabase {
+ public:
+  explicit OpenedDatabase(Session& session);
+  /// Comes into force; what was in force is kept here for the way back.
+  void Exchange(Session& session);
+
+ private:
+  std::optional<Recordset> basic_;
+  std::optional<Recordset> mix_;
+  std::optional<Recordset> batch_;
+  std::optional<Recordset> job_;
+  std::string fullName_;
+  std::string disclaimer_;
+  std::string tradeMark_;
+  std::string templateFile_;
+  std::unique_ptr<Database> template_;
+};
+
+/// Opens `CurrentDatabase`. After a failure what was in force before is so still.
 void OpenDatabase(Session& session);
 /// Makes `name` current and opens it; with `remember` it is written to the file as the current one. Refused when the
 /// file has no Database of that name.
@@ -55,7 +85,6 @@ Result<void> ChangeDatabase(Session& session, std::string_view name, bool rememb
 
 /// The first Database of a new file, "PANTONE" unless named: of the first guides of the template, or empty. Where there
 /// is no template that could be used it is made empty, and the operator is told how to get one.
-enum class FirstContent { Guides, Empty };
 void MakeFirstDatabase(Session& session, const std::string& name = "PANTONE",
                        FirstContent content = FirstContent::Guides);
 

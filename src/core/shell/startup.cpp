@@ -3,8 +3,10 @@
 #include <array>
 #include <system_error>
 
+#include "core/base/files.h"
 #include "core/base/number.h"
 #include "core/base/text.h"
+#include "core/datafile/databases.h"
 #include "core/settings/settings_keys.h"
 #include "core/shell/data_files.h"
 
@@ -37,7 +39,7 @@ std::string Unquoted(std::string_view text) {
 
 void TakeDataFileName(Session& session, const std::string& name) {
   session.DataFileName = name;
-  SetSupportValue(session, keys::DbFileName50, name);
+  StoreDefaultDataFile(session, name);
 }
 
 // A Data File of an older installation, the most trusted first.
@@ -55,6 +57,16 @@ void LookForOlderFile(Session& session, StartupWindows& windows) {
   const auto copied = windows.OfferOldFile(old, "409", "Your most recently used Vellumark 4.0.9 database was found.",
                                            "That database will now be copied for use with The Vellumark 5.0.");
   if (copied) TakeDataFileName(session, *copied);
+}
+
+// What cannot be read is nobody's to remove.
+bool NeverGotADatabase(Session& session) {
+  if (!session.DataFileOpen || session.RecordsetsOpen || session.ArchiveView || !session.DataFileDB) return false;
+  try {
+    return HoldsNoDatabase(session.File());
+  } catch (const Failure&) {
+    return false;
+  }
 }
 
 }  // namespace
@@ -120,11 +132,10 @@ bool MayEnd(Session& session, StartupWindows& windows) {
 }
 
 void EndSession(Session& session, StartupWindows& windows) {
-  const bool hadRecordsets = session.RecordsetsOpen;
-  const bool hadFile = session.DataFileOpen;
+  const bool removes = NeverGotADatabase(session);
   CloseDataFile(session, windows);
   windows.ShutdownBackup(session, "AutoBackup");
-  if (hadFile && !hadRecordsets) {
+  if (removes) {
     std::error_code error;
     fs::remove(session.DataFileName, error);
     if (error) throw Failure(session.DataFileName, "cannot be removed: " + error.message());

@@ -59,7 +59,8 @@ bool StartUp(Session& session, const StartOptions& options, StartupWindows& wind
 /// Whether the main window may close: not while a Database loads. Runs the backup reminder where it is due.
 bool MayEnd(Session& session, StartupWindows& windows);
 
-/// The end, in its order. A Data File that was created but never got a Database is removed.
+/// The end, in its order. A Data File that was created but never got a Database is removed: one
+/// whose own list of them is empty, and that has no tables of any.
 void EndSession(Session& session, StartupWindows& windows);
 
 }  // namespace vellumark

@@ -1,12 +1,12 @@
 #include "desktop/shell/instance_lock.h"
 
-#include <fcntl.h>
 #include <sys/file.h>
 #include <unistd.h>
 
 #include <cerrno>
 #include <cstring>
 
+#include "core/base/files.h"
 #include "core/base/refusal.h"
 
 namespace vellumark::desktop {
@@ -17,8 +17,7 @@ InstanceLock::~InstanceLock() {
 
 bool InstanceLock::Take(const std::filesystem::path& dataFolder) {
   const std::filesystem::path path = dataFolder / "vellumark.lock";
-  const int file = ::open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0666);
-  if (file < 0) throw Failure(path.string(), std::strerror(errno));
+  const int file = OpenLockFile(path);
   if (::flock(file, LOCK_EX | LOCK_NB) != 0) {
     const int error = errno;
     ::close(file);

@@ -1,7 +1,11 @@
 #include "core/base/text.h"
 
+#include <fcntl.h>
 #include <gtest/gtest.h>
+#include <sys/file.h>
+#include <sys/stat.h>
 #include <sys/wait.h>
+#include <unistd.h>
 
 #include "core/base/changes.h"
 #include "core/base/date.h"
@@ -71,15 +75,77 @@ TEST(Files, ReplacedInOneStepOrNotAtAll) {
     EXPECT_NE(failure.subject.find("missing/a.dat"), std::string::npos);
     EXPECT_EQ(failure.cause, "No such file or directory");
   }
-  // A disk that fills up: a link to the device that is always full stands in for the temp file, which is removed then.
-  std::filesystem::create_symlink("/dev/full", folder / "a.tmp");
-  EXPECT_THROW(ReplaceFile(path, folder / "a.tmp", "third"), Failure);
-  EXPECT_FALSE(std::filesystem::is_symlink(folder / "a.tmp"));
-  EXPECT_EQ(ReadFileBytes(path), "second");
+  // A folder made where links were planted: names of others' files are never written through or taken.
+  ReplaceFile(folder / "a.dat.new", "mine");
+  ReplaceFile(folder / "a.dat.tmp", "mine too");
   // A device is no file to be replaced.
   std::filesystem::create_symlink("/dev/null", folder / "null");
   EXPECT_THROW(ReplaceFile(folder / "null", "third"), Failure);
   EXPECT_TRUE(std::filesystem::is_character_file(folder / "null"));
+}
+
+TEST(Files, AReplacedFileStaysWhereItsLinkLeadsWithOwnerAndMode) {
+  namespace fs = std::filesystem;
+  test::ScratchFolder folder;
+  fs::create_directories(folder / "real");
+  const auto real = folder / "real/a.dat";
+  ReplaceFile(real, "first");
+  ::chmod(real.c_str(), 0640);
+  const uid_t owner = ::geteuid() == 0 ? 1234 : ::geteuid();
+  ASSERT_EQ(::chown(real.c_str(), owner, static_cast<gid_t>(-1)), 0);
+  fs::create_symlink("real/a.dat", folder / "link");
+  // What a killed writer left goes; what another one holds stays.
+  const auto left = folder / "real/.a.dat.Ab12Cd.vellumark";
+  const auto held = folder / "real/.a.dat.Held00.vellumark";
+  ReplaceFile(left, "half");
+  ReplaceFile(held, "at work");
+  const int lock = ::open(held.c_str(), O_RDONLY);
+  ASSERT_EQ(::flock(lock, LOCK_EX), 0);
+  ReplaceFile(folder / "link", "second");
+  ::close(lock);
+  EXPECT_TRUE(fs::is_symlink(folder / "link"));
+  EXPECT_EQ(ReadFileBytes(real), "second");
+  struct stat status {};
+  ::stat(real.c_str(), &status);
+  EXPECT_EQ(status.st_mode & 07777, 0640U);
+  EXPECT_EQ(status.st_uid, owner);
+  EXPECT_FALSE(fs::exists(left));
+  EXPECT_TRUE(fs::exists(held));
+}
+
+TEST(Files, AFolderThatHandsItsGroupOnSharesWhatIsMadeThere) {
+  namespace fs = std::filesystem;
+  test::ScratchFolder folder;
+  const auto shared = folder / "shared";
+  fs::create_directories(shared);
+  ::chmod(shared.c_str(), 02770);
+  MakeFolder(shared / "Backups/Deep");
+  ReplaceFile(shared / "Backups/Deep/settings", "x", Readers::Group);
+  ReplaceFile(folder / "own", "x", Readers::Group);
+  ::close(OpenLockFile(shared / "lock"));
+  const auto mode = [](const fs::path& path) {
+    struct stat status {};
+    ::stat(path.c_str(), &status);
+    return status.st_mode & 07777;
+  };
+  EXPECT_EQ(mode(shared / "Backups/Deep"), 02770U);
+  EXPECT_EQ(mode(shared / "Backups/Deep/settings"), 0660U);
+  EXPECT_EQ(mode(shared / "lock"), 0660U);
+  EXPECT_EQ(mode(folder / "own"), 0600U);
+}
+
+TEST(Files, OnlyAFileIsRead) {
+  test::ScratchFolder folder;
+  ASSERT_EQ(::mkfifo((folder / "pipe").c_str(), 0600), 0);
+  for (const std::filesystem::path& path : {folder / "pipe", std::filesystem::path("/dev/zero"), folder.Path()}) {
+    try {
+      ReadFileBytes(path);
+      ADD_FAILURE() << path;
+    } catch (const Failure& failure) {
+      EXPECT_EQ(failure.subject, path.string());
+      EXPECT_EQ(failure.cause, "is not a file");
+    }
+  }
 }
 
 TEST(ChangeNotices, EndWithTheirSubscriptionAlsoWhileBeingTold) {

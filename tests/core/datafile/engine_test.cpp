@@ -1,6 +1,7 @@
 #include "core/datafile/engine.h"
 
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -272,12 +273,21 @@ TEST(Lifecycle, CompactingKeepsEveryRowAndLeavesNothingBeside) {
     transaction.Commit();
   }
   room.file->Execute("DELETE FROM INK_Basic WHERE rowid % 10 <> 0");
-  room.file.reset();
   const auto before = fs::file_size(room.path);
   ReplaceFile(SafetyCopyPath(room.path), "an older safety copy");
-  CompactFile(room.path);
+  ::chmod(room.path.c_str(), 0640);
+  // Through a link, as a second name of the file.
+  fs::create_directories(room.folder / "links");
+  const fs::path link = room.folder / "links/Shop.vkd";
+  fs::create_symlink(room.path, link);
+  room.file = nullptr;
+  room.file = Database::Open(link, OpenMode::Exclusive);
+  CompactFile(*room.file);
+  room.file.reset();
+  EXPECT_TRUE(fs::is_symlink(link));
+  EXPECT_EQ(fs::status(room.path).permissions(), static_cast<fs::perms>(0640));
   EXPECT_LT(fs::file_size(room.path), before);
-  EXPECT_EQ(std::distance(fs::directory_iterator(room.folder.Path()), {}), 1);
+  EXPECT_EQ(std::distance(fs::directory_iterator(room.folder.Path()), {}), 2);
   const auto file = Database::Open(room.path, OpenMode::Exclusive);
   EXPECT_EQ(file->Scalar("SELECT COUNT(*) FROM INK_Basic").Whole(), 50);
   EXPECT_EQ(ReadFileInfo(*file).dbList, std::vector<std::string>{"INK"});
@@ -288,9 +298,11 @@ TEST(Lifecycle, AFailedCompactionPutsTheFileBack) {
   room.file.reset();
   fs::resize_file(room.path, fs::file_size(room.path) - 4096 * 3);
   const std::string bytes = ReadFileBytes(room.path);
-  EXPECT_NE(CauseOf([&] { CompactFile(room.path); }), "no failure");
+  ReplaceFile(SafetyCopyPath(room.path), "an older safety copy");
+  EXPECT_NE(CauseOf([&] { CompactFile(*Database::Open(room.path, OpenMode::Exclusive)); }), "no failure");
   EXPECT_EQ(ReadFileBytes(room.path), bytes);
-  EXPECT_FALSE(fs::exists(SafetyCopyPath(room.path)));
+  EXPECT_EQ(ReadFileBytes(SafetyCopyPath(room.path)), "an older safety copy");
+  EXPECT_EQ(std::distance(fs::directory_iterator(room.folder.Path()), {}), 2);
 }
 
 TEST(Databases, NamesAreCheckedBeforeAnythingIsMade) {

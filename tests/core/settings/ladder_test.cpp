@@ -2,6 +2,9 @@
 
 #include <fmt/format.h>
 #include <gtest/gtest.h>
+#include <sys/resource.h>
+
+#include <csignal>
 
 #include <map>
 #include <optional>
@@ -321,14 +324,18 @@ TEST_F(LadderTest, ARunCutShortIsMadeAgainWithTheSameEnd) {
   EXPECT_NE(labelBefore, labelAfter);
 
   // The same with the settings' last step barred: the versions must not move ahead of the work.
-  for (const char* barred : {"vk50labeldf.dat", "vk50suvdf.dat"}) {
+  ASSERT_GT(settingsAfter.size(), labelAfter.size());
+  ::signal(SIGXFSZ, SIG_IGN);
+  for (const auto& [barred, room] :
+       {std::pair{"vk50labeldf.dat", 1000UL}, {"vk50suvdf.dat", settingsAfter.size() - 1}}) {
     ReplaceFile(files.settings.Path(), settingsBefore);
     ReplaceFile(files.label.Path(), labelBefore);
-    const fs::path obstacle = files.folder / (std::string(barred) + "_Temp.dat");
-    fs::create_directories(obstacle / "in the way");
+    const rlimit little{room, RLIM_INFINITY};
+    ::setrlimit(RLIMIT_FSIZE, &little);
     EXPECT_THROW(RunLadder(files, &dataFile), Failure) << barred;
+    const rlimit enough{RLIM_INFINITY, RLIM_INFINITY};
+    ::setrlimit(RLIMIT_FSIZE, &enough);
     EXPECT_EQ(ReadFileBytes(files.settings.Path()), settingsBefore) << barred;
-    fs::remove_all(obstacle);
     EXPECT_TRUE(RunLadder(files, &dataFile));
     EXPECT_EQ(ReadFileBytes(files.settings.Path()), settingsAfter) << barred;
     EXPECT_EQ(ReadFileBytes(files.label.Path()), labelAfter) << barred;

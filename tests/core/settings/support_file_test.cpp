@@ -142,6 +142,49 @@ TEST(SupportFileTest, ChangesReachTheDiskInTheFormatOfTheFile) {
   EXPECT_FALSE(std::filesystem::exists(folder / "vk50suvdf.dat_Temp.dat"));
 }
 
+TEST(SupportFileTest, APathIsKeptWhateverStandsInIt) {
+  const ScratchFolder folder;
+  const auto path = folder / "vk50suvdf.dat";
+  Overwrite(path, "\"dbFileName50\",\"/old/Gr\xFCn % 20.vkd\"\r\n\"PrinterFont\",\"file:///a%20b\"\r\n");
+  SupportFile file(path, kTwo);
+  EXPECT_EQ(file.GetSupportValue("dbFileName50"), "/old/Grün % 20.vkd") << "as older files have it";
+  for (const char* name :
+       {"/λ/漆.vkd", "/a \"b\"/c.vkd", "/line\r\nend.vkd", "/%41\xFF.vkd", "file://%41", "/a, b.vkd"}) {
+    file.SetSupportValue("dbFileName50", name);
+    EXPECT_EQ(SupportFile(path, kTwo).GetSupportValue("dbFileName50"), name);
+    EXPECT_EQ(file.Read().Records().size(), 2U) << name;
+  }
+  EXPECT_TRUE(ReadFileBytes(path).starts_with("\"dbFileName50\",\"/a, b.vkd\"\r\n")) << "plain where it can be";
+  EXPECT_EQ(file.GetSupportValue("PrinterFont"), "file:///a%20b") << "no path";
+}
+
+TEST(SupportFileTest, WritersAtOnceLoseNothing) {
+  const ScratchFolder folder;
+  const auto path = folder / "vk50suvdf.dat";
+  SupportFile file(path, kTwo);
+  file.Write(SupportRecords(kTwo, {{"", "0", ""}, {"", "1", ""}, {"", "2", ""}, {"", "3", ""}}));
+  for (int round = 0; round < 40; ++round) {
+    std::vector<pid_t> writers;
+    for (int i = 0; i < 4; ++i) {
+      writers.push_back(::fork());
+      if (writers.back() != 0) continue;
+      try {
+        SupportFile(path, kTwo).SetSupportValue(std::to_string(i), std::to_string(round));
+        ::_exit(0);
+      } catch (...) {
+        ::_exit(1);
+      }
+    }
+    for (const pid_t writer : writers) {
+      int status = 0;
+      ::waitpid(writer, &status, 0);
+      EXPECT_EQ(status, 0);
+    }
+    for (int i = 0; i < 4; ++i)
+      EXPECT_EQ(SupportFile(path, kTwo).GetSupportValue(std::to_string(i)), std::to_string(round)) << i;
+  }
+}
+
 TEST(SupportFileTest, WhatChangesNothingLeavesTheFileAlone) {
   const ScratchFolder folder;
   const auto path = folder / "vk50labeldf.dat";

@@ -184,7 +184,8 @@ TEST(EndOrder, AFileWithoutADatabaseIsRemovedAndTheReminderComesOnlyWhenItIsOn) 
   EXPECT_EQ(start.windows.calls, (std::vector<std::string>{"close children", "remind backup"}));
   start.session.RecordsetsOpen = false;
 
-  CreateDataFile(start.session, start.folder / "Half.vkd", start.windows);
+  start.session.DataFileName = (start.folder / "Half.vkd").string();
+  CreateFile(start.session.DataFileName);
   start.session.DataFileDB = Database::Open(start.session.DataFileName, OpenMode::Exclusive);
   start.session.DataFileOpen = true;
   start.session.ScalePowered = 1;
@@ -245,8 +246,8 @@ TEST(FileCheck, AUsableFileAtHandGetsAMessageInstead) {
 TEST(Opening, ANewFileGetsItsFirstDatabaseAndACopyIsReadOnly) {
   Start start;
   PrepareSupportFiles(start.session, start.options.folders);
-  CreateDataFile(start.session, start.folder / "New.vkd", start.windows);
   start.prompt.Expect("New Database");
+  CreateDataFile(start.session, start.folder / "New.vkd", start.windows);
   OpenDataFile(start.session, start.windows);
   EXPECT_EQ(start.session.CurrentDatabase, "PANTONE");
   EXPECT_TRUE(start.session.RecordsetsOpen);
@@ -283,8 +284,8 @@ TEST(Opening, PendingPassesRunBeforeADatabaseOrTheFileIsLeft) {
   Start start;
   Session& session = start.session;
   PrepareSupportFiles(session, start.options.folders);
-  CreateDataFile(session, start.folder / "New.vkd", start.windows);
   start.prompt.Expect("New Database");
+  CreateDataFile(session, start.folder / "New.vkd", start.windows);
   OpenDataFile(session, start.windows);
   CreateEmptyDatabase(session.File(), "FLEXO");
   session.databaseList.push_back("FLEXO");
