@@ -36,29 +36,32 @@ class CliRoom {
   /// `prepare` runs in the process of the program before it starts: limits, another user.
   CliAnswer RunPrepared(const std::vector<std::string>& arguments, const std::filesystem::path& input,
                         const std::function<void()>& prepare) const {
-    const std::filesystem::path out = folder / "stdout";
-    const std::filesystem::path err = folder / "stderr";
     const pid_t child = ::fork();
-    if (child == 0) {
-      ::setenv("VELLUMARK_DATA_FOLDER", (folder / "VKDat").c_str(), 1);
-      ::setenv("VELLUMARK_PROGRAM_FOLDER", (folder / "Program").c_str(), 1);
-      Redirect(input, O_RDONLY, STDIN_FILENO);
-      Redirect(out, O_WRONLY | O_CREAT | O_TRUNC, STDOUT_FILENO);
-      Redirect(err, O_WRONLY | O_CREAT | O_TRUNC, STDERR_FILENO);
-      // Opened first: another user may not reach the folder of the build.
-      const int program = ::open(VELLUMARK_CLI, O_RDONLY | O_CLOEXEC);
-      prepare();
-      std::vector<std::string> words{VELLUMARK_CLI};
-      words.insert(words.end(), arguments.begin(), arguments.end());
-      std::vector<char*> argv;
-      for (std::string& word : words) argv.push_back(word.data());
-      argv.push_back(nullptr);
-      ::fexecve(program, argv.data(), environ);
-      ::_exit(127);
-    }
+    if (child == 0) Become(arguments, input, prepare);
     int status = 0;
     ::waitpid(child, &status, 0);
-    return {WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status), ReadFileBytes(out), ReadFileBytes(err)};
+    return {WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status), ReadFileBytes(folder / "stdout"),
+            ReadFileBytes(folder / "stderr")};
+  }
+
+  /// Makes the program of this process, in this place.
+  [[noreturn]] void Become(const std::vector<std::string>& arguments, const std::filesystem::path& input,
+                           const std::function<void()>& prepare) const {
+    ::setenv("VELLUMARK_DATA_FOLDER", (folder / "VKDat").c_str(), 1);
+    ::setenv("VELLUMARK_PROGRAM_FOLDER", (folder / "Program").c_str(), 1);
+    Redirect(input, O_RDONLY, STDIN_FILENO);
+    Redirect(folder / "stdout", O_WRONLY | O_CREAT | O_TRUNC, STDOUT_FILENO);
+    Redirect(folder / "stderr", O_WRONLY | O_CREAT | O_TRUNC, STDERR_FILENO);
+    // Opened first: another user may not reach the folder of the build.
+    const int program = ::open(VELLUMARK_CLI, O_RDONLY | O_CLOEXEC);
+    prepare();
+    std::vector<std::string> words{VELLUMARK_CLI};
+    words.insert(words.end(), arguments.begin(), arguments.end());
+    std::vector<char*> argv;
+    for (std::string& word : words) argv.push_back(word.data());
+    argv.push_back(nullptr);
+    ::fexecve(program, argv.data(), environ);
+    ::_exit(127);
   }
 
   /// A Data File with the Database INK, the default of this room.

@@ -73,9 +73,17 @@ void SweepAbandoned(const fs::path& target) {
   std::error_code unreadable;
   for (fs::directory_iterator entry(FolderOf(target), unreadable), end; !unreadable && entry != end;
        entry.increment(unreadable)) {
-    const std::string name = entry->path().filename().string();
+    std::string name = entry->path().filename().string();
+    const bool journal = name.ends_with(kJournalEnd);
+    if (journal) name.resize(name.size() - kJournalEnd.size());
     if (name.size() != start.size() + 6 + kBesideEnd.size() || !name.starts_with(start) || !name.ends_with(kBesideEnd))
       continue;
+    if (journal) {
+      // Of a file that has taken its place or is gone; with one that is there it goes below.
+      struct stat status {};
+      if (::lstat((entry->path().parent_path() / name).c_str(), &status) != 0) ::unlink(entry->path().c_str());
+      continue;
+    }
     const int fd = ::open(entry->path().c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC);
     if (fd < 0) continue;
     struct stat status {};
@@ -173,6 +181,8 @@ void FileBeside::Finish() {
     Fail(target_, errno);
   }
   if (::fsync(fd_) != 0) Fail(target_, errno);
+  // The engine has closed the file, but may have failed to remove this.
+  ::unlink((path_.string() + std::string(kJournalEnd)).c_str());
 }
 
 void FileBeside::Replace() {

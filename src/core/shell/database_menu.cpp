@@ -46,6 +46,16 @@ Result<std::string> NameForRename(const Session& session, std::string_view typed
   return name;
 }
 
+// False also when the file cannot tell.
+bool FileLists(Session& session, const std::string& name) {
+  try {
+    const FileInfoRow info = ReadFileInfo(session.File());
+    return std::ranges::find(info.dbList, name) != info.dbList.end();
+  } catch (const Failure&) {
+    return false;
+  }
+}
+
 Result<std::string> NewEmptyDatabase(Session& session, std::string_view typedName) {
   auto name = NewDatabaseName(typedName, session.databaseList, session.DataFileName);
   if (!name) return name;
@@ -100,6 +110,8 @@ Result<std::string> RenameDatabase(Session& session, std::string_view name, std:
     }
     transaction.Commit();
   } catch (...) {
+    // A commit that fails at its last step can stand all the same: the file knows.
+    if (FileLists(session, *newName)) throw;
     session.databaseList = listBefore;
     session.CurrentDatabase = currentBefore;
     if (before) before->Exchange(session);
