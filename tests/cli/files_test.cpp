@@ -66,6 +66,7 @@ TEST(CliFiles, EachUnusableFileSaysWhichAndWhyAndStaysAsItIs) {
       const test::CliAnswer answer = room.Run(words);
       EXPECT_EQ(answer.status, c.status) << verb[0] << " " << verb[1] << ": " << answer.err;
       EXPECT_NE(answer.err.find(c.says), std::string::npos) << answer.err;
+      EXPECT_EQ(answer.err.find(c.says), answer.err.rfind(c.says)) << answer.err;
       EXPECT_NE(answer.err.find(c.file.string()), std::string::npos) << answer.err;
       EXPECT_EQ(answer.out, "");
     }
@@ -174,7 +175,7 @@ TEST(CliSettings, ReadWrittenListedAndACutFileLosesNoWholeRecord) {
   EXPECT_EQ(room.Json({"settings", "get", "UMI"}), "2");
   EXPECT_EQ(room.Run({"settings", "get", "umi"}).status, 1);
   EXPECT_EQ(room.Run({"settings", "set", "NoSuchKey", "2"}).status, 1);
-  EXPECT_EQ(room.Run({"settings", "set", "PrinterFont", "a\"b"}).status, 1);
+  EXPECT_EQ(room.Run({"settings", "set", "BatchUDTxtDefault0", "a\"b"}).status, 1);
   const test::CliAnswer refused = room.Run({"settings", "set", "UMI", "abc"});
   EXPECT_EQ(refused.status, 1);
   EXPECT_EQ(refused.err, "Settings: UMI is a whole number from 1 to 4, not \"abc\".\n");

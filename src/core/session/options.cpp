@@ -34,12 +34,6 @@ bool IsUnit(int unit) {
   return unit >= 1 && unit <= 4;
 }
 
-// A value that would be cut at its double quote on the next reading is none.
-Result<void> CheckText(std::string_view text, std::string_view field) {
-  if (text.find_first_of("\"\r\n") == std::string_view::npos) return {};
-  return Refuse("Options", "The text cannot hold a double quote or a line end.", std::string(field));
-}
-
 Refusal UnknownUnit(std::string_view field) {
   return {"Options", "Select a unit from the list.", std::string(field)};
 }
@@ -124,7 +118,6 @@ Result<void> SaveReminders(Session& session, const Reminders& reminders) {
   if (on) {
     if (reminders.DaysToRemindBackup < 1 || reminders.DaysToRemindBackup > kLongestReminder)
       return Refuse("Reminders", fmt::format("Select a number of days between 1 and {}.", kLongestReminder), "cmbDays");
-    if (auto text = CheckText(reminders.BackupFileLocation, "BackupFileLocation"); !text) return text;
     if (session.DataFileDB) {
       Transaction transaction(session.File());
       session.File().Prepare("UPDATE FileInfo SET DaysToRemindBackup = ?").Bind(1, reminders.DaysToRemindBackup).Run();
@@ -145,8 +138,6 @@ std::vector<PrinterNames> PrintersOffered(std::vector<PrinterNames> printers) {
 
 Result<void> SaveDefaultPrinter(Session& session, std::string_view device, std::string_view font) {
   if (auto allowed = RequireCommandRight(session, CommandRight::Options); !allowed) return allowed;
-  if (auto text = CheckText(device, "cmbPrinter"); !text) return text;
-  if (auto text = CheckText(font, "cmbFont"); !text) return text;
   Store(session, {{keys::PrinterDevice, std::string(device)}, {keys::PrinterFont, std::string(font)}});
   return {};
 }
@@ -154,7 +145,6 @@ Result<void> SaveDefaultPrinter(Session& session, std::string_view device, std::
 Result<void> SaveNewSetup(Session& session, int inventoryUnit, int batchUnit, std::string_view printerDevice) {
   if (!IsUnit(inventoryUnit + 1)) return std::unexpected(UnknownUnit("cmbUMI"));
   if (!IsUnit(batchUnit + 1)) return std::unexpected(UnknownUnit("cmbUMF"));
-  if (auto text = CheckText(printerDevice, "cmbPrinter"); !text) return text;
   Store(session, {{keys::UMF, std::to_string(batchUnit + 1)},
                   {keys::UMI, std::to_string(inventoryUnit + 1)},
                   {keys::PrinterDevice, std::string(printerDevice)}});

@@ -10,6 +10,7 @@
 #include <string>
 
 #include "core/base/number.h"
+#include "core/settings/support_records.h"
 
 namespace vellumark {
 namespace {
@@ -176,6 +177,7 @@ Result<void> CheckSettingValue(std::string_view key, std::string_view value) {
   const auto refused = [&](std::string_view meaning) {
     return Refuse("Settings", fmt::format("{} is {}, not \"{}\".", key, meaning, value), "VALUE");
   };
+  if (HoldsForeignName(key)) return {};
   if (value.find_first_of("\"\r\n") != std::string_view::npos)
     return Refuse("Settings", "A value cannot hold a double quote or a line end.", "VALUE");
   if (key.ends_with("Columns") && !IsColumnSet(value))

@@ -23,10 +23,6 @@ std::string Decode(std::string_view bytes) {
 
 constexpr std::string_view kAddress = "file://";
 
-bool HoldsPath(std::string_view key) {
-  return key.starts_with("dbFileName") || key.ends_with("FileLocation") || key.ends_with("_DefaultDir");
-}
-
 bool FitsTheFormat(std::string_view text) {
   if (text.find_first_of("\"\r\n") != std::string_view::npos || text.starts_with(kAddress)) return false;
   if (IsAscii(text)) return true;
@@ -109,6 +105,11 @@ std::string_view TakeLine(std::string_view& bytes) {
 
 }  // namespace
 
+bool HoldsForeignName(std::string_view key) {
+  return key.starts_with("dbFileName") || key.ends_with("FileLocation") || key.ends_with("_DefaultDir") ||
+         key.ends_with("_DefaultFileName") || key == "PrinterDevice" || key == "PrinterFont" || key == "ReportPrinter";
+}
+
 SupportRecords::SupportRecords(RecordShape shape, std::vector<SupportRecord> records)
     : shape_(shape), records_(std::move(records)) {
   for (const SupportRecord& record : records_) CheckFields(record);
@@ -126,7 +127,7 @@ SupportRecords SupportRecords::Parse(std::string_view bytes, RecordShape shape) 
     if (!key.whole) continue;
     record.key = Decode(key.text);
     record.value = Decode(TakeField(line).text);
-    if (HoldsPath(record.key) && record.value.starts_with(kAddress)) record.value = PathOf(record.value);
+    if (HoldsForeignName(record.key) && record.value.starts_with(kAddress)) record.value = PathOf(record.value);
     result.records_.push_back(std::move(record));
   }
   return result;
@@ -142,7 +143,7 @@ std::string SupportRecords::Bytes() const {
     }
     AppendField(bytes, record.key);
     bytes += ',';
-    const bool address = HoldsPath(record.key) && !FitsTheFormat(record.value);
+    const bool address = HoldsForeignName(record.key) && !FitsTheFormat(record.value);
     AppendField(bytes, address ? AddressOf(record.value) : record.value);
     bytes += "\r\n";
   }
@@ -256,7 +257,7 @@ void SupportRecords::CheckFields(const SupportRecord& record) const {
   for (const std::string& name : {record.layout, record.key})
     if (name.find_first_of("\"\r\n") != std::string::npos)
       throw BadValue(fmt::format("the name \"{}\" holds a double quote or a line end", name));
-  if (record.value.find_first_of("\r\n") != std::string::npos && !HoldsPath(record.key))
+  if (record.value.find_first_of("\r\n") != std::string::npos && !HoldsForeignName(record.key))
     throw BadValue(fmt::format("the value of \"{}\" holds a line end", record.key));
 }
 

@@ -18,13 +18,17 @@ struct SupportRecord {
   bool operator==(const SupportRecord&) const = default;
 };
 
+/// Whether a key's value is a name that the machine gave and no operator can choose anew: of a file or folder, of a
+/// printer, of a font.
+bool HoldsForeignName(std::string_view key);
+
 /// The records of one Support File in file order, away from the disk. Texts are UTF-8. Keys and layouts are compared
 /// exactly. A key may stand more than once: the first one is read, all of them are set.
 ///
 /// What is written is refused with BadValue when a field holds a line end, or a key or layout a double quote. A double
 /// quote in a value is written as it stands; the next reading ends the value there, since the format knows no escape.
-/// The path of a file or folder is never cut or refused: one that the format cannot hold stands in the file as a
-/// "file://" address, its bytes percent-encoded, and is a plain path again when it is read.
+/// A foreign name is never cut or refused: one that the format cannot hold stands in the file as a "file://" address,
+/// its bytes percent-encoded, and is plain again when it is read.
 class SupportRecords {
  public:
   explicit SupportRecords(RecordShape shape) : shape_(shape) {}

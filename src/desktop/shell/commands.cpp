@@ -36,4 +36,8 @@ std::string_view DialogOfMenuItem(std::string_view item) {
   return found == kDialogs.end() ? std::string_view{} : found->second;
 }
 
+bool OnlyShows(std::string_view item) {
+  return item == "menu_AboutVK" || item == "menu_Pantone_Disclaimer";
+}
+
 }  // namespace vellumark::desktop

@@ -8,4 +8,7 @@ namespace vellumark::desktop {
 /// whose window no room has.
 std::string_view DialogOfMenuItem(std::string_view item);
 
+/// Whether that window only shows something, so that the operator's work may stay open behind it.
+bool OnlyShows(std::string_view item);
+
 }  // namespace vellumark::desktop

@@ -161,7 +161,10 @@ void MainForm::RunMenuItem(const std::string& name) {
   } else if (name == "menuDFAdvanced_CreateNewSupportFiles") {
     if (createSupportFiles_) createSupportFiles_();
     EnableMenuItems();
-  } else if (const std::string dialog(DialogOfMenuItem(name)); !dialog.empty()) {
+  } else if (const std::string dialog(DialogOfMenuItem(name)); OnlyShows(name)) {
+    CloseToolbarMenus();
+    windows_.RunDialog(dialog);
+  } else if (!dialog.empty()) {
     RunDialogOf(dialog);
   }
 }

@@ -37,7 +37,7 @@ TEST(SettingValues, WhatAKeyCannotMeanIsRefused) {
        "ReorderColumns is a list of column titles, each between bars as in \"|Color Code||Reorder|\", not \"|A|B\"."},
       {"LabelLayoutList", "Default Label|Big|", "Big",
        "LabelLayoutList is a list of layouts, each closed by a bar as in \"Default Label|\", not \"Big\"."},
-      {"PrinterFont", "Arial", "A\"b", "A value cannot hold a double quote or a line end."},
+      {"BatchUDTxtValue3", "12 cups", "12\" cups", "A value cannot hold a double quote or a line end."},
   };
   for (const Case& c : cases) {
     SCOPED_TRACE(c.key);
@@ -46,8 +46,8 @@ TEST(SettingValues, WhatAKeyCannotMeanIsRefused) {
     ASSERT_FALSE(checked);
     EXPECT_EQ(checked.error().text, c.text);
   }
-  // A text, and a key of a later version.
-  EXPECT_TRUE(CheckSettingValue("BatchUDTxtValue3", "12 cups"));
+  // A name that the machine gave, and a key of a later version.
+  EXPECT_TRUE(CheckSettingValue("PrinterDevice", "12\" roll λ"));
   EXPECT_TRUE(CheckSettingValue("KeyOfALaterVersion", "abc"));
 }
 

@@ -145,17 +145,19 @@ TEST(SupportFileTest, ChangesReachTheDiskInTheFormatOfTheFile) {
 TEST(SupportFileTest, APathIsKeptWhateverStandsInIt) {
   const ScratchFolder folder;
   const auto path = folder / "vk50suvdf.dat";
-  Overwrite(path, "\"dbFileName50\",\"/old/Gr\xFCn % 20.vkd\"\r\n\"PrinterFont\",\"file:///a%20b\"\r\n");
+  Overwrite(path, "\"dbFileName50\",\"/old/Gr\xFCn % 20.vkd\"\r\n\"Notes\",\"file:///a%20b\"\r\n\"PrinterDevice\",\"\"\r\n");
   SupportFile file(path, kTwo);
   EXPECT_EQ(file.GetSupportValue("dbFileName50"), "/old/Grün % 20.vkd") << "as older files have it";
   for (const char* name :
        {"/λ/漆.vkd", "/a \"b\"/c.vkd", "/line\r\nend.vkd", "/%41\xFF.vkd", "file://%41", "/a, b.vkd"}) {
     file.SetSupportValue("dbFileName50", name);
     EXPECT_EQ(SupportFile(path, kTwo).GetSupportValue("dbFileName50"), name);
-    EXPECT_EQ(file.Read().Records().size(), 2U) << name;
+    EXPECT_EQ(file.Read().Records().size(), 3U) << name;
   }
   EXPECT_TRUE(ReadFileBytes(path).starts_with("\"dbFileName50\",\"/a, b.vkd\"\r\n")) << "plain where it can be";
-  EXPECT_EQ(file.GetSupportValue("PrinterFont"), "file:///a%20b") << "no path";
+  EXPECT_EQ(file.GetSupportValue("Notes"), "file:///a%20b") << "no name of the machine's";
+  file.SetSupportValue("PrinterDevice", "12\" roll λ");
+  EXPECT_EQ(SupportFile(path, kTwo).GetSupportValue("PrinterDevice"), "12\" roll λ");
 }
 
 TEST(SupportFileTest, WritersAtOnceLoseNothing) {

@@ -13,6 +13,7 @@
 #include "core/session/users.h"
 #include "core/settings/settings_keys.h"
 #include "core/settings/support_files.h"
+#include "core/shell/data_files.h"
 #include "core/shell/startup.h"
 #include "core/shell/support_renewal.h"
 #include "support/scratch.h"
@@ -102,7 +103,8 @@ TEST(StartOrder, AFirstStartSetsUpAndAsksForADataFile) {
 
 TEST(StartOrder, AFileNamedInQuotesIsOpenedAndKeptAsTheDefault) {
   Start start;
-  const fs::path path = start.folder / "My Ink.vkd";
+  // A name that the settings' code page does not know, with what ends a value there.
+  const fs::path path = start.folder / "My λ \"Ink\" 漆.vkd";
   start.MakeFile(path);
   start.options.dataFileArgument = "\"" + path.string() + "\"";
   ASSERT_TRUE(StartUp(start.session, start.options, start.windows));
@@ -114,14 +116,26 @@ TEST(StartOrder, AFileNamedInQuotesIsOpenedAndKeptAsTheDefault) {
   EXPECT_EQ(start.windows.calls.back(), "backup AutoBackup");
   EXPECT_EQ(start.windows.caption, "Version 5.0.0");
 
-  // A label file that is missing comes back without the setup window.
+  // A label file that is missing or was emptied comes back without the setup window, and so does the scale file.
   fs::remove(start.options.folders.data / "vk50labeldf.dat");
+  ReplaceFile(start.options.folders.data / "vk50_GH_labeldf.dat", "");
+  ReplaceFile(start.options.folders.data / "vk50scaledf.dat", "");
   start.options.dataFileArgument.clear();
   start.windows.calls.clear();
   ASSERT_TRUE(StartUp(start.session, start.options, start.windows));
   EXPECT_EQ(start.session.DataFileName, path.string());
   EXPECT_EQ(start.windows.calls[2], "printer, UMI 2");
-  EXPECT_TRUE(fs::exists(start.options.folders.data / "vk50labeldf.dat"));
+  for (const char* file : {"vk50labeldf.dat", "vk50_GH_labeldf.dat", "vk50scaledf.dat"})
+    EXPECT_GT(fs::file_size(start.options.folders.data / file), 0U) << file;
+  EndSession(start.session, start.windows);
+
+  // Settings that were emptied are those of a first start.
+  ReplaceFile(start.options.folders.data / "vk50suvdf.dat", "");
+  start.windows.calls.clear();
+  ASSERT_TRUE(StartUp(start.session, start.options, start.windows));
+  EXPECT_EQ(start.windows.calls[2], "setup");
+  EXPECT_EQ(start.session.support->settings.Read().Get(keys::StartupVar_FileVersion), "47");
+  EXPECT_EQ(GetSupportValue(start.session, keys::UMI), "2");
 }
 
 TEST(StartOrder, AFileThatCannotBeOpenedIsToldAndTheStartGoesOn) {
@@ -168,6 +182,35 @@ TEST(StartOrder, OlderInstallationsAreLookedForInTheirOrder) {
   ASSERT_TRUE(StartUp(other.session, other.options, other.windows));
   EXPECT_TRUE(other.session.RecordsetsOpen);
   EXPECT_EQ(fs::path(other.session.DataFileName).filename(), "Vellumark Data.vkd");
+}
+
+TEST(EndOrder, AFileWhoseDatabaseCannotBeOpenedStays) {
+  Start start;
+  const fs::path path = start.folder / "Ink.vkd";
+  start.MakeFile(path);
+  {
+    const auto file = Database::Open(path, OpenMode::Exclusive);
+    CreateEmptyDatabase(*file, "BETA");
+    StoreCurrentDatabase(*file, "INK");
+    file->Execute("DROP TABLE BETA_Info");
+  }
+  start.options.dataFileArgument = path.string();
+  ASSERT_TRUE(StartUp(start.session, start.options, start.windows));
+  EXPECT_THROW(ChangeDatabase(start.session, "BETA"), Failure);
+  EXPECT_EQ(start.session.CurrentDatabase, "INK");
+  EXPECT_TRUE(start.session.RecordsetsOpen);
+  EXPECT_FALSE(start.session.LoadingDatabase);
+  EXPECT_EQ(start.session.BasicRS->RecordCount(), 0) << "still there to be read";
+  EndSession(start.session, start.windows);
+  // The one that the file opens with is broken.
+  {
+    const auto file = Database::Open(path, OpenMode::Exclusive);
+    StoreCurrentDatabase(*file, "BETA");
+  }
+  start.session.DataFileName = path.string();
+  EXPECT_FALSE(OpenRecentDataFile(start.session, start.windows));
+  EndSession(start.session, start.windows);
+  EXPECT_EQ(ReadFileInfo(*Database::Open(path, OpenMode::Exclusive)).dbList.size(), 2U);
 }
 
 TEST(EndOrder, AFileWithoutADatabaseIsRemovedAndTheReminderComesOnlyWhenItIsOn) {
@@ -252,6 +295,7 @@ TEST(Opening, ANewFileGetsItsFirstDatabaseAndACopyIsReadOnly) {
   EXPECT_EQ(start.session.CurrentDatabase, "PANTONE");
   EXPECT_TRUE(start.session.RecordsetsOpen);
   EXPECT_EQ(start.session.BasicRS->RecordCount(), 0);
+  EXPECT_TRUE(fs::is_directory(start.options.folders.program / "Converted"));
   CreateEmptyDatabase(start.session.File(), "FLEXO");
   start.session.databaseList.push_back("FLEXO");
   ASSERT_TRUE(ChangeDatabase(start.session, "flexo"));

@@ -252,6 +252,30 @@ TEST(MainWindow, AMenuOfTheToolbarStandsUnderItsButton) {
   test::Picture(main, "main-form-mix-colors");
 }
 
+// What only shows something takes no work off the screen; what changes something does.
+TEST(MainWindow, AboutAndTheDisclaimerLeaveTheWindowsOpen) {
+  Running running;
+  running.EarlierFile();
+  ASSERT_TRUE(running.Start());
+  MainForm& main = running.program.Main();
+  const struct {
+    const char* item;
+    const char* dialog;
+    bool stays;
+  } cases[] = {{"menu_AboutVK", "AboutForm", true},
+               {"menu_Pantone_Disclaimer", "ProductSplashFormPantone", true},
+               {"menuDFOptions_Reminders", "RemindersForm", false}};
+  for (const auto& c : cases) {
+    running.windows.OpenForm("MixColorsForm");
+    test::WithModal([&] { main.findChild<QAction*>(c.item)->trigger(); },
+                    [&](QWidget& dialog) {
+                      EXPECT_EQ(dialog.objectName(), c.dialog);
+                      dialog.close();
+                    });
+    EXPECT_EQ(running.windows.IsFormOpen("MixColorsForm"), c.stays) << c.item;
+  }
+}
+
 TEST(End, ClosingIsRefusedWhileADatabaseLoadsAndThenEndsInOrder) {
   Running running;
   const fs::path path = running.EarlierFile();
