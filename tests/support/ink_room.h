@@ -5,17 +5,20 @@
 #include <string>
 #include <vector>
 
+#include "core/colors/formulas.h"
 #include "core/datafile/databases.h"
 #include "core/datafile/lifecycle.h"
 #include "core/datafile/writer.h"
 #include "core/session/session.h"
+#include "core/session/stock_lines.h"
 #include "core/settings/support_files.h"
 #include "support/scratch.h"
+#include "support/sound.h"
 
 namespace vellumark::test {
 
 /// A session on a new Data File with default settings and one empty Database "INK", at noon of 2026-03-10, and helpers
-/// that put rows straight into its tables.
+/// that put rows straight into its tables, as the program would: with what follows from them.
 struct InkRoom {
   InkRoom() {
     session.DataFolder = folder / "VKDat";
@@ -33,6 +36,14 @@ struct InkRoom {
     session.databaseList = {"INK"};
     ReadSettings(session);
   }
+
+  /// Whatever the test did, the file is sound at its end.
+  ~InkRoom() {
+    if (!session.DataFileDB) session.DataFileDB = Database::Open(session.DataFileName, OpenMode::Exclusive);
+    sound.Expect(session, CheckState::InUse);
+  }
+  /// A rule of the deep check that the test breaks on purpose.
+  void Breaks(std::string_view rule) { sound.Breaks(rule); }
 
   void Basic(const std::string& name, std::vector<Cell> cells = {}) {
     cells.insert(cells.begin(),
@@ -52,6 +63,12 @@ struct InkRoom {
     }
     cells.emplace_back("Color_Name", name);
     cells.emplace_back("Color_Set", set);
+    Recipe recipe;
+    for (const auto& [ingredient, amount] : parts) recipe.push_back({ingredient, ShownAmount(amount)});
+    const RolledUp figures = RollUpRecipe(session, recipe);
+    cells.insert(cells.begin(), {{"BasicCost", figures.BasicCost},
+                                 {"BasicVOC", figures.BasicVOC},
+                                 {"BasicHAP", figures.BasicHAP}});
     AddRow(schema::Mix, std::move(cells));
   }
 
@@ -68,8 +85,52 @@ struct InkRoom {
     }
     Transaction transaction(session.File());
     const std::int64_t row = InsertRow(session.File(), table, session.Table(table), unique);
+    for (const ColorKind kind : {ColorKind::Basic, ColorKind::Mix}) {
+      if (&table == &ColorTable(kind)) TellStock(kind, unique, "Color_Name", "Inventory");
+      if (&table == &LotTable(kind)) TellStock(kind, unique, "LotCName", "LotQty");
+    }
+    if (&table == &schema::Batch) MoveCounter(unique);
+    if (&table == &schema::Additives) MarkAdditives(unique);
     transaction.Commit();
     return row;
+  }
+
+  /// The next Batch number is ahead of that of a Batch put in.
+  void MoveCounter(const std::vector<Cell>& cells) {
+    for (const auto& [field, value] : cells)
+      if (field == "BatchNo")
+        session.File()
+            .Prepare("UPDATE FileInfo SET BatchNumber = MAX(BatchNumber, ?1 % 999999 + 1)")
+            .Bind(1, value.Whole())
+            .Run();
+  }
+  /// What stands in a set is an Additive, with some percentage.
+  void MarkAdditives(const std::vector<Cell>& cells) {
+    for (const auto& [field, value] : cells) {
+      if (!field.starts_with("Add_Name") || value.Text().empty()) continue;
+      session.File().Prepare("UPDATE INK_Basic SET Additive = 1 WHERE Color_Name = ?").Bind(1, value).Run();
+      const std::string percent = "Add_Percent" + field.substr(8);
+      session.File()
+          .Prepare("UPDATE INK_Additives SET " + percent + " = 1 WHERE IFNULL(" + percent + ", 0) = 0 AND " + field +
+                   " = ?")
+          .Bind(1, value)
+          .Run();
+    }
+  }
+
+  /// The line of the history for stock that was there at the beginning.
+  void TellStock(ColorKind kind, const std::vector<Cell>& cells, const std::string& name, const std::string& quantity) {
+    const auto value = [&](const std::string& field) {
+      const auto found = std::find_if(cells.begin(), cells.end(), [&](const Cell& c) { return c.first == field; });
+      return found == cells.end() ? Value() : found->second;
+    };
+    StockLine line = NewStockLine(session, StockEvent::Opening, kind, {}, value(name).Text());
+    line.result = value(quantity).Single();
+    if (line.result == 0 || !HasStockHistory(session.File())) return;
+    line.change = StockDifference(0, line.result);
+    line.LotNumber = value("LotNumber").Text();
+    if (quantity == "LotQty") line.LotRefID = static_cast<std::int32_t>(value("LotRefID").Whole());
+    AddStockLine(session.File(), line);
   }
 
   Value Scalar(std::string_view sql, std::initializer_list<Value> parameters = {}) {
@@ -86,6 +147,7 @@ struct InkRoom {
   NoProgress progress;
   FixedClock clock{DateTime{2026, 3, 10, 12, 0, 0}};
   Session session{prompt, progress, clock};
+  SoundAtEnd sound;
 };
 
 }  // namespace vellumark::test

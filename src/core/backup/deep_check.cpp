@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <optional>
 
 #include "core/backup/check_run.h"
 #include "core/base/number.h"
@@ -97,7 +98,8 @@ void CheckRun::RunRule(const CheckRule& rule) {
 }
 
 CheckAnswer CheckRun::Run() {
-  const ProgressRun progress(session.progress, "Checking Data File ...");
+  std::optional<ProgressRun> progress;  // what costs nothing shows nothing
+  if (depth_ != CheckDepth::Opening) progress.emplace(session.progress, "Checking Data File ...");
   for (const CheckRule& rule : kRules) {
     if (rule.depth > depth_) continue;
     if (state_ == CheckState::InUse && rule.closed) continue;

@@ -6,6 +6,7 @@
 #include <system_error>
 #include <utility>
 
+#include "core/backup/deep_check.h"
 #include "core/base/files.h"
 #include "core/base/progress_run.h"
 #include "core/base/text.h"
@@ -47,6 +48,18 @@ bool UsableFileAtHand(const Session& session) {
   } catch (const Failure&) {
     return false;
   }
+}
+
+// What the opening can see at a glance is told; the file is used as far as it can be. Open Batches of a killed program
+// are no fault here: they are closed, and told, in a moment.
+void TellWhatIsUnsound(Session& session) {
+  const CheckAnswer check = CheckDataFileRules(session, CheckDepth::Opening, CheckState::InUse);
+  if (check.Sound()) return;
+  std::string text = fmt::format("{} is not sound:\n", session.DataFileName);
+  constexpr std::size_t kMostLines = 10;
+  for (std::size_t i = 0; i < check.faults.size() && i < kMostLines; ++i) text += "\n" + FaultText(check.faults[i]);
+  if (check.faults.size() > kMostLines) text += fmt::format("\nand {} more", check.faults.size() - kMostLines);
+  session.prompt.Tell("Data File", text, Icon::Exclamation);
 }
 
 void CloseWorkingSets(Session& session) {
@@ -132,6 +145,7 @@ void OpenContent(Session& session, const FileInfoRow& info, OpeningWindows& wind
   session.ItemNumber = info.itemNumber;
   session.DataFileOpen = true;
   session.databaseList = info.dbList;
+  TellWhatIsUnsound(session);
   if (!session.ArchiveView && !HasStockHistory(session.File()))
     BeginStockHistory(session.File(), info.dbList, session.clock.Now(), session.CurrentUser);
   const auto logIn = [&] { UsersEnabled(session) ? windows.Login(session) : LogInWithoutUsers(session); };

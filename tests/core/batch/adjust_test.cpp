@@ -213,6 +213,7 @@ TEST_F(Overpours, RecycledRowGrowsTheBatchAndKeepsTheOthers) {
 }
 
 TEST_F(Overpours, NotWhileTwentyLinesAreInUse) {
+  room.Breaks("FormulaTotals");
   test::BatchRoom full;
   full.Setting("Overpour", "1");
   std::vector<std::pair<std::string, float>> recipe;

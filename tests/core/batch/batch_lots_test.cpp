@@ -43,6 +43,7 @@ TEST(BatchLots, WhatIsNotDrawnFromALotIsUnlotted) {
 
 TEST(BatchLots, ChosenLotsThatWentOrShrankGiveWhatIsThere) {
   LifeRoom room;
+  room.Breaks("StockHistory");
   room.PinkRoom();
   for (const std::int32_t ref : {1, 2, 3}) room.Lot(ColorKind::Basic, "RED", ref, 4);
   room.Mixed("PINK", "40");

@@ -14,6 +14,7 @@ TEST_P(BetweenUnits, WhatWentToStockComesOutOfItAgain) {
   const auto& [quantity, used] = GetParam();
   for (const bool lotted : {false, true}) {
     LifeRoom room;
+    room.Breaks("StockHistory");
     room.PinkRoom();
     room.session.InvLotTracking = lotted ? 1 : 0;
     room.session.UMI = 1;
@@ -53,6 +54,7 @@ INSTANTIATE_TEST_SUITE_P(Grams, BetweenUnits,
 // Three jobs use it all, in grams; in pounds their shares alone would leave a thousandth that was never in stock.
 TEST(BatchConserves, JobsThatUseItAllLeaveNothing) {
   LifeRoom room;
+  room.Breaks("StockHistory");
   room.PinkRoom();
   room.session.InvLotTracking = 0;
   room.session.UMI = 1;
@@ -81,6 +83,7 @@ TEST(BatchConserves, JobsThatUseItAllLeaveNothing) {
 // A formula from elsewhere may name an ingredient twice: each line keeps the lots that were chosen for it.
 TEST(BatchConserves, TwoLinesOfTheSameColour) {
   LifeRoom room;
+  room.Breaks("FormulaSlots");
   room.Basic("RED", 0);
   room.Basic("WHITE", 200);
   room.Lot(ColorKind::Basic, "RED", 1, 50);
@@ -107,6 +110,7 @@ TEST(BatchConserves, TwoLinesOfTheSameColour) {
 // Its own ink recycled into it, with and without lots.
 TEST(BatchConserves, TheMadeColourRecycled) {
   LifeRoom room;
+  room.Breaks("StockHistory");
   room.PinkRoom();
   room.session.File().Execute("UPDATE INK_Mix SET Inventory = 30");
   room.record = NewBatchRecord(room.session);

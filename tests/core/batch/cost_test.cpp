@@ -46,6 +46,8 @@ TEST_P(CostOfBatch, GivesTheFigures) {
   const Costed& example = GetParam();
   SCOPED_TRACE(example.arithmetic);
   CostRoom room;
+  room.Breaks("RollUps");
+  room.Breaks("StockHistory");
   room.Setting("DecimalPlaces", std::to_string(example.decimals));
   room.Start("TARGET", "100");
   room.work.UMF = example.unit;
@@ -97,6 +99,7 @@ INSTANTIATE_TEST_SUITE_P(
 
 TEST(Emissions, ByModelOfRecycledInk) {
   CostRoom room;
+  room.Breaks("RollUps");
   room.Recycled("TARGET", "100");
   ASSERT_TRUE(AddAdditions(room.session, room.work, {{"DRIER", "2"}}));
   // Basics: VOC 45x.5 + 25x1 + 2x3 = 53.5, HAP 45x.25 + 25x2 + 2x.5 = 62.25. VIOLET 30x.75 = 22.5 or 30x.5 = 15;
@@ -116,6 +119,7 @@ TEST(Emissions, ByModelOfRecycledInk) {
 
 TEST(CostDefaults, ComeFromTheSettingsAndABatchWithoutRowsCostsNothingPerUnit) {
   CostRoom room;
+  room.Breaks("RollUps");
   room.Setting("MixCostOption", "1");
   room.Setting("FixedCostOfBatch", "2.5");
   room.Setting("MarkupPercent", "150");

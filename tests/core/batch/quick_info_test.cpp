@@ -36,6 +36,7 @@ struct QuickInfoTest : testing::Test, BatchRoom {
 };
 
 TEST_F(QuickInfoTest, LinesThatAreWantedAndMayBeSeen) {
+  Breaks("RollUps");
   std::array<bool, kQuickInfoFields> all{};
   all.fill(true);
   Recycled("MADE", "10");
@@ -61,6 +62,7 @@ TEST_F(QuickInfoTest, LinesThatAreWantedAndMayBeSeen) {
 }
 
 TEST_F(QuickInfoTest, InkIsThatOfTheColorOfItsKind) {
+  Breaks("RollUps");
   Basic("BOTH", {{"Red", 1}, {"Green", 2}, {"Blue", 3}});
   Ink("BOTH", {{"RED", 100}}, 0, {{"Red", 200}, {"Green", 255}, {"Blue", 0}});
   Basic("NEVER SET", {{"Red", 0}, {"Green", 0}, {"Blue", 0}});
@@ -72,6 +74,7 @@ TEST_F(QuickInfoTest, InkIsThatOfTheColorOfItsKind) {
 }
 
 TEST_F(QuickInfoTest, TheFaultyLineOfSeveralAdditions) {
+  Breaks("RollUps");
   Mixed("MADE", "10");
   const struct {
     std::vector<AdditionLine> lines;

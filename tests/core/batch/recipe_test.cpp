@@ -37,6 +37,7 @@ TEST_P(WorkedRecipe, GivesTheLines) {
   const Worked& example = GetParam();
   SCOPED_TRACE(example.arithmetic);
   test::BatchRoom room;
+  room.Breaks("FormulaTotals");
   room.Basics({"RED", "BLUE", "YELLOW", "WHITE", "BLACK"});
   room.Mix("TARGET", example.recipe);
   for (const Ink& ink : example.inks) room.Ink(ink.name, ink.parts, ink.stock, {{"Recycle", ink.recycle}});
@@ -157,6 +158,7 @@ INSTANTIATE_TEST_SUITE_P(
 
 TEST(Recipe, AnIngredientBelowHalfAThousandthLeavesAndOneAtItStays) {
   test::BatchRoom room;
+  room.Breaks("StockHistory");
   room.Basics({"RED", "BLUE"});
   // 1 x .0005 = .0005 BLUE stays; 1 x .0004 leaves once something is taken.
   struct Case {
@@ -176,6 +178,7 @@ TEST(Recipe, AnIngredientBelowHalfAThousandthLeavesAndOneAtItStays) {
 
 TEST(Recipe, MissingBasicColorKeepsItsLineWithZeroFigures) {
   test::BatchRoom room;
+  room.Breaks("Ingredients");
   room.Basic("RED", {{"PurchaseCost", 2.0F}, {"VOC", 1.0F}});
   room.Mix("TARGET", {{"RED", 50}, {"GONE", 50}});
   room.Mixed("TARGET", "10");
@@ -245,6 +248,7 @@ TEST(Recipe, AllSixteenPairsOfUnits) {
 
 TEST(Recipe, FifteenIngredientsAndTheLimitOfLines) {
   test::BatchRoom room;
+  room.Breaks("FormulaTotals");
   Parts recipe;
   for (int i = 0; i < 15; ++i) {
     const std::string name = "B" + std::to_string(i);
@@ -265,6 +269,7 @@ TEST(Recipe, FifteenIngredientsAndTheLimitOfLines) {
 
 TEST(Recipe, StockBookedBelowZeroIsNotRecycled) {
   test::BatchRoom room;
+  room.Breaks("Quantities");
   room.Basics({"RED", "BLUE"});
   room.Mix("TARGET", {{"RED", 50}, {"BLUE", 50}});
   room.Ink("REST", {{"RED", 100}}, -4.0F);
@@ -274,6 +279,7 @@ TEST(Recipe, StockBookedBelowZeroIsNotRecycled) {
 
 TEST(Recipe, SlotsCountWhereTheSetIsOutOfStep) {
   test::BatchRoom room;
+  room.Breaks("ColorSets");
   room.Basics({"RED", "BLUE", "YELLOW"});
   room.Mix("TARGET", {{"RED", 50}, {"BLUE", 50}});
   room.Ink("LIAR", {{"RED", 40}, {"BLUE", 30}, {"YELLOW", 30}}, 5);

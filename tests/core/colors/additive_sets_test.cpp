@@ -190,6 +190,7 @@ TEST(AdditiveSets, PreviewJudgesEachColour) {
 
 TEST(AdditiveSets, ApplyAndRemove) {
   SetRoom room;
+  room.Breaks("Ingredients");
   room.Set("SLOW", {{"DRIER", "5"}});
   room.Set("SLIP", {{"WAX", "2"}, {"GEL", "1"}});
   room.Mix("GREEN", {{"A", 57}, {"B", 38}, {"DRIER", 5}}, {{"AddSetName", "SLOW"}});

@@ -255,6 +255,7 @@ TEST(Basics, NamesAreListedAndWalkedInOrder) {
 
 TEST(Basics, MeasurementsComeBackAsListed) {
   InkRoom room;
+  room.Breaks("LotColors");
   const auto reading = ReadLabEntry(room.session, {"50.126", "-3", "7.5", "0", "1.25", " D65 ", "COATED", "ok"});
   ASSERT_TRUE(reading);
   EXPECT_EQ(reading->Lab_L, 50.13F);

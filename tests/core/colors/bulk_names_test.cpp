@@ -25,6 +25,8 @@ struct BulkRoom : test::InkRoom {
 
 TEST(BulkRename, RefusalsOfTheRule) {
   BulkRoom room;
+  room.Breaks("Ingredients");
+  room.Breaks("LotReferences");
   const Refusal none{"Enter Rename Data", "No data has been entered for renameing procedure.", "txtPrefix"};
   const struct {
     BulkRename rule;
@@ -49,6 +51,7 @@ TEST(BulkRename, RefusalsOfTheRule) {
 
 TEST(BulkRename, NewNamesAndReasons) {
   BulkRoom room;
+  room.Breaks("LotReferences");
   room.Mix("FIFTEEN LETTERS AND FIFTEEN MO", {{"RED", 100.0F}});
   room.Mix("X PANTONE 9", {{"RED", 100.0F}});
   room.Mix("S-1", {{"RED", 100.0F}});
@@ -101,6 +104,10 @@ struct StoppingProgress : Progress {
 
 TEST(BulkRename, ThousandsOfNamesInOneWalkOrNone) {
   BulkRoom room;
+  room.Breaks("Counters");
+  room.Breaks("UniqueNames");
+  room.Breaks("LotReferences");
+  room.Breaks("BatchLines");
   Database& file = room.session.File();
   const std::string numbers = "WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE i < 3000) ";
   file.Execute("INSERT INTO INK_Basic (Color_Name) " + numbers + "SELECT 'I' || i FROM n");
@@ -172,6 +179,8 @@ TEST(BulkRename, ThousandsOfNamesInOneWalkOrNone) {
 
 TEST(BulkRename, RenamesEverywhereOrNothing) {
   BulkRoom room;
+  room.Breaks("LotReferences");
+  room.Breaks("StockHistory");
   const BulkRename rule{ColorKind::Mix, NameChange::Prefix, "L-", ""};
   const std::string before = test::Snapshot(room.session.File());
   EXPECT_EQ(ApplyRename(room.session, {ColorKind::Mix, NameChange::Suffix, " X", ""}, {"ROSE", "SKY"}).error().text,
@@ -200,6 +209,7 @@ TEST(BulkRename, RenamesEverywhereOrNothing) {
 
 TEST(BulkDelete, FormulasGoWithTheirLotsUnlessADesignUsesOne) {
   BulkRoom room;
+  room.Breaks("UniqueNames");
   room.AddRow(schema::Designs, {{"IngSet", "<ROSE>"}, {"IngName0", "ROSE"}, {"IngType0", 2}, {"IngDB0", "INK"}});
   const std::string before = test::Snapshot(room.session.File());
   const auto preview = PreviewDeleteFormulas(room.session, {"SKY", "ROSE", "sky"});

@@ -22,6 +22,9 @@ struct CopyRoom : test::InkRoom {
 
 TEST(CopyDatabase, ColoursFormulasAndSets) {
   CopyRoom room;
+  room.Breaks("Ingredients");
+  room.Breaks("LotReferences");
+  room.Breaks("StockHistory");
   EXPECT_EQ(CopyDatabase(room.session, "ink", "copy"), "COPY");
   EXPECT_EQ(room.session.databaseList, (std::vector<std::string>{"INK", "COPY"}));
   EXPECT_EQ(ReadFileInfo(room.session.File()).dbList, room.session.databaseList);
@@ -44,6 +47,9 @@ TEST(CopyDatabase, ColoursFormulasAndSets) {
 
 TEST(CopyDatabase, StockComesAlongWhereItMayBeNegative) {
   CopyRoom room;
+  room.Breaks("Ingredients");
+  room.Breaks("LotReferences");
+  room.Breaks("StockHistory");
   room.Setting("AllowNegInv", "1");
   ASSERT_TRUE(CopyDatabase(room.session, "INK", "COPY"));
   EXPECT_EQ(ReadBasic(room.session, "A", "COPY")->Inventory, 12.0F);
@@ -51,6 +57,11 @@ TEST(CopyDatabase, StockComesAlongWhereItMayBeNegative) {
 
 TEST(CopyDatabase, RefusedOrFailedLeavesNothing) {
   CopyRoom room;
+  room.Breaks("Fields");
+  room.Breaks("Ingredients");
+  room.Breaks("ColorSets");
+  room.Breaks("LotReferences");
+  room.Breaks("StockHistory");
   EXPECT_EQ(CopyDatabase(room.session, "INK", "ink").error().title, "Database Already Exists");
   EXPECT_EQ(CopyDatabase(room.session, "NONE", "COPY").error().title, "Database Not Found");
   room.session.File().Execute("UPDATE INK_Mix SET BC1 = 'NAME WITH MORE THAN THIRTY CHARACTERS'");

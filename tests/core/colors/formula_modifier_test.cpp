@@ -123,6 +123,8 @@ TEST(FormulaModifier, ChecksBeforeThePreviewInTheirOrder) {
 
 TEST(FormulaModifier, VerdictsAndReasons) {
   ModifierRoom room;
+  room.Breaks("FormulaTotals");
+  room.Breaks("FormulaSets");
   room.Mix("TWO", {{"A", 60.0F}, {"B", 40.0F}});
   room.Mix("ONE", {{"A", 100.0F}});
   room.WithSet("SET", {{"B", 95.0F}});
@@ -209,6 +211,7 @@ TEST(FormulaModifier, NewRecipes) {
   };
   for (const auto& c : cases) {
     ModifierRoom room;
+    room.Breaks("FormulaTotals");
     if (c.set) {
       room.WithSet("M", c.parts);
     } else {

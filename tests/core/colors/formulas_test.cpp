@@ -111,6 +111,7 @@ TEST(Formulas, AnAdditiveSetTakesItsShare) {
 
 TEST(Formulas, ChoosingASetMayBeRefused) {
   InkRoom room;
+  room.Breaks("AdditiveSets");
   AddSet(room, "FOUR", {{"S0", 1}, {"S1", 1}, {"S2", 1}, {"S3", 1}});
   Rows rows;
   for (int i = 0; i < 10; ++i) rows.emplace_back("C" + std::to_string(i), "1");
@@ -194,6 +195,7 @@ TEST(Formulas, SavedFormulasTotalHundred) {
 
 TEST(Formulas, FoundByNameNumberAndCode) {
   InkRoom room;
+  room.Breaks("Ingredients");
   room.Mix("PANTONE 185", {{"A", 100}});
   room.Mix("GREEN", {{"A", 100}}, {{"Color_Code", "185 X"}});
   EXPECT_EQ(FindMix(room.session, "185")->Color_Name, "PANTONE 185");
@@ -285,6 +287,7 @@ TEST(Formulas, NotesOfIngredientsAndBatches) {
 
 TEST(Formulas, DeleteIsHinderedByADesignOnly) {
   InkRoom room;
+  room.Breaks("Ingredients");
   room.Mix("GREEN", {{"A", 100}});
   room.Mix("RED", {{"A", 100}});
   room.AddRow(schema::MixLotInv, {{"LotCName", "RED"}, {"LotNumber", "1"}});
@@ -394,6 +397,7 @@ TEST(Formulas, DuplicateWithASetAndOverAnother) {
 
 TEST(Formulas, DuplicateLeavesOutASetThatDoesNotFit) {
   InkRoom room;
+  room.Breaks("AdditiveSets");
   std::vector<std::pair<std::string, float>> parts;
   for (int i = 0; i < 14; ++i) {
     parts.emplace_back("C" + std::to_string(i), i == 0 ? 100.0F - 13 * 7 : 7.0F);

@@ -178,6 +178,7 @@ TEST(GuideDatabase, TheSitesTemplateGoesBeforeTheOneThatCameAlong) {
 
 TEST(OtherDatabases, AreThoseThatHoldTheNameAsThatKind) {
   GuideRoom room;
+  room.Breaks("Ingredients");
   room.Install();
   ASSERT_TRUE(CreateGuideDatabase(room.session, "FIRST", {"F_Guide_A"}));
   ASSERT_TRUE(CreateGuideDatabase(room.session, "SECOND", {"Metallics"}));

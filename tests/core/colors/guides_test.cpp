@@ -119,6 +119,7 @@ TEST(Guides, AFormulaAgainstThePublishedOne) {
 
 TEST(Guides, ARenamedBookFormulaKeepsThePrefix) {
   GuideRoom room;
+  room.Breaks("Ingredients");
   room.Mix("PANTONE 185", {{"PANTONE RUBINE", 100}});
   room.Mix("PANTONE TAKEN", {{"PANTONE RUBINE", 100}});
   EXPECT_EQ(RenameColor(room.session, "PANTONE 185", "TAKEN").error().title, "Master Formula Exists");

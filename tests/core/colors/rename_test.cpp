@@ -92,6 +92,8 @@ struct NamedRoom : InkRoom {
 
 TEST(Rename, ABasicColorEverywhere) {
   NamedRoom room;
+  room.Breaks("LotReferences");
+  room.Breaks("BatchLines");
   const auto renamed = RenameBasic(room.session, "red", " Scarlet ");
   ASSERT_TRUE(renamed);
   EXPECT_EQ(renamed->name, "SCARLET");
@@ -117,6 +119,8 @@ TEST(Rename, ABasicColorEverywhere) {
 
 TEST(Rename, AFormulaEverywhere) {
   NamedRoom room;
+  room.Breaks("LotReferences");
+  room.Breaks("BatchLines");
   ASSERT_TRUE(RenameColor(room.session, "red", "scarlet"));
   EXPECT_TRUE(BasicColorExists(room.session, "RED"));
   EXPECT_EQ(room.Parts("SCARLET"), "RED 30.000 BLUE 70.000 ");
@@ -134,6 +138,8 @@ TEST(Rename, AFormulaEverywhere) {
 
 TEST(Rename, MergingTwoBasicColors) {
   NamedRoom room;
+  room.Breaks("LotReferences");
+  room.Breaks("BatchLines");
   room.Basic("DRIER", {{"Additive", true}});
   room.Mix("MUD", {{"RED", 20.001F}, {"REDDISH", 29.999F}, {"BLUE", 50}});
   room.AddRow(schema::BasicLotInv, {{"LotCName", "BLUE"}, {"LotNumber", "7"}});
@@ -180,6 +186,8 @@ TEST(Rename, MergingBesideAnAdditiveSet) {
 TEST(Rename, AFailedStepLeavesEverythingAsItWas) {
   for (const bool merge : {false, true}) {
     NamedRoom room;
+    room.Breaks("LotReferences");
+    room.Breaks("BatchLines");
     // The Designs come last of all places.
     room.session.File().Execute(
         "CREATE TRIGGER broken BEFORE UPDATE ON Designs BEGIN SELECT RAISE(ABORT, 'the disk says no'); END");
@@ -198,6 +206,8 @@ TEST(Rename, AFailedStepLeavesEverythingAsItWas) {
 
 TEST(Rename, NamesThatAreRefused) {
   NamedRoom room;
+  room.Breaks("LotReferences");
+  room.Breaks("BatchLines");
   const std::string pad(20, ' ');
   const struct {
     const char* typed;
@@ -241,6 +251,7 @@ TEST(Rename, NamesThatAreRefused) {
 TEST(Rename, ReachesBothOfTwoFormulasOfOneName) {
   // Nothing in the file keeps a name from standing twice.
   InkRoom room;
+  room.Breaks("UniqueNames");
   for (const char* name : {"A", "B"}) room.Basic(name);
   room.Mix("M", {{"A", 100}});
   room.Mix("M", {{"B", 50}, {"A", 50}});

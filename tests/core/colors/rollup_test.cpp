@@ -23,11 +23,13 @@ struct HeardProgress final : Progress {
 
 TEST(RollUp, PassesWriteTheWantedFiguresOnly) {
   InkRoom room;
+  room.Breaks("Ingredients");
   room.Basic("A", {{"PurchaseCost", 10.126F}, {"VOC", 0.5F}, {"HAP", 0.1F}});
   room.Basic("B", {{"PurchaseCost", 3.0F}, {"VOC", 0.25F}});
   room.Mix("HALF", {{"a", 50}, {"B", 50}});
   room.Mix("GONE", {{"A", 40}, {"NO ROW", 60}});
   room.Mix("EMPTY", {}, {{"BasicCost", 7.0F}});
+  room.session.File().Execute("UPDATE INK_Mix SET BasicCost = NULL, BasicVOC = NULL, BasicHAP = NULL");
   room.session.CostChanged = true;
   room.session.VOCChanged = true;
   UpdateMixVOC(room.session);
@@ -55,6 +57,7 @@ TEST(RollUp, PassesWriteTheWantedFiguresOnly) {
 
 TEST(RollUp, ManyFormulasInOneWalk) {
   InkRoom room;
+  room.Breaks("ColorSets");
   room.Basic("A", {{"PurchaseCost", 2.0F}});
   room.Mix("F", {{"A", 100}});
   // Past one window of reading, with a gap in the row numbers.

@@ -164,6 +164,7 @@ TEST(MfeImport, AFailureInTheMiddleLeavesNothing) {
 
 TEST(MfeExport, RefusalsWriteNoFile) {
   test::InkRoom room;
+  room.Breaks("Ingredients");
   const auto out = room.folder / "out.mfe";
   EXPECT_EQ(ExportFormulas(room.session, {}, out).error(),
             (Refusal{"No Formulas Selected", "No Master Formulas selected for export.", ""}));

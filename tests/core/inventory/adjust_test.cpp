@@ -343,6 +343,7 @@ struct CopiesRoom : StockRoom {
 TEST(AdjustSave, KeepsTheCopiesOfALotInStep) {
   for (const ColorKind kind : {kBasic, kMix}) {
     CopiesRoom room;
+    room.Breaks("BatchLots");
     room.session.File().Execute(
         "UPDATE INK_Batch SET LotRefID = 7 WHERE Color_Name = 'RED' AND LotRefID = 1 AND "
         "BatchNo = 99");
@@ -362,6 +363,7 @@ TEST(AdjustSave, KeepsTheCopiesOfALotInStep) {
 
 TEST(AdjustSave, ALotDatedByABatchKeepsItsDate) {
   CopiesRoom room;
+  room.Breaks("BatchLots");
   for (const ColorKind kind : {kBasic, kMix}) {
     InventoryWork work = LoadInventory(room.session, kind, "RED");
     const auto changeable = RequireDateChangeable(room.session, work, 1);

@@ -59,6 +59,7 @@ TEST_F(LotSelectionTest, TheOrderOfCheckingDecidesWhichLotIsUsedUp) {
 }
 
 TEST_F(LotSelectionTest, ListsWhatABatchMayConsume) {
+  Breaks("LotColors");
   Stock(1, {});
   Lot(ColorKind::Basic, "Red", 5, 4, {{"LotNumber", "b"}});
   Lot(ColorKind::Basic, "Red", 6, 4, {{"LotNumber", "A"}, {"LotConsignment", true}});
@@ -94,6 +95,7 @@ TEST_F(LotSelectionTest, StockBelowZeroGivesNothing) {
 }
 
 TEST_F(LotSelectionTest, MarksTheEarlierSelectionAsFarAsStockGoes) {
+  Breaks("StockHistory");
   Stock(2, {6, 7, 5});
   LotSelectionWork work = Load(14);
   EXPECT_TRUE(work.CheckRow(3));

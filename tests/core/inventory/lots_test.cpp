@@ -47,6 +47,9 @@ TEST(LotReferences, FollowTheCounterAndGoRound) {
   };
   for (const ColorKind kind : {ColorKind::Basic, ColorKind::Mix}) {
     StockRoom room;
+    room.Breaks("LotColors");
+    room.Breaks("LotReferences");
+    room.Breaks("StockHistory");
     Transaction transaction(room.session.File());
     for (std::size_t i = 0; i < cases.size(); ++i) {
       const std::string name = "C" + std::to_string(i);
@@ -63,6 +66,9 @@ TEST(LotReferences, FollowTheCounterAndGoRound) {
 
 TEST(LotReferences, AreThoseOfTheToldLoop) {
   StockRoom room;
+  room.Breaks("LotColors");
+  room.Breaks("LotReferences");
+  room.Breaks("StockHistory");
   std::mt19937 random(20260310);
   Transaction transaction(room.session.File());
   for (int round = 0; round < 300; ++round) {
@@ -101,6 +107,7 @@ TEST(LotReferences, FiftyThousandLotsAreNoBurden) {
 
 TEST(LotReferences, AFullColourGrantsNone) {
   StockRoom room;
+  room.Breaks("StockHistory");
   room.Color(ColorKind::Mix, "FULL", 1, {{"LotRefID", 999998}, {"BasicCost", 2.0F}});
   room.FillLots(ColorKind::Mix, "FULL", 999998);
 
@@ -139,6 +146,7 @@ TEST(LotReferences, AFullColourGrantsNone) {
 
 TEST(Lots, SumsAndValuesByOwner) {
   StockRoom room;
+  room.Breaks("LotColors");
   room.session.DecimalPlaces = 2;
   for (const ColorKind kind : {ColorKind::Basic, ColorKind::Mix}) {
     room.Color(kind, "RED", 1.5F);
@@ -192,6 +200,7 @@ TEST(Lots, TheStockOfAllColours) {
 
 TEST(Lots, OfAnotherDatabase) {
   StockRoom room;
+  room.Breaks("StockHistory");
   CreateEmptyDatabase(room.session.File(), "WEB 2");
   InsertRow(room.session.File(), schema::BasicLotInv, "WEB 2_Basic_LotInv",
             {{"LotRefID", 1}, {"LotCName", "RED"}, {"LotNumber", "W"}, {"LotQty", 4.0F}});

@@ -89,6 +89,7 @@ const std::vector<TableRow> kTable{
 
 TEST(PostingTable, EverySourceComparesInItsOwnWay) {
   StockRoom room;
+  room.Breaks("Quantities");
   int n = 0;
   Transaction transaction(room.session.File());
   for (const TableRow& row : kTable) {
@@ -170,6 +171,7 @@ TEST(Posting, ALotOfExactlyTheCutoffStaysAfterAScanAndGoesByHand) {
 
 TEST(Posting, WhatIsMissingStaysMissing) {
   StockRoom room;
+  room.Breaks("LotColors");
   room.Color(kBasic, "RED", 5);
   room.Lot(kMix, "ORPHAN", 1, 5);
   for (const PostingSource source : {BatchTakes, BatchTakesAgain, JobRecord, ManualAdjust, ScanReturn, Reset}) {

@@ -144,6 +144,7 @@ TEST_F(StockHistoryTest, FollowsAColorThroughItsNames) {
 }
 
 TEST_F(StockHistoryTest, FollowsADatabaseThroughItsNames) {
+  Breaks("StockHistory");
   NewBasic("RED", 5);
   AddDatabaseRenameLines(session.File(), {.database = "INK"}, "INK", "FLEXO");
   AddStockLine(session.File(), {.database = "FLEXO", .Color_Name = "RED", .change = 1, .result = 6});

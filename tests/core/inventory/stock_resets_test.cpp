@@ -55,7 +55,8 @@ TEST_F(ResetRoom, OneValueForAllColorsOfAKind) {
   EXPECT_EQ(Inventory(kBasic, "RED"), Value(0.0F));
   EXPECT_EQ(Inventory(kMix, "PURPLE"), Value(0.334F)) << "under the cutoff point, as it was given";
   EXPECT_EQ(Lots(), 1);
-  const auto lines = ListStockHistory(session, {.name = "RED"});
+  auto lines = ListStockHistory(session, {.name = "RED"});
+  std::erase_if(lines, [](const StockLine& line) { return line.event == StockEvent::Opening; });
   ASSERT_EQ(lines.size(), 4U);
   EXPECT_EQ(lines[3].LotNumber, "L2");
   EXPECT_EQ(lines[3].change, -4);
@@ -103,6 +104,7 @@ TEST_F(ResetRoom, RefusesAndStopsWithoutATrace) {
 }
 
 TEST_F(ResetRoom, CheckedRowsOfOneColor) {
+  Breaks("BatchLots");
   InventoryWork work = LoadInventory(session, kBasic, "RED");
   AdjustFields fields = ClearedFields(session, work);
   fields.lotNumber = "NEW";
@@ -200,6 +202,8 @@ TEST_F(ResetRoom, OneReorderPoint) {
 }
 
 TEST_F(ResetRoom, NoLotsForAColorThatIsGone) {
+  Breaks("LotColors");
+  Breaks("StockHistory");
   InventoryWork work = LoadInventory(session, kMix, "PURPLE");
   AdjustFields fields = ClearedFields(session, work);
   fields.lotNumber = "NEW";

@@ -1,0 +1,107 @@
+#include <gtest/gtest.h>
+
+#include "core/backup/deep_check.h"
+#include "support/ink_room.h"
+
+namespace vellumark {
+namespace {
+
+// A room with something of everything, all of it sound.
+struct FullRoom : test::InkRoom {
+  FullRoom() {
+    Basic("RED", {{"Inventory", 12.5F}, {"PurchaseCost", 4.0F}, {"VOC", 0.5F}});
+    Basic("WAX");
+    Mix("PINK", {{"RED", 95}, {"WAX", 5}}, {{"Inventory", 3.0F}, {"AddSetName", "SLOW"}});
+    AddRow(schema::BasicLotInv,
+           {{"LotRefID", 1}, {"LotCName", "RED"}, {"LotNumber", "L1"}, {"LotQty", 7.25F}, {"LotPrice", 4.0F}});
+    AddRow(schema::BasicLab, {{"Color_Name", "RED"}, {"Lab_L", 50.0F}});
+    AddRow(schema::Additives, {{"SetName", "SLOW"}, {"SetList", "<WAX>"}, {"Add_Name0", "WAX"}, {"Add_Percent0", 5.0F}});
+    AddRow(schema::Batch, {{"Color_Name", "PINK"},
+                           {"BatchNo", 7},
+                           {"IngName0", "RED"},
+                           {"IngQty0", 1.0F},
+                           {"IngType0", 1},
+                           {"JobNumber", "J1"}});
+    AddRow(schema::BatchLotInv,
+           {{"BatchNo", 7}, {"IngName", "RED"}, {"IngType", 1}, {"LotRefID", 1}, {"LotNumber", "L1"}, {"LotQty", 1.0F}});
+    AddRow(schema::JobRecords, {{"JobNumber", "J1"}, {"Database", "INK"}, {"BatchNo", 7}, {"ItemType", 2}});
+    AddRow(schema::Designs, {{"DesignID", "D"}, {"IngSet", "<RED>"}, {"IngName0", "RED"}, {"IngDB0", "INK"}});
+  }
+};
+
+struct Damage {
+  const char* sql;
+  const char* rule;
+  const char* table;
+  std::int64_t row;
+};
+
+TEST(DeepCheck, FindsEachDamageAndNothingElse) {
+  const Damage damages[] = {
+      {"DELETE FROM INK_Info", "FileInfo", "INK_Info", 0},
+      {"UPDATE FileInfo SET DBList = 'INK|ink|'", "DatabaseList", "FileInfo", 1},
+      {"UPDATE FileInfo SET CurrentDB = 'GONE'", "DatabaseList", "FileInfo", 1},
+      {"CREATE TABLE OLD_Mix (x)", "DatabaseList", "OLD_Mix", 0},
+      {"UPDATE FileInfo SET BatchNumber = 7", "Counters", "FileInfo", 1},
+      {"DROP TABLE INK_Mix_LAB", "Parts", "INK_Mix_LAB", 0},
+      {"ALTER TABLE INK_Mix_LAB DROP COLUMN Lab_Note", "Parts", "INK_Mix_LAB", 0},
+      {"CREATE TABLE MSysOpenBatch (DatabaseName TEXT, BatchNo INTEGER); INSERT INTO MSysOpenBatch VALUES ('INK', 7)",
+       "Markers", "MSysOpenBatch", 0},
+      {"CREATE TABLE Users (Username TEXT, Password TEXT, IsAdmin INTEGER, Edit_MasterFormula INTEGER, Edit_Costs "
+       "INTEGER, Edit_VOCHAP INTEGER, DF_BackupRestore INTEGER, DF_AdvancedMenu INTEGER, DF_OptionsMenu INTEGER, "
+       "DB_NewRenameDel INTEGER, DBToolsMenu INTEGER, DF_ExportDF_Excel INTEGER); INSERT INTO Users (Username, "
+       "IsAdmin) VALUES ('ANNA', 0)",
+       "Users", "Users", 0},
+      {"UPDATE INK_Basic SET Reorder = -9e999 WHERE Color_Name = 'RED'", "Fields", "INK_Basic", 1},
+      {"UPDATE INK_Basic SET Reorder = 0.1 WHERE Color_Name = 'RED'", "Fields", "INK_Basic", 1},
+      {"UPDATE INK_Basic SET Red = 256 WHERE Color_Name = 'WAX'", "Fields", "INK_Basic", 2},
+      {"UPDATE INK_Mix SET Color_Code = '1234567890123456789012345678901'", "Fields", "INK_Mix", 1},
+      {"UPDATE INK_Mix SET LastModified = '2026-02-30'", "Fields", "INK_Mix", 1},
+      {"INSERT INTO INK_Basic (Color_Name) VALUES ('wax')", "UniqueNames", "INK_Basic", 3},
+      {"INSERT INTO INK_Basic (Color_Code) VALUES ('X')", "UniqueNames", "INK_Basic", 3},
+      {"INSERT INTO INK_Basic_LAB (Color_Name) VALUES ('RED')", "UniqueNames", "INK_Basic_LAB", 2},
+      {"INSERT INTO INK_Additives (SetName, SetList) VALUES ('Slow', '')", "UniqueNames", "INK_Additives", 2},
+      {"UPDATE INK_Mix SET BQ14 = 1", "FormulaSlots", "INK_Mix", 1},
+      {"UPDATE INK_Mix SET BC1 = 'WAY', Color_Set = '<RED><WAY>'", "Ingredients", "INK_Mix", 1},
+      {"UPDATE INK_Mix SET Color_Set = '<RED>'", "ColorSets", "INK_Mix", 1},
+      {"UPDATE INK_Mix SET BQ1 = 4.5", "FormulaTotals", "INK_Mix", 1},
+      {"UPDATE INK_Basic SET PurchaseCost = 5 WHERE Color_Name = 'RED'", "RollUps", "INK_Mix", 1},
+      {"UPDATE INK_Mix SET BasicVOC = 1", "RollUps", "INK_Mix", 1},
+      {"UPDATE INK_Basic SET Additive = 0 WHERE Color_Name = 'WAX'", "AdditiveSets", "INK_Additives", 1},
+      {"UPDATE INK_Additives SET SetList = ''", "AdditiveSets", "INK_Additives", 1},
+      {"UPDATE INK_Mix SET AddSetName = 'GONE'", "FormulaSets", "INK_Mix", 1},
+      {"UPDATE Designs SET IngSet = '<BLUE>'", "DesignSets", "Designs", 1},
+      {"INSERT INTO INK_Mix_LAB (Color_Name) VALUES ('GONE')", "LotColors", "INK_Mix_LAB", 1},
+      {"INSERT INTO INK_Basic_LotInv (LotRefID, LotCName, LotNumber) VALUES (1, 'WHITE', 'L')", "LotColors",
+       "INK_Basic_LotInv", 2},
+      {"INSERT INTO INK_Basic_LotInv (LotRefID, LotCName, LotNumber) VALUES (999999, 'RED', 'L')", "LotReferences",
+       "INK_Basic_LotInv", 2},
+      {"INSERT INTO INK_Basic_LotInv (LotRefID, LotCName, LotNumber, LotQty) VALUES (1, 'RED', 'L', 7.25)",
+       "LotReferences", "INK_Basic_LotInv", 2},
+      {"UPDATE INK_Basic_LotInv SET LotPrice = -1", "Quantities", "INK_Basic_LotInv", 1},
+      {"UPDATE INK_Basic SET Inventory = 12 WHERE Color_Name = 'RED'", "StockHistory", "INK_Basic", 1},
+      {"UPDATE INK_Basic_LotInv SET LotQty = 7", "StockHistory", "INK_Basic_LotInv", 1},
+      {"DELETE FROM INK_Basic_LotInv", "StockHistory", "INK_Basic_LotInv", 0},
+      {"UPDATE INK_Batch SET IngType0 = 0; UPDATE INK_Batch_LotInv SET IngType = 0", "BatchLines", "INK_Batch", 1},
+      {"UPDATE INK_Batch_LotInv SET IngName = 'WAX'", "BatchLots", "INK_Batch_LotInv", 1},
+      {"INSERT INTO INK_Batch_LotInv (BatchNo, IngName) VALUES (8, 'RED')", "BatchLots", "INK_Batch_LotInv", 2},
+      {"INSERT INTO JobRecords (JobNumber, Database, BatchNo) VALUES ('J2', 'INK', 6)", "JobBatches", "JobRecords", 2},
+      {"INSERT INTO JobRecords (JobNumber, Database, BatchNo) VALUES ('J2', 'GONE', 6)", "JobBatches", "JobRecords", 2},
+      {"UPDATE INK_Batch SET JobNumber = 'J2'", "JobBatches", "INK_Batch", 1},
+  };
+  for (const Damage& damage : damages) {
+    FullRoom room;
+    EXPECT_TRUE(CheckDataFileRules(room.session, CheckDepth::Deep).Sound());
+    room.Breaks(damage.rule);
+    room.session.File().Execute(damage.sql);
+    const CheckAnswer answer = CheckDataFileRules(room.session, CheckDepth::Deep);
+    ASSERT_EQ(answer.faults.size(), 1U) << damage.sql << (answer.Sound() ? "" : "\n" + FaultText(answer.faults.back()));
+    EXPECT_EQ(answer.faults[0].rule, damage.rule) << damage.sql;
+    EXPECT_EQ(answer.faults[0].Table, damage.table) << damage.sql;
+    EXPECT_EQ(answer.faults[0].row, damage.row) << damage.sql;
+    EXPECT_FALSE(answer.faults[0].what.empty());
+  }
+}
+
+}  // namespace
+}  // namespace vellumark
