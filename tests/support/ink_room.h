@@ -95,6 +95,21 @@ struct InkRoom {
     return row;
   }
 
+  /// The stock of all colours of that kind becomes this, as if it had been so from the beginning.
+  void HaveStock(ColorKind kind, float quantity) {
+    Transaction transaction(session.File());
+    const std::string table = Quoted(session.Table(ColorTable(kind)));
+    Statement colors = session.File().Prepare("SELECT Color_Name, Inventory FROM " + table);
+    while (colors.Step()) {
+      StockLine line = NewStockLine(session, StockEvent::Opening, kind, {}, colors.Text(0));
+      line.result = quantity;
+      line.change = StockDifference(colors.Single(1), quantity);
+      AddStockLine(session.File(), line);
+    }
+    session.File().Prepare("UPDATE " + table + " SET Inventory = ?").Bind(1, quantity).Run();
+    transaction.Commit();
+  }
+
   /// The next Batch number is ahead of that of a Batch put in.
   void MoveCounter(const std::vector<Cell>& cells) {
     for (const auto& [field, value] : cells)

@@ -213,8 +213,8 @@ TEST_F(Overpours, RecycledRowGrowsTheBatchAndKeepsTheOthers) {
 }
 
 TEST_F(Overpours, NotWhileTwentyLinesAreInUse) {
-  room.Breaks("FormulaTotals");
   test::BatchRoom full;
+  full.Breaks("FormulaTotals");
   full.Setting("Overpour", "1");
   std::vector<std::pair<std::string, float>> recipe;
   for (int i = 0; i < 15; ++i) {

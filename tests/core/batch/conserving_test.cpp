@@ -14,11 +14,10 @@ TEST_P(BetweenUnits, WhatWentToStockComesOutOfItAgain) {
   const auto& [quantity, used] = GetParam();
   for (const bool lotted : {false, true}) {
     LifeRoom room;
-    room.Breaks("StockHistory");
     room.PinkRoom();
     room.session.InvLotTracking = lotted ? 1 : 0;
     room.session.UMI = 1;
-    room.session.File().Execute("UPDATE INK_Mix SET Inventory = 10");
+    room.HaveStock(ColorKind::Mix, 10);
     room.record = NewBatchRecord(room.session);
     ASSERT_TRUE(EnterBatchUnit(room.session, room.record, 3));
     ASSERT_TRUE(EnterBatchColor(room.session, room.record, "PINK"));
@@ -54,11 +53,10 @@ INSTANTIATE_TEST_SUITE_P(Grams, BetweenUnits,
 // Three jobs use it all, in grams; in pounds their shares alone would leave a thousandth that was never in stock.
 TEST(BatchConserves, JobsThatUseItAllLeaveNothing) {
   LifeRoom room;
-  room.Breaks("StockHistory");
   room.PinkRoom();
   room.session.InvLotTracking = 0;
   room.session.UMI = 1;
-  room.session.File().Execute("UPDATE INK_Mix SET Inventory = 10");
+  room.HaveStock(ColorKind::Mix, 10);
   room.record = NewBatchRecord(room.session);
   ASSERT_TRUE(EnterBatchUnit(room.session, room.record, 3));
   ASSERT_TRUE(EnterBatchColor(room.session, room.record, "PINK"));
@@ -110,9 +108,8 @@ TEST(BatchConserves, TwoLinesOfTheSameColour) {
 // Its own ink recycled into it, with and without lots.
 TEST(BatchConserves, TheMadeColourRecycled) {
   LifeRoom room;
-  room.Breaks("StockHistory");
   room.PinkRoom();
-  room.session.File().Execute("UPDATE INK_Mix SET Inventory = 30");
+  room.HaveStock(ColorKind::Mix, 30);
   room.record = NewBatchRecord(room.session);
   ASSERT_TRUE(EnterBatchColor(room.session, room.record, "PINK"));
   SetQuantityText(room.record.work, "100");

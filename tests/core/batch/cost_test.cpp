@@ -47,12 +47,11 @@ TEST_P(CostOfBatch, GivesTheFigures) {
   SCOPED_TRACE(example.arithmetic);
   CostRoom room;
   room.Breaks("RollUps");
-  room.Breaks("StockHistory");
   room.Setting("DecimalPlaces", std::to_string(example.decimals));
   room.Start("TARGET", "100");
   room.work.UMF = example.unit;
   room.work.cost = example.model;
-  if (example.unit == UnitOunce) room.session.File().Execute("UPDATE INK_Mix SET Inventory = 1.875");  // 30 oz.
+  if (example.unit == UnitOunce) room.HaveStock(ColorKind::Mix, 1.875F);  // 30 oz.
   ASSERT_TRUE(RecycleAction(room.session, room.work));
   ASSERT_TRUE(AddAdditions(room.session, room.work, {{"DRIER", "2"}}));
   ASSERT_EQ(room.work.TotalText, "102.000");

@@ -450,7 +450,7 @@ TEST_F(BatchRecordTest, RequiredFieldsAreShownWhereTheyAreFilledIn) {
 
 TEST_F(BatchRecordTest, TenBatchesOfTheSampleRoom) {
   HaveInkRoom();
-  session.File().Execute("UPDATE INK_Basic SET Inventory = 500");
+  HaveStock(ColorKind::Basic, 500);
   Open();
   Statement names = session.File().Prepare("SELECT Color_Name FROM INK_Mix ORDER BY Color_Name LIMIT 10 OFFSET 7");
   Texts formulas;
@@ -666,7 +666,8 @@ TEST_F(BatchRecordTest, ARandomOperatorNeverLosesInk) {
   HaveTarget();
   Mix("THIRD", {{"RED", 20}, {"BLUE", 70}, {"DRIER", 10}}, {{"Recycle", true}, {"Inventory", 1000.0F}});
   // A recycled ink that a Batch takes more of than there is counts as used up. Here there is always enough.
-  session.File().Execute("UPDATE INK_Mix SET Inventory = 1000, Recycle = (Color_Name <> 'TARGET')");
+  HaveStock(ColorKind::Mix, 1000);
+  session.File().Execute("UPDATE INK_Mix SET Recycle = (Color_Name <> 'TARGET')");
   const std::map<std::string, double> basics{{"RED", 100}, {"BLUE", 100}, {"DRIER", 10}};
   const std::map<std::string, double> mixes{{"TARGET", 1000}, {"LEFTOVER", 1000}, {"THIRD", 1000}};
   RandomPrompt who;

@@ -32,6 +32,7 @@ struct SideRoom : testing::Test, InkRoom {
       }
     });
     Setting("InvLotTracking", "0");
+    Breaks("RollUps");  // VIOLET has a cost that tells which of the figures a window shows
     Basic("RED", {{"PurchaseCost", 4.125F},
                   {"VOC", 0.5F},
                   {"HAP", 0.25F},

@@ -146,6 +146,7 @@ TEST_F(ViewBatchTest, TheFormulaIsOpenedByKeyboardWhileItIsThere) {
   const auto* formula = dynamic_cast<FormulaStandIn*>(windows.Form("MixColorsForm"));
   ASSERT_NE(formula, nullptr);
   EXPECT_EQ(formula->found, "TARGET");
+  Breaks("StockHistory");
   session.File().Prepare("DELETE FROM INK_Mix WHERE Color_Name = 'TARGET'").Run();
   session.changes.Tell({{Change::Kind::Mix, "INK", "TARGET", Change::What::Deleted, ""}});
   windows.DeliverChanges();

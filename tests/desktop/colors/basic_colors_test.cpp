@@ -330,7 +330,7 @@ TEST_F(BasicColorsTest, ClosingAsksAndRunsThePassesThatArePending) {
   Fill(*form, "txtPurchaseCost", "5");
   prompt.Expect("Basic / Additive - Save Information?", Answer::Cancel, "Save changes before closing?");
   EXPECT_FALSE(form->Leave());
-  EXPECT_EQ(Scalar("SELECT COALESCE(BasicCost, 0) FROM INK_Mix").Single(), 0.0F);
+  EXPECT_EQ(Scalar("SELECT BasicCost FROM INK_Mix").Single(), 4.0F);
   prompt.Expect("Basic / Additive - Save Information?", Answer::Yes);
   EXPECT_TRUE(form->Leave());
   EXPECT_EQ(Scalar("SELECT BasicCost FROM INK_Mix").Single(), 5.0F);

@@ -6,6 +6,7 @@
 #include <QTabWidget>
 
 #include "core/base/number.h"
+#include "core/colors/basic_work.h"
 #include "core/colors/basics.h"
 #include "core/colors/formulas.h"
 #include "core/inventory/adjust.h"
@@ -309,8 +310,8 @@ TEST_F(AdjustInventoryTest, AnotherWindowsSaveIsShownAndNothingTypedIsLost) {
 
   Enter("RED");
   Fill(*form, "AdjustInv", "7");
-  session.File().Prepare("DELETE FROM INK_Basic").Run();
-  session.changes.Tell({{Change::Kind::Basic, "INK", "RED", Change::What::Deleted, ""}});
+  prompt.Expect("Basic Color Window - Delete Basic Color?", Answer::Yes);
+  ASSERT_TRUE(DeleteBasic(session, "RED").value());
   windows.DeliverChanges();
   EXPECT_EQ(Text("cmbColorName"), "");
   EXPECT_FALSE(form->InEdit());
@@ -539,11 +540,11 @@ TEST_F(AdjustInventoryTest, TheHistoryTellsWhyThereIsWhatThereIs) {
       text += lines.Model().Source()->Text(lines.ShownRows().at(static_cast<std::size_t>(row)), column) + "|";
     return text;
   };
-  ASSERT_EQ(lines.ShownRows().size(), 1U);
+  ASSERT_EQ(lines.ShownRows().size(), 2U);
   EXPECT_EQ(shown(0), "ANNA|RED|Unlotted Inv.|+2.000|5.000|Count of March|");
   Fill(*history, "cmbColorName", "");
   Click(*history, "cmdFind");
-  EXPECT_EQ(lines.ShownRows().size(), 2U);
+  EXPECT_EQ(lines.ShownRows().size(), 4U);
   EXPECT_EQ(shown(0), "ANNA|BLUE|Unlotted Inv.|+6.000|7.000||") << "the newest first";
   Picture(*history, "inventory-history");
   Type(Control(*history, "fgHistory_Filter"), "march");

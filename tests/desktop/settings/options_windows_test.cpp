@@ -369,6 +369,9 @@ TEST_F(OptionsWindowsTest, ThePassOverTheFormulasShowsItsWaitWindow) {
   EXPECT_EQ(machine.text, "Updating Master Formula Basic Costs...");
   EXPECT_EQ(machine.kind, "WaitingForm_NoCancel");
   EXPECT_EQ(machine.wait.Shown(), nullptr);
+  session.support = std::move(slow.support);
+  session.DataFileDB = std::move(slow.DataFileDB);
+  ReadSettings(session);
 }
 
 // ---- Name Length and Autofill
