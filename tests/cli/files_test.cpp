@@ -1,4 +1,7 @@
+#include <grp.h>
 #include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 #include <filesystem>
 
@@ -193,6 +196,56 @@ TEST(CliSettings, ReadWrittenListedAndACutFileLosesNoWholeRecord) {
   const test::CliAnswer blocked = room.Run({"settings", "list"});
   EXPECT_EQ(blocked.status, 4);
   EXPECT_NE(blocked.err.find("VKDat"), std::string::npos);
+}
+
+// Ann and Bob are in the group of the folder that the package makes, Eve is not.
+TEST(CliSettings, TheUsersOfAMachineShareOneFolderThatIsShutToOthers) {
+  const test::CliRoom room;
+  const gid_t group = ::getgrnam("daemon")->gr_gid;
+  const bool root = ::geteuid() == 0;
+  const auto as = [&](uid_t user, bool member) {
+    return [=] {
+      ::umask(022);
+      if (!root) return;
+      const gid_t groups[]{group};
+      if (::setgroups(member ? 1 : 0, groups) != 0 || ::setgid(user) != 0 || ::setuid(user) != 0) ::_exit(125);
+    };
+  };
+  const fs::path shared = room.folder / "VKDat";
+  fs::create_directory(shared);
+  if (root) {
+    ASSERT_EQ(::chown(shared.c_str(), 0, group), 0);
+  }
+  ::chmod(shared.c_str(), 02770);
+  ::chmod(room.folder.Path().c_str(), 0777);
+  const auto run = [&](uid_t user, bool member, const std::vector<std::string>& words) {
+    // The caller's own files of the answer are not the next user's to write.
+    for (const char* name : {"stdout", "stderr"}) fs::remove(room.folder / name);
+    return room.RunPrepared(words, "/dev/null", as(user, member));
+  };
+  const std::string path = (shared / "Ink.vkd").string();
+  EXPECT_EQ(run(4001, true, {"file", "create", path, "--empty", "--database", "INK"}).status, 0);
+  EXPECT_EQ(run(4002, true, {"settings", "set", "UMI", "2"}).status, 0) << "of the other's making";
+  EXPECT_EQ(run(4001, true, {"settings", "get", "UMI"}).out, "2\n");
+  EXPECT_EQ(run(4002, true, {"color", "add", "RED"}).status, 0);
+  EXPECT_EQ(run(4002, true, {"file", "compact"}).status, 0);
+  EXPECT_EQ(run(4001, true, {"color", "add", "BLUE"}).status, 0);
+  for (const auto& entry : fs::recursive_directory_iterator(shared)) {
+    struct stat status {};
+    ::stat(entry.path().c_str(), &status);
+    EXPECT_EQ(status.st_mode & 07777, entry.is_directory() ? 02770U : 0660U) << entry.path();
+    if (root) {
+      EXPECT_EQ(status.st_gid, group) << entry.path();
+    }
+  }
+  // Outside of it a Data File, with the passwords of its users, is its maker's alone.
+  EXPECT_EQ(run(4001, true, {"file", "create", (room.folder / "Own.vkd").string(), "--empty"}).status, 0);
+  EXPECT_EQ(fs::status(room.folder / "Own.vkd").permissions(), static_cast<fs::perms>(0600));
+  if (!root) return;
+  const test::CliAnswer answer = run(4003, false, {"settings", "list"});
+  EXPECT_EQ(answer.status, 4);
+  EXPECT_EQ(answer.err, shared.string() + ": cannot be used: there is no permission to enter " + shared.string() +
+                            ", which is for members of the group daemon\n");
 }
 
 TEST(CliFrame, UsageQuestionsAndAnswers) {

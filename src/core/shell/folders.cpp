@@ -1,8 +1,15 @@
 #include "core/shell/folders.h"
 
+#include <fcntl.h>
+#include <fmt/format.h>
+#include <grp.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cstdlib>
+
+#include "core/base/files.h"
+#include "core/base/refusal.h"
 
 namespace vellumark {
 namespace fs = std::filesystem;
@@ -16,9 +23,9 @@ FolderSources FolderSources::OfThisProcess(std::string dataFolderOption) {
   };
   std::error_code unknown;
   sources.executable = fs::read_symlink("/proc/self/exe", unknown);
-  sources.isWritable = [](const fs::path& path) {
+  sources.isFolder = [](const fs::path& path) {
     std::error_code ignored;
-    return fs::is_directory(path, ignored) && ::access(path.c_str(), W_OK | X_OK) == 0;
+    return fs::is_directory(path, ignored);
   };
   return sources;
 }
@@ -27,27 +34,37 @@ Folders ResolveFolders(const FolderSources& sources) {
   const std::string xdg = sources.environment("XDG_DATA_HOME");
   const fs::path home = sources.environment("HOME");
   const fs::path own = (xdg.empty() ? home / ".local" / "share" : fs::path(xdg)) / "vellumark";
+  const fs::path place = sources.isFolder(sources.sharedFolder) ? sources.sharedFolder : own;
 
   Folders folders;
   if (!sources.dataFolderOption.empty()) {
     folders.data = sources.dataFolderOption;
   } else if (const std::string variable = sources.environment("VELLUMARK_DATA_FOLDER"); !variable.empty()) {
     folders.data = variable;
-  } else if (sources.isWritable(sources.sharedFolder / "VKDat")) {
-    folders.data = sources.sharedFolder / "VKDat";
   } else {
-    folders.data = own / "VKDat";
+    folders.data = place / "VKDat";
   }
-  if (const std::string variable = sources.environment("VELLUMARK_PROGRAM_FOLDER"); !variable.empty()) {
-    folders.program = variable;
-  } else if (sources.isWritable(sources.sharedFolder)) {
-    folders.program = sources.sharedFolder;
-  } else {
-    folders.program = own;
-  }
-  if (sources.environment("VELLUMARK_PROGRAM_FOLDER").empty() && !sources.executable.empty())
+  const std::string program = sources.environment("VELLUMARK_PROGRAM_FOLDER");
+  folders.program = program.empty() ? place : fs::path(program);
+  if (program.empty() && !sources.executable.empty())
     folders.shipped = sources.executable.parent_path().parent_path() / "share" / "vellumark";
   return folders;
+}
+
+void MakeDataFolder(const fs::path& folder) {
+  // The first folder on the way that is closed to this user says who may pass it.
+  fs::path way;
+  for (const fs::path& part : fs::absolute(folder)) {
+    way /= part;
+    struct stat status {};
+    if (::stat(way.c_str(), &status) != 0) break;
+    if (!S_ISDIR(status.st_mode) || ::faccessat(AT_FDCWD, way.c_str(), X_OK, AT_EACCESS) == 0) continue;
+    std::string cause = "cannot be used: there is no permission to enter " + way.string();
+    const group* owners = (status.st_mode & S_IXGRP) != 0 ? ::getgrgid(status.st_gid) : nullptr;
+    if (owners != nullptr) cause += fmt::format(", which is for members of the group {}", owners->gr_name);
+    throw Failure(folder.string(), cause);
+  }
+  MakeFolder(folder);
 }
 
 }  // namespace vellumark

@@ -19,15 +19,19 @@ struct FolderSources {
   std::function<std::string(const char*)> environment;
   std::filesystem::path sharedFolder = "/var/lib/vellumark";
   std::filesystem::path executable;  ///< of this process; empty when unknown
-  std::function<bool(const std::filesystem::path&)> isWritable;
+  std::function<bool(const std::filesystem::path&)> isFolder;
   static FolderSources OfThisProcess(std::string dataFolderOption);
 };
 
-/// The data folder is the option's, else VELLUMARK_DATA_FOLDER, else VKDat in the folder shared by the machine's users
-/// when that is there and writable, else VKDat in the user's own data folder. The program folder is
-/// VELLUMARK_PROGRAM_FOLDER, else the shared folder when it is there and writable, else the user's own. What came with
-/// the program is in share/vellumark beside the folder of the executable, and not looked for when the variable says
-/// where the program's folder is. None of them is made here.
+/// Where the folder shared by the machine's users is there, as the package makes it, all of them have one data folder,
+/// VKDat in it, and it is their program folder too; else each has VKDat and the program folder in the user's own data.
+/// --data-folder and VELLUMARK_DATA_FOLDER, in this order, name another data folder, and VELLUMARK_PROGRAM_FOLDER another
+/// program folder. What came with the program is in share/vellumark beside the folder of the executable, and not looked
+/// for when that variable is set. None of them is made here.
 Folders ResolveFolders(const FolderSources& sources);
+
+/// Makes the data folder where it is missing. Whoever may not work in one that is there is told, and whose group has to
+/// be joined: a user beside the others would have settings and a lock of his own.
+void MakeDataFolder(const std::filesystem::path& folder);
 
 }  // namespace vellumark

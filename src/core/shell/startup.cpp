@@ -76,6 +76,7 @@ bool PrepareSupportFiles(Session& session, const Folders& folders) {
   session.BackupsFolder = folders.data / "Backups";
   session.ProgramFolder = folders.program;
   session.ShippedFolder = folders.shipped;
+  MakeDataFolder(folders.data);
   session.support = std::make_unique<SupportFiles>(folders.data);
   const WrittenSupportFiles written = WriteMissingSupportFiles(*session.support);
   session.DataFileName = GetSupportValue(session, keys::DbFileName50);
@@ -90,7 +91,7 @@ void RunSupportLadder(Session& session) {
 
 bool StartUp(Session& session, const StartOptions& options, StartupWindows& windows) {
   session.DataFolder = options.folders.data;
-  MakeFolder(session.DataFolder);
+  MakeDataFolder(session.DataFolder);
   if (windows.AnotherInstanceRuns(session)) {
     session.prompt.Tell(
         "The Vellumark is already running",

@@ -525,7 +525,7 @@ TEST(Folders, ChosenInTheirOrder) {
   bool shared = false;
   FolderSources sources;
   sources.environment = [&](const char* name) { return variables.contains(name) ? variables[name] : ""; };
-  sources.isWritable = [&](const fs::path&) { return shared; };
+  sources.isFolder = [&](const fs::path& path) { return shared && path == "/var/lib/vellumark"; };
   EXPECT_EQ(ResolveFolders(sources).data, "/home/ann/.local/share/vellumark/VKDat");
   EXPECT_EQ(ResolveFolders(sources).program, "/home/ann/.local/share/vellumark");
   variables["XDG_DATA_HOME"] = "/x";
