@@ -23,8 +23,8 @@ std::string Padded40(std::string_view title) {
   return std::string(40, ' ') + std::string(title);
 }
 
-bool AskWhether(Session& session, std::string title, std::string text) {
-  return session.prompt.Ask(std::move(title), std::move(text));
+bool AskWhether(Session& session, std::string title, std::string text, Answer standard = Answer::Yes) {
+  return session.prompt.Ask(std::move(title), std::move(text), standard);
 }
 
 bool Changed(const Session& session, const BatchRecord& record) {
@@ -171,7 +171,8 @@ Result<bool> DeleteBatch(Session& session, BatchRecord& record, BatchDialogs&, M
   if (const auto writable = RequireWritable(session); !writable) return std::unexpected(writable.error());
   if (const auto open = CheckNotComplete(session, record); !open) return std::unexpected(open.error());
   if (!AskWhether(session, "Batch Window - Delete Batch?",
-                  "Deleting this Batch will alter Production and Consumption Reports.\n\nDelete this Batch?"))
+                  "Deleting this Batch will alter Production and Consumption Reports.\n\nDelete this Batch?",
+                  Answer::No))
     return false;
   const bool returnIngredients =
       AskWhether(session, "Batch Window - Update Inventories?", "Return ingredients to inventory?");

@@ -202,7 +202,7 @@ Result<void> CreateUsers(Session& session, std::string_view typedName, std::stri
 
 Result<bool> DeactivateUsers(Session& session) {
   if (auto allowed = RequireAdministratorToWrite(session); !allowed) return std::unexpected(allowed.error());
-  if (!session.prompt.Ask("Users", "Deactivate Users feature and remove all restrictions?")) return false;
+  if (!session.prompt.Ask("Users", "Deactivate Users feature and remove all restrictions?", Answer::No)) return false;
   {
     Transaction transaction(session.File());
     DropTable(session.File(), schema::Users.name);
@@ -277,7 +277,7 @@ Result<bool> DeleteUser(Session& session, std::string_view typedName) {
   const auto stored = Find(session, name);
   if (!stored) return std::unexpected(UnknownUser(name));
   if (stored->row.IsAdmin) return Refuse("Delete User", "You cannot delete an Administrator.", "cmbUsername");
-  if (!session.prompt.Ask("Delete User", fmt::format("Permanently delete user account {}?", name))) return false;
+  if (!session.prompt.Ask("Delete User", fmt::format("Permanently delete user account {}?", name), Answer::No)) return false;
   Transaction transaction(session.File());
   session.File().Prepare("DELETE FROM Users WHERE rowid = ?").Bind(1, stored->rowId).Run();
   transaction.Commit();

@@ -147,7 +147,11 @@ void JobPanel::ReturnToggled(bool checked) {
 }
 
 bool JobPanel::eventFilter(QObject* watched, QEvent* event) {
-  if (watched != used_ || event->type() != QEvent::KeyPress) return QWidget::eventFilter(watched, event);
+  if (watched != used_) return QWidget::eventFilter(watched, event);
+  // Tab comes here by way of a command, which left the job's number as it was typed.
+  if (event->type() == QEvent::FocusIn && job_->Text() != record_.JobNumber() && EnterJob())
+    QMetaObject::invokeMethod(used_, &QLineEdit::selectAll, Qt::QueuedConnection);
+  if (event->type() != QEvent::KeyPress) return false;
   if (!Changes(*static_cast<QKeyEvent*>(event))) return false;
   const Result<void> allowed = CheckQtyUsedKey(record_);
   if (allowed) return false;

@@ -299,6 +299,8 @@ void MixColorsForm::Reload() {
 
 void MixColorsForm::OnChanges(const std::vector<Change>& changes) {
   bool mine = false;
+  bool sets = false;
+  bool batches = false;
   for (const Change& change : changes) {
     if (change.kind == Change::Kind::Settings) {
       details_->Relabel();
@@ -308,16 +310,18 @@ void MixColorsForm::OnChanges(const std::vector<Change>& changes) {
     if (!EqualNoCase(change.database, session.CurrentDatabase)) continue;
     if (change.kind == Change::Kind::AdditiveSet) {
       if (change.what == Change::What::Renamed) sets_->RenameSet(change.name, change.newName);
-      sets_->Refresh();
+      sets = true;
     }
     if (!work_) continue;
     if (change.kind == Change::Kind::Basic) TakeBasicChange(change);
-    if (change.kind == Change::Kind::Batch) ExternalUpdateBatchNotes();
+    batches = batches || change.kind == Change::Kind::Batch;
     if (change.kind != Change::Kind::Mix || work_->rowId == 0) continue;
     const bool isShown = EqualNoCase(change.name, work_->Color_Name);
     if (isShown && change.what == Change::What::Renamed) work_->Color_Name = change.newName;
     mine = mine || isShown || change.what == Change::What::All;
   }
+  if (sets) sets_->Refresh();
+  if (batches) ExternalUpdateBatchNotes();
   if (mine) Reload();
 }
 

@@ -154,7 +154,8 @@ void MessageDialog::AddButtons() {
     button->setObjectName(choice.name);
     connect(button, &QPushButton::clicked, this, [this, answer = choice.answer] { Choose(answer); });
     const bool standard = choice.answer == message_.defaultAnswer || message_.buttons == Buttons::Ok;
-    button->setAutoDefault(standard);
+    // Enter presses the button that has the focus, whichever is the default.
+    button->setAutoDefault(true);
     button->setProperty("primary", standard);
     if (standard) standard_ = button;
   }

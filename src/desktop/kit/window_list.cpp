@@ -9,6 +9,12 @@
 #include "desktop/kit/window.h"
 
 namespace vellumark::desktop {
+namespace {
+
+// Rows of one kind and Database that changed beyond this many are told as "all".
+constexpr std::size_t kToldSingly = 1000;
+
+}  // namespace
 
 WindowList::WindowList(Session& openSession, WaitProgress* wait) : session(openSession), wait_(wait) {
   deliver_.setSingleShot(true);
@@ -20,9 +26,7 @@ WindowList::WindowList(Session& openSession, WaitProgress* wait) : session(openS
     });
   }
   subscription_ = session.changes.Subscribe([this](const std::vector<Change>& changes) {
-    for (const Change& change : changes) {
-      if (std::ranges::find(pending_, change) == pending_.end()) pending_.push_back(change);
-    }
+    for (const Change& change : changes) Hold(change);
     deliver_.start();
   });
 }
@@ -123,9 +127,23 @@ std::vector<Window*> WindowList::OpenForms() const {
   return open_;
 }
 
+void WindowList::Hold(const Change& change) {
+  const bool updates = change.what == Change::What::Updated;
+  std::size_t* updated = updates ? &updated_[{change.kind, change.database}] : nullptr;
+  if (updates && *updated > kToldSingly) return;
+  // Renames are steps of one way: each counts, even one that happened before.
+  const bool repeats = change.what != Change::What::Renamed &&
+                       !held_.emplace(change.kind, change.what, change.database, change.name).second;
+  if (repeats) return;
+  if (updates && ++*updated > kToldSingly) return Hold({change.kind, change.database, "", Change::What::All, ""});
+  pending_.push_back(change);
+}
+
 void WindowList::DeliverChanges() {
   if (wait_ != nullptr && wait_->IsBusy()) return;
   const std::vector<Change> changes = std::exchange(pending_, {});
+  held_.clear();
+  updated_.clear();
   if (changes.empty()) return;
   const std::vector<Open> hosts = hosts_;
   for (const Open& open : hosts) {

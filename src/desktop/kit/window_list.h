@@ -7,8 +7,11 @@
 #include <map>
 #include <memory>
 #include <optional>
+#include <set>
 #include <string>
 #include <string_view>
+#include <tuple>
+#include <utility>
 #include <vector>
 
 #include "core/base/changes.h"
@@ -84,7 +87,8 @@ class WindowList : public QObject {
   Window* ActiveForm() const;
   std::vector<Window*> OpenForms() const;
 
-  /// Changes are told when the event loop is reached and no work is going on; this tells them now.
+  /// Changes are told when the event loop is reached and no work is going on; this tells them now. Each is told once,
+  /// and more than a thousand updated rows of one kind and Database are told as one What::All.
   void DeliverChanges();
 
   // For windows.
@@ -101,6 +105,7 @@ class WindowList : public QObject {
     FormHost* host;
   };
   void Leave(QObject& object);
+  void Hold(const Change& change);
 
   WaitProgress* wait_;
   WindowPlace* place_ = nullptr;
@@ -109,6 +114,9 @@ class WindowList : public QObject {
   std::vector<Window*> open_;
   std::vector<Open> hosts_;
   std::vector<Change> pending_;
+  /// What stands in `pending_` already, renames apart, and how many updates of one kind and Database.
+  std::set<std::tuple<Change::Kind, Change::What, std::string, std::string>> held_;
+  std::map<std::pair<Change::Kind, std::string>, std::size_t> updated_;
   QTimer deliver_;
   Changes::Subscription subscription_;
 };

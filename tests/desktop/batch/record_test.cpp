@@ -121,6 +121,22 @@ TEST_F(BatchRecordTest, MadeSavedCorrectedAndDeletedByKeyboard) {
   EXPECT_EQ(MixStock("TARGET"), 0);
 }
 
+TEST_F(BatchRecordTest, TabPassesTheCommandBesideTheJobNumberAndEntersTheNumber) {
+  HaveTarget();
+  Open();
+  Make("TARGET", "10", Qt::Key_F3);
+  Control(*form, "JobNumber").setFocus();
+  TypeOn("JOB 9");
+  PressOn(Qt::Key_Tab);
+  PressOn(Qt::Key_Tab);
+  EXPECT_EQ(FocusName(), "txtQtyUsed");
+  EXPECT_EQ(Text("txtQtyUsed"), "10.000");
+  TypeOn("6");
+  EXPECT_EQ(Text("txtQtyUsed"), "6");
+  PressOn(Qt::Key_Tab);
+  EXPECT_EQ(Control<CellButton>(*form, "lblInvQty").text(), "4.000");
+}
+
 TEST_F(BatchRecordTest, AJobTakesWhatItUsesTheRestGoesToStock) {
   HaveTarget();
   Open();

@@ -116,6 +116,25 @@ TEST_F(WindowsTest, TellsEachOpenWindowOnceOfWhatWasCommitted) {
   EXPECT_EQ(job.told, once);
 }
 
+TEST_F(WindowsTest, HearsOfAThousandRowsAndBeyondThatOfAll) {
+  NotedForm& batch = Open("BatchForm");
+  const auto renamed = [](const char* from, const char* to) {
+    return Change{Change::Kind::Basic, "INK", from, Change::What::Renamed, to};
+  };
+  std::vector<Change> many{renamed("RED", "ROSE"), renamed("ROSE", "RED"), renamed("RED", "ROSE")};
+  for (int i = 0; i < 80000; ++i) many.push_back({Change::Kind::Mix, "INK", std::to_string(i), Change::What::Updated, ""});
+  many.push_back(Updated("BLUE"));
+  const auto begin = std::chrono::steady_clock::now();
+  session.changes.Tell(many);
+  Settle();
+  EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(1));
+  ASSERT_EQ(batch.told.size(), 1U);
+  std::vector<Change> heard(many.begin(), many.begin() + 1003);
+  heard.push_back({Change::Kind::Mix, "INK", "", Change::What::All, ""});
+  heard.push_back(Updated("BLUE"));
+  EXPECT_EQ(batch.told.front(), heard) << "three renames are three steps, also where one is done again";
+}
+
 TEST_F(WindowsTest, AClosedWindowHearsNoMore) {
   Open("JobForm");
   NotedForm& batch = Open("BatchForm");
@@ -262,8 +281,12 @@ TEST(Messages, ShowTitleAndTextAsTheyStandAndAnswerByKey) {
     Answer standard;
     Qt::Key key;
     Answer answer;
+    int tabs = 0;
   } rows[] = {
       {"Enter takes the default", Buttons::YesNo, Answer::No, Qt::Key_Return, Answer::No},
+      {"Enter takes the button that has the focus", Buttons::YesNo, Answer::Yes, Qt::Key_Return, Answer::No, 1},
+      {"and goes round", Buttons::YesNoCancel, Answer::Yes, Qt::Key_Enter, Answer::Yes, 3},
+      {"Cancel that has the focus", Buttons::OkCancel, Answer::Ok, Qt::Key_Enter, Answer::Cancel, 1},
       {"Y without Alt", Buttons::YesNo, Answer::No, Qt::Key_Y, Answer::Yes},
       {"N without Alt", Buttons::YesNoCancel, Answer::Yes, Qt::Key_N, Answer::No},
       {"Escape says No", Buttons::YesNo, Answer::Yes, Qt::Key_Escape, Answer::No},
@@ -285,6 +308,7 @@ TEST(Messages, ShowTitleAndTextAsTheyStandAndAnswerByKey) {
                                        : FocusName() == "cmdYes" ? Answer::Yes
                                                                  : Answer::Ok;
                 EXPECT_EQ(focused, row.standard) << row.what;
+                for (int i = 0; i < row.tabs; ++i) PressOn(Qt::Key_Tab);
                 PressOn(row.key);
               });
     EXPECT_EQ(answer, row.answer) << row.what;
