@@ -2,10 +2,16 @@
 
 #include <benchmark/benchmark.h>
 
+#include <QLineEdit>
+
 #include "core/colors/additive_control.h"
 #include "core/colors/basics.h"
 #include "core/colors/formula_modifier.h"
+#include "desktop/colors/register.h"
+#include "desktop/kit/window.h"
+#include "desktop/tools/register.h"
 #include "large_room.h"
+#include "offscreen.h"
 
 namespace vellumark::bench {
 namespace {
@@ -54,6 +60,8 @@ class ToolRoom {
  public:
   ToolRoom() {
     session.DataFileDB = std::move(room.session.DataFileDB);
+    session.support = std::move(room.session.support);
+    session.DataFileDB->SetChanges(&session.changes);
     session.CurrentDatabase = "INK";
     AddZeroBasic(session, "NEW INK", false);
     for (const char* name : {"DRIER", "WAX"}) AddZeroBasic(session, name, true);
@@ -112,6 +120,37 @@ void ModifierRaw(benchmark::State& state) {
   Raw(state, &ToolRoom::Modify);
 }
 BENCHMARK(ModifierRaw)->Name("modifier_10k/raw")->Unit(benchmark::kMillisecond)->Iterations(kTurns);
+
+// The same with a desk of windows that hear of it, until each of them shows it.
+void ModifierWindowsOurs(benchmark::State& state) {
+  NeedApplication();
+  ToolRoom tools;
+  desktop::WindowList windows{tools.session};
+  desktop::RegisterColorsWindows(windows);
+  desktop::RegisterToolsWindows(windows);
+  Shown(*windows.OpenForm("MixColorsForm", {{"FindRecord", tools.colors.front()}}));
+  for (const char* name : {"BasicColorsForm", "DBFormulaModifierForm"}) Shown(*windows.OpenForm(name));
+  auto* recipe = windows.Form("MixColorsForm");
+  int turn = 0;
+  for (auto unused : state) {
+    const bool add = turn % 2 == 0;
+    if (!tools.Modify(turn++)) state.SkipWithError("the work was refused");
+    windows.DeliverChanges();
+    QApplication::processEvents();
+    bool shown = false;
+    for (const QLineEdit* line : recipe->findChildren<QLineEdit*>()) shown = shown || line->text() == "NEW INK";
+    if (shown != add) state.SkipWithError("the window does not show the recipe as it is");
+  }
+}
+BENCHMARK(ModifierWindowsOurs)
+    ->Name("modifier_windows_10k/ours")
+    ->Unit(benchmark::kMillisecond)
+    ->Iterations(kTurns);
+
+void ModifierWindowsRaw(benchmark::State& state) {
+  Raw(state, &ToolRoom::Modify);
+}
+BENCHMARK(ModifierWindowsRaw)->Name("modifier_windows_10k/raw")->Unit(benchmark::kMillisecond)->Iterations(kTurns);
 
 void AddsetOurs(benchmark::State& state) {
   Ours(state, &ToolRoom::ApplySet);
