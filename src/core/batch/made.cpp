@@ -7,6 +7,7 @@
 #include "core/base/text.h"
 #include "core/batch/job_rows.h"
 #include "core/datafile/writer.h"
+#include "core/inventory/lot_copies.h"
 #include "core/inventory/posting.h"
 
 namespace vellumark {
@@ -116,21 +117,13 @@ class MadeColor {
 
   void Rename() {
     const BatchFields& fields = record_.fields;
-    Database& file = session_.File();
-    UpdateRow(file, schema::MixLotInv, session_.Table(schema::MixLotInv), oldLot_->row,
-              {{"LotNumber", fields.LotNumber}, {"LotLoc", fields.LotLoc}, {"LotContID", fields.LotContID}});
-    const auto copies = [&](std::string_view table, std::string_view where) {
-      Statement statement = file.Prepare(
-          fmt::format("UPDATE {} SET LotNumber = ?1, LotLoc = ?2, LotContID = ?3 WHERE LotRefID = ?4 AND {}",
-                      Quoted(table), where));
-      statement.Bind(1, fields.LotNumber).Bind(2, fields.LotLoc).Bind(3, fields.LotContID).Bind(4, record_.LotRefID);
-      statement.Bind(5, record_.work.Color_Name);
-      return statement;
-    };
-    copies(session_.Table(schema::BatchLotInv), "IngName = ?5 AND IngType = 2").Run();
-    copies(schema::JobRecords.name, "Color_Name = ?5 AND ItemType = 2 AND Database = ?6")
-        .Bind(6, session_.CurrentDatabase)
-        .Run();
+    LotRow now = *oldLot_;
+    now.LotNumber = fields.LotNumber;
+    now.LotLoc = fields.LotLoc;
+    now.LotContID = fields.LotContID;
+    RewriteLot(session_,
+               {ColorKind::Mix, record_.work.Color_Name, {}, StockEvent::BatchMakes, BatchNoText(record_.BatchNo)},
+               *oldLot_, now);
     oldLot_->LotNumber = fields.LotNumber;
   }
 

@@ -203,6 +203,7 @@ void RenameOrMergeBasic(Session& session, const BasicColor& color, const std::st
 void WriteMixName(Session& session, const MixColor& mix, const std::string& newName) {
   UpdateRow(session.File(), schema::Mix, session.Table(schema::Mix), mix.rowId,
             NameCells(newName, mix.book, BookDataOfMix(session, newName)));
+  TraceRename(session, ColorKind::Mix, mix.Color_Name, newName);
 }
 
 bool RenameMixesEverywhere(Session& session, Transaction& transaction, const std::vector<Renaming>& names,

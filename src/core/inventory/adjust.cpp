@@ -9,6 +9,7 @@
 
 #include "core/base/number.h"
 #include "core/base/text.h"
+#include "core/colors/amounts.h"
 #include "core/inventory/posting.h"
 
 namespace vellumark {
@@ -81,7 +82,22 @@ Result<void> AdjustUnlotted(const StockRules& rules, InventoryWork& work, const 
   const float quantity = GrossQuantity(fields);
   if (const auto sum = CheckedSum(work.kind, rules, qty, quantity); !sum) return std::unexpected(sum.error());
   qty = UnlottedAfter(PostingSource::ManualAdjust, work.kind, rules, qty, quantity);
+  work.rows.front().entered += static_cast<double>(quantity);
   return {};
+}
+
+// What a lot costs after an entry. Without the right to change costs a lot keeps its price and a new one (`present`
+// left open) gets the colour's; another price that was typed in sight of it is refused.
+Result<float> PriceOf(const Session& session, const InventoryWork& work, const AdjustFields& fields,
+                      std::optional<float> present) {
+  const float typed = RoundSingle(fields.price, session.DecimalPlaces);
+  const auto right = RequireRight(session, AmountKey::Currency, "cmbPrice");
+  if (right) return typed;
+  const float kept = present.value_or(RoundSingle(work.UnitCost(), session.DecimalPlaces));
+  const bool untouched = typed == RoundSingle(kept, session.DecimalPlaces) ||
+                         (!fields.selected && typed == RoundSingle(work.UnitCost(), session.DecimalPlaces));
+  if (session.Perm_Costs != 0 && !untouched) return std::unexpected(right.error());
+  return kept;
 }
 
 Result<void> AdjustLot(const Session& session, const StockRules& rules, InventoryWork& work, std::size_t index,
@@ -89,9 +105,12 @@ Result<void> AdjustLot(const Session& session, const StockRules& rules, Inventor
   InventoryRow& row = work.rows[index];
   const float quantity = GrossQuantity(fields);
   if (const auto sum = CheckedSum(work.kind, rules, row.now.qty, quantity); !sum) return std::unexpected(sum.error());
+  const auto price = PriceOf(session, work, fields, row.now.price);
+  if (!price) return std::unexpected(price.error());
   const auto after = LotAfter(PostingSource::ManualAdjust, rules, row.now.qty, quantity);
+  row.entered += static_cast<double>(quantity);
   if (!after) {
-    if (row.key) work.removed.push_back({*row.key, row.onFile.lotNumber});
+    if (row.key) work.removed.push_back({*row.key, row.onFile.lotNumber, row.onFile.qty, row.entered});
     work.rows.erase(work.rows.begin() + static_cast<std::ptrdiff_t>(index));
     return {};
   }
@@ -100,7 +119,7 @@ Result<void> AdjustLot(const Session& session, const StockRules& rules, Inventor
   row.now.location = Trim(fields.location);
   row.now.contID = Trim(fields.contID);
   if (!DatedByBatch(session, work, row)) row.now.date = fields.date;
-  row.now.price = RoundSingle(fields.price, session.DecimalPlaces);
+  row.now.price = *price;
   row.now.consignment = fields.consignment;
   return {};
 }
@@ -123,6 +142,8 @@ Result<void> AddLots(const Session& session, InventoryWork& work, const AdjustFi
                   "The number of containers selected will cause inventory to exceed: " + Fixed(kLargestQty, 0) +
                       "\n\nEnter less containers or lower Adjust Qty",
                   "cmbContCount");
+  const auto price = PriceOf(session, work, fields, std::nullopt);
+  if (!price) return std::unexpected(price.error());
   const std::string container = Trim(fields.contID);
   for (int i = 1; i <= count; ++i) {
     InventoryRow row;
@@ -131,7 +152,7 @@ Result<void> AddLots(const Session& session, InventoryWork& work, const AdjustFi
     row.now.contID = ContainerName(container, i, fields.count);
     row.now.qty = quantity;
     row.now.date = fields.date.value_or(session.clock.Today());
-    row.now.price = RoundSingle(fields.price, session.DecimalPlaces);
+    row.now.price = *price;
     row.now.consignment = fields.consignment;
     work.rows.push_back(std::move(row));
   }

@@ -30,11 +30,14 @@ struct InventoryRow {
   std::optional<std::int32_t> key;  ///< `LotRefID` of a lot on file, 0 of Unlotted Inventory, nothing of a new row
   InventoryValues now;
   InventoryValues onFile;  ///< of a row that has a key: what was loaded
+  double entered = 0;      ///< what was added by hand since; a save adds it to what stands on file then
 };
 
 struct RemovedLot {
   std::int32_t LotRefID = 0;
   std::string LotNumber;
+  float qty = 0;       ///< on file when it was loaded
+  double entered = 0;  ///< what was added by hand until it went
 };
 
 struct InventoryTotals {
@@ -121,12 +124,14 @@ Result<void> RequireDateChangeable(const Session& session, const InventoryWork& 
 Result<void> ApplyAdjust(const Session& session, InventoryWork& work, const AdjustFields& fields);
 
 /// Writes what differs from the tables, in one transaction: stock, lots changed, added and removed, and the copies of
-/// changed lots in Batches and Job Records. The number of new lots that got no reference and so were left out, which is
-/// also told; the working copy has to be loaded anew afterwards. Refused while the file is an archive copy,
-/// and when the colour is gone.
+/// changed lots in Batches and Job Records. Stock that moved since it was loaded keeps that movement: what was entered
+/// is added to the present figure, and a lot that was used up meanwhile comes back with what was put into it. The
+/// number of new lots that got no reference and so were left out, which is also told; the working copy has to be loaded
+/// anew afterwards. Refused while the file is an archive copy, when the colour is gone, and when what was entered no
+/// longer fits what stands there; then nothing is written.
 Result<int> SaveInventory(Session& session, const InventoryWork& work);
 /// The same within the caller's transaction; whether the file may be written, and telling of what was left out, are the
 /// caller's.
-int WriteInventory(Session& session, const InventoryWork& work);
+Result<int> WriteInventory(Session& session, const InventoryWork& work);
 
 }  // namespace vellumark

@@ -139,7 +139,9 @@ Result<void> SaveWithStock(Session& session, const std::function<Result<void>()>
   {
     Transaction transaction(session.File());
     if (auto saved = saveColor(); !saved) return saved;
-    leftOut = WriteInventory(session, *stock);
+    const auto written = WriteInventory(session, *stock);
+    if (!written) return std::unexpected(written.error());
+    leftOut = *written;
     transaction.Commit();
   }
   if (leftOut > 0) ShowMaxLotUsage(session);

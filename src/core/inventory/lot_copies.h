@@ -1,26 +1,25 @@
 #pragma once
 
-#include <cstdint>
-#include <optional>
 #include <string>
-#include <string_view>
 
-#include "core/datafile/color_kind.h"
-#include "core/session/session.h"
+#include "core/datafile/stock_history.h"
+#include "core/inventory/lots.h"
 
 namespace vellumark {
 
-/// What is known of a lot where it was used or made.
-struct LotParticulars {
-  std::string LotNumber;
-  std::string LotLoc;
-  std::string LotContID;
-  std::optional<DateTime> LotDate;
+/// Who edits a lot, for its history.
+struct LotEdit {
+  ColorKind kind = ColorKind::Basic;
+  std::string name{};
+  std::string database{};  ///< empty for the current one
+  StockEvent event = StockEvent::ManualAdjust;
+  std::string document{};
 };
 
-/// Brings the copies of a lot that was edited in step: its number on the Batch that made it (a formula's), all
-/// particulars on the lines of Batches and Job Records that took from it. Within the caller's transaction.
-void UpdateLotCopies(Session& session, ColorKind kind, std::string_view name, const std::string& database,
-                     std::int32_t ref, const LotParticulars& lot);
+/// Writes everything of a lot that is on file but its quantity. The history finds it under each of its numbers and
+/// tells whose it was; the copies go in step: its number on the Batch that made it (a formula's), number, place and
+/// date on the lines of Batches and Job Records that took from it. Within the caller's transaction, which tells the
+/// change.
+void RewriteLot(Session& session, const LotEdit& edit, const LotRow& earlier, const LotRow& now);
 
 }  // namespace vellumark

@@ -1,5 +1,7 @@
 #include "core/inventory/stock_history.h"
 
+#include <fmt/format.h>
+
 #include <algorithm>
 #include <set>
 #include <tuple>
@@ -29,11 +31,41 @@ LotKey KeyOf(const StockLine& line, bool oneColor) {
   return {line.kind, oneColor ? std::string() : Upper(line.Color_Name), line.LotRefID};
 }
 
-void KeepLot(std::vector<StockLine>& lines, const std::string& lot, bool oneColor) {
+// The lots that bear the number now.
+std::set<LotKey> PresentLots(const Session& session, const std::string& database, const StockHistoryFilter& filter) {
+  std::set<LotKey> present;
+  for (const ColorKind kind : {ColorKind::Basic, ColorKind::Mix}) {
+    Statement lots = session.File().Prepare(fmt::format("SELECT LotCName, LotRefID FROM {} WHERE LotNumber = ?1{}",
+                                                        Quoted(session.Table(LotTable(kind), database)),
+                                                        filter.name ? " AND LotCName = ?2" : ""));
+    lots.Bind(1, Trim(*filter.lot));
+    if (filter.name) lots.Bind(2, *filter.name);
+    while (lots.Step())
+      present.emplace(kind, filter.name ? std::string() : Upper(lots.TextView(0)),
+                      static_cast<std::int32_t>(lots.Whole(1)));
+  }
+  return present;
+}
+
+// A lot that bears the number now is meant rather than an earlier one of its colour that bore it too.
+void PreferPresent(std::set<LotKey>& wanted, const std::set<LotKey>& present) {
+  std::set<std::pair<ColorKind, std::string>> colors;
+  for (const LotKey& key : present)
+    if (wanted.contains(key)) colors.emplace(std::get<0>(key), std::get<1>(key));
+  std::erase_if(wanted, [&](const LotKey& key) {
+    return colors.contains({std::get<0>(key), std::get<1>(key)}) && !present.contains(key);
+  });
+}
+
+void KeepLot(const Session& session, const std::string& database, const StockHistoryFilter& filter,
+             std::vector<StockLine>& lines) {
+  const std::string lot = Trim(*filter.lot);
+  const bool oneColor = filter.name.has_value();
   const bool unlotted = EqualNoCase(lot, kUnlottedInv);
   std::set<LotKey> wanted;
   for (const StockLine& line : lines)
     if (line.LotRefID != 0 && EqualNoCase(line.LotNumber, lot)) wanted.insert(KeyOf(line, oneColor));
+  if (!unlotted) PreferPresent(wanted, PresentLots(session, database, filter));
   std::erase_if(lines, [&](const StockLine& line) {
     if (line.LotRefID == 0) return !unlotted || line.event >= StockEvent::Renamed;
     return !wanted.contains(KeyOf(line, oneColor));
@@ -49,7 +81,7 @@ std::vector<StockLine> ListStockHistory(const Session& session, const StockHisto
       filter.name ? LinesOfColor(session, database, filter) : DatabaseStockLines(session.File(), database);
   if (!filter.name && filter.kind)
     std::erase_if(lines, [&](const StockLine& line) { return line.kind != *filter.kind; });
-  if (filter.lot) KeepLot(lines, Trim(*filter.lot), filter.name.has_value());
+  if (filter.lot) KeepLot(session, database, filter, lines);
   return lines;
 }
 

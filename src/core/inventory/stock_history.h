@@ -14,7 +14,8 @@ struct StockHistoryFilter {
   std::optional<std::string> name{};  ///< all colours without it
   std::optional<ColorKind> kind{};    ///< both without it
   std::string database{};             ///< empty for the current one
-  /// Only lots that ever bore this number, or Unlotted Inventory ("Unlotted Inv.").
+  /// Only lots that ever bore this number (of a colour that has lots of the number now: only those), or Unlotted
+  /// Inventory ("Unlotted Inv.").
   std::optional<std::string> lot{};
 };
 

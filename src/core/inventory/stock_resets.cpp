@@ -7,6 +7,7 @@
 
 #include "core/base/number.h"
 #include "core/base/progress_run.h"
+#include "core/colors/amounts.h"
 #include "core/datafile/writer.h"
 #include "core/inventory/lot_copies.h"
 #include "core/inventory/stock_change.h"
@@ -170,10 +171,10 @@ void ZeroUnlotted(Session& session, InventoryWork& work) {
   }
 }
 
-// Writes fields of a lot that is on file.
-void RewriteLot(Session& session, const InventoryWork& work, const LotRow& lot, const std::vector<Cell>& cells,
-                Transaction& transaction) {
-  UpdateRow(session.File(), LotTable(work.kind), session.Table(LotTable(work.kind), work.database), lot.row, cells);
+// Writes a lot that is on file anew.
+void Rewrite(Session& session, const InventoryWork& work, const LotRow& earlier, const LotRow& now,
+             Transaction& transaction) {
+  RewriteLot(session, {work.kind, work.name, work.database}, earlier, now);
   transaction.Note({ChangeKind(work.kind), work.database, work.name, Change::What::Updated, {}});
 }
 
@@ -208,6 +209,7 @@ Result<bool> ResetRowInventories(Session& session, InventoryWork& work, const st
   for (const std::size_t row : rows) {
     if (row == 0) {
       work.rows[0].now.qty = work.rows[0].onFile.qty = 0;
+      work.rows[0].entered = 0;
     } else {
       work.rows.erase(work.rows.begin() + static_cast<std::ptrdiff_t>(row));
     }
@@ -224,9 +226,9 @@ Result<bool> ResetRowDates(Session& session, InventoryWork& work, const std::vec
   Transaction transaction(session.File());
   for (const std::size_t row : rows) {
     if (const auto lot = LotOnFile(session, work, work.rows[row])) {
-      RewriteLot(session, work, *lot, {{"LotDate", date}}, transaction);
-      UpdateLotCopies(session, work.kind, work.name, work.database, lot->LotRefID,
-                      {lot->LotNumber, lot->LotLoc, lot->LotContID, date});
+      LotRow now = *lot;
+      now.LotDate = date;
+      Rewrite(session, work, *lot, now, transaction);
     }
   }
   transaction.Commit();
@@ -236,6 +238,8 @@ Result<bool> ResetRowDates(Session& session, InventoryWork& work, const std::vec
 
 Result<bool> ResetRowPrices(Session& session, InventoryWork& work, const std::vector<std::size_t>& checked,
                             float price) {
+  if (auto right = RequireRight(session, AmountKey::Currency, "cmbResetPrice"); !right)
+    return std::unexpected(right.error());
   std::vector<std::size_t> rows = FromBottom(work, checked);
   const auto may = MayRun(session, rows, "Reset Prices", "Reset all Lotted Prices ?");
   if (!may || !*may) return may;
@@ -243,8 +247,11 @@ Result<bool> ResetRowPrices(Session& session, InventoryWork& work, const std::ve
   const float rounded = RoundSingle(price, session.DecimalPlaces);
   Transaction transaction(session.File());
   for (const std::size_t row : rows) {
-    if (const auto lot = LotOnFile(session, work, work.rows[row]))
-      RewriteLot(session, work, *lot, {{"LotPrice", rounded}}, transaction);
+    if (const auto lot = LotOnFile(session, work, work.rows[row])) {
+      LotRow now = *lot;
+      now.LotPrice = rounded;
+      Rewrite(session, work, *lot, now, transaction);
+    }
   }
   transaction.Commit();
   for (const std::size_t row : rows) work.rows[row].now.price = work.rows[row].onFile.price = rounded;

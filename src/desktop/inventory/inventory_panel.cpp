@@ -181,6 +181,7 @@ void InventoryPanel::Detach() {
   changed_ = true;
   work_->removed.clear();
   work_->rows.front().onFile.qty = 0;
+  work_->rows.front().entered = static_cast<double>(work_->rows.front().now.qty);
   for (std::size_t row = 1; row < work_->rows.size(); ++row) work_->rows[row].key.reset();
   reset_->Show(nullptr, source_->checked);
 }

@@ -148,9 +148,19 @@ void StockHistoryForm::ShowLines() {
   count_->setText(lines == 1 ? tr("1 line") : tr("%1 lines").arg(QLocale().toString(lines)));
 }
 
+// Of two colours of one name the other one's rename leaves the name; it is followed when no colour bears it any more.
+bool StockHistoryForm::IsShown(const Change& change) const {
+  if (!EqualNoCase(change.database, session.CurrentDatabase)) return false;
+  if (shownKind_) return change.kind == ChangeKind(*shownKind_);
+  if (change.kind != Change::Kind::Basic && change.kind != Change::Kind::Mix) return false;
+  const ColorKind other = change.kind == Change::Kind::Mix ? ColorKind::Basic : ColorKind::Mix;
+  return !ColorIsThere(session, other, *shownName_);
+}
+
 void StockHistoryForm::OnChanges(const std::vector<Change>& changes) {
   for (const Change& change : changes) {
-    if (shownName_ && change.what == Change::What::Renamed && EqualNoCase(change.name, *shownName_)) {
+    if (shownName_ && change.what == Change::What::Renamed && EqualNoCase(change.name, *shownName_) &&
+        IsShown(change)) {
       shownName_ = change.newName;
       name_->SetText(change.newName);
     }

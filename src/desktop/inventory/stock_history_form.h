@@ -26,6 +26,7 @@ class StockHistoryForm : public Window {
 
  private:
   class Source;
+  bool IsShown(const Change& change) const;
   void ShowLines();
 
   std::optional<std::string> shownName_;

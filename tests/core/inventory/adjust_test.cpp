@@ -1,5 +1,8 @@
 #include "core/inventory/adjust.h"
 
+#include <cmath>
+
+#include "core/inventory/posting.h"
 #include "support/stock_room.h"
 
 namespace vellumark::test {
@@ -422,6 +425,87 @@ TEST(AdjustSave, IsAllOrNothing) {
   room.session.ArchiveView = true;
   EXPECT_EQ(SaveInventory(room.session, work).error().title, "Archive or Backup Data File");
   EXPECT_EQ(room.Inventory(kBasic, "RED"), Value(1.0F));
+}
+
+TEST(AdjustSave, AddsToWhatMovedMeanwhile) {
+  struct Case {
+    std::string name;
+    float inventory;
+    float lot;            // 0 for Unlotted Inventory
+    float entered;
+    float moved;
+    bool refused;
+    std::optional<float> after;
+  };
+  const std::vector<Case> cases{
+      {"a Batch took from unlotted stock", 100, 0, 10, -30, false, 80},
+      {"unlotted stock that is not enough any more", 100, 0, -90, -30, true, 70},
+      {"unlotted stock that the cutoff cleared on screen", 3, 0, -2.9F, 10, false, 10.1F},
+      {"unlotted stock that would be too large", 100, 0, 99000, 950, true, 1050},
+      {"a lot was taken from", 0, 60, 5, -20, false, 45},
+      {"a lot that was used up gets what was put in", 0, 20, 5, -20, false, 5},
+      {"a lot that was used up gives nothing", 0, 20, -5, -20, true, std::nullopt},
+      {"a lot that was emptied on screen keeps what a job returned", 0, 20, -20, 40, false, 40},
+      {"a lot whose rest the cutoff cleared on screen", 0, 20, -19.9F, 40, false, 40.1F},
+      {"a lot that was emptied on screen and used up", 0, 20, -20, -20, false, std::nullopt},
+      {"a lot that was emptied on screen and taken from", 0, 20, -20, -5, true, 15},
+  };
+  for (const ColorKind kind : {kBasic, kMix}) {
+    for (const Case& one : cases) {
+      SCOPED_TRACE(one.name);
+      StockRoom room;
+      room.Color(kind, "RED", one.inventory, {{"LotRefID", 1}});
+      std::optional<LotTarget> lot;
+      if (one.lot > 0) {
+        room.Lot(kind, "RED", 1, one.lot, {{"LotNumber", "A"}});
+        lot = LotTarget{.LotRefID = 1, .LotNumber = "A"};
+      }
+      InventoryWork work = LoadInventory(room.session, kind, "RED");
+      ASSERT_TRUE(ApplyAdjust(room.session, work, Fields(room, work, one.entered, lot ? "A" : "")));
+      const PostingSource source = one.moved < 0 ? PostingSource::BatchTakes : PostingSource::JobRecord;
+      PostStock(room.session, {source, kind, "RED", {}, std::abs(one.moved), lot});
+      const auto saved = SaveInventory(room.session, work);
+      EXPECT_EQ(saved.has_value(), !one.refused);
+      EXPECT_EQ(saved ? "" : saved.error().title, one.refused ? "Adjust Value" : "");
+      const std::vector<LotRow> lots = LotsOf(room.session, kind, "RED");
+      if (!lot) {
+        EXPECT_EQ(room.Inventory(kind, "RED"), Value(*one.after));
+      } else if (one.after) {
+        ASSERT_EQ(lots.size(), 1U);
+        EXPECT_EQ(lots[0].LotNumber, "A");
+        EXPECT_EQ(lots[0].LotQty, *one.after);
+      } else {
+        EXPECT_TRUE(lots.empty());
+      }
+    }
+  }
+}
+
+TEST(AdjustSave, PricesNeedTheRightToChangeCosts) {
+  for (const int right : {0, 1, 2}) {
+    SCOPED_TRACE(right);
+    StockRoom room;
+    room.Color(kBasic, "RED", 0);
+    room.Lot(kBasic, "RED", 1, 10, {{"LotNumber", "A"}, {"LotPrice", 1.5F}});
+    room.session.Perm_Costs = static_cast<std::uint8_t>(right);
+    InventoryWork work = LoadInventory(room.session, kBasic, "RED");
+    const auto adjust = [&](float price) {
+      AdjustFields fields = FieldsOfRow(room.session, work, 1);
+      fields.quantity = 1;
+      fields.price = price;
+      return ApplyAdjust(room.session, work, fields);
+    };
+    // With 0 the window reads the colour's price, since the lot's is not shown.
+    EXPECT_TRUE(adjust(right == 0 ? work.UnitCost() : 1.5F));
+    EXPECT_EQ(work.rows[1].now.price, 1.5F);
+    EXPECT_EQ(work.rows[1].now.qty, 11.0F);
+    const auto typed = adjust(9);
+    EXPECT_EQ(typed.has_value(), right != 1);
+    EXPECT_EQ(work.rows[1].now.price, right == 2 ? 9.0F : 1.5F);
+    AdjustFields fields = Fields(room, work, 3, "NEW");
+    EXPECT_TRUE(ApplyAdjust(room.session, work, fields));
+    EXPECT_EQ(work.rows[2].now.price, 4.0F);
+  }
 }
 
 TEST(AdjustSave, WithLottedInventoryOffTheLotsRest) {

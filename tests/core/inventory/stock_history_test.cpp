@@ -95,6 +95,36 @@ TEST_F(StockHistoryTest, ALotIsFoundUnderEachOfItsNumbers) {
   EXPECT_TRUE(History({.name = "RED", .kind = kMix}).empty());
 }
 
+TEST_F(StockHistoryTest, ALotThatTookOverANumberShowsItsOwnLines) {
+  Color(kBasic, "RED", 0);
+  PostStock(session, {ScanReturn, kBasic, "RED", {}, 6, LotTarget{.LotNumber = "A"}});
+  PostStock(session, {BatchTakes, kBasic, "RED", {}, 6, LotTarget{.LotRefID = 1}});
+  EXPECT_EQ(History({.name = "RED", .lot = "A"}).size(), 2U);
+  PostStock(session, {ScanReturn, kBasic, "RED", {}, 9, LotTarget{.LotNumber = "A"}});
+  EXPECT_EQ(History({.name = "RED", .lot = "a"}), (std::vector<std::string>{"Scan: RED 2 A 9 9 |"}));
+  EXPECT_EQ(History({.lot = "A"}), (std::vector<std::string>{"Scan: RED 2 A 9 9 |"}));
+  InventoryWork work = LoadInventory(session, kBasic, "RED");
+  AdjustFields fields = FieldsOfRow(session, work, 1);
+  fields.consignment = true;
+  ASSERT_TRUE(ApplyAdjust(session, work, fields));
+  ASSERT_TRUE(SaveInventory(session, work));
+  EXPECT_EQ(History({.name = "RED", .lot = "A"}),
+            (std::vector<std::string>{"Scan: RED 2 A 9 9 |", "Manual: RED 2 A 0 9 |Now on consignment"}));
+}
+
+TEST_F(StockHistoryTest, FollowsAFormulaThroughItsNames) {
+  Color(kMix, "TEAL", 0);
+  PostStock(session, {BatchMakes, kMix, "TEAL", {}, 12, {}});
+  ASSERT_TRUE(RenameColor(session, "TEAL", "LAGOON"));
+  PostStock(session, {BatchMakes, kMix, "LAGOON", {}, 3, {}});
+  EXPECT_EQ(History({.name = "LAGOON"}),
+            (std::vector<std::string>{"Batch made: TEAL 0 - 12 12 |", "Renamed from: LAGOON 0 - 0 0 |TEAL",
+                                      "Batch made: LAGOON 0 - 3 15 |"}));
+  Color(kMix, "TEAL", 0);
+  PostStock(session, {BatchMakes, kMix, "TEAL", {}, 1, {}});
+  EXPECT_EQ(History({.name = "TEAL"}), (std::vector<std::string>{"Batch made: TEAL 0 - 1 1 |"}));
+}
+
 TEST_F(StockHistoryTest, TellsOfColorsThatComeChangeAndGo) {
   NewBasic("RED", 5);
   NewBasic("BLUE", 0);

@@ -156,6 +156,19 @@ TEST_F(ResetRoom, CheckedRowsOfOneColor) {
   EXPECT_EQ(Scalar("SELECT LotLoc FROM JobRecords").Text(), "not saved");
 }
 
+TEST_F(ResetRoom, PricesNeedTheRightToChangeCosts) {
+  Color(ColorKind::Basic, "PRICED", 0);
+  Lot(ColorKind::Basic, "PRICED", 1, 10);
+  InventoryWork work = LoadInventory(session, ColorKind::Basic, "PRICED");
+  for (const int right : {0, 1}) {
+    session.Perm_Costs = static_cast<std::uint8_t>(right);
+    const auto done = ResetRowPrices(session, work, {1}, 7);
+    ASSERT_FALSE(done) << right;
+    EXPECT_EQ(done.error().title, "Permission Denied");
+  }
+  EXPECT_EQ(LotsOf(session, ColorKind::Basic, "PRICED").front().LotPrice, 1.0F);
+}
+
 TEST_F(ResetRoom, ALotThatABatchDatedKeepsItsDate) {
   AddRow(schema::Batch, {{"Color_Name", "PURPLE"}, {"BatchNo", 4}, {"LotRefID", 1}, {"LotNumber", "L1"}});
   Lot(kMix, "PURPLE", 2, 6);
