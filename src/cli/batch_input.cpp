@@ -28,7 +28,7 @@ std::string NotAField(const std::string& text) {
 }
 
 std::string NotALot(const std::string& text) {
-  const auto pair = SplitPair(text, true);
+  const auto pair = SplitPair(text);
   return pair && !pair->first.empty() && pair->second.find(':') != std::string::npos
              ? ""
              : fmt::format("{}: expected NAME=LOTNUMBER:QTY", text);
@@ -245,25 +245,36 @@ Result<void> TakeFromLots(LotSelectionWork& work, const std::string& number, dou
   return {};
 }
 
+// Names and lot numbers may hold "=" too: the longest beginning that names a line is the name. Where none does, the text
+// before the last mark is told.
+Result<std::pair<std::size_t, std::string>> LineAndLot(const Session& session, const BatchRecord& record,
+                                                       const std::string& option) {
+  for (std::size_t mark = option.rfind('='); mark != std::string::npos && mark > 0; mark = option.rfind('=', mark - 1)) {
+    const auto name = TypedName(session, option.substr(0, mark));
+    if (!name) continue;
+    if (const auto row = RowNamed(session, record, *name)) return std::pair{*row, option.substr(mark + 1)};
+  }
+  const auto name = TypedName(session, SplitPair(option, true)->first);
+  if (!name) return std::unexpected(name.error());
+  return Refuse("Lot Selections", fmt::format("{} is no line of this Batch.", *name), "IngName");
+}
+
 Result<void> TakeLots(Session& session, BatchRecord& record, const std::string& option) {
   if (session.InvLotTracking != 1)
     return Refuse("Lotted Inventory", "Lotted Inventory is turned off; no lot can be named.", "cmbLotNum");
-  const auto [typed, lot] = SplitPair(option, true).value();
-  const std::size_t colon = lot.rfind(':');
-  const std::string number = Trim(lot.substr(0, colon));
-  const auto quantity = ParseNumber(lot.substr(colon + 1));
-  if (!quantity || !(*quantity > 0)) return NoNumber("QTY", lot.substr(colon + 1));
-  const auto name = TypedName(session, typed);
-  if (!name) return std::unexpected(name.error());
-  const auto row = RowNamed(session, record, *name);
-  if (!row) return Refuse("Lot Selections", fmt::format("{} is no line of this Batch.", *name), "IngName");
-  if (auto open = OpenRowLots(session, record, *row); !open) return open;
-  const BatchRow& shown = record.work.Rows[*row];
-  auto work = LoadLotSelection(session, shown.name, LineKind(shown.kind), LotNeed(session, record, *row),
-                               record.work.UMF, RowLots(record, *row));
+  const std::size_t colon = option.rfind(':');
+  const auto quantity = ParseNumber(option.substr(colon + 1));
+  if (!quantity || !(*quantity > 0)) return NoNumber("QTY", option.substr(colon + 1));
+  const auto found = LineAndLot(session, record, option.substr(0, colon));
+  if (!found) return std::unexpected(found.error());
+  const std::size_t row = found->first;
+  if (auto open = OpenRowLots(session, record, row); !open) return open;
+  const BatchRow& shown = record.work.Rows[row];
+  auto work = LoadLotSelection(session, shown.name, LineKind(shown.kind), LotNeed(session, record, row),
+                               record.work.UMF, RowLots(record, row));
   if (!work) return std::unexpected(work.error());
-  if (auto taken = TakeFromLots(*work, number, RoundTo(*quantity, 3)); !taken) return taken;
-  return SetRowLots(session, record, *row, work->Selection());
+  if (auto taken = TakeFromLots(*work, Trim(found->second), RoundTo(*quantity, 3)); !taken) return taken;
+  return SetRowLots(session, record, row, work->Selection());
 }
 
 Result<void> TakeJobs(Session& session, BatchRecord& record, const BatchInput& input) {

@@ -65,26 +65,30 @@ Result<Json> List(Context& context) {
   return answer;
 }
 
-Result<void> TakePair(const Session& session, BasicWork& work, const std::string& field, const std::string& value) {
+Result<void> TakePair(BasicWork& work, const std::string& field, const std::string& value) {
   if (field == "Additive") {
     const auto additive = ReadYesNo(field, value);
     if (!additive) return std::unexpected(additive.error());
     work.Additive = *additive;
   }
-  return TakeColorField(session, ColorKind::Basic, work, field, value);
+  TakeColorField(work, field, value);
+  return {};
 }
 
 Result<Json> Save(Context& context, BasicWork work, std::vector<std::string> pairs) {
   const auto swatch = TakeSwatch(pairs);
   if (!swatch) return std::unexpected(swatch.error());
+  const auto inventory = TakeInventory(pairs, false);
   for (const std::string& text : pairs) {
     const auto pair = SplitPair(text);
     const std::string field = KnownField(pair->first, SettableFields(ColorKind::Basic), false);
-    if (auto taken = TakePair(context.session, work, field, pair->second); !taken)
+    if (auto taken = TakePair(work, field, pair->second); !taken)
       return std::unexpected(taken.error());
   }
   Transaction transaction(context.session.File());
-  if (auto saved = SaveBasic(context.session, work); !saved) return std::unexpected(saved.error());
+  const auto saved = SaveWithInventory(context.session, ColorKind::Basic, work.Color_Name, inventory,
+                                       [&] { return SaveBasic(context.session, work); });
+  if (!saved) return std::unexpected(saved.error());
   if (swatch->Any())
     if (auto set = SetSwatch(context.session, ColorKind::Basic, work.Color_Name, *swatch); !set)
       return std::unexpected(set.error());

@@ -5,8 +5,8 @@
 #include <array>
 
 #include "core/base/text.h"
-#include "core/colors/amounts.h"
 #include "core/colors/names.h"
+#include "core/inventory/color_stock.h"
 
 namespace vellumark::cli {
 
@@ -46,8 +46,7 @@ std::vector<std::string> SettableFields(ColorKind kind) {
           "Notes",      "Inv_Note",  "VOC",     "HAP"};
 }
 
-Result<void> TakeColorField(const Session& session, ColorKind kind, ColorWork& work, std::string_view field,
-                            const std::string& value) {
+void TakeColorField(ColorWork& work, std::string_view field, const std::string& value) {
   using Text = std::pair<std::string_view, std::string ColorWork::*>;
   static constexpr std::array kTexts{Text{"Color_Code", &ColorWork::Color_Code},
                                      Text{"Reorder", &ColorWork::Reorder},
@@ -58,12 +57,27 @@ Result<void> TakeColorField(const Session& session, ColorKind kind, ColorWork& w
                                      Text{"HAP", &ColorWork::HAP}};
   for (const auto& [name, text] : kTexts)
     if (name == field) work.*text = value;
-  if (field == "Inventory") {
-    const auto quantity = ReadInventory(session, kind, value);
-    if (!quantity) return std::unexpected(quantity.error());
-    work.Inventory = *quantity;
-  }
-  return {};
+}
+
+std::optional<std::string> TakeInventory(std::vector<std::string>& pairs, bool exact) {
+  std::optional<std::string> typed;
+  std::erase_if(pairs, [&](const std::string& text) {
+    const auto pair = SplitPair(text);
+    if (!pair || KnownField(pair->first, {"Inventory"}, exact).empty()) return false;
+    typed = pair->second;
+    return true;
+  });
+  return typed;
+}
+
+Result<void> SaveWithInventory(Session& session, ColorKind kind, const std::string& name,
+                               const std::optional<std::string>& typed,
+                               const std::function<Result<void>()>& saveColor) {
+  if (!typed) return saveColor();
+  InventoryWork stock =
+      ColorIsThere(session, kind, name) ? LoadInventory(session, kind, name) : NewInventory(session, kind, name);
+  if (auto set = SetUnlotted(session, stock, *typed); !set) return set;
+  return SaveWithStock(session, saveColor, &stock);
 }
 
 std::string KnownField(std::string_view typed, const std::vector<std::string>& fields, bool exact) {

@@ -1,6 +1,8 @@
 #pragma once
 
+#include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -33,9 +35,14 @@ Result<bool> ReadYesNo(const std::string& field, std::string_view text);
 
 /// The fields of a colour that FIELD=VALUE may set.
 std::vector<std::string> SettableFields(ColorKind kind);
-/// Sets one of those that both kinds of colour have; the others are left to the caller.
-Result<void> TakeColorField(const Session& session, ColorKind kind, ColorWork& work, std::string_view field,
-                            const std::string& value);
+/// Sets one of those that both kinds of colour have in their rows; the others are left to the caller.
+void TakeColorField(ColorWork& work, std::string_view field, const std::string& value);
+
+/// Takes "Inventory=QTY" out of `pairs`: stock is no field like the others.
+std::optional<std::string> TakeInventory(std::vector<std::string>& pairs, bool exact);
+/// Saves a colour and posts the Unlotted Inventory that was typed for it, both or neither.
+Result<void> SaveWithInventory(Session& session, ColorKind kind, const std::string& name,
+                               const std::optional<std::string>& typed, const std::function<Result<void>()>& saveColor);
 
 /// The pair's field in the spelling of the table; empty when it is none of `fields`. Case does not count unless
 /// `exact`.

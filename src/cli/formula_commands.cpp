@@ -106,13 +106,14 @@ Result<Json> List(Context& context, const std::string& ingredient) {
   return answer;
 }
 
-Result<void> TakeField(const Session& session, FormulaWork& work, const std::string& field, const std::string& value) {
+Result<void> TakeField(FormulaWork& work, const std::string& field, const std::string& value) {
   if (field == "Recycle") {
     const auto recycle = ReadYesNo(field, value);
     if (!recycle) return std::unexpected(recycle.error());
     work.Recycle = *recycle;
   }
-  return TakeColorField(session, ColorKind::Mix, work, field, value);
+  TakeColorField(work, field, value);
+  return {};
 }
 
 Result<void> TakeIngredient(Session& session, FormulaWork& work, std::size_t row, const std::string& typed,
@@ -148,7 +149,7 @@ Result<void> TakePairs(Session& session, FormulaWork& work, const FormulaOptions
     const std::string field = KnownField(pair->first, SettableFields(ColorKind::Mix), true);
     if (field.empty()) {
       ingredients.push_back(*SplitPair(text, true));
-    } else if (auto taken = TakeField(session, work, field, pair->second); !taken) {
+    } else if (auto taken = TakeField(work, field, pair->second); !taken) {
       return taken;
     }
   }
@@ -164,10 +165,25 @@ Result<void> TakePairs(Session& session, FormulaWork& work, const FormulaOptions
   return ChooseAdditiveSet(session, work, *options.additiveSet);
 }
 
-// The recipe and the swatch, both or neither.
-Result<void> SaveWithSwatch(Session& session, FormulaWork& work, const SwatchChange& swatch) {
+// What stands beside the recipe among the pairs.
+struct Beside {
+  SwatchChange swatch;
+  std::optional<std::string> inventory;
+};
+
+Result<Beside> TakeBeside(std::vector<std::string>& pairs) {
+  auto swatch = TakeSwatch(pairs);
+  if (!swatch) return std::unexpected(swatch.error());
+  return Beside{*swatch, TakeInventory(pairs, true)};
+}
+
+// The recipe, the swatch and the stock, all or nothing.
+Result<void> SaveAll(Session& session, FormulaWork& work, const Beside& beside) {
+  const SwatchChange& swatch = beside.swatch;
   Transaction transaction(session.File());
-  if (auto saved = SaveMix(session, work); !saved) return std::unexpected(saved.error());
+  auto saved = SaveWithInventory(session, ColorKind::Mix, work.Color_Name, beside.inventory,
+                                 [&] { return SaveMix(session, work); });
+  if (!saved) return saved;
   if (swatch.Any())
     if (auto set = SetSwatch(session, ColorKind::Mix, work.Color_Name, swatch); !set) return set;
   transaction.Commit();
@@ -175,8 +191,8 @@ Result<void> SaveWithSwatch(Session& session, FormulaWork& work, const SwatchCha
 }
 
 Result<Json> Add(Context& context, FormulaOptions options) {
-  const auto swatch = TakeSwatch(options.pairs);
-  if (!swatch) return std::unexpected(swatch.error());
+  const auto beside = TakeBeside(options.pairs);
+  if (!beside) return std::unexpected(beside.error());
   Session& session = context.session;
   const auto valid = NewTypedName(session, options.name);
   if (!valid) return std::unexpected(valid.error());
@@ -192,18 +208,18 @@ Result<Json> Add(Context& context, FormulaOptions options) {
     return Declined("Master Formula - New Master Formula", name);
   FormulaWork work = NewFormulaWork(session, name);
   if (auto taken = TakePairs(session, work, options); !taken) return std::unexpected(taken.error());
-  if (auto saved = SaveWithSwatch(session, work, *swatch); !saved) return std::unexpected(saved.error());
+  if (auto saved = SaveAll(session, work, *beside); !saved) return std::unexpected(saved.error());
   return Answer(context, work.Color_Name);
 }
 
 Result<Json> Edit(Context& context, FormulaOptions options) {
-  const auto swatch = TakeSwatch(options.pairs);
-  if (!swatch) return std::unexpected(swatch.error());
+  const auto beside = TakeBeside(options.pairs);
+  if (!beside) return std::unexpected(beside.error());
   const auto mix = Named(context.session, options.name);
   if (!mix) return std::unexpected(mix.error());
   FormulaWork work = LoadFormulaWork(context.session, *mix);
   if (auto taken = TakePairs(context.session, work, options); !taken) return std::unexpected(taken.error());
-  if (auto saved = SaveWithSwatch(context.session, work, *swatch); !saved) return std::unexpected(saved.error());
+  if (auto saved = SaveAll(context.session, work, *beside); !saved) return std::unexpected(saved.error());
   return Answer(context, work.Color_Name);
 }
 

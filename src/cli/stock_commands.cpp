@@ -6,6 +6,7 @@
 #include "core/base/number.h"
 #include "core/base/text.h"
 #include "core/base/units.h"
+#include "core/colors/amounts.h"
 #include "core/inventory/adjust.h"
 #include "core/inventory/stock_history.h"
 #include "core/inventory/stock_list.h"
@@ -163,6 +164,8 @@ Result<AdjustFields> FieldsOf(const Session& session, const InventoryWork& work,
   fields.quantity = quantity;
   if (options.consignment || options.noConsignment) fields.consignment = options.consignment;
   if (options.price) {
+    if (const auto right = RequireRight(session, AmountKey::Currency, "cmbPrice"); !right)
+      return std::unexpected(right.error());
     const auto price = ReadLotPrice(session, work, *options.price);
     if (!price) return std::unexpected(price.error());
     fields.price = *price;

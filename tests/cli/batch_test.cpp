@@ -188,6 +188,10 @@ TEST(CliBatch, TakesLotsByTheirNumbers) {
   const auto made = shop.Json({"stock", "show", "TARGET"})[0];
   EXPECT_EQ(made["lots"][0]["LotNumber"], "MADE");
   EXPECT_EQ(made["lots"][0]["LotLoc"], "SHELF");
+  shop.Json({"stock", "adjust", "RED", "60", "--lot", "A=1:B:", "--kind", "basic"});
+  shop.Json({"batch", "save", "--formula", "TARGET", "--quantity", "100", "--mix", "--lot", "RED=A=1:B::60", "--lot",
+             "BLUE=A1:40"});
+  EXPECT_EQ(shop.Json({"stock", "show", "RED"})[0]["lots"].size(), 1U);
   EXPECT_EQ(made["lots"][0]["LotQty"], 100);
 }
 

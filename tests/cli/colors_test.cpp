@@ -28,6 +28,14 @@ TEST(CliColors, FieldsGoInAndComeOut) {
   ASSERT_EQ(all.size(), 2U);
   EXPECT_EQ(all[1]["Inventory"], 2.5);
   EXPECT_EQ(all[0]["IngSort"], 1);
+  // Stock that is typed is posted by hand: at or below the cutoff it is nothing.
+  EXPECT_EQ(shop.Json({"color", "set", "RED", "Inventory=0.4", "VOC=1"})["Inventory"], 0);
+  EXPECT_EQ(shop.Json({"formula", "add", "PINK", "RED=1", "Inventory=7"})["Inventory"], 7);
+  EXPECT_EQ(shop.Json({"formula", "edit", "PINK", "Inventory=0.5"})["Inventory"], 0);
+  const ordered_json pink = shop.Json({"stock", "history", "PINK"});
+  ASSERT_EQ(pink.size(), 2U);
+  EXPECT_EQ(pink[1]["Source"], "Manual");
+  EXPECT_EQ(pink[1]["Change"], -7);
 }
 
 TEST(CliColors, AChangedFigureReachesTheFormulasWithTheSameCommand) {

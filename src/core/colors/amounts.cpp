@@ -57,14 +57,6 @@ Result<float> ReadAmount(const Session& session, AmountKey key, std::string_view
                 std::string(field));
 }
 
-Result<float> ReadInventory(const Session& session, ColorKind kind, std::string_view typed) {
-  auto quantity = ReadAmount(session, AmountKey::AdjInv, typed, "Inventory");
-  const bool mayBeNegative = kind == ColorKind::Basic && LeadingInteger(GetSupportValue(session, "AllowNegInv")) == 1;
-  if (quantity && *quantity < 0 && !mayBeNegative)
-    return Refuse("Adjust Value", "New Inventory is less than zero.\nNegative Inventory not allowed.", "Inventory");
-  return quantity;
-}
-
 Result<void> RequireRight(const Session& session, AmountKey key, std::string_view field) {
   const auto deny = [&](std::string_view what) {
     return Refuse("Permission Denied",

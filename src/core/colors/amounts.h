@@ -3,7 +3,6 @@
 #include <string>
 #include <string_view>
 
-#include "core/datafile/color_kind.h"
 #include "core/session/session.h"
 
 namespace vellumark {
@@ -21,10 +20,6 @@ std::string AmountText(const Session& session, AmountKey key, float value);
 /// Reads a typed number: trimmed, rounded to its decimals, then compared with its range (0 to 99999; adjustments and
 /// measurements from -99999). Refused with the focus on `field`.
 Result<float> ReadAmount(const Session& session, AmountKey key, std::string_view typed, std::string_view field);
-
-/// The quantity of Unlotted Inventory of a Basic Color or a formula, three decimals. Below zero it is refused for a
-/// formula, and for a Basic Color unless negative inventory is allowed.
-Result<float> ReadInventory(const Session& session, ColorKind kind, std::string_view typed);
 
 /// The rights to type into price and emission fields; other keys need none.
 Result<void> RequireRight(const Session& session, AmountKey key, std::string_view field);

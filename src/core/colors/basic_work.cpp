@@ -127,15 +127,13 @@ Result<void> SaveBasic(Session& session, BasicWork& work) {
   std::vector<Cell> cells = ColorCells(session, work, *figures);
   cells.emplace_back("Additive", work.Additive);
   if (isNew) {
-    const std::vector<Cell> more = NewColorCells(session, work, BookDataOfBasic(session, work.Color_Name));
+    const std::vector<Cell> more = NewColorCells(session, BookDataOfBasic(session, work.Color_Name));
     cells.insert(cells.end(), more.begin(), more.end());
     cells.emplace_back("IngSort", NextIngSort(session));
   }
   const std::string table = session.Table(schema::Basic);
   Transaction transaction(session.File());
   std::int64_t rowId = work.rowId;
-  if (work.Inventory)
-    TraceEnteredStock(session, ColorKind::Basic, work.Color_Name, rowId, RoundSingle(*work.Inventory, 3));
   if (isNew) {
     rowId = InsertRow(session.File(), schema::Basic, table, cells);
   } else if (!UpdateRow(session.File(), schema::Basic, table, rowId, cells)) {

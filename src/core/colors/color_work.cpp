@@ -58,21 +58,19 @@ std::vector<Cell> ColorCells(const Session& session, const ColorWork& work, cons
                           {"Notes", TrimmedNotes(work.Notes)},
                           {"VOC", figures.VOC},
                           {"HAP", figures.HAP}};
-  if (work.Inventory) cells.emplace_back("Inventory", RoundSingle(*work.Inventory, 3));
   return cells;
 }
 
-std::vector<Cell> NewColorCells(const Session& session, const ColorWork& work, const BookData& book) {
-  std::vector<Cell> cells{{"LotRefID", 0},
-                          {"Date_Entered", session.clock.Today()},
-                          {"Color_Guide", book.Color_Guide},
-                          {"Page", book.Page},
-                          {"Row", book.Row},
-                          {"Red", book.Red},
-                          {"Green", book.Green},
-                          {"Blue", book.Blue}};
-  if (!work.Inventory) cells.emplace_back("Inventory", 0.0F);
-  return cells;
+std::vector<Cell> NewColorCells(const Session& session, const BookData& book) {
+  return {{"LotRefID", 0},
+          {"Inventory", 0.0F},
+          {"Date_Entered", session.clock.Today()},
+          {"Color_Guide", book.Color_Guide},
+          {"Page", book.Page},
+          {"Row", book.Row},
+          {"Red", book.Red},
+          {"Green", book.Green},
+          {"Blue", book.Blue}};
 }
 
 std::string TrimmedNotes(std::string_view notes) {

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -23,7 +22,6 @@ struct ColorWork {
   std::string HAP;
   std::string Inv_Note;
   std::string Notes;
-  std::optional<float> Inventory;  ///< quantity of the Unlotted Inv. row when it was worked on; else left as it is
 
   // The texts as they were loaded: what has changed needs a right, and makes the formulas' roll-ups stale.
   std::string loadedPurchaseCost;
@@ -56,7 +54,7 @@ void LoadColorFields(const Session& session, const Color& color, ColorWork& work
 
 /// What a save writes of these fields into a row, and what a new row gets besides.
 std::vector<Cell> ColorCells(const Session& session, const ColorWork& work, const ColorFigures& figures);
-std::vector<Cell> NewColorCells(const Session& session, const ColorWork& work, const BookData& book);
+std::vector<Cell> NewColorCells(const Session& session, const BookData& book);
 
 /// Notes as they are saved: blanks at the ends go, then line ends one by one, so that a note ends in no empty line.
 std::string TrimmedNotes(std::string_view notes);

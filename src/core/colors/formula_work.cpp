@@ -294,13 +294,11 @@ Result<void> SaveMix(Session& session, FormulaWork& work) {
   std::vector<Cell> cells = ColorCells(session, work, *figures);
   cells.emplace_back("Recycle", work.Recycle);
   if (isNew) {
-    const std::vector<Cell> more = NewColorCells(session, work, BookDataOfMix(session, work.Color_Name));
+    const std::vector<Cell> more = NewColorCells(session, BookDataOfMix(session, work.Color_Name));
     cells.insert(cells.end(), more.begin(), more.end());
   }
   if (withRecipe) cells.emplace_back("LastModified", session.clock.Today());
   Transaction transaction(session.File());
-  if (work.Inventory)
-    TraceEnteredStock(session, ColorKind::Mix, work.Color_Name, work.rowId, RoundSingle(*work.Inventory, 3));
   if (withRecipe) {
     AddIngredients(session, work);
     if (WriteRecipe(session, work, StoredRecipe(session, work), cells) == 0) return Gone(work);

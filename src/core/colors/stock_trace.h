@@ -1,6 +1,5 @@
 #pragma once
 
-#include <cstdint>
 #include <string>
 #include <string_view>
 
@@ -11,9 +10,6 @@ namespace vellumark {
 
 // What the stock history has to know of changes to the colours themselves. Each is called inside the transaction of the
 // change.
-
-/// Before a colour's row is written with stock that was entered among its own fields. `rowId` is 0 of a new one.
-void TraceEnteredStock(Session& session, ColorKind kind, const std::string& name, std::int64_t rowId, float inventory);
 
 /// Removes the lots and measurements of a colour that goes, with a line for every figure of stock that goes with it.
 void GiveUpColorStock(Session& session, ColorKind kind, std::string_view database, const std::string& name,

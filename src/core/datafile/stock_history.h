@@ -29,7 +29,7 @@ enum class StockEvent : int {
   Reset = 9,
   BatchRestores = 10,
   Opening = 20,       ///< what stood there when the history began
-  ColorEdited = 21,   ///< the stock was entered with the colour's own fields
+  ColorEdited = 21,   ///< earlier: the stock was entered with the colour's own fields
   ColorDeleted = 22,  ///< the colour went, or was merged into another
   Copied = 23,        ///< a Database that was made as a copy of another
   Renamed = 30,       ///< under the old name; the reason is the new one

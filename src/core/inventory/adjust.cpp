@@ -288,4 +288,12 @@ Result<void> ApplyAdjust(const Session& session, InventoryWork& work, const Adju
   return AddLots(session, work, fields);
 }
 
+Result<void> SetUnlotted(const Session& session, InventoryWork& work, std::string_view typed) {
+  const auto wanted = ReadAdjustQuantity(typed);
+  if (!wanted) return std::unexpected(wanted.error());
+  AdjustFields fields = ClearedFields(session, work);
+  fields.quantity = *wanted - work.rows.front().now.qty;
+  return AdjustUnlotted(ReadStockRules(session), work, fields);
+}
+
 }  // namespace vellumark

@@ -123,6 +123,9 @@ Result<void> RequireDateChangeable(const Session& session, const InventoryWork& 
 /// that matches, or as new lots. Refused: too large, negative where that is not allowed, too many containers.
 Result<void> ApplyAdjust(const Session& session, InventoryWork& work, const AdjustFields& fields);
 
+/// The same for the figure that Unlotted Inventory is to have, as typed: the entry that leads there.
+Result<void> SetUnlotted(const Session& session, InventoryWork& work, std::string_view typed);
+
 /// Writes what differs from the tables, in one transaction: stock, lots changed, added and removed, and the copies of
 /// changed lots in Batches and Job Records. Stock that moved since it was loaded keeps that movement: what was entered
 /// is added to the present figure, and a lot that was used up meanwhile comes back with what was put into it. The

@@ -1,6 +1,8 @@
 // What stands before a change and before a save: guards, checks and questions in their order; what the colour made does
 // in stock when it is saved again.
 
+#include "core/base/number.h"
+#include "core/inventory/stock_history.h"
 #include "life_room.h"
 
 namespace vellumark {
@@ -165,6 +167,10 @@ TEST_P(SavedAgain, MovesOnlyTheDifferenceOfWhatItMade) {
   if (!lot.IsNull()) {
     EXPECT_EQ(room.Scalar("SELECT LotNumber FROM INK_Mix_LotInv").Text(), made.lotAfter);
     EXPECT_EQ(room.OfBatch("LotRefID").Whole(), room.Scalar("SELECT LotRefID FROM INK_Mix_LotInv").Whole());
+    double moved = 0;
+    for (const StockLine& line : ListStockHistory(room.session, {.name = "PINK", .lot = made.lotAfter}))
+      moved += line.change;
+    EXPECT_EQ(RoundSingle(moved, 3), made.lotted) << "the history finds the lot by its number";
   }
   EXPECT_LE(room.Scalar("SELECT COUNT(*) FROM INK_Mix_LotInv").Whole(), 1);
 }

@@ -7,6 +7,7 @@
 #include "core/colors/basic_work.h"
 #include "core/colors/rename.h"
 #include "core/inventory/adjust.h"
+#include "core/inventory/color_stock.h"
 #include "core/inventory/posting.h"
 #include "core/inventory/stock_resets.h"
 #include "support/stock_room.h"
@@ -32,8 +33,10 @@ struct StockHistoryTest : ::testing::Test, StockRoom {
   }
   void NewBasic(const std::string& name, float inventory) {
     BasicWork work = NewBasicWork(session, name);
-    work.Inventory = inventory;
-    ASSERT_TRUE(SaveBasic(session, work));
+    InventoryWork stock = NewInventory(session, kBasic, name);
+    ASSERT_TRUE(SetUnlotted(session, stock, ShortestText(inventory)));
+    ASSERT_TRUE(SaveWithStock(
+        session, [&] { return SaveBasic(session, work); }, &stock));
   }
 };
 
@@ -129,15 +132,15 @@ TEST_F(StockHistoryTest, TellsOfColorsThatComeChangeAndGo) {
   NewBasic("RED", 5);
   NewBasic("BLUE", 0);
   BasicWork work = LoadBasicWork(session, *ReadBasic(session, "RED"));
-  work.Inventory = 4.25F;
-  ASSERT_TRUE(SaveBasic(session, work));
-  work.Inventory.reset();
+  InventoryWork stock = LoadInventory(session, kBasic, "RED");
+  ASSERT_TRUE(SetUnlotted(session, stock, "4.25"));
+  ASSERT_TRUE(SaveInventory(session, stock));
   ASSERT_TRUE(SaveBasic(session, work));
   PostStock(session, {ScanReturn, kBasic, "RED", {}, 2, LotTarget{.LotNumber = "A"}});
   prompt.Expect("Basic Color Window - Delete Basic Color?", Answer::Yes);
   ASSERT_TRUE(DeleteBasic(session, "RED"));
   EXPECT_EQ(History({.name = "RED"}),
-            (std::vector<std::string>{"Color edited: RED 0 - 5 5 |", "Color edited: RED 0 - -0.75 4.25 |",
+            (std::vector<std::string>{"Manual: RED 0 - 5 5 |", "Manual: RED 0 - -0.75 4.25 |",
                                       "Scan: RED 1 A 2 2 |", "Color deleted: RED 0 - -4.25 0 |",
                                       "Color deleted: RED 1 A -2 0 |"}));
   EXPECT_TRUE(History({.name = "BLUE"}).empty());
@@ -150,25 +153,25 @@ TEST_F(StockHistoryTest, FollowsAColorThroughItsNames) {
   PostStock(session, {ManualAdjust, kBasic, "CRIMSON", {}, 1, {}});
   ASSERT_TRUE(RenameBasic(session, "CRIMSON", "SCARLET"));
   PostStock(session, {ManualAdjust, kBasic, "SCARLET", {}, 1, {}});
-  const std::vector<std::string> scarlet{"Color edited: RED 0 - 5 5 |", "Renamed from: CRIMSON 0 - 0 0 |RED",
+  const std::vector<std::string> scarlet{"Manual: RED 0 - 5 5 |", "Renamed from: CRIMSON 0 - 0 0 |RED",
                                          "Manual: CRIMSON 0 - 1 6 |", "Renamed from: SCARLET 0 - 0 0 |CRIMSON",
                                          "Manual: SCARLET 0 - 1 7 |"};
   EXPECT_EQ(History({.name = "SCARLET"}), scarlet);
   // The old name leads to the new one, until another colour bears it.
   EXPECT_EQ(History({.name = "RED"}),
-            (std::vector<std::string>{"Color edited: RED 0 - 5 5 |", "Renamed to: RED 0 - 0 0 |CRIMSON"}));
-  NewBasic("RED", 0.5F);
-  EXPECT_EQ(History({.name = "RED"}), (std::vector<std::string>{"Color edited: RED 0 - 0.5 0.5 |"}));
+            (std::vector<std::string>{"Manual: RED 0 - 5 5 |", "Renamed to: RED 0 - 0 0 |CRIMSON"}));
+  NewBasic("RED", 0.75F);
+  EXPECT_EQ(History({.name = "RED"}), (std::vector<std::string>{"Manual: RED 0 - 0.75 0.75 |"}));
   // Names that change hands.
   ASSERT_TRUE(RenameBasic(session, "RED", "CRIMSON"));
   EXPECT_EQ(History({.name = "CRIMSON"}),
-            (std::vector<std::string>{"Color edited: RED 0 - 0.5 0.5 |", "Renamed from: CRIMSON 0 - 0 0 |RED"}));
+            (std::vector<std::string>{"Manual: RED 0 - 0.75 0.75 |", "Renamed from: CRIMSON 0 - 0 0 |RED"}));
   EXPECT_EQ(History({.name = "SCARLET"}), scarlet);
   // A colour that is merged gives its stock up; the survivor keeps its own.
   prompt.Expect(std::string(20, ' ') + "Basic Color Name Exists", Answer::Yes);
   ASSERT_TRUE(RenameBasic(session, "GREEN", "SCARLET"));
   EXPECT_EQ(History({.name = "GREEN"}),
-            (std::vector<std::string>{"Color edited: GREEN 0 - 3 3 |",
+            (std::vector<std::string>{"Manual: GREEN 0 - 3 3 |",
                                       "Color deleted: GREEN 0 - -3 0 |Merged into SCARLET"}));
   EXPECT_EQ(History({.name = "SCARLET"}), scarlet);
 }
@@ -180,7 +183,7 @@ TEST_F(StockHistoryTest, FollowsADatabaseThroughItsNames) {
   AddStockLine(session.File(), {.database = "FLEXO", .Color_Name = "RED", .change = 1, .result = 6});
   // Another Database takes the old name, and is deleted; a third begins anew.
   AddStockLine(session.File(), {.database = "INK", .Color_Name = "GREEN", .change = 2, .result = 2});
-  const std::vector<std::string> flexo{"Color edited: RED 0 - 5 5 |", "Database renamed from:  0 - 0 0 |INK",
+  const std::vector<std::string> flexo{"Manual: RED 0 - 5 5 |", "Database renamed from:  0 - 0 0 |INK",
                                        "Manual: RED 0 - 1 6 |"};
   EXPECT_EQ(History({.database = "FLEXO"}), flexo);
   EXPECT_EQ(History({.database = "INK"}), (std::vector<std::string>{"Manual: GREEN 0 - 2 2 |"}));

@@ -20,10 +20,10 @@ TEST(StockTrace, FollowsDatabasesThatAreRenamedCopiedAndDeleted) {
   using Lines = std::vector<std::string>;
   test::InkRoom room;
   Session& session = room.session;
-  BasicWork work = NewBasicWork(session, "RED");
-  work.Inventory = 5;
-  ASSERT_TRUE(SaveBasic(session, work));
   room.Setting("AllowNegInv", "1");
+  BasicWork work = NewBasicWork(session, "RED");
+  ASSERT_TRUE(SaveBasic(session, work));
+  PostStock(session, {PostingSource::ManualAdjust, ColorKind::Basic, "RED", {}, 5, {}});
   ASSERT_TRUE(NewDatabase(session, "COPY", {NewDatabaseContent::Kind::Copy, {}, "INK"}));
   EXPECT_EQ(History(session, "COPY"), (Lines{"5 Copy of INK"}));
 

@@ -9,7 +9,9 @@
 #include "core/colors/basic_work.h"
 #include "core/colors/basics.h"
 #include "core/colors/formulas.h"
+#include "core/colors/rename.h"
 #include "core/inventory/adjust.h"
+#include "core/inventory/posting.h"
 #include "core/session/options.h"
 #include "desktop/inventory/inventory_desk.h"
 
@@ -552,6 +554,46 @@ TEST_F(AdjustInventoryTest, TheHistoryTellsWhyThereIsWhatThereIs) {
   Fill(*history, "txtLotNumber", "L1");
   Click(*history, "cmdFind");
   EXPECT_EQ(lines.ShownRows().size(), 0U);
+}
+
+TEST_F(AdjustInventoryTest, WhatMovedMeanwhileStaysMoved) {
+  Color(ColorKind::Basic, "RED", 100);
+  Open();
+  Enter("RED");
+  TypeOn("10");
+  PressOn(Qt::Key_F5);
+  PostStock(session, {PostingSource::BatchTakes, ColorKind::Basic, "RED", {}, 30, {}});
+  PressOn(Qt::Key_S, Qt::ControlModifier);
+  EXPECT_EQ(Inventory(ColorKind::Basic, "RED"), Value(80.0F));
+
+  Enter("RED");
+  TypeOn("-60");
+  PressOn(Qt::Key_F5);
+  PostStock(session, {PostingSource::BatchTakes, ColorKind::Basic, "RED", {}, 50, {}});
+  prompt.Expect("Adjust Value");
+  PressOn(Qt::Key_S, Qt::ControlModifier);
+  EXPECT_EQ(Inventory(ColorKind::Basic, "RED"), Value(30.0F)) << "nothing was saved";
+  EXPECT_EQ(Text("cmbColorName"), "RED");
+}
+
+TEST_F(AdjustInventoryTest, TheHistoryOfOneOfTwoColorsOfANameStaysWithIt) {
+  Color(ColorKind::Basic, "RED", 0);
+  Color(ColorKind::Mix, "RED", 0);
+  PostStock(session, {PostingSource::ScanReturn, ColorKind::Basic, "RED", {}, 4, {}});
+  desktop::Window* history =
+      windows.OpenForm("StockHistoryForm", {{"Color_Name", "RED"}, {"Kind", ColorKind::Basic}});
+  ShowActive(*history);
+  auto& name = Control<QLineEdit>(*history, "cmbColorName");
+  auto& lines = Control<desktop::Grid>(*history, "fgHistory");
+  ASSERT_EQ(lines.ShownRows().size(), 1U);
+  ASSERT_TRUE(RenameColor(session, "RED", "WINE"));
+  windows.DeliverChanges();
+  EXPECT_EQ(name.text(), "RED");
+  EXPECT_EQ(lines.ShownRows().size(), 1U);
+  ASSERT_TRUE(RenameBasic(session, "RED", "RUBY"));
+  windows.DeliverChanges();
+  EXPECT_EQ(name.text(), "RUBY");
+  EXPECT_EQ(lines.ShownRows().size(), 2U);
 }
 
 TEST_F(AdjustInventoryTest, Pictures) {
