@@ -163,12 +163,13 @@ const Table Basic{"_Basic",
                          Text("Inv_Note", 30, kZero), Long("IngSort"), Boolean("Additive"), Single("VOC"),
                          Single("HAP"), Long("LotRefID")} +
                       GuideFields(),
-                  {{"Color_Name"}, {"Color_Code"}}};
+                  {{"Color_Name"}, {"Color_Code"}},
+                  "Color_Name"};
 const Table BasicLotInv = LotTable("_Basic_LotInv");
 const Table BasicLab = LabTable("_Basic_LAB");
 
 // The index on Color_Set is narrow beside the row: who uses a colour, and which inks may be recycled into a recipe, is
-// answered from it without touching the table.
+// answered from it without touching the table. So is which formulas have an Additive Set.
 const Table Mix{"_Mix",
                 Fields{Text("Color_Name", 30)} + Family(Text("BC", 30, kZero), kIngredientSlots) +
                     Family(Single("BQ"), kIngredientSlots) +
@@ -178,7 +179,8 @@ const Table Mix{"_Mix",
                            Text("Inv_Note", 30, kZero), Text("AddSetName", 30, kZero), Single("VOC"),
                            Single("BasicVOC"), Single("HAP"), Single("BasicHAP"), Long("LotRefID")} +
                     GuideFields(),
-                {{"Color_Name"}, {"Color_Code"}, {"Color_Set"}}};
+                {{"Color_Name"}, {"Color_Code"}, {"Color_Set"}, {"AddSetName", "Color_Name"}},
+                "Color_Name"};
 const Table MixLotInv = LotTable("_Mix_LotInv");
 const Table MixLab = LabTable("_Mix_LAB");
 
@@ -221,7 +223,8 @@ const Table BatchLotInv{"_Batch_LotInv",
 const Table Additives{"_Additives",
                       Fields{Text("SetName", 30, kZero), Memo("SetList")} +
                           Family(Text("Add_Name", 30, kZero), kSetSlots) + Family(Single("Add_Percent"), kSetSlots),
-                      {{"SetName"}}};
+                      {{"SetName"}},
+                      "SetName"};
 
 const Table Info{
     "_Info", {Text("FullName", 50), Memo("Disclaimer"), Memo("TradeMark"), Text("TemplateFile", 30, kZero)}, {}};
@@ -251,16 +254,22 @@ std::string TableName(std::string_view database, const Table& table) {
 
 namespace {
 
+using IndexFields = std::vector<std::string>;
+
+std::string IndexName(std::string_view table, const IndexFields& fields) {
+  std::string name = std::string(table) + "_";
+  for (const std::string& field : fields) name += field + "_";
+  return name + "Index";
+}
+
+void CreateIndex(Database& file, std::string_view table, const IndexFields& fields) {
+  std::string columns;
+  for (const std::string& field : fields) columns += (columns.empty() ? "" : ", ") + Quoted(field);
+  file.Execute(fmt::format("CREATE INDEX {} ON {} ({})", Quoted(IndexName(table, fields)), Quoted(table), columns));
+}
+
 void CreateIndexes(Database& file, std::string_view name, const Table& table) {
-  for (const auto& index : table.indexes) {
-    std::string indexName = std::string(name) + "_";
-    std::string columns;
-    for (const std::string& field : index) {
-      indexName += field + "_";
-      columns += (columns.empty() ? "" : ", ") + Quoted(field);
-    }
-    file.Execute(fmt::format("CREATE INDEX {} ON {} ({})", Quoted(indexName + "Index"), Quoted(name), columns));
-  }
+  for (const IndexFields& fields : table.indexes) CreateIndex(file, name, fields);
 }
 
 void DropIndexes(Database& file, std::string_view name) {
@@ -308,6 +317,25 @@ void RenameTable(Database& file, std::string_view name, std::string_view newName
 
 void DropTable(Database& file, std::string_view name) {
   file.Execute("DROP TABLE " + Quoted(name));
+}
+
+void CompleteIndexes(Database& file, const std::vector<std::string>& databases) {
+  std::vector<std::string> present;
+  Statement index = file.Prepare("SELECT name FROM sqlite_master WHERE type = 'index'");
+  while (index.Step()) present.push_back(index.Text(0));
+  const auto lacks = [&](const std::string& table, const IndexFields& fields) {
+    const std::string name = IndexName(table, fields);
+    return std::ranges::none_of(present, [&](const std::string& other) { return EqualNoCase(other, name); });
+  };
+  Transaction transaction(file);
+  for (const std::string& database : databases)
+    for (const Table* table : schema::PerDatabase()) {
+      const std::string name = TableName(database, *table);
+      for (const IndexFields& fields : table->indexes)
+        if (lacks(name, fields) && file.TableExists(name) && MissingFields(file, name, *table).empty())
+          CreateIndex(file, name, fields);
+    }
+  transaction.Commit();
 }
 
 std::vector<std::string> MissingFields(Database& file, const std::string& name, const Table& table) {

@@ -24,6 +24,7 @@ struct Table {
   std::string name;
   std::vector<Field> fields;                      ///< in the order of creation
   std::vector<std::vector<std::string>> indexes;  ///< each a list of fields, plain, neither primary nor unique
+  std::string key = {};                           ///< the field of which a value stands in one row only; may be empty
 
   /// Position of a field; -1 when the table has none of that name (compared without regard to case).
   int Find(std::string_view field) const;
@@ -54,6 +55,10 @@ void CreateTable(Database& file, std::string_view name, const Table& table);
 void DropTable(Database& file, std::string_view name);
 /// Gives a table another name, and its indexes the names that go with it.
 void RenameTable(Database& file, std::string_view name, std::string_view newName, const Table& table);
+
+/// Makes the indexes of the layout that the tables of these Databases lack, as far as the tables are whole: an older
+/// program made their file without them.
+void CompleteIndexes(Database& file, const std::vector<std::string>& databases);
 
 /// The fields that a table of the file lacks of its layout.
 std::vector<std::string> MissingFields(Database& file, const std::string& name, const Table& table);

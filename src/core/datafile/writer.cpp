@@ -1,6 +1,10 @@
 #include "core/datafile/writer.h"
 
+#include <fmt/format.h>
+
 #include <stdexcept>
+
+#include "core/base/refusal.h"
 
 namespace vellumark {
 
@@ -23,6 +27,23 @@ RowWriter::RowWriter(Database& file, const Table& table, std::string tableName, 
   }
   insertSql_ = "INSERT INTO " + Quoted(tableName_) + " (" + names + ") VALUES (" + marks + ")";
   updateSql_ = "UPDATE " + Quoted(tableName_) + " SET " + sets + " WHERE rowid = ?";
+  for (std::size_t place = 0; place < fields_.size(); ++place) {
+    if (table.key.empty() || fields_[place]->name != table.key) continue;
+    keyPlace_ = place;
+    // A row that has its key already may keep it, also in a file where an older program let it stand twice.
+    keySql_ = fmt::format(
+        "SELECT 1 FROM {0} WHERE {1} = ?1 AND rowid <> ?2 AND NOT EXISTS (SELECT 1 FROM {0} WHERE rowid = ?2 AND {1} "
+        "= ?1) LIMIT 1",
+        Quoted(tableName_), Quoted(table.key));
+  }
+}
+
+void RowWriter::RequireOwnKey(std::int64_t rowId) {
+  if (keySql_.empty()) return;
+  Statement other = file_.Prepare(keySql_);
+  if (other.Bind(1, values_[keyPlace_]).Bind(2, rowId).Step())
+    throw BadValue(fmt::format("The table {} has {} already: {} names one row only.", tableName_,
+                               values_[keyPlace_].Text(), fields_[keyPlace_]->name));
 }
 
 RowWriter& RowWriter::Set(std::size_t place, const Value& value) {
@@ -31,6 +52,7 @@ RowWriter& RowWriter::Set(std::size_t place, const Value& value) {
 }
 
 std::int64_t RowWriter::Insert() {
+  RequireOwnKey(0);
   Statement statement = file_.Prepare(insertSql_);
   int parameter = 1;
   for (const Value& value : values_) statement.Bind(parameter++, value);
@@ -40,6 +62,7 @@ std::int64_t RowWriter::Insert() {
 
 bool RowWriter::Update(std::int64_t rowId) {
   if (fields_.empty()) return true;
+  RequireOwnKey(rowId);
   Statement statement = file_.Prepare(updateSql_);
   int parameter = 1;
   for (const Value& value : values_) statement.Bind(parameter++, value);

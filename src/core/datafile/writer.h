@@ -11,7 +11,8 @@
 namespace vellumark {
 
 /// The one way by which a row reaches a table: every value is checked against its field (see FittedValue) before
-/// anything is written. Prepared once for a list of fields, used for as many rows as wanted.
+/// anything is written, and a row that would take another one's key is refused with BadValue. Prepared once for a list
+/// of fields, used for as many rows as wanted.
 class RowWriter {
  public:
   RowWriter(Database& file, const Table& table, std::string tableName, const std::vector<std::string>& fields);
@@ -24,10 +25,14 @@ class RowWriter {
   bool Update(std::int64_t rowId);
 
  private:
+  void RequireOwnKey(std::int64_t rowId);
+
   Database& file_;
   std::string tableName_;
   std::string insertSql_;
   std::string updateSql_;
+  std::string keySql_;  ///< empty when the key is not among the fields
+  std::size_t keyPlace_ = 0;
   std::vector<const Field*> fields_;
   std::vector<Value> values_;
 };

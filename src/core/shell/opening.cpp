@@ -146,6 +146,7 @@ void OpenContent(Session& session, const FileInfoRow& info, OpeningWindows& wind
   session.DataFileOpen = true;
   session.databaseList = info.dbList;
   TellWhatIsUnsound(session);
+  if (!session.ArchiveView) CompleteIndexes(session.File(), info.dbList);
   if (!session.ArchiveView && !HasStockHistory(session.File()))
     BeginStockHistory(session.File(), info.dbList, session.clock.Now(), session.CurrentUser);
   const auto logIn = [&] { UsersEnabled(session) ? windows.Login(session) : LogInWithoutUsers(session); };

@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <filesystem>
+#include <set>
 
 #include "core/base/files.h"
 #include "core/datafile/databases.h"
@@ -440,6 +441,39 @@ TEST(Opening, ADamagedTemplateOpensTheDatabaseWithoutItsGuides) {
   EXPECT_TRUE(start.session.RecordsetsOpen);
   EXPECT_EQ(start.session.TemplateFile, "");
   EXPECT_TRUE(fs::is_directory(start.options.folders.program / "Converted"));
+}
+
+TEST(Opening, AFileOfAnOlderProgramGetsTheIndexesThatItLacks) {
+  Start start;
+  const fs::path path = start.folder / "Older.vkd";
+  start.MakeFile(path);
+  const auto indexes = [](Database& file) {
+    std::set<std::string> names;
+    Statement row = file.Prepare("SELECT name FROM sqlite_master WHERE type = 'index'");
+    while (row.Step())
+      if (!row.TextView(0).starts_with("MSys")) names.insert(row.Text(0));
+    return names;
+  };
+  std::set<std::string> whole;
+  {
+    const auto file = Database::Open(path, OpenMode::Exclusive);
+    whole = indexes(*file);
+    for (const char* index : {"INK_Mix_AddSetName_Color_Name_Index", "INK_Basic_LotInv_LotCName_LotRefID_Index"})
+      file->Execute("DROP INDEX " + Quoted(index));
+  }
+  PrepareSupportFiles(start.session, start.options.folders);
+  start.session.DataFileName = path.string();
+  OpenDataFile(start.session, start.windows);
+  EXPECT_EQ(indexes(start.session.File()), whole);
+  {
+    // Which formulas have a set is answered from the index alone, in order.
+    Statement plan = start.session.File().Prepare(
+        "EXPLAIN QUERY PLAN SELECT Color_Name FROM INK_Mix WHERE AddSetName = ? ORDER BY Color_Name");
+    ASSERT_TRUE(plan.Step());
+    EXPECT_NE(plan.Text(3).find("COVERING INDEX INK_Mix_AddSetName_Color_Name_Index"), std::string::npos);
+    EXPECT_FALSE(plan.Step());
+  }
+  CloseDataFile(start.session, start.windows);
 }
 
 TEST(Opening, AFailedOpenLeavesTheStateAsItWas) {
