@@ -3,13 +3,16 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <functional>
 #include <set>
 
 #include "core/base/number.h"
 #include "core/base/progress_run.h"
 #include "core/base/text.h"
 #include "core/colors/basics.h"
+#include "core/colors/formula_tools.h"
 #include "core/datafile/databases.h"
+#include "core/datafile/row_pieces.h"
 #include "core/datafile/schema.h"
 #include "core/session/stock_lines.h"
 
@@ -23,9 +26,12 @@ std::string CopiedValue(const std::string& field, bool keepStock) {
   return Quoted(field);
 }
 
-// `colorSet` is the expression that builds Color_Set; empty for tables without one.
-void CopyTable(Session& session, const Table& table, const std::string& from, const std::string& to, bool keepStock,
-               const std::string& colorSet) {
+// What the work tells of itself: the share of it that is done. False when it is to stop.
+using GoOn = std::function<bool(double percent)>;
+
+// `colorSet` is the expression that builds Color_Set; empty for tables without one. False when it was stopped.
+bool CopyTable(Session& session, const Table& table, const std::string& from, const std::string& to, bool keepStock,
+               const std::string& colorSet, const GoOn& goOn) {
   std::string fields;
   std::string values;
   for (const Field& field : table.fields) {
@@ -33,11 +39,16 @@ void CopyTable(Session& session, const Table& table, const std::string& from, co
     fields.append(comma).append(Quoted(field.name));
     values.append(comma).append(field.name == "Color_Set" ? colorSet : CopiedValue(field.name, keepStock));
   }
-  Statement copy =
-      session.File().Prepare(fmt::format("INSERT INTO {} ({}) SELECT {} FROM {} ORDER BY rowid",
-                                         Quoted(TableName(to, table)), fields, values, Quoted(TableName(from, table))));
-  if (values.find("?1") != std::string::npos) copy.Bind(1, session.clock.Today());
-  copy.Run();
+  const std::string source = TableName(from, table);
+  Statement copy = session.File().Prepare(
+      fmt::format("INSERT INTO {} ({}) SELECT {} FROM {} WHERE rowid BETWEEN ?2 AND ?3 ORDER BY rowid",
+                  Quoted(TableName(to, table)), fields, values, Quoted(source)));
+  const bool dated = values.find("?1") != std::string::npos;
+  return ForRowPieces(session.File(), source, [&](std::int64_t first, std::int64_t last, double percent) {
+    if (dated) copy.Bind(1, session.clock.Today());
+    copy.Bind(2, first).Bind(3, last).Run();
+    return goOn(percent);
+  });
 }
 
 std::string ColorSetExpression() {
@@ -50,7 +61,8 @@ std::string ColorSetExpression() {
   return expression;
 }
 
-std::set<std::string> MissingIngredients(Session& session, const std::string& database) {
+// Empty also when it was stopped.
+std::set<std::string> MissingIngredients(Session& session, const std::string& database, const GoOn& goOn) {
   std::set<std::string> missing;
   const std::string mix = Quoted(TableName(database, schema::Mix));
   const std::string basic = Quoted(TableName(database, schema::Basic));
@@ -61,6 +73,7 @@ std::set<std::string> MissingIngredients(Session& session, const std::string& da
                                            "IS NOT NULL)",
                                            n, mix, basic));
     while (row.Step()) missing.insert(Upper(row.TextView(0)));
+    if (!goOn(100.0 * (n + 1) / schema::kIngredientSlots)) return {};
   }
   return missing;
 }
@@ -71,6 +84,23 @@ void CopyInfo(Session& session, const std::string& from, const std::string& to) 
                   "TradeMark, TemplateFile FROM {} LIMIT 1)",
                   Quoted(TableName(to, schema::Info)), Quoted(TableName(from, schema::Info))));
   copy.Run();
+}
+
+// The rows of the tables, with whatever ingredients the formulas lack. False when it was stopped.
+bool CopyRows(Session& session, const std::string& from, const std::string& to) {
+  const bool keepStock = LeadingInteger(GetSupportValue(session, "AllowNegInv")) == 1;
+  // The formulas are by far the longest part.
+  const auto part = [&](double begin, double end) {
+    return [&session, begin, end](double percent) {
+      session.progress.Percent(begin + (end - begin) * percent / 100);
+      return !session.progress.Cancelled();
+    };
+  };
+  if (!CopyTable(session, schema::Basic, from, to, keepStock, {}, part(0, 10))) return false;
+  if (!CopyTable(session, schema::Mix, from, to, keepStock, ColorSetExpression(), part(10, 80))) return false;
+  for (const std::string& ingredient : MissingIngredients(session, to, part(80, 95)))
+    AddZeroBasic(session, ingredient, false, to);
+  return CopyTable(session, schema::Additives, from, to, keepStock, {}, part(95, 100));
 }
 
 }  // namespace
@@ -84,19 +114,11 @@ Result<std::string> CopyDatabase(Session& session, std::string_view source, std:
                   "cmbDatabases");
   auto name = NewDatabaseName(typedName, session.databaseList, session.DataFileName);
   if (!name) return name;
-  const bool keepStock = LeadingInteger(GetSupportValue(session, "AllowNegInv")) == 1;
 
   ProgressRun progress(session.progress, "Copying Database ...");
   Transaction transaction(session.File());
   CreateEmptyDatabase(session.File(), *name);
-  CopyTable(session, schema::Basic, *from, *name, keepStock, {});
-  progress.Step(1, 4);
-  CopyTable(session, schema::Mix, *from, *name, keepStock, ColorSetExpression());
-  progress.Step(2, 4);
-  for (const std::string& ingredient : MissingIngredients(session, *name))
-    AddZeroBasic(session, ingredient, false, *name);
-  progress.Step(3, 4);
-  CopyTable(session, schema::Additives, *from, *name, keepStock, {});
+  if (!CopyRows(session, *from, *name)) return BulkSteps::Stopped("New Database");
   CopyInfo(session, *from, *name);
   StockLine line = NewStockLine(session, StockEvent::Copied, ColorKind::Basic, *name);
   line.reason = "Copy of " + *from;

@@ -83,10 +83,14 @@ void WriteNewNames(Database& file, const std::vector<Renaming>& names) {
   for (const Renaming& name : names) insert.Bind(1, name.oldName).Bind(2, name.newName).Run();
 }
 
+// So many names are few enough to be looked up in an index one by one, at once.
+constexpr std::size_t kFewNames = 200;
+
 // All slots of a family in one walk over the table: a row is read once, however many slots and names there are. A
-// single field is found through its index where it has one; a family is walked in pieces, ?1 to ?2.
+// single field is found through its index where it has one; a family, and a field of which many names change, is walked
+// in pieces, ?1 to ?2.
 bool RenamePlace(Database& file, std::string_view database, ColorKind kind, const Place& place,
-                 const std::function<bool()>& goOn) {
+                 bool inPieces, const std::function<bool(double percent)>& goOn) {
   const std::string isOld = fmt::format("IN (SELECT OldName FROM {})", kNewNames);
   std::string sets;
   std::string where;
@@ -102,16 +106,15 @@ bool RenamePlace(Database& file, std::string_view database, ColorKind kind, cons
   }
   if (!place.setField.empty()) sets += ", " + SetExpression(place, names);
   const std::string table = TableName(database, place.table);
-  const std::string pieces = place.slots == 0 ? "" : "rowid BETWEEN ?1 AND ?2 AND ";
+  const std::string pieces = inPieces ? "rowid BETWEEN ?1 AND ?2 AND " : "";
   Statement update = file.Prepare(fmt::format("UPDATE {} SET {} WHERE {}({})", Quoted(table), sets, pieces, where));
-  const auto run = [&](std::int64_t first, std::int64_t last) {
-    if (place.slots != 0) update.Bind(1, first).Bind(2, last);
+  const auto run = [&](std::int64_t first, std::int64_t last, double percent) {
+    if (inPieces) update.Bind(1, first).Bind(2, last);
     if (!place.databaseField.empty()) update.Bind(3, database);
     update.Run();
-    return goOn();
+    return goOn(percent);
   };
-  if (place.slots == 0) return run(0, 0);
-  return ForRowPieces(file, table, [&](std::int64_t first, std::int64_t last, double) { return run(first, last); });
+  return inPieces ? ForRowPieces(file, table, run) : run(0, 0, 100);
 }
 
 }  // namespace
@@ -137,8 +140,11 @@ bool RenameReferences(Database& file, std::string_view database, ColorKind kind,
   WriteNewNames(file, names);
   const std::vector<Place> places = PlacesOf(kind);
   for (std::size_t n = 0; n < places.size(); ++n) {
-    const double percent = 100.0 * static_cast<double>(n + 1) / static_cast<double>(places.size());
-    if (!RenamePlace(file, database, kind, places[n], [&] { return !goOn || goOn(percent); })) return false;
+    const bool inPieces = places[n].slots != 0 || names.size() > kFewNames;
+    const auto part = [&](double percent) {
+      return !goOn || goOn((100.0 * static_cast<double>(n) + percent) / static_cast<double>(places.size()));
+    };
+    if (!RenamePlace(file, database, kind, places[n], inPieces, part)) return false;
   }
   file.Execute(fmt::format("DELETE FROM {}", kNewNames));
   return true;

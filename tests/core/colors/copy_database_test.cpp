@@ -45,6 +45,52 @@ TEST(CopyDatabase, ColoursFormulasAndSets) {
             0);
 }
 
+TEST(CopyDatabase, ReportsAndStopsWhereverItIsAsked) {
+  // Answers that the work is to stop at its step of that number; counts them.
+  struct Steps final : Progress {
+    void Begin(std::string_view) override {}
+    void Percent(double percent) override {
+      ++taken;
+      EXPECT_GE(percent, last);
+      last = percent;
+    }
+    bool Cancelled() override { return taken >= limit; }
+    int taken = 0;
+    int limit = 1;
+    double last = 0;
+  };
+  CopyRoom room;
+  room.Breaks("Ingredients");
+  room.Breaks("LotReferences");
+  room.Breaks("StockHistory");
+  room.session.File().Execute(
+      "WITH RECURSIVE n(i) AS (VALUES(1) UNION ALL SELECT i + 1 FROM n WHERE i < 9000) INSERT INTO INK_Mix (Color_Name, "
+      "BC0, BQ0, Color_Set, BasicCost) SELECT 'F' || i, 'A', 100, '<A>', 3 FROM n");
+  const auto tables = room.session.File().TableNames();
+  int limit = 0;
+  for (bool done = false; !done;) {
+    Steps steps;
+    steps.limit = ++limit;
+    Session session{room.prompt, steps, room.clock};
+    session.support = std::move(room.session.support);
+    session.DataFileDB = std::move(room.session.DataFileDB);
+    session.databaseList = {"INK"};
+    session.CurrentDatabase = "INK";
+    const auto copied = CopyDatabase(session, "INK", "COPY");
+    done = copied.has_value();
+    if (!done) {
+      EXPECT_EQ(copied.error().text, "The work was cancelled. Nothing was changed.");
+      EXPECT_EQ(session.File().TableNames(), tables);
+      EXPECT_EQ(session.databaseList, (std::vector<std::string>{"INK"}));
+    }
+    room.session.DataFileDB = std::move(session.DataFileDB);
+    room.session.support = std::move(session.support);
+    ASSERT_LT(limit, 100);
+  }
+  EXPECT_GT(limit, 10);
+  EXPECT_EQ(room.Scalar("SELECT COUNT(*) FROM COPY_Mix").Whole(), 9001);
+}
+
 TEST(CopyDatabase, StockComesAlongWhereItMayBeNegative) {
   CopyRoom room;
   room.Breaks("Ingredients");
