@@ -28,7 +28,7 @@ Json SetJson(const Session& session, const AdditiveSet& set) {
 // A name longer than names of sets are is refused: cut to the length, it would be another set's.
 Result<std::string> TypedSetName(const std::string& typed) {
   const std::string_view text = TrimView(typed);
-  if (const std::size_t length = CharCount(text); length > kSetNameLength)
+  if (const std::size_t length = CharCount(text); length > static_cast<std::size_t>(kSetNameLength))
     return Refuse("Invalid Name",
                   fmt::format("The name {} has {} characters, the limit is {}.", text, length, kSetNameLength),
                   "SetName");
@@ -77,12 +77,8 @@ Result<void> TakeLines(Session& session, AdditiveSetWork& work, const std::vecto
   for (std::size_t row = 0; row < pairs.size(); ++row) {
     const auto pair = SplitPair(pairs[row], true);
     const std::string field = schema::Numbered("SetIng", static_cast<int>(row));
-    if (!BasicColorExists(session, Upper(TrimView(pair->first)))) {
-      if (auto valid = CheckTypedName(pair->first, field); !valid) return valid;
-      if (CharCount(TrimView(pair->first)) > static_cast<std::size_t>(session.NameLength))
-        return Refuse("Invalid Name",
-                      fmt::format("The name {} is longer than {} characters.", pair->first, session.NameLength), field);
-    }
+    if (!BasicColorExists(session, Upper(TrimView(pair->first))))
+      if (auto valid = NewTypedName(session, pair->first, field); !valid) return std::unexpected(valid.error());
     const auto name = EnterSetIngredient(session, work, row, pair->first);
     if (!name) return std::unexpected(name.error());
     work.rows[row] = {*name, pair->second};
@@ -193,7 +189,13 @@ Result<Json> Apply(Context& context, const ApplyOptions& options, SetMethod meth
   const auto applied = ApplyAdditiveSet(session, set->SetName, method, colors);
   if (!applied) return std::unexpected(applied.error());
   if (!*applied) return Declined("Additive Set Modification", set->SetName);
-  return Json{{"SetName", set->SetName}, {"Modified", colors}, {"Excluded", PreviewJson(excluded)}};
+  Json answer{{"SetName", set->SetName}, {"Modified", colors}, {"Excluded", PreviewJson(excluded)}};
+  if (method != SetMethod::Remove) {
+    answer["NotApplied"] = Json::array();
+    for (const std::string& color : colors)
+      if (!EqualNoCase(ReadMix(session, color)->AddSetName, set->SetName)) answer["NotApplied"].push_back(color);
+  }
+  return answer;
 }
 
 std::string CheckPair(const std::string& text) {

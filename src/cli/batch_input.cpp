@@ -384,7 +384,14 @@ Result<void> TakeSaveOptions(Session& session, BatchRecord& record, const BatchI
 std::optional<ModifiedBatchChoice> OptionDialogs::ShowSaveModifiedBatch(Session& session, const BatchRecord& record) {
   ModifiedBatchChoice choice;
   if (!input_.fold.empty()) choice.change = input_.foldNew ? FormulaChange::Create : FormulaChange::Update;
-  if (input_.foldNew) choice.newName = input_.fold;
+  if (input_.foldNew) {
+    const auto name = NewTypedName(session, input_.fold, "txtColorName");
+    if (!name) {
+      refused = name.error();
+      return std::nullopt;
+    }
+    choice.newName = *name;
+  }
   auto checked = CheckModifiedBatch(session, record, choice);
   if (checked) return *checked;
   refused = checked.error();

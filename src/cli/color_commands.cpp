@@ -120,7 +120,8 @@ Result<Json> Set(Context& context, const std::string& typed, const std::vector<s
 Result<Json> Rename(Context& context, const std::string& oldName, const std::string& newName) {
   const auto color = Named(context.session, oldName);
   if (!color) return std::unexpected(color.error());
-  if (auto valid = NewTypedName(context.session, newName, "txtNewName"); !valid) return std::unexpected(valid.error());
+  const auto valid = NewTypedName(context.session, newName, "txtNewName", color->Color_Name);
+  if (!valid) return std::unexpected(valid.error());
   const auto renamed = RenameBasic(context.session, color->Color_Name, newName);
   if (!renamed) return std::unexpected(renamed.error());
   if (!renamed->done) return Declined("Basic Color Name Exists", color->Color_Name);

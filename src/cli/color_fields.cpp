@@ -20,8 +20,9 @@ Result<std::string> TypedName(const Session& session, std::string_view typed, st
   return ReadName(session, typed);
 }
 
-Result<std::string> NewTypedName(const Session& session, std::string_view typed, std::string field) {
-  if (auto valid = CheckTypedName(typed, field); !valid) return std::unexpected(valid.error());
+Result<std::string> NewTypedName(const Session& session, std::string_view typed, std::string field,
+                                 std::string_view from) {
+  if (auto valid = CheckTypedPiece(typed, field, from); !valid) return std::unexpected(valid.error());
   return TypedName(session, typed, std::move(field));
 }
 

@@ -70,11 +70,10 @@ Result<Json> Answer(Context& context, const std::string& name) {
   return MixJson(context.session, *mix);
 }
 
-// The formula that the words name: by its exact name, else as the window finds it.
+// The formula that the words name, as the window finds it.
 Result<MixColor> Named(const Session& session, const std::string& typed) {
   const auto name = TypedName(session, typed);
   if (!name) return std::unexpected(name.error());
-  if (auto mix = ReadMix(session, *name)) return *std::move(mix);
   if (auto mix = FindMix(session, *name)) return *std::move(mix);
   return Refuse("Color Not Found", *name + " is not found in this database.", "Color_Name");
 }
@@ -127,7 +126,7 @@ Result<void> TakeIngredient(Session& session, FormulaWork& work, std::size_t row
   const auto name = TypedName(session, typed, field);
   if (!name) return std::unexpected(name.error());
   if (!BasicColorExists(session, *name))
-    if (auto valid = CheckTypedName(typed, field); !valid) return valid;
+    if (auto valid = CheckTypedPiece(typed, field); !valid) return valid;
   const auto entry = EnterIngredient(session, work, row, typed);
   if (!entry) return std::unexpected(entry.error());
   work.grid[row] = {entry->name, amount};
@@ -226,7 +225,8 @@ Result<Json> Edit(Context& context, FormulaOptions options) {
 Result<Json> Rename(Context& context, const std::string& oldName, const std::string& newName) {
   const auto mix = Named(context.session, oldName);
   if (!mix) return std::unexpected(mix.error());
-  if (auto valid = NewTypedName(context.session, newName, "txtNewName"); !valid) return std::unexpected(valid.error());
+  const auto valid = NewTypedName(context.session, newName, "txtNewName", mix->Color_Name);
+  if (!valid) return std::unexpected(valid.error());
   const auto renamed = RenameColor(context.session, mix->Color_Name, newName);
   if (!renamed) return std::unexpected(renamed.error());
   return Json{{"Color_Name", renamed->name}, {"OldName", mix->Color_Name}};
@@ -246,7 +246,8 @@ Result<Json> Duplicate(Context& context, const FormulaOptions& options, const st
   Session& session = context.session;
   const auto mix = Named(session, options.name);
   if (!mix) return std::unexpected(mix.error());
-  if (auto valid = NewTypedName(session, newName, "txtNewName"); !valid) return std::unexpected(valid.error());
+  const auto valid = NewTypedName(session, newName, "txtNewName", mix->Color_Name);
+  if (!valid) return std::unexpected(valid.error());
   const auto made =
       DuplicateFormula(session, mix->Color_Name, newName, target, options.additiveSet.value_or(std::string()));
   if (!made) return std::unexpected(made.error());

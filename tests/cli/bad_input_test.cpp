@@ -190,7 +190,7 @@ TEST(CliBadInput, ImportsAllOrNothing) {
       {"INK\r\nX\tRED\t1\tRED\t2\r\n", 1, "line 2: the ingredient RED stands in it twice"},
       {"INK\r\nX\t\t1\r\n", 1, "line 2: an ingredient has no name"},
       {"INK\r\n\tRED\t1\r\n", 1, "line 2: the formula has no name"},
-      {"INK\r\nX\tRED\t1\r\nY\tRED\t1", 1, "line 3: the file ends in the middle of this row"},
+      {"INK\r\nX\tRED\t100.000\r\nY\tRED\t10", 1, "line 3: the file ends in the middle of this row"},
       {"INK\r\n[X]\tRED\t1\r\n", 1, "line 2: the name [X]"},
       {"INK\r\nA|B\tRED\t1\r\n", 1, "line 2: the name A|B"},
       {"INK\r\n" + std::string(31, 'X') + "\tRED\t1\r\n", 1, "has 31 characters, the limit is 30"},

@@ -1,5 +1,9 @@
 #include <gtest/gtest.h>
 
+#include <filesystem>
+
+#include "core/base/files.h"
+#include "core/datafile/engine.h"
 #include "support/cli_run.h"
 
 namespace vellumark {
@@ -122,6 +126,74 @@ TEST(CliFormulas, FromTheFirstToTheLastVerb) {
   EXPECT_EQ(shop.Json({"formula", "show", "LILAC"})["BQ0"], 100);
   shop.Json({"--yes", "formula", "delete", "LILAC"});
   EXPECT_EQ(shop.Json({"formula", "list"}).size(), 1U);
+}
+
+// Every way by which a name comes into a Data File, with names that none of them may take. A Data File that refused one
+// holds what it held.
+TEST(CliColors, NoDoorTakesANameThatTheRuleDoesNotHave) {
+  const test::CliRoom room;
+  const std::string path = room.MakeFile();
+  room.Json({"--yes", "color", "add", "BLUE"});
+  room.Json({"--yes", "color", "add", "WAX", "Additive=yes"});
+  room.Json({"--yes", "formula", "add", "GREEN", "BLUE=1"});
+  room.Json({"addset", "add", "SLOW", "WAX=5"});
+  const std::filesystem::path import = room.folder / "in.mfe";
+  using Words = std::vector<std::string>;
+  struct Door {
+    Words words;         // "@" stands for the name
+    bool ofSet = false;  // an Additive Set may bear the name of a guide
+  };
+  const std::vector<Door> doors{
+      {{"color", "add", "@"}},
+      {{"color", "rename", "BLUE", "@"}},
+      {{"formula", "add", "@", "BLUE=1"}},
+      {{"formula", "add", "NEW", "BLUE=1", "@=1"}},
+      {{"formula", "edit", "GREEN", "@=1"}},
+      {{"formula", "rename", "GREEN", "@"}},
+      {{"formula", "duplicate", "GREEN", "@"}},
+      {{"formula", "import", import.string()}},
+      {{"addset", "add", "@", "WAX=5"}, true},
+      {{"addset", "add", "NEW", "@=5"}},
+      {{"addset", "edit", "SLOW", "@=5"}},
+      {{"addset", "rename", "SLOW", "@"}, true},
+      {{"tools", "rename", "GREEN", "--find", "GREEN", "--replace", "@"}},
+      {{"tools", "rename", "BLUE", "--kind", "basic", "--find", "BLUE", "--replace", "@"}},
+      {{"batch", "calc", "--formula", "GREEN", "--quantity", "10", "--add", "@=1"}},
+      {{"batch", "save", "--formula", "GREEN", "--quantity", "10", "--add", "@=1"}},
+      {{"batch", "save", "--formula", "GREEN", "--quantity", "10", "--add", "WAX=1", "--fold-new", "@"}},
+  };
+  const auto held = [&] {
+    const auto file = Database::Open(path, OpenMode::ReadOnly);
+    std::string names;
+    for (const char* sql : {"SELECT Color_Name FROM INK_Basic", "SELECT Color_Name FROM INK_Mix",
+                            "SELECT SetName FROM INK_Additives", "SELECT Color_Name FROM INK_Batch"}) {
+      Statement row = file->Prepare(sql);
+      while (row.Step()) names += row.Text(0) + ", ";
+    }
+    return names;
+  };
+  const std::string before = held();
+  const std::string tooLong = "A NAME OF MUCH MORE THAN THIRTY CHARACTERS";
+  for (const std::string& name : {std::string("PANTONE 12"), std::string("A|B"), std::string("OHM \xCE\xA9"),
+                                  std::string("A<B"), std::string("A\tB"), tooLong}) {
+    for (const Door& door : doors) {
+      const bool guide = name.starts_with("PANTONE");
+      const bool ofFile = door.words[1] == "import";
+      // Another shop's file may bring colours of a guide.
+      if (guide && (door.ofSet || ofFile)) continue;
+      if (ofFile) {
+        if (name == "A\tB") continue;
+        ReplaceFile(import, "INK\r\nFINE\tBLUE\t1\t" + name + "\t1\r\n");
+      }
+      std::vector<std::string> words{"--yes"};
+      for (std::string word : door.words) {
+        if (const std::size_t at = word.find('@'); at != std::string::npos) word.replace(at, 1, name);
+        words.push_back(word);
+      }
+      EXPECT_EQ(room.Run(words).status, 1) << door.words[0] << " " << door.words[1] << " " << name;
+      ASSERT_EQ(held(), before) << door.words[0] << " " << door.words[1] << " " << name;
+    }
+  }
 }
 
 }  // namespace

@@ -4,6 +4,7 @@
 
 #include <array>
 #include <cstdint>
+#include <optional>
 
 #include "core/base/refusal.h"
 
@@ -67,6 +68,14 @@ char32_t TakeUtf8(std::string_view& text) {
   good = good && c >= least && c <= 0x10FFFF && !(c >= 0xD800 && c <= 0xDFFF);
   text.remove_prefix(good ? length : 1);
   return good ? c : kInvalid;
+}
+
+// The byte of a character; nothing for one that the code page does not have.
+std::optional<char> Cp1252Of(char32_t c) {
+  if (c < 0x80 || (c >= 0xA0 && c <= 0xFF)) return static_cast<char>(c);
+  for (std::size_t i = 0; i < kHigh.size(); ++i)
+    if (kHigh[i] == c || (kHigh[i] == 0 && c == 0x80 + i)) return static_cast<char>(0x80 + i);
+  return std::nullopt;
 }
 
 char32_t UpperOf(char32_t c) {
@@ -179,21 +188,19 @@ std::string ToCp1252(std::string_view utf8) {
   out.reserve(utf8.size());
   while (!utf8.empty()) {
     const std::string_view before = utf8;
-    const char32_t c = TakeUtf8(utf8);
-    if (c < 0x80 || (c >= 0xA0 && c <= 0xFF)) {
-      out += static_cast<char>(c);
-      continue;
-    }
-    bool found = false;
-    for (std::size_t i = 0; i < kHigh.size() && !found; ++i) {
-      found = kHigh[i] == c || (kHigh[i] == 0 && c == 0x80 + i);
-      if (found) out += static_cast<char>(0x80 + i);
-    }
-    if (!found)
+    const auto byte = Cp1252Of(TakeUtf8(utf8));
+    if (!byte)
       throw BadValue(fmt::format("the character \"{}\" does not exist in the code page of the file",
                                  before.substr(0, before.size() - utf8.size())));
+    out += *byte;
   }
   return out;
+}
+
+bool FitsCp1252(std::string_view utf8) {
+  while (!utf8.empty())
+    if (!Cp1252Of(TakeUtf8(utf8))) return false;
+  return true;
 }
 
 std::string DecodeText(std::string_view bytes) {

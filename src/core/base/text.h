@@ -32,6 +32,8 @@ bool IsUtf8(std::string_view bytes);
 std::string FromCp1252(std::string_view bytes);
 /// Throws BadValue, naming the character, when the code page does not have it.
 std::string ToCp1252(std::string_view utf8);
+/// Whether the code page has every character of the text.
+bool FitsCp1252(std::string_view utf8);
 /// A text file's bytes as UTF-8: taken as it is (less a byte order mark) when it is valid UTF-8, else read as CP1252.
 std::string DecodeText(std::string_view bytes);
 

@@ -8,6 +8,7 @@
 #include "core/colors/additive_sets.h"
 #include "core/colors/amounts.h"
 #include "core/colors/basics.h"
+#include "core/colors/formula_work.h"
 #include "core/colors/formulas.h"
 #include "core/colors/names.h"
 
@@ -110,12 +111,17 @@ Result<ModifiedBatchChoice> CheckModifiedBatch(Session& session, const BatchReco
                         "The batch will be saved without making any changes.");
     return ModifiedBatchChoice{};
   }
+  if (const Recipe parts = PartsOf(folded); const Ingredient* lost = LostShare(parts))
+    return Refuse("Modify / Create Color",
+                  fmt::format("The formula cannot hold the additions: {}.", LostShareText(*lost)));
   if (choice.change == FormulaChange::Update) return choice;
   ModifiedBatchChoice checked = choice;
   checked.newName = ReadNewName(session, choice.newName);
   if (checked.newName.empty())
     return Refuse("Master Formula", "Please enter a name for the new Master Formula.", "txtColorName");
-  if (auto valid = CheckTypedName(checked.newName, "txtColorName"); !valid) return std::unexpected(valid.error());
+  checked.newName = StoredName(session, ColorKind::Mix, checked.newName);
+  if (auto valid = CheckNewMixName(session, checked.newName, "txtColorName"); !valid)
+    return std::unexpected(valid.error());
   if (MixColorExists(session, checked.newName))
     return Refuse("Master Formula Already Exists",
                   "This Master Formula already exists. Please choose another name for the new Master Formula Record.",

@@ -9,6 +9,7 @@
 #include "core/base/text.h"
 #include "core/colors/formula_tools.h"
 #include "core/colors/names.h"
+#include "core/datafile/row_pieces.h"
 #include "core/datafile/writer.h"
 
 namespace vellumark {
@@ -24,6 +25,15 @@ struct NewRecipe {
   Recipe recipe;
   std::string setName;
 };
+
+// A set that is left off a formula must not go unsaid.
+void TellNotApplied(Session& session, std::string_view setName, const std::vector<std::string>& formulas) {
+  if (formulas.empty()) return;
+  session.prompt.Tell("Additive Set Application",
+                      fmt::format("The Additive Set {} could not be applied to these Master Formulas, since their "
+                                  "ingredients and the set's exceed {}.\nThey are without a set now:\n\n{}",
+                                  setName, kMostLinesWithSet, NameLines(formulas)));
+}
 
 // Walks the formulas, shows the progress and writes what `change` makes of each. False when the operator stopped it.
 bool RewriteFormulas(const Session& session, ProgressRun& progress, Transaction& transaction,
@@ -105,7 +115,7 @@ Recipe WithSetRemoved(const Recipe& recipe, const Recipe& presentSet) {
 std::vector<std::string> FormulasWithoutSet(const Session& session) {
   std::vector<std::string> names;
   Statement row = session.File().Prepare(
-      fmt::format("SELECT Color_Name FROM {} WHERE COALESCE(AddSetName, '') = '' ORDER BY Color_Name",
+      fmt::format("SELECT Color_Name FROM {} WHERE AddSetName IS NULL OR AddSetName = '' ORDER BY Color_Name",
                   Quoted(session.Table(schema::Mix))));
   while (row.Step()) names.push_back(row.Text(0));
   return names;
@@ -123,16 +133,19 @@ Result<AdditiveSet> EditAdditiveSet(Session& session, std::string_view setName, 
   const std::vector<std::int64_t> users = FormulaRowsWithSet(session, present->SetName);
 
   ProgressRun progress(session.progress, "Updating Add Set / Updating formulas");
+  std::vector<std::string> notApplied;
   Transaction transaction(session.File());
   UpdateRow(session.File(), schema::Additives, session.Table(schema::Additives), set->rowId, AdditiveSetCells(*set));
   const bool whole = RewriteFormulas(session, progress, transaction, users, [&](const MixColor& mix) {
     const AppliedSet result = WithSetApplied(mix.Ingredients(), present->rows, set->rows);
+    if (!result.applied) notApplied.push_back(mix.Color_Name);
     return NewRecipe{result.recipe, result.applied ? set->SetName : std::string()};
   });
   if (!whole) return BulkSteps::Stopped("Additive Set Modification");
   transaction.Note({Change::Kind::AdditiveSet, session.CurrentDatabase, set->SetName, Change::What::Updated, ""});
   transaction.Commit();
   if (!users.empty()) MarkRollUpsStale(session);
+  TellNotApplied(session, set->SetName, notApplied);
   return set;
 }
 
@@ -147,7 +160,8 @@ Result<bool> RenameAdditiveSet(Session& session, std::string_view oldName, std::
                   "The Set Name that was entered is the same as the one that is being renamed.\n\nPlease enter another "
                   "Set Name.",
                   "SetName");
-  if (auto valid = CheckImportedName(name, "SetName"); !valid) return std::unexpected(valid.error());
+  if (auto valid = CheckNewName(name, NameSource::Typed, kSetNameLength, "SetName", set->SetName); !valid)
+    return std::unexpected(valid.error());
   const bool merge = AdditiveSetExists(session, name);
   if (merge &&
       !session.prompt.Ask("Additive Set Name Exists",
@@ -163,10 +177,15 @@ Result<bool> RenameAdditiveSet(Session& session, std::string_view oldName, std::
   } else {
     UpdateRow(file, schema::Additives, sets, set->rowId, {{"SetName", name}});
   }
-  file.Prepare("UPDATE " + Quoted(session.Table(schema::Mix)) + " SET AddSetName = ?2 WHERE AddSetName = ?1")
-      .Bind(1, set->SetName)
-      .Bind(2, name)
-      .Run();
+  const std::string formulas = session.Table(schema::Mix);
+  Statement update = file.Prepare("UPDATE " + Quoted(formulas) +
+                                  " SET AddSetName = ?2 WHERE rowid BETWEEN ?3 AND ?4 AND AddSetName = ?1");
+  const bool whole = ForRowPieces(file, formulas, [&](std::int64_t first, std::int64_t last, double percent) {
+    update.Bind(1, set->SetName).Bind(2, name).Bind(3, first).Bind(4, last).Run();
+    session.progress.Percent(percent);
+    return !session.progress.Cancelled();
+  });
+  if (!whole) return BulkSteps::Stopped("Additive Set Modification");
   transaction.Note({Change::Kind::AdditiveSet, session.CurrentDatabase, set->SetName, Change::What::Renamed, name});
   transaction.Note({Change::Kind::Mix, session.CurrentDatabase, "", Change::What::All, ""});
   transaction.Commit();
@@ -247,6 +266,7 @@ Result<bool> ApplyAdditiveSet(Session& session, std::string_view setName, SetMet
                          Icon::Question, Answer::Ok};
   if (session.prompt.Show(question) != Answer::Ok) return false;
 
+  std::vector<std::string> notApplied;
   {
     ProgressRun progress(session.progress, "Modifing Formulas ...");
     Transaction transaction(session.File());
@@ -256,6 +276,7 @@ Result<bool> ApplyAdditiveSet(Session& session, std::string_view setName, SetMet
       const Recipe presentRows = present == nullptr ? Recipe{} : present->rows;
       if (method == SetMethod::Remove) return NewRecipe{WithSetRemoved(mix.Ingredients(), presentRows), {}};
       const AppliedSet result = WithSetApplied(mix.Ingredients(), presentRows, set->rows);
+      if (!result.applied) notApplied.push_back(mix.Color_Name);
       return NewRecipe{result.recipe, result.applied ? set->SetName : std::string()};
     });
     if (!whole) return BulkSteps::Stopped("Additive Set Modification");
@@ -263,6 +284,7 @@ Result<bool> ApplyAdditiveSet(Session& session, std::string_view setName, SetMet
   }
   MarkRollUpsStale(session);
   session.prompt.Tell("Additive Set Application", "The Application Method has been applied.");
+  TellNotApplied(session, set->SetName, notApplied);
   return true;
 }
 

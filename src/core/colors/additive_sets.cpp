@@ -6,6 +6,7 @@
 
 #include "core/base/number.h"
 #include "core/base/text.h"
+#include "core/colors/basic_work.h"
 #include "core/colors/basics.h"
 #include "core/colors/names.h"
 #include "core/datafile/references.h"
@@ -90,8 +91,9 @@ Result<void> CheckPercent(const Session&, const AdditiveSetWork& work, std::size
 
 Result<void> CheckSetName(const Session& session, const std::string& name, bool isNew) {
   if (name.empty()) return Refuse("Additive Set Name", "Enter a valid Additive Set name.", "SetName");
-  if (auto valid = CheckImportedName(name, "SetName"); !valid) return valid;
-  if (isNew && AdditiveSetExists(session, name))
+  if (!isNew) return {};
+  if (auto valid = CheckNewName(name, NameSource::Typed, kSetNameLength, "SetName"); !valid) return valid;
+  if (AdditiveSetExists(session, name))
     return Refuse("Additive Set Name", fmt::format("Additive Set: {} already exists.\n\nEnter a different name.", name),
                   "SetName");
   return {};
@@ -136,7 +138,7 @@ bool AdditiveSetExists(const Session& session, std::string_view setName) {
 }
 
 std::string ReadSetName(std::string_view typed) {
-  return Upper(Left(TrimView(typed), kSetNameLength));
+  return Upper(Left(TrimView(typed), static_cast<std::size_t>(kSetNameLength)));
 }
 
 Result<std::string> EnterSetName(const Session& session, std::string_view typed) {
@@ -186,6 +188,8 @@ Result<std::string> EnterSetIngredient(Session& session, const AdditiveSetWork& 
                     FieldOf("SetIng", row));
   } else {
     if (auto writable = RequireWritable(session); !writable) return std::unexpected(writable.error());
+    if (auto allowed = CheckNewBasicName(session, name, FieldOf("SetIng", row)); !allowed)
+      return std::unexpected(allowed.error());
     if (!session.prompt.Ask("Add Additive To Database?",
                             "Not found in this database as an additive.\nWould you like to add it to the "
                             "database?\n\nHint: Check the list of Additives in the Basic Colors window for\nspelling "

@@ -40,7 +40,7 @@ struct AdditiveSetWork {
   std::string SetName;
   std::array<Row, schema::kSetSlots> rows;
 };
-inline constexpr std::size_t kSetNameLength = 30;
+inline constexpr int kSetNameLength = 30;
 /// A set's name as it will be stored: trimmed, cut to 30 characters, upper case.
 std::string ReadSetName(std::string_view typed);
 /// Leaving the name field of a new set: the name as it will be stored; one that is on file is refused. An empty field

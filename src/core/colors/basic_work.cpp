@@ -45,15 +45,19 @@ std::optional<BasicDeleteRefusal> DeleteHindrance(const Session& session, const 
 
 }  // namespace
 
-Result<void> CheckNewBasicName(const Session& session, const std::string& name) {
+Result<void> CheckNewBasicName(const Session& session, const std::string& name, std::string_view field) {
   if (session.Perm_MasterFormula != 1)
     return Refuse("Color Not Found",
                   name +
                       " is not found in this database, and you do not\nhave permission to add a new Basic Color or "
                       "Additive to the database.",
-                  "Color_Name");
+                  std::string(field));
+  if (auto valid = CheckNewName(name, NameSource::Typed, session.NameLength, field); !valid)
+    // What a book spells, its names may hold.
+    if (!IsPantoneBookBasic(session, name)) return valid;
   if (HasPantonePrefix(name) && !IsPantoneBookBasic(session, name))
-    return Refuse("Basics / Additives - Invalid Name", "Color name cannot begin with the word PANTONE.", "Color_Name");
+    return Refuse("Basics / Additives - Invalid Name", "Color name cannot begin with the word PANTONE.",
+                  std::string(field));
   return {};
 }
 

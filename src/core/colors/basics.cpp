@@ -92,8 +92,8 @@ std::vector<std::string> BasicNames(const Session& session, BasicFilter filter) 
 }
 
 std::string AddZeroBasic(Session& session, std::string_view name, bool additive, std::string_view database) {
-  std::string stored(name);
-  if (IsPantoneBookBasic(session, name, database)) stored = GetTemplateBasicName(session, name);
+  const std::string stored = StoredName(session, ColorKind::Basic, name, database);
+  if (BasicColorExists(session, stored, database)) return stored;
   const BookData book = BookDataOfBasic(session, stored, database);
   const std::string owner(database.empty() ? std::string_view(session.CurrentDatabase) : database);
   Transaction transaction(session.File());

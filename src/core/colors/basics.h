@@ -53,7 +53,8 @@ enum class BasicFilter { All, Colors, Additives };
 std::vector<std::string> BasicNames(const Session& session, BasicFilter filter = BasicFilter::All);
 
 /// Adds a Basic Color with zero figures at the end of the weighing order, as a recipe does that names an unknown
-/// ingredient. The guide gives spelling and data where it applies. Returns the name as stored.
+/// ingredient; one that is on file under its stored name is left as it is. The guide gives spelling and data where it
+/// applies. Returns the name as stored.
 std::string AddZeroBasic(Session& session, std::string_view name, bool additive, std::string_view database = {});
 
 /// True when the named item stands in an Additive Set.

@@ -64,7 +64,7 @@ Result<void> CheckRule(const Session& session, const BulkRename& rule, const std
     return Refuse("Enter Rename Data", "No data has been entered for renameing procedure.", field);
   // What is to be found stands in names already; only what is put into them must be fit for a name.
   const bool replaces = rule.change == NameChange::Replace;
-  return CheckImportedName(replaces ? rule.replacement : rule.text, replaces ? "txtReplace" : field);
+  return CheckTypedPiece(replaces ? rule.replacement : rule.text, replaces ? "txtReplace" : field);
 }
 
 // Why the new name cannot be had, as far as it concerns this colour alone.
@@ -74,6 +74,7 @@ std::string ReasonAgainst(const Session& session, const BulkRename& rule, const 
     return "Find string not found in name";
   if (newName.empty()) return "Rename leaves no name";
   if (HasPantonePrefix(newName) && !HasPantonePrefix(name)) return "New name cannot begin with word PANTONE";
+  if (auto valid = CheckTypedPiece(newName, {}, name); !valid) return valid.error().text;
   if (CharCount(newName) > static_cast<std::size_t>(session.NameLength))
     return fmt::format("New name exceeds {} characters", session.NameLength);
   return {};

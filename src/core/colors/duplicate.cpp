@@ -23,10 +23,13 @@ struct Target {
   std::optional<AdditiveSet> set;
 };
 
-Result<std::string> NewName(const Session& session, std::string_view typed, std::string_view database) {
+Result<std::string> NewName(const Session& session, std::string_view typed, std::string_view source,
+                            std::string_view database) {
   std::string name = ReadNewName(session, typed);
   if (name.empty()) return Refuse("Color Name Needed", "Please enter a new color name.", std::string(kField));
-  if (auto valid = CheckImportedName(name, kField); !valid) return std::unexpected(valid.error());
+  if (auto valid = CheckNewName(name, NameSource::Typed, session.NameLength, kField, source); !valid)
+    return std::unexpected(valid.error());
+  name = StoredName(session, ColorKind::Mix, name, database);
   if (HasPantonePrefix(name) && !IsPantoneBookMix(session, name, database))
     return Refuse("Invalid Master Formula Name",
                   "You cannot use a name that begins with the word PANTONE.\n\nPlease choose another name.",
@@ -34,14 +37,14 @@ Result<std::string> NewName(const Session& session, std::string_view typed, std:
   return name;
 }
 
-Result<Target> ReadTarget(const Session& session, std::string_view typed, std::string_view targetDatabase,
-                          std::string_view setName) {
+Result<Target> ReadTarget(const Session& session, std::string_view typed, std::string_view source,
+                          std::string_view targetDatabase, std::string_view setName) {
   Target target;
   target.database = targetDatabase.empty() ? session.CurrentDatabase : Upper(TrimView(targetDatabase));
   if (std::ranges::none_of(session.databaseList, [&](const std::string& d) { return EqualNoCase(d, target.database); }))
     return Refuse("Database Not Found", fmt::format("The {} Database is not in this Data File.", target.database),
                   "cmbDatabases");
-  auto name = NewName(session, typed, target.database);
+  auto name = NewName(session, typed, source, target.database);
   if (!name) return std::unexpected(name.error());
   target.name = *std::move(name);
   target.existing = ReadMix(session, target.name, target.database);
@@ -80,10 +83,23 @@ bool IsAdditive(const Session& session, const Source& source, std::string_view n
   return basic && basic->Additive;
 }
 
-void AddMissingIngredients(Session& session, const std::string& database, const Source& source, Recipe& recipe) {
-  for (Ingredient& line : recipe)
+// The lines under the names of the target; two that are one there become one.
+Recipe InTarget(const Session& session, const Recipe& list, const std::string& database) {
+  Recipe lines;
+  for (const Ingredient& line : list)
+    lines = FoldAdditions(std::move(lines), {{StoredName(session, ColorKind::Basic, line.name, database), line.amount}});
+  return lines;
+}
+
+void AddMissingIngredients(Session& session, const std::string& database, const Source& source, const Recipe& lines) {
+  const auto isAdditive = [&](const std::string& stored) {
+    return std::ranges::any_of(source.list, [&](const Ingredient& line) {
+      return SameColorName(line.name, stored) && IsAdditive(session, source, line.name);
+    });
+  };
+  for (const Ingredient& line : lines)
     if (!BasicColorExists(session, line.name, database))
-      line.name = AddZeroBasic(session, line.name, IsAdditive(session, source, line.name), database);
+      AddZeroBasic(session, line.name, isAdditive(line.name), database);
 }
 
 std::vector<Cell> NewRecordCells(const Session& session) {
@@ -148,7 +164,7 @@ Result<void> MayDuplicate(const Session& session) {
 
 Result<Duplicated> Duplicate(Session& session, const Source& source, std::string_view typed,
                              std::string_view targetDatabase, std::string_view setName) {
-  const auto target = ReadTarget(session, typed, targetDatabase, setName);
+  const auto target = ReadTarget(session, typed, source.name, targetDatabase, setName);
   if (!target) return std::unexpected(target.error());
   if (target->existing &&
       !session.prompt.Ask("Overwite Exisiting Master Formula?",
@@ -158,7 +174,7 @@ Result<Duplicated> Duplicate(Session& session, const Source& source, std::string
                           Answer::No))
     return Duplicated{};
 
-  Recipe list = source.list;
+  const Recipe list = InTarget(session, source.list, target->database);
   if (list.empty()) return Refuse(Padded(30, "Invalid Formula"), "Can't save a formula with no ingredients.", "BC0");
   const bool withSet = target->set && SetFits(list, *target->set);
   if (target->set && !withSet)
@@ -167,9 +183,12 @@ Result<Duplicated> Duplicate(Session& session, const Source& source, std::string
                         "number of ingredients exceeds 15.\n\nIt will be duplicated without the Additive Set "
                         "information.");
 
+  const Recipe recipe = withSet ? NormaliseWithSet(list, target->set->rows) : Normalise(list);
+  if (const Ingredient* lost = LostShare(recipe))
+    return Refuse(Padded(30, "Invalid Formula"), fmt::format("This formula cannot be saved: {}.", LostShareText(*lost)));
+
   Transaction transaction(session.File());
   AddMissingIngredients(session, target->database, source, list);
-  const Recipe recipe = withSet ? NormaliseWithSet(list, target->set->rows) : Normalise(list);
   Store(session, *target, recipe, withSet ? target->set->SetName : std::string());
   transaction.Note({Change::Kind::Mix, target->database, target->name,
                     target->existing ? Change::What::Updated : Change::What::Added, ""});

@@ -51,8 +51,8 @@ void ApplyLine(Slots& slots, const FormulaModification& line) {
     return;
   }
   const bool up = line.method == ModMethod::Increase || line.method == ModMethod::Add;
-  const std::int64_t hundredths = std::llround(line.percent * 100);
-  held->amount = Portion(10'000 + (up ? hundredths : -hundredths), held->amount, 10'000);
+  const double amount = static_cast<double>(held->amount) / 1000;
+  held->amount = Thousandths(ChangedByPercent(amount, up ? line.percent : -line.percent));
 }
 
 // Each slot is measured against the first one, not against the largest so far. The total knows nothing of a set.
@@ -230,9 +230,14 @@ ModifierPreviewRow JudgeModification(const MixColor& mix, const AdditiveSet* set
     if (std::string reason = JudgeLine(judgement, line); !reason.empty()) row.reasons.push_back(std::move(reason));
   if (!judgement.passes) return row;
   Recipe modified = Modified(row.present, set, lines);
-  // Neither a formula that rounding leaves empty nor one whose set no longer fits can be stored.
-  if (modified.empty() || TotalOf(modified) <= 0) {
+  // A formula that rounding leaves empty cannot be stored, nor one of nothing but its set, one with a line that would
+  // never be weighed or one whose set no longer fits.
+  if (WithoutSet(modified, setRows).empty() || TotalOf(modified) <= 0) {
     row.reasons.emplace_back(kReducesToOne);
+    return row;
+  }
+  if (const Ingredient* lost = LostShare(modified)) {
+    row.reasons.push_back(LostShareText(*lost));
     return row;
   }
   if (modified.size() > static_cast<std::size_t>(schema::kIngredientSlots)) {

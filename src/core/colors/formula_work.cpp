@@ -108,6 +108,17 @@ Recipe StoredRecipe(const Session& session, const FormulaWork& work) {
   return set.empty() ? Normalise(GridRecipe(work)) : NormaliseWithSet(GridRecipe(work), set);
 }
 
+// What rounds to nothing in parts of 100 would stand in the formula and never be weighed.
+Result<void> CheckShares(const Session& session, const FormulaWork& work) {
+  const Recipe stored = StoredRecipe(session, work);
+  const Ingredient* lost = LostShare(stored);
+  if (lost == nullptr) return {};
+  for (std::size_t row = 0; row < work.grid.size(); ++row)
+    if (EqualNoCase(TrimView(work.grid[row].BC), lost->name))
+      return InvalidFormula(fmt::format("This formula cannot be saved: {}.", LostShareText(*lost)), FieldOf("BQ", row));
+  return {};
+}
+
 void AddIngredients(Session& session, const FormulaWork& work) {
   for (const NewIngredient& ingredient : work.newIngredients)
     if (!BasicColorExists(session, ingredient.name)) AddZeroBasic(session, ingredient.name, ingredient.additive);
@@ -155,18 +166,21 @@ Recipe GridRecipe(const FormulaWork& work) {
   return recipe;
 }
 
-Result<void> CheckNewMixName(const Session& session, const std::string& name) {
+Result<void> CheckNewMixName(const Session& session, const std::string& name, std::string_view field) {
   if (session.Perm_MasterFormula != 1)
     return Refuse(Padded(30, "Color Not Found"),
                   name +
                       " is not found in this database, and you do not\nhave permission to add a new Master Formula "
                       "to the database.",
-                  "Color_Name");
-  if (HasPantonePrefix(name) && !IsPantoneBookMix(session, name))
+                  std::string(field));
+  const bool published = IsPantoneBookMix(session, name);
+  if (auto valid = CheckNewName(name, NameSource::Typed, session.NameLength, field); !valid && !published)
+    return valid;
+  if (HasPantonePrefix(name) && !published)
     return Refuse(Padded(30, "Master Formula - Invalid Color Name"),
                   "You cannot add a new color to the database that begins with the word PANTONE. Please choose another "
                   "name.",
-                  "Color_Name");
+                  std::string(field));
   return {};
 }
 
@@ -226,6 +240,8 @@ Result<IngredientEntry> EnterIngredient(Session& session, const FormulaWork& wor
   if (known || IsKnown(session, work, entry.name)) return entry;
 
   if (auto writable = RequireWritable(session); !writable) return std::unexpected(writable.error());
+  if (auto allowed = CheckNewBasicName(session, entry.name, FieldOf("BC", row)); !allowed)
+    return std::unexpected(allowed.error());
   const bool add = session.prompt.Ask(
       "Add Basic Color To Database?",
       fmt::format("The Basic Color {0} is not found in this database.\n\nHint: Check your list of Basic Colors for "
@@ -274,7 +290,8 @@ Result<void> ValidateFormula(const Session& session, const FormulaWork& work) {
   for (const RowCheck check : {CheckKnown, CheckAmountRange, CheckHasAmount, CheckHasIngredient, CheckSingleUse})
     for (std::size_t row = 0; row < work.grid.size(); ++row)
       if (auto passed = check(session, work, row); !passed) return passed;
-  return CheckSet(session, work);
+  if (auto set = CheckSet(session, work); !set) return set;
+  return CheckShares(session, work);
 }
 
 Result<void> SaveMix(Session& session, FormulaWork& work) {
@@ -388,9 +405,10 @@ Result<void> AdjustFormula(Session& session, FormulaWork& work, FormulaAdjustmen
                       *choice));
     *empty = {*choice, Fixed(value, 3)};
   } else {
-    const double factor = 1 + (adjustment == FormulaAdjustment::Increase ? value : -value) * 0.01;
+    const double change = adjustment == FormulaAdjustment::Increase ? value : -value;
     for (FormulaWork::Row& row : adjusted.grid)
-      if (EqualNoCase(TrimView(row.BC), *choice)) row.BQ = Fixed(RoundTo(AmountOf(row.BQ).value_or(0), 3) * factor, 3);
+      if (EqualNoCase(TrimView(row.BC), *choice))
+        row.BQ = Fixed(ChangedByPercent(AmountOf(row.BQ).value_or(0), change), 3);
   }
   if (auto saved = SaveFormula(session, adjusted); !saved) return saved;
   work = std::move(adjusted);

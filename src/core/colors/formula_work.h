@@ -37,7 +37,7 @@ Recipe GridRecipe(const FormulaWork& work);
 
 /// Leaving the name field, as for a Basic Color; a formula is found by its code too.
 Result<NameEntry> EnterMixName(Session& session, std::string_view typed);
-Result<void> CheckNewMixName(const Session& session, const std::string& name);
+Result<void> CheckNewMixName(const Session& session, const std::string& name, std::string_view field = "Color_Name");
 bool AskNewMix(Session& session, const std::string& name);
 
 FormulaWork NewFormulaWork(const Session& session, std::string name);

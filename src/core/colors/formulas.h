@@ -54,8 +54,8 @@ float GetMixBasicCost(const Session& session, std::string_view name);
 
 /// The row of exactly that name, in any case.
 std::optional<MixColor> ReadMix(const Session& session, std::string_view name, std::string_view database = {});
-/// What a typed text finds: the first row, in Color_Name order, whose name is the text or "PANTONE " and the text, or
-/// whose code it is.
+/// What a typed text finds: the formula of that name, else of "PANTONE " and the text, else the first in Color_Name
+/// order whose code it is.
 std::optional<MixColor> FindMix(const Session& session, std::string_view typed);
 /// Every row in Color_Name order, one at a time.
 void ForEachMix(const Session& session, const std::function<void(const MixColor&)>& take);

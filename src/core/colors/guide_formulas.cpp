@@ -6,6 +6,7 @@
 #include <string>
 
 #include "core/base/number.h"
+#include "core/base/text.h"
 #include "core/colors/amounts.h"
 #include "core/colors/color_set.h"
 #include "core/colors/names.h"
@@ -60,15 +61,26 @@ Result<void> RequireRevert(const Session& session, std::string_view name) {
 }  // namespace
 
 std::optional<Recipe> ReadTemplateRecipe(const Session& session, std::string_view name) {
-  if (session.TemplateFile.empty() || !session.templateDB || name.empty()) return std::nullopt;
-  for (const std::string_view guide : kGuideMixTables) {
-    if (!session.templateDB->TableExists(guide)) continue;
-    Statement row = session.templateDB->Prepare(fmt::format(
-        "SELECT {} FROM {} WHERE Color_Name = ?1 OR Color_Name = ?2 LIMIT 1", SlotColumns(), Quoted(guide)));
+  const TemplateOf guides(session);
+  if (!guides || name.empty()) return std::nullopt;
+  const std::string guide =
+      session.File()
+          .Scalar("SELECT Color_Guide FROM " + Quoted(session.Table(schema::Mix)) +
+                      " WHERE Color_Name = ? ORDER BY rowid LIMIT 1",
+                  {name})
+          .Text();
+  std::optional<Recipe> first;
+  for (const std::string_view table : kGuideMixTables) {
+    if (!guides->TableExists(table)) continue;
+    Statement row = guides->Prepare(
+        fmt::format("SELECT {}, COALESCE(Color_Guide, '') FROM {} WHERE Color_Name = ?1 OR Color_Name = ?2 LIMIT 1",
+                    SlotColumns(), Quoted(table)));
     row.Bind(1, name).Bind(2, std::string(kPantonePrefix).append(name));
-    if (row.Step()) return ReadSlots(row);
+    if (!row.Step()) continue;
+    if (EqualNoCase(row.TextView(2 * schema::kIngredientSlots), guide)) return ReadSlots(row);
+    if (!first) first = ReadSlots(row);
   }
-  return std::nullopt;
+  return first;
 }
 
 bool IsFormulaModified(const Session& session, std::string_view name) {

@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 
 #include "core/base/text.h"
+#include "core/colors/guide_database.h"
 #include "core/colors/names.h"
 #include "core/datafile/databases.h"
 
@@ -15,11 +16,13 @@ struct TemplateHit {
 };
 
 std::optional<TemplateHit> FindInTemplate(const Session& session, const std::array<std::string_view, 5>& tables,
-                                          std::string_view name) {
-  if (!session.templateDB || TrimView(name).empty()) return std::nullopt;
+                                          std::string_view name, std::string_view database) {
+  if (TrimView(name).empty()) return std::nullopt;
+  const TemplateOf guides(session, database);
+  if (!guides) return std::nullopt;
   for (const std::string_view table : tables) {
-    if (!session.templateDB->TableExists(table)) continue;
-    Statement row = session.templateDB->Prepare(fmt::format(
+    if (!guides->TableExists(table)) continue;
+    Statement row = guides->Prepare(fmt::format(
         "SELECT Color_Name, {} FROM {} WHERE Color_Name = ?1 OR Color_Name = ?2 LIMIT 1", kBookFields, Quoted(table)));
     row.Bind(1, name).Bind(2, std::string(kPantonePrefix).append(name));
     if (row.Step()) return TemplateHit{row.Text(0), ReadBookData(row, 1)};
@@ -27,19 +30,43 @@ std::optional<TemplateHit> FindInTemplate(const Session& session, const std::arr
   return std::nullopt;
 }
 
-bool MadeFromGuides(const Session& session, std::string_view database) {
-  if (database.empty() || EqualNoCase(database, session.CurrentDatabase)) return !session.TemplateFile.empty();
-  return !ReadDatabaseInfo(session.File(), database).templateFile.empty();
+std::string NameOf(const std::optional<TemplateHit>& hit) {
+  return hit ? hit->name : std::string();
 }
 
-BookData BookDataOf(const Session& session, const std::array<std::string_view, 5>& tables, std::string_view name,
-                    std::string_view database) {
-  if (!MadeFromGuides(session, database)) return {};
-  const auto hit = FindInTemplate(session, tables, name);
+BookData BookOf(const std::optional<TemplateHit>& hit) {
   return hit ? hit->book : BookData{};
 }
 
+const std::array<std::string_view, 5>& TablesOf(ColorKind kind) {
+  return kind == ColorKind::Basic ? kGuideBasicTables : kGuideMixTables;
+}
+
+bool IsOnFile(const Session& session, ColorKind kind, std::string_view name, std::string_view database) {
+  const std::string table = Quoted(session.Table(ColorTable(kind), database));
+  return !session.File().Scalar("SELECT 1 FROM " + table + " WHERE Color_Name = ? LIMIT 1", {name}).IsNull();
+}
+
+bool IsCurrent(const Session& session, std::string_view database) {
+  return database.empty() || EqualNoCase(database, session.CurrentDatabase);
+}
+
 }  // namespace
+
+bool MadeFromGuides(const Session& session, std::string_view database) {
+  if (IsCurrent(session, database)) return !session.TemplateFile.empty();
+  return !ReadDatabaseInfo(session.File(), database).templateFile.empty();
+}
+
+TemplateOf::TemplateOf(const Session& session, std::string_view database) {
+  if (!MadeFromGuides(session, database)) return;
+  file_ = session.templateDB.get();
+  if (file_ != nullptr || IsCurrent(session, database)) return;
+  const std::filesystem::path path = TemplatePath(session);
+  if (path.empty()) return;
+  own_ = Database::Open(path, OpenMode::ReadOnly);
+  file_ = own_.get();
+}
 
 BookData ReadBookData(const Statement& row, int column) {
   BookData book;
@@ -52,30 +79,36 @@ BookData ReadBookData(const Statement& row, int column) {
   return book;
 }
 
-std::string GetTemplateBasicName(const Session& session, std::string_view name) {
-  const auto hit = FindInTemplate(session, kGuideBasicTables, name);
-  return hit ? hit->name : std::string();
+std::string GetTemplateBasicName(const Session& session, std::string_view name, std::string_view database) {
+  return NameOf(FindInTemplate(session, kGuideBasicTables, name, database));
 }
 
-std::string GetTemplateMixName(const Session& session, std::string_view name) {
-  const auto hit = FindInTemplate(session, kGuideMixTables, name);
-  return hit ? hit->name : std::string();
+std::string GetTemplateMixName(const Session& session, std::string_view name, std::string_view database) {
+  return NameOf(FindInTemplate(session, kGuideMixTables, name, database));
 }
 
 bool IsPantoneBookBasic(const Session& session, std::string_view name, std::string_view database) {
-  return MadeFromGuides(session, database) && FindInTemplate(session, kGuideBasicTables, name).has_value();
+  return FindInTemplate(session, kGuideBasicTables, name, database).has_value();
 }
 
 bool IsPantoneBookMix(const Session& session, std::string_view name, std::string_view database) {
-  return MadeFromGuides(session, database) && FindInTemplate(session, kGuideMixTables, name).has_value();
+  return FindInTemplate(session, kGuideMixTables, name, database).has_value();
+}
+
+std::string StoredName(const Session& session, ColorKind kind, std::string_view name, std::string_view database) {
+  if (IsOnFile(session, kind, name, database) || !MadeFromGuides(session, database)) return std::string(name);
+  std::string published = NameOf(FindInTemplate(session, TablesOf(kind), name, database));
+  if (!published.empty()) return published;
+  std::string prefixed = std::string(kPantonePrefix).append(name);
+  return IsOnFile(session, kind, prefixed, database) ? prefixed : std::string(name);
 }
 
 BookData BookDataOfBasic(const Session& session, std::string_view name, std::string_view database) {
-  return BookDataOf(session, kGuideBasicTables, name, database);
+  return BookOf(FindInTemplate(session, kGuideBasicTables, name, database));
 }
 
 BookData BookDataOfMix(const Session& session, std::string_view name, std::string_view database) {
-  return BookDataOf(session, kGuideMixTables, name, database);
+  return BookOf(FindInTemplate(session, kGuideMixTables, name, database));
 }
 
 std::string GuideCaption(std::string_view colorName, const BookData& book) {

@@ -1,10 +1,12 @@
 #pragma once
 
 #include <array>
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
 
+#include "core/datafile/color_kind.h"
 #include "core/datafile/recordset.h"
 #include "core/session/session.h"
 
@@ -29,14 +31,36 @@ inline constexpr std::array<std::string_view, 5> kGuideBasicTables{
 inline constexpr std::array<std::string_view, 5> kGuideMixTables{
     "FGuide_MColors_GP1601A", "FGuide_MColors_GP1601B", "Metallics_MColors", "PastelNeons_MColors", "Goe_MColors"};
 
+/// Whether a Database is made from guides whose template is there. `database` empty means the current one.
+bool MadeFromGuides(const Session& session, std::string_view database = {});
+
+/// The template of the guides of a Database, opened for as long as this object lives where the session does not have it
+/// open: it has that of the current Database alone.
+class TemplateOf {
+ public:
+  explicit TemplateOf(const Session& session, std::string_view database = {});
+  /// Null when the Database is not made from guides or their template is not there.
+  Database* operator->() const { return file_; }
+  explicit operator bool() const { return file_ != nullptr; }
+
+ private:
+  std::unique_ptr<Database> own_;
+  Database* file_ = nullptr;
+};
+
 /// The spelling under which the guides hold the ingredient or formula, tried as it stands and behind "PANTONE "; empty
 /// when there is no template or no such name.
-std::string GetTemplateBasicName(const Session& session, std::string_view name);
-std::string GetTemplateMixName(const Session& session, std::string_view name);
+std::string GetTemplateBasicName(const Session& session, std::string_view name, std::string_view database = {});
+std::string GetTemplateMixName(const Session& session, std::string_view name, std::string_view database = {});
 
 /// False for a Database that is not made from guides. `database` empty means the current one.
 bool IsPantoneBookBasic(const Session& session, std::string_view name, std::string_view database = {});
 bool IsPantoneBookMix(const Session& session, std::string_view name, std::string_view database = {});
+
+/// The name under which a Database has, or would get, a colour that a file or a recipe from elsewhere names: as it
+/// stands when that is on file; in a Database made from guides else in the guide's spelling, or behind "PANTONE " when
+/// that is on file. So a colour never comes a second time under a name without its prefix.
+std::string StoredName(const Session& session, ColorKind kind, std::string_view name, std::string_view database = {});
 
 /// The guide's data for a name; the defaults when the Database or the name is not of a guide.
 BookData BookDataOfBasic(const Session& session, std::string_view name, std::string_view database = {});

@@ -3,6 +3,7 @@
 #include <array>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "core/colors/formula_work.h"
 
@@ -19,8 +20,17 @@ struct IngredientFigures {
   /// An ink of which nothing is known but zeros has no swatch.
   bool HasSwatch() const { return Red != 0 || Green != 0 || Blue != 0; }
 };
-/// Those of the lines of a grid, kept beside a formula on screen so that its totals follow every key.
-using GridFigures = std::array<IngredientFigures, schema::kIngredientSlots>;
+/// Those of the lines of a grid and of the Additive Set beside it, kept with a formula on screen so that its totals
+/// follow every key.
+struct GridFigures {
+  struct SetLine {
+    std::string name;
+    double percent = 0;
+    IngredientFigures figures;
+  };
+  std::array<IngredientFigures, schema::kIngredientSlots> lines;
+  std::vector<SetLine> set;
+};
 
 /// As they are on file; zero for an ingredient that is not.
 IngredientFigures ReadIngredientFigures(const Session& session, std::string_view name);
@@ -32,6 +42,9 @@ struct LiveTotals {
   std::string VOCBasics;
   std::string HAPBasics;
 };
+/// The grid shares what the set leaves of 100, as it will when it is saved.
 LiveTotals ComputeLiveTotals(const Session& session, const FormulaWork& work, const GridFigures& figures);
+/// What stands with a stored formula, which its ingredients may have left behind.
+LiveTotals StoredTotals(const Session& session, const MixColor& mix);
 
 }  // namespace vellumark

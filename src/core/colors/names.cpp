@@ -24,6 +24,25 @@ std::string Shown(unsigned char c) {
   return fmt::format("the character {}", static_cast<char>(c));
 }
 
+std::unexpected<Refusal> NoName(std::string text, std::string_view field) {
+  return Refuse("Invalid Name", std::move(text), std::string(field));
+}
+
+Result<void> CheckFileName(std::string_view name, std::string_view field) {
+  constexpr std::string_view kMarks = "<>\"'[]|*";
+  if (!IsUtf8(name)) return NoName("The name is not a text.", field);
+  for (const char c : name) {
+    const auto byte = static_cast<unsigned char>(c);
+    if (byte >= 0x20 && byte != 0x7F && kMarks.find(c) == std::string_view::npos) continue;
+    return NoName(
+        fmt::format("The name {} holds {}, which has a meaning of its own in lists of names.", name, Shown(byte)),
+        field);
+  }
+  if (!FitsCp1252(name))
+    return NoName(fmt::format("The name {} holds a character that formula files cannot hold.", name), field);
+  return {};
+}
+
 }  // namespace
 
 std::optional<char> NameKey(char32_t typed, NameKeys keys) {
@@ -70,33 +89,36 @@ bool SameColorName(std::string_view a, std::string_view b) {
   return EqualNoCase(a, b);
 }
 
-Result<void> CheckTypedName(std::string_view name, std::string_view field) {
-  if (!IsUtf8(name)) return Refuse("Invalid Name", "The name is not a text.", std::string(field));
-  const std::string upper = Upper(name);
-  for (const char c : upper) {
-    if (IsPlainNameCharacter(c)) continue;
-    const std::string what =
-        static_cast<unsigned char>(c) < 0x80 ? Shown(static_cast<unsigned char>(c)) : "a letter outside A to Z";
-    return Refuse(
-        "Invalid Name",
-        fmt::format("The name {} holds {}.\nA name may hold letters from A to Z, digits, blanks and . / -", name, what),
-        std::string(field));
+Result<void> CheckTypedPiece(std::string_view piece, std::string_view field, std::string_view from) {
+  if (!IsUtf8(piece)) return NoName("The name is not a text.", field);
+  const std::string upper = Upper(piece);
+  const std::string known = Upper(from);
+  for (std::string_view rest = upper; !rest.empty();) {
+    const std::string c = Left(rest, 1);
+    rest.remove_prefix(c.size());
+    if (c.size() == 1 && IsPlainNameCharacter(c[0])) continue;
+    if (known.find(c) != std::string::npos && static_cast<unsigned char>(c[0]) >= 0x20) continue;
+    const std::string what = c.size() == 1 ? Shown(static_cast<unsigned char>(c[0])) : "a letter outside A to Z";
+    return NoName(fmt::format("The name {} holds {}.\nA name may hold letters from A to Z, digits, blanks and . / -",
+                              piece, what),
+                  field);
   }
   return {};
 }
 
-Result<void> CheckImportedName(std::string_view name, std::string_view field) {
-  constexpr std::string_view kMarks = "<>\"'[]|*";
-  if (!IsUtf8(name)) return Refuse("Invalid Name", "The name is not a text.", std::string(field));
-  for (const char c : name) {
-    const auto byte = static_cast<unsigned char>(c);
-    if (byte >= 0x20 && byte != 0x7F && kMarks.find(c) == std::string_view::npos) continue;
-    return Refuse(
-        "Invalid Name",
-        fmt::format("The name {} holds {}, which has a meaning of its own in lists of names.", name, Shown(byte)),
-        std::string(field));
-  }
-  return {};
+Result<void> CheckNewName(std::string_view name, NameSource source, int longest, std::string_view field,
+                          std::string_view from) {
+  if (const std::size_t length = CharCount(name); length > static_cast<std::size_t>(longest))
+    return NoName(fmt::format("The name {} has {} characters, the limit is {}.", name, length, longest), field);
+  return source == NameSource::Typed ? CheckTypedPiece(name, field, from) : CheckFileName(name, field);
+}
+
+std::string NameLines(const std::vector<std::string>& names) {
+  constexpr std::size_t kMost = 20;
+  const std::size_t shown = std::min(names.size(), kMost);
+  std::string lines = fmt::format("{}", fmt::join(names.begin(), names.begin() + static_cast<std::ptrdiff_t>(shown), "\n"));
+  if (shown < names.size()) lines += fmt::format("\nand {} more", names.size() - shown);
+  return lines;
 }
 
 std::string Padded(int blanks, std::string_view title) {

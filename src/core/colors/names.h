@@ -3,6 +3,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "core/session/session.h"
 
@@ -35,11 +36,21 @@ bool HasPantonePrefix(std::string_view name);
 /// Equal as guide names go: with and without the prefix, in any case.
 bool SameColorName(std::string_view a, std::string_view b);
 
-/// For callers without a keyboard filter: refuses a name with a character that no name field would have let through.
-Result<void> CheckTypedName(std::string_view name, std::string_view field = "Color_Name");
-/// The looser rule for names from files, which may bring accented letters and signs: refuses the characters that carry
-/// meaning where names are put together (< > " ' [ ] | *) and control characters.
-Result<void> CheckImportedName(std::string_view name, std::string_view field = "Color_Name");
+/// Where a new name comes from: a person, at a field or a command; or a file, which may bring accented letters and
+/// signs.
+enum class NameSource { Typed, File };
+/// The one rule for the characters and the length of a name that a colour or an Additive Set is to get, whichever door it
+/// comes through. A person's name holds what name fields let through: A to Z in either case, digits, blanks and . / -
+/// and whatever stands in `from`, the name on file that it is made of. A file's may hold every letter and sign of the
+/// code page, so that it can be exported, but those that have a meaning where names are put together (< > " ' [ ] | *)
+/// and control characters. Whether a name may begin with "PANTONE " the guides say.
+Result<void> CheckNewName(std::string_view name, NameSource source, int longest, std::string_view field = "Color_Name",
+                          std::string_view from = {});
+/// A piece that a person puts into names: its characters alone.
+Result<void> CheckTypedPiece(std::string_view piece, std::string_view field, std::string_view from = {});
+
+/// Names for a message, a line each; of many the first twenty and how many more there are.
+std::string NameLines(const std::vector<std::string>& names);
 
 /// The title behind so many blanks, as the message boxes show it.
 std::string Padded(int blanks, std::string_view title);

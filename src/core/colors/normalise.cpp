@@ -1,8 +1,11 @@
 #include "core/colors/normalise.h"
 
 #include <algorithm>
+#include <array>
+#include <charconv>
 #include <cmath>
 #include <cstdint>
+#include <limits>
 
 #include "core/base/number.h"
 #include "core/base/text.h"
@@ -33,14 +36,77 @@ Ingredient& FirstLargest(Recipe& recipe) {
   return *std::ranges::max_element(recipe, {}, &Ingredient::amount);
 }
 
+__extension__ using Wide = __int128;
+
+// An amount as the decimal that a person reads: digits times a power of ten, digits below 10^17.
+struct Decimal {
+  std::int64_t digits = 0;
+  int exponent = 0;
+};
+
+Decimal DecimalOf(double amount) {
+  if (amount == 0 || !std::isfinite(amount)) return {};
+  std::array<char, 32> text{};
+  const auto end = std::to_chars(text.data(), text.data() + text.size(), amount, std::chars_format::scientific).ptr;
+  Decimal decimal;
+  const char* at = text.data();
+  bool point = false;
+  for (; *at != 'e'; ++at) {
+    if (*at >= '0' && *at <= '9') decimal.digits = decimal.digits * 10 + (*at - '0');
+    if (*at >= '0' && *at <= '9' && point) --decimal.exponent;
+    point = point || *at == '.';
+  }
+  int power = 0;
+  std::from_chars(at[1] == '+' ? at + 2 : at + 1, end, power);
+  decimal.exponent += power;
+  if (amount < 0) decimal.digits = -decimal.digits;
+  return decimal;
+}
+
+int Magnitude(const Decimal& decimal) {
+  int magnitude = decimal.exponent;
+  for (std::int64_t rest = decimal.digits; rest != 0; rest /= 10) ++magnitude;
+  return magnitude;
+}
+
+// The decimal in whole units of that power of ten; what is below half a unit goes.
+Wide InUnits(const Decimal& decimal, int unit) {
+  Wide whole = decimal.digits;
+  for (int power = decimal.exponent; power > unit && whole != 0; --power) whole *= 10;
+  for (int power = decimal.exponent; power < unit && whole != 0; ++power)
+    whole = power + 1 == unit ? (whole + (whole < 0 ? -5 : 5)) / 10 : whole / 10;
+  return whole;
+}
+
+// So many digits of the largest amount count; sums and products of them fit.
+constexpr int kDigits = 30;
+
+// The amounts in whole units of one power of ten, the finest that any of them needs.
+std::vector<Wide> WholeUnits(const Recipe& recipe) {
+  std::vector<Decimal> decimals;
+  int largest = std::numeric_limits<int>::min();
+  int finest = std::numeric_limits<int>::max();
+  for (const Ingredient& line : recipe) {
+    decimals.push_back(DecimalOf(line.amount));
+    if (decimals.back().digits == 0) continue;
+    largest = std::max(largest, Magnitude(decimals.back()));
+    finest = std::min(finest, decimals.back().exponent);
+  }
+  const int unit = std::max(finest, largest - kDigits);
+  std::vector<Wide> units;
+  for (const Decimal& decimal : decimals) units.push_back(decimal.digits == 0 ? 0 : InUnits(decimal, unit));
+  return units;
+}
+
 // Scales the lines to `share` thousandths of a part, each rounded half up to a thousandth; false when there is nothing
-// to scale. Whole millionths keep the division exact: what is a half by hand is a half here.
+// to scale. Whole units keep the division exact: what is a half by hand is a half here.
 bool Rescale(Recipe& recipe, std::int64_t share) {
-  const auto millionths = [](const Ingredient& line) { return std::llround(line.amount * 1e6); };
-  std::int64_t total = 0;
-  for (const Ingredient& line : recipe) total += millionths(line);
+  const std::vector<Wide> units = WholeUnits(recipe);
+  Wide total = 0;
+  for (const Wide unit : units) total += unit;
   if (total <= 0) return false;
-  for (Ingredient& line : recipe) line.amount = FromThousandths((2 * millionths(line) * share + total) / (2 * total));
+  for (std::size_t i = 0; i < recipe.size(); ++i)
+    recipe[i].amount = FromThousandths(static_cast<std::int64_t>((2 * units[i] * share + total) / (2 * total)));
   return true;
 }
 
@@ -91,6 +157,21 @@ Recipe WithoutSet(const Recipe& recipe, const Recipe& set) {
   for (const Ingredient& line : recipe)
     if (!HoldsIngredient(set, line.name)) rest.push_back(line);
   return rest;
+}
+
+double ChangedByPercent(double amount, double percent) {
+  constexpr Wide kWhole = 10'000;  // 100.00 percent in hundredths
+  const Wide part = Thousandths(amount);
+  return FromThousandths(static_cast<std::int64_t>((2 * part * (kWhole + std::llround(percent * 100)) + kWhole) / (2 * kWhole)));
+}
+
+const Ingredient* LostShare(const Recipe& recipe) {
+  const auto lost = std::ranges::find_if(recipe, [](const Ingredient& line) { return Thousandths(line.amount) < 1; });
+  return lost == recipe.end() ? nullptr : &*lost;
+}
+
+std::string LostShareText(const Ingredient& line) {
+  return "the share of " + line.name + " is below 0.001 of 100";
 }
 
 double TotalOf(const Recipe& recipe) {

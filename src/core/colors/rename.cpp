@@ -72,6 +72,10 @@ NewRecipe RenamedRecipe(const Session& session, const NewRecipe& present, std::s
     return {recipe, present.setName};
   }
   if (const auto set = ReadAdditiveSet(session, present.setName)) {
+    // An Additive of the set that becomes an ingredient beside it: the set's share and the ingredient's are one amount
+    // from now on, which no set can hold.
+    if (HoldsIngredient(set->rows, oldName) && !HoldsIngredient(set->rows, newName))
+      return {MergeIngredients(recipe, oldName, newName), {}};
     const Recipe rows = RenamedRows(set->rows, oldName, newName);
     Recipe merged = MergeIngredientsWithSet(recipe, oldName, rows);
     if (merged.size() > rows.size()) return {merged, present.setName};
@@ -105,6 +109,9 @@ std::vector<std::int64_t> FormulasToRename(const Session& session, const std::ve
   return rows;
 }
 
+// Formulas that lost their Additive Set over a merge, in the order of the work.
+using FormulaNames = std::vector<std::string>;
+
 // How long work goes on: it hears how much is done, in percent, and may end it.
 using GoOn = std::function<bool(double percent)>;
 
@@ -113,7 +120,7 @@ double PartOf(std::size_t done, std::size_t all) {
 }
 
 bool RenameInFormulas(Session& session, Transaction& transaction, const std::vector<Renaming>& names,
-                      const GoOn& goOn) {
+                      FormulaNames& withoutSet, const GoOn& goOn) {
   const NameMap map = MapOf(names);
   const std::vector<std::int64_t> users = FormulasToRename(session, names, map);
   RecipeWriter writer(session);
@@ -126,6 +133,7 @@ bool RenameInFormulas(Session& session, Transaction& transaction, const std::vec
         if (const auto found = map.find(Upper(line.name)); found != map.end())
           renamed = RenamedRecipe(session, renamed, line.name, found->second);
       writer.Set(renamed.recipe, renamed.setName).Update(mix->rowId);
+      if (renamed.setName != mix->AddSetName) withoutSet.push_back(mix->Color_Name);
       transaction.Note({Change::Kind::Mix, session.CurrentDatabase, mix->Color_Name, Change::What::Updated, ""});
     }
     if (!goOn(PartOf(++done, users.size()))) return false;
@@ -152,8 +160,12 @@ void MergeInAdditiveSets(Session& session, const std::vector<Renaming>& names) {
   }
 }
 
-// The surviving row keeps what is its own; what belonged to the other goes.
+// The surviving row keeps what is its own; what belonged to the other goes. One that comes into Additive Sets for the
+// other is an Additive, as everything in them.
 void GiveUpBasic(Session& session, const BasicColor& color, const std::string& newName) {
+  if (UsedByAdditiveSet(session, color.Color_Name))
+    if (const auto survivor = ReadBasic(session, newName))
+      UpdateRow(session.File(), schema::Basic, session.Table(schema::Basic), survivor->rowId, {{"Additive", true}});
   GiveUpColorStock(session, ColorKind::Basic, session.CurrentDatabase, color.Color_Name, "Merged into " + newName);
   session.File()
       .Prepare("DELETE FROM " + Quoted(session.Table(schema::Basic)) + " WHERE rowid = ?")
@@ -163,8 +175,9 @@ void GiveUpBasic(Session& session, const BasicColor& color, const std::string& n
 
 // The ingredients of formulas and all other places; the colours' own rows are the caller's.
 bool RenameBasicsEverywhere(Session& session, Transaction& transaction, const std::vector<Renaming>& names,
-                            const GoOn& goOn) {
-  if (!RenameInFormulas(session, transaction, names, [&](double percent) { return goOn(percent / 2); })) return false;
+                            FormulaNames& withoutSet, const GoOn& goOn) {
+  if (!RenameInFormulas(session, transaction, names, withoutSet, [&](double percent) { return goOn(percent / 2); }))
+    return false;
   MergeInAdditiveSets(session, names);
   if (!RenameReferences(session.File(), session.CurrentDatabase, ColorKind::Basic, names,
                         [&](double percent) { return goOn(50 + percent / 2); }))
@@ -180,7 +193,8 @@ void WriteBasicName(Session& session, const BasicColor& color, const std::string
   TraceRename(session, ColorKind::Basic, color.Color_Name, newName);
 }
 
-void RenameOrMergeBasic(Session& session, const BasicColor& color, const std::string& newName, bool merge) {
+FormulaNames RenameOrMergeBasic(Session& session, const BasicColor& color, const std::string& newName, bool merge) {
+  FormulaNames withoutSet;
   ProgressRun progress(session.progress, merge ? "Merging colors ..." : "Renaming color ...");
   Transaction transaction(session.File());
   if (merge) {
@@ -188,16 +202,17 @@ void RenameOrMergeBasic(Session& session, const BasicColor& color, const std::st
   } else {
     WriteBasicName(session, color, newName);
   }
-  RenameBasicsEverywhere(session, transaction, {{color.Color_Name, newName}}, [&](double percent) {
+  RenameBasicsEverywhere(session, transaction, {{color.Color_Name, newName}}, withoutSet, [&](double percent) {
     session.progress.Percent(percent);
     return true;
   });
   transaction.Commit();
-  if (!merge) return;
+  if (!merge) return withoutSet;
   // Formulas now count the surviving colour's figures.
   session.CostChanged = true;
   session.VOCChanged = true;
   session.HAPChanged = true;
+  return withoutSet;
 }
 
 void WriteMixName(Session& session, const MixColor& mix, const std::string& newName) {
@@ -233,12 +248,16 @@ Result<Renamed> RenameBasic(Session& session, std::string_view oldName, std::str
   if (!color) return NotFound(oldName);
   std::string name = ReadNewName(session, typed);
   if (name.empty()) return RefuseBasicName("Color Name Needed", "Please enter a name.");
-  if (auto valid = CheckImportedName(name, kField); !valid) return std::unexpected(valid.error());
+  if (auto valid = CheckNewName(name, NameSource::Typed, session.NameLength, kField, color->Color_Name); !valid)
+    return std::unexpected(valid.error());
   if (EqualNoCase(name, color->Color_Name))
     return RefuseBasicName("Choose Another Name",
                            "Cannot rename a color with the same name.\n\nPlease enter a different name.");
   const auto survivor = ReadBasic(session, name);
   if (survivor) {
+    // A merge puts another ink into the recipes.
+    if (!FormulasUsing(session, color->Color_Name).empty())
+      if (auto right = RequireFormulaRight(session); !right) return std::unexpected(right.error());
     if (!session.prompt.Ask(Padded(kTitleBlanks, "Basic Color Name Exists"),
                             "This Basic Color already exists.\nDo you want to merge the colors?", Answer::No))
       return Renamed{};
@@ -248,7 +267,12 @@ Result<Renamed> RenameBasic(Session& session, std::string_view oldName, std::str
                            "A color can not be renamed with the word PANTONE unless\nit is used as a ingredient in a "
                            "Pantone Color Guide.\n\nPlease choose another name.");
   }
-  RenameOrMergeBasic(session, *color, name, survivor.has_value());
+  const FormulaNames withoutSet = RenameOrMergeBasic(session, *color, name, survivor.has_value());
+  if (!withoutSet.empty())
+    session.prompt.Tell("Additive Set",
+                        fmt::format("{} is an ingredient beside the Additive Set now.\nThese Master Formulas keep "
+                                    "their amounts and no longer use the set:\n\n{}",
+                                    name, NameLines(withoutSet)));
   return Renamed{true, survivor.has_value(), name};
 }
 
@@ -259,7 +283,8 @@ Result<Renamed> RenameColor(Session& session, std::string_view oldName, std::str
   if (auto right = RequireFormulaRight(session); !right) return std::unexpected(right.error());
   std::string name = ReadNewName(session, typed);
   if (name.empty()) return Refuse("Color Name Needed", "Please enter a new color name.", std::string(kField));
-  if (auto valid = CheckImportedName(name, kField); !valid) return std::unexpected(valid.error());
+  if (auto valid = CheckNewName(name, NameSource::Typed, session.NameLength, kField, mix->Color_Name); !valid)
+    return std::unexpected(valid.error());
   if (EqualNoCase(name, mix->Color_Name))
     return Refuse("Choose Another Name", "Cannot rename a color with the same name.\n\nPlease enter a different name.",
                   std::string(kField));
@@ -299,8 +324,9 @@ bool RenameAllChecked(Session& session, Transaction& transaction, ColorKind kind
     if (!goOn(PartOf(++done, names.size()) / 2)) return false;
   }
   const auto rest = [&](double percent) { return goOn(50 + percent / 2); };
-  return kind == ColorKind::Mix ? RenameMixesEverywhere(session, transaction, names, rest)
-                                : RenameBasicsEverywhere(session, transaction, names, rest);
+  if (kind == ColorKind::Mix) return RenameMixesEverywhere(session, transaction, names, rest);
+  FormulaNames none;  // no name is another colour's, so that nothing merges
+  return RenameBasicsEverywhere(session, transaction, names, none, rest);
 }
 
 }  // namespace vellumark

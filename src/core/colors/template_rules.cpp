@@ -40,7 +40,8 @@ class RowJudge {
       if (!HasPantonePrefix(name) || StripPantonePrefix(name).empty())
         Fault(fmt::format("the name {} does not begin with \"{}\"", name, kPantonePrefix));
       if (name != Upper(TrimView(name))) Fault(fmt::format("the name {} is not trimmed and in capitals", name));
-      if (auto good = CheckImportedName(name); !good) Fault(good.error().text);
+      constexpr int kLongest = 30;
+      if (auto good = CheckNewName(name, NameSource::File, kLongest); !good) Fault(good.error().text);
     }
     if (const auto [first, added] = seen.emplace(StripPantonePrefix(name), Seen{name, row_.where}); !added)
       Fault(fmt::format("the name {} stands already in {}", name, first->second.where));

@@ -3,10 +3,12 @@
 #include <fmt/format.h>
 
 #include <algorithm>
-#include <cmath>
+#include <map>
+#include <unordered_map>
 #include <unordered_set>
 
 #include "core/base/files.h"
+#include "core/base/progress_run.h"
 #include "core/base/text.h"
 #include "core/colors/amounts.h"
 #include "core/colors/basics.h"
@@ -17,13 +19,26 @@
 namespace vellumark {
 namespace {
 
-constexpr double kSmallestPart = 0.001;
-
 // A formula of the file, and what the Database has of that name.
 struct Incoming {
   std::string name;
   Recipe recipe;
   std::int64_t rowId = 0;  // 0 for a new one
+};
+
+// The names of a file as the current Database has them, each looked up once.
+class StoredNames {
+ public:
+  explicit StoredNames(const Session& session) : session_(session) {}
+  const std::string& Of(ColorKind kind, const std::string& name) {
+    const auto [place, isNew] = names_[kind].try_emplace(name);
+    if (isNew) place->second = StoredName(session_, kind, name);
+    return place->second;
+  }
+
+ private:
+  const Session& session_;
+  std::map<ColorKind, std::unordered_map<std::string, std::string>> names_;
 };
 
 std::string BadLinesText(const std::vector<MfeFile::BadLine>& lines) {
@@ -45,24 +60,37 @@ void RequireNoDataFile(const std::filesystem::path& path) {
   if (Database::IsDatabaseFile(path)) throw Failure(path.string(), "is a Data File and is not overwritten");
 }
 
-Recipe RecipeOf(const MfeFile::Formula& formula) {
+Recipe RecipeOf(StoredNames& names, const MfeFile::Formula& formula) {
   Recipe recipe;
-  for (const auto& [name, amount] : formula.parts) recipe.push_back({name, amount});
+  for (const auto& [name, amount] : formula.parts) recipe.push_back({names.Of(ColorKind::Basic, name), amount});
   return Normalise(std::move(recipe));
 }
 
-// The recipes in parts of 100. One with a share too small to be weighed is told among the bad lines.
-std::vector<Incoming> NormalisedFormulas(MfeFile& file) {
+// What is wrong with a recipe under the names of the Database; empty when nothing.
+std::string FaultOf(const Recipe& recipe) {
+  for (std::size_t n = 0; n < recipe.size(); ++n)
+    for (std::size_t earlier = 0; earlier < n; ++earlier)
+      if (EqualNoCase(recipe[earlier].name, recipe[n].name))
+        return fmt::format("the ingredient {} stands in it twice", recipe[n].name);
+  if (const Ingredient* lost = LostShare(recipe)) return LostShareText(*lost);
+  return {};
+}
+
+// The recipes in parts of 100 under the names of the Database. What cannot be one there is told among the bad lines.
+std::vector<Incoming> ReadFormulas(const Session& session, MfeFile& file) {
+  StoredNames names(session);
   std::vector<Incoming> incoming;
+  std::unordered_map<std::string, int> lineOfName;
   for (const MfeFile::Formula& formula : file.formulas) {
-    Recipe recipe = RecipeOf(formula);
-    const auto small = std::ranges::find_if(recipe, [](const Ingredient& line) { return line.amount < kSmallestPart; });
-    if (small != recipe.end()) {
-      file.badLines.push_back(
-          {formula.line, formula.name, fmt::format("the share of {} is below {} of 100", small->name, kSmallestPart)});
-      continue;
+    Incoming read{names.Of(ColorKind::Mix, formula.name), RecipeOf(names, formula), 0};
+    std::string fault = FaultOf(read.recipe);
+    if (const auto [first, added] = lineOfName.emplace(read.name, formula.line); fault.empty() && !added)
+      fault = fmt::format("the formula {} stands in line {} already", read.name, first->second);
+    if (fault.empty()) {
+      incoming.push_back(std::move(read));
+    } else {
+      file.badLines.push_back({formula.line, formula.name, std::move(fault)});
     }
-    incoming.push_back({formula.name, std::move(recipe), 0});
   }
   std::ranges::sort(file.badLines, {}, &MfeFile::BadLine::line);
   return incoming;
@@ -119,6 +147,8 @@ const std::vector<std::string> kNewRow{"Color_Name", "Color_Code",  "Inventory",
                                        "LotRefID",   "Color_Guide", "Page",        "Row",     "Red",
                                        "Green",      "Blue",        "Date_Entered"};
 
+constexpr std::size_t kBookPlace = 11;  // of Color_Guide among them
+
 void SetFigures(const Session& session, FigureBook& book, RecipeWriter& writer, const Recipe& recipe) {
   const RolledUp figures = book.RollUp(recipe);
   writer.Set(recipe, "")
@@ -132,17 +162,16 @@ class FormulaWriter {
  public:
   explicit FormulaWriter(Session& session)
       : session_(session), book_(session), changed_(session, {}, kFigures), added_(session, {}, NewRowFields()) {
-    std::size_t place = kFigures.size() + 1;
-    for (const Value& value :
-         {Value(""), Value(0.0F), Value(0.0F), Value(0.0F), Value(true), Value(""), Value(""), Value(0.0F), Value(0.0F),
-          Value(0), Value(""), Value("0"), Value(0), Value(0), Value(0), Value(0), Value(session.clock.Today())})
-      added_.SetMore(place++, value);
+    SetNew({"", 0.0F, 0.0F, 0.0F, true, "", "", 0.0F, 0.0F, 0}, 1);
+    added_.SetMore(kFigures.size() + kNewRow.size() - 1, session.clock.Today());
   }
 
   void Write(const Incoming& formula) {
     RecipeWriter& writer = formula.rowId == 0 ? added_ : changed_;
     SetFigures(session_, book_, writer, formula.recipe);
     if (formula.rowId == 0) {
+      const BookData book = BookDataOfMix(session_, formula.name);
+      SetNew({book.Color_Guide, book.Page, book.Row, book.Red, book.Green, book.Blue}, kBookPlace);
       writer.SetMore(kFigures.size(), formula.name).Insert();
     } else {
       writer.Update(formula.rowId);
@@ -150,6 +179,11 @@ class FormulaWriter {
   }
 
  private:
+  // The values of a new row from that place of its fields on.
+  void SetNew(std::initializer_list<Value> values, std::size_t place) {
+    for (const Value& value : values) added_.SetMore(kFigures.size() + place++, value);
+  }
+
   static std::vector<std::string> NewRowFields() {
     std::vector<std::string> fields = kFigures;
     fields.insert(fields.end(), kNewRow.begin(), kNewRow.end());
@@ -168,7 +202,7 @@ Result<ImportReport> ImportFormulas(Session& session, const std::filesystem::pat
   if (auto writable = RequireWritable(session); !writable) return std::unexpected(writable.error());
   if (auto right = RequireFormulaRight(session); !right) return std::unexpected(right.error());
   MfeFile file = ReadMfe(path, session.NameLength);
-  std::vector<Incoming> incoming = NormalisedFormulas(file);
+  std::vector<Incoming> incoming = ReadFormulas(session, file);
   if (!file.badLines.empty()) return Refuse("Import Formulas", BadLinesText(file.badLines), path.string());
   if (incoming.empty())
     return Refuse("Import Formulas", path.string() + ": Couldn't read .mfe file correctly. The file may be corrupt.");
@@ -176,7 +210,7 @@ Result<ImportReport> ImportFormulas(Session& session, const std::filesystem::pat
   report.sourceDatabase = file.database;
   CompareWithDatabase(session, incoming, report);
 
-  session.progress.Begin("Importing Master Formulas ...");
+  ProgressRun progress(session.progress, "Importing Master Formulas ...");
   Transaction transaction(session.File());
   report.newBasics = AddMissingBasics(session, incoming);
   FormulaWriter writer(session);
@@ -184,16 +218,12 @@ Result<ImportReport> ImportFormulas(Session& session, const std::filesystem::pat
   for (const Incoming& formula : incoming) {
     writer.Write(formula);
     ++(formula.rowId == 0 ? report.added : report.changed);
-    if (++done % 64 == 0)
-      session.progress.Percent(100.0 * static_cast<double>(done) / static_cast<double>(incoming.size()));
-    if (session.progress.Cancelled()) {
-      session.progress.End();
+    if (++done % 64 == 0) progress.Step(done, incoming.size());
+    if (session.progress.Cancelled())
       return Refuse("Import Formulas", "The import was cancelled. Nothing was changed.");
-    }
   }
   transaction.Note({Change::Kind::Mix, session.CurrentDatabase, "", Change::What::All, ""});
   transaction.Commit();
-  session.progress.End();
   return report;
 }
 
@@ -202,7 +232,10 @@ Result<int> ExportFormulas(Session& session, const std::vector<std::string>& nam
   int count = 0;
   const auto add = [&](const MixColor& formula) {
     std::vector<std::pair<std::string, float>> parts;
-    for (const Ingredient& line : formula.Ingredients()) parts.emplace_back(line.name, static_cast<float>(line.amount));
+    // A line that shows as nothing weighs nothing, and no file may bring it in.
+    for (const Ingredient& line : formula.Ingredients())
+      if (line.amount > 0) parts.emplace_back(line.name, static_cast<float>(line.amount));
+    if (parts.empty()) return;
     bytes += MfeRow(formula.Color_Name, parts);
     ++count;
   };

@@ -21,11 +21,12 @@ struct ImportReport {
 /// Brings the formulas of an `.mfe` file into the current Database: all of them or, when a line is no formula or
 /// anything else fails, none. The refusal tells every bad line by number and content. Recipes are normalised to 100; a
 /// formula that the Database holds with another recipe is changed only when the question about them is answered with
-/// Yes, and keeps its stock, costs and notes. Costs, VOC and HAP of what was brought in are rolled up.
+/// Yes, and keeps its stock, costs, notes and guide data. In a Database made from guides a name without "PANTONE " that
+/// the guides or the Database have with it means that colour. Costs, VOC and HAP of what was brought in are rolled up.
 Result<ImportReport> ImportFormulas(Session& session, const std::filesystem::path& path);
 
 /// Writes formulas of the current Database, all of them in name order when `names` is empty, to an `.mfe` file, which
-/// is replaced in one step. Refused when there are none, or when one of the names is no formula. The number written.
+/// is replaced in one step. Lines that weigh nothing are left out. Refused when there are none, or when one of the names is no formula. The number written.
 Result<int> ExportFormulas(Session& session, const std::vector<std::string>& names, const std::filesystem::path& path);
 
 }  // namespace vellumark

@@ -20,7 +20,7 @@ std::string FaultOfName(const std::string& name, int nameLength, std::string_vie
   if (name.empty()) return fmt::format("{} has no name", whose);
   if (const std::size_t length = CharCount(name); length > static_cast<std::size_t>(nameLength))
     return fmt::format("the name {} has {} characters, the limit is {}", name, length, nameLength);
-  if (const auto good = CheckImportedName(name); !good)
+  if (const auto good = CheckNewName(name, NameSource::File, nameLength); !good)
     return fmt::format("the name {} has a character that no name may hold", name);
   return {};
 }
@@ -47,11 +47,28 @@ std::string ReadRow(const std::vector<std::string_view>& cells, int nameLength, 
   return {};
 }
 
-// A file that was cut short ends in the middle of a row. The recipe then lacks parts or digits.
-bool LooksCut(const MfeFile::Formula& formula) {
+bool TotalsHundred(const MfeFile::Formula& formula) {
   double total = 0;
   for (const auto& [name, amount] : formula.parts) total += amount;
-  return std::fabs(total - 100) > 0.0015;
+  return std::fabs(total - 100) <= 0.0015;
+}
+
+bool HasThreeDecimals(std::string_view amount) {
+  const std::size_t point = amount.find('.');
+  return point != std::string_view::npos && amount.size() - point - 1 == 3;
+}
+
+// A file that was cut short ends in the middle of a row, whose recipe then lacks parts or digits. Where the rows before
+// total 100 the last one has to. Rows that a hand wrote come to anything and may just lack the line end; a single row
+// shows whose it is by its decimals.
+bool LooksCut(const MfeFile& file, const MfeFile::Formula& last, const std::vector<std::string_view>& cells) {
+  if (TotalsHundred(last)) return false;
+  if (!file.formulas.empty())
+    return 2 * std::ranges::count_if(file.formulas, TotalsHundred) > std::ssize(file.formulas);
+  const std::size_t checked = cells.size() > 3 ? cells.size() - 1 : cells.size();
+  for (std::size_t i = 2; i < checked; i += 2)
+    if (!HasThreeDecimals(cells[i])) return false;
+  return true;
 }
 
 }  // namespace
@@ -85,7 +102,7 @@ MfeFile ReadMfe(const std::filesystem::path& path, int nameLength) {
     formula.line = line;
     if (std::string fault = ReadRow(cells, nameLength, formula); !fault.empty()) {
       bad(std::move(fault));
-    } else if (!whole && LooksCut(formula)) {
+    } else if (!whole && LooksCut(file, formula, cells)) {
       bad("the file ends in the middle of this row");
     } else if (const auto [first, added] = lineOfName.emplace(formula.name, line); !added) {
       bad(fmt::format("the formula {} stands in line {} already", formula.name, first->second));

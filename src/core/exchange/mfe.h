@@ -31,7 +31,7 @@ struct MfeFile {
 /// Reads the whole file; every line that is no formula is told in `badLines` and the reading goes on. Names are trimmed
 /// and made upper case. Bad are: a name that is empty, longer than `nameLength`, in the file twice or with a character
 /// that no name may hold; no recipe; more than 15 ingredients; one of them twice; an amount that is no number above 0;
-/// a last line that was cut off. UTF-8 is read too. Throws Failure for a file that cannot be read or is no text.
+/// a last line that was evidently cut off. UTF-8 is read too. Throws Failure for a file that cannot be read or is no text.
 MfeFile ReadMfe(const std::filesystem::path& path, int nameLength);
 
 /// The bytes of one row, with its line end.

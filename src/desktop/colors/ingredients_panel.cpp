@@ -119,9 +119,20 @@ void IngredientsPanel::Show(const FormulaWork& work, bool keepTyped) {
       lines_[row].entered = work.grid[row].BC;
     }
     showing_ = false;
+    setName_ = work.AddSetName;
   }
   RefreshFigures();
   SetEditable(editable_);
+}
+
+void IngredientsPanel::ShowStored(const LiveTotals& totals) {
+  totals_ = totals;
+  PutTotals();
+}
+
+void IngredientsPanel::UseSet(const std::string& setName) {
+  setName_ = setName;
+  RefreshFigures();
 }
 
 void IngredientsPanel::Clear() {
@@ -165,17 +176,27 @@ void IngredientsPanel::LineChanged(std::size_t row) {
 
 void IngredientsPanel::ShowInk() {
   for (std::size_t row = 0; row < lines_.size(); ++row) {
-    const IngredientFigures& ink = figures_[row];
+    const IngredientFigures& ink = figures_.lines[row];
     lines_[row].ink->setVisible(ink.HasSwatch());
     lines_[row].ink->Show(QColor(ink.Red, ink.Green, ink.Blue));
   }
 }
 
-void IngredientsPanel::ShowTotals() {
+FormulaWork IngredientsPanel::Work() const {
   FormulaWork work;
   ReadInto(work);
+  work.AddSetName = setName_;
+  return work;
+}
+
+void IngredientsPanel::ShowTotals() {
+  const FormulaWork work = Work();
   parts_->SetText(UpdateBQTotal(work));
   totals_ = ComputeLiveTotals(host_.session, work, figures_);
+  PutTotals();
+}
+
+void IngredientsPanel::PutTotals() {
   cost_->SetText(totals_.BasicCost);
   voc_->SetText(totals_.VOCBasics);
   hap_->SetText(totals_.HAPBasics);
@@ -189,13 +210,11 @@ void IngredientsPanel::NameLeft(std::size_t row, QWidget* to) {
   Line& line = lines_[row];
   const std::string typed = line.name->Text();
   if (EqualNoCase(typed, line.entered)) return;
-  FormulaWork work;
-  ReadInto(work);
-  const Result<IngredientEntry> entry = EnterIngredient(host_.session, work, row, typed);
+  const Result<IngredientEntry> entry = EnterIngredient(host_.session, Work(), row, typed);
   if (!host_.Accepted(entry)) {
     line.name->SetText("");
     line.entered.clear();
-    figures_[row] = {};
+    figures_.lines[row] = {};
     ShowInk();
     ShowTotals();
     return;
@@ -209,7 +228,7 @@ void IngredientsPanel::TakeName(std::size_t row, const std::string& name) {
   Line& line = lines_[row];
   line.entered = name;
   if (line.name->Text() != name) line.name->SetText(name);
-  figures_[row] = ReadIngredientFigures(host_.session, name);
+  figures_.lines[row] = ReadIngredientFigures(host_.session, name);
   ShowInk();
   ShowTotals();
 }
@@ -237,17 +256,17 @@ void IngredientsPanel::RenameIngredient(std::string_view oldName, std::string_vi
 void IngredientsPanel::TakeFigure(std::string_view name, std::string_view kind, float value) {
   for (std::size_t row = 0; row < lines_.size(); ++row) {
     if (!EqualNoCase(lines_[row].name->Text(), name)) continue;
-    if (kind == "Cost") figures_[row].Cost = value;
-    if (kind == "VOC") figures_[row].VOC = value;
-    if (kind == "HAP") figures_[row].HAP = value;
+    if (kind == "Cost") figures_.lines[row].Cost = value;
+    if (kind == "VOC") figures_.lines[row].VOC = value;
+    if (kind == "HAP") figures_.lines[row].HAP = value;
   }
+  for (GridFigures::SetLine& line : figures_.set)
+    if (EqualNoCase(line.name, name)) line.figures = ReadIngredientFigures(host_.session, name);
   ShowTotals();
 }
 
 void IngredientsPanel::RefreshFigures() {
-  FormulaWork work;
-  ReadInto(work);
-  figures_ = ReadGridFigures(host_.session, work);
+  figures_ = ReadGridFigures(host_.session, Work());
   ShowInk();
   ShowTotals();
 }

@@ -25,6 +25,10 @@ class IngredientsPanel : public QObject {
 
   /// The lines of a formula; `keepTyped` leaves them as they stand and reads only the ingredients' figures anew.
   void Show(const FormulaWork& work, bool keepTyped);
+  /// The totals of the formula as they are stored, until something of it changes.
+  void ShowStored(const LiveTotals& totals);
+  /// The Additive Set beside the lines, whose share is in the totals; its figures are read anew.
+  void UseSet(const std::string& setName);
   void Clear();
   /// The lines as they stand.
   void ReadInto(FormulaWork& work) const;
@@ -60,11 +64,14 @@ class IngredientsPanel : public QObject {
   void LineChanged(std::size_t row);
   void ShowInk();
   void ShowTotals();
+  void PutTotals();
+  FormulaWork Work() const;
 
   FormHost& host_;
   std::array<Line, schema::kIngredientSlots> lines_;
   GridFigures figures_{};
   LiveTotals totals_;
+  std::string setName_;
   bool editable_ = false;
   bool showing_ = false;
   ValueField* parts_ = nullptr;

@@ -267,6 +267,7 @@ void MixColorsForm::Show(const MixColor& mix, FormulaWork work, bool keepTyped) 
   ingredients_->Show(*work_, keepRecipe);
   if (!keepRecipe) sets_->Show(work_->AddSetName);
   details_->Show(*work_, mix, keepTyped);
+  if (!keepRecipe && mix.rowId != 0) ingredients_->ShowStored(StoredTotals(session, mix));
   notes_->Show(mix.Color_Name, work_->Notes, keepTyped);
   isModified_ = mix.rowId != 0 && IsFormulaModified(session, mix.Color_Name);
   batchUses_ = mix.rowId != 0 && BatchUsesFormula(windows, mix.Color_Name);
@@ -320,7 +321,10 @@ void MixColorsForm::OnChanges(const std::vector<Change>& changes) {
     if (isShown && change.what == Change::What::Renamed) work_->Color_Name = change.newName;
     mine = mine || isShown || change.what == Change::What::All;
   }
-  if (sets) sets_->Refresh();
+  if (sets) {
+    sets_->Refresh();
+    if (work_) ingredients_->UseSet(sets_->Chosen());
+  }
   if (batches) ExternalUpdateBatchNotes();
   if (mine) Reload();
 }
@@ -390,12 +394,14 @@ void MixColorsForm::SetPicked(const std::string& setName) {
   FormulaWork work = ReadFields();
   if (!Accepted(ChooseAdditiveSet(session, work, setName))) return;
   sets_->Choose(work.AddSetName);
+  ingredients_->UseSet(work.AddSetName);
   notes_->IngredientsChanged();
   Changed();
 }
 
 void MixColorsForm::Reset_Adds() {
   sets_->Choose({});
+  ingredients_->UseSet({});
   Changed();
 }
 

@@ -12,7 +12,6 @@ namespace {
 
 constexpr int kPercentDecimals = 2;
 constexpr int kPercentChars = 5;
-constexpr int kSetNameLength = 30;
 
 QString FieldName(const char* word, std::size_t row) {
   return Q(schema::Numbered(word, static_cast<int>(row)));

@@ -70,7 +70,7 @@ AdditiveCreateTab::AdditiveCreateTab(FormHost& host, Form form)
 
 void AdditiveCreateTab::BuildFields(Form form) {
   form.Heading(tr("Set"));
-  name_ = form.Text("txtAddSetName", TextRule::UpperName(static_cast<int>(kSetNameLength)));
+  name_ = form.Text("txtAddSetName", TextRule::UpperName(kSetNameLength));
   name_->Means("SetName");
   form.Row(tr("&Name"), name_);
   connect(name_, &TextField::Left, this, &AdditiveCreateTab::NameLeft);

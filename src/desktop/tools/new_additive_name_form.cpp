@@ -7,7 +7,7 @@ NewAdditiveNameForm::NewAdditiveNameForm(WindowList& windowList, QWidget* owner)
     : Dialog(windowList, owner, "NewAdditiveNameForm", tr("Rename Additive Set")) {
   Form form(*this);
   form.Row(tr("Set"), oldName_ = form.Value("lblOldName", 1));
-  form.Row(tr("&New name"), newName_ = form.Text("txtNewName", TextRule::UpperName(static_cast<int>(kSetNameLength))));
+  form.Row(tr("&New name"), newName_ = form.Text("txtNewName", TextRule::UpperName(kSetNameLength)));
   newName_->Means("SetName");
   form.Buttons({form.Button("cmdSave", tr("&Save")), form.Button("cmdCancel", tr("Cancel"))});
   setMinimumWidth(440);

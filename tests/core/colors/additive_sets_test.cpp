@@ -202,12 +202,23 @@ TEST(AdditiveSets, ApplyAndRemove) {
   EXPECT_EQ(ApplyAdditiveSet(room.session, "SLIP", SetMethod::Add, {"GREEN", "FULL"}), false);
   room.prompt.Expect(title, Answer::Ok);
   room.prompt.Expect("Additive Set Application", Answer::Ok, "The Application Method has been applied.");
+  const std::string without =
+      "The Additive Set SLIP could not be applied to these Master Formulas, since their ingredients and the set's "
+      "exceed 14.\nThey are without a set now:\n\nFULL";
+  room.prompt.Expect("Additive Set Application", Answer::Ok, without);
   EXPECT_EQ(ApplyAdditiveSet(room.session, "SLIP", SetMethod::Add, {"GREEN", "FULL"}), true);
   // The other set's lines go with it; a formula that would come to more than 14 lines gets none.
   EXPECT_EQ(room.Formula("GREEN"), "SLIP: A 58.200 B 38.800 WAX 2.000 GEL 1.000");
   EXPECT_EQ(room.Formula("FULL").substr(0, 11), ": C0 40.000");
   EXPECT_EQ(ApplyAdditiveSet(room.session, "SLIP", SetMethod::Add, {"GREEN"}).error().text,
             "GREEN: Already Uses This Additive Set");
+  // A set that outgrows a formula leaves it, and says so.
+  room.session.File().Execute("UPDATE INK_Mix SET AddSetName = 'SLIP' WHERE Color_Name = 'FULL'");
+  room.prompt.Expect("Additive Set Application", Answer::Ok, without);
+  AdditiveSetWork work;
+  work.rows[0] = {"WAX", "2"};
+  work.rows[1] = {"GEL", "1"};
+  ASSERT_TRUE(EditAdditiveSet(room.session, "SLIP", work));
   room.prompt.Expect(title, Answer::Ok);
   room.prompt.Expect("Additive Set Application");
   EXPECT_EQ(ApplyAdditiveSet(room.session, "SLIP", SetMethod::Remove, {"GREEN"}), true);

@@ -155,7 +155,8 @@ TEST(FormulaModifier, VerdictsAndReasons) {
       {"TWO", {{true, kRemove, "A", "100"}, {true, kRemove, "B", "100.00"}}, "no", {toOne}},
       {"ONE", One(kRemove, "A", "100"), "no", {toOne}},
       {"ONE", One(kDecrease, "A", "99"), "modify", {}},
-      {"SET", One(kRemove, "B", "100"), "modify", {}},
+      {"SET", One(kRemove, "B", "100"), "no", {toOne}},  // nothing would stand beside the set's two
+      {"TWO", {{true, kIncrease, "A", "99999"}, {true, kDecrease, "B", "99.99"}}, "no", {"the share of B is below 0.001 of 100"}},
       {"LONE", One(kRemove, "B", "100"), "no", {toOne}},
       {"LONE", One(kDecrease, "B", "50"), "modify", {}},
       {"TWO", One(kAdd, "A", "10"), "excluded", {"Contains A"}},
@@ -207,7 +208,6 @@ TEST(FormulaModifier, NewRecipes) {
       {{{"B", 47.5F}, {"C", 47.5F}}, true, One(kIncrease, "B", "100"), "B 63.333 C 31.667 WAX 2.000 A DRIER 3.000"},
       // "A" is a part of "A DRIER" and yet not of the set.
       {{{"A", 45}, {"B", 50}}, true, One(kDecrease, "B", "10"), "A 47.500 B 47.500 WAX 2.000 A DRIER 3.000"},
-      {{{"B", 95}}, true, One(kRemove, "B", "100"), "WAX 2.000 A DRIER 3.000"},
   };
   for (const auto& c : cases) {
     ModifierRoom room;

@@ -259,9 +259,17 @@ TEST(Formulas, LiveTotals) {
   EXPECT_EQ(totals.VOCBasics, "0.200");
   EXPECT_EQ(totals.HAPBasics, "0.010");
   // A figure that is not on file yet counts at once.
-  figures[1].HAP = 0.3F;
+  figures.lines[1].HAP = 0.3F;
   EXPECT_EQ(ComputeLiveTotals(room.session, work, figures).HAPBasics, "0.100");
   EXPECT_EQ(ComputeLiveTotals(room.session, Work(room, "X", {{"A", ""}}), figures).BasicCost, "0.00");
+  // Beside a set of 10 percent the lines share 90: 60 x 10 + 30 x 4 + 10 x 2 = 7.40.
+  room.Basic("WAX", {{"Additive", true}, {"PurchaseCost", 2.0F}, {"VOC", 1.0F}});
+  room.AddRow(schema::Additives,
+              {{"SetName", "S"}, {"SetList", "<WAX>"}, {"Add_Name0", "WAX"}, {"Add_Percent0", 10.0F}});
+  work.AddSetName = "S";
+  const LiveTotals beside = ComputeLiveTotals(room.session, work, ReadGridFigures(room.session, work));
+  EXPECT_EQ(beside.BasicCost, "7.40");
+  EXPECT_EQ(beside.VOCBasics, "0.280");
 }
 
 TEST(Formulas, NotesOfIngredientsAndBatches) {
@@ -330,6 +338,18 @@ TEST(Formulas, AdjustByPercent) {
   EXPECT_EQ(AdjustChoices(room.session, work, FormulaAdjustment::Add), (std::vector<std::string>{"C"}));
   ASSERT_TRUE(AdjustFormula(room.session, work, FormulaAdjustment::Add, "C", "25"));
   EXPECT_EQ(Shown(*ReadMix(room.session, "GREEN")), (Rows{{"A", "34.286"}, {"B", "45.714"}, {"C", "20.000"}}));
+
+  // 1.500 and 2.5 percent of it are 1.5375, a half that goes up: 1.538 of 100.038.
+  FormulaWork tie = Work(room, "TIE", {{"A", "1.5"}, {"B", "98.5"}});
+  ASSERT_TRUE(SaveMix(room.session, tie));
+  ASSERT_TRUE(AdjustFormula(room.session, tie, FormulaAdjustment::Increase, "A", "2.5"));
+  EXPECT_EQ(Grid(tie), (Rows{{"A", "1.537"}, {"B", "98.463"}}));
+  // What comes to nothing in parts of 100 is no ingredient.
+  FormulaWork trace = Work(room, "TRACE", {{"A", "999"}, {"B", "0.001"}});
+  const auto refused = SaveMix(room.session, trace);
+  ASSERT_FALSE(refused);
+  EXPECT_EQ(refused.error().text, "This formula cannot be saved: the share of B is below 0.001 of 100.");
+  EXPECT_EQ(refused.error().field, "BQ1");
 
   Rows full;
   for (int i = 0; i < 15; ++i) {

@@ -4,39 +4,15 @@
 
 #include "core/base/number.h"
 #include "core/colors/basic_work.h"
+#include "core/colors/duplicate.h"
 #include "core/colors/guide_formulas.h"
 #include "core/colors/rename.h"
-#include "support/ink_room.h"
+#include "support/guide_room.h"
 
 namespace vellumark {
 namespace {
 
-// A Database made from guides, of which the site has two.
-struct GuideRoom : test::InkRoom {
-  GuideRoom() {
-    session.templateDB = Database::Create(folder / "pdbt.vkt");
-    for (const char* table : {"FGuide_BColors_GP1601A", "Metallics_BColors"})
-      CreateTable(*session.templateDB, table, schema::Basic);
-    CreateTable(*session.templateDB, "FGuide_MColors_GP1601A", schema::Mix);
-    CreateTable(*session.templateDB, "Goe_MColors", schema::Mix);
-    Template("FGuide_BColors_GP1601A", "PANTONE RUBINE", 7);
-    Template("Metallics_BColors", "PANTONE SILVER", 9);
-    Template("Metallics_BColors", "PANTONE RUBINE", 99);
-    InsertRow(*session.templateDB, schema::Mix, "Goe_MColors",
-              {{"Color_Name", "PANTONE 185"},
-               {"Page", "12"},
-               {"Color_Set", "<PANTONE RUBINE><PANTONE SILVER>"},
-               {"BC0", "PANTONE RUBINE"},
-               {"BQ0", 60.0F},
-               {"BC1", "PANTONE SILVER"},
-               {"BQ1", 40.0F}});
-    session.TemplateFile = "pdbt.vkt";
-  }
-  void Template(const char* table, const char* name, int row) {
-    InsertRow(*session.templateDB, schema::Basic, table,
-              {{"Color_Name", name}, {"Color_Guide", table}, {"Page", "3"}, {"Row", row}, {"Red", 200}});
-  }
-};
+using test::GuideRoom;
 
 TEST(Guides, NamesOfTheBook) {
   GuideRoom room;
@@ -115,6 +91,55 @@ TEST(Guides, AFormulaAgainstThePublishedOne) {
                      "revert back to the original Pantone formula?");
   EXPECT_EQ(RevertToGuide(room.session, work), true);
   EXPECT_FALSE(IsFormulaModified(room.session, "PANTONE 185"));
+}
+
+TEST(Guides, AFormulaIsComparedWithTheGuideThatItIsOf) {
+  GuideRoom room;
+  room.PublishedMix("FGuide_MColors_GP1601A", "PANTONE 185", "1", 20);
+  room.PublishedMix("FGuide_MColors_GP1601B", "PANTONE 185", "2", 30);
+  for (const char* name : {"PANTONE RUBINE", "PANTONE SILVER"}) room.Basic(name);
+  const struct {
+    const char* guide;
+    float rubine;
+  } cases[] = {{"Goe_MColors", 60}, {"FGuide_MColors_GP1601B", 30}, {"", 20}, {"A GUIDE THAT IS GONE", 20}};
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.guide);
+    room.session.File().Execute("DELETE FROM INK_Mix");
+    room.Mix("PANTONE 185", {{"PANTONE RUBINE", c.rubine}, {"PANTONE SILVER", 100 - c.rubine}},
+             {{"Color_Guide", c.guide}});
+    EXPECT_FALSE(IsFormulaModified(room.session, "PANTONE 185"));
+    room.session.File().Execute("UPDATE INK_Mix SET BQ0 = 50, BQ1 = 50");
+    EXPECT_TRUE(IsFormulaModified(room.session, "PANTONE 185"));
+    EXPECT_EQ(CompareFormula(room.session, "PANTONE 185")->original[0].amount, c.rubine);
+    FormulaWork work = LoadFormulaWork(room.session, *ReadMix(room.session, "PANTONE 185"));
+    room.prompt.Expect("Revert Back To Original Formula?", Answer::Yes);
+    EXPECT_EQ(RevertToGuide(room.session, work), true);
+    EXPECT_EQ(ReadMix(room.session, "PANTONE 185")->BQ[0], c.rubine);
+  }
+}
+
+TEST(Guides, ADuplicateFindsTheColoursOfAnotherDatabaseOfGuides) {
+  GuideRoom room;
+  CreateEmptyDatabase(room.session.File(), "BOOK");
+  room.session.databaseList.push_back("BOOK");
+  room.BeOfGuides("BOOK");
+  // The current Database is of no guide, so the template is not open.
+  room.session.TemplateFile.clear();
+  room.session.templateDB.reset();
+  for (const char* name : {"RUBINE", "SILVER", "WHITE", "PANTONE RUBINE"}) room.Basic(name);
+  room.AddRow(schema::Basic, {{"Color_Name", "X"}});
+  room.session.File().Execute("INSERT INTO BOOK_Basic (Color_Name, PurchaseCost) VALUES ('PANTONE RUBINE', 10)");
+  room.Mix("ROSE", {{"RUBINE", 20}, {"SILVER", 30}, {"WHITE", 40}, {"PANTONE RUBINE", 10}});
+  for (const char* name : {"ROSE", "185"}) {
+    room.prompt.Expect("Master Formula - Duplicated");
+    ASSERT_TRUE(DuplicateFormula(room.session, "ROSE", name, "BOOK"));
+  }
+  EXPECT_EQ(room.Names("BOOK_Basic"), "PANTONE RUBINE, PANTONE SILVER, WHITE");
+  EXPECT_EQ(room.Names("BOOK_Mix"), "ROSE, PANTONE 185");
+  const MixColor rose = *ReadMix(room.session, "ROSE", "BOOK");
+  EXPECT_EQ(rose.Ingredients(), (Recipe{{"PANTONE RUBINE", 30}, {"PANTONE SILVER", 30}, {"WHITE", 40}}));
+  EXPECT_EQ(rose.BasicCost, 3.0F);
+  EXPECT_EQ(ReadBasic(room.session, "PANTONE SILVER", "BOOK")->book.Row, 9);
 }
 
 TEST(Guides, ARenamedBookFormulaKeepsThePrefix) {

@@ -49,13 +49,24 @@ TEST(Names, ConfiguredLength) {
   }
 }
 
-TEST(Names, WhatProgramsAndFilesMayBring) {
-  EXPECT_TRUE(CheckTypedName("BLUE 072/A-1.5"));
+TEST(Names, WhatPeopleAndFilesMayBring) {
+  const auto typed = [](const char* name, const char* from = "") {
+    return CheckNewName(name, NameSource::Typed, 30, "BC3", from);
+  };
+  EXPECT_TRUE(typed("BLUE 072/A-1.5"));
   for (const char* name : {"O'NEILL", "A_B", "A%", "[RED]", "RED*", "CAF\xC3\x89", "A\nB", "\xFF"})
-    EXPECT_FALSE(CheckTypedName(name)) << name;
-  EXPECT_TRUE(CheckImportedName("CAF\xC3\x89 50% (MATT), #2"));
-  for (const char* name : {"A<B", "A>B", "A\"B", "A'B", "A[B", "A]B", "A|B", "A*B", "A\tB", "\xFF"}) {
-    const auto checked = CheckImportedName(name, "BC3");
+    EXPECT_FALSE(typed(name)) << name;
+  // What stands in a name on file may stay in the next.
+  EXPECT_TRUE(typed("CAF\xC3\x89 2%", "Caf\xC3\xA9 1%"));
+  EXPECT_FALSE(typed("CAF\xC3\x88 2", "CAF\xC3\x89"));
+  EXPECT_FALSE(CheckNewName("ELEVEN CHAR", NameSource::Typed, 10));
+
+  const auto ofFile = [](std::string_view name) { return CheckNewName(name, NameSource::File, 30, "BC3"); };
+  EXPECT_TRUE(ofFile("CAF\xC3\x89 50% (MATT), #2"));
+  EXPECT_FALSE(ofFile(std::string(31, 'A')));
+  // The last cannot stand in a file of formulas.
+  for (const char* name : {"A<B", "A>B", "A\"B", "A'B", "A[B", "A]B", "A|B", "A*B", "A\tB", "\xFF", "\xCE\xA9"}) {
+    const auto checked = ofFile(name);
     ASSERT_FALSE(checked) << name;
     EXPECT_EQ(checked.error().field, "BC3");
   }

@@ -78,6 +78,64 @@ TEST(Normalise, AnyRecipeTotalsHundredAsStored) {
   }
 }
 
+// An independent reckoning: amounts are whole numbers of units that the test itself chose, and shares are divided by
+// hand, quotient and remainder.
+std::vector<std::int64_t> SharesByHand(const std::vector<std::int64_t>& units, std::int64_t share) {
+  __extension__ using Wide = __int128;
+  Wide total = 0;
+  for (const std::int64_t unit : units) total += unit;
+  std::vector<std::int64_t> shares;
+  std::int64_t sum = 0;
+  for (const std::int64_t unit : units) {
+    const Wide product = static_cast<Wide>(unit) * share;
+    Wide quotient = product / total;
+    if (2 * (product % total) >= total) ++quotient;
+    shares.push_back(static_cast<std::int64_t>(quotient));
+    sum += shares.back();
+  }
+  std::size_t largest = 0;
+  for (std::size_t i = 1; i < shares.size(); ++i)
+    if (shares[i] > shares[largest]) largest = i;
+  shares[largest] += share - sum;
+  return shares;
+}
+
+TEST(Normalise, AmountsOfAnySizeAgainstAReckoningByHand) {
+  std::mt19937_64 random(20260311);
+  const auto pick = [&](std::int64_t low, std::int64_t high) {
+    return std::uniform_int_distribution<std::int64_t>(low, high)(random);
+  };
+  for (int round = 0; round < 20000; ++round) {
+    // The unit: from a hundred-millionth to ten thousand, amounts up to 10^13 of it.
+    const int power = static_cast<int>(pick(-8, 4));
+    const auto highest = static_cast<std::int64_t>(std::pow(10, pick(1, 13)));
+    std::vector<std::int64_t> units;
+    std::vector<double> amounts;
+    for (std::int64_t line = 0, lines = pick(1, 15); line < lines; ++line) {
+      units.push_back(pick(0, 3) == 0 ? pick(1, 9) : pick(1, highest));
+      amounts.push_back(std::stod(std::to_string(units.back()) + "e" + std::to_string(power)));
+    }
+    const std::vector<std::int64_t> right = SharesByHand(units, 100'000);
+    const Recipe recipe = Normalise(Lines(amounts));
+    for (std::size_t i = 0; i < right.size(); ++i)
+      ASSERT_EQ(std::llround(recipe[i].amount * 1000), right[i]) << "round " << round << ", " << amounts[i];
+  }
+}
+
+TEST(Normalise, APercentageRoundsAHalfUpAsByHand) {
+  std::mt19937 random(20260312);
+  const auto pick = [&](int low, int high) { return std::uniform_int_distribution<int>(low, high)(random); };
+  for (int round = 0; round < 50000; ++round) {
+    const std::int64_t amount = pick(1, 999'000);
+    const std::int64_t hundredths = round % 2 == 0 ? pick(1, 9999) : 50 * pick(1, 199);
+    const std::int64_t changed = amount * (10'000 + (round % 3 == 0 ? -hundredths : hundredths));
+    const std::int64_t right = changed / 10'000 + (changed % 10'000 >= 5000 ? 1 : 0);
+    const double percent = std::stod((round % 3 == 0 ? "-" : "") + Fixed(static_cast<double>(hundredths) / 100, 2));
+    ASSERT_EQ(std::llround(ChangedByPercent(static_cast<double>(amount) / 1000, percent) * 1000), right)
+        << amount << " by " << percent;
+  }
+}
+
 TEST(Normalise, AdditionsFoldIntoARecipe) {
   const Recipe folded = FoldAdditions({{"A", 30}, {"B", 10}}, {{"b", 5}, {"C", 5}, {"A", -30}});
   EXPECT_EQ(folded, (Recipe{{"B", 15}, {"C", 5}}));

@@ -183,6 +183,40 @@ TEST(Rename, MergingBesideAnAdditiveSet) {
   EXPECT_EQ(parts("ONLY"), "NEW 95.000 WAX 5.000 ");
 }
 
+TEST(Rename, AnAdditiveOfASetBecomesAnIngredientBesideIt) {
+  InkRoom room;
+  for (const char* name : {"Y", "Z"}) room.Basic(name);
+  for (const char* name : {"WAX", "GEL"}) room.Basic(name, {{"Additive", true}});
+  room.AddRow(schema::Additives, {{"SetName", "S"},
+                                  {"SetList", "<WAX><GEL>"},
+                                  {"Add_Name0", "WAX"},
+                                  {"Add_Percent0", 5.0F},
+                                  {"Add_Name1", "GEL"},
+                                  {"Add_Percent1", 2.0F}});
+  room.Mix("HOLDS", {{"Y", 60}, {"Z", 33}, {"WAX", 5}, {"GEL", 2}}, {{"AddSetName", "S"}});
+  room.Mix("ALONE", {{"Z", 93}, {"WAX", 5}, {"GEL", 2}}, {{"AddSetName", "S"}});
+  const auto text = [&](const char* name) {
+    const MixColor mix = *ReadMix(room.session, name);
+    std::string parts = mix.AddSetName + ":";
+    for (const Ingredient& line : mix.Ingredients()) parts += " " + line.name + " " + Fixed(line.amount, 3);
+    return parts;
+  };
+  // A merge puts another ink into recipes: whoever may not edit formulas may not do it, and is not even asked.
+  room.session.CurrentUser = "ANN";
+  room.session.Perm_MasterFormula = 0;
+  EXPECT_EQ(RenameBasic(room.session, "WAX", "Y").error().title, "Permission Denied");
+  room.session.Perm_MasterFormula = 1;
+  room.prompt.Expect(std::string(20, ' ') + "Basic Color Name Exists", Answer::Yes);
+  room.prompt.Expect("Additive Set", Answer::Ok,
+                     "Y is an ingredient beside the Additive Set now.\nThese Master Formulas keep their amounts and no "
+                     "longer use the set:\n\nHOLDS");
+  ASSERT_TRUE(RenameBasic(room.session, "WAX", "Y"));
+  EXPECT_EQ(text("HOLDS"), ": Z 33.000 GEL 2.000 Y 65.000");
+  EXPECT_EQ(text("ALONE"), "S: Z 93.000 Y 5.000 GEL 2.000");
+  EXPECT_EQ(room.Scalar("SELECT SetList FROM INK_Additives").Text(), "<Y><GEL>");
+  EXPECT_TRUE(ReadBasic(room.session, "Y")->Additive);  // as everything in a set
+}
+
 TEST(Rename, AFailedStepLeavesEverythingAsItWas) {
   for (const bool merge : {false, true}) {
     NamedRoom room;
@@ -249,12 +283,15 @@ TEST(Rename, NamesThatAreRefused) {
 }
 
 TEST(Rename, ReachesBothOfTwoFormulasOfOneName) {
-  // Nothing in the file keeps a name from standing twice.
+  // A file of an older program may hold a name twice; no row gets a name that another has.
   InkRoom room;
   room.Breaks("UniqueNames");
   for (const char* name : {"A", "B"}) room.Basic(name);
   room.Mix("M", {{"A", 100}});
-  room.Mix("M", {{"B", 50}, {"A", 50}});
+  EXPECT_THROW(room.Mix("m", {{"B", 100}}), BadValue);
+  EXPECT_THROW(room.Basic("a"), BadValue);
+  room.Mix("N", {{"B", 50}, {"A", 50}});
+  room.session.File().Execute("UPDATE INK_Mix SET Color_Name = 'M'");
   ASSERT_TRUE(RenameBasic(room.session, "A", "X"));
   EXPECT_EQ(room.Scalar("SELECT group_concat(Color_Set) FROM (SELECT Color_Set FROM INK_Mix ORDER BY rowid)").Text(),
             "<X>,<B><X>");

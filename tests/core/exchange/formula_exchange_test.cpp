@@ -11,7 +11,7 @@
 #include "core/colors/basics.h"
 #include "core/colors/formulas.h"
 #include "core/exchange/mfe.h"
-#include "support/ink_room.h"
+#include "support/guide_room.h"
 
 namespace vellumark {
 namespace {
@@ -77,6 +77,7 @@ TEST(MfeImport, EveryBadLineIsToldAndNothingComesIn) {
       {"BRACKET\tB[1]\t100", "has a character that no name may hold"},
       {"ST*R\tBLUE\t100", "has a character that no name may hold"},
       {"BAR\tA|B\t100", "has a character that no name may hold"},
+      {"OHM \xCE\xA9\tBLUE\t100", "has a character that no name may hold"},  // not in the code page of an export
       {"good\tBLUE\t100", "the formula GOOD stands in line 2 already"},
       {"TINY\tBLUE\t99999\tRED\t0.01", "the share of RED is below 0.001 of 100"},
   };
@@ -106,8 +107,65 @@ TEST(MfeImport, FilesThatAreNoneOrWereCut) {
   const auto cut = ImportFormulas(room.session, Write(room, "INK\r\nA\tBLUE\t60.000\tRED\t4"));
   ASSERT_FALSE(cut);
   EXPECT_NE(cut.error().text.find("the file ends in the middle of this row"), std::string::npos);
-  // A last line that is whole but for its line end is taken.
-  EXPECT_TRUE(ImportFormulas(room.session, Write(room, "INK\nA\tBLUE\t60.000\tRED\t40")));
+}
+
+TEST(MfeImport, ALastLineWithoutItsLineEndIsTakenUnlessTheRecipeWasCut) {
+  const struct {
+    const char* rows;
+    bool taken;
+  } cases[] = {
+      {"A\tBLUE\t60.000\tRED\t40", true},
+      {"A\tBLUE\t3\tRED\t1", true},                                   // parts as a hand weighs them
+      {"B\tBLUE\t2\tRED\t3\r\nA\tBLUE\t3.500\tRED\t1.5", true},     // so are those before it
+      {"A\tBLUE\t60.000\tRED\t4", false},                             // 40.000 became 4
+      {"A\tBLUE\t60.000\tRED\t4.0", false},
+      {"B\tBLUE\t70\tRED\t30\r\nA\tBLUE\t60\tRED\t4", false},       // the rows before it total 100
+      {"B\tBLUE\t70.000\tRED\t30.000\r\nA\tBLUE\t60.000", false},   // the second ingredient is gone
+      {"B\tBLUE\t70.000\tRED\t30.000\r\nA\tBLUE\t60.000\tR", false},
+  };
+  for (const auto& c : cases) {
+    test::InkRoom room;
+    EXPECT_EQ(ImportFormulas(room.session, Write(room, std::string("INK\r\n") + c.rows)).has_value(), c.taken) << c.rows;
+  }
+}
+
+TEST(MfeImport, AmountsOfAnySizeComeToTheirShares) {
+  test::InkRoom room;
+  const std::string rows = "BIG\tA\t100000000\tB\t300000000\r\nSMALL\tA\t0.000001\tB\t0.000003\r\n"
+                           "FINE\tA\t0.0000004\tB\t0.0000006\r\n";
+  ASSERT_TRUE(ImportFormulas(room.session, Write(room, "INK\r\n" + rows)));
+  EXPECT_EQ(ReadMix(room.session, "BIG")->Ingredients(), (Recipe{{"A", 25}, {"B", 75}}));
+  EXPECT_EQ(ReadMix(room.session, "SMALL")->Ingredients(), (Recipe{{"A", 25}, {"B", 75}}));
+  EXPECT_EQ(ReadMix(room.session, "FINE")->Ingredients(), (Recipe{{"A", 40}, {"B", 60}}));
+}
+
+TEST(MfeImport, NamesWithoutThePrefixMeanTheColoursOfTheGuides) {
+  test::GuideRoom room;
+  for (const char* name : {"PANTONE RUBINE", "PANTONE OWN"}) room.Basic(name, {{"PurchaseCost", 10.0F}});
+  room.Mix("PANTONE 200", {{"PANTONE RUBINE", 100}}, {{"Color_Guide", "Goe_MColors"}, {"Page", "5"}, {"Row", 3}});
+  room.prompt.Expect("Formula Comparison", Answer::Yes);
+  const auto report = ImportFormulas(
+      room.session,
+      Write(room, "X\r\n200\tRUBINE\t50\tSILVER\t50\r\n185\trubine\t1\tOWN\t1\tHOUSE\t2\r\nOURS\tHOUSE\t1\r\n"));
+  ASSERT_TRUE(report) << report.error().text;
+  EXPECT_EQ(report->changed, 1);
+  EXPECT_EQ(report->newBasics, 2);
+  EXPECT_EQ(room.Names("INK_Basic"), "PANTONE RUBINE, PANTONE OWN, PANTONE SILVER, HOUSE");
+  EXPECT_EQ(room.Names("INK_Mix"), "PANTONE 200, PANTONE 185, OURS");
+  const MixColor known = *ReadMix(room.session, "PANTONE 200");
+  EXPECT_EQ(known.Ingredients(), (Recipe{{"PANTONE RUBINE", 50}, {"PANTONE SILVER", 50}}));
+  EXPECT_EQ(known.book.Page + " " + known.book.Color_Guide, "5 Goe_MColors");
+  EXPECT_EQ(known.BasicCost, 5.0F);
+  const MixColor added = *ReadMix(room.session, "PANTONE 185");
+  EXPECT_EQ(added.Color_Set, "<PANTONE RUBINE><PANTONE OWN><HOUSE>");
+  EXPECT_EQ(added.book.Page + " " + added.book.Color_Guide, "12 Goe_MColors");
+
+  // Two spellings of one colour are one.
+  const auto twice = ImportFormulas(
+      room.session, Write(room, "X\r\nA\tRUBINE\t1\tPANTONE RUBINE\t1\r\n185\tHOUSE\t1\r\nPANTONE 185\tHOUSE\t1\r\n"));
+  ASSERT_FALSE(twice);
+  EXPECT_NE(twice.error().text.find("line 2: the ingredient PANTONE RUBINE stands in it twice"), std::string::npos);
+  EXPECT_NE(twice.error().text.find("line 4: the formula PANTONE 185 stands in line 3 already"), std::string::npos);
 }
 
 TEST(MfeImport, NamesInTheCodePageAndWithSignsComeThrough) {
@@ -160,6 +218,19 @@ TEST(MfeImport, AFailureInTheMiddleLeavesNothing) {
   EXPECT_THROW(ImportFormulas(room.session, Write(room, "INK\r\nA\tX\t1\r\nB\tY\t1\r\nC\tZ\t1\r\n")), Failure);
   EXPECT_EQ(room.Scalar("SELECT COUNT(*) FROM INK_Mix").Whole(), 0);
   EXPECT_EQ(room.Scalar("SELECT COUNT(*) FROM INK_Basic").Whole(), 0);
+}
+
+TEST(MfeExport, TakesTheFormulaOfThatNameAndLeavesOutWhatWeighsNothing) {
+  test::InkRoom room;
+  for (const char* name : {"X", "Y"}) room.Basic(name);
+  room.Mix("A", {{"X", 100.0F}}, {{"Color_Code", "F1"}});
+  room.Mix("F1", {{"Y", 100.0F}, {"X", 0.0004F}});
+  const auto out = room.folder / "out.mfe";
+  ASSERT_TRUE(ExportFormulas(room.session, {"F1"}, out));
+  EXPECT_EQ(ReadFileBytes(out), "INK\r\nF1\tY\t100.000\r\n");
+  EXPECT_EQ(FindMix(room.session, "F1")->Color_Name, "F1");
+  test::InkRoom other;
+  EXPECT_TRUE(ImportFormulas(other.session, out));
 }
 
 TEST(MfeExport, RefusalsWriteNoFile) {

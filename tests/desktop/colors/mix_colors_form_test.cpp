@@ -118,6 +118,7 @@ TEST_F(MixColorsTest, FiveInksAndASetByKeyboardAlone) {
   ChooseSet("SLOW");
   EXPECT_EQ(Label("lblAddIng1"), "GLOSS");
   EXPECT_EQ(Label("lblAddTotal"), "5.00 %");
+  EXPECT_EQ(Label("lblBasicCost"), "2.99");  // the lines share 95, and 2 percent of 2.00
   EXPECT_TRUE(form->InEdit());
   PressOn(Qt::Key_S, Qt::ControlModifier);
 
@@ -132,7 +133,8 @@ TEST_F(MixColorsTest, FiveInksAndASetByKeyboardAlone) {
   ASSERT_TRUE(mix);
   EXPECT_EQ(mix->AddSetName, "SLOW");
   EXPECT_EQ(mix->Color_Set, "<BLUE><GREEN><BLACK><WHITE><RED><DRIER><GLOSS>");
-  EXPECT_EQ(mix->BasicCost, 2.99F);  // 295 / 100, and 2 percent of 2.00
+  EXPECT_EQ(mix->BasicCost, 2.99F);
+  EXPECT_EQ(Label("lblBasicCost"), "2.99");
   EXPECT_EQ(mix->Date_Entered, session.clock.Today());
   EXPECT_EQ(mix->LastModified, session.clock.Today());
   EXPECT_TRUE(mix->Recycle);
@@ -266,6 +268,12 @@ TEST_F(MixColorsTest, IngredientsAndAmountsAreCheckedOnLeaving) {
   EXPECT_EQ(FocusName(), "BC1");
   EXPECT_EQ(Text("BC1"), "");
 
+  prompt.Expect("Basics / Additives - Invalid Name", Answer::Ok, "Color name cannot begin with the word PANTONE.");
+  TypeOn("pantone 12");
+  PressOn(Qt::Key_Return);
+  EXPECT_EQ(Text("BC1"), "");
+  EXPECT_FALSE(BasicColorExists(session, "PANTONE 12"));
+
   prompt.Expect("Add Basic Color To Database?", Answer::No,
                 "The Basic Color MAUVE is not found in this database.\n\nHint: Check your list of Basic Colors for "
                 "spelling variations\nbefore adding a new Basic Color to this database.\n\nWould you like to add the "
@@ -372,6 +380,8 @@ TEST_F(MixColorsTest, AnAdditiveSetIsMadeInItsPanel) {
           "to Basics / Additives and check the Additive box.");
   Fill(*form, "SetIng0", "GLOSS");
   refused("SetIng1", "GLOSS", "Duplicate Ingredient Selected", "The Additive GLOSS is already in the Set");
+  refused("SetIng1", "PANTONE 12", "Basics / Additives - Invalid Name",
+          "Color name cannot begin with the word PANTONE.");
   prompt.Expect("Add Additive To Database?", Answer::Yes,
                 "Not found in this database as an additive.\nWould you like to add it to the database?\n\nHint: Check "
                 "the list of Additives in the Basic Colors window for\nspelling variations before adding it.");
@@ -560,6 +570,19 @@ TEST_F(MixColorsTest, RenameWalkAndDelete) {
   Click(*form, "cmdDelete");
   ExpectEmpty();
   EXPECT_FALSE(MixColorExists(session, "ROSE"));
+}
+
+TEST_F(MixColorsTest, OpensWithTheFiguresAsTheyAreStored) {
+  Breaks("RollUps");  // the ingredients have left them behind
+  HaveBasics();
+  Mix("PINK", {{"RED", 40}, {"WHITE", 60}}, {{"BasicCost", 9.99F}, {"BasicVOC", 7.0F}, {"BasicHAP", 8.0F}});
+  Open();
+  Enter("PINK");
+  EXPECT_EQ(Label("lblBasicCost") + " " + Label("lblVOCBasics") + " " + Label("lblHAPBasics"), "9.99 7.000 8.000");
+  EditFormula();
+  Fill(*form, "BQ0", "60");
+  EXPECT_EQ(Label("lblBasicCost") + " " + Label("lblVOCBasics") + " " + Label("lblHAPBasics"), "5.50 0.150 0.000");
+  GiveUp();
 }
 
 TEST_F(MixColorsTest, TwoWindowsOnOneInkLoseNothing) {
