@@ -245,11 +245,12 @@ Result<void> TakeFromLots(LotSelectionWork& work, const std::string& number, dou
   return {};
 }
 
-// Names and lot numbers may hold "=" too: the longest beginning that names a line is the name. Where none does, the text
-// before the last mark is told.
+// Names and lot numbers may hold "=" too: the longest beginning that names a line is the name. Where none does, the
+// text before the last mark is told.
 Result<std::pair<std::size_t, std::string>> LineAndLot(const Session& session, const BatchRecord& record,
                                                        const std::string& option) {
-  for (std::size_t mark = option.rfind('='); mark != std::string::npos && mark > 0; mark = option.rfind('=', mark - 1)) {
+  for (std::size_t mark = option.rfind('='); mark != std::string::npos && mark > 0;
+       mark = option.rfind('=', mark - 1)) {
     const auto name = TypedName(session, option.substr(0, mark));
     if (!name) continue;
     if (const auto row = RowNamed(session, record, *name)) return std::pair{*row, option.substr(mark + 1)};

@@ -82,8 +82,7 @@ Result<Json> Save(Context& context, BasicWork work, std::vector<std::string> pai
   for (const std::string& text : pairs) {
     const auto pair = SplitPair(text);
     const std::string field = KnownField(pair->first, SettableFields(ColorKind::Basic), false);
-    if (auto taken = TakePair(work, field, pair->second); !taken)
-      return std::unexpected(taken.error());
+    if (auto taken = TakePair(work, field, pair->second); !taken) return std::unexpected(taken.error());
   }
   Transaction transaction(context.session.File());
   const auto saved = SaveWithInventory(context.session, ColorKind::Basic, work.Color_Name, inventory,

@@ -8,7 +8,8 @@
 
 namespace vellumark::test {
 
-/// A room whose Database is made from guides, of which the site has three: two of them have a formula 185, each its own.
+/// A room whose Database is made from guides, of which the site has three: two of them have a formula 185, each its
+/// own.
 struct GuideRoom : InkRoom {
   GuideRoom() {
     session.ProgramFolder = folder.Path();

@@ -145,7 +145,8 @@ Result<std::optional<std::string>> ReadAdditionName(Session& session, std::strin
   const std::string name = ReadName(session, typed);
   if (name.empty()) return std::unexpected(AdditionRefusal(AdditionFault::InvalidBasic));
   if (auto writable = RequireWritable(session); !writable) return std::unexpected(writable.error());
-  if (auto allowed = CheckNewBasicName(session, name, "cmbColorName"); !allowed) return std::unexpected(allowed.error());
+  if (auto allowed = CheckNewBasicName(session, name, "cmbColorName"); !allowed)
+    return std::unexpected(allowed.error());
   if (!session.prompt.Ask("Add Basic / Additive To Database?",
                           fmt::format("{} is not found in this database.\n"
                                       "Would you like to add this item to this database?\n"

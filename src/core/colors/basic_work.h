@@ -30,8 +30,8 @@ struct NameEntry {
 
 /// Leaving the name field: finds the colour, or leads into a new one through the question and the refusals.
 Result<NameEntry> EnterBasicName(Session& session, std::string_view typed);
-/// What may refuse a new name, wherever a Basic Color or an Additive is made of it: the right to add, the rule for names,
-/// and the guides' prefix.
+/// What may refuse a new name, wherever a Basic Color or an Additive is made of it: the right to add, the rule for
+/// names, and the guides' prefix.
 Result<void> CheckNewBasicName(const Session& session, const std::string& name, std::string_view field = "Color_Name");
 /// The question before a new item, worded differently when a Master Formula has the name; true for Yes.
 bool AskNewBasic(Session& session, const std::string& name);

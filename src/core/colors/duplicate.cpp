@@ -87,7 +87,8 @@ bool IsAdditive(const Session& session, const Source& source, std::string_view n
 Recipe InTarget(const Session& session, const Recipe& list, const std::string& database) {
   Recipe lines;
   for (const Ingredient& line : list)
-    lines = FoldAdditions(std::move(lines), {{StoredName(session, ColorKind::Basic, line.name, database), line.amount}});
+    lines =
+        FoldAdditions(std::move(lines), {{StoredName(session, ColorKind::Basic, line.name, database), line.amount}});
   return lines;
 }
 
@@ -185,7 +186,8 @@ Result<Duplicated> Duplicate(Session& session, const Source& source, std::string
 
   const Recipe recipe = withSet ? NormaliseWithSet(list, target->set->rows) : Normalise(list);
   if (const Ingredient* lost = LostShare(recipe))
-    return Refuse(Padded(30, "Invalid Formula"), fmt::format("This formula cannot be saved: {}.", LostShareText(*lost)));
+    return Refuse(Padded(30, "Invalid Formula"),
+                  fmt::format("This formula cannot be saved: {}.", LostShareText(*lost)));
 
   Transaction transaction(session.File());
   AddMissingIngredients(session, target->database, source, list);

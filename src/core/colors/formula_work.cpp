@@ -174,8 +174,7 @@ Result<void> CheckNewMixName(const Session& session, const std::string& name, st
                       "to the database.",
                   std::string(field));
   const bool published = IsPantoneBookMix(session, name);
-  if (auto valid = CheckNewName(name, NameSource::Typed, session.NameLength, field); !valid && !published)
-    return valid;
+  if (auto valid = CheckNewName(name, NameSource::Typed, session.NameLength, field); !valid && !published) return valid;
   if (HasPantonePrefix(name) && !published)
     return Refuse(Padded(30, "Master Formula - Invalid Color Name"),
                   "You cannot add a new color to the database that begins with the word PANTONE. Please choose another "

@@ -127,11 +127,11 @@ std::optional<MixColor> ReadMix(const Session& session, std::string_view name, s
 std::optional<MixColor> FindMix(const Session& session, std::string_view typed) {
   if (typed.empty()) return std::nullopt;
   const std::string table = TableText(session);
-  Statement row = session.File().Prepare(
-      fmt::format("SELECT {0} FROM {1} WHERE rowid IN (SELECT rowid FROM {1} WHERE Color_Name IN (?1, ?2) UNION "
-                  "SELECT rowid FROM {1} WHERE Color_Code = ?1) ORDER BY CASE WHEN Color_Name = ?1 THEN 0 WHEN Color_Name = "
-                  "?2 THEN 1 ELSE 2 END, Color_Name, rowid LIMIT 1",
-                  Columns(), table));
+  Statement row = session.File().Prepare(fmt::format(
+      "SELECT {0} FROM {1} WHERE rowid IN (SELECT rowid FROM {1} WHERE Color_Name IN (?1, ?2) UNION "
+      "SELECT rowid FROM {1} WHERE Color_Code = ?1) ORDER BY CASE WHEN Color_Name = ?1 THEN 0 WHEN Color_Name = "
+      "?2 THEN 1 ELSE 2 END, Color_Name, rowid LIMIT 1",
+      Columns(), table));
   row.Bind(1, typed).Bind(2, std::string(kPantonePrefix).append(typed));
   if (!row.Step()) return std::nullopt;
   return ReadRow(row);

@@ -63,12 +63,11 @@ Result<void> RequireRevert(const Session& session, std::string_view name) {
 std::optional<Recipe> ReadTemplateRecipe(const Session& session, std::string_view name) {
   const TemplateOf guides(session);
   if (!guides || name.empty()) return std::nullopt;
-  const std::string guide =
-      session.File()
-          .Scalar("SELECT Color_Guide FROM " + Quoted(session.Table(schema::Mix)) +
-                      " WHERE Color_Name = ? ORDER BY rowid LIMIT 1",
-                  {name})
-          .Text();
+  const std::string guide = session.File()
+                                .Scalar("SELECT Color_Guide FROM " + Quoted(session.Table(schema::Mix)) +
+                                            " WHERE Color_Name = ? ORDER BY rowid LIMIT 1",
+                                        {name})
+                                .Text();
   std::optional<Recipe> first;
   for (const std::string_view table : kGuideMixTables) {
     if (!guides->TableExists(table)) continue;

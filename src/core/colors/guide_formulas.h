@@ -9,8 +9,8 @@
 
 namespace vellumark {
 
-/// The published recipe of a formula of the current Database: that of the guide that its row names, since two guides may
-/// have a formula of one name, else of the first guide that has the name; nothing when none has.
+/// The published recipe of a formula of the current Database: that of the guide that its row names, since two guides
+/// may have a formula of one name, else of the first guide that has the name; nothing when none has.
 std::optional<Recipe> ReadTemplateRecipe(const Session& session, std::string_view name);
 
 /// True when a formula of a guide differs from what was published: another ingredient, or another amount.

@@ -116,7 +116,8 @@ Result<void> CheckNewName(std::string_view name, NameSource source, int longest,
 std::string NameLines(const std::vector<std::string>& names) {
   constexpr std::size_t kMost = 20;
   const std::size_t shown = std::min(names.size(), kMost);
-  std::string lines = fmt::format("{}", fmt::join(names.begin(), names.begin() + static_cast<std::ptrdiff_t>(shown), "\n"));
+  std::string lines =
+      fmt::format("{}", fmt::join(names.begin(), names.begin() + static_cast<std::ptrdiff_t>(shown), "\n"));
   if (shown < names.size()) lines += fmt::format("\nand {} more", names.size() - shown);
   return lines;
 }

@@ -39,9 +39,9 @@ bool SameColorName(std::string_view a, std::string_view b);
 /// Where a new name comes from: a person, at a field or a command; or a file, which may bring accented letters and
 /// signs.
 enum class NameSource { Typed, File };
-/// The one rule for the characters and the length of a name that a colour or an Additive Set is to get, whichever door it
-/// comes through. A person's name holds what name fields let through: A to Z in either case, digits, blanks and . / -
-/// and whatever stands in `from`, the name on file that it is made of. A file's may hold every letter and sign of the
+/// The one rule for the characters and the length of a name that a colour or an Additive Set is to get, whichever door
+/// it comes through. A person's name holds what name fields let through: A to Z in either case, digits, blanks and . /
+/// - and whatever stands in `from`, the name on file that it is made of. A file's may hold every letter and sign of the
 /// code page, so that it can be exported, but those that have a meaning where names are put together (< > " ' [ ] | *)
 /// and control characters. Whether a name may begin with "PANTONE " the guides say.
 Result<void> CheckNewName(std::string_view name, NameSource source, int longest, std::string_view field = "Color_Name",

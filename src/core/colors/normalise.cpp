@@ -162,7 +162,8 @@ Recipe WithoutSet(const Recipe& recipe, const Recipe& set) {
 double ChangedByPercent(double amount, double percent) {
   constexpr Wide kWhole = 10'000;  // 100.00 percent in hundredths
   const Wide part = Thousandths(amount);
-  return FromThousandths(static_cast<std::int64_t>((2 * part * (kWhole + std::llround(percent * 100)) + kWhole) / (2 * kWhole)));
+  return FromThousandths(
+      static_cast<std::int64_t>((2 * part * (kWhole + std::llround(percent * 100)) + kWhole) / (2 * kWhole)));
 }
 
 const Ingredient* LostShare(const Recipe& recipe) {

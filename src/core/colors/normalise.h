@@ -23,8 +23,8 @@ std::vector<std::string> NamesOf(const Recipe& recipe);
 /// The lines whose names do not stand in the set.
 Recipe WithoutSet(const Recipe& recipe, const Recipe& set);
 
-/// The amount with so many percent, of two decimals, added to it (taken off it, below 0): three decimals, a half by hand
-/// rounded up.
+/// The amount with so many percent, of two decimals, added to it (taken off it, below 0): three decimals, a half by
+/// hand rounded up.
 double ChangedByPercent(double amount, double percent);
 
 /// The first line of a recipe in parts of 100 whose share is below 0.001, so that nothing of it could be weighed; null
@@ -36,9 +36,9 @@ std::string LostShareText(const Ingredient& line);
 /// The sum, rounded to three decimals after each addition.
 double TotalOf(const Recipe& recipe);
 
-/// Brings the amounts, however large or small they are, to parts of 100: each is rounded to three decimals and the first largest takes what is missing,
-/// so that the lines total exactly 100.000. Lines without a name are closed up. A recipe whose total is not above 0
-/// comes back as it is.
+/// Brings the amounts, however large or small they are, to parts of 100: each is rounded to three decimals and the
+/// first largest takes what is missing, so that the lines total exactly 100.000. Lines without a name are closed up. A
+/// recipe whose total is not above 0 comes back as it is.
 Recipe Normalise(Recipe recipe);
 
 /// The same beside an Additive Set: lines that stand in the set go, the others share what the set's percentages leave

@@ -89,8 +89,8 @@ constexpr std::size_t kFewNames = 200;
 // All slots of a family in one walk over the table: a row is read once, however many slots and names there are. A
 // single field is found through its index where it has one; a family, and a field of which many names change, is walked
 // in pieces, ?1 to ?2.
-bool RenamePlace(Database& file, std::string_view database, ColorKind kind, const Place& place,
-                 bool inPieces, const std::function<bool(double percent)>& goOn) {
+bool RenamePlace(Database& file, std::string_view database, ColorKind kind, const Place& place, bool inPieces,
+                 const std::function<bool(double percent)>& goOn) {
   const std::string isOld = fmt::format("IN (SELECT OldName FROM {})", kNewNames);
   std::string sets;
   std::string where;

@@ -228,7 +228,7 @@ Result<ImportReport> ImportFormulas(Session& session, const std::filesystem::pat
 }
 
 Result<int> ExportFormulas(Session& session, const std::vector<std::string>& names, const std::filesystem::path& path) {
-  std::string bytes = ToCp1252(session.CurrentDatabase + "\r\n");
+  std::string text = session.CurrentDatabase + "\r\n";
   int count = 0;
   const auto add = [&](const MixColor& formula) {
     std::vector<std::pair<std::string, float>> parts;
@@ -236,7 +236,7 @@ Result<int> ExportFormulas(Session& session, const std::vector<std::string>& nam
     for (const Ingredient& line : formula.Ingredients())
       if (line.amount > 0) parts.emplace_back(line.name, static_cast<float>(line.amount));
     if (parts.empty()) return;
-    bytes += MfeRow(formula.Color_Name, parts);
+    text += MfeRow(formula.Color_Name, parts);
     ++count;
   };
   if (names.empty()) {
@@ -254,7 +254,7 @@ Result<int> ExportFormulas(Session& session, const std::vector<std::string>& nam
   }
   if (count == 0) return Refuse("No Formulas Selected", "No Master Formulas selected for export.");
   RequireNoDataFile(path);
-  ReplaceFile(path, bytes);
+  ReplaceFile(path, MfeBytes(text));
   return count;
 }
 

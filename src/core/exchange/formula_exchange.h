@@ -26,7 +26,8 @@ struct ImportReport {
 Result<ImportReport> ImportFormulas(Session& session, const std::filesystem::path& path);
 
 /// Writes formulas of the current Database, all of them in name order when `names` is empty, to an `.mfe` file, which
-/// is replaced in one step. Lines that weigh nothing are left out. Refused when there are none, or when one of the names is no formula. The number written.
+/// is replaced in one step. Lines that weigh nothing are left out. Refused when there are none, or when one of the
+/// names is no formula. The number written.
 Result<int> ExportFormulas(Session& session, const std::vector<std::string>& names, const std::filesystem::path& path);
 
 }  // namespace vellumark

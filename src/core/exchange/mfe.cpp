@@ -118,7 +118,11 @@ std::string MfeRow(std::string_view name, const std::vector<std::pair<std::strin
   for (const auto& [ingredient, amount] : parts) {
     row += "\t" + ingredient + "\t" + Fixed(amount, 3);
   }
-  return ToCp1252(row + "\r\n");
+  return row + "\r\n";
+}
+
+std::string MfeBytes(const std::string& text) {
+  return FitsCp1252(text) ? ToCp1252(text) : text;
 }
 
 }  // namespace vellumark

@@ -64,7 +64,8 @@ TEST(CopyDatabase, ReportsAndStopsWhereverItIsAsked) {
   room.Breaks("LotReferences");
   room.Breaks("StockHistory");
   room.session.File().Execute(
-      "WITH RECURSIVE n(i) AS (VALUES(1) UNION ALL SELECT i + 1 FROM n WHERE i < 9000) INSERT INTO INK_Mix (Color_Name, "
+      "WITH RECURSIVE n(i) AS (VALUES(1) UNION ALL SELECT i + 1 FROM n WHERE i < 9000) INSERT INTO INK_Mix "
+      "(Color_Name, "
       "BC0, BQ0, Color_Set, BasicCost) SELECT 'F' || i, 'A', 100, '<A>', 3 FROM n");
   const auto tables = room.session.File().TableNames();
   int limit = 0;

@@ -156,7 +156,10 @@ TEST(FormulaModifier, VerdictsAndReasons) {
       {"ONE", One(kRemove, "A", "100"), "no", {toOne}},
       {"ONE", One(kDecrease, "A", "99"), "modify", {}},
       {"SET", One(kRemove, "B", "100"), "no", {toOne}},  // nothing would stand beside the set's two
-      {"TWO", {{true, kIncrease, "A", "99999"}, {true, kDecrease, "B", "99.99"}}, "no", {"the share of B is below 0.001 of 100"}},
+      {"TWO",
+       {{true, kIncrease, "A", "99999"}, {true, kDecrease, "B", "99.99"}},
+       "no",
+       {"the share of B is below 0.001 of 100"}},
       {"LONE", One(kRemove, "B", "100"), "no", {toOne}},
       {"LONE", One(kDecrease, "B", "50"), "modify", {}},
       {"TWO", One(kAdd, "A", "10"), "excluded", {"Contains A"}},

@@ -86,18 +86,31 @@ struct BusyRoom {
 
   void Act() {
     const std::vector<std::function<void()>> acts{
-        [&] { FormulaWork work = NewWork(); (void)SaveMix(session, work); },
-        [&] { FormulaWork work = NewWork(); (void)SaveMix(session, work); },
+        [&] {
+          FormulaWork work = NewWork();
+          (void)SaveMix(session, work);
+        },
+        [&] {
+          FormulaWork work = NewWork();
+          (void)SaveMix(session, work);
+        },
         [&] { (void)CreateAdditiveSet(session, NewSet()); },
-        [&] { const AdditiveSetWork set = NewSet(); (void)EditAdditiveSet(session, set.SetName, set); },
+        [&] {
+          const AdditiveSetWork set = NewSet();
+          (void)EditAdditiveSet(session, set.SetName, set);
+        },
         [&] { (void)ApplyAdditiveSet(session, SetName(), SetMethod::Add, {Formula()}); },
         [&] { (void)ApplyAdditiveSet(session, SetName(), SetMethod::Remove, {Formula()}); },
-        [&] { if (Pick(0, 3) == 0) (void)DeleteAdditiveSet(session, SetName()); },
+        [&] {
+          if (Pick(0, 3) == 0) (void)DeleteAdditiveSet(session, SetName());
+        },
         [&] { (void)RenameBasic(session, Pick(0, 1) == 0 ? Additive() : Ink(), Pick(0, 1) == 0 ? Additive() : Ink()); },
         [&] { (void)RenameColor(session, Formula(), Formula()); },
         [&] { (void)ApplyModifier(session, Lines(), {Formula()}); },
         [&] { (void)DuplicateFormula(session, Formula(), Formula(), Pick(0, 1) == 0 ? "OTHER" : "INK", ""); },
-        [&] { (void)ApplyRename(session, {ColorKind::Basic, NameChange::Replace, "INK", "ADD"}, {Ink()}); },
+        [&] {
+          (void)ApplyRename(session, {ColorKind::Basic, NameChange::Replace, "INK", "ADD"}, {Ink()});
+        },
         [&] {
           const auto mix = ReadMix(session, Formula());
           if (!mix) return;

@@ -115,24 +115,26 @@ TEST(MfeImport, ALastLineWithoutItsLineEndIsTakenUnlessTheRecipeWasCut) {
     bool taken;
   } cases[] = {
       {"A\tBLUE\t60.000\tRED\t40", true},
-      {"A\tBLUE\t3\tRED\t1", true},                                   // parts as a hand weighs them
-      {"B\tBLUE\t2\tRED\t3\r\nA\tBLUE\t3.500\tRED\t1.5", true},     // so are those before it
-      {"A\tBLUE\t60.000\tRED\t4", false},                             // 40.000 became 4
+      {"A\tBLUE\t3\tRED\t1", true},                              // parts as a hand weighs them
+      {"B\tBLUE\t2\tRED\t3\r\nA\tBLUE\t3.500\tRED\t1.5", true},  // so are those before it
+      {"A\tBLUE\t60.000\tRED\t4", false},                        // 40.000 became 4
       {"A\tBLUE\t60.000\tRED\t4.0", false},
-      {"B\tBLUE\t70\tRED\t30\r\nA\tBLUE\t60\tRED\t4", false},       // the rows before it total 100
-      {"B\tBLUE\t70.000\tRED\t30.000\r\nA\tBLUE\t60.000", false},   // the second ingredient is gone
+      {"B\tBLUE\t70\tRED\t30\r\nA\tBLUE\t60\tRED\t4", false},      // the rows before it total 100
+      {"B\tBLUE\t70.000\tRED\t30.000\r\nA\tBLUE\t60.000", false},  // the second ingredient is gone
       {"B\tBLUE\t70.000\tRED\t30.000\r\nA\tBLUE\t60.000\tR", false},
   };
   for (const auto& c : cases) {
     test::InkRoom room;
-    EXPECT_EQ(ImportFormulas(room.session, Write(room, std::string("INK\r\n") + c.rows)).has_value(), c.taken) << c.rows;
+    EXPECT_EQ(ImportFormulas(room.session, Write(room, std::string("INK\r\n") + c.rows)).has_value(), c.taken)
+        << c.rows;
   }
 }
 
 TEST(MfeImport, AmountsOfAnySizeComeToTheirShares) {
   test::InkRoom room;
-  const std::string rows = "BIG\tA\t100000000\tB\t300000000\r\nSMALL\tA\t0.000001\tB\t0.000003\r\n"
-                           "FINE\tA\t0.0000004\tB\t0.0000006\r\n";
+  const std::string rows =
+      "BIG\tA\t100000000\tB\t300000000\r\nSMALL\tA\t0.000001\tB\t0.000003\r\n"
+      "FINE\tA\t0.0000004\tB\t0.0000006\r\n";
   ASSERT_TRUE(ImportFormulas(room.session, Write(room, "INK\r\n" + rows)));
   EXPECT_EQ(ReadMix(room.session, "BIG")->Ingredients(), (Recipe{{"A", 25}, {"B", 75}}));
   EXPECT_EQ(ReadMix(room.session, "SMALL")->Ingredients(), (Recipe{{"A", 25}, {"B", 75}}));
@@ -231,6 +233,11 @@ TEST(MfeExport, TakesTheFormulaOfThatNameAndLeavesOutWhatWeighsNothing) {
   EXPECT_EQ(FindMix(room.session, "F1")->Color_Name, "F1");
   test::InkRoom other;
   EXPECT_TRUE(ImportFormulas(other.session, out));
+
+  // A name that an older program took must not hold up all the others.
+  room.Mix("OHM \xCE\xA9", {{"X", 100.0F}});
+  EXPECT_EQ(ExportFormulas(room.session, {}, out), 3);
+  EXPECT_NE(ReadFileBytes(out).find("\r\nOHM \xCE\xA9\tX\t100.000\r\n"), std::string::npos);
 }
 
 TEST(MfeExport, RefusalsWriteNoFile) {
