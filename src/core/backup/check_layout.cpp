@@ -56,8 +56,7 @@ void CheckFileInfo(CheckRun& run) {
   if (const std::int64_t rows = RowCount(run.file, table); rows != 1)
     run.Found(table, 0, "", fmt::format("It has {} rows.", rows));
   const VersionGate gate = GateOf(run.info.fileVersion);
-  if (gate == VersionGate::Unusable)
-    run.Found(table, 1, "", fmt::format("FileVersion is {}.", run.info.fileVersion));
+  if (gate == VersionGate::Unusable) run.Found(table, 1, "", fmt::format("FileVersion is {}.", run.info.fileVersion));
   for (const std::string& database : run.Databases()) {
     const std::string info = TableName(database, schema::Info);
     if (const std::int64_t rows = RowCount(run.file, info); rows != 1)
@@ -116,8 +115,7 @@ void CheckCounters(CheckRun& run) {
   check("BatchNumber", run.info.batchNumber, 0, "");
   for (const std::string& database : run.Databases()) {
     const std::string batches = TableName(database, schema::Batch);
-    const std::int64_t used =
-        run.file.Scalar(fmt::format("SELECT MAX(BatchNo) FROM {}", Quoted(batches))).Whole();
+    const std::int64_t used = run.file.Scalar(fmt::format("SELECT MAX(BatchNo) FROM {}", Quoted(batches))).Whole();
     if (used <= kLastCounter) check("BatchNumber", run.info.batchNumber, used, batches);
   }
   const std::int64_t item =
@@ -150,9 +148,10 @@ std::string ReadableColumns(const Table& table) {
     const std::string name = Quoted(field.name);
     columns += ", ";
     columns += field.type == FieldType::Single
-                   ? fmt::format("CASE WHEN {0} NOT BETWEEN -3.4028234663852886e38 AND 3.4028234663852886e38 THEN "
-                                 "CAST({0} AS TEXT) ELSE {0} END",
-                                 name)
+                   ? fmt::format(
+                         "CASE WHEN {0} NOT BETWEEN -3.4028234663852886e38 AND 3.4028234663852886e38 THEN "
+                         "CAST({0} AS TEXT) ELSE {0} END",
+                         name)
                    : name;
   }
   return columns;
@@ -184,24 +183,27 @@ void CheckFields(CheckRun& run) {
   ForEachTable(run, [&](const std::string& name, const Table& table) {
     if (run.Stopped()) return;
     Statement rows = run.file.Prepare(fmt::format("SELECT {} FROM {}", ReadableColumns(table), Quoted(name)));
-    WalkRows(run, rows, RowCount(run.file, name),
-             [&](const Statement& row) { CheckRowFields(run, name, table, row); });
+    WalkRows(run, rows, RowCount(run.file, name), [&](const Statement& row) { CheckRowFields(run, name, table, row); });
   });
 }
 
 namespace {
 
-void CheckNames(CheckRun& run, const std::string& table, std::string_view field) {
+void CheckFilled(CheckRun& run, const std::string& table, std::string_view field) {
   const std::string column = Quoted(field);
-  Statement empty = run.file.Prepare(
-      fmt::format("SELECT rowid, {0} FROM {1} WHERE {0} IS NULL OR {0} = ''", column, Quoted(table)));
+  Statement empty =
+      run.file.Prepare(fmt::format("SELECT rowid, {0} FROM {1} WHERE {0} IS NULL OR {0} = ''", column, Quoted(table)));
   run.FoundRows(table, empty, [&](const Statement&) { return fmt::format("{} is empty.", field); });
+}
+
+void CheckNames(CheckRun& run, const std::string& table, std::string_view field) {
+  CheckFilled(run, table, field);
+  const std::string column = Quoted(field);
   // The index on the name gives equal ones side by side.
-  Statement twice = run.file.Prepare(
-      fmt::format("SELECT {0}, COUNT(*) FROM {1} WHERE {0} <> '' GROUP BY {0} HAVING COUNT(*) > 1", column,
-                  Quoted(table)));
-  Statement rows = run.file.Prepare(
-      fmt::format("SELECT rowid, {0} FROM {1} WHERE {0} = ? ORDER BY rowid", column, Quoted(table)));
+  Statement twice = run.file.Prepare(fmt::format(
+      "SELECT {0}, COUNT(*) FROM {1} WHERE {0} <> '' GROUP BY {0} HAVING COUNT(*) > 1", column, Quoted(table)));
+  Statement rows =
+      run.file.Prepare(fmt::format("SELECT rowid, {0} FROM {1} WHERE {0} = ? ORDER BY rowid", column, Quoted(table)));
   while (twice.Step()) {
     const std::int64_t count = twice.Whole(1);
     rows.Bind(1, twice.Get(0));
@@ -222,8 +224,11 @@ void CheckUniqueNames(CheckRun& run) {
     if (run.file.TableExists(schema::Users.name)) CheckNames(run, schema::Users.name, "Username");
   }
   for (const std::string& database : run.Databases()) {
-    for (const Table* table : {&schema::Basic, &schema::BasicLab, &schema::Mix, &schema::MixLab})
+    for (const Table* table : {&schema::Basic, &schema::Mix})
       CheckNames(run, TableName(database, *table), "Color_Name");
+    // A color has as many measurements as were taken.
+    for (const Table* table : {&schema::BasicLab, &schema::MixLab})
+      CheckFilled(run, TableName(database, *table), "Color_Name");
     CheckNames(run, TableName(database, schema::Additives), "SetName");
     CheckNames(run, TableName(database, schema::Batch), "BatchNo");
   }

@@ -255,14 +255,15 @@ TEST(Basics, NamesAreListedAndWalkedInOrder) {
 
 TEST(Basics, MeasurementsComeBackAsListed) {
   InkRoom room;
-  room.Breaks("LotColors");
+  room.Basic("A");
+  room.Mix("GREEN", {{"A", 100}});
   const auto reading = ReadLabEntry(room.session, {"50.126", "-3", "7.5", "0", "1.25", " D65 ", "COATED", "ok"});
   ASSERT_TRUE(reading);
   EXPECT_EQ(reading->Lab_L, 50.13F);
   EXPECT_EQ(ReadLabEntry(room.session, {"1", "1", "x", "y", "1", "", "", ""}).error().field, "txt_b");
-  WriteLabReadings(room.session, ColorKind::Mix, "GREEN", {*reading, *reading});
   WriteLabReadings(room.session, ColorKind::Mix, "GREEN", {*reading});
-  EXPECT_EQ(ReadLabReadings(room.session, ColorKind::Mix, "green"), (std::vector<LabReading>{*reading}));
+  WriteLabReadings(room.session, ColorKind::Mix, "GREEN", {*reading, *reading});
+  EXPECT_EQ(ReadLabReadings(room.session, ColorKind::Mix, "green"), (std::vector<LabReading>{*reading, *reading}));
   EXPECT_EQ(KnownLightSources(room.session, ColorKind::Mix), (std::vector<std::string>{"D65"}));
   EXPECT_TRUE(KnownSubstrates(room.session, ColorKind::Basic).empty());
 }
