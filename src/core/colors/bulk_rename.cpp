@@ -83,7 +83,7 @@ std::string ReasonAgainst(const Session& session, const BulkRename& rule, const 
 Result<std::vector<RenamePreviewRow>> Judge(Session& session, const BulkRename& rule,
                                             const std::vector<std::string>& colors) {
   const std::vector<std::string> names = DistinctNames(colors);
-  BulkSteps steps(session, "Preparing Preview Results ...", names.size());
+  BulkSteps steps(session, "Preparing Preview Results ...", 2 * names.size());
   std::vector<RenamePreviewRow> rows;
   std::map<std::string, int> uses;
   for (const std::string& typed : names) {
@@ -96,6 +96,7 @@ Result<std::vector<RenamePreviewRow>> Judge(Session& session, const BulkRename& 
     if (!steps.Next()) return BulkSteps::Stopped(std::string(kTitle));
   }
   for (RenamePreviewRow& row : rows) {
+    if (!steps.Next()) return BulkSteps::Stopped(std::string(kTitle));
     if (!row.reason.empty()) continue;
     if (uses[row.newName] > 1 || OnFile(session, rule.kind, row.newName))
       row.reason = "Rename creates duplicate color name reference";

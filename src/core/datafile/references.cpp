@@ -74,13 +74,20 @@ std::string SetExpression(const Place& place, const std::vector<std::string>& na
   return fmt::format("{} = {}", Quoted(place.setField), expression);
 }
 
-// Fills the table of names, which a rollback takes back with everything else.
-void WriteNewNames(Database& file, const std::vector<Renaming>& names) {
+// Fills the table of names, which a rollback takes back with everything else. False when the work was stopped.
+bool WriteNewNames(Database& file, const std::vector<Renaming>& names,
+                   const std::function<bool(double percent)>& goOn) {
+  constexpr std::size_t kStride = 1000;
   file.Execute(
       "CREATE TEMP TABLE IF NOT EXISTS \"MSysNewNames\" (OldName TEXT COLLATE NOCASE PRIMARY KEY, NewName TEXT)");
   file.Execute(fmt::format("DELETE FROM {}", kNewNames));
   Statement insert = file.Prepare(fmt::format("INSERT INTO {} VALUES (?, ?)", kNewNames));
-  for (const Renaming& name : names) insert.Bind(1, name.oldName).Bind(2, name.newName).Run();
+  std::size_t done = 0;
+  for (const Renaming& name : names) {
+    insert.Bind(1, name.oldName).Bind(2, name.newName).Run();
+    if (++done % kStride == 0 && goOn && !goOn(0)) return false;
+  }
+  return true;
 }
 
 // So many names are few enough to be looked up in an index one by one, at once.
@@ -137,7 +144,7 @@ void RenameReferences(Database& file, std::string_view database, ColorKind kind,
 
 bool RenameReferences(Database& file, std::string_view database, ColorKind kind, const std::vector<Renaming>& names,
                       const std::function<bool(double percent)>& goOn) {
-  WriteNewNames(file, names);
+  if (!WriteNewNames(file, names, goOn)) return false;
   const std::vector<Place> places = PlacesOf(kind);
   for (std::size_t n = 0; n < places.size(); ++n) {
     const bool inPieces = places[n].slots != 0 || names.size() > kFewNames;
