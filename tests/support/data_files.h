@@ -54,6 +54,9 @@ class HeldFile {
     if (::pipe(ready) != 0) throw std::runtime_error("no pipe");
     child_ = ::fork();
     if (child_ == 0) {
+      // What the test has open itself is not this process's to hold.
+      for (int other = 3; other < 256; ++other)
+        if (other != ready[1]) ::close(other);
       const auto file = Database::Open(path, OpenMode::Exclusive);
       const bool told = ::write(ready[1], "x", 1) == 1;
       while (told) ::pause();

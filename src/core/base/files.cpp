@@ -12,6 +12,7 @@
 #include <cstring>
 #include <system_error>
 
+#include "core/base/byte_lock.h"
 #include "core/base/refusal.h"
 
 namespace vellumark {
@@ -84,10 +85,10 @@ void SweepAbandoned(const fs::path& target) {
       if (::lstat((entry->path().parent_path() / name).c_str(), &status) != 0) ::unlink(entry->path().c_str());
       continue;
     }
-    const int fd = ::open(entry->path().c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC);
+    const int fd = ::open(entry->path().c_str(), O_RDWR | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC);
     if (fd < 0) continue;
     struct stat status {};
-    if (::fstat(fd, &status) == 0 && S_ISREG(status.st_mode) && ::flock(fd, LOCK_EX | LOCK_NB) == 0) {
+    if (::fstat(fd, &status) == 0 && S_ISREG(status.st_mode) && TakeByteLock(fd, LockedByte::Beside)) {
       ::unlink(entry->path().c_str());
       ::unlink((entry->path().string() + std::string(kJournalEnd)).c_str());
     }
@@ -148,8 +149,7 @@ FileBeside::FileBeside(const fs::path& target, Readers readers) : target_(RealPa
       throw Failure(target.string(), "cannot be written: there is no permission to write in its folder");
     if (fd_ < 0) Fail(target, errno);
     path_ = pattern;
-    ::flock(fd_, LOCK_EX);
-    if (::fstat(fd_, &status) == 0 && status.st_nlink > 0) return;
+    if (TakeByteLock(fd_, LockedByte::Beside) && ::fstat(fd_, &status) == 0 && status.st_nlink > 0) return;
     ::close(fd_);
   }
 }
@@ -232,10 +232,12 @@ void MakeFolder(const fs::path& folder) {
 }
 
 int OpenLockFile(const fs::path& path) {
-  constexpr int kFlags = O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC;
-  int fd = ::open(path.c_str(), kFlags);
+  constexpr int kFlags = O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC;
+  // On a network drive only what is open for writing can be locked; elsewhere another user's file can, too.
+  int fd = ::open(path.c_str(), O_RDWR | kFlags);
+  if (fd < 0 && errno == EACCES) fd = ::open(path.c_str(), O_RDONLY | kFlags);
   if (fd < 0 && errno == ENOENT) {
-    fd = ::open(path.c_str(), kFlags | O_CREAT, 0600);
+    fd = ::open(path.c_str(), O_RDWR | kFlags | O_CREAT, 0600);
     if (fd >= 0) ::fchmod(fd, ModeOfNew(FolderOf(path), Readers::Group));
   }
   if (fd < 0) Fail(path, errno);

@@ -7,13 +7,16 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <cerrno>
 #include <cmath>
+#include <cstring>
 #include <exception>
 #include <limits>
 #include <system_error>
 #include <unordered_map>
 #include <utility>
 
+#include "core/base/byte_lock.h"
 #include "core/base/files.h"
 #include "core/base/refusal.h"
 
@@ -123,6 +126,36 @@ std::string WhyNoFigure(sqlite3_stmt* statement, int column) {
                        : "holds a figure that is not a number in " + place;
 }
 
+// The kernel takes the engine's lock away when this process closes any other descriptor of the file, as everybody does
+// who looks what kind of file it is: a file dialog, a command that was given it by mistake. The lock of a byte stays.
+class HeldDescriptor {
+ public:
+  HeldDescriptor() = default;
+  ~HeldDescriptor() {
+    if (descriptor_ >= 0) ::close(descriptor_);
+  }
+  HeldDescriptor(const HeldDescriptor&) = delete;
+  HeldDescriptor& operator=(const HeldDescriptor&) = delete;
+
+  void Take(const std::filesystem::path& path) {
+    descriptor_ = ::open(path.c_str(), O_RDWR | O_CLOEXEC);
+    if (descriptor_ < 0) throw Failure(path.string(), std::strerror(errno));
+    if (!TakeByteLock(descriptor_, LockedByte::DataFile)) throw Failure(path.string(), CauseInWords(SQLITE_BUSY, ""));
+  }
+
+ private:
+  int descriptor_ = -1;
+};
+
+// Asked before the engine opens the file: it would take a transaction at work for one that was left half done.
+void RequireNotHeld(const std::filesystem::path& path) {
+  const int descriptor = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
+  if (descriptor < 0) return;  // the engine tells why
+  const bool held = IsByteLocked(descriptor, LockedByte::DataFile);
+  ::close(descriptor);
+  if (held) throw Failure(path.string(), CauseInWords(SQLITE_BUSY, ""));
+}
+
 // More compiled statements than any one operation uses, few enough to cost no memory worth counting.
 constexpr std::size_t kStoredStatements = 96;
 
@@ -146,6 +179,7 @@ struct Statement::Compiled {
 
 struct Database::Engine {
   Engine(const std::string& path, int flags) : connection(path, flags) {}
+  HeldDescriptor held;  // before the connection, so that it closes after it
   SQLite::Database connection;
   std::unordered_map<std::string, std::vector<std::unique_ptr<Statement::Compiled>>> stored;
   std::size_t storedCount = 0;
@@ -308,6 +342,7 @@ std::unique_ptr<Database> Database::Open(const std::filesystem::path& path, Open
   if (!std::filesystem::is_regular_file(status)) throw Failure(path.string(), "is not a file");
   if (std::filesystem::file_size(path, ignored) == 0) throw Failure(path.string(), "is empty, not a Data File");
   const bool readOnly = mode == OpenMode::ReadOnly;
+  RequireNotHeld(path);
   std::unique_ptr<Database> database(new Database(path, readOnly));
   if (readOnly) {
     // One thread uses a connection, so the engine need not lock it.
@@ -328,6 +363,7 @@ std::unique_ptr<Database> Database::Open(const std::filesystem::path& path, Open
       // The lock is taken here and, in this locking mode, kept until the file is closed.
       database->Execute("BEGIN EXCLUSIVE");
       database->Execute("COMMIT");
+      database->engine_->held.Take(path);
     };
     // Whoever compacts the file puts another one in its place: a lock on the old one would guard nothing.
     for (IdentityOfFile before = IdentityOf(path);;) {

@@ -2,11 +2,11 @@
 
 #include <fcntl.h>
 #include <gtest/gtest.h>
-#include <sys/file.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include "core/base/byte_lock.h"
 #include "core/base/changes.h"
 #include "core/base/date.h"
 #include "core/base/files.h"
@@ -99,8 +99,8 @@ TEST(Files, AReplacedFileStaysWhereItsLinkLeadsWithOwnerAndMode) {
   const auto held = folder / "real/.a.dat.Held00.vellumark";
   ReplaceFile(left, "half");
   ReplaceFile(held, "at work");
-  const int lock = ::open(held.c_str(), O_RDONLY);
-  ASSERT_EQ(::flock(lock, LOCK_EX), 0);
+  const int lock = ::open(held.c_str(), O_RDWR);
+  ASSERT_TRUE(TakeByteLock(lock, LockedByte::Beside));
   ReplaceFile(folder / "link", "second");
   ::close(lock);
   EXPECT_TRUE(fs::is_symlink(folder / "link"));

@@ -196,6 +196,7 @@ TEST(EndOrder, AFileWhoseDatabaseCannotBeOpenedStays) {
     file->Execute("DROP TABLE BETA_Info");
   }
   start.options.dataFileArgument = path.string();
+  start.prompt.Expect("Data File");  // told at each opening
   ASSERT_TRUE(StartUp(start.session, start.options, start.windows));
   EXPECT_THROW(ChangeDatabase(start.session, "BETA"), Failure);
   EXPECT_EQ(start.session.CurrentDatabase, "INK");
@@ -209,6 +210,7 @@ TEST(EndOrder, AFileWhoseDatabaseCannotBeOpenedStays) {
     StoreCurrentDatabase(*file, "BETA");
   }
   start.session.DataFileName = path.string();
+  start.prompt.Expect("Data File");
   EXPECT_FALSE(OpenRecentDataFile(start.session, start.windows));
   EndSession(start.session, start.windows);
   EXPECT_EQ(ReadFileInfo(*Database::Open(path, OpenMode::Exclusive)).dbList.size(), 2U);
