@@ -4,6 +4,7 @@
 #include <benchmark/benchmark.h>
 
 #include <QMainWindow>
+#include <QTableView>
 #include <QTest>
 #include <chrono>
 
@@ -116,6 +117,55 @@ void F2Raw(benchmark::State& state) {
   }
 }
 BENCHMARK(F2Raw)->Name("f2_100k/raw")->UseManualTime()->Unit(benchmark::kMillisecond)->Iterations(20);
+
+// ---- history_1m: the window of the stock history, from the command to its first lines, on a file with a million
+
+LargeRoom& RoomWithHistory() {
+  static LargeRoom room(1000);
+  static const bool filled = [] {
+    room.session.File().Execute(
+        "INSERT INTO MSysStockHistory (Moment, Username, Source, Kind, Database, Color_Name, LotRefID, LotNumber, "
+        "Change, Result, Document, Reason) WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE i < "
+        "1000000) SELECT '2026-03-10 12:00:00', 'ANNA', 1, 1, 'INK', 'BASIC INK ' || (i * 7919 % 60), i % 3, "
+        "iif(i % 3, 'DELIVERY ' || (i % 500), ''), -1.125, 100, 'Batch ' || i, '' FROM n");
+    return true;
+  }();
+  benchmark::DoNotOptimize(filled);
+  return room;
+}
+
+void HistoryOurs(benchmark::State& state) {
+  NeedApplication();
+  LargeRoom& room = RoomWithHistory();
+  desktop::WindowList windows(room.session);
+  desktop::RegisterInventoryWindows(windows);
+  double best = 1e9;
+  std::int64_t n = 0;
+  for (auto unused : state) {
+    // All colours, then one after the other.
+    const auto begin = std::chrono::steady_clock::now();
+    desktop::Window* form =
+        n % 2 == 0 ? windows.OpenForm("StockHistoryForm")
+                   : windows.OpenForm("StockHistoryForm", {{"Color_Name", "BASIC INK " + std::to_string(n % 60)},
+                                                           {"Kind", ColorKind::Basic}});
+    Shown(*form);
+    const double seconds = Seconds(std::chrono::steady_clock::now() - begin).count();
+    if (form->findChild<QTableView*>()->model()->rowCount() < 100) state.SkipWithError("no lines");
+    best = std::min(best, seconds);
+    state.SetIterationTime(seconds);
+    form->Leave();
+    QApplication::processEvents();
+    ++n;
+  }
+  state.counters["ms"] = best * 1000;
+}
+BENCHMARK(HistoryOurs)->Name("history_1m/ours")->UseManualTime()->Unit(benchmark::kMillisecond)->Iterations(20);
+
+// What is allowed.
+void HistoryRaw(benchmark::State& state) {
+  for (auto unused : state) state.SetIterationTime(0.100);
+}
+BENCHMARK(HistoryRaw)->Name("history_1m/raw")->UseManualTime()->Unit(benchmark::kMillisecond)->Iterations(20);
 
 }  // namespace
 }  // namespace vellumark::bench

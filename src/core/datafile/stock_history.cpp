@@ -2,8 +2,6 @@
 
 #include <fmt/format.h>
 
-#include <algorithm>
-#include <limits>
 #include <utility>
 
 #include "core/base/number.h"
@@ -11,38 +9,16 @@
 namespace vellumark {
 namespace {
 
-constexpr std::string_view kTable = "MSysStockHistory";
-constexpr std::string_view kFields =
-    "Moment, Username, Source, Kind, Database, Color_Name, LotRefID, LotNumber, Change, Result, Document, Reason";
-constexpr std::int64_t kNow = std::numeric_limits<std::int64_t>::max();
-constexpr int kWholeDatabase = 0;  // in the place of a kind
+constexpr std::string_view kTable = kStockHistoryTable;
 
 // The decimal that a person reads, as a double.
 double Decimal(float value) {
   return LeadingNumber(ShortestText(value));
 }
 
-StockLine ReadLine(const Statement& row) {
-  StockLine line;
-  line.id = row.Whole(0);
-  line.when = row.Date(1).value_or(DateTime{});
-  line.user = row.Text(2);
-  line.event = static_cast<StockEvent>(row.Whole(3));
-  line.kind = row.Whole(4) == static_cast<int>(ColorKind::Mix) ? ColorKind::Mix : ColorKind::Basic;
-  line.database = row.Text(5);
-  line.Color_Name = row.Text(6);
-  line.LotRefID = static_cast<std::int32_t>(row.Whole(7));
-  line.LotNumber = row.Text(8);
-  line.change = row.Number(9);
-  line.result = row.Single(10);
-  line.document = row.Text(11);
-  line.reason = row.Text(12);
-  return line;
-}
-
 void Insert(Database& file, const StockLine& line, int kind) {
-  static const std::string sql =
-      fmt::format("INSERT INTO {} ({}) VALUES (?1, ?2, ?3, ?4, ?5, ?6, ?7, ?8, ?9, ?10, ?11, ?12)", kTable, kFields);
+  static const std::string sql = fmt::format(
+      "INSERT INTO {} ({}) VALUES (?1, ?2, ?3, ?4, ?5, ?6, ?7, ?8, ?9, ?10, ?11, ?12)", kTable, kStockLineFields);
   file.Prepare(sql)
       .Bind(1, line.when.ToText())
       .Bind(2, line.user)
@@ -84,88 +60,6 @@ std::string StockOf(std::string_view database, ColorKind kind, std::string_view 
       "LotRefID, "
       "LotNumber FROM {} WHERE LotQty <> 0 {}",
       Quoted(TableName(database, ColorTable(kind))), whereColor, Quoted(TableName(database, LotTable(kind))), whereLot);
-}
-
-// A stretch of the trace: the lines under one name with `after` < id < `before`.
-struct Stretch {
-  std::string database;
-  std::string name;
-  std::int64_t after = 0;
-  std::int64_t before = kNow;
-};
-
-// A line at which a name begins or ends.
-struct Turn {
-  std::int64_t id = 0;
-  StockEvent event{};
-  std::string reason;
-};
-
-std::optional<Turn> LastTurn(Database& file, const Stretch& stretch, int kind) {
-  Statement row = file.Prepare(
-      fmt::format("SELECT ID, Source, Reason FROM {} WHERE Color_Name = ?1 AND Kind = ?2 AND Database = ?3 AND ID < ?4 "
-                  "AND Source >= {} ORDER BY ID DESC LIMIT 1",
-                  kTable, static_cast<int>(StockEvent::Renamed)));
-  row.Bind(1, kind == kWholeDatabase ? std::string_view() : std::string_view(stretch.name))
-      .Bind(2, kind)
-      .Bind(3, stretch.database)
-      .Bind(4, stretch.before);
-  if (!row.Step()) return std::nullopt;
-  return Turn{row.Whole(0), static_cast<StockEvent>(row.Whole(1)), row.Text(2)};
-}
-
-bool HasLinesAfter(Database& file, const Stretch& stretch, ColorKind kind, std::int64_t id) {
-  return !file.Scalar(fmt::format("SELECT 1 FROM {} WHERE Color_Name = ?1 AND Kind = ?2 AND Database = ?3 AND ID > ?4 "
-                                  "LIMIT 1",
-                                  kTable),
-                      {stretch.name, static_cast<int>(kind), stretch.database, id})
-              .IsNull();
-}
-
-// The stretches of a colour, the latest first.
-std::vector<Stretch> Stretches(Database& file, Stretch stretch, ColorKind kind, bool present) {
-  std::vector<Stretch> found;
-  for (;;) {
-    auto turn = LastTurn(file, stretch, static_cast<int>(kind));
-    if (turn && turn->event == StockEvent::Renamed && found.empty() && !present &&
-        !HasLinesAfter(file, stretch, kind, turn->id)) {
-      // Only the past bears this name: its last line is the one that tells the new name.
-      Stretch past = stretch;
-      past.before = turn->id;
-      turn = LastTurn(file, past, static_cast<int>(kind));
-    }
-    const auto whole = LastTurn(file, stretch, kWholeDatabase);
-    if (whole && (!turn || whole->id > turn->id)) turn = whole;
-    stretch.after = turn ? turn->id : 0;
-    // The line that gave the name belongs to it.
-    if (turn && turn->event == StockEvent::RenamedFrom) --stretch.after;
-    found.push_back(stretch);
-    if (!turn) return found;
-    if (turn->event == StockEvent::RenamedFrom) {
-      stretch.name = turn->reason;
-    } else if (turn->event == StockEvent::DatabaseRenamedFrom) {
-      stretch.database = turn->reason;
-    } else {
-      return found;
-    }
-    // The line before it is the other one of the pair.
-    stretch.before = turn->id - 1;
-  }
-}
-
-// The stretches of a whole Database, the latest first.
-std::vector<Stretch> DatabaseStretches(Database& file, Stretch stretch) {
-  std::vector<Stretch> found;
-  for (;;) {
-    const auto turn = LastTurn(file, stretch, kWholeDatabase);
-    const bool cameFrom = turn && turn->event == StockEvent::DatabaseRenamedFrom;
-    stretch.after = turn ? turn->id - (cameFrom ? 1 : 0) : 0;
-    found.push_back(stretch);
-    if (!cameFrom) return found;
-    stretch.database = turn->reason;
-    // The line before it is the other one of the pair.
-    stretch.before = turn->id - 1;
-  }
 }
 
 }  // namespace
@@ -217,6 +111,18 @@ double StockDifference(float before, float after) {
   return RoundTo(Decimal(after) - Decimal(before), 9);
 }
 
+bool IndexStockHistory(Database& file) {
+  if (!file.Scalar("SELECT 1 FROM sqlite_master WHERE type='index' AND name=?", {fmt::format("{}_Turn", kTable)})
+           .IsNull())
+    return false;
+  Transaction transaction(file);
+  file.Execute(fmt::format("CREATE INDEX {0}_Turn ON {0} (Color_Name, Kind, Database) WHERE Source >= {1}", kTable,
+                           static_cast<int>(StockEvent::Renamed)));
+  file.Execute(fmt::format("CREATE INDEX {0}_LotNumber ON {0} (LotNumber) WHERE LotRefID <> 0", kTable));
+  transaction.Commit();
+  return true;
+}
+
 void CreateStockHistory(Database& file) {
   Transaction transaction(file);
   file.Execute(
@@ -226,6 +132,7 @@ void CreateStockHistory(Database& file) {
                   "COLLATE NOCASE)",
                   kTable));
   file.Execute(fmt::format("CREATE INDEX {0}_Color_Name ON {0} (Color_Name)", kTable));
+  IndexStockHistory(file);
   transaction.Commit();
 }
 
@@ -305,37 +212,6 @@ void ForEachStockChange(Database& file, const std::function<bool(const StockStep
     more = take({static_cast<StockEvent>(row.Whole(0)),
                  row.Whole(1) == static_cast<int>(ColorKind::Mix) ? ColorKind::Mix : ColorKind::Basic, row.TextView(2),
                  row.TextView(3), static_cast<std::int32_t>(row.Whole(4)), row.Number(5), row.TextView(6)});
-}
-
-std::vector<StockLine> TraceStock(Database& file, std::string_view database, ColorKind kind, std::string_view name,
-                                  bool present) {
-  std::vector<Stretch> stretches = Stretches(file, {std::string(database), std::string(name), 0, kNow}, kind, present);
-  std::reverse(stretches.begin(), stretches.end());
-  Statement row = file.Prepare(fmt::format(
-      "SELECT ID, {} FROM {} WHERE Color_Name = ?1 AND Kind = ?2 AND Database = ?3 AND ID > ?4 AND ID < ?5 ORDER BY ID",
-      kFields, kTable));
-  std::vector<StockLine> lines;
-  for (const Stretch& stretch : stretches) {
-    row.Bind(1, stretch.name).Bind(2, static_cast<int>(kind)).Bind(3, stretch.database);
-    row.Bind(4, stretch.after).Bind(5, stretch.before);
-    while (row.Step()) lines.push_back(ReadLine(row));
-    row.Reset();
-  }
-  return lines;
-}
-
-std::vector<StockLine> DatabaseStockLines(Database& file, std::string_view database) {
-  std::vector<Stretch> stretches = DatabaseStretches(file, {std::string(database), "", 0, kNow});
-  std::reverse(stretches.begin(), stretches.end());
-  Statement row = file.Prepare(
-      fmt::format("SELECT ID, {} FROM {} WHERE Database = ?1 AND ID > ?2 AND ID < ?3 ORDER BY ID", kFields, kTable));
-  std::vector<StockLine> lines;
-  for (const Stretch& stretch : stretches) {
-    row.Bind(1, stretch.database).Bind(2, stretch.after).Bind(3, stretch.before);
-    while (row.Step()) lines.push_back(ReadLine(row));
-    row.Reset();
-  }
-  return lines;
 }
 
 }  // namespace vellumark

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -73,7 +74,16 @@ void ForEachStockChange(Database& file, const std::function<bool(const StockStep
 /// The exact difference of two figures of stock as they read in decimal, so that the changes of a lot add up to it.
 double StockDifference(float before, float after);
 
+inline constexpr std::string_view kStockHistoryTable = "MSysStockHistory";
+/// The fields of a line in the order of StockLine, from `when` on.
+inline constexpr std::string_view kStockLineFields =
+    "Moment, Username, Source, Kind, Database, Color_Name, LotRefID, LotNumber, Change, Result, Document, Reason";
+/// In the place of a kind, where a line is about a whole Database.
+inline constexpr int kWholeDatabase = 0;
+
 void CreateStockHistory(Database& file);
+/// Makes the indexes by which a trail finds names and lots. False when they are there already.
+bool IndexStockHistory(Database& file);
 bool HasStockHistory(Database& file);
 /// Makes the history of a file that has none: a line for every colour and lot of its Databases that holds stock.
 void BeginStockHistory(Database& file, const std::vector<std::string>& databases, const DateTime& when,
@@ -92,12 +102,5 @@ void AddDatabaseRenameLines(Database& file, StockLine line, std::string_view old
 
 /// A Database of that name that is made later begins anew.
 void AddDatabaseDeletedLine(Database& file, StockLine line);
-
-/// The lines of a colour in the order of writing, through every name that it bore. `present` tells whether a colour of
-/// that name exists: then an earlier one that was renamed away is not meant.
-std::vector<StockLine> TraceStock(Database& file, std::string_view database, ColorKind kind, std::string_view name,
-                                  bool present);
-/// All lines of a Database in the order of writing, through every name that it bore.
-std::vector<StockLine> DatabaseStockLines(Database& file, std::string_view database);
 
 }  // namespace vellumark

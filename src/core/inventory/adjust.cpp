@@ -77,12 +77,17 @@ Result<void> CheckLotTexts(const AdjustFields& fields) {
   return {};
 }
 
+// Entries that cancel each other leave nothing.
+void Enter(InventoryRow& row, float quantity) {
+  row.entered = RoundTo(row.entered + static_cast<double>(quantity), 3);
+}
+
 Result<void> AdjustUnlotted(const StockRules& rules, InventoryWork& work, const AdjustFields& fields) {
   float& qty = work.rows.front().now.qty;
   const float quantity = GrossQuantity(fields);
   if (const auto sum = CheckedSum(work.kind, rules, qty, quantity); !sum) return std::unexpected(sum.error());
   qty = UnlottedAfter(PostingSource::ManualAdjust, work.kind, rules, qty, quantity);
-  work.rows.front().entered += static_cast<double>(quantity);
+  Enter(work.rows.front(), quantity);
   return {};
 }
 
@@ -108,7 +113,7 @@ Result<void> AdjustLot(const Session& session, const StockRules& rules, Inventor
   const auto price = PriceOf(session, work, fields, row.now.price);
   if (!price) return std::unexpected(price.error());
   const auto after = LotAfter(PostingSource::ManualAdjust, rules, row.now.qty, quantity);
-  row.entered += static_cast<double>(quantity);
+  Enter(row, quantity);
   if (!after) {
     if (row.key) work.removed.push_back({*row.key, row.onFile.lotNumber, row.onFile.qty, row.entered});
     work.rows.erase(work.rows.begin() + static_cast<std::ptrdiff_t>(index));

@@ -3,8 +3,6 @@
 #include <fmt/format.h>
 
 #include <algorithm>
-#include <set>
-#include <tuple>
 
 #include "core/base/text.h"
 #include "core/inventory/lots.h"
@@ -12,28 +10,16 @@
 namespace vellumark {
 namespace {
 
-std::vector<StockLine> LinesOfColor(const Session& session, const std::string& database,
-                                    const StockHistoryFilter& filter) {
-  std::vector<StockLine> lines;
-  for (const ColorKind kind : {ColorKind::Basic, ColorKind::Mix}) {
-    if (filter.kind && *filter.kind != kind) continue;
-    const bool present = ColorIsThere(session, kind, *filter.name, database);
-    std::vector<StockLine> traced = TraceStock(session.File(), database, kind, *filter.name, present);
-    std::move(traced.begin(), traced.end(), std::back_inserter(lines));
-  }
-  std::sort(lines.begin(), lines.end(), [](const StockLine& a, const StockLine& b) { return a.id < b.id; });
-  return lines;
-}
+using Lot = StockTrail::Lot;
 
-// Whose lot a line is about. Within one colour the reference alone tells, whatever the colour was called.
-using LotKey = std::tuple<ColorKind, std::string, std::int32_t>;
-LotKey KeyOf(const StockLine& line, bool oneColor) {
-  return {line.kind, oneColor ? std::string() : Upper(line.Color_Name), line.LotRefID};
+// Within one colour the reference alone tells a lot, whatever the colour was called.
+Lot KeyOf(ColorKind kind, std::string_view name, std::int32_t ref, bool oneColor) {
+  return {kind, oneColor ? std::string() : Upper(name), ref};
 }
 
 // The lots that bear the number now.
-std::set<LotKey> PresentLots(const Session& session, const std::string& database, const StockHistoryFilter& filter) {
-  std::set<LotKey> present;
+std::set<Lot> PresentLots(const Session& session, const std::string& database, const StockHistoryFilter& filter) {
+  std::set<Lot> present;
   for (const ColorKind kind : {ColorKind::Basic, ColorKind::Mix}) {
     Statement lots = session.File().Prepare(fmt::format("SELECT LotCName, LotRefID FROM {} WHERE LotNumber = ?1{}",
                                                         Quoted(session.Table(LotTable(kind), database)),
@@ -41,47 +27,93 @@ std::set<LotKey> PresentLots(const Session& session, const std::string& database
     lots.Bind(1, Trim(*filter.lot));
     if (filter.name) lots.Bind(2, *filter.name);
     while (lots.Step())
-      present.emplace(kind, filter.name ? std::string() : Upper(lots.TextView(0)),
-                      static_cast<std::int32_t>(lots.Whole(1)));
+      present.insert(KeyOf(kind, lots.TextView(0), static_cast<std::int32_t>(lots.Whole(1)), filter.name.has_value()));
   }
   return present;
 }
 
 // A lot that bears the number now is meant rather than an earlier one of its colour that bore it too.
-void PreferPresent(std::set<LotKey>& wanted, const std::set<LotKey>& present) {
+void PreferPresent(std::set<Lot>& wanted, const std::set<Lot>& present) {
   std::set<std::pair<ColorKind, std::string>> colors;
-  for (const LotKey& key : present)
-    if (wanted.contains(key)) colors.emplace(std::get<0>(key), std::get<1>(key));
-  std::erase_if(wanted, [&](const LotKey& key) {
-    return colors.contains({std::get<0>(key), std::get<1>(key)}) && !present.contains(key);
-  });
-}
-
-void KeepLot(const Session& session, const std::string& database, const StockHistoryFilter& filter,
-             std::vector<StockLine>& lines) {
-  const std::string lot = Trim(*filter.lot);
-  const bool oneColor = filter.name.has_value();
-  const bool unlotted = EqualNoCase(lot, kUnlottedInv);
-  std::set<LotKey> wanted;
-  for (const StockLine& line : lines)
-    if (line.LotRefID != 0 && EqualNoCase(line.LotNumber, lot)) wanted.insert(KeyOf(line, oneColor));
-  if (!unlotted) PreferPresent(wanted, PresentLots(session, database, filter));
-  std::erase_if(lines, [&](const StockLine& line) {
-    if (line.LotRefID == 0) return !unlotted || line.event >= StockEvent::Renamed;
-    return !wanted.contains(KeyOf(line, oneColor));
+  for (const Lot& lot : present)
+    if (wanted.contains(lot)) colors.emplace(std::get<0>(lot), std::get<1>(lot));
+  std::erase_if(wanted, [&](const Lot& lot) {
+    return colors.contains({std::get<0>(lot), std::get<1>(lot)}) && !present.contains(lot);
   });
 }
 
 }  // namespace
 
-std::vector<StockLine> ListStockHistory(const Session& session, const StockHistoryFilter& filter) {
-  if (!HasStockHistory(session.File())) return {};  // a copy for looking, made before there was one
+StockHistoryReader::StockHistoryReader(const Session& session, const StockHistoryFilter& filter)
+    : kind_(filter.kind), oneColor_(filter.name.has_value()) {
+  Database& file = session.File();
+  if (!HasStockHistory(file)) return;  // a copy for looking, made before there was one
   const std::string& database = filter.database.empty() ? session.CurrentDatabase : filter.database;
-  std::vector<StockLine> lines =
-      filter.name ? LinesOfColor(session, database, filter) : DatabaseStockLines(session.File(), database);
-  if (!filter.name && filter.kind)
-    std::erase_if(lines, [&](const StockLine& line) { return line.kind != *filter.kind; });
-  if (filter.lot) KeepLot(session, database, filter, lines);
+  if (!filter.name) AddTrail(StockTrail::OfDatabase(file, database));
+  for (const ColorKind kind : {ColorKind::Basic, ColorKind::Mix})
+    if (filter.name && (!filter.kind || *filter.kind == kind))
+      AddTrail(
+          StockTrail::OfColor(file, database, kind, *filter.name, ColorIsThere(session, kind, *filter.name, database)));
+  if (filter.lot) ChooseLots(session, database, filter);
+}
+
+void StockHistoryReader::AddTrail(StockTrail trail) {
+  parts_.push_back({std::move(trail)});
+}
+
+void StockHistoryReader::ChooseLots(const Session& session, const std::string& database,
+                                    const StockHistoryFilter& filter) {
+  const std::string number = Trim(*filter.lot);
+  lots_.emplace();
+  unlotted_ = EqualNoCase(number, kUnlottedInv);
+  if (unlotted_) return;
+  for (const Part& part : parts_)
+    for (const auto& [kind, name, ref] : part.trail.LotsOfNumber(number))
+      lots_->insert(KeyOf(kind, name, ref, oneColor_));
+  PreferPresent(*lots_, PresentLots(session, database, filter));
+  if (oneColor_ && !lots_->empty()) return;
+  // The lines of a few colours instead of all.
+  parts_.clear();
+  std::set<std::pair<ColorKind, std::string>> colors;
+  for (const auto& [kind, name, ref] : *lots_) colors.emplace(kind, name);
+  for (const auto& [kind, name] : colors) AddTrail(StockTrail::OfName(session.File(), database, kind, name));
+}
+
+bool StockHistoryReader::IsWanted(const StockLine& line) const {
+  if (kind_ && line.kind != *kind_) return false;
+  if (!lots_) return true;
+  if (line.LotRefID == 0) return unlotted_ && line.event < StockEvent::Renamed;
+  return lots_->contains(KeyOf(line.kind, line.Color_Name, line.LotRefID, oneColor_));
+}
+
+bool StockHistoryReader::ReadOn(std::vector<StockLine>& lines) {
+  for (Part& part : parts_) {
+    if (part.taken < part.ahead.size() || !part.more) continue;
+    part.ahead.clear();
+    part.taken = 0;
+    part.more = part.trail.ReadOn(part.ahead);
+  }
+  // The latest of all parts follows, as long as each has shown what it goes on with.
+  for (;;) {
+    Part* next = nullptr;
+    for (Part& part : parts_) {
+      if (part.taken == part.ahead.size()) {
+        if (part.more) return true;
+      } else if (next == nullptr || part.ahead[part.taken].id > next->ahead[next->taken].id) {
+        next = &part;
+      }
+    }
+    if (next == nullptr) return false;
+    StockLine& line = next->ahead[next->taken++];
+    if (IsWanted(line)) lines.push_back(std::move(line));
+  }
+}
+
+std::vector<StockLine> ListStockHistory(const Session& session, const StockHistoryFilter& filter) {
+  std::vector<StockLine> lines;
+  StockHistoryReader reader(session, filter);
+  while (reader.ReadOn(lines)) continue;
+  std::ranges::reverse(lines);
   return lines;
 }
 

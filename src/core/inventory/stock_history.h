@@ -1,10 +1,11 @@
 #pragma once
 
 #include <optional>
+#include <set>
 #include <string>
 #include <vector>
 
-#include "core/datafile/stock_history.h"
+#include "core/datafile/stock_trail.h"
 #include "core/session/session.h"
 
 namespace vellumark {
@@ -19,8 +20,36 @@ struct StockHistoryFilter {
   std::optional<std::string> lot{};
 };
 
-/// The lines in the order in which they were written. Those of one colour are followed through its renames and add up
-/// to its stock; without a name they are all lines of the Database, which is followed through its own.
+/// The lines, the latest first, read in pieces. Those of one colour are followed through its renames and add up to its
+/// stock; without a name they are all lines of the Database, which is followed through its own. Reads from the file
+/// that was open when it was made.
+class StockHistoryReader {
+ public:
+  StockHistoryReader() = default;  ///< of nothing
+  StockHistoryReader(const Session& session, const StockHistoryFilter& filter);
+
+  /// Appends those of the next piece that are wanted, perhaps none; false when no more can come.
+  bool ReadOn(std::vector<StockLine>& lines);
+
+ private:
+  struct Part {
+    StockTrail trail;
+    std::vector<StockLine> ahead{};  ///< read and not yet taken
+    std::size_t taken = 0;
+    bool more = true;
+  };
+  void AddTrail(StockTrail trail);
+  void ChooseLots(const Session& session, const std::string& database, const StockHistoryFilter& filter);
+  bool IsWanted(const StockLine& line) const;
+
+  std::vector<Part> parts_;
+  std::optional<ColorKind> kind_;
+  bool oneColor_ = false;
+  bool unlotted_ = false;
+  std::optional<std::set<StockTrail::Lot>> lots_;
+};
+
+/// All of them in the order in which they were written.
 std::vector<StockLine> ListStockHistory(const Session& session, const StockHistoryFilter& filter);
 
 }  // namespace vellumark

@@ -16,6 +16,7 @@
 #include "core/datafile/databases.h"
 #include "core/datafile/lifecycle.h"
 #include "core/datafile/stock_history.h"
+#include "core/datafile/stock_joins.h"
 #include "core/session/users.h"
 #include "core/settings/settings_keys.h"
 #include "core/settings/support_files.h"
@@ -146,9 +147,14 @@ void OpenContent(Session& session, const FileInfoRow& info, OpeningWindows& wind
   session.DataFileOpen = true;
   session.databaseList = info.dbList;
   TellWhatIsUnsound(session);
-  if (!session.ArchiveView) CompleteIndexes(session.File(), info.dbList);
-  if (!session.ArchiveView && !HasStockHistory(session.File()))
-    BeginStockHistory(session.File(), info.dbList, session.clock.Now(), session.CurrentUser);
+  if (!session.ArchiveView) {
+    CompleteIndexes(session.File(), info.dbList);
+    if (HasStockHistory(session.File())) {
+      BringStockHistoryUpToDate(session.File(), info.dbList);
+    } else {
+      BeginStockHistory(session.File(), info.dbList, session.clock.Now(), session.CurrentUser);
+    }
+  }
   const auto logIn = [&] { UsersEnabled(session) ? windows.Login(session) : LogInWithoutUsers(session); };
   if (info.dbList.empty()) {
     MakeFirstDatabase(session);

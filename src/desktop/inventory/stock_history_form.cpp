@@ -1,6 +1,11 @@
 #include "desktop/inventory/stock_history_form.h"
 
+#include <QElapsedTimer>
 #include <QLocale>
+#include <algorithm>
+#include <functional>
+#include <iterator>
+#include <utility>
 
 #include "core/base/number.h"
 #include "core/base/text.h"
@@ -17,16 +22,59 @@ namespace {
 enum Column { When, Who, Event, ColorName, Kind, Lot, Difference, Left, Document, Reason };
 
 constexpr int kLotLength = 30;
+constexpr std::size_t kScreen = 200;  // lines, more than a window shows
+constexpr qint64 kMoment = 20;        // milliseconds
 
 }  // namespace
 
+// The latest line first, read as far as it is looked at.
 class StockHistoryForm::Source : public GridSource {
  public:
-  std::vector<StockLine> lines;
+  void Show(std::function<StockHistoryReader()> begin) {
+    begin_ = std::move(begin);
+    onlyNewer_ = false;
+  }
+  /// What is read next comes before what is there, which stays.
+  void ReadOnlyNewer() { onlyNewer_ = true; }
 
-  int Rows() const override { return static_cast<int>(lines.size()); }
+  bool BeginReading(std::function<bool(int row)> keep) override {
+    keep_ = std::move(keep);
+    if (std::exchange(onlyNewer_, false)) {
+      ReadNewer();
+      standsAsItWas_ = true;
+      return true;
+    }
+    lines_.clear();
+    newest_ = 0;
+    reader_ = begin_ ? begin_() : StockHistoryReader();
+    more_ = true;
+    return true;
+  }
+  bool ReadOn() override {
+    if (std::exchange(standsAsItWas_, false)) return more_;
+    const std::size_t enough = lines_.size() + kScreen;
+    QElapsedTimer time;
+    time.start();
+    while (more_ && lines_.size() < enough && time.elapsed() < kMoment) {
+      std::vector<StockLine> piece;
+      more_ = reader_.ReadOn(piece);
+      if (!piece.empty()) newest_ = std::max(newest_, piece.front().id);
+      Keep(piece);
+    }
+    return more_;
+  }
+  bool IsSortedBy(const GridSort& sort) const override {
+    return sort.column < 0 || (sort.column == When && sort.descending);
+  }
+  std::int64_t Key(int row) const override { return lines_.at(static_cast<std::size_t>(row)).id; }
+  int RowOf(std::int64_t key) const override {
+    const auto found = std::ranges::lower_bound(lines_, key, std::greater{}, &StockLine::id);
+    return found == lines_.end() || found->id != key ? -1 : static_cast<int>(found - lines_.begin());
+  }
+
+  int Rows() const override { return static_cast<int>(lines_.size()); }
   std::string Text(int row, int column) const override {
-    const StockLine& line = lines.at(static_cast<std::size_t>(row));
+    const StockLine& line = lines_.at(static_cast<std::size_t>(row));
     switch (column) {
       case When:
         return line.when.ToText().substr(0, 16);
@@ -53,7 +101,7 @@ class StockHistoryForm::Source : public GridSource {
     }
   }
   double Number(int row, int column) const override {
-    const StockLine& line = lines.at(static_cast<std::size_t>(row));
+    const StockLine& line = lines_.at(static_cast<std::size_t>(row));
     switch (column) {
       case When:
         return static_cast<double>(line.id);  // the order of writing
@@ -65,6 +113,38 @@ class StockHistoryForm::Source : public GridSource {
         return kNoNumber;
     }
   }
+
+ private:
+  void Keep(std::vector<StockLine>& piece) {
+    for (StockLine& line : piece) {
+      lines_.push_back(std::move(line));
+      if (keep_ && !keep_(static_cast<int>(lines_.size()) - 1)) lines_.pop_back();
+    }
+  }
+
+  void ReadNewer() {
+    std::vector<StockLine> older;
+    older.swap(lines_);
+    StockHistoryReader reader = begin_ ? begin_() : StockHistoryReader();
+    const std::int64_t known = newest_;
+    for (bool newer = true; newer;) {
+      std::vector<StockLine> piece;
+      newer = reader.ReadOn(piece) && (piece.empty() || piece.back().id > known);
+      std::erase_if(piece, [&](const StockLine& line) { return line.id <= known; });
+      if (!piece.empty()) newest_ = std::max(newest_, piece.front().id);
+      Keep(piece);
+    }
+    std::ranges::move(older, std::back_inserter(lines_));
+  }
+
+  std::vector<StockLine> lines_;
+  std::function<StockHistoryReader()> begin_;
+  std::function<bool(int row)> keep_;
+  StockHistoryReader reader_;
+  std::int64_t newest_ = 0;  // that was read, kept or not
+  bool more_ = false;
+  bool onlyNewer_ = false;
+  bool standsAsItWas_ = false;
 };
 
 StockHistoryForm::StockHistoryForm(WindowList& windowList)
@@ -108,6 +188,7 @@ StockHistoryForm::StockHistoryForm(WindowList& windowList)
   list_->setAccessibleName(tr("Stock history"));
   form.Wide(list_, 1);
   form.ButtonsWithoutDefault({form.Button("cmdClose", tr("Close"))});
+  connect(&list_->Model(), &GridModel::RowsRead, this, [this] { ShowCount(); });
   connect(name_, &NameBox::Picked, this, [this] { cmdFind_Click(); });
 }
 
@@ -142,10 +223,16 @@ void StockHistoryForm::ShowLines() {
   filter.name = shownName_;
   filter.kind = shownKind_;
   if (const std::string lot = Trim(lot_->Text()); !lot.empty()) filter.lot = lot;
-  source_->lines = ListStockHistory(session, filter);
+  source_->Show([this, filter] { return StockHistoryReader(session, filter); });
   list_->Refresh();
-  const auto lines = static_cast<qlonglong>(source_->lines.size());
-  count_->setText(lines == 1 ? tr("1 line") : tr("%1 lines").arg(QLocale().toString(lines)));
+}
+
+void StockHistoryForm::ShowCount() {
+  const QString lines = QLocale().toString(source_->Rows());
+  if (list_->Model().canFetchMore())
+    count_->setText(tr("The latest %1 lines").arg(lines));
+  else
+    count_->setText(source_->Rows() == 1 ? tr("1 line") : tr("%1 lines").arg(lines));
 }
 
 // Of two colours of one name the other one's rename leaves the name; it is followed when no colour bears it any more.
@@ -165,7 +252,11 @@ void StockHistoryForm::OnChanges(const std::vector<Change>& changes) {
       name_->SetText(change.newName);
     }
   }
-  ShowLines();
+  const bool onlyStock =
+      std::ranges::all_of(changes, [](const Change& change) { return change.what == Change::What::Updated; });
+  if (!onlyStock || !Trim(lot_->Text()).empty()) return ShowLines();
+  source_->ReadOnlyNewer();
+  list_->Refresh();
 }
 
 }  // namespace vellumark::desktop

@@ -28,6 +28,7 @@ class StockHistoryForm : public Window {
   class Source;
   bool IsShown(const Change& change) const;
   void ShowLines();
+  void ShowCount();
 
   std::optional<std::string> shownName_;
   std::optional<ColorKind> shownKind_;

@@ -72,11 +72,12 @@ Grid::Grid(const QString& name) {
 template <class F>
 void Grid::KeepingPlace(F change) {
   const int row = CurrentRow();
+  const std::int64_t key = row < 0 ? -1 : model_.Source()->Key(row);
   const int column = std::max(view_->currentIndex().column(), 0);
   const int across = view_->horizontalScrollBar()->value();
   change();
-  const int shown =
-      row < 0 || row >= (model_.Source() == nullptr ? 0 : model_.Source()->Rows()) ? -1 : model_.ShownRow(row);
+  const int now = row < 0 || model_.Source() == nullptr ? -1 : model_.Source()->RowOf(key);
+  const int shown = now < 0 ? -1 : model_.ShownRow(now);
   if (shown >= 0) view_->setCurrentIndex(model_.index(shown, column));
   view_->horizontalScrollBar()->setValue(across);
   totals_->update();

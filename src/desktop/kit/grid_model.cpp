@@ -1,5 +1,7 @@
 #include "desktop/kit/grid_model.h"
 
+#include <QGuiApplication>
+#include <QTimer>
 #include <algorithm>
 #include <compare>
 #include <iterator>
@@ -10,6 +12,8 @@
 
 namespace vellumark::desktop {
 namespace {
+
+constexpr int kFirstRows = 100;  // more than a window shows
 
 /// The keys of one column, read once.
 class SortKeys {
@@ -74,17 +78,64 @@ void GridModel::Refresh() {
   beginResetModel();
   haystack_.clear();
   rowStarts_.clear();
+  BeginReading();
   SortRows();
   FilterRows();
   endResetModel();
+  if (onDemand_) Q_EMIT RowsRead();
+}
+
+void GridModel::BeginReading() {
+  std::function<bool(int)> keep;
+  if (!words_.empty()) {
+    keep = [this](int row) {
+      const std::string text = RowText(row);
+      return std::ranges::all_of(words_, [&](const std::string& word) { return text.find(word) != text.npos; });
+    };
+  }
+  onDemand_ = source_ != nullptr && source_->BeginReading(std::move(keep));
+  more_ = onDemand_ && source_->ReadOn();
+  ReadWhatTheSortNeeds();
+}
+
+void GridModel::ReadWhatTheSortNeeds() {
+  if (!more_ || source_->IsSortedBy(sort_)) return;
+  QGuiApplication::setOverrideCursor(Qt::WaitCursor);
+  while (source_->ReadOn()) continue;
+  more_ = false;
+  QGuiApplication::restoreOverrideCursor();
+}
+
+void GridModel::fetchMore(const QModelIndex& parent) {
+  if (!canFetchMore(parent)) return;
+  more_ = source_->ReadOn();
+  const int rows = source_->Rows();
+  const int before = static_cast<int>(sorted_.size());
+  if (rows > before) {
+    beginInsertRows({}, before, rows - 1);
+    for (int row = before; row < rows; ++row) sorted_.push_back(row);
+    shown_ = sorted_;
+    endInsertRows();
+  }
+  if (more_ && !goesOn_ && (rows == before || rows < kFirstRows)) {
+    // Little in this stretch: no view asks again for rows that it did not get.
+    goesOn_ = true;
+    QTimer::singleShot(0, this, [this] {
+      goesOn_ = false;
+      fetchMore({});
+    });
+  }
+  Q_EMIT RowsRead();
 }
 
 void GridModel::SetSort(const GridSort& sort) {
   beginResetModel();
   sort_ = sort;
+  ReadWhatTheSortNeeds();
   SortRows();
   FilterRows();
   endResetModel();
+  if (onDemand_) Q_EMIT RowsRead();
 }
 
 void GridModel::SetFilter(const QString& text) {
@@ -93,8 +144,9 @@ void GridModel::SetFilter(const QString& text) {
     if (!word.empty()) words.emplace_back(word);
   }
   if (words == words_) return;
-  beginResetModel();
   words_ = std::move(words);
+  if (onDemand_) return Refresh();
+  beginResetModel();
   FilterRows();
   endResetModel();
 }
@@ -108,7 +160,7 @@ void GridModel::SortRows() {
   sorted_.resize(source_ == nullptr ? 0 : static_cast<std::size_t>(source_->Rows()));
   std::iota(sorted_.begin(), sorted_.end(), 0);
   const int columns = static_cast<int>(columns_.size());
-  if (source_ == nullptr || sort_.column < 0 || sort_.column >= columns) return;
+  if (source_ == nullptr || sort_.column < 0 || sort_.column >= columns || source_->IsSortedBy(sort_)) return;
   const auto begin = sorted_.begin() + std::min<std::ptrdiff_t>(source_->FixedRows(), std::ssize(sorted_));
   const SortKeys first(*source_, Column(sort_.column), sort_.column, sort_.descending);
   if (sort_.second < 0 || sort_.second >= columns) {
@@ -126,23 +178,27 @@ void GridModel::MakeHaystack() {
   if (!rowStarts_.empty() || source_ == nullptr) return;
   const int rows = source_->Rows();
   rowStarts_.reserve(static_cast<std::size_t>(rows) + 1);
-  std::string row;
-  for (int r = 0; r < rows; ++r) {
+  for (int row = 0; row < rows; ++row) {
     rowStarts_.push_back(haystack_.size());
-    row.clear();
-    for (std::size_t c = 0; c < columns_.size(); ++c) {
-      if (columns_[c].width == 0 || !columns_[c].shown) continue;
-      row += source_->Text(r, static_cast<int>(c));
-      row += '\t';
-    }
-    haystack_ += Upper(row);
+    haystack_ += RowText(row);
     haystack_ += '\n';
   }
   rowStarts_.push_back(haystack_.size());
 }
 
+// What the filter looks through: the visible text of a row, in capitals.
+std::string GridModel::RowText(int row) const {
+  std::string text;
+  for (std::size_t c = 0; c < columns_.size(); ++c) {
+    if (columns_[c].width == 0 || !columns_[c].shown) continue;
+    text += source_->Text(row, static_cast<int>(c));
+    text += '\t';
+  }
+  return Upper(text);
+}
+
 void GridModel::FilterRows() {
-  if (words_.empty()) {
+  if (words_.empty() || onDemand_) {
     shown_ = sorted_;
     return;
   }

@@ -10,17 +10,9 @@
 
 namespace vellumark::desktop {
 
-/// The sort of a grid: one column, and a second one among rows that are equal in the first.
-struct GridSort {
-  int column = -1;  ///< -1: the source's own order
-  bool descending = false;
-  int second = -1;
-  bool secondDescending = false;
-  bool operator==(const GridSort&) const = default;
-};
-
 /// Rows of a source, sorted and filtered by index. The keys of a sort and the text that a filter looks through are read
-/// from the source once.
+/// from the source once. A source that reads on demand keeps only what the filter wants, and is read as far as the
+/// operator scrolls; another order than its own needs all of it.
 class GridModel : public QAbstractTableModel {
   Q_OBJECT
 
@@ -51,8 +43,12 @@ class GridModel : public QAbstractTableModel {
   QVariant headerData(int section, Qt::Orientation orientation, int role) const override;
   Qt::ItemFlags flags(const QModelIndex& index) const override;
   bool setData(const QModelIndex& index, const QVariant& value, int role) override;
+  bool canFetchMore(const QModelIndex& parent = {}) const override { return !parent.isValid() && more_; }
+  void fetchMore(const QModelIndex& parent = {}) override;
 
  Q_SIGNALS:
+  /// A source that reads on demand has read.
+  void RowsRead();
   void Edited(int sourceRow, int column);
   void EditRefused(const Refusal& refusal);
 
@@ -60,11 +56,17 @@ class GridModel : public QAbstractTableModel {
   void SortRows();
   void FilterRows();
   void MakeHaystack();
+  void BeginReading();
+  void ReadWhatTheSortNeeds();
+  std::string RowText(int row) const;
 
   std::vector<GridColumn> columns_;
   std::shared_ptr<GridSource> source_;
   GridSort sort_;
   std::vector<std::string> words_;  ///< of the filter, in capitals
+  bool onDemand_ = false;
+  bool more_ = false;    ///< may still be read
+  bool goesOn_ = false;  ///< reads again without being asked
   std::vector<int> sorted_;
   std::vector<int> shown_;
   std::string haystack_;                ///< the visible text of all rows, in capitals

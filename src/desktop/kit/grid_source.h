@@ -3,6 +3,8 @@
 #include <QColor>
 #include <QString>
 #include <cmath>
+#include <cstdint>
+#include <functional>
 #include <limits>
 #include <optional>
 #include <string>
@@ -47,6 +49,15 @@ struct GridColumn {
   }
 };
 
+/// The sort of a grid: one column, and a second one among rows that are equal in the first.
+struct GridSort {
+  int column = -1;  ///< -1: the source's own order
+  bool descending = false;
+  int second = -1;
+  bool secondDescending = false;
+  bool operator==(const GridSort&) const = default;
+};
+
 inline constexpr double kNoNumber = std::numeric_limits<double>::quiet_NaN();
 
 /// Where a grid's cells come from. Cells are asked for when they are painted, sorted or searched, so the source may be
@@ -59,6 +70,18 @@ class GridSource {
   virtual int FixedRows() const { return 0; }
   /// As shown.
   virtual std::string Text(int row, int column) const = 0;
+
+  /// A source that reads its rows on demand begins anew, with only those that `keep` agrees to (all of them without
+  /// it), asked while the row is the last one. False of one whose rows are all there.
+  virtual bool BeginReading(std::function<bool(int row)>) { return false; }
+  /// Reads further rows behind those that are there, for a moment at most; false when no more can come.
+  virtual bool ReadOn() { return false; }
+  /// Whether its rows stand in that order already.
+  virtual bool IsSortedBy(const GridSort& sort) const { return sort.column < 0; }
+  /// What names a row when others have come before it; -1 when it has gone.
+  virtual std::int64_t Key(int row) const { return row; }
+  virtual int RowOf(std::int64_t key) const { return key < Rows() ? static_cast<int>(key) : -1; }
+
   /// What a column of numbers or dates is sorted by; kNoNumber for an empty cell. Without an own answer, the number
   /// that the text is.
   virtual double Number(int row, int column) const;

@@ -4,7 +4,7 @@
 #include <random>
 
 #include "core/base/number.h"
-#include "core/datafile/stock_history.h"
+#include "core/inventory/stock_history.h"
 #include "support/stock_room.h"
 
 namespace vellumark::test {
@@ -382,7 +382,7 @@ float ValueOf(const ModelColor& color) {
 void ExpectHistoryAddsUp(StockRoom& room, ColorKind kind, const std::string& name, const ModelColor& color) {
   std::map<std::int32_t, double> sums;
   std::map<std::int32_t, float> results;
-  for (const StockLine& line : TraceStock(room.session.File(), "INK", kind, name, true)) {
+  for (const StockLine& line : ListStockHistory(room.session, {.name = name, .kind = kind})) {
     sums[line.LotRefID] += line.change;
     EXPECT_EQ(RoundSingle(sums[line.LotRefID], 3), line.result) << name << " line " << line.id;
     results[line.LotRefID] = line.result;

@@ -556,6 +556,63 @@ TEST_F(AdjustInventoryTest, TheHistoryTellsWhyThereIsWhatThereIs) {
   EXPECT_EQ(lines.ShownRows().size(), 0U);
 }
 
+TEST_F(AdjustInventoryTest, ALongHistoryIsReadAsFarAsItIsLookedAt) {
+  constexpr int kLines = 20000;
+  Color(ColorKind::Basic, "RED", 0);
+  Color(ColorKind::Basic, "BLUE", 0);
+  session.File()
+      .Prepare(
+          "INSERT INTO MSysStockHistory (Moment, Source, Kind, Database, Color_Name, LotRefID, LotNumber, Change, "
+          "Result, Document, Reason) WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE i < ?1) "
+          "SELECT '2026-03-01 08:00:00', 7, 1, 'INK', iif(i % 2, 'RED', 'BLUE'), i % 10 = 0, iif(i % 10, '', 'A'), "
+          "iif(i % 4 < 2, 1, -1), i % 4 < 2, '', iif(i % 5000 = 7, 'the Odd one ' || i, '') FROM n")
+      .Bind(1, kLines)
+      .Run();
+  desktop::Window* history = windows.OpenForm("StockHistoryForm");
+  ShowActive(*history);
+  auto& lines = Control<desktop::Grid>(*history, "fgHistory");
+  const auto count = [&] { return Control<QLabel>(*history, "lblCount").text(); };
+  const auto id = [&](int row) {
+    return lines.Model().Source()->Key(lines.ShownRows().at(static_cast<std::size_t>(row)));
+  };
+  const auto settled = [&] { return QTest::qWaitFor([&] { return !lines.Model().canFetchMore(); }, 20000); };
+  EXPECT_LT(lines.ShownRows().size(), 2000U);
+  EXPECT_TRUE(count().startsWith("The latest "));
+  EXPECT_EQ(id(0), kLines);
+  const std::size_t first = lines.ShownRows().size();
+  lines.View().scrollToBottom();
+  EXPECT_TRUE(QTest::qWaitFor([&] { return lines.ShownRows().size() > first; }, 5000));
+  EXPECT_EQ(id(static_cast<int>(first)), kLines - static_cast<int>(first));
+
+  // The filter looks through all of it, on the way.
+  Type(Control(*history, "fgHistory_Filter"), "ODD one");
+  EXPECT_TRUE(settled());
+  ASSERT_EQ(lines.ShownRows().size(), 4U);
+  EXPECT_EQ(id(3), 7);
+  EXPECT_EQ(count(), "4 lines");
+  lines.SetCurrentRow(lines.ShownRows()[2]);
+  const auto current = id(2);
+  PostStock(session, {PostingSource::ScanReturn, ColorKind::Basic, "RED", {}, 4, {}, false, {}});
+  windows.DeliverChanges();
+  EXPECT_TRUE(settled());
+  EXPECT_EQ(lines.Model().Source()->Key(lines.CurrentRow()), current);
+  Control<QLineEdit>(*history, "fgHistory_Filter").clear();
+
+  // Another order than its own needs all lines.
+  lines.ClickCaption(6, false);
+  EXPECT_EQ(lines.ShownRows().size(), static_cast<std::size_t>(kLines) + 1);
+  lines.ClickCaption(6, false);
+  EXPECT_EQ(id(0), kLines + 1) << "the largest first";
+  lines.SetSort({0, true});
+  Fill(*history, "cmbColorName", "BLUE");
+  Fill(*history, "txtLotNumber", "a");
+  Click(*history, "cmdFind");
+  lines.SetSort({6, false});
+  EXPECT_EQ(lines.ShownRows().size(), static_cast<std::size_t>(kLines) / 10);
+  EXPECT_EQ(count(), QLocale().toString(kLines / 10) + " lines");
+  Breaks("StockHistory");
+}
+
 TEST_F(AdjustInventoryTest, WhatMovedMeanwhileStaysMoved) {
   Color(ColorKind::Basic, "RED", 100);
   Open();
@@ -580,8 +637,7 @@ TEST_F(AdjustInventoryTest, TheHistoryOfOneOfTwoColorsOfANameStaysWithIt) {
   Color(ColorKind::Basic, "RED", 0);
   Color(ColorKind::Mix, "RED", 0);
   PostStock(session, {PostingSource::ScanReturn, ColorKind::Basic, "RED", {}, 4, {}});
-  desktop::Window* history =
-      windows.OpenForm("StockHistoryForm", {{"Color_Name", "RED"}, {"Kind", ColorKind::Basic}});
+  desktop::Window* history = windows.OpenForm("StockHistoryForm", {{"Color_Name", "RED"}, {"Kind", ColorKind::Basic}});
   ShowActive(*history);
   auto& name = Control<QLineEdit>(*history, "cmbColorName");
   auto& lines = Control<desktop::Grid>(*history, "fgHistory");
