@@ -156,7 +156,7 @@ int RunChosen(const GlobalOptions& options, const Commands& commands) {
     const Result<Json> answer = commands.chosen(context);
     if (!answer) return Report(answer.error(), options.json, "refused", ExitRefused);
     // A command is a session of its own: what it left stale in the formulas is brought up to date before it ends.
-    RunPendingPasses(session);
+    RunPendingPassesOrTell(session);
     progress.End();
     const std::string text = options.json           ? answer->dump(2, ' ', false, Json::error_handler_t::replace) + "\n"
                              : context.text.empty() ? ReadableText(*answer)

@@ -20,6 +20,7 @@ void SetVersion(const fs::path& path, int version) {
 
 TEST(CliFiles, EachUnusableFileSaysWhichAndWhyAndStaysAsItIs) {
   const test::CliRoom room;
+  room.folder.Breaks("Structure");
   const fs::path good = room.MakeFile();
   const auto copy = [&](const std::string& name) {
     const fs::path to = room.folder / name;
@@ -109,6 +110,7 @@ TEST(CliFiles, AFileThatIsHeldOrArchivedRefusesWriting) {
 
 TEST(CliFiles, CreateInfoCheckCompact) {
   const test::CliRoom room;
+  room.folder.Breaks("Parts");
   const std::string path = room.MakeFile();
   EXPECT_EQ(room.Run({"file", "create", path}).status, 4);
   EXPECT_EQ(room.Run({"file", "create", (room.folder / "x.txt").string()}).status, 1);
@@ -130,6 +132,7 @@ TEST(CliFiles, CreateInfoCheckCompact) {
 
 TEST(CliFiles, AFigureThatIsNoNumberIsNamedOnceWhereverItIsRead) {
   const test::CliRoom room;
+  room.folder.Breaks("Fields");
   const std::string path = room.MakeFile();
   room.Json({"color", "add", "RED", "PurchaseCost=4.5"});
   room.Json({"color", "add", "BLUE"});

@@ -13,7 +13,7 @@
 #include <vector>
 
 #include "core/base/files.h"
-#include "support/scratch.h"
+#include "support/sound.h"
 
 namespace vellumark::test {
 
@@ -80,7 +80,7 @@ class CliRoom {
     return answer.status == 0 ? answer.Json() : nlohmann::ordered_json{};
   }
 
-  ScratchFolder folder;
+  SoundFolder folder;
 
  private:
   static void Redirect(const std::filesystem::path& path, int flags, int onto) {

@@ -16,7 +16,7 @@
 #include "core/session/users.h"
 #include "core/settings/support_files.h"
 #include "core/shell/startup.h"
-#include "support/scratch.h"
+#include "support/sound.h"
 
 namespace vellumark::test {
 
@@ -130,7 +130,7 @@ struct DataFileRoom {
     CreateEmptyDatabase(*file, "INK");
     file->Execute("UPDATE FileInfo SET FileVersion = " + std::to_string(version));
   }
-  ScratchFolder folder;
+  SoundFolder folder;
   ScriptedPrompt prompt;
   NoProgress progress;
   FixedClock clock{DateTime{2026, 3, 10, 9, 0, 0}};

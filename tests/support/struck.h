@@ -67,9 +67,12 @@ inline void MarkStep() {
   ::raise(SIGSTOP);
 }
 
+enum class Strike { Once, FromThereOn };
+
 /// Runs `work` in a child of this process. Its file operation number `nth` after the first mark, from 1, fails with
-/// `error` or is never made because the child is killed there. `work` may become another program.
-inline StruckRun RunStruck(int nth, int error, const std::function<int()>& work) {
+/// `error`, alone or with all that follow, or is never made because the child is killed there. `work` may become another
+/// program.
+inline StruckRun RunStruck(int nth, int error, const std::function<int()>& work, Strike strike = Strike::Once) {
   const pid_t child = ::fork();
   if (child == 0) {
     Trace(PTRACE_TRACEME, 0, 0, 0);
@@ -101,7 +104,8 @@ inline StruckRun RunStruck(int nth, int error, const std::function<int()>& work)
     __ptrace_syscall_info info{};
     Trace(PTRACE_GET_SYSCALL_INFO, child, sizeof info, &info);
     user_regs_struct registers{};
-    if (info.op == PTRACE_SYSCALL_INFO_ENTRY && counts && IsFileOperation(info) && ++operations == nth) {
+    if (info.op == PTRACE_SYSCALL_INFO_ENTRY && counts && IsFileOperation(info) &&
+        (++operations == nth || (strike == Strike::FromThereOn && operations > nth))) {
       run.struck = true;
       if (error == kKilled) {
         ::kill(child, SIGKILL);

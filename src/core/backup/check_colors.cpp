@@ -1,6 +1,9 @@
 #include <fmt/format.h>
 
+#include <algorithm>
+#include <array>
 #include <cmath>
+#include <span>
 
 #include "core/backup/check_run.h"
 #include "core/base/number.h"
@@ -8,6 +11,7 @@
 #include "core/colors/additive_sets.h"
 #include "core/colors/figure_book.h"
 #include "core/colors/normalise.h"
+#include "core/datafile/pending_rollups.h"
 #include "core/datafile/references.h"
 
 // What holds of recipes, of the figures that follow from them, and of the texts by which they are searched.
@@ -132,23 +136,26 @@ void CheckFormulaTotals(CheckRun& run) {
 }
 
 void CheckRollUps(CheckRun& run) {
+  constexpr std::array kEmissionDecimals{3};
+  // The accuracy is a setting of the machine; a file that was written under another one is no worse for it.
+  const std::array costDecimals{run.session.DecimalPlaces, 2, 3, 4};
   for (const std::string& database : run.Databases()) {
     const std::string table = TableName(database, schema::Mix);
     FigureBook book(run.session, database);
-    const bool current = EqualNoCase(database, run.session.CurrentDatabase);
-    const auto pending = [&](bool flag) { return current && flag; };
-    const Session& session = run.session;
+    RollUpWanted stale;
+    for (const PendingRollUps& pending : ReadPendingRollUps(run.file))
+      if (EqualNoCase(pending.database, database)) stale = pending.stale;
     ForEachCheckedFormula(run, database, [&](const CheckedFormula& formula) {
-      const RolledUp fresh = book.RollUp(FilledSlots(formula));
-      const auto check = [&](std::string_view field, float stored, float rolledUp, bool isPending) {
-        if (stored != rolledUp && !isPending)
+      const RolledUp sum = book.Sum(FilledSlots(formula));
+      const auto check = [&](std::string_view field, float stored, float rolledUp, std::span<const int> decimals) {
+        if (std::ranges::none_of(decimals, [&](int places) { return stored == RoundSingle(rolledUp, places); }))
           run.Found(table, formula.row, formula.Color_Name,
                     fmt::format("{} is {}; its ingredients give {}.", field, ShortestText(stored),
-                                ShortestText(rolledUp)));
+                                ShortestText(RoundSingle(rolledUp, decimals.front()))));
       };
-      check("BasicCost", formula.BasicCost, fresh.BasicCost, pending(session.CostChanged));
-      check("BasicVOC", formula.BasicVOC, fresh.BasicVOC, pending(session.VOCChanged));
-      check("BasicHAP", formula.BasicHAP, fresh.BasicHAP, pending(session.HAPChanged));
+      if (!stale.cost) check("BasicCost", formula.BasicCost, sum.BasicCost, costDecimals);
+      if (!stale.voc) check("BasicVOC", formula.BasicVOC, sum.BasicVOC, kEmissionDecimals);
+      if (!stale.hap) check("BasicHAP", formula.BasicHAP, sum.BasicHAP, kEmissionDecimals);
     });
   }
 }

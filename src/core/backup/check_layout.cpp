@@ -7,6 +7,7 @@
 #include "core/base/refusal.h"
 #include "core/base/text.h"
 #include "core/batch/leave.h"
+#include "core/datafile/pending_rollups.h"
 
 // What holds of the file as a whole, and of every value in it.
 
@@ -127,6 +128,9 @@ void CheckMarkers(CheckRun& run) {
   for (const AbandonedBatch& batch : AbandonedBatches(run.file))
     run.Found("MSysOpenBatch", 0, fmt::format("{:06}", batch.BatchNo),
               fmt::format("The Batch {:06} of {} is marked as open.", batch.BatchNo, batch.database));
+  for (const PendingRollUps& pending : ReadPendingRollUps(run.file))
+    run.Found("MSysPendingRollUps", 0, pending.database,
+              fmt::format("Figures of the formulas of {} are older than those of their ingredients.", pending.database));
 }
 
 void CheckUsers(CheckRun& run) {

@@ -9,6 +9,7 @@
 #include "core/base/text.h"
 #include "core/colors/formula_tools.h"
 #include "core/colors/names.h"
+#include "core/colors/rollup.h"
 #include "core/datafile/row_pieces.h"
 #include "core/datafile/writer.h"
 
@@ -51,13 +52,6 @@ bool RewriteFormulas(const Session& session, ProgressRun& progress, Transaction&
     if (session.progress.Cancelled()) return false;
   }
   return true;
-}
-
-// The ingredients of a formula have changed, so have its figures.
-void MarkRollUpsStale(Session& session) {
-  session.CostChanged = true;
-  session.VOCChanged = true;
-  session.HAPChanged = true;
 }
 
 SetPreviewRow JudgeAdd(const MixColor& mix, const AdditiveSet& set) {
@@ -143,8 +137,8 @@ Result<AdditiveSet> EditAdditiveSet(Session& session, std::string_view setName, 
   });
   if (!whole) return BulkSteps::Stopped("Additive Set Modification");
   transaction.Note({Change::Kind::AdditiveSet, session.CurrentDatabase, set->SetName, Change::What::Updated, ""});
+  if (!users.empty()) MarkRollUpsStale(session, kAllRollUps);
   transaction.Commit();
-  if (!users.empty()) MarkRollUpsStale(session);
   TellNotApplied(session, set->SetName, notApplied);
   return set;
 }
@@ -212,8 +206,8 @@ Result<bool> DeleteAdditiveSet(Session& session, std::string_view setName) {
       .Bind(1, set->rowId)
       .Run();
   transaction.Note({Change::Kind::AdditiveSet, session.CurrentDatabase, set->SetName, Change::What::Deleted, ""});
+  if (!users.empty()) MarkRollUpsStale(session, kAllRollUps);
   transaction.Commit();
-  if (!users.empty()) MarkRollUpsStale(session);
   return true;
 }
 
@@ -280,9 +274,9 @@ Result<bool> ApplyAdditiveSet(Session& session, std::string_view setName, SetMet
       return NewRecipe{result.recipe, result.applied ? set->SetName : std::string()};
     });
     if (!whole) return BulkSteps::Stopped("Additive Set Modification");
+    MarkRollUpsStale(session, kAllRollUps);
     transaction.Commit();
   }
-  MarkRollUpsStale(session);
   session.prompt.Tell("Additive Set Application", "The Application Method has been applied.");
   TellNotApplied(session, set->SetName, notApplied);
   return true;

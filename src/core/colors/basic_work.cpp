@@ -9,6 +9,7 @@
 #include "core/colors/amounts.h"
 #include "core/colors/formulas.h"
 #include "core/colors/names.h"
+#include "core/colors/rollup.h"
 #include "core/colors/stock_trace.h"
 #include "core/datafile/references.h"
 #include "core/datafile/writer.h"
@@ -118,6 +119,25 @@ Result<void> RequireFreeOfAdditiveSets(const Session& session, std::string_view 
                 "Additive");
 }
 
+namespace {
+
+// What the row holds now against what it will hold. The fields as loaded do not tell: they show fewer decimals, and the
+// row may have changed since.
+RollUpWanted StaleAfter(const Session& session, const BasicWork& work, const ColorFigures& figures) {
+  ColorFigures before;
+  if (work.rowId == 0) {
+    if (FormulaRowsUsing(session, work.Color_Name).empty()) return {};
+  } else {
+    Statement row = session.File().Prepare(fmt::format("SELECT PurchaseCost, VOC, HAP FROM {} WHERE rowid = ?",
+                                                       Quoted(session.Table(schema::Basic))));
+    if (row.Bind(1, work.rowId).Step())
+      before = {.PurchaseCost = row.Single(0), .VOC = row.Single(1), .HAP = row.Single(2)};
+  }
+  return {before.PurchaseCost != figures.PurchaseCost, before.VOC != figures.VOC, before.HAP != figures.HAP};
+}
+
+}  // namespace
+
 Result<void> SaveBasic(Session& session, BasicWork& work) {
   if (auto writable = RequireWritable(session); !writable) return writable;
   const auto figures = ReadColorFigures(session, work);
@@ -138,6 +158,7 @@ Result<void> SaveBasic(Session& session, BasicWork& work) {
   const std::string table = session.Table(schema::Basic);
   Transaction transaction(session.File());
   std::int64_t rowId = work.rowId;
+  const RollUpWanted stale = StaleAfter(session, work, *figures);
   if (isNew) {
     rowId = InsertRow(session.File(), schema::Basic, table, cells);
   } else if (!UpdateRow(session.File(), schema::Basic, table, rowId, cells)) {
@@ -145,16 +166,11 @@ Result<void> SaveBasic(Session& session, BasicWork& work) {
   }
   transaction.Note({Change::Kind::Basic, session.CurrentDatabase, work.Color_Name,
                     isNew ? Change::What::Added : Change::What::Updated, ""});
+  MarkRollUpsStale(session, stale);
   transaction.Commit();
 
-  const BasicWork before = work;
   work.rowId = rowId;
   ShowColorFigures(session, *figures, work);
-  if (!isNew) {
-    session.CostChanged = session.CostChanged || work.PurchaseCost != before.loadedPurchaseCost;
-    session.VOCChanged = session.VOCChanged || work.VOC != before.loadedVOC;
-    session.HAPChanged = session.HAPChanged || work.HAP != before.loadedHAP;
-  }
   return {};
 }
 

@@ -12,6 +12,7 @@
 #include "core/colors/basics.h"
 #include "core/colors/formula_tools.h"
 #include "core/datafile/databases.h"
+#include "core/datafile/pending_rollups.h"
 #include "core/datafile/row_pieces.h"
 #include "core/datafile/schema.h"
 #include "core/session/stock_lines.h"
@@ -120,6 +121,7 @@ Result<std::string> CopyDatabase(Session& session, std::string_view source, std:
   CreateEmptyDatabase(session.File(), *name);
   if (!CopyRows(session, *from, *name)) return BulkSteps::Stopped("New Database");
   CopyInfo(session, *from, *name);
+  CopyPendingRollUps(session.File(), *from, *name);
   StockLine line = NewStockLine(session, StockEvent::Copied, ColorKind::Basic, *name);
   line.reason = "Copy of " + *from;
   AddLinesOfDatabase(session.File(), line);

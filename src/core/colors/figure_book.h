@@ -15,6 +15,8 @@ class FigureBook {
   explicit FigureBook(const Session& session, std::string_view database = {});
   /// Figures of parts of 100; an ingredient without a row adds nothing.
   RolledUp RollUp(const Recipe& recipe);
+  /// The same before it is rounded.
+  RolledUp Sum(const Recipe& recipe);
 
  private:
   struct Figures {

@@ -9,6 +9,7 @@
 #include "core/base/text.h"
 #include "core/colors/basics.h"
 #include "core/colors/formula_tools.h"
+#include "core/colors/rollup.h"
 
 namespace vellumark {
 namespace {
@@ -296,11 +297,9 @@ Result<bool> ApplyModifier(Session& session, const std::vector<ModifierLine>& li
       transaction.Note({Change::Kind::Mix, session.CurrentDatabase, mix->Color_Name, Change::What::Updated, ""});
       if (!steps.Next()) return BulkSteps::Stopped(std::string(kTitle));
     }
+    MarkRollUpsStale(session, kAllRollUps);
     transaction.Commit();
   }
-  session.CostChanged = true;
-  session.VOCChanged = true;
-  session.HAPChanged = true;
   session.prompt.Tell("Master Formulas Modified", "The selected Master Formulas have been modified.");
   return true;
 }

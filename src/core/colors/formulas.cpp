@@ -210,7 +210,7 @@ const FigureBook::Figures& FigureBook::Of(const std::string& name) {
   return place->second;
 }
 
-RolledUp FigureBook::RollUp(const Recipe& recipe) {
+RolledUp FigureBook::Sum(const Recipe& recipe) {
   float cost = 0;
   float voc = 0;
   float hap = 0;
@@ -223,7 +223,13 @@ RolledUp FigureBook::RollUp(const Recipe& recipe) {
     voc = added(voc, figures.voc, line.amount);
     hap = added(hap, figures.hap, line.amount);
   }
-  return {RoundSingle(cost, session_.DecimalPlaces), RoundSingle(voc, 3), RoundSingle(hap, 3)};
+  return {cost, voc, hap};
+}
+
+RolledUp FigureBook::RollUp(const Recipe& recipe) {
+  const RolledUp sum = Sum(recipe);
+  return {RoundSingle(sum.BasicCost, session_.DecimalPlaces), RoundSingle(sum.BasicVOC, 3),
+          RoundSingle(sum.BasicHAP, 3)};
 }
 
 RolledUp RollUpRecipe(const Session& session, const Recipe& recipe, std::string_view database) {

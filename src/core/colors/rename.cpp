@@ -14,6 +14,7 @@
 #include "core/colors/color_set.h"
 #include "core/colors/formulas.h"
 #include "core/colors/names.h"
+#include "core/colors/rollup.h"
 #include "core/colors/stock_trace.h"
 #include "core/datafile/references.h"
 #include "core/datafile/writer.h"
@@ -206,12 +207,8 @@ FormulaNames RenameOrMergeBasic(Session& session, const BasicColor& color, const
     session.progress.Percent(percent);
     return true;
   });
+  if (merge) MarkRollUpsStale(session, kAllRollUps);  // formulas now count the surviving colour's figures
   transaction.Commit();
-  if (!merge) return withoutSet;
-  // Formulas now count the surviving colour's figures.
-  session.CostChanged = true;
-  session.VOCChanged = true;
-  session.HAPChanged = true;
   return withoutSet;
 }
 

@@ -31,7 +31,7 @@ struct Reset {
   std::string_view column;
   std::string_view progressText;
   Change::Kind kind;
-  bool Session::*flag;
+  RollUpWanted stale;
 };
 
 void WriteEverywhere(Session& session, const Reset& reset, float value) {
@@ -46,8 +46,8 @@ void WriteEverywhere(Session& session, const Reset& reset, float value) {
     return true;
   });
   transaction.Note({reset.kind, session.CurrentDatabase, "", Change::What::All, ""});
+  MarkRollUpsStale(session, reset.stale);
   transaction.Commit();
-  session.*reset.flag = true;
 }
 
 constexpr std::string_view kMixCostProgress = "Reseting Master Formula Purchase Costs...";
@@ -80,7 +80,7 @@ void WriteEmission(Session& session, Emission emission, ColorKind kind, float va
                                        kind == ColorKind::Mix ? "Master Formula" : "Basic Color", NameOf(emission));
   WriteEverywhere(session,
                   {ColorTable(kind), NameOf(emission), text, ChangeKind(kind),
-                   emission == Emission::VOC ? &Session::VOCChanged : &Session::HAPChanged},
+                   {.voc = emission == Emission::VOC, .hap = emission == Emission::HAP}},
                   value);
 }
 
@@ -101,7 +101,7 @@ Result<void> ResetBasicCosts(Session& session, std::string_view newValue) {
                   fmt::format("Please enter a Purchase Cost between 0 and {}.", kLargestAmount), "txtNewValue");
   WriteEverywhere(session,
                   {schema::Basic, "PurchaseCost", "Reseting Basic Color Purchase Costs...", Change::Kind::Basic,
-                   &Session::CostChanged},
+                   {.cost = true}},
                   *value);
   return {};
 }
@@ -110,7 +110,7 @@ Result<void> ResetMixCosts(Session& session, std::string_view newValue) {
   if (auto may = MayReset(session, AmountKey::Currency); !may) return may;
   const auto value = ValueInRange(newValue, session.DecimalPlaces, kLargestAmount);
   if (!value) return InvalidDollarValue("txtNewValue");
-  WriteEverywhere(session, {schema::Mix, "PurchaseCost", kMixCostProgress, Change::Kind::Mix, &Session::CostChanged},
+  WriteEverywhere(session, {schema::Mix, "PurchaseCost", kMixCostProgress, Change::Kind::Mix, {.cost = true}},
                   *value);
   return {};
 }
@@ -143,8 +143,8 @@ Result<void> ResetMixCostsFromBasics(Session& session, std::string_view markup, 
     update.Bind(1, RoundSingle(std::clamp(cost, 0.0, kLargestAmount), decimals)).Bind(2, last).Run();
   }
   transaction.Note({Change::Kind::Mix, session.CurrentDatabase, "", Change::What::All, ""});
+  MarkRollUpsStale(session, {.cost = true});
   transaction.Commit();
-  session.CostChanged = true;
   return {};
 }
 
@@ -192,9 +192,17 @@ Result<bool> ChangeDecimalPlaces(Session& session, int decimalPlaces) {
     return false;
   }
   if (decimalPlaces == session.DecimalPlaces) return true;
+  // Marked before the setting, which stands in another file: whoever dies between the two leaves nothing behind.
+  if (session.DataFileDB) {
+    Transaction transaction(session.File());
+    for (const std::string& database : session.databaseList)
+      MarkPendingRollUps(session.File(), database, {.cost = true});
+    MarkRollUpsStale(session, {.cost = true});
+    transaction.Commit();
+  }
   SetSupportValue(session, "DecimalPlaces", fmt::format("{}", decimalPlaces));
   session.DecimalPlaces = decimalPlaces;
-  if (session.DataFileDB) UpdateMixBasicCosts(session);
+  RunPendingPasses(session);
   session.changes.Tell({{Change::Kind::Settings, "", "", Change::What::All, ""}});
   return true;
 }

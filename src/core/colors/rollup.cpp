@@ -51,10 +51,10 @@ struct NameEqual {
 
 using FigureMap = std::unordered_map<std::string, Figures, NameHash, NameEqual>;
 
-FigureMap ReadFigures(Session& session) {
+FigureMap ReadFigures(Session& session, std::string_view database) {
   FigureMap figures;
   Statement row = session.File().Prepare(fmt::format("SELECT Color_Name, PurchaseCost, VOC, HAP FROM {} ORDER BY rowid",
-                                                     Quoted(session.Table(schema::Basic))));
+                                                     Quoted(session.Table(schema::Basic, database))));
   while (row.Step()) figures.emplace(row.Text(0), Figures{row.Single(1), row.Single(2), row.Single(3)});
   return figures;
 }
@@ -130,13 +130,21 @@ std::string ProgressText(RollUpWanted wanted) {
 
 }  // namespace
 
-void RunPasses(Session& session, RollUpWanted wanted) {
+void MarkRollUpsStale(Session& session, RollUpWanted stale) {
+  MarkPendingRollUps(session.File(), session.CurrentDatabase, stale);
+  session.CostChanged = session.CostChanged || stale.cost;
+  session.VOCChanged = session.VOCChanged || stale.voc;
+  session.HAPChanged = session.HAPChanged || stale.hap;
+}
+
+void RunPasses(Session& session, RollUpWanted wanted, std::string_view database) {
   if (!wanted.Any()) return;
   Database& file = session.File();
-  const std::string table = Quoted(session.Table(schema::Mix));
+  const std::string of(database.empty() ? session.CurrentDatabase : database);
+  const std::string table = Quoted(session.Table(schema::Mix, of));
   ProgressRun progress(session.progress, ProgressText(wanted));
   Transaction transaction(file);
-  const FigureMap basics = ReadFigures(session);
+  const FigureMap basics = ReadFigures(session, of);
   const auto count = static_cast<std::size_t>(file.Scalar("SELECT COUNT(*) FROM " + table).Whole());
   Statement rows =
       file.Prepare(fmt::format("SELECT {} FROM {} WHERE rowid > ? ORDER BY rowid LIMIT ?", RecipeColumns(), table));
@@ -157,8 +165,10 @@ void RunPasses(Session& session, RollUpWanted wanted) {
     for (const NewFigures& row : changed) Write(update, row, wanted);
     progress.Step(done += read, count);
   }
-  transaction.Note({Change::Kind::Mix, session.CurrentDatabase, "", Change::What::All, ""});
+  ClearPendingRollUps(file, of, wanted);
+  transaction.Note({Change::Kind::Mix, of, "", Change::What::All, ""});
   transaction.Commit();
+  if (of != session.CurrentDatabase) return;
   if (wanted.cost) session.CostChanged = false;
   if (wanted.voc) session.VOCChanged = false;
   if (wanted.hap) session.HAPChanged = false;
@@ -177,14 +187,30 @@ void UpdateMixHAP(Session& session) {
 }
 
 void RunPendingPasses(Session& session) {
-  if (session.ArchiveView) return;
-  RunPasses(session, {session.CostChanged, session.VOCChanged, session.HAPChanged});
+  if (!session.DataFileDB || session.ArchiveView) return;
+  const auto run = [&](RollUpWanted stale, const std::string& database) {
+    // A Database that lacks its formulas can still be left, and the file be used.
+    if (stale.Any() && session.File().TableExists(session.Table(schema::Mix, database)))
+      RunPasses(session, stale, database);
+  };
+  run({session.CostChanged, session.VOCChanged, session.HAPChanged}, session.CurrentDatabase);
+  for (const PendingRollUps& pending : ReadPendingRollUps(session.File())) run(pending.stale, pending.database);
+}
+
+void RunPendingPassesOrTell(Session& session) {
+  try {
+    RunPendingPasses(session);
+  } catch (const Failure& failure) {
+    session.prompt.Tell("Master Formulas",
+                        fmt::format("The figures of the formulas are not up to date yet.\n{}: {}.", failure.subject,
+                                    failure.cause),
+                        Icon::Exclamation);
+  }
 }
 
 bool RollUpFormula(Session& session, std::int64_t rowId) {
   Database& file = session.File();
   const std::string table = Quoted(session.Table(schema::Mix));
-  constexpr RollUpWanted kAll{true, true, true};
   Transaction transaction(file);
   NewFigures changed{rowId, {}};
   {
@@ -204,8 +230,8 @@ bool RollUpFormula(Session& session, std::int64_t rowId) {
     }
     changed.figures = RollUp(row, basics, session.DecimalPlaces);
   }
-  Statement update = file.Prepare(UpdateText(table, kAll));
-  Write(update, changed, kAll);
+  Statement update = file.Prepare(UpdateText(table, kAllRollUps));
+  Write(update, changed, kAllRollUps);
   transaction.Commit();
   return true;
 }

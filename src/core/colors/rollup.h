@@ -1,30 +1,35 @@
 #pragma once
 
 #include <cstdint>
+#include <string_view>
 
+#include "core/datafile/pending_rollups.h"
 #include "core/session/session.h"
 
 namespace vellumark {
 
-/// Which of a formula's figures a pass brings up to date.
-struct RollUpWanted {
-  bool cost = false;
-  bool voc = false;
-  bool hap = false;
-  bool Any() const { return cost || voc || hap; }
-};
+constexpr RollUpWanted kAllRollUps{true, true, true};
 
-/// Recomputes the wanted figures of every formula of the current Database from its ingredients, in one walk and one
-/// transaction, and clears the session's flags for them. An ingredient without a Basic Color adds nothing.
-void RunPasses(Session& session, RollUpWanted wanted);
+/// What is about to be committed makes these figures of the current Database's formulas stale: the session's flags are
+/// set, and the file bears the mark until a pass renews them. Call it last in the transaction of the change.
+void MarkRollUpsStale(Session& session, RollUpWanted stale);
+
+/// Recomputes the wanted figures of every formula of a Database, the current one by default, from its ingredients, in
+/// one walk and one transaction, and clears the flags and the file's mark for them. An ingredient without a Basic Color
+/// adds nothing.
+void RunPasses(Session& session, RollUpWanted wanted, std::string_view database = {});
 
 /// One pass each. They refuse nothing: call them only where the file may be written.
 void UpdateMixBasicCosts(Session& session);
 void UpdateMixVOC(Session& session);
 void UpdateMixHAP(Session& session);
 
-/// Runs the passes whose flags are set, if any. In an archive view, where nothing may be written, the flags stay.
+/// Runs the passes whose flags are set, and those that the file bears a mark of, in whatever Database. In an archive
+/// view, where nothing may be written, the flags stay.
 void RunPendingPasses(Session& session);
+/// The same where what made the figures stale is done, and what follows must not fail for them: a failure is told, and
+/// the marks stay in the file for its next opening.
+void RunPendingPassesOrTell(Session& session);
 
 /// Recomputes the three figures of one row of the current Database's formulas; false when the row is gone.
 bool RollUpFormula(Session& session, std::int64_t rowId);

@@ -167,17 +167,11 @@ void OpenContent(Session& session, const FileInfoRow& info, OpeningWindows& wind
     OpenDatabase(session);
     if (!session.ArchiveView) {
       HealAbandonedBatches(session);
+      RunPendingPassesOrTell(session);  // what a session that died left to do
       windows.SuggestArchive(session);
     }
   }
   MakeConversionFolder(session);
-}
-
-// The flags of pending passes are the session's, and tell nothing of which Database they are for: what is pending runs
-// before that Database is left, so that a backup and the next session find figures that belong together.
-void RunPassesBeforeLeaving(Session& session) {
-  if (!session.DataFileDB || session.CurrentDatabase.empty()) return;
-  if (session.File().TableExists(session.Table(schema::Mix))) RunPendingPasses(session);
 }
 
 }  // namespace
@@ -249,12 +243,7 @@ void OpenDataFile(Session& session, OpeningWindows& windows) {
 }
 
 void CloseDataFile(Session& session, OpeningWindows& windows) {
-  try {
-    RunPassesBeforeLeaving(session);
-  } catch (const Failure& failure) {
-    // The file must be left all the same.
-    session.prompt.Tell("Master Formulas", failure.subject + "\n" + failure.cause + ".", Icon::Exclamation);
-  }
+  RunPendingPassesOrTell(session);
   session.progress.Begin("Closing File ...");
   LeaveFile(session);
   windows.SetCaption(VersionCaption());
@@ -379,7 +368,7 @@ Result<void> ChangeDatabase(Session& session, std::string_view name, bool rememb
     return Refuse("Database Not Found",
                   fmt::format("The {} Data File has no Database named {}.", session.DataFileName, name), "cmbDBList");
   if (*found == session.CurrentDatabase) return {};
-  RunPassesBeforeLeaving(session);
+  RunPendingPasses(session);
   const std::string before = std::exchange(session.CurrentDatabase, *found);
   try {
     OpenedDatabase opened(session);

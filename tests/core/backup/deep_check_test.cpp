@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include <set>
+
 #include "core/backup/deep_check.h"
 #include "support/ink_room.h"
 
@@ -47,6 +49,9 @@ TEST(DeepCheck, FindsEachDamageAndNothingElse) {
       {"ALTER TABLE INK_Mix_LAB DROP COLUMN Lab_Note", "Parts", "INK_Mix_LAB", 0},
       {"CREATE TABLE MSysOpenBatch (DatabaseName TEXT, BatchNo INTEGER); INSERT INTO MSysOpenBatch VALUES ('INK', 7)",
        "Markers", "MSysOpenBatch", 0},
+      {"CREATE TABLE MSysPendingRollUps (DatabaseName, Cost, VOC, HAP); INSERT INTO MSysPendingRollUps VALUES ('INK', 1, "
+       "0, 0)",
+       "Markers", "MSysPendingRollUps", 0},
       {"CREATE TABLE Users (Username TEXT, Password TEXT, IsAdmin INTEGER, Edit_MasterFormula INTEGER, Edit_Costs "
        "INTEGER, Edit_VOCHAP INTEGER, DF_BackupRestore INTEGER, DF_AdvancedMenu INTEGER, DF_OptionsMenu INTEGER, "
        "DB_NewRenameDel INTEGER, DBToolsMenu INTEGER, DF_ExportDF_Excel INTEGER); INSERT INTO Users (Username, "
@@ -89,6 +94,9 @@ TEST(DeepCheck, FindsEachDamageAndNothingElse) {
       {"INSERT INTO JobRecords (JobNumber, Database, BatchNo) VALUES ('J2', 'GONE', 6)", "JobBatches", "JobRecords", 2},
       {"UPDATE INK_Batch SET JobNumber = 'J2'", "JobBatches", "INK_Batch", 1},
   };
+  std::set<std::string_view> rules{"Structure"};  // the engine's own
+  for (const Damage& damage : damages) rules.insert(damage.rule);
+  EXPECT_EQ(rules.size(), CheckRules().size()) << "each rule has a damage of its own";
   for (const Damage& damage : damages) {
     FullRoom room;
     EXPECT_TRUE(CheckDataFileRules(room.session, CheckDepth::Deep).Sound());

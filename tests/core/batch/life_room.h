@@ -126,19 +126,7 @@ struct LifeRoom : StockRoom {
   float Pink() { return Inventory(ColorKind::Mix, "PINK").Single(); }
 
   /// All data but the history of stock and the engine's own tables.
-  std::string Data() {
-    std::string all = Snapshot(session.File());
-    std::string kept;
-    std::size_t at = 0;
-    while (at < all.size()) {
-      std::size_t next = all.find("== ", at + 1);
-      if (next == std::string::npos) next = all.size();
-      const std::string part = all.substr(at, next - at);
-      if (!part.starts_with("== MSys")) kept += part;
-      at = next;
-    }
-    return kept;
-  }
+  std::string Data() { return Snapshot(session.File(), false); }
 
   BatchRecord record;
   ScriptedDialogs dialogs;

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <utility>
+
 #include "core/colors/amounts.h"
 #include "core/colors/basic_work.h"
 #include "core/colors/lab.h"
@@ -105,6 +107,19 @@ TEST(Basics, SaveChecksInOrderAndMarksWhatChanged) {
   EXPECT_FALSE(room.session.CostChanged);
   EXPECT_TRUE(room.session.VOCChanged);
   EXPECT_FALSE(room.session.HAPChanged);
+
+  // A cost with more digits than the fields show is cut by any save, and a formula may wait for a new colour.
+  room.Basic("BLUE", {{"PurchaseCost", 10.123F}});
+  room.Mix("NAVY", {{"BLUE", 45}, {"RED", 55}});
+  BasicWork cut = LoadBasicWork(room.session, *ReadBasic(room.session, "BLUE"));
+  cut.Notes = "third";
+  ASSERT_TRUE(SaveBasic(room.session, cut));
+  EXPECT_TRUE(std::exchange(room.session.CostChanged, false));
+  room.Mix("WAITING", {{"GREEN", 100}});
+  BasicWork green = NewBasicWork(room.session, "GREEN");
+  green.PurchaseCost = "3";
+  ASSERT_TRUE(SaveBasic(room.session, green));
+  EXPECT_TRUE(room.session.CostChanged);
 
   BasicWork again = NewBasicWork(room.session, "RED");
   EXPECT_EQ(SaveBasic(room.session, again).error().title, "Basic Color Name Exists");

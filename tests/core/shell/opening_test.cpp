@@ -8,16 +8,22 @@
 #include <set>
 
 #include "core/base/files.h"
+#include "core/colors/basic_work.h"
+#include "core/colors/basics.h"
+#include "core/colors/copy_database.h"
+#include "core/colors/resets.h"
 #include "core/datafile/databases.h"
 #include "core/datafile/lifecycle.h"
+#include "core/datafile/pending_rollups.h"
 #include "core/datafile/writer.h"
 #include "core/session/users.h"
 #include "core/settings/settings_keys.h"
 #include "core/settings/support_files.h"
 #include "core/shell/data_files.h"
+#include "core/shell/database_menu.h"
 #include "core/shell/startup.h"
 #include "core/shell/support_renewal.h"
-#include "support/scratch.h"
+#include "support/sound.h"
 #include "support/template_room.h"
 
 namespace vellumark {
@@ -83,7 +89,7 @@ struct Start {
     if (withDatabase) CreateEmptyDatabase(*file, "INK");
     file->Execute("UPDATE FileInfo SET FileVersion = " + std::to_string(version));
   }
-  test::ScratchFolder folder;
+  test::SoundFolder folder;
   test::ScriptedPrompt prompt;
   NoProgress progress;
   FixedClock clock{DateTime{2026, 3, 10, 9, 0, 0}};
@@ -287,6 +293,57 @@ TEST(FileCheck, AUsableFileAtHandGetsAMessageInstead) {
   EXPECT_TRUE(start.windows.calls.empty());
   EXPECT_FALSE(CheckDataFile(start.session, (start.folder / "gone.vkd").string(), start.windows));
   EXPECT_EQ(start.windows.startupMessage, (start.folder / "gone.vkd").string() + " file does not exist.");
+}
+
+// A session that dies between a change and the pass that follows it leaves the file to the next opening, whichever of
+// its Databases the change was in.
+TEST(Opening, WhatASessionThatDiedLeftPendingIsDone) {
+  Start start;
+  Session& session = start.session;
+  PrepareSupportFiles(session, start.options.folders);
+  session.DataFileName = (start.folder / "Ink.vkd").string();
+  start.MakeFile(session.DataFileName);
+  {
+    const auto file = Database::Open(session.DataFileName, OpenMode::Exclusive);
+    CreateEmptyDatabase(*file, "BETA");
+    StoreCurrentDatabase(*file, "INK");
+    for (const std::string database : {"INK", "BETA"}) {
+      file->Execute("INSERT INTO " + database + "_Basic (Color_Name, PurchaseCost, VOC, HAP) VALUES ('RED', 8.125, 0, 0)");
+      file->Execute("INSERT INTO " + database +
+                    "_Mix (Color_Name, BC0, BQ0, Color_Set, BasicCost, BasicVOC, BasicHAP) VALUES ('PINK', 'RED', 100, "
+                    "'<RED>', 8.13, 0, 0)");
+    }
+  }
+  OpenDataFile(session, start.windows);
+  ASSERT_TRUE(ChangeDatabase(session, "BETA"));
+  BasicWork work = LoadBasicWork(session, *ReadBasic(session, "RED"));
+  work.PurchaseCost = "9";
+  ASSERT_TRUE(SaveBasic(session, work));
+  ASSERT_TRUE(RenameDatabase(session, "BETA", "GAMMA"));
+  ASSERT_TRUE(CopyDatabase(session, "GAMMA", "COPY"));
+  StoreCurrentDatabase(session.File(), "INK");
+  const fs::path died = start.folder / "Died.vkd";
+  fs::copy_file(session.DataFileName, died);
+  const auto costs = [&](const std::string& database) {
+    return session.File().Scalar("SELECT BasicCost FROM " + database + "_Mix").Single();
+  };
+  EXPECT_EQ(costs("GAMMA"), 8.13F);
+  CloseDataFile(session, start.windows);
+
+  session.DataFileName = died.string();
+  OpenDataFile(session, start.windows);
+  EXPECT_EQ(session.CurrentDatabase, "INK");
+  EXPECT_EQ(costs("GAMMA"), 9.0F);
+  EXPECT_EQ(costs("COPY"), 9.0F);
+  EXPECT_TRUE(ReadPendingRollUps(session.File()).empty());
+  // A new accuracy is that of every Database.
+  ASSERT_TRUE(*ChangeDecimalPlaces(session, 3));
+  EXPECT_EQ(costs("INK"), 8.125F);
+  session.File().Execute("UPDATE GAMMA_Basic SET PurchaseCost = 9.0625");
+  start.prompt.Expect("Warning", Answer::Yes);
+  ASSERT_TRUE(*ChangeDecimalPlaces(session, 2));
+  EXPECT_EQ(costs("GAMMA"), 9.06F);
+  CloseDataFile(session, start.windows);
 }
 
 TEST(Opening, ANewFileGetsItsFirstDatabaseAndACopyIsReadOnly) {
