@@ -20,6 +20,8 @@ struct StockShop : test::CliRoom {
     for (const char* name : {"RED", "PURPLE"})
       InsertRow(*file, schema::Mix, "INK_Mix",
                 {{"Color_Name", name}, {"Inventory", 3.0F}, {"BasicCost", 2.25F}, {"LotRefID", 0}});
+    BeginHistoryAnew(*file);
+    folder.Breaks("RollUps");  // the formulas have a cost and no recipe that would give it
   }
   std::string path;
 };
@@ -239,7 +241,7 @@ TEST(CliStock, TellsWhereStockCameFrom) {
   EXPECT_EQ(shop.Json({"stock", "history", "--lot", "A"}).size(), 2U);
   EXPECT_EQ(shop.Json({"stock", "history", "MOSS", "--lot", "a"}).size(), 2U);
   EXPECT_EQ(shop.Json({"stock", "history", "MOSS", "--lot", "a"})[1]["Change"], -6);
-  EXPECT_EQ(shop.Json({"stock", "history", "PURPLE"}), ordered_json::array());
+  EXPECT_EQ(shop.Json({"stock", "history", "PURPLE"}).size(), 1U) << "what was there when the history began";
   EXPECT_NE(shop.Run({"stock", "history"}).out.find("counted"), std::string::npos);
   EXPECT_EQ(shop.Run({"stock", "history", "BROWN"}).status, 1);
   EXPECT_EQ(shop.Run({"stock", "history", "--lot", ""}).status, 2);

@@ -57,6 +57,7 @@ TEST_F(DataFilesTest, OpeningAnotherFileClosesAndBacksUpTheOneBefore) {
 }
 
 TEST_F(DataFilesTest, AFailedOpenLeavesTheFileBeforeOpenAndTheDefault) {
+  folder.Breaks("Structure");
   OpenFirst();
   const fs::path closed = folder / "Closed";
   fs::create_directories(closed);
@@ -269,6 +270,7 @@ TEST_F(DataFilesTest, AUserWithoutTheAdvancedMenuChangesNoFile) {
 }
 
 TEST_F(DataFilesTest, TheSafetyCopyHoldsTheFileAndReplacesAnOlderOne) {
+  folder.Breaks("Structure");
   MakeFile(first, 39);
   ReplaceFile(folder / "First.vkb", "old");
   EXPECT_EQ(MakeSafetyCopy(first), std::nullopt);

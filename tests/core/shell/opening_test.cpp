@@ -193,6 +193,7 @@ TEST(StartOrder, OlderInstallationsAreLookedForInTheirOrder) {
 
 TEST(EndOrder, AFileWhoseDatabaseCannotBeOpenedStays) {
   Start start;
+  start.folder.Breaks("Parts");
   const fs::path path = start.folder / "Ink.vkd";
   start.MakeFile(path);
   {
@@ -309,9 +310,11 @@ TEST(Opening, WhatASessionThatDiedLeftPendingIsDone) {
     StoreCurrentDatabase(*file, "INK");
     for (const std::string database : {"INK", "BETA"}) {
       file->Execute("INSERT INTO " + database + "_Basic (Color_Name, PurchaseCost, VOC, HAP) VALUES ('RED', 8.125, 0, 0)");
-      file->Execute("INSERT INTO " + database +
+      file->Prepare("INSERT INTO " + database +
                     "_Mix (Color_Name, BC0, BQ0, Color_Set, BasicCost, BasicVOC, BasicHAP) VALUES ('PINK', 'RED', 100, "
-                    "'<RED>', 8.13, 0, 0)");
+                    "'<RED>', ?, 0, 0)")
+          .Bind(1, 8.13F)
+          .Run();
     }
   }
   OpenDataFile(session, start.windows);
@@ -386,6 +389,7 @@ TEST(Opening, ANewFileGetsItsFirstDatabaseAndACopyIsReadOnly) {
 
 TEST(Opening, PendingPassesRunBeforeADatabaseOrTheFileIsLeft) {
   Start start;
+  start.folder.Breaks("Parts");
   Session& session = start.session;
   PrepareSupportFiles(session, start.options.folders);
   start.prompt.Expect("New Database");
