@@ -34,9 +34,9 @@ struct FaultRoom : test::CliRoom {
     fs::create_directories(folder / "Program");
     const auto must = [&](Words words) { EXPECT_EQ(Do(std::move(words)).status, 0); };
     must({"file", "create", file.string(), "--database", "INK", "--empty"});
-    for (const char* name : {"RED", "WHITE", "BLUE"}) {
+    for (const auto& [name, cost] : {std::pair{"RED", "4.25"}, {"WHITE", "3.1"}, {"BLUE", "5.37"}}) {
       must({"color", "add", name});
-      must({"color", "set", name, "PurchaseCost=4.25", "VOC=0.5", "HAP=0.25"});
+      must({"color", "set", name, std::string("PurchaseCost=") + cost, "VOC=0.5", "HAP=0.25"});
       must({"stock", "adjust", name, "60"});
       for (const char* lot : {"A", "B"}) must({"stock", "adjust", name, "40", "--lot", lot});
     }
@@ -112,7 +112,9 @@ class Steps : public testing::TestWithParam<Scenario> {
     if (error != test::kKilled) {
       constexpr int kNeverStarted = 127;  // the loader could not read it
       EXPECT_TRUE(run.status == 0 || run.status == 1 || run.status == 4 || run.status == kNeverStarted) << run.status << ' ' << said;
-      EXPECT_EQ(run.status == 0, through) << run.status << ' ' << said;
+      // A commit that fails at its last step can stand all the same, and so can one whose answer could not be read.
+      EXPECT_TRUE(run.status != 0 || through) << said;
+      failedThough += through && run.status != 0 ? 1 : 0;
     }
     ++(through ? wentThrough : untouched);
     if (through) return true;
@@ -127,6 +129,7 @@ class Steps : public testing::TestWithParam<Scenario> {
   std::string after;
   int untouched = 0;
   int wentThrough = 0;
+  int failedThough = 0;  // those of which the program said that they failed
 };
 
 TEST_P(Steps, LeaveTheDataBeforeOrAfter) {
@@ -146,8 +149,8 @@ TEST_P(Steps, LeaveTheDataBeforeOrAfter) {
   int steps = 0;
   for (const auto& kind : kinds)
     for (int nth = 1; !HasFailure() && Meet(nth, kind.error, kind.strike); ++nth) ++steps;
-  std::printf("%s: %d runs were struck, %d left the data before, %d after\n", GetParam().name, steps, untouched,
-              wentThrough);
+  std::printf("%s: %d runs were struck, %d left the data before, %d after (%d of them told as failed)\n",
+              GetParam().name, steps, untouched, wentThrough, failedThough);
 }
 
 INSTANTIATE_TEST_SUITE_P(

@@ -151,6 +151,7 @@ TEST_F(DataFileWindows, TheWindowStaysUntilAFileIsOpen) {
 }
 
 TEST_F(DataFileWindows, OpenLeavesTheOldFileOpenWhenTheNewOneCannotBe) {
+  folder.Breaks("Structure");
   OpenFirst();
   const fs::path closed = folder / "Closed";
   fs::create_directories(closed);

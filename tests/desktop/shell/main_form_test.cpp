@@ -24,7 +24,6 @@
 #include "desktop/colors/register.h"
 #include "desktop/datafile/register.h"
 #include "desktop/inventory/register.h"
-#include "desktop/kit/application.h"
 #include "desktop/kit/message_prompt.h"
 #include "desktop/kit/wait_progress.h"
 #include "desktop/session/register.h"
@@ -106,34 +105,6 @@ TEST(Start, AnEarlierFileOpensToAReadyMainWindow) {
   // Windows that no room has yet leave their buttons off.
   EXPECT_FALSE(Control<QToolButton>(main, "Batch").isEnabled());
   test::Picture(main, "main-form");
-}
-
-TEST(Start, AFigureThatIsNoNumberIsToldOnceAndNamed) {
-  Running running;
-  running.folder.Breaks("Fields");
-  const fs::path path = running.EarlierFile();
-  for (const char* table : {"INK ROOM_Basic", "INK ROOM_Mix"})
-    Database::Open(path, OpenMode::Exclusive)
-        ->Execute("INSERT INTO " + Quoted(table) + " (Color_Name, Inventory, PurchaseCost) VALUES ('PINK', 9e999, 9e999)");
-  std::vector<std::string> told;
-  auto& application = dynamic_cast<Application&>(*QCoreApplication::instance());
-  application.OnFailure([&](const std::string&, const std::string& text) { told.push_back(text); });
-  const auto expectOnce = [&](const std::string& where, const std::function<void()>& act) {
-    told.clear();
-    QTimer::singleShot(0, act);
-    for (int i = 0; i < 5; ++i) {
-      test::Settle();
-      running.program.Main().repaint();
-    }
-    EXPECT_LE(told.size(), 1U) << where;
-    for (const std::string& text : told)
-      EXPECT_NE(text.find(", row 1 (PINK), field "), std::string::npos) << where << ": " << text;
-  };
-  ASSERT_TRUE(running.Start());
-  expectOnce("start page", [&] { running.session.changes.Tell({{Change::Kind::Mix, "INK ROOM", "", Change::What::All, ""}}); });
-  for (const char* form : {"AdjustInventoryForm", "BasicColorsForm", "MixColorsForm", "StockHistoryForm"})
-    expectOnce(form, [&] { running.windows.OpenForm(form); });
-  application.OnFailure([](const std::string&, const std::string& text) { ADD_FAILURE() << text; });
 }
 
 TEST(Start, FromNothingThroughSetupAndTheFirstFile) {
