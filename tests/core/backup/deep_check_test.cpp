@@ -64,7 +64,6 @@ TEST(DeepCheck, FindsEachDamageAndNothingElse) {
       {"UPDATE INK_Mix SET LastModified = '2026-02-30'", "Fields", "INK_Mix", 1},
       {"INSERT INTO INK_Basic (Color_Name) VALUES ('wax')", "UniqueNames", "INK_Basic", 3},
       {"INSERT INTO INK_Basic (Color_Code) VALUES ('X')", "UniqueNames", "INK_Basic", 3},
-      {"INSERT INTO INK_Basic_LAB (Color_Name) VALUES ('RED')", "UniqueNames", "INK_Basic_LAB", 2},
       {"INSERT INTO INK_Additives (SetName, SetList) VALUES ('Slow', '')", "UniqueNames", "INK_Additives", 2},
       {"UPDATE INK_Mix SET BQ14 = 1", "FormulaSlots", "INK_Mix", 1},
       {"UPDATE INK_Mix SET BC1 = 'WAY', Color_Set = '<RED><WAY>'", "Ingredients", "INK_Mix", 1},
