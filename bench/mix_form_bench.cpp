@@ -11,6 +11,7 @@
 #include "desktop/colors/register.h"
 #include "desktop/kit/name_box.h"
 #include "desktop/kit/window.h"
+#include "desktop/shell/main_form.h"
 #include "large_room.h"
 #include "offscreen.h"
 
@@ -33,14 +34,18 @@ void Gone(desktop::Window& window) {
   QApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
 }
 
+// In the main window, as the operator has it.
 void OpenMixFormOurs(benchmark::State& state) {
   NeedApplication();
   ColorsDesk desk;
+  desk.room.session.RecordsetsOpen = true;
+  desktop::MainForm main(desk.windows);
+  Shown(main);
   double best = 1e9;
   for (auto unused : state) {
     const auto begin = std::chrono::steady_clock::now();
     desktop::Window* window = desk.windows.OpenForm("MixColorsForm", {{"FindRecord", kFormula}});
-    Shown(*window);
+    Shown(main);
     const double seconds = Seconds(std::chrono::steady_clock::now() - begin).count();
     if (window->findChild<QLineEdit*>("BC0")->text().isEmpty()) state.SkipWithError("no formula is shown");
     best = std::min(best, seconds);

@@ -25,7 +25,8 @@ constexpr std::array<Entry, 2> kEntries{{
 
 }  // namespace
 
-ColorsMenu::ColorsMenu(WindowList& windowList) : Window(windowList, "ColorsMenu", tr("Colors")) {
+ColorsMenu::ColorsMenu(WindowList& windowList)
+    : Window(windowList, "ColorsMenu", tr("Colors"), Stands::OverIt) {
   Form form(*this);
   bool first = true;
   for (const Entry& entry : kEntries) {

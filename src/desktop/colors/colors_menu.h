@@ -10,7 +10,6 @@ class ColorsMenu : public Window {
 
  public:
   explicit ColorsMenu(WindowList& windowList);
-  bool IsFloating() const override { return true; }
 
  protected:
   /// Up and Down walk, as in a menu.

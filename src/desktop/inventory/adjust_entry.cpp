@@ -31,10 +31,13 @@ AdjustEntry::AdjustEntry(FormHost& host, Form form, QWidget& page, std::function
   auto* rows = new QVBoxLayout(&page);
   rows->setContentsMargins(0, space::kUnit, 0, 0);
   rows->setSpacing(space::kUnit);
-  rows->addWidget(BuildFields(form));
+  auto* first = new QWidget(&page);
+  auto* second = new QWidget(&page);
+  rows->addWidget(first);
+  rows->addWidget(second);
+  BuildFields(form, *first, *second);
   update_ = form.Button("cmdUpdate", tr("&Update list"), Qt::Key_F5, std::move(update));
   clear_ = form.Button("cmdClear", tr("C&lear fields"), QKeySequence(Qt::SHIFT | Qt::Key_F5), std::move(clear));
-  auto* second = new QWidget;
   auto* line = new QHBoxLayout(second);
   line->setContentsMargins(0, 0, 0, 0);
   line->setSpacing(space::kGap);
@@ -42,12 +45,11 @@ AdjustEntry::AdjustEntry(FormHost& host, Form form, QWidget& page, std::function
   line->addStretch(1);
   line->addWidget(update_, 0, Qt::AlignBottom);
   line->addWidget(clear_, 0, Qt::AlignBottom);
-  rows->addWidget(second);
   rows->addStretch(1);
   Relabel();
 }
 
-QWidget* AdjustEntry::BuildFields(Form& form) {
+void AdjustEntry::BuildFields(Form& form, QWidget& first, QWidget& second) {
   quantity_ = form.Number("AdjustInv", 3, tr("-99999 to 99999"), 10);
   quantity_->setFont(Look::Figures(1.4));
   quantity_->setMinimumWidth(144);
@@ -69,33 +71,32 @@ QWidget* AdjustEntry::BuildFields(Form& form) {
   consignment_ = form.Check("chkConsignment", tr("Consi&gnment"));
   consignment_->setMinimumHeight(space::kFieldHeight);
 
-  auto* first = new QWidget;
-  auto* line = new QHBoxLayout(first);
+  auto* line = new QHBoxLayout(&first);
   line->setContentsMargins(0, 0, 0, 0);
   line->setSpacing(space::kGap);
-  line->addWidget(Captioned({}, quantity_, "lblAdjustInv"), 0, Qt::AlignBottom);
-  quantityCaption_ = first->findChild<QLabel*>("lblAdjustInv");
-  lotCells_ = {Captioned(tr("Lot Number"), lotNumber_, "lblLotNum"),
-               Captioned(tr("Location"), location_, "lblLocation")};
-  countCells_ = {Captioned(tr("Cont ID Num"), container_, "lblContID"), Captioned(tr("Count"), count_, "lblContCount")};
+  line->addWidget(Captioned(&first, {}, quantity_, "lblAdjustInv"), 0, Qt::AlignBottom);
+  quantityCaption_ = first.findChild<QLabel*>("lblAdjustInv");
+  lotCells_ = {Captioned(&first, tr("Lot Number"), lotNumber_, "lblLotNum"),
+               Captioned(&first, tr("Location"), location_, "lblLocation")};
+  countCells_ = {Captioned(&first, tr("Cont ID Num"), container_, "lblContID"),
+                 Captioned(&first, tr("Count"), count_, "lblContCount")};
   for (const auto* cells : {&lotCells_, &countCells_})
     for (QWidget* cell : *cells) line->addWidget(cell, 0, Qt::AlignBottom);
   line->addStretch(1);
 
-  lotCells_.push_back(Captioned(tr("Date"), dateButton_, "lblDateCaption"));
-  auto* price = new QWidget;
+  lotCells_.push_back(Captioned(&second, tr("Date"), dateButton_, "lblDateCaption"));
+  auto* price = new QWidget(&second);
   auto* either = new QHBoxLayout(price);
   either->setContentsMargins(0, 0, 0, 0);
   either->addWidget(price_);
   either->addWidget(priceBlocked_);
-  lotCells_.push_back(Captioned(PriceCaption(host_.session.UMI), price, "lblPrice"));
+  lotCells_.push_back(Captioned(&second, PriceCaption(host_.session.UMI), price, "lblPrice"));
   priceCaption_ = lotCells_.back()->findChild<QLabel*>("lblPrice");
   lotCells_.push_back(consignment_);
   connect(quantity_, &TextField::Left, this, &AdjustEntry::QuantityLeft);
   // Enter in the last field enters what was typed.
   for (QWidget* last : {static_cast<QWidget*>(quantity_), static_cast<QWidget*>(consignment_)})
     last->installEventFilter(this);
-  return first;
 }
 
 void AdjustEntry::Relabel() {

@@ -33,7 +33,7 @@ class AdjustEntry : public QObject {
   QWidget* Last() const { return clear_; }
 
  private:
-  QWidget* BuildFields(Form& form);
+  void BuildFields(Form& form, QWidget& first, QWidget& second);
   void PriceChosen(int index);
   void OpenCalendar();
   void ShowDate();

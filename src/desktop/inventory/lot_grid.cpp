@@ -48,8 +48,8 @@ void SetChoices(ComboField& combo, const std::vector<std::string>& choices) {
   combo.setEditText(typed);
 }
 
-QWidget* Captioned(const QString& caption, QWidget* field, const char* label) {
-  auto* cell = new QWidget;
+QWidget* Captioned(QWidget* row, const QString& caption, QWidget* field, const char* label) {
+  auto* cell = new QWidget(row);
   auto* column = new QVBoxLayout(cell);
   column->setContentsMargins(0, 0, 0, 0);
   column->setSpacing(2);

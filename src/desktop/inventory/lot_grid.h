@@ -24,8 +24,8 @@ QString WithUnit(const QString& caption, int unit);
 ComboField* ChoiceCombo(Form& form, const char* name, const QString& caption, int chars, int longest);
 /// New choices without a new text, all at once: a colour may have tens of thousands of lots.
 void SetChoices(ComboField& combo, const std::vector<std::string>& choices);
-/// A field under its caption, whose name is `label`.
-QWidget* Captioned(const QString& caption, QWidget* field, const char* label);
+/// A field under its caption, whose name is `label`, to stand in `row`.
+QWidget* Captioned(QWidget* row, const QString& caption, QWidget* field, const char* label);
 
 /// Lets the operator check rows in the first column of a grid: by a click on the box, or by the space bar.
 class CheckKeys : public QObject {

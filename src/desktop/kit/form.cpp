@@ -110,7 +110,7 @@ void Form::Row(std::initializer_list<QWidget*> fields) {
 }
 
 QWidget* Form::Side(std::initializer_list<QWidget*> widgets) {
-  auto* box = new QWidget;
+  auto* box = new QWidget(sheet_);  // a box that moves once it is filled is styled twice
   auto* layout = new QHBoxLayout(box);
   layout->setContentsMargins(0, 0, 0, 0);
   layout->setSpacing(space::kUnit);
@@ -145,13 +145,13 @@ void Form::Stretch() {
 }
 
 std::vector<Form> Form::Columns(int count) {
-  auto* box = new QWidget;
+  auto* box = new QWidget(sheet_);  // a box that moves once it is filled is styled twice
   auto* layout = new QHBoxLayout(box);
   layout->setContentsMargins(0, 0, 0, 0);
   layout->setSpacing(2 * space::kGroup);
   std::vector<Form> forms;
   for (int i = 0; i < count; ++i) {
-    auto* column = new QWidget;
+    auto* column = new QWidget(box);
     Form form(*host_, column, false);
     form.grid_->setContentsMargins(0, 0, 0, 0);
     form.sheet_->setMaximumWidth(QWIDGETSIZE_MAX);
@@ -185,7 +185,7 @@ void Form::Buttons(std::initializer_list<QPushButton*> buttons) {
 }
 
 void Form::ButtonsWithoutDefault(std::initializer_list<QPushButton*> buttons) {
-  auto* box = new QWidget;
+  auto* box = new QWidget(sheet_);  // a box that moves once it is filled is styled twice
   auto* layout = new QHBoxLayout(box);
   layout->setContentsMargins(0, space::kGap, 0, 0);
   layout->setSpacing(space::kUnit);

@@ -96,7 +96,7 @@ class Form {
   int NextRow() const;
   /// Something takes what is left of the window, in height and width.
   void Fill();
-  static QWidget* Side(std::initializer_list<QWidget*> widgets);
+  QWidget* Side(std::initializer_list<QWidget*> widgets);
 
   FormHost* host_;
   QWidget* sheet_;

@@ -22,6 +22,14 @@ MainArea::MainArea(QWidget* frame) : QMdiArea(frame), frame_(frame) {
 
 MainArea::~MainArea() = default;
 
+QWidget* MainArea::MakeRoom() {
+  // It is in the area before it is filled: being taken in would style all that is in it anew.
+  auto* sub = new QMdiSubWindow;
+  sub->setAttribute(Qt::WA_DeleteOnClose);
+  addSubWindow(sub);
+  return sub;
+}
+
 void MainArea::Add(Window& window) {
   if (window.IsFloating()) {
     window.setParent(frame_, Qt::Tool);
@@ -31,11 +39,9 @@ void MainArea::Add(Window& window) {
     window.activateWindow();
     return;
   }
-  auto* sub = new QMdiSubWindow;
-  sub->setAttribute(Qt::WA_DeleteOnClose);
+  QMdiSubWindow* sub = SubWindowOf(window);
   sub->setWidget(&window);
   sub->setWindowIcon(window.windowIcon());
-  addSubWindow(sub);
   if (viewMode() == QMdiArea::TabbedView) {
     sub->showMaximized();
   } else {

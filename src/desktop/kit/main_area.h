@@ -16,6 +16,7 @@ class MainArea : public QMdiArea, public WindowPlace {
   explicit MainArea(QWidget* frame);
   ~MainArea() override;
 
+  QWidget* MakeRoom() override;
   void Add(Window& window) override;
   void BringForward(Window& window) override;
   void Remove(Window& window) override;

@@ -9,7 +9,10 @@
 
 namespace vellumark::desktop {
 
-Window::Window(WindowList& windowList, const QString& name, const QString& title) : FormHost(windowList, *this) {
+Window::Window(WindowList& windowList, const QString& name, const QString& title, Stands stands)
+    : QWidget(stands == Stands::InTheArea ? windowList.TakeRoom() : nullptr),
+      FormHost(windowList, *this),
+      stands_(stands) {
   setObjectName(name);
   setWindowTitle(title);
 }

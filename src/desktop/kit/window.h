@@ -19,12 +19,13 @@ class Window : public QWidget, public FormHost {
   Q_OBJECT
 
  public:
-  Window(WindowList& windowList, const QString& name, const QString& title);
+  /// Small floating windows (the menus of the toolbar) stand over the main area, not in a tab.
+  enum class Stands { InTheArea, OverIt };
+  Window(WindowList& windowList, const QString& name, const QString& title, Stands stands = Stands::InTheArea);
   ~Window() override;
 
   std::string Name() const { return objectName().toStdString(); }
-  /// Small floating windows (the menus of the toolbar) stand over the main area, not in a tab.
-  virtual bool IsFloating() const { return false; }
+  bool IsFloating() const { return stands_ == Stands::OverIt; }
   /// The button of a common command ("cmdSave", "cmdDelete", "cmdPrint") is there and can be used.
   bool CanDo(const QString& command) const;
   /// Clicks it, if it can be used.
@@ -41,6 +42,9 @@ class Window : public QWidget, public FormHost {
   void closeEvent(QCloseEvent* event) override;
   void showEvent(QShowEvent* event) override;
   void keyPressEvent(QKeyEvent* event) override;
+
+ private:
+  Stands stands_;
 };
 
 /// A modal window. Escape and its close button cancel, after asking MayClose. Its size is remembered.

@@ -59,10 +59,7 @@ Window* WindowList::Form(std::string_view name) const {
 Window* WindowList::OpenForm(const std::string& name, const Arguments& arguments) {
   Window* window = Form(name);
   if (window == nullptr) {
-    const auto factory = factories_.find(name);
-    if (factory == factories_.end()) throw std::logic_error("there is no window " + name);
-    window = factory->second(*this);
-    if (window->Name() != name) throw std::logic_error("window " + name + " calls itself " + window->Name());
+    window = Make(name);
     open_.push_back(window);
     hosts_.push_back({window, window});
     if (place_ != nullptr) {
@@ -81,6 +78,18 @@ Window* WindowList::OpenForm(const std::string& name, const Arguments& arguments
   const QPointer<Window> stillThere = window;
   window->OnOpen(arguments);
   return stillThere;
+}
+
+Window* WindowList::Make(const std::string& name) {
+  const auto factory = factories_.find(name);
+  if (factory == factories_.end()) throw std::logic_error("there is no window " + name);
+  std::unique_ptr<QWidget> room(place_ == nullptr ? nullptr : place_->MakeRoom());
+  room_ = room.get();
+  Window* window = factory->second(*this);
+  room_.clear();
+  if (window->Name() != name) throw std::logic_error("window " + name + " calls itself " + window->Name());
+  if (window->parentWidget() == room.get()) static_cast<void>(room.release());  // the place has it
+  return window;
 }
 
 std::optional<Arguments> WindowList::RunDialog(const std::string& name, const Arguments& arguments) {

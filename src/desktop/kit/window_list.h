@@ -3,6 +3,7 @@
 #include <QObject>
 #include <QPointer>
 #include <QTimer>
+#include <QWidget>
 #include <functional>
 #include <map>
 #include <memory>
@@ -29,6 +30,8 @@ class Window;
 class WindowPlace {
  public:
   virtual ~WindowPlace() = default;
+  /// The empty frame of a window that is about to be made in it: a window that moves once it is filled is styled twice.
+  virtual QWidget* MakeRoom() = 0;
   virtual void Add(Window& window) = 0;
   virtual void BringForward(Window& window) = 0;
   /// The window is closing; it deletes itself.
@@ -92,6 +95,8 @@ class WindowList : public QObject {
   void DeliverChanges();
 
   // For windows.
+  /// What the window that is being made stands in; nothing for one that stands alone.
+  QWidget* TakeRoom() { return std::exchange(room_, {}); }
   void Join(Dialog& dialog);
   void Forget(Window& window);
   void Forget(Dialog& dialog);
@@ -104,11 +109,13 @@ class WindowList : public QObject {
     QPointer<QObject> object;
     FormHost* host;
   };
+  Window* Make(const std::string& name);
   void Leave(QObject& object);
   void Hold(const Change& change);
 
   WaitProgress* wait_;
   WindowPlace* place_ = nullptr;
+  QPointer<QWidget> room_;
   std::map<std::string, WindowFactory> factories_;
   std::map<std::string, DialogFactory> dialogFactories_;
   std::vector<Window*> open_;

@@ -37,7 +37,8 @@ constexpr std::array<Entry, 8> kEntries{{
 
 }  // namespace
 
-DBToolsMenu::DBToolsMenu(WindowList& windowList) : Window(windowList, "DBToolsMenu", tr("DB Tools")) {
+DBToolsMenu::DBToolsMenu(WindowList& windowList)
+    : Window(windowList, "DBToolsMenu", tr("DB Tools"), Stands::OverIt) {
   Form form(*this);
   bool first = true;
   for (const Entry& entry : kEntries) {

@@ -10,7 +10,6 @@ class DBToolsMenu : public Window {
 
  public:
   explicit DBToolsMenu(WindowList& windowList);
-  bool IsFloating() const override { return true; }
 
  protected:
   /// Up and Down walk, as in a menu.
