@@ -163,7 +163,7 @@ const Table Basic{"_Basic",
                          Text("Inv_Note", 30, kZero), Long("IngSort"), Boolean("Additive"), Single("VOC"),
                          Single("HAP"), Long("LotRefID")} +
                       GuideFields(),
-                  {{"Color_Name"}, {"Color_Code"}},
+                  {{"Color_Name"}, {"Color_Code"}, {"Reorder", "Inventory"}},
                   "Color_Name"};
 const Table BasicLotInv = LotTable("_Basic_LotInv");
 const Table BasicLab = LabTable("_Basic_LAB");
@@ -179,7 +179,7 @@ const Table Mix{"_Mix",
                            Text("Inv_Note", 30, kZero), Text("AddSetName", 30, kZero), Single("VOC"),
                            Single("BasicVOC"), Single("HAP"), Single("BasicHAP"), Long("LotRefID")} +
                     GuideFields(),
-                {{"Color_Name"}, {"Color_Code"}, {"Color_Set"}, {"AddSetName", "Color_Name"}},
+                {{"Color_Name"}, {"Color_Code"}, {"Color_Set"}, {"AddSetName", "Color_Name"}, {"Reorder", "Inventory"}},
                 "Color_Name"};
 const Table MixLotInv = LotTable("_Mix_LotInv");
 const Table MixLab = LabTable("_Mix_LAB");

@@ -2,7 +2,10 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
+
 #include "core/base/number.h"
+#include "core/base/text.h"
 
 namespace vellumark {
 
@@ -34,10 +37,13 @@ std::vector<ColorStock> ListStock(const Session& session, std::optional<std::str
 std::vector<LowStock> ColorsBelowReorder(const Session& session) {
   std::vector<LowStock> low;
   for (const ColorKind kind : {ColorKind::Basic, ColorKind::Mix}) {
-    Statement colors =
-        session.File().Prepare(fmt::format("SELECT Color_Name, Reorder, Red, Green, Blue FROM {} WHERE Reorder > 0 OR "
-                                           "Inventory < 0 ORDER BY Color_Name, rowid",
-                                           Quoted(session.Table(ColorTable(kind)))));
+    // Which rows may be meant is told by the index of just these two figures: the rows are wide, and most are not. Lots
+    // only add to what stands in the row.
+    Statement colors = session.File().Prepare(
+        fmt::format("SELECT Color_Name, Reorder, Red, Green, Blue FROM {0} WHERE rowid IN (SELECT rowid FROM {0} WHERE "
+                    "(Reorder > 0 OR Inventory < 0) AND COALESCE(Inventory, 0) < COALESCE(Reorder, 0) + 0.001)",
+                    Quoted(session.Table(ColorTable(kind)))));
+    const auto first = static_cast<std::ptrdiff_t>(low.size());
     while (colors.Step()) {
       LowStock one{kind,
                    colors.Text(0),
@@ -49,6 +55,9 @@ std::vector<LowStock> ColorsBelowReorder(const Session& session) {
       one.total = TotalStock(session, kind, one.Color_Name);
       if (one.total < one.Reorder) low.push_back(std::move(one));
     }
+    std::stable_sort(low.begin() + first, low.end(), [](const LowStock& a, const LowStock& b) {
+      return CompareNoCase(a.Color_Name, b.Color_Name) < 0;
+    });
   }
   return low;
 }

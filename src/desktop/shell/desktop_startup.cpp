@@ -37,7 +37,8 @@ void DesktopStartup::ShowMainWindow(const std::string& caption) {
   } else {
     main_.show();
   }
-  QCoreApplication::processEvents();
+  // It shows itself; keys and clicks wait until there is a file to work on.
+  QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents);
 }
 
 void DesktopStartup::ShowNewSetup(Session&) {

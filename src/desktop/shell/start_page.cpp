@@ -64,6 +64,7 @@ StartPage::StartPage(WindowList& windowList, QWidget* parent)
   facts_->setObjectName("lblStartFacts");
   makeBatch_ = new QPushButton(Icon("Batch"), tr("Make a &Batch"), column);
   makeBatch_->setObjectName("cmdMakeBatch");
+  makeBatch_->hide();  // until a file is open
   connect(makeBatch_, &QPushButton::clicked, this, [this] { windows_.OpenForm("BatchForm"); });
   lowHeading_ = new QLabel(tr("Colors under their reorder point"), column);
   lowHeading_->setFont(Look::Heading());
@@ -150,6 +151,8 @@ void StartPage::ShowLowStock() {
   for (int column : {2, 3}) low_->horizontalHeaderItem(column)->setTextAlignment(Qt::AlignRight | Qt::AlignVCenter);
   for (int column : {0, 1}) low_->horizontalHeaderItem(column)->setTextAlignment(Qt::AlignLeft | Qt::AlignVCenter);
   const int shown = static_cast<int>(std::min<std::size_t>(low.size(), kMostShown));
+  // Columns that fit their content would be measured anew with every cell that is filled in.
+  low_->horizontalHeader()->setSectionResizeMode(QHeaderView::Fixed);
   low_->setRowCount(shown);
   const QFont figures = Look::Figures(1.4);
   for (int row = 0; row < shown; ++row) {
@@ -163,8 +166,7 @@ void StartPage::ShowLowStock() {
     low_->setItem(row, 3, Amount(color.Reorder, figures));
   }
   low_->horizontalHeader()->setSectionResizeMode(0, QHeaderView::Stretch);
-  for (int column = 1; column < 4; ++column)
-    low_->horizontalHeader()->setSectionResizeMode(column, QHeaderView::ResizeToContents);
+  for (int column = 1; column < 4; ++column) low_->resizeColumnToContents(column);
   // As tall as its rows, and no empty frame below them.
   low_->setMaximumHeight(low_->horizontalHeader()->sizeHint().height() + shown * space::kRowHeight +
                          2 * low_->frameWidth() + space::kTight);
