@@ -272,7 +272,7 @@ Result<void> TakeLots(Session& session, BatchRecord& record, const std::string& 
   if (auto open = OpenRowLots(session, record, row); !open) return open;
   const BatchRow& shown = record.work.Rows[row];
   auto work = LoadLotSelection(session, shown.name, LineKind(shown.kind), LotNeed(session, record, row),
-                               record.work.UMF, RowLots(record, row));
+                               record.work.UMF, RowLots(record, row), WithheldFrom(session, record, row));
   if (!work) return std::unexpected(work.error());
   if (auto taken = TakeFromLots(*work, Trim(found->second), RoundTo(*quantity, 3)); !taken) return taken;
   return SetRowLots(session, record, row, work->Selection());

@@ -261,6 +261,27 @@ TEST(CliBatch, RefusesWhatTheWindowRefuses) {
   EXPECT_EQ(shop.Json({"batch", "list"}).size(), 0U);
 }
 
+// A Batch that was made and is opened again is not made of itself, and an addition below zero holds when more ink is
+// recycled.
+TEST(CliBatch, EditsAgainstTheStockWithoutItself) {
+  BatchShop shop;
+  shop.Json({"batch", "save", "--formula", "TARGET", "--quantity", "100", "--mix"});
+  const auto rows = [](const ordered_json& batch) {
+    std::vector<std::string> lines;
+    for (const auto& row : batch["Rows"])
+      lines.push_back(row["Name"].get<std::string>() + " " + row["Amount"].get<std::string>());
+    return lines;
+  };
+  const auto grown = shop.Json({"batch", "edit", "1", "--quantity", "120", "--recycle"});
+  EXPECT_EQ(rows(grown), (std::vector<std::string>{"VIOLET 30.000", "RED 57.000", "BLUE 33.000"}));
+  shop.Json({"batch", "edit", "1", "--add", "RED=-50"});
+  const auto refused = shop.Run({"--json", "batch", "edit", "1", "--take", "TARGET=20"});  // brings 12 RED
+  EXPECT_EQ(refused.status, 1) << refused.out;
+  EXPECT_EQ(refused.Json()["refused"]["title"], "Batch Addition Adjustment");
+  EXPECT_EQ(rows(shop.Json({"batch", "show", "1"})),
+            (std::vector<std::string>{"VIOLET 30.000", "RED 57.000", "BLUE 33.000", "RED -50.000"}));
+}
+
 TEST(CliBatch, AdditionsChangeTheFormulaWhenTold) {
   const BatchShop shop;
   const std::vector<std::string> save{"batch", "save",  "--formula", "TARGET", "--quantity",

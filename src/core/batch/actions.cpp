@@ -18,15 +18,13 @@ namespace {
 
 enum class QuantityStep { Same, Smaller, Larger };
 
-// The total is that of the quantity calculated last; a round-off that found no ingredient row is not in it. Both are
-// compared as Singles: a quantity that is merely calculated again must not seem another.
-QuantityStep CompareWithTotal(const BatchWork& work) {
-  const double unplaced = work.Ingredients.empty() ? RoundTo(work.Roundoff, 3) : 0;
-  const auto last = static_cast<float>(RoundTo(work.Total, 3) + unplaced);
-  const Currency total = Currency::From(RoundTo(last, 4));
-  const Currency quantity = Currency::From(RoundTo(static_cast<float>(work.Quantity()), 4));
-  if (quantity == total) return QuantityStep::Same;
-  return quantity < total ? QuantityStep::Smaller : QuantityStep::Larger;
+// With the quantity that the rows stand for, not with their total: additions are in that, and a round-off that found no
+// ingredient row is not.
+QuantityStep CompareWithRows(const BatchWork& work) {
+  const Currency rows = Currency::From(RoundTo(LeadingNumber(work.CalculatedQuantity), 3));
+  const Currency quantity = Currency::From(RoundTo(work.Quantity(), 3));
+  if (quantity == rows) return QuantityStep::Same;
+  return quantity < rows ? QuantityStep::Smaller : QuantityStep::Larger;
 }
 
 // Compared in one decimal: an amount that would lose less than that is no reason to ask.
@@ -125,12 +123,13 @@ Result<bool> RecycleAction(Session& session, BatchWork& work) {
   if (work.Color_Name.empty()) return false;
   bool doRecycle = true;
   if (!work.RecycledColors.empty()) {
-    switch (CompareWithTotal(work)) {
+    switch (CompareWithRows(work)) {
       case QuantityStep::Same:
         break;
       case QuantityStep::Smaller:
         if (RecycledMustShrink(work) && !AskDecrease(session)) {
-          work.QuantityText = work.TotalText;
+          work.QuantityText = work.CalculatedQuantity;
+          work.QuantityChanged = false;
           return false;
         }
         break;

@@ -129,6 +129,18 @@ Refusal AdditionRefusal(AdditionFault fault) {
   throw std::logic_error("a line without a fault is not refused");
 }
 
+Result<void> CheckNegativeAdditions(const BatchWork& work) {
+  for (const BatchIngredient& addition : work.Additions)
+    if (addition.Amount < 0 &&
+        Thousandths(AmountOfIngredient(work, addition.IngName) + RoundTo(addition.Amount, 3)) < 0)
+      return Refuse("Batch Addition Adjustment",
+                    fmt::format("The Batch would hold less {} than its negative addition takes back.\n"
+                                "Change the addition first.",
+                                addition.IngName),
+                    "fgRecList");
+  return {};
+}
+
 Result<void> CheckAdditions(const BatchWork& work) {
   if (work.QuantityChanged)
     return Refuse("Recalculate Batch",

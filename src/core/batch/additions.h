@@ -1,8 +1,10 @@
 #pragma once
 
+#include <algorithm>
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "core/batch/batch_work.h"
@@ -41,6 +43,23 @@ Result<std::optional<std::string>> ReadAdditionName(Session& session, std::strin
 
 /// Adds all the lines to the Batch, or none: the first fault is refused.
 Result<void> AddAdditions(Session& session, BatchWork& work, const std::vector<AdditionLine>& lines);
+
+/// Refuses rows in which a negative addition takes back more of a Basic Color than they hold.
+Result<void> CheckNegativeAdditions(const BatchWork& work);
+/// Runs a change of the rows; the work is as it was when that check then refuses it.
+template <class Act>
+auto ChangeRows(BatchWork& work, const Act& act) -> decltype(act()) {
+  const bool mayFail = std::ranges::any_of(work.Additions, [](const BatchIngredient& i) { return i.Amount < 0; });
+  std::optional<BatchWork> before;
+  if (mayFail) before = work;
+  auto result = act();
+  if (!result || !mayFail) return result;
+  if (auto kept = CheckNegativeAdditions(work); !kept) {
+    work = std::move(*before);
+    return std::unexpected(kept.error());
+  }
+  return result;
+}
 
 /// Which of the lines AddAdditions refuses, for the focus; nothing when the fault is in none of them by itself.
 std::optional<std::size_t> FaultyAddition(Session& session, const BatchWork& work,

@@ -3,11 +3,14 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <cmath>
+#include <optional>
 #include <stdexcept>
 #include <utility>
 
 #include "core/base/text.h"
 #include "core/base/units.h"
+#include "core/batch/additions.h"
 #include "core/batch/cost.h"
 #include "core/batch/recipe.h"
 #include "core/batch/recycle_list.h"
@@ -50,8 +53,9 @@ void ForColor(BatchWork& work, std::string_view name, const Do& apply) {
       if (EqualNoCase(color.Color_Name, name)) apply(color);
 }
 
-void EmptyStock(Session& session, const std::string& name) {
-  PostStock(session, {PostingSource::Reset, ColorKind::Mix, name, {}, 0, {}});
+// What an open Batch itself made stays: it is not what was poured out.
+void EmptyStock(Session& session, const BatchWork& work, const std::string& name) {
+  PostStock(session, {PostingSource::Reset, ColorKind::Mix, name, {}, UnlottedMade(session, work, name), {}});
 }
 
 void ShowCalculation(Session& session, BatchWork& work) {
@@ -68,11 +72,24 @@ struct Adjustment {
   bool stockEmptied = false;
 };
 
+// The maximum as it is shown means all that the recipe takes: what the cut left of it would stand as a stray thousandth
+// of an ingredient. Stock that ends with the shown amount gives no more.
+float WholeMaximum(const BatchWork& work, const Adjustment& adjustment) {
+  const auto color = std::ranges::find_if(
+      work.RecycleList, [&](const RecycleColor& c) { return EqualNoCase(c.Color_Name, adjustment.Color_Name); });
+  if (color == work.RecycleList.end()) return adjustment.amount;
+  const double most = MostRecycled(work, *color, RecycledSoFar(work));
+  const float whole = RoundSingle(most, 3);
+  const bool isShownMaximum = Fixed(CutToThousandths(most), 3) == Fixed(adjustment.amount, 3);
+  const bool endsStock = color->Inventory >= adjustment.amount && color->Inventory < whole;
+  return isShownMaximum && !endsStock ? whole : adjustment.amount;
+}
+
 void RunAdjustment(Session& session, BatchWork& work, const Adjustment& adjustment) {
   const auto row = static_cast<std::int32_t>(adjustment.row);
   if (adjustment.amount != 0) {
     work.ClickedIndex = row;
-    AddRecycledColor(session, work, adjustment.Color_Name, adjustment.amount);
+    AddRecycledColor(session, work, adjustment.Color_Name, WholeMaximum(work, adjustment));
   } else {
     if (work.ClickedIndex >= row && work.ClickedIndex >= 1) --work.ClickedIndex;
     if (!work.RecycleList.empty() && work.RecycleList.front().Recycle_Percent == 0) RecalcRecycleList(work);
@@ -88,8 +105,10 @@ void RunAdjustment(Session& session, BatchWork& work, const Adjustment& adjustme
 }
 
 Result<bool> PutIn(Session& session, BatchWork& work, const RecycleColor& color, float amount) {
-  RunAdjustment(session, work, {.Color_Name = color.Color_Name, .row = work.RecycledColors.size(), .amount = amount});
-  return true;
+  return ChangeRows(work, [&]() -> Result<bool> {
+    RunAdjustment(session, work, {.Color_Name = color.Color_Name, .row = work.RecycledColors.size(), .amount = amount});
+    return true;
+  });
 }
 
 // The colour of the list by that name, once all checks passed; null when nothing is to be done.
@@ -108,12 +127,42 @@ Result<const RecycleColor*> Choosable(const BatchWork& work, std::string_view na
   return &*found;
 }
 
+// A share as the person typed it, without the noise of its Single.
+double Decimal(float share) {
+  return RoundTo(share, 9);
+}
+
 // Gives the Batch its grown quantity; refuses one that no Batch may have.
 Result<void> GrowQuantity(BatchWork& work, double quantity) {
   std::string before = std::exchange(work.QuantityText, ShortestText(RoundTo(quantity, 3)));
   auto valid = ValidateQuantity(work);
   if (!valid) work.QuantityText = std::move(before);
   return valid;
+}
+
+// The quantity of the Batch with so much in a Mix row: that of now while the recipe takes it, a larger one when not, in
+// which the rows above keep their amounts. Nothing for a colour that the recipe takes nothing of.
+std::optional<double> QuantityToHold(const BatchWork& work, std::size_t row, double amount) {
+  const double now = work.Quantity();
+  if (amount <= RoundTo(work.Rows[row].max, 3)) return now;
+  std::vector<double> brought(work.FormulaIngredients.size(), 0);
+  double recycled = 0;
+  for (std::size_t i = 0; i <= row; ++i) {
+    const double used = i == row ? amount : work.Rows[i].Amount();
+    recycled += used;
+    for (const RecycleSlot& slot : *work.RecycledColors[i].slots) {
+      if (slot.recipeSlot < 0 || slot.BQ == 0) return std::nullopt;
+      brought[static_cast<std::size_t>(slot.recipeSlot)] += used * Decimal(slot.BQ);
+    }
+  }
+  double quantity = std::max(now, recycled);
+  for (std::size_t i = 0; i < brought.size(); ++i) {
+    if (brought[i] == 0) continue;
+    const double share = Decimal(work.FormulaIngredients[i].Percent);
+    if (!(share > 0)) return std::nullopt;
+    quantity = std::max(quantity, brought[i] / share);
+  }
+  return std::ceil(quantity * 1000 - 1e-6) / 1000;
 }
 
 std::string AmountText(float amount, const BatchWork& work) {
@@ -183,13 +232,16 @@ Result<void> AdjustMixRow(Session& session, BatchWork& work, std::size_t row, co
     if (auto writable = RequireWritable(session); !writable) return writable;
   const std::string name = RowOfKind(work, row, RowKind::Mix).name;
   const std::vector<NamedAmount> above = MixRows(work, row);
-  if (emptyStock) EmptyStock(session, name);
-  RestoreLists(session, work);
-  for (const auto& [aboveName, aboveAmount] : above) AddRecycledColor(session, work, aboveName, aboveAmount);
-  RunAdjustment(
-      session, work,
-      {.Color_Name = name, .row = row, .amount = *amount, .recycle = choice.recycle, .stockEmptied = emptyStock});
-  return {};
+  auto adjusted = ChangeRows(work, [&]() -> Result<void> {
+    RestoreLists(session, work);
+    for (const auto& [aboveName, aboveAmount] : above) AddRecycledColor(session, work, aboveName, aboveAmount);
+    RunAdjustment(
+        session, work,
+        {.Color_Name = name, .row = row, .amount = *amount, .recycle = choice.recycle, .stockEmptied = emptyStock});
+    return {};
+  });
+  if (adjusted && emptyStock) EmptyStock(session, work, name);
+  return adjusted;
 }
 
 Result<bool> ChooseFromRecycleList(Session& session, BatchWork& work, std::string_view name) {
@@ -239,20 +291,24 @@ Result<Overpour> OverpourBasicRow(Session& session, BatchWork& work, std::size_t
 
 Result<Overpour> OverpourMixRow(Session& session, BatchWork& work, std::size_t row, double poured) {
   if (auto valid = CheckAdjustable(work); !valid) return std::unexpected(valid.error());
-  const double share = work.RecycledColors.at(row).Recycle_Percent;
-  if (share == 0 || !(poured > RowOfKind(work, row, RowKind::Mix).Amount())) return Overpour{};
+  const double amount = RoundTo(poured, 3);
+  if (!(amount > RowOfKind(work, row, RowKind::Mix).Amount())) return Overpour{};
+  const auto quantity = QuantityToHold(work, row, amount);
+  if (!quantity) return Overpour{};
   if (!AskOverpour(session, "Excess Recycle Color Weight")) return Overpour{};
-  std::vector<NamedAmount> rows = MixRows(work, work.RecycledColors.size());
-  rows[row].second = RoundSingle(poured, 3);
-  if (auto valid = GrowQuantity(work, poured / share); !valid) return std::unexpected(valid.error());
-  // The recipe for the grown quantity, or the round-off would have to make up for the growth.
-  LoadFormulaIngredients(session, work);
-  RestoreLists(session, work);
-  work.ClickedIndex = static_cast<std::int32_t>(row);
-  for (const auto& [name, amount] : rows) AddRecycledColor(session, work, name, amount);
-  SortRecycleList(work);
-  ShowCalculation(session, work);
-  return Overpour{.reformulated = true, .printDetail = false, .lines = {}};
+  return ChangeRows(work, [&]() -> Result<Overpour> {
+    std::vector<NamedAmount> rows = MixRows(work, work.RecycledColors.size());
+    rows[row].second = static_cast<float>(amount);
+    if (auto valid = GrowQuantity(work, *quantity); !valid) return std::unexpected(valid.error());
+    // The recipe for the grown quantity, or the round-off would have to make up for the growth.
+    LoadFormulaIngredients(session, work);
+    RestoreLists(session, work);
+    work.ClickedIndex = static_cast<std::int32_t>(row);
+    for (const auto& [name, used] : rows) AddRecycledColor(session, work, name, used);
+    SortRecycleList(work);
+    ShowCalculation(session, work);
+    return Overpour{.reformulated = true, .printDetail = false, .lines = {}};
+  });
 }
 
 }  // namespace vellumark

@@ -64,7 +64,8 @@ struct Overpour {
 /// than the row's. Asks before it changes anything and offers to print the change.
 Result<Overpour> OverpourBasicRow(Session& session, BatchWork& work, std::size_t row, std::string_view poured);
 
-/// The Batch grows until the recycled colour's largest share of it is what was poured.
+/// What was poured becomes the row's amount. Within its maximum the quantity stays and the rows below give way; above
+/// it the Batch grows until the row's maximum is what was poured. It never shrinks.
 Result<Overpour> OverpourMixRow(Session& session, BatchWork& work, std::size_t row, double poured);
 
 }  // namespace vellumark

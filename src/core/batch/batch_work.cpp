@@ -5,7 +5,9 @@
 #include <algorithm>
 #include <utility>
 
+#include "core/base/text.h"
 #include "core/base/units.h"
+#include "core/inventory/lots.h"
 
 namespace vellumark {
 namespace {
@@ -74,6 +76,11 @@ float StockInUnit(const Session& session, int unit, float inventory, double lotT
   if (session.InvLotTracking != 0 && lotTotal != 0)
     stock = static_cast<float>(static_cast<double>(stock) + RoundSingle(lotTotal, 3));
   return unit == session.UMI ? stock : static_cast<float>(static_cast<double>(stock) * UnitFactor(session.UMI, unit));
+}
+
+float UnlottedMade(const Session& session, const BatchWork& work, std::string_view name) {
+  if (!(work.made.unlotted > 0) || !EqualNoCase(name, work.Color_Name)) return 0;
+  return std::clamp(UnlottedQty(session, ColorKind::Mix, name), 0.0F, work.made.unlotted);
 }
 
 bool BatchIsFull(const BatchWork& work) {

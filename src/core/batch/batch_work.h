@@ -17,6 +17,7 @@ namespace vellumark {
 /// A remaining basic ingredient of the recipe, or a batch addition. Quantities in the Batch's unit, costs and emissions
 /// per inventory unit.
 struct BatchIngredient {
+  bool inDatabase = false;  ///< the Database had such a Basic Color when the figures were read
   std::string IngName;
   std::string Color_Code;
   float Amount = 0;   ///< still to be taken from this Basic Color
@@ -131,6 +132,13 @@ struct BatchFormula {
   std::int32_t Blue = 0;
 };
 
+/// What a saved Batch that is open has put into stock. It is no stock for the Batch itself: it cannot be made of what
+/// it made.
+struct MadeStock {
+  float unlotted = 0;         ///< in the inventory unit
+  std::int32_t LotRefID = 0;  ///< its lot; 0 when it has none
+};
+
 constexpr int kMostBatchLines = 20;  ///< what a stored Batch can hold
 constexpr double kMostQuantity = 99999;
 
@@ -142,6 +150,7 @@ struct BatchWork {
 
   bool formulaFound = false;
   BatchFormula formula;
+  MadeStock made;                            ///< nothing of a new Batch
   std::vector<BatchIngredient> Ingredients;  ///< what remains of the recipe
   std::vector<RecycleColor> RecycleList;     ///< colours that may still be recycled
   std::vector<RecycleColor> RecycledColors;  ///< those chosen, in order of choosing
@@ -151,6 +160,7 @@ struct BatchWork {
 
   std::int32_t ClickedIndex = -1;  ///< row of the recycled colour last adjusted by hand; -1 when none was
   bool QuantityChanged = false;    ///< the text was edited after the last calculation
+  std::string CalculatedQuantity;  ///< the text for which the rows stand
 
   std::vector<BatchRow> Rows;
   float Total = 0;
@@ -184,6 +194,9 @@ Result<void> ValidateQuantity(const BatchWork& work);
 /// A colour's stock, or another quantity in the inventory unit, with that of its lots, in the Batch's unit. The lots
 /// count while Lotted Inventory is in use.
 float StockInUnit(const Session& session, int unit, float inventory, double lotTotal);
+
+/// Of the colour's unlotted stock what the open Batch itself has put there, in the inventory unit.
+float UnlottedMade(const Session& session, const BatchWork& work, std::string_view name);
 
 /// True when the Batch takes no further line, and its Basic and addition rows cannot be adjusted.
 bool BatchIsFull(const BatchWork& work);

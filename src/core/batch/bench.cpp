@@ -66,12 +66,11 @@ void ResetBasicLots(BatchWork& work) {
 template <class Act>
 auto Alter(Session& session, BatchRecord& record, const Act& act) -> decltype(act()) {
   if (const auto editable = CheckEditable(session, record); !editable) return std::unexpected(editable.error());
-  const float oldTotal = record.work.Total;
   const KeptLots lots(record.work);
   auto result = act();
   if (result) {
     lots.GiveBack(record.work);
-    FollowTotal(session, record, oldTotal);
+    FollowTotal(session, record);
   }
   return result;
 }
@@ -118,6 +117,7 @@ void ClearCalculation(BatchWork& work) {
   work.Rows.clear();
   work.ClickedIndex = -1;
   work.QuantityChanged = false;
+  work.CalculatedQuantity.clear();
   work.Total = work.RecycledTotal = work.AdditionsTotal = work.Roundoff = 0;
   work.LargestAmountIndex = 0;
   work.TotalText.clear();
@@ -174,12 +174,11 @@ Result<void> EnterBatchColor(Session& session, BatchRecord& record, std::string_
   if (EqualNoCase(*name, work.Color_Name) && work.formulaFound) return {};
   if (record.state == BatchState::Edit)
     return Refuse(kEditStateTitle, "The Color Name of a saved Batch cannot be changed.", "Color_Name");
-  const float oldTotal = work.Total;
   ClearCalculation(work);
   work.Color_Name = *name;
   LoadFormulaIngredients(session, work);
   work.Ingredients.clear();
-  FollowTotal(session, record, oldTotal);
+  FollowTotal(session, record);
   return {};
 }
 
@@ -266,6 +265,13 @@ float LotNeed(const Session&, const BatchRecord& record, std::size_t row) {
 
 const LotSelection& RowLots(const BatchRecord& record, std::size_t row) {
   return LotsOfRow(record.work, row);
+}
+
+LotWithheld WithheldFrom(const Session& session, const BatchRecord& record, std::size_t row) {
+  const BatchWork& work = record.work;
+  const BatchRow& shown = work.Rows.at(row);
+  if (shown.kind != RowKind::Mix || !EqualNoCase(shown.name, work.Color_Name)) return {};
+  return {StockInUnit(session, work.UMF, UnlottedMade(session, work, shown.name), 0), work.made.LotRefID};
 }
 
 Result<void> OpenRowLots(Session& session, BatchRecord& record, std::size_t row) {

@@ -58,6 +58,8 @@ Result<void> ApplyAdditionRow(Session& session, BatchRecord& record, std::size_t
 float LotNeed(const Session& session, const BatchRecord& record, std::size_t row);
 /// The row's selection so far.
 const LotSelection& RowLots(const BatchRecord& record, std::size_t row);
+/// What the row's selection must not offer: what a Batch made is no stock for itself.
+LotWithheld WithheldFrom(const Session& session, const BatchRecord& record, std::size_t row);
 /// Before the selection window of the row opens: the guards, and that there is something to select ("Lot Selection
 /// Disabled").
 Result<void> OpenRowLots(Session& session, BatchRecord& record, std::size_t row);

@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <utility>
 
 #include "core/base/text.h"
 
@@ -57,7 +58,8 @@ Result<void> EnterJobNumber(Session&, BatchRecord& record, std::string_view type
   } else {
     record.ReturnToInventory = true;
     if (record.jobs.empty()) {
-      record.jobs.push_back(JobLine(std::move(number), ShownTotal(record)));
+      const double total = record.work.Rows.empty() ? RoundTo(record.jobsTotal, 3) : ShownTotal(record);
+      record.jobs.push_back(JobLine(std::move(number), total));
     } else {
       record.jobs.front().JobNumber = std::move(number);
     }
@@ -150,8 +152,11 @@ std::string ReturnedRuleText() {
          "Qty Returned To Inv  =  Batch Amount  --  Qty Used";
 }
 
-void FollowTotal(Session& session, BatchRecord& record, float oldTotal) {
+void FollowTotal(Session& session, BatchRecord& record) {
+  // A calculation that was taken away, as by another unit, is no smaller Batch: the jobs wait for the next.
+  if (record.work.Rows.empty()) return UpdateReturned(record);
   const float total = record.work.Total;
+  const float oldTotal = std::exchange(record.jobsTotal, total);
   if (record.jobs.size() == 1) {
     BatchJobLine& line = record.jobs.front();
     const bool allOfIt = line.QtyUsed == oldTotal;

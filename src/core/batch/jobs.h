@@ -34,9 +34,9 @@ Result<void> SaveJobItems(Session& session, BatchRecord& record, const std::vect
 /// What a click on lblInvQty tells.
 std::string ReturnedRuleText();
 
-/// After the total became another one: the jobs and the quantity returned follow. A smaller Batch that is split loses
-/// its lines, which is told.
-void FollowTotal(Session& session, BatchRecord& record, float oldTotal);
+/// After the rows became others: the jobs and the quantity returned follow the total. A smaller Batch that is split
+/// loses its lines, which is told.
+void FollowTotal(Session& session, BatchRecord& record);
 /// The quantity returned to inventory anew, from the total, the jobs and the check.
 void UpdateReturned(BatchRecord& record);
 

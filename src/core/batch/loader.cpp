@@ -251,16 +251,21 @@ void FillOldLines(BatchRecord& record) {
     record.OldLines.push_back({i.IngName, i.Amount, kIngTypeAddition, i.Inventory, i.lots});
 }
 
-void ReadStock(const Session& session, const BatchRowReader& row, BatchRecord& record) {
+// What the Batch has put into stock.
+void ReadMade(const Session& session, const BatchRowReader& row, BatchRecord& record) {
+  record.LotRefID = row.IsNull("LotRefID") ? 0 : static_cast<std::int32_t>(row.Whole("LotRefID"));
+  const double made =
+      RoundTo(row.Single("ActualQuantity"), 3) * static_cast<double>(UnitFactor(record.work.UMF, session.UMI));
+  record.oldReturned = std::max(0.0F, RoundSingle(RoundTo(made, 3) - JobsUse(session, record.BatchNo), 3));
+  if (record.LotRefID >= 0) record.work.made = {record.LotRefID == 0 ? record.oldReturned : 0, record.LotRefID};
+}
+
+void ReadStock(const Session& session, BatchRecord& record) {
   const double total = LeadingNumber(record.work.TotalText);
   record.jobs = ReadJobLines(session, record.BatchNo, record.work.UMF, total);
-  record.LotRefID = row.IsNull("LotRefID") ? 0 : static_cast<std::int32_t>(row.Whole("LotRefID"));
+  record.jobsTotal = record.work.Total;
   record.ReturnToInventory = record.LotRefID != -1 || !record.jobs.empty();
-  if (record.ReturnToInventory) {
-    const double made =
-        RoundTo(row.Single("ActualQuantity"), 3) * static_cast<double>(UnitFactor(record.work.UMF, session.UMI));
-    record.oldReturned = std::max(0.0F, RoundSingle(RoundTo(made, 3) - JobsUse(session, record.BatchNo), 3));
-  }
+  if (!record.ReturnToInventory) record.oldReturned = 0;
   double used = 0;
   for (const BatchJobLine& line : record.jobs) used += RoundTo(line.QtyUsed, 3);
   record.returned = record.ReturnToInventory ? RoundSingle(std::max(0.0, total - used), 3) : 0;
@@ -297,20 +302,21 @@ std::optional<BatchRecord> LoadBatchRow(Session& session, std::int64_t rowId, co
   work.UMF = stored.UMF == 0 ? session.UMF : stored.UMF;
   work.Color_Name = row.Text("Color_Name");
   work.QuantityText = Fixed(row.Single("Quantity"), 3);
+  ReadMade(session, row, record);
   LoadFormulaIngredients(session, work);
   if (!work.formulaFound) work.formula.Color_Code = row.Text("Color_Code");
   TakeLines(session, work, stored.lines);
   record.formulaUnchanged = FormulaUnchanged(session, record, row.Single("ActualQuantity"));
   record.modifiedFormula = work.formulaFound && !record.formulaUnchanged;
   work.LargestAmountIndex = static_cast<std::uint8_t>(std::clamp(stored.LargestAmountIndex, 0, 255));
-  if (record.formulaUnchanged && !work.RecycledColors.empty()) {
+  if (record.formulaUnchanged) {
     Replay(session, work, stored.lines);
     work.ClickedIndex = static_cast<std::int32_t>(row.Whole("ClickedIndex"));
   }
   ShowBatchRows(session, work);
-  if (!work.FormulaRecycleList.empty()) RefreshRecycleList(session, work);
+  if (record.formulaUnchanged) RefreshRecycleList(session, work);
   ReadCosts(session, row, work);
-  ReadStock(session, row, record);
+  ReadStock(session, record);
   TakeLots(session, record, takings);
   FillOldLines(record);
   RememberRecord(record);

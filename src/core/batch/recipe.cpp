@@ -86,10 +86,12 @@ void Cap(const Remainder& remainder, RecycleColor& color) {
     color.RecAmount[i] = static_cast<float>(static_cast<double>(factor) * color.RecAmount[i]);
     sum = static_cast<float>(static_cast<double>(sum) + color.RecAmount[i]);
   }
-  // The texts of rounding are what costs time here, and colours without stock are many.
-  color.Usable = factor == 0 ? 0 : RoundSingle(static_cast<double>(factor) * color.Usable, 3);
+  // The texts of rounding are what costs time here, and colours without stock are many. The share goes by the amounts
+  // before they are rounded: of stock in another unit, 0.00136 shown as 0.001, the recipe takes no more for that.
+  const double capped = static_cast<double>(factor) * color.Usable;
+  color.Usable = factor == 0 ? 0 : RoundSingle(capped, 3);
   color.Recycle_Percent =
-      color.Usable == 0 ? 0 : static_cast<float>(static_cast<double>(sum) / color.Usable * color.Recycle_Percent);
+      color.Usable == 0 ? 0 : static_cast<float>(static_cast<double>(sum) / capped * color.Recycle_Percent);
   color.Usable = sum == 0 ? 0 : RoundSingle(sum, 3);
 }
 
@@ -181,6 +183,7 @@ std::optional<BatchIngredient> ReadBatchIngredient(Session& session, int unit, s
       lots, Quoted(session.Table(schema::Basic))));
   if (!row.Bind(1, name).Step()) return std::nullopt;
   BatchIngredient ingredient;
+  ingredient.inDatabase = true;
   ingredient.IngName = row.Text(0);
   ingredient.Color_Code = row.Text(1);
   ingredient.PurchaseCost = row.Single(2);
@@ -304,16 +307,34 @@ void AutoRecycle(Session& session, BatchWork& work) {
   Rearrange(list, order);
 }
 
+double MostRecycled(const BatchWork& work, const RecycleColor& color, double above) {
+  return (work.Quantity() - above) * color.Recycle_Percent;
+}
+
+double CutToThousandths(double most) {
+  constexpr double noise = 5e-7;
+  const double thousandths = most * 1000;
+  const double nearest = std::round(thousandths);
+  return (std::abs(thousandths - nearest) <= nearest * noise ? nearest : std::floor(thousandths)) / 1000;
+}
+
+double RecycledSoFar(const BatchWork& work) {
+  double sum = 0;
+  for (const RecycleColor& color : work.RecycledColors) sum += RoundTo(color.Usable, 3);
+  return sum;
+}
+
 void RefitRecycledColors(BatchWork& work) {
-  const double quantity = work.Quantity();
   std::vector<RecycleColor> kept;
+  double above = 0;
   for (RecycleColor& color : work.RecycledColors) {
-    const double atMost = quantity * color.Recycle_Percent;
+    const double atMost = MostRecycled(work, color, above);
     SetUsable(color, Fixed(atMost, 3) == Fixed(color.Usable, 3) ? static_cast<float>(atMost) : color.Usable);
     CalcRecyclePercent(work, color);
     CapRecycleAmount(work, color);
     if (!(color.Usable > 0)) continue;
     TakeFromIngredients(work, color);
+    above += RoundTo(color.Usable, 3);
     kept.push_back(std::move(color));
   }
   work.RecycledColors = std::move(kept);
@@ -327,7 +348,7 @@ bool AddRecycledColor(Session& session, BatchWork& work, std::string_view name, 
   RecycleColor color = std::move(*found);
   work.RecycleList.erase(found);
   ReadChosenColor(session, work.UMF, color);
-  const double atMost = work.Quantity() * color.Recycle_Percent;
+  const double atMost = MostRecycled(work, color, RecycledSoFar(work));
   if (Fixed(atMost, 3) == Fixed(amount, 3)) amount = static_cast<float>(atMost);
   SetUsable(color, amount);
   CapRecycleAmount(work, color);

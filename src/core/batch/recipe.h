@@ -42,6 +42,14 @@ void AutoRecycle(Session& session, BatchWork& work);
 /// Fits the colours chosen earlier to the quantity of now; drops those of which nothing can be used.
 void RefitRecycledColors(BatchWork& work);
 
+/// The most of the colour that the recipe takes while rows of `above` in all stand over it.
+double MostRecycled(const BatchWork& work, const RecycleColor& color, double above);
+/// The same as a row shows it: cut to thousandths, but not below a thousandth that it only misses by the noise of
+/// Singles (35 of 100 are 35.000).
+double CutToThousandths(double most);
+/// What the rows of the recycled colours so far come to.
+double RecycledSoFar(const BatchWork& work);
+
 /// Moves a colour of RecycleList into the Batch, with that amount or what the recipe leaves room for. False when the
 /// list does not hold it.
 bool AddRecycledColor(Session& session, BatchWork& work, std::string_view name, float amount);

@@ -8,6 +8,7 @@
 #include <utility>
 #include <vector>
 
+#include "core/base/changes.h"
 #include "core/base/date.h"
 #include "core/batch/batch_work.h"
 #include "core/inventory/lot_selection.h"
@@ -90,6 +91,7 @@ struct BatchRecord {
   bool Complete = false;
 
   std::vector<BatchJobLine> jobs;  ///< at most ten
+  float jobsTotal = 0;             ///< the total that they were last fitted to
   bool ReturnToInventory = true;   ///< chkReturnToInventory; counts while there is no job
   float returned = 0;              ///< lblInvQty: what goes to stock of what is made
   std::int32_t LotRefID = 0;       ///< lot of the made colour; 0 Unlotted Inventory; -1 when nothing went to stock
@@ -118,6 +120,10 @@ BatchRecord NewBatchRecord(const Session& session);
 
 /// The number that the next new Batch gets: the counter, or the first one after it that no Batch of this Database has.
 std::int32_t UpcomingBatchNo(const Session& session);
+
+/// Of the changes of one commit: colours that got another name, or were merged into one, bear it from now on in a Batch
+/// that is not stored. A saved Batch that is open is no longer editable then.
+void FollowRenames(const Session& session, BatchRecord& record, const std::vector<Change>& changes);
 
 /// True when anything differs from what the load remembered. Of a new Batch: when it has rows.
 bool RecordHasChanged(const Session& session, const BatchRecord& record);

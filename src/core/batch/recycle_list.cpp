@@ -12,6 +12,7 @@
 #include "core/colors/color_set.h"
 #include "core/colors/names.h"
 #include "core/datafile/schema.h"
+#include "core/inventory/lots.h"
 
 namespace vellumark {
 namespace {
@@ -121,6 +122,13 @@ std::string CandidatesSql(Session& session, int slots, int rows = kRowsAtOnce) {
       Quoted(session.Table(schema::Mix)), wanted);
 }
 
+// What the lot holds that the open Batch itself made, when it is one of that colour.
+double OwnLot(const Session& session, const BatchWork& work, std::string_view name) {
+  if (session.InvLotTracking == 0 || work.made.LotRefID <= 0 || !EqualNoCase(name, work.Color_Name)) return 0;
+  const auto lot = FindLot(session, ColorKind::Mix, name, {}, work.made.LotRefID);
+  return lot ? RoundTo(lot->LotQty, 3) : 0;
+}
+
 RecycleColor ReadCandidate(const Session& session, const BatchWork& work, const Statement& row, int slots) {
   int used = 0;
   while (used < slots && !row.TextView(used).empty()) ++used;
@@ -142,7 +150,9 @@ RecycleColor ReadCandidate(const Session& session, const BatchWork& work, const 
   color.Color_Name = row.TextView(column++);
   color.Recycle = row.Bool(column++);
   const float inventory = row.Single(column++);
-  color.Inventory = StockInUnit(session, work.UMF, inventory, row.Number(column));
+  const float own = UnlottedMade(session, work, color.Color_Name);
+  color.Inventory = StockInUnit(session, work.UMF, own == 0 ? inventory : RoundSingle(RoundTo(inventory, 3) - own, 3),
+                                row.Number(column) - OwnLot(session, work, color.Color_Name));
   SetUsable(color, color.Inventory);
   return color;
 }

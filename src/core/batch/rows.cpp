@@ -6,6 +6,7 @@
 #include <cmath>
 
 #include "core/base/units.h"
+#include "core/batch/recipe.h"
 
 namespace vellumark {
 namespace {
@@ -27,8 +28,8 @@ BatchRow RecycledRow(const Session& session, const BatchWork& work, const Recycl
   row.nameHint = kHintInventory;
   row.amountHint = kHintAmount;
   if (color.Recycle_Percent != 0) {
-    const double share = (work.Quantity() - recycledAbove) * color.Recycle_Percent;
-    row.max = RoundSingle(std::floor(share * 1000) / 1000, 3);
+    // What is in use can be used: a share that is no whole number of thousandths was rounded up, not cut.
+    row.max = RoundSingle(std::max(CutToThousandths(MostRecycled(work, color, recycledAbove)), row.Amount()), 3);
     row.amountHint = fmt::format("{} (Max Amount = {}{})", row.amount, Fixed(row.max, 3), row.unit);
   }
   const auto place = static_cast<std::int32_t>(work.Rows.size());
@@ -101,6 +102,7 @@ void ShowBatchRows(const Session& session, BatchWork& work) {
   work.RecycledTotal = RoundSingle(sums.recycled, 3);
   work.AdditionsTotal = RoundSingle(sums.additions, 3);
   if (work.Quantity() > 0) work.QuantityText = Fixed(work.Quantity(), 3);
+  work.CalculatedQuantity = work.QuantityText;
   work.zeroRows = 0;
   for (BatchRow& row : work.Rows) {
     row.zero = row.amount == "0.000";

@@ -32,6 +32,23 @@ void AskComplete(Session& session, BatchRecord& record) {
   record.Complete = session.prompt.Ask("Batch Completion State            ", "Mark this Batch as Complete?");
 }
 
+// The answer holds once the Batch is stored; until then the Batch on the bench is as it was.
+class CompleteAnswer {
+ public:
+  explicit CompleteAnswer(BatchRecord& record) : record_(record), before_(record.Complete) {}
+  ~CompleteAnswer() {
+    if (!stored_) record_.Complete = before_;
+  }
+  CompleteAnswer(const CompleteAnswer&) = delete;
+  CompleteAnswer& operator=(const CompleteAnswer&) = delete;
+  void Stored() { stored_ = true; }
+
+ private:
+  BatchRecord& record_;
+  bool before_;
+  bool stored_ = false;
+};
+
 // Location and container belong to the lot that is made; of a Batch that is used up there is none.
 bool PassLotDetails(Session& session, const BatchRecord& record) {
   if (session.InvLotTracking == 0 || record.returned > 0 || record.JobNumber().empty()) return true;
@@ -68,6 +85,7 @@ bool PassLotReminder(Session& session, const BatchRecord& record, BatchDialogs& 
 
 Result<SaveEnd> SaveBatch(Session& session, BatchRecord& record, BatchDialogs& dialogs, std::int32_t* savedNo,
                           MoveOn moveOn) {
+  CompleteAnswer complete(record);
   const auto passed = Checks(session, record, dialogs, Held::No);
   if (!passed) return std::unexpected(passed.error());
   if (!*passed) return SaveEnd::Stays;
@@ -75,10 +93,13 @@ Result<SaveEnd> SaveBatch(Session& session, BatchRecord& record, BatchDialogs& d
   const auto next = moveOn == MoveOn::ToNext ? NextBatchRow(session, record) : std::nullopt;
   if (record.state == BatchState::Edit && !Changed(session, record)) {
     LeaveFor(session, record, true, next);
+    complete.Stored();
     return SaveEnd::Kept;
   }
   const auto stored = StoreBatch(session, record, dialogs, savedNo);
-  if (stored && *stored == SaveEnd::Stored) MoveTo(session, record, next);
+  if (!stored || *stored != SaveEnd::Stored) return stored;
+  complete.Stored();
+  MoveTo(session, record, next);
   return stored;
 }
 

@@ -7,6 +7,7 @@
 #include <stdexcept>
 
 #include "core/base/text.h"
+#include "core/batch/additions.h"
 #include "core/batch/holding.h"
 #include "core/batch/job_rows.h"
 #include "core/batch/leave.h"
@@ -142,21 +143,42 @@ Result<void> CheckLotReferences(const Session& session, const BatchRecord& recor
   return {};
 }
 
-// A colour that got another name, or was merged, while the Batch was open: stored under its old one the lines would
-// take from nothing.
+// The first colour of the Batch that was there when it was calculated and is not any more.
+std::optional<std::string> ColorGone(const Session& session, const BatchRecord& record) {
+  const auto gone = [&](ColorKind kind, const std::string& name) {
+    return session.File()
+        .Scalar(fmt::format("SELECT 1 FROM {} WHERE Color_Name = ? LIMIT 1", Quoted(session.Table(ColorTable(kind)))),
+                {name})
+        .IsNull();
+  };
+  const BatchWork& work = record.work;
+  if (work.formulaFound && gone(ColorKind::Mix, work.Color_Name)) return work.Color_Name;
+  for (const RecycleColor& color : work.RecycledColors)
+    if (color.rowId != 0 && gone(ColorKind::Mix, color.Color_Name)) return color.Color_Name;
+  for (const auto* list : {&work.Ingredients, &work.Additions})
+    for (const BatchIngredient& i : *list)
+      if (i.inDatabase && gone(ColorKind::Basic, i.IngName)) return i.IngName;
+  return std::nullopt;
+}
+
+// A colour that got another name, was merged or deleted while the Batch was on the bench: stored under its old name its
+// line would take from nothing.
 Result<void> CheckNames(const Session& session, const BatchRecord& record) {
-  if (record.state != BatchState::Edit) return {};
   const auto stored = ReadStoredLines(session, record.rowId);
-  bool same = stored && stored->Color_Name == record.remembered.Color_Name;
+  bool same = record.state != BatchState::Edit || (stored && stored->Color_Name == record.remembered.Color_Name);
   for (const OldBatchLine& old : record.OldLines)
     same = same && std::ranges::any_of(stored->lines, [&](const StoredLine& line) {
              return line.IngType == old.IngType && EqualNoCase(line.IngName, old.IngName);
            });
-  if (same) return {};
-  return Refuse("Batches Window - Edit State",
-                "This Batch is no longer editable.\n"
-                "A Master Formula associated with this Batch has been deleted or modified\n"
-                "since this Batch was saved.");
+  if (!same)
+    return Refuse("Batches Window - Edit State",
+                  "This Batch is no longer editable.\n"
+                  "A Master Formula associated with this Batch has been deleted or modified\n"
+                  "since this Batch was saved.");
+  if (const auto gone = ColorGone(session, record))
+    return Refuse("Color Not Found",
+                  fmt::format("{} is no longer in this database.\nCalculate the Batch again.", *gone), "txtQuantity");
+  return {};
 }
 
 }  // namespace
@@ -172,6 +194,8 @@ Result<void> CheckStorable(const Session& session, const BatchRecord& record) {
   if (record.work.Rows.size() > static_cast<std::size_t>(kMostBatchLines))
     return Refuse("Save Batch", fmt::format("A Batch holds at most {} lines.", kMostBatchLines));
   if (auto named = CheckNames(session, record); !named) return named;
+  if (record.state != BatchState::Edit || RecordHasChanged(session, record))
+    if (auto kept = CheckNegativeAdditions(record.work); !kept) return kept;
   return CheckLotReferences(session, record);
 }
 

@@ -43,21 +43,10 @@ std::vector<LotSelectionRow> StockRows(const Session& session, const std::string
   return rows;
 }
 
-void GiveBack(std::vector<LotSelectionRow>& rows, std::span<const LotUse> givenBack) {
-  for (const LotUse& use : givenBack) {
-    auto place = FindRef(rows, use.LotRefID);
-    if (!place) {
-      const auto before = std::find_if(rows.begin() + 1, rows.end(), [&use](const LotSelectionRow& row) {
-        return CompareNoCase(row.lot.LotNumber, use.LotNumber) > 0;
-      });
-      const auto added = rows.insert(before, LotSelectionRow{use, 0, false});
-      added->lot.LotQty = 0;
-      added->lot.Remove = false;
-      place = static_cast<std::size_t>(added - rows.begin());
-    }
-    LotSelectionRow& row = rows[*place];
-    row.InvQty = RoundSingle(row.InvQty + use.LotQty, 3);
-  }
+void Withhold(std::vector<LotSelectionRow>& rows, const LotWithheld& withheld) {
+  rows.front().InvQty = RoundSingle(RoundTo(rows.front().InvQty, 3) - RoundTo(withheld.unlotted, 3), 3);
+  if (const auto lot = withheld.LotRefID > 0 ? FindRef(rows, withheld.LotRefID) : std::nullopt)
+    rows.erase(rows.begin() + static_cast<std::ptrdiff_t>(*lot));
 }
 
 void MarkEarlier(LotSelectionWork& work, const LotSelection& earlier) {
@@ -175,7 +164,7 @@ LotSelection LotSelectionWork::Selection() const {
 }
 
 Result<LotSelectionWork> LoadLotSelection(const Session& session, std::string_view name, LotLineKind kind, float need,
-                                          int unit, const LotSelection& earlier, std::span<const LotUse> givenBack) {
+                                          int unit, const LotSelection& earlier, const LotWithheld& withheld) {
   LotSelectionWork work;
   work.IngName = name;
   work.kind = kind;
@@ -186,7 +175,7 @@ Result<LotSelectionWork> LoadLotSelection(const Session& session, std::string_vi
                   "A negative Batch Addition has been applied to this color.\n\nIt has created a Zero Quantity for the "
                   "Ingredient.");
   work.rows = StockRows(session, work.IngName, ColorKindOf(kind), unit);
-  GiveBack(work.rows, givenBack);
+  Withhold(work.rows, withheld);
   MarkEarlier(work, earlier);
   return work;
 }

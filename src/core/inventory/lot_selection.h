@@ -2,7 +2,6 @@
 
 #include <cstdint>
 #include <optional>
-#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -88,12 +87,16 @@ struct LotSelectionWork {
   LotSelection Selection() const;
 };
 
+/// Stock that a line is not offered, because the open Batch itself made it.
+struct LotWithheld {
+  float unlotted = 0;         ///< in the Batch's unit
+  std::int32_t LotRefID = 0;  ///< a whole lot; 0 for none
+};
+
 /// The list of a line with its earlier selection marked again: what shrank meanwhile gives what is there, and what is
-/// gone is left out. Stock is what the tables hold; `givenBack` (quantities in the Batch's unit) counts as well, for a
-/// Batch that holds its lines back without writing. Refused when an addition has brought the need to nothing.
+/// gone or withheld is left out. Refused when an addition has brought the need to nothing.
 Result<LotSelectionWork> LoadLotSelection(const Session& session, std::string_view name, LotLineKind kind, float need,
-                                          int unit, const LotSelection& earlier = {},
-                                          std::span<const LotUse> givenBack = {});
+                                          int unit, const LotSelection& earlier = {}, const LotWithheld& withheld = {});
 
 /// "Cancel without saving changes?"
 bool ConfirmCancelLotSelection(const Session& session);

@@ -76,6 +76,9 @@ void BatchForm::OnChanges(const std::vector<Change>& changes) {
     ReadBatchSettings(session, record_.work);
     SetButtonAction();
   }
+  const std::string before = record_.work.Color_Name;
+  FollowRenames(session, record_, changes);
+  if (record_.work.Color_Name != before && EqualNoCase(name_->Text(), before)) name_->SetText(record_.work.Color_Name);
   // A cleared window shows the next number and the settings as they are now; a recipe on screen stays as it was worked
   // out.
   if (record_.state == BatchState::None && record_.work.Color_Name.empty() && name_->text().isEmpty() &&
@@ -84,6 +87,7 @@ void BatchForm::OnChanges(const std::vector<Change>& changes) {
     Show();
   } else {
     rows_->Show(record_);
+    recycleList_->Show(record_.work);
     Changed();
   }
 }
@@ -306,7 +310,9 @@ void BatchForm::cmdSettings_Click() {
 }
 
 bool BatchForm::MayClose() {
-  if (!FieldsEntered()) return false;
+  // A name that was typed and not entered is no Batch yet; it goes with the window, whether it is known or not.
+  if (name_->Text() != record_.work.Color_Name) name_->SetText(record_.work.Color_Name);
+  if (!job_->Enter()) return false;
   try {
     WatchedDialogs dialogs(dialogs_);
     const Result<bool> gone = CloseBatch(session, record_, dialogs);

@@ -130,7 +130,8 @@ void BatchForm::LotsClicked(int row) {
                                                                   {"Kind", kind},
                                                                   {"IngQty", LotNeed(session, record_, place)},
                                                                   {"Unit", record_.work.UMF},
-                                                                  {"Selection", RowLots(record_, place)}});
+                                                                  {"Selection", RowLots(record_, place)},
+                                                                  {"Withheld", WithheldFrom(session, record_, place)}});
   if (!answered) return;
   const Result<void> chosen = SetRowLots(session, record_, place, answered->Get<LotSelection>("Selection"));
   Show();

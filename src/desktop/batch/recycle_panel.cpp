@@ -99,8 +99,19 @@ void RecyclePanel::ShowCaptions(int unit) {
 void RecyclePanel::Show(const BatchWork& work) {
   source_->Set(RecycleListRows(work, view_));
   ShowCaptions(work.UMF);
-  list_->SetEmptyText(work.Rows.empty() ? QString() : tr("No color can be recycled"));
+  const QString empty = source_->Rows() == 0 ? EmptyText(work) : QString();
+  list_->SetEmptyText(empty);
+  list_->View().setAccessibleDescription(empty);
   list_->Refresh();
+}
+
+// Why nothing is listed: nothing can be recycled, all of it is in the Batch already, or the filter hides it.
+QString RecyclePanel::EmptyText(const BatchWork& work) const {
+  if (work.Rows.empty() || work.FormulaRecycleList.empty()) return {};
+  const bool taken = !work.RecycledColors.empty();
+  if (!RecycleListRows(work, {}).empty())
+    return taken ? tr("No other color in stock can be recycled") : tr("No color in stock can be recycled");
+  return taken ? tr("Every color that can be recycled is in the Batch") : tr("No color can be recycled");
 }
 
 void RecyclePanel::Take(int row) {

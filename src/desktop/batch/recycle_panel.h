@@ -26,6 +26,7 @@ class RecyclePanel : public QWidget {
   bool eventFilter(QObject* watched, QEvent* event) override;
 
  private:
+  QString EmptyText(const BatchWork& work) const;
   class Source;
   void ShowCaptions(int unit);
   void Take(int row);

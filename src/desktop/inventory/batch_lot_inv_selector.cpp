@@ -105,11 +105,10 @@ std::vector<GridColumn> BatchLotInvSelector::Columns() const {
 
 void BatchLotInvSelector::OnOpen(const Arguments& arguments) {
   const auto earlier = arguments.Has("Selection") ? arguments.Get<LotSelection>("Selection") : LotSelection{};
-  const auto givenBack =
-      arguments.Has("GivenBack") ? arguments.Get<std::vector<LotUse>>("GivenBack") : std::vector<LotUse>{};
+  const auto withheld = arguments.Has("Withheld") ? arguments.Get<LotWithheld>("Withheld") : LotWithheld{};
   const auto work = LoadLotSelection(session, arguments.Text("IngName"), arguments.Get<LotLineKind>("Kind"),
                                      static_cast<float>(arguments.Get<double>("IngQty")),
-                                     static_cast<int>(arguments.Number("Unit")), earlier, givenBack);
+                                     static_cast<int>(arguments.Number("Unit")), earlier, withheld);
   if (!Accepted(work)) {
     QMetaObject::invokeMethod(
         this, [this] { reject(); }, Qt::QueuedConnection);

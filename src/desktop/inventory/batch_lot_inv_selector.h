@@ -8,8 +8,8 @@
 namespace vellumark::desktop {
 
 /// Where one line of a Batch takes its quantity from. Opened with {"IngName", name}, {"Kind", LotLineKind}, {"IngQty",
-/// the need}, {"Unit", the Batch's unit} and, where there are, {"Selection", LotSelection} of before and {"GivenBack",
-/// std::vector<LotUse>} of a Batch that holds its lines back. Gives back "Selection", and "AdjustInventory" when the
+/// the need}, {"Unit", the Batch's unit} and, where there are, {"Selection", LotSelection} of before and {"Withheld",
+/// LotWithheld} of what the open Batch itself made. Gives back "Selection", and "AdjustInventory" when the
 /// Batch is to be saved and stock put right first.
 class BatchLotInvSelector : public Dialog {
   Q_OBJECT

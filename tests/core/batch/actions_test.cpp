@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "batch_room.h"
+#include "core/batch/additions.h"
 #include "core/batch/adjust.h"
 
 namespace vellumark {
@@ -116,6 +117,25 @@ TEST_F(Actions, SmallerQuantity) {
   ASSERT_TRUE(done);
   EXPECT_TRUE(*done);
   EXPECT_EQ(room.Lines(), (Lines{"Mix VIOLET 16.000", "Basic RED 4.000"}));
+}
+
+TEST_F(Actions, NoToADecreaseLeavesTheBatchAsItWasCalculated) {
+  room.Recycled("TARGET", "50");
+  ASSERT_TRUE(AddAdditions(session, work, {{"YELLOW", "5"}}));
+  const Lines before = room.Lines();
+  SetQuantityText(work, "20");
+  room.prompt.Expect(kDecrease, Answer::No);
+  ASSERT_FALSE(*RecycleAction(session, work));
+  EXPECT_EQ(work.QuantityText, "50.000");  // not the 55 of the total
+  EXPECT_FALSE(work.QuantityChanged);      // it can be saved and adjusted
+  EXPECT_EQ(room.Lines(), before);
+  // The quantity is no smaller one for the additions that stand beside it, nor is a larger one.
+  SetQuantityText(work, "50.0");
+  ASSERT_TRUE(*RecycleAction(session, work));
+  ASSERT_TRUE(AddAdditions(session, work, {{"YELLOW", "25"}}));
+  SetQuantityText(work, "60");
+  ASSERT_TRUE(*RecycleAction(session, work));
+  EXPECT_EQ(room.Lines(), (Lines{"Mix VIOLET 30.000", "Basic RED 21.000", "Basic BLUE 9.000"}));
 }
 
 TEST_F(Actions, SmallerQuantityThatFitsInOneDecimalDoesNotAsk) {

@@ -2,7 +2,10 @@
 
 #include <gtest/gtest.h>
 
+#include <functional>
+
 #include "batch_room.h"
+#include "core/batch/adjust.h"
 
 namespace vellumark {
 namespace {
@@ -138,6 +141,43 @@ TEST_F(Additions, AnUnknownColorIsAddedToTheDatabaseAfterAQuestion) {
   EXPECT_EQ(*ReadAdditionName(session, "New One"), "NEW ONE");
   EXPECT_EQ(*ReadAdditionName(session, "500"), "PANTONE 500");
   EXPECT_TRUE(AddAdditions(session, work, {{"NEW ONE", "1"}}));
+}
+
+// A negative addition takes from what the rows hold; a change of the rows that leaves less than that is refused,
+// whatever the change, and the Batch is as it was.
+TEST_F(Additions, NegativeOnesHoldWhenTheRowsChange) {
+  room.Ink("LEFT", {{"RED", 50}, {"BLUE", 50}}, 40);
+  room.Ink("REDDISH", {{"RED", 100}}, 50);
+  struct Case {
+    const char* name;
+    std::function<Refusal()> act;
+  };
+  const auto refusal = [](const auto& result) { return result ? Refusal{} : result.error(); };
+  const Case cases[] = {
+      {"take", [&] { return refusal(ChooseFromRecycleList(session, work, "LEFT", "40")); }},
+      {"adjust", [&] { return refusal(AdjustMixRow(session, work, 0, {.amount = "16"})); }},
+      {"adjust and recycle", [&] { return refusal(AdjustMixRow(session, work, 0, {.amount = "5", .recycle = true})); }},
+      {"empty", [&] { return refusal(AdjustMixRow(session, work, 0, {.amount = "16", .removeFromInventory = true})); }},
+      {"pour", [&] {
+         room.prompt.Expect("Excess Recycle Color Weight", Answer::Yes);
+         return refusal(OverpourMixRow(session, work, 0, 16));
+       }}};
+  for (const Case& test : cases) {
+    SCOPED_TRACE(test.name);
+    room.Mixed("TARGET", "100");
+    ASSERT_TRUE(ChooseFromRecycleList(session, work, "REDDISH", "10"));
+    ASSERT_TRUE(AddAdditions(session, work, {{"RED", "-45"}}));  // of 60 - 10
+    const Lines before = room.Lines();
+    EXPECT_EQ(test.act(), (Refusal{"Batch Addition Adjustment",
+                                   "The Batch would hold less RED than its negative addition takes back.\n"
+                                   "Change the addition first.",
+                                   "fgRecList"}));
+    EXPECT_EQ(room.Lines(), before);
+    EXPECT_EQ(work.QuantityText, "100.000");
+    EXPECT_EQ(work.RecycleList.size(), 2U);
+    EXPECT_EQ(room.Scalar("SELECT Inventory FROM INK_Mix WHERE Color_Name = 'REDDISH'").Number(), 50);
+    ASSERT_TRUE(AdjustMixRow(session, work, 0, {.amount = "15"}));
+  }
 }
 
 }  // namespace

@@ -157,6 +157,62 @@ TEST_F(Adjust, TakingTheMaximumFollowsTheRecipeToTheLastDigit) {
   EXPECT_EQ(work.Rows[1].name, "WHITE");
 }
 
+// The maximum is what a person works out: no noise of a Single takes a thousandth of it, it is never below what is in
+// use, and taking it leaves no stray thousandth of an ingredient.
+TEST_F(Adjust, TheMaximumIsNeverShortOfAThousandth) {
+  room.Basics({"WHITE", "BLACK"});
+  room.Ink("PURE", {{"WHITE", 100}}, 0);
+  struct Case {
+    std::pair<float, float> shares;
+    const char* quantity;
+    const char* most;
+  };
+  for (const Case& test : {Case{{35, 65}, "100", "35.000"},       //
+                           Case{{70, 30}, "100", "70.000"},       //
+                           Case{{0.7F, 99.3F}, "1000", "7.000"},  //
+                           Case{{1.1F, 98.9F}, "90", "0.990"},    //
+                           Case{{33.333F, 66.667F}, "300", "99.999"}}) {
+    SCOPED_TRACE(test.most);
+    const std::string grey = std::string("GREY ") + test.most;
+    room.Mix(grey, {{"WHITE", test.shares.first}, {"BLACK", test.shares.second}});
+    room.Mixed(grey, test.quantity);
+    ASSERT_TRUE(*ChooseFromRecycleList(session, work, "PURE", "0.100"));
+    EXPECT_EQ(OpenMixAdjustment(session, work, 0)->maximum, test.most);
+    ASSERT_TRUE(AdjustMixRow(session, work, 0, {.amount = test.most}));
+    ASSERT_EQ(work.Rows.size(), 2U);
+    EXPECT_EQ(work.Rows[0].amount, test.most);
+    EXPECT_EQ(work.Rows[1].name, "BLACK");
+    EXPECT_EQ(OpenMixAdjustment(session, work, 0)->maximum, test.most);
+    EXPECT_FALSE(work.Rows[0].moreUsable);
+  }
+}
+
+TEST_F(Adjust, TheMaximumDoesNotFollowTheRoundingOfTheStock) {
+  room.Ink("SAME", {{"RED", 50}, {"BLUE", 30}, {"YELLOW", 20}}, 0.003F);  // 0.00136 kg.
+  room.Start("TARGET", "100");
+  work.UMF = 2;
+  ASSERT_TRUE(RecycleAction(session, work));
+  ASSERT_EQ(room.Lines().at(0), "Mix SAME 0.001");
+  EXPECT_EQ(OpenMixAdjustment(session, work, 0)->maximum, "100.000");
+}
+
+TEST_F(Adjust, TheMaximumOfAnUnevenShareLeavesNoCrumb) {
+  room.Ink("DEEP", {{"RED", 75}, {"BLUE", 25}}, 0);
+  room.Ink("SKY", {{"YELLOW", 30}, {"BLUE", 70}}, 0);
+  room.Mixed("TARGET", "100");
+  // 50 RED / .75 = 66.667, then 30 - 16.667 of BLUE / .7 = 19.047: each the maximum of its row.
+  for (const auto& [name, most, used] :
+       {std::tuple{"DEEP", "66.666", "66.667"}, std::tuple{"SKY", "19.047", "19.047"}}) {
+    const std::size_t row = work.RecycledColors.size();
+    ASSERT_TRUE(*ChooseFromRecycleList(session, work, name, "1"));
+    EXPECT_EQ(OpenMixAdjustment(session, work, row)->maximum, most);
+    ASSERT_TRUE(AdjustMixRow(session, work, row, {.amount = most}));
+    EXPECT_EQ(work.Rows[row].amount, used);
+    EXPECT_EQ(OpenMixAdjustment(session, work, row)->maximum, used);
+  }
+  EXPECT_EQ(room.Lines(), (Lines{"Mix DEEP 66.667", "Mix SKY 19.047", "Basic YELLOW 14.286"}));
+}
+
 struct Overpours : Adjust {
   Overpours() { room.Setting("Overpour", "1"); }
 };
@@ -210,6 +266,50 @@ TEST_F(Overpours, RecycledRowGrowsTheBatchAndKeepsTheOthers) {
   EXPECT_EQ(work.TotalText, "112.000");
   EXPECT_EQ(work.ClickedIndex, 0);
   EXPECT_FALSE(OverpourMixRow(session, work, 0, 84)->reformulated);  // no more than it has
+}
+
+// The Batch never shrinks. Within the row's maximum it keeps its quantity and the rows below give way; above it it
+// grows until the pour is the row's maximum, the rows above it counted.
+TEST_F(Overpours, RecycledRowNeverShrinksTheBatch) {
+  struct Case {
+    std::size_t row;
+    double poured;
+    const char* quantity;
+    Lines lines;
+  };
+  // VIOLET 60/40 up to 75 of 100, GREEN 50/50 of BLUE and YELLOW.
+  const Case cases[] = {
+      {0,
+       22,
+       "100.000",
+       {"Mix VIOLET 22.000", "Mix GREEN 10.000", "Basic RED 36.800", "Basic BLUE 16.200", "Basic YELLOW 15.000"}},
+      // 70 VIOLET leave 2 of BLUE: GREEN gives way.
+      {0, 70, "100.000", {"Mix VIOLET 70.000", "Mix GREEN 4.000", "Basic YELLOW 18.000", "Basic RED 8.000"}},
+      // 20 VIOLET bring 8 BLUE: 0.3 x Q - 8 = 25 of BLUE, 0.2 x Q = 25 of YELLOW.
+      {1, 50, "125.000", {"Mix VIOLET 20.000", "Mix GREEN 50.000", "Basic RED 50.500", "Basic BLUE 4.500"}},
+      {1, 40, "100.000", {"Mix VIOLET 20.000", "Mix GREEN 40.000", "Basic RED 38.000", "Basic BLUE 2.000"}},
+      {1,
+       12.344,
+       "100.000",
+       {"Mix VIOLET 20.000", "Mix GREEN 12.344", "Basic RED 38.000", "Basic BLUE 15.828", "Basic YELLOW 13.828"}}};
+  for (const Case& test : cases) {
+    SCOPED_TRACE(testing::Message() << "row " << test.row << " poured " << test.poured);
+    room.Recycled("TARGET", "100");
+    room.prompt.Expect("Excess Recycle Color Weight", Answer::Yes);
+    ASSERT_TRUE(OverpourMixRow(session, work, test.row, test.poured)->reformulated);
+    EXPECT_EQ(work.QuantityText, test.quantity);
+    EXPECT_EQ(room.Lines(), test.lines);
+    EXPECT_EQ(work.TotalText, test.quantity);
+    EXPECT_GE(work.Rows[test.row].max, static_cast<float>(test.poured));
+  }
+  // An even share at which the quotient has no end: the Batch grows to the next thousandth, the pour stands.
+  room.Ink("DEEP", {{"RED", 75}, {"BLUE", 25}}, 5);
+  room.Mixed("TARGET", "10");
+  ASSERT_TRUE(*ChooseFromRecycleList(session, work, "DEEP", "5"));
+  room.prompt.Expect("Excess Recycle Color Weight", Answer::Yes);
+  ASSERT_TRUE(OverpourMixRow(session, work, 0, 7.001)->reformulated);
+  EXPECT_EQ(work.QuantityText, "10.502");  // 7.001 x .75 / .5 = 10.5015
+  EXPECT_EQ(work.Rows[0].amount, "7.001");
 }
 
 TEST_F(Overpours, NotWhileTwentyLinesAreInUse) {

@@ -150,5 +150,33 @@ TEST(BatchJobs, RecordsKeepWhatJobsAddedToThem) {
   EXPECT_EQ(room.Scalar("SELECT LotQty FROM INK_Mix_LotInv").Single(), 11.023F);
 }
 
+// Another unit takes the calculation away, not the jobs: they are fitted to what is calculated next.
+TEST(BatchJobs, KeepTheirAmountsWhileTheUnitGoesThereAndBack) {
+  for (const bool split : {false, true}) {
+    LifeRoom room;
+    room.PinkRoom();
+    room.Mixed("PINK", "100");
+    const std::vector<JobItem> jobs =
+        split ? std::vector<JobItem>{{"A", "60"}, {"B", "30"}} : std::vector<JobItem>{{"A", "60"}};
+    ASSERT_TRUE(SaveJobItems(room.session, room.record, jobs));
+    const auto lines = room.record.jobs;
+    const std::string returned = room.record.ReturnedText();
+    for (const int unit : {2, 1}) {
+      ASSERT_TRUE(EnterBatchUnit(room.session, room.record, unit));
+      EXPECT_EQ(room.record.jobs, lines);
+      room.Remix("100");
+      EXPECT_EQ(room.record.jobs, lines);
+      EXPECT_EQ(room.record.ReturnedText(), returned);
+    }
+  }
+  LifeRoom room;
+  room.PinkRoom();
+  room.Mixed("PINK", "100");
+  ASSERT_TRUE(EnterBatchUnit(room.session, room.record, 2));
+  ASSERT_TRUE(EnterJobNumber(room.session, room.record, "A"));  // before the next calculation
+  room.Remix("80");
+  EXPECT_EQ(room.record.QtyUsedText(), "80.000");
+}
+
 }  // namespace
 }  // namespace vellumark

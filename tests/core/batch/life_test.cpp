@@ -5,6 +5,7 @@
 
 #include <functional>
 
+#include "core/batch/recycle_list.h"
 #include "core/colors/rename.h"
 #include "life_room.h"
 
@@ -342,6 +343,68 @@ TEST(BatchLife, CancelAndCloseAskOnlyAboutChanges) {
   EXPECT_EQ(room.Scalar("SELECT COUNT(*) FROM INK_Batch").Whole(), 1);
   EXPECT_EQ(room.Red(), 90);
 }
+
+// ---- What it made is no stock for itself
+
+struct OwnInk {
+  const char* name;
+  bool tracking;
+  const char* lotNumber;
+};
+
+class ReopenedBatch : public testing::TestWithParam<OwnInk> {};
+
+TEST_P(ReopenedBatch, IsNotMadeOfItself) {
+  LifeRoom room;
+  room.Setting("InvLotTracking", GetParam().tracking ? "1" : "0");
+  room.PinkRoom();
+  room.Formula("ROSE", {{"RED", 50.0F}, {"WHITE", 50.0F}}, 6);
+  PostStock(room.session,
+            {.source = PostingSource::ManualAdjust, .kind = ColorKind::Mix, .name = "PINK", .quantity = 7});
+  room.Mixed("PINK", "40");
+  room.record.fields.LotNumber = GetParam().lotNumber;
+  room.Save();
+  const double made = room.Pink() - 7 + room.Scalar("SELECT TOTAL(LotQty) FROM INK_Mix_LotInv").Number();
+  ASSERT_EQ(made, 40);
+  room.Open(1);
+  const auto listed = [&](const char* name) {
+    for (const RecycleListRow& row : RecycleListRows(room.record.work, {}))
+      if (row.Color_Name == name) return row.inventory;
+    return std::string("none");
+  };
+  // The list stands as soon as the Batch is open, and offers the leftover only.
+  EXPECT_EQ(listed("PINK"), "7.000");
+  EXPECT_EQ(listed("ROSE"), "6.000");
+  SetQuantityText(room.record.work, "48");
+  ASSERT_TRUE(*RecycleBatch(room.session, room.record));
+  std::vector<std::string> rows;
+  for (const BatchRow& row : room.record.work.Rows) rows.push_back(row.name + " " + row.amount);
+  EXPECT_EQ(rows, (std::vector<std::string>{"PINK 7.000", "ROSE 6.000", "WHITE 27.750", "RED 7.250"}));
+  if (GetParam().tracking) {
+    const auto lots =
+        LoadLotSelection(room.session, "PINK", LotLineKind::Mix, 7, 1, {}, WithheldFrom(room.session, room.record, 0));
+    ASSERT_TRUE(lots);
+    ASSERT_EQ(lots->rows.size(), 1U);
+    EXPECT_EQ(lots->rows[0].InvQty, 7);
+  }
+  room.Save();
+  EXPECT_EQ(room.Pink() + room.Scalar("SELECT TOTAL(LotQty) FROM INK_Mix_LotInv").Number(), 48);
+  // All of the ink in the room: 100 RED, 200 WHITE, 7 PINK, 6 ROSE.
+  EXPECT_EQ(room.Red() + room.White(), 300 - 35);
+
+  // A leftover that is poured away takes nothing of what the Batch made along.
+  if (GetParam().tracking) return;
+  room.Open(1);
+  ASSERT_TRUE(ApplyMixRow(room.session, room.record, 0, {.amount = "0", .removeFromInventory = true}));
+  EXPECT_EQ(room.Pink(), 48);
+  room.Save();
+  EXPECT_EQ(room.Pink(), 48);
+}
+
+INSTANTIATE_TEST_SUITE_P(Places, ReopenedBatch,
+                         testing::Values(OwnInk{"Untracked", false, ""}, OwnInk{"Unlotted", true, ""},
+                                         OwnInk{"Lotted", true, "MADE"}),
+                         [](const auto& info) { return std::string(info.param.name); });
 
 TEST(BatchLife, SaveAndHoldStaysOnTheBatch) {
   LifeRoom room;

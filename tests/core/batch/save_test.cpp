@@ -203,6 +203,50 @@ TEST(BatchSave, WithoutAFreeReferenceTheInkGoesToUnlottedInventory) {
   EXPECT_EQ(room.OfBatch("LotRefID").Whole(), 0);
 }
 
+// ---- A save that does not happen
+
+TEST(BatchSave, LeavesCompleteAsItWasWhenItDoesNotHappen) {
+  LifeRoom room;
+  room.LaterSetting("BatchComplete", "1");
+  room.PinkRoom();
+  room.Mixed("PINK", "40");
+  ASSERT_TRUE(AddBatchAdditions(room.session, room.record, {{"RED", "1"}}));
+  room.prompt.Expect("Batch Completion State            ", Answer::Yes);
+  room.dialogs.choices.push_back(std::nullopt);  // the name of the new formula was refused, the window cancelled
+  EXPECT_EQ(SaveBatch(room.session, room.record, room.dialogs).value(), SaveEnd::Stays);
+  EXPECT_FALSE(room.record.Complete);
+  ASSERT_TRUE(MixBatch(room.session, room.record)) << "it can still be changed";
+  room.prompt.Expect("Batch Completion State            ", Answer::Yes);
+  EXPECT_EQ(room.Save(), 1);
+  EXPECT_EQ(room.OfBatch("Complete").Whole(), 1);
+}
+
+// Stored under a name that is gone its line would take from nothing.
+TEST(BatchSave, RefusesAColorThatIsNoLongerThere) {
+  struct Case {
+    const char* gone;
+    const char* table;
+  };
+  for (const Case& test : {Case{"RED", "Basic"}, Case{"WHITE", "Basic"}, Case{"PINK", "Mix"}, Case{"ROSE", "Mix"}}) {
+    SCOPED_TRACE(test.gone);
+    LifeRoom room;
+    for (const char* rule : {"Ingredients", "StockHistory"}) room.Breaks(rule);
+    room.PinkRoom();
+    room.Formula("ROSE", {{"RED", 50.0F}, {"WHITE", 50.0F}}, 6);
+    room.Mixed("PINK", "40");
+    ASSERT_TRUE(*TakeRecycled(room.session, room.record, "ROSE"));
+    ASSERT_TRUE(AddBatchAdditions(room.session, room.record, {{"WHITE", "1"}}));
+    room.session.File().Execute(fmt::format("DELETE FROM INK_{} WHERE Color_Name = '{}'", test.table, test.gone));
+    const auto saved = SaveBatch(room.session, room.record, room.dialogs);
+    ASSERT_FALSE(saved);
+    EXPECT_EQ(saved.error(),
+              (Refusal{"Color Not Found",
+                       std::string(test.gone) + " is no longer in this database.\nCalculate the Batch again.",
+                       "txtQuantity"}));
+    EXPECT_EQ(room.Scalar("SELECT COUNT(*) FROM INK_Batch").Whole(), 0);
+  }
+}
+
 // ---- Cost and emission of the stored Batch
 
 TEST(BatchSave, KeepsItsOwnCostsWhenPricesChange) {

@@ -121,19 +121,15 @@ TEST_F(LotSelectionTest, MarksTheEarlierSelectionAsFarAsStockGoes) {
   EXPECT_TRUE(smaller.Selection().CompleteFor(3));
 }
 
-TEST_F(LotSelectionTest, CountsWhatAnOpenBatchGivesBack) {
-  Stock(2, {6});
-  const std::vector<LotUse> givenBack{{1, "L1", "", "", DateTime{2026, 1, 15}, 4, 1, false},
-                                      {9, "K", "", "", {}, 3, 1, true},
-                                      {0, "Unlotted Inv.", "", "", {}, 1, 4, false}};
-  const auto work = LoadLotSelection(session, "Red", LotLineKind::Addition, 8, 1, {givenBack}, givenBack);
+TEST_F(LotSelectionTest, OffersNothingThatTheOpenBatchMade) {
+  Stock(5, {6, 4});
+  const LotSelection earlier{{{1, "L1", "", "", {}, 4, 1, false}, {2, "L2", "", "", {}, 3, 1, false}}};
+  const auto work = LoadLotSelection(session, "Red", LotLineKind::Basic, 8, 1, earlier, {1.5F, 1});
   ASSERT_TRUE(work);
-  ASSERT_EQ(work->rows.size(), 3U);
-  EXPECT_EQ(work->rows[0].InvQty, 3.0F);
-  EXPECT_EQ(work->rows[1].lot.LotNumber, "K") << "used up since, in its place by number";
-  EXPECT_EQ(work->rows[1].InvQty, 3.0F);
-  EXPECT_EQ(work->rows[2].InvQty, 10.0F);
-  EXPECT_EQ(work->Selection(), LotSelection{givenBack});
+  ASSERT_EQ(work->rows.size(), 2U);
+  EXPECT_EQ(work->rows[0].InvQty, 3.5F);
+  EXPECT_EQ(work->rows[1].lot.LotRefID, 2);
+  EXPECT_EQ(Used(*work), (std::vector<float>{0, 3}));
 }
 
 TEST_F(LotSelectionTest, UpdateAddsToWhatTheRowGives) {

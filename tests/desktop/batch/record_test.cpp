@@ -14,6 +14,7 @@
 #include "bench_room.h"
 #include "core/batch/actions.h"
 #include "core/batch/record.h"
+#include "core/colors/rename.h"
 #include "core/inventory/lot_selection.h"
 #include "desktop/kit/window.h"
 
@@ -135,6 +136,76 @@ TEST_F(BatchRecordTest, TabPassesTheCommandBesideTheJobNumberAndEntersTheNumber)
   EXPECT_EQ(Text("txtQtyUsed"), "6");
   PressOn(Qt::Key_Tab);
   EXPECT_EQ(Control<CellButton>(*form, "lblInvQty").text(), "4.000");
+}
+
+// A name given in another window is that of the Batch on the screen too: what is taken is taken from the colour.
+TEST_F(BatchRecordTest, FollowsColorsThatAreRenamedBesideIt) {
+  HaveTarget();
+  Open();
+  Make("TARGET", "10", Qt::Key_F2);
+  InDialog([&] { Click(*form, "ImgAdditions"); },
+           [&](QWidget&) {
+             TypeOn("DRIER");
+             PressOn(Qt::Key_Return);
+             TypeOn("0.25");
+             PressOn(Qt::Key_Return);
+             PressOn(Qt::Key_Return);
+           });
+  // Two names change places on the way.
+  for (const auto& [from, to] :
+       {std::pair{"RED", "CARMINE"}, std::pair{"BLUE", "RED"}, std::pair{"DRIER", "SICCATIVE"}})
+    ASSERT_TRUE(RenameBasic(session, from, to)) << from;
+  ASSERT_TRUE(RenameColor(session, "LEFTOVER", "REST"));
+  ASSERT_TRUE(RenameColor(session, "TARGET", "PLUM"));
+  Settle();
+  EXPECT_EQ(Rows(), (Texts{"Mix REST 4.000 lb.", "Basic CARMINE 4.000 lb.", "Basic RED 2.000 lb.",
+                           "Addition SICCATIVE 0.250 lb."}));
+  EXPECT_EQ(Text("cmbColorName"), "PLUM");
+  Save();
+  ExpectCleared();
+  EXPECT_EQ(BasicStock("CARMINE"), 96);
+  EXPECT_EQ(BasicStock("RED"), 98);
+  EXPECT_EQ(BasicStock("SICCATIVE"), 9.75F);
+  EXPECT_EQ(MixStock("REST"), 0);
+  EXPECT_EQ(MixStock("PLUM"), 10.25F);
+  EXPECT_EQ(Stored("Color_Name").Text(), "PLUM");
+}
+
+// What is typed into the name and not entered is no Batch: it keeps no window open.
+TEST_F(BatchRecordTest, ANameThatIsUnknownKeepsNoWindowOpen) {
+  HaveTarget();
+  Open();
+  form->FocusField("cmbColorName");
+  TypeOn("NOBODY");
+  EXPECT_TRUE(form->MayClose());
+  Make("TARGET", "10", Qt::Key_F3);
+  form->FocusField("cmbColorName");
+  TypeOn("NOBODY");
+  prompt.Expect("Batch Window - Save Information?", Answer::Yes);
+  EXPECT_TRUE(form->MayClose());
+  EXPECT_EQ(Stored("Color_Name").Text(), "TARGET");
+  EXPECT_EQ(BasicStock("RED"), 94);
+}
+
+TEST_F(BatchRecordTest, TheRecycleListOfAnOpenedBatchTellsWhatCanBeRecycled) {
+  HaveTarget();
+  Open();
+  Make("TARGET", "10", Qt::Key_F3);
+  Save();
+  Go("1");
+  // What the Batch itself put into stock is not offered.
+  EXPECT_EQ(Listed(), (Texts{"TARGET 100.00% 0.000", "LEFTOVER 80.00% 4.000"}));
+  Control<QCheckBox>(*form, "chkInvOnly").click();
+  EXPECT_EQ(Listed(), (Texts{"LEFTOVER 80.00% 4.000"}));
+  PressOn(Qt::Key_F2);
+  EXPECT_EQ(Rows(), (Texts{"Mix LEFTOVER 4.000 lb.", "Basic RED 4.000 lb.", "Basic BLUE 2.000 lb."}));
+  EXPECT_EQ(RecycleList().View().accessibleDescription(), "No other color in stock can be recycled");
+  Control<QCheckBox>(*form, "chkInvOnly").click();
+  ClickListed(0);
+  EXPECT_EQ(Rows(), (Texts{"Mix LEFTOVER 4.000 lb.", "Mix TARGET 5.000 lb.", "Basic RED 1.000 lb."}));
+  EXPECT_TRUE(Listed().empty());
+  EXPECT_EQ(RecycleList().View().accessibleDescription(), "Every color that can be recycled is in the Batch");
+  Picture(*form, "batch-all-recycled");
 }
 
 TEST_F(BatchRecordTest, AJobTakesWhatItUsesTheRestGoesToStock) {
