@@ -269,6 +269,8 @@ class Operator {
   int saves = 0;
   int deletions = 0;
   int edits = 0;
+  int pours = 0;
+  mutable int ownInks = 0;
 
  private:
   void FillRoom() {
@@ -333,7 +335,7 @@ class Operator {
   }
 
   void DoOne() {
-    switch (Below(19)) {
+    switch (Below(21)) {
       case 0:
       case 1:
         return Start();
@@ -377,6 +379,10 @@ class Operator {
       }
       case 17:
         return AdjustStock();
+      case 18:
+        return PourOne();
+      case 19:
+        return UnitThereAndBack();
       default:
         if (Chance(4)) return Die();
         return ChooseLots();
@@ -408,6 +414,25 @@ class Operator {
     if (!window || window->Color_Name.empty()) return;
     [[maybe_unused]] const auto done =
         ApplyMixRow(session_, record_, row, {.amount = Chance(4) ? "0" : Quantity(6), .recycle = Chance(2)});
+  }
+  void PourOne() {
+    if (record_.work.RecycledColors.empty()) return;
+    const std::size_t row = Below(record_.work.RecycledColors.size());
+    const double before = LeadingNumber(record_.work.CalculatedQuantity);
+    const double amount = record_.work.Rows[row].Amount() + LeadingNumber(Quantity(5));
+    if (const auto poured = PourMixRow(session_, record_, row, amount); poured && poured->reformulated) {
+      EXPECT_GE(record_.work.Quantity(), before);
+      EXPECT_EQ(record_.work.Rows[row].amount, Fixed(amount, 3));
+      ++pours;
+    }
+  }
+  // Without a calculation in between nothing has become of the Batch but that its rows are gone.
+  void UnitThereAndBack() {
+    const auto jobs = record_.jobs;
+    if (!EnterBatchUnit(session_, record_, 2)) return;
+    ASSERT_TRUE(EnterBatchUnit(session_, record_, 1));
+    EXPECT_EQ(record_.jobs, jobs);
+    if (!record_.work.Color_Name.empty()) Calculate();
   }
   void AddOne() {
     const std::size_t first = record_.work.RecycledColors.size() + record_.work.Ingredients.size();
@@ -513,10 +538,56 @@ class Operator {
       stored = true;
     }
     if (left_ && !stored && before == BatchState::Edit) model_.Leave();
-    if (left_ && record_.state == BatchState::Edit) model_.Open(record_.BatchNo);
+    if (left_ && record_.state == BatchState::Edit) {
+      model_.Open(record_.BatchNo);
+      CheckOwnInk();
+    }
+  }
+
+  // Of the colour that the Batch just opened has made, it is offered all but what it made itself.
+  void CheckOwnInk() const {
+    if (!record_.formulaUnchanged) return;
+    const Model::StoredBatch& batch = model_.batches.at(record_.BatchNo);
+    const std::string& name = record_.work.Color_Name;
+    Thousandths others = 0;
+    for (const auto& [place, quantity] : model_.stock) {
+      if (!place.starts_with(PlaceOf(ColorKind::Mix, name, 0).substr(0, 4 + name.size() + 1))) continue;
+      const bool own = place == batch.madePlace;
+      others += !own ? quantity : IsLot(place) ? 0 : std::max<Thousandths>(0, quantity - batch.made);
+    }
+    for (const auto* list : {&record_.work.RecycleList, &record_.work.RecycledColors})
+      for (const RecycleColor& color : *list)
+        if (color.Color_Name == name) {
+          EXPECT_EQ(Whole(color.Inventory), others) << name;
+          ++ownInks;
+        }
+  }
+
+  // What holds on the bench whatever was done there.
+  void CheckBench() const {
+    const BatchWork& work = record_.work;
+    if (work.Rows.empty() || work.QuantityChanged) return;
+    Thousandths lines = 0;
+    for (const BatchRow& row : work.Rows)
+      if (row.kind != RowKind::Addition) lines += Whole(row.Amount());
+    EXPECT_NEAR(static_cast<double>(lines), static_cast<double>(Whole(work.Quantity())),
+                work.Ingredients.empty() ? 5 : 0);
+    for (const BatchRow& addition : work.Rows) {
+      if (addition.kind != RowKind::Addition) continue;
+      Thousandths held = Whole(addition.Amount());
+      for (const BatchRow& row : work.Rows)
+        if (row.kind == RowKind::Basic && row.name == addition.name) held += Whole(row.Amount());
+      EXPECT_TRUE(held >= 0 || addition.Amount() > 0) << addition.name << ' ' << held;
+    }
+    for (const BatchRow& row : work.Rows)
+      EXPECT_TRUE(row.kind != RowKind::Mix || RoundTo(row.max, 3) >= row.Amount()) << row.name << row.amountHint;
+    Thousandths jobs = 0;
+    for (const BatchJobLine& line : record_.jobs) jobs += Whole(line.QtyUsed);
+    EXPECT_LE(jobs, Whole(LeadingNumber(work.TotalText)));
   }
 
   void Check() {
+    CheckBench();
     std::map<std::string, Thousandths> found;
     for (const ColorKind kind : {ColorKind::Basic, ColorKind::Mix}) {
       Statement colors = session_.File().Prepare(
@@ -569,6 +640,8 @@ TEST(RandomOperator, TenThousandActsKeepTheStock) {
   // The acts did what they are meant to try.
   EXPECT_GT(worker.saves, 200);
   EXPECT_GT(worker.edits, 100);
+  EXPECT_GT(worker.pours, 50);
+  EXPECT_GT(worker.ownInks, 50);
   EXPECT_GT(worker.deletions, 50);
 }
 
