@@ -1,0 +1,49 @@
+#pragma once
+
+#include <filesystem>
+
+#include "desktop/batch/register.h"
+#include "desktop/colors/register.h"
+#include "desktop/datafile/register.h"
+#include "desktop/inventory/register.h"
+#include "desktop/kit/wait_progress.h"
+#include "desktop/session/register.h"
+#include "desktop/settings/register.h"
+#include "desktop/shell/program.h"
+#include "desktop/tools/register.h"
+#include "support/desktop.h"
+
+namespace vellumark::test {
+
+/// The whole program with every window, as main() makes it, in a folder of its own.
+template <class ItsPrompt>
+struct RunningProgram {
+  explicit RunningProgram(const std::filesystem::path& folder) {
+    options.folders = {folder / "VKDat", folder / "Program", {}};
+  }
+
+  /// `platform` answers what would be asked of the machine.
+  bool Start(const desktop::DataFilePlatform& platform = {}) {
+    desktop::RegisterSessionWindows(windows);
+    desktop::RegisterSettingsWindows(windows, [] { return desktop::SystemPrinters{}; });
+    desktop::RegisterColorsWindows(windows);
+    desktop::RegisterToolsWindows(windows);
+    desktop::RegisterInventoryWindows(windows);
+    desktop::RegisterBatchWindows(windows);
+    desktop::RegisterDatafileWindows(windows, program.Windows(), platform);
+    program.Windows().SkipSplash();
+    const bool ready = program.Start(options);
+    Settle();
+    return ready;
+  }
+
+  FixedClock clock{DateTime{2026, 3, 10, 12, 0, 0}};
+  ItsPrompt prompt;
+  desktop::WaitProgress progress;
+  Session session{prompt, progress, clock};
+  desktop::WindowList windows{session, &progress};
+  desktop::Program program{windows};
+  StartOptions options;
+};
+
+}  // namespace vellumark::test
