@@ -77,6 +77,31 @@ TEST_F(BatchInMainTest, OpenedByTheToolbarItKeepsStockFromBeingChanged) {
   EXPECT_EQ(Scalar("SELECT Inventory FROM INK_Basic WHERE Color_Name = 'RED'").Number(), 95.2F);
 }
 
+// Counts how often it is moved once its fields are there: each time styles all of them anew.
+struct FilledWindow : desktop::Window {
+  explicit FilledWindow(desktop::WindowList& list) : Window(list, "FilledWindow", "Filled") {
+    desktop::Form form(*this);
+    form.Row("Name", form.Text("txtName", desktop::TextRule::Any(10)));
+    filled = true;
+  }
+  bool event(QEvent* event) override {
+    if (filled && event->type() == QEvent::ParentChange) ++moves;
+    return Window::event(event);
+  }
+  bool filled = false;
+  int moves = 0;
+};
+
+TEST_F(BatchInMainTest, AWindowIsMadeWhereItStands) {
+  windows.Register<FilledWindow>("FilledWindow");
+  desktop::MainForm main(windows);
+  ShowActive(main);
+  const auto& window = dynamic_cast<FilledWindow&>(*windows.OpenForm("FilledWindow"));
+  EXPECT_TRUE(main.isAncestorOf(&window));
+  EXPECT_TRUE(window.isVisible());
+  EXPECT_EQ(window.moves, 0);
+}
+
 // Whoever saves looks at the start page next, also in a room of 100,000 formulas whose names came in no order.
 TEST_F(BatchInMainTest, TheStartPageShowsTheNewStockAtOnce) {
   session.File().Execute(
