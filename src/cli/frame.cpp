@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <charconv>
+#include <stdexcept>
 
 #include "core/base/number.h"
 #include "core/base/text.h"
@@ -44,11 +45,23 @@ std::string RowsText(const Json& rows) {
   return TableText(columns, cells, right);
 }
 
+// "noun verb": the words behind the program's name.
+std::string CommandName(const CLI::App& verb) {
+  std::string name = verb.get_name();
+  for (const CLI::App* noun = verb.get_parent(); noun->get_parent() != nullptr; noun = noun->get_parent())
+    name = noun->get_name() + " " + name;
+  return name;
+}
+
 }  // namespace
 
 void Commands::Add(CLI::App* verb, Needs needsOfVerb, Action action) {
-  verb->callback([this, needsOfVerb, action = std::move(action)] {
+  const std::string command = CommandName(*verb);
+  const auto known = ActOfCommand(command);
+  if (!known) throw std::logic_error("the table of acts has no command " + command);
+  verb->callback([this, needsOfVerb, actOfVerb = *known, action = std::move(action)] {
     needs = needsOfVerb;
+    act = actOfVerb;
     chosen = action;
   });
 }

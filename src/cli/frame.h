@@ -10,7 +10,7 @@
 #include <vector>
 
 #include "core/base/refusal.h"
-#include "core/session/session.h"
+#include "core/session/acts.h"
 
 namespace vellumark::cli {
 
@@ -34,8 +34,8 @@ struct Context {
   /// each key.
   std::string text;
   int exitStatus = ExitDone;  ///< of an answer that is whole and tells of something amiss
-  std::string user;      ///< --user; empty when not given
-  std::string password;  ///< --password, or VELLUMARK_PASSWORD
+  std::string user;           ///< --user; empty when not given
+  std::string password;       ///< --password, or VELLUMARK_PASSWORD
 };
 
 /// A verb's procedure: its JSON answer, or the refusal of the rule that stopped it. Json() (null) prints nothing.
@@ -44,10 +44,12 @@ using Action = std::function<Result<Json>(Context&)>;
 /// Collects what was chosen on the command line.
 class Commands {
  public:
-  /// `verb` is a subcommand of a noun; its options write into variables that `action` holds (by shared_ptr).
+  /// `verb` is a subcommand of a noun; its options write into variables that `action` holds (by shared_ptr). A command
+  /// without a row in the table of acts is a fault of the program: std::logic_error.
   void Add(CLI::App* verb, Needs needs, Action action);
 
   Needs needs = Needs::Nothing;
+  Act act = Act::Look;
   Action chosen;
 };
 

@@ -8,7 +8,8 @@
 
 namespace vellumark::cli {
 
-Result<void> RequireRightInDefaultFile(Context& context, CommandRight right) {
+Result<void> RequireInDefaultFile(Context& context, Act act) {
+  if (act == Act::Look) return {};
   Session& session = context.session;
   // Not --file: naming another file must not be a way round the rights.
   const std::string path = GetSupportValue(session, keys::DbFileName50);
@@ -18,9 +19,11 @@ Result<void> RequireRightInDefaultFile(Context& context, CommandRight right) {
   Result<void> allowed;
   if (UsersEnabled(session)) {
     allowed = LogIn(session, context.user, context.password);
-    if (allowed) allowed = RequireCommandRight(session, right);
+    if (allowed) allowed = RequireAct(session, act);
   }
   session.DataFileDB.reset();
+  // The command works without that file, and so without its user.
+  LogInWithoutUsers(session);
   return allowed;
 }
 

@@ -8,6 +8,7 @@
 #include <system_error>
 
 #include "cli/frame.h"
+#include "cli/login.h"
 #include "cli/seams.h"
 #include "core/base/date.h"
 #include "core/base/number.h"
@@ -148,9 +149,11 @@ int RunChosen(const GlobalOptions& options, const Commands& commands) {
 
     Result<void> opened;
     if (commands.needs == Needs::Nothing) {
-      RunSupportLadder(session);
+      opened = RequireInDefaultFile(context, commands.act);
+      if (opened) RunSupportLadder(session);
     } else {
       opened = OpenForVerb(context, options, commands.needs);
+      if (opened) opened = RequireAtDoor(session, commands.act);
     }
     if (!opened) return Report(opened.error(), options.json, "refused", ExitRefused);
     const Result<Json> answer = commands.chosen(context);

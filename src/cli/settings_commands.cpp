@@ -3,7 +3,6 @@
 #include <memory>
 
 #include "cli/frame.h"
-#include "cli/login.h"
 #include "core/session/options.h"
 #include "core/settings/setting_values.h"
 #include "core/settings/settings_keys.h"
@@ -13,8 +12,6 @@ namespace vellumark::cli {
 namespace {
 
 Result<Json> SetSetting(Context& context, const std::string& key, const std::string& value) {
-  if (auto allowed = RequireRightInDefaultFile(context, CommandRight::Options); !allowed)
-    return std::unexpected(allowed.error());
   SupportFile& settings = context.session.support->settings;
   if (!settings.Read().Contains(key))
     return Refuse("Settings", fmt::format("The settings have no key {}.", key), "KEY");

@@ -12,6 +12,7 @@
 #include "core/colors/rollup.h"
 #include "core/datafile/row_pieces.h"
 #include "core/datafile/writer.h"
+#include "core/session/acts.h"
 
 namespace vellumark {
 namespace {
@@ -116,7 +117,7 @@ std::vector<std::string> FormulasWithoutSet(const Session& session) {
 }
 
 Result<AdditiveSet> EditAdditiveSet(Session& session, std::string_view setName, const AdditiveSetWork& work) {
-  if (auto writable = RequireWritable(session); !writable) return std::unexpected(writable.error());
+  if (auto allowed = RequireAct(session, Act::AdditiveSets); !allowed) return std::unexpected(allowed.error());
   const auto present = ReadAdditiveSet(session, setName);
   if (!present) return std::unexpected(UnknownSet(setName));
   AdditiveSetWork content = work;
@@ -144,7 +145,7 @@ Result<AdditiveSet> EditAdditiveSet(Session& session, std::string_view setName, 
 }
 
 Result<bool> RenameAdditiveSet(Session& session, std::string_view oldName, std::string_view typed) {
-  if (auto writable = RequireWritable(session); !writable) return std::unexpected(writable.error());
+  if (auto allowed = RequireAct(session, Act::AdditiveSets); !allowed) return std::unexpected(allowed.error());
   const auto set = ReadAdditiveSet(session, oldName);
   if (!set) return std::unexpected(UnknownSet(oldName));
   const std::string name = ReadSetName(typed);
@@ -187,7 +188,7 @@ Result<bool> RenameAdditiveSet(Session& session, std::string_view oldName, std::
 }
 
 Result<bool> DeleteAdditiveSet(Session& session, std::string_view setName) {
-  if (auto writable = RequireWritable(session); !writable) return std::unexpected(writable.error());
+  if (auto allowed = RequireAct(session, Act::AdditiveSets); !allowed) return std::unexpected(allowed.error());
   const auto set = ReadAdditiveSet(session, setName);
   if (!set) return std::unexpected(UnknownSet(setName));
   if (!session.prompt.Ask(Padded(40, "Confirm Delete"),
@@ -242,7 +243,7 @@ Result<std::vector<SetPreviewRow>> PreviewAdditiveSet(Session& session, std::str
 
 Result<bool> ApplyAdditiveSet(Session& session, std::string_view setName, SetMethod method,
                               const std::vector<std::string>& colors) {
-  if (auto writable = RequireWritable(session); !writable) return std::unexpected(writable.error());
+  if (auto allowed = RequireAct(session, Act::AdditiveSets); !allowed) return std::unexpected(allowed.error());
   const auto set = ReadAdditiveSet(session, setName);
   if (!set) return std::unexpected(UnknownSet(setName));
   if (colors.empty()) return Refuse("Select Master Formulas", "No Colors Selected - Step 2.");

@@ -204,8 +204,8 @@ Result<std::string> EnterSetIngredient(Session& session, const AdditiveSetWork& 
   return name;
 }
 
-Result<AdditiveSet> CreateAdditiveSet(Session& session, const AdditiveSetWork& work) {
-  if (auto writable = RequireWritable(session); !writable) return std::unexpected(writable.error());
+Result<AdditiveSet> CreateAdditiveSet(Session& session, const AdditiveSetWork& work, Act act) {
+  if (auto allowed = RequireAct(session, act); !allowed) return std::unexpected(allowed.error());
   auto set = ValidateAdditiveSet(session, work, true);
   if (!set) return set;
   Transaction transaction(session.File());

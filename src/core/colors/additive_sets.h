@@ -9,7 +9,7 @@
 #include "core/colors/normalise.h"
 #include "core/datafile/schema.h"
 #include "core/datafile/writer.h"
-#include "core/session/session.h"
+#include "core/session/acts.h"
 
 namespace vellumark {
 
@@ -59,8 +59,8 @@ Result<AdditiveSet> ValidateAdditiveSet(const Session& session, const AdditiveSe
 Result<std::string> EnterSetIngredient(Session& session, const AdditiveSetWork& work, std::size_t row,
                                        std::string_view typed);
 
-/// Adds a new set. Refused in an archive view.
-Result<AdditiveSet> CreateAdditiveSet(Session& session, const AdditiveSetWork& work);
+/// Adds a new set. In the formula window it belongs to a formula's recipe and is EditFormulas there.
+Result<AdditiveSet> CreateAdditiveSet(Session& session, const AdditiveSetWork& work, Act act = Act::AdditiveSets);
 
 /// Whether a set may be chosen for a formula whose other lines are `rows`: refused when a line stands in the set
 /// already and when lines and set together exceed 14.

@@ -6,6 +6,7 @@
 
 #include "core/base/number.h"
 #include "core/colors/names.h"
+#include "core/session/acts.h"
 
 namespace vellumark {
 namespace {
@@ -63,18 +64,15 @@ Result<void> RequireRight(const Session& session, AmountKey key, std::string_vie
                   fmt::format("{}, you do not have permission to change {}.", session.CurrentUser, what),
                   std::string(field));
   };
-  if (key == AmountKey::Currency && session.Perm_Costs != 2) return deny("costs");
-  // The session keeps this permission of the user before; without a user it counts for nothing.
-  const bool emissions = session.CurrentUser.empty() || session.Perm_VOCHAP == 1;
+  if (key == AmountKey::Currency && !MayDo(session, Act::EditCosts)) return deny("costs");
+  const bool emissions = MayDo(session, Act::EditEmissions);
   if (key == AmountKey::VOC && !emissions) return deny("VOC Values");
   if (key == AmountKey::HAP && !emissions) return deny("HAP Values");
   return {};
 }
 
 Result<void> RequireFormulaRight(const Session& session) {
-  if (session.Perm_MasterFormula == 1) return {};
-  return Refuse("Permission Denied",
-                fmt::format("{}, you do not have permission to change Master Formulas.", session.CurrentUser));
+  return RequireCommandRight(session, CommandRight::MasterFormula);
 }
 
 }  // namespace vellumark

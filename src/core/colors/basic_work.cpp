@@ -13,6 +13,7 @@
 #include "core/colors/stock_trace.h"
 #include "core/datafile/references.h"
 #include "core/datafile/writer.h"
+#include "core/session/acts.h"
 
 namespace vellumark {
 namespace {
@@ -47,7 +48,7 @@ std::optional<BasicDeleteRefusal> DeleteHindrance(const Session& session, const 
 }  // namespace
 
 Result<void> CheckNewBasicName(const Session& session, const std::string& name, std::string_view field) {
-  if (session.Perm_MasterFormula != 1)
+  if (!MayDo(session, Act::AddBasics))
     return Refuse("Color Not Found",
                   name +
                       " is not found in this database, and you do not\nhave permission to add a new Basic Color or "

@@ -9,6 +9,7 @@
 #include "core/colors/formula_tools.h"
 #include "core/colors/stock_trace.h"
 #include "core/datafile/references.h"
+#include "core/session/acts.h"
 
 namespace vellumark {
 namespace {
@@ -48,8 +49,7 @@ Result<std::vector<DeletePreviewRow>> PreviewDeleteFormulas(Session& session, co
 }
 
 Result<bool> DeleteFormulas(Session& session, const std::vector<std::string>& colors, std::string_view database) {
-  if (auto allowed = RequireTools(session); !allowed) return std::unexpected(allowed.error());
-  if (auto right = RequireFormulaRight(session); !right) return std::unexpected(right.error());
+  if (auto allowed = RequireAct(session, Act::BulkFormulas); !allowed) return std::unexpected(allowed.error());
   const auto chosen = ChosenDatabase(session, database);
   if (!chosen) return std::unexpected(chosen.error());
   const auto formulas = Selected(session, colors, *chosen);

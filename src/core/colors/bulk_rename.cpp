@@ -12,6 +12,7 @@
 #include "core/colors/guides.h"
 #include "core/colors/names.h"
 #include "core/colors/rename.h"
+#include "core/session/acts.h"
 
 namespace vellumark {
 namespace {
@@ -120,9 +121,8 @@ Result<std::vector<RenamePreviewRow>> PreviewRename(Session& session, const Bulk
 }
 
 Result<bool> ApplyRename(Session& session, const BulkRename& rule, const std::vector<std::string>& colors) {
-  if (auto allowed = RequireTools(session); !allowed) return std::unexpected(allowed.error());
-  if (rule.kind == ColorKind::Mix)
-    if (auto right = RequireFormulaRight(session); !right) return std::unexpected(right.error());
+  const Act act = rule.kind == ColorKind::Mix ? Act::BulkFormulas : Act::FormulaTools;
+  if (auto allowed = RequireAct(session, act); !allowed) return std::unexpected(allowed.error());
   const auto rows = PreviewRename(session, rule, colors);
   if (!rows) return std::unexpected(rows.error());
   for (const RenamePreviewRow& row : *rows)

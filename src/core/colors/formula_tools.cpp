@@ -5,13 +5,12 @@
 #include <unordered_set>
 
 #include "core/base/text.h"
-#include "core/session/rights.h"
+#include "core/session/acts.h"
 
 namespace vellumark {
 
 Result<void> RequireTools(const Session& session) {
-  if (auto writable = RequireWritable(session); !writable) return writable;
-  return RequireCommandRight(session, CommandRight::DBTools);
+  return RequireAct(session, Act::FormulaTools);
 }
 
 std::vector<std::string> DistinctNames(const std::vector<std::string>& names) {

@@ -11,6 +11,7 @@
 #include "core/colors/names.h"
 #include "core/colors/stock_trace.h"
 #include "core/datafile/references.h"
+#include "core/session/acts.h"
 
 namespace vellumark {
 namespace {
@@ -167,7 +168,7 @@ Recipe GridRecipe(const FormulaWork& work) {
 }
 
 Result<void> CheckNewMixName(const Session& session, const std::string& name, std::string_view field) {
-  if (session.Perm_MasterFormula != 1)
+  if (!MayDo(session, Act::EditFormulas))
     return Refuse(Padded(30, "Color Not Found"),
                   name +
                       " is not found in this database, and you do not\nhave permission to add a new Master Formula "

@@ -13,6 +13,7 @@
 #include "core/colors/rollup.h"
 #include "core/datafile/row_pieces.h"
 #include "core/datafile/schema.h"
+#include "core/session/acts.h"
 #include "core/session/rights.h"
 
 namespace vellumark {
@@ -58,7 +59,7 @@ std::unexpected<Refusal> InvalidDollarValue(std::string field) {
 }
 
 Result<void> MayReset(const Session& session, AmountKey key, std::string_view field = "txtNewValue") {
-  if (auto writable = RequireWritable(session); !writable) return writable;
+  if (auto allowed = RequireAct(session, Act::FormulaTools); !allowed) return allowed;
   return RequireRight(session, key, field);
 }
 

@@ -15,6 +15,7 @@
 #include "core/colors/figure_book.h"
 #include "core/colors/formulas.h"
 #include "core/exchange/mfe.h"
+#include "core/session/acts.h"
 
 namespace vellumark {
 namespace {
@@ -199,8 +200,7 @@ class FormulaWriter {
 }  // namespace
 
 Result<ImportReport> ImportFormulas(Session& session, const std::filesystem::path& path) {
-  if (auto writable = RequireWritable(session); !writable) return std::unexpected(writable.error());
-  if (auto right = RequireFormulaRight(session); !right) return std::unexpected(right.error());
+  if (auto allowed = RequireAct(session, Act::ImportFormulas); !allowed) return std::unexpected(allowed.error());
   MfeFile file = ReadMfe(path, session.NameLength);
   std::vector<Incoming> incoming = ReadFormulas(session, file);
   if (!file.badLines.empty()) return Refuse("Import Formulas", BadLinesText(file.badLines), path.string());
@@ -228,6 +228,7 @@ Result<ImportReport> ImportFormulas(Session& session, const std::filesystem::pat
 }
 
 Result<int> ExportFormulas(Session& session, const std::vector<std::string>& names, const std::filesystem::path& path) {
+  if (auto allowed = RequireAct(session, Act::ExportFormulas); !allowed) return std::unexpected(allowed.error());
   std::string text = session.CurrentDatabase + "\r\n";
   int count = 0;
   const auto add = [&](const MixColor& formula) {

@@ -28,9 +28,11 @@ Command CommandOf(CommandRight right) {
     case CommandRight::Costs:
       return {&Session::Perm_Costs, 2, "change costs"};
     case CommandRight::VOCHAP:
+      return {&Session::Perm_VOCHAP, 1, "change VOC and HAP Values"};
+    case CommandRight::MasterFormula:
       break;
   }
-  return {&Session::Perm_VOCHAP, 1, "change VOC and HAP Values"};
+  return {&Session::Perm_MasterFormula, 1, "change Master Formulas"};
 }
 
 }  // namespace

@@ -51,8 +51,8 @@ struct PermissionText {
 };
 std::vector<PermissionText> PermissionTexts(const UserRights& rights);
 
-/// What commands are kept by a right of their own.
-enum class CommandRight { BackupRestore, Export, Advanced, Options, Databases, DBTools, Costs, VOCHAP };
+/// The rights, each with the value that opens what it keeps. What asks for which stands in acts.h.
+enum class CommandRight { BackupRestore, Export, Advanced, Options, Databases, DBTools, Costs, VOCHAP, MasterFormula };
 
 /// True when nobody has to log in, or when the user's right has its full value.
 bool Allows(const Session& session, CommandRight right);

@@ -11,7 +11,7 @@
 #include "core/datafile/database_changes.h"
 #include "core/datafile/databases.h"
 #include "core/datafile/lifecycle.h"
-#include "core/session/rights.h"
+#include "core/session/acts.h"
 #include "core/session/stock_lines.h"
 #include "core/shell/opening.h"
 
@@ -22,8 +22,7 @@ constexpr std::string_view kDeleteWarning =
     "WARNING - Deleting a database will permanently remove it from the Data File.";
 
 Result<void> RequireDatabaseRight(const Session& session) {
-  if (auto writable = RequireWritable(session); !writable) return writable;
-  return RequireCommandRight(session, CommandRight::Databases);
+  return RequireAct(session, Act::Databases);
 }
 
 Result<std::string> ListedDatabase(const Session& session, std::string_view name) {

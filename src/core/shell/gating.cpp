@@ -6,6 +6,7 @@
 #include <array>
 #include <stdexcept>
 
+#include "core/session/acts.h"
 #include "core/session/users.h"
 #include "core/settings/support_files.h"
 
@@ -22,7 +23,7 @@ struct State {
   bool users;  // the file has users
   bool scalePort;
 
-  bool Allows(CommandRight right) const { return vellumark::Allows(session, right); }
+  bool MayDo(Act act) const { return vellumark::MayDo(session, act); }
 };
 
 bool HasScalePort(const Session& session) {
@@ -63,17 +64,17 @@ bool IsOtherUser(const State& s) {
 bool NoUser(const State& s) {
   return !s.logged;
 }
-template <CommandRight right>
-bool Right(const State& s) {
-  return s.Allows(right);
+template <Act act>
+bool May(const State& s) {
+  return s.MayDo(act);
 }
-template <CommandRight right>
+template <Act act>
 bool Working(const State& s) {
-  return s.working && s.Allows(right);
+  return s.working && s.MayDo(act);
 }
-template <CommandRight right>
+template <Act act>
 bool WorkingWritable(const State& s) {
-  return s.notArchive && Working<right>(s);
+  return s.notArchive && Working<act>(s);
 }
 
 struct Entry {
@@ -85,9 +86,6 @@ struct Entry {
   Test checked = nullptr;
 };
 
-constexpr CommandRight BackupRestore = CommandRight::BackupRestore;
-constexpr CommandRight Databases = CommandRight::Databases;
-
 const Entry kEntries[] = {
     {"MenuVK", "", "Vellumark"},
     {"menu_AboutVK", "MenuVK", "About"},
@@ -95,16 +93,16 @@ const Entry kEntries[] = {
     {"menuFileExit", "MenuVK", "E&xit"},
 
     {"MenuDataFile", "", "Data File"},
-    {"menuDFBackup", "MenuDataFile", "Backup", WorkingWritable<BackupRestore>},
+    {"menuDFBackup", "MenuDataFile", "Backup", WorkingWritable<Act::BackUp>},
     {"menuDFBackup_Cloud", "menuDFBackup", "To Cloud"},
     {"menuDFBackup_Location", "menuDFBackup", "To File Location"},
-    {"menuDFRestore", "MenuDataFile", "Restore", WorkingWritable<BackupRestore>},
+    {"menuDFRestore", "MenuDataFile", "Restore", WorkingWritable<Act::BackUp>},
     {"menuDFRestore_Cloud", "menuDFRestore", "From Cloud"},
     {"menuDFRestore_Location", "menuDFRestore", "From File Location"},
     {"menuDFRestore_AutoBU", "menuDFRestore", "From Automatic Backup"},
     {"menuDFRepair", "MenuDataFile", "Repair", [](const State& s) { return s.working && s.notArchive; }},
-    {"menuDFExport", "MenuDataFile", "Export", Working<CommandRight::Export>},
-    {"menuDFOptions", "MenuDataFile", "&Options", WorkingWritable<CommandRight::Options>},
+    {"menuDFExport", "MenuDataFile", "Export", Working<Act::ExportDataFile>},
+    {"menuDFOptions", "MenuDataFile", "&Options", WorkingWritable<Act::Options>},
     {"menuDFOptions_Autofill", "menuDFOptions", "Autofill Text", Always, Always,
      [](const State& s) { return s.session.AutoFillText == 1; }},
     {"menuDFOptions_Reminders", "menuDFOptions", "Reminders"},
@@ -112,7 +110,7 @@ const Entry kEntries[] = {
     {"menuDFOptions_InventorySettings", "menuDFOptions", "Inventory Settings"},
     {"menuDFOptions_UnitCostAccuracy", "menuDFOptions", "Unit Cost Accuracy"},
     {"menuDFOptions_NameLength", "menuDFOptions", "Name Length"},
-    {"menuDFAdvanced", "MenuDataFile", "Advanced", Right<CommandRight::Advanced>},
+    {"menuDFAdvanced", "MenuDataFile", "Advanced", May<Act::DataFiles>},
     {"menuDFAdvanced_FileNew", "menuDFAdvanced", "New Data File"},
     {"menuDFAdvanced_FileOpen", "menuDFAdvanced", "Open Data File"},
     {"menuDFAdvanced_Search", "menuDFAdvanced", "Search for Data Files", FileOpen},
@@ -135,12 +133,11 @@ const Entry kEntries[] = {
 
     {"MenuDatabase", "", "Database"},
     {"menuDB_NewDB", "MenuDatabase", "&New",
-     [](const State& s) { return s.fileOpen && s.notArchive && s.Allows(Databases); }},
-    {"menuDB_RenameDB", "MenuDatabase", "Rename", WorkingWritable<Databases>},
-    {"menuDB_DeleteDB", "MenuDatabase", "&Delete", WorkingWritable<Databases>},
-    {"menuDB_BatchOptions_Cost", "MenuDatabase", "Batch Cost Calculation", WorkingWritable<CommandRight::Costs>},
-    {"menuDB_BatchOptions_VOCHAP", "MenuDatabase", "Batch VOC / HAP Calculation",
-     WorkingWritable<CommandRight::VOCHAP>},
+     [](const State& s) { return s.fileOpen && s.notArchive && s.MayDo(Act::Databases); }},
+    {"menuDB_RenameDB", "MenuDatabase", "Rename", WorkingWritable<Act::Databases>},
+    {"menuDB_DeleteDB", "MenuDatabase", "&Delete", WorkingWritable<Act::Databases>},
+    {"menuDB_BatchOptions_Cost", "MenuDatabase", "Batch Cost Calculation", WorkingWritable<Act::EditCosts>},
+    {"menuDB_BatchOptions_VOCHAP", "MenuDatabase", "Batch VOC / HAP Calculation", WorkingWritable<Act::EditEmissions>},
 
     {"menuCloud", "", "Cloud"},
     {"menuCloud_About", "menuCloud", "About Service"},
@@ -197,7 +194,7 @@ const std::array<Button, 10> kButtons{{
     {"Inventory", "AdjustInventoryForm", RecordsetsOpen},
     {"Label", "LabelMenu", RecordsetsOpen},
     {"Report", "ReportsForm", RecordsetsOpen},
-    {"DBTools", "DBToolsMenu", Working<CommandRight::DBTools>},
+    {"DBTools", "DBToolsMenu", Working<Act::FormulaTools>},
     {"Find", "FindMenu", RecordsetsOpen},
     {"Users", "LoginForm", FileOpen, [](const State& s) { return s.users; }},
 }};
@@ -253,7 +250,7 @@ Result<void> CheckToolbarButton(const Session& session, const OpenWindows& windo
   if (std::ranges::find(kButtons, key, &Button::key) == kButtons.end())
     throw std::logic_error("no toolbar button " + std::string(key));
   if (key == "DBTools") {
-    if (auto allowed = RequireCommandRight(session, CommandRight::DBTools); !allowed) return allowed;
+    if (auto allowed = RequireAtDoor(session, Act::FormulaTools); !allowed) return allowed;
   }
   for (const Interlock& lock : kInterlocks) {
     if (lock.button == key && windows.IsFormOpen(lock.form) && windows.IsInEdit(lock.form))

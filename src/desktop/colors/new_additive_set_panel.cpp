@@ -74,7 +74,7 @@ bool NewAdditiveSetPanel::IsFilled() const {
 }
 
 bool NewAdditiveSetPanel::Create(std::string& setName) {
-  const Result<AdditiveSet> made = CreateAdditiveSet(host_.session, Work());
+  const Result<AdditiveSet> made = CreateAdditiveSet(host_.session, Work(), Act::EditFormulas);
   if (!host_.Accepted(made)) return false;
   setName = made->SetName;
   Empty();

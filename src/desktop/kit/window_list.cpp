@@ -5,6 +5,7 @@
 #include <stdexcept>
 #include <utility>
 
+#include "core/session/acts.h"
 #include "desktop/kit/wait_progress.h"
 #include "desktop/kit/window.h"
 
@@ -56,9 +57,25 @@ Window* WindowList::Form(std::string_view name) const {
   return found == open_.end() ? nullptr : *found;
 }
 
+std::vector<std::string> WindowList::Names() const {
+  std::vector<std::string> names;
+  for (const auto& [name, factory] : factories_) names.push_back(name);
+  for (const auto& [name, factory] : dialogFactories_) names.push_back(name);
+  return names;
+}
+
+bool WindowList::MayOpen(const std::string& name) {
+  const auto act = ActOfWindow(name);
+  if (!act) return true;
+  const auto allowed = RequireAtDoor(session, *act);
+  if (!allowed) session.prompt.Tell(allowed.error().title, allowed.error().text);
+  return allowed.has_value();
+}
+
 Window* WindowList::OpenForm(const std::string& name, const Arguments& arguments) {
   Window* window = Form(name);
   if (window == nullptr) {
+    if (!MayOpen(name)) return nullptr;
     window = Make(name);
     open_.push_back(window);
     hosts_.push_back({window, window});
@@ -95,6 +112,7 @@ Window* WindowList::Make(const std::string& name) {
 std::optional<Arguments> WindowList::RunDialog(const std::string& name, const Arguments& arguments) {
   const auto factory = dialogFactories_.find(name);
   if (factory == dialogFactories_.end()) throw std::logic_error("there is no dialog " + name);
+  if (!MayOpen(name)) return std::nullopt;
   QWidget* owner = QApplication::activeWindow();
   const std::unique_ptr<Dialog> dialog(factory->second(*this, owner != nullptr ? owner : Frame()));
   dialog->OnOpen(arguments);

@@ -72,14 +72,16 @@ class WindowList : public QObject {
   }
   /// True when a window or a dialog of that name can be opened.
   bool Knows(const std::string& name) const;
+  /// All of them.
+  std::vector<std::string> Names() const;
 
   bool IsFormOpen(std::string_view name) const { return Form(name) != nullptr; }
   /// The open window of that name, or null.
   Window* Form(std::string_view name) const;
   /// Opens it, or brings it forward when it is open, and passes the arguments on. A name that nobody registered is the
-  /// caller's mistake: std::logic_error.
+  /// caller's mistake: std::logic_error. Null, and the refusal was shown, when the user lacks the window's right.
   Window* OpenForm(const std::string& name, const Arguments& arguments = {});
-  /// Runs a dialog until it closes; its result, or nothing when it was cancelled.
+  /// Runs a dialog until it closes; its result, or nothing when it was cancelled or the user lacks its right.
   std::optional<Arguments> RunDialog(const std::string& name, const Arguments& arguments = {});
   /// True when it is open and has unsaved work.
   bool IsInEdit(std::string_view name) const;
@@ -112,6 +114,7 @@ class WindowList : public QObject {
   Window* Make(const std::string& name);
   void Leave(QObject& object);
   void Hold(const Change& change);
+  bool MayOpen(const std::string& name);
 
   WaitProgress* wait_;
   WindowPlace* place_ = nullptr;

@@ -4,7 +4,7 @@
 #include <QLayout>
 #include <array>
 
-#include "core/session/rights.h"
+#include "core/session/acts.h"
 #include "desktop/kit/menu_keys.h"
 
 namespace vellumark::desktop {
@@ -56,7 +56,7 @@ DBToolsMenu::DBToolsMenu(WindowList& windowList)
 }
 
 void DBToolsMenu::Choose(const std::string& name, bool isDialog) {
-  if (!Accepted(RequireCommandRight(session, CommandRight::DBTools))) return;
+  if (!Accepted(RequireAtDoor(session, ActOfWindow(name).value_or(Act::FormulaTools)))) return;
   // This window is deleted by its close.
   WindowList& list = windows;
   if (!Leave()) return;

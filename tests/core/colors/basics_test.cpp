@@ -36,6 +36,7 @@ TEST(Basics, EnteringAName) {
   EXPECT_EQ(
       EnterBasicName(room.session, "PANTONE 999").error(),
       (Refusal{"Basics / Additives - Invalid Name", "Color name cannot begin with the word PANTONE.", "Color_Name"}));
+  room.session.CurrentUser = "ANNA";
   room.session.Perm_MasterFormula = 0;
   EXPECT_EQ(EnterBasicName(room.session, "blue").error(),
             (Refusal{"Color Not Found",

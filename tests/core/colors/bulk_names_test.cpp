@@ -220,6 +220,7 @@ TEST(BulkDelete, FormulasGoWithTheirLotsUnlessADesignUsesOne) {
   EXPECT_EQ(DeleteFormulas(room.session, {}).error().text, "No Master Formulas selected.");
   EXPECT_EQ(DeleteFormulas(room.session, {"SKY"}, "OTHER").error().text, "There is no Database OTHER.");
   EXPECT_EQ(DeleteFormulas(room.session, {"SKY", "ROSE"}).error().title, "Additive Set Color");
+  room.session.CurrentUser = "ANNA";
   room.session.Perm_MasterFormula = 0;
   EXPECT_EQ(DeleteFormulas(room.session, {"SKY"}).error().title, "Permission Denied");
   room.session.Perm_MasterFormula = 1;

@@ -412,14 +412,15 @@ TEST_F(OptionsWindowsTest, AutofillIsSwitchedOffAndOn) {
 TEST_F(OptionsWindowsTest, AUserWithoutTheRightToOptionsChangesNothing) {
   session.CurrentUser = "PAT";
   session.IsAdminUser = false;
-  session.Perm_Options = 0;
   const std::pair<const char*, const char*> windowsAndButtons[] = {
       {"UMSettingForm", "cmdSave"},   {"AutofillForm", "cmdSave"},     {"RemindersForm", "cmdOK"},
       {"Default_Printer", "cmdSave"}, {"OptionMaxNameLen", "cmdSave"}, {"UnitCostAccuracyForm", "cmdOK"},
   };
   const std::string before = ReadFileBytes(session.support->settings.Path());
   for (const auto& [name, button] : windowsAndButtons) {
+    session.Perm_Options = 1;
     EXPECT_FALSE(Run(name, [&](QWidget& dialog) {
+      session.Perm_Options = 0;
       if (auto* places = dialog.findChild<QComboBox*>("cmbDecimalPlaces")) places->setCurrentIndex(2);
       prompt.Expect(RequireCommandRight(session, CommandRight::Options).error().title);
       Click(dialog, button);

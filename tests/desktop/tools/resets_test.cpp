@@ -106,9 +106,9 @@ TEST_F(ResetsTest, TheMenuOpensThemAndKeepsOthersOut) {
               EXPECT_EQ(dialog.objectName().toStdString(), "ResetMixColor_VOC_HAP");
               Press(dialog, Qt::Key_Escape);
             });
+  Open("DBToolsMenu");
   session.CurrentUser = "ANNA";
   session.Perm_DBTools = 0;
-  Open("DBToolsMenu");
   prompt.Expect("Permission Denied");
   Click(*form, "cmdDelColors");
   EXPECT_FALSE(windows.IsFormOpen("DBDelColors"));

@@ -1,0 +1,254 @@
+#include "core/session/acts.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <array>
+#include <stdexcept>
+
+namespace vellumark {
+namespace {
+
+using enum CommandRight;
+
+const std::array kRows{
+    ActRow{Act::Look, false, {}},
+    ActRow{Act::Work, true, {}},
+    ActRow{Act::AddBasics, true, {MasterFormula}, false, true},
+    ActRow{Act::EditFormulas, true, {MasterFormula}, false, true},
+    ActRow{Act::EditCosts, true, {Costs}},
+    ActRow{Act::EditEmissions, true, {VOCHAP}, false, true},
+    ActRow{Act::AdditiveSets, true, {DBTools}},
+    ActRow{Act::FormulaTools, true, {DBTools}},
+    ActRow{Act::BulkFormulas, true, {DBTools, MasterFormula}},
+    ActRow{Act::ResetCosts, true, {DBTools, Costs}},
+    ActRow{Act::ResetEmissions, true, {DBTools, VOCHAP}},
+    ActRow{Act::ExportFormulas, false, {DBTools}},
+    ActRow{Act::ImportFormulas, true, {DBTools, MasterFormula}},
+    ActRow{Act::Databases, true, {CommandRight::Databases}},
+    ActRow{Act::GuideTemplate, false, {CommandRight::Databases}},
+    ActRow{Act::Options, false, {CommandRight::Options}},
+    ActRow{Act::DataFiles, false, {Advanced}},
+    ActRow{Act::BackUp, false, {BackupRestore}},
+    ActRow{Act::ExportDataFile, false, {Export}},
+    ActRow{Act::Users, true, {}, true},
+};
+
+constexpr WayIn kCommands[] = {
+    {"file create", Act::DataFiles},
+    {"file info", Act::Look},
+    {"file check", Act::Look},
+    {"file compact", Act::Work},
+    {"settings get", Act::Look},
+    {"settings set", Act::Options},
+    {"settings list", Act::Look},
+    {"db list", Act::Look},
+    {"db use", Act::Work},
+    {"db create", Act::Databases},
+    {"db rename", Act::Databases},
+    {"db delete", Act::Databases},
+    {"template build", Act::GuideTemplate},
+    {"template check", Act::Look},
+    {"color list", Act::Look},
+    {"color show", Act::Look},
+    {"color add", Act::AddBasics},
+    {"color set", Act::Work},
+    {"color rename", Act::Work},
+    {"color delete", Act::Work},
+    {"formula list", Act::Look},
+    {"formula show", Act::Look},
+    {"formula add", Act::EditFormulas},
+    {"formula edit", Act::Work},
+    {"formula rename", Act::EditFormulas},
+    {"formula delete", Act::EditFormulas},
+    {"formula duplicate", Act::EditFormulas},
+    {"formula compare", Act::Look},
+    {"formula revert", Act::EditFormulas},
+    {"formula import", Act::ImportFormulas},
+    {"formula export", Act::ExportFormulas},
+    {"formula passes", Act::Work},
+    {"addset list", Act::Look},
+    {"addset show", Act::Look},
+    {"addset add", Act::AdditiveSets},
+    {"addset edit", Act::AdditiveSets},
+    {"addset rename", Act::AdditiveSets},
+    {"addset delete", Act::AdditiveSets},
+    {"addset apply", Act::AdditiveSets},
+    {"addset remove", Act::AdditiveSets},
+    {"tools modify", Act::FormulaTools},
+    {"tools rename", Act::FormulaTools},
+    {"tools delete", Act::BulkFormulas},
+    {"stock show", Act::Look},
+    {"stock lots", Act::Look},
+    {"stock low", Act::Look},
+    {"stock history", Act::Look},
+    {"stock adjust", Act::Work},
+    {"stock reset inventory", Act::Work},
+    {"stock reset date", Act::Work},
+    {"stock reset price", Act::EditCosts},
+    {"stock reorder", Act::Work},
+    {"stock reset-reorder", Act::Work},
+    {"batch calc", Act::Look},
+    {"batch show", Act::Look},
+    {"batch list", Act::Look},
+    {"batch save", Act::Work},
+    {"batch edit", Act::Work},
+    {"batch delete", Act::Work},
+    {"batch complete", Act::Work},
+    {"users list", Act::Look},
+    {"users enable", Act::Work},
+    {"users disable", Act::Users},
+    {"users add", Act::Users},
+    {"users modify", Act::Users},
+    {"users delete", Act::Users},
+    {"users passwd", Act::Work},
+};
+
+constexpr WayIn kWindows[] = {
+    // The bulk tools.
+    {"DBToolsMenu", Act::FormulaTools},
+    {"DBAdditiveControl", Act::AdditiveSets},
+    {"NewAdditiveNameForm", Act::AdditiveSets},
+    {"DBFormulaModifierForm", Act::FormulaTools},
+    {"DBRenameColors", Act::FormulaTools},
+    {"DBDelColors", Act::BulkFormulas},
+    {"ResetBasicCostForm", Act::ResetCosts},
+    {"ResetMixCostForm", Act::ResetCosts},
+    {"ResetBasic_VOC_HAP_Form", Act::ResetEmissions},
+    {"ResetMixColor_VOC_HAP", Act::ResetEmissions},
+    // Databases and Data Files.
+    {"NewDBForm", Act::Databases},
+    {"RenameDBForm", Act::Databases},
+    {"DeleteDBForm", Act::Databases},
+    {"OtherDatabasesForm", Act::Look},
+    {"FileExplorerForm", Act::DataFiles},
+    {"NewFileExplorerForm", Act::DataFiles},
+    {"RenameDataFileForm", Act::DataFiles},
+    {"VKD_File_ListingForm", Act::DataFiles},
+    {"NewDataFileForm", Act::Look},
+    {"UpdateDataFileForm", Act::Look},
+    // Options. Two of them are looked at by everybody.
+    {"AutofillForm", Act::Options},
+    {"RemindersForm", Act::Options},
+    {"Default_Printer", Act::Options},
+    {"UMSettingForm", Act::Options},
+    {"UnitCostAccuracyForm", Act::Options},
+    {"OptionMaxNameLen", Act::Options},
+    {"DefaultCostModelForm", Act::EditCosts},
+    {"VOC_HAP_OptMenu", Act::EditEmissions},
+    {"NewSetupForm", Act::Look},
+    // Users.
+    {"AdminOptionsForm", Act::Users},
+    {"NewUserForm", Act::Users},
+    {"ModifyUserForm", Act::Users},
+    {"DeleteUserForm", Act::Users},
+    {"NewAdminForm", Act::Work},
+    {"LoginForm", Act::Look},
+    {"PasswordForm", Act::Look},
+    {"ChangePasswordForm", Act::Work},
+    {"ViewPermissionsForm", Act::Look},
+    // Colours and formulas. They are looked at by everybody; changing asks for more behind the door.
+    {"ColorsMenu", Act::Look},
+    {"BasicColorsForm", Act::Look},
+    {"NewBasicNameForm", Act::Look},
+    {"BasicColorUsedInMixForm", Act::Look},
+    {"MixColorsForm", Act::Look},
+    {"NewMixNameForm", Act::EditFormulas},
+    {"AdjustFormulaForm", Act::EditFormulas},
+    {"DuplicateFormulaForm", Act::EditFormulas},
+    {"CompareFormulasForm", Act::Look},
+    {"WhereUsedForm", Act::Look},
+    // Stock.
+    {"AdjustInventoryForm", Act::Look},
+    {"AdjustReorderForm", Act::Look},
+    {"ResetInvForm", Act::Look},
+    {"ResetReorderForm", Act::Look},
+    {"StockHistoryForm", Act::Look},
+    {"BatchLotInvSelector", Act::Look},
+    {"InvLotInstructions", Act::Look},
+    {"CalendarForm", Act::Look},
+    // Batches.
+    {"BatchForm", Act::Look},
+    {"ViewBatchForm", Act::Look},
+    {"RecentBatchesForm", Act::Look},
+    {"AddAdditionForm", Act::Look},
+    {"AdjustAdditionForm", Act::Look},
+    {"AdjustBasicForm", Act::Look},
+    {"AdjustMixForm", Act::Look},
+    {"BatchFormLotNumReminder", Act::Look},
+    {"BatchSettingsForm", Act::Look},
+    {"CostInfForm", Act::Look},
+    {"CostModelForm", Act::Look},
+    {"VOC_HAP_CalcForm", Act::Look},
+    {"JobItemsForm", Act::Look},
+    {"MoreDataForm", Act::Look},
+    {"SaveModifiedBatch", Act::Look},
+    // The program.
+    {"AboutForm", Act::Look},
+    {"ProductSplashFormPantone", Act::Look},
+};
+
+std::optional<Act> Find(std::span<const WayIn> ways, std::string_view name) {
+  const auto found = std::ranges::find(ways, name, &WayIn::name);
+  if (found == ways.end()) return std::nullopt;
+  return found->act;
+}
+
+bool IsAdministrator(const Session& session) {
+  return session.CurrentUser.empty() || session.IsAdminUser;
+}
+
+Result<void> RequireRights(const Session& session, const ActRow& row) {
+  for (const CommandRight right : row.rights)
+    if (auto allowed = RequireCommandRight(session, right); !allowed) return allowed;
+  if (!row.administrator || IsAdministrator(session)) return {};
+  return Refuse("Permission Denied",
+                fmt::format("{}, you do not have permission to change Users.", session.CurrentUser));
+}
+
+}  // namespace
+
+std::span<const ActRow> ActRows() {
+  return kRows;
+}
+
+const ActRow& RowOf(Act act) {
+  const auto found = std::ranges::find(kRows, act, &ActRow::act);
+  if (found == kRows.end()) throw std::logic_error("an act without a row");
+  return *found;
+}
+
+bool MayDo(const Session& session, Act act) {
+  const ActRow& row = RowOf(act);
+  return (!row.administrator || IsAdministrator(session)) &&
+         std::ranges::all_of(row.rights, [&](CommandRight right) { return Allows(session, right); });
+}
+
+Result<void> RequireAct(const Session& session, Act act) {
+  if (RowOf(act).writes)
+    if (auto writable = RequireWritable(session); !writable) return writable;
+  return RequireRights(session, RowOf(act));
+}
+
+Result<void> RequireAtDoor(const Session& session, Act act) {
+  const ActRow& row = RowOf(act);
+  return row.ownWords ? Result<void>{} : RequireRights(session, row);
+}
+
+std::span<const WayIn> CommandWays() {
+  return kCommands;
+}
+
+std::span<const WayIn> WindowWays() {
+  return kWindows;
+}
+
+std::optional<Act> ActOfCommand(std::string_view command) {
+  return Find(kCommands, command);
+}
+
+std::optional<Act> ActOfWindow(std::string_view window) {
+  return Find(kWindows, window);
+}
+
+}  // namespace vellumark
