@@ -13,6 +13,7 @@
 #include "core/batch/jobs.h"
 #include "core/batch/modified.h"
 #include "core/batch/recycle_list.h"
+#include "core/colors/amounts.h"
 #include "core/colors/names.h"
 
 namespace vellumark::cli {
@@ -126,7 +127,7 @@ class FieldSetter {
         return {};
       }
     for (const LabField& lab : kLabFields)
-      if (lab.name == field) return SetNumber(field, value, record_.fields.*lab.number);
+      if (EqualNoCase(lab.name, field)) return SetReading(field, value, record_.fields.*lab.number);
     for (const ModelField& model : kModelFields)
       if (EqualNoCase(model.name, field)) return SetModel(model, value);
     for (int i = 0; i < kBatchUserFields; ++i) {
@@ -158,10 +159,10 @@ class FieldSetter {
   }
 
  private:
-  static Result<void> SetNumber(std::string_view field, const std::string& value, float& number) {
-    const auto read = ParseNumber(value);
-    if (!read) return NoNumber(field, value);
-    number = RoundSingle(*read, 3);
+  Result<void> SetReading(std::string_view field, const std::string& value, float& number) {
+    const auto read = ReadAmount(session_, AmountKey::Lab, value, field);
+    if (!read) return std::unexpected(read.error());
+    number = *read;
     return {};
   }
 

@@ -36,6 +36,8 @@ struct Context {
   int exitStatus = ExitDone;  ///< of an answer that is whole and tells of something amiss
   std::string user;           ///< --user; empty when not given
   std::string password;       ///< --password, or VELLUMARK_PASSWORD
+  /// Opens `dataFile` for writing, for a verb with Needs::Nothing that finds that it needs it.
+  std::function<Result<void>()> open = {};
 };
 
 /// A verb's procedure: its JSON answer, or the refusal of the rule that stopped it. Json() (null) prints nothing.

@@ -3,6 +3,7 @@
 #include <filesystem>
 #include <system_error>
 
+#include "core/datafile/lifecycle.h"
 #include "core/session/users.h"
 #include "core/settings/settings_keys.h"
 
@@ -18,6 +19,10 @@ Result<void> RequireInDefaultFile(Context& context, Act act) {
   session.DataFileDB = Database::Open(path, OpenMode::ReadOnly);
   Result<void> allowed;
   if (UsersEnabled(session)) {
+    // A wrong password is counted there.
+    session.DataFileDB.reset();
+    const bool writable = GateOf(ReadFileVersion(path)) == VersionGate::Current;
+    session.DataFileDB = Database::Open(path, writable ? OpenMode::Exclusive : OpenMode::ReadOnly);
     allowed = LogIn(session, context.user, context.password);
     if (allowed) allowed = RequireAct(session, act);
   }

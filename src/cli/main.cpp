@@ -147,6 +147,8 @@ int RunChosen(const GlobalOptions& options, const Commands& commands) {
         options.user, options.password};
     if (!options.file.empty()) context.dataFile = fs::absolute(options.file).string();
 
+    context.open = [&] { return OpenForVerb(context, options, Needs::Writable); };
+
     Result<void> opened;
     if (commands.needs == Needs::Nothing) {
       opened = RequireInDefaultFile(context, commands.act);

@@ -1,29 +1,23 @@
 #include <fmt/format.h>
 
+#include <filesystem>
 #include <memory>
 
 #include "cli/frame.h"
-#include "core/session/options.h"
-#include "core/settings/setting_values.h"
 #include "core/settings/settings_keys.h"
 #include "core/settings/support_files.h"
+#include "core/shell/change_setting.h"
 
 namespace vellumark::cli {
 namespace {
 
+// What hangs on a key stands in the Data File, where there is one.
 Result<Json> SetSetting(Context& context, const std::string& key, const std::string& value) {
-  SupportFile& settings = context.session.support->settings;
-  if (!settings.Read().Contains(key))
-    return Refuse("Settings", fmt::format("The settings have no key {}.", key), "KEY");
-  if (key == keys::InvCutoff) {
-    if (auto cutoff = ReadInvCutoff(value); !cutoff) return std::unexpected(cutoff.error());
-  }
-  if (key == keys::UDCNameCCodeLen) {
-    if (auto length = ReadNameLength(value); !length) return std::unexpected(length.error());
-  }
-  if (auto meant = CheckSettingValue(key, value); !meant) return std::unexpected(meant.error());
-  settings.SetSupportValue(key, value);
-  return Json{{key, value}};
+  if (key == keys::DecimalPlaces && !context.dataFile.empty() && std::filesystem::exists(context.dataFile))
+    if (auto opened = context.open(); !opened) return std::unexpected(opened.error());
+  const auto changed = ChangeSetting(context.session, key, value);
+  if (!changed) return std::unexpected(changed.error());
+  return Json{{key, GetSupportValue(context.session, key)}};
 }
 
 }  // namespace

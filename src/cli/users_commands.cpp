@@ -195,7 +195,10 @@ void AddChanges(CLI::App& noun, Commands& commands) {
     return taken;
   };
 
-  auto* add = noun.add_subcommand("add", "Add a user; without rights named, one who can only look");
+  auto* add = noun.add_subcommand(
+      "add",
+      "Add a user. Without rights named, one who can do the day's work (Batches, stock, notes) but sees no costs and "
+      "changes no recipes, costs, emissions, Databases or settings");
   commands.Add(add, Needs::Writable, [taken = arguments(add)](Context& context) {
     return Add(context, taken->name, taken->pairs, taken->passwordFile);
   });

@@ -255,6 +255,12 @@ TEST(CliBatch, RefusesWhatTheWindowRefuses) {
   EXPECT_EQ(with({"--set", "MarkupPercent=101"}), "Invalid Percentage");
   EXPECT_EQ(with({"--set", "FixedCostPerUnit=-1"}), "Invalid Cost");
   EXPECT_EQ(with({"--set", "Nothing=1"}), "Invalid Field");
+  // Every field that holds a number, by a figure that no field can hold.
+  for (const char* field : {"Lab_L", "Lab_a", "Lab_b", "Lab_D", "Lab_Density", "CostModelType", "MixCostOption",
+                            "FixedCostOfBatch", "FixedCostPerUnit", "MarkupPercent", "MixVOCModelType",
+                            "MixHAPModelType", "UD_Numeric0", "UD_Numeric5", "Complete"})
+    for (const char* bad : {"123456789012345678", "-123456789012345678", "100000", "1e5", "abc"})
+      EXPECT_NE(with({"--set", std::string(field) + "=" + bad}), "") << field << " " << bad;
   EXPECT_EQ(with({"--lot", "RED=A:1"}), "Lotted Inventory");
   EXPECT_EQ(title({"edit", "9", "--notes", "x"}), "Batch Not Found");
   EXPECT_EQ(title({"complete", "9"}), "Batch Not Found");

@@ -138,13 +138,16 @@ TEST(CliFiles, AFigureThatIsNoNumberIsNamedOnceWhereverItIsRead) {
   room.Json({"color", "add", "BLUE"});
   room.Json({"formula", "add", "PURPLE", "RED=50", "BLUE=50"});
   Database::Open(path, OpenMode::Exclusive)->Execute("UPDATE INK_Basic SET Inventory = 9e999 WHERE Color_Name = 'RED'");
-  for (const std::vector<std::string>& words :
-       {std::vector<std::string>{"color", "list"}, {"color", "show", "RED"}, {"--json", "color", "list"},
-        {"stock", "show"}, {"batch", "save", "--formula", "PURPLE", "--quantity", "10"}}) {
+  for (const std::vector<std::string>& words : {std::vector<std::string>{"color", "list"},
+                                                {"color", "show", "RED"},
+                                                {"--json", "color", "list"},
+                                                {"stock", "show"},
+                                                {"batch", "save", "--formula", "PURPLE", "--quantity", "10"}}) {
     const test::CliAnswer answer = room.Run(words);
     EXPECT_EQ(answer.status, 4) << words.front() << " " << words[1];
-    EXPECT_NE(answer.err.find("holds a figure that is not a number in the table INK_Basic, row 1 (RED), field Inventory"),
-              std::string::npos)
+    EXPECT_NE(
+        answer.err.find("holds a figure that is not a number in the table INK_Basic, row 1 (RED), field Inventory"),
+        std::string::npos)
         << answer.err;
   }
   const auto faults = room.Run({"--json", "file", "check", "--deep"}).Json()["Faults"];
@@ -173,12 +176,29 @@ TEST(CliFiles, DatabasesAreListedMadeAndChosen) {
   EXPECT_EQ(room.Json({"--db", "ink", "color", "list"}).size(), 1U);
 }
 
+TEST(CliSettings, AnotherNumberOfDecimalsRewritesTheUnitCosts) {
+  const test::CliRoom room;
+  room.MakeFile();
+  room.Json({"color", "add", "RED", "PurchaseCost=1.11"});
+  room.Json({"color", "add", "BLUE", "PurchaseCost=1.12"});
+  room.Json({"formula", "add", "MIX", "RED=50", "BLUE=50"});
+  EXPECT_EQ(room.Json({"settings", "set", "DecimalPlaces", "4"})["DecimalPlaces"], "4");
+  EXPECT_EQ(room.Json({"formula", "show", "MIX"})["BasicCost"].dump(), "1.115");
+  EXPECT_EQ(room.Run({"settings", "set", "DecimalPlaces", "2"}).status, 3) << "digits are lost: it asks";
+  EXPECT_EQ(room.Json({"settings", "get", "DecimalPlaces"}), "4");
+  room.Json({"--yes", "settings", "set", "DecimalPlaces", "2"});
+  EXPECT_NE(room.Json({"formula", "show", "MIX"})["BasicCost"].dump(), "1.115");
+}
+
 TEST(CliSettings, ReadWrittenListedAndACutFileLosesNoWholeRecord) {
   const test::CliRoom room;
   EXPECT_EQ(room.Json({"settings", "get", "StartupVar_FileVersion"}), "47");
   EXPECT_GT(room.Json({"settings", "list"}).size(), 1259U);
   room.Json({"settings", "set", "UMI", "2"});
   EXPECT_EQ(room.Json({"settings", "get", "UMI"}), "2");
+  EXPECT_NE(room.Run({"settings", "set", "UMI", "3"}).err.find("stood for kg. and stand for g. from now on."),
+            std::string::npos);
+  EXPECT_EQ(room.Run({"settings", "set", "UMI", "2"}).status, 0);
   EXPECT_EQ(room.Run({"settings", "get", "umi"}).status, 1);
   EXPECT_EQ(room.Run({"settings", "set", "NoSuchKey", "2"}).status, 1);
   EXPECT_EQ(room.Run({"settings", "set", "BatchUDTxtDefault0", "a\"b"}).status, 1);

@@ -1,10 +1,12 @@
 #include <gtest/gtest.h>
 
+#include <chrono>
 #include <filesystem>
 
 #include "core/base/files.h"
 #include "core/datafile/engine.h"
 #include "support/cli_run.h"
+#include "support/snapshot.h"
 
 namespace vellumark {
 namespace {
@@ -39,9 +41,30 @@ struct UserFile : test::CliRoom {
   std::string path;
 };
 
+// All of the file but the count of wrong passwords.
+std::string DataOf(const std::string& path) {
+  const auto file = Database::Open(path, OpenMode::Exclusive);
+  file->Execute("DROP TABLE IF EXISTS MSysLoginFailures");
+  return test::Snapshot(*file);
+}
+
+TEST(CliUsers, EachWrongPasswordMakesTheNextProcessWaitLonger) {
+  const UserFile room;
+  const auto time = [&](const std::string& password) {
+    const auto begin = std::chrono::steady_clock::now();
+    const test::CliAnswer answer = room.As("BOSS", password, {"file", "info"});
+    EXPECT_EQ(answer.status, password == "INK 1" ? 0 : 1) << answer.err;
+    return std::chrono::duration<double>(std::chrono::steady_clock::now() - begin).count();
+  };
+  for (int i = 0; i < 5; ++i) time("X");
+  EXPECT_GE(time("X"), 0.4);
+  EXPECT_GE(time("INK 1"), 0.8) << "the right one as well, else a wrong one would be told by its silence";
+  EXPECT_LT(time("INK 1"), 0.8);
+}
+
 TEST(CliUsers, EveryVerbOnAFileWithUsersWantsALogin) {
   const UserFile room;
-  const std::string before = ReadFileBytes(room.path);
+  const std::string before = DataOf(room.path);
   for (const std::vector<std::string>& verb : {std::vector<std::string>{"file", "info"},
                                                {"color", "list"},
                                                {"color", "add", "BLUE"},
@@ -59,7 +82,7 @@ TEST(CliUsers, EveryVerbOnAFileWithUsersWantsALogin) {
   const test::CliAnswer json = room.Run({"--json", "file", "info"});
   EXPECT_EQ(json.Json()["refused"]["text"], "Invalid Username/Password!");
   EXPECT_EQ(json.Json()["refused"]["title"], "");
-  EXPECT_EQ(ReadFileBytes(room.path), before);
+  EXPECT_EQ(DataOf(room.path), before);
   EXPECT_EQ(room.Json({"settings", "get", "UMI"}), "1");
   // Naming another file does not open the settings.
   EXPECT_EQ(room.Run({"--file", (room.folder / "other.vkd").string(), "settings", "set", "UMI", "2"}).status, 1);

@@ -129,7 +129,8 @@ void ClearCalculation(BatchWork& work) {
 constexpr const char* kEditStateTitle = "Batches Window - Edit State";
 
 Result<float> ReadCost(const Session& session, float cost, const char* field) {
-  if (!(cost >= 0)) return Refuse("Invalid Cost", "You must enter a valid, positive cost.", field);
+  if (!(cost >= 0 && cost <= kMostQuantity))
+    return Refuse("Invalid Cost", "You must enter a valid, positive cost.", field);
   return RoundSingle(cost, session.DecimalPlaces);
 }
 

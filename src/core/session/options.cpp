@@ -8,6 +8,7 @@
 
 #include "core/base/number.h"
 #include "core/base/text.h"
+#include "core/base/units.h"
 #include "core/session/rights.h"
 #include "core/settings/settings_keys.h"
 #include "core/settings/support_files.h"
@@ -64,6 +65,18 @@ Result<int> ReadNameLength(std::string_view typed) {
                 "txtNameLength");
 }
 
+void TellNewUnit(Session& session, std::string_view key, int before, int after) {
+  if (before == after || !IsUnit(before) || !IsUnit(after)) return;
+  const std::string text =
+      key == keys::UMI
+          ? fmt::format(
+                "Nothing is converted: stock, lots, reorder points, the cutoff and unit costs on file keep their "
+                "figures, which stood for {} and stand for {} from now on.",
+                UnitName(before), UnitName(after))
+          : fmt::format("Batches on file keep their unit; new ones are measured in {}", UnitName(after));
+  session.prompt.Tell(key == keys::UMI ? "Inventory Unit" : "Batch Unit", text, Icon::Information);
+}
+
 InventorySettings ReadInventorySettings(const Session& session) {
   return {session.UMI, GetSupportValue(session, keys::InvCutoff), IsOn(session, keys::AllowNegInv),
           session.InvLotTracking == 1, IsOn(session, keys::InvRecordMethod) ? 1 : 0};
@@ -76,11 +89,13 @@ Result<void> SaveInventorySettings(Session& session, const InventorySettings& se
   if (!cutoff) return std::unexpected(cutoff.error());
   if (settings.InvRecordMethod != 0 && settings.InvRecordMethod != 1)
     return Refuse("Options", "Select how lots are recorded.", "InvRecordMethod");
+  const int before = session.UMI;
   Store(session, {{keys::UMI, std::to_string(settings.UMI)},
                   {keys::InvCutoff, ShortestText(*cutoff)},
                   {keys::AllowNegInv, Flag(settings.AllowNegInv)},
                   {keys::InvLotTracking, Flag(settings.InvLotTracking)},
                   {keys::InvRecordMethod, std::to_string(settings.InvRecordMethod)}});
+  TellNewUnit(session, keys::UMI, before, settings.UMI);
   return {};
 }
 

@@ -16,6 +16,10 @@ Result<float> ReadInvCutoff(std::string_view typed);
 /// The longest name and code, as typed: a whole number from 10 to 30.
 Result<int> ReadNameLength(std::string_view typed);
 
+/// Says what another unit means for what is on file: of UMI (stock) or UMF (Batches), each 1 to 4. Nothing when it is
+/// the same.
+void TellNewUnit(Session& session, std::string_view key, int before, int after);
+
 /// `UMSettingForm`.
 struct InventorySettings {
   int UMI = 1;            ///< 1 to 4

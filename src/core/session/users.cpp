@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <thread>
 
 #include "core/base/text.h"
 #include "core/datafile/writer.h"
@@ -11,6 +12,10 @@ namespace vellumark {
 namespace {
 
 constexpr std::string_view kRescuePassword = "TANGERINE";
+constexpr std::string_view kFailures = "MSysLoginFailures";
+constexpr std::int64_t kFreeFailures = 3;  // a slip of the fingers costs nothing
+constexpr std::chrono::milliseconds kFirstPause{100};
+constexpr std::chrono::milliseconds kLongestPause{10000};
 
 bool IsUserCharacter(char c) {
   return (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == ' ' || c == '.' || c == '/' || c == '-';
@@ -52,6 +57,11 @@ void Insert(Session& session, const UserRow& user) {
   InsertRow(session.File(), schema::Users, schema::Users.name, Cells(user));
 }
 
+// Windows that stay open show what the rights now in force let them.
+void TellNewRights(Session& session) {
+  session.changes.Tell({{Change::Kind::Settings, "", "", Change::What::All, ""}});
+}
+
 UserRow Administrator(std::string_view name, std::string_view password) {
   return {std::string(name), std::string(password), true, UserRights::All()};
 }
@@ -60,14 +70,63 @@ void TakeUser(Session& session, std::string_view name, bool administrator, const
   session.CurrentUser = std::string(name);
   session.IsAdminUser = administrator;
   TakeRights(session, rights);
+  TellNewRights(session);
+}
+
+std::int64_t FailuresOf(const Session& session, std::string_view user) {
+  if (!session.File().TableExists(kFailures)) return 0;
+  Statement row = session.File().Prepare(fmt::format("SELECT Failures FROM {} WHERE Username = ?", kFailures));
+  row.Bind(1, user);
+  return row.Step() ? row.Whole(0) : 0;
+}
+
+void StoreFailures(const Session& session, std::string_view user, std::int64_t failures) {
+  Transaction transaction(session.File());
+  if (!session.File().TableExists(kFailures))
+    session.File().Execute(
+        fmt::format("CREATE TABLE {} (Username TEXT COLLATE NOCASE PRIMARY KEY, Failures INTEGER)", kFailures));
+  session.File().Prepare(fmt::format("DELETE FROM {} WHERE Username = ?", kFailures)).Bind(1, user).Run();
+  if (failures > 0)
+    session.File()
+        .Prepare(fmt::format("INSERT INTO {} (Username, Failures) VALUES (?, ?)", kFailures))
+        .Bind(1, user)
+        .Bind(2, failures)
+        .Run();
+  transaction.Commit();
+}
+
+std::chrono::milliseconds PauseAfter(std::int64_t failures) {
+  std::chrono::milliseconds pause{0};
+  for (std::int64_t count = kFreeFailures; count <= failures && pause < kLongestPause; ++count)
+    pause = pause.count() == 0 ? kFirstPause : 2 * pause;
+  return std::min(pause, kLongestPause);
+}
+
+// The one place where a password is looked at. After a few wrong ones each further try waits, twice as long each time.
+// A try counts as wrong before it is looked at, so that ending the process in the pause gains nothing; the file is held
+// meanwhile, so that nobody tries beside it. An archive copy cannot count and waits as after the first ones.
+bool IsPassword(const Session& session, const StoredUser& user, std::string_view typed, const Pause& pause) {
+  const std::string& name = user.row.Username;
+  const bool right = EqualNoCase(user.row.Password, Folded(typed));
+  if (session.File().IsReadOnly()) {
+    if (!right) pause(kFirstPause);
+    return right;
+  }
+  const std::int64_t failures = FailuresOf(session, name);
+  if (right && failures == 0) return true;
+  StoreFailures(session, name, failures + 1);
+  if (const auto wait = PauseAfter(failures); wait.count() > 0) pause(wait);
+  if (right) StoreFailures(session, name, 0);
+  return right;
 }
 
 // True when the session has become that user.
-bool TakeMatchingUser(Session& session, std::string_view typedName, std::string_view typedPassword) {
+bool TakeMatchingUser(Session& session, std::string_view typedName, std::string_view typedPassword,
+                      const Pause& pause) {
   const std::string name = Folded(typedName);
   if (name.empty() || !UsersEnabled(session)) return false;
   const auto user = Find(session, name);
-  if (!user || !EqualNoCase(user->row.Password, Folded(typedPassword))) return false;
+  if (!user || !IsPassword(session, *user, typedPassword, pause)) return false;
   TakeUser(session, name, user->row.IsAdmin, user->row.rights);
   return true;
 }
@@ -153,13 +212,17 @@ std::vector<std::string> DeletableUserNames(const Session& session) {
   return Names(session, "AND COALESCE(IsAdmin, 0) = 0");
 }
 
-Result<void> LogIn(Session& session, std::string_view name, std::string_view password) {
-  if (TakeMatchingUser(session, name, password)) return {};
+void PauseHere(std::chrono::milliseconds time) {
+  std::this_thread::sleep_for(time);
+}
+
+Result<void> LogIn(Session& session, std::string_view name, std::string_view password, const Pause& pause) {
+  if (TakeMatchingUser(session, name, password, pause)) return {};
   return Refuse("", "Invalid Username/Password!", "cmbUsername");
 }
 
-Result<void> SwitchUser(Session& session, std::string_view name, std::string_view password) {
-  if (TakeMatchingUser(session, name, password)) return {};
+Result<void> SwitchUser(Session& session, std::string_view name, std::string_view password, const Pause& pause) {
+  if (TakeMatchingUser(session, name, password, pause)) return {};
   return Refuse("", "Invalid Password!", "txtPassword");
 }
 
@@ -206,17 +269,19 @@ Result<bool> DeactivateUsers(Session& session) {
   {
     Transaction transaction(session.File());
     DropTable(session.File(), schema::Users.name);
+    if (session.File().TableExists(kFailures)) DropTable(session.File(), kFailures);
     transaction.Commit();
   }
   LogInWithoutUsers(session);
+  TellNewRights(session);
   session.prompt.Tell("Users Disabled", "The Users feature has been disabled.", Icon::Information);
   return true;
 }
 
-Result<void> CheckPassword(const Session& session, std::string_view password) {
+Result<void> CheckPassword(const Session& session, std::string_view password, const Pause& pause) {
   if (auto on = RequireUsers(session); !on) return on;
   const auto user = Find(session, session.CurrentUser);
-  if (user && EqualNoCase(user->row.Password, Folded(password))) return {};
+  if (user && IsPassword(session, *user, password, pause)) return {};
   return Refuse("", "Invalid Password!", "txtPassword");
 }
 
@@ -267,7 +332,10 @@ Result<void> ModifyUser(Session& session, const UserRow& typed) {
   if (typed.IsAdmin && password.empty()) return std::unexpected(BlankAdministratorPassword());
   if (auto sound = CheckRights(typed.rights); !sound) return sound;
   Write(session, stored->rowId, Cells({stored->row.Username, password, typed.IsAdmin, typed.rights}));
-  if (EqualNoCase(name, session.CurrentUser)) TakeRights(session, typed.rights);
+  if (EqualNoCase(name, session.CurrentUser)) {
+    TakeRights(session, typed.rights);
+    TellNewRights(session);
+  }
   return {};
 }
 
@@ -285,7 +353,7 @@ Result<bool> DeleteUser(Session& session, std::string_view typedName) {
 }
 
 Result<bool> ChangePassword(Session& session, std::string_view current, std::string_view typed,
-                            std::string_view repeated) {
+                            std::string_view repeated, const Pause& pause) {
   if (auto writable = RequireWritable(session); !writable) return std::unexpected(writable.error());
   if (auto on = RequireUsers(session); !on) return std::unexpected(on.error());
   if (EqualNoCase(session.CurrentUser, kRescueUser))
@@ -298,7 +366,7 @@ Result<bool> ChangePassword(Session& session, std::string_view current, std::str
     if (!session.prompt.Ask("No password?", "Do you wish to save this Username with no Password?")) return false;
   }
   const auto stored = Find(session, session.CurrentUser);
-  if (!stored || !EqualNoCase(stored->row.Password, Folded(current)))
+  if (!stored || !IsPassword(session, *stored, current, pause))
     return Refuse("", "Invalid Current Password!", "txtCurrentPassword");
   Write(session, stored->rowId, {{"Password", changed->empty() ? Value() : Value(*changed)}});
   session.prompt.Tell("Password Changed", "Your Password has been changed.", Icon::Information);

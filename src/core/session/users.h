@@ -1,6 +1,8 @@
 #pragma once
 
+#include <chrono>
 #include <cstddef>
+#include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -32,11 +34,18 @@ std::vector<std::string> UserNames(const Session& session);
 /// Those of them that can be deleted: no administrators.
 std::vector<std::string> DeletableUserNames(const Session& session);
 
+/// Waits that long; PauseHere holds the thread. After three wrong passwords of a user each further try waits before it
+/// is looked at, from a tenth of a second up to ten seconds, twice as long each time; the right one ends that. The
+/// count stands in the Data File, so that every program sees it.
+using Pause = std::function<void(std::chrono::milliseconds)>;
+void PauseHere(std::chrono::milliseconds time);
+
 /// Name and password trimmed and in capitals against the file; the user and the rights then are the session's. A
 /// refusal leaves the session as it is.
-Result<void> LogIn(Session& session, std::string_view name, std::string_view password);
+Result<void> LogIn(Session& session, std::string_view name, std::string_view password, const Pause& pause = PauseHere);
 /// The same for a user chosen from the menu, with that window's refusal.
-Result<void> SwitchUser(Session& session, std::string_view name, std::string_view password);
+Result<void> SwitchUser(Session& session, std::string_view name, std::string_view password,
+                        const Pause& pause = PauseHere);
 /// What a file without users gives: no user, an administrator's standing, formulas, costs and Database tools to edit.
 /// The other permissions keep what they held; they count for nothing while there is no user.
 void LogInWithoutUsers(Session& session);
@@ -48,7 +57,7 @@ Result<void> CreateUsers(Session& session, std::string_view name, std::string_vi
 Result<bool> DeactivateUsers(Session& session);
 
 /// The password of the current user, asked for before each administrator's command.
-Result<void> CheckPassword(const Session& session, std::string_view password);
+Result<void> CheckPassword(const Session& session, std::string_view password, const Pause& pause = PauseHere);
 
 struct UserRow {
   std::string Username;
@@ -69,7 +78,7 @@ Result<bool> DeleteUser(Session& session, std::string_view name);
 
 /// The current user's own password. False when the operator would not have an empty one.
 Result<bool> ChangePassword(Session& session, std::string_view current, std::string_view changed,
-                            std::string_view repeated);
+                            std::string_view repeated, const Pause& pause = PauseHere);
 
 /// Puts the rescue administrator back on file when missing; a session whose user is no longer on file becomes `ADMIN`.
 void RestoreRescueUser(Session& session);

@@ -88,7 +88,8 @@ void BatchForm::OnChanges(const std::vector<Change>& changes) {
   } else {
     rows_->Show(record_);
     recycleList_->Show(record_.work);
-    Changed();
+    // The user, and with him what may be shown, can be another one.
+    UpdateUserPriviledges();
   }
 }
 

@@ -148,9 +148,9 @@ void MainForm::FillLoginAs() {
   QMenu* menu = menus_["menuDFUsers_Login_As"];
   menu->clear();
   for (const std::string& name : UserNames(session_)) {
+    // As at the button: what is on screen was built for the user before.
     connect(menu->addAction(Q(name)), &QAction::triggered, this, [this, name] {
-      windows_.RunDialog("PasswordForm", {{"Username", name}});
-      EnableMenuItems();
+      RunDialogOf("PasswordForm", {"BatchForm"}, {{"Username", name}});
     });
   }
 }
@@ -169,10 +169,11 @@ void MainForm::RunMenuItem(const std::string& name) {
   }
 }
 
-void MainForm::RunDialogOf(const std::string& dialog, const std::vector<std::string>& staying) {
+void MainForm::RunDialogOf(const std::string& dialog, const std::vector<std::string>& staying,
+                           const Arguments& arguments) {
   CloseToolbarMenus();
   if (!windows_.CloseChildWindows(staying)) return;
-  const auto result = windows_.RunDialog(dialog);
+  const auto result = windows_.RunDialog(dialog, arguments);
   raise();
   activateWindow();
   if (result && result->Has("exit")) {

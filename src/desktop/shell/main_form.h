@@ -54,7 +54,8 @@ class MainForm : public QMainWindow, private OpenWindows {
   void FillLoginAs();
   void RunMenuItem(const std::string& name);
   /// Closes the child windows but those named, and runs the dialog in front of the main window.
-  void RunDialogOf(const std::string& dialog, const std::vector<std::string>& staying = {});
+  void RunDialogOf(const std::string& dialog, const std::vector<std::string>& staying = {},
+                   const Arguments& arguments = {});
   void PressToolbarButton(const std::string& key);
   void PressUsers();
   void ChooseDatabase(const QString& name);

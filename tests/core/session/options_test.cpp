@@ -25,6 +25,7 @@ TEST(Options, InventorySettingsAreCheckedStoredAndInForceAtOnce) {
   EXPECT_EQ(room.session.UMI, 1);
   EXPECT_EQ(told, 0);
   settings.InvCutoff = " 0.250 ";
+  room.prompt.Expect("Inventory Unit");
   ASSERT_TRUE(SaveInventorySettings(room.session, settings));
   EXPECT_EQ(room.session.UMI, 3);
   EXPECT_EQ(room.session.InvLotTracking, 0);

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "support/ink_room.h"
+#include "support/snapshot.h"
 
 namespace vellumark {
 namespace {
@@ -138,6 +139,27 @@ TEST(Users, LoginTakesTheRowAndARefusedOneLeavesTheSession) {
   ASSERT_TRUE(SwitchUser(room.session, "BOSS", "INK 1"));
   EXPECT_TRUE(room.session.IsAdminUser);
   EXPECT_EQ(room.session.Perm_Costs, 2);
+}
+
+TEST(Users, WrongPasswordsOfAUserWaitTwiceAsLongEachTimeUpToTenSeconds) {
+  UserRoom room;
+  room.Add("ANNA", "A");
+  std::vector<int> pauses;
+  const Pause pause = [&](std::chrono::milliseconds time) { pauses.push_back(static_cast<int>(time.count())); };
+  const std::string before = test::Snapshot(room.session.File());
+  EXPECT_TRUE(LogIn(room.session, "BOSS", "INK 1", pause));
+  EXPECT_EQ(test::Snapshot(room.session.File()), before) << "the right password writes nothing";
+  // By whichever window: they share the count, and names are told apart.
+  for (int i = 0; i < 4; ++i) EXPECT_FALSE(CheckPassword(room.session, "X", pause));
+  for (int i = 0; i < 4; ++i) EXPECT_FALSE(SwitchUser(room.session, "boss", "X", pause));
+  EXPECT_FALSE(ChangePassword(room.session, "X", "NEW", "NEW", pause));
+  EXPECT_FALSE(LogIn(room.session, "ANNA", "X", pause));
+  EXPECT_FALSE(LogIn(room.session, "NOBODY", "X", pause));
+  for (int i = 0; i < 2; ++i) EXPECT_FALSE(LogIn(room.session, "BOSS", "X", pause));
+  EXPECT_EQ(pauses, (std::vector<int>{100, 200, 400, 800, 1600, 3200, 6400, 10000}));
+  EXPECT_TRUE(LogIn(room.session, "BOSS", "INK 1", pause));
+  EXPECT_FALSE(LogIn(room.session, "BOSS", "X", pause));
+  EXPECT_EQ(pauses.size(), 9U) << "after the right one it begins anew";
 }
 
 // Each field of a row reaches its own permission: one right at a time through the file and back.

@@ -393,6 +393,7 @@ TEST_F(AdjustInventoryTest, TheSettingsNeedTheRightAndRelabelTheWindow) {
   auto& unit = Control<QComboBox>(*form, "cmbUMI");
   Press(unit, Qt::Key_Down);
   Click(*form, "optUnit");
+  prompt.Expect("Inventory Unit");
   Click(*form, "cmdSave");
   windows.DeliverChanges();
   EXPECT_EQ(session.UMI, 2);

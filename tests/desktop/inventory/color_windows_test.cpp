@@ -153,6 +153,7 @@ TEST_F(ColorWindowsTest, ANewUnitIsShownAtOnce) {
   EXPECT_EQ(hints().count("per lb."), 3);
   InventorySettings settings = ReadInventorySettings(session);
   settings.UMI = 2;
+  prompt.Expect("Inventory Unit");
   ASSERT_TRUE(SaveInventorySettings(session, settings));
   Settle();
   EXPECT_EQ(hints().count("per kg."), 3);

@@ -246,6 +246,9 @@ TEST_F(OptionsWindowsTest, InventorySettingsSayWhatTheyMeanAndAreInForceAtOnce) 
     Click(dialog, "optUnit");
     Click(dialog, "chkInvLotTracking");
     EXPECT_FALSE(IsOn(dialog, "optInvRecordMethod")) << "there are no lots to enter";
+    prompt.Expect("Inventory Unit", Answer::Ok,
+                  "Nothing is converted: stock, lots, reorder points, the cutoff and unit costs on file keep their "
+                  "figures, which stood for lb. and stand for g. from now on.");
     Press(dialog, Qt::Key_S, Qt::ControlModifier);
   }));
   EXPECT_EQ(OnFile("UMI"), "3");

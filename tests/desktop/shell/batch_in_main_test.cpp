@@ -2,12 +2,18 @@
 
 #include <gtest/gtest.h>
 
+#include <QAction>
+#include <QLabel>
 #include <QLineEdit>
+#include <QMenu>
 #include <QTableWidget>
 
 #include "core/inventory/reorder.h"
+#include "core/session/users.h"
 #include "desktop/batch/register.h"
 #include "desktop/inventory/register.h"
+#include "desktop/kit/text.h"
+#include "desktop/session/register.h"
 #include "desktop/shell/main_form.h"
 #include "support/desktop.h"
 #include "support/ink_room.h"
@@ -121,6 +127,52 @@ TEST_F(BatchInMainTest, TheStartPageShowsTheNewStockAtOnce) {
     EXPECT_EQ(list.item(0, 3)->text().toStdString(), std::to_string(200 + round) + ".000");
   }
   EXPECT_LT(best, 50 * kSlower);
+}
+
+// From the menu in the main window: what was built for the user before is gone, the Batch shows what the next may see.
+TEST_F(BatchInMainTest, LoginAsLeavesNothingOnScreenThatTheNextUserMayNotSee) {
+  RegisterSessionWindows(windows);
+  prompt.Expect("");
+  ASSERT_TRUE(CreateUsers(session, "BOSS", "SECRET"));
+  prompt.Expect("User Added");
+  ASSERT_TRUE(AddUser(session, {"ANNA", "A", false, {}}));
+  desktop::MainForm main(windows);
+  main.resize(1280, 720);
+  ShowActive(main);
+  main.EnableMenuItems();
+  windows.OpenForm("AdjustInventoryForm");
+  desktop::Window* batch = windows.OpenForm("BatchForm");
+  Settle();
+  TypeOn("TARGET");
+  PressOn(Qt::Key_Return);
+  TypeOn("10");
+  PressOn(Qt::Key_F2);
+  ASSERT_TRUE(windows.IsInEdit("BatchForm"));
+  const auto loginAs = [&](const char* name, const char* password) {
+    auto& menu = *main.findChild<QMenu*>("menuDFUsers_Login_As");
+    Q_EMIT menu.aboutToShow();
+    for (QAction* action : menu.actions()) {
+      if (action->text() != name) continue;
+      WithModal([&] { action->trigger(); },
+                [&](QWidget& dialog) {
+                  Fill(dialog, "txtPassword", password);
+                  Click(dialog, "cmdOK");
+                });
+      Settle();
+      windows.DeliverChanges();
+      return;
+    }
+    ADD_FAILURE() << "no entry " << name;
+  };
+  EXPECT_FALSE(Control(*batch, "cmdCostInf").isHidden());
+  loginAs("ANNA", "A");
+  EXPECT_EQ(session.CurrentUser, "ANNA");
+  EXPECT_FALSE(windows.IsFormOpen("AdjustInventoryForm"));
+  ASSERT_EQ(windows.Form("BatchForm"), batch) << "its work is kept";
+  EXPECT_TRUE(Control(*batch, "cmdCostInf").isHidden());
+  Picture(main, "main-form-other-user");
+  loginAs("BOSS", "SECRET");
+  EXPECT_FALSE(Control(*batch, "cmdCostInf").isHidden());
 }
 
 }  // namespace
