@@ -20,23 +20,18 @@ std::unexpected<Refusal> NoBatch(const Session& session, std::int32_t batchNo) {
                 "BatchNo");
 }
 
-// A saved Batch for as long as a verb works on it; whatever happens, its ingredients are consumed again at the end.
-class OpenedBatch {
- public:
-  OpenedBatch(Session& session, std::int32_t batchNo) : session_(session) {
-    found_ = OpenBatch(session, record, batchNo);
-  }
-  ~OpenedBatch() { Reset_Ing_Inv_CancelEdit_ExistingBatch(session_, record); }
-  OpenedBatch(const OpenedBatch&) = delete;
-  OpenedBatch& operator=(const OpenedBatch&) = delete;
-  explicit operator bool() const { return found_; }
-
+// A saved Batch for as long as a verb works on it, all in one transaction: what is refused, stands unanswered or fails
+// leaves the file as it was, its history of stock too. The command line's answers are there before it begins, so no
+// question waits for a person.
+template <class Act>
+Result<Json> OnStoredBatch(Session& session, std::int32_t batchNo, const Act& act) {
+  Transaction transaction(session.File());
   BatchRecord record;
-
- private:
-  Session& session_;
-  bool found_ = false;
-};
+  if (!OpenBatch(session, record, batchNo)) return NoBatch(session, batchNo);
+  auto answer = act(record);
+  if (answer) transaction.Commit();
+  return answer;
+}
 
 Result<Json> ShowBatch(Context& context, std::int32_t batchNo) {
   const auto record = ReadBatch(context.session, batchNo);
@@ -79,27 +74,25 @@ Result<Json> SaveNewBatch(Context& context, const BatchInput& input) {
 
 Result<Json> EditBatch(Context& context, std::int32_t batchNo, const BatchInput& input) {
   Session& session = context.session;
-  OpenedBatch opened(session, batchNo);
-  if (!opened) return NoBatch(session, batchNo);
-  if (const auto changed = ChangeBatch(session, opened.record, input); !changed)
-    return std::unexpected(changed.error());
-  if (const auto taken = TakeSaveOptions(session, opened.record, input); !taken) return std::unexpected(taken.error());
-  if (!opened.record.formulaUnchanged)
-    if (const auto editable = CheckEditable(session, opened.record); !editable)
-      return std::unexpected(editable.error());
-  if (const auto number = Store(session, opened.record, input); !number) return std::unexpected(number.error());
-  return ShowBatch(context, batchNo);
+  return OnStoredBatch(session, batchNo, [&](BatchRecord& record) -> Result<Json> {
+    if (const auto changed = ChangeBatch(session, record, input); !changed) return std::unexpected(changed.error());
+    if (const auto taken = TakeSaveOptions(session, record, input); !taken) return std::unexpected(taken.error());
+    if (!record.formulaUnchanged)
+      if (const auto editable = CheckEditable(session, record); !editable) return std::unexpected(editable.error());
+    if (const auto number = Store(session, record, input); !number) return std::unexpected(number.error());
+    return ShowBatch(context, batchNo);
+  });
 }
 
 Result<Json> DeleteStoredBatch(Context& context, std::int32_t batchNo) {
   Session& session = context.session;
-  OpenedBatch opened(session, batchNo);
-  if (!opened) return NoBatch(session, batchNo);
-  NoBatchDialogs dialogs;
-  const auto deleted = DeleteBatch(session, opened.record, dialogs, MoveOn::Nowhere);
-  if (!deleted) return std::unexpected(deleted.error());
-  if (!*deleted) return Declined("Batch Window - Delete Batch?", BatchNoText(batchNo));
-  return Json{{"BatchNo", batchNo}, {"Deleted", true}};
+  return OnStoredBatch(session, batchNo, [&](BatchRecord& record) -> Result<Json> {
+    NoBatchDialogs dialogs;
+    const auto deleted = DeleteBatch(session, record, dialogs, MoveOn::Nowhere);
+    if (!deleted) return std::unexpected(deleted.error());
+    if (!*deleted) return Declined("Batch Window - Delete Batch?", BatchNoText(batchNo));
+    return Json{{"BatchNo", batchNo}, {"Deleted", true}};
+  });
 }
 
 Result<Json> MarkComplete(Context& context, std::int32_t batchNo, bool complete) {

@@ -10,6 +10,7 @@
 #include "core/base/text.h"
 #include "core/base/units.h"
 #include "core/batch/bench.h"
+#include "core/batch/cover.h"
 #include "core/batch/jobs.h"
 #include "core/batch/modified.h"
 #include "core/batch/recycle_list.h"
@@ -122,16 +123,14 @@ class FieldSetter {
 
   Result<void> Set(std::string_view field, const std::string& value) {
     for (const TextField& text : kTextFields)
-      if (EqualNoCase(text.name, field)) {
-        record_.fields.*text.text = value;
-        return {};
-      }
+      if (EqualNoCase(text.name, field)) return EnterBatchText(session_, record_, text.text, value);
     for (const LabField& lab : kLabFields)
       if (EqualNoCase(lab.name, field)) return SetReading(field, value, record_.fields.*lab.number);
     for (const ModelField& model : kModelFields)
       if (EqualNoCase(model.name, field)) return SetModel(model, value);
     for (int i = 0; i < kBatchUserFields; ++i) {
       if (EqualNoCase(field, schema::Numbered("UD_Text", i))) {
+        if (auto editable = CheckEditable(session_, record_); !editable) return editable;
         record_.fields.UD_Text[static_cast<std::size_t>(i)] = value;
         return {};
       }
@@ -139,12 +138,6 @@ class FieldSetter {
         if (auto set = EnterUDNumeric(session_, record_, i, value); !set) return std::unexpected(set.error());
         return {};
       }
-    }
-    if (EqualNoCase(field, "Complete")) {
-      const auto complete = ReadYesNo("Complete", value);
-      if (!complete) return std::unexpected(complete.error());
-      record_.Complete = *complete;
-      return {};
     }
     return Refuse("Invalid Field", fmt::format("{} is no field of a Batch that can be set.", field),
                   std::string(field));
@@ -162,6 +155,7 @@ class FieldSetter {
   Result<void> SetReading(std::string_view field, const std::string& value, float& number) {
     const auto read = ReadAmount(session_, AmountKey::Lab, value, field);
     if (!read) return std::unexpected(read.error());
+    if (auto editable = CheckEditable(session_, record_); !editable) return editable;
     number = *read;
     return {};
   }
@@ -193,9 +187,22 @@ Result<void> SetFields(Session& session, BatchRecord& record, const BatchInput& 
   FieldSetter setter(session, record);
   for (const std::string& option : input.set) {
     const auto [field, value] = SplitPair(option).value();
+    if (EqualNoCase(field, "Complete")) continue;
     if (auto set = setter.Set(field, value); !set) return set;
   }
   return setter.Finish();
+}
+
+// The mark is taken away before anything else is changed, and set when all is.
+Result<void> SetComplete(BatchRecord& record, const BatchInput& input, bool wanted) {
+  for (const std::string& option : input.set) {
+    const auto [field, value] = SplitPair(option).value();
+    if (!EqualNoCase(field, "Complete")) continue;
+    const auto complete = ReadYesNo("Complete", value);
+    if (!complete) return std::unexpected(complete.error());
+    if (*complete == wanted) record.Complete = wanted;
+  }
+  return {};
 }
 
 // ---- Lots
@@ -212,16 +219,26 @@ LotLineKind LineKind(RowKind kind) {
   return LotLineKind::Basic;
 }
 
-// The first row of that name that is not placed yet, else the first of all.
-std::optional<std::size_t> RowNamed(const Session& session, const BatchRecord& record, const std::string& name) {
+// The rows that an option of this command has given lots, and that therefore have none but those of the options.
+using NamedRows = std::vector<std::size_t>;
+
+bool IsPlaced(const Session& session, const BatchRecord& record, std::size_t row) {
+  return RowLots(record, row).CompleteFor(LotNeed(session, record, row));
+}
+
+// The first row of that name that is not placed yet, else the first that no option has named, else the first of all.
+std::optional<std::size_t> RowNamed(const Session& session, const BatchRecord& record, const std::string& name,
+                                    const NamedRows& named) {
   std::optional<std::size_t> first;
+  std::optional<std::size_t> unnamed;
   const auto& rows = record.work.Rows;
   for (std::size_t i = 0; i < rows.size(); ++i) {
     if (!rows[i].lotLink || !SameColorName(rows[i].name, name)) continue;
     if (!first) first = i;
-    if (!RowLots(record, i).CompleteFor(LotNeed(session, record, i))) return i;
+    if (!IsPlaced(session, record, i)) return i;
+    if (!unnamed && std::ranges::find(named, i) == named.end()) unnamed = i;
   }
-  return first;
+  return unnamed ? unnamed : first;
 }
 
 // Several containers may share a lot number; they are emptied one after the other.
@@ -246,34 +263,45 @@ Result<void> TakeFromLots(LotSelectionWork& work, const std::string& number, dou
   return {};
 }
 
+// The lots of an earlier save stay beside what the line still needs; where it needs no more, the options say it anew.
+LotSelection KeptLots(const Session& session, const BatchRecord& record, std::size_t row, double quantity,
+                      NamedRows& named) {
+  const LotSelection& lots = RowLots(record, row);
+  const bool again = std::ranges::find(named, row) != named.end();
+  if (!again) named.push_back(row);
+  const double left = RoundTo(LotNeed(session, record, row), 3) - RoundTo(lots.Used(), 3);
+  return again || RoundTo(quantity, 3) <= RoundTo(left, 3) ? lots : LotSelection{};
+}
+
 // Names and lot numbers may hold "=" too: the longest beginning that names a line is the name. Where none does, the
 // text before the last mark is told.
 Result<std::pair<std::size_t, std::string>> LineAndLot(const Session& session, const BatchRecord& record,
-                                                       const std::string& option) {
+                                                       const std::string& option, const NamedRows& named) {
   for (std::size_t mark = option.rfind('='); mark != std::string::npos && mark > 0;
        mark = option.rfind('=', mark - 1)) {
     const auto name = TypedName(session, option.substr(0, mark));
     if (!name) continue;
-    if (const auto row = RowNamed(session, record, *name)) return std::pair{*row, option.substr(mark + 1)};
+    if (const auto row = RowNamed(session, record, *name, named)) return std::pair{*row, option.substr(mark + 1)};
   }
   const auto name = TypedName(session, SplitPair(option, true)->first);
   if (!name) return std::unexpected(name.error());
   return Refuse("Lot Selections", fmt::format("{} is no line of this Batch.", *name), "IngName");
 }
 
-Result<void> TakeLots(Session& session, BatchRecord& record, const std::string& option) {
+Result<void> TakeLots(Session& session, BatchRecord& record, const std::string& option, NamedRows& named) {
   if (session.InvLotTracking != 1)
     return Refuse("Lotted Inventory", "Lotted Inventory is turned off; no lot can be named.", "cmbLotNum");
   const std::size_t colon = option.rfind(':');
   const auto quantity = ParseNumber(option.substr(colon + 1));
   if (!quantity || !(*quantity > 0)) return NoNumber("QTY", option.substr(colon + 1));
-  const auto found = LineAndLot(session, record, option.substr(0, colon));
+  const auto found = LineAndLot(session, record, option.substr(0, colon), named);
   if (!found) return std::unexpected(found.error());
   const std::size_t row = found->first;
   if (auto open = OpenRowLots(session, record, row); !open) return open;
   const BatchRow& shown = record.work.Rows[row];
+  const LotSelection kept = KeptLots(session, record, row, *quantity, named);
   auto work = LoadLotSelection(session, shown.name, LineKind(shown.kind), LotNeed(session, record, row),
-                               record.work.UMF, RowLots(record, row), WithheldFrom(session, record, row));
+                               record.work.UMF, kept, WithheldFrom(session, record, row));
   if (!work) return std::unexpected(work.error());
   if (auto taken = TakeFromLots(*work, Trim(found->second), RoundTo(*quantity, 3)); !taken) return taken;
   return SetRowLots(session, record, row, work->Selection());
@@ -359,6 +387,7 @@ Result<BatchRecord> NewBatch(Session& session, const BatchInput& input) {
 }
 
 Result<void> ChangeBatch(Session& session, BatchRecord& record, const BatchInput& input) {
+  if (auto unmarked = SetComplete(record, input, false); !unmarked) return unmarked;
   if (!input.quantity.empty() || input.recycle || input.mix) {
     if (!input.quantity.empty()) SetQuantityText(record.work, input.quantity);
     const bool recycle = input.recycle || (!input.mix && !record.work.RecycledColors.empty());
@@ -369,18 +398,23 @@ Result<void> ChangeBatch(Session& session, BatchRecord& record, const BatchInput
 }
 
 Result<void> TakeSaveOptions(Session& session, BatchRecord& record, const BatchInput& input) {
-  BatchFields& fields = record.fields;
-  if (input.lotNumber) fields.LotNumber = Trim(*input.lotNumber);
-  if (input.lotLoc) fields.LotLoc = Trim(*input.lotLoc);
-  if (input.lotCont) fields.LotContID = Trim(*input.lotCont);
-  if (input.notes) fields.Notes = *input.notes;
-  if (input.shortNote) fields.ShortNote = Trim(*input.shortNote);
+  using Given = std::pair<const std::optional<std::string>*, std::string BatchFields::*>;
+  for (const auto& [text, field] : {Given{&input.lotNumber, &BatchFields::LotNumber},
+                                    Given{&input.lotLoc, &BatchFields::LotLoc},
+                                    Given{&input.lotCont, &BatchFields::LotContID},
+                                    Given{&input.notes, &BatchFields::Notes},
+                                    Given{&input.shortNote, &BatchFields::ShortNote}}) {
+    if (!*text) continue;
+    auto done = EnterBatchText(session, record, field, field == &BatchFields::Notes ? **text : Trim(**text));
+    if (!done) return done;
+  }
   if (auto done = TakeJobs(session, record, input); !done) return done;
   if (input.noReturn)
     if (auto done = SetReturnToInventory(session, record, false); !done) return done;
+  NamedRows named;
   for (const std::string& lot : input.lots)
-    if (auto done = TakeLots(session, record, lot); !done) return done;
-  return {};
+    if (auto done = TakeLots(session, record, lot, named); !done) return done;
+  return SetComplete(record, input, true);
 }
 
 std::optional<ModifiedBatchChoice> OptionDialogs::ShowSaveModifiedBatch(Session& session, const BatchRecord& record) {
@@ -398,6 +432,14 @@ std::optional<ModifiedBatchChoice> OptionDialogs::ShowSaveModifiedBatch(Session&
   if (checked) return *checked;
   refused = checked.error();
   return std::nullopt;
+}
+
+bool OptionDialogs::ShowShortStock(Session& session, const std::vector<ShortStock>& lines) {
+  std::string text = ShortStockText(session, lines);
+  if (std::ranges::any_of(lines, [](const ShortStock& line) { return line.inLots > 0; }))
+    text += "\nChoose lots with --lot NAME=LOTNUMBER:QTY.";
+  session.prompt.Tell(std::string(kShortStockTitle), text);
+  return true;
 }
 
 }  // namespace vellumark::cli

@@ -43,12 +43,14 @@ Result<void> ChangeBatch(Session& session, BatchRecord& record, const BatchInput
 /// Lots, jobs, what returns to inventory and the texts: what a save takes beside the calculation.
 Result<void> TakeSaveOptions(Session& session, BatchRecord& record, const BatchInput& input);
 
-/// What --fold says where the window SaveModifiedBatch would ask. The lot number reminder is for the window alone.
+/// What --fold says where the window SaveModifiedBatch would ask. The lot number reminder is for the window alone; stock
+/// that does not cover the Batch is told of.
 class OptionDialogs final : public BatchDialogs {
  public:
   explicit OptionDialogs(const BatchInput& input) : input_(input) {}
   LotReminderAnswer ShowLotNumReminder() override { return {}; }
   std::optional<ModifiedBatchChoice> ShowSaveModifiedBatch(Session& session, const BatchRecord& record) override;
+  bool ShowShortStock(Session& session, const std::vector<ShortStock>& lines) override;
 
   /// Why a formula change was refused.
   std::optional<Refusal> refused;

@@ -1,11 +1,13 @@
 #include <gtest/gtest.h>
 #include <chrono>
+#include <map>
 #include <thread>
 
 #include "core/batch/open.h"
 #include "core/datafile/writer.h"
 #include "core/settings/support_files.h"
 #include "support/cli_run.h"
+#include "support/snapshot.h"
 
 namespace vellumark {
 namespace {
@@ -325,6 +327,102 @@ TEST(CliBatch, CompletedOnesAreNotChanged) {
   EXPECT_EQ(shop.Run({"--yes", "batch", "delete", "1"}).status, 1);
   shop.Json({"batch", "complete", "1", "--off"});
   shop.Json({"--no", "batch", "edit", "1", "--quantity", "5"});
+}
+
+// ---- What a verb on a stored Batch leaves behind
+
+// All rows of the file, its history of stock too.
+std::string RowsOf(const BatchShop& shop) {
+  return test::Snapshot(*Database::Open(shop.path, OpenMode::Exclusive));
+}
+
+TEST(CliBatch, TellsOfStockThatIsShortAndInventsNone) {
+  BatchShop shop;
+  shop.Json({"settings", "set", "InvLotTracking", "1"});
+  shop.Json({"stock", "adjust", "RED", "171.25", "--lot", "A", "--kind", "basic"});
+  const auto saved = shop.Run({"batch", "save", "--formula", "TARGET", "--quantity", "10", "--mix"});
+  EXPECT_EQ(saved.status, 0);
+  EXPECT_NE(saved.err.find("RED: 6.000 lb. needed, 0.000 in Unlotted Inv., 171.250 in lots not chosen"),
+            std::string::npos)
+      << saved.err;
+  EXPECT_NE(saved.err.find("--lot NAME=LOTNUMBER:QTY"), std::string::npos);
+  shop.Json({"--yes", "batch", "delete", "1"});
+  EXPECT_EQ(StockOf(shop, "RED"), 171.25F);
+}
+
+// The last word on a line's lots is that of the options; what they leave open stays as it was saved.
+TEST(CliBatch, AnEditOfLotsReplacesThem) {
+  BatchShop shop;
+  shop.Json({"settings", "set", "InvLotTracking", "1"});
+  for (const char* lot : {"A", "B"})
+    shop.Json({"stock", "adjust", "RED", "100", "--lot", lot, "--kind", "basic"});
+  shop.Json({"batch", "save", "--formula", "TARGET", "--quantity", "50", "--mix", "--lot", "RED=A:30"});
+  const auto lots = [&] {
+    std::map<std::string, float> held;
+    for (const auto& lot : shop.Json({"stock", "show", "RED"})[0]["lots"]) held[lot["LotNumber"]] = lot["LotQty"];
+    return held;
+  };
+  using Held = std::map<std::string, float>;
+  EXPECT_EQ(lots(), (Held{{"A", 70}, {"B", 100}}));
+  shop.Json({"batch", "edit", "1", "--lot", "RED=B:30"});
+  EXPECT_EQ(lots(), (Held{{"A", 100}, {"B", 70}}));
+  shop.Json({"batch", "edit", "1", "--lot", "RED=A:10", "--lot", "RED=B:20"});
+  EXPECT_EQ(lots(), (Held{{"A", 90}, {"B", 80}}));
+  shop.Json({"batch", "edit", "1", "--notes", "as it is"});
+  EXPECT_EQ(lots(), (Held{{"A", 90}, {"B", 80}}));
+  shop.Json({"batch", "edit", "1", "--lot", "RED=A:20"});
+  shop.Json({"batch", "edit", "1", "--lot", "RED=B:10"});
+  EXPECT_EQ(lots(), (Held{{"A", 80}, {"B", 90}}));
+}
+
+TEST(CliBatch, EveryOptionIsGuardedAndLeavesNothing) {
+  BatchShop shop;
+  shop.Json({"settings", "set", "BatchComplete", "1"});
+  shop.Json({"--no", "--now", "2026-03-10 09:00:00", "batch", "save", "--formula", "TARGET", "--quantity", "10", "--mix",
+             "--job", "J-1=4"});
+  const std::vector<std::vector<std::string>> options{{"--quantity", "5"},
+                                                      {"--mix"},
+                                                      {"--recycle"},
+                                                      {"--take", "VIOLET=1"},
+                                                      {"--add", "WAX=1"},
+                                                      {"--lot-number", "L"},
+                                                      {"--lot-loc", "S"},
+                                                      {"--lot-cont", "C"},
+                                                      {"--job", "J-1=5"},
+                                                      {"--no-job"},
+                                                      {"--notes", "n"},
+                                                      {"--short-note", "s"},
+                                                      {"--set", "UD_Text0=t"},
+                                                      {"--set", "UD_Numeric0=1"},
+                                                      {"--set", "Lab_L=1"},
+                                                      {"--set", "Lab_LS=D65"},
+                                                      {"--set", "IngNotes=i"},
+                                                      {"--set", "MarkupPercent=5"},
+                                                      {"--set", "MixVOCModelType=1"}};
+  const std::string before = RowsOf(shop);
+  const auto edit = [&](std::vector<std::string> first, const std::vector<std::string>& option) {
+    first.insert(first.end(), {"--json", "--now", "2026-03-11 09:00:00", "batch", "edit", "1"});
+    first.insert(first.end(), option.begin(), option.end());
+    return shop.Run(first);
+  };
+  for (const auto& option : options) {
+    const auto asked = edit({}, option);
+    EXPECT_EQ(asked.status, 3) << option[0] << asked.out;
+    EXPECT_EQ(asked.Json()["question"]["title"], "Allow Editing?") << option.back();
+    EXPECT_EQ(edit({"--no"}, option).status, 1) << option.back();
+  }
+  EXPECT_EQ(shop.Run({"batch", "delete", "1"}).status, 3);
+  EXPECT_EQ(RowsOf(shop), before);
+  shop.Json({"batch", "complete", "1"});
+  const std::string completed = RowsOf(shop);
+  for (const auto& option : options)
+    EXPECT_EQ(edit({"--yes"}, option).Json()["refused"]["title"], "Completed Batch - Changes Not Allowed")
+        << option.back();
+  EXPECT_EQ(RowsOf(shop), completed);
+  // Unmarked by the same command, it is changed.
+  const auto changed = edit({"--answer", "Allow Editing?=yes", "--no"}, {"--notes", "n", "--set", "Complete=no"});
+  EXPECT_EQ(changed.status, 0) << changed.err << changed.out;
+  EXPECT_EQ(shop.Json({"batch", "show", "1"})["Notes"], "n");
 }
 
 }  // namespace

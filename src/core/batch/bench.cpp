@@ -146,15 +146,17 @@ Result<void> CheckNotComplete(const Session& session, const BatchRecord& record)
 
 Result<void> CheckEditable(Session& session, BatchRecord& record) {
   if (auto open = CheckNotComplete(session, record); !open) return open;
-  if (record.state != BatchState::Edit) return {};
+  record.mayChange = record.state != BatchState::Edit;
+  if (record.mayChange) return {};
   if (auto writable = RequireWritable(session); !writable) return writable;
   if (!record.formulaUnchanged)
     return Refuse(kEditStateTitle,
                   "This Batch is no longer editable.\n"
                   "A Master Formula associated with this Batch has been deleted or modified\n"
                   "since this Batch was saved.");
-  if (!record.Date_Entered || record.askedAboutOld || record.Date_Entered->Midnight() >= session.clock.Today())
-    return {};
+  record.mayChange =
+      !record.Date_Entered || record.askedAboutOld || record.Date_Entered->Midnight() >= session.clock.Today();
+  if (record.mayChange) return {};
   // Answered with No, the act is refused without a further word: the question has said everything.
   if (session.prompt.Show({"Allow Editing?",
                            "Editing this Batch Record will alter the results\n"
@@ -162,8 +164,13 @@ Result<void> CheckEditable(Session& session, BatchRecord& record) {
                            "Do you wish to continue?",
                            Buttons::YesNo, Icon::Question, Answer::No}) != Answer::Yes)
     return Refuse("Allow Editing?", "");
-  record.askedAboutOld = true;
+  record.mayChange = record.askedAboutOld = true;
   return {};
+}
+
+bool TakesChanges(const Session& session, const BatchRecord& record) {
+  if (!CheckNotComplete(session, record)) return false;
+  return record.state != BatchState::Edit || (record.formulaUnchanged && RequireWritable(session));
 }
 
 // ---- What is made
@@ -325,15 +332,30 @@ Result<void> SetBatchEmissionModel(Session& session, BatchRecord& record, const 
   return {};
 }
 
-Result<std::string> EnterUDNumeric(const Session& session, BatchRecord& record, int number, std::string_view typed) {
+Result<void> EnterBatchText(Session& session, BatchRecord& record, std::string BatchFields::*field, std::string text) {
+  std::string& stands = record.fields.*field;
+  if (stands == text) return {};
+  if (auto editable = CheckEditable(session, record); !editable) return editable;
+  stands = std::move(text);
+  return {};
+}
+
+Result<float> ReadUDNumeric(const Session& session, int number, std::string_view typed) {
   const auto amount = Trim(typed).empty() ? std::optional<double>(0) : ParseNumber(typed);
   if (!amount || *amount < -kMostQuantity || *amount > kMostQuantity)
     return Refuse("Invalid Amount", fmt::format("{} is not a valid amount. Please enter a valid amount.", typed),
                   fmt::format("UD_Numeric{}", number));
+  return RoundSingle(*amount, BatchUDNumericDecimals(session, number));
+}
+
+Result<std::string> EnterUDNumeric(Session& session, BatchRecord& record, int number, std::string_view typed) {
+  const auto amount = ReadUDNumeric(session, number, typed);
+  if (!amount) return std::unexpected(amount.error());
   float& stored = record.fields.UD_Numeric.at(static_cast<std::size_t>(number));
-  const int decimals = BatchUDNumericDecimals(session, number);
-  stored = RoundSingle(*amount, decimals);
-  return Fixed(stored, decimals);
+  if (stored != *amount)
+    if (const auto editable = CheckEditable(session, record); !editable) return std::unexpected(editable.error());
+  stored = *amount;
+  return Fixed(stored, BatchUDNumericDecimals(session, number));
 }
 
 }  // namespace vellumark

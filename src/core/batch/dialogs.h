@@ -1,7 +1,9 @@
 #pragma once
 
+#include <cstddef>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "core/batch/record.h"
 
@@ -24,6 +26,15 @@ struct LotReminderAnswer {
   bool dontShowAgain = false;
 };
 
+/// A colour of which a Batch is to take more than there is. Quantities in the inventory unit.
+struct ShortStock {
+  std::size_t row = 0;  ///< the first line of the Batch that takes it
+  std::string name;
+  float takes = 0;   ///< from Unlotted Inventory
+  float there = 0;   ///< in Unlotted Inventory
+  float inLots = 0;  ///< in lots that it could take from instead, beside what it takes from them already
+};
+
 /// The windows that saving a Batch shows, or whatever stands in their place.
 class BatchDialogs {
  public:
@@ -32,6 +43,8 @@ class BatchDialogs {
   virtual LotReminderAnswer ShowLotNumReminder() = 0;
   /// `SaveModifiedBatch`; checks its choice with CheckModifiedBatch before it closes. Nothing: the Batch is not saved.
   virtual std::optional<ModifiedBatchChoice> ShowSaveModifiedBatch(Session& session, const BatchRecord& record) = 0;
+  /// Tells that stock does not cover the Batch (see ShortStockText). False: back to it, to choose lots.
+  virtual bool ShowShortStock(Session&, const std::vector<ShortStock>&) { return true; }
 };
 
 /// For callers without windows: no reminder, formulas stay as they are.

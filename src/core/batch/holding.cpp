@@ -57,10 +57,6 @@ std::optional<Figure> FigureAt(const Session& session, const std::string& databa
   return Figure{lot->row, lot->LotQty};
 }
 
-Value OrNull(const std::optional<float>& quantity) {
-  return quantity ? Value(*quantity) : Value();
-}
-
 void EnsureMarkerTable(Database& file) {
   if (file.TableExists(kMarkerTable)) return;
   file.Execute(
@@ -128,7 +124,7 @@ class HeldAgain {
     if (now && quantity == held.after) {
       Restore(held, *color, *now);
     } else {
-      PostAgain(held, *color);
+      PostAgain(held, *color, quantity.value_or(0));
     }
   }
 
@@ -149,10 +145,17 @@ class HeldAgain {
     WriteStockChange(session_, change);
   }
 
-  void PostAgain(const HeldFigure& held, const ColorAt& color) {
+  void PostAgain(const HeldFigure& held, const ColorAt& color, float before) {
     Posting posting = PostingOf(batchNo_, held.kind, color.name, database_, -held.quantity);
     if (held.ref != 0) posting.lot = LotTarget{.LotRefID = held.ref, .LotNumber = held.LotNumber};
-    PostStock(session_, rules_, posting);
+    const PostingResult posted = PostStock(session_, rules_, posting);
+    if (!(held.quantity > 0)) return;
+    const float left = ReallyLeft(held.quantity, before, posted.quantity);
+    if (left == held.quantity) return;
+    NetTaking place{held.kind, color.name, {}};
+    place.place.LotRefID = held.ref;
+    place.place.LotNumber = held.LotNumber;
+    LowerRecorded(session_, database_, batchNo_, place, RoundSingle(RoundTo(held.quantity, 3) - RoundTo(left, 3), 3));
   }
 
   Session& session_;
@@ -169,16 +172,15 @@ bool DatabaseIsThere(const Session& session, const std::string& database) {
 
 }  // namespace
 
-void HoldBatch(Session& session, std::int32_t batchNo, const std::vector<NetTaking>& takings) {
+void HoldBatch(Session& session, std::int32_t batchNo, std::vector<BatchTaking>& takings) {
   Database& file = session.File();
   EnsureMarkerTable(file);
   const StockRules rules = ReadStockRules(session);
-  for (const NetTaking& taking : takings) {
+  for (const NetTaking& taking : NetTakings(session, takings)) {
     if (taking.place.LotQty == 0) continue;
     const auto color = FindColor(session, {}, taking.kind, 0, taking.name);
     if (!color) continue;
-    const std::int32_t ref = taking.place.LotRefID;
-    const auto before = FigureAt(session, {}, taking.kind, *color, ref);
+    std::int32_t ref = taking.place.LotRefID;
     Posting posting = PostingOf(batchNo, taking.kind, color->name, {}, taking.place.LotQty);
     if (ref != 0)
       posting.lot = LotTarget{.LotRefID = ref,
@@ -189,7 +191,13 @@ void HoldBatch(Session& session, std::int32_t batchNo, const std::vector<NetTaki
                               .LotPrice = taking.place.LotPrice};
     const PostingResult posted = PostStock(session, rules, posting);
     using Outcome = PostingResult::Outcome;
-    const bool stands = posted.outcome == Outcome::Posted || posted.outcome == Outcome::LotAdded;
+    // Nothing came back: there is nothing to be taken again.
+    if (posted.outcome != Outcome::Posted && posted.outcome != Outcome::LotAdded) continue;
+    if (posted.outcome == Outcome::LotAdded && posted.LotRefID != ref) {
+      for (BatchTaking& of : takings)
+        if (IsOfPlace(session, of, taking)) of.use.LotRefID = posted.LotRefID;
+      ref = posted.LotRefID;
+    }
     file.Prepare(fmt::format("INSERT INTO {} VALUES (?1, ?2, ?3, ?4, ?5, ?6, ?7, ?8, ?9, ?10)", kMarkerTable))
         .Bind(1, session.CurrentDatabase)
         .Bind(2, batchNo)
@@ -199,8 +207,8 @@ void HoldBatch(Session& session, std::int32_t batchNo, const std::vector<NetTaki
         .Bind(6, ref)
         .Bind(7, taking.place.LotNumber)
         .Bind(8, taking.place.LotQty)
-        .Bind(9, before ? Value(before->quantity) : Value())
-        .Bind(10, OrNull(stands ? std::optional<float>(posted.quantity) : std::nullopt))
+        .Bind(9, posted.outcome == Outcome::Posted ? Value(posted.before) : Value())
+        .Bind(10, posted.quantity)
         .Run();
   }
 }
@@ -221,11 +229,12 @@ bool SameAsHeld(Session& session, std::int32_t batchNo, const std::vector<NetTak
   std::size_t counted = 0;
   for (const NetTaking& taking : takings) {
     if (taking.place.Remove) return false;
-    if (taking.place.LotQty == 0) continue;
+    const float leaves = Covered(session, taking);
+    if (leaves == 0) continue;
     bool same = false;
     for (const HeldFigure& figure : held)
       same = same || (figure.kind == taking.kind && figure.ref == taking.place.LotRefID &&
-                      figure.quantity == taking.place.LotQty && EqualNoCase(figure.name, taking.name));
+                      figure.quantity == leaves && EqualNoCase(figure.name, taking.name));
     if (!same) return false;
     ++counted;
   }

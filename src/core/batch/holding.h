@@ -11,17 +11,19 @@ namespace vellumark {
 // An open Batch holds its ingredients back in stock. A marker in the file (one row for each figure of stock, with what
 // stood there before and after) tells what is to be taken again. For the procedures of this room.
 
-/// Hands the takings back to stock and writes the marker, within the caller's transaction.
-void HoldBatch(Session& session, std::int32_t batchNo, const std::vector<NetTaking>& takings);
+/// Hands the takings back to stock and writes the marker, within the caller's transaction. A lot whose reference
+/// another one bears by now comes back under a new one, which the takings then tell.
+void HoldBatch(Session& session, std::int32_t batchNo, std::vector<BatchTaking>& takings);
 
 /// Takes again what the marker says and removes it. A figure that stands as the opening left it becomes exactly what it
-/// was before; another one is posted by the rule of an opened Batch that is left.
+/// was before; another one is posted by the rule of an opened Batch that is left, and the Batch's record tells what then
+/// really left.
 void TakeHeldAgain(Session& session, std::string_view database, std::int32_t batchNo);
 
 /// Removes the marker; stock stays as it is.
 void DropHold(Session& session, std::int32_t batchNo);
 
-/// True when the takings are the same as those that the marker holds, so that stock need not be posted anew.
+/// True when the takings, as far as stock covers them, are those that the marker holds: stock need not be posted anew.
 bool SameAsHeld(Session& session, std::int32_t batchNo, const std::vector<NetTaking>& takings);
 
 }  // namespace vellumark

@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "core/base/text.h"
+#include "core/batch/bench.h"
 
 namespace vellumark {
 namespace {
@@ -48,9 +49,11 @@ std::optional<double> ReadItemQty(const BatchRecord& record, std::string_view ty
 
 }  // namespace
 
-Result<void> EnterJobNumber(Session&, BatchRecord& record, std::string_view typed) {
+Result<void> EnterJobNumber(Session& session, BatchRecord& record, std::string_view typed) {
   if (record.jobs.size() > 1) return {};
   std::string number = ReadJobNumber(typed);
+  if (number == record.JobNumber()) return {};
+  if (auto editable = CheckEditable(session, record); !editable) return editable;
   if (EqualNoCase(number, kSplitJobs))
     return Refuse("Batch Window - Specify a Job Number", "Click the Split button to edit Qty Used.", "JobNumber");
   if (number.empty()) {
@@ -76,7 +79,7 @@ Result<void> CheckQtyUsedKey(const BatchRecord& record) {
   return {};
 }
 
-Result<void> EnterQtyUsed(Session&, BatchRecord& record, std::string_view typed) {
+Result<void> EnterQtyUsed(Session& session, BatchRecord& record, std::string_view typed) {
   if (auto allowed = CheckQtyUsedKey(record); !allowed) {
     if (record.jobs.empty() && Trim(typed).empty()) return {};
     return allowed;
@@ -90,16 +93,20 @@ Result<void> EnterQtyUsed(Session&, BatchRecord& record, std::string_view typed)
                   "Qty Used cannot be set to zero if a Job Number is specified.\n"
                   "Clear the Job Number field to remove the Job Record.",
                   "txtQtyUsed");
-  if (BatchJobLine& line = record.jobs.front(); line.QtyUsed != RoundSingle(used, 3))
-    line = JobLine(line.JobNumber, used);
+  BatchJobLine& line = record.jobs.front();
+  if (line.QtyUsed == RoundSingle(used, 3)) return {};
+  if (auto editable = CheckEditable(session, record); !editable) return editable;
+  line = JobLine(line.JobNumber, used);
   UpdateReturned(record);
   return {};
 }
 
-Result<void> SetReturnToInventory(const Session&, BatchRecord& record, bool checked) {
+Result<void> SetReturnToInventory(Session& session, BatchRecord& record, bool checked) {
   if (!checked && !record.jobs.empty())
     return Refuse("Option Must Be Checked", "This option must be checked when a Job Number is specified.",
                   "chkReturnToInventory");
+  if (checked == record.ReturnToInventory) return {};
+  if (auto editable = CheckEditable(session, record); !editable) return editable;
   record.ReturnToInventory = checked;
   UpdateReturned(record);
   return {};
@@ -118,7 +125,7 @@ std::string JobItemsReturned(const BatchRecord& record, const std::vector<JobIte
   return Fixed(std::max(0.0, RoundTo(ShownTotal(record) - sum, 3)), 3);
 }
 
-Result<void> SaveJobItems(Session&, BatchRecord& record, const std::vector<JobItem>& items) {
+Result<void> SaveJobItems(Session& session, BatchRecord& record, const std::vector<JobItem>& items) {
   std::vector<BatchJobLine> lines;
   std::vector<std::string> numbers;
   double sum = 0;
@@ -140,6 +147,8 @@ Result<void> SaveJobItems(Session&, BatchRecord& record, const std::vector<JobIt
                   "The total quantity used for all jobs cannot exceed the batch quantity made.", "txtQtyUsed");
   if (lines.size() > kMostJobLines)
     return Refuse(" Split Jobs", fmt::format("A Batch can be split over {} jobs at most.", kMostJobLines), "JobNumber");
+  if (lines == record.jobs) return {};
+  if (auto editable = CheckEditable(session, record); !editable) return editable;
   record.jobs = std::move(lines);
   if (!record.jobs.empty()) record.ReturnToInventory = true;
   UpdateReturned(record);

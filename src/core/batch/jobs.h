@@ -8,7 +8,8 @@
 
 namespace vellumark {
 
-// How a made Batch is shared: Total = what jobs use + what is returned to inventory.
+// How a made Batch is shared: Total = what jobs use + what is returned to inventory. What changes it runs the guards of
+// the bench first.
 
 /// Leaving JobNumber: a number makes the Batch that job's, all of it unless a quantity stands already; an empty text
 /// takes the job away. Nothing happens while the Batch is split.
@@ -18,7 +19,7 @@ Result<void> CheckQtyUsedKey(const BatchRecord& record);
 /// Leaving txtQtyUsed.
 Result<void> EnterQtyUsed(Session& session, BatchRecord& record, std::string_view typed);
 /// chkReturnToInventory; cannot be unchecked while there is a job.
-Result<void> SetReturnToInventory(const Session& session, BatchRecord& record, bool checked);
+Result<void> SetReturnToInventory(Session& session, BatchRecord& record, bool checked);
 
 /// One pair of JobItemsForm as typed.
 struct JobItem {

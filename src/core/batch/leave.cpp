@@ -56,11 +56,11 @@ Result<bool> Leave(Session& session, BatchRecord& record, BatchDialogs& dialogs,
     LeaveFor(session, record, true, row);
     return true;
   }
-  const auto stored = StoreBatch(session, record, dialogs);
+  if (const auto guarded = PassGuard(session, record); !guarded) return std::unexpected(guarded.error());
+  if (!PassShortStock(session, record, dialogs)) return false;
+  const auto stored = StoreBatch(session, record, dialogs, {.row = row});
   if (!stored) return std::unexpected(stored.error());
-  if (*stored == SaveEnd::Stays) return false;
-  MoveTo(session, record, row);
-  return true;
+  return *stored != SaveEnd::Stays;
 }
 
 // Takes a Batch off the dates of its formula and Basic Colors, which then tell of the Batches that remain.
@@ -177,9 +177,12 @@ Result<bool> DeleteBatch(Session& session, BatchRecord& record, BatchDialogs&, M
   const bool returnIngredients =
       AskWhether(session, "Batch Window - Update Inventories?", "Return ingredients to inventory?");
   const auto next = moveOn == MoveOn::ToNext ? NextBatchRow(session, record) : std::nullopt;
+  BatchRecord then;
+  Transaction transaction(session.File());
   DeleteStored(session, record, returnIngredients);
-  record = NewBatchRecord(session);
-  MoveTo(session, record, next);
+  MoveTo(session, then, next);
+  transaction.Commit();
+  record = std::move(then);
   return true;
 }
 

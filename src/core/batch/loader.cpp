@@ -264,6 +264,7 @@ void ReadStock(const Session& session, BatchRecord& record) {
   const double total = LeadingNumber(record.work.TotalText);
   record.jobs = ReadJobLines(session, record.BatchNo, record.work.UMF, total);
   record.jobsTotal = record.work.Total;
+  record.madeLotNumber = record.fields.LotNumber;
   record.ReturnToInventory = record.LotRefID != -1 || !record.jobs.empty();
   if (!record.ReturnToInventory) record.oldReturned = 0;
   double used = 0;

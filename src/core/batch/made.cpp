@@ -24,8 +24,9 @@ class MadeColor {
         oldLot_(MadeLot(session, record)) {}
 
   bool Post() {
-    const bool wasLotted = session_.InvLotTracking != 0 && record_.LotRefID > 0;
-    const bool lotted = session_.InvLotTracking != 0 && !TrimView(record_.fields.LotNumber).empty();
+    const bool tracking = session_.InvLotTracking != 0;
+    const bool wasLotted = record_.LotRefID > 0;
+    const bool lotted = tracking ? !TrimView(record_.fields.LotNumber).empty() : wasLotted;
     const std::int32_t place = now_ > 0 ? 0 : -1;
     if (record_.rowId == 0 || record_.LotRefID == -1) {
       if (record_.rowId != 0) now_ = std::max(0.0F, RoundSingle(now_ - before_, 3));
@@ -37,7 +38,7 @@ class MadeColor {
       return true;
     }
     if (!lotted && !wasLotted) {
-      record_.LotRefID = session_.InvLotTracking == 0 && record_.LotRefID > 0 ? record_.LotRefID : place;
+      record_.LotRefID = place;
       if (now_ > before_) return Add(RoundSingle(now_ - before_, 3));
       if (now_ < before_) Take(RoundSingle(before_ - now_, 3));
       return true;
@@ -87,17 +88,18 @@ class MadeColor {
 
   void Take(float quantity) {
     Posting posting = PostingOf(PostingSource::BatchUnmakes, quantity);
-    if (session_.InvLotTracking != 0 && oldLot_)
+    if (oldLot_)
       posting.lot = LotTarget{.LotRefID = oldLot_->LotRefID, .LotNumber = oldLot_->LotNumber};
     PostStock(session_, rules_, posting);
   }
 
-  // The lot keeps its reference, by which jobs and other Batches know it.
+  // The lot keeps its reference, by which jobs and other Batches know it. Ink that lies in a lot is there also while
+  // Lotted Inventory is off; the lot's particulars are not shown then, and stay.
   void ChangeLot() {
     const BatchFields& fields = record_.fields;
-    if (oldLot_->LotNumber != fields.LotNumber || oldLot_->LotLoc != fields.LotLoc ||
-        oldLot_->LotContID != fields.LotContID)
-      Rename();
+    const bool same = oldLot_->LotNumber == fields.LotNumber && oldLot_->LotLoc == fields.LotLoc &&
+                      oldLot_->LotContID == fields.LotContID;
+    if (session_.InvLotTracking != 0 && !same) Rename();
     if (now_ < before_) {
       Take(RoundSingle(before_ - now_, 3));
     } else if (now_ > before_) {
@@ -147,7 +149,7 @@ void RemoveMadeColor(Session& session, const BatchRecord& record) {
   posting.kind = ColorKind::Mix;
   posting.name = record.work.Color_Name;
   posting.document = BatchNoText(record.BatchNo);
-  if (session.InvLotTracking != 0 && record.LotRefID > 0) {
+  if (record.LotRefID > 0) {
     const auto lot = MadeLot(session, record);
     if (!lot) return;  // all of it was used
     posting.lot = LotTarget{.LotRefID = lot->LotRefID, .LotNumber = lot->LotNumber};
@@ -162,7 +164,8 @@ void RemoveMadeColor(Session& session, const BatchRecord& record) {
 
 std::optional<LotRow> MadeLot(const Session& session, const BatchRecord& record) {
   if (record.LotRefID <= 0) return std::nullopt;
-  return FindLot(session, ColorKind::Mix, record.work.Color_Name, {}, record.LotRefID);
+  return FindLot(session, ColorKind::Mix, record.work.Color_Name, {},
+                 LotTarget{.LotRefID = record.LotRefID, .LotNumber = record.madeLotNumber});
 }
 
 }  // namespace vellumark

@@ -26,25 +26,19 @@ MoreData ShowMoreData(const Session& session, const BatchFields& fields) {
   return data;
 }
 
-Result<void> EnterMoreData(const Session& session, BatchRecord& record, const MoreData& typed) {
-  const BatchFields before = record.fields;
+Result<void> EnterMoreData(Session& session, BatchRecord& record, const MoreData& typed) {
+  BatchFields fields = record.fields;
   for (int i = 0; i < kBatchUserFields; ++i) {
     const auto place = static_cast<std::size_t>(i);
-    record.fields.UD_Text.at(place) = Left(TrimView(typed.texts.at(place)), kBatchTextWidth);
-    const auto number = EnterUDNumeric(session, record, i, typed.numbers.at(place));
-    if (!number) {
-      record.fields = before;
-      return std::unexpected(number.error());
-    }
+    fields.UD_Text.at(place) = Left(TrimView(typed.texts.at(place)), kBatchTextWidth);
+    const auto number = ReadUDNumeric(session, i, typed.numbers.at(place));
+    if (!number) return std::unexpected(number.error());
+    fields.UD_Numeric.at(place) = *number;
   }
   LabEntry entry = typed.lab;
   for (std::string* number : {&entry.L, &entry.a, &entry.b, &entry.D, &entry.density}) *number = OrZero(*number);
   const auto lab = ReadLabEntry(session, entry);
-  if (!lab) {
-    record.fields = before;
-    return std::unexpected(lab.error());
-  }
-  BatchFields& fields = record.fields;
+  if (!lab) return std::unexpected(lab.error());
   fields.Lab_L = lab->Lab_L;
   fields.Lab_a = lab->Lab_a;
   fields.Lab_b = lab->Lab_b;
@@ -53,6 +47,9 @@ Result<void> EnterMoreData(const Session& session, BatchRecord& record, const Mo
   fields.Lab_LS = Left(lab->Lab_LS, kBatchTextWidth);
   fields.Lab_PT = Left(lab->Lab_PT, kBatchTextWidth);
   fields.Lab_Note = Left(lab->Lab_Note, kBatchTextWidth);
+  if (fields == record.fields) return {};
+  if (auto editable = CheckEditable(session, record); !editable) return editable;
+  record.fields = std::move(fields);
   return {};
 }
 

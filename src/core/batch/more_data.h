@@ -22,7 +22,7 @@ struct MoreData {
 MoreData ShowMoreData(const Session& session, const BatchFields& fields);
 /// Takes all of it into the Batch, or nothing: refuses the first number or measurement that is none or out of range,
 /// with the field UD_Numeric0, txt_L and so on. A number or measurement left empty is 0.
-Result<void> EnterMoreData(const Session& session, BatchRecord& record, const MoreData& typed);
+Result<void> EnterMoreData(Session& session, BatchRecord& record, const MoreData& typed);
 
 /// A line of a stored Batch's further data: only what holds something.
 struct DataLine {

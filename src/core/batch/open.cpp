@@ -76,13 +76,13 @@ bool OpenBatch(Session& session, BatchRecord& record, std::int32_t batchNo) {
 bool OpenBatchRow(Session& session, BatchRecord& record, std::int64_t rowId) {
   const auto stored = ReadStoredLines(session, rowId);
   if (!stored) return false;
-  const std::vector<BatchTaking> takings = ReadTakings(session, *stored);
+  std::vector<BatchTaking> takings = ReadTakings(session, *stored);
   if (session.ArchiveView) {
     record = LoadBatchRow(session, rowId, takings).value();
     return true;
   }
   Transaction transaction(session.File());
-  HoldBatch(session, stored->BatchNo, NetTakings(session, takings));
+  HoldBatch(session, stored->BatchNo, takings);
   BatchRecord opened = LoadBatchRow(session, rowId, takings).value();
   opened.stockReturned = true;
   transaction.Commit();

@@ -95,11 +95,13 @@ struct BatchRecord {
   bool ReturnToInventory = true;   ///< chkReturnToInventory; counts while there is no job
   float returned = 0;              ///< lblInvQty: what goes to stock of what is made
   std::int32_t LotRefID = 0;       ///< lot of the made colour; 0 Unlotted Inventory; -1 when nothing went to stock
+  std::string madeLotNumber;       ///< of that lot, as it is on file: references repeat after a merge or a deletion
 
   std::vector<OldBatchLine> OldLines;  ///< not empty: a saved Batch is open
   float oldReturned = 0;               ///< what the saved Batch has put into stock, in the inventory unit
   bool formulaUnchanged = true;        ///< since the Batch was saved
   bool modifiedFormula = false;        ///< ImgModifiedFormula: there, but changed since
+  bool mayChange = false;              ///< the guard before a change was passed
   bool askedAboutOld = false;          ///< the question about a Batch of earlier days was answered with Yes
   bool stockReturned = false;          ///< its ingredients are back in stock; a marker in the file tells it
   RememberedBatch remembered;

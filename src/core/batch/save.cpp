@@ -1,6 +1,8 @@
 #include <optional>
 
 #include "core/base/text.h"
+#include "core/batch/bench.h"
+#include "core/batch/cover.h"
 #include "core/batch/leave.h"
 #include "core/batch/open.h"
 #include "core/batch/saving.h"
@@ -65,10 +67,14 @@ bool Changed(const Session& session, const BatchRecord& record) {
 Result<bool> Checks(Session& session, BatchRecord& record, BatchDialogs& dialogs, Held held) {
   if (const auto storable = CheckStorable(session, record); !storable) return std::unexpected(storable.error());
   if (const auto total = CheckTotal(record); !total) return std::unexpected(total.error());
+  if (const auto guarded = PassGuard(session, record); !guarded) return std::unexpected(guarded.error());
   if (held == Held::No) {
     if (const auto texts = CheckRequiredTexts(session, record); !texts) return std::unexpected(texts.error());
     if (!PassLotReminder(session, record, dialogs)) return false;
+    if (!PassShortStock(session, record, dialogs)) return false;
     AskComplete(session, record);
+  } else if (!PassShortStock(session, record, dialogs)) {
+    return false;
   }
   return PassLotDetails(session, record);
 }
@@ -76,11 +82,25 @@ Result<bool> Checks(Session& session, BatchRecord& record, BatchDialogs& dialogs
 }  // namespace
 
 bool PassLotReminder(Session& session, const BatchRecord& record, BatchDialogs& dialogs) {
-  if (session.InvLotTracking == 0 || !TrimView(record.fields.LotNumber).empty()) return true;
+  if (session.InvLotTracking == 0) return true;
   if (LeadingInteger(GetSupportValue(session, keys::BatchLotNumReminder)) != 1) return true;
+  // Lines that stock does not cover are told of by themselves.
+  const bool lines = HasUnchosenLots(session, record) && FindShortStock(session, record).empty();
+  if (!lines && !TrimView(record.fields.LotNumber).empty()) return true;
   const LotReminderAnswer answer = dialogs.ShowLotNumReminder();
   if (answer.dontShowAgain) SetSupportValue(session, keys::BatchLotNumReminder, "0");
   return !answer.returnToBatch;
+}
+
+bool PassShortStock(Session& session, const BatchRecord& record, BatchDialogs& dialogs) {
+  if (record.state == BatchState::Edit && !RecordHasChanged(session, record)) return true;
+  const std::vector<ShortStock> lines = FindShortStock(session, record);
+  return lines.empty() || dialogs.ShowShortStock(session, lines);
+}
+
+Result<void> PassGuard(Session& session, BatchRecord& record) {
+  if (record.mayChange || record.state != BatchState::Edit || !Changed(session, record)) return {};
+  return CheckEditable(session, record);
 }
 
 Result<SaveEnd> SaveBatch(Session& session, BatchRecord& record, BatchDialogs& dialogs, std::int32_t* savedNo,
@@ -96,10 +116,8 @@ Result<SaveEnd> SaveBatch(Session& session, BatchRecord& record, BatchDialogs& d
     complete.Stored();
     return SaveEnd::Kept;
   }
-  const auto stored = StoreBatch(session, record, dialogs, savedNo);
-  if (!stored || *stored != SaveEnd::Stored) return stored;
-  complete.Stored();
-  MoveTo(session, record, next);
+  const auto stored = StoreBatch(session, record, dialogs, {.row = next}, savedNo);
+  if (stored && *stored == SaveEnd::Stored) complete.Stored();
   return stored;
 }
 
@@ -111,10 +129,7 @@ Result<SaveEnd> SaveAndHoldBatch(Session& session, BatchRecord& record, BatchDia
     LeaveFor(session, record, true, record.rowId);
     return SaveEnd::Kept;
   }
-  std::int32_t number = 0;
-  const auto stored = StoreBatch(session, record, dialogs, &number);
-  if (stored && *stored == SaveEnd::Stored) OpenBatch(session, record, number);
-  return stored;
+  return StoreBatch(session, record, dialogs, {.stored = true});
 }
 
 }  // namespace vellumark

@@ -2,6 +2,7 @@
 
 #include "core/batch/dialogs.h"
 #include "core/batch/record.h"
+#include "core/batch/store.h"
 
 namespace vellumark {
 
@@ -10,8 +11,24 @@ namespace vellumark {
 /// What must hold before a Batch can be stored at all, whoever asks.
 Result<void> CheckStorable(const Session& session, const BatchRecord& record);
 
-/// The lot number reminder, where it is due; false when the operator returns to the Batch.
+/// What is stored of an open Batch has passed the guard before a change, whatever way it came in.
+Result<void> PassGuard(Session& session, BatchRecord& record);
+
+/// The lot number reminder, where it is due: the Batch has no lot number, or lines of it no lots though there are some.
+/// False when the operator returns to the Batch.
 bool PassLotReminder(Session& session, const BatchRecord& record, BatchDialogs& dialogs);
+/// Tells of stock that does not cover the Batch; false when the operator returns to it.
+bool PassShortStock(Session& session, const BatchRecord& record, BatchDialogs& dialogs);
+
+/// What is on the bench after a store: a Batch by its row, the stored one again, or none.
+struct AfterStore {
+  std::optional<std::int64_t> row{};
+  bool stored = false;
+};
+/// The store and what follows it, in one transaction: what fails of it leaves the file and `record` as they were. No
+/// checks of cmdSave, all questions of the sequence. Stays when SaveModifiedBatch was cancelled.
+Result<SaveEnd> StoreBatch(Session& session, BatchRecord& record, BatchDialogs& dialogs, const AfterStore& after,
+                           std::int32_t* storedNo = nullptr);
 
 /// Writes chkComplete of an open Batch where the setting is on and it differs.
 void StoreComplete(Session& session, const BatchRecord& record);

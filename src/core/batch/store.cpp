@@ -35,26 +35,29 @@ class BatchStore {
     Transaction transaction(session_.File());
     if (isNew) record_.BatchNo = UpcomingBatchNo(session_);
     formulaThere_ = WriteModifiedFormula(session_, record_, choice_);
-    const std::vector<BatchTaking> takings = PlanTakings(session_, record_);
+    std::vector<BatchTaking> takings = PlanTakings(session_, record_);
     if (!isNew) DeleteTakings(session_, record_.BatchNo);
     WriteRow(isNew);
-    WriteTakings(session_, record_.BatchNo, now_, takings);
     // The date was set above to this very day, so the question whether the ingredients of a Batch of earlier days are
     // to be taken anew never arises: they are.
     granted_ = PostMadeColor(session_, record_);
     WriteLot();
-    Take(NetTakings(session_, takings), isNew);
+    Take(takings, isNew);
     MarkUse(takings);
     WriteJobRows(session_, record_, now_);
-    const std::int32_t counter = isNew ? StepBatchNumber(session_.File(), record_.BatchNo) : 0;
+    if (isNew) counter_ = StepBatchNumber(session_.File(), record_.BatchNo);
     transaction.Note({Change::Kind::Batch,
                       session_.CurrentDatabase,
                       std::to_string(record_.BatchNo),
                       isNew ? Change::What::Added : Change::What::Updated,
                       {}});
     transaction.Commit();
-    if (isNew) session_.BatchNumber = counter;
     return record_.BatchNo;
+  }
+
+  /// The store is on file.
+  void Done() const {
+    if (counter_) session_.BatchNumber = *counter_;
   }
 
   void TellAfterwards() const {
@@ -90,15 +93,23 @@ class BatchStore {
   void WriteLot() {
     UpdateRow(session_.File(), schema::Batch, Batches(), newRow_,
               {{"LotRefID", record_.LotRefID}, {"LotNumber", record_.fields.LotNumber}});
+    record_.madeLotNumber = record_.fields.LotNumber;
   }
 
-  void Take(const std::vector<NetTaking>& takings, bool isNew) {
-    if (!isNew && record_.stockReturned && SameAsHeld(session_, record_.BatchNo, takings)) {
+  // What is recorded is what really left, since that is what comes back one day.
+  void Take(std::vector<BatchTaking>& takings, bool isNew) {
+    std::vector<NetTaking> net = NetTakings(session_, takings);
+    if (!isNew && record_.stockReturned && SameAsHeld(session_, record_.BatchNo, net)) {
+      for (NetTaking& place : net) place.place.LotQty = Covered(session_, place);
+      LowerTo(session_, takings, net);
+      WriteTakings(session_, record_.BatchNo, now_, takings);
       TakeHeldAgain(session_, session_.CurrentDatabase, record_.BatchNo);
       return;
     }
     if (!isNew) DropHold(session_, record_.BatchNo);
-    TakeFromStock(session_, record_.BatchNo, takings);
+    TakeFromStock(session_, record_.BatchNo, net);
+    LowerTo(session_, takings, net);
+    WriteTakings(session_, record_.BatchNo, now_, takings);
   }
 
   void MarkUse(const std::vector<BatchTaking>& takings) {
@@ -119,6 +130,7 @@ class BatchStore {
   ModifiedBatchChoice choice_;
   DateTime now_;
   std::int64_t newRow_ = 0;
+  std::optional<std::int32_t> counter_;
   bool formulaThere_ = true;
   bool granted_ = true;
 };
@@ -199,7 +211,8 @@ Result<void> CheckStorable(const Session& session, const BatchRecord& record) {
   return CheckLotReferences(session, record);
 }
 
-Result<SaveEnd> StoreBatch(Session& session, BatchRecord& record, BatchDialogs& dialogs, std::int32_t* storedNo) {
+Result<SaveEnd> StoreBatch(Session& session, BatchRecord& record, BatchDialogs& dialogs, const AfterStore& after,
+                           std::int32_t* storedNo) {
   if (const auto storable = CheckStorable(session, record); !storable) return std::unexpected(storable.error());
   if (record.state == BatchState::Edit && !record.stockReturned)
     throw std::logic_error("a Batch that was left is not stored: " + BatchNoText(record.BatchNo));
@@ -210,9 +223,19 @@ Result<SaveEnd> StoreBatch(Session& session, BatchRecord& record, BatchDialogs& 
     choice = *chosen;
   }
   BatchStore store(session, record, std::move(choice));
+  BatchRecord next;
+  // Nothing that can fail comes after the commit: a store that is told as failed has not happened.
+  Transaction transaction(session.File());
   const std::int32_t number = store.Run();
+  if (after.stored) {
+    OpenBatch(session, next, number);
+  } else {
+    MoveTo(session, next, after.row);
+  }
+  transaction.Commit();
+  store.Done();
   if (storedNo != nullptr) *storedNo = number;
-  record = NewBatchRecord(session);
+  record = std::move(next);
   store.TellAfterwards();
   return SaveEnd::Stored;
 }

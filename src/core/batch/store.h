@@ -22,11 +22,6 @@ Result<SaveEnd> SaveBatch(Session& session, BatchRecord& record, BatchDialogs& d
 /// cmdSaveAndHold: stays on the Batch, which is loaded again.
 Result<SaveEnd> SaveAndHoldBatch(Session& session, BatchRecord& record, BatchDialogs& dialogs);
 
-/// The store alone, for ways out that ask their own questions: no checks of cmdSave, all questions of the sequence.
-/// Afterwards `record` is cleared. Stays when SaveModifiedBatch was cancelled.
-Result<SaveEnd> StoreBatch(Session& session, BatchRecord& record, BatchDialogs& dialogs,
-                           std::int32_t* storedNo = nullptr);
-
 /// Marks a stored Batch at once. The window sets record.Complete instead. Refused while the setting is off.
 Result<void> CompleteBatch(Session& session, BatchRecord& record, bool complete);
 

@@ -30,8 +30,8 @@ class LotStock {
   explicit LotStock(const Session& session) : session_(session) {}
 
   // As much of the quantity as the lot has; nothing of one that went or that came to be on consignment.
-  float Draw(ColorKind kind, const std::string& name, std::int32_t ref, float quantity) {
-    float& left = Left(kind, name, ref);
+  float Draw(ColorKind kind, const std::string& name, const LotUse& use, float quantity) {
+    float& left = Left(kind, name, use);
     const float drawn = std::clamp(quantity, 0.0F, std::max(left, 0.0F));
     left = RoundSingle(left - drawn, 3);
     return drawn;
@@ -42,14 +42,18 @@ class LotStock {
     ColorKind kind;
     std::string name;
     std::int32_t ref;
+    std::string number;
     float left;
   };
 
-  float& Left(ColorKind kind, const std::string& name, std::int32_t ref) {
+  float& Left(ColorKind kind, const std::string& name, const LotUse& use) {
     for (Lot& lot : lots_)
-      if (lot.kind == kind && lot.ref == ref && EqualNoCase(lot.name, name)) return lot.left;
-    const auto found = FindLot(session_, kind, name, {}, ref);
-    lots_.push_back({kind, name, ref, found && !found->LotConsignment ? found->LotQty : 0});
+      if (lot.kind == kind && lot.ref == use.LotRefID && EqualNoCase(lot.number, use.LotNumber) &&
+          EqualNoCase(lot.name, name))
+        return lot.left;
+    const auto found =
+        FindLot(session_, kind, name, {}, LotTarget{.LotRefID = use.LotRefID, .LotNumber = use.LotNumber});
+    lots_.push_back({kind, name, use.LotRefID, use.LotNumber, found && !found->LotConsignment ? found->LotQty : 0});
     return lots_.back().left;
   }
 
@@ -82,7 +86,7 @@ class TakingPlan {
       for (const LotUse& chosen : lots.uses) {
         LotUse use = chosen;
         const float asked = Converted(chosen.LotQty, record_.work.UMF, session_.UMI);
-        use.LotQty = use.LotRefID == 0 ? asked : stock_.Draw(kind, name, use.LotRefID, asked);
+        use.LotQty = use.LotRefID == 0 ? asked : stock_.Draw(kind, name, use, asked);
         whole = whole && use.LotQty == asked;
         if (!(use.LotQty > 0)) continue;
         if (use.LotRefID == 0) use = UnlottedUse(session_, kind, name, use.LotQty);
@@ -221,15 +225,21 @@ void DeleteTakings(Session& session, std::int32_t batchNo) {
       .Run();
 }
 
+bool IsOfPlace(const Session& session, const BatchTaking& taking, const NetTaking& place) {
+  if (KindOfIngType(taking.IngType) != place.kind || !EqualNoCase(taking.IngName, place.name)) return false;
+  if (session.InvLotTracking == 0) return true;
+  return taking.use.LotRefID == place.place.LotRefID &&
+         (place.place.LotRefID == 0 || EqualNoCase(taking.use.LotNumber, place.place.LotNumber));
+}
+
 std::vector<NetTaking> NetTakings(const Session& session, const std::vector<BatchTaking>& takings) {
   std::vector<NetTaking> net;
   for (const BatchTaking& taking : takings) {
     const ColorKind kind = KindOfIngType(taking.IngType);
     LotUse place = taking.use;
     if (session.InvLotTracking == 0) place = {.LotNumber = std::string(kUnlottedInv), .LotQty = place.LotQty};
-    const auto same = std::ranges::find_if(net, [&](const NetTaking& other) {
-      return other.kind == kind && other.place.LotRefID == place.LotRefID && EqualNoCase(other.name, taking.IngName);
-    });
+    const auto same =
+        std::ranges::find_if(net, [&](const NetTaking& other) { return IsOfPlace(session, taking, other); });
     if (same == net.end()) {
       net.push_back({kind, taking.IngName, std::move(place)});
     } else {
@@ -240,17 +250,67 @@ std::vector<NetTaking> NetTakings(const Session& session, const std::vector<Batc
   return net;
 }
 
-void TakeFromStock(Session& session, std::int32_t batchNo, const std::vector<NetTaking>& takings) {
+float Covered(const Session& session, const NetTaking& taking) {
+  const float wanted = taking.place.LotQty;
+  // No more of a lot is ever planned than it holds.
+  if (taking.place.LotRefID != 0 || !(wanted > 0)) return wanted;
+  if (taking.kind == ColorKind::Basic && ReadStockRules(session).AllowNegInv) return wanted;
+  return std::min(wanted, std::max(0.0F, UnlottedQty(session, taking.kind, taking.name)));
+}
+
+float ReallyLeft(float quantity, float before, float after) {
+  return std::clamp(RoundSingle(RoundTo(before, 3) - RoundTo(after, 3), 3), 0.0F, quantity);
+}
+
+void TakeFromStock(Session& session, std::int32_t batchNo, std::vector<NetTaking>& takings) {
   const StockRules rules = ReadStockRules(session);
-  for (const NetTaking& taking : takings) {
+  for (NetTaking& taking : takings) {
     Posting posting = PostingOf(batchNo, taking);
     if (posting.quantity == 0 && !taking.place.Remove) continue;
     if (posting.quantity < 0) {  // more was taken back than went in
       posting.source = PostingSource::BatchReturns;
       posting.quantity = -posting.quantity;
+      PostStock(session, rules, posting);
+      continue;
     }
-    PostStock(session, rules, posting);
+    const PostingResult posted = PostStock(session, rules, posting);
+    taking.place.LotQty = ReallyLeft(posting.quantity, posted.before, posted.quantity);
   }
+}
+
+void LowerTo(const Session& session, std::vector<BatchTaking>& takings, const std::vector<NetTaking>& left) {
+  for (const NetTaking& place : left) {
+    double over = -RoundTo(place.place.LotQty, 3);
+    for (const BatchTaking& taking : takings)
+      if (IsOfPlace(session, taking, place)) over += RoundTo(taking.use.LotQty, 3);
+    for (auto taking = takings.rbegin(); taking != takings.rend() && RoundTo(over, 3) > 0; ++taking) {
+      if (!IsOfPlace(session, *taking, place) || !(taking->use.LotQty > 0)) continue;
+      const double less = std::min(over, RoundTo(taking->use.LotQty, 3));
+      taking->use.LotQty = RoundSingle(RoundTo(taking->use.LotQty, 3) - less, 3);
+      over -= less;
+    }
+  }
+}
+
+void LowerRecorded(Session& session, std::string_view database, std::int32_t batchNo, const NetTaking& place,
+                   float missing) {
+  const std::string table = Quoted(session.Table(schema::BatchLotInv, database));
+  // While Lotted Inventory is off the lots of a Batch count as Unlotted too.
+  Statement rows = session.File().Prepare(
+      fmt::format("SELECT rowid, LotQty FROM {} WHERE BatchNo = ?1 AND IngName = ?2 AND (IngType = 2) = ?3 AND LotQty > "
+                  "0 AND (?4 OR LotNumber = ?5) ORDER BY LotRefID = ?6 DESC, rowid DESC",
+                  table));
+  rows.Bind(1, batchNo).Bind(2, place.name).Bind(3, place.kind == ColorKind::Mix ? 1 : 0);
+  rows.Bind(4, session.InvLotTracking == 0 ? 1 : 0).Bind(5, place.place.LotNumber).Bind(6, place.place.LotRefID);
+  std::vector<std::pair<std::int64_t, float>> lowered;
+  double over = RoundTo(missing, 3);
+  while (RoundTo(over, 3) > 0 && rows.Step()) {
+    const double less = std::min(over, RoundTo(rows.Single(1), 3));
+    lowered.emplace_back(rows.Whole(0), RoundSingle(RoundTo(rows.Single(1), 3) - less, 3));
+    over -= less;
+  }
+  Statement lower = session.File().Prepare(fmt::format("UPDATE {} SET LotQty = ?1 WHERE rowid = ?2", table));
+  for (const auto& [row, quantity] : lowered) lower.Bind(1, quantity).Bind(2, row).Run();
 }
 
 }  // namespace vellumark

@@ -26,7 +26,8 @@ struct StoredLine {
   std::uint8_t IngType = kIngTypeBasic;
 };
 
-/// What one line takes from one place; `use.LotQty` is in the inventory unit, below zero for a negative addition.
+/// What one line takes from one place; `use.LotQty` is in the inventory unit, below zero for a negative addition. In the
+/// plan of a save it is what the line needs, on file what really left: that much comes back.
 struct BatchTaking {
   std::string IngName;
   std::uint8_t IngType = kIngTypeBasic;
@@ -69,8 +70,21 @@ struct NetTaking {
 };
 /// One for each colour and place, in the order of the lines. While Lotted Inventory is off everything is Unlotted.
 std::vector<NetTaking> NetTakings(const Session& session, const std::vector<BatchTaking>& takings);
+/// True when the taking is of that place: the colour, and the lot by its reference and number.
+bool IsOfPlace(const Session& session, const BatchTaking& taking, const NetTaking& place);
 
-/// Takes from stock, for a Batch that is saved.
-void TakeFromStock(Session& session, std::int32_t batchNo, const std::vector<NetTaking>& takings);
+/// How much of a taking stock covers as it stands now: all of it where Unlotted Inventory may go below zero.
+float Covered(const Session& session, const NetTaking& taking);
+/// A taking of `quantity` found `before` there and left `after`: what really left. What a cutoff wrote off beside it is
+/// no part of it.
+float ReallyLeft(float quantity, float before, float after);
+
+/// Takes from stock, for a Batch that is saved. The takings become what really left.
+void TakeFromStock(Session& session, std::int32_t batchNo, std::vector<NetTaking>& takings);
+/// Brings the takings of the lines down to what left each place; the last lines of a place got the less.
+void LowerTo(const Session& session, std::vector<BatchTaking>& takings, const std::vector<NetTaking>& left);
+/// The same on file, of a stored Batch: `missing` less left the place than it has recorded.
+void LowerRecorded(Session& session, std::string_view database, std::int32_t batchNo, const NetTaking& place,
+                   float missing);
 
 }  // namespace vellumark

@@ -159,6 +159,22 @@ void AddStockLine(Database& file, const StockLine& line) {
   Insert(file, line, static_cast<int>(line.kind));
 }
 
+bool TakeBackOpening(Database& file, const StockLine& undoing) {
+  Statement last = file.Prepare(
+      fmt::format("SELECT ID, Source, Change, Document FROM {} WHERE Color_Name = ?1 AND Kind = ?2 AND Database = ?3 AND "
+                  "LotRefID = ?4 ORDER BY ID DESC LIMIT 1",
+                  kTable));
+  last.Bind(1, undoing.Color_Name).Bind(2, static_cast<int>(undoing.kind)).Bind(3, undoing.database);
+  if (!last.Bind(4, undoing.LotRefID).Step()) return false;
+  const auto event = static_cast<StockEvent>(last.Whole(1));
+  const bool opening = event == StockEvent::BatchReturns || event == StockEvent::BatchTakesAgain;
+  if (!opening || last.Number(2) != -undoing.change || last.Text(3) != undoing.document) return false;
+  const std::int64_t id = last.Whole(0);
+  last.Reset();
+  file.Prepare(fmt::format("DELETE FROM {} WHERE ID = ?1", kTable)).Bind(1, id).Run();
+  return true;
+}
+
 void AddLinesOfColor(Database& file, const StockLine& line, bool going) {
   Statement rows =
       file.Prepare(StockOf(line.database, line.kind, "AND Color_Name = ?1", "AND LotCName = ?1 ORDER BY 3"));

@@ -14,8 +14,9 @@
 namespace vellumark {
 
 // The history of stock: a line for every figure of stock that ever changed, in a table of the system's own that lies
-// beside the Databases. Lines are added in the transaction of the change and never altered or removed. Each names the
-// colour as it was called at the time; a rename leaves a line under either name, by which the trace is followed.
+// beside the Databases. Lines are added in the transaction of the change and never altered; none is removed but that of a
+// step which was undone before anything else happened there. Each names the colour as it was called at the time; a rename
+// leaves a line under either name, by which the trace is followed.
 
 /// What a line tells. The numbers stand in files.
 enum class StockEvent : int {
@@ -91,6 +92,9 @@ void BeginStockHistory(Database& file, const std::vector<std::string>& databases
 
 /// Adds a line; `id` is not read.
 void AddStockLine(Database& file, const StockLine& line);
+/// Instead of a line that would only undo the one before it: removes that one, when the last line of the same place is of
+/// the same document, moved exactly as much the other way and is of a Batch that was opened. False when it is not.
+bool TakeBackOpening(Database& file, const StockLine& undoing);
 /// A line for a colour's `Inventory` and one for each of its lots that holds stock, as taken away (`going`) or as put
 /// there. Of `line` the event, who, when, kind, Database, name and reason count.
 void AddLinesOfColor(Database& file, const StockLine& line, bool going);

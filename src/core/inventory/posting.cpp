@@ -109,7 +109,7 @@ StockChange ChangeOf(const Posting& posting, StockChange::Action action, std::in
 PostingResult PostUnlotted(Session& session, const StockRules& rules, const Posting& posting, const ColorRow& color) {
   const float after = UnlottedAfter(posting.source, posting.kind, rules, color.inventory, posting.quantity);
   WriteStockChange(session, ChangeOf(posting, StockChange::Action::SetUnlotted, color.row, color.inventory, after));
-  return {PostingResult::Outcome::Posted, after, 0};
+  return {PostingResult::Outcome::Posted, after, 0, color.inventory};
 }
 
 PostingResult PostToLot(Session& session, const StockRules& rules, const Posting& posting, const LotRow& lot) {
@@ -118,14 +118,14 @@ PostingResult PostToLot(Session& session, const StockRules& rules, const Posting
                                 lot.LotQty, after.value_or(0.0F));
   change.lot = lot;
   WriteStockChange(session, change);
-  if (!after) return {PostingResult::Outcome::LotDeleted, 0, lot.LotRefID};
-  if (!posting.remove) return {PostingResult::Outcome::Posted, *after, lot.LotRefID};
+  if (!after) return {PostingResult::Outcome::LotDeleted, 0, lot.LotRefID, lot.LotQty};
+  if (!posting.remove) return {PostingResult::Outcome::Posted, *after, lot.LotRefID, lot.LotQty};
   change.action = StockChange::Action::DeleteLot;
   change.before = *after;
   change.after = 0;
   change.reason = kWrittenOff;
   WriteStockChange(session, change);
-  return {PostingResult::Outcome::LotDeleted, 0, lot.LotRefID};
+  return {PostingResult::Outcome::LotDeleted, 0, lot.LotRefID, lot.LotQty};
 }
 
 // A lot that a Job Record or a Batch once took from comes back as it was.
@@ -133,18 +133,21 @@ bool BringsLotBack(PostingSource source) {
   return source == PostingSource::JobRecord || source == PostingSource::BatchReturns;
 }
 
-// Such a lot brings the reference that it had, and so does the scanned label of a Basic Color; every other new lot is
-// granted one.
-bool KeepsReference(const Posting& posting) {
-  return posting.lot->LotRefID > 0 && (BringsLotBack(posting.source) || (posting.source == PostingSource::ScanReturn &&
-                                                                         posting.kind == ColorKind::Basic));
+// Such a lot brings the reference that it had, and so does the scanned label of a Basic Color, unless a stranger bears
+// it by now; every other new lot is granted one.
+bool KeepsReference(const Session& session, const Posting& posting) {
+  const bool brings = BringsLotBack(posting.source) ||
+                      (posting.source == PostingSource::ScanReturn && posting.kind == ColorKind::Basic);
+  return brings && posting.lot->LotRefID > 0 &&
+         !LotRefIDInUse(session, posting.kind, posting.name, posting.database, posting.lot->LotRefID);
 }
 
 PostingResult AddLot(Session& session, const StockRules& rules, const Posting& posting, const ColorRow& color) {
   const LotTarget& target = *posting.lot;
   LotRow lot;
-  lot.LotRefID =
-      KeepsReference(posting) ? target.LotRefID : NextLotRefID(session, posting.kind, posting.name, posting.database);
+  lot.LotRefID = KeepsReference(session, posting)
+                     ? target.LotRefID
+                     : NextLotRefID(session, posting.kind, posting.name, posting.database);
   if (lot.LotRefID == -1) {
     if (posting.source != PostingSource::BatchMakes) return {PostingResult::Outcome::NoLotReference, 0, -1};
     PostingResult result = PostUnlotted(session, rules, posting, color);
@@ -167,7 +170,7 @@ PostingResult AddLot(Session& session, const StockRules& rules, const Posting& p
 PostingResult PostLot(Session& session, const StockRules& rules, const Posting& posting, const ColorRow& color) {
   // What a Batch makes is a lot of its own, also beside another of the same number.
   if (posting.source != PostingSource::BatchMakes) {
-    const auto lot = FindLot(session, posting.kind, posting.name, posting.database, posting.lot->LotRefID);
+    const auto lot = FindLot(session, posting.kind, posting.name, posting.database, *posting.lot);
     if (lot) return PostToLot(session, rules, posting, *lot);
   }
   const MissingLot missing = RuleOf(posting.source).missingLot;
@@ -183,6 +186,13 @@ bool GoesToUnlotted(const Session& session, const Posting& posting) {
 }
 
 }  // namespace
+
+std::optional<LotRow> FindLot(const Session& session, ColorKind kind, const std::string& name,
+                              const std::string& database, const LotTarget& target) {
+  auto lot = FindLot(session, kind, name, database, target.LotRefID);
+  if (lot && !target.LotNumber.empty() && !EqualNoCase(lot->LotNumber, target.LotNumber)) return std::nullopt;
+  return lot;
+}
 
 float UnlottedAfter(PostingSource source, ColorKind kind, const StockRules& rules, float before, float quantity) {
   const SourceRule& rule = RuleOf(source);

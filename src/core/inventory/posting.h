@@ -10,7 +10,8 @@
 
 namespace vellumark {
 
-/// Which lot a posting goes to, and what a new lot gets where the source makes one.
+/// Which lot a posting goes to, and what a new lot gets where the source makes one. References repeat after a merge or a
+/// deletion: where a number is given, a lot of another number is not the one that is meant.
 struct LotTarget {
   std::int32_t LotRefID = 0;  ///< 0 for a lot that does not exist yet
   std::string LotNumber{};
@@ -49,6 +50,7 @@ struct PostingResult {
   /// The lot posted to, 0 for Unlotted Inventory; -1 when a Batch's colour went to Unlotted Inventory because no
   /// reference was free.
   std::int32_t LotRefID = 0;
+  float before = 0;  ///< what stood there until then; 0 where nothing did
 };
 
 /// What `Inventory` becomes: the Single of the sum with three decimals, and 0 where the source's comparison of that
@@ -56,6 +58,10 @@ struct PostingResult {
 float UnlottedAfter(PostingSource source, ColorKind kind, const StockRules& rules, float before, float quantity);
 /// What `LotQty` becomes; nothing when the lot goes.
 std::optional<float> LotAfter(PostingSource source, const StockRules& rules, float before, float quantity);
+
+/// The lot that is meant, where it is.
+std::optional<LotRow> FindLot(const Session& session, ColorKind kind, const std::string& name,
+                              const std::string& database, const LotTarget& target);
 
 /// Moves stock, in a transaction of its own or in the caller's. Whether the file may be written is the caller's to ask
 /// (RequireWritable) before it starts. Throws std::logic_error for a Basic Color with BatchMakes: a Batch makes none.

@@ -61,6 +61,8 @@ void WriteHistory(Session& session, const StockChange& change, float quantity) {
   line.change = StockDifference(change.before, line.result);
   line.document = change.document;
   line.reason = change.reason;
+  // A Batch that was merely looked at leaves no trace.
+  if (change.source == PostingSource::BatchRestores && TakeBackOpening(session.File(), line)) return;
   AddStockLine(session.File(), line);
 }
 

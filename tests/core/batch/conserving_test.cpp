@@ -176,5 +176,188 @@ TEST(BatchConserves, AColourRenamedOrMergedWhileOpen) {
   }
 }
 
+void DeleteAndReturn(LifeRoom& room, std::int32_t number) {
+  room.Open(number);
+  room.prompt.Expect("Batch Window - Delete Batch?", Answer::Yes);
+  room.prompt.Expect("Batch Window - Update Inventories?", Answer::Yes);
+  ASSERT_TRUE(DeleteBatch(room.session, room.record, room.dialogs));
+}
+void LookAt(LifeRoom& room, std::int32_t number) {
+  room.Open(number);
+  ASSERT_TRUE(CancelBatch(room.session, room.record).value());
+}
+
+struct Uncovered {
+  const char* name;
+  bool lots;           // all of the red in a lot that is not chosen
+  float red;           // in Unlotted Inventory
+  float left;          // of it after 25 are needed
+  bool negative = false;
+};
+
+// What stock does not cover never left it, and does not come back: after whatever was done with the Batch, the red that
+// was there is there again.
+TEST(BatchConserves, WhatWasNotThereDoesNotComeBack) {
+  for (const Uncovered& one : {Uncovered{"all in lots", true, 0, 0}, {"half of it", false, 10, 0},
+                               {"some beside the lot", true, 3, 0}, {"below zero", false, 10, -15, true}}) {
+    SCOPED_TRACE(one.name);
+    for (const bool tracking : {true, false}) {
+      LifeRoom room;
+      room.Setting("AllowNegInv", one.negative ? "1" : "0");
+      room.PinkRoom();
+      room.HaveStock(ColorKind::Basic, one.red);
+      if (one.lots) room.Lot(ColorKind::Basic, "RED", 1, 171.25F);
+      room.session.InvLotTracking = tracking ? 1 : 0;
+      const auto lot = [&] { return room.LotQty(ColorKind::Basic, "RED", 1).Single(); };
+      const std::int32_t number = room.Saved("PINK", "100");
+      EXPECT_EQ(room.Red(), one.left);
+      LookAt(room, number);
+      EXPECT_EQ(room.Red(), one.left);
+      room.Open(number);
+      room.record.fields.ShortNote = "saved anew";
+      room.Save();
+      EXPECT_EQ(room.Red(), one.left);
+      room.Open(number);
+      room.Remix("60");
+      room.Save();
+      EXPECT_EQ(room.Red(), one.negative ? -5 : 0);
+      DeleteAndReturn(room, number);
+      EXPECT_EQ(room.Red(), one.red);
+      EXPECT_EQ(lot(), one.lots ? 171.25F : 0);
+    }
+  }
+}
+
+// Stock that moved while the Batch was open: what it took again is no more than was there.
+TEST(BatchConserves, StockThatWentWhileTheBatchWasOpen) {
+  LifeRoom room;
+  room.Setting("AllowNegInv", "0");
+  room.PinkRoom();
+  room.Lot(ColorKind::Basic, "WHITE", 1, 75);
+  room.Mixed("PINK", "100");
+  room.Select(0, {Use(1, 75)});
+  const std::int32_t number = room.Save();
+  room.Open(number);
+  PostStock(room.session, {.source = PostingSource::ManualAdjust, .name = "RED", .quantity = -90});
+  PostStock(room.session, {.source = PostingSource::ManualAdjust,
+                           .name = "WHITE",
+                           .quantity = -75,
+                           .lot = LotTarget{.LotRefID = 1}});
+  ASSERT_TRUE(CancelBatch(room.session, room.record).value());
+  EXPECT_EQ(room.Red(), 0);
+  DeleteAndReturn(room, number);
+  EXPECT_EQ(room.Red(), 10);
+  EXPECT_TRUE(room.LotQty(ColorKind::Basic, "WHITE", 1).IsNull());
+  EXPECT_EQ(room.White(), 200);
+}
+
+// Batches of a time when the amount needed was recorded come back as they were recorded.
+TEST(BatchConserves, ARecordOfWhatWasNeededIsReadAsItStands) {
+  LifeRoom room;
+  room.Setting("AllowNegInv", "0");
+  room.PinkRoom();
+  room.HaveStock(ColorKind::Basic, 10);
+  const std::int32_t number = room.Saved("PINK", "100");
+  room.session.File().Execute("UPDATE INK_Batch_LotInv SET LotQty = 25 WHERE IngName = 'RED'");
+  LookAt(room, number);
+  DeleteAndReturn(room, number);
+  EXPECT_EQ(room.Red(), 25);
+}
+
+// A Batch used a lot up, and its reference went to another: each keeps its own ink. The same for the lot it made.
+TEST(BatchConserves, ALotWhoseReferenceIsAnothersByNow) {
+  for (const bool changed : {false, true}) {
+    LifeRoom room;
+    room.PinkRoom();
+    room.Lot(ColorKind::Basic, "RED", 1, 25);
+    room.session.File().Execute("UPDATE INK_Basic SET LotRefID = 1 WHERE Color_Name = 'RED'");
+    room.Mixed("PINK", "100");
+    room.record.fields.LotNumber = "MADE";
+    room.Select(1, {Use(1, 25)});
+    const std::int32_t number = room.Save();
+    ASSERT_TRUE(room.LotQty(ColorKind::Basic, "RED", 1).IsNull());
+    const auto stranger = [&](ColorKind kind, const char* name) {
+      const std::string table = Quoted(room.session.Table(LotTable(kind)));
+      const float there = room.LotQty(kind, name, 1).IsNull() ? 0 : room.LotQty(kind, name, 1).Single();
+      if (there > 0)
+        PostStock(room.session, {.source = PostingSource::ManualAdjust, .kind = kind, .name = name, .quantity = -there,
+                                 .lot = LotTarget{.LotRefID = 1}});
+      room.Lot(kind, name, 1, 40, {{"LotNumber", "STRANGER"}});
+    };
+    stranger(ColorKind::Basic, "RED");
+    stranger(ColorKind::Mix, "PINK");
+    room.Open(number);
+    EXPECT_EQ(room.LotQty(ColorKind::Basic, "RED", 1).Single(), 40);
+    EXPECT_EQ(room.LotQty(ColorKind::Basic, "RED", 2).Single(), 25);
+    EXPECT_EQ(room.Scalar("SELECT LotNumber FROM INK_Basic_LotInv WHERE LotRefID = 2").Text(), "L1");
+    if (changed) {
+      room.record.fields.ShortNote = "anew";
+      room.Save();
+    } else {
+      ASSERT_TRUE(CancelBatch(room.session, room.record).value());
+    }
+    EXPECT_EQ(room.LotQty(ColorKind::Basic, "RED", 1).Single(), 40);
+    EXPECT_TRUE(room.LotQty(ColorKind::Basic, "RED", 2).IsNull());
+    DeleteAndReturn(room, number);
+    EXPECT_EQ(room.LotQty(ColorKind::Basic, "RED", 1).Single(), 40);
+    EXPECT_EQ(room.Scalar("SELECT SUM(LotQty) FROM INK_Basic_LotInv").Single(), 65);
+    EXPECT_EQ(room.Red(), 100);
+    EXPECT_EQ(room.LotQty(ColorKind::Mix, "PINK", 1).Single(), 40);
+    EXPECT_EQ(room.Pink(), 0);
+  }
+}
+
+// The ink lies in its lot, whether lots are shown or not: from there it goes, and once.
+TEST(BatchConserves, WhatWentToALotLeavesItWhileLotsAreNotInUse) {
+  LifeRoom room;
+  room.PinkRoom();
+  room.HaveStock(ColorKind::Mix, 400);
+  room.Mixed("PINK", "100");
+  room.record.fields.LotNumber = "MADE";
+  const std::int32_t number = room.Save();
+  room.session.InvLotTracking = 0;
+  room.Open(number);
+  room.Remix("80");
+  room.Save();
+  EXPECT_EQ(room.LotQty(ColorKind::Mix, "PINK", 1).Single(), 80);
+  for (int i = 0; i < 3; ++i) {
+    room.Open(number);
+    ASSERT_TRUE(SetReturnToInventory(room.session, room.record, false));
+    room.record.fields.ShortNote = std::to_string(i);
+    room.Save();
+    EXPECT_TRUE(room.LotQty(ColorKind::Mix, "PINK", 1).IsNull());
+    EXPECT_EQ(room.Pink(), 400);
+  }
+  DeleteAndReturn(room, number);
+  EXPECT_EQ(room.Pink(), 400);
+}
+
+// Looked at, or saved with no other takings, a Batch leaves no line in the history of stock.
+TEST(BatchConserves, OpeningsThatAreRestoredLeaveNoTrace) {
+  LifeRoom room;
+  room.PinkRoom();
+  room.Setting("InvCutoff", "0.5");
+  room.Lot(ColorKind::Basic, "RED", 1, 10.2F);
+  room.Lot(ColorKind::Basic, "WHITE", 1, 50);
+  room.Mixed("PINK", "40");
+  room.Select(1, {Use(1, 10)});
+  room.Select(0, {Use(1, 20), Use(0, 10)});
+  const std::int32_t number = room.Save();
+  const auto lines = [&] { return room.Scalar("SELECT COUNT(*) FROM MSysStockHistory").Whole(); };
+  const std::int64_t before = lines();
+  for (int i = 0; i < 3; ++i) LookAt(room, number);
+  EXPECT_EQ(lines(), before);
+  room.Open(number);
+  room.record.fields.ShortNote = "x";
+  room.Save();
+  EXPECT_EQ(lines(), before);
+  // Something else happened there meanwhile: then every step stands.
+  room.Open(number);
+  PostStock(room.session, {.source = PostingSource::ManualAdjust, .name = "WHITE", .quantity = 5});
+  PostStock(room.session, {.source = PostingSource::ManualAdjust, .name = "WHITE", .quantity = -5});
+  ASSERT_TRUE(CancelBatch(room.session, room.record).value());
+  EXPECT_EQ(lines(), before + 4);
+}
+
 }  // namespace
 }  // namespace vellumark::test
