@@ -38,7 +38,7 @@ Result<bool> HasEnded(const Result<SaveEnd>& end) {
   return *end != SaveEnd::Stays;
 }
 
-/// Remembers that the operator wanted to go back to the lot number.
+/// Remembers where the operator wanted to go back to: the lot number, or the lots of a line.
 class WatchedDialogs final : public BatchDialogs {
  public:
   explicit WatchedDialogs(BatchDialogs& inner) : inner_(inner) {}
@@ -50,7 +50,14 @@ class WatchedDialogs final : public BatchDialogs {
   std::optional<ModifiedBatchChoice> ShowSaveModifiedBatch(Session& session, const BatchRecord& record) override {
     return inner_.ShowSaveModifiedBatch(session, record);
   }
+  bool ShowShortStock(Session& session, const std::vector<ShortStock>& lines) override {
+    const bool goesOn = inner_.ShowShortStock(session, lines);
+    const auto inLots = std::ranges::find_if(lines, [](const ShortStock& line) { return line.inLots > 0; });
+    if (!goesOn && inLots != lines.end()) lotsOfRow = static_cast<int>(inLots->row);
+    return goesOn;
+  }
   bool toLotNumber = false;
+  std::optional<int> lotsOfRow;
 
  private:
   BatchDialogs& inner_;
@@ -146,6 +153,7 @@ void BatchForm::Show() {
   const BatchWork& work = record_.work;
   if (!EqualNoCase(name_->Text(), work.Color_Name)) name_->SetText(work.Color_Name);
   name_->setReadOnly(record_.state == BatchState::Edit);
+  quantity_->setReadOnly(!TakesChanges(session, record_));
   if (quantity_->Text() != work.QuantityText) quantity_->SetText(work.QuantityText);
   unit_->setCurrentIndex(work.UMF - 1);
   batchNo_->SetText(BatchNoText(record_.BatchNo));
@@ -249,10 +257,20 @@ void BatchForm::Go(const Act& act) {
     return;
   }
   if (!*gone) {
-    if (dialogs.toLotNumber) FocusField("LotNumber");
+    if (dialogs.toLotNumber) FocusLotReminder();
+    if (dialogs.lotsOfRow) LotsClicked(*dialogs.lotsOfRow);
     return;
   }
   ShowArrived();
+}
+
+// What the reminder missed: the number of the lot that is made, or the lots of a line.
+void BatchForm::FocusLotReminder() {
+  if (record_.fields.LotNumber.empty()) {
+    FocusField("LotNumber");
+  } else {
+    FocusNextLot(0);
+  }
 }
 
 void BatchForm::ShowArrived() {
@@ -319,7 +337,8 @@ bool BatchForm::MayClose() {
     const Result<bool> gone = CloseBatch(session, record_, dialogs);
     if (!gone || !*gone) Show();
     if (!Took(gone)) return false;
-    if (!*gone && dialogs.toLotNumber) FocusField("LotNumber");
+    if (!*gone && dialogs.toLotNumber) FocusLotReminder();
+    if (!*gone && dialogs.lotsOfRow) LotsClicked(*dialogs.lotsOfRow);
     return *gone;
   } catch (const Failure& failure) {
     // The window stays, and with it the Batch whose ingredients it holds.

@@ -73,6 +73,7 @@ class BatchForm : public Window {
   /// Saves and clears the Batch, then opens the window of stock on that colour.
   void SaveThenAdjustInventory(ColorKind kind, const std::string& name);
   void FocusNextLot(std::size_t from);
+  void FocusLotReminder();
 
   void Calculate(bool recycle);
   void FocusAfterCalculation();

@@ -14,6 +14,7 @@
 #include "core/batch/bench.h"
 #include "core/colors/name_search.h"
 #include "desktop/batch/batch_form.h"
+#include "desktop/batch/batch_form_took.h"
 #include "desktop/batch/figures_panel.h"
 #include "desktop/batch/flow_layout.h"
 #include "desktop/batch/job_panel.h"
@@ -195,7 +196,7 @@ void BatchForm::Listen() {
   connect(find, &QShortcut::activated, this, [this] { FocusField("txtBatchNo"); });
   connect(complete_, &QCheckBox::clicked, this, [this](bool checked) {
     record_.Complete = checked;
-    Changed();
+    Show();
   });
   connect(rows_, &RowsPanel::AmountClicked, this, &BatchForm::AmountClicked);
   connect(rows_, &RowsPanel::NameClicked, this, &BatchForm::NameClicked);
@@ -209,7 +210,7 @@ void BatchForm::Listen() {
   connect(recycleList_, &RecyclePanel::ViewChanged, this, [this] { recycleList_->Show(record_.work); });
   connect(job_, &JobPanel::Edited, this, [this] { Changed(); });
   connect(job_, &JobPanel::SplitClicked, this, [this] {
-    if (!FieldsEntered()) return;
+    if (!FieldsEntered() || !Took(CheckEditable(session, record_))) return;
     windows.RunDialog("JobItemsForm", {{"Record", &record_}});
     Show();
     FocusField("JobNumber");

@@ -6,13 +6,8 @@ namespace vellumark::desktop {
 
 template <class T>
 bool BatchForm::Took(const Result<T>& result) {
-  if (result) return true;
-  if (result.error().text.empty()) {
-    FocusField(result.error().field);
-  } else {
-    ShowRefusal(result.error());
-  }
-  return false;
+  if (!result) ShowRefusal(result.error());
+  return result.has_value();
 }
 
 }  // namespace vellumark::desktop

@@ -11,6 +11,7 @@ class BatchWindowDialogs final : public BatchDialogs {
   explicit BatchWindowDialogs(WindowList& windows) : windows_(windows) {}
   LotReminderAnswer ShowLotNumReminder() override;
   std::optional<ModifiedBatchChoice> ShowSaveModifiedBatch(Session& session, const BatchRecord& record) override;
+  bool ShowShortStock(Session& session, const std::vector<ShortStock>& lines) override;
 
  private:
   WindowList& windows_;

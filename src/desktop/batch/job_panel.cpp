@@ -6,6 +6,7 @@
 
 #include "core/base/text.h"
 #include "core/base/units.h"
+#include "core/batch/bench.h"
 #include "core/batch/jobs.h"
 #include "desktop/batch/cell_button.h"
 #include "desktop/kit/look.h"
@@ -81,7 +82,8 @@ void JobPanel::Listen() {
           [this] { host_.session.prompt.Tell("", ReturnedRuleText(), vellumark::Icon::Information); });
   const auto keeps = [this](TextField* field, std::string BatchFields::*place) {
     connect(field, &QLineEdit::textChanged, this, [this, field, place] {
-      if (!showing_) record_.fields.*place = field->Text();
+      if (showing_) return;
+      if (const auto entered = EnterBatchText(host_.session, record_, place, field->Text()); !entered) Done(entered);
     });
   };
   keeps(lot_, &BatchFields::LotNumber);
@@ -94,21 +96,27 @@ void JobPanel::Show() {
   const bool open = record_.state != BatchState::None;
   const bool isSplit = record_.jobs.size() > 1;
   const QString unit = Q(UnitName(record_.work.UMF));
+  const bool fixed = !TakesChanges(host_.session, record_);
   job_->SetText(record_.JobNumber());
-  job_->setReadOnly(isSplit);
+  job_->setReadOnly(isSplit || fixed);
   used_->SetText(record_.QtyUsedText());
-  used_->setReadOnly(isSplit);
+  used_->setReadOnly(isSplit || fixed);
   usedUnit_->setText(open ? unit : QString());
   returnedUnit_->setText(open ? unit : QString());
   returns_->setChecked(record_.ReturnToInventory || !record_.jobs.empty());
   returned_->setText(open ? Q(record_.ReturnedText()) : QString());
-  lot_->SetText(record_.fields.LotNumber);
-  location_->SetText(record_.fields.LotLoc);
-  container_->SetText(record_.fields.LotContID);
+  const auto show = [fixed](TextField* field, const std::string& text) {
+    if (field->Text() != text) field->SetText(text);
+    field->setReadOnly(fixed);
+  };
+  show(lot_, record_.fields.LotNumber);
+  show(location_, record_.fields.LotLoc);
+  show(container_, record_.fields.LotContID);
   for (QWidget* cell : lotCells_) cell->setVisible(host_.session.InvLotTracking != 0);
   for (QWidget* cell :
        std::initializer_list<QWidget*>{job_, used_, split_, returns_, returned_, lot_, location_, container_})
     cell->setEnabled(open);
+  for (QWidget* cell : std::initializer_list<QWidget*>{split_, returns_}) cell->setEnabled(open && !fixed);
   showing_ = false;
 }
 
@@ -152,7 +160,7 @@ bool JobPanel::eventFilter(QObject* watched, QEvent* event) {
   if (event->type() == QEvent::FocusIn && job_->Text() != record_.JobNumber() && EnterJob())
     QMetaObject::invokeMethod(used_, &QLineEdit::selectAll, Qt::QueuedConnection);
   if (event->type() != QEvent::KeyPress) return false;
-  if (!Changes(*static_cast<QKeyEvent*>(event))) return false;
+  if (!Changes(*static_cast<QKeyEvent*>(event)) || !TakesChanges(host_.session, record_)) return false;
   const Result<void> allowed = CheckQtyUsedKey(record_);
   if (allowed) return false;
   host_.ShowRefusal(allowed.error());

@@ -1,5 +1,6 @@
 #include "desktop/batch/notes_panel.h"
 
+#include "core/batch/bench.h"
 #include "core/batch/more_data.h"
 #include "desktop/kit/window_list.h"
 
@@ -17,15 +18,17 @@ NotesPanel::NotesPanel(FormHost& host, BatchRecord& record) : host_(host), recor
   form.Row(tr("Formula notes"), formulaNotes_ = form.Note("txtFormulaNotes", 2));
   formulaNotes_->setReadOnly(true);
   formulaNotes_->setToolTip(tr("The notes of the Master Formula; they are changed in its own window"));
-  connect(shortNote_, &QLineEdit::textChanged, this, [this] {
-    if (!showing_) record_.fields.ShortNote = shortNote_->Text();
-  });
-  connect(notes_, &QPlainTextEdit::textChanged, this, [this] {
-    if (!showing_) record_.fields.Notes = notes_->Text();
-  });
-  connect(ingNotes_, &QPlainTextEdit::textChanged, this, [this] {
-    if (!showing_) record_.fields.IngNotes = ingNotes_->Text();
-  });
+  connect(shortNote_, &QLineEdit::textChanged, this, [this] { Keep(&BatchFields::ShortNote, shortNote_->Text()); });
+  connect(notes_, &QPlainTextEdit::textChanged, this, [this] { Keep(&BatchFields::Notes, notes_->Text()); });
+  connect(ingNotes_, &QPlainTextEdit::textChanged, this, [this] { Keep(&BatchFields::IngNotes, ingNotes_->Text()); });
+}
+
+void NotesPanel::Keep(std::string BatchFields::*field, std::string text) {
+  if (showing_) return;
+  const Result<void> entered = EnterBatchText(host_.session, record_, field, std::move(text));
+  if (entered) return;
+  Show();
+  host_.ShowRefusal(entered.error());
 }
 
 void NotesPanel::Show() {
@@ -36,6 +39,10 @@ void NotesPanel::Show() {
   if (ingNotes_->Text() != record_.fields.IngNotes) ingNotes_->SetText(record_.fields.IngNotes);
   if (formulaNotes_->Text() != record_.work.formula.Notes) formulaNotes_->SetText(record_.work.formula.Notes);
   const bool open = record_.state != BatchState::None;
+  const bool fixed = !TakesChanges(host_.session, record_);
+  shortNote_->setReadOnly(fixed);
+  notes_->setReadOnly(fixed);
+  ingNotes_->setReadOnly(fixed);
   shortNote_->setEnabled(open);
   notes_->setEnabled(open);
   ingNotes_->setEnabled(open);

@@ -19,6 +19,8 @@ class NotesPanel : public QWidget {
   void MoreDataClicked();
 
  private:
+  void Keep(std::string BatchFields::*field, std::string text);
+
   FormHost& host_;
   BatchRecord& record_;
   bool showing_ = false;

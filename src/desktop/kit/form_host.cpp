@@ -66,6 +66,11 @@ Field* FormHost::FindField(std::string_view name) const {
 }
 
 void FormHost::ShowRefusal(const Refusal& refusal) {
+  // One without a text was told already, by a question that was answered with No.
+  if (refusal.text.empty()) {
+    FocusField(refusal.field);
+    return;
+  }
   session.prompt.Tell(refusal.title, refusal.text);
   Field* field = FindField(refusal.field);
   if (field != nullptr) field->SetFault(Q(refusal.text));

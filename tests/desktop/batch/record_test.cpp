@@ -16,6 +16,7 @@
 #include "core/batch/record.h"
 #include "core/colors/rename.h"
 #include "core/inventory/lot_selection.h"
+#include "desktop/inventory/register.h"
 #include "desktop/kit/window.h"
 
 namespace vellumark::test {
@@ -435,6 +436,99 @@ TEST_F(BatchRecordTest, GuardsOfASavedBatch) {
 
   prompt.Expect("Batch Not Found");
   Go("77");
+}
+
+// What could not be kept is not taken: the fields of a Batch that is complete, or whose formula was changed since, are
+// read-only; those of an earlier day ask first.
+TEST_F(BatchRecordTest, FieldsOfABatchThatTakesNoChangeAreReadOnly) {
+  HaveTarget();
+  session.support->settings.AppendSupportValue("BatchComplete", "1");
+  Setting("InvLotTracking", "1");
+  Setting("BatchLotNumReminder", "0");
+  Open();
+  Make("TARGET", "10", Qt::Key_F3);
+  prompt.Expect("Batch Completion State            ", Answer::No);
+  Save();
+  const std::map<std::string, const char*> lines{{"JobNumber", "job"},   {"txtQtyUsed", "3"},   {"LotNumber", "lot"},
+                                                 {"LotLocation", "shelf"}, {"LotContID", "box"}, {"txtShortNote", "n"},
+                                                 {"txtQuantity", "12"}};
+  const auto expectReadOnly = [&](bool readOnly) {
+    for (const auto& [name, typed] : lines) {
+      auto& field = Control<QLineEdit>(*form, name.c_str());
+      EXPECT_EQ(field.isReadOnly(), readOnly) << name;
+    }
+    for (const char* name : {"txtNotes", "txtIngNotes"})
+      EXPECT_EQ(Control<QPlainTextEdit>(*form, name).isReadOnly(), readOnly) << name;
+    for (const char* name : {"cmdSplitJobs", "chkReturnToInventory"}) EXPECT_EQ(IsOn(name), !readOnly) << name;
+  };
+  Go("1");
+  expectReadOnly(false);
+  Click(*form, "chkComplete");
+  expectReadOnly(true);
+  for (const auto& [name, typed] : lines) {
+    const std::string before = Text(name.c_str());
+    Control(*form, name.c_str()).setFocus();
+    TypeOn(typed);
+    EXPECT_EQ(Text(name.c_str()), before) << name;
+  }
+  Picture(*form, "batch-read-only");
+  Click(*form, "chkComplete");
+  expectReadOnly(false);
+
+  // Of an earlier day: the first key asks, and is taken back with No.
+  PressOn(Qt::Key_F12);
+  clock.Set({2026, 3, 11, 9, 0, 0});
+  Go("1");
+  prompt.Expect("Allow Editing?", Answer::No);
+  Fill(*form, "LotNumber", "L");
+  EXPECT_EQ(Text("LotNumber"), "");
+  prompt.Expect("Allow Editing?", Answer::Yes);
+  Fill(*form, "LotNumber", "L");
+  EXPECT_EQ(Text("LotNumber"), "L");
+  Fill(*form, "txtShortNote", "asked once");
+  prompt.Expect(kPad40 + "Cancel?", Answer::Yes);
+  Click(*form, "cmdCancel");
+
+  session.File().Execute("UPDATE INK_Mix SET Date_Entered = '2026-03-12 00:00:00' WHERE Color_Name = 'TARGET'");
+  Go("1");
+  expectReadOnly(true);
+  Click(*form, "cmdCancel");
+}
+
+// All of the red lies in a lot: before the save the operator hears that there is none beside it, and is led there.
+TEST_F(BatchRecordTest, StockThatIsShortLeadsToTheLots) {
+  HaveTarget();
+  desktop::RegisterInventoryWindows(windows);
+  Setting("AllowNegInv", "0");
+  Setting("InvLotTracking", "1");
+  Setting("BatchLotNumReminder", "0");
+  HaveStock(ColorKind::Basic, 0);
+  AddRow(schema::BasicLotInv, {{"LotRefID", 1}, {"LotCName", "RED"}, {"LotNumber", "L1"}, {"LotQty", 171.25F}});
+  Open();
+  Make("TARGET", "10", Qt::Key_F3);
+  const std::string title = "Batch Window - Inventory Too Low";
+  const std::string text =
+      "The Batch takes more from inventory than is there:\n\n"
+      "RED: 6.000 lb. needed, 0.000 in Unlotted Inv., 171.250 in lots not chosen\n\n"
+      "Only what is there is taken.\n\nChoose lots before the Batch is saved?";
+  prompt.Expect(title, Answer::Yes, text);
+  InDialog([&] { Save(); },
+           [&](QWidget& selector) {
+             EXPECT_EQ(selector.objectName(), "BatchLotInvSelector");
+             prompt.Expect("Cancel Without Saving Changes?", Answer::Yes);
+             Click(selector, "cmdCancel");
+           });
+  EXPECT_EQ(Batches(), 0);
+  EXPECT_EQ(Rows().size(), 2U);
+  prompt.Expect(title, Answer::No, text);
+  Save();
+  EXPECT_EQ(Batches(), 1);
+  Go("1");
+  prompt.Expect("Batch Window - Delete Batch?", Answer::Yes);
+  prompt.Expect("Batch Window - Update Inventories?", Answer::Yes);
+  PressOn(Qt::Key_D, Qt::ControlModifier);
+  EXPECT_EQ(BasicStock("RED"), 0);
+  EXPECT_EQ(Scalar("SELECT LotQty FROM INK_Basic_LotInv").Number(), 171.25);
 }
 
 TEST_F(BatchRecordTest, DeletingReturnsTheIngredientsOrNot) {
