@@ -53,16 +53,17 @@ TEST(StruckBatch, IsAsItWasOrDone) {
     ASSERT_EQ(shop.Run(words).status, 0);
     const std::string after = shop.Rows();
     ASSERT_NE(before, after);
-    for (const bool stays : {false, true}) {
+    for (const test::Strike strike : {test::Strike::Once, test::Strike::FromThereOn}) {
+      const std::string how = strike == test::Strike::Once ? "" : ", for good";
       int points = 0;
       for (int nth = 1;; ++nth) {
         shop.Restore();
         const test::StruckRun run = test::RunStruck(
-            nth, EIO, [&]() -> int { shop.Become(words, "/dev/null", test::MarkStep); }, stays);
+            nth, EIO, [&]() -> int { shop.Become(words, "/dev/null", test::MarkStep); }, strike);
         if (!run.struck) break;
         ++points;
-        ASSERT_TRUE(run.status == 0 || run.status == 4) << run.status << " at " << nth << (stays ? ", for good" : "");
-        ASSERT_EQ(shop.Rows(), run.status == 0 ? after : before) << " at " << nth << (stays ? ", for good" : "");
+        ASSERT_TRUE(run.status == 0 || run.status == 4) << run.status << " at " << nth << how;
+        ASSERT_EQ(shop.Rows(), run.status == 0 ? after : before) << " at " << nth << how;
       }
       EXPECT_GT(points, 20);
     }
