@@ -77,7 +77,7 @@ void OpenHeld(LifeRoom& room, Held held) {
   room.Setting("Overpour", "1");
   room.Mixed("PINK", "40");
   ASSERT_TRUE(EnterJobNumber(room.session, room.record, "J1"));
-  if (held == Held::Completed) room.prompt.Expect("Batch Completion State", Answer::Yes);
+  if (held == Held::Completed) room.prompt.Expect("Batch Completion State            ", Answer::Yes);
   room.Save();
   if (held == Held::ANo) room.session.File().Execute("UPDATE INK_Batch SET Date_Entered = '2026-03-09 10:00:00'");
   if (held == Held::FormulaChanged) room.session.File().Execute("UPDATE INK_Mix SET Date_Entered = '2026-03-11 10:00:00'");

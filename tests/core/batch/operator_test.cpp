@@ -79,6 +79,7 @@ class Model {
     openNo = number;
     held.clear();
     for (const auto& [place, quantity] : batches.at(number).takings) {
+      if (quantity == 0) continue;
       const auto before = At(place);
       if (quantity > 0) {
         Put(place, quantity);
