@@ -359,7 +359,8 @@ TEST(CliBatch, AnEditOfLotsReplacesThem) {
   shop.Json({"batch", "save", "--formula", "TARGET", "--quantity", "50", "--mix", "--lot", "RED=A:30"});
   const auto lots = [&] {
     std::map<std::string, float> held;
-    for (const auto& lot : shop.Json({"stock", "show", "RED"})[0]["lots"]) held[lot["LotNumber"]] = lot["LotQty"];
+    const auto stock = shop.Json({"stock", "show", "RED"});
+    for (const auto& lot : stock[0]["lots"]) held[lot["LotNumber"]] = lot["LotQty"];
     return held;
   };
   using Held = std::map<std::string, float>;
