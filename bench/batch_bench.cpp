@@ -8,7 +8,7 @@
 #include "core/batch/bench.h"
 #include "core/batch/leave.h"
 #include "core/batch/open.h"
-#include "core/batch/store.h"
+#include "core/batch/saving.h"
 #include "large_room.h"
 
 namespace vellumark::bench {
@@ -65,7 +65,7 @@ void SaveOurs(benchmark::State& state) {
     state.PauseTiming();
     BatchRecord record = room.Calculated();
     state.ResumeTiming();
-    const auto stored = StoreBatch(room.session, record, dialogs);
+    const auto stored = StoreBatch(room.session, record, dialogs, AfterStore{});
     if (!stored || *stored != SaveEnd::Stored) state.SkipWithError("the Batch was not stored");
   }
 }
@@ -105,7 +105,7 @@ void SaveRaw(benchmark::State& state) {
   Database& file = room.session.File();
   NoBatchDialogs dialogs;
   BatchRecord first = room.Calculated();  // makes the table of the history
-  if (!StoreBatch(room.session, first, dialogs)) state.SkipWithError("the Batch was not stored");
+  if (!StoreBatch(room.session, first, dialogs, AfterStore{})) state.SkipWithError("the Batch was not stored");
   Statement begin = file.Prepare("BEGIN IMMEDIATE");
   Statement commit = file.Prepare("COMMIT");
   Statement batch = file.Prepare(BatchRowSql());
