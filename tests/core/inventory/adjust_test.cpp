@@ -487,6 +487,7 @@ TEST(AdjustSave, PricesNeedTheRightToChangeCosts) {
     StockRoom room;
     room.Color(kBasic, "RED", 0);
     room.Lot(kBasic, "RED", 1, 10, {{"LotNumber", "A"}, {"LotPrice", 1.5F}});
+    room.session.CurrentUser = "JO";
     room.session.Perm_Costs = static_cast<std::uint8_t>(right);
     InventoryWork work = LoadInventory(room.session, kBasic, "RED");
     const auto adjust = [&](float price) {

@@ -161,6 +161,7 @@ TEST_F(ResetRoom, PricesNeedTheRightToChangeCosts) {
   Lot(ColorKind::Basic, "PRICED", 1, 10);
   InventoryWork work = LoadInventory(session, ColorKind::Basic, "PRICED");
   for (const int right : {0, 1}) {
+    session.CurrentUser = "JO";
     session.Perm_Costs = static_cast<std::uint8_t>(right);
     const auto done = ResetRowPrices(session, work, {1}, 7);
     ASSERT_FALSE(done) << right;
