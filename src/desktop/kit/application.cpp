@@ -6,6 +6,20 @@
 #include "desktop/kit/message_prompt.h"
 
 namespace vellumark::desktop {
+namespace {
+
+// A message or a dialog has come up, and the platform has not given it the keys yet: what is behind it takes none, else
+// Ctrl+F4 closes the window that asks.
+bool IsBehindModal(const QObject& receiver) {
+  const QWidget* modal = QApplication::activeModalWidget();
+  if (modal == nullptr) return false;
+  const QObject* at = &receiver;
+  while (at != nullptr && !at->isWidgetType()) at = at->parent();
+  const auto* widget = static_cast<const QWidget*>(at);
+  return widget != nullptr && widget != modal && !modal->isAncestorOf(widget);
+}
+
+}  // namespace
 
 Application::Application(int& argc, char** argv) : QApplication(argc, argv) {
   setApplicationName("vellumark");
@@ -21,6 +35,7 @@ Application::Application(int& argc, char** argv) : QApplication(argc, argv) {
 
 bool Application::notify(QObject* receiver, QEvent* event) {
   try {
+    if (event->type() == QEvent::Shortcut && IsBehindModal(*receiver)) return true;
     return QApplication::notify(receiver, event);
   } catch (const std::exception& failure) {
     Report(failure);

@@ -204,11 +204,14 @@ Answer MessagePrompt::Show(const Message& message) {
   }
   const bool waiting = QApplication::overrideCursor() != nullptr;
   if (waiting) QApplication::setOverrideCursor(Qt::ArrowCursor);
-  MessageDialog dialog(message, owner);
-  dialog.exec();
+  // Whoever owns it may go while it stands there, and takes it along.
+  const QPointer<MessageDialog> dialog = new MessageDialog(message, owner);
+  dialog->exec();
+  const Answer chosen = dialog == nullptr ? Declined(message.buttons) : dialog->Chosen();
+  delete dialog;
   TakeBack(owner);
   if (waiting) QApplication::restoreOverrideCursor();
-  return dialog.Chosen();
+  return chosen;
 }
 
 }  // namespace vellumark::desktop

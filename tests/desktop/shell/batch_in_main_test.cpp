@@ -12,6 +12,7 @@
 #include "core/session/users.h"
 #include "desktop/batch/register.h"
 #include "desktop/inventory/register.h"
+#include "desktop/kit/message_prompt.h"
 #include "desktop/kit/text.h"
 #include "desktop/session/register.h"
 #include "desktop/shell/main_form.h"
@@ -106,6 +107,26 @@ TEST_F(BatchInMainTest, AWindowIsMadeWhereItStands) {
   EXPECT_TRUE(main.isAncestorOf(&window));
   EXPECT_TRUE(window.isVisible());
   EXPECT_EQ(window.moves, 0);
+}
+
+// The platform activates a message a moment after it has come up; what is typed in between goes to nobody.
+TEST_F(BatchInMainTest, AMessageKeepsTheKeysFromTheWindowBehindAtOnce) {
+  desktop::MainForm main(windows);
+  ShowActive(main);
+  windows.OpenForm("BatchForm");
+  Settle();
+  desktop::MessagePrompt messages;
+  WithModal([&] { messages.Tell("Batch", "It stands."); },
+            [&](QWidget& message) {
+              QApplication::setActiveWindow(&main);
+              QTest::keyClick(&main, Qt::Key_F4, Qt::ControlModifier);
+              EXPECT_TRUE(windows.IsFormOpen("BatchForm"));
+              QApplication::setActiveWindow(&message);
+              Click(message, "cmdOK");
+            });
+  EXPECT_TRUE(windows.IsFormOpen("BatchForm"));
+  QTest::keyClick(&main, Qt::Key_F4, Qt::ControlModifier);
+  EXPECT_FALSE(windows.IsFormOpen("BatchForm"));
 }
 
 // Whoever saves looks at the start page next, also in a room of 100,000 formulas whose names came in no order.
