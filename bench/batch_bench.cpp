@@ -20,7 +20,7 @@ constexpr int kLines = kIngredients + kAdditions;
 
 // Twenty basics with a lot each, and a formula of fourteen of them.
 struct BatchRoom : LargeRoom {
-  BatchRoom() : LargeRoom(1000) {
+  explicit BatchRoom(const std::filesystem::path& place = OrdinaryDisk()) : LargeRoom(1000, place) {
     SetSupportValue(session, "BatchLotNumReminder", "0");
     Transaction transaction(session.File());
     std::vector<Cell> cells{{"Color_Name", "HOUSE GREY"}, {"Color_Code", "H"}, {"Inventory", 0.0F}, {"LotRefID", 0}};
@@ -58,8 +58,8 @@ struct BatchRoom : LargeRoom {
 
 // ---- batch_save: a Batch of twenty lines out of twenty lots
 
-void SaveOurs(benchmark::State& state) {
-  static BatchRoom room;
+void SaveOurs(benchmark::State& state, const std::filesystem::path& place) {
+  BatchRoom room(place);
   NoBatchDialogs dialogs;
   for (auto unused : state) {
     state.PauseTiming();
@@ -69,7 +69,14 @@ void SaveOurs(benchmark::State& state) {
     if (!stored || *stored != SaveEnd::Stored) state.SkipWithError("the Batch was not stored");
   }
 }
-BENCHMARK(SaveOurs)->Name("batch_save/ours")->Unit(benchmark::kMillisecond)->Iterations(40);
+BENCHMARK_CAPTURE(SaveOurs, disk, OrdinaryDisk())
+    ->Name("batch_save/ours")
+    ->Unit(benchmark::kMillisecond)
+    ->Iterations(40);
+BENCHMARK_CAPTURE(SaveOurs, memory, kMemoryDisk)
+    ->Name("batch_save_memory/ours")
+    ->Unit(benchmark::kMillisecond)
+    ->Iterations(40);
 
 constexpr const char* kHistory =
     "INSERT INTO MSysStockHistory (Moment, Username, Source, Kind, Database, Color_Name, LotRefID, LotNumber, Change, "
@@ -100,8 +107,8 @@ void BindBatchRow(Statement& row, const BatchRoom& room, int number) {
   }
 }
 
-void SaveRaw(benchmark::State& state) {
-  static BatchRoom room;
+void SaveRaw(benchmark::State& state, const std::filesystem::path& place) {
+  BatchRoom room(place);
   Database& file = room.session.File();
   NoBatchDialogs dialogs;
   BatchRecord first = room.Calculated();  // makes the table of the history
@@ -140,7 +147,11 @@ void SaveRaw(benchmark::State& state) {
     commit.Run();
   }
 }
-BENCHMARK(SaveRaw)->Name("batch_save/raw")->Unit(benchmark::kMillisecond)->Iterations(40);
+BENCHMARK_CAPTURE(SaveRaw, disk, OrdinaryDisk())->Name("batch_save/raw")->Unit(benchmark::kMillisecond)->Iterations(40);
+BENCHMARK_CAPTURE(SaveRaw, memory, kMemoryDisk)
+    ->Name("batch_save_memory/raw")
+    ->Unit(benchmark::kMillisecond)
+    ->Iterations(40);
 
 // ---- batch_next: from Batch to Batch over 100,000 of them
 

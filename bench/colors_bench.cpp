@@ -142,10 +142,7 @@ void ModifierWindowsOurs(benchmark::State& state) {
     if (shown != add) state.SkipWithError("the window does not show the recipe as it is");
   }
 }
-BENCHMARK(ModifierWindowsOurs)
-    ->Name("modifier_windows_10k/ours")
-    ->Unit(benchmark::kMillisecond)
-    ->Iterations(kTurns);
+BENCHMARK(ModifierWindowsOurs)->Name("modifier_windows_10k/ours")->Unit(benchmark::kMillisecond)->Iterations(kTurns);
 
 void ModifierWindowsRaw(benchmark::State& state) {
   Raw(state, &ToolRoom::Modify);

@@ -14,6 +14,7 @@
 #include "core/inventory/adjust.h"
 #include "core/shell/opening.h"
 #include "large_room.h"
+#include "recyclable.h"
 
 namespace vellumark::bench {
 namespace {
@@ -29,34 +30,49 @@ BatchWork RecipeOf(Session& session, const std::string& name) {
   return work;
 }
 
-// A different formula each time, so that no answer is a remembered one.
-std::string NthFormula(std::int64_t n) {
-  return "SPOT COLOUR " + std::to_string(n * 7919 % 100000);
-}
-
 void RecycleOurs(benchmark::State& state) {
   LargeRoom& room = Room100k();
   PeakMemory::Reset();
-  std::int64_t n = 0;
+  int n = 0;
+  std::size_t inStock = 0;
   for (auto unused : state) {
     state.PauseTiming();
-    BatchWork work = RecipeOf(room.session, NthFormula(n++));
+    // A different formula each time, so that no answer is a remembered one.
+    const std::string name = room.FormulaName(n++ % LargeRoom::kHouseShades);
+    BatchWork work = RecipeOf(room.session, name);
     state.ResumeTiming();
     BuildRecycleList(room.session, work);
     AutoRecycle(room.session, work);
     benchmark::DoNotOptimize(work.RecycledColors.data());
+    state.PauseTiming();
+    const Recyclable all = ReadRecyclable(room, name);
+    inStock += all.inStock;
+    std::vector<std::int64_t> found;
+    for (const RecycleColor& color : work.FormulaRecycleList) found.push_back(color.rowId);
+    std::ranges::sort(found);
+    if (found != all.rows) state.SkipWithError("other inks were found than can be recycled");
+    if (std::ranges::count_if(work.FormulaRecycleList, [](const auto& color) { return color.Inventory > 0; }) !=
+        static_cast<std::ptrdiff_t>(all.inStock))
+      state.SkipWithError("other stock was found than there is");
+    state.ResumeTiming();
   }
   state.counters["peak_mb"] = PeakMemory::Mb();
+  state.counters["in_stock"] = static_cast<double>(inStock) / n;
 }
-BENCHMARK(RecycleOurs)->Name("recycle_100k/ours")->Unit(benchmark::kMillisecond)->Iterations(40);
+BENCHMARK(RecycleOurs)->Name("recycle_100k/ours")->Unit(benchmark::kMillisecond)->Iterations(20);
 
+// The engine walks over the index that holds the sets, each of which is compared.
 void RecycleRaw(benchmark::State& state) {
   LargeRoom& room = Room100k();
+  int n = 0;
   for (auto unused : state) {
-    Statement rows = room.session.File().Prepare("SELECT Color_Name, Color_Set FROM INK_Mix");
-    std::size_t bytes = 0;
-    while (rows.Step()) bytes += rows.TextView(0).size() + rows.TextView(1).size();
-    benchmark::DoNotOptimize(bytes);
+    state.PauseTiming();
+    const std::string name = room.FormulaName(n++ % LargeRoom::kHouseShades);
+    state.ResumeTiming();
+    const std::vector<std::int64_t> found = ScanForRecyclable(room, name);
+    state.PauseTiming();
+    if (found != ReadRecyclable(room, name).rows) state.SkipWithError("the scan found other inks than there are");
+    state.ResumeTiming();
   }
 }
 BENCHMARK(RecycleRaw)->Name("recycle_100k/raw")->Unit(benchmark::kMillisecond)->Iterations(20);
@@ -163,13 +179,6 @@ class NoWindows final : public OpeningWindows {
   void ShutdownBackup(Session&, const std::string&) override {}
 };
 
-// The large file, closed for as long as this lasts.
-struct ClosedRoom {
-  ClosedRoom() { room.session.DataFileDB.reset(); }
-  ~ClosedRoom() { room.session.DataFileDB = Database::Open(room.path, OpenMode::Exclusive); }
-  LargeRoom& room = Room100k();
-};
-
 void OpenOurs(benchmark::State& state) {
   const ClosedRoom closed;
   NoWindows windows;
@@ -202,11 +211,11 @@ BENCHMARK(OpenRaw)->Name("open_100k/raw")->Unit(benchmark::kMillisecond)->Iterat
 
 constexpr int kPostings = 1000;
 
-void PostOurs(benchmark::State& state) {
-  static LargeRoom room(1000);
+void PostOurs(benchmark::State& state, const std::filesystem::path& place) {
+  LargeRoom room(1000, place);
   for (auto unused : state) {
     for (int i = 0; i < kPostings; ++i) {
-      InventoryWork work = LoadInventory(room.session, ColorKind::Basic, "BASIC INK " + std::to_string(i % 60));
+      InventoryWork work = LoadInventory(room.session, ColorKind::Basic, room.maker.BasicName(i % 60));
       AdjustFields fields = ClearedFields(room.session, work);
       fields.quantity = 1.125F;
       if (!ApplyAdjust(room.session, work, fields) || !SaveInventory(room.session, work))
@@ -214,23 +223,27 @@ void PostOurs(benchmark::State& state) {
     }
   }
 }
-BENCHMARK(PostOurs)->Name("post_1k/ours")->Unit(benchmark::kMillisecond)->Iterations(3);
+BENCHMARK_CAPTURE(PostOurs, disk, OrdinaryDisk())->Name("post_1k/ours")->Unit(benchmark::kMillisecond)->Iterations(3);
+BENCHMARK_CAPTURE(PostOurs, memory, kMemoryDisk)
+    ->Name("post_1k_memory/ours")
+    ->Unit(benchmark::kMillisecond)
+    ->Iterations(3);
 
 // The same rows with the same durability: the stock and its line in the history.
-void PostRaw(benchmark::State& state) {
-  static LargeRoom room(1000);
+void PostRaw(benchmark::State& state, const std::filesystem::path& place) {
+  LargeRoom room(1000, place);
   Database& file = room.session.File();
   Statement begin = file.Prepare("BEGIN IMMEDIATE");
   Statement commit = file.Prepare("COMMIT");
   Statement stock = file.Prepare("UPDATE INK_Basic SET Inventory = Inventory + 1.125 WHERE Color_Name = ?1");
   Statement line = file.Prepare(
       "INSERT INTO MSysStockHistory (Moment, Username, Source, Kind, Database, Color_Name, LotRefID, LotNumber, "
-      "Change, "
-      "Result, Document, Reason) SELECT '2026-03-10 12:00:00', '', 7, 1, 'INK', Color_Name, 0, '', 1.125, Inventory, "
+      "Change, Result, Document, Reason) SELECT '2026-03-10 12:00:00', '', 7, 1, 'INK', Color_Name, 0, '', 1.125, "
+      "Inventory, "
       "'', '' FROM INK_Basic WHERE Color_Name = ?1");
   for (auto unused : state) {
     for (int i = 0; i < kPostings; ++i) {
-      const std::string name = "BASIC INK " + std::to_string(i % 60);
+      const std::string name = room.maker.BasicName(i % 60);
       begin.Run();
       stock.Bind(1, name).Run();
       line.Bind(1, name).Run();
@@ -238,7 +251,11 @@ void PostRaw(benchmark::State& state) {
     }
   }
 }
-BENCHMARK(PostRaw)->Name("post_1k/raw")->Unit(benchmark::kMillisecond)->Iterations(3);
+BENCHMARK_CAPTURE(PostRaw, disk, OrdinaryDisk())->Name("post_1k/raw")->Unit(benchmark::kMillisecond)->Iterations(3);
+BENCHMARK_CAPTURE(PostRaw, memory, kMemoryDisk)
+    ->Name("post_1k_memory/raw")
+    ->Unit(benchmark::kMillisecond)
+    ->Iterations(3);
 
 // ---- lots_50k: a colour with 50,000 lots is opened
 
