@@ -88,11 +88,15 @@ AdditiveSetPanel::AdditiveSetPanel(FormHost& host, Form form) : QObject(&host.Se
     part->setObjectName(name);
     part->setProperty("flush", true);
     pages_->addWidget(part);
-    return Form(host, *part);
+    return part;
   };
-  BuildChosen(page("FrameAdditiveSet"));
-  BuildView(page("FrameViewSetDetail"));
-  new_ = new NewAdditiveSetPanel(host, page("FrameCreateNewAddSet"));
+  BuildChosen(Form(host, *page("FrameAdditiveSet")));
+  new_ = new NewAdditiveSetPanel(host);
+  auto* view = page("FrameViewSetDetail");
+  host.AddLate(*view, *create_, [this, view] { BuildView(Form(host_, *view)); });
+  auto* create = page("FrameCreateNewAddSet");
+  host.AddLate(*create, *create_, [this, create] { new_->Build(Form(host_, *create)); });
+  connect(pages_, &QStackedWidget::currentChanged, this, [this] { host_.BuildLate(*pages_->currentWidget()); });
   Refresh();
 }
 
@@ -141,6 +145,7 @@ void AdditiveSetPanel::BuildView(Form form) {
     ShowChosen();
     host_.FocusField("lstAdditiveSets");
   })});
+  FillView();
 }
 
 // ---- The sets
@@ -154,10 +159,7 @@ const AdditiveSet* AdditiveSetPanel::Find(const std::string& setName) const {
 void AdditiveSetPanel::FillLists() {
   std::vector<std::string> names;
   for (const AdditiveSet& set : sets_) names.push_back(set.SetName);
-  const std::string viewed = viewed_->Text();
-  viewed_->SetItems(names);
-  viewed_->SetText(viewed);
-  viewedDetail_->Show(Find(viewed_->Text()));
+  if (viewed_ != nullptr) FillView();
   names.insert(names.begin(), U8(tr("No Additive Set")));
   list_->SetItems(names);
   for (int i = 1; i < list_->count(); ++i) {
@@ -166,6 +168,15 @@ void AdditiveSetPanel::FillLists() {
       contents += QString("%1 %2 %\n").arg(Q(line.name), Q(Fixed(line.amount, kPercentDecimals)));
     list_->setItemData(i, contents.trimmed(), Qt::ToolTipRole);
   }
+}
+
+void AdditiveSetPanel::FillView() {
+  std::vector<std::string> names;
+  for (const AdditiveSet& set : sets_) names.push_back(set.SetName);
+  const std::string viewed = viewed_->Text();
+  viewed_->SetItems(names);
+  viewed_->SetText(viewed);
+  viewedDetail_->Show(Find(viewed));
 }
 
 void AdditiveSetPanel::Refresh() {

@@ -48,6 +48,7 @@ class AdditiveSetPanel : public QObject {
   void BuildView(Form form);
   const AdditiveSet* Find(const std::string& setName) const;
   void FillLists();
+  void FillView();
 
   FormHost& host_;
   std::vector<AdditiveSet> sets_;

@@ -41,8 +41,8 @@ BasicColorsForm::BasicColorsForm(WindowList& windowList)
   form.Row(tr("&Name"), {name_, ink_, state_ = form.Hint({}, "lblState"), low_});
   TabSet tabs = form.Tabs("TabBasic");
   BuildColorPage(tabs.Page(tr("Color"), "TabColor"));
-  inventory_ = new InventoryPanel(*this, tabs.Page(tr("Inventory"), "TabInventory"));
-  measurements_ = new MeasurementsPanel(*this, tabs.Page(tr("Measurements"), "TabLab"), ColorKind::Basic);
+  inventory_ = new InventoryPanel(*this, tabs);
+  measurements_ = new MeasurementsPanel(*this, tabs, ColorKind::Basic);
   form.Buttons({save_ = form.Button("cmdSave", tr("&Save")), cancel_ = form.Button("cmdCancel", tr("Cancel")),
                 form.Button("cmdPrevious", tr("Previous"), Qt::Key_PageUp),
                 form.Button("cmdNext", tr("Next"), Qt::Key_PageDown),

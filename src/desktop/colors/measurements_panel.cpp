@@ -55,8 +55,12 @@ class MeasurementsPanel::Source : public GridSource {
   Session& session_;
 };
 
-MeasurementsPanel::MeasurementsPanel(FormHost& host, Form form, ColorKind kind)
+MeasurementsPanel::MeasurementsPanel(FormHost& host, TabSet& tabs, ColorKind kind)
     : QObject(&host.Self()), host_(host), kind_(kind), source_(std::make_shared<Source>(host.session)) {
+  tabs.LatePage(tr("Measurements"), "TabLab", [this](Form form) { Build(form); });
+}
+
+void MeasurementsPanel::Build(Form form) {
   form.Heading(tr("New measurement"));
   BuildEntry(form);
   list_ = form.Table("fgLab");
@@ -76,6 +80,8 @@ MeasurementsPanel::MeasurementsPanel(FormHost& host, Form form, ColorKind kind)
   remove_ = form.Button("cmdDeleteLab", tr("Re&move from list"), [this] { Remove(); });
   form.ButtonsWithoutDefault({remove_});
   remove_->setEnabled(false);
+  if (shown_) FillDropDowns();
+  EmptyEntry();
   connect(list_, &Grid::Edited, this, &MeasurementsPanel::Changed);
   connect(list_, &Grid::CurrentRowChanged, this, [this](int row) { remove_->setEnabled(row >= 0); });
 }
@@ -114,10 +120,15 @@ void MeasurementsPanel::Load(std::string_view name) {
   shown_ = true;
   loaded_ = ReadLabReadings(host_.session, kind_, name);
   source_->readings = loaded_;
-  list_->Refresh();
-  remove_->setEnabled(list_->CurrentRow() >= 0);
+  if (!IsBuilt()) return;
+  ShowList();
   FillDropDowns();
   EmptyEntry();
+}
+
+void MeasurementsPanel::ShowList() {
+  list_->Refresh();
+  remove_->setEnabled(list_->CurrentRow() >= 0);
 }
 
 void MeasurementsPanel::Refresh(std::string_view name) {
@@ -125,15 +136,15 @@ void MeasurementsPanel::Refresh(std::string_view name) {
   loaded_ = ReadLabReadings(host_.session, kind_, name);
   if (changed) return;
   source_->readings = loaded_;
-  list_->Refresh();
+  if (IsBuilt()) list_->Refresh();
 }
 
 void MeasurementsPanel::Clear() {
   shown_ = false;
   loaded_.clear();
   source_->readings.clear();
-  list_->Refresh();
-  remove_->setEnabled(false);
+  if (!IsBuilt()) return;
+  ShowList();
   EmptyEntry();
 }
 
@@ -142,6 +153,7 @@ bool MeasurementsPanel::IsChanged() const {
 }
 
 bool MeasurementsPanel::IsEntryFilled() const {
+  if (!IsBuilt()) return false;
   return std::ranges::any_of(numbers_, [](const NumberField* field) { return !Trim(field->Text()).empty(); }) ||
          !Trim(lightSource_->Text()).empty() || !Trim(substrate_->Text()).empty() || !Trim(note_->Text()).empty();
 }
@@ -170,8 +182,7 @@ void MeasurementsPanel::Remove() {
   const int row = list_->CurrentRow();
   if (row < 0) return;
   source_->readings.erase(source_->readings.begin() + row);
-  list_->Refresh();
-  remove_->setEnabled(list_->CurrentRow() >= 0);
+  ShowList();
   Q_EMIT Changed();
 }
 

@@ -16,7 +16,8 @@ class MeasurementsPanel : public QObject {
   Q_OBJECT
 
  public:
-  MeasurementsPanel(FormHost& host, Form form, ColorKind kind);
+  /// On a page of its own, whose controls are made when it is first looked at.
+  MeasurementsPanel(FormHost& host, TabSet& tabs, ColorKind kind);
   ~MeasurementsPanel() override;
 
   /// The list as it is on file; the entry is emptied.
@@ -37,7 +38,10 @@ class MeasurementsPanel : public QObject {
 
  private:
   class Source;
+  void Build(Form form);
+  bool IsBuilt() const { return list_ != nullptr; }
   void BuildEntry(Form& form);
+  void ShowList();
   void Add();
   void Remove();
   void EmptyEntry();

@@ -44,8 +44,8 @@ MixColorsForm::MixColorsForm(WindowList& windowList) : Window(windowList, "MixCo
   BuildFormulaPage(tabs.Page(tr("Formula"), kFormulaPage));
   details_ =
       new MixDetailsPanel(*this, tabs.Page(tr("Details"), kDetailsPage), *ink_, [this] { return work_.has_value(); });
-  inventory_ = new InventoryPanel(*this, tabs.Page(tr("Inventory"), "TabInventory"));
-  measurements_ = new MeasurementsPanel(*this, tabs.Page(tr("Measurements"), "TabLab"), ColorKind::Mix);
+  inventory_ = new InventoryPanel(*this, tabs);
+  measurements_ = new MeasurementsPanel(*this, tabs, ColorKind::Mix);
   notes_ = new MixNotesPanel(*this, tabs, [this] {
     std::vector<std::string> names;
     for (const FormulaWork::Row& row : ReadFields().grid)

@@ -19,7 +19,9 @@ QString FieldName(const char* word, std::size_t row) {
 
 }  // namespace
 
-NewAdditiveSetPanel::NewAdditiveSetPanel(FormHost& host, Form form) : QObject(&host.Self()), host_(host) {
+NewAdditiveSetPanel::NewAdditiveSetPanel(FormHost& host) : QObject(&host.Self()), host_(host) {}
+
+void NewAdditiveSetPanel::Build(Form form) {
   form.Heading(tr("New Additive Set"));
   name_ = form.Text("txtAddSetName", TextRule::UpperName(kSetNameLength));
   name_->Means("SetName");
@@ -68,6 +70,7 @@ AdditiveSetWork NewAdditiveSetPanel::Work() const {
 }
 
 bool NewAdditiveSetPanel::IsFilled() const {
+  if (name_ == nullptr) return false;
   return !Trim(name_->Text()).empty() || std::ranges::any_of(lines_, [](const Line& line) {
     return !Trim(line.name->Text()).empty() || !Trim(line.percent->Text()).empty();
   });
@@ -82,6 +85,7 @@ bool NewAdditiveSetPanel::Create(std::string& setName) {
 }
 
 void NewAdditiveSetPanel::Empty() {
+  if (name_ == nullptr) return;
   Put(*name_, "", false);
   for (Line& line : lines_) {
     Put(*line.name, "", false);

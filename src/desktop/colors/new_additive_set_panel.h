@@ -13,7 +13,10 @@ class NewAdditiveSetPanel : public QObject {
   Q_OBJECT
 
  public:
-  NewAdditiveSetPanel(FormHost& host, Form form);
+  explicit NewAdditiveSetPanel(FormHost& host);
+
+  /// Makes the fields; before that nothing is filled.
+  void Build(Form form);
 
   bool IsFilled() const;
   /// Checks and adds it to the Database. False after the refusal was shown; the fields stay.

@@ -20,8 +20,18 @@ constexpr int kReasonLength = 60;
 
 }  // namespace
 
-InventoryPanel::InventoryPanel(FormHost& host, Form form)
-    : QObject(&host.Self()), host_(host), source_(std::make_shared<LotSource>(host.session)) {
+InventoryPanel::InventoryPanel(FormHost& host)
+    : QObject(&host.Self()), host_(host), source_(std::make_shared<LotSource>(host.session)) {}
+
+InventoryPanel::InventoryPanel(FormHost& host, Form form) : InventoryPanel(host) {
+  Build(form);
+}
+
+InventoryPanel::InventoryPanel(FormHost& host, TabSet& tabs) : InventoryPanel(host) {
+  tabs.LatePage(tr("Inventory"), "TabInventory", [this](Form form) { Build(form); });
+}
+
+void InventoryPanel::Build(Form form) {
   BuildList(form);
   BuildTotals(form);
   BuildTabs(form);
@@ -29,7 +39,7 @@ InventoryPanel::InventoryPanel(FormHost& host, Form form)
   // Without a list the fields stand at the top.
   form.Wide(rest_ = new QWidget);
   Relabel();
-  Reset();
+  ShowWork();
 }
 
 InventoryPanel::~InventoryPanel() = default;
@@ -137,6 +147,10 @@ void InventoryPanel::Take(std::optional<InventoryWork> work) {
   work_ = std::move(work);
   changed_ = false;
   source_->checked.clear();
+  if (IsBuilt()) ShowWork();
+}
+
+void InventoryPanel::ShowWork() {
   reason_->SetText("");
   reason_->setEnabled(work_.has_value());
   tabs_->setCurrentIndex(0);
@@ -171,6 +185,7 @@ void InventoryPanel::Reset() {
 void InventoryPanel::TakeCosts(std::string_view purchaseCost, std::string_view basicCost) {
   if (!work_ || onFile_) return;
   TakeTypedCosts(host_.session, *work_, purchaseCost, basicCost);
+  if (!IsBuilt()) return;
   list_->Refresh();
   if (!entry_->IsTouched()) RowChosen(list_->CurrentRow());
 }
@@ -183,13 +198,17 @@ void InventoryPanel::Detach() {
   work_->rows.front().onFile.qty = 0;
   work_->rows.front().entered = static_cast<double>(work_->rows.front().now.qty);
   for (std::size_t row = 1; row < work_->rows.size(); ++row) work_->rows[row].key.reset();
-  reset_->Show(nullptr, source_->checked);
+  if (IsBuilt()) reset_->Show(nullptr, source_->checked);
 }
 
 void InventoryPanel::Refresh(const std::string& name) {
   if (!work_) return;
   work_->name = name;
   if (changed_ || !onFile_) return;
+  if (!IsBuilt()) {
+    *work_ = LoadInventory(host_.session, work_->kind, name);
+    return;
+  }
   const int row = list_->CurrentRow();
   const std::int32_t key = row < 0 ? -1 : work_->rows[static_cast<std::size_t>(row)].key.value_or(-1);
   const bool touched = entry_->IsTouched();
@@ -208,6 +227,7 @@ void InventoryPanel::Refresh(const std::string& name) {
 }
 
 void InventoryPanel::Relabel() {
+  if (!IsBuilt()) return;
   entry_->Relabel();
   const bool tracking = host_.session.InvLotTracking == 1;
   list_->SetColumns(Columns());
@@ -257,7 +277,7 @@ void InventoryPanel::RowChosen(int row) {
 }
 
 bool InventoryPanel::HasUnfinishedEntry() const {
-  return work_ && entry_->IsTouched();
+  return work_ && IsBuilt() && entry_->IsTouched();
 }
 
 // ---- Adjusting

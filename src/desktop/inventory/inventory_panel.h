@@ -18,7 +18,7 @@ class ResetEntry;
 /// The stock of one colour as it is entered by hand: its list, the totals, the adjust fields, and what resets checked
 /// rows. It works on a copy, which the window saves with the colour; only the resets write at once.
 ///
-///     panel_ = new InventoryPanel(*this, tabs.Page(tr("Inventory"), "TabInventory"));
+///     panel_ = new InventoryPanel(*this, tabs);
 ///     panel_->Load(ColorKind::Mix, name);                       // a colour on file; Begin for one being entered
 ///     SaveWithStock(session, [&] { return SaveMix(session, work); }, panel_->Work());
 class InventoryPanel : public QObject {
@@ -26,6 +26,8 @@ class InventoryPanel : public QObject {
 
  public:
   InventoryPanel(FormHost& host, Form form);
+  /// On a page of its own, whose controls are made when it is first looked at.
+  InventoryPanel(FormHost& host, TabSet& tabs);
   ~InventoryPanel() override;
 
   /// The stock of a colour on file; the fields are emptied.
@@ -49,7 +51,7 @@ class InventoryPanel : public QObject {
   /// A quantity stands in the adjust field, or something else was typed there.
   bool HasUnfinishedEntry() const;
   /// What stands in the adjust field, for AskUnfinishedWork.
-  std::string AdjustText() const { return work_ ? entry_->QuantityText() : std::string(); }
+  std::string AdjustText() const { return work_ && IsBuilt() ? entry_->QuantityText() : std::string(); }
   /// The list to be saved; nothing when it was not changed.
   const InventoryWork* Work() const { return work_ && changed_ ? &*work_ : nullptr; }
   /// The list on screen.
@@ -62,11 +64,15 @@ class InventoryPanel : public QObject {
   void Changed();
 
  private:
+  explicit InventoryPanel(FormHost& host);
+  void Build(Form form);
+  bool IsBuilt() const { return list_ != nullptr; }
   void BuildList(Form& form);
   void BuildTotals(Form& form);
   void BuildTabs(Form& form);
   std::vector<GridColumn> Columns() const;
   void Take(std::optional<InventoryWork> work);
+  void ShowWork();
   void ShowList();
   void ShowTotals();
   void RowChosen(int row);

@@ -4,6 +4,7 @@
 #include <QHBoxLayout>
 #include <QTabBar>
 #include <QTabWidget>
+#include <utility>
 
 #include "desktop/kit/look.h"
 
@@ -34,6 +35,13 @@ QWidget* LayOut(QWidget* page, bool margins) {
   grid->setColumnStretch(1, 1);
   return sheet;
 }
+
+/// Asks for the room that a page with a list needs while it has no controls of its own, so that a window which opens by
+/// itself is large enough for them.
+class LateSheet : public QWidget {
+ public:
+  QSize sizeHint() const override { return layout() == nullptr ? QSize(880, 520) : QWidget::sizeHint(); }
+};
 
 QString Plain(QString label) {
   static const QString twice = "&&";
@@ -177,6 +185,17 @@ Form TabSet::Page(const QString& title, const QString& name) {
   page->setObjectName(name);
   tabs_->addTab(page, title);
   return {*host_, page, false};
+}
+
+void TabSet::LatePage(const QString& title, const QString& name, std::function<void(Form)> build) {
+  auto* page = new LateSheet;
+  page->setObjectName(name);
+  tabs_->addTab(page, title);
+  host_->AddLate(*page, *tabs_->tabBar(),
+                 [host = host_, page, build = std::move(build)] { build(Form(*host, page, false)); });
+  QObject::connect(tabs_, &QTabWidget::currentChanged, page, [host = host_, tabs = tabs_, page] {
+    if (tabs->currentWidget() == page) host->BuildLate(*page);
+  });
 }
 
 void Form::Buttons(std::initializer_list<QPushButton*> buttons) {

@@ -107,6 +107,8 @@ class Form {
 class TabSet {
  public:
   Form Page(const QString& title, const QString& name = {});
+  /// A page that is built when it is first looked at; no control of it is there before.
+  void LatePage(const QString& title, const QString& name, std::function<void(Form)> build);
   QTabWidget* Widget() const { return tabs_; }
 
  private:

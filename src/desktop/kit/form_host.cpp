@@ -79,9 +79,17 @@ void FormHost::ShowRefusal(const Refusal& refusal) {
 
 bool FormHost::FocusField(std::string_view name) {
   if (name.empty()) return false;
-  Field* field = FindField(name);
-  QWidget* control = field != nullptr ? &field->Control() : self_.findChild<QWidget*>(Q(name));
+  const auto find = [&]() -> QWidget* {
+    Field* known = FindField(name);
+    return known != nullptr ? &known->Control() : self_.findChild<QWidget*>(Q(name));
+  };
+  QWidget* control = find();
+  while (control == nullptr && !late_.empty()) {
+    BuildLate(*late_.front().page);
+    control = find();
+  }
   if (control == nullptr) return false;
+  Field* field = FindField(name);
   for (QWidget* page = control; page != nullptr && page != &self_; page = page->parentWidget()) {
     auto* stack = page->parentWidget();
     auto* tabs = stack == nullptr ? nullptr : qobject_cast<QTabWidget*>(stack->parentWidget());
@@ -159,6 +167,35 @@ void FormHost::AdoptButton(CommandButton& button, std::function<void()> click) {
 void FormHost::SetDefaultButton(QPushButton* button) {
   defaultButton_ = button;
   button->setProperty("primary", true);
+}
+
+void FormHost::AddLate(QWidget& page, QWidget& before, std::function<void()> build) {
+  late_.push_back({&page, &before, std::move(build)});
+}
+
+void FormHost::BuildLate(QWidget& page) {
+  const auto found = std::ranges::find(late_, &page, &LatePage::page);
+  if (found == late_.end()) return;
+  const LatePage late = std::move(*found);
+  late_.erase(found);
+  const std::size_t known = fields_.size();
+  const bool onScreen = !page.isHidden();
+  if (onScreen) page.hide();  // what is put into a page on screen would only be shown later
+  late.build();
+  for (std::size_t i = known; i < fields_.size(); ++i) fields_[i]->MarkClean();
+  // Made last, they would be reached last.
+  std::vector<QWidget*> stops;
+  for (QWidget* next = page.nextInFocusChain(); next != &page; next = next->nextInFocusChain()) {
+    const bool stop = page.isAncestorOf(next) && next->focusProxy() == nullptr;
+    if (stop && (next->focusPolicy() & Qt::TabFocus) != 0) stops.push_back(next);
+  }
+  QWidget* last = late.before;
+  for (QWidget* stop : stops) {
+    QWidget::setTabOrder(last, stop);
+    last = stop;
+  }
+  if (onScreen) page.show();
+  Changed();
 }
 
 void FormHost::Changed() {

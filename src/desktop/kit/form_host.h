@@ -65,6 +65,10 @@ class FormHost {
   void Adopt(Field& field);
   void AdoptButton(CommandButton& button, std::function<void()> click);
   void SetDefaultButton(QPushButton* button);
+  /// A page whose controls are made when they are first asked for; Tab reaches them behind `before`.
+  void AddLate(QWidget& page, QWidget& before, std::function<void()> build);
+  /// It is looked at: makes them, clean, unless that was done.
+  void BuildLate(QWidget& page);
   QPushButton* DefaultButton() const { return defaultButton_; }
   QWidget& Self() const { return self_; }
 
@@ -84,6 +88,12 @@ class FormHost {
   QWidget& self_;
   std::unique_ptr<Keys> keys_;
   std::vector<Field*> fields_;
+  struct LatePage {
+    QWidget* page;
+    QWidget* before;
+    std::function<void()> build;
+  };
+  std::vector<LatePage> late_;
   QPushButton* defaultButton_ = nullptr;
   bool ready_ = false;
   bool updating_ = false;

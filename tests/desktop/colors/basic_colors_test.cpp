@@ -157,7 +157,7 @@ TEST_F(BasicColorsTest, MeasurementsAreListedEditedAndSavedWithTheColor) {
   WriteLabReadings(session, ColorKind::Basic, "RED", {{48, 62, 40, 0, 1.4F, "D50", "COATED", ""}});
   Open();
   Enter("RED");
-  Control<QTabWidget>(*form, "TabBasic").setCurrentIndex(1);
+  Control<QTabWidget>(*form, "TabBasic").setCurrentIndex(2);
   EXPECT_GE(Control<QComboBox>(*form, "cmb_LS").findText("D50"), 0);
   for (const auto& [field, typed] : {std::pair{"txt_L", "47.126"}, {"txt_a", "61"}, {"txt_b", "-0.5"}, {"txt_D", "1"}})
     Fill(*form, field, typed);
@@ -406,7 +406,7 @@ TEST_F(BasicColorsTest, WithTheSampleInkRoom) {
               Picture(dialog, "new-basic-name", {});
               Press(dialog, Qt::Key_Escape);
             });
-  Control<QTabWidget>(*form, "TabBasic").setCurrentIndex(1);
+  Control<QTabWidget>(*form, "TabBasic").setCurrentIndex(2);
   for (const auto& [field, typed] :
        {std::pair{"txt_L", "55.1"}, {"txt_a", "-37"}, {"txt_b", "-50"}, {"txt_D", "0.8"}, {"txt_Density", "1.42"}})
     Fill(*form, field, typed);

@@ -130,6 +130,8 @@ TEST_F(ColorWindowsTest, InTheListOfLotsThePageKeysTurnItsPages) {
        {std::tuple{"BasicColorsForm", "TabBasic", "BLUE"}, std::tuple{"MixColorsForm", "TabMix", "PINK"}}) {
     SCOPED_TRACE(window);
     OpenStock(window, tabs, color);
+    form->resize(1280, 700);  // a page is more than a line
+    Settle();
     List().View().setFocus();
     List().SetCurrentRow(0);
     PressOn(Qt::Key_PageDown);
