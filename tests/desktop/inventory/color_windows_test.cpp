@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <QTabBar>
 #include <QTabWidget>
 
 #include "core/colors/basics.h"
@@ -139,6 +140,15 @@ TEST_F(ColorWindowsTest, InTheListOfLotsThePageKeysTurnItsPages) {
     EXPECT_GT(List().CurrentRow(), 1);
     PressOn(Qt::Key_PageUp);
     EXPECT_EQ(List().CurrentRow(), 0);
+    // The page was built last; Tab reaches it before the buttons of the window.
+    Control<QTabWidget>(*form, tabs).tabBar()->setFocus(Qt::TabFocusReason);
+    std::string walked;
+    for (int i = 0; i < 30 && FocusName() != "cmdSave"; ++i) {
+      PressOn(Qt::Key_Tab);
+      walked += FocusName() + " ";
+    }
+    EXPECT_TRUE(walked.find("AdjustInv ") < walked.find("txtReason ") && walked.ends_with("txtReason cmdSave "))
+        << walked;
     windows.CloseForm(window);
   }
 }
