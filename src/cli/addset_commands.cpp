@@ -7,23 +7,11 @@
 #include "core/base/number.h"
 #include "core/base/text.h"
 #include "core/colors/additive_control.h"
-#include "core/colors/basics.h"
+#include "core/colors/color_tables.h"
 #include "core/colors/names.h"
 
 namespace vellumark::cli {
 namespace {
-
-Json SetJson(const Session& session, const AdditiveSet& set) {
-  Json answer{{"SetName", set.SetName}};
-  for (std::size_t n = 0; n < schema::kSetSlots; ++n) {
-    const bool filled = n < set.rows.size();
-    answer[schema::Numbered("Add_Name", static_cast<int>(n))] = filled ? set.rows[n].name : std::string();
-    answer[schema::Numbered("Add_Percent", static_cast<int>(n))] = filled ? set.rows[n].amount : 0.0;
-  }
-  answer["SetList"] = set.SetList();
-  answer["Formulas"] = FormulasWithSet(session, set.SetName);
-  return answer;
-}
 
 // A name longer than names of sets are is refused: cut to the length, it would be another set's.
 Result<std::string> TypedSetName(const std::string& typed) {
@@ -46,28 +34,13 @@ Result<Json> Answer(Context& context, const std::string& typed) {
   const auto set = Named(context.session, typed);
   if (!set) return std::unexpected(set.error());
   if (!context.json) {
-    std::vector<std::vector<std::string>> rows;
-    for (const Ingredient& row : set->rows) rows.push_back({row.name, Fixed(row.amount, 2)});
-    rows.push_back({"Total", Fixed(TotalOf(set->rows), 2)});
-    context.text = fmt::format("{}\n\n", set->SetName) + TableText({"Additive", "Percent"}, rows, {false, true});
+    context.text = fmt::format("{}\n\n", set->SetName) +
+                   TableText(RecipeColumns("Additive", "Percent", 2).Total("Total").Of(set->rows));
     for (const std::string& formula : FormulasWithSet(context.session, set->SetName))
       context.text += fmt::format("\nused by {}", formula);
     if (context.text.back() != '\n') context.text += "\n";
   }
-  return SetJson(context.session, *set);
-}
-
-Result<Json> List(Context& context) {
-  Json answer = Json::array();
-  std::vector<std::vector<std::string>> rows;
-  for (const AdditiveSet& set : ListAdditiveSets(context.session)) {
-    Json one = SetJson(context.session, set);
-    rows.push_back({set.SetName, set.SetList(), Fixed(TotalOf(set.rows), 2), std::to_string(one["Formulas"].size())});
-    answer.push_back(std::move(one));
-  }
-  if (!context.json)
-    context.text = TableText({"SetName", "SetList", "Percent", "Formulas"}, rows, {false, false, true, true});
-  return answer;
+  return RowJson(AdditiveSetColumns(context.session).Of({*set}));
 }
 
 // Entering the lines of a set one after the other, as in its fields: an Additive that is new is asked about.
@@ -230,7 +203,8 @@ void AddApplyVerbs(CLI::App* noun, Commands& commands) {
 void AddAdditiveSetCommands(CLI::App& app, Commands& commands) {
   CLI::App* noun = AddNoun(
       app, "addset", "Additive Sets: list, show, add, edit, rename, delete, and apply to or remove from formulas");
-  commands.Add(noun->add_subcommand("list", "All, in the order of their names"), Needs::File, List);
+  commands.AddList(noun->add_subcommand("list", "All, in the order of their names"), Needs::File,
+                   [](Context& context) { return context.Answer(ListSets(context.session)); });
 
   auto* show = noun->add_subcommand("show", "One with its Additives and the formulas with it");
   const auto shown = std::make_shared<std::string>();

@@ -109,10 +109,8 @@ struct ListOptions {
 };
 
 Result<Json> ListStoredBatches(Context& context, const ListOptions& options) {
-  const auto list = options.recent > 0 ? RecentBatches(context.session, options.recent)
-                                       : ListBatches(context.session, options.formula);
-  if (!context.json) context.text = BatchListText(list);
-  return BatchListJson(list);
+  return context.Answer(options.recent > 0 ? ListRecentBatches(context.session, options.recent)
+                                           : ListBatches(context.session, options.formula));
 }
 
 std::shared_ptr<std::int32_t> AddNumber(CLI::App& verb) {
@@ -168,7 +166,7 @@ void AddBatchCommands(CLI::App& app, Commands& commands) {
   list->add_option("--recent", options->recent, "Only so many, those entered last, newest first")
       ->check(CLI::PositiveNumber)
       ->excludes(formula);
-  commands.Add(list, Needs::File, [options](Context& context) { return ListStoredBatches(context, *options); });
+  commands.AddList(list, Needs::File, [options](Context& context) { return ListStoredBatches(context, *options); });
 
   AddEditing(*noun, commands);
 }

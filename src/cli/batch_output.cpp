@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <array>
 
 #include "cli/color_fields.h"
 #include "core/base/number.h"
@@ -10,6 +11,7 @@
 #include "core/batch/cost.h"
 #include "core/batch/recycle_list.h"
 #include "core/batch/rows.h"
+#include "core/session/rights.h"
 
 namespace vellumark::cli {
 namespace {
@@ -65,19 +67,22 @@ Json JobsJson(const BatchRecord& record) {
   return jobs;
 }
 
-Json LotsJson(const Session& session, std::int32_t batchNo) {
-  Json lots = Json::array();
-  for (const BatchLotRow& lot : ReadBatchLots(session, batchNo))
-    lots.push_back({{"IngName", lot.IngName},
-                    {"IngType", lot.IngType},
-                    {"LotRefID", lot.LotRefID},
-                    {"LotNumber", lot.LotNumber},
-                    {"LotLoc", lot.LotLoc},
-                    {"LotContID", lot.LotContID},
-                    {"LotDate", DateJson(lot.LotDate)},
-                    {"LotQty", Number(lot.LotQty)},
-                    {"LotPrice", Price(session, lot.LotPrice)}});
-  return lots;
+// What was taken from which lots.
+ListTable LotsTaken(const Session& session, std::int32_t batchNo) {
+  using Row = BatchLotRow;
+  const std::string used = fmt::format("Used ({})", UnitName(session.UMI));
+  return TableOf<Row>()
+      .Add("IngName", &Row::IngName, "Name")
+      .Add("IngType", &Row::IngType)
+      .Add("LotRefID", &Row::LotRefID)
+      .Add("LotNumber", &Row::LotNumber, "Lot Number")
+      .Add("LotLoc", &Row::LotLoc, "Location")
+      .Add("LotContID", &Row::LotContID, "Cont. ID")
+      .Add("LotDate", &Row::LotDate)
+      .Add("LotQty", &Row::LotQty, used)
+      .Add("LotPrice", [&session](const Row& lot) { return SeenPrice(session, lot.LotPrice); })
+      .Show({"Name", "Lot Number", "Location", "Cont. ID", used})
+      .Of(ReadBatchLots(session, batchNo));
 }
 
 bool IsCost(std::string_view field) {
@@ -99,12 +104,19 @@ std::string FiguresText(const Figures& figures) {
 }
 
 std::string RowsText(const BatchWork& work) {
-  std::vector<std::vector<std::string>> rows;
+  using Line = std::array<std::string, 5>;
+  std::vector<Line> lines;
   for (const BatchRow& row : work.Rows)
-    rows.push_back({std::string(RowKindName(row.kind)), row.name, row.amount, row.unit,
-                    row.kind == RowKind::Mix ? Fixed(row.max, 3) : ""});
-  rows.push_back({"", "Total", work.TotalText, std::string(UnitName(work.UMF)), ""});
-  return TableText({"Kind", "Name", "Amount", "Unit", "Max"}, rows, {false, false, true, false, true});
+    lines.push_back({std::string(RowKindName(row.kind)), row.name, row.amount, row.unit,
+                     row.kind == RowKind::Mix ? Fixed(row.max, 3) : ""});
+  lines.push_back({"", "Total", work.TotalText, std::string(UnitName(work.UMF)), ""});
+  TableOf<Line> table;
+  for (std::size_t i = 0; const char* caption : {"Kind", "Name", "Amount", "Unit", "Max"}) {
+    table.Add(
+        caption, [i](const Line& line) { return line[i]; }, "", i % 2 == 0 && i > 0 ? Format::Amount : Format::Text);
+    ++i;
+  }
+  return TableText(table.Of(std::move(lines)));
 }
 
 Figures WorkFigures(const Session& session, const BatchWork& work) {
@@ -160,7 +172,7 @@ Json StoredBatchJson(const Session& session, const BatchRecord& record) {
   answer["UnitCost"] = Money(session, record.work.figures.UnitCost);
   answer["ReturnedToInventory"] = Number(record.returned);
   answer["Jobs"] = JobsJson(record);
-  answer["Lots"] = LotsJson(session, record.BatchNo);
+  answer["Lots"] = RowsJson(LotsTaken(session, record.BatchNo));
   answer["Editable"] = record.formulaUnchanged;
   return answer;
 }
@@ -182,36 +194,7 @@ std::string StoredBatchText(const Session& session, const BatchRecord& record) {
                                               {"Username", record.Username}})
     if (!value.empty()) text += fmt::format("{}: {}\n", caption, value);
   if (record.Complete) text += "Complete\n";
-  std::vector<std::vector<std::string>> lots;
-  for (const BatchLotRow& lot : ReadBatchLots(session, record.BatchNo))
-    lots.push_back({lot.IngName, lot.LotNumber, lot.LotLoc, lot.LotContID, Fixed(lot.LotQty, 3)});
-  const std::string used = fmt::format("Used ({})", UnitName(session.UMI));
-  return text + '\n' +
-         TableText({"Name", "Lot Number", "Location", "Cont. ID", used}, lots, {false, false, false, false, true});
-}
-
-Json BatchListJson(const std::vector<BatchListRow>& list) {
-  Json rows = Json::array();
-  for (const BatchListRow& row : list)
-    rows.push_back({{"BatchNo", row.BatchNo},
-                    {"Color_Name", row.Color_Name},
-                    {"Date_Entered", DateJson(row.Date_Entered)},
-                    {"Quantity", Number(row.Quantity)},
-                    {"ActualQuantity", Number(row.ActualQuantity)},
-                    {"UMF", UnitName(row.UMF)},
-                    {"JobNumber", row.JobNumber},
-                    {"Complete", row.Complete}});
-  return rows;
-}
-
-std::string BatchListText(const std::vector<BatchListRow>& list) {
-  std::vector<std::vector<std::string>> rows;
-  for (const BatchListRow& row : list)
-    rows.push_back({BatchNoText(row.BatchNo), row.Color_Name, row.Date_Entered ? row.Date_Entered->ToText() : "",
-                    Fixed(row.ActualQuantity, 3), std::string(UnitName(row.UMF)), row.JobNumber,
-                    row.Complete ? "Yes" : ""});
-  return TableText({"Batch", "Color Name", "Date Entered", "Made", "Unit", "Job Number", "Complete"}, rows,
-                   {false, false, false, true, false, false, false});
+  return text + '\n' + TableText(LotsTaken(session, record.BatchNo));
 }
 
 }  // namespace vellumark::cli

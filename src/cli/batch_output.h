@@ -16,7 +16,4 @@ std::string BatchText(const Session& session, const BatchRecord& record);
 Json StoredBatchJson(const Session& session, const BatchRecord& record);
 std::string StoredBatchText(const Session& session, const BatchRecord& record);
 
-Json BatchListJson(const std::vector<BatchListRow>& list);
-std::string BatchListText(const std::vector<BatchListRow>& list);
-
 }  // namespace vellumark::cli

@@ -4,11 +4,9 @@
 
 #include "cli/color_fields.h"
 #include "cli/frame.h"
-#include "core/base/number.h"
 #include "core/colors/amounts.h"
 #include "core/colors/basic_work.h"
-#include "core/colors/basics.h"
-#include "core/colors/formulas.h"
+#include "core/colors/color_tables.h"
 #include "core/colors/names.h"
 #include "core/colors/rename.h"
 
@@ -16,26 +14,7 @@ namespace vellumark::cli {
 namespace {
 
 Json BasicJson(const Session& session, const BasicColor& color) {
-  return {{"Color_Name", color.Color_Name},
-          {"Color_Code", color.Color_Code},
-          {"Inventory", Number(color.Inventory)},
-          {"Reorder", Number(color.Reorder)},
-          {"PurchaseCost", Price(session, color.PurchaseCost)},
-          {"Date_Entered", DateJson(color.Date_Entered)},
-          {"LastConsumed", DateJson(color.LastConsumed)},
-          {"Notes", color.Notes},
-          {"Inv_Note", color.Inv_Note},
-          {"IngSort", color.IngSort},
-          {"Additive", color.Additive},
-          {"VOC", Number(color.VOC)},
-          {"HAP", Number(color.HAP)},
-          {"LotRefID", color.LotRefID},
-          {"Color_Guide", color.book.Color_Guide},
-          {"Page", color.book.Page},
-          {"Row", color.book.Row},
-          {"Red", color.book.Red},
-          {"Green", color.book.Green},
-          {"Blue", color.book.Blue}};
+  return RowJson(BasicColumns(session).Of({color}));
 }
 
 Result<BasicColor> Named(const Session& session, const std::string& typed) {
@@ -43,26 +22,6 @@ Result<BasicColor> Named(const Session& session, const std::string& typed) {
   if (!name) return std::unexpected(name.error());
   if (auto color = ReadBasic(session, *name)) return *std::move(color);
   return Refuse("Color Not Found", *name + " is not found in this database.", "Color_Name");
-}
-
-Result<Json> List(Context& context) {
-  Json answer = Json::array();
-  std::vector<std::vector<std::string>> rows;
-  ForEachBasic(context.session, [&](const BasicColor& color) {
-    if (context.json) {
-      answer.push_back(BasicJson(context.session, color));
-      return;
-    }
-    rows.push_back({color.Color_Name, color.Color_Code, color.Additive ? "yes" : "", Fixed(color.Inventory, 3),
-                    Fixed(color.Reorder, 3),
-                    context.session.Perm_Costs == 0 ? "" : Fixed(color.PurchaseCost, context.session.DecimalPlaces),
-                    Fixed(color.VOC, 3), Fixed(color.HAP, 3)});
-  });
-  if (!context.json)
-    context.text =
-        TableText({"Color_Name", "Color_Code", "Additive", "Inventory", "Reorder", "PurchaseCost", "VOC", "HAP"}, rows,
-                  {false, false, false, true, true, true, true, true});
-  return answer;
 }
 
 Result<void> TakePair(BasicWork& work, const std::string& field, const std::string& value) {
@@ -158,7 +117,8 @@ std::string CheckPair(const std::string& text) {
 
 void AddColorCommands(CLI::App& app, Commands& commands) {
   CLI::App* noun = AddNoun(app, "color", "Basic Colors and Additives: list, show, add, set, rename, delete");
-  commands.Add(noun->add_subcommand("list", "All, in the order of their names"), Needs::File, List);
+  commands.AddList(noun->add_subcommand("list", "All, in the order of their names"), Needs::File,
+                   [](Context& context) { return context.Answer(ListBasics(context.session)); });
 
   auto* show = noun->add_subcommand("show", "One with all its fields");
   const auto shown = std::make_shared<std::string>();

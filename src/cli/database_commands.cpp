@@ -38,17 +38,8 @@ std::string GuideCodes() {
 void AddDatabaseCommands(CLI::App& app, Commands& commands) {
   CLI::App* noun = AddNoun(app, "db", "The Databases of the Data File: list, use, create, rename, delete");
 
-  commands.Add(noun->add_subcommand("list", "The Databases in menu order"), Needs::File,
-               [](Context& context) -> Result<Json> {
-                 Session& session = context.session;
-                 const std::string current = ReadFileInfo(session.File()).currentDB;
-                 Json rows = Json::array();
-                 for (const std::string& name : session.databaseList)
-                   rows.push_back({{"Database", name},
-                                   {"FullName", ReadDatabaseInfo(session.File(), name).fullName},
-                                   {"Current", EqualNoCase(name, current)}});
-                 return rows;
-               });
+  commands.AddList(noun->add_subcommand("list", "The Databases in menu order"), Needs::File,
+                   [](Context& context) { return context.Answer(ListDatabases(context.session)); });
 
   auto* use = noun->add_subcommand("use", "Make a Database the current one");
   const auto chosen = std::make_shared<std::string>();

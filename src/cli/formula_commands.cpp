@@ -7,6 +7,7 @@
 #include "core/base/number.h"
 #include "core/base/text.h"
 #include "core/colors/amounts.h"
+#include "core/colors/color_tables.h"
 #include "core/colors/duplicate.h"
 #include "core/colors/formula_work.h"
 #include "core/colors/guide_formulas.h"
@@ -17,50 +18,17 @@
 namespace vellumark::cli {
 namespace {
 
-Json FiguresJson(const Session& session, const MixColor& mix) {
-  return {{"Color_Code", mix.Color_Code},
-          {"Inventory", Number(mix.Inventory)},
-          {"Reorder", Number(mix.Reorder)},
-          {"PurchaseCost", Price(session, mix.PurchaseCost)},
-          {"BasicCost", Price(session, mix.BasicCost)},
-          {"Recycle", mix.Recycle},
-          {"Date_Entered", DateJson(mix.Date_Entered)},
-          {"LastModified", DateJson(mix.LastModified)},
-          {"LastProduced", DateJson(mix.LastProduced)},
-          {"Color_Set", mix.Color_Set},
-          {"Notes", mix.Notes},
-          {"Inv_Note", mix.Inv_Note},
-          {"AddSetName", mix.AddSetName},
-          {"VOC", Number(mix.VOC)},
-          {"BasicVOC", Number(mix.BasicVOC)},
-          {"HAP", Number(mix.HAP)},
-          {"BasicHAP", Number(mix.BasicHAP)},
-          {"LotRefID", mix.LotRefID},
-          {"Color_Guide", mix.book.Color_Guide},
-          {"Page", mix.book.Page},
-          {"Row", mix.book.Row},
-          {"Red", mix.book.Red},
-          {"Green", mix.book.Green},
-          {"Blue", mix.book.Blue}};
-}
-
 Json MixJson(const Session& session, const MixColor& mix) {
-  Json answer{{"Color_Name", mix.Color_Name}};
-  for (std::size_t n = 0; n < mix.BC.size(); ++n) answer["BC" + std::to_string(n)] = mix.BC[n];
-  for (std::size_t n = 0; n < mix.BQ.size(); ++n) answer["BQ" + std::to_string(n)] = Number(mix.BQ[n]);
-  answer.update(FiguresJson(session, mix));
-  return answer;
+  return RowJson(MixColumns(session).Of({mix}));
 }
 
 // For people: the fields, and the recipe as a table.
 std::string MixText(const Session& session, const MixColor& mix) {
-  Json fields{{"Color_Name", mix.Color_Name}};
-  fields.update(FiguresJson(session, mix));
-  std::vector<std::vector<std::string>> rows;
-  const Recipe recipe = mix.Ingredients();
-  for (const Ingredient& line : recipe) rows.push_back({line.name, Fixed(line.amount, 3)});
-  rows.push_back({"Total Parts", Fixed(TotalOf(recipe), 3)});
-  return ReadableText(fields) + "\n" + TableText({"Ingredient", "Parts"}, rows, {false, true});
+  Json fields = MixJson(session, mix);
+  for (int n = 0; n < static_cast<int>(schema::kIngredientSlots); ++n)
+    for (const char* slot : {"BC", "BQ"}) fields.erase(schema::Numbered(slot, n));
+  return ReadableText(fields) + "\n" +
+         TableText(RecipeColumns("Ingredient", "Parts").Total("Total Parts").Of(mix.Ingredients()));
 }
 
 Result<Json> Answer(Context& context, const std::string& name) {
@@ -79,30 +47,10 @@ Result<MixColor> Named(const Session& session, const std::string& typed) {
 }
 
 Result<Json> List(Context& context, const std::string& ingredient) {
-  Json answer = Json::array();
-  std::vector<std::vector<std::string>> rows;
-  const auto take = [&](const MixColor& mix) {
-    if (context.json) {
-      answer.push_back(MixJson(context.session, mix));
-      return;
-    }
-    rows.push_back({mix.Color_Name, mix.Color_Code, std::to_string(mix.Ingredients().size()), mix.AddSetName,
-                    Fixed(mix.Inventory, 3),
-                    context.session.Perm_Costs == 0 ? "" : Fixed(mix.BasicCost, context.session.DecimalPlaces),
-                    mix.LastModified ? mix.LastModified->DateText() : ""});
-  };
-  if (ingredient.empty()) {
-    ForEachMix(context.session, take);
-  } else {
-    const auto name = TypedName(context.session, ingredient);
-    if (!name) return std::unexpected(name.error());
-    ForEachMixUsing(context.session, *name, take);
-  }
-  if (!context.json)
-    context.text =
-        TableText({"Color_Name", "Color_Code", "Ingredients", "AddSetName", "Inventory", "BasicCost", "LastModified"},
-                  rows, {false, false, true, false, true, true, false});
-  return answer;
+  if (ingredient.empty()) return context.Answer(ListFormulas(context.session));
+  const auto name = TypedName(context.session, ingredient);
+  if (!name) return std::unexpected(name.error());
+  return context.Answer(ListFormulas(context.session, *name));
 }
 
 Result<void> TakeField(FormulaWork& work, const std::string& field, const std::string& value) {
@@ -271,9 +219,7 @@ Result<Json> Compare(Context& context, const std::string& typed) {
   if (!compared) return std::unexpected(compared.error());
   if (!context.json) {
     const auto table = [](const std::string& heading, const Recipe& recipe) {
-      std::vector<std::vector<std::string>> rows;
-      for (const Ingredient& line : recipe) rows.push_back({line.name, Fixed(line.amount, 3)});
-      return TableText({heading, "Parts"}, rows, {false, true});
+      return TableText(RecipeColumns(heading, "Parts").Of(recipe));
     };
     context.text = table("Original " + compared->Color_Name, compared->original) + "\n" +
                    table("Modified " + compared->Color_Name, compared->modified) + "\n" +
@@ -366,7 +312,7 @@ void AddFormulaCommands(CLI::App& app, Commands& commands) {
   auto* list = noun->add_subcommand("list", "All, in the order of their names");
   const auto ingredient = std::make_shared<std::string>();
   list->add_option("--using", *ingredient, "Only those with this ingredient")->check(NotEmpty);
-  commands.Add(list, Needs::File, [ingredient](Context& context) { return List(context, *ingredient); });
+  commands.AddList(list, Needs::File, [ingredient](Context& context) { return List(context, *ingredient); });
 
   auto* show = noun->add_subcommand("show", "One with its recipe and all its fields");
   const auto shown = std::make_shared<std::string>();

@@ -1,7 +1,6 @@
 #include "cli/frame.h"
 
 #include <algorithm>
-#include <charconv>
 #include <stdexcept>
 
 #include "core/base/number.h"
@@ -27,22 +26,17 @@ bool IsRows(const Json& value) {
          std::ranges::all_of(value, [](const Json& row) { return row.is_object(); });
 }
 
+// Rows whose columns are the keys of the first one.
 std::string RowsText(const Json& rows) {
-  std::vector<std::string> columns;
-  for (const auto& [key, value] : rows.front().items()) columns.push_back(key);
-  std::vector<bool> right(columns.size(), true);
-  std::vector<std::vector<std::string>> cells;
-  for (const Json& row : rows) {
-    std::vector<std::string> line;
-    for (std::size_t i = 0; i < columns.size(); ++i) {
-      const auto found = row.find(columns[i]);
-      const bool present = found != row.end() && !found->is_null();
-      if (present && !found->is_number()) right[i] = false;
-      line.push_back(present ? Cell(*found) : "");
-    }
-    cells.push_back(std::move(line));
+  TableOf<Json> table;
+  for (const auto& [key, value] : rows.front().items()) {
+    const auto cell = [key](const Json& row) { return row.value(key, Json()); };
+    const bool numbers =
+        std::ranges::all_of(rows, [&](const Json& row) { return cell(row).is_null() || cell(row).is_number(); });
+    table.Add(
+        key, [cell](const Json& row) { return Cell(cell(row)); }, "", numbers ? Format::Whole : Format::Text);
   }
-  return TableText(columns, cells, right);
+  return TableText(table.Of(std::vector<Json>(rows.begin(), rows.end())));
 }
 
 // "noun verb": the words behind the program's name.
@@ -64,6 +58,18 @@ void Commands::Add(CLI::App* verb, Needs needsOfVerb, Action action) {
     act = actOfVerb;
     chosen = action;
   });
+}
+
+void Commands::AddList(CLI::App* verb, Needs needsOfVerb, Action action) {
+  auto* sort = verb->add_option("--sort", wish.sort, "Sorted by this column")->type_name("CAPTION")->check(NotEmpty);
+  verb->add_option("--then", wish.then, "By this one where the first is equal")
+      ->type_name("CAPTION")
+      ->check(NotEmpty)
+      ->needs(sort);
+  verb->add_flag("--desc", wish.descending, "The largest first")->needs(sort);
+  verb->add_option("--filter", wish.filter, "Only rows in which each of these words stands")->check(NotEmpty);
+  verb->add_option("--limit", wish.limit, "Only so many rows")->check(CLI::NonNegativeNumber);
+  Add(verb, needsOfVerb, std::move(action));
 }
 
 CLI::App* AddNoun(CLI::App& app, const std::string& name, const std::string& description) {
@@ -88,18 +94,6 @@ std::optional<std::pair<std::string, std::string>> SplitPair(std::string_view te
   return std::pair{Trim(text.substr(0, mark)), std::string(text.substr(mark + 1))};
 }
 
-Json Number(float single) {
-  const std::string text = ShortestText(single);
-  if (text.find('.') == std::string::npos) {
-    std::int64_t whole = 0;
-    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), whole);
-    if (error == std::errc{}) return whole;
-  }
-  double value = 0;
-  std::from_chars(text.data(), text.data() + text.size(), value);
-  return value;
-}
-
 Json FieldJson(const Field& field, const Value& value) {
   if (value.IsNull()) return nullptr;
   switch (field.type) {
@@ -118,33 +112,6 @@ Json FieldJson(const Field& field, const Value& value) {
     default:
       return value.Whole();
   }
-}
-
-std::string TableText(const std::vector<std::string>& columns, const std::vector<std::vector<std::string>>& rows,
-                      const std::vector<bool>& rightAligned) {
-  std::vector<std::size_t> widths;
-  for (std::size_t i = 0; i < columns.size(); ++i) {
-    std::size_t width = CharCount(columns[i]);
-    for (const auto& row : rows) width = std::max(width, CharCount(row[i]));
-    widths.push_back(width);
-  }
-  std::string text;
-  const auto add = [&](const std::vector<std::string>& cells) {
-    std::string line;
-    for (std::size_t i = 0; i < cells.size(); ++i) {
-      const std::string padding(widths[i] - CharCount(cells[i]), ' ');
-      if (i > 0) line += "  ";
-      line += rightAligned[i] ? padding + cells[i] : cells[i] + padding;
-    }
-    line.erase(line.find_last_not_of(' ') + 1);
-    text += line + "\n";
-  };
-  add(columns);
-  std::vector<std::string> rules;
-  for (const std::size_t width : widths) rules.emplace_back(width, '-');
-  add(rules);
-  for (const auto& row : rows) add(row);
-  return text;
 }
 
 std::string ReadableText(const Json& answer) {

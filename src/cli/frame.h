@@ -9,12 +9,12 @@
 #include <utility>
 #include <vector>
 
+#include "cli/output.h"
 #include "core/base/refusal.h"
+#include "core/base/table.h"
 #include "core/session/acts.h"
 
 namespace vellumark::cli {
-
-using Json = nlohmann::ordered_json;
 
 enum Exit : int { ExitDone = 0, ExitRefused = 1, ExitUsage = 2, ExitQuestion = 3, ExitFailed = 4 };
 
@@ -32,12 +32,28 @@ struct Context {
   std::string dataFile;  ///< --file, or the default of the settings; not opened with Needs::Nothing
   /// The answer for people. When empty it is made from the JSON: arrays of objects as a table, an object as a line for
   /// each key.
-  std::string text;
+  std::string text = {};
+  /// The answer that is a list: it is read and written row by row when the verb is done.
+  std::optional<ListTable> list = {};
   int exitStatus = ExitDone;  ///< of an answer that is whole and tells of something amiss
-  std::string user;           ///< --user; empty when not given
-  std::string password;       ///< --password, or VELLUMARK_PASSWORD
+  std::string user = {};      ///< --user; empty when not given
+  std::string password = {};  ///< --password, or VELLUMARK_PASSWORD
   /// Opens `dataFile` for writing, for a verb with Needs::Nothing that finds that it needs it.
   std::function<Result<void>()> open = {};
+
+  Result<Json> Answer(ListTable table) {
+    list = std::move(table);
+    return Json();
+  }
+};
+
+/// How a list is wanted, as given on the command line.
+struct ListWish {
+  std::string sort;
+  std::string then;
+  bool descending = false;
+  std::string filter;
+  std::optional<std::size_t> limit;
 };
 
 /// A verb's procedure: its JSON answer, or the refusal of the rule that stopped it. Json() (null) prints nothing.
@@ -49,10 +65,13 @@ class Commands {
   /// `verb` is a subcommand of a noun; its options write into variables that `action` holds (by shared_ptr). A command
   /// without a row in the table of acts is a fault of the program: std::logic_error.
   void Add(CLI::App* verb, Needs needs, Action action);
+  /// A verb that lists, with the options for its order and for what is wanted of it.
+  void AddList(CLI::App* verb, Needs needs, Action action);
 
   Needs needs = Needs::Nothing;
   Act act = Act::Look;
   Action chosen;
+  ListWish wish;
 };
 
 /// The noun's App under `app`, with its help.
@@ -66,15 +85,10 @@ CLI::Option* OneEachTime(CLI::Option* option);
 /// "FIELD=VALUE" apart at the first "="; nothing without one. For "NAME=AMOUNT" with names that hold "=", the last one.
 std::optional<std::pair<std::string, std::string>> SplitPair(std::string_view text, bool atLast = false);
 
-/// A Single as the number of its shortest decimal.
-Json Number(float single);
 /// A value of the Data File: Singles as the shortest decimal, dates as text (the time left out when it is midnight), an
 /// absent value as null. `field` tells Boolean and Date.
 Json FieldJson(const Field& field, const Value& value);
 
-/// Rows as a table with aligned columns, numbers to the right.
-std::string TableText(const std::vector<std::string>& columns, const std::vector<std::vector<std::string>>& rows,
-                      const std::vector<bool>& rightAligned);
 /// The readable form of an answer.
 std::string ReadableText(const Json& answer);
 

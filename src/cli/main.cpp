@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <csignal>
 #include <cstdio>
 #include <filesystem>
 #include <system_error>
@@ -119,22 +120,47 @@ Result<void> OpenForVerb(Context& context, const GlobalOptions& options, Needs n
   return needs == Needs::Writable ? RequireWritable(session) : Result<void>{};
 }
 
-bool WriteAnswer(const std::string& text) {
-  return std::fwrite(text.data(), 1, text.size(), stdout) == text.size() && std::fflush(stdout) == 0;
-}
-
-// A refusal that cannot be written as JSON still stands on standard error and in the exit status.
-int Report(const Refusal& refusal, bool json, std::string_view kind, int exitCode) {
-  if (json) {
+// A refusal that cannot be written as JSON still stands on standard error and in the exit status. Behind the beginning
+// of a list it is not written: what was cut off is no JSON value, and nobody takes it for a whole list.
+int Report(Output& output, const Refusal& refusal, bool json, std::string_view kind, int exitCode) {
+  if (output.Drop() && json) {
     const Json answer{
         {std::string(kind), Json{{"title", refusal.title}, {"text", refusal.text}, {"field", refusal.field}}}};
-    WriteAnswer(answer.dump(2, ' ', false, Json::error_handler_t::replace) + "\n");
+    try {
+      output.Write(JsonText(answer) + "\n");
+      output.Finish();
+    } catch (const Failure& unheard) {
+      WriteError(Headed(unheard.subject, unheard.cause) + "\n");
+    }
   }
   WriteError(Headed(refusal.title, refusal.text) + "\n");
   return exitCode;
 }
 
+Arrangement ArrangementOf(const ListWish& wish, const ListTable& table) {
+  const auto column = [&](const std::string& name) -> std::optional<std::size_t> {
+    if (name.empty()) return std::nullopt;
+    if (const auto found = table.Find(name)) return found;
+    std::string captions;
+    for (const std::size_t shown : table.Shown())
+      captions += (captions.empty() ? "" : ", ") + table.columns[shown].Caption();
+    throw WrongUsage{fmt::format("{} is no column of this list, which has {}", name, captions)};
+  };
+  return {column(wish.sort), wish.descending, column(wish.then), wish.descending, wish.filter, wish.limit};
+}
+
+void WriteAnswer(Output& output, const Context& context, const Json& answer, const ListWish& wish) {
+  if (context.list) {
+    const ListTable list = Arranged(*context.list, ArrangementOf(wish, *context.list));
+    context.json ? WriteJson(list, output) : WriteText(list, output);
+  } else {
+    output.Write(context.json ? JsonText(answer) + "\n" : context.text.empty() ? ReadableText(answer) : context.text);
+  }
+  output.Finish();
+}
+
 int RunChosen(const GlobalOptions& options, const Commands& commands) {
+  Output output;
   OptionPrompt prompt;
   TerminalProgress progress;
   try {
@@ -142,9 +168,11 @@ int RunChosen(const GlobalOptions& options, const Commands& commands) {
     const std::unique_ptr<Clock> clock = ChosenClock(options);
     Session session(prompt, progress, *clock);
     PrepareSupportFiles(session, ResolveFolders(FolderSources::OfThisProcess(options.dataFolder)));
-    Context context{
-        session,      options.json,    options.file.empty() ? session.DataFileName : options.file, {}, ExitDone,
-        options.user, options.password};
+    Context context{.session = session,
+                    .json = options.json,
+                    .dataFile = options.file.empty() ? session.DataFileName : options.file,
+                    .user = options.user,
+                    .password = options.password};
     if (!options.file.empty()) context.dataFile = fs::absolute(options.file).string();
 
     context.open = [&] { return OpenForVerb(context, options, Needs::Writable); };
@@ -157,35 +185,32 @@ int RunChosen(const GlobalOptions& options, const Commands& commands) {
       opened = OpenForVerb(context, options, commands.needs);
       if (opened) opened = RequireAtDoor(session, commands.act);
     }
-    if (!opened) return Report(opened.error(), options.json, "refused", ExitRefused);
+    if (!opened) return Report(output, opened.error(), options.json, "refused", ExitRefused);
     const Result<Json> answer = commands.chosen(context);
-    if (!answer) return Report(answer.error(), options.json, "refused", ExitRefused);
+    if (!answer) return Report(output, answer.error(), options.json, "refused", ExitRefused);
     // A command is a session of its own: what it left stale in the formulas is brought up to date before it ends.
     RunPendingPassesOrTell(session);
     progress.End();
-    const std::string text = options.json           ? answer->dump(2, ' ', false, Json::error_handler_t::replace) + "\n"
-                             : context.text.empty() ? ReadableText(*answer)
-                                                    : context.text;
-    if (!WriteAnswer(text)) throw Failure("standard output", "cannot be written");
+    WriteAnswer(output, context, *answer, commands.wish);
     return context.exitStatus;
   } catch (const WrongUsage& usage) {
     WriteError(usage.text + "\n");
     return ExitUsage;
   } catch (const RefusedLogin& login) {
     progress.End();
-    return Report(login.refusal, options.json, "refused", ExitRefused);
+    return Report(output, login.refusal, options.json, "refused", ExitRefused);
   } catch (const UnansweredQuestion& question) {
     progress.End();
-    return Report({question.message.title, question.message.text, ""}, options.json, "question", ExitQuestion);
+    return Report(output, {question.message.title, question.message.text, ""}, options.json, "question", ExitQuestion);
   } catch (const BadValue& bad) {
     progress.End();
-    return Report({"Invalid Value", bad.what(), ""}, options.json, "refused", ExitRefused);
+    return Report(output, {"Invalid Value", bad.what(), ""}, options.json, "refused", ExitRefused);
   } catch (const Failure& failure) {
     progress.End();
-    return Report({failure.subject, failure.cause, ""}, options.json, "failed", ExitFailed);
+    return Report(output, {failure.subject, failure.cause, ""}, options.json, "failed", ExitFailed);
   } catch (const fs::filesystem_error& error) {
     progress.End();
-    return Report({error.path1().string(), error.code().message(), ""}, options.json, "failed", ExitFailed);
+    return Report(output, {error.path1().string(), error.code().message(), ""}, options.json, "failed", ExitFailed);
   }
 }
 
@@ -240,6 +265,9 @@ int Main(int argc, char** argv) {
   AddBatchCommands(app, commands);
   AddUsersCommands(app, commands);
   app.failure_message(UsageMessage);
+#ifdef SIGPIPE
+  std::signal(SIGPIPE, SIG_IGN);  // a reader that has gone is a failure like a full disk
+#endif
   const std::vector<std::string> words = WordsOf(argc, argv);
   try {
     app.parse(std::vector<std::string>(words.rbegin(), words.rend()));  // it takes them from the back

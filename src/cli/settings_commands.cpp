@@ -41,13 +41,12 @@ void AddSettingsCommands(CLI::App& app, Commands& commands) {
   set->add_option("VALUE", *value, "Its new value")->required();
   commands.Add(set, Needs::Nothing, [key, value](Context& context) { return SetSetting(context, *key, *value); });
 
-  commands.Add(noun->add_subcommand("list", "All keys and values"), Needs::Nothing,
-               [](Context& context) -> Result<Json> {
-                 Json rows = Json::array();
-                 for (const SupportRecord& record : context.session.support->settings.Read().Records())
-                   rows.push_back({{"Key", record.key}, {"Value", record.value}});
-                 return rows;
-               });
+  commands.AddList(noun->add_subcommand("list", "All keys and values"), Needs::Nothing, [](Context& context) {
+    return context.Answer(TableOf<SupportRecord>()
+                              .Add("Key", &SupportRecord::key)
+                              .Add("Value", &SupportRecord::value)
+                              .Of(context.session.support->settings.Read().Records()));
+  });
 }
 
 }  // namespace vellumark::cli

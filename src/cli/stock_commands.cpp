@@ -3,32 +3,30 @@
 #include "cli/color_fields.h"
 #include "cli/frame.h"
 #include "cli/stock_text.h"
-#include "core/base/number.h"
 #include "core/base/text.h"
-#include "core/base/units.h"
 #include "core/colors/amounts.h"
 #include "core/inventory/adjust.h"
-#include "core/inventory/stock_history.h"
-#include "core/inventory/stock_list.h"
+#include "core/inventory/stock_tables.h"
 
 namespace vellumark::cli {
 namespace {
 
+bool HasRows(const ListTable& table) {
+  bool any = false;
+  table.read([&](const TableRow&) { return any = true, false; });
+  return any;
+}
+
 Result<Json> ShowStock(Context& context, const std::optional<std::string>& typed) {
   const Session& session = context.session;
-  std::vector<ColorStock> stock;
+  std::optional<std::string> name;
   if (typed) {
-    const auto name = TypedName(session, *typed);
-    if (!name) return std::unexpected(name.error());
-    stock = ListStock(session, *name);
-    if (stock.empty()) return std::unexpected(InventoryColorNotFound(session));
-  } else {
-    stock = ListStock(session);
+    const auto read = TypedName(session, *typed);
+    if (!read) return std::unexpected(read.error());
+    name = *read;
+    if (!HasRows(ListColorStock(session, name, {}))) return std::unexpected(InventoryColorNotFound(session));
   }
-  Json answer = Json::array();
-  for (const ColorStock& one : stock) answer.push_back(StockJson(session, one));
-  if (!context.json) context.text = StockText(session, stock);
-  return answer;
+  return context.Answer(context.json ? ListColorStock(session, name, {}) : ListStockLines(session, name, {}));
 }
 
 // The lots of one colour. A name that both kinds bear is asked for.
@@ -38,28 +36,8 @@ Result<Json> ShowLots(Context& context, const std::string& typed, const std::str
   if (!name) return std::unexpected(name.error());
   const auto kind = ChooseInventoryColor(session, *name, KindOf(kindOption));
   if (!kind) return std::unexpected(kind.error());
-  const std::vector<ColorStock> stock = ListStock(session, *name, *kind);
-  Json answer = Json::array();
-  for (const LotRow& lot : stock.front().lots) answer.push_back(LotJson(session, lot));
-  if (!context.json) context.text = StockText(session, stock);
-  return answer;
-}
-
-Result<Json> ShowLow(Context& context) {
-  Json answer = Json::array();
-  std::vector<std::vector<std::string>> rows;
-  for (const LowStock& low : ColorsBelowReorder(context.session)) {
-    answer.push_back({{"Color_Name", low.Color_Name},
-                      {"Kind", static_cast<int>(low.kind)},
-                      {"Total", Number(low.total)},
-                      {"Reorder", Number(low.Reorder)}});
-    rows.push_back({low.Color_Name, KindText(low.kind), Fixed(low.total, 3), Fixed(low.Reorder, 3)});
-  }
-  const std::string unit = " (" + std::string(UnitName(context.session.UMI)) + ")";
-  if (!context.json)
-    context.text =
-        TableText({"Color Name", "Type", "Inventory" + unit, "Reorder" + unit}, rows, {false, false, true, true});
-  return answer;
+  return context.Answer(context.json ? LotColumns(session).Of(ListStock(session, *name, *kind).front().lots)
+                                     : ListStockLines(session, *name, *kind));
 }
 
 struct HistoryOptions {
@@ -78,35 +56,10 @@ Result<Json> ShowHistory(Context& context, const HistoryOptions& options) {
     if (!name) return std::unexpected(name.error());
     filter.name = *std::move(name);
   }
-  const std::vector<StockLine> lines = ListStockHistory(session, filter);
-  if (lines.empty() && filter.name && ListStock(session, *filter.name, filter.kind).empty())
+  ListTable history = ListHistory(session, filter);
+  if (filter.name && !HasRows(history) && !HasRows(ListColorStock(session, filter.name, filter.kind)))
     return std::unexpected(InventoryColorNotFound(session));
-  Json answer = Json::array();
-  std::vector<std::vector<std::string>> rows;
-  for (const StockLine& line : lines) {
-    const std::string source(StockEventText(line.event));
-    answer.push_back({{"Date", line.when.ToText()},
-                      {"Username", line.user},
-                      {"Source", source},
-                      {"Kind", static_cast<int>(line.kind)},
-                      {"Database", line.database},
-                      {"Color_Name", line.Color_Name},
-                      {"LotRefID", line.LotRefID},
-                      {"LotNumber", line.LotRefID == 0 ? std::string(kUnlottedInv) : line.LotNumber},
-                      {"Change", line.change},
-                      {"Result", Number(line.result)},
-                      {"Document", line.document},
-                      {"Reason", line.reason}});
-    if (!context.json)
-      rows.push_back({line.when.ToText(), line.user, source, line.Color_Name,
-                      line.LotRefID == 0 ? std::string(kUnlottedInv) : line.LotNumber, Fixed(line.change, 3),
-                      Fixed(line.result, 3), line.document, line.reason});
-  }
-  if (!context.json)
-    context.text =
-        TableText({"Date", "User", "Source", "Color Name", "Lot Number", "Change", "Result", "Document", "Reason"},
-                  rows, {false, false, false, false, false, true, true, false, false});
-  return answer;
+  return context.Answer(std::move(history));
 }
 
 struct AdjustOptions {
@@ -224,7 +177,7 @@ void AddStockCommands(CLI::App& app, Commands& commands) {
   commands.Add(lots, Needs::File, [whose](Context& context) { return ShowLots(context, whose->first, whose->second); });
 
   auto* low = noun->add_subcommand("low", "The colours whose stock is below their reorder point");
-  commands.Add(low, Needs::File, [](Context& context) { return ShowLow(context); });
+  commands.AddList(low, Needs::File, [](Context& context) { return context.Answer(ListLowStock(context.session)); });
 
   auto* history =
       noun->add_subcommand("history", "Every change of stock: when, who, what moved it, what then was there");
@@ -232,7 +185,7 @@ void AddStockCommands(CLI::App& app, Commands& commands) {
   history->add_option("NAME", told->name, "A Basic Color or formula, through all its names; all of them without one");
   history->add_option("--lot", told->lot, "Only this lot, or \"Unlotted Inv.\"")->check(NotEmpty);
   AddKindOption(history, told->kind);
-  commands.Add(history, Needs::File, [told](Context& context) { return ShowHistory(context, *told); });
+  commands.AddList(history, Needs::File, [told](Context& context) { return ShowHistory(context, *told); });
 
   AddStockResetCommands(*noun, commands);
 

@@ -91,11 +91,14 @@ Json ModifierJson(const std::vector<ModifierPreviewRow>& rows) {
 }
 
 std::string ModifierText(const std::vector<ModifierPreviewRow>& rows) {
-  std::vector<std::vector<std::string>> lines;
-  for (const ModifierPreviewRow& row : rows)
-    lines.push_back(
-        {row.Color_Name, row.toModify ? "to be modified" : "excluded", Joined(row.reasons), RecipeText(row.modified)});
-  return TableText({"Color", "", "Info", "Modified recipe"}, lines, {false, false, false, false});
+  using Row = ModifierPreviewRow;
+  return TableText(
+      TableOf<Row>()
+          .Add("Color", &Row::Color_Name)
+          .Add("", [](const Row& row) { return std::string(row.toModify ? "to be modified" : "excluded"); })
+          .Add("Info", [](const Row& row) { return Joined(row.reasons); })
+          .Add("Modified recipe", [](const Row& row) { return RecipeText(row.modified); })
+          .Of(rows));
 }
 
 struct ModifyOptions {

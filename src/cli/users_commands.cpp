@@ -113,23 +113,6 @@ Result<void> SetFields(UserRow& user, const std::vector<std::string>& pairs, boo
   return {};
 }
 
-Json UserJson(const UserRow& user) {
-  Json json{{"Username", user.Username}, {"IsAdmin", user.IsAdmin}};
-  for (const RightField& right : RightFields()) json[std::string(right.field)] = user.rights.*right.value;
-  return json;
-}
-
-// Rights are shown to administrators; others see whom they could log in as.
-Result<Json> ListUsers(Context& context) {
-  Session& session = context.session;
-  Json rows = Json::array();
-  for (const std::string& name : UserNames(session)) {
-    const auto user = session.IsAdminUser ? ReadUser(session, name) : std::nullopt;
-    rows.push_back(user ? UserJson(*user) : Json{{"Username", name}});
-  }
-  return rows;
-}
-
 Result<Json> Add(Context& context, const std::string& name, const std::vector<std::string>& pairs,
                  const std::string& passwordFile) {
   UserRow user{name, "", false, {}};
@@ -153,12 +136,12 @@ Result<Json> Modify(Context& context, const std::string& name, const std::vector
     user.Password = *password;
   }
   if (auto modified = ModifyUser(context.session, user); !modified) return std::unexpected(modified.error());
-  return UserJson(user);
+  return RowJson(UserColumns().Of({user}));
 }
 
 void AddListAndFeature(CLI::App& noun, Commands& commands) {
-  commands.Add(noun.add_subcommand("list", "The users and, for an administrator, their rights"), Needs::File,
-               ListUsers);
+  commands.AddList(noun.add_subcommand("list", "The users and, for an administrator, their rights"), Needs::File,
+                   [](Context& context) { return context.Answer(ListUsers(context.session)); });
 
   auto* enable = noun.add_subcommand("enable", "Switch the feature on, with its first administrator");
   const auto name = std::make_shared<std::string>();

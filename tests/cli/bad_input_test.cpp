@@ -140,7 +140,7 @@ TEST(CliBadInput, WordsThatAreMissingOrTooMany) {
       {{"colour", "list"}, "colour is no command here"},
       {{"color", "paint", "RED"}, "paint is no command here"},
       {{"color", "show", "RED", "BLUE"}, "not expected: BLUE"},
-      {{"color", "list", "--sort"}, "not expected: --sort"},
+      {{"color", "list", "--by"}, "not expected: --by"},
       {{"--yes", "--no", "color", "list"}, "excludes"},
   };
   for (const auto& one : cases) shop.ExpectRefused(one.words, 2, one.says);

@@ -2,6 +2,7 @@
 
 #include <fmt/format.h>
 
+#include "core/base/units.h"
 #include "core/batch/holding.h"
 #include "core/batch/loader.h"
 #include "core/batch/takings.h"
@@ -12,12 +13,39 @@ namespace {
 constexpr std::string_view kListColumns =
     "BatchNo, Color_Name, Date_Entered, Quantity, ActualQuantity, UMF, JobNumber, Complete";
 
-std::vector<BatchListRow> ReadList(Statement rows) {
-  std::vector<BatchListRow> list;
+using TakeBatch = std::function<bool(const BatchListRow&)>;
+
+void ReadList(Statement rows, const TakeBatch& take) {
   while (rows.Step())
-    list.push_back({static_cast<std::int32_t>(rows.Whole(0)), rows.Text(1), rows.Date(2), rows.Single(3),
-                    rows.Single(4), static_cast<int>(rows.Whole(5)), rows.Text(6), rows.Bool(7)});
-  return list;
+    if (!take({static_cast<std::int32_t>(rows.Whole(0)), rows.Text(1), rows.Date(2), rows.Single(3), rows.Single(4),
+               static_cast<int>(rows.Whole(5)), rows.Text(6), rows.Bool(7)}))
+      return;
+}
+
+void ForEachRecentBatch(const Session& session, int count, const TakeBatch& take) {
+  Statement rows =
+      session.File().Prepare(fmt::format("SELECT {} FROM {} ORDER BY Date_Entered DESC, rowid DESC LIMIT ?1",
+                                         kListColumns, Quoted(session.Table(schema::Batch))));
+  rows.Bind(1, count);
+  ReadList(std::move(rows), take);
+}
+
+TableOf<BatchListRow> BatchColumns() {
+  using Row = BatchListRow;
+  TableOf<Row> table;
+  table.Add("BatchNo", &Row::BatchNo)
+      .Add(
+          "", [](const Row& row) { return BatchNoText(row.BatchNo); }, "Batch")
+      .Add("Color_Name", &Row::Color_Name, "Color Name")
+      .Add("Date_Entered", &Row::Date_Entered, "Date Entered")
+      .Add("Quantity", &Row::Quantity)
+      .Add("ActualQuantity", &Row::ActualQuantity, "Made")
+      .Add(
+          "UMF", [](const Row& row) { return UnitName(row.UMF); }, "Unit")
+      .Add("JobNumber", &Row::JobNumber, "Job Number")
+      .Add("Complete", &Row::Complete, "", Format::Mark)
+      .Show({"Batch", "Color Name", "Date Entered", "Made", "Unit", "Job Number", "Complete"});
+  return table;
 }
 
 std::optional<std::int64_t> RowBeside(const Session& session, const BatchRecord& record, bool forward) {
@@ -98,19 +126,26 @@ std::optional<std::int64_t> PreviousBatchRow(const Session& session, const Batch
 }
 
 std::vector<BatchListRow> RecentBatches(const Session& session, int count) {
-  Statement rows =
-      session.File().Prepare(fmt::format("SELECT {} FROM {} ORDER BY Date_Entered DESC, rowid DESC LIMIT ?1",
-                                         kListColumns, Quoted(session.Table(schema::Batch))));
-  rows.Bind(1, count);
-  return ReadList(std::move(rows));
+  std::vector<BatchListRow> list;
+  ForEachRecentBatch(session, count, [&](const BatchListRow& row) {
+    list.push_back(row);
+    return true;
+  });
+  return list;
 }
 
-std::vector<BatchListRow> ListBatches(const Session& session, std::string_view colorName) {
-  Statement rows = session.File().Prepare(fmt::format("SELECT {} FROM {}{} ORDER BY BatchNo, rowid", kListColumns,
-                                                      Quoted(session.Table(schema::Batch)),
-                                                      colorName.empty() ? "" : " WHERE Color_Name = ?1"));
-  if (!colorName.empty()) rows.Bind(1, colorName);
-  return ReadList(std::move(rows));
+ListTable ListRecentBatches(const Session& session, int count) {
+  return BatchColumns().Of([&session, count](const TakeBatch& take) { ForEachRecentBatch(session, count, take); });
+}
+
+ListTable ListBatches(const Session& session, const std::string& colorName) {
+  return BatchColumns().Of([&session, colorName](const TakeBatch& take) {
+    Statement rows = session.File().Prepare(fmt::format("SELECT {} FROM {}{} ORDER BY BatchNo, rowid", kListColumns,
+                                                        Quoted(session.Table(schema::Batch)),
+                                                        colorName.empty() ? "" : " WHERE Color_Name = ?1"));
+    if (!colorName.empty()) rows.Bind(1, colorName);
+    ReadList(std::move(rows), take);
+  });
 }
 
 }  // namespace vellumark

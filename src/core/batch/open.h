@@ -6,6 +6,7 @@
 #include <string_view>
 #include <vector>
 
+#include "core/base/table.h"
 #include "core/batch/record.h"
 #include "core/datafile/writer.h"
 
@@ -57,6 +58,8 @@ struct BatchListRow {
 /// The Batches entered last, newest first.
 std::vector<BatchListRow> RecentBatches(const Session& session, int count);
 /// All Batches by number, or those of one formula.
-std::vector<BatchListRow> ListBatches(const Session& session, std::string_view colorName = {});
+ListTable ListBatches(const Session& session, const std::string& colorName);
+/// The Batches entered last.
+ListTable ListRecentBatches(const Session& session, int count);
 
 }  // namespace vellumark

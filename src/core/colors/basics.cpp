@@ -74,10 +74,10 @@ std::optional<BasicColor> ReadBasic(const Session& session, std::string_view nam
   return ReadRow(row);
 }
 
-void ForEachBasic(const Session& session, const std::function<void(const BasicColor&)>& take) {
+void ForEachBasic(const Session& session, const std::function<bool(const BasicColor&)>& take) {
   Statement row = session.File().Prepare(
       fmt::format("SELECT {}, {} FROM {} ORDER BY Color_Name, rowid", kColumns, kBookFields, TableText(session)));
-  while (row.Step()) take(ReadRow(row));
+  while (row.Step() && take(ReadRow(row))) continue;
 }
 
 std::vector<std::string> BasicNames(const Session& session, BasicFilter filter) {

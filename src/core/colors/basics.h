@@ -46,8 +46,8 @@ float GetBasicHAP(const Session& session, std::string_view name);
 
 /// The row of exactly that name, in any case.
 std::optional<BasicColor> ReadBasic(const Session& session, std::string_view name, std::string_view database = {});
-/// Every row in Color_Name order, one at a time.
-void ForEachBasic(const Session& session, const std::function<void(const BasicColor&)>& take);
+/// Every row in Color_Name order, one at a time, until `take` answers false.
+void ForEachBasic(const Session& session, const std::function<bool(const BasicColor&)>& take);
 /// Names in order; of Additives only, of Colors only, or of both.
 enum class BasicFilter { All, Colors, Additives };
 std::vector<std::string> BasicNames(const Session& session, BasicFilter filter = BasicFilter::All);

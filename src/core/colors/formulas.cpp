@@ -137,19 +137,19 @@ std::optional<MixColor> FindMix(const Session& session, std::string_view typed) 
   return ReadRow(row);
 }
 
-void ForEachMix(const Session& session, const std::function<void(const MixColor&)>& take) {
+void ForEachMix(const Session& session, const std::function<bool(const MixColor&)>& take) {
   Statement row = session.File().Prepare(
       fmt::format("SELECT {} FROM {} ORDER BY Color_Name, rowid", Columns(), TableText(session)));
-  while (row.Step()) take(ReadRow(row));
+  while (row.Step() && take(ReadRow(row))) continue;
 }
 
 void ForEachMixUsing(const Session& session, std::string_view ingredient,
-                     const std::function<void(const MixColor&)>& take) {
+                     const std::function<bool(const MixColor&)>& take) {
   const std::string table = TableText(session);
   Statement row = session.File().Prepare(
       fmt::format("SELECT {} FROM {} WHERE {} ORDER BY Color_Name, rowid", Columns(), table, UsingCondition(table)));
   row.Bind(1, NameSetPattern(ingredient));
-  while (row.Step()) take(ReadRow(row));
+  while (row.Step() && take(ReadRow(row))) continue;
 }
 
 std::vector<std::string> MixNames(const Session& session) {

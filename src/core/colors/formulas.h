@@ -57,11 +57,11 @@ std::optional<MixColor> ReadMix(const Session& session, std::string_view name, s
 /// What a typed text finds: the formula of that name, else of "PANTONE " and the text, else the first in Color_Name
 /// order whose code it is.
 std::optional<MixColor> FindMix(const Session& session, std::string_view typed);
-/// Every row in Color_Name order, one at a time.
-void ForEachMix(const Session& session, const std::function<void(const MixColor&)>& take);
+/// Every row in Color_Name order, one at a time, until `take` answers false.
+void ForEachMix(const Session& session, const std::function<bool(const MixColor&)>& take);
 /// Only those with the ingredient.
 void ForEachMixUsing(const Session& session, std::string_view ingredient,
-                     const std::function<void(const MixColor&)>& take);
+                     const std::function<bool(const MixColor&)>& take);
 std::vector<std::string> MixNames(const Session& session);
 /// The names of the formulas with the ingredient, in order; answered from the index on Color_Set.
 std::vector<std::string> FormulasUsing(const Session& session, std::string_view ingredient);

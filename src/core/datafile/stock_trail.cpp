@@ -118,25 +118,41 @@ StockTrail StockTrail::OfName(Database& file, std::string_view database, ColorKi
   return trail;
 }
 
+void StockTrail::ReadOldestFirst() {
+  oldestFirst_ = true;
+  std::ranges::reverse(stretches_);
+}
+
 void StockTrail::ReadName(Stretch& stretch, std::vector<StockLine>& lines) const {
   Statement row = file_->Prepare(
       fmt::format("SELECT ID, {} FROM {} WHERE Color_Name = ?1 AND Kind = ?2 AND Database = ?3 AND ID > ?4 AND ID < ?5 "
-                  "ORDER BY ID DESC LIMIT {}",
-                  kStockLineFields, kTable, kPiece));
+                  "ORDER BY ID {} LIMIT {}",
+                  kStockLineFields, kTable, oldestFirst_ ? "ASC" : "DESC", kPiece));
   row.Bind(1, stretch.name).Bind(2, kind_).Bind(3, stretch.database).Bind(4, stretch.after).Bind(5, stretch.before);
   std::int64_t read = 0;
   for (; row.Step(); ++read) lines.push_back(ReadLine(row));
-  stretch.before = read < kPiece ? stretch.after + 1 : lines.back().id;
+  if (read < kPiece) {
+    stretch.before = stretch.after + 1;
+  } else {
+    (oldestFirst_ ? stretch.after : stretch.before) = lines.back().id;
+  }
 }
 
 // By ranges of the key, since another Database may have written the latest million lines.
 void StockTrail::ReadDatabase(Stretch& stretch, std::vector<StockLine>& lines) const {
-  const std::int64_t after = std::max(stretch.after, stretch.before - 1 - kPiece);
-  Statement row = file_->Prepare(fmt::format(
-      "SELECT ID, {} FROM {} WHERE Database = ?1 AND ID > ?2 AND ID < ?3 ORDER BY ID DESC", kStockLineFields, kTable));
-  row.Bind(1, stretch.database).Bind(2, after).Bind(3, stretch.before);
+  Stretch piece = stretch;
+  if (oldestFirst_) {
+    piece.before = std::min(stretch.before, stretch.after + 1 + kPiece);
+    stretch.after = piece.before - 1;
+  } else {
+    piece.after = std::max(stretch.after, stretch.before - 1 - kPiece);
+    stretch.before = piece.after + 1;
+  }
+  Statement row =
+      file_->Prepare(fmt::format("SELECT ID, {} FROM {} WHERE Database = ?1 AND ID > ?2 AND ID < ?3 ORDER BY ID {}",
+                                 kStockLineFields, kTable, oldestFirst_ ? "ASC" : "DESC"));
+  row.Bind(1, piece.database).Bind(2, piece.after).Bind(3, piece.before);
   while (row.Step()) lines.push_back(ReadLine(row));
-  stretch.before = after + 1;
 }
 
 bool StockTrail::ReadOn(std::vector<StockLine>& lines) {

@@ -12,8 +12,8 @@
 
 namespace vellumark {
 
-/// Lines of the stock history, the latest first, read in pieces: the first ones of a million are there at once. Between
-/// two pieces the file may be written; what is added meanwhile is not on the trail.
+/// Lines of the stock history, the latest first unless told otherwise, read in pieces: the first ones of a million are
+/// there at once. Between two pieces the file may be written; what is added meanwhile is not on the trail.
 class StockTrail {
  public:
   /// A lot as its lines name it: kind, name of the colour in capitals, reference.
@@ -28,6 +28,8 @@ class StockTrail {
   /// Those of them that stand under one name, whatever colour bore it.
   static StockTrail OfName(Database& file, std::string_view database, ColorKind kind, std::string_view name);
 
+  /// To be called before anything is read.
+  void ReadOldestFirst();
   /// Appends the lines that follow, a piece of them, which may hold none; false when none are left.
   bool ReadOn(std::vector<StockLine>& lines);
   /// The lots on the trail that ever bore the number.
@@ -60,7 +62,8 @@ class StockTrail {
 
   Database* file_;
   int kind_ = kWholeDatabase;       ///< that of the name
-  std::vector<Stretch> stretches_;  ///< the latest first; what was read is cut off
+  std::vector<Stretch> stretches_;  ///< in the order of reading; what was read is cut off
+  bool oldestFirst_ = false;
   std::size_t at_ = 0;
 };
 

@@ -236,9 +236,10 @@ Result<int> ExportFormulas(Session& session, const std::vector<std::string>& nam
     // A line that shows as nothing weighs nothing, and no file may bring it in.
     for (const Ingredient& line : formula.Ingredients())
       if (line.amount > 0) parts.emplace_back(line.name, static_cast<float>(line.amount));
-    if (parts.empty()) return;
+    if (parts.empty()) return true;
     text += MfeRow(formula.Color_Name, parts);
     ++count;
+    return true;
   };
   if (names.empty()) {
     ForEachMix(session, add);

@@ -44,8 +44,8 @@ void PreferPresent(std::set<Lot>& wanted, const std::set<Lot>& present) {
 
 }  // namespace
 
-StockHistoryReader::StockHistoryReader(const Session& session, const StockHistoryFilter& filter)
-    : kind_(filter.kind), oneColor_(filter.name.has_value()) {
+StockHistoryReader::StockHistoryReader(const Session& session, const StockHistoryFilter& filter, LineOrder order)
+    : order_(order), kind_(filter.kind), oneColor_(filter.name.has_value()) {
   Database& file = session.File();
   if (!HasStockHistory(file)) return;  // a copy for looking, made before there was one
   const std::string& database = filter.database.empty() ? session.CurrentDatabase : filter.database;
@@ -58,6 +58,7 @@ StockHistoryReader::StockHistoryReader(const Session& session, const StockHistor
 }
 
 void StockHistoryReader::AddTrail(StockTrail trail) {
+  if (order_ == LineOrder::OldestFirst) trail.ReadOldestFirst();
   parts_.push_back({std::move(trail)});
 }
 
@@ -93,13 +94,14 @@ bool StockHistoryReader::ReadOn(std::vector<StockLine>& lines) {
     part.taken = 0;
     part.more = part.trail.ReadOn(part.ahead);
   }
-  // The latest of all parts follows, as long as each has shown what it goes on with.
+  // The next one of all parts follows, as long as each has shown what it goes on with.
   for (;;) {
     Part* next = nullptr;
     for (Part& part : parts_) {
       if (part.taken == part.ahead.size()) {
         if (part.more) return true;
-      } else if (next == nullptr || part.ahead[part.taken].id > next->ahead[next->taken].id) {
+      } else if (next == nullptr ||
+                 (part.ahead[part.taken].id < next->ahead[next->taken].id) == (order_ == LineOrder::OldestFirst)) {
         next = &part;
       }
     }
@@ -111,9 +113,8 @@ bool StockHistoryReader::ReadOn(std::vector<StockLine>& lines) {
 
 std::vector<StockLine> ListStockHistory(const Session& session, const StockHistoryFilter& filter) {
   std::vector<StockLine> lines;
-  StockHistoryReader reader(session, filter);
+  StockHistoryReader reader(session, filter, LineOrder::OldestFirst);
   while (reader.ReadOn(lines)) continue;
-  std::ranges::reverse(lines);
   return lines;
 }
 

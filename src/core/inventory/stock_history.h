@@ -20,13 +20,17 @@ struct StockHistoryFilter {
   std::optional<std::string> lot{};
 };
 
-/// The lines, the latest first, read in pieces. Those of one colour are followed through its renames and add up to its
+/// In which order lines are read.
+enum class LineOrder { LatestFirst, OldestFirst };
+
+/// The lines, read in pieces. Those of one colour are followed through its renames and add up to its
 /// stock; without a name they are all lines of the Database, which is followed through its own. Reads from the file
 /// that was open when it was made.
 class StockHistoryReader {
  public:
   StockHistoryReader() = default;  ///< of nothing
-  StockHistoryReader(const Session& session, const StockHistoryFilter& filter);
+  StockHistoryReader(const Session& session, const StockHistoryFilter& filter,
+                     LineOrder order = LineOrder::LatestFirst);
 
   /// Appends those of the next piece that are wanted, perhaps none; false when no more can come.
   bool ReadOn(std::vector<StockLine>& lines);
@@ -43,6 +47,7 @@ class StockHistoryReader {
   bool IsWanted(const StockLine& line) const;
 
   std::vector<Part> parts_;
+  LineOrder order_ = LineOrder::LatestFirst;
   std::optional<ColorKind> kind_;
   bool oneColor_ = false;
   bool unlotted_ = false;

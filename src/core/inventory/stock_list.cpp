@@ -9,9 +9,8 @@
 
 namespace vellumark {
 
-std::vector<ColorStock> ListStock(const Session& session, std::optional<std::string_view> name,
-                                  std::optional<ColorKind> wanted) {
-  std::vector<ColorStock> stock;
+void ForEachStock(const Session& session, std::optional<std::string_view> name, std::optional<ColorKind> wanted,
+                  const std::function<bool(const ColorStock& stock)>& take) {
   for (const ColorKind kind : {ColorKind::Basic, ColorKind::Mix}) {
     if (wanted && *wanted != kind) continue;
     Statement colors = session.File().Prepare(
@@ -28,9 +27,18 @@ std::vector<ColorStock> ListStock(const Session& session, std::optional<std::str
       for (const LotRow& lot : one.lots) lotted += static_cast<double>(lot.LotQty);
       one.lotted = RoundSingle(lotted, 3);
       one.total = RoundSingle(one.Inventory + one.lotted, 3);
-      stock.push_back(std::move(one));
+      if (!take(one)) return;
     }
   }
+}
+
+std::vector<ColorStock> ListStock(const Session& session, std::optional<std::string_view> name,
+                                  std::optional<ColorKind> wanted) {
+  std::vector<ColorStock> stock;
+  ForEachStock(session, name, wanted, [&](const ColorStock& one) {
+    stock.push_back(one);
+    return true;
+  });
   return stock;
 }
 

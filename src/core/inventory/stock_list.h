@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -19,7 +20,10 @@ struct ColorStock {
   float total = 0;
 };
 
-/// The stock of the current Database's colours by name, Basic Colors first; only those of a name or a kind when given.
+/// The stock of the current Database's colours by name, Basic Colors first, one at a time, until `take` answers false;
+/// only those of a name or a kind when given.
+void ForEachStock(const Session& session, std::optional<std::string_view> name, std::optional<ColorKind> wanted,
+                  const std::function<bool(const ColorStock& stock)>& take);
 std::vector<ColorStock> ListStock(const Session& session, std::optional<std::string_view> name = {},
                                   std::optional<ColorKind> wanted = {});
 

@@ -124,6 +124,10 @@ std::vector<PermissionText> PermissionTexts(const UserRights& rights) {
   return lines;
 }
 
+std::optional<float> SeenPrice(const Session& session, float price) {
+  return session.Perm_Costs == 0 ? std::nullopt : std::optional(price);
+}
+
 bool Allows(const Session& session, CommandRight right) {
   const Command command = CommandOf(right);
   return session.CurrentUser.empty() || session.*command.permission == command.full;

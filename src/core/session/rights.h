@@ -2,6 +2,7 @@
 
 #include <array>
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -53,6 +54,9 @@ std::vector<PermissionText> PermissionTexts(const UserRights& rights);
 
 /// The rights, each with the value that opens what it keeps. What asks for which stands in acts.h.
 enum class CommandRight { BackupRestore, Export, Advanced, Options, Databases, DBTools, Costs, VOCHAP, MasterFormula };
+
+/// A price, for those who may see prices.
+std::optional<float> SeenPrice(const Session& session, float price);
 
 /// True when nobody has to log in, or when the user's right has its full value.
 bool Allows(const Session& session, CommandRight right);

@@ -212,6 +212,22 @@ std::vector<std::string> DeletableUserNames(const Session& session) {
   return Names(session, "AND COALESCE(IsAdmin, 0) = 0");
 }
 
+TableOf<UserRow> UserColumns() {
+  TableOf<UserRow> table;
+  table.Add("Username", &UserRow::Username).Add("IsAdmin", &UserRow::IsAdmin);
+  for (const RightField& right : RightFields())
+    table.Add(std::string(right.field), [value = right.value](const UserRow& user) { return user.rights.*value; });
+  return table;
+}
+
+ListTable ListUsers(const Session& session) {
+  std::vector<UserRow> users;
+  for (const std::string& name : UserNames(session)) users.push_back({name, "", false, {}});
+  if (!session.IsAdminUser) return TableOf<UserRow>().Add("Username", &UserRow::Username).Of(std::move(users));
+  for (UserRow& user : users) user = ReadUser(session, user.Username).value_or(user);
+  return UserColumns().Of(std::move(users));
+}
+
 void PauseHere(std::chrono::milliseconds time) {
   std::this_thread::sleep_for(time);
 }
@@ -345,7 +361,8 @@ Result<bool> DeleteUser(Session& session, std::string_view typedName) {
   const auto stored = Find(session, name);
   if (!stored) return std::unexpected(UnknownUser(name));
   if (stored->row.IsAdmin) return Refuse("Delete User", "You cannot delete an Administrator.", "cmbUsername");
-  if (!session.prompt.Ask("Delete User", fmt::format("Permanently delete user account {}?", name), Answer::No)) return false;
+  if (!session.prompt.Ask("Delete User", fmt::format("Permanently delete user account {}?", name), Answer::No))
+    return false;
   Transaction transaction(session.File());
   session.File().Prepare("DELETE FROM Users WHERE rowid = ?").Bind(1, stored->rowId).Run();
   transaction.Commit();

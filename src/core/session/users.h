@@ -8,6 +8,7 @@
 #include <string_view>
 #include <vector>
 
+#include "core/base/table.h"
 #include "core/session/rights.h"
 
 namespace vellumark {
@@ -65,6 +66,11 @@ struct UserRow {
   bool IsAdmin = false;
   UserRights rights;
 };
+
+/// A user with all rights.
+TableOf<UserRow> UserColumns();
+/// All users, for an administrator with their rights; others see whom they could log in as.
+ListTable ListUsers(const Session& session);
 
 /// For an administrator's windows. Nothing when there is no such user, or for `ADMIN`.
 std::optional<UserRow> ReadUser(const Session& session, std::string_view name);

@@ -72,6 +72,15 @@ Result<std::string> NewEmptyDatabase(Session& session, std::string_view typedNam
 
 }  // namespace
 
+ListTable ListDatabases(const Session& session) {
+  const std::string current = ReadFileInfo(session.File()).currentDB;
+  return TableOf<std::string>()
+      .Add("Database", [](const std::string& name) { return name; })
+      .Add("FullName", [&session](const std::string& name) { return ReadDatabaseInfo(session.File(), name).fullName; })
+      .Add("Current", [current](const std::string& name) { return EqualNoCase(name, current); })
+      .Of(session.databaseList);
+}
+
 Result<std::string> NewDatabase(Session& session, std::string_view typedName, const NewDatabaseContent& content) {
   if (auto allowed = RequireDatabaseRight(session); !allowed) return std::unexpected(allowed.error());
   switch (content.kind) {

@@ -4,6 +4,7 @@
 #include <string_view>
 #include <vector>
 
+#include "core/base/table.h"
 #include "core/session/session.h"
 
 namespace vellumark {
@@ -15,6 +16,9 @@ struct NewDatabaseContent {
   std::vector<std::string> guides{};  ///< codes of guides ("F_Guide_A"), with Kind::Guides
   std::string source{};               ///< the Database to copy, with Kind::Copy
 };
+
+/// The Databases in the order of the menu.
+ListTable ListDatabases(const Session& session);
 
 /// The New command: makes a Database, in one transaction; the current one stays. The name as stored.
 Result<std::string> NewDatabase(Session& session, std::string_view typedName, const NewDatabaseContent& content);

@@ -33,6 +33,13 @@ struct StockHistoryTest : ::testing::Test, StockRoom {
   std::vector<std::string> History(const StockHistoryFilter& filter) {
     std::vector<std::string> texts;
     for (const StockLine& line : ListStockHistory(session, filter)) texts.push_back(TextOf(line));
+    // Windows read the same from its end.
+    std::vector<StockLine> lines;
+    StockHistoryReader latestFirst(session, filter);
+    while (latestFirst.ReadOn(lines)) continue;
+    std::vector<std::string> backwards;
+    for (const StockLine& line : lines) backwards.insert(backwards.begin(), TextOf(line));
+    EXPECT_EQ(backwards, texts);
     return texts;
   }
   void NewBasic(const std::string& name, float inventory) {

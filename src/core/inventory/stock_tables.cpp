@@ -1,0 +1,144 @@
+#include "core/inventory/stock_tables.h"
+
+#include "core/base/number.h"
+#include "core/base/units.h"
+#include "core/session/rights.h"
+
+namespace vellumark {
+namespace {
+
+std::string WithUnit(const Session& session, std::string_view caption) {
+  return std::string(caption) + " (" + std::string(UnitName(session.UMI)) + ")";
+}
+
+/// A line of the stock of a colour: where it stands and how much; the colour stands in its first line.
+struct StockPlaceLine {
+  const ColorStock* color = nullptr;
+  std::string_view place;
+  const LotRow* lot = nullptr;
+  float quantity = 0;
+};
+
+template <class Get>
+auto OfLot(Get get) {
+  return [get](const StockPlaceLine& line) { return get(line.lot == nullptr ? LotRow{} : *line.lot); };
+}
+
+bool TakeLines(const ColorStock& stock, const std::function<bool(const StockPlaceLine&)>& take) {
+  if (!take({&stock, kUnlottedInv, nullptr, stock.Inventory})) return false;
+  for (const LotRow& lot : stock.lots)
+    if (!take({nullptr, lot.LotNumber, &lot, lot.LotQty})) return false;
+  return stock.lots.empty() || take({nullptr, "Total", nullptr, stock.total});
+}
+
+}  // namespace
+
+std::string KindText(ColorKind kind) {
+  return kind == ColorKind::Mix ? "Formula" : "Basic";
+}
+
+TableOf<LotRow> LotColumns(const Session& session) {
+  return TableOf<LotRow>()
+      .Add("LotRefID", &LotRow::LotRefID)
+      .Add("LotNumber", &LotRow::LotNumber, "Lot Number")
+      .Add("LotLoc", &LotRow::LotLoc, "Location")
+      .Add("LotContID", &LotRow::LotContID, "Cont ID Num")
+      .Add("LotDate", &LotRow::LotDate, "Date", Format::Date)
+      .Add("LotQty", &LotRow::LotQty, WithUnit(session, "Quantity"))
+      .Add(
+          "LotPrice", [&session](const LotRow& lot) { return SeenPrice(session, lot.LotPrice); }, "Price",
+          Format::Amount, session.DecimalPlaces)
+      .Add("LotConsignment", &LotRow::LotConsignment, "Consignment");
+}
+
+TableOf<ColorStock> StockColumns(const Session& session) {
+  return TableOf<ColorStock>()
+      .Add("Color_Name", &ColorStock::Color_Name)
+      .Add("Kind", &ColorStock::kind)
+      .Add("Inventory", &ColorStock::Inventory)
+      .Add("lots", [lots = LotColumns(session)](const ColorStock& stock) { return lots.Of(stock.lots); })
+      .Add("Unlotted", [](const ColorStock& stock) { return RoundSingle(stock.Inventory, 3); })
+      .Add("Lotted", &ColorStock::lotted)
+      .Add("Total", &ColorStock::total);
+}
+
+ListTable ListColorStock(const Session& session, const std::optional<std::string>& name,
+                         std::optional<ColorKind> kind) {
+  return StockColumns(session).Of(
+      [&session, name, kind](const auto& take) { ForEachStock(session, name, kind, take); });
+}
+
+ListTable ListStockLines(const Session& session, const std::optional<std::string>& name,
+                         std::optional<ColorKind> kind) {
+  using Line = StockPlaceLine;
+  return TableOf<Line>()
+      .Add(
+          "", [](const Line& line) { return line.color == nullptr ? std::string() : line.color->Color_Name; },
+          "Color Name")
+      .Add(
+          "", [](const Line& line) { return line.color == nullptr ? std::string() : KindText(line.color->kind); },
+          "Type")
+      .Add("", &Line::place, "Lot Number")
+      .Add("", OfLot([](const LotRow& lot) { return lot.LotLoc; }), "Location")
+      .Add("", OfLot([](const LotRow& lot) { return lot.LotContID; }), "Cont ID Num")
+      .Add("", OfLot([](const LotRow& lot) { return lot.LotDate; }), "Date", Format::Date)
+      .Add("", &Line::quantity, WithUnit(session, "Quantity"))
+      .Add(
+          "",
+          [&session](const Line& line) {
+            return line.lot == nullptr ? std::nullopt : SeenPrice(session, line.lot->LotPrice);
+          },
+          "Price", Format::Amount, session.DecimalPlaces)
+      .Add(
+          "",
+          [](const Line& line) {
+            return std::string(line.lot == nullptr ? "" : line.lot->LotConsignment ? "Yes" : "No");
+          },
+          "Consignment")
+      .Of([&session, name, kind](const auto& take) {
+        ForEachStock(session, name, kind, [&](const ColorStock& stock) { return TakeLines(stock, take); });
+      });
+}
+
+ListTable ListLowStock(const Session& session) {
+  return TableOf<LowStock>()
+      .Add("Color_Name", &LowStock::Color_Name, "Color Name")
+      .Add("Kind", &LowStock::kind)
+      .Add(
+          "", [](const LowStock& low) { return KindText(low.kind); }, "Type")
+      .Add("Total", &LowStock::total, WithUnit(session, "Inventory"))
+      .Add("Reorder", &LowStock::Reorder, WithUnit(session, "Reorder"))
+      .Show({"Color Name", "Type", WithUnit(session, "Inventory"), WithUnit(session, "Reorder")})
+      .Of(ColorsBelowReorder(session));
+}
+
+ListTable ListHistory(const Session& session, const StockHistoryFilter& filter) {
+  using Line = StockLine;
+  return TableOf<Line>()
+      .Add("Date", &Line::when, "", Format::Moment)
+      .Add("Username", &Line::user, "User")
+      .Add("Source", [](const Line& line) { return StockEventText(line.event); })
+      .Add("Kind", &Line::kind)
+      .Add("Database", &Line::database)
+      .Add("Color_Name", &Line::Color_Name, "Color Name")
+      .Add("LotRefID", &Line::LotRefID)
+      .Add(
+          "LotNumber", [](const Line& line) { return line.LotRefID == 0 ? std::string(kUnlottedInv) : line.LotNumber; },
+          "Lot Number")
+      .Add("Change", &Line::change)
+      .Add("Result", &Line::result)
+      .Add("Document", &Line::document)
+      .Add("Reason", &Line::reason)
+      .Show({"Date", "User", "Source", "Color Name", "Lot Number", "Change", "Result", "Document", "Reason"})
+      .Of([&session, filter](const std::function<bool(const Line&)>& take) {
+        StockHistoryReader reader(session, filter, LineOrder::OldestFirst);
+        std::vector<Line> lines;
+        for (bool more = true; more; lines.clear()) {
+          more = reader.ReadOn(lines);
+          for (const Line& line : lines)
+            if (!take(line)) return;
+        }
+      });
+}
+
+}  // namespace vellumark

@@ -1,0 +1,29 @@
+#pragma once
+
+#include <optional>
+#include <string>
+
+#include "core/base/table.h"
+#include "core/inventory/stock_history.h"
+#include "core/inventory/stock_list.h"
+
+namespace vellumark {
+
+// Stock as people and programs see it. The session must outlive what is made here.
+
+/// "Basic" or "Formula".
+std::string KindText(ColorKind kind);
+
+TableOf<LotRow> LotColumns(const Session& session);
+/// A colour with its figures and its lots, for programs.
+TableOf<ColorStock> StockColumns(const Session& session);
+
+/// The stock of the colours that are meant (see ForEachStock), a row for each.
+ListTable ListColorStock(const Session& session, const std::optional<std::string>& name, std::optional<ColorKind> kind);
+/// The same for people: a line for Unlotted Inventory, one for each lot and, where there are lots, one for the total.
+ListTable ListStockLines(const Session& session, const std::optional<std::string>& name, std::optional<ColorKind> kind);
+ListTable ListLowStock(const Session& session);
+/// In the order of writing.
+ListTable ListHistory(const Session& session, const StockHistoryFilter& filter);
+
+}  // namespace vellumark
