@@ -2,8 +2,6 @@
 
 #include <fmt/format.h>
 
-#include <algorithm>
-
 #include "core/base/text.h"
 #include "core/inventory/lots.h"
 
@@ -109,13 +107,6 @@ bool StockHistoryReader::ReadOn(std::vector<StockLine>& lines) {
     StockLine& line = next->ahead[next->taken++];
     if (IsWanted(line)) lines.push_back(std::move(line));
   }
-}
-
-std::vector<StockLine> ListStockHistory(const Session& session, const StockHistoryFilter& filter) {
-  std::vector<StockLine> lines;
-  StockHistoryReader reader(session, filter, LineOrder::OldestFirst);
-  while (reader.ReadOn(lines)) continue;
-  return lines;
 }
 
 }  // namespace vellumark

@@ -54,7 +54,4 @@ class StockHistoryReader {
   std::optional<std::set<StockTrail::Lot>> lots_;
 };
 
-/// All of them in the order in which they were written.
-std::vector<StockLine> ListStockHistory(const Session& session, const StockHistoryFilter& filter);
-
 }  // namespace vellumark

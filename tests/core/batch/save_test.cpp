@@ -2,8 +2,8 @@
 // in stock when it is saved again.
 
 #include "core/base/number.h"
-#include "core/inventory/stock_history.h"
 #include "life_room.h"
+#include "support/stock_lines.h"
 
 namespace vellumark {
 namespace {
@@ -168,7 +168,7 @@ TEST_P(SavedAgain, MovesOnlyTheDifferenceOfWhatItMade) {
     EXPECT_EQ(room.Scalar("SELECT LotNumber FROM INK_Mix_LotInv").Text(), made.lotAfter);
     EXPECT_EQ(room.OfBatch("LotRefID").Whole(), room.Scalar("SELECT LotRefID FROM INK_Mix_LotInv").Whole());
     double moved = 0;
-    for (const StockLine& line : ListStockHistory(room.session, {.name = "PINK", .lot = made.lotAfter}))
+    for (const StockLine& line : test::ListStockHistory(room.session, {.name = "PINK", .lot = made.lotAfter}))
       moved += line.change;
     EXPECT_EQ(RoundSingle(moved, 3), made.lotted) << "the history finds the lot by its number";
   }

@@ -4,7 +4,7 @@
 #include <random>
 
 #include "core/base/number.h"
-#include "core/inventory/stock_history.h"
+#include "support/stock_lines.h"
 #include "support/stock_room.h"
 
 namespace vellumark::test {

@@ -14,6 +14,7 @@
 #include "core/inventory/color_stock.h"
 #include "core/inventory/posting.h"
 #include "core/inventory/stock_resets.h"
+#include "support/stock_lines.h"
 #include "support/stock_room.h"
 
 namespace vellumark::test {

@@ -1,8 +1,8 @@
 #include "core/inventory/stock_resets.h"
 
 #include "core/inventory/reorder.h"
-#include "core/inventory/stock_history.h"
 #include "core/inventory/stock_list.h"
+#include "support/stock_lines.h"
 #include "support/stock_room.h"
 
 namespace vellumark::test {

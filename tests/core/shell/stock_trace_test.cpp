@@ -1,9 +1,9 @@
 #include "core/base/number.h"
 #include "core/colors/basic_work.h"
 #include "core/inventory/posting.h"
-#include "core/inventory/stock_history.h"
 #include "core/shell/database_menu.h"
 #include "support/ink_room.h"
+#include "support/stock_lines.h"
 
 namespace vellumark {
 namespace {
@@ -11,7 +11,7 @@ namespace {
 // The change and the reason of each line of RED.
 std::vector<std::string> History(const Session& session, const std::string& database) {
   std::vector<std::string> lines;
-  for (const StockLine& line : ListStockHistory(session, {.name = "RED", .database = database}))
+  for (const StockLine& line : test::ListStockHistory(session, {.name = "RED", .database = database}))
     lines.push_back(ShortestText(line.change) + " " + line.reason);
   return lines;
 }
