@@ -41,6 +41,7 @@ struct Context {
   /// Opens `dataFile` for writing, for a verb with Needs::Nothing that finds that it needs it.
   std::function<Result<void>()> open = {};
 
+  /// What a verb returns that answers with a list.
   Result<Json> Answer(ListTable table) {
     list = std::move(table);
     return Json();

@@ -68,6 +68,7 @@ TEST(CliList, OfManyRowsIsWholeAsTextAndAsJson) {
   ASSERT_EQ(lines.size(), 10001U);
   EXPECT_EQ(lines.front()["Change"], 1);
   EXPECT_EQ(lines.back()["Change"], 10001);
+  EXPECT_EQ(shop.Json({"stock", "history"}).size(), 10002U) << "those of all colours";
   const std::string text = shop.Run({"stock", "history", "RED"}).out;
   EXPECT_EQ(std::ranges::count(text, '\n'), 10003);
   EXPECT_NE(text.find("Unlotted Inv.      1.000      1.000\n"), std::string::npos) << text.substr(0, 500);

@@ -89,6 +89,7 @@ ListTable Arranged(ListTable table, Arrangement arrangement);
 int CompareCells(const TableValue& a, const TableValue& b);
 /// The cell as people read it.
 std::string CellText(const TableColumn& column, const TableValue& value);
+
 /// Adds the numbers of columns that have a total.
 class TableTotals {
  public:
