@@ -209,7 +209,9 @@ Answer MessagePrompt::Show(const Message& message) {
   dialog->exec();
   const Answer chosen = dialog == nullptr ? Declined(message.buttons) : dialog->Chosen();
   delete dialog;
+  const bool outer = std::exchange(givesFocusBack_, true);
   TakeBack(owner);
+  givesFocusBack_ = outer;
   if (waiting) QApplication::restoreOverrideCursor();
   return chosen;
 }

@@ -41,9 +41,12 @@ class MessagePrompt final : public Prompt {
   Answer Show(const Message& message) override;
   /// Asked first; when it gives an answer no window is shown. For tests that drive the whole program.
   void SetHook(Hook hook) { hook_ = std::move(hook); }
+  /// A message has gone and the platform has not given the focus back yet: until it has, keys and clicks wait.
+  bool GivesFocusBack() const { return givesFocusBack_; }
 
  private:
   Hook hook_;
+  bool givesFocusBack_ = false;
 };
 
 }  // namespace vellumark::desktop

@@ -330,6 +330,17 @@ TEST(Messages, CanBeCopiedAndScrollWhenTheyAreLong) {
             });
 }
 
+// The program ends, or another user logs in, while a message stands over a window.
+TEST(Messages, OneWhoseOwnerGoesIsDeclined) {
+  MessagePrompt prompt;
+  auto owner = std::make_unique<QWidget>();
+  ShowActive(*owner);
+  Answer answer{};
+  WithModal([&] { answer = prompt.Show({"Save", "Save?", Buttons::YesNoCancel, vellumark::Icon::Question, Answer::Yes}); },
+            [&](QWidget&) { owner.reset(); });
+  EXPECT_EQ(answer, Answer::Cancel);
+}
+
 TEST(Messages, AHookAnswersWithoutAWindow) {
   MessagePrompt prompt;
   prompt.SetHook(

@@ -130,6 +130,7 @@ void Monkey::Next() {
 void Monkey::Act() {
   if (main_ == nullptr) return;
   Next();
+  if (deaf_ && deaf_()) return;
   // An act goes on inside an event loop of its own, or it lets a wait window breathe; anything else hears no operator.
   const int depth = QThread::currentThread()->loopLevel();
   const bool waits = qobject_cast<desktop::WaitWindow*>(QApplication::activeModalWidget()) != nullptr;

@@ -27,6 +27,8 @@ class Monkey : public QObject {
   /// Begins on the main window; it goes on inside every event loop until Stop.
   void Begin(QWidget& main);
   void Stop() { main_ = nullptr; }
+  /// Whether keys and clicks reach nobody at this moment.
+  void OnAsking(std::function<bool()> deaf) { deaf_ = std::move(deaf); }
   /// Called between two acts while no message or dialog is open and nothing is going on.
   void OnRest(std::function<void()> rest) { rest_ = std::move(rest); }
 
@@ -60,6 +62,7 @@ class Monkey : public QObject {
   std::filesystem::path folder_;
   QPointer<QWidget> main_;
   std::function<void()> rest_;
+  std::function<bool()> deaf_;
   std::deque<std::string> story_;
   std::set<std::string> places_;
   int acts_ = 0;

@@ -110,6 +110,7 @@ struct MonkeyTest : testing::Test {
       monkey.Stop();
       QCoreApplication::exit();
     });
+    monkey.OnAsking([&] { return running.prompt.GivesFocusBack(); });
     monkey.Begin(running.program.Main());
     if (running.Start({desktop::ChooseFile, [&](const auto&) { return room.folder.Path(); }})) QApplication::exec();
     monkey.Stop();
