@@ -10,6 +10,7 @@
 #include <QPushButton>
 #include <QScreen>
 #include <QScrollArea>
+#include <QThread>
 #include <QVBoxLayout>
 #include <algorithm>
 #include <utility>
@@ -191,6 +192,10 @@ void MessageDialog::keyPressEvent(QKeyEvent* event) {
   QDialog::keyPressEvent(event);
 }
 
+bool MessagePrompt::GivesFocusBack() const {
+  return givesFocusBackIn_ == QThread::currentThread()->loopLevel();
+}
+
 Answer MessagePrompt::Show(const Message& message) {
   if (hook_) {
     if (const auto answer = hook_(message)) return *answer;
@@ -209,9 +214,9 @@ Answer MessagePrompt::Show(const Message& message) {
   dialog->exec();
   const Answer chosen = dialog == nullptr ? Declined(message.buttons) : dialog->Chosen();
   delete dialog;
-  const bool outer = std::exchange(givesFocusBack_, true);
+  const int outer = std::exchange(givesFocusBackIn_, QThread::currentThread()->loopLevel());
   TakeBack(owner);
-  givesFocusBack_ = outer;
+  givesFocusBackIn_ = outer;
   if (waiting) QApplication::restoreOverrideCursor();
   return chosen;
 }

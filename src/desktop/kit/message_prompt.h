@@ -42,11 +42,11 @@ class MessagePrompt final : public Prompt {
   /// Asked first; when it gives an answer no window is shown. For tests that drive the whole program.
   void SetHook(Hook hook) { hook_ = std::move(hook); }
   /// A message has gone and the platform has not given the focus back yet: until it has, keys and clicks wait.
-  bool GivesFocusBack() const { return givesFocusBack_; }
+  bool GivesFocusBack() const;
 
  private:
   Hook hook_;
-  bool givesFocusBack_ = false;
+  int givesFocusBackIn_ = -1;  ///< the depth of event loops in which it waits for that; a dialog begins one of its own
 };
 
 }  // namespace vellumark::desktop
