@@ -92,6 +92,7 @@ std::vector<Wide> WholeUnits(const Recipe& recipe) {
     largest = std::max(largest, Magnitude(decimals.back()));
     finest = std::min(finest, decimals.back().exponent);
   }
+  if (largest == std::numeric_limits<int>::min()) return std::vector<Wide>(recipe.size(), 0);
   const int unit = std::max(finest, largest - kDigits);
   std::vector<Wide> units;
   for (const Decimal& decimal : decimals) units.push_back(decimal.digits == 0 ? 0 : InUnits(decimal, unit));
