@@ -1,6 +1,8 @@
 #include "desktop/kit/window_list.h"
 
 #include <QApplication>
+#include <QPointer>
+#include <QScopeGuard>
 #include <algorithm>
 #include <stdexcept>
 #include <utility>
@@ -114,9 +116,11 @@ std::optional<Arguments> WindowList::RunDialog(const std::string& name, const Ar
   if (factory == dialogFactories_.end()) throw std::logic_error("there is no dialog " + name);
   if (!MayOpen(name)) return std::nullopt;
   QWidget* owner = QApplication::activeWindow();
-  const std::unique_ptr<Dialog> dialog(factory->second(*this, owner != nullptr ? owner : Frame()));
+  // Its owner may go while it stands there, and takes it along.
+  const QPointer<Dialog> dialog = factory->second(*this, owner != nullptr ? owner : Frame());
+  const auto end = qScopeGuard([&dialog] { delete dialog; });
   dialog->OnOpen(arguments);
-  if (dialog->exec() != QDialog::Accepted) return std::nullopt;
+  if (dialog->exec() != QDialog::Accepted || dialog == nullptr) return std::nullopt;
   return dialog->result;
 }
 

@@ -183,6 +183,12 @@ TEST_F(WindowsTest, DialogsGiveBackTheirResultOrNothing) {
         Press(dialog, Qt::Key_Escape);
       });
   EXPECT_FALSE(result.has_value());
+
+  // A menu over the main window closes while a dialog that was opened from it stands there.
+  auto owner = std::make_unique<QWidget>();
+  ShowActive(*owner);
+  WithModal([&] { result = windows.RunDialog("NumberDialog", {{"Start", "15"}}); }, [&](QWidget&) { owner.reset(); });
+  EXPECT_FALSE(result.has_value());
 }
 
 TEST_F(WindowsTest, DialogsRememberTheirSize) {
