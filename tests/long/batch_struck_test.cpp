@@ -1,5 +1,5 @@
 // A Batch changed or deleted from the command line while a file operation fails, once or for good: the program says so
-// and ends, and what it called failed has not happened.
+// and ends, and what it called failed has not happened, unless it says that it may have.
 
 #include <gtest/gtest.h>
 
@@ -55,7 +55,7 @@ TEST(StruckBatch, IsAsItWasOrDone) {
     ASSERT_NE(before, after);
     for (const test::Strike strike : {test::Strike::Once, test::Strike::FromThereOn}) {
       const std::string how = strike == test::Strike::Once ? "" : ", for good";
-      int points = 0;
+      int points = 0, open = 0;
       for (int nth = 1;; ++nth) {
         shop.Restore();
         const test::StruckRun run = test::RunStruck(
@@ -64,9 +64,16 @@ TEST(StruckBatch, IsAsItWasOrDone) {
         ++points;
         // 127: the program itself could not be read.
         ASSERT_TRUE(run.status == 0 || run.status == 4 || run.status == 127) << run.status << " at " << nth << how;
-        ASSERT_EQ(shop.Rows(), run.status == 0 ? after : before) << " at " << nth << how;
+        const std::string rows = shop.Rows();
+        if (run.status == 4 && ReadFileBytes(shop.folder / "stderr").find("may be stored or not") != std::string::npos) {
+          ++open;
+          ASSERT_TRUE(rows == after || rows == before) << " at " << nth << how;
+        } else {
+          ASSERT_EQ(rows, run.status == 0 ? after : before) << " at " << nth << how;
+        }
       }
       EXPECT_GT(points, 20);
+      EXPECT_LE(open, 8);  // the syncs of the journal, of two transactions
     }
     ASSERT_EQ(shop.Run({"file", "check", shop.path, "--deep"}).status, 0);
   }

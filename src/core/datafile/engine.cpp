@@ -11,6 +11,7 @@
 #include <cmath>
 #include <cstring>
 #include <exception>
+#include <fstream>
 #include <limits>
 #include <system_error>
 #include <unordered_map>
@@ -63,6 +64,12 @@ IdentityOfFile IdentityOf(const std::filesystem::path& path) {
   struct stat status {};
   if (::stat(path.c_str(), &status) != 0) return {};
   return {status.st_dev, status.st_ino};
+}
+
+// Whether the next opening takes the file as it stands, with no journal to go back by.
+bool JournalIsEmpty(const std::filesystem::path& path) {
+  std::ifstream journal(RealPath(path).string() + "-journal", std::ios::binary);
+  return journal.get() <= 0;
 }
 
 // The engine tells only that it could not; these are the causes a person can mend.
@@ -489,7 +496,16 @@ void Transaction::Commit() {
     return;
   }
   if (database_.doomed_) throw Failure(database_.path_.string(), "a step of the change failed; nothing was written");
-  database_.Execute("COMMIT");
+  try {
+    database_.Execute("COMMIT");
+  } catch (const Failure& failure) {
+    // The last act of a commit syncs the emptied journal: when that fails, the change may be in the file already.
+    if (sqlite3_extended_errcode(database_.engine_->connection.getHandle()) != SQLITE_IOERR_FSYNC ||
+        !JournalIsEmpty(database_.path_))
+      throw;
+    throw Failure(failure.subject, failure.cause + " at the end of the change, which may be stored or not: look " +
+                                       "before you make it again");
+  }
   open_ = false;
   --database_.depth_;
   const std::vector<Change> told = std::exchange(database_.pending_, {});

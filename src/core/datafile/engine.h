@@ -128,6 +128,7 @@ class Transaction {
 
   /// Remembers a change to be told when the outermost transaction commits.
   void Note(Change change);
+  /// A Failure says that nothing was written, or, when the disk failed in the very last step, that nobody knows.
   void Commit();
 
  private:
