@@ -11,7 +11,7 @@ fail() {
 # Tools count as there when they can be called, whoever installed them; libraries when their package is.
 install_packages() {
   local missing=() pair package
-  for pair in cmake:cmake ninja-build:ninja g++:g++ ccache:ccache mold:mold python3:python3; do
+  for pair in cmake:cmake ninja-build:ninja g++:g++ ccache:ccache mold:mold python3:python3 poppler-utils:pdftotext; do
     command -v "${pair#*:}" >/dev/null || missing+=("${pair%%:*}")
   done
   command -v dpkg-query >/dev/null || fail "This script installs Debian packages, and this is no Debian system."

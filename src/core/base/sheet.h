@@ -1,0 +1,40 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "core/base/table.h"
+
+namespace vellumark {
+
+/// A caption and what stands beside it.
+struct SheetField {
+  std::string caption;
+  std::string value;
+};
+
+/// A part of a sheet. What is empty is left out; the order is that of the fields here.
+struct SheetBlock {
+  std::string heading{};
+  std::vector<SheetField> fields{};
+  std::optional<ListTable> table{};
+  std::vector<std::string> lines{};  ///< as much text as there is; line ends in it count
+  bool large = false;                ///< what is read across a bench
+};
+
+/// What goes on paper: a title over blocks that stand one below the other. A list is a sheet of one table.
+struct Sheet {
+  std::string title;
+  std::string subtitle{};
+  std::vector<SheetBlock> blocks{};
+
+  static Sheet Of(std::string title, ListTable table) {
+    Sheet sheet{.title = std::move(title)};
+    sheet.blocks.push_back({.table = std::move(table)});
+    return sheet;
+  }
+};
+
+}  // namespace vellumark

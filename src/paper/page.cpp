@@ -1,0 +1,33 @@
+#include "paper/page.h"
+
+#include <QPen>
+
+namespace vellumark::paper {
+
+PagePainter::PagePainter(QPainter& painter, const Typeface& typeface)
+    : painter_(painter), typeface_(typeface), scale_(painter.device()->logicalDpiX() / 72.0) {}
+
+const QFont& PagePainter::FontOf(const PageText& text) {
+  for (const Known& known : fonts_)
+    if (known.size == text.size && known.bold == text.bold) return known.font;
+  return fonts_.emplace_back(text.size, text.bold, typeface_.Font(text.size, text.bold)).font;
+}
+
+void PagePainter::Paint(const Page& page) {
+  const QFont* now = nullptr;
+  painter_.setPen(Qt::black);
+  for (const PageText& text : page.texts) {
+    const QFont& font = FontOf(text);
+    if (&font != now) painter_.setFont(font);
+    now = &font;
+    painter_.drawText(QPointF(text.x, text.y) * scale_, text.text);
+  }
+  for (const PageLine& line : page.lines) {
+    QPen pen(Qt::black, (line.dotted ? 0.4 : 0.6) * scale_);
+    if (line.dotted) pen.setDashPattern({1, 4});
+    painter_.setPen(pen);
+    painter_.drawLine(line.from * scale_, line.to * scale_);
+  }
+}
+
+}  // namespace vellumark::paper

@@ -1,0 +1,105 @@
+#include "paper/pdf.h"
+
+#include <QGuiApplication>
+#include <QIODevice>
+#include <QPainter>
+#include <QPdfWriter>
+#include <exception>
+
+#include "core/base/files.h"
+#include "core/base/refusal.h"
+
+namespace vellumark::paper {
+namespace {
+
+constexpr int kDotsPerInch = 1200;
+
+/// Takes what the PDF writer writes, which itself looks at no error.
+class FileDevice final : public QIODevice {
+ public:
+  explicit FileDevice(FileBeside& file) : file_(file) { open(QIODevice::WriteOnly); }
+  bool isSequential() const override { return true; }
+  void Check() const {
+    if (failed_) std::rethrow_exception(failed_);
+  }
+  bool Failed() const { return failed_ != nullptr; }
+
+ protected:
+  qint64 readData(char*, qint64) override { return -1; }
+  qint64 writeData(const char* bytes, qint64 count) override {
+    if (failed_) return count;
+    try {
+      file_.Write({bytes, static_cast<std::size_t>(count)});
+    } catch (const Failure&) {
+      failed_ = std::current_exception();  // thrown on by Check, outside of the writer
+    }
+    return count;
+  }
+
+ private:
+  FileBeside& file_;
+  std::exception_ptr failed_;
+};
+
+/// Lets the painting stop early.
+class Watched final : public Progress {
+ public:
+  Watched(Progress& progress, const FileDevice& device) : progress_(progress), device_(device) {}
+  void Begin(std::string_view text) override { progress_.Begin(text); }
+  void Percent(double percent) override { progress_.Percent(percent); }
+  bool Cancelled() override { return device_.Failed() || progress_.Cancelled(); }
+  void End() override { progress_.End(); }
+
+ private:
+  Progress& progress_;
+  const FileDevice& device_;
+};
+
+}  // namespace
+
+OffscreenFonts::OffscreenFonts() {
+  if (QCoreApplication::instance() == nullptr) application_ = std::make_unique<QGuiApplication>(count_, words_.data());
+}
+
+OffscreenFonts::~OffscreenFonts() = default;
+
+int PaintPages(QPagedPaintDevice& device, const std::string& name, SheetLayout& layout, PageRange range,
+               Progress& progress) {
+  device.setPageLayout(layout.Options().Layout());
+  QPainter painter;
+  if (!painter.begin(&device)) throw Failure(name, "cannot be printed to");
+  PagePainter pages(painter, layout.Face());
+  int number = 0;
+  int painted = 0;
+  layout.SetPages(
+      [&](const Page& page) {
+        if (++number < range.first) return true;
+        if (painted > 0 && !device.newPage()) throw Failure(name, "takes no further page");
+        pages.Paint(page);
+        ++painted;
+        return range.last == 0 || number < range.last;
+      },
+      progress);
+  if (!painter.end()) throw Failure(name, "cannot be printed to");
+  return painted;
+}
+
+int WritePdf(const std::filesystem::path& file, const std::string& title, SheetLayout& layout, Progress& progress) {
+  FileBeside beside(file, Readers::Everybody);
+  int pages = 0;
+  {
+    FileDevice device(beside);
+    QPdfWriter writer(&device);
+    writer.setResolution(kDotsPerInch);
+    writer.setTitle(Q(title));
+    writer.setCreator("The Vellumark");
+    Watched watched(progress, device);
+    pages = PaintPages(writer, file.string(), layout, {}, watched);
+    device.Check();
+  }
+  if (layout.Cancelled()) return 0;
+  beside.Replace();
+  return pages;
+}
+
+}  // namespace vellumark::paper
