@@ -140,7 +140,8 @@ void GridModel::SetSort(const GridSort& sort) {
 
 void GridModel::SetFilter(const QString& text) {
   std::vector<std::string> words;
-  for (const std::string_view word : Split(Upper(U8(text.simplified())), ' ')) {
+  const std::string upper = Upper(U8(text.simplified()));
+  for (const std::string_view word : Split(upper, ' ')) {
     if (!word.empty()) words.emplace_back(word);
   }
   if (words == words_) return;
