@@ -7,6 +7,7 @@
 #include "core/base/number.h"
 #include "core/base/text.h"
 #include "core/colors/additive_control.h"
+#include "core/colors/color_sheets.h"
 #include "core/colors/color_tables.h"
 #include "core/colors/names.h"
 
@@ -33,6 +34,7 @@ Result<AdditiveSet> Named(const Session& session, const std::string& typed) {
 Result<Json> Answer(Context& context, const std::string& typed) {
   const auto set = Named(context.session, typed);
   if (!set) return std::unexpected(set.error());
+  if (context.prints) context.sheet = AdditiveSetsSheet(context.session, {*set});
   if (!context.json) {
     context.text = fmt::format("{}\n\n", set->SetName) +
                    TableText(RecipeColumns("Additive", "Percent", 2).Total("Total").Of(set->rows));
@@ -203,12 +205,13 @@ void AddApplyVerbs(CLI::App* noun, Commands& commands) {
 void AddAdditiveSetCommands(CLI::App& app, Commands& commands) {
   CLI::App* noun = AddNoun(
       app, "addset", "Additive Sets: list, show, add, edit, rename, delete, and apply to or remove from formulas");
-  commands.AddList(noun->add_subcommand("list", "All, in the order of their names"), Needs::File,
+  commands.AddList(noun->add_subcommand("list", "All, in the order of their names"), Needs::File, "Additive Sets",
                    [](Context& context) { return context.Answer(ListSets(context.session)); });
 
   auto* show = noun->add_subcommand("show", "One with its Additives and the formulas with it");
   const auto shown = std::make_shared<std::string>();
   show->add_option("NAME", *shown, "Its name")->required()->check(NotEmpty);
+  commands.AddPrinting(show);
   commands.Add(show, Needs::File, [shown](Context& context) { return Answer(context, *shown); });
 
   auto* add = noun->add_subcommand("add", "Enter a new one");

@@ -10,6 +10,7 @@
 #include "core/batch/leave.h"
 #include "core/batch/open.h"
 #include "core/batch/store.h"
+#include "core/batch/ticket.h"
 
 namespace vellumark::cli {
 namespace {
@@ -103,6 +104,26 @@ Result<Json> MarkComplete(Context& context, std::int32_t batchNo, bool complete)
   return Json{{"BatchNo", batchNo}, {"Complete", complete}};
 }
 
+Result<Json> PrintTicket(Context& context, std::int32_t batchNo) {
+  const auto record = ReadBatch(context.session, batchNo);
+  if (!record) return NoBatch(context.session, batchNo);
+  auto ticket = BatchTicket(context.session, *record);
+  if (!ticket) return std::unexpected(ticket.error());
+  context.sheet = *std::move(ticket);
+  return Json();
+}
+
+// The colours that could go into a Batch.
+Result<Json> ListRecycles(Context& context, const BatchInput& input) {
+  const auto record = NewBatch(context.session, input);
+  if (!record) return std::unexpected(record.error());
+  auto sheet = RecycleListSheet(context.session, record->work);
+  if (!sheet) return std::unexpected(sheet.error());
+  context.Answer(*sheet->blocks.front().table);
+  if (context.prints) context.sheet = *std::move(sheet);
+  return Json();
+}
+
 struct ListOptions {
   std::string formula;
   int recent = 0;
@@ -149,7 +170,7 @@ void AddEditing(CLI::App& noun, Commands& commands) {
 }  // namespace
 
 void AddBatchCommands(CLI::App& app, Commands& commands) {
-  CLI::App* noun = AddNoun(app, "batch", "Batches: calc, save, show, list, edit, delete, complete");
+  CLI::App* noun = AddNoun(app, "batch", "Batches: calc, save, show, list, edit, delete, complete, ticket, recycles");
 
   auto* calc = noun->add_subcommand("calc", "Calculate a Batch and store nothing");
   const auto input = std::make_shared<BatchInput>();
@@ -166,7 +187,20 @@ void AddBatchCommands(CLI::App& app, Commands& commands) {
   list->add_option("--recent", options->recent, "Only so many, those entered last, newest first")
       ->check(CLI::PositiveNumber)
       ->excludes(formula);
-  commands.AddList(list, Needs::File, [options](Context& context) { return ListStoredBatches(context, *options); });
+  commands.AddList(list, Needs::File, "Batches",
+                   [options](Context& context) { return ListStoredBatches(context, *options); });
+
+  auto* ticket = noun->add_subcommand("ticket", "Print the ticket of a stored Batch");
+  const auto printed = AddNumber(*ticket);
+  commands.AddPrinting(ticket)->required();
+  commands.Add(ticket, Needs::File, [printed](Context& context) { return PrintTicket(context, *printed); });
+
+  auto* recycles = noun->add_subcommand(
+      "recycles", "The colors that could be recycled into a Batch, less what the settings leave out");
+  const auto into = std::make_shared<BatchInput>();
+  AddCalcOptions(*recycles, *into, true);
+  commands.AddPrinting(recycles);
+  commands.Add(recycles, Needs::File, [into](Context& context) { return ListRecycles(context, *into); });
 
   AddEditing(*noun, commands);
 }

@@ -117,7 +117,7 @@ std::string CheckPair(const std::string& text) {
 
 void AddColorCommands(CLI::App& app, Commands& commands) {
   CLI::App* noun = AddNoun(app, "color", "Basic Colors and Additives: list, show, add, set, rename, delete");
-  commands.AddList(noun->add_subcommand("list", "All, in the order of their names"), Needs::File,
+  commands.AddList(noun->add_subcommand("list", "All, in the order of their names"), Needs::File, "Basic Colors",
                    [](Context& context) { return context.Answer(ListBasics(context.session)); });
 
   auto* show = noun->add_subcommand("show", "One with all its fields");

@@ -38,7 +38,7 @@ std::string GuideCodes() {
 void AddDatabaseCommands(CLI::App& app, Commands& commands) {
   CLI::App* noun = AddNoun(app, "db", "The Databases of the Data File: list, use, create, rename, delete");
 
-  commands.AddList(noun->add_subcommand("list", "The Databases in menu order"), Needs::File,
+  commands.AddList(noun->add_subcommand("list", "The Databases in menu order"), Needs::File, "Databases",
                    [](Context& context) { return context.Answer(ListDatabases(context.session)); });
 
   auto* use = noun->add_subcommand("use", "Make a Database the current one");

@@ -7,6 +7,7 @@
 #include "core/base/number.h"
 #include "core/base/text.h"
 #include "core/colors/amounts.h"
+#include "core/colors/color_sheets.h"
 #include "core/colors/color_tables.h"
 #include "core/colors/duplicate.h"
 #include "core/colors/formula_work.h"
@@ -217,6 +218,7 @@ Result<Json> Compare(Context& context, const std::string& typed) {
   if (!mix) return std::unexpected(mix.error());
   const auto compared = CompareFormula(context.session, mix->Color_Name);
   if (!compared) return std::unexpected(compared.error());
+  if (context.prints) context.sheet = CompareSheet(*compared);
   if (!context.json) {
     const auto table = [](const std::string& heading, const Recipe& recipe) {
       return TableText(RecipeColumns(heading, "Parts").Of(recipe));
@@ -299,6 +301,7 @@ void AddGuideVerbs(CLI::App* noun, Commands& commands) {
   auto* revert = noun->add_subcommand("revert", "Put one back to the recipe that its guide publishes");
   for (CLI::App* verb : {compare, revert})
     verb->add_option("NAME", *name, "Its name, or its number in the guide")->required();
+  commands.AddPrinting(compare);
   commands.Add(compare, Needs::File, [name](Context& context) { return Compare(context, *name); });
   commands.Add(revert, Needs::Writable, [name](Context& context) { return Revert(context, *name); });
 }
@@ -312,7 +315,8 @@ void AddFormulaCommands(CLI::App& app, Commands& commands) {
   auto* list = noun->add_subcommand("list", "All, in the order of their names");
   const auto ingredient = std::make_shared<std::string>();
   list->add_option("--using", *ingredient, "Only those with this ingredient")->check(NotEmpty);
-  commands.AddList(list, Needs::File, [ingredient](Context& context) { return List(context, *ingredient); });
+  commands.AddList(list, Needs::File, "Master Formulas",
+                   [ingredient](Context& context) { return List(context, *ingredient); });
 
   auto* show = noun->add_subcommand("show", "One with its recipe and all its fields");
   const auto shown = std::make_shared<std::string>();

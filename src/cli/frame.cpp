@@ -47,6 +47,12 @@ std::string CommandName(const CLI::App& verb) {
   return name;
 }
 
+std::string IsPdfName(const std::string& name) {
+  return name.size() > 4 && EqualNoCase(std::string_view(name).substr(name.size() - 4), ".pdf")
+             ? ""
+             : name + " does not end with .pdf";
+}
+
 }  // namespace
 
 void Commands::Add(CLI::App* verb, Needs needsOfVerb, Action action) {
@@ -60,7 +66,19 @@ void Commands::Add(CLI::App* verb, Needs needsOfVerb, Action action) {
   });
 }
 
-void Commands::AddList(CLI::App* verb, Needs needsOfVerb, Action action) {
+CLI::Option* Commands::AddPrinting(CLI::App* verb) {
+  auto* out = verb->add_option("--out", print.out, "Print it into this PDF")->type_name("FILE.pdf")->check(IsPdfName);
+  verb->add_option("--paper", print.paper.paper, "A4 or Letter")
+      ->check(CLI::IsMember({"A4", "Letter"}, CLI::ignore_case))
+      ->needs(out);
+  verb->add_flag("--landscape", print.paper.landscape, "The long side across")->needs(out);
+  verb->add_option("--font", print.paper.fontPercent, "Size of its text in percent, 60 to 100")
+      ->check(CLI::Range(60, 100))
+      ->needs(out);
+  return out;
+}
+
+void Commands::AddList(CLI::App* verb, Needs needsOfVerb, std::string title, Action action) {
   auto* sort = verb->add_option("--sort", wish.sort, "Sorted by this column")->type_name("CAPTION")->check(NotEmpty);
   verb->add_option("--then", wish.then, "By this one where the first is equal")
       ->type_name("CAPTION")
@@ -69,7 +87,11 @@ void Commands::AddList(CLI::App* verb, Needs needsOfVerb, Action action) {
   verb->add_flag("--desc", wish.descending, "The largest first")->needs(sort);
   verb->add_option("--filter", wish.filter, "Only rows in which each of these words stands")->check(NotEmpty);
   verb->add_option("--limit", wish.limit, "Only so many rows")->check(CLI::NonNegativeNumber);
-  Add(verb, needsOfVerb, std::move(action));
+  AddPrinting(verb);
+  Add(verb, needsOfVerb, [title = std::move(title), action = std::move(action)](Context& context) {
+    context.title = title;
+    return action(context);
+  });
 }
 
 CLI::App* AddNoun(CLI::App& app, const std::string& name, const std::string& description) {

@@ -11,8 +11,10 @@
 
 #include "cli/output.h"
 #include "core/base/refusal.h"
+#include "core/base/sheet.h"
 #include "core/base/table.h"
 #include "core/session/acts.h"
+#include "paper/print_file.h"
 
 namespace vellumark::cli {
 
@@ -35,9 +37,12 @@ struct Context {
   std::string text = {};
   /// The answer that is a list: it is read and written row by row when the verb is done.
   std::optional<ListTable> list = {};
-  int exitStatus = ExitDone;  ///< of an answer that is whole and tells of something amiss
-  std::string user = {};      ///< --user; empty when not given
-  std::string password = {};  ///< --password, or VELLUMARK_PASSWORD
+  std::string title = {};           ///< of the list on paper
+  std::optional<Sheet> sheet = {};  ///< what --out prints in the place of the list
+  bool prints = false;              ///< --out was given: the answer is for people, on paper
+  int exitStatus = ExitDone;        ///< of an answer that is whole and tells of something amiss
+  std::string user = {};            ///< --user; empty when not given
+  std::string password = {};        ///< --password, or VELLUMARK_PASSWORD
   /// Opens `dataFile` for writing, for a verb with Needs::Nothing that finds that it needs it.
   std::function<Result<void>()> open = {};
 
@@ -57,6 +62,12 @@ struct ListWish {
   std::optional<std::size_t> limit;
 };
 
+/// Where an answer is to be printed, and how.
+struct PrintWish {
+  std::string out;  ///< a PDF; empty: it is not printed
+  paper::PaperWish paper;
+};
+
 /// A verb's procedure: its JSON answer, or the refusal of the rule that stopped it. Json() (null) prints nothing.
 using Action = std::function<Result<Json>(Context&)>;
 
@@ -66,13 +77,16 @@ class Commands {
   /// `verb` is a subcommand of a noun; its options write into variables that `action` holds (by shared_ptr). A command
   /// without a row in the table of acts is a fault of the program: std::logic_error.
   void Add(CLI::App* verb, Needs needs, Action action);
-  /// A verb that lists, with the options for its order and for what is wanted of it.
-  void AddList(CLI::App* verb, Needs needs, Action action);
+  /// A verb that lists, with the options for its order, for what is wanted of it, and for printing it under `title`.
+  void AddList(CLI::App* verb, Needs needs, std::string title, Action action);
+  /// Gives a verb that answers with a list or a sheet the options for printing it.
+  CLI::Option* AddPrinting(CLI::App* verb);
 
   Needs needs = Needs::Nothing;
   Act act = Act::Look;
   Action chosen;
   ListWish wish;
+  PrintWish print;
 };
 
 /// The noun's App under `app`, with its help.

@@ -149,6 +149,17 @@ Arrangement ArrangementOf(const ListWish& wish, const ListTable& table) {
   return {column(wish.sort), wish.descending, column(wish.then), wish.descending, wish.filter, wish.limit};
 }
 
+/// The file that was printed into, or the refusal when nothing was.
+Result<Json> Print(const Context& context, const Commands& commands) {
+  const std::string& out = commands.print.out;
+  const Sheet sheet =
+      context.sheet ? *context.sheet
+                    : Sheet::Of(context.title, Arranged(*context.list, ArrangementOf(commands.wish, *context.list)));
+  const int pages = paper::PrintToFile(context.session, sheet, commands.print.paper, out);
+  if (pages == 0) return Refuse("Print", "Nothing was printed.");
+  return Json{{"File", fs::absolute(out).string()}, {"Pages", pages}};
+}
+
 void WriteAnswer(Output& output, const Context& context, const Json& answer, const ListWish& wish) {
   if (context.list) {
     const ListTable list = Arranged(*context.list, ArrangementOf(wish, *context.list));
@@ -173,6 +184,7 @@ int RunChosen(const GlobalOptions& options, const Commands& commands) {
                     .dataFile = options.file.empty() ? session.DataFileName : options.file,
                     .user = options.user,
                     .password = options.password};
+    context.prints = !commands.print.out.empty();
     if (!options.file.empty()) context.dataFile = fs::absolute(options.file).string();
 
     context.open = [&] { return OpenForVerb(context, options, Needs::Writable); };
@@ -186,7 +198,12 @@ int RunChosen(const GlobalOptions& options, const Commands& commands) {
       if (opened) opened = RequireAtDoor(session, commands.act);
     }
     if (!opened) return Report(output, opened.error(), options.json, "refused", ExitRefused);
-    const Result<Json> answer = commands.chosen(context);
+    Result<Json> answer = commands.chosen(context);
+    if (answer && context.prints) {
+      answer = Print(context, commands);
+      context.list.reset();
+      context.text.clear();
+    }
     if (!answer) return Report(output, answer.error(), options.json, "refused", ExitRefused);
     // A command is a session of its own: what it left stale in the formulas is brought up to date before it ends.
     RunPendingPassesOrTell(session);

@@ -41,12 +41,13 @@ void AddSettingsCommands(CLI::App& app, Commands& commands) {
   set->add_option("VALUE", *value, "Its new value")->required();
   commands.Add(set, Needs::Nothing, [key, value](Context& context) { return SetSetting(context, *key, *value); });
 
-  commands.AddList(noun->add_subcommand("list", "All keys and values"), Needs::Nothing, [](Context& context) {
-    return context.Answer(TableOf<SupportRecord>()
-                              .Add("Key", &SupportRecord::key)
-                              .Add("Value", &SupportRecord::value)
-                              .Of(context.session.support->settings.Read().Records()));
-  });
+  commands.AddList(noun->add_subcommand("list", "All keys and values"), Needs::Nothing, "Settings",
+                   [](Context& context) {
+                     return context.Answer(TableOf<SupportRecord>()
+                                               .Add("Key", &SupportRecord::key)
+                                               .Add("Value", &SupportRecord::value)
+                                               .Of(context.session.support->settings.Read().Records()));
+                   });
 }
 
 }  // namespace vellumark::cli

@@ -26,7 +26,9 @@ Result<Json> ShowStock(Context& context, const std::optional<std::string>& typed
     name = *read;
     if (!HasRows(ListColorStock(session, name, {}))) return std::unexpected(InventoryColorNotFound(session));
   }
-  return context.Answer(context.json ? ListColorStock(session, name, {}) : ListStockLines(session, name, {}));
+  context.title = name ? "Stock of " + *name : "Stock";
+  return context.Answer(context.json && !context.prints ? ListColorStock(session, name, {})
+                                                        : ListStockLines(session, name, {}));
 }
 
 // The lots of one colour. A name that both kinds bear is asked for.
@@ -36,8 +38,10 @@ Result<Json> ShowLots(Context& context, const std::string& typed, const std::str
   if (!name) return std::unexpected(name.error());
   const auto kind = ChooseInventoryColor(session, *name, KindOf(kindOption));
   if (!kind) return std::unexpected(kind.error());
-  return context.Answer(context.json ? LotColumns(session).Of(ListStock(session, *name, *kind).front().lots)
-                                     : ListStockLines(session, *name, *kind));
+  context.title = "Stock of " + *name;
+  return context.Answer(context.json && !context.prints
+                            ? LotColumns(session).Of(ListStock(session, *name, *kind).front().lots)
+                            : ListStockLines(session, *name, *kind));
 }
 
 struct HistoryOptions {
@@ -168,16 +172,19 @@ void AddStockCommands(CLI::App& app, Commands& commands) {
   auto* show = noun->add_subcommand("show", "Unlotted stock, lots and totals");
   const auto shown = std::make_shared<std::optional<std::string>>();
   show->add_option("NAME", *shown, "A Basic Color or formula; all of them without a name");
+  commands.AddPrinting(show);
   commands.Add(show, Needs::File, [shown](Context& context) { return ShowStock(context, *shown); });
 
   auto* lots = noun->add_subcommand("lots", "The lots of a colour");
   const auto whose = std::make_shared<std::pair<std::string, std::string>>();
   lots->add_option("NAME", whose->first, "The Basic Color or formula")->required();
   AddKindOption(lots, whose->second);
+  commands.AddPrinting(lots);
   commands.Add(lots, Needs::File, [whose](Context& context) { return ShowLots(context, whose->first, whose->second); });
 
   auto* low = noun->add_subcommand("low", "The colours whose stock is below their reorder point");
-  commands.AddList(low, Needs::File, [](Context& context) { return context.Answer(ListLowStock(context.session)); });
+  commands.AddList(low, Needs::File, "Colors below Reorder Point",
+                   [](Context& context) { return context.Answer(ListLowStock(context.session)); });
 
   auto* history =
       noun->add_subcommand("history", "Every change of stock: when, who, what moved it, what then was there");
@@ -185,7 +192,8 @@ void AddStockCommands(CLI::App& app, Commands& commands) {
   history->add_option("NAME", told->name, "A Basic Color or formula, through all its names; all of them without one");
   history->add_option("--lot", told->lot, "Only this lot, or \"Unlotted Inv.\"")->check(NotEmpty);
   AddKindOption(history, told->kind);
-  commands.AddList(history, Needs::File, [told](Context& context) { return ShowHistory(context, *told); });
+  commands.AddList(history, Needs::File, "Stock History",
+                   [told](Context& context) { return ShowHistory(context, *told); });
 
   AddStockResetCommands(*noun, commands);
 

@@ -141,7 +141,7 @@ Result<Json> Modify(Context& context, const std::string& name, const std::vector
 
 void AddListAndFeature(CLI::App& noun, Commands& commands) {
   commands.AddList(noun.add_subcommand("list", "The users and, for an administrator, their rights"), Needs::File,
-                   [](Context& context) { return context.Answer(ListUsers(context.session)); });
+                   "Users", [](Context& context) { return context.Answer(ListUsers(context.session)); });
 
   auto* enable = noun.add_subcommand("enable", "Switch the feature on, with its first administrator");
   const auto name = std::make_shared<std::string>();

@@ -97,7 +97,8 @@ void PageSetter::SetHead() {
   const QDateTime moment(QDate(at.year, at.month, at.day), QTime(at.hour, at.minute, at.second));
   const QString day = plain ? Q(at.DateText()) : options_.locale.toString(moment.date(), QLocale::ShortFormat);
   const QString time = plain ? moment.toString("HH:mm") : options_.locale.toString(moment.time(), QLocale::ShortFormat);
-  Ends(kDatabaseTop, options_.database.isEmpty() ? QString() : "Database: " + options_.database, day + "  " + time, size);
+  Ends(kDatabaseTop, options_.database.isEmpty() ? QString() : "Database: " + options_.database, day + "  " + time,
+       size);
   if (!subtitle_.isEmpty()) Centered(kSubtitleTop, subtitle_, kCaptionSize + 1, true, kBodyTop - kSubtitleTop);
 }
 

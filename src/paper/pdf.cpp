@@ -58,7 +58,14 @@ class Watched final : public Progress {
 }  // namespace
 
 OffscreenFonts::OffscreenFonts() {
-  if (QCoreApplication::instance() == nullptr) application_ = std::make_unique<QGuiApplication>(count_, words_.data());
+  if (QCoreApplication::instance() != nullptr) return;
+  // A scheduled job has no session of a desktop, which is no news to whoever reads what it tells.
+  static QtMessageHandler others = nullptr;
+  others = qInstallMessageHandler([](QtMsgType type, const QMessageLogContext& context, const QString& text) {
+    if (!text.startsWith("QStandardPaths: XDG_RUNTIME_DIR")) others(type, context, text);
+  });
+  application_ = std::make_unique<QGuiApplication>(count_, words_.data());
+  qInstallMessageHandler(others);
 }
 
 OffscreenFonts::~OffscreenFonts() = default;

@@ -9,9 +9,9 @@
 namespace vellumark::paper {
 namespace {
 
-constexpr double kLargeSize = 1.4;     // what is read across a bench, of the body's size
+constexpr double kLargeSize = 1.4;  // what is read across a bench, of the body's size
 constexpr double kHeadingSize = 1.1;
-constexpr int kLeastAskedSize = 7;     // below it a table is hard to read
+constexpr int kLeastAskedSize = 7;         // below it a table is hard to read
 constexpr std::size_t kRowsBetween = 512;  // of which the progress is told
 
 }  // namespace
@@ -150,8 +150,8 @@ class TableSetter {
     BeginRow();
     double left = 0;
     for (const PaperColumn& column : columns_) {
-      PutCell(column, left,
-              PaperText(table_.columns[column.column], row.Cell(column.column), options_.locale), false, 0);
+      PutCell(column, left, PaperText(table_.columns[column.column], row.Cell(column.column), options_.locale), false,
+              0);
       left += column.width;
     }
     if (options_.guideLines) setter_.Rule(line_, true);

@@ -6,10 +6,10 @@
 namespace vellumark::paper {
 namespace {
 
-constexpr double kGrain = 0.01;          // points; what sums of widths may be off
-constexpr double kLeastShrink = 0.6;     // of a number's size
-constexpr double kWidestText = 0.45;     // of the page, for a column that is measured
-constexpr double kUnitsOfTwip = 0.012;   // of the 80 across a page
+constexpr double kGrain = 0.01;         // points; what sums of widths may be off
+constexpr double kLeastShrink = 0.6;    // of a number's size
+constexpr double kWidestText = 0.45;    // of the page, for a column that is measured
+constexpr double kUnitsOfTwip = 0.012;  // of the 80 across a page
 constexpr double kUnitsAcross = 80;
 
 // The part of a text that fits.
@@ -24,7 +24,8 @@ qsizetype LettersThatFit(const Typeface& typeface, const QString& text, double s
 
 double LongestWord(const Typeface& typeface, const QString& text, double size) {
   double widest = 0;
-  for (const QStringView word : QStringView(text).split(' ')) widest = std::max(widest, typeface.Width(word, size, true));
+  for (const QStringView word : QStringView(text).split(' '))
+    widest = std::max(widest, typeface.Width(word, size, true));
   return widest;
 }
 
@@ -48,7 +49,8 @@ bool IsFigure(QStringView text) {
   for (const QChar letter : text) {
     if (letter.isDigit())
       digit = true;
-    else if (!QStringView(u" .,-+%'\u00a0\u202f\u2212$").contains(letter) && letter.category() != QChar::Symbol_Currency)
+    else if (!QStringView(u" .,-+%'\u00a0\u202f\u2212$").contains(letter) &&
+             letter.category() != QChar::Symbol_Currency)
       return false;
   }
   return digit;

@@ -14,7 +14,8 @@ inline QString Q(std::string_view text) {
 }
 
 /// A font family in two weights, measured apart from any device: sizes and widths in points, a width in proportion to
-/// the size. Letters stand side by side without kerning and ligatures, so that the width of a text is the sum of theirs.
+/// the size. Letters stand side by side without kerning and ligatures, so that the width of a text is the sum of
+/// theirs.
 class Typeface {
  public:
   /// The system's own choice when it has no such family.

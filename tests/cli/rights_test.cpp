@@ -109,6 +109,8 @@ std::vector<Line> Lines(const test::CliRoom& room) {
       {{"batch", "calc", "--formula", "MIX", "--quantity", "10"}, {}},
       {{"batch", "show", "99"}, {}},
       {{"batch", "list"}, {}},
+      {{"batch", "ticket", "99", "--out", "ticket.pdf"}, {}},
+      {{"batch", "recycles", "--formula", "MIX", "--quantity", "10"}, {}},
       {{"batch", "save", "--formula", "NONE", "--quantity", "10"}, {}},
       {{"batch", "edit", "99"}, {}},
       {{"batch", "delete", "99"}, {}},

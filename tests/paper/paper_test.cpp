@@ -1,7 +1,7 @@
-#include <QPrinter>
 #include <fmt/format.h>
 #include <gtest/gtest.h>
 #include <sys/resource.h>
+#include <QPrinter>
 
 #include <algorithm>
 #include <csignal>
@@ -19,7 +19,6 @@ namespace vellumark::paper {
 namespace {
 
 using test::ScratchFolder;
-
 
 // Columns "T0", "N1", "T2" ...: texts "r3c0" and figures with three decimals, `columns` of them, one by one.
 ListTable Grid(std::size_t rows, std::size_t columns, std::string totals = {}) {
@@ -145,7 +144,8 @@ TEST_P(Shapes, PrintsEveryCell) {
       for (std::size_t n = 0; n < captions.size(); ++n) {
         const std::size_t column = std::stoul(captions[n].substr(1));
         const PdfWord& word = body[i].words[n];
-        ASSERT_EQ(word.text, column % 2 == 0 ? fmt::format("r{}c{}", row, column) : fmt::format("{}.125", row * 100 + column));
+        ASSERT_EQ(word.text,
+                  column % 2 == 0 ? fmt::format("r{}c{}", row, column) : fmt::format("{}.125", row * 100 + column));
         seen.insert(word.text);
         if (column % 2 == 1) {
           EXPECT_NEAR(word.right, rights.try_emplace(column, word.right).first->second, 0.3);
@@ -179,20 +179,22 @@ TEST_F(PaperTest, SetsTheFrameOfEveryPage) {
     const std::vector<std::string> head{"The Vellumark", "Color List - INCOMPLETE",
                                         fmt::format("Version 5.0.0 - /shop.vkd Page {}", n + 1),
                                         "Database: MAIN 2026-11-25 14:05", "Basic Colors only"};
-    EXPECT_TRUE(std::ranges::equal(std::span(lines).first(head.size()), head)) << fmt::format("{}", fmt::join(lines, "|"));
+    EXPECT_TRUE(std::ranges::equal(std::span(lines).first(head.size()), head))
+        << fmt::format("{}", fmt::join(lines, "|"));
     EXPECT_EQ(lines[lines.size() - 2], "Printed by The Vellumark, production manager for the ink room");
     EXPECT_EQ(lines.back(), "INK is a trade mark of Somebody");
   }
-  EXPECT_NE(RunTool(fmt::format("pdfinfo '{}'", file.string())).find("Title:           Color List\n"), std::string::npos);
+  EXPECT_NE(RunTool(fmt::format("pdfinfo '{}'", file.string())).find("Title:           Color List\n"),
+            std::string::npos);
 }
 
 // A column too narrow for what it holds: a number is whole or "####", never another number; a text loses its end.
 TEST_F(PaperTest, CutsNoNumber) {
-  const Sheet sheet = Sheet::Of(
-      "Narrow", Rows({{"Name", "", Format::Text}, {"Qty", "", Format::Amount}, {"No", "", Format::Text}},
-                     {{std::string("A"), 1.5, std::string("000042")},
-                      {std::string("PANTONE REFLEX BLUE C"), 12345.678, std::string("000043")},
-                      {std::string("B"), 123456789012.125, std::string("000000000000000044")}}));
+  const Sheet sheet =
+      Sheet::Of("Narrow", Rows({{"Name", "", Format::Text}, {"Qty", "", Format::Amount}, {"No", "", Format::Text}},
+                               {{std::string("A"), 1.5, std::string("000042")},
+                                {std::string("PANTONE REFLEX BLUE C"), 12345.678, std::string("000043")},
+                                {std::string("B"), 123456789012.125, std::string("000000000000000044")}}));
   options.widths = {1500, 800, 800};
   const auto body = BodyOf(Print(sheet).front());
   ASSERT_EQ(body.size(), 4U);

@@ -47,7 +47,8 @@ inline std::string RunTool(const std::string& command) {
 
 inline std::string Unescaped(std::string text) {
   for (const auto& [code, letter] : {std::pair{"&lt;", "<"}, {"&gt;", ">"}, {"&quot;", "\""}, {"&amp;", "&"}})
-    for (std::size_t at = 0; (at = text.find(code, at)) != std::string::npos; ++at) text.replace(at, std::strlen(code), letter);
+    for (std::size_t at = 0; (at = text.find(code, at)) != std::string::npos; ++at)
+      text.replace(at, std::strlen(code), letter);
   return text;
 }
 
@@ -59,11 +60,12 @@ inline std::vector<PdfPage> ReadPdf(const std::filesystem::path& file) {
     if (line.find("<page ") != std::string::npos) words.emplace_back();
     PdfWord word{};
     int begins = 0;
-    if (std::sscanf(line.c_str(), " <word xMin=\"%lf\" yMin=\"%lf\" xMax=\"%lf\" yMax=\"%lf\">%n", &word.left, &word.top,
-                    &word.right, &word.bottom, &begins) != 4 ||
+    if (std::sscanf(line.c_str(), " <word xMin=\"%lf\" yMin=\"%lf\" xMax=\"%lf\" yMax=\"%lf\">%n", &word.left,
+                    &word.top, &word.right, &word.bottom, &begins) != 4 ||
         begins == 0)
       continue;
-    word.text = Unescaped(line.substr(static_cast<std::size_t>(begins), line.rfind("</word>") - static_cast<std::size_t>(begins)));
+    word.text = Unescaped(
+        line.substr(static_cast<std::size_t>(begins), line.rfind("</word>") - static_cast<std::size_t>(begins)));
     words.back().push_back(word);
   }
   std::vector<PdfPage> pages;

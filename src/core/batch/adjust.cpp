@@ -169,16 +169,19 @@ std::string AmountText(float amount, const BatchWork& work) {
   return fmt::format("{} {}", Fixed(amount, 3), UnitName(work.UMF));
 }
 
-std::vector<std::string> ChangeLines(const BatchWork& work, const std::vector<BatchIngredient>& before) {
-  std::vector<std::string> lines;
+std::vector<AmountChange> ChangesSince(const BatchWork& work, const std::vector<BatchIngredient>& before) {
+  std::vector<AmountChange> changes;
   for (const BatchIngredient& ingredient : work.Ingredients) {
     const auto old = std::ranges::find(before, ingredient.IngName, &BatchIngredient::IngName);
-    std::string line = ingredient.IngName;
-    line.append(35 - std::min<std::size_t>(35, CharCount(line)), ' ');
-    line += AmountText(old == before.end() ? 0 : old->Amount, work) + "  --->  " + AmountText(ingredient.Amount, work);
-    lines.push_back(std::move(line));
+    changes.push_back({ingredient.IngName, old == before.end() ? 0 : old->Amount, ingredient.Amount});
   }
-  return lines;
+  return changes;
+}
+
+std::string ChangeLine(const AmountChange& change, const BatchWork& work) {
+  std::string line = change.name;
+  line.append(35 - std::min<std::size_t>(35, CharCount(line)), ' ');
+  return line + AmountText(change.before, work) + "  --->  " + AmountText(change.after, work);
 }
 
 bool AskOverpour(Session& session, const char* title) {
@@ -282,10 +285,12 @@ Result<Overpour> OverpourBasicRow(Session& session, BatchWork& work, std::size_t
   const std::vector<BatchIngredient> before = work.Ingredients;
   CalculateBatch(session, work, false);
   ShowCalculation(session, work);
-  Overpour result{.reformulated = true, .printDetail = false, .lines = ChangeLines(work, before)};
-  if (!result.lines.empty())
-    result.printDetail = session.prompt.Ask("Change in Amounts" + std::string(50, ' '),
-                                            fmt::format("Print out this detail?\n\n{}", fmt::join(result.lines, "\n")));
+  Overpour result{.reformulated = true, .printDetail = false, .changes = ChangesSince(work, before)};
+  std::string lines;
+  for (const AmountChange& change : result.changes) lines += "\n" + ChangeLine(change, work);
+  if (!lines.empty())
+    result.printDetail =
+        session.prompt.Ask("Change in Amounts" + std::string(50, ' '), "Print out this detail?\n" + lines);
   return result;
 }
 
@@ -307,7 +312,7 @@ Result<Overpour> OverpourMixRow(Session& session, BatchWork& work, std::size_t r
     for (const auto& [name, used] : rows) AddRecycledColor(session, work, name, used);
     SortRecycleList(work);
     ShowCalculation(session, work);
-    return Overpour{.reformulated = true, .printDetail = false, .lines = {}};
+    return Overpour{.reformulated = true, .printDetail = false, .changes = {}};
   });
 }
 

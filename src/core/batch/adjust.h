@@ -53,11 +53,18 @@ Result<bool> ChooseFromRecycleList(Session& session, BatchWork& work, std::strin
 
 // ---- Over-pour
 
-/// What an over-pour did. `question` and `lines` are for the offer to print the change.
+/// What an over-pour did to an amount.
+struct AmountChange {
+  std::string name;
+  float before = 0;
+  float after = 0;
+};
+
+/// What an over-pour did; `printDetail`: the change is to be printed.
 struct Overpour {
   bool reformulated = false;
   bool printDetail = false;
-  std::vector<std::string> lines;
+  std::vector<AmountChange> changes;
 };
 
 /// The Batch grows until the Basic row's share of it is what was poured. Refuses an amount that is no number or smaller

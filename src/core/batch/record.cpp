@@ -124,13 +124,13 @@ bool UsesBatchComplete(const Session& session) {
   return IsOn(session, keys::BatchComplete);
 }
 
-bool PriorBatchHadAdditions(const Session& session, std::string_view colorName) {
+bool PriorBatchHadAdditions(const Session& session, std::string_view colorName, std::int32_t before) {
   std::string types;
   for (int i = 0; i < schema::kBatchLines; ++i) types += fmt::format("{}IngType{}", i == 0 ? "" : ", ", i);
   return !session.File()
-              .Scalar(fmt::format("SELECT 1 FROM {} WHERE Color_Name = ? AND 3 IN ({}) LIMIT 1",
+              .Scalar(fmt::format("SELECT 1 FROM {} WHERE Color_Name = ? AND BatchNo < ? AND 3 IN ({}) LIMIT 1",
                                   Quoted(session.Table(schema::Batch)), types),
-                      {colorName})
+                      {colorName, before})
               .IsNull();
 }
 

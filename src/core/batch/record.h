@@ -135,8 +135,8 @@ void RememberRecord(BatchRecord& record);
 /// How the Batch's `BatchComplete` setting stands.
 bool UsesBatchComplete(const Session& session);
 
-/// ImgPrevAdditions: an earlier Batch of this formula had additions.
-bool PriorBatchHadAdditions(const Session& session, std::string_view colorName);
+/// ImgPrevAdditions: an earlier Batch of this formula, of a lower number than `before`, had additions.
+bool PriorBatchHadAdditions(const Session& session, std::string_view colorName, std::int32_t before);
 
 /// Caption, value in a new Batch (empty without one) and number format of the user-defined fields, `number` 0 to 5.
 std::string BatchUDTextCaption(const Session& session, int number);

@@ -91,6 +91,8 @@ constexpr WayIn kCommands[] = {
     {"batch calc", Act::Look},
     {"batch show", Act::Look},
     {"batch list", Act::Look},
+    {"batch ticket", Act::Look},
+    {"batch recycles", Act::Look},
     {"batch save", Act::Work},
     {"batch edit", Act::Work},
     {"batch delete", Act::Work},

@@ -174,7 +174,7 @@ void RowsPanel::Show(const BatchRecord& record) {
   ink_->setVisible(ink.has_value());
   guide_->setText(named ? GuideOf(work) : QString());
   modified_->setVisible(record.modifiedFormula);
-  prevAdditions_->setVisible(named && PriorBatchHadAdditions(session_, work.Color_Name));
+  prevAdditions_->setVisible(named && PriorBatchHadAdditions(session_, work.Color_Name, record.BatchNo));
   ShowRows(record);
   const bool rows = !work.Rows.empty();
   empty_->setVisible(!rows);

@@ -167,7 +167,8 @@ TEST(ModifiedBatch, FoldsTheAdditionsIntoTheFormula) {
   EXPECT_EQ(pink.Color_Set, "<WHITE><RED>");
   EXPECT_EQ(pink.LastModified->DateText(), "2026-03-10");
   EXPECT_EQ(room.OfBatch("IngType2").Whole(), 3);
-  EXPECT_TRUE(PriorBatchHadAdditions(room.session, "PINK"));
+  EXPECT_TRUE(PriorBatchHadAdditions(room.session, "PINK", 2));
+  EXPECT_FALSE(PriorBatchHadAdditions(room.session, "PINK", 1));
   // The Batch is of that formula, so it can still be edited.
   EXPECT_TRUE(ReadBatch(room.session, 1)->formulaUnchanged);
 }

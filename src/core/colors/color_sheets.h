@@ -1,0 +1,21 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "core/base/sheet.h"
+#include "core/colors/additive_sets.h"
+#include "core/colors/guide_formulas.h"
+
+namespace vellumark {
+
+// What is printed of colours and Additive Sets.
+
+/// The lines of each set and the formulas that use it.
+Sheet AdditiveSetsSheet(const Session& session, const std::vector<AdditiveSet>& sets);
+/// A formula beside the recipe that its guide publishes.
+Sheet CompareSheet(const FormulaComparison& compared);
+/// The formulas that need a Basic Color, which can therefore not be deleted.
+Sheet FormulaRequirementSheet(const std::string& colorName, std::vector<std::string> formulas);
+
+}  // namespace vellumark
