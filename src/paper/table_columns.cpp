@@ -2,6 +2,7 @@
 
 #include <QDate>
 #include <algorithm>
+#include <numeric>
 
 namespace vellumark::paper {
 namespace {
@@ -121,13 +122,16 @@ void TableColumns::Measure(const ListTable& table, const PageOptions& options, c
     return true;
   });
   const std::vector<std::string> sums = totals.Texts();
+  std::vector<double> whole;  // widths in which no caption is broken
   for (std::size_t i = 0; i < columns_.size(); ++i) {
+    double& width = columns_[i].width;
     if (!table.totals.empty() && options.totals) widen(columns_[i], Q(sums[i]), true);
-    if (options.headings)
-      columns_[i].width =
-          std::max(columns_[i].width, LongestWord(typeface, Q(table.columns[columns_[i].column].Caption()), kBodySize));
-    columns_[i].width += gap;
+    const QString caption = options.headings ? Q(table.columns[columns_[i].column].Caption()) : QString();
+    whole.push_back(std::max(width, typeface.Width(caption, kBodySize, true)) + gap);
+    width = std::max(width, LongestWord(typeface, caption, kBodySize)) + gap;
   }
+  if (std::reduce(whole.begin(), whole.end()) > across) return;
+  for (std::size_t i = 0; i < columns_.size(); ++i) columns_[i].width = whole[i];
 }
 
 double TableColumns::Width() const {

@@ -55,8 +55,8 @@ Sheet CompareSheet(const FormulaComparison& compared) {
   return sheet;
 }
 
-Sheet FormulaRequirementSheet(const std::string& colorName, std::vector<std::string> formulas) {
-  Sheet sheet{.title = "Basic / Additive - Formula Requirement", .subtitle = colorName};
+Sheet FormulaRequirementSheet(std::vector<std::string> formulas) {
+  Sheet sheet{.title = "Basic / Additive - Formula Requirement"};
   sheet.blocks.push_back({.table = TableOf<std::string>()
                                        .Add(
                                            "Color_Name", [](const std::string& name) { return name; }, "Color Name")

@@ -16,6 +16,6 @@ Sheet AdditiveSetsSheet(const Session& session, const std::vector<AdditiveSet>& 
 /// A formula beside the recipe that its guide publishes.
 Sheet CompareSheet(const FormulaComparison& compared);
 /// The formulas that need a Basic Color, which can therefore not be deleted.
-Sheet FormulaRequirementSheet(const std::string& colorName, std::vector<std::string> formulas);
+Sheet FormulaRequirementSheet(std::vector<std::string> formulas);
 
 }  // namespace vellumark

@@ -185,6 +185,8 @@ constexpr WayIn kWindows[] = {
     {"JobItemsForm", Act::Look},
     {"MoreDataForm", Act::Look},
     {"SaveModifiedBatch", Act::Look},
+    // What is printed and reported.
+    {"PrintBoxForm", Act::Look},
     // The program.
     {"AboutForm", Act::Look},
     {"ProductSplashFormPantone", Act::Look},

@@ -16,6 +16,7 @@
 #include "desktop/batch/notes_panel.h"
 #include "desktop/batch/recycle_panel.h"
 #include "desktop/batch/rows_panel.h"
+#include "desktop/kit/print_sheet.h"
 #include "desktop/kit/text.h"
 
 namespace vellumark::desktop {
@@ -119,6 +120,8 @@ void BatchForm::UpdateEnabled() {
   hold_->setEnabled(open);
   cancel_->setEnabled(begun);
   delete_->setEnabled(record_.state == BatchState::Edit);
+  print_->setEnabled(open && CanPrint(windows));
+  printRecList_->setEnabled(open && CanPrint(windows));
   recent_->setEnabled(windows.Knows("RecentBatchesForm"));
   settings_->setEnabled(windows.Knows("BatchSettingsForm"));
   complete_->setVisible(UsesBatchComplete(session));

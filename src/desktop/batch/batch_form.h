@@ -1,5 +1,6 @@
 #pragma once
 
+#include "core/batch/adjust.h"
 #include "core/batch/leave.h"
 #include "core/batch/record.h"
 #include "core/batch/store.h"
@@ -47,6 +48,8 @@ class BatchForm : public Window {
   void cmdRecent_Click();
   void cmdSettings_Click();
   void cmdDelete_Click() override;
+  void cmdPrint_Click() override;
+  void cmdPrintRecList_Click();
 
  protected:
   bool eventFilter(QObject* watched, QEvent* event) override;
@@ -69,6 +72,8 @@ class BatchForm : public Window {
   void NameClicked(int row);
   void LotsClicked(int row);
   void AddAdditions();
+  /// What an over-pour changed, when that is to be printed.
+  void PrintChange(const Overpour& poured);
   void TakeFromList(const std::string& name);
   /// Saves and clears the Batch, then opens the window of stock on that colour.
   void SaveThenAdjustInventory(ColorKind kind, const std::string& name);
@@ -120,6 +125,8 @@ class BatchForm : public Window {
   CommandButton* recent_ = nullptr;
   CommandButton* settings_ = nullptr;
   CommandButton* delete_ = nullptr;
+  CommandButton* print_ = nullptr;
+  CommandButton* printRecList_ = nullptr;
 };
 
 }  // namespace vellumark::desktop

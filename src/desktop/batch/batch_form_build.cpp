@@ -158,11 +158,13 @@ QWidget* BatchForm::BuildButtons(Form& form) {
   recent_ = form.Button("cmdRecent", tr("Recent"), Qt::CTRL | Qt::Key_R);
   settings_ = form.Button("cmdSettings", tr("Settings"));
   delete_ = form.Button("cmdDelete", tr("Delete"));
+  print_ = form.Button("cmdPrint", tr("Print"));
+  printRecList_ = findChild<CommandButton*>("cmdPrintRecList");
   auto* box = new QWidget;
   auto* flow = new FlowLayout(box);
   flow->setContentsMargins(0, space::kUnit, 0, 0);
-  for (QWidget* part :
-       std::initializer_list<QWidget*>{complete_, save_, hold_, cancel_, next_, previous_, recent_, settings_, delete_})
+  for (QWidget* part : std::initializer_list<QWidget*>{complete_, save_, hold_, cancel_, next_, previous_, print_,
+                                                       recent_, settings_, delete_})
     flow->addWidget(part);
   QSizePolicy policy = box->sizePolicy();
   policy.setHeightForWidth(true);

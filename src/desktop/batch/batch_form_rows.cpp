@@ -65,6 +65,7 @@ void BatchForm::AdjustBasic(std::size_t row) {
   const auto answered = windows.RunDialog("AdjustBasicForm", {{"Record", &record_}, {"Row", row}});
   Show();
   if (!answered) return;
+  PrintChange(answered->Get<Overpour>("Overpour"));
   rows_->FocusAmount(static_cast<int>(row));
   // What was poured comes from somewhere, reformulated or not.
   if (session.InvLotTracking == 0) return;

@@ -1,5 +1,6 @@
 #include "desktop/batch/batch_settings_form.h"
 
+#include "core/base/number.h"
 #include "desktop/kit/text.h"
 #include "desktop/settings/explain.h"
 
@@ -36,6 +37,7 @@ BatchSettingsForm::BatchSettingsForm(WindowList& windowList, QWidget* owner)
   BuildTexts(tabs.Page(tr("Text Fields"), "TabTexts"));
   BuildNumbers(tabs.Page(tr("Number Fields"), "TabNumbers"));
   BuildQuickInfo(tabs.Page(tr("Quick Info"), "TabQuickInfo"));
+  BuildPrinting(tabs.Page(tr("Printing"), "TabPrinting"));
   form.Buttons({form.Button("cmdSave", tr("&Save")), form.Button("cmdCancel", tr("Cancel"))});
   resize(800, 640);
 }
@@ -87,6 +89,9 @@ void BatchSettingsForm::BuildNumbers(Form form) {
 
 void BatchSettingsForm::BuildQuickInfo(Form form) {
   form.Wide(quickInfo_ = form.Check("chkShowQuickInfo", tr("Show on Screen")));
+  printed_.emplace_back(form.Check("chkPrintQuickInfo", tr("Print / Export with Batch")),
+                        &BatchPrintOptions::quickInfo);
+  form.Wide(printed_.back().first);
   form.Wide(Explain(form, tr("Shown beside a color of the Batch while the mouse rests on its name.")));
   form.Space();
   for (int i = 0; i < kQuickInfoFields; ++i) {
@@ -94,6 +99,32 @@ void BatchSettingsForm::BuildQuickInfo(Form form) {
     quickFields_.at(static_cast<std::size_t>(i)) = field;
     form.Wide(field);
   }
+}
+
+void BatchSettingsForm::BuildPrinting(Form form) {
+  const auto add = [&](const char* name, const QString& text, bool BatchPrintOptions::*option) {
+    CheckField* check = form.Check(name, text);
+    printed_.emplace_back(check, option);
+    return check;
+  };
+  using Options = BatchPrintOptions;
+  form.Wide(Explain(form, tr("Printed with a Batch, beside its ingredients.")));
+  form.Wide(add("chkPrintBatchInfo", tr("Lot Number, Job Number, Short Note, Qty Used"), &Options::batchInfo));
+  form.Wide(add("chkPrintBatchHistory", tr("Prior Batch, Prior Job Information"), &Options::history));
+  form.Wide(add("chkPrintCost", tr("Cost, VOC && HAP"), &Options::cost));
+  form.Wide(add("chkPrintExtraDetails", tr("Extra Batch Details"), &Options::extraDetails));
+  form.Wide(add("chkPrintLAB", tr("L-a-b Delta Values"), &Options::lab));
+  form.Wide(add("chkPrintIngInvConsumption", tr("Ingredient Inv. Lot Consumption (Lotted Inv. must be turned on)"),
+                &Options::lotConsumption));
+  const std::array<QString, 4> notes{tr("Batch Note"), tr("Other Batch Notes"), tr("Ingredient Notes"),
+                                     tr("Master Formula Notes")};
+  for (std::size_t i = 0; i < notes.size(); ++i)
+    form.Wide(printedNotes_.at(i) = form.Check(Numbered("chkPrintNotes", static_cast<int>(i)), notes.at(i)));
+  form.Heading(tr("Recycle List"));
+  recListPercent_ = form.Number("txtRecListPercent", 0, tr("0 to 100"), 4);
+  recListPercent_->setAccessibleName(tr("Percent that a color must be recyclable by"));
+  form.Row({add("chkRecListPercent", tr("Only print colors greater than"), &Options::recListPercent), recListPercent_,
+            form.Hint(tr("%  recyclable"))});
 }
 
 void BatchSettingsForm::OnOpen(const Arguments&) {
@@ -118,9 +149,14 @@ void BatchSettingsForm::OnOpen(const Arguments&) {
   }
   quickInfo_->setChecked(options.ShowQuickInfo);
   for (std::size_t i = 0; i < quickFields_.size(); ++i) quickFields_[i]->setChecked(options.QuickInfoField.at(i));
+  const BatchPrintOptions print = ReadBatchPrintOptions(session);
+  for (const auto& [check, option] : printed_) check->setChecked(print.*option);
+  for (std::size_t i = 0; i < printedNotes_.size(); ++i) printedNotes_.at(i)->setChecked(print.notes.at(i));
+  recListPercent_->SetText(std::to_string(print.recListPercentValue));
 }
 
 void BatchSettingsForm::UpdateEnabled() {
+  recListPercent_->setEnabled(FindField("chkRecListPercent")->Content().toBool());
   for (const TextLine& line : texts_) line.value->setEnabled(line.hasDefault->isChecked());
 }
 
@@ -145,8 +181,18 @@ BatchOptions BatchSettingsForm::Typed() const {
   return options;
 }
 
+BatchPrintOptions BatchSettingsForm::TypedForPrint() const {
+  BatchPrintOptions print;
+  for (const auto& [check, option] : printed_) print.*option = check->isChecked();
+  for (std::size_t i = 0; i < printedNotes_.size(); ++i) print.notes.at(i) = printedNotes_.at(i)->isChecked();
+  const auto percent = ParseNumber(recListPercent_->Text());
+  print.recListPercentValue = percent ? static_cast<int>(*percent) : -1;
+  return print;
+}
+
 void BatchSettingsForm::cmdSave_Click() {
-  if (Accepted(SaveBatchOptions(session, Typed()))) accept();
+  if (Accepted(SaveBatchPrintOptions(session, TypedForPrint())) && Accepted(SaveBatchOptions(session, Typed())))
+    accept();
 }
 
 }  // namespace vellumark::desktop

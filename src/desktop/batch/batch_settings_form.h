@@ -1,14 +1,17 @@
 #pragma once
 
 #include <array>
+#include <utility>
+#include <vector>
 
 #include "core/batch/batch_options.h"
+#include "core/batch/print_options.h"
 #include "desktop/kit/window.h"
 
 namespace vellumark::desktop {
 
-/// The settings of the Batch Window: how it calculates, what becomes of the ink, the fields of the house's own, and the
-/// quick information.
+/// The settings of the Batch Window: how it calculates, what becomes of the ink, the fields of the house's own, the
+/// quick information, and what is printed.
 class BatchSettingsForm : public Dialog {
   Q_OBJECT
 
@@ -36,7 +39,9 @@ class BatchSettingsForm : public Dialog {
   void BuildTexts(Form form);
   void BuildNumbers(Form form);
   void BuildQuickInfo(Form form);
+  void BuildPrinting(Form form);
   BatchOptions Typed() const;
+  BatchPrintOptions TypedForPrint() const;
 
   ComboField* unit_ = nullptr;
   RadioField* action_ = nullptr;
@@ -50,6 +55,10 @@ class BatchSettingsForm : public Dialog {
   std::array<NumberLine, kUserFields> numbers_{};
   CheckField* quickInfo_ = nullptr;
   std::array<CheckField*, kQuickInfoFields> quickFields_{};
+
+  std::vector<std::pair<CheckField*, bool BatchPrintOptions::*>> printed_;
+  std::array<CheckField*, 4> printedNotes_{};
+  NumberField* recListPercent_ = nullptr;
 };
 
 }  // namespace vellumark::desktop

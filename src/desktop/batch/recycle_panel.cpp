@@ -1,6 +1,7 @@
 #include "desktop/batch/recycle_panel.h"
 
 #include <QApplication>
+#include <QHBoxLayout>
 #include <QHeaderView>
 #include <QKeyEvent>
 #include <QMouseEvent>
@@ -69,7 +70,11 @@ RecyclePanel::RecyclePanel(FormHost& host, Form& form) : source_(std::make_share
   QHeaderView* header = list_->View().horizontalHeader();
   header->setSectionResizeMode(0, QHeaderView::Stretch);
   header->setMinimumSectionSize(64);
-  column->addWidget(inventoryOnly_);
+  auto* head = new QHBoxLayout;
+  head->addWidget(inventoryOnly_);
+  head->addStretch(1);
+  head->addWidget(form.Link("cmdPrintRecList", tr("Print list")));
+  column->addLayout(head);
   column->addWidget(list_, 1);
 
   connect(inventoryOnly_, &QCheckBox::toggled, this, [this](bool on) {

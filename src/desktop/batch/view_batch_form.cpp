@@ -11,10 +11,12 @@
 #include "core/batch/ink.h"
 #include "core/batch/more_data.h"
 #include "core/batch/open.h"
+#include "core/batch/ticket.h"
 #include "core/colors/guide_formulas.h"
 #include "core/session/rights.h"
 #include "desktop/batch/ink_patch.h"
 #include "desktop/kit/icons.h"
+#include "desktop/kit/print_sheet.h"
 #include "desktop/kit/text.h"
 
 namespace vellumark::desktop {
@@ -59,7 +61,8 @@ ViewBatchForm::ViewBatchForm(WindowList& windowList) : Window(windowList, "ViewB
   BuildNotes(tabs.Page(tr("Notes"), "TabNotes"));
   form.Buttons({form.Button("cmdClose", tr("Close")),
                 formula_ = form.Button("cmdFormula", tr("Master &Formula"), Qt::Key_F6),
-                compare_ = form.Button("cmdModified", tr("&Modified Formula"), Qt::Key_F7)});
+                compare_ = form.Button("cmdModified", tr("&Modified Formula"), Qt::Key_F7),
+                print_ = form.Button("cmdPrint", tr("&Print"))});
 }
 
 void ViewBatchForm::BuildHead(Form& form) {
@@ -211,9 +214,15 @@ void ViewBatchForm::ShowFigures() {
   moreData_->SetSource(data);
 }
 
+void ViewBatchForm::cmdPrint_Click() {
+  const Result<Sheet> ticket = BatchTicket(session, *record_);
+  if (Accepted(ticket)) PrintSheet(windows, *ticket);
+}
+
 void ViewBatchForm::UpdateEnabled() {
   const bool found = record_ && record_->work.formulaFound;
   formula_->setEnabled(found && windows.Knows("MixColorsForm"));
+  print_->setEnabled(record_ && CanPrint(windows));
   compare_->setEnabled(found && isGuideModified_ && windows.Knows("CompareFormulasForm"));
 }
 

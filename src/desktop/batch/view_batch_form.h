@@ -23,6 +23,7 @@ class ViewBatchForm : public Window {
  public Q_SLOTS:
   void cmdFormula_Click();
   void cmdModified_Click();
+  void cmdPrint_Click() override;
   void cmdClose_Click() { Leave(); }
 
  private:
@@ -65,6 +66,7 @@ class ViewBatchForm : public Window {
   NoteField* formulaNotes_ = nullptr;
   CommandButton* formula_ = nullptr;
   CommandButton* compare_ = nullptr;
+  CommandButton* print_ = nullptr;
 };
 
 }  // namespace vellumark::desktop

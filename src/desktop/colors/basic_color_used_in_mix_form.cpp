@@ -1,5 +1,7 @@
 #include "desktop/colors/basic_color_used_in_mix_form.h"
 
+#include "core/colors/color_sheets.h"
+#include "desktop/kit/print_sheet.h"
 #include "desktop/kit/text.h"
 
 namespace vellumark::desktop {
@@ -11,7 +13,7 @@ BasicColorUsedInMixForm::BasicColorUsedInMixForm(WindowList& windowList, QWidget
   form.Wide(formulas_ = form.Table("fgFormulas"), 1);
   formulas_->SetColumns({GridColumn::Text(tr("Master Formula"), 448)});
   formulas_->ShowFilter(tr("Filter"));
-  form.Buttons({form.Button("cmdClose", tr("Close"))});
+  form.Buttons({form.Button("cmdClose", tr("Close")), print_ = form.Button("cmdPrint", tr("&Print List"))});
   connect(formulas_, &Grid::RowActivated, this, &BasicColorUsedInMixForm::View);
   resize(520, 520);
 }
@@ -24,6 +26,14 @@ void BasicColorUsedInMixForm::OnOpen(const Arguments& arguments) {
   for (const std::string& name : names_) source->Add({name});
   formulas_->SetSource(source);
   formulas_->SetCurrentRow(0);
+}
+
+void BasicColorUsedInMixForm::UpdateEnabled() {
+  print_->setEnabled(CanPrint(windows));
+}
+
+void BasicColorUsedInMixForm::cmdPrint_Click() {
+  PrintSheet(windows, FormulaRequirementSheet(names_));
 }
 
 void BasicColorUsedInMixForm::View(int row) {

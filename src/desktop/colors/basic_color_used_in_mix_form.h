@@ -12,8 +12,10 @@ class BasicColorUsedInMixForm : public Dialog {
  public:
   BasicColorUsedInMixForm(WindowList& windowList, QWidget* owner);
   void OnOpen(const Arguments& arguments) override;
+  void UpdateEnabled() override;
 
  public Q_SLOTS:
+  void cmdPrint_Click();
   void cmdClose_Click() { reject(); }
 
  private:
@@ -21,6 +23,7 @@ class BasicColorUsedInMixForm : public Dialog {
 
   QLabel* text_;
   Grid* formulas_;
+  CommandButton* print_;
   std::vector<std::string> names_;
 };
 

@@ -5,7 +5,9 @@
 #include <algorithm>
 
 #include "core/base/number.h"
+#include "core/colors/color_sheets.h"
 #include "desktop/kit/look.h"
+#include "desktop/kit/print_sheet.h"
 #include "desktop/kit/text.h"
 
 namespace vellumark::desktop {
@@ -46,7 +48,8 @@ CompareFormulasForm::CompareFormulasForm(WindowList& windowList, QWidget* owner)
   sides[0].Wide(form.Label("lblBelowOriginal", " "));  // keeps both grids at one height
   sides[1].Row(tr("Date Modified"), date_ = form.Label("lblDateModified"));
   CommandButton* close = form.Button("cmdClose", tr("Close"));
-  form.Buttons({close, revert_ = form.Button("cmdRevert", tr("Revert Back To Original Formula"))});
+  form.Buttons({close, print_ = form.Button("cmdPrint", tr("&Print")),
+                revert_ = form.Button("cmdRevert", tr("Revert Back To Original Formula"))});
   setMinimumWidth(1056);
   close->setFocus();
 }
@@ -77,7 +80,12 @@ void CompareFormulasForm::OnOpen(const Arguments& arguments) {
     date_->setText(QLocale().toString(QDate(entered->year, entered->month, entered->day), QLocale::ShortFormat));
 }
 
+void CompareFormulasForm::cmdPrint_Click() {
+  PrintSheet(windows, CompareSheet(shown_));
+}
+
 void CompareFormulasForm::UpdateEnabled() {
+  print_->setEnabled(CanPrint(windows));
   revert_->setEnabled(mayRevert_ && shown_.canRevert);
 }
 

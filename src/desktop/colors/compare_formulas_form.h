@@ -17,6 +17,7 @@ class CompareFormulasForm : public Dialog {
   void UpdateEnabled() override;
 
  public Q_SLOTS:
+  void cmdPrint_Click();
   void cmdRevert_Click();
   void cmdClose_Click() { reject(); }
 
@@ -29,6 +30,7 @@ class CompareFormulasForm : public Dialog {
   Grid* originalRows_;
   Grid* modifiedRows_;
   QLabel* date_;
+  CommandButton* print_;
   CommandButton* revert_;
 };
 

@@ -12,8 +12,10 @@
 #include "core/base/units.h"
 #include "core/colors/names.h"
 #include "core/inventory/color_stock.h"
+#include "core/inventory/stock_tables.h"
 #include "desktop/inventory/lot_grid.h"
 #include "desktop/kit/icons.h"
+#include "desktop/kit/print_sheet.h"
 #include "desktop/kit/text.h"
 
 namespace vellumark::desktop {
@@ -187,7 +189,7 @@ StockHistoryForm::StockHistoryForm(WindowList& windowList)
   list_->SetSort({When, true});
   list_->setAccessibleName(tr("Stock history"));
   form.Wide(list_, 1);
-  form.ButtonsWithoutDefault({form.Button("cmdClose", tr("Close"))});
+  form.ButtonsWithoutDefault({form.Button("cmdClose", tr("Close")), print_ = form.Button("cmdPrint", tr("&Print"))});
   connect(&list_->Model(), &GridModel::RowsRead, this, [this] { ShowCount(); });
   connect(name_, &NameBox::Picked, this, [this] { cmdFind_Click(); });
 }
@@ -218,12 +220,24 @@ void StockHistoryForm::cmdClear_Click() {
   name_->setFocus();
 }
 
-void StockHistoryForm::ShowLines() {
+void StockHistoryForm::UpdateEnabled() {
+  print_->setEnabled(CanPrint(windows));
+}
+
+void StockHistoryForm::cmdPrint_Click() {
+  PrintSheet(windows, Sheet::Of(U8(tr("Stock History")), ListHistory(session, Filter())));
+}
+
+StockHistoryFilter StockHistoryForm::Filter() const {
   StockHistoryFilter filter;
   filter.name = shownName_;
   filter.kind = shownKind_;
   if (const std::string lot = Trim(lot_->Text()); !lot.empty()) filter.lot = lot;
-  source_->Show([this, filter] { return StockHistoryReader(session, filter); });
+  return filter;
+}
+
+void StockHistoryForm::ShowLines() {
+  source_->Show([this, filter = Filter()] { return StockHistoryReader(session, filter); });
   list_->Refresh();
 }
 

@@ -16,17 +16,20 @@ class StockHistoryForm : public Window {
   explicit StockHistoryForm(WindowList& windowList);
   ~StockHistoryForm() override;
   void OnOpen(const Arguments& arguments) override;
+  void UpdateEnabled() override;
   void OnChanges(const std::vector<Change>& changes) override;
   bool InEdit() const override { return false; }
 
  public Q_SLOTS:
   void cmdFind_Click();
   void cmdClear_Click();
+  void cmdPrint_Click() override;
   void cmdClose_Click() { Leave(); }
 
  private:
   class Source;
   bool IsShown(const Change& change) const;
+  StockHistoryFilter Filter() const;
   void ShowLines();
   void ShowCount();
 
@@ -35,6 +38,7 @@ class StockHistoryForm : public Window {
   std::shared_ptr<Source> source_;
   NameBox* name_;
   TextField* lot_;
+  CommandButton* print_ = nullptr;
   Grid* list_;
   QLabel* count_;
 };

@@ -4,7 +4,9 @@
 #include <algorithm>
 
 #include "core/base/text.h"
+#include "core/colors/color_sheets.h"
 #include "core/colors/rollup.h"
+#include "desktop/kit/print_sheet.h"
 #include "desktop/tools/additive_apply_tab.h"
 #include "desktop/tools/additive_create_tab.h"
 #include "desktop/tools/tool_parts.h"
@@ -22,9 +24,15 @@ DBAdditiveControl::DBAdditiveControl(WindowList& windowList)
   apply_ = new AdditiveApplyTab(*this, tabs.Page(tr("Apply"), "ApplyTab"));
   for (QShortcut* key : findChildren<QShortcut*>())
     if (std::ranges::find(keys_[0], key) == keys_[0].end()) keys_[1].push_back(key);
-  ToolButtons(*this, form, {apply_->SaveButton(), form.Button("cmdClose", tr("Close"), [this] { Leave(); })});
+  ToolButtons(*this, form,
+              {apply_->SaveButton(), form.Button("cmdClose", tr("Close"), [this] { Leave(); }),
+               print_ = form.Button("cmdPrint", tr("Print sets"))});
   connect(tabs_, &QTabWidget::currentChanged, this, &DBAdditiveControl::PageChanged);
   PageChanged(0);
+}
+
+void DBAdditiveControl::cmdPrint_Click() {
+  PrintSheet(windows, AdditiveSetsSheet(session, ListAdditiveSets(session)));
 }
 
 void DBAdditiveControl::PageChanged(int page) {
@@ -43,6 +51,7 @@ void DBAdditiveControl::PageChanged(int page) {
 void DBAdditiveControl::UpdateEnabled() {
   create_->UpdateEnabled();
   apply_->UpdateEnabled();
+  print_->setEnabled(CanPrint(windows));
 }
 
 void DBAdditiveControl::OnChanges(const std::vector<Change>& changes) {

@@ -23,10 +23,14 @@ class DBAdditiveControl : public Window {
   void UpdateEnabled() override;
   bool MayClose() override;
 
+ public Q_SLOTS:
+  void cmdPrint_Click() override;
+
  private:
   void PageChanged(int page);
 
   QTabWidget* tabs_;
+  CommandButton* print_;
   AdditiveCreateTab* create_;
   AdditiveApplyTab* apply_;
   std::vector<QShortcut*> keys_[2];  // of the pages

@@ -8,6 +8,7 @@
 #include "desktop/colors/register.h"
 #include "desktop/datafile/register.h"
 #include "desktop/inventory/register.h"
+#include "desktop/reports/register.h"
 #include "desktop/session/register.h"
 #include "desktop/settings/register.h"
 #include "desktop/shell/program.h"
@@ -26,6 +27,7 @@ struct AllWindows : Desk {
     desktop::RegisterToolsWindows(windows);
     desktop::RegisterInventoryWindows(windows);
     desktop::RegisterBatchWindows(windows);
+    desktop::RegisterReportsWindows(windows);
     desktop::RegisterDatafileWindows(windows, program.Windows());
   }
   desktop::Program program;

@@ -7,6 +7,7 @@
 #include "desktop/datafile/register.h"
 #include "desktop/inventory/register.h"
 #include "desktop/kit/wait_progress.h"
+#include "desktop/reports/register.h"
 #include "desktop/session/register.h"
 #include "desktop/settings/register.h"
 #include "desktop/shell/program.h"
@@ -30,6 +31,10 @@ struct RunningProgram {
     desktop::RegisterToolsWindows(windows);
     desktop::RegisterInventoryWindows(windows);
     desktop::RegisterBatchWindows(windows);
+    desktop::RegisterReportsWindows(windows,
+                                    {.printers = [] { return desktop::SystemPrinters{}; },
+                                     .open = {},
+                                     .chooseFile = [](const desktop::FileChoice&, QWidget*) { return QString(); }});
     desktop::RegisterDatafileWindows(windows, program.Windows(), platform);
     program.Windows().SkipSplash();
     const bool ready = program.Start(options);

@@ -1,0 +1,84 @@
+#pragma once
+
+#include <QPrinter>
+#include <functional>
+#include <memory>
+#include <utility>
+#include <vector>
+
+#include "core/base/sheet.h"
+#include "desktop/datafile/file_choice.h"
+#include "desktop/kit/window.h"
+#include "desktop/settings/printers.h"
+#include "paper/pdf.h"
+
+namespace vellumark::desktop {
+
+class PagePreview;
+
+/// Where pages can go.
+struct PrintDevices {
+  PrinterSource printers = PrintersOfSystem;
+  /// The printer of that device name; throws Failure when it is gone.
+  std::function<std::unique_ptr<QPrinter>(const std::string& device)> open;
+  FileChooser chooseFile = ChooseFile;
+
+  static PrintDevices OfSystem();
+};
+
+/// Print Control: which printer, how the pages are to be, and what they look like. Opened with {"Sheet", Sheet}, and
+/// with {"Incomplete", true} for a report that was stopped.
+class PrintBoxForm : public Dialog {
+  Q_OBJECT
+
+ public:
+  PrintBoxForm(WindowList& windowList, QWidget* owner, PrintDevices devices);
+
+  void OnOpen(const Arguments& arguments) override;
+  void UpdateEnabled() override;
+
+ public Q_SLOTS:
+  void cmdPrint_Click();
+  void cmdPDF_Click();
+  void cmdCancel_Click() { reject(); }
+  void cmdPreviousPage_Click();
+  void cmdNextPage_Click();
+
+ private:
+  void BuildPrinter(Form form);
+  void BuildPage(Form form);
+  void BuildPreview(Form form);
+  /// Another choice: the pages anew.
+  void Refresh();
+  void ShowPlace();
+  paper::PageOptions Chosen() const;
+  Result<paper::PageRange> Range() const;
+  Result<int> Copies() const;
+  /// Lays the sheet out, asks what has to be asked and prints; a failure is shown. Closes when it was printed.
+  void Run(const std::function<int(paper::SheetLayout& layout)>& print);
+
+  PrintDevices devices_;
+  Sheet sheet_;
+  paper::PageOptions options_;
+  bool ready_ = false;
+
+  ComboField* printer_ = nullptr;
+  NumberField* copies_ = nullptr;
+  NumberField* from_ = nullptr;
+  NumberField* to_ = nullptr;
+  ComboField* duplex_ = nullptr;
+  RadioField* orientation_ = nullptr;
+  ComboField* paper_ = nullptr;
+  ComboField* font_ = nullptr;
+  ComboField* percent_ = nullptr;
+  std::vector<std::pair<CheckField*, bool paper::PageOptions::*>> checks_;
+  PagePreview* preview_ = nullptr;
+  CommandButton* back_ = nullptr;
+  CommandButton* forth_ = nullptr;
+  QLabel* place_ = nullptr;
+  QLabel* hint_ = nullptr;
+  ComboField* zoom_ = nullptr;
+  CommandButton* print_ = nullptr;
+};
+
+}  // namespace vellumark::desktop
