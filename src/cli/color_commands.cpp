@@ -6,6 +6,7 @@
 #include "cli/frame.h"
 #include "core/colors/amounts.h"
 #include "core/colors/basic_work.h"
+#include "core/colors/color_sheets.h"
 #include "core/colors/color_tables.h"
 #include "core/colors/names.h"
 #include "core/colors/rename.h"
@@ -123,9 +124,11 @@ void AddColorCommands(CLI::App& app, Commands& commands) {
   auto* show = noun->add_subcommand("show", "One with all its fields");
   const auto shown = std::make_shared<std::string>();
   show->add_option("NAME", *shown, "Its name")->required();
+  commands.AddPrinting(show);
   commands.Add(show, Needs::File, [shown](Context& context) -> Result<Json> {
     const auto color = Named(context.session, *shown);
     if (!color) return std::unexpected(color.error());
+    if (context.prints) context.sheet = BasicColorSheet(context.session, *color);
     return BasicJson(context.session, *color);
   });
 

@@ -35,6 +35,7 @@ std::string MixText(const Session& session, const MixColor& mix) {
 Result<Json> Answer(Context& context, const std::string& name) {
   const auto mix = ReadMix(context.session, name);
   if (!mix) return Refuse("Color Not Found", name + " is not found in this database.", "Color_Name");
+  if (context.prints) context.sheet = FormulaSheet(context.session, *mix);
   if (!context.json) context.text = MixText(context.session, *mix);
   return MixJson(context.session, *mix);
 }
@@ -321,6 +322,7 @@ void AddFormulaCommands(CLI::App& app, Commands& commands) {
   auto* show = noun->add_subcommand("show", "One with its recipe and all its fields");
   const auto shown = std::make_shared<std::string>();
   show->add_option("NAME", *shown, "Its name, its number in a guide, or its code")->required();
+  commands.AddPrinting(show);
   commands.Add(show, Needs::File, [shown](Context& context) -> Result<Json> {
     const auto mix = Named(context.session, *shown);
     if (!mix) return std::unexpected(mix.error());

@@ -44,6 +44,9 @@ TEST(CliPrint, PrintsListsAndTickets) {
   ASSERT_NE(white, list.end()) << fmt::format("{}", fmt::join(list, "\n"));
   EXPECT_EQ(*(white + 1), "RED 95.000 0.000 4.00 0.000 0.000");
   EXPECT_NE(std::ranges::find(list, "Basic Colors"), list.end());
+  const auto card = shop.Print({"formula", "show", "PINK"});
+  for (const char* line : {"Master Formula", "PINK", "RED 25.000", "Basic Cost 4.00"})
+    EXPECT_NE(std::ranges::find(card, line), card.end()) << line;
   const auto stock = shop.Print({"stock", "show"});
   EXPECT_NE(std::ranges::find(stock, "RED Basic Unlotted Inv. 95.000"), stock.end())
       << fmt::format("{}", fmt::join(stock, "\n"));

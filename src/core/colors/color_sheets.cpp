@@ -1,7 +1,11 @@
 #include "core/colors/color_sheets.h"
 
-#include <algorithm>
+#include <fmt/format.h>
 
+#include <algorithm>
+#include <utility>
+
+#include "core/base/units.h"
 #include "core/colors/additive_control.h"
 #include "core/colors/color_tables.h"
 
@@ -24,7 +28,64 @@ ListTable ComparedLines(std::vector<ComparedLine> lines) {
       .Of(std::move(lines));
 }
 
+/// The fields of the only row of a table that hold something, under captions for people.
+std::vector<SheetField> FieldsOf(const Session& session, const ListTable& table) {
+  const std::string unit = fmt::format(" ({})", UnitName(session.UMI));
+  const std::pair<const char*, std::string> captions[] = {
+      {"Color_Code", "Color Code"},
+      {"Color_Guide", "Formula Guide"},
+      {"Page", "Page"},
+      {"Row", "Row"},
+      {"Additive", "Additive"},
+      {"AddSetName", "Additive Set"},
+      {"Inventory", "Unlotted" + unit},
+      {"Reorder", "Reorder" + unit},
+      {"Inv_Note", "Inventory Note"},
+      {"PurchaseCost", "Purchase Cost"},
+      {"BasicCost", "Basic Cost"},
+      {"VOC", "VOC"},
+      {"HAP", "HAP"},
+      {"BasicVOC", "VOC from Basics"},
+      {"BasicHAP", "HAP from Basics"},
+      {"Recycle", "Recyclable"},
+      {"Date_Entered", "Date Entered"},
+      {"LastModified", "Last Modified"},
+      {"LastConsumed", "Last Consumed"},
+      {"LastProduced", "Last Produced"},
+  };
+  std::vector<SheetField> fields;
+  table.read([&](const TableRow& row) {
+    const bool inGuide = !CellText(table.columns.front(), row.Cell(table.Find("Color_Guide").value())).empty();
+    for (const auto& [key, caption] : captions) {
+      const auto column = table.Find(key);
+      const std::string_view name = key;
+      if (!column || (!inGuide && (name == "Page" || name == "Row"))) continue;
+      if (std::string text = CellText(table.columns[*column], row.Cell(*column)); !text.empty())
+        fields.push_back({caption, std::move(text)});
+    }
+    return false;
+  });
+  return fields;
+}
+
 }  // namespace
+
+Sheet BasicColorSheet(const Session& session, const BasicColor& color) {
+  Sheet sheet{.title = color.Additive ? "Additive" : "Basic Color"};
+  sheet.blocks.push_back({.heading = color.Color_Name, .large = true});
+  sheet.blocks.push_back({.fields = FieldsOf(session, BasicColumns(session).Of({color}))});
+  if (!color.Notes.empty()) sheet.blocks.push_back({.heading = "Notes", .lines = {color.Notes}});
+  return sheet;
+}
+
+Sheet FormulaSheet(const Session& session, const MixColor& mix) {
+  Sheet sheet{.title = "Master Formula"};
+  sheet.blocks.push_back({.heading = mix.Color_Name, .large = true});
+  sheet.blocks.push_back({.table = RecipeColumns("Ingredient", "Parts").Total("Total Parts").Of(mix.Ingredients())});
+  sheet.blocks.push_back({.fields = FieldsOf(session, MixColumns(session).Of({mix}))});
+  if (!mix.Notes.empty()) sheet.blocks.push_back({.heading = "Notes", .lines = {mix.Notes}});
+  return sheet;
+}
 
 Sheet AdditiveSetsSheet(const Session& session, const std::vector<AdditiveSet>& sets) {
   Sheet sheet{.title = "Mix Colors using Additive Set"};

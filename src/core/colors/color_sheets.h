@@ -5,12 +5,17 @@
 
 #include "core/base/sheet.h"
 #include "core/colors/additive_sets.h"
+#include "core/colors/basics.h"
+#include "core/colors/formulas.h"
 #include "core/colors/guide_formulas.h"
 
 namespace vellumark {
 
 // What is printed of colours and Additive Sets.
 
+/// A colour's card: what is known of it, its recipe, its notes. Costs only for those who may see them.
+Sheet BasicColorSheet(const Session& session, const BasicColor& color);
+Sheet FormulaSheet(const Session& session, const MixColor& mix);
 /// The lines of each set and the formulas that use it.
 Sheet AdditiveSetsSheet(const Session& session, const std::vector<AdditiveSet>& sets);
 /// A formula beside the recipe that its guide publishes.

@@ -6,6 +6,7 @@
 #include "core/base/units.h"
 #include "core/colors/amounts.h"
 #include "core/colors/attachments.h"
+#include "core/colors/color_sheets.h"
 #include "core/colors/name_search.h"
 #include "core/colors/rollup.h"
 #include "core/inventory/color_stock.h"
@@ -16,6 +17,7 @@
 #include "desktop/kit/amount_field.h"
 #include "desktop/kit/discard.h"
 #include "desktop/kit/icons.h"
+#include "desktop/kit/print_sheet.h"
 #include "desktop/kit/record_fields.h"
 #include "desktop/kit/text.h"
 
@@ -48,7 +50,7 @@ BasicColorsForm::BasicColorsForm(WindowList& windowList)
                 form.Button("cmdNext", tr("Next"), Qt::Key_PageDown),
                 rename_ = form.Button("cmdRename", tr("Rename"), Qt::Key_F6),
                 whereUsed_ = form.Button("cmdWhereUsed", tr("Where used"), Qt::Key_F7),
-                delete_ = form.Button("cmdDelete", tr("Delete"))});
+                delete_ = form.Button("cmdDelete", tr("Delete")), print_ = form.Button("cmdPrint", tr("Print"))});
   Listen();
   Clear();
 }
@@ -134,6 +136,7 @@ void BasicColorsForm::UpdateEnabled() {
   delete_->setEnabled(stored);
   rename_->setEnabled(stored);
   whereUsed_->setEnabled(stored);
+  print_->setEnabled(stored && CanPrint(windows));
   low_->setVisible(stored && isLow_);
   state_->setText(!work_ ? QString() : work_->rowId == 0 ? tr("New") : InEdit() ? tr("Changed") : QString());
 }
@@ -366,6 +369,10 @@ void BasicColorsForm::cmdNext_Click() {
 
 void BasicColorsForm::cmdWhereUsed_Click() {
   windows.RunDialog("WhereUsedForm", {{"Color_Name", work_->Color_Name}, {"Kind", ColorKind::Basic}});
+}
+
+void BasicColorsForm::cmdPrint_Click() {
+  PrintSheet(windows, BasicColorSheet(session, ReadBasic(session, work_->Color_Name).value()));
 }
 
 void BasicColorsForm::ImgInvLow_Click() {

@@ -39,6 +39,7 @@ class BasicColorsForm : public Window {
   void cmdPrevious_Click();
   void cmdNext_Click();
   void cmdWhereUsed_Click();
+  void cmdPrint_Click() override;
   void ImgInvLow_Click();
 
  private:
@@ -91,6 +92,7 @@ class BasicColorsForm : public Window {
   CommandButton* cancel_;
   CommandButton* delete_;
   CommandButton* rename_;
+  CommandButton* print_ = nullptr;
   CommandButton* whereUsed_;
   std::vector<std::pair<QLabel*, QString>> unitHints_;  ///< with their words, to which the unit is added
   bool isLow_ = false;

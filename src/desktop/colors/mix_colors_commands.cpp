@@ -4,6 +4,7 @@
 #include <QTabWidget>
 
 #include "core/colors/attachments.h"
+#include "core/colors/color_sheets.h"
 #include "core/colors/guide_formulas.h"
 #include "core/inventory/color_stock.h"
 #include "desktop/colors/additive_set_panel.h"
@@ -15,6 +16,7 @@
 #include "desktop/colors/new_additive_set_panel.h"
 #include "desktop/inventory/inventory_panel.h"
 #include "desktop/kit/discard.h"
+#include "desktop/kit/print_sheet.h"
 #include "desktop/kit/record_fields.h"
 #include "desktop/kit/text.h"
 
@@ -156,6 +158,10 @@ void MixColorsForm::cmdFind_Click() {
 
 void MixColorsForm::cmdWhereUsed_Click() {
   windows.RunDialog("WhereUsedForm", {{"Color_Name", work_->Color_Name}, {"Kind", ColorKind::Mix}});
+}
+
+void MixColorsForm::cmdPrint_Click() {
+  PrintSheet(windows, FormulaSheet(session, ReadMix(session, work_->Color_Name).value()));
 }
 
 void MixColorsForm::ImgInvLow_Click() {

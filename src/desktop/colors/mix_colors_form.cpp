@@ -17,6 +17,7 @@
 #include "desktop/kit/discard.h"
 #include "desktop/kit/icons.h"
 #include "desktop/kit/look.h"
+#include "desktop/kit/print_sheet.h"
 #include "desktop/kit/record_fields.h"
 #include "desktop/kit/swatch_view.h"
 #include "desktop/kit/text.h"
@@ -96,11 +97,13 @@ void MixColorsForm::BuildFormulaPage(Form page) {
   clearBatch_ = page.Hint(tr("Clear Batch to allow editing"), "lblClearBatch");
   adjust_ = page.Button("cmdAutoAdjust", tr("Adjust Ing. by Percent"), Qt::Key_F9);
   modified_ = page.Button("cmdModified", tr("Modified Formula"));
+  print_ = page.Button("cmdPrint", tr("Print"));
   across->addWidget(allowEditing_);
   across->addWidget(clearBatch_);
   across->addStretch(1);
   across->addWidget(adjust_);
   across->addWidget(modified_);
+  across->addWidget(print_);
   clearBatch_->hide();
   ingredients_ = new IngredientsPanel(*this, Form(*this, *left));
   sets_ = new AdditiveSetPanel(*this, Form(*this, *right));
@@ -171,6 +174,7 @@ void MixColorsForm::UpdateEnabled() {
   delete_->setEnabled(stored);
   rename_->setEnabled(stored);
   whereUsed_->setEnabled(stored);
+  print_->setEnabled(stored && CanPrint(windows));
   duplicate_->setEnabled(stored && windows.Knows("DuplicateFormulaForm"));
   low_->setVisible(stored && details_->IsBelowReorder());
   hasNotes_->setVisible(work_ && notes_->HasNotes());

@@ -50,6 +50,7 @@ class MixColorsForm : public Window {
   void cmdNext_Click();
   void cmdFind_Click();
   void cmdWhereUsed_Click();
+  void cmdPrint_Click() override;
   void ImgInvLow_Click();
 
  private:
@@ -113,6 +114,7 @@ class MixColorsForm : public Window {
   CommandButton* cancel_ = nullptr;
   CommandButton* rename_ = nullptr;
   CommandButton* duplicate_ = nullptr;
+  CommandButton* print_ = nullptr;
   CommandButton* whereUsed_ = nullptr;
   CommandButton* delete_ = nullptr;
   bool isModified_ = false;  ///< differs from the published formula
