@@ -1,5 +1,8 @@
 #include "desktop/kit/application.h"
 
+#include <QAbstractButton>
+#include <QSignalBlocker>
+
 #include "core/base/refusal.h"
 #include "desktop/kit/icons.h"
 #include "desktop/kit/look.h"
@@ -19,6 +22,13 @@ bool IsBehindModal(const QObject& receiver) {
   return widget != nullptr && widget != modal && !modal->isAncestorOf(widget);
 }
 
+// A button that its key has pressed clicks a moment later. By then it may be switched off, or what is behind a message.
+bool ClicksTooLate(QObject& receiver, const QEvent& event) {
+  if (event.type() != QEvent::Timer) return false;
+  const auto* button = qobject_cast<QAbstractButton*>(&receiver);
+  return button != nullptr && (!button->isEnabled() || IsBehindModal(*button));
+}
+
 }  // namespace
 
 Application::Application(int& argc, char** argv) : QApplication(argc, argv) {
@@ -36,7 +46,14 @@ Application::Application(int& argc, char** argv) : QApplication(argc, argv) {
 bool Application::notify(QObject* receiver, QEvent* event) {
   try {
     if (event->type() == QEvent::Shortcut && IsBehindModal(*receiver)) return true;
-    return QApplication::notify(receiver, event);
+    if (!ClicksTooLate(*receiver, *event)) return QApplication::notify(receiver, event);
+    // It comes up again, and nobody hears of it.
+    auto& button = static_cast<QAbstractButton&>(*receiver);
+    const QSignalBlocker nobody(&button);
+    const bool checked = button.isChecked();
+    QApplication::notify(receiver, event);
+    if (button.isCheckable()) button.setChecked(checked);
+    return true;
   } catch (const std::exception& failure) {
     Report(failure);
   }

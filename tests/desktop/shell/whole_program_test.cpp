@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <QAbstractButton>
 #include <QLineEdit>
 
 #include "desktop/kit/message_prompt.h"
@@ -56,6 +57,22 @@ TEST_F(WholeProgramTest, EnterOnTheQuestionOfADeletionKeepsWhatIsThere) {
     window->Leave();
     Settle();
   }
+}
+
+// A key presses a button, which clicks a moment later.
+TEST_F(WholeProgramTest, AKeyThatWasPressedBeforeTheEndOpensNothingAfterIt) {
+  RunningProgram<desktop::MessagePrompt> running(room.folder.Path());
+  ASSERT_TRUE(Start(running));
+  auto& main = running.program.Main();
+  main.activateWindow();
+  Settle();
+  const QKeyCombination key = Control<QAbstractButton>(main, "Batch").shortcut()[0];
+  Press(main, key.key(), key.keyboardModifiers());
+  ASSERT_TRUE(Control<QAbstractButton>(main, "Batch").isDown());
+  main.close();
+  QTest::qWait(200);
+  EXPECT_FALSE(Control<QAbstractButton>(main, "Batch").isDown());
+  EXPECT_FALSE(running.windows.IsFormOpen("BatchForm"));
 }
 
 // What an older program or a damaged disk left is told where it stands, and the program goes on.
