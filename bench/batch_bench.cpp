@@ -86,7 +86,7 @@ constexpr const char* kHistory =
 std::string BatchRowSql() {
   std::string marks;
   for (std::size_t i = 0; i < schema::Batch.fields.size(); ++i) marks += i == 0 ? "?" : ", ?";
-  return "INSERT INTO INK_Batch VALUES (" + marks + ")";
+  return "INSERT INTO INK_Batch VALUES (" + marks + ", NULL)";
 }
 
 void BindBatchRow(Statement& row, const BatchRoom& room, int number) {
@@ -117,14 +117,15 @@ void SaveRaw(benchmark::State& state, const std::filesystem::path& place) {
   Statement commit = file.Prepare("COMMIT");
   Statement batch = file.Prepare(BatchRowSql());
   Statement lot = file.Prepare(
-      "INSERT INTO INK_Batch_LotInv VALUES (?1, '2026-03-10 12:00:00', ?2, 1, 1, 'L', '', '', NULL, 0.7, 4.5)");
+      "INSERT INTO INK_Batch_LotInv VALUES (?1, '2026-03-10 12:00:00', ?2, 1, 1, 'L', '', '', NULL, 0.7, 4.5, NULL)");
   Statement stock =
       file.Prepare("UPDATE INK_Basic_LotInv SET LotQty = LotQty - 0.7 WHERE LotCName = ?1 AND LotRefID = 1");
   Statement consumed = file.Prepare("UPDATE INK_Basic SET LastConsumed = '2026-03-10 12:00:00' WHERE Color_Name = ?1");
   Statement produced = file.Prepare(
       "UPDATE INK_Mix SET LastProduced = '2026-03-10 12:00:00', LotRefID = ?1 WHERE Color_Name = 'HOUSE GREY'");
   Statement made = file.Prepare(
-      "INSERT INTO INK_Mix_LotInv VALUES (?1, 'HOUSE GREY', 'MADE', '', '', '2026-03-10 00:00:00', 13.0, 0.0, 0)");
+      "INSERT INTO INK_Mix_LotInv VALUES (?1, 'HOUSE GREY', 'MADE', '', '', '2026-03-10 00:00:00', 13.0, 0.0, 0, "
+      "NULL)");
   Statement history = file.Prepare(kHistory);
   Statement counter = file.Prepare("UPDATE FileInfo SET BatchNumber = ?1");
   int number = 1000;
@@ -224,7 +225,7 @@ void NextRaw(benchmark::State& state) {
       file.Prepare("UPDATE INK_Basic_LotInv SET LotQty = LotQty + ?2 WHERE LotCName = ?1 AND LotRefID = 1");
   Statement history = file.Prepare(kHistory);
   Statement marker =
-      file.Prepare("INSERT INTO MSysOpenBatch VALUES ('INK', ?1, 1, ?2, 1, 1, 'L', 2.0, 90000.0, 90002.0)");
+      file.Prepare("INSERT INTO MSysOpenBatch VALUES ('INK', ?1, 1, ?2, 1, 1, 'L', 2.0, 90000.0, 90002.0, '', NULL)");
   Statement clear = file.Prepare("DELETE FROM MSysOpenBatch");
   const auto move = [&](int number, double sign) {
     lots.Reset();

@@ -31,7 +31,7 @@ std::string RecipeFields(std::string_view between) {
 
 Rows ReadRows(Database& file) {
   Rows rows;
-  Statement all = file.Prepare("SELECT " + RecipeFields(", ") + ", rowid FROM INK_Mix ORDER BY rowid");
+  Statement all = file.Prepare("SELECT " + RecipeFields(", ") + ", RowKey FROM INK_Mix ORDER BY RowKey");
   while (all.Step()) {
     rows.emplace_back();
     for (int i = 0; i < all.ColumnCount(); ++i) rows.back().push_back(all.Get(i));
@@ -41,7 +41,7 @@ Rows ReadRows(Database& file) {
 
 void WriteRows(Database& file, const Rows& rows) {
   Transaction transaction(file);
-  Statement update = file.Prepare("UPDATE INK_Mix SET " + RecipeFields(" = ?, ") + " = ? WHERE rowid = ?");
+  Statement update = file.Prepare("UPDATE INK_Mix SET " + RecipeFields(" = ?, ") + " = ? WHERE RowKey = ?");
   for (const auto& row : rows) {
     for (std::size_t i = 0; i < row.size(); ++i) update.Bind(static_cast<int>(i) + 1, row[i]);
     update.Run();

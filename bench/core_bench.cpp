@@ -103,7 +103,7 @@ void PassRaw(benchmark::State& state) {
   float figure = 1000;
   for (auto unused : state) {
     Transaction transaction(file);
-    Statement update = file.Prepare("UPDATE INK_Mix SET BasicCost = ?, BasicVOC = ?, BasicHAP = ? WHERE rowid = ?");
+    Statement update = file.Prepare("UPDATE INK_Mix SET BasicCost = ?, BasicVOC = ?, BasicHAP = ? WHERE RowKey = ?");
     for (int row = 1; row <= 100000; ++row)
       update.Bind(1, figure + static_cast<float>(row)).Bind(2, figure).Bind(3, figure).Bind(4, row).Run();
     transaction.Commit();

@@ -22,7 +22,7 @@ inline Recyclable ReadRecyclable(LargeRoom& room, const std::string& name) {
   for (int i = 0; i < schema::kIngredientSlots; ++i) slots += ", " + schema::Numbered("BC", i);
   Database& file = room.session.File();
   std::set<std::string> recipe{""};
-  Statement asked = file.Prepare("SELECT rowid" + slots + " FROM INK_Mix NOT INDEXED WHERE Color_Name = ?");
+  Statement asked = file.Prepare("SELECT RowKey" + slots + " FROM INK_Mix NOT INDEXED WHERE Color_Name = ?");
   asked.Bind(1, name).Step();
   for (int i = 1; i <= schema::kIngredientSlots; ++i) recipe.insert(asked.Text(i));
   std::set<std::string> lotted;
@@ -30,7 +30,7 @@ inline Recyclable ReadRecyclable(LargeRoom& room, const std::string& name) {
   while (lots.Step()) lotted.insert(lots.Text(0));
   Recyclable found;
   Statement all =
-      file.Prepare("SELECT rowid" + slots + ", Inventory, Color_Name FROM INK_Mix NOT INDEXED ORDER BY rowid");
+      file.Prepare("SELECT RowKey" + slots + ", Inventory, Color_Name FROM INK_Mix NOT INDEXED ORDER BY RowKey");
   while (all.Step()) {
     bool held = true;
     for (int i = 1; held && i <= schema::kIngredientSlots; ++i) held = recipe.contains(all.Text(i));
@@ -47,7 +47,7 @@ inline std::vector<std::int64_t> ScanForRecyclable(LargeRoom& room, const std::s
   Database& file = room.session.File();
   const std::string asked = file.Scalar("SELECT Color_Set FROM INK_Mix WHERE Color_Name = ?", {name}).Text();
   std::vector<std::int64_t> rows;
-  Statement sets = file.Prepare("SELECT rowid, Color_Set FROM INK_Mix");
+  Statement sets = file.Prepare("SELECT RowKey, Color_Set FROM INK_Mix");
   while (sets.Step()) {
     std::string_view rest = sets.TextView(1);
     bool held = true;

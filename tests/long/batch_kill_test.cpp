@@ -124,7 +124,7 @@ TEST(BatchKills, EveryBatchStandsBeforeOrAfter) {
     ::kill(child, SIGKILL);
     ::waitpid(child, nullptr, 0);
     bench.Reopen();
-    if (!AbandonedBatches(bench.session.File()).empty()) {
+    if (!MarkedBatches(bench.session.File()).empty()) {
       bench.prompt.Expect("Open Batch");
       ++healed;
     }

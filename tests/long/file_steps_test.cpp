@@ -32,7 +32,7 @@ class FileSteps : public testing::Test {
       for (int i = 0; i < 300; ++i)
         file->Execute("INSERT INTO INK_Basic (Color_Name, Notes) VALUES ('C" + std::to_string(i) + "', '" +
                       std::string(900, 'n') + "')");
-      file->Execute("DELETE FROM INK_Basic WHERE rowid % 10 <> 0");
+      file->Execute("DELETE FROM INK_Basic WHERE RowKey % 10 <> 0");
       transaction.Commit();
     }
     room.Json({"settings", "set", "dbFileName50", link.string()});

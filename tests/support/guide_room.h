@@ -47,7 +47,7 @@ struct GuideRoom : InkRoom {
                {"BQ1", 100 - rubine}});
   }
   std::string Names(const std::string& table) {
-    return Scalar("SELECT group_concat(Color_Name, ', ') FROM (SELECT Color_Name FROM " + table + " ORDER BY rowid)")
+    return Scalar("SELECT group_concat(Color_Name, ', ') FROM (SELECT Color_Name FROM " + table + " ORDER BY RowKey)")
         .Text();
   }
 };

@@ -2,7 +2,7 @@
 
 #include <string>
 
-#include "core/datafile/engine.h"
+#include "core/datafile/schema.h"
 
 namespace vellumark::test {
 
@@ -16,7 +16,8 @@ inline std::string Snapshot(Database& file, bool ownTables = true) {
     const std::size_t before = text.size();
     text += "== " + table + "\n";
     const std::size_t rowsFrom = text.size();
-    Statement rows = file.Prepare("SELECT rowid, * FROM " + Quoted(table) + " ORDER BY rowid");
+    Statement rows = file.Prepare("SELECT * FROM " + Quoted(table) + " ORDER BY " +
+                                  (table == schema::StockHistory.name ? schema::StockHistory.rowKey : "RowKey"));
     while (rows.Step()) {
       for (int column = 0; column < rows.ColumnCount(); ++column) {
         const Value value = rows.Get(column);

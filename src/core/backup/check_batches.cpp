@@ -27,7 +27,7 @@ std::string Called(std::int64_t batchNo) {
 }
 
 void ForEachBatch(CheckRun& run, const std::string& table, const std::function<void(const CheckedBatch&)>& take) {
-  std::string columns = "rowid, BatchNo";
+  std::string columns = "RowKey, BatchNo";
   for (int n = 0; n < kLines; ++n) columns += ", " + schema::Numbered("IngName", n);
   for (int n = 0; n < kLines; ++n) columns += ", " + schema::Numbered("IngType", n);
   Statement rows = run.file.Prepare(fmt::format("SELECT {} FROM {}", columns, Quoted(table)));
@@ -68,14 +68,14 @@ void CheckBatchLots(CheckRun& run) {
     const std::string batches = TableName(database, schema::Batch);
     const std::string lots = TableName(database, schema::BatchLotInv);
     Statement orphans = run.file.Prepare(
-        fmt::format("SELECT rowid, IngName, BatchNo FROM {} t WHERE NOT EXISTS (SELECT 1 FROM {} b WHERE b.BatchNo = "
+        fmt::format("SELECT RowKey, IngName, BatchNo FROM {} t WHERE NOT EXISTS (SELECT 1 FROM {} b WHERE b.BatchNo = "
                     "t.BatchNo)",
                     Quoted(lots), Quoted(batches)));
     run.FoundRows(lots, orphans, [](const Statement& row) {
       return fmt::format("There is no Batch {}.", Called(row.Whole(2)));
     });
     Statement taken = run.file.Prepare(
-        fmt::format("SELECT rowid, IngName, IngType, LotRefID, LotQty FROM {} WHERE BatchNo = ?", Quoted(lots)));
+        fmt::format("SELECT RowKey, IngName, IngType, LotRefID, LotQty FROM {} WHERE BatchNo = ?", Quoted(lots)));
     ForEachBatch(run, batches, [&](const CheckedBatch& batch) {
       taken.Bind(1, batch.BatchNo);
       while (taken.Step()) {
@@ -102,7 +102,7 @@ void CheckJobBatches(CheckRun& run) {
   for (const std::string& database : run.Databases()) {
     const std::string batches = TableName(database, schema::Batch);
     Statement orphans = run.file.Prepare(
-        fmt::format("SELECT rowid, JobNumber, BatchNo FROM {} j WHERE j.Database = ?1 AND j.BatchNo BETWEEN 1 AND {} "
+        fmt::format("SELECT RowKey, JobNumber, BatchNo FROM {} j WHERE j.Database = ?1 AND j.BatchNo BETWEEN 1 AND {} "
                     "AND NOT EXISTS (SELECT 1 FROM {} b WHERE b.BatchNo = j.BatchNo)",
                     Quoted(jobs), kFirstItem, Quoted(batches)));
     orphans.Bind(1, database);
@@ -110,10 +110,11 @@ void CheckJobBatches(CheckRun& run) {
       return fmt::format("{} has no Batch {}.", database, Called(row.Whole(2)));
     });
     // What the Batch calls its job against the records of it.
-    Statement named = run.file.Prepare(fmt::format(
-        "SELECT b.rowid, b.BatchNo, IFNULL(b.JobNumber, ''), COUNT(j.rowid), IFNULL(MIN(j.JobNumber), '') FROM {} b "
-        "LEFT JOIN {} j ON j.BatchNo = b.BatchNo AND j.Database = ?1 GROUP BY b.rowid",
-        Quoted(batches), Quoted(jobs)));
+    Statement named =
+        run.file.Prepare(fmt::format("SELECT b.RowKey, b.BatchNo, COALESCE(b.JobNumber, ''), COUNT(j.RowKey), "
+                                     "COALESCE(MIN(j.JobNumber), '') FROM {} b "
+                                     "LEFT JOIN {} j ON j.BatchNo = b.BatchNo AND j.Database = ?1 GROUP BY b.RowKey",
+                                     Quoted(batches), Quoted(jobs)));
     named.Bind(1, database);
     WalkRows(run, named, RowCount(run.file, batches), [&](const Statement& row) {
       const std::int64_t records = row.Whole(3);
@@ -124,7 +125,7 @@ void CheckJobBatches(CheckRun& run) {
                               right));
     });
   }
-  Statement strangers = run.file.Prepare(fmt::format("SELECT rowid, JobNumber, Database FROM {}", Quoted(jobs)));
+  Statement strangers = run.file.Prepare(fmt::format("SELECT RowKey, JobNumber, Database FROM {}", Quoted(jobs)));
   WalkRows(run, strangers, RowCount(run.file, jobs), [&](const Statement& row) {
     bool listed = false;
     for (const std::string& database : run.info.dbList) listed = listed || EqualNoCase(database, row.TextView(2));

@@ -21,7 +21,7 @@ namespace vellumark {
 void ForEachCheckedFormula(CheckRun& run, const std::string& database,
                            const std::function<void(const CheckedFormula&)>& take) {
   constexpr int kFirst = 7;
-  std::string columns = "rowid, Color_Name, Color_Set, AddSetName, BasicCost, BasicVOC, BasicHAP";
+  std::string columns = "RowKey, Color_Name, Color_Set, AddSetName, BasicCost, BasicVOC, BasicHAP";
   for (int n = 0; n < schema::kIngredientSlots; ++n) columns += ", " + schema::Numbered("BC", n);
   for (int n = 0; n < schema::kIngredientSlots; ++n) columns += ", " + schema::Numbered("BQ", n);
   const std::string table = TableName(database, schema::Mix);
@@ -165,7 +165,7 @@ namespace {
 // A search text against the names of the slots that it is built from.
 void CheckSet(CheckRun& run, const std::string& table, std::string_view setField, std::string_view nameField, int slots,
               std::string_view keyField) {
-  std::string columns = fmt::format("rowid, {}, {}", Quoted(keyField), Quoted(setField));
+  std::string columns = fmt::format("RowKey, {}, {}", Quoted(keyField), Quoted(setField));
   for (int n = 0; n < slots; ++n) columns += ", " + Quoted(schema::Numbered(nameField, n));
   Statement rows = run.file.Prepare(fmt::format("SELECT {} FROM {}", columns, Quoted(table)));
   WalkRows(run, rows, RowCount(run.file, table), [&](const Statement& row) {
@@ -210,10 +210,10 @@ void CheckAdditiveSets(CheckRun& run) {
 void CheckFormulaSets(CheckRun& run) {
   for (const std::string& database : run.Databases()) {
     const std::string table = TableName(database, schema::Mix);
-    Statement rows = run.file.Prepare(
-        fmt::format("SELECT rowid, Color_Name, AddSetName FROM {} WHERE AddSetName <> '' AND AddSetName NOT IN (SELECT "
-                    "SetName FROM {} WHERE SetName IS NOT NULL)",
-                    Quoted(table), Quoted(TableName(database, schema::Additives))));
+    Statement rows = run.file.Prepare(fmt::format(
+        "SELECT RowKey, Color_Name, AddSetName FROM {} WHERE AddSetName <> '' AND AddSetName NOT IN (SELECT "
+        "SetName FROM {} WHERE SetName IS NOT NULL)",
+        Quoted(table), Quoted(TableName(database, schema::Additives))));
     run.FoundRows(table, rows, [](const Statement& row) {
       return fmt::format("Its Additive Set {} does not exist.", row.TextView(2));
     });

@@ -125,7 +125,7 @@ void CheckCounters(CheckRun& run) {
 }
 
 void CheckMarkers(CheckRun& run) {
-  for (const AbandonedBatch& batch : AbandonedBatches(run.file))
+  for (const MarkedBatch& batch : MarkedBatches(run.file))
     run.Found("MSysOpenBatch", 0, fmt::format("{:06}", batch.BatchNo),
               fmt::format("The Batch {:06} of {} is marked as open.", batch.BatchNo, batch.database));
   for (const PendingRollUps& pending : ReadPendingRollUps(run.file))
@@ -147,7 +147,7 @@ namespace {
 
 // The columns of a table as a query reads them. A figure that is not finite comes as a text, so that it can be read.
 std::string ReadableColumns(const Table& table) {
-  std::string columns = "rowid";
+  std::string columns = "RowKey";
   for (const Field& field : table.fields) {
     const std::string name = Quoted(field.name);
     columns += ", ";
@@ -196,7 +196,7 @@ namespace {
 void CheckFilled(CheckRun& run, const std::string& table, std::string_view field) {
   const std::string column = Quoted(field);
   Statement empty =
-      run.file.Prepare(fmt::format("SELECT rowid, {0} FROM {1} WHERE {0} IS NULL OR {0} = ''", column, Quoted(table)));
+      run.file.Prepare(fmt::format("SELECT RowKey, {0} FROM {1} WHERE {0} IS NULL OR {0} = ''", column, Quoted(table)));
   run.FoundRows(table, empty, [&](const Statement&) { return fmt::format("{} is empty.", field); });
 }
 
@@ -207,7 +207,7 @@ void CheckNames(CheckRun& run, const std::string& table, std::string_view field)
   Statement twice = run.file.Prepare(fmt::format(
       "SELECT {0}, COUNT(*) FROM {1} WHERE {0} <> '' GROUP BY {0} HAVING COUNT(*) > 1", column, Quoted(table)));
   Statement rows =
-      run.file.Prepare(fmt::format("SELECT rowid, {0} FROM {1} WHERE {0} = ? ORDER BY rowid", column, Quoted(table)));
+      run.file.Prepare(fmt::format("SELECT RowKey, {0} FROM {1} WHERE {0} = ? ORDER BY RowKey", column, Quoted(table)));
   while (twice.Step()) {
     const std::int64_t count = twice.Whole(1);
     rows.Bind(1, twice.Get(0));

@@ -29,7 +29,7 @@ void CheckLotColors(CheckRun& run) {
         const std::string name = TableName(database, table);
         const std::string colors = TableName(database, ColorTable(kind));
         Statement rows = run.file.Prepare(fmt::format(
-            "SELECT t.rowid, t.{0} FROM {1} t WHERE t.{0} IS NULL OR NOT EXISTS (SELECT 1 FROM {2} c WHERE "
+            "SELECT t.RowKey, t.{0} FROM {1} t WHERE t.{0} IS NULL OR NOT EXISTS (SELECT 1 FROM {2} c WHERE "
             "c.Color_Name = t.{0})",
             Quoted(field), Quoted(name), Quoted(colors)));
         run.FoundRows(name, rows, [&](const Statement&) { return fmt::format("{} has no such color.", colors); });
@@ -43,20 +43,20 @@ void CheckLotReferences(CheckRun& run) {
   for (const std::string& database : run.Databases())
     for (const ColorKind kind : kKinds) {
       const std::string lots = TableName(database, LotTable(kind));
-      Statement odd = run.file.Prepare(
-          fmt::format("SELECT rowid, LotCName, LotRefID FROM {} WHERE LotRefID IS NULL OR LotRefID NOT BETWEEN 1 AND {}",
-                      Quoted(lots), kLastLotRef));
+      Statement odd = run.file.Prepare(fmt::format(
+          "SELECT RowKey, LotCName, LotRefID FROM {} WHERE LotRefID IS NULL OR LotRefID NOT BETWEEN 1 AND {}",
+          Quoted(lots), kLastLotRef));
       run.FoundRows(lots, odd, [](const Statement& row) {
         return row.IsNull(2) ? std::string("The lot has no reference.")
                              : fmt::format("The lot reference is {}.", row.Whole(2));
       });
-      Statement unnamed = run.file.Prepare(fmt::format(
-          "SELECT rowid, LotCName FROM {} WHERE LotNumber IS NULL OR LotNumber = ''", Quoted(lots)));
+      Statement unnamed = run.file.Prepare(
+          fmt::format("SELECT RowKey, LotCName FROM {} WHERE LotNumber IS NULL OR LotNumber = ''", Quoted(lots)));
       run.FoundRows(lots, unnamed, [](const Statement&) { return std::string("The lot has no number."); });
-      Statement twice = run.file.Prepare(
-          fmt::format("SELECT rowid, LotCName, LotRefID FROM {0} t WHERE EXISTS (SELECT 1 FROM {0} e WHERE e.LotCName = "
-                      "t.LotCName AND e.LotRefID = t.LotRefID AND e.rowid < t.rowid)",
-                      Quoted(lots)));
+      Statement twice = run.file.Prepare(fmt::format(
+          "SELECT RowKey, LotCName, LotRefID FROM {0} t WHERE EXISTS (SELECT 1 FROM {0} e WHERE e.LotCName = "
+          "t.LotCName AND e.LotRefID = t.LotRefID AND e.RowKey < t.RowKey)",
+          Quoted(lots)));
       run.FoundRows(lots, twice, [](const Statement& row) {
         return fmt::format("Another lot of the color has the reference {} too.", row.Whole(2));
       });
@@ -67,8 +67,8 @@ void CheckQuantities(CheckRun& run) {
   for (const std::string& database : run.Databases()) {
     const auto negative = [&](const Table& table, std::string_view name, std::string_view field) {
       const std::string of = TableName(database, table);
-      Statement rows = run.file.Prepare(
-          fmt::format("SELECT rowid, {0}, {1} FROM {2} WHERE {1} < 0", name, field, Quoted(of)));
+      Statement rows =
+          run.file.Prepare(fmt::format("SELECT RowKey, {0}, {1} FROM {2} WHERE {1} < 0", name, field, Quoted(of)));
       run.FoundRows(of, rows, [&](const Statement& row) {
         return fmt::format("{} is {}, below 0.", field, FigureText(row.Number(2)));
       });
@@ -104,8 +104,8 @@ class StockComparison {
  private:
   void Compare(const std::string& database, ColorKind kind, const std::string& table, std::string_view name,
                std::string_view quantity, std::string_view ref) {
-    Statement rows = run_.file.Prepare(
-        fmt::format("SELECT rowid, {}, {}, {} FROM {}", name, quantity, ref, Quoted(table)));
+    Statement rows =
+        run_.file.Prepare(fmt::format("SELECT RowKey, {}, {}, {} FROM {}", name, quantity, ref, Quoted(table)));
     WalkRows(run_, rows, RowCount(run_.file, table), [&](const Statement& row) {
       const auto lot = static_cast<std::int32_t>(row.Whole(3));
       const double told = balance_.Of(database, kind, row.TextView(1), lot);

@@ -78,7 +78,7 @@ Result<std::string> FindBatchFormula(const Session& session, std::string_view ty
   for (const char* column : {"Color_Name", "Color_Code"}) {
     for (const std::string& wanted : {name, std::string(kPantonePrefix) + name}) {
       const Value found = session.File().Scalar(
-          fmt::format("SELECT Color_Name FROM {} WHERE {} = ? ORDER BY rowid LIMIT 1", table, column), {wanted});
+          fmt::format("SELECT Color_Name FROM {} WHERE {} = ? ORDER BY RowKey LIMIT 1", table, column), {wanted});
       if (!name.empty() && !found.IsNull()) return found.Text();
     }
   }

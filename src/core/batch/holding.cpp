@@ -6,6 +6,7 @@
 
 #include "core/base/text.h"
 #include "core/batch/leave.h"
+#include "core/datafile/schema.h"
 #include "core/inventory/posting.h"
 
 namespace vellumark {
@@ -40,9 +41,10 @@ std::optional<ColorAt> FindColor(const Session& session, const std::string& data
                                  const std::string& name) {
   const std::string table = Quoted(session.Table(ColorTable(kind), database));
   Statement color = session.File().Prepare(
-      row == 0 ? fmt::format("SELECT rowid, Color_Name, Inventory FROM {} WHERE Color_Name = ?1 ORDER BY rowid LIMIT 1",
-                             table)
-               : fmt::format("SELECT rowid, Color_Name, Inventory FROM {} WHERE rowid = ?1", table));
+      row == 0
+          ? fmt::format("SELECT RowKey, Color_Name, Inventory FROM {} WHERE Color_Name = ?1 ORDER BY RowKey LIMIT 1",
+                        table)
+          : fmt::format("SELECT RowKey, Color_Name, Inventory FROM {} WHERE RowKey = ?1", table));
   row == 0 ? color.Bind(1, name) : color.Bind(1, row);
   if (color.Step()) return ColorAt{color.Whole(0), color.Text(1), color.Single(2)};
   if (row == 0) return std::nullopt;
@@ -58,12 +60,11 @@ std::optional<Figure> FigureAt(const Session& session, const std::string& databa
 }
 
 void EnsureMarkerTable(Database& file) {
-  if (file.TableExists(kMarkerTable)) return;
-  file.Execute(
-      fmt::format("CREATE TABLE {} (DatabaseName TEXT COLLATE NOCASE, BatchNo INTEGER, Kind INTEGER, Color_Name TEXT "
-                  "COLLATE NOCASE, ColorRow INTEGER, LotRefID INTEGER, LotNumber TEXT, Quantity REAL, StoodBefore "
-                  "REAL, StoodAfter REAL)",
-                  kMarkerTable));
+  if (file.TableExists(kMarkerTable)) {
+    AddMissingFields(file, kMarkerTable, schema::OpenBatch);
+  } else {
+    CreateTable(file, kMarkerTable, schema::OpenBatch);
+  }
 }
 
 std::vector<HeldFigure> ReadHeld(Database& file, std::string_view database, std::int32_t batchNo) {
@@ -71,7 +72,7 @@ std::vector<HeldFigure> ReadHeld(Database& file, std::string_view database, std:
   if (!file.TableExists(kMarkerTable)) return held;
   Statement rows = file.Prepare(
       fmt::format("SELECT Kind, Color_Name, ColorRow, LotRefID, LotNumber, Quantity, StoodBefore, StoodAfter FROM {} "
-                  "WHERE DatabaseName = ?1 AND BatchNo = ?2 ORDER BY rowid",
+                  "WHERE DatabaseName = ?1 AND BatchNo = ?2 ORDER BY RowKey",
                   kMarkerTable));
   rows.Bind(1, database).Bind(2, batchNo);
   const auto figure = [&](int column) -> std::optional<float> {
@@ -198,7 +199,10 @@ void HoldBatch(Session& session, std::int32_t batchNo, std::vector<BatchTaking>&
         if (IsOfPlace(session, of, taking)) of.use.LotRefID = posted.LotRefID;
       ref = posted.LotRefID;
     }
-    file.Prepare(fmt::format("INSERT INTO {} VALUES (?1, ?2, ?3, ?4, ?5, ?6, ?7, ?8, ?9, ?10)", kMarkerTable))
+    file.Prepare(fmt::format("INSERT INTO {} (DatabaseName, BatchNo, Kind, Color_Name, ColorRow, LotRefID, "
+                             "LotNumber, Quantity, StoodBefore, StoodAfter, Owner) VALUES (?1, ?2, ?3, ?4, ?5, ?6, ?7, "
+                             "?8, ?9, ?10, ?11)",
+                             kMarkerTable))
         .Bind(1, session.CurrentDatabase)
         .Bind(2, batchNo)
         .Bind(3, static_cast<int>(taking.kind))
@@ -209,6 +213,7 @@ void HoldBatch(Session& session, std::int32_t batchNo, std::vector<BatchTaking>&
         .Bind(8, taking.place.LotQty)
         .Bind(9, posted.outcome == Outcome::Posted ? Value(posted.before) : Value())
         .Bind(10, posted.quantity)
+        .Bind(11, file.Opening())
         .Run();
   }
 }
@@ -243,21 +248,26 @@ bool SameAsHeld(Session& session, std::int32_t batchNo, const std::vector<NetTak
 
 // ---- What a killed process left
 
-std::vector<AbandonedBatch> AbandonedBatches(Database& file) {
-  std::vector<AbandonedBatch> abandoned;
-  if (!file.TableExists(kMarkerTable)) return abandoned;
+std::vector<MarkedBatch> MarkedBatches(Database& file) {
+  std::vector<MarkedBatch> marked;
+  if (!file.TableExists(kMarkerTable)) return marked;
+  // An earlier program did not write down whose mark it is; it has ended.
+  const bool owned = MissingFields(file, kMarkerTable, schema::OpenBatch).empty();
   Statement rows =
-      file.Prepare(fmt::format("SELECT DatabaseName, BatchNo FROM {} GROUP BY 1, 2 ORDER BY MIN(rowid)", kMarkerTable));
-  while (rows.Step()) abandoned.push_back({rows.Text(0), static_cast<std::int32_t>(rows.Whole(1))});
-  return abandoned;
+      file.Prepare(fmt::format("SELECT DatabaseName, BatchNo, {} FROM {} GROUP BY 1, 2 ORDER BY MIN(RowKey)",
+                               owned ? "MAX(Owner)" : "NULL", kMarkerTable));
+  while (rows.Step())
+    marked.push_back({rows.Text(0), static_cast<std::int32_t>(rows.Whole(1)), file.IsAtWork(rows.TextView(2))});
+  return marked;
 }
 
 void HealAbandonedBatches(Session& session) {
-  const std::vector<AbandonedBatch> abandoned = AbandonedBatches(session.File());
+  std::vector<MarkedBatch> abandoned = MarkedBatches(session.File());
+  std::erase_if(abandoned, &MarkedBatch::atWork);
   if (abandoned.empty()) return;
   std::string told;
   Transaction transaction(session.File());
-  for (const AbandonedBatch& batch : abandoned) {
+  for (const MarkedBatch& batch : abandoned) {
     if (!DatabaseIsThere(session, batch.database)) {
       DeleteMarker(session.File(), batch.database, batch.BatchNo);
       continue;

@@ -9,7 +9,7 @@ namespace vellumark {
 
 std::optional<Ink> InkOf(const Session& session, ColorKind kind, std::string_view name) {
   Statement row =
-      session.File().Prepare(fmt::format("SELECT Red, Green, Blue FROM {} WHERE Color_Name = ? ORDER BY rowid LIMIT 1",
+      session.File().Prepare(fmt::format("SELECT Red, Green, Blue FROM {} WHERE Color_Name = ? ORDER BY RowKey LIMIT 1",
                                          Quoted(session.Table(ColorTable(kind)))));
   row.Bind(1, name);
   if (!row.Step()) return std::nullopt;

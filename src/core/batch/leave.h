@@ -31,14 +31,16 @@ Result<bool> DeleteBatch(Session& session, BatchRecord& record, BatchDialogs& di
 /// stands as the opening left it, every figure becomes what it was before, to the last digit.
 void Reset_Ing_Inv_CancelEdit_ExistingBatch(Session& session, BatchRecord& record);
 
-/// An open Batch that a killed process left behind.
-struct AbandonedBatch {
+/// A saved Batch that is marked as open.
+struct MarkedBatch {
   std::string database;
   std::int32_t BatchNo = 0;
+  bool atWork = false;  ///< whoever opened it lives; else a killed process left it behind
 };
 /// Those that a file holds a marker of; reads only.
-std::vector<AbandonedBatch> AbandonedBatches(Database& file);
-/// At the opening of a Data File: takes the ingredients of abandoned Batches from stock again and tells so once.
+std::vector<MarkedBatch> MarkedBatches(Database& file);
+/// At the opening of a Data File: takes the ingredients of Batches from stock again whose owner has died, and tells so
+/// once.
 void HealAbandonedBatches(Session& session);
 
 }  // namespace vellumark

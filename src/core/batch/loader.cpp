@@ -39,7 +39,7 @@ class BatchRowReader {
   static std::string Sql(const Session& session) {
     std::string columns;
     for (const Field& field : schema::Batch.fields) columns += (columns.empty() ? "" : ", ") + Quoted(field.name);
-    return fmt::format("SELECT {} FROM {} WHERE rowid = ?", columns, Quoted(session.Table(schema::Batch)));
+    return fmt::format("SELECT {} FROM {} WHERE RowKey = ?", columns, Quoted(session.Table(schema::Batch)));
   }
   static int Column(std::string_view field) { return schema::Batch.Find(field); }
 
@@ -185,7 +185,7 @@ bool MadeByThisRecipe(const BatchWork& work, double actual) {
 bool FormulaUnchanged(const Session& session, const BatchRecord& record, double actual) {
   if (!record.work.formulaFound) return false;
   Statement formula = session.File().Prepare(
-      fmt::format("SELECT Date_Entered, LastModified FROM {} WHERE Color_Name = ? ORDER BY rowid LIMIT 1",
+      fmt::format("SELECT Date_Entered, LastModified FROM {} WHERE Color_Name = ? ORDER BY RowKey LIMIT 1",
                   Quoted(session.Table(schema::Mix))));
   if (!formula.Bind(1, record.work.Color_Name).Step()) return false;
   if (!record.Date_Entered) return true;
@@ -326,7 +326,7 @@ std::optional<BatchRecord> LoadBatchRow(Session& session, std::int64_t rowId, co
 
 std::int64_t BatchRowOf(const Session& session, std::int32_t batchNo) {
   return session.File()
-      .Scalar(fmt::format("SELECT rowid FROM {} WHERE BatchNo = ? ORDER BY rowid LIMIT 1",
+      .Scalar(fmt::format("SELECT RowKey FROM {} WHERE BatchNo = ? ORDER BY RowKey LIMIT 1",
                           Quoted(session.Table(schema::Batch))),
               {batchNo})
       .Whole();

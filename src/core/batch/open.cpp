@@ -24,7 +24,7 @@ void ReadList(Statement rows, const TakeBatch& take) {
 
 void ForEachRecentBatch(const Session& session, int count, const TakeBatch& take) {
   Statement rows =
-      session.File().Prepare(fmt::format("SELECT {} FROM {} ORDER BY Date_Entered DESC, rowid DESC LIMIT ?1",
+      session.File().Prepare(fmt::format("SELECT {} FROM {} ORDER BY Date_Entered DESC, RowKey DESC LIMIT ?1",
                                          kListColumns, Quoted(session.Table(schema::Batch))));
   rows.Bind(1, count);
   ReadList(std::move(rows), take);
@@ -52,12 +52,12 @@ std::optional<std::int64_t> RowBeside(const Session& session, const BatchRecord&
   const bool stored = record.rowId != 0;
   if (forward && !stored) return std::nullopt;
   const std::string_view direction = forward ? "ASC" : "DESC";
-  Statement row = session.File().Prepare(fmt::format("SELECT rowid FROM {0}{1} ORDER BY BatchNo {2}, rowid {2} LIMIT 1",
-                                                     Quoted(session.Table(schema::Batch)),
-                                                     !stored   ? ""
-                                                     : forward ? " WHERE (BatchNo, rowid) > (?1, ?2)"
-                                                               : " WHERE (BatchNo, rowid) < (?1, ?2)",
-                                                     direction));
+  Statement row = session.File().Prepare(fmt::format(
+      "SELECT RowKey FROM {0}{1} ORDER BY BatchNo {2}, RowKey {2} LIMIT 1", Quoted(session.Table(schema::Batch)),
+      !stored   ? ""
+      : forward ? " WHERE (BatchNo, RowKey) > (?1, ?2)"
+                : " WHERE (BatchNo, RowKey) < (?1, ?2)",
+      direction));
   if (stored) row.Bind(1, record.BatchNo).Bind(2, record.rowId);
   if (!row.Step()) return std::nullopt;
   return row.Whole(0);
@@ -75,7 +75,7 @@ std::optional<BatchRecord> ReadBatch(Session& session, std::int32_t batchNo) {
 std::vector<Cell> ReadBatchFields(const Session& session, std::int32_t batchNo) {
   std::string columns;
   for (const Field& field : schema::Batch.fields) columns += (columns.empty() ? "" : ", ") + Quoted(field.name);
-  Statement row = session.File().Prepare(fmt::format("SELECT {} FROM {} WHERE BatchNo = ? ORDER BY rowid LIMIT 1",
+  Statement row = session.File().Prepare(fmt::format("SELECT {} FROM {} WHERE BatchNo = ? ORDER BY RowKey LIMIT 1",
                                                      columns, Quoted(session.Table(schema::Batch))));
   std::vector<Cell> cells;
   if (!row.Bind(1, batchNo).Step()) return cells;
@@ -140,7 +140,7 @@ ListTable ListRecentBatches(const Session& session, int count) {
 
 ListTable ListBatches(const Session& session, const std::string& colorName) {
   return BatchColumns().Of([&session, colorName](const TakeBatch& take) {
-    Statement rows = session.File().Prepare(fmt::format("SELECT {} FROM {}{} ORDER BY BatchNo, rowid", kListColumns,
+    Statement rows = session.File().Prepare(fmt::format("SELECT {} FROM {}{} ORDER BY BatchNo, RowKey", kListColumns,
                                                         Quoted(session.Table(schema::Batch)),
                                                         colorName.empty() ? "" : " WHERE Color_Name = ?1"));
     if (!colorName.empty()) rows.Bind(1, colorName);

@@ -166,7 +166,7 @@ std::string FormulaSql(const Session& session) {
     for (int i = 0; i < schema::kIngredientSlots; ++i) slots += fmt::format(", {}{}", word, i);
   return fmt::format(
       "SELECT Color_Name, Color_Code, Color_Set, Notes, PurchaseCost, Color_Guide, Page, \"Row\", Red, Green, Blue{} "
-      "FROM {} WHERE Color_Name = ? ORDER BY rowid LIMIT 1",
+      "FROM {} WHERE Color_Name = ? ORDER BY RowKey LIMIT 1",
       slots, Quoted(session.Table(schema::Mix)));
 }
 
@@ -179,7 +179,7 @@ std::optional<BatchIngredient> ReadBatchIngredient(Session& session, int unit, s
                                              Quoted(session.Table(schema::BasicLotInv)));
   Statement row = session.File().Prepare(fmt::format(
       "SELECT Color_Name, Color_Code, PurchaseCost, Inv_Note, Inventory, Reorder, Notes, IngSort, VOC, HAP, {} "
-      "FROM {} b WHERE Color_Name = ? ORDER BY rowid LIMIT 1",
+      "FROM {} b WHERE Color_Name = ? ORDER BY RowKey LIMIT 1",
       lots, Quoted(session.Table(schema::Basic))));
   if (!row.Bind(1, name).Step()) return std::nullopt;
   BatchIngredient ingredient;

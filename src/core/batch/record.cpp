@@ -90,7 +90,7 @@ std::int32_t UpcomingBatchNo(const Session& session) {
       if (taken.Whole(0) == free) ++free;
     return free;
   };
-  const std::int64_t free = firstFree(std::clamp(session.BatchNumber, 1, kLastCounter));
+  const std::int64_t free = firstFree(std::clamp(ReadFileInfo(session.File()).batchNumber, 1, kLastCounter));
   if (free <= kLastCounter) return static_cast<std::int32_t>(free);
   // The counter begins anew, and may meet Batches that were never archived.
   const std::int64_t again = firstFree(1);

@@ -49,7 +49,7 @@ class SetWalk {
 
  private:
   static std::string Sql(const Session& session) {
-    return fmt::format("SELECT rowid, Color_Set FROM {} WHERE Color_Set >= ? AND Color_Set < ? ORDER BY Color_Set",
+    return fmt::format("SELECT RowKey, Color_Set FROM {} WHERE Color_Set >= ? AND Color_Set < ? ORDER BY Color_Set",
                        Quoted(session.Table(schema::Mix)));
   }
 
@@ -117,8 +117,8 @@ std::string CandidatesSql(Session& session, int slots, int rows = kRowsAtOnce) {
   std::string wanted = "?";
   for (int i = 1; i < rows; ++i) wanted += ",?";
   return fmt::format(
-      "SELECT {}m.rowid, Color_Name, Recycle, Inventory, {} FROM {} m WHERE m.rowid IN ({}) ORDER BY m.rowid", columns,
-      lots ? fmt::format("(SELECT SUM(LotQty) FROM {} WHERE LotCName = m.Color_Name)", lotTable) : "NULL",
+      "SELECT {}m.RowKey, Color_Name, Recycle, Inventory, {} FROM {} m WHERE m.RowKey IN ({}) ORDER BY m.RowKey",
+      columns, lots ? fmt::format("(SELECT SUM(LotQty) FROM {} WHERE LotCName = m.Color_Name)", lotTable) : "NULL",
       Quoted(session.Table(schema::Mix)), wanted);
 }
 
@@ -181,9 +181,9 @@ ContainedFormulas FindContainedFormulas(Session& session, std::string_view formu
   ContainedFormulas found;
   SetWalk(session, formulaSet, found).Run();
   // A formula without ingredients is contained in any other.
-  Statement empty = session.File().Prepare(
-      fmt::format("SELECT rowid FROM {0} WHERE Color_Set = '' UNION ALL SELECT rowid FROM {0} WHERE Color_Set IS NULL",
-                  Quoted(session.Table(schema::Mix))));
+  Statement empty = session.File().Prepare(fmt::format(
+      "SELECT RowKey FROM {0} WHERE Color_Set = '' UNION ALL SELECT RowKey FROM {0} WHERE Color_Set IS NULL",
+      Quoted(session.Table(schema::Mix))));
   while (empty.Step()) found.rows.push_back(empty.Whole(0));
   std::ranges::sort(found.rows);
   return found;
@@ -201,7 +201,7 @@ void BuildRecycleList(Session& session, BatchWork& work) {
 
 std::optional<RecycleColor> ReadRecycleColor(Session& session, const BatchWork& work, std::string_view name) {
   const std::int64_t row = session.File()
-                               .Scalar(fmt::format("SELECT rowid FROM {} WHERE Color_Name = ? ORDER BY rowid LIMIT 1",
+                               .Scalar(fmt::format("SELECT RowKey FROM {} WHERE Color_Name = ? ORDER BY RowKey LIMIT 1",
                                                    Quoted(session.Table(schema::Mix))),
                                        {name})
                                .Whole();
@@ -216,7 +216,7 @@ std::optional<RecycleColor> ReadRecycleColor(Session& session, const BatchWork& 
 void ReadChosenColor(Session& session, int unit, RecycleColor& color) {
   Statement row = session.File().Prepare(
       fmt::format("SELECT Color_Code, Inv_Note, Notes, PurchaseCost, BasicCost, Reorder, VOC, HAP, BasicVOC, BasicHAP "
-                  "FROM {} WHERE rowid = ?",
+                  "FROM {} WHERE RowKey = ?",
                   Quoted(session.Table(schema::Mix))));
   if (!row.Bind(1, color.rowId).Step()) return;
   color.Color_Code = row.Text(0);

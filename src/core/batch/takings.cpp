@@ -143,7 +143,7 @@ std::vector<BatchTaking> PlanTakings(Session& session, const BatchRecord& record
 std::vector<BatchTaking> ReadTakings(const Session& session, const StoredBatchLines& batch) {
   Statement rows = session.File().Prepare(
       fmt::format("SELECT IngName, IngType, LotRefID, LotNumber, LotLoc, LotContID, LotDate, LotQty, LotPrice "
-                  "FROM {} WHERE BatchNo = ? ORDER BY rowid",
+                  "FROM {} WHERE BatchNo = ? ORDER BY RowKey",
                   Quoted(session.Table(schema::BatchLotInv))));
   rows.Bind(1, batch.BatchNo);
   std::vector<BatchTaking> takings;
@@ -296,10 +296,10 @@ void LowerRecorded(Session& session, std::string_view database, std::int32_t bat
                    float missing) {
   const std::string table = Quoted(session.Table(schema::BatchLotInv, database));
   // While Lotted Inventory is off the lots of a Batch count as Unlotted too.
-  Statement rows = session.File().Prepare(
-      fmt::format("SELECT rowid, LotQty FROM {} WHERE BatchNo = ?1 AND IngName = ?2 AND (IngType = 2) = ?3 AND LotQty > "
-                  "0 AND (?4 OR LotNumber = ?5) ORDER BY LotRefID = ?6 DESC, rowid DESC",
-                  table));
+  Statement rows = session.File().Prepare(fmt::format(
+      "SELECT RowKey, LotQty FROM {} WHERE BatchNo = ?1 AND IngName = ?2 AND (IngType = 2) = ?3 AND LotQty > "
+      "0 AND (?4 OR LotNumber = ?5) ORDER BY LotRefID = ?6 DESC, RowKey DESC",
+      table));
   rows.Bind(1, batchNo).Bind(2, place.name).Bind(3, place.kind == ColorKind::Mix ? 1 : 0);
   rows.Bind(4, session.InvLotTracking == 0 ? 1 : 0).Bind(5, place.place.LotNumber).Bind(6, place.place.LotRefID);
   std::vector<std::pair<std::int64_t, float>> lowered;
@@ -309,7 +309,7 @@ void LowerRecorded(Session& session, std::string_view database, std::int32_t bat
     lowered.emplace_back(rows.Whole(0), RoundSingle(RoundTo(rows.Single(1), 3) - less, 3));
     over -= less;
   }
-  Statement lower = session.File().Prepare(fmt::format("UPDATE {} SET LotQty = ?1 WHERE rowid = ?2", table));
+  Statement lower = session.File().Prepare(fmt::format("UPDATE {} SET LotQty = ?1 WHERE RowKey = ?2", table));
   for (const auto& [row, quantity] : lowered) lower.Bind(1, quantity).Bind(2, row).Run();
 }
 

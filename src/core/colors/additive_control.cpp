@@ -168,13 +168,13 @@ Result<bool> RenameAdditiveSet(Session& session, std::string_view oldName, std::
   const std::string sets = session.Table(schema::Additives);
   Transaction transaction(file);
   if (merge) {
-    file.Prepare("DELETE FROM " + Quoted(sets) + " WHERE rowid = ?").Bind(1, set->rowId).Run();
+    file.Prepare("DELETE FROM " + Quoted(sets) + " WHERE RowKey = ?").Bind(1, set->rowId).Run();
   } else {
     UpdateRow(file, schema::Additives, sets, set->rowId, {{"SetName", name}});
   }
   const std::string formulas = session.Table(schema::Mix);
   Statement update = file.Prepare("UPDATE " + Quoted(formulas) +
-                                  " SET AddSetName = ?2 WHERE rowid BETWEEN ?3 AND ?4 AND AddSetName = ?1");
+                                  " SET AddSetName = ?2 WHERE RowKey BETWEEN ?3 AND ?4 AND AddSetName = ?1");
   const bool whole = ForRowPieces(file, formulas, [&](std::int64_t first, std::int64_t last, double percent) {
     update.Bind(1, set->SetName).Bind(2, name).Bind(3, first).Bind(4, last).Run();
     session.progress.Percent(percent);
@@ -203,7 +203,7 @@ Result<bool> DeleteAdditiveSet(Session& session, std::string_view setName) {
   });
   if (!whole) return BulkSteps::Stopped("Additive Set Modification");
   session.File()
-      .Prepare("DELETE FROM " + Quoted(session.Table(schema::Additives)) + " WHERE rowid = ?")
+      .Prepare("DELETE FROM " + Quoted(session.Table(schema::Additives)) + " WHERE RowKey = ?")
       .Bind(1, set->rowId)
       .Run();
   transaction.Note({Change::Kind::AdditiveSet, session.CurrentDatabase, set->SetName, Change::What::Deleted, ""});

@@ -19,7 +19,7 @@ constexpr std::size_t kMostLinesWithSet = 14;
 constexpr double kLargestPercent = 10;
 
 std::string Columns() {
-  std::string columns = "rowid, SetName";
+  std::string columns = "RowKey, SetName";
   for (int n = 0; n < schema::kSetSlots; ++n) columns += fmt::format(", Add_Name{}", n);
   for (int n = 0; n < schema::kSetSlots; ++n) columns += fmt::format(", Add_Percent{}", n);
   return columns;
@@ -118,7 +118,7 @@ std::vector<Cell> AdditiveSetCells(const AdditiveSet& set) {
 std::optional<AdditiveSet> ReadAdditiveSet(const Session& session, std::string_view setName,
                                            std::string_view database) {
   if (setName.empty()) return std::nullopt;
-  Statement row = session.File().Prepare(fmt::format("SELECT {} FROM {} WHERE SetName = ? ORDER BY rowid LIMIT 1",
+  Statement row = session.File().Prepare(fmt::format("SELECT {} FROM {} WHERE SetName = ? ORDER BY RowKey LIMIT 1",
                                                      Columns(), Quoted(session.Table(schema::Additives, database))));
   row.Bind(1, setName);
   if (!row.Step()) return std::nullopt;
@@ -127,7 +127,7 @@ std::optional<AdditiveSet> ReadAdditiveSet(const Session& session, std::string_v
 
 std::vector<AdditiveSet> ListAdditiveSets(const Session& session, std::string_view database) {
   std::vector<AdditiveSet> sets;
-  Statement row = session.File().Prepare(fmt::format("SELECT {} FROM {} ORDER BY SetName, rowid", Columns(),
+  Statement row = session.File().Prepare(fmt::format("SELECT {} FROM {} ORDER BY SetName, RowKey", Columns(),
                                                      Quoted(session.Table(schema::Additives, database))));
   while (row.Step()) sets.push_back(ReadRow(row));
   return sets;

@@ -129,8 +129,8 @@ RollUpWanted StaleAfter(const Session& session, const BasicWork& work, const Col
   if (work.rowId == 0) {
     if (FormulaRowsUsing(session, work.Color_Name).empty()) return {};
   } else {
-    Statement row = session.File().Prepare(fmt::format("SELECT PurchaseCost, VOC, HAP FROM {} WHERE rowid = ?",
-                                                       Quoted(session.Table(schema::Basic))));
+    Statement row = session.File().Prepare(
+        fmt::format("SELECT PurchaseCost, VOC, HAP FROM {} WHERE RowKey = ?", Quoted(session.Table(schema::Basic))));
     if (row.Bind(1, work.rowId).Step())
       before = {.PurchaseCost = row.Single(0), .VOC = row.Single(1), .HAP = row.Single(2)};
   }
@@ -193,7 +193,7 @@ std::expected<bool, BasicDeleteRefusal> DeleteBasic(Session& session, const std:
   const std::string table = Quoted(session.Table(schema::Basic));
   Transaction transaction(file);
   GiveUpColorStock(session, ColorKind::Basic, session.CurrentDatabase, color->Color_Name);
-  file.Prepare("DELETE FROM " + table + " WHERE rowid = ?").Bind(1, color->rowId).Run();
+  file.Prepare("DELETE FROM " + table + " WHERE RowKey = ?").Bind(1, color->rowId).Run();
   file.Prepare("UPDATE " + table + " SET IngSort = IngSort - 1 WHERE IngSort > ?").Bind(1, color->IngSort).Run();
   transaction.Note({Change::Kind::Basic, session.CurrentDatabase, color->Color_Name, Change::What::Deleted, ""});
   transaction.Commit();

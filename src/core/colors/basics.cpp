@@ -11,7 +11,7 @@ namespace vellumark {
 namespace {
 
 constexpr std::string_view kColumns =
-    "rowid, Color_Name, Color_Code, Inventory, Reorder, PurchaseCost, Date_Entered, LastConsumed, Notes, Inv_Note, "
+    "RowKey, Color_Name, Color_Code, Inventory, Reorder, PurchaseCost, Date_Entered, LastConsumed, Notes, Inv_Note, "
     "IngSort, Additive, VOC, HAP, LotRefID";
 
 std::string TableText(const Session& session, std::string_view database = {}) {
@@ -67,7 +67,7 @@ float GetBasicHAP(const Session& session, std::string_view name) {
 
 std::optional<BasicColor> ReadBasic(const Session& session, std::string_view name, std::string_view database) {
   Statement row =
-      session.File().Prepare(fmt::format("SELECT {}, {} FROM {} WHERE Color_Name = ? ORDER BY rowid LIMIT 1", kColumns,
+      session.File().Prepare(fmt::format("SELECT {}, {} FROM {} WHERE Color_Name = ? ORDER BY RowKey LIMIT 1", kColumns,
                                          kBookFields, TableText(session, database)));
   row.Bind(1, name);
   if (!row.Step()) return std::nullopt;
@@ -76,7 +76,7 @@ std::optional<BasicColor> ReadBasic(const Session& session, std::string_view nam
 
 void ForEachBasic(const Session& session, const std::function<bool(const BasicColor&)>& take) {
   Statement row = session.File().Prepare(
-      fmt::format("SELECT {}, {} FROM {} ORDER BY Color_Name, rowid", kColumns, kBookFields, TableText(session)));
+      fmt::format("SELECT {}, {} FROM {} ORDER BY Color_Name, RowKey", kColumns, kBookFields, TableText(session)));
   while (row.Step() && take(ReadRow(row))) continue;
 }
 

@@ -25,7 +25,7 @@ bool OnFile(const Session& session, ColorKind kind, std::string_view name) {
 
 std::string NameOnFile(const Session& session, ColorKind kind, std::string_view name) {
   return session.File()
-      .Scalar(fmt::format("SELECT Color_Name FROM {} WHERE Color_Name = ? ORDER BY rowid LIMIT 1",
+      .Scalar(fmt::format("SELECT Color_Name FROM {} WHERE Color_Name = ? ORDER BY RowKey LIMIT 1",
                           Quoted(session.Table(ColorTable(kind)))),
               {name})
       .Text();

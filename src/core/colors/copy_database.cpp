@@ -42,7 +42,7 @@ bool CopyTable(Session& session, const Table& table, const std::string& from, co
   }
   const std::string source = TableName(from, table);
   Statement copy = session.File().Prepare(
-      fmt::format("INSERT INTO {} ({}) SELECT {} FROM {} WHERE rowid BETWEEN ?2 AND ?3 ORDER BY rowid",
+      fmt::format("INSERT INTO {} ({}) SELECT {} FROM {} WHERE RowKey BETWEEN ?2 AND ?3 ORDER BY RowKey",
                   Quoted(TableName(to, table)), fields, values, Quoted(source)));
   const bool dated = values.find("?1") != std::string::npos;
   return ForRowPieces(session.File(), source, [&](std::int64_t first, std::int64_t last, double percent) {

@@ -360,7 +360,7 @@ Result<bool> DeleteMix(Session& session, const std::string& name) {
   Transaction transaction(session.File());
   GiveUpColorStock(session, ColorKind::Mix, session.CurrentDatabase, mix->Color_Name);
   session.File()
-      .Prepare("DELETE FROM " + Quoted(session.Table(schema::Mix)) + " WHERE rowid = ?")
+      .Prepare("DELETE FROM " + Quoted(session.Table(schema::Mix)) + " WHERE RowKey = ?")
       .Bind(1, mix->rowId)
       .Run();
   transaction.Note({Change::Kind::Mix, session.CurrentDatabase, mix->Color_Name, Change::What::Deleted, ""});

@@ -19,7 +19,7 @@ constexpr int kSlots = schema::kIngredientSlots;
 
 const std::string& Columns() {
   static const std::string columns = [] {
-    std::string text = "rowid, Color_Name";
+    std::string text = "RowKey, Color_Name";
     for (int n = 0; n < kSlots; ++n) text += fmt::format(", BC{}", n);
     for (int n = 0; n < kSlots; ++n) text += fmt::format(", BQ{}", n);
     return text
@@ -66,7 +66,7 @@ MixColor ReadRow(const Statement& row) {
 
 // The narrow index finds the rows; only they are then read.
 std::string UsingCondition(const std::string& table) {
-  return fmt::format("rowid IN (SELECT rowid FROM {} WHERE Color_Set LIKE ? ESCAPE '\\')", table);
+  return fmt::format("RowKey IN (SELECT RowKey FROM {} WHERE Color_Set LIKE ? ESCAPE '\\')", table);
 }
 
 std::vector<std::string> Names(Statement row) {
@@ -82,7 +82,7 @@ std::vector<std::int64_t> RowNumbers(Statement row) {
 }
 
 std::string RecipeQuery(const Session& session, std::string_view condition) {
-  std::string columns = "rowid, Color_Name, AddSetName";
+  std::string columns = "RowKey, Color_Name, AddSetName";
   for (int n = 0; n < kSlots; ++n) columns += fmt::format(", BC{0}, BQ{0}", n);
   return fmt::format("SELECT {} FROM {} WHERE {}", columns, TableText(session), condition);
 }
@@ -117,7 +117,7 @@ float GetMixBasicCost(const Session& session, std::string_view name) {
 }
 
 std::optional<MixColor> ReadMix(const Session& session, std::string_view name, std::string_view database) {
-  Statement row = session.File().Prepare(fmt::format("SELECT {} FROM {} WHERE Color_Name = ? ORDER BY rowid LIMIT 1",
+  Statement row = session.File().Prepare(fmt::format("SELECT {} FROM {} WHERE Color_Name = ? ORDER BY RowKey LIMIT 1",
                                                      Columns(), TableText(session, database)));
   row.Bind(1, name);
   if (!row.Step()) return std::nullopt;
@@ -128,9 +128,9 @@ std::optional<MixColor> FindMix(const Session& session, std::string_view typed) 
   if (typed.empty()) return std::nullopt;
   const std::string table = TableText(session);
   Statement row = session.File().Prepare(fmt::format(
-      "SELECT {0} FROM {1} WHERE rowid IN (SELECT rowid FROM {1} WHERE Color_Name IN (?1, ?2) UNION "
-      "SELECT rowid FROM {1} WHERE Color_Code = ?1) ORDER BY CASE WHEN Color_Name = ?1 THEN 0 WHEN Color_Name = "
-      "?2 THEN 1 ELSE 2 END, Color_Name, rowid LIMIT 1",
+      "SELECT {0} FROM {1} WHERE RowKey IN (SELECT RowKey FROM {1} WHERE Color_Name IN (?1, ?2) UNION "
+      "SELECT RowKey FROM {1} WHERE Color_Code = ?1) ORDER BY CASE WHEN Color_Name = ?1 THEN 0 WHEN Color_Name = "
+      "?2 THEN 1 ELSE 2 END, Color_Name, RowKey LIMIT 1",
       Columns(), table));
   row.Bind(1, typed).Bind(2, std::string(kPantonePrefix).append(typed));
   if (!row.Step()) return std::nullopt;
@@ -139,7 +139,7 @@ std::optional<MixColor> FindMix(const Session& session, std::string_view typed) 
 
 void ForEachMix(const Session& session, const std::function<bool(const MixColor&)>& take) {
   Statement row = session.File().Prepare(
-      fmt::format("SELECT {} FROM {} ORDER BY Color_Name, rowid", Columns(), TableText(session)));
+      fmt::format("SELECT {} FROM {} ORDER BY Color_Name, RowKey", Columns(), TableText(session)));
   while (row.Step() && take(ReadRow(row))) continue;
 }
 
@@ -147,7 +147,7 @@ void ForEachMixUsing(const Session& session, std::string_view ingredient,
                      const std::function<bool(const MixColor&)>& take) {
   const std::string table = TableText(session);
   Statement row = session.File().Prepare(
-      fmt::format("SELECT {} FROM {} WHERE {} ORDER BY Color_Name, rowid", Columns(), table, UsingCondition(table)));
+      fmt::format("SELECT {} FROM {} WHERE {} ORDER BY Color_Name, RowKey", Columns(), table, UsingCondition(table)));
   row.Bind(1, NameSetPattern(ingredient));
   while (row.Step() && take(ReadRow(row))) continue;
 }
@@ -174,22 +174,22 @@ std::vector<std::string> FormulasWithSet(const Session& session, std::string_vie
 
 std::vector<std::int64_t> FormulaRowsUsing(const Session& session, std::string_view ingredient) {
   const std::string table = TableText(session);
-  Statement row =
-      session.File().Prepare(fmt::format("SELECT rowid FROM {} WHERE {} ORDER BY rowid", table, UsingCondition(table)));
+  Statement row = session.File().Prepare(
+      fmt::format("SELECT RowKey FROM {} WHERE {} ORDER BY RowKey", table, UsingCondition(table)));
   row.Bind(1, NameSetPattern(ingredient));
   return RowNumbers(std::move(row));
 }
 
 std::vector<std::int64_t> FormulaRowsWithSet(const Session& session, std::string_view setName) {
   Statement row = session.File().Prepare(
-      fmt::format("SELECT rowid FROM {} WHERE AddSetName = ? ORDER BY rowid", TableText(session)));
+      fmt::format("SELECT RowKey FROM {} WHERE AddSetName = ? ORDER BY RowKey", TableText(session)));
   row.Bind(1, setName);
   return RowNumbers(std::move(row));
 }
 
 std::optional<MixColor> ReadMixRow(const Session& session, std::int64_t rowId) {
   Statement row =
-      session.File().Prepare(fmt::format("SELECT {} FROM {} WHERE rowid = ?", Columns(), TableText(session)));
+      session.File().Prepare(fmt::format("SELECT {} FROM {} WHERE RowKey = ?", Columns(), TableText(session)));
   row.Bind(1, rowId);
   if (!row.Step()) return std::nullopt;
   return ReadRow(row);
@@ -197,7 +197,7 @@ std::optional<MixColor> ReadMixRow(const Session& session, std::int64_t rowId) {
 
 FigureBook::FigureBook(const Session& session, std::string_view database)
     : session_(session),
-      sql_(fmt::format("SELECT PurchaseCost, VOC, HAP FROM {} WHERE Color_Name = ? ORDER BY rowid LIMIT 1",
+      sql_(fmt::format("SELECT PurchaseCost, VOC, HAP FROM {} WHERE Color_Name = ? ORDER BY RowKey LIMIT 1",
                        Quoted(session.Table(schema::Basic, database)))) {}
 
 const FigureBook::Figures& FigureBook::Of(const std::string& name) {
@@ -237,8 +237,8 @@ RolledUp RollUpRecipe(const Session& session, const Recipe& recipe, std::string_
 }
 
 RecipeReader::RecipeReader(const Session& session)
-    : byName_(session.File().Prepare(RecipeQuery(session, "Color_Name = ? ORDER BY rowid LIMIT 1"))),
-      byRow_(session.File().Prepare(RecipeQuery(session, "rowid = ?"))) {}
+    : byName_(session.File().Prepare(RecipeQuery(session, "Color_Name = ? ORDER BY RowKey LIMIT 1"))),
+      byRow_(session.File().Prepare(RecipeQuery(session, "RowKey = ?"))) {}
 
 std::optional<MixColor> RecipeReader::Take(Statement& row) {
   std::optional<MixColor> mix;

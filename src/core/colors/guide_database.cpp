@@ -74,7 +74,7 @@ class GuideCopier {
         mixWriter_(session.File(), schema::Mix, TableName(database, schema::Mix), FieldNames(schema::Mix)) {}
 
   void CopyBasics(const Guide& guide) {
-    TemplateTableReader rows(template_, guide.basicTable, schema::Basic, "IngSort, rowid");
+    TemplateTableReader rows(template_, guide.basicTable, schema::Basic, "IngSort, RowKey");
     while (rows.Step()) {
       const Figures figures{rows.Get("PurchaseCost").Single(), rows.Get("VOC").Single(), rows.Get("HAP").Single()};
       if (!basics_.emplace(rows.Get("Color_Name").Text(), figures).second) continue;
@@ -87,7 +87,7 @@ class GuideCopier {
   }
 
   void CopyFormulas(const Guide& guide) {
-    TemplateTableReader rows(template_, guide.mixTable, schema::Mix, "rowid");
+    TemplateTableReader rows(template_, guide.mixTable, schema::Mix, "RowKey");
     while (rows.Step()) {
       if (!formulas_.emplace(rows.Get("Color_Name").Text(), true).second) continue;
       std::vector<Value> values = rows.Values();
@@ -143,10 +143,10 @@ class GuideCopier {
 };
 
 void CopyTemplateInfo(Session& session, Database& templateFile, const std::string& database) {
-  TemplateTableReader info(templateFile, kTemplateInfoTable, schema::Info, "rowid");
+  TemplateTableReader info(templateFile, kTemplateInfoTable, schema::Info, "RowKey");
   if (!info.Step()) return;
   const std::string table = TableName(database, schema::Info);
-  const std::int64_t row = session.File().Scalar("SELECT rowid FROM " + Quoted(table)).Whole();
+  const std::int64_t row = session.File().Scalar("SELECT RowKey FROM " + Quoted(table)).Whole();
   std::vector<Cell> cells;
   for (const Field& field : schema::Info.fields) cells.emplace_back(field.name, info.Get(field.name));
   UpdateRow(session.File(), schema::Info, table, row, cells);

@@ -65,7 +65,7 @@ std::optional<Recipe> ReadTemplateRecipe(const Session& session, std::string_vie
   if (!guides || name.empty()) return std::nullopt;
   const std::string guide = session.File()
                                 .Scalar("SELECT Color_Guide FROM " + Quoted(session.Table(schema::Mix)) +
-                                            " WHERE Color_Name = ? ORDER BY rowid LIMIT 1",
+                                            " WHERE Color_Name = ? ORDER BY RowKey LIMIT 1",
                                         {name})
                                 .Text();
   std::optional<Recipe> first;

@@ -53,7 +53,7 @@ std::vector<LabReading> ReadLabReadings(const Session& session, ColorKind kind, 
   std::vector<LabReading> readings;
   Statement row = session.File().Prepare(fmt::format(
       "SELECT Lab_L, Lab_a, Lab_b, Lab_D, Lab_Density, Lab_LS, Lab_PT, Lab_Note FROM {} WHERE Color_Name = ? "
-      "ORDER BY rowid",
+      "ORDER BY RowKey",
       Quoted(session.Table(LabTableOf(kind)))));
   row.Bind(1, name);
   while (row.Step())

@@ -100,7 +100,7 @@ std::vector<std::int64_t> FormulasToRename(const Session& session, const std::ve
                                            const NameMap& map) {
   if (names.size() == 1) return FormulaRowsUsing(session, names.front().oldName);
   std::vector<std::int64_t> rows;
-  Statement row = session.File().Prepare("SELECT rowid, Color_Set FROM " + Quoted(session.Table(schema::Mix)) +
+  Statement row = session.File().Prepare("SELECT RowKey, Color_Set FROM " + Quoted(session.Table(schema::Mix)) +
                                          " ORDER BY Color_Set");
   while (row.Step())
     if (std::ranges::any_of(SplitColorSet(row.TextView(1)),
@@ -169,7 +169,7 @@ void GiveUpBasic(Session& session, const BasicColor& color, const std::string& n
       UpdateRow(session.File(), schema::Basic, session.Table(schema::Basic), survivor->rowId, {{"Additive", true}});
   GiveUpColorStock(session, ColorKind::Basic, session.CurrentDatabase, color.Color_Name, "Merged into " + newName);
   session.File()
-      .Prepare("DELETE FROM " + Quoted(session.Table(schema::Basic)) + " WHERE rowid = ?")
+      .Prepare("DELETE FROM " + Quoted(session.Table(schema::Basic)) + " WHERE RowKey = ?")
       .Bind(1, color.rowId)
       .Run();
 }

@@ -40,7 +40,7 @@ void WriteEverywhere(Session& session, const Reset& reset, float value) {
   Transaction transaction(session.File());
   const std::string table = session.Table(reset.table);
   Statement update = session.File().Prepare(
-      fmt::format("UPDATE {} SET {} = ? WHERE rowid BETWEEN ? AND ?", Quoted(table), reset.column));
+      fmt::format("UPDATE {} SET {} = ? WHERE RowKey BETWEEN ? AND ?", Quoted(table), reset.column));
   ForRowPieces(session.File(), table, [&](std::int64_t first, std::int64_t last, double percent) {
     update.Bind(1, value).Bind(2, first).Bind(3, last).Run();
     session.progress.Percent(percent);
@@ -129,8 +129,8 @@ Result<void> ResetMixCostsFromBasics(Session& session, std::string_view markup, 
   ProgressRun progress(session.progress, kMixCostProgress);
   Transaction transaction(session.File());
   Statement rows = session.File().Prepare(
-      fmt::format("SELECT rowid, BasicCost FROM {} WHERE rowid > ? ORDER BY rowid LIMIT 1", table));
-  Statement update = session.File().Prepare(fmt::format("UPDATE {} SET PurchaseCost = ? WHERE rowid = ?", table));
+      fmt::format("SELECT RowKey, BasicCost FROM {} WHERE RowKey > ? ORDER BY RowKey LIMIT 1", table));
+  Statement update = session.File().Prepare(fmt::format("UPDATE {} SET PurchaseCost = ? WHERE RowKey = ?", table));
   const auto count = static_cast<std::size_t>(session.File().Scalar("SELECT COUNT(*) FROM " + table).Whole());
   std::size_t done = 0;
   for (std::int64_t last = 0;; progress.Step(++done, count)) {

@@ -53,8 +53,9 @@ using FigureMap = std::unordered_map<std::string, Figures, NameHash, NameEqual>;
 
 FigureMap ReadFigures(Session& session, std::string_view database) {
   FigureMap figures;
-  Statement row = session.File().Prepare(fmt::format("SELECT Color_Name, PurchaseCost, VOC, HAP FROM {} ORDER BY rowid",
-                                                     Quoted(session.Table(schema::Basic, database))));
+  Statement row =
+      session.File().Prepare(fmt::format("SELECT Color_Name, PurchaseCost, VOC, HAP FROM {} ORDER BY RowKey",
+                                         Quoted(session.Table(schema::Basic, database))));
   while (row.Step()) figures.emplace(row.Text(0), Figures{row.Single(1), row.Single(2), row.Single(3)});
   return figures;
 }
@@ -64,7 +65,7 @@ constexpr int kFirstName = 4;
 constexpr int kFirstAmount = kFirstName + kSlots;
 
 std::string RecipeColumns() {
-  std::string columns = "rowid, BasicCost, BasicVOC, BasicHAP";
+  std::string columns = "RowKey, BasicCost, BasicVOC, BasicHAP";
   for (int n = 0; n < kSlots; ++n) columns += fmt::format(", BC{}", n);
   for (int n = 0; n < kSlots; ++n) columns += fmt::format(", BQ{}", n);
   return columns;
@@ -106,7 +107,7 @@ std::string UpdateText(const std::string& table, RollUpWanted wanted) {
   set(wanted.cost, "BasicCost");
   set(wanted.voc, "BasicVOC");
   set(wanted.hap, "BasicHAP");
-  return fmt::format("UPDATE {} SET {} WHERE rowid = ?", table, sets);
+  return fmt::format("UPDATE {} SET {} WHERE RowKey = ?", table, sets);
 }
 
 void Write(Statement& update, const NewFigures& row, RollUpWanted wanted) {
@@ -147,7 +148,7 @@ void RunPasses(Session& session, RollUpWanted wanted, std::string_view database)
   const FigureMap basics = ReadFigures(session, of);
   const auto count = static_cast<std::size_t>(file.Scalar("SELECT COUNT(*) FROM " + table).Whole());
   Statement rows =
-      file.Prepare(fmt::format("SELECT {} FROM {} WHERE rowid > ? ORDER BY rowid LIMIT ?", RecipeColumns(), table));
+      file.Prepare(fmt::format("SELECT {} FROM {} WHERE RowKey > ? ORDER BY RowKey LIMIT ?", RecipeColumns(), table));
   Statement update = file.Prepare(UpdateText(table, wanted));
   std::vector<NewFigures> changed;
   std::int64_t last = 0;
@@ -214,12 +215,12 @@ bool RollUpFormula(Session& session, std::int64_t rowId) {
   Transaction transaction(file);
   NewFigures changed{rowId, {}};
   {
-    Statement row = file.Prepare(fmt::format("SELECT {} FROM {} WHERE rowid = ?", RecipeColumns(), table));
+    Statement row = file.Prepare(fmt::format("SELECT {} FROM {} WHERE RowKey = ?", RecipeColumns(), table));
     row.Bind(1, rowId);
     if (!row.Step()) return false;
     FigureMap basics;
     Statement basic =
-        file.Prepare(fmt::format("SELECT PurchaseCost, VOC, HAP FROM {} WHERE Color_Name = ? ORDER BY rowid LIMIT 1",
+        file.Prepare(fmt::format("SELECT PurchaseCost, VOC, HAP FROM {} WHERE Color_Name = ? ORDER BY RowKey LIMIT 1",
                                  Quoted(session.Table(schema::Basic))));
     for (int n = 0; n < kSlots; ++n) {
       const std::string name = row.Text(kFirstName + n);

@@ -21,7 +21,7 @@ Result<void> SetSwatch(Session& session, ColorKind kind, std::string_view name, 
   if (auto writable = RequireWritable(session); !writable) return writable;
   const std::string table = session.Table(ColorTable(kind));
   Statement row = session.File().Prepare(
-      fmt::format("SELECT rowid, Color_Guide FROM {} WHERE Color_Name = ? ORDER BY rowid LIMIT 1", Quoted(table)));
+      fmt::format("SELECT RowKey, Color_Guide FROM {} WHERE Color_Name = ? ORDER BY RowKey LIMIT 1", Quoted(table)));
   row.Bind(1, name);
   if (!row.Step())
     return Refuse("Color Not Found", fmt::format("{} is not found in this database.", name), "Color_Name");

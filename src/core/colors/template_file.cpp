@@ -123,7 +123,7 @@ std::optional<Rows> ReadTable(Database& file, std::string_view table, const Tabl
   std::string columns;
   for (const Field& field : shape.fields) columns += (columns.empty() ? "" : ", ") + Quoted(field.name);
   Rows rows;
-  Statement read = file.Prepare(fmt::format("SELECT {} FROM {} ORDER BY rowid", columns, Quoted(table)));
+  Statement read = file.Prepare(fmt::format("SELECT {} FROM {} ORDER BY RowKey", columns, Quoted(table)));
   while (read.Step()) {
     TemplateRow row{fmt::format("{}, row {}", table, rows.size() + 1), read.Text(0), {}, false};
     for (std::size_t i = 0; i < shape.fields.size(); ++i) {

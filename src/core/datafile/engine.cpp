@@ -13,6 +13,7 @@
 #include <exception>
 #include <fstream>
 #include <limits>
+#include <random>
 #include <system_error>
 #include <unordered_map>
 #include <utility>
@@ -20,6 +21,7 @@
 #include "core/base/byte_lock.h"
 #include "core/base/files.h"
 #include "core/base/refusal.h"
+#include "core/datafile/engine_keys.h"
 
 namespace vellumark {
 namespace {
@@ -91,7 +93,7 @@ constexpr double kLargestFigure = static_cast<double>(std::numeric_limits<float>
 // "the table INK_Basic, row 5 (RED), field Inventory", when that field holds such a figure. A statement of its own on
 // the bare engine, for what tells a failure must not fail.
 std::string PlaceBeyond(sqlite3* connection, const char* table, const char* field) {
-  const std::string sql = fmt::format("SELECT rowid, * FROM {} WHERE typeof({}) = 'real' AND abs({}) > {} LIMIT 1",
+  const std::string sql = fmt::format("SELECT rowid, * FROM main.{} WHERE typeof({}) = 'real' AND abs({}) > {} LIMIT 1",
                                       Quoted(table), Quoted(field), Quoted(field), kLargestFigure);
   sqlite3_stmt* row = nullptr;
   std::string place;
@@ -161,6 +163,14 @@ void RequireNotHeld(const std::filesystem::path& path) {
   const bool held = IsByteLocked(descriptor, LockedByte::DataFile);
   ::close(descriptor);
   if (held) throw Failure(path.string(), CauseInWords(SQLITE_BUSY, ""));
+}
+
+// The machine and process tell a person who it was; the number makes it one of its kind.
+std::string NameOfOpening() {
+  char machine[65] = "";
+  ::gethostname(machine, sizeof machine - 1);
+  std::random_device random;
+  return fmt::format("{}/{}/{:08x}{:08x}", machine, ::getpid(), random(), random());
 }
 
 // More compiled statements than any one operation uses, few enough to cost no memory worth counting.
@@ -268,6 +278,11 @@ int Statement::Run() {
   return changed;
 }
 
+std::int64_t Statement::Insert() {
+  Run();
+  return sqlite3_last_insert_rowid(sqlite3_db_handle(compiled_->handle));
+}
+
 void Statement::Reset() {
   sqlite3_reset(compiled_->handle);
 }
@@ -318,7 +333,8 @@ std::string Statement::ColumnName(int column) const {
 
 // ---- Database
 
-Database::Database(std::filesystem::path path, bool readOnly) : path_(std::move(path)), readOnly_(readOnly) {}
+Database::Database(std::filesystem::path path, bool readOnly)
+    : path_(std::move(path)), readOnly_(readOnly), opening_(NameOfOpening()) {}
 
 Database::~Database() {
   if (!engine_) return;  // the file could not be opened
@@ -356,7 +372,6 @@ std::unique_ptr<Database> Database::Open(const std::filesystem::path& path, Open
     // A looker, too, must be able to roll back what a killed process left half done, so the engine may write;
     // statements may not.
     database->Connect(SQLite::OPEN_READWRITE | SQLite::OPEN_NOMUTEX);
-    database->Execute("PRAGMA query_only=ON");
   } else {
     const auto openExclusive = [&] {
       database->Connect(SQLite::OPEN_READWRITE | SQLite::OPEN_NOMUTEX);
@@ -383,6 +398,12 @@ std::unique_ptr<Database> Database::Open(const std::filesystem::path& path, Open
   }
   const std::int64_t id = database->Scalar("PRAGMA application_id").Whole();
   if (id != kApplicationId) throw Failure(path.string(), "is not a Data File");
+  if (readOnly) {
+    ShowRowKeys(*database);
+    database->Execute("PRAGMA query_only=ON");
+  } else {
+    GiveRowKeys(*database);
+  }
   return database;
 }
 
@@ -455,8 +476,8 @@ std::vector<std::string> Database::Faults() {
   return faults;
 }
 
-std::int64_t Database::LastRowId() const {
-  return sqlite3_last_insert_rowid(engine_->connection.getHandle());
+void Database::CopyCompacted(const std::filesystem::path& copy) {
+  Prepare("VACUUM INTO ?").Bind(1, copy.string()).Run();
 }
 
 // ---- Transaction

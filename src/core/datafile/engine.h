@@ -41,6 +41,8 @@ class Statement {
   bool Step();
   /// Runs a statement that gives no rows and makes it ready to be bound anew; the number of rows changed.
   int Run();
+  /// Runs an INSERT of one row; the key that the row got.
+  std::int64_t Insert();
   void Reset();
 
   bool IsNull(int column) const;
@@ -91,9 +93,15 @@ class Database {
   Value Scalar(std::string_view sql, std::initializer_list<Value> parameters = {});
   bool TableExists(std::string_view table);
   std::vector<std::string> TableNames();
-  std::int64_t LastRowId() const;
+  /// Writes the file without its unused space to another place.
+  void CopyCompacted(const std::filesystem::path& copy);
   /// The engine's own check of the file's structure: what it found wrong, a line each; empty when sound.
   std::vector<std::string> Faults();
+
+  /// What this opening of the file is called in marks that tell whose work is under way; no two openings share it.
+  const std::string& Opening() const { return opening_; }
+  /// Whether the opening that left a mark is still at work: nobody but this one can be, since it holds the file alone.
+  bool IsAtWork(std::string_view opening) const { return opening == opening_; }
 
   const std::filesystem::path& Path() const { return path_; }
   bool IsReadOnly() const { return readOnly_; }
@@ -109,6 +117,7 @@ class Database {
 
   std::filesystem::path path_;
   bool readOnly_;
+  std::string opening_;
   std::unique_ptr<Engine> engine_;
   Changes* changes_ = nullptr;
   int depth_ = 0;

@@ -23,11 +23,6 @@ std::int32_t StepCounter(Database& file, const std::string& field, std::int32_t 
   return next;
 }
 
-void Compact(Database& file, const FileBeside& place) {
-  Statement vacuum = file.Prepare("VACUUM INTO ?");
-  vacuum.Bind(1, place.Path().string()).Run();
-}
-
 }  // namespace
 
 VersionGate GateOf(int fileVersion) {
@@ -101,7 +96,7 @@ fs::path SafetyCopyPath(const fs::path& path) {
 
 void CompactInto(const fs::path& path, const fs::path& copy) {
   FileBeside place(copy, Readers::Group);
-  Compact(*Database::Open(path, OpenMode::Exclusive), place);
+  Database::Open(path, OpenMode::Exclusive)->CopyCompacted(place.Path());
   place.Replace();
 }
 
@@ -109,7 +104,7 @@ void CompactFile(Database& file) {
   FileBeside place(file.Path(), Readers::Group);
   const fs::path safetyCopy = SafetyCopyPath(place.Target());
   if (safetyCopy == place.Target()) throw Failure(file.Path().string(), "is a backup copy and cannot be compacted");
-  Compact(file, place);
+  file.CopyCompacted(place.Path());
   place.Replace();
   std::error_code error;
   fs::remove(safetyCopy, error);

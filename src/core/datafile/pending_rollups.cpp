@@ -1,6 +1,7 @@
 #include "core/datafile/pending_rollups.h"
 
 #include "core/base/text.h"
+#include "core/datafile/schema.h"
 
 namespace vellumark {
 namespace {
@@ -12,17 +13,19 @@ constexpr std::string_view kTable = "MSysPendingRollUps";
 void MarkPendingRollUps(Database& file, std::string_view database, RollUpWanted stale) {
   if (!stale.Any()) return;
   Transaction transaction(file);
-  file.Execute(
-      "CREATE TABLE IF NOT EXISTS MSysPendingRollUps (DatabaseName TEXT COLLATE NOCASE PRIMARY KEY, Cost INTEGER NOT "
-      "NULL, VOC INTEGER NOT NULL, HAP INTEGER NOT NULL)");
-  file.Prepare(
-          "INSERT INTO MSysPendingRollUps VALUES (?1, ?2, ?3, ?4) ON CONFLICT (DatabaseName) DO UPDATE SET Cost = Cost "
-          "OR ?2, VOC = VOC OR ?3, HAP = HAP OR ?4")
-      .Bind(1, database)
-      .Bind(2, stale.cost ? 1 : 0)
-      .Bind(3, stale.voc ? 1 : 0)
-      .Bind(4, stale.hap ? 1 : 0)
-      .Run();
+  if (!file.TableExists(kTable)) CreateTable(file, kTable, schema::PendingRollUps);
+  const auto write = [&](std::string_view sql) {
+    Statement statement = file.Prepare(sql);
+    return statement.Bind(1, database)
+        .Bind(2, stale.cost ? 1 : 0)
+        .Bind(3, stale.voc ? 1 : 0)
+        .Bind(4, stale.hap ? 1 : 0)
+        .Run();
+  };
+  const int marked = write(
+      "UPDATE MSysPendingRollUps SET Cost = CASE WHEN ?2 = 1 THEN 1 ELSE Cost END, VOC = CASE WHEN ?3 = 1 THEN 1 ELSE "
+      "VOC END, HAP = CASE WHEN ?4 = 1 THEN 1 ELSE HAP END WHERE DatabaseName = ?1");
+  if (marked == 0) write("INSERT INTO MSysPendingRollUps (DatabaseName, Cost, VOC, HAP) VALUES (?1, ?2, ?3, ?4)");
   transaction.Commit();
 }
 
@@ -38,14 +41,14 @@ void ClearPendingRollUps(Database& file, std::string_view database, RollUpWanted
   if (!file.TableExists(kTable)) return;
   Transaction transaction(file);
   file.Prepare(
-          "UPDATE MSysPendingRollUps SET Cost = Cost AND NOT ?2, VOC = VOC AND NOT ?3, HAP = HAP AND NOT ?4 WHERE "
-          "DatabaseName = ?1")
+          "UPDATE MSysPendingRollUps SET Cost = CASE WHEN ?2 = 1 THEN 0 ELSE Cost END, VOC = CASE WHEN ?3 = 1 THEN 0 "
+          "ELSE VOC END, HAP = CASE WHEN ?4 = 1 THEN 0 ELSE HAP END WHERE DatabaseName = ?1")
       .Bind(1, database)
       .Bind(2, renewed.cost ? 1 : 0)
       .Bind(3, renewed.voc ? 1 : 0)
       .Bind(4, renewed.hap ? 1 : 0)
       .Run();
-  file.Execute("DELETE FROM MSysPendingRollUps WHERE NOT (Cost OR VOC OR HAP)");
+  file.Execute("DELETE FROM MSysPendingRollUps WHERE Cost = 0 AND VOC = 0 AND HAP = 0");
   transaction.Commit();
 }
 

@@ -18,7 +18,7 @@ Recordset::Recordset(Database& file, const Table& table, std::string tableName, 
   for (const std::string& field : order_) FieldPlace(field);
   std::string columns;
   for (const Field& field : table.fields) columns += (columns.empty() ? "" : ", ") + Quoted(field.name);
-  rowSql_ = "SELECT " + columns + " FROM " + Quoted(tableName_) + " WHERE rowid = ?";
+  rowSql_ = "SELECT " + columns + " FROM " + Quoted(tableName_) + " WHERE RowKey = ?";
 }
 
 std::size_t Recordset::FieldPlace(std::string_view field) const {
@@ -28,14 +28,14 @@ std::size_t Recordset::FieldPlace(std::string_view field) const {
 }
 
 bool Recordset::SeekWhere(const std::string& condition, const std::vector<Value>& parameters, bool forward) {
-  std::string sql = "SELECT rowid FROM " + Quoted(tableName_);
+  std::string sql = "SELECT RowKey FROM " + Quoted(tableName_);
   std::string joined = condition;
   if (!where_.empty()) joined = joined.empty() ? "(" + where_ + ")" : "(" + where_ + ") AND (" + joined + ")";
   if (!joined.empty()) sql += " WHERE " + joined;
   sql += " ORDER BY ";
   const std::string_view direction = forward ? " ASC" : " DESC";
   for (const std::string& field : order_) sql.append(Quoted(field)).append(direction).append(", ");
-  sql.append("rowid").append(direction).append(" LIMIT 1");
+  sql.append("RowKey").append(direction).append(" LIMIT 1");
   Statement statement = file_.Prepare(sql);
   int parameter = 1;
   for (const Value& value : parameters_) statement.Bind(parameter++, value);
@@ -51,11 +51,11 @@ bool Recordset::Seek(bool forward, std::size_t equalFields, bool fromEnd) {
   std::string condition;
   std::vector<Value> parameters;
   for (std::size_t i = 0; i < equalFields; ++i) {
-    condition += Quoted(order_[i]) + " IS ? AND ";
+    condition += Quoted(order_[i]) + " IS NOT DISTINCT FROM ? AND ";
     parameters.push_back(row_[FieldPlace(order_[i])]);
   }
   if (equalFields == order_.size()) {
-    condition += forward ? "rowid > ?" : "rowid < ?";
+    condition += forward ? "RowKey > ?" : "RowKey < ?";
     parameters.emplace_back(rowId_);
     return SeekWhere(condition, parameters, forward);
   }
@@ -116,7 +116,7 @@ bool Recordset::FindFirst(std::string_view condition, const std::vector<Value>& 
 
 bool Recordset::MoveTo(std::int64_t rowId) {
   CancelUpdate();
-  return SeekWhere("rowid = ?", {rowId}, true);
+  return SeekWhere("RowKey = ?", {rowId}, true);
 }
 
 bool Recordset::Refresh() {
@@ -155,7 +155,7 @@ double Recordset::PercentPosition() {
   const std::int64_t count = RecordCount();
   if (count < 2) return 0;
   if (order_.empty()) {
-    return 100.0 * static_cast<double>(Count("rowid < ?", {rowId_})) / static_cast<double>(count);
+    return 100.0 * static_cast<double>(Count("RowKey < ?", {rowId_})) / static_cast<double>(count);
   }
   const std::int64_t before = Count(Quoted(order_[0]) + " < ?", {row_[FieldPlace(order_[0])]});
   return 100.0 * static_cast<double>(before) / static_cast<double>(count);
@@ -202,7 +202,7 @@ void Recordset::Delete() {
   if (state_ != State::OnRow) throw std::logic_error("no current row to delete in " + tableName_);
   CancelUpdate();
   Transaction transaction(file_);
-  file_.Prepare("DELETE FROM " + Quoted(tableName_) + " WHERE rowid = ?").Bind(1, rowId_).Run();
+  file_.Prepare("DELETE FROM " + Quoted(tableName_) + " WHERE RowKey = ?").Bind(1, rowId_).Run();
   transaction.Commit();
 }
 

@@ -11,7 +11,7 @@ namespace vellumark {
 namespace {
 
 // The old and the new names while they are written, a table of the connection alone.
-constexpr std::string_view kNewNames = R"(temp."MSysNewNames")";
+constexpr std::string_view kNewNames = "MSysNewNames";
 
 struct Place {
   const Table& table;
@@ -48,7 +48,7 @@ std::vector<Place> PlacesOf(ColorKind kind) {
 // Job Records code their items 1 and 2 and nothing else; on a Batch or Design line every code but 2 is a Basic Color.
 std::string KindCondition(const Place& place, ColorKind kind, const std::string& typeField) {
   if (kind == ColorKind::Mix) return typeField + " = 2";
-  return typeField + (&place.table == &schema::JobRecords ? " = 1" : " IS NOT 2");
+  return typeField + (&place.table == &schema::JobRecords ? " = 1" : " IS DISTINCT FROM 2");
 }
 
 std::string Member(const Place& place, std::string_view word, int slot) {
@@ -78,10 +78,8 @@ std::string SetExpression(const Place& place, const std::vector<std::string>& na
 bool WriteNewNames(Database& file, const std::vector<Renaming>& names,
                    const std::function<bool(double percent)>& goOn) {
   constexpr std::size_t kStride = 1000;
-  file.Execute(
-      "CREATE TEMP TABLE IF NOT EXISTS \"MSysNewNames\" (OldName TEXT COLLATE NOCASE PRIMARY KEY, NewName TEXT)");
-  file.Execute(fmt::format("DELETE FROM {}", kNewNames));
-  Statement insert = file.Prepare(fmt::format("INSERT INTO {} VALUES (?, ?)", kNewNames));
+  MakeScratchTable(file, kNewNames, schema::NewNames);
+  Statement insert = file.Prepare(fmt::format("INSERT INTO {} (OldName, NewName) VALUES (?, ?)", kNewNames));
   std::size_t done = 0;
   for (const Renaming& name : names) {
     insert.Bind(1, name.oldName).Bind(2, name.newName).Run();
@@ -113,7 +111,7 @@ bool RenamePlace(Database& file, std::string_view database, ColorKind kind, cons
   }
   if (!place.setField.empty()) sets += ", " + SetExpression(place, names);
   const std::string table = TableName(database, place.table);
-  const std::string pieces = inPieces ? "rowid BETWEEN ?1 AND ?2 AND " : "";
+  const std::string pieces = inPieces ? "RowKey BETWEEN ?1 AND ?2 AND " : "";
   Statement update = file.Prepare(fmt::format("UPDATE {} SET {} WHERE {}({})", Quoted(table), sets, pieces, where));
   const auto run = [&](std::int64_t first, std::int64_t last, double percent) {
     if (inPieces) update.Bind(1, first).Bind(2, last);
@@ -175,7 +173,7 @@ std::vector<std::string> DesignsUsing(Database& file, std::string_view database,
   for (int slot = 0; slot < kDesigns.slots; ++slot)
     where += fmt::format("{}({})", slot == 0 ? "" : " OR ", SlotCondition(kDesigns, kind, slot, "= ?1"));
   Statement hit = file.Prepare(
-      fmt::format("SELECT DesignID FROM {} WHERE IngSet LIKE ?2 ESCAPE '\\' AND ({}) ORDER BY DesignID, rowid",
+      fmt::format("SELECT DesignID FROM {} WHERE IngSet LIKE ?2 ESCAPE '\\' AND ({}) ORDER BY DesignID, RowKey",
                   Quoted(kDesigns.table.name), where));
   hit.Bind(1, name).Bind(2, NameSetPattern(name)).Bind(3, database);
   std::vector<std::string> found;
@@ -185,6 +183,34 @@ std::vector<std::string> DesignsUsing(Database& file, std::string_view database,
 
 bool UsedByDesign(Database& file, std::string_view database, ColorKind kind, std::string_view name) {
   return !DesignsUsing(file, database, kind, name).empty();
+}
+
+void RewriteLotCopies(Database& file, std::string_view database, ColorKind kind, std::string_view name,
+                      const LotName& lot, const LotCopy& now) {
+  const bool mix = kind == ColorKind::Mix;
+  const auto table = [&](const Table& of) { return Quoted(TableName(database, of)); };
+  const auto bind = [&](Statement& copies) -> Statement& {
+    return copies.Bind(1, now.LotNumber).Bind(2, name).Bind(3, lot.LotRefID).Bind(4, lot.LotNumber);
+  };
+  if (mix) {
+    Statement made = file.Prepare(
+        fmt::format("UPDATE {} SET LotNumber = ?1 WHERE Color_Name = ?2 AND LotRefID = ?3 AND LotNumber = ?4",
+                    table(schema::Batch)));
+    bind(made).Run();
+  }
+  constexpr std::string_view kSet = "SET LotNumber = ?1, LotLoc = ?5, LotContID = ?6, LotDate = ?7";
+  constexpr std::string_view kOfLot = "LotRefID = ?3 AND LotNumber = ?4";
+  const auto bindAll = [&](Statement& copies) -> Statement& {
+    return bind(copies).Bind(5, now.LotLoc).Bind(6, now.LotContID).Bind(7, Value(now.LotDate));
+  };
+  // A Batch line that is not a formula's is a Basic Color's, an addition included.
+  Statement lines = file.Prepare(fmt::format("UPDATE {} {} WHERE IngName = ?2 AND {} AND IngType {} 2",
+                                             table(schema::BatchLotInv), kSet, kOfLot, mix ? "=" : "<>"));
+  bindAll(lines).Run();
+  Statement jobs =
+      file.Prepare(fmt::format("UPDATE {} {} WHERE Color_Name = ?2 AND {} AND Database = ?8 AND ItemType = ?9",
+                               table(schema::JobRecords), kSet, kOfLot));
+  bindAll(jobs).Bind(8, database).Bind(9, static_cast<int>(kind)).Run();
 }
 
 void DeleteLotsAndMeasurements(Database& file, std::string_view database, ColorKind kind, std::string_view name) {

@@ -1,6 +1,8 @@
 #pragma once
 
+#include <cstdint>
 #include <functional>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <unordered_set>
@@ -12,7 +14,7 @@
 namespace vellumark {
 
 // Tables refer to each other by name. This file knows every place, outside the recipes themselves, where the name of a
-// colour stands.
+// colour or a lot stands.
 
 /// Names as one search text: "<A><B>", nothing for an empty name.
 std::string NameSet(const std::vector<std::string>& names);
@@ -42,6 +44,23 @@ std::unordered_set<std::string> ColorsInDesigns(Database& file, std::string_view
 bool UsedByDesign(Database& file, std::string_view database, ColorKind kind, std::string_view name);
 /// The DesignIDs of those Designs, in order.
 std::vector<std::string> DesignsUsing(Database& file, std::string_view database, ColorKind kind, std::string_view name);
+
+/// A lot as other tables name it: references repeat, and others are of another lot.
+struct LotName {
+  std::int32_t LotRefID = 0;
+  std::string_view LotNumber;
+};
+/// What they repeat of it.
+struct LotCopy {
+  std::string_view LotNumber;
+  std::string_view LotLoc;
+  std::string_view LotContID;
+  std::optional<DateTime> LotDate;
+};
+/// Rewrites the copies of a colour's lot: its number on the Batch that made it (a formula's), all of it on the lines of
+/// Batches and Job Records that took from it. Within the caller's transaction.
+void RewriteLotCopies(Database& file, std::string_view database, ColorKind kind, std::string_view name,
+                      const LotName& lot, const LotCopy& now);
 
 /// Removes the lot rows and measurements that belong to the colour.
 void DeleteLotsAndMeasurements(Database& file, std::string_view database, ColorKind kind, std::string_view name);

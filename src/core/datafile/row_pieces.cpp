@@ -17,7 +17,7 @@ bool ForRowPieces(Database& file, std::string_view table,
   const auto rows = static_cast<double>(file.Scalar("SELECT COUNT(*) FROM " + name).Whole());
   // By counting, since row numbers may have gaps of any size.
   Statement next = file.Prepare(
-      fmt::format("SELECT rowid FROM {} WHERE rowid >= ? ORDER BY rowid LIMIT 1 OFFSET {}", name, kPiece - 1));
+      fmt::format("SELECT RowKey FROM {} WHERE RowKey >= ? ORDER BY RowKey LIMIT 1 OFFSET {}", name, kPiece - 1));
   double done = 0;
   for (std::int64_t first = std::numeric_limits<std::int64_t>::min(); done < rows;) {
     next.Bind(1, first);

@@ -2,7 +2,6 @@
 
 #include <fmt/format.h>
 
-#include <algorithm>
 #include <cmath>
 #include <limits>
 
@@ -229,6 +228,27 @@ const Table Additives{"_Additives",
 const Table Info{
     "_Info", {Text("FullName", 50), Memo("Disclaimer"), Memo("TradeMark"), Text("TemplateFile", 30, kZero)}, {}};
 
+// The system's own. A line of the history has borne its number under this name from the first.
+const Table StockHistory{
+    "MSysStockHistory",
+    {Date("Moment"), Text("Username", 15, kZero), Integer("Source"), Byte("Kind"), Text("Database", 15, kZero),
+     Text("Color_Name", 30, kZero), Long("LotRefID"), Text("LotNumber", 30, kZero), Single("Change"), Single("Result"),
+     Memo("Document"), Memo("Reason")},
+    {},
+    "",
+    "ID"};
+const Table OpenBatch{"MSysOpenBatch",
+                      {Text("DatabaseName", 15), Long("BatchNo"), Byte("Kind"), Text("Color_Name", 30),
+                       Long("ColorRow"), Long("LotRefID"), Text("LotNumber", 30, kZero), Single("Quantity"),
+                       Single("StoodBefore"), Single("StoodAfter"), Memo("Owner")},
+                      {}};
+const Table PendingRollUps{"MSysPendingRollUps",
+                           {Text("DatabaseName", 15), Boolean("Cost"), Boolean("VOC"), Boolean("HAP")},
+                           {},
+                           "DatabaseName"};
+const Table LoginFailures{"MSysLoginFailures", {Text("Username", 15), Long("Failures")}, {}, "Username"};
+const Table NewNames{"MSysNewNames", {Text("OldName", 30), Text("NewName", 30)}, {}, "OldName"};
+
 const std::vector<const Table*>& Global() {
   static const std::vector<const Table*> tables{&FileInfo, &Designs, &Dispenser, &JobRecords};
   return tables;
@@ -250,119 +270,6 @@ int Table::Find(std::string_view field) const {
 
 std::string TableName(std::string_view database, const Table& table) {
   return table.name.starts_with('_') ? std::string(database) + table.name : table.name;
-}
-
-namespace {
-
-using IndexFields = std::vector<std::string>;
-
-std::string IndexName(std::string_view table, const IndexFields& fields) {
-  std::string name = std::string(table) + "_";
-  for (const std::string& field : fields) name += field + "_";
-  return name + "Index";
-}
-
-void CreateIndex(Database& file, std::string_view table, const IndexFields& fields) {
-  std::string columns;
-  for (const std::string& field : fields) columns += (columns.empty() ? "" : ", ") + Quoted(field);
-  file.Execute(fmt::format("CREATE INDEX {} ON {} ({})", Quoted(IndexName(table, fields)), Quoted(table), columns));
-}
-
-void CreateIndexes(Database& file, std::string_view name, const Table& table) {
-  for (const IndexFields& fields : table.indexes) CreateIndex(file, name, fields);
-}
-
-void DropIndexes(Database& file, std::string_view name) {
-  std::vector<std::string> indexes;
-  {
-    Statement row = file.Prepare(
-        "SELECT name FROM sqlite_master WHERE type='index' AND tbl_name=? COLLATE NOCASE AND sql IS NOT NULL");
-    row.Bind(1, name);
-    while (row.Step()) indexes.push_back(row.Text(0));
-  }
-  for (const std::string& index : indexes) file.Execute("DROP INDEX " + Quoted(index));
-}
-
-}  // namespace
-
-void CreateTable(Database& file, std::string_view name, const Table& table) {
-  std::string sql = "CREATE TABLE " + Quoted(name) + " (";
-  for (std::size_t i = 0; i < table.fields.size(); ++i) {
-    const Field& field = table.fields[i];
-    if (i > 0) sql += ", ";
-    sql += Quoted(field.name);
-    switch (field.type) {
-      case FieldType::Single:
-        sql += " REAL";
-        break;
-      case FieldType::Text:
-      case FieldType::Memo:
-      case FieldType::Date:
-        sql += " TEXT COLLATE NOCASE";
-        break;
-      default:
-        sql += " INTEGER";
-    }
-  }
-  file.Execute(sql + ")");
-  CreateIndexes(file, name, table);
-}
-
-void RenameTable(Database& file, std::string_view name, std::string_view newName, const Table& table) {
-  // Indexes keep their names when their table gets another, and the next table of the old name would want them.
-  DropIndexes(file, name);
-  file.Execute("ALTER TABLE " + Quoted(name) + " RENAME TO " + Quoted(newName));
-  CreateIndexes(file, newName, table);
-}
-
-void DropTable(Database& file, std::string_view name) {
-  file.Execute("DROP TABLE " + Quoted(name));
-}
-
-void CompleteIndexes(Database& file, const std::vector<std::string>& databases) {
-  std::vector<std::string> present;
-  Statement index = file.Prepare("SELECT name FROM sqlite_master WHERE type = 'index'");
-  while (index.Step()) present.push_back(index.Text(0));
-  const auto lacks = [&](const std::string& table, const IndexFields& fields) {
-    const std::string name = IndexName(table, fields);
-    return std::ranges::none_of(present, [&](const std::string& other) { return EqualNoCase(other, name); });
-  };
-  Transaction transaction(file);
-  for (const std::string& database : databases)
-    for (const Table* table : schema::PerDatabase()) {
-      const std::string name = TableName(database, *table);
-      for (const IndexFields& fields : table->indexes)
-        if (lacks(name, fields) && file.TableExists(name) && MissingFields(file, name, *table).empty())
-          CreateIndex(file, name, fields);
-    }
-  transaction.Commit();
-}
-
-std::vector<std::string> MissingFields(Database& file, const std::string& name, const Table& table) {
-  std::vector<std::string> present;
-  Statement columns = file.Prepare("SELECT name FROM pragma_table_info(?)");
-  columns.Bind(1, name);
-  while (columns.Step()) present.push_back(columns.Text(0));
-  std::vector<std::string> missing;
-  for (const Field& field : table.fields)
-    if (std::ranges::none_of(present, [&](const std::string& column) { return EqualNoCase(column, field.name); }))
-      missing.push_back(field.name);
-  return missing;
-}
-
-std::vector<std::string> MissingParts(Database& file, const std::vector<std::string>& databases) {
-  std::vector<std::string> missing;
-  const auto check = [&](const std::string& name, const Table& table) {
-    if (!file.TableExists(name)) {
-      missing.push_back("table " + name);
-      return;
-    }
-    for (const std::string& field : MissingFields(file, name, table)) missing.push_back("field " + name + "." + field);
-  };
-  for (const Table* table : schema::Global()) check(table->name, *table);
-  for (const std::string& database : databases)
-    for (const Table* table : schema::PerDatabase()) check(TableName(database, *table), *table);
-  return missing;
 }
 
 namespace {

@@ -19,12 +19,17 @@ struct Field {
   bool zeroLength = false;  ///< whether an empty text may stand in it (null always may)
 };
 
+/// Every table has a column of this name that numbers its rows: given at the insert, never changed, whatever becomes of
+/// the file. It is none of the table's fields: nothing shows it, exports it or copies it.
+inline constexpr std::string_view kRowKey = "RowKey";
+
 /// One table of the Data File. `name` is the whole name of a global table, or the suffix ("_Basic") of a Database's.
 struct Table {
   std::string name;
   std::vector<Field> fields;                      ///< in the order of creation
   std::vector<std::vector<std::string>> indexes;  ///< each a list of fields, plain, neither primary nor unique
   std::string key = {};                           ///< the field of which a value stands in one row only; may be empty
+  std::string rowKey = std::string(kRowKey);      ///< the column of the rows' own numbers
 
   /// Position of a field; -1 when the table has none of that name (compared without regard to case).
   int Find(std::string_view field) const;
@@ -33,6 +38,8 @@ struct Table {
 namespace schema {
 extern const Table FileInfo, Designs, Dispenser, JobRecords, Users;
 extern const Table Basic, BasicLotInv, BasicLab, Mix, MixLotInv, MixLab, Batch, BatchLotInv, Additives, Info;
+/// What the system needs beyond: it stands beside the Databases, and the names of colours under way in no file at all.
+extern const Table StockHistory, OpenBatch, PendingRollUps, LoginFailures, NewNames;
 
 /// The four tables of a new file, in the order of creation (`Users` comes with the login feature).
 const std::vector<const Table*>& Global();
@@ -56,12 +63,26 @@ void DropTable(Database& file, std::string_view name);
 /// Gives a table another name, and its indexes the names that go with it.
 void RenameTable(Database& file, std::string_view name, std::string_view newName, const Table& table);
 
+/// A table of this connection alone, empty, found by its key. It may be made and filled in a transaction.
+void MakeScratchTable(Database& file, std::string_view name, const Table& table);
+
+/// Makes an index unless the file has it; true when it was made. With `where`, of those rows only.
+bool EnsureIndex(Database& file, std::string_view table, std::string_view name, const std::vector<std::string>& fields,
+                 std::string_view where = {});
+
 /// Makes the indexes of the layout that the tables of these Databases lack, as far as the tables are whole: an older
 /// program made their file without them.
 void CompleteIndexes(Database& file, const std::vector<std::string>& databases);
 
+/// The fields and indexes that stand in the file; of all tables, without a name.
+std::vector<std::string> StoredFields(Database& file, std::string_view table);
+std::vector<std::string> StoredIndexes(Database& file, std::string_view table = {});
+
+/// Adds the fields that an earlier program's table lacks.
+void AddMissingFields(Database& file, std::string_view name, const Table& table);
+
 /// The fields that a table of the file lacks of its layout.
-std::vector<std::string> MissingFields(Database& file, const std::string& name, const Table& table);
+std::vector<std::string> MissingFields(Database& file, std::string_view name, const Table& table);
 
 /// What the file lacks of the layout, a line each ("table INK_Mix", "field INK_Mix.BC14"); empty when nothing.
 std::vector<std::string> MissingParts(Database& file, const std::vector<std::string>& databases);

@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "core/base/number.h"
+#include "core/datafile/schema.h"
 
 namespace vellumark {
 namespace {
@@ -112,26 +113,21 @@ double StockDifference(float before, float after) {
 }
 
 bool IndexStockHistory(Database& file) {
-  if (!file.Scalar("SELECT 1 FROM sqlite_master WHERE type='index' AND name=?", {fmt::format("{}_Turn", kTable)})
-           .IsNull())
-    return false;
+  const std::string table(kTable);
   Transaction transaction(file);
-  file.Execute(fmt::format("CREATE INDEX {0}_Turn ON {0} (Color_Name, Kind, Database) WHERE Source >= {1}", kTable,
-                           static_cast<int>(StockEvent::Renamed)));
-  file.Execute(fmt::format("CREATE INDEX {0}_LotNumber ON {0} (LotNumber) WHERE LotRefID <> 0", kTable));
+  if (!EnsureIndex(file, table, table + "_Turn", {"Color_Name", "Kind", "Database"},
+                   fmt::format("Source >= {}", static_cast<int>(StockEvent::Renamed))))
+    return false;
+  EnsureIndex(file, table, table + "_LotNumber", {"LotNumber"}, "LotRefID <> 0");
   transaction.Commit();
   return true;
 }
 
 void CreateStockHistory(Database& file) {
   Transaction transaction(file);
-  file.Execute(
-      fmt::format("CREATE TABLE {} (ID INTEGER PRIMARY KEY, Moment TEXT, Username TEXT COLLATE NOCASE, Source INTEGER, "
-                  "Kind INTEGER, Database TEXT COLLATE NOCASE, Color_Name TEXT COLLATE NOCASE, LotRefID INTEGER, "
-                  "LotNumber TEXT COLLATE NOCASE, Change REAL, Result REAL, Document TEXT COLLATE NOCASE, Reason TEXT "
-                  "COLLATE NOCASE)",
-                  kTable));
-  file.Execute(fmt::format("CREATE INDEX {0}_Color_Name ON {0} (Color_Name)", kTable));
+  const std::string table(kTable);
+  CreateTable(file, table, schema::StockHistory);
+  EnsureIndex(file, table, table + "_Color_Name", {"Color_Name"});
   IndexStockHistory(file);
   transaction.Commit();
 }

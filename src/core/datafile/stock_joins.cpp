@@ -143,7 +143,7 @@ void WriteJoins(Database& file, std::vector<Join> joins) {
     line.kind = ColorKind::Mix;
     line.database = join.database;
     AddRenameLines(file, line, join.oldName, join.newName);
-    const std::int64_t last = file.LastRowId();
+    const std::int64_t last = file.Scalar(fmt::format("SELECT MAX(ID) FROM {}", kTable)).Whole();
     const std::int64_t at = join.before + static_cast<std::int64_t>(2 * i);
     if (last == at + 1) continue;
     place.Bind(1, at).Bind(2, last - 1).Run();

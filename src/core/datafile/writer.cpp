@@ -26,13 +26,13 @@ RowWriter::RowWriter(Database& file, const Table& table, std::string tableName, 
     sets.append(comma).append(quoted).append(" = ?");
   }
   insertSql_ = "INSERT INTO " + Quoted(tableName_) + " (" + names + ") VALUES (" + marks + ")";
-  updateSql_ = "UPDATE " + Quoted(tableName_) + " SET " + sets + " WHERE rowid = ?";
+  updateSql_ = "UPDATE " + Quoted(tableName_) + " SET " + sets + " WHERE RowKey = ?";
   for (std::size_t place = 0; place < fields_.size(); ++place) {
     if (table.key.empty() || fields_[place]->name != table.key) continue;
     keyPlace_ = place;
     // A row that has its key already may keep it, also in a file where an older program let it stand twice.
     keySql_ = fmt::format(
-        "SELECT 1 FROM {0} WHERE {1} = ?1 AND rowid <> ?2 AND NOT EXISTS (SELECT 1 FROM {0} WHERE rowid = ?2 AND {1} "
+        "SELECT 1 FROM {0} WHERE {1} = ?1 AND RowKey <> ?2 AND NOT EXISTS (SELECT 1 FROM {0} WHERE RowKey = ?2 AND {1} "
         "= ?1) LIMIT 1",
         Quoted(tableName_), Quoted(table.key));
   }
@@ -56,8 +56,7 @@ std::int64_t RowWriter::Insert() {
   Statement statement = file_.Prepare(insertSql_);
   int parameter = 1;
   for (const Value& value : values_) statement.Bind(parameter++, value);
-  statement.Run();
-  return file_.LastRowId();
+  return statement.Insert();
 }
 
 bool RowWriter::Update(std::int64_t rowId) {

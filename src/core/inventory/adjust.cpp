@@ -208,9 +208,9 @@ Result<ColorKind> ChooseInventoryColor(const Session& session, const std::string
 
 InventoryWork LoadInventory(const Session& session, ColorKind kind, const std::string& name,
                             std::string_view database) {
-  Statement color = session.File().Prepare(
-      fmt::format("SELECT Color_Name, Inventory, PurchaseCost, {} FROM {} WHERE Color_Name = ?1 ORDER BY rowid LIMIT 1",
-                  kind == ColorKind::Mix ? "BasicCost" : "0", Quoted(session.Table(ColorTable(kind), database))));
+  Statement color = session.File().Prepare(fmt::format(
+      "SELECT Color_Name, Inventory, PurchaseCost, {} FROM {} WHERE Color_Name = ?1 ORDER BY RowKey LIMIT 1",
+      kind == ColorKind::Mix ? "BasicCost" : "0", Quoted(session.Table(ColorTable(kind), database))));
   color.Bind(1, name);
   if (!color.Step()) throw std::logic_error("no stock without its colour: " + name);
   InventoryWork work;

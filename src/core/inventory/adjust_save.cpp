@@ -75,7 +75,7 @@ class InventorySave {
     const InventoryRow& row = work_.rows.front();
     if (row.now.qty == row.onFile.qty && row.entered == 0) return {};
     Statement color = session_.File().Prepare(
-        fmt::format("SELECT rowid, Inventory FROM {} WHERE Color_Name = ?1 ORDER BY rowid LIMIT 1",
+        fmt::format("SELECT RowKey, Inventory FROM {} WHERE Color_Name = ?1 ORDER BY RowKey LIMIT 1",
                     Quoted(session_.Table(ColorTable(work_.kind), work_.database))));
     color.Bind(1, work_.name);
     if (!color.Step()) return {};

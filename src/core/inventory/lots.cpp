@@ -23,7 +23,7 @@ std::string QuotedLots(const Session& session, ColorKind kind, std::string_view 
 
 Statement SelectLots(const Session& session, ColorKind kind, std::string_view database, std::string_view rest) {
   return session.File().Prepare(
-      fmt::format("SELECT rowid, LotRefID, LotNumber, LotLoc, LotContID, LotDate, LotQty, LotPrice, LotConsignment "
+      fmt::format("SELECT RowKey, LotRefID, LotNumber, LotLoc, LotContID, LotDate, LotQty, LotPrice, LotConsignment "
                   "FROM {} WHERE LotCName = ?1 {}",
                   QuotedLots(session, kind, database), rest));
 }
@@ -53,7 +53,7 @@ float SumOfLots(const Session& session, ColorKind kind, std::string_view name, s
 float ValueOfLots(const Session& session, ColorKind kind, std::string_view name, std::string_view database,
                   std::string_view which) {
   Statement lots = session.File().Prepare(
-      fmt::format("SELECT LotQty, LotPrice FROM {} WHERE LotCName = ?1{} ORDER BY LotRefID, rowid",
+      fmt::format("SELECT LotQty, LotPrice FROM {} WHERE LotCName = ?1{} ORDER BY LotRefID, RowKey",
                   QuotedLots(session, kind, database), which));
   lots.Bind(1, name);
   float value = 0;
@@ -89,7 +89,7 @@ bool ColorIsThere(const Session& session, ColorKind kind, std::string_view name,
 }
 
 std::vector<LotRow> LotsOf(const Session& session, ColorKind kind, std::string_view name, std::string_view database) {
-  Statement statement = SelectLots(session, kind, database, "ORDER BY LotNumber, LotRefID, rowid");
+  Statement statement = SelectLots(session, kind, database, "ORDER BY LotNumber, LotRefID, RowKey");
   statement.Bind(1, name);
   std::vector<LotRow> lots;
   while (statement.Step()) lots.push_back(ReadLot(statement));
@@ -98,7 +98,7 @@ std::vector<LotRow> LotsOf(const Session& session, ColorKind kind, std::string_v
 
 std::optional<LotRow> FindLot(const Session& session, ColorKind kind, std::string_view name, std::string_view database,
                               std::int32_t ref) {
-  Statement statement = SelectLots(session, kind, database, "AND LotRefID = ?2 ORDER BY rowid LIMIT 1");
+  Statement statement = SelectLots(session, kind, database, "AND LotRefID = ?2 ORDER BY RowKey LIMIT 1");
   statement.Bind(1, name).Bind(2, ref);
   if (!statement.Step()) return std::nullopt;
   return ReadLot(statement);
@@ -115,7 +115,7 @@ std::int32_t NextLotRefID(Session& session, ColorKind kind, std::string_view nam
 std::int32_t LastLotRefID(const Session& session, ColorKind kind, std::string_view name, std::string_view database) {
   const std::int64_t counter =
       session.File()
-          .Scalar(fmt::format("SELECT LotRefID FROM {} WHERE Color_Name = ?1 ORDER BY rowid LIMIT 1",
+          .Scalar(fmt::format("SELECT LotRefID FROM {} WHERE Color_Name = ?1 ORDER BY RowKey LIMIT 1",
                               QuotedColors(session, kind, database)),
                   {name})
           .Whole();

@@ -84,7 +84,7 @@ struct ColorRow {
 
 std::optional<ColorRow> FindColor(const Session& session, const Posting& posting) {
   Statement color = session.File().Prepare(
-      fmt::format("SELECT rowid, Inventory, {} FROM {} WHERE Color_Name = ?1 ORDER BY rowid LIMIT 1",
+      fmt::format("SELECT RowKey, Inventory, {} FROM {} WHERE Color_Name = ?1 ORDER BY RowKey LIMIT 1",
                   posting.kind == ColorKind::Mix ? "BasicCost" : "PurchaseCost",
                   Quoted(session.Table(ColorTable(posting.kind), posting.database))));
   color.Bind(1, posting.name);

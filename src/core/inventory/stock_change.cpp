@@ -77,14 +77,14 @@ void WriteStockChange(Session& session, const StockChange& change) {
   switch (change.action) {
     case StockChange::Action::SetUnlotted:
       session.File()
-          .Prepare(fmt::format("UPDATE {} SET Inventory = ?1 WHERE rowid = ?2", Quoted(colors)))
+          .Prepare(fmt::format("UPDATE {} SET Inventory = ?1 WHERE RowKey = ?2", Quoted(colors)))
           .Bind(1, quantity)
           .Bind(2, change.row)
           .Run();
       break;
     case StockChange::Action::SetLot:
       session.File()
-          .Prepare(fmt::format("UPDATE {} SET LotQty = ?1 WHERE rowid = ?2", Quoted(lots)))
+          .Prepare(fmt::format("UPDATE {} SET LotQty = ?1 WHERE RowKey = ?2", Quoted(lots)))
           .Bind(1, quantity)
           .Bind(2, change.row)
           .Run();
@@ -93,7 +93,7 @@ void WriteStockChange(Session& session, const StockChange& change) {
       AddLot(session, change, lots, quantity);
       break;
     case StockChange::Action::DeleteLot:
-      session.File().Prepare(fmt::format("DELETE FROM {} WHERE rowid = ?1", Quoted(lots))).Bind(1, change.row).Run();
+      session.File().Prepare(fmt::format("DELETE FROM {} WHERE RowKey = ?1", Quoted(lots))).Bind(1, change.row).Run();
       break;
   }
   const std::string& database = change.database.empty() ? session.CurrentDatabase : change.database;

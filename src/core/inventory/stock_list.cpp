@@ -14,7 +14,7 @@ void ForEachStock(const Session& session, std::optional<std::string_view> name, 
   for (const ColorKind kind : {ColorKind::Basic, ColorKind::Mix}) {
     if (wanted && *wanted != kind) continue;
     Statement colors = session.File().Prepare(
-        fmt::format("SELECT Color_Name, Inventory FROM {} {} ORDER BY Color_Name, rowid",
+        fmt::format("SELECT Color_Name, Inventory FROM {} {} ORDER BY Color_Name, RowKey",
                     Quoted(session.Table(ColorTable(kind))), name ? "WHERE Color_Name = ?1" : ""));
     if (name) colors.Bind(1, *name);
     while (colors.Step()) {
@@ -47,10 +47,10 @@ std::vector<LowStock> ColorsBelowReorder(const Session& session) {
   for (const ColorKind kind : {ColorKind::Basic, ColorKind::Mix}) {
     // Which rows may be meant is told by the index of just these two figures: the rows are wide, and most are not. Lots
     // only add to what stands in the row.
-    Statement colors = session.File().Prepare(
-        fmt::format("SELECT Color_Name, Reorder, Red, Green, Blue FROM {0} WHERE rowid IN (SELECT rowid FROM {0} WHERE "
-                    "(Reorder > 0 OR Inventory < 0) AND COALESCE(Inventory, 0) < COALESCE(Reorder, 0) + 0.001)",
-                    Quoted(session.Table(ColorTable(kind)))));
+    Statement colors = session.File().Prepare(fmt::format(
+        "SELECT Color_Name, Reorder, Red, Green, Blue FROM {0} WHERE RowKey IN (SELECT RowKey FROM {0} WHERE "
+        "(Reorder > 0 OR Inventory < 0) AND COALESCE(Inventory, 0) < COALESCE(Reorder, 0) + 0.001)",
+        Quoted(session.Table(ColorTable(kind)))));
     const auto first = static_cast<std::ptrdiff_t>(low.size());
     while (colors.Step()) {
       LowStock one{kind,

@@ -6,6 +6,7 @@
 #include <thread>
 
 #include "core/base/text.h"
+#include "core/datafile/schema.h"
 #include "core/datafile/writer.h"
 
 namespace vellumark {
@@ -32,7 +33,7 @@ struct StoredUser {
 
 // The field keeps no empty text, so that an empty password is stored as null.
 std::optional<StoredUser> Find(const Session& session, std::string_view name) {
-  std::string sql = "SELECT rowid, Username, COALESCE(Password, ''), IsAdmin";
+  std::string sql = "SELECT RowKey, Username, COALESCE(Password, ''), IsAdmin";
   for (const RightField& right : RightFields()) sql += ", " + Quoted(right.field);
   Statement statement = session.File().Prepare(sql + " FROM Users WHERE Username = ?");
   statement.Bind(1, name);
@@ -82,9 +83,7 @@ std::int64_t FailuresOf(const Session& session, std::string_view user) {
 
 void StoreFailures(const Session& session, std::string_view user, std::int64_t failures) {
   Transaction transaction(session.File());
-  if (!session.File().TableExists(kFailures))
-    session.File().Execute(
-        fmt::format("CREATE TABLE {} (Username TEXT COLLATE NOCASE PRIMARY KEY, Failures INTEGER)", kFailures));
+  if (!session.File().TableExists(kFailures)) CreateTable(session.File(), kFailures, schema::LoginFailures);
   session.File().Prepare(fmt::format("DELETE FROM {} WHERE Username = ?", kFailures)).Bind(1, user).Run();
   if (failures > 0)
     session.File()
@@ -364,7 +363,7 @@ Result<bool> DeleteUser(Session& session, std::string_view typedName) {
   if (!session.prompt.Ask("Delete User", fmt::format("Permanently delete user account {}?", name), Answer::No))
     return false;
   Transaction transaction(session.File());
-  session.File().Prepare("DELETE FROM Users WHERE rowid = ?").Bind(1, stored->rowId).Run();
+  session.File().Prepare("DELETE FROM Users WHERE RowKey = ?").Bind(1, stored->rowId).Run();
   transaction.Commit();
   return true;
 }

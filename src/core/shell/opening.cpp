@@ -417,11 +417,17 @@ void MakeFirstDatabase(Session& session, const std::string& name, FirstContent c
 }
 
 std::int32_t NextBatchNumber(Session& session) {
-  return session.BatchNumber = StepBatchNumber(session.File(), session.BatchNumber);
+  Transaction transaction(session.File());
+  session.BatchNumber = StepBatchNumber(session.File(), ReadFileInfo(session.File()).batchNumber);
+  transaction.Commit();
+  return session.BatchNumber;
 }
 
 std::int32_t NextItemNumber(Session& session) {
-  return session.ItemNumber = StepItemNumber(session.File(), session.ItemNumber);
+  Transaction transaction(session.File());
+  session.ItemNumber = StepItemNumber(session.File(), ReadFileInfo(session.File()).itemNumber);
+  transaction.Commit();
+  return session.ItemNumber;
 }
 
 }  // namespace vellumark

@@ -47,14 +47,17 @@ TEST(DeepCheck, FindsEachDamageAndNothingElse) {
       {"UPDATE FileInfo SET BatchNumber = 7", "Counters", "FileInfo", 1},
       {"DROP TABLE INK_Mix_LAB", "Parts", "INK_Mix_LAB", 0},
       {"ALTER TABLE INK_Mix_LAB DROP COLUMN Lab_Note", "Parts", "INK_Mix_LAB", 0},
-      {"CREATE TABLE MSysOpenBatch (DatabaseName TEXT, BatchNo INTEGER); INSERT INTO MSysOpenBatch VALUES ('INK', 7)",
+      {"CREATE TABLE MSysOpenBatch (DatabaseName TEXT, BatchNo INTEGER, RowKey INTEGER PRIMARY KEY); INSERT INTO "
+       "MSysOpenBatch (DatabaseName, BatchNo) VALUES ('INK', 7)",
        "Markers", "MSysOpenBatch", 0},
-      {"CREATE TABLE MSysPendingRollUps (DatabaseName, Cost, VOC, HAP); INSERT INTO MSysPendingRollUps VALUES ('INK', 1, "
+      {"CREATE TABLE MSysPendingRollUps (DatabaseName, Cost, VOC, HAP); INSERT INTO MSysPendingRollUps VALUES ('INK', "
+       "1, "
        "0, 0)",
        "Markers", "MSysPendingRollUps", 0},
       {"CREATE TABLE Users (Username TEXT, Password TEXT, IsAdmin INTEGER, Edit_MasterFormula INTEGER, Edit_Costs "
        "INTEGER, Edit_VOCHAP INTEGER, DF_BackupRestore INTEGER, DF_AdvancedMenu INTEGER, DF_OptionsMenu INTEGER, "
-       "DB_NewRenameDel INTEGER, DBToolsMenu INTEGER, DF_ExportDF_Excel INTEGER); INSERT INTO Users (Username, "
+       "DB_NewRenameDel INTEGER, DBToolsMenu INTEGER, DF_ExportDF_Excel INTEGER, RowKey INTEGER PRIMARY KEY); INSERT "
+       "INTO Users (Username, "
        "IsAdmin) VALUES ('ANNA', 0)",
        "Users", "Users", 0},
       {"UPDATE INK_Basic SET Reorder = -9e999 WHERE Color_Name = 'RED'", "Fields", "INK_Basic", 1},

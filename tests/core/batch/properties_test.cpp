@@ -494,7 +494,7 @@ TEST(Properties, IndexWalkFindsWhatAScanFinds) {
     const std::string set = book.room.Scalar("SELECT Color_Set FROM INK_Mix WHERE Color_Name = 'F0'").Text();
     for (const std::string& formulaSet : {set, std::string(), std::string("<B1><PANTONE B2>")}) {
       std::vector<std::int64_t> expected;
-      Statement all = book.room.session.File().Prepare("SELECT rowid, Color_Set FROM INK_Mix ORDER BY rowid");
+      Statement all = book.room.session.File().Prepare("SELECT RowKey, Color_Set FROM INK_Mix ORDER BY RowKey");
       while (all.Step())
         if (ColorSetContains(formulaSet, all.Text(1))) expected.push_back(all.Whole(0));
       EXPECT_EQ(FindContainedFormulas(book.room.session, formulaSet).rows, expected) << seed << formulaSet;

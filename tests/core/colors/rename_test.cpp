@@ -19,7 +19,7 @@ std::map<std::string, std::vector<std::string>> Everything(Database& file) {
   for (const std::string& table : file.TableNames()) {
     if (table.starts_with("MSys")) continue;
     auto& rows = tables[table];
-    Statement row = file.Prepare("SELECT rowid, * FROM " + Quoted(table) + " ORDER BY rowid");
+    Statement row = file.Prepare("SELECT * FROM " + Quoted(table) + " ORDER BY RowKey");
     while (row.Step()) {
       std::string text;
       for (int column = 0; column < row.ColumnCount(); ++column)
@@ -109,7 +109,7 @@ TEST(Rename, ABasicColorEverywhere) {
   EXPECT_EQ(room.Row("SELECT LotCName FROM INK_Mix_LotInv"), "RED");
   EXPECT_EQ(room.Row("SELECT Color_Name FROM INK_Basic_LAB"), "SCARLET");
   EXPECT_EQ(room.Row("SELECT Color_Name FROM INK_Mix_LAB"), "RED");
-  EXPECT_EQ(room.Row("SELECT group_concat(Color_Name, ' ') FROM (SELECT Color_Name FROM JobRecords ORDER BY rowid)"),
+  EXPECT_EQ(room.Row("SELECT group_concat(Color_Name, ' ') FROM (SELECT Color_Name FROM JobRecords ORDER BY RowKey)"),
             "SCARLET RED RED RED");
   EXPECT_EQ(room.Row("SELECT Add_Name1||' '||Add_Name4||' '||SetList FROM INK_Additives"),
             "SCARLET BLUE <SCARLET><BLUE>");
@@ -130,7 +130,7 @@ TEST(Rename, AFormulaEverywhere) {
   EXPECT_EQ(room.Row("SELECT LotCName FROM INK_Mix_LotInv"), "SCARLET");
   EXPECT_EQ(room.Row("SELECT LotCName FROM INK_Basic_LotInv"), "RED");
   EXPECT_EQ(room.Row("SELECT Color_Name FROM INK_Mix_LAB"), "SCARLET");
-  EXPECT_EQ(room.Row("SELECT group_concat(Color_Name, ' ') FROM (SELECT Color_Name FROM JobRecords ORDER BY rowid)"),
+  EXPECT_EQ(room.Row("SELECT group_concat(Color_Name, ' ') FROM (SELECT Color_Name FROM JobRecords ORDER BY RowKey)"),
             "RED SCARLET RED RED");
   EXPECT_EQ(room.Row("SELECT SetList FROM INK_Additives"), "<RED><BLUE>");
   EXPECT_EQ(room.Row("SELECT IngSet FROM Designs"), "<RED><SCARLET><RED>");
@@ -293,7 +293,7 @@ TEST(Rename, ReachesBothOfTwoFormulasOfOneName) {
   room.Mix("N", {{"B", 50}, {"A", 50}});
   room.session.File().Execute("UPDATE INK_Mix SET Color_Name = 'M'");
   ASSERT_TRUE(RenameBasic(room.session, "A", "X"));
-  EXPECT_EQ(room.Scalar("SELECT group_concat(Color_Set) FROM (SELECT Color_Set FROM INK_Mix ORDER BY rowid)").Text(),
+  EXPECT_EQ(room.Scalar("SELECT group_concat(Color_Set) FROM (SELECT Color_Set FROM INK_Mix ORDER BY RowKey)").Text(),
             "<X>,<B><X>");
 }
 

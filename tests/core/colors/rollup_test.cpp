@@ -62,7 +62,7 @@ TEST(RollUp, ManyFormulasInOneWalk) {
   room.Mix("F", {{"A", 100}});
   // Past one window of reading, with a gap in the row numbers.
   room.session.File().Execute(
-      "WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE i < 9000) INSERT INTO INK_Mix (rowid, "
+      "WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE i < 9000) INSERT INTO INK_Mix (RowKey, "
       "Color_Name, BC0, BQ0) SELECT 5 * i, 'F' || i, 'A', 100.0 FROM n");
   UpdateMixBasicCosts(room.session);
   EXPECT_EQ(room.Scalar("SELECT COUNT(*) FROM INK_Mix WHERE BasicCost = 2").Whole(), 9001);

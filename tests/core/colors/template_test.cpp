@@ -163,7 +163,9 @@ TEST(Template, TheCheckFindsWhatIsWrongWithAFinishedOne) {
            {"UPDATE FGuide_MColors_GP1601A SET Color_Name = 'Pantone Sky'", "is not trimmed and in capitals"},
            {"UPDATE FGuide_MColors_GP1601A SET Color_Name = NULL", "Color_Name is empty"},
            {"UPDATE FGuide_MColors_GP1601A SET Red = 300", "the range is 0 to 255"},
-           {"INSERT INTO FGuide_BColors_GP1601A SELECT * FROM FGuide_BColors_GP1601A WHERE IngSort = 1",
+           {"INSERT INTO FGuide_BColors_GP1601A (Color_Name, IngSort) SELECT Color_Name, IngSort FROM "
+            "FGuide_BColors_GP1601A "
+            "WHERE IngSort = 1",
             "row 3: the name PANTONE CLEAR stands already in FGuide_BColors_GP1601A, row 2"},
            {"DELETE FROM FGuide_MColors_GP1601A", "no guide holds a formula"},
            {"DELETE FROM Info_Table", "Info_Table: holds 0 rows, one is needed"},

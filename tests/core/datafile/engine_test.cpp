@@ -214,6 +214,66 @@ TEST(Schema, WhatIsMissingIsTold) {
             (std::vector<std::string>{"table Dispenser", "field INK_Mix.BQ14", "table INK_Additives"}));
 }
 
+// A file of a program that knew no keys, in which rows were deleted between others.
+struct KeylessFile {
+  KeylessFile() { fs::copy_file(fs::path(VELLUMARK_SOURCE_DIR) / "tests/core/datafile/keyless.vkd", path); }
+  static std::string Rows(Database& file) {
+    std::string rows;
+    for (const char* sql :
+         {"SELECT RowKey, Color_Name, Inventory FROM INK_Basic ORDER BY RowKey",
+          "SELECT RowKey, Color_Name, Color_Set FROM INK_Mix WHERE Color_Name >= 'a' ORDER BY RowKey"}) {
+      Statement row = file.Prepare(sql);
+      while (row.Step()) rows += row.Text(0) + row.Text(1) + " " + row.Text(2) + "|";
+    }
+    return rows;
+  }
+  test::ScratchFolder folder;
+  fs::path path = folder / "Old.vkd";
+};
+constexpr const char* kKeylessRows = "1BLUE 0.0|3RED 50.0|4WHITE 0.0|2LILAC <BLUE><WHITE>|3ROSE <RED><WHITE>|";
+
+TEST(RowKeys, AnOlderFileGetsThemOnceAndKeepsThem) {
+  const KeylessFile old;
+  const std::string bytes = ReadFileBytes(old.path);
+  // Whoever only looks sees the keys too, and the file stays as it is.
+  EXPECT_EQ(KeylessFile::Rows(*Database::Open(old.path, OpenMode::ReadOnly)), kKeylessRows);
+  EXPECT_EQ(ReadFileBytes(old.path), bytes);
+  auto file = Database::Open(old.path, OpenMode::Exclusive);
+  EXPECT_EQ(KeylessFile::Rows(*file), kKeylessRows);
+  EXPECT_TRUE(file->Faults().empty());
+  EXPECT_EQ(fs::file_size(old.path), bytes.size());
+  // It is laid out as a new one, with the same indexes, and shows the keys among no table's fields.
+  const NewFile fresh;
+  EXPECT_EQ(file->TableNames(), fresh.file->TableNames());
+  EXPECT_EQ(StoredIndexes(*file), StoredIndexes(*fresh.file));
+  for (const std::string& table : file->TableNames())
+    EXPECT_EQ(StoredFields(*file, table), StoredFields(*fresh.file, table)) << table;
+  EXPECT_EQ(InsertRow(*file, schema::Mix, "INK_Mix", {{"Color_Name", "PLUM"}}), 4);
+  EXPECT_THROW(InsertRow(*file, schema::Mix, "INK_Mix", {{"RowKey", 9}}), std::logic_error);
+  file->Execute("DELETE FROM INK_Mix WHERE RowKey = 4");
+  CompactFile(*file);
+  file.reset();
+  file = Database::Open(old.path, OpenMode::Exclusive);
+  EXPECT_EQ(KeylessFile::Rows(*file), kKeylessRows);
+  // A table under its new name, too.
+  RenameTable(*file, "INK_Mix", "RED_Mix", schema::Mix);
+  EXPECT_EQ(file->Scalar("SELECT RowKey FROM RED_Mix WHERE Color_Name = 'rose'").Whole(), 3);
+}
+
+TEST(RowKeys, NoneIsGivenWhereOneCannotBe) {
+  const KeylessFile old;
+  std::string bytes = ReadFileBytes(old.path);
+  // The last table is laid out in words that this program never wrote.
+  const std::string ours = R"("TemplateFile" TEXT COLLATE NOCASE))";
+  const std::size_t at = bytes.find(ours);
+  ASSERT_NE(at, std::string::npos);
+  bytes.replace(at, ours.size(), R"("TemplateFile" TEXT)/* of others */)");
+  ReplaceFile(old.path, bytes);
+  EXPECT_EQ(CauseOf([&] { Database::Open(old.path, OpenMode::Exclusive); }),
+            "is damaged: nobody knows the layout of the table INK_Info");
+  EXPECT_EQ(ReadFileBytes(old.path), bytes);
+}
+
 TEST(Schema, ANewFileHasItsTablesAndOneRow) {
   test::ScratchFolder folder;
   const fs::path path = folder / "New.vkd";
@@ -224,10 +284,8 @@ TEST(Schema, ANewFileHasItsTablesAndOneRow) {
   EXPECT_EQ(file->Scalar("SELECT COUNT(*) FROM FileInfo").Whole(), 1);
   EXPECT_TRUE(file->Scalar("SELECT LastBackupDate FROM FileInfo").IsNull());
   EXPECT_EQ(file->Scalar("SELECT DaysToRemindBackup FROM FileInfo").Whole(), 1);
-  Statement order = file->Prepare("SELECT name FROM pragma_table_info('Designs') WHERE cid IN (10, 15, 16)");
-  std::vector<std::string> names;
-  while (order.Step()) names.push_back(order.Text(0));
-  EXPECT_EQ(names, (std::vector<std::string>{"IngName0", "IngDB0", "IngName1"}));
+  const std::vector<std::string> names = StoredFields(*file, "Designs");
+  EXPECT_EQ(names.at(10) + names.at(15) + names.at(16), "IngName0IngDB0IngName1");
   EXPECT_EQ(CauseOf([&] { CreateFile(path); }), "already exists");
 }
 
@@ -274,7 +332,7 @@ TEST(Lifecycle, CompactingKeepsEveryRowAndLeavesNothingBeside) {
                 {{"Color_Name", "C" + std::to_string(i)}, {"Notes", std::string(900, 'n')}});
     transaction.Commit();
   }
-  room.file->Execute("DELETE FROM INK_Basic WHERE rowid % 10 <> 0");
+  room.file->Execute("DELETE FROM INK_Basic WHERE RowKey % 10 <> 0");
   const auto before = fs::file_size(room.path);
   ReplaceFile(SafetyCopyPath(room.path), "an older safety copy");
   ::chmod(room.path.c_str(), 0640);

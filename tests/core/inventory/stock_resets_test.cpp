@@ -2,6 +2,7 @@
 
 #include "core/inventory/reorder.h"
 #include "core/inventory/stock_list.h"
+#include "support/snapshot.h"
 #include "support/stock_lines.h"
 #include "support/stock_room.h"
 
@@ -33,15 +34,7 @@ struct ResetRoom : ::testing::Test, StockRoom {
   std::int64_t Lots() {
     return Scalar("SELECT (SELECT COUNT(*) FROM INK_Basic_LotInv) + (SELECT COUNT(*) FROM INK_Mix_LotInv)").Whole();
   }
-  std::string Everything() {
-    std::string all;
-    for (const char* table : {"INK_Basic", "INK_Mix", "INK_Basic_LotInv", "INK_Mix_LotInv", "MSysStockHistory"}) {
-      Statement row = session.File().Prepare(fmt::format("SELECT * FROM {} ORDER BY rowid", table));
-      while (row.Step())
-        for (int column = 0; column < row.ColumnCount(); ++column) all += row.Get(column).Text() + "|";
-    }
-    return all;
-  }
+  std::string Everything() { return test::Snapshot(session.File()); }
 };
 
 TEST_F(ResetRoom, OneValueForAllColorsOfAKind) {

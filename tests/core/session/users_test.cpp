@@ -96,7 +96,7 @@ TEST(Users, TheFirstAdministratorIsLoggedInBesideTheRescueUser) {
   const std::vector<std::string> passwords{"TANGERINE", "INK 1"};
   for (std::size_t i = 0; i < names.size(); ++i) {
     ASSERT_TRUE(rows.Step());
-    ASSERT_EQ(rows.ColumnCount(), 12);
+    ASSERT_EQ(rows.ColumnCount(), 13);  // with the key of the row
     EXPECT_EQ(rows.Text(0), names[i]);
     EXPECT_EQ(rows.Text(1), passwords[i]);
     for (int column = 2; column < 12; ++column)

@@ -2,8 +2,11 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+
 #include "core/datafile/databases.h"
 #include "core/datafile/lifecycle.h"
+#include "core/datafile/schema.h"
 #include "core/shell/opening.h"
 #include "support/ink_room.h"
 #include "support/template_room.h"
@@ -62,7 +65,7 @@ TEST(DatabaseMenu, ARenameReachesEveryPlaceOfTheName) {
   EXPECT_EQ(session.databaseList, (Names{"A NAME OF 15 CH", "GRAVURE", "INK"}));
   EXPECT_EQ(session.CurrentDatabase, "A NAME OF 15 CH");
   for (const char* index : {"INK_Mix_Color_Set_Index", "GRAVURE_Mix_Color_Set_Index"})
-    EXPECT_EQ(room.Scalar("SELECT COUNT(*) FROM sqlite_master WHERE name = ?1", {index}).Whole(), 1) << index;
+    EXPECT_EQ(std::ranges::count(StoredIndexes(session.File()), index), 1) << index;
 }
 
 TEST(DatabaseMenu, RenameRefusals) {
@@ -128,7 +131,8 @@ TEST(DatabaseMenu, DeletingTakesTablesAndJobLinesAndNeverTheCurrentOne) {
   EXPECT_TRUE(*DeleteDatabases(session, {"third", "FLEXO", "THIRD"}));
   EXPECT_EQ(session.databaseList, (Names{"INK"}));
   EXPECT_EQ(room.DBList(), (Names{"INK"}));
-  EXPECT_EQ(room.Scalar("SELECT COUNT(*) FROM sqlite_master WHERE tbl_name LIKE 'FLEXO%'").Whole(), 0);
+  for (const auto& names : {session.File().TableNames(), StoredIndexes(session.File())})
+    EXPECT_TRUE(std::ranges::none_of(names, [](const std::string& name) { return name.starts_with("FLEXO"); }));
   EXPECT_EQ(room.JobsOf("FLEXO"), 0);
   EXPECT_EQ(room.JobsOf("INK"), 2);
   EXPECT_TRUE(NewDatabase(session, "FLEXO", {}));

@@ -15,6 +15,7 @@
 #include "core/datafile/databases.h"
 #include "core/datafile/lifecycle.h"
 #include "core/datafile/pending_rollups.h"
+#include "core/datafile/schema.h"
 #include "core/datafile/writer.h"
 #include "core/session/users.h"
 #include "core/settings/settings_keys.h"
@@ -512,9 +513,8 @@ TEST(Opening, AFileOfAnOlderProgramGetsTheIndexesThatItLacks) {
   start.MakeFile(path);
   const auto indexes = [](Database& file) {
     std::set<std::string> names;
-    Statement row = file.Prepare("SELECT name FROM sqlite_master WHERE type = 'index'");
-    while (row.Step())
-      if (!row.TextView(0).starts_with("MSys")) names.insert(row.Text(0));
+    for (const std::string& name : StoredIndexes(file))
+      if (!name.starts_with("MSys")) names.insert(name);
     return names;
   };
   std::set<std::string> whole;
