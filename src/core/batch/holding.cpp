@@ -263,7 +263,7 @@ std::vector<MarkedBatch> MarkedBatches(Database& file) {
 
 void HealAbandonedBatches(Session& session) {
   std::vector<MarkedBatch> abandoned = MarkedBatches(session.File());
-  std::erase_if(abandoned, &MarkedBatch::atWork);
+  std::erase_if(abandoned, [](const MarkedBatch& batch) { return batch.atWork; });
   if (abandoned.empty()) return;
   std::string told;
   Transaction transaction(session.File());

@@ -4,10 +4,9 @@
 
 #include <algorithm>
 
-#include "core/base/text.h"
 #include "core/base/units.h"
 #include "core/batch/made.h"
-#include "core/datafile/writer.h"
+#include "core/jobs/job_records.h"
 
 namespace vellumark {
 namespace {
@@ -36,50 +35,11 @@ std::vector<float> JobQuantities(const Session& session, const BatchRecord& reco
   return quantities;
 }
 
-std::vector<std::string> KeptFields() {
-  std::vector<std::string> fields{"DesignID", "DesignDesc"};
-  for (const char* word : {"UD_Text", "UD_Numeric"})
-    for (int i = 0; i < kBatchUserFields; ++i) fields.push_back(schema::Numbered(word, i));
-  return fields;
-}
-
-struct KeptRow {
-  std::string JobNumber;
-  std::vector<Cell> cells;
-};
-
-std::vector<KeptRow> ReadKept(const Session& session, std::int32_t batchNo) {
-  const std::vector<std::string> fields = KeptFields();
-  std::string columns = "JobNumber";
-  for (const std::string& field : fields) columns += ", " + Quoted(field);
-  Statement rows =
-      session.File().Prepare(fmt::format("SELECT {} FROM JobRecords WHERE {} ORDER BY rowid", columns, kOfBatch));
-  rows.Bind(1, batchNo).Bind(2, session.CurrentDatabase);
-  std::vector<KeptRow> kept;
-  while (rows.Step()) {
-    KeptRow& row = kept.emplace_back(rows.Text(0), std::vector<Cell>{});
-    for (std::size_t i = 0; i < fields.size(); ++i)
-      row.cells.emplace_back(fields[i], rows.Get(static_cast<int>(i) + 1));
-  }
-  return kept;
-}
-
-std::vector<Cell> FreshCells() {
-  std::vector<Cell> cells;
-  for (const std::string& field : KeptFields())
-    cells.emplace_back(field, field.starts_with("UD_Numeric") ? Value(0.0F) : Value(""));
-  return cells;
-}
-
-void NoteJob(Transaction& transaction, const std::string& number) {
-  transaction.Note({Change::Kind::Job, "", number, Change::What::Updated, {}});
-}
-
 }  // namespace
 
 std::vector<BatchJobLine> ReadJobLines(const Session& session, std::int32_t batchNo, int unit, double total) {
   Statement rows = session.File().Prepare(
-      fmt::format("SELECT JobNumber, QtyIssued, QtyUsed FROM JobRecords WHERE {} ORDER BY rowid", kOfBatch));
+      fmt::format("SELECT JobNumber, QtyIssued, QtyUsed FROM JobRecords WHERE {} ORDER BY RowKey", kOfBatch));
   rows.Bind(1, batchNo).Bind(2, session.CurrentDatabase);
   std::vector<BatchJobLine> lines;
   double stored = 0;
@@ -115,21 +75,16 @@ float ReturnedQuantity(const Session& session, const BatchRecord& record) {
 }
 
 void WriteJobRows(Session& session, const BatchRecord& record, const DateTime& date) {
-  Transaction transaction(session.File());
-  const std::vector<KeptRow> kept = ReadKept(session, record.BatchNo);
-  DeleteJobRows(session, record.BatchNo);
   const BatchWork& work = record.work;
   const double made = LeadingNumber(work.TotalText) * static_cast<double>(UnitFactor(work.UMF, session.UMI));
   const auto perUnit = [made](double figure) { return made > 0 ? figure / made : 0; };
   const auto lot = MadeLot(session, record);
   const std::vector<float> quantities = JobQuantities(session, record);
+  std::vector<std::vector<Cell>> rows;
   for (std::size_t i = 0; i < record.jobs.size(); ++i) {
     const BatchJobLine& line = record.jobs[i];
     const float used = quantities[i];
-    std::vector<Cell> cells = FreshCells();
-    for (const KeptRow& row : kept)
-      if (EqualNoCase(row.JobNumber, line.JobNumber)) cells = row.cells;
-    const std::vector<Cell> own{
+    rows.push_back({
         {"JobNumber", line.JobNumber},
         {"Color_Name", work.Color_Name},
         {"Color_Code", work.formula.Color_Code},
@@ -148,23 +103,10 @@ void WriteJobRows(Session& session, const BatchRecord& record, const DateTime& d
         {"QtyUsed", used},
         {"Date_Entered", date},
         {"Date_Returned", date},
-        {"Date_Completed", date}};
-    cells.insert(cells.end(), own.begin(), own.end());
-    InsertRow(session.File(), schema::JobRecords, schema::JobRecords.name, cells);
-    NoteJob(transaction, line.JobNumber);
+        {"Date_Completed", date},
+    });
   }
-  transaction.Commit();
-}
-
-void DeleteJobRows(Session& session, std::int32_t batchNo) {
-  Transaction transaction(session.File());
-  for (const KeptRow& row : ReadKept(session, batchNo)) NoteJob(transaction, row.JobNumber);
-  session.File()
-      .Prepare(fmt::format("DELETE FROM JobRecords WHERE {}", kOfBatch))
-      .Bind(1, batchNo)
-      .Bind(2, session.CurrentDatabase)
-      .Run();
-  transaction.Commit();
+  ReplaceJobRecords(session, record.BatchNo, rows);
 }
 
 }  // namespace vellumark

@@ -20,9 +20,7 @@ float JobsUse(const Session& session, std::int32_t batchNo);
 /// that it is what a stored Batch is later found to have put there.
 float ReturnedQuantity(const Session& session, const BatchRecord& record);
 
-/// Writes the Batch's rows anew, within the caller's transaction. The user-defined values and the design of a job's row
-/// are kept.
+/// Writes the Batch's rows anew, within the caller's transaction.
 void WriteJobRows(Session& session, const BatchRecord& record, const DateTime& date);
-void DeleteJobRows(Session& session, std::int32_t batchNo);
 
 }  // namespace vellumark

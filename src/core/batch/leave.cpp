@@ -5,13 +5,14 @@
 #include "core/base/text.h"
 #include "core/batch/bench.h"
 #include "core/batch/holding.h"
-#include "core/batch/job_rows.h"
 #include "core/batch/loader.h"
 #include "core/batch/made.h"
 #include "core/batch/open.h"
 #include "core/batch/saving.h"
 #include "core/batch/store.h"
 #include "core/batch/takings.h"
+#include "core/colors/color_dates.h"
+#include "core/jobs/job_records.h"
 
 namespace vellumark {
 namespace {
@@ -65,22 +66,22 @@ Result<bool> Leave(Session& session, BatchRecord& record, BatchDialogs& dialogs,
 
 // Takes a Batch off the dates of its formula and Basic Colors, which then tell of the Batches that remain.
 void ResetDates(Session& session, const std::string& formula, const std::vector<StoredLine>& lines) {
-  Database& file = session.File();
-  const std::string batches = Quoted(session.Table(schema::Batch));
-  file.Prepare(fmt::format("UPDATE {} SET LastProduced = (SELECT MAX(Date_Entered) FROM {} WHERE Color_Name = ?1) "
-                           "WHERE Color_Name = ?1",
-                           Quoted(session.Table(schema::Mix)), batches))
-      .Bind(1, formula)
-      .Run();
+  const auto latest = [&](std::string_view where) {
+    return session.File().Prepare(
+        fmt::format("SELECT MAX(Date_Entered) FROM {} WHERE {}", Quoted(session.Table(schema::Batch)), where));
+  };
+  const auto of = [](Statement& date, std::string_view name) {
+    date.Reset();
+    return date.Bind(1, name).Step() ? date.Date(0) : std::nullopt;
+  };
+  Statement made = latest("Color_Name = ?1");
+  StoreLastProduced(session, formula, of(made, formula));
   std::string uses;
   for (int i = 0; i < schema::kBatchLines; ++i)
     uses += fmt::format("{}(IngName{} = ?1 AND IngType{} <> 2)", i == 0 ? "" : " OR ", i, i);
-  Statement reset = file.Prepare(
-      fmt::format("UPDATE {} SET LastConsumed = (SELECT Date_Entered FROM {} WHERE {} ORDER BY Date_Entered DESC LIMIT "
-                  "1) WHERE Color_Name = ?1",
-                  Quoted(session.Table(schema::Basic)), batches, uses));
+  Statement used = latest(uses);
   for (const StoredLine& line : lines)
-    if (line.IngType != kIngTypeMix) reset.Bind(1, line.IngName).Run();
+    if (line.IngType != kIngTypeMix) StoreLastConsumed(session, line.IngName, of(used, line.IngName));
 }
 
 void DeleteStored(Session& session, BatchRecord& record, bool returnIngredients) {
@@ -91,11 +92,11 @@ void DeleteStored(Session& session, BatchRecord& record, bool returnIngredients)
   RemoveMadeColor(session, record);
   DeleteTakings(session, record.BatchNo);
   session.File()
-      .Prepare(fmt::format("DELETE FROM {} WHERE rowid = ?1", Quoted(session.Table(schema::Batch))))
+      .Prepare(fmt::format("DELETE FROM {} WHERE RowKey = ?1", Quoted(session.Table(schema::Batch))))
       .Bind(1, record.rowId)
       .Run();
   if (stored) ResetDates(session, record.work.Color_Name, stored->lines);
-  DeleteJobRows(session, record.BatchNo);
+  ReplaceJobRecords(session, record.BatchNo, {});
   transaction.Note(
       {Change::Kind::Batch, session.CurrentDatabase, std::to_string(record.BatchNo), Change::What::Deleted, {}});
   transaction.Commit();

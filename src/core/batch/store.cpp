@@ -18,6 +18,7 @@
 #include "core/batch/row_cells.h"
 #include "core/batch/saving.h"
 #include "core/batch/takings.h"
+#include "core/colors/color_dates.h"
 #include "core/datafile/lifecycle.h"
 
 namespace vellumark {
@@ -113,16 +114,9 @@ class BatchStore {
   }
 
   void MarkUse(const std::vector<BatchTaking>& takings) {
-    Database& file = session_.File();
-    file.Prepare(
-            fmt::format("UPDATE {} SET LastProduced = ?1 WHERE Color_Name = ?2", Quoted(session_.Table(schema::Mix))))
-        .Bind(1, Value(now_))
-        .Bind(2, record_.work.Color_Name)
-        .Run();
-    Statement consumed = file.Prepare(
-        fmt::format("UPDATE {} SET LastConsumed = ?1 WHERE Color_Name = ?2", Quoted(session_.Table(schema::Basic))));
+    StoreLastProduced(session_, record_.work.Color_Name, now_);
     for (const BatchTaking& taking : takings)
-      if (taking.IngType != kIngTypeMix) consumed.Bind(1, Value(now_)).Bind(2, taking.IngName).Run();
+      if (taking.IngType != kIngTypeMix) StoreLastConsumed(session_, taking.IngName, now_);
   }
 
   Session& session_;
@@ -255,7 +249,7 @@ void StoreComplete(Session& session, const BatchRecord& record) {
   Transaction transaction(session.File());
   const int changed =
       session.File()
-          .Prepare(fmt::format("UPDATE {} SET Complete = ?1 WHERE rowid = ?2 AND IFNULL(Complete, 0) <> ?1",
+          .Prepare(fmt::format("UPDATE {} SET Complete = ?1 WHERE RowKey = ?2 AND COALESCE(Complete, 0) <> ?1",
                                Quoted(session.Table(schema::Batch))))
           .Bind(1, record.Complete ? 1 : 0)
           .Bind(2, record.rowId)

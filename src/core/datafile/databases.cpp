@@ -70,6 +70,12 @@ void StoreCurrentDatabase(Database& file, std::string_view name) {
   transaction.Commit();
 }
 
+void StoreDaysToRemindBackup(Database& file, int days) {
+  Transaction transaction(file);
+  file.Prepare("UPDATE FileInfo SET DaysToRemindBackup = ?").Bind(1, days).Run();
+  transaction.Commit();
+}
+
 DatabaseCounts CountRows(Database& file, std::string_view database) {
   const auto count = [&](const Table& table) {
     return file.Scalar("SELECT COUNT(*) FROM " + Quoted(TableName(database, table))).Whole();

@@ -30,6 +30,7 @@ bool HoldsNoDatabase(Database& file);
 
 void StoreDatabaseList(Database& file, const std::vector<std::string>& names);
 void StoreCurrentDatabase(Database& file, std::string_view name);
+void StoreDaysToRemindBackup(Database& file, int days);
 
 /// The `<DB>_Info` row.
 struct DatabaseInfo {

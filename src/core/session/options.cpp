@@ -9,6 +9,7 @@
 #include "core/base/number.h"
 #include "core/base/text.h"
 #include "core/base/units.h"
+#include "core/datafile/databases.h"
 #include "core/session/rights.h"
 #include "core/settings/settings_keys.h"
 #include "core/settings/support_files.h"
@@ -133,11 +134,7 @@ Result<void> SaveReminders(Session& session, const Reminders& reminders) {
   if (on) {
     if (reminders.DaysToRemindBackup < 1 || reminders.DaysToRemindBackup > kLongestReminder)
       return Refuse("Reminders", fmt::format("Select a number of days between 1 and {}.", kLongestReminder), "cmbDays");
-    if (session.DataFileDB) {
-      Transaction transaction(session.File());
-      session.File().Prepare("UPDATE FileInfo SET DaysToRemindBackup = ?").Bind(1, reminders.DaysToRemindBackup).Run();
-      transaction.Commit();
-    }
+    if (session.DataFileDB) StoreDaysToRemindBackup(session.File(), reminders.DaysToRemindBackup);
   }
   Store(session, {{keys::BackupFileLocation, on ? reminders.BackupFileLocation : ""},
                   {keys::RemindBackup, on ? "0" : "1"},

@@ -20,9 +20,7 @@ class OpenFileOfLadder final : public LadderDataFile {
   explicit OpenFileOfLadder(Session& session) : session_(session) {}
   void SetDaysToRemindBackup(int days) override {
     if (session_.ArchiveView) return;
-    Transaction transaction(session_.File());
-    session_.File().Prepare("UPDATE FileInfo SET DaysToRemindBackup = ?").Bind(1, days).Run();
-    transaction.Commit();
+    StoreDaysToRemindBackup(session_.File(), days);
   }
   fs::path Folder() const override { return fs::path(session_.DataFileName).parent_path(); }
 
