@@ -207,18 +207,6 @@ Result<void> SetComplete(BatchRecord& record, const BatchInput& input, bool want
 
 // ---- Lots
 
-LotLineKind LineKind(RowKind kind) {
-  switch (kind) {
-    case RowKind::Mix:
-      return LotLineKind::Mix;
-    case RowKind::Addition:
-      return LotLineKind::Addition;
-    case RowKind::Basic:
-      break;
-  }
-  return LotLineKind::Basic;
-}
-
 // The rows that an option of this command has given lots, and that therefore have none but those of the options.
 using NamedRows = std::vector<std::size_t>;
 
@@ -300,8 +288,8 @@ Result<void> TakeLots(Session& session, BatchRecord& record, const std::string& 
   if (auto open = OpenRowLots(session, record, row); !open) return open;
   const BatchRow& shown = record.work.Rows[row];
   const LotSelection kept = KeptLots(session, record, row, *quantity, named);
-  auto work = LoadLotSelection(session, shown.name, LineKind(shown.kind), LotNeed(session, record, row),
-                               record.work.UMF, kept, WithheldFrom(session, record, row));
+  auto work = LoadLotSelection(session, shown.name, shown.kind, LotNeed(session, record, row), record.work.UMF, kept,
+                               WithheldFrom(session, record, row));
   if (!work) return std::unexpected(work.error());
   if (auto taken = TakeFromLots(*work, Trim(found->second), RoundTo(*quantity, 3)); !taken) return taken;
   return SetRowLots(session, record, row, work->Selection());
@@ -399,11 +387,10 @@ Result<void> ChangeBatch(Session& session, BatchRecord& record, const BatchInput
 
 Result<void> TakeSaveOptions(Session& session, BatchRecord& record, const BatchInput& input) {
   using Given = std::pair<const std::optional<std::string>*, std::string BatchFields::*>;
-  for (const auto& [text, field] : {Given{&input.lotNumber, &BatchFields::LotNumber},
-                                    Given{&input.lotLoc, &BatchFields::LotLoc},
-                                    Given{&input.lotCont, &BatchFields::LotContID},
-                                    Given{&input.notes, &BatchFields::Notes},
-                                    Given{&input.shortNote, &BatchFields::ShortNote}}) {
+  for (const auto& [text, field] :
+       {Given{&input.lotNumber, &BatchFields::LotNumber}, Given{&input.lotLoc, &BatchFields::LotLoc},
+        Given{&input.lotCont, &BatchFields::LotContID}, Given{&input.notes, &BatchFields::Notes},
+        Given{&input.shortNote, &BatchFields::ShortNote}}) {
     if (!*text) continue;
     auto done = EnterBatchText(session, record, field, field == &BatchFields::Notes ? **text : Trim(**text));
     if (!done) return done;

@@ -23,10 +23,10 @@ Json Money(const Session& session, Currency amount) {
 Json RowsJson(const BatchWork& work) {
   Json rows = Json::array();
   for (const BatchRow& row : work.Rows)
-    rows.push_back({{"Kind", RowKindName(row.kind)},
+    rows.push_back({{"Kind", LineKindName(row.kind)},
                     {"Name", row.name},
-                    {"Amount", row.amount},
-                    {"Max", row.kind == RowKind::Mix ? Json(Fixed(row.max, 3)) : Json()}});
+                    {"Amount", Fixed(row.amount, 3)},
+                    {"Max", row.kind == LineKind::Mix ? Json(Fixed(row.max, 3)) : Json()}});
   return rows;
 }
 
@@ -43,10 +43,10 @@ Json RecycleListJson(const BatchWork& work) {
 }
 
 Json TotalsJson(const Session& session, const BatchWork& work) {
-  return {{"Total", work.TotalText},
+  return {{"Total", Fixed(work.ShownTotal, 3)},
           {"RecycledTotal", Fixed(work.RecycledTotal, 3)},
           {"AdditionsTotal", Fixed(work.AdditionsTotal, 3)},
-          {"PercentRecycled", work.PercentRecycled},
+          {"PercentRecycled", PercentRecycledText(work)},
           {"Roundoff", Number(work.Roundoff)},
           {"LargestAmountIndex", work.LargestAmountIndex},
           {"ClickedIndex", work.ClickedIndex},
@@ -73,7 +73,7 @@ ListTable LotsTaken(const Session& session, std::int32_t batchNo) {
   const std::string used = fmt::format("Used ({})", UnitName(session.UMI));
   return TableOf<Row>()
       .Add("IngName", &Row::IngName, "Name")
-      .Add("IngType", &Row::IngType)
+      .Add("IngType", [](const Row& lot) { return static_cast<int>(lot.IngType); })
       .Add("LotRefID", &Row::LotRefID)
       .Add("LotNumber", &Row::LotNumber, "Lot Number")
       .Add("LotLoc", &Row::LotLoc, "Location")
@@ -105,11 +105,12 @@ std::string FiguresText(const Figures& figures) {
 
 std::string RowsText(const BatchWork& work) {
   using Line = std::array<std::string, 5>;
+  const std::string unit(UnitName(work.UMF));
   std::vector<Line> lines;
   for (const BatchRow& row : work.Rows)
-    lines.push_back({std::string(RowKindName(row.kind)), row.name, row.amount, row.unit,
-                     row.kind == RowKind::Mix ? Fixed(row.max, 3) : ""});
-  lines.push_back({"", "Total", work.TotalText, std::string(UnitName(work.UMF)), ""});
+    lines.push_back({std::string(LineKindName(row.kind)), row.name, Fixed(row.amount, 3), unit,
+                     row.kind == LineKind::Mix ? Fixed(row.max, 3) : ""});
+  lines.push_back({"", "Total", Fixed(work.ShownTotal, 3), unit, ""});
   TableOf<Line> table;
   for (std::size_t i = 0; const char* caption : {"Kind", "Name", "Amount", "Unit", "Max"}) {
     table.Add(
@@ -120,7 +121,7 @@ std::string RowsText(const BatchWork& work) {
 }
 
 Figures WorkFigures(const Session& session, const BatchWork& work) {
-  Figures figures{{"Percent Recycled", work.PercentRecycled}};
+  Figures figures{{"Percent Recycled", PercentRecycledText(work)}};
   if (session.Perm_Costs != 0) {
     const int decimals = session.DecimalPlaces;
     figures.insert(figures.end(),
@@ -164,10 +165,10 @@ Json StoredBatchJson(const Session& session, const BatchRecord& record) {
   }
   answer["UMF"] = UnitName(record.work.UMF);
   answer["Rows"] = RowsJson(record.work);
-  answer["Total"] = record.work.TotalText;
+  answer["Total"] = Fixed(record.work.ShownTotal, 3);
   answer["RecycledTotal"] = Fixed(record.work.RecycledTotal, 3);
   answer["AdditionsTotal"] = Fixed(record.work.AdditionsTotal, 3);
-  answer["PercentRecycled"] = record.work.PercentRecycled;
+  answer["PercentRecycled"] = PercentRecycledText(record.work);
   answer["CostOfBatch"] = Money(session, record.work.figures.TotalCost);
   answer["UnitCost"] = Money(session, record.work.figures.UnitCost);
   answer["ReturnedToInventory"] = Number(record.returned);

@@ -123,9 +123,9 @@ Result<void> OpenForVerb(Context& context, const GlobalOptions& options, Needs n
 // A refusal that cannot be written as JSON still stands on standard error and in the exit status. Behind the beginning
 // of a list it is not written: what was cut off is no JSON value, and nobody takes it for a whole list.
 int Report(Output& output, const Refusal& refusal, bool json, std::string_view kind, int exitCode) {
+  const std::string text = refusal.declined ? "The question was answered with No; nothing was changed." : refusal.text;
   if (output.Drop() && json) {
-    const Json answer{
-        {std::string(kind), Json{{"title", refusal.title}, {"text", refusal.text}, {"field", refusal.field}}}};
+    const Json answer{{std::string(kind), Json{{"title", refusal.title}, {"text", text}, {"field", refusal.field}}}};
     try {
       output.Write(JsonText(answer) + "\n");
       output.Finish();
@@ -133,7 +133,7 @@ int Report(Output& output, const Refusal& refusal, bool json, std::string_view k
       WriteError(Headed(unheard.subject, unheard.cause) + "\n");
     }
   }
-  WriteError(Headed(refusal.title, refusal.text) + "\n");
+  WriteError(Headed(refusal.title, text) + "\n");
   return exitCode;
 }
 

@@ -56,7 +56,7 @@ void CheckBatchLines(CheckRun& run) {
         if (gap)
           run.Found(table, batch.row, Called(batch.BatchNo),
                     fmt::format("IngName{} is filled behind an empty line.", n));
-        if (batch.IngType[n] < kIngTypeBasic || batch.IngType[n] > kIngTypeAddition)
+        if (static_cast<std::int64_t>(LineKindOf(batch.IngType[n])) != batch.IngType[n])
           run.Found(table, batch.row, Called(batch.BatchNo), fmt::format("IngType{} is {}.", n, batch.IngType[n]));
       }
     });
@@ -71,9 +71,8 @@ void CheckBatchLots(CheckRun& run) {
         fmt::format("SELECT RowKey, IngName, BatchNo FROM {} t WHERE NOT EXISTS (SELECT 1 FROM {} b WHERE b.BatchNo = "
                     "t.BatchNo)",
                     Quoted(lots), Quoted(batches)));
-    run.FoundRows(lots, orphans, [](const Statement& row) {
-      return fmt::format("There is no Batch {}.", Called(row.Whole(2)));
-    });
+    run.FoundRows(lots, orphans,
+                  [](const Statement& row) { return fmt::format("There is no Batch {}.", Called(row.Whole(2))); });
     Statement taken = run.file.Prepare(
         fmt::format("SELECT RowKey, IngName, IngType, LotRefID, LotQty FROM {} WHERE BatchNo = ?", Quoted(lots)));
     ForEachBatch(run, batches, [&](const CheckedBatch& batch) {

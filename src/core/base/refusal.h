@@ -13,6 +13,8 @@ struct Refusal {
   std::string title;
   std::string text;
   std::string field;
+  /// The operator answered No to the question of that title: there is nothing more to say, only the focus to be given.
+  bool declined = false;
   bool operator==(const Refusal&) const = default;
 };
 
@@ -21,7 +23,12 @@ template <class T>
 using Result = std::expected<T, Refusal>;
 
 inline std::unexpected<Refusal> Refuse(std::string title, std::string text, std::string field = {}) {
-  return std::unexpected(Refusal{std::move(title), std::move(text), std::move(field)});
+  return std::unexpected(Refusal{std::move(title), std::move(text), std::move(field), false});
+}
+
+/// The answer of an operation that a question stopped; without a text.
+inline std::unexpected<Refusal> Decline(std::string question, std::string field = {}) {
+  return std::unexpected(Refusal{std::move(question), {}, std::move(field), true});
 }
 
 /// A failure of the world: a file, a disk or a line. `subject` names it (a path, a port), `cause` says what happened.

@@ -21,7 +21,7 @@ enum class QuantityStep { Same, Smaller, Larger };
 // With the quantity that the rows stand for, not with their total: additions are in that, and a round-off that found no
 // ingredient row is not.
 QuantityStep CompareWithRows(const BatchWork& work) {
-  const Currency rows = Currency::From(RoundTo(LeadingNumber(work.CalculatedQuantity), 3));
+  const Currency rows = Currency::From(work.CalculatedQuantity);
   const Currency quantity = Currency::From(RoundTo(work.Quantity(), 3));
   if (quantity == rows) return QuantityStep::Same;
   return quantity < rows ? QuantityStep::Smaller : QuantityStep::Larger;
@@ -128,7 +128,7 @@ Result<bool> RecycleAction(Session& session, BatchWork& work) {
         break;
       case QuantityStep::Smaller:
         if (RecycledMustShrink(work) && !AskDecrease(session)) {
-          work.QuantityText = work.CalculatedQuantity;
+          work.QuantityText = Fixed(work.CalculatedQuantity, 3);
           work.QuantityChanged = false;
           return false;
         }

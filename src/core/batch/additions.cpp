@@ -39,7 +39,7 @@ std::optional<double> ReadAmount(std::string_view text) {
 double AmountOfIngredient(const BatchWork& work, std::string_view name) {
   double amount = 0;
   for (const BatchRow& row : work.Rows)
-    if (row.kind == RowKind::Basic && SameName(row.name, name)) amount += row.Amount();
+    if (row.kind == LineKind::Basic && SameName(row.name, name)) amount += row.amount;
   return amount;
 }
 
@@ -176,7 +176,7 @@ Result<void> AddAdditions(Session& session, BatchWork& work, const std::vector<A
   double sum = 0;
   for (const BatchIngredient& addition : added) sum += RoundTo(addition.Amount, 3);
   const bool negative = std::ranges::any_of(added, [](const BatchIngredient& i) { return i.Amount < 0; });
-  if (!added.empty() && Thousandths(LeadingNumber(work.TotalText) + sum) <= 0)
+  if (!added.empty() && Thousandths(work.ShownTotal + sum) <= 0)
     return std::unexpected(AdditionRefusal(AdditionFault::ZeroBatchQty));
   if (work.Rows.size() + added.size() > static_cast<std::size_t>(kMostBatchLines)) return FullBatch();
   std::ranges::move(added, std::back_inserter(work.Additions));
@@ -201,7 +201,7 @@ Result<void> AdjustAddition(Session& session, BatchWork& work, std::size_t row, 
   if (!wanted) return Refuse("Adjust Addition", "Please enter a valid amount.", "txtAmount");
   if (Thousandths(AmountOfIngredient(work, addition.IngName) + *wanted) < 0)
     return std::unexpected(AdditionRefusal(AdditionFault::InvalidNegative));
-  if (Thousandths(LeadingNumber(work.TotalText) - work.Rows.at(row).Amount() + *wanted) <= 0)
+  if (Thousandths(work.ShownTotal - work.Rows.at(row).amount + *wanted) <= 0)
     return std::unexpected(AdditionRefusal(AdditionFault::ZeroBatchQty));
   if (*wanted == 0) {
     work.Additions.erase(work.Additions.begin() + static_cast<std::ptrdiff_t>(row - first));

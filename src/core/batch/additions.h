@@ -31,7 +31,7 @@ enum class AdditionFault {
   ZeroBatchQty,     ///< the lines would bring the Batch to nothing
 };
 
-/// The refusal of a fault; `field` is cmbColorName or txtAmount.
+/// The refusal of a fault; its field is the name or the amount.
 Refusal AdditionRefusal(AdditionFault fault);
 
 /// Whether the window of additions may open: not while the quantity was edited since the calculation.

@@ -25,13 +25,13 @@ using NamedAmount = std::pair<std::string, float>;
 std::vector<NamedAmount> MixRows(const BatchWork& work, std::size_t count) {
   std::vector<NamedAmount> rows;
   for (std::size_t i = 0; i < count; ++i)
-    rows.emplace_back(work.Rows.at(i).name, static_cast<float>(work.Rows.at(i).Amount()));
+    rows.emplace_back(work.Rows.at(i).name, static_cast<float>(work.Rows.at(i).amount));
   return rows;
 }
 
-const BatchRow& RowOfKind(const BatchWork& work, std::size_t row, RowKind kind) {
+const BatchRow& RowOfKind(const BatchWork& work, std::size_t row, LineKind kind) {
   if (row >= work.Rows.size() || work.Rows[row].kind != kind)
-    throw std::logic_error(fmt::format("row {} of the Batch is not of the kind {}", row, RowKindName(kind)));
+    throw std::logic_error(fmt::format("row {} of the Batch is not of the kind {}", row, LineKindName(kind)));
   return work.Rows[row];
 }
 
@@ -148,7 +148,7 @@ std::optional<double> QuantityToHold(const BatchWork& work, std::size_t row, dou
   std::vector<double> brought(work.FormulaIngredients.size(), 0);
   double recycled = 0;
   for (std::size_t i = 0; i <= row; ++i) {
-    const double used = i == row ? amount : work.Rows[i].Amount();
+    const double used = i == row ? amount : work.Rows[i].amount;
     recycled += used;
     for (const RecycleSlot& slot : *work.RecycledColors[i].slots) {
       if (slot.recipeSlot < 0 || slot.BQ == 0) return std::nullopt;
@@ -202,18 +202,18 @@ Result<void> CheckAdjustable(const BatchWork& work) {
 
 Result<MixAdjustment> OpenMixAdjustment(Session& session, BatchWork& work, std::size_t row) {
   if (auto valid = CheckAdjustable(work); !valid) return std::unexpected(valid.error());
-  const BatchRow& shown = RowOfKind(work, row, RowKind::Mix);
+  const BatchRow& shown = RowOfKind(work, row, LineKind::Mix);
   if (static_cast<std::int32_t>(row) < work.ClickedIndex &&
       session.prompt.Show({"Batch Window - Adjust This Color?",
                            "Adjusting this color now will change the colors and / or amounts\n"
                            "which appear below this color. Do you want to continue?",
                            Buttons::YesNo, Icon::Exclamation, Answer::Yes}) != Answer::Yes)
-    return MixAdjustment{};
+    return Decline("Batch Window - Adjust This Color?");
   return MixAdjustment{.row = row,
                        .Color_Name = shown.name,
                        .caption = " Adjust " + shown.name,
                        .amount = shown.amount,
-                       .maximum = Fixed(shown.max, 3),
+                       .maximum = shown.max,
                        .offersRemoval = session.InvLotTracking == 0,
                        .recycleByDefault = work.settings.recycleByDefault};
 }
@@ -233,7 +233,7 @@ Result<void> AdjustMixRow(Session& session, BatchWork& work, std::size_t row, co
   const bool emptyStock = choice.removeFromInventory && session.InvLotTracking == 0;
   if (emptyStock)
     if (auto writable = RequireWritable(session); !writable) return writable;
-  const std::string name = RowOfKind(work, row, RowKind::Mix).name;
+  const std::string name = RowOfKind(work, row, LineKind::Mix).name;
   const std::vector<NamedAmount> above = MixRows(work, row);
   auto adjusted = ChangeRows(work, [&]() -> Result<void> {
     RestoreLists(session, work);
@@ -266,11 +266,11 @@ Result<bool> ChooseFromRecycleList(Session& session, BatchWork& work, std::strin
 
 Result<Overpour> OverpourBasicRow(Session& session, BatchWork& work, std::size_t row, std::string_view poured) {
   if (auto valid = CheckAdjustable(work); !valid) return std::unexpected(valid.error());
-  const BatchRow& shown = RowOfKind(work, row, RowKind::Basic);
+  const BatchRow& shown = RowOfKind(work, row, LineKind::Basic);
   if (!work.settings.overpour || BatchIsFull(work)) return Overpour{};
   const auto amount = ParseNumber(poured);
   if (!amount) return Refuse("Adjust Basic Color", "Please Enter a valid amount.", "txtAmount");
-  if (*amount < shown.Amount())
+  if (*amount < shown.amount)
     return Refuse("Adjust Basic Color",
                   "You can only enter an amount larger than the current amount.\n"
                   "To use a smaller amount, make a smaller batch.",
@@ -280,7 +280,7 @@ Result<Overpour> OverpourBasicRow(Session& session, BatchWork& work, std::size_t
     return EqualNoCase(ingredient.IngName, shown.name);
   });
   if (recipe == work.FormulaIngredients.end() || recipe->Percent == 0) return Overpour{};
-  const double grown = RoundTo((*amount - shown.Amount()) * 100 / recipe->Percent, 3);
+  const double grown = RoundTo((*amount - shown.amount) * 100 / recipe->Percent, 3);
   if (auto valid = GrowQuantity(work, work.Quantity() + grown); !valid) return std::unexpected(valid.error());
   const std::vector<BatchIngredient> before = work.Ingredients;
   CalculateBatch(session, work, false);
@@ -297,7 +297,7 @@ Result<Overpour> OverpourBasicRow(Session& session, BatchWork& work, std::size_t
 Result<Overpour> OverpourMixRow(Session& session, BatchWork& work, std::size_t row, double poured) {
   if (auto valid = CheckAdjustable(work); !valid) return std::unexpected(valid.error());
   const double amount = RoundTo(poured, 3);
-  if (!(amount > RowOfKind(work, row, RowKind::Mix).Amount())) return Overpour{};
+  if (!(amount > RowOfKind(work, row, LineKind::Mix).amount)) return Overpour{};
   const auto quantity = QuantityToHold(work, row, amount);
   if (!quantity) return Overpour{};
   if (!AskOverpour(session, "Excess Recycle Color Weight")) return Overpour{};

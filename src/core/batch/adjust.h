@@ -21,9 +21,9 @@ struct MixAdjustment {
   std::size_t row = 0;
   std::string Color_Name;
   std::string caption;  ///< " Adjust " and the name
-  std::string amount;
-  std::string maximum;            ///< what Maximum puts into the amount
-  bool offersRemoval = false;     ///< chkRemoveFromInventory is shown
+  double amount = 0;
+  float maximum = 0;              ///< the most that the recipe takes
+  bool offersRemoval = false;     ///< its stock can be written off with it
   bool recycleByDefault = false;  ///< Enter means Recycle, else Mix
 };
 
@@ -34,8 +34,7 @@ struct MixAdjustChoice {
   bool removeFromInventory = false;
 };
 
-/// Opens the window of a Mix row. Asks first when rows adjusted later stand below it; an empty name in the answer means
-/// that the operator declined.
+/// Opens the window of a Mix row. Asks first when rows adjusted later stand below it.
 Result<MixAdjustment> OpenMixAdjustment(Session& session, BatchWork& work, std::size_t row);
 
 /// Refuses an amount that is no number or negative.

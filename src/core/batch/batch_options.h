@@ -52,7 +52,7 @@ const char* QuickInfoCaption(int field);
 BatchOptions ReadBatchOptions(const Session& session);
 /// Stores all of them in one step, takes them into the session and tells of a change of Settings. Refuses an unknown
 /// unit; captions that are empty, too long or hold what a column's title cannot; a default that the field cannot hold.
-/// The field of the refusal is that of the window: txtTextCaption0, txtTextValue0, txtNumberCaption0 ...
+/// The field of the refusal says which of the captions or values, with its number.
 Result<void> SaveBatchOptions(Session& session, const BatchOptions& options);
 
 }  // namespace vellumark

@@ -23,18 +23,6 @@ int SettingChoice(const Session& session, std::string_view key, int most) {
 
 }  // namespace
 
-std::string_view RowKindName(RowKind kind) {
-  switch (kind) {
-    case RowKind::Mix:
-      return "Mix";
-    case RowKind::Basic:
-      return "Basic";
-    case RowKind::Addition:
-      return "Addition";
-  }
-  std::unreachable();
-}
-
 void ReadBatchSettings(const Session& session, BatchWork& work) {
   work.settings.recycleByDefault = LeadingInteger(GetSupportValue(session, "BatchActionButton")) == 0;
   work.settings.showGraphic = LeadingInteger(GetSupportValue(session, "ShowBatchGraphic")) != 0;
@@ -81,6 +69,13 @@ float StockInUnit(const Session& session, int unit, float inventory, double lotT
 float UnlottedMade(const Session& session, const BatchWork& work, std::string_view name) {
   if (!(work.made.unlotted > 0) || !EqualNoCase(name, work.Color_Name)) return 0;
   return std::clamp(UnlottedQty(session, ColorKind::Mix, name), 0.0F, work.made.unlotted);
+}
+
+bool UsesFormula(const BatchWork& work, std::string_view name) {
+  if (name.empty()) return false;
+  return EqualNoCase(work.Color_Name, name) ||
+         std::ranges::any_of(work.RecycledColors,
+                             [name](const RecycleColor& color) { return EqualNoCase(color.Color_Name, name); });
 }
 
 bool BatchIsFull(const BatchWork& work) {

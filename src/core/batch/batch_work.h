@@ -67,25 +67,17 @@ struct RecycleColor {
   LotSelection lots;  ///< where it is taken from, while Lotted Inventory is in use
 };
 
-enum class RowKind { Mix, Basic, Addition };
-/// "Mix", "Basic", "Addition".
-std::string_view RowKindName(RowKind kind);
-
 /// One line of the Batch as it is shown.
 struct BatchRow {
-  RowKind kind = RowKind::Basic;
+  LineKind kind = LineKind::Basic;
   std::string name;
-  std::string amount;  ///< three decimals, with the round-off where it fell
-  std::string unit;
-  float max = 0;  ///< of a Mix row: the most that the recipe takes of it
-  std::string nameHint;
-  std::string amountHint;   ///< empty when the amount cannot be clicked
+  double amount = 0;  ///< three decimals, with the round-off where it fell; a Single does not hold each near 99,999
+  float max = 0;      ///< of a Mix row: the most that the recipe takes of it; 0 where that is not known
+  bool adjustable = false;  ///< the amount can be changed by hand
   bool moreUsable = false;  ///< more of this colour could be used than is
   bool lotLink = false;
   bool lowStock = false;
   bool zero = false;  ///< too little to be weighed
-
-  double Amount() const { return LeadingNumber(amount); }
 };
 
 /// The settings that steer a calculation.
@@ -160,7 +152,7 @@ struct BatchWork {
 
   std::int32_t ClickedIndex = -1;  ///< row of the recycled colour last adjusted by hand; -1 when none was
   bool QuantityChanged = false;    ///< the text was edited after the last calculation
-  std::string CalculatedQuantity;  ///< the text for which the rows stand
+  double CalculatedQuantity = 0;   ///< for which the rows stand; 0 while there are none
 
   std::vector<BatchRow> Rows;
   float Total = 0;
@@ -168,9 +160,9 @@ struct BatchWork {
   float AdditionsTotal = 0;
   float Roundoff = 0;
   std::uint8_t LargestAmountIndex = 0;
-  std::string TotalText;
-  std::string PercentRecycled;  ///< "12.50%"
-  int zeroRows = 0;             ///< rows that show "0.000"; one beep each
+  double ShownTotal = 0;       ///< `Total` to its last decimal
+  double PercentRecycled = 0;  ///< two decimals
+  int zeroRows = 0;            ///< rows too small to be weighed; one beep each
 
   BatchSettings settings;
   BatchCostModel cost;
@@ -197,6 +189,9 @@ float StockInUnit(const Session& session, int unit, float inventory, double lotT
 
 /// Of the colour's unlotted stock what the open Batch itself has put there, in the inventory unit.
 float UnlottedMade(const Session& session, const BatchWork& work, std::string_view name);
+
+/// True when the Batch makes that Master Formula or recycles it.
+bool UsesFormula(const BatchWork& work, std::string_view name);
 
 /// True when the Batch takes no further line, and its Basic and addition rows cannot be adjusted.
 bool BatchIsFull(const BatchWork& work);

@@ -44,7 +44,7 @@ class KeptLots {
       lots.uses.clear();
       for (const Kept& kept : kept_) {
         if (kept.row.kind != row.kind || !EqualNoCase(kept.row.name, row.name)) continue;
-        const bool fits = row.kind == RowKind::Mix && RoundTo(kept.lots.Used(), 3) <= row.Amount();
+        const bool fits = row.kind == LineKind::Mix && RoundTo(kept.lots.Used(), 3) <= row.amount;
         if (fits || kept.row.amount == row.amount) lots = kept.lots;
       }
     }
@@ -117,11 +117,10 @@ void ClearCalculation(BatchWork& work) {
   work.Rows.clear();
   work.ClickedIndex = -1;
   work.QuantityChanged = false;
-  work.CalculatedQuantity.clear();
+  work.CalculatedQuantity = 0;
   work.Total = work.RecycledTotal = work.AdditionsTotal = work.Roundoff = 0;
   work.LargestAmountIndex = 0;
-  work.TotalText.clear();
-  work.PercentRecycled.clear();
+  work.ShownTotal = work.PercentRecycled = 0;
   work.zeroRows = 0;
   work.figures = {};
 }
@@ -157,13 +156,12 @@ Result<void> CheckEditable(Session& session, BatchRecord& record) {
   record.mayChange =
       !record.Date_Entered || record.askedAboutOld || record.Date_Entered->Midnight() >= session.clock.Today();
   if (record.mayChange) return {};
-  // Answered with No, the act is refused without a further word: the question has said everything.
   if (session.prompt.Show({"Allow Editing?",
                            "Editing this Batch Record will alter the results\n"
                            "of your Production and Consumption Reports.\n\n"
                            "Do you wish to continue?",
                            Buttons::YesNo, Icon::Question, Answer::No}) != Answer::Yes)
-    return Refuse("Allow Editing?", "");
+    return Decline("Allow Editing?");
   record.mayChange = record.askedAboutOld = true;
   return {};
 }
@@ -264,8 +262,8 @@ Result<void> ApplyAdditionRow(Session& session, BatchRecord& record, std::size_t
 
 float LotNeed(const Session&, const BatchRecord& record, std::size_t row) {
   const BatchRow& shown = record.work.Rows.at(row);
-  double need = shown.Amount();
-  if (shown.kind == RowKind::Basic)
+  double need = shown.amount;
+  if (shown.kind == LineKind::Basic)
     for (const BatchIngredient& addition : record.work.Additions)
       if (addition.Amount < 0 && EqualNoCase(addition.IngName, shown.name)) need += RoundTo(addition.Amount, 3);
   return RoundSingle(std::max(0.0, need), 3);
@@ -278,7 +276,7 @@ const LotSelection& RowLots(const BatchRecord& record, std::size_t row) {
 LotWithheld WithheldFrom(const Session& session, const BatchRecord& record, std::size_t row) {
   const BatchWork& work = record.work;
   const BatchRow& shown = work.Rows.at(row);
-  if (shown.kind != RowKind::Mix || !EqualNoCase(shown.name, work.Color_Name)) return {};
+  if (shown.kind != LineKind::Mix || !EqualNoCase(shown.name, work.Color_Name)) return {};
   return {StockInUnit(session, work.UMF, UnlottedMade(session, work, shown.name), 0), work.made.LotRefID};
 }
 

@@ -12,14 +12,10 @@
 namespace vellumark {
 namespace {
 
-ColorKind KindOfRow(const BatchRow& row) {
-  return row.kind == RowKind::Mix ? ColorKind::Mix : ColorKind::Basic;
-}
-
 std::size_t FirstRowOf(const BatchRecord& record, const NetTaking& taking) {
   const auto& rows = record.work.Rows;
   const auto first = std::ranges::find_if(rows, [&](const BatchRow& row) {
-    return KindOfRow(row) == taking.kind && EqualNoCase(row.name, taking.name);
+    return ColorKindOf(row.kind) == taking.kind && EqualNoCase(row.name, taking.name);
   });
   return static_cast<std::size_t>(first - rows.begin());
 }
@@ -66,7 +62,7 @@ bool HasUnchosenLots(const Session& session, const BatchRecord& record) {
   for (std::size_t i = 0; i < record.work.Rows.size(); ++i) {
     const BatchRow& row = record.work.Rows[i];
     if (!row.lotLink || RowLots(record, i).CompleteFor(LotNeed(session, record, i))) continue;
-    if (InLots(session, KindOfRow(row), row.name) > 0) return true;
+    if (InLots(session, ColorKindOf(row.kind), row.name) > 0) return true;
   }
   return false;
 }

@@ -148,7 +148,7 @@ class HeldAgain {
 
   void PostAgain(const HeldFigure& held, const ColorAt& color, float before) {
     Posting posting = PostingOf(batchNo_, held.kind, color.name, database_, -held.quantity);
-    if (held.ref != 0) posting.lot = LotTarget{.LotRefID = held.ref, .LotNumber = held.LotNumber};
+    if (held.ref != 0) posting.place = {.LotRefID = held.ref, .LotNumber = held.LotNumber};
     const PostingResult posted = PostStock(session_, rules_, posting);
     if (!(held.quantity > 0)) return;
     const float left = ReallyLeft(held.quantity, before, posted.quantity);
@@ -165,12 +165,6 @@ class HeldAgain {
   StockRules rules_;
 };
 
-bool DatabaseIsThere(const Session& session, const std::string& database) {
-  for (const std::string& name : session.databaseList)
-    if (EqualNoCase(name, database)) return true;
-  return false;
-}
-
 }  // namespace
 
 void HoldBatch(Session& session, std::int32_t batchNo, std::vector<BatchTaking>& takings) {
@@ -184,12 +178,12 @@ void HoldBatch(Session& session, std::int32_t batchNo, std::vector<BatchTaking>&
     std::int32_t ref = taking.place.LotRefID;
     Posting posting = PostingOf(batchNo, taking.kind, color->name, {}, taking.place.LotQty);
     if (ref != 0)
-      posting.lot = LotTarget{.LotRefID = ref,
-                              .LotNumber = taking.place.LotNumber,
-                              .LotLoc = taking.place.LotLoc,
-                              .LotContID = taking.place.LotContID,
-                              .LotDate = taking.place.LotDate,
-                              .LotPrice = taking.place.LotPrice};
+      posting.place = {.LotRefID = ref,
+                       .LotNumber = taking.place.LotNumber,
+                       .LotLoc = taking.place.LotLoc,
+                       .LotContID = taking.place.LotContID,
+                       .LotDate = taking.place.LotDate,
+                       .LotPrice = taking.place.LotPrice};
     const PostingResult posted = PostStock(session, rules, posting);
     using Outcome = PostingResult::Outcome;
     // Nothing came back: there is nothing to be taken again.
@@ -238,8 +232,8 @@ bool SameAsHeld(Session& session, std::int32_t batchNo, const std::vector<NetTak
     if (leaves == 0) continue;
     bool same = false;
     for (const HeldFigure& figure : held)
-      same = same || (figure.kind == taking.kind && figure.ref == taking.place.LotRefID &&
-                      figure.quantity == leaves && EqualNoCase(figure.name, taking.name));
+      same = same || (figure.kind == taking.kind && figure.ref == taking.place.LotRefID && figure.quantity == leaves &&
+                      EqualNoCase(figure.name, taking.name));
     if (!same) return false;
     ++counted;
   }
@@ -268,7 +262,7 @@ void HealAbandonedBatches(Session& session) {
   std::string told;
   Transaction transaction(session.File());
   for (const MarkedBatch& batch : abandoned) {
-    if (!DatabaseIsThere(session, batch.database)) {
+    if (session.FindDatabase(batch.database) == nullptr) {
       DeleteMarker(session.File(), batch.database, batch.BatchNo);
       continue;
     }

@@ -18,7 +18,7 @@ float Converted(double quantity, int from, int to) {
 }
 
 double MadeQuantity(const Session& session, const BatchRecord& record) {
-  return RoundTo(Converted(LeadingNumber(record.work.TotalText), record.work.UMF, session.UMI), 3);
+  return RoundTo(Converted(record.work.ShownTotal, record.work.UMF, session.UMI), 3);
 }
 
 // What each job uses, in the inventory unit. Jobs that use all of the Batch use all of it there too: the last one takes
@@ -76,7 +76,7 @@ float ReturnedQuantity(const Session& session, const BatchRecord& record) {
 
 void WriteJobRows(Session& session, const BatchRecord& record, const DateTime& date) {
   const BatchWork& work = record.work;
-  const double made = LeadingNumber(work.TotalText) * static_cast<double>(UnitFactor(work.UMF, session.UMI));
+  const double made = work.ShownTotal * static_cast<double>(UnitFactor(work.UMF, session.UMI));
   const auto perUnit = [made](double figure) { return made > 0 ? figure / made : 0; };
   const auto lot = MadeLot(session, record);
   const std::vector<float> quantities = JobQuantities(session, record);

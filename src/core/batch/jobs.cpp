@@ -13,11 +13,6 @@ namespace {
 
 constexpr std::size_t kLongestJobNumber = 30;
 
-// The total as it is shown: a Single does not hold every three-decimals number near 99,999.
-double ShownTotal(const BatchRecord& record) {
-  return LeadingNumber(record.work.TotalText);
-}
-
 BatchJobLine JobLine(std::string number, double used) {
   const float quantity = RoundSingle(used, 3);
   return {std::move(number), quantity, quantity};
@@ -35,7 +30,7 @@ std::string ReadJobNumber(std::string_view typed) {
 
 Refusal InvalidQuantity(const BatchRecord& record) {
   return {"Batch Window - Invalid Quantity",
-          fmt::format("You must enter an amount between 0 and {}", Fixed(ShownTotal(record), 3)), "txtQtyUsed"};
+          fmt::format("You must enter an amount between 0 and {}", Fixed(record.work.ShownTotal, 3)), "txtQtyUsed"};
 }
 
 std::optional<double> ReadItemQty(const BatchRecord& record, std::string_view typed) {
@@ -43,7 +38,7 @@ std::optional<double> ReadItemQty(const BatchRecord& record, std::string_view ty
   const auto amount = ParseNumber(typed);
   if (!amount || *amount < 0) return std::nullopt;
   const double rounded = RoundTo(*amount, 3);
-  if (rounded > ShownTotal(record)) return std::nullopt;
+  if (rounded > record.work.ShownTotal) return std::nullopt;
   return rounded;
 }
 
@@ -61,7 +56,7 @@ Result<void> EnterJobNumber(Session& session, BatchRecord& record, std::string_v
   } else {
     record.ReturnToInventory = true;
     if (record.jobs.empty()) {
-      const double total = record.work.Rows.empty() ? RoundTo(record.jobsTotal, 3) : ShownTotal(record);
+      const double total = record.work.Rows.empty() ? RoundTo(record.jobsTotal, 3) : record.work.ShownTotal;
       record.jobs.push_back(JobLine(std::move(number), total));
     } else {
       record.jobs.front().JobNumber = std::move(number);
@@ -86,7 +81,7 @@ Result<void> EnterQtyUsed(Session& session, BatchRecord& record, std::string_vie
   }
   const auto amount = ParseNumber(typed);
   const double used = amount ? RoundTo(*amount, 3) : 0;
-  if (used > ShownTotal(record))
+  if (used > record.work.ShownTotal)
     return Refuse("Batch Window - Qty Used Too Large", "Qty Used must be less than Batch Quantity", "txtQtyUsed");
   if (!(used > 0))
     return Refuse("Invalid Job Quantity",
@@ -122,7 +117,7 @@ std::string JobItemsReturned(const BatchRecord& record, const std::vector<JobIte
   double sum = 0;
   for (const JobItem& item : items)
     if (!ReadJobNumber(item.JobNumber).empty()) sum += ParseNumber(item.QtyUsed).value_or(0);
-  return Fixed(std::max(0.0, RoundTo(ShownTotal(record) - sum, 3)), 3);
+  return Fixed(std::max(0.0, RoundTo(record.work.ShownTotal - sum, 3)), 3);
 }
 
 Result<void> SaveJobItems(Session& session, BatchRecord& record, const std::vector<JobItem>& items) {
@@ -142,7 +137,7 @@ Result<void> SaveJobItems(Session& session, BatchRecord& record, const std::vect
     sum = RoundTo(sum + *amount, 3);
     if (*amount > 0) lines.push_back(JobLine(std::move(number), *amount));
   }
-  if (sum > ShownTotal(record))
+  if (sum > record.work.ShownTotal)
     return Refuse("Batch Window - Invalid Quantity",
                   "The total quantity used for all jobs cannot exceed the batch quantity made.", "txtQtyUsed");
   if (lines.size() > kMostJobLines)
@@ -169,7 +164,7 @@ void FollowTotal(Session& session, BatchRecord& record) {
   if (record.jobs.size() == 1) {
     BatchJobLine& line = record.jobs.front();
     const bool allOfIt = line.QtyUsed == oldTotal;
-    if (total > oldTotal ? allOfIt : line.QtyUsed > total) line = JobLine(line.JobNumber, ShownTotal(record));
+    if (total > oldTotal ? allOfIt : line.QtyUsed > total) line = JobLine(line.JobNumber, record.work.ShownTotal);
   } else if (record.jobs.size() > 1 && total < oldTotal) {
     record.jobs.clear();
     session.prompt.Tell("Re-enter Job Numbers",
@@ -180,7 +175,7 @@ void FollowTotal(Session& session, BatchRecord& record) {
 }
 
 void UpdateReturned(BatchRecord& record) {
-  const double total = ShownTotal(record);
+  const double total = record.work.ShownTotal;
   if (record.jobs.empty()) {
     record.returned = record.ReturnToInventory ? RoundSingle(total, 3) : 0;
   } else {

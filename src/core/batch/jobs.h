@@ -11,28 +11,28 @@ namespace vellumark {
 // How a made Batch is shared: Total = what jobs use + what is returned to inventory. What changes it runs the guards of
 // the bench first.
 
-/// Leaving JobNumber: a number makes the Batch that job's, all of it unless a quantity stands already; an empty text
+/// The job as typed: a number makes the Batch that job's, all of it unless a quantity stands already; an empty text
 /// takes the job away. Nothing happens while the Batch is split.
 Result<void> EnterJobNumber(Session& session, BatchRecord& record, std::string_view typed);
-/// A key into txtQtyUsed: refused without a job and while the Batch is split.
+/// Whether what the job uses can be typed: refused without a job and while the Batch is split.
 Result<void> CheckQtyUsedKey(const BatchRecord& record);
-/// Leaving txtQtyUsed.
+/// What the only job uses, as typed.
 Result<void> EnterQtyUsed(Session& session, BatchRecord& record, std::string_view typed);
-/// chkReturnToInventory; cannot be unchecked while there is a job.
+/// Whether what is made goes to stock; it always does while there is a job.
 Result<void> SetReturnToInventory(Session& session, BatchRecord& record, bool checked);
 
-/// One pair of JobItemsForm as typed.
+/// One job of a Batch that is split, as typed.
 struct JobItem {
   std::string JobNumber;
   std::string QtyUsed;
 };
-/// Leaving an amount of JobItemsForm: 0 to the Batch's total; empty counts as 0. The amount with three decimals.
+/// An amount of one of them as typed: 0 to the Batch's total; empty counts as 0. The amount with three decimals.
 Result<std::string> EnterJobItemQty(const BatchRecord& record, std::string_view typed);
-/// "Quantity Returned to Inventory" of JobItemsForm while pairs are typed.
+/// What the jobs leave to be returned to inventory while they are typed.
 std::string JobItemsReturned(const BatchRecord& record, const std::vector<JobItem>& items);
-/// cmdSave of JobItemsForm: refuses a number given twice and more than the total; empty pairs are dropped.
+/// Splits the Batch so: refuses a number given twice and more than the total; empty pairs are dropped.
 Result<void> SaveJobItems(Session& session, BatchRecord& record, const std::vector<JobItem>& items);
-/// What a click on lblInvQty tells.
+/// How the quantity returned to inventory comes about, for the operator who wonders.
 std::string ReturnedRuleText();
 
 /// After the rows became others: the jobs and the quantity returned follow the total. A smaller Batch that is split

@@ -81,7 +81,7 @@ void ResetDates(Session& session, const std::string& formula, const std::vector<
     uses += fmt::format("{}(IngName{} = ?1 AND IngType{} <> 2)", i == 0 ? "" : " OR ", i, i);
   Statement used = latest(uses);
   for (const StoredLine& line : lines)
-    if (line.IngType != kIngTypeMix) StoreLastConsumed(session, line.IngName, of(used, line.IngName));
+    if (line.IngType != LineKind::Mix) StoreLastConsumed(session, line.IngName, of(used, line.IngName));
 }
 
 void DeleteStored(Session& session, BatchRecord& record, bool returnIngredients) {

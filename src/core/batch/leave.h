@@ -19,12 +19,12 @@ Result<bool> PreviousBatch(Session& session, BatchRecord& record, BatchDialogs& 
 /// Find and the recent-batch list: refused when there is no such Batch ("Batch Not Found").
 Result<bool> FindBatch(Session& session, BatchRecord& record, BatchDialogs& dialogs, std::int32_t batchNo);
 
-/// cmdCancel: asks when something changed, then clears the window.
+/// Gives the Batch up: asks when something changed, then clears the window.
 Result<bool> CancelBatch(Session& session, BatchRecord& record);
 /// Closing the window, the Database, the Data File or the program.
 Result<bool> CloseBatch(Session& session, BatchRecord& record, BatchDialogs& dialogs);
 
-/// cmdDelete: both questions, then moves on as Next does.
+/// Deletes the stored Batch: both questions, then moves on as Next does.
 Result<bool> DeleteBatch(Session& session, BatchRecord& record, BatchDialogs& dialogs, MoveOn moveOn = MoveOn::ToNext);
 
 /// Consumes the ingredients of an open Batch again and takes its marker away, in one transaction. Where stock still

@@ -59,8 +59,7 @@ StoredBatchLines LinesOfRow(const BatchRowReader& row) {
     line.IngName = row.Text(schema::Numbered("IngName", i));
     if (line.IngName.empty()) continue;
     line.IngQty = row.Single(schema::Numbered("IngQty", i));
-    const std::int64_t type = row.Whole(schema::Numbered("IngType", i));
-    line.IngType = type == kIngTypeMix || type == kIngTypeAddition ? static_cast<std::uint8_t>(type) : kIngTypeBasic;
+    line.IngType = LineKindOf(row.Whole(schema::Numbered("IngType", i)));
     batch.lines.push_back(std::move(line));
   }
   return batch;
@@ -114,13 +113,13 @@ void TakeLines(Session& session, BatchWork& work, const std::vector<StoredLine>&
   work.Ingredients.clear();
   work.Additions.clear();
   for (const StoredLine& line : lines) {
-    if (line.IngType == kIngTypeMix) {
+    if (line.IngType == LineKind::Mix) {
       RecycleColor color = ReadRecycleColor(session, work, line.IngName).value_or(RecycleColor{});
       color.Color_Name = line.IngName;
       SetUsable(color, line.IngQty);
       work.RecycledColors.push_back(std::move(color));
     } else {
-      auto& list = line.IngType == kIngTypeAddition ? work.Additions : work.Ingredients;
+      auto& list = line.IngType == LineKind::Addition ? work.Additions : work.Ingredients;
       list.push_back(IngredientOf(session, work.UMF, line));
     }
   }
@@ -228,27 +227,27 @@ void TakeLots(const Session& session, BatchRecord& record, std::vector<BatchTaki
   BatchWork& work = record.work;
   const std::vector<StoredLine> lines = LinesOf(work);
   std::size_t row = 0;
-  const auto take = [&](const std::string& name, std::uint8_t type, LotSelection& lots) {
-    const auto amount = static_cast<float>(work.Rows.at(row++).Amount());
+  const auto take = [&](const std::string& name, LineKind type, LotSelection& lots) {
+    const auto amount = static_cast<float>(work.Rows.at(row++).amount);
     const bool isLast = std::ranges::none_of(
         lines.begin() + static_cast<std::ptrdiff_t>(row), lines.end(),
         [&](const StoredLine& later) { return later.IngType == type && EqualNoCase(later.IngName, name); });
     LotSelection selection = SelectionOf(session, takings, {name, 0, type}, amount, work.UMF, isLast);
     if (amount > 0) lots = std::move(selection);
   };
-  for (RecycleColor& color : work.RecycledColors) take(color.Color_Name, kIngTypeMix, color.lots);
-  for (BatchIngredient& i : work.Ingredients) take(i.IngName, kIngTypeBasic, i.lots);
-  for (BatchIngredient& i : work.Additions) take(i.IngName, kIngTypeAddition, i.lots);
+  for (RecycleColor& color : work.RecycledColors) take(color.Color_Name, LineKind::Mix, color.lots);
+  for (BatchIngredient& i : work.Ingredients) take(i.IngName, LineKind::Basic, i.lots);
+  for (BatchIngredient& i : work.Additions) take(i.IngName, LineKind::Addition, i.lots);
 }
 
 void FillOldLines(BatchRecord& record) {
   const BatchWork& work = record.work;
   for (const RecycleColor& c : work.RecycledColors)
-    record.OldLines.push_back({c.Color_Name, c.Usable, kIngTypeMix, c.Inventory, c.lots});
+    record.OldLines.push_back({c.Color_Name, c.Usable, LineKind::Mix, c.Inventory, c.lots});
   for (const BatchIngredient& i : work.Ingredients)
-    record.OldLines.push_back({i.IngName, i.Amount, kIngTypeBasic, i.Inventory, i.lots});
+    record.OldLines.push_back({i.IngName, i.Amount, LineKind::Basic, i.Inventory, i.lots});
   for (const BatchIngredient& i : work.Additions)
-    record.OldLines.push_back({i.IngName, i.Amount, kIngTypeAddition, i.Inventory, i.lots});
+    record.OldLines.push_back({i.IngName, i.Amount, LineKind::Addition, i.Inventory, i.lots});
 }
 
 // What the Batch has put into stock.
@@ -261,7 +260,7 @@ void ReadMade(const Session& session, const BatchRowReader& row, BatchRecord& re
 }
 
 void ReadStock(const Session& session, BatchRecord& record) {
-  const double total = LeadingNumber(record.work.TotalText);
+  const double total = record.work.ShownTotal;
   record.jobs = ReadJobLines(session, record.BatchNo, record.work.UMF, total);
   record.jobsTotal = record.work.Total;
   record.madeLotNumber = record.fields.LotNumber;

@@ -13,6 +13,15 @@
 namespace vellumark {
 namespace {
 
+StockPlace PlaceOf(const LotRow& lot) {
+  return {.LotRefID = lot.LotRefID, .LotNumber = lot.LotNumber};
+}
+
+// Whether what is made goes into a lot by that number.
+bool NamesLot(const BatchRecord& record) {
+  return !StockPlace{.LotNumber = record.fields.LotNumber}.IsUnlotted();
+}
+
 class MadeColor {
  public:
   MadeColor(Session& session, BatchRecord& record)
@@ -24,9 +33,11 @@ class MadeColor {
         oldLot_(MadeLot(session, record)) {}
 
   bool Post() {
+    // The lot bears the number without blanks around it, and so does its Batch.
+    record_.fields.LotNumber = Trim(record_.fields.LotNumber);
     const bool tracking = session_.InvLotTracking != 0;
     const bool wasLotted = record_.LotRefID > 0;
-    const bool lotted = tracking ? !TrimView(record_.fields.LotNumber).empty() : wasLotted;
+    const bool lotted = tracking ? NamesLot(record_) : wasLotted;
     const std::int32_t place = now_ > 0 ? 0 : -1;
     if (record_.rowId == 0 || record_.LotRefID == -1) {
       if (record_.rowId != 0) now_ = std::max(0.0F, RoundSingle(now_ - before_, 3));
@@ -74,11 +85,8 @@ class MadeColor {
   bool Add(float quantity) {
     if (!(quantity > 0)) return true;
     Posting posting = PostingOf(PostingSource::BatchMakes, quantity);
-    if (session_.InvLotTracking != 0 && !TrimView(record_.fields.LotNumber).empty())
-      posting.lot = LotTarget{.LotRefID = 0,
-                              .LotNumber = record_.fields.LotNumber,
-                              .LotLoc = record_.fields.LotLoc,
-                              .LotContID = record_.fields.LotContID};
+    posting.place = {
+        .LotNumber = record_.fields.LotNumber, .LotLoc = record_.fields.LotLoc, .LotContID = record_.fields.LotContID};
     const PostingResult posted = PostStock(session_, rules_, posting);
     record_.LotRefID = std::max(posted.LotRefID, 0);
     if (posted.LotRefID != -1) return true;
@@ -88,8 +96,7 @@ class MadeColor {
 
   void Take(float quantity) {
     Posting posting = PostingOf(PostingSource::BatchUnmakes, quantity);
-    if (oldLot_)
-      posting.lot = LotTarget{.LotRefID = oldLot_->LotRefID, .LotNumber = oldLot_->LotNumber};
+    if (oldLot_) posting.place = PlaceOf(*oldLot_);
     PostStock(session_, rules_, posting);
   }
 
@@ -103,17 +110,9 @@ class MadeColor {
     if (now_ < before_) {
       Take(RoundSingle(before_ - now_, 3));
     } else if (now_ > before_) {
-      StockChange change;
-      change.action = StockChange::Action::SetLot;
-      change.source = PostingSource::BatchMakes;
-      change.kind = ColorKind::Mix;
-      change.name = record_.work.Color_Name;
-      change.row = oldLot_->row;
-      change.lot = *oldLot_;
-      change.before = oldLot_->LotQty;
-      change.after = RoundSingle(oldLot_->LotQty + RoundTo(now_ - before_, 3), 3);
-      change.document = BatchNoText(record_.BatchNo);
-      WriteStockChange(session_, change);
+      Posting posting = PostingOf(PostingSource::BatchMakes, RoundSingle(now_ - before_, 3));
+      posting.place = PlaceOf(*oldLot_);
+      PostStock(session_, rules_, posting);
     }
   }
 
@@ -152,7 +151,7 @@ void RemoveMadeColor(Session& session, const BatchRecord& record) {
   if (record.LotRefID > 0) {
     const auto lot = MadeLot(session, record);
     if (!lot) return;  // all of it was used
-    posting.lot = LotTarget{.LotRefID = lot->LotRefID, .LotNumber = lot->LotNumber};
+    posting.place = PlaceOf(*lot);
     posting.quantity = lot->LotQty;
     posting.remove = true;
   } else {
@@ -165,7 +164,7 @@ void RemoveMadeColor(Session& session, const BatchRecord& record) {
 std::optional<LotRow> MadeLot(const Session& session, const BatchRecord& record) {
   if (record.LotRefID <= 0) return std::nullopt;
   return FindLot(session, ColorKind::Mix, record.work.Color_Name, {},
-                 LotTarget{.LotRefID = record.LotRefID, .LotNumber = record.madeLotNumber});
+                 StockPlace{.LotRefID = record.LotRefID, .LotNumber = record.madeLotNumber});
 }
 
 }  // namespace vellumark

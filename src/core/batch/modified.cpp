@@ -130,7 +130,7 @@ Result<ModifiedBatchChoice> CheckModifiedBatch(Session& session, const BatchReco
       !session.prompt.Ask("Master Formula", fmt::format("A Basic Color {0} already exists in the {1} database.\n"
                                                         "Would you like to also add a Master Formula {0}?",
                                                         checked.newName, session.CurrentDatabase)))
-    return Refuse("Master Formula", "", "txtColorName");
+    return Decline("Master Formula", "txtColorName");
   return checked;
 }
 

@@ -22,7 +22,7 @@ std::vector<Cell> ReadBatchFields(const Session& session, std::int32_t batchNo);
 /// One lot, or Unlotted Inventory, that a line of a stored Batch took from. `LotQty` in the inventory unit.
 struct BatchLotRow {
   std::string IngName;
-  int IngType = 1;
+  LineKind IngType = LineKind::Basic;
   std::int32_t LotRefID = 0;
   std::string LotNumber;
   std::string LotLoc;

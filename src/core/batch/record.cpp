@@ -31,8 +31,8 @@ bool SameFigures(const BatchFigures& a, const BatchFigures& b) {
          a.VOC == b.VOC && a.HAP == b.HAP;
 }
 
-std::vector<std::pair<std::string, std::string>> ShownRows(const BatchWork& work) {
-  std::vector<std::pair<std::string, std::string>> rows;
+std::vector<std::pair<std::string, double>> ShownRows(const BatchWork& work) {
+  std::vector<std::pair<std::string, double>> rows;
   for (const BatchRow& row : work.Rows) rows.emplace_back(row.name, row.amount);
   return rows;
 }

@@ -60,16 +60,16 @@ struct BatchFields {
 struct OldBatchLine {
   std::string IngName;
   float IngQty = 0;
-  std::uint8_t IngType = 1;  ///< 1 basic, 2 recycled colour, 3 addition
-  float Inventory = 0;       ///< as then shown, in the Batch's unit
+  LineKind IngType = LineKind::Basic;
+  float Inventory = 0;  ///< as then shown, in the Batch's unit
   LotSelection lots;
 };
 
 /// What RecordHasChanged compares with.
 struct RememberedBatch {
   std::string Color_Name;
-  std::vector<std::pair<std::string, std::string>> rows;  ///< names and shown amounts
-  std::vector<LotSelection> lots;                         ///< one for each row, while Lotted Inventory is in use
+  std::vector<std::pair<std::string, double>> rows;  ///< names and shown amounts
+  std::vector<LotSelection> lots;                    ///< one for each row, while Lotted Inventory is in use
   BatchFields fields;
   std::vector<BatchJobLine> jobs;
   std::string returned;
@@ -87,20 +87,20 @@ struct BatchRecord {
   std::optional<DateTime> Date_Entered;
   std::string Username;
   BatchFields fields;
-  /// chkComplete. The window sets it; every way out but Cancel stores it.
+  /// Marked as complete; stored whatever way the Batch is left but by giving it up.
   bool Complete = false;
 
   std::vector<BatchJobLine> jobs;  ///< at most ten
   float jobsTotal = 0;             ///< the total that they were last fitted to
-  bool ReturnToInventory = true;   ///< chkReturnToInventory; counts while there is no job
-  float returned = 0;              ///< lblInvQty: what goes to stock of what is made
+  bool ReturnToInventory = true;   ///< what is made goes to stock; counts while there is no job
+  float returned = 0;              ///< what goes to stock of what is made
   std::int32_t LotRefID = 0;       ///< lot of the made colour; 0 Unlotted Inventory; -1 when nothing went to stock
   std::string madeLotNumber;       ///< of that lot, as it is on file: references repeat after a merge or a deletion
 
   std::vector<OldBatchLine> OldLines;  ///< not empty: a saved Batch is open
   float oldReturned = 0;               ///< what the saved Batch has put into stock, in the inventory unit
   bool formulaUnchanged = true;        ///< since the Batch was saved
-  bool modifiedFormula = false;        ///< ImgModifiedFormula: there, but changed since
+  bool modifiedFormula = false;        ///< the formula is there, but changed since
   bool mayChange = false;              ///< the guard before a change was passed
   bool askedAboutOld = false;          ///< the question about a Batch of earlier days was answered with Yes
   bool stockReturned = false;          ///< its ingredients are back in stock; a marker in the file tells it
@@ -108,9 +108,9 @@ struct BatchRecord {
 
   /// "" without a job, the number of the only one, "- SPLIT -" for several.
   std::string JobNumber() const;
-  /// txtQtyUsed: what the only job uses, three decimals; empty otherwise.
+  /// What the only job uses, three decimals; empty otherwise.
   std::string QtyUsedText() const;
-  /// lblInvQty, three decimals.
+  /// `returned`, three decimals.
   std::string ReturnedText() const { return Fixed(returned, 3); }
 };
 
@@ -135,7 +135,7 @@ void RememberRecord(BatchRecord& record);
 /// How the Batch's `BatchComplete` setting stands.
 bool UsesBatchComplete(const Session& session);
 
-/// ImgPrevAdditions: an earlier Batch of this formula, of a lower number than `before`, had additions.
+/// True when an earlier Batch of this formula, of a lower number than `before`, had additions.
 bool PriorBatchHadAdditions(const Session& session, std::string_view colorName, std::int32_t before);
 
 /// Caption, value in a new Batch (empty without one) and number format of the user-defined fields, `number` 0 to 5.

@@ -34,7 +34,7 @@ class NewNames {
         Name(Kind::Mix, color.Color_Name);
         Slots(color);
       }
-    for (BatchRow& row : work.Rows) Name(row.kind == RowKind::Mix ? Kind::Mix : Kind::Basic, row.name);
+    for (BatchRow& row : work.Rows) Name(row.kind == LineKind::Mix ? Kind::Mix : Kind::Basic, row.name);
   }
 
  private:

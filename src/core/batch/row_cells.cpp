@@ -13,7 +13,7 @@ void AddLines(std::vector<Cell>& cells, const BatchWork& work) {
     const StoredLine line = place < lines.size() ? lines[place] : StoredLine{};
     cells.emplace_back(schema::Numbered("IngName", i), line.IngName);
     cells.emplace_back(schema::Numbered("IngQty", i), line.IngQty);
-    cells.emplace_back(schema::Numbered("IngType", i), line.IngType);
+    cells.emplace_back(schema::Numbered("IngType", i), static_cast<int>(line.IngType));
   }
 }
 
@@ -34,11 +34,10 @@ void AddFields(std::vector<Cell>& cells, const BatchFields& fields) {
 
 std::vector<Cell> BatchRowCells(const BatchRecord& record, const DateTime& date) {
   const BatchWork& work = record.work;
-  const std::string_view percent = work.PercentRecycled;
   std::vector<Cell> cells{{"Color_Name", work.Color_Name},
                           {"Color_Code", work.formula.Color_Code},
                           {"Quantity", static_cast<float>(work.Quantity())},
-                          {"ActualQuantity", static_cast<float>(LeadingNumber(work.TotalText))},
+                          {"ActualQuantity", static_cast<float>(work.ShownTotal)},
                           {"UMF", work.UMF},
                           {"Date_Entered", date},
                           {"BatchNo", record.BatchNo},
@@ -56,7 +55,7 @@ std::vector<Cell> BatchRowCells(const BatchRecord& record, const DateTime& date)
                           {"HAP", work.figures.HAP},
                           {"Username", record.Username},
                           {"JobNumber", Trim(record.JobNumber())},
-                          {"PercentRec", RoundSingle(LeadingNumber(percent) * 0.01, 6)},
+                          {"PercentRec", RoundSingle(work.PercentRecycled * 0.01, 6)},
                           {"Roundoff", work.Roundoff},
                           {"LargestAmountIndex", work.LargestAmountIndex}};
   AddLines(cells, work);

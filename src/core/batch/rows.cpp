@@ -21,32 +21,28 @@ struct Sums {
 
 BatchRow RecycledRow(const Session& session, const BatchWork& work, const RecycleColor& color, double recycledAbove) {
   BatchRow row;
-  row.kind = RowKind::Mix;
+  row.kind = LineKind::Mix;
   row.name = color.Color_Name;
-  row.amount = Fixed(color.Usable, 3);
-  row.unit = UnitName(work.UMF);
-  row.nameHint = kHintInventory;
-  row.amountHint = kHintAmount;
+  row.amount = RoundTo(color.Usable, 3);
+  row.adjustable = true;
   if (color.Recycle_Percent != 0) {
     // What is in use can be used: a share that is no whole number of thousandths was rounded up, not cut.
-    row.max = RoundSingle(std::max(CutToThousandths(MostRecycled(work, color, recycledAbove)), row.Amount()), 3);
-    row.amountHint = fmt::format("{} (Max Amount = {}{})", row.amount, Fixed(row.max, 3), row.unit);
+    row.max = RoundSingle(std::max(CutToThousandths(MostRecycled(work, color, recycledAbove)), row.amount), 3);
   }
   const auto place = static_cast<std::int32_t>(work.Rows.size());
-  row.moreUsable = place >= work.ClickedIndex && RoundTo(row.max, 3) > row.Amount();
+  row.moreUsable = place >= work.ClickedIndex && RoundTo(row.max, 3) > row.amount;
   row.lotLink = session.InvLotTracking != 0;
   row.lowStock = color.Inventory < color.Reorder;
   return row;
 }
 
-BatchRow IngredientRow(const Session& session, const BatchWork& work, const BatchIngredient& ingredient, RowKind kind) {
+BatchRow IngredientRow(const Session& session, const BatchWork& work, const BatchIngredient& ingredient,
+                       LineKind kind) {
   BatchRow row;
   row.kind = kind;
   row.name = ingredient.IngName;
-  row.amount = Fixed(ingredient.Amount, 3);
-  row.unit = UnitName(work.UMF);
-  row.nameHint = kHintInventory;
-  if (kind == RowKind::Addition || work.settings.overpour) row.amountHint = kHintAmount;
+  row.amount = RoundTo(ingredient.Amount, 3);
+  row.adjustable = kind == LineKind::Addition || work.settings.overpour;
   row.lotLink = session.InvLotTracking != 0 && ingredient.Amount > 0.0005F;
   row.lowStock = ingredient.Inventory < ingredient.Reorder;
   return row;
@@ -61,20 +57,30 @@ void GiveRoundoff(BatchWork& work, Sums& sums) {
   if (count == 0) return;
   std::size_t largest = first;
   for (std::size_t i = first; i < first + count; ++i)
-    if (work.Rows[i].Amount() > work.Rows[largest].Amount()) largest = i;
+    if (work.Rows[i].amount > work.Rows[largest].amount) largest = i;
   work.LargestAmountIndex = static_cast<std::uint8_t>(largest);
   BatchRow& row = work.Rows[largest];
-  row.amount = Fixed(row.Amount() + RoundTo(work.Roundoff, 3), 3);
+  row.amount = RoundTo(row.amount + RoundTo(work.Roundoff, 3), 3);
   sums.all += RoundTo(work.Roundoff, 3);
 }
 
 // In whole thousandths, of which the quotient is exact where it falls on a half.
-std::string PercentText(double part, double whole) {
+double Percentage(double part, double whole) {
   const double thousandths = std::round(whole * 1000);
-  return Fixed(thousandths > 0 ? std::round(part * 1000) * 100 / thousandths : 0.0, 2) + "%";
+  return RoundTo(thousandths > 0 ? std::round(part * 1000) * 100 / thousandths : 0.0, 2);
 }
 
 }  // namespace
+
+std::string AmountHint(const BatchWork& work, const BatchRow& row) {
+  if (!row.adjustable) return {};
+  if (!(row.max > 0)) return "Click to Adjust this Amount";
+  return fmt::format("{} (Max Amount = {}{})", Fixed(row.amount, 3), Fixed(row.max, 3), UnitName(work.UMF));
+}
+
+std::string PercentRecycledText(const BatchWork& work) {
+  return Fixed(work.PercentRecycled, 2) + "%";
+}
 
 void ShowBatchRows(const Session& session, BatchWork& work) {
   if (work.settings.sortByAmount) {
@@ -85,30 +91,30 @@ void ShowBatchRows(const Session& session, BatchWork& work) {
   work.Rows.clear();
   Sums sums;
   const auto add = [&](BatchRow row) -> double {
-    sums.all += row.Amount();
+    sums.all += row.amount;
     work.Rows.push_back(std::move(row));
-    return work.Rows.back().Amount();
+    return work.Rows.back().amount;
   };
   for (const RecycleColor& color : work.RecycledColors)
     sums.recycled += add(RecycledRow(session, work, color, sums.recycled));
   for (const BatchIngredient& ingredient : work.Ingredients)
-    add(IngredientRow(session, work, ingredient, RowKind::Basic));
+    add(IngredientRow(session, work, ingredient, LineKind::Basic));
   for (const BatchIngredient& addition : work.Additions)
-    sums.additions += add(IngredientRow(session, work, addition, RowKind::Addition));
+    sums.additions += add(IngredientRow(session, work, addition, LineKind::Addition));
   GiveRoundoff(work, sums);
 
   work.Total = RoundSingle(sums.all, 3);
-  work.TotalText = Fixed(sums.all, 3);
+  work.ShownTotal = RoundTo(sums.all, 3);
   work.RecycledTotal = RoundSingle(sums.recycled, 3);
   work.AdditionsTotal = RoundSingle(sums.additions, 3);
   if (work.Quantity() > 0) work.QuantityText = Fixed(work.Quantity(), 3);
-  work.CalculatedQuantity = work.QuantityText;
+  work.CalculatedQuantity = RoundTo(work.Quantity(), 3);
   work.zeroRows = 0;
   for (BatchRow& row : work.Rows) {
-    row.zero = row.amount == "0.000";
+    row.zero = row.amount == 0;
     if (row.zero) ++work.zeroRows;
   }
-  work.PercentRecycled = PercentText(sums.recycled, sums.all);
+  work.PercentRecycled = Percentage(sums.recycled, sums.all);
 }
 
 }  // namespace vellumark

@@ -5,7 +5,11 @@
 namespace vellumark {
 
 inline constexpr const char* kHintInventory = "Click to Adjust Inventory";
-inline constexpr const char* kHintAmount = "Click to Adjust this Amount";
+/// What can be done to a row's amount, with the most that it can be; empty when it cannot be changed by hand.
+std::string AmountHint(const BatchWork& work, const BatchRow& row);
+/// "12.50%".
+std::string PercentRecycledText(const BatchWork& work);
+
 /// Shown while any row is too small to be weighed.
 inline constexpr const char* kZeroMsg =
     "NOTE - To obtain measurable amounts for all ingredients increase the batch quantity or change the unit of "

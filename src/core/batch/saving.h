@@ -26,11 +26,11 @@ struct AfterStore {
   bool stored = false;
 };
 /// The store and what follows it, in one transaction: what fails of it leaves the file and `record` as they were. No
-/// checks of cmdSave, all questions of the sequence. Stays when SaveModifiedBatch was cancelled.
+/// checks before it, all questions of the sequence. Stays when SaveModifiedBatch was cancelled.
 Result<SaveEnd> StoreBatch(Session& session, BatchRecord& record, BatchDialogs& dialogs, const AfterStore& after,
                            std::int32_t* storedNo = nullptr);
 
-/// Writes chkComplete of an open Batch where the setting is on and it differs.
+/// Writes the Complete of an open Batch where the setting is on and it differs.
 void StoreComplete(Session& session, const BatchRecord& record);
 
 /// Leaves an open Batch unstored: its Complete is kept when `keepComplete`, its ingredients are consumed again, and the

@@ -116,7 +116,7 @@ class BatchStore {
   void MarkUse(const std::vector<BatchTaking>& takings) {
     StoreLastProduced(session_, record_.work.Color_Name, now_);
     for (const BatchTaking& taking : takings)
-      if (taking.IngType != kIngTypeMix) StoreLastConsumed(session_, taking.IngName, now_);
+      if (taking.IngType != LineKind::Mix) StoreLastConsumed(session_, taking.IngName, now_);
   }
 
   Session& session_;

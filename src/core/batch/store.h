@@ -15,14 +15,15 @@ enum class SaveEnd {
 /// What follows a save or a deletion: the next Batch, as in the window, or none.
 enum class MoveOn { ToNext, Nowhere };
 
-/// cmdSave: the checks in their order, all questions, and then the store in one transaction. Afterwards `record` is the
+/// The checks in their order, all questions, and then the store in one transaction. Afterwards `record` is the
 /// next Batch, or cleared at the end and after a new one. `*savedNo`, when given, takes the number.
 Result<SaveEnd> SaveBatch(Session& session, BatchRecord& record, BatchDialogs& dialogs, std::int32_t* savedNo = nullptr,
                           MoveOn moveOn = MoveOn::ToNext);
-/// cmdSaveAndHold: stays on the Batch, which is loaded again.
+/// The same, but stays on the Batch, which is loaded again.
 Result<SaveEnd> SaveAndHoldBatch(Session& session, BatchRecord& record, BatchDialogs& dialogs);
 
-/// Marks a stored Batch at once. The window sets record.Complete instead. Refused while the setting is off.
+/// Marks a stored Batch at once. What is on the bench has its own Complete, which goes with the save. Refused while the
+/// setting is off.
 Result<void> CompleteBatch(Session& session, BatchRecord& record, bool complete);
 
 }  // namespace vellumark

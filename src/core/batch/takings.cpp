@@ -52,7 +52,7 @@ class LotStock {
           EqualNoCase(lot.name, name))
         return lot.left;
     const auto found =
-        FindLot(session_, kind, name, {}, LotTarget{.LotRefID = use.LotRefID, .LotNumber = use.LotNumber});
+        FindLot(session_, kind, name, {}, StockPlace{.LotRefID = use.LotRefID, .LotNumber = use.LotNumber});
     lots_.push_back({kind, name, use.LotRefID, use.LotNumber, found && !found->LotConsignment ? found->LotQty : 0});
     return lots_.back().left;
   }
@@ -68,16 +68,16 @@ class TakingPlan {
   std::vector<BatchTaking> Run() {
     const BatchWork& work = record_.work;
     std::size_t row = 0;
-    for (const RecycleColor& color : work.RecycledColors) Line(row++, color.Color_Name, kIngTypeMix, color.lots);
-    for (const BatchIngredient& i : work.Ingredients) Line(row++, i.IngName, kIngTypeBasic, i.lots);
-    for (const BatchIngredient& i : work.Additions) Line(row++, i.IngName, kIngTypeAddition, i.lots);
+    for (const RecycleColor& color : work.RecycledColors) Line(row++, color.Color_Name, LineKind::Mix, color.lots);
+    for (const BatchIngredient& i : work.Ingredients) Line(row++, i.IngName, LineKind::Basic, i.lots);
+    for (const BatchIngredient& i : work.Additions) Line(row++, i.IngName, LineKind::Addition, i.lots);
     return std::move(takings_);
   }
 
  private:
-  void Line(std::size_t row, const std::string& name, std::uint8_t type, const LotSelection& lots) {
-    const double amount = record_.work.Rows.at(row).Amount();
-    const ColorKind kind = KindOfIngType(type);
+  void Line(std::size_t row, const std::string& name, LineKind type, const LotSelection& lots) {
+    const double amount = record_.work.Rows.at(row).amount;
+    const ColorKind kind = ColorKindOf(type);
     const float wanted = Converted(amount, record_.work.UMF, session_.UMI);
     double left = wanted;
     bool whole = true;
@@ -120,7 +120,7 @@ Posting PostingOf(std::int32_t batchNo, const NetTaking& taking) {
   posting.quantity = taking.place.LotQty;
   posting.document = BatchNoText(batchNo);
   if (taking.place.LotRefID != 0) {
-    posting.lot = LotTarget{.LotRefID = taking.place.LotRefID, .LotNumber = taking.place.LotNumber};
+    posting.place = {.LotRefID = taking.place.LotRefID, .LotNumber = taking.place.LotNumber};
     posting.remove = taking.place.Remove;
   }
   return posting;
@@ -130,9 +130,10 @@ Posting PostingOf(std::int32_t batchNo, const NetTaking& taking) {
 
 std::vector<StoredLine> LinesOf(const BatchWork& work) {
   std::vector<StoredLine> lines;
-  for (const RecycleColor& color : work.RecycledColors) lines.push_back({color.Color_Name, color.Usable, kIngTypeMix});
-  for (const BatchIngredient& i : work.Ingredients) lines.push_back({i.IngName, i.Amount, kIngTypeBasic});
-  for (const BatchIngredient& i : work.Additions) lines.push_back({i.IngName, i.Amount, kIngTypeAddition});
+  for (const RecycleColor& color : work.RecycledColors)
+    lines.push_back({color.Color_Name, color.Usable, LineKind::Mix});
+  for (const BatchIngredient& i : work.Ingredients) lines.push_back({i.IngName, i.Amount, LineKind::Basic});
+  for (const BatchIngredient& i : work.Additions) lines.push_back({i.IngName, i.Amount, LineKind::Addition});
   return lines;
 }
 
@@ -148,7 +149,7 @@ std::vector<BatchTaking> ReadTakings(const Session& session, const StoredBatchLi
   rows.Bind(1, batch.BatchNo);
   std::vector<BatchTaking> takings;
   while (rows.Step()) {
-    BatchTaking taking{rows.Text(0), static_cast<std::uint8_t>(rows.Whole(1)), {}};
+    BatchTaking taking{rows.Text(0), LineKindOf(rows.Whole(1)), {}};
     taking.use = {.LotRefID = static_cast<std::int32_t>(rows.Whole(2)),
                   .LotNumber = rows.Text(3),
                   .LotLoc = rows.Text(4),
@@ -164,11 +165,11 @@ std::vector<BatchTaking> ReadTakings(const Session& session, const StoredBatchLi
     const StoredLine& line = batch.lines[i];
     if (std::ranges::any_of(recorded, [&](const BatchTaking& taking) { return OfLine(taking, line); })) continue;
     double amount = RoundTo(line.IngQty, 3);
-    if (static_cast<std::int32_t>(i) == batch.LargestAmountIndex && line.IngType == kIngTypeBasic)
+    if (static_cast<std::int32_t>(i) == batch.LargestAmountIndex && line.IngType == LineKind::Basic)
       amount += RoundTo(batch.Roundoff, 3);
     const float quantity = Converted(amount, batch.UMF, session.UMI);
     takings.push_back(
-        {line.IngName, line.IngType, UnlottedUse(session, KindOfIngType(line.IngType), line.IngName, quantity)});
+        {line.IngName, line.IngType, UnlottedUse(session, ColorKindOf(line.IngType), line.IngName, quantity)});
   }
   return takings;
 }
@@ -211,7 +212,11 @@ void WriteTakings(Session& session, std::int32_t batchNo, const DateTime& date,
                     "LotDate", "LotQty", "LotPrice"});
   for (const BatchTaking& taking : takings) {
     const LotUse& use = taking.use;
-    writer.Set(0, batchNo).Set(1, date).Set(2, taking.IngName).Set(3, taking.IngType).Set(4, use.LotRefID);
+    writer.Set(0, batchNo)
+        .Set(1, date)
+        .Set(2, taking.IngName)
+        .Set(3, static_cast<int>(taking.IngType))
+        .Set(4, use.LotRefID);
     writer.Set(5, use.LotNumber).Set(6, use.LotLoc).Set(7, use.LotContID).Set(8, use.LotDate);
     writer.Set(9, RoundSingle(use.LotQty, 3)).Set(10, RoundSingle(use.LotPrice, session.DecimalPlaces));
     writer.Insert();
@@ -226,7 +231,7 @@ void DeleteTakings(Session& session, std::int32_t batchNo) {
 }
 
 bool IsOfPlace(const Session& session, const BatchTaking& taking, const NetTaking& place) {
-  if (KindOfIngType(taking.IngType) != place.kind || !EqualNoCase(taking.IngName, place.name)) return false;
+  if (ColorKindOf(taking.IngType) != place.kind || !EqualNoCase(taking.IngName, place.name)) return false;
   if (session.InvLotTracking == 0) return true;
   return taking.use.LotRefID == place.place.LotRefID &&
          (place.place.LotRefID == 0 || EqualNoCase(taking.use.LotNumber, place.place.LotNumber));
@@ -235,7 +240,7 @@ bool IsOfPlace(const Session& session, const BatchTaking& taking, const NetTakin
 std::vector<NetTaking> NetTakings(const Session& session, const std::vector<BatchTaking>& takings) {
   std::vector<NetTaking> net;
   for (const BatchTaking& taking : takings) {
-    const ColorKind kind = KindOfIngType(taking.IngType);
+    const ColorKind kind = ColorKindOf(taking.IngType);
     LotUse place = taking.use;
     if (session.InvLotTracking == 0) place = {.LotNumber = std::string(kUnlottedInv), .LotQty = place.LotQty};
     const auto same =

@@ -11,26 +11,18 @@ namespace vellumark {
 
 // What the lines of a Batch take from stock, as `<DB>_Batch_LotInv` records it. For the procedures of this room.
 
-constexpr std::uint8_t kIngTypeBasic = 1;
-constexpr std::uint8_t kIngTypeMix = 2;
-constexpr std::uint8_t kIngTypeAddition = 3;
-
-inline ColorKind KindOfIngType(std::uint8_t type) {
-  return type == kIngTypeMix ? ColorKind::Mix : ColorKind::Basic;
-}
-
 /// A line as the Batch's row holds it.
 struct StoredLine {
   std::string IngName;
   float IngQty = 0;
-  std::uint8_t IngType = kIngTypeBasic;
+  LineKind IngType = LineKind::Basic;
 };
 
-/// What one line takes from one place; `use.LotQty` is in the inventory unit, below zero for a negative addition. In the
-/// plan of a save it is what the line needs, on file what really left: that much comes back.
+/// What one line takes from one place; `use.LotQty` is in the inventory unit, below zero for a negative addition. In
+/// the plan of a save it is what the line needs, on file what really left: that much comes back.
 struct BatchTaking {
   std::string IngName;
-  std::uint8_t IngType = kIngTypeBasic;
+  LineKind IngType = LineKind::Basic;
   LotUse use;
 };
 

@@ -70,7 +70,7 @@ void AddIdentity(Sheet& sheet, const BatchRecord& record, const BatchPrintOption
 void AddRows(Sheet& sheet, const Session& session, const BatchRecord& record) {
   const BatchWork& work = record.work;
   sheet.blocks.push_back({.table = TicketColumns().Of(TicketRows(work)), .large = true});
-  SheetBlock sums{.fields = {{"Recycled ", work.PercentRecycled}}};
+  SheetBlock sums{.fields = {{"Recycled ", PercentRecycledText(work)}}};
   if (PriorBatchHadAdditions(session, work.Color_Name, record.BatchNo))
     sums.lines.emplace_back("NOTE - A Batch Addition was required for a previous Batch of this color.");
   if (work.zeroRows > 0) sums.lines.emplace_back(kZeroMsg);
@@ -198,11 +198,11 @@ TableOf<TicketRow> TicketColumns() {
 std::vector<TicketRow> TicketRows(const BatchWork& work) {
   std::vector<TicketRow> rows;
   for (const BatchRow& row : work.Rows) {
-    const bool below = row.kind == RowKind::Mix && row.Amount() < RoundTo(row.max, 3);
-    rows.push_back({row.name, row.Amount(), row.unit,
-                    below                           ? "(Below Max. Usable)"
-                    : row.kind == RowKind::Addition ? "(Batch Addition)"
-                                                    : ""});
+    const bool below = row.kind == LineKind::Mix && row.amount < RoundTo(row.max, 3);
+    rows.push_back({row.name, row.amount, std::string(UnitName(work.UMF)),
+                    below                            ? "(Below Max. Usable)"
+                    : row.kind == LineKind::Addition ? "(Batch Addition)"
+                                                     : ""});
   }
   return rows;
 }
@@ -272,7 +272,7 @@ Result<Sheet> RecycleListSheet(const Session& session, const BatchWork& work) {
       .Add("Inventory", &RecycleColor::Inventory, fmt::format("Inventory ({})", UnitName(work.UMF)))
       .Add("Recycle", &RecycleColor::Recycle, "Recyclable", Format::Mark);
   Sheet sheet = Sheet::Of("Recycle Color List", table.Of(std::move(colors)));
-  sheet.subtitle = fmt::format("{}  {} {}", work.Color_Name, work.TotalText, UnitName(work.UMF));
+  sheet.subtitle = fmt::format("{}  {} {}", work.Color_Name, Fixed(work.ShownTotal, 3), UnitName(work.UMF));
   return sheet;
 }
 

@@ -18,10 +18,7 @@ constexpr std::string_view kTitle = "Delete Master Formulas";
 
 // The Database in the spelling of the file.
 Result<std::string> ChosenDatabase(const Session& session, std::string_view database) {
-  if (database.empty()) return session.CurrentDatabase;
-  const auto found =
-      std::ranges::find_if(session.databaseList, [&](const std::string& name) { return EqualNoCase(name, database); });
-  if (found != session.databaseList.end()) return *found;
+  if (const std::string* found = session.FindDatabase(database)) return *found;
   return Refuse(std::string(kTitle), fmt::format("There is no Database {}.", database), "cmbDBList_Formulas");
 }
 

@@ -65,18 +65,6 @@ void MarkEarlier(LotSelectionWork& work, const LotSelection& earlier) {
 
 }  // namespace
 
-std::string_view LotLineName(LotLineKind kind) {
-  switch (kind) {
-    case LotLineKind::Mix:
-      return "Mix";
-    case LotLineKind::Addition:
-      return "Addition";
-    case LotLineKind::Basic:
-      break;
-  }
-  return "Basic";
-}
-
 float LotSelection::Used() const {
   double used = 0;
   for (const LotUse& use : uses) used += static_cast<double>(use.LotQty);
@@ -163,7 +151,7 @@ LotSelection LotSelectionWork::Selection() const {
   return selection;
 }
 
-Result<LotSelectionWork> LoadLotSelection(const Session& session, std::string_view name, LotLineKind kind, float need,
+Result<LotSelectionWork> LoadLotSelection(const Session& session, std::string_view name, LineKind kind, float need,
                                           int unit, const LotSelection& earlier, const LotWithheld& withheld) {
   LotSelectionWork work;
   work.IngName = name;

@@ -7,18 +7,10 @@
 #include <vector>
 
 #include "core/base/refusal.h"
+#include "core/datafile/line_kind.h"
 #include "core/inventory/lots.h"
 
 namespace vellumark {
-
-/// What a line of a Batch is: an ingredient of the recipe, a recycled colour, an addition.
-enum class LotLineKind { Basic, Mix, Addition };
-/// "Basic", "Mix", "Addition".
-std::string_view LotLineName(LotLineKind kind);
-/// Whose lots such a line takes: an addition is a Basic Color.
-inline ColorKind ColorKindOf(LotLineKind kind) {
-  return kind == LotLineKind::Mix ? ColorKind::Mix : ColorKind::Basic;
-}
 
 /// What a line takes from one lot, or from Unlotted Inventory (`LotRefID` 0).
 struct LotUse {
@@ -58,7 +50,7 @@ struct LotSelectionRow {
 /// and nothing is written; a Batch posts the selection when it is saved.
 struct LotSelectionWork {
   std::string IngName;
-  LotLineKind kind = LotLineKind::Basic;
+  LineKind kind = LineKind::Basic;
   float IngQty = 0;  ///< the need, in the Batch's unit
   int unit = 1;      ///< of the Batch
   /// Unlotted Inventory first, then the lots by `LotNumber`; a Batch cannot consume those on consignment.
@@ -95,7 +87,7 @@ struct LotWithheld {
 
 /// The list of a line with its earlier selection marked again: what shrank meanwhile gives what is there, and what is
 /// gone or withheld is left out. Refused when an addition has brought the need to nothing.
-Result<LotSelectionWork> LoadLotSelection(const Session& session, std::string_view name, LotLineKind kind, float need,
+Result<LotSelectionWork> LoadLotSelection(const Session& session, std::string_view name, LineKind kind, float need,
                                           int unit, const LotSelection& earlier = {}, const LotWithheld& withheld = {});
 
 /// "Cancel without saving changes?"

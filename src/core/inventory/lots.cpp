@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 
 #include "core/base/number.h"
+#include "core/base/text.h"
 #include "core/colors/color_figure.h"
 
 namespace vellumark {
@@ -40,6 +41,12 @@ LotRow ReadLot(const Statement& statement) {
   lot.LotPrice = statement.Single(7);
   lot.LotConsignment = statement.Bool(8);
   return lot;
+}
+
+std::vector<LotRow> ReadLots(Statement& statement) {
+  std::vector<LotRow> lots;
+  while (statement.Step()) lots.push_back(ReadLot(statement));
+  return lots;
 }
 
 float SumOfLots(const Session& session, ColorKind kind, std::string_view name, std::string_view database,
@@ -90,10 +97,13 @@ bool ColorIsThere(const Session& session, ColorKind kind, std::string_view name,
 
 std::vector<LotRow> LotsOf(const Session& session, ColorKind kind, std::string_view name, std::string_view database) {
   Statement statement = SelectLots(session, kind, database, "ORDER BY LotNumber, LotRefID, RowKey");
-  statement.Bind(1, name);
-  std::vector<LotRow> lots;
-  while (statement.Step()) lots.push_back(ReadLot(statement));
-  return lots;
+  return ReadLots(statement.Bind(1, name));
+}
+
+std::vector<LotRow> LotsNumbered(const Session& session, ColorKind kind, std::string_view name,
+                                 std::string_view database, std::string_view number) {
+  Statement statement = SelectLots(session, kind, database, "AND LotNumber = ?2 ORDER BY LotRefID, RowKey");
+  return ReadLots(statement.Bind(1, name).Bind(2, TrimView(number)));
 }
 
 std::optional<LotRow> FindLot(const Session& session, ColorKind kind, std::string_view name, std::string_view database,

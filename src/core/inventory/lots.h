@@ -13,6 +13,9 @@ namespace vellumark {
 
 /// References of a colour's lots run from 1 to this one and then begin again.
 constexpr std::int32_t kLastLotRefID = 999998;
+constexpr bool IsLotReference(std::int32_t ref) {
+  return ref >= 1 && ref <= kLastLotRefID;
+}
 /// What stands for a lot number wherever stock outside the lots is meant; its reference is 0.
 constexpr std::string_view kUnlottedInv = "Unlotted Inv.";
 
@@ -38,6 +41,9 @@ std::vector<LotRow> LotsOf(const Session& session, ColorKind kind, std::string_v
                            std::string_view database = {});
 std::optional<LotRow> FindLot(const Session& session, ColorKind kind, std::string_view name, std::string_view database,
                               std::int32_t ref);
+/// Those that bear the number, by reference.
+std::vector<LotRow> LotsNumbered(const Session& session, ColorKind kind, std::string_view name,
+                                 std::string_view database, std::string_view number);
 
 /// Grants the first free reference after the colour's counter, going round from the last one to 1, and makes it the
 /// counter; -1 when all are in use.

@@ -7,6 +7,7 @@
 
 #include "core/base/number.h"
 #include "core/base/text.h"
+#include "core/inventory/lot_copies.h"
 
 namespace vellumark {
 namespace {
@@ -14,6 +15,8 @@ namespace {
 enum class Effect { Takes, Adds, Sets };
 enum class CutoffTest { None, Below, AtOrBelow };
 enum class MissingLot { Nothing, Added, AddedIfPositive };
+// Where a lot's stock goes while Lotted Inventory is off.
+enum class Untracked { Unlotted, KnownLot };
 
 constexpr std::string_view kWrittenOff = "Delete Inv. Balance";
 
@@ -24,6 +27,7 @@ struct SourceRule {
   CutoffTest unlottedMix;
   CutoffTest lot;
   MissingLot missingLot;
+  Untracked untracked = Untracked::Unlotted;  // KnownLot: a lot that its reference names is where the stock lies
 };
 
 // The differences between "below" and "at or below" are meant: each source keeps its own.
@@ -33,16 +37,18 @@ constexpr std::array<SourceRule, 9> kRules{{
     {PostingSource::BatchReturns, Effect::Adds, CutoffTest::None, CutoffTest::None, CutoffTest::None,
      MissingLot::Added},
     {PostingSource::BatchTakesAgain, Effect::Takes, CutoffTest::AtOrBelow, CutoffTest::Below, CutoffTest::Below,
-     MissingLot::Nothing},
-    {PostingSource::BatchMakes, Effect::Adds, CutoffTest::None, CutoffTest::None, CutoffTest::None, MissingLot::Added},
+     MissingLot::Nothing, Untracked::KnownLot},
+    {PostingSource::BatchMakes, Effect::Adds, CutoffTest::None, CutoffTest::None, CutoffTest::None, MissingLot::Added,
+     Untracked::KnownLot},
     {PostingSource::BatchUnmakes, Effect::Takes, CutoffTest::None, CutoffTest::Below, CutoffTest::AtOrBelow,
-     MissingLot::Nothing},
+     MissingLot::Nothing, Untracked::KnownLot},
     {PostingSource::JobRecord, Effect::Adds, CutoffTest::Below, CutoffTest::Below, CutoffTest::Below,
      MissingLot::AddedIfPositive},
     {PostingSource::ManualAdjust, Effect::Adds, CutoffTest::AtOrBelow, CutoffTest::AtOrBelow, CutoffTest::AtOrBelow,
      MissingLot::Nothing},
     {PostingSource::ScanReturn, Effect::Adds, CutoffTest::None, CutoffTest::None, CutoffTest::None, MissingLot::Added},
-    {PostingSource::Reset, Effect::Sets, CutoffTest::None, CutoffTest::None, CutoffTest::None, MissingLot::Nothing},
+    {PostingSource::Reset, Effect::Sets, CutoffTest::None, CutoffTest::None, CutoffTest::None, MissingLot::Nothing,
+     Untracked::KnownLot},
 }};
 
 const SourceRule& RuleOf(PostingSource source) {
@@ -138,16 +144,15 @@ bool BringsLotBack(PostingSource source) {
 bool KeepsReference(const Session& session, const Posting& posting) {
   const bool brings = BringsLotBack(posting.source) ||
                       (posting.source == PostingSource::ScanReturn && posting.kind == ColorKind::Basic);
-  return brings && posting.lot->LotRefID > 0 &&
-         !LotRefIDInUse(session, posting.kind, posting.name, posting.database, posting.lot->LotRefID);
+  const std::int32_t ref = posting.place.LotRefID;
+  return brings && IsLotReference(ref) && !LotRefIDInUse(session, posting.kind, posting.name, posting.database, ref);
 }
 
 PostingResult AddLot(Session& session, const StockRules& rules, const Posting& posting, const ColorRow& color) {
-  const LotTarget& target = *posting.lot;
+  const StockPlace& place = posting.place;
   LotRow lot;
-  lot.LotRefID = KeepsReference(session, posting)
-                     ? target.LotRefID
-                     : NextLotRefID(session, posting.kind, posting.name, posting.database);
+  lot.LotRefID = KeepsReference(session, posting) ? place.LotRefID
+                                                  : NextLotRefID(session, posting.kind, posting.name, posting.database);
   if (lot.LotRefID == -1) {
     if (posting.source != PostingSource::BatchMakes) return {PostingResult::Outcome::NoLotReference, 0, -1};
     PostingResult result = PostUnlotted(session, rules, posting, color);
@@ -155,11 +160,11 @@ PostingResult AddLot(Session& session, const StockRules& rules, const Posting& p
     return result;
   }
   const bool comesBack = BringsLotBack(posting.source);
-  lot.LotNumber = target.LotNumber;
-  lot.LotLoc = target.LotLoc;
-  lot.LotContID = target.LotContID;
-  lot.LotDate = comesBack ? target.LotDate : session.clock.Today();
-  lot.LotPrice = comesBack ? target.LotPrice : color.unitCost;
+  lot.LotNumber = place.LotNumber;
+  lot.LotLoc = place.LotLoc.value_or("");
+  lot.LotContID = place.LotContID.value_or("");
+  lot.LotDate = comesBack ? place.LotDate : session.clock.Today();
+  lot.LotPrice = comesBack ? place.LotPrice : color.unitCost;
   const float quantity = RoundSingle(posting.quantity, 3);
   StockChange change = ChangeOf(posting, StockChange::Action::AddLot, 0, 0, quantity);
   change.lot = lot;
@@ -167,30 +172,87 @@ PostingResult AddLot(Session& session, const StockRules& rules, const Posting& p
   return {PostingResult::Outcome::LotAdded, quantity, lot.LotRefID};
 }
 
-PostingResult PostLot(Session& session, const StockRules& rules, const Posting& posting, const ColorRow& color) {
-  // What a Batch makes is a lot of its own, also beside another of the same number.
-  if (posting.source != PostingSource::BatchMakes) {
-    const auto lot = FindLot(session, posting.kind, posting.name, posting.database, *posting.lot);
-    if (lot) return PostToLot(session, rules, posting, *lot);
+// A lot that was scanned may have moved; what took from it hears of it too.
+void MoveLot(Session& session, const Posting& posting, const LotRow& lot) {
+  LotRow now = lot;
+  now.LotLoc = posting.place.LotLoc.value_or(lot.LotLoc);
+  now.LotContID = posting.place.LotContID.value_or(lot.LotContID);
+  if (now.LotLoc == lot.LotLoc && now.LotContID == lot.LotContID) return;
+  RewriteLot(session, {posting.kind, posting.name, posting.database}, lot, now);
+}
+
+// What lies on consignment belongs to its supplier until somebody enters it as bought.
+bool TakesNoConsigned(const Posting& posting) {
+  return posting.source == PostingSource::BatchTakes ||
+         (posting.source == PostingSource::JobRecord && posting.quantity < 0);
+}
+
+// The lots that the place may mean, the likeliest first. What a Batch makes is a lot of its own, also beside another of
+// the same number.
+std::vector<LotRow> LotsMeant(const Session& session, const Posting& posting) {
+  const StockPlace& place = posting.place;
+  if (place.LotRefID != 0) {
+    auto lot = FindLot(session, posting.kind, posting.name, posting.database, place);
+    return lot ? std::vector{*std::move(lot)} : std::vector<LotRow>();
   }
+  if (posting.source == PostingSource::BatchMakes) return {};
+  return LotsNumbered(session, posting.kind, posting.name, posting.database, place.LotNumber);
+}
+
+PostingResult PostLot(Session& session, const StockRules& rules, const Posting& posting, const ColorRow& color) {
+  // What a Batch took comes back under whatever reference it was recorded.
+  if (posting.place.LotRefID != 0 && !IsLotReference(posting.place.LotRefID) &&
+      posting.source != PostingSource::BatchReturns)
+    return {PostingResult::Outcome::BadReference, 0, posting.place.LotRefID};
+  const std::vector<LotRow> meant = LotsMeant(session, posting);
+  for (const LotRow& lot : meant) {
+    if (lot.LotConsignment && TakesNoConsigned(posting)) continue;
+    const PostingResult result = PostToLot(session, rules, posting, lot);
+    if (posting.moveLot && result.outcome == PostingResult::Outcome::Posted) MoveLot(session, posting, lot);
+    return result;
+  }
+  if (!meant.empty()) return {PostingResult::Outcome::Consigned, 0, meant.front().LotRefID};
   const MissingLot missing = RuleOf(posting.source).missingLot;
   const bool added = missing == MissingLot::Added || (missing == MissingLot::AddedIfPositive && posting.quantity > 0);
-  if (!added) return {PostingResult::Outcome::NoLot, 0, posting.lot->LotRefID};
+  // A lot that only its reference was known of cannot be made: it would have no number.
+  if (!added || posting.place.LotNumber.empty()) return {PostingResult::Outcome::NoLot, 0, posting.place.LotRefID};
   return AddLot(session, rules, posting, color);
 }
 
 bool GoesToUnlotted(const Session& session, const Posting& posting) {
-  if (!posting.lot) return true;
-  return posting.source == PostingSource::BatchMakes &&
-         (session.InvLotTracking != 1 || TrimView(posting.lot->LotNumber).empty());
+  if (posting.place.IsUnlotted()) return true;
+  if (session.InvLotTracking == 1) return false;
+  const SourceRule& rule = RuleOf(posting.source);
+  // The value that a lot is to have is not one for all that is unlotted.
+  if (rule.effect == Effect::Sets) return false;
+  return rule.untracked == Untracked::Unlotted || posting.place.LotRefID == 0;
+}
+
+PostingResult PostIn(Session& session, const StockRules& rules, const Posting& posting) {
+  const auto color = FindColor(session, posting);
+  if (!color) return {PostingResult::Outcome::NoColor};
+  return GoesToUnlotted(session, posting) ? PostUnlotted(session, rules, posting, *color)
+                                          : PostLot(session, rules, posting, *color);
 }
 
 }  // namespace
 
+bool StockPlace::IsUnlotted() const {
+  const std::string_view number = TrimView(LotNumber);
+  return EqualNoCase(number, kUnlottedInv) || (LotRefID == 0 && number.empty());
+}
+
 std::optional<LotRow> FindLot(const Session& session, ColorKind kind, const std::string& name,
-                              const std::string& database, const LotTarget& target) {
-  auto lot = FindLot(session, kind, name, database, target.LotRefID);
-  if (lot && !target.LotNumber.empty() && !EqualNoCase(lot->LotNumber, target.LotNumber)) return std::nullopt;
+                              const std::string& database, const StockPlace& place) {
+  if (place.IsUnlotted()) return std::nullopt;
+  if (place.LotRefID == 0) {
+    std::vector<LotRow> lots = LotsNumbered(session, kind, name, database, place.LotNumber);
+    if (lots.empty()) return std::nullopt;
+    return std::move(lots.front());
+  }
+  auto lot = FindLot(session, kind, name, database, place.LotRefID);
+  if (lot && !TrimView(place.LotNumber).empty() && !EqualNoCase(TrimView(lot->LotNumber), TrimView(place.LotNumber)))
+    return std::nullopt;
   return lot;
 }
 
@@ -213,12 +275,13 @@ std::optional<float> LotAfter(PostingSource source, const StockRules& rules, flo
 PostingResult PostStock(Session& session, const StockRules& rules, const Posting& posting) {
   if (posting.source == PostingSource::BatchMakes && posting.kind != ColorKind::Mix)
     throw std::logic_error("a Batch makes Master Formulas only: " + posting.name);
+  const std::string* database = session.FindDatabase(posting.database);
+  if (database == nullptr) return {PostingResult::Outcome::NoDatabase};
+  Posting there = posting;
+  there.database = *database;
+  there.place.LotNumber = Trim(posting.place.LotNumber);
   Transaction transaction(session.File());
-  PostingResult result{PostingResult::Outcome::NoColor, 0, 0};
-  if (const auto color = FindColor(session, posting)) {
-    result = GoesToUnlotted(session, posting) ? PostUnlotted(session, rules, posting, *color)
-                                              : PostLot(session, rules, posting, *color);
-  }
+  const PostingResult result = PostIn(session, rules, there);
   transaction.Commit();
   return result;
 }

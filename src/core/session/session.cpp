@@ -1,8 +1,10 @@
 #include "core/session/session.h"
 
+#include <algorithm>
 #include <stdexcept>
 
 #include "core/base/number.h"
+#include "core/base/text.h"
 #include "core/settings/support_files.h"
 
 namespace vellumark {
@@ -15,6 +17,13 @@ Session::~Session() = default;
 Database& Session::File() const {
   if (!DataFileDB) throw std::logic_error("no Data File is open");
   return *DataFileDB;
+}
+
+const std::string* Session::FindDatabase(std::string_view name) const {
+  if (name.empty() || EqualNoCase(name, CurrentDatabase)) return &CurrentDatabase;
+  const auto found =
+      std::ranges::find_if(databaseList, [name](const std::string& other) { return EqualNoCase(other, name); });
+  return found == databaseList.end() ? nullptr : &*found;
 }
 
 std::string Session::Table(const vellumark::Table& table, std::string_view database) const {

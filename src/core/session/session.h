@@ -88,6 +88,9 @@ struct Session {
 
   /// The open file; throws std::logic_error when none is open.
   Database& File() const;
+  /// The Database of the file by that name, as the file spells it, the current one for an empty name; null when there
+  /// is none.
+  const std::string* FindDatabase(std::string_view name) const;
   /// The name of one of the current Database's tables, or of `database`'s when that is not empty.
   std::string Table(const vellumark::Table& table, std::string_view database = {}) const;
 };

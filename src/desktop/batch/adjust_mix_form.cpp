@@ -26,14 +26,14 @@ AdjustMixForm::AdjustMixForm(WindowList& windowList, QWidget* owner)
 void AdjustMixForm::OnOpen(const Arguments& arguments) {
   adjustment_ = arguments.Get<MixAdjustment>("Adjustment");
   setWindowTitle(Q(adjustment_.caption));
-  amount_->SetText(adjustment_.amount);
+  amount_->SetText(Fixed(adjustment_.amount, 3));
   unit_->setText(Q(arguments.Has("Unit") ? arguments.Text("Unit") : std::string()));
   remove_->setVisible(adjustment_.offersRemoval);
   SetDefaultButton(adjustment_.recycleByDefault ? recycle_ : mix_);
 }
 
 void AdjustMixForm::cmdMax_Click() {
-  amount_->SetText(adjustment_.maximum);
+  amount_->SetText(Fixed(adjustment_.maximum, 3));
   FocusField("txtAmount");
 }
 

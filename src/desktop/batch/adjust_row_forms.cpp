@@ -1,5 +1,6 @@
 #include "desktop/batch/adjust_row_forms.h"
 
+#include "core/base/units.h"
 #include "core/batch/bench.h"
 #include "desktop/kit/text.h"
 
@@ -35,8 +36,8 @@ void AdjustRowForm::OnOpen(const Arguments& arguments) {
   row_ = static_cast<std::size_t>(arguments.Number("Row"));
   const BatchRow& row = record_->work.Rows.at(row_);
   name_->SetText(row.name);
-  amount_->SetText(row.amount);
-  unit_->setText(Q(row.unit));
+  amount_->SetText(Fixed(row.amount, 3));
+  unit_->setText(Q(UnitName(record_->work.UMF)));
 }
 
 void AdjustRowForm::cmdSave_Click() {

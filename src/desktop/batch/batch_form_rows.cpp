@@ -10,37 +10,20 @@
 #include "desktop/batch/batch_form_took.h"
 #include "desktop/batch/recycle_panel.h"
 #include "desktop/batch/rows_panel.h"
-#include "desktop/kit/grid.h"
 #include "desktop/kit/text.h"
 
 namespace vellumark::desktop {
-namespace {
-
-LotLineKind LineKind(RowKind kind) {
-  switch (kind) {
-    case RowKind::Mix:
-      return LotLineKind::Mix;
-    case RowKind::Addition:
-      return LotLineKind::Addition;
-    case RowKind::Basic:
-      break;
-  }
-  return LotLineKind::Basic;
-}
-
-}  // namespace
-
 void BatchForm::AmountClicked(int row) {
   if (!FieldsEntered() || row >= static_cast<int>(record_.work.Rows.size())) return;
   const auto place = static_cast<std::size_t>(row);
   switch (record_.work.Rows[place].kind) {
-    case RowKind::Mix:
+    case LineKind::Mix:
       AdjustMix(place);
       break;
-    case RowKind::Basic:
+    case LineKind::Basic:
       AdjustBasic(place);
       break;
-    case RowKind::Addition:
+    case LineKind::Addition:
       AdjustAddition(place);
       break;
   }
@@ -48,7 +31,7 @@ void BatchForm::AmountClicked(int row) {
 
 void BatchForm::AdjustMix(std::size_t row) {
   const Result<MixAdjustment> opened = OpenMixRow(session, record_, row);
-  if (!Took(opened) || opened->Color_Name.empty()) return;
+  if (!Took(opened)) return;
   const auto answered =
       windows.RunDialog("AdjustMixForm", {{"Adjustment", *opened}, {"Unit", std::string(UnitName(record_.work.UMF))}});
   if (!answered) return;
@@ -71,7 +54,7 @@ void BatchForm::AdjustBasic(std::size_t row) {
   if (session.InvLotTracking == 0) return;
   for (std::size_t i = 0; i < record_.work.Rows.size(); ++i) {
     const BatchRow& now = record_.work.Rows[i];
-    if (now.kind == RowKind::Basic && now.lotLink && EqualNoCase(now.name, name))
+    if (now.kind == LineKind::Basic && now.lotLink && EqualNoCase(now.name, name))
       return LotsClicked(static_cast<int>(i));
   }
 }
@@ -98,8 +81,7 @@ void BatchForm::TakeFromList(const std::string& name) {
   Show();
   if (!Took(taken)) return;
   if (!*taken) return QApplication::beep();
-  auto* list = findChild<Grid*>("fgRecList");
-  list->SetCurrentRow(list->ShownRows().empty() ? -1 : 0);
+  recycleList_->GoToTop();
 }
 
 // ---- Stock
@@ -107,7 +89,7 @@ void BatchForm::TakeFromList(const std::string& name) {
 void BatchForm::NameClicked(int row) {
   if (row >= static_cast<int>(record_.work.Rows.size()) || !windows.Knows("AdjustInventoryForm")) return;
   const BatchRow& shown = record_.work.Rows[static_cast<std::size_t>(row)];
-  const ColorKind kind = ColorKindOf(LineKind(shown.kind));
+  const ColorKind kind = ColorKindOf(shown.kind);
   const std::string name = shown.name;
   // Stock does not change under a recipe that was worked out from it.
   if (ConfirmInventoryChange(session)) SaveThenAdjustInventory(kind, name);
@@ -125,7 +107,7 @@ void BatchForm::LotsClicked(int row) {
   if (!FieldsEntered() || place >= record_.work.Rows.size() || !windows.Knows("BatchLotInvSelector")) return;
   if (!Took(OpenRowLots(session, record_, place))) return;
   const BatchRow& shown = record_.work.Rows[place];
-  const LotLineKind kind = LineKind(shown.kind);
+  const LineKind kind = shown.kind;
   const std::string name = shown.name;
   const auto answered = windows.RunDialog("BatchLotInvSelector", {{"IngName", name},
                                                                   {"Kind", kind},

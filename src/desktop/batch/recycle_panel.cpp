@@ -110,6 +110,10 @@ void RecyclePanel::Show(const BatchWork& work) {
   list_->Refresh();
 }
 
+void RecyclePanel::GoToTop() {
+  list_->SetCurrentRow(list_->ShownRows().empty() ? -1 : 0);
+}
+
 // Why nothing is listed: nothing can be recycled, all of it is in the Batch already, or the filter hides it.
 QString RecyclePanel::EmptyText(const BatchWork& work) const {
   if (work.Rows.empty() || work.FormulaRecycleList.empty()) return {};

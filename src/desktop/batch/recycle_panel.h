@@ -16,6 +16,8 @@ class RecyclePanel : public QWidget {
   RecyclePanel(FormHost& host, Form& form);
 
   void Show(const BatchWork& work);
+  /// The first colour is the current one.
+  void GoToTop();
   const RecycleListView& View() const { return view_; }
 
  Q_SIGNALS:

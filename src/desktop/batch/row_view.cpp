@@ -5,6 +5,7 @@
 #include <QStyle>
 #include <utility>
 
+#include "core/batch/rows.h"
 #include "desktop/batch/cell_button.h"
 #include "desktop/batch/ink_patch.h"
 #include "desktop/batch/row_columns.h"
@@ -15,13 +16,13 @@
 namespace vellumark::desktop {
 namespace {
 
-const char* KindIcon(RowKind kind) {
+const char* KindIcon(LineKind kind) {
   switch (kind) {
-    case RowKind::Mix:
+    case LineKind::Mix:
       return "recycled";
-    case RowKind::Basic:
+    case LineKind::Basic:
       return "basic";
-    case RowKind::Addition:
+    case LineKind::Addition:
       return "additions";
   }
   std::unreachable();
@@ -83,30 +84,31 @@ void RowView::Show(const Face& face) {
   setVisible(face.row != nullptr);
   if (face.row == nullptr) return;
   const BatchRow& row = *face.row;
-  const QString kind = Q(RowKindName(row.kind));
+  const QString kind = Q(LineKindName(row.kind));
   kindIcon_->Show(KindIcon(row.kind));
   kind_->setText(kind);
   ink_->Show(face.ink);
-  const bool danger = row.kind == RowKind::Addition;
+  const bool danger = row.kind == LineKind::Addition;
   const auto tone = [](bool red) { return red ? CellButton::Tone::Danger : CellButton::Tone::Normal; };
   name_->setText(Q(row.name));
   name_->SetTone(tone(danger));
-  QString hint = Q(row.nameHint);
+  QString hint = kHintInventory;
   if (!face.quickInfo.isEmpty()) hint += "\n\n" + face.quickInfo;
   name_->setToolTip(hint);
   name_->setAccessibleName(tr("%1 %2").arg(kind, Q(row.name)));
   low_->setVisible(row.lowStock);
   more_->setVisible(row.moreUsable);
-  more_->setToolTip(Q(row.amountHint));
+  more_->setToolTip(face.amountHint);
   lot_->setVisible(row.lotLink);
   lot_->setText(face.lotsChosen ? QString::fromUtf8("Lot ✓") : tr("Lot"));
   lot_->setToolTip(face.lotsChosen ? tr("The lots of this color are chosen") : tr("Choose the lots of this color"));
-  amount_->setText(Q(row.amount));
+  const QString amount = Q(Fixed(row.amount, 3));
+  amount_->setText(amount);
   amount_->SetTone(tone(danger || row.zero));
-  amount_->setToolTip(Q(row.amountHint));
-  amount_->SetClickable(!row.amountHint.empty());
-  amount_->setAccessibleName(tr("%1: %2 %3").arg(Q(row.name), Q(row.amount), Q(row.unit)));
-  unit_->setText(Q(row.unit));
+  amount_->setToolTip(face.amountHint);
+  amount_->SetClickable(row.adjustable);
+  amount_->setAccessibleName(tr("%1: %2 %3").arg(Q(row.name), amount, face.unit));
+  unit_->setText(face.unit);
   SetTone(*unit_, danger || row.zero);
 }
 

@@ -24,6 +24,8 @@ class RowView : public QWidget {
 
   struct Face {
     const BatchRow* row = nullptr;
+    QString unit;
+    QString amountHint;
     std::optional<Ink> ink;
     QString quickInfo;        ///< for the tooltip of the name; may be empty
     bool lotsChosen = false;  ///< with a lot link: the row's lots are all chosen

@@ -24,10 +24,6 @@
 namespace vellumark::desktop {
 namespace {
 
-ColorKind KindOfRow(RowKind kind) {
-  return kind == RowKind::Mix ? ColorKind::Mix : ColorKind::Basic;
-}
-
 // The guide in which the colour stands, and where in it.
 QString GuideOf(const BatchWork& work) {
   const BatchFormula& formula = work.formula;
@@ -178,10 +174,10 @@ void RowsPanel::Show(const BatchRecord& record) {
   ShowRows(record);
   const bool rows = !work.Rows.empty();
   empty_->setVisible(!rows);
-  total_->setText(rows ? Q(work.TotalText) : QString());
+  total_->setText(rows ? Q(Fixed(work.ShownTotal, 3)) : QString());
   total_->setAccessibleName(tr("Total"));
   unit_->setText(rows ? Q(UnitName(work.UMF)) : QString());
-  percent_->setText(rows ? tr("%1 recycled").arg(Q(work.PercentRecycled)) : QString());
+  percent_->setText(rows ? tr("%1 recycled").arg(Q(PercentRecycledText(work))) : QString());
   totalRow_->setVisible(rows);
   zeroMsg_->setVisible(work.zeroRows > 0);
 }
@@ -194,7 +190,9 @@ void RowsPanel::ShowRows(const BatchRecord& record) {
     if (i < work.Rows.size()) {
       const BatchRow& row = work.Rows[i];
       face.row = &row;
-      face.ink = InkOf(session_, KindOfRow(row.kind), row.name);
+      face.unit = Q(UnitName(work.UMF));
+      face.amountHint = Q(AmountHint(work, row));
+      face.ink = InkOf(session_, ColorKindOf(row.kind), row.name);
       if (options.ShowQuickInfo) face.quickInfo = QuickInfoText(work, i, options);
       face.lotsChosen = row.lotLink && RowLots(record, i).CompleteFor(LotNeed(session_, record, i));
     }

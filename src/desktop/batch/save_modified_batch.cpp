@@ -48,11 +48,6 @@ void SaveModifiedBatch::UpdateEnabled() {
 void SaveModifiedBatch::cmdSave_Click() {
   const ModifiedBatchChoice typed{kChanges.at(static_cast<std::size_t>(action_->Chosen())), name_->Text()};
   const Result<ModifiedBatchChoice> choice = CheckModifiedBatch(session, *record_, typed);
-  // Declined in a question: the name is to be another one, and there is nothing more to say.
-  if (!choice && choice.error().text.empty()) {
-    FocusField(kNameField);
-    return;
-  }
   if (!Accepted(choice)) return;
   result.Set("Choice", *choice);
   accept();

@@ -11,6 +11,7 @@
 #include "core/batch/ink.h"
 #include "core/batch/more_data.h"
 #include "core/batch/open.h"
+#include "core/batch/rows.h"
 #include "core/batch/ticket.h"
 #include "core/colors/guide_formulas.h"
 #include "core/session/rights.h"
@@ -32,12 +33,8 @@ QString DateText(const std::optional<DateTime>& date) {
       QLocale::ShortFormat);
 }
 
-const char* MarkOf(RowKind kind) {
-  return kind == RowKind::Mix ? "recycled" : kind == RowKind::Basic ? "basic" : "additions";
-}
-
-ColorKind ColorKindOfRow(RowKind kind) {
-  return kind == RowKind::Mix ? ColorKind::Mix : ColorKind::Basic;
+const char* MarkOf(LineKind kind) {
+  return kind == LineKind::Mix ? "recycled" : kind == LineKind::Basic ? "basic" : "additions";
 }
 
 // Names, places and the like, of which most are empty.
@@ -165,18 +162,18 @@ void ViewBatchForm::ShowRecipe() {
   const BatchWork& work = record_->work;
   const std::string unit(UnitName(work.UMF));
   quantity_->SetText(work.QuantityText + " " + unit);
-  total_->SetText(work.TotalText + " " + unit);
-  recycled_->SetText(work.PercentRecycled);
+  total_->SetText(Fixed(work.ShownTotal, 3) + " " + unit);
+  recycled_->SetText(PercentRecycledText(work));
   auto source = std::make_shared<TableSource>();
   for (const BatchRow& row : work.Rows) {
-    TableSource::Cell kind{std::string(RowKindName(row.kind))};
+    TableSource::Cell kind{std::string(LineKindName(row.kind))};
     kind.mark = MarkOf(row.kind);
     TableSource::Cell name(row.name);
-    if (const auto ink = InkOf(session, ColorKindOfRow(row.kind), row.name)) name.swatch = ColorOf(*ink);
-    source->Add({kind, name, row.amount, row.unit});
+    if (const auto ink = InkOf(session, ColorKindOf(row.kind), row.name)) name.swatch = ColorOf(*ink);
+    source->Add({kind, name, Fixed(row.amount, 3), unit});
   }
   rows_->SetSource(source);
-  rows_->SetTotals({"", U8(tr("Total")), work.TotalText, unit});
+  rows_->SetTotals({"", U8(tr("Total")), Fixed(work.ShownTotal, 3), unit});
 }
 
 void ViewBatchForm::ShowLotsAndJobs() {

@@ -106,7 +106,7 @@ std::vector<GridColumn> BatchLotInvSelector::Columns() const {
 void BatchLotInvSelector::OnOpen(const Arguments& arguments) {
   const auto earlier = arguments.Has("Selection") ? arguments.Get<LotSelection>("Selection") : LotSelection{};
   const auto withheld = arguments.Has("Withheld") ? arguments.Get<LotWithheld>("Withheld") : LotWithheld{};
-  const auto work = LoadLotSelection(session, arguments.Text("IngName"), arguments.Get<LotLineKind>("Kind"),
+  const auto work = LoadLotSelection(session, arguments.Text("IngName"), arguments.Get<LineKind>("Kind"),
                                      static_cast<float>(arguments.Get<double>("IngQty")),
                                      static_cast<int>(arguments.Number("Unit")), earlier, withheld);
   if (!Accepted(work)) {
@@ -117,7 +117,7 @@ void BatchLotInvSelector::OnOpen(const Arguments& arguments) {
   work_ = *work;
   isOpen_ = true;
   name_->SetText(work_.IngName);
-  kind_->setText(Q(LotLineName(work_.kind)));
+  kind_->setText(Q(LineKindName(work_.kind)));
   need_->SetText(Fixed(work_.IngQty, 3));
   unit_->setText(Q(UnitName(work_.unit)));
   list_->SetColumns(Columns());

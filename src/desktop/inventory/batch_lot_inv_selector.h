@@ -7,7 +7,7 @@
 
 namespace vellumark::desktop {
 
-/// Where one line of a Batch takes its quantity from. Opened with {"IngName", name}, {"Kind", LotLineKind}, {"IngQty",
+/// Where one line of a Batch takes its quantity from. Opened with {"IngName", name}, {"Kind", LineKind}, {"IngQty",
 /// the need}, {"Unit", the Batch's unit} and, where there are, {"Selection", LotSelection} of before and {"Withheld",
 /// LotWithheld} of what the open Batch itself made. Gives back "Selection", and "AdjustInventory" when the
 /// Batch is to be saved and stock put right first.

@@ -66,8 +66,7 @@ Field* FormHost::FindField(std::string_view name) const {
 }
 
 void FormHost::ShowRefusal(const Refusal& refusal) {
-  // One without a text was told already, by a question that was answered with No.
-  if (refusal.text.empty()) {
+  if (refusal.declined) {
     FocusField(refusal.field);
     return;
   }

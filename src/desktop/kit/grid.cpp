@@ -65,7 +65,7 @@ Grid::Grid(const QString& name) {
           [this] { Q_EMIT CurrentRowChanged(CurrentRow()); });
   connect(&model_, &GridModel::Edited, this, &Grid::Edited);
   connect(&model_, &GridModel::EditRefused, this, [this](const Refusal& refusal) {
-    if (!refusal.title.empty() || !refusal.text.empty()) Q_EMIT EditRefused(refusal);
+    if (!refusal.declined) Q_EMIT EditRefused(refusal);
   });
 }
 

@@ -90,7 +90,7 @@ class GridSource {
   /// The name of an icon before the text ("recycled", "low-stock"); nullptr for none.
   virtual const char* Mark(int, int) const { return nullptr; }
   virtual bool IsEditable(int, int) const { return false; }
-  /// Takes what was typed into a cell. A refusal without title and text puts the old value back without a word.
+  /// Takes what was typed into a cell. Declined (`Decline`), the old value is back without a word.
   virtual Result<void> Edit(int, int, const std::string&) { return {}; }
 };
 

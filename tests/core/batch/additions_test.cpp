@@ -30,7 +30,7 @@ TEST_F(Additions, JoinTheBatchAndRaiseItsTotalOnly) {
   ASSERT_TRUE(AddAdditions(session, work, {{"drier", "2.5"}, {"500", "1"}, {"RED", "0.25"}}));
   EXPECT_EQ(room.Lines(), (Lines{"Basic RED 60.000", "Basic BLUE 40.000", "Addition DRIER 2.500",
                                  "Addition PANTONE 500 1.000", "Addition RED 0.250"}));
-  EXPECT_EQ(work.TotalText, "103.750");
+  EXPECT_EQ(Fixed(work.ShownTotal, 3), "103.750");
   EXPECT_EQ(work.AdditionsTotal, 3.75F);
   EXPECT_EQ(work.Roundoff, 0);
   EXPECT_EQ(work.QuantityText, "100.000");
@@ -80,14 +80,14 @@ TEST_F(Additions, TheyCannotBringTheBatchToNothing) {
   ASSERT_FALSE(done);
   EXPECT_EQ(done.error().title, "Negative Additions - Batch Size");
   EXPECT_TRUE(AddAdditions(session, work, {{"RED", "-60"}, {"BLUE", "-39.999"}}));
-  EXPECT_EQ(work.TotalText, "0.001");
+  EXPECT_EQ(Fixed(work.ShownTotal, 3), "0.001");
 }
 
 TEST_F(Additions, AColorThatIsAnAdditionAlreadyIsAdjustedNotAddedAgain) {
   ASSERT_TRUE(AddAdditions(session, work, {{"DRIER", "1"}, {"YELLOW", "2"}, {"RED", "-1"}}));
   EXPECT_EQ(AddAdditions(session, work, {{"DRIER", "1"}}).error().title, "Duplicate Item");
   ASSERT_TRUE(AdjustAddition(session, work, 3, "5"));
-  EXPECT_EQ(work.TotalText, "105.000");
+  EXPECT_EQ(Fixed(work.ShownTotal, 3), "105.000");
   ASSERT_TRUE(AdjustAddition(session, work, 2, "0"));  // taken out, the later ones move up
   EXPECT_EQ(room.Lines(),
             (Lines{"Basic RED 60.000", "Basic BLUE 40.000", "Addition YELLOW 5.000", "Addition RED -1.000"}));

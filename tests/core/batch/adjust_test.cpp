@@ -30,9 +30,9 @@ TEST_F(Adjust, RecycledRowThenMix) {
   const auto window = OpenMixAdjustment(session, work, 1);
   ASSERT_TRUE(window);
   EXPECT_EQ(window->caption, " Adjust GREEN");
-  EXPECT_EQ(window->amount, "10.000");
+  EXPECT_EQ(window->amount, 10.0);
   // YELLOW 20 of the 80 that remain, 25 percent of them; 25 / 50 x 80 = 40.
-  EXPECT_EQ(window->maximum, "40.000");
+  EXPECT_EQ(window->maximum, 40.0F);
   EXPECT_FALSE(window->offersRemoval);
   ASSERT_TRUE(AdjustMixRow(session, work, 1, {.amount = "4"}));
   // 4 GREEN: BLUE 22 - 2, YELLOW 20 - 2.
@@ -50,7 +50,7 @@ TEST_F(Adjust, RowAboveTheLastClickedAsksAndRowsBelowAreChosenAnew) {
       "Adjusting this color now will change the colors and / or amounts\n"
       "which appear below this color. Do you want to continue?";
   room.prompt.Expect("Batch Window - Adjust This Color?", Answer::No, text);
-  EXPECT_TRUE(OpenMixAdjustment(session, work, 0)->Color_Name.empty());
+  EXPECT_TRUE(OpenMixAdjustment(session, work, 0).error().declined);
   EXPECT_EQ(room.prompt.last.icon, Icon::Exclamation);
   room.prompt.Expect("Batch Window - Adjust This Color?", Answer::Yes, text);
   ASSERT_EQ(OpenMixAdjustment(session, work, 0)->Color_Name, "VIOLET");
@@ -177,12 +177,12 @@ TEST_F(Adjust, TheMaximumIsNeverShortOfAThousandth) {
     room.Mix(grey, {{"WHITE", test.shares.first}, {"BLACK", test.shares.second}});
     room.Mixed(grey, test.quantity);
     ASSERT_TRUE(*ChooseFromRecycleList(session, work, "PURE", "0.100"));
-    EXPECT_EQ(OpenMixAdjustment(session, work, 0)->maximum, test.most);
+    EXPECT_EQ(Fixed(OpenMixAdjustment(session, work, 0)->maximum, 3), test.most);
     ASSERT_TRUE(AdjustMixRow(session, work, 0, {.amount = test.most}));
     ASSERT_EQ(work.Rows.size(), 2U);
-    EXPECT_EQ(work.Rows[0].amount, test.most);
+    EXPECT_EQ(Fixed(work.Rows[0].amount, 3), test.most);
     EXPECT_EQ(work.Rows[1].name, "BLACK");
-    EXPECT_EQ(OpenMixAdjustment(session, work, 0)->maximum, test.most);
+    EXPECT_EQ(Fixed(OpenMixAdjustment(session, work, 0)->maximum, 3), test.most);
     EXPECT_FALSE(work.Rows[0].moreUsable);
   }
 }
@@ -193,7 +193,7 @@ TEST_F(Adjust, TheMaximumDoesNotFollowTheRoundingOfTheStock) {
   work.UMF = 2;
   ASSERT_TRUE(RecycleAction(session, work));
   ASSERT_EQ(room.Lines().at(0), "Mix SAME 0.001");
-  EXPECT_EQ(OpenMixAdjustment(session, work, 0)->maximum, "100.000");
+  EXPECT_EQ(Fixed(OpenMixAdjustment(session, work, 0)->maximum, 3), "100.000");
 }
 
 TEST_F(Adjust, TheMaximumOfAnUnevenShareLeavesNoCrumb) {
@@ -205,10 +205,10 @@ TEST_F(Adjust, TheMaximumOfAnUnevenShareLeavesNoCrumb) {
        {std::tuple{"DEEP", "66.666", "66.667"}, std::tuple{"SKY", "19.047", "19.047"}}) {
     const std::size_t row = work.RecycledColors.size();
     ASSERT_TRUE(*ChooseFromRecycleList(session, work, name, "1"));
-    EXPECT_EQ(OpenMixAdjustment(session, work, row)->maximum, most);
+    EXPECT_EQ(Fixed(OpenMixAdjustment(session, work, row)->maximum, 3), most);
     ASSERT_TRUE(AdjustMixRow(session, work, row, {.amount = most}));
-    EXPECT_EQ(work.Rows[row].amount, used);
-    EXPECT_EQ(OpenMixAdjustment(session, work, row)->maximum, used);
+    EXPECT_EQ(Fixed(work.Rows[row].amount, 3), used);
+    EXPECT_EQ(Fixed(OpenMixAdjustment(session, work, row)->maximum, 3), used);
   }
   EXPECT_EQ(room.Lines(), (Lines{"Mix DEEP 66.667", "Mix SKY 19.047", "Basic YELLOW 14.286"}));
 }
@@ -263,7 +263,7 @@ TEST_F(Overpours, RecycledRowGrowsTheBatchAndKeepsTheOthers) {
   EXPECT_EQ(work.QuantityText, "112.000");
   // 84 VIOLET bring all 33.6 BLUE and 50.4 of 56 RED; nothing can be used of GREEN any more.
   EXPECT_EQ(room.Lines(), (Lines{"Mix VIOLET 84.000", "Mix GREEN 0.000", "Basic YELLOW 22.400", "Basic RED 5.600"}));
-  EXPECT_EQ(work.TotalText, "112.000");
+  EXPECT_EQ(Fixed(work.ShownTotal, 3), "112.000");
   EXPECT_EQ(work.ClickedIndex, 0);
   EXPECT_FALSE(OverpourMixRow(session, work, 0, 84)->reformulated);  // no more than it has
 }
@@ -299,7 +299,7 @@ TEST_F(Overpours, RecycledRowNeverShrinksTheBatch) {
     ASSERT_TRUE(OverpourMixRow(session, work, test.row, test.poured)->reformulated);
     EXPECT_EQ(work.QuantityText, test.quantity);
     EXPECT_EQ(room.Lines(), test.lines);
-    EXPECT_EQ(work.TotalText, test.quantity);
+    EXPECT_EQ(Fixed(work.ShownTotal, 3), test.quantity);
     EXPECT_GE(work.Rows[test.row].max, static_cast<float>(test.poured));
   }
   // An even share at which the quotient has no end: the Batch grows to the next thousandth, the pour stands.
@@ -309,7 +309,7 @@ TEST_F(Overpours, RecycledRowNeverShrinksTheBatch) {
   room.prompt.Expect("Excess Recycle Color Weight", Answer::Yes);
   ASSERT_TRUE(OverpourMixRow(session, work, 0, 7.001)->reformulated);
   EXPECT_EQ(work.QuantityText, "10.502");  // 7.001 x .75 / .5 = 10.5015
-  EXPECT_EQ(work.Rows[0].amount, "7.001");
+  EXPECT_EQ(Fixed(work.Rows[0].amount, 3), "7.001");
 }
 
 TEST_F(Overpours, NotWhileTwentyLinesAreInUse) {

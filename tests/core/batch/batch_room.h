@@ -51,7 +51,7 @@ struct BatchRoom : InkRoom {
   std::vector<std::string> Lines() const {
     std::vector<std::string> lines;
     for (const BatchRow& row : work.Rows)
-      lines.push_back(std::string(RowKindName(row.kind)) + " " + row.name + " " + row.amount);
+      lines.push_back(std::string(LineKindName(row.kind)) + " " + row.name + " " + Fixed(row.amount, 3));
     return lines;
   }
 

@@ -189,17 +189,19 @@ void LookAt(LifeRoom& room, std::int32_t number) {
 
 struct Uncovered {
   const char* name;
-  bool lots;           // all of the red in a lot that is not chosen
-  float red;           // in Unlotted Inventory
-  float left;          // of it after 25 are needed
+  bool lots;   // all of the red in a lot that is not chosen
+  float red;   // in Unlotted Inventory
+  float left;  // of it after 25 are needed
   bool negative = false;
 };
 
 // What stock does not cover never left it, and does not come back: after whatever was done with the Batch, the red that
 // was there is there again.
 TEST(BatchConserves, WhatWasNotThereDoesNotComeBack) {
-  for (const Uncovered& one : {Uncovered{"all in lots", true, 0, 0}, {"half of it", false, 10, 0},
-                               {"some beside the lot", true, 3, 0}, {"below zero", false, 10, -15, true}}) {
+  for (const Uncovered& one : {Uncovered{"all in lots", true, 0, 0},
+                               {"half of it", false, 10, 0},
+                               {"some beside the lot", true, 3, 0},
+                               {"below zero", false, 10, -15, true}}) {
     SCOPED_TRACE(one.name);
     for (const bool tracking : {true, false}) {
       LifeRoom room;
@@ -239,10 +241,8 @@ TEST(BatchConserves, StockThatWentWhileTheBatchWasOpen) {
   const std::int32_t number = room.Save();
   room.Open(number);
   PostStock(room.session, {.source = PostingSource::ManualAdjust, .name = "RED", .quantity = -90});
-  PostStock(room.session, {.source = PostingSource::ManualAdjust,
-                           .name = "WHITE",
-                           .quantity = -75,
-                           .lot = LotTarget{.LotRefID = 1}});
+  PostStock(room.session,
+            {.source = PostingSource::ManualAdjust, .name = "WHITE", .quantity = -75, .place = {.LotRefID = 1}});
   ASSERT_TRUE(CancelBatch(room.session, room.record).value());
   EXPECT_EQ(room.Red(), 0);
   DeleteAndReturn(room, number);
@@ -280,8 +280,11 @@ TEST(BatchConserves, ALotWhoseReferenceIsAnothersByNow) {
       const std::string table = Quoted(room.session.Table(LotTable(kind)));
       const float there = room.LotQty(kind, name, 1).IsNull() ? 0 : room.LotQty(kind, name, 1).Single();
       if (there > 0)
-        PostStock(room.session, {.source = PostingSource::ManualAdjust, .kind = kind, .name = name, .quantity = -there,
-                                 .lot = LotTarget{.LotRefID = 1}});
+        PostStock(room.session, {.source = PostingSource::ManualAdjust,
+                                 .kind = kind,
+                                 .name = name,
+                                 .quantity = -there,
+                                 .place = {.LotRefID = 1}});
       room.Lot(kind, name, 1, 40, {{"LotNumber", "STRANGER"}});
     };
     stranger(ColorKind::Basic, "RED");

@@ -1,7 +1,7 @@
 // A random operator at the bench, thousands of acts long, against a model in memory that knows nothing of the tables.
 // After each act every figure of stock is what the model says, no lot is below zero, numbers are unique and rising, and
-// of the Basic Colors nothing came out of nothing: stock, what Batches hold and what was lost add up. What a Batch holds
-// is what really left stock for it, however much its lines needed.
+// of the Basic Colors nothing came out of nothing: stock, what Batches hold and what was lost add up. What a Batch
+// holds is what really left stock for it, however much its lines needed.
 
 #include <cmath>
 #include <map>
@@ -324,9 +324,10 @@ class Operator {
 
  private:
   Thousandths StockOfBasics() {
-    return Whole(session_.File()
-                     .Scalar("SELECT (SELECT TOTAL(Inventory) FROM INK_Basic) + (SELECT TOTAL(LotQty) FROM INK_Basic_LotInv)")
-                     .Number());
+    return Whole(
+        session_.File()
+            .Scalar("SELECT (SELECT TOTAL(Inventory) FROM INK_Basic) + (SELECT TOTAL(LotQty) FROM INK_Basic_LotInv)")
+            .Number());
   }
   // By Batch; the open one has handed back what it took.
   std::map<std::int32_t, Thousandths> HeldByBatches() {
@@ -401,8 +402,8 @@ class Operator {
     std::map<std::string, Thousandths> left = model_.stock;
     for (std::size_t i = 0; i < record_.work.Rows.size(); ++i) {
       const BatchRow& row = record_.work.Rows[i];
-      const ColorKind kind = row.kind == RowKind::Mix ? ColorKind::Mix : ColorKind::Basic;
-      Thousandths rest = Whole(row.Amount());
+      const ColorKind kind = row.kind == LineKind::Mix ? ColorKind::Mix : ColorKind::Basic;
+      Thousandths rest = Whole(row.amount);
       for (const LotUse& use : rest > 0 ? RowLots(record_, i).uses : std::vector<LotUse>{}) {
         const std::string place = PlaceOf(kind, row.name, use.LotRefID, use.LotNumber);
         Thousandths drawn = Whole(use.LotQty);
@@ -503,18 +504,18 @@ class Operator {
     if (mixes == 0) return;
     const std::size_t row = Below(mixes);
     const auto window = OpenMixRow(session_, record_, row);
-    if (!window || window->Color_Name.empty()) return;
+    if (!window) return;
     [[maybe_unused]] const auto done =
         ApplyMixRow(session_, record_, row, {.amount = Chance(4) ? "0" : Quantity(6), .recycle = Chance(2)});
   }
   void PourOne() {
     if (record_.work.RecycledColors.empty()) return;
     const std::size_t row = Below(record_.work.RecycledColors.size());
-    const double before = LeadingNumber(record_.work.CalculatedQuantity);
-    const double amount = record_.work.Rows[row].Amount() + LeadingNumber(Quantity(5));
+    const double before = record_.work.CalculatedQuantity;
+    const double amount = record_.work.Rows[row].amount + LeadingNumber(Quantity(5));
     if (const auto poured = PourMixRow(session_, record_, row, amount); poured && poured->reformulated) {
       EXPECT_GE(record_.work.Quantity(), before);
-      EXPECT_EQ(record_.work.Rows[row].amount, Fixed(amount, 3));
+      EXPECT_EQ(record_.work.Rows[row].amount, RoundTo(amount, 3));
       ++pours;
     }
   }
@@ -542,9 +543,7 @@ class Operator {
     const std::size_t row = Below(record_.work.Rows.size());
     const BatchRow shown = record_.work.Rows[row];
     if (!shown.lotLink || !OpenRowLots(session_, record_, row)) return;
-    const LotLineKind kind = shown.kind == RowKind::Mix     ? LotLineKind::Mix
-                             : shown.kind == RowKind::Basic ? LotLineKind::Basic
-                                                            : LotLineKind::Addition;
+    const LineKind kind = shown.kind;
     auto work = LoadLotSelection(session_, shown.name, kind, LotNeed(session_, record_, row), record_.work.UMF,
                                  RowLots(record_, row));
     if (!work) return;
@@ -597,7 +596,7 @@ class Operator {
                     .kind = IsMix(place) ? ColorKind::Mix : ColorKind::Basic,
                     .name = place.substr(slash + 1, last - slash - 1),
                     .quantity = RoundSingle(static_cast<double>(quantity) / 1000, 3)};
-    if (IsLot(place)) posting.lot = LotTarget{.LotRefID = IsMix(place) ? LeadingInteger(lot) : RefOf(posting.name, lot)};
+    if (IsLot(place)) posting.place = {.LotRefID = IsMix(place) ? LeadingInteger(lot) : RefOf(posting.name, lot)};
     PostStock(session_, posting);
     model_.Adjust(place, quantity);
   }
@@ -618,7 +617,7 @@ class Operator {
                                                       .kind = ColorKind::Basic,
                                                       .name = name,
                                                       .quantity = 12,
-                                                      .lot = LotTarget{.LotNumber = number}});
+                                                      .place = {.LotNumber = number}});
     model_.Adjust(PlaceOf(ColorKind::Basic, name, posted.LotRefID, number), Whole(12));
   }
   // The program is killed and started again.
@@ -685,21 +684,21 @@ class Operator {
     if (work.Rows.empty() || work.QuantityChanged) return;
     Thousandths lines = 0;
     for (const BatchRow& row : work.Rows)
-      if (row.kind != RowKind::Addition) lines += Whole(row.Amount());
+      if (row.kind != LineKind::Addition) lines += Whole(row.amount);
     EXPECT_NEAR(static_cast<double>(lines), static_cast<double>(Whole(work.Quantity())),
                 work.Ingredients.empty() ? 5 : 0);
     for (const BatchRow& addition : work.Rows) {
-      if (addition.kind != RowKind::Addition) continue;
-      Thousandths held = Whole(addition.Amount());
+      if (addition.kind != LineKind::Addition) continue;
+      Thousandths held = Whole(addition.amount);
       for (const BatchRow& row : work.Rows)
-        if (row.kind == RowKind::Basic && row.name == addition.name) held += Whole(row.Amount());
-      EXPECT_TRUE(held >= 0 || addition.Amount() > 0) << addition.name << ' ' << held;
+        if (row.kind == LineKind::Basic && row.name == addition.name) held += Whole(row.amount);
+      EXPECT_TRUE(held >= 0 || addition.amount > 0) << addition.name << ' ' << held;
     }
     for (const BatchRow& row : work.Rows)
-      EXPECT_TRUE(row.kind != RowKind::Mix || RoundTo(row.max, 3) >= row.Amount()) << row.name << row.amountHint;
+      EXPECT_TRUE(row.kind != LineKind::Mix || RoundTo(row.max, 3) >= row.amount) << row.name << row.max;
     Thousandths jobs = 0;
     for (const BatchJobLine& line : record_.jobs) jobs += Whole(line.QtyUsed);
-    EXPECT_LE(jobs, Whole(LeadingNumber(work.TotalText)));
+    EXPECT_LE(jobs, Whole(work.ShownTotal));
   }
 
   void Check() {

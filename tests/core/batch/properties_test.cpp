@@ -86,12 +86,12 @@ void CheckLines(const BatchWork& work) {
   double recycled = 0;
   double additions = 0;
   for (const BatchRow& row : work.Rows) {
-    sum += row.Amount();
-    if (row.kind == RowKind::Mix) recycled += row.Amount();
-    if (row.kind == RowKind::Addition) {
-      additions += row.Amount();
+    sum += row.amount;
+    if (row.kind == LineKind::Mix) recycled += row.amount;
+    if (row.kind == LineKind::Addition) {
+      additions += row.amount;
     } else {
-      EXPECT_GE(row.Amount(), 0) << row.name;
+      EXPECT_GE(row.amount, 0) << row.name;
     }
   }
   // Ingredients that come back beside additions can be more than a Batch holds; the save refuses them.
@@ -101,7 +101,7 @@ void CheckLines(const BatchWork& work) {
   } else {
     EXPECT_EQ(Fixed(sum - additions, 3), work.QuantityText);
   }
-  EXPECT_EQ(Fixed(sum, 3), work.TotalText);
+  EXPECT_EQ(Fixed(sum, 3), Fixed(work.ShownTotal, 3));
   EXPECT_EQ(work.Total, static_cast<float>(RoundTo(sum, 3)));
   EXPECT_NEAR(work.RecycledTotal, recycled, 0.0005 + Grain(recycled));
 }
@@ -233,8 +233,8 @@ TEST(Properties, RefitToTheSameQuantityChangesNothing) {
       const std::vector<BatchRow> before = work.Rows;
       ASSERT_TRUE(RecycleAction(book.room.session, work));
       std::map<std::string, double> amounts;
-      for (const BatchRow& row : before) amounts[std::string(RowKindName(row.kind)) + row.name] += row.Amount();
-      for (const BatchRow& row : work.Rows) amounts[std::string(RowKindName(row.kind)) + row.name] -= row.Amount();
+      for (const BatchRow& row : before) amounts[std::string(LineKindName(row.kind)) + row.name] += row.amount;
+      for (const BatchRow& row : work.Rows) amounts[std::string(LineKindName(row.kind)) + row.name] -= row.amount;
       const double rounding = 0.001 * (1.1 + static_cast<double>(work.RecycledColors.size()));
       for (const auto& [line, moved] : amounts) {
         EXPECT_NEAR(moved, 0, rounding + Grain(work.Quantity()) * 8) << line;
@@ -259,11 +259,11 @@ class Bench {
   long double Spare(const BatchWork& work, std::size_t count, const std::string& color, long double amount,
                     long double quantity) const {
     long double spare = quantity - amount;
-    for (std::size_t i = 0; i < count; ++i) spare -= Exact(work.Rows[i].amount);
+    for (std::size_t i = 0; i < count; ++i) spare -= Exact(Fixed(work.Rows[i].amount, 3));
     for (const auto& [ingredient, part] : book_.PartsOf(color)) {
       long double left = quantity * ShareOf(book_.PartsOf(name_), ingredient) / 100 - amount * Exact(part) / 100;
       for (std::size_t i = 0; i < count; ++i)
-        left -= Exact(work.Rows[i].amount) * ShareOf(book_.PartsOf(work.Rows[i].name), ingredient) / 100;
+        left -= Exact(Fixed(work.Rows[i].amount, 3)) * ShareOf(book_.PartsOf(work.Rows[i].name), ingredient) / 100;
       spare = std::min(spare, left);
     }
     return spare;
@@ -281,16 +281,15 @@ class Bench {
       const RecycleColor& color = work.RecycledColors[row];
       EXPECT_TRUE(names.insert(color.Color_Name).second);
       const double most = RoundTo(work.Rows[row].max, 3);
-      EXPECT_GE(most, work.Rows[row].Amount()) << color.Color_Name;
+      EXPECT_GE(most, work.Rows[row].amount) << color.Color_Name;
       if (color.Recycle_Percent == 0) continue;
       const long double spare = Spare(work, row, color.Color_Name, most, work.Quantity());
-      EXPECT_LE(std::abs(spare), Slack(work) + 1e-5L * most)
-          << "maximum of " << color.Color_Name << " in row " << row << work.Rows[row].amountHint;
+      EXPECT_LE(std::abs(spare), Slack(work) + 1e-5L * most) << "maximum of " << color.Color_Name << " in row " << row;
     }
     for (const BatchIngredient& addition : work.Additions) {
       double held = RoundTo(addition.Amount, 3);
       for (const BatchRow& row : work.Rows)
-        if (row.kind == RowKind::Basic && row.name == addition.IngName) held += row.Amount();
+        if (row.kind == LineKind::Basic && row.name == addition.IngName) held += row.amount;
       EXPECT_TRUE(addition.Amount >= 0 || RoundTo(held, 3) >= 0) << addition.IngName;
     }
   }
@@ -299,9 +298,9 @@ class Bench {
   /// poured and those above it are what they were.
   void CheckPour(const BatchWork& before, const BatchWork& after, std::size_t row, double poured) const {
     EXPECT_GE(after.Quantity(), before.Quantity());
-    EXPECT_NEAR(after.Rows[row].Amount(), poured, 0.0001 + Grain(poured) * 4);
+    EXPECT_NEAR(after.Rows[row].amount, poured, 0.0001 + Grain(poured) * 4);
     for (std::size_t i = 0; i < row; ++i)
-      EXPECT_NEAR(after.Rows[i].Amount(), before.Rows[i].Amount(), 0.00101 + Grain(poured) * 4);
+      EXPECT_NEAR(after.Rows[i].amount, before.Rows[i].amount, 0.00101 + Grain(poured) * 4);
     if (poured <= RoundTo(before.Rows[row].max, 3)) {
       EXPECT_EQ(after.QuantityText, before.QuantityText);
     } else {
@@ -382,14 +381,14 @@ class Hand {
                           .has_value();
     // Of thousands a Single holds no whole thousandths: what the maximum leaves is its grain.
     if (done && kind == 1 && LeadingNumber(most) > 0) {
-      EXPECT_LE(RoundTo(work_.Rows[row].max, 3) - work_.Rows[row].Amount(), Grain(work_.Quantity()) * 8) << most;
+      EXPECT_LE(RoundTo(work_.Rows[row].max, 3) - work_.Rows[row].amount, Grain(work_.Quantity()) * 8) << most;
     }
     return done;
   }
   bool PourMix() {
     if (work_.RecycledColors.empty()) return true;
     const std::size_t row = Row(work_.RecycledColors.size());
-    const double more = work_.Rows[row].Amount() + RoundTo(book_.Real(0.001, work_.Quantity() * 0.3), 3);
+    const double more = work_.Rows[row].amount + RoundTo(book_.Real(0.001, work_.Quantity() * 0.3), 3);
     const BatchWork before = work_;
     book_.room.prompt.Expect("Excess Recycle Color Weight", Answer::Yes);
     const auto done = OverpourMixRow(session_, work_, row, more);
@@ -403,7 +402,7 @@ class Hand {
     if (work_.Ingredients.empty() || BatchIsFull(work_)) return true;
     const std::size_t row = work_.RecycledColors.size() + Row(work_.Ingredients.size());
     const double share = work_.Ingredients[row - work_.RecycledColors.size()].recipeSlot < 0 ? 0 : FormulaShare(row);
-    const double more = RoundTo(work_.Rows[row].Amount() + book_.Real(0, work_.Quantity() * 0.3) * share / 100, 3);
+    const double more = RoundTo(work_.Rows[row].amount + book_.Real(0, work_.Quantity() * 0.3) * share / 100, 3);
     const double before = work_.Quantity();
     book_.room.prompt.Expect("Excess Basic Color Weight", Answer::Yes)
         .Expect("Change in Amounts" + std::string(50, ' '), Answer::No);

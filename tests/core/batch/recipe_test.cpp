@@ -43,7 +43,7 @@ TEST_P(WorkedRecipe, GivesTheLines) {
   for (const Ink& ink : example.inks) room.Ink(ink.name, ink.parts, ink.stock, {{"Recycle", ink.recycle}});
   room.Recycled("TARGET", example.quantity);
   EXPECT_EQ(room.Lines(), example.lines);
-  EXPECT_EQ(room.work.PercentRecycled, example.percentRecycled);
+  EXPECT_EQ(PercentRecycledText(room.work), example.percentRecycled);
   EXPECT_EQ(room.work.Roundoff, example.roundoff);
 }
 
@@ -241,7 +241,7 @@ TEST(Recipe, AllSixteenPairsOfUnits) {
       const double expected = 3.0 * perPound[batch] / perPound[inventory];
       ASSERT_EQ(room.work.Rows.empty(), false);
       if (expected < 0.0005) continue;
-      EXPECT_NEAR(room.work.Rows[0].Amount(), expected, 0.0006 + expected * 1e-6) << inventory << " to " << batch;
+      EXPECT_NEAR(room.work.Rows[0].amount, expected, 0.0006 + expected * 1e-6) << inventory << " to " << batch;
     }
   }
 }
@@ -261,7 +261,7 @@ TEST(Recipe, FifteenIngredientsAndTheLimitOfLines) {
   // 15 ingredients and 5 inks: the loop ends once the two exceed 19.
   EXPECT_EQ(room.work.RecycledColors.size(), 5U);
   EXPECT_EQ(room.work.Rows.size(), 20U);
-  EXPECT_EQ(room.work.TotalText, "100.000");
+  EXPECT_EQ(Fixed(room.work.ShownTotal, 3), "100.000");
   // Equal shares are taken in table order.
   EXPECT_EQ(room.work.RecycledColors[0].Color_Name, "INK0");
   EXPECT_EQ(room.work.RecycledColors[4].Color_Name, "INK4");

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "batch_room.h"
+#include "core/batch/additions.h"
 #include "core/batch/adjust.h"
 #include "core/batch/recycle_list.h"
 
@@ -20,12 +21,11 @@ TEST(Rows, HintsMaximumAndMarks) {
   room.Ink("VIOLET", {{"RED", 50}, {"BLUE", 50}}, 30, {{"Reorder", 31.0F}});
   room.Recycled("TARGET", "100");
   const std::vector<BatchRow>& rows = room.work.Rows;
-  EXPECT_EQ(rows[0].nameHint, "Click to Adjust Inventory");
-  EXPECT_EQ(rows[0].amountHint, "30.000 (Max Amount = 80.000lb.)");
+  EXPECT_EQ(AmountHint(room.work, rows[0]), "30.000 (Max Amount = 80.000lb.)");
   EXPECT_TRUE(rows[0].moreUsable);
   EXPECT_TRUE(rows[0].lowStock);
   EXPECT_FALSE(rows[0].lotLink);
-  EXPECT_EQ(rows[1].amountHint, "");
+  EXPECT_EQ(AmountHint(room.work, rows[1]), "");
   EXPECT_FALSE(rows[1].lowStock);
   EXPECT_TRUE(rows[2].lowStock);
 
@@ -34,7 +34,7 @@ TEST(Rows, HintsMaximumAndMarks) {
   room.Recycled("TARGET", "0.002");  // BLUE is used up by .0016 VIOLET, .0004 RED remain
   EXPECT_EQ(room.Lines(), (Lines{"Mix VIOLET 0.002"}));
   room.Mixed("TARGET", "0.001");
-  EXPECT_EQ(rows[0].amountHint, "Click to Adjust this Amount");
+  EXPECT_EQ(AmountHint(room.work, rows[0]), "Click to Adjust this Amount");
   EXPECT_TRUE(rows[0].lotLink);   // .0006
   EXPECT_FALSE(rows[1].lotLink);  // .0004
   EXPECT_TRUE(rows[1].zero);
@@ -47,7 +47,7 @@ TEST(Rows, MaximumIsCutNotRounded) {
   room.Mix("TARGET", {{"RED", 66.667F}, {"BLUE", 33.333F}});
   room.Ink("VIOLET", {{"RED", 50}, {"BLUE", 50}}, 0.5F);
   room.Recycled("TARGET", "1");
-  EXPECT_EQ(room.work.Rows[0].amountHint, "0.500 (Max Amount = 0.666lb.)");  // .66666
+  EXPECT_EQ(AmountHint(room.work, room.work.Rows[0]), "0.500 (Max Amount = 0.666lb.)");  // .66666
 }
 
 // A half of the last decimal goes up, whatever the numbers look like in binary.
@@ -62,7 +62,7 @@ TEST(Rows, PercentagesRoundAsTheyReadOnPaper) {
   for (const RecycleListRow& row : RecycleListRows(room.work, {})) shares.push_back(row.Color_Name + " " + row.recycle);
   EXPECT_EQ(shares, (std::vector<std::string>{"TARGET 100.00%", "RED INK 66.67%", "BLUE INK 33.34%"}));
   room.Recycled("TARGET", "100");
-  EXPECT_EQ(room.work.PercentRecycled, "0.12%");  // .115
+  EXPECT_EQ(PercentRecycledText(room.work), "0.12%");  // .115
 }
 
 TEST(Rows, OrderBySetting) {
@@ -95,25 +95,29 @@ TEST(Rows, LargeQuantitiesAddUpToTheThousandth) {
   for (const char* quantity : {"99999", "98765.432", "65535.999", "99998.765"}) {
     room.Mixed("TARGET", quantity);
     double sum = 0;
-    for (const BatchRow& row : room.work.Rows) sum += row.Amount();
+    for (const BatchRow& row : room.work.Rows) sum += row.amount;
     EXPECT_EQ(Fixed(sum, 3), Fixed(*ParseNumber(quantity), 3));
-    EXPECT_EQ(room.work.TotalText, Fixed(*ParseNumber(quantity), 3));
+    EXPECT_EQ(Fixed(room.work.ShownTotal, 3), Fixed(*ParseNumber(quantity), 3));
   }
 }
 
-TEST(Rows, RoundoffWithoutIngredientRowsStaysInTheBooks) {
+TEST(Rows, RoundoffFallsOnIngredientsAloneAndWithoutThemStaysInTheBooks) {
   test::BatchRoom room;
-  room.Basics({"RED", "BLUE", "YELLOW"});
+  room.Basics({"RED", "BLUE", "YELLOW", "WHITE"});
   room.Mix("TARGET", {{"RED", 50}, {"BLUE", 25}, {"YELLOW", 25}});
   room.Ink("HALF", {{"RED", 100}}, 500);
+  room.Recycled("TARGET", "0.006");  // .003, .0015, .0015
+  ASSERT_TRUE(AddAdditions(room.session, room.work, {{"WHITE", "1"}}));
+  EXPECT_EQ(room.Lines(), (Lines{"Mix HALF 0.003", "Basic BLUE 0.001", "Basic YELLOW 0.002", "Addition WHITE 1.000"}));
+  EXPECT_EQ(room.work.LargestAmountIndex, 1);
   room.Ink("REST", {{"BLUE", 50}, {"YELLOW", 50}}, 500);
   room.Recycled("TARGET", "0.003");
   // HALF .0015 shows .002, REST .0015 shows .002.
   EXPECT_EQ(room.Lines(), (Lines{"Mix HALF 0.002", "Mix REST 0.002"}));
-  EXPECT_EQ(room.work.TotalText, "0.004");
+  EXPECT_EQ(Fixed(room.work.ShownTotal, 3), "0.004");
   EXPECT_EQ(room.work.Roundoff, -0.001F);
   EXPECT_EQ(room.work.LargestAmountIndex, 0);
-  EXPECT_EQ(room.work.PercentRecycled, "100.00%");
+  EXPECT_EQ(PercentRecycledText(room.work), "100.00%");
 }
 
 }  // namespace

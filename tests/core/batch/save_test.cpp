@@ -154,7 +154,7 @@ TEST_P(SavedAgain, MovesOnlyTheDifferenceOfWhatItMade) {
   room.record.fields.LotNumber = made.lot;
   room.Save();
   Posting use{.source = PostingSource::ManualAdjust, .kind = ColorKind::Mix, .name = "PINK", .quantity = -made.used};
-  if (*made.lot != 0) use.lot = LotTarget{.LotRefID = 1, .LotNumber = made.lot};
+  if (*made.lot != 0) use.place = {.LotRefID = 1, .LotNumber = made.lot};
   if (made.used > 0) PostStock(room.session, use);
   room.Open(1);
   if (std::string_view(made.quantity) != "40") room.Remix(made.quantity);

@@ -5,6 +5,7 @@
 #include "core/base/number.h"
 #include "core/colors/basics.h"
 #include "core/colors/formulas.h"
+#include "core/colors/rollup.h"
 #include "core/datafile/references.h"
 #include "support/ink_room.h"
 
@@ -143,6 +144,8 @@ TEST(Rename, MergingTwoBasicColors) {
   room.Basic("DRIER", {{"Additive", true}});
   room.Mix("MUD", {{"RED", 20.001F}, {"REDDISH", 29.999F}, {"BLUE", 50}});
   room.AddRow(schema::BasicLotInv, {{"LotCName", "BLUE"}, {"LotNumber", "7"}});
+  room.session.File().Execute("UPDATE INK_Basic SET VOC = 0.75, HAP = 0.5 WHERE Color_Name = 'RED'");
+  for (auto* pass : {UpdateMixBasicCosts, UpdateMixVOC, UpdateMixHAP}) pass(room.session);
   room.prompt.Expect(std::string(20, ' ') + "Basic Color Name Exists", Answer::No,
                      "This Basic Color already exists.\nDo you want to merge the colors?");
   EXPECT_FALSE(RenameBasic(room.session, "RED", "BLUE")->done);
@@ -158,7 +161,12 @@ TEST(Rename, MergingTwoBasicColors) {
   EXPECT_EQ(room.Row("SELECT group_concat(Color_Name||IngSort, ' ') FROM INK_Basic"), "REDDISH1 BLUE2 DRIER3");
   // The set held both: the survivor stands in it once.
   EXPECT_EQ(room.Row("SELECT SetList||Add_Percent0 FROM INK_Additives"), "<BLUE>5.0");
-  EXPECT_TRUE(room.session.CostChanged);
+  // The formulas count the survivor's figures from now on, each of them.
+  EXPECT_EQ(room.Row("SELECT BasicCost||' '||BasicVOC||' '||BasicHAP FROM INK_Mix WHERE Color_Name = 'PURPLE'"),
+            "2.5 0.375 0.25");
+  RunPendingPasses(room.session);
+  EXPECT_EQ(room.Row("SELECT BasicCost||' '||BasicVOC||' '||BasicHAP FROM INK_Mix WHERE Color_Name = 'PURPLE'"),
+            "0.0 0.0 0.0");
 }
 
 TEST(Rename, MergingBesideAnAdditiveSet) {

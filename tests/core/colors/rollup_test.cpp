@@ -53,6 +53,15 @@ TEST(RollUp, PassesWriteTheWantedFiguresOnly) {
   ASSERT_TRUE(RollUpFormula(room.session, ReadMix(room.session, "GONE")->rowId));
   EXPECT_EQ(figures("GONE"), (V{4.05F, 0.2F, 0.04F}));
   EXPECT_FALSE(RollUpFormula(room.session, 999));
+
+  // A cost has the decimals of prices, whoever works it out: 10.126 and 3 in equal parts.
+  room.session.DecimalPlaces = 3;
+  ASSERT_TRUE(RollUpFormula(room.session, ReadMix(room.session, "HALF")->rowId));
+  EXPECT_EQ(figures("HALF").front(), 6.563F);
+  EXPECT_EQ(RollUpRecipe(room.session, {{"A", 50}, {"B", 50}}).BasicCost, 6.563F);
+  room.session.File().Execute("UPDATE INK_Mix SET BasicCost = 0");
+  UpdateMixBasicCosts(room.session);
+  EXPECT_EQ(figures("HALF").front(), 6.563F);
 }
 
 TEST(RollUp, ManyFormulasInOneWalk) {

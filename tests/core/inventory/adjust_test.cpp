@@ -431,7 +431,7 @@ TEST(AdjustSave, AddsToWhatMovedMeanwhile) {
   struct Case {
     std::string name;
     float inventory;
-    float lot;            // 0 for Unlotted Inventory
+    float lot;  // 0 for Unlotted Inventory
     float entered;
     float moved;
     bool refused;
@@ -455,20 +455,20 @@ TEST(AdjustSave, AddsToWhatMovedMeanwhile) {
       SCOPED_TRACE(one.name);
       StockRoom room;
       room.Color(kind, "RED", one.inventory, {{"LotRefID", 1}});
-      std::optional<LotTarget> lot;
+      StockPlace lot;
       if (one.lot > 0) {
         room.Lot(kind, "RED", 1, one.lot, {{"LotNumber", "A"}});
-        lot = LotTarget{.LotRefID = 1, .LotNumber = "A"};
+        lot = {.LotRefID = 1, .LotNumber = "A"};
       }
       InventoryWork work = LoadInventory(room.session, kind, "RED");
-      ASSERT_TRUE(ApplyAdjust(room.session, work, Fields(room, work, one.entered, lot ? "A" : "")));
+      ASSERT_TRUE(ApplyAdjust(room.session, work, Fields(room, work, one.entered, lot.LotNumber)));
       const PostingSource source = one.moved < 0 ? PostingSource::BatchTakes : PostingSource::JobRecord;
       PostStock(room.session, {source, kind, "RED", {}, std::abs(one.moved), lot});
       const auto saved = SaveInventory(room.session, work);
       EXPECT_EQ(saved.has_value(), !one.refused);
       EXPECT_EQ(saved ? "" : saved.error().title, one.refused ? "Adjust Value" : "");
       const std::vector<LotRow> lots = LotsOf(room.session, kind, "RED");
-      if (!lot) {
+      if (lot.IsUnlotted()) {
         EXPECT_EQ(room.Inventory(kind, "RED"), Value(*one.after));
       } else if (one.after) {
         ASSERT_EQ(lots.size(), 1U);

@@ -8,7 +8,7 @@ namespace {
 
 struct LotSelectionTest : ::testing::Test, StockRoom {
   LotSelectionWork Load(float need, int unit = 1, const LotSelection& earlier = {}) {
-    auto work = LoadLotSelection(session, "Red", LotLineKind::Basic, need, unit, earlier);
+    auto work = LoadLotSelection(session, "Red", LineKind::Basic, need, unit, earlier);
     EXPECT_TRUE(work);
     return *work;
   }
@@ -124,7 +124,7 @@ TEST_F(LotSelectionTest, MarksTheEarlierSelectionAsFarAsStockGoes) {
 TEST_F(LotSelectionTest, OffersNothingThatTheOpenBatchMade) {
   Stock(5, {6, 4});
   const LotSelection earlier{{{1, "L1", "", "", {}, 4, 1, false}, {2, "L2", "", "", {}, 3, 1, false}}};
-  const auto work = LoadLotSelection(session, "Red", LotLineKind::Basic, 8, 1, earlier, {1.5F, 1});
+  const auto work = LoadLotSelection(session, "Red", LineKind::Basic, 8, 1, earlier, {1.5F, 1});
   ASSERT_TRUE(work);
   ASSERT_EQ(work->rows.size(), 2U);
   EXPECT_EQ(work->rows[0].InvQty, 3.5F);
@@ -179,7 +179,7 @@ TEST_F(LotSelectionTest, AsksBeforeAllIsDeselected) {
 TEST_F(LotSelectionTest, ClosesWhenAnAdditionTookTheNeedAway) {
   Stock(2, {});
   for (const float need : {0.0F, 0.0004F, -2.0F}) {
-    const auto work = LoadLotSelection(session, "Red", LotLineKind::Basic, need, 1);
+    const auto work = LoadLotSelection(session, "Red", LineKind::Basic, need, 1);
     ASSERT_FALSE(work) << need;
     EXPECT_EQ(work.error().title, std::string(40, ' ') + "Lot Selection Disabled");
     EXPECT_EQ(work.error().text,

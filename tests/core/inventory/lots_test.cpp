@@ -116,7 +116,7 @@ TEST(LotReferences, AFullColourGrantsNone) {
   EXPECT_LT((std::clock() - start) / CLOCKS_PER_SEC, 5);  // processor time
   EXPECT_EQ(room.Scalar("SELECT LotRefID FROM INK_Mix").Whole(), 999998);
 
-  Posting made{PostingSource::BatchMakes, ColorKind::Mix, "FULL", {}, 5, LotTarget{.LotNumber = "B1"}};
+  Posting made{PostingSource::BatchMakes, ColorKind::Mix, "FULL", {}, 5, StockPlace{.LotNumber = "B1"}};
   PostingResult result = PostStock(room.session, made);
   EXPECT_EQ(result.outcome, PostingResult::Outcome::Posted);
   EXPECT_EQ(result.LotRefID, -1);

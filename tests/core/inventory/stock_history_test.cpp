@@ -55,11 +55,11 @@ struct StockHistoryTest : ::testing::Test, StockRoom {
 TEST_F(StockHistoryTest, EveryPostingLeavesALineThatTellsWhoAndWhy) {
   Color(kMix, "PURPLE", 0);
   session.CurrentUser = "ANNA";
-  PostStock(session, {BatchMakes, kMix, "PURPLE", {}, 12.5F, LotTarget{.LotNumber = "A1"}, false, "Batch 000007"});
+  PostStock(session, {BatchMakes, kMix, "PURPLE", {}, 12.5F, StockPlace{.LotNumber = "A1"}, false, "Batch 000007"});
   PostStock(session, {BatchMakes, kMix, "PURPLE", {}, 2, {}, false, "Batch 000008"});
   session.CurrentUser = "BERT";
   clock.Set({2026, 3, 11, 8, 30, 5});
-  PostStock(session, {BatchTakes, kMix, "PURPLE", {}, 4, LotTarget{.LotRefID = 1}, true, "Batch 000009"});
+  PostStock(session, {BatchTakes, kMix, "PURPLE", {}, 4, StockPlace{.LotRefID = 1}, true, "Batch 000009"});
   PostStock(session, {BatchTakes, kMix, "PURPLE", {}, 1.8F, {}, false, "Batch 000009"});
   InventoryWork work = LoadInventory(session, kMix, "PURPLE");
   work.reason = "counted";
@@ -92,8 +92,8 @@ TEST_F(StockHistoryTest, EveryPostingLeavesALineThatTellsWhoAndWhy) {
 
 TEST_F(StockHistoryTest, ALotIsFoundUnderEachOfItsNumbers) {
   Color(kBasic, "RED", 0);
-  PostStock(session, {ScanReturn, kBasic, "RED", {}, 6, LotTarget{.LotNumber = "A"}});
-  PostStock(session, {ScanReturn, kBasic, "RED", {}, 7, LotTarget{.LotNumber = "OTHER"}});
+  PostStock(session, {ScanReturn, kBasic, "RED", {}, 6, StockPlace{.LotNumber = "A"}});
+  PostStock(session, {ScanReturn, kBasic, "RED", {}, 7, StockPlace{.LotNumber = "OTHER"}});
   PostStock(session, {ScanReturn, kBasic, "RED", {}, 1, {}});
   InventoryWork work = LoadInventory(session, kBasic, "RED");
   AdjustFields fields = FieldsOfRow(session, work, *FindRow(work, "A", "", ""));
@@ -112,10 +112,10 @@ TEST_F(StockHistoryTest, ALotIsFoundUnderEachOfItsNumbers) {
 
 TEST_F(StockHistoryTest, ALotThatTookOverANumberShowsItsOwnLines) {
   Color(kBasic, "RED", 0);
-  PostStock(session, {ScanReturn, kBasic, "RED", {}, 6, LotTarget{.LotNumber = "A"}});
-  PostStock(session, {BatchTakes, kBasic, "RED", {}, 6, LotTarget{.LotRefID = 1}});
+  PostStock(session, {ScanReturn, kBasic, "RED", {}, 6, StockPlace{.LotNumber = "A"}});
+  PostStock(session, {BatchTakes, kBasic, "RED", {}, 6, StockPlace{.LotRefID = 1}});
   EXPECT_EQ(History({.name = "RED", .lot = "A"}).size(), 2U);
-  PostStock(session, {ScanReturn, kBasic, "RED", {}, 9, LotTarget{.LotNumber = "A"}});
+  PostStock(session, {ScanReturn, kBasic, "RED", {}, 9, StockPlace{.LotNumber = "A"}});
   EXPECT_EQ(History({.name = "RED", .lot = "a"}), (std::vector<std::string>{"Scan: RED 2 A 9 9 |"}));
   EXPECT_EQ(History({.lot = "A"}), (std::vector<std::string>{"Scan: RED 2 A 9 9 |"}));
   InventoryWork work = LoadInventory(session, kBasic, "RED");
@@ -152,8 +152,7 @@ TEST_F(StockHistoryTest, JoinsTheNamesOfAFormulaThatAnEarlierProgramRenamed) {
           .Run();
   };
   const auto make = [&](const std::string& name, float quantity, const std::string& lot = {}) {
-    const auto target = lot.empty() ? std::nullopt : std::optional(LotTarget{.LotNumber = lot});
-    PostStock(session, {ScanReturn, kMix, name, {}, quantity, target});
+    PostStock(session, {ScanReturn, kMix, name, {}, quantity, {.LotNumber = lot}});
   };
   for (const char* name : {"TEAL", "ONE", "TWO", "SEA", "LAKE"}) Color(kMix, name, 0);
   make("TEAL", 12);
@@ -195,7 +194,7 @@ TEST_F(StockHistoryTest, TellsOfColorsThatComeChangeAndGo) {
   ASSERT_TRUE(SetUnlotted(session, stock, "4.25"));
   ASSERT_TRUE(SaveInventory(session, stock));
   ASSERT_TRUE(SaveBasic(session, work));
-  PostStock(session, {ScanReturn, kBasic, "RED", {}, 2, LotTarget{.LotNumber = "A"}});
+  PostStock(session, {ScanReturn, kBasic, "RED", {}, 2, StockPlace{.LotNumber = "A"}});
   prompt.Expect("Basic Color Window - Delete Basic Color?", Answer::Yes);
   ASSERT_TRUE(DeleteBasic(session, "RED"));
   EXPECT_EQ(History({.name = "RED"}),
@@ -371,7 +370,7 @@ TEST_F(StockHistoryTest, TwoWindowsAndTheRoomAgreeWithASlate) {
     for (int step = 0; step < 400; ++step) {
       auto& [work, entered] = windows[below(2)];
       const float quantity = amount();
-      const auto post = [&](PostingSource source, float moved, std::optional<LotTarget> lot) {
+      const auto post = [&](PostingSource source, float moved, StockPlace lot) {
         PostStock(session, {source, kind, "RED", {}, moved, std::move(lot)});
       };
       switch (below(8)) {
@@ -393,7 +392,7 @@ TEST_F(StockHistoryTest, TwoWindowsAndTheRoomAgreeWithASlate) {
           if (slate.lots.empty()) break;
           const auto lots = LotsOf(session, kind, "RED");
           const std::int32_t ref = lots[below(lots.size())].LotRefID;
-          post(quantity < 0 ? BatchTakes : ScanReturn, std::abs(quantity), LotTarget{.LotRefID = ref});
+          post(quantity < 0 ? BatchTakes : ScanReturn, std::abs(quantity), StockPlace{.LotRefID = ref});
           double& lot = slate.lots[ref];
           if (lot = RoundTo(lot + static_cast<double>(quantity), 3); lot <= 0) slate.lots.erase(ref);
           break;

@@ -13,7 +13,7 @@ struct CostWindowsTest : SideRoom {
     record.work.QuantityText = "100";
     EXPECT_TRUE(RecycleBatch(session, record));
     EXPECT_TRUE(AddBatchAdditions(session, record, {{"DRIER", "2"}}));
-    EXPECT_EQ(record.work.TotalText, "102.000");
+    EXPECT_EQ(Fixed(record.work.ShownTotal, 3), "102.000");
   }
   std::optional<desktop::Arguments> RunOnRecord(const char* name, const std::function<void(QWidget&)>& inside) {
     return Run(name, {{"Record", &record}}, inside);

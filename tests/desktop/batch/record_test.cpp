@@ -449,7 +449,7 @@ TEST_F(BatchRecordTest, FieldsOfABatchThatTakesNoChangeAreReadOnly) {
   Make("TARGET", "10", Qt::Key_F3);
   prompt.Expect("Batch Completion State            ", Answer::No);
   Save();
-  const std::map<std::string, const char*> lines{{"JobNumber", "job"},   {"txtQtyUsed", "3"},   {"LotNumber", "lot"},
+  const std::map<std::string, const char*> lines{{"JobNumber", "job"},     {"txtQtyUsed", "3"},  {"LotNumber", "lot"},
                                                  {"LotLocation", "shelf"}, {"LotContID", "box"}, {"txtShortNote", "n"},
                                                  {"txtQuantity", "12"}};
   const auto expectReadOnly = [&](bool readOnly) {
@@ -646,7 +646,7 @@ TEST_F(BatchRecordTest, TenBatchesOfTheSampleRoom) {
     ASSERT_TRUE(RecycleAction(session, work));
     Texts lines;
     for (const BatchRow& row : work.Rows)
-      lines.push_back(std::string(RowKindName(row.kind)) + " " + row.name + " " + row.amount + " lb.");
+      lines.push_back(std::string(LineKindName(row.kind)) + " " + row.name + " " + Fixed(row.amount, 3) + " lb.");
     Make(formula, "12.5", Qt::Key_F2);
     EXPECT_EQ(Rows(), lines);
     Save();
@@ -672,8 +672,8 @@ struct ChoosesUnlotted : desktop::Dialog {
     new QLineEdit(this);
   }
   void OnOpen(const desktop::Arguments& arguments) override {
-    asked.push_back(arguments.Text("IngName") + " " + std::string(LotLineName(arguments.Get<LotLineKind>("Kind"))) +
-                    " " + Fixed(arguments.Get<double>("IngQty"), 3));
+    asked.push_back(arguments.Text("IngName") + " " + std::string(LineKindName(arguments.Get<LineKind>("Kind"))) + " " +
+                    Fixed(arguments.Get<double>("IngQty"), 3));
     LotSelection chosen;
     chosen.uses.push_back(
         {.LotNumber = "Unlotted Inv.", .LotQty = static_cast<float>(arguments.Get<double>("IngQty"))});

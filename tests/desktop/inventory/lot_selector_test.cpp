@@ -29,11 +29,9 @@ struct LotSelectorTest : testing::Test, InventoryDesk {
     ShowActive(behind);
     WithModal(
         [&] {
-          result = windows.RunDialog("BatchLotInvSelector", {{"IngName", "RED"},
-                                                             {"Kind", LotLineKind::Basic},
-                                                             {"IngQty", need},
-                                                             {"Unit", 1},
-                                                             {"Selection", earlier}});
+          result = windows.RunDialog(
+              "BatchLotInvSelector",
+              {{"IngName", "RED"}, {"Kind", LineKind::Basic}, {"IngQty", need}, {"Unit", 1}, {"Selection", earlier}});
         },
         [&](QWidget& dialog) {
           list = &Control<desktop::Grid>(dialog, "InvColorList");
@@ -155,7 +153,7 @@ TEST_F(LotSelectorTest, DeselectingAndLeavingAskAndNothingIsNeededIsTold) {
   QWidget behind;
   ShowActive(behind);
   EXPECT_FALSE(windows.RunDialog("BatchLotInvSelector",
-                                 {{"IngName", "RED"}, {"Kind", LotLineKind::Basic}, {"IngQty", 0.0F}, {"Unit", 1}}));
+                                 {{"IngName", "RED"}, {"Kind", LineKind::Basic}, {"IngQty", 0.0F}, {"Unit", 1}}));
 }
 
 }  // namespace

@@ -25,7 +25,7 @@ class Inks : public TableSource {
   bool IsEditable(int row, int column) const override { return column == 1 && Text(row, 0) != "TOTAL WHITE"; }
   Result<void> Edit(int row, int column, const std::string& text) override {
     const auto number = ParseNumber(text.empty() ? "0" : text);
-    if (!number) return Refuse("", "");
+    if (!number) return Decline("");
     if (*number < 0) return Refuse("Invalid Quantity", "You must enter an amount between\n0 and 99999");
     At(row, column).text = Fixed(*number, 3);
     edits.push_back(Text(row, 0) + "=" + Text(row, column));
