@@ -32,6 +32,7 @@ class BatchForm : public Window {
   bool MayClose() override;
   /// A recipe is on screen: calculated and not saved, or a saved Batch whose ingredients are held back.
   bool InEdit() const override { return record_.state != BatchState::None; }
+  bool UsesFormula(std::string_view name) const override { return vellumark::UsesFormula(record_.work, name); }
 
   const BatchRecord& Record() const { return record_; }
   /// What the user may see, after another one has logged in.
@@ -86,7 +87,7 @@ class BatchForm : public Window {
   void EnterUnit(int index);
   /// Everything that was typed and not left yet; false after a refusal was shown.
   bool FieldsEntered();
-  /// Shows a refusal. One without a text was told already.
+  /// Shows a refusal; what the operator declined needs no word.
   template <class T>
   bool Took(const Result<T>& result);
   /// Goes to another Batch or none by `act`, a way out of the core.

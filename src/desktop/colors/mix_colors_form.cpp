@@ -182,13 +182,14 @@ void MixColorsForm::UpdateEnabled() {
 }
 
 void MixColorsForm::Activated() {
+  batchUses_ = work_ && windows.IsFormulaInUse(work_->Color_Name);
+  if (batchUses_ && !RecipeChanged()) allowEditing_->setChecked(false);
+  Changed();
   if (StandBackForBatch(*this, tr("Changing data on this window can impact the Batch Window."))) return;
   if (session.CostChanged || session.VOCChanged || session.HAPChanged) {
     const auto wait = Wait(WaitKind::WaitingForm_NoCancel, tr("Updating Master Formulas ..."));
     RunPendingPasses(session);
   }
-  batchUses_ = work_ && BatchUsesFormula(windows, work_->Color_Name);
-  if (batchUses_ && !RecipeChanged()) allowEditing_->setChecked(false);
   sets_->Refresh();
   Changed();
 }
@@ -274,7 +275,7 @@ void MixColorsForm::Show(const MixColor& mix, FormulaWork work, bool keepTyped) 
   if (!keepRecipe && mix.rowId != 0) ingredients_->ShowStored(StoredTotals(session, mix));
   notes_->Show(mix.Color_Name, work_->Notes, keepTyped);
   isModified_ = mix.rowId != 0 && IsFormulaModified(session, mix.Color_Name);
-  batchUses_ = mix.rowId != 0 && BatchUsesFormula(windows, mix.Color_Name);
+  batchUses_ = mix.rowId != 0 && windows.IsFormulaInUse(mix.Color_Name);
 }
 
 void MixColorsForm::Reload() {

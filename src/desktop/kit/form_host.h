@@ -42,6 +42,8 @@ class FormHost {
   virtual bool MayClose() { return true; }
   /// Unsaved work on screen, for the interlocks of other commands.
   virtual bool InEdit() const { return IsDirty(); }
+  /// What the window has on screen is made of that Master Formula, so that its recipe must stand still elsewhere.
+  virtual bool UsesFormula(std::string_view) const { return false; }
 
   bool IsDirty() const;
   void MarkClean();

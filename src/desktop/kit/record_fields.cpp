@@ -98,13 +98,4 @@ bool StandBackForBatch(Window& window, const QString& warning) {
   return true;
 }
 
-bool BatchUsesFormula(const WindowList& windows, std::string_view name) {
-  Window* batch = windows.Form("BatchForm");
-  if (batch == nullptr || batch->metaObject()->indexOfMethod("UsesFormula(QString)") < 0) return false;
-  bool uses = false;
-  QMetaObject::invokeMethod(batch, "UsesFormula", Qt::DirectConnection, Q_RETURN_ARG(bool, uses),
-                            Q_ARG(QString, Q(name)));
-  return uses;
-}
-
 }  // namespace vellumark::desktop

@@ -42,8 +42,4 @@ void OnActivation(Window& window, std::function<void()> activated);
 /// While the Batch Window has a recipe in edit, tells so with that warning and brings it forward; true when it did.
 bool StandBackForBatch(Window& window, const QString& warning);
 
-/// True when the Batch on screen is made of this formula or uses it: asked of the open Batch Window by its method
-/// UsesFormula(QString).
-bool BatchUsesFormula(const WindowList& windows, std::string_view name);
-
 }  // namespace vellumark::desktop

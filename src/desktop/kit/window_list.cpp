@@ -129,6 +129,10 @@ bool WindowList::IsInEdit(std::string_view name) const {
   return window != nullptr && window->InEdit();
 }
 
+bool WindowList::IsFormulaInUse(std::string_view formula) const {
+  return std::ranges::any_of(open_, [formula](const Window* window) { return window->UsesFormula(formula); });
+}
+
 bool WindowList::CloseChildWindows(const std::vector<std::string>& except) {
   const std::vector<Window*> all = open_;
   for (auto it = all.rbegin(); it != all.rend(); ++it) {

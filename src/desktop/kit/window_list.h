@@ -85,6 +85,8 @@ class WindowList : public QObject {
   std::optional<Arguments> RunDialog(const std::string& name, const Arguments& arguments = {});
   /// True when it is open and has unsaved work.
   bool IsInEdit(std::string_view name) const;
+  /// True when one of the open windows has something on screen that is made of this Master Formula.
+  bool IsFormulaInUse(std::string_view formula) const;
 
   /// Asks and closes from the last opened to the first. False, and the rest stays, when a window declines.
   bool CloseChildWindows(const std::vector<std::string>& except = {});

@@ -696,44 +696,6 @@ TEST_F(MixColorsTest, AGuideFormulaIsFoundByItsNumberAndPutBack) {
               !ReadMix(session, "PANTONE 90001")->book.Color_Guide.empty());
 }
 
-/// A Batch Window as far as this window asks it.
-class BatchForm : public desktop::Window {
-  Q_OBJECT
-
- public:
-  explicit BatchForm(desktop::WindowList& list) : Window(list, "BatchForm", "Batch") {
-    desktop::Form form(*this);
-    form.Row("Name", form.Text("txtBatch"));
-  }
-  Q_INVOKABLE bool UsesFormula(const QString& name) const { return name == QLatin1String("PINK"); }
-};
-
-TEST_F(MixColorsTest, ABatchKeepsItsFormulaShut) {
-  HaveBasics();
-  for (const char* name : {"PINK", "SKY"}) Mix(name, {{"RED", 100}});
-  windows.Register<BatchForm>("BatchForm");
-  desktop::Window* batch = windows.OpenForm("BatchForm");
-  Open();
-  Enter("PINK");
-  EXPECT_FALSE(IsOn("AllowEditing"));
-  EXPECT_EQ(Label("lblClearBatch"), "Clear Batch to allow editing");
-  EXPECT_TRUE(Control(*form, "lblClearBatch").isVisible());
-  Enter("SKY");
-  EXPECT_TRUE(IsOn("AllowEditing"));
-  EXPECT_FALSE(Control(*form, "lblClearBatch").isVisible());
-
-  ShowActive(*batch);
-  Type(Control(*batch, "txtBatch"), "A RECIPE");
-  ASSERT_TRUE(windows.IsInEdit("BatchForm"));
-  prompt.Expect("Batch Window - Formula in State of Edit.", Answer::Ok,
-                "The Batch Window is open and has a recipe on screen.\nChanging data on this window can impact the "
-                "Batch Window.\nSave && Clear the information on the Batch Window before using this Window.");
-  ShowActive(*form);
-  Control(*form, kName).setFocus();
-  Settle();
-  EXPECT_EQ(FocusName(), "txtBatch");
-}
-
 TEST_F(MixColorsTest, WithTheSampleInkRoom) {
   HaveInkRoom();
   Set("CARTON", {{"RUB RESIST PASTE", "3"}});
@@ -754,5 +716,3 @@ TEST_F(MixColorsTest, WithTheSampleInkRoom) {
 
 }  // namespace
 }  // namespace vellumark::test
-
-#include "mix_colors_form_test.moc"

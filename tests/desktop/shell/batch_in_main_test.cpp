@@ -11,6 +11,7 @@
 #include "core/inventory/reorder.h"
 #include "core/session/users.h"
 #include "desktop/batch/register.h"
+#include "desktop/colors/register.h"
 #include "desktop/inventory/register.h"
 #include "desktop/kit/message_prompt.h"
 #include "desktop/kit/text.h"
@@ -82,6 +83,59 @@ TEST_F(BatchInMainTest, OpenedByTheToolbarItKeepsStockFromBeingChanged) {
   EXPECT_TRUE(windows.CloseChildWindows());
   Settle();
   EXPECT_EQ(Scalar("SELECT Inventory FROM INK_Basic WHERE Color_Name = 'RED'").Number(), 95.2F);
+}
+
+// While the Batch Window has a formula, makes it or recycles it, its recipe stands still.
+TEST_F(BatchInMainTest, ABatchKeepsItsFormulasShut) {
+  RegisterColorsWindows(windows);
+  Mix("PURPLE", {{"RED", 50}, {"BLUE", 50}}, {{"Recycle", true}, {"Inventory", 1.0F}});
+  Mix("SKY", {{"BLUE", 100}});
+  desktop::MainForm main(windows);
+  main.resize(1280, 720);
+  ShowActive(main);
+  desktop::Window* batch = windows.OpenForm("BatchForm");
+  Settle();
+  TypeOn("TARGET");
+  PressOn(Qt::Key_Return);
+  ASSERT_FALSE(windows.IsInEdit("BatchForm")) << "nothing is calculated yet";
+  desktop::Window* mixes = windows.OpenForm("MixColorsForm", {{"FindRecord", "TARGET"}});
+  Settle();
+  const auto expectShut = [&](bool shut) {
+    EXPECT_EQ(Control(*mixes, "AllowEditing").isEnabled(), !shut);
+    EXPECT_EQ(Control(*mixes, "lblClearBatch").isVisible(), shut);
+  };
+  expectShut(true);
+  EXPECT_EQ(Control<QLabel>(*mixes, "lblClearBatch").text(), "Clear Batch to allow editing");
+  Picture(*mixes, "mix-colors-clear-batch");
+  windows.OpenForm("MixColorsForm", {{"FindRecord", "SKY"}});
+  expectShut(false);
+
+  windows.OpenForm("BatchForm");
+  Settle();
+  Control(*batch, "txtQuantity").setFocus();
+  TypeOn("10");
+  PressOn(Qt::Key_F2);
+  ASSERT_TRUE(windows.IsInEdit("BatchForm"));
+  const auto standBack = [&] {
+    prompt.Expect("Batch Window - Formula in State of Edit.", Answer::Ok,
+                  "The Batch Window is open and has a recipe on screen.\nChanging data on this window can impact the "
+                  "Batch Window.\nSave && Clear the information on the Batch Window before using this Window.");
+  };
+  // The Batch is brought forward; what can be seen of the other window says why.
+  for (const char* used : {"TARGET", "PURPLE"}) {
+    standBack();
+    windows.OpenForm("MixColorsForm", {{"FindRecord", used}});
+    Settle();
+    EXPECT_EQ(windows.ActiveForm(), batch);
+    EXPECT_EQ(Control<QLineEdit>(*mixes, "cmbColorName").text(), used);
+    EXPECT_FALSE(Control(*mixes, "AllowEditing").isEnabled()) << used;
+    EXPECT_FALSE(Control(*mixes, "lblClearBatch").isHidden()) << used;
+  }
+  prompt.Expect(std::string(40, ' ') + "Cancel?", Answer::Yes);
+  Click(*batch, "cmdCancel");
+  windows.OpenForm("MixColorsForm");
+  Settle();
+  expectShut(false);
 }
 
 // Counts how often it is moved once its fields are there: each time styles all of them anew.
