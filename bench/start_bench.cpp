@@ -8,7 +8,7 @@
 
 #include <chrono>
 
-#include "core/settings/settings_keys.h"
+#include "core/settings/settings.h"
 #include "large_room.h"
 
 namespace vellumark::bench {
@@ -63,7 +63,7 @@ Start StartProgram(const char* program, const LargeRoom& room) {
 }
 
 void StartOurs(benchmark::State& state) {
-  SetSupportValue(Room100k().session, keys::DbFileName50, Room100k().path.string());
+  SetSupportValue(Room100k().session, setting::DbFileName50.key, Room100k().path.string());
   const ClosedRoom closed;
   StartProgram(PROGRAM, closed.room);  // settles the settings of a first start
   double best = 1e9;

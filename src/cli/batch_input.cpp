@@ -367,7 +367,7 @@ Result<BatchRecord> NewBatch(Session& session, const BatchInput& input) {
     if (const auto unit = EnterBatchUnit(session, record, ParseUnit(input.unit).value_or(record.work.UMF)); !unit)
       return std::unexpected(unit.error());
   SetQuantityText(record.work, input.quantity);
-  const bool recycle = input.recycle || (!input.mix && input.take.empty() && record.work.settings.recycleByDefault);
+  const bool recycle = input.recycle || (!input.mix && input.take.empty() && !record.work.settings.mixByDefault);
   if (const auto done = Calculate(session, record, recycle); !done) return std::unexpected(done.error());
   if (const auto done = TakeAndAdd(session, record, input); !done) return std::unexpected(done.error());
   if (const auto done = SetFields(session, record, input); !done) return std::unexpected(done.error());

@@ -5,7 +5,7 @@
 
 #include "core/datafile/lifecycle.h"
 #include "core/session/users.h"
-#include "core/settings/settings_keys.h"
+#include "core/session/settings.h"
 
 namespace vellumark::cli {
 
@@ -13,7 +13,7 @@ Result<void> RequireInDefaultFile(Context& context, Act act) {
   if (act == Act::Look) return {};
   Session& session = context.session;
   // Not --file: naming another file must not be a way round the rights.
-  const std::string path = GetSupportValue(session, keys::DbFileName50);
+  const std::string path = GetSetting(session, setting::DbFileName50);
   std::error_code ignored;
   if (path.empty() || !std::filesystem::exists(path, ignored)) return {};
   session.DataFileDB = Database::Open(path, OpenMode::ReadOnly);

@@ -4,7 +4,8 @@
 #include <memory>
 
 #include "cli/frame.h"
-#include "core/settings/settings_keys.h"
+#include "core/session/settings.h"
+#include "core/settings/catalogue.h"
 #include "core/settings/support_files.h"
 #include "core/shell/change_setting.h"
 
@@ -13,11 +14,16 @@ namespace {
 
 // What hangs on a key stands in the Data File, where there is one.
 Result<Json> SetSetting(Context& context, const std::string& key, const std::string& value) {
-  if (key == keys::DecimalPlaces && !context.dataFile.empty() && std::filesystem::exists(context.dataFile))
+  if (key == setting::DecimalPlaces.key && !context.dataFile.empty() && std::filesystem::exists(context.dataFile))
     if (auto opened = context.open(); !opened) return std::unexpected(opened.error());
   const auto changed = ChangeSetting(context.session, key, value);
   if (!changed) return std::unexpected(changed.error());
   return Json{{key, GetSupportValue(context.session, key)}};
+}
+
+std::string MeaningOf(const SupportRecord& record) {
+  const SettingInfo* info = FindSetting(record.key);
+  return info == nullptr ? std::string() : std::string(info->meaning);
 }
 
 }  // namespace
@@ -46,6 +52,7 @@ void AddSettingsCommands(CLI::App& app, Commands& commands) {
                      return context.Answer(TableOf<SupportRecord>()
                                                .Add("Key", &SupportRecord::key)
                                                .Add("Value", &SupportRecord::value)
+                                               .Add("Meaning", MeaningOf)
                                                .Of(context.session.support->settings.Read().Records()));
                    });
 }

@@ -9,7 +9,7 @@
 
 #include "core/backup/deep_check.h"
 #include "core/base/files.h"
-#include "core/settings/settings_keys.h"
+#include "core/settings/settings.h"
 #include "core/shell/data_files.h"
 #include "core/shell/database_menu.h"
 #include "support/data_files.h"

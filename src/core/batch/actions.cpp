@@ -148,7 +148,7 @@ Result<bool> RecycleAction(Session& session, BatchWork& work) {
 }
 
 bool ShowsBatchGraphic(const BatchWork& work) {
-  return work.settings.showGraphic && !work.RecycledColors.empty();
+  return work.settings.ShowBatchGraphic && !work.RecycledColors.empty();
 }
 
 }  // namespace vellumark

@@ -215,7 +215,7 @@ Result<MixAdjustment> OpenMixAdjustment(Session& session, BatchWork& work, std::
                        .amount = shown.amount,
                        .maximum = shown.max,
                        .offersRemoval = session.InvLotTracking == 0,
-                       .recycleByDefault = work.settings.recycleByDefault};
+                       .recycleByDefault = !work.settings.mixByDefault};
 }
 
 Result<float> ReadMixAmount(std::string_view text) {
@@ -267,7 +267,7 @@ Result<bool> ChooseFromRecycleList(Session& session, BatchWork& work, std::strin
 Result<Overpour> OverpourBasicRow(Session& session, BatchWork& work, std::size_t row, std::string_view poured) {
   if (auto valid = CheckAdjustable(work); !valid) return std::unexpected(valid.error());
   const BatchRow& shown = RowOfKind(work, row, LineKind::Basic);
-  if (!work.settings.overpour || BatchIsFull(work)) return Overpour{};
+  if (!work.settings.Overpour || BatchIsFull(work)) return Overpour{};
   const auto amount = ParseNumber(poured);
   if (!amount) return Refuse("Adjust Basic Color", "Please Enter a valid amount.", "txtAmount");
   if (*amount < shown.amount)

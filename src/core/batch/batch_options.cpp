@@ -2,39 +2,20 @@
 
 #include <fmt/format.h>
 
-#include <algorithm>
 #include <string_view>
-#include <utility>
+#include <type_traits>
 #include <vector>
 
-#include "core/base/number.h"
 #include "core/base/text.h"
 #include "core/base/units.h"
-#include "core/settings/settings_keys.h"
-#include "core/settings/support_files.h"
+#include "core/session/settings.h"
 
 namespace vellumark {
 namespace {
 
 constexpr const char* kTitle = "Batch Settings";
-constexpr std::string_view kTextCaption = "BatchCustomTextLabelCaption";
-constexpr std::string_view kNumberCaption = "BatchCustomNumericLabelCaption";
-constexpr std::string_view kTextDefault = "BatchUDTxtDefault";
-constexpr std::string_view kTextValue = "BatchUDTxtValue";
-constexpr std::string_view kTextRequired = "BatchUDTxtRequired";
-constexpr std::string_view kNumberFormat = "Batches_UDNum_Format";
-constexpr std::string_view kQuickInfoField = "QuickInfoField";
-
-int Number(const Session& session, std::string_view key) {
-  return LeadingInteger(GetSupportValue(session, key));
-}
-
-bool IsOn(const Session& session, std::string_view key) {
-  return Number(session, key) == 1;
-}
-
-std::string Flag(bool on) {
-  return on ? "1" : "0";
+std::string FieldName(const char* name, int number) {
+  return name + std::to_string(number);
 }
 
 // What can stand in a settings file and between the bars of a column set.
@@ -59,44 +40,41 @@ Result<void> CheckCaption(std::string_view caption, const std::string& field) {
 Result<void> CheckFields(const BatchOptions& options) {
   for (int i = 0; i < kUserFields; ++i) {
     const UserTextOption& text = options.texts.at(static_cast<std::size_t>(i));
-    if (auto caption = CheckCaption(text.caption, keys::Numbered("txtTextCaption", i)); !caption) return caption;
-    if (auto value = CheckText(text.value, keys::Numbered("txtTextValue", i)); !value) return value;
+    if (auto caption = CheckCaption(text.caption, FieldName("txtTextCaption", i)); !caption) return caption;
+    if (auto value = CheckText(text.value, FieldName("txtTextValue", i)); !value) return value;
   }
   for (int i = 0; i < kUserFields; ++i) {
     const UserNumberOption& number = options.numbers.at(static_cast<std::size_t>(i));
-    if (auto caption = CheckCaption(number.caption, keys::Numbered("txtNumberCaption", i)); !caption) return caption;
-    if (number.decimals < 0 || number.decimals > kMostUserDecimals)
-      return Refuse(kTitle, "Select a number of decimals from the list.", keys::Numbered("cmbNumberFormat", i));
+    if (auto caption = CheckCaption(number.caption, FieldName("txtNumberCaption", i)); !caption) return caption;
+    if (number.decimals < setting::Batches_UDNum_Format.limits.least || number.decimals > kMostUserDecimals)
+      return Refuse(kTitle, "Select a number of decimals from the list.", FieldName("cmbNumberFormat", i));
   }
   return {};
 }
 
-using KeyValues = std::vector<std::pair<std::string, std::string>>;
-
-KeyValues RecordsOf(const BatchOptions& options) {
-  KeyValues values{{std::string(keys::UMF), std::to_string(options.UMF)},
-                   {"BatchActionButton", Flag(!options.recycleByDefault)},
-                   {"IngSortOrder", Flag(!options.sortByAmount)},
-                   {std::string(keys::ReturnToInventory), Flag(options.ReturnToInventory)},
-                   {"ShowBatchGraphic", Flag(options.ShowBatchGraphic)},
-                   {std::string(keys::Overpour), Flag(options.Overpour)},
-                   {std::string(keys::BatchComplete), Flag(options.BatchComplete)},
-                   {std::string(keys::BatchDefaultLotNumberValue), Flag(options.BatchDefaultLotNumberValue)},
-                   {"ShowQuickInfoOption", Flag(options.ShowQuickInfo)}};
+template <class Options, class Visit>
+void ForEachSetting(Options& options, const Visit& visit) {
+  visit(setting::UMF.Named(), options.UMF);
+  visit(setting::BatchActionButton.Named(), options.mixByDefault);
+  visit(setting::IngSortOrder.Named(), options.userOrder);
+  visit(setting::ShowBatchGraphic.Named(), options.ShowBatchGraphic);
+  visit(setting::Overpour.Named(), options.Overpour);
+  visit(setting::ReturnToInventory.Named(), options.ReturnToInventory);
+  visit(setting::BatchComplete.Named(), options.BatchComplete);
+  visit(setting::BatchDefaultLotNumberValue.Named(), options.BatchDefaultLotNumberValue);
+  visit(setting::ShowQuickInfoOption.Named(), options.ShowQuickInfo);
   for (int i = 0; i < kQuickInfoFields; ++i)
-    values.emplace_back(keys::Numbered(kQuickInfoField, i),
-                        Flag(options.QuickInfoField.at(static_cast<std::size_t>(i))));
+    visit(setting::QuickInfoField[i], options.QuickInfoField.at(static_cast<std::size_t>(i)));
   for (int i = 0; i < kUserFields; ++i) {
-    const UserTextOption& text = options.texts.at(static_cast<std::size_t>(i));
-    const UserNumberOption& number = options.numbers.at(static_cast<std::size_t>(i));
-    values.emplace_back(keys::Numbered(kTextCaption, i), Trim(text.caption));
-    values.emplace_back(keys::Numbered(kTextDefault, i), Flag(text.hasDefault));
-    values.emplace_back(keys::Numbered(kTextValue, i), Trim(text.value));
-    values.emplace_back(keys::Numbered(kTextRequired, i), Flag(text.required));
-    values.emplace_back(keys::Numbered(kNumberCaption, i), Trim(number.caption));
-    values.emplace_back(keys::Numbered(kNumberFormat, i), std::to_string(number.decimals));
+    auto& text = options.texts.at(static_cast<std::size_t>(i));
+    visit(setting::BatchCustomTextLabelCaption[i], text.caption);
+    visit(setting::BatchUDTxtDefault[i], text.hasDefault);
+    visit(setting::BatchUDTxtValue[i], text.value);
+    visit(setting::BatchUDTxtRequired[i], text.required);
+    auto& number = options.numbers.at(static_cast<std::size_t>(i));
+    visit(setting::BatchCustomNumericLabelCaption[i], number.caption);
+    visit(setting::Batches_UDNum_Format[i], number.decimals);
   }
-  return values;
 }
 
 }  // namespace
@@ -117,38 +95,19 @@ const char* QuickInfoCaption(int field) {
 
 BatchOptions ReadBatchOptions(const Session& session) {
   BatchOptions options;
-  options.UMF = session.UMF;
-  options.recycleByDefault = Number(session, "BatchActionButton") == 0;
-  options.sortByAmount = Number(session, "IngSortOrder") == 0;
-  options.ReturnToInventory = IsOn(session, keys::ReturnToInventory);
-  options.ShowBatchGraphic = Number(session, "ShowBatchGraphic") != 0;
-  options.Overpour = IsOn(session, keys::Overpour);
-  options.BatchComplete = IsOn(session, keys::BatchComplete);
-  options.BatchDefaultLotNumberValue = IsOn(session, keys::BatchDefaultLotNumberValue);
-  options.ShowQuickInfo = IsOn(session, "ShowQuickInfoOption");
-  for (int i = 0; i < kQuickInfoFields; ++i)
-    options.QuickInfoField.at(static_cast<std::size_t>(i)) = IsOn(session, keys::Numbered(kQuickInfoField, i));
-  for (int i = 0; i < kUserFields; ++i) {
-    UserTextOption& text = options.texts.at(static_cast<std::size_t>(i));
-    text.caption = GetSupportValue(session, keys::Numbered(kTextCaption, i));
-    text.hasDefault = IsOn(session, keys::Numbered(kTextDefault, i));
-    text.value = GetSupportValue(session, keys::Numbered(kTextValue, i));
-    text.required = IsOn(session, keys::Numbered(kTextRequired, i));
-    UserNumberOption& number = options.numbers.at(static_cast<std::size_t>(i));
-    number.caption = GetSupportValue(session, keys::Numbered(kNumberCaption, i));
-    number.decimals = std::clamp(Number(session, keys::Numbered(kNumberFormat, i)), 0, kMostUserDecimals);
-  }
+  ForEachSetting(options, [&](const auto& named, auto& value) { value = GetSetting(session, named); });
   return options;
 }
 
-Result<void> SaveBatchOptions(Session& session, const BatchOptions& options) {
+Result<void> SaveBatchOptions(Session& session, BatchOptions options) {
   if (UnitName(options.UMF).empty()) return Refuse(kTitle, "Select a unit from the list.", "cmbUMF");
   if (auto fields = CheckFields(options); !fields) return fields;
-  session.support->settings.Change([&](SupportRecords& records) {
-    for (const auto& [key, value] : RecordsOf(options)) records.Set(key, value);
+  std::vector<SettingText> values;
+  ForEachSetting(options, [&](const auto& named, auto& value) {
+    if constexpr (std::is_same_v<decltype(value), std::string&>) value = Trim(value);
+    values.push_back(named.To(value));
   });
-  ReadSettings(session);
-  session.changes.Tell({{Change::Kind::Settings, "", "", Change::What::All, ""}});
+  StoreSettings(session, values);
   return {};
 }
 

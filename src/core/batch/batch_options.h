@@ -3,15 +3,16 @@
 #include <array>
 #include <string>
 
-#include "core/session/session.h"
+#include "core/batch/batch_work.h"
+#include "core/settings/settings.h"
 
 namespace vellumark {
 
 // What the settings window of Batches keeps.
 
-constexpr int kQuickInfoFields = 10;
-constexpr int kUserFields = 6;              ///< user-defined texts, and as many numbers
-constexpr int kMostUserDecimals = 6;        ///< of a user-defined number
+constexpr int kQuickInfoFields = setting::QuickInfoField.count;
+constexpr int kUserFields = setting::BatchUDTxtValue.count;  ///< user-defined texts, and as many numbers
+constexpr int kMostUserDecimals = static_cast<int>(setting::Batches_UDNum_Format.limits.most);
 constexpr std::size_t kUserTextWidth = 30;  ///< characters of a user-defined text, of captions too
 
 /// A user-defined text of a Batch.
@@ -30,13 +31,9 @@ struct UserNumberOption {
   bool operator==(const UserNumberOption&) const = default;
 };
 
-struct BatchOptions {
-  int UMF = 1;                    ///< unit of a new Batch
-  bool recycleByDefault = false;  ///< `BatchActionButton` 0
-  bool sortByAmount = true;       ///< `IngSortOrder` 0
-  bool ReturnToInventory = true;  ///< what is made goes to stock
-  bool ShowBatchGraphic = true;
-  bool Overpour = false;
+struct BatchOptions : BatchSettings {
+  int UMF = 1;                              ///< unit of a new Batch
+  bool ReturnToInventory = true;            ///< what is made goes to stock
   bool BatchComplete = false;               ///< Batches can be marked as complete
   bool BatchDefaultLotNumberValue = false;  ///< LotNumber starts as the Batch's number
   bool ShowQuickInfo = true;                ///< `ShowQuickInfoOption`
@@ -53,6 +50,6 @@ BatchOptions ReadBatchOptions(const Session& session);
 /// Stores all of them in one step, takes them into the session and tells of a change of Settings. Refuses an unknown
 /// unit; captions that are empty, too long or hold what a column's title cannot; a default that the field cannot hold.
 /// The field of the refusal says which of the captions or values, with its number.
-Result<void> SaveBatchOptions(Session& session, const BatchOptions& options);
+Result<void> SaveBatchOptions(Session& session, BatchOptions options);
 
 }  // namespace vellumark

@@ -8,40 +8,27 @@
 #include "core/base/text.h"
 #include "core/base/units.h"
 #include "core/inventory/lots.h"
+#include "core/session/settings.h"
 
 namespace vellumark {
-namespace {
-
-float SettingNumber(const Session& session, std::string_view key, double most) {
-  return static_cast<float>(std::clamp(LeadingNumber(GetSupportValue(session, key)), 0.0, most));
-}
-
-int SettingChoice(const Session& session, std::string_view key, int most) {
-  const int choice = LeadingInteger(GetSupportValue(session, key));
-  return choice >= 0 && choice <= most ? choice : 0;
-}
-
-}  // namespace
-
-void ReadBatchSettings(const Session& session, BatchWork& work) {
-  work.settings.recycleByDefault = LeadingInteger(GetSupportValue(session, "BatchActionButton")) == 0;
-  work.settings.showGraphic = LeadingInteger(GetSupportValue(session, "ShowBatchGraphic")) != 0;
-  work.settings.overpour = LeadingInteger(GetSupportValue(session, "Overpour")) == 1;
-  work.settings.sortByAmount = LeadingInteger(GetSupportValue(session, "IngSortOrder")) == 0;
+BatchSettings ReadBatchSettings(const Session& session) {
+  return {.mixByDefault = GetSetting(session, setting::BatchActionButton),
+          .userOrder = GetSetting(session, setting::IngSortOrder),
+          .ShowBatchGraphic = GetSetting(session, setting::ShowBatchGraphic),
+          .Overpour = GetSetting(session, setting::Overpour)};
 }
 
 BatchWork NewBatchWork(const Session& session) {
   BatchWork work;
-  const int unit = LeadingInteger(GetSupportValue(session, "UMF"));
-  work.UMF = UnitName(unit).empty() ? session.UMF : unit;
-  ReadBatchSettings(session, work);
-  work.cost.CostModelType = SettingChoice(session, "CostModelType", 1);
-  work.cost.MixCostOption = SettingChoice(session, "MixCostOption", 2);
-  work.cost.FixedCostOfBatch = SettingNumber(session, "FixedCostOfBatch", kMostQuantity);
-  work.cost.FixedCostPerUnit = SettingNumber(session, "FixedCostPerUnit", kMostQuantity);
-  work.cost.MarkupPercent = SettingNumber(session, "MarkupPercent", 100);
-  work.cost.MixVOCModelType = SettingChoice(session, "VOCModelType", 2);
-  work.cost.MixHAPModelType = SettingChoice(session, "HAPModelType", 2);
+  work.UMF = GetSetting(session, setting::UMF);
+  work.settings = ReadBatchSettings(session);
+  work.cost.CostModelType = GetSetting(session, setting::CostModelType);
+  work.cost.MixCostOption = GetSetting(session, setting::MixCostOption);
+  work.cost.FixedCostOfBatch = GetSetting(session, setting::FixedCostOfBatch);
+  work.cost.FixedCostPerUnit = GetSetting(session, setting::FixedCostPerUnit);
+  work.cost.MarkupPercent = GetSetting(session, setting::MarkupPercent);
+  work.cost.MixVOCModelType = GetSetting(session, setting::VOCModelType);
+  work.cost.MixHAPModelType = GetSetting(session, setting::HAPModelType);
   return work;
 }
 

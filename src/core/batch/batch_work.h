@@ -82,10 +82,11 @@ struct BatchRow {
 
 /// The settings that steer a calculation.
 struct BatchSettings {
-  bool recycleByDefault = false;  ///< `BatchActionButton` 0
-  bool showGraphic = true;
-  bool overpour = false;     ///< Basic rows may be adjusted
-  bool sortByAmount = true;  ///< `IngSortOrder` 0; else by the user's own order
+  bool mixByDefault = true;  ///< `BatchActionButton`
+  bool userOrder = false;    ///< `IngSortOrder`; else by amount
+  bool ShowBatchGraphic = true;
+  bool Overpour = false;  ///< Basic rows may be adjusted
+  bool operator==(const BatchSettings&) const = default;
 };
 
 /// How a Batch is costed and its emissions counted; the fields that a Batch keeps for itself.
@@ -174,8 +175,8 @@ struct BatchWork {
 
 /// A cleared work with the unit, the settings and the cost and emission models that a new Batch begins with.
 BatchWork NewBatchWork(const Session& session);
-/// The settings anew, for a window that stays open while they change.
-void ReadBatchSettings(const Session& session, BatchWork& work);
+/// For a window that stays open while they change.
+BatchSettings ReadBatchSettings(const Session& session);
 
 /// The operator edited the text: rows that stand are no longer those of the quantity.
 void SetQuantityText(BatchWork& work, std::string text);

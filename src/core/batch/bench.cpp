@@ -13,7 +13,7 @@
 #include "core/batch/jobs.h"
 #include "core/batch/recipe.h"
 #include "core/session/rights.h"
-#include "core/settings/settings_keys.h"
+#include "core/session/settings.h"
 
 namespace vellumark {
 namespace {
@@ -90,8 +90,7 @@ Result<void> CheckCalculated(const BatchRecord& record) {
 
 void BeginAdd(const Session& session, BatchRecord& record) {
   record.state = BatchState::Add;
-  if (record.fields.LotNumber.empty() &&
-      LeadingInteger(GetSupportValue(session, keys::BatchDefaultLotNumberValue)) == 1)
+  if (record.fields.LotNumber.empty() && GetSetting(session, setting::BatchDefaultLotNumberValue))
     record.fields.LotNumber = BatchNoText(record.BatchNo);
   for (int i = 0; i < kBatchUserFields; ++i) {
     std::string& text = record.fields.UD_Text[static_cast<std::size_t>(i)];
@@ -138,7 +137,7 @@ Result<float> ReadCost(const Session& session, float cost, const char* field) {
 // ---- Guards
 
 Result<void> CheckNotComplete(const Session& session, const BatchRecord& record) {
-  if (!UsesBatchComplete(session) || !record.Complete) return {};
+  if (!GetSetting(session, setting::BatchComplete) || !record.Complete) return {};
   return Refuse("Completed Batch - Changes Not Allowed",
                 "This Batch is marked as Complete.\n\nUncheck Complete to edit the batch.", "chkComplete");
 }
@@ -229,7 +228,7 @@ Result<void> ApplyMixRow(Session& session, BatchRecord& record, std::size_t row,
 }
 
 Result<bool> OpenBasicRow(Session& session, BatchRecord& record, std::size_t) {
-  return Adjustable(session, record, record.work.settings.overpour);
+  return Adjustable(session, record, record.work.settings.Overpour);
 }
 Result<Overpour> PourBasicRow(Session& session, BatchRecord& record, std::size_t row, std::string_view poured) {
   auto result = Alter(session, record, [&] { return OverpourBasicRow(session, record.work, row, poured); });
@@ -343,7 +342,7 @@ Result<float> ReadUDNumeric(const Session& session, int number, std::string_view
   if (!amount || *amount < -kMostQuantity || *amount > kMostQuantity)
     return Refuse("Invalid Amount", fmt::format("{} is not a valid amount. Please enter a valid amount.", typed),
                   fmt::format("UD_Numeric{}", number));
-  return RoundSingle(*amount, BatchUDNumericDecimals(session, number));
+  return RoundSingle(*amount, GetSetting(session, setting::Batches_UDNum_Format[number]));
 }
 
 Result<std::string> EnterUDNumeric(Session& session, BatchRecord& record, int number, std::string_view typed) {
@@ -353,7 +352,7 @@ Result<std::string> EnterUDNumeric(Session& session, BatchRecord& record, int nu
   if (stored != *amount)
     if (const auto editable = CheckEditable(session, record); !editable) return std::unexpected(editable.error());
   stored = *amount;
-  return Fixed(stored, BatchUDNumericDecimals(session, number));
+  return Fixed(stored, GetSetting(session, setting::Batches_UDNum_Format[number]));
 }
 
 }  // namespace vellumark

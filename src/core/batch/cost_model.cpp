@@ -6,13 +6,12 @@
 
 #include "core/base/units.h"
 #include "core/batch/cost.h"
+#include "core/settings/settings.h"
 
 namespace vellumark {
 namespace {
 
 constexpr int kPercentDecimals = 1;
-constexpr double kMostMarkup = 100;
-constexpr std::string_view kPrintCostOption = "PrintCostOption";
 
 const char* NameOf(const std::array<const char*, kMixOptions>& names, int option) {
   return names.at(static_cast<std::size_t>(option));
@@ -25,7 +24,8 @@ Result<float> ReadCost(const Session& session, std::string_view typed, const cha
 }
 
 Result<float> ReadMarkup(std::string_view typed) {
-  if (const auto percent = ParseNumber(typed); percent && *percent >= 0 && *percent <= kMostMarkup)
+  if (const auto percent = ParseNumber(typed);
+      percent && *percent >= 0 && *percent <= setting::MarkupPercent.limits.most)
     return RoundSingle(*percent, kPercentDecimals);
   return Refuse("Invalid Percentage", "You must enter a valid percentage between 0 and 100.", "txtMarkupPercent");
 }
@@ -111,14 +111,6 @@ std::vector<CostLine> CostDetail(const Session& session, const BatchWork& work) 
   lines.push_back({Kind::Subtotal, "lblAdditionalCost", "Addtional Costs - Subtotal", additional});
   lines.push_back({Kind::Total, "lblTotalCost", "Total Cost of Batch", figures.TotalCost});
   return lines;
-}
-
-bool PrintsCost(const Session& session) {
-  return LeadingInteger(GetSupportValue(session, kPrintCostOption)) == 1;
-}
-
-void SetPrintsCost(Session& session, bool prints) {
-  if (prints != PrintsCost(session)) SetSupportValue(session, kPrintCostOption, prints ? "1" : "0");
 }
 
 }  // namespace vellumark

@@ -50,8 +50,4 @@ struct CostLine {
 /// The lines from top to bottom, which add up to the total.
 std::vector<CostLine> CostDetail(const Session& session, const BatchWork& work);
 
-/// `PrintCostOption`: the cost detail is printed with a Batch.
-bool PrintsCost(const Session& session);
-void SetPrintsCost(Session& session, bool prints);
-
 }  // namespace vellumark

@@ -1,23 +1,10 @@
 #include "core/batch/default_models.h"
 
-#include <string_view>
-#include <utility>
-#include <vector>
-
 #include "core/session/rights.h"
-#include "core/settings/settings_keys.h"
-#include "core/settings/support_files.h"
+#include "core/session/settings.h"
 
 namespace vellumark {
 namespace {
-
-// All of them or none, then whoever shows them.
-void Store(Session& session, const std::vector<std::pair<std::string_view, std::string>>& values) {
-  session.support->settings.Change([&](SupportRecords& records) {
-    for (const auto& [key, value] : values) records.Set(key, value);
-  });
-  session.changes.Tell({{Change::Kind::Settings, "", "", Change::What::All, ""}});
-}
 
 Result<void> MayStore(const Session& session, CommandRight right) {
   if (auto writable = RequireWritable(session); !writable) return writable;
@@ -31,16 +18,15 @@ BatchCostModel DefaultModels(const Session& session) {
 }
 
 void StoreDefaultCostModel(Session& session, const BatchCostModel& model) {
-  Store(session, {{keys::CostModelType, std::to_string(model.CostModelType)},
-                  {keys::MixCostOption, std::to_string(model.MixCostOption)},
-                  {keys::FixedCostOfBatch, ShortestText(model.FixedCostOfBatch)},
-                  {keys::FixedCostPerUnit, ShortestText(model.FixedCostPerUnit)},
-                  {keys::MarkupPercent, ShortestText(model.MarkupPercent)}});
+  StoreSettings(session,
+                {setting::CostModelType.To(model.CostModelType), setting::MixCostOption.To(model.MixCostOption),
+                 setting::FixedCostOfBatch.To(model.FixedCostOfBatch),
+                 setting::FixedCostPerUnit.To(model.FixedCostPerUnit), setting::MarkupPercent.To(model.MarkupPercent)});
 }
 
 void StoreDefaultEmissionModels(Session& session, const BatchCostModel& model) {
-  Store(session, {{keys::VOCModelType, std::to_string(model.MixVOCModelType)},
-                  {keys::HAPModelType, std::to_string(model.MixHAPModelType)}});
+  StoreSettings(session,
+                {setting::VOCModelType.To(model.MixVOCModelType), setting::HAPModelType.To(model.MixHAPModelType)});
 }
 
 Result<void> SaveDefaultCostModel(Session& session, const CostModelEntry& typed) {

@@ -43,7 +43,7 @@ Folded FoldBatch(const Session& session, const BatchRecord& record) {
   for (const BatchIngredient& i : work.Ingredients) folded.recipe.push_back({i.IngName, ShownAmount(i.Amount)});
   for (const BatchIngredient& i : work.Additions) additions.push_back({i.IngName, ShownAmount(i.Amount)});
   folded.recipe = FoldAdditions(std::move(folded.recipe), additions);
-  if (work.settings.sortByAmount) {
+  if (!work.settings.userOrder) {
     std::ranges::stable_sort(folded.recipe, std::ranges::greater{}, &Ingredient::amount);
   } else {
     std::ranges::stable_sort(folded.recipe, {}, [&](const Ingredient& i) { return SortOf(work, i.name); });

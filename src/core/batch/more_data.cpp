@@ -3,6 +3,7 @@
 #include "core/base/text.h"
 #include "core/batch/bench.h"
 #include "core/colors/amounts.h"
+#include "core/session/settings.h"
 
 namespace vellumark {
 namespace {
@@ -18,7 +19,7 @@ MoreData ShowMoreData(const Session& session, const BatchFields& fields) {
   data.texts = fields.UD_Text;
   for (int i = 0; i < kBatchUserFields; ++i) {
     const auto place = static_cast<std::size_t>(i);
-    data.numbers.at(place) = Fixed(fields.UD_Numeric.at(place), BatchUDNumericDecimals(session, i));
+    data.numbers.at(place) = Fixed(fields.UD_Numeric.at(place), GetSetting(session, setting::Batches_UDNum_Format[i]));
   }
   const auto lab = [&](float value) { return AmountText(session, AmountKey::Lab, value); };
   data.lab = {lab(fields.Lab_L),       lab(fields.Lab_a), lab(fields.Lab_b), lab(fields.Lab_D),
@@ -58,11 +59,12 @@ std::vector<DataLine> UserDataLines(const Session& session, const BatchFields& f
   std::vector<DataLine> lines;
   for (int i = 0; i < kBatchUserFields; ++i) {
     const std::string& text = shown.texts.at(static_cast<std::size_t>(i));
-    if (!text.empty()) lines.push_back({BatchUDTextCaption(session, i), text});
+    if (!text.empty()) lines.push_back({GetSetting(session, setting::BatchCustomTextLabelCaption[i]), text});
   }
   for (int i = 0; i < kBatchUserFields; ++i) {
     const auto place = static_cast<std::size_t>(i);
-    if (fields.UD_Numeric.at(place) != 0) lines.push_back({BatchUDNumericCaption(session, i), shown.numbers.at(place)});
+    if (fields.UD_Numeric.at(place) != 0)
+      lines.push_back({GetSetting(session, setting::BatchCustomNumericLabelCaption[i]), shown.numbers.at(place)});
   }
   return lines;
 }

@@ -6,47 +6,40 @@
 #include <vector>
 
 #include "core/base/number.h"
-#include "core/settings/settings_keys.h"
-#include "core/settings/support_files.h"
+#include "core/session/settings.h"
 
 namespace vellumark {
 namespace {
 
-/// The switches, each with its key.
 template <class Options, class Visit>
-void ForEachSwitch(Options& options, const Visit& visit) {
-  visit("PrintBatchInfoOption", options.batchInfo);
-  visit("PrintBatchHistoryOption", options.history);
-  visit("PrintCostOption", options.cost);
-  visit("PrintExtraBatchDetails", options.extraDetails);
-  visit("PrintLABBatchDetails", options.lab);
-  visit("PrintIngInvConsumption", options.lotConsumption);
-  visit("PrintQuickInfoOption", options.quickInfo);
+void ForEachSetting(Options& options, const Visit& visit) {
+  visit(setting::PrintBatchInfoOption.Named(), options.batchInfo);
+  visit(setting::PrintBatchHistoryOption.Named(), options.history);
+  visit(setting::PrintCostOption.Named(), options.cost);
+  visit(setting::PrintExtraBatchDetails.Named(), options.extraDetails);
+  visit(setting::PrintLABBatchDetails.Named(), options.lab);
+  visit(setting::PrintIngInvConsumption.Named(), options.lotConsumption);
+  visit(setting::PrintQuickInfoOption.Named(), options.quickInfo);
   for (std::size_t i = 0; i < options.notes.size(); ++i)
-    visit(keys::Numbered("PrintBatchNotes", static_cast<int>(i)), options.notes[i]);
-  visit("PrintRecListPercent", options.recListPercent);
+    visit(setting::PrintBatchNotes[static_cast<int>(i)], options.notes[i]);
+  visit(setting::PrintRecListPercent.Named(), options.recListPercent);
+  visit(setting::PrintRecListPercentValue.Named(), options.recListPercentValue);
 }
-
-constexpr std::string_view kPercentValue = "PrintRecListPercentValue";
 
 }  // namespace
 
 BatchPrintOptions ReadBatchPrintOptions(const Session& session) {
   BatchPrintOptions options;
-  ForEachSwitch(options,
-                [&](std::string_view key, bool& on) { on = LeadingInteger(GetSupportValue(session, key)) == 1; });
-  options.recListPercentValue = LeadingInteger(GetSupportValue(session, kPercentValue));
+  ForEachSetting(options, [&](const auto& named, auto& value) { value = GetSetting(session, named); });
   return options;
 }
 
 Result<void> SaveBatchPrintOptions(Session& session, const BatchPrintOptions& options) {
-  if (options.recListPercentValue < 0 || options.recListPercentValue > 100)
+  if (!IsUsable(setting::PrintRecListPercentValue, std::to_string(options.recListPercentValue)))
     return Refuse("Batch Settings", "Enter a percentage from 0 to 100.", "txtRecListPercent");
-  session.support->settings.Change([&](SupportRecords& records) {
-    ForEachSwitch(options, [&](std::string_view key, bool on) { records.Set(key, on ? "1" : "0"); });
-    records.Set(kPercentValue, std::to_string(options.recListPercentValue));
-  });
-  session.changes.Tell({{Change::Kind::Settings, "", "", Change::What::All, ""}});
+  std::vector<SettingText> values;
+  ForEachSetting(options, [&](const auto& named, const auto& value) { values.push_back(named.To(value)); });
+  StoreSettings(session, values);
   return {};
 }
 

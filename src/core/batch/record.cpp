@@ -6,18 +6,10 @@
 
 #include "core/base/text.h"
 #include "core/datafile/lifecycle.h"
-#include "core/settings/settings_keys.h"
+#include "core/session/settings.h"
 
 namespace vellumark {
 namespace {
-
-bool IsOn(const Session& session, std::string_view key) {
-  return LeadingInteger(GetSupportValue(session, key)) == 1;
-}
-
-std::string NumberedSetting(const Session& session, std::string_view key, int number) {
-  return GetSupportValue(session, keys::Numbered(key, number));
-}
 
 bool SameCosts(const BatchCostModel& a, const BatchCostModel& b) {
   return a.CostModelType == b.CostModelType && a.MixCostOption == b.MixCostOption &&
@@ -74,7 +66,7 @@ BatchRecord NewBatchRecord(const Session& session) {
   record.work = NewBatchWork(session);
   record.BatchNo = UpcomingBatchNo(session);
   record.Username = session.CurrentUser;
-  record.ReturnToInventory = IsOn(session, keys::ReturnToInventory);
+  record.ReturnToInventory = GetSetting(session, setting::ReturnToInventory);
   record.LotRefID = 0;
   return record;
 }
@@ -120,10 +112,6 @@ void RememberRecord(BatchRecord& record) {
                        .figures = record.work.figures};
 }
 
-bool UsesBatchComplete(const Session& session) {
-  return IsOn(session, keys::BatchComplete);
-}
-
 bool PriorBatchHadAdditions(const Session& session, std::string_view colorName, std::int32_t before) {
   std::string types;
   for (int i = 0; i < schema::kBatchLines; ++i) types += fmt::format("{}IngType{}", i == 0 ? "" : ", ", i);
@@ -134,21 +122,9 @@ bool PriorBatchHadAdditions(const Session& session, std::string_view colorName, 
               .IsNull();
 }
 
-std::string BatchUDTextCaption(const Session& session, int number) {
-  return NumberedSetting(session, "BatchCustomTextLabelCaption", number);
-}
-std::string BatchUDNumericCaption(const Session& session, int number) {
-  return NumberedSetting(session, "BatchCustomNumericLabelCaption", number);
-}
 std::string BatchUDTextDefault(const Session& session, int number) {
-  if (LeadingInteger(NumberedSetting(session, "BatchUDTxtDefault", number)) != 1) return {};
-  return NumberedSetting(session, "BatchUDTxtValue", number);
-}
-bool BatchUDTextRequired(const Session& session, int number) {
-  return LeadingInteger(NumberedSetting(session, "BatchUDTxtRequired", number)) == 1;
-}
-int BatchUDNumericDecimals(const Session& session, int number) {
-  return std::clamp(LeadingInteger(NumberedSetting(session, "Batches_UDNum_Format", number)), 0, 6);
+  if (!GetSetting(session, setting::BatchUDTxtDefault[number])) return {};
+  return GetSetting(session, setting::BatchUDTxtValue[number]);
 }
 
 }  // namespace vellumark

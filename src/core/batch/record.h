@@ -132,17 +132,10 @@ bool RecordHasChanged(const Session& session, const BatchRecord& record);
 /// What RecordHasChanged compares with from now on.
 void RememberRecord(BatchRecord& record);
 
-/// How the Batch's `BatchComplete` setting stands.
-bool UsesBatchComplete(const Session& session);
-
 /// True when an earlier Batch of this formula, of a lower number than `before`, had additions.
 bool PriorBatchHadAdditions(const Session& session, std::string_view colorName, std::int32_t before);
 
-/// Caption, value in a new Batch (empty without one) and number format of the user-defined fields, `number` 0 to 5.
-std::string BatchUDTextCaption(const Session& session, int number);
-std::string BatchUDNumericCaption(const Session& session, int number);
+/// What user-defined text `number`, 0 to 5, is in a new Batch; empty without a default.
 std::string BatchUDTextDefault(const Session& session, int number);
-bool BatchUDTextRequired(const Session& session, int number);
-int BatchUDNumericDecimals(const Session& session, int number);
 
 }  // namespace vellumark

@@ -42,7 +42,7 @@ BatchRow IngredientRow(const Session& session, const BatchWork& work, const Batc
   row.kind = kind;
   row.name = ingredient.IngName;
   row.amount = RoundTo(ingredient.Amount, 3);
-  row.adjustable = kind == LineKind::Addition || work.settings.overpour;
+  row.adjustable = kind == LineKind::Addition || work.settings.Overpour;
   row.lotLink = session.InvLotTracking != 0 && ingredient.Amount > 0.0005F;
   row.lowStock = ingredient.Inventory < ingredient.Reorder;
   return row;
@@ -83,7 +83,7 @@ std::string PercentRecycledText(const BatchWork& work) {
 }
 
 void ShowBatchRows(const Session& session, BatchWork& work) {
-  if (work.settings.sortByAmount) {
+  if (!work.settings.userOrder) {
     std::ranges::stable_sort(work.Ingredients, std::ranges::greater{}, &BatchIngredient::Amount);
   } else {
     std::ranges::stable_sort(work.Ingredients, {}, &BatchIngredient::IngSort);

@@ -7,7 +7,7 @@
 #include "core/batch/open.h"
 #include "core/batch/saving.h"
 #include "core/batch/store.h"
-#include "core/settings/settings_keys.h"
+#include "core/session/settings.h"
 
 namespace vellumark {
 namespace {
@@ -22,7 +22,8 @@ Result<void> CheckTotal(const BatchRecord& record) {
 
 Result<void> CheckRequiredTexts(const Session& session, const BatchRecord& record) {
   for (int i = 0; i < kBatchUserFields; ++i)
-    if (BatchUDTextRequired(session, i) && TrimView(record.fields.UD_Text[static_cast<std::size_t>(i)]).empty())
+    if (GetSetting(session, setting::BatchUDTxtRequired[i]) &&
+        TrimView(record.fields.UD_Text[static_cast<std::size_t>(i)]).empty())
       return Refuse("More Data Incomplete",
                     "Required User Defined Text Fields Incomplete.\nPress More Data and complete.",
                     schema::Numbered("UD_Text", i));
@@ -30,7 +31,7 @@ Result<void> CheckRequiredTexts(const Session& session, const BatchRecord& recor
 }
 
 void AskComplete(Session& session, BatchRecord& record) {
-  if (!UsesBatchComplete(session) || record.Complete) return;
+  if (!GetSetting(session, setting::BatchComplete) || record.Complete) return;
   record.Complete = session.prompt.Ask("Batch Completion State            ", "Mark this Batch as Complete?");
 }
 
@@ -83,12 +84,12 @@ Result<bool> Checks(Session& session, BatchRecord& record, BatchDialogs& dialogs
 
 bool PassLotReminder(Session& session, const BatchRecord& record, BatchDialogs& dialogs) {
   if (session.InvLotTracking == 0) return true;
-  if (LeadingInteger(GetSupportValue(session, keys::BatchLotNumReminder)) != 1) return true;
+  if (!GetSetting(session, setting::BatchLotNumReminder)) return true;
   // Lines that stock does not cover are told of by themselves.
   const bool lines = HasUnchosenLots(session, record) && FindShortStock(session, record).empty();
   if (!lines && !TrimView(record.fields.LotNumber).empty()) return true;
   const LotReminderAnswer answer = dialogs.ShowLotNumReminder();
-  if (answer.dontShowAgain) SetSupportValue(session, keys::BatchLotNumReminder, "0");
+  if (answer.dontShowAgain) StoreSettings(session, {setting::BatchLotNumReminder.To(false)});
   return !answer.returnToBatch;
 }
 

@@ -20,6 +20,7 @@
 #include "core/batch/takings.h"
 #include "core/colors/color_dates.h"
 #include "core/datafile/lifecycle.h"
+#include "core/session/settings.h"
 
 namespace vellumark {
 namespace {
@@ -78,12 +79,12 @@ class BatchStore {
     std::vector<Cell> cells = BatchRowCells(record_, now_);
     // Without the setting a Batch is never complete; what an earlier one says stays.
     if (isNew) {
-      cells.emplace_back("Complete", UsesBatchComplete(session_) && record_.Complete);
+      cells.emplace_back("Complete", GetSetting(session_, setting::BatchComplete) && record_.Complete);
       record_.rowId = 0;
       const std::int64_t row = InsertRow(session_.File(), schema::Batch, Batches(), cells);
       newRow_ = row;
     } else {
-      if (UsesBatchComplete(session_)) cells.emplace_back("Complete", record_.Complete);
+      if (GetSetting(session_, setting::BatchComplete)) cells.emplace_back("Complete", record_.Complete);
       if (!UpdateRow(session_.File(), schema::Batch, Batches(), record_.rowId, cells))
         throw Failure(session_.File().Path().string(),
                       fmt::format("has lost the Batch {} while it was open", BatchNoText(record_.BatchNo)));
@@ -236,7 +237,7 @@ Result<SaveEnd> StoreBatch(Session& session, BatchRecord& record, BatchDialogs& 
 
 Result<void> CompleteBatch(Session& session, BatchRecord& record, bool complete) {
   if (auto writable = RequireWritable(session); !writable) return writable;
-  if (!UsesBatchComplete(session))
+  if (!GetSetting(session, setting::BatchComplete))
     return Refuse("Batch Completion State", "Batches are not marked as Complete; the option is turned off.",
                   "chkComplete");
   record.Complete = complete;
@@ -245,7 +246,7 @@ Result<void> CompleteBatch(Session& session, BatchRecord& record, bool complete)
 }
 
 void StoreComplete(Session& session, const BatchRecord& record) {
-  if (!UsesBatchComplete(session) || record.rowId == 0) return;
+  if (!GetSetting(session, setting::BatchComplete) || record.rowId == 0) return;
   Transaction transaction(session.File());
   const int changed =
       session.File()

@@ -15,6 +15,7 @@
 #include "core/datafile/pending_rollups.h"
 #include "core/datafile/row_pieces.h"
 #include "core/datafile/schema.h"
+#include "core/session/settings.h"
 #include "core/session/stock_lines.h"
 
 namespace vellumark {
@@ -89,7 +90,7 @@ void CopyInfo(Session& session, const std::string& from, const std::string& to) 
 
 // The rows of the tables, with whatever ingredients the formulas lack. False when it was stopped.
 bool CopyRows(Session& session, const std::string& from, const std::string& to) {
-  const bool keepStock = LeadingInteger(GetSupportValue(session, "AllowNegInv")) == 1;
+  const bool keepStock = GetSetting(session, setting::AllowNegInv);
   // The formulas are by far the longest part.
   const auto part = [&](double begin, double end) {
     return [&session, begin, end](double percent) {

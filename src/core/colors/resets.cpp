@@ -15,6 +15,7 @@
 #include "core/datafile/schema.h"
 #include "core/session/acts.h"
 #include "core/session/rights.h"
+#include "core/session/settings.h"
 
 namespace vellumark {
 namespace {
@@ -201,10 +202,8 @@ Result<bool> ChangeDecimalPlaces(Session& session, int decimalPlaces) {
     MarkRollUpsStale(session, {.cost = true});
     transaction.Commit();
   }
-  SetSupportValue(session, "DecimalPlaces", fmt::format("{}", decimalPlaces));
-  session.DecimalPlaces = decimalPlaces;
+  StoreSettings(session, {setting::DecimalPlaces.To(decimalPlaces)});
   RunPendingPasses(session);
-  session.changes.Tell({{Change::Kind::Settings, "", "", Change::What::All, ""}});
   return true;
 }
 

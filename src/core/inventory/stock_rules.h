@@ -10,11 +10,7 @@ struct StockRules {
   bool AllowNegInv = false;  ///< Unlotted Inventory of Basic Colors may be negative, and the cutoff leaves it alone
 };
 
-/// The cutoff point that stands for half a pound in an inventory unit (1 to 4), three decimals.
-float DefaultInvCutoff(int unit);
-
-/// `InvCutoff` and `AllowNegInv` as set; a cutoff that is no number is the default of the inventory unit, and one below
-/// zero is zero.
+/// `InvCutoff` and `AllowNegInv` in force.
 StockRules ReadStockRules(const Session& session);
 
 }  // namespace vellumark

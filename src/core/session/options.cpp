@@ -3,84 +3,59 @@
 #include <fmt/format.h>
 
 #include <algorithm>
-#include <cmath>
-#include <utility>
 
 #include "core/base/number.h"
 #include "core/base/text.h"
 #include "core/base/units.h"
 #include "core/datafile/databases.h"
 #include "core/session/rights.h"
-#include "core/settings/settings_keys.h"
-#include "core/settings/support_files.h"
+#include "core/session/settings.h"
 
 namespace vellumark {
 namespace {
 
 constexpr std::string_view kNoPaper = "Rendering Subsystem";
-constexpr int kShortestNameLimit = 10;
-constexpr int kLongestNameLimit = 30;
 constexpr int kLongestReminder = 30;
 
-using KeyValues = std::vector<std::pair<std::string_view, std::string>>;
-
-std::string Flag(bool on) {
-  return on ? "1" : "0";
-}
-
-bool IsOn(const Session& session, std::string_view key) {
-  return LeadingInteger(GetSupportValue(session, key)) == 1;
-}
-
 bool IsUnit(int unit) {
-  return unit >= 1 && unit <= 4;
+  return !UnitName(unit).empty();
 }
 
 Refusal UnknownUnit(std::string_view field) {
   return {"Options", "Select a unit from the list.", std::string(field)};
 }
 
-// All of them or none, then the session, then whoever shows them.
-void Store(Session& session, const KeyValues& values) {
-  session.support->settings.Change([&](SupportRecords& records) {
-    for (const auto& [key, value] : values) records.Set(key, value);
-  });
-  ReadSettings(session);
-  session.changes.Tell({{Change::Kind::Settings, "", "", Change::What::All, ""}});
-}
-
-}  // namespace
-
 Result<float> ReadInvCutoff(std::string_view typed) {
-  const auto amount = ParseNumber(typed);
-  if (amount && *amount >= 0 && std::isfinite(static_cast<float>(*amount))) return static_cast<float>(*amount);
+  if (CheckSettingText(&setting::InvCutoff, setting::InvCutoff.key, typed)) return setting::InvCutoff.Named().Of(typed);
   return Refuse("Invalid Inventory Cutoff", "You must enter an amount greater than or equal to zero.", "txtCutoff");
 }
 
 Result<int> ReadNameLength(std::string_view typed) {
-  const auto length = ParseNumber(typed);
-  if (length && *length >= kShortestNameLimit && *length <= kLongestNameLimit && *length == std::floor(*length))
-    return static_cast<int>(*length);
-  return Refuse("Invalid Name Length",
-                fmt::format("You must enter a whole number between {} and {}.", kShortestNameLimit, kLongestNameLimit),
-                "txtNameLength");
+  const auto& length = setting::UDCNameCCodeLen;
+  if (CheckSettingText(&length, length.key, typed)) return length.Named().Of(typed);
+  return Refuse(
+      "Invalid Name Length",
+      fmt::format("You must enter a whole number between {} and {}.", length.limits.least, length.limits.most),
+      "txtNameLength");
 }
+
+}  // namespace
 
 void TellNewUnit(Session& session, std::string_view key, int before, int after) {
   if (before == after || !IsUnit(before) || !IsUnit(after)) return;
   const std::string text =
-      key == keys::UMI
+      key == setting::UMI.key
           ? fmt::format(
                 "Nothing is converted: stock, lots, reorder points, the cutoff and unit costs on file keep their "
                 "figures, which stood for {} and stand for {} from now on.",
                 UnitName(before), UnitName(after))
           : fmt::format("Batches on file keep their unit; new ones are measured in {}", UnitName(after));
-  session.prompt.Tell(key == keys::UMI ? "Inventory Unit" : "Batch Unit", text, Icon::Information);
+  session.prompt.Tell(key == setting::UMI.key ? "Inventory Unit" : "Batch Unit", text, Icon::Information);
 }
 
 InventorySettings ReadInventorySettings(const Session& session) {
-  return {session.UMI, GetSupportValue(session, keys::InvCutoff), IsOn(session, keys::AllowNegInv),
-          session.InvLotTracking == 1, IsOn(session, keys::InvRecordMethod) ? 1 : 0};
+  return {session.UMI, ShortestText(InvCutoffInForce(session)), GetSetting(session, setting::AllowNegInv),
+          session.InvLotTracking == 1, GetSetting(session, setting::InvRecordMethod) ? 1 : 0};
 }
 
 Result<void> SaveInventorySettings(Session& session, const InventorySettings& settings) {
@@ -91,12 +66,11 @@ Result<void> SaveInventorySettings(Session& session, const InventorySettings& se
   if (settings.InvRecordMethod != 0 && settings.InvRecordMethod != 1)
     return Refuse("Options", "Select how lots are recorded.", "InvRecordMethod");
   const int before = session.UMI;
-  Store(session, {{keys::UMI, std::to_string(settings.UMI)},
-                  {keys::InvCutoff, ShortestText(*cutoff)},
-                  {keys::AllowNegInv, Flag(settings.AllowNegInv)},
-                  {keys::InvLotTracking, Flag(settings.InvLotTracking)},
-                  {keys::InvRecordMethod, std::to_string(settings.InvRecordMethod)}});
-  TellNewUnit(session, keys::UMI, before, settings.UMI);
+  StoreSettings(session,
+                {setting::UMI.To(settings.UMI), setting::InvCutoff.To(*cutoff),
+                 setting::AllowNegInv.To(settings.AllowNegInv), setting::InvLotTracking.To(settings.InvLotTracking),
+                 setting::InvRecordMethod.To(settings.InvRecordMethod == 1)});
+  TellNewUnit(session, setting::UMI.key, before, settings.UMI);
   return {};
 }
 
@@ -104,26 +78,26 @@ Result<void> SaveNameLength(Session& session, std::string_view typed) {
   if (auto allowed = RequireCommandRight(session, CommandRight::Options); !allowed) return allowed;
   const auto length = ReadNameLength(typed);
   if (!length) return std::unexpected(length.error());
-  Store(session, {{keys::UDCNameCCodeLen, std::to_string(*length)}});
+  StoreSettings(session, {setting::UDCNameCCodeLen.To(*length)});
   return {};
 }
 
 Result<void> SaveAutofill(Session& session, bool on) {
   if (auto allowed = RequireCommandRight(session, CommandRight::Options); !allowed) return allowed;
-  Store(session, {{keys::AutoFillText, Flag(on)}});
+  StoreSettings(session, {setting::AutoFillText.To(on)});
   return {};
 }
 
 Reminders ReadReminders(const Session& session) {
   Reminders reminders;
-  reminders.shutdownBackup = LeadingInteger(GetSupportValue(session, keys::RemindBackup)) == 0;
+  reminders.shutdownBackup = !GetSetting(session, setting::RemindBackup);
   if (session.DataFileDB) {
     const std::int64_t days = session.File().Scalar("SELECT DaysToRemindBackup FROM FileInfo").Whole();
     reminders.DaysToRemindBackup = static_cast<int>(std::clamp<std::int64_t>(days, 1, kLongestReminder));
   }
-  reminders.BackupFileLocation = GetSupportValue(session, keys::BackupFileLocation);
-  reminders.LottedInvReminder = IsOn(session, keys::LottedInvReminder);
-  reminders.BatchLotNumReminder = IsOn(session, keys::BatchLotNumReminder);
+  reminders.BackupFileLocation = GetSetting(session, setting::BackupFileLocation);
+  reminders.LottedInvReminder = GetSetting(session, setting::LottedInvReminder);
+  reminders.BatchLotNumReminder = GetSetting(session, setting::BatchLotNumReminder);
   return reminders;
 }
 
@@ -136,10 +110,9 @@ Result<void> SaveReminders(Session& session, const Reminders& reminders) {
       return Refuse("Reminders", fmt::format("Select a number of days between 1 and {}.", kLongestReminder), "cmbDays");
     if (session.DataFileDB) StoreDaysToRemindBackup(session.File(), reminders.DaysToRemindBackup);
   }
-  Store(session, {{keys::BackupFileLocation, on ? reminders.BackupFileLocation : ""},
-                  {keys::RemindBackup, on ? "0" : "1"},
-                  {keys::LottedInvReminder, Flag(reminders.LottedInvReminder)},
-                  {keys::BatchLotNumReminder, Flag(reminders.BatchLotNumReminder)}});
+  StoreSettings(session, {setting::BackupFileLocation.To(on ? reminders.BackupFileLocation : ""),
+                          setting::RemindBackup.To(!on), setting::LottedInvReminder.To(reminders.LottedInvReminder),
+                          setting::BatchLotNumReminder.To(reminders.BatchLotNumReminder)});
   return {};
 }
 
@@ -150,16 +123,15 @@ std::vector<PrinterNames> PrintersOffered(std::vector<PrinterNames> printers) {
 
 Result<void> SaveDefaultPrinter(Session& session, std::string_view device, std::string_view font) {
   if (auto allowed = RequireCommandRight(session, CommandRight::Options); !allowed) return allowed;
-  Store(session, {{keys::PrinterDevice, std::string(device)}, {keys::PrinterFont, std::string(font)}});
+  StoreSettings(session, {setting::PrinterDevice.To(std::string(device)), setting::PrinterFont.To(std::string(font))});
   return {};
 }
 
 Result<void> SaveNewSetup(Session& session, int inventoryUnit, int batchUnit, std::string_view printerDevice) {
   if (!IsUnit(inventoryUnit + 1)) return std::unexpected(UnknownUnit("cmbUMI"));
   if (!IsUnit(batchUnit + 1)) return std::unexpected(UnknownUnit("cmbUMF"));
-  Store(session, {{keys::UMF, std::to_string(batchUnit + 1)},
-                  {keys::UMI, std::to_string(inventoryUnit + 1)},
-                  {keys::PrinterDevice, std::string(printerDevice)}});
+  StoreSettings(session, {setting::UMF.To(batchUnit + 1), setting::UMI.To(inventoryUnit + 1),
+                          setting::PrinterDevice.To(std::string(printerDevice))});
   return {};
 }
 

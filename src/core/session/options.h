@@ -11,11 +11,6 @@ namespace vellumark {
 // What the Options windows and the first setup store. Each refuses a user who may not change Options, checks first,
 // writes the settings in one step and takes the values into the session at once.
 
-/// The quantity under which a lot counts as empty, as typed: a number from 0.
-Result<float> ReadInvCutoff(std::string_view typed);
-/// The longest name and code, as typed: a whole number from 10 to 30.
-Result<int> ReadNameLength(std::string_view typed);
-
 /// Says what another unit means for what is on file: of UMI (stock) or UMF (Batches), each 1 to 4. Nothing when it is
 /// the same.
 void TellNewUnit(Session& session, std::string_view key, int before, int after);

@@ -5,6 +5,7 @@
 
 #include "core/base/number.h"
 #include "core/base/text.h"
+#include "core/session/settings.h"
 #include "core/settings/support_files.h"
 
 namespace vellumark {
@@ -39,20 +40,13 @@ void SetSupportValue(const Session& session, std::string_view key, std::string_v
 }
 
 void ReadSettings(Session& session) {
-  const auto number = [&](std::string_view key) { return LeadingInteger(GetSupportValue(session, key)); };
-  const auto unit = [&](std::string_view key) {
-    const int code = number(key);
-    return code >= 1 && code <= 4 ? code : 1;
-  };
-  session.UMI = unit("UMI");
-  session.UMF = unit("UMF");
-  session.InvLotTracking = number("InvLotTracking") == 1 ? 1 : 0;
-  session.AutoFillText = number("AutoFillText");
-  const int decimals = number("DecimalPlaces");
-  session.DecimalPlaces = decimals >= 2 && decimals <= 4 ? decimals : 2;
-  const auto length = ParseNumber(GetSupportValue(session, "UDCNameCCodeLen"));
-  session.NameLength = length && *length >= 10 && *length < 31 ? static_cast<int>(*length) : 30;
-  session.PrinterFont = GetSupportValue(session, "PrinterFont");
+  session.UMI = GetSetting(session, setting::UMI);
+  session.UMF = GetSetting(session, setting::UMF);
+  session.InvLotTracking = GetSetting(session, setting::InvLotTracking) ? 1 : 0;
+  session.AutoFillText = GetSetting(session, setting::AutoFillText) ? 1 : 0;
+  session.DecimalPlaces = GetSetting(session, setting::DecimalPlaces);
+  session.NameLength = GetSetting(session, setting::UDCNameCCodeLen);
+  session.PrinterFont = GetSetting(session, setting::PrinterFont);
 }
 
 Result<void> RequireWritable(const Session& session) {

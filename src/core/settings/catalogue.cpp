@@ -1,17 +1,15 @@
 #include "core/settings/catalogue.h"
 
-#include <fmt/format.h>
-
 #include <array>
-#include <span>
+#include <string>
 #include <utility>
 
-#include "core/settings/settings_keys.h"
+#include "core/settings/settings.h"
 
 namespace vellumark {
 namespace {
 
-using keys::Numbered;
+using namespace setting;
 
 constexpr auto kFamilies = std::to_array<ColumnFamily>({
     {"AdjustBatch", 10, "|Recyclable||Inventory||Color Code|", "", ""},
@@ -55,117 +53,151 @@ constexpr auto kFamilies = std::to_array<ColumnFamily>({
     {"SumProduction", 20, "|Batches||Quantity||Qty Recycled||% Recycled||Cost of Batches|"},
 });
 
-struct SingleKey {
-  std::string_view key;
-  std::string_view value;
-  int count = 0;         // above 0: a group, the key followed by 0 to count - 1
-  bool counted = false;  // the value is followed by the number, from 1
+// A setting, or that of a list window with its prefix.
+struct Listed {
+  const SettingInfo* info;
+  std::string_view prefix = {};
 };
 
-constexpr auto kKeysBeforeMileages = std::to_array<SingleKey>({
-    {"UMI", "1"},
-    {"UMF", "1"},
-    {"AllowNegInv", "0"},
-    {"AutoBackup", "1"},
-    {"AutoBackupCount", "5"},
-    {"AutoFillText", "1"},
-    {"BackupRestoreFileLocation", ""},
-    {"BatchActionButton", "1"},
-    {"BatchLotNumReminder", "1"},
-    {"BatchListAdditions", "0"},
-    {"BatchListDBAdditions", "0"},
-    {"ColorListShowBasics", "1"},
-    {"ColorListShowMixes", "1"},
-    {"ColorListNotesOnly", "0"},
-    {"ColorListCustomOnly", "0"},
-    {"ColorListModifiedOnly", "0"},
-    {"ConsumptionDateRange", "6"},
-    {"CostModelType", "0"},
-    {"dbFileName50", ""},
-    {"DecimalPlaces", "2"},
-    {"DetailedUsageDateRange", "6"},
-    {"EmailRecipient", "", 10},
-    {"FixedCostOfBatch", "0"},
-    {"FixedCostPerUnit", "0"},
-    {"HistoryType", "0"},
-    {"IngSortOrder", "0"},
-    {"HAPModelType", "0"},
-    {"InkEstUOM", "in."},
+// The records of a new file behind those of the families, in the order of the file.
+constexpr auto kNewFile = std::to_array<Listed>({
+    {&UMI},
+    {&UMF},
+    {&AllowNegInv},
+    {&AutoBackup},
+    {&AutoBackupCount},
+    {&AutoFillText},
+    {&BackupRestoreFileLocation},
+    {&BatchActionButton},
+    {&BatchLotNumReminder},
+    {&Additions, "BatchList"},
+    {&Additions, "BatchListDB"},
+    {&ShowBasics, "ColorList"},
+    {&ShowMixes, "ColorList"},
+    {&NotesOnly, "ColorList"},
+    {&CustomOnly, "ColorList"},
+    {&ModifiedOnly, "ColorList"},
+    {&DateRange, "Consumption"},
+    {&CostModelType},
+    {&DbFileName50},
+    {&DecimalPlaces},
+    {&DateRange, "DetailedUsage"},
+    {&EmailRecipient},
+    {&FixedCostOfBatch},
+    {&FixedCostPerUnit},
+    {&HistoryType},
+    {&IngSortOrder},
+    {&HAPModelType},
+    {&InkEstUOM},
+    {&InkEstD},
+    {&InkEstA},
+    {&InvCutoff},
+    {&MixCost, "Inventory"},
+    {&InvOnly, "Inventory"},
+    {&ShowBasics, "Inventory"},
+    {&ShowMixes, "Inventory"},
+    {&MixCost, "InventoryDetailSelected"},
+    {&InvOnly, "InventoryDetailSelected"},
+    {&ShowBasics, "InventoryDetailSelected"},
+    {&ShowMixes, "InventoryDetailSelected"},
+    {&JobMixCostOption},
+    {&JobMixVOC_Option},
+    {&JobMixHAP_Option},
+    {&DateRange, "JobUsage"},
+    {&LabelLayoutList},
+    {&LPFire},
+    {&LPHealth},
+    {&LPReactivity},
+    {&LottedInvReminder},
+    {&MarkupPercent},
+    {&MixCostOption},
+    {&MonthsToRemindArchive},
+    {&Overpour},
+    {&PrintBatchHistoryOption},
+    {&PrintBatchInfoOption},
+    {&PrintBatchNotes},
+    {&PrintCostOption},
+    {&PrinterDevice},
+    {&PrinterFont},
+    {&PrintMixNotes},
+    {&PrintExtraBatchDetails},
+    {&PrintIngInvConsumption},
+    {&PrintQuickInfoOption},
+    {&DateRange, "Production"},
+    {&QuickInfoField},
+    {&RecListType},
+    {&InvOnly, "RecList"},
+    {&RecyclableOnly, "RecList"},
+    {&RemindBackup},
+    {&MixCost, "Reorder"},
+    {&PointsOnly, "Reorder"},
+    {&ReorderOnly, "Reorder"},
+    {&ShowBasics, "Reorder"},
+    {&ShowMixes, "Reorder"},
+    {&ReportPrinter},
+    {&ReturnToInventory},
+    {&SetupWizard},
+    {&ShowBatchGraphic},
+    {&ShowHelpMsg},
+    {&ShowQuickInfoOption},
+    {&ShowBasics, "SumConsumption"},
+    {&ShowMixes, "SumConsumption"},
+    {&ShowBasics, "SumJobUsage"},
+    {&ShowMixes, "SumJobUsage"},
+    {&VOCModelType},
+    {&InvLotTracking},
+    {&BatchCustomTextLabelCaption},
+    {&BatchCustomNumericLabelCaption},
+    {&JobCustomTextLabelCaption},
+    {&JobCustomNumericLabelCaption},
 });
 
-constexpr auto kKeysAfterMileages = std::to_array<SingleKey>({
-    {"InvCutoff", "0.5"},
-    {"InventoryMixCost", "0"},
-    {"InventoryInvOnly", "0"},
-    {"InventoryShowBasics", "1"},
-    {"InventoryShowMixes", "1"},
-    {"InventoryDetailSelectedMixCost", "0"},
-    {"InventoryDetailSelectedInvOnly", "0"},
-    {"InventoryDetailSelectedShowBasics", "1"},
-    {"InventoryDetailSelectedShowMixes", "1"},
-    {"JobMixCostOption", "1"},
-    {"JobMixVOC_Option", "0"},
-    {"JobMixHAP_Option", "0"},
-    {"JobUsageDateRange", "6"},
-    {"LabelLayoutList", "Default Label|"},
-    {"LPFire", ""},
-    {"LPHealth", ""},
-    {"LPReactivity", ""},
-    {"LottedInvReminder", "1"},
-    {"MarkupPercent", "0"},
-    {"MixCostOption", "0"},
-    {"MonthsToRemindArchive", "66"},
-    {"Overpour", "0"},
-    {"PrintBatchHistoryOption", "1"},
-    {"PrintBatchInfoOption", "1"},
-    {"PrintBatchNotes", "0", 4},
-    {"PrintCostOption", "1"},
-    {"PrinterDevice", ""},
-    {"PrinterFont", "Arial"},
-    {"PrintMixNotes", "0", 3},
-    {"PrintExtraBatchDetails", "1"},
-    {"PrintIngInvConsumption", "0"},
-    {"PrintQuickInfoOption", "0"},
-    {"ProductionDateRange", "6"},
-    {"QuickInfoField", "1", 10},
-    {"RecListType", "0"},
-    {"RecListInvOnly", "0"},
-    {"RecListRecyclableOnly", "0"},
-    {"RemindBackup", "1"},
-    {"ReorderMixCost", "0"},
-    {"ReorderPointsOnly", "0"},
-    {"ReorderReorderOnly", "0"},
-    {"ReorderShowBasics", "1"},
-    {"ReorderShowMixes", "1"},
-    {"ReportPrinter", ""},
-    {"ReturnToInventory", "1"},
-    {"SetupWizard", "Completed"},
-    {"ShowBatchGraphic", "1"},
-    {"ShowHelpMsg", "Yes"},
-    {"ShowQuickInfoOption", "1"},
-    {"SumConsumptionShowBasics", "1"},
-    {"SumConsumptionShowMixes", "1"},
-    {"SumJobUsageShowBasics", "1"},
-    {"SumJobUsageShowMixes", "1"},
-    {"VOCModelType", "0"},
-    {"InvLotTracking", "1"},
-    {"BatchCustomTextLabelCaption", "Text Lbl", 6, true},
-    {"BatchCustomNumericLabelCaption", "Num Lbl", 6, true},
-    {"JobCustomTextLabelCaption", "Text Lbl", 6, true},
-    {"JobCustomNumericLabelCaption", "Num Lbl", 6, true},
+// What the ladder brings, and what only the settings of the previous version hold.
+constexpr auto kLater = std::to_array<const SettingInfo*>({
+    &StartupVar_FileVersion,
+    &LabelTemplate_Version,
+    &GH_LabelTemplate_Version,
+    &Formula_LabelTemplate_Version,
+    &GH_LabelLayoutList,
+    &Formula_LabelLayoutList,
+    &BC_Label_Prefix_Identifier,
+    &BC_PrintItem_,
+    &MC_PrintItem_,
+    &PControl_IncludeHeadings,
+    &PControl_IncludeData,
+    &PControl_IncludeTotals,
+    &PControl_Lines,
+    &PControl_FitToPage,
+    &PControl_Orientation,
+    &BackupFileLocation,
+    &Anilox,
+    &BatchDefaultLotNumberValue,
+    &Batches_UDNum_Format,
+    &Jobs_UDNum_Format,
+    &BatchUDTxtDefault,
+    &BatchUDTxtValue,
+    &BatchUDTxtRequired,
+    &JobUDTxtDefault,
+    &JobUDTxtValue,
+    &JobUDTxtRequired,
+    &ReportExportForm_DefaultExportLocation,
+    &BatchComplete,
+    &UDCNameCCodeLen,
+    &DesignsCostModelIndex,
+    &PrintLABBatchDetails,
+    &InvRecordMethod,
+    &PrintRecListPercent,
+    &PrintRecListPercentValue,
+    &DbFileName40,
 });
 
-// Square inches that a pound of ink prints, by ink type and stock.
-constexpr std::array<std::array<int, 4>, 8> kMileages{{
-    {300000, 375000, 400000, 400000},
-    {275000, 350000, 375000, 375000},
-    {275000, 350000, 375000, 375000},
-    {225000, 275000, 300000, 300000},
-    {125000, 150000, 175000, 175000},
-    {200000, 250000, 275000, 275000},
-    {125000, 150000, 150000, 150000},
-    {325000, 400000, 450000, 425000},
-}};
+// Known by the end of a key; the longer one stands first.
+constexpr auto kOfWindows = std::to_array<const SettingInfo*>({
+    &SecondSortOrder, &SecondSortCol,  &SortOrder,  &SortCol,     &Columns,   &ColWidth,        &DateRange,
+    &DateQuery,       &ShowBasics,     &ShowMixes,  &Additions,   &NotesOnly, &CustomOnly,      &ModifiedOnly,
+    &InvOnly,         &RecyclableOnly, &PointsOnly, &ReorderOnly, &MixCost,   &OptConsignment,  &FileFormat,
+    &IncHeading,      &IncData,        &IncTotals,  &UDH_Setting, &UDHeader,  &DefaultFileName, &DefaultDir,
+});
 
 constexpr std::array<std::pair<std::string_view, int>, 21> kTitleWidths{{
     {"Color Name", 2865},      {"Database", 1935},     {"Color Code", 1935},     {"Job Number", 1935},
@@ -199,43 +231,44 @@ std::vector<int> ShownWidths(std::string_view columns) {
 std::string WidthKey(std::string_view prefix, int number) {
   if (prefix == "ColorListDB" && number == 16) prefix = "ColorList";
   if (prefix == "SumConsumption" && number == 155) number = 15;
-  return fmt::format("{}ColWidth{}", prefix, number);
+  return ColWidth.Of(prefix, number).key;
 }
 
-void AddSingles(std::vector<SupportRecord>& records, std::span<const SingleKey> singles) {
-  for (const auto& [key, value, count, counted] : singles) {
-    if (count == 0) records.push_back({{}, std::string(key), std::string(value)});
-    for (int i = 0; i < count; ++i)
-      records.push_back({{}, Numbered(key, i), counted ? Numbered(value, i + 1) : std::string(value)});
-  }
+// The number behind a key of a group or a width; nothing where none, or one written otherwise, stands there.
+std::string_view WithoutNumber(std::string_view key) {
+  while (!key.empty() && key.back() >= '0' && key.back() <= '9') key.remove_suffix(1);
+  return key;
 }
 
-void AddMileages(std::vector<SupportRecord>& records, std::string_view table) {
-  for (std::size_t ink = 0; ink < kMileages.size(); ++ink)
-    for (std::size_t stock = 0; stock < kMileages[ink].size(); ++stock)
-      records.push_back({{}, fmt::format("{}{}{}", table, ink, stock), std::to_string(kMileages[ink][stock])});
+bool Names(const SettingInfo& info, std::string_view key) {
+  if (info.count == 0) return info.key == key;
+  if (WithoutNumber(key) != info.key) return false;
+  for (int i = 0; i < info.count; ++i)
+    if (MemberKey(info, i) == key) return true;
+  return false;
 }
 
 }  // namespace
 
 std::vector<SupportRecord> FamilyRecords(const ColumnFamily& family) {
   std::vector<SupportRecord> records;
-  const auto add = [&](std::string_view name, std::string_view value) {
-    records.push_back({{}, fmt::format("{}{}", family.prefix, name), std::string(value)});
+  const auto add = [&](const auto& named, std::string_view value) {
+    records.push_back({{}, named.key, std::string(value)});
   };
-  add("Columns", family.columns);
+  const auto initial = [&](const auto& named) { add(named, named.initial); };
+  add(Columns.Of(family.prefix), family.columns);
   if (!family.sortOrder.empty()) {
-    add("SortOrder", family.sortOrder);
-    add("SortCol", family.sortCol);
-    add("SecondSortOrder", "0");
-    add("SecondSortCol", "-1");
+    add(SortOrder.Of(family.prefix), family.sortOrder);
+    add(SortCol.Of(family.prefix), family.sortCol);
+    initial(SecondSortOrder.Of(family.prefix));
+    initial(SecondSortCol.Of(family.prefix));
   }
   const std::vector<int> shown = ShownWidths(family.columns);
   for (int i = 0; i < family.widths; ++i) {
     const int width = i < static_cast<int>(shown.size()) ? shown[static_cast<std::size_t>(i)] : 0;
     records.push_back({{}, WidthKey(family.prefix, i), std::to_string(width)});
   }
-  if (!family.dateRange.empty()) add("DateRange", family.dateRange);
+  if (!family.dateRange.empty()) add(DateRange.Of(family.prefix), family.dateRange);
   return records;
 }
 
@@ -243,11 +276,28 @@ SupportRecords DefaultSettings() {
   std::vector<SupportRecord> records;
   for (const ColumnFamily& family : kFamilies)
     for (SupportRecord& record : FamilyRecords(family)) records.push_back(std::move(record));
-  AddSingles(records, kKeysBeforeMileages);
-  AddMileages(records, "InkEstD");
-  AddMileages(records, "InkEstA");
-  AddSingles(records, kKeysAfterMileages);
+  for (const auto& [info, prefix] : kNewFile)
+    for (SettingText& text : InitialValues(*info))
+      records.push_back({{}, std::string(prefix) + text.key, std::move(text.value)});
   return {RecordShape::KeyValue, std::move(records)};
+}
+
+const SettingInfo* FindSetting(std::string_view key) {
+  for (const Listed& listed : kNewFile)
+    if (listed.prefix.empty() && Names(*listed.info, key)) return listed.info;
+  for (const SettingInfo* info : kLater)
+    if (Names(*info, key)) return info;
+  for (const SettingInfo* info : kOfWindows)
+    if ((info == &ColWidth ? WithoutNumber(key) : key).ends_with(info->key)) return info;
+  return nullptr;
+}
+
+std::vector<std::string> UnusableSettings(const SupportRecords& settings) {
+  std::vector<std::string> faults;
+  for (const SupportRecord& record : settings.Records())
+    if (const SettingInfo* info = FindSetting(record.key); info != nullptr && !IsUsable(*info, record.value))
+      faults.push_back(CheckSettingText(info, record.key, record.value).error().text);
+  return faults;
 }
 
 }  // namespace vellumark

@@ -4,6 +4,7 @@
 #include <string_view>
 #include <vector>
 
+#include "core/settings/setting.h"
 #include "core/settings/support_records.h"
 
 namespace vellumark {
@@ -27,5 +28,12 @@ std::vector<SupportRecord> FamilyRecords(const ColumnFamily& family);
 /// Two column keys stand twice, as files in the field have them: `ColorListColWidth16`, the second time where
 /// `ColorListDBColWidth16` would be, and `SumConsumptionColWidth15`, the second time in the place of 155.
 SupportRecords DefaultSettings();
+
+/// What is told of a key, of a group's or a list window's too; null for one that nothing here knows, which may hold
+/// any text.
+const SettingInfo* FindSetting(std::string_view key);
+
+/// What is wrong with the values that mean nothing in their setting, one sentence each, in the order of the file.
+std::vector<std::string> UnusableSettings(const SupportRecords& settings);
 
 }  // namespace vellumark

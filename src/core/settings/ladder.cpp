@@ -9,10 +9,12 @@
 #include "core/settings/catalogue.h"
 #include "core/settings/ladder_labels.h"
 #include "core/settings/ladder_run.h"
-#include "core/settings/settings_keys.h"
+#include "core/settings/settings.h"
 
 namespace vellumark {
 namespace {
+
+using namespace setting;
 
 constexpr auto kReportWindows = std::to_array<ReportWindow>({
     {"BasicCostListForm", "BasicCostList", "Color Name"},
@@ -80,42 +82,37 @@ void SetLotColumnWidths(LadderRun& run) {
   for (const auto& [prefix, last] : {std::pair{"Inventory", 42}, std::pair{"InventoryDetailSelected", 43}})
     for (int i = 6; i <= last; ++i) {
       const char* const width = i > 36 ? "0" : i == 36 ? "1500" : i % 3 == 0 ? "2865" : "1940";
-      run.settings.Set(ColWidthKey(prefix, i), width);
+      run.settings.Set(ColWidth.Of(prefix, i).key, width);
     }
 }
 
 void AddCloudInventory(LadderRun& run, std::string_view prefix) {
   run.AddFamily({prefix, 44, "|Database||Color Type||Inventory||Unit Cost||Total Cost|"});
-  for (const auto& [option, value] :
-       {std::pair{"MixCost", "0"}, {"InvOnly", "0"}, {"ShowBasics", "1"}, {"ShowMixes", "1"}})
-    run.Add(fmt::format("{}{}", prefix, option), value);
+  for (const auto* option : {&MixCost, &InvOnly, &ShowBasics, &ShowMixes}) run.Add({option->Of(prefix).Initial()});
 }
 
 void AddUserTexts(LadderRun& run) {
-  for (const std::string prefix : {"BatchUDTxt", "JobUDTxt"}) {
-    run.AddNumbered(prefix + "Default", 0, 5, "0");
-    run.AddNumbered(prefix + "Value", 0, 5, "");
-    run.AddNumbered(prefix + "Required", 0, 5, "0");
-  }
+  for (const SettingInfo* group :
+       std::initializer_list<const SettingInfo*>{&BatchUDTxtDefault, &BatchUDTxtValue, &BatchUDTxtRequired,
+                                                 &JobUDTxtDefault, &JobUDTxtValue, &JobUDTxtRequired})
+    run.Add(*group);
 }
 
 void AddAllReportKeys(LadderRun& run) {
   for (const ReportWindow& report : kReportWindows) run.AddReportKeys(report);
-  run.Add("ReportExportForm_DefaultExportLocation", "");
+  run.Add(ReportExportForm_DefaultExportLocation);
 }
 
 void AddReportViewer(LadderRun& run) {
-  const std::string viewer = "CloudUtilityReportViewer_";
-  run.AddAfter("CloudInvReport_DefaultFileName", {{viewer + "DefaultDir", ""},
-                                                  {viewer + "FileFormat", "0"},
-                                                  {viewer + "IncHeading", "1"},
-                                                  {viewer + "IncData", "1"},
-                                                  {viewer + "IncTotals", "1"}});
+  constexpr std::string_view viewer = "CloudUtilityReportViewer";
+  run.AddAfter(DefaultFileName.Of("CloudInvReport").key,
+               {DefaultDir.Of(viewer).Initial(), FileFormat.Of(viewer).Initial(), IncHeading.Of(viewer).Initial(),
+                IncData.Of(viewer).Initial(), IncTotals.Of(viewer).Initial()});
 }
 
 // Brings the code and the cost to the end of the chosen columns; what else is chosen stays in front of them.
 void MendBasicCostList(LadderRun& run) {
-  const std::string key = ColumnsKey("BasicCostList");
+  const std::string key = Columns.Of("BasicCostList").key;
   constexpr std::string_view tail = "|Color Code||Purchase Cost|";
   std::string columns = run.settings.Get(key);
   if (!columns.ends_with(tail)) {
@@ -125,7 +122,7 @@ void MendBasicCostList(LadderRun& run) {
     }
     run.settings.Set(key, columns + std::string(tail));
   }
-  run.settings.Set(UDHeaderKey("BasicCostListForm"), "|Color Name||Color Code||Purchase Cost|");
+  run.settings.Set(UDHeader.Of("BasicCostListForm").key, "|Color Name||Color Code||Purchase Cost|");
 }
 
 void AddDesignUsage(LadderRun& run) {
@@ -140,7 +137,7 @@ void AddSum3Consumption(LadderRun& run) {
   run.AddWidths("JobRecord", 27, 32);
   run.AddWidths("SumConsumption", 155, 155);
   run.AddWidths("Sum2Production", 19, 19);
-  run.AddNumbered("BatchLotListColWidth", 0, 24, "0");
+  for (int i = 0; i <= 24; ++i) run.Add({ColWidth.Of("BatchLotList", i).Initial()});
   run.AddFamily({"Sum3Consumption", 5, "|Batches||Qty Consumed||% Consumed|"});
   run.AddReportKeys(kConsumptionSummary);
 }
@@ -148,7 +145,7 @@ void AddSum3Consumption(LadderRun& run) {
 void AddBatchListRow(LadderRun& run) {
   run.AddFamily({"BatchListRow", 38, "|Color Name||Date Entered||Job Number||Quantity||Ing Name||Ing Code||Ing Qty|",
                  "0", "0", "6"});
-  run.Add("BatchListRowAdditions", "0");
+  run.Add({Additions.Of("BatchListRow").Initial()});
   run.AddReportKeys(kBatchListRow);
 }
 
@@ -161,20 +158,20 @@ void ReplaceItem(SupportRecords& settings, const std::string& key, std::string_v
 
 void RenameInventoryColumn(LadderRun& run) {
   for (const auto& [prefix, window] : kListsWithInventory)
-    for (const std::string& key : {ColumnsKey(prefix), UDHeaderKey(window)})
+    for (const std::string& key : {Columns.Of(prefix).key, UDHeader.Of(window).key})
       ReplaceItem(run.settings, key, "|Inventory|", "|Unlotted Inventory|");
 }
 
 void AddConsignment(LadderRun& run) {
   constexpr std::string_view item = "|Consignment|";
   for (const auto& [prefix, window] : kStockLists) {
-    for (const std::string& key : {ColumnsKey(prefix), UDHeaderKey(window)}) {
+    for (const std::string& key : {Columns.Of(prefix).key, UDHeader.Of(window).key}) {
       const std::string& columns = run.settings.Get(key);
       if (columns.find(item) == std::string::npos) run.settings.Set(key, columns + std::string(item));
     }
-    run.Add(fmt::format("{}OptConsignment", prefix), "0");
+    run.Add({OptConsignment.Of(prefix).Initial()});
   }
-  run.Add("InventorySummaryOptConsignment", "0");
+  run.Add({OptConsignment.Of("InventorySummary").Initial()});
 }
 
 struct Step {
@@ -184,8 +181,8 @@ struct Step {
   void (*work)(LadderRun&);
 };
 
-constexpr std::string_view kFile = keys::StartupVar_FileVersion;
-constexpr std::string_view kLabel = keys::LabelTemplate_Version;
+constexpr std::string_view kFile = StartupVar_FileVersion.key;
+constexpr std::string_view kLabel = LabelTemplate_Version.key;
 
 constexpr auto kSteps = std::to_array<Step>({
     {kLabel, "1", "2",
@@ -197,54 +194,51 @@ constexpr auto kSteps = std::to_array<Step>({
     {kLabel, "2", "3", AddCombinedBarCodes},
     {kFile, "2", "3",
      [](LadderRun& run) {
-       run.Add(keys::GH_LabelLayoutList, "Default Label|");
-       run.Add(keys::GH_LabelTemplate_Version, "1");
+       run.Add(GH_LabelLayoutList);
+       run.Add(GH_LabelTemplate_Version);
      }},
-    {kFile, "3", "4", [](LadderRun& run) { run.Add("BC_Label_Prefix_Identifier", "1"); }},
+    {kFile, "3", "4", [](LadderRun& run) { run.Add(BC_Label_Prefix_Identifier); }},
     {kFile, "4", "5",
      [](LadderRun& run) {
-       run.AddNumbered("BC_PrintItem_", 0, 9, "1");
-       run.AddNumbered("MC_PrintItem_", 0, 14, "1");
+       run.Add(InitialValues(BC_PrintItem_, 0, 9));
+       run.Add(InitialValues(MC_PrintItem_, 0, 14));
      }},
     {kFile, "5", "6",
      [](LadderRun& run) {
-       run.Add("PControl_IncludeHeadings", "1");
-       run.Add("PControl_IncludeData", "1");
-       run.Add("PControl_IncludeTotals", "1");
-       run.Add("PControl_Lines", "0");
-       run.Add("PControl_FitToPage", "1");
-       run.Add("PControl_Orientation", "0");  // as labels have it: 0 Portrait, 1 Landscape
+       run.Add(PControl_IncludeHeadings);
+       run.Add(PControl_IncludeData);
+       run.Add(PControl_IncludeTotals);
+       run.Add(PControl_Lines);
+       run.Add(PControl_FitToPage);
+       run.Add(PControl_Orientation);
      }},
-    {kFile, "6", "7", [](LadderRun& run) { run.Add(keys::BackupFileLocation, ""); }},
+    {kFile, "6", "7", [](LadderRun& run) { run.Add(BackupFileLocation); }},
     {kFile, "7", "8",
      [](LadderRun& run) {
        run.AddFamily({"BatchLotList", 0, "|Color Name||Job Number|Date Entered|Ing Name|", "0", "0", "6"});
      }},
     {kFile, "8", "9",
      [](LadderRun& run) {
-       run.Add("Anilox0", ".5");
-       run.Add("Anilox1", "1");
-       run.Add("Anilox2", "1.5");
-       run.Add("Anilox3", "3");
+       run.Add(Anilox);
      }},
-    {kFile, "9", "10", [](LadderRun& run) { run.Add(keys::BatchDefaultLotNumberValue, "0"); }},
+    {kFile, "9", "10", [](LadderRun& run) { run.Add(BatchDefaultLotNumberValue); }},
     {kFile, "10", "11",
      [](LadderRun& run) {
-       run.settings.Set(keys::RemindBackup, "1");
+       run.settings.Set(RemindBackup.key, "1");
        run.daysToRemindBackup = 1;
      }},
     {kFile, "11", "12",
      [](LadderRun& run) {
-       run.Add("JobListForm_DateQuery", "0");
-       run.Add("DetailedSpecJobUsage_DateQuery", "0");
-       run.Add("DetailedJobUsage_DateQuery", "0");
+       run.Add({DateQuery.Of("JobListForm").Initial()});
+       run.Add({DateQuery.Of("DetailedSpecJobUsage").Initial()});
+       run.Add({DateQuery.Of("DetailedJobUsage").Initial()});
      }},
     {kFile, "12", "13", [](LadderRun& run) { run.MakeScaleFile(); }},
     {kFile, "13", "14", [](LadderRun& run) { run.AddHandshaking(); }},
     {kFile, "14", "15",
      [](LadderRun& run) {
-       run.AddNumbered("Batches_UDNum_Format", 0, 5, "3");
-       run.AddNumbered("Jobs_UDNum_Format", 0, 5, "3");
+       run.Add(Batches_UDNum_Format);
+       run.Add(Jobs_UDNum_Format);
      }},
     {kFile, "15", "16", nullptr},
     {kFile, "16", "17", [](LadderRun& run) { AddCloudInventory(run, "CloudInvDetSelected"); }},
@@ -252,7 +246,7 @@ constexpr auto kSteps = std::to_array<Step>({
     {kFile, "18", "19", AddUserTexts},
     {kFile, "19", "20",
      [](LadderRun& run) {
-       run.settings.Set("BatchLotListColumns", "|Color Name||Job Number||Date Entered||Ing. Name|");
+       run.settings.Set(Columns.Of("BatchLotList").key, "|Color Name||Job Number||Date Entered||Ing. Name|");
      }},
     {kFile, "20", "21", AddAllReportKeys},
     {kFile, "21", "22", AddReportViewer},
@@ -265,34 +259,34 @@ constexpr auto kSteps = std::to_array<Step>({
     {kFile, "24", "25", AddDesignUsage},
     {kFile, "25", "26",
      [](LadderRun& run) {
-       run.AddWidths("ColorListDB", 15, 16, "1940");
-       run.settings.Set("ColorListDBColWidth15", "1940");
+       run.AddWidths("ColorListDB", 15, 16, 1940);
+       run.settings.Set(ColWidth.Of("ColorListDB", 15).key, "1940");
      }},
     {kFile, "26", "27", AddSum3Consumption},
     {kFile, "27", "28", AddBatchListRow},
-    {kFile, "28", "29", [](LadderRun& run) { run.Add(keys::BatchComplete, "0"); }},
-    {kFile, "29", "30", [](LadderRun& run) { run.Add(keys::UDCNameCCodeLen, "30"); }},
+    {kFile, "28", "29", [](LadderRun& run) { run.Add(BatchComplete); }},
+    {kFile, "29", "30", [](LadderRun& run) { run.Add(UDCNameCCodeLen); }},
     {kFile, "30", "31", RenameInventoryColumn},
     {kFile, "31", "32", [](LadderRun& run) { run.designPhotos = true; }},
     {kFile, "32", "33", AddHazardRecords},
     {kFile, "33", "34",
      [](LadderRun& run) {
-       run.Add(keys::Formula_LabelLayoutList, "Default Label|");
-       run.Add(keys::Formula_LabelTemplate_Version, "1");
+       run.Add(Formula_LabelLayoutList);
+       run.Add(Formula_LabelTemplate_Version);
      }},
     {kFile, "34", "35", nullptr},
     {kFile, "35", "36", AddFormulaDate},
-    {kFile, "36", "37", [](LadderRun& run) { run.Add(keys::DesignsCostModelIndex, "0"); }},
+    {kFile, "36", "37", [](LadderRun& run) { run.Add(DesignsCostModelIndex); }},
     {kFile, "37", "38", nullptr},
     {kFile, "38", "39", [](LadderRun& run) { run.AddWidths("JobRecord", 33, 33); }},
     {kFile, "39", "40",
      [](LadderRun& run) {
-       run.AddAfter("MC_PrintItem_14", {{"MC_PrintItem_15", "0"}, {"MC_PrintItem_16", "0"}});
-       run.AddAfter("PrinterFont", {{"PrintMixNotes0", "0"}, {"PrintMixNotes1", "0"}, {"PrintMixNotes2", "0"}});
+       run.AddAfter(MC_PrintItem_[14].key, InitialValues(MC_PrintItem_, 15, 16));
+       run.AddAfter(PrinterFont.key, InitialValues(PrintMixNotes));
      }},
     {kFile, "40", "41", AddConsignment},
     {kFile, "41", "42",
-     [](LadderRun& run) { run.AddAfter("PrintExtraBatchDetails", {{"PrintLABBatchDetails", "1"}}); }},
+     [](LadderRun& run) { run.AddAfter(PrintExtraBatchDetails.key, InitialValues(PrintLABBatchDetails)); }},
     {kFile, "42", "43",
      [](LadderRun& run) {
        run.AddWidths("DetProduction", 33, 33);
@@ -302,10 +296,10 @@ constexpr auto kSteps = std::to_array<Step>({
      }},
     {kFile, "43", "44",
      [](LadderRun& run) {
-       run.AddAfter("BC_PrintItem_9", {{"BC_PrintItem_10", "0"}});
-       run.AddAfter("MC_PrintItem_16", {{"MC_PrintItem_17", "0"}, {"MC_PrintItem_18", "0"}});
+       run.AddAfter(BC_PrintItem_[9].key, InitialValues(BC_PrintItem_, 10, 10));
+       run.AddAfter(MC_PrintItem_[16].key, InitialValues(MC_PrintItem_, 17, 18));
      }},
-    {kFile, "44", "45", [](LadderRun& run) { run.AddAfter(keys::InvLotTracking, {{"InvRecordMethod", "0"}}); }},
+    {kFile, "44", "45", [](LadderRun& run) { run.AddAfter(InvLotTracking.key, InitialValues(InvRecordMethod)); }},
     {kFile, "45", "46",
      [](LadderRun& run) {
        run.AddWidths("SumProduction", 20, 20);
@@ -313,7 +307,8 @@ constexpr auto kSteps = std::to_array<Step>({
      }},
     {kFile, "46", SupportFileVersion,
      [](LadderRun& run) {
-       run.AddAfter(keys::BatchComplete, {{"PrintRecListPercent", "0"}, {"PrintRecListPercentValue", "50"}});
+       run.AddAfter(BatchComplete.key, InitialValues(PrintRecListPercent));
+       run.AddAfter(PrintRecListPercent.key, InitialValues(PrintRecListPercentValue));
      }},
     {kLabel, "3", "4", AddLotItems},
 });
@@ -331,7 +326,7 @@ bool IsKnownVersion(std::string_view version) {
 // False when the settings are of a version that no step knows, and nothing may be touched.
 bool Climb(LadderRun& run, const SupportFiles& files) {
   SupportRecords& settings = run.settings;
-  SetIfEmpty(settings, "BatchListColWidth74", "0");
+  SetIfEmpty(settings, ColWidth.Of("BatchList", 74).key, "0");
   if (settings.Get(kFile).empty())
     for (const std::string_view key : {kFile, kLabel}) SetIfEmpty(settings, key, "1");
   if (!IsKnownVersion(settings.Get(kFile))) return false;

@@ -7,7 +7,7 @@
 
 #include "core/base/text.h"
 #include "core/settings/label_defaults.h"
-#include "core/settings/settings_keys.h"
+#include "core/settings/settings.h"
 
 namespace vellumark {
 namespace {
@@ -24,7 +24,7 @@ std::vector<SupportRecord> ItemRecords(const std::vector<SupportRecord>& layout,
 
 void AddMiscTexts(LadderRun& run) {
   SupportRecords& label = run.Label();
-  const std::vector<std::string> layouts = SplitMarked(run.settings.Get(keys::LabelLayoutList), '|');
+  const std::vector<std::string> layouts = SplitMarked(run.settings.Get(setting::LabelLayoutList.key), '|');
   for (std::size_t i = 1; i < layouts.size(); ++i)
     for (int text = 1; text <= 4; ++text) {
       const std::string item = fmt::format("Misc Text {}", text);
@@ -75,14 +75,14 @@ void AddHazardRecords(LadderRun& run) {
       const std::string item = record.key.substr(0, record.key.rfind(' '));
       AddMissingAfter(label, layout, item + " FontSize", {record});
     }
-  run.settings.Set(keys::GH_LabelTemplate_Version, "2");
+  run.settings.Set(setting::GH_LabelTemplate_Version.key, "2");
 }
 
 void AddFormulaDate(LadderRun& run) {
   SupportRecords& label = run.FormulaLabel();
   for (const std::string& layout : label.Layouts())
     AddMissingAfter(label, layout, "Formula FontBold", ItemRecords(DefaultFormulaLabel(layout), "Date"));
-  run.settings.Set(keys::Formula_LabelTemplate_Version, "2");
+  run.settings.Set(setting::Formula_LabelTemplate_Version.key, "2");
 }
 
 }  // namespace vellumark

@@ -5,21 +5,9 @@
 #include <array>
 
 #include "core/base/files.h"
-#include "core/settings/settings_keys.h"
+#include "core/settings/settings.h"
 
 namespace vellumark {
-
-std::string ColumnsKey(std::string_view prefix) {
-  return fmt::format("{}Columns", prefix);
-}
-
-std::string UDHeaderKey(std::string_view window) {
-  return fmt::format("{}_UDHeader", window);
-}
-
-std::string ColWidthKey(std::string_view prefix, int number) {
-  return fmt::format("{}ColWidth{}", prefix, number);
-}
 
 void AddMissingAfter(SupportRecords& records, std::string_view layout, std::string_view anchor,
                      std::vector<SupportRecord> wanted) {
@@ -30,40 +18,35 @@ void AddMissingAfter(SupportRecords& records, std::string_view layout, std::stri
 LadderRun::LadderRun(SupportFiles& files, LadderDataFile* dataFile)
     : settings(files.settings.Read()), files_(files), dataFile_(dataFile) {}
 
-void LadderRun::Add(std::string_view key, std::string_view value) {
-  if (!settings.Contains(key)) settings.Append(key, value);
-}
-
-void LadderRun::AddNumbered(std::string_view name, int first, int last, std::string_view value) {
-  for (int i = first; i <= last; ++i) Add(keys::Numbered(name, i), value);
+void LadderRun::Add(const std::vector<SettingText>& added) {
+  for (const auto& [key, value] : added)
+    if (!settings.Contains(key)) settings.Append(key, value);
 }
 
 void LadderRun::AddFamily(const ColumnFamily& family) {
-  for (const SupportRecord& record : FamilyRecords(family)) Add(record.key, record.value);
+  for (const SupportRecord& record : FamilyRecords(family)) Add({{record.key, record.value}});
 }
 
-void LadderRun::AddAfter(std::string_view anchor, const std::vector<KeyValue>& added) {
+void LadderRun::AddAfter(std::string_view anchor, const std::vector<SettingText>& added) {
   std::vector<SupportRecord> records;
   for (const auto& [key, value] : added) records.push_back({{}, key, value});
   AddMissingAfter(settings, {}, anchor, std::move(records));
 }
 
-void LadderRun::AddWidths(std::string_view prefix, int first, int last, std::string_view value) {
-  std::vector<KeyValue> added;
-  for (int i = first; i <= last; ++i) added.emplace_back(ColWidthKey(prefix, i), value);
-  AddAfter(ColWidthKey(prefix, first - 1), added);
+void LadderRun::AddWidths(std::string_view prefix, int first, int last, int width) {
+  std::vector<SettingText> added;
+  for (int i = first; i <= last; ++i) added.push_back(setting::ColWidth.Of(prefix, i).To(width));
+  AddAfter(setting::ColWidth.Of(prefix, first - 1).key, added);
 }
 
 void LadderRun::AddReportKeys(const ReportWindow& report) {
-  const std::string window = std::string(report.window) + "_";
-  const std::string header = fmt::format("|{}|{}", report.firstColumn, settings.Get(ColumnsKey(report.prefix)));
-  AddAfter(fmt::format("{}SecondSortCol", report.prefix), {{window + "FileFormat", "0"},
-                                                           {window + "IncHeading", "1"},
-                                                           {window + "IncData", "1"},
-                                                           {window + "IncTotals", "1"},
-                                                           {window + "UDH_Setting", "0"},
-                                                           {window + "UDHeader", header},
-                                                           {window + "DefaultFileName", ""}});
+  const std::string header =
+      fmt::format("|{}|{}", report.firstColumn, settings.Get(setting::Columns.Of(report.prefix).key));
+  AddAfter(setting::SecondSortCol.Of(report.prefix).key,
+           {setting::FileFormat.Of(report.window).Initial(), setting::IncHeading.Of(report.window).Initial(),
+            setting::IncData.Of(report.window).Initial(), setting::IncTotals.Of(report.window).Initial(),
+            setting::UDH_Setting.Of(report.window).Initial(), setting::UDHeader.Of(report.window).To(header),
+            setting::DefaultFileName.Of(report.window).Initial()});
 }
 
 void LadderRun::MakeScaleFile() {

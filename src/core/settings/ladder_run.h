@@ -20,11 +20,6 @@ struct ReportWindow {
   std::string_view firstColumn;
 };
 
-/// `<prefix>Columns`, `<prefix>ColWidth<n>` and `<window>_UDHeader`.
-std::string ColumnsKey(std::string_view prefix);
-std::string ColWidthKey(std::string_view prefix, int number);
-std::string UDHeaderKey(std::string_view window);
-
 /// Puts those of the wanted records that the layout lacks behind the record of `anchor`.
 void AddMissingAfter(SupportRecords& records, std::string_view layout, std::string_view anchor,
                      std::vector<SupportRecord> wanted);
@@ -33,18 +28,16 @@ void AddMissingAfter(SupportRecords& records, std::string_view layout, std::stri
 /// comes in only where the key is missing.
 class LadderRun {
  public:
-  using KeyValue = std::pair<std::string, std::string>;
-
   LadderRun(SupportFiles& files, LadderDataFile* dataFile);
 
   /// At the end of the settings.
-  void Add(std::string_view key, std::string_view value);
-  void AddNumbered(std::string_view name, int first, int last, std::string_view value);
+  void Add(const std::vector<SettingText>& added);
+  void Add(const SettingInfo& setting) { Add(InitialValues(setting)); }
   void AddFamily(const ColumnFamily& family);
   /// Behind another key of the settings.
-  void AddAfter(std::string_view anchor, const std::vector<KeyValue>& added);
+  void AddAfter(std::string_view anchor, const std::vector<SettingText>& added);
   /// Width keys behind the one before `first`.
-  void AddWidths(std::string_view prefix, int first, int last, std::string_view value = "0");
+  void AddWidths(std::string_view prefix, int first, int last, int width = 0);
   /// The seven keys that an exporting window keeps; its own column order starts as the columns chosen now.
   void AddReportKeys(const ReportWindow& report);
 

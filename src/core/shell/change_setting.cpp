@@ -2,34 +2,26 @@
 
 #include <fmt/format.h>
 
-#include "core/base/number.h"
 #include "core/colors/resets.h"
 #include "core/session/acts.h"
 #include "core/session/options.h"
-#include "core/settings/setting_values.h"
-#include "core/settings/settings_keys.h"
+#include "core/session/settings.h"
+#include "core/settings/catalogue.h"
 #include "core/settings/support_files.h"
 
 namespace vellumark {
 
 Result<bool> ChangeSetting(Session& session, std::string_view key, std::string_view value) {
   if (auto allowed = RequireAct(session, Act::Options); !allowed) return std::unexpected(allowed.error());
-  SupportFile& settings = session.support->settings;
-  if (!settings.Read().Contains(std::string(key)))
+  const SettingInfo* info = FindSetting(key);
+  if (info == nullptr && !session.support->settings.Read().Contains(key))
     return Refuse("Settings", fmt::format("The settings have no key {}.", key), "KEY");
-  if (key == keys::InvCutoff) {
-    if (auto cutoff = ReadInvCutoff(value); !cutoff) return std::unexpected(cutoff.error());
-  }
-  if (key == keys::UDCNameCCodeLen) {
-    if (auto length = ReadNameLength(value); !length) return std::unexpected(length.error());
-  }
-  if (auto meant = CheckSettingValue(key, value); !meant) return std::unexpected(meant.error());
-  if (key == keys::DecimalPlaces) return ChangeDecimalPlaces(session, static_cast<int>(LeadingInteger(value)));
-  const auto before = static_cast<int>(LeadingInteger(GetSupportValue(session, key)));
-  settings.SetSupportValue(std::string(key), std::string(value));
-  ReadSettings(session);
-  session.changes.Tell({{Change::Kind::Settings, "", "", Change::What::All, ""}});
-  if (key == keys::UMI || key == keys::UMF) TellNewUnit(session, key, before, static_cast<int>(LeadingInteger(value)));
+  if (auto meant = CheckSettingText(info, key, value); !meant) return std::unexpected(meant.error());
+  if (info == &setting::DecimalPlaces) return ChangeDecimalPlaces(session, setting::DecimalPlaces.Named().Of(value));
+  const auto [UMI, UMF] = std::pair(session.UMI, session.UMF);
+  StoreSettings(session, {{std::string(key), std::string(value)}});
+  TellNewUnit(session, setting::UMI.key, UMI, session.UMI);
+  TellNewUnit(session, setting::UMF.key, UMF, session.UMF);
   return true;
 }
 

@@ -12,7 +12,7 @@
 #include "core/base/text.h"
 #include "core/datafile/lifecycle.h"
 #include "core/session/rights.h"
-#include "core/settings/settings_keys.h"
+#include "core/session/settings.h"
 #include "core/shell/startup.h"
 
 namespace vellumark {
@@ -60,7 +60,7 @@ class PreviousFile {
       : session_(session),
         windows_(windows),
         name_(session.DataFileName),
-        stored_(GetSupportValue(session, keys::DbFileName50)),
+        stored_(GetSetting(session, setting::DbFileName50)),
         wasOpen_(session.DataFileOpen),
         recordsetsWereOpen_(session.RecordsetsOpen) {}
 
@@ -76,7 +76,7 @@ class PreviousFile {
     if (nothingChanged) return;
     CloseDataFile(session_, windows_);
     session_.DataFileName = name_;
-    if (GetSupportValue(session_, keys::DbFileName50) != stored_) StoreDefaultDataFile(session_, stored_);
+    if (GetSetting(session_, setting::DbFileName50) != stored_) StoreDefaultDataFile(session_, stored_);
     if (!wasOpen_) return;
     try {
       OpenDataFile(session_, windows_);

@@ -17,8 +17,8 @@
 #include "core/datafile/lifecycle.h"
 #include "core/datafile/stock_history.h"
 #include "core/datafile/stock_joins.h"
+#include "core/session/settings.h"
 #include "core/session/users.h"
-#include "core/settings/settings_keys.h"
 #include "core/settings/support_files.h"
 
 namespace vellumark {
@@ -252,9 +252,7 @@ void CloseDataFile(Session& session, OpeningWindows& windows) {
 
 void StoreDefaultDataFile(Session& session, const std::string& name) {
   try {
-    session.support->settings.Change([&](SupportRecords& records) {
-      if (!records.Set(keys::DbFileName50, name)) records.Append(keys::DbFileName50, name);
-    });
+    StoreSettings(session, {setting::DbFileName50.To(name)});
   } catch (const Failure& failure) {
     session.prompt.Tell(
         "Data File",

@@ -7,7 +7,7 @@
 #include "core/base/number.h"
 #include "core/base/text.h"
 #include "core/datafile/databases.h"
-#include "core/settings/settings_keys.h"
+#include "core/session/settings.h"
 #include "core/shell/data_files.h"
 
 namespace vellumark {
@@ -50,7 +50,7 @@ void LookForOlderFile(Session& session, StartupWindows& windows) {
   }
   const SupportFile previous(session.DataFolder / "vk5suvdf.dat", RecordShape::KeyValue);
   if (!previous.Exists()) return;
-  const std::string old = previous.GetSupportValue(keys::DbFileName40);
+  const std::string old = previous.Read().Get(setting::DbFileName40.key);
   if (old.empty() || !fs::exists(old, ignored)) return;
   const auto copied = windows.OfferOldFile(old, "409", "Your most recently used Vellumark 4.0.9 database was found.",
                                            "That database will now be copied for use with The Vellumark 5.0.");
@@ -77,7 +77,7 @@ bool PrepareSupportFiles(Session& session, const Folders& folders) {
   MakeDataFolder(folders.data);
   session.support = std::make_unique<SupportFiles>(folders.data);
   const WrittenSupportFiles written = WriteMissingSupportFiles(*session.support);
-  session.DataFileName = GetSupportValue(session, keys::DbFileName50);
+  session.DataFileName = GetSetting(session, setting::DbFileName50);
   ReadSettings(session);
   return written.settings;
 }
@@ -85,6 +85,7 @@ bool PrepareSupportFiles(Session& session, const Folders& folders) {
 void RunSupportLadder(Session& session) {
   OpenFileOfLadder file(session);
   if (RunLadder(*session.support, session.DataFileOpen ? &file : nullptr)) ReadSettings(session);
+  TellUnusableSettings(session);
 }
 
 bool StartUp(Session& session, const StartOptions& options, StartupWindows& windows) {
@@ -122,8 +123,7 @@ bool StartUp(Session& session, const StartOptions& options, StartupWindows& wind
 
 bool MayEnd(Session& session, StartupWindows& windows) {
   if (session.LoadingDatabase) return false;
-  const bool reminds = LeadingNumber(GetSupportValue(session, keys::RemindBackup)) != 1;
-  if (reminds && session.RecordsetsOpen) {
+  if (!GetSetting(session, setting::RemindBackup) && session.RecordsetsOpen) {
     windows.CloseAllChildWindows();
     windows.RemindBackup(session);
   }

@@ -48,8 +48,8 @@ struct StartOptions {
 /// works out `DataFileName`. True when the settings file was made now, on a first start.
 bool PrepareSupportFiles(Session& session, const Folders& folders);
 
-/// Runs the ladder of the Support Files against the session's open Data File, and reads the settings again when it
-/// changed any.
+/// Runs the ladder of the Support Files against the session's open Data File, reads the settings again when it changed
+/// any, and tells of values that mean nothing in their setting.
 void RunSupportLadder(Session& session);
 
 /// From the first instruction to the ready main window, in its fixed order. False when the program must end at once

@@ -3,7 +3,7 @@
 #include <system_error>
 
 #include "core/session/rights.h"
-#include "core/settings/settings_keys.h"
+#include "core/session/settings.h"
 
 namespace vellumark {
 namespace {
@@ -44,7 +44,7 @@ Result<bool> CreateNewSupportFiles(Session& session, StartupWindows& windows) {
     const Waiting waiting(session);
     WriteFreshSupportFiles(*session.support);
     // At once, so that the file is still known should the machine stop in the setup window.
-    SetSupportValue(session, keys::DbFileName50, DataFileToKeep(session));
+    StoreSettings(session, {setting::DbFileName50.To(DataFileToKeep(session))});
   }
   windows.ShowNewSetup(session);
   const Waiting waiting(session);

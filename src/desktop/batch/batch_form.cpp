@@ -10,6 +10,7 @@
 
 #include "core/base/text.h"
 #include "core/batch/bench.h"
+#include "core/session/settings.h"
 #include "desktop/batch/batch_form_took.h"
 #include "desktop/batch/figures_panel.h"
 #include "desktop/batch/job_panel.h"
@@ -81,7 +82,7 @@ void BatchForm::OnOpen(const Arguments& arguments) {
 
 void BatchForm::OnChanges(const std::vector<Change>& changes) {
   if (std::ranges::any_of(changes, [](const Change& change) { return change.kind == Change::Kind::Settings; })) {
-    ReadBatchSettings(session, record_.work);
+    record_.work.settings = ReadBatchSettings(session);
     SetButtonAction();
   }
   const std::string before = record_.work.Color_Name;
@@ -124,10 +125,10 @@ void BatchForm::UpdateEnabled() {
   printRecList_->setEnabled(open && CanPrint(windows));
   recent_->setEnabled(windows.Knows("RecentBatchesForm"));
   settings_->setEnabled(windows.Knows("BatchSettingsForm"));
-  complete_->setVisible(UsesBatchComplete(session));
+  complete_->setVisible(GetSetting(session, setting::BatchComplete));
   complete_->setEnabled(open);
   // The accent is on what comes next: the calculation, then the save.
-  CommandButton* action = record_.work.settings.recycleByDefault ? recycle_ : mix_;
+  CommandButton* action = record_.work.settings.mixByDefault ? mix_ : recycle_;
   SetPrimary(*action, IsStale());
   SetPrimary(action == recycle_ ? *mix_ : *recycle_, false);
   SetPrimary(*save_, !IsStale());
@@ -237,7 +238,7 @@ bool BatchForm::eventFilter(QObject* watched, QEvent* event) {
   }
   // Tab goes by an empty quantity.
   if (watched != quantity_ || (!enter && quantity_->text().isEmpty())) return false;
-  CommandButton* action = record_.work.settings.recycleByDefault ? recycle_ : mix_;
+  CommandButton* action = record_.work.settings.mixByDefault ? mix_ : recycle_;
   if (IsStale()) {
     Calculate(action == recycle_);
   } else {

@@ -229,7 +229,7 @@ void BatchForm::Listen() {
 
 // The action that Enter and Tab behind the quantity mean has the outline, and comes first behind it.
 void BatchForm::SetButtonAction() {
-  const bool isRecycle = record_.work.settings.recycleByDefault;
+  const bool isRecycle = !record_.work.settings.mixByDefault;
   CommandButton* first = isRecycle ? recycle_ : mix_;
   CommandButton* second = isRecycle ? mix_ : recycle_;
   for (CommandButton* button : {first, second}) {

@@ -130,8 +130,8 @@ void BatchSettingsForm::BuildPrinting(Form form) {
 void BatchSettingsForm::OnOpen(const Arguments&) {
   const BatchOptions options = ReadBatchOptions(session);
   unit_->setCurrentIndex(options.UMF - 1);
-  action_->Choose(options.recycleByDefault ? 0 : 1);
-  order_->Choose(options.sortByAmount ? 0 : 1);
+  action_->Choose(options.mixByDefault ? 1 : 0);
+  order_->Choose(options.userOrder ? 1 : 0);
   overpour_->setChecked(options.Overpour);
   graphic_->setChecked(options.ShowBatchGraphic);
   returns_->setChecked(options.ReturnToInventory);
@@ -163,8 +163,8 @@ void BatchSettingsForm::UpdateEnabled() {
 BatchOptions BatchSettingsForm::Typed() const {
   BatchOptions options;
   options.UMF = unit_->currentIndex() + 1;
-  options.recycleByDefault = action_->Chosen() == 0;
-  options.sortByAmount = order_->Chosen() == 0;
+  options.mixByDefault = action_->Chosen() == 1;
+  options.userOrder = order_->Chosen() == 1;
   options.Overpour = overpour_->isChecked();
   options.ShowBatchGraphic = graphic_->isChecked();
   options.ReturnToInventory = returns_->isChecked();

@@ -5,6 +5,7 @@
 #include "core/batch/cost.h"
 #include "core/batch/cost_model.h"
 #include "core/session/rights.h"
+#include "core/session/settings.h"
 #include "desktop/kit/text.h"
 
 namespace vellumark::desktop {
@@ -40,7 +41,7 @@ CostInfForm::CostInfForm(WindowList& windowList, QWidget* owner)
   model_->setToolTip(tr("Click to view/modify the Cost Model for this Batch"));
   form.Buttons({form.Button("cmdClose", tr("Close")), model_});
   layout()->setSizeConstraint(QLayout::SetFixedSize);
-  print_->setChecked(PrintsCost(session));
+  print_->setChecked(GetSetting(session, setting::PrintCostOption));
 }
 
 void CostInfForm::AddLine(Form& form, const QString& name, double scale) {
@@ -84,7 +85,8 @@ void CostInfForm::UpdateEnabled() {
 }
 
 bool CostInfForm::MayClose() {
-  SetPrintsCost(session, print_->isChecked());
+  if (const bool prints = print_->isChecked(); prints != GetSetting(session, setting::PrintCostOption))
+    StoreSettings(session, {setting::PrintCostOption.To(prints)});
   return true;
 }
 

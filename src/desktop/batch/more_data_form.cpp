@@ -2,6 +2,7 @@
 
 #include "core/base/text.h"
 #include "core/batch/more_data.h"
+#include "core/session/settings.h"
 #include "desktop/kit/discard.h"
 #include "desktop/kit/text.h"
 
@@ -43,14 +44,15 @@ void MoreDataForm::BuildUserFields(Form form) {
     TextField* text = form.Text(QString("txtUDText%1").arg(i), TextRule::Any(kTextWidth));
     texts_.at(place) = text;
     missing_.at(place) = form.Hint(tr("required"), QString("lblRequired%1").arg(i));
-    form.Row(Caption(BatchUDTextCaption(session, i)), {text, missing_.at(place)});
-    missing_.at(place)->setVisible(BatchUDTextRequired(session, i));
+    form.Row(Caption(GetSetting(session, setting::BatchCustomTextLabelCaption[i])), {text, missing_.at(place)});
+    missing_.at(place)->setVisible(GetSetting(session, setting::BatchUDTxtRequired[i]));
   }
   form.Space();
   for (int i = 0; i < kBatchUserFields; ++i) {
-    NumberField* number = form.Number(QString("txtUDNumeric%1").arg(i), BatchUDNumericDecimals(session, i));
+    NumberField* number =
+        form.Number(QString("txtUDNumeric%1").arg(i), GetSetting(session, setting::Batches_UDNum_Format[i]));
     number->Means("UD_Numeric" + std::to_string(i));
-    form.Row(Caption(BatchUDNumericCaption(session, i)), number);
+    form.Row(Caption(GetSetting(session, setting::BatchCustomNumericLabelCaption[i])), number);
     numbers_.at(static_cast<std::size_t>(i)) = number;
   }
 }

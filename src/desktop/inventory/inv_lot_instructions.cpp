@@ -2,8 +2,7 @@
 
 #include <QLayout>
 
-#include "core/base/number.h"
-#include "core/settings/settings_keys.h"
+#include "core/session/settings.h"
 
 namespace vellumark::desktop {
 
@@ -20,7 +19,7 @@ InvLotInstructions::InvLotInstructions(WindowList& windowList, QWidget* owner)
 }
 
 void InvLotInstructions::accept() {
-  if (never_->isChecked()) SetSupportValue(session, keys::LottedInvReminder, "0");
+  if (never_->isChecked()) StoreSettings(session, {setting::LottedInvReminder.To(false)});
   Dialog::accept();
 }
 
@@ -28,7 +27,7 @@ void InvLotInstructions::ShowOnce(WindowList& windows) {
   static constexpr const char* kShown = "InvLotInstructionsShown";
   const Session& session = windows.session;
   if (session.InvLotTracking != 1 || windows.property(kShown).toBool() ||
-      LeadingInteger(GetSupportValue(session, keys::LottedInvReminder)) != 1)
+      !GetSetting(session, setting::LottedInvReminder))
     return;
   windows.setProperty(kShown, true);
   windows.RunDialog("InvLotInstructions");

@@ -64,14 +64,14 @@ PrintBoxForm::PrintBoxForm(WindowList& windowList, QWidget* owner, PrintDevices 
 void PrintBoxForm::BuildPrinter(Form form) {
   form.Row(tr("P&rinter"), printer_ = form.Combo("cmbPrinter"));
   ShowPrinters(*printer_, devices_.printers(), paper::ReportPrinter(session));
-  printer_->OnChosen([this](int) { paper::KeepReportPrinter(session, ChosenDevice(*printer_)); });
+  printer_->OnChosen([this](int) { StoreSettings(session, { setting::ReportPrinter.To(ChosenDevice(*printer_)); }) });
   form.Row(tr("&Copies"), copies_ = form.Number("txtCopies", 0, tr("1 to 999"), 5));
   copies_->SetText("1");
   form.Row(tr("P&ages"), {from_ = form.Number("txtFrom", 0, tr("The first page; empty: all"), 5), form.Hint(tr("to")),
                           to_ = form.Number("txtTo", 0, tr("The last page; empty: to the end"), 5)});
   to_->setAccessibleName(tr("Last page"));
   form.Row(tr("S&ides"), duplex_ = form.Combo("cmbDuplex", {tr("One side"), tr("Turned at the long edge"),
-                                                                 tr("Turned at the short edge")}));
+                                                            tr("Turned at the short edge")}));
   for (Field* field : std::initializer_list<Field*>{printer_, copies_, from_, to_, duplex_}) field->DoNotTrack();
   form.Stretch();
 }
@@ -83,7 +83,7 @@ void PrintBoxForm::BuildPage(Form form) {
   orientation_->Choose(options_.landscape ? 1 : 0);
   connect(orientation_, &RadioField::ChosenChanged, this, [this](int chosen) {
     options_.landscape = chosen == 1;
-    paper::KeepPrintSwitch(session, "PControl_Orientation", options_.landscape);
+    StoreSettings(session, {setting::PControl_Orientation.To(options_.landscape)});
     Refresh();
   });
   QStringList papers;
@@ -103,7 +103,7 @@ void PrintBoxForm::BuildPage(Form form) {
   if (font_->findText(options_.family) < 0) font_->insertItem(0, options_.family);
   font_->setCurrentText(options_.family);
   font_->OnChosen([this](int) {
-    paper::KeepPrinterFont(session, font_->Text());
+    StoreSettings(session, {setting::PrinterFont.To(font_->Text())});
     Refresh();
   });
   QStringList percents;
@@ -127,7 +127,7 @@ void PrintBoxForm::BuildPage(Form form) {
     form.Row(check);
     checks_.emplace_back(check, choice.field);
     connect(check, &QCheckBox::toggled, this, [this, &choice](bool on) {
-      paper::KeepPrintSwitch(session, choice.key, on);
+      StoreSettings(session, {choice.setting.To(on)});
       Refresh();
     });
     check->DoNotTrack();

@@ -3,7 +3,7 @@
 #include <QFontDatabase>
 #include <QLayout>
 
-#include "core/settings/settings_keys.h"
+#include "core/session/settings.h"
 #include "desktop/kit/look.h"
 #include "desktop/kit/text.h"
 #include "desktop/settings/explain.h"
@@ -20,7 +20,7 @@ Default_Printer::Default_Printer(WindowList& windowList, QWidget* owner, const S
   form.Buttons({form.Button("cmdSave", tr("&Save"), QKeySequence::Save), form.Button("cmdCancel", tr("Cancel"))});
   layout()->setSizeConstraint(QLayout::SetFixedSize);
 
-  ShowPrinters(*printer_, printers, GetSupportValue(session, keys::PrinterDevice));
+  ShowPrinters(*printer_, printers, GetSetting(session, setting::PrinterDevice));
   // A font of another machine stays the choice, though it cannot be shown here.
   const QString font = Q(session.PrinterFont);
   if (!font.isEmpty() && font_->findText(font) < 0) font_->insertItem(0, font);
@@ -40,7 +40,7 @@ void Default_Printer::ShowSample() {
 void Default_Printer::cmdSave_Click() {
   // On a computer without printers the one that was chosen before stays.
   const std::string device =
-      printer_->count() > 0 ? ChosenDevice(*printer_) : GetSupportValue(session, keys::PrinterDevice);
+      printer_->count() > 0 ? ChosenDevice(*printer_) : GetSetting(session, setting::PrinterDevice);
   if (Accepted(SaveDefaultPrinter(session, device, font_->Text()))) accept();
 }
 

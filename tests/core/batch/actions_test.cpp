@@ -214,7 +214,7 @@ TEST_F(Actions, GraphicOnlyWhenSomethingIsRecycledAndTheSettingAllows) {
   room.Recycled("TARGET", "100");
   EXPECT_TRUE(ShowsBatchGraphic(work));
   room.Setting("ShowBatchGraphic", "0");
-  ReadBatchSettings(session, work);
+  work.settings = ReadBatchSettings(session);
   EXPECT_FALSE(ShowsBatchGraphic(work));
 }
 

@@ -249,7 +249,7 @@ TEST_F(Overpours, BasicRowRefusals) {
   room.prompt.Expect("Excess Basic Color Weight", Answer::Yes);
   EXPECT_EQ(OverpourBasicRow(session, work, 1, "30000").error().title, "Batch Window - Invalid Amount");
   EXPECT_EQ(work.QuantityText, "100.000");
-  work.settings.overpour = false;
+  work.settings.Overpour = false;
   EXPECT_FALSE(OverpourBasicRow(session, work, 1, "33")->reformulated);
 }
 

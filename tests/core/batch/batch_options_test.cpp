@@ -31,8 +31,8 @@ struct BatchOptionsTest : testing::Test, test::InkRoom {
 
 TEST_F(BatchOptionsTest, WhatIsStoredIsReadBackByWhoeverUsesIt) {
   const BatchOptions fresh = ReadBatchOptions(session);
-  EXPECT_FALSE(fresh.recycleByDefault);
-  EXPECT_TRUE(fresh.sortByAmount && fresh.ReturnToInventory && fresh.ShowBatchGraphic && fresh.ShowQuickInfo);
+  EXPECT_TRUE(fresh.mixByDefault);
+  EXPECT_TRUE(!fresh.userOrder && fresh.ReturnToInventory && fresh.ShowBatchGraphic && fresh.ShowQuickInfo);
   EXPECT_FALSE(fresh.Overpour || fresh.BatchComplete || fresh.BatchDefaultLotNumberValue);
   EXPECT_EQ(fresh.texts[5].caption, "Text Lbl6");
   EXPECT_EQ(fresh.numbers[0].caption, "Num Lbl1");
@@ -40,8 +40,8 @@ TEST_F(BatchOptionsTest, WhatIsStoredIsReadBackByWhoeverUsesIt) {
 
   BatchOptions options = fresh;
   options.UMF = 3;
-  options.recycleByDefault = true;
-  options.sortByAmount = false;
+  options.mixByDefault = false;
+  options.userOrder = true;
   options.ReturnToInventory = false;
   options.ShowBatchGraphic = false;
   options.Overpour = true;
@@ -74,8 +74,8 @@ TEST_F(BatchOptionsTest, WhatIsStoredIsReadBackByWhoeverUsesIt) {
     EXPECT_EQ(OnFile(key), value) << key;
   const BatchWork work = NewBatchWork(session);
   EXPECT_EQ(work.UMF, 3);
-  EXPECT_TRUE(work.settings.recycleByDefault && work.settings.overpour);
-  EXPECT_FALSE(work.settings.sortByAmount || work.settings.showGraphic);
+  EXPECT_TRUE(!work.settings.mixByDefault && work.settings.Overpour);
+  EXPECT_TRUE(work.settings.userOrder && !work.settings.ShowBatchGraphic);
 }
 
 TEST_F(BatchOptionsTest, ABadSettingIsRefusedAtItsFieldAndNothingIsStored) {

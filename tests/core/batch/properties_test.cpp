@@ -146,7 +146,7 @@ TEST(Properties, OverRandomRecipeBooks) {
       book.room.Start(name, book.AnyQuantity());
       BatchWork& work = book.room.work;
       work.UMF = book.Pick(1, 4);
-      work.settings.sortByAmount = book.Pick(0, 1) == 0;
+      work.settings.userOrder = book.Pick(0, 1) == 1;
       SCOPED_TRACE(testing::Message() << "seed " << seed << " batch " << batch << ' ' << name << ' '
                                       << work.QuantityText);
       ASSERT_TRUE(RecycleAction(book.room.session, work));
@@ -456,7 +456,7 @@ TEST(Properties, ActsByHandKeepTheRecipe) {
     room.Start(name, Fixed(book.Real(1, 5000), 3));
     BatchWork& work = room.work;
     work.UMF = book.Pick(1, 4);
-    work.settings.overpour = true;
+    work.settings.Overpour = true;
     ASSERT_TRUE(MixAction(room.session, work));
     const Bench bench(book, name);
     Hand hand(book, bench);

@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "core/settings/settings_keys.h"
+#include "core/session/settings.h"
 #include "support/ink_room.h"
 
 namespace vellumark {
@@ -29,24 +29,24 @@ TEST(Options, InventorySettingsAreCheckedStoredAndInForceAtOnce) {
   ASSERT_TRUE(SaveInventorySettings(room.session, settings));
   EXPECT_EQ(room.session.UMI, 3);
   EXPECT_EQ(room.session.InvLotTracking, 0);
-  EXPECT_EQ(GetSupportValue(room.session, keys::InvCutoff), "0.25");
-  EXPECT_EQ(GetSupportValue(room.session, keys::AllowNegInv), "1");
+  EXPECT_EQ(GetSupportValue(room.session, setting::InvCutoff.key), "0.25");
+  EXPECT_EQ(GetSupportValue(room.session, setting::AllowNegInv.key), "1");
   EXPECT_EQ(told, 1);
   settings.InvCutoff = "0";
   settings.UMI = 5;
   EXPECT_FALSE(SaveInventorySettings(room.session, settings));
-  EXPECT_EQ(GetSupportValue(room.session, keys::InvCutoff), "0.25");
+  EXPECT_EQ(GetSupportValue(room.session, setting::InvCutoff.key), "0.25");
 }
 
 TEST(Options, NameLengthIsTenToThirty) {
   test::InkRoom room;
-  room.session.support->settings.AppendSupportValue(keys::UDCNameCCodeLen, "30");
+  StoreSettings(room.session, {setting::UDCNameCCodeLen.To(30)});
   const struct {
     const char* typed;
     int length;  // 0: refused
   } cases[] = {{"9", 0}, {"10", 10}, {" 15 ", 15}, {"30", 30}, {"31", 0}, {"30.5", 0}, {"10.5", 0}, {"", 0}, {"X", 0}};
   for (const auto& c : cases) {
-    room.Setting(keys::UDCNameCCodeLen, "20");
+    room.Setting(setting::UDCNameCCodeLen.key, "20");
     const auto saved = SaveNameLength(room.session, c.typed);
     EXPECT_EQ(saved.has_value(), c.length != 0) << c.typed;
     EXPECT_EQ(room.session.NameLength, c.length == 0 ? 20 : c.length) << c.typed;
@@ -58,13 +58,12 @@ TEST(Options, NameLengthIsTenToThirty) {
 
 TEST(Options, RemindersWriteTheirKeysInBothSenses) {
   test::InkRoom room;
-  room.session.support->settings.AppendSupportValue(keys::BackupFileLocation, "");
   const auto days = [&] { return room.Scalar("SELECT DaysToRemindBackup FROM FileInfo").Whole(); };
   ASSERT_TRUE(SaveReminders(room.session, {true, 14, "/mnt/backup, weekly", false, true}));
-  EXPECT_EQ(GetSupportValue(room.session, keys::RemindBackup), "0");
-  EXPECT_EQ(GetSupportValue(room.session, keys::BackupFileLocation), "/mnt/backup, weekly");
-  EXPECT_EQ(GetSupportValue(room.session, keys::LottedInvReminder), "0");
-  EXPECT_EQ(GetSupportValue(room.session, keys::BatchLotNumReminder), "1");
+  EXPECT_EQ(GetSupportValue(room.session, setting::RemindBackup.key), "0");
+  EXPECT_EQ(GetSupportValue(room.session, setting::BackupFileLocation.key), "/mnt/backup, weekly");
+  EXPECT_EQ(GetSupportValue(room.session, setting::LottedInvReminder.key), "0");
+  EXPECT_EQ(GetSupportValue(room.session, setting::BatchLotNumReminder.key), "1");
   EXPECT_EQ(days(), 14);
   EXPECT_TRUE(ReadReminders(room.session).shutdownBackup);
   EXPECT_EQ(ReadReminders(room.session).DaysToRemindBackup, 14);
@@ -72,13 +71,13 @@ TEST(Options, RemindersWriteTheirKeysInBothSenses) {
   EXPECT_EQ(SaveReminders(room.session, {true, 31, "", true, true}).error().field, "cmbDays");
   EXPECT_EQ(days(), 14);
   ASSERT_TRUE(SaveReminders(room.session, {true, 14, "/mnt/\"back\", up", true, true}));
-  EXPECT_EQ(GetSupportValue(room.session, keys::BackupFileLocation), "/mnt/\"back\", up");
+  EXPECT_EQ(GetSupportValue(room.session, setting::BackupFileLocation.key), "/mnt/\"back\", up");
 
   // Off forgets the folder and leaves the days.
   ASSERT_TRUE(SaveReminders(room.session, {false, 5, "/mnt/backup", true, false}));
-  EXPECT_EQ(GetSupportValue(room.session, keys::RemindBackup), "1");
-  EXPECT_EQ(GetSupportValue(room.session, keys::BackupFileLocation), "");
-  EXPECT_EQ(GetSupportValue(room.session, keys::BatchLotNumReminder), "0");
+  EXPECT_EQ(GetSupportValue(room.session, setting::RemindBackup.key), "1");
+  EXPECT_EQ(GetSupportValue(room.session, setting::BackupFileLocation.key), "");
+  EXPECT_EQ(GetSupportValue(room.session, setting::BatchLotNumReminder.key), "0");
   EXPECT_EQ(days(), 14);
   room.session.File().Execute("UPDATE FileInfo SET DaysToRemindBackup = 0");
   EXPECT_EQ(ReadReminders(room.session).DaysToRemindBackup, 1);
@@ -87,9 +86,9 @@ TEST(Options, RemindersWriteTheirKeysInBothSenses) {
 TEST(Options, SetupStoresPositionsAsUnitCodes) {
   test::InkRoom room;
   ASSERT_TRUE(SaveNewSetup(room.session, 1, 3, "LPT_OFFICE"));
-  EXPECT_EQ(GetSupportValue(room.session, keys::UMI), "2");
-  EXPECT_EQ(GetSupportValue(room.session, keys::UMF), "4");
-  EXPECT_EQ(GetSupportValue(room.session, keys::PrinterDevice), "LPT_OFFICE");
+  EXPECT_EQ(GetSupportValue(room.session, setting::UMI.key), "2");
+  EXPECT_EQ(GetSupportValue(room.session, setting::UMF.key), "4");
+  EXPECT_EQ(GetSupportValue(room.session, setting::PrinterDevice.key), "LPT_OFFICE");
   EXPECT_EQ(room.session.UMF, 4);
   EXPECT_EQ(SaveNewSetup(room.session, -1, 0, "").error().field, "cmbUMI");
   EXPECT_EQ(SaveNewSetup(room.session, 0, 4, "").error().field, "cmbUMF");
@@ -98,6 +97,40 @@ TEST(Options, SetupStoresPositionsAsUnitCodes) {
   const auto offered = PrintersOffered({{"Office", "a"}, {"Rendering Subsystem", "b"}, {"Lab", "c"}});
   ASSERT_EQ(offered.size(), 2U);
   EXPECT_EQ(offered[1].device, "c");
+}
+
+TEST(Options, SettingsAreStoredInOneStepAddedWhereTheyAreMissingAndTold) {
+  test::InkRoom room;
+  int told = 0;
+  const auto subscription = room.session.changes.Subscribe([&](const std::vector<Change>&) { ++told; });
+  const auto sortedBy = setting::SortCol.Of("NewReport");
+  EXPECT_EQ(GetSetting(room.session, sortedBy), 0);
+  StoreSettings(room.session, {setting::UMF.To(4), sortedBy.To(7), setting::ColWidth.Of("NewReport", 2).To(1500),
+                               setting::BatchComplete.To(true), setting::QuickInfoField[3].To(false)});
+  EXPECT_EQ(told, 1);
+  EXPECT_EQ(room.session.UMF, 4);
+  EXPECT_EQ(GetSetting(room.session, sortedBy), 7);
+  EXPECT_EQ(GetSupportValue(room.session, "NewReportColWidth2"), "1500");
+  EXPECT_TRUE(GetSetting(room.session, setting::BatchComplete)) << "a key that was not there is not lost";
+  EXPECT_FALSE(GetSetting(room.session, setting::QuickInfoField[3]));
+  EXPECT_TRUE(GetSetting(room.session, setting::QuickInfoField[4]));
+  const std::size_t records = room.session.support->settings.Read().Records().size();
+  StoreSettings(room.session, {sortedBy.To(8)});
+  EXPECT_EQ(room.session.support->settings.Read().Records().size(), records);
+}
+
+TEST(Options, ValuesThatMeanNothingAreToldInOneMessage) {
+  test::InkRoom room;
+  TellUnusableSettings(room.session);  // nothing to tell
+  room.Setting("UMI", "7");
+  room.Setting("BatchListColWidth3", "wide");
+  room.Setting("PrinterFont", "7");
+  room.prompt.Expect(
+      "Settings", Answer::Ok,
+      "BatchListColWidth3 is a whole number of 0 or more, not \"wide\".\nUMI is a whole number from 1 to "
+      "4, not \"7\".\nUntil they are set anew, their defaults are in force.");
+  TellUnusableSettings(room.session);
+  EXPECT_EQ(room.session.UMI, 1);
 }
 
 TEST(Options, EachWindowAsksForTheRight) {

@@ -18,7 +18,7 @@
 #include "core/datafile/schema.h"
 #include "core/datafile/writer.h"
 #include "core/session/users.h"
-#include "core/settings/settings_keys.h"
+#include "core/settings/settings.h"
 #include "core/settings/support_files.h"
 #include "core/shell/data_files.h"
 #include "core/shell/database_menu.h"
@@ -46,7 +46,7 @@ class RecordingWindows final : public StartupWindows {
   void ShowMainWindow(const std::string& text) override { Note("main window"), caption = text; }
   void ShowNewSetup(Session& session) override {
     Note("setup");
-    SetSupportValue(session, keys::UMI, "2");
+    SetSupportValue(session, setting::UMI.key, "2");
   }
   void TakePrinter(Session& session) override { Note("printer, UMI " + std::to_string(session.UMI)); }
   void PrepareCloud(Session&) override { Note("cloud folders"); }
@@ -56,7 +56,7 @@ class RecordingWindows final : public StartupWindows {
     return copy;
   }
   void LoadScalePort(Session& session) override {
-    Note("scale, settings version " + GetSupportValue(session, keys::StartupVar_FileVersion));
+    Note("scale, settings version " + GetSupportValue(session, setting::StartupVar_FileVersion.key));
   }
   void ShowSplash() override { Note("splash"); }
   void ShowCloudLine(Session&) override { Note("cloud line"); }
@@ -119,7 +119,7 @@ TEST(StartOrder, AFileNamedInQuotesIsOpenedAndKeptAsTheDefault) {
   EXPECT_TRUE(start.session.RecordsetsOpen);
   EXPECT_EQ(start.session.CurrentDatabase, "INK");
   EXPECT_EQ(start.windows.caption, "Version 5.0.0   -   " + path.string());
-  EXPECT_EQ(GetSupportValue(start.session, keys::DbFileName50), path.string());
+  EXPECT_EQ(GetSupportValue(start.session, setting::DbFileName50.key), path.string());
   EndSession(start.session, start.windows);
   EXPECT_EQ(start.windows.calls.back(), "backup AutoBackup");
   EXPECT_EQ(start.windows.caption, "Version 5.0.0");
@@ -142,8 +142,8 @@ TEST(StartOrder, AFileNamedInQuotesIsOpenedAndKeptAsTheDefault) {
   start.windows.calls.clear();
   ASSERT_TRUE(StartUp(start.session, start.options, start.windows));
   EXPECT_EQ(start.windows.calls[2], "setup");
-  EXPECT_EQ(start.session.support->settings.Read().Get(keys::StartupVar_FileVersion), "47");
-  EXPECT_EQ(GetSupportValue(start.session, keys::UMI), "2");
+  EXPECT_EQ(start.session.support->settings.Read().Get(setting::StartupVar_FileVersion.key), "47");
+  EXPECT_EQ(GetSupportValue(start.session, setting::UMI.key), "2");
 }
 
 TEST(StartOrder, AFileThatCannotBeOpenedIsToldAndTheStartGoesOn) {
@@ -233,7 +233,7 @@ TEST(EndOrder, AFileWithoutADatabaseIsRemovedAndTheReminderComesOnlyWhenItIsOn) 
   start.session.RecordsetsOpen = true;
   EXPECT_TRUE(MayEnd(start.session, start.windows));
   EXPECT_TRUE(start.windows.calls.empty());
-  SetSupportValue(start.session, keys::RemindBackup, "0");
+  SetSupportValue(start.session, setting::RemindBackup.key, "0");
   EXPECT_TRUE(MayEnd(start.session, start.windows));
   EXPECT_EQ(start.windows.calls, (std::vector<std::string>{"close children", "remind backup"}));
   start.session.RecordsetsOpen = false;
@@ -581,7 +581,7 @@ TEST(SupportRenewal, FreshFilesKeepTheDataFileAndRunSetupAndLadder) {
   start.options.dataFileArgument = path.string();
   ASSERT_TRUE(StartUp(start.session, start.options, start.windows));
   Session& session = start.session;
-  SetSupportValue(session, keys::DecimalPlaces, "4");
+  SetSupportValue(session, setting::DecimalPlaces.key, "4");
   session.support->label.AppendSupportValue("My Layout", "Paper", "1");
   start.windows.calls.clear();
   const std::string question =
@@ -591,15 +591,15 @@ TEST(SupportRenewal, FreshFilesKeepTheDataFileAndRunSetupAndLadder) {
   start.prompt.Expect("Create Support Files", Answer::Cancel, question);
   EXPECT_FALSE(*CreateNewSupportFiles(session, start.windows));
   EXPECT_TRUE(start.windows.calls.empty());
-  EXPECT_EQ(GetSupportValue(session, keys::DecimalPlaces), "4");
+  EXPECT_EQ(GetSupportValue(session, setting::DecimalPlaces.key), "4");
 
   start.prompt.Expect("Create Support Files", Answer::Ok);
   EXPECT_TRUE(*CreateNewSupportFiles(session, start.windows));
   EXPECT_EQ(start.windows.calls, (std::vector<std::string>{"close children", "setup", "printer, UMI 2"}));
-  EXPECT_EQ(GetSupportValue(session, keys::DbFileName50), path.string());
+  EXPECT_EQ(GetSupportValue(session, setting::DbFileName50.key), path.string());
   EXPECT_EQ(session.DecimalPlaces, 2);
   EXPECT_EQ(session.UMI, 2);
-  EXPECT_EQ(GetSupportValue(session, keys::StartupVar_FileVersion), "47");
+  EXPECT_EQ(GetSupportValue(session, setting::StartupVar_FileVersion.key), "47");
   EXPECT_TRUE(session.support->scale.Exists());
   EXPECT_EQ(session.support->label.GetSupportValue("My Layout", "Paper"), "");
 
@@ -613,7 +613,7 @@ TEST(SupportRenewal, FreshFilesKeepTheDataFileAndRunSetupAndLadder) {
   fs::remove(path);
   start.prompt.Expect("Create Support Files", Answer::Ok);
   EXPECT_TRUE(*CreateNewSupportFiles(session, start.windows));
-  EXPECT_EQ(GetSupportValue(session, keys::DbFileName50),
+  EXPECT_EQ(GetSupportValue(session, setting::DbFileName50.key),
             (start.options.folders.program / "Vellumark Data.vkd").string());
 }
 

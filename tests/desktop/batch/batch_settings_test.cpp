@@ -55,8 +55,8 @@ TEST_F(BatchSettingsTest, AllSettingsAreStoredAndReadBack) {
   }));
   BatchOptions wanted;
   wanted.UMF = 3;
-  wanted.recycleByDefault = true;
-  wanted.sortByAmount = false;
+  wanted.mixByDefault = false;
+  wanted.userOrder = true;
   wanted.ReturnToInventory = false;
   wanted.ShowBatchGraphic = false;
   wanted.Overpour = wanted.BatchComplete = wanted.BatchDefaultLotNumberValue = true;

@@ -10,7 +10,7 @@
 #include <vector>
 
 #include "core/base/number.h"
-#include "core/settings/settings_keys.h"
+#include "core/settings/settings.h"
 #include "desktop/batch/batch_form.h"
 #include "desktop/batch/cell_button.h"
 #include "desktop/batch/register.h"

@@ -7,7 +7,7 @@
 
 #include "core/base/files.h"
 #include "core/session/users.h"
-#include "core/settings/settings_keys.h"
+#include "core/settings/settings.h"
 #include "core/shell/data_files.h"
 #include "core/shell/opening.h"
 #include "desktop/datafile/register.h"
@@ -40,7 +40,7 @@ struct DataFileWindows : testing::Test, DataFileRoom {
   }
   bool IsDefault(const fs::path& path) {
     return session.RecordsetsOpen && session.DataFileName == path.string() && session.DataFileDB->Path() == path &&
-           GetSupportValue(session, keys::DbFileName50) == path.string();
+           GetSupportValue(session, setting::DbFileName50.key) == path.string();
   }
   static std::string Label(QWidget& window, const char* name) { return U8(Control<QLabel>(window, name).text()); }
   /// To the button with Tab, and Enter on it.

@@ -455,7 +455,7 @@ TEST_F(AdjustInventoryTest, PricesAreHiddenFromWhoMayNotSeeThem) {
 }
 
 TEST_F(AdjustInventoryTest, TheFirstInventoryWindowRemindsOfLots) {
-  Setting(keys::LottedInvReminder, "1");
+  Setting(setting::LottedInvReminder.key, "1");
   WithModal(
       [&] {
         form = windows.OpenForm("AdjustInventoryForm");
@@ -468,7 +468,7 @@ TEST_F(AdjustInventoryTest, TheFirstInventoryWindowRemindsOfLots) {
         Click(dialog, "chkNever");
         Click(dialog, "cmdOK");
       });
-  EXPECT_EQ(GetSupportValue(session, keys::LottedInvReminder), "0");
+  EXPECT_EQ(GetSupportValue(session, setting::LottedInvReminder.key), "0");
   ShowActive(*form);
   EXPECT_TRUE(form->Leave());
   Settle();

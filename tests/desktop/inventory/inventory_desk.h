@@ -11,7 +11,7 @@
 
 #include "core/inventory/stock_list.h"
 #include "core/session/options.h"
-#include "core/settings/settings_keys.h"
+#include "core/settings/settings.h"
 #include "core/settings/support_files.h"
 #include "desktop/colors/register.h"
 #include "desktop/inventory/register.h"
@@ -26,8 +26,8 @@ struct InventoryDesk : StockRoom {
   InventoryDesk() {
     desktop::RegisterInventoryWindows(windows);
     desktop::RegisterColorsWindows(windows);
-    session.support->settings.AppendSupportValue(keys::InvRecordMethod, "0");  // the ladder adds it at the first start
-    Setting(keys::LottedInvReminder, "0");
+    session.support->settings.AppendSupportValue(setting::InvRecordMethod.key, "0");  // the ladder adds it at the first start
+    Setting(setting::LottedInvReminder.key, "0");
   }
 
   /// Stock is entered by unit weight and count, with containers.

@@ -32,13 +32,6 @@ Sheet LongList() {
 
 struct PrintBoxTest : testing::Test, InkRoom {
   PrintBoxTest() {
-    for (const auto& [key, value] : {std::pair{"PControl_IncludeHeadings", "1"},
-                                     {"PControl_IncludeData", "1"},
-                                     {"PControl_IncludeTotals", "1"},
-                                     {"PControl_Lines", "0"},
-                                     {"PControl_FitToPage", "1"},
-                                     {"PControl_Orientation", "0"}})
-      session.support->settings.AppendSupportValue(key, value);
     session.PrinterFont = "Open Sans";
     desktop::RegisterReportsWindows(
         windows, {.printers = [this] { return printers; },

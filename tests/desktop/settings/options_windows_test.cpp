@@ -7,7 +7,7 @@
 
 #include "core/base/files.h"
 #include "core/session/rights.h"
-#include "core/settings/settings_keys.h"
+#include "core/settings/settings.h"
 #include "desktop/kit/fields.h"
 #include "desktop/kit/wait_progress.h"
 #include "desktop/settings/register.h"
@@ -27,7 +27,7 @@ struct OptionsWindowsTest : testing::Test, InkRoom {
   OptionsWindowsTest() {
     // The keys that the ladder adds at the first start.
     for (const auto& [key, value] :
-         {std::pair{keys::InvRecordMethod, "0"}, {keys::UDCNameCCodeLen, "30"}, {keys::BackupFileLocation, ""}}) {
+         {std::pair{setting::InvRecordMethod.key, "0"}, {setting::UDCNameCCodeLen.key, "30"}, {setting::BackupFileLocation.key, ""}}) {
       session.support->settings.AppendSupportValue(key, value);
     }
     ReadSettings(session);
@@ -122,7 +122,7 @@ TEST_F(OptionsWindowsTest, TheFirstSetupWorksWithoutAnyPrinter) {
 // ---- Default printer
 
 TEST_F(OptionsWindowsTest, TheDefaultPrinterIsShownAndStoredWithItsFont) {
-  Setting(keys::PrinterDevice, "LASER_2");
+  Setting(setting::PrinterDevice.key, "LASER_2");
   EXPECT_TRUE(Run("Default_Printer", [&](QWidget& dialog) {
     EXPECT_EQ(dialog.windowTitle(), "Default Printer");
     EXPECT_EQ(Control<QComboBox>(dialog, "cmbPrinter").currentText(), "Office (laser)");
@@ -138,7 +138,7 @@ TEST_F(OptionsWindowsTest, TheDefaultPrinterIsShownAndStoredWithItsFont) {
 }
 
 TEST_F(OptionsWindowsTest, APrinterThatIsGoneGivesWayToTheDefaultButNotWhereThereAreNone) {
-  Setting(keys::PrinterDevice, "OLD");
+  Setting(setting::PrinterDevice.key, "OLD");
   EXPECT_FALSE(Run("Default_Printer", [&](QWidget& dialog) {
     EXPECT_EQ(Control<QComboBox>(dialog, "cmbPrinter").currentText(), "Label printer, ink room");
     Press(dialog, Qt::Key_Escape);
@@ -202,13 +202,13 @@ TEST_F(OptionsWindowsTest, RemindersAreStoredInBothSenses) {
 TEST_F(OptionsWindowsTest, AFolderThatIsLostGivesWayToTheDefaultWithoutAWord) {
   const auto there = folder / "Stick";
   std::filesystem::create_directories(there);
-  Setting(keys::RemindBackup, "0");
-  Setting(keys::BackupFileLocation, "/no/such/drive");
+  Setting(setting::RemindBackup.key, "0");
+  Setting(setting::BackupFileLocation.key, "/no/such/drive");
   EXPECT_FALSE(Run("RemindersForm", [&](QWidget& dialog) {
     EXPECT_EQ(Control<QLineEdit>(dialog, "txtFolder").text(), QDir::homePath());
     dialog.close();
   }));
-  Setting(keys::BackupFileLocation, there.string());
+  Setting(setting::BackupFileLocation.key, there.string());
   EXPECT_FALSE(Run("RemindersForm", [&](QWidget& dialog) {
     EXPECT_EQ(Control<QLineEdit>(dialog, "txtFolder").text().toStdString(), there.string());
     std::filesystem::remove(there);
