@@ -9,6 +9,7 @@
 
 #include "core/backup/deep_check.h"
 #include "core/base/files.h"
+#include "core/colors/basics.h"
 #include "core/settings/settings.h"
 #include "core/shell/data_files.h"
 #include "core/shell/database_menu.h"
@@ -48,16 +49,15 @@ int StateFault(Desk& desk) {
   Session& session = desk.session;
   if (session.LoadingDatabase) return 10;
   if (!session.DataFileOpen)
-    return session.RecordsetsOpen || session.DataFileDB || session.BasicRS || !session.CurrentDatabase.empty() ? 11 : 0;
-  if (!session.RecordsetsOpen || !session.DataFileDB || !session.BasicRS || !session.JobRS) return 12;
+    return session.RecordsetsOpen || session.DataFileDB || !session.CurrentDatabase.empty() ? 11 : 0;
+  if (!session.RecordsetsOpen || !session.DataFileDB) return 12;
   if (session.DataFileDB->Path() != session.DataFileName || !fs::exists(session.DataFileName)) return 13;
   const FileInfoRow info = ReadFileInfo(session.File());
   if (info.dbList != session.databaseList) return 14;
   if (std::ranges::find(info.dbList, session.CurrentDatabase) == info.dbList.end()) return 15;
   // Each Database holds one colour that bears the Database's first name.
-  session.BasicRS->MoveFirst();
   const std::string expected = session.CurrentDatabase == "GAMMA" ? "ALPHA" : session.CurrentDatabase;
-  if (session.CurrentDatabase != "PANTONE" && session.BasicRS->Text("Color_Name") != expected) return 16;
+  if (session.CurrentDatabase != "PANTONE" && BasicNames(session) != std::vector{expected}) return 16;
   if (session.FullName != expected && session.CurrentDatabase != "PANTONE") return 17;
   return 0;
 }

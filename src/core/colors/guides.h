@@ -7,7 +7,6 @@
 #include <string_view>
 
 #include "core/datafile/color_kind.h"
-#include "core/datafile/recordset.h"
 #include "core/session/session.h"
 
 namespace vellumark {

@@ -12,7 +12,7 @@
 #include "core/base/refusal.h"
 #include "core/base/seams.h"
 #include "core/datafile/engine.h"
-#include "core/datafile/recordset.h"
+#include "core/datafile/schema.h"
 
 namespace vellumark {
 
@@ -59,11 +59,7 @@ struct Session {
   std::uint8_t Perm_Databases = 1;
   std::uint8_t Perm_DBTools = 1;
 
-  std::optional<Recordset> BasicRS;  ///< by Color_Name
-  std::optional<Recordset> MixRS;    ///< by Color_Name
-  std::optional<Recordset> BatchRS;  ///< by BatchNo
-  std::optional<Recordset> JobRS;    ///< by JobNumber, Date_Entered; shared by all Databases
-  std::int32_t BatchNumber = 1;      ///< the next Batch number
+  std::int32_t BatchNumber = 1;  ///< the next Batch number
   std::int32_t ItemNumber = 1;
 
   std::string FullName;    ///< long name of the current Database

@@ -104,7 +104,7 @@ Result<std::string> RenameDatabase(Session& session, std::string_view name, std:
   const std::string currentBefore = session.CurrentDatabase;
   std::optional<OpenedDatabase> before;
   try {
-    // The record sets are on the new tables when the commit tells of them.
+    // The Database is open under its new name when the commit tells of it.
     Transaction transaction(session.File());
     RenameDatabaseTables(session.File(), *old, *newName);
     AddDatabaseRenameLines(session.File(), NewStockLine(session, StockEvent::DatabaseRenamed, ColorKind::Basic), *old,

@@ -63,17 +63,9 @@ void TellWhatIsUnsound(Session& session) {
   session.prompt.Tell("Data File", text, Icon::Exclamation);
 }
 
-void CloseWorkingSets(Session& session) {
-  session.BasicRS.reset();
-  session.MixRS.reset();
-  session.BatchRS.reset();
-  session.JobRS.reset();
-  session.RecordsetsOpen = false;
-}
-
 // The state in which no file is open.
 void LeaveFile(Session& session) {
-  CloseWorkingSets(session);
+  session.RecordsetsOpen = false;
   session.templateDB.reset();
   session.DataFileDB.reset();
   session.DataFileOpen = false;
@@ -119,15 +111,6 @@ bool MakeOfFirstGuides(Session& session, const std::string& name) {
   StoreCurrentDatabase(session.File(), name);
   transaction.Commit();
   return true;
-}
-
-void SwapSets(std::optional<Recordset>& a, std::optional<Recordset>& b) {
-  std::optional<Recordset> held;
-  if (a) held.emplace(std::move(*a));
-  a.reset();
-  if (b) a.emplace(std::move(*b));
-  b.reset();
-  if (held) b.emplace(std::move(*held));
 }
 
 // For the work files of conversions. Where it cannot be made, whoever writes into it says so.
@@ -286,8 +269,9 @@ void CreateDataFile(Session& session, const fs::path& path, OpeningWindows& wind
   StoreDefaultDataFile(session, session.DataFileName);
 }
 
-void ReopenWorkingSets(Session& session) {
-  CloseWorkingSets(session);
+// Opens the file and the current Database again, without a login. After a Failure no file is open.
+static void Reopen(Session& session) {
+  session.RecordsetsOpen = false;
   try {
     session.DataFileDB.reset();
     session.DataFileDB = OpenFile(session);
@@ -299,14 +283,14 @@ void ReopenWorkingSets(Session& session) {
 }
 
 void CompactDataFile(Session& session) {
-  CloseWorkingSets(session);
+  session.RecordsetsOpen = false;
   try {
     CompactFile(session.File());
   } catch (const Failure&) {
-    ReopenWorkingSets(session);
+    Reopen(session);
     throw;
   }
-  ReopenWorkingSets(session);
+  Reopen(session);
 }
 
 OpenedDatabase::OpenedDatabase(Session& session) {
@@ -330,29 +314,20 @@ OpenedDatabase::OpenedDatabase(Session& session) {
     tradeMark_ = info.tradeMark;
     templateFile_ = info.templateFile;
   }
-  basic_.emplace(file, schema::Basic, session.Table(schema::Basic), std::vector<std::string>{"Color_Name"});
-  basic_->MoveFirst();
-  mix_.emplace(file, schema::Mix, session.Table(schema::Mix), std::vector<std::string>{"Color_Name"});
-  mix_->MoveFirst();
-  batch_.emplace(file, schema::Batch, session.Table(schema::Batch), std::vector<std::string>{"BatchNo"});
-  batch_->MoveLast();
-  if (!session.JobRS)
-    job_.emplace(file, schema::JobRecords, schema::JobRecords.name,
-                 std::vector<std::string>{"JobNumber", "Date_Entered"});
+  // What cannot be read fails here, before anything comes into force.
+  for (const Table* table : {&schema::Basic, &schema::Mix, &schema::Batch})
+    file.Scalar("SELECT 1 FROM " + Quoted(session.Table(*table)) + " LIMIT 1");
+  file.Scalar("SELECT 1 FROM " + Quoted(schema::JobRecords.name) + " LIMIT 1");
   template_ = OpenTemplate(session, templateFile_, templatePath);
 }
 
 void OpenedDatabase::Exchange(Session& session) {
-  SwapSets(session.BasicRS, basic_);
-  SwapSets(session.MixRS, mix_);
-  SwapSets(session.BatchRS, batch_);
-  if (job_) SwapSets(session.JobRS, job_);
   std::swap(session.FullName, fullName_);
   std::swap(session.Disclaimer, disclaimer_);
   std::swap(session.TradeMark, tradeMark_);
   std::swap(session.TemplateFile, templateFile_);
   std::swap(session.templateDB, template_);
-  session.RecordsetsOpen = session.BasicRS.has_value();
+  std::swap(session.RecordsetsOpen, open_);
 }
 
 void OpenDatabase(Session& session) {

@@ -54,10 +54,7 @@ void StoreDefaultDataFile(Session& session, const std::string& name);
 
 /// Compacts the open file in place; Database and user stay.
 void CompactDataFile(Session& session);
-/// Opens `DataFileName` and the working record sets again, without a login. After a Failure no file is open.
-void ReopenWorkingSets(Session& session);
-
-/// What is in force of one Database: its texts, its template and its working record sets. Made of `CurrentDatabase`
+/// What is in force of one Database: its texts, and its template. Made of `CurrentDatabase`
 /// beside what the session has, so that a failure changes nothing there.
 class OpenedDatabase {
  public:
@@ -66,10 +63,7 @@ class OpenedDatabase {
   void Exchange(Session& session);
 
  private:
-  std::optional<Recordset> basic_;
-  std::optional<Recordset> mix_;
-  std::optional<Recordset> batch_;
-  std::optional<Recordset> job_;
+  bool open_ = true;
   std::string fullName_;
   std::string disclaimer_;
   std::string tradeMark_;

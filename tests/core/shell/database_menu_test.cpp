@@ -4,6 +4,7 @@
 
 #include <algorithm>
 
+#include "core/colors/basics.h"
 #include "core/datafile/databases.h"
 #include "core/datafile/lifecycle.h"
 #include "core/datafile/schema.h"
@@ -40,7 +41,7 @@ TEST(DatabaseMenu, ARenameReachesEveryPlaceOfTheName) {
   std::size_t told = 0;
   const auto subscription = session.changes.Subscribe([&](const std::vector<Change>& changes) {
     // Whoever is told finds the Database open under its new name.
-    EXPECT_EQ(session.BasicRS->RecordCount(), 1);
+    EXPECT_EQ(BasicNames(session).size(), 1U);
     for (const Change& change : changes)
       if (change == Change{Change::Kind::DatabaseList, "INK", "", Change::What::Renamed, "A NAME OF FIFTEE"}) ++told;
   });
@@ -58,7 +59,7 @@ TEST(DatabaseMenu, ARenameReachesEveryPlaceOfTheName) {
   EXPECT_EQ(room.JobsOf("INK"), 0);
   EXPECT_EQ(room.Scalar("SELECT IngDB0 || '/' || IngDB1 || '/' || IngDB9 FROM Designs").Text(),
             "A NAME OF 15 CH/FLEXO/A NAME OF 15 CH");
-  EXPECT_EQ(session.MixRS->Text("Color_Name"), "SEA");
+  EXPECT_EQ(MixNames(session), Names{"SEA"});
   // The old name is free again, its indexes with it, and one that is not current goes the same way.
   EXPECT_TRUE(NewDatabase(session, "INK", {}));
   EXPECT_TRUE(RenameDatabase(session, "FLEXO", "GRAVURE"));
@@ -109,7 +110,7 @@ TEST(DatabaseMenu, ARenameThatFailsHalfWayChangesNothing) {
   EXPECT_EQ(room.DBList(), room.session.databaseList);
   EXPECT_EQ(room.JobsOf("INK"), 2);
   EXPECT_TRUE(MissingParts(room.session.File(), room.session.databaseList).empty());
-  EXPECT_EQ(room.session.BasicRS->RecordCount(), 1);
+  EXPECT_EQ(BasicNames(room.session).size(), 1U);
 }
 
 TEST(DatabaseMenu, DeletingTakesTablesAndJobLinesAndNeverTheCurrentOne) {

@@ -162,7 +162,7 @@ TEST_F(DatabaseWindows, RenameByKeyboard) {
   ASSERT_TRUE(result);
   EXPECT_EQ(result->Text("Database"), "OFFSET");
   EXPECT_EQ(session.CurrentDatabase, "OFFSET");
-  EXPECT_EQ(session.MixRS->RecordCount(), 1);
+  EXPECT_EQ(MixNames(session).size(), 1U);
 }
 
 TEST_F(DatabaseWindows, DeleteAsksAndKeepsTheCurrentOne) {
