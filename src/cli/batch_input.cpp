@@ -14,7 +14,6 @@
 #include "core/batch/jobs.h"
 #include "core/batch/modified.h"
 #include "core/batch/recycle_list.h"
-#include "core/colors/amounts.h"
 #include "core/colors/names.h"
 
 namespace vellumark::cli {
@@ -79,25 +78,6 @@ Result<void> Calculate(Session& session, BatchRecord& record, bool recycle) {
 
 // ---- Fields
 
-struct TextField {
-  std::string_view name;
-  std::string BatchFields::*text;
-};
-constexpr std::array kTextFields{
-    TextField{"LotNumber", &BatchFields::LotNumber}, TextField{"LotLoc", &BatchFields::LotLoc},
-    TextField{"LotContID", &BatchFields::LotContID}, TextField{"Notes", &BatchFields::Notes},
-    TextField{"IngNotes", &BatchFields::IngNotes},   TextField{"ShortNote", &BatchFields::ShortNote},
-    TextField{"Lab_LS", &BatchFields::Lab_LS},       TextField{"Lab_PT", &BatchFields::Lab_PT},
-    TextField{"Lab_Note", &BatchFields::Lab_Note}};
-
-struct LabField {
-  std::string_view name;
-  float BatchFields::*number;
-};
-constexpr std::array kLabFields{LabField{"Lab_L", &BatchFields::Lab_L}, LabField{"Lab_a", &BatchFields::Lab_a},
-                                LabField{"Lab_b", &BatchFields::Lab_b}, LabField{"Lab_D", &BatchFields::Lab_D},
-                                LabField{"Lab_Density", &BatchFields::Lab_Density}};
-
 struct ModelField {
   std::string_view name;
   int BatchCostModel::*choice;
@@ -122,23 +102,9 @@ class FieldSetter {
   FieldSetter(Session& session, BatchRecord& record) : session_(session), record_(record), model_(record.work.cost) {}
 
   Result<void> Set(std::string_view field, const std::string& value) {
-    for (const TextField& text : kTextFields)
-      if (EqualNoCase(text.name, field)) return EnterBatchText(session_, record_, text.text, value);
-    for (const LabField& lab : kLabFields)
-      if (EqualNoCase(lab.name, field)) return SetReading(field, value, record_.fields.*lab.number);
     for (const ModelField& model : kModelFields)
       if (EqualNoCase(model.name, field)) return SetModel(model, value);
-    for (int i = 0; i < kBatchUserFields; ++i) {
-      if (EqualNoCase(field, schema::Numbered("UD_Text", i))) {
-        if (auto editable = CheckEditable(session_, record_); !editable) return editable;
-        record_.fields.UD_Text[static_cast<std::size_t>(i)] = value;
-        return {};
-      }
-      if (EqualNoCase(field, schema::Numbered("UD_Numeric", i))) {
-        if (auto set = EnterUDNumeric(session_, record_, i, value); !set) return std::unexpected(set.error());
-        return {};
-      }
-    }
+    if (BatchRowFields().FindSettable(field, false) != nullptr) return EnterBatchField(session_, record_, field, value);
     return Refuse("Invalid Field", fmt::format("{} is no field of a Batch that can be set.", field),
                   std::string(field));
   }
@@ -152,14 +118,6 @@ class FieldSetter {
   }
 
  private:
-  Result<void> SetReading(std::string_view field, const std::string& value, float& number) {
-    const auto read = ReadAmount(session_, AmountKey::Lab, value, field);
-    if (!read) return std::unexpected(read.error());
-    if (auto editable = CheckEditable(session_, record_); !editable) return editable;
-    number = *read;
-    return {};
-  }
-
   Result<void> SetModel(const ModelField& model, const std::string& value) {
     const auto read = ParseNumber(value);
     if (!read) return NoNumber(model.name, value);
@@ -386,14 +344,13 @@ Result<void> ChangeBatch(Session& session, BatchRecord& record, const BatchInput
 }
 
 Result<void> TakeSaveOptions(Session& session, BatchRecord& record, const BatchInput& input) {
-  using Given = std::pair<const std::optional<std::string>*, std::string BatchFields::*>;
-  for (const auto& [text, field] :
-       {Given{&input.lotNumber, &BatchFields::LotNumber}, Given{&input.lotLoc, &BatchFields::LotLoc},
-        Given{&input.lotCont, &BatchFields::LotContID}, Given{&input.notes, &BatchFields::Notes},
-        Given{&input.shortNote, &BatchFields::ShortNote}}) {
+  using Given = std::pair<const std::optional<std::string>*, std::string_view>;
+  for (const auto& [text, column] :
+       {Given{&input.lotNumber, "LotNumber"}, Given{&input.lotLoc, "LotLoc"}, Given{&input.lotCont, "LotContID"},
+        Given{&input.notes, "Notes"}, Given{&input.shortNote, "ShortNote"}}) {
     if (!*text) continue;
-    auto done = EnterBatchText(session, record, field, field == &BatchFields::Notes ? **text : Trim(**text));
-    if (!done) return done;
+    if (auto done = EnterBatchField(session, record, column, column == "Notes" ? **text : Trim(**text)); !done)
+      return done;
   }
   if (auto done = TakeJobs(session, record, input); !done) return done;
   if (input.noReturn)

@@ -25,24 +25,15 @@ Result<BasicColor> Named(const Session& session, const std::string& typed) {
   return Refuse("Color Not Found", *name + " is not found in this database.", "Color_Name");
 }
 
-Result<void> TakePair(BasicWork& work, const std::string& field, const std::string& value) {
-  if (field == "Additive") {
-    const auto additive = ReadYesNo(field, value);
-    if (!additive) return std::unexpected(additive.error());
-    work.Additive = *additive;
-  }
-  TakeColorField(work, field, value);
-  return {};
-}
-
 Result<Json> Save(Context& context, BasicWork work, std::vector<std::string> pairs) {
   const auto swatch = TakeSwatch(pairs);
   if (!swatch) return std::unexpected(swatch.error());
   const auto inventory = TakeInventory(pairs, false);
   for (const std::string& text : pairs) {
     const auto pair = SplitPair(text);
-    const std::string field = KnownField(pair->first, SettableFields(ColorKind::Basic), false);
-    if (auto taken = TakePair(work, field, pair->second); !taken) return std::unexpected(taken.error());
+    const RecordField& field = *BasicFields().FindSettable(pair->first, false);
+    if (auto taken = SetTyped(field, static_cast<BasicColor*>(&work), work.typed, pair->second); !taken)
+      return std::unexpected(taken.error());
   }
   Transaction transaction(context.session.File());
   const auto saved = SaveWithInventory(context.session, ColorKind::Basic, work.Color_Name, inventory,
@@ -103,14 +94,12 @@ Result<Json> Delete(Context& context, const std::string& typed) {
 }
 
 std::string FieldNames() {
-  return fmt::format("{}, Red, Green, Blue", fmt::join(SettableFields(ColorKind::Basic), ", "));
+  return fmt::format("{}, Red, Green, Blue", fmt::join(BasicFields().SettableColumns(), ", "));
 }
 
 std::string CheckPair(const std::string& text) {
   const auto pair = SplitPair(text);
-  static const std::vector<std::string> swatch{"Red", "Green", "Blue"};
-  if (pair && !KnownField(pair->first, SettableFields(ColorKind::Basic), false).empty()) return {};
-  if (pair && !KnownField(pair->first, swatch, true).empty()) return {};
+  if (pair && (BasicFields().FindSettable(pair->first, false) != nullptr || IsSwatchPart(pair->first))) return {};
   return fmt::format("{} is not FIELD=VALUE with a field of {}", text, FieldNames());
 }
 

@@ -2,8 +2,6 @@
 
 #include <fmt/format.h>
 
-#include <array>
-
 #include "core/base/text.h"
 #include "core/colors/names.h"
 #include "core/inventory/color_stock.h"
@@ -33,38 +31,12 @@ std::shared_ptr<RenameNames> AddRenameNames(CLI::App* verb, const std::string& n
   return names;
 }
 
-Result<bool> ReadYesNo(const std::string& field, std::string_view text) {
-  const std::string word = Upper(TrimView(text));
-  for (const std::string_view yes : {"YES", "TRUE", "1"})
-    if (word == yes) return true;
-  for (const std::string_view no : {"NO", "FALSE", "0"})
-    if (word == no) return false;
-  return Refuse("Invalid Value", fmt::format("{} is yes or no, not \"{}\".", field, text), field);
-}
-
-std::vector<std::string> SettableFields(ColorKind kind) {
-  return {"Color_Code", "Inventory", "Reorder", "PurchaseCost", kind == ColorKind::Basic ? "Additive" : "Recycle",
-          "Notes",      "Inv_Note",  "VOC",     "HAP"};
-}
-
-void TakeColorField(ColorWork& work, std::string_view field, const std::string& value) {
-  using Text = std::pair<std::string_view, std::string ColorWork::*>;
-  static constexpr std::array kTexts{Text{"Color_Code", &ColorWork::Color_Code},
-                                     Text{"Reorder", &ColorWork::Reorder},
-                                     Text{"PurchaseCost", &ColorWork::PurchaseCost},
-                                     Text{"Notes", &ColorWork::Notes},
-                                     Text{"Inv_Note", &ColorWork::Inv_Note},
-                                     Text{"VOC", &ColorWork::VOC},
-                                     Text{"HAP", &ColorWork::HAP}};
-  for (const auto& [name, text] : kTexts)
-    if (name == field) work.*text = value;
-}
-
 std::optional<std::string> TakeInventory(std::vector<std::string>& pairs, bool exact) {
+  constexpr std::string_view kField = "Inventory";
   std::optional<std::string> typed;
   std::erase_if(pairs, [&](const std::string& text) {
     const auto pair = SplitPair(text);
-    if (!pair || KnownField(pair->first, {"Inventory"}, exact).empty()) return false;
+    if (!pair || !(exact ? pair->first == kField : EqualNoCase(pair->first, kField))) return false;
     typed = pair->second;
     return true;
   });
@@ -81,10 +53,8 @@ Result<void> SaveWithInventory(Session& session, ColorKind kind, const std::stri
   return SaveWithStock(session, saveColor, &stock);
 }
 
-std::string KnownField(std::string_view typed, const std::vector<std::string>& fields, bool exact) {
-  for (const std::string& field : fields)
-    if (exact ? field == typed : EqualNoCase(field, typed)) return field;
-  return {};
+bool IsSwatchPart(std::string_view field) {
+  return field == "Red" || field == "Green" || field == "Blue";
 }
 
 Result<SwatchChange> TakeSwatch(std::vector<std::string>& pairs) {

@@ -31,24 +31,13 @@ struct RenameNames {
 };
 std::shared_ptr<RenameNames> AddRenameNames(CLI::App* verb, const std::string& newText = "Its new name");
 
-/// Yes or no as people and programs write it.
-Result<bool> ReadYesNo(const std::string& field, std::string_view text);
-
-/// The fields of a colour that FIELD=VALUE may set.
-std::vector<std::string> SettableFields(ColorKind kind);
-/// Sets one of those that both kinds of colour have in their rows; the others are left to the caller.
-void TakeColorField(ColorWork& work, std::string_view field, const std::string& value);
-
 /// Takes "Inventory=QTY" out of `pairs`: stock is no field like the others.
 std::optional<std::string> TakeInventory(std::vector<std::string>& pairs, bool exact);
 /// Saves a colour and posts the Unlotted Inventory that was typed for it, both or neither.
 Result<void> SaveWithInventory(Session& session, ColorKind kind, const std::string& name,
                                const std::optional<std::string>& typed, const std::function<Result<void>()>& saveColor);
 
-/// The pair's field in the spelling of the table; empty when it is none of `fields`. Case does not count unless
-/// `exact`.
-std::string KnownField(std::string_view typed, const std::vector<std::string>& fields, bool exact);
-
+bool IsSwatchPart(std::string_view field);
 /// Takes the pairs of a swatch ("Red=200") out of `pairs`.
 Result<SwatchChange> TakeSwatch(std::vector<std::string>& pairs);
 

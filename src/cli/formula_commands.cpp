@@ -55,16 +55,6 @@ Result<Json> List(Context& context, const std::string& ingredient) {
   return context.Answer(ListFormulas(context.session, *name));
 }
 
-Result<void> TakeField(FormulaWork& work, const std::string& field, const std::string& value) {
-  if (field == "Recycle") {
-    const auto recycle = ReadYesNo(field, value);
-    if (!recycle) return std::unexpected(recycle.error());
-    work.Recycle = *recycle;
-  }
-  TakeColorField(work, field, value);
-  return {};
-}
-
 Result<void> TakeIngredient(Session& session, FormulaWork& work, std::size_t row, const std::string& typed,
                             const std::string& amount) {
   if (row >= work.grid.size())
@@ -95,10 +85,10 @@ Result<void> TakePairs(Session& session, FormulaWork& work, const FormulaOptions
   Pairs ingredients;
   for (const std::string& text : options.pairs) {
     const auto pair = SplitPair(text);
-    const std::string field = KnownField(pair->first, SettableFields(ColorKind::Mix), true);
-    if (field.empty()) {
+    const RecordField* field = MixFields().FindSettable(pair->first, true);
+    if (field == nullptr) {
       ingredients.push_back(*SplitPair(text, true));
-    } else if (auto taken = TakeField(work, field, pair->second); !taken) {
+    } else if (auto taken = SetTyped(*field, static_cast<MixColor*>(&work), work.typed, pair->second); !taken) {
       return taken;
     }
   }
@@ -264,7 +254,7 @@ void AddWritingVerbs(CLI::App* noun, Commands& commands) {
     verb->add_option("NAME", options->name, "Its name")->required();
     verb->add_option("INGREDIENT=AMOUNT", options->pairs,
                      fmt::format("Ingredients with their amounts, and fields with their values: {}, Red, Green, Blue",
-                                 fmt::join(SettableFields(ColorKind::Mix), ", ")))
+                                 fmt::join(MixFields().SettableColumns(), ", ")))
         ->check(CheckPair);
     verb->add_option("--additive-set", options->additiveSet, "The Additive Set it uses; \"\" for none");
     const bool isAdd = verb == add;

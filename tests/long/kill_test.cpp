@@ -188,8 +188,8 @@ TEST(Kills, StockReset) {
 TEST(Kills, PriceAndItsPass) {
   KillMany([](Session& session) {
     BasicWork work = LoadBasicWork(session, *ReadBasic(session, "BASIC 0"));
-    work.PurchaseCost = "99";
-    work.VOC = "0.75";
+    work.typed["PurchaseCost"] = "99";
+    work.typed["VOC"] = "0.75";
     if (!SaveBasic(session, work)) ::_exit(1);
     RunPendingPasses(session);
   });

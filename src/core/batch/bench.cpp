@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <stdexcept>
 #include <utility>
 
 #include "core/base/text.h"
@@ -12,6 +13,7 @@
 #include "core/batch/default_models.h"
 #include "core/batch/jobs.h"
 #include "core/batch/recipe.h"
+#include "core/colors/amounts.h"
 #include "core/session/rights.h"
 #include "core/session/settings.h"
 
@@ -329,11 +331,23 @@ Result<void> SetBatchEmissionModel(Session& session, BatchRecord& record, const 
   return {};
 }
 
-Result<void> EnterBatchText(Session& session, BatchRecord& record, std::string BatchFields::*field, std::string text) {
-  std::string& stands = record.fields.*field;
-  if (stands == text) return {};
+Result<void> EnterBatchField(Session& session, BatchRecord& record, std::string_view column, std::string typed) {
+  const RecordField* field = BatchRowFields().Find(column);
+  if (field == nullptr) throw std::logic_error("a Batch has no field " + std::string(column));
+  if (field->type == RecordField::Type::Text) {
+    std::string& stands = field->Text(&record.fields);
+    if (stands == typed) return {};
+    if (auto editable = CheckEditable(session, record); !editable) return editable;
+    stands = std::move(typed);
+    return {};
+  }
+  const auto number = field->amount ? ReadAmount(session, *field->amount, typed, column)
+                                    : ReadUDNumeric(session, field->column.back() - '0', typed);
+  if (!number) return std::unexpected(number.error());
+  float& stands = field->Single(&record.fields);
+  if (stands == *number) return {};
   if (auto editable = CheckEditable(session, record); !editable) return editable;
-  stands = std::move(text);
+  stands = *number;
   return {};
 }
 
@@ -343,16 +357,6 @@ Result<float> ReadUDNumeric(const Session& session, int number, std::string_view
     return Refuse("Invalid Amount", fmt::format("{} is not a valid amount. Please enter a valid amount.", typed),
                   fmt::format("UD_Numeric{}", number));
   return RoundSingle(*amount, GetSetting(session, setting::Batches_UDNum_Format[number]));
-}
-
-Result<std::string> EnterUDNumeric(Session& session, BatchRecord& record, int number, std::string_view typed) {
-  const auto amount = ReadUDNumeric(session, number, typed);
-  if (!amount) return std::unexpected(amount.error());
-  float& stored = record.fields.UD_Numeric.at(static_cast<std::size_t>(number));
-  if (stored != *amount)
-    if (const auto editable = CheckEditable(session, record); !editable) return std::unexpected(editable.error());
-  stored = *amount;
-  return Fixed(stored, GetSetting(session, setting::Batches_UDNum_Format[number]));
 }
 
 }  // namespace vellumark

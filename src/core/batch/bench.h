@@ -14,8 +14,8 @@ namespace vellumark {
 // Complete, formula unchanged since saved, a Batch of earlier days. After every act the jobs and the quantity returned
 // to inventory follow the new total (see jobs.h).
 
-/// The guards before any change of a Batch: its rows, lots, jobs, figures, texts. Asks about a Batch of earlier days once
-/// for each record.
+/// The guards before any change of a Batch: its rows, lots, jobs, figures, texts. Asks about a Batch of earlier days
+/// once for each record.
 Result<void> CheckEditable(Session& session, BatchRecord& record);
 /// False when the guards can only refuse: what shows the Batch is read-only.
 bool TakesChanges(const Session& session, const BatchRecord& record);
@@ -78,11 +78,9 @@ Result<void> SetBatchCostModel(Session& session, BatchRecord& record, const Batc
 Result<void> SetBatchEmissionModel(Session& session, BatchRecord& record, const BatchCostModel& model,
                                    bool futureBatches);
 
-/// A text of the Batch as it is typed, behind the guards.
-Result<void> EnterBatchText(Session& session, BatchRecord& record, std::string BatchFields::*field, std::string text);
+/// A field of BatchRowFields as it is typed, behind the guards. Refuses a number that is none or out of range, with the
+/// name that it was given.
+Result<void> EnterBatchField(Session& session, BatchRecord& record, std::string_view column, std::string typed);
 /// A user-defined number as typed, rounded to its decimals. Refuses what is no number.
 Result<float> ReadUDNumeric(const Session& session, int number, std::string_view typed);
-/// A user-defined number as typed: the text as its field shows it.
-Result<std::string> EnterUDNumeric(Session& session, BatchRecord& record, int number, std::string_view typed);
-
 }  // namespace vellumark

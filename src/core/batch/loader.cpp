@@ -31,6 +31,10 @@ class BatchRowReader {
   std::int64_t Whole(std::string_view field) const { return row_.Whole(Column(field)); }
   bool IsNull(std::string_view field) const { return row_.IsNull(Column(field)); }
   std::optional<DateTime> Date(std::string_view field) const { return row_.Date(Column(field)); }
+  void Read(BatchFields& fields) const {
+    for (const RecordField& field : BatchRowFields())
+      if (field.use != FieldUse::Beside) field.Read(row_, Column(field.column), &fields);
+  }
   int Choice(std::string_view field, int most) const {
     return static_cast<int>(std::clamp<std::int64_t>(Whole(field), 0, most));
   }
@@ -63,25 +67,6 @@ StoredBatchLines LinesOfRow(const BatchRowReader& row) {
     batch.lines.push_back(std::move(line));
   }
   return batch;
-}
-
-void ReadFields(const BatchRowReader& row, BatchFields& fields) {
-  fields.LotNumber = row.Text("LotNumber");
-  fields.Notes = row.Text("Notes");
-  fields.IngNotes = row.Text("IngNotes");
-  fields.ShortNote = row.Text("ShortNote");
-  for (int i = 0; i < kBatchUserFields; ++i) {
-    fields.UD_Text[static_cast<std::size_t>(i)] = row.Text(schema::Numbered("UD_Text", i));
-    fields.UD_Numeric[static_cast<std::size_t>(i)] = row.Single(schema::Numbered("UD_Numeric", i));
-  }
-  fields.Lab_L = row.Single("Lab_L");
-  fields.Lab_a = row.Single("Lab_a");
-  fields.Lab_b = row.Single("Lab_b");
-  fields.Lab_D = row.Single("Lab_D");
-  fields.Lab_Density = row.Single("Lab_Density");
-  fields.Lab_LS = row.Text("Lab_LS");
-  fields.Lab_PT = row.Text("Lab_PT");
-  fields.Lab_Note = row.Text("Lab_Note");
 }
 
 void ReadCosts(const Session& session, const BatchRowReader& row, BatchWork& work) {
@@ -296,7 +281,7 @@ std::optional<BatchRecord> LoadBatchRow(Session& session, std::int64_t rowId, co
   record.Date_Entered = row.Date("Date_Entered");
   record.Username = row.Text("Username");
   record.Complete = row.Whole("Complete") != 0;
-  ReadFields(row, record.fields);
+  row.Read(record.fields);
 
   BatchWork& work = record.work = NewBatchWork(session);
   work.UMF = stored.UMF == 0 ? session.UMF : stored.UMF;

@@ -2,8 +2,6 @@
 
 #include "core/base/text.h"
 #include "core/batch/bench.h"
-#include "core/colors/amounts.h"
-#include "core/session/settings.h"
 
 namespace vellumark {
 namespace {
@@ -21,9 +19,7 @@ MoreData ShowMoreData(const Session& session, const BatchFields& fields) {
     const auto place = static_cast<std::size_t>(i);
     data.numbers.at(place) = Fixed(fields.UD_Numeric.at(place), GetSetting(session, setting::Batches_UDNum_Format[i]));
   }
-  const auto lab = [&](float value) { return AmountText(session, AmountKey::Lab, value); };
-  data.lab = {lab(fields.Lab_L),       lab(fields.Lab_a), lab(fields.Lab_b), lab(fields.Lab_D),
-              lab(fields.Lab_Density), fields.Lab_LS,     fields.Lab_PT,     fields.Lab_Note};
+  data.lab = LabTexts(session, fields);
   return data;
 }
 
@@ -37,17 +33,11 @@ Result<void> EnterMoreData(Session& session, BatchRecord& record, const MoreData
     fields.UD_Numeric.at(place) = *number;
   }
   LabEntry entry = typed.lab;
-  for (std::string* number : {&entry.L, &entry.a, &entry.b, &entry.D, &entry.density}) *number = OrZero(*number);
-  const auto lab = ReadLabEntry(session, entry);
+  for (std::size_t i = 0; i < kLabNumbers; ++i) entry[i] = OrZero(entry[i]);
+  auto lab = ReadLabEntry(session, entry);
   if (!lab) return std::unexpected(lab.error());
-  fields.Lab_L = lab->Lab_L;
-  fields.Lab_a = lab->Lab_a;
-  fields.Lab_b = lab->Lab_b;
-  fields.Lab_D = lab->Lab_D;
-  fields.Lab_Density = lab->Lab_Density;
-  fields.Lab_LS = Left(lab->Lab_LS, kBatchTextWidth);
-  fields.Lab_PT = Left(lab->Lab_PT, kBatchTextWidth);
-  fields.Lab_Note = Left(lab->Lab_Note, kBatchTextWidth);
+  for (std::string* text : {&lab->Lab_LS, &lab->Lab_PT, &lab->Lab_Note}) *text = Left(*text, kBatchTextWidth);
+  static_cast<LabReading&>(fields) = *lab;
   if (fields == record.fields) return {};
   if (auto editable = CheckEditable(session, record); !editable) return editable;
   record.fields = std::move(fields);
@@ -70,22 +60,14 @@ std::vector<DataLine> UserDataLines(const Session& session, const BatchFields& f
 }
 
 std::vector<DataLine> LabLines(const Session& session, const BatchFields& fields) {
-  const LabEntry shown = ShowMoreData(session, fields).lab;
+  const LabReading& reading = fields;
+  const LabEntry shown = LabTexts(session, reading);
   std::vector<DataLine> lines;
-  const auto number = [&](const char* caption, float value, const std::string& text) {
-    if (value != 0) lines.push_back({caption, text});
-  };
-  const auto text = [&](const char* caption, const std::string& value) {
-    if (!value.empty()) lines.push_back({caption, value});
-  };
-  number("L", fields.Lab_L, shown.L);
-  number("a", fields.Lab_a, shown.a);
-  number("b", fields.Lab_b, shown.b);
-  number("Delta", fields.Lab_D, shown.D);
-  number("Density", fields.Lab_Density, shown.density);
-  text("Light Source", shown.lightSource);
-  text("Substrate", shown.substrate);
-  text("Lab Note", shown.note);
+  for (std::size_t place = 0; const RecordField& field : LabFields()) {
+    const std::string& text = shown.at(place++);
+    const bool filled = field.amount ? field.ValueIn(&reading).Single() != 0 : !text.empty();
+    if (filled) lines.push_back({field.caption, text});
+  }
   return lines;
 }
 

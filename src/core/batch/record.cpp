@@ -48,6 +48,30 @@ BatchFields Compared(const Session& session, BatchFields fields) {
 
 }  // namespace
 
+const FieldMap<BatchFields>& BatchRowFields() {
+  using F = BatchFields;
+  static const FieldMap<F> fields = [] {
+    const FieldTraits typed{.use = FieldUse::Typed};
+    FieldMap<F> map;
+    map.Add("LotNumber", &F::LotNumber, typed)
+        .Add("LotLoc", &F::LotLoc, {.use = FieldUse::Beside})
+        .Add("LotContID", &F::LotContID, {.use = FieldUse::Beside})
+        .Add("Notes", &F::Notes, typed)
+        .Add("IngNotes", &F::IngNotes, typed)
+        .Add("ShortNote", &F::ShortNote, typed);
+    for (std::size_t n = 0; n < kBatchUserFields; ++n) {
+      const int number = static_cast<int>(n);
+      map.Add(
+             schema::Numbered("UD_Text", number), [n](F & batch) -> auto& { return batch.UD_Text[n]; }, typed)
+          .Add(
+              schema::Numbered("UD_Numeric", number), [n](F & batch) -> auto& { return batch.UD_Numeric[n]; }, typed);
+    }
+    for (const RecordField& field : LabFields()) map.AddBase<LabReading>(field);
+    return map;
+  }();
+  return fields;
+}
+
 std::string BatchRecord::JobNumber() const {
   if (jobs.empty()) return {};
   return jobs.size() == 1 ? jobs.front().JobNumber : std::string(kSplitJobs);

@@ -11,6 +11,7 @@
 #include "core/base/changes.h"
 #include "core/base/date.h"
 #include "core/batch/batch_work.h"
+#include "core/colors/lab.h"
 #include "core/inventory/lot_selection.h"
 
 namespace vellumark {
@@ -35,8 +36,9 @@ struct BatchJobLine {
   bool operator==(const BatchJobLine&) const = default;
 };
 
-/// The fields beside the recipe: what the operator types into the window, its More Data and its lab window.
-struct BatchFields {
+/// The fields beside the recipe: what the operator types into the window, its More Data and its lab window. The note of
+/// the measurement has 30 characters here.
+struct BatchFields : LabReading {
   std::string LotNumber;
   std::string LotLoc;
   std::string LotContID;
@@ -45,16 +47,11 @@ struct BatchFields {
   std::string ShortNote;
   std::array<std::string, kBatchUserFields> UD_Text;
   std::array<float, kBatchUserFields> UD_Numeric{};
-  float Lab_L = 0;
-  float Lab_a = 0;
-  float Lab_b = 0;
-  float Lab_D = 0;
-  float Lab_Density = 0;
-  std::string Lab_LS;
-  std::string Lab_PT;
-  std::string Lab_Note;  ///< 30 characters here
   bool operator==(const BatchFields&) const = default;
 };
+
+/// Where they stand in a Batch's row.
+const FieldMap<BatchFields>& BatchRowFields();
 
 /// A line of a saved Batch as it was loaded, and what it took from where.
 struct OldBatchLine {

@@ -17,19 +17,6 @@ void AddLines(std::vector<Cell>& cells, const BatchWork& work) {
   }
 }
 
-void AddFields(std::vector<Cell>& cells, const BatchFields& fields) {
-  for (int i = 0; i < kBatchUserFields; ++i) {
-    cells.emplace_back(schema::Numbered("UD_Text", i), fields.UD_Text[static_cast<std::size_t>(i)]);
-    cells.emplace_back(schema::Numbered("UD_Numeric", i), fields.UD_Numeric[static_cast<std::size_t>(i)]);
-  }
-  const std::vector<Cell> own{
-      {"LotNumber", fields.LotNumber}, {"Notes", fields.Notes},   {"IngNotes", fields.IngNotes},
-      {"ShortNote", fields.ShortNote}, {"Lab_L", fields.Lab_L},   {"Lab_a", fields.Lab_a},
-      {"Lab_b", fields.Lab_b},         {"Lab_D", fields.Lab_D},   {"Lab_Density", fields.Lab_Density},
-      {"Lab_LS", fields.Lab_LS},       {"Lab_PT", fields.Lab_PT}, {"Lab_Note", fields.Lab_Note}};
-  cells.insert(cells.end(), own.begin(), own.end());
-}
-
 }  // namespace
 
 std::vector<Cell> BatchRowCells(const BatchRecord& record, const DateTime& date) {
@@ -59,7 +46,8 @@ std::vector<Cell> BatchRowCells(const BatchRecord& record, const DateTime& date)
                           {"Roundoff", work.Roundoff},
                           {"LargestAmountIndex", work.LargestAmountIndex}};
   AddLines(cells, work);
-  AddFields(cells, record.fields);
+  const std::vector<Cell> fields = BatchRowFields().Cells(record.fields, {FieldUse::Typed});
+  cells.insert(cells.end(), fields.begin(), fields.end());
   return cells;
 }
 

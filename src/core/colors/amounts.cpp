@@ -58,6 +58,31 @@ Result<float> ReadAmount(const Session& session, AmountKey key, std::string_view
                 std::string(field));
 }
 
+TypedTexts FigureTexts(const Session& session, const FieldList& fields, const void* record) {
+  TypedTexts texts;
+  for (const RecordField& field : fields)
+    if (field.amount) texts[field.column] = AmountText(session, *field.amount, field.ValueIn(record).Single());
+  return texts;
+}
+
+Result<void> ReadFigures(const Session& session, const FieldList& fields, const TypedTexts& typed,
+                         const TypedTexts& loaded, void* record) {
+  for (const RecordField& field : fields) {
+    if (!field.amount) continue;
+    const auto value = ReadAmount(session, *field.amount, TypedText(typed, field.column), field.Control());
+    if (!value) return std::unexpected(value.error());
+    field.Single(record) = *value;
+  }
+  // The fields drop keys without the right; a caller without fields is stopped here.
+  for (const RecordField& field : fields) {
+    if (!field.amount) continue;
+    if (AmountText(session, *field.amount, field.Single(record)) == TypedText(loaded, field.column)) continue;
+    if (auto right = RequireRight(session, *field.amount, field.Control()); !right)
+      return std::unexpected(right.error());
+  }
+  return {};
+}
+
 Result<void> RequireRight(const Session& session, AmountKey key, std::string_view field) {
   const auto deny = [&](std::string_view what) {
     return Refuse("Permission Denied",

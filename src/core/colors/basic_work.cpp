@@ -94,9 +94,8 @@ BasicWork NewBasicWork(const Session& session, std::string name) {
 }
 
 BasicWork LoadBasicWork(const Session& session, const BasicColor& color) {
-  BasicWork work;
-  LoadColorFields(session, color, work);
-  work.Additive = color.Additive;
+  BasicWork work{color, {}, {}};
+  ShowFigures(session, BasicFields(), work);
   return work;
 }
 
@@ -124,54 +123,52 @@ namespace {
 
 // What the row holds now against what it will hold. The fields as loaded do not tell: they show fewer decimals, and the
 // row may have changed since.
-RollUpWanted StaleAfter(const Session& session, const BasicWork& work, const ColorFigures& figures) {
-  ColorFigures before;
+RollUpWanted StaleAfter(const Session& session, const BasicWork& work, const BasicColor& after) {
+  BasicColor before;
   if (work.rowId == 0) {
     if (FormulaRowsUsing(session, work.Color_Name).empty()) return {};
   } else {
     Statement row = session.File().Prepare(
         fmt::format("SELECT PurchaseCost, VOC, HAP FROM {} WHERE RowKey = ?", Quoted(session.Table(schema::Basic))));
-    if (row.Bind(1, work.rowId).Step())
-      before = {.PurchaseCost = row.Single(0), .VOC = row.Single(1), .HAP = row.Single(2)};
+    if (row.Bind(1, work.rowId).Step()) {
+      before.PurchaseCost = row.Single(0);
+      before.VOC = row.Single(1);
+      before.HAP = row.Single(2);
+    }
   }
-  return {before.PurchaseCost != figures.PurchaseCost, before.VOC != figures.VOC, before.HAP != figures.HAP};
+  return {before.PurchaseCost != after.PurchaseCost, before.VOC != after.VOC, before.HAP != after.HAP};
 }
 
 }  // namespace
 
 Result<void> SaveBasic(Session& session, BasicWork& work) {
   if (auto writable = RequireWritable(session); !writable) return writable;
-  const auto figures = ReadColorFigures(session, work);
-  if (!figures) return std::unexpected(figures.error());
+  auto color = ReadTyped(session, BasicFields(), work);
+  if (!color) return std::unexpected(color.error());
   const bool isNew = work.rowId == 0;
   if (isNew && BasicColorExists(session, work.Color_Name))
     return Refuse("Basic Color Name Exists", "This Basic Color already exists.", "Color_Name");
   if (!isNew && !work.Additive)
     if (auto free = RequireFreeOfAdditiveSets(session, work.Color_Name); !free) return free;
 
-  std::vector<Cell> cells = ColorCells(session, work, *figures);
-  cells.emplace_back("Additive", work.Additive);
   if (isNew) {
-    const std::vector<Cell> more = NewColorCells(session, BookDataOfBasic(session, work.Color_Name));
-    cells.insert(cells.end(), more.begin(), more.end());
-    cells.emplace_back("IngSort", NextIngSort(session));
+    color->Date_Entered = session.clock.Today();
+    color->book = BookDataOfBasic(session, work.Color_Name);
+    color->IngSort = NextIngSort(session);
   }
   const std::string table = session.Table(schema::Basic);
   Transaction transaction(session.File());
-  std::int64_t rowId = work.rowId;
-  const RollUpWanted stale = StaleAfter(session, work, *figures);
+  const RollUpWanted stale = StaleAfter(session, work, *color);
   if (isNew) {
-    rowId = InsertRow(session.File(), schema::Basic, table, cells);
-  } else if (!UpdateRow(session.File(), schema::Basic, table, rowId, cells)) {
+    InsertRow(session.File(), schema::Basic, table, BasicFields().Cells(*color, kNewRowUses));
+  } else if (!UpdateRow(session.File(), schema::Basic, table, work.rowId, BasicFields().Cells(*color, kSavedUses))) {
     return Refuse("Color Not Found", fmt::format("{} is not found in this database.", work.Color_Name), "Color_Name");
   }
   transaction.Note({Change::Kind::Basic, session.CurrentDatabase, work.Color_Name,
                     isNew ? Change::What::Added : Change::What::Updated, ""});
   MarkRollUpsStale(session, stale);
   transaction.Commit();
-
-  work.rowId = rowId;
-  ShowColorFigures(session, *figures, work);
+  work = LoadBasicWork(session, ReadBasic(session, work.Color_Name).value());
   return {};
 }
 

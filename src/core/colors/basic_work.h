@@ -12,9 +12,7 @@
 namespace vellumark {
 
 /// What the Basic Color window holds of one colour.
-struct BasicWork : ColorWork {
-  bool Additive = false;
-};
+using BasicWork = ColorWork<BasicColor>;
 
 /// What leaving the name field led to.
 struct NameEntry {

@@ -2,7 +2,6 @@
 
 #include <fmt/format.h>
 
-#include "core/colors/color_figure.h"
 #include "core/colors/names.h"
 #include "core/datafile/references.h"
 #include "core/datafile/writer.h"
@@ -10,36 +9,46 @@
 namespace vellumark {
 namespace {
 
-constexpr std::string_view kColumns =
-    "RowKey, Color_Name, Color_Code, Inventory, Reorder, PurchaseCost, Date_Entered, LastConsumed, Notes, Inv_Note, "
-    "IngSort, Additive, VOC, HAP, LotRefID";
-
 std::string TableText(const Session& session, std::string_view database = {}) {
   return Quoted(session.Table(schema::Basic, database));
+}
+
+std::string Select(const Session& session, std::string_view rest, std::string_view database = {}) {
+  return fmt::format("SELECT RowKey, {} FROM {} {}", BasicFields().Columns(), TableText(session, database), rest);
 }
 
 BasicColor ReadRow(const Statement& row) {
   BasicColor color;
   color.rowId = row.Whole(0);
-  color.Color_Name = row.Text(1);
-  color.Color_Code = row.Text(2);
-  color.Inventory = row.Single(3);
-  color.Reorder = row.Single(4);
-  color.PurchaseCost = row.Single(5);
-  color.Date_Entered = row.Date(6);
-  color.LastConsumed = row.Date(7);
-  color.Notes = row.Text(8);
-  color.Inv_Note = row.Text(9);
-  color.IngSort = static_cast<std::int32_t>(row.Whole(10));
-  color.Additive = row.Bool(11);
-  color.VOC = row.Single(12);
-  color.HAP = row.Single(13);
-  color.LotRefID = static_cast<std::int32_t>(row.Whole(14));
-  color.book = ReadBookData(row, 15);
+  BasicFields().Read(row, 1, color);
   return color;
 }
 
 }  // namespace
+
+const FieldMap<BasicColor>& BasicFields() {
+  using C = BasicColor;
+  static const FieldMap<C> fields = [] {
+    FieldMap<C> map;
+    map.Add("Color_Name", &C::Color_Name, {.use = FieldUse::Key})
+        .Add("Color_Code", &C::Color_Code, {.use = FieldUse::Typed, .shape = TextShape::Code})
+        .Add("Inventory", &C::Inventory, {.use = FieldUse::Posted})
+        .Add("Reorder", &C::Reorder, {.use = FieldUse::Typed, .amount = AmountKey::Reorder})
+        .Add("PurchaseCost", &C::PurchaseCost, {.use = FieldUse::Typed, .amount = AmountKey::Currency, .price = true})
+        .Add("Date_Entered", &C::Date_Entered)
+        .Add("LastConsumed", &C::LastConsumed)
+        .Add("Notes", &C::Notes, {.use = FieldUse::Typed, .shape = TextShape::Note})
+        .Add("Inv_Note", &C::Inv_Note, {.use = FieldUse::Typed})
+        .Add("IngSort", &C::IngSort)
+        .Add("Additive", &C::Additive, {.use = FieldUse::Typed, .format = Format::Mark})
+        .Add("VOC", &C::VOC, {.use = FieldUse::Typed, .amount = AmountKey::VOC})
+        .Add("HAP", &C::HAP, {.use = FieldUse::Typed, .amount = AmountKey::HAP})
+        .Add("LotRefID", &C::LotRefID);
+    AddBookFields(map);
+    return map;
+  }();
+  return fields;
+}
 
 bool BasicColorExists(const Session& session, std::string_view name, std::string_view database) {
   return !session.File()
@@ -53,30 +62,15 @@ std::int32_t NextIngSort(const Session& session, std::string_view database) {
       session.File().Scalar("SELECT COUNT(*) FROM " + TableText(session, database)).Whole());
 }
 
-float GetBasicPurchaseCost(const Session& session, std::string_view name) {
-  return ColorFigure(session, ColorKind::Basic, name, "PurchaseCost");
-}
-
-float GetBasicVOC(const Session& session, std::string_view name) {
-  return ColorFigure(session, ColorKind::Basic, name, "VOC");
-}
-
-float GetBasicHAP(const Session& session, std::string_view name) {
-  return ColorFigure(session, ColorKind::Basic, name, "HAP");
-}
-
 std::optional<BasicColor> ReadBasic(const Session& session, std::string_view name, std::string_view database) {
-  Statement row =
-      session.File().Prepare(fmt::format("SELECT {}, {} FROM {} WHERE Color_Name = ? ORDER BY RowKey LIMIT 1", kColumns,
-                                         kBookFields, TableText(session, database)));
+  Statement row = session.File().Prepare(Select(session, "WHERE Color_Name = ? ORDER BY RowKey LIMIT 1", database));
   row.Bind(1, name);
   if (!row.Step()) return std::nullopt;
   return ReadRow(row);
 }
 
 void ForEachBasic(const Session& session, const std::function<bool(const BasicColor&)>& take) {
-  Statement row = session.File().Prepare(
-      fmt::format("SELECT {}, {} FROM {} ORDER BY Color_Name, RowKey", kColumns, kBookFields, TableText(session)));
+  Statement row = session.File().Prepare(Select(session, "ORDER BY Color_Name, RowKey"));
   while (row.Step() && take(ReadRow(row))) continue;
 }
 
@@ -94,29 +88,16 @@ std::vector<std::string> BasicNames(const Session& session, BasicFilter filter) 
 std::string AddZeroBasic(Session& session, std::string_view name, bool additive, std::string_view database) {
   const std::string stored = StoredName(session, ColorKind::Basic, name, database);
   if (BasicColorExists(session, stored, database)) return stored;
-  const BookData book = BookDataOfBasic(session, stored, database);
   const std::string owner(database.empty() ? std::string_view(session.CurrentDatabase) : database);
+  BasicColor color;
+  color.Color_Name = stored;
+  color.Date_Entered = session.clock.Today();
+  color.IngSort = NextIngSort(session, database);
+  color.Additive = additive;
+  color.book = BookDataOfBasic(session, stored, database);
   Transaction transaction(session.File());
   InsertRow(session.File(), schema::Basic, session.Table(schema::Basic, database),
-            {{"Color_Name", stored},
-             {"Color_Code", ""},
-             {"Inventory", 0.0F},
-             {"Reorder", 0.0F},
-             {"PurchaseCost", 0.0F},
-             {"Date_Entered", session.clock.Today()},
-             {"Notes", ""},
-             {"Inv_Note", ""},
-             {"IngSort", NextIngSort(session, database)},
-             {"Additive", additive},
-             {"VOC", 0.0F},
-             {"HAP", 0.0F},
-             {"LotRefID", 0},
-             {"Color_Guide", book.Color_Guide},
-             {"Page", book.Page},
-             {"Row", book.Row},
-             {"Red", book.Red},
-             {"Green", book.Green},
-             {"Blue", book.Blue}});
+            BasicFields().Cells(color, kNewRowUses));
   transaction.Note({Change::Kind::Basic, owner, stored, Change::What::Added, ""});
   transaction.Commit();
   return stored;

@@ -33,16 +33,14 @@ struct BasicColor {
   BookData book;
 };
 
+/// Its fields, told once.
+const FieldMap<BasicColor>& BasicFields();
+
 // Where a `database` may be given, empty means the current one.
 
 bool BasicColorExists(const Session& session, std::string_view name, std::string_view database = {});
 /// The place in the weighing order of the next new row: the number of rows.
 std::int32_t NextIngSort(const Session& session, std::string_view database = {});
-
-/// One figure of the named row; 0 when the row is missing.
-float GetBasicPurchaseCost(const Session& session, std::string_view name);
-float GetBasicVOC(const Session& session, std::string_view name);
-float GetBasicHAP(const Session& session, std::string_view name);
 
 /// The row of exactly that name, in any case.
 std::optional<BasicColor> ReadBasic(const Session& session, std::string_view name, std::string_view database = {});

@@ -219,11 +219,11 @@ FormulaWork NewFormulaWork(const Session& session, std::string name) {
 
 FormulaWork LoadFormulaWork(const Session& session, const MixColor& mix) {
   FormulaWork work;
-  LoadColorFields(session, mix, work);
+  static_cast<MixColor&>(work) = mix;
+  ShowFigures(session, MixFields(), work);
   const auto set = ReadAdditiveSet(session, mix.AddSetName);
-  if (set) work.AddSetName = set->SetName;
+  work.AddSetName = set ? set->SetName : "";
   ShowGrid(work, set ? WithoutSet(mix.Ingredients(), set->rows) : mix.Ingredients());
-  work.Recycle = mix.Recycle;
   return work;
 }
 
@@ -302,18 +302,17 @@ Result<void> SaveMix(Session& session, FormulaWork& work) {
     if (auto right = RequireFormulaRight(session); !right) return right;
     if (auto valid = ValidateFormula(session, work); !valid) return valid;
   }
-  const auto figures = ReadColorFigures(session, work);
-  if (!figures) return std::unexpected(figures.error());
+  auto mix = ReadTyped(session, MixFields(), work);
+  if (!mix) return std::unexpected(mix.error());
   if (isNew && MixColorExists(session, work.Color_Name))
     return Refuse("Master Formula Exists",
                   "This Master Formula already exists in the database.\n\nPlease select different name.", "Color_Name");
 
-  std::vector<Cell> cells = ColorCells(session, work, *figures);
-  cells.emplace_back("Recycle", work.Recycle);
   if (isNew) {
-    const std::vector<Cell> more = NewColorCells(session, BookDataOfMix(session, work.Color_Name));
-    cells.insert(cells.end(), more.begin(), more.end());
+    mix->Date_Entered = session.clock.Today();
+    mix->book = BookDataOfMix(session, work.Color_Name);
   }
+  std::vector<Cell> cells = MixFields().Cells(*mix, isNew ? kNewRowUses : kSavedUses);
   if (withRecipe) cells.emplace_back("LastModified", session.clock.Today());
   Transaction transaction(session.File());
   if (withRecipe) {

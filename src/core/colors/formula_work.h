@@ -19,15 +19,13 @@ struct NewIngredient {
 };
 
 /// What the Master Formula window holds of one formula. Its grid holds the lines beside the Additive Set.
-struct FormulaWork : ColorWork {
+struct FormulaWork : ColorWork<MixColor> {
   struct Row {
     std::string BC;
     std::string BQ;
   };
 
   std::array<Row, schema::kIngredientSlots> grid;
-  std::string AddSetName;
-  bool Recycle = true;
   bool AllowEditing = false;                  ///< "Edit Formula": lets the recipe of a stored formula be written
   std::vector<NewIngredient> newIngredients;  ///< made in the same transaction as the formula
 };

@@ -7,7 +7,6 @@
 #include "core/base/number.h"
 #include "core/base/text.h"
 #include "core/colors/basics.h"
-#include "core/colors/color_figure.h"
 #include "core/colors/figure_book.h"
 #include "core/colors/names.h"
 #include "core/datafile/references.h"
@@ -17,51 +16,19 @@ namespace {
 
 constexpr int kSlots = schema::kIngredientSlots;
 
-const std::string& Columns() {
-  static const std::string columns = [] {
-    std::string text = "RowKey, Color_Name";
-    for (int n = 0; n < kSlots; ++n) text += fmt::format(", BC{}", n);
-    for (int n = 0; n < kSlots; ++n) text += fmt::format(", BQ{}", n);
-    return text
-        .append(
-            ", Color_Code, Inventory, Reorder, PurchaseCost, BasicCost, Recycle, Date_Entered, LastModified, "
-            "LastProduced, Color_Set, Notes, Inv_Note, AddSetName, VOC, BasicVOC, HAP, BasicHAP, LotRefID, ")
-        .append(kBookFields);
-  }();
-  return columns;
-}
-
 std::string TableText(const Session& session, std::string_view database = {}) {
   return Quoted(session.Table(schema::Mix, database));
 }
 
 MixColor ReadRow(const Statement& row) {
   MixColor mix;
-  int column = 0;
-  mix.rowId = row.Whole(column++);
-  mix.Color_Name = row.Text(column++);
-  for (std::string& name : mix.BC) name = row.Text(column++);
-  for (float& amount : mix.BQ) amount = row.Single(column++);
-  mix.Color_Code = row.Text(column++);
-  mix.Inventory = row.Single(column++);
-  mix.Reorder = row.Single(column++);
-  mix.PurchaseCost = row.Single(column++);
-  mix.BasicCost = row.Single(column++);
-  mix.Recycle = row.Bool(column++);
-  mix.Date_Entered = row.Date(column++);
-  mix.LastModified = row.Date(column++);
-  mix.LastProduced = row.Date(column++);
-  mix.Color_Set = row.Text(column++);
-  mix.Notes = row.Text(column++);
-  mix.Inv_Note = row.Text(column++);
-  mix.AddSetName = row.Text(column++);
-  mix.VOC = row.Single(column++);
-  mix.BasicVOC = row.Single(column++);
-  mix.HAP = row.Single(column++);
-  mix.BasicHAP = row.Single(column++);
-  mix.LotRefID = static_cast<std::int32_t>(row.Whole(column++));
-  mix.book = ReadBookData(row, column);
+  mix.rowId = row.Whole(0);
+  MixFields().Read(row, 1, mix);
   return mix;
+}
+
+std::string Select(const Session& session, std::string_view rest, std::string_view database = {}) {
+  return fmt::format("SELECT RowKey, {} FROM {} {}", MixFields().Columns(), TableText(session, database), rest);
 }
 
 // The narrow index finds the rows; only they are then read.
@@ -99,6 +66,42 @@ std::vector<std::string> WriterFields(const std::vector<std::string>& more) {
 
 }  // namespace
 
+const FieldMap<MixColor>& MixFields() {
+  using C = MixColor;
+  static const FieldMap<C> fields = [] {
+    const FieldTraits derived{.use = FieldUse::Derived};
+    FieldMap<C> map;
+    map.Add("Color_Name", &C::Color_Name, {.use = FieldUse::Key});
+    for (std::size_t n = 0; n < kSlots; ++n)
+      map.Add(
+          schema::Numbered("BC", static_cast<int>(n)), [n](C & mix) -> auto& { return mix.BC[n]; }, derived);
+    for (std::size_t n = 0; n < kSlots; ++n)
+      map.Add(
+          schema::Numbered("BQ", static_cast<int>(n)), [n](C & mix) -> auto& { return mix.BQ[n]; }, derived);
+    map.Add("Color_Code", &C::Color_Code, {.use = FieldUse::Typed, .shape = TextShape::Code})
+        .Add("Inventory", &C::Inventory, {.use = FieldUse::Posted})
+        .Add("Reorder", &C::Reorder, {.use = FieldUse::Typed, .amount = AmountKey::Reorder})
+        .Add("PurchaseCost", &C::PurchaseCost, {.use = FieldUse::Typed, .amount = AmountKey::Currency, .price = true})
+        .Add("BasicCost", &C::BasicCost, {.use = FieldUse::Derived, .price = true})
+        .Add("Recycle", &C::Recycle, {.use = FieldUse::Typed})
+        .Add("Date_Entered", &C::Date_Entered)
+        .Add("LastModified", &C::LastModified, {.use = FieldUse::Derived, .caption = "Modified at"})
+        .Add("LastProduced", &C::LastProduced)
+        .Add("Color_Set", &C::Color_Set, derived)
+        .Add("Notes", &C::Notes, {.use = FieldUse::Typed, .shape = TextShape::Note})
+        .Add("Inv_Note", &C::Inv_Note, {.use = FieldUse::Typed})
+        .Add("AddSetName", &C::AddSetName, derived)
+        .Add("VOC", &C::VOC, {.use = FieldUse::Typed, .amount = AmountKey::VOC})
+        .Add("BasicVOC", &C::BasicVOC, derived)
+        .Add("HAP", &C::HAP, {.use = FieldUse::Typed, .amount = AmountKey::HAP})
+        .Add("BasicHAP", &C::BasicHAP, derived)
+        .Add("LotRefID", &C::LotRefID);
+    AddBookFields(map);
+    return map;
+  }();
+  return fields;
+}
+
 Recipe MixColor::Ingredients() const {
   Recipe recipe;
   for (std::size_t n = 0; n < BC.size() && !BC[n].empty(); ++n) recipe.push_back({BC[n], ShownAmount(BQ[n])});
@@ -112,13 +115,8 @@ bool MixColorExists(const Session& session, std::string_view name, std::string_v
               .IsNull();
 }
 
-float GetMixBasicCost(const Session& session, std::string_view name) {
-  return ColorFigure(session, ColorKind::Mix, name, "BasicCost");
-}
-
 std::optional<MixColor> ReadMix(const Session& session, std::string_view name, std::string_view database) {
-  Statement row = session.File().Prepare(fmt::format("SELECT {} FROM {} WHERE Color_Name = ? ORDER BY RowKey LIMIT 1",
-                                                     Columns(), TableText(session, database)));
+  Statement row = session.File().Prepare(Select(session, "WHERE Color_Name = ? ORDER BY RowKey LIMIT 1", database));
   row.Bind(1, name);
   if (!row.Step()) return std::nullopt;
   return ReadRow(row);
@@ -126,28 +124,25 @@ std::optional<MixColor> ReadMix(const Session& session, std::string_view name, s
 
 std::optional<MixColor> FindMix(const Session& session, std::string_view typed) {
   if (typed.empty()) return std::nullopt;
-  const std::string table = TableText(session);
-  Statement row = session.File().Prepare(fmt::format(
-      "SELECT {0} FROM {1} WHERE RowKey IN (SELECT RowKey FROM {1} WHERE Color_Name IN (?1, ?2) UNION "
-      "SELECT RowKey FROM {1} WHERE Color_Code = ?1) ORDER BY CASE WHEN Color_Name = ?1 THEN 0 WHEN Color_Name = "
-      "?2 THEN 1 ELSE 2 END, Color_Name, RowKey LIMIT 1",
-      Columns(), table));
+  Statement row = session.File().Prepare(Select(
+      session, fmt::format("WHERE RowKey IN (SELECT RowKey FROM {0} WHERE Color_Name IN (?1, ?2) UNION "
+                           "SELECT RowKey FROM {0} WHERE Color_Code = ?1) ORDER BY CASE WHEN Color_Name = ?1 THEN 0 "
+                           "WHEN Color_Name = ?2 THEN 1 ELSE 2 END, Color_Name, RowKey LIMIT 1",
+                           TableText(session))));
   row.Bind(1, typed).Bind(2, std::string(kPantonePrefix).append(typed));
   if (!row.Step()) return std::nullopt;
   return ReadRow(row);
 }
 
 void ForEachMix(const Session& session, const std::function<bool(const MixColor&)>& take) {
-  Statement row = session.File().Prepare(
-      fmt::format("SELECT {} FROM {} ORDER BY Color_Name, RowKey", Columns(), TableText(session)));
+  Statement row = session.File().Prepare(Select(session, "ORDER BY Color_Name, RowKey"));
   while (row.Step() && take(ReadRow(row))) continue;
 }
 
 void ForEachMixUsing(const Session& session, std::string_view ingredient,
                      const std::function<bool(const MixColor&)>& take) {
-  const std::string table = TableText(session);
   Statement row = session.File().Prepare(
-      fmt::format("SELECT {} FROM {} WHERE {} ORDER BY Color_Name, RowKey", Columns(), table, UsingCondition(table)));
+      Select(session, fmt::format("WHERE {} ORDER BY Color_Name, RowKey", UsingCondition(TableText(session)))));
   row.Bind(1, NameSetPattern(ingredient));
   while (row.Step() && take(ReadRow(row))) continue;
 }
@@ -185,14 +180,6 @@ std::vector<std::int64_t> FormulaRowsWithSet(const Session& session, std::string
       fmt::format("SELECT RowKey FROM {} WHERE AddSetName = ? ORDER BY RowKey", TableText(session)));
   row.Bind(1, setName);
   return RowNumbers(std::move(row));
-}
-
-std::optional<MixColor> ReadMixRow(const Session& session, std::int64_t rowId) {
-  Statement row =
-      session.File().Prepare(fmt::format("SELECT {} FROM {} WHERE RowKey = ?", Columns(), TableText(session)));
-  row.Bind(1, rowId);
-  if (!row.Step()) return std::nullopt;
-  return ReadRow(row);
 }
 
 FigureBook::FigureBook(const Session& session, std::string_view database)

@@ -46,11 +46,12 @@ struct MixColor {
   Recipe Ingredients() const;
 };
 
+/// Its fields, told once.
+const FieldMap<MixColor>& MixFields();
+
 // Where a `database` may be given, empty means the current one.
 
 bool MixColorExists(const Session& session, std::string_view name, std::string_view database = {});
-/// 0 when there is no such formula.
-float GetMixBasicCost(const Session& session, std::string_view name);
 
 /// The row of exactly that name, in any case.
 std::optional<MixColor> ReadMix(const Session& session, std::string_view name, std::string_view database = {});
@@ -68,10 +69,9 @@ std::vector<std::string> FormulasUsing(const Session& session, std::string_view 
 /// The names of the formulas with that Additive Set, in order.
 std::vector<std::string> FormulasWithSet(const Session& session, std::string_view setName);
 
-/// The same formulas by their row numbers, for a change that must reach every row, and the row of a number.
+/// The same formulas by their row numbers, for a change that must reach every row.
 std::vector<std::int64_t> FormulaRowsUsing(const Session& session, std::string_view ingredient);
 std::vector<std::int64_t> FormulaRowsWithSet(const Session& session, std::string_view setName);
-std::optional<MixColor> ReadMixRow(const Session& session, std::int64_t rowId);
 
 /// The three figures that ingredients give to a formula.
 struct RolledUp {

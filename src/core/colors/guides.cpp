@@ -22,10 +22,14 @@ std::optional<TemplateHit> FindInTemplate(const Session& session, const std::arr
   if (!guides) return std::nullopt;
   for (const std::string_view table : tables) {
     if (!guides->TableExists(table)) continue;
-    Statement row = guides->Prepare(fmt::format(
-        "SELECT Color_Name, {} FROM {} WHERE Color_Name = ?1 OR Color_Name = ?2 LIMIT 1", kBookFields, Quoted(table)));
+    Statement row =
+        guides->Prepare(fmt::format("SELECT Color_Name, {} FROM {} WHERE Color_Name = ?1 OR Color_Name = ?2 LIMIT 1",
+                                    BookFields().Columns(), Quoted(table)));
     row.Bind(1, name).Bind(2, std::string(kPantonePrefix).append(name));
-    if (row.Step()) return TemplateHit{row.Text(0), ReadBookData(row, 1)};
+    if (!row.Step()) continue;
+    TemplateHit hit{row.Text(0), {}};
+    BookFields().Read(row, 1, hit.book);
+    return hit;
   }
   return std::nullopt;
 }
@@ -68,15 +72,15 @@ TemplateOf::TemplateOf(const Session& session, std::string_view database) {
   file_ = own_.get();
 }
 
-BookData ReadBookData(const Statement& row, int column) {
-  BookData book;
-  book.Color_Guide = row.Text(column);
-  if (!row.IsNull(column + 1)) book.Page = row.Text(column + 1);
-  book.Row = static_cast<int>(row.Whole(column + 2));
-  book.Red = static_cast<int>(row.Whole(column + 3));
-  book.Green = static_cast<int>(row.Whole(column + 4));
-  book.Blue = static_cast<int>(row.Whole(column + 5));
-  return book;
+const FieldMap<BookData>& BookFields() {
+  static const FieldMap<BookData> fields = FieldMap<BookData>()
+                                               .Add("Color_Guide", &BookData::Color_Guide)
+                                               .Add("Page", &BookData::Page, {.nullKeeps = true})
+                                               .Add("Row", &BookData::Row)
+                                               .Add("Red", &BookData::Red)
+                                               .Add("Green", &BookData::Green)
+                                               .Add("Blue", &BookData::Blue);
+  return fields;
 }
 
 std::string GetTemplateBasicName(const Session& session, std::string_view name, std::string_view database) {

@@ -7,6 +7,7 @@
 #include <string_view>
 
 #include "core/datafile/color_kind.h"
+#include "core/datafile/field_map.h"
 #include "core/session/session.h"
 
 namespace vellumark {
@@ -65,9 +66,12 @@ std::string StoredName(const Session& session, ColorKind kind, std::string_view 
 BookData BookDataOfBasic(const Session& session, std::string_view name, std::string_view database = {});
 BookData BookDataOfMix(const Session& session, std::string_view name, std::string_view database = {});
 
-/// The guide fields of a row, in the order of the schema, and from a statement whose columns start at `column`.
-inline constexpr std::string_view kBookFields = "Color_Guide, Page, Row, Red, Green, Blue";
-BookData ReadBookData(const Statement& row, int column);
+/// The guide fields of a row; those of a colour that has them as `book`.
+const FieldMap<BookData>& BookFields();
+template <class Color>
+void AddBookFields(FieldMap<Color>& fields) {
+  for (const RecordField& field : BookFields()) fields.AddPart(field, &Color::book);
+}
 
 /// How a row's guide is shown: "GoeGuide" gets its mark, the two halves of a pastels and neons guide are joined.
 /// Empty when the colour stands in no guide.

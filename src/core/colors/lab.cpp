@@ -2,9 +2,6 @@
 
 #include <fmt/format.h>
 
-#include <array>
-#include <utility>
-
 #include "core/base/text.h"
 #include "core/colors/amounts.h"
 #include "core/datafile/writer.h"
@@ -12,71 +9,79 @@
 namespace vellumark {
 namespace {
 
-const Table& LabTableOf(ColorKind kind) {
-  return kind == ColorKind::Mix ? schema::MixLab : schema::BasicLab;
-}
-
 std::vector<std::string> Known(const Session& session, ColorKind kind, std::string_view field) {
   std::vector<std::string> values;
   Statement row = session.File().Prepare(fmt::format("SELECT DISTINCT {0} FROM {1} WHERE {0} <> '' ORDER BY {0}", field,
-                                                     Quoted(session.Table(LabTableOf(kind)))));
+                                                     Quoted(session.Table(LabTable(kind)))));
   while (row.Step()) values.push_back(row.Text(0));
   return values;
 }
 
 }  // namespace
 
+const FieldMap<LabReading>& LabFields() {
+  using R = LabReading;
+  const auto number = [](const char* caption, const char* control) {
+    return FieldTraits{.use = FieldUse::Typed, .amount = AmountKey::Lab, .caption = caption, .control = control};
+  };
+  const auto text = [](const char* caption) { return FieldTraits{.use = FieldUse::Typed, .caption = caption}; };
+  static const FieldMap<R> fields = FieldMap<R>()
+                                        .Add("Lab_L", &R::Lab_L, number("L", "txt_L"))
+                                        .Add("Lab_a", &R::Lab_a, number("a", "txt_a"))
+                                        .Add("Lab_b", &R::Lab_b, number("b", "txt_b"))
+                                        .Add("Lab_D", &R::Lab_D, number("Delta", "txt_D"))
+                                        .Add("Lab_Density", &R::Lab_Density, number("Density", "txt_Density"))
+                                        .Add("Lab_LS", &R::Lab_LS, text("Light Source"))
+                                        .Add("Lab_PT", &R::Lab_PT, text("Substrate"))
+                                        .Add("Lab_Note", &R::Lab_Note, text("Lab Note"));
+  return fields;
+}
+
+LabEntry LabTexts(const Session& session, const LabReading& reading) {
+  LabEntry texts;
+  for (std::size_t place = 0; const RecordField& field : LabFields()) {
+    const Value value = field.ValueIn(&reading);
+    texts.at(place++) = field.amount ? AmountText(session, *field.amount, value.Single()) : value.Text();
+  }
+  return texts;
+}
+
 Result<LabReading> ReadLabEntry(const Session& session, const LabEntry& entry) {
   LabReading reading;
-  struct Number {
-    const std::string& text;
-    float& target;
-    std::string_view field;
-  };
-  const std::array<Number, 5> numbers{{{entry.L, reading.Lab_L, "txt_L"},
-                                       {entry.a, reading.Lab_a, "txt_a"},
-                                       {entry.b, reading.Lab_b, "txt_b"},
-                                       {entry.D, reading.Lab_D, "txt_D"},
-                                       {entry.density, reading.Lab_Density, "txt_Density"}}};
-  for (const Number& number : numbers) {
-    const auto value = ReadAmount(session, AmountKey::Lab, number.text, number.field);
-    if (!value) return std::unexpected(value.error());
-    number.target = *value;
+  for (std::size_t place = 0; const RecordField& field : LabFields()) {
+    const std::string& typed = entry.at(place++);
+    if (field.amount) {
+      const auto value = ReadAmount(session, *field.amount, typed, field.Control());
+      if (!value) return std::unexpected(value.error());
+      field.Single(&reading) = *value;
+    } else {
+      field.Text(&reading) = Trim(typed);
+    }
   }
-  reading.Lab_LS = Trim(entry.lightSource);
-  reading.Lab_PT = Trim(entry.substrate);
-  reading.Lab_Note = Trim(entry.note);
   return reading;
 }
 
 std::vector<LabReading> ReadLabReadings(const Session& session, ColorKind kind, std::string_view name) {
   std::vector<LabReading> readings;
-  Statement row = session.File().Prepare(fmt::format(
-      "SELECT Lab_L, Lab_a, Lab_b, Lab_D, Lab_Density, Lab_LS, Lab_PT, Lab_Note FROM {} WHERE Color_Name = ? "
-      "ORDER BY RowKey",
-      Quoted(session.Table(LabTableOf(kind)))));
+  Statement row = session.File().Prepare(fmt::format("SELECT {} FROM {} WHERE Color_Name = ? ORDER BY RowKey",
+                                                     LabFields().Columns(), Quoted(session.Table(LabTable(kind)))));
   row.Bind(1, name);
-  while (row.Step())
-    readings.push_back({row.Single(0), row.Single(1), row.Single(2), row.Single(3), row.Single(4), row.Text(5),
-                        row.Text(6), row.Text(7)});
+  while (row.Step()) LabFields().Read(row, 0, readings.emplace_back());
   return readings;
 }
 
 void WriteLabReadings(Session& session, ColorKind kind, std::string_view name,
                       const std::vector<LabReading>& readings) {
-  const Table& table = LabTableOf(kind);
+  const Table& table = LabTable(kind);
   const std::string tableName = session.Table(table);
   Transaction transaction(session.File());
   session.File().Prepare("DELETE FROM " + Quoted(tableName) + " WHERE Color_Name = ?").Bind(1, name).Run();
-  RowWriter writer(session.File(), table, tableName,
-                   {"Color_Name", "Lab_L", "Lab_a", "Lab_b", "Lab_D", "Lab_Density", "Lab_LS", "Lab_PT", "Lab_Note"});
   for (const LabReading& reading : readings) {
-    writer.Set(0, name).Set(1, reading.Lab_L).Set(2, reading.Lab_a).Set(3, reading.Lab_b).Set(4, reading.Lab_D);
-    writer.Set(5, reading.Lab_Density).Set(6, reading.Lab_LS).Set(7, reading.Lab_PT).Set(8, reading.Lab_Note);
-    writer.Insert();
+    std::vector<Cell> cells = LabFields().Cells(reading, {FieldUse::Typed});
+    cells.emplace_back("Color_Name", name);
+    InsertRow(session.File(), table, tableName, cells);
   }
-  transaction.Note({kind == ColorKind::Mix ? Change::Kind::Mix : Change::Kind::Basic, session.CurrentDatabase,
-                    std::string(name), Change::What::Updated, ""});
+  transaction.Note({ChangeKind(kind), session.CurrentDatabase, std::string(name), Change::What::Updated, ""});
   transaction.Commit();
 }
 

@@ -1,10 +1,12 @@
 #pragma once
 
+#include <array>
 #include <string>
 #include <string_view>
 #include <vector>
 
-#include "core/datafile/references.h"
+#include "core/datafile/color_kind.h"
+#include "core/datafile/field_map.h"
 #include "core/session/session.h"
 
 namespace vellumark {
@@ -22,17 +24,13 @@ struct LabReading {
   bool operator==(const LabReading&) const = default;
 };
 
-/// The measurement fields as typed. Numbers are refused in the order L, a, b, Delta, Density.
-struct LabEntry {
-  std::string L;
-  std::string a;
-  std::string b;
-  std::string D;
-  std::string density;
-  std::string lightSource;
-  std::string substrate;
-  std::string note;
-};
+/// Its fields: five numbers, then three texts.
+const FieldMap<LabReading>& LabFields();
+constexpr std::size_t kLabNumbers = 5;
+
+/// The fields of a measurement as typed, in their order. Numbers are refused in the order L, a, b, Delta, Density.
+using LabEntry = std::array<std::string, 8>;
+LabEntry LabTexts(const Session& session, const LabReading& reading);
 Result<LabReading> ReadLabEntry(const Session& session, const LabEntry& entry);
 
 std::vector<LabReading> ReadLabReadings(const Session& session, ColorKind kind, std::string_view name);

@@ -36,11 +36,10 @@ std::unexpected<Refusal> RefuseBasicName(std::string_view title, std::string tex
 // The guide's data come with the name. A swatch that was set by hand belongs to the ink and stays when no guide knows
 // the colour under either name.
 std::vector<Cell> NameCells(const std::string& name, const BookData& before, const BookData& book) {
-  if (before.Color_Guide.empty() && book.Color_Guide.empty()) return {{"Color_Name", name}};
-  return {{"Color_Name", name}, {"Color_Guide", book.Color_Guide},
-          {"Page", book.Page},  {"Row", book.Row},
-          {"Red", book.Red},    {"Green", book.Green},
-          {"Blue", book.Blue}};
+  std::vector<Cell> cells;
+  if (!before.Color_Guide.empty() || !book.Color_Guide.empty()) cells = BookFields().Cells(book, {FieldUse::Kept});
+  cells.emplace_back("Color_Name", name);
+  return cells;
 }
 
 // A set's lines after the rename. A set that held both names holds the surviving one once, with both percentages.

@@ -141,14 +141,8 @@ int AddMissingBasics(Session& session, const std::vector<Incoming>& incoming) {
   return added;
 }
 
-// Fields of a new row besides its recipe; the figures come first, so that a changed row can take those alone.
+// What the recipe gives; the fields of a new row follow them.
 const std::vector<std::string> kFigures{"BasicCost", "BasicVOC", "BasicHAP", "LastModified"};
-const std::vector<std::string> kNewRow{"Color_Name", "Color_Code",  "Inventory",   "Reorder", "PurchaseCost",
-                                       "Recycle",    "Notes",       "Inv_Note",    "VOC",     "HAP",
-                                       "LotRefID",   "Color_Guide", "Page",        "Row",     "Red",
-                                       "Green",      "Blue",        "Date_Entered"};
-
-constexpr std::size_t kBookPlace = 11;  // of Color_Guide among them
 
 void SetFigures(const Session& session, FigureBook& book, RecipeWriter& writer, const Recipe& recipe) {
   const RolledUp figures = book.RollUp(recipe);
@@ -162,32 +156,28 @@ void SetFigures(const Session& session, FigureBook& book, RecipeWriter& writer, 
 class FormulaWriter {
  public:
   explicit FormulaWriter(Session& session)
-      : session_(session), book_(session), changed_(session, {}, kFigures), added_(session, {}, NewRowFields()) {
-    SetNew({"", 0.0F, 0.0F, 0.0F, true, "", "", 0.0F, 0.0F, 0}, 1);
-    added_.SetMore(kFigures.size() + kNewRow.size() - 1, session.clock.Today());
-  }
+      : session_(session), book_(session), changed_(session, {}, kFigures), added_(session, {}, NewRowFields()) {}
 
   void Write(const Incoming& formula) {
     RecipeWriter& writer = formula.rowId == 0 ? added_ : changed_;
     SetFigures(session_, book_, writer, formula.recipe);
     if (formula.rowId == 0) {
-      const BookData book = BookDataOfMix(session_, formula.name);
-      SetNew({book.Color_Guide, book.Page, book.Row, book.Red, book.Green, book.Blue}, kBookPlace);
-      writer.SetMore(kFigures.size(), formula.name).Insert();
+      MixColor mix;
+      mix.Color_Name = formula.name;
+      mix.Date_Entered = session_.clock.Today();
+      mix.book = BookDataOfMix(session_, formula.name);
+      std::size_t place = kFigures.size();
+      for (const Cell& cell : MixFields().Cells(mix, kNewRowUses)) writer.SetMore(place++, cell.second);
+      writer.Insert();
     } else {
       writer.Update(formula.rowId);
     }
   }
 
  private:
-  // The values of a new row from that place of its fields on.
-  void SetNew(std::initializer_list<Value> values, std::size_t place) {
-    for (const Value& value : values) added_.SetMore(kFigures.size() + place++, value);
-  }
-
   static std::vector<std::string> NewRowFields() {
     std::vector<std::string> fields = kFigures;
-    fields.insert(fields.end(), kNewRow.begin(), kNewRow.end());
+    for (const Cell& cell : MixFields().Cells({}, kNewRowUses)) fields.push_back(cell.first);
     return fields;
   }
 

@@ -3,7 +3,6 @@
 #include <fmt/format.h>
 
 #include <algorithm>
-#include <array>
 
 #include "core/base/number.h"
 #include "core/base/text.h"
@@ -16,36 +15,17 @@
 namespace vellumark {
 namespace {
 
-struct FigureRule {
-  AmountKey key;
-  std::string_view title;
-  std::string_view field;
-};
-
-FigureRule RuleOf(StockFigure figure) {
-  switch (figure) {
-    case StockFigure::Reorder:
-      return {AmountKey::Reorder, "Invalid Quantity - Reorder", "Reorder"};
-    case StockFigure::PurchaseCost:
-      return {AmountKey::Currency, "Invalid Amount - Purchase Cost", "PurchaseCost"};
-    case StockFigure::VOC:
-      return {AmountKey::VOC, "Invalid Quantity - VOC", "VOC"};
-    case StockFigure::HAP:
-      return {AmountKey::HAP, "Invalid Quantity - HAP", "HAP"};
+std::string RefusalTitle(AmountKey key) {
+  switch (key) {
+    case AmountKey::Currency:
+      return "Invalid Amount - Purchase Cost";
+    case AmountKey::VOC:
+      return "Invalid Quantity - VOC";
+    case AmountKey::HAP:
+      return "Invalid Quantity - HAP";
+    default:
+      return "Invalid Quantity - Reorder";
   }
-  return {};
-}
-
-// The fields that a Basic Color and a formula share, from one record into the other.
-template <class From, class To>
-void CopyFields(const From& from, To& to) {
-  to.Color_Code = from.Color_Code;
-  to.Reorder = from.Reorder;
-  to.PurchaseCost = from.PurchaseCost;
-  to.VOC = from.VOC;
-  to.HAP = from.HAP;
-  to.Inv_Note = from.Inv_Note;
-  to.Notes = from.Notes;
 }
 
 Result<void> Gone(const StockRecord& record) {
@@ -57,15 +37,15 @@ Result<void> SaveColor(Session& session, const StockRecord& record) {
     const auto color = ReadBasic(session, record.Color_Name);
     if (!color) return Gone(record);
     BasicWork work = LoadBasicWork(session, *color);
-    CopyFields(record, work);
+    CopyTyped(MixFields(), static_cast<const MixColor*>(&record), BasicFields(), static_cast<BasicColor*>(&work));
+    work.typed = record.typed;
     return SaveBasic(session, work);
   }
   const auto mix = ReadMix(session, record.Color_Name);
   if (!mix) return Gone(record);
   FormulaWork work = LoadFormulaWork(session, *mix);
-  CopyFields(record, work);
-  work.Recycle = record.Recycle;
-  work.AllowEditing = false;
+  CopyTyped(MixFields(), static_cast<const MixColor*>(&record), MixFields(), static_cast<MixColor*>(&work));
+  work.typed = record.typed;
   return SaveMix(session, work);
 }
 
@@ -80,52 +60,35 @@ bool ComesBefore(const std::string& a, const std::string& b) {
 std::optional<StockRecord> LoadStockRecord(const Session& session, ColorKind kind, std::string_view name) {
   StockRecord record;
   record.kind = kind;
-  const auto book = [&](const BookData& data) {
-    record.Red = data.Red;
-    record.Green = data.Green;
-    record.Blue = data.Blue;
-  };
   if (kind == ColorKind::Basic) {
     const auto color = ReadBasic(session, name);
     if (!color) return std::nullopt;
-    CopyFields(LoadBasicWork(session, *color), record);
     record.Color_Name = color->Color_Name;
-    book(color->book);
-    return record;
+    record.book = color->book;
+    CopyTyped(BasicFields(), &*color, MixFields(), static_cast<MixColor*>(&record));
+  } else {
+    auto mix = ReadMix(session, name);
+    if (!mix) return std::nullopt;
+    static_cast<MixColor&>(record) = *std::move(mix);
   }
-  const auto mix = ReadMix(session, name);
-  if (!mix) return std::nullopt;
-  CopyFields(LoadFormulaWork(session, *mix), record);
-  record.Color_Name = mix->Color_Name;
-  record.Recycle = mix->Recycle;
-  record.BasicCost = AmountText(session, AmountKey::Currency, mix->BasicCost);
-  record.VOCBasics = AmountText(session, AmountKey::VOC, mix->BasicVOC);
-  record.HAPBasics = AmountText(session, AmountKey::HAP, mix->BasicHAP);
-  book(mix->book);
+  ShowFigures(session, MixFields(), record);
   return record;
 }
 
-AmountKey KeyOf(StockFigure figure) {
-  return RuleOf(figure).key;
-}
-
-Result<std::string> ReadStockFigure(const Session& session, StockFigure figure, std::string_view typed) {
-  const FigureRule rule = RuleOf(figure);
-  const auto amount = ReadAmount(session, rule.key, typed, rule.field);
-  if (!amount) return Refuse(std::string(rule.title), amount.error().text, std::string(rule.field));
-  return AmountText(session, rule.key, *amount);
+Result<std::string> ReadStockFigure(const Session& session, const RecordField& field, std::string_view typed) {
+  const AmountKey key = field.amount.value();
+  const auto amount = ReadAmount(session, key, typed, field.Control());
+  if (!amount) return Refuse(RefusalTitle(key), amount.error().text, field.Control());
+  return AmountText(session, key, *amount);
 }
 
 Result<void> SaveStockRecord(Session& session, const StockRecord& record, const InventoryWork& stock) {
   StockRecord checked = record;
-  const std::array<std::pair<StockFigure, std::string*>, 4> figures{{{StockFigure::Reorder, &checked.Reorder},
-                                                                     {StockFigure::PurchaseCost, &checked.PurchaseCost},
-                                                                     {StockFigure::VOC, &checked.VOC},
-                                                                     {StockFigure::HAP, &checked.HAP}}};
-  for (const auto& [figure, text] : figures) {
-    auto read = ReadStockFigure(session, figure, *text);
+  for (const RecordField& field : MixFields()) {
+    if (!field.amount) continue;
+    auto read = ReadStockFigure(session, field, TypedText(checked.typed, field.column));
     if (!read) return std::unexpected(read.error());
-    *text = *std::move(read);
+    checked.typed[field.column] = *std::move(read);
   }
   return SaveWithStock(
       session, [&] { return SaveColor(session, checked); }, &stock);

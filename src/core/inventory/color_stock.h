@@ -6,43 +6,23 @@
 #include <string_view>
 #include <vector>
 
-#include "core/colors/amounts.h"
+#include "core/colors/color_work.h"
+#include "core/colors/formulas.h"
 #include "core/inventory/adjust.h"
 
 namespace vellumark {
 
-/// What the inventory window holds of one colour beside its stock. Numbers are texts, as they stand in the fields;
-/// those of the second group are a formula's, to be read only.
-struct StockRecord {
+/// What the inventory window holds of one colour beside its stock. Of a Basic Color those fields that a formula has
+/// too; the others are as in a new formula.
+struct StockRecord : ColorWork<MixColor> {
   ColorKind kind = ColorKind::Basic;
-  std::string Color_Name;
-  std::string Color_Code;
-  std::string Reorder;
-  std::string PurchaseCost;
-  std::string VOC;
-  std::string HAP;
-  std::string Inv_Note;
-  std::string Notes;
-  bool Recycle = true;  ///< of a formula
-
-  std::string BasicCost;
-  std::string VOCBasics;
-  std::string HAPBasics;
-
-  int Red = 0;
-  int Green = 0;
-  int Blue = 0;
 };
 
 /// The colour as it is on file; nothing when it is missing.
 std::optional<StockRecord> LoadStockRecord(const Session& session, ColorKind kind, std::string_view name);
 
-/// Which figure of the record is meant.
-enum class StockFigure { Reorder, PurchaseCost, VOC, HAP };
-/// What decides its decimals and rights.
-AmountKey KeyOf(StockFigure figure);
 /// Reads a figure as typed: 0 to 99999, rounded to its decimals; the text as its field shows it.
-Result<std::string> ReadStockFigure(const Session& session, StockFigure figure, std::string_view typed);
+Result<std::string> ReadStockFigure(const Session& session, const RecordField& field, std::string_view typed);
 
 /// Checks the figures in their order and writes record and stock in one transaction. Changed figures of a Basic Color
 /// set the session's flags.

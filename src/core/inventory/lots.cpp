@@ -23,23 +23,14 @@ std::string QuotedLots(const Session& session, ColorKind kind, std::string_view 
 }
 
 Statement SelectLots(const Session& session, ColorKind kind, std::string_view database, std::string_view rest) {
-  return session.File().Prepare(
-      fmt::format("SELECT RowKey, LotRefID, LotNumber, LotLoc, LotContID, LotDate, LotQty, LotPrice, LotConsignment "
-                  "FROM {} WHERE LotCName = ?1 {}",
-                  QuotedLots(session, kind, database), rest));
+  return session.File().Prepare(fmt::format("SELECT RowKey, {} FROM {} WHERE LotCName = ?1 {}", LotFields().Columns(),
+                                            QuotedLots(session, kind, database), rest));
 }
 
 LotRow ReadLot(const Statement& statement) {
   LotRow lot;
   lot.row = statement.Whole(0);
-  lot.LotRefID = static_cast<std::int32_t>(statement.Whole(1));
-  lot.LotNumber = statement.Text(2);
-  lot.LotLoc = statement.Text(3);
-  lot.LotContID = statement.Text(4);
-  lot.LotDate = statement.Date(5);
-  lot.LotQty = statement.Single(6);
-  lot.LotPrice = statement.Single(7);
-  lot.LotConsignment = statement.Bool(8);
+  LotFields().Read(statement, 1, lot);
   return lot;
 }
 
@@ -86,6 +77,20 @@ std::optional<std::int32_t> FirstGap(const Session& session, ColorKind kind, std
 }
 
 }  // namespace
+
+const FieldMap<LotRow>& LotFields() {
+  static const FieldMap<LotRow> fields =
+      FieldMap<LotRow>()
+          .Add("LotRefID", &LotRow::LotRefID)
+          .Add("LotNumber", &LotRow::LotNumber, {.caption = "Lot Number"})
+          .Add("LotLoc", &LotRow::LotLoc, {.caption = "Location"})
+          .Add("LotContID", &LotRow::LotContID, {.caption = "Cont ID Num"})
+          .Add("LotDate", &LotRow::LotDate, {.caption = "Date", .format = Format::Date})
+          .Add("LotQty", &LotRow::LotQty, {.unit = true, .caption = "Quantity"})
+          .Add("LotPrice", &LotRow::LotPrice, {.price = true, .caption = "Price"})
+          .Add("LotConsignment", &LotRow::LotConsignment, {.caption = "Consignment"});
+  return fields;
+}
 
 bool ColorIsThere(const Session& session, ColorKind kind, std::string_view name, std::string_view database) {
   return !session.File()

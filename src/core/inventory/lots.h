@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "core/datafile/color_kind.h"
+#include "core/datafile/field_map.h"
 #include "core/session/session.h"
 
 namespace vellumark {
@@ -31,6 +32,9 @@ struct LotRow {
   float LotPrice = 0;  ///< per inventory unit
   bool LotConsignment = false;
 };
+
+/// What of it stands in its row, beside the name of its colour.
+const FieldMap<LotRow>& LotFields();
 
 // Of all functions here an empty Database name means the current Database.
 
@@ -85,88 +89,5 @@ float LotValueConsigned(const Session& session, ColorKind kind, std::string_view
 
 /// Tells that no reference could be granted.
 void ShowMaxLotUsage(const Session& session);
-
-// The same, one for each kind.
-
-inline std::int32_t NextLotRefID_Basic(Session& session, std::string_view name, std::string_view database = {}) {
-  return NextLotRefID(session, ColorKind::Basic, name, database);
-}
-inline std::int32_t NextLotRefID_Mix(Session& session, std::string_view name, std::string_view database = {}) {
-  return NextLotRefID(session, ColorKind::Mix, name, database);
-}
-inline std::int32_t LastLotRefID_Basic(const Session& session, std::string_view name, std::string_view database = {}) {
-  return LastLotRefID(session, ColorKind::Basic, name, database);
-}
-inline std::int32_t LastLotRefID_Mix(const Session& session, std::string_view name, std::string_view database = {}) {
-  return LastLotRefID(session, ColorKind::Mix, name, database);
-}
-inline bool LotRefIDInUse_Basic(const Session& session, std::string_view name, std::string_view database,
-                                std::int32_t ref) {
-  return LotRefIDInUse(session, ColorKind::Basic, name, database, ref);
-}
-inline bool LotRefIDInUse_Mix(const Session& session, std::string_view name, std::string_view database,
-                              std::int32_t ref) {
-  return LotRefIDInUse(session, ColorKind::Mix, name, database, ref);
-}
-inline void StoreLotRefID_Basic(Session& session, std::string_view name, std::string_view database, std::int32_t ref) {
-  StoreLotRefID(session, ColorKind::Basic, name, database, ref);
-}
-inline void StoreLotRefID_Mix(Session& session, std::string_view name, std::string_view database, std::int32_t ref) {
-  StoreLotRefID(session, ColorKind::Mix, name, database, ref);
-}
-inline std::string GetLotNumber_Basic(const Session& session, std::string_view name, std::int32_t ref) {
-  return GetLotNumber(session, ColorKind::Basic, name, ref);
-}
-inline std::string GetLotNumber_Mix(const Session& session, std::string_view name, std::int32_t ref) {
-  return GetLotNumber(session, ColorKind::Mix, name, ref);
-}
-inline std::string GetLotDate_Basic(const Session& session, std::string_view name, std::int32_t ref) {
-  return GetLotDate(session, ColorKind::Basic, name, ref);
-}
-inline std::string GetLotDate_Mix(const Session& session, std::string_view name, std::int32_t ref) {
-  return GetLotDate(session, ColorKind::Mix, name, ref);
-}
-inline float LotQtyTotal_Basic(const Session& session, std::string_view name, std::string_view database = {}) {
-  return LotQtyTotal(session, ColorKind::Basic, name, database);
-}
-inline float LotQtyTotal_Mix(const Session& session, std::string_view name, std::string_view database = {}) {
-  return LotQtyTotal(session, ColorKind::Mix, name, database);
-}
-inline float LotQtyOwned_Basic(const Session& session, std::string_view name, std::string_view database = {}) {
-  return LotQtyOwned(session, ColorKind::Basic, name, database);
-}
-inline float LotQtyOwned_Mix(const Session& session, std::string_view name, std::string_view database = {}) {
-  return LotQtyOwned(session, ColorKind::Mix, name, database);
-}
-inline float LotQtyConsigned_Basic(const Session& session, std::string_view name, std::string_view database = {}) {
-  return LotQtyConsigned(session, ColorKind::Basic, name, database);
-}
-inline float LotQtyConsigned_Mix(const Session& session, std::string_view name, std::string_view database = {}) {
-  return LotQtyConsigned(session, ColorKind::Mix, name, database);
-}
-inline float UnlottedQty_Basic(const Session& session, std::string_view name, std::string_view database = {}) {
-  return UnlottedQty(session, ColorKind::Basic, name, database);
-}
-inline float UnlottedQty_Mix(const Session& session, std::string_view name, std::string_view database = {}) {
-  return UnlottedQty(session, ColorKind::Mix, name, database);
-}
-inline float LotValue_Basic(const Session& session, std::string_view name, std::string_view database = {}) {
-  return LotValue(session, ColorKind::Basic, name, database);
-}
-inline float LotValue_Mix(const Session& session, std::string_view name, std::string_view database = {}) {
-  return LotValue(session, ColorKind::Mix, name, database);
-}
-inline float LotValueOwned_Basic(const Session& session, std::string_view name, std::string_view database = {}) {
-  return LotValueOwned(session, ColorKind::Basic, name, database);
-}
-inline float LotValueOwned_Mix(const Session& session, std::string_view name, std::string_view database = {}) {
-  return LotValueOwned(session, ColorKind::Mix, name, database);
-}
-inline float LotValueConsigned_Basic(const Session& session, std::string_view name, std::string_view database = {}) {
-  return LotValueConsigned(session, ColorKind::Basic, name, database);
-}
-inline float LotValueConsigned_Mix(const Session& session, std::string_view name, std::string_view database = {}) {
-  return LotValueConsigned(session, ColorKind::Mix, name, database);
-}
 
 }  // namespace vellumark

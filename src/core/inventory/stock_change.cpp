@@ -11,17 +11,12 @@ namespace vellumark {
 namespace {
 
 void AddLot(Session& session, const StockChange& change, const std::string& table, float quantity) {
-  const LotRow& lot = change.lot;
-  InsertRow(session.File(), LotTable(change.kind), table,
-            {{"LotRefID", lot.LotRefID},
-             {"LotCName", change.name},
-             {"LotNumber", lot.LotNumber},
-             {"LotLoc", lot.LotLoc},
-             {"LotContID", lot.LotContID},
-             {"LotDate", lot.LotDate},
-             {"LotQty", quantity},
-             {"LotPrice", RoundSingle(lot.LotPrice, session.DecimalPlaces)},
-             {"LotConsignment", lot.LotConsignment}});
+  LotRow lot = change.lot;
+  lot.LotQty = quantity;
+  lot.LotPrice = RoundSingle(lot.LotPrice, session.DecimalPlaces);
+  std::vector<Cell> cells = LotFields().Cells(lot, kNewRowUses);
+  cells.emplace_back("LotCName", change.name);
+  InsertRow(session.File(), LotTable(change.kind), table, cells);
 }
 
 StockEvent EventOf(PostingSource source) {

@@ -38,17 +38,9 @@ std::string KindText(ColorKind kind) {
 }
 
 TableOf<LotRow> LotColumns(const Session& session) {
-  return TableOf<LotRow>()
-      .Add("LotRefID", &LotRow::LotRefID)
-      .Add("LotNumber", &LotRow::LotNumber, "Lot Number")
-      .Add("LotLoc", &LotRow::LotLoc, "Location")
-      .Add("LotContID", &LotRow::LotContID, "Cont ID Num")
-      .Add("LotDate", &LotRow::LotDate, "Date", Format::Date)
-      .Add("LotQty", &LotRow::LotQty, WithUnit(session, "Quantity"))
-      .Add(
-          "LotPrice", [&session](const LotRow& lot) { return SeenPrice(session, lot.LotPrice); }, "Price",
-          Format::Amount, session.DecimalPlaces)
-      .Add("LotConsignment", &LotRow::LotConsignment, "Consignment");
+  TableOf<LotRow> table;
+  LotFields().AddColumns(table, SeenBy(session));
+  return table;
 }
 
 TableOf<ColorStock> StockColumns(const Session& session) {

@@ -2,6 +2,8 @@
 
 #include <fmt/format.h>
 
+#include "core/base/units.h"
+
 namespace vellumark {
 namespace {
 
@@ -122,6 +124,10 @@ std::vector<PermissionText> PermissionTexts(const UserRights& rights) {
     lines.push_back({right.field, right.caption, right.texts[value <= right.full ? value : 0]});
   }
   return lines;
+}
+
+Seen SeenBy(const Session& session) {
+  return {session.Perm_Costs != 0, session.DecimalPlaces, std::string(UnitName(session.UMI))};
 }
 
 std::optional<float> SeenPrice(const Session& session, float price) {

@@ -7,6 +7,7 @@
 #include <string_view>
 #include <vector>
 
+#include "core/datafile/field_map.h"
 #include "core/session/session.h"
 
 namespace vellumark {
@@ -55,6 +56,8 @@ std::vector<PermissionText> PermissionTexts(const UserRights& rights);
 /// The rights, each with the value that opens what it keeps. What asks for which stands in acts.h.
 enum class CommandRight { BackupRestore, Export, Advanced, Options, Databases, DBTools, Costs, VOCHAP, MasterFormula };
 
+/// What the session's user gets to see in tables, in its units.
+Seen SeenBy(const Session& session);
 /// A price, for those who may see prices.
 std::optional<float> SeenPrice(const Session& session, float price);
 

@@ -26,6 +26,19 @@ std::string Folded(std::string_view typed) {
   return Upper(TrimView(typed));
 }
 
+// All but the password, which nobody is shown.
+const FieldMap<UserRow>& UserFields() {
+  static const FieldMap<UserRow> fields = [] {
+    FieldMap<UserRow> map;
+    map.Add("Username", &UserRow::Username).Add("IsAdmin", &UserRow::IsAdmin);
+    for (const RightField& right : RightFields())
+      map.Add(
+          std::string(right.field), [value = right.value](UserRow & user) -> auto& { return user.rights.*value; });
+    return map;
+  }();
+  return fields;
+}
+
 struct StoredUser {
   std::int64_t rowId = 0;
   UserRow row;
@@ -33,24 +46,19 @@ struct StoredUser {
 
 // The field keeps no empty text, so that an empty password is stored as null.
 std::optional<StoredUser> Find(const Session& session, std::string_view name) {
-  std::string sql = "SELECT RowKey, Username, COALESCE(Password, ''), IsAdmin";
-  for (const RightField& right : RightFields()) sql += ", " + Quoted(right.field);
-  Statement statement = session.File().Prepare(sql + " FROM Users WHERE Username = ?");
-  statement.Bind(1, name);
-  if (!statement.Step()) return std::nullopt;
-  StoredUser user{statement.Whole(0), {statement.Text(1), statement.Text(2), statement.Bool(3), {}}};
-  int column = 4;
-  for (const RightField& right : RightFields())
-    user.row.rights.*right.value =
-        static_cast<std::uint8_t>(std::clamp<std::int64_t>(statement.Whole(column++), 0, 255));
+  Statement row = session.File().Prepare(
+      fmt::format("SELECT RowKey, Password, {} FROM Users WHERE Username = ?", UserFields().Columns()));
+  row.Bind(1, name);
+  if (!row.Step()) return std::nullopt;
+  StoredUser user{row.Whole(0), {}};
+  user.row.Password = row.Text(1);
+  UserFields().Read(row, 2, user.row);
   return user;
 }
 
 std::vector<Cell> Cells(const UserRow& user) {
-  std::vector<Cell> cells{{"Username", user.Username},
-                          {"Password", user.Password.empty() ? Value() : Value(user.Password)},
-                          {"IsAdmin", user.IsAdmin}};
-  for (const RightField& right : RightFields()) cells.emplace_back(right.field, user.rights.*right.value);
+  std::vector<Cell> cells = UserFields().Cells(user, {FieldUse::Kept});
+  cells.emplace_back("Password", user.Password.empty() ? Value() : Value(user.Password));
   return cells;
 }
 
@@ -213,9 +221,7 @@ std::vector<std::string> DeletableUserNames(const Session& session) {
 
 TableOf<UserRow> UserColumns() {
   TableOf<UserRow> table;
-  table.Add("Username", &UserRow::Username).Add("IsAdmin", &UserRow::IsAdmin);
-  for (const RightField& right : RightFields())
-    table.Add(std::string(right.field), [value = right.value](const UserRow& user) { return user.rights.*value; });
+  UserFields().AddColumns(table, {});
   return table;
 }
 

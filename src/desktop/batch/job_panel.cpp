@@ -80,15 +80,15 @@ void JobPanel::Listen() {
   connect(returns_, &QCheckBox::clicked, this, &JobPanel::ReturnToggled);
   connect(returned_, &QAbstractButton::clicked, this,
           [this] { host_.session.prompt.Tell("", ReturnedRuleText(), vellumark::Icon::Information); });
-  const auto keeps = [this](TextField* field, std::string BatchFields::*place) {
-    connect(field, &QLineEdit::textChanged, this, [this, field, place] {
+  const auto keeps = [this](TextField* field, const char* column) {
+    connect(field, &QLineEdit::textChanged, this, [this, field, column] {
       if (showing_) return;
-      if (const auto entered = EnterBatchText(host_.session, record_, place, field->Text()); !entered) Done(entered);
+      if (const auto entered = EnterBatchField(host_.session, record_, column, field->Text()); !entered) Done(entered);
     });
   };
-  keeps(lot_, &BatchFields::LotNumber);
-  keeps(location_, &BatchFields::LotLoc);
-  keeps(container_, &BatchFields::LotContID);
+  keeps(lot_, "LotNumber");
+  keeps(location_, "LotLoc");
+  keeps(container_, "LotContID");
 }
 
 void JobPanel::Show() {

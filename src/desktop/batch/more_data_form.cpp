@@ -10,7 +10,6 @@ namespace vellumark::desktop {
 namespace {
 
 constexpr int kTextWidth = static_cast<int>(kBatchTextWidth);
-constexpr std::array<const char*, 5> kLabFields{"txt_L", "txt_a", "txt_b", "txt_D", "txt_Density"};
 constexpr int kLabDecimals = 2;
 
 // A caption of the operator's own: its "&" is no mnemonic.
@@ -61,7 +60,8 @@ void MoreDataForm::BuildLab(Form form) {
   form.Heading(tr("L-a-b Delta Values"));
   const std::array<QString, 5> captions{tr("&L"), tr("&a"), tr("&b"), tr("&Delta"), tr("D&ensity")};
   for (std::size_t i = 0; i < lab_.size(); ++i) {
-    lab_[i] = form.Number(kLabFields[i], kLabDecimals, tr("-99999 to 99999"), 9);
+    lab_[i] = form.Number(Q((LabFields().begin() + static_cast<std::ptrdiff_t>(i))->Control()), kLabDecimals,
+                          tr("-99999 to 99999"), 9);
     form.Row(captions[i], lab_[i]);
   }
   form.Row(tr("L&ight source"), lightSource_ = DropDown(form, "cmb_LS"));
@@ -88,12 +88,10 @@ void MoreDataForm::OnOpen(const Arguments& arguments) {
     texts_[i]->SetText(shown.texts.at(i));
     numbers_[i]->SetText(shown.numbers.at(i));
   }
-  const std::array<const std::string*, 5> lab{&shown.lab.L, &shown.lab.a, &shown.lab.b, &shown.lab.D,
-                                              &shown.lab.density};
-  for (std::size_t i = 0; i < lab_.size(); ++i) lab_[i]->SetText(*lab[i]);
-  ShowChoice(*lightSource_, shown.lab.lightSource);
-  ShowChoice(*substrate_, shown.lab.substrate);
-  note_->SetText(shown.lab.note);
+  for (std::size_t i = 0; i < lab_.size(); ++i) lab_[i]->SetText(shown.lab[i]);
+  ShowChoice(*lightSource_, shown.lab[5]);
+  ShowChoice(*substrate_, shown.lab[6]);
+  note_->SetText(shown.lab[7]);
 }
 
 void MoreDataForm::UpdateEnabled() {

@@ -18,14 +18,14 @@ NotesPanel::NotesPanel(FormHost& host, BatchRecord& record) : host_(host), recor
   form.Row(tr("Formula notes"), formulaNotes_ = form.Note("txtFormulaNotes", 2));
   formulaNotes_->setReadOnly(true);
   formulaNotes_->setToolTip(tr("The notes of the Master Formula; they are changed in its own window"));
-  connect(shortNote_, &QLineEdit::textChanged, this, [this] { Keep(&BatchFields::ShortNote, shortNote_->Text()); });
-  connect(notes_, &QPlainTextEdit::textChanged, this, [this] { Keep(&BatchFields::Notes, notes_->Text()); });
-  connect(ingNotes_, &QPlainTextEdit::textChanged, this, [this] { Keep(&BatchFields::IngNotes, ingNotes_->Text()); });
+  connect(shortNote_, &QLineEdit::textChanged, this, [this] { Keep("ShortNote", shortNote_->Text()); });
+  connect(notes_, &QPlainTextEdit::textChanged, this, [this] { Keep("Notes", notes_->Text()); });
+  connect(ingNotes_, &QPlainTextEdit::textChanged, this, [this] { Keep("IngNotes", ingNotes_->Text()); });
 }
 
-void NotesPanel::Keep(std::string BatchFields::*field, std::string text) {
+void NotesPanel::Keep(const char* column, std::string text) {
   if (showing_) return;
-  const Result<void> entered = EnterBatchText(host_.session, record_, field, std::move(text));
+  const Result<void> entered = EnterBatchField(host_.session, record_, column, std::move(text));
   if (entered) return;
   Show();
   host_.ShowRefusal(entered.error());

@@ -19,7 +19,7 @@ class NotesPanel : public QWidget {
   void MoreDataClicked();
 
  private:
-  void Keep(std::string BatchFields::*field, std::string text);
+  void Keep(const char* column, std::string text);
 
   FormHost& host_;
   BatchRecord& record_;

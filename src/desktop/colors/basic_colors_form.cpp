@@ -3,18 +3,16 @@
 #include <QApplication>
 
 #include "core/base/text.h"
-#include "core/base/units.h"
-#include "core/colors/amounts.h"
 #include "core/colors/attachments.h"
 #include "core/colors/color_sheets.h"
 #include "core/colors/name_search.h"
 #include "core/colors/rollup.h"
 #include "core/inventory/color_stock.h"
+#include "desktop/colors/figure_fields.h"
 #include "desktop/colors/measurements_panel.h"
 #include "desktop/colors/name_entry.h"
 #include "desktop/colors/swatch_fields.h"
 #include "desktop/inventory/inventory_panel.h"
-#include "desktop/kit/amount_field.h"
 #include "desktop/kit/discard.h"
 #include "desktop/kit/icons.h"
 #include "desktop/kit/print_sheet.h"
@@ -25,12 +23,12 @@ namespace vellumark::desktop {
 namespace {
 
 constexpr const char* kNameField = "cmbColorName";
-constexpr int kCostChars = 9;
 
 }  // namespace
 
 BasicColorsForm::BasicColorsForm(WindowList& windowList)
-    : Window(windowList, "BasicColorsForm", tr("Basics / Additives")) {
+    : Window(windowList, "BasicColorsForm", tr("Basics / Additives")),
+      bound_(BasicFields(), ColorFigures(*this, [this] { return work_.has_value(); })) {
   setWindowIcon(Icon("basic"));
   Form form(*this);
   name_ = form.Name(kNameField, NamesOnFile(session, NameKind::Basics));
@@ -60,40 +58,15 @@ void BasicColorsForm::BuildColorPage(Form form) {
   BuildFigures(columns[0]);
   BuildSwatch(columns[1]);
   form.Heading(tr("Notes"));
-  form.Wide(notes_ = form.Note("txtNotes", 3), 1);
-  notes_->setAccessibleName(tr("Notes"));
+  NoteField* notes = bound_.Bind("Notes", form.Note("txtNotes", 3));
+  form.Wide(notes, 1);
+  notes->setAccessibleName(tr("Notes"));
 }
 
 void BasicColorsForm::BuildFigures(Form& form) {
-  const auto shown = [this] { return work_.has_value(); };
-  const auto figure = [&](const char* name, AmountKey key, const char* column, int chars) {
-    NumberField* field = form.Number(name, DecimalsOf(session, key), tr("0 to 99999"), chars);
-    MakeAmountField(*this, *field, key, column, shown);
-    return field;
-  };
-  const auto hint = [&](const QString& words) {
-    QLabel* label = form.Hint({});
-    unitHints_.emplace_back(label, words);
-    return label;
-  };
-  form.Row(tr("Color &code"), code_ = form.Text("txtColorCode", TextRule::Any(session.NameLength)));
-  code_->Means("Color_Code");
-  form.Row(additive_ = form.Check("chkAdd", tr("&Additive")));
-  additive_->Means("Additive");
-  reorder_ = figure("txtReorder", AmountKey::Reorder, "Reorder", 10);
-  form.Row(tr("&Reorder point"), {reorder_, hint("%1")});
-  cost_ = figure("txtPurchaseCost", AmountKey::Currency, "PurchaseCost", kCostChars);
-  cost_->setToolTip(tr("Use a Costs report to edit Purchase Cost for multiple colors."));
-  const bool priceBlocked = session.Perm_Costs == 0;
-  cost_->setVisible(!priceBlocked);
-  QLabel* perUnit = priceBlocked ? form.Hint(tr("User Permissions - Price Blocked")) : hint(tr("per %1"));
-  perUnit->setObjectName("lblPriceBlocked");
-  form.Row(tr("&Purchase cost"), {cost_, perUnit});
-  voc_ = figure("txtVOC", AmountKey::VOC, "VOC", 10);
-  form.Row(tr("&VOC"), {voc_, hint(tr("per %1"))});
-  hap_ = figure("txtHAP", AmountKey::HAP, "HAP", 10);
-  form.Row(tr("HAP"), {hap_, hint(tr("per %1"))});
-  Relabel();
+  additive_ = form.Check("chkAdd", tr("&Additive"));
+  figures_ = new FigureFields(*this, form, bound_, "Additive", additive_, {});
+  figures_->Cost()->setToolTip(tr("Use a Costs report to edit Purchase Cost for multiple colors."));
 }
 
 void BasicColorsForm::BuildSwatch(Form& form) {
@@ -103,10 +76,6 @@ void BasicColorsForm::BuildSwatch(Form& form) {
   form.Row(tr("Last consumed"), consumed_ = form.Label("lblLastConsumed"));
 }
 
-void BasicColorsForm::Relabel() {
-  for (const auto& [label, words] : unitHints_) label->setText(words.arg(Q(UnitName(session.UMI))));
-}
-
 void BasicColorsForm::Listen() {
   connect(name_, &TextField::Left, this, &BasicColorsForm::NameLeft);
   connect(name_, &NameBox::Picked, this, [this](const QString& picked) {
@@ -114,7 +83,7 @@ void BasicColorsForm::Listen() {
   });
   HintAtPantone(*name_, session);
   connect(additive_, &QCheckBox::clicked, this, &BasicColorsForm::AdditiveClicked);
-  connect(cost_, &QLineEdit::textChanged, this, [this] { inventory_->TakeCosts(cost_->Text()); });
+  connect(figures_->Cost(), &QLineEdit::textChanged, this, [this] { inventory_->TakeCosts(figures_->Cost()->Text()); });
   connect(inventory_, &InventoryPanel::Changed, this, [this] { Changed(); });
   connect(measurements_, &MeasurementsPanel::Changed, this, [this] { Changed(); });
   OnActivation(*this, [this] {
@@ -167,7 +136,8 @@ void BasicColorsForm::Clear() {
   work_.reset();
   isLow_ = false;
   name_->SetText("");
-  ShowFields({}, {}, false);
+  bound_.Clear();
+  guide_->clear();
   swatch_->Clear();
   entered_->clear();
   consumed_->clear();
@@ -204,16 +174,9 @@ void BasicColorsForm::ShowNew(const std::string& name) {
 }
 
 void BasicColorsForm::ShowFields(const BasicWork& work, const BookData& book, bool keepTyped) {
-  Put(*code_, work.Color_Code, keepTyped);
-  Put(*additive_, work.Additive, keepTyped);
-  Put(*reorder_, work.Reorder, keepTyped);
-  Put(*cost_, work.PurchaseCost, keepTyped);
-  Put(*voc_, work.VOC, keepTyped);
-  Put(*hap_, work.HAP, keepTyped);
-  Put(*notes_, work.Notes, keepTyped);
+  bound_.Put(work, keepTyped);
   swatch_->Show(book, keepTyped);
-  guide_->setText(book.Color_Guide.empty() ? (work_ ? QString::fromUtf8("–") : QString())
-                                           : Q(GuideCaption(work.Color_Name, book)));
+  guide_->setText(book.Color_Guide.empty() ? QString::fromUtf8("–") : Q(GuideCaption(work.Color_Name, book)));
 }
 
 void BasicColorsForm::ShowStock(const BasicColor& color) {
@@ -228,7 +191,7 @@ void BasicColorsForm::OnChanges(const std::vector<Change>& changes) {
   bool mine = false;
   for (const Change& change : changes) {
     if (change.kind == Change::Kind::Settings) {
-      Relabel();
+      figures_->Relabel();
       inventory_->Relabel();
       mine = work_ && work_->rowId != 0;
     }
@@ -283,19 +246,9 @@ bool BasicColorsForm::MayLeaveUnfinished() {
   return true;
 }
 
-void BasicColorsForm::ReadFields() {
-  work_->Color_Code = code_->Text();
-  work_->Additive = additive_->isChecked();
-  work_->Reorder = reorder_->Text();
-  work_->PurchaseCost = cost_->Text();
-  work_->VOC = voc_->Text();
-  work_->HAP = hap_->Text();
-  work_->Notes = notes_->Text();
-}
-
 bool BasicColorsForm::Store() {
   if (!MayLeaveUnfinished()) return false;
-  ReadFields();
+  bound_.Take(*work_);
   ColorAttachments attachments;
   if (measurements_->IsChanged()) attachments.measurements = measurements_->Readings();
   swatch_->Take(attachments);

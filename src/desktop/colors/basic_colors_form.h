@@ -1,14 +1,15 @@
 #pragma once
 
 #include <optional>
-#include <utility>
 #include <vector>
 
 #include "core/colors/basic_work.h"
+#include "desktop/kit/bound_fields.h"
 #include "desktop/kit/window.h"
 
 namespace vellumark::desktop {
 
+class FigureFields;
 class InventoryPanel;
 class MeasurementsPanel;
 class SwatchFields;
@@ -47,8 +48,6 @@ class BasicColorsForm : public Window {
   void BuildFigures(Form& form);
   void BuildSwatch(Form& form);
   void Listen();
-  /// Units as the settings are now.
-  void Relabel();
 
   void NameLeft(QWidget* to);
   void EnterName(const std::string& typed);
@@ -63,7 +62,6 @@ class BasicColorsForm : public Window {
   void Reload();
 
   bool MayLeaveUnfinished();
-  void ReadFields();
   /// Asks about unfinished work, checks and writes. False: the operator stays.
   bool Store();
   void Walk(bool forward);
@@ -75,17 +73,13 @@ class BasicColorsForm : public Window {
   SwatchView* ink_;
   QLabel* state_;
   CommandButton* low_;
-  TextField* code_;
+  BoundFields bound_;
   CheckField* additive_;
-  NumberField* reorder_;
-  NumberField* cost_;
-  NumberField* voc_;
-  NumberField* hap_;
+  FigureFields* figures_;
   SwatchFields* swatch_;
   QLabel* guide_;
   QLabel* entered_;
   QLabel* consumed_;
-  NoteField* notes_;
   InventoryPanel* inventory_;
   MeasurementsPanel* measurements_;
   CommandButton* save_;
@@ -94,7 +88,6 @@ class BasicColorsForm : public Window {
   CommandButton* rename_;
   CommandButton* print_ = nullptr;
   CommandButton* whereUsed_;
-  std::vector<std::pair<QLabel*, QString>> unitHints_;  ///< with their words, to which the unit is added
   bool isLow_ = false;
 };
 

@@ -10,7 +10,6 @@
 namespace vellumark::desktop {
 namespace {
 
-constexpr std::array<const char*, 5> kNumberFields{"txt_L", "txt_a", "txt_b", "txt_D", "txt_Density"};
 // The widths of the texts on file.
 constexpr int kSourceLength = 30;
 constexpr int kNoteLength = 70;
@@ -26,13 +25,12 @@ class MeasurementsPanel::Source : public GridSource {
 
   int Rows() const override { return static_cast<int>(readings.size()); }
   std::string Text(int row, int column) const override {
-    LabEntry entry = EntryOf(row);
-    return *Cell(entry, column);
+    return LabTexts(session_, readings.at(static_cast<std::size_t>(row))).at(static_cast<std::size_t>(column));
   }
   bool IsEditable(int, int) const override { return true; }
   Result<void> Edit(int row, int column, const std::string& text) override {
-    LabEntry entry = EntryOf(row);
-    *Cell(entry, column) = text;
+    LabEntry entry = LabTexts(session_, readings.at(static_cast<std::size_t>(row)));
+    entry.at(static_cast<std::size_t>(column)) = text;
     auto reading = ReadLabEntry(session_, entry);
     if (!reading) return Refuse(reading.error().title, reading.error().text);  // the cell keeps the focus by itself
     readings.at(static_cast<std::size_t>(row)) = *std::move(reading);
@@ -40,18 +38,6 @@ class MeasurementsPanel::Source : public GridSource {
   }
 
  private:
-  LabEntry EntryOf(int row) const {
-    const LabReading& reading = readings.at(static_cast<std::size_t>(row));
-    const auto text = [this](float value) { return AmountText(session_, AmountKey::Lab, value); };
-    return {text(reading.Lab_L),       text(reading.Lab_a), text(reading.Lab_b), text(reading.Lab_D),
-            text(reading.Lab_Density), reading.Lab_LS,      reading.Lab_PT,      reading.Lab_Note};
-  }
-  static std::string* Cell(LabEntry& entry, int column) {
-    const std::array<std::string*, 8> cells{&entry.L,       &entry.a,           &entry.b,         &entry.D,
-                                            &entry.density, &entry.lightSource, &entry.substrate, &entry.note};
-    return cells.at(static_cast<std::size_t>(column));
-  }
-
   Session& session_;
 };
 
@@ -91,9 +77,10 @@ MeasurementsPanel::~MeasurementsPanel() = default;
 void MeasurementsPanel::BuildEntry(Form& form) {
   const std::array<QString, 5> captions{tr("L"), tr("a"), tr("b"), tr("Delta"), tr("Density")};
   for (std::size_t i = 0; i < numbers_.size(); ++i) {
-    numbers_[i] = form.Number(kNumberFields[i], DecimalsOf(host_.session, AmountKey::Lab), tr("-99999 to 99999"), 9);
+    const std::string control = (LabFields().begin() + static_cast<std::ptrdiff_t>(i))->Control();
+    numbers_[i] = form.Number(Q(control), DecimalsOf(host_.session, AmountKey::Lab), tr("-99999 to 99999"), 9);
     numbers_[i]->setAccessibleName(captions[i]);
-    MakeAmountField(host_, *numbers_[i], AmountKey::Lab, kNumberFields[i], [this] { return shown_; });
+    MakeAmountField(host_, *numbers_[i], AmountKey::Lab, control, [this] { return shown_; });
   }
   form.Row(captions[0], {numbers_[0], form.Hint(captions[1]), numbers_[1], form.Hint(captions[2]), numbers_[2],
                          form.Hint(captions[3]), numbers_[3], form.Hint(captions[4]), numbers_[4]});
@@ -154,8 +141,12 @@ bool MeasurementsPanel::IsChanged() const {
 
 bool MeasurementsPanel::IsEntryFilled() const {
   if (!IsBuilt()) return false;
-  return std::ranges::any_of(numbers_, [](const NumberField* field) { return !Trim(field->Text()).empty(); }) ||
-         !Trim(lightSource_->Text()).empty() || !Trim(substrate_->Text()).empty() || !Trim(note_->Text()).empty();
+  return std::ranges::any_of(Entry(), [](const std::string& text) { return !Trim(text).empty(); });
+}
+
+LabEntry MeasurementsPanel::Entry() const {
+  return {numbers_[0]->Text(), numbers_[1]->Text(),  numbers_[2]->Text(), numbers_[3]->Text(),
+          numbers_[4]->Text(), lightSource_->Text(), substrate_->Text(),  note_->Text()};
 }
 
 const std::vector<LabReading>& MeasurementsPanel::Readings() const {
@@ -163,13 +154,11 @@ const std::vector<LabReading>& MeasurementsPanel::Readings() const {
 }
 
 void MeasurementsPanel::FocusEntry() {
-  host_.FocusField(kNumberFields.front());
+  host_.FocusField(LabFields().begin()->Control());
 }
 
 void MeasurementsPanel::Add() {
-  const Result<LabReading> reading =
-      ReadLabEntry(host_.session, {numbers_[0]->Text(), numbers_[1]->Text(), numbers_[2]->Text(), numbers_[3]->Text(),
-                                   numbers_[4]->Text(), lightSource_->Text(), substrate_->Text(), note_->Text()});
+  const Result<LabReading> reading = ReadLabEntry(host_.session, Entry());
   if (!host_.Accepted(reading)) return;
   source_->readings.push_back(*reading);
   list_->Refresh();

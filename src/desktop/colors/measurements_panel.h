@@ -44,6 +44,7 @@ class MeasurementsPanel : public QObject {
   void ShowList();
   void Add();
   void Remove();
+  LabEntry Entry() const;
   void EmptyEntry();
   void FillDropDowns();
 

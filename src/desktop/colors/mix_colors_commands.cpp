@@ -43,7 +43,7 @@ Result<void> MixColorsForm::CheckPageInFront(const FormulaWork& work) const {
   if (page == QLatin1String(kFormulaPage) && (work.rowId == 0 || work.AllowEditing))
     return ValidateFormula(session, work);
   if (page != QLatin1String(kDetailsPage)) return {};
-  if (const auto figures = ReadColorFigures(session, work); !figures) return std::unexpected(figures.error());
+  if (const auto read = ReadTyped(session, MixFields(), work); !read) return std::unexpected(read.error());
   return {};
 }
 

@@ -36,18 +36,19 @@ QHBoxLayout* Across(QWidget* box) {
 
 }  // namespace
 
-MixColorsForm::MixColorsForm(WindowList& windowList) : Window(windowList, "MixColorsForm", tr("Master Formulas")) {
+MixColorsForm::MixColorsForm(WindowList& windowList)
+    : Window(windowList, "MixColorsForm", tr("Master Formulas")),
+      bound_(MixFields(), ColorFigures(*this, [this] { return work_.has_value(); })) {
   setWindowIcon(Icon("Color"));
   Form form(*this);
   BuildHead(form);
   TabSet tabs = form.Tabs("TabMix");
   tabs_ = tabs.Widget();
   BuildFormulaPage(tabs.Page(tr("Formula"), kFormulaPage));
-  details_ =
-      new MixDetailsPanel(*this, tabs.Page(tr("Details"), kDetailsPage), *ink_, [this] { return work_.has_value(); });
+  details_ = new MixDetailsPanel(*this, tabs.Page(tr("Details"), kDetailsPage), bound_, *ink_);
   inventory_ = new InventoryPanel(*this, tabs);
   measurements_ = new MeasurementsPanel(*this, tabs, ColorKind::Mix);
-  notes_ = new MixNotesPanel(*this, tabs, [this] {
+  notes_ = new MixNotesPanel(*this, tabs, bound_, [this] {
     std::vector<std::string> names;
     for (const FormulaWork::Row& row : ReadFields().grid)
       if (!row.BC.empty()) names.push_back(row.BC);
@@ -138,7 +139,8 @@ void MixColorsForm::Listen() {
     FocusSets();
   });
   connect(tabs_, &QTabWidget::currentChanged, this, [this] {
-    if (work_ && work_->rowId == 0) inventory_->TakeCosts(ReadFields().PurchaseCost, ingredients_->Totals().BasicCost);
+    if (work_ && work_->rowId == 0)
+      inventory_->TakeCosts(TypedText(ReadFields().typed, "PurchaseCost"), ingredients_->Totals().BasicCost);
   });
   connect(inventory_, &InventoryPanel::Changed, this, [this] { Changed(); });
   connect(measurements_, &MeasurementsPanel::Changed, this, [this] { Changed(); });
@@ -234,10 +236,11 @@ void MixColorsForm::Clear() {
   sets_->Show({});
   sets_->New().Empty();
   sets_->ShowChosen();
+  bound_.Clear();
   details_->Clear();
   inventory_->Reset();
   measurements_->Clear();
-  notes_->Clear();
+  notes_->Show({});
   MarkClean();
 }
 
@@ -271,9 +274,10 @@ void MixColorsForm::Show(const MixColor& mix, FormulaWork work, bool keepTyped) 
   if (name_->Text() != mix.Color_Name) name_->SetText(mix.Color_Name);
   ingredients_->Show(*work_, keepRecipe);
   if (!keepRecipe) sets_->Show(work_->AddSetName);
-  details_->Show(*work_, mix, keepTyped);
+  bound_.Put(*work_, keepTyped);
+  details_->Show(mix, keepTyped);
   if (!keepRecipe && mix.rowId != 0) ingredients_->ShowStored(StoredTotals(session, mix));
-  notes_->Show(mix.Color_Name, work_->Notes, keepTyped);
+  notes_->Show(mix.Color_Name);
   isModified_ = mix.rowId != 0 && IsFormulaModified(session, mix.Color_Name);
   batchUses_ = mix.rowId != 0 && windows.IsFormulaInUse(mix.Color_Name);
 }
@@ -367,9 +371,8 @@ void MixColorsForm::ExternalUpdateBatchNotes() {
 FormulaWork MixColorsForm::ReadFields() const {
   FormulaWork work = work_.value_or(FormulaWork{});
   ingredients_->ReadInto(work);
-  details_->ReadInto(work);
+  bound_.Take(work);
   work.AddSetName = sets_->Chosen();
-  work.Notes = notes_->Notes();
   work.AllowEditing = allowEditing_->isChecked();
   return work;
 }

@@ -3,6 +3,7 @@
 #include <optional>
 
 #include "core/colors/formula_work.h"
+#include "desktop/kit/bound_fields.h"
 #include "desktop/kit/window.h"
 
 namespace vellumark::desktop {
@@ -94,6 +95,7 @@ class MixColorsForm : public Window {
 
   std::optional<FormulaWork> work_;  ///< empty while the window is; its fields as they were loaded
 
+  BoundFields bound_;
   NameBox* name_ = nullptr;
   SwatchView* ink_ = nullptr;
   QLabel* state_ = nullptr;

@@ -2,65 +2,28 @@
 
 #include <utility>
 
-#include "core/base/units.h"
-#include "core/colors/amounts.h"
 #include "core/inventory/color_stock.h"
-#include "desktop/kit/amount_field.h"
 #include "desktop/kit/record_fields.h"
 #include "desktop/kit/text.h"
 #include "desktop/kit/window_list.h"
 
 namespace vellumark::desktop {
-namespace {
-
-constexpr int kCostChars = 9;
-
-}  // namespace
-
-MixDetailsPanel::MixDetailsPanel(FormHost& host, Form form, SwatchView& ink, std::function<bool()> shown)
+MixDetailsPanel::MixDetailsPanel(FormHost& host, Form form, BoundFields& bound, SwatchView& ink)
     : QObject(&host.Self()), host_(host) {
   std::vector<Form> columns = form.Columns(2);
-  BuildFigures(columns[0], shown);
+  BuildFigures(columns[0], bound);
   BuildRecord(columns[1], ink);
 }
 
-void MixDetailsPanel::BuildFigures(Form& form, const std::function<bool()>& shown) {
-  const auto figure = [&](const char* name, AmountKey key, const char* column, int chars) {
-    NumberField* field = form.Number(name, DecimalsOf(host_.session, key), tr("0 to 99999"), chars);
-    MakeAmountField(host_, *field, key, column, shown);
-    return field;
-  };
-  const auto hint = [&](const QString& words) {
-    QLabel* label = form.Hint({});
-    unitHints_.emplace_back(label, words);
-    return label;
-  };
-  form.Row(tr("Color &code"), code_ = form.Text("txtColorCode", TextRule::Any(host_.session.NameLength)));
-  code_->Means("Color_Code");
-  form.Row(recycle_ = form.Check("chkRecycle", tr("May be rec&ycled")));
-  recycle_->Means("Recycle");
-  reorder_ = figure("txtReorder", AmountKey::Reorder, "Reorder", 10);
-  form.Row(tr("&Reorder point"), {reorder_, hint("%1")});
-  cost_ = figure("txtPurchaseCost", AmountKey::Currency, "PurchaseCost", kCostChars);
-  const bool priceBlocked = host_.session.Perm_Costs == 0;
-  cost_->setVisible(!priceBlocked);
-  QLabel* behindCost = priceBlocked ? form.Hint(tr("User Permissions - Price Blocked")) : hint(tr("per %1"));
-  behindCost->setObjectName("lblPriceBlocked");
+void MixDetailsPanel::BuildFigures(Form& form, BoundFields& bound) {
   basicCost_ = form.Hint({}, "lblDetailBasicCost");
-  basicCost_->setVisible(!priceBlocked);
-  form.Row(tr("&Purchase cost"), {cost_, behindCost, basicCost_});
-  voc_ = figure("txtVOC", AmountKey::VOC, "VOC", 10);
-  form.Row(tr("&VOC"), {voc_, hint(tr("per %1")), basicVOC_ = form.Hint({}, "lblDetailVOCBasics")});
-  hap_ = figure("txtHAP", AmountKey::HAP, "HAP", 10);
-  form.Row(tr("&HAP"), {hap_, hint(tr("per %1")), basicHAP_ = form.Hint({}, "lblDetailHAPBasics")});
+  basicVOC_ = form.Hint({}, "lblDetailVOCBasics");
+  basicHAP_ = form.Hint({}, "lblDetailHAPBasics");
+  figures_ = new FigureFields(host_, form, bound, "Recycle", form.Check("chkRecycle", tr("May be rec&ycled")),
+                              {basicCost_, basicVOC_, basicHAP_});
   if (host_.windows.Knows("UnitCostAccuracyForm"))
     form.Row(form.Link("cmdUnitCostAccuracy", tr("Decimals of costs ..."),
                        [this] { host_.windows.RunDialog("UnitCostAccuracyForm"); }));
-  Relabel();
-}
-
-void MixDetailsPanel::Relabel() {
-  for (const auto& [label, words] : unitHints_) label->setText(words.arg(Q(UnitName(host_.session.UMI))));
 }
 
 void MixDetailsPanel::BuildRecord(Form& form, SwatchView& ink) {
@@ -73,13 +36,7 @@ void MixDetailsPanel::BuildRecord(Form& form, SwatchView& ink) {
   form.Row(tr("Last produced"), produced_ = form.Label("lblLastProduced"));
 }
 
-void MixDetailsPanel::Show(const FormulaWork& work, const MixColor& mix, bool keepTyped) {
-  Put(*code_, work.Color_Code, keepTyped);
-  Put(*recycle_, work.Recycle, keepTyped);
-  Put(*reorder_, work.Reorder, keepTyped);
-  Put(*cost_, work.PurchaseCost, keepTyped);
-  Put(*voc_, work.VOC, keepTyped);
-  Put(*hap_, work.HAP, keepTyped);
+void MixDetailsPanel::Show(const MixColor& mix, bool keepTyped) {
   swatch_->Show(mix.book, keepTyped);
   const QString none = DateText(std::nullopt);
   const QString guide = Q(GuideCaption(mix.Color_Name, mix.book));
@@ -93,23 +50,10 @@ void MixDetailsPanel::Show(const FormulaWork& work, const MixColor& mix, bool ke
 }
 
 void MixDetailsPanel::Clear() {
-  for (TextField* field : {static_cast<TextField*>(reorder_), static_cast<TextField*>(cost_),
-                           static_cast<TextField*>(voc_), static_cast<TextField*>(hap_), code_})
-    Put(*field, "", false);
-  Put(*recycle_, false, false);
   swatch_->Clear();
   for (QLabel* label : {guide_, page_, row_, entered_, modified_, produced_, basicCost_, basicVOC_, basicHAP_})
     label->clear();
   isLow_ = false;
-}
-
-void MixDetailsPanel::ReadInto(FormulaWork& work) const {
-  work.Color_Code = code_->Text();
-  work.Recycle = recycle_->isChecked();
-  work.Reorder = reorder_->Text();
-  work.PurchaseCost = cost_->Text();
-  work.VOC = voc_->Text();
-  work.HAP = hap_->Text();
 }
 
 void MixDetailsPanel::ShowTotals(const LiveTotals& totals) {

@@ -10,10 +10,10 @@
 
 namespace vellumark::desktop {
 
-MixNotesPanel::MixNotesPanel(FormHost& host, TabSet& tabs, Ingredients ingredients)
+MixNotesPanel::MixNotesPanel(FormHost& host, TabSet& tabs, BoundFields& bound, Ingredients ingredients)
     : QObject(&host.Self()), host_(host), tabs_(tabs.Widget()), ingredients_(std::move(ingredients)) {
   Form page = tabs.Page(tr("Notes"), "TabNotes");
-  page.Wide(notes_ = page.Note("txtNotes", 6), 1);
+  page.Wide(notes_ = bound.Bind("Notes", page.Note("txtNotes", 6)), 1);
   notes_->setAccessibleName(tr("Notes"));
   ofIngredients_ = ReadOnly(tabs.Page(tr("Ingredient notes"), "TabIngNotes"), "txtIngNotes", tr("Ingredient notes"));
   ofBatches_ = ReadOnly(tabs.Page(tr("Batch notes"), "TabBatchNotes"), "txtBatchNotes", tr("Batch notes"));
@@ -30,15 +30,10 @@ QPlainTextEdit* MixNotesPanel::ReadOnly(Form form, const QString& name, const QS
   return text;
 }
 
-void MixNotesPanel::Show(const std::string& colorName, const std::string& notes, bool keepTyped) {
+void MixNotesPanel::Show(const std::string& colorName) {
   colorName_ = colorName;
-  Put(*notes_, notes, keepTyped);
   IngredientsChanged();
   BatchesChanged();
-}
-
-void MixNotesPanel::Clear() {
-  Show({}, {}, false);
 }
 
 bool MixNotesPanel::HasNotes() const {

@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "desktop/kit/bound_fields.h"
 #include "desktop/kit/form.h"
 
 namespace vellumark::desktop {
@@ -17,11 +18,11 @@ class MixNotesPanel : public QObject {
  public:
   using Ingredients = std::function<std::vector<std::string>()>;
 
-  MixNotesPanel(FormHost& host, TabSet& tabs, Ingredients ingredients);
+  /// The formula's own notes go to `bound`.
+  MixNotesPanel(FormHost& host, TabSet& tabs, BoundFields& bound, Ingredients ingredients);
 
-  void Show(const std::string& colorName, const std::string& notes, bool keepTyped);
-  void Clear();
-  std::string Notes() const { return notes_->Text(); }
+  /// The other two pages, of that formula; of none when the name is empty.
+  void Show(const std::string& colorName);
   bool HasNotes() const;
   /// Read again what stands on the page in front, the other one when it comes to the front.
   void IngredientsChanged();

@@ -43,7 +43,12 @@ bool IsCommand(const QWidget& to) {
 }  // namespace
 
 AdjustInventoryForm::AdjustInventoryForm(WindowList& windowList)
-    : Window(windowList, "AdjustInventoryForm", tr("Inventory")) {
+    : Window(windowList, "AdjustInventoryForm", tr("Inventory")),
+      bound_(MixFields(), [this](NumberField& control, const RecordField& field) {
+        if (KeepToRight(*this, control, *field.amount, field.column))
+          connect(&control, &TextField::Left, this,
+                  [this, &control, &field](QWidget* to) { FigureLeft(control, field, to); });
+      }) {
   setWindowIcon(Icon("Inventory"));
   Form form(*this);
   const NameSource names{
@@ -106,13 +111,8 @@ void AdjustInventoryForm::BuildSettings(Form form) {
       columns[1].Button("cmdAdjustReorder", tr("Adjust reorder poin&t ..."), [this] { OpenReorderPoint(); }));
 }
 
-NumberField* AdjustInventoryForm::Figure(Form& form, const char* name, StockFigure figure, const char* column) {
-  NumberField* field = form.Number(name, 3, tr("0 to 99999"), figure == StockFigure::PurchaseCost ? kCostChars : 10);
-  field->Means(column);
-  const AmountKey key = KeyOf(figure);
-  if (KeepToRight(*this, *field, key, column))
-    connect(field, &TextField::Left, this, [this, field, figure](QWidget* to) { FigureLeft(*field, figure, to); });
-  return field;
+NumberField* AdjustInventoryForm::Figure(Form& form, const char* name, const char* column, int chars) {
+  return bound_.Bind(column, form.Number(name, 3, tr("0 to 99999"), chars));
 }
 
 void AdjustInventoryForm::BuildRecord(Form form) {
@@ -121,10 +121,13 @@ void AdjustInventoryForm::BuildRecord(Form form) {
     captions_.emplace_back(label, caption);
     return label;
   };
-  form.Row(tr("Color code"), code_ = form.Text("txtColorCode", TextRule::Any(session.NameLength)));
-  code_->setMinimumWidth(kTextWidth);
-  code_->Means("Color_Code");
-  row(tr("Reorder Point"), {reorder_ = Figure(form, "txtReorder", StockFigure::Reorder, "Reorder")});
+  const auto text = [&](const QString& caption, const char* column, const char* name, int length) {
+    TextField* field = bound_.Bind(column, form.Text(name, TextRule::Any(length)));
+    form.Row(caption, field);
+    field->setMinimumWidth(kTextWidth);
+  };
+  text(tr("Color code"), "Color_Code", "txtColorCode", session.NameLength);
+  row(tr("Reorder Point"), {Figure(form, "txtReorder", "Reorder")});
   // What the ingredients of a formula come to stands behind each of its own figures.
   const auto pair = [&](const QString& caption, std::initializer_list<QWidget*> own, const QString& behind,
                         const char* name) {
@@ -146,24 +149,19 @@ void AdjustInventoryForm::BuildRecord(Form form) {
     line.front()->setAccessibleName(caption);
     return value;
   };
-  cost_ = Figure(form, "txtPurchaseCost", StockFigure::PurchaseCost, "PurchaseCost");
+  NumberField* cost = Figure(form, "txtPurchaseCost", "PurchaseCost", kCostChars);
   const bool priceBlocked = session.Perm_Costs == 0;
-  cost_->setVisible(!priceBlocked);
+  cost->setVisible(!priceBlocked);
   QLabel* blocked = form.Hint(tr("User Permissions - Price Blocked"), "lblPriceBlocked");
   blocked->setVisible(priceBlocked);
-  basicCost_ = pair(tr("Purchase Cost"), {cost_, blocked}, tr("Basic Cost"), "lblBasicCost");
+  basicCost_ = pair(tr("Purchase Cost"), {cost, blocked}, tr("Basic Cost"), "lblBasicCost");
   basicCostCaption_ = captions_[captions_.size() - 2].first;
-  voc_ = Figure(form, "txtVOC", StockFigure::VOC, "VOC");
-  vocBasics_ = pair(tr("VOC"), {voc_}, tr("VOC - Basics"), "lblVOCBasics");
-  hap_ = Figure(form, "txtHAP", StockFigure::HAP, "HAP");
-  hapBasics_ = pair(tr("HAP"), {hap_}, tr("HAP - Basics"), "lblHAPBasics");
-  recycle_ = form.Check("chkRecycle", tr("Recyclable"));
-  form.Row(recycle_);
-  formulaOnly_.push_back(recycle_);
-  form.Row(tr("Inventory note"), note_ = form.Text("txtInvNote", TextRule::Any(kNoteLength)));
-  note_->setMinimumWidth(kTextWidth);
-  note_->Means("Inv_Note");
-  form.Row(tr("Notes"), notes_ = form.Note("txtNotes", 2));
+  vocBasics_ = pair(tr("VOC"), {Figure(form, "txtVOC", "VOC")}, tr("VOC - Basics"), "lblVOCBasics");
+  hapBasics_ = pair(tr("HAP"), {Figure(form, "txtHAP", "HAP")}, tr("HAP - Basics"), "lblHAPBasics");
+  formulaOnly_.push_back(bound_.Bind("Recycle", form.Check("chkRecycle", tr("Recyclable"))));
+  form.Row(formulaOnly_.back());
+  text(tr("Inventory note"), "Inv_Note", "txtInvNote", kNoteLength);
+  form.Row(tr("Notes"), bound_.Bind("Notes", form.Note("txtNotes", 2)));
   Relabel();
 }
 
@@ -258,21 +256,17 @@ void AdjustInventoryForm::ShowColor(ColorKind kind, const std::string& name) {
 }
 
 void AdjustInventoryForm::ShowFields(const StockRecord& record, bool keepTyped) {
-  Put(*code_, record.Color_Code, keepTyped);
-  Put(*reorder_, record.Reorder, keepTyped);
-  Put(*cost_, record.PurchaseCost, keepTyped);
-  Put(*voc_, record.VOC, keepTyped);
-  Put(*hap_, record.HAP, keepTyped);
-  Put(*note_, record.Inv_Note, keepTyped);
-  Put(*notes_, record.Notes, keepTyped);
-  Put(*recycle_, record.Recycle, keepTyped);
-  basicCost_->SetText(record.BasicCost);
-  vocBasics_->SetText(record.VOCBasics);
-  hapBasics_->SetText(record.HAPBasics);
+  bound_.Put(record, keepTyped);
+  const auto rolledUp = [&](AmountKey key, float value) {
+    return record.kind == ColorKind::Mix ? AmountText(session, key, value) : std::string();
+  };
+  basicCost_->SetText(rolledUp(AmountKey::Currency, record.BasicCost));
+  vocBasics_->SetText(rolledUp(AmountKey::VOC, record.BasicVOC));
+  hapBasics_->SetText(rolledUp(AmountKey::HAP, record.BasicHAP));
   if (!record_) return;
   name_->SetText(record.Color_Name);
   kind_->setText(record.kind == ColorKind::Mix ? tr("Master Formula") : tr("Basic Color"));
-  ink_->Show(QColor(record.Red, record.Green, record.Blue));
+  ink_->Show(QColor(record.book.Red, record.book.Green, record.book.Blue));
   isLow_ = IsBelowReorder(session, record.kind, record.Color_Name);
 }
 
@@ -314,14 +308,7 @@ void AdjustInventoryForm::Reload() {
 
 StockRecord AdjustInventoryForm::Read() const {
   StockRecord record = *record_;
-  record.Color_Code = code_->Text();
-  record.Reorder = reorder_->Text();
-  record.PurchaseCost = cost_->Text();
-  record.VOC = voc_->Text();
-  record.HAP = hap_->Text();
-  record.Inv_Note = note_->Text();
-  record.Notes = notes_->Text();
-  record.Recycle = recycle_->isChecked();
+  bound_.Take(record);
   return record;
 }
 
@@ -366,10 +353,10 @@ void AdjustInventoryForm::ImgInvLow_Click() {
   session.prompt.Tell(U8(tr("Inventory")), U8(tr("Inventory is below Reorder amount.")));
 }
 
-void AdjustInventoryForm::FigureLeft(NumberField& field, StockFigure figure, QWidget* to) {
+void AdjustInventoryForm::FigureLeft(NumberField& control, const RecordField& field, QWidget* to) {
   if (!record_ || to == nullptr || !isAncestorOf(to) || qobject_cast<QPushButton*>(to) != nullptr) return;
-  const auto text = ReadStockFigure(session, figure, field.Text());
-  if (Accepted(text) && *text != field.Text()) field.SetText(*text);
+  const auto text = ReadStockFigure(session, field, control.Text());
+  if (Accepted(text) && *text != control.Text()) control.SetText(*text);
 }
 
 // ---- Settings

@@ -3,6 +3,7 @@
 #include <optional>
 
 #include "core/inventory/color_stock.h"
+#include "desktop/kit/bound_fields.h"
 #include "desktop/kit/window.h"
 #include "desktop/settings/inventory_settings_panel.h"
 
@@ -38,8 +39,8 @@ class AdjustInventoryForm : public Window {
   void BuildManual(QWidget& page);
   void BuildRecord(Form form);
   void BuildSettings(Form form);
-  NumberField* Figure(Form& form, const char* name, StockFigure figure, const char* column);
-  void FigureLeft(NumberField& field, StockFigure figure, QWidget* to);
+  NumberField* Figure(Form& form, const char* name, const char* column, int chars = 10);
+  void FigureLeft(NumberField& control, const RecordField& field, QWidget* to);
   void Relabel();
 
   void NameLeft(QWidget* to);
@@ -69,14 +70,7 @@ class AdjustInventoryForm : public Window {
   int tab_ = 0;
   InventoryPanel* panel_ = nullptr;
   std::optional<InventorySettingsPanel> settings_;
-  TextField* code_ = nullptr;
-  NumberField* reorder_ = nullptr;
-  NumberField* cost_ = nullptr;
-  NumberField* voc_ = nullptr;
-  NumberField* hap_ = nullptr;
-  CheckField* recycle_ = nullptr;
-  TextField* note_ = nullptr;
-  NoteField* notes_ = nullptr;
+  BoundFields bound_;
   ValueField* basicCost_ = nullptr;
   QLabel* basicCostCaption_ = nullptr;
   ValueField* vocBasics_ = nullptr;

@@ -103,7 +103,7 @@ void AdjustReorderForm::Reload() {
   kind_->setText(shown_->kind == ColorKind::Mix ? tr("Master Formula") : tr("Basic Color"));
   stock_->SetText(Fixed(TotalStock(session, shown_->kind, shown_->name), 3));
   if (!reorder_->IsDirty()) {
-    reorder_->SetText(record->Reorder);
+    reorder_->SetText(TypedText(record->typed, "Reorder"));
     reorder_->MarkClean();
   }
   Changed();

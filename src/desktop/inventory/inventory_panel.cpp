@@ -276,10 +276,6 @@ void InventoryPanel::RowChosen(int row) {
   Q_EMIT Changed();
 }
 
-bool InventoryPanel::HasUnfinishedEntry() const {
-  return work_ && IsBuilt() && entry_->IsTouched();
-}
-
 // ---- Adjusting
 
 void InventoryPanel::Update() {

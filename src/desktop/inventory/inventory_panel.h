@@ -48,8 +48,6 @@ class InventoryPanel : public QObject {
 
   /// The list differs from the file.
   bool IsChanged() const { return changed_; }
-  /// A quantity stands in the adjust field, or something else was typed there.
-  bool HasUnfinishedEntry() const;
   /// What stands in the adjust field, for AskUnfinishedWork.
   std::string AdjustText() const { return work_ && IsBuilt() ? entry_->QuantityText() : std::string(); }
   /// The list to be saved; nothing when it was not changed.

@@ -58,10 +58,6 @@ class InkIconEngine final : public QIconEngine {
 
 }  // namespace
 
-bool HasIcon(const QString& name) {
-  return QFile::exists(PathOf(name));
-}
-
 IconView::IconView(const QString& iconName, int size, const QString& objectName) : icon_(Icon(iconName)) {
   setFixedSize(size, size);
   setObjectName(objectName);

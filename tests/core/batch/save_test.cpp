@@ -121,8 +121,9 @@ TEST(BatchSave, NewBatchesTakeTheirDefaults) {
   EXPECT_EQ(room.record.fields.LotNumber, "000001");
   EXPECT_EQ(room.record.fields.UD_Text[1], "Press 2");
   EXPECT_EQ(room.record.returned, 0);
-  EXPECT_EQ(EnterUDNumeric(room.session, room.record, 0, "1.005").value(), "1.01");
-  EXPECT_FALSE(EnterUDNumeric(room.session, room.record, 0, "1,5"));
+  EXPECT_TRUE(EnterBatchField(room.session, room.record, "UD_Numeric0", "1.005"));
+  EXPECT_EQ(room.record.fields.UD_Numeric[0], 1.01F);
+  EXPECT_FALSE(EnterBatchField(room.session, room.record, "UD_Numeric0", "1,5"));
   room.Save();
   EXPECT_EQ(room.OfBatch("UD_Numeric0").Single(), 1.01F);
   EXPECT_EQ(room.Scalar("SELECT COUNT(*) FROM INK_Mix_LotInv").Whole(), 0);

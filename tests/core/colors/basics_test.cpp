@@ -77,20 +77,14 @@ TEST(Basics, NumbersOutOfRange) {
 TEST(Basics, SaveChecksInOrderAndMarksWhatChanged) {
   InkRoom room;
   BasicWork work = NewBasicWork(room.session, "RED");
-  work.Reorder = "x";
-  work.PurchaseCost = "x";
-  work.VOC = "x";
-  work.HAP = "x";
-  for (const auto& [field, text] : {std::pair{"Reorder", &work.Reorder},
-                                    {"PurchaseCost", &work.PurchaseCost},
-                                    {"VOC", &work.VOC},
-                                    {"HAP", &work.HAP}}) {
+  for (auto& [field, text] : work.typed) text = "x";
+  for (const char* field : {"Reorder", "PurchaseCost", "VOC", "HAP"}) {
     EXPECT_EQ(SaveBasic(room.session, work).error().field, field);
-    *text = "1";
+    work.typed[field] = "1";
   }
   work.Notes = "  first\r\n\r\n";
   ASSERT_TRUE(SaveBasic(room.session, work));
-  EXPECT_EQ(work.PurchaseCost, "1.00");
+  EXPECT_EQ(work.typed["PurchaseCost"], "1.00");
   const auto stored = ReadBasic(room.session, "red");
   ASSERT_TRUE(stored);
   EXPECT_EQ(stored->Notes, "first");
@@ -99,8 +93,8 @@ TEST(Basics, SaveChecksInOrderAndMarksWhatChanged) {
   EXPECT_EQ(stored->book, BookData{});
   EXPECT_FALSE(room.session.CostChanged);
 
-  work.PurchaseCost = "1";  // the same figure
-  work.VOC = "1.5";
+  work.typed["PurchaseCost"] = "1";  // the same figure
+  work.typed["VOC"] = "1.5";
   std::vector<Change> told;
   const auto subscription = room.session.changes.Subscribe([&](const auto& changes) { told = changes; });
   ASSERT_TRUE(SaveBasic(room.session, work));
@@ -118,7 +112,7 @@ TEST(Basics, SaveChecksInOrderAndMarksWhatChanged) {
   EXPECT_TRUE(std::exchange(room.session.CostChanged, false));
   room.Mix("WAITING", {{"GREEN", 100}});
   BasicWork green = NewBasicWork(room.session, "GREEN");
-  green.PurchaseCost = "3";
+  green.typed["PurchaseCost"] = "3";
   ASSERT_TRUE(SaveBasic(room.session, green));
   EXPECT_TRUE(room.session.CostChanged);
 
@@ -133,14 +127,14 @@ TEST(Basics, RightsGuardCostAndEmission) {
   room.session.Perm_Costs = 1;
   room.session.Perm_VOCHAP = 0;
   const struct {
-    std::string BasicWork::*field;
+    const char* field;
     const char* text;
-  } cases[] = {{&BasicWork::PurchaseCost, "ANNA, you do not have permission to change costs."},
-               {&BasicWork::VOC, "ANNA, you do not have permission to change VOC Values."},
-               {&BasicWork::HAP, "ANNA, you do not have permission to change HAP Values."}};
+  } cases[] = {{"PurchaseCost", "ANNA, you do not have permission to change costs."},
+               {"VOC", "ANNA, you do not have permission to change VOC Values."},
+               {"HAP", "ANNA, you do not have permission to change HAP Values."}};
   for (const auto& c : cases) {
     BasicWork work = LoadBasicWork(room.session, *ReadBasic(room.session, "RED"));
-    work.*c.field = "9";
+    work.typed[c.field] = "9";
     const auto saved = SaveBasic(room.session, work);
     ASSERT_FALSE(saved);
     EXPECT_EQ(saved.error().title, "Permission Denied");

@@ -96,7 +96,7 @@ TEST(LotReferences, FiftyThousandLotsAreNoBurden) {
   {
     Transaction transaction(room.session.File());
     for (int i = 1; i <= 500; ++i) {
-      const std::int32_t ref = NextLotRefID_Basic(room.session, "RED");
+      const std::int32_t ref = NextLotRefID(room.session, ColorKind::Basic, "RED");
       ASSERT_EQ(ref, 50000 + i);
       room.Lot(ColorKind::Basic, "RED", ref, 1);
     }
@@ -112,7 +112,7 @@ TEST(LotReferences, AFullColourGrantsNone) {
   room.FillLots(ColorKind::Mix, "FULL", 999998);
 
   const std::clock_t start = std::clock();
-  EXPECT_EQ(NextLotRefID_Mix(room.session, "FULL"), -1);
+  EXPECT_EQ(NextLotRefID(room.session, ColorKind::Mix, "FULL"), -1);
   EXPECT_LT((std::clock() - start) / CLOCKS_PER_SEC, 5);  // processor time
   EXPECT_EQ(room.Scalar("SELECT LotRefID FROM INK_Mix").Whole(), 999998);
 
@@ -124,7 +124,7 @@ TEST(LotReferences, AFullColourGrantsNone) {
 
   made.source = PostingSource::ScanReturn;
   EXPECT_EQ(PostStock(room.session, made).outcome, PostingResult::Outcome::NoLotReference);
-  EXPECT_EQ(UnlottedQty_Mix(room.session, "FULL"), 6.0F);
+  EXPECT_EQ(UnlottedQty(room.session, ColorKind::Mix, "FULL"), 6.0F);
 
   InventoryWork work = LoadInventory(room.session, ColorKind::Mix, "FULL");
   AdjustFields fields = ClearedFields(room.session, work);
@@ -141,7 +141,7 @@ TEST(LotReferences, AFullColourGrantsNone) {
   EXPECT_EQ(room.Scalar("SELECT COUNT(*) FROM INK_Mix_LotInv").Whole(), 999998);
 
   room.session.File().Execute("DELETE FROM INK_Mix_LotInv WHERE LotRefID = 500000");
-  EXPECT_EQ(NextLotRefID_Mix(room.session, "FULL"), 500000);
+  EXPECT_EQ(NextLotRefID(room.session, ColorKind::Mix, "FULL"), 500000);
 }
 
 TEST(Lots, SumsAndValuesByOwner) {
@@ -208,7 +208,7 @@ TEST(Lots, OfAnotherDatabase) {
             {{"Color_Name", "RED"}, {"Inventory", 3.0F}, {"LotRefID", 1}});
   EXPECT_EQ(TotalStock(room.session, ColorKind::Basic, "RED", "WEB 2"), 7.0F);
   EXPECT_EQ(TotalStock(room.session, ColorKind::Basic, "RED"), 0.0F);
-  EXPECT_EQ(NextLotRefID_Basic(room.session, "RED", "WEB 2"), 2);
+  EXPECT_EQ(NextLotRefID(room.session, ColorKind::Basic, "RED", "WEB 2"), 2);
 }
 
 }  // namespace

@@ -210,7 +210,7 @@ TEST(EndOrder, AFileWhoseDatabaseCannotBeOpenedStays) {
   EXPECT_EQ(start.session.CurrentDatabase, "INK");
   EXPECT_TRUE(start.session.RecordsetsOpen);
   EXPECT_FALSE(start.session.LoadingDatabase);
-  EXPECT_EQ(start.session.BasicRS->RecordCount(), 0) << "still there to be read";
+  EXPECT_EQ(CountRows(start.session.File(), start.session.CurrentDatabase).basics, 0) << "still there to be read";
   EndSession(start.session, start.windows);
   // The one that the file opens with is broken.
   {
@@ -310,7 +310,8 @@ TEST(Opening, WhatASessionThatDiedLeftPendingIsDone) {
     CreateEmptyDatabase(*file, "BETA");
     StoreCurrentDatabase(*file, "INK");
     for (const std::string database : {"INK", "BETA"}) {
-      file->Execute("INSERT INTO " + database + "_Basic (Color_Name, PurchaseCost, VOC, HAP) VALUES ('RED', 8.125, 0, 0)");
+      file->Execute("INSERT INTO " + database +
+                    "_Basic (Color_Name, PurchaseCost, VOC, HAP) VALUES ('RED', 8.125, 0, 0)");
       file->Prepare("INSERT INTO " + database +
                     "_Mix (Color_Name, BC0, BQ0, Color_Set, BasicCost, BasicVOC, BasicHAP) VALUES ('PINK', 'RED', 100, "
                     "'<RED>', ?, 0, 0)")
@@ -321,7 +322,7 @@ TEST(Opening, WhatASessionThatDiedLeftPendingIsDone) {
   OpenDataFile(session, start.windows);
   ASSERT_TRUE(ChangeDatabase(session, "BETA"));
   BasicWork work = LoadBasicWork(session, *ReadBasic(session, "RED"));
-  work.PurchaseCost = "9";
+  work.typed["PurchaseCost"] = "9";
   ASSERT_TRUE(SaveBasic(session, work));
   ASSERT_TRUE(RenameDatabase(session, "BETA", "GAMMA"));
   ASSERT_TRUE(CopyDatabase(session, "GAMMA", "COPY"));
@@ -358,7 +359,7 @@ TEST(Opening, ANewFileGetsItsFirstDatabaseAndACopyIsReadOnly) {
   OpenDataFile(start.session, start.windows);
   EXPECT_EQ(start.session.CurrentDatabase, "PANTONE");
   EXPECT_TRUE(start.session.RecordsetsOpen);
-  EXPECT_EQ(start.session.BasicRS->RecordCount(), 0);
+  EXPECT_EQ(CountRows(start.session.File(), start.session.CurrentDatabase).basics, 0);
   EXPECT_TRUE(fs::is_directory(start.options.folders.program / "Converted"));
   CreateEmptyDatabase(start.session.File(), "FLEXO");
   start.session.databaseList.push_back("FLEXO");
@@ -432,7 +433,7 @@ TEST(Opening, TheFirstDatabaseIsOfTheFirstGuidesWhereThereIsATemplate) {
   OpenDataFile(start.session, start.windows);
   EXPECT_EQ(start.session.CurrentDatabase, "PANTONE");
   EXPECT_EQ(start.session.databaseList, (std::vector<std::string>{"PANTONE"}));
-  EXPECT_EQ(start.session.MixRS->RecordCount(), 308);
+  EXPECT_EQ(CountRows(start.session.File(), start.session.CurrentDatabase).formulas, 308);
   EXPECT_EQ(ReadFileInfo(start.session.File()).currentDB, "PANTONE");
   EXPECT_NE(start.session.Disclaimer, "");
   EXPECT_TRUE(start.session.templateDB);
@@ -440,7 +441,7 @@ TEST(Opening, TheFirstDatabaseIsOfTheFirstGuidesWhereThereIsATemplate) {
   // The formulas stay when the template goes, the book's texts and tests do not.
   fs::remove(program / "pdbt.vkt");
   OpenDataFile(start.session, start.windows);
-  EXPECT_EQ(start.session.MixRS->RecordCount(), 308);
+  EXPECT_EQ(CountRows(start.session.File(), start.session.CurrentDatabase).formulas, 308);
   EXPECT_EQ(start.session.Disclaimer, "");
   EXPECT_FALSE(start.session.templateDB);
   CloseDataFile(start.session, start.windows);
@@ -482,7 +483,7 @@ TEST(Opening, WithoutAUsableTemplateTheFirstDatabaseIsEmptyAndTheOperatorIsTold)
     OpenDataFile(start.session, start.windows);
     EXPECT_EQ(start.session.databaseList, (std::vector<std::string>{"PANTONE"})) << does;
     EXPECT_EQ(start.session.CurrentDatabase, "PANTONE");
-    EXPECT_EQ(start.session.MixRS->RecordCount() == 0, told) << does;
+    EXPECT_EQ(CountRows(start.session.File(), start.session.CurrentDatabase).formulas == 0, told) << does;
     EXPECT_EQ(start.session.FullName, told ? "Custom Database" : "Sample guides (invented colors)");
     if (told) {
       EXPECT_NE(start.prompt.last.text.find(c.says), std::string::npos) << start.prompt.last.text;

@@ -276,8 +276,8 @@ TEST_F(AdjustInventoryTest, DatesOfLotsComeFromTheCalendarUnlessABatchGaveThem) 
   Fill(*form, "AdjustInv", "1");
   PressOn(Qt::Key_F5);
   PressOn(Qt::Key_S, Qt::ControlModifier);
-  EXPECT_EQ(GetLotDate_Mix(session, "PINK", 1), "2026-01-16");
-  EXPECT_EQ(GetLotDate_Mix(session, "PINK", 2), "2026-01-15");
+  EXPECT_EQ(GetLotDate(session, ColorKind::Mix, "PINK", 1), "2026-01-16");
+  EXPECT_EQ(GetLotDate(session, ColorKind::Mix, "PINK", 2), "2026-01-15");
 }
 
 TEST_F(AdjustInventoryTest, AnotherWindowsSaveIsShownAndNothingTypedIsLost) {
@@ -489,8 +489,8 @@ TEST_F(AdjustInventoryTest, CheckedRowsAreResetAtOnce) {
   Click(*form, "SelAll");
   prompt.Expect("Reset Dates", Answer::Yes, "Reset all Lotted Inv Dates ?");
   Click(*form, "cmdResetDate");
-  EXPECT_EQ(GetLotDate_Mix(session, "PINK", 1), "2026-03-10");
-  EXPECT_EQ(GetLotDate_Mix(session, "PINK", 2), "2026-01-15") << "a Batch dated it";
+  EXPECT_EQ(GetLotDate(session, ColorKind::Mix, "PINK", 1), "2026-03-10");
+  EXPECT_EQ(GetLotDate(session, ColorKind::Mix, "PINK", 2), "2026-01-15") << "a Batch dated it";
   Fill(*form, "cmbResetPrice", "-1");
   prompt.Expect("Invalid Amount - Price", Answer::Ok, "You must enter currency between\n0 and 99999");
   Click(*form, "cmdResetPrice");
