@@ -3,7 +3,6 @@
 #include <fmt/format.h>
 
 #include <algorithm>
-#include <csignal>
 #include <cstdio>
 #include <filesystem>
 #include <system_error>
@@ -13,6 +12,7 @@
 #include "cli/seams.h"
 #include "core/base/date.h"
 #include "core/base/number.h"
+#include "core/base/platform.h"
 #include "core/base/text.h"
 #include "core/colors/rollup.h"
 #include "core/datafile/lifecycle.h"
@@ -231,9 +231,9 @@ int RunChosen(const GlobalOptions& options, const Commands& commands) {
   }
 }
 
-/// The words of the command line. A number such as -.5, as some programs print it, would be taken for an option.
-std::vector<std::string> WordsOf(int argc, char** argv) {
-  std::vector<std::string> words(argv + 1, argv + argc);
+/// The words of the command line for its parser: a number such as -.5, as some programs print it, would be taken for an
+/// option.
+std::vector<std::string> Readable(std::vector<std::string> words) {
   for (std::size_t i = 0; i < words.size() && words[i] != "--"; ++i)
     if (words[i].starts_with("-.") && ParseNumber(words[i]) && (i == 0 || !words[i - 1].starts_with("--")))
       words[i].insert(1, 1, '0');
@@ -282,10 +282,7 @@ int Main(int argc, char** argv) {
   AddBatchCommands(app, commands);
   AddUsersCommands(app, commands);
   app.failure_message(UsageMessage);
-#ifdef SIGPIPE
-  std::signal(SIGPIPE, SIG_IGN);  // a reader that has gone is a failure like a full disk
-#endif
-  const std::vector<std::string> words = WordsOf(argc, argv);
+  const std::vector<std::string> words = Readable(platform::BeginProgram(argc, argv));
   try {
     app.parse(std::vector<std::string>(words.rbegin(), words.rend()));  // it takes them from the back
     RefuseBrackets(app, words);

@@ -1,11 +1,11 @@
 #include "cli/seams.h"
 
 #include <fmt/format.h>
-#include <unistd.h>
 
 #include <algorithm>
 #include <cstdio>
 
+#include "core/base/platform.h"
 #include "core/base/text.h"
 #include "core/session/users.h"
 
@@ -53,7 +53,7 @@ Answer OptionPrompt::Show(const Message& message) {
   throw UnansweredQuestion{message};
 }
 
-TerminalProgress::TerminalProgress() : terminal_(::isatty(STDERR_FILENO) == 1) {}
+TerminalProgress::TerminalProgress() : terminal_(platform::ErrorsAreTerminal()) {}
 
 void TerminalProgress::Begin(std::string_view text) {
   text_ = std::string(text);

@@ -1,14 +1,12 @@
 #include <fmt/format.h>
-#include <termios.h>
-#include <unistd.h>
 
-#include <cstdio>
 #include <iostream>
 #include <memory>
 
 #include "cli/frame.h"
 #include "core/base/files.h"
 #include "core/base/number.h"
+#include "core/base/platform.h"
 #include "core/base/text.h"
 #include "core/session/users.h"
 
@@ -18,41 +16,14 @@ namespace {
 // A new password never stands on the command line, where every process list shows it.
 constexpr const char* kNewPasswordFile = "File whose first line is the new password; - is standard input";
 
-/// Keeps a terminal from showing what is typed.
-class SilentTerminal {
- public:
-  SilentTerminal() {
-    shown_ = ::tcgetattr(STDIN_FILENO, &before_) == 0;
-    if (!shown_) return;
-    termios silent = before_;
-    silent.c_lflag &= ~static_cast<tcflag_t>(ECHO);
-    ::tcsetattr(STDIN_FILENO, TCSAFLUSH, &silent);
-  }
-  ~SilentTerminal() {
-    if (shown_) ::tcsetattr(STDIN_FILENO, TCSAFLUSH, &before_);
-  }
-  SilentTerminal(const SilentTerminal&) = delete;
-  SilentTerminal& operator=(const SilentTerminal&) = delete;
-
- private:
-  termios before_{};
-  bool shown_ = false;
-};
-
 std::string FirstLine(std::string_view text) {
   return std::string(text.substr(0, text.find_first_of("\r\n")));
 }
 
 std::string TypedLine(const char* question) {
+  if (platform::InputIsTerminal()) return FirstLine(platform::AskSilently(question));
   std::string line;
-  if (::isatty(STDIN_FILENO) == 0) {
-    std::getline(std::cin, line);
-    return FirstLine(line);
-  }
-  const SilentTerminal silent;
-  fmt::print(stderr, "{}", question);
   std::getline(std::cin, line);
-  fmt::print(stderr, "\n");
   return FirstLine(line);
 }
 
@@ -68,7 +39,7 @@ NewPassword ReadNewPassword(const std::string& file) {
   }
   NewPassword password;
   password.typed = TypedLine("New password: ");
-  password.repeated = ::isatty(STDIN_FILENO) == 0 ? password.typed : TypedLine("The same again: ");
+  password.repeated = platform::InputIsTerminal() ? TypedLine("The same again: ") : password.typed;
   return password;
 }
 

@@ -4,6 +4,8 @@
 #include <string>
 #include <string_view>
 
+#include "core/base/platform.h"
+
 namespace vellumark {
 
 /// The bytes of a whole file, or its first `most`. Throws Failure naming the file and the cause, also for what is no
@@ -12,10 +14,6 @@ std::string ReadFileBytes(const std::filesystem::path& path, std::size_t most = 
 
 /// The file that a path leads to through whatever links; where there is none yet, the place in its real folder.
 std::filesystem::path RealPath(const std::filesystem::path& path);
-
-/// Who may read a file that was not there before. In a folder that hands its group on, that group may read and write
-/// whatever is made there; elsewhere a file for the group is its owner's alone.
-enum class Readers { Everybody, Group };
 
 /// A file that is written beside the place that it takes when it is whole, so that a kill at any moment leaves what
 /// stood there or what was written. It has a name of its own, made exclusively, and is nobody's to read before. Links
@@ -45,7 +43,7 @@ class FileBeside {
   std::filesystem::path target_;
   std::filesystem::path path_;
   Readers readers_;
-  int fd_ = -1;
+  platform::OpenFile file_;
   bool placed_ = false;
 };
 
@@ -59,20 +57,17 @@ void RenameToFree(const std::filesystem::path& from, const std::filesystem::path
 /// in it too. Throws Failure naming it.
 void MakeFolder(const std::filesystem::path& folder);
 
-/// A file to hold a lock on, made where it is missing; the descriptor is the caller's. Never through a link.
-int OpenLockFile(const std::filesystem::path& path);
+/// A file to hold a lock on, made where it is missing. Never through a link.
+platform::OpenFile OpenLockFile(const std::filesystem::path& path);
 
 /// Keeps out every other process that takes the lock of the same folder, and waits for it. It goes with the process. On
 /// a file system that knows no locks it is none.
 class FolderLock {
  public:
   explicit FolderLock(const std::filesystem::path& folder);
-  ~FolderLock();
-  FolderLock(const FolderLock&) = delete;
-  FolderLock& operator=(const FolderLock&) = delete;
 
  private:
-  int fd_;
+  platform::OpenFile file_;
 };
 
 /// Makes the rename or removal of a file in `folder` last through a power cut.

@@ -3,6 +3,8 @@
 #include <ctime>
 #include <utility>
 
+#include "core/base/platform.h"
+
 namespace vellumark {
 
 void Prompt::Tell(std::string title, std::string text, Icon icon) {
@@ -14,9 +16,7 @@ bool Prompt::Ask(std::string title, std::string text, Answer defaultAnswer) {
 }
 
 DateTime SystemClock::Now() const {
-  const std::time_t seconds = std::time(nullptr);
-  std::tm local{};
-  localtime_r(&seconds, &local);
+  const std::tm local = platform::LocalTime(std::time(nullptr));
   return DateTime{local.tm_year + 1900, local.tm_mon + 1, local.tm_mday, local.tm_hour, local.tm_min, local.tm_sec};
 }
 

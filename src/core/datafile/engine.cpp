@@ -1,15 +1,10 @@
 #include "core/datafile/engine.h"
 
 #include <SQLiteCpp/SQLiteCpp.h>
-#include <fcntl.h>
 #include <fmt/format.h>
 #include <sqlite3.h>
-#include <sys/stat.h>
-#include <unistd.h>
 
-#include <cerrno>
 #include <cmath>
-#include <cstring>
 #include <exception>
 #include <fstream>
 #include <limits>
@@ -18,8 +13,8 @@
 #include <unordered_map>
 #include <utility>
 
-#include "core/base/byte_lock.h"
 #include "core/base/files.h"
+#include "core/base/platform.h"
 #include "core/base/refusal.h"
 #include "core/datafile/engine_keys.h"
 
@@ -55,22 +50,21 @@ std::string CauseInWords(int code, const char* message) {
 
 // A write needs a journal beside the file, which shows only at the first write: too late to tell the operator.
 bool FolderIsWritable(const std::filesystem::path& path) {
-  const std::filesystem::path folder = RealPath(path).parent_path();
-  return ::faccessat(AT_FDCWD, folder.c_str(), W_OK | X_OK, AT_EACCESS) == 0;
+  return !platform::Denied(RealPath(path).parent_path(), platform::Access::WriteIn);
 }
 
 using IdentityOfFile = std::pair<std::uint64_t, std::uint64_t>;
 
 // Which file stands at a path now; zeros where none does.
 IdentityOfFile IdentityOf(const std::filesystem::path& path) {
-  struct stat status {};
-  if (::stat(path.c_str(), &status) != 0) return {};
-  return {status.st_dev, status.st_ino};
+  std::error_code none;
+  const platform::FileState state = platform::StateOf(path, none);
+  return {state.device, state.identity};
 }
 
 // Whether the next opening takes the file as it stands, with no journal to go back by.
 bool JournalIsEmpty(const std::filesystem::path& path) {
-  std::ifstream journal(RealPath(path).string() + "-journal", std::ios::binary);
+  std::ifstream journal(RealPath(path) += "-journal", std::ios::binary);
   return journal.get() <= 0;
 }
 
@@ -80,7 +74,7 @@ std::string WhyNotOpened(const std::filesystem::path& path) {
   const std::filesystem::path folder = std::filesystem::absolute(path).parent_path();
   if (!std::filesystem::is_directory(folder, ignored)) return "cannot be opened: its folder does not exist";
   if (std::filesystem::exists(path, ignored)) {
-    if (::faccessat(AT_FDCWD, path.c_str(), R_OK, AT_EACCESS) != 0) return "cannot be opened: permission denied";
+    if (platform::Denied(path, platform::Access::Read)) return "cannot be opened: permission denied";
   } else if (!FolderIsWritable(path)) {
     return "cannot be written: there is no permission to write in its folder";
   }
@@ -137,32 +131,26 @@ std::string WhyNoFigure(sqlite3_stmt* statement, int column) {
 
 // The kernel takes the engine's lock away when this process closes any other descriptor of the file, as everybody does
 // who looks what kind of file it is: a file dialog, a command that was given it by mistake. The lock of a byte stays.
-class HeldDescriptor {
+class HeldFile {
  public:
-  HeldDescriptor() = default;
-  ~HeldDescriptor() {
-    if (descriptor_ >= 0) ::close(descriptor_);
-  }
-  HeldDescriptor(const HeldDescriptor&) = delete;
-  HeldDescriptor& operator=(const HeldDescriptor&) = delete;
-
   void Take(const std::filesystem::path& path) {
-    descriptor_ = ::open(path.c_str(), O_RDWR | O_CLOEXEC);
-    if (descriptor_ < 0) throw Failure(path.string(), std::strerror(errno));
-    if (!TakeByteLock(descriptor_, LockedByte::DataFile)) throw Failure(path.string(), CauseInWords(SQLITE_BUSY, ""));
+    std::error_code error;
+    file_ = platform::OpenExisting(path, platform::Opening::Write, error);
+    if (error) throw Failure(path.string(), error.message());
+    if (!platform::TakeByteLock(file_, LockedByte::DataFile))
+      throw Failure(path.string(), CauseInWords(SQLITE_BUSY, ""));
   }
 
  private:
-  int descriptor_ = -1;
+  platform::OpenFile file_;
 };
 
 // Asked before the engine opens the file: it would take a transaction at work for one that was left half done.
 void RequireNotHeld(const std::filesystem::path& path) {
-  const int descriptor = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
-  if (descriptor < 0) return;  // the engine tells why
-  const bool held = IsByteLocked(descriptor, LockedByte::DataFile);
-  ::close(descriptor);
-  if (held) throw Failure(path.string(), CauseInWords(SQLITE_BUSY, ""));
+  std::error_code error;  // of which the engine tells why
+  const platform::OpenFile file = platform::OpenExisting(path, platform::Opening::Read, error);
+  if (file && platform::IsByteLocked(file, LockedByte::DataFile))
+    throw Failure(path.string(), CauseInWords(SQLITE_BUSY, ""));
 }
 
 // The machine and process tell a person who it was; the number makes it one of its kind.
@@ -196,7 +184,7 @@ struct Statement::Compiled {
 
 struct Database::Engine {
   Engine(const std::string& path, int flags) : connection(path, flags) {}
-  HeldDescriptor held;  // before the connection, so that it closes after it
+  HeldFile held;  // before the connection, so that it closes after it
   SQLite::Database connection;
   std::unordered_map<std::string, std::vector<std::unique_ptr<Statement::Compiled>>> stored;
   std::size_t storedCount = 0;

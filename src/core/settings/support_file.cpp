@@ -1,31 +1,22 @@
 #include "core/settings/support_file.h"
 
-#include <sys/stat.h>
-#include <time.h>
-
-#include <cerrno>
-#include <cstring>
+#include <chrono>
+#include <system_error>
 #include <utility>
 
 #include "core/base/files.h"
+#include "core/base/platform.h"
 #include "core/base/refusal.h"
 
 namespace vellumark {
 namespace {
 
-constexpr std::int64_t kNanosecondsPerSecond = 1'000'000'000;
 // File times move in ticks of at most 10 ms. A file read within two ticks of its last change may be changed once more
 // without a new time, so its stamp proves nothing yet.
 constexpr std::int64_t kUnsettled = 20'000'000;
 
-std::int64_t Nanoseconds(const timespec& time) {
-  return time.tv_sec * kNanosecondsPerSecond + time.tv_nsec;
-}
-
-std::int64_t ClockNow(clockid_t clock) {
-  timespec now{};
-  ::clock_gettime(clock, &now);
-  return Nanoseconds(now);
+std::int64_t NanosecondsNow() {
+  return std::chrono::nanoseconds(std::chrono::system_clock::now().time_since_epoch()).count();
 }
 
 }  // namespace
@@ -34,10 +25,11 @@ SupportFile::SupportFile(std::filesystem::path path, RecordShape shape)
     : path_(std::move(path)), shape_(shape), records_(shape) {}
 
 bool SupportFile::Exists() const {
-  struct stat status {};
-  if (::stat(path_.c_str(), &status) == 0) return true;
-  if (errno == ENOENT || errno == ENOTDIR) return false;
-  throw Failure(path_.string(), std::strerror(errno));
+  std::error_code error;
+  platform::StateOf(path_, error);
+  if (!error) return true;
+  if (error == std::errc::no_such_file_or_directory || error == std::errc::not_a_directory) return false;
+  throw Failure(path_.string(), error.message());
 }
 
 void SupportFile::SetSupportValue(std::string_view key, std::string_view value) {
@@ -86,17 +78,17 @@ void SupportFile::Write(const SupportRecords& records, const FolderLock&) {
 }
 
 const SupportRecords& SupportFile::Current() const {
-  if (!loaded_ || ClockNow(CLOCK_MONOTONIC_COARSE) != checkedAt_) Refresh();
+  if (!loaded_ || platform::Tick() != checkedAt_) Refresh();
   return records_;
 }
 
 void SupportFile::Refresh() const {
-  const std::int64_t tick = ClockNow(CLOCK_MONOTONIC_COARSE);
+  const std::int64_t tick = platform::Tick();
   const bool known = std::exchange(loaded_, false);
   // The stamp is taken before the bytes: a change in between shows as a stale stamp at the next look.
   const Stamp stamp = StampNow();
   if (!known || !settled_ || stamp != stamp_) {
-    const std::int64_t now = ClockNow(CLOCK_REALTIME);
+    const std::int64_t now = NanosecondsNow();
     records_ = SupportRecords::Parse(ReadFileBytes(path_), shape_);
     stamp_ = stamp;
     settled_ = now - stamp.modified > kUnsettled || stamp.modified - now > kUnsettled;
@@ -106,9 +98,10 @@ void SupportFile::Refresh() const {
 }
 
 SupportFile::Stamp SupportFile::StampNow() const {
-  struct stat status {};
-  if (::stat(path_.c_str(), &status) != 0) throw Failure(path_.string(), std::strerror(errno));
-  return {status.st_dev, status.st_ino, status.st_size, Nanoseconds(status.st_mtim), Nanoseconds(status.st_ctim)};
+  std::error_code error;
+  const platform::FileState state = platform::StateOf(path_, error);
+  if (error) throw Failure(path_.string(), error.message());
+  return {state.device, state.identity, state.size, state.modified, state.changed};
 }
 
 }  // namespace vellumark

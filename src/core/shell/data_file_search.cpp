@@ -1,11 +1,11 @@
 #include "core/shell/data_file_search.h"
 
-#include <sys/stat.h>
-
 #include <algorithm>
+#include <cstdint>
 #include <optional>
 #include <system_error>
 
+#include "core/base/platform.h"
 #include "core/base/progress_run.h"
 #include "core/base/text.h"
 
@@ -14,10 +14,10 @@ namespace fs = std::filesystem;
 
 namespace {
 
-std::optional<dev_t> DeviceOf(const fs::path& path) {
-  struct stat status {};
-  if (::lstat(path.c_str(), &status) != 0) return std::nullopt;
-  return status.st_dev;
+std::optional<std::uint64_t> DeviceOf(const fs::path& path) {
+  std::error_code gone;
+  const platform::FileState state = platform::StateOfEntry(path, gone);
+  return gone ? std::nullopt : std::optional(state.device);
 }
 
 bool IsDataFile(const fs::path& path) {
@@ -60,10 +60,10 @@ class Search {
     // A folder can change, or be taken away, under the search.
     for (; !error && entry != fs::directory_iterator(); entry.increment(error)) {
       std::error_code gone;
-      const fs::file_status status = entry->symlink_status(gone);
-      if (fs::is_directory(status)) {
-        if (DeviceOf(entry->path()) == device_) folders.push_back(entry->path());
-      } else if (fs::is_regular_file(status) && IsDataFile(entry->path())) {
+      const platform::FileState state = platform::StateOfEntry(entry->path(), gone);
+      if (state.kind == platform::Kind::Folder) {
+        if (state.device == device_) folders.push_back(entry->path());
+      } else if (state.kind == platform::Kind::File && IsDataFile(entry->path())) {
         found_.files.push_back(entry->path());
       }
     }
@@ -74,7 +74,7 @@ class Search {
   }
 
   Progress& progress_;
-  std::optional<dev_t> device_;
+  std::optional<std::uint64_t> device_;
   std::vector<Pending> pending_;
   FoundDataFiles found_;
   double done_ = 0;

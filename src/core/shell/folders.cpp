@@ -1,14 +1,9 @@
 #include "core/shell/folders.h"
 
-#include <fcntl.h>
 #include <fmt/format.h>
-#include <grp.h>
-#include <sys/stat.h>
-#include <unistd.h>
-
-#include <cstdlib>
 
 #include "core/base/files.h"
+#include "core/base/platform.h"
 #include "core/base/refusal.h"
 
 namespace vellumark {
@@ -17,12 +12,8 @@ namespace fs = std::filesystem;
 FolderSources FolderSources::OfThisProcess(std::string dataFolderOption) {
   FolderSources sources;
   sources.dataFolderOption = std::move(dataFolderOption);
-  sources.environment = [](const char* name) {
-    const char* value = std::getenv(name);
-    return std::string(value == nullptr ? "" : value);
-  };
-  std::error_code unknown;
-  sources.executable = fs::read_symlink("/proc/self/exe", unknown);
+  sources.environment = platform::Environment;
+  sources.executable = platform::ExecutablePath();
   sources.isFolder = [](const fs::path& path) {
     std::error_code ignored;
     return fs::is_directory(path, ignored);
@@ -31,9 +22,7 @@ FolderSources FolderSources::OfThisProcess(std::string dataFolderOption) {
 }
 
 Folders ResolveFolders(const FolderSources& sources) {
-  const std::string xdg = sources.environment("XDG_DATA_HOME");
-  const fs::path home = sources.environment("HOME");
-  const fs::path own = (xdg.empty() ? home / ".local" / "share" : fs::path(xdg)) / "vellumark";
+  const fs::path own = platform::OwnFolder(sources.environment) / "vellumark";
   const fs::path place = sources.isFolder(sources.sharedFolder) ? sources.sharedFolder : own;
 
   Folders folders;
@@ -56,12 +45,13 @@ void MakeDataFolder(const fs::path& folder) {
   fs::path way;
   for (const fs::path& part : fs::absolute(folder)) {
     way /= part;
-    struct stat status {};
-    if (::stat(way.c_str(), &status) != 0) break;
-    if (!S_ISDIR(status.st_mode) || ::faccessat(AT_FDCWD, way.c_str(), X_OK, AT_EACCESS) == 0) continue;
+    std::error_code missing;
+    const platform::FileState state = platform::StateOf(way, missing);
+    if (missing) break;
+    if (state.kind != platform::Kind::Folder || !platform::Denied(way, platform::Access::Enter)) continue;
     std::string cause = "cannot be used: there is no permission to enter " + way.string();
-    const group* owners = (status.st_mode & S_IXGRP) != 0 ? ::getgrgid(status.st_gid) : nullptr;
-    if (owners != nullptr) cause += fmt::format(", which is for members of the group {}", owners->gr_name);
+    if (const std::string group = platform::GroupThatMayEnter(way); !group.empty())
+      cause += fmt::format(", which is for members of the group {}", group);
     throw Failure(folder.string(), cause);
   }
   MakeFolder(folder);

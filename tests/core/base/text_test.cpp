@@ -6,7 +6,6 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include "core/base/byte_lock.h"
 #include "core/base/changes.h"
 #include "core/base/date.h"
 #include "core/base/files.h"
@@ -99,10 +98,11 @@ TEST(Files, AReplacedFileStaysWhereItsLinkLeadsWithOwnerAndMode) {
   const auto held = folder / "real/.a.dat.Held00.vellumark";
   ReplaceFile(left, "half");
   ReplaceFile(held, "at work");
-  const int lock = ::open(held.c_str(), O_RDWR);
-  ASSERT_TRUE(TakeByteLock(lock, LockedByte::Beside));
+  std::error_code error;
+  platform::OpenFile lock = platform::OpenExisting(held, platform::Opening::Write, error);
+  ASSERT_TRUE(platform::TakeByteLock(lock, LockedByte::Beside));
   ReplaceFile(folder / "link", "second");
-  ::close(lock);
+  lock.Close();
   EXPECT_TRUE(fs::is_symlink(folder / "link"));
   EXPECT_EQ(ReadFileBytes(real), "second");
   struct stat status {};
@@ -122,7 +122,7 @@ TEST(Files, AFolderThatHandsItsGroupOnSharesWhatIsMadeThere) {
   MakeFolder(shared / "Backups/Deep");
   ReplaceFile(shared / "Backups/Deep/settings", "x", Readers::Group);
   ReplaceFile(folder / "own", "x", Readers::Group);
-  ::close(OpenLockFile(shared / "lock"));
+  OpenLockFile(shared / "lock").Close();
   const auto mode = [](const fs::path& path) {
     struct stat status {};
     ::stat(path.c_str(), &status);
@@ -132,6 +132,39 @@ TEST(Files, AFolderThatHandsItsGroupOnSharesWhatIsMadeThere) {
   EXPECT_EQ(mode(shared / "Backups/Deep/settings"), 0660U);
   EXPECT_EQ(mode(shared / "lock"), 0660U);
   EXPECT_EQ(mode(folder / "own"), 0600U);
+}
+
+TEST(Platform, AProcessLivesUntilItEndsAndNoOtherPassesForIt) {
+  const std::string own = platform::ProcessMark();
+  EXPECT_TRUE(platform::ProcessLives(own));
+  EXPECT_FALSE(platform::ProcessLives(own + "1")) << "one that began later under the same number";
+  EXPECT_FALSE(platform::ProcessLives(own.substr(0, own.find('/')) + "/before/1/1")) << "before the machine started";
+  EXPECT_TRUE(platform::ProcessLives("another machine/" + own));
+  int lines[2];
+  int end[2];
+  ASSERT_EQ(::pipe(lines) | ::pipe(end), 0);
+  const pid_t child = ::fork();
+  if (child == 0) {
+    const std::string mark = platform::ProcessMark();
+    char byte = 0;
+    ::close(end[1]);
+    const bool told = ::write(lines[1], mark.data(), mark.size()) > 0;
+    ::_exit(told && ::read(end[0], &byte, 1) == 0 ? 0 : 1);
+  }
+  char mark[500];
+  const ssize_t size = ::read(lines[0], mark, sizeof mark);
+  ASSERT_GT(size, 0);
+  const std::string other(mark, static_cast<std::size_t>(size));
+  EXPECT_TRUE(platform::ProcessLives(other));
+  ::close(end[1]);
+  siginfo_t ended{};
+  ASSERT_EQ(::waitid(P_PID, static_cast<id_t>(child), &ended, WEXITED | WNOWAIT), 0);
+  EXPECT_FALSE(platform::ProcessLives(other)) << "it has ended, though nobody noticed yet";
+  int status = -1;
+  ::waitpid(child, &status, 0);
+  EXPECT_EQ(status, 0);
+  EXPECT_FALSE(platform::ProcessLives(other));
+  for (const int descriptor : {lines[0], lines[1], end[0]}) ::close(descriptor);
 }
 
 TEST(Files, OnlyAFileIsRead) {
