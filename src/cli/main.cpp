@@ -280,6 +280,8 @@ int Main(int argc, char** argv) {
   AddToolsCommands(app, commands);
   AddStockCommands(app, commands);
   AddBatchCommands(app, commands);
+  AddReportCommands(app, commands);
+  AddFindCommands(app, commands);
   AddUsersCommands(app, commands);
   app.failure_message(UsageMessage);
   const std::vector<std::string> words = Readable(platform::BeginProgram(argc, argv));

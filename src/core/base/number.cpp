@@ -104,6 +104,20 @@ Target Read(const std::string& text) {
   return value;
 }
 
+constexpr std::array kPowersOfTen{1.0, 1e1, 1e2, 1e3, 1e4, 1e5, 1e6, 1e7, 1e8, 1e9, 1e10, 1e11, 1e12, 1e13, 1e14, 1e15};
+
+// The shortest decimal of a number is no further from it than `error` times its size, and only close to a half does
+// that decide which way it is rounded.
+template <class Float>
+std::int64_t Units(Float value, int decimals, double error) {
+  const double power = kPowersOfTen[static_cast<std::size_t>(decimals)];
+  const double scaled = static_cast<double>(value) * power;
+  const double size = std::abs(scaled);
+  if (size < 1e9 && std::abs(size - std::floor(size) - 0.5) > size * error + 1e-12)
+    return static_cast<std::int64_t>(std::floor(size + 0.5)) * (scaled < 0 ? -1 : 1);
+  return std::llround(RoundTo(value, decimals) * power);
+}
+
 }  // namespace
 
 std::string Fixed(float value, int decimals) {
@@ -119,6 +133,16 @@ double RoundTo(double value, int decimals) {
 double RoundTo(float value, int decimals) {
   return Read<double>(FixedText(value, decimals));
 }
+std::int64_t WholeUnits(double value, int decimals) {
+  return Units(value, decimals, 1e-14);
+}
+std::int64_t WholeUnits(float value, int decimals) {
+  return Units(value, decimals, 1.3e-7);
+}
+double OfWholeUnits(std::int64_t units, int decimals) {
+  return static_cast<double>(units) / kPowersOfTen[static_cast<std::size_t>(decimals)];
+}
+
 float RoundSingle(double value, int decimals) {
   return Read<float>(FixedText(value, decimals));
 }

@@ -19,6 +19,11 @@ double RoundTo(double value, int decimals);
 double RoundTo(float value, int decimals);
 float RoundSingle(double value, int decimals);
 float RoundSingle(float value, int decimals);
+/// The same as a whole number of its last decimals: 1.0005 with three of them is 1001. What is added up stays exact so.
+std::int64_t WholeUnits(double value, int decimals);
+std::int64_t WholeUnits(float value, int decimals);
+/// The number again: 1001 with three decimals is 1.001.
+double OfWholeUnits(std::int64_t units, int decimals);
 
 /// The shortest decimal that reads back as the same number, never with an exponent: "0.1", "100", "-12.5".
 std::string ShortestText(float value);

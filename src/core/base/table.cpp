@@ -1,5 +1,7 @@
 #include "core/base/table.h"
 
+#include <fmt/format.h>
+
 #include <algorithm>
 #include <numeric>
 
@@ -8,6 +10,12 @@
 
 namespace vellumark {
 namespace {
+
+constexpr int kFractionDecimals = 4;  // of a percent with two
+
+int DecimalsOf(const TableColumn& column) {
+  return column.format == Format::Percent ? kFractionDecimals : column.format == Format::Whole ? 0 : column.decimals;
+}
 
 std::optional<double> NumberOf(const TableValue& value) {
   if (const auto* whole = std::get_if<std::int64_t>(&value)) return static_cast<double>(*whole);
@@ -20,16 +28,18 @@ std::optional<double> NumberOf(const TableValue& value) {
 /// A row that was kept, all its cells worked out.
 class KeptRow final : public TableRow {
  public:
-  KeptRow(const TableRow& row, std::size_t columns, std::size_t read) : place(read) {
+  KeptRow(const TableRow& row, std::size_t columns, std::size_t read) : place(read), target_(row.Target()) {
     for (std::size_t i = 0; i < columns; ++i) cells_.push_back(row.Cell(i));
   }
   TableValue Cell(std::size_t column) const override { return cells_[column]; }
+  RowTarget Target() const override { return target_; }
   const TableValue& At(std::size_t column) const { return cells_[column]; }
 
   std::size_t place;  ///< in the order of the reading
 
  private:
   std::vector<TableValue> cells_;
+  RowTarget target_;
 };
 
 class Arranger {
@@ -124,11 +134,14 @@ ListTable Arranged(ListTable table, Arrangement arrangement) {
   return arranged;
 }
 
-int CompareCells(const TableValue& a, const TableValue& b) {
+int CompareCells(const TableValue& a, const TableValue& b, TextOrder texts) {
   const auto order = [](const auto& x, const auto& y) { return x < y ? -1 : y < x ? 1 : 0; };
   if (const auto x = NumberOf(a), y = NumberOf(b); x && y) return order(*x, *y);
   if (a.index() != b.index()) return order(a.index(), b.index());
-  if (const auto* text = std::get_if<std::string>(&a)) return order(CompareNoCase(*text, std::get<std::string>(b)), 0);
+  if (const auto* text = std::get_if<std::string>(&a)) {
+    const std::string& other = std::get<std::string>(b);
+    return order(texts == TextOrder::ExactCase ? text->compare(other) : CompareNoCase(*text, other), 0);
+  }
   if (const auto* date = std::get_if<DateTime>(&a)) return order(*date, std::get<DateTime>(b));
   if (const auto* names = std::get_if<std::vector<std::string>>(&a))
     return order(*names, std::get<std::vector<std::string>>(b));
@@ -136,12 +149,20 @@ int CompareCells(const TableValue& a, const TableValue& b) {
 }
 
 std::string CellText(const TableColumn& column, const TableValue& value) {
-  if (const auto* text = std::get_if<std::string>(&value)) return *text;
-  if (const auto* whole = std::get_if<std::int64_t>(&value)) return std::to_string(*whole);
+  if (const auto* text = std::get_if<std::string>(&value)) {
+    if (column.format == Format::Notes) return text->empty() ? "No" : "Yes";
+    return *text;
+  }
+  if (const auto* whole = std::get_if<std::int64_t>(&value))
+    return column.format == Format::Number ? fmt::format("{:06}", *whole) : std::to_string(*whole);
   if (const auto* single = std::get_if<float>(&value)) return Fixed(*single, column.decimals);
-  if (const auto* number = std::get_if<double>(&value)) return Fixed(*number, column.decimals);
+  if (const auto* number = std::get_if<double>(&value)) {
+    if (column.format == Format::Percent) return Fixed(*number * 100, 2) + "%";
+    return Fixed(*number, column.decimals);
+  }
   if (const auto* flag = std::get_if<bool>(&value)) {
     if (column.format == Format::Mark) return *flag ? "Yes" : "";
+    if (column.format == Format::YesNo) return *flag ? "Yes" : "No";
     return *flag ? "yes" : "no";
   }
   if (const auto* date = std::get_if<DateTime>(&value)) {
@@ -155,15 +176,34 @@ std::string CellText(const TableColumn& column, const TableValue& value) {
 }
 
 void TableTotals::Add(const TableRow& row) {
-  for (std::size_t i = 0; i < sums_.size(); ++i)
-    if (table_.columns[i].total)
-      sums_[i] = RoundTo(sums_[i] + NumberOf(row.Cell(i)).value_or(0), table_.columns[i].decimals);
+  for (std::size_t i = 0; i < sums_.size(); ++i) {
+    if (!table_.columns[i].total) continue;
+    const int decimals = DecimalsOf(table_.columns[i]);
+    const TableValue value = row.Cell(i);
+    const auto* single = std::get_if<float>(&value);
+    sums_[i] += single ? WholeUnits(*single, decimals) : WholeUnits(NumberOf(value).value_or(0), decimals);
+  }
+}
+
+TableValue TableTotals::Of(std::size_t place) const {
+  const TableColumn& of = table_.columns[place];
+  if (of.totalIs) return *of.totalIs;
+  if (of.ratio) {
+    const auto sum = [&](std::size_t i) {
+      const TableColumn& column = table_.columns[i];
+      return column.totalIs ? NumberOf(*column.totalIs).value_or(0) : OfWholeUnits(sums_[i], DecimalsOf(column));
+    };
+    const double whole = sum(of.ratio->whole);
+    return whole == 0 ? 0.0 : RoundTo(sum(of.ratio->part) / whole, kFractionDecimals);
+  }
+  if (!of.total) return {};
+  if (of.format == Format::Whole) return sums_[place];
+  return OfWholeUnits(sums_[place], DecimalsOf(of));
 }
 
 std::vector<std::string> TableTotals::Texts() const {
   std::vector<std::string> texts;
-  for (const std::size_t i : table_.Shown())
-    texts.push_back(table_.columns[i].total ? CellText(table_.columns[i], sums_[i]) : "");
+  for (const std::size_t i : table_.Shown()) texts.push_back(CellText(table_.columns[i], Of(i)));
   if (!texts.empty()) texts.front() = table_.totals;
   return texts;
 }

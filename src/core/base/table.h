@@ -27,12 +27,33 @@ using TableValue = std::variant<std::monostate, std::string, std::int64_t, float
 enum class Format {
   Text,
   Whole,
-  Amount,  ///< with the column's decimals, as are prices
-  Flag,    ///< "yes" or "no"
-  Mark,    ///< "Yes" or nothing
-  Date,    ///< the day
-  Moment,  ///< day and time
-  When,    ///< day, and the time when it is not midnight
+  Amount,   ///< with the column's decimals, as are prices
+  Flag,     ///< "yes" or "no"
+  Mark,     ///< "Yes" or nothing
+  Date,     ///< the day
+  Moment,   ///< day and time
+  When,     ///< day, and the time when it is not midnight
+  YesNo,    ///< "Yes" or "No"
+  Notes,    ///< a long text, of which people see whether there is one
+  Number,   ///< six digits with zeros in front, "000042"
+  Money,    ///< with the column's decimals
+  Percent,  ///< a fraction of 1 with four decimals: "12.50%"
+};
+
+/// What a row leads to: the record that a click on it opens.
+struct RowTarget {
+  enum class Kind { None, Batch, Basic, Mix, Job, Design, Database };
+  Kind kind = Kind::None;
+  std::string database{};
+  std::string name{};  ///< of a colour, a Job or a Design
+  std::int32_t BatchNo = 0;
+  bool operator==(const RowTarget&) const = default;
+};
+
+/// A total that is no sum of its column: that of one column divided by that of another, as are all percents.
+struct TotalRatio {
+  std::size_t part = 0;
+  std::size_t whole = 0;
 };
 
 struct TableColumn {
@@ -40,10 +61,18 @@ struct TableColumn {
   std::string caption;  ///< its name for people, by which it is chosen and sorted; the key when empty
   Format format = Format::Text;
   int decimals = 3;
-  bool total = false;  ///< added up in the row of totals
+  bool total = false;                 ///< added up in the row of totals
+  int width = 0;                      ///< in twips; 0: as wide as what stands in it
+  std::optional<TotalRatio> ratio{};  ///< how its total is made of others
+  std::optional<TableValue>
+      totalIs{};  ///< its total where the rows do not tell it, such as Batches that are in several
 
   const std::string& Caption() const { return caption.empty() ? key : caption; }
-  bool RightAligned() const { return format == Format::Whole || format == Format::Amount; }
+  bool RightAligned() const {
+    return format == Format::Whole || format == Format::Amount || format == Format::Number || format == Format::Money ||
+           format == Format::Percent;
+  }
+  bool HasTotal() const { return total || ratio || totalIs; }
 };
 
 /// A row while it is taken; its cells are worked out as they are asked for.
@@ -51,6 +80,7 @@ class TableRow {
  public:
   virtual ~TableRow() = default;
   virtual TableValue Cell(std::size_t column) const = 0;
+  virtual RowTarget Target() const { return {}; }
 };
 
 /// Takes a row; false when it wants no more.
@@ -85,22 +115,26 @@ struct Arrangement {
 /// The table with that arrangement. Another order than its own holds the rows that are wanted while it is read.
 ListTable Arranged(ListTable table, Arrangement arrangement);
 
-/// -1, 0 or 1: numbers and dates by size, texts without regard to case, what is absent first.
-int CompareCells(const TableValue& a, const TableValue& b);
+enum class TextOrder { AnyCase, ExactCase };
+/// -1, 0 or 1: numbers and dates by size, texts without regard to case unless told otherwise, what is absent first.
+int CompareCells(const TableValue& a, const TableValue& b, TextOrder texts = TextOrder::AnyCase);
 /// The cell as people read it.
 std::string CellText(const TableColumn& column, const TableValue& value);
 
-/// Adds the numbers of columns that have a total.
+/// Adds the numbers of columns that have a total, as they are shown: whole thousandths of a quantity, so that a million
+/// of them add up to the last decimal.
 class TableTotals {
  public:
   explicit TableTotals(const ListTable& table) : table_(table), sums_(table.columns.size()) {}
   void Add(const TableRow& row);
+  /// The total of a column; nothing where it has none.
+  TableValue Of(std::size_t column) const;
   /// The texts below the columns that are shown.
   std::vector<std::string> Texts() const;
 
  private:
   const ListTable& table_;
-  std::vector<double> sums_;
+  std::vector<std::int64_t> sums_;
 };
 
 /// The definition of a table: its columns, each with where its value is found in a record.
@@ -112,7 +146,10 @@ class TableOf {
   TableOf& Add(std::string key, Get value, std::string caption = {}, std::optional<Format> format = {},
                int decimals = 3) {
     using Value = std::remove_cvref_t<std::invoke_result_t<Get, const Record&>>;
-    columns_.push_back({std::move(key), std::move(caption), format.value_or(FormatOf<Value>()), decimals});
+    columns_.push_back({.key = std::move(key),
+                        .caption = std::move(caption),
+                        .format = format.value_or(FormatOf<Value>()),
+                        .decimals = decimals});
     values_.push_back([value](const Record& record) { return ToCell(std::invoke(value, record)); });
     return *this;
   }
@@ -129,10 +166,32 @@ class TableOf {
     return *this;
   }
 
+  /// What is told of the last column beside its format.
+  TableOf& Width(int twips) {
+    columns_.back().width = twips;
+    return *this;
+  }
+  TableOf& Sum() {
+    columns_.back().total = true;
+    return *this;
+  }
+  /// The last column's total is that of the column with the key `part` divided by that of `whole`.
+  TableOf& Ratio(std::string_view part, std::string_view whole) {
+    const ListTable table{columns_, {}, {}, {}};
+    columns_.back().ratio = TotalRatio{table.Find(part).value(), table.Find(whole).value()};
+    return *this;
+  }
+  /// What a click on a row opens.
+  TableOf& Leads(std::function<RowTarget(const Record&)> target) {
+    target_ = std::move(target);
+    return *this;
+  }
+
   /// The table of the records that `forEach` passes to its argument one after the other, until that answers false.
   ListTable Of(std::function<void(const std::function<bool(const Record&)>&)> forEach) const {
-    return {columns_, shown_, totals_, [values = values_, forEach = std::move(forEach)](const TableSink& take) {
-              forEach([&](const Record& record) { return take(Row(values, record)); });
+    return {columns_, shown_, totals_,
+            [values = values_, target = target_, forEach = std::move(forEach)](const TableSink& take) {
+              forEach([&](const Record& record) { return take(Row(values, target, record)); });
             }};
   }
   /// That of records that are at hand.
@@ -145,14 +204,18 @@ class TableOf {
 
  private:
   using Values = std::vector<std::function<TableValue(const Record&)>>;
+  using Leading = std::function<RowTarget(const Record&)>;
 
   class Row final : public TableRow {
    public:
-    Row(const Values& values, const Record& record) : values_(values), record_(record) {}
+    Row(const Values& values, const Leading& target, const Record& record)
+        : values_(values), target_(target), record_(record) {}
     TableValue Cell(std::size_t column) const override { return values_[column](record_); }
+    RowTarget Target() const override { return target_ ? target_(record_) : RowTarget{}; }
 
    private:
     const Values& values_;
+    const Leading& target_;
     const Record& record_;
   };
 
@@ -185,6 +248,7 @@ class TableOf {
   std::vector<std::size_t> shown_;
   std::string totals_;
   Values values_;
+  Leading target_;
 };
 
 }  // namespace vellumark

@@ -2,13 +2,17 @@
 
 #include <fmt/format.h>
 
+#include <array>
+
 #include "core/base/units.h"
 
 namespace vellumark {
 namespace {
 
+constexpr std::array<std::int64_t, 5> kTenThousandths{10000, 1000, 100, 10, 1};  // in a unit of so many decimals
+
 Currency Money(double value, int decimals) {
-  return Currency::From(RoundTo(value, decimals));
+  return Currency::OfTenThousandths(WholeUnits(value, decimals) * kTenThousandths[static_cast<std::size_t>(decimals)]);
 }
 
 // One more item on the bill; the running total is rounded at every step, as a person adds up a bill.
@@ -38,6 +42,16 @@ float Emissions(const BatchWork& work, const Emission& of, int model, double fac
 
 }  // namespace
 
+BatchCosts CostsOf(const BatchCostModel& model, double quantity, double factor, Currency ingredients, int decimals) {
+  BatchCosts costs;
+  costs.markup = Money(ingredients.ToDouble() * model.MarkupPercent / 100, decimals);
+  // The fixed cost per unit goes by the quantity that was asked for, not by the total that additions make of it.
+  costs.fixed = Money(quantity * model.FixedCostPerUnit * factor, decimals) +
+                Currency::OfTenThousandths(WholeUnits(model.FixedCostOfBatch, 4));
+  costs.total = ingredients + costs.fixed + costs.markup;
+  return costs;
+}
+
 void CalculateCost(const Session& session, BatchWork& work) {
   const int decimals = session.DecimalPlaces;
   const double factor = UnitFactor(work.UMF, session.UMI);
@@ -66,10 +80,9 @@ void CalculateTotalCost(const Session& session, BatchWork& work) {
   const BatchCostModel& model = work.cost;
   BatchFigures& figures = work.figures;
   const Currency ingredients = figures.CostOfMixes + figures.CostOfBasics;
-  figures.Markup = Money(ingredients.ToDouble() * model.MarkupPercent / 100, decimals);
-  // The fixed cost per unit goes by the quantity that was asked for, not by the total that additions make of it.
-  const Currency fixedPerUnit = Money(work.Quantity() * model.FixedCostPerUnit * factor, decimals);
-  figures.TotalCost = fixedPerUnit + ingredients + Currency::From(RoundTo(model.FixedCostOfBatch, 4)) + figures.Markup;
+  const BatchCosts costs = CostsOf(model, work.Quantity(), factor, ingredients, decimals);
+  figures.Markup = costs.markup;
+  figures.TotalCost = costs.total;
   figures.UnitCost =
       work.Total == 0 ? Currency{} : Money(figures.TotalCost.ToDouble() / RoundTo(work.Total, 3), decimals);
 }

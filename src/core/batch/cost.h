@@ -6,6 +6,15 @@
 
 namespace vellumark {
 
+/// What a Batch costs beside its ingredients, and in all. Fixed costs are those of the Batch and those per unit of the
+/// quantity that was asked for; `factor` takes that into the inventory unit.
+struct BatchCosts {
+  Currency fixed;
+  Currency markup;
+  Currency total;
+};
+BatchCosts CostsOf(const BatchCostModel& model, double quantity, double factor, Currency ingredients, int decimals);
+
 /// The money figures of the Batch, from its lists, totals and cost model. Needs its rows shown.
 void CalculateCost(const Session& session, BatchWork& work);
 /// Markup, total and unit cost anew from the costs of basics and mixes that stand: those of a stored Batch.

@@ -23,6 +23,18 @@ void TakeHeldAgain(Session& session, std::string_view database, std::int32_t bat
 /// Removes the marker; stock stays as it is.
 void DropHold(Session& session, std::int32_t batchNo);
 
+/// What an open Batch has handed back to one figure of stock, for as long as it is open.
+struct HeldStock {
+  std::string database;
+  ColorKind kind = ColorKind::Basic;
+  std::string Color_Name;
+  std::int32_t LotRefID = 0;  ///< 0: Unlotted Inventory
+  double quantity = 0;        ///< in the inventory unit
+  bool wasThere = true;       ///< a lot that the Batch had used up is there only for as long
+};
+/// That of all open Batches of the file.
+std::vector<HeldStock> ReadHeldStock(Database& file);
+
 /// True when the takings, as far as stock covers them, are those that the marker holds: stock need not be posted anew.
 bool SameAsHeld(Session& session, std::int32_t batchNo, const std::vector<NetTaking>& takings);
 

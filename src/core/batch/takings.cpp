@@ -165,7 +165,7 @@ std::vector<BatchTaking> ReadTakings(const Session& session, const StoredBatchLi
     const StoredLine& line = batch.lines[i];
     if (std::ranges::any_of(recorded, [&](const BatchTaking& taking) { return OfLine(taking, line); })) continue;
     double amount = RoundTo(line.IngQty, 3);
-    if (static_cast<std::int32_t>(i) == batch.LargestAmountIndex && line.IngType == LineKind::Basic)
+    if (BearsRoundoff(static_cast<std::int64_t>(i), line.IngType, batch.LargestAmountIndex))
       amount += RoundTo(batch.Roundoff, 3);
     const float quantity = Converted(amount, batch.UMF, session.UMI);
     takings.push_back(

@@ -11,6 +11,11 @@ namespace vellumark {
 
 // What the lines of a Batch take from stock, as `<DB>_Batch_LotInv` records it. For the procedures of this room.
 
+/// Whether the round-off of a Batch fell on the line at that place, which is told without it.
+inline bool BearsRoundoff(std::int64_t place, LineKind kind, std::int64_t largestAmountIndex) {
+  return place == largestAmountIndex && kind == LineKind::Basic;
+}
+
 /// A line as the Batch's row holds it.
 struct StoredLine {
   std::string IngName;

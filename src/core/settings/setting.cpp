@@ -27,8 +27,8 @@ std::string RangeText(const SettingInfo& info) {
   if (info.kind == SettingKind::Switch) return "0 or 1";
   const bool whole = info.kind == SettingKind::Whole;
   const std::string text = whole ? "a whole number" : "a number";
-  if (info.limits.most >= (whole ? std::numeric_limits<int>::max() : std::numeric_limits<float>::max()))
-    return fmt::format("{} of {} or more", text, info.limits.least);
+  const double endless = whole ? double{std::numeric_limits<int>::max()} : double{std::numeric_limits<float>::max()};
+  if (info.limits.most >= endless) return fmt::format("{} of {} or more", text, info.limits.least);
   return fmt::format("{} from {} to {}", text, info.limits.least, info.limits.most);
 }
 

@@ -1,0 +1,281 @@
+#include "core/reports/build.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <memory>
+#include <numeric>
+
+#include "core/base/number.h"
+#include "core/base/progress_run.h"
+#include "core/base/text.h"
+#include "core/base/units.h"
+#include "core/reports/find_color.h"
+
+namespace vellumark {
+namespace {
+
+constexpr std::string_view kMoneySign = "$";
+constexpr int kNameWidth = 2860;
+constexpr int kTextWidth = 1940;
+constexpr int kWidth = 1500;
+constexpr int kCallsBetweenLooks = 64;
+
+int DefaultWidth(const TableColumn& column) {
+  const std::string& caption = column.caption;
+  if (caption == "Color Name" || caption == "Ing Name" || caption == "Design Desc") return kNameWidth;
+  return column.format == Format::Text ? kTextWidth : kWidth;
+}
+
+/// A row of a built report.
+class BuiltRow final : public TableRow {
+ public:
+  BuiltRow(const BuiltReport& report, std::size_t row, const std::vector<std::size_t>& columns)
+      : report_(report), row_(row), columns_(columns) {}
+  TableValue Cell(std::size_t column) const override { return report_.Cell(row_, columns_[column]); }
+  RowTarget Target() const override { return report_.targets[row_]; }
+
+ private:
+  const BuiltReport& report_;
+  std::size_t row_;
+  const std::vector<std::size_t>& columns_;
+};
+
+void ReadRows(const ReportContext& context, const ListTable& table, BuiltReport& report) {
+  const bool hidesCosts = context.session.Perm_Costs == 0;
+  table.read([&](const TableRow& row) {
+    if (report.Rows() * report.columns.size() > kMostReportCells) {
+      report.complete = false;
+      report.warningTitle = "Incomplete Report";
+      report.warning =
+          "The data was about to exceed the maximum number of viewable cels.\n\nThis report was stopped before "
+          "completion.\n\nChoose a smaller date range to improve the creation of the report.";
+      return false;
+    }
+    for (std::size_t i = 0; i < report.columns.size(); ++i) {
+      const bool hidden = hidesCosts && report.columns[i].format == Format::Money;
+      report.cells.push_back(hidden ? TableValue() : row.Cell(i));
+    }
+    report.targets.push_back(row.Target());
+    return !context.watch.Cancelled();
+  });
+  context.watch.LookAgain();
+  if (context.watch.Cancelled()) {
+    report.complete = false;
+    report.warningTitle = "Incomplete Data";
+    report.warning = "Because you decided to cancel, this data is incomplete.";
+  }
+  report.count = context.watch.Count().value_or(static_cast<std::int64_t>(report.Rows()));
+  for (TableColumn& column : report.columns) {
+    if (const auto told = context.watch.Totals().find(column.key); told != context.watch.Totals().end())
+      column.totalIs = told->second;
+    if (!hidesCosts || column.format != Format::Money) continue;
+    column.total = false;
+    column.totalIs.reset();
+  }
+}
+
+// What the report is about: a colour, a Job, a Database, all of them.
+std::string SubjectOf(const ReportContext& context) {
+  const ReportDefinition& report = context.report;
+  const bool all = report.scope == ReportScope::All;
+  if (report.scope == ReportScope::Chosen) return "Detail for Selected Databases";
+  if (report.subject == ReportSubject::Job || report.subject == ReportSubject::Design) return context.name;
+  if (context.options.contains("DateQuery")) return {};
+  if (context.name.empty()) return all ? " Summary of all Databases" : context.session.CurrentDatabase + " Database";
+  return all ? context.name + "  -   Summary of all Databases" : context.name;
+}
+
+std::string TitleOf(const ReportContext& context) {
+  const ReportDefinition& report = context.report;
+  std::string title = fmt::format("{}   - {}", context.session.clock.Today().DateText(), report.name);
+  if (const auto by = context.options.find("DateQuery"); by != context.options.end())
+    title += by->second == 1 ? " - Date Completed" : " - Date Entered";
+  if (const std::string subject = SubjectOf(context); !subject.empty()) title += "  -  " + subject;
+  if (!report.dateRangeKey.empty())
+    title += fmt::format("  -  From {} To {}", context.dates.from.DateText(), context.dates.to.DateText());
+  return title;
+}
+
+Result<DateRange> DatesOf(const Session& session, const ReportDefinition& report, const ReportRequest& request) {
+  const bool custom = request.from || request.to || request.range == kCustomRange;
+  if (!custom) return RangeOf(request.range.value_or(ReadDateRange(session, report)), ReportToday(session));
+  if (!request.from || !request.to)
+    return Refuse("Custom Date Range", "A custom range needs a From and a To date.",
+                  request.from ? "CalTo" : "CalFrom");
+  DateRange dates{request.from->Midnight(), request.to->Midnight()};
+  if (dates.to < dates.from) std::swap(dates.from, dates.to);
+  return dates;
+}
+
+Result<std::vector<std::string>> DatabasesOf(const Session& session, const ReportDefinition& report,
+                                             const ReportRequest& request) {
+  if (report.scope == ReportScope::Current) return std::vector{session.CurrentDatabase};
+  if (report.scope == ReportScope::All || request.databases.empty()) return session.databaseList;
+  std::vector<std::string> databases;
+  for (const std::string& typed : request.databases) {
+    const auto found = std::ranges::find_if(session.databaseList,
+                                            [&](const std::string& name) { return EqualNoCase(name, Trim(typed)); });
+    if (found == session.databaseList.end())
+      return Refuse("Database Not Found", fmt::format("There is no Database {} in this Data File.", typed),
+                    "lstDatabases");
+    databases.push_back(*found);
+  }
+  return databases;
+}
+
+Result<void> TakeOptions(ReportContext& context, const ReportRequest& request) {
+  for (const ReportOption& option : context.report.options)
+    context.options[option.name] = ReadReportOption(context.session, context.report, option);
+  for (const auto& [name, text] : request.options) {
+    const auto option = std::ranges::find_if(context.report.options,
+                                             [&](const ReportOption& known) { return EqualNoCase(known.name, name); });
+    if (option == context.report.options.end()) {
+      std::string known;
+      for (const ReportOption& one : context.report.options) known += (known.empty() ? "" : ", ") + one.name;
+      return Refuse("Report Option",
+                    fmt::format("{} is no option of this report, which has {}.", name, known.empty() ? "none" : known),
+                    name);
+    }
+    const auto value = ParseNumber(text);
+    if (!value || *value < 0 || *value >= option->choices || *value != static_cast<int>(*value))
+      return Refuse("Report Option",
+                    fmt::format("{} is 0 to {}: {}.", option->name, option->choices - 1, option->meaning),
+                    option->name);
+    context.options[option->name] = static_cast<int>(*value);
+  }
+  return {};
+}
+
+}  // namespace
+
+bool ReportWatch::GoOn(double percent) {
+  if (++calls_ % kCallsBetweenLooks != 0) return !cancelled_;
+  progress_.Percent(percent);
+  cancelled_ = cancelled_ || progress_.Cancelled();
+  return !cancelled_;
+}
+
+void ReportWatch::LookAgain() {
+  cancelled_ = cancelled_ || progress_.Cancelled();
+}
+
+std::string ReportContext::InUnit(std::string_view caption) const {
+  return fmt::format("{} ({})", caption, UnitName(session.UMI));
+}
+
+std::string ReportContext::InMoney(std::string_view caption) const {
+  return fmt::format("{} {}", caption, kMoneySign);
+}
+
+std::string BuiltReport::FullTitle() const {
+  return complete ? title : title + "  -  INCOMPLETE";
+}
+
+ListTable BuiltReport::Table() const {
+  ListTable table;
+  for (const std::size_t column : shown) table.columns.push_back(columns[column]);
+  const std::vector<TableValue> sums = Totals();
+  for (std::size_t i = 0; i < shown.size(); ++i) {
+    TableColumn& column = table.columns[i];
+    if (column.HasTotal()) column.totalIs = sums[shown[i]];
+    column.ratio.reset();
+  }
+  table.totals = totals;
+  table.read = [this](const TableSink& take) {
+    for (const std::size_t row : order)
+      if (!take(BuiltRow(*this, row, shown))) return;
+  };
+  return table;
+}
+
+std::vector<TableValue> BuiltReport::Totals() const {
+  ListTable all{columns, {}, totals, {}};
+  TableTotals sums(all);
+  std::vector<std::size_t> every(columns.size());
+  std::iota(every.begin(), every.end(), std::size_t{0});
+  for (std::size_t row = 0; row < Rows(); ++row) sums.Add(BuiltRow(*this, row, every));
+  std::vector<TableValue> values;
+  for (std::size_t i = 0; i < columns.size(); ++i) values.push_back(totals.empty() ? TableValue() : sums.Of(i));
+  return values;
+}
+
+Result<void> RequireReport(const Session& session, const ReportDefinition& report) {
+  if (report.usesLots && session.InvLotTracking != 1)
+    return Refuse("Lotted Inv. Deactivated", "Lotted Inv must be turned on\n\nto create this report.");
+  return {};
+}
+
+Result<ReportContext> PrepareReport(Session& session, const ReportDefinition& report, const ReportRequest& request,
+                                    ReportWatch& watch) {
+  if (const auto may = RequireReport(session, report); !may) return std::unexpected(may.error());
+  ReportContext context{.session = session, .report = report, .watch = watch};
+  const auto dates = DatesOf(session, report, request);
+  if (!dates) return std::unexpected(dates.error());
+  context.dates = *dates;
+  auto databases = DatabasesOf(session, report, request);
+  if (!databases) return std::unexpected(databases.error());
+  context.databases = *std::move(databases);
+  context.user = Upper(Trim(request.user));
+  if (const auto taken = TakeOptions(context, request); !taken) return std::unexpected(taken.error());
+  switch (report.subject) {
+    case ReportSubject::None:
+      break;
+    case ReportSubject::Formula:
+    case ReportSubject::Color: {
+      const auto color = FindReportColor(context, request.color, request.kind);
+      if (!color) return std::unexpected(color.error());
+      context.name = color->first;
+      context.kind = color->second;
+      break;
+    }
+    case ReportSubject::Design:
+      context.name = Trim(request.design);
+      if (context.name.empty()) return Refuse("Design Not Found", "Name the Design.", "cmbDesignID");
+      break;
+    case ReportSubject::Job:
+      context.name = Trim(request.job);
+      if (context.name.empty()) return Refuse("Job Number Not Found", "Name the Job Number.", "cmbJobNumber");
+      break;
+  }
+  return context;
+}
+
+std::vector<TableColumn> ReportColumns(const ReportContext& context) {
+  std::vector<TableColumn> columns = context.report.table(context).columns;
+  for (TableColumn& column : columns)
+    if (column.width == 0) column.width = DefaultWidth(column);
+  ReadColumnWidths(context.session, context.report, columns);
+  return columns;
+}
+
+BuiltReport BuildReport(const ReportContext& context) {
+  BuiltReport report;
+  const ProgressRun run(context.session.progress, "Building Report ...");
+  const ListTable table = context.report.table(context);
+  report.title = TitleOf(context);
+  report.noun = context.report.noun;
+  report.columns = ReportColumns(context);
+  if (std::ranges::any_of(report.columns, &TableColumn::HasTotal)) report.totals = "Totals";
+  report.shown = ReadShownColumns(context.session, context.report, report.columns);
+  ReadRows(context, table, report);
+  SortReport(report, ReadReportSort(context.session, context.report, report.columns.size()));
+  return report;
+}
+
+void SortReport(BuiltReport& report, const ReportSort& sort) {
+  report.sort = sort;
+  report.order.resize(report.Rows());
+  std::iota(report.order.begin(), report.order.end(), std::size_t{0});
+  const auto compare = [&](std::size_t a, std::size_t b, std::size_t column, bool descending) {
+    const int order = CompareCells(report.Cell(a, column), report.Cell(b, column), TextOrder::ExactCase);
+    return descending ? -order : order;
+  };
+  std::ranges::stable_sort(report.order, [&](std::size_t a, std::size_t b) {
+    int order = compare(a, b, sort.column, sort.descending);
+    if (order == 0 && sort.second) order = compare(a, b, *sort.second, sort.secondDescending);
+    return order < 0;
+  });
+}
+
+}  // namespace vellumark

@@ -1,0 +1,35 @@
+#pragma once
+
+#include <optional>
+#include <span>
+#include <string>
+#include <string_view>
+
+#include "core/base/date.h"
+#include "core/session/session.h"
+
+namespace vellumark {
+
+/// Both days count.
+struct DateRange {
+  DateTime from{};
+  DateTime to{};
+  bool operator==(const DateRange&) const = default;
+};
+
+/// The place of "Custom" in the list, which has no dates of its own.
+constexpr int kCustomRange = 10;
+
+/// The names in the order of their places, which the settings keep.
+std::span<const std::string_view> DateRangeNames();
+/// The place of a name, in any case.
+std::optional<int> FindDateRange(std::string_view name);
+
+/// The days of a range, seen from `today`; of "Custom", today alone. "All Dates" begins in 1989 on the day and month of
+/// today, which is the 28th where that year has no 29 February.
+DateRange RangeOf(int place, const DateTime& today);
+
+/// Midnight of the day from which ranges are counted: today, and of an archive the day of its last Batch.
+DateTime ReportToday(const Session& session);
+
+}  // namespace vellumark

@@ -1,0 +1,121 @@
+#include "core/reports/report_text.h"
+
+#include <algorithm>
+
+#include "core/base/text.h"
+
+namespace vellumark {
+namespace {
+
+constexpr std::string_view kLineEnd = "\r\n";
+
+std::string Cleaned(std::string_view text) {
+  std::string cleaned;
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    if (text[i] == '\t') {
+      cleaned += "\\t";
+    } else if (text[i] == '\n' || text[i] == '\r') {
+      cleaned += "\\n";
+      if (text[i] == '\r' && i + 1 < text.size() && text[i + 1] == '\n') ++i;
+    } else {
+      cleaned += text[i];
+    }
+  }
+  return cleaned;
+}
+
+// The columns that are shown, those of the user's own order first come; names that are no column any more are passed
+// over, and what the order does not name is left out.
+std::vector<std::size_t> OrderOf(const BuiltReport& report, const std::vector<std::string>& names) {
+  if (names.empty()) return report.shown;
+  std::vector<std::size_t> order;
+  for (const std::string& name : names) {
+    const auto column = FindReportColumn(report.columns, name);
+    if (column && std::ranges::find(report.shown, *column) != report.shown.end() &&
+        std::ranges::find(order, *column) == order.end())
+      order.push_back(*column);
+  }
+  return order.empty() ? report.shown : order;
+}
+
+class TabbedText {
+ public:
+  void Field(std::string_view text) {
+    if (!first_) text_ += '\t';
+    first_ = false;
+    text_ += Cleaned(text);
+  }
+  void EndLine() {
+    text_ += kLineEnd;
+    first_ = true;
+  }
+  const std::string& Text() const { return text_; }
+
+ private:
+  std::string text_;
+  bool first_ = true;
+};
+
+}  // namespace
+
+std::string_view FormatToken(Format format) {
+  switch (format) {
+    case Format::YesNo:
+    case Format::Flag:
+    case Format::Mark:
+      return "Yes/No";
+    case Format::Notes:
+      return "IsNotes";
+    case Format::Number:
+      return "000000";
+    case Format::Whole:
+      return "General Number";
+    case Format::Amount:
+      return "Qty";
+    case Format::Date:
+    case Format::Moment:
+    case Format::When:
+      return "Short Date";
+    case Format::Money:
+      return "Currency";
+    case Format::Percent:
+      return "Percent";
+    case Format::Text:
+      break;
+  }
+  return "@";
+}
+
+std::string ExportCell(const TableColumn& column, const TableValue& value) {
+  if (const auto* text = std::get_if<std::string>(&value); text && column.format == Format::Notes) return *text;
+  return CellText(column, value);
+}
+
+std::string ReportText(const BuiltReport& report, const ExportOptions& options) {
+  const std::vector<std::size_t> columns = OrderOf(report, options.order);
+  TabbedText text;
+  if (options.headings) {
+    for (const std::size_t column : columns) text.Field(PlainCaption(report.columns[column].Caption()));
+    text.EndLine();
+  }
+  if (options.data)
+    for (const std::size_t row : report.order) {
+      for (const std::size_t column : columns) text.Field(ExportCell(report.columns[column], report.Cell(row, column)));
+      text.EndLine();
+    }
+  if (options.totals && !report.totals.empty()) {
+    const std::vector<TableValue> totals = report.Totals();
+    for (const std::size_t column : columns) {
+      const bool caption = column == 0 && std::holds_alternative<std::monostate>(totals[column]);
+      text.Field(caption ? report.totals : CellText(report.columns[column], totals[column]));
+    }
+    text.EndLine();
+  }
+  if (!report.complete) {
+    text.Field("INCOMPLETE");
+    text.EndLine();
+  }
+  return FitsCp1252(text.Text()) ? ToCp1252(text.Text()) : text.Text();
+}
+
+}  // namespace vellumark

@@ -1,0 +1,20 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+
+#include "core/reports/build.h"
+
+namespace vellumark {
+
+/// The report as tabbed text, a line for each row: of the columns that are shown, in the order of the options. Tabs and
+/// line ends within a text become `\t` and `\n`. A report that is not whole says so in a last line.
+std::string ReportText(const BuiltReport& report, const ExportOptions& options);
+
+/// The name of a format for programs: "@", "Qty", "Short Date".
+std::string_view FormatToken(Format format);
+
+/// What a cell says in an exported file: notes in full.
+std::string ExportCell(const TableColumn& column, const TableValue& value);
+
+}  // namespace vellumark
