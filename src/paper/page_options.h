@@ -4,7 +4,6 @@
 #include <QPageLayout>
 #include <QPageSize>
 #include <QString>
-#include <vector>
 
 #include "core/base/date.h"
 
@@ -24,14 +23,12 @@ struct PageOptions {
   bool data = true;
   bool totals = true;
   bool guideLines = false;  ///< rows of dots
-  bool incomplete = false;  ///< told in the title
 
   QString caption;  ///< of the program, above at the left
   QString database;
   QString trademark;  ///< of the Data File; empty without one
   DateTime printed;
   QLocale locale = QLocale::c();  ///< how numbers and dates are written; C: as files have them
-  std::vector<double> widths{};   ///< of the columns shown of the first table, in twips; empty: as its texts need
 
   /// With margins of half an inch.
   QPageLayout Layout() const;

@@ -12,7 +12,6 @@ int PrintToFile(Session& session, const Sheet& sheet, const PaperWish& wish, con
   if (!wish.paper.empty()) options.paper = EqualNoCase(wish.paper, "Letter") ? QPageSize::Letter : QPageSize::A4;
   options.landscape = wish.landscape;
   options.fontPercent = wish.fontPercent;
-  options.incomplete = wish.incomplete;
   SheetLayout layout(sheet, options, session.progress);
   if (layout.Cancelled() || !AskAboutFit(session, layout)) return 0;
   return WritePdf(file, sheet.title, layout, session.progress);

@@ -16,7 +16,6 @@ struct PaperWish {
   std::string paper;  ///< "A4" or "Letter"; empty: as is the custom of the locale
   bool landscape = false;
   int fontPercent = 100;  ///< 60 to 100
-  bool incomplete = false;
 };
 
 /// Writes the sheet as a PDF; the number of its pages. Asks about a table that would be hard to read on one page width:

@@ -23,12 +23,10 @@ SheetLayout::SheetLayout(const Sheet& sheet, PageOptions options, Progress& prog
       across_(options_.Layout().paintRect(QPageLayout::Point).width()) {
   options_.fontPercent = std::clamp(options_.fontPercent, kLeastFontPercent, 100);
   const ProgressRun run(progress, "Preparing to print ...");
-  bool first = true;
   for (const SheetBlock& block : sheet.blocks) {
     columns_.push_back(nullptr);
     if (!block.table) continue;
-    const std::vector<double> twips = std::exchange(first, false) ? options_.widths : std::vector<double>();
-    columns_.back() = std::make_unique<TableColumns>(*block.table, options_, typeface_, across_, twips);
+    columns_.back() = std::make_unique<TableColumns>(*block.table, options_, typeface_, across_, block.widths);
     const double large = block.large ? kLargeSize : 1;
     fit_.needed = std::max(fit_.needed, columns_.back()->Width() * large / across_ * Page::kAcross);
     allRows_ += columns_.back()->Rows();
@@ -53,7 +51,7 @@ void SheetLayout::SetPages(const PageSink& sink, Progress& progress) {
   const ProgressRun run(progress, "Printing ...");
   doneRows_ = 0;
   cancelled_ = false;
-  PageSetter setter(options_, typeface_, Q(sheet_.title) + (options_.incomplete ? " - INCOMPLETE" : ""),
+  PageSetter setter(options_, typeface_, Q(sheet_.title) + (sheet_.incomplete ? " - INCOMPLETE" : ""),
                     Q(sheet_.subtitle), sink);
   for (std::size_t i = 0; i < sheet_.blocks.size() && !setter.Stopped() && !cancelled_; ++i)
     SetBlock(setter, sheet_.blocks[i], columns_[i].get(), progress);

@@ -169,9 +169,9 @@ INSTANTIATE_TEST_SUITE_P(All, Shapes,
 
 TEST_F(PaperTest, SetsTheFrameOfEveryPage) {
   options.trademark = "INK is a trade mark of Somebody";
-  options.incomplete = true;
   Sheet sheet = Sheet::Of("Color List", Grid(80, 3));
   sheet.subtitle = "Basic Colors only";
+  sheet.incomplete = true;
   const auto pages = Print(sheet);
   ASSERT_GT(pages.size(), 1U);
   for (std::size_t n = 0; n < pages.size(); ++n) {
@@ -190,12 +190,12 @@ TEST_F(PaperTest, SetsTheFrameOfEveryPage) {
 
 // A column too narrow for what it holds: a number is whole or "####", never another number; a text loses its end.
 TEST_F(PaperTest, CutsNoNumber) {
-  const Sheet sheet =
+  Sheet sheet =
       Sheet::Of("Narrow", Rows({{"Name", "", Format::Text}, {"Qty", "", Format::Amount}, {"No", "", Format::Text}},
                                {{std::string("A"), 1.5, std::string("000042")},
                                 {std::string("PANTONE REFLEX BLUE C"), 12345.678, std::string("000043")},
                                 {std::string("B"), 123456789012.125, std::string("000000000000000044")}}));
-  options.widths = {1500, 800, 800};
+  sheet.blocks.front().widths = {1500, 800, 800};
   const auto body = BodyOf(Print(sheet).front());
   ASSERT_EQ(body.size(), 4U);
   EXPECT_EQ(body[1].Text(), "A 1.500 000042");
@@ -210,16 +210,35 @@ TEST_F(PaperTest, CutsNoNumber) {
   EXPECT_EQ(body[3].words[1].text, std::string(body[3].words[1].text.size(), '#')) << body[3].Text();
   EXPECT_EQ(body[3].words[2].text, std::string(body[3].words[2].text.size(), '#')) << body[3].Text();
   // Of one width with a page: a column is clamped, not lost.
-  options.widths = {20000, 1500, 1500};
+  sheet.blocks.front().widths = {20000, 1500, 1500};
   options.fitToPage = false;
   EXPECT_EQ(BodyOf(Print(sheet).front())[1].Text(), "A 1.500 000042");
+}
+
+// Paper follows the locale; a note is one line of a list.
+TEST_F(PaperTest, WritesNumbersAndDatesAsTheLocaleDoes) {
+  options.locale = QLocale(QLocale::German, QLocale::Germany);
+  options.guideLines = true;
+  ListTable table = Rows({{"Name", "", Format::Text},
+                          {"Qty", "", Format::Amount, 3, true},
+                          {"No", "", Format::Whole},
+                          {"Date", "", Format::When}},
+                         {{std::string("2.5 INK\nnew\tdrum"), 12.5, std::int64_t{1200}, DateTime{2026, 2, 3}}});
+  table.totals = "Totals";
+  const auto pages = Print(Sheet::Of("Colors", table));
+  Picture(file, "german");
+  const auto lines = LinesOf(pages.front());
+  EXPECT_NE(std::ranges::find(lines, "2.5 INK new drum 12,500 1200 03.02.26"), lines.end())
+      << fmt::format("{}", fmt::join(lines, "\n"));
+  EXPECT_NE(std::ranges::find(lines, "Totals 12,500"), lines.end());
+  EXPECT_NE(std::ranges::find(lines, "Database: MAIN 25.11.26 14:05"), lines.end());
 }
 
 TEST_F(PaperTest, AsksBelowSevenPointsOnly) {
   const auto fitOf = [&](std::vector<double> widths, bool landscape = false) {
     std::vector<TableColumn> columns(widths.size(), {"C", "", Format::Text});
-    const Sheet sheet = Sheet::Of("Wide", Rows(columns, {}));
-    options.widths = std::move(widths);
+    Sheet sheet = Sheet::Of("Wide", Rows(columns, {}));
+    sheet.blocks.front().widths = std::move(widths);
     options.landscape = landscape;
     return SheetLayout(sheet, options, progress).Fitting();
   };

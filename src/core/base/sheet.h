@@ -20,6 +20,7 @@ struct SheetBlock {
   std::string heading{};
   std::vector<SheetField> fields{};
   std::optional<ListTable> table{};
+  std::vector<double> widths{};      ///< of the columns shown, in twips, 0 hides one; empty: as wide as their texts
   std::vector<std::string> lines{};  ///< as much text as there is; line ends in it count
   bool large = false;                ///< what is read across a bench
 };
@@ -28,6 +29,7 @@ struct SheetBlock {
 struct Sheet {
   std::string title;
   std::string subtitle{};
+  bool incomplete = false;  ///< its making was stopped, which the title tells
   std::vector<SheetBlock> blocks{};
 
   static Sheet Of(std::string title, ListTable table) {

@@ -154,7 +154,6 @@ void PrintBoxForm::BuildPreview(Form form) {
 
 void PrintBoxForm::OnOpen(const Arguments& arguments) {
   if (arguments.Has("Sheet")) sheet_ = arguments.Get<Sheet>("Sheet");
-  options_.incomplete = arguments.Has("Incomplete") && arguments.Get<bool>("Incomplete");
   setWindowTitle(tr("Print Control - %1").arg(Q(sheet_.title)));
   ready_ = true;
   Refresh();

@@ -26,8 +26,7 @@ struct PrintDevices {
   static PrintDevices OfSystem();
 };
 
-/// Print Control: which printer, how the pages are to be, and what they look like. Opened with {"Sheet", Sheet}, and
-/// with {"Incomplete", true} for a report that was stopped.
+/// Print Control: which printer, how the pages are to be, and what they look like. Opened with {"Sheet", Sheet}.
 class PrintBoxForm : public Dialog {
   Q_OBJECT
 
