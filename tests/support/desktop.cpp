@@ -70,7 +70,18 @@ void Quietly(QtMsgType type, const QMessageLogContext&, const QString& text) {
   if (type == QtFatalMsg) std::abort();
 }
 
+// A program that ended in one test told the application so, and no dialog would run in the next.
+class BeginsAnew : public testing::EmptyTestEventListener {
+  void OnTestStart(const testing::TestInfo&) override { RunAgain(); }
+};
+
 }  // namespace
+
+void RunAgain() {
+  QMetaObject::invokeMethod(
+      qApp, [] { QCoreApplication::exit(); }, Qt::QueuedConnection);
+  QCoreApplication::exec();
+}
 
 void Settle() {
   for (int round = 0; round < 3; ++round) {
@@ -205,5 +216,6 @@ int main(int argc, char** argv) {
   vellumark::desktop::Look::SetTheme(vellumark::desktop::Theme::Light);
   application.OnFailure(
       [](const std::string& title, const std::string& text) { ADD_FAILURE() << title << ": " << text; });
+  testing::UnitTest::GetInstance()->listeners().Append(new vellumark::test::BeginsAnew);
   return RUN_ALL_TESTS();
 }

@@ -30,6 +30,8 @@ W& Control(QWidget& root, const char* name) {
 
 /// Real key and mouse events, and what they cause, done with.
 void Settle();
+/// After a program that ended by itself: dialogs run again. Each test begins with it.
+void RunAgain();
 /// Waits until `done`, while events are handled; false after `timeout` ms.
 bool WaitFor(const std::function<bool()>& done, int timeout = 5000);
 void Press(QWidget& widget, Qt::Key key, Qt::KeyboardModifiers modifiers = Qt::NoModifier);

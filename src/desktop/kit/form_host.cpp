@@ -6,6 +6,7 @@
 #include <QMetaMethod>
 #include <QShortcut>
 #include <QTabWidget>
+#include <QTimer>
 #include <algorithm>
 #include <stdexcept>
 
@@ -224,6 +225,12 @@ void FormHost::Ready() {
 void FormHost::Closing() {
   ready_ = false;
   for (Field* field : fields_) field->Control().blockSignals(true);
+  // What it had put off would come while the window is still there, but perhaps no file any more.
+  QCoreApplication::removePostedEvents(&self_, QEvent::MetaCall);
+  for (QObject* part : self_.findChildren<QObject*>()) {
+    QCoreApplication::removePostedEvents(part, QEvent::MetaCall);
+    if (auto* timer = qobject_cast<QTimer*>(part)) timer->stop();
+  }
 }
 
 bool FormHost::EnterPressed(QWidget* from) {

@@ -23,6 +23,7 @@ Grid::Grid(const QString& name) {
   auto* header = new GridHeader(*this, view_);
   view_->setHorizontalHeader(header);
   view_->setItemDelegate(new GridDelegate(*this));
+  model_.setParent(this);  // among what a closing window goes through
   view_->setModel(&model_);
   view_->setSelectionBehavior(QAbstractItemView::SelectRows);
   view_->setSelectionMode(QAbstractItemView::SingleSelection);

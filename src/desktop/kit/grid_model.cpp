@@ -120,10 +120,15 @@ void GridModel::fetchMore(const QModelIndex& parent) {
   if (more_ && !goesOn_ && (rows == before || rows < kFirstRows)) {
     // Little in this stretch: no view asks again for rows that it did not get.
     goesOn_ = true;
-    QTimer::singleShot(0, this, [this] {
+    // A child of the model: a window that closes stops it.
+    auto* again = new QTimer(this);
+    again->setSingleShot(true);
+    connect(again, &QTimer::timeout, this, [this, again] {
+      again->deleteLater();
       goesOn_ = false;
       fetchMore({});
     });
+    again->start(0);
   }
   Q_EMIT RowsRead();
 }

@@ -8,6 +8,11 @@
 #include "desktop/kit/text.h"
 
 namespace vellumark::desktop {
+namespace {
+
+constexpr const char* kClosed = "closed";
+
+}  // namespace
 
 Window::Window(WindowList& windowList, const QString& name, const QString& title, Stands stands)
     : QWidget(stands == Stands::InTheArea ? windowList.TakeRoom() : nullptr),
@@ -18,6 +23,9 @@ Window::Window(WindowList& windowList, const QString& name, const QString& title
 }
 
 Window::~Window() {
+  // One that was closed may outlive the list.
+  if (property(kClosed).toBool()) return;
+  Closing();
   windows.Forget(*this);
 }
 
@@ -34,7 +42,8 @@ void Window::Do(const QString& command) {
 }
 
 bool Window::Leave() {
-  return close();
+  // One that is being asked already says that it has closed; it has once the list no longer knows it.
+  return close() && windows.Form(Name()) != this;
 }
 
 void Window::closeEvent(QCloseEvent* event) {
@@ -44,6 +53,7 @@ void Window::closeEvent(QCloseEvent* event) {
   }
   Closing();
   event->accept();
+  setProperty(kClosed, true);
   windows.Forget(*this);
   deleteLater();
 }
@@ -70,6 +80,7 @@ Dialog::Dialog(WindowList& windowList, QWidget* owner, const QString& name, cons
 }
 
 Dialog::~Dialog() {
+  Closing();
   windows.Forget(*this);
 }
 

@@ -134,14 +134,13 @@ bool WindowList::IsFormulaInUse(std::string_view formula) const {
 }
 
 bool WindowList::CloseChildWindows(const std::vector<std::string>& except) {
-  const std::vector<Window*> all = open_;
-  for (auto it = all.rbegin(); it != all.rend(); ++it) {
-    // Closing one window may have closed another.
-    if (std::ranges::find(open_, *it) == open_.end()) continue;
-    if (std::ranges::find(except, (*it)->Name()) != except.end()) continue;
-    if (!(*it)->Leave()) return false;
+  const auto goes = [&](const Window* window) { return std::ranges::find(except, window->Name()) == except.end(); };
+  // Closing one window may close others, and what is asked meanwhile may open one: what stands there now counts.
+  for (;;) {
+    const auto last = std::ranges::find_if(open_.rbegin(), open_.rend(), goes);
+    if (last == open_.rend()) return true;
+    if (!(*last)->Leave()) return false;
   }
-  return true;
 }
 
 bool WindowList::CloseForm(std::string_view name) {
@@ -182,7 +181,9 @@ void WindowList::DeliverChanges() {
   if (changes.empty()) return;
   const std::vector<Open> hosts = hosts_;
   for (const Open& open : hosts) {
-    if (open.object != nullptr) open.host->OnChanges(changes);
+    // One that another has closed meanwhile may still be there, and hears no more.
+    const auto isThis = [&](const Open& host) { return host.object == open.object; };
+    if (open.object != nullptr && std::ranges::any_of(hosts_, isThis)) open.host->OnChanges(changes);
   }
 }
 

@@ -1,5 +1,6 @@
 #include "desktop/shell/program.h"
 
+#include "core/shell/opening.h"
 #include "core/shell/support_renewal.h"
 
 namespace vellumark::desktop {
@@ -18,7 +19,7 @@ bool Program::Start(const StartOptions& options) {
   } catch (const EndOfProgram&) {
     // Chosen in a window of the start: whatever is open is closed, nothing is asked.
     main_.OnClosing({});
-    session_.DataFileDB.reset();
+    CloseDataFile(session_, startup_);
     return false;
   } catch (const Failure& failure) {
     main_.OnClosing({});

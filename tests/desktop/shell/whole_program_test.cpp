@@ -6,31 +6,18 @@
 #include <QLineEdit>
 
 #include "desktop/kit/message_prompt.h"
+#include "furnished_room.h"
 #include "running.h"
-#include "support/cli_run.h"
 
 namespace vellumark::test {
 namespace {
 
 struct WholeProgramTest : testing::Test {
-  WholeProgramTest() {
-    room.MakeFile();
-    for (const std::vector<std::string>& verb : std::vector<std::vector<std::string>>{
-             {"color", "add", "RED", "PurchaseCost=4.25"},
-             {"color", "add", "BLUE"},
-             {"formula", "add", "TARGET", "RED=60", "BLUE=40"},
-             {"stock", "adjust", "RED", "500"},
-             {"stock", "adjust", "BLUE", "500"},
-             {"batch", "save", "--formula", "TARGET", "--quantity", "20", "--mix"}}) {
-      const CliAnswer answer = room.Run(verb);
-      if (answer.status != 0) throw std::logic_error(verb[0] + " " + verb[1] + ": " + answer.err);
-    }
-  }
   bool Start(RunningProgram<desktop::MessagePrompt>& running) {
     return running.Start({desktop::ChooseFile, [&](const auto&) { return room.folder.Path(); }});
   }
 
-  CliRoom room;
+  FurnishedRoom room;
 };
 
 // Whoever presses Enter without reading deletes nothing.
