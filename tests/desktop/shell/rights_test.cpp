@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <map>
 #include <set>
 
 #include "core/session/acts.h"
@@ -11,6 +12,7 @@
 #include "desktop/reports/register.h"
 #include "desktop/session/register.h"
 #include "desktop/settings/register.h"
+#include "desktop/shell/commands.h"
 #include "desktop/shell/program.h"
 #include "desktop/tools/register.h"
 #include "support/desk.h"
@@ -65,6 +67,53 @@ TEST(WindowRights, AWindowOpensOnlyForItsRights) {
       EXPECT_FALSE(opened);
     }
   }
+}
+
+// An entry that can be chosen leads to a window that opens, and no right keeps an entry off that its window does not
+// ask.
+TEST(WindowRights, EntriesAndButtonsAreOnForTheRightsOfTheirWindows) {
+  AllWindows desk;
+  Session& session = desk.session;
+  session.CurrentUser = "ANNA";
+  session.DataFileOpen = session.RecordsetsOpen = true;
+  const auto isOn = [&](std::string name) {
+    bool on = true;
+    for (; on && !name.empty(); name = MenuItemNow(session, name).parent)
+      on = MenuItemNow(session, name).enabled && MenuItemNow(session, name).visible;
+    return on;
+  };
+  int tried = 0;
+  for (const bool administrator : {true, false}) {
+    session.IsAdminUser = administrator;
+    TakeRights(session, UserRights::All());
+    std::map<std::string, Act> ways;
+    for (const MenuItem& item : MenuItems(session))
+      if (const auto act = ActOfWindow(desktop::DialogOfMenuItem(item.name))) ways.emplace(item.name, *act);
+    ASSERT_GT(ways.size(), 15U);
+    std::set<std::string> offAnyway;
+    for (const auto& [name, act] : ways)
+      if (!isOn(name)) offAnyway.insert(name);
+    for (const RightField& field : RightFields()) {
+      TakeRights(session, UserRights::All());
+      session.*field.permission = field.full - 1;
+      for (const auto& [name, act] : ways) {
+        // Options that only look ask for the right of their menu.
+        const bool inOptions = MenuItemNow(session, name).parent == "menuDFOptions";
+        const bool inAdvanced = MenuItemNow(session, name).parent == "menuDFAdvanced";
+        const bool may = MayDo(session, act) && (!inOptions || MayDo(session, Act::Options)) &&
+                         (!inAdvanced || MayDo(session, Act::DataFiles));
+        EXPECT_EQ(isOn(name), may && !offAnyway.contains(name)) << name << " without all of " << field.field;
+        ++tried;
+      }
+      for (const ToolbarButton& button : ToolbarButtons(session)) {
+        const auto act = ActOfWindow(button.target);
+        if (!act) continue;
+        EXPECT_EQ(button.enabled, MayDo(session, *act)) << button.key << " without all of " << field.field;
+      }
+    }
+    EXPECT_EQ(offAnyway.contains("menuDFUsers_AdminOptions"), !administrator);
+  }
+  EXPECT_GT(tried, 300);
 }
 
 }  // namespace
