@@ -48,7 +48,7 @@ struct BatchRoom : LargeRoom {
                       AddBatchAdditions(session, record, additions);
     if (!done) throw std::runtime_error("the Batch was refused");
     for (std::size_t row = 0; row < record.work.Rows.size(); ++row) {
-      LotUse use{.LotRefID = 1, .LotNumber = "L", .LotQty = static_cast<float>(Fixed(record.work.Rows[row].amount, 3))};
+      LotUse use{.LotRefID = 1, .LotNumber = "L", .LotQty = static_cast<float>(record.work.Rows[row].amount)};
       if (!SetRowLots(session, record, row, LotSelection{{use}})) throw std::runtime_error("the lots were refused");
     }
     record.fields.LotNumber = "MADE";

@@ -43,7 +43,7 @@ std::string RowsText(const Json& rows) {
 std::string CommandName(const CLI::App& verb) {
   std::string name = verb.get_name();
   for (const CLI::App* noun = verb.get_parent(); noun->get_parent() != nullptr; noun = noun->get_parent())
-    name = noun->get_name() + " " + name;
+    name.insert(0, noun->get_name() + " ");
   return name;
 }
 

@@ -4,6 +4,7 @@
 
 #include <charconv>
 #include <chrono>
+#include <iterator>
 
 namespace vellumark {
 namespace {
@@ -17,8 +18,9 @@ std::chrono::sys_days SysDays(int year, int month, int day) {
 std::optional<int> TakeNumber(std::string_view& text, std::size_t digits) {
   if (text.size() < digits) return std::nullopt;
   int value = 0;
-  const auto [end, error] = std::from_chars(text.data(), text.data() + digits, value);
-  if (error != std::errc{} || end != text.data() + digits || text[0] == '-') return std::nullopt;
+  const char* const last = std::next(text.data(), static_cast<std::ptrdiff_t>(digits));
+  const auto [end, error] = std::from_chars(text.data(), last, value);
+  if (error != std::errc{} || end != last || text[0] == '-') return std::nullopt;
   text.remove_prefix(digits);
   return value;
 }
@@ -36,7 +38,7 @@ std::int64_t DateTime::DayNumber() const {
 }
 
 std::int64_t DateTime::SecondNumber() const {
-  return DayNumber() * 86400 + hour * 3600 + minute * 60 + second;
+  return DayNumber() * 86400 + hour * std::int64_t{3600} + minute * std::int64_t{60} + second;
 }
 
 std::string DateTime::ToText() const {

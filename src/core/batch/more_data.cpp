@@ -2,6 +2,7 @@
 
 #include "core/base/text.h"
 #include "core/batch/bench.h"
+#include "core/session/settings.h"
 
 namespace vellumark {
 namespace {

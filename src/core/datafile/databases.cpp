@@ -25,7 +25,7 @@ std::optional<std::string> DatabaseNameFault(const std::string& name) {
 
 Result<std::string> NewDatabaseName(std::string_view typed, const std::vector<std::string>& existing,
                                     std::string_view dataFileName) {
-  const std::string name = Upper(TrimView(typed));
+  std::string name = Upper(TrimView(typed));
   if (name.empty())
     return Refuse("New Database - Database Name?", "Please enter a name for the new database.", "txtDBName");
   if (auto fault = DatabaseNameFault(name)) return Refuse("New Database - Database Name?", *fault, "txtDBName");

@@ -11,7 +11,7 @@ namespace {
 
 constexpr std::int32_t kCounterEnd = 999999;
 
-constexpr std::string_view kAllLots = "";
+constexpr std::string_view kAllLots;
 constexpr std::string_view kOwned = " AND (LotConsignment IS NULL OR LotConsignment = 0)";
 constexpr std::string_view kConsigned = " AND LotConsignment <> 0";
 

@@ -35,7 +35,7 @@ Result<std::string> ListedDatabase(const Session& session, std::string_view name
 }
 
 Result<std::string> NameForRename(const Session& session, std::string_view typedName) {
-  const std::string name = Upper(TrimView(typedName));
+  std::string name = Upper(TrimView(typedName));
   if (name.empty()) return Refuse("Bad Database Name", "Enter a valid name for the database", "txtDBName");
   if (auto fault = DatabaseNameFault(name)) return Refuse("Bad Database Name", *fault, "txtDBName");
   if (ListedDatabase(session, name))

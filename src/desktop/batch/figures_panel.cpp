@@ -38,7 +38,7 @@ void FiguresPanel::Show(const BatchRecord& record) {
   const bool rows = !record.work.Rows.empty();
   const bool prices = session.Perm_Costs != 0;
   blocked_->setVisible(!prices);
-  const auto put = [&](const Figure& figure, std::string text, bool visible = true) {
+  const auto put = [&](const Figure& figure, const std::string& text, bool visible = true) {
     figure.value->SetText(rows ? text : std::string());
     figure.caption->setVisible(visible);
     figure.value->setVisible(visible);

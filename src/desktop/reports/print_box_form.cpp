@@ -64,7 +64,7 @@ PrintBoxForm::PrintBoxForm(WindowList& windowList, QWidget* owner, PrintDevices 
 void PrintBoxForm::BuildPrinter(Form form) {
   form.Row(tr("P&rinter"), printer_ = form.Combo("cmbPrinter"));
   ShowPrinters(*printer_, devices_.printers(), paper::ReportPrinter(session));
-  printer_->OnChosen([this](int) { StoreSettings(session, { setting::ReportPrinter.To(ChosenDevice(*printer_)); }) });
+  printer_->OnChosen([this](int) { StoreSettings(session, {setting::ReportPrinter.To(ChosenDevice(*printer_))}); });
   form.Row(tr("&Copies"), copies_ = form.Number("txtCopies", 0, tr("1 to 999"), 5));
   copies_->SetText("1");
   form.Row(tr("P&ages"), {from_ = form.Number("txtFrom", 0, tr("The first page; empty: all"), 5), form.Hint(tr("to")),

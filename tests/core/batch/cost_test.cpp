@@ -128,7 +128,7 @@ TEST(CostDefaults, ComeFromTheSettingsAndABatchWithoutRowsCostsNothingPerUnit) {
   EXPECT_EQ(room.work.UMF, 4);
   EXPECT_EQ(room.work.cost.MixCostOption, 1);
   EXPECT_EQ(room.work.cost.FixedCostOfBatch, 2.5F);
-  EXPECT_EQ(room.work.cost.MarkupPercent, 100);
+  EXPECT_EQ(room.work.cost.MarkupPercent, 0) << "out of range: the default";
   EXPECT_EQ(room.work.cost.MixVOCModelType, 0);
   EXPECT_EQ(UnitCostCaption(room.work), "Cost per oz.");
   ASSERT_TRUE(MixAction(room.session, room.work));

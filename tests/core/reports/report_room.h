@@ -10,6 +10,7 @@
 #include "core/reports/build.h"
 #include "core/reports/catalogue.h"
 #include "core/reports/report_text.h"
+#include "core/session/settings.h"
 #include "support/stock_room.h"
 
 namespace vellumark::test {
@@ -22,6 +23,7 @@ struct Line {
 
 /// An ink room whose Batches and jobs are put in row by row.
 struct ReportRoom : StockRoom {
+  ReportRoom() { StoreSettings(session, InitialValues(setting::Batches_UDNum_Format)); }
   void AddDatabase(const std::string& name) {
     CreateEmptyDatabase(session.File(), name);
     session.databaseList.push_back(name);
