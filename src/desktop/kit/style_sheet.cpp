@@ -34,15 +34,15 @@ QComboBox QLineEdit, QComboBox QLineEdit:focus, QAbstractSpinBox QLineEdit, QAbs
   border: none; padding: 0; min-height: 0; background: transparent; }
 QListView::item, QTreeView::item { background: @surface; min-height: 26px; padding: 0 4px; }
 QListView::item:selected, QTreeView::item:selected { background: @chosen; color: @text; }
-QPushButton { background: @raised; color: @text; border: 1px solid @line; border-radius: 4px; padding: 0 15px;
+QPushButton { background: @raised; color: @text; border: 1px solid @line; border-radius: 4px; padding: 0 13px;
   min-height: 30px; min-width: 64px; outline: none; }
 QPushButton:hover { border-color: @border; }
 QPushButton:pressed { background: @line; }
-QPushButton:focus { border: 2px solid @accent; padding: 0 14px; }
+QPushButton:focus { border: 2px solid @accent; padding: 0 12px; }
 QPushButton:disabled { color: @off; background: @window; border-color: @line; }
 QPushButton[primary="true"]:enabled { background: @accent; color: @onAccent; border-color: @accent; }
 QPushButton[primary="true"]:focus { border: 2px solid @text; }
-QPushButton[outlined="true"]:enabled { border: 2px solid @accent; padding: 0 14px; }
+QPushButton[outlined="true"]:enabled { border: 2px solid @accent; padding: 0 12px; }
 QPushButton[outlined="true"][primary="true"]:focus { border: 2px solid @text; }
 QPushButton[link="true"] { background: transparent; border-color: transparent; color: @accent; padding: 0 7px;
   min-width: 0; text-align: left; }
