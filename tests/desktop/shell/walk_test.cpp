@@ -1,0 +1,235 @@
+// Every window walked by Tab and by Enter: both come by the same fields, and what is typed is taken or refused alike.
+
+#include <gtest/gtest.h>
+
+#include <QDialog>
+#include <QPlainTextEdit>
+#include <QTimer>
+#include <set>
+
+#include "core/batch/record.h"
+#include "core/datafile/color_kind.h"
+#include "desktop/kit/message_prompt.h"
+#include "running.h"
+#include "support/cli_run.h"
+
+namespace vellumark::test {
+namespace {
+
+using desktop::Field;
+
+struct Walked {
+  const char* window;
+  desktop::Arguments shows = {};
+};
+
+// Those with fields that open by themselves. In the Batch Window and among the lots of a colour Enter acts, which their
+// own tests press.
+std::vector<Walked> Windows() {
+  return {{"BasicColorsForm", {{"FindRecord", "RED"}}},
+          {"BasicColorsForm"},
+          {"MixColorsForm", {{"FindRecord", "TARGET"}}},
+          {"MixColorsForm"},
+          {"AdjustReorderForm", {{"FindRecord", "RED"}, {"Kind", ColorKind::Basic}}},
+          {"StockHistoryForm"},
+          {"ResetInvForm"},
+          {"ResetReorderForm"},
+          {"DBAdditiveControl"},
+          {"DBFormulaModifierForm"},
+          {"DBRenameColors"},
+          {"DBDelColors"},
+          {"ResetBasicCostForm"},
+          {"ResetMixCostForm"},
+          {"ResetBasic_VOC_HAP_Form"},
+          {"ResetMixColor_VOC_HAP"},
+          {"DefaultCostModelForm"},
+          {"VOC_HAP_OptMenu"},
+          {"AutofillForm"},
+          {"RemindersForm"},
+          {"UMSettingForm"},
+          {"UnitCostAccuracyForm"},
+          {"OptionMaxNameLen"},
+          {"NewDBForm"},
+          {"RenameDBForm"},
+          {"NewBasicNameForm", {{"Color_Name", "RED"}}},
+          {"NewMixNameForm", {{"Color_Name", "TARGET"}}},
+          {"NewUserForm"},
+          {"NewAdminForm"},
+          {"LoginForm"}};
+}
+
+Field* FieldWithFocus() {
+  for (QWidget* widget = QApplication::focusWidget(); widget != nullptr; widget = widget->parentWidget())
+    if (auto* field = dynamic_cast<Field*>(widget)) return field;
+  return nullptr;
+}
+
+std::string NameOf(Field* field) {
+  return field == nullptr ? std::string() : field->Control().objectName().toStdString();
+}
+
+// The first field of the window in its order, with the focus.
+bool Begin(QWidget& window) {
+  for (QWidget* next = window.nextInFocusChain(); next != &window; next = next->nextInFocusChain()) {
+    if (!window.isAncestorOf(next) || !next->isVisible() || !next->isEnabled() || next->focusProxy() != nullptr) continue;
+    if ((next->focusPolicy() & Qt::TabFocus) == 0) continue;
+    next->setFocus(Qt::TabFocusReason);
+    if (FieldWithFocus() == nullptr) continue;
+    Settle();
+    return true;
+  }
+  return false;
+}
+
+void GoOn(Qt::Key key) {
+  const bool note = qobject_cast<QPlainTextEdit*>(QApplication::focusWidget()) != nullptr;
+  PressOn(key, note && key == Qt::Key_Return ? Qt::ControlModifier : Qt::NoModifier);
+}
+
+struct WalkTest : testing::Test {
+  WalkTest() {
+    room.MakeFile();
+    for (const std::vector<std::string>& verb : std::vector<std::vector<std::string>>{
+             {"color", "add", "RED", "PurchaseCost=4.25"},
+             {"color", "add", "BLUE"},
+             {"color", "add", "DRIER", "Additive=true"},
+             {"formula", "add", "TARGET", "RED=60", "BLUE=40"},
+             {"addset", "add", "STD SET", "DRIER=2"},
+             {"settings", "set", "InvLotTracking", "1"},
+             {"stock", "adjust", "RED", "500", "--lot", "A"},
+             {"stock", "adjust", "BLUE", "500"},
+             {"batch", "save", "--formula", "TARGET", "--quantity", "20", "--mix", "--job", "J1=15"}}) {
+      const CliAnswer answer = room.Run(verb);
+      if (answer.status != 0) throw std::logic_error(verb[0] + " " + verb[1] + ": " + answer.err);
+    }
+    const bool ready =
+        running.Start({desktop::ChooseFile, [&](const auto&) { return room.folder.Path(); }});
+    if (!ready) throw std::logic_error("the program did not start");
+    running.prompt.SetHook([this](const Message& message) {
+      told.push_back(message.title + ": " + message.text);
+      return message.buttons == Buttons::YesNo || message.buttons == Buttons::YesNoCancel ? Answer::No
+             : message.buttons == Buttons::OkCancel                                       ? Answer::Cancel
+                                                                                          : Answer::Ok;
+    });
+    running.program.Main().activateWindow();
+    Settle();
+    // A dialog that a field or a window opens of its own goes as it came.
+    QObject::connect(&strays, &QTimer::timeout, [this] {
+      auto* dialog = qobject_cast<QDialog*>(QApplication::activeModalWidget());
+      if (dialog == nullptr || dialog->objectName() == walkedName) return;
+      if (dialog->objectName() != "InvLotInstructions") told.push_back(dialog->objectName().toStdString());
+      dialog->done(QDialog::Rejected);
+    });
+    strays.start(5);
+  }
+
+  // Does `inside` in the window as it has just been opened, and lets it go unsaved.
+  void In(const Walked& walked, const std::function<void(QWidget&)>& inside) {
+    told.clear();
+    walkedName = walked.window;
+    desktop::Window* window = nullptr;
+    try {
+      window = running.windows.OpenForm(walked.window, walked.shows);
+    } catch (const std::logic_error&) {
+      WithModal([&] { static_cast<void>(running.windows.RunDialog(walked.window, walked.shows)); },
+                [&](QWidget& dialog) {
+                  const QPointer<QWidget> open = &dialog;
+                  Settle();
+                  inside(dialog);
+                  if (auto* left = qobject_cast<QDialog*>(open.data()); left != nullptr) left->done(QDialog::Rejected);
+                });
+      return;
+    }
+    ASSERT_NE(window, nullptr);
+    const QPointer<desktop::Window> open = window;
+    Settle();
+    running.program.Main().activateWindow();  // a stray had the keys
+    Settle();
+    inside(*window);
+    if (open != nullptr) open->Leave();
+    Settle();
+  }
+
+  // The fields that the key comes by, from the first one on, until it comes back, leaves the fields or says something.
+  std::vector<std::string> Passed(QWidget& window, Qt::Key key) {
+    std::vector<std::string> names;
+    std::set<std::string> seen;
+    const QPointer<QWidget> open = &window;
+    if (!Begin(window)) return names;
+    for (int step = 0; step < 200 && open != nullptr && open->isVisible() && told.empty(); ++step) {
+      Field* field = FieldWithFocus();
+      if (field == nullptr && key == Qt::Key_Return) break;
+      if (field != nullptr && (names.empty() || names.back() != NameOf(field))) {
+        if (!seen.insert(NameOf(field)).second) break;
+        names.push_back(NameOf(field));
+      }
+      if (QApplication::focusWidget() == nullptr) break;
+      GoOn(key);
+    }
+    return names;
+  }
+
+  struct Taken {
+    std::vector<std::string> told;
+    std::string text;
+    bool stays = false;
+    bool operator==(const Taken&) const = default;
+  };
+
+  // The text typed into the field, and how the key went on.
+  std::optional<Taken> Typed(QWidget& window, const std::string& name, const std::string& text, Qt::Key key) {
+    auto* line = window.findChild<desktop::TextField*>(QString::fromStdString(name));
+    if (line == nullptr || line->isReadOnly() || !line->isEnabled() || !line->isVisible()) return std::nullopt;
+    const QPointer<desktop::TextField> field = line;
+    field->setFocus(Qt::TabFocusReason);
+    Settle();
+    told.clear();
+    Press(*field, Qt::Key_A, Qt::ControlModifier);
+    TypeOn(text);
+    if (field == nullptr || QApplication::focusWidget() != field) return std::nullopt;
+    GoOn(key);
+    if (field == nullptr) return std::nullopt;
+    return Taken{told, field->Text(), QApplication::focusWidget() == field};
+  }
+
+  CliRoom room;
+  RunningProgram<desktop::MessagePrompt> running{room.folder.Path()};
+  std::vector<std::string> told;
+  QTimer strays;
+  QString walkedName;
+};
+
+TEST_F(WalkTest, TabAndEnterComeByTheSameFields) {
+  for (const Walked& walked : Windows()) {
+    SCOPED_TRACE(walked.window);
+    std::vector<std::string> byTab, byEnter;
+    In(walked, [&](QWidget& window) { byTab = Passed(window, Qt::Key_Tab); });
+    In(walked, [&](QWidget& window) { byEnter = Passed(window, Qt::Key_Return); });
+    EXPECT_FALSE(byTab.empty());
+    EXPECT_EQ(byTab, byEnter);
+  }
+}
+
+TEST_F(WalkTest, WhatIsTypedIsTakenOrRefusedByTabAsByEnter) {
+  for (const Walked& walked : Windows()) {
+    std::vector<std::string> names;
+    In(walked, [&](QWidget& window) { names = Passed(window, Qt::Key_Return); });
+    if (!names.empty()) names.pop_back();  // behind the last one Enter is the default button
+    for (const std::string& name : names) {
+      for (const char* text : {"-5", "7"}) {
+        SCOPED_TRACE(std::string(walked.window) + " " + name + " " + text);
+        std::optional<Taken> byTab, byEnter;
+        In(walked, [&](QWidget& window) { byTab = Typed(window, name, text, Qt::Key_Tab); });
+        if (!byTab) continue;
+        In(walked, [&](QWidget& window) { byEnter = Typed(window, name, text, Qt::Key_Return); });
+        ASSERT_TRUE(byEnter);
+        EXPECT_EQ(byTab->told, byEnter->told);
+        EXPECT_EQ(byTab->text, byEnter->text);
+        EXPECT_EQ(byTab->stays, byEnter->stays);
+      }
+    }
+  }
+}
+
+}  // namespace
+}  // namespace vellumark::test
