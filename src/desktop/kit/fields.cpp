@@ -6,10 +6,12 @@
 #include <QHBoxLayout>
 #include <QKeyEvent>
 #include <QLocale>
+#include <QPushButton>
 #include <QRegularExpression>
 #include <QStyle>
 #include <QStyleOption>
 #include <QStylePainter>
+#include <QTabBar>
 #include <QValidator>
 
 #include "core/base/number.h"
@@ -151,7 +153,12 @@ void TextField::focusOutEvent(QFocusEvent* event) {
   QLineEdit::focusOutEvent(event);
   const bool stays = event->reason() == Qt::PopupFocusReason || event->reason() == Qt::ActiveWindowFocusReason ||
                      event->reason() == Qt::MenuBarFocusReason;
-  if (!stays) Q_EMIT Left(QApplication::focusWidget());
+  if (stays) return;
+  // A button that is clicked is what the operator wants done, such as Cancel; one that Tab comes to only stands next.
+  QWidget* receiver = QApplication::focusWidget();
+  const bool byTab = event->reason() == Qt::TabFocusReason || event->reason() == Qt::BacktabFocusReason;
+  const bool button = qobject_cast<QPushButton*>(receiver) != nullptr || qobject_cast<QTabBar*>(receiver) != nullptr;
+  Q_EMIT Left(byTab && button ? this : receiver);
 }
 
 NumberField::NumberField(const QString& name, int decimals, int chars)

@@ -73,8 +73,8 @@ class TextField : public QLineEdit, public Field {
   void SetWidthInChars(int count);
 
  Q_SIGNALS:
-  /// The focus went on to another control of the program (never for a menu, a message or another program). The
-  /// receiver may be null. Asked here, before that control does anything.
+  /// The focus went on to another control of the program (never for a menu, a message or another program), which may be
+  /// null; by Tab to a button or tabs: the field itself. Asked here, before that control does anything.
   void Left(QWidget* receiver);
 
  protected:

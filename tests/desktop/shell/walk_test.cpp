@@ -21,15 +21,16 @@ using desktop::Field;
 struct Walked {
   const char* window;
   desktop::Arguments shows = {};
+  bool enterActs = false;  ///< in a field of it, instead of going on
 };
 
-// Those with fields that open by themselves. In the Batch Window and among the lots of a colour Enter acts, which their
-// own tests press.
+// Those with fields that open by themselves, but for the Batch Window, where Enter mixes.
 std::vector<Walked> Windows() {
   return {{"BasicColorsForm", {{"FindRecord", "RED"}}},
           {"BasicColorsForm"},
           {"MixColorsForm", {{"FindRecord", "TARGET"}}},
           {"MixColorsForm"},
+          {"AdjustInventoryForm", {{"FindRecord", "RED"}, {"Kind", ColorKind::Basic}}, true},
           {"AdjustReorderForm", {{"FindRecord", "RED"}, {"Kind", ColorKind::Basic}}},
           {"StockHistoryForm"},
           {"ResetInvForm"},
@@ -71,7 +72,8 @@ std::string NameOf(Field* field) {
 // The first field of the window in its order, with the focus.
 bool Begin(QWidget& window) {
   for (QWidget* next = window.nextInFocusChain(); next != &window; next = next->nextInFocusChain()) {
-    if (!window.isAncestorOf(next) || !next->isVisible() || !next->isEnabled() || next->focusProxy() != nullptr) continue;
+    if (!window.isAncestorOf(next) || !next->isVisible() || !next->isEnabled() || next->focusProxy() != nullptr)
+      continue;
     if ((next->focusPolicy() & Qt::TabFocus) == 0) continue;
     next->setFocus(Qt::TabFocusReason);
     if (FieldWithFocus() == nullptr) continue;
@@ -102,8 +104,7 @@ struct WalkTest : testing::Test {
       const CliAnswer answer = room.Run(verb);
       if (answer.status != 0) throw std::logic_error(verb[0] + " " + verb[1] + ": " + answer.err);
     }
-    const bool ready =
-        running.Start({desktop::ChooseFile, [&](const auto&) { return room.folder.Path(); }});
+    const bool ready = running.Start({desktop::ChooseFile, [&](const auto&) { return room.folder.Path(); }});
     if (!ready) throw std::logic_error("the program did not start");
     running.prompt.SetHook([this](const Message& message) {
       told.push_back(message.title + ": " + message.text);
@@ -201,6 +202,7 @@ struct WalkTest : testing::Test {
 
 TEST_F(WalkTest, TabAndEnterComeByTheSameFields) {
   for (const Walked& walked : Windows()) {
+    if (walked.enterActs) continue;
     SCOPED_TRACE(walked.window);
     std::vector<std::string> byTab, byEnter;
     In(walked, [&](QWidget& window) { byTab = Passed(window, Qt::Key_Tab); });
