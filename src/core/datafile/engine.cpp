@@ -153,12 +153,10 @@ void RequireNotHeld(const std::filesystem::path& path) {
     throw Failure(path.string(), CauseInWords(SQLITE_BUSY, ""));
 }
 
-// The machine and process tell a person who it was; the number makes it one of its kind.
+// The process tells who it was; the number makes it one of its kind.
 std::string NameOfOpening() {
-  char machine[65] = "";
-  ::gethostname(machine, sizeof machine - 1);
   std::random_device random;
-  return fmt::format("{}/{}/{:08x}{:08x}", machine, ::getpid(), random(), random());
+  return fmt::format("{}/{:08x}{:08x}", platform::ProcessMark(), random(), random());
 }
 
 // More compiled statements than any one operation uses, few enough to cost no memory worth counting.
