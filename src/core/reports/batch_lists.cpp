@@ -75,17 +75,8 @@ void AddHead(TableOf<ListedBatch>& table, bool withDatabase) {
       .Add(
           "Color_Name", [](const Row& r) { return r.batch.Color_Name; }, "Color Name")
       .Add(
-          "Color_Code", [](const Row& r) { return r.batch.Color_Code; }, "Color Code")
-      .Add(
-          "Date_Entered", [](const Row& r) { return r.batch.Date_Entered; }, "Date Entered", Format::Date)
-      .Add(
-          "Username", [](const Row& r) { return r.batch.Username; }, "Username")
-      .Add(
-          "ShortNote", [](const Row& r) { return r.batch.ShortNote; }, "Short Note")
-      .Add(
-          "LotNumber", [](const Row& r) { return r.batch.LotNumber; }, "Lot Number")
-      .Add(
-          "JobNumber", [](const Row& r) { return r.batch.JobNumber; }, "Job Number");
+          "Color_Code", [](const Row& r) { return r.batch.Color_Code; }, "Color Code");
+  AddBatchColumns(table);
 }
 
 // Quantities and costs of a Batch that may stand in several rows.

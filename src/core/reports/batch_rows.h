@@ -162,6 +162,22 @@ std::string UserTextCaption(const Session& session, bool job, int number);
 std::string UserNumberCaption(const Session& session, bool job, int number);
 int UserNumberDecimals(const Session& session, bool job, int number);
 
+/// When a Batch was made and by whom, its note, lot and job, of rows that hold one.
+template <class Record>
+void AddBatchColumns(TableOf<Record>& table) {
+  table
+      .Add(
+          "Date_Entered", [](const Record& r) { return r.batch.Date_Entered; }, "Date Entered", Format::Date)
+      .Add(
+          "Username", [](const Record& r) { return r.batch.Username; }, "Username")
+      .Add(
+          "ShortNote", [](const Record& r) { return r.batch.ShortNote; }, "Short Note")
+      .Add(
+          "LotNumber", [](const Record& r) { return r.batch.LotNumber; }, "Lot Number")
+      .Add(
+          "JobNumber", [](const Record& r) { return r.batch.JobNumber; }, "Job Number");
+}
+
 template <class Record>
 void AddUserColumns(TableOf<Record>& table, const ReportContext& context, bool job,
                     const std::array<std::string, kBatchUserFields>& (*texts)(const Record&),

@@ -112,16 +112,7 @@ Result<std::vector<std::string>> DatabasesOf(const Session& session, const Repor
                                              const ReportRequest& request) {
   if (report.scope == ReportScope::Current) return std::vector{session.CurrentDatabase};
   if (report.scope == ReportScope::All || request.databases.empty()) return session.databaseList;
-  std::vector<std::string> databases;
-  for (const std::string& typed : request.databases) {
-    const auto found = std::ranges::find_if(session.databaseList,
-                                            [&](const std::string& name) { return EqualNoCase(name, Trim(typed)); });
-    if (found == session.databaseList.end())
-      return Refuse("Database Not Found", fmt::format("There is no Database {} in this Data File.", typed),
-                    "lstDatabases");
-    databases.push_back(*found);
-  }
-  return databases;
+  return NamedDatabases(session, request.databases, "lstDatabases");
 }
 
 Result<void> TakeOptions(ReportContext& context, const ReportRequest& request) {
@@ -148,6 +139,19 @@ Result<void> TakeOptions(ReportContext& context, const ReportRequest& request) {
 }
 
 }  // namespace
+
+Result<std::vector<std::string>> NamedDatabases(const Session& session, const std::vector<std::string>& names,
+                                                const std::string& field) {
+  std::vector<std::string> databases;
+  for (const std::string& typed : names) {
+    const std::string name = Trim(typed);
+    const std::string* found = name.empty() ? nullptr : session.FindDatabase(name);
+    if (found == nullptr)
+      return Refuse("Database Not Found", fmt::format("There is no Database {} in this Data File.", typed), field);
+    databases.push_back(*found);
+  }
+  return databases;
+}
 
 bool ReportWatch::GoOn(double percent) {
   if (++calls_ % kCallsBetweenLooks != 0) return !cancelled_;

@@ -53,6 +53,10 @@ struct BuiltReport {
   std::vector<TableValue> Totals() const;
 };
 
+/// The Databases of those names as they are called in the Data File. Refuses the first that is not there, with `field`.
+Result<std::vector<std::string>> NamedDatabases(const Session& session, const std::vector<std::string>& names,
+                                                const std::string& field);
+
 /// What stands in the way of a report before anything is asked: Lotted Inventory that is off.
 Result<void> RequireReport(const Session& session, const ReportDefinition& report);
 

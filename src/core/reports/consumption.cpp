@@ -98,17 +98,9 @@ ListTable Detail(const ReportContext& context) {
       .Add(
           "BatchNo", [](const Row& r) { return r.batch.BatchNo; }, "Batch Number", Format::Number)
       .Add(
-          "Color_Name", [](const Row& r) { return r.batch.Color_Name; }, "Color Name")
-      .Add(
-          "Date_Entered", [](const Row& r) { return r.batch.Date_Entered; }, "Date Entered", Format::Date)
-      .Add(
-          "Username", [](const Row& r) { return r.batch.Username; }, "Username")
-      .Add(
-          "ShortNote", [](const Row& r) { return r.batch.ShortNote; }, "Short Note")
-      .Add(
-          "LotNumber", [](const Row& r) { return r.batch.LotNumber; }, "Lot Number")
-      .Add(
-          "JobNumber", [](const Row& r) { return r.batch.JobNumber; }, "Job Number")
+          "Color_Name", [](const Row& r) { return r.batch.Color_Name; }, "Color Name");
+  AddBatchColumns(table);
+  table
       .Add("BatchQty", ofBatch(&Row::quantity), context.InUnit("Batch Qty"), Format::Amount)
       .Sum()
       .Add("QtyConsumed", ofBatch(&Row::consumed), context.InUnit("Qty Consumed"), Format::Amount)

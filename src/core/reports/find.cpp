@@ -323,16 +323,7 @@ Result<std::vector<std::string>> DatabasesOf(const Session& session, const FindR
   if (request.databases.size() == 1 &&
       (EqualNoCase(request.databases.front(), "all") || EqualNoCase(request.databases.front(), "All Databases")))
     return session.databaseList;
-  std::vector<std::string> databases;
-  for (const std::string& typed : request.databases) {
-    const auto found = std::ranges::find_if(session.databaseList,
-                                            [&](const std::string& name) { return EqualNoCase(name, Trim(typed)); });
-    if (found == session.databaseList.end())
-      return Refuse("Database Not Found", fmt::format("There is no Database {} in this Data File.", typed),
-                    "cmbDatabases");
-    databases.push_back(*found);
-  }
-  return databases;
+  return NamedDatabases(session, request.databases, "cmbDatabases");
 }
 
 ListTable TableOfRows(std::vector<TableColumn> columns, std::shared_ptr<const std::vector<FoundRow>> rows) {

@@ -27,17 +27,8 @@ ListTable Detail(const ReportContext& context) {
       .Add(
           "Color_Name", [](const Row& r) { return r.batch.Color_Name; }, "Color Name")
       .Add(
-          "BatchNo", [](const Row& r) { return r.batch.BatchNo; }, "Batch Number", Format::Number)
-      .Add(
-          "Date_Entered", [](const Row& r) { return r.batch.Date_Entered; }, "Date Entered", Format::Date)
-      .Add(
-          "Username", [](const Row& r) { return r.batch.Username; }, "Username")
-      .Add(
-          "ShortNote", [](const Row& r) { return r.batch.ShortNote; }, "Short Note")
-      .Add(
-          "LotNumber", [](const Row& r) { return r.batch.LotNumber; }, "Lot Number")
-      .Add(
-          "JobNumber", [](const Row& r) { return r.batch.JobNumber; }, "Job Number");
+          "BatchNo", [](const Row& r) { return r.batch.BatchNo; }, "Batch Number", Format::Number);
+  AddBatchColumns(table);
   AddQuantityColumns(table, context);
   table
       .Add(
