@@ -11,12 +11,14 @@ fail() {
 # Tools count as there when they can be called, whoever installed them; libraries when their package is.
 install_packages() {
   local missing=() pair package
-  for pair in cmake:cmake ninja-build:ninja g++:g++ ccache:ccache mold:mold python3:python3 poppler-utils:pdftotext; do
+  for pair in cmake:cmake ninja-build:ninja g++:g++ ccache:ccache mold:mold python3:python3 poppler-utils:pdftotext \
+    pkgconf:pkg-config zbar-tools:zbarimg; do
     command -v "${pair#*:}" >/dev/null || missing+=("${pair%%:*}")
   done
   command -v dpkg-query >/dev/null || fail "This script installs Debian packages, and this is no Debian system."
   for package in libsqlitecpp-dev libsqlite3-dev libfmt-dev nlohmann-json3-dev libcli11-dev libgtest-dev libbenchmark-dev \
-    qt6-base-dev qt6-svg-dev fonts-open-sans dpkg-dev; do
+    qt6-base-dev qt6-svg-dev qt6-charts-dev libqt6opengl6-dev qt6-serialport-dev libxlsxwriter-dev libzxing-dev libqrencode-dev \
+    fonts-open-sans dpkg-dev; do
     [[ "$(dpkg-query -W -f '${db:Status-Status}' "$package" 2>/dev/null)" == installed ]] || missing+=("$package")
   done
   ((${#missing[@]})) || return 0
