@@ -148,7 +148,7 @@ const Table JobRecords{"JobRecords",
                               Date("Date_Returned"),
                               Date("Date_Completed")} +
                            UserDefined(),
-                       {{"JobNumber"}, {"Color_Name"}, {"Date_Entered"}, {"JobNumber", "Date_Entered"}, {"BatchNo"}}};
+                       {{"JobNumber"}, {"Color_Name"}, {"Date_Entered"}, {"JobNumber", "Date_Entered"}, {"BatchNo"}, {"DesignID"}}};
 
 const Table Users{"Users",
                   {Text("Username", 15), Text("Password", 15), Boolean("IsAdmin"), Byte("Edit_MasterFormula"),

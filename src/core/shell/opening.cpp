@@ -17,6 +17,7 @@
 #include "core/datafile/lifecycle.h"
 #include "core/datafile/stock_history.h"
 #include "core/datafile/stock_joins.h"
+#include "core/jobs/photo_library.h"
 #include "core/session/settings.h"
 #include "core/session/users.h"
 #include "core/settings/support_files.h"
@@ -122,6 +123,16 @@ void MakeConversionFolder(const Session& session) {
   }
 }
 
+// Files of photos that a session which died had still to write or to remove. Where the folder cannot be written the
+// steps stand until the next time.
+void FinishPhotosOrTell(Session& session) {
+  try {
+    RunPhotoSteps(session);
+  } catch (const Failure& failure) {
+    session.prompt.Tell("Design Photos", fmt::format("{}: {}.", failure.subject, failure.cause), Icon::Exclamation);
+  }
+}
+
 // What follows once the file is in the session's hands.
 void OpenContent(Session& session, const FileInfoRow& info, OpeningWindows& windows) {
   windows.SetCaption(VersionCaption() + "   -   " + session.DataFileName);
@@ -150,6 +161,7 @@ void OpenContent(Session& session, const FileInfoRow& info, OpeningWindows& wind
     OpenDatabase(session);
     if (!session.ArchiveView) {
       HealAbandonedBatches(session);
+      FinishPhotosOrTell(session);
       RunPendingPassesOrTell(session);  // what a session that died left to do
       windows.SuggestArchive(session);
     }

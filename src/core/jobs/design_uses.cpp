@@ -1,0 +1,67 @@
+#include "core/jobs/design_uses.h"
+
+#include "core/datafile/schema.h"
+
+namespace vellumark {
+namespace {
+
+void TellJobs(Session& session, Transaction& transaction, std::string_view designID) {
+  Statement rows = session.File().Prepare("SELECT DISTINCT JobNumber FROM JobRecords WHERE DesignID = ?");
+  rows.Bind(1, designID);
+  while (rows.Step()) transaction.Note({Change::Kind::Job, "", rows.Text(0), Change::What::Updated, {}});
+}
+
+}  // namespace
+
+void FollowLastUsed(Session& session, std::string_view designID) {
+  if (designID.empty()) return;
+  Transaction transaction(session.File());
+  const Value latest =
+      session.File().Scalar("SELECT MAX(Date_Entered) FROM JobRecords WHERE DesignID = ?", {Value(designID)});
+  Statement update = session.File().Prepare(
+      "UPDATE Designs SET LastUsed = ?1 WHERE DesignID = ?2 AND COALESCE(LastUsed, '') <> COALESCE(?1, '')");
+  if (update.Bind(1, latest).Bind(2, designID).Run() > 0)
+    transaction.Note({Change::Kind::Design, "", std::string(designID), Change::What::Updated, {}});
+  transaction.Commit();
+}
+
+void FollowLastUsed(Session& session) {
+  Transaction transaction(session.File());
+  std::vector<std::string> designs;
+  {
+    Statement rows = session.File().Prepare(
+        "SELECT DesignID FROM Designs WHERE COALESCE(LastUsed, '') <> COALESCE((SELECT MAX(Date_Entered) FROM "
+        "JobRecords WHERE JobRecords.DesignID = Designs.DesignID), '')");
+    while (rows.Step()) designs.push_back(rows.Text(0));
+  }
+  for (const std::string& design : designs) FollowLastUsed(session, design);
+  transaction.Commit();
+}
+
+bool JobsBearDesign(const Session& session, std::string_view designID) {
+  return !session.File().Scalar("SELECT 1 FROM JobRecords WHERE DesignID = ? LIMIT 1", {Value(designID)}).IsNull();
+}
+
+void RenameJobDesign(Session& session, std::string_view designID, std::string_view newID) {
+  Transaction transaction(session.File());
+  TellJobs(session, transaction, designID);
+  session.File()
+      .Prepare("UPDATE JobRecords SET DesignID = ?1 WHERE DesignID = ?2")
+      .Bind(1, newID)
+      .Bind(2, designID)
+      .Run();
+  transaction.Commit();
+}
+
+void RewriteJobDesignDesc(Session& session, std::string_view designID, std::string_view description) {
+  Transaction transaction(session.File());
+  TellJobs(session, transaction, designID);
+  session.File()
+      .Prepare("UPDATE JobRecords SET DesignDesc = ?1 WHERE DesignID = ?2")
+      .Bind(1, description)
+      .Bind(2, designID)
+      .Run();
+  transaction.Commit();
+}
+
+}  // namespace vellumark
