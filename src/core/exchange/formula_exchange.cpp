@@ -7,7 +7,6 @@
 #include <unordered_map>
 #include <unordered_set>
 
-#include "core/base/files.h"
 #include "core/base/progress_run.h"
 #include "core/base/text.h"
 #include "core/colors/amounts.h"
@@ -15,6 +14,7 @@
 #include "core/colors/figure_book.h"
 #include "core/colors/formulas.h"
 #include "core/exchange/mfe.h"
+#include "core/exchange/text_file.h"
 #include "core/session/acts.h"
 
 namespace vellumark {
@@ -52,13 +52,6 @@ std::string BadLinesText(const std::vector<MfeFile::BadLine>& lines) {
                         bad.why, content);
   }
   return text;
-}
-
-// A slip of the hand in the name of the export file must not cost the shop its data.
-void RequireNoDataFile(const std::filesystem::path& path) {
-  std::error_code ignored;
-  if (!std::filesystem::is_regular_file(path, ignored)) return;
-  if (Database::IsDatabaseFile(path)) throw Failure(path.string(), "is a Data File and is not overwritten");
 }
 
 Recipe RecipeOf(StoredNames& names, const MfeFile::Formula& formula) {
@@ -245,8 +238,7 @@ Result<int> ExportFormulas(Session& session, const std::vector<std::string>& nam
     }
   }
   if (count == 0) return Refuse("No Formulas Selected", "No Master Formulas selected for export.");
-  RequireNoDataFile(path);
-  ReplaceFile(path, MfeBytes(text));
+  WriteTextFile(path, text);
   return count;
 }
 

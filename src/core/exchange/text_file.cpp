@@ -1,0 +1,35 @@
+#include "core/exchange/text_file.h"
+
+#include "core/base/files.h"
+#include "core/base/refusal.h"
+#include "core/base/text.h"
+#include "core/datafile/engine.h"
+#include "core/exchange/mfe.h"
+
+namespace vellumark {
+
+void WriteTextFile(const std::filesystem::path& path, const std::string& text) {
+  std::error_code ignored;
+  if (std::filesystem::is_regular_file(path, ignored) && Database::IsDatabaseFile(path))
+    throw Failure(path.string(), "is a Data File and is not overwritten");
+  ReplaceFile(path, MfeBytes(text));
+}
+
+std::string TabCell(std::string_view text) {
+  std::string cell;
+  for (const char c : text) {
+    const bool end = c == '\n' || c == '\r' || c == '\t';
+    if (!end) cell += c;
+    if (end && (c != '\n' || cell.empty() || cell.back() != ' ')) cell += ' ';
+  }
+  return Trim(cell);
+}
+
+std::string FileNamePart(std::string_view text) {
+  std::string part(text);
+  for (char& c : part)
+    if (static_cast<unsigned char>(c) < ' ' || std::string_view("/\\:*?\"<>|").contains(c)) c = '_';
+  return part;
+}
+
+}  // namespace vellumark
