@@ -21,7 +21,7 @@ constexpr int kLines = kIngredients + kAdditions;
 // Twenty basics with a lot each, and a formula of fourteen of them.
 struct BatchRoom : LargeRoom {
   explicit BatchRoom(const std::filesystem::path& place = OrdinaryDisk()) : LargeRoom(1000, place) {
-    SetSupportValue(session, "BatchLotNumReminder", "0");
+    session.support->settings.SetSupportValue("BatchLotNumReminder", "0");
     Transaction transaction(session.File());
     std::vector<Cell> cells{{"Color_Name", "HOUSE GREY"}, {"Color_Code", "H"}, {"Inventory", 0.0F}, {"LotRefID", 0}};
     std::string set;

@@ -48,7 +48,7 @@ void RecycleOurs(benchmark::State& state) {
     const Recyclable all = ReadRecyclable(room, name);
     inStock += all.inStock;
     std::vector<std::int64_t> found;
-    for (const RecycleColor& color : work.FormulaRecycleList) found.push_back(color.rowId);
+    for (const RecycleColor& color : work.FormulaRecycleList) found.push_back(color.key);
     std::ranges::sort(found);
     if (found != all.rows) state.SkipWithError("other inks were found than can be recycled");
     if (std::ranges::count_if(work.FormulaRecycleList, [](const auto& color) { return color.Inventory > 0; }) !=
@@ -308,7 +308,7 @@ void SettingsOurs(benchmark::State& state) {
   for (auto unused : state)
     for (int i = 0; i < 250; ++i)
       for (const char* key : {"UMI", "MarkupPercent", "JobCustomNumericLabelCaption5", "ColorListColWidth40"})
-        benchmark::DoNotOptimize(GetSupportValue(room.session, key));
+        benchmark::DoNotOptimize(room.session.support->settings.GetSupportValue(key));
 }
 BENCHMARK(SettingsOurs)->Name("settings/ours")->Unit(benchmark::kMicrosecond);
 

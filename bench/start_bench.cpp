@@ -63,7 +63,7 @@ Start StartProgram(const char* program, const LargeRoom& room) {
 }
 
 void StartOurs(benchmark::State& state) {
-  SetSupportValue(Room100k().session, setting::DbFileName50.key, Room100k().path.string());
+  Room100k().session.support->settings.SetSupportValue(setting::DbFileName50.key, Room100k().path.string());
   const ClosedRoom closed;
   StartProgram(PROGRAM, closed.room);  // settles the settings of a first start
   double best = 1e9;

@@ -18,7 +18,7 @@ Result<Json> SetSetting(Context& context, const std::string& key, const std::str
     if (auto opened = context.open(); !opened) return std::unexpected(opened.error());
   const auto changed = ChangeSetting(context.session, key, value);
   if (!changed) return std::unexpected(changed.error());
-  return Json{{key, GetSupportValue(context.session, key)}};
+  return Json{{key, StoredText(context.session, key)}};
 }
 
 std::string MeaningOf(const SupportRecord& record) {
@@ -37,7 +37,7 @@ void AddSettingsCommands(CLI::App& app, Commands& commands) {
   commands.Add(get, Needs::Nothing, [wanted](Context& context) -> Result<Json> {
     if (!context.session.support->settings.Read().Contains(*wanted))
       return Refuse("Settings", fmt::format("The settings have no key {}.", *wanted), "KEY");
-    return Json(GetSupportValue(context.session, *wanted));
+    return Json(StoredText(context.session, *wanted));
   });
 
   auto* set = noun->add_subcommand("set", "Give a key another value");

@@ -57,7 +57,7 @@ TEST(CliList, StandsInTheOrderThatIsAskedFor) {
   const test::CliAnswer unknown = shop.Run({"--json", "color", "list", "--sort", "Colour"});
   EXPECT_EQ(unknown.status, 2);
   EXPECT_EQ(unknown.out, "");
-  EXPECT_NE(unknown.err.find("Colour is no column of this list, which has Color_Name, Color_Code"), std::string::npos);
+  EXPECT_NE(unknown.err.find("Colour is no column of this list, which has Color Name, Color Code"), std::string::npos);
   EXPECT_EQ(shop.Run({"color", "list", "--then", "Reorder"}).status, 2);
 }
 

@@ -15,9 +15,9 @@ struct GuideRoom : InkRoom {
     session.ProgramFolder = folder.Path();
     session.templateDB = Database::Create(folder / "pdbt.vkt");
     for (const char* table : {"FGuide_BColors_GP1601A", "Metallics_BColors"})
-      CreateTable(*session.templateDB, table, schema::Basic);
+      session.templateDB->CreateTable(table, schema::Basic);
     for (const char* table : {"FGuide_MColors_GP1601A", "FGuide_MColors_GP1601B", "Goe_MColors"})
-      CreateTable(*session.templateDB, table, schema::Mix);
+      session.templateDB->CreateTable(table, schema::Mix);
     Published("FGuide_BColors_GP1601A", "PANTONE RUBINE", 7);
     Published("Metallics_BColors", "PANTONE SILVER", 9);
     Published("Metallics_BColors", "PANTONE RUBINE", 99);

@@ -66,9 +66,8 @@ struct InkRoom {
     Recipe recipe;
     for (const auto& [ingredient, amount] : parts) recipe.push_back({ingredient, ShownAmount(amount)});
     const RolledUp figures = RollUpRecipe(session, recipe);
-    cells.insert(cells.begin(), {{"BasicCost", figures.BasicCost},
-                                 {"BasicVOC", figures.BasicVOC},
-                                 {"BasicHAP", figures.BasicHAP}});
+    cells.insert(cells.begin(),
+                 {{"BasicCost", figures.BasicCost}, {"BasicVOC", figures.BasicVOC}, {"BasicHAP", figures.BasicHAP}});
     AddRow(schema::Mix, std::move(cells));
   }
 
@@ -98,7 +97,7 @@ struct InkRoom {
   /// The stock of all colours of that kind becomes this, as if it had been so from the beginning.
   void HaveStock(ColorKind kind, float quantity) {
     Transaction transaction(session.File());
-    const std::string table = Quoted(session.Table(ColorTable(kind)));
+    const std::string table = session.QuotedTable(ColorTable(kind));
     Statement colors = session.File().Prepare("SELECT Color_Name, Inventory FROM " + table);
     while (colors.Step()) {
       StockLine line = NewStockLine(session, StockEvent::Opening, kind, {}, colors.Text(0));

@@ -40,7 +40,7 @@ struct StockRoom : InkRoom {
     session.File()
         .Prepare(fmt::format("INSERT INTO {} (LotRefID, LotCName, LotNumber, LotQty) WITH RECURSIVE n(i) AS (SELECT 1 "
                              "UNION ALL SELECT i + 1 FROM n WHERE i < ?1) SELECT i, ?2, 'L', 1.0 FROM n",
-                             Quoted(session.Table(LotTable(kind)))))
+                             session.QuotedTable(LotTable(kind))))
         .Bind(1, count)
         .Bind(2, name)
         .Run();
@@ -49,20 +49,20 @@ struct StockRoom : InkRoom {
                              "Change, Result) SELECT {}, {}, 'INK', LotCName, LotRefID, LotNumber, LotQty, LotQty FROM "
                              "{} WHERE LotCName = ?1",
                              static_cast<int>(StockEvent::Opening), static_cast<int>(kind),
-                             Quoted(session.Table(LotTable(kind)))))
+                             session.QuotedTable(LotTable(kind))))
         .Bind(1, name)
         .Run();
   }
 
   Value Inventory(ColorKind kind, const std::string& name) {
-    return Scalar(
-        fmt::format("SELECT Inventory FROM {} WHERE Color_Name = ?1", Quoted(session.Table(ColorTable(kind)))), {name});
+    return Scalar(fmt::format("SELECT Inventory FROM {} WHERE Color_Name = ?1", session.QuotedTable(ColorTable(kind))),
+                  {name});
   }
   /// Null when the lot is not there.
   Value LotQty(ColorKind kind, const std::string& name, std::int32_t ref) {
-    return Scalar(fmt::format("SELECT LotQty FROM {} WHERE LotCName = ?1 AND LotRefID = ?2",
-                              Quoted(session.Table(LotTable(kind)))),
-                  {name, ref});
+    return Scalar(
+        fmt::format("SELECT LotQty FROM {} WHERE LotCName = ?1 AND LotRefID = ?2", session.QuotedTable(LotTable(kind))),
+        {name, ref});
   }
 };
 

@@ -27,8 +27,15 @@ void ForEachCheckedFormula(CheckRun& run, const std::string& database,
   const std::string table = TableName(database, schema::Mix);
   Statement rows = run.file.Prepare(fmt::format("SELECT {} FROM {}", columns, Quoted(table)));
   WalkRows(run, rows, RowCount(run.file, table), [&](const Statement& row) {
-    CheckedFormula formula{row.Whole(0),  row.TextView(1), row.TextView(2), row.TextView(3), row.Single(4),
-                           row.Single(5), row.Single(6),   {},              {}};
+    CheckedFormula formula{row.Whole(0),
+                           row.TextView(1),
+                           row.TextView(2),
+                           row.TextView(3),
+                           row.Single(4),
+                           row.Single(5),
+                           row.Single(6),
+                           {},
+                           {}};
     for (int n = 0; n < schema::kIngredientSlots; ++n) {
       const auto slot = static_cast<std::size_t>(n);
       formula.BC[slot] = row.TextView(kFirst + n);
@@ -52,8 +59,7 @@ void ForAllFormulas(CheckRun& run, const Rule& rule) {
   for (const std::string& database : run.Databases()) {
     const std::string table = TableName(database, schema::Mix);
     ForEachCheckedFormula(run, database, [&](const CheckedFormula& formula) {
-      rule(formula,
-           [&](std::string what) { run.Found(table, formula.row, formula.Color_Name, std::move(what)); });
+      rule(formula, [&](std::string what) { run.Found(table, formula.row, formula.Color_Name, std::move(what)); });
     });
   }
 }
@@ -81,8 +87,8 @@ void CheckFormulaSlots(CheckRun& run) {
 void CheckIngredients(CheckRun& run) {
   for (const std::string& database : run.Databases()) {
     const std::string table = TableName(database, schema::Mix);
-    Statement basic = run.file.Prepare(fmt::format("SELECT 1 FROM {} WHERE Color_Name = ? LIMIT 1",
-                                                   Quoted(TableName(database, schema::Basic))));
+    Statement basic = run.file.Prepare(
+        fmt::format("SELECT 1 FROM {} WHERE Color_Name = ? LIMIT 1", QuotedTable(database, schema::Basic)));
     // Recipes draw on few inks: each name is looked up once.
     std::unordered_map<std::string, bool> known;
     const auto isBasic = [&](std::string_view name) {
@@ -184,10 +190,10 @@ void CheckAdditiveSets(CheckRun& run) {
   for (const std::string& database : run.Databases()) {
     const std::string table = TableName(database, schema::Additives);
     CheckSet(run, table, "SetList", "Add_Name", schema::kSetSlots, "SetName");
-    Statement basic = run.file.Prepare(fmt::format("SELECT Additive FROM {} WHERE Color_Name = ? LIMIT 1",
-                                                   Quoted(TableName(database, schema::Basic))));
+    Statement basic = run.file.Prepare(
+        fmt::format("SELECT Additive FROM {} WHERE Color_Name = ? LIMIT 1", QuotedTable(database, schema::Basic)));
     const auto fault = [&](const AdditiveSet& set, std::string what) {
-      run.Found(table, set.rowId, set.SetName, std::move(what));
+      run.Found(table, set.key, set.SetName, std::move(what));
     };
     for (const AdditiveSet& set : ListAdditiveSets(run.session, database)) {
       for (std::size_t i = 0; i < set.rows.size(); ++i) {
@@ -213,7 +219,7 @@ void CheckFormulaSets(CheckRun& run) {
     Statement rows = run.file.Prepare(fmt::format(
         "SELECT RowKey, Color_Name, AddSetName FROM {} WHERE AddSetName <> '' AND AddSetName NOT IN (SELECT "
         "SetName FROM {} WHERE SetName IS NOT NULL)",
-        Quoted(table), Quoted(TableName(database, schema::Additives))));
+        Quoted(table), QuotedTable(database, schema::Additives)));
     run.FoundRows(table, rows, [](const Statement& row) {
       return fmt::format("Its Additive Set {} does not exist.", row.TextView(2));
     });
@@ -221,8 +227,7 @@ void CheckFormulaSets(CheckRun& run) {
 }
 
 void CheckDesignSets(CheckRun& run) {
-  if (run.HasGlobalTables())
-    CheckSet(run, schema::Designs.name, "IngSet", "IngName", schema::kDesignSlots, "DesignID");
+  if (run.HasGlobalTables()) CheckSet(run, schema::Designs.name, "IngSet", "IngName", schema::kDesignSlots, "DesignID");
 }
 
 }  // namespace vellumark

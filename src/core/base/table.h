@@ -57,17 +57,20 @@ struct TotalRatio {
 };
 
 struct TableColumn {
-  std::string key;      ///< its name for programs; empty: not told to them
-  std::string caption;  ///< its name for people, by which it is chosen and sorted; the key when empty
+  std::string key;        ///< its name for programs; empty: not told to them
+  std::string caption;    ///< its name for people, by which it is chosen and sorted; the key when empty
+  std::string heading{};  ///< its name in a window, where it is called otherwise
   Format format = Format::Text;
   int decimals = 3;
   bool total = false;                 ///< added up in the row of totals
-  int width = 0;                      ///< in twips; 0: as wide as what stands in it
+  int width = 0;                      ///< in twips; 0: as wide as what stands in it, or as such columns are
+  bool large = false;                 ///< read across a bench, where a window shows it
   std::optional<TotalRatio> ratio{};  ///< how its total is made of others
   std::optional<TableValue>
       totalIs{};  ///< its total where the rows do not tell it, such as Batches that are in several
 
   const std::string& Caption() const { return caption.empty() ? key : caption; }
+  const std::string& Heading() const { return heading.empty() ? Caption() : heading; }
   bool RightAligned() const {
     return format == Format::Whole || format == Format::Amount || format == Format::Number || format == Format::Money ||
            format == Format::Percent;
@@ -171,6 +174,14 @@ class TableOf {
     columns_.back().width = twips;
     return *this;
   }
+  TableOf& Heading(std::string inWindows) {
+    columns_.back().heading = std::move(inWindows);
+    return *this;
+  }
+  TableOf& Large() {
+    columns_.back().large = true;
+    return *this;
+  }
   TableOf& Sum() {
     columns_.back().total = true;
     return *this;
@@ -186,6 +197,9 @@ class TableOf {
     target_ = std::move(target);
     return *this;
   }
+
+  const std::vector<TableColumn>& Columns() const { return columns_; }
+  TableValue ValueOf(const Record& record, std::size_t column) const { return values_[column](record); }
 
   /// The table of the records that `forEach` passes to its argument one after the other, until that answers false.
   ListTable Of(std::function<void(const std::function<bool(const Record&)>&)> forEach) const {

@@ -74,7 +74,7 @@ void OfferAllStock(Session& session, BatchWork& work) {
 
 Result<std::string> FindBatchFormula(const Session& session, std::string_view typed) {
   const std::string name = Trim(typed);
-  const std::string table = Quoted(session.Table(schema::Mix));
+  const std::string table = session.QuotedTable(schema::Mix);
   for (const char* column : {"Color_Name", "Color_Code"}) {
     for (const std::string& wanted : {name, std::string(kPantonePrefix) + name}) {
       const Value found = session.File().Scalar(

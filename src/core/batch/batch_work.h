@@ -43,7 +43,7 @@ struct RecycleSlot {
 
 /// A Master Formula considered, or chosen, for recycling. Quantities in the Batch's unit.
 struct RecycleColor {
-  std::int64_t rowId = 0;
+  std::int64_t key = 0;
   std::string Color_Name;
   /// Shared between the lists, which hold thousands of colours; what changes stands beside it.
   std::shared_ptr<const std::vector<RecycleSlot>> slots = std::make_shared<const std::vector<RecycleSlot>>();

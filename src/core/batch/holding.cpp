@@ -39,7 +39,7 @@ struct ColorAt {
 // By row first: the colour may have got another name while the Batch was open.
 std::optional<ColorAt> FindColor(const Session& session, const std::string& database, ColorKind kind, std::int64_t row,
                                  const std::string& name) {
-  const std::string table = Quoted(session.Table(ColorTable(kind), database));
+  const std::string table = session.QuotedTable(ColorTable(kind), database);
   Statement color = session.File().Prepare(
       row == 0
           ? fmt::format("SELECT RowKey, Color_Name, Inventory FROM {} WHERE Color_Name = ?1 ORDER BY RowKey LIMIT 1",
@@ -61,9 +61,9 @@ std::optional<Figure> FigureAt(const Session& session, const std::string& databa
 
 void EnsureMarkerTable(Database& file) {
   if (file.TableExists(kMarkerTable)) {
-    AddMissingFields(file, kMarkerTable, schema::OpenBatch);
+    file.AddMissingFields(kMarkerTable, schema::OpenBatch);
   } else {
-    CreateTable(file, kMarkerTable, schema::OpenBatch);
+    file.CreateTable(kMarkerTable, schema::OpenBatch);
   }
 }
 

@@ -68,7 +68,7 @@ Result<bool> Leave(Session& session, BatchRecord& record, BatchDialogs& dialogs,
 void ResetDates(Session& session, const std::string& formula, const std::vector<StoredLine>& lines) {
   const auto latest = [&](std::string_view where) {
     return session.File().Prepare(
-        fmt::format("SELECT MAX(Date_Entered) FROM {} WHERE {}", Quoted(session.Table(schema::Batch)), where));
+        fmt::format("SELECT MAX(Date_Entered) FROM {} WHERE {}", session.QuotedTable(schema::Batch), where));
   };
   const auto of = [](Statement& date, std::string_view name) {
     date.Reset();
@@ -86,14 +86,14 @@ void ResetDates(Session& session, const std::string& formula, const std::vector<
 
 void DeleteStored(Session& session, BatchRecord& record, bool returnIngredients) {
   Transaction transaction(session.File());
-  const auto stored = ReadStoredLines(session, record.rowId);
+  const auto stored = ReadStoredLines(session, record.key);
   if (!returnIngredients) TakeHeldAgain(session, session.CurrentDatabase, record.BatchNo);
   DropHold(session, record.BatchNo);
   RemoveMadeColor(session, record);
   DeleteTakings(session, record.BatchNo);
   session.File()
-      .Prepare(fmt::format("DELETE FROM {} WHERE RowKey = ?1", Quoted(session.Table(schema::Batch))))
-      .Bind(1, record.rowId)
+      .Prepare(fmt::format("DELETE FROM {} WHERE RowKey = ?1", session.QuotedTable(schema::Batch)))
+      .Bind(1, record.key)
       .Run();
   if (stored) ResetDates(session, record.work.Color_Name, stored->lines);
   ReplaceJobRecords(session, record.BatchNo, {});

@@ -21,8 +21,8 @@ namespace {
 // A whole row, its fields by name.
 class BatchRowReader {
  public:
-  BatchRowReader(const Session& session, std::int64_t rowId) : row_(session.File().Prepare(Sql(session))) {
-    found_ = row_.Bind(1, rowId).Step();
+  BatchRowReader(const Session& session, std::int64_t key) : row_(session.File().Prepare(Sql(session))) {
+    found_ = row_.Bind(1, key).Step();
   }
   explicit operator bool() const { return found_; }
 
@@ -43,7 +43,7 @@ class BatchRowReader {
   static std::string Sql(const Session& session) {
     std::string columns;
     for (const Field& field : schema::Batch.fields) columns += (columns.empty() ? "" : ", ") + Quoted(field.name);
-    return fmt::format("SELECT {} FROM {} WHERE RowKey = ?", columns, Quoted(session.Table(schema::Batch)));
+    return fmt::format("SELECT {} FROM {} WHERE RowKey = ?", columns, session.QuotedTable(schema::Batch));
   }
   static int Column(std::string_view field) { return schema::Batch.Find(field); }
 
@@ -170,7 +170,7 @@ bool FormulaUnchanged(const Session& session, const BatchRecord& record, double 
   if (!record.work.formulaFound) return false;
   Statement formula = session.File().Prepare(
       fmt::format("SELECT Date_Entered, LastModified FROM {} WHERE Color_Name = ? ORDER BY RowKey LIMIT 1",
-                  Quoted(session.Table(schema::Mix))));
+                  session.QuotedTable(schema::Mix)));
   if (!formula.Bind(1, record.work.Color_Name).Step()) return false;
   if (!record.Date_Entered) return true;
   const std::int64_t saved = record.Date_Entered->SecondNumber();
@@ -262,21 +262,21 @@ void ReadStock(const Session& session, BatchRecord& record) {
 
 }  // namespace
 
-std::optional<StoredBatchLines> ReadStoredLines(const Session& session, std::int64_t rowId) {
-  const BatchRowReader row(session, rowId);
+std::optional<StoredBatchLines> ReadStoredLines(const Session& session, std::int64_t key) {
+  const BatchRowReader row(session, key);
   if (!row) return std::nullopt;
   StoredBatchLines batch = LinesOfRow(row);
   if (batch.UMF == 0) batch.UMF = session.UMF;
   return batch;
 }
 
-std::optional<BatchRecord> LoadBatchRow(Session& session, std::int64_t rowId, const std::vector<BatchTaking>& takings) {
-  const BatchRowReader row(session, rowId);
+std::optional<BatchRecord> LoadBatchRow(Session& session, std::int64_t key, const std::vector<BatchTaking>& takings) {
+  const BatchRowReader row(session, key);
   if (!row) return std::nullopt;
   const StoredBatchLines stored = LinesOfRow(row);
   BatchRecord record;
   record.state = BatchState::Edit;
-  record.rowId = rowId;
+  record.key = key;
   record.BatchNo = stored.BatchNo;
   record.Date_Entered = row.Date("Date_Entered");
   record.Username = row.Text("Username");
@@ -311,7 +311,7 @@ std::optional<BatchRecord> LoadBatchRow(Session& session, std::int64_t rowId, co
 std::int64_t BatchRowOf(const Session& session, std::int32_t batchNo) {
   return session.File()
       .Scalar(fmt::format("SELECT RowKey FROM {} WHERE BatchNo = ? ORDER BY RowKey LIMIT 1",
-                          Quoted(session.Table(schema::Batch))),
+                          session.QuotedTable(schema::Batch)),
               {batchNo})
       .Whole();
 }

@@ -39,8 +39,8 @@ class MadeColor {
     const bool wasLotted = record_.LotRefID > 0;
     const bool lotted = tracking ? NamesLot(record_) : wasLotted;
     const std::int32_t place = now_ > 0 ? 0 : -1;
-    if (record_.rowId == 0 || record_.LotRefID == -1) {
-      if (record_.rowId != 0) now_ = std::max(0.0F, RoundSingle(now_ - before_, 3));
+    if (record_.key == 0 || record_.LotRefID == -1) {
+      if (record_.key != 0) now_ = std::max(0.0F, RoundSingle(now_ - before_, 3));
       record_.LotRefID = place;
       return Add(now_);
     }

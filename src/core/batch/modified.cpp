@@ -150,7 +150,7 @@ bool WriteModifiedFormula(Session& session, BatchRecord& record, const ModifiedB
   writer.Set(recipe, folded.setName);
   for (std::size_t i = 0; i < cells.size(); ++i) writer.SetMore(i, cells[i].second);
   if (update) {
-    writer.Update(mix->rowId);
+    writer.Update(mix->key);
   } else {
     writer.Insert();
     record.work.Color_Name = choice.newName;

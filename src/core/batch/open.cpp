@@ -25,40 +25,22 @@ void ReadList(Statement rows, const TakeBatch& take) {
 void ForEachRecentBatch(const Session& session, int count, const TakeBatch& take) {
   Statement rows =
       session.File().Prepare(fmt::format("SELECT {} FROM {} ORDER BY Date_Entered DESC, RowKey DESC LIMIT ?1",
-                                         kListColumns, Quoted(session.Table(schema::Batch))));
+                                         kListColumns, session.QuotedTable(schema::Batch)));
   rows.Bind(1, count);
   ReadList(std::move(rows), take);
 }
 
-TableOf<BatchListRow> BatchColumns() {
-  using Row = BatchListRow;
-  TableOf<Row> table;
-  table.Add("BatchNo", &Row::BatchNo)
-      .Add(
-          "", [](const Row& row) { return BatchNoText(row.BatchNo); }, "Batch")
-      .Add("Color_Name", &Row::Color_Name, "Color Name")
-      .Add("Date_Entered", &Row::Date_Entered, "Date Entered")
-      .Add("Quantity", &Row::Quantity)
-      .Add("ActualQuantity", &Row::ActualQuantity, "Made")
-      .Add(
-          "UMF", [](const Row& row) { return UnitName(row.UMF); }, "Unit")
-      .Add("JobNumber", &Row::JobNumber, "Job Number")
-      .Add("Complete", &Row::Complete, "", Format::Mark)
-      .Show({"Batch", "Color Name", "Date Entered", "Made", "Unit", "Job Number", "Complete"});
-  return table;
-}
-
 std::optional<std::int64_t> RowBeside(const Session& session, const BatchRecord& record, bool forward) {
-  const bool stored = record.rowId != 0;
+  const bool stored = record.key != 0;
   if (forward && !stored) return std::nullopt;
   const std::string_view direction = forward ? "ASC" : "DESC";
   Statement row = session.File().Prepare(fmt::format(
-      "SELECT RowKey FROM {0}{1} ORDER BY BatchNo {2}, RowKey {2} LIMIT 1", Quoted(session.Table(schema::Batch)),
+      "SELECT RowKey FROM {0}{1} ORDER BY BatchNo {2}, RowKey {2} LIMIT 1", session.QuotedTable(schema::Batch),
       !stored   ? ""
       : forward ? " WHERE (BatchNo, RowKey) > (?1, ?2)"
                 : " WHERE (BatchNo, RowKey) < (?1, ?2)",
       direction));
-  if (stored) row.Bind(1, record.BatchNo).Bind(2, record.rowId);
+  if (stored) row.Bind(1, record.BatchNo).Bind(2, record.key);
   if (!row.Step()) return std::nullopt;
   return row.Whole(0);
 }
@@ -76,7 +58,7 @@ std::vector<Cell> ReadBatchFields(const Session& session, std::int32_t batchNo) 
   std::string columns;
   for (const Field& field : schema::Batch.fields) columns += (columns.empty() ? "" : ", ") + Quoted(field.name);
   Statement row = session.File().Prepare(fmt::format("SELECT {} FROM {} WHERE BatchNo = ? ORDER BY RowKey LIMIT 1",
-                                                     columns, Quoted(session.Table(schema::Batch))));
+                                                     columns, session.QuotedTable(schema::Batch)));
   std::vector<Cell> cells;
   if (!row.Bind(1, batchNo).Step()) return cells;
   int column = 0;
@@ -101,17 +83,17 @@ bool OpenBatch(Session& session, BatchRecord& record, std::int32_t batchNo) {
   return OpenBatchRow(session, record, BatchRowOf(session, batchNo));
 }
 
-bool OpenBatchRow(Session& session, BatchRecord& record, std::int64_t rowId) {
-  const auto stored = ReadStoredLines(session, rowId);
+bool OpenBatchRow(Session& session, BatchRecord& record, std::int64_t key) {
+  const auto stored = ReadStoredLines(session, key);
   if (!stored) return false;
   std::vector<BatchTaking> takings = ReadTakings(session, *stored);
   if (session.ArchiveView) {
-    record = LoadBatchRow(session, rowId, takings).value();
+    record = LoadBatchRow(session, key, takings).value();
     return true;
   }
   Transaction transaction(session.File());
   HoldBatch(session, stored->BatchNo, takings);
-  BatchRecord opened = LoadBatchRow(session, rowId, takings).value();
+  BatchRecord opened = LoadBatchRow(session, key, takings).value();
   opened.stockReturned = true;
   transaction.Commit();
   record = std::move(opened);
@@ -123,6 +105,33 @@ std::optional<std::int64_t> NextBatchRow(const Session& session, const BatchReco
 }
 std::optional<std::int64_t> PreviousBatchRow(const Session& session, const BatchRecord& record) {
   return RowBeside(session, record, false);
+}
+
+TableOf<BatchListRow> BatchColumns() {
+  using Row = BatchListRow;
+  TableOf<Row> table;
+  table.Add("BatchNo", &Row::BatchNo)
+      .Add(
+          "", [](const Row& row) { return BatchNoText(row.BatchNo); }, "Batch")
+      .Heading("Batch ID #")
+      .Width(1680)
+      .Add("Color_Name", &Row::Color_Name, "Color Name")
+      .Width(4200)
+      .Add("Date_Entered", &Row::Date_Entered, "Date Entered")
+      .Width(2520)
+      .Add("Quantity", &Row::Quantity)
+      .Add("ActualQuantity", &Row::ActualQuantity, "Made")
+      .Heading("Quantity")
+      .Width(2160)
+      .Large()
+      .Add(
+          "UMF", [](const Row& row) { return UnitName(row.UMF); }, "Unit")
+      .Width(840)
+      .Add("JobNumber", &Row::JobNumber, "Job Number")
+      .Width(2160)
+      .Add("Complete", &Row::Complete, "", Format::Mark)
+      .Show({"Batch", "Color Name", "Date Entered", "Made", "Unit", "Job Number", "Complete"});
+  return table;
 }
 
 std::vector<BatchListRow> RecentBatches(const Session& session, int count) {
@@ -141,7 +150,7 @@ ListTable ListRecentBatches(const Session& session, int count) {
 ListTable ListBatches(const Session& session, const std::string& colorName) {
   return BatchColumns().Of([&session, colorName](const TakeBatch& take) {
     Statement rows = session.File().Prepare(fmt::format("SELECT {} FROM {}{} ORDER BY BatchNo, RowKey", kListColumns,
-                                                        Quoted(session.Table(schema::Batch)),
+                                                        session.QuotedTable(schema::Batch),
                                                         colorName.empty() ? "" : " WHERE Color_Name = ?1"));
     if (!colorName.empty()) rows.Bind(1, colorName);
     ReadList(std::move(rows), take);

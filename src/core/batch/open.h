@@ -37,7 +37,7 @@ std::vector<BatchLotRow> ReadBatchLots(const Session& session, std::int32_t batc
 /// transaction. In an archive view nothing is handed back. False when there is no such Batch. `record` must hold no
 /// other open Batch.
 bool OpenBatch(Session& session, BatchRecord& record, std::int32_t batchNo);
-bool OpenBatchRow(Session& session, BatchRecord& record, std::int64_t rowId);
+bool OpenBatchRow(Session& session, BatchRecord& record, std::int64_t key);
 
 /// Rows of `<DB>_Batch` in the order of their numbers; nothing past either end. A Batch that is not stored stands
 /// behind the last.
@@ -55,6 +55,7 @@ struct BatchListRow {
   std::string JobNumber;
   bool Complete = false;
 };
+TableOf<BatchListRow> BatchColumns();
 /// The Batches entered last, newest first.
 std::vector<BatchListRow> RecentBatches(const Session& session, int count);
 /// All Batches by number, or those of one formula.

@@ -11,7 +11,7 @@ std::optional<PriorBatch> LastBatchOf(const Session& session, std::string_view c
   Statement row = session.File().Prepare(
       fmt::format("SELECT BatchNo, Date_Entered, ActualQuantity, UMF FROM {} WHERE Color_Name = ?1 AND BatchNo < ?2{} "
                   "ORDER BY BatchNo DESC LIMIT 1",
-                  Quoted(session.Table(schema::Batch)), forJobs ? " AND JobNumber <> ''" : ""));
+                  session.QuotedTable(schema::Batch), forJobs ? " AND JobNumber <> ''" : ""));
   if (!row.Bind(1, colorName).Bind(2, before).Step()) return std::nullopt;
   PriorBatch batch{
       static_cast<std::int32_t>(row.Whole(0)), row.Date(1), row.Single(2), static_cast<int>(row.Whole(3)), {}};
@@ -24,7 +24,7 @@ std::vector<BatchNote> OtherBatchNotes(const Session& session, std::string_view 
   Statement rows = session.File().Prepare(
       fmt::format("SELECT BatchNo, Date_Entered, Notes FROM {} WHERE Color_Name = ?1 AND BatchNo <> ?2 AND Notes <> '' "
                   "ORDER BY BatchNo DESC LIMIT ?3",
-                  Quoted(session.Table(schema::Batch))));
+                  session.QuotedTable(schema::Batch)));
   rows.Bind(1, colorName).Bind(2, except).Bind(3, most);
   std::vector<BatchNote> notes;
   while (rows.Step()) notes.push_back({static_cast<std::int32_t>(rows.Whole(0)), rows.Date(1), rows.Text(2)});

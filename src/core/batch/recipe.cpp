@@ -167,7 +167,7 @@ std::string FormulaSql(const Session& session) {
   return fmt::format(
       "SELECT Color_Name, Color_Code, Color_Set, Notes, PurchaseCost, Color_Guide, Page, \"Row\", Red, Green, Blue{} "
       "FROM {} WHERE Color_Name = ? ORDER BY RowKey LIMIT 1",
-      slots, Quoted(session.Table(schema::Mix)));
+      slots, session.QuotedTable(schema::Mix));
 }
 
 }  // namespace
@@ -176,11 +176,11 @@ std::optional<BatchIngredient> ReadBatchIngredient(Session& session, int unit, s
   const std::string lots = session.InvLotTracking == 0
                                ? "NULL"
                                : fmt::format("(SELECT SUM(LotQty) FROM {} WHERE LotCName = b.Color_Name)",
-                                             Quoted(session.Table(schema::BasicLotInv)));
+                                             session.QuotedTable(schema::BasicLotInv));
   Statement row = session.File().Prepare(fmt::format(
       "SELECT Color_Name, Color_Code, PurchaseCost, Inv_Note, Inventory, Reorder, Notes, IngSort, VOC, HAP, {} "
       "FROM {} b WHERE Color_Name = ? ORDER BY RowKey LIMIT 1",
-      lots, Quoted(session.Table(schema::Basic))));
+      lots, session.QuotedTable(schema::Basic)));
   if (!row.Bind(1, name).Step()) return std::nullopt;
   BatchIngredient ingredient;
   ingredient.inDatabase = true;

@@ -97,7 +97,7 @@ BatchRecord NewBatchRecord(const Session& session) {
 
 std::int32_t UpcomingBatchNo(const Session& session) {
   Statement taken = session.File().Prepare(
-      fmt::format("SELECT BatchNo FROM {} WHERE BatchNo >= ? ORDER BY BatchNo", Quoted(session.Table(schema::Batch))));
+      fmt::format("SELECT BatchNo FROM {} WHERE BatchNo >= ? ORDER BY BatchNo", session.QuotedTable(schema::Batch)));
   const auto firstFree = [&](std::int32_t from) {
     taken.Reset();
     taken.Bind(1, from);
@@ -141,7 +141,7 @@ bool PriorBatchHadAdditions(const Session& session, std::string_view colorName, 
   for (int i = 0; i < schema::kBatchLines; ++i) types += fmt::format("{}IngType{}", i == 0 ? "" : ", ", i);
   return !session.File()
               .Scalar(fmt::format("SELECT 1 FROM {} WHERE Color_Name = ? AND BatchNo < ? AND 3 IN ({}) LIMIT 1",
-                                  Quoted(session.Table(schema::Batch)), types),
+                                  session.QuotedTable(schema::Batch), types),
                       {colorName, before})
               .IsNull();
 }

@@ -79,7 +79,7 @@ struct RememberedBatch {
 struct BatchRecord {
   BatchState state = BatchState::None;
   BatchWork work;
-  std::int64_t rowId = 0;    ///< of the stored row; 0 while there is none
+  std::int64_t key = 0;      ///< of the stored row; 0 while there is none
   std::int32_t BatchNo = 0;  ///< of a new Batch the number that it will get
   std::optional<DateTime> Date_Entered;
   std::string Username;

@@ -50,7 +50,7 @@ class SetWalk {
  private:
   static std::string Sql(const Session& session) {
     return fmt::format("SELECT RowKey, Color_Set FROM {} WHERE Color_Set >= ? AND Color_Set < ? ORDER BY Color_Set",
-                       Quoted(session.Table(schema::Mix)));
+                       session.QuotedTable(schema::Mix));
   }
 
   void From(const std::string& first) {
@@ -111,7 +111,7 @@ std::string CandidatesSql(Session& session, int slots, int rows = kRowsAtOnce) {
   std::string columns;
   for (const char* word : {"BC", "BQ"})
     for (int i = 0; i < slots; ++i) columns += fmt::format("{}{}, ", word, i);
-  const std::string lotTable = Quoted(session.Table(schema::MixLotInv));
+  const std::string lotTable = session.QuotedTable(schema::MixLotInv);
   const bool lots =
       session.InvLotTracking != 0 && !session.File().Scalar(fmt::format("SELECT 1 FROM {} LIMIT 1", lotTable)).IsNull();
   std::string wanted = "?";
@@ -119,7 +119,7 @@ std::string CandidatesSql(Session& session, int slots, int rows = kRowsAtOnce) {
   return fmt::format(
       "SELECT {}m.RowKey, Color_Name, Recycle, Inventory, {} FROM {} m WHERE m.RowKey IN ({}) ORDER BY m.RowKey",
       columns, lots ? fmt::format("(SELECT SUM(LotQty) FROM {} WHERE LotCName = m.Color_Name)", lotTable) : "NULL",
-      Quoted(session.Table(schema::Mix)), wanted);
+      session.QuotedTable(schema::Mix), wanted);
 }
 
 // What the lot holds that the open Batch itself made, when it is one of that colour.
@@ -146,7 +146,7 @@ RecycleColor ReadCandidate(const Session& session, const BatchWork& work, const 
   RecycleColor color;
   color.slots = std::make_shared<const std::vector<RecycleSlot>>(std::move(read));
   int column = 2 * slots;
-  color.rowId = row.Whole(column++);
+  color.key = row.Whole(column++);
   color.Color_Name = row.TextView(column++);
   color.Recycle = row.Bool(column++);
   const float inventory = row.Single(column++);
@@ -183,7 +183,7 @@ ContainedFormulas FindContainedFormulas(Session& session, std::string_view formu
   // A formula without ingredients is contained in any other.
   Statement empty = session.File().Prepare(fmt::format(
       "SELECT RowKey FROM {0} WHERE Color_Set = '' UNION ALL SELECT RowKey FROM {0} WHERE Color_Set IS NULL",
-      Quoted(session.Table(schema::Mix))));
+      session.QuotedTable(schema::Mix)));
   while (empty.Step()) found.rows.push_back(empty.Whole(0));
   std::ranges::sort(found.rows);
   return found;
@@ -202,7 +202,7 @@ void BuildRecycleList(Session& session, BatchWork& work) {
 std::optional<RecycleColor> ReadRecycleColor(Session& session, const BatchWork& work, std::string_view name) {
   const std::int64_t row = session.File()
                                .Scalar(fmt::format("SELECT RowKey FROM {} WHERE Color_Name = ? ORDER BY RowKey LIMIT 1",
-                                                   Quoted(session.Table(schema::Mix))),
+                                                   session.QuotedTable(schema::Mix)),
                                        {name})
                                .Whole();
   constexpr int slots = schema::kIngredientSlots;
@@ -217,8 +217,8 @@ void ReadChosenColor(Session& session, int unit, RecycleColor& color) {
   Statement row = session.File().Prepare(
       fmt::format("SELECT Color_Code, Inv_Note, Notes, PurchaseCost, BasicCost, Reorder, VOC, HAP, BasicVOC, BasicHAP "
                   "FROM {} WHERE RowKey = ?",
-                  Quoted(session.Table(schema::Mix))));
-  if (!row.Bind(1, color.rowId).Step()) return;
+                  session.QuotedTable(schema::Mix)));
+  if (!row.Bind(1, color.key).Step()) return;
   color.Color_Code = row.Text(0);
   color.Inv_Note = row.Text(1);
   color.Notes = row.Text(2);

@@ -127,7 +127,7 @@ Result<SaveEnd> SaveAndHoldBatch(Session& session, BatchRecord& record, BatchDia
   if (!passed) return std::unexpected(passed.error());
   if (!*passed) return SaveEnd::Stays;
   if (record.state == BatchState::Edit && !Changed(session, record)) {
-    LeaveFor(session, record, true, record.rowId);
+    LeaveFor(session, record, true, record.key);
     return SaveEnd::Kept;
   }
   return StoreBatch(session, record, dialogs, {.stored = true});

@@ -80,15 +80,15 @@ class BatchStore {
     // Without the setting a Batch is never complete; what an earlier one says stays.
     if (isNew) {
       cells.emplace_back("Complete", GetSetting(session_, setting::BatchComplete) && record_.Complete);
-      record_.rowId = 0;
+      record_.key = 0;
       const std::int64_t row = InsertRow(session_.File(), schema::Batch, Batches(), cells);
       newRow_ = row;
     } else {
       if (GetSetting(session_, setting::BatchComplete)) cells.emplace_back("Complete", record_.Complete);
-      if (!UpdateRow(session_.File(), schema::Batch, Batches(), record_.rowId, cells))
+      if (!UpdateRow(session_.File(), schema::Batch, Batches(), record_.key, cells))
         throw Failure(session_.File().Path().string(),
                       fmt::format("has lost the Batch {} while it was open", BatchNoText(record_.BatchNo)));
-      newRow_ = record_.rowId;
+      newRow_ = record_.key;
     }
   }
 
@@ -154,14 +154,14 @@ Result<void> CheckLotReferences(const Session& session, const BatchRecord& recor
 std::optional<std::string> ColorGone(const Session& session, const BatchRecord& record) {
   const auto gone = [&](ColorKind kind, const std::string& name) {
     return session.File()
-        .Scalar(fmt::format("SELECT 1 FROM {} WHERE Color_Name = ? LIMIT 1", Quoted(session.Table(ColorTable(kind)))),
+        .Scalar(fmt::format("SELECT 1 FROM {} WHERE Color_Name = ? LIMIT 1", session.QuotedTable(ColorTable(kind))),
                 {name})
         .IsNull();
   };
   const BatchWork& work = record.work;
   if (work.formulaFound && gone(ColorKind::Mix, work.Color_Name)) return work.Color_Name;
   for (const RecycleColor& color : work.RecycledColors)
-    if (color.rowId != 0 && gone(ColorKind::Mix, color.Color_Name)) return color.Color_Name;
+    if (color.key != 0 && gone(ColorKind::Mix, color.Color_Name)) return color.Color_Name;
   for (const auto* list : {&work.Ingredients, &work.Additions})
     for (const BatchIngredient& i : *list)
       if (i.inDatabase && gone(ColorKind::Basic, i.IngName)) return i.IngName;
@@ -171,7 +171,7 @@ std::optional<std::string> ColorGone(const Session& session, const BatchRecord& 
 // A colour that got another name, was merged or deleted while the Batch was on the bench: stored under its old name its
 // line would take from nothing.
 Result<void> CheckNames(const Session& session, const BatchRecord& record) {
-  const auto stored = ReadStoredLines(session, record.rowId);
+  const auto stored = ReadStoredLines(session, record.key);
   bool same = record.state != BatchState::Edit || (stored && stored->Color_Name == record.remembered.Color_Name);
   for (const OldBatchLine& old : record.OldLines)
     same = same && std::ranges::any_of(stored->lines, [&](const StoredLine& line) {
@@ -246,14 +246,14 @@ Result<void> CompleteBatch(Session& session, BatchRecord& record, bool complete)
 }
 
 void StoreComplete(Session& session, const BatchRecord& record) {
-  if (!GetSetting(session, setting::BatchComplete) || record.rowId == 0) return;
+  if (!GetSetting(session, setting::BatchComplete) || record.key == 0) return;
   Transaction transaction(session.File());
   const int changed =
       session.File()
           .Prepare(fmt::format("UPDATE {} SET Complete = ?1 WHERE RowKey = ?2 AND COALESCE(Complete, 0) <> ?1",
-                               Quoted(session.Table(schema::Batch))))
+                               session.QuotedTable(schema::Batch)))
           .Bind(1, record.Complete ? 1 : 0)
-          .Bind(2, record.rowId)
+          .Bind(2, record.key)
           .Run();
   if (changed > 0)
     transaction.Note(

@@ -145,7 +145,7 @@ std::vector<BatchTaking> ReadTakings(const Session& session, const StoredBatchLi
   Statement rows = session.File().Prepare(
       fmt::format("SELECT IngName, IngType, LotRefID, LotNumber, LotLoc, LotContID, LotDate, LotQty, LotPrice "
                   "FROM {} WHERE BatchNo = ? ORDER BY RowKey",
-                  Quoted(session.Table(schema::BatchLotInv))));
+                  session.QuotedTable(schema::BatchLotInv)));
   rows.Bind(1, batch.BatchNo);
   std::vector<BatchTaking> takings;
   while (rows.Step()) {
@@ -225,7 +225,7 @@ void WriteTakings(Session& session, std::int32_t batchNo, const DateTime& date,
 
 void DeleteTakings(Session& session, std::int32_t batchNo) {
   session.File()
-      .Prepare(fmt::format("DELETE FROM {} WHERE BatchNo = ?", Quoted(session.Table(schema::BatchLotInv))))
+      .Prepare(fmt::format("DELETE FROM {} WHERE BatchNo = ?", session.QuotedTable(schema::BatchLotInv)))
       .Bind(1, batchNo)
       .Run();
 }
@@ -299,7 +299,7 @@ void LowerTo(const Session& session, std::vector<BatchTaking>& takings, const st
 
 void LowerRecorded(Session& session, std::string_view database, std::int32_t batchNo, const NetTaking& place,
                    float missing) {
-  const std::string table = Quoted(session.Table(schema::BatchLotInv, database));
+  const std::string table = session.QuotedTable(schema::BatchLotInv, database);
   // While Lotted Inventory is off the lots of a Batch count as Unlotted too.
   Statement rows = session.File().Prepare(fmt::format(
       "SELECT RowKey, LotQty FROM {} WHERE BatchNo = ?1 AND IngName = ?2 AND (IngType = 2) = ?3 AND LotQty > "

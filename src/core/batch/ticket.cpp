@@ -122,7 +122,7 @@ SheetBlock DataBlock(std::string heading, const std::vector<DataLine>& lines) {
 
 // Of a Batch that is stored what really left; of one on the bench what its saving would take.
 std::vector<BatchLotRow> LotsOf(Session& session, const BatchRecord& record) {
-  if (record.rowId != 0 && !record.stockReturned) return ReadBatchLots(session, record.BatchNo);
+  if (record.key != 0 && !record.stockReturned) return ReadBatchLots(session, record.BatchNo);
   std::vector<BatchLotRow> lots;
   for (const BatchTaking& taking : PlanTakings(session, record)) {
     const LotUse& use = taking.use;

@@ -111,7 +111,7 @@ std::vector<std::string> FormulasWithoutSet(const Session& session) {
   std::vector<std::string> names;
   Statement row = session.File().Prepare(
       fmt::format("SELECT Color_Name FROM {} WHERE AddSetName IS NULL OR AddSetName = '' ORDER BY Color_Name",
-                  Quoted(session.Table(schema::Mix))));
+                  session.QuotedTable(schema::Mix)));
   while (row.Step()) names.push_back(row.Text(0));
   return names;
 }
@@ -124,13 +124,13 @@ Result<AdditiveSet> EditAdditiveSet(Session& session, std::string_view setName, 
   content.SetName = present->SetName;
   auto set = ValidateAdditiveSet(session, content, false);
   if (!set) return set;
-  set->rowId = present->rowId;
+  set->key = present->key;
   const std::vector<std::int64_t> users = FormulaRowsWithSet(session, present->SetName);
 
   ProgressRun progress(session.progress, "Updating Add Set / Updating formulas");
   std::vector<std::string> notApplied;
   Transaction transaction(session.File());
-  UpdateRow(session.File(), schema::Additives, session.Table(schema::Additives), set->rowId, AdditiveSetCells(*set));
+  UpdateRow(session.File(), schema::Additives, session.Table(schema::Additives), set->key, AdditiveSetCells(*set));
   const bool whole = RewriteFormulas(session, progress, transaction, users, [&](const MixColor& mix) {
     const AppliedSet result = WithSetApplied(mix.Ingredients(), present->rows, set->rows);
     if (!result.applied) notApplied.push_back(mix.Color_Name);
@@ -168,9 +168,9 @@ Result<bool> RenameAdditiveSet(Session& session, std::string_view oldName, std::
   const std::string sets = session.Table(schema::Additives);
   Transaction transaction(file);
   if (merge) {
-    file.Prepare("DELETE FROM " + Quoted(sets) + " WHERE RowKey = ?").Bind(1, set->rowId).Run();
+    file.Prepare("DELETE FROM " + Quoted(sets) + " WHERE RowKey = ?").Bind(1, set->key).Run();
   } else {
-    UpdateRow(file, schema::Additives, sets, set->rowId, {{"SetName", name}});
+    UpdateRow(file, schema::Additives, sets, set->key, {{"SetName", name}});
   }
   const std::string formulas = session.Table(schema::Mix);
   Statement update = file.Prepare("UPDATE " + Quoted(formulas) +
@@ -203,8 +203,8 @@ Result<bool> DeleteAdditiveSet(Session& session, std::string_view setName) {
   });
   if (!whole) return BulkSteps::Stopped("Additive Set Modification");
   session.File()
-      .Prepare("DELETE FROM " + Quoted(session.Table(schema::Additives)) + " WHERE RowKey = ?")
-      .Bind(1, set->rowId)
+      .Prepare("DELETE FROM " + session.QuotedTable(schema::Additives) + " WHERE RowKey = ?")
+      .Bind(1, set->key)
       .Run();
   transaction.Note({Change::Kind::AdditiveSet, session.CurrentDatabase, set->SetName, Change::What::Deleted, ""});
   if (!users.empty()) MarkRollUpsStale(session, kAllRollUps);
@@ -254,7 +254,7 @@ Result<bool> ApplyAdditiveSet(Session& session, std::string_view setName, SetMet
     if (!mix) return Refuse("Color Not Found", color + " is not found in this database.", "Color_Name");
     const SetPreviewRow row = method == SetMethod::Remove ? JudgeRemove(*mix, *set) : JudgeAdd(*mix, *set);
     if (!row.modable) return Refuse("Additive Set Modification", fmt::format("{}: {}", row.color, row.info));
-    rows.push_back(mix->rowId);
+    rows.push_back(mix->key);
   }
   const Message question{Padded(30, "Additive Set Modification"),
                          fmt::format("{} color(s) are about to be modified.", colors.size()), Buttons::OkCancel,

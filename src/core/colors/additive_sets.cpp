@@ -27,7 +27,7 @@ std::string Columns() {
 
 AdditiveSet ReadRow(const Statement& row) {
   AdditiveSet set;
-  set.rowId = row.Whole(0);
+  set.key = row.Whole(0);
   set.SetName = row.Text(1);
   for (int n = 0; n < schema::kSetSlots; ++n)
     if (std::string name = row.Text(2 + n); !name.empty())
@@ -119,7 +119,7 @@ std::optional<AdditiveSet> ReadAdditiveSet(const Session& session, std::string_v
                                            std::string_view database) {
   if (setName.empty()) return std::nullopt;
   Statement row = session.File().Prepare(fmt::format("SELECT {} FROM {} WHERE SetName = ? ORDER BY RowKey LIMIT 1",
-                                                     Columns(), Quoted(session.Table(schema::Additives, database))));
+                                                     Columns(), session.QuotedTable(schema::Additives, database)));
   row.Bind(1, setName);
   if (!row.Step()) return std::nullopt;
   return ReadRow(row);
@@ -128,7 +128,7 @@ std::optional<AdditiveSet> ReadAdditiveSet(const Session& session, std::string_v
 std::vector<AdditiveSet> ListAdditiveSets(const Session& session, std::string_view database) {
   std::vector<AdditiveSet> sets;
   Statement row = session.File().Prepare(fmt::format("SELECT {} FROM {} ORDER BY SetName, RowKey", Columns(),
-                                                     Quoted(session.Table(schema::Additives, database))));
+                                                     session.QuotedTable(schema::Additives, database)));
   while (row.Step()) sets.push_back(ReadRow(row));
   return sets;
 }
@@ -209,7 +209,7 @@ Result<AdditiveSet> CreateAdditiveSet(Session& session, const AdditiveSetWork& w
   auto set = ValidateAdditiveSet(session, work, true);
   if (!set) return set;
   Transaction transaction(session.File());
-  set->rowId = InsertRow(session.File(), schema::Additives, session.Table(schema::Additives), AdditiveSetCells(*set));
+  set->key = InsertRow(session.File(), schema::Additives, session.Table(schema::Additives), AdditiveSetCells(*set));
   transaction.Note({Change::Kind::AdditiveSet, session.CurrentDatabase, set->SetName, Change::What::Added, ""});
   transaction.Commit();
   return set;

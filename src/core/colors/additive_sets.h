@@ -15,7 +15,7 @@ namespace vellumark {
 
 /// A row of `<DB>_Additives`: up to five Additives with fixed percentages.
 struct AdditiveSet {
-  std::int64_t rowId = 0;
+  std::int64_t key = 0;
   std::string SetName;
   Recipe rows;  ///< the filled slots; the amount is the percentage
 

@@ -33,9 +33,9 @@ std::optional<BasicDeleteRefusal> DeleteHindrance(const Session& session, const 
     refused.requiredBy = std::move(requiring);
     return refused;
   }
-  const Value set = session.File().Scalar(fmt::format("SELECT 1 FROM {} WHERE SetList LIKE ? ESCAPE '\\' LIMIT 1",
-                                                      Quoted(session.Table(schema::Additives))),
-                                          {NameSetPattern(name)});
+  const Value set = session.File().Scalar(
+      fmt::format("SELECT 1 FROM {} WHERE SetList LIKE ? ESCAPE '\\' LIMIT 1", session.QuotedTable(schema::Additives)),
+      {NameSetPattern(name)});
   if (!set.IsNull())
     return refusal("Additive Set Color",
                    "Basic / Additive is used in an Additive Set.\n\nModify Additive Set before deleting.");
@@ -125,12 +125,12 @@ namespace {
 // row may have changed since.
 RollUpWanted StaleAfter(const Session& session, const BasicWork& work, const BasicColor& after) {
   BasicColor before;
-  if (work.rowId == 0) {
+  if (work.key == 0) {
     if (FormulaRowsUsing(session, work.Color_Name).empty()) return {};
   } else {
     Statement row = session.File().Prepare(
-        fmt::format("SELECT PurchaseCost, VOC, HAP FROM {} WHERE RowKey = ?", Quoted(session.Table(schema::Basic))));
-    if (row.Bind(1, work.rowId).Step()) {
+        fmt::format("SELECT PurchaseCost, VOC, HAP FROM {} WHERE RowKey = ?", session.QuotedTable(schema::Basic)));
+    if (row.Bind(1, work.key).Step()) {
       before.PurchaseCost = row.Single(0);
       before.VOC = row.Single(1);
       before.HAP = row.Single(2);
@@ -145,7 +145,7 @@ Result<void> SaveBasic(Session& session, BasicWork& work) {
   if (auto writable = RequireWritable(session); !writable) return writable;
   auto color = ReadTyped(session, BasicFields(), work);
   if (!color) return std::unexpected(color.error());
-  const bool isNew = work.rowId == 0;
+  const bool isNew = work.key == 0;
   if (isNew && BasicColorExists(session, work.Color_Name))
     return Refuse("Basic Color Name Exists", "This Basic Color already exists.", "Color_Name");
   if (!isNew && !work.Additive)
@@ -161,7 +161,7 @@ Result<void> SaveBasic(Session& session, BasicWork& work) {
   const RollUpWanted stale = StaleAfter(session, work, *color);
   if (isNew) {
     InsertRow(session.File(), schema::Basic, table, BasicFields().Cells(*color, kNewRowUses));
-  } else if (!UpdateRow(session.File(), schema::Basic, table, work.rowId, BasicFields().Cells(*color, kSavedUses))) {
+  } else if (!UpdateRow(session.File(), schema::Basic, table, work.key, BasicFields().Cells(*color, kSavedUses))) {
     return Refuse("Color Not Found", fmt::format("{} is not found in this database.", work.Color_Name), "Color_Name");
   }
   transaction.Note({Change::Kind::Basic, session.CurrentDatabase, work.Color_Name,
@@ -187,10 +187,10 @@ std::expected<bool, BasicDeleteRefusal> DeleteBasic(Session& session, const std:
     return false;
 
   Database& file = session.File();
-  const std::string table = Quoted(session.Table(schema::Basic));
+  const std::string table = session.QuotedTable(schema::Basic);
   Transaction transaction(file);
   GiveUpColorStock(session, ColorKind::Basic, session.CurrentDatabase, color->Color_Name);
-  file.Prepare("DELETE FROM " + table + " WHERE RowKey = ?").Bind(1, color->rowId).Run();
+  file.Prepare("DELETE FROM " + table + " WHERE RowKey = ?").Bind(1, color->key).Run();
   file.Prepare("UPDATE " + table + " SET IngSort = IngSort - 1 WHERE IngSort > ?").Bind(1, color->IngSort).Run();
   transaction.Note({Change::Kind::Basic, session.CurrentDatabase, color->Color_Name, Change::What::Deleted, ""});
   transaction.Commit();

@@ -10,7 +10,7 @@ namespace vellumark {
 namespace {
 
 std::string TableText(const Session& session, std::string_view database = {}) {
-  return Quoted(session.Table(schema::Basic, database));
+  return session.QuotedTable(schema::Basic, database);
 }
 
 std::string Select(const Session& session, std::string_view rest, std::string_view database = {}) {
@@ -19,7 +19,7 @@ std::string Select(const Session& session, std::string_view rest, std::string_vi
 
 BasicColor ReadRow(const Statement& row) {
   BasicColor color;
-  color.rowId = row.Whole(0);
+  color.key = row.Whole(0);
   BasicFields().Read(row, 1, color);
   return color;
 }
@@ -30,11 +30,13 @@ const FieldMap<BasicColor>& BasicFields() {
   using C = BasicColor;
   static const FieldMap<C> fields = [] {
     FieldMap<C> map;
-    map.Add("Color_Name", &C::Color_Name, {.use = FieldUse::Key})
-        .Add("Color_Code", &C::Color_Code, {.use = FieldUse::Typed, .shape = TextShape::Code})
-        .Add("Inventory", &C::Inventory, {.use = FieldUse::Posted})
-        .Add("Reorder", &C::Reorder, {.use = FieldUse::Typed, .amount = AmountKey::Reorder})
-        .Add("PurchaseCost", &C::PurchaseCost, {.use = FieldUse::Typed, .amount = AmountKey::Currency, .price = true})
+    map.Add("Color_Name", &C::Color_Name, {.use = FieldUse::Key, .caption = "Color Name"})
+        .Add("Color_Code", &C::Color_Code, {.use = FieldUse::Typed, .shape = TextShape::Code, .caption = "Color Code"})
+        .Add("Inventory", &C::Inventory, {.use = FieldUse::Posted, .unit = true, .caption = "Inventory"})
+        .Add("Reorder", &C::Reorder,
+             {.use = FieldUse::Typed, .amount = AmountKey::Reorder, .unit = true, .caption = "Reorder"})
+        .Add("PurchaseCost", &C::PurchaseCost,
+             {.use = FieldUse::Typed, .amount = AmountKey::Currency, .price = true, .caption = "Purchase Cost"})
         .Add("Date_Entered", &C::Date_Entered)
         .Add("LastConsumed", &C::LastConsumed)
         .Add("Notes", &C::Notes, {.use = FieldUse::Typed, .shape = TextShape::Note})
@@ -108,7 +110,7 @@ bool UsedByAdditiveSet(const Session& session, std::string_view name) {
   for (int slot = 0; slot < schema::kSetSlots; ++slot)
     where += fmt::format("{}{} = ?1", slot == 0 ? "" : " OR ", schema::Numbered("Add_Name", slot));
   return !session.File()
-              .Scalar(fmt::format("SELECT 1 FROM {} WHERE {} LIMIT 1", Quoted(session.Table(schema::Additives)), where),
+              .Scalar(fmt::format("SELECT 1 FROM {} WHERE {} LIMIT 1", session.QuotedTable(schema::Additives), where),
                       {name})
               .IsNull();
 }

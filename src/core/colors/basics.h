@@ -15,7 +15,7 @@ namespace vellumark {
 /// A row of `<DB>_Basic`: a raw ink, or an Additive when it is flagged so. Quantities in the inventory unit, costs and
 /// emissions per inventory unit.
 struct BasicColor {
-  std::int64_t rowId = 0;
+  std::int64_t key = 0;
   std::string Color_Name;
   std::string Color_Code;
   float Inventory = 0;  ///< Unlotted stock only

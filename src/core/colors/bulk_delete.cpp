@@ -69,10 +69,10 @@ Result<bool> DeleteFormulas(Session& session, const std::vector<std::string>& co
     BulkSteps steps(session, "Deleting Master Formulas", formulas->size());
     Database& file = session.File();
     Transaction transaction(file);
-    Statement row = file.Prepare("DELETE FROM " + Quoted(session.Table(schema::Mix, *chosen)) + " WHERE RowKey = ?");
+    Statement row = file.Prepare("DELETE FROM " + session.QuotedTable(schema::Mix, *chosen) + " WHERE RowKey = ?");
     for (const MixColor& mix : *formulas) {
       GiveUpColorStock(session, ColorKind::Mix, *chosen, mix.Color_Name);
-      row.Bind(1, mix.rowId).Run();
+      row.Bind(1, mix.key).Run();
       transaction.Note({Change::Kind::Mix, *chosen, mix.Color_Name, Change::What::Deleted, ""});
       if (!steps.Next()) return BulkSteps::Stopped(std::string(kTitle));
     }

@@ -26,7 +26,7 @@ bool OnFile(const Session& session, ColorKind kind, std::string_view name) {
 std::string NameOnFile(const Session& session, ColorKind kind, std::string_view name) {
   return session.File()
       .Scalar(fmt::format("SELECT Color_Name FROM {} WHERE Color_Name = ? ORDER BY RowKey LIMIT 1",
-                          Quoted(session.Table(ColorTable(kind)))),
+                          session.QuotedTable(ColorTable(kind))),
               {name})
       .Text();
 }
@@ -109,7 +109,7 @@ Result<std::vector<RenamePreviewRow>> Judge(Session& session, const BulkRename& 
 }  // namespace
 
 Result<void> RequireColorsToRename(const Session& session, ColorKind kind) {
-  const std::string table = Quoted(session.Table(ColorTable(kind)));
+  const std::string table = session.QuotedTable(ColorTable(kind));
   if (!session.File().Scalar("SELECT 1 FROM " + table + " LIMIT 1").IsNull()) return {};
   return Refuse("Database - Rename Colors", "There are no colors to rename.", "optType");
 }

@@ -10,7 +10,7 @@ namespace {
 void Store(Session& session, const Table& table, std::string_view field, std::string_view name,
            const std::optional<DateTime>& when) {
   session.File()
-      .Prepare(fmt::format("UPDATE {} SET {} = ?1 WHERE Color_Name = ?2", Quoted(session.Table(table)), field))
+      .Prepare(fmt::format("UPDATE {} SET {} = ?1 WHERE Color_Name = ?2", session.QuotedTable(table), field))
       .Bind(1, Value(when))
       .Bind(2, name)
       .Run();

@@ -8,7 +8,7 @@ float ColorFigure(const Session& session, ColorKind kind, std::string_view name,
                   std::string_view database) {
   return session.File()
       .Scalar(fmt::format("SELECT {} FROM {} WHERE Color_Name = ? ORDER BY RowKey LIMIT 1", Quoted(field),
-                          Quoted(session.Table(ColorTable(kind), database))),
+                          session.QuotedTable(ColorTable(kind), database)),
               {name})
       .Single();
 }

@@ -16,8 +16,8 @@ TableOf<MixColor> MixColumns(const Session& session) {
   table
       .Add(
           "", [](const MixColor& color) { return color.Ingredients().size(); }, "Ingredients")
-      .Add("", &MixColor::LastModified, "LastModified", Format::Date)
-      .Show({"Color_Name", "Color_Code", "Ingredients", "AddSetName", "Inventory", "BasicCost", "LastModified"});
+      .Add("", &MixColor::LastModified, "Last Modified", Format::Date)
+      .Show({"Color_Name", "Color_Code", "Ingredients", "AddSetName", "Inventory", "BasicCost", "Last Modified"});
   return table;
 }
 

@@ -44,7 +44,7 @@ bool CopyTable(Session& session, const Table& table, const std::string& from, co
   const std::string source = TableName(from, table);
   Statement copy = session.File().Prepare(
       fmt::format("INSERT INTO {} ({}) SELECT {} FROM {} WHERE RowKey BETWEEN ?2 AND ?3 ORDER BY RowKey",
-                  Quoted(TableName(to, table)), fields, values, Quoted(source)));
+                  QuotedTable(to, table), fields, values, Quoted(source)));
   const bool dated = values.find("?1") != std::string::npos;
   return ForRowPieces(session.File(), source, [&](std::int64_t first, std::int64_t last, double percent) {
     if (dated) copy.Bind(1, session.clock.Today());
@@ -66,8 +66,8 @@ std::string ColorSetExpression() {
 // Empty also when it was stopped.
 std::set<std::string> MissingIngredients(Session& session, const std::string& database, const GoOn& goOn) {
   std::set<std::string> missing;
-  const std::string mix = Quoted(TableName(database, schema::Mix));
-  const std::string basic = Quoted(TableName(database, schema::Basic));
+  const std::string mix = QuotedTable(database, schema::Mix);
+  const std::string basic = QuotedTable(database, schema::Basic);
   for (int n = 0; n < schema::kIngredientSlots; ++n) {
     Statement row =
         session.File().Prepare(fmt::format("SELECT DISTINCT BC{0} FROM {1} WHERE BC{0} <> '' AND BC{0} NOT IN (SELECT "
@@ -84,7 +84,7 @@ void CopyInfo(Session& session, const std::string& from, const std::string& to) 
   Statement copy = session.File().Prepare(
       fmt::format("UPDATE {} SET (FullName, Disclaimer, TradeMark, TemplateFile) = (SELECT FullName, Disclaimer, "
                   "TradeMark, TemplateFile FROM {} LIMIT 1)",
-                  Quoted(TableName(to, schema::Info)), Quoted(TableName(from, schema::Info))));
+                  QuotedTable(to, schema::Info), QuotedTable(from, schema::Info)));
   copy.Run();
 }
 

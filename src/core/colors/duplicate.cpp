@@ -140,7 +140,7 @@ void Store(Session& session, const Target& target, const Recipe& recipe, std::st
   writer.Set(recipe, setName);
   for (std::size_t i = 0; i < cells.size(); ++i) writer.SetMore(i, cells[i].second);
   if (target.existing) {
-    writer.Update(target.existing->rowId);
+    writer.Update(target.existing->key);
   } else {
     writer.Insert();
   }

@@ -162,7 +162,7 @@ Result<std::vector<std::int64_t>> RowsToModify(const Session& session, AdditiveS
       for (const std::string& reason : row.reasons) text += "\n" + reason;
       return Refuse(std::string(kTitle), std::move(text));
     }
-    rows.push_back(mix->rowId);
+    rows.push_back(mix->key);
   }
   return rows;
 }
@@ -170,7 +170,7 @@ Result<std::vector<std::int64_t>> RowsToModify(const Session& session, AdditiveS
 }  // namespace
 
 Result<void> RequireFormulasToModify(const Session& session) {
-  if (!session.File().Scalar("SELECT 1 FROM " + Quoted(session.Table(schema::Mix)) + " LIMIT 1").IsNull()) return {};
+  if (!session.File().Scalar("SELECT 1 FROM " + session.QuotedTable(schema::Mix) + " LIMIT 1").IsNull()) return {};
   return Refuse(std::string(kTitle), "There are no Master Formulas to modify.");
 }
 

@@ -33,7 +33,7 @@ std::string BatchNote::Number() const {
 std::vector<BatchNote> BatchNotes(const Session& session, std::string_view colorName) {
   Statement batch = session.File().Prepare(
       fmt::format("SELECT BatchNo, Date_Entered, Notes FROM {} WHERE Color_Name = ? ORDER BY Date_Entered, BatchNo",
-                  Quoted(session.Table(schema::Batch))));
+                  session.QuotedTable(schema::Batch)));
   batch.Bind(1, colorName);
   std::vector<BatchNote> noted;
   while (batch.Step())

@@ -35,16 +35,16 @@ Result<std::vector<MixColor>> SelectedFormulas(const Session& session, const std
 std::vector<ListedColor> ListColors(const Session& session, ColorKind kind, std::string_view database) {
   std::vector<ListedColor> colors;
   Statement row = session.File().Prepare(fmt::format("SELECT RowKey, Color_Name FROM {} ORDER BY Color_Name",
-                                                     Quoted(session.Table(ColorTable(kind), database))));
+                                                     session.QuotedTable(ColorTable(kind), database)));
   while (row.Step()) colors.push_back({row.Whole(0), row.Text(1)});
   return colors;
 }
 
-std::optional<std::array<int, 3>> ReadSwatch(const Session& session, ColorKind kind, std::int64_t rowId,
+std::optional<std::array<int, 3>> ReadSwatch(const Session& session, ColorKind kind, std::int64_t key,
                                              std::string_view database) {
   Statement row = session.File().Prepare(fmt::format("SELECT Color_Guide, Red, Green, Blue FROM {} WHERE RowKey = ?",
-                                                     Quoted(session.Table(ColorTable(kind), database))));
-  row.Bind(1, rowId);
+                                                     session.QuotedTable(ColorTable(kind), database)));
+  row.Bind(1, key);
   if (!row.Step()) return std::nullopt;
   const std::array<int, 3> parts{static_cast<int>(row.Whole(1)), static_cast<int>(row.Whole(2)),
                                  static_cast<int>(row.Whole(3))};

@@ -31,7 +31,7 @@ Result<std::vector<MixColor>> SelectedFormulas(const Session& session, const std
 
 /// A colour in a list to choose from.
 struct ListedColor {
-  std::int64_t rowId = 0;
+  std::int64_t key = 0;
   std::string Color_Name;
 };
 /// All colours of a kind in the order of their names, read from the index of names alone. `database` empty means the
@@ -40,7 +40,7 @@ std::vector<ListedColor> ListColors(const Session& session, ColorKind kind, std:
 
 /// Red, green and blue of a colour in such a list, for the rows that are on screen. Nothing for a colour that has
 /// neither a guide nor a swatch set by hand.
-std::optional<std::array<int, 3>> ReadSwatch(const Session& session, ColorKind kind, std::int64_t rowId,
+std::optional<std::array<int, 3>> ReadSwatch(const Session& session, ColorKind kind, std::int64_t key,
                                              std::string_view database = {});
 
 /// The Additive Sets by name, each read once: most formulas of a Database share a few.

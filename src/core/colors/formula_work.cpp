@@ -135,8 +135,8 @@ std::int64_t WriteRecipe(Session& session, const FormulaWork& work, const Recipe
   writer.Set(recipe, work.AddSetName);
   writer.SetMore(0, figures.BasicCost).SetMore(1, figures.BasicVOC).SetMore(2, figures.BasicHAP);
   for (std::size_t i = 0; i < more.size(); ++i) writer.SetMore(3 + i, more[i].second);
-  if (work.rowId == 0) return writer.Insert();
-  return writer.Update(work.rowId) ? work.rowId : 0;
+  if (work.key == 0) return writer.Insert();
+  return writer.Update(work.key) ? work.key : 0;
 }
 
 std::unexpected<Refusal> Gone(const FormulaWork& work) {
@@ -296,7 +296,7 @@ Result<void> ValidateFormula(const Session& session, const FormulaWork& work) {
 
 Result<void> SaveMix(Session& session, FormulaWork& work) {
   if (auto writable = RequireWritable(session); !writable) return writable;
-  const bool isNew = work.rowId == 0;
+  const bool isNew = work.key == 0;
   const bool withRecipe = isNew || work.AllowEditing;
   if (withRecipe) {
     if (auto right = RequireFormulaRight(session); !right) return right;
@@ -318,7 +318,7 @@ Result<void> SaveMix(Session& session, FormulaWork& work) {
   if (withRecipe) {
     AddIngredients(session, work);
     if (WriteRecipe(session, work, StoredRecipe(session, work), cells) == 0) return Gone(work);
-  } else if (!UpdateRow(session.File(), schema::Mix, session.Table(schema::Mix), work.rowId, cells)) {
+  } else if (!UpdateRow(session.File(), schema::Mix, session.Table(schema::Mix), work.key, cells)) {
     return Gone(work);
   }
   transaction.Note({Change::Kind::Mix, session.CurrentDatabase, work.Color_Name,
@@ -335,7 +335,7 @@ Result<void> SaveFormula(Session& session, FormulaWork& work) {
   Transaction transaction(session.File());
   AddIngredients(session, work);
   const Cell modified{"LastModified", session.clock.Today()};
-  if (work.rowId == 0 || WriteRecipe(session, work, StoredRecipe(session, work), {modified}) == 0) return Gone(work);
+  if (work.key == 0 || WriteRecipe(session, work, StoredRecipe(session, work), {modified}) == 0) return Gone(work);
   transaction.Note({Change::Kind::Mix, session.CurrentDatabase, work.Color_Name, Change::What::Updated, ""});
   transaction.Commit();
   Reload(session, work);
@@ -359,8 +359,8 @@ Result<bool> DeleteMix(Session& session, const std::string& name) {
   Transaction transaction(session.File());
   GiveUpColorStock(session, ColorKind::Mix, session.CurrentDatabase, mix->Color_Name);
   session.File()
-      .Prepare("DELETE FROM " + Quoted(session.Table(schema::Mix)) + " WHERE RowKey = ?")
-      .Bind(1, mix->rowId)
+      .Prepare("DELETE FROM " + session.QuotedTable(schema::Mix) + " WHERE RowKey = ?")
+      .Bind(1, mix->key)
       .Run();
   transaction.Note({Change::Kind::Mix, session.CurrentDatabase, mix->Color_Name, Change::What::Deleted, ""});
   transaction.Commit();

@@ -17,12 +17,12 @@ namespace {
 constexpr int kSlots = schema::kIngredientSlots;
 
 std::string TableText(const Session& session, std::string_view database = {}) {
-  return Quoted(session.Table(schema::Mix, database));
+  return session.QuotedTable(schema::Mix, database);
 }
 
 MixColor ReadRow(const Statement& row) {
   MixColor mix;
-  mix.rowId = row.Whole(0);
+  mix.key = row.Whole(0);
   MixFields().Read(row, 1, mix);
   return mix;
 }
@@ -71,18 +71,20 @@ const FieldMap<MixColor>& MixFields() {
   static const FieldMap<C> fields = [] {
     const FieldTraits derived{.use = FieldUse::Derived};
     FieldMap<C> map;
-    map.Add("Color_Name", &C::Color_Name, {.use = FieldUse::Key});
+    map.Add("Color_Name", &C::Color_Name, {.use = FieldUse::Key, .caption = "Color Name"});
     for (std::size_t n = 0; n < kSlots; ++n)
       map.Add(
           schema::Numbered("BC", static_cast<int>(n)), [n](C & mix) -> auto& { return mix.BC[n]; }, derived);
     for (std::size_t n = 0; n < kSlots; ++n)
       map.Add(
           schema::Numbered("BQ", static_cast<int>(n)), [n](C & mix) -> auto& { return mix.BQ[n]; }, derived);
-    map.Add("Color_Code", &C::Color_Code, {.use = FieldUse::Typed, .shape = TextShape::Code})
-        .Add("Inventory", &C::Inventory, {.use = FieldUse::Posted})
-        .Add("Reorder", &C::Reorder, {.use = FieldUse::Typed, .amount = AmountKey::Reorder})
-        .Add("PurchaseCost", &C::PurchaseCost, {.use = FieldUse::Typed, .amount = AmountKey::Currency, .price = true})
-        .Add("BasicCost", &C::BasicCost, {.use = FieldUse::Derived, .price = true})
+    map.Add("Color_Code", &C::Color_Code, {.use = FieldUse::Typed, .shape = TextShape::Code, .caption = "Color Code"})
+        .Add("Inventory", &C::Inventory, {.use = FieldUse::Posted, .unit = true, .caption = "Inventory"})
+        .Add("Reorder", &C::Reorder,
+             {.use = FieldUse::Typed, .amount = AmountKey::Reorder, .unit = true, .caption = "Reorder"})
+        .Add("PurchaseCost", &C::PurchaseCost,
+             {.use = FieldUse::Typed, .amount = AmountKey::Currency, .price = true, .caption = "Purchase Cost"})
+        .Add("BasicCost", &C::BasicCost, {.use = FieldUse::Derived, .price = true, .caption = "Basic Cost"})
         .Add("Recycle", &C::Recycle, {.use = FieldUse::Typed})
         .Add("Date_Entered", &C::Date_Entered)
         .Add("LastModified", &C::LastModified, {.use = FieldUse::Derived, .caption = "Modified at"})
@@ -90,7 +92,7 @@ const FieldMap<MixColor>& MixFields() {
         .Add("Color_Set", &C::Color_Set, derived)
         .Add("Notes", &C::Notes, {.use = FieldUse::Typed, .shape = TextShape::Note})
         .Add("Inv_Note", &C::Inv_Note, {.use = FieldUse::Typed})
-        .Add("AddSetName", &C::AddSetName, derived)
+        .Add("AddSetName", &C::AddSetName, {.use = FieldUse::Derived, .caption = "Additive Set"})
         .Add("VOC", &C::VOC, {.use = FieldUse::Typed, .amount = AmountKey::VOC})
         .Add("BasicVOC", &C::BasicVOC, derived)
         .Add("HAP", &C::HAP, {.use = FieldUse::Typed, .amount = AmountKey::HAP})
@@ -185,7 +187,7 @@ std::vector<std::int64_t> FormulaRowsWithSet(const Session& session, std::string
 FigureBook::FigureBook(const Session& session, std::string_view database)
     : session_(session),
       sql_(fmt::format("SELECT PurchaseCost, VOC, HAP FROM {} WHERE Color_Name = ? ORDER BY RowKey LIMIT 1",
-                       Quoted(session.Table(schema::Basic, database)))) {}
+                       session.QuotedTable(schema::Basic, database))) {}
 
 const FigureBook::Figures& FigureBook::Of(const std::string& name) {
   const auto [place, isNew] = read_.try_emplace(name);
@@ -231,7 +233,7 @@ std::optional<MixColor> RecipeReader::Take(Statement& row) {
   std::optional<MixColor> mix;
   if (row.Step()) {
     mix.emplace();
-    mix->rowId = row.Whole(0);
+    mix->key = row.Whole(0);
     mix->Color_Name = row.Text(1);
     mix->AddSetName = row.Text(2);
     for (int n = 0; n < kSlots; ++n) {
@@ -249,8 +251,8 @@ std::optional<MixColor> RecipeReader::Read(std::string_view name) {
   return Take(byName_.Bind(1, name));
 }
 
-std::optional<MixColor> RecipeReader::ReadRow(std::int64_t rowId) {
-  return Take(byRow_.Bind(1, rowId));
+std::optional<MixColor> RecipeReader::ReadRow(std::int64_t key) {
+  return Take(byRow_.Bind(1, key));
 }
 
 RecipeWriter::RecipeWriter(const Session& session, std::string_view database, const std::vector<std::string>& more)

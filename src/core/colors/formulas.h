@@ -18,7 +18,7 @@ namespace vellumark {
 
 /// A row of `<DB>_Mix`: a recipe of up to fifteen ingredients in parts of 100, with the colour's stock and figures.
 struct MixColor {
-  std::int64_t rowId = 0;
+  std::int64_t key = 0;
   std::string Color_Name;
   std::array<std::string, schema::kIngredientSlots> BC;
   std::array<float, schema::kIngredientSlots> BQ{};
@@ -82,13 +82,13 @@ struct RolledUp {
 /// Figures of parts of 100 against a Database's Basic Colors; an ingredient without a row adds nothing.
 RolledUp RollUpRecipe(const Session& session, const Recipe& recipe, std::string_view database = {});
 
-/// Reads what bulk work needs of formulas of the current Database: rowId, Color_Name, the filled slots and AddSetName;
+/// Reads what bulk work needs of formulas of the current Database: key, Color_Name, the filled slots and AddSetName;
 /// the other fields of a row keep their defaults. Prepared once for many rows.
 class RecipeReader {
  public:
   explicit RecipeReader(const Session& session);
   std::optional<MixColor> Read(std::string_view name);
-  std::optional<MixColor> ReadRow(std::int64_t rowId);
+  std::optional<MixColor> ReadRow(std::int64_t key);
 
  private:
   static std::optional<MixColor> Take(Statement& row);
@@ -107,7 +107,7 @@ class RecipeWriter {
   /// The value of the extra field at that place of the list.
   RecipeWriter& SetMore(std::size_t place, const Value& value);
   std::int64_t Insert() { return writer_.Insert(); }
-  bool Update(std::int64_t rowId) { return writer_.Update(rowId); }
+  bool Update(std::int64_t key) { return writer_.Update(key); }
 
  private:
   RowWriter writer_;

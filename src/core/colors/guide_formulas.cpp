@@ -64,7 +64,7 @@ std::optional<Recipe> ReadTemplateRecipe(const Session& session, std::string_vie
   const TemplateOf guides(session);
   if (!guides || name.empty()) return std::nullopt;
   const std::string guide = session.File()
-                                .Scalar("SELECT Color_Guide FROM " + Quoted(session.Table(schema::Mix)) +
+                                .Scalar("SELECT Color_Guide FROM " + session.QuotedTable(schema::Mix) +
                                             " WHERE Color_Name = ? ORDER BY RowKey LIMIT 1",
                                         {name})
                                 .Text();

@@ -47,7 +47,7 @@ const std::array<std::string_view, 5>& TablesOf(ColorKind kind) {
 }
 
 bool IsOnFile(const Session& session, ColorKind kind, std::string_view name, std::string_view database) {
-  const std::string table = Quoted(session.Table(ColorTable(kind), database));
+  const std::string table = session.QuotedTable(ColorTable(kind), database);
   return !session.File().Scalar("SELECT 1 FROM " + table + " WHERE Color_Name = ? LIMIT 1", {name}).IsNull();
 }
 

@@ -12,7 +12,7 @@ namespace {
 std::vector<std::string> Known(const Session& session, ColorKind kind, std::string_view field) {
   std::vector<std::string> values;
   Statement row = session.File().Prepare(fmt::format("SELECT DISTINCT {0} FROM {1} WHERE {0} <> '' ORDER BY {0}", field,
-                                                     Quoted(session.Table(LabTable(kind)))));
+                                                     session.QuotedTable(LabTable(kind))));
   while (row.Step()) values.push_back(row.Text(0));
   return values;
 }
@@ -64,7 +64,7 @@ Result<LabReading> ReadLabEntry(const Session& session, const LabEntry& entry) {
 std::vector<LabReading> ReadLabReadings(const Session& session, ColorKind kind, std::string_view name) {
   std::vector<LabReading> readings;
   Statement row = session.File().Prepare(fmt::format("SELECT {} FROM {} WHERE Color_Name = ? ORDER BY RowKey",
-                                                     LabFields().Columns(), Quoted(session.Table(LabTable(kind)))));
+                                                     LabFields().Columns(), session.QuotedTable(LabTable(kind))));
   row.Bind(1, name);
   while (row.Step()) LabFields().Read(row, 0, readings.emplace_back());
   return readings;

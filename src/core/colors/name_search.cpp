@@ -14,7 +14,7 @@ namespace {
 constexpr std::string_view kPastAll = "\U0010FFFF";
 
 std::string TableText(const Session& session, NameKind whose) {
-  return Quoted(session.Table(whose == NameKind::Formulas ? schema::Mix : schema::Basic));
+  return session.QuotedTable(whose == NameKind::Formulas ? schema::Mix : schema::Basic);
 }
 
 std::string_view Condition(NameKind whose) {

@@ -10,7 +10,7 @@ std::vector<std::string> FindInOtherDatabases(const Session& session, std::strin
   std::vector<std::string> hits;
   for (const std::string& database : session.databaseList) {
     if (EqualNoCase(database, session.CurrentDatabase)) continue;
-    const std::string table = Quoted(session.Table(ColorTable(kind), database));
+    const std::string table = session.QuotedTable(ColorTable(kind), database);
     if (!session.File().Scalar(fmt::format("SELECT 1 FROM {} WHERE Color_Name = ?1 LIMIT 1", table), {name}).IsNull())
       hits.push_back(database);
   }

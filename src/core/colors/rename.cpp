@@ -99,7 +99,7 @@ std::vector<std::int64_t> FormulasToRename(const Session& session, const std::ve
                                            const NameMap& map) {
   if (names.size() == 1) return FormulaRowsUsing(session, names.front().oldName);
   std::vector<std::int64_t> rows;
-  Statement row = session.File().Prepare("SELECT RowKey, Color_Set FROM " + Quoted(session.Table(schema::Mix)) +
+  Statement row = session.File().Prepare("SELECT RowKey, Color_Set FROM " + session.QuotedTable(schema::Mix) +
                                          " ORDER BY Color_Set");
   while (row.Step())
     if (std::ranges::any_of(SplitColorSet(row.TextView(1)),
@@ -132,7 +132,7 @@ bool RenameInFormulas(Session& session, Transaction& transaction, const std::vec
       for (const Ingredient& line : mix->Ingredients())
         if (const auto found = map.find(Upper(line.name)); found != map.end())
           renamed = RenamedRecipe(session, renamed, line.name, found->second);
-      writer.Set(renamed.recipe, renamed.setName).Update(mix->rowId);
+      writer.Set(renamed.recipe, renamed.setName).Update(mix->key);
       if (renamed.setName != mix->AddSetName) withoutSet.push_back(mix->Color_Name);
       transaction.Note({Change::Kind::Mix, session.CurrentDatabase, mix->Color_Name, Change::What::Updated, ""});
     }
@@ -155,8 +155,7 @@ void MergeInAdditiveSets(Session& session, const std::vector<Renaming>& names) {
       changed = true;
     }
     if (changed)
-      UpdateRow(session.File(), schema::Additives, session.Table(schema::Additives), set.rowId,
-                AdditiveSetCells(merged));
+      UpdateRow(session.File(), schema::Additives, session.Table(schema::Additives), set.key, AdditiveSetCells(merged));
   }
 }
 
@@ -165,11 +164,11 @@ void MergeInAdditiveSets(Session& session, const std::vector<Renaming>& names) {
 void GiveUpBasic(Session& session, const BasicColor& color, const std::string& newName) {
   if (UsedByAdditiveSet(session, color.Color_Name))
     if (const auto survivor = ReadBasic(session, newName))
-      UpdateRow(session.File(), schema::Basic, session.Table(schema::Basic), survivor->rowId, {{"Additive", true}});
+      UpdateRow(session.File(), schema::Basic, session.Table(schema::Basic), survivor->key, {{"Additive", true}});
   GiveUpColorStock(session, ColorKind::Basic, session.CurrentDatabase, color.Color_Name, "Merged into " + newName);
   session.File()
-      .Prepare("DELETE FROM " + Quoted(session.Table(schema::Basic)) + " WHERE RowKey = ?")
-      .Bind(1, color.rowId)
+      .Prepare("DELETE FROM " + session.QuotedTable(schema::Basic) + " WHERE RowKey = ?")
+      .Bind(1, color.key)
       .Run();
 }
 
@@ -188,7 +187,7 @@ bool RenameBasicsEverywhere(Session& session, Transaction& transaction, const st
 }
 
 void WriteBasicName(Session& session, const BasicColor& color, const std::string& newName) {
-  UpdateRow(session.File(), schema::Basic, session.Table(schema::Basic), color.rowId,
+  UpdateRow(session.File(), schema::Basic, session.Table(schema::Basic), color.key,
             NameCells(newName, color.book, BookDataOfBasic(session, newName)));
   TraceRename(session, ColorKind::Basic, color.Color_Name, newName);
 }
@@ -212,7 +211,7 @@ FormulaNames RenameOrMergeBasic(Session& session, const BasicColor& color, const
 }
 
 void WriteMixName(Session& session, const MixColor& mix, const std::string& newName) {
-  UpdateRow(session.File(), schema::Mix, session.Table(schema::Mix), mix.rowId,
+  UpdateRow(session.File(), schema::Mix, session.Table(schema::Mix), mix.key,
             NameCells(newName, mix.book, BookDataOfMix(session, newName)));
   TraceRename(session, ColorKind::Mix, mix.Color_Name, newName);
 }

@@ -81,7 +81,10 @@ void WriteEmission(Session& session, Emission emission, ColorKind kind, float va
   const std::string text = fmt::format("Reseting {} {} values...",
                                        kind == ColorKind::Mix ? "Master Formula" : "Basic Color", NameOf(emission));
   WriteEverywhere(session,
-                  {ColorTable(kind), NameOf(emission), text, ChangeKind(kind),
+                  {ColorTable(kind),
+                   NameOf(emission),
+                   text,
+                   ChangeKind(kind),
                    {.voc = emission == Emission::VOC, .hap = emission == Emission::HAP}},
                   value);
 }
@@ -101,10 +104,10 @@ Result<void> ResetBasicCosts(Session& session, std::string_view newValue) {
   if (!value)
     return Refuse("Invalid Purchase Cost",
                   fmt::format("Please enter a Purchase Cost between 0 and {}.", kLargestAmount), "txtNewValue");
-  WriteEverywhere(session,
-                  {schema::Basic, "PurchaseCost", "Reseting Basic Color Purchase Costs...", Change::Kind::Basic,
-                   {.cost = true}},
-                  *value);
+  WriteEverywhere(
+      session,
+      {schema::Basic, "PurchaseCost", "Reseting Basic Color Purchase Costs...", Change::Kind::Basic, {.cost = true}},
+      *value);
   return {};
 }
 
@@ -112,8 +115,7 @@ Result<void> ResetMixCosts(Session& session, std::string_view newValue) {
   if (auto may = MayReset(session, AmountKey::Currency); !may) return may;
   const auto value = ValueInRange(newValue, session.DecimalPlaces, kLargestAmount);
   if (!value) return InvalidDollarValue("txtNewValue");
-  WriteEverywhere(session, {schema::Mix, "PurchaseCost", kMixCostProgress, Change::Kind::Mix, {.cost = true}},
-                  *value);
+  WriteEverywhere(session, {schema::Mix, "PurchaseCost", kMixCostProgress, Change::Kind::Mix, {.cost = true}}, *value);
   return {};
 }
 
@@ -126,7 +128,7 @@ Result<void> ResetMixCostsFromBasics(Session& session, std::string_view markup, 
   RunPendingPasses(session);
 
   const int decimals = session.DecimalPlaces;
-  const std::string table = Quoted(session.Table(schema::Mix));
+  const std::string table = session.QuotedTable(schema::Mix);
   ProgressRun progress(session.progress, kMixCostProgress);
   Transaction transaction(session.File());
   Statement rows = session.File().Prepare(

@@ -55,7 +55,7 @@ FigureMap ReadFigures(Session& session, std::string_view database) {
   FigureMap figures;
   Statement row =
       session.File().Prepare(fmt::format("SELECT Color_Name, PurchaseCost, VOC, HAP FROM {} ORDER BY RowKey",
-                                         Quoted(session.Table(schema::Basic, database))));
+                                         session.QuotedTable(schema::Basic, database)));
   while (row.Step()) figures.emplace(row.Text(0), Figures{row.Single(1), row.Single(2), row.Single(3)});
   return figures;
 }
@@ -88,7 +88,7 @@ Figures RollUp(const Statement& row, const FigureMap& basics, int decimalPlaces)
 }
 
 struct NewFigures {
-  std::int64_t rowId = 0;
+  std::int64_t key = 0;
   Figures figures;
 };
 
@@ -115,7 +115,7 @@ void Write(Statement& update, const NewFigures& row, RollUpWanted wanted) {
   if (wanted.cost) update.Bind(parameter++, row.figures.cost);
   if (wanted.voc) update.Bind(parameter++, row.figures.voc);
   if (wanted.hap) update.Bind(parameter++, row.figures.hap);
-  update.Bind(parameter, row.rowId).Run();
+  update.Bind(parameter, row.key).Run();
 }
 
 std::string ProgressText(RollUpWanted wanted) {
@@ -142,7 +142,7 @@ void RunPasses(Session& session, RollUpWanted wanted, std::string_view database)
   if (!wanted.Any()) return;
   Database& file = session.File();
   const std::string of(database.empty() ? session.CurrentDatabase : database);
-  const std::string table = Quoted(session.Table(schema::Mix, of));
+  const std::string table = session.QuotedTable(schema::Mix, of);
   ProgressRun progress(session.progress, ProgressText(wanted));
   Transaction transaction(file);
   const FigureMap basics = ReadFigures(session, of);
@@ -202,26 +202,26 @@ void RunPendingPassesOrTell(Session& session) {
   try {
     RunPendingPasses(session);
   } catch (const Failure& failure) {
-    session.prompt.Tell("Master Formulas",
-                        fmt::format("The figures of the formulas are not up to date yet.\n{}: {}.", failure.subject,
-                                    failure.cause),
-                        Icon::Exclamation);
+    session.prompt.Tell(
+        "Master Formulas",
+        fmt::format("The figures of the formulas are not up to date yet.\n{}: {}.", failure.subject, failure.cause),
+        Icon::Exclamation);
   }
 }
 
-bool RollUpFormula(Session& session, std::int64_t rowId) {
+bool RollUpFormula(Session& session, std::int64_t key) {
   Database& file = session.File();
-  const std::string table = Quoted(session.Table(schema::Mix));
+  const std::string table = session.QuotedTable(schema::Mix);
   Transaction transaction(file);
-  NewFigures changed{rowId, {}};
+  NewFigures changed{key, {}};
   {
     Statement row = file.Prepare(fmt::format("SELECT {} FROM {} WHERE RowKey = ?", RecipeColumns(), table));
-    row.Bind(1, rowId);
+    row.Bind(1, key);
     if (!row.Step()) return false;
     FigureMap basics;
     Statement basic =
         file.Prepare(fmt::format("SELECT PurchaseCost, VOC, HAP FROM {} WHERE Color_Name = ? ORDER BY RowKey LIMIT 1",
-                                 Quoted(session.Table(schema::Basic))));
+                                 session.QuotedTable(schema::Basic)));
     for (int n = 0; n < kSlots; ++n) {
       const std::string name = row.Text(kFirstName + n);
       if (name.empty()) break;

@@ -32,6 +32,6 @@ void RunPendingPasses(Session& session);
 void RunPendingPassesOrTell(Session& session);
 
 /// Recomputes the three figures of one row of the current Database's formulas; false when the row is gone.
-bool RollUpFormula(Session& session, std::int64_t rowId);
+bool RollUpFormula(Session& session, std::int64_t key);
 
 }  // namespace vellumark

@@ -31,10 +31,10 @@ Result<void> SetSwatch(Session& session, ColorKind kind, std::string_view name, 
   if (change.Red) cells.emplace_back("Red", *change.Red);
   if (change.Green) cells.emplace_back("Green", *change.Green);
   if (change.Blue) cells.emplace_back("Blue", *change.Blue);
-  const std::int64_t rowId = row.Whole(0);
+  const std::int64_t key = row.Whole(0);
   row.Reset();
   Transaction transaction(session.File());
-  UpdateRow(session.File(), ColorTable(kind), table, rowId, cells);
+  UpdateRow(session.File(), ColorTable(kind), table, key, cells);
   transaction.Note({ChangeKind(kind), session.CurrentDatabase, std::string(name), Change::What::Updated, ""});
   transaction.Commit();
   return {};

@@ -90,7 +90,7 @@ std::vector<TemplateTable> WriteTables(Database& file, const TemplateSource& sou
   std::vector<TemplateTable> tables;
   Transaction transaction(file);
   const auto write = [&](std::string_view name, const Table& shape, const Rows& rows) {
-    CreateTable(file, name, shape);
+    file.CreateTable(name, shape);
     RowWriter writer(file, shape, std::string(name), FieldNames(shape));
     for (const TemplateRow& row : rows) {
       for (std::size_t i = 0; i < row.values.size(); ++i) writer.Set(i, row.values[i]);

@@ -30,7 +30,7 @@ void RenameInDesigns(Database& file, std::string_view name, std::string_view new
 void RenameDatabaseTables(Database& file, std::string_view name, std::string_view newName) {
   Transaction transaction(file);
   for (const Table* table : schema::PerDatabase())
-    RenameTable(file, TableName(name, *table), TableName(newName, *table), *table);
+    file.RenameTable(TableName(name, *table), TableName(newName, *table), *table);
   file.Prepare("UPDATE JobRecords SET Database = ?2 WHERE Database = ?1").Bind(1, name).Bind(2, newName).Run();
   RenameInDesigns(file, name, newName);
   RenamePendingRollUps(file, name, newName);
@@ -49,7 +49,7 @@ void DeleteDatabaseTables(Database& file, const std::vector<std::string>& names)
   Transaction transaction(file);
   std::vector<std::string> rest = ReadFileInfo(file).dbList;
   for (const std::string& name : names) {
-    for (const Table* table : schema::PerDatabase()) DropTable(file, TableName(name, *table));
+    for (const Table* table : schema::PerDatabase()) file.DropTable(TableName(name, *table));
     file.Prepare("DELETE FROM JobRecords WHERE Database = ?").Bind(1, name).Run();
     ClearPendingRollUps(file, name, {true, true, true});
     std::erase_if(rest, [&](const std::string& listed) { return EqualNoCase(listed, name); });

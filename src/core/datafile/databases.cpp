@@ -40,7 +40,7 @@ Result<std::string> NewDatabaseName(std::string_view typed, const std::vector<st
 
 void CreateEmptyDatabase(Database& file, const std::string& name) {
   Transaction transaction(file);
-  for (const Table* table : schema::PerDatabase()) CreateTable(file, TableName(name, *table), *table);
+  for (const Table* table : schema::PerDatabase()) file.CreateTable(TableName(name, *table), *table);
   InsertRow(file, schema::Info, TableName(name, schema::Info),
             {{"FullName", "Custom Database"}, {"Disclaimer", ""}, {"TradeMark", ""}, {"TemplateFile", ""}});
   std::vector<std::string> names = ReadFileInfo(file).dbList;
@@ -78,14 +78,14 @@ void StoreDaysToRemindBackup(Database& file, int days) {
 
 DatabaseCounts CountRows(Database& file, std::string_view database) {
   const auto count = [&](const Table& table) {
-    return file.Scalar("SELECT COUNT(*) FROM " + Quoted(TableName(database, table))).Whole();
+    return file.Scalar("SELECT COUNT(*) FROM " + QuotedTable(database, table)).Whole();
   };
   return {count(schema::Basic), count(schema::Mix), count(schema::Batch)};
 }
 
 DatabaseInfo ReadDatabaseInfo(Database& file, std::string_view database) {
   Statement row = file.Prepare("SELECT FullName, Disclaimer, TradeMark, TemplateFile FROM " +
-                               Quoted(TableName(database, schema::Info)) + " LIMIT 1");
+                               QuotedTable(database, schema::Info) + " LIMIT 1");
   if (!row.Step()) return {};
   return {row.Text(0), row.Text(1), row.Text(2), row.Text(3)};
 }

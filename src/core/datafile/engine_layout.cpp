@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "core/base/text.h"
+#include "core/datafile/engine_sqlite.h"
 #include "core/datafile/schema.h"
 
 // All texts that make, change or list what stands in the file beside its rows.
@@ -27,10 +28,6 @@ std::string Columns(const IndexFields& fields) {
 void CreateIndex(Database& file, std::string_view table, const IndexFields& fields) {
   file.Execute(
       fmt::format("CREATE INDEX {} ON {} ({})", Quoted(IndexName(table, fields)), Quoted(table), Columns(fields)));
-}
-
-void CreateIndexes(Database& file, std::string_view name, const Table& table) {
-  for (const IndexFields& fields : table.indexes) CreateIndex(file, name, fields);
 }
 
 bool Holds(const std::vector<std::string>& names, std::string_view wanted) {
@@ -59,65 +56,68 @@ std::string TableLayout(std::string_view name, const Table& table) {
 
 }  // namespace
 
-void CreateTable(Database& file, std::string_view name, const Table& table) {
-  file.Execute("CREATE " + TableLayout(name, table));
-  CreateIndexes(file, name, table);
+void SqliteDatabase::CreateIndexes(std::string_view name, const Table& table) {
+  for (const IndexFields& fields : table.indexes) CreateIndex(*this, name, fields);
 }
 
-void MakeScratchTable(Database& file, std::string_view name, const Table& table) {
-  if (!file.Scalar("SELECT 1 FROM sqlite_temp_master WHERE name = ?", {name}).IsNull()) {
-    file.Execute("DELETE FROM temp." + Quoted(name));
+void SqliteDatabase::CreateTable(std::string_view name, const Table& table) {
+  Execute("CREATE " + TableLayout(name, table));
+  CreateIndexes(name, table);
+}
+
+void SqliteDatabase::MakeScratchTable(std::string_view name, const Table& table) {
+  if (!Scalar("SELECT 1 FROM sqlite_temp_master WHERE name = ?", {name}).IsNull()) {
+    Execute("DELETE FROM temp." + Quoted(name));
     return;
   }
-  file.Execute("CREATE TEMP " + TableLayout(name, table));
-  file.Execute(fmt::format("CREATE UNIQUE INDEX temp.{} ON {} ({})", Quoted(IndexName(name, {table.key})), Quoted(name),
-                           Quoted(table.key)));
+  Execute("CREATE TEMP " + TableLayout(name, table));
+  Execute(fmt::format("CREATE UNIQUE INDEX temp.{} ON {} ({})", Quoted(IndexName(name, {table.key})), Quoted(name),
+                      Quoted(table.key)));
 }
 
-void RenameTable(Database& file, std::string_view name, std::string_view newName, const Table& table) {
+void SqliteDatabase::RenameTable(std::string_view name, std::string_view newName, const Table& table) {
   // Indexes keep their names when their table gets another, and the next table of the old name would want them.
-  for (const std::string& index : StoredIndexes(file, name)) file.Execute("DROP INDEX " + Quoted(index));
-  file.Execute("ALTER TABLE " + Quoted(name) + " RENAME TO " + Quoted(newName));
-  CreateIndexes(file, newName, table);
+  for (const std::string& index : StoredIndexes(name)) Execute("DROP INDEX " + Quoted(index));
+  Execute("ALTER TABLE " + Quoted(name) + " RENAME TO " + Quoted(newName));
+  CreateIndexes(newName, table);
 }
 
-void DropTable(Database& file, std::string_view name) {
-  file.Execute("DROP TABLE " + Quoted(name));
+void SqliteDatabase::DropTable(std::string_view name) {
+  Execute("DROP TABLE " + Quoted(name));
 }
 
-bool EnsureIndex(Database& file, std::string_view table, std::string_view name, const std::vector<std::string>& fields,
-                 std::string_view where) {
-  if (Holds(StoredIndexes(file, table), name)) return false;
-  file.Execute(fmt::format("CREATE INDEX {} ON {} ({}){}{}", Quoted(name), Quoted(table), Columns(fields),
-                           where.empty() ? "" : " WHERE ", where));
+bool SqliteDatabase::EnsureIndex(std::string_view table, std::string_view name, const std::vector<std::string>& fields,
+                                 std::string_view where) {
+  if (Holds(StoredIndexes(table), name)) return false;
+  Execute(fmt::format("CREATE INDEX {} ON {} ({}){}{}", Quoted(name), Quoted(table), Columns(fields),
+                      where.empty() ? "" : " WHERE ", where));
   return true;
 }
 
-void CompleteIndexes(Database& file, const std::vector<std::string>& databases) {
-  const std::vector<std::string> present = StoredIndexes(file);
-  Transaction transaction(file);
+void SqliteDatabase::CompleteIndexes(const std::vector<std::string>& databases) {
+  const std::vector<std::string> present = StoredIndexes({});
+  Transaction transaction(*this);
   for (const std::string& database : databases)
     for (const Table* table : schema::PerDatabase()) {
       const std::string name = TableName(database, *table);
       for (const IndexFields& fields : table->indexes)
-        if (!Holds(present, IndexName(name, fields)) && file.TableExists(name) &&
-            MissingFields(file, name, *table).empty())
-          CreateIndex(file, name, fields);
+        if (!Holds(present, IndexName(name, fields)) && TableExists(name) && MissingFields(*this, name, *table).empty())
+          CreateIndex(*this, name, fields);
     }
   transaction.Commit();
 }
 
-std::vector<std::string> StoredFields(Database& file, std::string_view table) {
+std::vector<std::string> SqliteDatabase::StoredFields(std::string_view table) {
   std::vector<std::string> fields;
-  Statement column = file.Prepare("SELECT name FROM pragma_table_info(?1) WHERE pk = 0 AND name <> ?2");
+  Statement column = Prepare("SELECT name FROM pragma_table_info(?1) WHERE pk = 0 AND name <> ?2");
   column.Bind(1, table).Bind(2, kRowKey);
   while (column.Step()) fields.push_back(column.Text(0));
   return fields;
 }
 
-std::vector<std::string> StoredIndexes(Database& file, std::string_view table) {
+std::vector<std::string> SqliteDatabase::StoredIndexes(std::string_view table) {
   std::vector<std::string> indexes;
-  Statement index = file.Prepare(
+  Statement index = Prepare(
       "SELECT name FROM sqlite_master WHERE type = 'index' AND sql IS NOT NULL AND (?1 = '' OR tbl_name = ?1 COLLATE "
       "NOCASE)");
   index.Bind(1, table);
@@ -125,33 +125,10 @@ std::vector<std::string> StoredIndexes(Database& file, std::string_view table) {
   return indexes;
 }
 
-std::vector<std::string> MissingFields(Database& file, std::string_view name, const Table& table) {
-  const std::vector<std::string> present = StoredFields(file, name);
-  std::vector<std::string> missing;
-  for (const Field& field : table.fields)
-    if (!Holds(present, field.name)) missing.push_back(field.name);
-  return missing;
-}
-
-void AddMissingFields(Database& file, std::string_view name, const Table& table) {
-  for (const std::string& field : MissingFields(file, name, table))
-    file.Execute(fmt::format("ALTER TABLE {} ADD COLUMN {} {}", Quoted(name), Quoted(field),
-                             ColumnType(table.fields[static_cast<std::size_t>(table.Find(field))])));
-}
-
-std::vector<std::string> MissingParts(Database& file, const std::vector<std::string>& databases) {
-  std::vector<std::string> missing;
-  const auto check = [&](const std::string& name, const Table& table) {
-    if (!file.TableExists(name)) {
-      missing.push_back("table " + name);
-      return;
-    }
-    for (const std::string& field : MissingFields(file, name, table)) missing.push_back("field " + name + "." + field);
-  };
-  for (const Table* table : schema::Global()) check(table->name, *table);
-  for (const std::string& database : databases)
-    for (const Table* table : schema::PerDatabase()) check(TableName(database, *table), *table);
-  return missing;
+void SqliteDatabase::AddMissingFields(std::string_view name, const Table& table) {
+  for (const std::string& field : MissingFields(*this, name, table))
+    Execute(fmt::format("ALTER TABLE {} ADD COLUMN {} {}", Quoted(name), Quoted(field),
+                        ColumnType(table.fields[static_cast<std::size_t>(table.Find(field))])));
 }
 
 }  // namespace vellumark

@@ -49,8 +49,17 @@ struct FieldTraits {
   TextShape shape = TextShape::Any;
   const char* caption = "";  ///< for people; the column when empty
   std::optional<Format> format{};
+  int width = 0;             ///< of its column in a window, in twips; as such columns are when 0
+  bool large = false;        ///< read across a bench
   const char* control = "";  ///< what a refusal calls it; the column when empty
   bool nullKeeps = false;    ///< a null leaves what a new record holds
+};
+
+/// What the columns of people's tables depend on; SeenBy of core/session tells it.
+struct Seen {
+  bool prices = true;
+  int priceDecimals = 2;
+  std::string unit;
 };
 
 /// One field of a record: its column, where its value stands, and all else that is known of it.
@@ -64,6 +73,8 @@ struct RecordField : FieldTraits {
   bool IsSettable() const { return use == FieldUse::Typed || use == FieldUse::Posted || use == FieldUse::Beside; }
   std::string Control() const { return *control == 0 ? column : control; }
   Format ShownAs() const;
+  std::string CaptionSeen(const Seen& seen) const { return unit ? caption + (" (" + seen.unit + ")") : caption; }
+  int DecimalsSeen(const Seen& seen) const { return price ? seen.priceDecimals : 3; }
 
   /// The value in a record, for the table and for people.
   Value ValueIn(const void* record) const;
@@ -121,13 +132,6 @@ class FieldList {
   std::string columns_;
 };
 
-/// What the columns of people's tables depend on; SeenBy of core/session tells it.
-struct Seen {
-  bool prices = true;
-  int priceDecimals = 2;
-  std::string unit;
-};
-
 template <class Record>
 class FieldMap : public FieldList {
  public:
@@ -174,8 +178,9 @@ class FieldMap : public FieldList {
       table.Add(
           field.column,
           [&field, hidden](const Record& record) { return hidden ? TableValue() : field.CellOf(&record); },
-          field.unit ? field.caption + (" (" + seen.unit + ")") : field.caption, field.ShownAs(),
-          field.price ? seen.priceDecimals : 3);
+          field.CaptionSeen(seen), field.ShownAs(), field.DecimalsSeen(seen));
+      table.Width(field.width);
+      if (field.large) table.Large();
     }
   }
 

@@ -62,7 +62,7 @@ std::unique_ptr<Database> CreateBeside(const FileBeside& place) {
   return WorkBeside(place, [&] {
     auto file = Database::Create(place.Path());
     Transaction transaction(*file);
-    for (const Table* table : schema::Global()) CreateTable(*file, table->name, *table);
+    for (const Table* table : schema::Global()) file->CreateTable(table->name, *table);
     InsertRow(*file, schema::FileInfo, "FileInfo",
               {{"FileVersion", kFileVersion},
                {"CurrentDB", ""},

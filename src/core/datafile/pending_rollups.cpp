@@ -13,7 +13,7 @@ constexpr std::string_view kTable = "MSysPendingRollUps";
 void MarkPendingRollUps(Database& file, std::string_view database, RollUpWanted stale) {
   if (!stale.Any()) return;
   Transaction transaction(file);
-  if (!file.TableExists(kTable)) CreateTable(file, kTable, schema::PendingRollUps);
+  if (!file.TableExists(kTable)) file.CreateTable(kTable, schema::PendingRollUps);
   const auto write = [&](std::string_view sql) {
     Statement statement = file.Prepare(sql);
     return statement.Bind(1, database)

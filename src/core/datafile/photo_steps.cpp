@@ -43,7 +43,7 @@ std::string Unhex(std::string_view text) {
 
 void AddPhotoStep(Database& file, const PhotoStep& step) {
   Transaction transaction(file);
-  if (!file.TableExists(Layout().name)) CreateTable(file, Layout().name, Layout());
+  if (!file.TableExists(Layout().name)) file.CreateTable(Layout().name, Layout());
   InsertRow(file, Layout(), Layout().name,
             {{"Kind", static_cast<int>(step.kind)},
              {"Name", step.name},

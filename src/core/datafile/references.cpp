@@ -78,7 +78,7 @@ std::string SetExpression(const Place& place, const std::vector<std::string>& na
 bool WriteNewNames(Database& file, const std::vector<Renaming>& names,
                    const std::function<bool(double percent)>& goOn) {
   constexpr std::size_t kStride = 1000;
-  MakeScratchTable(file, kNewNames, schema::NewNames);
+  file.MakeScratchTable(kNewNames, schema::NewNames);
   Statement insert = file.Prepare(fmt::format("INSERT INTO {} (OldName, NewName) VALUES (?, ?)", kNewNames));
   std::size_t done = 0;
   for (const Renaming& name : names) {
@@ -188,7 +188,7 @@ bool UsedByDesign(Database& file, std::string_view database, ColorKind kind, std
 void RewriteLotCopies(Database& file, std::string_view database, ColorKind kind, std::string_view name,
                       const LotName& lot, const LotCopy& now) {
   const bool mix = kind == ColorKind::Mix;
-  const auto table = [&](const Table& of) { return Quoted(TableName(database, of)); };
+  const auto table = [&](const Table& of) { return QuotedTable(database, of); };
   const auto bind = [&](Statement& copies) -> Statement& {
     return copies.Bind(1, now.LotNumber).Bind(2, name).Bind(3, lot.LotRefID).Bind(4, lot.LotNumber);
   };

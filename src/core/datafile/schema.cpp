@@ -2,6 +2,7 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <cmath>
 #include <limits>
 
@@ -272,6 +273,10 @@ std::string TableName(std::string_view database, const Table& table) {
   return table.name.starts_with('_') ? std::string(database) + table.name : table.name;
 }
 
+std::string QuotedTable(std::string_view database, const Table& table) {
+  return Quoted(TableName(database, table));
+}
+
 namespace {
 
 [[noreturn]] void Unfit(const Field& field, std::string_view table, const Value& value, std::string_view why) {
@@ -333,6 +338,30 @@ Value FittedValue(const Field& field, std::string_view table, const Value& value
     default:
       return FittedText(field, table, value);
   }
+}
+
+std::vector<std::string> MissingFields(Database& file, std::string_view name, const Table& table) {
+  const std::vector<std::string> present = file.StoredFields(name);
+  std::vector<std::string> missing;
+  for (const Field& field : table.fields)
+    if (std::ranges::none_of(present, [&](const std::string& stored) { return EqualNoCase(stored, field.name); }))
+      missing.push_back(field.name);
+  return missing;
+}
+
+std::vector<std::string> MissingParts(Database& file, const std::vector<std::string>& databases) {
+  std::vector<std::string> missing;
+  const auto check = [&](const std::string& name, const Table& table) {
+    if (!file.TableExists(name)) {
+      missing.push_back("table " + name);
+      return;
+    }
+    for (const std::string& field : MissingFields(file, name, table)) missing.push_back("field " + name + "." + field);
+  };
+  for (const Table* table : schema::Global()) check(table->name, *table);
+  for (const std::string& database : databases)
+    for (const Table* table : schema::PerDatabase()) check(TableName(database, *table), *table);
+  return missing;
 }
 
 }  // namespace vellumark

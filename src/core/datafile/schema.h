@@ -57,29 +57,8 @@ std::string Numbered(std::string_view word, int number);
 
 /// The name under which a table stands in the file: that of the Database before the suffix.
 std::string TableName(std::string_view database, const Table& table);
-
-void CreateTable(Database& file, std::string_view name, const Table& table);
-void DropTable(Database& file, std::string_view name);
-/// Gives a table another name, and its indexes the names that go with it.
-void RenameTable(Database& file, std::string_view name, std::string_view newName, const Table& table);
-
-/// A table of this connection alone, empty, found by its key. It may be made and filled in a transaction.
-void MakeScratchTable(Database& file, std::string_view name, const Table& table);
-
-/// Makes an index unless the file has it; true when it was made. With `where`, of those rows only.
-bool EnsureIndex(Database& file, std::string_view table, std::string_view name, const std::vector<std::string>& fields,
-                 std::string_view where = {});
-
-/// Makes the indexes of the layout that the tables of these Databases lack, as far as the tables are whole: an older
-/// program made their file without them.
-void CompleteIndexes(Database& file, const std::vector<std::string>& databases);
-
-/// The fields and indexes that stand in the file; of all tables, without a name.
-std::vector<std::string> StoredFields(Database& file, std::string_view table);
-std::vector<std::string> StoredIndexes(Database& file, std::string_view table = {});
-
-/// Adds the fields that an earlier program's table lacks.
-void AddMissingFields(Database& file, std::string_view name, const Table& table);
+/// That name as it stands in a statement.
+std::string QuotedTable(std::string_view database, const Table& table);
 
 /// The fields that a table of the file lacks of its layout.
 std::vector<std::string> MissingFields(Database& file, std::string_view name, const Table& table);

@@ -60,7 +60,7 @@ std::string StockOf(std::string_view database, ColorKind kind, std::string_view 
       "SELECT Color_Name, Inventory, 0, '' FROM {} WHERE Inventory <> 0 {} UNION ALL SELECT LotCName, LotQty, "
       "LotRefID, "
       "LotNumber FROM {} WHERE LotQty <> 0 {}",
-      Quoted(TableName(database, ColorTable(kind))), whereColor, Quoted(TableName(database, LotTable(kind))), whereLot);
+      QuotedTable(database, ColorTable(kind)), whereColor, QuotedTable(database, LotTable(kind)), whereLot);
 }
 
 }  // namespace
@@ -115,10 +115,10 @@ double StockDifference(float before, float after) {
 bool IndexStockHistory(Database& file) {
   const std::string table(kTable);
   Transaction transaction(file);
-  if (!EnsureIndex(file, table, table + "_Turn", {"Color_Name", "Kind", "Database"},
-                   fmt::format("Source >= {}", static_cast<int>(StockEvent::Renamed))))
+  if (!file.EnsureIndex(table, table + "_Turn", {"Color_Name", "Kind", "Database"},
+                        fmt::format("Source >= {}", static_cast<int>(StockEvent::Renamed))))
     return false;
-  EnsureIndex(file, table, table + "_LotNumber", {"LotNumber"}, "LotRefID <> 0");
+  file.EnsureIndex(table, table + "_LotNumber", {"LotNumber"}, "LotRefID <> 0");
   transaction.Commit();
   return true;
 }
@@ -126,8 +126,8 @@ bool IndexStockHistory(Database& file) {
 void CreateStockHistory(Database& file) {
   Transaction transaction(file);
   const std::string table(kTable);
-  CreateTable(file, table, schema::StockHistory);
-  EnsureIndex(file, table, table + "_Color_Name", {"Color_Name"});
+  file.CreateTable(table, schema::StockHistory);
+  file.EnsureIndex(table, table + "_Color_Name", {"Color_Name"});
   IndexStockHistory(file);
   transaction.Commit();
 }
@@ -156,10 +156,10 @@ void AddStockLine(Database& file, const StockLine& line) {
 }
 
 bool TakeBackOpening(Database& file, const StockLine& undoing) {
-  Statement last = file.Prepare(
-      fmt::format("SELECT ID, Source, Change, Document FROM {} WHERE Color_Name = ?1 AND Kind = ?2 AND Database = ?3 AND "
-                  "LotRefID = ?4 ORDER BY ID DESC LIMIT 1",
-                  kTable));
+  Statement last = file.Prepare(fmt::format(
+      "SELECT ID, Source, Change, Document FROM {} WHERE Color_Name = ?1 AND Kind = ?2 AND Database = ?3 AND "
+      "LotRefID = ?4 ORDER BY ID DESC LIMIT 1",
+      kTable));
   last.Bind(1, undoing.Color_Name).Bind(2, static_cast<int>(undoing.kind)).Bind(3, undoing.database);
   if (!last.Bind(4, undoing.LotRefID).Step()) return false;
   const auto event = static_cast<StockEvent>(last.Whole(1));

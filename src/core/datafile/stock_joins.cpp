@@ -47,7 +47,7 @@ class JoinSearch {
     Statement rows = file.Prepare(fmt::format(
         "SELECT Color_Name, Inventory, 0 FROM {} WHERE Inventory <> 0 UNION ALL SELECT LotCName, LotQty, LotRefID FROM "
         "{} WHERE LotQty <> 0",
-        Quoted(TableName(database, schema::Mix)), Quoted(TableName(database, schema::MixLotInv))));
+        QuotedTable(database, schema::Mix), QuotedTable(database, schema::MixLotInv)));
     while (rows.Step())
       Add(lacking_[Upper(rows.TextView(0))], static_cast<std::int32_t>(rows.Whole(2)),
           LeadingNumber(ShortestText(rows.Single(1))));
@@ -79,9 +79,9 @@ class JoinSearch {
 
   // The name as the formula bears it.
   std::optional<std::string> Present(const std::string& name) const {
-    const Value found = file_.Scalar(fmt::format("SELECT Color_Name FROM {} WHERE Color_Name = ?1 LIMIT 1",
-                                                 Quoted(TableName(database_, schema::Mix))),
-                                     {name});
+    const Value found = file_.Scalar(
+        fmt::format("SELECT Color_Name FROM {} WHERE Color_Name = ?1 LIMIT 1", QuotedTable(database_, schema::Mix)),
+        {name});
     return found.IsNull() ? std::nullopt : std::optional(std::string(found.Text()));
   }
 

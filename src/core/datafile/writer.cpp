@@ -38,10 +38,10 @@ RowWriter::RowWriter(Database& file, const Table& table, std::string tableName, 
   }
 }
 
-void RowWriter::RequireOwnKey(std::int64_t rowId) {
+void RowWriter::RequireOwnKey(std::int64_t key) {
   if (keySql_.empty()) return;
   Statement other = file_.Prepare(keySql_);
-  if (other.Bind(1, values_[keyPlace_]).Bind(2, rowId).Step())
+  if (other.Bind(1, values_[keyPlace_]).Bind(2, key).Step())
     throw BadValue(fmt::format("The table {} has {} already: {} names one row only.", tableName_,
                                values_[keyPlace_].Text(), fields_[keyPlace_]->name));
 }
@@ -59,13 +59,13 @@ std::int64_t RowWriter::Insert() {
   return statement.Insert();
 }
 
-bool RowWriter::Update(std::int64_t rowId) {
+bool RowWriter::Update(std::int64_t key) {
   if (fields_.empty()) return true;
-  RequireOwnKey(rowId);
+  RequireOwnKey(key);
   Statement statement = file_.Prepare(updateSql_);
   int parameter = 1;
   for (const Value& value : values_) statement.Bind(parameter++, value);
-  return statement.Bind(parameter, rowId).Run() > 0;
+  return statement.Bind(parameter, key).Run() > 0;
 }
 
 namespace {
@@ -85,9 +85,9 @@ std::int64_t InsertRow(Database& file, const Table& table, const std::string& ta
   return WriterFor(file, table, tableName, cells).Insert();
 }
 
-bool UpdateRow(Database& file, const Table& table, const std::string& tableName, std::int64_t rowId,
+bool UpdateRow(Database& file, const Table& table, const std::string& tableName, std::int64_t key,
                const std::vector<Cell>& cells) {
-  return WriterFor(file, table, tableName, cells).Update(rowId);
+  return WriterFor(file, table, tableName, cells).Update(key);
 }
 
 }  // namespace vellumark

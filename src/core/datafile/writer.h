@@ -22,10 +22,10 @@ class RowWriter {
   /// Adds a row, null in every field that is not in the list; its row number.
   std::int64_t Insert();
   /// Writes the fields of an existing row; false when the row is gone.
-  bool Update(std::int64_t rowId);
+  bool Update(std::int64_t key);
 
  private:
-  void RequireOwnKey(std::int64_t rowId);
+  void RequireOwnKey(std::int64_t key);
 
   Database& file_;
   std::string tableName_;
@@ -42,7 +42,7 @@ using Cell = std::pair<std::string, Value>;
 /// One row at a time, for places where speed does not count.
 std::int64_t InsertRow(Database& file, const Table& table, const std::string& tableName,
                        const std::vector<Cell>& cells);
-bool UpdateRow(Database& file, const Table& table, const std::string& tableName, std::int64_t rowId,
+bool UpdateRow(Database& file, const Table& table, const std::string& tableName, std::int64_t key,
                const std::vector<Cell>& cells);
 
 }  // namespace vellumark

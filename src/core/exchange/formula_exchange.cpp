@@ -24,7 +24,7 @@ namespace {
 struct Incoming {
   std::string name;
   Recipe recipe;
-  std::int64_t rowId = 0;  // 0 for a new one
+  std::int64_t key = 0;  // 0 for a new one
 };
 
 // The names of a file as the current Database has them, each looked up once.
@@ -106,7 +106,7 @@ void CompareWithDatabase(Session& session, std::vector<Incoming>& incoming, Impo
       ++report.same;
       return true;
     }
-    formula.rowId = present.rowId;
+    formula.key = present.key;
     ++different;
     return false;
   });
@@ -119,7 +119,7 @@ void CompareWithDatabase(Session& session, std::vector<Incoming>& incoming, Impo
           different, session.CurrentDatabase));
   if (change) return;
   report.kept = different;
-  std::erase_if(incoming, [](const Incoming& formula) { return formula.rowId != 0; });
+  std::erase_if(incoming, [](const Incoming& formula) { return formula.key != 0; });
 }
 
 int AddMissingBasics(Session& session, const std::vector<Incoming>& incoming) {
@@ -152,9 +152,9 @@ class FormulaWriter {
       : session_(session), book_(session), changed_(session, {}, kFigures), added_(session, {}, NewRowFields()) {}
 
   void Write(const Incoming& formula) {
-    RecipeWriter& writer = formula.rowId == 0 ? added_ : changed_;
+    RecipeWriter& writer = formula.key == 0 ? added_ : changed_;
     SetFigures(session_, book_, writer, formula.recipe);
-    if (formula.rowId == 0) {
+    if (formula.key == 0) {
       MixColor mix;
       mix.Color_Name = formula.name;
       mix.Date_Entered = session_.clock.Today();
@@ -163,7 +163,7 @@ class FormulaWriter {
       for (const Cell& cell : MixFields().Cells(mix, kNewRowUses)) writer.SetMore(place++, cell.second);
       writer.Insert();
     } else {
-      writer.Update(formula.rowId);
+      writer.Update(formula.key);
     }
   }
 
@@ -200,7 +200,7 @@ Result<ImportReport> ImportFormulas(Session& session, const std::filesystem::pat
   std::size_t done = 0;
   for (const Incoming& formula : incoming) {
     writer.Write(formula);
-    ++(formula.rowId == 0 ? report.added : report.changed);
+    ++(formula.key == 0 ? report.added : report.changed);
     if (++done % 64 == 0) progress.Step(done, incoming.size());
     if (session.progress.Cancelled())
       return Refuse("Import Formulas", "The import was cancelled. Nothing was changed.");

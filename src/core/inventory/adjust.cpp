@@ -210,7 +210,7 @@ InventoryWork LoadInventory(const Session& session, ColorKind kind, const std::s
                             std::string_view database) {
   Statement color = session.File().Prepare(fmt::format(
       "SELECT Color_Name, Inventory, PurchaseCost, {} FROM {} WHERE Color_Name = ?1 ORDER BY RowKey LIMIT 1",
-      kind == ColorKind::Mix ? "BasicCost" : "0", Quoted(session.Table(ColorTable(kind), database))));
+      kind == ColorKind::Mix ? "BasicCost" : "0", session.QuotedTable(ColorTable(kind), database)));
   color.Bind(1, name);
   if (!color.Step()) throw std::logic_error("no stock without its colour: " + name);
   InventoryWork work;
@@ -270,7 +270,7 @@ bool DatedByBatch(const Session& session, const InventoryWork& work, const Inven
   if (work.kind != ColorKind::Mix || !row.key || *row.key == 0) return false;
   return !session.File()
               .Scalar(fmt::format("SELECT 1 FROM {} WHERE Color_Name = ?1 AND LotRefID = ?2 LIMIT 1",
-                                  Quoted(session.Table(schema::Batch, work.database))),
+                                  session.QuotedTable(schema::Batch, work.database)),
                       {work.name, *row.key})
               .IsNull();
 }

@@ -76,7 +76,7 @@ class InventorySave {
     if (row.now.qty == row.onFile.qty && row.entered == 0) return {};
     Statement color = session_.File().Prepare(
         fmt::format("SELECT RowKey, Inventory FROM {} WHERE Color_Name = ?1 ORDER BY RowKey LIMIT 1",
-                    Quoted(session_.Table(ColorTable(work_.kind), work_.database))));
+                    session_.QuotedTable(ColorTable(work_.kind), work_.database)));
     color.Bind(1, work_.name);
     if (!color.Step()) return {};
     const float present = color.Single(1);

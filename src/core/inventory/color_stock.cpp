@@ -150,7 +150,7 @@ Result<void> CheckInventorySettings(const Session& session, bool entering) {
 
 bool IsBelowReorder(const Session& session, ColorKind kind, std::string_view name) {
   const Value reorder = session.File().Scalar(
-      fmt::format("SELECT Reorder FROM {} WHERE Color_Name = ?1 LIMIT 1", Quoted(session.Table(ColorTable(kind)))),
+      fmt::format("SELECT Reorder FROM {} WHERE Color_Name = ?1 LIMIT 1", session.QuotedTable(ColorTable(kind))),
       {name});
   return !reorder.IsNull() && TotalStock(session, kind, name) < reorder.Single();
 }

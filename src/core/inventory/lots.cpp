@@ -16,10 +16,10 @@ constexpr std::string_view kOwned = " AND (LotConsignment IS NULL OR LotConsignm
 constexpr std::string_view kConsigned = " AND LotConsignment <> 0";
 
 std::string QuotedColors(const Session& session, ColorKind kind, std::string_view database) {
-  return Quoted(session.Table(ColorTable(kind), database));
+  return session.QuotedTable(ColorTable(kind), database);
 }
 std::string QuotedLots(const Session& session, ColorKind kind, std::string_view database) {
-  return Quoted(session.Table(LotTable(kind), database));
+  return session.QuotedTable(LotTable(kind), database);
 }
 
 Statement SelectLots(const Session& session, ColorKind kind, std::string_view database, std::string_view rest) {
@@ -82,13 +82,13 @@ const FieldMap<LotRow>& LotFields() {
   static const FieldMap<LotRow> fields =
       FieldMap<LotRow>()
           .Add("LotRefID", &LotRow::LotRefID)
-          .Add("LotNumber", &LotRow::LotNumber, {.caption = "Lot Number"})
-          .Add("LotLoc", &LotRow::LotLoc, {.caption = "Location"})
-          .Add("LotContID", &LotRow::LotContID, {.caption = "Cont ID Num"})
-          .Add("LotDate", &LotRow::LotDate, {.caption = "Date", .format = Format::Date})
-          .Add("LotQty", &LotRow::LotQty, {.unit = true, .caption = "Quantity"})
-          .Add("LotPrice", &LotRow::LotPrice, {.price = true, .caption = "Price"})
-          .Add("LotConsignment", &LotRow::LotConsignment, {.caption = "Consignment"});
+          .Add("LotNumber", &LotRow::LotNumber, {.caption = "Lot Number", .width = 1920})
+          .Add("LotLoc", &LotRow::LotLoc, {.caption = "Location", .width = 1500})
+          .Add("LotContID", &LotRow::LotContID, {.caption = "Cont ID Num", .width = 1440})
+          .Add("LotDate", &LotRow::LotDate, {.caption = "Date", .format = Format::Date, .width = 1440})
+          .Add("LotQty", &LotRow::LotQty, {.unit = true, .caption = "Quantity", .width = 1920, .large = true})
+          .Add("LotPrice", &LotRow::LotPrice, {.price = true, .caption = "Price", .width = 1440})
+          .Add("LotConsignment", &LotRow::LotConsignment, {.caption = "Consignment", .width = 1560});
   return fields;
 }
 

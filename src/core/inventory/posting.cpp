@@ -92,7 +92,7 @@ std::optional<ColorRow> FindColor(const Session& session, const Posting& posting
   Statement color = session.File().Prepare(
       fmt::format("SELECT RowKey, Inventory, {} FROM {} WHERE Color_Name = ?1 ORDER BY RowKey LIMIT 1",
                   posting.kind == ColorKind::Mix ? "BasicCost" : "PurchaseCost",
-                  Quoted(session.Table(ColorTable(posting.kind), posting.database))));
+                  session.QuotedTable(ColorTable(posting.kind), posting.database)));
   color.Bind(1, posting.name);
   if (!color.Step()) return std::nullopt;
   return ColorRow{color.Whole(0), color.Single(1), color.Single(2)};

@@ -50,7 +50,7 @@ Result<void> SaveReorderPoint(Session& session, ColorKind kind, const std::strin
                         "it's current Inventory.");
   Transaction transaction(session.File());
   session.File()
-      .Prepare(fmt::format("UPDATE {} SET Reorder = ?1 WHERE Color_Name = ?2", Quoted(session.Table(ColorTable(kind)))))
+      .Prepare(fmt::format("UPDATE {} SET Reorder = ?1 WHERE Color_Name = ?2", session.QuotedTable(ColorTable(kind))))
       .Bind(1, *value)
       .Bind(2, name)
       .Run();

@@ -20,7 +20,7 @@ std::set<Lot> PresentLots(const Session& session, const std::string& database, c
   std::set<Lot> present;
   for (const ColorKind kind : {ColorKind::Basic, ColorKind::Mix}) {
     Statement lots = session.File().Prepare(fmt::format("SELECT LotCName, LotRefID FROM {} WHERE LotNumber = ?1{}",
-                                                        Quoted(session.Table(LotTable(kind), database)),
+                                                        session.QuotedTable(LotTable(kind), database),
                                                         filter.name ? " AND LotCName = ?2" : ""));
     lots.Bind(1, Trim(*filter.lot));
     if (filter.name) lots.Bind(2, *filter.name);

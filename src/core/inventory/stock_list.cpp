@@ -13,9 +13,9 @@ void ForEachStock(const Session& session, std::optional<std::string_view> name, 
                   const std::function<bool(const ColorStock& stock)>& take) {
   for (const ColorKind kind : {ColorKind::Basic, ColorKind::Mix}) {
     if (wanted && *wanted != kind) continue;
-    Statement colors = session.File().Prepare(
-        fmt::format("SELECT Color_Name, Inventory FROM {} {} ORDER BY Color_Name, RowKey",
-                    Quoted(session.Table(ColorTable(kind))), name ? "WHERE Color_Name = ?1" : ""));
+    Statement colors =
+        session.File().Prepare(fmt::format("SELECT Color_Name, Inventory FROM {} {} ORDER BY Color_Name, RowKey",
+                                           session.QuotedTable(ColorTable(kind)), name ? "WHERE Color_Name = ?1" : ""));
     if (name) colors.Bind(1, *name);
     while (colors.Step()) {
       ColorStock one;
@@ -50,7 +50,7 @@ std::vector<LowStock> ColorsBelowReorder(const Session& session) {
     Statement colors = session.File().Prepare(fmt::format(
         "SELECT Color_Name, Reorder, Red, Green, Blue FROM {0} WHERE RowKey IN (SELECT RowKey FROM {0} WHERE "
         "(Reorder > 0 OR Inventory < 0) AND COALESCE(Inventory, 0) < COALESCE(Reorder, 0) + 0.001)",
-        Quoted(session.Table(ColorTable(kind)))));
+        session.QuotedTable(ColorTable(kind))));
     const auto first = static_cast<std::ptrdiff_t>(low.size());
     while (colors.Step()) {
       LowStock one{kind,

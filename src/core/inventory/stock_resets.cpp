@@ -57,7 +57,7 @@ Result<ReadValues> ReadBoth(const ResetValues& values, const ResetTexts& texts) 
 
 std::vector<ColorFigure> FiguresOf(const Session& session, ColorKind kind, std::string_view field) {
   Statement colors = session.File().Prepare(fmt::format("SELECT RowKey, Color_Name, {} FROM {} ORDER BY RowKey", field,
-                                                        Quoted(session.Table(ColorTable(kind)))));
+                                                        session.QuotedTable(ColorTable(kind))));
   std::vector<ColorFigure> figures;
   while (colors.Step()) figures.push_back({colors.Whole(0), colors.Text(1), colors.Single(2)});
   return figures;
@@ -113,7 +113,7 @@ bool ResetKind(Session& session, ColorKind kind, float value) {
 
 bool ResetReorderKind(Session& session, Transaction& transaction, ColorKind kind, float value) {
   Statement update = session.File().Prepare(
-      fmt::format("UPDATE {} SET Reorder = ?1 WHERE RowKey = ?2", Quoted(session.Table(ColorTable(kind)))));
+      fmt::format("UPDATE {} SET Reorder = ?1 WHERE RowKey = ?2", session.QuotedTable(ColorTable(kind))));
   const std::string_view text =
       kind == ColorKind::Mix ? "Reseting Master Formula Reorder Points..." : "Reseting Basic Color Reorder Points...";
   const bool done = ForAll(session, text, FiguresOf(session, kind, "Reorder"),
@@ -161,7 +161,7 @@ std::optional<LotRow> LotOnFile(const Session& session, const InventoryWork& wor
 void ZeroUnlotted(Session& session, InventoryWork& work) {
   Statement color = session.File().Prepare(
       fmt::format("SELECT RowKey, Inventory FROM {} WHERE Color_Name = ?1 ORDER BY RowKey LIMIT 1",
-                  Quoted(session.Table(ColorTable(work.kind), work.database))));
+                  session.QuotedTable(ColorTable(work.kind), work.database)));
   color.Bind(1, work.name);
   if (color.Step() && color.Single(1) != 0) {
     StockChange change =

@@ -43,6 +43,28 @@ TableOf<LotRow> LotColumns(const Session& session) {
   return table;
 }
 
+TableOf<InventoryRow> InventoryColumns(const Session& session) {
+  TableOf<InventoryRow> table;
+  const Seen seen = SeenBy(session);
+  const auto add = [&](const char* column, auto InventoryValues::*member, std::optional<Format> format = {}) {
+    const RecordField& field = LotFields()[column];
+    table
+        .Add(
+            column, [member](const InventoryRow& row) { return row.now.*member; }, field.CaptionSeen(seen),
+            format.value_or(field.ShownAs()), field.DecimalsSeen(seen))
+        .Width(field.width);
+    if (field.large) table.Large();
+  };
+  add("LotNumber", &InventoryValues::lotNumber);
+  add("LotLoc", &InventoryValues::location);
+  add("LotContID", &InventoryValues::contID);
+  add("LotQty", &InventoryValues::qty);
+  add("LotDate", &InventoryValues::date);
+  add("LotPrice", &InventoryValues::price);
+  add("LotConsignment", &InventoryValues::consignment, Format::YesNo);
+  return table;
+}
+
 TableOf<ColorStock> StockColumns(const Session& session) {
   return TableOf<ColorStock>()
       .Add("Color_Name", &ColorStock::Color_Name)
@@ -92,45 +114,74 @@ ListTable ListStockLines(const Session& session, const std::optional<std::string
       });
 }
 
-ListTable ListLowStock(const Session& session) {
+TableOf<LowStock> LowStockColumns(const Session& session) {
   return TableOf<LowStock>()
       .Add("Color_Name", &LowStock::Color_Name, "Color Name")
       .Add("Kind", &LowStock::kind)
       .Add(
           "", [](const LowStock& low) { return KindText(low.kind); }, "Type")
+      .Heading("Color Type")
       .Add("Total", &LowStock::total, WithUnit(session, "Inventory"))
+      .Heading(WithUnit(session, "In stock"))
+      .Large()
       .Add("Reorder", &LowStock::Reorder, WithUnit(session, "Reorder"))
-      .Show({"Color Name", "Type", WithUnit(session, "Inventory"), WithUnit(session, "Reorder")})
-      .Of(ColorsBelowReorder(session));
+      .Large()
+      .Show({"Color Name", "Type", WithUnit(session, "Inventory"), WithUnit(session, "Reorder")});
 }
 
-ListTable ListHistory(const Session& session, const StockHistoryFilter& filter) {
+ListTable ListLowStock(const Session& session) {
+  return LowStockColumns(session).Of(ColorsBelowReorder(session));
+}
+
+TableOf<StockLine> HistoryColumns(const Session& session) {
   using Line = StockLine;
   return TableOf<Line>()
       .Add("Date", &Line::when, "", Format::Moment)
+      .Heading("When")
+      .Width(2040)
       .Add("Username", &Line::user, "User")
+      .Width(1200)
       .Add("Source", [](const Line& line) { return StockEventText(line.event); })
+      .Heading("Event")
+      .Width(2160)
       .Add("Kind", &Line::kind)
+      .Add(
+          "", [](const Line& line) { return KindText(line.kind); }, "Type")
+      .Width(1080)
       .Add("Database", &Line::database)
       .Add("Color_Name", &Line::Color_Name, "Color Name")
+      .Width(2400)
       .Add("LotRefID", &Line::LotRefID)
       .Add(
           "LotNumber", [](const Line& line) { return line.LotRefID == 0 ? std::string(kUnlottedInv) : line.LotNumber; },
           "Lot Number")
+      .Width(1680)
       .Add("Change", &Line::change)
+      .Heading(WithUnit(session, "Change"))
+      .Width(1800)
+      .Large()
       .Add("Result", &Line::result)
+      .Heading(WithUnit(session, "In stock"))
+      .Width(1800)
+      .Large()
       .Add("Document", &Line::document)
+      .Width(1320)
       .Add("Reason", &Line::reason)
-      .Show({"Date", "User", "Source", "Color Name", "Lot Number", "Change", "Result", "Document", "Reason"})
-      .Of([&session, filter](const std::function<bool(const Line&)>& take) {
-        StockHistoryReader reader(session, filter, LineOrder::OldestFirst);
-        std::vector<Line> lines;
-        for (bool more = true; more; lines.clear()) {
-          more = reader.ReadOn(lines);
-          for (const Line& line : lines)
-            if (!take(line)) return;
-        }
-      });
+      .Width(2880)
+      .Show({"Date", "User", "Source", "Color Name", "Lot Number", "Change", "Result", "Document", "Reason"});
+}
+
+ListTable ListHistory(const Session& session, const StockHistoryFilter& filter) {
+  using Line = StockLine;
+  return HistoryColumns(session).Of([&session, filter](const std::function<bool(const Line&)>& take) {
+    StockHistoryReader reader(session, filter, LineOrder::OldestFirst);
+    std::vector<Line> lines;
+    for (bool more = true; more; lines.clear()) {
+      more = reader.ReadOn(lines);
+      for (const Line& line : lines)
+        if (!take(line)) return;
+    }
+  });
 }
 
 }  // namespace vellumark

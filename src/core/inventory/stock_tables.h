@@ -4,6 +4,7 @@
 #include <string>
 
 #include "core/base/table.h"
+#include "core/inventory/adjust.h"
 #include "core/inventory/stock_history.h"
 #include "core/inventory/stock_list.h"
 
@@ -15,6 +16,8 @@ namespace vellumark {
 std::string KindText(ColorKind kind);
 
 TableOf<LotRow> LotColumns(const Session& session);
+/// The rows of an inventory list, under the captions of lots.
+TableOf<InventoryRow> InventoryColumns(const Session& session);
 /// A colour with its figures and its lots, for programs.
 TableOf<ColorStock> StockColumns(const Session& session);
 
@@ -22,7 +25,9 @@ TableOf<ColorStock> StockColumns(const Session& session);
 ListTable ListColorStock(const Session& session, const std::optional<std::string>& name, std::optional<ColorKind> kind);
 /// The same for people: a line for Unlotted Inventory, one for each lot and, where there are lots, one for the total.
 ListTable ListStockLines(const Session& session, const std::optional<std::string>& name, std::optional<ColorKind> kind);
+TableOf<LowStock> LowStockColumns(const Session& session);
 ListTable ListLowStock(const Session& session);
+TableOf<StockLine> HistoryColumns(const Session& session);
 /// In the order of writing.
 ListTable ListHistory(const Session& session, const StockHistoryFilter& filter);
 

@@ -216,7 +216,7 @@ ListTable LotsOfBatches(const ReportContext& context) {
     const ColorBook book(context, database);
     Statement lots = context.File().Prepare(
         fmt::format("SELECT {}, IngName, IngType FROM {} WHERE BatchNo = ?1 ORDER BY IngName, LotNumber", kLotColumns,
-                    Quoted(context.session.Table(schema::BatchLotInv, database))));
+                    context.session.QuotedTable(schema::BatchLotInv, database)));
     ForEachReportBatch(context, database, {"BatchNo, Color_Name, JobNumber"}, [&](const Statement& batch) {
       lots.Bind(1, batch.Whole(0));
       bool goesOn = true;

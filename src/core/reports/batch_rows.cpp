@@ -156,7 +156,7 @@ void ReadReportLines(const Statement& row, int first, std::int64_t unit, const T
 
 void ForEachReportBatch(const ReportContext& context, const std::string& database, const BatchQuery& query,
                         const std::function<bool(const Statement& row)>& take) {
-  const std::string table = Quoted(context.session.Table(schema::Batch, database));
+  const std::string table = context.session.QuotedTable(schema::Batch, database);
   const std::string from = context.dates.from.ToText();
   const std::string end = DateTime::FromDayNumber(context.dates.to.DayNumber() + 1).ToText();
   const auto number = [&](std::string_view sql) { return context.File().Scalar(sql, {from, end}).Number(); };
@@ -199,7 +199,8 @@ bool IsLineOf(ColorKind kind, std::int64_t type) {
 }
 
 std::string UserTextCaption(const Session& session, bool job, int number) {
-  return CustomCaption(session, job ? setting::JobCustomTextLabelCaption : setting::BatchCustomTextLabelCaption, number);
+  return CustomCaption(session, job ? setting::JobCustomTextLabelCaption : setting::BatchCustomTextLabelCaption,
+                       number);
 }
 
 std::string UserNumberCaption(const Session& session, bool job, int number) {

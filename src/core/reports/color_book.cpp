@@ -11,7 +11,7 @@ ColorBook::ColorBook(const ReportContext& context, const std::string& database) 
   const auto read = [&](ColorKind kind, std::string_view columns, ByName<BookColor>& into) {
     Statement rows =
         context.File().Prepare(fmt::format("SELECT Color_Name, Color_Code, PurchaseCost, {} FROM {}", columns,
-                                           Quoted(context.session.Table(ColorTable(kind), database))));
+                                           context.session.QuotedTable(ColorTable(kind), database)));
     while (rows.Step()) {
       BookColor& color = into.At(rows.TextView(0));
       color.Color_Code = rows.Text(1);

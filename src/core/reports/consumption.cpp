@@ -65,7 +65,7 @@ void ForEachConsuming(const ReportContext& context, const std::function<bool(con
       fmt::format("{}, {}", DetailColumns(), QuantityAndLines()), HasLineOf(context.kind), {context.name}};
   Statement lots = context.File().Prepare(
       fmt::format("SELECT {}, IngType FROM {} WHERE BatchNo = ?1 AND IngName = ?2 ORDER BY LotNumber", kLotColumns,
-                  Quoted(context.session.Table(schema::BatchLotInv, database))));
+                  context.session.QuotedTable(schema::BatchLotInv, database)));
   std::vector<ReportLine> lines;
   std::int64_t batches = 0;
   ForEachReportBatch(context, database, query, [&](const Statement& row) {
@@ -100,8 +100,7 @@ ListTable Detail(const ReportContext& context) {
       .Add(
           "Color_Name", [](const Row& r) { return r.batch.Color_Name; }, "Color Name");
   AddBatchColumns(table);
-  table
-      .Add("BatchQty", ofBatch(&Row::quantity), context.InUnit("Batch Qty"), Format::Amount)
+  table.Add("BatchQty", ofBatch(&Row::quantity), context.InUnit("Batch Qty"), Format::Amount)
       .Sum()
       .Add("QtyConsumed", ofBatch(&Row::consumed), context.InUnit("Qty Consumed"), Format::Amount)
       .Sum()
@@ -171,9 +170,8 @@ class ConsumptionOf {
   // After OfAll: what the lots cost that were taken.
   void ReadLotCosts() {
     const int decimals = context_.session.DecimalPlaces;
-    Statement rows =
-        context_.File().Prepare(fmt::format("SELECT BatchNo, IngName, IngType, LotQty, LotPrice FROM {}",
-                                            Quoted(context_.session.Table(schema::BatchLotInv, database_))));
+    Statement rows = context_.File().Prepare(fmt::format("SELECT BatchNo, IngName, IngType, LotQty, LotPrice FROM {}",
+                                                         context_.session.QuotedTable(schema::BatchLotInv, database_)));
     while (rows.Step()) {
       if (!batchNos_.contains(rows.Whole(0))) continue;
       auto& colors = IsLineOf(ColorKind::Mix, rows.Whole(2)) ? mixes_ : basics_;

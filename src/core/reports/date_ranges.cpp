@@ -86,7 +86,7 @@ DateTime ReportToday(const Session& session) {
   std::optional<DateTime> last;
   for (const std::string& database : session.databaseList) {
     const Value latest = session.File().Scalar(
-        fmt::format("SELECT MAX(Date_Entered) FROM {}", Quoted(session.Table(schema::Batch, database))));
+        fmt::format("SELECT MAX(Date_Entered) FROM {}", session.QuotedTable(schema::Batch, database)));
     if (const auto day = latest.Date(); day && (!last || *last < *day)) last = day;
   }
   return last ? last->Midnight() : session.clock.Today();

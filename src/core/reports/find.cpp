@@ -279,7 +279,7 @@ class Search {
   void ReadLotsOfBatches(const Test& test) {
     auto& found = batches_[&test];
     Statement rows = session_.File().Prepare(
-        fmt::format("SELECT BatchNo, LotNumber FROM {}", Quoted(session_.Table(schema::BatchLotInv, database_))));
+        fmt::format("SELECT BatchNo, LotNumber FROM {}", session_.QuotedTable(schema::BatchLotInv, database_)));
     while (rows.Step())
       if (TextHolds(test, rows.TextView(1))) found.insert(rows.Whole(0));
   }
@@ -287,7 +287,7 @@ class Search {
   void ReadLotsOfColors(const Test& test) {
     auto& found = colors_[&test];
     Statement rows = session_.File().Prepare(
-        fmt::format("SELECT LotCName, LotNumber FROM {}", Quoted(session_.Table(LotTable(Kind()), database_))));
+        fmt::format("SELECT LotCName, LotNumber FROM {}", session_.QuotedTable(LotTable(Kind()), database_)));
     while (rows.Step())
       if (TextHolds(test, rows.TextView(1))) found.emplace(rows.Text(0));
   }
@@ -297,7 +297,7 @@ class Search {
     lotTotals_.clear();
     if (session_.InvLotTracking == 1) {
       Statement rows = session_.File().Prepare(
-          fmt::format("SELECT LotCName, LotQty FROM {}", Quoted(session_.Table(LotTable(Kind()), database_))));
+          fmt::format("SELECT LotCName, LotQty FROM {}", session_.QuotedTable(LotTable(Kind()), database_)));
       while (rows.Step()) lotTotals_[rows.Text(0)] += WholeUnits(rows.Single(1), 3);
     }
     for (const HeldStock& held : ReadHeldStock(session_.File()))

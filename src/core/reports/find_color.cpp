@@ -13,9 +13,9 @@ constexpr std::string_view kGuide = "PANTONE ";
 std::optional<std::string> NameOnFile(const Session& session, ColorKind kind, const std::string& database,
                                       std::string_view typed) {
   for (const std::string& name : {std::string(typed), std::string(kGuide) + std::string(typed)}) {
-    const Value found = session.File().Scalar(fmt::format("SELECT Color_Name FROM {} WHERE Color_Name = ?1",
-                                                          Quoted(session.Table(ColorTable(kind), database))),
-                                              {name});
+    const Value found = session.File().Scalar(
+        fmt::format("SELECT Color_Name FROM {} WHERE Color_Name = ?1", session.QuotedTable(ColorTable(kind), database)),
+        {name});
     if (!found.IsNull()) return found.Text();
   }
   return std::nullopt;
@@ -57,7 +57,7 @@ std::vector<std::string> CompleteReportColor(const Session& session, std::string
   for (const std::string& begin : {std::string(kGuide) + Upper(typed), Upper(typed)}) {
     Statement rows = session.File().Prepare(
         fmt::format("SELECT Color_Name FROM {} WHERE Color_Name LIKE ?1 ESCAPE '\\' ORDER BY Color_Name LIMIT ?2",
-                    Quoted(session.Table(schema::Mix))));
+                    session.QuotedTable(schema::Mix)));
     rows.Bind(1, LikeLiteral(begin) + "%").Bind(2, static_cast<std::int64_t>(most));
     while (rows.Step()) names.push_back(rows.Text(0));
     if (!names.empty()) break;

@@ -81,7 +81,7 @@ ListTable ByColor(const ReportContext& context) {
       return true;
     });
     Statement last = context.File().Prepare(fmt::format("SELECT LastProduced FROM {} WHERE Color_Name = ?1",
-                                                        Quoted(context.session.Table(schema::Mix, database))));
+                                                        context.session.QuotedTable(schema::Mix, database)));
     for (Made* made : colors.InOrder()) {
       last.Bind(1, made->name);
       if (last.Step()) made->lastProduced = last.Date(0);

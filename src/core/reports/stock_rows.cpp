@@ -40,7 +40,7 @@ ByName<Lots> LotsByColor(const ReportContext& context, const std::string& databa
   if (context.session.InvLotTracking != 1) return lots;
   Statement rows = context.File().Prepare(
       fmt::format("SELECT {}, LotConsignment, LotRefID, LotCName FROM {} ORDER BY LotCName, LotNumber, LotRefID",
-                  kLotColumns, Quoted(context.session.Table(LotTable(kind), database))));
+                  kLotColumns, context.session.QuotedTable(LotTable(kind), database)));
   while (rows.Step())
     lots.At(rows.TextView(kLotColumnCount + 2))
         .lots.emplace_back(static_cast<std::int32_t>(rows.Whole(kLotColumnCount + 1)),
@@ -108,7 +108,7 @@ StockColor ReadColor(const Statement& row, ColorKind kind, int decimals) {
 void ForEachStockColor(const ReportContext& context, const std::string& database, ColorKind kind,
                        const std::function<bool(const StockColor&)>& take) {
   const int decimals = context.session.DecimalPlaces;
-  const std::string table = Quoted(context.session.Table(ColorTable(kind), database));
+  const std::string table = context.session.QuotedTable(ColorTable(kind), database);
   const ByName<Held> held = HeldOf(context, database, kind);
   const ByName<Lots> lots = LotsByColor(context, database, kind);
   const double all = std::max(1.0, context.File().Scalar(fmt::format("SELECT COUNT(*) FROM {}", table)).Number());

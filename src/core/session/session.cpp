@@ -31,12 +31,8 @@ std::string Session::Table(const vellumark::Table& table, std::string_view datab
   return TableName(database.empty() ? std::string_view(CurrentDatabase) : database, table);
 }
 
-std::string GetSupportValue(const Session& session, std::string_view key) {
-  return session.support->settings.GetSupportValue(key);
-}
-
-void SetSupportValue(const Session& session, std::string_view key, std::string_view value) {
-  session.support->settings.SetSupportValue(key, value);
+std::string Session::QuotedTable(const vellumark::Table& table, std::string_view database) const {
+  return vellumark::QuotedTable(database.empty() ? std::string_view(CurrentDatabase) : database, table);
 }
 
 void ReadSettings(Session& session) {

@@ -89,12 +89,9 @@ struct Session {
   const std::string* FindDatabase(std::string_view name) const;
   /// The name of one of the current Database's tables, or of `database`'s when that is not empty.
   std::string Table(const vellumark::Table& table, std::string_view database = {}) const;
+  /// That name as it stands in a statement.
+  std::string QuotedTable(const vellumark::Table& table, std::string_view database = {}) const;
 };
-
-/// A setting as text; empty when the key is not on file.
-std::string GetSupportValue(const Session& session, std::string_view key);
-/// Replaces the value of a key that is on file; one that is not is left out.
-void SetSupportValue(const Session& session, std::string_view key, std::string_view value);
 
 /// Settings into session state: UMI, UMF, InvLotTracking, AutoFillText, DecimalPlaces, UDCNameCCodeLen, PrinterFont.
 void ReadSettings(Session& session);

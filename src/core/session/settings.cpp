@@ -11,6 +11,10 @@
 
 namespace vellumark {
 
+std::string StoredText(const Session& session, std::string_view key) {
+  return session.support->settings.GetSupportValue(key);
+}
+
 void StoreSettings(Session& session, const std::vector<SettingText>& values) {
   session.support->settings.Change([&](SupportRecords& records) {
     for (const auto& [key, value] : values)
@@ -21,7 +25,7 @@ void StoreSettings(Session& session, const std::vector<SettingText>& values) {
 }
 
 float InvCutoffInForce(const Session& session) {
-  const auto cutoff = ParseNumber(GetSupportValue(session, setting::InvCutoff.key));
+  const auto cutoff = ParseNumber(StoredText(session, setting::InvCutoff.key));
   if (cutoff) return static_cast<float>(std::max(*cutoff, 0.0));
   return RoundSingle(0.5 * static_cast<double>(UnitFactor(UnitPound, session.UMI)), 3);
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "core/session/session.h"
@@ -10,11 +11,14 @@ namespace vellumark {
 
 // The one door to the settings for whoever has a session: read and written by what the catalogue tells of them.
 
+/// What stands on file, of any key, for whoever shows it as it is; empty when the key is not there.
+std::string StoredText(const Session& session, std::string_view key);
+
 /// The value in force: `GetSetting(session, setting::UMI)`, `setting::QuickInfoField[3]`,
 /// `setting::SortCol.Of("Reorder")`. Looked up at each call, so that two windows never disagree.
 template <class T>
 T GetSetting(const Session& session, const NamedSetting<T>& named) {
-  return named.Of(GetSupportValue(session, named.key));
+  return named.Of(StoredText(session, named.key));
 }
 template <class T>
 T GetSetting(const Session& session, const Setting<T>& single) {

@@ -40,7 +40,7 @@ const FieldMap<UserRow>& UserFields() {
 }
 
 struct StoredUser {
-  std::int64_t rowId = 0;
+  std::int64_t key = 0;
   UserRow row;
 };
 
@@ -91,7 +91,7 @@ std::int64_t FailuresOf(const Session& session, std::string_view user) {
 
 void StoreFailures(const Session& session, std::string_view user, std::int64_t failures) {
   Transaction transaction(session.File());
-  if (!session.File().TableExists(kFailures)) CreateTable(session.File(), kFailures, schema::LoginFailures);
+  if (!session.File().TableExists(kFailures)) session.File().CreateTable(kFailures, schema::LoginFailures);
   session.File().Prepare(fmt::format("DELETE FROM {} WHERE Username = ?", kFailures)).Bind(1, user).Run();
   if (failures > 0)
     session.File()
@@ -172,9 +172,9 @@ Refusal BlankAdministratorPassword() {
   return {"", "Administrator Password cannot be blank!", "txtPassword"};
 }
 
-void Write(Session& session, std::int64_t rowId, const std::vector<Cell>& cells) {
+void Write(Session& session, std::int64_t key, const std::vector<Cell>& cells) {
   Transaction transaction(session.File());
-  UpdateRow(session.File(), schema::Users, schema::Users.name, rowId, cells);
+  UpdateRow(session.File(), schema::Users, schema::Users.name, key, cells);
   transaction.Commit();
 }
 
@@ -272,7 +272,7 @@ Result<void> CreateUsers(Session& session, std::string_view typedName, std::stri
     return Refuse("Enter a password", "You cannot leave password blank. Please enter a password.", "txtPassword");
   {
     Transaction transaction(session.File());
-    CreateTable(session.File(), schema::Users.name, schema::Users);
+    session.File().CreateTable(schema::Users.name, schema::Users);
     Insert(session, Administrator(kRescueUser, kRescuePassword));
     Insert(session, Administrator(*name, *password));
     transaction.Commit();
@@ -289,8 +289,8 @@ Result<bool> DeactivateUsers(Session& session) {
   if (!session.prompt.Ask("Users", "Deactivate Users feature and remove all restrictions?", Answer::No)) return false;
   {
     Transaction transaction(session.File());
-    DropTable(session.File(), schema::Users.name);
-    if (session.File().TableExists(kFailures)) DropTable(session.File(), kFailures);
+    session.File().DropTable(schema::Users.name);
+    if (session.File().TableExists(kFailures)) session.File().DropTable(kFailures);
     transaction.Commit();
   }
   LogInWithoutUsers(session);
@@ -352,7 +352,7 @@ Result<void> ModifyUser(Session& session, const UserRow& typed) {
   }
   if (typed.IsAdmin && password.empty()) return std::unexpected(BlankAdministratorPassword());
   if (auto sound = CheckRights(typed.rights); !sound) return sound;
-  Write(session, stored->rowId, Cells({stored->row.Username, password, typed.IsAdmin, typed.rights}));
+  Write(session, stored->key, Cells({stored->row.Username, password, typed.IsAdmin, typed.rights}));
   if (EqualNoCase(name, session.CurrentUser)) {
     TakeRights(session, typed.rights);
     TellNewRights(session);
@@ -369,7 +369,7 @@ Result<bool> DeleteUser(Session& session, std::string_view typedName) {
   if (!session.prompt.Ask("Delete User", fmt::format("Permanently delete user account {}?", name), Answer::No))
     return false;
   Transaction transaction(session.File());
-  session.File().Prepare("DELETE FROM Users WHERE RowKey = ?").Bind(1, stored->rowId).Run();
+  session.File().Prepare("DELETE FROM Users WHERE RowKey = ?").Bind(1, stored->key).Run();
   transaction.Commit();
   return true;
 }
@@ -390,7 +390,7 @@ Result<bool> ChangePassword(Session& session, std::string_view current, std::str
   const auto stored = Find(session, session.CurrentUser);
   if (!stored || !IsPassword(session, *stored, current, pause))
     return Refuse("", "Invalid Current Password!", "txtCurrentPassword");
-  Write(session, stored->rowId, {{"Password", changed->empty() ? Value() : Value(*changed)}});
+  Write(session, stored->key, {{"Password", changed->empty() ? Value() : Value(*changed)}});
   session.prompt.Tell("Password Changed", "Your Password has been changed.", Icon::Information);
   return true;
 }

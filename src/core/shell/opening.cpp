@@ -142,7 +142,7 @@ void OpenContent(Session& session, const FileInfoRow& info, OpeningWindows& wind
   session.databaseList = info.dbList;
   TellWhatIsUnsound(session);
   if (!session.ArchiveView) {
-    CompleteIndexes(session.File(), info.dbList);
+    session.File().CompleteIndexes(info.dbList);
     if (HasStockHistory(session.File())) {
       BringStockHistoryUpToDate(session.File(), info.dbList);
     } else {
@@ -328,7 +328,7 @@ OpenedDatabase::OpenedDatabase(Session& session) {
   }
   // What cannot be read fails here, before anything comes into force.
   for (const Table* table : {&schema::Basic, &schema::Mix, &schema::Batch})
-    file.Scalar("SELECT 1 FROM " + Quoted(session.Table(*table)) + " LIMIT 1");
+    file.Scalar("SELECT 1 FROM " + session.QuotedTable(*table) + " LIMIT 1");
   file.Scalar("SELECT 1 FROM " + Quoted(schema::JobRecords.name) + " LIMIT 1");
   template_ = OpenTemplate(session, templateFile_, templatePath);
 }
@@ -399,20 +399,6 @@ void MakeFirstDatabase(Session& session, const std::string& name, FirstContent c
         "New Database",
         fmt::format("{}\nThe Database {} is therefore empty.\n\n{}", lacking, name, HowToGetTemplate(session)),
         Icon::Information);
-}
-
-std::int32_t NextBatchNumber(Session& session) {
-  Transaction transaction(session.File());
-  session.BatchNumber = StepBatchNumber(session.File(), ReadFileInfo(session.File()).batchNumber);
-  transaction.Commit();
-  return session.BatchNumber;
-}
-
-std::int32_t NextItemNumber(Session& session) {
-  Transaction transaction(session.File());
-  session.ItemNumber = StepItemNumber(session.File(), ReadFileInfo(session.File()).itemNumber);
-  transaction.Commit();
-  return session.ItemNumber;
 }
 
 }  // namespace vellumark

@@ -82,10 +82,6 @@ Result<void> ChangeDatabase(Session& session, std::string_view name, bool rememb
 void MakeFirstDatabase(Session& session, const std::string& name = "PANTONE",
                        FirstContent content = FirstContent::Guides);
 
-/// The numbers after those last handed out, 1 after 999,999, written to the file at once.
-std::int32_t NextBatchNumber(Session& session);
-std::int32_t NextItemNumber(Session& session);
-
 /// "Version 5.0.0".
 std::string VersionCaption();
 

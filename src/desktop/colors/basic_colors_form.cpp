@@ -94,11 +94,11 @@ void BasicColorsForm::Listen() {
 // ---- State
 
 bool BasicColorsForm::InEdit() const {
-  return work_ && (work_->rowId == 0 || IsDirty() || inventory_->IsChanged() || measurements_->IsChanged());
+  return work_ && (work_->key == 0 || IsDirty() || inventory_->IsChanged() || measurements_->IsChanged());
 }
 
 void BasicColorsForm::UpdateEnabled() {
-  const bool stored = work_ && work_->rowId != 0;
+  const bool stored = work_ && work_->key != 0;
   name_->setReadOnly(InEdit());
   save_->setEnabled(work_.has_value());
   cancel_->setEnabled(work_.has_value());
@@ -107,7 +107,7 @@ void BasicColorsForm::UpdateEnabled() {
   whereUsed_->setEnabled(stored);
   print_->setEnabled(stored && CanPrint(windows));
   low_->setVisible(stored && isLow_);
-  state_->setText(!work_ ? QString() : work_->rowId == 0 ? tr("New") : InEdit() ? tr("Changed") : QString());
+  state_->setText(!work_ ? QString() : work_->key == 0 ? tr("New") : InEdit() ? tr("Changed") : QString());
 }
 
 void BasicColorsForm::OnOpen(const Arguments& arguments) {
@@ -193,9 +193,9 @@ void BasicColorsForm::OnChanges(const std::vector<Change>& changes) {
     if (change.kind == Change::Kind::Settings) {
       figures_->Relabel();
       inventory_->Relabel();
-      mine = work_ && work_->rowId != 0;
+      mine = work_ && work_->key != 0;
     }
-    if (!work_ || work_->rowId == 0 || change.kind != Change::Kind::Basic ||
+    if (!work_ || work_->key == 0 || change.kind != Change::Kind::Basic ||
         !EqualNoCase(change.database, session.CurrentDatabase))
       continue;
     const bool isShown = EqualNoCase(change.name, work_->Color_Name);
@@ -220,7 +220,7 @@ void BasicColorsForm::Reload() {
     measurements_->Refresh(color->Color_Name);
   } else if (InEdit()) {
     // Deleted under the operator's hands: what was typed can be saved as a new colour.
-    work_->rowId = 0;
+    work_->key = 0;
     inventory_->Detach();
   } else {
     const QPointer<QWidget> focus = QApplication::focusWidget();
@@ -333,7 +333,7 @@ void BasicColorsForm::ImgInvLow_Click() {
 }
 
 void BasicColorsForm::AdditiveClicked(bool checked) {
-  if (checked || !work_ || work_->rowId == 0) return;
+  if (checked || !work_ || work_->key == 0) return;
   const Result<void> free = RequireFreeOfAdditiveSets(session, work_->Color_Name);
   if (free) return;
   additive_->setChecked(true);

@@ -40,7 +40,7 @@ bool MixColorsForm::MayLeaveUnfinished() {
 
 Result<void> MixColorsForm::CheckPageInFront(const FormulaWork& work) const {
   const QString page = tabs_->currentWidget()->objectName();
-  if (page == QLatin1String(kFormulaPage) && (work.rowId == 0 || work.AllowEditing))
+  if (page == QLatin1String(kFormulaPage) && (work.key == 0 || work.AllowEditing))
     return ValidateFormula(session, work);
   if (page != QLatin1String(kDetailsPage)) return {};
   if (const auto read = ReadTyped(session, MixFields(), work); !read) return std::unexpected(read.error());

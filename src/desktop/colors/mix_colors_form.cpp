@@ -139,7 +139,7 @@ void MixColorsForm::Listen() {
     FocusSets();
   });
   connect(tabs_, &QTabWidget::currentChanged, this, [this] {
-    if (work_ && work_->rowId == 0)
+    if (work_ && work_->key == 0)
       inventory_->TakeCosts(TypedText(ReadFields().typed, "PurchaseCost"), ingredients_->Totals().BasicCost);
   });
   connect(inventory_, &InventoryPanel::Changed, this, [this] { Changed(); });
@@ -154,8 +154,8 @@ bool MixColorsForm::RecipeChanged() const {
 }
 
 bool MixColorsForm::InEdit() const {
-  return work_ && (work_->rowId == 0 || IsDirty() || sets_->IsChanged() || inventory_->IsChanged() ||
-                   measurements_->IsChanged());
+  return work_ &&
+         (work_->key == 0 || IsDirty() || sets_->IsChanged() || inventory_->IsChanged() || measurements_->IsChanged());
 }
 
 bool MixColorsForm::MayEdit() const {
@@ -163,7 +163,7 @@ bool MixColorsForm::MayEdit() const {
 }
 
 void MixColorsForm::UpdateEnabled() {
-  const bool stored = work_ && work_->rowId != 0;
+  const bool stored = work_ && work_->key != 0;
   name_->setReadOnly(InEdit());
   allowEditing_->setEnabled(MayEdit());
   clearBatch_->setVisible(batchUses_);
@@ -180,7 +180,7 @@ void MixColorsForm::UpdateEnabled() {
   duplicate_->setEnabled(stored && windows.Knows("DuplicateFormulaForm"));
   low_->setVisible(stored && details_->IsBelowReorder());
   hasNotes_->setVisible(work_ && notes_->HasNotes());
-  state_->setText(!work_ ? QString() : work_->rowId == 0 ? tr("New") : InEdit() ? tr("Changed") : QString());
+  state_->setText(!work_ ? QString() : work_->key == 0 ? tr("New") : InEdit() ? tr("Changed") : QString());
 }
 
 void MixColorsForm::Activated() {
@@ -276,10 +276,10 @@ void MixColorsForm::Show(const MixColor& mix, FormulaWork work, bool keepTyped) 
   if (!keepRecipe) sets_->Show(work_->AddSetName);
   bound_.Put(*work_, keepTyped);
   details_->Show(mix, keepTyped);
-  if (!keepRecipe && mix.rowId != 0) ingredients_->ShowStored(StoredTotals(session, mix));
+  if (!keepRecipe && mix.key != 0) ingredients_->ShowStored(StoredTotals(session, mix));
   notes_->Show(mix.Color_Name);
-  isModified_ = mix.rowId != 0 && IsFormulaModified(session, mix.Color_Name);
-  batchUses_ = mix.rowId != 0 && windows.IsFormulaInUse(mix.Color_Name);
+  isModified_ = mix.key != 0 && IsFormulaModified(session, mix.Color_Name);
+  batchUses_ = mix.key != 0 && windows.IsFormulaInUse(mix.Color_Name);
 }
 
 void MixColorsForm::Reload() {
@@ -295,7 +295,7 @@ void MixColorsForm::Reload() {
     }
   } else if (keepTyped) {
     // Deleted under the operator's hands: what was typed can be saved as a new formula.
-    work_->rowId = 0;
+    work_->key = 0;
     inventory_->Detach();
   } else {
     const QPointer<QWidget> focus = QApplication::focusWidget();
@@ -315,7 +315,7 @@ void MixColorsForm::OnChanges(const std::vector<Change>& changes) {
     if (change.kind == Change::Kind::Settings) {
       details_->Relabel();
       inventory_->Relabel();
-      mine = work_ && work_->rowId != 0;
+      mine = work_ && work_->key != 0;
     }
     if (!EqualNoCase(change.database, session.CurrentDatabase)) continue;
     if (change.kind == Change::Kind::AdditiveSet) {
@@ -325,7 +325,7 @@ void MixColorsForm::OnChanges(const std::vector<Change>& changes) {
     if (!work_) continue;
     if (change.kind == Change::Kind::Basic) TakeBasicChange(change);
     batches = batches || change.kind == Change::Kind::Batch;
-    if (change.kind != Change::Kind::Mix || work_->rowId == 0) continue;
+    if (change.kind != Change::Kind::Mix || work_->key == 0) continue;
     const bool isShown = EqualNoCase(change.name, work_->Color_Name);
     if (isShown && change.what == Change::What::Renamed) work_->Color_Name = change.newName;
     mine = mine || isShown || change.what == Change::What::All;
@@ -391,7 +391,7 @@ void MixColorsForm::AllowEditingClicked(bool checked) {
 // Without the box a stored recipe is not written, so that what was typed into it must be given up knowingly.
 bool MixColorsForm::StopEditing() {
   if (!Accepted(ValidateFormula(session, ReadFields()))) return false;
-  if (work_->rowId == 0 || !RecipeChanged()) return true;
+  if (work_->key == 0 || !RecipeChanged()) return true;
   if (!MayDiscard(session)) return false;
   ingredients_->Show(*work_, false);
   sets_->Show(work_->AddSetName);

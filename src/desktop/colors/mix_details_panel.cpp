@@ -43,7 +43,7 @@ void MixDetailsPanel::Show(const MixColor& mix, bool keepTyped) {
   guide_->setText(guide.isEmpty() ? none : guide);
   page_->setText(guide.isEmpty() ? none : Q(mix.book.Page));
   row_->setText(guide.isEmpty() ? none : QString::number(mix.book.Row));
-  isLow_ = mix.rowId != 0 && vellumark::IsBelowReorder(host_.session, ColorKind::Mix, mix.Color_Name);
+  isLow_ = mix.key != 0 && vellumark::IsBelowReorder(host_.session, ColorKind::Mix, mix.Color_Name);
   entered_->setText(DateText(mix.Date_Entered));
   modified_->setText(DateText(mix.LastModified));
   produced_->setText(DateText(mix.LastProduced));

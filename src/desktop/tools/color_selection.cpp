@@ -35,7 +35,7 @@ class ColorSelection::Source : public CheckedSource {
   std::string Text(int row, int column) const override { return column == 0 ? std::string() : NameOf(row); }
   std::optional<QColor> Swatch(int row, int column) const override {
     if (column == 0) return std::nullopt;
-    const auto ink = ReadSwatch(session_, kind_, colors_.at(static_cast<std::size_t>(row)).rowId, database_);
+    const auto ink = ReadSwatch(session_, kind_, colors_.at(static_cast<std::size_t>(row)).key, database_);
     if (!ink) return std::nullopt;
     return QColor((*ink)[0], (*ink)[1], (*ink)[2]);
   }

@@ -706,10 +706,10 @@ class Operator {
     std::map<std::string, Thousandths> found;
     for (const ColorKind kind : {ColorKind::Basic, ColorKind::Mix}) {
       Statement colors = session_.File().Prepare(
-          fmt::format("SELECT Color_Name, Inventory FROM {}", Quoted(session_.Table(ColorTable(kind)))));
+          fmt::format("SELECT Color_Name, Inventory FROM {}", session_.QuotedTable(ColorTable(kind))));
       while (colors.Step()) found[PlaceOf(kind, colors.Text(0), 0)] = Whole(colors.Single(1));
       Statement lots = session_.File().Prepare(
-          fmt::format("SELECT LotCName, LotRefID, LotQty, LotNumber FROM {}", Quoted(session_.Table(LotTable(kind)))));
+          fmt::format("SELECT LotCName, LotRefID, LotQty, LotNumber FROM {}", session_.QuotedTable(LotTable(kind))));
       while (lots.Step()) {
         EXPECT_GE(lots.Single(2), 0);
         found[PlaceOf(kind, lots.Text(0), static_cast<std::int32_t>(lots.Whole(1)), lots.Text(3))] =

@@ -28,7 +28,7 @@ class Book {
     room.session.UMI = Pick(1, 4);
     room.session.InvLotTracking = Pick(0, 1);
     for (const Table* table : {&schema::Basic, &schema::Mix, &schema::MixLotInv})
-      room.session.File().Execute("DELETE FROM " + Quoted(room.session.Table(*table)));
+      room.session.File().Execute("DELETE FROM " + room.session.QuotedTable(*table));
     const int basics = Pick(1, 16);
     for (int i = 0; i < basics; ++i) basics_.push_back((Pick(0, 4) == 0 ? "PANTONE B" : "B") + std::to_string(i));
     for (const std::string& name : basics_) room.Basic(name);
@@ -167,7 +167,7 @@ TEST(Properties, OverRandomRecipeBooks) {
 // The automatic choice as a person would do it: whole records in a sorted list, ingredients found by their names.
 void RecycleStepByStep(BatchWork& work) {
   const auto sort = [&work] {
-    std::ranges::sort(work.RecycleList, {}, &RecycleColor::rowId);
+    std::ranges::sort(work.RecycleList, {}, &RecycleColor::key);
     SortRecycleList(work);
   };
   sort();

@@ -100,7 +100,7 @@ TEST(BatchSave, ChecksStandInTheirOrder) {
   room.prompt.Expect(std::string(25, ' ') + "Lotted Inv. Details", Answer::Yes,
                      "Change Qty to Inv so these items can be saved?");
   EXPECT_EQ(SaveBatch(room.session, room.record, room.dialogs).value(), SaveEnd::Stays);
-  EXPECT_EQ(GetSupportValue(room.session, "BatchLotNumReminder"), "0");
+  EXPECT_EQ(room.session.support->settings.GetSupportValue("BatchLotNumReminder"), "0");
   EXPECT_EQ(room.Scalar("SELECT COUNT(*) FROM INK_Batch").Whole(), 0);
   room.prompt.Expect("Batch Completion State            ", Answer::Yes);
   room.prompt.Expect(std::string(25, ' ') + "Lotted Inv. Details", Answer::No);
@@ -259,7 +259,7 @@ TEST(BatchSave, KeepsItsOwnCostsWhenPricesChange) {
   model.FixedCostPerUnit = 0.25F;
   model.MarkupPercent = 10;
   ASSERT_TRUE(SetBatchCostModel(room.session, room.record, model, true));
-  EXPECT_EQ(GetSupportValue(room.session, "MarkupPercent"), "10");
+  EXPECT_EQ(room.session.support->settings.GetSupportValue("MarkupPercent"), "10");
   // 10 x 4.00 + 30 x 1.00 = 70.00; markup 7.00; fixed 12.50 and 40 x 0.25 = 10.00
   EXPECT_EQ(room.record.work.figures.TotalCost.Fixed(2), "99.50");
   room.Save();

@@ -65,7 +65,7 @@ bool Has(const std::vector<std::string>& lines, const std::string& line) {
 TEST(Ticket, PrintsItsBlocksInOrder) {
   TicketRoom room;
   for (const char* key : {"PrintLABBatchDetails", "PrintRecListPercent", "PrintRecListPercentValue"})
-    if (GetSupportValue(room.session, key).empty()) room.LaterSetting(key, "1");
+    if (room.session.support->settings.GetSupportValue(key).empty()) room.LaterSetting(key, "1");
   room.All(true);
   for (int i = 0; i < kQuickInfoFields; ++i)
     room.Setting("QuickInfoField" + std::to_string(i), i == 4 || i == 5 ? "1" : "0");

@@ -50,13 +50,13 @@ TEST(RollUp, PassesWriteTheWantedFiguresOnly) {
   UpdateMixHAP(room.session);
   EXPECT_EQ(figures("HALF"), (V{6.56F, 0.375F, 0.05F}));
 
-  ASSERT_TRUE(RollUpFormula(room.session, ReadMix(room.session, "GONE")->rowId));
+  ASSERT_TRUE(RollUpFormula(room.session, ReadMix(room.session, "GONE")->key));
   EXPECT_EQ(figures("GONE"), (V{4.05F, 0.2F, 0.04F}));
   EXPECT_FALSE(RollUpFormula(room.session, 999));
 
   // A cost has the decimals of prices, whoever works it out: 10.126 and 3 in equal parts.
   room.session.DecimalPlaces = 3;
-  ASSERT_TRUE(RollUpFormula(room.session, ReadMix(room.session, "HALF")->rowId));
+  ASSERT_TRUE(RollUpFormula(room.session, ReadMix(room.session, "HALF")->key));
   EXPECT_EQ(figures("HALF").front(), 6.563F);
   EXPECT_EQ(RollUpRecipe(room.session, {{"A", 50}, {"B", 50}}).BasicCost, 6.563F);
   room.session.File().Execute("UPDATE INK_Mix SET BasicCost = 0");
@@ -148,7 +148,7 @@ TEST(Resets, DecimalsOfUnitCosts) {
   EXPECT_EQ(ReadMix(room.session, "M")->BasicCost, 10.13F);
   EXPECT_EQ(ChangeDecimalPlaces(room.session, 4), true);
   EXPECT_EQ(ReadMix(room.session, "M")->BasicCost, 10.126F);
-  EXPECT_EQ(GetSupportValue(room.session, "DecimalPlaces"), "4");
+  EXPECT_EQ(room.session.support->settings.GetSupportValue("DecimalPlaces"), "4");
   room.prompt.Expect("Warning", Answer::No);
   room.prompt.Expect("Unit Cost Accuracy", Answer::Ok, "Unit cost data has not been modified.");
   EXPECT_EQ(ChangeDecimalPlaces(room.session, 2), false);

@@ -245,9 +245,9 @@ TEST(RowKeys, AnOlderFileGetsThemOnceAndKeepsThem) {
   // It is laid out as a new one, with the same indexes, and shows the keys among no table's fields.
   const NewFile fresh;
   EXPECT_EQ(file->TableNames(), fresh.file->TableNames());
-  EXPECT_EQ(StoredIndexes(*file), StoredIndexes(*fresh.file));
+  EXPECT_EQ(file->StoredIndexes(), fresh.file->StoredIndexes());
   for (const std::string& table : file->TableNames())
-    EXPECT_EQ(StoredFields(*file, table), StoredFields(*fresh.file, table)) << table;
+    EXPECT_EQ(file->StoredFields(table), fresh.file->StoredFields(table)) << table;
   EXPECT_EQ(InsertRow(*file, schema::Mix, "INK_Mix", {{"Color_Name", "PLUM"}}), 4);
   EXPECT_THROW(InsertRow(*file, schema::Mix, "INK_Mix", {{"RowKey", 9}}), std::logic_error);
   file->Execute("DELETE FROM INK_Mix WHERE RowKey = 4");
@@ -256,7 +256,7 @@ TEST(RowKeys, AnOlderFileGetsThemOnceAndKeepsThem) {
   file = Database::Open(old.path, OpenMode::Exclusive);
   EXPECT_EQ(KeylessFile::Rows(*file), kKeylessRows);
   // A table under its new name, too.
-  RenameTable(*file, "INK_Mix", "RED_Mix", schema::Mix);
+  file->RenameTable("INK_Mix", "RED_Mix", schema::Mix);
   EXPECT_EQ(file->Scalar("SELECT RowKey FROM RED_Mix WHERE Color_Name = 'rose'").Whole(), 3);
 }
 
@@ -284,7 +284,7 @@ TEST(Schema, ANewFileHasItsTablesAndOneRow) {
   EXPECT_EQ(file->Scalar("SELECT COUNT(*) FROM FileInfo").Whole(), 1);
   EXPECT_TRUE(file->Scalar("SELECT LastBackupDate FROM FileInfo").IsNull());
   EXPECT_EQ(file->Scalar("SELECT DaysToRemindBackup FROM FileInfo").Whole(), 1);
-  const std::vector<std::string> names = StoredFields(*file, "Designs");
+  const std::vector<std::string> names = file->StoredFields("Designs");
   EXPECT_EQ(names.at(10) + names.at(15) + names.at(16), "IngName0IngDB0IngName1");
   EXPECT_EQ(CauseOf([&] { CreateFile(path); }), "already exists");
 }

@@ -55,7 +55,7 @@ TEST(AdjustUnlotted, ChecksThenCutoff) {
     room.session.InvLotTracking = tracking;
     for (std::size_t i = 0; i < cases.size(); ++i) {
       const Case& one = cases[i];
-      SetSupportValue(room.session, "AllowNegInv", one.allowNegInv ? "1" : "0");
+      room.session.support->settings.SetSupportValue("AllowNegInv", one.allowNegInv ? "1" : "0");
       const std::string name = "C" + std::to_string(i);
       room.Color(one.kind, name, one.before);
       InventoryWork work = LoadInventory(room.session, one.kind, name);
@@ -126,7 +126,7 @@ TEST(AdjustLots, WhichRowIsActedOn) {
 
 TEST(AdjustLots, TheSameChecksAsUnlottedAndThenTheRowGoes) {
   StockRoom room;
-  SetSupportValue(room.session, "AllowNegInv", "1");
+  room.session.support->settings.SetSupportValue("AllowNegInv", "1");
   for (const ColorKind kind : {kBasic, kMix}) {
     room.Color(kind, "RED", 5);
     room.Lot(kind, "RED", 1, 3, {{"LotNumber", "A"}});

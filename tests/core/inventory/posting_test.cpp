@@ -317,11 +317,11 @@ TEST(StockRules, AsSet) {
                                            {"1,5", 3, 226.796F},
                                            {"x", 4, 8}}) {
     room.session.UMI = one.unit;
-    SetSupportValue(room.session, "InvCutoff", one.text);
+    room.session.support->settings.SetSupportValue("InvCutoff", one.text);
     EXPECT_EQ(ReadStockRules(room.session).InvCutoff, one.cutoff) << one.text;
   }
   EXPECT_FALSE(ReadStockRules(room.session).AllowNegInv);
-  SetSupportValue(room.session, "AllowNegInv", "1");
+  room.session.support->settings.SetSupportValue("AllowNegInv", "1");
   EXPECT_TRUE(ReadStockRules(room.session).AllowNegInv);
 }
 
@@ -413,7 +413,7 @@ class Ledger {
     lot->second.consigned = !lot->second.consigned;
     room_.session.File()
         .Prepare(fmt::format("UPDATE {} SET LotConsignment = ?1 WHERE LotCName = ?2 AND LotRefID = ?3",
-                             Quoted(room_.session.Table(LotTable(key.kind), key.database))))
+                             room_.session.QuotedTable(LotTable(key.kind), key.database)))
         .Bind(1, lot->second.consigned ? 1 : 0)
         .Bind(2, key.name)
         .Bind(3, lot->first)

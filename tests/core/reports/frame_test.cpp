@@ -120,7 +120,7 @@ TEST(ReportFrame, KeepsColumnsByKeyAndFindsOldNames) {
   SaveShownColumns(room.session, report, columns,
                    {0, *FindReportColumn(columns, "Text Lbl1"), *FindReportColumn(columns, "Cost of Mixes")});
   EXPECT_EQ(shown(), "Color Name|Cost of Mixes $|Text Lbl1|");
-  EXPECT_EQ(GetSupportValue(room.session, "DetProductionColumns"), "|UD_Text0||CostOfMixes|");
+  EXPECT_EQ(room.session.support->settings.GetSupportValue("DetProductionColumns"), "|UD_Text0||CostOfMixes|");
   room.Setting("DetProductionColumns", "|No Such Column||Notes|");
   EXPECT_EQ(shown(), "Color Name|Notes|");
   EXPECT_EQ(PlainCaption("Lot Purchase Cost $"), "Lot Purchase Cost");
@@ -133,7 +133,7 @@ TEST(ReportFrame, KeepsColumnsByKeyAndFindsOldNames) {
     for (const ReportOption& option : each.options)
       of.options[option.name] = ReadReportOption(room.session, each, option);
     const std::vector<TableColumn> its = ReportColumns(of);
-    const std::string set = GetSupportValue(room.session, each.prefix + "Columns");
+    const std::string set = room.session.support->settings.GetSupportValue(each.prefix + "Columns");
     if (each.prefix == "DetProduction") continue;
     for (const std::string& name : SplitColumnSet(set))
       EXPECT_TRUE(name == "Formula" || FindReportColumn(its, name)) << each.key << " has no column " << name;

@@ -29,13 +29,13 @@ TEST(Options, InventorySettingsAreCheckedStoredAndInForceAtOnce) {
   ASSERT_TRUE(SaveInventorySettings(room.session, settings));
   EXPECT_EQ(room.session.UMI, 3);
   EXPECT_EQ(room.session.InvLotTracking, 0);
-  EXPECT_EQ(GetSupportValue(room.session, setting::InvCutoff.key), "0.25");
-  EXPECT_EQ(GetSupportValue(room.session, setting::AllowNegInv.key), "1");
+  EXPECT_EQ(room.session.support->settings.GetSupportValue(setting::InvCutoff.key), "0.25");
+  EXPECT_EQ(room.session.support->settings.GetSupportValue(setting::AllowNegInv.key), "1");
   EXPECT_EQ(told, 1);
   settings.InvCutoff = "0";
   settings.UMI = 5;
   EXPECT_FALSE(SaveInventorySettings(room.session, settings));
-  EXPECT_EQ(GetSupportValue(room.session, setting::InvCutoff.key), "0.25");
+  EXPECT_EQ(room.session.support->settings.GetSupportValue(setting::InvCutoff.key), "0.25");
 }
 
 TEST(Options, NameLengthIsTenToThirty) {
@@ -60,10 +60,10 @@ TEST(Options, RemindersWriteTheirKeysInBothSenses) {
   test::InkRoom room;
   const auto days = [&] { return room.Scalar("SELECT DaysToRemindBackup FROM FileInfo").Whole(); };
   ASSERT_TRUE(SaveReminders(room.session, {true, 14, "/mnt/backup, weekly", false, true}));
-  EXPECT_EQ(GetSupportValue(room.session, setting::RemindBackup.key), "0");
-  EXPECT_EQ(GetSupportValue(room.session, setting::BackupFileLocation.key), "/mnt/backup, weekly");
-  EXPECT_EQ(GetSupportValue(room.session, setting::LottedInvReminder.key), "0");
-  EXPECT_EQ(GetSupportValue(room.session, setting::BatchLotNumReminder.key), "1");
+  EXPECT_EQ(room.session.support->settings.GetSupportValue(setting::RemindBackup.key), "0");
+  EXPECT_EQ(room.session.support->settings.GetSupportValue(setting::BackupFileLocation.key), "/mnt/backup, weekly");
+  EXPECT_EQ(room.session.support->settings.GetSupportValue(setting::LottedInvReminder.key), "0");
+  EXPECT_EQ(room.session.support->settings.GetSupportValue(setting::BatchLotNumReminder.key), "1");
   EXPECT_EQ(days(), 14);
   EXPECT_TRUE(ReadReminders(room.session).shutdownBackup);
   EXPECT_EQ(ReadReminders(room.session).DaysToRemindBackup, 14);
@@ -71,13 +71,13 @@ TEST(Options, RemindersWriteTheirKeysInBothSenses) {
   EXPECT_EQ(SaveReminders(room.session, {true, 31, "", true, true}).error().field, "cmbDays");
   EXPECT_EQ(days(), 14);
   ASSERT_TRUE(SaveReminders(room.session, {true, 14, "/mnt/\"back\", up", true, true}));
-  EXPECT_EQ(GetSupportValue(room.session, setting::BackupFileLocation.key), "/mnt/\"back\", up");
+  EXPECT_EQ(room.session.support->settings.GetSupportValue(setting::BackupFileLocation.key), "/mnt/\"back\", up");
 
   // Off forgets the folder and leaves the days.
   ASSERT_TRUE(SaveReminders(room.session, {false, 5, "/mnt/backup", true, false}));
-  EXPECT_EQ(GetSupportValue(room.session, setting::RemindBackup.key), "1");
-  EXPECT_EQ(GetSupportValue(room.session, setting::BackupFileLocation.key), "");
-  EXPECT_EQ(GetSupportValue(room.session, setting::BatchLotNumReminder.key), "0");
+  EXPECT_EQ(room.session.support->settings.GetSupportValue(setting::RemindBackup.key), "1");
+  EXPECT_EQ(room.session.support->settings.GetSupportValue(setting::BackupFileLocation.key), "");
+  EXPECT_EQ(room.session.support->settings.GetSupportValue(setting::BatchLotNumReminder.key), "0");
   EXPECT_EQ(days(), 14);
   room.session.File().Execute("UPDATE FileInfo SET DaysToRemindBackup = 0");
   EXPECT_EQ(ReadReminders(room.session).DaysToRemindBackup, 1);
@@ -86,9 +86,9 @@ TEST(Options, RemindersWriteTheirKeysInBothSenses) {
 TEST(Options, SetupStoresPositionsAsUnitCodes) {
   test::InkRoom room;
   ASSERT_TRUE(SaveNewSetup(room.session, 1, 3, "LPT_OFFICE"));
-  EXPECT_EQ(GetSupportValue(room.session, setting::UMI.key), "2");
-  EXPECT_EQ(GetSupportValue(room.session, setting::UMF.key), "4");
-  EXPECT_EQ(GetSupportValue(room.session, setting::PrinterDevice.key), "LPT_OFFICE");
+  EXPECT_EQ(room.session.support->settings.GetSupportValue(setting::UMI.key), "2");
+  EXPECT_EQ(room.session.support->settings.GetSupportValue(setting::UMF.key), "4");
+  EXPECT_EQ(room.session.support->settings.GetSupportValue(setting::PrinterDevice.key), "LPT_OFFICE");
   EXPECT_EQ(room.session.UMF, 4);
   EXPECT_EQ(SaveNewSetup(room.session, -1, 0, "").error().field, "cmbUMI");
   EXPECT_EQ(SaveNewSetup(room.session, 0, 4, "").error().field, "cmbUMF");
@@ -110,7 +110,7 @@ TEST(Options, SettingsAreStoredInOneStepAddedWhereTheyAreMissingAndTold) {
   EXPECT_EQ(told, 1);
   EXPECT_EQ(room.session.UMF, 4);
   EXPECT_EQ(GetSetting(room.session, sortedBy), 7);
-  EXPECT_EQ(GetSupportValue(room.session, "NewReportColWidth2"), "1500");
+  EXPECT_EQ(room.session.support->settings.GetSupportValue("NewReportColWidth2"), "1500");
   EXPECT_TRUE(GetSetting(room.session, setting::BatchComplete)) << "a key that was not there is not lost";
   EXPECT_FALSE(GetSetting(room.session, setting::QuickInfoField[3]));
   EXPECT_TRUE(GetSetting(room.session, setting::QuickInfoField[4]));

@@ -28,7 +28,7 @@ struct DataFilesTest : testing::Test, DataFileRoom {
   void OpenFirst() {
     MakeFile(first);
     session.DataFileName = first.string();
-    SetSupportValue(session, setting::DbFileName50.key, first.string());
+    session.support->settings.SetSupportValue(setting::DbFileName50.key, first.string());
     OpenDataFile(session, windows);
     windows.calls.clear();
   }
@@ -37,7 +37,7 @@ struct DataFilesTest : testing::Test, DataFileRoom {
     EXPECT_EQ(session.DataFileName, first.string()) << what;
     EXPECT_EQ(session.DataFileDB->Path(), first) << what;
     EXPECT_EQ(session.CurrentDatabase, "INK") << what;
-    EXPECT_EQ(GetSupportValue(session, setting::DbFileName50.key), first.string()) << what;
+    EXPECT_EQ(session.support->settings.GetSupportValue(setting::DbFileName50.key), first.string()) << what;
   }
   fs::path first = folder / "First.vkd";
   fs::path second = folder / "Second.vkd";
@@ -49,7 +49,7 @@ TEST_F(DataFilesTest, OpeningAnotherFileClosesAndBacksUpTheOneBefore) {
   EXPECT_TRUE(*OpenOtherDataFile(session, second, windows));
   EXPECT_EQ(windows.calls, (std::vector<std::string>{"backup AutoBackup of First.vkd"}));
   EXPECT_EQ(session.DataFileDB->Path(), second);
-  EXPECT_EQ(GetSupportValue(session, setting::DbFileName50.key), second.string());
+  EXPECT_EQ(session.support->settings.GetSupportValue(setting::DbFileName50.key), second.string());
   EXPECT_TRUE(fs::is_directory(folder / "DesignPhotos"));
   // The same file again, by another spelling of its path.
   EXPECT_TRUE(*OpenOtherDataFile(session, folder.Path() / "." / "Second.vkd", windows));
@@ -155,13 +155,13 @@ TEST_F(DataFilesTest, AFileOfTheProgramsOwnFoldersIsOpenedOnlyAfterAsking) {
 TEST_F(DataFilesTest, AStartWithAFileThatCannotBeOpenedSaysWhyAndKeepsIt) {
   MakeFile(first);
   session.DataFileName = first.string();
-  SetSupportValue(session, setting::DbFileName50.key, first.string());
+  session.support->settings.SetSupportValue(setting::DbFileName50.key, first.string());
   {
     const HeldFile held(first);
     EXPECT_FALSE(OpenRecentDataFile(session, windows));
     EXPECT_EQ(windows.calls.back(), "new data file: " + first.string() + "\nis in use by another process.");
   }
-  EXPECT_EQ(GetSupportValue(session, setting::DbFileName50.key), first.string());
+  EXPECT_EQ(session.support->settings.GetSupportValue(setting::DbFileName50.key), first.string());
   EXPECT_TRUE(OpenRecentDataFile(session, windows));
 }
 
@@ -243,13 +243,13 @@ TEST_F(DataFilesTest, RenameRefusesWhatItMust) {
 
 TEST_F(DataFilesTest, RenameMovesTheFileAndTheDefaultFollows) {
   OpenFirst();
-  NextBatchNumber(session);
+  StepBatchNumber(session.File(), 1);
   ASSERT_TRUE(RenameDataFile(session, "  Ink Room ", windows));
   const fs::path renamed = folder / "Ink Room.vkd";
   EXPECT_FALSE(fs::exists(first));
   EXPECT_EQ(session.DataFileDB->Path(), renamed);
-  EXPECT_EQ(session.BatchNumber, 2);
-  EXPECT_EQ(GetSupportValue(session, setting::DbFileName50.key), renamed.string());
+  EXPECT_EQ(ReadFileInfo(session.File()).batchNumber, 2);
+  EXPECT_EQ(session.support->settings.GetSupportValue(setting::DbFileName50.key), renamed.string());
 
   // Too long a name for the disk: the file stays what it was.
   EXPECT_THROW((void)RenameDataFile(session, std::string(300, 'x'), windows), Failure);

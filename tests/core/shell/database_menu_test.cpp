@@ -66,7 +66,7 @@ TEST(DatabaseMenu, ARenameReachesEveryPlaceOfTheName) {
   EXPECT_EQ(session.databaseList, (Names{"A NAME OF 15 CH", "GRAVURE", "INK"}));
   EXPECT_EQ(session.CurrentDatabase, "A NAME OF 15 CH");
   for (const char* index : {"INK_Mix_Color_Set_Index", "GRAVURE_Mix_Color_Set_Index"})
-    EXPECT_EQ(std::ranges::count(StoredIndexes(session.File()), index), 1) << index;
+    EXPECT_EQ(std::ranges::count(session.File().StoredIndexes(), index), 1) << index;
 }
 
 TEST(DatabaseMenu, RenameRefusals) {
@@ -132,7 +132,7 @@ TEST(DatabaseMenu, DeletingTakesTablesAndJobLinesAndNeverTheCurrentOne) {
   EXPECT_TRUE(*DeleteDatabases(session, {"third", "FLEXO", "THIRD"}));
   EXPECT_EQ(session.databaseList, (Names{"INK"}));
   EXPECT_EQ(room.DBList(), (Names{"INK"}));
-  for (const auto& names : {session.File().TableNames(), StoredIndexes(session.File())})
+  for (const auto& names : {session.File().TableNames(), session.File().StoredIndexes()})
     EXPECT_TRUE(std::ranges::none_of(names, [](const std::string& name) { return name.starts_with("FLEXO"); }));
   EXPECT_EQ(room.JobsOf("FLEXO"), 0);
   EXPECT_EQ(room.JobsOf("INK"), 2);

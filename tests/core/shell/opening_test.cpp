@@ -46,7 +46,7 @@ class RecordingWindows final : public StartupWindows {
   void ShowMainWindow(const std::string& text) override { Note("main window"), caption = text; }
   void ShowNewSetup(Session& session) override {
     Note("setup");
-    SetSupportValue(session, setting::UMI.key, "2");
+    session.support->settings.SetSupportValue(setting::UMI.key, "2");
   }
   void TakePrinter(Session& session) override { Note("printer, UMI " + std::to_string(session.UMI)); }
   void PrepareCloud(Session&) override { Note("cloud folders"); }
@@ -56,7 +56,7 @@ class RecordingWindows final : public StartupWindows {
     return copy;
   }
   void LoadScalePort(Session& session) override {
-    Note("scale, settings version " + GetSupportValue(session, setting::StartupVar_FileVersion.key));
+    Note("scale, settings version " + session.support->settings.GetSupportValue(setting::StartupVar_FileVersion.key));
   }
   void ShowSplash() override { Note("splash"); }
   void ShowCloudLine(Session&) override { Note("cloud line"); }
@@ -119,7 +119,7 @@ TEST(StartOrder, AFileNamedInQuotesIsOpenedAndKeptAsTheDefault) {
   EXPECT_TRUE(start.session.RecordsetsOpen);
   EXPECT_EQ(start.session.CurrentDatabase, "INK");
   EXPECT_EQ(start.windows.caption, "Version 5.0.0   -   " + path.string());
-  EXPECT_EQ(GetSupportValue(start.session, setting::DbFileName50.key), path.string());
+  EXPECT_EQ(start.session.support->settings.GetSupportValue(setting::DbFileName50.key), path.string());
   EndSession(start.session, start.windows);
   EXPECT_EQ(start.windows.calls.back(), "backup AutoBackup");
   EXPECT_EQ(start.windows.caption, "Version 5.0.0");
@@ -143,7 +143,7 @@ TEST(StartOrder, AFileNamedInQuotesIsOpenedAndKeptAsTheDefault) {
   ASSERT_TRUE(StartUp(start.session, start.options, start.windows));
   EXPECT_EQ(start.windows.calls[2], "setup");
   EXPECT_EQ(start.session.support->settings.Read().Get(setting::StartupVar_FileVersion.key), "47");
-  EXPECT_EQ(GetSupportValue(start.session, setting::UMI.key), "2");
+  EXPECT_EQ(start.session.support->settings.GetSupportValue(setting::UMI.key), "2");
 }
 
 TEST(StartOrder, AFileThatCannotBeOpenedIsToldAndTheStartGoesOn) {
@@ -233,7 +233,7 @@ TEST(EndOrder, AFileWithoutADatabaseIsRemovedAndTheReminderComesOnlyWhenItIsOn) 
   start.session.RecordsetsOpen = true;
   EXPECT_TRUE(MayEnd(start.session, start.windows));
   EXPECT_TRUE(start.windows.calls.empty());
-  SetSupportValue(start.session, setting::RemindBackup.key, "0");
+  start.session.support->settings.SetSupportValue(setting::RemindBackup.key, "0");
   EXPECT_TRUE(MayEnd(start.session, start.windows));
   EXPECT_EQ(start.windows.calls, (std::vector<std::string>{"close children", "remind backup"}));
   start.session.RecordsetsOpen = false;
@@ -514,7 +514,7 @@ TEST(Opening, AFileOfAnOlderProgramGetsTheIndexesThatItLacks) {
   start.MakeFile(path);
   const auto indexes = [](Database& file) {
     std::set<std::string> names;
-    for (const std::string& name : StoredIndexes(file))
+    for (const std::string& name : file.StoredIndexes())
       if (!name.starts_with("MSys")) names.insert(name);
     return names;
   };
@@ -582,7 +582,7 @@ TEST(SupportRenewal, FreshFilesKeepTheDataFileAndRunSetupAndLadder) {
   start.options.dataFileArgument = path.string();
   ASSERT_TRUE(StartUp(start.session, start.options, start.windows));
   Session& session = start.session;
-  SetSupportValue(session, setting::DecimalPlaces.key, "4");
+  session.support->settings.SetSupportValue(setting::DecimalPlaces.key, "4");
   session.support->label.AppendSupportValue("My Layout", "Paper", "1");
   start.windows.calls.clear();
   const std::string question =
@@ -592,15 +592,15 @@ TEST(SupportRenewal, FreshFilesKeepTheDataFileAndRunSetupAndLadder) {
   start.prompt.Expect("Create Support Files", Answer::Cancel, question);
   EXPECT_FALSE(*CreateNewSupportFiles(session, start.windows));
   EXPECT_TRUE(start.windows.calls.empty());
-  EXPECT_EQ(GetSupportValue(session, setting::DecimalPlaces.key), "4");
+  EXPECT_EQ(session.support->settings.GetSupportValue(setting::DecimalPlaces.key), "4");
 
   start.prompt.Expect("Create Support Files", Answer::Ok);
   EXPECT_TRUE(*CreateNewSupportFiles(session, start.windows));
   EXPECT_EQ(start.windows.calls, (std::vector<std::string>{"close children", "setup", "printer, UMI 2"}));
-  EXPECT_EQ(GetSupportValue(session, setting::DbFileName50.key), path.string());
+  EXPECT_EQ(session.support->settings.GetSupportValue(setting::DbFileName50.key), path.string());
   EXPECT_EQ(session.DecimalPlaces, 2);
   EXPECT_EQ(session.UMI, 2);
-  EXPECT_EQ(GetSupportValue(session, setting::StartupVar_FileVersion.key), "47");
+  EXPECT_EQ(session.support->settings.GetSupportValue(setting::StartupVar_FileVersion.key), "47");
   EXPECT_TRUE(session.support->scale.Exists());
   EXPECT_EQ(session.support->label.GetSupportValue("My Layout", "Paper"), "");
 
@@ -614,7 +614,7 @@ TEST(SupportRenewal, FreshFilesKeepTheDataFileAndRunSetupAndLadder) {
   fs::remove(path);
   start.prompt.Expect("Create Support Files", Answer::Ok);
   EXPECT_TRUE(*CreateNewSupportFiles(session, start.windows));
-  EXPECT_EQ(GetSupportValue(session, setting::DbFileName50.key),
+  EXPECT_EQ(session.support->settings.GetSupportValue(setting::DbFileName50.key),
             (start.options.folders.program / "Vellumark Data.vkd").string());
 }
 

@@ -323,7 +323,7 @@ TEST_F(AdjustTest, LeadsToTheWindowForManyFormulas) {
 struct CompareTest : FormulaDialogsTest {
   CompareTest() {
     session.templateDB = Database::Create(folder / "pdbt.vkt");
-    CreateTable(*session.templateDB, "Goe_MColors", schema::Mix);
+    session.templateDB->CreateTable("Goe_MColors", schema::Mix);
     InsertRow(*session.templateDB, schema::Mix, "Goe_MColors",
               {{"Color_Name", "PANTONE 185"},
                {"BC0", "PANTONE RUBINE"},

@@ -40,7 +40,7 @@ struct DataFileWindows : testing::Test, DataFileRoom {
   }
   bool IsDefault(const fs::path& path) {
     return session.RecordsetsOpen && session.DataFileName == path.string() && session.DataFileDB->Path() == path &&
-           GetSupportValue(session, setting::DbFileName50.key) == path.string();
+           session.support->settings.GetSupportValue(setting::DbFileName50.key) == path.string();
   }
   static std::string Label(QWidget& window, const char* name) { return U8(Control<QLabel>(window, name).text()); }
   /// To the button with Tab, and Enter on it.

@@ -468,7 +468,7 @@ TEST_F(AdjustInventoryTest, TheFirstInventoryWindowRemindsOfLots) {
         Click(dialog, "chkNever");
         Click(dialog, "cmdOK");
       });
-  EXPECT_EQ(GetSupportValue(session, setting::LottedInvReminder.key), "0");
+  EXPECT_EQ(session.support->settings.GetSupportValue(setting::LottedInvReminder.key), "0");
   ShowActive(*form);
   EXPECT_TRUE(form->Leave());
   Settle();

@@ -7,6 +7,7 @@
 
 #include "core/batch/default_models.h"
 #include "core/session/rights.h"
+#include "core/session/settings.h"
 #include "desktop/settings/register.h"
 #include "support/desktop.h"
 #include "support/ink_room.h"
@@ -84,7 +85,7 @@ TEST_F(CostModelWindowsTest, WithoutIngredientsOnlyAdditionalCostsAdd) {
     Picture(dialog, "settings-cost-model-no-ingredients", {});
     Click(dialog, "cmdOK");
   }));
-  EXPECT_EQ(GetSupportValue(session, "CostModelType"), "1");
+  EXPECT_EQ(StoredText(session, "CostModelType"), "1");
 }
 
 TEST_F(CostModelWindowsTest, WhatIsNoCostAndNoPercentageIsRefusedInOrder) {
@@ -127,7 +128,7 @@ TEST_F(CostModelWindowsTest, WhatIsNoCostAndNoPercentageIsRefusedInOrder) {
     EXPECT_EQ(FocusName(), "txtFixedCostUnit");
     Press(dialog, Qt::Key_Escape);
   }));
-  EXPECT_EQ(GetSupportValue(session, "MarkupPercent"), "0");
+  EXPECT_EQ(StoredText(session, "MarkupPercent"), "0");
 }
 
 TEST_F(CostModelWindowsTest, TheEmissionModelsAreKeptEachForItself) {
@@ -148,8 +149,8 @@ TEST_F(CostModelWindowsTest, TheEmissionModelsAreKeptEachForItself) {
     Picture(dialog, "settings-emission-models", {});
     Click(dialog, "cmdOK");
   }));
-  EXPECT_EQ(GetSupportValue(session, "VOCModelType"), "1");
-  EXPECT_EQ(GetSupportValue(session, "HAPModelType"), "2");
+  EXPECT_EQ(StoredText(session, "VOCModelType"), "1");
+  EXPECT_EQ(StoredText(session, "HAPModelType"), "2");
   EXPECT_EQ(told, 1) << "an open Batch hears of it";
 }
 
@@ -163,8 +164,8 @@ TEST_F(CostModelWindowsTest, WithoutTheRightNothingIsStored) {
   session.Perm_Costs = 2;
   session.ArchiveView = true;
   EXPECT_FALSE(SaveDefaultCostModel(session, {1, 0, "0", "0", "0"}));
-  EXPECT_EQ(GetSupportValue(session, "CostModelType"), "0");
-  EXPECT_EQ(GetSupportValue(session, "VOCModelType"), "0");
+  EXPECT_EQ(StoredText(session, "CostModelType"), "0");
+  EXPECT_EQ(StoredText(session, "VOCModelType"), "0");
 }
 
 }  // namespace

@@ -1,0 +1,53 @@
+#pragma once
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "core/datafile/engine.h"
+
+namespace vellumark {
+
+/// A Data File whose rows SQLite keeps.
+class SqliteDatabase final : public Database {
+ public:
+  SqliteDatabase(std::filesystem::path path, bool readOnly);
+  ~SqliteDatabase() override;
+
+  Statement Prepare(std::string_view sql) override;
+  void Execute(std::string_view sql) override;
+  bool TableExists(std::string_view table) override;
+  std::vector<std::string> TableNames() override;
+  void CreateTable(std::string_view name, const Table& table) override;
+  void DropTable(std::string_view name) override;
+  void RenameTable(std::string_view name, std::string_view newName, const Table& table) override;
+  void MakeScratchTable(std::string_view name, const Table& table) override;
+  bool EnsureIndex(std::string_view table, std::string_view name, const std::vector<std::string>& fields,
+                   std::string_view where) override;
+  void CompleteIndexes(const std::vector<std::string>& databases) override;
+  std::vector<std::string> StoredFields(std::string_view table) override;
+  std::vector<std::string> StoredIndexes(std::string_view table) override;
+  void AddMissingFields(std::string_view name, const Table& table) override;
+  void CopyCompacted(const std::filesystem::path& copy) override;
+  std::vector<std::string> Faults() override;
+  /// Nobody but this opening can be, since it holds the file alone.
+  bool IsAtWork(std::string_view opening) const override { return opening == Opening(); }
+
+ protected:
+  void Begin() override;
+  void CommitWork() override;
+  void Rollback() noexcept override;
+  void TakeBack(std::unique_ptr<EngineStatement> statement) noexcept override;
+
+ private:
+  friend class Database;  // Open and Create
+  struct Engine;
+  void Connect(int flags);
+  void OpenExclusive();
+  void CreateIndexes(std::string_view name, const Table& table);
+
+  std::unique_ptr<Engine> engine_;
+  bool rolledBack_ = false;
+};
+
+}  // namespace vellumark
