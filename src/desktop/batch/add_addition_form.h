@@ -19,7 +19,6 @@ class AddAdditionForm : public Dialog {
 
  public Q_SLOTS:
   void cmdSave_Click();
-  void cmdCancel_Click() { reject(); }
 
  private:
   struct Line {

@@ -18,7 +18,6 @@ class AdjustMixForm : public Dialog {
   void cmdRecycle_Click() { Leave(true); }
   void cmdMix_Click() { Leave(false); }
   void cmdMax_Click();
-  void cmdCancel_Click() { reject(); }
 
  private:
   void Leave(bool recycle);

@@ -17,7 +17,6 @@ class AdjustRowForm : public Dialog {
 
  public Q_SLOTS:
   void cmdSave_Click();
-  void cmdCancel_Click() { reject(); }
 
  protected:
   /// `text` stands above the amount, `note` below it.

@@ -22,7 +22,6 @@ class BatchSettingsForm : public Dialog {
 
  public Q_SLOTS:
   void cmdSave_Click();
-  void cmdCancel_Click() { reject(); }
 
  private:
   struct TextLine {

@@ -20,7 +20,6 @@ class CostInfForm : public Dialog {
   bool MayClose() override;
 
  public Q_SLOTS:
-  void cmdClose_Click() { reject(); }
   void cmdCostModel_Click();
 
  private:

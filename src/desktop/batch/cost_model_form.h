@@ -20,7 +20,6 @@ class CostModelForm : public Dialog {
 
  public Q_SLOTS:
   void cmdSave_Click();
-  void cmdCancel_Click() { reject(); }
 
  private:
   BatchRecord* record_ = nullptr;

@@ -19,7 +19,6 @@ class JobItemsForm : public Dialog {
 
  public Q_SLOTS:
   void cmdSave_Click();
-  void cmdCancel_Click() { reject(); }
 
  private:
   struct Pair {

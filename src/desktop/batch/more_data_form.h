@@ -20,7 +20,6 @@ class MoreDataForm : public Dialog {
 
  public Q_SLOTS:
   void cmdOK_Click();
-  void cmdCancel_Click() { reject(); }
 
  private:
   void BuildUserFields(Form form);

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <vector>
+#include <memory>
 
 #include "core/batch/open.h"
 #include "desktop/kit/window.h"
@@ -13,16 +13,16 @@ class RecentBatchesForm : public Dialog {
 
  public:
   RecentBatchesForm(WindowList& windowList, QWidget* owner);
+  ~RecentBatchesForm() override;
   void OnOpen(const Arguments& arguments) override;
   void UpdateEnabled() override;
 
  public Q_SLOTS:
   void cmdOpen_Click();
-  void cmdCancel_Click() { reject(); }
 
  private:
-  std::vector<BatchListRow> batches_;
-
+  class Source;
+  std::shared_ptr<Source> source_;
   Grid* list_;
   CommandButton* open_;
 };

@@ -40,9 +40,7 @@ class RecyclePanel::Source : public GridSource {
   std::optional<QColor> Swatch(int row, int column) const override {
     if (column != 0) return std::nullopt;
     auto& [known, ink] = inks_.at(static_cast<std::size_t>(row));
-    if (!std::exchange(known, true)) {
-      if (const auto found = InkOf(session_, ColorKind::Mix, At(row).Color_Name)) ink = ColorOf(*found);
-    }
+    if (!std::exchange(known, true)) ink = InkColor(session_, ColorKind::Mix, At(row).Color_Name);
     return ink;
   }
   const char* Mark(int row, int column) const override {

@@ -9,12 +9,7 @@
 namespace vellumark::desktop {
 
 void RegisterBatchWindows(WindowList& windows) {
-  windows.Register<BatchForm>("BatchForm");
-  windows.RegisterDialog<AdjustMixForm>("AdjustMixForm");
-  windows.RegisterDialog<AdjustBasicForm>("AdjustBasicForm");
-  windows.RegisterDialog<AddAdditionForm>("AddAdditionForm");
-  windows.RegisterDialog<AdjustAdditionForm>("AdjustAdditionForm");
-  windows.RegisterDialog<JobItemsForm>("JobItemsForm");
+  windows.RegisterAll<BatchForm, AdjustMixForm, AdjustBasicForm, AddAdditionForm, AdjustAdditionForm, JobItemsForm>();
   RegisterBatchSideWindows(windows);
 }
 

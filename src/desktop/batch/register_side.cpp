@@ -12,15 +12,8 @@
 namespace vellumark::desktop {
 
 void RegisterBatchSideWindows(WindowList& windows) {
-  windows.RegisterDialog<CostInfForm>("CostInfForm");
-  windows.RegisterDialog<CostModelForm>("CostModelForm");
-  windows.RegisterDialog<VOC_HAP_CalcForm>("VOC_HAP_CalcForm");
-  windows.RegisterDialog<MoreDataForm>("MoreDataForm");
-  windows.RegisterDialog<SaveModifiedBatch>("SaveModifiedBatch");
-  windows.RegisterDialog<BatchFormLotNumReminder>("BatchFormLotNumReminder");
-  windows.RegisterDialog<BatchSettingsForm>("BatchSettingsForm");
-  windows.RegisterDialog<RecentBatchesForm>("RecentBatchesForm");
-  windows.Register<ViewBatchForm>("ViewBatchForm");
+  windows.RegisterAll<CostInfForm, CostModelForm, VOC_HAP_CalcForm, MoreDataForm, SaveModifiedBatch,
+                      BatchFormLotNumReminder, BatchSettingsForm, RecentBatchesForm, ViewBatchForm>();
 }
 
 }  // namespace vellumark::desktop

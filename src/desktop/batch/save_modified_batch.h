@@ -17,7 +17,6 @@ class SaveModifiedBatch : public Dialog {
 
  public Q_SLOTS:
   void cmdSave_Click();
-  void cmdCancel_Click() { reject(); }
 
  private:
   const BatchRecord* record_ = nullptr;

@@ -1,7 +1,5 @@
 #include "desktop/batch/view_batch_form.h"
 
-#include <QDateTime>
-#include <QLocale>
 #include <algorithm>
 
 #include "core/base/text.h"
@@ -18,6 +16,7 @@
 #include "desktop/batch/ink_patch.h"
 #include "desktop/kit/icons.h"
 #include "desktop/kit/print_sheet.h"
+#include "desktop/kit/record_fields.h"
 #include "desktop/kit/text.h"
 
 namespace vellumark::desktop {
@@ -25,13 +24,6 @@ namespace {
 
 constexpr int kInkSize = 32;
 constexpr int kFiguresHeight = 384;  // all lines of the costs
-
-QString DateText(const std::optional<DateTime>& date) {
-  if (!date) return QString::fromUtf8("–");
-  return QLocale().toString(
-      QDateTime(QDate(date->year, date->month, date->day), QTime(date->hour, date->minute, date->second)),
-      QLocale::ShortFormat);
-}
 
 const char* MarkOf(LineKind kind) {
   return kind == LineKind::Mix ? "recycled" : kind == LineKind::Basic ? "basic" : "additions";
@@ -149,7 +141,7 @@ void ViewBatchForm::ShowHead() {
   const BatchWork& work = record_->work;
   number_->SetText(BatchNoText(record_->BatchNo));
   complete_->setVisible(record_->Complete);
-  const QString date = DateText(record_->Date_Entered);
+  const QString date = MomentText(record_->Date_Entered);
   entered_->setText(record_->Username.empty() ? tr("entered %1").arg(date)
                                               : tr("entered %1 by %2").arg(date, Q(record_->Username)));
   ink_->Show(InkOf(session, ColorKind::Mix, work.Color_Name));
@@ -169,7 +161,7 @@ void ViewBatchForm::ShowRecipe() {
     TableSource::Cell kind{std::string(LineKindName(row.kind))};
     kind.mark = MarkOf(row.kind);
     TableSource::Cell name(row.name);
-    if (const auto ink = InkOf(session, ColorKindOf(row.kind), row.name)) name.swatch = ColorOf(*ink);
+    name.swatch = InkColor(session, ColorKindOf(row.kind), row.name);
     source->Add({kind, name, Fixed(row.amount, 3), unit});
   }
   rows_->SetSource(source);

@@ -24,7 +24,6 @@ class ViewBatchForm : public Window {
   void cmdFormula_Click();
   void cmdModified_Click();
   void cmdPrint_Click() override;
-  void cmdClose_Click() { Leave(); }
 
  private:
   void BuildHead(Form& form);

@@ -18,7 +18,6 @@ class AdjustFormulaForm : public Dialog {
 
  public Q_SLOTS:
   void cmdOK_Click();
-  void cmdCancel_Click() { reject(); }
   /// Leaves the formula as it is and goes to the window that changes many formulas.
   void cmdDFM_Click();
 

@@ -16,7 +16,6 @@ class BasicColorUsedInMixForm : public Dialog {
 
  public Q_SLOTS:
   void cmdPrint_Click();
-  void cmdClose_Click() { reject(); }
 
  private:
   void View(int row);

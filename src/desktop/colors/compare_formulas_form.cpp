@@ -1,13 +1,12 @@
 #include "desktop/colors/compare_formulas_form.h"
 
-#include <QDate>
-#include <QLocale>
 #include <algorithm>
 
 #include "core/base/number.h"
 #include "core/colors/color_sheets.h"
 #include "desktop/kit/look.h"
 #include "desktop/kit/print_sheet.h"
+#include "desktop/kit/record_fields.h"
 #include "desktop/kit/text.h"
 
 namespace vellumark::desktop {
@@ -76,8 +75,7 @@ void CompareFormulasForm::OnOpen(const Arguments& arguments) {
     modified->Add({shown_.modified[n].name, Fixed(shown_.modified[n].amount, 3), shown_.changes[n]});
   originalRows_->SetSource(original);
   modifiedRows_->SetSource(modified);
-  if (const auto& entered = shown_.Date_Entered)
-    date_->setText(QLocale().toString(QDate(entered->year, entered->month, entered->day), QLocale::ShortFormat));
+  if (shown_.Date_Entered) date_->setText(DateText(shown_.Date_Entered));
 }
 
 void CompareFormulasForm::cmdPrint_Click() {

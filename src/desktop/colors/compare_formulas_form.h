@@ -19,7 +19,6 @@ class CompareFormulasForm : public Dialog {
  public Q_SLOTS:
   void cmdPrint_Click();
   void cmdRevert_Click();
-  void cmdClose_Click() { reject(); }
 
  private:
   FormulaComparison shown_;

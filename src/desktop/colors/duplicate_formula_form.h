@@ -18,7 +18,6 @@ class DuplicateFormulaForm : public Dialog {
 
  public Q_SLOTS:
   void cmdDuplicate_Click();
-  void cmdCancel_Click() { reject(); }
   void cmdClear_Click();
 
  private:

@@ -16,7 +16,6 @@ class NewNameForm : public Dialog {
 
  public Q_SLOTS:
   void cmdSave_Click();
-  void cmdCancel_Click() { reject(); }
 
  protected:
   /// The rename of that kind of colour.

@@ -14,16 +14,9 @@
 namespace vellumark::desktop {
 
 void RegisterColorsWindows(WindowList& windows) {
-  windows.Register<ColorsMenu>("ColorsMenu");
-  windows.Register<BasicColorsForm>("BasicColorsForm");
-  windows.Register<MixColorsForm>("MixColorsForm");
-  windows.RegisterDialog<NewBasicNameForm>("NewBasicNameForm");
-  windows.RegisterDialog<NewMixNameForm>("NewMixNameForm");
-  windows.RegisterDialog<BasicColorUsedInMixForm>("BasicColorUsedInMixForm");
-  windows.RegisterDialog<DuplicateFormulaForm>("DuplicateFormulaForm");
-  windows.RegisterDialog<AdjustFormulaForm>("AdjustFormulaForm");
-  windows.RegisterDialog<CompareFormulasForm>("CompareFormulasForm");
-  windows.RegisterDialog<WhereUsedForm>("WhereUsedForm");
+  windows.RegisterAll<ColorsMenu, BasicColorsForm, MixColorsForm, NewBasicNameForm, NewMixNameForm,
+                      BasicColorUsedInMixForm, DuplicateFormulaForm, AdjustFormulaForm, CompareFormulasForm,
+                      WhereUsedForm>();
 }
 
 }  // namespace vellumark::desktop

@@ -14,9 +14,6 @@ class WhereUsedForm : public Dialog {
   WhereUsedForm(WindowList& windowList, QWidget* owner);
   void OnOpen(const Arguments& arguments) override;
 
- public Q_SLOTS:
-  void cmdClose_Click() { reject(); }
-
  private:
   QLabel* text_;
   Grid* uses_;

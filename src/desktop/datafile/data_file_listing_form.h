@@ -25,7 +25,6 @@ class VKD_File_ListingForm : public Dialog {
 
  public Q_SLOTS:
   void cmdOpen_Click();
-  void cmdCancel_Click() { reject(); }
 
  private:
   void Fill(const FoundDataFiles& found);

@@ -14,7 +14,6 @@ class DeleteDBForm : public Dialog {
 
  public Q_SLOTS:
   void cmdDelete_Click();
-  void cmdCancel_Click() { reject(); }
 
  private:
   CheckListField* databases_;

@@ -20,7 +20,6 @@ class NewDBForm : public Dialog {
 
  public Q_SLOTS:
   void cmdCreate_Click();
-  void cmdCancel_Click() { reject(); }
 
  private:
   void FindGuides(Form& form);

@@ -15,7 +15,6 @@ class OtherDatabasesForm : public Dialog {
 
  public Q_SLOTS:
   void cmdChangeDB_Click();
-  void cmdCancel_Click() { reject(); }
 
  private:
   QLabel* message_;

@@ -32,11 +32,7 @@ void RegisterDatafileWindows(WindowList& windows, StartupWindows& startup, DataF
   windows.RegisterDialog("RenameDataFileForm", [&startup](WindowList& list, QWidget* owner) -> Dialog* {
     return new RenameDataFileForm(list, owner, startup);
   });
-  windows.RegisterDialog<UpdateDataFileForm>("UpdateDataFileForm");
-  windows.RegisterDialog<NewDBForm>("NewDBForm");
-  windows.RegisterDialog<RenameDBForm>("RenameDBForm");
-  windows.RegisterDialog<DeleteDBForm>("DeleteDBForm");
-  windows.RegisterDialog<OtherDatabasesForm>("OtherDatabasesForm");
+  windows.RegisterAll<UpdateDataFileForm, NewDBForm, RenameDBForm, DeleteDBForm, OtherDatabasesForm>();
 }
 
 }  // namespace vellumark::desktop

@@ -16,7 +16,6 @@ class RenameDataFileForm : public Dialog {
 
  public Q_SLOTS:
   void cmdRename_Click();
-  void cmdCancel_Click() { reject(); }
 
  private:
   StartupWindows& startup_;

@@ -13,7 +13,6 @@ class RenameDBForm : public Dialog {
 
  public Q_SLOTS:
   void cmdRename_Click();
-  void cmdCancel_Click() { reject(); }
 
  private:
   TextField* name_;

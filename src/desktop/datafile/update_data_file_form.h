@@ -12,9 +12,6 @@ class UpdateDataFileForm : public Dialog {
   UpdateDataFileForm(WindowList& windowList, QWidget* owner);
   void OnOpen(const Arguments& arguments) override;
 
- public Q_SLOTS:
-  void cmdClose_Click() { reject(); }
-
  private:
   QLabel* file_;
   QLabel* version_;

@@ -24,7 +24,6 @@ class BatchLotInvSelector : public Dialog {
 
  public Q_SLOTS:
   void cmdSave_Click();
-  void cmdCancel_Click() { reject(); }
   void cmdUpdate_Click();
   void cmdClear_Click();
   void DSelAll_Click();

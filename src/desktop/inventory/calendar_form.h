@@ -17,7 +17,6 @@ class CalendarForm : public Dialog {
  public Q_SLOTS:
   void cmdOK_Click();
   void cmdToday_Click();
-  void cmdCancel_Click() { reject(); }
 
  private:
   bool eventFilter(QObject* watched, QEvent* event) override;

@@ -78,23 +78,7 @@ void InventoryPanel::BuildTabs(Form& form) {
 }
 
 std::vector<GridColumn> InventoryPanel::Columns() const {
-  const Session& session = host_.session;
-  const bool prices = session.Perm_Costs != 0;
-  std::vector<GridColumn> columns{
-      GridColumn::Text({}, 32),
-      GridColumn::Text(tr("Lot Number"), 128),
-      GridColumn::Text(tr("Location"), 100),
-      GridColumn::Text(tr("Cont ID Num"), 96),
-      GridColumn::Amount(WithUnit(tr("Quantity"), session.UMI), 128),
-      GridColumn::Text(tr("Date"), 96),
-      GridColumn::Number(PriceCaption(session.UMI), prices ? 96 : 0),
-      GridColumn::Text(tr("Consignment"), 104),
-      GridColumn::Text("IngType", 0),
-  };
-  for (const int column : {LotSource::LotNum, LotSource::Location, LotSource::ContID})
-    columns[static_cast<std::size_t>(column)].sort = GridColumn::Sort::TextNoCase;
-  columns[LotSource::Date].sort = GridColumn::Sort::Number;
-  columns[LotSource::Check].sortable = false;
+  std::vector<GridColumn> columns = source_->Columns();
   columns[LotSource::Check].shown = tabs_ != nullptr && tabs_->currentIndex() == kResetTab;
   return columns;
 }

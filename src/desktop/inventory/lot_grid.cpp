@@ -5,13 +5,15 @@
 #include <QStringListModel>
 #include <QVBoxLayout>
 
-#include "core/base/number.h"
 #include "core/base/units.h"
-#include "core/colors/amounts.h"
-#include "desktop/kit/record_fields.h"
 #include "desktop/kit/text.h"
 
 namespace vellumark::desktop {
+namespace {
+
+constexpr int kCheckWidth = 32;
+
+}  // namespace
 
 QString PriceCaption(int unit) {
   const QString sign = QLocale().currencySymbol();
@@ -91,42 +93,26 @@ void LotSource::Show(const InventoryWork* work) {
   std::erase_if(checked, [this](std::size_t row) { return static_cast<int>(row) >= Rows(); });
 }
 
+std::vector<GridColumn> LotSource::Columns() {
+  Define(InventoryColumns(session_));
+  std::vector<GridColumn> columns = RecordSource::Columns();
+  columns.insert(columns.begin(), GridColumn::Text({}, kCheckWidth));
+  columns.push_back(GridColumn::Text("IngType", 0));
+  for (const Column column : {LotNum, Location, ContID}) columns[column].sort = GridColumn::Sort::TextNoCase;
+  columns[Check].sortable = false;
+  columns[Price].caption = PriceCaption(session_.UMI);
+  if (session_.Perm_Costs == 0) columns[Price].width = 0;
+  return columns;
+}
+
 std::string LotSource::Text(int row, int column) const {
-  const InventoryValues& lot = Values(row);
-  switch (column) {
-    case LotNum:
-      return lot.lotNumber;
-    case Location:
-      return lot.location;
-    case ContID:
-      return lot.contID;
-    case Qty:
-      return Fixed(lot.qty, 3);
-    case Date:
-      return row == 0 ? std::string() : U8(DateText(lot.date));
-    case Price:
-      return AmountText(session_, AmountKey::Currency, lot.price);
-    case Consign:
-      return lot.consignment ? "Yes" : "No";
-    case IngType:
-      return std::to_string(static_cast<int>(work_->kind));
-    default:
-      return {};
-  }
+  if (column == Check || (column == Date && row == 0)) return {};
+  if (column == IngType) return std::to_string(static_cast<int>(work_->kind));
+  return RecordSource::Text(row, column - 1);
 }
 
 double LotSource::Number(int row, int column) const {
-  const InventoryValues& lot = Values(row);
-  switch (column) {
-    case Qty:
-      return static_cast<double>(lot.qty);
-    case Price:
-      return static_cast<double>(lot.price);
-    case Date:
-      return lot.date ? static_cast<double>(lot.date->DayNumber()) : kNoNumber;
-    default:
-      return kNoNumber;
-  }
+  return column == Check || column == IngType ? kNoNumber : RecordSource::Number(row, column - 1);
 }
 
 const char* LotSource::Mark(int row, int column) const {

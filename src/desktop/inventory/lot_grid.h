@@ -6,9 +6,10 @@
 #include <string>
 #include <vector>
 
-#include "core/inventory/adjust.h"
+#include "core/inventory/stock_tables.h"
 #include "desktop/kit/form.h"
 #include "desktop/kit/grid.h"
+#include "desktop/kit/record_source.h"
 
 namespace vellumark::desktop {
 
@@ -42,12 +43,15 @@ class CheckKeys : public QObject {
   std::function<void(int row)> toggle_;
 };
 
-/// The rows of an inventory list, as the working copy has them. The first row stays on top.
-class LotSource : public GridSource {
+/// The rows of an inventory list, as the working copy has them, behind a box to check them. The first row stays on top.
+class LotSource : public RecordSource<InventoryRow> {
  public:
-  enum Column { Check, LotNum, Location, ContID, Qty, Date, Price, Consign, IngType, kColumns };
+  enum Column { Check, LotNum, Location, ContID, Qty, Date, Price, Consign, IngType };
 
-  explicit LotSource(const Session& session) : session_(session) {}
+  explicit LotSource(const Session& session) : RecordSource(InventoryColumns(session)), session_(session) {}
+
+  /// In the units and with the decimals in force.
+  std::vector<GridColumn> Columns();
 
   /// Nothing: no rows. The working copy has to live longer.
   void Show(const InventoryWork* work);
@@ -59,9 +63,10 @@ class LotSource : public GridSource {
   double Number(int row, int column) const override;
   const char* Mark(int row, int column) const override;
 
- private:
-  const InventoryValues& Values(int row) const { return work_->rows.at(static_cast<std::size_t>(row)).now; }
+ protected:
+  const InventoryRow& At(int row) const override { return work_->rows.at(static_cast<std::size_t>(row)); }
 
+ private:
   const Session& session_;
   const InventoryWork* work_ = nullptr;
 };

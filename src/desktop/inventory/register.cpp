@@ -12,14 +12,8 @@
 namespace vellumark::desktop {
 
 void RegisterInventoryWindows(WindowList& windows) {
-  windows.Register<AdjustInventoryForm>("AdjustInventoryForm");
-  windows.Register<AdjustReorderForm>("AdjustReorderForm");
-  windows.Register<StockHistoryForm>("StockHistoryForm");
-  windows.RegisterDialog<ResetInvForm>("ResetInvForm");
-  windows.RegisterDialog<ResetReorderForm>("ResetReorderForm");
-  windows.RegisterDialog<BatchLotInvSelector>("BatchLotInvSelector");
-  windows.RegisterDialog<CalendarForm>("CalendarForm");
-  windows.RegisterDialog<InvLotInstructions>("InvLotInstructions");
+  windows.RegisterAll<AdjustInventoryForm, AdjustReorderForm, StockHistoryForm, ResetInvForm, ResetReorderForm,
+                      BatchLotInvSelector, CalendarForm, InvLotInstructions>();
 }
 
 }  // namespace vellumark::desktop

@@ -14,7 +14,6 @@ class ResetValuesForm : public Dialog {
 
  public Q_SLOTS:
   void cmdSave_Click();
-  void cmdCancel_Click() { reject(); }
 
  protected:
   struct Words {

@@ -7,22 +7,22 @@
 #include <iterator>
 #include <utility>
 
-#include "core/base/number.h"
 #include "core/base/text.h"
-#include "core/base/units.h"
 #include "core/colors/names.h"
 #include "core/inventory/color_stock.h"
 #include "core/inventory/stock_tables.h"
-#include "desktop/inventory/lot_grid.h"
 #include "desktop/kit/icons.h"
 #include "desktop/kit/print_sheet.h"
+#include "desktop/kit/record_source.h"
 #include "desktop/kit/text.h"
 
 namespace vellumark::desktop {
 namespace {
 
-enum Column { When, Who, Event, ColorName, Kind, Lot, Difference, Left, Document, Reason };
+enum Column { When, Who, Event, ColorName, Kind, Lot, Difference, Left, Document, Reason };  // in the order of kShown
 
+const std::vector<std::string_view> kShown{"Date",       "User",   "Source", "Color Name", "Type",
+                                           "Lot Number", "Change", "Result", "Document",   "Reason"};
 constexpr int kLotLength = 30;
 constexpr std::size_t kScreen = 200;  // lines, more than a window shows
 constexpr qint64 kMoment = 20;        // milliseconds
@@ -30,8 +30,10 @@ constexpr qint64 kMoment = 20;        // milliseconds
 }  // namespace
 
 // The latest line first, read as far as it is looked at.
-class StockHistoryForm::Source : public GridSource {
+class StockHistoryForm::Source : public RecordSource<StockLine> {
  public:
+  explicit Source(const Session& session) : RecordSource(HistoryColumns(session), kShown) {}
+
   void Show(std::function<StockHistoryReader()> begin) {
     begin_ = std::move(begin);
     onlyNewer_ = false;
@@ -76,45 +78,15 @@ class StockHistoryForm::Source : public GridSource {
 
   int Rows() const override { return static_cast<int>(lines_.size()); }
   std::string Text(int row, int column) const override {
-    const StockLine& line = lines_.at(static_cast<std::size_t>(row));
-    switch (column) {
-      case When:
-        return line.when.ToText().substr(0, 16);
-      case Who:
-        return line.user;
-      case Event:
-        return std::string(StockEventText(line.event));
-      case ColorName:
-        return line.Color_Name;
-      case Kind:
-        return line.kind == ColorKind::Mix ? "Formula" : "Basic";
-      case Lot:
-        return line.LotRefID == 0 && line.LotNumber.empty() ? std::string(kUnlottedInv) : line.LotNumber;
-      case Difference:
-        return (line.change > 0 ? "+" : "") + Fixed(line.change, 3);
-      case Left:
-        return Fixed(line.result, 3);
-      case Document:
-        return line.document;
-      case Reason:
-        return line.reason;
-      default:
-        return {};
-    }
+    return (column == Difference && At(row).change > 0 ? "+" : "") + RecordSource::Text(row, column);
   }
   double Number(int row, int column) const override {
-    const StockLine& line = lines_.at(static_cast<std::size_t>(row));
-    switch (column) {
-      case When:
-        return static_cast<double>(line.id);  // the order of writing
-      case Difference:
-        return line.change;
-      case Left:
-        return static_cast<double>(line.result);
-      default:
-        return kNoNumber;
-    }
+    if (column == When) return static_cast<double>(At(row).id);  // the order of writing
+    return RecordSource::Number(row, column);
   }
+
+ protected:
+  const StockLine& At(int row) const override { return lines_.at(static_cast<std::size_t>(row)); }
 
  private:
   void Keep(std::vector<StockLine>& piece) {
@@ -150,7 +122,7 @@ class StockHistoryForm::Source : public GridSource {
 };
 
 StockHistoryForm::StockHistoryForm(WindowList& windowList)
-    : Window(windowList, "StockHistoryForm", tr("Stock History")), source_(std::make_shared<Source>()) {
+    : Window(windowList, "StockHistoryForm", tr("Stock History")), source_(std::make_shared<Source>(session)) {
   setWindowIcon(Icon("Inventory"));
   Form form(*this);
   const NameSource names{
@@ -169,19 +141,8 @@ StockHistoryForm::StockHistoryForm(WindowList& windowList)
                          count_ = form.Hint({}, "lblCount")});
   SetDefaultButton(find);
   list_ = form.Table("fgHistory");
-  const QString change = WithUnit(tr("Change"), session.UMI);
-  const QString result = WithUnit(tr("In stock"), session.UMI);
-  std::vector<GridColumn> columns{GridColumn::Number(tr("When"), 136),
-                                  GridColumn::Text(tr("User"), 80).Choosable(),
-                                  GridColumn::Text(tr("Event"), 144),
-                                  GridColumn::Text(tr("Color Name"), 160),
-                                  GridColumn::Text(tr("Type"), 72).Choosable(),
-                                  GridColumn::Text(tr("Lot Number"), 112),
-                                  GridColumn::Amount(change, 120),
-                                  GridColumn::Amount(result, 120),
-                                  GridColumn::Text(tr("Document"), 88).Choosable(),
-                                  GridColumn::Text(tr("Reason"), 192).Choosable()};
-  columns[When].right = false;
+  std::vector<GridColumn> columns = source_->Columns();
+  for (const int column : {Who, Kind, Document, Reason}) columns[static_cast<std::size_t>(column)].choosable = true;
   list_->SetColumns(std::move(columns));
   list_->ShowFilter(tr("Filter"));
   list_->SetEmptyText(tr("No stock has moved"));

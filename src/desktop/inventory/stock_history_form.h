@@ -24,7 +24,6 @@ class StockHistoryForm : public Window {
   void cmdFind_Click();
   void cmdClear_Click();
   void cmdPrint_Click() override;
-  void cmdClose_Click() { Leave(); }
 
  private:
   class Source;

@@ -1,7 +1,7 @@
 #include "desktop/kit/record_fields.h"
 
 #include <QApplication>
-#include <QDate>
+#include <QDateTime>
 #include <QLocale>
 #include <QMetaMethod>
 #include <algorithm>
@@ -43,6 +43,13 @@ void Put(CheckField& field, bool checked, bool keepTyped) {
 QString DateText(const std::optional<DateTime>& date) {
   if (!date) return QString::fromUtf8("–");
   return QLocale().toString(QDate(date->year, date->month, date->day), QLocale::ShortFormat);
+}
+
+QString MomentText(const std::optional<DateTime>& date) {
+  if (!date) return QString::fromUtf8("–");
+  return QLocale().toString(
+      QDateTime(QDate(date->year, date->month, date->day), QTime(date->hour, date->minute, date->second)),
+      QLocale::ShortFormat);
 }
 
 NameSource NamesOnFile(const Session& session, NameKind kind) {

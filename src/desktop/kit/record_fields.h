@@ -22,6 +22,8 @@ void Put(CheckField& field, bool checked, bool keepTyped);
 
 /// As the locale writes it; a dash when there is none.
 QString DateText(const std::optional<DateTime>& date);
+/// The same with the time of day.
+QString MomentText(const std::optional<DateTime>& date);
 
 /// Names of the current Database, asked for one by one.
 NameSource NamesOnFile(const Session& session, NameKind kind);

@@ -14,7 +14,7 @@ namespace vellumark::desktop {
 /// A child window of the main window. Its name is the system's name of the window, under which others open it.
 ///
 /// The commands that the main window passes on are the slots below; each exists in a window that has a button of the
-/// same role. Escape closes.
+/// same role. Escape closes, as does a button cmdClose.
 class Window : public QWidget, public FormHost {
   Q_OBJECT
 
@@ -37,6 +37,7 @@ class Window : public QWidget, public FormHost {
   virtual void cmdSave_Click() {}
   virtual void cmdDelete_Click() {}
   virtual void cmdPrint_Click() {}
+  void cmdClose_Click() { Leave(); }
 
  protected:
   void closeEvent(QCloseEvent* event) override;
@@ -47,7 +48,8 @@ class Window : public QWidget, public FormHost {
   Stands stands_;
 };
 
-/// A modal window. Escape and its close button cancel, after asking MayClose. Its size is remembered.
+/// A modal window. Escape, its close button and a button cmdCancel or cmdClose cancel, after asking MayClose. Its size
+/// is remembered.
 class Dialog : public QDialog, public FormHost {
   Q_OBJECT
 
@@ -63,6 +65,10 @@ class Dialog : public QDialog, public FormHost {
 
   void accept() override;
   void reject() override;
+
+ public Q_SLOTS:
+  void cmdCancel_Click() { reject(); }
+  void cmdClose_Click() { reject(); }
 
  protected:
   void closeEvent(QCloseEvent* event) override;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QDialog>
 #include <QObject>
 #include <QPointer>
 #include <QTimer>
@@ -12,6 +13,7 @@
 #include <string>
 #include <string_view>
 #include <tuple>
+#include <type_traits>
 #include <utility>
 #include <vector>
 
@@ -70,6 +72,11 @@ class WindowList : public QObject {
   void RegisterDialog(const std::string& name) {
     RegisterDialog(name, [](WindowList& list, QWidget* owner) -> Dialog* { return new D(list, owner); });
   }
+  /// Windows and dialogs under the names of their classes.
+  template <class... W>
+  void RegisterAll() {
+    (RegisterOne<W>(), ...);
+  }
   /// True when a window or a dialog of that name can be opened.
   bool Knows(const std::string& name) const;
   /// All of them.
@@ -109,6 +116,15 @@ class WindowList : public QObject {
   void OpenFormsChanged();
 
  private:
+  template <class W>
+  void RegisterOne() {
+    const std::string name = W::staticMetaObject.className();
+    const std::string own = name.substr(name.rfind(':') + 1);
+    if constexpr (std::is_base_of_v<QDialog, W>)
+      RegisterDialog<W>(own);
+    else
+      Register<W>(own);
+  }
   struct Open {
     QPointer<QObject> object;
     FormHost* host;

@@ -39,7 +39,6 @@ class PrintBoxForm : public Dialog {
  public Q_SLOTS:
   void cmdPrint_Click();
   void cmdPDF_Click();
-  void cmdCancel_Click() { reject(); }
   void cmdPreviousPage_Click();
   void cmdNextPage_Click();
 

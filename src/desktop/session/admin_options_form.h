@@ -19,7 +19,6 @@ class AdminOptionsForm : public Dialog {
   void cmdModifyUser_Click() { Run("ModifyUserForm"); }
   void cmdDeleteUser_Click() { Run("DeleteUserForm"); }
   void cmdDisableUsernames_Click();
-  void cmdClose_Click() { reject(); }
 
  private:
   bool PasswordIsRight();

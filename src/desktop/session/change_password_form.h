@@ -14,7 +14,6 @@ class ChangePasswordForm : public Dialog {
 
  public Q_SLOTS:
   void cmdOK_Click();
-  void cmdCancel_Click() { reject(); }
 
  private:
   TextField* current_;

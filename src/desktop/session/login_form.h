@@ -15,7 +15,6 @@ class LoginForm : public Dialog {
 
  public Q_SLOTS:
   void cmdOK_Click();
-  void cmdCancel_Click() { reject(); }
 
  private:
   UserBox* username_;

@@ -16,7 +16,6 @@ class ModifyUserForm : public Dialog {
 
  public Q_SLOTS:
   void cmdSave_Click();
-  void cmdCancel_Click() { reject(); }
 
  private:
   void ChooseUser();

@@ -14,7 +14,6 @@ class NewAdminForm : public Dialog {
 
  public Q_SLOTS:
   void cmdOK_Click();
-  void cmdCancel_Click() { reject(); }
 
  private:
   TextField* username_;

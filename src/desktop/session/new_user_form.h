@@ -15,7 +15,6 @@ class NewUserForm : public Dialog {
 
  public Q_SLOTS:
   void cmdSave_Click();
-  void cmdCancel_Click() { reject(); }
 
  private:
   TextField* username_;

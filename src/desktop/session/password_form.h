@@ -15,7 +15,6 @@ class PasswordForm : public Dialog {
 
  public Q_SLOTS:
   void cmdOK_Click();
-  void cmdCancel_Click() { reject(); }
 
  private:
   ValueField* username_;

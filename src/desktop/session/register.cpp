@@ -14,15 +14,8 @@
 namespace vellumark::desktop {
 
 void RegisterSessionWindows(WindowList& windows) {
-  windows.RegisterDialog<LoginForm>("LoginForm");
-  windows.RegisterDialog<PasswordForm>("PasswordForm");
-  windows.RegisterDialog<NewAdminForm>("NewAdminForm");
-  windows.RegisterDialog<AdminOptionsForm>("AdminOptionsForm");
-  windows.RegisterDialog<NewUserForm>("NewUserForm");
-  windows.RegisterDialog<ModifyUserForm>("ModifyUserForm");
-  windows.RegisterDialog<DeleteUserForm>("DeleteUserForm");
-  windows.RegisterDialog<ChangePasswordForm>("ChangePasswordForm");
-  windows.RegisterDialog<ViewPermissionsForm>("ViewPermissionsForm");
+  windows.RegisterAll<LoginForm, PasswordForm, NewAdminForm, AdminOptionsForm, NewUserForm, ModifyUserForm,
+                      DeleteUserForm, ChangePasswordForm, ViewPermissionsForm>();
 }
 
 }  // namespace vellumark::desktop

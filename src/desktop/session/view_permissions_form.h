@@ -10,9 +10,6 @@ class ViewPermissionsForm : public Dialog {
 
  public:
   ViewPermissionsForm(WindowList& windowList, QWidget* owner);
-
- public Q_SLOTS:
-  void cmdClose_Click() { reject(); }
 };
 
 }  // namespace vellumark::desktop

@@ -17,7 +17,6 @@ class DefaultCostModelForm : public Dialog {
 
  public Q_SLOTS:
   void cmdOK_Click();
-  void cmdCancel_Click() { reject(); }
 
  private:
   std::optional<CostModelPanel> model_;
@@ -32,7 +31,6 @@ class VOC_HAP_OptMenu : public Dialog {
 
  public Q_SLOTS:
   void cmdOK_Click();
-  void cmdCancel_Click() { reject(); }
 
  private:
   std::optional<EmissionModelPanel> model_;

@@ -14,7 +14,6 @@ class Default_Printer : public Dialog {
 
  public Q_SLOTS:
   void cmdSave_Click();
-  void cmdCancel_Click() { reject(); }
 
  private:
   void ShowSample();

@@ -13,7 +13,6 @@ class OptionMaxNameLen : public Dialog {
 
  public Q_SLOTS:
   void cmdSave_Click();
-  void cmdCancel_Click() { reject(); }
 
  private:
   TextField* length_;

@@ -21,15 +21,8 @@ void RegisterSettingsWindows(WindowList& windows, const PrinterSource& printers)
   windows.RegisterDialog("Default_Printer", [printers](WindowList& list, QWidget* owner) -> Dialog* {
     return new Default_Printer(list, owner, printers());
   });
-  windows.RegisterDialog<RemindersForm>("RemindersForm");
-  windows.RegisterDialog<UMSettingForm>("UMSettingForm");
-  windows.RegisterDialog<UnitCostAccuracyForm>("UnitCostAccuracyForm");
-  windows.RegisterDialog<DefaultCostModelForm>("DefaultCostModelForm");
-  windows.RegisterDialog<VOC_HAP_OptMenu>("VOC_HAP_OptMenu");
-  windows.RegisterDialog<OptionMaxNameLen>("OptionMaxNameLen");
-  windows.RegisterDialog<AutofillForm>("AutofillForm");
-  windows.RegisterDialog<ProductSplashFormPantone>("ProductSplashFormPantone");
-  windows.RegisterDialog<AboutForm>("AboutForm");
+  windows.RegisterAll<RemindersForm, UMSettingForm, UnitCostAccuracyForm, DefaultCostModelForm, VOC_HAP_OptMenu,
+                      OptionMaxNameLen, AutofillForm, ProductSplashFormPantone, AboutForm>();
 }
 
 }  // namespace vellumark::desktop

@@ -14,7 +14,6 @@ class RemindersForm : public Dialog {
 
  public Q_SLOTS:
   void cmdOK_Click();
-  void cmdCancel_Click() { reject(); }
   void cmdBrowse_Click();
   /// Reads the drives anew; a folder that is gone gives way to the default.
   void cmdRefresh_Click();

@@ -17,7 +17,6 @@ class UMSettingForm : public Dialog {
 
  public Q_SLOTS:
   void cmdSave_Click();
-  void cmdCancel_Click() { reject(); }
 
  private:
   std::optional<InventorySettingsPanel> settings_;

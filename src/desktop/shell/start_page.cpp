@@ -7,12 +7,11 @@
 #include <QTableWidget>
 #include <QVBoxLayout>
 
-#include "core/base/number.h"
-#include "core/base/units.h"
 #include "core/datafile/databases.h"
-#include "core/inventory/stock_list.h"
+#include "core/inventory/stock_tables.h"
 #include "desktop/kit/icons.h"
 #include "desktop/kit/look.h"
+#include "desktop/kit/record_source.h"
 #include "desktop/kit/text.h"
 #include "desktop/kit/window.h"
 
@@ -31,13 +30,6 @@ QIcon Swatch(const LowStock& color) {
   painter.setBrush(QColor(color.Red, color.Green, color.Blue));
   painter.drawRoundedRect(QRectF(2.5, 2.5, 27, 27), 5, 5);
   return QIcon(pixmap);
-}
-
-QTableWidgetItem* Amount(float value, const QFont& font) {
-  auto* item = new QTableWidgetItem(Q(Fixed(value, 3)));
-  item->setTextAlignment(Qt::AlignRight | Qt::AlignVCenter);
-  item->setFont(font);
-  return item;
 }
 
 }  // namespace
@@ -142,36 +134,44 @@ void StartPage::OpenStock(QTableWidgetItem* activated) {
 }
 
 void StartPage::ShowLowStock() {
-  const std::vector<LowStock> low = ColorsBelowReorder(session_);
+  std::vector<LowStock> low = ColorsBelowReorder(session_);
   lowNone_->setVisible(low.empty());
   low_->setVisible(!low.empty());
-  const QString unit = Q(UnitName(session_.UMI));
-  low_->setHorizontalHeaderLabels(
-      {tr("Color Name"), tr("Color Type"), tr("In stock (%1)").arg(unit), tr("Reorder (%1)").arg(unit)});
-  for (int column : {2, 3}) low_->horizontalHeaderItem(column)->setTextAlignment(Qt::AlignRight | Qt::AlignVCenter);
-  for (int column : {0, 1}) low_->horizontalHeaderItem(column)->setTextAlignment(Qt::AlignLeft | Qt::AlignVCenter);
+  RecordRows<LowStock> source(LowStockColumns(session_));
+  const std::vector<GridColumn> columns = source.Columns();
+  const auto across = [&](std::size_t column) {
+    return (columns[column].right ? Qt::AlignRight : Qt::AlignLeft) | Qt::AlignVCenter;
+  };
+  for (std::size_t column = 0; column < columns.size(); ++column) {
+    auto* heading = new QTableWidgetItem(columns[column].caption);
+    heading->setTextAlignment(across(column));
+    low_->setHorizontalHeaderItem(static_cast<int>(column), heading);
+  }
   const int shown = static_cast<int>(std::min<std::size_t>(low.size(), kMostShown));
   // Columns that fit their content would be measured anew with every cell that is filled in.
   low_->horizontalHeader()->setSectionResizeMode(QHeaderView::Fixed);
   low_->setRowCount(shown);
-  const QFont figures = Look::Figures(1.4);
+  source.rows = std::move(low);
   for (int row = 0; row < shown; ++row) {
-    const LowStock& color = low[static_cast<std::size_t>(row)];
-    auto* name = new QTableWidgetItem(Swatch(color), Q(color.Color_Name));
+    for (std::size_t column = 0; column < columns.size(); ++column) {
+      auto* cell = new QTableWidgetItem(Q(source.Text(row, static_cast<int>(column))));
+      cell->setTextAlignment(across(column));
+      if (columns[column].scale > 1) cell->setFont(Look::Figures(columns[column].scale));
+      low_->setItem(row, static_cast<int>(column), cell);
+    }
+    QTableWidgetItem* name = low_->item(row, 0);
+    const LowStock& color = source.At(row);
+    name->setIcon(Swatch(color));
     name->setData(kKindRole, static_cast<int>(color.kind));
-    low_->setItem(row, 0, name);
-    low_->setItem(row, 1,
-                  new QTableWidgetItem(color.kind == ColorKind::Mix ? tr("Master Formula") : tr("Basic / Additive")));
-    low_->setItem(row, 2, Amount(color.total, figures));
-    low_->setItem(row, 3, Amount(color.Reorder, figures));
+    low_->item(row, 1)->setText(color.kind == ColorKind::Mix ? tr("Master Formula") : tr("Basic / Additive"));
   }
   low_->horizontalHeader()->setSectionResizeMode(0, QHeaderView::Stretch);
   for (int column = 1; column < 4; ++column) low_->resizeColumnToContents(column);
   // As tall as its rows, and no empty frame below them.
   low_->setMaximumHeight(low_->horizontalHeader()->sizeHint().height() + shown * space::kRowHeight +
                          2 * low_->frameWidth() + space::kTight);
-  lowHeading_->setText(shown < static_cast<int>(low.size())
-                           ? tr("Colors under their reorder point (the first %1 of %2)").arg(shown).arg(low.size())
+  lowHeading_->setText(shown < source.Rows()
+                           ? tr("Colors under their reorder point (the first %1 of %2)").arg(shown).arg(source.Rows())
                            : tr("Colors under their reorder point"));
 }
 

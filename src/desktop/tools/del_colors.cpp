@@ -1,7 +1,5 @@
 #include "desktop/tools/del_colors.h"
 
-#include <QLocale>
-
 #include "core/base/number.h"
 #include "core/base/text.h"
 #include "core/base/units.h"
@@ -10,20 +8,12 @@
 #include "core/colors/bulk_delete.h"
 #include "core/colors/formulas.h"
 #include "core/inventory/lots.h"
+#include "desktop/kit/record_fields.h"
 #include "desktop/kit/text.h"
 #include "desktop/tools/color_selection.h"
 #include "desktop/tools/tool_parts.h"
 
 namespace vellumark::desktop {
-namespace {
-
-QString DateText(const std::optional<DateTime>& date) {
-  if (!date) return QString::fromUtf8("–");
-  return QLocale().toString(QDate(date->year, date->month, date->day), QLocale::ShortFormat);
-}
-
-}  // namespace
-
 DBDelColors::DBDelColors(WindowList& windowList) : Window(windowList, "DBDelColors", tr(" Delete Master Formulas")) {
   Form form(*this);
   TwoSides sides = Sides(*this, form);

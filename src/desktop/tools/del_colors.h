@@ -19,7 +19,6 @@ class DBDelColors : public Window {
 
  public Q_SLOTS:
   void cmdDelete_Click() override;
-  void cmdClose_Click() { Leave(); }
 
  private:
   void BuildFormula(Form& form);

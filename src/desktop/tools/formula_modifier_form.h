@@ -26,7 +26,6 @@ class DBFormulaModifierForm : public Window {
  public Q_SLOTS:
   void cmdPreview_Click();
   void cmdSave_Click() override;
-  void cmdClose_Click() { Leave(); }
 
  private:
   struct LineFields {

@@ -15,7 +15,6 @@ class NewAdditiveNameForm : public Dialog {
 
  public Q_SLOTS:
   void cmdSave_Click();
-  void cmdCancel_Click() { reject(); }
 
  private:
   ValueField* oldName_;

@@ -11,16 +11,9 @@
 namespace vellumark::desktop {
 
 void RegisterToolsWindows(WindowList& windows) {
-  windows.Register<DBToolsMenu>("DBToolsMenu");
-  windows.Register<DBAdditiveControl>("DBAdditiveControl");
-  windows.Register<DBFormulaModifierForm>("DBFormulaModifierForm");
-  windows.Register<DBRenameColors>("DBRenameColors");
-  windows.Register<DBDelColors>("DBDelColors");
-  windows.RegisterDialog<NewAdditiveNameForm>("NewAdditiveNameForm");
-  windows.RegisterDialog<ResetBasicCostForm>("ResetBasicCostForm");
-  windows.RegisterDialog<ResetMixCostForm>("ResetMixCostForm");
-  windows.RegisterDialog<ResetBasic_VOC_HAP_Form>("ResetBasic_VOC_HAP_Form");
-  windows.RegisterDialog<ResetMixColor_VOC_HAP>("ResetMixColor_VOC_HAP");
+  windows.RegisterAll<DBToolsMenu, DBAdditiveControl, DBFormulaModifierForm, DBRenameColors, DBDelColors,
+                      NewAdditiveNameForm, ResetBasicCostForm, ResetMixCostForm, ResetBasic_VOC_HAP_Form,
+                      ResetMixColor_VOC_HAP>();
 }
 
 }  // namespace vellumark::desktop

@@ -24,7 +24,6 @@ class DBRenameColors : public Window {
  public Q_SLOTS:
   void cmdPreview_Click();
   void cmdSave_Click() override;
-  void cmdClose_Click() { Leave(); }
 
  private:
   void BuildRule(Form& form);

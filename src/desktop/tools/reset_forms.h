@@ -17,7 +17,6 @@ class ResetBasicCostForm : public Dialog {
 
  public Q_SLOTS:
   void cmdOK_Click();
-  void cmdCancel_Click() { reject(); }
 
  private:
   CheckField* chosen_;
@@ -35,7 +34,6 @@ class ResetMixCostForm : public Dialog {
 
  public Q_SLOTS:
   void cmdOK_Click();
-  void cmdCancel_Click() { reject(); }
 
  private:
   RadioField* way_;
@@ -53,7 +51,6 @@ class ResetEmissionsForm : public Dialog {
 
  public Q_SLOTS:
   void cmdOK_Click();
-  void cmdCancel_Click() { reject(); }
 
  protected:
   struct Names {
