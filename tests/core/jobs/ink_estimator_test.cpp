@@ -76,7 +76,7 @@ TEST_F(EstimatorTest, AMileageThatIsChangedLeavesWhatWasDelivered) {
   ASSERT_TRUE(SetMileage(session, 7, 3, "500000"));
   EXPECT_EQ(Mileage(session, 7, 3), 500000);
   EXPECT_EQ(DefaultMileage(session, 7, 3), 425000);
-  EXPECT_EQ(GetSupportValue(session, "InkEstD73") + GetSupportValue(session, "InkEstA73"), "425000500000");
+  EXPECT_EQ(StoredText(session, "InkEstD73") + StoredText(session, "InkEstA73"), "425000500000");
   // One that was spoilt by hand is not divided by.
   Setting("InkEstA00", "0");
   EXPECT_EQ(Mileage(session, 0, 0), 300000);
