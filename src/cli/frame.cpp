@@ -68,6 +68,11 @@ void Commands::Add(CLI::App* verb, Needs needsOfVerb, Action action) {
 
 CLI::Option* Commands::AddPrinting(CLI::App* verb) {
   auto* out = verb->add_option("--out", print.out, "Print it into this PDF")->type_name("FILE.pdf")->check(IsPdfName);
+  AddPaper(verb, out, print);
+  return out;
+}
+
+void AddPaper(CLI::App* verb, CLI::Option* out, PrintWish& print) {
   verb->add_option("--paper", print.paper.paper, "A4 or Letter")
       ->check(CLI::IsMember({"A4", "Letter"}, CLI::ignore_case))
       ->needs(out);
@@ -75,7 +80,6 @@ CLI::Option* Commands::AddPrinting(CLI::App* verb) {
   verb->add_option("--font", print.paper.fontPercent, "Size of its text in percent, 60 to 100")
       ->check(CLI::Range(60, 100))
       ->needs(out);
-  return out;
 }
 
 void Commands::AddList(CLI::App* verb, Needs needsOfVerb, std::string title, Action action) {

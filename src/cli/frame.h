@@ -89,6 +89,9 @@ class Commands {
   PrintWish print;
 };
 
+/// The options of the pages that `out` asks for.
+void AddPaper(CLI::App* verb, CLI::Option* out, PrintWish& print);
+
 /// The noun's App under `app`, with its help.
 CLI::App* AddNoun(CLI::App& app, const std::string& name, const std::string& description);
 

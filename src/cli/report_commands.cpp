@@ -3,11 +3,12 @@
 #include <memory>
 
 #include "cli/frame.h"
+#include "cli/seams.h"
 #include "core/base/files.h"
 #include "core/base/text.h"
-#include "core/reports/build.h"
 #include "core/reports/catalogue.h"
-#include "core/reports/report_text.h"
+#include "core/reports/export.h"
+#include "core/reports/saved_reports.h"
 
 namespace vellumark::cli {
 namespace {
@@ -30,20 +31,41 @@ struct RunOptions {
   std::string sort;
   std::string then;
   bool descending = false;
-  std::string out;
+  std::string filter;
+  std::string saved;
+  std::string name;  // to be saved under
+  PrintWish print;
+  bool noHeadings = false;
+  bool noData = false;
+  bool noTotals = false;
+  std::vector<std::string> order;
+};
+
+// A report of the catalogue, or one that is saved: then its caption is the name that it is saved under.
+struct ListedReport {
+  const ReportDefinition* report = nullptr;
+  std::string saved{};
 };
 
 Result<Json> ListReports(Context& context) {
-  using Row = ReportDefinition;
-  return context.Answer(TableOf<Row>()
-                            .Add("Key", &Row::key)
-                            .Add("Group", &Row::group)
-                            .Add("Caption", &Row::caption)
-                            .Add("Window", &Row::window)
-                            .Add("Prefix", &Row::prefix)
-                            .Add("Description", &Row::description)
-                            .Show({"Key", "Group", "Caption"})
-                            .Of(ReportCatalogue()));
+  using Row = ListedReport;
+  std::vector<Row> rows;
+  for (const ReportDefinition& report : ReportCatalogue()) rows.push_back({&report});
+  for (const SavedReport& saved : ReadSavedReports(context.session))
+    rows.push_back({FindReport(saved.key), saved.name});
+  const auto text = [](std::string ReportDefinition::*field) {
+    return [field](const Row& row) { return row.report->*field; };
+  };
+  return context.Answer(
+      TableOf<Row>()
+          .Add("Key", text(&ReportDefinition::key))
+          .Add("Group", [](const Row& row) { return row.saved.empty() ? row.report->group : "Saved Reports"; })
+          .Add("Caption", [](const Row& row) { return row.saved.empty() ? row.report->caption : row.saved; })
+          .Add("Window", text(&ReportDefinition::window))
+          .Add("Prefix", text(&ReportDefinition::prefix))
+          .Add("Description", text(&ReportDefinition::description))
+          .Show({"Key", "Group", "Caption"})
+          .Of(std::move(rows)));
 }
 
 std::string ReportNames() {
@@ -61,15 +83,7 @@ Result<std::optional<DateTime>> DateOf(const std::string& typed, const char* fie
 
 Result<ReportRequest> RequestOf(const RunOptions& options) {
   ReportRequest request;
-  if (!options.range.empty()) {
-    request.range = FindDateRange(options.range);
-    if (!request.range) {
-      std::string names;
-      for (const std::string_view name : DateRangeNames()) names += (names.empty() ? "" : ", ") + std::string(name);
-      return Refuse("Date Range", fmt::format("{} is no range of dates, which are {}.", options.range, names),
-                    "cmbDateRange");
-    }
-  }
+  request.rangeName = options.range;
   const auto from = DateOf(options.from, "CalFrom");
   if (!from) return std::unexpected(from.error());
   const auto to = DateOf(options.to, "CalTo");
@@ -143,6 +157,11 @@ Json RowJson(const BuiltReport& report, const std::function<const TableValue&(st
   return row;
 }
 
+// Of what the report counts, or of the rows that its filter leaves.
+std::int64_t CountOf(const BuiltReport& report) {
+  return report.order.size() == report.Rows() ? report.count : static_cast<std::int64_t>(report.order.size());
+}
+
 Json ReportJson(const BuiltReport& report) {
   Json columns = Json::array();
   for (const std::size_t column : report.shown)
@@ -159,14 +178,14 @@ Json ReportJson(const BuiltReport& report) {
     if (!totals.empty() && totals.front().is_null()) totals.front() = report.totals;
   }
   Json answer{{"Title", report.FullTitle()}, {"Columns", std::move(columns)}, {"Rows", std::move(rows)},
-              {"Totals", std::move(totals)}, {"Count", report.count},         {"Complete", report.complete}};
+              {"Totals", std::move(totals)}, {"Count", CountOf(report)},      {"Complete", report.complete}};
   if (!report.complete) answer["Warning"] = report.warning;
   return answer;
 }
 
 std::string ReportLines(const BuiltReport& report) {
   std::string text =
-      report.FullTitle() + "\n\n" + TableText(report.Table()) + fmt::format("\n{} {}\n", report.count, report.noun);
+      report.FullTitle() + "\n\n" + TableText(report.Table()) + fmt::format("\n{} {}\n", CountOf(report), report.noun);
   if (!report.complete) text += "INCOMPLETE: " + report.warning + "\n";
   return text;
 }
@@ -176,75 +195,245 @@ bool EndsWith(const std::string& name, std::string_view extension) {
          EqualNoCase(std::string_view(name).substr(name.size() - extension.size()), extension);
 }
 
-Json WriteReport(Context& context, const ReportDefinition& definition, const BuiltReport& report,
-                 const std::string& out) {
+Result<ExportOptions> ExportOptionsOf(const Session& session, const ReportDefinition& definition,
+                                      const RunOptions& options, const std::vector<TableColumn>& columns) {
+  ExportOptions wanted = ReadExportOptions(session, definition);
+  wanted.format = EndsWith(options.print.out, ".xlsx") ? ExportFormat::Spreadsheet : ExportFormat::Text;
+  wanted.headings = wanted.headings && !options.noHeadings;
+  wanted.data = wanted.data && !options.noData;
+  wanted.totals = wanted.totals && !options.noTotals;
+  for (const std::string& name : options.order)
+    if (const auto column = ColumnOf(columns, name); !column) return std::unexpected(column.error());
+  if (!options.order.empty()) wanted.order = options.order;
+  return wanted;
+}
+
+Result<Json> WriteReport(Context& context, const ReportDefinition& definition, const BuiltReport& report,
+                         const RunOptions& options) {
+  const std::string& out = options.print.out;
   const std::string path = fs::absolute(out).string();
   if (EndsWith(out, ".pdf")) {
-    const Sheet sheet = Sheet::Of(report.FullTitle(), report.Table());
-    const int pages = paper::PrintToFile(context.session, sheet, {}, out);
-    return {{"File", path}, {"Pages", pages}, {"Complete", report.complete}};
+    const int pages = paper::PrintToFile(context.session, ReportSheet(report), options.print.paper, out);
+    if (pages == 0) return Refuse("Print", "Nothing was printed.");
+    return Json{{"File", path}, {"Pages", pages}, {"Complete", report.complete}};
   }
-  ReplaceFile(path, ReportText(report, ReadExportOptions(context.session, definition)));
-  return {{"File", path}, {"Count", report.count}, {"Complete", report.complete}};
+  const auto wanted = ExportOptionsOf(context.session, definition, options, report.columns);
+  if (!wanted) return std::unexpected(wanted.error());
+  if (const auto written = ExportReport(report, *wanted, path); !written) return std::unexpected(written.error());
+  return Json{{"File", path}, {"Count", CountOf(report)}, {"Complete", report.complete}};
+}
+
+// What the command line says goes before what is saved.
+void TakeOver(ReportRequest& request, const ReportRequest& saved) {
+  const auto text = [](std::string& mine, const std::string& theirs) {
+    if (mine.empty()) mine = theirs;
+  };
+  if (request.rangeName.empty() && !request.from && !request.to) {
+    request.rangeName = saved.rangeName;
+    request.from = saved.from;
+    request.to = saved.to;
+  }
+  if (request.color.empty()) request.kind = request.kind ? request.kind : saved.kind;
+  text(request.color, saved.color);
+  text(request.design, saved.design);
+  text(request.job, saved.job);
+  text(request.user, saved.user);
+  if (request.databases.empty()) request.databases = saved.databases;
+  request.options.insert(request.options.begin(), saved.options.begin(), saved.options.end());
+}
+
+// What is to be run: the report, what is asked of it, and the saved one behind it.
+struct Order {
+  const ReportDefinition* definition = nullptr;
+  ReportRequest request{};
+  std::optional<SavedReport> saved{};
+};
+
+Result<Order> OrderOf(const Context& context, const RunOptions& options) {
+  Order order;
+  if (!options.saved.empty()) {
+    order.saved = FindSavedReport(context.session, options.saved);
+    if (!order.saved) return Refuse("Saved Report", fmt::format("There is no saved report {}.", options.saved), "Name");
+  }
+  const std::string& key = order.saved ? order.saved->key : options.key;
+  order.definition = FindReport(key);
+  if (order.definition == nullptr)
+    return Refuse("Report Not Found", fmt::format("There is no report {}. There are {}.", key, ReportNames()), "Key");
+  auto request = RequestOf(options);
+  if (!request) return std::unexpected(request.error());
+  order.request = *std::move(request);
+  if (order.saved) TakeOver(order.request, order.saved->request);
+  return order;
+}
+
+// The report with columns, order and filter as they were saved and asked for.
+Result<BuiltReport> BuildOrder(Context& context, const Order& order, const RunOptions& options) {
+  ReportWatch watch(context.session.progress);
+  const auto prepared = PrepareReport(context.session, *order.definition, order.request, watch);
+  if (!prepared) return std::unexpected(prepared.error());
+  const std::vector<TableColumn> columns = ReportColumns(*prepared);
+  if (order.saved)
+    if (const auto lost = LostColumns(*order.saved, columns); !lost.empty())
+      return Refuse("Saved Report", LostColumnsText(order.saved->name, lost), "Columns");
+  const auto wish = WishOf(options, columns);
+  if (!wish) return std::unexpected(wish.error());
+  BuiltReport report = BuildReport(*prepared);
+  if (order.saved) Arrange(report, *order.saved);
+  if (!wish->shown.empty()) report.shown = wish->shown;
+  if (!options.filter.empty()) report.filter = options.filter;
+  SortReport(report, wish->sort.value_or(report.sort));
+  if (!report.complete) context.exitStatus = ExitFailed;
+  if (!report.notice.empty() && wish->shown.empty() && !order.saved) WriteError(report.notice + "\n");
+  return report;
 }
 
 Result<Json> RunReport(Context& context, const RunOptions& options) {
-  const ReportDefinition* definition = FindReport(options.key);
-  if (definition == nullptr)
-    return Refuse("Report Not Found", fmt::format("There is no report {}. There are {}.", options.key, ReportNames()),
-                  "Key");
-  const auto request = RequestOf(options);
-  if (!request) return std::unexpected(request.error());
-  ReportWatch watch(context.session.progress);
-  const auto prepared = PrepareReport(context.session, *definition, *request, watch);
-  if (!prepared) return std::unexpected(prepared.error());
-  const auto wish = WishOf(options, ReportColumns(*prepared));
-  if (!wish) return std::unexpected(wish.error());
-  BuiltReport report = BuildReport(*prepared);
-  if (!wish->shown.empty()) report.shown = wish->shown;
-  if (wish->sort) SortReport(report, *wish->sort);
-  if (!report.complete) context.exitStatus = ExitFailed;
-  if (!options.out.empty()) return WriteReport(context, *definition, report, options.out);
-  if (context.json) return ReportJson(report);
-  context.text = ReportLines(report);
+  const auto order = OrderOf(context, options);
+  if (!order) return std::unexpected(order.error());
+  const auto report = BuildOrder(context, *order, options);
+  if (!report) return std::unexpected(report.error());
+  if (!options.print.out.empty()) return WriteReport(context, *order->definition, *report, options);
+  if (context.json) return ReportJson(*report);
+  context.text = ReportLines(*report);
   return Json();
 }
 
-std::string IsReportFile(const std::string& name) {
-  return EndsWith(name, ".txt") || EndsWith(name, ".pdf") ? "" : name + " does not end with .txt or .pdf";
+Result<Json> StoreReport(Context& context, const RunOptions& options) {
+  const auto order = OrderOf(context, options);
+  if (!order) return std::unexpected(order.error());
+  const auto report = BuildOrder(context, *order, options);
+  if (!report) return std::unexpected(report.error());
+  const SavedReport saved = SavedFrom(options.name, *order->definition, order->request, *report);
+  if (const auto stored = SaveReport(context.session, saved); !stored) return std::unexpected(stored.error());
+  return Json{{"Name", Trim(options.name)}, {"Report", saved.key}, {"Columns", saved.columns}};
 }
 
-void AddRun(CLI::App* noun, Commands& commands) {
-  auto options = std::make_shared<RunOptions>();
-  CLI::App* run = noun->add_subcommand("run", "A report of the list, with its totals");
-  run->add_option("KEY", options->key, "Its key or window")->required()->check(NotEmpty);
-  run->add_option("--range", options->range, "Range of dates by name, \"Month To Date\"")
+std::string IsReportFile(const std::string& name) {
+  for (const char* extension : {".txt", ".xlsx", ".pdf"})
+    if (EndsWith(name, extension)) return "";
+  return name + " does not end with .txt, .xlsx or .pdf";
+}
+
+void AddQuestion(CLI::App* verb, RunOptions& options) {
+  verb->add_option("--range", options.range, "Range of dates by name, \"Month To Date\"")
       ->type_name("NAME")
       ->check(NotEmpty);
-  run->add_option("--from", options->from, "First day")->type_name("DATE")->check(NotEmpty);
-  run->add_option("--to", options->to, "Last day")->type_name("DATE")->check(NotEmpty);
-  run->add_option("--color", options->color, "The color it is about")->type_name("NAME")->check(NotEmpty);
-  run->add_option("--kind", options->kind, "Which one of that name")->check(CLI::IsMember({"basic", "formula"}));
-  run->add_option("--design", options->design, "The Design it is about")->type_name("ID")->check(NotEmpty);
-  run->add_option("--job", options->job, "The Job it is about")->type_name("NO")->check(NotEmpty);
-  run->add_option("--made-by", options->user, "Only Batches of this user")->type_name("NAME")->check(NotEmpty);
-  OneEachTime(run->add_option("--databases", options->databases, "A Database to read, where they can be chosen"))
+  verb->add_option("--from", options.from, "First day")->type_name("DATE")->check(NotEmpty);
+  verb->add_option("--to", options.to, "Last day")->type_name("DATE")->check(NotEmpty);
+  verb->add_option("--color", options.color, "The color it is about")->type_name("NAME")->check(NotEmpty);
+  verb->add_option("--kind", options.kind, "Which one of that name")->check(CLI::IsMember({"basic", "formula"}));
+  verb->add_option("--design", options.design, "The Design it is about")->type_name("ID")->check(NotEmpty);
+  verb->add_option("--job", options.job, "The Job it is about")->type_name("NO")->check(NotEmpty);
+  verb->add_option("--made-by", options.user, "Only Batches of this user")->type_name("NAME")->check(NotEmpty);
+  OneEachTime(verb->add_option("--databases", options.databases, "A Database to read, where they can be chosen"))
       ->type_name("NAME")
       ->check(NotEmpty);
-  OneEachTime(run->add_option("--set", options->options, "An option of the report"))->type_name("OPTION=VALUE");
-  run->add_option("--columns", options->columns, "Columns by caption, or \"all\"")
+  OneEachTime(verb->add_option("--set", options.options, "An option of the report"))->type_name("OPTION=VALUE");
+  verb->add_option("--columns", options.columns, "Columns by caption, or \"all\"")
       ->type_name("CAPTION")
       ->check(NotEmpty);
-  auto* sort = run->add_option("--sort", options->sort, "Sorted by this column")->type_name("CAPTION")->check(NotEmpty);
-  run->add_option("--then", options->then, "By this one where the first is equal")
+  auto* sort = verb->add_option("--sort", options.sort, "Sorted by this column")->type_name("CAPTION")->check(NotEmpty);
+  verb->add_option("--then", options.then, "By this one where the first is equal")
       ->type_name("CAPTION")
       ->check(NotEmpty)
       ->needs(sort);
-  run->add_flag("--desc", options->descending, "The largest first")->needs(sort);
-  run->add_option("--out", options->out, "Write it into this file, as tabbed text or on pages")
-      ->type_name("FILE.txt, .pdf")
-      ->check(IsReportFile);
-  commands.Add(run, Needs::File, [options](Context& context) { return RunReport(context, *options); });
+  verb->add_flag("--desc", options.descending, "The largest first")->needs(sort);
+  verb->add_option("--filter", options.filter, "Only rows in which each of these words stands")->check(NotEmpty);
+}
+
+void AddSource(CLI::App* verb, RunOptions& options) {
+  CLI::Option_group* which = verb->add_option_group("Report");
+  which->add_option("KEY", options.key, "Its key or window")->check(NotEmpty);
+  which->add_option("--saved", options.saved, "The report that is saved under this name")
+      ->type_name("NAME")
+      ->check(NotEmpty);
+  which->require_option(1);
+  AddQuestion(verb, options);
+}
+
+CLI::Option* AddFile(CLI::App* verb, RunOptions& options) {
+  auto* out =
+      verb->add_option("--out", options.print.out, "Write it into this file: as tabbed text, spreadsheet, pages")
+          ->type_name("FILE.txt, .xlsx, .pdf")
+          ->check(IsReportFile);
+  AddPaper(verb, out, options.print);
+  return out;
+}
+
+void AddRuns(CLI::App* noun, Commands& commands) {
+  auto run = std::make_shared<RunOptions>();
+  CLI::App* verb = noun->add_subcommand("run", "A report of the list, with its totals");
+  AddSource(verb, *run);
+  AddFile(verb, *run);
+  commands.Add(verb, Needs::File, [run](Context& context) { return RunReport(context, *run); });
+
+  auto file = std::make_shared<RunOptions>();
+  verb = noun->add_subcommand("export", "A report as a file");
+  AddSource(verb, *file);
+  AddFile(verb, *file)->required();
+  verb->add_flag("--no-headings", file->noHeadings, "Without the line of captions");
+  verb->add_flag("--no-data", file->noData, "Without the rows");
+  verb->add_flag("--no-totals", file->noTotals, "Without the totals");
+  verb->add_option("--order", file->order, "Order of the columns, by caption; the others are left out")
+      ->type_name("CAPTION")
+      ->check(NotEmpty);
+  commands.Add(verb, Needs::File, [file](Context& context) { return RunReport(context, *file); });
+
+  auto saved = std::make_shared<RunOptions>();
+  verb = noun->add_subcommand("save", "Keeps a report with what is asked of it under a name");
+  verb->add_option("NAME", saved->name, "To be run by with --saved")->required()->check(NotEmpty);
+  verb->add_option("KEY", saved->key, "Key or window of the report")->required()->check(NotEmpty);
+  AddQuestion(verb, *saved);
+  commands.Add(verb, Needs::File, [saved](Context& context) { return StoreReport(context, *saved); });
+
+  auto name = std::make_shared<std::string>();
+  verb = noun->add_subcommand("delete", "A saved report");
+  verb->add_option("NAME", *name, "That it is saved under")->required()->check(NotEmpty);
+  commands.Add(verb, Needs::Nothing, [name](Context& context) -> Result<Json> {
+    if (const auto gone = DeleteSavedReport(context.session, *name); !gone) return std::unexpected(gone.error());
+    return Json{{"Deleted", *name}};
+  });
+}
+
+Result<Json> ListRanges(Context& context) {
+  return context.Answer(TableOf<NamedRange>()
+                            .Add("Name", &NamedRange::name)
+                            .Add("From", [](const NamedRange& range) { return range.dates.from; })
+                            .Add("To", [](const NamedRange& range) { return range.dates.to; })
+                            .Of(ReadCustomRanges(context.session)));
+}
+
+struct RangeOptions {
+  std::string name;
+  std::string from;
+  std::string to;
+  bool remove = false;
+};
+
+Result<Json> StoreRange(Context& context, const RangeOptions& options) {
+  if (options.remove) {
+    if (const auto gone = DeleteCustomRange(context.session, options.name); !gone) return std::unexpected(gone.error());
+    return Json{{"Deleted", options.name}};
+  }
+  const auto from = DateOf(options.from, "CalFrom");
+  const auto to = DateOf(options.to, "CalTo");
+  if (!from || !to) return std::unexpected(from ? to.error() : from.error());
+  if (!*from || !*to) return Refuse("Custom Date Range", "A custom range needs a From and a To date.", "CalFrom");
+  if (const auto kept = SaveCustomRange(context.session, {options.name, {**from, **to}}); !kept)
+    return std::unexpected(kept.error());
+  return ListRanges(context);
+}
+
+void AddRanges(CLI::App* noun, Commands& commands) {
+  commands.AddList(noun->add_subcommand("ranges", "The ranges of dates that are saved under names"), Needs::Nothing,
+                   "Ranges of Dates", ListRanges);
+  auto options = std::make_shared<RangeOptions>();
+  CLI::App* verb = noun->add_subcommand("range", "Saves a range of dates under a name, or deletes one");
+  verb->add_option("NAME", options->name, "To be asked for by with --range")->required()->check(NotEmpty);
+  auto* remove = verb->add_flag("--delete", options->remove, "It is not wanted any more");
+  verb->add_option("--from", options->from, "First day")->type_name("DATE")->check(NotEmpty)->excludes(remove);
+  verb->add_option("--to", options->to, "Last day")->type_name("DATE")->check(NotEmpty)->excludes(remove);
+  commands.Add(verb, Needs::Nothing, [options](Context& context) { return StoreRange(context, *options); });
 }
 
 }  // namespace
@@ -252,7 +441,8 @@ void AddRun(CLI::App* noun, Commands& commands) {
 void AddReportCommands(CLI::App& app, Commands& commands) {
   CLI::App* noun = AddNoun(app, "report", "What was made, used, issued and stocked");
   commands.AddList(noun->add_subcommand("list", "The reports there are"), Needs::Nothing, "Reports", ListReports);
-  AddRun(noun, commands);
+  AddRuns(noun, commands);
+  AddRanges(noun, commands);
 }
 
 }  // namespace vellumark::cli

@@ -4,6 +4,7 @@
 
 #include "core/datafile/engine.h"
 #include "support/cli_run.h"
+#include "support/pdf_text.h"
 
 namespace vellumark {
 namespace {
@@ -12,8 +13,8 @@ using nlohmann::ordered_json;
 
 struct ReportShop : test::CliRoom {
   ReportShop() : path(MakeFile()) {
-    Json({"color", "add", "RED", "PurchaseCost=4", "Inventory=500"});
-    Json({"color", "add", "WHITE", "PurchaseCost=2", "Inventory=500"});
+    Json({"--today", "2026-02-01", "color", "add", "RED", "PurchaseCost=4", "Inventory=500"});
+    Json({"--today", "2026-02-01", "color", "add", "WHITE", "PurchaseCost=2", "Inventory=500"});
     Json({"formula", "add", "PINK", "RED=25", "WHITE=75"});
     for (const char* day : {"2026-03-01", "2026-03-02"})
       Json({"--today", day, "--yes", "batch", "save", "--formula", "PINK", "--quantity", "10"});
@@ -24,7 +25,7 @@ struct ReportShop : test::CliRoom {
 TEST(CliReport, ListsAndRunsReports) {
   const ReportShop shop;
   const ordered_json list = shop.Json({"report", "list"});
-  ASSERT_EQ(list.size(), 33U);
+  ASSERT_EQ(list.size(), 35U);
   EXPECT_EQ(list[0]["Key"], "AllColorsThisDB");
   EXPECT_EQ(list[11]["Window"], "ProductionForm");
 
@@ -65,6 +66,71 @@ TEST(CliReport, ListsAndRunsReports) {
   EXPECT_EQ(status({"report", "run", "InventoryForm", "--out", (shop.folder / "none/x.txt").string()}), 4);
 }
 
+TEST(CliReport, SavesReportsAndRangesAndWritesFiles) {
+  const ReportShop shop;
+  const auto text = [&](std::vector<std::string> words) {
+    const test::CliAnswer answer = shop.Run(words);
+    EXPECT_EQ(answer.status, 0) << answer.err;
+    return answer.out;
+  };
+  shop.Json({"report", "range", "Opening days", "--from", "2026-03-02", "--to", "2026-03-31"});
+  EXPECT_EQ(shop.Json({"report", "ranges"})[0]["Name"], "Opening days");
+  shop.Json({"report", "save", "Month's end", "ProductionForm", "--color", "PINK", "--range", "Opening days",
+             "--columns", "Batch Number", "Quantity", "--sort", "Quantity", "--then", "Batch Number", "--desc"});
+  const ordered_json list = shop.Json({"report", "list"});
+  EXPECT_EQ(list.back()["Group"], "Saved Reports");
+  EXPECT_EQ(list.back()["Caption"], "Month's end");
+  EXPECT_EQ(list.back()["Window"], "ProductionForm");
+  const ordered_json run = shop.Json({"report", "run", "--saved", "month's END"});
+  EXPECT_EQ(run["Rows"], ordered_json::parse(R"([["PINK",2,10]])"));
+  EXPECT_EQ(shop.Json({"report", "run", "--saved", "Month's end", "--range", "All Dates"})["Count"], 2);
+
+  const std::string folder = (shop.folder / ".").string();
+  text({"report", "export", "--saved", "Month's end", "--no-headings", "--order", "Quantity", "Color Name", "--out",
+        folder + "/made.txt"});
+  EXPECT_EQ(ReadFileBytes(folder + "/made.txt"), "10.000\tPINK\r\n10.000\tTotals\r\n");
+  text({"report", "run", "--saved", "Month's end", "--out", folder + "/made.xlsx"});
+  EXPECT_EQ(ReadFileBytes(folder + "/made.xlsx", 4), "PK\x03\x04");
+  text({"report", "run", "ProductionForm", "--color", "PINK", "--columns", "all", "--out", folder + "/wide.pdf",
+        "--landscape", "--font", "60", "--answer", "Spread Report over Multiple Pages?=yes"});
+  EXPECT_EQ(ReadFileBytes(folder + "/wide.pdf", 4), "%PDF");
+
+  const auto status = [&](const std::vector<std::string>& wrong) { return shop.Run(wrong).status; };
+  EXPECT_EQ(status({"report", "run"}), 2);
+  EXPECT_EQ(status({"report", "run", "ProductionForm", "--saved", "Month's end"}), 2);
+  EXPECT_EQ(status({"report", "run", "--saved", "No Such"}), 1);
+  EXPECT_EQ(status({"report", "run", "InventoryForm", "--out", folder + "/x.mdb"}), 2);
+  EXPECT_EQ(status({"report", "range", "X", "--from", "2026-03-02"}), 1);
+  shop.Json({"settings", "set", "SavedReport0", "|Name=Month's end||Report=InventoryThisDB||Column=Gone||Sort=Lost|"});
+  const test::CliAnswer lost = shop.Run({"report", "run", "--saved", "Month's end"});
+  EXPECT_EQ(lost.status, 1);
+  EXPECT_NE(lost.err.find("The columns that are saved for Month's end name what it does not have: Gone, Lost."),
+            std::string::npos)
+      << lost.err;
+  shop.Json({"report", "delete", "Month's end"});
+  EXPECT_EQ(shop.Json({"report", "list"}).size(), 35U);
+}
+
+TEST(CliReport, TakesEveryOption) {
+  const ReportShop shop;
+  shop.Json({"db", "create", "WEB"});
+  const auto rows = [&](std::vector<std::string> words) { return shop.Json(words)["Rows"]; };
+  EXPECT_EQ(rows({"report", "run", "InventoryDetailAllDBs", "--databases", "WEB"}).size(), 0U);
+  const ordered_json both =
+      rows({"report", "run", "InventoryReportsForm", "--databases", "INK", "--databases", "WEB", "--set", "ShowMixes=0",
+            "--sort", "Inventory", "--then", "Color Name", "--desc", "--columns", "Inventory"});
+  EXPECT_EQ(both, ordered_json::parse(R"([["RED",495],["WHITE",485]])"));
+  EXPECT_EQ(
+      rows({"report", "run", "BatchListForm", "--from", "2026-03-01", "--to", "2026-03-31", "--made-by", "NOBODY"})
+          .size(),
+      0U);
+  EXPECT_EQ(rows({"report", "run", "InventoryForm", "--filter", "whi", "--columns", "Inventory"}),
+            ordered_json::parse(R"([["WHITE",485]])"));
+  const ordered_json past = shop.Json({"--today", "2026-03-10", "report", "run", "InventoryAsOf", "--from",
+                                       "2026-03-01", "--to", "2026-03-01", "--columns", "Inventory"});
+  EXPECT_EQ(past["Rows"], ordered_json::parse(R"([["PINK",10],["RED",497.5],["WHITE",492.5]])"));
+}
+
 TEST(CliReport, TellsOfWhatIsCutByItsStatus) {
   const ReportShop shop;
   // Enough Batches for more cells than a report holds.
@@ -80,7 +146,16 @@ TEST(CliReport, TellsOfWhatIsCutByItsStatus) {
   const ordered_json report = cut.Json();
   EXPECT_EQ(report["Complete"], false);
   EXPECT_TRUE(report["Title"].get<std::string>().ends_with("INCOMPLETE"));
-  EXPECT_EQ(report["Rows"].size(), 9198U) << "of 38 cells";
+  EXPECT_EQ(report["Rows"].size(), 9197U) << "of 38 cells";
+  const std::string pdf = (shop.folder / "cut.pdf").string();
+  for (const char* file : {"cut.pdf", "cut.txt", "cut.xlsx"})
+    EXPECT_EQ(shop.Run({"--today", "2026-03-10", "report", "run", "ProductionForm", "--color", "PINK", "--out",
+                        (shop.folder / file).string()})
+                  .status,
+              4)
+        << file;
+  EXPECT_NE(RunTool("pdftotext " + pdf + " -").find("INCOMPLETE"), std::string::npos);
+  EXPECT_TRUE(ReadFileBytes(shop.folder / "cut.txt").ends_with("INCOMPLETE\r\n"));
   const test::CliAnswer found = shop.Run(
       {"--json", "find", "batch", "--where", "Batch ID #", "<=", "2", "--where", "Color Name", "contains", "ink"});
   ASSERT_EQ(found.status, 0) << found.err;

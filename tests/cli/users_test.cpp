@@ -129,6 +129,33 @@ TEST(CliUsers, RightsHoldOnTheCommandLine) {
     EXPECT_EQ(room.As("ANNA", "A", verb).err, "Permission Denied: ANNA, you do not have permission to change Users.\n");
 }
 
+TEST(CliUsers, CostsAreHiddenFromReportsFilesAndSearches) {
+  const UserFile room;
+  room.Add("ANNA", "a");
+  EXPECT_EQ(room.AsBoss({"color", "add", "BLUE", "PurchaseCost=7", "Inventory=3"}).status, 0);
+  const std::string file = (room.folder / "stock.txt").string();
+  const auto report = [&](const char* user, const char* password) {
+    const std::vector<std::string> run{"report",    "run",       "InventoryForm", "--columns",
+                                       "Inventory", "Unit Cost", "Total Cost"};
+    std::vector<std::string> words = run;
+    words.insert(words.end(), {"--out", file});
+    EXPECT_EQ(room.As(user, password, words).status, 0);
+    words = run;
+    words.insert(words.begin(), "--json");
+    const auto answer = room.As(user, password, words).Json();
+    return answer["Rows"].dump() + answer["Totals"].dump() + ReadFileBytes(file);
+  };
+  EXPECT_EQ(report("boss", "ink 1"),
+            "[[\"BLUE\",3,7,21]][\"Totals\",3,null,21]Color Name\tInventory\tUnit Cost\tTotal Cost\r\n"
+            "BLUE\t3.000\t7.00\t21.00\r\nTotals\t3.000\t\t21.00\r\n");
+  EXPECT_EQ(report("ANNA", "a"),
+            "[[\"BLUE\",3,null,null]][\"Totals\",3,null,null]Color Name\tInventory\tUnit Cost\tTotal Cost\r\n"
+            "BLUE\t3.000\t\t\r\nTotals\t3.000\t\t\r\n");
+  const std::vector<std::string> find{"find", "basic", "--where", "Purchase Cost", "=", "7"};
+  EXPECT_EQ(room.AsBoss(find).status, 0);
+  EXPECT_EQ(room.As("ANNA", "a", find).status, 1);
+}
+
 TEST(CliUsers, UsersAreListedChangedAndRemoved) {
   const UserFile room;
   room.Add("ANNA", "a");

@@ -10,6 +10,8 @@
 #include "core/base/progress_run.h"
 #include "core/base/text.h"
 #include "core/base/units.h"
+#include "core/colors/rollup.h"
+#include "core/datafile/stock_history.h"
 #include "core/reports/find_color.h"
 
 namespace vellumark {
@@ -41,10 +43,29 @@ class BuiltRow final : public TableRow {
   const std::vector<std::size_t>& columns_;
 };
 
+// The rows in which each of the words stands.
+std::vector<std::size_t> RowsWith(const BuiltReport& report, std::string_view text) {
+  std::vector<std::string_view> words = Split(text, ' ');
+  std::erase(words, std::string_view());
+  std::vector<std::size_t> rows;
+  std::string line;
+  for (std::size_t row = 0; row < report.Rows(); ++row) {
+    if (!words.empty()) {
+      line.clear();
+      for (const std::size_t column : report.shown)
+        line += CellText(report.columns[column], report.Cell(row, column)) + '\n';
+    }
+    if (std::ranges::all_of(words, [&](std::string_view word) { return FindNoCase(line, word) != std::string::npos; }))
+      rows.push_back(row);
+  }
+  return rows;
+}
+
 void ReadRows(const ReportContext& context, const ListTable& table, BuiltReport& report) {
   const bool hidesCosts = context.session.Perm_Costs == 0;
   table.read([&](const TableRow& row) {
-    if (report.Rows() * report.columns.size() > kMostReportCells) {
+    // The captions are a row too.
+    if ((report.Rows() + 1) * report.columns.size() > kMostReportCells) {
       report.complete = false;
       report.warningTitle = "Incomplete Report";
       report.warning =
@@ -92,13 +113,16 @@ std::string TitleOf(const ReportContext& context) {
   if (const auto by = context.options.find("DateQuery"); by != context.options.end())
     title += by->second == 1 ? " - Date Completed" : " - Date Entered";
   if (const std::string subject = SubjectOf(context); !subject.empty()) title += "  -  " + subject;
-  if (!report.dateRangeKey.empty())
+  if (report.asOf)
+    title += fmt::format("  -  As of {}", context.dates.to.DateText());
+  else if (!report.dateRangeKey.empty())
     title += fmt::format("  -  From {} To {}", context.dates.from.DateText(), context.dates.to.DateText());
   return title;
 }
 
 Result<DateRange> DatesOf(const Session& session, const ReportDefinition& report, const ReportRequest& request) {
   const bool custom = request.from || request.to || request.range == kCustomRange;
+  if (!custom && !request.range && !request.rangeName.empty()) return RangeNamed(session, request.rangeName);
   if (!custom) return RangeOf(request.range.value_or(ReadDateRange(session, report)), ReportToday(session));
   if (!request.from || !request.to)
     return Refuse("Custom Date Range", "A custom range needs a From and a To date.",
@@ -113,6 +137,17 @@ Result<std::vector<std::string>> DatabasesOf(const Session& session, const Repor
   if (report.scope == ReportScope::Current) return std::vector{session.CurrentDatabase};
   if (report.scope == ReportScope::All || request.databases.empty()) return session.databaseList;
   return NamedDatabases(session, request.databases, "lstDatabases");
+}
+
+// What the history can tell of: nothing in a file that was made before there was one, and no day before it began.
+Result<void> RequireHistory(const Session& session, const DateRange& dates) {
+  Database& file = session.File();
+  if (!HasStockHistory(file)) return Refuse("Stock History", "This Data File has no stock history.");
+  const auto began = file.Scalar(fmt::format("SELECT MIN(Moment) FROM {}", kStockHistoryTable)).Date();
+  if (began && dates.to < began->Midnight())
+    return Refuse("Stock History", fmt::format("The stock history of this Data File begins on {}.", began->DateText()),
+                  "CalTo");
+  return {};
 }
 
 Result<void> TakeOptions(ReportContext& context, const ReportRequest& request) {
@@ -198,13 +233,23 @@ std::vector<TableValue> BuiltReport::Totals() const {
   TableTotals sums(all);
   std::vector<std::size_t> every(columns.size());
   std::iota(every.begin(), every.end(), std::size_t{0});
-  for (std::size_t row = 0; row < Rows(); ++row) sums.Add(BuiltRow(*this, row, every));
+  const bool filtered = order.size() != Rows();
+  if (filtered)
+    for (TableColumn& column : all.columns)
+      if (column.totalIs) column.totalIs = TableValue();
+  for (const std::size_t row : order) sums.Add(BuiltRow(*this, row, every));
   std::vector<TableValue> values;
   for (std::size_t i = 0; i < columns.size(); ++i) values.push_back(totals.empty() ? TableValue() : sums.Of(i));
   return values;
 }
 
-Result<void> RequireReport(const Session& session, const ReportDefinition& report) {
+Result<void> RequireReport(const Session& session, const ReportDefinition& report, bool batchInEdit) {
+  if (report.edits && batchInEdit)
+    return Refuse("Batch Window - Formula in State of Edit.",
+                  "The Batch Window is open and has a recipe on screen.\nAny attempt to change data using this Report "
+                  "can impact the Batch Window.\nSave && Clear the information on the Batch Window before using this "
+                  "Report.",
+                  "BatchForm");
   if (report.usesLots && session.InvLotTracking != 1)
     return Refuse("Lotted Inv. Deactivated", "Lotted Inv must be turned on\n\nto create this report.");
   return {};
@@ -217,6 +262,8 @@ Result<ReportContext> PrepareReport(Session& session, const ReportDefinition& re
   const auto dates = DatesOf(session, report, request);
   if (!dates) return std::unexpected(dates.error());
   context.dates = *dates;
+  if (report.usesHistory)
+    if (const auto told = RequireHistory(session, context.dates); !told) return std::unexpected(told.error());
   auto databases = DatabasesOf(session, report, request);
   if (!databases) return std::unexpected(databases.error());
   context.databases = *std::move(databases);
@@ -254,6 +301,7 @@ std::vector<TableColumn> ReportColumns(const ReportContext& context) {
 }
 
 BuiltReport BuildReport(const ReportContext& context) {
+  RunPendingPassesOrTell(context.session);
   BuiltReport report;
   const ProgressRun run(context.session.progress, "Building Report ...");
   const ListTable table = context.report.table(context);
@@ -262,15 +310,21 @@ BuiltReport BuildReport(const ReportContext& context) {
   report.columns = ReportColumns(context);
   if (std::ranges::any_of(report.columns, &TableColumn::HasTotal)) report.totals = "Totals";
   report.shown = ReadShownColumns(context.session, context.report, report.columns);
+  if (const auto lost = LostColumns(context.session, context.report, report.columns); !lost.empty())
+    report.notice = LostColumnsText(context.report.caption, lost);
   ReadRows(context, table, report);
   SortReport(report, ReadReportSort(context.session, context.report, report.columns.size()));
   return report;
 }
 
+void FilterReport(BuiltReport& report, std::string_view words) {
+  report.filter = std::string(words);
+  SortReport(report, report.sort);
+}
+
 void SortReport(BuiltReport& report, const ReportSort& sort) {
   report.sort = sort;
-  report.order.resize(report.Rows());
-  std::iota(report.order.begin(), report.order.end(), std::size_t{0});
+  report.order = RowsWith(report, report.filter);
   const auto compare = [&](std::size_t a, std::size_t b, std::size_t column, bool descending) {
     const int order = CompareCells(report.Cell(a, column), report.Cell(b, column), TextOrder::ExactCase);
     return descending ? -order : order;

@@ -16,6 +16,7 @@ const std::vector<ReportDefinition>& ReportCatalogue() {
     AddAdditionReports(reports);
     AddBatchListReports(reports);
     AddJobReports(reports);
+    AddStockHistoryReports(reports);
     return reports;
   }();
   return catalogue;

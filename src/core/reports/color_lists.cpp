@@ -216,7 +216,8 @@ void AddColorReports(std::vector<ReportDefinition>& catalogue) {
                       exporting,
        .dateRangeKey = "ColorListDateRange",
        .options = ListOptions(),
-       .table = Details});
+       .table = Details,
+       .edits = true});
   catalogue.push_back(
       {.key = "AllColorsAllDBs",
        .group = "Basic && Formula Details",
@@ -231,7 +232,8 @@ void AddColorReports(std::vector<ReportDefinition>& catalogue) {
        .dateRangeKey = "ColorListDateRange",
        .scope = ReportScope::All,
        .options = ListOptions(),
-       .table = Details});
+       .table = Details,
+       .edits = true});
   catalogue.push_back({.key = "BasicColorCost",
                        .group = "Basics / Additives",
                        .caption = "Costs",

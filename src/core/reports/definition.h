@@ -90,8 +90,10 @@ struct ReportDefinition {
   std::vector<ReportOption> options = {};
   /// A row of totals follows when any column has a total.
   std::function<ListTable(const ReportContext& context)> table = {};
-  bool edits = false;     ///< has cells that are edited in place
-  bool usesLots = false;  ///< refused while Lotted Inventory is off
+  bool edits = false;        ///< has cells that are edited in place
+  bool usesLots = false;     ///< refused while Lotted Inventory is off
+  bool usesHistory = false;  ///< refused where there is no stock history of its days
+  bool asOf = false;         ///< tells of the last day of its range alone
 };
 
 }  // namespace vellumark

@@ -16,5 +16,6 @@ void AddConsumptionReports(std::vector<ReportDefinition>& catalogue);
 void AddAdditionReports(std::vector<ReportDefinition>& catalogue);
 void AddBatchListReports(std::vector<ReportDefinition>& catalogue);
 void AddJobReports(std::vector<ReportDefinition>& catalogue);
+void AddStockHistoryReports(std::vector<ReportDefinition>& catalogue);
 
 }  // namespace vellumark

@@ -364,7 +364,7 @@ Result<FindAnswer> Find(Session& session, const FindRequest& request) {
     const bool goesOn = Search(session, request.subject, database, tests, request.any)
                             .Run(
                                 [&](FoundRow row) {
-                                  answer.complete = rows->size() * shape.columns.size() <= kMostReportCells;
+                                  answer.complete = (rows->size() + 1) * shape.columns.size() <= kMostReportCells;
                                   if (answer.complete) rows->push_back(std::move(row));
                                   return answer.complete;
                                 },

@@ -125,7 +125,8 @@ void AddRecycleReports(std::vector<ReportDefinition>& catalogue) {
        .options = {{"Type", "0 what the color can be made of, 1 what can be made of it"},
                    {"InvOnly", "1 lists only colors in inventory"},
                    {"RecyclableOnly", "1 lists only recyclable colors"}},
-       .table = RecycleList});
+       .table = RecycleList,
+       .edits = true});
 }
 
 }  // namespace vellumark

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <array>
+#include <set>
 #include <utility>
 
 #include "core/base/number.h"
@@ -53,6 +54,19 @@ std::string WidthKey(const ReportDefinition& report, std::size_t column) {
   if (report.prefix == "ColorListDB" && column == 16) return "ColorListColWidth16";
   if (report.prefix == "SumConsumption" && column == 155) return "SumConsumptionColWidth15";
   return fmt::format("{}ColWidth{}", report.prefix, column);
+}
+
+// Of the summaries of all Databases: that of the report about one colour.
+std::string OrderKey(const ReportDefinition& report) {
+  std::string window = report.window;
+  if (window == "ProductionSummaryForm") window = "ProductionColorNameSummaryForm";
+  if (window == "ConsumptionSummaryForm") window = "ConsumptionColorNameSummaryForm";
+  return window + "_UDHeader";
+}
+
+// One name for all columns of the recipe.
+bool MeansRecipe(std::string_view name) {
+  return EqualNoCase(name, "Formula");
 }
 
 std::optional<std::size_t> FindExactly(const std::vector<TableColumn>& columns, std::string_view name) {
@@ -119,12 +133,13 @@ std::string JoinColumnSet(const std::vector<std::string>& names) {
 
 std::vector<std::size_t> ReadShownColumns(const Session& session, const ReportDefinition& report,
                                           const std::vector<TableColumn>& columns) {
-  std::vector<bool> chosen(columns.size());
+  // Where nobody chose yet, all of them.
+  const std::string set = Text(session, Key(report, "Columns"));
+  std::vector<bool> chosen(columns.size(), set.empty());
   if (!columns.empty()) chosen[0] = true;
-  for (const std::string& name : SplitColumnSet(Text(session, Key(report, "Columns")))) {
+  for (const std::string& name : SplitColumnSet(set)) {
     if (const auto found = FindReportColumn(columns, name)) chosen[*found] = true;
-    // One name for all columns of the recipe.
-    if (EqualNoCase(name, "Formula"))
+    if (MeansRecipe(name))
       for (std::size_t i = 0; i < columns.size(); ++i)
         chosen[i] = chosen[i] || columns[i].key.starts_with("BC") || columns[i].key.starts_with("BQ");
   }
@@ -134,11 +149,26 @@ std::vector<std::size_t> ReadShownColumns(const Session& session, const ReportDe
   return shown;
 }
 
+std::vector<std::string> LostColumns(const Session& session, const ReportDefinition& report,
+                                     const std::vector<TableColumn>& columns) {
+  std::vector<std::string> lost;
+  for (const std::string& name : SplitColumnSet(Text(session, Key(report, "Columns"))))
+    if (!MeansRecipe(name) && !FindReportColumn(columns, name)) lost.push_back(name);
+  return lost;
+}
+
+std::string LostColumnsText(std::string_view set, const std::vector<std::string>& names) {
+  std::string all;
+  for (const std::string& name : names) all += (all.empty() ? "" : ", ") + name;
+  return fmt::format("The columns that are saved for {} name what it does not have: {}.", set, all);
+}
+
 void SaveShownColumns(Session& session, const ReportDefinition& report, const std::vector<TableColumn>& columns,
                       const std::vector<std::size_t>& shown) {
   std::vector<std::string> names;
   for (const std::size_t column : shown)
     if (column != 0) names.push_back(columns[column].key);
+  if (names.empty() && !columns.empty()) names.push_back(columns.front().key);
   Write(session, Key(report, "Columns"), JoinColumnSet(names));
 }
 
@@ -172,6 +202,14 @@ void ReadColumnWidths(const Session& session, const ReportDefinition& report, st
   }
 }
 
+void SaveColumnWidths(Session& session, const ReportDefinition& report, const std::vector<TableColumn>& columns,
+                      const std::vector<std::size_t>& shown) {
+  std::vector<SettingText> widths;
+  for (const std::size_t column : shown)
+    widths.push_back(kKept.Of(WidthKey(report, column)).To(std::to_string(columns[column].width)));
+  StoreSettings(session, widths);
+}
+
 int ReadDateRange(const Session& session, const ReportDefinition& report) {
   if (report.dateRangeKey.empty()) return 0;
   const int place = Whole(session, report.dateRangeKey, 6);
@@ -192,13 +230,46 @@ void SaveReportOption(Session& session, const ReportDefinition& report, const Re
 }
 
 ExportOptions ReadExportOptions(const Session& session, const ReportDefinition& report) {
-  const auto key = [&](const char* word) { return report.window + "_" + word; };
+  const std::string& window = report.window;
   ExportOptions options;
-  options.headings = Whole(session, key("IncHeading"), 1) != 0;
-  options.data = Whole(session, key("IncData"), 1) != 0;
-  options.totals = Whole(session, key("IncTotals"), 1) != 0;
-  if (Whole(session, key("UDH_Setting"), 0) == 1) options.order = SplitColumnSet(Text(session, key("UDHeader")));
+  options.headings = Whole(session, window + "_IncHeading", 1) != 0;
+  options.data = Whole(session, window + "_IncData", 1) != 0;
+  options.totals = Whole(session, window + "_IncTotals", 1) != 0;
+  if (Whole(session, window + "_UDH_Setting", 0) == 1) options.order = ReadExportOrder(session, report);
+  const int format = Whole(session, window + "_FileFormat", 0);
+  if (format == 1 || format == 2) options.format = static_cast<ExportFormat>(format);
+  options.fileName = Text(session, window + "_DefaultFileName");
   return options;
+}
+
+void SaveExportOptions(Session& session, const ReportDefinition& report, const ExportOptions& options, bool userOrder) {
+  const std::string& window = report.window;
+  StoreSettings(session,
+                {setting::IncHeading.Of(window).To(options.headings), setting::IncData.Of(window).To(options.data),
+                 setting::IncTotals.Of(window).To(options.totals), setting::UDH_Setting.Of(window).To(userOrder),
+                 setting::FileFormat.Of(window).To(static_cast<int>(options.format)),
+                 setting::DefaultFileName.Of(window).To(options.fileName)});
+}
+
+std::vector<std::string> ReadExportOrder(const Session& session, const ReportDefinition& report) {
+  return SplitColumnSet(Text(session, OrderKey(report)));
+}
+
+void SaveExportOrder(Session& session, const ReportDefinition& report, const std::vector<std::string>& names) {
+  Write(session, OrderKey(report), JoinColumnSet(names));
+}
+
+void KeepExportOrder(Session& session, const ReportDefinition& report, const std::vector<TableColumn>& columns,
+                     const std::vector<std::size_t>& shown) {
+  std::set<std::size_t> kept;
+  for (const std::string& name : ReadExportOrder(session, report)) {
+    const auto column = FindReportColumn(columns, name);
+    if (!column || !kept.insert(*column).second) kept.insert(columns.size());
+  }
+  if (kept == std::set(shown.begin(), shown.end())) return;
+  std::vector<std::string> names;
+  for (const std::size_t column : shown) names.push_back(PlainCaption(columns[column].Caption()));
+  SaveExportOrder(session, report, names);
 }
 
 }  // namespace vellumark

@@ -37,17 +37,25 @@ std::string JoinColumnSet(const std::vector<std::string>& names);
 /// The columns that are shown, the first one always, in their order.
 std::vector<std::size_t> ReadShownColumns(const Session& session, const ReportDefinition& report,
                                           const std::vector<TableColumn>& columns);
+/// The names of the set on file that mean no column of the report any more, and the sentence that tells them.
+std::vector<std::string> LostColumns(const Session& session, const ReportDefinition& report,
+                                     const std::vector<TableColumn>& columns);
+std::string LostColumnsText(std::string_view set, const std::vector<std::string>& names);
 /// Kept by key, so that a caption may change.
 void SaveShownColumns(Session& session, const ReportDefinition& report, const std::vector<TableColumn>& columns,
                       const std::vector<std::size_t>& shown);
 ReportSort ReadReportSort(const Session& session, const ReportDefinition& report, std::size_t columns);
 void SaveReportSort(Session& session, const ReportDefinition& report, const ReportSort& sort);
-/// The widths on file where they and the default are not 0.
+/// The widths on file where they and the default are not 0; and those of the columns that are shown, kept.
 void ReadColumnWidths(const Session& session, const ReportDefinition& report, std::vector<TableColumn>& columns);
+void SaveColumnWidths(Session& session, const ReportDefinition& report, const std::vector<TableColumn>& columns,
+                      const std::vector<std::size_t>& shown);
 int ReadDateRange(const Session& session, const ReportDefinition& report);
 void SaveDateRange(Session& session, const ReportDefinition& report, int place);
 int ReadReportOption(const Session& session, const ReportDefinition& report, const ReportOption& option);
 void SaveReportOption(Session& session, const ReportDefinition& report, const ReportOption& option, int value);
+
+enum class ExportFormat { Text, Jet, Spreadsheet };
 
 /// What goes into an exported file, kept under the report's window.
 struct ExportOptions {
@@ -55,7 +63,20 @@ struct ExportOptions {
   bool data = true;
   bool totals = true;
   std::vector<std::string> order{};  ///< column names; empty: the report's own order
+  ExportFormat format = ExportFormat::Text;
+  std::string fileName{};  ///< that is offered
 };
 ExportOptions ReadExportOptions(const Session& session, const ReportDefinition& report);
+/// All but the order; `userOrder` tells whether the order that is kept is used.
+void SaveExportOptions(Session& session, const ReportDefinition& report, const ExportOptions& options, bool userOrder);
+
+// The user's own order of columns, as plain captions. It is kept whether or not it is used; the summaries of all
+// Databases have that of their sister report about one colour.
+
+std::vector<std::string> ReadExportOrder(const Session& session, const ReportDefinition& report);
+void SaveExportOrder(Session& session, const ReportDefinition& report, const std::vector<std::string>& names);
+/// When a report is closed: an order that does not name just the columns that are shown is thrown away for theirs.
+void KeepExportOrder(Session& session, const ReportDefinition& report, const std::vector<TableColumn>& columns,
+                     const std::vector<std::size_t>& shown);
 
 }  // namespace vellumark

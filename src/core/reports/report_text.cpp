@@ -24,20 +24,6 @@ std::string Cleaned(std::string_view text) {
   return cleaned;
 }
 
-// The columns that are shown, those of the user's own order first come; names that are no column any more are passed
-// over, and what the order does not name is left out.
-std::vector<std::size_t> OrderOf(const BuiltReport& report, const std::vector<std::string>& names) {
-  if (names.empty()) return report.shown;
-  std::vector<std::size_t> order;
-  for (const std::string& name : names) {
-    const auto column = FindReportColumn(report.columns, name);
-    if (column && std::ranges::find(report.shown, *column) != report.shown.end() &&
-        std::ranges::find(order, *column) == order.end())
-      order.push_back(*column);
-  }
-  return order.empty() ? report.shown : order;
-}
-
 class TabbedText {
  public:
   void Field(std::string_view text) {
@@ -57,6 +43,24 @@ class TabbedText {
 };
 
 }  // namespace
+
+std::vector<std::size_t> ExportColumns(const BuiltReport& report, const ExportOptions& options) {
+  std::vector<std::size_t> order;
+  for (const std::string& name : options.order) {
+    const auto column = FindReportColumn(report.columns, name);
+    if (column && std::ranges::find(report.shown, *column) != report.shown.end() &&
+        std::ranges::find(order, *column) == order.end())
+      order.push_back(*column);
+  }
+  return order.empty() ? report.shown : order;
+}
+
+Sheet ReportSheet(const BuiltReport& report) {
+  Sheet sheet = Sheet::Of(report.title, report.Table());
+  sheet.incomplete = !report.complete;
+  for (const std::size_t column : report.shown) sheet.blocks.front().widths.push_back(report.columns[column].width);
+  return sheet;
+}
 
 std::string_view FormatToken(Format format) {
   switch (format) {
@@ -92,7 +96,7 @@ std::string ExportCell(const TableColumn& column, const TableValue& value) {
 }
 
 std::string ReportText(const BuiltReport& report, const ExportOptions& options) {
-  const std::vector<std::size_t> columns = OrderOf(report, options.order);
+  const std::vector<std::size_t> columns = ExportColumns(report, options);
   TabbedText text;
   if (options.headings) {
     for (const std::size_t column : columns) text.Field(PlainCaption(report.columns[column].Caption()));

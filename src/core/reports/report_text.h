@@ -3,6 +3,7 @@
 #include <string>
 #include <string_view>
 
+#include "core/base/sheet.h"
 #include "core/reports/build.h"
 
 namespace vellumark {
@@ -10,6 +11,13 @@ namespace vellumark {
 /// The report as tabbed text, a line for each row: of the columns that are shown, in the order of the options. Tabs and
 /// line ends within a text become `\t` and `\n`. A report that is not whole says so in a last line.
 std::string ReportText(const BuiltReport& report, const ExportOptions& options);
+
+/// The columns of an exported file: those that are shown, in the order of the options. Names that are no column any
+/// more are passed over, and what the order does not name is left out.
+std::vector<std::size_t> ExportColumns(const BuiltReport& report, const ExportOptions& options);
+
+/// What is shown as a sheet for paper, in its widths.
+Sheet ReportSheet(const BuiltReport& report);
 
 /// The name of a format for programs: "@", "Qty", "Short Date".
 std::string_view FormatToken(Format format);

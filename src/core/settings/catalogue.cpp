@@ -181,6 +181,8 @@ constexpr auto kLater = std::to_array<const SettingInfo*>({
     &JobUDTxtValue,
     &JobUDTxtRequired,
     &ReportExportForm_DefaultExportLocation,
+    &SavedReport,
+    &CustomDateRanges,
     &BatchComplete,
     &UDCNameCCodeLen,
     &DesignsCostModelIndex,

@@ -165,6 +165,9 @@ inline constexpr Setting<bool> PControl_FitToPage{
 inline constexpr Setting<bool> PControl_Orientation{
     "PControl_Orientation", "0", "pages are Landscape", {.emptyIsInitial = true}};
 inline constexpr Setting<int> RecListType{"RecListType", "0", "which way the Recycle List looks"};
+inline constexpr SettingGroup<std::string> SavedReport{"SavedReport", 100, "", "a report as it was saved under a name"};
+inline constexpr Setting<std::string> CustomDateRanges{
+    "CustomDateRanges", "", "periods under names, \"|Spring=2026-03-01..2026-05-31|\"", {.form = TextForm::ColumnSet}};
 inline constexpr Setting<std::string> ReportExportForm_DefaultExportLocation{"ReportExportForm_DefaultExportLocation",
                                                                              "", "folder that reports are written to"};
 
@@ -178,7 +181,8 @@ inline constexpr WindowSetting<bool> SecondSortOrder{"SecondSortOrder", "0", "se
 inline constexpr WindowSetting<int> SecondSortCol{
     "SecondSortCol", "-1", "column of the second sort; -1 none", {.least = -1}};
 inline constexpr WindowSetting<int> ColWidth{"ColWidth", "0", "width of a column in twips; 0 hidden"};
-inline constexpr WindowSetting<int> DateRange{"DateRange", "6", "period, 0 Month To Date to 10 All Dates", {0, 10}};
+inline constexpr WindowSetting<int> DateRange{
+    "DateRange", "6", "period by its place in the list, 0 All Dates to 13 Last Year", {0, 13}};
 inline constexpr WindowSetting<int> DateQuery{"_DateQuery", "0", "date that the period looks at"};
 inline constexpr WindowSetting<bool> ShowBasics{"ShowBasics", "1", "Basic Colors are listed"};
 inline constexpr WindowSetting<bool> ShowMixes{"ShowMixes", "1", "Master Formulas are listed"};
@@ -192,7 +196,7 @@ inline constexpr WindowSetting<bool> PointsOnly{"PointsOnly", "0", "colors with 
 inline constexpr WindowSetting<bool> ReorderOnly{"ReorderOnly", "0", "colors to be reordered only"};
 inline constexpr WindowSetting<bool> MixCost{"MixCost", "0", "which cost a formula is listed with"};
 inline constexpr WindowSetting<bool> OptConsignment{"OptConsignment", "0", "stock on consignment"};
-inline constexpr WindowSetting<int> FileFormat{"_FileFormat", "0", "0 text, 1 .mdb"};
+inline constexpr WindowSetting<int> FileFormat{"_FileFormat", "0", "0 text, 1 .mdb, 2 spreadsheet"};
 inline constexpr WindowSetting<bool> IncHeading{"_IncHeading", "1", "captions are exported"};
 inline constexpr WindowSetting<bool> IncData{"_IncData", "1", "rows are exported"};
 inline constexpr WindowSetting<bool> IncTotals{"_IncTotals", "1", "totals are exported"};

@@ -1,0 +1,70 @@
+#include "core/reports/export.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <system_error>
+
+#include "core/base/files.h"
+#include "core/base/text.h"
+#include "core/reports/spreadsheet.h"
+
+namespace vellumark {
+
+namespace fs = std::filesystem;
+
+std::string_view ExtensionOf(ExportFormat format) {
+  switch (format) {
+    case ExportFormat::Jet:
+      return ".mdb";
+    case ExportFormat::Spreadsheet:
+      return ".xlsx";
+    case ExportFormat::Text:
+      break;
+  }
+  return ".txt";
+}
+
+Result<fs::path> ExportPath(Session& session, const fs::path& folder, std::string_view name, ExportFormat format) {
+  std::string file = Trim(name);
+  if (file.empty()) return Refuse("Bad File Name", "Enter a name for the Export File", "txtFileName");
+  std::ranges::replace_if(
+      file, [](char c) { return c == '\\' || c == '/'; }, '-');
+  const std::string_view extension = ExtensionOf(format);
+  if (file.size() < extension.size() || !EqualNoCase(file.substr(file.size() - extension.size()), extension))
+    file += extension;
+  fs::path path = folder / file;
+  std::error_code error;
+  if (fs::exists(path, error) && !session.prompt.Ask("Overwrite File", "Overwrite existing file?", Answer::No))
+    return Decline("Overwrite File", "txtFileName");
+  // Its neighbour is what is made here and goes again; the file itself is not touched.
+  const FileBeside trial(path, Readers::Everybody);
+  return path;
+}
+
+Result<void> ExportReport(const BuiltReport& report, const ExportOptions& options, const fs::path& file,
+                          const ReportWriter& jet) {
+  if (options.format == ExportFormat::Jet && !jet)
+    return Refuse("File Export", "Files of the format .mdb cannot be written here. Choose text or a spreadsheet.",
+                  "optFileFormat");
+  FileBeside beside(file, Readers::Everybody);
+  switch (options.format) {
+    case ExportFormat::Text:
+      beside.Write(ReportText(report, options));
+      break;
+    case ExportFormat::Jet:
+      jet(report, options, beside.Path());
+      break;
+    case ExportFormat::Spreadsheet:
+      WriteSpreadsheet(report, options, beside.Path());
+      break;
+  }
+  beside.Replace();
+  return {};
+}
+
+std::string ExportDoneText(const fs::path& file) {
+  return fmt::format("Saved To:  {}\nFile:  {}", file.parent_path().string(), file.filename().string());
+}
+
+}  // namespace vellumark
