@@ -5,6 +5,7 @@
 #include "core/backup/check_run.h"
 #include "core/base/text.h"
 #include "core/batch/takings.h"
+#include "core/datafile/job_links.h"
 
 // What holds of Batches, of what they took from stock, and of the jobs that they were made for.
 
@@ -12,8 +13,6 @@ namespace vellumark {
 namespace {
 
 constexpr int kLines = schema::kBatchLines;
-constexpr std::int64_t kFirstItem = 1'000'000;  // a Job Record's number of an item from stock, not of a Batch
-constexpr std::string_view kSplit = "- SPLIT -";
 
 struct CheckedBatch {
   std::int64_t row = 0;
@@ -103,7 +102,7 @@ void CheckJobBatches(CheckRun& run) {
     Statement orphans = run.file.Prepare(
         fmt::format("SELECT RowKey, JobNumber, BatchNo FROM {} j WHERE j.Database = ?1 AND j.BatchNo BETWEEN 1 AND {} "
                     "AND NOT EXISTS (SELECT 1 FROM {} b WHERE b.BatchNo = j.BatchNo)",
-                    Quoted(jobs), kFirstItem, Quoted(batches)));
+                    Quoted(jobs), kLastJobBatch, Quoted(batches)));
     orphans.Bind(1, database);
     run.FoundRows(jobs, orphans, [&](const Statement& row) {
       return fmt::format("{} has no Batch {}.", database, Called(row.Whole(2)));
@@ -117,7 +116,7 @@ void CheckJobBatches(CheckRun& run) {
     named.Bind(1, database);
     WalkRows(run, named, RowCount(run.file, batches), [&](const Statement& row) {
       const std::int64_t records = row.Whole(3);
-      const std::string right = records == 0 ? "" : records == 1 ? row.Text(4) : std::string(kSplit);
+      const std::string right = records == 0 ? "" : records == 1 ? row.Text(4) : std::string(kSplitJobs);
       if (!EqualNoCase(row.TextView(2), right))
         run.Found(batches, row.Whole(0), Called(row.Whole(1)),
                   fmt::format("JobNumber is \"{}\", but {} of its Job Records give \"{}\".", row.TextView(2), records,

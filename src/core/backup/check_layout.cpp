@@ -7,6 +7,7 @@
 #include "core/base/refusal.h"
 #include "core/base/text.h"
 #include "core/batch/leave.h"
+#include "core/datafile/job_links.h"
 #include "core/datafile/pending_rollups.h"
 
 // What holds of the file as a whole, and of every value in it.
@@ -120,8 +121,8 @@ void CheckCounters(CheckRun& run) {
     if (used <= kLastCounter) check("BatchNumber", run.info.batchNumber, used, batches);
   }
   const std::int64_t item =
-      run.file.Scalar("SELECT MAX(BatchNo) FROM JobRecords WHERE BatchNo > ?", {1'000'000}).Whole();
-  check("ItemNumber", run.info.itemNumber, item - 1'000'000, schema::JobRecords.name);
+      run.file.Scalar("SELECT MAX(BatchNo) FROM JobRecords WHERE BatchNo > ?", {kLastJobBatch}).Whole();
+  check("ItemNumber", run.info.itemNumber, item - kLastJobBatch, schema::JobRecords.name);
 }
 
 void CheckMarkers(CheckRun& run) {

@@ -7,11 +7,10 @@
 
 #include "core/base/text.h"
 #include "core/batch/bench.h"
+#include "core/jobs/job_numbers.h"
 
 namespace vellumark {
 namespace {
-
-constexpr std::size_t kLongestJobNumber = 30;
 
 BatchJobLine JobLine(std::string number, double used) {
   const float quantity = RoundSingle(used, 3);
@@ -22,10 +21,6 @@ double SumUsed(const BatchRecord& record) {
   double sum = 0;
   for (const BatchJobLine& line : record.jobs) sum += RoundTo(line.QtyUsed, 3);
   return RoundTo(sum, 3);
-}
-
-std::string ReadJobNumber(std::string_view typed) {
-  return Left(Trim(typed), kLongestJobNumber);
 }
 
 Refusal InvalidQuantity(const BatchRecord& record) {

@@ -12,6 +12,7 @@
 #include "core/base/date.h"
 #include "core/batch/batch_work.h"
 #include "core/colors/lab.h"
+#include "core/datafile/job_links.h"
 #include "core/inventory/lot_selection.h"
 
 namespace vellumark {
@@ -25,8 +26,6 @@ enum class BatchState {
 
 constexpr std::size_t kMostJobLines = 10;
 constexpr int kBatchUserFields = 6;
-/// What stands for the job number of a Batch that is shared between jobs.
-inline constexpr std::string_view kSplitJobs = "- SPLIT -";
 
 /// What one job got of the Batch, in the Batch's unit.
 struct BatchJobLine {

@@ -45,10 +45,9 @@ std::vector<Place> PlacesOf(ColorKind kind) {
   return places;
 }
 
-// Job Records code their items 1 and 2 and nothing else; on a Batch or Design line every code but 2 is a Basic Color.
-std::string KindCondition(const Place& place, ColorKind kind, const std::string& typeField) {
-  if (kind == ColorKind::Mix) return typeField + " = 2";
-  return typeField + (&place.table == &schema::JobRecords ? " = 1" : " IS DISTINCT FROM 2");
+// Every code but 2 is a Basic Color, such as the 0 of old Job Records.
+std::string KindCondition(ColorKind kind, const std::string& typeField) {
+  return typeField + (kind == ColorKind::Mix ? " = 2" : " IS DISTINCT FROM 2");
 }
 
 std::string Member(const Place& place, std::string_view word, int slot) {
@@ -58,7 +57,7 @@ std::string Member(const Place& place, std::string_view word, int slot) {
 // The condition under which slot `slot` holds a colour of the kind of the Database ?3. What costs least comes first.
 std::string SlotCondition(const Place& place, ColorKind kind, int slot, std::string_view nameTest) {
   std::string condition;
-  if (!place.typeField.empty()) condition += KindCondition(place, kind, Member(place, place.typeField, slot)) + " AND ";
+  if (!place.typeField.empty()) condition += KindCondition(kind, Member(place, place.typeField, slot)) + " AND ";
   condition += fmt::format("{} {}", Member(place, place.field, slot), nameTest);
   if (!place.databaseField.empty()) condition += " AND " + Member(place, place.databaseField, slot) + " = ?3";
   return condition;
@@ -208,9 +207,9 @@ void RewriteLotCopies(Database& file, std::string_view database, ColorKind kind,
                                              table(schema::BatchLotInv), kSet, kOfLot, mix ? "=" : "<>"));
   bindAll(lines).Run();
   Statement jobs =
-      file.Prepare(fmt::format("UPDATE {} {} WHERE Color_Name = ?2 AND {} AND Database = ?8 AND ItemType = ?9",
-                               table(schema::JobRecords), kSet, kOfLot));
-  bindAll(jobs).Bind(8, database).Bind(9, static_cast<int>(kind)).Run();
+      file.Prepare(fmt::format("UPDATE {} {} WHERE Color_Name = ?2 AND {} AND Database = ?8 AND {}",
+                               table(schema::JobRecords), kSet, kOfLot, KindCondition(kind, "ItemType")));
+  bindAll(jobs).Bind(8, database).Run();
 }
 
 void DeleteLotsAndMeasurements(Database& file, std::string_view database, ColorKind kind, std::string_view name) {

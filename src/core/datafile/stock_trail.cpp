@@ -180,4 +180,11 @@ std::set<StockTrail::Lot> StockTrail::LotsOfNumber(std::string_view number) cons
   return lots;
 }
 
+std::optional<StockLine> ReadStockLine(Database& file, std::int64_t id) {
+  if (!HasStockHistory(file)) return std::nullopt;
+  Statement row = file.Prepare(fmt::format("SELECT ID, {} FROM {} WHERE ID = ?1", kStockLineFields, kTable));
+  if (!row.Bind(1, id).Step()) return std::nullopt;
+  return ReadLine(row);
+}
+
 }  // namespace vellumark

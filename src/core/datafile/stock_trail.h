@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <limits>
+#include <optional>
 #include <set>
 #include <string>
 #include <string_view>
@@ -66,5 +67,8 @@ class StockTrail {
   bool oldestFirst_ = false;
   std::size_t at_ = 0;
 };
+
+/// The line of that number; nothing when there is none.
+std::optional<StockLine> ReadStockLine(Database& file, std::int64_t id);
 
 }  // namespace vellumark

@@ -70,6 +70,11 @@ float NewQuantity(Effect effect, float before, float quantity) {
   return RoundSingle(quantity, 3);
 }
 
+// What comes back from a job is there, however little it is.
+bool CutsOff(PostingSource source, float quantity) {
+  return source != PostingSource::JobRecord || quantity < 0;
+}
+
 bool CountsAsNothing(CutoffTest test, float quantity, float cutoff) {
   switch (test) {
     case CutoffTest::Below:
@@ -109,6 +114,7 @@ StockChange ChangeOf(const Posting& posting, StockChange::Action action, std::in
   change.before = before;
   change.after = after;
   change.document = posting.document;
+  change.reason = posting.reason;
   return change;
 }
 
@@ -225,7 +231,8 @@ bool GoesToUnlotted(const Session& session, const Posting& posting) {
   const SourceRule& rule = RuleOf(posting.source);
   // The value that a lot is to have is not one for all that is unlotted.
   if (rule.effect == Effect::Sets) return false;
-  return rule.untracked == Untracked::Unlotted || posting.place.LotRefID == 0;
+  const bool known = rule.untracked == Untracked::KnownLot || posting.knownLot;
+  return !known || posting.place.LotRefID == 0;
 }
 
 PostingResult PostIn(Session& session, const StockRules& rules, const Posting& posting) {
@@ -259,7 +266,7 @@ std::optional<LotRow> FindLot(const Session& session, ColorKind kind, const std:
 float UnlottedAfter(PostingSource source, ColorKind kind, const StockRules& rules, float before, float quantity) {
   const SourceRule& rule = RuleOf(source);
   const float after = NewQuantity(rule.effect, before, quantity);
-  if (kind != ColorKind::Mix && rules.AllowNegInv) return after;
+  if ((kind != ColorKind::Mix && rules.AllowNegInv) || !CutsOff(source, quantity)) return after;
   const CutoffTest test = kind == ColorKind::Mix ? rule.unlottedMix : rule.unlottedBasic;
   return CountsAsNothing(test, after, rules.InvCutoff) ? 0 : after;
 }
@@ -268,7 +275,7 @@ std::optional<float> LotAfter(PostingSource source, const StockRules& rules, flo
   const SourceRule& rule = RuleOf(source);
   if (rule.effect == Effect::Sets) return std::nullopt;
   const float after = NewQuantity(rule.effect, before, quantity);
-  if (CountsAsNothing(rule.lot, after, rules.InvCutoff)) return std::nullopt;
+  if (CutsOff(source, quantity) && CountsAsNothing(rule.lot, after, rules.InvCutoff)) return std::nullopt;
   return after;
 }
 

@@ -40,8 +40,11 @@ struct Posting {
   StockPlace place{};
   bool remove = false;     ///< the lot goes, whatever is left of it: that much is written off
   std::string document{};  ///< for the history: a Batch's number, a job
+  std::string reason{};    ///< for the history
   /// A lot that is there takes the location and the container of the place, as far as they are given; its copies too.
   bool moveLot = false;
+  /// What a Batch has put into the lot lies there also while Lotted Inventory is off.
+  bool knownLot = false;
 };
 
 struct PostingResult {

@@ -3,37 +3,50 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <set>
 #include <stdexcept>
 
 #include "core/base/text.h"
+#include "core/datafile/lifecycle.h"
+#include "core/jobs/design_uses.h"
 
 namespace vellumark {
 namespace {
 
-struct EnteredValues {
+constexpr std::int32_t kMostItems = 999'999;
+
+struct KeptValues {
   std::string JobNumber;
   std::vector<Cell> cells;
 };
 
-std::vector<EnteredValues> ReadEntered(const Session& session, std::int32_t batchNo) {
-  const std::vector<std::string> fields = EnteredJobFields();
+std::vector<std::string> UserFields() {
+  std::vector<std::string> fields{"DesignID", "DesignDesc"};
+  for (const Field& field : schema::JobRecords.fields)
+    if (field.name.starts_with("UD_")) fields.push_back(field.name);
+  return fields;
+}
+
+std::vector<KeptValues> ReadKept(const Session& session, std::int32_t batchNo) {
+  std::vector<std::string> fields = UserFields();
+  for (const char* date : {"Date_Entered", "Date_Returned", "Date_Completed"}) fields.emplace_back(date);
   std::string columns = "JobNumber";
   for (const std::string& field : fields) columns += ", " + Quoted(field);
   Statement rows = session.File().Prepare(
       fmt::format("SELECT {} FROM JobRecords WHERE BatchNo = ?1 AND Database = ?2 ORDER BY RowKey", columns));
   rows.Bind(1, batchNo).Bind(2, session.CurrentDatabase);
-  std::vector<EnteredValues> entered;
+  std::vector<KeptValues> kept;
   while (rows.Step()) {
-    EnteredValues& row = entered.emplace_back(rows.Text(0), std::vector<Cell>{});
+    KeptValues& row = kept.emplace_back(rows.Text(0), std::vector<Cell>{});
     for (std::size_t i = 0; i < fields.size(); ++i)
       row.cells.emplace_back(fields[i], rows.Get(static_cast<int>(i) + 1));
   }
-  return entered;
+  return kept;
 }
 
 std::vector<Cell> NothingEntered() {
   std::vector<Cell> cells;
-  for (const std::string& field : EnteredJobFields()) {
+  for (const std::string& field : UserFields()) {
     const int place = schema::JobRecords.Find(field);
     const bool number = schema::JobRecords.fields[static_cast<std::size_t>(place)].type == FieldType::Single;
     cells.emplace_back(field, number ? Value(0.0F) : Value(""));
@@ -41,43 +54,134 @@ std::vector<Cell> NothingEntered() {
   return cells;
 }
 
-std::string JobNumberOf(const std::vector<Cell>& row) {
-  const auto found = std::ranges::find_if(row, [](const Cell& cell) { return cell.first == "JobNumber"; });
-  if (found == row.end()) throw std::logic_error("a Job Record without its JobNumber");
+std::string TextOf(const std::vector<Cell>& row, std::string_view field) {
+  const auto found = std::ranges::find_if(row, [&](const Cell& cell) { return cell.first == field; });
+  if (found == row.end()) throw std::logic_error("a Job Record without its " + std::string(field));
   return found->second.Text();
+}
+
+// The kept cells, and of the row what is not among them.
+std::vector<Cell> Joined(std::vector<Cell> kept, const std::vector<Cell>& row) {
+  const std::size_t count = kept.size();
+  for (const Cell& cell : row) {
+    const auto end = kept.begin() + static_cast<std::ptrdiff_t>(count);
+    if (std::none_of(kept.begin(), end, [&](const Cell& other) { return other.first == cell.first; }))
+      kept.push_back(cell);
+  }
+  return kept;
+}
+
+void Tell(Transaction& transaction, const std::string& number) {
+  transaction.Note({Change::Kind::Job, "", number, Change::What::Updated, {}});
+}
+
+// The number that the next item from stock gets: the counter, or the first one after it that no item has. The counter
+// begins anew one day, and may meet items that were never archived.
+std::int32_t FreeItem(const Session& session) {
+  Statement taken =
+      session.File().Prepare("SELECT DISTINCT BatchNo FROM JobRecords WHERE BatchNo >= ? ORDER BY BatchNo");
+  const std::int32_t counter = std::clamp(ReadFileInfo(session.File()).itemNumber, 1, kMostItems);
+  for (const std::int32_t from : {counter, 1}) {
+    taken.Reset();
+    taken.Bind(1, kLastJobBatch + from);
+    std::int64_t free = kLastJobBatch + from;
+    while (taken.Step() && taken.Whole(0) <= free) ++free;
+    if (free <= kLastJobBatch + kMostItems) return static_cast<std::int32_t>(free - kLastJobBatch);
+  }
+  throw Failure(session.File().Path().string(), "has no free item number left; archive old Job Records");
+}
+
+std::vector<Cell> CellsOf(const JobRecord& record) {
+  return JobFields().Cells(record, kNewRowUses);
 }
 
 }  // namespace
 
-std::vector<std::string> EnteredJobFields() {
-  std::vector<std::string> fields{"DesignID", "DesignDesc"};
-  for (const Field& field : schema::JobRecords.fields)
-    if (field.name.starts_with("UD_")) fields.push_back(field.name);
-  return fields;
-}
-
 void ReplaceJobRecords(Session& session, std::int32_t batchNo, const std::vector<std::vector<Cell>>& rows) {
   Transaction transaction(session.File());
-  const auto tell = [&](const std::string& number) {
-    transaction.Note({Change::Kind::Job, "", number, Change::What::Updated, {}});
-  };
-  const std::vector<EnteredValues> entered = ReadEntered(session, batchNo);
-  for (const EnteredValues& before : entered) tell(before.JobNumber);
+  const std::vector<KeptValues> before = ReadKept(session, batchNo);
+  std::set<std::string> designs;
+  for (const KeptValues& row : before) {
+    Tell(transaction, row.JobNumber);
+    designs.insert(TextOf(row.cells, "DesignID"));
+  }
   session.File()
       .Prepare("DELETE FROM JobRecords WHERE BatchNo = ?1 AND Database = ?2")
       .Bind(1, batchNo)
       .Bind(2, session.CurrentDatabase)
       .Run();
   for (const std::vector<Cell>& row : rows) {
-    const std::string number = JobNumberOf(row);
+    const std::string number = TextOf(row, "JobNumber");
     std::vector<Cell> cells = NothingEntered();
-    for (const EnteredValues& before : entered)
-      if (EqualNoCase(before.JobNumber, number)) cells = before.cells;
-    cells.insert(cells.end(), row.begin(), row.end());
-    InsertRow(session.File(), schema::JobRecords, schema::JobRecords.name, cells);
-    tell(number);
+    for (const KeptValues& old : before)
+      if (EqualNoCase(old.JobNumber, number)) cells = old.cells;
+    InsertRow(session.File(), schema::JobRecords, schema::JobRecords.name, Joined(std::move(cells), row));
+    Tell(transaction, number);
   }
+  for (const std::string& design : designs) FollowLastUsed(session, design);
   transaction.Commit();
+}
+
+void AddJobRecord(Session& session, JobRecord& record) {
+  Transaction transaction(session.File());
+  const std::int32_t item = FreeItem(session);
+  session.ItemNumber = StepItemNumber(session.File(), item);
+  record.BatchNo = kLastJobBatch + item;
+  record.row = InsertRow(session.File(), schema::JobRecords, schema::JobRecords.name, CellsOf(record));
+  FollowLastUsed(session, record.DesignID);
+  Tell(transaction, record.JobNumber);
+  transaction.Commit();
+}
+
+void StoreJobRecord(Session& session, const JobRecord& record) {
+  Transaction transaction(session.File());
+  const auto before = ReadJobRecord(session, record.row);
+  if (!before) throw std::logic_error("a Job Record is gone while it is changed");
+  UpdateRow(session.File(), schema::JobRecords, schema::JobRecords.name, record.row, CellsOf(record));
+  if (before->DesignID != record.DesignID)
+    for (const std::string& design : {before->DesignID, record.DesignID}) FollowLastUsed(session, design);
+  Tell(transaction, record.JobNumber);
+  transaction.Commit();
+}
+
+void DeleteJobRecord(Session& session, const JobRecord& record) {
+  Transaction transaction(session.File());
+  session.File().Prepare("DELETE FROM JobRecords WHERE RowKey = ?1").Bind(1, record.row).Run();
+  if (record.IsOfBatch()) StoreBatchJob(session.File(), record.Database, record.BatchNo);
+  FollowLastUsed(session, record.DesignID);
+  Tell(transaction, record.JobNumber);
+  transaction.Commit();
+}
+
+Result<void> StoreJobNumber(Session& session, std::string_view number, std::string_view newNumber) {
+  Transaction transaction(session.File());
+  const std::vector<JobRecord> items = JobItems(session, number);
+  for (const JobRecord& item : items)
+    if (auto closed = RequireBatchClosed(session, item); !closed) return closed;
+  session.File()
+      .Prepare("UPDATE JobRecords SET JobNumber = ?2 WHERE JobNumber = ?1")
+      .Bind(1, number)
+      .Bind(2, newNumber)
+      .Run();
+  for (const JobRecord& item : items)
+    if (item.IsOfBatch() && session.FindDatabase(item.Database) != nullptr)
+      StoreBatchJob(session.File(), item.Database, item.BatchNo);
+  transaction.Note({Change::Kind::Job, "", std::string(number), Change::What::Renamed, std::string(newNumber)});
+  transaction.Commit();
+  return {};
+}
+
+Result<void> RequireBatchClosed(const Session& session, const JobRecord& record) {
+  if (!record.IsOfBatch() || !session.File().TableExists(schema::OpenBatch.name)) return {};
+  const Value open = session.File().Scalar(
+      fmt::format("SELECT 1 FROM {} WHERE DatabaseName = ? AND BatchNo = ? LIMIT 1", Quoted(schema::OpenBatch.name)),
+      {record.Database, record.BatchNo});
+  if (open.IsNull()) return {};
+  return Refuse("Batch Window - in State of Edit.",
+                "The Batch Window is open with active data.\n"
+                "Changing data elsewhere can impact this recipe.\n"
+                "Save or Clear the data on the Batch Window.",
+                "BatchNo");
 }
 
 }  // namespace vellumark

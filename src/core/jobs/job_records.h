@@ -2,22 +2,33 @@
 
 #include <cstdint>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "core/datafile/writer.h"
-#include "core/session/session.h"
+#include "core/jobs/job_record.h"
 
 namespace vellumark {
 
 // The one writer of `JobRecords`. What goes through all tables, a colour's, a lot's or a Database's new name, is
-// written there by core/datafile.
+// written there by core/datafile. Each procedure tells the Jobs that it touched, and keeps in step what others repeat of
+// the rows: the jobs of Batches, the last use of Designs.
 
-/// The user-defined values and the design of a row, which people enter there and nobody works out.
-std::vector<std::string> EnteredJobFields();
-
-/// Puts the rows of a Batch of the current Database in the place of those that it has. Each needs its `JobNumber` and
-/// may lack the entered fields: they are those of the row that the job had, else empty. Tells the jobs before and
-/// after.
+/// Puts the rows of a Batch of the current Database in the place of those that it has. Each needs its `JobNumber`. The
+/// design, the user-defined values and the dates of the row that the job had stay: a Job that is closed stays closed on
+/// its day.
 void ReplaceJobRecords(Session& session, std::int32_t batchNo, const std::vector<std::vector<Cell>>& rows);
+
+/// Adds an item from stock under the next free item number, which it is given.
+void AddJobRecord(Session& session, JobRecord& record);
+/// Writes all fields of a row that is there.
+void StoreJobRecord(Session& session, const JobRecord& record);
+void DeleteJobRecord(Session& session, const JobRecord& record);
+
+/// The new number on all rows of the Job and on its Batches. Refused while one of these is open.
+Result<void> StoreJobNumber(Session& session, std::string_view number, std::string_view newNumber);
+
+/// Refused for the row of a Batch that is open: it would be written over by what is on the bench.
+Result<void> RequireBatchClosed(const Session& session, const JobRecord& record);
 
 }  // namespace vellumark

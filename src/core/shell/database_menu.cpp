@@ -11,6 +11,7 @@
 #include "core/datafile/database_changes.h"
 #include "core/datafile/databases.h"
 #include "core/datafile/lifecycle.h"
+#include "core/jobs/design_uses.h"
 #include "core/session/acts.h"
 #include "core/session/stock_lines.h"
 #include "core/shell/opening.h"
@@ -150,6 +151,7 @@ Result<bool> DeleteDatabases(Session& session, const std::vector<std::string>& n
   try {
     Transaction transaction(session.File());
     DeleteDatabaseTables(session.File(), chosen);
+    FollowLastUsed(session);
     for (const std::string& name : chosen)
       AddDatabaseDeletedLine(session.File(),
                              NewStockLine(session, StockEvent::DatabaseDeleted, ColorKind::Basic, name));

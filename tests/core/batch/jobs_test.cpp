@@ -145,7 +145,8 @@ TEST(BatchJobs, RecordsKeepWhatJobsAddedToThem) {
   EXPECT_EQ(job("UD_Numeric5", "B").Single(), 7);
   EXPECT_EQ(job("DesignID", "B").Text(), "D1");
   EXPECT_EQ(job("DesignID", "C").Text(), "");
-  EXPECT_EQ(job("Date_Entered", "B").Text(), "2026-03-10 17:00:00");
+  EXPECT_EQ(job("Date_Entered", "B").Text(), "2026-03-10 12:00:00");
+  EXPECT_EQ(job("Date_Entered", "C").Text(), "2026-03-10 17:00:00");
   // 22.046 made, 8.818 and 2.205 used
   EXPECT_EQ(room.Scalar("SELECT LotQty FROM INK_Mix_LotInv").Single(), 11.023F);
 }

@@ -437,11 +437,12 @@ class Ledger {
     const std::int32_t ref = posting.place.LotRefID;
     bool unlotted = number == "unlotted inv." || (number.empty() && ref == 0);
     // With lots switched off only what a Batch has in a lot still lies there, and a lot can be cleared away.
+    const bool cuts = source != JobRecord || adds < 0;
     if (room_.session.InvLotTracking == 0 && source != Reset)
       unlotted = unlotted || ref == 0 || !(source == BatchMakes || source == BatchUnmakes || source == BatchTakesAgain);
     if (unlotted) {
       const long result = source == Reset ? quantity_ : color.inventory + adds;
-      color.inventory = Gone(source, false, posting.kind, result) ? 0 : result;
+      color.inventory = cuts && Gone(source, false, posting.kind, result) ? 0 : result;
       return Outcome::Posted;
     }
     const bool possible = ref >= 0 && ref <= 999998;
@@ -453,7 +454,8 @@ class Ledger {
       if (ref == 0 ? source == BatchMakes || !same : has != ref || (!number.empty() && !same)) continue;
       consigned = consigned || lot.consigned;
       if (issues && lot.consigned) continue;
-      if (source == Reset || posting.remove || Gone(source, true, posting.kind, lot.quantity + adds)) {
+      if (source == Reset || posting.remove ||
+          (cuts && Gone(source, true, posting.kind, lot.quantity + adds))) {
         color.lots.erase(has);
         return Outcome::LotDeleted;
       }

@@ -1,0 +1,334 @@
+#include "core/jobs/job_stock.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <cmath>
+
+#include "core/base/number.h"
+#include "core/base/text.h"
+#include "core/base/units.h"
+#include "core/colors/amounts.h"
+#include "core/datafile/stock_trail.h"
+#include "core/jobs/job_records.h"
+
+namespace vellumark {
+namespace {
+
+constexpr const char* kUsage = "Usage Notice";
+constexpr const char* kUndo = "Job Booking";
+
+std::string ZeroText(bool ofBatch) {
+  return std::string(
+             "Cannot set the Qty Used to zero.\n"
+             "To clear this Job Item, click on this item's Batch/Item Number\n") +
+         (ofBatch ? "to go to the Batch Record, then clear the Batch's Job Number field."
+                  : "and click the Delete Item button.");
+}
+
+// What a Batch has made, in the inventory unit; nothing when it is gone.
+std::optional<double> MadeBy(const Session& session, const JobRecord& record) {
+  Statement batch = session.File().Prepare(
+      fmt::format("SELECT ActualQuantity, UMF FROM {} WHERE BatchNo = ?1 ORDER BY RowKey LIMIT 1",
+                  Quoted(session.Table(schema::Batch, record.Database))));
+  if (!batch.Bind(1, record.BatchNo).Step()) return std::nullopt;
+  const auto stored = static_cast<int>(batch.Whole(1));
+  const int unit = stored == 0 ? session.UMF : stored;
+  const double made = RoundTo(batch.Single(0), 3);
+  return RoundTo(unit == session.UMI ? made : made * static_cast<double>(UnitFactor(unit, session.UMI)), 3);
+}
+
+double UsedByOthers(const Session& session, const JobRecord& record) {
+  return RoundTo(session.File()
+                     .Scalar("SELECT SUM(QtyUsed) FROM JobRecords WHERE BatchNo = ? AND Database = ? AND RowKey <> ?",
+                             {record.BatchNo, record.Database, record.row})
+                     .Number(),
+                 3);
+}
+
+bool LiesUnlotted(const Session& session, const JobRecord& record) {
+  return record.Place().IsUnlotted() || (session.InvLotTracking == 0 && !record.IsOfBatch());
+}
+
+std::string UsedReason(const JobRecord& record, float before, float after) {
+  return fmt::format("Item {}: Qty Used {} to {}", record.ItemText(), Fixed(before, 3), Fixed(after, 3));
+}
+
+struct Booking {
+  float used = 0;
+  std::string note{};    // behind what the history is told
+  bool moveLot = false;  // the lot takes the row's location and container
+};
+
+Result<PostingResult> Move(Session& session, const JobRecord& record, float before, const Booking& booking) {
+  const float after = booking.used;
+  Posting posting{.source = PostingSource::JobRecord,
+                  .kind = record.Kind(),
+                  .name = record.Color_Name,
+                  .database = record.Database,
+                  .quantity = RoundSingle(RoundTo(before, 3) - RoundTo(after, 3), 3),
+                  .place = record.Place(),
+                  .document = record.JobNumber,
+                  .reason = UsedReason(record, before, after) + booking.note,
+                  .moveLot = booking.moveLot,
+                  .knownLot = record.IsOfBatch()};
+  const PostingResult posted = PostStock(session, posting);
+  using enum PostingResult::Outcome;
+  switch (posted.outcome) {
+    case Posted:
+    case LotAdded:
+    case LotDeleted:
+      return posted;
+    case NoDatabase:
+    case NoColor:
+      return Refuse("Color Not Found",
+                    fmt::format("{} is no longer in the {} database.", record.Color_Name, record.Database),
+                    "Color_Name");
+    case NoLot:
+    case BadReference:
+      return Refuse("Lot Not Found",
+                    fmt::format("The lot {} of {} is not there.", record.LotNumber, record.Color_Name), "LotNumber");
+    case Consigned:
+      return Refuse("Lot on Consignment",
+                    fmt::format("The lot {} of {} is held on consignment.", record.LotNumber, record.Color_Name),
+                    "LotNumber");
+    case NoLotReference:
+      break;
+  }
+  return Refuse(std::string(25, ' ') + "Max Lot Number Usage",
+                "Unable to add lotted inventory references.\nMaximum lot number usage exceeded.\n\n"
+                "Delete un-needed lot number references.",
+                "LotNumber");
+}
+
+// What came back lies where the posting put it: the rows that share the place and their Batch hear of it.
+void FollowPlace(Session& session, JobRecord& record, const PostingResult& posted) {
+  if (!record.IsOfBatch()) {
+    if (posted.LotRefID > 0) record.LotRefID = posted.LotRefID;
+    return;
+  }
+  const std::string batches = Quoted(session.Table(schema::Batch, record.Database));
+  const Value ref = session.File().Scalar(
+      fmt::format("SELECT LotRefID FROM {} WHERE BatchNo = ? ORDER BY RowKey LIMIT 1", batches), {record.BatchNo});
+  const bool nothingReturned = ref.Whole() == -1 && posted.quantity > 0;
+  const bool moved = posted.LotRefID > 0 && posted.LotRefID != record.LotRefID;
+  if (!ref.IsNull() && (nothingReturned || moved))
+    StoreBatchLot(session.File(), record.Database, record.BatchNo, posted.LotRefID);
+  if (moved) record.LotRefID = posted.LotRefID;
+}
+
+Result<void> BookUsed(Session& session, JobRecord& record, const Booking& booking) {
+  const float used = booking.used;
+  if (auto closed = RequireBatchClosed(session, record); !closed) return closed;
+  if (used == record.QtyUsed) return {};
+  const auto posted = Move(session, record, record.QtyUsed, booking);
+  if (!posted) return std::unexpected(posted.error());
+  if (used < record.QtyUsed) {
+    record.Date_Returned = session.clock.Today();
+    FollowPlace(session, record, *posted);
+  }
+  record.QtyUsed = used;
+  record.QtyIssued = std::max(record.QtyIssued, used);
+  if (used > 0) {
+    StoreJobRecord(session, record);
+  } else {
+    DeleteJobRecord(session, record);
+  }
+  return {};
+}
+
+Result<void> CheckCeiling(const JobRecord& record, const JobCeiling& ceiling, float used, bool insists) {
+  if (used <= ceiling.most) return {};
+  if (ceiling.ofBatch)
+    return Refuse(kUsage,
+                  fmt::format("Qty Used cannot be set higher than {} for this Batch/Item Number.",
+                              Fixed(ceiling.most, 3)),
+                  "QtyUsed");
+  if (ceiling.lot)
+    return Refuse("Exceeds Lotted",
+                  fmt::format("Qty Used cannot be set higher than {}\nLot Number {}", Fixed(ceiling.most, 3),
+                              record.LotNumber),
+                  "QtyUsed");
+  return insists ? Result<void>{} : Result<void>(Decline("Exceeds UnLotted", "QtyUsed"));
+}
+
+Result<JobRecord> RowOf(const Session& session, std::int64_t row) {
+  auto record = ReadJobRecord(session, row);
+  if (!record) return Refuse("Job Item Not Found", "This item is no longer on a Job.", "BatchNo");
+  return *std::move(record);
+}
+
+Result<float> ReadUsed(std::string_view typed, bool ofBatch) {
+  const auto amount = ParseNumber(typed);
+  if (!amount || *amount < 0 || RoundTo(*amount, 3) > kLargestAmount)
+    return Refuse(kUsage, fmt::format("You must enter an amount between 0 and {}.", kLargestAmount), "QtyUsed");
+  const float used = RoundSingle(*amount, 3);
+  if (!(used > 0)) return Refuse(kUsage, ZeroText(ofBatch), "QtyUsed");
+  return used;
+}
+
+// A line of the history that tells of a row.
+struct BookedLine {
+  std::int64_t row = 0;
+  float before = 0;
+  float after = 0;
+};
+
+std::string UndoMark(std::int64_t line) {
+  return fmt::format(", takes back line {}", line);
+}
+
+std::unexpected<Refusal> NotUndone(std::int64_t line, std::string_view why) {
+  return Refuse(kUndo, fmt::format("Line {} of the stock history {}.", line, why), "ID");
+}
+
+Result<BookedLine> BookingOf(const Session& session, std::int64_t id) {
+  const auto line = ReadStockLine(session.File(), id);
+  if (!line) return NotUndone(id, "does not exist");
+  if (line->event != StockEvent::JobRecord) return NotUndone(id, "is no booking of a Job");
+  // "Item 1000007: Qty Used 0.000 to 5.000"
+  const std::size_t colon = line->reason.find(": Qty Used ");
+  const std::size_t to = line->reason.find(" to ");
+  if (!line->reason.starts_with("Item ") || colon == std::string::npos || to == std::string::npos)
+    return NotUndone(id, "does not tell which item it was");
+  const Value undone = session.File().Scalar(
+      fmt::format("SELECT 1 FROM {} WHERE ID > ? AND Reason LIKE ? LIMIT 1", kStockHistoryTable), {id, "%" + UndoMark(id)});
+  if (!undone.IsNull()) return NotUndone(id, "was taken back already");
+  const std::int32_t item = LeadingInteger(line->reason.substr(5));
+  BookedLine booked{0, static_cast<float>(LeadingNumber(line->reason.substr(colon + 11))),
+                    static_cast<float>(LeadingNumber(line->reason.substr(to + 4)))};
+  const bool ofBatch = item <= kLastJobBatch;
+  ForEachJobRecord(session, ofBatch ? "BatchNo = ?1 AND JobNumber = ?2 AND Database = ?3" : "BatchNo = ?1",
+                   ofBatch ? std::vector<Value>{item, line->document, line->database} : std::vector<Value>{item}, "",
+                   [&](const JobRecord& record) {
+                     booked.row = record.row;
+                     return false;
+                   });
+  if (booked.row == 0) return NotUndone(id, "is of an item that is no longer on a Job");
+  return booked;
+}
+
+}  // namespace
+
+float StandsInPlace(const Session& session, const JobRecord& record) {
+  if (session.FindDatabase(record.Database) == nullptr) return 0;
+  if (LiesUnlotted(session, record))
+    return std::max(0.0F, UnlottedQty(session, record.Kind(), record.Color_Name, record.Database));
+  const auto lot = FindLot(session, record.Kind(), record.Color_Name, record.Database, record.Place());
+  return lot && !lot->LotConsignment ? std::max(0.0F, RoundSingle(lot->LotQty, 3)) : 0;
+}
+
+JobCeiling CeilingOf(const Session& session, const JobRecord& record) {
+  const double held = RoundTo(record.QtyUsed, 3);
+  const double there = held + RoundTo(StandsInPlace(session, record), 3);
+  JobCeiling ceiling{RoundSingle(there, 3), !LiesUnlotted(session, record), record.IsOfBatch()};
+  if (!record.IsOfBatch()) return ceiling;
+  const auto made = session.FindDatabase(record.Database) == nullptr ? std::nullopt : MadeBy(session, record);
+  const double left = made ? *made - UsedByOthers(session, record) : held;
+  ceiling.most = std::max(0.0F, RoundSingle(std::min(left, there), 3));
+  return ceiling;
+}
+
+bool AskForMore(Session& session) {
+  return session.prompt.Show({"Exceeds UnLotted",
+                              "Amount entered is larger than inventory on file.\n\n"
+                              "OK - Use ammount\n"
+                              "Cancel - Correct amount.",
+                              Buttons::OkCancel, Icon::Question, Answer::Cancel}) == Answer::Ok;
+}
+
+Result<void> RequireStock(const Session& session, const JobRecord& record, float there, bool insists) {
+  return CheckCeiling(record, {there, !LiesUnlotted(session, record), false}, record.QtyUsed, insists);
+}
+
+Result<void> SetQtyUsed(Session& session, std::int64_t row, std::string_view typed) {
+  if (auto writable = RequireWritable(session); !writable) return writable;
+  const auto shown = RowOf(session, row);
+  if (!shown) return std::unexpected(shown.error());
+  const auto used = ReadUsed(typed, shown->IsOfBatch());
+  if (!used) return std::unexpected(used.error());
+  const JobCeiling before = CeilingOf(session, *shown);
+  const bool asks = *used > before.most && *used > shown->QtyUsed && !before.lot && !before.ofBatch;
+  if (asks && !AskForMore(session)) return Decline("Exceeds UnLotted", "QtyUsed");
+  Transaction transaction(session.File());
+  auto record = RowOf(session, row);
+  if (!record) return std::unexpected(record.error());
+  // What is used already is there: less of it needs no stock.
+  if (*used > record->QtyUsed)
+    if (auto fits = CheckCeiling(*record, CeilingOf(session, *record), *used, asks); !fits) return fits;
+  if (auto booked = BookUsed(session, *record, {*used}); !booked) return booked;
+  transaction.Commit();
+  return {};
+}
+
+Result<float> ReturnFromJob(Session& session, const JobReturn& back) {
+  if (auto writable = RequireWritable(session); !writable) return std::unexpected(writable.error());
+  const float quantity = RoundSingle(back.quantity, 3);
+  Transaction transaction(session.File());
+  auto record = RowOf(session, back.row);
+  if (!record) return std::unexpected(record.error());
+  if (!(quantity > 0)) return Refuse(kUsage, "The quantity that returns must be above 0.", "Qty");
+  if (quantity > record->QtyUsed)
+    return Refuse(kUsage,
+                  fmt::format("Quantity returned to the Job Number: {} was larger than issued.\nJob Qty Issued: {}\n"
+                              "Job Qty Returned: {}\n\nRevise the Quantity - Process Again.",
+                              record->JobNumber, Fixed(record->QtyUsed, 3), Fixed(quantity, 3)),
+                  "Qty");
+  const float left = RoundSingle(RoundTo(record->QtyUsed, 3) - RoundTo(quantity, 3), 3);
+  if (back.LotLoc) record->LotLoc = *back.LotLoc;
+  if (back.LotContID) record->LotContID = *back.LotContID;
+  if (auto booked = BookUsed(session, *record, {left, {}, back.LotLoc || back.LotContID}); !booked) return std::unexpected(booked.error());
+  transaction.Commit();
+  return left;
+}
+
+Result<void> IssueFromStock(Session& session, JobRecord& record) {
+  const auto posted = Move(session, record, 0, {record.QtyUsed});
+  if (!posted) return std::unexpected(posted.error());
+  return {};
+}
+
+Result<void> UndoJobBooking(Session& session, std::int64_t line) {
+  if (auto writable = RequireWritable(session); !writable) return writable;
+  Transaction transaction(session.File());
+  const auto booked = BookingOf(session, line);
+  if (!booked) return std::unexpected(booked.error());
+  auto record = RowOf(session, booked->row);
+  if (!record) return std::unexpected(record.error());
+  const float used = RoundSingle(RoundTo(record->QtyUsed, 3) - RoundTo(booked->after, 3) + RoundTo(booked->before, 3), 3);
+  if (used < 0 || (used == 0 && record->IsOfBatch()))
+    return Refuse(kUndo, fmt::format("The item {} has no more than {} left to take back.", record->ItemText(),
+                                     Fixed(record->QtyUsed, 3)));
+  if (used > record->QtyUsed)
+    if (auto fits = CheckCeiling(*record, CeilingOf(session, *record), used, false); !fits) {
+      if (!fits.error().declined) return fits;
+      return Refuse(kUndo, "Inventory no longer has what the item would take.", "QtyUsed");
+    }
+  if (auto undone = BookUsed(session, *record, {used, UndoMark(line)}); !undone) return undone;
+  transaction.Commit();
+  return {};
+}
+
+Result<void> DeleteJobItem(Session& session, std::int64_t row) {
+  if (auto writable = RequireWritable(session); !writable) return writable;
+  const auto shown = RowOf(session, row);
+  if (!shown) return std::unexpected(shown.error());
+  if (shown->IsOfBatch())
+    return Refuse(kUsage,
+                  "To clear this Job Item, click on this item's Batch/Item Number\n"
+                  "to go to the Batch Record, then clear the Batch's Job Number field.",
+                  "BatchNo");
+  const bool returns = session.prompt.Ask("Ink Inventory", "Return Quantity Used back to inventory?");
+  Transaction transaction(session.File());
+  auto record = RowOf(session, row);
+  if (!record) return std::unexpected(record.error());
+  if (returns && record->QtyUsed > 0) {
+    if (auto booked = BookUsed(session, *record, {0}); !booked) return booked;
+  } else {
+    DeleteJobRecord(session, *record);
+  }
+  transaction.Commit();
+  return {};
+}
+
+}  // namespace vellumark

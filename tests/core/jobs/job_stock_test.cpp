@@ -1,0 +1,224 @@
+// What Jobs take from stock, give back, and what that does to stock and history.
+
+#include "core/session/settings.h"
+#include "job_room.h"
+
+namespace vellumark::test {
+namespace {
+
+TEST(JobItems, AnAddTakesFromEachPlaceAndTellsTheHistory) {
+  JobRoom room;
+  JobItemEntry entry = room.Entry("J1", "RED", 10);
+  entry.takes.push_back({1, "L1", 5});
+  room.AddRow(schema::Designs, {{"DesignID", "FLAG"}, {"Description", "A flag"}});
+  entry.DesignID = "flag";
+  const auto added = AddJobItems(room.session, entry);
+  ASSERT_TRUE(added) << added.error().text;
+  EXPECT_EQ(room.Unlotted("RED"), 90);
+  EXPECT_EQ(room.InLot("RED", 1), 45);
+  const Job job = LoadJob(room.session, "j1");
+  ASSERT_EQ(job.items.size(), 2U);
+  const JobRecord& lotted = job.items[1];
+  EXPECT_EQ(job.items[0].BatchNo, 1'000'001);
+  EXPECT_EQ(lotted.BatchNo, 1'000'002);
+  EXPECT_EQ(lotted.LotNumber, "L1");
+  EXPECT_EQ(job.items[0].LotNumber, "Unlotted Inv.");
+  EXPECT_EQ(lotted.UnitCost, 2.5F);
+  EXPECT_EQ(lotted.DesignDesc, "A flag");
+  EXPECT_EQ(lotted.Color_Code, "R1");
+  EXPECT_FALSE(job.Date_Completed);
+  EXPECT_EQ(room.Scalar("SELECT LastUsed FROM Designs").Text(), "2026-03-10 12:00:00");
+  EXPECT_EQ(job.totals.QtyUsed, 15);
+  EXPECT_EQ(job.totals.Cost, 37.5);
+  EXPECT_EQ(job.totals.VOC, 7.5);
+  EXPECT_EQ(room.Scalar("SELECT Document || ' ' || Reason || ' ' || Change FROM MSysStockHistory ORDER BY ID DESC").Text(),
+            "J1 Item 1000002: Qty Used 0.000 to 5.000 -5.0");
+}
+
+TEST(JobItems, WhatIsRefusedTakesNothing) {
+  JobRoom room;
+  room.Lot(ColorKind::Basic, "RED", 2, 30, {{"LotConsignment", true}});
+  StoreSettings(room.session, {setting::JobUDTxtRequired[2].To(true)});
+  const auto told = [&](const JobItemEntry& entry) { return room.Told(AddJobItems(room.session, entry)); };
+  EXPECT_EQ(told(room.Entry("J", "RED", 1)), "More Data Incomplete: Required User Defined Text Fields Incomplete.");
+  StoreSettings(room.session, {setting::JobUDTxtRequired[2].To(false)});
+  EXPECT_EQ(told(room.Entry(" ", "RED", 1)), "Job Number Needed: Please enter a Job Number.");
+  EXPECT_EQ(told(room.Entry("- split -", "RED", 1)),
+            "Choose Another Job Number: - SPLIT - is not a Job Number.");
+  EXPECT_EQ(told(room.Entry("J", "BLUE", 1)), "Color Not Found: This Color was not found in the selected Database.");
+  EXPECT_EQ(told(room.Entry("J", "RED", 50.001F, 1)),
+            "Exceeds Lotted: Qty Used cannot be set higher than 50.000\nLot Number L1");
+  EXPECT_EQ(told(room.Entry("J", "RED", 1, 2)),
+            "Lot on Consignment: The lot L2 of RED is held on consignment.");
+  EXPECT_EQ(told(room.Entry("J", "RED", 0)), "Add Job Item: You must enter an amount above 0, up to 99999.");
+  // Two places of one lot hold no more than the lot.
+  JobItemEntry twice = room.Entry("J", "RED", 30, 1);
+  twice.takes.push_back(twice.takes.front());
+  EXPECT_EQ(told(twice), "Exceeds Lotted: Qty Used cannot be set higher than 20.000\nLot Number L1");
+  room.prompt.Expect("Exceeds UnLotted", Answer::Cancel,
+                     "Amount entered is larger than inventory on file.\n\nOK - Use ammount\nCancel - Correct amount.");
+  EXPECT_EQ(told(room.Entry("J", "RED", 100.001F)), "Exceeds UnLotted: ");
+  for (const JobStock& place : JobStockOf(room.session, {}, "RED", ColorKind::Basic, {}))
+    EXPECT_NE(place.LotRefID, 2);
+  EXPECT_EQ(room.Unlotted("RED"), 100);
+  EXPECT_EQ(room.InLot("RED", 1), 50);
+  EXPECT_EQ(room.Scalar("SELECT ItemNumber FROM FileInfo").Whole(), 1);
+}
+
+TEST(JobItems, CostingOfAFormula) {
+  JobRoom room;
+  struct Case {
+    JobCosting costing;
+    std::int32_t lot;
+    float cost;
+    float VOC;
+    float HAP;
+  };
+  for (const Case& one : {Case{{0, 0, 0}, 1, 5.0F, 0.2F, 0.1F}, {{0, 1, 1}, 0, 3.0F, 0.7F, 0}, {{1, 2, 2}, 1, 6.0F, 0, 0},
+                          {{2, 0, 0}, 1, 3.0F, 0.2F, 0.1F}, {{3, 0, 0}, 0, 0, 0.2F, 0.1F}}) {
+    JobItemEntry entry = room.Entry("J", "PINK", 1, one.lot, ColorKind::Mix);
+    entry.costing = one.costing;
+    const auto added = AddJobItems(room.session, entry);
+    ASSERT_TRUE(added);
+    EXPECT_EQ(added->front().UnitCost, one.cost);
+    EXPECT_EQ(added->front().VOC, one.VOC);
+    EXPECT_EQ(added->front().HAP, one.HAP);
+  }
+}
+
+TEST(JobItems, NumbersBeginAnewAndPassOverThoseInUse) {
+  JobRoom room;
+  const JobRecord first = room.Add("J", "RED", 1);
+  room.session.File().Execute("UPDATE FileInfo SET ItemNumber = 999999");
+  EXPECT_EQ(room.Add("J", "RED", 1).BatchNo, 1'999'999);
+  EXPECT_EQ(room.session.ItemNumber, 1);
+  EXPECT_EQ(room.Add("J", "RED", 1).BatchNo, 1'000'002);
+  EXPECT_EQ(first.BatchNo, 1'000'001);
+  room.Breaks("Counters");  // the highest number is the one before the first
+}
+
+TEST(JobUsed, TheCeilingOfAStockItem) {
+  JobRoom room;
+  room.Setting("InvCutoff", "0");
+  const JobRecord lotted = room.Add("J", "RED", 20, 1);
+  const auto set = [&](const JobRecord& item, const char* typed) {
+    return room.Told(SetQtyUsed(room.session, item.row, typed));
+  };
+  EXPECT_EQ(set(lotted, "12"), "");
+  EXPECT_EQ(room.InLot("RED", 1), 38);
+  EXPECT_EQ(set(lotted, "50.001"), "Exceeds Lotted: Qty Used cannot be set higher than 50.000\nLot Number L1");
+  // Another posting empties the lot meanwhile.
+  PostStock(room.session, {.source = PostingSource::ManualAdjust, .name = "RED", .quantity = -30, .place = {.LotRefID = 1}});
+  EXPECT_EQ(set(lotted, "20.001"), "Exceeds Lotted: Qty Used cannot be set higher than 20.000\nLot Number L1");
+  EXPECT_EQ(set(lotted, "20"), "");
+  EXPECT_EQ(room.Row(lotted.row).QtyIssued, 20);
+  EXPECT_EQ(room.Row(lotted.row).Date_Returned->ToText(), "2026-03-10 00:00:00");
+  EXPECT_EQ(set(lotted, "0"),
+            "Usage Notice: Cannot set the Qty Used to zero.\nTo clear this Job Item, click on this item's Batch/Item "
+            "Number\nand click the Delete Item button.");
+  const JobRecord unlotted = room.Add("J", "RED", 90);
+  room.prompt.Expect("Exceeds UnLotted", Answer::Cancel);
+  EXPECT_EQ(set(unlotted, "101"), "Exceeds UnLotted: ");
+  for (const bool negative : {false, true}) {
+    room.Setting("AllowNegInv", negative ? "1" : "0");
+    room.prompt.Expect("Exceeds UnLotted", Answer::Ok);
+    EXPECT_EQ(set(unlotted, negative ? "102" : "101"), "");
+    EXPECT_EQ(room.Unlotted("RED"), negative ? -1 : 0);
+    EXPECT_EQ(room.Row(unlotted.row).QtyIssued, negative ? 102 : 101);
+    EXPECT_EQ(set(unlotted, "91"), "");
+    EXPECT_EQ(room.Unlotted("RED"), 10);
+  }
+}
+
+// The cutoff takes away when stock is issued and never when it comes back; a lot that is gone comes back as it was.
+TEST(JobUsed, WhatComesBackStays) {
+  JobRoom room;
+  const JobRecord item = room.Add("J", "RED", 49.8F, 1);
+  EXPECT_EQ(room.InLot("RED", 1), -1);
+  ASSERT_TRUE(SetQtyUsed(room.session, item.row, "49.4"));
+  EXPECT_EQ(room.InLot("RED", 1), 0.4F);
+  EXPECT_EQ(room.Scalar("SELECT LotNumber || LotDate || LotPrice FROM INK_Basic_LotInv").Text(),
+            "L12026-01-15 00:00:002.5");
+  const JobRecord pink = room.Add("J", "PINK", 20, 0, ColorKind::Mix);
+  ASSERT_TRUE(SetQtyUsed(room.session, pink.row, "19.6"));
+  EXPECT_EQ(room.Unlotted("PINK", ColorKind::Mix), 0.4F);
+  // Its reference is a stranger's by now.
+  ASSERT_TRUE(SetQtyUsed(room.session, item.row, "49.8"));
+  room.Lot(ColorKind::Basic, "RED", 1, 7, {{"LotNumber", "STRANGER"}});
+  ASSERT_TRUE(SetQtyUsed(room.session, item.row, "40"));
+  EXPECT_EQ(room.InLot("RED", 1), 7);
+  EXPECT_NE(room.Row(item.row).LotRefID, 1);
+  EXPECT_EQ(room.InLot("RED", room.Row(item.row).LotRefID), 9.8F);
+}
+
+TEST(JobUsed, ReturnedTwice) {
+  JobRoom room;
+  const JobRecord item = room.Add("J", "RED", 10, 1);
+  const auto back = [&](float quantity) {
+    return ReturnFromJob(room.session, {.row = item.row, .quantity = quantity, .LotLoc = "HALL", .LotContID = {}});
+  };
+  EXPECT_EQ(back(4).value_or(-1), 6);
+  EXPECT_EQ(room.Scalar("SELECT LotLoc FROM INK_Basic_LotInv").Text(), "HALL");
+  EXPECT_EQ(room.Row(item.row).LotLoc, "HALL");
+  EXPECT_EQ(room.Told(back(6.001F)).substr(0, 46), "Usage Notice: Quantity returned to the Job Num");
+  EXPECT_EQ(back(6).value_or(-1), 0);
+  EXPECT_FALSE(ReadJobRecord(room.session, item.row));
+  EXPECT_EQ(room.InLot("RED", 1), 50);
+  EXPECT_EQ(room.Told(back(1)), "Job Item Not Found: This item is no longer on a Job.");
+}
+
+TEST(JobUsed, DeletingAnItemAsksWhetherItGoesBack) {
+  for (const Answer answer : {Answer::Yes, Answer::No}) {
+    JobRoom room;
+    room.AddRow(schema::Designs, {{"DesignID", "D"}});
+    JobItemEntry entry = room.Entry("J", "RED", 10, 1);
+    entry.DesignID = "D";
+    const auto item = AddJobItems(room.session, entry);
+    ASSERT_TRUE(item);
+    ASSERT_TRUE(SetQtyUsed(room.session, item->front().row, "8"));
+    room.prompt.Expect("Ink Inventory", answer, "Return Quantity Used back to inventory?");
+    ASSERT_TRUE(DeleteJobItem(room.session, item->front().row));
+    EXPECT_EQ(room.InLot("RED", 1), answer == Answer::Yes ? 50 : 42);
+    EXPECT_FALSE(JobIsThere(room.session, "J"));
+    EXPECT_TRUE(room.Scalar("SELECT LastUsed FROM Designs").IsNull());
+  }
+}
+
+TEST(JobUsed, ABookingIsTakenBackByItsLineOnce) {
+  JobRoom room;
+  const auto last = [&] { return room.Scalar("SELECT MAX(ID) FROM MSysStockHistory").Whole(); };
+  const JobRecord item = room.Add("J", "RED", 10, 1);
+  const std::int64_t issued = last();
+  ASSERT_TRUE(SetQtyUsed(room.session, item.row, "7"));
+  const std::int64_t returned = last();
+  ASSERT_TRUE(UndoJobBooking(room.session, returned));
+  EXPECT_EQ(room.Row(item.row).QtyUsed, 10);
+  EXPECT_EQ(room.InLot("RED", 1), 40);
+  EXPECT_EQ(room.Told(UndoJobBooking(room.session, returned)),
+            fmt::format("Job Booking: Line {} of the stock history was taken back already.", returned));
+  PostStock(room.session, {.source = PostingSource::ManualAdjust, .name = "RED", .quantity = 1});
+  EXPECT_EQ(room.Told(UndoJobBooking(room.session, last())).substr(0, 40), fmt::format("Job Booking: Line {} of the stock history is no", last()).substr(0, 40));
+  ASSERT_TRUE(UndoJobBooking(room.session, issued));
+  EXPECT_FALSE(ReadJobRecord(room.session, item.row));
+  EXPECT_EQ(room.InLot("RED", 1), 50);
+}
+
+TEST(JobTotals, AHalfIsAHalfInEveryDecimalsOfMoney) {
+  JobRoom room;
+  EXPECT_EQ(JobAmount(1.5F, 0.35F, 2), 0.53);
+  EXPECT_EQ(JobAmount(0.001F, 0.5F, 3), 0.001);
+  EXPECT_EQ(JobAmount(2.005F, 1.0F, 2), 2.01);
+  EXPECT_EQ(JobAmount(99999, 99999, 4), 9999800001.0);
+  for (const int decimals : {2, 3, 4}) {
+    room.session.DecimalPlaces = decimals;
+    std::vector<JobRecord> items(3);
+    for (JobRecord& item : items) {
+      item.QtyUsed = 0.333F;
+      item.UnitCost = 0.1235F;  // 0.0411255
+    }
+    EXPECT_EQ(TotalsOf(room.session, items).Cost, decimals == 2 ? 0.12 : decimals == 3 ? 0.123 : 0.1233);
+  }
+}
+
+}  // namespace
+}  // namespace vellumark::test
