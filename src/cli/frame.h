@@ -124,6 +124,7 @@ void AddAdditiveSetCommands(CLI::App& app, Commands& commands);
 void AddToolsCommands(CLI::App& app, Commands& commands);
 void AddStockCommands(CLI::App& app, Commands& commands);
 void AddBatchCommands(CLI::App& app, Commands& commands);
+void AddJobCommands(CLI::App& app, Commands& commands);
 void AddReportCommands(CLI::App& app, Commands& commands);
 void AddFindCommands(CLI::App& app, Commands& commands);
 void AddUsersCommands(CLI::App& app, Commands& commands);

@@ -280,6 +280,7 @@ int Main(int argc, char** argv) {
   AddToolsCommands(app, commands);
   AddStockCommands(app, commands);
   AddBatchCommands(app, commands);
+  AddJobCommands(app, commands);
   AddReportCommands(app, commands);
   AddFindCommands(app, commands);
   AddUsersCommands(app, commands);

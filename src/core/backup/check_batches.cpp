@@ -4,6 +4,7 @@
 
 #include "core/backup/check_run.h"
 #include "core/base/text.h"
+#include "core/base/units.h"
 #include "core/batch/takings.h"
 #include "core/datafile/job_links.h"
 
@@ -94,6 +95,46 @@ void CheckBatchLots(CheckRun& run) {
   }
 }
 
+namespace {
+
+// The jobs of a Batch use no more than was made, but for what the decimals of units leave.
+void CheckJobQuantities(CheckRun& run) {
+  for (const std::string& database : run.Databases()) {
+    const std::string batches = TableName(database, schema::Batch);
+    Statement rows = run.file.Prepare(
+        fmt::format("SELECT b.RowKey, b.BatchNo, b.ActualQuantity, COALESCE(b.UMF, 0), SUM(j.QtyUsed), COUNT(*) FROM {} j "
+                    "JOIN {} b ON b.BatchNo = j.BatchNo WHERE j.Database = ?1 AND j.BatchNo <= {} GROUP BY b.RowKey",
+                    Quoted(schema::JobRecords.name), Quoted(batches), kLastJobBatch));
+    rows.Bind(1, database);
+    WalkRows(run, rows, RowCount(run.file, batches), [&](const Statement& row) {
+      const auto unit = static_cast<int>(row.Whole(3));
+      const int stored = unit >= UnitPound && unit <= UnitOunce ? unit : run.session.UMF;
+      const double made = row.Number(2) * static_cast<double>(UnitFactor(stored, run.session.UMI));
+      const double slack = 0.001 * static_cast<double>(row.Whole(5) + 1) + made * 1e-5;
+      if (row.Number(2) > 0 && row.Number(4) > made + slack)
+        run.Found(batches, row.Whole(0), Called(row.Whole(1)),
+                  fmt::format("{} were made, and its jobs use {}.", FigureText(made), FigureText(row.Number(4))));
+    });
+  }
+}
+
+}  // namespace
+
+void CheckJobItems(CheckRun& run) {
+  if (!run.HasGlobalTables()) return;
+  const std::string& jobs = schema::JobRecords.name;
+  Statement rows = run.file.Prepare(
+      fmt::format("SELECT RowKey, COALESCE(JobNumber, ''), ItemType, QtyUsed, JobNumber IS NULL FROM {}", Quoted(jobs)));
+  WalkRows(run, rows, RowCount(run.file, jobs), [&](const Statement& row) {
+    const std::string_view number = row.TextView(1);
+    if ((number.empty() && row.Whole(4) == 0) || EqualNoCase(number, kSplitJobs))
+      run.Found(jobs, row.Whole(0), number, fmt::format("\"{}\" is no Job Number.", number));
+    if (row.Whole(2) > 2) run.Found(jobs, row.Whole(0), number, fmt::format("ItemType is {}.", row.Whole(2)));
+    if (row.Number(3) < 0)
+      run.Found(jobs, row.Whole(0), number, fmt::format("QtyUsed is {}, below 0.", FigureText(row.Number(3))));
+  });
+}
+
 void CheckJobBatches(CheckRun& run) {
   if (!run.HasGlobalTables()) return;
   const std::string& jobs = schema::JobRecords.name;
@@ -123,6 +164,7 @@ void CheckJobBatches(CheckRun& run) {
                               right));
     });
   }
+  CheckJobQuantities(run);
   Statement strangers = run.file.Prepare(fmt::format("SELECT RowKey, JobNumber, Database FROM {}", Quoted(jobs)));
   WalkRows(run, strangers, RowCount(run.file, jobs), [&](const Statement& row) {
     bool listed = false;

@@ -104,5 +104,6 @@ void CheckStockHistory(CheckRun& run);
 void CheckBatchLines(CheckRun& run);
 void CheckBatchLots(CheckRun& run);
 void CheckJobBatches(CheckRun& run);
+void CheckJobItems(CheckRun& run);
 
 }  // namespace vellumark

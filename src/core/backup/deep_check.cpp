@@ -46,6 +46,8 @@ constexpr CheckRule kRules[] = {
     {"BatchLots", "What was taken from stock belongs to a line of a Batch.", CheckDepth::Deep, false, CheckBatchLots},
     {"JobBatches", "The Job Records of a Batch belong to one that exists, and it names its job.", CheckDepth::Deep, false,
      CheckJobBatches},
+    {"JobItems", "An item of a Job bears its number, is of a known kind and used nothing below 0.", CheckDepth::Deep, false,
+     CheckJobItems},
 };
 
 }  // namespace

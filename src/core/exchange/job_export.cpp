@@ -9,6 +9,7 @@
 #include "core/batch/record.h"
 #include "core/exchange/record_file.h"
 #include "core/exchange/text_file.h"
+#include "core/jobs/job_record.h"
 #include "core/reports/batch_rows.h"
 #include "core/reports/report_settings.h"
 #include "core/session/rights.h"
@@ -76,7 +77,7 @@ std::vector<Column> AllColumns(const Session& session) {
   const auto date = [](int place) { return [place](const Statement& row) { return DateOf(row, place); }; };
   const auto amount = [](int place) { return [place](const Statement& row) { return Fixed(row.Single(place), 3); }; };
   const auto total = [](int place, int decimals) {
-    return [=](const Statement& row) { return Fixed(double{row.Single(Used)} * double{row.Single(place)}, decimals); };
+    return [=](const Statement& row) { return Fixed(JobAmount(row.Single(Used), row.Single(place), decimals), decimals); };
   };
   std::vector<Column> columns{
       {"Job Number", text(JobNumber)},

@@ -3,6 +3,7 @@
 #include <map>
 #include <set>
 
+#include "core/jobs/job_record.h"
 #include "core/reports/batch_rows.h"
 #include "core/reports/by_name.h"
 #include "core/reports/families.h"
@@ -92,10 +93,13 @@ JobLine ReadLine(const Statement& row, int decimals) {
   sum.items = 1;
   sum.issued = WholeUnits(row.Single(16), 3);
   sum.used = WholeUnits(row.Single(17), 3);
-  sum.cost = CostOfQty(sum.used, line.unitCost, decimals);
-  const auto emission = [&](int column) { return WholeUnits(OfWholeUnits(sum.used, 3) * row.Number(column), 3); };
-  sum.VOC = emission(18);
-  sum.HAP = emission(19);
+  // By the cost as it stands, which has more decimals than prices where it was worked out for grams.
+  const auto amount = [&](int column, int places) {
+    return WholeUnits(JobAmount(row.Single(17), row.Single(column), places), places);
+  };
+  sum.cost = amount(8, decimals);
+  sum.VOC = amount(18, 3);
+  sum.HAP = amount(19, 3);
   for (int i = 0; i < kBatchUserFields; ++i) {
     line.UD_Text[static_cast<std::size_t>(i)] = row.Text(20 + i);
     line.UD_Numeric[static_cast<std::size_t>(i)] = row.Single(20 + kBatchUserFields + i);

@@ -20,6 +20,8 @@ struct FullRoom : test::InkRoom {
     AddRow(schema::Additives, {{"SetName", "SLOW"}, {"SetList", "<WAX>"}, {"Add_Name0", "WAX"}, {"Add_Percent0", 5.0F}});
     AddRow(schema::Batch, {{"Color_Name", "PINK"},
                            {"BatchNo", 7},
+                           {"ActualQuantity", 5.0F},
+                           {"UMF", 1},
                            {"IngName0", "RED"},
                            {"IngQty0", 1.0F},
                            {"IngType0", 1},
@@ -95,6 +97,8 @@ TEST(DeepCheck, FindsEachDamageAndNothingElse) {
       {"INSERT INTO JobRecords (JobNumber, Database, BatchNo) VALUES ('J2', 'INK', 6)", "JobBatches", "JobRecords", 2},
       {"INSERT INTO JobRecords (JobNumber, Database, BatchNo) VALUES ('J2', 'GONE', 6)", "JobBatches", "JobRecords", 2},
       {"UPDATE INK_Batch SET JobNumber = 'J2'", "JobBatches", "INK_Batch", 1},
+      {"UPDATE JobRecords SET QtyUsed = 1e6", "JobBatches", "INK_Batch", 1},
+      {"UPDATE JobRecords SET QtyUsed = -1", "JobItems", "JobRecords", 1},
   };
   std::set<std::string_view> rules{"Structure"};  // the engine's own
   for (const Damage& damage : damages) rules.insert(damage.rule);

@@ -1,0 +1,231 @@
+#include "core/jobs/job_tables.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <map>
+#include <memory>
+#include <tuple>
+#include <vector>
+
+#include "core/base/number.h"
+#include "core/base/text.h"
+#include "core/base/units.h"
+#include "core/session/rights.h"
+#include "core/session/settings.h"
+
+namespace vellumark {
+namespace {
+
+std::string InUnit(const Session& session, std::string_view caption) {
+  return fmt::format("{} ({})", caption, UnitName(session.UMI));
+}
+
+// A figure that is a price, for those who may see it.
+TableValue Money(const Session& session, double amount) {
+  return SeenBy(session).prices ? TableValue(amount) : TableValue();
+}
+
+double Returned(const JobRecord& record) {
+  return RoundTo(RoundTo(record.QtyIssued, 3) - RoundTo(record.QtyUsed, 3), 3);
+}
+
+void AddAmounts(TableOf<JobRecord>& table, const Session& session, bool totals) {
+  const int decimals = session.DecimalPlaces;
+  const auto sum = [&] {
+    if (totals) table.Sum();
+  };
+  table.Add(
+      "", [&session](const JobRecord& r) { return Money(session, static_cast<double>(r.UnitCost)); }, "Unit Cost",
+      Format::Money, std::max(decimals, session.UMI == UnitGram || session.UMI == UnitOunce ? 6 : 0));
+  table.Add(
+      "",
+      [&session, decimals](const JobRecord& r) { return Money(session, JobAmount(r.QtyUsed, r.UnitCost, decimals)); },
+      "Total Cost", Format::Money, decimals);
+  sum();
+  table.Add("", &JobRecord::VOC, "VOC");
+  table.Add(
+      "", [](const JobRecord& r) { return JobAmount(r.QtyUsed, r.VOC, 3); }, "Total VOCs");
+  sum();
+  table.Add("", &JobRecord::HAP, "HAP");
+  table.Add(
+      "", [](const JobRecord& r) { return JobAmount(r.QtyUsed, r.HAP, 3); }, "Total HAPs");
+  sum();
+}
+
+struct JobLine {
+  std::string JobNumber;
+  std::int64_t items = 0;
+  std::vector<JobRecord> rows;  // of this job alone, while it is read
+  JobTotals totals;
+  std::optional<DateTime> entered;
+  std::optional<DateTime> completed;
+};
+
+void Finish(const Session& session, JobLine& line) {
+  line.items = static_cast<std::int64_t>(line.rows.size());
+  line.totals = TotalsOf(session, line.rows);
+  for (const JobRecord& row : line.rows) {
+    if (row.Date_Entered && (!line.entered || *row.Date_Entered < *line.entered)) line.entered = row.Date_Entered;
+    if (row.Date_Completed && (!line.completed || *line.completed < *row.Date_Completed))
+      line.completed = row.Date_Completed;
+  }
+}
+
+struct OutLine {
+  JobRecord first;
+  std::int64_t used = 0;  // thousandths
+  std::int64_t days = 0;
+};
+
+std::vector<OutLine> ReadOut(const Session& session) {
+  using Key = std::tuple<std::string, std::string, std::string, std::uint8_t, std::string, std::int32_t, std::string>;
+  std::map<Key, std::size_t> places;
+  std::vector<OutLine> lines;
+  ForEachJobRecord(session, "Date_Completed IS NULL AND QtyUsed > 0", {}, "Date_Entered, RowKey",
+                   [&](const JobRecord& r) {
+                     const Key key{Upper(r.JobNumber), Upper(r.Database), Upper(r.Color_Name), r.ItemType,
+                                   Upper(r.LotNumber), r.LotRefID, Upper(r.LotContID)};
+                     const auto [found, isNew] = places.emplace(key, lines.size());
+                     if (isNew) {
+                       const std::int64_t entered = r.Date_Entered ? r.Date_Entered->DayNumber() : 0;
+                       lines.push_back({r, 0, session.clock.Today().DayNumber() - entered});
+                     }
+                     lines[found->second].used += WholeUnits(r.QtyUsed, 3);
+                     return true;
+                   });
+  return lines;
+}
+
+}  // namespace
+
+TableOf<JobRecord> JobColumns(const Session& session) {
+  TableOf<JobRecord> table;
+  table.Add("", &JobRecord::JobNumber, "Job Number")
+      .Add("", &JobRecord::DesignID, "Design ID")
+      .Add("", &JobRecord::DesignDesc, "Design Desc")
+      .Add("", &JobRecord::Color_Name, "Color Name")
+      .Add("", &JobRecord::Color_Code, "Color Code")
+      .Add("", &JobRecord::Database, "Database")
+      .Add("", &JobRecord::BatchNo, "Batch/Item", Format::Number)
+      .Add("", &JobRecord::Date_Entered, "Date Entered", Format::Date)
+      .Add("", &JobRecord::Date_Returned, "Date Returned", Format::Date)
+      .Add("", &JobRecord::QtyIssued, InUnit(session, "Qty Issued"))
+      .Add("", &JobRecord::QtyUsed, InUnit(session, "Qty Used"))
+      .Total("Totals")
+      .Add("", &JobRecord::LotNumber, "Lot Number")
+      .Add("", &JobRecord::LotLoc, "Lot Location")
+      .Add("", &JobRecord::LotContID, "Lot Cont. ID")
+      .Add("", &JobRecord::LotDate, "Lot Date", Format::Date);
+  AddAmounts(table, session, true);
+  for (int i = 0; i < kJobUserFields; ++i)
+    table.Add(
+        "", [i](const JobRecord& r) { return r.UD_Text.at(static_cast<std::size_t>(i)); },
+        GetSetting(session, setting::JobCustomTextLabelCaption[i]));
+  for (int i = 0; i < kJobUserFields; ++i)
+    table.Add(
+        "", [i](const JobRecord& r) { return r.UD_Numeric.at(static_cast<std::size_t>(i)); },
+        GetSetting(session, setting::JobCustomNumericLabelCaption[i]), Format::Amount,
+        GetSetting(session, setting::Jobs_UDNum_Format[i]));
+  return table;
+}
+
+TableOf<JobRecord> JobRowColumns(const Session& session) {
+  TableOf<JobRecord> table;
+  JobFields().AddColumns(table, SeenBy(session));
+  return table;
+}
+
+ListTable ListJobs(const Session& session) {
+  return TableOf<JobLine>()
+      .Add("JobNumber", &JobLine::JobNumber, "Job Number")
+      .Add("Items", &JobLine::items, "Job Items")
+      .Add(
+          "TotalQtyUsed", [](const JobLine& line) { return line.totals.QtyUsed; }, InUnit(session, "Qty Used"))
+      .Add(
+          "TotalCost", [&session](const JobLine& line) { return Money(session, line.totals.Cost); }, "Total Cost",
+          Format::Money, session.DecimalPlaces)
+      .Add("Date_Entered", &JobLine::entered, "Date Entered", Format::Date)
+      .Add("Date_Completed", &JobLine::completed, "Date Completed", Format::Date)
+      .Leads([](const JobLine& line) {
+        return RowTarget{.kind = RowTarget::Kind::Job, .name = line.JobNumber};
+      })
+      .Of([&session](const std::function<bool(const JobLine&)>& take) {
+        JobLine line;
+        bool more = true;
+        ForEachJobRecord(session, "1 = 1", {}, "JobNumber, Date_Entered", [&](const JobRecord& record) {
+          if (!line.rows.empty() && !EqualNoCase(line.JobNumber, record.JobNumber)) {
+            Finish(session, line);
+            more = take(line);
+            line = {};
+          }
+          if (line.rows.empty()) line.JobNumber = record.JobNumber;
+          line.rows.push_back(record);
+          return more;
+        });
+        if (!more || line.rows.empty()) return;
+        Finish(session, line);
+        take(line);
+      });
+}
+
+ListTable ListJobsOut(const Session& session) {
+  return TableOf<OutLine>()
+      .Add(
+          "JobNumber", [](const OutLine& line) { return line.first.JobNumber; }, "Job Number")
+      .Add(
+          "Database", [](const OutLine& line) { return line.first.Database; })
+      .Add(
+          "Color_Name", [](const OutLine& line) { return line.first.Color_Name; }, "Color Name")
+      .Add(
+          "LotNumber", [](const OutLine& line) { return line.first.LotNumber; }, "Lot Number")
+      .Add(
+          "LotContID", [](const OutLine& line) { return line.first.LotContID; }, "Lot Cont. ID")
+      .Add(
+          "QtyUsed", [](const OutLine& line) { return OfWholeUnits(line.used, 3); }, InUnit(session, "Qty Out"))
+      .Total("Totals")
+      .Add(
+          "Date_Entered", [](const OutLine& line) { return line.first.Date_Entered; }, "Out Since", Format::Date)
+      .Add("Days", &OutLine::days)
+      .Leads([](const OutLine& line) {
+        return RowTarget{.kind = RowTarget::Kind::Job, .name = line.first.JobNumber};
+      })
+      .Of([&session](const std::function<bool(const OutLine&)>& take) {
+        for (const OutLine& line : ReadOut(session))
+          if (!take(line)) return;
+      });
+}
+
+Sheet JobSheet(const Session& session, const Job& job) {
+  TableOf<JobRecord> items;
+  items.Add("", &JobRecord::ItemText, "Batch/Item")
+      .Add("", &JobRecord::Color_Name, "Color Name")
+      .Add("", &JobRecord::LotNumber, "Lot Number")
+      .Add("", &JobRecord::QtyIssued, InUnit(session, "Qty Issued"))
+      .Sum()
+      .Add("", &JobRecord::QtyUsed, InUnit(session, "Qty Used"))
+      .Total("Totals")
+      .Add("", Returned, InUnit(session, "Returned"))
+      .Sum();
+  AddAmounts(items, session, true);
+  const auto day = [](const std::optional<DateTime>& date) { return date ? date->DateText() : std::string(); };
+  Sheet sheet{.title = "Job Cost Sheet"};
+  sheet.blocks.push_back({.heading = job.JobNumber, .large = true});
+  SheetBlock head{.fields = {{"Date Entered", day(job.Date_Entered)},
+                             {"Date Completed", job.Date_Completed ? day(job.Date_Completed) : "open"}}};
+  std::string design;
+  for (const JobRecord& item : job.items)
+    if (design.empty() && !item.DesignID.empty())
+      design = item.DesignDesc.empty() ? item.DesignID : item.DesignID + " - " + item.DesignDesc;
+  if (!design.empty()) head.fields.push_back({"Design", design});
+  head.fields.push_back({InUnit(session, "Total Qty Used"), Fixed(job.totals.QtyUsed, 3)});
+  if (SeenBy(session).prices)
+    head.fields.push_back({"Total Cost", Fixed(job.totals.Cost, session.DecimalPlaces)});
+  head.fields.push_back({"Total VOCs", Fixed(job.totals.VOC, 3)});
+  head.fields.push_back({"Total HAPs", Fixed(job.totals.HAP, 3)});
+  sheet.blocks.push_back(std::move(head));
+  sheet.blocks.push_back({.table = items.Of(job.items)});
+  return sheet;
+}
+
+}  // namespace vellumark

@@ -1,0 +1,25 @@
+#pragma once
+
+#include <string_view>
+
+#include "core/base/sheet.h"
+#include "core/base/table.h"
+#include "core/jobs/job_record.h"
+
+namespace vellumark {
+
+// Jobs as people and programs see them. The session must outlive what is made here.
+
+/// The rows of a Job, for people: every title of the Job Window, of which all are shown.
+TableOf<JobRecord> JobColumns(const Session& session);
+/// The same for programs: the fields of the row.
+TableOf<JobRecord> JobRowColumns(const Session& session);
+/// A row for each Job, in the order of their numbers.
+ListTable ListJobs(const Session& session);
+/// What Jobs that are not closed still have out, by Job and container, the oldest first.
+ListTable ListJobsOut(const Session& session);
+
+/// The cost sheet of a Job: what it took, used and gave back, what that cost and emitted.
+Sheet JobSheet(const Session& session, const Job& job);
+
+}  // namespace vellumark
