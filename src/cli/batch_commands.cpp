@@ -6,11 +6,15 @@
 #include "cli/batch_output.h"
 #include "cli/color_fields.h"
 #include "cli/frame.h"
+#include "cli/scale_reading.h"
 #include "core/batch/bench.h"
+#include "core/batch/dispense.h"
 #include "core/batch/leave.h"
 #include "core/batch/open.h"
 #include "core/batch/store.h"
 #include "core/batch/ticket.h"
+#include "core/batch/weighing.h"
+#include "core/scale/scale_setup.h"
 
 namespace vellumark::cli {
 namespace {
@@ -124,6 +128,57 @@ Result<Json> ListRecycles(Context& context, const BatchInput& input) {
   return Json();
 }
 
+struct WeighOptions {
+  std::int32_t batchNo = 0;
+  std::size_t row = 1;
+  std::string weight;  // typed, in the Batch's unit; else the scale's
+  int seconds = 60;
+};
+
+// A row of a stored Batch from the scale: what the weighing window does for one row, and the save.
+Result<Json> WeighRow(Context& context, const WeighOptions& options) {
+  Session& session = context.session;
+  const ScaleSetup setup = ReadScaleSetup(session);
+  const WeighTolerance tolerance{setup.WeighTolerance, setup.WeighToleranceInPercent};
+  return OnStoredBatch(session, options.batchNo, [&](BatchRecord& record) -> Result<Json> {
+    const auto ticket = OpenWeighing(session, record, options.row - 1);
+    if (!ticket) return std::unexpected(ticket.error());
+    double poured = 0;
+    if (options.weight.empty()) {
+      const auto read = ReadSteadyWeight(session, options.seconds);
+      if (!read) return std::unexpected(read.error());
+      poured = InBatchUnit(*read, setup.ScaleUnit, ticket->UMF);
+    } else if (const auto typed = ParseNumber(options.weight)) {
+      poured = *typed;
+    } else {
+      return Refuse("Weigh Ingredient", fmt::format("{} is no weight.", options.weight), "--weight");
+    }
+    if (!AcceptPour(session.prompt, poured, ticket->target, tolerance.Of(ticket->target, ticket->UMF)))
+      return Declined("Weigh Ingredient", ticket->name);
+    const auto taken = TakePour(session, record, *ticket, poured, tolerance);
+    if (!taken) return std::unexpected(taken.error());
+    Json left = Json::array();
+    for (const WeighTicket& next : RowsToWeigh(record, tolerance, setup.WeighHeaviestFirst))
+      left.push_back({{"Row", next.row + 1}, {"Name", next.name}, {"Target", Fixed(next.target, 3)}});
+    BatchInput input;
+    if (const auto number = Store(session, record, input); !number) return std::unexpected(number.error());
+    return Json{{"BatchNo", options.batchNo},
+                {"Name", ticket->name},
+                {"Target", Fixed(ticket->target, 3)},
+                {"Weighed", Fixed(poured, 3)},
+                {"Reformulated", taken->overpour.reformulated},
+                {"Left", left}};
+  });
+}
+
+Result<Json> DispenseStoredBatch(Context& context, std::int32_t batchNo, const DispenseChoice& choice) {
+  const auto record = ReadBatch(context.session, batchNo);
+  if (!record) return NoBatch(context.session, batchNo);
+  const auto file = Dispense(context.session, *record, choice);
+  if (!file) return std::unexpected(file.error());
+  return Json{{"File", file->string()}};
+}
+
 struct ListOptions {
   std::string formula;
   int recent = 0;
@@ -167,10 +222,30 @@ void AddEditing(CLI::App& noun, Commands& commands) {
                [completed, off](Context& context) { return MarkComplete(context, *completed, !*off); });
 }
 
+void AddBench(CLI::App& noun, Commands& commands) {
+  auto* weigh = noun.add_subcommand("weigh", "Weigh a row of a stored Batch on the scale, and save it");
+  const auto weighed = std::make_shared<WeighOptions>();
+  weigh->add_option("NO", weighed->batchNo, "The Batch number")->required()->check(CLI::Range(1, 999999));
+  weigh->add_option("ROW", weighed->row, "The row, from 1")->required()->check(CLI::Range(1, 100));
+  weigh->add_option("--weight", weighed->weight, "What was poured, in the unit of the Batch; else the scale is read");
+  weigh->add_option("--seconds", weighed->seconds, "How long to wait for a weight that stands still")
+      ->check(CLI::Range(1, 3600));
+  commands.Add(weigh, Needs::Writable, [weighed](Context& context) { return WeighRow(context, *weighed); });
+
+  auto* dispense = noun.add_subcommand("dispense", "Write the file of a stored Batch for a dispenser");
+  const auto number = AddNumber(*dispense);
+  const auto choice = std::make_shared<DispenseChoice>();
+  dispense->add_option("DISPENSER", choice->dispenser, "The name of the dispenser")->required();
+  dispense->add_flag("--additives", choice->additives, "Dispense Additives too");
+  dispense->add_flag("--recycles", choice->recycles, "Dispense recycled ink too");
+  commands.Add(dispense, Needs::File,
+               [number, choice](Context& context) { return DispenseStoredBatch(context, *number, *choice); });
+}
+
 }  // namespace
 
 void AddBatchCommands(CLI::App& app, Commands& commands) {
-  CLI::App* noun = AddNoun(app, "batch", "Batches: calc, save, show, list, edit, delete, complete, ticket, recycles");
+  CLI::App* noun = AddNoun(app, "batch", "Batches: calc, save, show, list, edit, delete, complete, ticket, recycles, weigh, dispense");
 
   auto* calc = noun->add_subcommand("calc", "Calculate a Batch and store nothing");
   const auto input = std::make_shared<BatchInput>();
@@ -203,6 +278,7 @@ void AddBatchCommands(CLI::App& app, Commands& commands) {
   commands.Add(recycles, Needs::File, [into](Context& context) { return ListRecycles(context, *into); });
 
   AddEditing(*noun, commands);
+  AddBench(*noun, commands);
 }
 
 }  // namespace vellumark::cli

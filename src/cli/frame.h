@@ -125,6 +125,9 @@ void AddToolsCommands(CLI::App& app, Commands& commands);
 void AddStockCommands(CLI::App& app, Commands& commands);
 void AddBatchCommands(CLI::App& app, Commands& commands);
 void AddJobCommands(CLI::App& app, Commands& commands);
+/// The nouns `scale` and `dispenser`.
+void AddScaleCommands(CLI::App& app, Commands& commands);
+void AddDispenserCommands(CLI::App& app, Commands& commands);
 void AddReportCommands(CLI::App& app, Commands& commands);
 void AddFindCommands(CLI::App& app, Commands& commands);
 void AddUsersCommands(CLI::App& app, Commands& commands);

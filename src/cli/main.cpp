@@ -281,6 +281,8 @@ int Main(int argc, char** argv) {
   AddStockCommands(app, commands);
   AddBatchCommands(app, commands);
   AddJobCommands(app, commands);
+  AddScaleCommands(app, commands);
+  AddDispenserCommands(app, commands);
   AddReportCommands(app, commands);
   AddFindCommands(app, commands);
   AddUsersCommands(app, commands);

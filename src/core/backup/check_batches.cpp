@@ -135,6 +135,25 @@ void CheckJobItems(CheckRun& run) {
   });
 }
 
+void CheckScaleResults(CheckRun& run) {
+  for (const std::string& database : run.Databases()) {
+    const std::string results = TableName(database, schema::BatchScaleResults);
+    if (!run.file.TableExists(results)) continue;
+    Statement orphans = run.file.Prepare(
+        fmt::format("SELECT RowKey, ColorName, BatchID FROM {} t WHERE NOT EXISTS (SELECT 1 FROM {} b WHERE b.BatchNo = "
+                    "t.BatchID)",
+                    Quoted(results), QuotedTable(database, schema::Batch)));
+    run.FoundRows(results, orphans,
+                  [](const Statement& row) { return fmt::format("There is no Batch {}.", Called(row.Whole(2))); });
+    Statement twice = run.file.Prepare(fmt::format(
+        "SELECT MAX(RowKey), ColorName, BatchID FROM {} GROUP BY BatchID, IngType, ColorName HAVING COUNT(*) > 1",
+        Quoted(results)));
+    run.FoundRows(results, twice, [](const Statement& row) {
+      return fmt::format("It was weighed twice for the Batch {}.", Called(row.Whole(2)));
+    });
+  }
+}
+
 void CheckJobBatches(CheckRun& run) {
   if (!run.HasGlobalTables()) return;
   const std::string& jobs = schema::JobRecords.name;

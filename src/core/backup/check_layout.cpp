@@ -22,11 +22,14 @@ void ForEachTable(CheckRun& run, const std::function<void(const std::string& nam
     if (run.file.TableExists(schema::Users.name)) take(schema::Users.name, schema::Users);
   }
   for (const std::string& database : run.Databases())
-    for (const Table* table : schema::PerDatabase()) take(TableName(database, *table), *table);
+    for (const Table* table : schema::PerDatabase())
+      if (const std::string name = TableName(database, *table); run.file.TableExists(name)) take(name, *table);
 }
 
 bool Lacks(CheckRun& run, const std::string& name, const Table& table) {
   if (!run.file.TableExists(name)) {
+    // A copy of an earlier program has none, and is only looked at; what is worked in gets it at its opening.
+    if (&table == &schema::BatchScaleResults) return false;
     run.Found(name, 0, "", "The table is missing.");
     return true;
   }

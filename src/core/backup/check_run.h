@@ -103,6 +103,7 @@ void CheckStockHistory(CheckRun& run);
 
 void CheckBatchLines(CheckRun& run);
 void CheckBatchLots(CheckRun& run);
+void CheckScaleResults(CheckRun& run);
 void CheckJobBatches(CheckRun& run);
 void CheckJobItems(CheckRun& run);
 

@@ -44,6 +44,7 @@ constexpr CheckRule kRules[] = {
     {"StockHistory", "The stock of every color and lot is the sum of its history.", CheckDepth::Deep, false, CheckStockHistory},
     {"BatchLines", "Filled lines of a Batch come first and are of a known kind.", CheckDepth::Deep, false, CheckBatchLines},
     {"BatchLots", "What was taken from stock belongs to a line of a Batch.", CheckDepth::Deep, false, CheckBatchLots},
+    {"ScaleResults", "What was weighed belongs to a Batch, each color of a kind once.", CheckDepth::Deep, false, CheckScaleResults},
     {"JobBatches", "The Job Records of a Batch belong to one that exists, and it names its job.", CheckDepth::Deep, false,
      CheckJobBatches},
     {"JobItems", "An item of a Job bears its number, is of a known kind and used nothing below 0.", CheckDepth::Deep, false,

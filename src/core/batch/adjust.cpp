@@ -316,4 +316,28 @@ Result<Overpour> OverpourMixRow(Session& session, BatchWork& work, std::size_t r
   });
 }
 
+Result<void> SetMixRow(Session& session, BatchWork& work, std::size_t row, double poured) {
+  if (auto valid = CheckAdjustable(work); !valid) return valid;
+  const std::string name = RowOfKind(work, row, LineKind::Mix).name;
+  BatchWork before = work;
+  return ChangeRows(work, [&]() -> Result<void> {
+    std::vector<NamedAmount> rows = MixRows(work, work.RecycledColors.size());
+    rows[row].second = RoundSingle(poured, 3);
+    RestoreLists(session, work);
+    work.ClickedIndex = static_cast<std::int32_t>(row);
+    for (const auto& [color, used] : rows) AddRecycledColor(session, work, color, used);
+    SortRecycleList(work);
+    ShowCalculation(session, work);
+    bool kept = work.RecycledColors.size() == rows.size();
+    for (std::size_t i = 0; kept && i < rows.size(); ++i)
+      kept = Fixed(work.Rows[i].amount, 3) == Fixed(rows[i].second, 3);
+    if (kept) return {};
+    work = std::move(before);
+    return Refuse("Weigh Ingredient",
+                  fmt::format("The recipe does not take {} of {}.\nReformulate the Batch, or pour less.",
+                              AmountText(RoundSingle(poured, 3), work), name),
+                  "cmdSave");
+  });
+}
+
 }  // namespace vellumark

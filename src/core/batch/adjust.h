@@ -74,4 +74,8 @@ Result<Overpour> OverpourBasicRow(Session& session, BatchWork& work, std::size_t
 /// it the Batch grows until the row's maximum is what was poured. It never shrinks.
 Result<Overpour> OverpourMixRow(Session& session, BatchWork& work, std::size_t row, double poured);
 
+/// The row's amount is what was poured, whatever was chosen before or after it: those rows keep theirs and the basics give
+/// way. Refuses, and changes nothing, where the recipe does not take all of them.
+Result<void> SetMixRow(Session& session, BatchWork& work, std::size_t row, double poured);
+
 }  // namespace vellumark

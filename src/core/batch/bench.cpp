@@ -182,6 +182,7 @@ Result<void> EnterBatchColor(Session& session, BatchRecord& record, std::string_
   if (record.state == BatchState::Edit)
     return Refuse(kEditStateTitle, "The Color Name of a saved Batch cannot be changed.", "Color_Name");
   ClearCalculation(work);
+  record.weighed.clear();
   work.Color_Name = *name;
   LoadFormulaIngredients(session, work);
   work.Ingredients.clear();
@@ -195,6 +196,7 @@ Result<void> EnterBatchUnit(Session& session, BatchRecord& record, int unit) {
     return Refuse("Batch Window", fmt::format("There is no unit of the code {}.", unit), "cmbUMF");
   return Alter(session, record, [&]() -> Result<void> {
     ClearCalculation(record.work);
+    record.weighed.clear();
     record.work.UMF = unit;
     return {};
   });
@@ -241,6 +243,10 @@ Result<Overpour> PourMixRow(Session& session, BatchRecord& record, std::size_t r
   auto result = Alter(session, record, [&] { return OverpourMixRow(session, record.work, row, poured); });
   if (result && result->reformulated) ResetBasicLots(record.work);
   return result;
+}
+
+Result<void> SetMixRowAsPoured(Session& session, BatchRecord& record, std::size_t row, double poured) {
+  return Alter(session, record, [&] { return SetMixRow(session, record.work, row, poured); });
 }
 
 Result<void> OpenAdditions(Session& session, BatchRecord& record) {

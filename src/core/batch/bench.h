@@ -47,6 +47,9 @@ Result<Overpour> PourBasicRow(Session& session, BatchRecord& record, std::size_t
 /// What the scale read of a recycled row that was poured too full.
 Result<Overpour> PourMixRow(Session& session, BatchRecord& record, std::size_t row, double poured);
 
+/// The same without reformulating: its amount is what was poured. Refused where the recipe does not take so much.
+Result<void> SetMixRowAsPoured(Session& session, BatchRecord& record, std::size_t row, double poured);
+
 /// The additions mark: whether AddAdditionForm opens.
 Result<void> OpenAdditions(Session& session, BatchRecord& record);
 Result<void> AddBatchAdditions(Session& session, BatchRecord& record, const std::vector<AdditionLine>& lines);

@@ -9,6 +9,7 @@
 #include "core/batch/made.h"
 #include "core/batch/open.h"
 #include "core/batch/saving.h"
+#include "core/batch/scale_results.h"
 #include "core/batch/store.h"
 #include "core/batch/takings.h"
 #include "core/colors/color_dates.h"
@@ -91,6 +92,7 @@ void DeleteStored(Session& session, BatchRecord& record, bool returnIngredients)
   DropHold(session, record.BatchNo);
   RemoveMadeColor(session, record);
   DeleteTakings(session, record.BatchNo);
+  DeleteScaleResults(session, record.BatchNo);
   session.File()
       .Prepare(fmt::format("DELETE FROM {} WHERE RowKey = ?1", session.QuotedTable(schema::Batch)))
       .Bind(1, record.key)

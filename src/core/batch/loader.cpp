@@ -14,6 +14,7 @@
 #include "core/batch/recipe.h"
 #include "core/batch/recycle_list.h"
 #include "core/batch/rows.h"
+#include "core/batch/scale_results.h"
 
 namespace vellumark {
 namespace {
@@ -302,6 +303,7 @@ std::optional<BatchRecord> LoadBatchRow(Session& session, std::int64_t key, cons
   if (record.formulaUnchanged) RefreshRecycleList(session, work);
   ReadCosts(session, row, work);
   ReadStock(session, record);
+  record.weighed = ReadScaleResults(session, record.BatchNo);
   TakeLots(session, record, takings);
   FillOldLines(record);
   RememberRecord(record);

@@ -5,6 +5,7 @@
 #include <algorithm>
 
 #include "core/base/text.h"
+#include "core/batch/weighing.h"
 #include "core/colors/additive_sets.h"
 #include "core/colors/amounts.h"
 #include "core/colors/basics.h"
@@ -30,6 +31,11 @@ std::int32_t SortOf(const BatchWork& work, const std::string& name) {
   return 0;
 }
 
+// What weighing left over or under is no wish to change the formula.
+float MeantAmount(const BatchRecord& record, const BatchIngredient& addition) {
+  return RoundSingle(RoundTo(addition.Amount, 3) - RoundTo(WeighedDifference(record, addition.IngName), 3), 3);
+}
+
 Folded FoldBatch(const Session& session, const BatchRecord& record) {
   const BatchWork& work = record.work;
   Folded folded;
@@ -41,7 +47,8 @@ Folded FoldBatch(const Session& session, const BatchRecord& record) {
   }
   Recipe additions;
   for (const BatchIngredient& i : work.Ingredients) folded.recipe.push_back({i.IngName, ShownAmount(i.Amount)});
-  for (const BatchIngredient& i : work.Additions) additions.push_back({i.IngName, ShownAmount(i.Amount)});
+  for (const BatchIngredient& i : work.Additions)
+    if (const float meant = MeantAmount(record, i); meant != 0) additions.push_back({i.IngName, ShownAmount(meant)});
   folded.recipe = FoldAdditions(std::move(folded.recipe), additions);
   if (!work.settings.userOrder) {
     std::ranges::stable_sort(folded.recipe, std::ranges::greater{}, &Ingredient::amount);
@@ -90,7 +97,9 @@ std::vector<Cell> NewFormulaCells(const Session& session, const BatchRecord& rec
 
 bool OffersFormulaChange(const Session& session, const BatchRecord& record) {
   const BatchWork& work = record.work;
-  return record.state == BatchState::Add && !work.Additions.empty() && work.RecycledColors.empty() &&
+  const bool additions = std::ranges::any_of(
+      work.Additions, [&](const BatchIngredient& addition) { return MeantAmount(record, addition) != 0; });
+  return record.state == BatchState::Add && additions && work.RecycledColors.empty() &&
          work.FormulaIngredients.size() + work.Additions.size() <= kMostFolded && RequireFormulaRight(session);
 }
 

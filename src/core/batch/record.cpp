@@ -119,6 +119,7 @@ bool RecordHasChanged(const Session& session, const BatchRecord& record) {
   const RememberedBatch& before = record.remembered;
   return record.work.Color_Name != before.Color_Name || ShownRows(record.work) != before.rows ||
          Compared(session, record.fields) != Compared(session, before.fields) || record.jobs != before.jobs ||
+         record.weighed != before.weighed ||
          record.ReturnedText() != before.returned || record.work.UMF != before.UMF ||
          !SameCosts(record.work.cost, before.cost) || !SameFigures(record.work.figures, before.figures) ||
          (session.InvLotTracking != 0 && AllLots(record.work) != before.lots);
@@ -130,6 +131,7 @@ void RememberRecord(BatchRecord& record) {
                        .lots = AllLots(record.work),
                        .fields = record.fields,
                        .jobs = record.jobs,
+                       .weighed = record.weighed,
                        .returned = record.ReturnedText(),
                        .UMF = record.work.UMF,
                        .cost = record.work.cost,

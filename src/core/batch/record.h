@@ -61,6 +61,17 @@ struct OldBatchLine {
   LotSelection lots;
 };
 
+/// What the scale said of the lines of one kind and name, in the Batch's unit.
+struct WeighedLine {
+  LineKind kind = LineKind::Basic;
+  std::string name{};
+  float BeginningWeight = 0;  ///< what was wanted
+  float EndingWeight = 0;     ///< what was poured
+  /// Of a Basic Color: what of that was put down as an addition.
+  float difference = 0;
+  bool operator==(const WeighedLine&) const = default;
+};
+
 /// What RecordHasChanged compares with.
 struct RememberedBatch {
   std::string Color_Name;
@@ -68,6 +79,7 @@ struct RememberedBatch {
   std::vector<LotSelection> lots;                    ///< one for each row, while Lotted Inventory is in use
   BatchFields fields;
   std::vector<BatchJobLine> jobs;
+  std::vector<WeighedLine> weighed;
   std::string returned;
   int UMF = 0;
   BatchCostModel cost;
@@ -92,6 +104,8 @@ struct BatchRecord {
   float returned = 0;              ///< what goes to stock of what is made
   std::int32_t LotRefID = 0;       ///< lot of the made colour; 0 Unlotted Inventory; -1 when nothing went to stock
   std::string madeLotNumber;       ///< of that lot, as it is on file: references repeat after a merge or a deletion
+
+  std::vector<WeighedLine> weighed;  ///< each kind and name once
 
   std::vector<OldBatchLine> OldLines;  ///< not empty: a saved Batch is open
   float oldReturned = 0;               ///< what the saved Batch has put into stock, in the inventory unit

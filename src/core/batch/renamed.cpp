@@ -34,8 +34,10 @@ class NewNames {
         Name(Kind::Mix, color.Color_Name);
         Slots(color);
       }
-    for (BatchRow& row : work.Rows) Name(row.kind == LineKind::Mix ? Kind::Mix : Kind::Basic, row.name);
+    for (BatchRow& row : work.Rows) Name(row.kind, row.name);
   }
+
+  void Name(LineKind kind, std::string& name) const { Name(kind == LineKind::Mix ? Kind::Mix : Kind::Basic, name); }
 
  private:
   const Change* Find(Kind kind, std::string_view name) const {
@@ -60,7 +62,10 @@ class NewNames {
 }  // namespace
 
 void FollowRenames(const Session& session, BatchRecord& record, const std::vector<Change>& changes) {
-  if (record.state != BatchState::Edit) NewNames(session, changes).GiveTo(record.work);
+  if (record.state == BatchState::Edit) return;
+  const NewNames names(session, changes);
+  names.GiveTo(record.work);
+  for (WeighedLine& line : record.weighed) names.Name(line.kind, line.name);
 }
 
 }  // namespace vellumark

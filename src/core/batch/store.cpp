@@ -17,6 +17,7 @@
 #include "core/batch/open.h"
 #include "core/batch/row_cells.h"
 #include "core/batch/saving.h"
+#include "core/batch/scale_results.h"
 #include "core/batch/takings.h"
 #include "core/colors/color_dates.h"
 #include "core/datafile/lifecycle.h"
@@ -40,6 +41,7 @@ class BatchStore {
     std::vector<BatchTaking> takings = PlanTakings(session_, record_);
     if (!isNew) DeleteTakings(session_, record_.BatchNo);
     WriteRow(isNew);
+    WriteScaleResults(session_, record_);
     // The date was set above to this very day, so the question whether the ingredients of a Batch of earlier days are
     // to be taken anew never arises: they are.
     granted_ = PostMadeColor(session_, record_);

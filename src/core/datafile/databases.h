@@ -10,7 +10,7 @@
 
 namespace vellumark {
 
-/// A Database is a name and ten tables whose names start with it; `FileInfo.DBList` keeps the names in menu order.
+/// A Database is a name and tables whose names start with it; `FileInfo.DBList` keeps the names in menu order.
 constexpr std::size_t kDatabaseNameLength = 15;
 
 /// The name as it will be stored: trimmed, upper case. Refused: empty, longer than 15 characters, a character other
@@ -22,7 +22,7 @@ Result<std::string> NewDatabaseName(std::string_view typed, const std::vector<st
 /// is trimmed and in upper case already, and not empty.
 std::optional<std::string> DatabaseNameFault(const std::string& name);
 
-/// Makes the ten tables, the `_Info` row of a plain Database and the entry in `DBList`, in one transaction.
+/// Makes the tables, the `_Info` row of a plain Database and the entry in `DBList`, in one transaction.
 void CreateEmptyDatabase(Database& file, const std::string& name);
 
 /// Whether the file's own list of Databases is empty and no table of one is there.

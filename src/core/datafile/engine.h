@@ -141,9 +141,9 @@ class Database {
   /// Makes an index unless the file has it; true when it was made. With `where`, of those rows only.
   virtual bool EnsureIndex(std::string_view table, std::string_view name, const std::vector<std::string>& fields,
                            std::string_view where = {}) = 0;
-  /// Makes the indexes of the layout that the tables of these Databases lack, as far as the tables are whole: an older
+  /// Makes the table of weighing and the indexes of the layout that these Databases lack, as far as the tables are whole: an older
   /// program made their file without them.
-  virtual void CompleteIndexes(const std::vector<std::string>& databases) = 0;
+  virtual void CompleteLayout(const std::vector<std::string>& databases) = 0;
   /// The fields and indexes that stand in the file; of all tables, without a name.
   virtual std::vector<std::string> StoredFields(std::string_view table) = 0;
   virtual std::vector<std::string> StoredIndexes(std::string_view table = {}) = 0;

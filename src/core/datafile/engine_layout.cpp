@@ -94,14 +94,19 @@ bool SqliteDatabase::EnsureIndex(std::string_view table, std::string_view name, 
   return true;
 }
 
-void SqliteDatabase::CompleteIndexes(const std::vector<std::string>& databases) {
+void SqliteDatabase::CompleteLayout(const std::vector<std::string>& databases) {
   const std::vector<std::string> present = StoredIndexes({});
   Transaction transaction(*this);
+  for (const std::string& database : databases)
+    if (const std::string name = TableName(database, schema::BatchScaleResults);
+        !TableExists(name) && TableExists(TableName(database, schema::Batch)))
+      CreateTable(name, schema::BatchScaleResults);
   for (const std::string& database : databases)
     for (const Table* table : schema::PerDatabase()) {
       const std::string name = TableName(database, *table);
       for (const IndexFields& fields : table->indexes)
-        if (!Holds(present, IndexName(name, fields)) && TableExists(name) && MissingFields(*this, name, *table).empty())
+        if (table != &schema::BatchScaleResults && !Holds(present, IndexName(name, fields)) && TableExists(name) &&
+            MissingFields(*this, name, *table).empty())
           CreateIndex(*this, name, fields);
     }
   transaction.Commit();

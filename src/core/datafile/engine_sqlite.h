@@ -24,7 +24,7 @@ class SqliteDatabase final : public Database {
   void MakeScratchTable(std::string_view name, const Table& table) override;
   bool EnsureIndex(std::string_view table, std::string_view name, const std::vector<std::string>& fields,
                    std::string_view where) override;
-  void CompleteIndexes(const std::vector<std::string>& databases) override;
+  void CompleteLayout(const std::vector<std::string>& databases) override;
   std::vector<std::string> StoredFields(std::string_view table) override;
   std::vector<std::string> StoredIndexes(std::string_view table) override;
   void AddMissingFields(std::string_view name, const Table& table) override;

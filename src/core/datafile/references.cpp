@@ -35,6 +35,7 @@ std::vector<Place> PlacesOf(ColorKind kind) {
   }
   places.push_back({schema::Batch, "IngName", schema::kBatchLines, "IngType"});
   places.push_back({schema::BatchLotInv, "IngName", 0, "IngType"});
+  places.push_back({schema::BatchScaleResults, "ColorName", 0, "IngType"});
   if (!mix) {
     places.push_back({schema::BasicLotInv, "LotCName"});
     places.push_back({schema::BasicLab, "Color_Name"});

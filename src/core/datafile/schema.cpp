@@ -229,6 +229,12 @@ const Table Additives{"_Additives",
 const Table Info{
     "_Info", {Text("FullName", 50), Memo("Disclaimer"), Memo("TradeMark"), Text("TemplateFile", 30, kZero)}, {}};
 
+// What the scale said of a line of a Batch: `BeginningWeight` was wanted, `EndingWeight` was poured, in the Batch's unit.
+const Table BatchScaleResults{
+    "_BatchScaleResults",
+    {Long("BatchID"), Text("ColorName", 30), Single("BeginningWeight"), Single("EndingWeight"), Byte("IngType")},
+    {{"BatchID"}, {"ColorName"}}};
+
 // The system's own. A line of the history has borne its number under this name from the first.
 const Table StockHistory{
     "MSysStockHistory",
@@ -256,8 +262,8 @@ const std::vector<const Table*>& Global() {
 }
 
 const std::vector<const Table*>& PerDatabase() {
-  static const std::vector<const Table*> tables{&Basic,  &BasicLotInv, &BasicLab,    &Mix,       &MixLotInv,
-                                                &MixLab, &Batch,       &BatchLotInv, &Additives, &Info};
+  static const std::vector<const Table*> tables{&Basic, &BasicLotInv, &BasicLab,  &Mix,  &MixLotInv,        &MixLab,
+                                                &Batch, &BatchLotInv, &Additives, &Info, &BatchScaleResults};
   return tables;
 }
 

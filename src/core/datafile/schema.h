@@ -37,13 +37,13 @@ struct Table {
 
 namespace schema {
 extern const Table FileInfo, Designs, Dispenser, JobRecords, Users;
-extern const Table Basic, BasicLotInv, BasicLab, Mix, MixLotInv, MixLab, Batch, BatchLotInv, Additives, Info;
+extern const Table Basic, BasicLotInv, BasicLab, Mix, MixLotInv, MixLab, Batch, BatchLotInv, Additives, Info, BatchScaleResults;
 /// What the system needs beyond: it stands beside the Databases, and the names of colours under way in no file at all.
 extern const Table StockHistory, OpenBatch, PendingRollUps, LoginFailures, NewNames;
 
 /// The four tables of a new file, in the order of creation (`Users` comes with the login feature).
 const std::vector<const Table*>& Global();
-/// The ten tables of a Database, in the order of creation.
+/// The tables of a Database, in the order of creation.
 const std::vector<const Table*>& PerDatabase();
 
 constexpr int kIngredientSlots = 15;  ///< BC0..BC14 of a formula

@@ -193,6 +193,26 @@ constexpr auto kLater = std::to_array<const SettingInfo*>({
     &DbFileName40,
 });
 
+// Of the scale's own file: what the ladder makes it with, and what comes in later.
+constexpr auto kScaleFile = std::to_array<const SettingInfo*>({
+    &CommPort,
+    &BaudRate,
+    &Parity,
+    &WordLen,
+    &StopBit,
+    &Echo,
+    &NetID,
+});
+constexpr auto kScaleLater = std::to_array<const SettingInfo*>({
+    &Handshaking,
+    &ScaleUnit,
+    &ScaleCapacity,
+    &WeighTolerance,
+    &WeighToleranceInPercent,
+    &WeighHeaviestFirst,
+    &ScaleIsOn,
+});
+
 // Known by the end of a key; the longer one stands first.
 constexpr auto kOfWindows = std::to_array<const SettingInfo*>({
     &SecondSortOrder, &SecondSortCol,  &SortOrder,  &SortCol,     &Columns,   &ColWidth,        &DateRange,
@@ -292,6 +312,19 @@ const SettingInfo* FindSetting(std::string_view key) {
   for (const SettingInfo* info : kOfWindows)
     if ((info == &ColWidth ? WithoutNumber(key) : key).ends_with(info->key)) return info;
   return nullptr;
+}
+
+SupportRecords DefaultScaleSettings() {
+  SupportRecords records(RecordShape::KeyValue);
+  for (const SettingInfo* info : kScaleFile)
+    for (const SettingText& text : InitialValues(*info)) records.Append(text.key, text.value);
+  return records;
+}
+
+std::vector<const SettingInfo*> ScaleFileSettings() {
+  std::vector<const SettingInfo*> all(kScaleFile.begin(), kScaleFile.end());
+  all.insert(all.end(), kScaleLater.begin(), kScaleLater.end());
+  return all;
 }
 
 std::vector<std::string> UnusableSettings(const SupportRecords& settings) {

@@ -33,6 +33,11 @@ SupportRecords DefaultSettings();
 /// any text.
 const SettingInfo* FindSetting(std::string_view key);
 
+/// The whole content of a new scale file.
+SupportRecords DefaultScaleSettings();
+/// Every setting that the scale file can hold, those of later times too, in the order of the file.
+std::vector<const SettingInfo*> ScaleFileSettings();
+
 /// What is wrong with the values that mean nothing in their setting, one sentence each, in the order of the file.
 std::vector<std::string> UnusableSettings(const SupportRecords& settings);
 

@@ -50,17 +50,7 @@ void LadderRun::AddReportKeys(const ReportWindow& report) {
 }
 
 void LadderRun::MakeScaleFile() {
-  constexpr auto defaults = std::to_array<std::pair<std::string_view, std::string_view>>({
-      {"CommPort", ""},
-      {"BaudRate", "300"},
-      {"Parity", "Odd"},
-      {"WordLen", "7"},
-      {"StopBit", "1"},
-      {"Echo", "0"},
-      {"NetID", ""},
-  });
-  scale_.emplace(RecordShape::KeyValue);
-  for (const auto& [key, value] : defaults) scale_->Append(key, value);
+  scale_ = DefaultScaleSettings();
 }
 
 SupportRecords& LadderRun::Opened(Opening& records, const SupportFile& file) {
@@ -71,7 +61,8 @@ SupportRecords& LadderRun::Opened(Opening& records, const SupportFile& file) {
 void LadderRun::AddHandshaking() {
   if (!scale_ && !files_.scale.HoldsRecords()) MakeScaleFile();
   SupportRecords& records = Opened(scale_, files_.scale);
-  if (!records.Contains("Handshaking")) records.Append("Handshaking", "comXOnXoff");
+  const SettingInfo& added = setting::Handshaking;
+  if (!records.Contains(added.key)) records.Append(added.key, added.initial);
 }
 
 // The copies hold what the files hold at this step, changes of the steps before it included.

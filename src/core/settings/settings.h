@@ -171,6 +171,28 @@ inline constexpr Setting<std::string> CustomDateRanges{
 inline constexpr Setting<std::string> ReportExportForm_DefaultExportLocation{"ReportExportForm_DefaultExportLocation",
                                                                              "", "folder that reports are written to"};
 
+// ---- The scale, in a file of its own: vk50scaledf.dat
+
+inline constexpr Setting<std::string> CommPort{"CommPort", "", "port of the scale; empty: it was never set up"};
+inline constexpr Setting<int> BaudRate{"BaudRate", "300", "300, 600, 1200, 2400, 4800 or 9600", {300, 9600}};
+inline constexpr Setting<std::string> Parity{"Parity", "Odd", "Odd, Even or None"};
+inline constexpr Setting<int> WordLen{"WordLen", "7", "bits of a character, 7 or 8", {7, 8}};
+inline constexpr Setting<int> StopBit{"StopBit", "1", "stop bits, 1 or 2", {1, 2}};
+inline constexpr Setting<int> Echo{"Echo", "0", "passed to the scale", {0, 9}};
+inline constexpr Setting<int> NetID{"NetID", "", "passed to the scale", {0, 255}};
+inline constexpr Setting<std::string> Handshaking{"Handshaking", "comXOnXoff",
+                                                  "comNone, comXOnXoff, comRTS or comRTSXOnXOff"};
+inline constexpr Setting<int> ScaleUnit{
+    "ScaleUnit", "0", "unit that the scale shows, numbered as UMI; 0 the unit of the Batch", {0, 4}};
+inline constexpr Setting<float> ScaleCapacity{"ScaleCapacity", "0",
+                                              "heaviest load of the scale in its unit; 0 none that matters"};
+inline constexpr Setting<float> WeighTolerance{"WeighTolerance", "0", "what counts as on target; 0 nothing but the target"};
+inline constexpr Setting<bool> WeighToleranceInPercent{"WeighToleranceInPercent", "0",
+                                                       "the tolerance is a percentage of the target; 0 grams"};
+inline constexpr Setting<bool> WeighHeaviestFirst{"WeighHeaviestFirst", "0",
+                                                  "weighing goes from the heaviest row on; 0 in the order of the rows"};
+inline constexpr Setting<std::string> ScaleIsOn{"ScaleIsOn", "", "port and line settings of a scale that was left on"};
+
 // ---- Of each list window or report, behind its prefix
 
 inline constexpr WindowSetting<std::string> Columns{

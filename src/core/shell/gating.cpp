@@ -21,15 +21,9 @@ struct State {
   bool fileOpen;
   bool logged;
   bool users;  // the file has users
-  bool scalePort;
 
   bool MayDo(Act act) const { return vellumark::MayDo(session, act); }
 };
-
-bool HasScalePort(const Session& session) {
-  return session.support && session.support->scale.Exists() &&
-         !session.support->scale.GetSupportValue("CommPort").empty();
-}
 
 State StateOf(const Session& session) {
   return {session,
@@ -37,8 +31,7 @@ State StateOf(const Session& session) {
           session.RecordsetsOpen,
           session.DataFileOpen,
           !session.CurrentUser.empty(),
-          UsersEnabled(session),
-          HasScalePort(session)};
+          UsersEnabled(session)};
 }
 
 using Test = bool (*)(const State&);
@@ -159,7 +152,7 @@ const Entry kEntries[] = {
     {"menu_Pantone", "MenuHelp", "&Pantone"},
     {"menu_Pantone_Disclaimer", "menu_Pantone", "Disclaimor"},
 
-    {"menuScale", "", "&Scale", Always, [](const State& s) { return s.scalePort; }},
+    {"menuScale", "", "&Scale"},
     {"menuScale_Setup", "menuScale", "Setup"},
     {"menuScale_PowerOn", "menuScale", "Power On", [](const State& s) { return s.session.ScalePowered != 1; }},
     {"menuScale_PowerOff", "menuScale", "Power Off", [](const State& s) { return s.session.ScalePowered == 1; }},

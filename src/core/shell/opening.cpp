@@ -140,9 +140,9 @@ void OpenContent(Session& session, const FileInfoRow& info, OpeningWindows& wind
   session.ItemNumber = info.itemNumber;
   session.DataFileOpen = true;
   session.databaseList = info.dbList;
+  if (!session.ArchiveView) session.File().CompleteLayout(info.dbList);
   TellWhatIsUnsound(session);
   if (!session.ArchiveView) {
-    session.File().CompleteIndexes(info.dbList);
     if (HasStockHistory(session.File())) {
       BringStockHistoryUpToDate(session.File(), info.dbList);
     } else {

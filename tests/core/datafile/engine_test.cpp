@@ -242,6 +242,7 @@ TEST(RowKeys, AnOlderFileGetsThemOnceAndKeepsThem) {
   EXPECT_EQ(KeylessFile::Rows(*file), kKeylessRows);
   EXPECT_TRUE(file->Faults().empty());
   EXPECT_EQ(fs::file_size(old.path), bytes.size());
+  file->CompleteLayout({"INK"});
   // It is laid out as a new one, with the same indexes, and shows the keys among no table's fields.
   const NewFile fresh;
   EXPECT_EQ(file->TableNames(), fresh.file->TableNames());

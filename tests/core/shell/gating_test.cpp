@@ -158,13 +158,9 @@ TEST(Gating, TheTreeIsWhole) {
   EXPECT_FALSE(MenuItemNow(desk.session, "menuDFOptions_Autofill").checked);
 }
 
-TEST(Gating, TheScaleMenuComesWithAPort) {
+TEST(Gating, TheScaleIsSetUpWithoutAPortAndWhileItIsOffOnly) {
   Desk desk;
-  EXPECT_FALSE(desk.Visible("menuScale"));
-  desk.session.support->scale.Write(SupportRecords(RecordShape::KeyValue, {{"", "CommPort", ""}}));
-  EXPECT_FALSE(desk.Visible("menuScale"));
-  desk.session.support->scale.SetSupportValue("CommPort", "3");
-  EXPECT_TRUE(desk.Visible("menuScale"));
+  EXPECT_TRUE(desk.Enabled("menuScale_Setup"));
   EXPECT_TRUE(CheckScaleSetup(desk.session));
   EXPECT_TRUE(desk.Enabled("menuScale_PowerOn"));
   desk.session.ScalePowered = 1;

@@ -1,0 +1,234 @@
+#include "core/batch/weighing.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <cmath>
+#include <utility>
+
+#include "core/base/text.h"
+#include "core/base/units.h"
+#include "core/batch/bench.h"
+
+namespace vellumark {
+namespace {
+
+constexpr double kRounding = 0.002;
+constexpr const char* kTitle = "Weigh Ingredient";
+
+bool Is(const WeighedLine& line, LineKind kind, std::string_view name) {
+  return line.kind == kind && EqualNoCase(line.name, name);
+}
+
+double Weighed(const BatchRecord& record, LineKind kind, std::string_view name) {
+  const auto found = std::ranges::find_if(record.weighed, [&](const WeighedLine& line) { return Is(line, kind, name); });
+  return found == record.weighed.end() ? 0 : RoundTo(found->EndingWeight, 3);
+}
+
+// What the row wants altogether.
+double Wanted(const BatchRecord& record, const BatchRow& row) {
+  double wanted = row.amount;
+  if (row.kind == LineKind::Basic)
+    for (const BatchIngredient& addition : record.work.Additions)
+      if (addition.Amount < 0 && EqualNoCase(addition.IngName, row.name)) wanted += RoundTo(addition.Amount, 3);
+  return RoundTo(std::max(wanted, 0.0), 3);
+}
+
+// What was poured of the Basic Color beyond its own row.
+double Surplus(const BatchRecord& record, std::string_view basic) {
+  const double weighed = Weighed(record, LineKind::Basic, basic);
+  for (const BatchRow& row : record.work.Rows)
+    if (row.kind == LineKind::Basic && EqualNoCase(row.name, basic))
+      return std::max(0.0, weighed - Wanted(record, row));
+  return weighed;
+}
+
+double Had(const BatchRecord& record, const BatchRow& row) {
+  const double own = Weighed(record, row.kind, row.name);
+  return row.kind == LineKind::Addition ? own + Surplus(record, row.name) : own;
+}
+
+WeighTicket TicketOf(const BatchRecord& record, std::size_t place) {
+  const BatchRow& row = record.work.Rows.at(place);
+  const double had = RoundTo(Had(record, row), 3);
+  return {.BatchNo = record.BatchNo,
+          .row = place,
+          .kind = row.kind,
+          .name = row.name,
+          .amount = row.amount,
+          .before = had,
+          .target = RoundTo(Wanted(record, row) - had, 3),
+          .UMF = record.work.UMF};
+}
+
+void Note(BatchRecord& record, const WeighTicket& ticket, double poured, double difference) {
+  auto found = std::ranges::find_if(record.weighed,
+                                    [&](const WeighedLine& line) { return Is(line, ticket.kind, ticket.name); });
+  if (found == record.weighed.end())
+    found = record.weighed.insert(record.weighed.end(), {.kind = ticket.kind, .name = ticket.name});
+  found->BeginningWeight = RoundSingle(RoundTo(found->EndingWeight, 3) + ticket.target, 3);
+  found->EndingWeight = RoundSingle(RoundTo(found->EndingWeight, 3) + poured, 3);
+  found->difference = RoundSingle(RoundTo(found->difference, 3) + difference, 3);
+}
+
+std::optional<std::size_t> PlaceOf(const BatchRecord& record, LineKind kind, std::string_view name) {
+  const auto& rows = record.work.Rows;
+  const auto found = std::ranges::find_if(
+      rows, [&](const BatchRow& row) { return row.kind == kind && EqualNoCase(row.name, name); });
+  if (found == rows.end()) return std::nullopt;
+  return static_cast<std::size_t>(found - rows.begin());
+}
+
+// The Basic Color's difference becomes an addition, or goes into the one that stands.
+Result<void> AddDifference(Session& session, BatchRecord& record, const std::string& name, double difference) {
+  const auto addition = PlaceOf(record, LineKind::Addition, name);
+  if (!addition) return AddBatchAdditions(session, record, {{name, Fixed(difference, 3)}});
+  const double amount = RoundTo(record.work.Rows[*addition].amount + difference, 3);
+  return ApplyAdditionRow(session, record, *addition, Fixed(amount, 3));
+}
+
+Result<void> RecordAsWeighed(Session& session, BatchRecord& record, const WeighTicket& ticket, double difference) {
+  switch (ticket.kind) {
+    case LineKind::Basic:
+      return AddDifference(session, record, ticket.name, difference);
+    case LineKind::Addition:
+      return ApplyAdditionRow(session, record, ticket.row, Fixed(RoundTo(ticket.amount + difference, 3), 3));
+    case LineKind::Mix:
+      break;
+  }
+  return SetMixRowAsPoured(session, record, ticket.row, RoundTo(ticket.amount + difference, 3));
+}
+
+// The question of an over-pour, and what follows a Yes.
+Result<Overpour> AskToReformulate(Session& session, BatchRecord& record, const WeighTicket& ticket, double difference) {
+  const double amount = RoundTo(ticket.amount + difference, 3);
+  if (ticket.kind == LineKind::Mix) return PourMixRow(session, record, ticket.row, amount);
+  if (ticket.kind != LineKind::Basic) return Overpour{};
+  // Weighing asks whatever the setting says of amounts that are typed.
+  const bool setting = std::exchange(record.work.settings.Overpour, true);
+  auto poured = PourBasicRow(session, record, ticket.row, Fixed(amount, 3));
+  record.work.settings.Overpour = setting;
+  for (BatchRow& row : record.work.Rows)
+    if (row.kind == LineKind::Basic) row.adjustable = setting;
+  return poured;
+}
+
+}  // namespace
+
+double WeighTolerance::Of(double target, int unit) const {
+  if (!(amount > 0)) return 0;
+  if (inPercent) return RoundTo(target * amount / 100, 6);
+  return static_cast<double>(amount) * static_cast<double>(UnitFactor(UnitGram, unit));
+}
+
+std::vector<WeighTicket> RowsToWeigh(const BatchRecord& record, const WeighTolerance& tolerance, bool heaviestFirst) {
+  std::vector<WeighTicket> tickets;
+  for (std::size_t i = 0; i < record.work.Rows.size(); ++i) {
+    WeighTicket ticket = TicketOf(record, i);
+    const double left =
+        ticket.before > 0 ? std::max(kRounding, tolerance.Of(ticket.before + ticket.target, ticket.UMF)) : 0;
+    if (ticket.target > left + 1e-9) tickets.push_back(std::move(ticket));
+  }
+  if (heaviestFirst) std::ranges::stable_sort(tickets, std::ranges::greater{}, &WeighTicket::target);
+  return tickets;
+}
+
+Result<WeighTicket> OpenWeighing(Session& session, BatchRecord& record, std::size_t row) {
+  if (record.state == BatchState::None || row >= record.work.Rows.size())
+    return Refuse(kTitle, "There is no such row to weigh.", "fgRecList");
+  if (auto editable = CheckEditable(session, record); !editable) return std::unexpected(editable.error());
+  if (auto adjustable = CheckAdjustable(record.work); !adjustable) return std::unexpected(adjustable.error());
+  WeighTicket ticket = TicketOf(record, row);
+  if (ticket.target > 0) return ticket;
+  return Refuse(kTitle, fmt::format("{} needs no more to be weighed.", ticket.name), "fgRecList");
+}
+
+WeighProgress FollowPour(double poured, double target, double tolerance) {
+  using enum WeighColor;
+  const std::int64_t reading = WholeUnits(poured, 3);
+  const std::int64_t wanted = std::max<std::int64_t>(WholeUnits(target, 3), 1);
+  if (reading < 0) return {.p = -1, .bar = 0, .percent = "0%", .color = Red};
+  WeighProgress progress;
+  progress.percent = Fixed(static_cast<double>(reading) * 100 / static_cast<double>(wanted), 0) + "%";
+  const bool onTarget = ComparePour(poured, target, tolerance) == PourEnd::OnTarget;
+  if (reading > wanted) {
+    progress.p = 101;
+    progress.bar = 100;
+    progress.color = onTarget ? FullGreen : Red;
+    return progress;
+  }
+  // Whole numbers, of which no quotient falls just under its percent.
+  progress.p = progress.bar = static_cast<int>(reading * 100 / wanted);
+  progress.color = onTarget || progress.p >= 95 ? FullGreen
+                   : progress.p >= 90           ? Green
+                   : progress.p >= 75           ? LightGreen
+                                                : White;
+  return progress;
+}
+
+PourEnd ComparePour(double poured, double target, double tolerance) {
+  const std::int64_t over = WholeUnits(poured, 3) - WholeUnits(target, 3);
+  if (over == 0 || std::abs(OfWholeUnits(over, 3)) <= tolerance + 1e-9) return PourEnd::OnTarget;
+  return over > 0 ? PourEnd::Over : PourEnd::Under;
+}
+
+bool AcceptPour(Prompt& prompt, double poured, double target, double tolerance) {
+  switch (ComparePour(poured, target, tolerance)) {
+    case PourEnd::Over:
+      return prompt.Ask("Scale weight is over desired amount", "OK to use overweight value?");
+    case PourEnd::Under:
+      return prompt.Ask("Scale weight is under desired amount", "OK to use underweight value?");
+    case PourEnd::OnTarget:
+      break;
+  }
+  return true;
+}
+
+Result<PouredRow> TakePour(Session& session, BatchRecord& record, const WeighTicket& ticket, double weight,
+                           const WeighTolerance& tolerance) {
+  const auto place = PlaceOf(record, ticket.kind, ticket.name);
+  if (record.BatchNo != ticket.BatchNo || !place || record.work.Rows[*place].amount != ticket.amount)
+    return Refuse(kTitle,
+                  fmt::format("The Batch was changed while {} was on the scale.\nIts row is not what it was; "
+                              "the weight was not taken.",
+                              ticket.name),
+                  "fgRecList");
+  WeighTicket here = ticket;
+  here.row = *place;
+  const double poured = RoundTo(weight, 3);
+  if (!(poured > 0)) return Refuse(kTitle, "Nothing was poured.", "cmdSave");
+  if (auto editable = CheckEditable(session, record); !editable) return std::unexpected(editable.error());
+  if (auto adjustable = CheckAdjustable(record.work); !adjustable) return std::unexpected(adjustable.error());
+  const PourEnd end = ComparePour(poured, here.target, tolerance.Of(here.target, here.UMF));
+  PouredRow done{.row = *place, .overpour = {}};
+  double difference = 0;
+  if (end != PourEnd::OnTarget) {
+    difference = RoundTo(poured - here.target, 3);
+    if (end == PourEnd::Over) {
+      auto asked = AskToReformulate(session, record, here, difference);
+      if (!asked) return std::unexpected(asked.error());
+      done.overpour = *std::move(asked);
+    }
+    if (done.overpour.reformulated) {
+      difference = 0;
+    } else if (auto recorded = RecordAsWeighed(session, record, here, difference); !recorded) {
+      return std::unexpected(recorded.error());
+    }
+  }
+  Note(record, here, poured, here.kind == LineKind::Basic ? difference : 0);
+  done.row = PlaceOf(record, here.kind, here.name).value_or(*place);
+  return done;
+}
+
+float WeighedDifference(const BatchRecord& record, std::string_view basic) {
+  for (const WeighedLine& line : record.weighed)
+    if (Is(line, LineKind::Basic, basic)) return line.difference;
+  return 0;
+}
+
+double InBatchUnit(double reading, int scaleUnit, int unit) {
+  if (scaleUnit == 0 || scaleUnit == unit) return RoundTo(reading, 3);
+  return RoundTo(reading * static_cast<double>(UnitFactor(scaleUnit, unit)), 3);
+}
+
+}  // namespace vellumark
