@@ -7,6 +7,7 @@
 #include "cli/color_fields.h"
 #include "cli/frame.h"
 #include "cli/scale_reading.h"
+#include "cli/record_export.h"
 #include "core/batch/bench.h"
 #include "core/batch/dispense.h"
 #include "core/batch/leave.h"
@@ -245,7 +246,7 @@ void AddBench(CLI::App& noun, Commands& commands) {
 }  // namespace
 
 void AddBatchCommands(CLI::App& app, Commands& commands) {
-  CLI::App* noun = AddNoun(app, "batch", "Batches: calc, save, show, list, edit, delete, complete, ticket, recycles, weigh, dispense");
+  CLI::App* noun = AddNoun(app, "batch", "Batches: calc, save, show, list, edit, delete, complete, ticket, recycles, weigh, dispense, export");
 
   auto* calc = noun->add_subcommand("calc", "Calculate a Batch and store nothing");
   const auto input = std::make_shared<BatchInput>();
@@ -279,6 +280,7 @@ void AddBatchCommands(CLI::App& app, Commands& commands) {
 
   AddEditing(*noun, commands);
   AddBench(*noun, commands);
+  AddRecordExport(*noun, commands, "Batch Records", false);
 }
 
 }  // namespace vellumark::cli

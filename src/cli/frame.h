@@ -128,6 +128,8 @@ void AddJobCommands(CLI::App& app, Commands& commands);
 /// The nouns `scale` and `dispenser`.
 void AddScaleCommands(CLI::App& app, Commands& commands);
 void AddDispenserCommands(CLI::App& app, Commands& commands);
+void AddDesignCommands(CLI::App& app, Commands& commands);
+void AddEstimateCommands(CLI::App& app, Commands& commands);
 void AddReportCommands(CLI::App& app, Commands& commands);
 void AddFindCommands(CLI::App& app, Commands& commands);
 void AddUsersCommands(CLI::App& app, Commands& commands);

@@ -283,6 +283,8 @@ int Main(int argc, char** argv) {
   AddJobCommands(app, commands);
   AddScaleCommands(app, commands);
   AddDispenserCommands(app, commands);
+  AddDesignCommands(app, commands);
+  AddEstimateCommands(app, commands);
   AddReportCommands(app, commands);
   AddFindCommands(app, commands);
   AddUsersCommands(app, commands);

@@ -13,6 +13,7 @@
 #include "desktop/kit/text.h"
 #include "desktop/kit/wait_progress.h"
 #include "desktop/kit/window_list.h"
+#include "desktop/jobs/design_windows.h"
 #include "desktop/reports/register.h"
 #include "desktop/session/register.h"
 #include "desktop/settings/register.h"
@@ -46,6 +47,7 @@ int main(int argc, char** argv) {
   vellumark::desktop::RegisterToolsWindows(windows);
   vellumark::desktop::RegisterInventoryWindows(windows);
   vellumark::desktop::RegisterBatchWindows(windows);
+  vellumark::desktop::RegisterDesignWindows(windows);
   vellumark::desktop::RegisterReportsWindows(windows);
 
   vellumark::desktop::Program program(windows);

@@ -95,6 +95,8 @@ void CheckRollUps(CheckRun& run);
 void CheckAdditiveSets(CheckRun& run);
 void CheckFormulaSets(CheckRun& run);
 void CheckDesignSets(CheckRun& run);
+void CheckDesignPhotos(CheckRun& run);
+void CheckDesignColors(CheckRun& run);
 
 void CheckLotColors(CheckRun& run);
 void CheckLotReferences(CheckRun& run);

@@ -278,6 +278,36 @@ Result<void> PutDesignColor(Session& session, DesignWork& work, const DesignColo
   return {};
 }
 
+std::vector<std::string> DesignColorNames(const Session& session, std::string_view database) {
+  std::vector<std::string> names;
+  Statement row = session.File().Prepare(
+      fmt::format("SELECT Color_Name FROM {} UNION SELECT Color_Name FROM {} ORDER BY 1",
+                  Quoted(session.Table(schema::Basic, database)), Quoted(session.Table(schema::Mix, database))));
+  while (row.Step()) names.push_back(row.Text(0));
+  return names;
+}
+
+void FollowRenames(DesignWork& work, const std::vector<Change>& changes) {
+  const auto follow = [](Design& design, const Change& change) {
+    if (change.kind == Change::Kind::Design) {
+      if (EqualNoCase(design.DesignID, change.name)) design.DesignID = change.newName;
+      return;
+    }
+    std::vector<DesignColor> colors = design.Colors();
+    for (DesignColor& color : colors) {
+      if (change.kind == Change::Kind::DatabaseList && EqualNoCase(color.IngDB, change.database))
+        color.IngDB = change.newName;
+      if (change.kind == ChangeKind(color.Kind()) && EqualNoCase(color.IngDB, change.database) &&
+          EqualNoCase(color.IngName, change.name))
+        color.IngName = change.newName;
+    }
+    design.SetColors(colors);
+  };
+  for (const Change& change : changes)
+    if (change.what == Change::What::Renamed)
+      for (Design* design : {&work.design, &work.loaded}) follow(*design, change);
+}
+
 void RemoveDesignColor(DesignWork& work, std::string_view name) {
   std::vector<DesignColor> colors = work.design.Colors();
   std::erase_if(colors, [&](const DesignColor& color) { return EqualNoCase(color.IngName, name); });

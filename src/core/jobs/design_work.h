@@ -63,7 +63,12 @@ struct DesignColorEntry {
 };
 /// Adds the colour, or changes the line of its name.
 Result<void> PutDesignColor(Session& session, DesignWork& work, const DesignColorEntry& entry);
+/// All colours of a Database by name, of both kinds, each once.
+std::vector<std::string> DesignColorNames(const Session& session, std::string_view database);
 void RemoveDesignColor(DesignWork& work, std::string_view name);
+
+/// Colours, Databases and the Design itself that got another name while it is worked on bear it from now on.
+void FollowRenames(DesignWork& work, const std::vector<Change>& changes);
 
 /// A picture that was chosen, and is linked nowhere yet.
 struct PickedPhoto {

@@ -64,7 +64,7 @@ const FieldMap<Design>& DesignFields() {
         .Add("Impressions", &D::Impressions, typed)
         .Add("Length", &D::Length, typed)
         .Add("Width", &D::Width, typed)
-        .Add("Notes", &D::Notes, {.use = FieldUse::Typed, .shape = TextShape::Note, .format = Format::Notes})
+        .Add("Notes", &D::Notes, {.use = FieldUse::Typed, .shape = TextShape::Note})
         .Add("IngSet", &D::IngSet, derived);
     for (std::size_t n = 0; n < schema::kDesignSlots; ++n) {
       const auto add = [&](std::string_view word, auto member) {

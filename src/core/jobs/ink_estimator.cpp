@@ -108,6 +108,12 @@ Result<InkEstimate> EstimateFlexo(const Session& session, const FlexoWork& work)
                      kSquareFeetPerFactor};
 }
 
+Result<void> CheckAreaField(std::string_view field, std::string_view typed) {
+  const auto read = field == "Percent" ? ReadShare(typed) : ReadFigure(typed, field);
+  if (!read) return std::unexpected(read.error());
+  return {};
+}
+
 int Mileage(const Session& session, int ink, int stock) {
   const int mileage = GetSetting(session, setting::InkEstA[CellOf(ink, stock)]);
   return mileage > 0 ? mileage : DefaultMileage(session, ink, stock);

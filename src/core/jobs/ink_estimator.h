@@ -56,6 +56,9 @@ struct FlexoWork : PrintedArea {
 Result<InkEstimate> EstimateSheetfed(const Session& session, const SheetfedWork& work);
 Result<InkEstimate> EstimateFlexo(const Session& session, const FlexoWork& work);
 
+/// One field as it is left, refused as the estimate would: Length, Width, Impressions or Percent.
+Result<void> CheckAreaField(std::string_view field, std::string_view typed);
+
 /// Square inches that a pound of the ink prints on the stock: in force, and as delivered.
 int Mileage(const Session& session, int ink, int stock);
 int DefaultMileage(const Session& session, int ink, int stock);

@@ -10,6 +10,7 @@
 
 #include "core/base/text.h"
 #include "core/batch/bench.h"
+#include "core/batch/jobs.h"
 #include "core/session/settings.h"
 #include "desktop/batch/batch_form_took.h"
 #include "desktop/batch/figures_panel.h"
@@ -76,8 +77,21 @@ void BatchForm::OnOpen(const Arguments& arguments) {
     Go([&](BatchDialogs& dialogs) { return FindBatch(session, record_, dialogs, number); });
   } else if (arguments.Has("Color_Name") && record_.state == BatchState::None) {
     name_->SetText(arguments.Text("Color_Name"));
-    if (EnterName()) FocusField(kQuantityField);
+    if (!EnterName()) return;
+    FocusField(kQuantityField);
+    if (arguments.Has("Quantity")) BeginWith(arguments.Text("Quantity"), arguments.Text("JobNumber"));
   }
+}
+
+// Quantity and job as another window has worked them out: calculated at once, so that the job can be entered.
+void BatchForm::BeginWith(const std::string& quantity, const std::string& job) {
+  SetQuantityText(record_.work, quantity);
+  quantity_->SetText(quantity);
+  Calculate(!record_.work.settings.mixByDefault);
+  if (record_.state != BatchState::Add || job.empty()) return;
+  const Result<void> entered = EnterJobNumber(session, record_, job);
+  Show();
+  Took(entered);
 }
 
 void BatchForm::OnChanges(const std::vector<Change>& changes) {

@@ -83,6 +83,7 @@ class BatchForm : public Window {
 
   void Calculate(bool recycle);
   void FocusAfterCalculation();
+  void BeginWith(const std::string& quantity, const std::string& job);
   bool EnterName();
   void EnterUnit(int index);
   /// Everything that was typed and not left yet; false after a refusal was shown.

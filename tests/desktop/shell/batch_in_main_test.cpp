@@ -9,10 +9,12 @@
 #include <QTableWidget>
 
 #include "core/inventory/reorder.h"
+#include "core/jobs/design_work.h"
 #include "core/session/users.h"
 #include "desktop/batch/register.h"
 #include "desktop/colors/register.h"
 #include "desktop/inventory/register.h"
+#include "desktop/jobs/design_windows.h"
 #include "desktop/kit/message_prompt.h"
 #include "desktop/kit/text.h"
 #include "desktop/session/register.h"
@@ -37,6 +39,28 @@ struct BatchInMainTest : testing::Test, InkRoom {
 
   desktop::WindowList windows{session};
 };
+
+TEST_F(BatchInMainTest, ADesignMakesItsBatchWithQuantityAndJob) {
+  desktop::RegisterDesignWindows(windows);
+  auto work = BeginDesign(session, "BOX");
+  ASSERT_TRUE(PutDesignColor(session, *work, {"TARGET", "", {}, "4", "", {}}));
+  ASSERT_TRUE(EnterDesignField(*work, "Impressions", "1000"));
+  ASSERT_TRUE(SaveDesign(session, *work));
+  desktop::Window* bench = windows.OpenForm("DesignBenchForm", {{"DesignID", "BOX"}});
+  ShowActive(*bench);
+  Fill(*bench, "txtImpressions", "2500");
+  Fill(*bench, "JobNumber", "J7");
+  Click(*bench, "cmdBatch");
+  desktop::Window* form = windows.Form("BatchForm");
+  ASSERT_NE(form, nullptr);
+  EXPECT_EQ(Control<QLineEdit>(*form, "cmbColorName").text(), "TARGET");
+  EXPECT_EQ(Control<QLineEdit>(*form, "txtQuantity").text(), "8.000");  // 10 needed, 2 in stock
+  EXPECT_EQ(Control<QLineEdit>(*form, "JobNumber").text(), "J7");
+  EXPECT_TRUE(windows.IsInEdit("BatchForm"));
+  ShowActive(*bench);
+  prompt.Expect("Batch Window - in State of Edit.", Answer::Ok, "Save or Clear the data on the Batch Window.");
+  Click(*bench, "cmdBatch");
+}
 
 TEST_F(BatchInMainTest, OpenedByTheToolbarItKeepsStockFromBeingChanged) {
   desktop::MainForm main(windows);

@@ -27,6 +27,7 @@ struct FurnishedRoom : CliRoom {
         {"formula", "add", "VIOLET", "RED=50", "BLUE=50", "Recycle=true"},
         {"formula", "add", "TINT", "WHITE=80", "RED=10", "YELLOW=10", "--additive-set", "STD SET"},
         {"formula", "add", "LIME", "GREEN=50", "YELLOW=50", "Recycle=true"},
+        {"design", "add", "BOX", "TARGET=2:40", "RED=1", "Impressions=1000", "Length=10", "Width=8"},
         {"settings", "set", "InvLotTracking", "1"},
         {"stock", "adjust", "RED", "100", "--lot", "A", "--loc", "SHELF", "--price", "4"},
         {"stock", "adjust", "RED", "50", "--lot", "B", "--consignment"},

@@ -9,6 +9,7 @@
 #include "desktop/colors/register.h"
 #include "desktop/datafile/register.h"
 #include "desktop/inventory/register.h"
+#include "desktop/jobs/design_windows.h"
 #include "desktop/reports/register.h"
 #include "desktop/session/register.h"
 #include "desktop/settings/register.h"
@@ -29,6 +30,7 @@ struct AllWindows : Desk {
     desktop::RegisterToolsWindows(windows);
     desktop::RegisterInventoryWindows(windows);
     desktop::RegisterBatchWindows(windows);
+    desktop::RegisterDesignWindows(windows);
     desktop::RegisterReportsWindows(windows);
     desktop::RegisterDatafileWindows(windows, program.Windows());
   }

@@ -7,6 +7,7 @@
 #include "desktop/datafile/register.h"
 #include "desktop/inventory/register.h"
 #include "desktop/kit/wait_progress.h"
+#include "desktop/jobs/design_windows.h"
 #include "desktop/reports/register.h"
 #include "desktop/session/register.h"
 #include "desktop/settings/register.h"
@@ -31,6 +32,7 @@ struct RunningProgram {
     desktop::RegisterToolsWindows(windows);
     desktop::RegisterInventoryWindows(windows);
     desktop::RegisterBatchWindows(windows);
+    desktop::RegisterDesignWindows(windows);
     desktop::RegisterReportsWindows(windows,
                                     {.printers = [] { return desktop::SystemPrinters{}; },
                                      .open = {},

@@ -1,0 +1,67 @@
+#include <fmt/format.h>
+
+#include <filesystem>
+#include <system_error>
+
+#include "core/backup/check_run.h"
+#include "core/base/text.h"
+#include "core/datafile/references.h"
+#include "core/jobs/designs.h"
+
+namespace vellumark {
+namespace fs = std::filesystem;
+
+namespace {
+
+bool IsThere(const fs::path& folder, const std::string& name) {
+  std::error_code error;
+  if (fs::is_regular_file(folder / name, error)) return true;
+  for (fs::directory_iterator entry(folder, error), end; !error && entry != end; entry.increment(error))
+    if (EqualNoCase(entry->path().filename().string(), name)) return true;
+  return false;
+}
+
+}  // namespace
+
+// A copy of the file that stands elsewhere has no photos beside it, which is no fault of its rows.
+void CheckDesignPhotos(CheckRun& run) {
+  if (!run.HasGlobalTables()) return;
+  const fs::path folder = run.file.Path().parent_path() / "DesignPhotos";
+  std::error_code error;
+  const bool hasFolder = fs::is_directory(folder, error);
+  Statement rows =
+      run.file.Prepare("SELECT RowKey, DesignID, PhotoSet FROM Designs WHERE PhotoSet <> '' ORDER BY DesignID");
+  run.FoundRows(schema::Designs.name, rows, [&](const Statement& row) {
+    const std::vector<std::string> names = NamesInSet(row.TextView(2));
+    if (NameSet(names) != row.TextView(2)) return fmt::format("PhotoSet {} is no list of photos.", row.TextView(2));
+    for (std::size_t i = 0; i < names.size(); ++i) {
+      for (std::size_t k = 0; k < i; ++k)
+        if (EqualNoCase(names[i], names[k])) return fmt::format("It links the photo {} twice.", names[i]);
+      if (hasFolder && !IsThere(folder, names[i])) return fmt::format("Its photo {} is not in the library.", names[i]);
+    }
+    return std::string();
+  });
+}
+
+void CheckDesignColors(CheckRun& run) {
+  if (!run.HasGlobalTables()) return;
+  ForEachDesign(run.session, [&](const Design& design) {
+    const auto fault = [&](std::string what) {
+      run.Found(schema::Designs.name, design.rowId, design.DesignID, std::move(what));
+    };
+    bool ended = false;
+    for (const DesignColor& slot : design.slots) {
+      if (slot.IngName.empty()) {
+        ended = true;
+        continue;
+      }
+      if (ended) fault(fmt::format("{} stands behind an empty slot.", slot.IngName));
+      if (slot.IngQty < 0) fault(fmt::format("{} has the quantity {}.", slot.IngName, FigureText(slot.IngQty)));
+      if (slot.IngPercent < 0 || slot.IngPercent > 100)
+        fault(fmt::format("{} covers {} percent.", slot.IngName, slot.IngPercent));
+    }
+    return true;
+  });
+}
+
+}  // namespace vellumark

@@ -1,0 +1,150 @@
+#include "desktop/jobs/design_dialogs.h"
+
+#include <array>
+
+#include "core/base/text.h"
+#include "core/jobs/design_tables.h"
+#include "desktop/jobs/table_rows.h"
+#include "desktop/kit/text.h"
+
+namespace vellumark::desktop {
+namespace {
+
+constexpr int kPhotoNameLength = 100;
+
+std::string WithoutEnd(const std::string& photo) {
+  const std::size_t end = photo.rfind('.');
+  return photo.substr(0, end);
+}
+
+}  // namespace
+
+JobDesign_Rename::JobDesign_Rename(WindowList& windowList, QWidget* owner)
+    : Dialog(windowList, owner, "JobDesign_Rename", tr(" Rename Design")) {
+  Form form(*this);
+  form.Wide(form.Hint(tr("Enter a new name for this design.")));
+  form.Row(tr("Name"), oldName_ = form.Value("lblOldName", 1));
+  newName_ = form.Text("txtNewName", TextRule::Upper(kDesignIDLength));
+  newName_->Means("DesignID");
+  form.Row(tr("&New name"), newName_);
+  form.Buttons({form.Button("cmdSave", tr("&Save")), form.Button("cmdCancel", tr("Cancel"))});
+  setMinimumWidth(440);
+}
+
+void JobDesign_Rename::OnOpen(const Arguments& arguments) {
+  oldName_->SetText(arguments.Text("DesignID"));
+  copies_ = arguments.Has("Copy");
+  if (copies_) setWindowTitle(tr("Copy Design"));
+}
+
+void JobDesign_Rename::cmdSave_Click() {
+  const auto done = copies_ ? CopyDesign(session, oldName_->Text(), newName_->Text())
+                            : RenameDesign(session, oldName_->Text(), newName_->Text());
+  if (!Accepted(done)) return;
+  result.Set("DesignID", *done);
+  accept();
+}
+
+JobDesign_PhotoRename::JobDesign_PhotoRename(WindowList& windowList, QWidget* owner)
+    : Dialog(windowList, owner, "JobDesign_PhotoRename", tr("Photo Rename")) {
+  Form form(*this);
+  form.Row(tr("Photo"), oldName_ = form.Value("lblOldName", 1));
+  newName_ = form.Text("txtNewName", TextRule::Any(kPhotoNameLength));
+  newName_->Means("PhotoName");
+  form.Row(tr("&New name"), newName_);
+  form.Buttons({form.Button("cmdSave", tr("&Save")), form.Button("cmdCancel", tr("Cancel"))});
+  setMinimumWidth(440);
+}
+
+void JobDesign_PhotoRename::OnOpen(const Arguments& arguments) {
+  if (arguments.Has("Picked"))
+    picked_ = arguments.Get<PickedPhoto*>("Picked");
+  else
+    work_ = arguments.Get<DesignWork*>("Work");
+  oldName_->SetText(picked_ != nullptr ? picked_->name : arguments.Text("Name"));
+  newName_->SetText(WithoutEnd(oldName_->Text()));
+}
+
+void JobDesign_PhotoRename::cmdSave_Click() {
+  if (picked_ != nullptr) {
+    const auto name = ReadPhotoName(newName_->Text());
+    if (!Accepted(name)) return;
+    picked_->name = *name;
+  } else if (!Accepted(RenamePhoto(session, *work_, oldName_->Text(), newName_->Text()))) {
+    return;
+  }
+  accept();
+}
+
+JobDesigns_Hints::JobDesigns_Hints(WindowList& windowList, QWidget* owner)
+    : Dialog(windowList, owner, "JobDesigns_Hints", tr("Job Designs - Hints")) {
+  const std::array<std::pair<QString, QString>, 5> pages{{
+      {tr("&Estimating"),
+       tr("1  Choose the Database and the color, or click its line in the list.\n2  Press Estimate: length, width and "
+          "impressions come from the Design.\n3  Choose ink and stock, or the anilox, and the coverage.\n4  Press Add "
+          "to "
+          "Design: the quantity stands in the line of the color.")},
+      {tr("&Updating"), tr("1  Click the line of a color: its figures stand in the fields above.\n2  Change quantity "
+                           "or coverage and press "
+                           "Add / Update.\n3  Press Save. Nothing is written before.")},
+      {tr("&Removing"), tr("1  Click the line of a color and press Remove.\n2  Delete takes the whole Design away, and "
+                           "those of its photos "
+                           "that nobody else links.")},
+      {tr("Photos - &Get and Use"),
+       tr("1  Press Get and choose a picture, JPEG or PNG, or drop one on the frame.\n2  Press Use to link it to the "
+          "Design. A name that the library has is asked about.\n3  Press Save: the picture is copied into the library, "
+          "the folder DesignPhotos beside the Data File.")},
+      {tr("Photos - Rename and Re&move"),
+       tr("1  Previous and Next step through the photos of the Design.\n2  Rename gives a photo another name; other "
+          "Designs "
+          "that use it may follow or keep theirs.\n3  Remove takes it off this Design. The file goes when nobody links "
+          "it.")},
+  }};
+  Form form(*this);
+  TabSet tabs = form.Tabs("tabHints");
+  for (const auto& [title, text] : pages) {
+    Form page = tabs.Page(title);
+    QLabel* label = page.Label({}, text);
+    label->setWordWrap(true);
+    page.Wide(label);
+    page.Stretch();
+  }
+  form.Buttons({form.Button("cmdClose", tr("Close"))});
+  resize(720, 320);
+}
+
+ImportExamineLocalFileDesign::ImportExamineLocalFileDesign(WindowList& windowList, QWidget* owner)
+    : Dialog(windowList, owner, "ImportExamineLocalFileDesign", tr("Design of the file")),
+      rows_(std::make_shared<TableSource>()) {
+  Form form(*this);
+  form.Row(tr("Design ID"), id_ = form.Label("lblDesignID"));
+  form.Row(tr("Description"), description_ = form.Label("lblDescription"));
+  form.Row(tr("Size"), size_ = form.Label("lblSize"));
+  form.Row(tr("Photos"), photos_ = form.Label("lblPhotos"));
+  form.Row(tr("Notes"), notes_ = form.Label("lblNotes"));
+  for (QLabel* label : {photos_, notes_}) label->setWordWrap(true);
+  colors_ = form.Table("fgColors");
+  colors_->setAccessibleName(tr("Colors of the Design"));
+  colors_->SetColumns(ColumnsOf(DesignColorColumns(session).Of(std::vector<DesignColorCost>{}), {200, 80, 120, 120, 96}));
+  colors_->SetSource(rows_);
+  form.Wide(colors_, 1);
+  form.Buttons({form.Button("cmdClose", tr("Close"))});
+  resize(880, 480);
+}
+
+void ImportExamineLocalFileDesign::OnOpen(const Arguments& arguments) {
+  const auto design = arguments.Get<Design>("Design");
+  id_->setText(Q(design.DesignID));
+  description_->setText(Q(design.Description));
+  size_->setText(tr("%1 x %2 in., %3 impressions")
+                     .arg(Q(LengthText(design.Length, LengthUnit::Inch)), Q(LengthText(design.Width, LengthUnit::Inch)))
+                     .arg(design.Impressions));
+  QStringList photos;
+  for (const std::string& name : design.Photos()) photos << Q(name);
+  photos_->setText(photos.join(", "));
+  notes_->setText(Q(Left(design.Notes, 400)));
+  FillRows(*rows_, DesignColorColumns(session).Of(DesignCosts(session, design.Colors())));
+  colors_->Refresh();
+}
+
+}  // namespace vellumark::desktop

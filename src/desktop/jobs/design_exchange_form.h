@@ -1,0 +1,48 @@
+#pragma once
+
+#include "core/exchange/design_file.h"
+#include "desktop/datafile/file_choice.h"
+#include "desktop/kit/window.h"
+
+namespace vellumark::desktop {
+
+/// Designs out to a file and in from one.
+class DB_ImportExport_Designs : public Window {
+  Q_OBJECT
+
+ public:
+  DB_ImportExport_Designs(WindowList& windowList, FileChooser choose);
+  void OnChanges(const std::vector<Change>& changes) override;
+  void UpdateEnabled() override;
+  bool InEdit() const override { return false; }
+
+ public Q_SLOTS:
+  void cmdExport_Click();
+  void cmdSelectFile_Click();
+  void cmdView_Click();
+  void cmdImport_Click();
+  void cmdClose_Click() { Leave(); }
+
+ private:
+  void BuildExport(Form form);
+  void BuildImport(Form form);
+  void ListDesignsHere();
+  void ListDesignsOfFile();
+  std::vector<std::string> Selected(const Grid& grid, const TableSource& rows) const;
+  void ReadFile();
+
+  FileChooser choose_;
+  std::shared_ptr<TableSource> here_;
+  Grid* designs_ = nullptr;
+  QLabel* selected_ = nullptr;
+  std::filesystem::path file_;
+  std::vector<IncomingDesign> incoming_;
+  std::shared_ptr<TableSource> inFile_;
+  Grid* compare_ = nullptr;
+  QLabel* fileName_ = nullptr;
+  CommandButton* export_ = nullptr;
+  CommandButton* view_ = nullptr;
+  CommandButton* import_ = nullptr;
+};
+
+}  // namespace vellumark::desktop

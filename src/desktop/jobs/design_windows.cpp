@@ -1,0 +1,35 @@
+#include "desktop/jobs/design_windows.h"
+
+#include "desktop/jobs/design_bench_form.h"
+#include "desktop/jobs/design_dialogs.h"
+#include "desktop/jobs/design_exchange_form.h"
+#include "desktop/jobs/ink_est_form.h"
+#include "desktop/jobs/job_designs.h"
+#include "desktop/jobs/record_export_forms.h"
+
+namespace vellumark::desktop {
+namespace {
+
+template <class W>
+void RegisterChoosing(WindowList& windows, const std::string& name, const FileChooser& choose) {
+  windows.Register(name, [choose](WindowList& list) -> Window* { return new W(list, choose); });
+}
+
+}  // namespace
+
+void RegisterDesignWindows(WindowList& windows, const FileChooser& choose) {
+  RegisterChoosing<JobDesigns>(windows, "JobDesigns", choose);
+  RegisterChoosing<DB_ImportExport_Designs>(windows, "DB_ImportExport_Designs", choose);
+  RegisterChoosing<ExportBatchesForm>(windows, "ExportBatchesForm", choose);
+  RegisterChoosing<ExportJobRecords>(windows, "ExportJobRecords", choose);
+  windows.Register<DesignBenchForm>("DesignBenchForm");
+  windows.Register<InkEstForm>("InkEstForm");
+  windows.RegisterDialog<InkEstMileageForm>("InkEstMileageForm");
+  windows.RegisterDialog<InkEstAniloxValueForm>("InkEstAniloxValueForm");
+  windows.RegisterDialog<JobDesign_Rename>("JobDesign_Rename");
+  windows.RegisterDialog<JobDesign_PhotoRename>("JobDesign_PhotoRename");
+  windows.RegisterDialog<JobDesigns_Hints>("JobDesigns_Hints");
+  windows.RegisterDialog<ImportExamineLocalFileDesign>("ImportExamineLocalFileDesign");
+}
+
+}  // namespace vellumark::desktop
