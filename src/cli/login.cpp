@@ -16,7 +16,15 @@ Result<void> RequireInDefaultFile(Context& context, Act act) {
   const std::string path = GetSetting(session, setting::DbFileName50);
   std::error_code ignored;
   if (path.empty() || !std::filesystem::exists(path, ignored)) return {};
-  session.DataFileDB = Database::Open(path, OpenMode::ReadOnly);
+  try {
+    session.DataFileDB = Database::Open(path, OpenMode::ReadOnly);
+    ReadFileInfo(session.File());
+  } catch (const Failure&) {
+    // Nobody can tell who has which rights in a damaged file; to put a sound one back nobody has to be one.
+    if (act != Act::BackUp) throw;
+    session.DataFileDB.reset();
+    return {};
+  }
   Result<void> allowed;
   if (UsersEnabled(session)) {
     // A wrong password is counted there.

@@ -287,6 +287,7 @@ int Main(int argc, char** argv) {
   AddEstimateCommands(app, commands);
   AddReportCommands(app, commands);
   AddFindCommands(app, commands);
+  AddBackupCommands(app, commands);
   AddUsersCommands(app, commands);
   app.failure_message(UsageMessage);
   const std::vector<std::string> words = Readable(platform::BeginProgram(argc, argv));

@@ -296,5 +296,35 @@ TEST(CliFrame, UsageQuestionsAndAnswers) {
   EXPECT_EQ(room.Json({"color", "list"}).size(), 0U);
 }
 
+TEST(CliFiles, ABackupIsMadeProvenAndPutBackEvenOverADamagedFile) {
+  const test::CliRoom room;
+  room.folder.Breaks("Structure");
+  const fs::path file = room.MakeFile();
+  room.Json({"color", "add", "RED"});
+  const auto made = room.Json({"--now", "2026-03-10 09:00:00", "backup", "make"});
+  const fs::path set = made["Set"].get<std::string>();
+  EXPECT_EQ(set, room.folder.Path() / "Auto Backup" / "VK_Backup_03_10_2026__09_00_00");
+  EXPECT_EQ(made["Verified"], true);
+  EXPECT_EQ(room.Json({"backup", "list"}).at(0)["Made"], "2026-03-10 09:00:00");
+  EXPECT_EQ(room.Json({"backup", "verify", set.string()})["Sound"], true);
+
+  room.Json({"color", "delete", "RED", "--yes"});
+  // A question nobody answered changes nothing.
+  EXPECT_EQ(room.Run({"backup", "restore", set.string()}).status, 3);
+  ReplaceFile(file, "damaged");
+  const auto restored = room.Json({"--yes", "backup", "restore", set.string()});
+  EXPECT_EQ(restored["DataFileName"], file.string());
+  EXPECT_EQ(ReadFileBytes(fs::path(restored["Kept"].get<std::string>()) / file.filename()), "damaged");
+  EXPECT_EQ(room.Json({"color", "list"}).size(), 1U);
+  EXPECT_EQ(room.Json({"backup", "restore-settings", set.string()})["DataFolder"], (room.folder / "VKDat").string());
+
+  std::string bytes = ReadFileBytes(set / file.filename());
+  bytes[bytes.find("RED")] = 'B';
+  ReplaceFile(set / file.filename(), bytes);
+  const test::CliAnswer verified = room.Run({"backup", "verify", set.string()});
+  EXPECT_EQ(verified.status, 4);
+  EXPECT_NE(verified.out.find("values are not those of when the set was made"), std::string::npos) << verified.out;
+}
+
 }  // namespace
 }  // namespace vellumark

@@ -76,6 +76,23 @@ void StoreDaysToRemindBackup(Database& file, int days) {
   transaction.Commit();
 }
 
+BackupDates ReadBackupDates(Database& file) {
+  Statement row =
+      file.Prepare("SELECT LastBackupDate, DayBeforeNextBackupDate, DaysToRemindBackup FROM FileInfo LIMIT 1");
+  if (!row.Step()) return {};
+  return {row.Date(0), row.Date(1), std::max(1, static_cast<int>(row.Whole(2)))};
+}
+
+void StoreBackupDates(Database& file, const BackupDates& dates) {
+  Transaction transaction(file);
+  file.Prepare("UPDATE FileInfo SET LastBackupDate = ?, DayBeforeNextBackupDate = ?, DaysToRemindBackup = ?")
+      .Bind(1, Value(dates.LastBackupDate))
+      .Bind(2, Value(dates.DayBeforeNextBackupDate))
+      .Bind(3, dates.DaysToRemindBackup)
+      .Run();
+  transaction.Commit();
+}
+
 DatabaseCounts CountRows(Database& file, std::string_view database) {
   const auto count = [&](const Table& table) {
     return file.Scalar("SELECT COUNT(*) FROM " + QuotedTable(database, table)).Whole();

@@ -32,6 +32,15 @@ void StoreDatabaseList(Database& file, const std::vector<std::string>& names);
 void StoreCurrentDatabase(Database& file, std::string_view name);
 void StoreDaysToRemindBackup(Database& file, int days);
 
+/// When the file was last backed up to a place of the operator's, and when it is to be asked for again.
+struct BackupDates {
+  std::optional<DateTime> LastBackupDate;
+  std::optional<DateTime> DayBeforeNextBackupDate;
+  int DaysToRemindBackup = 1;
+};
+BackupDates ReadBackupDates(Database& file);
+void StoreBackupDates(Database& file, const BackupDates& dates);
+
 /// The `<DB>_Info` row.
 struct DatabaseInfo {
   std::string fullName;

@@ -13,6 +13,7 @@
 #include "core/datafile/lifecycle.h"
 #include "core/session/rights.h"
 #include "core/session/settings.h"
+#include "core/shell/previous_file.h"
 #include "core/shell/startup.h"
 
 namespace vellumark {
@@ -51,50 +52,6 @@ void TakeAsDefault(Session& session, const std::string& name) {
   session.DataFileName = name;
   StoreDefaultDataFile(session, name);
 }
-
-// The Data File that is left for another one, and the way back to it after a failure. Whatever else is thrown ends the
-// program, which needs no file any more.
-class PreviousFile {
- public:
-  PreviousFile(Session& session, OpeningWindows& windows)
-      : session_(session),
-        windows_(windows),
-        name_(session.DataFileName),
-        stored_(GetSetting(session, setting::DbFileName50)),
-        wasOpen_(session.DataFileOpen),
-        recordsetsWereOpen_(session.RecordsetsOpen) {}
-
-  void Leave() {
-    if (!wasOpen_) return;
-    CloseDataFile(session_, windows_);
-    windows_.ShutdownBackup(session_, "AutoBackup");
-  }
-
-  void Return() {
-    const bool nothingChanged = session_.DataFileName == name_ && session_.DataFileOpen == wasOpen_ &&
-                                session_.RecordsetsOpen == recordsetsWereOpen_;
-    if (nothingChanged) return;
-    CloseDataFile(session_, windows_);
-    session_.DataFileName = name_;
-    if (GetSetting(session_, setting::DbFileName50) != stored_) StoreDefaultDataFile(session_, stored_);
-    if (!wasOpen_) return;
-    try {
-      OpenDataFile(session_, windows_);
-    } catch (const Failure& failure) {
-      CloseDataFile(session_, windows_);
-      session_.StartupMessage = failure.subject + "\n" + failure.cause + ".";
-      windows_.ShowNewDataFile(session_.StartupMessage);
-    }
-  }
-
- private:
-  Session& session_;
-  OpeningWindows& windows_;
-  std::string name_;
-  std::string stored_;
-  bool wasOpen_;
-  bool recordsetsWereOpen_;
-};
 
 // What can be known of the other file is known before the open one is closed.
 void TryToOpen(const fs::path& path) {

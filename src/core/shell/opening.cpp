@@ -281,8 +281,7 @@ void CreateDataFile(Session& session, const fs::path& path, OpeningWindows& wind
   StoreDefaultDataFile(session, session.DataFileName);
 }
 
-// Opens the file and the current Database again, without a login. After a Failure no file is open.
-static void Reopen(Session& session) {
+void ReopenWorkingSets(Session& session) {
   session.RecordsetsOpen = false;
   try {
     session.DataFileDB.reset();
@@ -299,10 +298,10 @@ void CompactDataFile(Session& session) {
   try {
     CompactFile(session.File());
   } catch (const Failure&) {
-    Reopen(session);
+    ReopenWorkingSets(session);
     throw;
   }
-  Reopen(session);
+  ReopenWorkingSets(session);
 }
 
 OpenedDatabase::OpenedDatabase(Session& session) {

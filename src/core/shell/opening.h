@@ -52,6 +52,10 @@ void CreateDataFile(Session& session, const std::filesystem::path& path, Opening
 /// Makes a Data File the one that the next start opens. That it cannot be stored is told, and ends nothing.
 void StoreDefaultDataFile(Session& session, const std::string& name);
 
+/// Opens the session's Data File and current Database again, whatever was done to the file meanwhile: Database and user
+/// stay, nobody logs in. After a Failure no file is open.
+void ReopenWorkingSets(Session& session);
+
 /// Compacts the open file in place; Database and user stay.
 void CompactDataFile(Session& session);
 /// What is in force of one Database: its texts, and its template. Made of `CurrentDatabase`

@@ -1,0 +1,176 @@
+#include <fmt/format.h>
+
+#include <filesystem>
+#include <memory>
+#include <system_error>
+
+#include "cli/frame.h"
+#include "cli/seams.h"
+#include "core/backup/backup_set.h"
+#include "core/base/refusal.h"
+#include "core/datafile/lifecycle.h"
+#include "core/shell/backups.h"
+
+namespace vellumark::cli {
+namespace fs = std::filesystem;
+namespace {
+
+std::string Absolute(const std::string& typed) {
+  return fs::absolute(typed).lexically_normal().string();
+}
+
+// The folder of the automatic backups, unless another one is named.
+Result<fs::path> FolderOfSets(const Context& context, const std::string& typed) {
+  if (!typed.empty()) return fs::path(Absolute(typed));
+  if (context.dataFile.empty())
+    return Refuse("Backup", "No Data File is known yet. Name the folder of the sets with --in, or the file with --file.");
+  return fs::path(context.dataFile).parent_path() / kAutoBackupFolder;
+}
+
+Json FaultsJson(const std::vector<std::string>& faults) {
+  Json list = Json::array();
+  for (const std::string& fault : faults) list.push_back({{"Table", nullptr}, {"Row", nullptr}, {"What", fault}});
+  return list;
+}
+
+Json CountsJson(const std::vector<DatabaseProof>& databases) {
+  Json list = Json::array();
+  for (const DatabaseProof& database : databases)
+    list.push_back({{"Database", database.name},
+                    {"Basics", database.basics},
+                    {"Formulas", database.formulas},
+                    {"Batches", database.batches}});
+  return list;
+}
+
+Result<Json> MakeBackup(Context& context, const std::string& to) {
+  Session& session = context.session;
+  const fs::path folder = to.empty() ? fs::path(session.DataFileName).parent_path() / kAutoBackupFolder : fs::path(Absolute(to));
+  auto made = BackUpToFolder(session, folder);
+  if (!made) return std::unexpected(made.error());
+  const bool sound = made->proof && made->proof->content.Sound();
+  Json answer{{"Set", made->folder.string()}, {"Verified", sound}};
+  if (!sound) answer["Faults"] = FaultsJson(made->proof->content.faults);
+  context.exitStatus = sound ? ExitDone : ExitFailed;
+  return answer;
+}
+
+
+Result<Json> ListBackups(Context& context, const std::string& in) {
+  const auto folder = FolderOfSets(context, in);
+  if (!folder) return std::unexpected(folder.error());
+  Json sets = Json::array();
+  for (const BackupSet& set : ListSets(*folder)) {
+    std::int64_t formulas = 0;
+    std::int64_t batches = 0;
+    if (set.proof)
+      for (const DatabaseProof& database : set.proof->content.databases) {
+        formulas += database.formulas;
+        batches += database.batches;
+      }
+    sets.push_back({{"Set", set.folder.string()},
+                    {"Made", set.made.ToText()},
+                    {"DataFile", set.dataFile.filename().string()},
+                    {"Formulas", set.proof ? Json(formulas) : Json()},
+                    {"Batches", set.proof ? Json(batches) : Json()},
+                    {"Verified", set.proof ? Json(set.proof->content.Sound()) : Json()}});
+  }
+  if (sets.empty()) context.text = fmt::format("There is no backup in {}.\n", folder->string());
+  return sets;
+}
+
+Result<Json> VerifyBackup(Context& context, const std::string& typed) {
+  const auto set = ReadSet(Absolute(typed));
+  if (!set) return std::unexpected(set.error());
+  const SetCheck check = VerifySet(context.session, *set);
+  Json answer{{"Set", set->folder.string()},
+              {"Sound", check.faults.empty()},
+              {"Proven", set->proof.has_value()},
+              {"Databases", CountsJson(check.content.databases)},
+              {"Faults", FaultsJson(check.faults)}};
+  context.text = check.faults.empty() ? fmt::format("{} is sound{}.\n", set->folder.string(),
+                                                    set->proof ? " and holds what it held when it was made" : "")
+                                      : fmt::format("{} is not sound:\n", set->folder.string());
+  for (const std::string& fault : check.faults) context.text += fault + "\n";
+  context.exitStatus = check.faults.empty() ? ExitDone : ExitFailed;
+  return answer;
+}
+
+// A set or the Data File in it.
+Result<fs::path> SourceOf(const std::string& typed) {
+  const fs::path path = Absolute(typed);
+  std::error_code ignored;
+  if (!fs::is_directory(path, ignored)) return path;
+  auto set = ReadSet(path);
+  if (!set) return std::unexpected(set.error());
+  return set->dataFile;
+}
+
+Result<Json> RestoreBackup(Context& context, const std::string& typed) {
+  Session& session = context.session;
+  const auto source = SourceOf(typed);
+  if (!source) return std::unexpected(source.error());
+  std::error_code ignored;
+  if (!context.dataFile.empty() && fs::exists(context.dataFile, ignored)) {
+    try {
+      if (auto opened = context.open(); !opened) return std::unexpected(opened.error());
+    } catch (const Failure& failure) {
+      // That the file cannot be opened is what a restore is for; what keeps others out is not.
+      if (session.DataFileDB) throw;
+      WriteError(fmt::format("{}: {}.\n", failure.subject, failure.cause));
+    }
+  }
+  session.DataFileName = context.dataFile;
+  NoWindows windows(context.user, context.password);
+  const auto restored = RestoreDataFile(session, *source, RestoreFrom::Location, windows);
+  if (!restored) return std::unexpected(restored.error());
+  return Json{{"DataFileName", session.DataFileName},
+              {"From", source->string()},
+              {"Kept", restored->kept.empty() ? Json() : Json(restored->kept.string())},
+              {"Photos", restored->photos.size()}};
+}
+
+Result<Json> RestoreSettings(Context& context, const std::string& typed) {
+  fs::path folder = Absolute(typed);
+  std::error_code ignored;
+  if (fs::is_directory(folder / kSupportFolderOfSet, ignored)) folder /= kSupportFolderOfSet;
+  const auto restored = RestoreSupportFiles(context.session, folder);
+  if (!restored) return std::unexpected(restored.error());
+  return Json{{"From", folder.string()}, {"DataFolder", context.session.DataFolder.string()}};
+}
+
+}  // namespace
+
+void AddBackupCommands(CLI::App& app, Commands& commands) {
+  CLI::App* noun = AddNoun(app, "backup", "Backups of the Data File: make, list, verify, restore, restore-settings");
+
+  auto* make = noun->add_subcommand("make", "Make a set: Data File, Support Files and photos, and prove it");
+  const auto to = std::make_shared<std::string>();
+  make->add_option("--to", *to, "The folder of the set; Auto Backup beside the file when left out")->check(NotEmpty);
+  make->footer("Exit status 4 when the set was made but its Data File is not sound.");
+  commands.Add(make, Needs::Writable, [to](Context& context) { return MakeBackup(context, *to); });
+
+  auto* list = noun->add_subcommand("list", "The sets of a folder, the oldest first");
+  const auto in = std::make_shared<std::string>();
+  list->add_option("--in", *in, "The folder; Auto Backup beside the Data File when left out")->check(NotEmpty);
+  commands.Add(list, Needs::Nothing, [in](Context& context) { return ListBackups(context, *in); });
+
+  auto* verify = noun->add_subcommand("verify", "Read a set again, all of it, and compare it with its proof");
+  const auto set = std::make_shared<std::string>();
+  verify->add_option("SET", *set, "The folder of the set")->required()->check(NotEmpty);
+  verify->footer("Exit status 4 when it is not sound; every fault is named.");
+  commands.Add(verify, Needs::Nothing, [set](Context& context) { return VerifyBackup(context, *set); });
+
+  auto* restore = noun->add_subcommand("restore", "Put a backup in the place of the Data File, after asking");
+  const auto path = std::make_shared<std::string>();
+  restore->add_option("PATH", *path, "The folder of a set, or a Data File")->required()->check(NotEmpty);
+  restore->footer("What is replaced is kept in a folder beside the Data File.");
+  commands.Add(restore, Needs::Nothing, [path](Context& context) { return RestoreBackup(context, *path); });
+
+  auto* settings = noun->add_subcommand("restore-settings", "Take settings and label layouts of a backup over");
+  const auto folder = std::make_shared<std::string>();
+  settings->add_option("DIR", *folder, "The folder of a set, or its SUV_Files")->required()->check(NotEmpty);
+  commands.Add(settings, Needs::Nothing, [folder](Context& context) { return RestoreSettings(context, *folder); });
+}
+
+}  // namespace vellumark::cli

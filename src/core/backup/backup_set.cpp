@@ -1,0 +1,291 @@
+#include "core/backup/backup_set.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <array>
+#include <charconv>
+#include <system_error>
+
+#include "core/base/files.h"
+#include "core/base/progress_run.h"
+#include "core/base/text.h"
+#include "core/datafile/databases.h"
+#include "core/datafile/lifecycle.h"
+#include "core/settings/support_files.h"
+
+namespace vellumark {
+namespace fs = std::filesystem;
+
+namespace {
+
+constexpr std::string_view kStart = "VK_Backup_";
+constexpr std::string_view kUnfinished = ".VK_Backup_";  // until it is whole, and when it is about to go
+
+void FailOn(const fs::path& path, const std::error_code& error) {
+  if (error) throw Failure(path.string(), error.message());
+}
+
+// The two digits or more that stand at `from`.
+std::optional<int> NumberAt(std::string_view text, std::size_t from, std::size_t length) {
+  int number = 0;
+  const char* const begin = text.data() + from;
+  const auto [end, error] = std::from_chars(begin, begin + length, number);
+  return error == std::errc() && end == begin + length ? std::optional(number) : std::nullopt;
+}
+
+// The Data File of a set: the one file of that kind at its top.
+fs::path DataFileIn(const fs::path& folder) {
+  std::error_code ignored;
+  for (fs::directory_iterator entry(folder, ignored), end; !ignored && entry != end; entry.increment(ignored))
+    if (EqualNoCase(entry->path().extension().string(), ".vkd") && entry->is_regular_file(ignored)) return entry->path();
+  return {};
+}
+
+std::optional<SetProof> ProofIn(const fs::path& folder) {
+  std::error_code ignored;
+  if (!fs::exists(folder / kProofFile, ignored)) return std::nullopt;
+  try {
+    return ReadProofText(ReadFileBytes(folder / kProofFile));
+  } catch (const Failure&) {
+    return std::nullopt;  // a set without a readable proof is an unproven one, and listed as that
+  }
+}
+
+// To be called with the lock of the folder: what bears such a name is a killed process's.
+void SweepUnfinished(const fs::path& target) {
+  std::error_code error;
+  for (fs::directory_iterator entry(target, error), end; !error && entry != end; entry.increment(error))
+    if (entry->path().filename().string().starts_with(kUnfinished)) {
+      std::error_code failed;
+      fs::remove_all(entry->path(), failed);
+      FailOn(entry->path(), failed);
+    }
+  FailOn(target, error);
+}
+
+// A set that is half removed must not look like one.
+void RemoveSet(const fs::path& folder) {
+  const fs::path going = folder.parent_path() / ("." + folder.filename().string());
+  RenameToFree(folder, going);
+  std::error_code error;
+  fs::remove_all(going, error);
+  FailOn(going, error);
+}
+
+void PruneSets(const fs::path& target, const fs::path& dataFileName, std::size_t keep) {
+  std::vector<BackupSet> sets = ListSets(target);
+  std::erase_if(sets, [&](const BackupSet& set) { return set.dataFile.filename() != dataFileName; });
+  if (sets.size() == keep) RemoveSet(sets.front().folder);
+}
+
+// What a killed program left beside the file is played back, by whoever opens it first.
+void HealJournal(const fs::path& file) {
+  const bool copy = IsArchiveCopy(kFileVersion, file);
+  ReadFileInfo(*Database::Open(file, copy ? OpenMode::ReadOnly : OpenMode::Exclusive));
+}
+
+std::vector<fs::path> PhotosOf(const fs::path& folder) {
+  std::vector<fs::path> photos;
+  std::error_code error;
+  for (fs::directory_iterator entry(folder, error), end; !error && entry != end; entry.increment(error))
+    if (EqualNoCase(entry->path().extension().string(), ".jpg") && entry->is_regular_file(error))
+      photos.push_back(entry->path());
+  if (error && error != std::errc::no_such_file_or_directory) FailOn(folder, error);
+  std::ranges::sort(photos);
+  return photos;
+}
+
+// The files of the new set, copied one after the other, with the bar on the way.
+class SetMaker {
+ public:
+  SetMaker(Session& session, const fs::path& source, fs::path folder)
+      : session_(session), source_(source), folder_(std::move(folder)) {}
+
+  SetProof Make(const DateTime& made) {
+    CollectFiles();
+    SetProof proof{source_.filename().string(), made, VELLUMARK_VERSION, session_.UMI, {}, {}};
+    for (const auto& [from, name] : files_) {
+      MakeFolder((folder_ / name).parent_path());
+      session_.progress.Percent(50.0 * static_cast<double>(proof.files.size()) / static_cast<double>(files_.size()));
+      proof.files.push_back(CopyProved(from, folder_ / name, name));
+      // From the disk again, and not what this process remembers of it.
+      if (ProveFile(folder_ / name, name) != proof.files.back())
+        throw Failure((folder_ / name).string(), "does not read as it was written");
+    }
+    proof.content = ProveContent(session_, folder_ / proof.dataFile);
+    ReplaceFile(folder_ / kProofFile, ProofText(proof), Readers::Group);
+    return proof;
+  }
+
+ private:
+  void CollectFiles() {
+    files_.emplace_back(source_, source_.filename().string());
+    MakeFolder(folder_ / kSupportFolderOfSet);
+    MakeFolder(folder_ / kPhotoFolderOfSet);
+    const SupportFiles& support = *session_.support;
+    for (const SupportFile* file :
+         {&support.settings, &support.label, &support.hazardLabel, &support.formulaLabel, &support.scale})
+      if (file->Exists()) Collect(file->Path(), kSupportFolderOfSet);
+    for (const fs::path& photo : PhotosOf(source_.parent_path() / kPhotoFolderOfSet)) Collect(photo, kPhotoFolderOfSet);
+  }
+
+  void Collect(const fs::path& from, std::string_view folder) {
+    files_.emplace_back(from, fmt::format("{}/{}", folder, from.filename().string()));
+  }
+
+  Session& session_;
+  fs::path source_;
+  fs::path folder_;
+  std::vector<std::pair<fs::path, std::string>> files_;
+};
+
+// Two sets of one second are two.
+DateTime FreeTime(const fs::path& target, DateTime made) {
+  std::error_code ignored;
+  while (fs::exists(fs::symlink_status(target / SetName(made), ignored))) {
+    const std::int64_t next = made.SecondNumber() + 1;
+    made = DateTime::FromDayNumber(next / 86400);
+    made.hour = static_cast<int>(next % 86400 / 3600);
+    made.minute = static_cast<int>(next % 3600 / 60);
+    made.second = static_cast<int>(next % 60);
+  }
+  return made;
+}
+
+void CompareTables(const std::vector<TableProof>& before, const std::vector<TableProof>& now,
+                   std::vector<std::string>& faults) {
+  for (const TableProof& table : before) {
+    const auto found = std::ranges::find(now, table.Table, &TableProof::Table);
+    if (found == now.end()) {
+      faults.push_back(fmt::format("{}: the table is gone", table.Table));
+    } else if (found->Rows != table.Rows) {
+      faults.push_back(fmt::format("{}: {} rows, {} when the set was made", table.Table, found->Rows, table.Rows));
+    } else if (found->digest != table.digest) {
+      faults.push_back(fmt::format("{}: values are not those of when the set was made", table.Table));
+    }
+  }
+}
+
+bool MayBeBackedUp(const Session& session, const fs::path& file) {
+  std::error_code ignored;
+  if (session.DataFileName.empty() || !fs::exists(file, ignored)) return false;
+  if (FindNoCase(file.generic_string(), "/Cloud Downloads/CloudAdmin_DataFiles/") != std::string::npos) return false;
+  if (IsArchiveCopy(ReadFileVersion(file), file)) return false;
+  return !HoldsNoDatabase(*Database::Open(file, OpenMode::ReadOnly));
+}
+
+}  // namespace
+
+std::string SetName(const DateTime& made) {
+  return fmt::format("{}{:02}_{:02}_{:04}__{:02}_{:02}_{:02}", kStart, made.month, made.day, made.year, made.hour,
+                     made.minute, made.second);
+}
+
+std::optional<DateTime> TimeOfSet(std::string_view name) {
+  constexpr std::string_view kShape = "VK_Backup_MM_DD_YYYY__HH_MM_SS";
+  if (name.size() != kShape.size()) return std::nullopt;
+  const std::array parts{NumberAt(name, 10, 2), NumberAt(name, 13, 2), NumberAt(name, 16, 4),
+                         NumberAt(name, 22, 2), NumberAt(name, 25, 2), NumberAt(name, 28, 2)};
+  if (std::ranges::any_of(parts, [](const auto& part) { return !part; })) return std::nullopt;
+  const DateTime made{*parts[2], *parts[0], *parts[1], *parts[3], *parts[4], *parts[5]};
+  // The calendar and the signs between are tested by writing it again.
+  if (SetName(made) != name) return std::nullopt;
+  return ParseDateTime(made.ToText());
+}
+
+Result<BackupSet> ReadSet(const fs::path& folder) {
+  BackupSet set;
+  set.folder = folder;
+  set.dataFile = DataFileIn(folder);
+  if (set.dataFile.empty())
+    return Refuse("Backup", fmt::format("{} is no backup set: there is no Data File in it.", folder.string()), "SET");
+  set.proof = ProofIn(folder);
+  const std::optional<DateTime> named = TimeOfSet(folder.filename().string());
+  if (named) {
+    set.made = *named;
+  } else if (set.proof) {
+    set.made = set.proof->made;
+  }
+  return set;
+}
+
+std::vector<BackupSet> ListSets(const fs::path& folder) {
+  std::vector<BackupSet> sets;
+  std::error_code error;
+  for (fs::directory_iterator entry(folder, error), end; !error && entry != end; entry.increment(error)) {
+    if (!TimeOfSet(entry->path().filename().string())) continue;
+    if (auto set = ReadSet(entry->path())) sets.push_back(std::move(*set));
+  }
+  if (error && error != std::errc::no_such_file_or_directory) FailOn(folder, error);
+  std::ranges::sort(sets, {}, &BackupSet::made);
+  return sets;
+}
+
+BackupSet MakeBackupSet(Session& session, const fs::path& source, const fs::path& target,
+                        std::optional<std::size_t> keep) {
+  const ProgressRun progress(session.progress, "Backing up Data File ...");
+  HealJournal(source);
+  MakeFolder(target);
+  const FolderLock lock(target);
+  SweepUnfinished(target);
+  BackupSet set;
+  set.made = FreeTime(target, session.clock.Now());
+  set.folder = target / SetName(set.made);
+  const fs::path unfinished = target / ("." + SetName(set.made));
+  MakeFolder(unfinished);
+  try {
+    set.proof = SetMaker(session, source, unfinished).Make(set.made);
+    if (keep) PruneSets(target, source.filename(), *keep);
+    RenameToFree(unfinished, set.folder);
+  } catch (...) {
+    std::error_code ignored;
+    fs::remove_all(unfinished, ignored);
+    throw;
+  }
+  set.dataFile = set.folder / source.filename();
+  return set;
+}
+
+SetCheck VerifySet(Session& session, const BackupSet& set) {
+  const ProgressRun progress(session.progress, "Checking backup ...");
+  SetCheck check{set, {}, {}};
+  if (set.proof) {
+    for (const FileProof& file : set.proof->files) {
+      try {
+        if (ProveFile(set.folder / file.name, file.name) != file)
+          check.faults.push_back(fmt::format("{}: the file is not what it was when the set was made", file.name));
+      } catch (const Failure& failure) {
+        check.faults.push_back(fmt::format("{}: {}", file.name, failure.cause));
+      }
+    }
+  }
+  try {
+    check.content = ProveContent(session, set.dataFile);
+    check.faults.insert(check.faults.end(), check.content.faults.begin(), check.content.faults.end());
+    if (set.proof) CompareTables(set.proof->content.tables, check.content.tables, check.faults);
+  } catch (const Failure& failure) {
+    check.faults.push_back(fmt::format("{}: {}", set.dataFile.filename().string(), failure.cause));
+  }
+  return check;
+}
+
+std::optional<BackupSet> ShutdownBackup(Session& session, std::string_view label) {
+  const fs::path file = session.DataFileName;
+  try {
+    if (!MayBeBackedUp(session, file)) return std::nullopt;
+    MakeFolder(file.parent_path() / kPhotoFolderOfSet);
+    BackupSet set = MakeBackupSet(session, file, file.parent_path() / kAutoBackupFolder, kAutomaticSets);
+    if (label != "AutoBackup") session.prompt.Tell("Backup Complete", "Backup Completed Successfully!");
+    return set;
+  } catch (const Failure& failure) {
+    session.prompt.Tell("Backup",
+                        fmt::format("The automatic backup of {} could not be made.\n{}: {}.\n\nThe backups that were "
+                                    "there before are as they were.",
+                                    file.string(), failure.subject, failure.cause),
+                        Icon::Exclamation);
+    return std::nullopt;
+  }
+}
+
+}  // namespace vellumark

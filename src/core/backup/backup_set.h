@@ -1,0 +1,63 @@
+#pragma once
+
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "core/backup/proof.h"
+#include "core/session/session.h"
+
+namespace vellumark {
+
+// A backup set: a folder with a plain copy of the Data File, of the Support Files in SUV_Files and of the photos in
+// DesignPhotos. It stands under its name only when it is whole, and VERIFY.json in it tells what it held when it was
+// made, after its Data File was opened from it and checked.
+
+inline constexpr std::string_view kAutoBackupFolder = "Auto Backup";  ///< beside the Data File
+inline constexpr std::string_view kSupportFolderOfSet = "SUV_Files";
+inline constexpr std::string_view kPhotoFolderOfSet = "DesignPhotos";
+inline constexpr std::string_view kProofFile = "VERIFY.json";
+
+/// "VK_Backup_03_10_2026__09_05_00", by the local time.
+std::string SetName(const DateTime& made);
+/// The time in such a name; nothing for any other.
+std::optional<DateTime> TimeOfSet(std::string_view name);
+
+struct BackupSet {
+  std::filesystem::path folder;
+  DateTime made;
+  std::filesystem::path dataFile;
+  std::optional<SetProof> proof;  ///< nothing of a set that was made without one, or whose proof cannot be read
+};
+
+/// The whole sets of a folder, the oldest first. Throws Failure when the folder cannot be read; one that is not there
+/// has none.
+std::vector<BackupSet> ListSets(const std::filesystem::path& folder);
+/// The set in this folder. Refused when there is no Data File in it.
+Result<BackupSet> ReadSet(const std::filesystem::path& folder);
+
+/// Makes a set of a Data File that nobody has open, with the Support Files and the photos beside it, in `target`. A
+/// journal that a killed program left is played back first. With `keep`, and when just so many sets of a Data File of
+/// this name are there, the oldest is removed before the new one takes its name. Nothing but what was there remains after
+/// a Failure. A Data File with faults is backed up too; the proof tells them.
+BackupSet MakeBackupSet(Session& session, const std::filesystem::path& source, const std::filesystem::path& target,
+                        std::optional<std::size_t> keep = {});
+
+/// Reads a set again, all of it: what is different from its proof, or not sound, a line each.
+struct SetCheck {
+  BackupSet set;
+  std::vector<std::string> faults;
+  ContentProof content;
+};
+SetCheck VerifySet(Session& session, const BackupSet& set);
+
+inline constexpr std::size_t kAutomaticSets = 30;
+
+/// The backup of the Data File that is named and was closed, into Auto Backup beside it; nothing for archive and backup
+/// copies, for files that an administrator fetched, and for one without a Database. What fails is told, and ends
+/// nothing. `label` "AutoBackup" does not tell of a success.
+std::optional<BackupSet> ShutdownBackup(Session& session, std::string_view label);
+
+}  // namespace vellumark

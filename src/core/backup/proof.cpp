@@ -1,0 +1,232 @@
+#include "core/backup/proof.h"
+
+#include <fmt/format.h>
+
+#include <bit>
+#include <cstring>
+#include <nlohmann/json.hpp>
+#include <system_error>
+#include <utility>
+
+#include "core/base/files.h"
+#include "core/base/refusal.h"
+#include "core/datafile/databases.h"
+#include "core/datafile/lifecycle.h"
+
+namespace vellumark {
+namespace fs = std::filesystem;
+using Json = nlohmann::json;
+
+namespace {
+
+// Each step is one to one in what was there before and in what comes in, so that no single change is lost.
+class Digest {
+ public:
+  void Add(std::uint64_t word) {
+    value_ = (value_ ^ word) * 0x9E3779B97F4A7C15ULL;
+    value_ ^= value_ >> 29;
+  }
+  void Add(std::string_view bytes) {
+    while (bytes.size() >= sizeof(std::uint64_t)) {
+      std::uint64_t word = 0;
+      std::memcpy(&word, bytes.data(), sizeof word);
+      Add(word);
+      bytes.remove_prefix(sizeof word);
+    }
+    std::uint64_t last = 0;
+    if (!bytes.empty()) std::memcpy(&last, bytes.data(), bytes.size());
+    Add(last);
+    Add(static_cast<std::uint64_t>(bytes.size()));
+  }
+  std::uint64_t Value() const { return value_; }
+
+ private:
+  std::uint64_t value_ = 0x243F6A8885A308D3ULL;
+};
+
+// Another file in the place of the session's open one, for as long as this lasts.
+class InPlaceOfOpenFile {
+ public:
+  InPlaceOfOpenFile(Session& session, const fs::path& path)
+      : session_(session), before_(std::exchange(session.DataFileDB, Database::Open(path, OpenMode::ReadOnly))) {}
+  ~InPlaceOfOpenFile() { session_.DataFileDB = std::move(before_); }
+  InPlaceOfOpenFile(const InPlaceOfOpenFile&) = delete;
+  InPlaceOfOpenFile& operator=(const InPlaceOfOpenFile&) = delete;
+
+ private:
+  Session& session_;
+  std::unique_ptr<Database> before_;
+};
+
+std::uint64_t RowDigest(const Statement& row, int columns) {
+  Digest digest;
+  for (int column = 0; column < columns; ++column) {
+    const Value value = row.Get(column);
+    digest.Add(static_cast<std::uint64_t>(value.Held().index()));
+    if (value.IsWhole()) digest.Add(static_cast<std::uint64_t>(value.Whole()));
+    if (value.IsNumber()) digest.Add(std::bit_cast<std::uint64_t>(value.Number()));
+    if (value.IsText()) digest.Add(std::get<std::string>(value.Held()));
+  }
+  return digest.Value();
+}
+
+TableProof ProveTable(Database& file, const std::string& table) {
+  TableProof proof{table};
+  Statement rows = file.Prepare("SELECT * FROM " + Quoted(table));
+  const int columns = rows.ColumnCount();
+  // A sum does not ask in which order the rows come.
+  while (rows.Step()) {
+    ++proof.Rows;
+    proof.digest += RowDigest(rows, columns);
+  }
+  return proof;
+}
+
+std::vector<DatabaseProof> CountDatabases(Database& file, const std::vector<std::string>& names) {
+  std::vector<DatabaseProof> databases;
+  for (const std::string& name : names) {
+    const DatabaseCounts counts = CountRows(file, name);
+    databases.push_back({name, counts.basics, counts.formulas, counts.batches});
+  }
+  return databases;
+}
+
+platform::OpenFile OpenToRead(const fs::path& path) {
+  std::error_code error;
+  platform::OpenFile file = platform::OpenExisting(path, platform::Opening::Read, error);
+  if (error) throw Failure(path.string(), error.message());
+  const platform::FileState state = platform::StateOf(file, error);
+  if (error) throw Failure(path.string(), error.message());
+  if (state.kind != platform::Kind::File) throw Failure(path.string(), "is not a file");
+  return file;
+}
+
+template <typename Take>
+FileProof ReadPieces(const fs::path& path, std::string name, Take take) {
+  const platform::OpenFile file = OpenToRead(path);
+  FileProof proof{std::move(name)};
+  Digest digest;
+  std::string piece(std::size_t{1} << 20, '\0');
+  for (;;) {
+    // Full pieces, so that how a file is read is no part of its digest.
+    std::size_t filled = 0;
+    std::error_code error;
+    while (filled < piece.size()) {
+      const std::size_t count = platform::Read(file, piece.data() + filled, piece.size() - filled, error);
+      if (error) throw Failure(path.string(), error.message());
+      if (count == 0) break;
+      filled += count;
+    }
+    if (filled == 0) break;
+    const std::string_view read(piece.data(), filled);
+    digest.Add(read);
+    take(read);
+    proof.bytes += static_cast<std::int64_t>(filled);
+  }
+  proof.digest = digest.Value();
+  return proof;
+}
+
+std::string DigestText(std::uint64_t digest) {
+  return fmt::format("{:016x}", digest);
+}
+
+std::uint64_t DigestOf(const Json& text) {
+  return std::stoull(text.get<std::string>(), nullptr, 16);
+}
+
+}  // namespace
+
+ContentProof ProveContent(Session& session, const fs::path& path) {
+  const InPlaceOfOpenFile opened(session, path);
+  Database& file = session.File();
+  ContentProof proof;
+  const FileInfoRow info = ReadFileInfo(file);
+  proof.fileVersion = info.fileVersion;
+  const VersionGate gate = GateOf(info.fileVersion);
+  if (gate == VersionGate::Current || gate == VersionGate::ReadOnly) {
+    for (const CheckFault& fault : CheckDataFileRules(session, CheckDepth::Deep, CheckState::InUse).faults)
+      proof.faults.push_back(FaultText(fault));
+  } else {
+    proof.faults = file.Faults();
+  }
+  for (const std::string& table : file.TableNames()) {
+    try {
+      proof.tables.push_back(ProveTable(file, table));
+    } catch (const Failure& failure) {
+      proof.faults.push_back(fmt::format("{} cannot be read: {}", table, failure.cause));
+    }
+  }
+  try {
+    proof.databases = CountDatabases(file, info.dbList);
+  } catch (const Failure& failure) {
+    proof.faults.push_back(failure.cause);
+  }
+  return proof;
+}
+
+FileProof ProveFile(const fs::path& path, std::string name) {
+  return ReadPieces(path, std::move(name), [](std::string_view) {});
+}
+
+FileProof CopyProved(const fs::path& from, const fs::path& to, std::string name) {
+  FileBeside copy(to, Readers::Group);
+  FileProof proof = ReadPieces(from, std::move(name), [&](std::string_view piece) { copy.Write(piece); });
+  copy.TakeFreePlace();
+  return proof;
+}
+
+std::string ProofText(const SetProof& proof) {
+  Json tables = Json::array();
+  for (const TableProof& table : proof.content.tables)
+    tables.push_back({{"Table", table.Table}, {"Rows", table.Rows}, {"Digest", DigestText(table.digest)}});
+  Json databases = Json::array();
+  for (const DatabaseProof& database : proof.content.databases)
+    databases.push_back({{"Database", database.name},
+                         {"Basics", database.basics},
+                         {"Formulas", database.formulas},
+                         {"Batches", database.batches}});
+  Json files = Json::array();
+  for (const FileProof& file : proof.files)
+    files.push_back({{"File", file.name}, {"Bytes", file.bytes}, {"Digest", DigestText(file.digest)}});
+  const Json text{{"DataFile", proof.dataFile},
+                  {"Made", proof.made.ToText()},
+                  {"Program", proof.program},
+                  {"UMI", proof.UMI},
+                  {"FileVersion", proof.content.fileVersion},
+                  {"Sound", proof.content.Sound()},
+                  {"Faults", proof.content.faults},
+                  {"Databases", databases},
+                  {"Tables", tables},
+                  {"Files", files}};
+  return text.dump(1, ' ', false, Json::error_handler_t::replace) + "\n";
+}
+
+std::optional<SetProof> ReadProofText(const std::string& text) {
+  try {
+    const Json json = Json::parse(text);
+    SetProof proof;
+    proof.dataFile = json.at("DataFile").get<std::string>();
+    const auto made = ParseDateTime(json.at("Made").get<std::string>());
+    if (!made) return std::nullopt;
+    proof.made = *made;
+    proof.program = json.at("Program").get<std::string>();
+    proof.UMI = json.at("UMI").get<int>();
+    proof.content.fileVersion = json.at("FileVersion").get<int>();
+    proof.content.faults = json.at("Faults").get<std::vector<std::string>>();
+    for (const Json& table : json.at("Tables"))
+      proof.content.tables.push_back({table.at("Table"), table.at("Rows"), DigestOf(table.at("Digest"))});
+    for (const Json& database : json.at("Databases"))
+      proof.content.databases.push_back(
+          {database.at("Database"), database.at("Basics"), database.at("Formulas"), database.at("Batches")});
+    for (const Json& file : json.at("Files"))
+      proof.files.push_back({file.at("File"), file.at("Bytes"), DigestOf(file.at("Digest"))});
+    return proof;
+  } catch (const Json::exception&) {
+    return std::nullopt;
+  } catch (const std::logic_error&) {  // a digest that is none
+    return std::nullopt;
+  }
+}
+
+}  // namespace vellumark

@@ -1,0 +1,72 @@
+#pragma once
+
+#include <cstdint>
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "core/backup/deep_check.h"
+#include "core/base/date.h"
+#include "core/session/session.h"
+
+namespace vellumark {
+
+/// The content of a table, whatever pages it stands on and in whatever order: how many rows, and a digest of all their
+/// values. One changed bit of a value changes the digest.
+struct TableProof {
+  std::string Table;
+  std::int64_t Rows = 0;
+  std::uint64_t digest = 0;
+  bool operator==(const TableProof&) const = default;
+};
+
+/// A file by its bytes.
+struct FileProof {
+  std::string name;  ///< within the set, "SUV_Files/vk50suvdf.dat"
+  std::int64_t bytes = 0;
+  std::uint64_t digest = 0;
+  bool operator==(const FileProof&) const = default;
+};
+
+/// How much a Database held, for people who choose between sets.
+struct DatabaseProof {
+  std::string name;
+  std::int64_t basics = 0;
+  std::int64_t formulas = 0;
+  std::int64_t batches = 0;
+  bool operator==(const DatabaseProof&) const = default;
+};
+
+/// What a Data File holds, read through the engine, and whether it is sound.
+struct ContentProof {
+  int fileVersion = 0;
+  std::vector<TableProof> tables;
+  std::vector<DatabaseProof> databases;
+  std::vector<std::string> faults;  ///< in words, a line each; empty when sound
+  bool Sound() const { return faults.empty(); }
+};
+
+/// Reads every row of a closed file and checks it: the engine's own check and every rule between rows. The session's
+/// open file, which may be another, stays open. Throws Failure when the file cannot be read at all.
+ContentProof ProveContent(Session& session, const std::filesystem::path& file);
+
+/// Reads a whole file. Throws Failure.
+FileProof ProveFile(const std::filesystem::path& path, std::string name);
+/// Writes a copy under a name that is free, synced to the disk, and tells what was read. A file of a plain kind only.
+FileProof CopyProved(const std::filesystem::path& from, const std::filesystem::path& to, std::string name);
+
+/// What stands in VERIFY.json of a backup set: what it held when it was made.
+struct SetProof {
+  std::string dataFile;  ///< the name of the Data File in the set
+  DateTime made;
+  std::string program;  ///< version of the program
+  int UMI = 1;          ///< the unit of stock of the machine, which the Data File does not hold
+  ContentProof content;
+  std::vector<FileProof> files;  ///< the Data File first
+};
+std::string ProofText(const SetProof& proof);
+/// Nothing of a text that is none.
+std::optional<SetProof> ReadProofText(const std::string& text);
+
+}  // namespace vellumark

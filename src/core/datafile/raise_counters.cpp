@@ -1,0 +1,37 @@
+#include "core/datafile/raise_counters.h"
+
+#include <fmt/format.h>
+
+#include "core/datafile/databases.h"
+#include "core/datafile/lifecycle.h"
+#include "core/datafile/schema.h"
+
+namespace vellumark {
+namespace {
+
+void RaiseLotReferences(Database& file, Database& other, const std::string& table) {
+  if (!file.TableExists(table) || !other.TableExists(table)) return;
+  Statement reached = other.Prepare(fmt::format("SELECT Color_Name, LotRefID FROM {} WHERE LotRefID > 0", Quoted(table)));
+  Statement raise =
+      file.Prepare(fmt::format("UPDATE {} SET LotRefID = ?1 WHERE Color_Name = ?2 AND COALESCE(LotRefID, 0) < ?1",
+                               Quoted(table)));
+  while (reached.Step()) raise.Bind(1, reached.Whole(1)).Bind(2, reached.TextView(0)).Run();
+}
+
+}  // namespace
+
+void RaiseCounters(Database& file, Database& other) {
+  const FileInfoRow mine = ReadFileInfo(file);
+  const FileInfoRow theirs = ReadFileInfo(other);
+  Transaction transaction(file);
+  file.Prepare("UPDATE FileInfo SET BatchNumber = ?, ItemNumber = ?")
+      .Bind(1, std::max(mine.batchNumber, theirs.batchNumber))
+      .Bind(2, std::max(mine.itemNumber, theirs.itemNumber))
+      .Run();
+  for (const std::string& database : mine.dbList)
+    for (const Table* table : {&schema::Basic, &schema::Mix})
+      RaiseLotReferences(file, other, TableName(database, *table));
+  transaction.Commit();
+}
+
+}  // namespace vellumark

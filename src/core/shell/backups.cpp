@@ -1,0 +1,297 @@
+#include "core/shell/backups.h"
+
+#include <fmt/format.h>
+
+#include <array>
+#include <system_error>
+#include <utility>
+
+#include "core/base/files.h"
+#include "core/base/progress_run.h"
+#include "core/base/text.h"
+#include "core/base/units.h"
+#include "core/datafile/databases.h"
+#include "core/datafile/lifecycle.h"
+#include "core/session/acts.h"
+#include "core/session/settings.h"
+#include "core/settings/ladder.h"
+#include "core/settings/support_files.h"
+#include "core/shell/data_files.h"
+#include "core/shell/previous_file.h"
+#include "core/shell/startup.h"
+
+namespace vellumark {
+namespace fs = std::filesystem;
+
+namespace {
+
+constexpr std::string_view kRestoreTitle = "Restore Data File";
+
+DateTime DaysAfter(const DateTime& day, int days) {
+  return DateTime::FromDayNumber(day.DayNumber() + days);
+}
+
+// The file in the hands of whoever copies it, and back in the session's whatever happens.
+template <typename Work>
+auto WithFileClosed(Session& session, Work work) {
+  session.DataFileDB.reset();
+  session.RecordsetsOpen = false;
+  try {
+    auto done = work();
+    ReopenWorkingSets(session);
+    return done;
+  } catch (...) {
+    ReopenWorkingSets(session);
+    throw;
+  }
+}
+
+std::string ContentText(const ContentProof& content) {
+  std::string text;
+  for (const DatabaseProof& database : content.databases)
+    text += fmt::format("\n    {}: {} basics, {} formulas, {} Batches", database.name, database.basics,
+                        database.formulas, database.batches);
+  return text.empty() ? "\n    no Database" : text;
+}
+
+std::string FaultLines(const std::vector<std::string>& faults) {
+  constexpr std::size_t kMost = 8;
+  std::string text;
+  for (std::size_t i = 0; i < faults.size() && i < kMost; ++i) text += "\n" + faults[i];
+  if (faults.size() > kMost) text += fmt::format("\nand {} more", faults.size() - kMost);
+  return text;
+}
+
+// The source as it is now: as a set with its proof, or alone.
+Result<SetCheck> CheckSource(Session& session, const fs::path& source) {
+  auto set = ReadSet(source.parent_path());
+  if (set && set->dataFile == source && (set->proof || TimeOfSet(source.parent_path().filename().string())))
+    return VerifySet(session, *set);
+  const ProgressRun progress(session.progress, "Checking backup ...");
+  SetCheck check{{source.parent_path(), {}, source, std::nullopt}, {}, {}};
+  try {
+    check.content = ProveContent(session, source);
+    check.faults = check.content.faults;
+  } catch (const Failure& failure) {
+    return Refuse("Restore Error",
+                  fmt::format("{} cannot be read: {}.\nNothing was replaced.", failure.subject, failure.cause), "PATH");
+  }
+  return check;
+}
+
+// What stands in the place now, in words; it may be damaged, since that is what restores are for.
+std::string PresentText(Session& session) {
+  const fs::path current = session.DataFileName;
+  std::error_code ignored;
+  if (!fs::exists(current, ignored)) return fmt::format("{}, which is not there.", current.string());
+  try {
+    std::unique_ptr<Database> closed;
+    if (!session.DataFileDB) closed = Database::Open(current, OpenMode::ReadOnly);
+    Database& file = closed ? *closed : session.File();
+    ContentProof content;
+    for (const std::string& name : ReadFileInfo(file).dbList) {
+      const DatabaseCounts counts = CountRows(file, name);
+      content.databases.push_back({name, counts.basics, counts.formulas, counts.batches});
+    }
+    return current.string() + ContentText(content);
+  } catch (const Failure& failure) {
+    return fmt::format("{}, which cannot be read: {}.", current.string(), failure.cause);
+  }
+}
+
+Result<void> AskForRestore(Session& session, const SetCheck& check) {
+  Prompt& prompt = session.prompt;
+  const fs::path& source = check.set.dataFile;
+  if (!check.faults.empty() &&
+      !prompt.Ask("Restore Error",
+                  fmt::format("The backup is not sound:{}\n\nRestore it all the same?", FaultLines(check.faults)),
+                  Answer::No))
+    return Decline("Restore Error");
+  if (check.set.proof && check.set.proof->UMI != session.UMI &&
+      !prompt.Ask("Restore Unit",
+                  fmt::format("The backup was made where stock is kept in {}. Here it is kept in {}, and the figures "
+                              "of stock are not converted.\n\nRestore it all the same?",
+                              UnitName(check.set.proof->UMI), UnitName(session.UMI)),
+                  Answer::No))
+    return Decline("Restore Unit");
+  const std::string made =
+      check.set.made == DateTime{} ? std::string() : fmt::format(" of {}", check.set.made.ToText());
+  if (!prompt.Ask(std::string(kRestoreTitle),
+                  fmt::format("This replaces\n  {}\nby the backup{}\n  {}{}\n\nWhat is replaced is kept in a folder "
+                              "beside it. Restore now?",
+                              PresentText(session), made, source.string(), ContentText(check.content)),
+                  Answer::No))
+    return Decline(std::string(kRestoreTitle));
+  return {};
+}
+
+// The place to restore to where no Data File is known or the known one is gone.
+void ChoosePlace(Session& session) {
+  if (!session.DataFileName.empty()) return;
+  fs::path place = session.ProgramFolder / kDefaultDataFile;
+  std::error_code ignored;
+  if (fs::exists(place, ignored)) place = NextFreeName(place);
+  MakeFolder(session.ProgramFolder);
+  session.DataFileName = place.string();
+}
+
+// Copies of a set's Support Files, brought to the present version.
+class ClimbedFiles {
+ public:
+  ClimbedFiles(const fs::path& dataFolder, const fs::path& from)
+      : folder_(dataFolder / ".restored settings"), files_(folder_) {
+    Remove();
+    MakeFolder(folder_);
+    try {
+      for (const SupportFile* file : All(files_)) {
+        std::error_code ignored;
+        const fs::path source = from / file->Path().filename();
+        if (fs::exists(source, ignored)) ReplaceFile(file->Path(), ReadFileBytes(source), Readers::Group);
+      }
+      WriteMissingSupportFiles(files_);
+      RunLadder(files_, nullptr);
+    } catch (...) {
+      Remove();
+      throw;
+    }
+  }
+  ~ClimbedFiles() { Remove(); }
+  ClimbedFiles(const ClimbedFiles&) = delete;
+  ClimbedFiles& operator=(const ClimbedFiles&) = delete;
+
+  SupportFiles& Files() { return files_; }
+  static std::array<const SupportFile*, 5> All(const SupportFiles& files) {
+    return {&files.settings, &files.scale, &files.label, &files.hazardLabel, &files.formulaLabel};
+  }
+
+ private:
+  void Remove() const {
+    std::error_code ignored;
+    fs::remove_all(folder_, ignored);
+  }
+
+  fs::path folder_;
+  SupportFiles files_;
+};
+
+// The present files give way to the climbed ones; all of them, or none.
+void TakeSupportFiles(Session& session, SupportFiles& climbed) {
+  const fs::path kept = session.BackupsFolder / ("Before " + SetName(session.clock.Now()));
+  MakeFolder(kept);
+  const auto mine = ClimbedFiles::All(*session.support);
+  const auto theirs = ClimbedFiles::All(climbed);
+  std::vector<std::pair<const SupportFile*, std::string>> before;
+  const FolderLock lock(session.DataFolder);
+  for (const SupportFile* file : mine)
+    if (file->Exists()) {
+      before.emplace_back(file, ReadFileBytes(file->Path()));
+      ReplaceFile(kept / file->Path().filename(), before.back().second, Readers::Group);
+    }
+  try {
+    for (std::size_t i = 0; i < mine.size(); ++i)
+      if (theirs[i]->Exists()) ReplaceFile(mine[i]->Path(), ReadFileBytes(theirs[i]->Path()), Readers::Group);
+  } catch (...) {
+    for (const auto& [file, bytes] : before) ReplaceFile(file->Path(), bytes, Readers::Group);
+    throw;
+  }
+}
+
+}  // namespace
+
+Result<BackupSet> BackUpToFolder(Session& session, const fs::path& folder) {
+  if (auto allowed = RequireAct(session, Act::BackUp); !allowed) return std::unexpected(allowed.error());
+  if (auto writable = RequireWritable(session); !writable) return std::unexpected(writable.error());
+  const fs::path file = session.DataFileName;
+  BackupSet set = WithFileClosed(session, [&] { return MakeBackupSet(session, file, folder); });
+  BackupDates dates = ReadBackupDates(session.File());
+  dates.LastBackupDate = session.clock.Today();
+  dates.DayBeforeNextBackupDate = DaysAfter(session.clock.Today(), dates.DaysToRemindBackup);
+  StoreBackupDates(session.File(), dates);
+  StoreSettings(session, {setting::BackupRestoreFileLocation.To(folder.string())});
+  session.prompt.Tell("Backup Complete", "Backup Completed Successfully!");
+  return set;
+}
+
+std::optional<BackupReminder> DueBackupReminder(const Session& session) {
+  if (session.ArchiveView || !session.DataFileDB || GetSetting(session, setting::RemindBackup)) return std::nullopt;
+  const BackupDates dates = ReadBackupDates(session.File());
+  const DateTime today = session.clock.Today();
+  if (today <= dates.DayBeforeNextBackupDate.value_or(DaysAfter(today, -1))) return std::nullopt;
+  return BackupReminder{dates.LastBackupDate, dates.DaysToRemindBackup};
+}
+
+void StoreReminderAnswer(Session& session, const ReminderAnswer& answer) {
+  BackupDates dates = ReadBackupDates(session.File());
+  if (answer.dontShow) {
+    StoreSettings(session, {setting::RemindBackup.To(true)});
+  } else {
+    dates.DaysToRemindBackup = answer.DaysToRemindBackup;
+  }
+  dates.DayBeforeNextBackupDate = DaysAfter(session.clock.Today(), dates.DaysToRemindBackup);
+  StoreBackupDates(session.File(), dates);
+}
+
+Result<RestoredFiles> RestoreDataFile(Session& session, const fs::path& typedSource, RestoreFrom from,
+                                      OpeningWindows& windows) {
+  if (auto allowed = RequireAct(session, Act::BackUp); !allowed) return std::unexpected(allowed.error());
+  std::error_code ignored;
+  const fs::path source = RealPath(typedSource);
+  if (!fs::exists(source, ignored))
+    return Refuse("Restore Error", fmt::format("{} does not exist.", source.string()), "PATH");
+  if (!session.DataFileName.empty() && fs::equivalent(source, session.DataFileName, ignored))
+    return Refuse("Restore Error",
+                  "Current data file and choosen file are the same!\nPlease select another file.", "PATH");
+  auto check = CheckSource(session, source);
+  if (!check) return std::unexpected(check.error());
+  if (!CheckDataFile(session, source.string(), windows)) return Decline("Data File");
+  if (auto asked = AskForRestore(session, *check); !asked) return std::unexpected(asked.error());
+
+  PreviousFile previous(session, windows);
+  RestoredFiles restored;
+  try {
+    if (session.DataFileOpen) CloseDataFile(session, windows);
+    ChoosePlace(session);
+    const ProgressRun progress(session.progress, "Restoring Data File ...");
+    restored = PutDataFileBack(session, source, RealPath(session.DataFileName));
+  } catch (...) {
+    previous.Return();
+    throw;
+  }
+  if (from == RestoreFrom::Location)
+    StoreSettings(session, {setting::BackupRestoreFileLocation.To(source.parent_path().string())});
+  StoreDefaultDataFile(session, session.DataFileName);
+  OpenDataFile(session, windows);
+  RemovePhotosOfNobody(session, restored);
+  session.prompt.Tell("Restore Complete", "Restore Completed Successfully!");
+  return restored;
+}
+
+Result<bool> RestoreSupportFiles(Session& session, const fs::path& folder) {
+  if (auto allowed = RequireAct(session, Act::DataFiles); !allowed) return std::unexpected(allowed.error());
+  std::error_code ignored;
+  if (!fs::exists(folder / session.support->settings.Path().filename(), ignored))
+    return Refuse("Select a Support File",
+                  fmt::format("There are no Support Files in {}.", folder.string()), "DIR");
+  ClimbedFiles climbed(session.DataFolder, folder);
+  SupportRecords settings = climbed.Files().settings.Read();
+  const int unit = ParseUnit(settings.Get(setting::UMI.key)).value_or(session.UMI);
+  if (unit != session.UMI) {
+    const bool takes = session.prompt.Ask(
+        "Restore Unit",
+        fmt::format("In these Support Files stock is kept in {}, here in {}. The figures of stock are not converted.\n\n"
+                    "'Yes' - Keep stock in {} from now on.\n'No' - Restore the rest and stay with {}.",
+                    UnitName(unit), UnitName(session.UMI), UnitName(unit), UnitName(session.UMI)),
+        Answer::No);
+    if (!takes) settings.Set(setting::UMI.key, std::to_string(session.UMI));
+  }
+  settings.Set(setting::DbFileName50.key, session.DataFileName);
+  climbed.Files().settings.Write(settings);
+  const ProgressRun progress(session.progress, "Restoring Support Files ...");
+  TakeSupportFiles(session, climbed.Files());
+  ReadSettings(session);
+  session.changes.Tell({{Change::Kind::Settings, "", "", Change::What::All, ""}});
+  session.prompt.Tell("Restore Complete", "Support Files - Restore Completed Successfully!");
+  return true;
+}
+
+}  // namespace vellumark

@@ -1,0 +1,46 @@
+#pragma once
+
+#include <filesystem>
+#include <optional>
+#include <string>
+
+#include "core/backup/backup_set.h"
+#include "core/backup/restore.h"
+#include "core/session/session.h"
+#include "core/shell/opening.h"
+
+namespace vellumark {
+
+// Backups and restores of the session's open Data File, which they close for as long as it takes. Child windows are
+// closed by the caller. What fails is a Failure that names the file; the file that was open is open again.
+
+/// A set in a folder of the operator's. The day it was made and the next reminder are stored in the Data File, the folder
+/// in the settings; "Backup Complete" is told. Refused to a user without the right and for archive and backup copies.
+Result<BackupSet> BackUpToFolder(Session& session, const std::filesystem::path& folder);
+
+/// The closing of the main window asks for a backup when one is due: `asks` shows `BackupReminderForm`.
+struct BackupReminder {
+  std::optional<DateTime> LastBackupDate;
+  int DaysToRemindBackup = 1;
+};
+/// Nothing when none is due, in an archive or backup copy, and when the reminder is off.
+std::optional<BackupReminder> DueBackupReminder(const Session& session);
+struct ReminderAnswer {
+  bool dontShow = false;
+  int DaysToRemindBackup = 1;
+};
+/// Whatever was answered, the reminder waits for the interval again; "Don't Show" switches it off. That a backup was made
+/// only a backup stores.
+void StoreReminderAnswer(Session& session, const ReminderAnswer& answer);
+
+/// Puts a Data File back over the session's own, after verifying it and asking, with what it would replace by what. The
+/// file that was there, and its photos, are kept in a folder beside. The restored file is opened, with login.
+Result<RestoredFiles> RestoreDataFile(Session& session, const std::filesystem::path& source, RestoreFrom from,
+                                      OpeningWindows& windows);
+
+/// Takes the settings and label layouts of a backup's SUV_Files over: they climb to the present version on a copy, then
+/// take the place of the present ones, which are kept in the Backups folder. Which Data File is used stays as it is. Where
+/// the unit of stock differs it is asked for. False when the operator declined.
+Result<bool> RestoreSupportFiles(Session& session, const std::filesystem::path& folder);
+
+}  // namespace vellumark

@@ -1,0 +1,196 @@
+#include "core/backup/backup_set.h"
+
+#include <gtest/gtest.h>
+
+#include <fstream>
+
+#include "core/base/files.h"
+#include "support/data_files.h"
+
+namespace vellumark {
+namespace {
+
+namespace fs = std::filesystem;
+
+void Write(const fs::path& path, std::string_view text) {
+  fs::create_directories(path.parent_path());
+  std::ofstream(path, std::ios::binary) << text;
+}
+
+// A Data File that nobody has open, the Support Files and a session.
+struct ClosedRoom {
+  ClosedRoom() {
+    session.support = std::make_unique<SupportFiles>(folder / "VKDat");
+    WriteMissingSupportFiles(*session.support);
+  }
+  void MakeFile(const fs::path& path, int version = kFileVersion) {
+    CreateFile(path);
+    const auto file = Database::Open(path, OpenMode::Exclusive);
+    CreateEmptyDatabase(*file, "INK");
+    file->Execute("UPDATE FileInfo SET FileVersion = " + std::to_string(version));
+  }
+  test::SoundFolder folder;
+  test::ScriptedPrompt prompt;
+  NoProgress progress;
+  FixedClock clock{DateTime{2026, 3, 10, 9, 0, 0}};
+  Session session{prompt, progress, clock};
+};
+
+class BackupSets : public testing::Test {
+ protected:
+  BackupSets() {
+    room.MakeFile(file);
+    const auto opened = Database::Open(file, OpenMode::Exclusive);
+    opened->Execute("INSERT INTO INK_Basic (Color_Name, Notes) VALUES ('RED', 'keep me')");
+    Write(room.folder.Path() / "DesignPhotos" / "Gloss.JPG", "a picture");
+    Write(room.folder.Path() / "DesignPhotos" / "matte.jpg", "another");
+    Write(room.folder.Path() / "DesignPhotos" / "Thumbs.db", "no picture");
+  }
+
+  BackupSet Make(std::optional<std::size_t> keep = {}) { return MakeBackupSet(room.session, file, target, keep); }
+
+  std::vector<std::string> Names() const {
+    std::vector<std::string> names;
+    for (const BackupSet& set : ListSets(target)) names.push_back(set.folder.filename().string());
+    return names;
+  }
+
+  // Sets as an earlier program left them: a Data File and no proof.
+  void OldSets(int count, const std::string& dataFile = "Ink.vkd") {
+    for (int day = 1; day <= count; ++day)
+      Write(target / SetName({2025, 1, day, 8, 0, 0}) / dataFile, "whatever");
+  }
+
+  ClosedRoom room;
+  fs::path file = room.folder / "Ink.vkd";
+  fs::path target = room.folder / "Auto Backup";
+};
+
+TEST_F(BackupSets, TheNameTellsTheTimeAndNothingElseIsASet) {
+  const DateTime made{2024, 2, 29, 23, 5, 9};
+  EXPECT_EQ(SetName(made), "VK_Backup_02_29_2024__23_05_09");
+  EXPECT_EQ(TimeOfSet(SetName(made)), made);
+  for (const char* name : {"VK_Backup_02_30_2024__23_05_09", "VK_Backup_2_29_2024__23_05_09", "VK_Backup_",
+                           "VK_Backup_02_29_2024__24_05_09", ".VK_Backup_02_29_2024__23_05_09",
+                           "VK_Backup_02_29_2024__23_05_09 (2)", "VK_Backup_+2_29_2024__23_05_09"})
+    EXPECT_FALSE(TimeOfSet(name)) << name;
+}
+
+TEST_F(BackupSets, ASetHoldsEverythingAndProvesIt) {
+  const BackupSet set = Make();
+  EXPECT_EQ(set.folder, target / "VK_Backup_03_10_2026__09_00_00");
+  EXPECT_EQ(ReadFileBytes(set.dataFile), ReadFileBytes(file));
+  EXPECT_EQ(ReadFileBytes(set.folder / "DesignPhotos" / "Gloss.JPG"), "a picture");
+  EXPECT_TRUE(fs::exists(set.folder / "DesignPhotos" / "matte.jpg"));
+  EXPECT_FALSE(fs::exists(set.folder / "DesignPhotos" / "Thumbs.db"));
+  EXPECT_TRUE(fs::exists(set.folder / "SUV_Files" / "vk50suvdf.dat"));
+  EXPECT_TRUE(fs::exists(set.folder / "SUV_Files" / "vk50_GH_labeldf.dat"));
+  EXPECT_TRUE(set.proof->content.Sound());
+
+  // What is read back is what was made, and a second one of the same second is another set.
+  const auto read = ReadSet(set.folder);
+  ASSERT_TRUE(read && read->proof);
+  EXPECT_EQ(read->proof->content.tables, set.proof->content.tables);
+  EXPECT_EQ(read->proof->files, set.proof->files);
+  EXPECT_EQ(read->proof->content.databases, (std::vector<DatabaseProof>{{"INK", 1, 0, 0}}));
+  EXPECT_TRUE(VerifySet(room.session, *read).faults.empty());
+  EXPECT_EQ(Make().folder.filename(), "VK_Backup_03_10_2026__09_00_01");
+  EXPECT_EQ(Names().size(), 2U);
+}
+
+TEST_F(BackupSets, WhatChangedBehindItsBackIsNamed) {
+  room.folder.Breaks("Structure");
+  const BackupSet set = Make();
+  const auto faults = [&] {
+    std::string text;
+    for (const std::string& fault : VerifySet(room.session, set).faults) text += fault + "\n";
+    return text;
+  };
+  std::string bytes = ReadFileBytes(set.dataFile);
+  const std::string sound = bytes;
+  bytes[bytes.find("keep me")] ^= 1;  // one bit of one stored value, which no rule of the engine sees
+  Write(set.dataFile, bytes);
+  EXPECT_EQ(faults(), "Ink.vkd: the file is not what it was when the set was made\n"
+                      "INK_Basic: values are not those of when the set was made\n");
+  Write(set.dataFile, sound.substr(0, sound.size() / 2));
+  EXPECT_NE(faults().find("Ink.vkd"), std::string::npos);
+  Write(set.dataFile, sound);
+  EXPECT_EQ(faults(), "");
+  Write(set.folder / "DesignPhotos" / "matte.jpg", "anothes");
+  fs::remove(set.folder / "SUV_Files" / "vk50suvdf.dat");
+  EXPECT_NE(faults().find("SUV_Files/vk50suvdf.dat: "), std::string::npos);
+  EXPECT_NE(faults().find("DesignPhotos/matte.jpg: the file is not what it was"), std::string::npos);
+}
+
+TEST_F(BackupSets, PruningAtExactlyThirtyOfThisFile) {
+  room.folder.Breaks("Structure");
+  for (const int before : {29, 30, 31}) {
+    fs::remove_all(target);
+    OldSets(before);
+    Write(target / "VK_Backup_01_01_2020__08_00_00" / "Other.vkd", "another file of the folder");
+    Write(target / "VK_Backup_01_02_2020__08_00_00" / "notes.txt", "no Data File: no set");
+    Make(kAutomaticSets);
+    const std::vector<std::string> names = Names();
+    EXPECT_EQ(names.size(), before == 30 ? 31U : before + 2U) << before;
+    EXPECT_EQ(names.front(), "VK_Backup_01_01_2020__08_00_00");
+    EXPECT_EQ(names[1], before == 30 ? "VK_Backup_01_02_2025__08_00_00" : "VK_Backup_01_01_2025__08_00_00");
+    EXPECT_EQ(names.back(), "VK_Backup_03_10_2026__09_00_00");
+  }
+}
+
+TEST_F(BackupSets, AFileWithFaultsIsBackedUpAndTheyAreTold) {
+  room.folder.Breaks("UniqueNames");
+  {
+    const auto opened = Database::Open(file, OpenMode::Exclusive);
+    opened->Execute("INSERT INTO INK_Basic (Color_Name) VALUES ('red')");
+  }
+  const BackupSet set = Make();
+  ASSERT_FALSE(set.proof->content.Sound());
+  EXPECT_NE(set.proof->content.faults.front().find("INK_Basic"), std::string::npos);
+}
+
+TEST_F(BackupSets, WhatFailsLeavesTheSetsAsTheyWere) {
+  const BackupSet before = Make();
+  Write(target / ".VK_Backup_01_01_2026__08_00_00" / "Ink.vkd", "of a killed process");
+  {
+    const test::HeldFile held(file);
+    EXPECT_THROW(Make(), Failure);
+  }
+  {
+    const test::WithoutRoot plain(room.folder.Path());
+    fs::permissions(target, fs::perms::owner_read | fs::perms::owner_exec);
+    EXPECT_THROW(Make(), Failure);
+    fs::permissions(target, fs::perms::owner_all);
+  }
+  EXPECT_EQ(Names(), std::vector<std::string>{before.folder.filename().string()});
+  EXPECT_TRUE(VerifySet(room.session, before).faults.empty());
+  Make();
+  EXPECT_FALSE(fs::exists(target / ".VK_Backup_01_01_2026__08_00_00"));
+}
+
+TEST_F(BackupSets, TheClosingBacksUpWhatIsAFileOfItsOwn) {
+  const auto closing = [&](const fs::path& closed) {
+    room.session.DataFileName = closed.string();
+    return ShutdownBackup(room.session, "AutoBackup");
+  };
+  const auto set = closing(file);
+  ASSERT_TRUE(set);
+  EXPECT_EQ(set->folder.parent_path(), target);
+  EXPECT_FALSE(closing(set->dataFile)) << "a backup";
+  room.MakeFile(room.folder / "Ink Archive 2026.vkd");
+  EXPECT_FALSE(closing(room.folder / "Ink Archive 2026.vkd"));
+  room.MakeFile(room.folder / "Seen.vkd", kArchiveFileVersion);
+  EXPECT_FALSE(closing(room.folder / "Seen.vkd"));
+  CreateFile(room.folder / "New.vkd");
+  EXPECT_FALSE(closing(room.folder / "New.vkd")) << "without a Database";
+  EXPECT_FALSE(closing(room.folder / "Gone.vkd"));
+
+  fs::remove_all(target);
+  Write(target, "a file in the place of the folder");
+  room.prompt.Expect("Backup");
+  EXPECT_FALSE(closing(file));
+  EXPECT_NE(room.prompt.last.text.find(target.string()), std::string::npos) << room.prompt.last.text;
+}
+
+}  // namespace
+}  // namespace vellumark

@@ -1,0 +1,215 @@
+#include "core/shell/backups.h"
+
+#include <gtest/gtest.h>
+
+#include <fstream>
+
+#include "core/base/files.h"
+#include "core/session/settings.h"
+#include "core/shell/data_files.h"
+#include "support/data_files.h"
+
+namespace vellumark {
+namespace {
+
+namespace fs = std::filesystem;
+
+void Write(const fs::path& path, std::string_view text) {
+  fs::create_directories(path.parent_path());
+  std::ofstream(path, std::ios::binary) << text;
+}
+
+class Backups : public testing::Test {
+ protected:
+  Backups() {
+    room.MakeFile(file);
+    room.session.DataFileName = file.string();
+    OpenDataFile(room.session, room.windows);
+    Add("RED");
+    Write(photos / "red.jpg", "red");
+  }
+
+  void Add(const std::string& name) {
+    Transaction transaction(room.session.File());
+    room.session.File().Prepare("INSERT INTO INK_Basic (Color_Name, LotRefID) VALUES (?, 7)").Bind(1, name).Run();
+    transaction.Commit();
+  }
+  std::string Colors() {
+    std::string names;
+    Statement rows = room.session.File().Prepare("SELECT Color_Name FROM INK_Basic ORDER BY Color_Name");
+    while (rows.Step()) names += rows.Text(0) + " ";
+    return names;
+  }
+  BackupSet Make() {
+    room.prompt.Expect("Backup Complete", Answer::Ok, "Backup Completed Successfully!");
+    auto set = BackUpToFolder(room.session, stick);
+    EXPECT_TRUE(set) << set.error().text;
+    return *set;
+  }
+  Result<RestoredFiles> Restore(const fs::path& source) {
+    return RestoreDataFile(room.session, source, RestoreFrom::Location, room.windows);
+  }
+  void ExpectRestored() {
+    room.prompt.Expect("Restore Data File", Answer::Yes).Expect("Restore Complete");
+  }
+
+  test::DataFileRoom room;
+  fs::path file = room.folder / "Ink.vkd";
+  fs::path photos = room.folder / "DesignPhotos";
+  fs::path stick = room.folder / "Stick";
+};
+
+TEST_F(Backups, ABackupLeavesTheFileOpenAndTellsTheDay) {
+  const BackupSet set = Make();
+  EXPECT_TRUE(set.proof->content.Sound());
+  EXPECT_EQ(Colors(), "RED ");
+  const BackupDates dates = ReadBackupDates(room.session.File());
+  EXPECT_EQ(dates.LastBackupDate, (DateTime{2026, 3, 10}));
+  EXPECT_EQ(dates.DayBeforeNextBackupDate, (DateTime{2026, 3, 11}));
+  EXPECT_EQ(GetSetting(room.session, setting::BackupRestoreFileLocation), stick.string());
+
+  // A failure moves no date and leaves the file open.
+  room.clock.Set({2026, 3, 20, 9, 0, 0});
+  Write(room.folder / "Full", "a file");
+  EXPECT_THROW((void)BackUpToFolder(room.session, room.folder / "Full"), Failure);
+  EXPECT_EQ(ReadBackupDates(room.session.File()).LastBackupDate, (DateTime{2026, 3, 10}));
+  EXPECT_EQ(Colors(), "RED ");
+}
+
+TEST_F(Backups, RestoreGivesBackThatDayAndKeepsThePresent) {
+  const BackupSet set = Make();
+  room.clock.Set({2026, 3, 12, 10, 30, 0});
+  Add("BLUE");
+  room.session.File().Execute("UPDATE FileInfo SET BatchNumber = 42, ItemNumber = 9");
+  room.session.File().Execute("UPDATE INK_Basic SET LotRefID = 12 WHERE Color_Name = 'RED'");
+  Write(photos / "red.jpg", "red, later");
+  Write(photos / "blue.jpg", "blue");
+
+  room.prompt.Expect("Restore Data File", Answer::No);
+  EXPECT_TRUE(Restore(set.dataFile).error().declined);
+  EXPECT_NE(room.prompt.last.text.find("INK: 2 basics"), std::string::npos) << room.prompt.last.text;
+  EXPECT_NE(room.prompt.last.text.find("INK: 1 basics"), std::string::npos) << room.prompt.last.text;
+  EXPECT_EQ(Colors(), "BLUE RED ");
+
+  ExpectRestored();
+  const auto restored = Restore(set.dataFile);
+  ASSERT_TRUE(restored) << restored.error().text;
+  EXPECT_EQ(Colors(), "RED ");
+  EXPECT_EQ(room.session.DataFileName, file.string());
+  EXPECT_EQ(ReadFileBytes(photos / "red.jpg"), "red");
+  EXPECT_FALSE(fs::exists(photos / "blue.jpg")) << "a photo that no Data File names";
+  // Numbers on paper are not handed out twice.
+  EXPECT_EQ(room.session.BatchNumber, 42);
+  EXPECT_EQ(room.session.ItemNumber, 9);
+  EXPECT_EQ(room.session.File().Scalar("SELECT LotRefID FROM INK_Basic").Whole(), 12);
+  // The present is kept whole, and can be restored in its turn.
+  EXPECT_EQ(restored->kept, room.folder / "Before Restore 03_12_2026__10_30_00");
+  EXPECT_EQ(ReadFileBytes(restored->kept / "DesignPhotos" / "blue.jpg"), "blue");
+  EXPECT_EQ(ReadFileBytes(restored->kept / "DesignPhotos" / "red.jpg"), "red, later");
+  ExpectRestored();
+  ASSERT_TRUE(Restore(restored->kept / "Ink.vkd"));
+  EXPECT_EQ(Colors(), "BLUE RED ");
+}
+
+TEST_F(Backups, TheSourceIsLookedAtFirst) {
+  room.folder.Breaks("Structure");
+  const BackupSet set = Make();
+  EXPECT_EQ(Restore(file).error().text,
+            "Current data file and choosen file are the same!\nPlease select another file.");
+  EXPECT_EQ(Restore(room.folder / "Gone.vkd").error().title, "Restore Error");
+  Write(room.folder / "Text.vkd", std::string(9000, 'x'));
+  EXPECT_NE(Restore(room.folder / "Text.vkd").error().text.find("cannot be read"), std::string::npos);
+
+  std::string bytes = ReadFileBytes(set.dataFile);
+  bytes[bytes.find("RED")] = 'B';
+  Write(set.dataFile, bytes);
+  room.prompt.Expect("Restore Error", Answer::No);
+  EXPECT_TRUE(Restore(set.dataFile).error().declined);
+  EXPECT_NE(room.prompt.last.text.find("INK_Basic: values are not those of when the set was made"), std::string::npos);
+  EXPECT_EQ(Colors(), "RED ");
+}
+
+TEST_F(Backups, ADamagedOrLostFileAndItsJournalGiveWay) {
+  room.folder.Breaks("Structure");
+  const BackupSet set = Make();
+  CloseDataFile(room.session, room.windows);
+  Write(file, "damaged");
+  Write(file.string() + "-journal", "left by a killed program");
+  ExpectRestored();
+  const auto restored = Restore(set.dataFile);
+  ASSERT_TRUE(restored);
+  EXPECT_EQ(Colors(), "RED ");
+  EXPECT_EQ(ReadFileBytes(restored->kept / "Ink.vkd"), "damaged");
+  EXPECT_FALSE(fs::exists(file.string() + "-journal"));
+
+  CloseDataFile(room.session, room.windows);
+  fs::remove(file);
+  ExpectRestored();
+  ASSERT_TRUE(Restore(set.dataFile));
+  EXPECT_EQ(Colors(), "RED ");
+}
+
+TEST_F(Backups, AnArchiveCopyBecomesAPlainFileAndOnlyPlainOnesAreBackedUp) {
+  const fs::path copy = room.folder / "Copy.vkd";
+  room.MakeFile(copy, kArchiveFileVersion);
+  ExpectRestored();
+  ASSERT_TRUE(Restore(copy));
+  EXPECT_FALSE(room.session.ArchiveView);
+  EXPECT_EQ(ReadFileInfo(room.session.File()).fileVersion, kFileVersion);
+
+  CloseDataFile(room.session, room.windows);
+  room.session.DataFileName = copy.string();
+  OpenDataFile(room.session, room.windows);
+  EXPECT_FALSE(BackUpToFolder(room.session, stick));
+  room.session.Perm_BackupRestore = 0;
+  room.session.CurrentUser = "ANN";
+  EXPECT_FALSE(Restore(file));
+}
+
+TEST_F(Backups, TheReminderWaitsForItsDays) {
+  Session& session = room.session;
+  EXPECT_FALSE(DueBackupReminder(session)) << "off unless switched on";
+  StoreSettings(session, {setting::RemindBackup.To(false)});
+  ASSERT_TRUE(DueBackupReminder(session));
+  EXPECT_FALSE(DueBackupReminder(session)->LastBackupDate);
+  StoreReminderAnswer(session, {false, 3});
+  for (const auto& [day, due] : {std::pair{10, false}, {13, false}, {14, true}}) {
+    room.clock.Set({2026, 3, day, 18, 0, 0});
+    EXPECT_EQ(DueBackupReminder(session).has_value(), due) << day;
+  }
+  // An answer is no backup.
+  EXPECT_FALSE(DueBackupReminder(session)->LastBackupDate);
+  EXPECT_EQ(DueBackupReminder(session)->DaysToRemindBackup, 3);
+  StoreReminderAnswer(session, {true, 5});
+  room.clock.Set({2026, 6, 1, 18, 0, 0});
+  EXPECT_FALSE(DueBackupReminder(session));
+}
+
+TEST_F(Backups, SupportFilesComeBackAndTheDataFileStays) {
+  Session& session = room.session;
+  StoreSettings(session, {setting::DecimalPlaces.To(3), setting::DbFileName50.To(std::string("elsewhere.vkd"))});
+  const BackupSet set = Make();
+  StoreSettings(session, {setting::DecimalPlaces.To(4)});
+  session.support->label.SetSupportValue("Default Label", "Printer", "NEW");
+  room.prompt.Expect("Restore Complete");
+  ASSERT_TRUE(RestoreSupportFiles(session, set.folder / "SUV_Files"));
+  EXPECT_EQ(session.DecimalPlaces, 3);
+  EXPECT_EQ(GetSetting(session, setting::DbFileName50), file.string());
+  EXPECT_EQ(ReadFileBytes(session.support->label.Path()), ReadFileBytes(set.folder / "SUV_Files" / "vk50labeldf.dat"));
+  EXPECT_EQ(Colors(), "RED ");
+
+  // Stock is kept in the unit that the machine's settings tell.
+  StoreSettings(session, {setting::UMI.To(2), setting::DecimalPlaces.To(4)});
+  ReadSettings(session);
+  room.prompt.Expect("Restore Unit", Answer::No).Expect("Restore Complete");
+  ASSERT_TRUE(RestoreSupportFiles(session, set.folder / "SUV_Files"));
+  EXPECT_EQ(session.UMI, 2);
+  EXPECT_EQ(session.DecimalPlaces, 3);
+  room.prompt.Expect("Restore Unit", Answer::No);
+  EXPECT_TRUE(Restore(set.dataFile).error().declined);
+
+  EXPECT_EQ(RestoreSupportFiles(session, room.folder / "Gone").error().title, "Select a Support File");
+}
+
+}  // namespace
+}  // namespace vellumark
