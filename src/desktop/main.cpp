@@ -4,6 +4,7 @@
 #include <QCoreApplication>
 
 #include "core/shell/startup.h"
+#include "desktop/backup/register.h"
 #include "desktop/batch/register.h"
 #include "desktop/colors/register.h"
 #include "desktop/datafile/register.h"
@@ -52,6 +53,7 @@ int main(int argc, char** argv) {
 
   vellumark::desktop::Program program(windows);
   vellumark::desktop::RegisterDatafileWindows(windows, program.Windows());
+  vellumark::desktop::RegisterBackupWindows(windows, program.Windows());
   vellumark::StartOptions options;
   options.folders = vellumark::ResolveFolders(vellumark::FolderSources::OfThisProcess({}));
   options.dataFileArgument = files.isEmpty() ? std::string() : vellumark::desktop::U8(files.front());

@@ -22,7 +22,8 @@ QString FolderOfCurrent(const Session& session) {
 QString ChooseFile(const FileChoice& choice, QWidget* owner) {
   QFileDialog dialog(owner, choice.title, choice.folder, choice.filter.section('|', 0, 0).trimmed());
   dialog.setAcceptMode(choice.newFile ? QFileDialog::AcceptSave : QFileDialog::AcceptOpen);
-  dialog.setFileMode(choice.newFile ? QFileDialog::AnyFile : QFileDialog::ExistingFile);
+  dialog.setFileMode(choice.onlyFolder ? QFileDialog::Directory
+                     : choice.newFile ? QFileDialog::AnyFile : QFileDialog::ExistingFile);
   dialog.setDefaultSuffix(choice.extension.mid(1));
   // A name that is taken leads to the next free one; nothing is ever written over.
   dialog.setOption(QFileDialog::DontConfirmOverwrite);

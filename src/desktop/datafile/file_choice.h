@@ -17,6 +17,7 @@ struct FileChoice {
   QString extension;  ///< added to a name without one: ".ext"
   QString folder;     ///< where to begin
   bool newFile = false;
+  bool onlyFolder = false;  ///< a folder is asked for, not a file
 };
 
 /// Answers with the full path, or with an empty text when the operator cancelled.

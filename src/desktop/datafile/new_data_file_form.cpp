@@ -84,9 +84,12 @@ void NewDataFileForm::BuildLater(TabSet& tabs) {
   };
   Form restore = tabs.Page(tr("&Restore"), "TabRestore");
   restore.Heading(tr("Restore a data file from a backup"));
-  Paragraph(restore, tr("Restoring is not part of this release. A backup copy can be looked at with Open."));
-  ButtonLine(restore, {off(restore, "cmdRestore", tr("From File Location ...")),
-                       off(restore, "cmdAutoBackup", tr("From Automatic Backup ..."))});
+  Paragraph(restore, tr("The backup takes the place of the data file that cannot be used; what is left of that is kept."));
+  CommandButton* fromFile = restore.Button("cmdRestore", tr("From &File Location ..."));
+  CommandButton* automatic = restore.Button("cmdAutoBackup", tr("From &Automatic Backup ..."));
+  fromFile->setEnabled(windows.Knows("RestoreFileLocationForm"));
+  automatic->setEnabled(windows.Knows("RestoreAutomaticForm") && !session.DataFileName.empty());
+  ButtonLine(restore, {fromFile, automatic});
   restore.Stretch();
   Form upgrade = tabs.Page(tr("&Upgrade"), "TabUpgrade");
   upgrade.Heading(tr("Version 1.3, 1.4 or 2.0 Users Only"));
@@ -131,6 +134,13 @@ void NewDataFileForm::cmdSearch_Click() {
   if (!windows.CloseChildWindows()) return;
   const auto picked = windows.RunDialog("VKD_File_ListingForm", {{"Pick", true}});
   if (picked) OpenPath(Q(picked->Text("Path")));
+}
+
+void NewDataFileForm::RestoreBy(const char* dialog) {
+  if (!windows.CloseChildWindows()) return;
+  const auto restored = windows.RunDialog(dialog);
+  if (restored && restored->Has("exit")) return cmdExit_Click();
+  if (session.DataFileOpen) accept();
 }
 
 void NewDataFileForm::cmdExit_Click() {

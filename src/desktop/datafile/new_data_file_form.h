@@ -20,9 +20,12 @@ class NewDataFileForm : public Dialog {
   void cmdCreate_Click();
   void cmdOpen_Click();
   void cmdSearch_Click();
+  void cmdRestore_Click() { RestoreBy("RestoreFileLocationForm"); }
+  void cmdAutoBackup_Click() { RestoreBy("RestoreAutomaticForm"); }
   void cmdExit_Click();
 
  private:
+  void RestoreBy(const char* dialog);
   class WindowsHere;
   void BuildInformation(Form page);
   void BuildCreate(Form page);

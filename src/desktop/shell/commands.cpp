@@ -10,6 +10,11 @@ std::string_view DialogOfMenuItem(std::string_view item) {
   using Pair = std::pair<std::string_view, std::string_view>;
   static constexpr std::array kDialogs{
       Pair{"menu_AboutVK", "AboutForm"},
+      Pair{"menuDFBackup_Location", "BackupFileLocationForm"},
+      Pair{"menuDFRestore_Location", "RestoreFileLocationForm"},
+      Pair{"menuDFRestore_AutoBU", "RestoreAutomaticForm"},
+      Pair{"menuDFAdvanced_RestoreBU_SupportFiles_FLoc", "RestoreSupportFiles_FLoc"},
+      Pair{"menuDFAdvanced_RestoreBU_SupportFiles_AutoBackup", "RestoreSupportFiles_AutoBackup"},
       Pair{"menuDFOptions_Autofill", "AutofillForm"},
       Pair{"menuDFOptions_Reminders", "RemindersForm"},
       Pair{"menuDFOptions_DefaultPrinter", "Default_Printer"},

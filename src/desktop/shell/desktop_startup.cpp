@@ -4,6 +4,7 @@
 #include <QScreen>
 
 #include "core/settings/support_files.h"
+#include "core/shell/backups.h"
 #include "desktop/kit/text.h"
 #include "desktop/kit/window.h"
 #include "desktop/shell/main_form.h"
@@ -79,9 +80,13 @@ void DesktopStartup::CloseAllChildWindows() {
   windows_.CloseChildWindows();
 }
 
-void DesktopStartup::RemindBackup(Session&) {}
+void DesktopStartup::RemindBackup(Session& session) {
+  if (DueBackupReminder(session)) windows_.RunDialog("BackupReminderForm");
+}
 
-void DesktopStartup::ShutdownBackup(Session&, const std::string&) {}
+void DesktopStartup::ShutdownBackup(Session& session, const std::string& label) {
+  vellumark::ShutdownBackup(session, label);
+}
 
 void DesktopStartup::PowerOffScale(Session&) {}
 

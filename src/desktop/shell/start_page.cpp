@@ -7,6 +7,7 @@
 #include <QTableWidget>
 #include <QVBoxLayout>
 
+#include "core/backup/backup_set.h"
 #include "core/datafile/databases.h"
 #include "core/inventory/stock_tables.h"
 #include "desktop/kit/icons.h"
@@ -122,8 +123,29 @@ void StartPage::Show() {
                       .arg(Q(session_.FullName), locale().toString(static_cast<qlonglong>(counts.basics)),
                            locale().toString(static_cast<qlonglong>(counts.formulas)));
   if (session_.ArchiveView) facts += "   ·   " + tr("archive or backup copy, to be looked at only");
+  if (!session_.ArchiveView) facts += "\n" + BackupText();
   facts_->setText(facts);
   ShowLowStock();
+}
+
+// The latest automatic backup, and whether it is known to give back what it holds.
+QString StartPage::BackupText() const {
+  const std::filesystem::path file = session_.DataFileName;
+  std::vector<BackupSet> sets;
+  try {
+    sets = ListSets(file.parent_path() / kAutoBackupFolder);
+  } catch (const Failure& failure) {
+    return tr("The automatic backups cannot be read: %1").arg(Q(failure.cause));
+  }
+  std::erase_if(sets, [&](const BackupSet& set) { return set.dataFile.filename() != file.filename(); });
+  if (sets.empty()) return tr("No automatic backup yet: one is made when the program closes");
+  const DateTime& made = sets.back().made;
+  const QDateTime time(QDate(made.year, made.month, made.day), QTime(made.hour, made.minute, made.second));
+  const QString when = locale().toString(time, QLocale::ShortFormat);
+  const auto& proof = sets.back().proof;
+  if (!proof) return tr("Automatic backup of %1, not proven").arg(when);
+  return proof->content.Sound() ? tr("Automatic backup of %1, proven").arg(when)
+                                : tr("Automatic backup of %1: the Data File has faults").arg(when);
 }
 
 void StartPage::OpenStock(QTableWidgetItem* activated) {

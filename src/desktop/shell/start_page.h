@@ -28,6 +28,7 @@ class StartPage : public QWidget {
  private:
   void Show();
   void ShowLowStock();
+  QString BackupText() const;
   void OpenStock(QTableWidgetItem* activated);
 
   WindowList& windows_;

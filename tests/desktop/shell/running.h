@@ -2,6 +2,7 @@
 
 #include <filesystem>
 
+#include "desktop/backup/register.h"
 #include "desktop/batch/register.h"
 #include "desktop/colors/register.h"
 #include "desktop/datafile/register.h"
@@ -38,6 +39,7 @@ struct RunningProgram {
                                      .open = {},
                                      .chooseFile = [](const desktop::FileChoice&, QWidget*) { return QString(); }});
     desktop::RegisterDatafileWindows(windows, program.Windows(), platform);
+    desktop::RegisterBackupWindows(windows, program.Windows(), platform.choose);
     program.Windows().SkipSplash();
     const bool ready = program.Start(options);
     Settle();

@@ -1,0 +1,156 @@
+#include "desktop/backup/restore_forms.h"
+
+#include <QDir>
+#include <QFileInfo>
+#include <QHeaderView>
+#include <QLabel>
+#include <QTreeWidget>
+#include <algorithm>
+
+#include "core/session/settings.h"
+#include "core/shell/backups.h"
+#include "desktop/datafile/file_windows.h"
+#include "desktop/kit/text.h"
+
+namespace vellumark::desktop {
+namespace {
+
+QString FolderOr(const QString& folder, const QString& otherwise) {
+  return QFileInfo(folder).isDir() ? folder : otherwise;
+}
+
+QString AutoBackupFolder(const Session& session) {
+  return Q((std::filesystem::path(session.DataFileName).parent_path() / kAutoBackupFolder).string());
+}
+
+QString TimeText(const DateTime& made) {
+  return QLocale().toString(QDateTime(QDate(made.year, made.month, made.day), QTime(made.hour, made.minute, made.second)),
+                            QLocale::ShortFormat);
+}
+
+QString ProofWords(const BackupSet& set) {
+  if (!set.proof) return RestoreAutomaticForm::tr("not proven");
+  return set.proof->content.Sound() ? RestoreAutomaticForm::tr("proven") : RestoreAutomaticForm::tr("has faults");
+}
+
+}  // namespace
+
+RestoreForm::RestoreForm(WindowList& windowList, QWidget* owner, const std::string& name, StartupWindows& startup)
+    : Dialog(windowList, owner, name.c_str(), tr("Restore")), startup_(startup) {}
+
+void RestoreForm::Warn(Form& form) {
+  Paragraph(form, tr("This action will restore data to the current file."));
+  Paragraph(form, tr("Only use this function to fix a damaged or lost data file."));
+  Paragraph(form, tr("WARNING: All information in the current file will be lost!"), "lblWarning");
+  QuietParagraph(form, tr("A copy of the current file and its photos is kept in a folder beside it."));
+}
+
+void RestoreForm::Restore(const std::filesystem::path& source, RestoreFrom from) {
+  bool restored = false;
+  WithFiles(*this, tr("Restore"), [&] {
+    restored = FormHost::Accepted(RestoreDataFile(session, source, from, startup_));
+  });
+  if (restored) accept();
+}
+
+RestoreFileLocationForm::RestoreFileLocationForm(WindowList& windowList, QWidget* owner, StartupWindows& startup,
+                                                 FileChooser choose)
+    : RestoreForm(windowList, owner, "RestoreFileLocationForm", startup), choose_(std::move(choose)) {
+  Form form(*this);
+  Warn(form);
+  form.Buttons({form.Button("cmdContinue", tr("C&ontinue")), form.Button("cmdCancel", tr("Cancel"))});
+  setMinimumWidth(480);
+  FitHeight(*this);
+}
+
+void RestoreFileLocationForm::cmdContinue_Click() {
+  FileChoice choice = ChoiceToOpen(session);
+  choice.title = tr("Select Backup file to restore from");
+  choice.folder = FolderOr(Q(GetSetting(session, setting::BackupRestoreFileLocation)), QDir::rootPath());
+  const QString file = choose_(choice, this);
+  if (!file.isEmpty()) Restore(U8(file), RestoreFrom::Location);
+}
+
+RestoreAutomaticForm::RestoreAutomaticForm(WindowList& windowList, QWidget* owner, StartupWindows& startup)
+    : RestoreForm(windowList, owner, "RestoreAutomaticForm", startup) {
+  Form form(*this);
+  Warn(form);
+  list_ = new QTreeWidget;
+  list_->setObjectName("lstSets");
+  list_->setAccessibleName(tr("Backups"));
+  list_->setHeaderLabels({tr("Made"), tr("Data File"), tr("Formulas"), tr("Batches"), tr("Proof")});
+  list_->setRootIsDecorated(false);
+  list_->setUniformRowHeights(true);
+  list_->setAllColumnsShowFocus(true);
+  list_->setTabKeyNavigation(false);
+  form.Wide(list_, 1);
+  form.Buttons({continue_ = form.Button("cmdContinue", tr("C&ontinue")), verify_ = form.Button("cmdVerify", tr("&Verify")),
+                form.Button("cmdCancel", tr("Cancel"))});
+  connect(list_, &QTreeWidget::currentItemChanged, this, [this] { Changed(); });
+
+  sets_ = ListSets(std::filesystem::path(U8(AutoBackupFolder(session))));
+  std::ranges::reverse(sets_);
+  for (const BackupSet& set : sets_) {
+    std::int64_t formulas = 0;
+    std::int64_t batches = 0;
+    if (set.proof)
+      for (const DatabaseProof& database : set.proof->content.databases) {
+        formulas += database.formulas;
+        batches += database.batches;
+      }
+    const auto count = [&](std::int64_t n) { return set.proof ? locale().toString(static_cast<qlonglong>(n)) : QString(); };
+    auto* item = new QTreeWidgetItem(list_, {TimeText(set.made), Q(set.dataFile.filename().string()), count(formulas),
+                                             count(batches), ProofWords(set)});
+    for (const int figure : {2, 3}) item->setTextAlignment(figure, Qt::AlignRight | Qt::AlignVCenter);
+    item->setToolTip(0, Q(set.folder.string()));
+  }
+  for (int column = 0; column < list_->columnCount(); ++column) list_->resizeColumnToContents(column);
+  if (!sets_.empty()) list_->setCurrentItem(list_->topLevelItem(0));
+  list_->setFocus();
+  resize(720, 480);
+}
+
+const BackupSet* RestoreAutomaticForm::Chosen() const {
+  QTreeWidgetItem* item = list_->currentItem();
+  return item == nullptr ? nullptr : &sets_[static_cast<std::size_t>(list_->indexOfTopLevelItem(item))];
+}
+
+void RestoreAutomaticForm::UpdateEnabled() {
+  continue_->setEnabled(Chosen() != nullptr);
+  verify_->setEnabled(Chosen() != nullptr);
+}
+
+void RestoreAutomaticForm::cmdContinue_Click() {
+  if (const BackupSet* set = Chosen()) Restore(set->dataFile, RestoreFrom::Automatic);
+}
+
+void RestoreAutomaticForm::cmdVerify_Click() {
+  const BackupSet* set = Chosen();
+  if (set == nullptr) return;
+  const SetCheck check = VerifySet(session, *set);
+  std::string text = U8(check.faults.empty() ? tr("The backup of %1 is sound.").arg(TimeText(set->made))
+                                             : tr("The backup of %1 is not sound:").arg(TimeText(set->made)) + "\n");
+  constexpr std::size_t kMost = 10;
+  for (std::size_t i = 0; i < check.faults.size() && i < kMost; ++i) text += "\n" + check.faults[i];
+  session.prompt.Tell(U8(tr("Backup")), text,
+                      check.faults.empty() ? vellumark::Icon::Information : vellumark::Icon::Exclamation);
+}
+
+RestoreSupportFilesChoice::RestoreSupportFilesChoice(WindowList& windowList, QWidget* owner, const std::string& name,
+                                                     bool automatic, FileChooser choose)
+    : Dialog(windowList, owner, name.c_str(), tr("Select a Support File")), automatic_(automatic), choose_(std::move(choose)) {}
+
+int RestoreSupportFilesChoice::exec() {
+  const QString stored = Q(GetSetting(session, setting::BackupRestoreFileLocation));
+  const QString folder = automatic_ ? FolderOr(AutoBackupFolder(session), QDir::rootPath()) : FolderOr(stored, QDir::rootPath());
+  const QString file =
+      choose_({tr("Select a Support File"), tr("Support Files (*.dat) | *.dat"), ".dat", folder}, parentWidget());
+  if (file.isEmpty()) return Rejected;
+  bool restored = false;
+  WithFiles(*this, tr("Select a Support File"), [&] {
+    restored = FormHost::Accepted(RestoreSupportFiles(session, std::filesystem::path(U8(file)).parent_path()));
+  });
+  return restored ? QDialog::Accepted : QDialog::Rejected;
+}
+
+}  // namespace vellumark::desktop
