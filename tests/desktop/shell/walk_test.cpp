@@ -4,11 +4,13 @@
 
 #include <QDialog>
 #include <QPlainTextEdit>
+#include <QTabWidget>
 #include <QTimer>
 #include <set>
 
 #include "core/batch/record.h"
 #include "core/datafile/color_kind.h"
+#include "desktop/batch/batch_form.h"
 #include "desktop/kit/message_prompt.h"
 #include "running.h"
 #include "support/cli_run.h"
@@ -21,13 +23,18 @@ using desktop::Field;
 struct Walked {
   const char* window;
   desktop::Arguments shows = {};
-  bool enterActs = false;  ///< in a field of it, instead of going on
+  bool enterActs = false;          ///< in a field of it, instead of going on
+  const char* latePage = nullptr;  ///< built when it is first looked at
 };
 
 // Those with fields that open by themselves, but for the Batch Window, where Enter mixes.
 std::vector<Walked> Windows() {
   return {{"BasicColorsForm", {{"FindRecord", "RED"}}},
           {"BasicColorsForm"},
+          {"BasicColorsForm", {{"FindRecord", "RED"}}, false, "TabLab"},
+          {"BasicColorsForm", {{"FindRecord", "RED"}}, true, "TabInventory"},
+          {"MixColorsForm", {{"FindRecord", "TARGET"}}, false, "TabLab"},
+          {"MixColorsForm", {{"FindRecord", "TARGET"}}, true, "TabInventory"},
           {"MixColorsForm", {{"FindRecord", "TARGET"}}},
           {"MixColorsForm"},
           {"AdjustInventoryForm", {{"FindRecord", "RED"}, {"Kind", ColorKind::Basic}}, true},
@@ -133,6 +140,17 @@ struct WalkTest : testing::Test {
     strays.start(5);
   }
 
+  // Looks at the late page of the window, with its fields.
+  static void LookAt(QWidget& window, const char* page) {
+    if (page == nullptr) return;
+    auto& sheet = Control(window, page);
+    for (auto* tabs : window.findChildren<QTabWidget*>())
+      if (tabs->indexOf(&sheet) >= 0) tabs->setCurrentWidget(&sheet);
+    Settle();
+    EXPECT_TRUE(sheet.isVisible());
+    EXPECT_FALSE(sheet.findChildren<QWidget*>().isEmpty()) << "the page was never built";
+  }
+
   // Does `inside` in the window as it has just been opened, and lets it go unsaved.
   void In(const Walked& walked, const std::function<void(QWidget&)>& inside) {
     told.clear();
@@ -155,6 +173,7 @@ struct WalkTest : testing::Test {
     Settle();
     running.program.Main().activateWindow();  // a stray had the keys
     Settle();
+    LookAt(*window, walked.latePage);
     inside(*window);
     if (open != nullptr) open->Leave();
     Settle();
@@ -240,6 +259,81 @@ TEST_F(WalkTest, WhatIsTypedIsTakenOrRefusedByTabAsByEnter) {
       }
     }
   }
+}
+
+// Enter and Tab behind the name go to the quantity, behind a quantity they calculate, and behind one that is calculated
+// they go to the button of that. Only Enter asks for a quantity that is missing, and goes to the Batch of a number.
+TEST_F(WalkTest, TheBatchWindowGoesOnByTabAsByEnter) {
+  running.prompt.SetHook([this](const Message& message) {
+    told.push_back(message.title + ": " + message.text);
+    return message.buttons == Buttons::YesNo ? Answer::Yes : Answer::Ok;  // what was calculated goes unsaved
+  });
+  const auto walk = [this](Qt::Key key) {
+    std::vector<std::string> passed;
+    In({"BatchForm"}, [&](QWidget& window) {
+      auto& form = dynamic_cast<desktop::BatchForm&>(window);
+      const auto note = [&] {
+        passed.push_back(FocusName() + " " + std::to_string(form.Record().work.Rows.size()) + " " +
+                         std::to_string(told.size()));
+      };
+      Control(window, "cmbColorName").setFocus(Qt::TabFocusReason);
+      TypeOn("TARGET");
+      GoOn(key);
+      note();
+      TypeOn("20");
+      GoOn(key);
+      note();
+      Control(window, "txtQuantity").setFocus(Qt::TabFocusReason);
+      GoOn(key);
+      note();
+      Control(window, "txtQuantity").setFocus(Qt::TabFocusReason);
+      TypeOn("30");
+      GoOn(key);
+      note();
+      EXPECT_EQ(form.Record().work.Total, 30);
+      // The job: what is typed is entered, and its quantity comes next.
+      Control(window, "JobNumber").setFocus(Qt::TabFocusReason);
+      TypeOn("J7");
+      GoOn(key);
+      note();
+      EXPECT_EQ(form.Record().JobNumber(), "J7");
+      EXPECT_EQ(FocusName(), key == Qt::Key_Tab ? "cmdSplitJobs" : "txtQtyUsed");
+      passed.pop_back();
+      Control(window, "txtQtyUsed").setFocus(Qt::TabFocusReason);
+      Press(Control(window, "txtQtyUsed"), Qt::Key_A, Qt::ControlModifier);
+      TypeOn("12");
+      GoOn(key);
+      note();
+      ASSERT_EQ(form.Record().jobs.size(), 1U);
+      EXPECT_EQ(form.Record().jobs[0].QtyUsed, 12);
+      Click(window, "cmdCancel");
+    });
+    return passed;
+  };
+  EXPECT_EQ(walk(Qt::Key_Tab), walk(Qt::Key_Return));
+
+  const auto differs = [this](Qt::Key key) {
+    std::string empty, number;
+    In({"BatchForm"}, [&](QWidget& window) {
+      auto& form = dynamic_cast<desktop::BatchForm&>(window);
+      Control(window, "cmbColorName").setFocus(Qt::TabFocusReason);
+      TypeOn("TARGET");
+      GoOn(key);
+      GoOn(key);
+      empty = FocusName();
+      Click(window, "cmdCancel");
+      Control(window, "txtBatchNo").setFocus(Qt::TabFocusReason);
+      Press(Control(window, "txtBatchNo"), Qt::Key_A, Qt::ControlModifier);
+      TypeOn("1");
+      GoOn(key);
+      number = std::to_string(form.Record().BatchNo);
+      Click(window, "cmdCancel");
+    });
+    return std::pair(empty, number);
+  };
+  EXPECT_EQ(differs(Qt::Key_Return), std::pair(std::string("txtQuantity"), std::string("1")));
+  EXPECT_EQ(differs(Qt::Key_Tab).second, "2");
+  EXPECT_NE(differs(Qt::Key_Tab).first, "txtQuantity");
 }
 
 }  // namespace

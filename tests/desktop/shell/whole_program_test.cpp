@@ -4,7 +4,11 @@
 
 #include <QAbstractButton>
 #include <QLineEdit>
+#include <QPointer>
+#include <functional>
+#include <utility>
 
+#include "core/session/users.h"
 #include "desktop/kit/message_prompt.h"
 #include "furnished_room.h"
 #include "running.h"
@@ -20,29 +24,83 @@ struct WholeProgramTest : testing::Test {
   FurnishedRoom room;
 };
 
-// Whoever presses Enter without reading deletes nothing.
-TEST_F(WholeProgramTest, EnterOnTheQuestionOfADeletionKeepsWhatIsThere) {
+// Whoever presses Enter without reading deletes nothing, and the button that has the focus is the answer.
+TEST_F(WholeProgramTest, EnterOnTheQuestionOfADeletionAnswersWithItsButton) {
+  ASSERT_EQ(room.Run({"color", "add", "SPARE"}).status, 0);  // one that no formula uses
   RunningProgram<desktop::MessagePrompt> running(room.folder.Path());
   ASSERT_TRUE(Start(running));
+  Session& session = running.session;
+  bool questionShown = false;  // the first message of an act is; what follows a Yes is confirmed
+  running.prompt.SetHook([&](const Message& message) -> std::optional<Answer> {
+    const bool isQuestion = message.buttons == Buttons::YesNo && !std::exchange(questionShown, true);
+    if (isQuestion) return std::nullopt;
+    return message.buttons == Buttons::YesNo ? Answer::Yes : Answer::Ok;
+  });
+  ASSERT_TRUE(CreateUsers(session, "BOSS", "SECRET"));
+  ASSERT_TRUE(AddUser(session, {"ANNA", "RED", false, {}}));
+  const auto count = [&](const char* table) {
+    return [&session, table] {
+      return static_cast<std::size_t>(session.File().Scalar(std::string("SELECT COUNT(*) FROM ") + table).Whole());
+    };
+  };
+  const auto databases = [&] { return session.databaseList.size(); };
+  const auto users = [&] { return UsersEnabled(session) ? UserNames(session).size() : 0; };
   const struct {
     const char* window;
     desktop::Arguments shows;
-    const char* count;
+    std::function<std::size_t()> left;
+    const char* button;  // of a dialog; a window has its command
+    std::string first;   // where Space chooses what is to go, or a password stands
   } rows[] = {
-      {"BasicColorsForm", {{"FindRecord", "BLUE"}}, "SELECT COUNT(*) FROM INK_Basic"},
-      {"MixColorsForm", {{"FindRecord", "TARGET"}}, "SELECT COUNT(*) FROM INK_Mix"},
-      {"BatchForm", {{"BatchNo", 1}}, "SELECT COUNT(*) FROM INK_Batch"},
+      {"BasicColorsForm", {{"FindRecord", "SPARE"}}, count("INK_Basic"), nullptr, ""},
+      {"MixColorsForm", {{"FindRecord", "TARGET"}}, count("INK_Mix"), nullptr, ""},
+      {"BatchForm", {{"BatchNo", 1}}, count("INK_Batch"), nullptr, ""},
+      {"DeleteDBForm", {}, databases, "cmdDelete", "lstDatabases"},
+      {"DeleteUserForm", {}, users, "cmdDelete", ""},
+      {"AdminOptionsForm", {}, users, "cmdDisableUsernames", "txtPassword"},
+  };
+  // To the button of that name by Tab, past the others, and Enter on it.
+  const auto answer = [](std::vector<const char*> way) {
+    for (const char* button : way)
+      for (int step = 0; step < 4 && FocusName() != button; ++step) PressOn(Qt::Key_Tab);
+    if (!way.empty()) {
+      EXPECT_EQ(FocusName(), way.back());
+    }
+    PressOn(Qt::Key_Return);
   };
   for (const auto& row : rows) {
-    SCOPED_TRACE(row.window);
-    const auto before = running.session.File().Scalar(row.count).Whole();
-    desktop::Window* window = running.windows.OpenForm(row.window, row.shows);
-    Settle();
-    ASSERT_TRUE(window->CanDo("cmdDelete"));
-    WithModal([&] { window->Do("cmdDelete"); }, [](QWidget&) { PressOn(Qt::Key_Return); });
-    EXPECT_EQ(running.session.File().Scalar(row.count).Whole(), before);
-    window->Leave();
-    Settle();
+    for (const std::vector<const char*>& way :
+         {std::vector<const char*>{}, {"cmdYes", "cmdNo"}, std::vector<const char*>{"cmdYes"}}) {
+      SCOPED_TRACE(row.window + std::to_string(way.size()));
+      const bool deletes = way.size() == 1;
+      const std::size_t before = row.left();
+      questionShown = false;
+      const auto act = [&](const std::function<void()>& does) {
+        WithModal(does, [&](QWidget& question) {
+          EXPECT_EQ(question.objectName().toStdString(), "MessageDialog");
+          answer(way);
+        });
+        EXPECT_EQ(row.left() < before, deletes);
+      };
+      if (row.button == nullptr) {
+        desktop::Window* window = running.windows.OpenForm(row.window, row.shows);
+        Settle();
+        ASSERT_TRUE(window->CanDo("cmdDelete"));
+        act([&] { window->Do("cmdDelete"); });
+        window->Leave();
+        Settle();
+        continue;
+      }
+      WithModal([&] { running.windows.RunDialog(row.window); },
+                [&](QWidget& dialog) {
+                  const QPointer<QWidget> open = &dialog;
+                  if (!row.first.empty()) Control(dialog, row.first.c_str()).setFocus(Qt::TabFocusReason);
+                  if (row.first == "txtPassword") TypeOn("SECRET");
+                  if (row.first == "lstDatabases") PressOn(Qt::Key_Space);
+                  act([&] { Click(dialog, row.button); });
+                  if (open != nullptr && open->isVisible()) Press(*open, Qt::Key_Escape);
+                });
+    }
   }
 }
 
