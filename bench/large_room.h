@@ -60,7 +60,7 @@ class RecipeMaker {
   int Basics() const { return basics_; }
 
   Recipe Next() {
-    const auto count = static_cast<std::size_t>(2 + sizes_(random_));
+    const auto count = 2 + static_cast<std::size_t>(sizes_(random_));
     const std::size_t white = random_() % 4 != 0 ? random_() % count : count;
     Recipe recipe;
     while (recipe.size() < count) {
