@@ -146,11 +146,11 @@ class TableOf {
  public:
   /// `value` is a field of the record or a procedure on it, and gives the column its format unless one is told.
   template <class Get>
-  TableOf& Add(std::string key, Get value, std::string caption = {}, std::optional<Format> format = {},
+  TableOf& Add(const std::string& key, Get value, const std::string& caption = {}, std::optional<Format> format = {},
                int decimals = 3) {
     using Value = std::remove_cvref_t<std::invoke_result_t<Get, const Record&>>;
-    columns_.push_back({.key = std::move(key),
-                        .caption = std::move(caption),
+    columns_.push_back({.key = key,
+                        .caption = caption,
                         .format = format.value_or(FormatOf<Value>()),
                         .decimals = decimals});
     values_.push_back([value](const Record& record) { return ToCell(std::invoke(value, record)); });

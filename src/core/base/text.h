@@ -2,6 +2,7 @@
 
 #include <string>
 #include <string_view>
+#include <type_traits>
 #include <vector>
 
 namespace vellumark {
@@ -43,5 +44,9 @@ std::vector<std::string> SplitMarked(std::string_view list, char mark);
 std::string JoinMarked(const std::vector<std::string>& names, char mark);
 /// Pieces between separators; one piece for an empty text.
 std::vector<std::string_view> Split(std::string_view text, char separator);
+/// The pieces lie in the text, which has to outlive them.
+template <class T>
+  requires std::is_same_v<std::remove_const_t<T>, std::string>
+std::vector<std::string_view> Split(T&& text, char separator) = delete;
 
 }  // namespace vellumark

@@ -62,8 +62,10 @@ StockBalance::StockBalance(Database& file, const std::function<bool(std::int64_t
         const Quantity change = std::round(static_cast<long double>(step.change) * kUnit);
         if (step.LotRefID == 0) {
           color.unlotted += change;
-        } else if (Quantity& lot = color.lots[step.LotRefID]; (lot += change) == 0) {
-          color.lots.erase(step.LotRefID);
+        } else {
+          Quantity& lot = color.lots[step.LotRefID];
+          lot += change;
+          if (lot == 0) color.lots.erase(step.LotRefID);
         }
       }
     }

@@ -41,8 +41,8 @@ class StockHistoryForm::Source : public RecordSource<StockLine> {
   /// What is read next comes before what is there, which stays.
   void ReadOnlyNewer() { onlyNewer_ = true; }
 
-  bool BeginReading(std::function<bool(int row)> keep) override {
-    keep_ = std::move(keep);
+  bool BeginReading(const std::function<bool(int row)>& keep) override {
+    keep_ = keep;
     if (std::exchange(onlyNewer_, false)) {
       ReadNewer();
       standsAsItWas_ = true;

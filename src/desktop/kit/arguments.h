@@ -26,9 +26,7 @@ class Arguments {
     template <class T>
     static auto Kept(T&& value) {
       using Plain = std::decay_t<T>;
-      if constexpr (std::is_same_v<Plain, bool>) {
-        return value;
-      } else if constexpr (std::is_integral_v<Plain>) {
+      if constexpr (std::is_integral_v<Plain> && !std::is_same_v<Plain, bool>) {
         return static_cast<std::int64_t>(value);
       } else if constexpr (std::is_floating_point_v<Plain>) {
         return static_cast<double>(value);

@@ -1,5 +1,6 @@
 #include "desktop/kit/grid_model.h"
 
+#include <QCursor>
 #include <QGuiApplication>
 #include <QTimer>
 #include <algorithm>
@@ -93,7 +94,7 @@ void GridModel::BeginReading() {
       return std::ranges::all_of(words_, [&](const std::string& word) { return text.find(word) != text.npos; });
     };
   }
-  onDemand_ = source_ != nullptr && source_->BeginReading(std::move(keep));
+  onDemand_ = source_ != nullptr && source_->BeginReading(keep);
   more_ = onDemand_ && source_->ReadOn();
   ReadWhatTheSortNeeds();
 }

@@ -73,7 +73,7 @@ class GridSource {
 
   /// A source that reads its rows on demand begins anew, with only those that `keep` agrees to (all of them without
   /// it), asked while the row is the last one. False of one whose rows are all there.
-  virtual bool BeginReading(std::function<bool(int row)>) { return false; }
+  virtual bool BeginReading(const std::function<bool(int row)>&) { return false; }
   /// Reads further rows behind those that are there, for a moment at most; false when no more can come.
   virtual bool ReadOn() { return false; }
   /// Whether its rows stand in that order already.
