@@ -1,8 +1,11 @@
 #pragma once
 
+#include <fmt/format.h>
+
 #include <algorithm>
 #include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "core/colors/formulas.h"
@@ -74,12 +77,12 @@ struct InkRoom {
   std::int64_t AddRow(const Table& table, std::vector<Cell> cells) {
     // A cell given later overrides a default given earlier.
     std::vector<Cell> unique;
-    for (const Cell& cell : cells) {
+    for (Cell& cell : cells) {
       auto found = std::find_if(unique.begin(), unique.end(), [&](const Cell& c) { return c.first == cell.first; });
       if (found == unique.end()) {
-        unique.push_back(cell);
+        unique.push_back(std::move(cell));
       } else {
-        found->second = cell.second;
+        found->second = std::move(cell.second);
       }
     }
     Transaction transaction(session.File());
@@ -125,8 +128,7 @@ struct InkRoom {
       session.File().Prepare("UPDATE INK_Basic SET Additive = 1 WHERE Color_Name = ?").Bind(1, value).Run();
       const std::string percent = "Add_Percent" + field.substr(8);
       session.File()
-          .Prepare("UPDATE INK_Additives SET " + percent + " = 1 WHERE IFNULL(" + percent + ", 0) = 0 AND " + field +
-                   " = ?")
+          .Prepare(fmt::format("UPDATE INK_Additives SET {0} = 1 WHERE IFNULL({0}, 0) = 0 AND {1} = ?", percent, field))
           .Bind(1, value)
           .Run();
     }

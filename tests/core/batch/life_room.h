@@ -26,7 +26,7 @@ class ScriptedDialogs final : public BatchDialogs {
 
   LotReminderAnswer ShowLotNumReminder() override { return Next(reminders); }
   std::optional<ModifiedBatchChoice> ShowSaveModifiedBatch(Session& session, const BatchRecord& record) override {
-    const auto choice = Next(choices);
+    auto choice = Next(choices);
     if (!choice) return choice;
     const auto checked = CheckModifiedBatch(session, record, *choice);
     EXPECT_TRUE(checked) << (checked ? "" : checked.error().text);
