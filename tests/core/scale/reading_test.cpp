@@ -2,10 +2,8 @@
 
 #include <gtest/gtest.h>
 
-#include <cmath>
-#include <random>
-
 #include "core/scale/scale_link.h"
+#include "core/scale/streams.h"
 #include "support/ink_room.h"
 
 namespace vellumark {
@@ -31,24 +29,8 @@ TEST(ScaleReply, IsANumberInEighteenCharacters) {
   EXPECT_FALSE(ParseReply(whole + " "));
 }
 
-// Whatever comes, in whatever pieces: nothing falls over, and a weight is a number that stood in a reply.
 TEST(ScaleReply, SurvivesAnyBytes) {
-  std::mt19937 random(7);
-  const std::string some = "0123456789.-+ \r\n\x11\x13kglb";
-  for (int stream = 0; stream < 20000; ++stream) {
-    ReadingLoop loop({.baud = 9600});
-    std::int64_t now = 0;
-    for (int step = 0; step < 4; ++step) {
-      std::string bytes(random() % 40, ' ');
-      for (char& c : bytes)
-        c = random() % 8 == 0 ? static_cast<char>(random() % 256) : some[random() % some.size()];
-      loop.Step(now, bytes);
-      now += static_cast<std::int64_t>(random() % 900);
-    }
-    if (loop.Last()) {
-      EXPECT_TRUE(std::isfinite(loop.Last()->weight));
-    }
-  }
+  test::FeedStreams(20000);
 }
 
 // Drives a loop with replies of its own making.

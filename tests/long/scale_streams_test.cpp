@@ -1,0 +1,11 @@
+#include "core/scale/streams.h"
+
+namespace vellumark {
+namespace {
+
+TEST(ScaleStreams, AMillionOfThem) {
+  test::FeedStreams(1'000'000);
+}
+
+}  // namespace
+}  // namespace vellumark
