@@ -141,8 +141,8 @@ class Database {
   /// Makes an index unless the file has it; true when it was made. With `where`, of those rows only.
   virtual bool EnsureIndex(std::string_view table, std::string_view name, const std::vector<std::string>& fields,
                            std::string_view where = {}) = 0;
-  /// Makes the table of weighing and the indexes of the layout that these Databases lack, as far as the tables are whole: an older
-  /// program made their file without them.
+  /// Makes what these Databases lack because an older program made their file: the table of weighing, and the indexes
+  /// of the layout as far as their tables are whole.
   virtual void CompleteLayout(const std::vector<std::string>& databases) = 0;
   /// The fields and indexes that stand in the file; of all tables, without a name.
   virtual std::vector<std::string> StoredFields(std::string_view table) = 0;
