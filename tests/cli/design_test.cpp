@@ -2,29 +2,21 @@
 
 #include <gtest/gtest.h>
 
-#include <fstream>
-
+#include "core/base/files.h"
 #include "support/cli_run.h"
+#include "support/pixel.h"
 
 namespace vellumark {
 namespace {
 
 namespace fs = std::filesystem;
 
-// A picture of one pixel.
-constexpr unsigned char kPixel[] = {
-    0x89, 'P', 'N', 'G', 0x0D, 0x0A, 0x1A, 0x0A, 0,    0,    0,    0x0D, 'I',  'H',  'D',  'R',  0,    0,    0,    1,
-    0,    0,   0,   1,   8,    0,    0,    0,    0,    0x3A, 0x7E, 0x9B, 0x55, 0,    0,    0,    0x0A, 'I',  'D',  'A',
-    'T',  0x78, 0x9C, 0x63, 0x68, 0,   0,    0,    0x82, 0,    0x81, 0x77, 0xCD, 0x72, 0xB6, 0,   0,    0,    0,    'I',
-    'E',  'N', 'D', 0xAE, 0x42, 0x60, 0x82};
-
 TEST(CliDesigns, GoFromEntryToFileAndBack) {
   test::CliRoom room;
   room.MakeFile();
   room.Json({"color", "add", "RED", "PurchaseCost=4", "Inventory=3"});
   room.Json({"formula", "add", "PINK", "RED=100"});
-  std::ofstream(room.folder / "front.png", std::ios::binary)
-      .write(reinterpret_cast<const char*>(kPixel), sizeof kPixel);
+  ReplaceFile(room.folder / "front.png", test::PixelPng());
   auto shown = room.Json({"design", "add", "box", "PINK=2:40", "RED@ink=1", "Description=A box", "Notes=two\nlines",
                           "Impressions=1000", "Length=254", "--uom", "mm."});
   EXPECT_EQ(shown["DesignID"], "BOX");
@@ -52,11 +44,11 @@ TEST(CliDesigns, GoFromEntryToFileAndBack) {
   EXPECT_EQ(room.Run({"design", "rename", "BOX", "- split -"}).status, 1);
   EXPECT_EQ(room.Run({"design", "edit", "BOX", "Length=x"}).status, 1);
 
-  EXPECT_EQ(room.Json({"estimate", "sheetfed", "--ink", "gold", "--stock", "matte coated", "--area", "solid", "--length",
-                       "10", "--width", "15", "--uom", "in.", "--sheets", "20000"}),
+  EXPECT_EQ(room.Json({"estimate", "sheetfed", "--ink", "gold", "--stock", "matte coated", "--area", "solid",
+                       "--length", "10", "--width", "15", "--uom", "in.", "--sheets", "20000"}),
             (nlohmann::ordered_json{{"Pounds", "20.00"}, {"Kilograms", "9.09"}}));
-  const test::CliAnswer bad = room.Run({"estimate", "flexo", "--anilox", "2", "--percent", "101", "--length", "6",
-                                        "--width", "4", "--sheets", "9"});
+  const test::CliAnswer bad = room.Run(
+      {"estimate", "flexo", "--anilox", "2", "--percent", "101", "--length", "6", "--width", "4", "--sheets", "9"});
   EXPECT_EQ(bad.status, 1);
   EXPECT_EQ(bad.err, "Percentage Error: Percent value exceeds 100\n");
   room.Json({"batch", "save", "--formula", "PINK", "--quantity", "2", "--mix"});

@@ -7,10 +7,12 @@
 #include <filesystem>
 
 #include "core/base/files.h"
+#include "core/jobs/photo_library.h"
 #include "core/shell/opening.h"
 #include "core/shell/startup.h"
 #include "support/cli_run.h"
 #include "support/data_files.h"
+#include "support/pixel.h"
 #include "support/snapshot.h"
 #include "support/sound.h"
 #include "support/struck.h"
@@ -48,6 +50,9 @@ struct FaultRoom : test::CliRoom {
     must({"formula", "add", "TARGET", "RED=60", "WHITE=40"});
     must({"batch", "save", "--formula", "PINK", "--quantity", "10", "--mix", "--job", "J1=4"});
     must({"batch", "save", "--formula", "ROSE", "--quantity", "10", "--mix", "--lot", "RED=A:2", "--lot-number", "R1"});
+    ReplaceFile(work / "front.png", test::PixelPng());
+    must({"design", "add", "BOX", "PINK=2", "Impressions=1000"});
+    must({"design", "photo", "BOX", "add", "FRONT.PNG"});
     ReplaceFile(work / "in.mfe", "INK\r\nPLUM\tRED\t30\tNEW\t70\r\nPINK\tRED\t50\tWHITE\t50\r\n");
     fs::copy(work, pristine, fs::copy_options::recursive);
   }
@@ -56,7 +61,7 @@ struct FaultRoom : test::CliRoom {
   Words Here(Words words) const {
     words.insert(words.begin(), {"--yes", "--now", "2026-03-10 12:00:00", "--data-folder", (work / "VKDat").string()});
     for (std::string& word : words)
-      if (word == "IN.MFE") word = (work / "in.mfe").string();
+      if (word == "IN.MFE" || word == "FRONT.PNG") word = (work / (word == "IN.MFE" ? "in.mfe" : "front.png")).string();
     return words;
   }
   CliAnswer Do(const Words& words) const { return Run(Here(words)); }
@@ -76,7 +81,10 @@ struct FaultRoom : test::CliRoom {
     session.DataFileName = file.string();
     OpenDataFile(session, windows);
     sound.Expect(session, CheckState::Closed);
-    return test::Snapshot(session.File(), false);
+    std::string data = test::Snapshot(session.File(), false);
+    for (const std::string& photo : LibraryPhotos(session))
+      data += photo + " " + std::to_string(ReadFileBytes(PhotoFolder(session) / photo).size()) + "\n";
+    return data;
   }
 
   fs::path work = folder / "work";
@@ -161,6 +169,9 @@ INSTANTIATE_TEST_SUITE_P(
                   "J2=9"}},
         Scenario{"BatchEdit", {"batch", "edit", "2", "--quantity", "12", "--mix", "--lot", "RED=B:3"}},
         Scenario{"BatchDelete", {"batch", "delete", "1"}}, Scenario{"Import", {"formula", "import", "IN.MFE"}},
+        Scenario{"PhotoAdd", {"design", "photo", "BOX", "add", "FRONT.PNG", "back"}},
+        Scenario{"PhotoRename", {"design", "photo", "BOX", "rename", "front.jpg", "side"}},
+        Scenario{"DesignDelete", {"design", "delete", "BOX"}},
         Scenario{"Price", {"color", "set", "RED", "PurchaseCost=9.75"}},
         Scenario{"Accuracy", {"settings", "set", "DecimalPlaces", "3"}},
         Scenario{"Merge", {"color", "rename", "BLUE", "RED"}},

@@ -23,24 +23,26 @@ bool IsThere(const fs::path& folder, const std::string& name) {
 
 }  // namespace
 
-// A copy of the file that stands elsewhere has no photos beside it, which is no fault of its rows.
 void CheckDesignPhotos(CheckRun& run) {
   if (!run.HasGlobalTables()) return;
+  // A copy of the file that stands elsewhere has no photos beside it, which is no fault of its rows.
   const fs::path folder = run.file.Path().parent_path() / "DesignPhotos";
   std::error_code error;
   const bool hasFolder = fs::is_directory(folder, error);
   Statement rows =
       run.file.Prepare("SELECT RowKey, DesignID, PhotoSet FROM Designs WHERE PhotoSet <> '' ORDER BY DesignID");
-  run.FoundRows(schema::Designs.name, rows, [&](const Statement& row) {
-    const std::vector<std::string> names = NamesInSet(row.TextView(2));
-    if (NameSet(names) != row.TextView(2)) return fmt::format("PhotoSet {} is no list of photos.", row.TextView(2));
+  while (rows.Step()) {
+    const std::vector<std::string> names = NamesInSet(rows.TextView(2));
+    const auto fault = [&](std::string what) {
+      run.Found(schema::Designs.name, rows.Whole(0), rows.TextView(1), std::move(what));
+    };
+    if (NameSet(names) != rows.TextView(2)) fault(fmt::format("PhotoSet {} is no list of photos.", rows.TextView(2)));
     for (std::size_t i = 0; i < names.size(); ++i) {
       for (std::size_t k = 0; k < i; ++k)
-        if (EqualNoCase(names[i], names[k])) return fmt::format("It links the photo {} twice.", names[i]);
-      if (hasFolder && !IsThere(folder, names[i])) return fmt::format("Its photo {} is not in the library.", names[i]);
+        if (EqualNoCase(names[i], names[k])) fault(fmt::format("It links the photo {} twice.", names[i]));
+      if (hasFolder && !IsThere(folder, names[i])) fault(fmt::format("Its photo {} is not in the library.", names[i]));
     }
-    return std::string();
-  });
+  }
 }
 
 void CheckDesignColors(CheckRun& run) {

@@ -125,7 +125,8 @@ ImportExamineLocalFileDesign::ImportExamineLocalFileDesign(WindowList& windowLis
   for (QLabel* label : {photos_, notes_}) label->setWordWrap(true);
   colors_ = form.Table("fgColors");
   colors_->setAccessibleName(tr("Colors of the Design"));
-  colors_->SetColumns(ColumnsOf(DesignColorColumns(session).Of(std::vector<DesignColorCost>{}), {200, 80, 120, 120, 96}));
+  colors_->SetColumns(
+      ColumnsOf(DesignColorColumns(session).Of(std::vector<DesignColorCost>{}), {200, 80, 120, 120, 96}));
   colors_->SetSource(rows_);
   form.Wide(colors_, 1);
   form.Buttons({form.Button("cmdClose", tr("Close"))});

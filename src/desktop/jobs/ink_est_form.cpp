@@ -29,7 +29,8 @@ InkEstForm::InkEstForm(WindowList& windowList) : Window(windowList, "InkEstForm"
   TabSet tabs = form.Tabs("tabEstimator");
   BuildSheetfed(tabs.Page(tr("&Sheetfed"), "tabSheetfed"));
   BuildFlexo(tabs.Page(tr("&Flexo"), "tabFlexo"));
-  form.ButtonsWithoutDefault({form.Button("cmdClose", tr("Close"))});
+  form.ButtonsWithoutDefault(
+      {designs_ = form.Button("cmdDesigns", tr("&Job Designs")), form.Button("cmdClose", tr("Close"))});
   connect(unit_, &RadioField::ChosenChanged, this, [this] {
     SetEstimatorUnit(session, Unit());
     ShowUnit();
@@ -161,6 +162,7 @@ void InkEstForm::Show(AreaFields& fields, const Result<InkEstimate>& estimate) {
 }
 
 void InkEstForm::UpdateEnabled() {
+  designs_->setVisible(take_ == nullptr && windows.Knows("JobDesigns"));
   sheetfed_.percent->setEnabled(area_->currentIndex() == static_cast<int>(AreaType::Coverage));
   mileage_->setText(QString::number(Mileage(session, ink_->currentIndex(), stock_->currentIndex())));
   factor_->setText(Q(ShortestText(AniloxFactor(session, anilox_->currentIndex()))));

@@ -30,6 +30,7 @@ class InkEstForm : public Window {
   void cmdTransfer_Flexo_Click();
   void cmdMileage_Click();
   void cmdAnilox_Click();
+  void cmdDesigns_Click() { windows.OpenForm("JobDesigns"); }
   void cmdClose_Click() { Leave(); }
 
  private:
@@ -68,6 +69,7 @@ class InkEstForm : public Window {
   QLabel* factor_;
   AreaFields sheetfed_;
   AreaFields flexo_;
+  CommandButton* designs_ = nullptr;
   TakeEstimate take_;
 };
 

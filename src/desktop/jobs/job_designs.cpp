@@ -116,7 +116,8 @@ void JobDesigns::BuildColors(Form form) {
   colors_ = form.Table("DesignColorList");
   colors_->setAccessibleName(tr("Colors of the Design"));
   rows_ = std::make_shared<TableSource>();
-  colors_->SetColumns(ColumnsOf(DesignColorColumns(session).Of(std::vector<DesignColorCost>{}), {220, 80, 120, 120, 96, 112, 96}));
+  colors_->SetColumns(
+      ColumnsOf(DesignColorColumns(session).Of(std::vector<DesignColorCost>{}), {220, 80, 120, 120, 96, 112, 96}));
   colors_->SetSource(rows_);
   colors_->SetEmptyText(tr("No colors yet"));
   connect(colors_, &Grid::CurrentRowChanged, this, [this] { PickColor(); });
@@ -148,8 +149,11 @@ void JobDesigns::OnOpen(const Arguments& arguments) {
 
 // What is typed stays; a Design that nobody touched is read anew.
 void JobDesigns::OnChanges(const std::vector<Change>& changes) {
-  ListIDs();
-  if (std::ranges::any_of(changes, [](const Change& c) { return c.kind == Change::Kind::DatabaseList; })) {
+  const auto has = [&](Change::Kind kind) {
+    return std::ranges::any_of(changes, [kind](const Change& change) { return change.kind == kind; });
+  };
+  if (has(Change::Kind::Design)) ListIDs();
+  if (has(Change::Kind::DatabaseList)) {
     const std::string chosen = database_->Text();
     database_->SetItems(session.databaseList);
     database_->SetText(session.FindDatabase(chosen) == nullptr ? session.CurrentDatabase : chosen);

@@ -120,9 +120,7 @@ void JobDesigns::Get(const QString& path) {
 }
 
 void JobDesigns::cmdGetPhoto_Click() {
-  Get(choose_(
-      {tr("Select Photo for Job Design"), tr("Photo (*.jpg *.jpeg *.png)") + " (*.jpg *.jpeg *.png)", {}, {}, false},
-      this));
+  Get(choose_({tr("Select Photo for Job Design"), tr("Photo (*.jpg *.jpeg *.png)"), {}, {}, false}, this));
 }
 
 void JobDesigns::cmdUsePhoto_Click() {

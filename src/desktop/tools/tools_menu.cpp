@@ -20,7 +20,7 @@ struct Entry {
   bool isDialog = false;
 };
 
-constexpr std::array<Entry, 8> kEntries{{
+constexpr std::array<Entry, 11> kEntries{{
     {"cmdAdditiveControl", QT_TRANSLATE_NOOP("DBToolsMenu", "&Additive Sets"), "DBAdditiveControl",
      QT_TRANSLATE_NOOP("DBToolsMenu", "Many colors at once")},
     {"cmdFormulaModifier", QT_TRANSLATE_NOOP("DBToolsMenu", "&Formula Modifier"), "DBFormulaModifierForm"},
@@ -33,6 +33,10 @@ constexpr std::array<Entry, 8> kEntries{{
      nullptr, true},
     {"cmdResetMixVOCHAP", QT_TRANSLATE_NOOP("DBToolsMenu", "Master Formula VOC and &HAP"), "ResetMixColor_VOC_HAP",
      nullptr, true},
+    {"cmdExportBatches", QT_TRANSLATE_NOOP("DBToolsMenu", "&Export Batch Records"), "ExportBatchesForm",
+     QT_TRANSLATE_NOOP("DBToolsMenu", "Files")},
+    {"cmdExportJobs", QT_TRANSLATE_NOOP("DBToolsMenu", "Export &Job Records"), "ExportJobRecords"},
+    {"cmdDesignFiles", QT_TRANSLATE_NOOP("DBToolsMenu", "De&signs - Export and Import"), "DB_ImportExport_Designs"},
 }};
 
 }  // namespace

@@ -33,8 +33,12 @@ struct DesignsDesk : InkRoom {
     ShowActive(*window);
     return *window;
   }
-  static std::string Text(QWidget& window, const char* name) { return Control<QLabel>(window, name).text().toStdString(); }
-  static void Tab(QWidget& window, const char* tabs, int page) { Control<QTabWidget>(window, tabs).setCurrentIndex(page); }
+  static std::string Text(QWidget& window, const char* name) {
+    return Control<QLabel>(window, name).text().toStdString();
+  }
+  static void Tab(QWidget& window, const char* tabs, int page) {
+    Control<QTabWidget>(window, tabs).setCurrentIndex(page);
+  }
   /// A picture of stripes, as a camera would bring it.
   std::filesystem::path Picture(const std::string& name, QColor ink, QSize size = {1200, 800}) {
     QImage image(size, QImage::Format_RGB32);

@@ -46,9 +46,8 @@ struct JobDesignsTest : testing::Test, DesignsDesk {
   }
   bool Shows(const QColor& ink) {
     auto& frame = Control<desktop::PhotoFrame>(*form, "picPhoto");
-    return WaitFor([&] {
-      return !frame.Image().isNull() && std::abs(frame.Image().pixelColor(5, 5).red() - ink.red()) < 40;
-    });
+    return WaitFor(
+        [&] { return !frame.Image().isNull() && std::abs(frame.Image().pixelColor(5, 5).red() - ink.red()) < 40; });
   }
 
   desktop::Window* form = nullptr;
@@ -236,8 +235,13 @@ TEST_F(EstimatorWindowTest, ChecksAsAFieldIsLeftAndKeepsItsTables) {
 
 TEST_F(EstimatorWindowTest, JobRecordsAreGatheredAndWritten) {
   InsertRow(session.File(), schema::JobRecords, "JobRecords",
-            {{"JobNumber", "7"}, {"Color_Name", "RED"}, {"Database", "INK"}, {"BatchNo", 1000001}, {"ItemType", 1},
-             {"Date_Entered", "2026-01-05 00:00:00"}, {"QtyUsed", 2.0F}});
+            {{"JobNumber", "7"},
+             {"Color_Name", "RED"},
+             {"Database", "INK"},
+             {"BatchNo", 1000001},
+             {"ItemType", 1},
+             {"Date_Entered", "2026-01-05 00:00:00"},
+             {"QtyUsed", 2.0F}});
   session.File().Execute("UPDATE FileInfo SET ItemNumber = 100");
   desktop::Window& form = Open("ExportJobRecords");
   prompt.Expect("Invalid Job Number", Answer::Ok, "Please enter a valid Job Number.");
