@@ -37,7 +37,7 @@ Result<Json> Answer(Context& context, const std::string& typed) {
   if (context.prints) context.sheet = AdditiveSetsSheet(context.session, {*set});
   if (!context.json) {
     context.text = fmt::format("{}\n\n", set->SetName) +
-                   TableText(RecipeColumns("Additive", "Percent", 2).Total("Total").Of(set->rows));
+                   TableText(RecipeColumns("Additive", "Percent", 2).Total("Total").Of(set->Rows()));
     for (const std::string& formula : FormulasWithSet(context.session, set->SetName))
       context.text += fmt::format("\nused by {}", formula);
     if (context.text.back() != '\n') context.text += "\n";

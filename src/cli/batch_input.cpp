@@ -10,6 +10,7 @@
 #include "core/base/text.h"
 #include "core/base/units.h"
 #include "core/batch/bench.h"
+#include "core/batch/cost_model.h"
 #include "core/batch/cover.h"
 #include "core/batch/jobs.h"
 #include "core/batch/modified.h"
@@ -78,20 +79,6 @@ Result<void> Calculate(Session& session, BatchRecord& record, bool recycle) {
 
 // ---- Fields
 
-struct ModelField {
-  std::string_view name;
-  int BatchCostModel::*choice;
-  float BatchCostModel::*number;
-  bool emission;
-};
-constexpr std::array kModelFields{ModelField{"CostModelType", &BatchCostModel::CostModelType, nullptr, false},
-                                  ModelField{"MixCostOption", &BatchCostModel::MixCostOption, nullptr, false},
-                                  ModelField{"FixedCostOfBatch", nullptr, &BatchCostModel::FixedCostOfBatch, false},
-                                  ModelField{"FixedCostPerUnit", nullptr, &BatchCostModel::FixedCostPerUnit, false},
-                                  ModelField{"MarkupPercent", nullptr, &BatchCostModel::MarkupPercent, false},
-                                  ModelField{"MixVOCModelType", &BatchCostModel::MixVOCModelType, nullptr, true},
-                                  ModelField{"MixHAPModelType", &BatchCostModel::MixHAPModelType, nullptr, true}};
-
 std::unexpected<Refusal> NoNumber(std::string_view field, std::string_view value) {
   return Refuse("Invalid Value", fmt::format("{} is not a number: \"{}\"", field, value), std::string(field));
 }
@@ -102,8 +89,7 @@ class FieldSetter {
   FieldSetter(Session& session, BatchRecord& record) : session_(session), record_(record), model_(record.work.cost) {}
 
   Result<void> Set(std::string_view field, const std::string& value) {
-    for (const ModelField& model : kModelFields)
-      if (EqualNoCase(model.name, field)) return SetModel(model, value);
+    if (const RecordField* model = CostModelFields().Find(field)) return SetModel(*model, value);
     if (BatchRowFields().FindSettable(field, false) != nullptr) return EnterBatchField(session_, record_, field, value);
     return Refuse("Invalid Field", fmt::format("{} is no field of a Batch that can be set.", field),
                   std::string(field));
@@ -118,19 +104,18 @@ class FieldSetter {
   }
 
  private:
-  Result<void> SetModel(const ModelField& model, const std::string& value) {
+  Result<void> SetModel(const RecordField& field, const std::string& value) {
     const auto read = ParseNumber(value);
-    if (!read) return NoNumber(model.name, value);
-    if (model.number != nullptr) {
-      model_.*model.number = static_cast<float>(*read);
+    if (!read) return NoNumber(field.column, value);
+    if (field.type == RecordField::Type::Single) {
+      field.Single(&model_) = static_cast<float>(*read);
     } else {
-      const int most = model.name == "CostModelType" ? 1 : 2;
-      if (*read < 0 || *read > most || *read != static_cast<int>(*read))
-        return Refuse("Invalid Value", fmt::format("{} is a number from 0 to {}.", model.name, most),
-                      std::string(model.name));
-      model_.*model.choice = static_cast<int>(*read);
+      const int last = LastChoice(field);
+      if (*read < 0 || *read > last || *read != static_cast<int>(*read))
+        return Refuse("Invalid Value", fmt::format("{} is a number from 0 to {}.", field.column, last), field.column);
+      ChoiceIn(model_, field) = static_cast<int>(*read);
     }
-    (model.emission ? emissions_ : costs_) = true;
+    (field.price ? costs_ : emissions_) = true;
     return {};
   }
 

@@ -67,24 +67,6 @@ Json JobsJson(const BatchRecord& record) {
   return jobs;
 }
 
-// What was taken from which lots.
-ListTable LotsTaken(const Session& session, std::int32_t batchNo) {
-  using Row = BatchLotRow;
-  const std::string used = fmt::format("Used ({})", UnitName(session.UMI));
-  return TableOf<Row>()
-      .Add("IngName", &Row::IngName, "Name")
-      .Add("IngType", [](const Row& lot) { return static_cast<int>(lot.IngType); })
-      .Add("LotRefID", &Row::LotRefID)
-      .Add("LotNumber", &Row::LotNumber, "Lot Number")
-      .Add("LotLoc", &Row::LotLoc, "Location")
-      .Add("LotContID", &Row::LotContID, "Cont. ID")
-      .Add("LotDate", &Row::LotDate)
-      .Add("LotQty", &Row::LotQty, used)
-      .Add("LotPrice", [&session](const Row& lot) { return SeenPrice(session, lot.LotPrice); })
-      .Show({"Name", "Lot Number", "Location", "Cont. ID", used})
-      .Of(ReadBatchLots(session, batchNo));
-}
-
 bool IsCost(std::string_view field) {
   return field.starts_with("CostOf") || field.starts_with("Fixed") || field == "MarkupPercent";
 }
@@ -173,7 +155,7 @@ Json StoredBatchJson(const Session& session, const BatchRecord& record) {
   answer["UnitCost"] = Money(session, record.work.figures.UnitCost);
   answer["ReturnedToInventory"] = Number(record.returned);
   answer["Jobs"] = JobsJson(record);
-  answer["Lots"] = RowsJson(LotsTaken(session, record.BatchNo));
+  answer["Lots"] = RowsJson(ListBatchLots(session, record.BatchNo));
   answer["Editable"] = record.formulaUnchanged;
   return answer;
 }
@@ -195,7 +177,7 @@ std::string StoredBatchText(const Session& session, const BatchRecord& record) {
                                               {"Username", record.Username}})
     if (!value.empty()) text += fmt::format("{}: {}\n", caption, value);
   if (record.Complete) text += "Complete\n";
-  return text + '\n' + TableText(LotsTaken(session, record.BatchNo));
+  return text + '\n' + TableText(ListBatchLots(session, record.BatchNo));
 }
 
 }  // namespace vellumark::cli

@@ -64,19 +64,6 @@ Json RecipeJson(const Recipe& recipe) {
   return lines;
 }
 
-std::string RecipeText(const Recipe& recipe) {
-  std::string text;
-  for (const Ingredient& line : recipe)
-    text += fmt::format("{}{} {}", text.empty() ? "" : ", ", line.name, Fixed(line.amount, 3));
-  return text;
-}
-
-std::string Joined(const std::vector<std::string>& reasons) {
-  std::string text;
-  for (const std::string& reason : reasons) text += (text.empty() ? "" : "; ") + reason;
-  return text;
-}
-
 Json ModifierJson(const std::vector<ModifierPreviewRow>& rows) {
   Json answer = Json::array();
   for (const ModifierPreviewRow& row : rows)
@@ -96,7 +83,7 @@ std::string ModifierText(const std::vector<ModifierPreviewRow>& rows) {
       TableOf<Row>()
           .Add("Color", &Row::Color_Name)
           .Add("", [](const Row& row) { return std::string(row.toModify ? "to be modified" : "excluded"); })
-          .Add("Info", [](const Row& row) { return Joined(row.reasons); })
+          .Add("Info", [](const Row& row) { return ReasonsText(row); })
           .Add("Modified recipe", [](const Row& row) { return RecipeText(row.modified); })
           .Of(rows));
 }
@@ -134,8 +121,7 @@ Result<Json> Modify(Context& context, const ModifyOptions& options) {
     }
   }
   if (colors.empty())
-    return Refuse("Database Formula Modifier",
-                  fmt::format("{}: {}", excluded[0].Color_Name, Joined(excluded[0].reasons)));
+    return Refuse("Database Formula Modifier", fmt::format("{}: {}", excluded[0].Color_Name, ReasonsText(excluded[0])));
   const auto applied = ApplyModifier(session, lines, colors);
   if (!applied) return std::unexpected(applied.error());
   if (!*applied) return Declined("Database Formula Modifier", session.CurrentDatabase);

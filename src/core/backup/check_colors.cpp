@@ -134,7 +134,7 @@ void CheckFormulaTotals(CheckRun& run) {
       if (recipe.empty() || total == 100) return;
       if (!formula.AddSetName.empty()) {
         const auto set = ReadAdditiveSet(run.session, formula.AddSetName, database);
-        if (set && total == RoundTo(100 + TotalOf(set->rows), 3)) return;
+        if (set && total == RoundTo(100 + TotalOf(set->Rows()), 3)) return;
       }
       run.Found(table, formula.row, formula.Color_Name, fmt::format("The formula totals {}.", Fixed(total, 3)));
     });
@@ -196,8 +196,9 @@ void CheckAdditiveSets(CheckRun& run) {
       run.Found(table, set.key, set.SetName, std::move(what));
     };
     for (const AdditiveSet& set : ListAdditiveSets(run.session, database)) {
-      for (std::size_t i = 0; i < set.rows.size(); ++i) {
-        const Ingredient& line = set.rows[i];
+      const Recipe rows = set.Rows();
+      for (std::size_t i = 0; i < rows.size(); ++i) {
+        const Ingredient& line = rows[i];
         basic.Bind(1, line.name);
         if (!basic.Step()) {
           fault(set, fmt::format("The Additive {} does not exist.", line.name));
@@ -207,7 +208,7 @@ void CheckAdditiveSets(CheckRun& run) {
         basic.Reset();
         if (!(line.amount > 0)) fault(set, fmt::format("{} has {} percent.", line.name, FigureText(line.amount)));
         for (std::size_t k = 0; k < i; ++k)
-          if (EqualNoCase(set.rows[k].name, line.name)) fault(set, fmt::format("It holds {} twice.", line.name));
+          if (EqualNoCase(rows[k].name, line.name)) fault(set, fmt::format("It holds {} twice.", line.name));
       }
     }
   }

@@ -7,6 +7,7 @@
 
 #include "core/base/text.h"
 #include "core/base/units.h"
+#include "core/batch/default_models.h"
 #include "core/inventory/lots.h"
 #include "core/session/settings.h"
 
@@ -22,13 +23,7 @@ BatchWork NewBatchWork(const Session& session) {
   BatchWork work;
   work.UMF = GetSetting(session, setting::UMF);
   work.settings = ReadBatchSettings(session);
-  work.cost.CostModelType = GetSetting(session, setting::CostModelType);
-  work.cost.MixCostOption = GetSetting(session, setting::MixCostOption);
-  work.cost.FixedCostOfBatch = GetSetting(session, setting::FixedCostOfBatch);
-  work.cost.FixedCostPerUnit = GetSetting(session, setting::FixedCostPerUnit);
-  work.cost.MarkupPercent = GetSetting(session, setting::MarkupPercent);
-  work.cost.MixVOCModelType = GetSetting(session, setting::VOCModelType);
-  work.cost.MixHAPModelType = GetSetting(session, setting::HAPModelType);
+  work.cost = DefaultModels(session);
   return work;
 }
 

@@ -98,6 +98,7 @@ struct BatchCostModel {
   float MarkupPercent = 0;
   int MixVOCModelType = 0;
   int MixHAPModelType = 0;
+  bool operator==(const BatchCostModel&) const = default;
 };
 
 /// Money in `DecimalPlaces`, emissions in the same units as those of the colours.

@@ -314,8 +314,9 @@ Result<void> SetBatchCostModel(Session& session, BatchRecord& record, const Batc
   if (!(model.MarkupPercent >= 0 && model.MarkupPercent <= 100))
     return Refuse("Invalid Percentage", "You must enter a valid percentage between 0 and 100.", "txtMarkupPercent");
   BatchCostModel& cost = record.work.cost;
-  cost.CostModelType = model.CostModelType == 0 ? 0 : 1;
-  cost.MixCostOption = std::clamp(model.MixCostOption, 0, 2);
+  cost.CostModelType = model.CostModelType;
+  cost.MixCostOption = model.MixCostOption;
+  KeepChoices(cost);
   cost.FixedCostOfBatch = *ofBatch;
   cost.FixedCostPerUnit = *perUnit;
   cost.MarkupPercent = RoundSingle(model.MarkupPercent, 1);
@@ -329,8 +330,9 @@ Result<void> SetBatchEmissionModel(Session& session, BatchRecord& record, const 
   if (auto right = RequireCommandRight(session, CommandRight::VOCHAP); !right) return right;
   if (auto editable = CheckEditable(session, record); !editable) return editable;
   BatchCostModel& cost = record.work.cost;
-  cost.MixVOCModelType = std::clamp(model.MixVOCModelType, 0, 2);
-  cost.MixHAPModelType = std::clamp(model.MixHAPModelType, 0, 2);
+  cost.MixVOCModelType = model.MixVOCModelType;
+  cost.MixHAPModelType = model.MixHAPModelType;
+  KeepChoices(cost);
   if (futureBatches) StoreDefaultEmissionModels(session, cost);
   CalculateBatch_VOC(session, record.work);
   CalculateBatch_HAP(session, record.work);

@@ -2,6 +2,7 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <array>
 
 #include "core/base/units.h"
@@ -31,6 +32,40 @@ Result<float> ReadMarkup(std::string_view typed) {
 }
 
 }  // namespace
+
+const FieldMap<BatchCostModel>& CostModelFields() {
+  using M = BatchCostModel;
+  static const FieldMap<M> fields = [] {
+    const FieldTraits cost{.use = FieldUse::Typed, .price = true};
+    const FieldTraits emission{.use = FieldUse::Typed};
+    FieldMap<M> map;
+    map.Add("CostModelType", &M::CostModelType, cost)
+        .Add("MixCostOption", &M::MixCostOption, cost)
+        .Add("FixedCostOfBatch", &M::FixedCostOfBatch, cost)
+        .Add("FixedCostPerUnit", &M::FixedCostPerUnit, cost)
+        .Add("MarkupPercent", &M::MarkupPercent, cost)
+        .Add("MixVOCModelType", &M::MixVOCModelType, emission)
+        .Add("MixHAPModelType", &M::MixHAPModelType, emission);
+    return map;
+  }();
+  return fields;
+}
+
+int& ChoiceIn(BatchCostModel& model, const RecordField& field) {
+  if (field.column == "CostModelType") return model.CostModelType;
+  if (field.column == "MixCostOption") return model.MixCostOption;
+  return field.column == "MixVOCModelType" ? model.MixVOCModelType : model.MixHAPModelType;
+}
+
+int LastChoice(const RecordField& field) {
+  return field.column == "CostModelType" ? 1 : kMixOptions - 1;
+}
+
+void KeepChoices(BatchCostModel& model) {
+  for (const RecordField& field : CostModelFields())
+    if (int* choice = field.type == RecordField::Type::Whole ? &ChoiceIn(model, field) : nullptr)
+      *choice = std::clamp(*choice, 0, LastChoice(field));
+}
 
 const char* CostModelTypeName(int type) {
   return type == 0 ? "Use Ingredients" : "Do Not Use Ingredients";

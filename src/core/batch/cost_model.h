@@ -4,10 +4,20 @@
 #include <vector>
 
 #include "core/batch/batch_work.h"
+#include "core/datafile/field_map.h"
 
 namespace vellumark {
 
 // Cost and emission models as the operator sees and types them: for one Batch, or as the default of later ones.
+
+/// The fields of a model, told once: its whole numbers are choices, its prices make up the cost, the rest is of
+/// emissions.
+const FieldMap<BatchCostModel>& CostModelFields();
+/// The choice in such a field, and the last that there is; the first is 0.
+int& ChoiceIn(BatchCostModel& model, const RecordField& field);
+int LastChoice(const RecordField& field);
+/// Each choice brought to one that there is.
+void KeepChoices(BatchCostModel& model);
 
 constexpr int kMixOptions = 3;  ///< entries of MixCostOption, MixVOCModelType and MixHAPModelType
 

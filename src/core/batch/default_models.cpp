@@ -11,22 +11,43 @@ Result<void> MayStore(const Session& session, CommandRight right) {
   return RequireCommandRight(session, right);
 }
 
+// Calls `take` with the setting of each field and the field.
+template <class Take>
+void ForEachCost(const Take& take) {
+  take(setting::CostModelType, &BatchCostModel::CostModelType);
+  take(setting::MixCostOption, &BatchCostModel::MixCostOption);
+  take(setting::FixedCostOfBatch, &BatchCostModel::FixedCostOfBatch);
+  take(setting::FixedCostPerUnit, &BatchCostModel::FixedCostPerUnit);
+  take(setting::MarkupPercent, &BatchCostModel::MarkupPercent);
+}
+template <class Take>
+void ForEachEmission(const Take& take) {
+  take(setting::VOCModelType, &BatchCostModel::MixVOCModelType);
+  take(setting::HAPModelType, &BatchCostModel::MixHAPModelType);
+}
+
 }  // namespace
 
 BatchCostModel DefaultModels(const Session& session) {
-  return NewBatchWork(session).cost;
+  BatchCostModel model;
+  const auto read = [&](const auto& named, auto BatchCostModel::*member) {
+    model.*member = GetSetting(session, named);
+  };
+  ForEachCost(read);
+  ForEachEmission(read);
+  return model;
 }
 
 void StoreDefaultCostModel(Session& session, const BatchCostModel& model) {
-  StoreSettings(session,
-                {setting::CostModelType.To(model.CostModelType), setting::MixCostOption.To(model.MixCostOption),
-                 setting::FixedCostOfBatch.To(model.FixedCostOfBatch),
-                 setting::FixedCostPerUnit.To(model.FixedCostPerUnit), setting::MarkupPercent.To(model.MarkupPercent)});
+  std::vector<SettingText> values;
+  ForEachCost([&](const auto& named, auto BatchCostModel::*member) { values.push_back(named.To(model.*member)); });
+  StoreSettings(session, values);
 }
 
 void StoreDefaultEmissionModels(Session& session, const BatchCostModel& model) {
-  StoreSettings(session,
-                {setting::VOCModelType.To(model.MixVOCModelType), setting::HAPModelType.To(model.MixHAPModelType)});
+  std::vector<SettingText> values;
+  ForEachEmission([&](const auto& named, auto BatchCostModel::*member) { values.push_back(named.To(model.*member)); });
+  StoreSettings(session, values);
 }
 
 Result<void> SaveDefaultCostModel(Session& session, const CostModelEntry& typed) {

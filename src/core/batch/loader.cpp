@@ -9,6 +9,7 @@
 #include "core/base/text.h"
 #include "core/base/units.h"
 #include "core/batch/cost.h"
+#include "core/batch/cost_model.h"
 #include "core/batch/job_rows.h"
 #include "core/batch/made.h"
 #include "core/batch/recipe.h"
@@ -32,12 +33,9 @@ class BatchRowReader {
   std::int64_t Whole(std::string_view field) const { return row_.Whole(Column(field)); }
   bool IsNull(std::string_view field) const { return row_.IsNull(Column(field)); }
   std::optional<DateTime> Date(std::string_view field) const { return row_.Date(Column(field)); }
-  void Read(BatchFields& fields) const {
-    for (const RecordField& field : BatchRowFields())
-      if (field.use != FieldUse::Beside) field.Read(row_, Column(field.column), &fields);
-  }
-  int Choice(std::string_view field, int most) const {
-    return static_cast<int>(std::clamp<std::int64_t>(Whole(field), 0, most));
+  void Read(const FieldList& fields, void* record) const {
+    for (const RecordField& field : fields)
+      if (field.use != FieldUse::Beside) field.Read(row_, Column(field.column), record);
   }
 
  private:
@@ -71,13 +69,8 @@ StoredBatchLines LinesOfRow(const BatchRowReader& row) {
 }
 
 void ReadCosts(const Session& session, const BatchRowReader& row, BatchWork& work) {
-  work.cost = {.CostModelType = row.Choice("CostModelType", 1),
-               .MixCostOption = row.Choice("MixCostOption", 2),
-               .FixedCostOfBatch = row.Single("FixedCostOfBatch"),
-               .FixedCostPerUnit = row.Single("FixedCostPerUnit"),
-               .MarkupPercent = row.Single("MarkupPercent"),
-               .MixVOCModelType = row.Choice("MixVOCModelType", 2),
-               .MixHAPModelType = row.Choice("MixHAPModelType", 2)};
+  row.Read(CostModelFields(), &work.cost);
+  KeepChoices(work.cost);
   const int decimals = session.DecimalPlaces;
   work.figures.CostOfBasics = Currency::From(RoundTo(row.Single("CostOfBasics"), decimals));
   work.figures.CostOfMixes = Currency::From(RoundTo(row.Single("CostOfMixes"), decimals));
@@ -282,7 +275,7 @@ std::optional<BatchRecord> LoadBatchRow(Session& session, std::int64_t key, cons
   record.Date_Entered = row.Date("Date_Entered");
   record.Username = row.Text("Username");
   record.Complete = row.Whole("Complete") != 0;
-  row.Read(record.fields);
+  row.Read(BatchRowFields(), &record.fields);
 
   BatchWork& work = record.work = NewBatchWork(session);
   work.UMF = stored.UMF == 0 ? session.UMF : stored.UMF;

@@ -42,7 +42,7 @@ Folded FoldBatch(const Session& session, const BatchRecord& record) {
   if (const auto mix = ReadMix(session, work.Color_Name); mix && !mix->AddSetName.empty()) {
     if (const auto set = ReadAdditiveSet(session, mix->AddSetName)) {
       folded.setName = set->SetName;
-      folded.set = set->rows;
+      folded.set = set->Rows();
     }
   }
   Recipe additions;

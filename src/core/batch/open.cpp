@@ -6,6 +6,7 @@
 #include "core/batch/holding.h"
 #include "core/batch/loader.h"
 #include "core/batch/takings.h"
+#include "core/session/rights.h"
 
 namespace vellumark {
 namespace {
@@ -71,12 +72,39 @@ std::vector<BatchLotRow> ReadBatchLots(const Session& session, std::int32_t batc
   std::vector<BatchLotRow> lots;
   const auto stored = ReadStoredLines(session, row);
   if (!stored) return lots;
-  for (const BatchTaking& taking : ReadTakings(session, *stored)) {
-    const LotUse& use = taking.use;
-    lots.push_back({taking.IngName, taking.IngType, use.LotRefID, use.LotNumber, use.LotLoc, use.LotContID, use.LotDate,
-                    use.LotQty, use.LotPrice});
-  }
+  for (BatchTaking& taking : ReadTakings(session, *stored))
+    lots.push_back({std::move(taking.use), std::move(taking.IngName), taking.IngType});
   return lots;
+}
+
+TableOf<BatchLotRow> BatchLotColumns(const Session& session) {
+  using Row = BatchLotRow;
+  const std::string used = fmt::format("Used ({})", UnitName(session.UMI));
+  return TableOf<Row>()
+      .Add("IngName", &Row::IngName, "Name")
+      .Heading("Color Name")
+      .Width(4200)
+      .Add("IngType", [](const Row& lot) { return static_cast<int>(lot.IngType); })
+      .Add("LotRefID", &Row::LotRefID)
+      .Add("LotNumber", &Row::LotNumber, "Lot Number")
+      .Width(2640)
+      .Add("LotLoc", &Row::LotLoc, "Location")
+      .Width(2160)
+      .Add("LotContID", &Row::LotContID, "Cont. ID")
+      .Width(2160)
+      .Add("LotDate", &Row::LotDate)
+      .Add("LotQty", &Row::LotQty, used)
+      .Heading("Used")
+      .Width(1680)
+      .Add("LotPrice", [&session](const Row& lot) { return SeenPrice(session, lot.LotPrice); })
+      .Add(
+          "", [unit = std::string(UnitName(session.UMI))](const Row&) { return unit; }, "Unit")
+      .Width(960)
+      .Show({"Name", "Lot Number", "Location", "Cont. ID", used});
+}
+
+ListTable ListBatchLots(const Session& session, std::int32_t batchNo) {
+  return BatchLotColumns(session).Of(ReadBatchLots(session, batchNo));
 }
 
 bool OpenBatch(Session& session, BatchRecord& record, std::int32_t batchNo) {

@@ -20,18 +20,13 @@ std::optional<BatchRecord> ReadBatch(Session& session, std::int32_t batchNo);
 std::vector<Cell> ReadBatchFields(const Session& session, std::int32_t batchNo);
 
 /// One lot, or Unlotted Inventory, that a line of a stored Batch took from. `LotQty` in the inventory unit.
-struct BatchLotRow {
+struct BatchLotRow : LotUse {
   std::string IngName;
   LineKind IngType = LineKind::Basic;
-  std::int32_t LotRefID = 0;
-  std::string LotNumber;
-  std::string LotLoc;
-  std::string LotContID;
-  std::optional<DateTime> LotDate;
-  float LotQty = 0;
-  float LotPrice = 0;
 };
 std::vector<BatchLotRow> ReadBatchLots(const Session& session, std::int32_t batchNo);
+TableOf<BatchLotRow> BatchLotColumns(const Session& session);
+ListTable ListBatchLots(const Session& session, std::int32_t batchNo);
 
 /// Opens a stored Batch: hands its ingredients back to stock and leaves a marker in the file that tells so, in one
 /// transaction. In an archive view nothing is handed back. False when there is no such Batch. `record` must hold no

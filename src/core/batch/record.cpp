@@ -11,13 +11,6 @@
 namespace vellumark {
 namespace {
 
-bool SameCosts(const BatchCostModel& a, const BatchCostModel& b) {
-  return a.CostModelType == b.CostModelType && a.MixCostOption == b.MixCostOption &&
-         a.FixedCostOfBatch == b.FixedCostOfBatch && a.FixedCostPerUnit == b.FixedCostPerUnit &&
-         a.MarkupPercent == b.MarkupPercent && a.MixVOCModelType == b.MixVOCModelType &&
-         a.MixHAPModelType == b.MixHAPModelType;
-}
-
 bool SameFigures(const BatchFigures& a, const BatchFigures& b) {
   return a.CostOfBasics == b.CostOfBasics && a.CostOfMixes == b.CostOfMixes && a.TotalCost == b.TotalCost &&
          a.VOC == b.VOC && a.HAP == b.HAP;
@@ -119,9 +112,9 @@ bool RecordHasChanged(const Session& session, const BatchRecord& record) {
   const RememberedBatch& before = record.remembered;
   return record.work.Color_Name != before.Color_Name || ShownRows(record.work) != before.rows ||
          Compared(session, record.fields) != Compared(session, before.fields) || record.jobs != before.jobs ||
-         record.weighed != before.weighed ||
-         record.ReturnedText() != before.returned || record.work.UMF != before.UMF ||
-         !SameCosts(record.work.cost, before.cost) || !SameFigures(record.work.figures, before.figures) ||
+         record.weighed != before.weighed || record.ReturnedText() != before.returned ||
+         record.work.UMF != before.UMF || record.work.cost != before.cost ||
+         !SameFigures(record.work.figures, before.figures) ||
          (session.InvLotTracking != 0 && AllLots(record.work) != before.lots);
 }
 

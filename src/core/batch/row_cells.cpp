@@ -1,6 +1,7 @@
 #include "core/batch/row_cells.h"
 
 #include "core/base/text.h"
+#include "core/batch/cost_model.h"
 #include "core/batch/takings.h"
 
 namespace vellumark {
@@ -31,13 +32,6 @@ std::vector<Cell> BatchRowCells(const BatchRecord& record, const DateTime& date)
                           {"ClickedIndex", work.ClickedIndex},
                           {"CostOfBasics", static_cast<float>(work.figures.CostOfBasics.ToDouble())},
                           {"CostOfMixes", static_cast<float>(work.figures.CostOfMixes.ToDouble())},
-                          {"FixedCostOfBatch", work.cost.FixedCostOfBatch},
-                          {"FixedCostPerUnit", work.cost.FixedCostPerUnit},
-                          {"MarkupPercent", work.cost.MarkupPercent},
-                          {"MixCostOption", work.cost.MixCostOption},
-                          {"CostModelType", work.cost.CostModelType},
-                          {"MixVOCModelType", work.cost.MixVOCModelType},
-                          {"MixHAPModelType", work.cost.MixHAPModelType},
                           {"VOC", work.figures.VOC},
                           {"HAP", work.figures.HAP},
                           {"Username", record.Username},
@@ -46,8 +40,9 @@ std::vector<Cell> BatchRowCells(const BatchRecord& record, const DateTime& date)
                           {"Roundoff", work.Roundoff},
                           {"LargestAmountIndex", work.LargestAmountIndex}};
   AddLines(cells, work);
-  const std::vector<Cell> fields = BatchRowFields().Cells(record.fields, {FieldUse::Typed});
-  cells.insert(cells.end(), fields.begin(), fields.end());
+  for (const std::vector<Cell>& part : {CostModelFields().Cells(work.cost, {FieldUse::Typed}),
+                                        BatchRowFields().Cells(record.fields, {FieldUse::Typed})})
+    cells.insert(cells.end(), part.begin(), part.end());
   return cells;
 }
 

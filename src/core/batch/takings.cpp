@@ -12,6 +12,22 @@
 namespace vellumark {
 namespace {
 
+// What is recorded of a taking beside the kind of its line.
+const FieldMap<BatchTaking>& TakingFields() {
+  using U = LotUse;
+  static const FieldMap<BatchTaking> fields = [] {
+    FieldMap<U> use;
+    use.Add("LotRefID", &U::LotRefID).Add("LotNumber", &U::LotNumber).Add("LotLoc", &U::LotLoc);
+    use.Add("LotContID", &U::LotContID).Add("LotDate", &U::LotDate);
+    use.Add("LotQty", &U::LotQty).Add("LotPrice", &U::LotPrice);
+    FieldMap<BatchTaking> map;
+    map.Add("IngName", &BatchTaking::IngName);
+    for (const RecordField& field : use) map.AddPart(field, &BatchTaking::use);
+    return map;
+  }();
+  return fields;
+}
+
 float Converted(double quantity, int from, int to) {
   return RoundSingle(from == to ? quantity : quantity * static_cast<double>(UnitFactor(from, to)), 3);
 }
@@ -142,23 +158,16 @@ std::vector<BatchTaking> PlanTakings(Session& session, const BatchRecord& record
 }
 
 std::vector<BatchTaking> ReadTakings(const Session& session, const StoredBatchLines& batch) {
-  Statement rows = session.File().Prepare(
-      fmt::format("SELECT IngName, IngType, LotRefID, LotNumber, LotLoc, LotContID, LotDate, LotQty, LotPrice "
-                  "FROM {} WHERE BatchNo = ? ORDER BY RowKey",
-                  session.QuotedTable(schema::BatchLotInv)));
+  Statement rows =
+      session.File().Prepare(fmt::format("SELECT IngType, {} FROM {} WHERE BatchNo = ? ORDER BY RowKey",
+                                         TakingFields().Columns(), session.QuotedTable(schema::BatchLotInv)));
   rows.Bind(1, batch.BatchNo);
   std::vector<BatchTaking> takings;
   while (rows.Step()) {
-    BatchTaking taking{rows.Text(0), LineKindOf(rows.Whole(1)), {}};
-    taking.use = {.LotRefID = static_cast<std::int32_t>(rows.Whole(2)),
-                  .LotNumber = rows.Text(3),
-                  .LotLoc = rows.Text(4),
-                  .LotContID = rows.Text(5),
-                  .LotDate = rows.Date(6),
-                  .LotQty = rows.Single(7),
-                  .LotPrice = rows.Single(8)};
+    BatchTaking& taking = takings.emplace_back();
+    taking.IngType = LineKindOf(rows.Whole(0));
+    TakingFields().Read(rows, 1, taking);
     if (EqualNoCase(taking.use.LotNumber, kUnlottedInv)) taking.use.LotRefID = 0;
-    takings.push_back(std::move(taking));
   }
   const std::vector<BatchTaking> recorded = takings;
   for (std::size_t i = 0; i < batch.lines.size(); ++i) {
@@ -207,18 +216,17 @@ LotSelection SelectionOf(const Session& session, std::vector<BatchTaking>& takin
 
 void WriteTakings(Session& session, std::int32_t batchNo, const DateTime& date,
                   const std::vector<BatchTaking>& takings) {
-  RowWriter writer(session.File(), schema::BatchLotInv, session.Table(schema::BatchLotInv),
-                   {"BatchNo", "DateEntered", "IngName", "IngType", "LotRefID", "LotNumber", "LotLoc", "LotContID",
-                    "LotDate", "LotQty", "LotPrice"});
-  for (const BatchTaking& taking : takings) {
-    const LotUse& use = taking.use;
-    writer.Set(0, batchNo)
-        .Set(1, date)
-        .Set(2, taking.IngName)
-        .Set(3, static_cast<int>(taking.IngType))
-        .Set(4, use.LotRefID);
-    writer.Set(5, use.LotNumber).Set(6, use.LotLoc).Set(7, use.LotContID).Set(8, use.LotDate);
-    writer.Set(9, RoundSingle(use.LotQty, 3)).Set(10, RoundSingle(use.LotPrice, session.DecimalPlaces));
+  std::vector<std::string> columns{"BatchNo", "DateEntered", "IngType"};
+  const std::size_t first = columns.size();
+  for (const RecordField& field : TakingFields()) columns.push_back(field.column);
+  RowWriter writer(session.File(), schema::BatchLotInv, session.Table(schema::BatchLotInv), columns);
+  writer.Set(0, batchNo).Set(1, date);
+  for (BatchTaking taking : takings) {
+    taking.use.LotQty = RoundSingle(taking.use.LotQty, 3);
+    taking.use.LotPrice = RoundSingle(taking.use.LotPrice, session.DecimalPlaces);
+    writer.Set(2, static_cast<int>(taking.IngType));
+    std::size_t place = first;
+    for (const RecordField& field : TakingFields()) writer.Set(place++, field.ValueIn(&taking));
     writer.Insert();
   }
 }

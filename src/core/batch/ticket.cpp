@@ -124,11 +124,8 @@ SheetBlock DataBlock(std::string heading, const std::vector<DataLine>& lines) {
 std::vector<BatchLotRow> LotsOf(Session& session, const BatchRecord& record) {
   if (record.key != 0 && !record.stockReturned) return ReadBatchLots(session, record.BatchNo);
   std::vector<BatchLotRow> lots;
-  for (const BatchTaking& taking : PlanTakings(session, record)) {
-    const LotUse& use = taking.use;
-    lots.push_back({taking.IngName, taking.IngType, use.LotRefID, use.LotNumber, use.LotLoc, use.LotContID, use.LotDate,
-                    use.LotQty, use.LotPrice});
-  }
+  for (BatchTaking& taking : PlanTakings(session, record))
+    lots.push_back({std::move(taking.use), std::move(taking.IngName), taking.IngType});
   return lots;
 }
 

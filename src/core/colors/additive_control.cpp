@@ -63,7 +63,7 @@ SetPreviewRow JudgeAdd(const MixColor& mix, const AdditiveSet& set) {
   } else if (!mix.AddSetName.empty()) {
     row.info = "Uses Additive Set " + mix.AddSetName;
     row.modable = true;
-  } else if (WithoutSet(recipe, set.rows).size() != recipe.size()) {
+  } else if (WithoutSet(recipe, set.Rows()).size() != recipe.size()) {
     row.info = "Has Ingredient Found In Additive Set";
   } else {
     row.info = "Contains No Additive Set";
@@ -132,7 +132,7 @@ Result<AdditiveSet> EditAdditiveSet(Session& session, std::string_view setName, 
   Transaction transaction(session.File());
   UpdateRow(session.File(), schema::Additives, session.Table(schema::Additives), set->key, AdditiveSetCells(*set));
   const bool whole = RewriteFormulas(session, progress, transaction, users, [&](const MixColor& mix) {
-    const AppliedSet result = WithSetApplied(mix.Ingredients(), present->rows, set->rows);
+    const AppliedSet result = WithSetApplied(mix.Ingredients(), present->Rows(), set->Rows());
     if (!result.applied) notApplied.push_back(mix.Color_Name);
     return NewRecipe{result.recipe, result.applied ? set->SetName : std::string()};
   });
@@ -199,7 +199,7 @@ Result<bool> DeleteAdditiveSet(Session& session, std::string_view setName) {
   ProgressRun progress(session.progress, "Deleting Add Set / Updating formulas");
   Transaction transaction(session.File());
   const bool whole = RewriteFormulas(session, progress, transaction, users, [&](const MixColor& mix) {
-    return NewRecipe{WithSetRemoved(mix.Ingredients(), set->rows), {}};
+    return NewRecipe{WithSetRemoved(mix.Ingredients(), set->Rows()), {}};
   });
   if (!whole) return BulkSteps::Stopped("Additive Set Modification");
   session.File()
@@ -268,9 +268,9 @@ Result<bool> ApplyAdditiveSet(Session& session, std::string_view setName, SetMet
     AdditiveSetsOnFile sets(session);
     const bool whole = RewriteFormulas(session, progress, transaction, rows, [&](const MixColor& mix) {
       const AdditiveSet* present = sets.Find(mix.AddSetName);
-      const Recipe presentRows = present == nullptr ? Recipe{} : present->rows;
+      const Recipe presentRows = present == nullptr ? Recipe{} : present->Rows();
       if (method == SetMethod::Remove) return NewRecipe{WithSetRemoved(mix.Ingredients(), presentRows), {}};
-      const AppliedSet result = WithSetApplied(mix.Ingredients(), presentRows, set->rows);
+      const AppliedSet result = WithSetApplied(mix.Ingredients(), presentRows, set->Rows());
       if (!result.applied) notApplied.push_back(mix.Color_Name);
       return NewRecipe{result.recipe, result.applied ? set->SetName : std::string()};
     });

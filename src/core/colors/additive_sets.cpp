@@ -19,19 +19,15 @@ constexpr std::size_t kMostLinesWithSet = 14;
 constexpr double kLargestPercent = 10;
 
 std::string Columns() {
-  std::string columns = "RowKey, SetName";
-  for (int n = 0; n < schema::kSetSlots; ++n) columns += fmt::format(", Add_Name{}", n);
-  for (int n = 0; n < schema::kSetSlots; ++n) columns += fmt::format(", Add_Percent{}", n);
-  return columns;
+  return "RowKey, " + AdditiveSetFields().Columns();
 }
 
+// The filled slots come first, wherever they stand in the row.
 AdditiveSet ReadRow(const Statement& row) {
   AdditiveSet set;
   set.key = row.Whole(0);
-  set.SetName = row.Text(1);
-  for (int n = 0; n < schema::kSetSlots; ++n)
-    if (std::string name = row.Text(2 + n); !name.empty())
-      set.rows.push_back({std::move(name), ShownAmount(row.Single(2 + schema::kSetSlots + n))});
+  AdditiveSetFields().Read(row, 1, set);
+  set.SetRows(set.Rows());
   return set;
 }
 
@@ -101,18 +97,41 @@ Result<void> CheckSetName(const Session& session, const std::string& name, bool 
 
 }  // namespace
 
-std::string AdditiveSet::SetList() const {
-  return NameSet(NamesOf(rows));
+Recipe AdditiveSet::Rows() const {
+  Recipe rows;
+  for (std::size_t n = 0; n < Add_Name.size(); ++n)
+    if (!Add_Name[n].empty()) rows.push_back({Add_Name[n], ShownAmount(Add_Percent[n])});
+  return rows;
+}
+
+void AdditiveSet::SetRows(const Recipe& rows) {
+  for (std::size_t n = 0; n < Add_Name.size(); ++n) {
+    const bool filled = n < rows.size();
+    Add_Name[n] = filled ? rows[n].name : std::string();
+    Add_Percent[n] = filled ? static_cast<float>(rows[n].amount) : 0.0F;
+  }
+  SetList = NameSet(NamesOf(rows));
+}
+
+const FieldMap<AdditiveSet>& AdditiveSetFields() {
+  using S = AdditiveSet;
+  static const FieldMap<S> fields = [] {
+    const FieldTraits typed{.use = FieldUse::Typed};
+    FieldMap<S> map;
+    map.Add("SetName", &S::SetName, {.use = FieldUse::Key});
+    for (std::size_t n = 0; n < schema::kSetSlots; ++n)
+      map.Add(
+             FieldOf("Add_Name", n), [n](S & set) -> auto& { return set.Add_Name[n]; }, typed)
+          .Add(
+              FieldOf("Add_Percent", n), [n](S & set) -> auto& { return set.Add_Percent[n]; }, typed);
+    map.Add("SetList", &S::SetList, {.use = FieldUse::Derived});
+    return map;
+  }();
+  return fields;
 }
 
 std::vector<Cell> AdditiveSetCells(const AdditiveSet& set) {
-  std::vector<Cell> cells{{"SetName", set.SetName}, {"SetList", set.SetList()}};
-  for (std::size_t n = 0; n < schema::kSetSlots; ++n) {
-    const bool filled = n < set.rows.size();
-    cells.emplace_back(FieldOf("Add_Name", n), filled ? set.rows[n].name : std::string());
-    cells.emplace_back(FieldOf("Add_Percent", n), filled ? static_cast<float>(set.rows[n].amount) : 0.0F);
-  }
-  return cells;
+  return AdditiveSetFields().Cells(set, {FieldUse::Key, FieldUse::Typed, FieldUse::Derived});
 }
 
 std::optional<AdditiveSet> ReadAdditiveSet(const Session& session, std::string_view setName,
@@ -171,8 +190,10 @@ Result<AdditiveSet> ValidateAdditiveSet(const Session& session, const AdditiveSe
        {CheckExists, CheckIsAdditive, CheckHasIngredient, CheckSingleUse, CheckHasQuantity, CheckPercent})
     for (std::size_t row = 0; row < work.rows.size(); ++row)
       if (auto passed = check(session, work, row); !passed) return std::unexpected(passed.error());
+  Recipe rows;
   for (const AdditiveSetWork::Row& row : work.rows)
-    if (IsFilled(row)) set.rows.push_back({Upper(TrimView(row.name)), *ReadSetPercent(row.percent)});
+    if (IsFilled(row)) rows.push_back({Upper(TrimView(row.name)), *ReadSetPercent(row.percent)});
+  set.SetRows(rows);
   return set;
 }
 
@@ -216,12 +237,12 @@ Result<AdditiveSet> CreateAdditiveSet(Session& session, const AdditiveSetWork& w
 }
 
 Result<void> CheckSetFitsFormula(const Recipe& rows, const AdditiveSet& set) {
-  if (WithoutSet(rows, set.rows).size() != rows.size())
+  if (WithoutSet(rows, set.Rows()).size() != rows.size())
     return Refuse("Duplicate Ingredients",
                   "The selected Additive Set cannot be entered into the formula.\n\nThe formula already contains an "
                   "ingredient found in the Additive Set.",
                   "AddSetName");
-  if (rows.size() + set.rows.size() > kMostLinesWithSet)
+  if (rows.size() + set.Rows().size() > kMostLinesWithSet)
     return Refuse("Exceeded Formula Maxium Ingredients",
                   "The selected Additive Set cannot be entered into the formula.\n\nThe current ingredients and the "
                   "choosen Additive Set exceed 15 items.",

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "core/colors/normalise.h"
+#include "core/datafile/field_map.h"
 #include "core/datafile/schema.h"
 #include "core/datafile/writer.h"
 #include "core/session/acts.h"
@@ -17,12 +18,18 @@ namespace vellumark {
 struct AdditiveSet {
   std::int64_t key = 0;
   std::string SetName;
-  Recipe rows;  ///< the filled slots; the amount is the percentage
+  std::array<std::string, schema::kSetSlots> Add_Name{};
+  std::array<float, schema::kSetSlots> Add_Percent{};
+  std::string SetList;  ///< the names
 
-  std::string SetList() const;
+  /// The filled slots; the amount is the percentage.
+  Recipe Rows() const;
+  void SetRows(const Recipe& rows);
 };
 
-/// The fields of a set's row.
+/// Its fields, told once.
+const FieldMap<AdditiveSet>& AdditiveSetFields();
+/// What every save of a set writes.
 std::vector<Cell> AdditiveSetCells(const AdditiveSet& set);
 
 /// `database` empty means the current one.

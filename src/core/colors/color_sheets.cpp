@@ -91,7 +91,7 @@ Sheet AdditiveSetsSheet(const Session& session, const std::vector<AdditiveSet>& 
   Sheet sheet{.title = "Mix Colors using Additive Set"};
   for (const AdditiveSet& set : sets) {
     sheet.blocks.push_back({.heading = "Set Name : " + set.SetName,
-                            .table = RecipeColumns("Additive", "Percent", 2).Total("Total").Of(set.rows)});
+                            .table = RecipeColumns("Additive", "Percent", 2).Total("Total").Of(set.Rows())});
     std::vector<std::string> formulas = FormulasWithSet(session, set.SetName);
     if (!formulas.empty())
       sheet.blocks.push_back({.heading = "Colors using this Set : ", .lines = std::move(formulas)});

@@ -23,21 +23,19 @@ TableOf<MixColor> MixColumns(const Session& session) {
 
 TableOf<AdditiveSet> AdditiveSetColumns(const Session& session) {
   TableOf<AdditiveSet> table;
-  table.Add("SetName", &AdditiveSet::SetName);
-  for (std::size_t n = 0; n < schema::kSetSlots; ++n) {
-    const auto line = [n](const AdditiveSet& set) { return n < set.rows.size() ? set.rows[n] : Ingredient{}; };
-    table
-        .Add(schema::Numbered("Add_Name", static_cast<int>(n)),
-             [line](const AdditiveSet& set) { return line(set).name; })
-        .Add(
-            schema::Numbered("Add_Percent", static_cast<int>(n)),
-            [line](const AdditiveSet& set) { return line(set).amount; }, "", Format::Amount, 2);
-  }
+  for (const RecordField& field : AdditiveSetFields())
+    table.Add(
+        field.column,
+        [&field](const AdditiveSet& set) {
+          const TableValue cell = field.CellOf(&set);
+          const auto* percent = std::get_if<float>(&cell);
+          return percent == nullptr ? cell : TableValue(ShownAmount(*percent));
+        },
+        "", field.ShownAs(), 2);
   const auto users = [&session](const AdditiveSet& set) { return FormulasWithSet(session, set.SetName); };
-  table.Add("SetList", &AdditiveSet::SetList)
-      .Add("Formulas", users, "Used by")
+  table.Add("Formulas", users, "Used by")
       .Add(
-          "", [](const AdditiveSet& set) { return TotalOf(set.rows); }, "Percent", Format::Amount, 2)
+          "", [](const AdditiveSet& set) { return TotalOf(set.Rows()); }, "Percent", Format::Amount, 2)
       .Add(
           "", [users](const AdditiveSet& set) { return users(set).size(); }, "Formulas")
       .Show({"SetName", "SetList", "Percent", "Formulas"});

@@ -66,14 +66,14 @@ struct Source {
 Recipe WithoutOwnSet(const Session& session, const Recipe& all, std::string_view setName) {
   const auto set = ReadAdditiveSet(session, setName);
   if (!set) return all;
-  Recipe rest = WithoutSet(all, set->rows);
+  Recipe rest = WithoutSet(all, set->Rows());
   return rest.empty() ? all : rest;
 }
 
 // Names common to both count once.
 bool SetFits(const Recipe& list, const AdditiveSet& set) {
-  const Recipe others = WithoutSet(list, set.rows);
-  return !others.empty() && others.size() + set.rows.size() <= static_cast<std::size_t>(schema::kIngredientSlots);
+  const Recipe others = WithoutSet(list, set.Rows());
+  return !others.empty() && others.size() + set.Rows().size() <= static_cast<std::size_t>(schema::kIngredientSlots);
 }
 
 bool IsAdditive(const Session& session, const Source& source, std::string_view name) {
@@ -184,7 +184,7 @@ Result<Duplicated> Duplicate(Session& session, const Source& source, std::string
                         "number of ingredients exceeds 15.\n\nIt will be duplicated without the Additive Set "
                         "information.");
 
-  const Recipe recipe = withSet ? NormaliseWithSet(list, target->set->rows) : Normalise(list);
+  const Recipe recipe = withSet ? NormaliseWithSet(list, target->set->Rows()) : Normalise(list);
   if (const Ingredient* lost = LostShare(recipe))
     return Refuse(Padded(30, "Invalid Formula"),
                   fmt::format("This formula cannot be saved: {}.", LostShareText(*lost)));

@@ -1,6 +1,7 @@
 #include "core/colors/formula_modifier.h"
 
 #include <fmt/format.h>
+#include <fmt/ranges.h>
 
 #include <algorithm>
 #include <cmath>
@@ -79,15 +80,14 @@ Recipe Modified(const Recipe& present, const AdditiveSet* set, const std::vector
   for (const Ingredient& line : present) slots.push_back({line.name, Thousandths(line.amount)});
   for (const FormulaModification& line : lines) ApplyLine(slots, line);
   std::erase_if(slots, [](const Slot& slot) { return slot.amount == 0; });
+  const Recipe ofSet = set == nullptr ? Recipe{} : set->Rows();
+  std::erase_if(slots, [&](const Slot& slot) { return HoldsIngredient(ofSet, slot.name); });
   std::int64_t setTotal = 0;
-  if (set != nullptr) {
-    std::erase_if(slots, [&](const Slot& slot) { return HoldsIngredient(set->rows, slot.name); });
-    for (const Ingredient& row : set->rows) setTotal += Thousandths(row.amount);
-  }
+  for (const Ingredient& row : ofSet) setTotal += Thousandths(row.amount);
   ScaleBesideSet(slots, setTotal);
   Recipe recipe;
   for (const Slot& slot : slots) recipe.push_back({slot.name, static_cast<double>(slot.amount) / 1000});
-  if (set != nullptr) recipe.insert(recipe.end(), set->rows.begin(), set->rows.end());
+  recipe.insert(recipe.end(), ofSet.begin(), ofSet.end());
   return recipe;
 }
 
@@ -225,7 +225,7 @@ ModifierPreviewRow JudgeModification(const MixColor& mix, const AdditiveSet* set
   row.Color_Name = mix.Color_Name;
   row.AddSetName = mix.AddSetName;
   row.present = mix.Ingredients();
-  const Recipe setRows = set == nullptr ? Recipe{} : set->rows;
+  const Recipe setRows = set == nullptr ? Recipe{} : set->Rows();
   Judgement judgement{row.present, setRows, !mix.AddSetName.empty(), static_cast<int>(row.present.size())};
   for (const FormulaModification& line : lines)
     if (std::string reason = JudgeLine(judgement, line); !reason.empty()) row.reasons.push_back(std::move(reason));
@@ -302,6 +302,17 @@ Result<bool> ApplyModifier(Session& session, const std::vector<ModifierLine>& li
   }
   session.prompt.Tell("Master Formulas Modified", "The selected Master Formulas have been modified.");
   return true;
+}
+
+std::string RecipeText(const Recipe& recipe) {
+  std::string text;
+  for (const Ingredient& line : recipe)
+    text += fmt::format("{}{} {}", text.empty() ? "" : ", ", line.name, Fixed(line.amount, 3));
+  return text;
+}
+
+std::string ReasonsText(const ModifierPreviewRow& row) {
+  return fmt::format("{}", fmt::join(row.reasons, "; "));
 }
 
 }  // namespace vellumark

@@ -79,4 +79,8 @@ Result<std::vector<ModifierPreviewRow>> PreviewModifier(Session& session, const 
 Result<bool> ApplyModifier(Session& session, const std::vector<ModifierLine>& lines,
                            const std::vector<std::string>& colors);
 
+/// "RED 60.000, BLUE 40.000", and the reasons one behind the other, as previews show them.
+std::string RecipeText(const Recipe& recipe);
+std::string ReasonsText(const ModifierPreviewRow& row);
+
 }  // namespace vellumark

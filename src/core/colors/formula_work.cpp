@@ -50,7 +50,7 @@ bool IsKnown(const Session& session, const FormulaWork& work, std::string_view n
 
 Recipe SetRows(const Session& session, std::string_view setName) {
   const auto set = ReadAdditiveSet(session, setName);
-  return set ? set->rows : Recipe{};
+  return set ? set->Rows() : Recipe{};
 }
 
 // Each check runs over all rows before the next begins.
@@ -223,7 +223,7 @@ FormulaWork LoadFormulaWork(const Session& session, const MixColor& mix) {
   ShowFigures(session, MixFields(), work);
   const auto set = ReadAdditiveSet(session, mix.AddSetName);
   work.AddSetName = set ? set->SetName : "";
-  ShowGrid(work, set ? WithoutSet(mix.Ingredients(), set->rows) : mix.Ingredients());
+  ShowGrid(work, set ? WithoutSet(mix.Ingredients(), set->Rows()) : mix.Ingredients());
   return work;
 }
 

@@ -20,7 +20,7 @@ GridFigures ReadGridFigures(const Session& session, const FormulaWork& work) {
   for (std::size_t row = 0; row < figures.lines.size(); ++row)
     figures.lines[row] = ReadIngredientFigures(session, work.grid[row].BC);
   if (const auto set = ReadAdditiveSet(session, work.AddSetName))
-    for (const Ingredient& line : set->rows)
+    for (const Ingredient& line : set->Rows())
       figures.set.push_back({line.name, line.amount, ReadIngredientFigures(session, line.name)});
   return figures;
 }

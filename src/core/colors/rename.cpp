@@ -74,9 +74,9 @@ NewRecipe RenamedRecipe(const Session& session, const NewRecipe& present, std::s
   if (const auto set = ReadAdditiveSet(session, present.setName)) {
     // An Additive of the set that becomes an ingredient beside it: the set's share and the ingredient's are one amount
     // from now on, which no set can hold.
-    if (HoldsIngredient(set->rows, oldName) && !HoldsIngredient(set->rows, newName))
+    if (HoldsIngredient(set->Rows(), oldName) && !HoldsIngredient(set->Rows(), newName))
       return {MergeIngredients(recipe, oldName, newName), {}};
-    const Recipe rows = RenamedRows(set->rows, oldName, newName);
+    const Recipe rows = RenamedRows(set->Rows(), oldName, newName);
     Recipe merged = MergeIngredientsWithSet(recipe, oldName, rows);
     if (merged.size() > rows.size()) return {merged, present.setName};
     // Nothing stands beside the set any more, so there is no formula with a set left: its lines are merged as they are.
@@ -148,10 +148,10 @@ void MergeInAdditiveSets(Session& session, const std::vector<Renaming>& names) {
   for (const AdditiveSet& set : ListAdditiveSets(session)) {
     AdditiveSet merged = set;
     bool changed = false;
-    for (const Ingredient& row : set.rows) {
+    for (const Ingredient& row : set.Rows()) {
       const auto found = map.find(Upper(row.name));
-      if (found == map.end() || !HoldsIngredient(merged.rows, found->second)) continue;
-      merged.rows = RenamedRows(merged.rows, row.name, found->second);
+      if (found == map.end() || !HoldsIngredient(merged.Rows(), found->second)) continue;
+      merged.SetRows(RenamedRows(merged.Rows(), row.name, found->second));
       changed = true;
     }
     if (changed)

@@ -12,7 +12,7 @@ ColorUses FindUses(const Session& session, ColorKind kind, std::string_view name
   if (kind == ColorKind::Mix) return uses;
   uses.formulas = FormulasUsing(session, name);
   for (const AdditiveSet& set : ListAdditiveSets(session))
-    if (HoldsIngredient(set.rows, name)) uses.additiveSets.push_back(set.SetName);
+    if (HoldsIngredient(set.Rows(), name)) uses.additiveSets.push_back(set.SetName);
   return uses;
 }
 

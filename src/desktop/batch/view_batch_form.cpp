@@ -17,6 +17,7 @@
 #include "desktop/kit/icons.h"
 #include "desktop/kit/print_sheet.h"
 #include "desktop/kit/record_fields.h"
+#include "desktop/kit/record_source.h"
 #include "desktop/kit/text.h"
 
 namespace vellumark::desktop {
@@ -74,9 +75,6 @@ void ViewBatchForm::BuildRecipe(Form form) {
 void ViewBatchForm::BuildLotsAndJobs(Form form) {
   form.Heading(tr("Ingredients by lot"));
   form.Wide(lots_ = form.Table("fgLots"), 2);
-  lots_->SetColumns({GridColumn::Text(tr("Color Name"), 280), GridColumn::Text(tr("Lot Number"), 176),
-                     GridColumn::Text(tr("Location"), 144), GridColumn::Text(tr("Cont. ID"), 144),
-                     GridColumn::Number(tr("Used"), 112), GridColumn::Text(tr("Unit"), 64)});
   lots_->SetEmptyText(tr("Nothing was taken from stock"));
   form.Heading(tr("Jobs"));
   form.Wide(jobs_ = form.Table("fgJobs"), 1);
@@ -171,10 +169,11 @@ void ViewBatchForm::ShowRecipe() {
 void ViewBatchForm::ShowLotsAndJobs() {
   const BatchWork& work = record_->work;
   const std::string unit(UnitName(work.UMF));
-  auto lots = std::make_shared<TableSource>();
-  for (const BatchLotRow& lot : ReadBatchLots(session, record_->BatchNo))
-    lots->Add({lot.IngName, lot.LotNumber, lot.LotLoc, lot.LotContID, Fixed(lot.LotQty, 3),
-               std::string(UnitName(session.UMI))});
+  auto lots = std::make_shared<RecordRows<BatchLotRow>>(
+      BatchLotColumns(session),
+      std::vector<std::string_view>{"IngName", "LotNumber", "LotLoc", "LotContID", "LotQty", "Unit"});
+  lots->rows = ReadBatchLots(session, record_->BatchNo);
+  lots_->SetColumns(lots->Columns());
   lots_->SetSource(lots);
   auto jobs = std::make_shared<TableSource>();
   for (const BatchJobLine& job : record_->jobs) jobs->Add({job.JobNumber, Fixed(job.QtyUsed, 3), unit});

@@ -49,15 +49,16 @@ class SetDetail : public QWidget {
   }
 
   void Show(const AdditiveSet* set) {
+    const Recipe rows = set == nullptr ? Recipe{} : set->Rows();
     for (std::size_t row = 0; row < lines_.size(); ++row) {
-      const bool used = set != nullptr && row < set->rows.size();
+      const bool used = row < rows.size();
       const Line& line = lines_[row];
       line.mark->setVisible(used);
-      line.name->setText(used ? Q(set->rows[row].name) : QString());
-      line.percent->setText(used ? Percent(set->rows[row].amount) : QString());
+      line.name->setText(used ? Q(rows[row].name) : QString());
+      line.percent->setText(used ? Percent(rows[row].amount) : QString());
     }
     total_.name->setVisible(set != nullptr);
-    total_.percent->setText(set == nullptr ? QString() : Percent(TotalOf(set->rows)));
+    total_.percent->setText(set == nullptr ? QString() : Percent(TotalOf(rows)));
   }
 
  private:
@@ -164,7 +165,7 @@ void AdditiveSetPanel::FillLists() {
   list_->SetItems(names);
   for (int i = 1; i < list_->count(); ++i) {
     QString contents;
-    for (const Ingredient& line : sets_[static_cast<std::size_t>(i - 1)].rows)
+    for (const Ingredient& line : sets_[static_cast<std::size_t>(i - 1)].Rows())
       contents += QString("%1 %2 %\n").arg(Q(line.name), Q(Fixed(line.amount, kPercentDecimals)));
     list_->setItemData(i, contents.trimmed(), Qt::ToolTipRole);
   }
@@ -214,7 +215,7 @@ bool AdditiveSetPanel::IsChanged() const {
 
 std::vector<std::string> AdditiveSetPanel::Ingredients() const {
   const AdditiveSet* set = Find(chosen_);
-  return set == nullptr ? std::vector<std::string>{} : NamesOf(set->rows);
+  return set == nullptr ? std::vector<std::string>{} : NamesOf(set->Rows());
 }
 
 void AdditiveSetPanel::SetEditable(bool shown, bool editable) {

@@ -62,7 +62,7 @@ void DuplicateFormulaForm::ShowSets() {
 void DuplicateFormulaForm::ShowIngredients() {
   auto rows = std::make_shared<TableSource>();
   if (const int chosen = setNames_->currentIndex(); chosen >= 0)
-    for (const Ingredient& line : sets_.at(static_cast<std::size_t>(chosen)).rows)
+    for (const Ingredient& line : sets_.at(static_cast<std::size_t>(chosen)).Rows())
       rows->Add({line.name, Fixed(line.amount, 2)});
   ingredients_->SetSource(rows);
   Changed();

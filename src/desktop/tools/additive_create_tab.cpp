@@ -117,7 +117,7 @@ void AdditiveCreateTab::LoadList() {
   int place = withoutSet_ ? 0 : -1;
   for (const AdditiveSet& set : ListAdditiveSets(host_.session)) {
     if (!shown_.empty() && EqualNoCase(set.SetName, shown_)) place = sets_->Rows();
-    const double total = TotalOf(set.rows);
+    const double total = TotalOf(set.Rows());
     sets_->Add({set.SetName, {Fixed(total, kPercentDecimals), total}});
   }
   list_->Refresh();
@@ -154,9 +154,10 @@ void AdditiveCreateTab::ShowSet(const std::string& name) {
   if (!set) return;
   shown_ = set->SetName;
   name_->SetText(set->SetName);
-  for (std::size_t n = 0; n < set->rows.size(); ++n) {
-    rows_.at(n).ingredient->SetText(set->rows[n].name);
-    rows_.at(n).percent->SetText(Fixed(set->rows[n].amount, kPercentDecimals));
+  const Recipe rows = set->Rows();
+  for (std::size_t n = 0; n < rows.size(); ++n) {
+    rows_.at(n).ingredient->SetText(rows[n].name);
+    rows_.at(n).percent->SetText(Fixed(rows[n].amount, kPercentDecimals));
   }
   ShowFormulas(false);
   host_.MarkClean();

@@ -20,26 +20,13 @@ namespace {
 constexpr int kPercentDecimals = 2;
 constexpr int kPercentChars = 8;
 
-std::string RecipeText(const Recipe& recipe) {
-  std::string text;
-  for (const Ingredient& line : recipe)
-    text += fmt::format("{}{} {}", text.empty() ? "" : ", ", line.name, Fixed(line.amount, 3));
-  return text;
-}
-
-std::string Joined(const std::vector<std::string>& reasons) {
-  std::string text;
-  for (const std::string& reason : reasons) text += (text.empty() ? "" : "; ") + reason;
-  return text;
-}
-
 PreviewRow RowOf(const ModifierPreviewRow& row) {
   const std::string modified = RecipeText(row.modified);
   const std::string total = row.modable ? Fixed(TotalOf(row.modified), 3) : std::string();
   std::string detail = fmt::format("{}: {}", row.Color_Name, RecipeText(row.present));
   if (row.modable) detail += fmt::format("\n→ {}  (total {})", modified, total);
   return {row.Color_Name,
-          {Joined(row.reasons), row.AddSetName, row.modable ? "Modable" : "Un Modable", modified, total},
+          {ReasonsText(row), row.AddSetName, row.modable ? "Modable" : "Un Modable", modified, total},
           row.modable,
           row.toModify,
           std::move(detail)};

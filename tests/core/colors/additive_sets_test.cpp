@@ -83,8 +83,8 @@ TEST(AdditiveSets, ChecksInTheirOrder) {
 
   const AdditiveSet set = room.Set("  two rows ", {{"", ""}, {"WAX", "2.345"}, {"", ""}, {" gel", "1"}});
   EXPECT_EQ(set.SetName, "TWO ROWS");
-  EXPECT_EQ(set.SetList(), "<WAX><GEL>");
-  EXPECT_EQ(ReadAdditiveSet(room.session, "two rows")->rows, (Recipe{{"WAX", 2.35}, {"GEL", 1}}));
+  EXPECT_EQ(set.SetList, "<WAX><GEL>");
+  EXPECT_EQ(ReadAdditiveSet(room.session, "two rows")->Rows(), (Recipe{{"WAX", 2.35}, {"GEL", 1}}));
   EXPECT_EQ(room.Scalar("SELECT Add_Name2 || Add_Percent2 FROM INK_Additives WHERE SetName = 'TWO ROWS'").Text(),
             "0.0");
 }

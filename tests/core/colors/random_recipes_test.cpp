@@ -140,7 +140,7 @@ TEST(RandomRecipes, EveryActLeavesASoundFile) {
         ASSERT_EQ(LostShare(mix.Ingredients()), nullptr) << "seed " << seed << ", act " << act << ": " << name;
         // A set never stands alone in a formula.
         const auto set = ReadAdditiveSet(busy.session, mix.AddSetName);
-        ASSERT_FALSE(set && WithoutSet(mix.Ingredients(), set->rows).empty()) << "seed " << seed << ": " << name;
+        ASSERT_FALSE(set && WithoutSet(mix.Ingredients(), set->Rows()).empty()) << "seed " << seed << ": " << name;
       }
     }
     EXPECT_GT(MixNames(busy.session).size(), 3U);
