@@ -36,6 +36,19 @@ std::string UsingCondition(const std::string& table) {
   return fmt::format("RowKey IN (SELECT RowKey FROM {} WHERE Color_Set LIKE ? ESCAPE '\\')", table);
 }
 
+// A column of the formulas that meet the condition, in its own order.
+Statement SelectWhere(const Session& session, std::string_view column, std::string_view condition,
+                      std::string_view value) {
+  Statement row = session.File().Prepare(
+      fmt::format("SELECT {0} FROM {1} WHERE {2} ORDER BY {0}", column, TableText(session), condition));
+  row.Bind(1, value);
+  return row;
+}
+
+Statement SelectUsing(const Session& session, std::string_view column, std::string_view ingredient) {
+  return SelectWhere(session, column, UsingCondition(TableText(session)), NameSetPattern(ingredient));
+}
+
 std::vector<std::string> Names(Statement row) {
   std::vector<std::string> names;
   while (row.Step()) names.push_back(row.Text(0));
@@ -155,33 +168,17 @@ std::vector<std::string> MixNames(const Session& session) {
 }
 
 std::vector<std::string> FormulasUsing(const Session& session, std::string_view ingredient) {
-  const std::string table = TableText(session);
-  Statement row = session.File().Prepare(
-      fmt::format("SELECT Color_Name FROM {} WHERE {} ORDER BY Color_Name", table, UsingCondition(table)));
-  row.Bind(1, NameSetPattern(ingredient));
-  return Names(std::move(row));
+  return Names(SelectUsing(session, "Color_Name", ingredient));
+}
+std::vector<std::int64_t> FormulaRowsUsing(const Session& session, std::string_view ingredient) {
+  return RowNumbers(SelectUsing(session, "RowKey", ingredient));
 }
 
 std::vector<std::string> FormulasWithSet(const Session& session, std::string_view setName) {
-  Statement row = session.File().Prepare(
-      fmt::format("SELECT Color_Name FROM {} WHERE AddSetName = ? ORDER BY Color_Name", TableText(session)));
-  row.Bind(1, setName);
-  return Names(std::move(row));
+  return Names(SelectWhere(session, "Color_Name", "AddSetName = ?", setName));
 }
-
-std::vector<std::int64_t> FormulaRowsUsing(const Session& session, std::string_view ingredient) {
-  const std::string table = TableText(session);
-  Statement row = session.File().Prepare(
-      fmt::format("SELECT RowKey FROM {} WHERE {} ORDER BY RowKey", table, UsingCondition(table)));
-  row.Bind(1, NameSetPattern(ingredient));
-  return RowNumbers(std::move(row));
-}
-
 std::vector<std::int64_t> FormulaRowsWithSet(const Session& session, std::string_view setName) {
-  Statement row = session.File().Prepare(
-      fmt::format("SELECT RowKey FROM {} WHERE AddSetName = ? ORDER BY RowKey", TableText(session)));
-  row.Bind(1, setName);
-  return RowNumbers(std::move(row));
+  return RowNumbers(SelectWhere(session, "RowKey", "AddSetName = ?", setName));
 }
 
 FigureBook::FigureBook(const Session& session, std::string_view database)

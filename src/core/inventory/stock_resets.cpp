@@ -178,6 +178,21 @@ void Rewrite(Session& session, const InventoryWork& work, const LotRow& earlier,
   transaction.Note({ChangeKind(work.kind), work.database, work.name, Change::What::Updated, {}});
 }
 
+// Changes the lots of these rows as far as they are on file, all of them or none.
+template <class Change>
+void RewriteLots(Session& session, const InventoryWork& work, const std::vector<std::size_t>& rows,
+                 const Change& change) {
+  Transaction transaction(session.File());
+  for (const std::size_t row : rows) {
+    const auto lot = LotOnFile(session, work, work.rows[row]);
+    if (!lot) continue;
+    LotRow now = *lot;
+    change(now);
+    Rewrite(session, work, *lot, now, transaction);
+  }
+  transaction.Commit();
+}
+
 }  // namespace
 
 Result<bool> ResetInventories(Session& session, const ResetValues& values) {
@@ -223,15 +238,7 @@ Result<bool> ResetRowDates(Session& session, InventoryWork& work, const std::vec
   const auto may = MayRun(session, rows, "Reset Dates", "Reset all Lotted Inv Dates ?");
   if (!may || !*may) return may;
   std::erase_if(rows, [&](std::size_t row) { return row == 0 || DatedByBatch(session, work, work.rows[row]); });
-  Transaction transaction(session.File());
-  for (const std::size_t row : rows) {
-    if (const auto lot = LotOnFile(session, work, work.rows[row])) {
-      LotRow now = *lot;
-      now.LotDate = date;
-      Rewrite(session, work, *lot, now, transaction);
-    }
-  }
-  transaction.Commit();
+  RewriteLots(session, work, rows, [&](LotRow& lot) { lot.LotDate = date; });
   for (const std::size_t row : rows) work.rows[row].now.date = work.rows[row].onFile.date = date;
   return true;
 }
@@ -245,15 +252,7 @@ Result<bool> ResetRowPrices(Session& session, InventoryWork& work, const std::ve
   if (!may || !*may) return may;
   std::erase(rows, std::size_t{0});
   const float rounded = RoundSingle(price, session.DecimalPlaces);
-  Transaction transaction(session.File());
-  for (const std::size_t row : rows) {
-    if (const auto lot = LotOnFile(session, work, work.rows[row])) {
-      LotRow now = *lot;
-      now.LotPrice = rounded;
-      Rewrite(session, work, *lot, now, transaction);
-    }
-  }
-  transaction.Commit();
+  RewriteLots(session, work, rows, [&](LotRow& lot) { lot.LotPrice = rounded; });
   for (const std::size_t row : rows) work.rows[row].now.price = work.rows[row].onFile.price = rounded;
   return true;
 }

@@ -14,6 +14,7 @@
 #include "core/colors/names.h"
 #include "desktop/inventory/inv_lot_instructions.h"
 #include "desktop/inventory/inventory_panel.h"
+#include "desktop/inventory/lot_grid.h"
 #include "desktop/kit/amount_field.h"
 #include "desktop/kit/discard.h"
 #include "desktop/kit/icons.h"
@@ -216,20 +217,13 @@ void AdjustInventoryForm::NameLeft(QWidget* to) {
 }
 
 void AdjustInventoryForm::EnterName(const std::string& typed) {
-  const std::string name = ReadName(session, typed);
-  if (name.empty()) {
-    QApplication::beep();
-    FocusField(kNameField);
-    return;
-  }
-  const auto kind = ChooseInventoryColor(session, name);
-  if (!Accepted(kind)) {
-    Clear();
-    FocusField(kNameField);
-    return;
-  }
-  ShowColor(*kind, name);
-  if (record_) panel_->FocusEntry();
+  EnterStockName(*this, kNameField, typed,
+                 {[this](const std::string& name) { return ChooseInventoryColor(session, name); },
+                  [this](ColorKind kind, const std::string& name) {
+                    ShowColor(kind, name);
+                    if (record_) panel_->FocusEntry();
+                  },
+                  [this] { Clear(); }});
 }
 
 // ---- Showing

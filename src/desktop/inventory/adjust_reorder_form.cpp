@@ -8,6 +8,7 @@
 #include "core/colors/names.h"
 #include "core/inventory/color_stock.h"
 #include "core/inventory/reorder.h"
+#include "desktop/inventory/lot_grid.h"
 #include "desktop/kit/discard.h"
 #include "desktop/kit/icons.h"
 #include "desktop/kit/text.h"
@@ -64,19 +65,9 @@ void AdjustReorderForm::NameLeft(QWidget* to) {
 }
 
 void AdjustReorderForm::EnterName(const std::string& typed) {
-  const std::string name = ReadName(session, typed);
-  if (name.empty()) {
-    QApplication::beep();
-    FocusField(kNameField);
-    return;
-  }
-  const auto kind = ChooseReorderColor(session, name);
-  if (!Accepted(kind)) {
-    Clear();
-    FocusField(kNameField);
-    return;
-  }
-  ShowColor(*kind, name);
+  EnterStockName(*this, kNameField, typed,
+                 {[this](const std::string& name) { return ChooseReorderColor(session, name); },
+                  [this](ColorKind kind, const std::string& name) { ShowColor(kind, name); }, [this] { Clear(); }});
 }
 
 void AdjustReorderForm::Clear() {

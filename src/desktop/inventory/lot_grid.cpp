@@ -1,11 +1,13 @@
 #include "desktop/inventory/lot_grid.h"
 
+#include <QApplication>
 #include <QKeyEvent>
 #include <QLocale>
 #include <QStringListModel>
 #include <QVBoxLayout>
 
 #include "core/base/units.h"
+#include "core/colors/names.h"
 #include "desktop/kit/text.h"
 
 namespace vellumark::desktop {
@@ -62,6 +64,19 @@ QWidget* Captioned(QWidget* row, const QString& caption, QWidget* field, const c
   column->addWidget(text);
   column->addWidget(field);
   return cell;
+}
+
+void EnterStockName(FormHost& host, const char* field, const std::string& typed, const NameSteps& steps) {
+  const std::string name = ReadName(host.session, typed);
+  if (name.empty()) {
+    QApplication::beep();
+    host.FocusField(field);
+    return;
+  }
+  const auto kind = steps.choose(name);
+  if (host.Accepted(kind)) return steps.show(*kind, name);
+  steps.clear();
+  host.FocusField(field);
 }
 
 CheckKeys::CheckKeys(Grid& grid, std::function<void(int row)> toggle)

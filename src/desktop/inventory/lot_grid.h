@@ -28,6 +28,14 @@ void SetChoices(ComboField& combo, const std::vector<std::string>& choices);
 /// A field under its caption, whose name is `label`, to stand in `row`.
 QWidget* Captioned(QWidget* row, const QString& caption, QWidget* field, const char* label);
 
+/// Goes on with a name that was typed: shows the colour that is meant, or clears and goes back to the field.
+struct NameSteps {
+  std::function<Result<ColorKind>(const std::string& name)> choose;
+  std::function<void(ColorKind kind, const std::string& name)> show;
+  std::function<void()> clear;
+};
+void EnterStockName(FormHost& host, const char* field, const std::string& typed, const NameSteps& steps);
+
 /// Lets the operator check rows in the first column of a grid: by a click on the box, or by the space bar.
 class CheckKeys : public QObject {
   Q_OBJECT
