@@ -185,6 +185,15 @@ void ForEachReportBatch(const ReportContext& context, const std::string& databas
   }
 }
 
+std::vector<std::string> BatchUsers(const Session& session) {
+  Statement rows = session.File().Prepare(
+      fmt::format("SELECT DISTINCT Username FROM {} WHERE Username <> '' ORDER BY Username",
+                  Quoted(session.Table(schema::Batch))));
+  std::vector<std::string> users;
+  while (rows.Step()) users.push_back(rows.Text(0));
+  return users;
+}
+
 std::string HasLineOf(ColorKind kind) {
   std::string condition;
   for (int i = 0; i < schema::kBatchLines; ++i)

@@ -115,6 +115,9 @@ struct BatchQuery {
 void ForEachReportBatch(const ReportContext& context, const std::string& database, const BatchQuery& query,
                         const std::function<bool(const Statement& row)>& take);
 
+/// Who made Batches of the current Database, by name.
+std::vector<std::string> BatchUsers(const Session& session);
+
 /// Whether a Batch has a line of that colour and kind, as a condition on its row with the name as ?3.
 std::string HasLineOf(ColorKind kind);
 /// A Basic Color is consumed as an ingredient and as an addition.

@@ -1,11 +1,29 @@
 #include "desktop/reports/register.h"
 
+#include "core/reports/catalogue.h"
+#include "core/reports/find.h"
+#include "desktop/reports/find_form.h"
+#include "desktop/reports/find_menu.h"
+#include "desktop/reports/report_form.h"
+#include "desktop/reports/reports_form.h"
+#include "desktop/reports/view_record_form.h"
+
 namespace vellumark::desktop {
 
 void RegisterReportsWindows(WindowList& windows, const PrintDevices& devices) {
   windows.RegisterDialog("PrintBoxForm", [devices](WindowList& list, QWidget* owner) -> Dialog* {
     return new PrintBoxForm(list, owner, devices);
   });
+  windows.RegisterDialog<ViewRecordForm>("ViewRecordForm");
+  windows.Register<ReportsForm>("ReportsForm");
+  for (const ReportDefinition& report : ReportCatalogue())
+    windows.Register(report.window, [&report](WindowList& list) -> Window* { return new ReportForm(list, report); });
+  windows.Register<FindMenu>("FindMenu");
+  using Pair = std::pair<const char*, FindSubject>;
+  for (const auto& [name, subject] :
+       {Pair{"FindBasic", FindSubject::Basic}, Pair{"FindMix", FindSubject::Mix}, Pair{"FindBatch", FindSubject::Batch},
+        Pair{"FindJob", FindSubject::Job}, Pair{"FindDesign", FindSubject::Design}})
+    windows.Register(name, [name, subject](WindowList& list) -> Window* { return new FindForm(list, name, subject); });
 }
 
 }  // namespace vellumark::desktop

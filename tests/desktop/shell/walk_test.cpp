@@ -71,7 +71,10 @@ std::vector<Walked> Windows() {
           {"ExportJobRecords"},
           {"NewUserForm"},
           {"NewAdminForm"},
-          {"LoginForm"}};
+          {"LoginForm"},
+          {"ReorderForm"},
+          {"ProductionForm"},
+          {"InventoryReportsForm"}};
 }
 
 Field* FieldWithFocus() {

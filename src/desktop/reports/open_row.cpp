@@ -1,0 +1,87 @@
+#include "desktop/reports/open_row.h"
+
+#include <QApplication>
+#include <QClipboard>
+#include <QShortcut>
+
+#include "core/base/text.h"
+#include "desktop/kit/text.h"
+
+namespace vellumark::desktop {
+namespace {
+
+void OpenKnown(WindowList& windows, const std::string& window, const Arguments& arguments) {
+  if (windows.Knows(window))
+    windows.OpenForm(window, arguments);
+  else
+    QApplication::beep();
+}
+
+void CopyRows(Grid& grid) {
+  QString text;
+  for (const int shown : grid.Model().ShownRows()) {
+    const int at = grid.Model().ShownRow(shown);
+    if (!grid.View().selectionModel()->isRowSelected(at)) continue;
+    QString line;
+    for (const int column : grid.ShownColumns()) {
+      if (!line.isEmpty() || column != grid.ShownColumns().front()) line += '\t';
+      QString cell = Q(grid.Model().Source()->Text(shown, column));
+      line += cell.replace('\t', ' ').replace('\n', ' ');
+    }
+    text += line + '\n';
+  }
+  if (!text.isEmpty()) QApplication::clipboard()->setText(text);
+}
+
+}  // namespace
+
+void OpenRow(WindowList& windows, const RowTarget& target) {
+  using Kind = RowTarget::Kind;
+  const Session& session = windows.session;
+  const bool here = EqualNoCase(target.database, session.CurrentDatabase);
+  switch (target.kind) {
+    case Kind::Batch:
+    case Kind::Basic:
+    case Kind::Mix:
+      if (!here) {
+        windows.RunDialog("ViewRecordForm", {{"Target", target}});
+      } else if (target.kind == Kind::Batch) {
+        const bool busy = windows.IsInEdit("BatchForm") || windows.IsInEdit("MixColorsForm");
+        OpenKnown(windows, busy ? "ViewBatchForm" : "BatchForm", {{"BatchNo", target.BatchNo}});
+      } else {
+        OpenKnown(windows, target.kind == Kind::Mix ? "MixColorsForm" : "BasicColorsForm",
+                  {{"FindRecord", target.name}});
+      }
+      return;
+    case Kind::Job:
+      return OpenKnown(windows, "JobForm", {{"JobNumber", target.name}});
+    case Kind::Design:
+      return OpenKnown(windows, "JobDesigns", {{"DesignID", target.name}});
+    case Kind::Database:
+      if (session.FindDatabase(target.name) == nullptr) {
+        windows.session.prompt.Tell("No Information Found",
+                                    "There was no more information found for this database. This Database may have "
+                                    "been deleted.");
+        return;
+      }
+      break;
+    case Kind::None:
+      break;
+  }
+  QApplication::beep();
+}
+
+void LetRowsBeCopied(Grid& grid) {
+  auto* copy = new QShortcut(QKeySequence::Copy, &grid, nullptr, nullptr, Qt::WidgetWithChildrenShortcut);
+  QObject::connect(copy, &QShortcut::activated, &grid, [&grid] { CopyRows(grid); });
+}
+
+Result<void> RequireNoRecipeInEdit(const WindowList& windows) {
+  if (!windows.IsInEdit("BatchForm")) return {};
+  return Refuse(
+      "Batch Window - Formula in State of Edit.",
+      "The Batch Window is open and has a recipe on screen.\nAny attempt to change data using this Report can "
+      "impact the Batch Window.\nSave && Clear the information on the Batch Window before using this Report.");
+}
+
+}  // namespace vellumark::desktop

@@ -1,0 +1,334 @@
+#include "desktop/reports/report_form.h"
+
+#include <QApplication>
+#include <QElapsedTimer>
+#include <QLocale>
+#include <algorithm>
+
+#include "core/base/text.h"
+#include "core/colors/rollup.h"
+#include "core/reports/report_settings.h"
+#include "desktop/kit/print_sheet.h"
+#include "desktop/kit/text.h"
+#include "desktop/reports/open_row.h"
+#include "desktop/reports/report_source.h"
+
+namespace vellumark::desktop {
+namespace {
+
+constexpr qint64 kQuick = 400;  // milliseconds: a report that takes longer is not run again unasked
+
+bool Tells(const ReportDefinition& report, const Change& change) {
+  using Kind = Change::Kind;
+  switch (change.kind) {
+    case Kind::Basic:
+    case Kind::Mix:
+    case Kind::Batch:
+      return !report.group.starts_with("Jobs") || change.kind == Kind::Batch;
+    case Kind::Job:
+    case Kind::Design:
+      return report.group.starts_with("Jobs");
+    default:
+      return false;
+  }
+}
+
+}  // namespace
+
+void ReportForm::OnOpen(const Arguments& arguments) {
+  bool told = false;
+  const char* name = definition_.subject == ReportSubject::Job      ? "JobNumber"
+                     : definition_.subject == ReportSubject::Design ? "DesignID"
+                                                                    : "Color_Name";
+  if (subject_ != nullptr && arguments.Has(name)) {
+    subject_->SetText(arguments.Text(name));
+    kind_ = arguments.Has("Kind") ? std::optional(arguments.Get<ColorKind>("Kind")) : std::nullopt;
+    told = !arguments.Text(name).empty();
+  }
+  if (range_ != nullptr && arguments.Has("From") && arguments.Has("To")) {
+    quiet_ = true;
+    from_->SetDate(arguments.Get<DateTime>("From"));
+    to_->SetDate(arguments.Get<DateTime>("To"));
+    quiet_ = false;
+    range_->setCurrentIndex(kCustomRange);
+    told = told || !HasSubject();
+  }
+  if (told) QMetaObject::invokeMethod(this, &ReportForm::cmdFind_Click, Qt::QueuedConnection);
+}
+
+std::string ReportForm::Subject() const {
+  if (subject_ == nullptr) return {};
+  const auto* name = dynamic_cast<const NameBox*>(subject_);
+  return name != nullptr ? name->Name() : Trim(subject_->Text());
+}
+
+void ReportForm::ChooseRange(int place) {
+  const DateRange dates = RangeOf(place, session.DataFileDB ? ReportToday(session) : session.clock.Today());
+  quiet_ = true;
+  range_->setCurrentIndex(place);
+  from_->SetDate(dates.from);
+  to_->SetDate(dates.to);
+  quiet_ = false;
+}
+
+ReportRequest ReportForm::Request() const {
+  ReportRequest request{.kind = kind_};
+  if (range_ != nullptr && range_->currentIndex() != kCustomRange) {
+    request.range = range_->currentIndex();
+  } else if (range_ != nullptr) {
+    request.range = kCustomRange;
+    request.from = from_->Date();
+    request.to = to_->Date();
+  }
+  const std::string subject = Subject();
+  if (definition_.subject == ReportSubject::Job) request.job = subject;
+  if (definition_.subject == ReportSubject::Design) request.design = subject;
+  if (definition_.subject == ReportSubject::Formula || definition_.subject == ReportSubject::Color)
+    request.color = subject;
+  if (user_ != nullptr && user_->currentIndex() > 0) request.user = user_->Text();
+  if (databases_ != nullptr)
+    for (const QString& name : databases_->Checked()) request.databases.push_back(U8(name));
+  for (const OptionField& field : options_) {
+    const int value = field.combo != nullptr ? field.combo->currentIndex() : field.check->isChecked() ? 1 : 0;
+    request.options.emplace_back(field.option->name, std::to_string(value));
+  }
+  return request;
+}
+
+// ---- Columns
+
+void ReportForm::ShowColumns() {
+  ReportWatch watch(session.progress);
+  ReportContext context{.session = session, .report = definition_, .watch = watch};
+  context.databases = {session.CurrentDatabase};
+  for (const ReportOption& option : definition_.options)
+    context.options[option.name] = ReadReportOption(session, definition_, option);
+  const std::vector<TableColumn> columns = ReportColumns(context);
+  SetColumns(columns, ReadShownColumns(session, definition_, columns));
+  const ReportSort sort = ReadReportSort(session, definition_, columns.size());
+  grid_->SetSort({static_cast<int>(sort.column), sort.descending, sort.second ? static_cast<int>(*sort.second) : -1,
+                  sort.secondDescending});
+  grid_->SetSource(source_);
+  count_->setText(tr("0 %1").arg(Q(definition_.noun)));
+}
+
+void ReportForm::SetColumns(const std::vector<TableColumn>& columns, const std::vector<std::size_t>& shown) {
+  const auto same = [](const TableColumn& a, const TableColumn& b) {
+    return a.key == b.key && a.caption == b.caption && a.decimals == b.decimals && a.format == b.format;
+  };
+  if (std::ranges::equal(columns, shownColumns_, same)) return;
+  shownColumns_ = columns;
+  std::vector<GridColumn> grid;
+  for (const TableColumn& column : columns) {
+    grid.push_back(ShownColumn(column, grid.empty()));
+    grid.back().shown = std::ranges::find(shown, grid.size() - 1) != shown.end();
+  }
+  grid_->SetColumns(std::move(grid));
+  ListColumns();
+}
+
+void ReportForm::ListColumns() {
+  quiet_ = true;
+  QStringList names;
+  for (std::size_t i = 1; i < grid_->Columns().size(); ++i) names += grid_->Columns()[i].caption;
+  columns_->SetItems(names);
+  for (int i = 0; i < columns_->count(); ++i) columns_->SetChecked(i, grid_->IsShown(i + 1));
+  quiet_ = false;
+}
+
+void ReportForm::ChooseAllColumns(bool shown) {
+  quiet_ = true;
+  for (int i = 1; i < static_cast<int>(grid_->Columns().size()); ++i) grid_->Model().Column(i).shown = shown;
+  if (grid_->Columns().size() > 1) grid_->ShowColumn(1, shown);
+  quiet_ = false;
+  ListColumns();
+  ShowTotals();
+}
+
+// ---- Running
+
+void ReportForm::cmdFind_Click() {
+  if (running_) return;
+  if (range_ != nullptr && range_->currentIndex() != kCustomRange) {
+    SaveDateRange(session, definition_, range_->currentIndex());
+    ChooseRange(range_->currentIndex());
+  }
+  if (Run() && !report_->complete) session.prompt.Tell(report_->warningTitle, report_->warning);
+}
+
+bool ReportForm::Run() {
+  running_ = true;
+  ReportWatch watch(session.progress);
+  RunPendingPassesOrTell(session);
+  const auto context = PrepareReport(session, definition_, Request(), watch);
+  running_ = false;
+  if (!Accepted(context)) {
+    if (context.error().title == "Color Not Found") subject_->SetText("");
+    return false;
+  }
+  if (subject_ != nullptr) {
+    subject_->SetText(context->name);
+    if (definition_.subject == ReportSubject::Color) kind_ = context->kind;
+  }
+  if (range_ != nullptr && range_->currentIndex() == kCustomRange) {
+    quiet_ = true;
+    from_->SetDate(context->dates.from);
+    to_->SetDate(context->dates.to);
+    quiet_ = false;
+  }
+  running_ = true;
+  QElapsedTimer time;
+  time.start();
+  BuiltReport built = [&] {
+    const auto wait = Wait(WaitKind::WaitingForm, tr("Building Report ..."));
+    return BuildReport(*context);
+  }();
+  lasted_ = time.elapsed();
+  running_ = false;
+  builtWith_ = context->options;
+  Show(std::move(built));
+  return true;
+}
+
+void ReportForm::Show(BuiltReport built) {
+  report_ = std::make_shared<BuiltReport>(std::move(built));
+  report_->order.clear();
+  SetColumns(report_->columns, report_->shown);
+  source_->Show(report_);
+  grid_->SetEmptyText(tr("Nothing was found"));
+  grid_->Refresh();
+  title_->setText(Q(report_->FullTitle()).replace("&&", "&"));
+  count_->setText(QString("%1 %2").arg(QLocale().toString(static_cast<qlonglong>(report_->count)), Q(report_->noun)));
+  ShowTotals();
+  Changed();
+}
+
+void ReportForm::TakeArrangement() {
+  report_->order.clear();
+  for (const int row : grid_->ShownRows()) report_->order.push_back(static_cast<std::size_t>(row));
+  report_->shown.clear();
+  for (const int column : grid_->ShownColumns()) {
+    report_->shown.push_back(static_cast<std::size_t>(column));
+    report_->columns[static_cast<std::size_t>(column)].width = grid_->ColumnWidth(column) * kTwipsPerPixel;
+  }
+}
+
+void ReportForm::ShowTotals() {
+  if (!report_ || report_->totals.empty()) {
+    grid_->SetTotals({});
+    return;
+  }
+  TakeArrangement();
+  const std::vector<TableValue> sums = report_->Totals();
+  std::vector<std::string> texts;
+  for (std::size_t i = 0; i < sums.size(); ++i) texts.push_back(ShownCell(report_->columns[i], sums[i]));
+  if (!texts.empty() && texts.front().empty()) texts.front() = report_->totals;
+  grid_->SetTotals(std::move(texts));
+}
+
+void ReportForm::cmdClear_Click() {
+  report_.reset();
+  source_->Show(nullptr);
+  grid_->Refresh();
+  grid_->SetTotals({});
+  if (subject_ != nullptr) subject_->SetText("");
+  kind_.reset();
+  title_->setText(" " + Q(definition_.name).replace("&&", "&"));
+  count_->setText(tr("0 %1").arg(Q(definition_.noun)));
+  Changed();
+  (subject_ != nullptr ? static_cast<QWidget*>(subject_) : find_)->setFocus();
+}
+
+void ReportForm::UpdateEnabled() {
+  print_->setEnabled(report_ && report_->Rows() > 0 && CanPrint(windows));
+}
+
+void ReportForm::cmdPrint_Click() {
+  TakeArrangement();
+  Sheet sheet = Sheet::Of(report_->title, report_->Table());
+  sheet.incomplete = !report_->complete;
+  for (const std::size_t column : report_->shown) sheet.blocks.back().widths.push_back(report_->columns[column].width);
+  PrintSheet(windows, sheet);
+}
+
+bool ReportForm::MayClose() {
+  if (running_) return false;
+  SaveArrangement();
+  return true;
+}
+
+void ReportForm::SaveArrangement() {
+  std::vector<std::size_t> shown;
+  for (const int column : grid_->ShownColumns()) shown.push_back(static_cast<std::size_t>(column));
+  if (shown != ReadShownColumns(session, definition_, shownColumns_))
+    SaveShownColumns(session, definition_, shownColumns_, shown);
+  const GridSort& sort = grid_->Sort();
+  ReportSort kept{.column = static_cast<std::size_t>(std::max(sort.column, 0)), .descending = sort.descending};
+  if (sort.second >= 0) {
+    kept.second = static_cast<std::size_t>(sort.second);
+    kept.secondDescending = sort.secondDescending;
+  }
+  if (kept != ReadReportSort(session, definition_, shownColumns_.size())) SaveReportSort(session, definition_, kept);
+}
+
+// ---- Rows
+
+void ReportForm::OpenClicked(int row, int column) {
+  if (QApplication::keyboardModifiers() != Qt::NoModifier) return;
+  const auto cell = CellAt(row, column);
+  if (!cell) return;
+  if (definition_.edits) {
+    if (cell->report.columns[cell->column].key == "Recycle") ToggleOrTell();
+    return;  // a double click opens
+  }
+  OpenRow(windows, report_->targets.at(cell->row));
+}
+
+std::optional<ReportCell> ReportForm::CellAt(int row, int column) const {
+  if (!report_ || row < 0 || column < 0 || static_cast<std::size_t>(row) >= report_->Rows()) return std::nullopt;
+  return ReportCell{definition_, *report_, builtWith_, static_cast<std::size_t>(row), static_cast<std::size_t>(column)};
+}
+
+Result<void> ReportForm::TakeEdit(int row, int column, const std::string& typed) {
+  const auto cell = CellAt(row, column);
+  if (!cell) return {};
+  if (auto may = RequireNoRecipeInEdit(windows); !may) return may;
+  return EditReportCell(session, *cell, typed);
+}
+
+// F2 and a click on Yes and No.
+void ReportForm::ToggleOrTell() {
+  const QModelIndex index = grid_->View().currentIndex();
+  const auto cell = index.isValid() ? CellAt(grid_->CurrentRow(), index.column()) : std::nullopt;
+  if (!cell) return;
+  if (const auto may = RequireEditable(session, *cell); !may) return ShowRefusal(may.error());
+  if (cell->report.columns[cell->column].key != "Recycle") return grid_->View().edit(index);
+  const bool yes = CellText(cell->report.columns[cell->column], cell->report.Cell(cell->row, cell->column)) == "Yes";
+  static_cast<void>(
+      Accepted(TakeEdit(static_cast<int>(cell->row), static_cast<int>(cell->column), yes ? "no" : "yes")));
+}
+
+// ---- What others change
+
+bool ReportForm::IsTyping() const {
+  const QWidget* focus = QApplication::focusWidget();
+  return focus != nullptr && focus != &grid_->View() && grid_->View().isAncestorOf(focus);
+}
+
+void ReportForm::OnChanges(const std::vector<Change>& changes) {
+  if (report_ && std::ranges::any_of(changes, [&](const Change& change) { return Tells(definition_, change); }))
+    refresh_.start();
+}
+
+void ReportForm::RefreshNow() {
+  if (!report_ || !session.DataFileDB) return;
+  if (running_ || IsTyping() || QApplication::activeModalWidget() != nullptr) {
+    refresh_.start();
+  } else if (lasted_ > kQuick) {
+    count_->setText(tr("Data has changed: press Find"));
+  } else {
+    Run();
+  }
+}
+
+}  // namespace vellumark::desktop

@@ -1,0 +1,103 @@
+#pragma once
+
+#include <QTimer>
+#include <map>
+#include <memory>
+#include <optional>
+#include <vector>
+
+#include "core/reports/build.h"
+#include "core/reports/edit_cell.h"
+#include "desktop/kit/window.h"
+
+namespace vellumark::desktop {
+
+class ReportSource;
+
+/// A report of the catalogue: what is asked of it, and its rows. Opened with {"Color_Name", name}, {"Kind", ColorKind},
+/// {"JobNumber", number}, {"DesignID", id}, and {"From", DateTime}, {"To", DateTime} where another window knows them,
+/// it is found at once.
+class ReportForm : public Window {
+  Q_OBJECT
+
+ public:
+  ReportForm(WindowList& windowList, const ReportDefinition& definition);
+  ~ReportForm() override;
+  void OnOpen(const Arguments& arguments) override;
+  void OnChanges(const std::vector<Change>& changes) override;
+  void UpdateEnabled() override;
+  bool MayClose() override;
+  bool InEdit() const override { return false; }
+
+ public Q_SLOTS:
+  void cmdFind_Click();
+  void cmdClear_Click();
+  void cmdPrint_Click() override;
+  void cmdClose_Click() { Leave(); }
+  void chkSelectAllColors_Click() { ChooseAllColumns(true); }
+  void chkDeselectAllColors_Click() { ChooseAllColumns(false); }
+
+ private:
+  struct OptionField {
+    const ReportOption* option;
+    CheckField* check = nullptr;
+    ComboField* combo = nullptr;
+  };
+
+  // How it is built (report_form_build.cpp).
+  void BuildSubject(Form& form);
+  void BuildOptions(Form& form);
+  QWidget* BuildMiddle();
+  void BuildSide(Form form);
+  void AddDates(std::vector<QWidget*>& line, Form& form);
+
+  bool HasSubject() const { return definition_.subject != ReportSubject::None; }
+  std::string Subject() const;
+  ReportRequest Request() const;
+  void ChooseRange(int place);
+  /// The columns as the report has them before anything was asked.
+  void ShowColumns();
+  void SetColumns(const std::vector<TableColumn>& columns, const std::vector<std::size_t>& shown);
+  /// The list of columns as the grid shows them, and the other way round.
+  void ListColumns();
+  void ChooseAllColumns(bool shown);
+  /// Runs the report; false when it was refused.
+  bool Run();
+  void Show(BuiltReport report);
+  void ShowTotals();
+  /// The built report as the grid shows it: columns, order, filter.
+  void TakeArrangement();
+  void SaveArrangement();
+  void OpenClicked(int row, int column);
+  std::optional<ReportCell> CellAt(int row, int column) const;
+  Result<void> TakeEdit(int row, int column, const std::string& typed);
+  void ToggleOrTell();
+  bool IsTyping() const;
+  void RefreshNow();
+
+  const ReportDefinition& definition_;
+  TextField* subject_ = nullptr;
+  ComboField* range_ = nullptr;
+  DateField* from_ = nullptr;
+  DateField* to_ = nullptr;
+  ComboField* user_ = nullptr;
+  std::vector<OptionField> options_;
+  CheckListField* databases_ = nullptr;
+  CheckListField* columns_ = nullptr;
+  CommandButton* find_ = nullptr;
+  CommandButton* print_ = nullptr;
+  QLabel* title_ = nullptr;
+  QLabel* count_ = nullptr;
+  Grid* grid_ = nullptr;
+  std::shared_ptr<ReportSource> source_;
+  std::shared_ptr<BuiltReport> report_;
+  std::map<std::string, int> builtWith_;
+  std::optional<ColorKind> kind_;
+  std::vector<TableColumn> shownColumns_;
+  bool quiet_ = false;
+  bool running_ = false;
+  qint64 lasted_ = 0;
+  QTimer refresh_;
+};
+
+}  // namespace vellumark::desktop
