@@ -23,6 +23,15 @@ constexpr int kColumnWidth = 136;
 constexpr int kLeastValueWidth = 120;
 constexpr int kMostValueWidth = 200;
 
+// Tab goes on as Enter does, and not from day to month: in an empty date it would never leave.
+class WholeDate : public DateField {
+ public:
+  using DateField::DateField;
+
+ protected:
+  bool focusNextPrevChild(bool next) override { return QWidget::focusNextPrevChild(next); }
+};
+
 // The names of the windows' own controls: "BatchField0", "cmbBatchComp0".
 QString WordOf(FindSubject subject) {
   switch (subject) {
@@ -199,7 +208,7 @@ void FindForm::BuildRow(Form& form, int number, const vellumark::FindField& fiel
     control = flag;
     row.comparison->setVisible(false);
   } else if (field.kind == FindKind::Date) {
-    auto* date = form.Date(name);
+    auto* date = form.Add(new WholeDate(name));
     row.value = date;
     control = date;
   } else {

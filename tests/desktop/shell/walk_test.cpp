@@ -74,7 +74,8 @@ std::vector<Walked> Windows() {
           {"LoginForm"},
           {"ReorderForm"},
           {"ProductionForm"},
-          {"InventoryReportsForm"}};
+          {"InventoryReportsForm"},
+          {"FindBatch"}};
 }
 
 Field* FieldWithFocus() {
