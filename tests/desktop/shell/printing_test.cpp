@@ -8,6 +8,7 @@
 #include "core/inventory/adjust.h"
 #include "desktop/batch/register.h"
 #include "desktop/inventory/register.h"
+#include "desktop/kit/grid.h"
 #include "desktop/reports/register.h"
 #include "support/desktop.h"
 #include "support/ink_room.h"
@@ -135,6 +136,28 @@ TEST_F(PrintingTest, TheStockHistoryPrintsTheLinesThatItShows) {
   };
   EXPECT_EQ(of(" RED "), 2) << fmt::format("{}", fmt::join(lines, "\n"));
   EXPECT_EQ(of(" BLUE "), 0);
+}
+
+TEST_F(PrintingTest, AReportPrintsTheRowsThatItShowsInTheirOrder) {
+  desktop::Window* report = windows.OpenForm("BasicCostListForm");
+  report->resize(1280, 720);
+  ShowActive(*report);
+  EXPECT_FALSE(Control(*report, "cmdPrint").isEnabled());
+  PressOn(Qt::Key_F5);
+  Control<desktop::Grid>(*report, "fg").ClickCaption(0, false);  // downwards
+  const auto printed = [&] {
+    Save([&] { Press(*report, Qt::Key_P, Qt::ControlModifier); });
+    std::string names;
+    for (const std::string& line : Printed())
+      for (const char* name : {"RED", "BLUE"})
+        if (line.starts_with(name)) names += std::string(name) + " ";
+    return names;
+  };
+  EXPECT_EQ(printed(), "RED BLUE ");
+  ShowActive(*report);
+  Type(Control(*report, "fg_Filter"), "blue");
+  EXPECT_EQ(Control<desktop::Grid>(*report, "fg").ShownRows().size(), 1U);
+  EXPECT_EQ(printed(), "BLUE ");
 }
 
 }  // namespace
