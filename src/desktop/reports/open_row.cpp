@@ -76,12 +76,4 @@ void LetRowsBeCopied(Grid& grid) {
   QObject::connect(copy, &QShortcut::activated, &grid, [&grid] { CopyRows(grid); });
 }
 
-Result<void> RequireNoRecipeInEdit(const WindowList& windows) {
-  if (!windows.IsInEdit("BatchForm")) return {};
-  return Refuse(
-      "Batch Window - Formula in State of Edit.",
-      "The Batch Window is open and has a recipe on screen.\nAny attempt to change data using this Report can "
-      "impact the Batch Window.\nSave && Clear the information on the Batch Window before using this Report.");
-}
-
 }  // namespace vellumark::desktop

@@ -13,7 +13,4 @@ void OpenRow(WindowList& windows, const RowTarget& target);
 /// Ctrl+C takes the rows that are selected, as tabbed text, onto the clipboard.
 void LetRowsBeCopied(Grid& grid);
 
-/// Refused while the Batch Window has a recipe in edit, which a change of colours would disturb.
-Result<void> RequireNoRecipeInEdit(const WindowList& windows);
-
 }  // namespace vellumark::desktop

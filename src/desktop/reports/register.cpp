@@ -4,6 +4,7 @@
 #include "core/reports/find.h"
 #include "desktop/reports/find_form.h"
 #include "desktop/reports/find_menu.h"
+#include "desktop/reports/report_export_form.h"
 #include "desktop/reports/report_form.h"
 #include "desktop/reports/reports_form.h"
 #include "desktop/reports/view_record_form.h"
@@ -13,6 +14,9 @@ namespace vellumark::desktop {
 void RegisterReportsWindows(WindowList& windows, const PrintDevices& devices) {
   windows.RegisterDialog("PrintBoxForm", [devices](WindowList& list, QWidget* owner) -> Dialog* {
     return new PrintBoxForm(list, owner, devices);
+  });
+  windows.RegisterDialog("ReportExportForm", [choose = devices.chooseFile](WindowList& list, QWidget* owner) -> Dialog* {
+    return new ReportExportForm(list, owner, choose);
   });
   windows.RegisterDialog<ViewRecordForm>("ViewRecordForm");
   windows.Register<ReportsForm>("ReportsForm");

@@ -240,7 +240,9 @@ void ReportForm::cmdClear_Click() {
 }
 
 void ReportForm::UpdateEnabled() {
-  print_->setEnabled(report_ && report_->Rows() > 0 && CanPrint(windows));
+  const bool filled = report_ && report_->Rows() > 0;
+  print_->setEnabled(filled && CanPrint(windows));
+  export_->setEnabled(filled && windows.Knows("ReportExportForm"));
 }
 
 void ReportForm::cmdPrint_Click() {
@@ -249,6 +251,12 @@ void ReportForm::cmdPrint_Click() {
   sheet.incomplete = !report_->complete;
   for (const std::size_t column : report_->shown) sheet.blocks.back().widths.push_back(report_->columns[column].width);
   PrintSheet(windows, sheet);
+}
+
+void ReportForm::cmdExport_Click() {
+  TakeArrangement();
+  windows.RunDialog("ReportExportForm",
+                    {{"Report", static_cast<const BuiltReport*>(report_.get())}, {"Definition", &definition_}});
 }
 
 bool ReportForm::MayClose() {
@@ -269,6 +277,15 @@ void ReportForm::SaveArrangement() {
     kept.secondDescending = sort.secondDescending;
   }
   if (kept != ReadReportSort(session, definition_, shownColumns_.size())) SaveReportSort(session, definition_, kept);
+  std::vector<TableColumn> columns = shownColumns_;
+  bool widened = false;
+  for (const std::size_t column : shown) {
+    const int width = grid_->ColumnWidth(static_cast<int>(column)) * kTwipsPerPixel;
+    widened = widened || width != columns[column].width;
+    columns[column].width = width;
+  }
+  if (widened) SaveColumnWidths(session, definition_, columns, shown);
+  KeepExportOrder(session, definition_, shownColumns_, shown);
 }
 
 // ---- Rows
@@ -292,7 +309,7 @@ std::optional<ReportCell> ReportForm::CellAt(int row, int column) const {
 Result<void> ReportForm::TakeEdit(int row, int column, const std::string& typed) {
   const auto cell = CellAt(row, column);
   if (!cell) return {};
-  if (auto may = RequireNoRecipeInEdit(windows); !may) return may;
+  if (auto may = RequireReport(session, definition_, windows.IsInEdit("BatchForm")); !may) return may;
   return EditReportCell(session, *cell, typed);
 }
 

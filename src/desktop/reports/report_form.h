@@ -33,6 +33,8 @@ class ReportForm : public Window {
   void cmdFind_Click();
   void cmdClear_Click();
   void cmdPrint_Click() override;
+  /// Into a file, in `ReportExportForm`.
+  void cmdExport_Click();
   void cmdClose_Click() { Leave(); }
   void chkSelectAllColors_Click() { ChooseAllColumns(true); }
   void chkDeselectAllColors_Click() { ChooseAllColumns(false); }
@@ -86,6 +88,7 @@ class ReportForm : public Window {
   CheckListField* columns_ = nullptr;
   CommandButton* find_ = nullptr;
   CommandButton* print_ = nullptr;
+  CommandButton* export_ = nullptr;
   QLabel* title_ = nullptr;
   QLabel* count_ = nullptr;
   Grid* grid_ = nullptr;

@@ -103,6 +103,7 @@ ReportForm::ReportForm(WindowList& windowList, const ReportDefinition& definitio
   form.Wide(head);
   form.Wide(BuildMiddle(), 1);
   form.ButtonsWithoutDefault({form.Button("cmdClose", tr("Close")), form.Button("cmdClear", tr("C&lear")),
+                              export_ = form.Button("cmdExport", tr("&Export")),
                               print_ = form.Button("cmdPrint", tr("&Print"))});
   SetDefaultButton(find_);
   refresh_.setSingleShot(true);

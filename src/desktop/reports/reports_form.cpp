@@ -102,11 +102,12 @@ void ReportsForm::Describe(const QString& text) {
 
 void ReportsForm::Open(const ReportDefinition& report) {
   if (!windows.Knows(report.window)) return;
-  if (report.edits && !Accepted(RequireNoRecipeInEdit(windows))) {
+  const auto may = RequireReport(session, report, windows.IsInEdit("BatchForm"));
+  if (Accepted(may)) {
+    windows.OpenForm(report.window);
+  } else if (may.error().field == "BatchForm") {
     windows.OpenForm("BatchForm");
-    return;
   }
-  if (Accepted(RequireReport(session, report))) windows.OpenForm(report.window);
 }
 
 }  // namespace vellumark::desktop

@@ -6,6 +6,7 @@
 #include <QClipboard>
 #include <QListWidget>
 
+#include "core/base/files.h"
 #include "core/colors/basics.h"
 #include "core/colors/formulas.h"
 #include "core/inventory/reorder.h"
@@ -138,6 +139,27 @@ TEST_F(ReportWindowsTest, AReportIsChosenByKeyAndOpensWhatARowNames) {
   EXPECT_EQ(QApplication::clipboard()->text(), "TARGET\t000002\t30.000\nTARGET\t000001\t20.000\n");
   Type(Control(*production, "fg_Filter"), "000001");
   EXPECT_EQ(Column(*production, "Batch Number"), (Texts{"000001"}));
+  // The file holds what is shown, and its options are there the next time.
+  prompt().Expect("Bad File Name").Expect("File Export");
+  const std::string folder = room.folder.Path().string();
+  WithModal([&] { Click(*production, "cmdExport"); },
+            [&](QWidget& form) {
+              Picture(form, "report-export");
+              Fill(form, "txtFolder", folder);
+              Fill(form, "txtFileName", "");
+              Click(form, "cmdSave");
+              Fill(form, "txtFileName", "march");
+              Click(form, "chkDefaultName");
+              Click(form, "chkTotals");
+              Click(form, "cmdSave");
+            });
+  EXPECT_EQ(ReadFileBytes(folder + "/march.txt"), "Color Name\tBatch Number\tQuantity\r\nTARGET\t000001\t20.000\r\n");
+  WithModal([&] { Click(*production, "cmdExport"); },
+            [&](QWidget& form) {
+              EXPECT_EQ(Control<desktop::TextField>(form, "txtFileName").Text(), "march");
+              EXPECT_FALSE(Control<QCheckBox>(form, "chkTotals").isChecked());
+              PressOn(Qt::Key_Escape);
+            });
   Control<QLineEdit>(*production, "fg_Filter").clear();
 
   // What was set up is there again.

@@ -209,7 +209,7 @@ class JobOperator {
       ASSERT_TRUE(CancelBatch(room_.session, room_.record));
     } else {
       room_.record.fields.ShortNote = std::to_string(acts_);
-      room_.Save();
+      ASSERT_TRUE(SaveBatch(room_.session, room_.record, room_.dialogs, nullptr, MoveOn::Nowhere));
       free_ = {"PINK"};
     }
     TakeRows();

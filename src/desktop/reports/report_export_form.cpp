@@ -1,0 +1,131 @@
+#include "desktop/reports/report_export_form.h"
+
+#include <QDir>
+#include <QFileInfo>
+
+#include "core/reports/build.h"
+#include "core/reports/export.h"
+#include "core/session/settings.h"
+#include "desktop/datafile/file_windows.h"
+#include "desktop/kit/text.h"
+
+namespace vellumark::desktop {
+namespace {
+
+constexpr int kUserDefined = 1;
+constexpr int kSpreadsheet = 1;
+
+}  // namespace
+
+ReportExportForm::ReportExportForm(WindowList& windowList, QWidget* owner, FileChooser choose)
+    : Dialog(windowList, owner, "ReportExportForm", tr("Export Control")), choose_(std::move(choose)) {
+  Form form(*this);
+  TabSet tabs = form.Tabs("TabExport");
+  Form file = tabs.Page(tr("&File"), "TabFile");
+  file.Row(tr("F&older"), {folder_ = file.Text("txtFolder"), file.Button("cmdBrowse", tr("&Browse ..."))});
+  file.Row(keepFolder_ = file.Check("chkDefaultFolder", tr("Make selected folder the default save location")));
+  file.Row(tr("File &name"), name_ = file.Text("txtFileName", TextRule::Any(200)));
+  file.Row(keepName_ = file.Check("chkDefaultName", tr("Make File Name the default save name")));
+  file.Row(tr("Format"), format_ = file.Radio("OptFormat", {{"OptText", tr("&Text, tab delimited (.txt)")},
+                                                            {"OptSpreadsheet", tr("&Spreadsheet (.xlsx)")}}));
+  file.Stretch();
+  Form options = tabs.Page(tr("O&ptions"), "TabOptions");
+  options.Row(tr("Include"), {headings_ = options.Check("chkHeadings", tr("&Headings")),
+                              data_ = options.Check("chkData", tr("&Data")),
+                              totals_ = options.Check("chkTotals", tr("Tota&ls"))});
+  options.Row(tr("Column order"), order_ = options.Radio("OptOrder", {{"OptDefault", tr("&Vellumark Default")},
+                                                                      {"OptUser", tr("&User defined")}}));
+  columns_ = options.CheckList("lstOrder");
+  columns_->setAccessibleName(tr("Columns in their order"));
+  options.Wide(columns_, 1);
+  ButtonLine(options, {options.Button("cmdUp", tr("Move &up")), options.Button("cmdDown", tr("Move do&wn"))});
+  QuietParagraph(form, tr("Settings are saved automatically. Options are unique to every report."));
+  form.Buttons({form.Button("cmdSave", tr("Save")), form.Button("cmdCancel", tr("Cancel"))});
+  folder_->setMinimumWidth(360);
+  resize(640, 460);
+}
+
+void ReportExportForm::OnOpen(const Arguments& arguments) {
+  report_ = arguments.Get<const BuiltReport*>("Report");
+  definition_ = arguments.Get<const ReportDefinition*>("Definition");
+  const ExportOptions options = ReadExportOptions(session, *definition_);
+  const QString folder = Q(GetSetting(session, setting::ReportExportForm_DefaultExportLocation));
+  const bool known = !folder.isEmpty() && QFileInfo(folder).isDir();
+  folder_->SetText(U8(QDir::toNativeSeparators(known ? folder : QDir::homePath())));
+  keepFolder_->setChecked(known);
+  name_->SetText(options.fileName.empty() ? report_->title : options.fileName);
+  keepName_->setChecked(!options.fileName.empty());
+  format_->Choose(options.format == ExportFormat::Spreadsheet ? kSpreadsheet : 0);
+  headings_->setChecked(options.headings);
+  data_->setChecked(options.data);
+  totals_->setChecked(options.totals);
+  order_->Choose(options.order.empty() ? 0 : kUserDefined);
+  ShowOrder();
+  name_->selectAll();
+  name_->setFocus();
+}
+
+// The kept order first; columns that it does not name stand behind it, left out.
+void ReportExportForm::ShowOrder() {
+  QStringList names;
+  for (const std::string& name : ReadExportOrder(session, *definition_)) names += Q(name);
+  const qsizetype kept = names.size();
+  for (const std::size_t column : report_->shown) {
+    const QString name = Q(PlainCaption(report_->columns[column].Caption()));
+    if (!names.contains(name)) names += name;
+  }
+  columns_->SetItems(names);
+  for (int i = 0; i < columns_->count(); ++i) columns_->SetChecked(i, kept == 0 || i < kept);
+  columns_->setCurrentRow(0);
+}
+
+void ReportExportForm::Move(int by) {
+  const int row = columns_->currentRow();
+  if (row < 0 || row + by < 0 || row + by >= columns_->count()) return;
+  QListWidgetItem* item = columns_->takeItem(row);
+  columns_->insertItem(row + by, item);
+  columns_->setCurrentRow(row + by);
+}
+
+void ReportExportForm::UpdateEnabled() {
+  const bool own = order_->Chosen() == kUserDefined;
+  for (const char* name : {"lstOrder", "cmdUp", "cmdDown"}) findChild<QWidget*>(name)->setEnabled(own);
+  const bool text = format_->Chosen() != kSpreadsheet;
+  data_->setEnabled(text);
+}
+
+void ReportExportForm::cmdBrowse_Click() {
+  FileChoice choice{tr("Export Control"), {}, {}, QDir::fromNativeSeparators(folder_->text())};
+  choice.onlyFolder = true;
+  const QString folder = choose_(choice, this);
+  if (!folder.isEmpty()) folder_->SetText(U8(QDir::toNativeSeparators(folder)));
+}
+
+ExportOptions ReportExportForm::Options() const {
+  ExportOptions options{.headings = headings_->isChecked(), .data = data_->isChecked(), .totals = totals_->isChecked()};
+  options.format = format_->Chosen() == kSpreadsheet ? ExportFormat::Spreadsheet : ExportFormat::Text;
+  if (order_->Chosen() == kUserDefined)
+    for (const QString& name : columns_->Checked()) options.order.push_back(U8(name));
+  if (keepName_->isChecked()) options.fileName = name_->Text();
+  return options;
+}
+
+void ReportExportForm::cmdSave_Click() {
+  WithFiles(*this, tr("File Export"), [&] {
+    const ExportOptions options = Options();
+    const auto path = ExportPath(session, U8(QDir::fromNativeSeparators(folder_->text())), name_->Text(), options.format);
+    if (!FormHost::Accepted(path)) return;
+    {
+      const auto wait = Wait(WaitKind::WaitingForm, tr("Exporting Report ..."));
+      if (!FormHost::Accepted(ExportReport(*report_, options, *path))) return;
+    }
+    SaveExportOptions(session, *definition_, options, order_->Chosen() == kUserDefined);
+    if (!options.order.empty()) SaveExportOrder(session, *definition_, options.order);
+    StoreSettings(session, {setting::ReportExportForm_DefaultExportLocation.To(
+                               keepFolder_->isChecked() ? path->parent_path().string() : std::string())});
+    session.prompt.Tell("File Export", ExportDoneText(*path));
+    accept();
+  });
+}
+
+}  // namespace vellumark::desktop
