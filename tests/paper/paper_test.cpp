@@ -190,11 +190,11 @@ TEST_F(PaperTest, SetsTheFrameOfEveryPage) {
 
 // A column too narrow for what it holds: a number is whole or "####", never another number; a text loses its end.
 TEST_F(PaperTest, CutsNoNumber) {
-  Sheet sheet =
-      Sheet::Of("Narrow", Rows({{"Name", "", Format::Text}, {"Qty", "", Format::Amount}, {"No", "", Format::Text}},
-                               {{std::string("A"), 1.5, std::string("000042")},
-                                {std::string("PANTONE REFLEX BLUE C"), 12345.678, std::string("000043")},
-                                {std::string("B"), 123456789012.125, std::string("000000000000000044")}}));
+  Sheet sheet = Sheet::Of(
+      "Narrow", Rows({{"Name", "", {}, Format::Text}, {"Qty", "", {}, Format::Amount}, {"No", "", {}, Format::Text}},
+                     {{std::string("A"), 1.5, std::string("000042")},
+                      {std::string("PANTONE REFLEX BLUE C"), 12345.678, std::string("000043")},
+                      {std::string("B"), 123456789012.125, std::string("000000000000000044")}}));
   sheet.blocks.front().widths = {1500, 800, 800};
   const auto body = BodyOf(Print(sheet).front());
   ASSERT_EQ(body.size(), 4U);
@@ -219,10 +219,10 @@ TEST_F(PaperTest, CutsNoNumber) {
 TEST_F(PaperTest, WritesNumbersAndDatesAsTheLocaleDoes) {
   options.locale = QLocale(QLocale::German, QLocale::Germany);
   options.guideLines = true;
-  ListTable table = Rows({{"Name", "", Format::Text},
-                          {"Qty", "", Format::Amount, 3, true},
-                          {"No", "", Format::Whole},
-                          {"Date", "", Format::When}},
+  ListTable table = Rows({{"Name", "", {}, Format::Text},
+                          {"Qty", "", {}, Format::Amount, 3, true},
+                          {"No", "", {}, Format::Whole},
+                          {"Date", "", {}, Format::When}},
                          {{std::string("2.5 INK\nnew\tdrum"), 12.5, std::int64_t{1200}, DateTime{2026, 2, 3}}});
   table.totals = "Totals";
   const auto pages = Print(Sheet::Of("Colors", table));
@@ -236,7 +236,7 @@ TEST_F(PaperTest, WritesNumbersAndDatesAsTheLocaleDoes) {
 
 TEST_F(PaperTest, AsksBelowSevenPointsOnly) {
   const auto fitOf = [&](std::vector<double> widths, bool landscape = false) {
-    std::vector<TableColumn> columns(widths.size(), {"C", "", Format::Text});
+    std::vector<TableColumn> columns(widths.size(), {"C", "", {}, Format::Text});
     Sheet sheet = Sheet::Of("Wide", Rows(columns, {}));
     sheet.blocks.front().widths = std::move(widths);
     options.landscape = landscape;
