@@ -1,0 +1,147 @@
+#include "core/labels/label_data.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <stdexcept>
+
+#include "core/base/number.h"
+#include "core/base/text.h"
+#include "core/colors/formulas.h"
+#include "core/colors/names.h"
+
+namespace vellumark {
+namespace {
+
+constexpr std::array<LabelField, kLabelFields> kFields{{
+    {"Color Name", "txtColorName", "<CN>", 30, "CN", false, false},
+    {"Color Code", "txtColorCode", "<CC>", 30, "CC", true, false},
+    {"Database", "txtDatabase", "<DB>", 15, "DB", true, false},
+    {"Batch ID#", "txtBatchID", "<BI>", 10, "", true, false},
+    {"Date", "txtDate", "<DT>", 10, "", true, false},
+    {"Lot Number", "txtLotNumber", "<LN>", 30, "LN", true, true},
+    {"Lot Location", "txtLotLocation", "<LL>", 30, "LL", true, true},
+    {"Lot Cont ID", "txtLotContID", "<LC>", 10, "LC", true, true},
+    {"Job Number", "txtJobNumber", "<JN>", 30, "JN", true, false},
+    {"Username", "txtUsername", "<UN>", 10, "", true, false},
+    {"Short Note", "txtShortNote", "<SN>", 30, "", true, false},
+    {"Misc Text 1", "txtText1", "<M1>", 30, "M1", false, false},
+    {"Misc Text 2", "txtText2", "<M2>", 30, "M2", false, false},
+    {"Misc Text 3", "txtText3", "<M3>", 30, "M3", false, false},
+    {"Misc Text 4", "txtText4", "<M3>", 30, "M4", false, false},
+    {"Misc Bar Code Data 1", "txtMBCData1", "<U1>", 30, "", false, false},
+    {"Misc Bar Code Data 2", "txtMBCData2", "<U2>", 30, "", false, false},
+}};
+
+constexpr std::array<std::string_view, 9> kHazardItems{
+    "Signal Word", "Product",     "Hazard Statement", "Precautionary Statement", "Business Address", "Misc Text 1",
+    "Misc Text 2", "Misc Text 3", "Misc Text 4"};
+constexpr std::array<std::string_view, 4> kFormulaItems{"Color Name", "Color Code", "Formula", "Date"};
+
+std::string Squeezed(std::string_view name) {
+  std::string letters;
+  for (const char c : Upper(name))
+    if ((c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9')) letters += c;
+  return letters;
+}
+
+constexpr std::string_view kRegistered = "®";
+
+}  // namespace
+
+std::span<const LabelField, kLabelFields> LabelFields() {
+  return kFields;
+}
+
+std::optional<std::size_t> FindLabelField(std::string_view name) {
+  const std::string wanted = Squeezed(name);
+  for (std::size_t i = 0; i < kFields.size(); ++i)
+    if (Squeezed(kFields[i].item) == wanted) return i;
+  return std::nullopt;
+}
+
+std::string& LabelData::operator[](std::string_view item) {
+  if (item == "Health") return Health;
+  if (item == "Fire") return Fire;
+  if (item == "Reactivity") return Reactivity;
+  const auto found = std::ranges::find(kFields, item, &LabelField::item);
+  if (found == kFields.end()) throw std::logic_error("no field of a label: " + std::string(item));
+  return texts[static_cast<std::size_t>(found - kFields.begin())];
+}
+
+LabelData DataOfLayout(const Session& session, std::string_view layout) {
+  LabelData data;
+  const auto text = [&](std::string_view name) {
+    return LabelSetting(session, LabelKind::Label, layout, std::string(name) + " Text");
+  };
+  for (const std::string_view item :
+       {"Misc Text 1", "Misc Text 2", "Misc Text 3", "Misc Text 4", "Health", "Fire", "Reactivity"})
+    data[item] = text(item);
+  return data;
+}
+
+std::vector<std::size_t> FieldsOfRun(std::string_view run) {
+  std::vector<std::size_t> fields;
+  for (std::size_t at = 0; at + 2 <= run.size(); at += 2) {
+    const auto found = std::ranges::find(kFields, run.substr(at, 2), &LabelField::run);
+    if (found != kFields.end()) fields.push_back(static_cast<std::size_t>(found - kFields.begin()));
+  }
+  return fields;
+}
+
+std::string RunOfFields(const std::vector<std::size_t>& fields) {
+  std::string run;
+  for (const std::size_t field : fields) run += kFields.at(field).run;
+  return run;
+}
+
+Result<void> CombineMiscBarCodes(const Session& session, std::string_view layout, LabelData& data) {
+  for (const std::string_view item : {"Misc Bar Code Data 1", "Misc Bar Code Data 2"}) {
+    const std::string run = LabelSetting(session, LabelKind::Label, layout, std::string(item) + " Combined");
+    if (run.empty()) continue;
+    std::string together;
+    for (const std::size_t field : FieldsOfRun(run)) together += data.texts[field];
+    const std::size_t field = *FindLabelField(item);
+    if (CharCount(together) > kFields[field].longest)
+      return Refuse("Misc Bar Code Data",
+                    "Combined data from selected fields cannot exceed 30 characters.\n\n" + together,
+                    std::string(kFields[field].control));
+    data[item] = together;
+  }
+  return {};
+}
+
+std::string BarCodeText(std::size_t field, std::string_view text, bool identifiers) {
+  if (text.empty()) return {};
+  std::string code(text);
+  if (const auto at = code.find(kRegistered); at != std::string::npos) code.erase(at, kRegistered.size());
+  return identifiers ? std::string(kFields.at(field).tag) + code : code;
+}
+
+std::string SmallLabelData::Of(std::string_view item) const {
+  for (const auto& [name, text] : texts)
+    if (name == item) return text;
+  return {};
+}
+
+std::span<const std::string_view> HazardItems() {
+  return kHazardItems;
+}
+
+std::span<const std::string_view> FormulaItems() {
+  return kFormulaItems;
+}
+
+Result<SmallLabelData> FormulaLabelData(const Session& session, std::string_view name) {
+  const auto formula = FindMix(session, TrimView(StripScanTag(name)));
+  if (!formula) return Refuse("Bad Color Name", "Enter / Select a valid Color Name.", "cmbCN");
+  std::string lines;
+  for (const auto& line : formula->Ingredients())
+    lines += fmt::format("{}{}  {}", lines.empty() ? "" : "\n", line.name, Fixed(line.amount, 3));
+  return SmallLabelData{{{"Color Name", formula->Color_Name},
+                         {"Color Code", formula->Color_Code},
+                         {"Formula", lines},
+                         {"Date", session.clock.Today().DateText()}}};
+}
+
+}  // namespace vellumark

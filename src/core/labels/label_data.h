@@ -1,0 +1,67 @@
+#pragma once
+
+#include <array>
+#include <optional>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "core/labels/label_layouts.h"
+
+namespace vellumark {
+
+/// A field of the label window: its item of a layout, its control, the scan tag of its bar code, how much can be typed.
+struct LabelField {
+  std::string_view item;     ///< "Color Name"
+  std::string_view control;  ///< "txtColorName"
+  std::string_view tag;      ///< "<CN>"
+  std::size_t longest = 30;
+  std::string_view run;  ///< its name in a run of "Misc Bar Code Data", "CN"; empty: it cannot be in one
+  bool title = false;    ///< a caption can stand before it
+  bool lot = false;      ///< only while Lotted Inventory is in use
+};
+inline constexpr std::size_t kLabelFields = 17;
+/// Color Name to Misc Text 4, then the two of Misc Bar Code Data. Misc Text 4 has the tag of Misc Text 3, as labels
+/// always had.
+std::span<const LabelField, kLabelFields> LabelFields();
+/// By the item or by its name without blanks, underlines and signs, in any case: "ColorName", "color_name", "BatchID".
+std::optional<std::size_t> FindLabelField(std::string_view name);
+
+/// What a label is filled with.
+struct LabelData {
+  std::array<std::string, kLabelFields> texts;
+  std::string Health;
+  std::string Fire;
+  std::string Reactivity;
+
+  std::string& operator[](std::string_view item);
+};
+
+/// What a layout itself says: the misc texts and the hazard numbers.
+LabelData DataOfLayout(const Session& session, std::string_view layout);
+/// Fills the two fields of Misc Bar Code Data whose run in the layout is not empty. Refused, naming the field, when the
+/// parts are together longer than the field.
+Result<void> CombineMiscBarCodes(const Session& session, std::string_view layout, LabelData& data);
+
+/// A run such as "CNLN" as the fields that it names, unknown pairs left out; and back.
+std::vector<std::size_t> FieldsOfRun(std::string_view run);
+std::string RunOfFields(const std::vector<std::size_t>& fields);
+
+/// What the bar code of a field says: the tag, where identifiers are wanted, then the text without its first "®". Empty
+/// for an empty text.
+std::string BarCodeText(std::size_t field, std::string_view text, bool identifiers);
+
+/// What a hazard or formula label is filled with, by item.
+struct SmallLabelData {
+  std::vector<std::pair<std::string, std::string>> texts;
+  std::string Of(std::string_view item) const;
+};
+/// The items of a hazard label, and of a formula label.
+std::span<const std::string_view> HazardItems();
+std::span<const std::string_view> FormulaItems();
+/// Name, code, today and a line for each ingredient of a formula of the current Database. Refused for a name that is
+/// none.
+Result<SmallLabelData> FormulaLabelData(const Session& session, std::string_view name);
+
+}  // namespace vellumark

@@ -1,0 +1,200 @@
+#include "core/labels/label_drawing.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <cmath>
+
+#include "core/base/number.h"
+#include "core/base/text.h"
+#include "core/colors/names.h"
+#include "core/session/settings.h"
+
+namespace vellumark {
+namespace {
+
+using What = LabelElement::What;
+
+constexpr int kMostLabelsASide = 100;
+constexpr int kMostLabels = 99999;
+constexpr double kMostTwips = 200 * kTwipsPerInch;
+
+/// Reads the records of one layout.
+class Layout {
+ public:
+  Layout(const Session& session, LabelKind kind, std::string_view name) : session_(session), kind_(kind), name_(name) {}
+  std::string Text(std::string_view item, std::string_view key) const {
+    return LabelSetting(session_, kind_, name_, fmt::format("{} {}", item, key));
+  }
+  int Number(std::string_view item, std::string_view key) const { return LeadingInteger(Text(item, key)); }
+  double Twips(std::string_view item, std::string_view key) const {
+    return std::clamp<double>(Number(item, key), 0, kMostTwips);
+  }
+  LabelElement Element(What what, std::string_view item, std::string text) const {
+    return {.what = what,
+            .item = std::string(item),
+            .text = std::move(text),
+            .left = Twips(item, "Left"),
+            .top = Twips(item, "Top"),
+            .font = Text(item, "FontName"),
+            .size = std::clamp(LeadingNumber(Text(item, "FontSize")), 1.0, 400.0),
+            .bold = EqualNoCase(Text(item, "FontBold"), "True")};
+  }
+
+ private:
+  const Session& session_;
+  LabelKind kind_;
+  std::string_view name_;
+};
+
+class LabelWriter {
+ public:
+  LabelWriter(const Session& session, std::string_view layout, const LabelData& data, const LabelOptions& options)
+      : session_(session), layout_(session, LabelKind::Label, layout), data_(data), options_(options) {
+    drawing_.symbology =
+        FindSymbology(LabelSetting(session, LabelKind::Label, layout, "Label BC Type")).value_or(Symbology::NotUsing);
+  }
+
+  LabelDrawing Write() {
+    const auto fields = LabelFields();
+    constexpr std::size_t kTexts = kLabelFields - 2;
+    for (std::size_t i = 0; i < kTexts; ++i)
+      if (IsUsed(i)) AddText(fields[i].item, TextOf(i));
+    AddText("Health - Fire - Reactivity", Hazards());
+    if (HasPantonePrefix(data_.texts[0])) AddText("Pantone Trademark", session_.TradeMark);
+    for (std::size_t i = 0; i < kTexts; ++i)
+      if (IsUsed(i)) AddCode(std::string(fields[i].item) + " BC", i);
+    for (std::size_t i = kTexts; i < kLabelFields; ++i) AddCode(fields[i].item, i);
+    if (layout_.Number("Picture Image", "Visible") == 1)
+      if (const std::string file = layout_.Text("Picture Image", "Location"); !file.empty())
+        drawing_.elements.push_back(layout_.Element(What::Picture, "Picture Image", file));
+    if (options_.qrCode) AddSquare();
+    return std::move(drawing_);
+  }
+
+ private:
+  bool IsUsed(std::size_t field) const { return !LabelFields()[field].lot || session_.InvLotTracking == 1; }
+
+  std::string TextOf(std::size_t field) const {
+    const LabelField& f = LabelFields()[field];
+    const std::string& text = data_.texts[field];
+    if (text.empty() || !f.title || layout_.Number(f.item, "Title") != 1) return text;
+    return fmt::format("{} : {}", f.item, text);
+  }
+
+  std::string Hazards() const {
+    if (data_.Health.empty() && data_.Fire.empty() && data_.Reactivity.empty()) return {};
+    return fmt::format("Health {}    Fire {}    Reactivity {}", data_.Health, data_.Fire, data_.Reactivity);
+  }
+
+  void AddText(std::string_view item, std::string text) {
+    if (text.empty() || layout_.Number(item, "Visible") != 1) return;
+    drawing_.elements.push_back(layout_.Element(What::Text, item, std::move(text)));
+  }
+
+  void AddCode(std::string_view item, std::size_t field) {
+    if (drawing_.symbology == Symbology::NotUsing || layout_.Number(item, "Visible") != 1) return;
+    std::string text = BarCodeText(field, data_.texts[field], options_.identifiers);
+    if (text.empty()) return;
+    drawing_.elements.push_back(layout_.Element(What::Code, item, std::move(text)));
+  }
+
+  // In the upper right corner of what the label has below its items: it has no place of its own in a layout.
+  void AddSquare() {
+    std::string lines;
+    for (std::size_t i = 0; i < kLabelFields - 2; ++i)
+      if (IsUsed(i) && !data_.texts[i].empty())
+        lines += (lines.empty() ? "" : "\n") + BarCodeText(i, data_.texts[i], true);
+    if (lines.empty()) return;
+    drawing_.elements.push_back({.what = What::Square, .item = "QR Code", .text = lines});
+  }
+
+  const Session& session_;
+  Layout layout_;
+  const LabelData& data_;
+  const LabelOptions& options_;
+  LabelDrawing drawing_;
+};
+
+}  // namespace
+
+LabelPaper PaperOfLayout(const Session& session, LabelKind kind, std::string_view layout) {
+  const auto text = [&](std::string_view key) { return LabelSetting(session, kind, layout, key); };
+  const auto twips = [&](std::string_view key, double least) {
+    return std::clamp<double>(LeadingInteger(text(key)), least, kMostTwips);
+  };
+  return {.printer = text("Printer"),
+          .paper = text("Paper Type"),
+          .orientation = std::clamp(LeadingInteger(text("Orientation")), 0, 3),
+          .across = std::clamp(LeadingInteger(text("Labels Across")), 1, kMostLabelsASide),
+          .down = std::clamp(LeadingInteger(text("Labels Down")), 1, kMostLabelsASide),
+          .width = twips("Label Width", 1),
+          .length = twips("Label Length", 1),
+          .left = twips("Left Margin", 0),
+          .top = twips("Top Margin", 0)};
+}
+
+LabelOptions OptionsOfLabels(const Session& session) {
+  return {.identifiers = GetSetting(session, setting::BC_Label_Prefix_Identifier)};
+}
+
+LabelDrawing DrawLabel(const Session& session, std::string_view layout, const LabelData& data,
+                       const LabelOptions& options) {
+  LabelDrawing drawing = LabelWriter(session, layout, data, options).Write();
+  const LabelPaper paper = PaperOfLayout(session, LabelKind::Label, layout);
+  drawing.width = paper.width;
+  drawing.length = paper.length;
+  return drawing;
+}
+
+LabelDrawing DrawSmallLabel(const Session& session, LabelKind kind, std::string_view layout,
+                            const SmallLabelData& data) {
+  const Layout records(session, kind, layout);
+  const LabelPaper paper = PaperOfLayout(session, kind, layout);
+  LabelDrawing drawing{.width = paper.width, .length = paper.length};
+  for (const std::string_view item : kind == LabelKind::Hazard ? HazardItems() : FormulaItems()) {
+    std::string text = data.Of(item);
+    if (!text.empty() && records.Number(item, "Enabled") == 1)
+      drawing.elements.push_back(records.Element(What::Text, item, std::move(text)));
+  }
+  if (kind != LabelKind::Hazard) return drawing;
+  const double inches = LeadingNumber(LabelSetting(session, kind, layout, "Picto Size"));
+  for (int i = 1; i <= 9; ++i) {
+    const std::string item = fmt::format("Picto_Image {}", i);
+    if (records.Number(item, "Visible") != 1) continue;
+    LabelElement picto = records.Element(What::Pictogram, item, {});
+    picto.number = i;
+    picto.size = std::clamp(inches, 0.25, 2.0) * kTwipsPerInch;
+    drawing.elements.push_back(std::move(picto));
+  }
+  return drawing;
+}
+
+LabelPlace PlaceOfLabel(const LabelPaper& paper, int start, int number) {
+  const int position = std::clamp(start, 1, paper.Capacity()) - 1 + number;
+  const int onPage = position % paper.Capacity();
+  return {position / paper.Capacity(), paper.left + onPage % paper.across * paper.width,
+          paper.top + onPage / paper.across * paper.length};
+}
+
+int ReadLabelCount(std::string_view typed) {
+  const auto number = ParseNumber(typed);
+  return number && *number >= 1 ? static_cast<int>(std::min<double>(std::floor(*number), kMostLabels)) : 1;
+}
+
+std::filesystem::path PicturesOfLabels(const Session& session) {
+  return session.DataFolder / "Label Images";
+}
+
+Result<void> CheckLabelPicture(std::string_view format, int pixelsAcross, int pixelsDown, double pixelsPerInch) {
+  const bool known = EqualNoCase(format, "JPG") || EqualNoCase(format, "JPEG") || EqualNoCase(format, "BMP");
+  const double points = 72.0 / 96.0;
+  if (known && std::lround(pixelsPerInch) == 96 && pixelsAcross > 0 && pixelsDown > 0 && pixelsAcross * points <= 144 &&
+      pixelsDown * points <= 288)
+    return {};
+  return Refuse("Picture Selection",
+                "The selected picture does not meet the design requirements.\n\nJPG or BMP\n96 pixels per inch.\n"
+                "144 pts x 288 pts Max.\n2\" x 4\" Max.");
+}
+
+}  // namespace vellumark
