@@ -1,0 +1,124 @@
+#include "core/labels/scan_inventory.h"
+
+#include <gtest/gtest.h>
+
+#include <random>
+
+#include "core/inventory/lots.h"
+#include "support/stock_room.h"
+
+namespace vellumark::test {
+namespace {
+
+using State = ScanRecord::State;
+
+struct ScanInventoryTest : testing::Test, StockRoom {
+  ScanInventoryTest() {
+    CreateEmptyDatabase(session.File(), "LAB");
+    session.databaseList = {"INK", "LAB"};
+    Color(ColorKind::Basic, "RED", 10, {{"Color_Code", "R1"}});
+    Color(ColorKind::Basic, "BOTH", 0);
+    Color(ColorKind::Mix, "BOTH", 0);
+    Lot(ColorKind::Basic, "RED", 5, 20, {{"LotNumber", "A1"}, {"LotContID", "C1"}});
+    Lot(ColorKind::Basic, "RED", 6, 30, {{"LotNumber", "A2"}, {"LotContID", "C1"}});
+    Lot(ColorKind::Basic, "RED", 7, 40, {{"LotNumber", "A2"}, {"LotContID", "C2"}});
+    InsertRow(session.File(), schema::Basic, "LAB_Basic",
+              {{"Color_Name", "GRAY"}, {"IngSort", 0}, {"Inventory", 0.0F}});
+    InsertRow(session.File(), schema::Basic, "LAB_Basic", {{"Color_Name", "RED"}, {"IngSort", 1}, {"Inventory", 0.0F}});
+  }
+  ScanRecord Scan(const std::string& text) {
+    const auto records = ParseScan(text);
+    EXPECT_EQ(records.size(), 1U);
+    ScanRecord record = records.at(0);
+    AddScannedStock(session, record);
+    return record;
+  }
+};
+
+TEST_F(ScanInventoryTest, TellsOfEachBranchWhyNothingWasBooked) {
+  const std::string again = "Update information - Process Again.";
+  struct {
+    std::string scan;
+    std::string message;
+  } const cases[] = {
+      {"<LN>A1\n5", "A Color Name is required for processing.\n\n" + again},
+      {"<CN>NONE\n<LN>A1\n5", "NONE wasn't found in any database, couldn't update the inventory."},
+      {"<CN>GRAY\n<DB>INK\n<LN>A1\n5", "GRAY can't be found in Database: INK\n\n" + again},
+      {"<CN>RED\n<DB>GONE\n<LN>A1\n5", "RED wasn't found in Database: GONE\nSelect another database - Process Again."},
+      {"<CN>RED\n<LN>A1\n5",
+       "RED exists in 2 databases.\nSelect another database from the following selections.\n\nDatabases:\nINK\nLAB"},
+      {"<CN>RED\n<DB>INK\n<CT>2\n<LN>A1\n5",
+       "RED is not a Formula in Database: INK\nChange the Color Type - Process Again."},
+      {"<CN>BOTH\n<LN>A1\n5", "BOTH in Database: INK is a Basic and Formula.\nChoose a Color Type - Process Again"},
+      {"<CN>RED\n<DB>INK\n<LN>A1", "A quantity above 0 is required for Color: RED\n\n" + again},
+      {"<CN>RED\n<DB>INK\n<LN>A1\n-5", "A quantity above 0 is required for Color: RED\n\n" + again},
+      {"<CN>RED\n<DB>INK\n<LN>A1\n99900",
+       "99900.000 is too large.\n99898.999 is the largest amount that can be used.\nChange Quantity - Process Again."},
+      {"<CN>RED\n<DB>INK\n5", "Enter a Lot Number for Color: RED\n" + again},
+      {"<CN>RED\n<CC>R2\n<DB>INK\n<LN>A1\n5", "Unable to find Color: RED with supporting detail.\n" + again},
+      {"<CN>RED\n<DB>INK\n<LN>A2\n5",
+       "Multiple Lots: A2 of Color: RED\n\nLot Qty.  Lot Location  Lot Cont ID\n30.000    C1\n40.000    C2\n\n" +
+           again},
+  };
+  const Value before = Scalar("SELECT COUNT(*) FROM MSysStockHistory");
+  for (const auto& [scan, message] : cases) {
+    const ScanRecord record = Scan(scan);
+    EXPECT_EQ(record.state, State::Failed) << scan;
+    EXPECT_EQ(record.Message, message);
+  }
+  EXPECT_EQ(Scalar("SELECT COUNT(*) FROM MSysStockHistory"), before);
+}
+
+TEST_F(ScanInventoryTest, BooksOnceAndNeverAgain) {
+  // By its code alone, with the mark that look-ups leave out, in small letters.
+  ScanRecord record = Scan("<cn>red®\n<db>ink\n<ln>a1\n<ll>shelf 3\n2.5");
+  EXPECT_EQ(record.Message, "RED inventory updated successfully.");
+  EXPECT_EQ(LotQty(ColorKind::Basic, "RED", 5), Value(22.5F));
+  AddScannedStock(session, record);
+  EXPECT_EQ(LotQty(ColorKind::Basic, "RED", 5), Value(22.5F));
+  EXPECT_EQ(LotsOf(session, ColorKind::Basic, "RED").at(0).LotLoc, "SHELF 3");
+  EXPECT_EQ(Scan("<CC>R1\n<DB>INK\n<LN>A2\n<LC>C2\n1").state, State::Successful);
+  EXPECT_EQ(LotQty(ColorKind::Basic, "RED", 7), Value(41.0F));
+  // A lot that is not there is made, of a Basic Color under the scanned reference, today at its cost.
+  EXPECT_EQ(Scan("<CN>RED\n<DB>INK\n<LR>77\n<LN>NEW\n<LC>9\n4").state, State::Successful);
+  const auto made = FindLot(session, ColorKind::Basic, "RED", "INK", 77);
+  ASSERT_TRUE(made);
+  EXPECT_EQ(made->LotDate, session.clock.Today());
+  EXPECT_EQ(made->LotPrice, 4.0F);
+  EXPECT_EQ(Scan("<CN>RED\n<DB>INK\n<LN>UNLOTTED INV.\n1").state, State::Successful);
+  EXPECT_EQ(Inventory(ColorKind::Basic, "RED"), Value(11.0F));
+
+  // What failed is mended and run again.
+  record = Scan("<CN>BOTH\n<LN>B1\n3");
+  record.CT = "2";
+  AddScannedStock(session, record);
+  EXPECT_EQ(record.state, State::Successful);
+  EXPECT_EQ(LotQtyTotal(session, ColorKind::Mix, "BOTH"), 3.0F);
+  Setting("InvLotTracking", "0");
+  EXPECT_EQ(Scan("<CN>GRAY\n6").state, State::Successful);
+  EXPECT_EQ(Scalar("SELECT Inventory FROM LAB_Basic WHERE Color_Name = 'GRAY'"), Value(6.0F));
+  session.ArchiveView = true;
+  EXPECT_EQ(Scan("<CN>GRAY\n6").state, State::Failed);
+}
+
+// Scans at random against what a ledger says: stock is what was there and what was booked.
+TEST_F(ScanInventoryTest, AddsUpOverARandomStream) {
+  std::mt19937 random(11);
+  std::map<std::string, double> ledger{{"A1", 20}, {"A3", 0}, {"A4", 0}};
+  for (int i = 0; i < 300; ++i) {
+    const std::string lot = "A" + std::to_string(1 + random() % 4);
+    const double quantity = static_cast<double>(random() % 4000) / 1000;
+    const ScanRecord record = Scan(fmt::format("<CN>RED\n<DB>INK\n<LN>{}\n{:.3f}", lot, quantity));
+    const bool can = lot != "A2" && quantity > 0;
+    ASSERT_EQ(record.state == State::Successful, can) << lot << " " << quantity << ": " << record.Message;
+    if (can) ledger[lot] += quantity;
+  }
+  for (const auto& [lot, quantity] : ledger) {
+    double there = 0;
+    for (const LotRow& row : LotsNumbered(session, ColorKind::Basic, "RED", "INK", lot)) there += row.LotQty;
+    EXPECT_NEAR(there, quantity, 0.01) << lot;
+  }
+}
+
+}  // namespace
+}  // namespace vellumark::test
