@@ -133,6 +133,7 @@ void AddEstimateCommands(CLI::App& app, Commands& commands);
 void AddReportCommands(CLI::App& app, Commands& commands);
 void AddFindCommands(CLI::App& app, Commands& commands);
 void AddBackupCommands(CLI::App& app, Commands& commands);
+void AddLabelCommands(CLI::App& app, Commands& commands);
 void AddUsersCommands(CLI::App& app, Commands& commands);
 
 }  // namespace vellumark::cli

@@ -288,6 +288,7 @@ int Main(int argc, char** argv) {
   AddReportCommands(app, commands);
   AddFindCommands(app, commands);
   AddBackupCommands(app, commands);
+  AddLabelCommands(app, commands);
   AddUsersCommands(app, commands);
   app.failure_message(UsageMessage);
   const std::vector<std::string> words = Readable(platform::BeginProgram(argc, argv));

@@ -44,15 +44,15 @@ class FileDevice final : public QIODevice {
 /// Lets the painting stop early.
 class Watched final : public Progress {
  public:
-  Watched(Progress& progress, const FileDevice& device) : progress_(progress), device_(device) {}
+  Watched(Progress& progress, const std::function<bool()>& failed) : progress_(progress), failed_(failed) {}
   void Begin(std::string_view text) override { progress_.Begin(text); }
   void Percent(double percent) override { progress_.Percent(percent); }
-  bool Cancelled() override { return device_.Failed() || progress_.Cancelled(); }
+  bool Cancelled() override { return failed_() || progress_.Cancelled(); }
   void End() override { progress_.End(); }
 
  private:
   Progress& progress_;
-  const FileDevice& device_;
+  const std::function<bool()>& failed_;
 };
 
 }  // namespace
@@ -91,22 +91,29 @@ int PaintPages(QPagedPaintDevice& device, const std::string& name, SheetLayout& 
   return painted;
 }
 
-int WritePdf(const std::filesystem::path& file, const std::string& title, SheetLayout& layout, Progress& progress) {
+int WritePdfPages(const std::filesystem::path& file, const std::string& title, int dotsPerInch,
+                  const std::function<int(QPagedPaintDevice&, const std::function<bool()>& failed)>& paint) {
   FileBeside beside(file, Readers::Everybody);
   int pages = 0;
   {
     FileDevice device(beside);
     QPdfWriter writer(&device);
-    writer.setResolution(kDotsPerInch);
+    writer.setResolution(dotsPerInch);
     writer.setTitle(Q(title));
     writer.setCreator("The Vellumark");
-    Watched watched(progress, device);
-    pages = PaintPages(writer, file.string(), layout, {}, watched);
+    pages = paint(writer, [&] { return device.Failed(); });
     device.Check();
   }
-  if (layout.Cancelled()) return 0;
-  beside.Replace();
+  if (pages > 0) beside.Replace();
   return pages;
+}
+
+int WritePdf(const std::filesystem::path& file, const std::string& title, SheetLayout& layout, Progress& progress) {
+  return WritePdfPages(file, title, kDotsPerInch, [&](QPagedPaintDevice& device, const std::function<bool()>& failed) {
+    Watched watched(progress, failed);
+    const int pages = PaintPages(device, file.string(), layout, {}, watched);
+    return layout.Cancelled() ? 0 : pages;
+  });
 }
 
 }  // namespace vellumark::paper

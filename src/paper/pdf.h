@@ -3,6 +3,7 @@
 #include <QPagedPaintDevice>
 #include <array>
 #include <filesystem>
+#include <functional>
 #include <memory>
 
 #include "core/base/seams.h"
@@ -38,6 +39,11 @@ struct PageRange {
 /// The number of pages that were painted. Throws Failure, naming `device`, when it takes none.
 int PaintPages(QPagedPaintDevice& device, const std::string& name, SheetLayout& layout, PageRange range,
                Progress& progress);
+
+/// Writes a PDF of that resolution, beside its place until it is whole. `paint` answers the number of its pages, 0 for
+/// a file that is not wanted, and may ask whether writing has failed. Throws Failure naming the file.
+int WritePdfPages(const std::filesystem::path& file, const std::string& title, int dotsPerInch,
+                  const std::function<int(QPagedPaintDevice&, const std::function<bool()>& failed)>& paint);
 
 /// Writes the sheet as a PDF, beside its place until it is whole. The number of its pages; 0 when the operator stopped
 /// it, and then no file. Throws Failure naming the file.

@@ -1,0 +1,60 @@
+#pragma once
+
+#include <QImage>
+#include <QPagedPaintDevice>
+#include <QPainter>
+#include <QRectF>
+#include <map>
+#include <optional>
+#include <string>
+
+#include "paper/label_print.h"
+
+namespace vellumark::paper {
+
+/// Paints labels in the dots of a device, so that every module of a code is a whole number of them.
+class LabelPainter {
+ public:
+  LabelPainter(QPainter& painter, int dotsPerInch, std::filesystem::path pictures);
+  /// `left` and `top` of the label in twips.
+  void Paint(const LabelDrawing& drawing, double left, double top);
+
+ private:
+  void PaintText(const LabelDrawing& drawing, const LabelElement& element);
+  void PaintCode(const LabelDrawing& drawing, const LabelElement& element);
+  void PaintSquare(const LabelDrawing& drawing, const LabelElement& element);
+  void PaintPicture(const LabelElement& element);
+  void PaintPictogram(const LabelElement& element);
+  double Dots(double twips) const { return twips * dots_ / kTwipsPerInch; }
+
+  QPainter& painter_;
+  int dots_;
+  std::filesystem::path pictures_;
+  double left_ = 0;
+  double top_ = 0;
+  std::map<std::string, QImage> images_;
+};
+
+/// What a code takes on a label, in dots of the device from the label's corner.
+struct CodeBox {
+  Bars bars{};
+  int module = 1;  ///< dots
+  int left = 0;
+  int top = 0;
+  int height = 1;
+  int quiet = 0;
+
+  int Width() const { return bars.modules * module; }
+  int Right() const { return left + Width() + quiet; }
+};
+/// Nothing for a text that has no bars. Modules are as wide as the size of the font asks for and the label allows, at
+/// least a dot.
+std::optional<CodeBox> BoxOfCode(const LabelDrawing& drawing, const LabelElement& element, int dotsPerInch);
+
+/// The page that labels are printed on, in points, before any turn.
+QSizeF PageOfLabels(const LabelPaper& paper);
+/// Paints the labels onto a device whose pages are set as above, or turned by a printer's own orientation. The number
+/// of pages; throws Failure, naming `name`, when it takes none.
+int PaintLabels(QPagedPaintDevice& device, const std::string& name, const Session& session, const LabelJob& job);
+
+}  // namespace vellumark::paper

@@ -1,0 +1,117 @@
+#include "paper/label_print.h"
+
+#include <QImage>
+#include <QImageReader>
+#include <QPageSize>
+#include <QPainter>
+#include <QPdfWriter>
+#include <algorithm>
+#include <cmath>
+
+#define ZX_USE_UTF8 1
+#include <ZXing/ReadBarcode.h>
+
+#include "core/base/text.h"
+#include "paper/label_painter.h"
+#include "paper/pdf.h"
+
+namespace vellumark::paper {
+namespace {
+
+using What = LabelElement::What;
+
+// A piece of a label as the printer will have it, in gray.
+QImage Rendered(const Session& session, const LabelDrawing& drawing, int dotsPerInch, const QRect& piece) {
+  QImage image(piece.size(), QImage::Format_Grayscale8);
+  image.fill(Qt::white);
+  QPainter painter(&image);
+  painter.translate(-piece.topLeft());
+  LabelPainter(painter, dotsPerInch, PicturesOfLabels(session)).Paint(drawing, 0, 0);
+  return image;
+}
+
+std::string ReadFrom(const QImage& image, ZXing::BarcodeFormats formats) {
+  const ZXing::ImageView view(image.constBits(), image.width(), image.height(), ZXing::ImageFormat::Lum,
+                              static_cast<int>(image.bytesPerLine()));
+  const auto read = ZXing::ReadBarcode(
+      view, ZXing::DecodeHints().setFormats(formats).setTryHarder(true).setTryCode39ExtendedMode(false));
+  if (!read.isValid()) return {};
+  const ZXing::ByteArray& bytes = read.bytes();
+  return {bytes.begin(), bytes.end()};
+}
+
+CodeCheck Judged(const LabelElement& element, const std::string& wanted, const std::string& read) {
+  CodeCheck check{element.item, element.text, read == wanted};
+  if (check.Reads) return check;
+  check.Reason =
+      read.empty() ? "It cannot be read: something lies over it, or it is too small." : "It reads as \"" + read + "\".";
+  return check;
+}
+
+CodeCheck CheckCode(const Session& session, const LabelDrawing& drawing, const LabelElement& element, int dots) {
+  const auto font = EncodeBarcode(drawing.symbology, element.text);
+  if (!font) return {element.item, element.text, false, font.error().text};
+  const auto box = BoxOfCode(drawing, element, dots);
+  if (!box) return {element.item, element.text, false, "Its check is no character of the bar code."};
+  const QRect label(0, 0, static_cast<int>(std::lround(drawing.width * dots / kTwipsPerInch)),
+                    static_cast<int>(std::lround(drawing.length * dots / kTwipsPerInch)));
+  const QRect code(box->left, box->top, box->Width(), box->height);
+  if (!label.contains(code)) return {element.item, element.text, false, "It is longer than the label has room for."};
+  const QRect piece = code.adjusted(-box->quiet, 0, box->quiet, 0) & label;
+  const auto format =
+      drawing.symbology == Symbology::Code128 ? ZXing::BarcodeFormat::Code128 : ZXing::BarcodeFormat::Code39;
+  return Judged(element, ReadBackOf(drawing.symbology, element.text),
+                ReadFrom(Rendered(session, drawing, dots, piece), format));
+}
+
+CodeCheck CheckSquare(const Session& session, const LabelDrawing& drawing, const LabelElement& element, int dots) {
+  const QRect label(0, 0, static_cast<int>(drawing.width * dots / kTwipsPerInch),
+                    static_cast<int>(drawing.length * dots / kTwipsPerInch));
+  // It stands in the lower right corner, at most so large.
+  const int side = std::min({label.width(), label.height(), 3 * dots});
+  const QRect piece(label.right() - side + 1, label.bottom() - side + 1, side, side);
+  return Judged(element, element.text, ReadFrom(Rendered(session, drawing, dots, piece), ZXing::BarcodeFormat::QRCode));
+}
+
+CodeCheck CheckPicture(const Session& session, const LabelElement& element) {
+  const auto checked = CheckLabelPictureFile(PicturesOfLabels(session) / element.text);
+  return {element.item, element.text, checked.has_value(), checked ? "" : checked.error().text};
+}
+
+}  // namespace
+
+std::vector<CodeCheck> CheckCodes(const Session& session, const LabelDrawing& drawing, int dotsPerInch) {
+  const OffscreenFonts fonts;
+  std::vector<CodeCheck> checks;
+  for (const LabelElement& element : drawing.elements) {
+    if (element.what == What::Code) checks.push_back(CheckCode(session, drawing, element, dotsPerInch));
+    if (element.what == What::Square) checks.push_back(CheckSquare(session, drawing, element, dotsPerInch));
+    if (element.what == What::Picture)
+      if (CodeCheck check = CheckPicture(session, element); !check.Reads) checks.push_back(std::move(check));
+  }
+  return checks;
+}
+
+int PrintLabelsToFile(const Session& session, const LabelJob& job, const std::filesystem::path& file) {
+  const OffscreenFonts fonts;
+  return WritePdfPages(file, "Labels", job.dotsPerInch, [&](QPagedPaintDevice& device, const std::function<bool()>&) {
+    QSizeF page = PageOfLabels(job.paper);
+    if (job.paper.orientation == 3) page.transpose();
+    device.setPageSize(QPageSize(page, QPageSize::Point, {}, QPageSize::ExactMatch));
+    device.setPageMargins(QMarginsF(0, 0, 0, 0));
+    return PaintLabels(device, file.string(), session, job);
+  });
+}
+
+Result<void> CheckLabelPictureFile(const std::filesystem::path& file) {
+  QImageReader reader(QString::fromStdString(file.string()));
+  reader.setDecideFormatFromContent(true);
+  const QByteArray format = reader.format();
+  const QImage image = reader.read();
+  if (image.isNull()) return Refuse("Picture Selection", file.string() + " is no picture that can be read.");
+  // A file that tells no resolution is taken as of the screen.
+  const double dots = image.dotsPerMeterX() > 0 ? image.dotsPerMeterX() * 0.0254 : 96;
+  return CheckLabelPicture(format.toStdString(), image.width(), image.height(), dots);
+}
+
+}  // namespace vellumark::paper
