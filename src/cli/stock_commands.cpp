@@ -196,6 +196,7 @@ void AddStockCommands(CLI::App& app, Commands& commands) {
                    [told](Context& context) { return ShowHistory(context, *told); });
 
   AddStockResetCommands(*noun, commands);
+  AddScanCommand(*noun, commands);
 
   auto* adjust = noun->add_subcommand("adjust", "Add to a colour's stock, or take from it with a negative quantity");
   const auto options = std::make_shared<AdjustOptions>();

@@ -18,5 +18,7 @@ Result<Json> AnswerStock(Context& context, ColorKind kind, const std::string& na
 
 /// The verbs `reset`, `reorder` and `reset-reorder` of the noun `stock`.
 void AddStockResetCommands(CLI::App& stockNoun, Commands& commands);
+/// The verb `scan`.
+void AddScanCommand(CLI::App& stockNoun, Commands& commands);
 
 }  // namespace vellumark::cli

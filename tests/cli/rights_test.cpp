@@ -100,6 +100,7 @@ std::vector<Line> Lines(const test::CliRoom& room) {
       {{"stock", "lots", "BLUE"}, {}},
       {{"stock", "low"}, {}},
       {{"stock", "history"}, {}},
+      {{"stock", "scan", folder + "/none.txt"}, {}},
       {{"stock", "adjust", "BLUE", "0.5"}, {}},
       {{"stock", "reset", "inventory", "NONE"}, {}},
       {{"stock", "reset", "date", "NONE", "2026-01-01"}, {}},

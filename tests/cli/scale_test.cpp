@@ -41,7 +41,7 @@ struct ScaleShop : test::CliRoom {
 };
 
 TEST(CliScale, WeighsAStoredBatchAndSendsIt) {
-  const ScaleShop shop;
+  ScaleShop shop;
   EXPECT_EQ(shop.Refused({"scale", "read"}), "The scale is not on. Switch it on first.");
   EXPECT_EQ(shop.Refused({"scale", "settings", "BaudRate=1000"}), "BaudRate is 300, 600, 1200, 2400, 4800 or 9600.");
   shop.Done({"scale", "on", "--boot-time", "50"});

@@ -82,6 +82,7 @@ constexpr WayIn kCommands[] = {
     {"stock lots", Act::Look},
     {"stock low", Act::Look},
     {"stock history", Act::Look},
+    {"stock scan", Act::Work},
     {"stock adjust", Act::Work},
     {"stock reset inventory", Act::Work},
     {"stock reset date", Act::Work},

@@ -66,7 +66,7 @@ QWidget* Captioned(QWidget* row, const QString& caption, QWidget* field, const c
   return cell;
 }
 
-void EnterStockName(FormHost& host, const char* field, const std::string& typed, const NameSteps& steps) {
+void EnterStockName(FormHost& host, const char* field, const std::string& typed, const StockNameSteps& steps) {
   const std::string name = ReadName(host.session, typed);
   if (name.empty()) {
     QApplication::beep();

@@ -29,12 +29,12 @@ void SetChoices(ComboField& combo, const std::vector<std::string>& choices);
 QWidget* Captioned(QWidget* row, const QString& caption, QWidget* field, const char* label);
 
 /// Goes on with a name that was typed: shows the colour that is meant, or clears and goes back to the field.
-struct NameSteps {
+struct StockNameSteps {
   std::function<Result<ColorKind>(const std::string& name)> choose;
   std::function<void(ColorKind kind, const std::string& name)> show;
   std::function<void()> clear;
 };
-void EnterStockName(FormHost& host, const char* field, const std::string& typed, const NameSteps& steps);
+void EnterStockName(FormHost& host, const char* field, const std::string& typed, const StockNameSteps& steps);
 
 /// Lets the operator check rows in the first column of a grid: by a click on the box, or by the space bar.
 class CheckKeys : public QObject {

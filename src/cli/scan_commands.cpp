@@ -1,0 +1,90 @@
+#include <filesystem>
+#include <memory>
+
+#include "cli/frame.h"
+#include "cli/stock_text.h"
+#include "core/base/files.h"
+#include "core/base/number.h"
+#include "core/labels/scan_return.h"
+
+namespace vellumark::cli {
+namespace {
+
+struct ScanOptions {
+  std::string file;
+  bool reprocess = false;
+};
+
+// The texts of a record, each under its tag.
+struct ScanField {
+  const char* key;
+  std::optional<std::string> ScanRecord::*value;
+};
+constexpr ScanField kFields[] = {{"CN", &ScanRecord::CN}, {"CC", &ScanRecord::CC}, {"CT", &ScanRecord::CT},
+                                 {"DB", &ScanRecord::DB}, {"LN", &ScanRecord::LN}, {"LL", &ScanRecord::LL},
+                                 {"LC", &ScanRecord::LC}, {"JN", &ScanRecord::JN}};
+
+Json RecordJson(const ScanRecord& record) {
+  Json json;
+  for (const ScanField& field : kFields) {
+    json[field.key] = record.*field.value ? Json(*(record.*field.value)) : Json();
+    if (field.key == std::string_view("DB")) json["LR"] = record.LR ? Json(*record.LR) : Json();
+  }
+  json["Qty"] = record.Qty ? Number(*record.Qty) : Json();
+  json["Success"] = record.state == ScanRecord::State::Successful;
+  json["Message"] = record.Message;
+  return json;
+}
+
+// What an earlier run answered, with whatever was changed in it since.
+Result<std::vector<ScanRecord>> ReadAnswer(const std::string& path) {
+  std::vector<ScanRecord> records;
+  try {
+    for (const Json& json : Json::parse(ReadFileBytes(path))) {
+      ScanRecord record;
+      for (const ScanField& field : kFields)
+        if (json.contains(field.key) && !json[field.key].is_null())
+          record.*field.value = json[field.key].get<std::string>();
+      if (json.contains("LR") && !json["LR"].is_null()) record.LR = json["LR"].get<std::int32_t>();
+      if (json.contains("Qty") && !json["Qty"].is_null()) record.Qty = json["Qty"].get<float>();
+      record.Message = json.value("Message", "");
+      record.state = json.at("Success").get<bool>() ? ScanRecord::State::Successful : ScanRecord::State::Failed;
+      records.push_back(std::move(record));
+    }
+  } catch (const Json::exception&) {
+    return Refuse("Scan", path + " is no answer of an earlier scan: it is read as JSON where --reprocess is given.",
+                  "FILE");
+  }
+  return records;
+}
+
+Result<Json> ScanFile(Context& context, const ScanOptions& options) {
+  const std::string path = std::filesystem::absolute(options.file).string();
+  auto records =
+      options.reprocess ? ReadAnswer(path) : Result<std::vector<ScanRecord>>(ParseScan(ReadFileBytes(path)));
+  if (!records) return std::unexpected(records.error());
+  Json answer = Json::array();
+  for (ScanRecord& record : *records) {
+    BookScan(context.session, record);
+    if (record.state != ScanRecord::State::Successful) context.exitStatus = ExitRefused;
+    answer.push_back(RecordJson(record));
+  }
+  if (answer.empty()) context.text = "Nothing was scanned.\n";
+  return answer;
+}
+
+}  // namespace
+
+void AddScanCommand(CLI::App& stockNoun, Commands& commands) {
+  auto* scan = stockNoun.add_subcommand("scan", "Book scanned lines: stock that is added, and ink that comes back from Jobs");
+  const auto options = std::make_shared<ScanOptions>();
+  scan->add_option("FILE", options->file, "What the scanner typed, a code or a quantity on each line")
+      ->required()
+      ->check(NotEmpty);
+  scan->add_flag("--reprocess", options->reprocess,
+                 "FILE is the JSON answer of an earlier scan, mended: what failed is booked, what was done is not again");
+  scan->footer("Each record is booked by itself. Exit status 1 when one was not, and why is told with it.");
+  commands.Add(scan, Needs::Writable, [options](Context& context) { return ScanFile(context, *options); });
+}
+
+}  // namespace vellumark::cli
