@@ -61,7 +61,7 @@ TEST(CliScale, WeighsAStoredBatchAndSendsIt) {
   EXPECT_EQ(over["Reformulated"], true);
   EXPECT_EQ(over["Left"][0]["Target"], "0.750");
   shop.Done({"--yes", "batch", "weigh", "1", "1", "--weight", "0.75"});
-  EXPECT_EQ(shop.Json({"stock", "show", "BLUE"})["Inventory"], 95.5);
+  EXPECT_EQ(shop.Json({"stock", "show", "BLUE"}).at(0)["Inventory"], 95.5);
   shop.Done({"scale", "off", "--boot-time", "50"});
   EXPECT_EQ(shop.scale.Commands(), (Words{"300 PON", "300 CFC 9600 7 1 1 0 0", "9600 ZRO", "9600 CFC 300 7 1 1 0 0",
                                           "300 POF"}));

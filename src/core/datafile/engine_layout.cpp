@@ -101,14 +101,15 @@ void SqliteDatabase::CompleteLayout(const std::vector<std::string>& databases) {
     if (const std::string name = TableName(database, schema::BatchScaleResults);
         !TableExists(name) && TableExists(TableName(database, schema::Batch)))
       CreateTable(name, schema::BatchScaleResults);
+  const auto completeIndexes = [&](const std::string& name, const Table& table) {
+    for (const IndexFields& fields : table.indexes)
+      if (&table != &schema::BatchScaleResults && !Holds(present, IndexName(name, fields)) && TableExists(name) &&
+          MissingFields(*this, name, table).empty())
+        CreateIndex(*this, name, fields);
+  };
+  for (const Table* table : schema::Global()) completeIndexes(table->name, *table);
   for (const std::string& database : databases)
-    for (const Table* table : schema::PerDatabase()) {
-      const std::string name = TableName(database, *table);
-      for (const IndexFields& fields : table->indexes)
-        if (table != &schema::BatchScaleResults && !Holds(present, IndexName(name, fields)) && TableExists(name) &&
-            MissingFields(*this, name, *table).empty())
-          CreateIndex(*this, name, fields);
-    }
+    for (const Table* table : schema::PerDatabase()) completeIndexes(TableName(database, *table), *table);
   transaction.Commit();
 }
 

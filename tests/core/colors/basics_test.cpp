@@ -178,6 +178,7 @@ TEST(Basics, DeleteIsHinderedByWhatUsesTheColour) {
   room.Mix("Z MIX", {{"RED", 50}, {"RED 1", 50}});
   room.Mix("A MIX", {{"RED", 100}});
   room.AddRow(schema::Additives, {{"SetName", "S"}, {"SetList", "<WAX>"}, {"Add_Name0", "WAX"}});
+  room.Breaks("DesignColors");  // in a slot of its own, behind empty ones
   room.AddRow(schema::Designs,
               {{"DesignID", "D"}, {"IngSet", "<BLUE>"}, {"IngName4", "BLUE"}, {"IngDB4", "INK"}, {"IngType4", 1}});
   const auto formulas = DeleteBasic(room.session, "red");

@@ -75,9 +75,9 @@ struct NamedRoom : InkRoom {
                              {"IngName1", "RED"},
                              {"IngType1", 2},
                              {"IngDB1", "INK"},
-                             {"IngName9", "RED"},
-                             {"IngType9", 1},
-                             {"IngDB9", "OTHER"}});
+                             {"IngName2", "RED"},
+                             {"IngType2", 1},
+                             {"IngDB2", "OTHER"}});
   }
 
   std::string Row(const std::string& sql) { return Scalar(sql).Text(); }
@@ -114,7 +114,7 @@ TEST(Rename, ABasicColorEverywhere) {
             "SCARLET RED RED RED");
   EXPECT_EQ(room.Row("SELECT Add_Name1||' '||Add_Name4||' '||SetList FROM INK_Additives"),
             "SCARLET BLUE <SCARLET><BLUE>");
-  EXPECT_EQ(room.Row("SELECT IngName0||' '||IngName1||' '||IngName9||' '||IngSet FROM Designs"),
+  EXPECT_EQ(room.Row("SELECT IngName0||' '||IngName1||' '||IngName2||' '||IngSet FROM Designs"),
             "SCARLET RED RED <SCARLET><RED><RED>");
 }
 

@@ -22,7 +22,7 @@ struct FindRoom : test::ReportRoom {
     Batch(3, "VIOLET", {2026, 3, 3}, 4, {{"RED", 4, 1}});
     Use("INK");
     InsertRow(session.File(), schema::Designs, schema::Designs.name,
-              {{"DesignID", "D1"}, {"IngName3", "RED"}, {"IngSet", "<RED>"}, {"Impressions", 5000}, {"Width", 2.5F}});
+              {{"DesignID", "D1"}, {"IngName0", "RED"}, {"IngSet", "<RED>"}, {"Impressions", 5000}, {"Width", 2.5F}});
     Job("J1", "INK", "RED", 1, 1000001, 2, 1.5F, 4, {2026, 3, 4});
     Breaks("JobBatches");
   }

@@ -31,7 +31,10 @@ struct FormulaDialogsTest : testing::Test, InkRoom {
   }
 
   void AddSet(const std::string& name, const Recipe& rows) {
-    AddRow(schema::Additives, AdditiveSetCells({0, name, rows}));
+    AdditiveSet set;
+    set.SetName = name;
+    set.SetRows(rows);
+    AddRow(schema::Additives, AdditiveSetCells(set));
   }
 
   /// Runs the window; what it gave back.

@@ -5,6 +5,7 @@
 
 #include "core/session/acts.h"
 #include "core/shell/gating.h"
+#include "desktop/backup/register.h"
 #include "desktop/batch/register.h"
 #include "desktop/colors/register.h"
 #include "desktop/datafile/register.h"
@@ -33,6 +34,7 @@ struct AllWindows : Desk {
     desktop::RegisterDesignWindows(windows);
     desktop::RegisterReportsWindows(windows);
     desktop::RegisterDatafileWindows(windows, program.Windows());
+    desktop::RegisterBackupWindows(windows, program.Windows());
   }
   desktop::Program program;
 };

@@ -53,7 +53,7 @@ TEST_F(WholeProgramTest, EnterOnTheQuestionOfADeletionAnswersWithItsButton) {
     std::string first;   // where Space chooses what is to go, or a password stands
   } rows[] = {
       {"BasicColorsForm", {{"FindRecord", "SPARE"}}, count("INK_Basic"), nullptr, ""},
-      {"MixColorsForm", {{"FindRecord", "TARGET"}}, count("INK_Mix"), nullptr, ""},
+      {"MixColorsForm", {{"FindRecord", "TINT"}}, count("INK_Mix"), nullptr, ""},
       {"BatchForm", {{"BatchNo", 1}}, count("INK_Batch"), nullptr, ""},
       {"DeleteDBForm", {}, databases, "cmdDelete", "lstDatabases"},
       {"DeleteUserForm", {}, users, "cmdDelete", ""},

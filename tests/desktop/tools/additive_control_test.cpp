@@ -16,7 +16,7 @@ struct AdditiveControlTest : ToolsRoom {
     const auto set = ReadAdditiveSet(session, name);
     if (!set) return "gone";
     std::string text;
-    for (const Ingredient& row : set->Rows) text += row.name + " " + Fixed(row.amount, 2) + " ";
+    for (const Ingredient& row : set->Rows()) text += row.name + " " + Fixed(row.amount, 2) + " ";
     return text;
   }
 };
