@@ -287,7 +287,7 @@ TEST_F(BasicColorsTest, WhatIsUsedIsNotDeleted) {
   EXPECT_TRUE(BasicColorExists(session, "GLOSS"));
 
   // A Design of this Database holds it; one of another Database, or as a formula, holds something else.
-  AddRow(schema::Designs, {{"DesignID", "D1"}, {"IngName3", "WASH"}, {"IngDB3", "INK"}, {"IngSet", "<WASH>"}});
+  AddRow(schema::Designs, {{"DesignID", "D1"}, {"IngName0", "WASH"}, {"IngDB0", "INK"}, {"IngSet", "<WASH>"}});
   AddRow(schema::Designs, {{"DesignID", "D2"}, {"IngName0", "PLAIN"}, {"IngDB0", "UV"}, {"IngSet", "<PLAIN>"}});
   AddRow(schema::Designs,
          {{"DesignID", "D3"}, {"IngName0", "PLAIN"}, {"IngType0", 2}, {"IngDB0", "INK"}, {"IngSet", "<PLAIN>"}});
