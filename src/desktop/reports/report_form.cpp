@@ -280,9 +280,10 @@ void ReportForm::SaveArrangement() {
   std::vector<TableColumn> columns = shownColumns_;
   bool widened = false;
   for (const std::size_t column : shown) {
-    const int width = grid_->ColumnWidth(static_cast<int>(column)) * kTwipsPerPixel;
-    widened = widened || width != columns[column].width;
-    columns[column].width = width;
+    const int width = grid_->ColumnWidth(static_cast<int>(column));
+    if (width == ShownColumn(columns[column], column == 0).width) continue;
+    widened = true;
+    columns[column].width = width * kTwipsPerPixel;
   }
   if (widened) SaveColumnWidths(session, definition_, columns, shown);
   KeepExportOrder(session, definition_, shownColumns_, shown);

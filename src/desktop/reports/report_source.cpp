@@ -1,7 +1,9 @@
 #include "desktop/reports/report_source.h"
 
+#include <QFontMetrics>
 #include <QLocale>
 
+#include "desktop/kit/look.h"
 #include "desktop/kit/text.h"
 
 namespace vellumark::desktop {
@@ -28,7 +30,10 @@ std::string ShownCell(const TableColumn& column, const TableValue& value) {
 GridColumn ShownColumn(const TableColumn& column, bool first) {
   GridColumn shown;
   shown.caption = Q(column.Caption()).trimmed();
-  shown.width = column.width / kTwipsPerPixel;
+  // A caption can be read whole, with the mark of its sort behind it.
+  constexpr int kBesideCaption = 36;
+  const int caption = QFontMetrics(Look::Base()).horizontalAdvance(shown.caption) + kBesideCaption;
+  shown.width = std::max(column.width / kTwipsPerPixel, caption);
   shown.right = column.RightAligned();
   shown.sort = IsSortedAsNumber(column.format) ? GridColumn::Sort::Number : GridColumn::Sort::Text;
   shown.choosable = !first;
