@@ -61,18 +61,11 @@ Result<Json> ListBackups(Context& context, const std::string& in) {
   if (!folder) return std::unexpected(folder.error());
   Json sets = Json::array();
   for (const BackupSet& set : ListSets(*folder)) {
-    std::int64_t formulas = 0;
-    std::int64_t batches = 0;
-    if (set.proof)
-      for (const DatabaseProof& database : set.proof->content.databases) {
-        formulas += database.formulas;
-        batches += database.batches;
-      }
     sets.push_back({{"Set", set.folder.string()},
                     {"Made", set.made.ToText()},
                     {"DataFile", set.dataFile.filename().string()},
-                    {"Formulas", set.proof ? Json(formulas) : Json()},
-                    {"Batches", set.proof ? Json(batches) : Json()},
+                    {"Formulas", set.proof ? Json(set.proof->content.Formulas()) : Json()},
+                    {"Batches", set.proof ? Json(set.proof->content.Batches()) : Json()},
                     {"Verified", set.proof ? Json(set.proof->content.Sound()) : Json()}});
   }
   if (sets.empty()) context.text = fmt::format("There is no backup in {}.\n", folder->string());

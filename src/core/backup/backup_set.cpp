@@ -85,17 +85,6 @@ void HealJournal(const fs::path& file) {
   ReadFileInfo(*Database::Open(file, copy ? OpenMode::ReadOnly : OpenMode::Exclusive));
 }
 
-std::vector<fs::path> PhotosOf(const fs::path& folder) {
-  std::vector<fs::path> photos;
-  std::error_code error;
-  for (fs::directory_iterator entry(folder, error), end; !error && entry != end; entry.increment(error))
-    if (EqualNoCase(entry->path().extension().string(), ".jpg") && entry->is_regular_file(error))
-      photos.push_back(entry->path());
-  if (error && error != std::errc::no_such_file_or_directory) FailOn(folder, error);
-  std::ranges::sort(photos);
-  return photos;
-}
-
 // The files of the new set, copied one after the other, with the bar on the way.
 class SetMaker {
  public:
@@ -127,7 +116,7 @@ class SetMaker {
     for (const SupportFile* file :
          {&support.settings, &support.label, &support.hazardLabel, &support.formulaLabel, &support.scale})
       if (file->Exists()) Collect(file->Path(), kSupportFolderOfSet);
-    for (const fs::path& photo : PhotosOf(source_.parent_path() / kPhotoFolderOfSet)) Collect(photo, kPhotoFolderOfSet);
+    for (const fs::path& photo : PhotosIn(source_.parent_path() / kPhotoFolderOfSet)) Collect(photo, kPhotoFolderOfSet);
   }
 
   void Collect(const fs::path& from, std::string_view folder) {
@@ -176,6 +165,17 @@ bool MayBeBackedUp(const Session& session, const fs::path& file) {
 }
 
 }  // namespace
+
+std::vector<fs::path> PhotosIn(const fs::path& folder) {
+  std::vector<fs::path> photos;
+  std::error_code error;
+  for (fs::directory_iterator entry(folder, error), end; !error && entry != end; entry.increment(error))
+    if (EqualNoCase(entry->path().extension().string(), ".jpg") && entry->is_regular_file(error))
+      photos.push_back(entry->path());
+  if (error && error != std::errc::no_such_file_or_directory) FailOn(folder, error);
+  std::ranges::sort(photos);
+  return photos;
+}
 
 std::string SetName(const DateTime& made) {
   return fmt::format("{}{:02}_{:02}_{:04}__{:02}_{:02}_{:02}", kStart, made.month, made.day, made.year, made.hour,

@@ -25,6 +25,9 @@ std::string SetName(const DateTime& made);
 /// The time in such a name; nothing for any other.
 std::optional<DateTime> TimeOfSet(std::string_view name);
 
+/// The photos of a folder, by name; of one that is not there none. Throws Failure when it cannot be read.
+std::vector<std::filesystem::path> PhotosIn(const std::filesystem::path& folder);
+
 struct BackupSet {
   std::filesystem::path folder;
   DateTime made;

@@ -137,6 +137,18 @@ std::uint64_t DigestOf(const Json& text) {
 
 }  // namespace
 
+std::int64_t ContentProof::Formulas() const {
+  std::int64_t all = 0;
+  for (const DatabaseProof& database : databases) all += database.formulas;
+  return all;
+}
+
+std::int64_t ContentProof::Batches() const {
+  std::int64_t all = 0;
+  for (const DatabaseProof& database : databases) all += database.batches;
+  return all;
+}
+
 ContentProof ProveContent(Session& session, const fs::path& path) {
   const InPlaceOfOpenFile opened(session, path);
   Database& file = session.File();

@@ -45,6 +45,9 @@ struct ContentProof {
   std::vector<DatabaseProof> databases;
   std::vector<std::string> faults;  ///< in words, a line each; empty when sound
   bool Sound() const { return faults.empty(); }
+  /// Of all Databases.
+  std::int64_t Formulas() const;
+  std::int64_t Batches() const;
 };
 
 /// Reads every row of a closed file and checks it: the engine's own check and every rule between rows. The session's

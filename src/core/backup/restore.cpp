@@ -35,17 +35,6 @@ void Remove(const fs::path& path) {
   if (error) throw Failure(path.string(), "cannot be removed: " + error.message());
 }
 
-std::vector<fs::path> PhotosIn(const fs::path& folder) {
-  std::vector<fs::path> photos;
-  std::error_code error;
-  for (fs::directory_iterator entry(folder, error), end; !error && entry != end; entry.increment(error))
-    if (EqualNoCase(entry->path().extension().string(), ".jpg") && entry->is_regular_file(error))
-      photos.push_back(entry->path());
-  if (error && error != std::errc::no_such_file_or_directory) throw Failure(folder.string(), error.message());
-  std::ranges::sort(photos);
-  return photos;
-}
-
 // The folder of what is replaced; the next free name of that second.
 fs::path FolderToKeepIn(const Session& session, const fs::path& folder) {
   const std::string name = SetName(session.clock.Now()).substr(std::string_view("VK_Backup").size());

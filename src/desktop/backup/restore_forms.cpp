@@ -91,16 +91,10 @@ RestoreAutomaticForm::RestoreAutomaticForm(WindowList& windowList, QWidget* owne
   sets_ = ListSets(std::filesystem::path(U8(AutoBackupFolder(session))));
   std::ranges::reverse(sets_);
   for (const BackupSet& set : sets_) {
-    std::int64_t formulas = 0;
-    std::int64_t batches = 0;
-    if (set.proof)
-      for (const DatabaseProof& database : set.proof->content.databases) {
-        formulas += database.formulas;
-        batches += database.batches;
-      }
+    const ContentProof held = set.proof ? set.proof->content : ContentProof{};
     const auto count = [&](std::int64_t n) { return set.proof ? locale().toString(static_cast<qlonglong>(n)) : QString(); };
-    auto* item = new QTreeWidgetItem(list_, {TimeText(set.made), Q(set.dataFile.filename().string()), count(formulas),
-                                             count(batches), ProofWords(set)});
+    auto* item = new QTreeWidgetItem(list_, {TimeText(set.made), Q(set.dataFile.filename().string()), count(held.Formulas()),
+                                             count(held.Batches()), ProofWords(set)});
     for (const int figure : {2, 3}) item->setTextAlignment(figure, Qt::AlignRight | Qt::AlignVCenter);
     item->setToolTip(0, Q(set.folder.string()));
   }
