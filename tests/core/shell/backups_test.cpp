@@ -84,6 +84,10 @@ TEST_F(Backups, RestoreGivesBackThatDayAndKeepsThePresent) {
   room.session.File().Execute("UPDATE INK_Basic SET LotRefID = 12 WHERE Color_Name = 'RED'");
   Write(photos / "red.jpg", "red, later");
   Write(photos / "blue.jpg", "blue");
+  Write(photos / "shared.jpg", "of another Data File of the folder");
+  room.MakeFile(room.folder / "Other.vkd");
+  Database::Open(room.folder / "Other.vkd", OpenMode::Exclusive)
+      ->Execute("INSERT INTO Designs (DesignID, PhotoSet) VALUES ('D', '<shared.jpg>')");
 
   room.prompt.Expect("Restore Data File", Answer::No);
   EXPECT_TRUE(Restore(set.dataFile).error().declined);
@@ -98,6 +102,7 @@ TEST_F(Backups, RestoreGivesBackThatDayAndKeepsThePresent) {
   EXPECT_EQ(room.session.DataFileName, file.string());
   EXPECT_EQ(ReadFileBytes(photos / "red.jpg"), "red");
   EXPECT_FALSE(fs::exists(photos / "blue.jpg")) << "a photo that no Data File names";
+  EXPECT_TRUE(fs::exists(photos / "shared.jpg"));
   // Numbers on paper are not handed out twice.
   EXPECT_EQ(room.session.BatchNumber, 42);
   EXPECT_EQ(room.session.ItemNumber, 9);

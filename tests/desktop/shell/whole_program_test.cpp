@@ -8,6 +8,8 @@
 #include <functional>
 #include <utility>
 
+#include "core/backup/backup_set.h"
+#include "core/session/settings.h"
 #include "core/session/users.h"
 #include "desktop/kit/message_prompt.h"
 #include "furnished_room.h"
@@ -102,6 +104,24 @@ TEST_F(WholeProgramTest, EnterOnTheQuestionOfADeletionAnswersWithItsButton) {
                 });
     }
   }
+}
+
+// The real program, closed by its window: a backup that is due is asked for, and one is made that proves itself.
+TEST_F(WholeProgramTest, ClosingAsksForADueBackupAndMakesTheAutomaticOne) {
+  RunningProgram<desktop::MessagePrompt> running(room.folder.Path());
+  ASSERT_TRUE(Start(running));
+  StoreSettings(running.session, {setting::RemindBackup.To(false)});
+  WithModal([&] { running.program.Main().close(); },
+            [](QWidget& form) {
+              EXPECT_EQ(form.objectName(), "BackupReminderForm");
+              Click(form, "OptNo");
+              Click(form, "cmdOK");
+            });
+  Settle();
+  const std::vector<BackupSet> sets = ListSets(room.folder / "Auto Backup");
+  ASSERT_EQ(sets.size(), 1U);
+  ASSERT_TRUE(sets.front().proof);
+  EXPECT_TRUE(sets.front().proof->content.Sound());
 }
 
 // A key presses a button, which clicks a moment later.
