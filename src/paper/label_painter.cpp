@@ -3,6 +3,7 @@
 #include <qrencode.h>
 
 #include <QFontMetricsF>
+#include <QImageReader>
 #include <QPageSize>
 #include <QSvgRenderer>
 #include <algorithm>
@@ -54,7 +55,66 @@ std::optional<SquareCode> SquareOf(const LabelDrawing& drawing, const LabelEleme
   return square;
 }
 
+// A text as it is set: in lines, smaller where one would leave the label, so that it is printed whole.
+struct SetText {
+  QFont font;
+  QStringList lines;
+  double width = 0;  // dots
+};
+
+SetText SetLines(const LabelDrawing& drawing, const LabelElement& element, int dots) {
+  SetText set{QFont(Q(element.font)), Q(element.text).split('\n')};
+  set.font.setBold(element.bold);
+  set.font.setKerning(false);
+  const double wanted = element.size * dots / kPointsPerInch;
+  set.font.setPixelSize(std::max(1, static_cast<int>(std::lround(wanted))));
+  const auto widest = [&] {
+    double width = 0;
+    for (const QString& line : set.lines) width = std::max(width, QFontMetricsF(set.font).horizontalAdvance(line));
+    return width;
+  };
+  set.width = widest();
+  const double room = (drawing.width - element.left) * dots / kTwipsPerInch;
+  if (set.width > room && room > 0) {
+    set.font.setPixelSize(std::max(1, static_cast<int>(std::floor(wanted * room / set.width))));
+    set.width = widest();
+  }
+  return set;
+}
+
 }  // namespace
+
+std::optional<QRectF> ExtentOf(const LabelDrawing& drawing, const LabelElement& element, int dotsPerInch,
+                               const std::filesystem::path& pictures) {
+  const double twips = kTwipsPerInch / dotsPerInch;
+  const auto at = [&](double width, double height) { return QRectF(element.left, element.top, width, height); };
+  switch (element.what) {
+    case LabelElement::What::Text: {
+      const SetText set = SetLines(drawing, element, dotsPerInch);
+      const QFontMetricsF metrics(set.font);
+      const double height = metrics.height() + metrics.lineSpacing() * static_cast<double>(set.lines.size() - 1);
+      return at(set.width * twips, height * twips);
+    }
+    case LabelElement::What::Code:
+      if (const auto box = BoxOfCode(drawing, element, dotsPerInch))
+        return QRectF(box->left * twips, box->top * twips, box->Width() * twips, box->height * twips);
+      return std::nullopt;
+    case LabelElement::What::Square:
+      if (const auto square = SquareOf(drawing, element, dotsPerInch)) {
+        const double side = square->code->width * square->module * twips;
+        return QRectF(square->left * twips, square->top * twips, side, side);
+      }
+      return std::nullopt;
+    case LabelElement::What::Picture: {
+      const QSize size = QImageReader(Q((pictures / element.text).string())).size();
+      if (!size.isValid()) return std::nullopt;
+      return at(size.width() * kTwipsPerInch / kPictureDots, size.height() * kTwipsPerInch / kPictureDots);
+    }
+    case LabelElement::What::Pictogram:
+      return at(element.size, element.size);
+  }
+  return std::nullopt;
+}
 
 std::optional<CodeBox> BoxOfCode(const LabelDrawing& drawing, const LabelElement& element, int dotsPerInch) {
   const auto font = EncodeBarcode(drawing.symbology, element.text);
@@ -105,22 +165,12 @@ void LabelPainter::Paint(const LabelDrawing& drawing, double left, double top) {
 }
 
 void LabelPainter::PaintText(const LabelDrawing& drawing, const LabelElement& element) {
-  QFont font(Q(element.font));
-  font.setBold(element.bold);
-  font.setKerning(false);
-  const double wanted = element.size * dots_ / kPointsPerInch;
-  font.setPixelSize(std::max(1, static_cast<int>(std::lround(wanted))));
-  const QStringList lines = Q(element.text).split('\n');
-  // A line that would leave the label is set smaller, so that it is printed whole.
-  double widest = 0;
-  for (const QString& line : lines) widest = std::max(widest, QFontMetricsF(font).horizontalAdvance(line));
-  const double room = Dots(drawing.width - element.left);
-  if (widest > room && room > 0) font.setPixelSize(std::max(1, static_cast<int>(std::floor(wanted * room / widest))));
-  painter_.setFont(font);
+  const SetText set = SetLines(drawing, element, dots_);
+  painter_.setFont(set.font);
   painter_.setPen(Qt::black);
-  const QFontMetricsF metrics(font);
+  const QFontMetricsF metrics(set.font);
   double y = top_ + Dots(element.top) + metrics.ascent();
-  for (const QString& line : lines) {
+  for (const QString& line : set.lines) {
     painter_.drawText(QPointF(left_ + Dots(element.left), y), line);
     y += metrics.lineSpacing();
   }

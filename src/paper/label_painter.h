@@ -4,6 +4,7 @@
 #include <QPagedPaintDevice>
 #include <QPainter>
 #include <QRectF>
+#include <filesystem>
 #include <map>
 #include <optional>
 #include <string>
@@ -50,6 +51,11 @@ struct CodeBox {
 /// Nothing for a text that has no bars. Modules are as wide as the size of the font asks for and the label allows, at
 /// least a dot.
 std::optional<CodeBox> BoxOfCode(const LabelDrawing& drawing, const LabelElement& element, int dotsPerInch);
+
+/// What an element takes on its label, in twips from the label's corner; nothing of a code without bars and of a
+/// picture that cannot be read.
+std::optional<QRectF> ExtentOf(const LabelDrawing& drawing, const LabelElement& element, int dotsPerInch,
+                               const std::filesystem::path& pictures);
 
 /// The page that labels are printed on, in points, before any turn.
 QSizeF PageOfLabels(const LabelPaper& paper);

@@ -20,6 +20,8 @@ namespace {
 
 using What = LabelElement::What;
 
+constexpr double kScreenDots = 96;  // of an inch of a picture
+
 // A piece of a label as the printer will have it, in gray.
 QImage Rendered(const Session& session, const LabelDrawing& drawing, int dotsPerInch, const QRect& piece) {
   QImage image(piece.size(), QImage::Format_Grayscale8);
@@ -107,10 +109,14 @@ Result<void> CheckLabelPictureFile(const std::filesystem::path& file) {
   QImageReader reader(QString::fromStdString(file.string()));
   reader.setDecideFormatFromContent(true);
   const QByteArray format = reader.format();
+  // Before it is decoded: a few bytes can tell of a picture that no memory holds.
+  if (const QSize size = reader.size(); size.isValid())
+    if (auto checked = CheckLabelPicture(format.toStdString(), size.width(), size.height(), kScreenDots); !checked)
+      return checked;
   const QImage image = reader.read();
   if (image.isNull()) return Refuse("Picture Selection", file.string() + " is no picture that can be read.");
   // A file that tells no resolution is taken as of the screen.
-  const double dots = image.dotsPerMeterX() > 0 ? image.dotsPerMeterX() * 0.0254 : 96;
+  const double dots = image.dotsPerMeterX() > 0 ? image.dotsPerMeterX() * 0.0254 : kScreenDots;
   return CheckLabelPicture(format.toStdString(), image.width(), image.height(), dots);
 }
 

@@ -7,8 +7,10 @@
 
 #include "core/base/number.h"
 #include "core/base/text.h"
+#include "core/colors/basics.h"
 #include "core/colors/formulas.h"
 #include "core/colors/names.h"
+#include "core/inventory/lots.h"
 
 namespace vellumark {
 namespace {
@@ -47,6 +49,33 @@ std::string Squeezed(std::string_view name) {
 
 constexpr std::string_view kRegistered = "®";
 
+// `read` gives the value of a key.
+template <class Read>
+LabelData DataOf(const Read& read) {
+  LabelData data;
+  for (const std::string_view item :
+       {"Misc Text 1", "Misc Text 2", "Misc Text 3", "Misc Text 4", "Health", "Fire", "Reactivity"})
+    data[item] = read(std::string(item) + " Text");
+  return data;
+}
+
+template <class Read>
+Result<void> Combine(const Read& read, LabelData& data) {
+  for (const std::string_view item : {"Misc Bar Code Data 1", "Misc Bar Code Data 2"}) {
+    const std::string run = read(std::string(item) + " Combined");
+    if (run.empty()) continue;
+    std::string together;
+    for (const std::size_t field : FieldsOfRun(run)) together += data.texts[field];
+    const std::size_t field = *FindLabelField(item);
+    if (CharCount(together) > kFields[field].longest)
+      return Refuse("Misc Bar Code Data",
+                    "Combined data from selected fields cannot exceed 30 characters.\n\n" + together,
+                    std::string(kFields[field].control));
+    data[item] = together;
+  }
+  return {};
+}
+
 }  // namespace
 
 std::span<const LabelField, kLabelFields> LabelFields() {
@@ -70,13 +99,34 @@ std::string& LabelData::operator[](std::string_view item) {
 }
 
 LabelData DataOfLayout(const Session& session, std::string_view layout) {
-  LabelData data;
-  const auto text = [&](std::string_view name) {
-    return LabelSetting(session, LabelKind::Label, layout, std::string(name) + " Text");
-  };
-  for (const std::string_view item :
-       {"Misc Text 1", "Misc Text 2", "Misc Text 3", "Misc Text 4", "Health", "Fire", "Reactivity"})
-    data[item] = text(item);
+  return DataOf([&](std::string_view key) { return LabelSetting(session, LabelKind::Label, layout, key); });
+}
+
+LabelData DataOfDesign(const LabelDesign& design) {
+  return DataOf([&](std::string_view key) { return design.Text(key); });
+}
+
+std::optional<LabelData> DataOfColor(const Session& session, const LabelDesign& design, std::string_view name) {
+  LabelData data = DataOfDesign(design);
+  ColorKind kind = ColorKind::Mix;
+  if (const auto formula = FindMix(session, name)) {
+    data["Color Name"] = formula->Color_Name;
+    data["Color Code"] = formula->Color_Code;
+  } else if (const auto basic = ReadBasic(session, name)) {
+    kind = ColorKind::Basic;
+    data["Color Name"] = basic->Color_Name;
+    data["Color Code"] = basic->Color_Code;
+  } else {
+    return std::nullopt;
+  }
+  data["Database"] = session.CurrentDatabase;
+  data["Date"] = session.clock.Today().DateText();
+  data["Username"] = session.CurrentUser;
+  if (const auto lots = LotsOf(session, kind, data["Color Name"]); !lots.empty()) {
+    data["Lot Number"] = lots.front().LotNumber;
+    data["Lot Location"] = lots.front().LotLoc;
+    data["Lot Cont ID"] = lots.front().LotContID;
+  }
   return data;
 }
 
@@ -96,19 +146,11 @@ std::string RunOfFields(const std::vector<std::size_t>& fields) {
 }
 
 Result<void> CombineMiscBarCodes(const Session& session, std::string_view layout, LabelData& data) {
-  for (const std::string_view item : {"Misc Bar Code Data 1", "Misc Bar Code Data 2"}) {
-    const std::string run = LabelSetting(session, LabelKind::Label, layout, std::string(item) + " Combined");
-    if (run.empty()) continue;
-    std::string together;
-    for (const std::size_t field : FieldsOfRun(run)) together += data.texts[field];
-    const std::size_t field = *FindLabelField(item);
-    if (CharCount(together) > kFields[field].longest)
-      return Refuse("Misc Bar Code Data",
-                    "Combined data from selected fields cannot exceed 30 characters.\n\n" + together,
-                    std::string(kFields[field].control));
-    data[item] = together;
-  }
-  return {};
+  return Combine([&](std::string_view key) { return LabelSetting(session, LabelKind::Label, layout, key); }, data);
+}
+
+Result<void> CombineMiscBarCodes(const LabelDesign& design, LabelData& data) {
+  return Combine([&](std::string_view key) { return design.Text(key); }, data);
 }
 
 std::string BarCodeText(std::size_t field, std::string_view text, bool identifiers) {

@@ -40,9 +40,14 @@ struct LabelData {
 
 /// What a layout itself says: the misc texts and the hazard numbers.
 LabelData DataOfLayout(const Session& session, std::string_view layout);
+LabelData DataOfDesign(const LabelDesign& design);
+/// The same and what is on file of a formula or Basic Color of the current Database: name, code, its first lot, today,
+/// who is logged in. Nothing for a name that is not on file.
+std::optional<LabelData> DataOfColor(const Session& session, const LabelDesign& design, std::string_view name);
 /// Fills the two fields of Misc Bar Code Data whose run in the layout is not empty. Refused, naming the field, when the
 /// parts are together longer than the field.
 Result<void> CombineMiscBarCodes(const Session& session, std::string_view layout, LabelData& data);
+Result<void> CombineMiscBarCodes(const LabelDesign& design, LabelData& data);
 
 /// A run such as "CNLN" as the fields that it names, unknown pairs left out; and back.
 std::vector<std::size_t> FieldsOfRun(std::string_view run);

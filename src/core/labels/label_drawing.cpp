@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <functional>
 
 #include "core/base/number.h"
 #include "core/base/text.h"
@@ -19,13 +20,15 @@ constexpr int kMostLabelsASide = 100;
 constexpr int kMostLabels = 99999;
 constexpr double kMostTwips = 200 * kTwipsPerInch;
 
-/// Reads the records of one layout.
+/// Reads the records of one layout, on file or in memory.
 class Layout {
  public:
-  Layout(const Session& session, LabelKind kind, std::string_view name) : session_(session), kind_(kind), name_(name) {}
-  std::string Text(std::string_view item, std::string_view key) const {
-    return LabelSetting(session_, kind_, name_, fmt::format("{} {}", item, key));
-  }
+  Layout(const Session& session, LabelKind kind, std::string_view name)
+      : read_([&session, kind, name](std::string_view key) { return LabelSetting(session, kind, name, key); }) {}
+  explicit Layout(const LabelDesign& design) : read_([&design](std::string_view key) { return design.Text(key); }) {}
+
+  std::string Text(std::string_view key) const { return read_(key); }
+  std::string Text(std::string_view item, std::string_view key) const { return read_(fmt::format("{} {}", item, key)); }
   int Number(std::string_view item, std::string_view key) const { return LeadingInteger(Text(item, key)); }
   double Twips(std::string_view item, std::string_view key) const {
     return std::clamp<double>(Number(item, key), 0, kMostTwips);
@@ -42,20 +45,36 @@ class Layout {
   }
 
  private:
-  const Session& session_;
-  LabelKind kind_;
-  std::string_view name_;
+  std::function<std::string(std::string_view key)> read_;
 };
+
+LabelPaper PaperOf(const Layout& layout) {
+  const auto number = [&](std::string_view key) { return LeadingInteger(layout.Text(key)); };
+  const auto twips = [&](std::string_view key, double least) {
+    return std::clamp<double>(number(key), least, kMostTwips);
+  };
+  return {.printer = layout.Text("Printer"),
+          .paper = layout.Text("Paper Type"),
+          .orientation = std::clamp(number("Orientation"), 0, 3),
+          .across = std::clamp(number("Labels Across"), 1, kMostLabelsASide),
+          .down = std::clamp(number("Labels Down"), 1, kMostLabelsASide),
+          .width = twips("Label Width", 1),
+          .length = twips("Label Length", 1),
+          .left = twips("Left Margin", 0),
+          .top = twips("Top Margin", 0)};
+}
 
 class LabelWriter {
  public:
-  LabelWriter(const Session& session, std::string_view layout, const LabelData& data, const LabelOptions& options)
-      : session_(session), layout_(session, LabelKind::Label, layout), data_(data), options_(options) {
-    drawing_.symbology =
-        FindSymbology(LabelSetting(session, LabelKind::Label, layout, "Label BC Type")).value_or(Symbology::NotUsing);
+  LabelWriter(const Session& session, const Layout& layout, const LabelData& data, const LabelOptions& options)
+      : session_(session), layout_(layout), data_(data), options_(options) {
+    drawing_.symbology = FindSymbology(layout.Text("Label BC Type")).value_or(Symbology::NotUsing);
   }
 
   LabelDrawing Write() {
+    const LabelPaper paper = PaperOf(layout_);
+    drawing_.width = paper.width;
+    drawing_.length = paper.length;
     const auto fields = LabelFields();
     constexpr std::size_t kTexts = kLabelFields - 2;
     for (std::size_t i = 0; i < kTexts; ++i)
@@ -110,28 +129,41 @@ class LabelWriter {
   }
 
   const Session& session_;
-  Layout layout_;
+  const Layout& layout_;
   const LabelData& data_;
   const LabelOptions& options_;
   LabelDrawing drawing_;
 };
 
+LabelDrawing SmallDrawing(LabelKind kind, const Layout& layout, const SmallLabelData& data) {
+  const LabelPaper paper = PaperOf(layout);
+  LabelDrawing drawing{.width = paper.width, .length = paper.length};
+  for (const std::string_view item : kind == LabelKind::Hazard ? HazardItems() : FormulaItems()) {
+    std::string text = data.Of(item);
+    if (!text.empty() && layout.Number(item, "Enabled") == 1)
+      drawing.elements.push_back(layout.Element(What::Text, item, std::move(text)));
+  }
+  if (kind != LabelKind::Hazard) return drawing;
+  const double inches = LeadingNumber(layout.Text("Picto Size"));
+  for (int i = 1; i <= 9; ++i) {
+    const std::string item = fmt::format("Picto_Image {}", i);
+    if (layout.Number(item, "Visible") != 1) continue;
+    LabelElement picto = layout.Element(What::Pictogram, item, {});
+    picto.number = i;
+    picto.size = std::clamp(inches, 0.25, 2.0) * kTwipsPerInch;
+    drawing.elements.push_back(std::move(picto));
+  }
+  return drawing;
+}
+
 }  // namespace
 
 LabelPaper PaperOfLayout(const Session& session, LabelKind kind, std::string_view layout) {
-  const auto text = [&](std::string_view key) { return LabelSetting(session, kind, layout, key); };
-  const auto twips = [&](std::string_view key, double least) {
-    return std::clamp<double>(LeadingInteger(text(key)), least, kMostTwips);
-  };
-  return {.printer = text("Printer"),
-          .paper = text("Paper Type"),
-          .orientation = std::clamp(LeadingInteger(text("Orientation")), 0, 3),
-          .across = std::clamp(LeadingInteger(text("Labels Across")), 1, kMostLabelsASide),
-          .down = std::clamp(LeadingInteger(text("Labels Down")), 1, kMostLabelsASide),
-          .width = twips("Label Width", 1),
-          .length = twips("Label Length", 1),
-          .left = twips("Left Margin", 0),
-          .top = twips("Top Margin", 0)};
+  return PaperOf(Layout(session, kind, layout));
+}
+
+LabelPaper PaperOfDesign(const LabelDesign& design) {
+  return PaperOf(Layout(design));
 }
 
 LabelOptions OptionsOfLabels(const Session& session) {
@@ -140,34 +172,21 @@ LabelOptions OptionsOfLabels(const Session& session) {
 
 LabelDrawing DrawLabel(const Session& session, std::string_view layout, const LabelData& data,
                        const LabelOptions& options) {
-  LabelDrawing drawing = LabelWriter(session, layout, data, options).Write();
-  const LabelPaper paper = PaperOfLayout(session, LabelKind::Label, layout);
-  drawing.width = paper.width;
-  drawing.length = paper.length;
-  return drawing;
+  return LabelWriter(session, Layout(session, LabelKind::Label, layout), data, options).Write();
+}
+
+LabelDrawing DrawLabel(const Session& session, const LabelDesign& design, const LabelData& data,
+                       const LabelOptions& options) {
+  return LabelWriter(session, Layout(design), data, options).Write();
 }
 
 LabelDrawing DrawSmallLabel(const Session& session, LabelKind kind, std::string_view layout,
                             const SmallLabelData& data) {
-  const Layout records(session, kind, layout);
-  const LabelPaper paper = PaperOfLayout(session, kind, layout);
-  LabelDrawing drawing{.width = paper.width, .length = paper.length};
-  for (const std::string_view item : kind == LabelKind::Hazard ? HazardItems() : FormulaItems()) {
-    std::string text = data.Of(item);
-    if (!text.empty() && records.Number(item, "Enabled") == 1)
-      drawing.elements.push_back(records.Element(What::Text, item, std::move(text)));
-  }
-  if (kind != LabelKind::Hazard) return drawing;
-  const double inches = LeadingNumber(LabelSetting(session, kind, layout, "Picto Size"));
-  for (int i = 1; i <= 9; ++i) {
-    const std::string item = fmt::format("Picto_Image {}", i);
-    if (records.Number(item, "Visible") != 1) continue;
-    LabelElement picto = records.Element(What::Pictogram, item, {});
-    picto.number = i;
-    picto.size = std::clamp(inches, 0.25, 2.0) * kTwipsPerInch;
-    drawing.elements.push_back(std::move(picto));
-  }
-  return drawing;
+  return SmallDrawing(kind, Layout(session, kind, layout), data);
+}
+
+LabelDrawing DrawSmallLabel(const LabelDesign& design, const SmallLabelData& data) {
+  return SmallDrawing(design.Kind(), Layout(design), data);
 }
 
 LabelPlace PlaceOfLabel(const LabelPaper& paper, int start, int number) {
@@ -177,13 +196,13 @@ LabelPlace PlaceOfLabel(const LabelPaper& paper, int start, int number) {
           paper.top + onPage / paper.across * paper.length};
 }
 
+std::string CleanUpPaperType(std::string_view name) {
+  return Trim(name.substr(0, name.find('\0')));
+}
+
 int ReadLabelCount(std::string_view typed) {
   const auto number = ParseNumber(typed);
   return number && *number >= 1 ? static_cast<int>(std::min<double>(std::floor(*number), kMostLabels)) : 1;
-}
-
-std::filesystem::path PicturesOfLabels(const Session& session) {
-  return session.DataFolder / "Label Images";
 }
 
 Result<void> CheckLabelPicture(std::string_view format, int pixelsAcross, int pixelsDown, double pixelsPerInch) {

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <filesystem>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -51,6 +50,7 @@ struct LabelPaper {
   int Capacity() const { return across * down; }
 };
 LabelPaper PaperOfLayout(const Session& session, LabelKind kind, std::string_view layout);
+LabelPaper PaperOfDesign(const LabelDesign& design);
 
 struct LabelOptions {
   bool identifiers = true;  ///< the scan tag stands in each bar code
@@ -63,6 +63,10 @@ LabelDrawing DrawLabel(const Session& session, std::string_view layout, const La
                        const LabelOptions& options);
 LabelDrawing DrawSmallLabel(const Session& session, LabelKind kind, std::string_view layout,
                             const SmallLabelData& data);
+/// The same of a layout that is being worked on.
+LabelDrawing DrawLabel(const Session& session, const LabelDesign& design, const LabelData& data,
+                       const LabelOptions& options);
+LabelDrawing DrawSmallLabel(const LabelDesign& design, const SmallLabelData& data);
 
 /// The page (from 0) and the place on it of the label of that number (from 0), the first of which stands at `start`
 /// (from 1, kept within the sheet).
@@ -72,11 +76,10 @@ struct LabelPlace {
   double top = 0;
 };
 LabelPlace PlaceOfLabel(const LabelPaper& paper, int start, int number);
+/// The name of a paper as a driver gives it, without the blanks and zeros behind it.
+std::string CleanUpPaperType(std::string_view name);
 /// How many labels are wanted, as typed: 1 where it is no number above 0.
 int ReadLabelCount(std::string_view typed);
-
-/// The folder of the pictures, beside the Support Files; a layout stores the name alone.
-std::filesystem::path PicturesOfLabels(const Session& session);
 
 /// The sizes and the resolution that a picture of a label may have.
 Result<void> CheckLabelPicture(std::string_view format, int pixelsAcross, int pixelsDown, double pixelsPerInch);

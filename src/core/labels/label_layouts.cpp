@@ -3,8 +3,9 @@
 #include <fmt/format.h>
 
 #include <algorithm>
-#include <array>
+#include <tuple>
 
+#include "core/base/files.h"
 #include "core/base/number.h"
 #include "core/base/text.h"
 #include "core/labels/barcodes.h"
@@ -58,34 +59,28 @@ void TellLayouts(Session& session, LabelKind kind, const std::vector<std::string
 // Positions, sizes and counts of labels are whole numbers from 0; these keys tell how many at most.
 constexpr int kMostTwips = 200 * 1440;
 constexpr int kMostLabels = 100;
+constexpr int kLargestFont = 400;
 
-bool IsWholeBetween(std::string_view value, int least, int most) {
+bool IsWholeBetween(std::string_view value, const LabelBounds& bounds) {
   const auto number = ParseNumber(value);
-  return number && *number == static_cast<int>(*number) && *number >= least && *number <= most;
+  return number && *number == static_cast<int>(*number) && *number >= bounds.least && *number <= bounds.most;
 }
 
 // What the key can be, where the value is not that.
 std::string WhatKeyShouldBe(std::string_view key, std::string_view value) {
-  const auto whole = [&](int least, int most) {
-    return IsWholeBetween(value, least, most) ? std::string()
-                                              : fmt::format("a whole number from {} to {}", least, most);
-  };
   const auto oneOf = [&](std::initializer_list<std::string_view> choices) {
     if (std::ranges::find(choices, value) != choices.end()) return std::string();
     return fmt::format("one of \"{}\"", fmt::join(choices, "\", \""));
   };
-  if (key == "Labels Across" || key == "Labels Down") return whole(1, kMostLabels);
-  if (key == "Label Length" || key == "Label Width") return whole(1, kMostTwips);
-  if (key == "Orientation") return whole(0, 3);
+  if (const auto bounds = BoundsOfLabelKey(key))
+    return IsWholeBetween(value, *bounds) ? std::string()
+                                          : fmt::format("a whole number from {} to {}", bounds->least, bounds->most);
   if (key == "Label_UOM") return oneOf({"in.", " mm."});
   if (key == "Picto Size") return oneOf({"2", "1.75", "1.50", "1.25", "1", ".75", ".50", ".25"});
   if (key == "Label BC Type")
     return oneOf({SymbologyName(Symbology::NotUsing), SymbologyName(Symbology::Code39),
                   SymbologyName(Symbology::Code39Check), SymbologyName(Symbology::Code128)});
-  if (key.ends_with(" Visible") || key.ends_with(" Title") || key.ends_with(" Enabled")) return whole(0, 1);
   if (key.ends_with(" FontBold")) return oneOf({"True", "False"});
-  if (key.ends_with(" FontSize")) return whole(1, 400);
-  if (key.ends_with(" Top") || key.ends_with(" Left") || key.ends_with(" Margin")) return whole(0, kMostTwips);
   return {};
 }
 
@@ -102,20 +97,61 @@ std::vector<SupportRecord> Completed(LabelKind kind, std::string_view name, cons
 }
 
 Result<void> CheckDesign(const std::vector<SupportRecord>& records) {
-  for (const SupportRecord& record : records) {
-    const std::string should = WhatKeyShouldBe(record.key, record.value);
-    if (!should.empty())
-      return Refuse("Label Layout", fmt::format("{} is {}, not \"{}\".", record.key, should, record.value), record.key);
-  }
+  for (const SupportRecord& record : records)
+    if (auto checked = CheckLabelValue(record.key, record.value); !checked) return checked;
   return {};
 }
 
-Result<void> WriteDesign(Session& session, LabelKind kind, const std::vector<SupportRecord>& records) {
+constexpr std::string_view kPictureKey = "Picture Image Location";
+constexpr std::size_t kLargestPicture = 8U << 20U;  // bytes
+
+// Copies a picture from elsewhere to the pictures of labels; the name that it has there, and the file if it is new.
+Result<std::pair<std::string, std::filesystem::path>> KeepPicture(const Session& session,
+                                                                  const std::filesystem::path& picture) {
+  const std::filesystem::path folder = PicturesOfLabels(session);
+  if (picture.parent_path() == folder) return std::pair{picture.filename().string(), std::filesystem::path()};
+  std::error_code error;
+  if (!std::filesystem::is_regular_file(picture, error))
+    return Refuse("Picture Selection", picture.string() + " is no longer there.", std::string(kPictureKey));
+  const std::string bytes = ReadFileBytes(picture, kLargestPicture + 1);
+  if (bytes.size() > kLargestPicture)
+    return Refuse("Picture Selection", picture.string() + " is too large for a picture of a label.",
+                  std::string(kPictureKey));
+  MakeFolder(folder);
+  const std::string stem = picture.stem().string();
+  const std::string ending = picture.extension().string();
+  for (int number = 1;; ++number) {
+    const std::string name = number == 1 ? stem + ending : fmt::format("{} {}{}", stem, number, ending);
+    const std::filesystem::path target = folder / name;
+    if (std::filesystem::exists(target, error)) {
+      if (ReadFileBytes(target, kLargestPicture + 1) == bytes) return std::pair{name, std::filesystem::path()};
+      continue;
+    }
+    ReplaceFile(target, bytes);
+    return std::pair{name, target};
+  }
+}
+
+Result<void> WriteDesign(Session& session, LabelKind kind, std::vector<SupportRecord> records) {
   if (auto checked = CheckDesign(records); !checked) return checked;
-  FileOf(session, kind).Change([&](SupportRecords& file) {
-    file.RemoveRecords(records.front().layout);
-    for (const SupportRecord& record : records) file.Append(record.layout, record.key, record.value);
-  });
+  std::filesystem::path made;
+  const auto picture = std::ranges::find(records, kPictureKey, &SupportRecord::key);
+  if (picture != records.end() && std::filesystem::path(picture->value).is_absolute()) {
+    auto kept = KeepPicture(session, picture->value);
+    if (!kept) return std::unexpected(kept.error());
+    std::tie(picture->value, made) = *std::move(kept);
+  }
+  try {
+    FileOf(session, kind).Change([&](SupportRecords& file) {
+      file.RemoveRecords(records.front().layout);
+      for (const SupportRecord& record : records) file.Append(record.layout, record.key, record.value);
+    });
+  } catch (...) {
+    std::error_code error;
+    if (!made.empty()) std::filesystem::remove(made, error);
+    throw;
+  }
+  session.changes.Tell({{Change::Kind::Settings, "", "", Change::What::All, ""}});
   return {};
 }
 
@@ -133,6 +169,46 @@ Result<std::string> ReadLayoutName(std::string_view typed) {
 }
 
 }  // namespace
+
+int LabelDesign::Number(std::string_view key) const {
+  return LeadingInteger(Text(key));
+}
+
+LabelDesign ReadLabelDesign(const Session& session, LabelKind kind, std::string_view layout) {
+  return {kind, std::string(layout), LabelRecords(session, kind, layout)};
+}
+
+LabelDesign NewLabelDesign(LabelKind kind) {
+  return {kind, std::string(DefaultLayoutName), DefaultsOf(kind, DefaultLayoutName)};
+}
+
+std::filesystem::path PicturesOfLabels(const Session& session) {
+  return session.DataFolder / "Label Images";
+}
+
+std::optional<LabelBounds> BoundsOfLabelKey(std::string_view key) {
+  if (key == "Labels Across" || key == "Labels Down") return LabelBounds{1, kMostLabels};
+  if (key == "Label Length" || key == "Label Width") return LabelBounds{1, kMostTwips};
+  if (key == "Orientation") return LabelBounds{0, 3};
+  if (key.ends_with(" Visible") || key.ends_with(" Title") || key.ends_with(" Enabled")) return LabelBounds{0, 1};
+  if (key.ends_with(" FontSize")) return LabelBounds{1, kLargestFont};
+  if (key.ends_with(" Top") || key.ends_with(" Left") || key.ends_with(" Margin")) return LabelBounds{0, kMostTwips};
+  return std::nullopt;
+}
+
+Result<void> CheckLabelValue(std::string_view key, std::string_view value) {
+  if (const std::string should = WhatKeyShouldBe(key, value); !should.empty())
+    return Refuse("Label Layout", fmt::format("{} is {}, not \"{}\".", key, should, value), std::string(key));
+  if (HoldsForeignName(key)) return {};
+  if (value.find_first_of("\"\r\n") != std::string_view::npos)
+    return Refuse("Label Layout", "A text of a Label Layout cannot hold the character \".", std::string(key));
+  if (!FitsCp1252(value))
+    return Refuse(
+        "Label Layout",
+        fmt::format("{} cannot hold \"{}\": it has a character that the file of layouts does not know.", key, value),
+        std::string(key));
+  return {};
+}
 
 std::vector<std::string> LabelLayouts(const Session& session, LabelKind kind) {
   return SplitMarked(GetSetting(session, ListOf(kind)), '|');
@@ -159,10 +235,10 @@ Result<void> SaveLabelSetting(Session& session, LabelKind kind, std::string_view
   const std::vector<SupportRecord> defaults = DefaultsOf(kind, *name);
   if (std::ranges::find(defaults, key, &SupportRecord::key) == defaults.end())
     return Refuse("Label Layout", fmt::format("A Label Layout has no key {}.", key), "KEY");
-  const std::string should = WhatKeyShouldBe(key, value);
-  if (!should.empty()) return Refuse("Label Layout", fmt::format("{} is {}, not \"{}\".", key, should, value), "VALUE");
-  if (value.find('"') != std::string_view::npos && !HoldsForeignName(key))
-    return Refuse("Label Layout", "A text of a Label Layout cannot hold the character \".", "VALUE");
+  if (auto checked = CheckLabelValue(key, value); !checked) {
+    checked.error().field = "VALUE";
+    return checked;
+  }
   FileOf(session, kind).Change([&](SupportRecords& file) {
     if (!file.Set(*name, key, value)) file.InsertAfter(*name, key, {{*name, std::string(key), std::string(value)}});
   });

@@ -63,9 +63,10 @@ Result<void> OfType(const ScanRecord& record, const Sought& sought, Rows& rows) 
   }
   const bool mixed = std::ranges::any_of(rows, [&](const JobRecord& row) { return row.Kind() != rows.front().Kind(); });
   if (mixed)
-    return Fail(fmt::format("Color: {} exists on Job: {} as a Formula and Basic.\nChoose a specific color type for this item.",
-                            sought.color, sought.job),
-                "optCT");
+    return Fail(
+        fmt::format("Color: {} exists on Job: {} as a Formula and Basic.\nChoose a specific color type for this item.",
+                    sought.color, sought.job),
+        "optCT");
   return {};
 }
 
@@ -73,32 +74,35 @@ Result<void> OfDatabase(const ScanRecord& record, const Sought& sought, Rows& ro
   if (const std::string database = Given(record.DB); !database.empty()) {
     std::erase_if(rows, [&](const JobRecord& row) { return !EqualNoCase(row.Database, database); });
     if (!rows.empty()) return {};
-    return Fail(fmt::format("Color: {} on Job Number: {} is not found in database: {}", sought.color, sought.job, database),
-                "cmbDB");
+    return Fail(
+        fmt::format("Color: {} on Job Number: {} is not found in database: {}", sought.color, sought.job, database),
+        "cmbDB");
   }
   std::set<std::string> databases;
   for (const JobRecord& row : rows) databases.insert(row.Database);
   if (databases.size() == 1) return {};
-  std::string text =
-      fmt::format("Color: {} is found in multiple databases on Job: {}\nDatabases: \nChoose a database from the "
-                  "following list.\n",
-                  sought.color, sought.job);
+  std::string text = fmt::format(
+      "Color: {} is found in multiple databases on Job: {}\nDatabases: \nChoose a database from the "
+      "following list.\n",
+      sought.color, sought.job);
   for (const std::string& database : databases) text += "\n" + database;
   return Fail(std::move(text), "cmbDB");
 }
 
 std::unexpected<Refusal> SeveralOfLot(const Sought& sought, const Rows& rows) {
-  std::string text = fmt::format("Multiple Lot Number usage for: {} on Job Number: {}\n\nJob Qty. Issued  Lot Location  Lot Cont ID",
-                                 sought.color, sought.job);
+  std::string text =
+      fmt::format("Multiple Lot Number usage for: {} on Job Number: {}\n\nJob Qty. Issued  Lot Location  Lot Cont ID",
+                  sought.color, sought.job);
   for (const JobRecord& row : rows)
     text += fmt::format("\n{}  {}  {}", Fixed(row.QtyIssued, 3), row.LotLoc, row.LotContID);
   return Fail(text + "\n\n" + std::string(kUpdate), "txtScanLC");
 }
 
 std::unexpected<Refusal> SeveralTimes(const Sought& sought, const Rows& rows) {
-  std::string text = fmt::format("{} is recorded on Job Number: {} {} times.\nUse the data below to update information - Process "
-                                 "Again.\n\nDatabase  Color Type  Lot Number",
-                                 sought.color, sought.job, rows.size());
+  std::string text = fmt::format(
+      "{} is recorded on Job Number: {} {} times.\nUse the data below to update information - Process "
+      "Again.\n\nDatabase  Color Type  Lot Number",
+      sought.color, sought.job, rows.size());
   for (const JobRecord& row : rows)
     text += fmt::format("\n{}  {}  {}", row.Database, TypeName(row.Kind()),
                         row.LotRefID == 0 ? std::string(kUnlottedInv) : row.LotNumber);
@@ -111,8 +115,9 @@ Result<JobRecord> OfLot(const ScanRecord& record, const Sought& sought, Rows& ro
   if (unlotted) {
     std::erase_if(rows, [](const JobRecord& row) { return row.LotRefID != 0; });
     if (rows.empty())
-      return Fail(fmt::format("No UnLotted Inventory reference for Color: {} on Job Number: {}", sought.color, sought.job),
-                  "txtScanLN");
+      return Fail(
+          fmt::format("No UnLotted Inventory reference for Color: {} on Job Number: {}", sought.color, sought.job),
+          "txtScanLN");
   } else if (!lot.empty() || record.LR) {
     std::erase_if(rows, [&](const JobRecord& row) {
       return (record.LR && row.LotRefID != *record.LR) || (!lot.empty() && !EqualNoCase(row.LotNumber, lot));
@@ -156,12 +161,13 @@ Result<std::string> Return(Session& session, ScanRecord& record) {
   if (!record.Qty || *record.Qty <= 0)
     return Fail(fmt::format("A quantity above 0 is required for Color: {}\n\n{}", row->Color_Name, kUpdate), "txtQty");
   if (*record.Qty > row->QtyUsed)
-    return Fail(fmt::format("Quantity returned to the Job Number: {} was larger than issued.\nJob Qty Issued: {}\nStill out: "
-                            "{}\nJob Qty Returned: {}\nRevise the Quantity - Process Again.",
-                            row->JobNumber, Fixed(row->QtyIssued, 3), Fixed(row->QtyUsed, 3), Fixed(*record.Qty, 3)),
-                "txtQty");
-  const auto left = ReturnFromJob(
-      session, {.row = row->row, .quantity = *record.Qty, .LotLoc = record.LL, .LotContID = record.LC});
+    return Fail(
+        fmt::format("Quantity returned to the Job Number: {} was larger than issued.\nJob Qty Issued: {}\nStill out: "
+                    "{}\nJob Qty Returned: {}\nRevise the Quantity - Process Again.",
+                    row->JobNumber, Fixed(row->QtyIssued, 3), Fixed(row->QtyUsed, 3), Fixed(*record.Qty, 3)),
+        "txtQty");
+  const auto left =
+      ReturnFromJob(session, {.row = row->row, .quantity = *record.Qty, .LotLoc = record.LL, .LotContID = record.LC});
   if (!left) return std::unexpected(left.error());
   record.CN = row->Color_Name;
   record.DB = row->Database;

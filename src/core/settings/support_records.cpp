@@ -107,7 +107,8 @@ std::string_view TakeLine(std::string_view& bytes) {
 
 bool HoldsForeignName(std::string_view key) {
   return key.starts_with("dbFileName") || key.ends_with("FileLocation") || key.ends_with("_DefaultDir") ||
-         key.ends_with("_DefaultFileName") || key == "PrinterDevice" || key == "PrinterFont" || key == "ReportPrinter";
+         key.ends_with("_DefaultFileName") || key == "PrinterDevice" || key == "PrinterFont" || key == "ReportPrinter" ||
+         key == "Printer" || key == "Paper Type" || key == "Picture Image Location" || key.ends_with(" FontName");
 }
 
 SupportRecords::SupportRecords(RecordShape shape, std::vector<SupportRecord> records)
