@@ -15,6 +15,7 @@
 #include "desktop/kit/wait_progress.h"
 #include "desktop/kit/window_list.h"
 #include "desktop/jobs/design_windows.h"
+#include "desktop/labels/register.h"
 #include "desktop/reports/register.h"
 #include "desktop/session/register.h"
 #include "desktop/settings/register.h"
@@ -50,6 +51,7 @@ int main(int argc, char** argv) {
   vellumark::desktop::RegisterBatchWindows(windows);
   vellumark::desktop::RegisterDesignWindows(windows);
   vellumark::desktop::RegisterReportsWindows(windows);
+  vellumark::desktop::RegisterLabelWindows(windows);
 
   vellumark::desktop::Program program(windows);
   vellumark::desktop::RegisterDatafileWindows(windows, program.Windows());

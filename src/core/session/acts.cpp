@@ -270,6 +270,11 @@ constexpr WayIn kWindows[] = {
     {"ImportExamineLocalFileDesign", Act::Look},
     {"ExportBatchesForm", Act::Look},
     {"ExportJobRecords", Act::Look},
+    // Labels. Their layouts are settings.
+    {"LabelMenu", Act::Look},
+    {"SaveLabelLayoutForm", Act::Options},
+    {"GH_LabelSaveForm", Act::Options},
+    {"Formula_LabelSaveForm", Act::Options},
     // What is printed and reported.
     {"PrintBoxForm", Act::Look},
     {"ViewRecordForm", Act::Look},

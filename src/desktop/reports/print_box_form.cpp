@@ -2,7 +2,6 @@
 
 #include <QFontDatabase>
 #include <QHBoxLayout>
-#include <QPrinterInfo>
 #include <QStandardPaths>
 #include <array>
 #include <filesystem>
@@ -25,18 +24,7 @@ constexpr std::array kZooms{PagePreview::kWholePage, PagePreview::kPageWidth, 0.
 constexpr const char* kPaperKey = "print/paper";
 constexpr const char* kPercentKey = "print/percent";
 
-std::unique_ptr<QPrinter> OpenPrinter(const std::string& device) {
-  if (QPrinterInfo::printerInfo(Q(device)).isNull()) throw Failure(device, "This printer is no longer there.");
-  auto printer = std::make_unique<QPrinter>(QPrinter::HighResolution);
-  printer->setPrinterName(Q(device));
-  return printer;
-}
-
 }  // namespace
-
-PrintDevices PrintDevices::OfSystem() {
-  return {.printers = PrintersOfSystem, .open = OpenPrinter, .chooseFile = ChooseFile};
-}
 
 PrintBoxForm::PrintBoxForm(WindowList& windowList, QWidget* owner, PrintDevices devices)
     : Dialog(windowList, owner, "PrintBoxForm", tr("Print Control")),

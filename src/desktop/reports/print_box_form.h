@@ -1,30 +1,17 @@
 #pragma once
 
-#include <QPrinter>
 #include <functional>
-#include <memory>
 #include <utility>
 #include <vector>
 
 #include "core/base/sheet.h"
-#include "desktop/datafile/file_choice.h"
 #include "desktop/kit/window.h"
-#include "desktop/settings/printers.h"
+#include "desktop/reports/print_devices.h"
 #include "paper/pdf.h"
 
 namespace vellumark::desktop {
 
 class PagePreview;
-
-/// Where pages can go.
-struct PrintDevices {
-  PrinterSource printers = PrintersOfSystem;
-  /// The printer of that device name; throws Failure when it is gone.
-  std::function<std::unique_ptr<QPrinter>(const std::string& device)> open;
-  FileChooser chooseFile = ChooseFile;
-
-  static PrintDevices OfSystem();
-};
 
 /// Print Control: which printer, how the pages are to be, and what they look like. Opened with {"Sheet", Sheet}.
 class PrintBoxForm : public Dialog {

@@ -4,6 +4,7 @@
 #include "core/reports/find.h"
 #include "desktop/reports/find_form.h"
 #include "desktop/reports/find_menu.h"
+#include "desktop/reports/print_box_form.h"
 #include "desktop/reports/report_export_form.h"
 #include "desktop/reports/report_form.h"
 #include "desktop/reports/reports_form.h"

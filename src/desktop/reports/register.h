@@ -1,7 +1,7 @@
 #pragma once
 
 #include "desktop/kit/window_list.h"
-#include "desktop/reports/print_box_form.h"
+#include "desktop/reports/print_devices.h"
 
 namespace vellumark::desktop {
 

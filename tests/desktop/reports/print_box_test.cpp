@@ -6,6 +6,7 @@
 #include <fstream>
 
 #include "core/base/files.h"
+#include "core/base/sheet.h"
 #include "desktop/reports/page_preview.h"
 #include "desktop/reports/register.h"
 #include "support/desktop.h"

@@ -11,6 +11,7 @@
 #include "desktop/datafile/register.h"
 #include "desktop/inventory/register.h"
 #include "desktop/jobs/design_windows.h"
+#include "desktop/labels/register.h"
 #include "desktop/reports/register.h"
 #include "desktop/session/register.h"
 #include "desktop/settings/register.h"
@@ -33,6 +34,7 @@ struct AllWindows : Desk {
     desktop::RegisterBatchWindows(windows);
     desktop::RegisterDesignWindows(windows);
     desktop::RegisterReportsWindows(windows);
+    desktop::RegisterLabelWindows(windows);
     desktop::RegisterDatafileWindows(windows, program.Windows());
     desktop::RegisterBackupWindows(windows, program.Windows());
   }

@@ -9,6 +9,7 @@
 #include "desktop/inventory/register.h"
 #include "desktop/kit/wait_progress.h"
 #include "desktop/jobs/design_windows.h"
+#include "desktop/labels/register.h"
 #include "desktop/reports/register.h"
 #include "desktop/session/register.h"
 #include "desktop/settings/register.h"
@@ -34,10 +35,11 @@ struct RunningProgram {
     desktop::RegisterInventoryWindows(windows);
     desktop::RegisterBatchWindows(windows);
     desktop::RegisterDesignWindows(windows);
-    desktop::RegisterReportsWindows(windows,
-                                    {.printers = [] { return desktop::SystemPrinters{}; },
-                                     .open = {},
-                                     .chooseFile = [](const desktop::FileChoice&, QWidget*) { return QString(); }});
+    const desktop::PrintDevices nowhere{.printers = [] { return desktop::SystemPrinters{}; },
+                                        .open = {},
+                                        .chooseFile = [](const desktop::FileChoice&, QWidget*) { return QString(); }};
+    desktop::RegisterReportsWindows(windows, nowhere);
+    desktop::RegisterLabelWindows(windows, nowhere);
     desktop::RegisterDatafileWindows(windows, program.Windows(), platform);
     desktop::RegisterBackupWindows(windows, program.Windows(), platform.choose);
     program.Windows().SkipSplash();
