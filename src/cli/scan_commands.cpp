@@ -6,6 +6,7 @@
 #include "core/base/files.h"
 #include "core/base/number.h"
 #include "core/labels/scan_return.h"
+#include "core/labels/scan_undo.h"
 
 namespace vellumark::cli {
 namespace {
@@ -33,6 +34,7 @@ Json RecordJson(const ScanRecord& record) {
   json["Qty"] = record.Qty ? Number(*record.Qty) : Json();
   json["Success"] = record.state == ScanRecord::State::Successful;
   json["Message"] = record.Message;
+  json["Line"] = record.Line == 0 ? Json() : Json(record.Line);
   return json;
 }
 
@@ -48,6 +50,7 @@ Result<std::vector<ScanRecord>> ReadAnswer(const std::string& path) {
       if (json.contains("LR") && !json["LR"].is_null()) record.LR = json["LR"].get<std::int32_t>();
       if (json.contains("Qty") && !json["Qty"].is_null()) record.Qty = json["Qty"].get<float>();
       record.Message = json.value("Message", "");
+      if (json.contains("Line") && !json["Line"].is_null()) record.Line = json["Line"].get<std::int64_t>();
       record.state = json.at("Success").get<bool>() ? ScanRecord::State::Successful : ScanRecord::State::Failed;
       records.push_back(std::move(record));
     }
@@ -85,6 +88,14 @@ void AddScanCommand(CLI::App& stockNoun, Commands& commands) {
                  "FILE is the JSON answer of an earlier scan, mended: what failed is booked, what was done is not again");
   scan->footer("Each record is booked by itself. Exit status 1 when one was not, and why is told with it.");
   commands.Add(scan, Needs::Writable, [options](Context& context) { return ScanFile(context, *options); });
+
+  auto* undo = stockNoun.add_subcommand("undo", "Take a scanned booking back by its line of the stock history");
+  const auto line = std::make_shared<std::int64_t>(0);
+  undo->add_option("LINE", *line, "The ID of the line")->required()->check(CLI::PositiveNumber);
+  commands.Add(undo, Needs::Writable, [line](Context& context) -> Result<Json> {
+    if (auto undone = UndoScan(context.session, *line); !undone) return std::unexpected(undone.error());
+    return Json{{"Line", *line}, {"Undone", true}};
+  });
 }
 
 }  // namespace vellumark::cli

@@ -101,6 +101,7 @@ std::vector<Line> Lines(const test::CliRoom& room) {
       {{"stock", "low"}, {}},
       {{"stock", "history"}, {}},
       {{"stock", "scan", folder + "/none.txt"}, {}},
+      {{"stock", "undo", "99999"}, {}},
       {{"stock", "adjust", "BLUE", "0.5"}, {}},
       {{"stock", "reset", "inventory", "NONE"}, {}},
       {{"stock", "reset", "date", "NONE", "2026-01-01"}, {}},

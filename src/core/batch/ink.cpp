@@ -7,10 +7,11 @@
 
 namespace vellumark {
 
-std::optional<Ink> InkOf(const Session& session, ColorKind kind, std::string_view name) {
+std::optional<Ink> InkOf(const Session& session, ColorKind kind, std::string_view name,
+                         const std::string& database) {
   Statement row =
       session.File().Prepare(fmt::format("SELECT Red, Green, Blue FROM {} WHERE Color_Name = ? ORDER BY RowKey LIMIT 1",
-                                         session.QuotedTable(ColorTable(kind))));
+                                         session.QuotedTable(ColorTable(kind), database)));
   row.Bind(1, name);
   if (!row.Step()) return std::nullopt;
   const auto part = [&](int column) { return static_cast<int>(row.Whole(column)); };

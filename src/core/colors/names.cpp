@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <array>
+#include <span>
 
 #include "core/base/text.h"
 
@@ -13,6 +14,17 @@ namespace {
 constexpr std::size_t kTagLength = 4;
 constexpr std::array<std::string_view, 15> kScanTags{"<CC>", "<CN>", "<DB>", "<DT>", "<JN>", "<LN>", "<LL>", "<LC>",
                                                      "<U1>", "<U2>", "<M1>", "<M2>", "<M3>", "<M4>", "<UN>"};
+// What labels say beside that: codes for the scan of a whole container.
+constexpr std::array<std::string_view, 4> kOtherTags{"<CT>", "<LR>", "<BI>", "<SN>"};
+
+bool BeginsWithOne(std::string_view text, std::span<const std::string_view> tags) {
+  const std::string_view front = text.substr(0, kTagLength);
+  return std::ranges::any_of(tags, [&](std::string_view tag) { return EqualNoCase(tag, front); });
+}
+
+void EraseMarks(std::string& text) {
+  std::erase_if(text, [](char c) { return c == '<' || c == '>'; });
+}
 
 bool IsPlainNameCharacter(char c) {
   return (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == ' ' || c == '.' || c == '/' || c == '-';
@@ -55,14 +67,13 @@ std::optional<char> NameKey(char32_t typed, NameKeys keys) {
 }
 
 bool HasScanTag(std::string_view text) {
-  const std::string_view front = text.substr(0, kTagLength);
-  return std::ranges::any_of(kScanTags, [&](std::string_view tag) { return EqualNoCase(tag, front); });
+  return BeginsWithOne(text, kScanTags);
 }
 
 std::string StripScanTag(std::string_view text) {
-  if (HasScanTag(text)) text.remove_prefix(kTagLength);
-  std::string stripped(text);
-  std::erase_if(stripped, [](char c) { return c == '<' || c == '>'; });
+  if (!HasScanTag(text) && !BeginsWithOne(text, kOtherTags)) return std::string(text);
+  std::string stripped(text.substr(kTagLength));
+  EraseMarks(stripped);
   return stripped;
 }
 
@@ -71,7 +82,10 @@ std::string ReadNewName(const Session& session, std::string_view typed) {
 }
 
 std::string ReadName(const Session& session, std::string_view typed) {
-  return Trim(StripScanTag(ReadNewName(session, typed)));
+  // The tag counts for nothing of the length: a label holds a name as long as names may be behind it.
+  std::string name = StripScanTag(TrimView(typed));
+  EraseMarks(name);
+  return Trim(ReadNewName(session, name));
 }
 
 bool HasPantonePrefix(std::string_view name) {

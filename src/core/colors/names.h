@@ -21,7 +21,8 @@ std::optional<char> NameKey(char32_t typed, NameKeys keys);
 
 /// True when the text begins with one of the four-character tags ("<CN>") that labels put before a value.
 bool HasScanTag(std::string_view text);
-/// The text without its scan tag and without any "<" and ">".
+/// The text without the tag of any code that a label has, and then without any "<" and ">"; a text without a tag stands
+/// as it is.
 std::string StripScanTag(std::string_view text);
 
 /// A name as it left its field: trimmed, cut to the configured length, upper case, without scan tag, "<" and ">".

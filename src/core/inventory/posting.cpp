@@ -275,6 +275,8 @@ std::optional<float> LotAfter(PostingSource source, const StockRules& rules, flo
   const SourceRule& rule = RuleOf(source);
   if (rule.effect == Effect::Sets) return std::nullopt;
   const float after = NewQuantity(rule.effect, before, quantity);
+  // A scan that is taken back leaves no empty lot behind, and otherwise exactly what was there.
+  if (source == PostingSource::ScanReturn && quantity < 0 && after <= 0) return std::nullopt;
   if (CutsOff(source, quantity) && CountsAsNothing(rule.lot, after, rules.InvCutoff)) return std::nullopt;
   return after;
 }

@@ -95,6 +95,18 @@ std::vector<Cell> CellsOf(const JobRecord& record) {
   return JobFields().Cells(record, kNewRowUses);
 }
 
+// Rows that returns took off their Jobs.
+const Table& Returned() {
+  static const Table table = [] {
+    Table kept = schema::JobRecords;
+    kept.name = "MSysReturnedItems";
+    kept.fields.push_back({"Line", FieldType::Long});
+    kept.indexes = {{"Line"}};
+    return kept;
+  }();
+  return table;
+}
+
 }  // namespace
 
 void ReplaceJobRecords(Session& session, std::int32_t batchNo, const std::vector<std::vector<Cell>>& rows) {
@@ -151,6 +163,39 @@ void DeleteJobRecord(Session& session, const JobRecord& record) {
   FollowLastUsed(session, record.DesignID);
   Tell(transaction, record.JobNumber);
   transaction.Commit();
+}
+
+void KeepReturned(Session& session, const JobRecord& record, std::int64_t line) {
+  Database& file = session.File();
+  if (!file.TableExists(Returned().name)) file.CreateTable(Returned().name, Returned());
+  std::vector<Cell> cells = CellsOf(record);
+  cells.emplace_back("Line", line);
+  InsertRow(file, Returned(), Returned().name, cells);
+}
+
+std::int64_t PutBackJobRecord(Session& session, std::int64_t line) {
+  Database& file = session.File();
+  if (!file.TableExists(Returned().name)) return 0;
+  Transaction transaction(file);
+  JobRecord record;
+  {
+    Statement kept = file.Prepare(fmt::format("SELECT {} FROM {} WHERE Line = ?1 LIMIT 1", JobFields().Columns(),
+                                              Quoted(Returned().name)));
+    kept.Bind(1, line);
+    if (!kept.Step()) return 0;
+    JobFields().Read(kept, 0, record);
+  }
+  const Value taken = file.Scalar("SELECT 1 FROM JobRecords WHERE BatchNo = ? LIMIT 1", {record.BatchNo});
+  if (!record.IsOfBatch() && !taken.IsNull()) return 0;
+  record.QtyUsed = 0;
+  record.row = InsertRow(file, schema::JobRecords, schema::JobRecords.name, CellsOf(record));
+  file.Prepare(fmt::format("DELETE FROM {} WHERE Line = ?1", Quoted(Returned().name))).Bind(1, line).Run();
+  if (record.IsOfBatch() && session.FindDatabase(record.Database) != nullptr)
+    StoreBatchJob(file, record.Database, record.BatchNo);
+  FollowLastUsed(session, record.DesignID);
+  Tell(transaction, record.JobNumber);
+  transaction.Commit();
+  return record.row;
 }
 
 Result<void> StoreJobNumber(Session& session, std::string_view number, std::string_view newNumber) {

@@ -25,6 +25,12 @@ void AddJobRecord(Session& session, JobRecord& record);
 void StoreJobRecord(Session& session, const JobRecord& record);
 void DeleteJobRecord(Session& session, const JobRecord& record);
 
+/// Keeps a row that a return took off its Job, beside the line of the stock history that tells of the return.
+void KeepReturned(Session& session, const JobRecord& record, std::int64_t line);
+/// Puts the row of that line back on its Job, with nothing used; its row number, 0 when none was kept or its number
+/// has gone to another item.
+std::int64_t PutBackJobRecord(Session& session, std::int64_t line);
+
 /// The new number on all rows of the Job and on its Batches. Refused while one of these is open.
 Result<void> StoreJobNumber(Session& session, std::string_view number, std::string_view newNumber);
 

@@ -10,6 +10,7 @@
 #include "core/base/units.h"
 #include "core/colors/amounts.h"
 #include "core/datafile/stock_trail.h"
+#include "core/inventory/taking_back.h"
 #include "core/jobs/job_records.h"
 
 namespace vellumark {
@@ -174,15 +175,12 @@ struct BookedLine {
   float after = 0;
 };
 
-std::string UndoMark(std::int64_t line) {
-  return fmt::format(", takes back line {}", line);
-}
-
 std::unexpected<Refusal> NotUndone(std::int64_t line, std::string_view why) {
-  return Refuse(kUndo, fmt::format("Line {} of the stock history {}.", line, why), "ID");
+  return NotTakenBack(kUndo, line, why);
 }
 
-Result<BookedLine> BookingOf(const Session& session, std::int64_t id) {
+// A return that left nothing on the row took it off its Job: it stands there again, with nothing used.
+Result<BookedLine> BookingOf(Session& session, std::int64_t id) {
   const auto line = ReadStockLine(session.File(), id);
   if (!line) return NotUndone(id, "does not exist");
   if (line->event != StockEvent::JobRecord) return NotUndone(id, "is no booking of a Job");
@@ -191,9 +189,7 @@ Result<BookedLine> BookingOf(const Session& session, std::int64_t id) {
   const std::size_t to = line->reason.find(" to ");
   if (!line->reason.starts_with("Item ") || colon == std::string::npos || to == std::string::npos)
     return NotUndone(id, "does not tell which item it was");
-  const Value undone = session.File().Scalar(
-      fmt::format("SELECT 1 FROM {} WHERE ID > ? AND Reason LIKE ? LIMIT 1", kStockHistoryTable), {id, "%" + UndoMark(id)});
-  if (!undone.IsNull()) return NotUndone(id, "was taken back already");
+  if (WasTakenBack(session, id)) return NotUndone(id, "was taken back already");
   const std::int32_t item = LeadingInteger(line->reason.substr(5));
   BookedLine booked{0, static_cast<float>(LeadingNumber(line->reason.substr(colon + 11))),
                     static_cast<float>(LeadingNumber(line->reason.substr(to + 4)))};
@@ -204,6 +200,7 @@ Result<BookedLine> BookingOf(const Session& session, std::int64_t id) {
                      booked.row = record.row;
                      return false;
                    });
+  if (booked.row == 0) booked.row = PutBackJobRecord(session, id);
   if (booked.row == 0) return NotUndone(id, "is of an item that is no longer on a Job");
   return booked;
 }
@@ -277,7 +274,10 @@ Result<float> ReturnFromJob(Session& session, const JobReturn& back) {
   const float left = RoundSingle(RoundTo(record->QtyUsed, 3) - RoundTo(quantity, 3), 3);
   if (back.LotLoc) record->LotLoc = *back.LotLoc;
   if (back.LotContID) record->LotContID = *back.LotContID;
-  if (auto booked = BookUsed(session, *record, {left, {}, back.LotLoc || back.LotContID}); !booked) return std::unexpected(booked.error());
+  const JobRecord before = *record;
+  if (auto booked = BookUsed(session, *record, {left, {}, back.LotLoc || back.LotContID}); !booked)
+    return std::unexpected(booked.error());
+  if (left == 0) KeepReturned(session, before, LastStockLine(session.File()));
   transaction.Commit();
   return left;
 }
@@ -304,7 +304,7 @@ Result<void> UndoJobBooking(Session& session, std::int64_t line) {
       if (!fits.error().declined) return fits;
       return Refuse(kUndo, "Inventory no longer has what the item would take.", "QtyUsed");
     }
-  if (auto undone = BookUsed(session, *record, {used, UndoMark(line)}); !undone) return undone;
+  if (auto undone = BookUsed(session, *record, {used, TakesBack(line)}); !undone) return undone;
   transaction.Commit();
   return {};
 }

@@ -42,7 +42,7 @@ Result<float> ReturnFromJob(Session& session, const JobReturn& back);
 Result<void> DeleteJobItem(Session& session, std::int64_t row);
 
 /// Takes a booking of a Job back by its line of the stock history: what was issued returns, what returned is issued
-/// again. Refused for lines of other events, for one that was taken back already, and where the item or the stock no
+/// again, also where the return took the item off its Job. Refused for lines of other events, for one that was taken back already, and where the item or the stock no
 /// longer allows it.
 Result<void> UndoJobBooking(Session& session, std::int64_t line);
 

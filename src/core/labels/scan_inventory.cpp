@@ -6,7 +6,7 @@
 #include "core/base/text.h"
 #include "core/colors/guides.h"
 #include "core/colors/names.h"
-#include "core/inventory/posting.h"
+#include "core/inventory/taking_back.h"
 
 namespace vellumark {
 namespace {
@@ -88,7 +88,7 @@ Result<Home> FindHome(const Session& session, const ScanRecord& record, const st
   return Fail(std::move(text), "cmbDB");
 }
 
-Result<ScannedColor> FindColor(const Session& session, ScanRecord& record) {
+Result<ScannedColor> FindColor(const Session& session, const ScanRecord& record) {
   std::string name = WithoutMark(record.CN.value_or(""));
   if (name.empty() && record.CC) name = NameOfCode(session, *record.CC, record.DB);
   if (name.empty()) return Fail(fmt::format("A Color Name is required for processing.\n\n{}", kUpdate), "cmbCN");
@@ -159,8 +159,9 @@ bool CodeFits(const Session& session, const ScanRecord& record, const ScannedCol
       *record.CC);
 }
 
-Result<std::string> Book(Session& session, ScanRecord& record) {
-  if (auto writable = RequireWritable(session); !writable) return std::unexpected(writable.error());
+}  // namespace
+
+Result<StockAddition> CheckScannedStock(const Session& session, const ScanRecord& record) {
   const auto color = FindColor(session, record);
   if (!color) return std::unexpected(color.error());
   const auto quantity = CheckedQuantity(session, record, *color);
@@ -169,17 +170,31 @@ Result<std::string> Book(Session& session, ScanRecord& record) {
   if (!place) return std::unexpected(place.error());
   if (!CodeFits(session, record, *color))
     return Fail(fmt::format("Unable to find Color: {} with supporting detail.\n{}", color->name, kUpdate), "txtScanCC");
+  const bool newLot =
+      !place->IsUnlotted() && !FindLot(session, color->kind, color->name, color->database, *place);
+  return StockAddition{color->kind, color->name, color->database, *quantity, *place, newLot};
+}
+
+namespace {
+
+Result<std::string> Book(Session& session, ScanRecord& record) {
+  if (auto writable = RequireWritable(session); !writable) return std::unexpected(writable.error());
+  const auto color = CheckScannedStock(session, record);
+  if (!color) return std::unexpected(color.error());
+  Transaction transaction(session.File());
   const PostingResult result = PostStock(session, {.source = PostingSource::ScanReturn,
                                                    .kind = color->kind,
                                                    .name = color->name,
                                                    .database = color->database,
-                                                   .quantity = *quantity,
-                                                   .place = *place,
+                                                   .quantity = color->quantity,
+                                                   .place = color->place,
                                                    .moveLot = true});
   using enum PostingResult::Outcome;
   if (result.outcome != Posted && result.outcome != LotAdded)
     return Fail(fmt::format("Unable process Inv. for : {} with supporting detail.\n{}", color->name, kUpdate),
                 "txtScanLN");
+  record.Line = LastStockLine(session.File());
+  transaction.Commit();
   record.CN = color->name;
   record.DB = color->database;
   record.CT = color->kind == ColorKind::Mix ? "2" : "1";
@@ -190,9 +205,7 @@ Result<std::string> Book(Session& session, ScanRecord& record) {
 
 void AddScannedStock(Session& session, ScanRecord& record) {
   if (record.state == ScanRecord::State::Successful) return;
-  const auto booked = Book(session, record);
-  record.state = booked ? ScanRecord::State::Successful : ScanRecord::State::Failed;
-  record.Message = booked ? *booked : booked.error().text;
+  Conclude(record, Book(session, record));
 }
 
 }  // namespace vellumark

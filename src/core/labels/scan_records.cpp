@@ -2,9 +2,11 @@
 
 #include <algorithm>
 #include <array>
+#include <tuple>
 
 #include "core/base/number.h"
 #include "core/base/text.h"
+#include "core/colors/names.h"
 
 namespace vellumark {
 namespace {
@@ -26,12 +28,17 @@ constexpr std::array<StoredTag, 8> kStored{{{"<CN>", &ScanRecord::CN},
                                             {"<JN>", &ScanRecord::JN}}};
 constexpr std::string_view kReference = "<LR>";
 
+std::optional<double> QuantityOf(std::string_view line) {
+  const auto number = ParseNumber(line);
+  return number && *number < kTooMuch ? number : std::nullopt;
+}
+
 class Reader {
  public:
   std::vector<ScanRecord> Take() { return std::move(records_); }
 
   void Line(std::string_view line) {
-    if (const auto number = ParseNumber(line); number && *number < kTooMuch) {
+    if (const auto number = QuantityOf(line)) {
       Begin().Qty = RoundSingle(*number, 3);
       ended_ = true;
       return;
@@ -65,6 +72,25 @@ class Reader {
 };
 
 }  // namespace
+
+bool ScanRecord::SameScan(const ScanRecord& other) const {
+  const auto values = [](const ScanRecord& r) { return std::tie(r.CN, r.CC, r.CT, r.DB, r.LR, r.LN, r.LL, r.LC, r.JN, r.Qty, r.jobRow); };
+  return values(*this) == values(other);
+}
+
+void Conclude(ScanRecord& record, const Result<std::string>& booked) {
+  record.state = booked ? ScanRecord::State::Successful : ScanRecord::State::Failed;
+  record.Message = booked ? *booked : booked.error().text;
+  record.Field = booked ? std::string() : booked.error().field;
+}
+
+ScanLine ClassifyScanLine(std::string_view line) {
+  line = TrimView(line);
+  if (QuantityOf(line)) return ScanLine::Quantity;
+  const std::string tag = Upper(line.substr(0, kTagLength));
+  if (tag == kReference || std::ranges::find(kStored, tag, &StoredTag::tag) != kStored.end()) return ScanLine::Stored;
+  return StripScanTag(line) != line ? ScanLine::Ignored : ScanLine::Invalid;
+}
 
 std::vector<ScanRecord> ParseScan(std::string_view text) {
   Reader reader;

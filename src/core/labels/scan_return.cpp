@@ -10,6 +10,7 @@
 #include "core/base/text.h"
 #include "core/colors/guides.h"
 #include "core/inventory/lots.h"
+#include "core/inventory/taking_back.h"
 #include "core/jobs/job_numbers.h"
 #include "core/jobs/job_record.h"
 #include "core/jobs/job_stock.h"
@@ -137,11 +138,16 @@ Result<JobRecord> OfLot(const ScanRecord& record, const Sought& sought, Rows& ro
   return rows.front();
 }
 
-Result<JobRecord> FindRow(const Session& session, const ScanRecord& record) {
+Sought SoughtBy(const ScanRecord& record) {
   Sought sought{.job = ReadJobNumber(Given(record.JN)), .color = Given(record.CN)};
   for (std::size_t at = 0; (at = sought.color.find("®")) != std::string::npos;)
     sought.color.erase(at, std::string_view("®").size());
   sought.color = Trim(sought.color);
+  return sought;
+}
+
+Result<JobRecord> FindRow(const Session& session, const ScanRecord& record) {
+  const Sought sought = SoughtBy(record);
   if (sought.job.empty())
     return Fail(fmt::format("Job Number data is missing, can't process.\n\n{}", kUpdate), "cmbJN");
   if (!JobIsThere(session, sought.job))
@@ -149,26 +155,55 @@ Result<JobRecord> FindRow(const Session& session, const ScanRecord& record) {
   if (sought.color.empty()) return Fail(fmt::format("Color data is missing for Job: {}", sought.job), "cmbCN");
   auto rows = RowsOfColor(session, record, sought);
   if (!rows) return std::unexpected(rows.error());
+  if (record.jobRow) {
+    const auto picked = std::ranges::find(*rows, *record.jobRow, &JobRecord::row);
+    if (picked != rows->end()) return *picked;
+    return Fail(fmt::format("The item that was picked is no longer on Job Number: {}", sought.job), "LotNum_ScanSel");
+  }
   if (auto typed = OfType(record, sought, *rows); !typed) return std::unexpected(typed.error());
   if (auto housed = OfDatabase(record, sought, *rows); !housed) return std::unexpected(housed.error());
   return OfLot(record, sought, *rows);
 }
 
-Result<std::string> Return(Session& session, ScanRecord& record) {
-  if (auto writable = RequireWritable(session); !writable) return std::unexpected(writable.error());
-  const auto row = FindRow(session, record);
-  if (!row) return std::unexpected(row.error());
+}  // namespace
+
+std::vector<JobRecord> RowsToPick(const Session& session, const ScanRecord& record) {
+  ScanRecord any = record;
+  any.CC.reset();
+  const Sought sought = SoughtBy(any);
+  if (sought.job.empty() || sought.color.empty()) return {};
+  auto rows = RowsOfColor(session, any, sought);
+  return rows ? *std::move(rows) : Rows();
+}
+
+Result<JobRecord> CheckScannedReturn(const Session& session, const ScanRecord& record,
+                                     const std::map<std::int64_t, double>& taken) {
+  auto row = FindRow(session, record);
+  if (!row) return row;
+  const auto before = taken.find(row->row);
+  const double out = double{row->QtyUsed} - (before == taken.end() ? 0 : before->second);
   if (!record.Qty || *record.Qty <= 0)
     return Fail(fmt::format("A quantity above 0 is required for Color: {}\n\n{}", row->Color_Name, kUpdate), "txtQty");
-  if (*record.Qty > row->QtyUsed)
-    return Fail(
-        fmt::format("Quantity returned to the Job Number: {} was larger than issued.\nJob Qty Issued: {}\nStill out: "
-                    "{}\nJob Qty Returned: {}\nRevise the Quantity - Process Again.",
-                    row->JobNumber, Fixed(row->QtyIssued, 3), Fixed(row->QtyUsed, 3), Fixed(*record.Qty, 3)),
-        "txtQty");
-  const auto left =
-      ReturnFromJob(session, {.row = row->row, .quantity = *record.Qty, .LotLoc = record.LL, .LotContID = record.LC});
+  if (RoundTo(*record.Qty, 3) > RoundTo(out, 3))
+    return Fail(fmt::format("Quantity returned to the Job Number: {} was larger than issued.\nJob Qty Issued: {}\nStill out: "
+                            "{}\nJob Qty Returned: {}\nRevise the Quantity - Process Again.",
+                            row->JobNumber, Fixed(row->QtyIssued, 3), Fixed(out, 3), Fixed(*record.Qty, 3)),
+                "txtQty");
+  return row;
+}
+
+namespace {
+
+Result<std::string> Return(Session& session, ScanRecord& record) {
+  if (auto writable = RequireWritable(session); !writable) return std::unexpected(writable.error());
+  const auto row = CheckScannedReturn(session, record);
+  if (!row) return std::unexpected(row.error());
+  Transaction transaction(session.File());
+  const auto left = ReturnFromJob(
+      session, {.row = row->row, .quantity = *record.Qty, .LotLoc = record.LL, .LotContID = record.LC});
   if (!left) return std::unexpected(left.error());
+  record.Line = LastStockLine(session.File());
+  transaction.Commit();
   record.CN = row->Color_Name;
   record.DB = row->Database;
   record.CT = row->Kind() == ColorKind::Mix ? "2" : "1";
@@ -180,9 +215,7 @@ Result<std::string> Return(Session& session, ScanRecord& record) {
 
 void ReturnScannedInk(Session& session, ScanRecord& record) {
   if (record.state == ScanRecord::State::Successful) return;
-  const auto booked = Return(session, record);
-  record.state = booked ? ScanRecord::State::Successful : ScanRecord::State::Failed;
-  record.Message = booked ? *booked : booked.error().text;
+  Conclude(record, Return(session, record));
 }
 
 void BookScan(Session& session, ScanRecord& record) {

@@ -1,9 +1,20 @@
 #pragma once
 
+#include <map>
+#include <vector>
+
+#include "core/jobs/job_record.h"
 #include "core/labels/scan_records.h"
 #include "core/session/session.h"
 
 namespace vellumark {
+
+/// The row of its Job that a record with a job number would give back from, checked whole. `taken` is what records
+/// before it would take from a row.
+Result<JobRecord> CheckScannedReturn(const Session& session, const ScanRecord& record,
+                                     const std::map<std::int64_t, double>& taken = {});
+/// The rows of its Job that have its colour, for the operator to pick one.
+std::vector<JobRecord> RowsToPick(const Session& session, const ScanRecord& record);
 
 /// Checks a record with a job number whole and gives its quantity back from the Job to stock: row and stock in one
 /// transaction. At most what is still out can come back; when all of it does, the row goes. What became of it stands in

@@ -83,6 +83,7 @@ constexpr WayIn kCommands[] = {
     {"stock low", Act::Look},
     {"stock history", Act::Look},
     {"stock scan", Act::Work},
+    {"stock undo", Act::Work},
     {"stock adjust", Act::Work},
     {"stock reset inventory", Act::Work},
     {"stock reset date", Act::Work},
