@@ -5,7 +5,7 @@
 #include "cli/stock_text.h"
 #include "core/base/files.h"
 #include "core/base/number.h"
-#include "core/labels/scan_return.h"
+#include "core/labels/scan_step.h"
 #include "core/labels/scan_undo.h"
 
 namespace vellumark::cli {
@@ -63,12 +63,11 @@ Result<std::vector<ScanRecord>> ReadAnswer(const std::string& path) {
 
 Result<Json> ScanFile(Context& context, const ScanOptions& options) {
   const std::string path = std::filesystem::absolute(options.file).string();
-  auto records =
-      options.reprocess ? ReadAnswer(path) : Result<std::vector<ScanRecord>>(ParseScan(ReadFileBytes(path)));
+  auto records = options.reprocess ? ReadAnswer(path) : Result<std::vector<ScanRecord>>(ParseScan(ReadFileBytes(path)));
   if (!records) return std::unexpected(records.error());
   Json answer = Json::array();
-  for (ScanRecord& record : *records) {
-    BookScan(context.session, record);
+  ProcessScan(context.session, *records);
+  for (const ScanRecord& record : *records) {
     if (record.state != ScanRecord::State::Successful) context.exitStatus = ExitRefused;
     answer.push_back(RecordJson(record));
   }
@@ -79,13 +78,15 @@ Result<Json> ScanFile(Context& context, const ScanOptions& options) {
 }  // namespace
 
 void AddScanCommand(CLI::App& stockNoun, Commands& commands) {
-  auto* scan = stockNoun.add_subcommand("scan", "Book scanned lines: stock that is added, and ink that comes back from Jobs");
+  auto* scan =
+      stockNoun.add_subcommand("scan", "Book scanned lines: stock that is added, and ink that comes back from Jobs");
   const auto options = std::make_shared<ScanOptions>();
   scan->add_option("FILE", options->file, "What the scanner typed, a code or a quantity on each line")
       ->required()
       ->check(NotEmpty);
-  scan->add_flag("--reprocess", options->reprocess,
-                 "FILE is the JSON answer of an earlier scan, mended: what failed is booked, what was done is not again");
+  scan->add_flag(
+      "--reprocess", options->reprocess,
+      "FILE is the JSON answer of an earlier scan, mended: what failed is booked, what was done is not again");
   scan->footer("Each record is booked by itself. Exit status 1 when one was not, and why is told with it.");
   commands.Add(scan, Needs::Writable, [options](Context& context) { return ScanFile(context, *options); });
 

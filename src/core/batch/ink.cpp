@@ -7,8 +7,7 @@
 
 namespace vellumark {
 
-std::optional<Ink> InkOf(const Session& session, ColorKind kind, std::string_view name,
-                         const std::string& database) {
+std::optional<Ink> InkOf(const Session& session, ColorKind kind, std::string_view name, const std::string& database) {
   Statement row =
       session.File().Prepare(fmt::format("SELECT Red, Green, Blue FROM {} WHERE Color_Name = ? ORDER BY RowKey LIMIT 1",
                                          session.QuotedTable(ColorTable(kind), database)));

@@ -16,8 +16,8 @@ struct Ink {
   bool operator==(const Ink&) const = default;
 };
 
-/// The ink of a colour of a Database, of the current one when it is empty. Nothing for one that has no swatch: no row, or one whose three parts
-/// were never set.
+/// The ink of a colour of a Database, of the current one when it is empty. Nothing for one that has no swatch: no row,
+/// or one whose three parts were never set.
 std::optional<Ink> InkOf(const Session& session, ColorKind kind, std::string_view name,
                          const std::string& database = {});
 

@@ -179,8 +179,8 @@ std::int64_t PutBackJobRecord(Session& session, std::int64_t line) {
   Transaction transaction(file);
   JobRecord record;
   {
-    Statement kept = file.Prepare(fmt::format("SELECT {} FROM {} WHERE Line = ?1 LIMIT 1", JobFields().Columns(),
-                                              Quoted(Returned().name)));
+    Statement kept = file.Prepare(
+        fmt::format("SELECT {} FROM {} WHERE Line = ?1 LIMIT 1", JobFields().Columns(), Quoted(Returned().name)));
     kept.Bind(1, line);
     if (!kept.Step()) return 0;
     JobFields().Read(kept, 0, record);

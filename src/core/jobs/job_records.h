@@ -11,8 +11,8 @@
 namespace vellumark {
 
 // The one writer of `JobRecords`. What goes through all tables, a colour's, a lot's or a Database's new name, is
-// written there by core/datafile. Each procedure tells the Jobs that it touched, and keeps in step what others repeat of
-// the rows: the jobs of Batches, the last use of Designs.
+// written there by core/datafile. Each procedure tells the Jobs that it touched, and keeps in step what others repeat
+// of the rows: the jobs of Batches, the last use of Designs.
 
 /// Puts the rows of a Batch of the current Database in the place of those that it has. Each needs its `JobNumber`. The
 /// design, the user-defined values and the dates of the row that the job had stay: a Job that is closed stays closed on

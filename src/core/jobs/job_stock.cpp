@@ -87,8 +87,8 @@ Result<PostingResult> Move(Session& session, const JobRecord& record, float befo
                     "Color_Name");
     case NoLot:
     case BadReference:
-      return Refuse("Lot Not Found",
-                    fmt::format("The lot {} of {} is not there.", record.LotNumber, record.Color_Name), "LotNumber");
+      return Refuse("Lot Not Found", fmt::format("The lot {} of {} is not there.", record.LotNumber, record.Color_Name),
+                    "LotNumber");
     case Consigned:
       return Refuse("Lot on Consignment",
                     fmt::format("The lot {} of {} is held on consignment.", record.LotNumber, record.Color_Name),
@@ -141,15 +141,15 @@ Result<void> BookUsed(Session& session, JobRecord& record, const Booking& bookin
 Result<void> CheckCeiling(const JobRecord& record, const JobCeiling& ceiling, float used, bool insists) {
   if (used <= ceiling.most) return {};
   if (ceiling.ofBatch)
-    return Refuse(kUsage,
-                  fmt::format("Qty Used cannot be set higher than {} for this Batch/Item Number.",
-                              Fixed(ceiling.most, 3)),
-                  "QtyUsed");
+    return Refuse(
+        kUsage,
+        fmt::format("Qty Used cannot be set higher than {} for this Batch/Item Number.", Fixed(ceiling.most, 3)),
+        "QtyUsed");
   if (ceiling.lot)
-    return Refuse("Exceeds Lotted",
-                  fmt::format("Qty Used cannot be set higher than {}\nLot Number {}", Fixed(ceiling.most, 3),
-                              record.LotNumber),
-                  "QtyUsed");
+    return Refuse(
+        "Exceeds Lotted",
+        fmt::format("Qty Used cannot be set higher than {}\nLot Number {}", Fixed(ceiling.most, 3), record.LotNumber),
+        "QtyUsed");
   return insists ? Result<void>{} : Result<void>(Decline("Exceeds UnLotted", "QtyUsed"));
 }
 
@@ -295,7 +295,8 @@ Result<void> UndoJobBooking(Session& session, std::int64_t line) {
   if (!booked) return std::unexpected(booked.error());
   auto record = RowOf(session, booked->row);
   if (!record) return std::unexpected(record.error());
-  const float used = RoundSingle(RoundTo(record->QtyUsed, 3) - RoundTo(booked->after, 3) + RoundTo(booked->before, 3), 3);
+  const float used =
+      RoundSingle(RoundTo(record->QtyUsed, 3) - RoundTo(booked->after, 3) + RoundTo(booked->before, 3), 3);
   if (used < 0 || (used == 0 && record->IsOfBatch()))
     return Refuse(kUndo, fmt::format("The item {} has no more than {} left to take back.", record->ItemText(),
                                      Fixed(record->QtyUsed, 3)));

@@ -8,8 +8,8 @@
 
 namespace vellumark {
 
-// What a Job really used of an item, and what of it goes back to stock. Each procedure moves the stock and writes the row
-// in one transaction, in which it works the ceiling out anew; questions come before it.
+// What a Job really used of an item, and what of it goes back to stock. Each procedure moves the stock and writes the
+// row in one transaction, in which it works the ceiling out anew; questions come before it.
 
 /// How much a row can be set to have used.
 struct JobCeiling {
@@ -37,13 +37,13 @@ struct JobReturn {
 /// What is left on the row; 0 when it went.
 Result<float> ReturnFromJob(Session& session, const JobReturn& back);
 
-/// Takes an item from stock off its Job, after the question whether what it used goes back. A Batch's row is refused: it
-/// goes with the job of its Batch.
+/// Takes an item from stock off its Job, after the question whether what it used goes back. A Batch's row is refused:
+/// it goes with the job of its Batch.
 Result<void> DeleteJobItem(Session& session, std::int64_t row);
 
 /// Takes a booking of a Job back by its line of the stock history: what was issued returns, what returned is issued
-/// again, also where the return took the item off its Job. Refused for lines of other events, for one that was taken back already, and where the item or the stock no
-/// longer allows it.
+/// again, also where the return took the item off its Job. Refused for lines of other events, for one that was taken
+/// back already, and where the item or the stock no longer allows it.
 Result<void> UndoJobBooking(Session& session, std::int64_t line);
 
 /// For whoever books an item anew: takes it from stock within the caller's transaction.

@@ -170,8 +170,7 @@ Result<StockAddition> CheckScannedStock(const Session& session, const ScanRecord
   if (!place) return std::unexpected(place.error());
   if (!CodeFits(session, record, *color))
     return Fail(fmt::format("Unable to find Color: {} with supporting detail.\n{}", color->name, kUpdate), "txtScanCC");
-  const bool newLot =
-      !place->IsUnlotted() && !FindLot(session, color->kind, color->name, color->database, *place);
+  const bool newLot = !place->IsUnlotted() && !FindLot(session, color->kind, color->name, color->database, *place);
   return StockAddition{color->kind, color->name, color->database, *quantity, *place, newLot};
 }
 

@@ -7,8 +7,8 @@
 #include "core/base/number.h"
 #include "core/base/text.h"
 #include "core/base/units.h"
-#include "core/labels/scan_return.h"
 #include "core/labels/scan_inventory.h"
+#include "core/labels/scan_return.h"
 
 namespace vellumark {
 namespace {
@@ -88,7 +88,11 @@ void ScanPreview::Show(const Session& session, std::vector<ScanRecord> records) 
 ScanPlan ScanPreview::PlanOf(const Session& session, const ScanRecord& record) {
   ScanRecord whole = record;
   if (!whole.Qty) whole.Qty = kLeast;
-  ScanPlan plan{.kind = record.Qty ? ScanPlan::Kind::Ready : ScanPlan::Kind::Incomplete, .text = {}, .name = {}, .database = {}, .ink = {}};
+  ScanPlan plan{.kind = record.Qty ? ScanPlan::Kind::Ready : ScanPlan::Kind::Incomplete,
+                .text = {},
+                .name = {},
+                .database = {},
+                .ink = {}};
   ColorKind kind = ColorKind::Basic;
   if (record.JN) {
     const auto row = CheckScannedReturn(session, whole, taken_);

@@ -74,7 +74,9 @@ class Reader {
 }  // namespace
 
 bool ScanRecord::SameScan(const ScanRecord& other) const {
-  const auto values = [](const ScanRecord& r) { return std::tie(r.CN, r.CC, r.CT, r.DB, r.LR, r.LN, r.LL, r.LC, r.JN, r.Qty, r.jobRow); };
+  const auto values = [](const ScanRecord& r) {
+    return std::tie(r.CN, r.CC, r.CT, r.DB, r.LR, r.LN, r.LL, r.LC, r.JN, r.Qty, r.jobRow);
+  };
   return values(*this) == values(other);
 }
 

@@ -21,7 +21,7 @@ struct ScanRecord {
   std::optional<std::string> LL;
   std::optional<std::string> LC;
   std::optional<std::string> JN;
-  std::optional<float> Qty;  ///< three decimals
+  std::optional<float> Qty;            ///< three decimals
   std::optional<std::int64_t> jobRow;  ///< the row of the Job that was picked out of several
 
   enum class State { Unprocessed, Failed, Successful };

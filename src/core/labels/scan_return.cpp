@@ -185,10 +185,11 @@ Result<JobRecord> CheckScannedReturn(const Session& session, const ScanRecord& r
   if (!record.Qty || *record.Qty <= 0)
     return Fail(fmt::format("A quantity above 0 is required for Color: {}\n\n{}", row->Color_Name, kUpdate), "txtQty");
   if (RoundTo(*record.Qty, 3) > RoundTo(out, 3))
-    return Fail(fmt::format("Quantity returned to the Job Number: {} was larger than issued.\nJob Qty Issued: {}\nStill out: "
-                            "{}\nJob Qty Returned: {}\nRevise the Quantity - Process Again.",
-                            row->JobNumber, Fixed(row->QtyIssued, 3), Fixed(out, 3), Fixed(*record.Qty, 3)),
-                "txtQty");
+    return Fail(
+        fmt::format("Quantity returned to the Job Number: {} was larger than issued.\nJob Qty Issued: {}\nStill out: "
+                    "{}\nJob Qty Returned: {}\nRevise the Quantity - Process Again.",
+                    row->JobNumber, Fixed(row->QtyIssued, 3), Fixed(out, 3), Fixed(*record.Qty, 3)),
+        "txtQty");
   return row;
 }
 
@@ -199,8 +200,8 @@ Result<std::string> Return(Session& session, ScanRecord& record) {
   const auto row = CheckScannedReturn(session, record);
   if (!row) return std::unexpected(row.error());
   Transaction transaction(session.File());
-  const auto left = ReturnFromJob(
-      session, {.row = row->row, .quantity = *record.Qty, .LotLoc = record.LL, .LotContID = record.LC});
+  const auto left =
+      ReturnFromJob(session, {.row = row->row, .quantity = *record.Qty, .LotLoc = record.LL, .LotContID = record.LC});
   if (!left) return std::unexpected(left.error());
   record.Line = LastStockLine(session.File());
   transaction.Commit();

@@ -21,7 +21,8 @@ std::unexpected<Refusal> NotUndone(const StockLine& line, std::string_view why) 
 Result<void> TakeOut(Session& session, const StockLine& line) {
   const auto change = static_cast<float>(line.change);
   const StockPlace place{.LotRefID = line.LotRefID, .LotNumber = line.LotRefID == 0 ? "" : line.LotNumber};
-  if (session.FindDatabase(line.database) == nullptr || !ColorIsThere(session, line.kind, line.Color_Name, line.database))
+  if (session.FindDatabase(line.database) == nullptr ||
+      !ColorIsThere(session, line.kind, line.Color_Name, line.database))
     return NotUndone(line, fmt::format("is of {}, which is no longer in the {} database under that name",
                                        line.Color_Name, line.database));
   float there = UnlottedQty(session, line.kind, line.Color_Name, line.database);
@@ -70,8 +71,8 @@ Result<void> UndoScan(Session& session, ScanRecord& record) {
     return Refuse(std::string(kTitle), "This record was not booked.", "txtMessages");
   if (auto undone = UndoScan(session, record.Line); !undone) return undone;
   record.state = ScanRecord::State::Failed;
-  record.Message = fmt::format("Line {} of the stock history was taken back.\n\nUpdate information - Process Again.",
-                               record.Line);
+  record.Message =
+      fmt::format("Line {} of the stock history was taken back.\n\nUpdate information - Process Again.", record.Line);
   record.Line = 0;
   return {};
 }

@@ -241,6 +241,7 @@ constexpr WayIn kWindows[] = {
     {"StockHistoryForm", Act::Look},
     {"BatchLotInvSelector", Act::Look},
     {"InvLotInstructions", Act::Look},
+    {"ScanningHelpForm", Act::Look},
     {"CalendarForm", Act::Look},
     // Batches.
     {"BatchForm", Act::Look},

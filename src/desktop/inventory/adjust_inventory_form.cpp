@@ -12,10 +12,13 @@
 #include "core/colors/amounts.h"
 #include "core/colors/basic_work.h"
 #include "core/colors/names.h"
+#include "core/labels/scan_step.h"
 #include "desktop/inventory/inv_lot_instructions.h"
 #include "desktop/inventory/inventory_panel.h"
 #include "desktop/inventory/lot_grid.h"
+#include "desktop/inventory/scan_tab.h"
 #include "desktop/kit/amount_field.h"
+#include "desktop/kit/caps_lock.h"
 #include "desktop/kit/discard.h"
 #include "desktop/kit/icons.h"
 #include "desktop/kit/look.h"
@@ -32,7 +35,8 @@ constexpr int kNoteLength = 30;
 constexpr int kRecordWidth = 424;
 constexpr int kTextWidth = 160;
 constexpr int kManual = 0;
-constexpr int kSettings = 1;
+constexpr int kScan = 1;
+constexpr int kSettings = 2;
 
 // The focus may go to these without the name counting as entered.
 bool IsCommand(const QWidget& to) {
@@ -62,12 +66,18 @@ AdjustInventoryForm::AdjustInventoryForm(WindowList& windowList)
   low_ = form.Link("ImgInvLow", tr("Low inventory"));
   low_->setIcon(Icon("low-stock"));
   low_->hide();
-  form.Row(tr("&Name"), {name_, ink_, kind_ = form.Hint({}, "lblKind"), state_ = form.Hint({}, "lblState"), low_});
+  QLabel* caption =
+      form.Row(tr("&Name"), {name_, ink_, kind_ = form.Hint({}, "lblKind"), state_ = form.Hint({}, "lblState"), low_});
+  manualOnly_ = {caption, name_->parentWidget()};
   TabSet tabs = form.Tabs("Inventory_TabStrip");
   tabs_ = tabs.Widget();
   auto* manual = new QWidget;
   tabs.Page(tr("Manual"), "TabManual").Wide(manual, 1);
   BuildManual(*manual);
+  tabs.LatePage(tr("Scan"), "TabScan", [this](Form page) {
+    scan_ = new ScanTab(*this, page);
+    connect(scan_, &ScanTab::Changed, this, [this] { Changed(); });
+  });
   BuildSettings(tabs.Page(tr("Settings"), "TabSettings"));
   form.Buttons({save_ = form.Button("cmdSave", tr("&Save")), cancel_ = form.Button("cmdCancel", tr("Cancel")),
                 history_ = form.Button("cmdHistory", tr("&History"), Qt::Key_F7)});
@@ -178,7 +188,7 @@ bool AdjustInventoryForm::RecordInEdit() const {
 }
 
 bool AdjustInventoryForm::InEdit() const {
-  return RecordInEdit() || settings_->IsChanged();
+  return RecordInEdit() || settings_->IsChanged() || (scan_ != nullptr && scan_->HasUnbooked());
 }
 
 void AdjustInventoryForm::UpdateEnabled() {
@@ -187,9 +197,16 @@ void AdjustInventoryForm::UpdateEnabled() {
   const bool formula = shown && record_->kind == ColorKind::Mix;
   name_->setReadOnly(edited);
   const bool manual = tab_ == kManual;
-  save_->setEnabled(manual ? shown : settings_->IsChanged());
+  const bool scan = tab_ == kScan;
+  for (QWidget* widget : manualOnly_) widget->setVisible(!scan);
+  // A scan has commands of its own; Ctrl+S is the one that books.
+  save_->setVisible(!scan);
+  cancel_->setVisible(!scan);
+  history_->setVisible(!scan);
+  save_->setEnabled(scan || (manual ? shown : settings_->IsChanged()));
   cancel_->setEnabled(manual ? shown : settings_->IsChanged());
-  history_->setEnabled(manual);
+  history_->setEnabled(tab_ != kSettings);
+  if (scan_ != nullptr) scan_->UpdateEnabled();
   low_->setVisible(shown && isLow_);
   state_->setText(edited ? tr("Changed") : QString());
   for (QWidget* widget : formulaOnly_) widget->setVisible(formula);
@@ -281,6 +298,7 @@ void AdjustInventoryForm::OnChanges(const std::vector<Change>& changes) {
     if (isShown && change.what == Change::What::Renamed) record_->Color_Name = change.newName;
     mine = mine || isShown || change.what == Change::What::All || EqualNoCase(change.newName, record_->Color_Name);
   }
+  if (scan_ != nullptr) scan_->FileChanged();
   if (mine) Reload();
 }
 
@@ -319,6 +337,7 @@ void AdjustInventoryForm::cmdSave_Click() {
     if (StoreSettings()) Changed();
     return;
   }
+  if (tab_ == kScan) return scan_->Process();
   if (!record_ || !Store()) return;
   Clear();
   FocusField(kNameField);
@@ -363,16 +382,26 @@ bool AdjustInventoryForm::StoreSettings() {
 
 void AdjustInventoryForm::TabChanged(int to) {
   if (to == tab_) return;
-  if (to == kSettings && !Accepted(CheckInventorySettings(session, RecordInEdit()))) {
+  if (!Accepted(MayShowTab(to))) {
     tabs_->setCurrentIndex(tab_);
     return;
   }
   tab_ = to;
   Changed();
+  if (to == kScan) scan_->Focus();
+}
+
+Result<void> AdjustInventoryForm::MayShowTab(int to) const {
+  const bool scanning = scan_ != nullptr && scan_->InProcess();
+  if (to == kScan) return CheckScanFeature(RecordInEdit(), CapsLock::Of().IsOn());
+  if (to == kManual) return CheckManualFeature(scanning);
+  if (auto may = CheckInventorySettings(session, RecordInEdit()); !may) return may;
+  return CheckSettingsBesideScan(scanning);
 }
 
 bool AdjustInventoryForm::MayClose() {
-  if (InEdit()) {
+  if (scan_ != nullptr && scan_->HasUnbooked() && !MayClearScan(session)) return false;
+  if (RecordInEdit() || settings_->IsChanged()) {
     const Answer answer =
         session.prompt.Show({U8(tr("Inventory - Save Information?")), U8(tr("Save changes before closing?")),
                              Buttons::YesNoCancel, vellumark::Icon::Question, Answer::Yes});

@@ -12,11 +12,12 @@ class QTabWidget;
 namespace vellumark::desktop {
 
 class InventoryPanel;
+class ScanTab;
 class SwatchView;
 
-/// The window in which stock is entered by hand, of one Basic Color or formula at a time, and the settings of the
-/// inventory. Opened with {"FindRecord", name} and, where it is known, {"Kind", ColorKind} it shows that colour, unless
-/// another is being edited.
+/// The window in which stock is entered, by hand of one Basic Color or formula at a time, or scanned from the labels of
+/// containers, and the settings of the inventory. Opened with {"FindRecord", name} and, where it is known, {"Kind",
+/// ColorKind} it shows that colour, unless another is being edited.
 class AdjustInventoryForm : public Window {
   Q_OBJECT
 
@@ -58,6 +59,7 @@ class AdjustInventoryForm : public Window {
   void OpenReorderPoint();
   /// Puts the old tab back where the new one is refused.
   void TabChanged(int to);
+  Result<void> MayShowTab(int to) const;
 
   std::optional<StockRecord> record_;  ///< empty while the window is
 
@@ -69,6 +71,8 @@ class AdjustInventoryForm : public Window {
   QTabWidget* tabs_;
   int tab_ = 0;
   InventoryPanel* panel_ = nullptr;
+  ScanTab* scan_ = nullptr;  ///< once it was looked at
+  std::vector<QWidget*> manualOnly_;
   std::optional<InventorySettingsPanel> settings_;
   BoundFields bound_;
   ValueField* basicCost_ = nullptr;

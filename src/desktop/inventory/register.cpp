@@ -6,6 +6,7 @@
 #include "desktop/inventory/calendar_form.h"
 #include "desktop/inventory/inv_lot_instructions.h"
 #include "desktop/inventory/reset_values_form.h"
+#include "desktop/inventory/scanning_help_form.h"
 #include "desktop/inventory/stock_history_form.h"
 #include "desktop/kit/window_list.h"
 
@@ -13,7 +14,7 @@ namespace vellumark::desktop {
 
 void RegisterInventoryWindows(WindowList& windows) {
   windows.RegisterAll<AdjustInventoryForm, AdjustReorderForm, StockHistoryForm, ResetInvForm, ResetReorderForm,
-                      BatchLotInvSelector, CalendarForm, InvLotInstructions>();
+                      BatchLotInvSelector, CalendarForm, InvLotInstructions, ScanningHelpForm>();
 }
 
 }  // namespace vellumark::desktop

@@ -11,6 +11,7 @@
 #include "core/colors/names.h"
 #include "core/inventory/color_stock.h"
 #include "core/inventory/stock_tables.h"
+#include "core/labels/scan_undo.h"
 #include "desktop/kit/icons.h"
 #include "desktop/kit/print_sheet.h"
 #include "desktop/kit/record_source.h"
@@ -77,6 +78,7 @@ class StockHistoryForm::Source : public RecordSource<StockLine> {
   }
 
   int Rows() const override { return static_cast<int>(lines_.size()); }
+  const StockLine& Line(int row) const { return At(row); }
   std::string Text(int row, int column) const override {
     return (column == Difference && At(row).change > 0 ? "+" : "") + RecordSource::Text(row, column);
   }
@@ -150,7 +152,11 @@ StockHistoryForm::StockHistoryForm(WindowList& windowList)
   list_->SetSort({When, true});
   list_->setAccessibleName(tr("Stock history"));
   form.Wide(list_, 1);
-  form.ButtonsWithoutDefault({form.Button("cmdClose", tr("Close")), print_ = form.Button("cmdPrint", tr("&Print"))});
+  takeBack_ = form.Button("cmdTakeBack", tr("&Take back"));
+  takeBack_->setToolTip(tr("Undo a scanned booking or one of a Job"));
+  connect(list_, &Grid::CurrentRowChanged, this, [this] { Changed(); });
+  form.ButtonsWithoutDefault(
+      {form.Button("cmdClose", tr("Close")), takeBack_, print_ = form.Button("cmdPrint", tr("&Print"))});
   connect(&list_->Model(), &GridModel::RowsRead, this, [this] { ShowCount(); });
   connect(name_, &NameBox::Picked, this, [this] { cmdFind_Click(); });
 }
@@ -183,6 +189,16 @@ void StockHistoryForm::cmdClear_Click() {
 
 void StockHistoryForm::UpdateEnabled() {
   print_->setEnabled(CanPrint(windows));
+  const int row = list_->CurrentRow();
+  takeBack_->setEnabled(row >= 0 && IsScanBooking(source_->Line(row).event, source_->Line(row).change));
+}
+
+void StockHistoryForm::cmdTakeBack_Click() {
+  const int row = list_->CurrentRow();
+  if (row < 0) return;
+  const std::int64_t line = source_->Line(row).id;
+  if (!session.prompt.Ask(U8(tr("Take Back")), U8(tr("Take this booking back?")), Answer::No)) return;
+  Accepted(UndoScan(session, line));
 }
 
 void StockHistoryForm::cmdPrint_Click() {

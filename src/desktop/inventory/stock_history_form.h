@@ -24,6 +24,7 @@ class StockHistoryForm : public Window {
   void cmdFind_Click();
   void cmdClear_Click();
   void cmdPrint_Click() override;
+  void cmdTakeBack_Click();
 
  private:
   class Source;
@@ -38,6 +39,7 @@ class StockHistoryForm : public Window {
   NameBox* name_;
   TextField* lot_;
   CommandButton* print_ = nullptr;
+  CommandButton* takeBack_ = nullptr;
   Grid* list_;
   QLabel* count_;
 };

@@ -4,9 +4,11 @@
 #include <QSignalBlocker>
 
 #include "core/base/refusal.h"
+#include "desktop/kit/caps_lock.h"
 #include "desktop/kit/icons.h"
 #include "desktop/kit/look.h"
 #include "desktop/kit/message_prompt.h"
+#include "desktop/kit/scanned_entry.h"
 
 namespace vellumark::desktop {
 namespace {
@@ -37,6 +39,8 @@ Application::Application(int& argc, char** argv) : QApplication(argc, argv) {
   setDesktopFileName("vellumark");
   setWindowIcon(Icon("vellumark"));
   Look::Apply(*this);
+  new CapsLock(*this);
+  new ScannedEntry(*this);
   show_ = [](const std::string& title, const std::string& text) {
     MessagePrompt prompt;
     prompt.Tell(title, text, vellumark::Icon::Critical);

@@ -35,6 +35,7 @@ std::string_view DialogOfMenuItem(std::string_view item) {
       Pair{"menuDB_DeleteDB", "DeleteDBForm"},
       Pair{"menuDB_BatchOptions_Cost", "DefaultCostModelForm"},
       Pair{"menuDB_BatchOptions_VOCHAP", "VOC_HAP_OptMenu"},
+      Pair{"menuHelp_Barcode", "ScanningHelpForm"},
       Pair{"menu_Pantone_Disclaimer", "ProductSplashFormPantone"},
   };
   const auto* found = std::ranges::find(kDialogs, item, &Pair::first);
@@ -42,7 +43,7 @@ std::string_view DialogOfMenuItem(std::string_view item) {
 }
 
 bool OnlyShows(std::string_view item) {
-  return item == "menu_AboutVK" || item == "menu_Pantone_Disclaimer";
+  return item == "menu_AboutVK" || item == "menuHelp_Barcode" || item == "menu_Pantone_Disclaimer";
 }
 
 }  // namespace vellumark::desktop

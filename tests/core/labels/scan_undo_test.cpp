@@ -46,9 +46,18 @@ TEST_F(ScanUndoTest, TakesStockBackToWhatWasThereAndOnce) {
 
   // What was built on it stays.
   const ScanRecord used = Scan("<CN>PINK\n<LN>NEW\n3");
-  PostStock(session, {.source = PostingSource::BatchTakes, .kind = ColorKind::Mix, .name = "PINK", .quantity = 2, .place = {.LotNumber = "NEW"}});
-  EXPECT_EQ(Undo(used.Line), fmt::format(fmt::runtime(once), used.Line, "added 3.000, of which only 1.000 is left there"));
-  PostStock(session, {.source = PostingSource::BatchTakes, .kind = ColorKind::Mix, .name = "PINK", .quantity = 1, .place = {.LotNumber = "NEW"}});
+  PostStock(session, {.source = PostingSource::BatchTakes,
+                      .kind = ColorKind::Mix,
+                      .name = "PINK",
+                      .quantity = 2,
+                      .place = {.LotNumber = "NEW"}});
+  EXPECT_EQ(Undo(used.Line),
+            fmt::format(fmt::runtime(once), used.Line, "added 3.000, of which only 1.000 is left there"));
+  PostStock(session, {.source = PostingSource::BatchTakes,
+                      .kind = ColorKind::Mix,
+                      .name = "PINK",
+                      .quantity = 1,
+                      .place = {.LotNumber = "NEW"}});
   EXPECT_EQ(Undo(used.Line), fmt::format(fmt::runtime(once), used.Line, "is of the lot NEW, which is no longer there"));
   EXPECT_EQ(Undo(99999), fmt::format(fmt::runtime(once), 99999, "does not exist"));
   const std::int64_t batch = LastStockLine(session.File());
@@ -89,9 +98,11 @@ TEST_F(ScanUndoTest, AReturnThatTookItsItemOffTheJobPutsItBackWhole) {
 TEST_F(ScanUndoTest, ARandomStreamOfBookingsTakenBackEndsWhereItBegan) {
   for (const char* job : {"J1", "J2"}) Add(job, "RED", 10, 1), Add(job, "PINK", 3, 0, ColorKind::Mix);
   const auto state = [&] {
-    std::string text = fmt::format("{} {} {}", InLot("RED", 1), Unlotted("PINK", ColorKind::Mix), LotQtyTotal(session, ColorKind::Basic, "RED"));
+    std::string text = fmt::format("{} {} {}", InLot("RED", 1), Unlotted("PINK", ColorKind::Mix),
+                                   LotQtyTotal(session, ColorKind::Basic, "RED"));
     for (const char* job : {"J1", "J2"})
-      for (const JobRecord& row : JobItems(session, job)) text += fmt::format(" {} {} {}", job, row.Color_Name, row.QtyUsed);
+      for (const JobRecord& row : JobItems(session, job))
+        text += fmt::format(" {} {} {}", job, row.Color_Name, row.QtyUsed);
     return text;
   };
   std::mt19937 random(3);
@@ -104,7 +115,8 @@ TEST_F(ScanUndoTest, ARandomStreamOfBookingsTakenBackEndsWhereItBegan) {
       continue;
     }
     const std::string quantity = fmt::format("{:.3f}", static_cast<double>(1 + random() % 4000) / 1000);
-    const char* const scans[] = {"<JN>J1\n<CN>RED\n", "<JN>J2\n<CN>PINK\n", "<CN>RED\n<DB>INK\n<LN>L1\n", "<CN>RED\n<DB>INK\n<LN>X\n"};
+    const char* const scans[] = {"<JN>J1\n<CN>RED\n", "<JN>J2\n<CN>PINK\n", "<CN>RED\n<DB>INK\n<LN>L1\n",
+                                 "<CN>RED\n<DB>INK\n<LN>X\n"};
     const std::string before = state();
     ScanRecord record = ParseScan(scans[random() % 4] + quantity).at(0);
     BookScan(session, record);
@@ -130,11 +142,14 @@ TEST_F(ScanUndoTest, APreviewTellsWhatEachRecordWillDoAndDoesNothing) {
   const std::string first = "<CN>PINK\n<LN>L1\n2\n";
   const std::string two = first + "<JN>j1\n<CN>red\n7\n";
   EXPECT_EQ(plans("<CN>PINK\n<LN>L1"), (Texts{"? PINK: Adds its quantity to lot L1"}));
-  EXPECT_EQ(plans(two), (Texts{"+ PINK: Adds 2.000 lb. to lot L1", "+ RED: Brings 7.000 lb. back from Job J1, 3.000 stays out"}));
+  EXPECT_EQ(plans(two),
+            (Texts{"+ PINK: Adds 2.000 lb. to lot L1", "+ RED: Brings 7.000 lb. back from Job J1, 3.000 stays out"}));
   // The second return is measured by what the first one leaves.
-  EXPECT_EQ(plans(two + "<JN>J1\n<CN>RED\n3.5").at(2).substr(0, 57), "! RED: Quantity returned to the Job Number: J1 was larger");
+  EXPECT_EQ(plans(two + "<JN>J1\n<CN>RED\n3.5").at(2).substr(0, 57),
+            "! RED: Quantity returned to the Job Number: J1 was larger");
   EXPECT_EQ(plans(two + "<JN>J1\n<CN>RED\n3").at(2), "+ RED: Brings 3.000 lb. back from Job J1, all of it");
-  EXPECT_EQ(plans(first + "<CN>NONE\n1").at(1), "! NONE: NONE wasn't found in any database, couldn't update the inventory.");
+  EXPECT_EQ(plans(first + "<CN>NONE\n1").at(1),
+            "! NONE: NONE wasn't found in any database, couldn't update the inventory.");
   EXPECT_EQ(plans(first + "<CN>PINK\n<LN>L9\n<LL>SHELF\n1").at(1), "+ PINK: Adds 1.000 lb. to the new lot L9, SHELF");
   EXPECT_EQ(LastStockLine(session.File()), lines);
   const auto totals = TotalsOfScan(ParseScan(two + "<JN>J1\n<CN>RED\n0.25"));

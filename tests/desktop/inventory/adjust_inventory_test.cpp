@@ -371,7 +371,7 @@ TEST_F(AdjustInventoryTest, TheSettingsNeedTheRightAndRelabelTheWindow) {
   prompt.Expect(
       "Update Inventory Settings", Answer::Ok,
       "A Manual inventory transaction is in process.\nSave or Clear data before changing inventory settings.");
-  tabs.setCurrentIndex(1);
+  tabs.setCurrentIndex(2);
   EXPECT_EQ(tabs.currentIndex(), 0);
   PressOn(Qt::Key_S, Qt::ControlModifier);
   session.CurrentUser = "ANNA";
@@ -379,11 +379,11 @@ TEST_F(AdjustInventoryTest, TheSettingsNeedTheRightAndRelabelTheWindow) {
   prompt.Expect("Update Inventory Settings", Answer::Ok,
                 "Current User does not have permission to make changes..\nUpdate permissions or have another user to "
                 "adjust these settings.");
-  tabs.setCurrentIndex(1);
+  tabs.setCurrentIndex(2);
   EXPECT_EQ(tabs.currentIndex(), 0);
   session.Perm_Options = 1;
-  tabs.setCurrentIndex(1);
-  EXPECT_EQ(tabs.currentIndex(), 1);
+  tabs.setCurrentIndex(2);
+  EXPECT_EQ(tabs.currentIndex(), 2);
   Picture(*form, "inventory-settings");
   Fill(*form, "txtCutoff", "-1");
   prompt.Expect("Invalid Inventory Cutoff", Answer::Ok, "You must enter an amount greater than or equal to zero.");
@@ -432,7 +432,7 @@ TEST_F(AdjustInventoryTest, TheReorderPointOfTheColorShownIsOneKeyAwayFromTheSet
   Basic("RED");
   Mix("RED", {{"RED", 100}});
   Open({{"FindRecord", std::string("RED")}, {"Kind", ColorKind::Mix}});
-  Control<QTabWidget>(*form, "Inventory_TabStrip").setCurrentIndex(1);
+  Control<QTabWidget>(*form, "Inventory_TabStrip").setCurrentIndex(2);
   Click(*form, "cmdAdjustReorder");
   form = windows.Form("AdjustReorderForm");
   ASSERT_NE(form, nullptr);
