@@ -14,7 +14,7 @@
 #include "desktop/kit/text.h"
 #include "desktop/kit/wait_progress.h"
 #include "desktop/kit/window_list.h"
-#include "desktop/jobs/design_windows.h"
+#include "desktop/jobs/register.h"
 #include "desktop/labels/register.h"
 #include "desktop/reports/register.h"
 #include "desktop/session/register.h"
@@ -49,7 +49,7 @@ int main(int argc, char** argv) {
   vellumark::desktop::RegisterToolsWindows(windows);
   vellumark::desktop::RegisterInventoryWindows(windows);
   vellumark::desktop::RegisterBatchWindows(windows);
-  vellumark::desktop::RegisterDesignWindows(windows);
+  vellumark::desktop::RegisterJobsWindows(windows);
   vellumark::desktop::RegisterReportsWindows(windows);
   vellumark::desktop::RegisterLabelWindows(windows);
 

@@ -97,6 +97,7 @@ void CheckFormulaSets(CheckRun& run);
 void CheckDesignSets(CheckRun& run);
 void CheckDesignPhotos(CheckRun& run);
 void CheckDesignColors(CheckRun& run);
+void CheckDesignUses(CheckRun& run);
 
 void CheckLotColors(CheckRun& run);
 void CheckLotReferences(CheckRun& run);

@@ -41,6 +41,8 @@ constexpr CheckRule kRules[] = {
     {"DesignColors", "Filled slots of a Design come first, with quantities of 0 or more that cover 0 to 100 percent.", CheckDepth::Deep,
      false, CheckDesignColors},
     {"DesignPhotos", "PhotoSet names photos of the library, each once.", CheckDepth::Deep, false, CheckDesignPhotos},
+    {"DesignUses", "A Design was last used when the latest of its Job Records was entered.", CheckDepth::Deep, false,
+     CheckDesignUses},
     {"LotColors", "Every lot and measurement belongs to a color of its Database.", CheckDepth::Deep, false, CheckLotColors},
     {"LotReferences", "Lots have references from 1 to 999998, of which no color has one twice, and lot numbers.", CheckDepth::Deep, false, CheckLotReferences},
     {"Quantities", "No lot and no formula holds less than nothing, and no negative price stands in a lot.", CheckDepth::Deep, false, CheckQuantities},

@@ -180,6 +180,17 @@ std::set<StockTrail::Lot> StockTrail::LotsOfNumber(std::string_view number) cons
   return lots;
 }
 
+void ForEachStockLine(Database& file, StockEvent event, const std::function<bool(StockLine& line)>& take) {
+  if (!HasStockHistory(file)) return;
+  Statement rows =
+      file.Prepare(fmt::format("SELECT ID, {} FROM {} WHERE Source = ?1 ORDER BY ID DESC", kStockLineFields, kTable));
+  rows.Bind(1, static_cast<int>(event));
+  while (rows.Step()) {
+    StockLine line = ReadLine(rows);
+    if (!take(line)) return;
+  }
+}
+
 std::optional<StockLine> ReadStockLine(Database& file, std::int64_t id) {
   if (!HasStockHistory(file)) return std::nullopt;
   Statement row = file.Prepare(fmt::format("SELECT ID, {} FROM {} WHERE ID = ?1", kStockLineFields, kTable));

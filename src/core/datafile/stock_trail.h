@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <limits>
 #include <optional>
 #include <set>
@@ -68,6 +69,8 @@ class StockTrail {
   std::size_t at_ = 0;
 };
 
+/// All lines of an event, the latest first, until `take` answers false.
+void ForEachStockLine(Database& file, StockEvent event, const std::function<bool(StockLine& line)>& take);
 /// The line of that number; nothing when there is none.
 std::optional<StockLine> ReadStockLine(Database& file, std::int64_t id);
 

@@ -89,6 +89,14 @@ Result<void> CheckRecord(const Session& session, const JobRecord& record, JobFie
   return {};
 }
 
+// Whoever may not type a figure is not asked about it.
+Result<void> RequireRightOf(const Session& session, JobField field) {
+  if (field == JobField::UnitCost) return RequireRight(session, AmountKey::Currency, "UnitCost");
+  if (field == JobField::VOC) return RequireRight(session, AmountKey::VOC, "VOC");
+  if (field == JobField::HAP) return RequireRight(session, AmountKey::HAP, "HAP");
+  return {};
+}
+
 // All of the rows or none of them, each by `change`.
 Result<void> ChangeRows(Session& session, const std::vector<std::int64_t>& rows, JobField field,
                         const std::function<void(JobRecord&)>& change) {
@@ -146,6 +154,7 @@ Result<void> CheckJobChange(const Session& session, const std::vector<std::int64
 Result<void> OpenJobChange(Session& session, const std::vector<std::int64_t>& rows, JobField field) {
   if (auto allowed = CheckJobChange(session, rows, field); !allowed) return allowed;
   const FieldTexts& texts = TextsOf(field);
+  if (auto right = RequireRightOf(session, field); !right) return right;
   if (texts.question == nullptr) return {};
   const auto records = RowsOf(session, rows);
   if (!records) return std::unexpected(records.error());

@@ -112,6 +112,7 @@ TableOf<JobRecord> JobColumns(const Session& session) {
       .Add("", &JobRecord::Date_Returned, "Date Returned", Format::Date)
       .Add("", &JobRecord::QtyIssued, InUnit(session, "Qty Issued"))
       .Add("", &JobRecord::QtyUsed, InUnit(session, "Qty Used"))
+      .Large()
       .Total("Totals")
       .Add("", &JobRecord::LotNumber, "Lot Number")
       .Add("", &JobRecord::LotLoc, "Lot Location")
@@ -120,11 +121,12 @@ TableOf<JobRecord> JobColumns(const Session& session) {
   AddAmounts(table, session, true);
   for (int i = 0; i < kJobUserFields; ++i)
     table.Add(
-        "", [i](const JobRecord& r) { return r.UD_Text.at(static_cast<std::size_t>(i)); },
+        schema::Numbered("UD_Text", i), [i](const JobRecord& r) { return r.UD_Text.at(static_cast<std::size_t>(i)); },
         GetSetting(session, setting::JobCustomTextLabelCaption[i]));
   for (int i = 0; i < kJobUserFields; ++i)
     table.Add(
-        "", [i](const JobRecord& r) { return r.UD_Numeric.at(static_cast<std::size_t>(i)); },
+        schema::Numbered("UD_Numeric", i),
+        [i](const JobRecord& r) { return r.UD_Numeric.at(static_cast<std::size_t>(i)); },
         GetSetting(session, setting::JobCustomNumericLabelCaption[i]), Format::Amount,
         GetSetting(session, setting::Jobs_UDNum_Format[i]));
   return table;

@@ -10,6 +10,12 @@ namespace vellumark {
 
 // Jobs as people and programs see them. The session must outlive what is made here.
 
+/// The columns of JobColumns in their order; from UD_Text and UD_Numeric on there are kJobUserFields each.
+enum class JobColumn : int {
+  JobNumber, DesignID, DesignDesc, Color_Name, Color_Code, Database, BatchNo, Date_Entered, Date_Returned, QtyIssued,
+  QtyUsed, LotNumber, LotLoc, LotContID, LotDate, UnitCost, TotalCost, VOC, TotalVOCs, HAP, TotalHAPs, UD_Text,
+  UD_Numeric = UD_Text + kJobUserFields
+};
 /// The rows of a Job, for people: every title of the Job Window, of which all are shown.
 TableOf<JobRecord> JobColumns(const Session& session);
 /// The same for programs: the fields of the row.

@@ -194,7 +194,7 @@ const std::array<Button, 10> kButtons{{
 
 // A window whose unsaved work a command would disturb. Checked in this order.
 struct Interlock {
-  std::string_view button;
+  std::string_view way;  // a button, or a window that is opened otherwise
   std::string_view form;
   std::string_view title;
   std::string_view text;
@@ -206,14 +206,17 @@ constexpr std::string_view kBatchText =
     "The Batch Window is open with active data.\nChanging data elsewhere can impact this recipe.\n"
     "Save or Clear the data on the Batch Window.";
 
-constexpr std::array<Interlock, 5> kInterlocks{{
+constexpr std::array<Interlock, 7> kInterlocks{{
     {"Batch", "MixColorsForm", kFormulaTitle,
      "The Master Formula Window is open with active data.\nSave or Clear the data before using the Batch Window."},
+    {"Batch", "JobForm", "Job Window - in State of Edit.",
+     "The Job Window is open with active data.\nSave or Clear the data before using the Batch Window."},
     {"DBTools", "BatchForm", kBatchTitle, kBatchText},
     {"DBTools", "MixColorsForm", kFormulaTitle,
      "The Master Formula Window is open with active data.\nSave or Clear the data before using DB Tools."},
     {"Inventory", "BatchForm", kBatchTitle, kBatchText},
     {"InkEst", "BatchForm", kBatchTitle, kBatchText},
+    {"JobForm", "BatchForm", kBatchTitle, kBatchText},
 }};
 
 }  // namespace
@@ -245,8 +248,12 @@ Result<void> CheckToolbarButton(const Session& session, const OpenWindows& windo
   if (key == "DBTools") {
     if (auto allowed = RequireAtDoor(session, Act::FormulaTools); !allowed) return allowed;
   }
+  return CheckInterlocks(windows, key);
+}
+
+Result<void> CheckInterlocks(const OpenWindows& windows, std::string_view way) {
   for (const Interlock& lock : kInterlocks) {
-    if (lock.button == key && windows.IsFormOpen(lock.form) && windows.IsInEdit(lock.form))
+    if (lock.way == way && windows.IsFormOpen(lock.form) && windows.IsInEdit(lock.form))
       return Refuse(std::string(lock.title), std::string(lock.text));
   }
   return {};

@@ -47,6 +47,10 @@ class OpenWindows {
 /// would disturb, and to a user who has no right to it. Throws std::logic_error for an unknown key.
 Result<void> CheckToolbarButton(const Session& session, const OpenWindows& windows, std::string_view key);
 
+/// The interlocks alone, for whoever opens a window or changes its record past the toolbar: `way` is the key of a toolbar
+/// button, or "JobForm".
+Result<void> CheckInterlocks(const OpenWindows& windows, std::string_view way);
+
 /// The scale's settings can be changed only with the scale off.
 Result<void> CheckScaleSetup(const Session& session);
 

@@ -7,24 +7,8 @@
 namespace vellumark::desktop {
 namespace {
 
-constexpr int kTextWidth = static_cast<int>(kUserTextWidth);
-constexpr int kCaptionWidth = 208;
-
 QString Numbered(const char* name, int number) {
   return QString("%1%2").arg(QLatin1String(name)).arg(number);
-}
-
-QStringList DecimalChoices() {
-  QStringList choices;
-  for (int decimals = 0; decimals <= kMostUserDecimals; ++decimals) choices += QString::number(decimals);
-  return choices;
-}
-
-TextField* ShortText(Form& form, const QString& name, const QString& accessible) {
-  TextField* field = form.Text(name, TextRule::Any(kTextWidth));
-  field->setFixedWidth(kCaptionWidth);
-  field->setAccessibleName(accessible);
-  return field;
 }
 
 }  // namespace
@@ -34,8 +18,10 @@ BatchSettingsForm::BatchSettingsForm(WindowList& windowList, QWidget* owner)
   Form form(*this);
   TabSet tabs = form.Tabs("TabSettings");
   BuildGeneral(tabs.Page(tr("Batch Window"), "TabGeneral"));
-  BuildTexts(tabs.Page(tr("Text Fields"), "TabTexts"));
-  BuildNumbers(tabs.Page(tr("Number Fields"), "TabNumbers"));
+  userFields_.BuildTexts(tabs.Page(tr("Text Fields"), "TabTexts"),
+                         tr("Six texts of your own for each Batch, entered under More Data."));
+  userFields_.BuildNumbers(tabs.Page(tr("Number Fields"), "TabNumbers"),
+                           tr("Six numbers of your own for each Batch, entered under More Data."));
   BuildQuickInfo(tabs.Page(tr("Quick Info"), "TabQuickInfo"));
   BuildPrinting(tabs.Page(tr("Printing"), "TabPrinting"));
   form.Buttons({form.Button("cmdSave", tr("&Save")), form.Button("cmdCancel", tr("Cancel"))});
@@ -62,29 +48,6 @@ void BatchSettingsForm::BuildGeneral(Form form) {
   complete_ = form.Check("chkBatchComplete", tr("Batches are marked as Complete"));
   form.Row(complete_);
   form.Row(Explain(form, tr("A Batch that is marked as Complete cannot be changed or deleted.")));
-}
-
-void BatchSettingsForm::BuildTexts(Form form) {
-  form.Wide(Explain(form, tr("Six texts of your own for each Batch, entered under More Data.")));
-  for (int i = 0; i < kUserFields; ++i) {
-    TextLine& line = texts_.at(static_cast<std::size_t>(i));
-    line.caption = ShortText(form, Numbered("txtTextCaption", i), tr("Caption of text %1").arg(i + 1));
-    line.hasDefault = form.Check(Numbered("chkTextDefault", i), tr("Default"));
-    line.value = ShortText(form, Numbered("txtTextValue", i), tr("Default of text %1").arg(i + 1));
-    line.required = form.Check(Numbered("chkTextRequired", i), tr("Required"));
-    form.Row(tr("Text %1").arg(i + 1), {line.caption, line.hasDefault, line.value, line.required});
-  }
-}
-
-void BatchSettingsForm::BuildNumbers(Form form) {
-  form.Wide(Explain(form, tr("Six numbers of your own for each Batch, entered under More Data.")));
-  for (int i = 0; i < kUserFields; ++i) {
-    NumberLine& line = numbers_.at(static_cast<std::size_t>(i));
-    line.caption = ShortText(form, Numbered("txtNumberCaption", i), tr("Caption of number %1").arg(i + 1));
-    line.decimals = form.Combo(Numbered("cmbNumberFormat", i), DecimalChoices());
-    line.decimals->setAccessibleName(tr("Decimals of number %1").arg(i + 1));
-    form.Row(tr("Number %1").arg(i + 1), {line.caption, line.decimals, form.Hint(tr("decimals"))});
-  }
 }
 
 void BatchSettingsForm::BuildQuickInfo(Form form) {
@@ -137,16 +100,7 @@ void BatchSettingsForm::OnOpen(const Arguments&) {
   returns_->setChecked(options.ReturnToInventory);
   lotNumber_->setChecked(options.BatchDefaultLotNumberValue);
   complete_->setChecked(options.BatchComplete);
-  for (std::size_t i = 0; i < texts_.size(); ++i) {
-    const UserTextOption& text = options.texts.at(i);
-    texts_[i].caption->SetText(text.caption);
-    texts_[i].hasDefault->setChecked(text.hasDefault);
-    texts_[i].value->SetText(text.value);
-    texts_[i].required->setChecked(text.required);
-    const UserNumberOption& number = options.numbers.at(i);
-    numbers_[i].caption->SetText(number.caption);
-    numbers_[i].decimals->setCurrentIndex(number.decimals);
-  }
+  userFields_.Show(options);
   quickInfo_->setChecked(options.ShowQuickInfo);
   for (std::size_t i = 0; i < quickFields_.size(); ++i) quickFields_[i]->setChecked(options.QuickInfoField.at(i));
   const BatchPrintOptions print = ReadBatchPrintOptions(session);
@@ -157,7 +111,7 @@ void BatchSettingsForm::OnOpen(const Arguments&) {
 
 void BatchSettingsForm::UpdateEnabled() {
   recListPercent_->setEnabled(FindField("chkRecListPercent")->Content().toBool());
-  for (const TextLine& line : texts_) line.value->setEnabled(line.hasDefault->isChecked());
+  userFields_.UpdateEnabled();
 }
 
 BatchOptions BatchSettingsForm::Typed() const {
@@ -170,12 +124,7 @@ BatchOptions BatchSettingsForm::Typed() const {
   options.ReturnToInventory = returns_->isChecked();
   options.BatchDefaultLotNumberValue = lotNumber_->isChecked();
   options.BatchComplete = complete_->isChecked();
-  for (std::size_t i = 0; i < texts_.size(); ++i) {
-    const TextLine& text = texts_[i];
-    options.texts.at(i) = {text.caption->Text(), text.hasDefault->isChecked(), text.value->Text(),
-                           text.required->isChecked()};
-    options.numbers.at(i) = {numbers_[i].caption->Text(), numbers_[i].decimals->currentIndex()};
-  }
+  static_cast<UserFieldOptions&>(options) = userFields_.Typed();
   options.ShowQuickInfo = quickInfo_->isChecked();
   for (std::size_t i = 0; i < quickFields_.size(); ++i) options.QuickInfoField.at(i) = quickFields_[i]->isChecked();
   return options;

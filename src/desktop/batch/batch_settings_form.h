@@ -7,6 +7,7 @@
 #include "core/batch/batch_options.h"
 #include "core/batch/print_options.h"
 #include "desktop/kit/window.h"
+#include "desktop/settings/user_fields_panel.h"
 
 namespace vellumark::desktop {
 
@@ -24,19 +25,7 @@ class BatchSettingsForm : public Dialog {
   void cmdSave_Click();
 
  private:
-  struct TextLine {
-    TextField* caption;
-    CheckField* hasDefault;
-    TextField* value;
-    CheckField* required;
-  };
-  struct NumberLine {
-    TextField* caption;
-    ComboField* decimals;
-  };
   void BuildGeneral(Form form);
-  void BuildTexts(Form form);
-  void BuildNumbers(Form form);
   void BuildQuickInfo(Form form);
   void BuildPrinting(Form form);
   BatchOptions Typed() const;
@@ -50,8 +39,7 @@ class BatchSettingsForm : public Dialog {
   CheckField* returns_ = nullptr;
   CheckField* lotNumber_ = nullptr;
   CheckField* complete_ = nullptr;
-  std::array<TextLine, kUserFields> texts_{};
-  std::array<NumberLine, kUserFields> numbers_{};
+  UserFieldsPanel userFields_;
   CheckField* quickInfo_ = nullptr;
   std::array<CheckField*, kQuickInfoFields> quickFields_{};
 

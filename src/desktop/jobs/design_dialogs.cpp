@@ -1,9 +1,8 @@
 #include "desktop/jobs/design_dialogs.h"
 
-#include <array>
-
 #include "core/base/text.h"
 #include "core/jobs/design_tables.h"
+#include "desktop/jobs/hint_pages.h"
 #include "desktop/jobs/table_rows.h"
 #include "desktop/kit/text.h"
 
@@ -78,7 +77,7 @@ void JobDesign_PhotoRename::cmdSave_Click() {
 
 JobDesigns_Hints::JobDesigns_Hints(WindowList& windowList, QWidget* owner)
     : Dialog(windowList, owner, "JobDesigns_Hints", tr("Job Designs - Hints")) {
-  const std::array<std::pair<QString, QString>, 5> pages{{
+  const std::vector<HintPage> pages{
       {tr("&Estimating"),
        tr("1  Choose the Database and the color, or click its line in the list.\n2  Press Estimate: length, width and "
           "impressions come from the Design.\n3  Choose ink and stock, or the anilox, and the coverage.\n4  Press Add "
@@ -99,16 +98,9 @@ JobDesigns_Hints::JobDesigns_Hints(WindowList& windowList, QWidget* owner)
           "Designs "
           "that use it may follow or keep theirs.\n3  Remove takes it off this Design. The file goes when nobody links "
           "it.")},
-  }};
+  };
   Form form(*this);
-  TabSet tabs = form.Tabs("tabHints");
-  for (const auto& [title, text] : pages) {
-    Form page = tabs.Page(title);
-    QLabel* label = page.Label({}, text);
-    label->setWordWrap(true);
-    page.Wide(label);
-    page.Stretch();
-  }
+  AddHintPages(form, "tabHints", pages);
   form.Buttons({form.Button("cmdClose", tr("Close"))});
   resize(720, 320);
 }

@@ -9,6 +9,7 @@
 #include "core/base/units.h"
 #include "core/jobs/design_tables.h"
 #include "core/session/settings.h"
+#include "desktop/jobs/design_box.h"
 #include "desktop/jobs/ink_est_form.h"
 #include "desktop/jobs/photo_frame.h"
 #include "desktop/jobs/table_rows.h"
@@ -25,28 +26,13 @@ QString DateText(const std::optional<DateTime>& date) {
 
 }  // namespace
 
-/// The name of a Design, which may hold more than that of a colour.
-class JobDesigns::IDBox : public NameBox {
- public:
-  IDBox(const QString& name, const Session& session) : NameBox(name, session, SortedNames({})) {
-    SetRule(TextRule::Upper(kDesignIDLength));
-  }
-
- protected:
-  // The box of names follows the configured length of names.
-  void focusInEvent(QFocusEvent* event) override {
-    NameBox::focusInEvent(event);
-    SetRule(TextRule::Upper(kDesignIDLength));
-  }
-};
-
 JobDesigns::JobDesigns(WindowList& windowList, FileChooser choose)
     : Window(windowList, "JobDesigns", tr("Job Designs")), choose_(std::move(choose)) {
   setWindowIcon(Icon("Job"));
   pictures_ = new PictureLoader(this);
   thumbnails_ = new PictureLoader(this);
   Form form(*this);
-  id_ = form.Add(new IDBox("cmbDesignID", session));
+  id_ = form.Add(new DesignBox("cmbDesignID", session));
   id_->Means("DesignID");
   id_->DoNotTrack();
   form.Row(tr("Design &ID"), {id_, form.Button("cmdClear", tr("C&lear")), form.Button("cmdHints", tr("&Hints")),
@@ -70,7 +56,6 @@ JobDesigns::JobDesigns(WindowList& windowList, FileChooser choose)
     if (to == nullptr || qobject_cast<QPushButton*>(to) == nullptr) EnterID();
   });
   connect(id_, &NameBox::Picked, this, [this] { EnterID(); });
-  ListIDs();
   Show();
 }
 
@@ -134,10 +119,6 @@ void JobDesigns::BuildColors(Form form) {
   ofDesign_.insert(ofDesign_.end(), {add, estimate, remove});
 }
 
-void JobDesigns::ListIDs() {
-  id_->SetSource(SortedNames(DesignIDs(session)));
-}
-
 LengthUnit JobDesigns::Unit() const {
   return unit_->Chosen() == 0 ? LengthUnit::Inch : LengthUnit::Millimetre;
 }
@@ -152,7 +133,7 @@ void JobDesigns::OnChanges(const std::vector<Change>& changes) {
   const auto has = [&](Change::Kind kind) {
     return std::ranges::any_of(changes, [kind](const Change& change) { return change.kind == kind; });
   };
-  if (has(Change::Kind::Design)) ListIDs();
+  if (has(Change::Kind::Design)) id_->ListIDs();
   if (has(Change::Kind::DatabaseList)) {
     const std::string chosen = database_->Text();
     database_->SetItems(session.databaseList);

@@ -7,6 +7,7 @@
 
 namespace vellumark::desktop {
 
+class DesignBox;
 class PhotoFrame;
 class PictureLoader;
 
@@ -47,11 +48,9 @@ class JobDesigns : public Window {
   void cmdNext_Click() { StepPhoto(1); }
 
  private:
-  class IDBox;
   void BuildDetails(Form form);
   void BuildColors(Form form);
   void BuildPhotos(Form form);
-  void ListIDs();
   bool EnterID();
   void Show();
   void ShowFields();
@@ -76,7 +75,7 @@ class JobDesigns : public Window {
   std::optional<DesignWork> work_;
   std::string shown_;  ///< what the fields held when they were filled
   bool showing_ = false;
-  IDBox* id_ = nullptr;
+  DesignBox* id_ = nullptr;
   QLabel* state_ = nullptr;
   TextField* description_ = nullptr;
   TextField* impressions_ = nullptr;

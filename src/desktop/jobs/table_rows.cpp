@@ -1,7 +1,6 @@
 #include "desktop/jobs/table_rows.h"
 
-#include "core/base/number.h"
-#include "desktop/kit/text.h"
+#include "desktop/kit/record_source.h"
 
 namespace vellumark::desktop {
 
@@ -10,8 +9,8 @@ std::vector<GridColumn> ColumnsOf(const ListTable& table, const std::vector<int>
   for (const std::size_t place : table.Shown()) {
     const TableColumn& column = table.columns[place];
     const int width = columns.size() < widths.size() ? widths[columns.size()] : 120;
-    columns.push_back(column.RightAligned() ? GridColumn::Number(Q(column.Caption()), width)
-                                            : GridColumn::Text(Q(column.Caption()), width));
+    columns.push_back(ColumnOf(column));
+    columns.back().width = width;
   }
   return columns;
 }
@@ -20,7 +19,10 @@ void FillRows(TableSource& source, const ListTable& table) {
   source.Clear();
   table.read([&](const TableRow& row) {
     TableSource::Row cells;
-    for (const std::size_t place : table.Shown()) cells.emplace_back(CellText(table.columns[place], row.Cell(place)));
+    for (const std::size_t place : table.Shown()) {
+      const TableValue value = row.Cell(place);
+      cells.emplace_back(CellTextInWindow(table.columns[place], value), CellNumber(value));
+    }
     source.Add(std::move(cells));
     return true;
   });

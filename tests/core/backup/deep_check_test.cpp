@@ -81,6 +81,7 @@ TEST(DeepCheck, FindsEachDamageAndNothingElse) {
       {"UPDATE INK_Mix SET AddSetName = 'GONE'", "FormulaSets", "INK_Mix", 1},
       {"UPDATE Designs SET IngSet = '<BLUE>'", "DesignSets", "Designs", 1},
       {"UPDATE Designs SET IngPercent0 = 101", "DesignColors", "Designs", 1},
+      {"UPDATE Designs SET LastUsed = '2026-01-01 00:00:00'", "DesignUses", "Designs", 1},
       {"UPDATE Designs SET PhotoSet = '<a.jpg><A.jpg>'", "DesignPhotos", "Designs", 1},
       {"INSERT INTO INK_Mix_LAB (Color_Name) VALUES ('GONE')", "LotColors", "INK_Mix_LAB", 1},
       {"INSERT INTO INK_Basic_LotInv (LotRefID, LotCName, LotNumber) VALUES (1, 'WHITE', 'L')", "LotColors",

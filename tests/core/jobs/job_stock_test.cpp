@@ -1,5 +1,8 @@
 // What Jobs take from stock, give back, and what that does to stock and history.
 
+#include "core/base/number.h"
+#include "core/jobs/job_bookings.h"
+#include "core/jobs/job_item_work.h"
 #include "core/session/settings.h"
 #include "job_room.h"
 
@@ -201,6 +204,48 @@ TEST(JobUsed, ABookingIsTakenBackByItsLineOnce) {
   ASSERT_TRUE(UndoJobBooking(room.session, issued));
   EXPECT_FALSE(ReadJobRecord(room.session, item.row));
   EXPECT_EQ(room.InLot("RED", 1), 50);
+}
+
+TEST(JobItemWork, LotsAreProposedOldestFirst) {
+  JobRoom room;
+  room.Setting("InvLotTracking", "1");
+  room.Lot(ColorKind::Basic, "RED", 2, 20, {{"LotDate", DateTime{2025, 11, 2}}});
+  room.Lot(ColorKind::Basic, "RED", 3, 5, {{"LotDate", Value()}});
+  room.Lot(ColorKind::Basic, "RED", 4, 90, {{"LotDate", DateTime{2024, 1, 1}}, {"LotConsignment", true}});
+  JobItemWork work;
+  work.entry = NewJobItem(room.session);
+  work.entry.JobNumber = "J1";
+  ASSERT_TRUE(work.ChooseColor(room.session, "INK", "RED"));
+  const auto takes = [&] {
+    std::string all;
+    for (const JobStockRow& row : work.rows) all += row.stock.LotNumber + "=" + Fixed(row.take, 3) + " ";
+    return all;
+  };
+  const struct {
+    const char* wanted;
+    float left;
+    const char* takes;
+  } rows[] = {{"4.5", 0, "Unlotted Inv.=0.000 L1=0.000 L2=0.000 L3=4.500 "},
+              {"25.001", 0, "Unlotted Inv.=0.000 L1=0.001 L2=20.000 L3=5.000 "},
+              {"175", 0, "Unlotted Inv.=100.000 L1=50.000 L2=20.000 L3=5.000 "},
+              {"175.25", 0.25F, "Unlotted Inv.=100.000 L1=50.000 L2=20.000 L3=5.000 "}};
+  for (const auto& row : rows) {
+    const auto left = work.Propose(row.wanted);
+    ASSERT_TRUE(left);
+    EXPECT_EQ(*left, row.left) << row.wanted;
+    EXPECT_EQ(takes(), row.takes) << row.wanted;
+  }
+  // What another one takes meanwhile is not marked any more.
+  room.Add("J2", "RED", 45, 1);
+  work.Reread(room.session);
+  EXPECT_EQ(takes(), "Unlotted Inv.=100.000 L1=5.000 L2=20.000 L3=5.000 ");
+  const auto added = AddJobItems(room.session, work.Entry());
+  ASSERT_TRUE(added) << added.error().text;
+  EXPECT_EQ(added->size(), 4U);
+  EXPECT_EQ(room.Unlotted("RED"), 0);
+  EXPECT_EQ(JobBookings(room.session, "j1").size(), 4U);
+  EXPECT_FALSE(work.Propose("0"));
+  EXPECT_FALSE(work.ChooseColor(room.session, "OTHER", "PINK"));
 }
 
 TEST(JobTotals, AHalfIsAHalfInEveryDecimalsOfMoney) {

@@ -8,7 +8,7 @@
 #include <QTabWidget>
 
 #include "core/jobs/design_work.h"
-#include "desktop/jobs/design_windows.h"
+#include "desktop/jobs/register.h"
 #include "desktop/kit/grid.h"
 #include "support/desktop.h"
 #include "support/ink_room.h"
@@ -18,7 +18,7 @@ namespace vellumark::test {
 /// The windows of Designs on an ink room. Files are chosen as `chosen` tells.
 struct DesignsDesk : InkRoom {
   DesignsDesk() {
-    desktop::RegisterDesignWindows(windows, [this](const desktop::FileChoice& choice, QWidget*) {
+    desktop::RegisterJobsWindows(windows, [this](const desktop::FileChoice& choice, QWidget*) {
       asked = choice;
       return QString::fromStdString(chosen.string());
     });

@@ -14,7 +14,7 @@
 #include "desktop/batch/register.h"
 #include "desktop/colors/register.h"
 #include "desktop/inventory/register.h"
-#include "desktop/jobs/design_windows.h"
+#include "desktop/jobs/register.h"
 #include "desktop/kit/message_prompt.h"
 #include "desktop/kit/text.h"
 #include "desktop/session/register.h"
@@ -41,7 +41,7 @@ struct BatchInMainTest : testing::Test, InkRoom {
 };
 
 TEST_F(BatchInMainTest, ADesignMakesItsBatchWithQuantityAndJob) {
-  desktop::RegisterDesignWindows(windows);
+  desktop::RegisterJobsWindows(windows);
   auto work = BeginDesign(session, "BOX");
   ASSERT_TRUE(PutDesignColor(session, *work, {"TARGET", "", {}, "4", "", {}}));
   ASSERT_TRUE(EnterDesignField(*work, "Impressions", "1000"));

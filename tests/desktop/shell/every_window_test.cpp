@@ -64,7 +64,8 @@ struct EveryWindowTest : testing::Test {
       return {{"Work", LoadFormulaWork(running.session, *ReadMix(running.session, "TINT"))}};
     if (name == "NewMixNameForm") return {{"Color_Name", "TINT"}};
     return {{"FindRecord", "RED"}, {"Color_Name", "RED"}, {"SetName", "STD SET"}, {"Kind", ColorKind::Basic},
-            {"DesignID", "BOX"},   {"Username", "ANN"},   {"Path", "Old.vkd"},   {"FileVersion", 39}};
+            {"DesignID", "BOX"},   {"Username", "ANN"},   {"Path", "Old.vkd"},   {"FileVersion", 39},
+            {"JobNumber", "J1"},   {"Rows", std::vector<std::int64_t>{1}}, {"Number", 0},  {"IsNumber", false}};
   }
 
   /// Opens the window of that name, visits it and lets it go unsaved. One that needs what only the window behind it has

@@ -10,7 +10,7 @@
 #include "desktop/colors/register.h"
 #include "desktop/datafile/register.h"
 #include "desktop/inventory/register.h"
-#include "desktop/jobs/design_windows.h"
+#include "desktop/jobs/register.h"
 #include "desktop/labels/register.h"
 #include "desktop/reports/register.h"
 #include "desktop/session/register.h"
@@ -32,7 +32,7 @@ struct AllWindows : Desk {
     desktop::RegisterToolsWindows(windows);
     desktop::RegisterInventoryWindows(windows);
     desktop::RegisterBatchWindows(windows);
-    desktop::RegisterDesignWindows(windows);
+    desktop::RegisterJobsWindows(windows);
     desktop::RegisterReportsWindows(windows);
     desktop::RegisterLabelWindows(windows);
     desktop::RegisterDatafileWindows(windows, program.Windows());

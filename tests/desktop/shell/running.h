@@ -1,6 +1,7 @@
 #pragma once
 
 #include <filesystem>
+#include <functional>
 
 #include "desktop/backup/register.h"
 #include "desktop/batch/register.h"
@@ -8,7 +9,7 @@
 #include "desktop/datafile/register.h"
 #include "desktop/inventory/register.h"
 #include "desktop/kit/wait_progress.h"
-#include "desktop/jobs/design_windows.h"
+#include "desktop/jobs/register.h"
 #include "desktop/labels/register.h"
 #include "desktop/reports/register.h"
 #include "desktop/session/register.h"
@@ -34,10 +35,10 @@ struct RunningProgram {
     desktop::RegisterToolsWindows(windows);
     desktop::RegisterInventoryWindows(windows);
     desktop::RegisterBatchWindows(windows);
-    desktop::RegisterDesignWindows(windows);
-    const desktop::PrintDevices nowhere{.printers = [] { return desktop::SystemPrinters{}; },
-                                        .open = {},
-                                        .chooseFile = [](const desktop::FileChoice&, QWidget*) { return QString(); }};
+    const auto choose = [this](const desktop::FileChoice& choice, QWidget*) { return chooseFile(choice); };
+    const desktop::PrintDevices nowhere{
+        .printers = [] { return desktop::SystemPrinters{}; }, .open = {}, .chooseFile = choose};
+    desktop::RegisterJobsWindows(windows, choose);
     desktop::RegisterReportsWindows(windows, nowhere);
     desktop::RegisterLabelWindows(windows, nowhere);
     desktop::RegisterDatafileWindows(windows, program.Windows(), platform);
@@ -48,6 +49,8 @@ struct RunningProgram {
     return ready;
   }
 
+  /// The file that is chosen for pages and records; none without it.
+  std::function<QString(const desktop::FileChoice&)> chooseFile = [](const auto&) { return QString(); };
   FixedClock clock{DateTime{2026, 3, 10, 12, 0, 0}};
   ItsPrompt prompt;
   desktop::WaitProgress progress;

@@ -1,10 +1,17 @@
-#include "desktop/jobs/design_windows.h"
+#include "desktop/jobs/register.h"
 
+#include "desktop/jobs/add_job_item_form.h"
 #include "desktop/jobs/design_bench_form.h"
 #include "desktop/jobs/design_dialogs.h"
 #include "desktop/jobs/design_exchange_form.h"
 #include "desktop/jobs/ink_est_form.h"
+#include "desktop/jobs/job_change_forms.h"
 #include "desktop/jobs/job_designs.h"
+#include "desktop/jobs/job_dialogs.h"
+#include "desktop/jobs/job_form.h"
+#include "desktop/jobs/job_menu.h"
+#include "desktop/jobs/job_options.h"
+#include "desktop/jobs/jobs_out_form.h"
 #include "desktop/jobs/record_export_forms.h"
 
 namespace vellumark::desktop {
@@ -17,7 +24,13 @@ void RegisterChoosing(WindowList& windows, const std::string& name, const FileCh
 
 }  // namespace
 
-void RegisterDesignWindows(WindowList& windows, const FileChooser& choose) {
+void RegisterJobsWindows(WindowList& windows, const FileChooser& choose) {
+  windows.RegisterAll<JobMenu, JobForm, JobsOutForm, AddJobItemForm, NewJobNumberForm, JobAddItem_Help, JobBookingsForm,
+                      Job_Options, UpdateJobDesignID, UpdateJobUDText, JobsNewReturnDate, JobClosingDate>();
+  for (const JobField field : {JobField::UnitCost, JobField::VOC, JobField::HAP})
+    windows.RegisterDialog(JobFigureForm::NameOf(field).toStdString(), [field](WindowList& list, QWidget* owner) -> Dialog* {
+      return new JobFigureForm(list, owner, field);
+    });
   RegisterChoosing<JobDesigns>(windows, "JobDesigns", choose);
   RegisterChoosing<DB_ImportExport_Designs>(windows, "DB_ImportExport_Designs", choose);
   RegisterChoosing<ExportBatchesForm>(windows, "ExportBatchesForm", choose);

@@ -1,0 +1,34 @@
+#pragma once
+
+#include "core/base/table.h"
+#include "desktop/kit/window.h"
+
+namespace vellumark::desktop {
+
+/// What Jobs that are not closed still have out, by Job and container, the oldest first. A line opens its Job.
+class JobsOutForm : public Window {
+  Q_OBJECT
+
+ public:
+  explicit JobsOutForm(WindowList& windowList);
+  void OnChanges(const std::vector<Change>& changes) override;
+  void UpdateEnabled() override;
+  bool InEdit() const override { return false; }
+
+ public Q_SLOTS:
+  void cmdOpen_Click();
+  void cmdPrint_Click() override;
+  void cmdClose_Click() { Leave(); }
+
+ private:
+  void ListLines();
+
+  std::vector<RowTarget> jobs_;
+  std::shared_ptr<TableSource> rows_;
+  Grid* list_;
+  QLabel* count_;
+  CommandButton* open_ = nullptr;
+  CommandButton* print_ = nullptr;
+};
+
+}  // namespace vellumark::desktop
