@@ -129,7 +129,8 @@ Result<void> AdjustLot(const Session& session, const StockRules& rules, Inventor
   return {};
 }
 
-// The name of container `i` (from 1) of `count`.
+}  // namespace
+
 std::string ContainerName(const std::string& typed, int i, std::optional<int> count) {
   if (!count) return typed;
   if (typed.empty()) return *count == 1 ? std::string() : std::to_string(i);
@@ -138,6 +139,8 @@ std::string ContainerName(const std::string& typed, int i, std::optional<int> co
   if (number) return ShortestText(*number + (i - 1));
   return typed + "_" + std::to_string(i);
 }
+
+namespace {
 
 Result<void> AddLots(const Session& session, InventoryWork& work, const AdjustFields& fields) {
   const float quantity = RoundSingle(fields.quantity, 3);

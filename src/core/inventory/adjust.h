@@ -119,6 +119,10 @@ bool DatedByBatch(const Session& session, const InventoryWork& work, const Inven
 /// Refuses the calendar for such a lot.
 Result<void> RequireDateChangeable(const Session& session, const InventoryWork& work, std::size_t row);
 
+/// What container `i` (from 1) of `count` is called: a number goes on counting, "B10" becomes "B10_1", nothing the number
+/// alone. Without a count what was typed stands as it is.
+std::string ContainerName(const std::string& typed, int i, std::optional<int> count);
+
 /// Applies the fields to the working copy: to the selected row, to Unlotted Inventory when no lot is named, to the lot
 /// that matches, or as new lots. Refused: too large, negative where that is not allowed, too many containers.
 Result<void> ApplyAdjust(const Session& session, InventoryWork& work, const AdjustFields& fields);

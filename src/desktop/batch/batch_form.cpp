@@ -18,6 +18,7 @@
 #include "desktop/batch/notes_panel.h"
 #include "desktop/batch/recycle_panel.h"
 #include "desktop/batch/rows_panel.h"
+#include "desktop/kit/print_label.h"
 #include "desktop/kit/print_sheet.h"
 #include "desktop/kit/text.h"
 
@@ -136,6 +137,7 @@ void BatchForm::UpdateEnabled() {
   cancel_->setEnabled(begun);
   delete_->setEnabled(record_.state == BatchState::Edit);
   print_->setEnabled(open && CanPrint(windows));
+  label_->setEnabled(LabelledBatch() != 0 && CanPrintLabels(windows));
   printRecList_->setEnabled(open && CanPrint(windows));
   recent_->setEnabled(windows.Knows("RecentBatchesForm"));
   settings_->setEnabled(windows.Knows("BatchSettingsForm"));
@@ -298,7 +300,12 @@ void BatchForm::ShowArrived() {
 }
 
 void BatchForm::cmdSave_Click() {
-  Go([this](BatchDialogs& dialogs) -> Result<bool> { return HasEnded(SaveBatch(session, record_, dialogs)); });
+  const std::int32_t batchNo = record_.BatchNo;
+  Go([&](BatchDialogs& dialogs) -> Result<bool> {
+    const Result<bool> ended = HasEnded(SaveBatch(session, record_, dialogs));
+    if (ended && *ended) savedLast_ = batchNo;
+    return ended;
+  });
 }
 
 void BatchForm::cmdSaveAndHold_Click() {

@@ -51,6 +51,8 @@ class BatchForm : public Window {
   void cmdDelete_Click() override;
   void cmdPrint_Click() override;
   void cmdPrintRecList_Click();
+  /// The containers of the Batch on screen, as it is on file, or of the one that was saved last here.
+  void cmdPrintLabel_Click();
 
  protected:
   bool eventFilter(QObject* watched, QEvent* event) override;
@@ -99,10 +101,12 @@ class BatchForm : public Window {
   void Show();
   void ShowArrived();
   QString StateText() const;
+  std::int32_t LabelledBatch() const { return record_.key != 0 ? record_.BatchNo : savedLast_; }
   bool IsStale() const { return record_.work.Rows.empty() || record_.work.QuantityChanged; }
 
   BatchRecord record_;
   BatchWindowDialogs dialogs_;
+  std::int32_t savedLast_ = 0;  ///< number of the Batch; 0 before the first
   bool showing_ = false;
 
   NameBox* name_ = nullptr;
@@ -129,6 +133,7 @@ class BatchForm : public Window {
   CommandButton* delete_ = nullptr;
   CommandButton* print_ = nullptr;
   CommandButton* printRecList_ = nullptr;
+  CommandButton* label_ = nullptr;
 };
 
 }  // namespace vellumark::desktop

@@ -159,12 +159,14 @@ QWidget* BatchForm::BuildButtons(Form& form) {
   settings_ = form.Button("cmdSettings", tr("Settings"));
   delete_ = form.Button("cmdDelete", tr("Delete"));
   print_ = form.Button("cmdPrint", tr("Print"));
+  label_ = form.Button("cmdPrintLabel", tr("Labels"), Qt::CTRL | Qt::Key_L);
+  label_->setToolTip(tr("A label for each container of this Batch, or of the one saved last"));
   printRecList_ = findChild<CommandButton*>("cmdPrintRecList");
   auto* box = new QWidget;
   auto* flow = new FlowLayout(box);
   flow->setContentsMargins(0, space::kUnit, 0, 0);
   for (QWidget* part : std::initializer_list<QWidget*>{complete_, save_, hold_, cancel_, next_, previous_, print_,
-                                                       recent_, settings_, delete_})
+                                                       label_, recent_, settings_, delete_})
     flow->addWidget(part);
   QSizePolicy policy = box->sizePolicy();
   policy.setHeightForWidth(true);

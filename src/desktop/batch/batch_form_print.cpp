@@ -1,8 +1,10 @@
 // What the Batch Window prints.
 
 #include "core/batch/ticket.h"
+#include "core/labels/batch_containers.h"
 #include "desktop/batch/batch_form.h"
 #include "desktop/batch/batch_form_took.h"
+#include "desktop/kit/print_label.h"
 #include "desktop/kit/print_sheet.h"
 
 namespace vellumark::desktop {
@@ -11,6 +13,11 @@ void BatchForm::cmdPrint_Click() {
   if (!FieldsEntered()) return;
   const Result<Sheet> ticket = BatchTicket(session, record_);
   if (Took(ticket)) PrintSheet(windows, *ticket);
+}
+
+void BatchForm::cmdPrintLabel_Click() {
+  std::vector<LabelData> labels = LabelsOfContainers(session, LabelledBatch());
+  if (!labels.empty()) OpenLabelForm(windows, std::move(labels));
 }
 
 void BatchForm::cmdPrintRecList_Click() {

@@ -12,9 +12,11 @@
 #include "core/batch/rows.h"
 #include "core/batch/ticket.h"
 #include "core/colors/guide_formulas.h"
+#include "core/labels/batch_containers.h"
 #include "core/session/rights.h"
 #include "desktop/batch/ink_patch.h"
 #include "desktop/kit/icons.h"
+#include "desktop/kit/print_label.h"
 #include "desktop/kit/print_sheet.h"
 #include "desktop/kit/record_fields.h"
 #include "desktop/kit/record_source.h"
@@ -52,7 +54,8 @@ ViewBatchForm::ViewBatchForm(WindowList& windowList) : Window(windowList, "ViewB
   form.Buttons({form.Button("cmdClose", tr("Close")),
                 formula_ = form.Button("cmdFormula", tr("Master &Formula"), Qt::Key_F6),
                 compare_ = form.Button("cmdModified", tr("&Modified Formula"), Qt::Key_F7),
-                print_ = form.Button("cmdPrint", tr("&Print"))});
+                print_ = form.Button("cmdPrint", tr("&Print")),
+                label_ = form.Button("cmdPrintLabel", tr("&Labels"), Qt::CTRL | Qt::Key_L)});
 }
 
 void ViewBatchForm::BuildHead(Form& form) {
@@ -207,10 +210,16 @@ void ViewBatchForm::cmdPrint_Click() {
   if (Accepted(ticket)) PrintSheet(windows, *ticket);
 }
 
+void ViewBatchForm::cmdPrintLabel_Click() {
+  std::vector<LabelData> labels = LabelsOfContainers(session, record_->BatchNo);
+  if (!labels.empty()) OpenLabelForm(windows, std::move(labels));
+}
+
 void ViewBatchForm::UpdateEnabled() {
   const bool found = record_ && record_->work.formulaFound;
   formula_->setEnabled(found && windows.Knows("MixColorsForm"));
   print_->setEnabled(record_ && CanPrint(windows));
+  label_->setEnabled(record_ && CanPrintLabels(windows));
   compare_->setEnabled(found && isGuideModified_ && windows.Knows("CompareFormulasForm"));
 }
 

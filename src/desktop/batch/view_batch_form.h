@@ -24,6 +24,7 @@ class ViewBatchForm : public Window {
   void cmdFormula_Click();
   void cmdModified_Click();
   void cmdPrint_Click() override;
+  void cmdPrintLabel_Click();
 
  private:
   void BuildHead(Form& form);
@@ -66,6 +67,7 @@ class ViewBatchForm : public Window {
   CommandButton* formula_ = nullptr;
   CommandButton* compare_ = nullptr;
   CommandButton* print_ = nullptr;
+  CommandButton* label_ = nullptr;
 };
 
 }  // namespace vellumark::desktop

@@ -8,6 +8,7 @@
 #include "core/colors/name_search.h"
 #include "core/colors/rollup.h"
 #include "core/inventory/color_stock.h"
+#include "core/labels/label_subjects.h"
 #include "desktop/colors/figure_fields.h"
 #include "desktop/colors/measurements_panel.h"
 #include "desktop/colors/name_entry.h"
@@ -15,6 +16,7 @@
 #include "desktop/inventory/inventory_panel.h"
 #include "desktop/kit/discard.h"
 #include "desktop/kit/icons.h"
+#include "desktop/kit/print_label.h"
 #include "desktop/kit/print_sheet.h"
 #include "desktop/kit/record_fields.h"
 #include "desktop/kit/text.h"
@@ -48,7 +50,8 @@ BasicColorsForm::BasicColorsForm(WindowList& windowList)
                 form.Button("cmdNext", tr("Next"), Qt::Key_PageDown),
                 rename_ = form.Button("cmdRename", tr("Rename"), Qt::Key_F6),
                 whereUsed_ = form.Button("cmdWhereUsed", tr("Where used"), Qt::Key_F7),
-                delete_ = form.Button("cmdDelete", tr("Delete")), print_ = form.Button("cmdPrint", tr("Print"))});
+                delete_ = form.Button("cmdDelete", tr("Delete")), print_ = form.Button("cmdPrint", tr("Print")),
+                label_ = form.Button("cmdPrintLabel", tr("Label"), Qt::CTRL | Qt::Key_L)});
   Listen();
   Clear();
 }
@@ -106,6 +109,7 @@ void BasicColorsForm::UpdateEnabled() {
   rename_->setEnabled(stored);
   whereUsed_->setEnabled(stored);
   print_->setEnabled(stored && CanPrint(windows));
+  label_->setEnabled(stored && CanPrintLabels(windows));
   low_->setVisible(stored && isLow_);
   state_->setText(!work_ ? QString() : work_->key == 0 ? tr("New") : InEdit() ? tr("Changed") : QString());
 }
@@ -326,6 +330,10 @@ void BasicColorsForm::cmdWhereUsed_Click() {
 
 void BasicColorsForm::cmdPrint_Click() {
   PrintSheet(windows, BasicColorSheet(session, ReadBasic(session, work_->Color_Name).value()));
+}
+
+void BasicColorsForm::cmdPrintLabel_Click() {
+  if (auto label = LabelOfColor(session, ColorKind::Basic, work_->Color_Name)) OpenLabelForm(windows, {*std::move(label)});
 }
 
 void BasicColorsForm::ImgInvLow_Click() {

@@ -41,6 +41,7 @@ class BasicColorsForm : public Window {
   void cmdNext_Click();
   void cmdWhereUsed_Click();
   void cmdPrint_Click() override;
+  void cmdPrintLabel_Click();
   void ImgInvLow_Click();
 
  private:
@@ -87,6 +88,7 @@ class BasicColorsForm : public Window {
   CommandButton* delete_;
   CommandButton* rename_;
   CommandButton* print_ = nullptr;
+  CommandButton* label_ = nullptr;
   CommandButton* whereUsed_;
   bool isLow_ = false;
 };

@@ -7,6 +7,7 @@
 #include "core/colors/color_sheets.h"
 #include "core/colors/guide_formulas.h"
 #include "core/inventory/color_stock.h"
+#include "core/labels/label_subjects.h"
 #include "desktop/colors/additive_set_panel.h"
 #include "desktop/colors/ingredients_panel.h"
 #include "desktop/colors/measurements_panel.h"
@@ -16,6 +17,7 @@
 #include "desktop/colors/new_additive_set_panel.h"
 #include "desktop/inventory/inventory_panel.h"
 #include "desktop/kit/discard.h"
+#include "desktop/kit/print_label.h"
 #include "desktop/kit/print_sheet.h"
 #include "desktop/kit/record_fields.h"
 #include "desktop/kit/text.h"
@@ -162,6 +164,10 @@ void MixColorsForm::cmdWhereUsed_Click() {
 
 void MixColorsForm::cmdPrint_Click() {
   PrintSheet(windows, FormulaSheet(session, ReadMix(session, work_->Color_Name).value()));
+}
+
+void MixColorsForm::cmdPrintLabel_Click() {
+  if (auto label = LabelOfColor(session, ColorKind::Mix, work_->Color_Name)) OpenLabelForm(windows, {*std::move(label)});
 }
 
 void MixColorsForm::ImgInvLow_Click() {

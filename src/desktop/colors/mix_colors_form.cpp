@@ -17,6 +17,7 @@
 #include "desktop/kit/discard.h"
 #include "desktop/kit/icons.h"
 #include "desktop/kit/look.h"
+#include "desktop/kit/print_label.h"
 #include "desktop/kit/print_sheet.h"
 #include "desktop/kit/record_fields.h"
 #include "desktop/kit/swatch_view.h"
@@ -99,12 +100,14 @@ void MixColorsForm::BuildFormulaPage(Form page) {
   adjust_ = page.Button("cmdAutoAdjust", tr("Adjust Ing. by Percent"), Qt::Key_F9);
   modified_ = page.Button("cmdModified", tr("Modified Formula"));
   print_ = page.Button("cmdPrint", tr("Print"));
+  label_ = page.Button("cmdPrintLabel", tr("Label"), Qt::CTRL | Qt::Key_L);
   across->addWidget(allowEditing_);
   across->addWidget(clearBatch_);
   across->addStretch(1);
   across->addWidget(adjust_);
   across->addWidget(modified_);
   across->addWidget(print_);
+  across->addWidget(label_);
   clearBatch_->hide();
   ingredients_ = new IngredientsPanel(*this, Form(*this, *left));
   sets_ = new AdditiveSetPanel(*this, Form(*this, *right));
@@ -177,6 +180,7 @@ void MixColorsForm::UpdateEnabled() {
   rename_->setEnabled(stored);
   whereUsed_->setEnabled(stored);
   print_->setEnabled(stored && CanPrint(windows));
+  label_->setEnabled(stored && CanPrintLabels(windows));
   duplicate_->setEnabled(stored && windows.Knows("DuplicateFormulaForm"));
   low_->setVisible(stored && details_->IsBelowReorder());
   hasNotes_->setVisible(work_ && notes_->HasNotes());

@@ -52,6 +52,7 @@ class MixColorsForm : public Window {
   void cmdFind_Click();
   void cmdWhereUsed_Click();
   void cmdPrint_Click() override;
+  void cmdPrintLabel_Click();
   void ImgInvLow_Click();
 
  private:
@@ -117,6 +118,7 @@ class MixColorsForm : public Window {
   CommandButton* rename_ = nullptr;
   CommandButton* duplicate_ = nullptr;
   CommandButton* print_ = nullptr;
+  CommandButton* label_ = nullptr;
   CommandButton* whereUsed_ = nullptr;
   CommandButton* delete_ = nullptr;
   bool isModified_ = false;  ///< differs from the published formula

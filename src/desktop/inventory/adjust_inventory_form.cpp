@@ -12,6 +12,7 @@
 #include "core/colors/amounts.h"
 #include "core/colors/basic_work.h"
 #include "core/colors/names.h"
+#include "core/labels/label_subjects.h"
 #include "core/labels/scan_step.h"
 #include "desktop/inventory/inv_lot_instructions.h"
 #include "desktop/inventory/inventory_panel.h"
@@ -22,6 +23,7 @@
 #include "desktop/kit/discard.h"
 #include "desktop/kit/icons.h"
 #include "desktop/kit/look.h"
+#include "desktop/kit/print_label.h"
 #include "desktop/kit/record_fields.h"
 #include "desktop/kit/swatch_view.h"
 #include "desktop/kit/text.h"
@@ -80,7 +82,8 @@ AdjustInventoryForm::AdjustInventoryForm(WindowList& windowList)
   });
   BuildSettings(tabs.Page(tr("Settings"), "TabSettings"));
   form.Buttons({save_ = form.Button("cmdSave", tr("&Save")), cancel_ = form.Button("cmdCancel", tr("Cancel")),
-                history_ = form.Button("cmdHistory", tr("&History"), Qt::Key_F7)});
+                history_ = form.Button("cmdHistory", tr("&History"), Qt::Key_F7),
+                label_ = form.Button("cmdPrintLabel", tr("Label"), Qt::CTRL | Qt::Key_L)});
   connect(name_, &TextField::Left, this, &AdjustInventoryForm::NameLeft);
   connect(name_, &NameBox::Picked, this, [this](const QString& picked) {
     if (!RecordInEdit()) EnterName(U8(picked));
@@ -203,6 +206,8 @@ void AdjustInventoryForm::UpdateEnabled() {
   save_->setVisible(!scan);
   cancel_->setVisible(!scan);
   history_->setVisible(!scan);
+  label_->setVisible(manual);
+  label_->setEnabled(shown && CanPrintLabels(windows));
   save_->setEnabled(scan || (manual ? shown : settings_->IsChanged()));
   cancel_->setEnabled(manual ? shown : settings_->IsChanged());
   history_->setEnabled(tab_ != kSettings);
@@ -354,6 +359,14 @@ void AdjustInventoryForm::cmdHistory_Click() {
   Arguments arguments;
   if (record_) arguments.Set("Color_Name", record_->Color_Name).Set("Kind", record_->kind);
   windows.OpenForm("StockHistoryForm", arguments);
+}
+
+void AdjustInventoryForm::cmdPrintLabel_Click() {
+  if (!record_) return;
+  const auto lot = panel_->ChosenLot();
+  auto label = lot ? LabelOfLot(session, record_->kind, record_->Color_Name, *lot)
+                   : LabelOfColor(session, record_->kind, record_->Color_Name);
+  if (label) OpenLabelForm(windows, {*std::move(label)});
 }
 
 void AdjustInventoryForm::OpenReorderPoint() {

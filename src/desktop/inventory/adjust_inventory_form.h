@@ -34,6 +34,8 @@ class AdjustInventoryForm : public Window {
   void cmdSave_Click() override;
   void cmdCancel_Click();
   void cmdHistory_Click();
+  /// Of the chosen lot, or of the colour.
+  void cmdPrintLabel_Click();
   void ImgInvLow_Click();
 
  private:
@@ -84,6 +86,7 @@ class AdjustInventoryForm : public Window {
   CommandButton* save_;
   CommandButton* cancel_;
   CommandButton* history_;
+  CommandButton* label_;
   bool isLow_ = false;
 };
 

@@ -253,6 +253,13 @@ void InventoryPanel::ShowTotals() {
   selected_->SetText(Fixed(work_->rows[static_cast<std::size_t>(row)].now.qty, 3));
 }
 
+std::optional<LotRow> InventoryPanel::ChosenLot() const {
+  const int row = IsBuilt() && work_ ? list_->CurrentRow() : -1;
+  if (row < 1) return std::nullopt;
+  const auto key = work_->rows[static_cast<std::size_t>(row)].key;
+  return key ? FindLot(host_.session, work_->kind, work_->name, work_->database, *key) : std::nullopt;
+}
+
 void InventoryPanel::RowChosen(int row) {
   if (loading_ || !work_) return;
   entry_->Show(&*work_, row < 0 ? ClearedFields(host_.session, *work_)

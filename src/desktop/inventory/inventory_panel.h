@@ -54,6 +54,8 @@ class InventoryPanel : public QObject {
   const InventoryWork* Work() const { return work_ && changed_ ? &*work_ : nullptr; }
   /// The list on screen.
   const InventoryWork* Shown() const { return work_ ? &*work_ : nullptr; }
+  /// The lot on file whose row is chosen; nothing for another row.
+  std::optional<LotRow> ChosenLot() const;
   /// The adjust field, its tab in front.
   void FocusEntry() { entry_->Focus(); }
 

@@ -191,6 +191,7 @@ void ScanCapture::ShowTotals() {
 }
 
 void ScanCapture::cmd_ScanSave() {
+  if (!data_->isVisible()) return;  // its key is heard on the other pages too
   if (IsEmpty()) {
     QApplication::beep();
     return Focus();

@@ -333,6 +333,7 @@ void ScanReview::TakeBack() {
 }
 
 void ScanReview::Finish() {
+  if (records_.empty()) return;  // its key is heard in the first step too
   if (HasUnbooked() && !MayClearScan(host_.session)) return;
   records_.clear();
   list_->Refresh();

@@ -90,9 +90,12 @@ TEST_F(ScanTabTest, ShowsEachRecordBeforeItBooksIt) {
   auto& list = Control<desktop::Grid>(*form, "fgScan");
   EXPECT_EQ(list.Model().Source()->Swatch(0, 1), QColor(228, 0, 43));
   EXPECT_EQ(InLot(1), 40) << "nothing is booked yet";
+  for (const auto key : {Qt::Key_F8, Qt::Key_F10}) PressOn(key);  // keys of the second step
+  EXPECT_EQ(Cells("fgScan", 0).size(), 3U);
   Picture(*form, "inventory-scan-1");
 
   PressOn(Qt::Key_F9);
+  PressOn(Qt::Key_F9);  // the key of the first step
   EXPECT_EQ(InLot(1), 49);
   EXPECT_EQ(Message(), "RED inventory updated successfully.");
   Picture(*form, "inventory-scan-2-booked");
