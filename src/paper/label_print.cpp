@@ -1,5 +1,6 @@
 #include "paper/label_print.h"
 
+#include <QBuffer>
 #include <QImage>
 #include <QImageReader>
 #include <QPageSize>
@@ -11,16 +12,34 @@
 #define ZX_USE_UTF8 1
 #include <ZXing/ReadBarcode.h>
 
+#include "core/base/files.h"
 #include "core/base/text.h"
 #include "paper/label_painter.h"
 #include "paper/pdf.h"
+#include "paper/photo_maker.h"
 
 namespace vellumark::paper {
 namespace {
 
 using What = LabelElement::What;
 
-constexpr double kScreenDots = 96;  // of an inch of a picture
+constexpr double kScreenDots = 96;                  // of an inch of a picture
+constexpr std::size_t kLargestPicture = 8U << 20U;  // bytes
+
+// The decoder makes black what a cut file lacks.
+bool IsWholeBitmap(std::string_view bytes, const QImage& image) {
+  const auto number = [&](std::size_t at, std::size_t size) {
+    std::size_t value = 0;
+    for (std::size_t i = size; i > 0; --i) value = value << 8U | static_cast<unsigned char>(bytes.at(at + i - 1));
+    return value;
+  };
+  constexpr std::size_t kHeader = 54;
+  if (!bytes.starts_with("BM") || bytes.size() < kHeader) return true;  // no bitmap, or one without a table of lines
+  const bool packed = number(30, 4) == 1 || number(30, 4) == 2;
+  const std::size_t line = (static_cast<std::size_t>(image.width()) * number(28, 2) + 31) / 32 * 4;
+  const std::size_t lines = packed ? number(34, 4) : line * static_cast<std::size_t>(image.height());
+  return bytes.size() >= number(10, 4) + lines;
+}
 
 // A piece of a label as the printer will have it, in gray.
 QImage Rendered(const Session& session, const LabelDrawing& drawing, int dotsPerInch, const QRect& piece) {
@@ -106,7 +125,15 @@ int PrintLabelsToFile(const Session& session, const LabelJob& job, const std::fi
 }
 
 Result<void> CheckLabelPictureFile(const std::filesystem::path& file) {
-  QImageReader reader(QString::fromStdString(file.string()));
+  const auto none = [&] { return Refuse("Picture Selection", file.string() + " is no picture that can be read."); };
+  std::error_code error;
+  if (!std::filesystem::is_regular_file(file, error)) return none();
+  const std::string bytes = ReadFileBytes(file, kLargestPicture + 1);
+  if (bytes.size() > kLargestPicture) return none();
+  QByteArray data = QByteArray::fromRawData(bytes.data(), static_cast<qsizetype>(bytes.size()));
+  QBuffer buffer(&data);
+  buffer.open(QIODevice::ReadOnly);
+  QImageReader reader(&buffer);
   reader.setDecideFormatFromContent(true);
   const QByteArray format = reader.format();
   // Before it is decoded: a few bytes can tell of a picture that no memory holds.
@@ -114,7 +141,7 @@ Result<void> CheckLabelPictureFile(const std::filesystem::path& file) {
     if (auto checked = CheckLabelPicture(format.toStdString(), size.width(), size.height(), kScreenDots); !checked)
       return checked;
   const QImage image = reader.read();
-  if (image.isNull()) return Refuse("Picture Selection", file.string() + " is no picture that can be read.");
+  if (image.isNull() || (format == "jpeg" ? !IsWholeJpeg(bytes) : !IsWholeBitmap(bytes, image))) return none();
   // A file that tells no resolution is taken as of the screen.
   const double dots = image.dotsPerMeterX() > 0 ? image.dotsPerMeterX() * 0.0254 : kScreenDots;
   return CheckLabelPicture(format.toStdString(), image.width(), image.height(), dots);

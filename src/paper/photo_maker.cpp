@@ -21,8 +21,17 @@ std::unexpected<Refusal> NoPhoto(const std::string& name, std::string_view why) 
   return Refuse(std::string(kPhotoTitle), fmt::format("{} cannot be used as a photo: {}.", name, why), "PhotoName");
 }
 
-// The decoder fills up with grey what a cut file lacks. The end of the picture stands behind the first scan: a smaller
-// picture inside the headers has an end of its own.
+QImage OnWhite(const QImage& image) {
+  if (!image.hasAlphaChannel()) return image;
+  QImage paper(image.size(), QImage::Format_RGB32);
+  paper.fill(Qt::white);
+  QPainter(&paper).drawImage(0, 0, image);
+  return paper;
+}
+
+}  // namespace
+
+// The end of the picture stands behind the first scan: a smaller picture inside the headers has an end of its own.
 bool IsWholeJpeg(std::string_view bytes) {
   std::size_t at = 2;
   while (at + 4 <= bytes.size() && bytes[at] == '\xFF') {
@@ -34,16 +43,6 @@ bool IsWholeJpeg(std::string_view bytes) {
   }
   return false;
 }
-
-QImage OnWhite(const QImage& image) {
-  if (!image.hasAlphaChannel()) return image;
-  QImage paper(image.size(), QImage::Format_RGB32);
-  paper.fill(Qt::white);
-  QPainter(&paper).drawImage(0, 0, image);
-  return paper;
-}
-
-}  // namespace
 
 Result<std::string> JpegMaker::Jpeg(const std::string& bytes, const std::string& name) const {
   QByteArray data = QByteArray::fromRawData(bytes.data(), static_cast<qsizetype>(bytes.size()));

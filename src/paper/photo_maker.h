@@ -4,6 +4,9 @@
 
 namespace vellumark::paper {
 
+/// False for a JPEG whose picture is cut off: the decoder would fill it up with grey.
+bool IsWholeJpeg(std::string_view bytes);
+
 /// Makes photos with the image formats of Qt. For callers that know nothing of it.
 class JpegMaker final : public PhotoMaker {
  public:

@@ -296,11 +296,14 @@ Result<void> CopyLabelLayout(Session& session, LabelKind kind, std::string_view 
 Result<void> DeleteLabelLayout(Session& session, LabelKind kind, std::string_view layout) {
   const auto name = FindLabelLayout(session, kind, layout);
   if (!name) return std::unexpected(name.error());
+  std::vector<std::string> names = LabelLayouts(session, kind);
+  if (names.size() == 1)
+    return Refuse("Delete Label Layout?",
+                  "The last Label Layout cannot be deleted: there is nothing to print without one.", "cmbLabelName");
   if (!session.prompt.Ask("Delete Label Layout?",
                           fmt::format("Are you sure you want to permanently delete the Label Layout '{}'?", *name),
                           Answer::No))
     return Decline("Delete Label Layout?");
-  std::vector<std::string> names = LabelLayouts(session, kind);
   std::erase(names, *name);
   TellLayouts(session, kind, names);
   FileOf(session, kind).RemoveRecords(*name);

@@ -75,7 +75,7 @@ Result<void> AddLabelLayout(Session& session, LabelKind kind, std::string_view n
 Result<void> CopyLabelLayout(Session& session, LabelKind kind, std::string_view layout, std::string_view name);
 /// The folder of the pictures, beside the Support Files.
 std::filesystem::path PicturesOfLabels(const Session& session);
-/// After a question.
+/// After a question; the last one stays.
 Result<void> DeleteLabelLayout(Session& session, LabelKind kind, std::string_view layout);
 
 }  // namespace vellumark

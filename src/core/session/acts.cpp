@@ -290,6 +290,9 @@ constexpr WayIn kWindows[] = {
     {"ExportJobRecords", Act::Look},
     // Labels. Their layouts are settings.
     {"LabelMenu", Act::Look},
+    {"LabelLayoutForm", Act::Options},
+    {"GH_LabelLayoutForm", Act::Options},
+    {"Formula_LabelLayoutForm", Act::Options},
     {"SaveLabelLayoutForm", Act::Options},
     {"GH_LabelSaveForm", Act::Options},
     {"Formula_LabelSaveForm", Act::Options},

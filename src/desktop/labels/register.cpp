@@ -1,11 +1,25 @@
 #include "desktop/labels/register.h"
 
+#include "desktop/labels/label_layout_form.h"
 #include "desktop/labels/label_menu.h"
 #include "desktop/labels/save_label_layout_form.h"
+#include "desktop/labels/small_layout_forms.h"
 
 namespace vellumark::desktop {
 
-void RegisterLabelWindows(WindowList& windows, const PrintDevices&) {
+namespace {
+
+template <class W>
+void RegisterPrinting(WindowList& windows, const char* name, const PrintDevices& devices) {
+  windows.Register(name, [devices](WindowList& list) -> Window* { return new W(list, devices); });
+}
+
+}  // namespace
+
+void RegisterLabelWindows(WindowList& windows, const PrintDevices& devices) {
+  RegisterPrinting<LabelLayoutForm>(windows, "LabelLayoutForm", devices);
+  RegisterPrinting<GH_LabelLayoutForm>(windows, "GH_LabelLayoutForm", devices);
+  RegisterPrinting<Formula_LabelLayoutForm>(windows, "Formula_LabelLayoutForm", devices);
   windows.Register<LabelMenu>("LabelMenu");
   for (const LabelWindows& kind : kLabelWindows)
     windows.RegisterDialog(kind.save, [&kind](WindowList& list, QWidget* owner) -> Dialog* {

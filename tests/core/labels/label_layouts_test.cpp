@@ -63,6 +63,8 @@ TEST_F(LabelsTest, ACopyHasEveryKeyAndLivesByItself) {
   ASSERT_TRUE(DeleteLabelLayout(session, kLabel, "Drums"));
   EXPECT_TRUE(Keys("Drums").empty());
   EXPECT_EQ(GetSetting(session, setting::LabelLayoutList), "Default Label|");
+  EXPECT_EQ(DeleteLabelLayout(session, kLabel, kDefault).error().title, "Delete Label Layout?");
+  EXPECT_FALSE(Keys(kDefault).empty());
 }
 
 TEST_F(LabelsTest, RefusesWhatWouldBreakALayout) {
