@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <functional>
 #include <tuple>
 
 #include "core/base/files.h"
@@ -132,27 +133,36 @@ Result<std::pair<std::string, std::filesystem::path>> KeepPicture(const Session&
   }
 }
 
-Result<void> WriteDesign(Session& session, LabelKind kind, std::vector<SupportRecord> records) {
-  if (auto checked = CheckDesign(records); !checked) return checked;
+// Writes values, one of which may be the location of a picture: one elsewhere is kept and named by its new name, unless
+// the write fails.
+Result<void> WriteWithPicture(const Session& session, std::string* location, const std::function<void()>& write) {
   std::filesystem::path made;
-  const auto picture = std::ranges::find(records, kPictureKey, &SupportRecord::key);
-  if (picture != records.end() && std::filesystem::path(picture->value).is_absolute()) {
-    auto kept = KeepPicture(session, picture->value);
+  if (location != nullptr && std::filesystem::path(*location).is_absolute()) {
+    auto kept = KeepPicture(session, *location);
     if (!kept) return std::unexpected(kept.error());
-    std::tie(picture->value, made) = *std::move(kept);
+    std::tie(*location, made) = *std::move(kept);
   }
   try {
-    FileOf(session, kind).Change([&](SupportRecords& file) {
-      file.RemoveRecords(records.front().layout);
-      for (const SupportRecord& record : records) file.Append(record.layout, record.key, record.value);
-    });
+    write();
   } catch (...) {
     std::error_code error;
     if (!made.empty()) std::filesystem::remove(made, error);
     throw;
   }
-  session.changes.Tell({{Change::Kind::Settings, "", "", Change::What::All, ""}});
   return {};
+}
+
+Result<void> WriteDesign(Session& session, LabelKind kind, std::vector<SupportRecord> records) {
+  if (auto checked = CheckDesign(records); !checked) return checked;
+  const auto picture = std::ranges::find(records, kPictureKey, &SupportRecord::key);
+  auto written = WriteWithPicture(session, picture == records.end() ? nullptr : &picture->value, [&] {
+    FileOf(session, kind).Change([&](SupportRecords& file) {
+      file.RemoveRecords(records.front().layout);
+      for (const SupportRecord& record : records) file.Append(record.layout, record.key, record.value);
+    });
+  });
+  if (written) session.changes.Tell({{Change::Kind::Settings, "", "", Change::What::All, ""}});
+  return written;
 }
 
 constexpr std::size_t kLongestName = 60;
@@ -239,10 +249,12 @@ Result<void> SaveLabelSetting(Session& session, LabelKind kind, std::string_view
     checked.error().field = "VALUE";
     return checked;
   }
-  FileOf(session, kind).Change([&](SupportRecords& file) {
-    if (!file.Set(*name, key, value)) file.InsertAfter(*name, key, {{*name, std::string(key), std::string(value)}});
+  std::string kept(value);
+  return WriteWithPicture(session, key == kPictureKey ? &kept : nullptr, [&] {
+    FileOf(session, kind).Change([&](SupportRecords& file) {
+      if (!file.Set(*name, key, kept)) file.InsertAfter(*name, key, {{*name, std::string(key), kept}});
+    });
   });
-  return {};
 }
 
 std::vector<SupportRecord> LabelRecords(const Session& session, LabelKind kind, std::string_view layout) {

@@ -58,7 +58,8 @@ Result<std::string> FindLabelLayout(const Session& session, LabelKind kind, std:
 std::string LabelSetting(const Session& session, LabelKind kind, std::string_view layout, std::string_view key);
 /// The same as a whole number, 0 where it is none.
 int LabelNumber(const Session& session, LabelKind kind, std::string_view layout, std::string_view key);
-/// Writes a value. Refused where a layout of the kind has no such key, and for what the key cannot be.
+/// Writes a value. Refused where a layout of the kind has no such key, and for what the key cannot be. A picture is
+/// kept as by SaveLabelLayout.
 Result<void> SaveLabelSetting(Session& session, LabelKind kind, std::string_view layout, std::string_view key,
                               std::string_view value);
 

@@ -87,6 +87,8 @@ TEST_F(LabelWorkTest, KeepsPicturesUnderNamesOfTheirOwn) {
   EXPECT_EQ(saved((PicturesOfLabels(session) / "logo 2.jpg").string()), "logo 2.jpg");
   EXPECT_EQ(saved(picture("D", "three", "Ω \".bmp")), "Ω \".bmp");
   EXPECT_EQ(ReadFileBytes(PicturesOfLabels(session) / "logo 2.jpg"), "two");
+  ASSERT_TRUE(SaveLabelSetting(session, LabelKind::Label, kDefault, "Picture Image Location", picture("F", "six")));
+  EXPECT_EQ(OnFile("Picture Image Location"), "logo 3.jpg") << "one key alone too";
 
   // All or nothing: a picture that has gone, and a file of layouts that cannot be written.
   Set("Date Left", "777");
@@ -99,7 +101,7 @@ TEST_F(LabelWorkTest, KeepsPicturesUnderNamesOfTheirOwn) {
   prompt.Expect("Overwrite Label Layout?", Answer::Yes);
   EXPECT_THROW(static_cast<void>(SaveLabelLayout(session, LabelKind::Label, kDefault, work.Design().Records())),
                Failure);
-  EXPECT_FALSE(std::filesystem::exists(PicturesOfLabels(session) / "logo 3.jpg"));
+  EXPECT_FALSE(std::filesystem::exists(PicturesOfLabels(session) / "logo 4.jpg"));
   std::filesystem::remove(file);
   std::filesystem::rename(folder / "aside", file);
   EXPECT_TRUE(work.IsChanged());

@@ -425,6 +425,7 @@ TEST_F(LayoutWindowsTest, GroupsFieldsIntoBarCodesAndReadsCodesBack) {
 }
 
 TEST_F(LayoutWindowsTest, KeepsPrintersAndPapersByTheirNames) {
+  EXPECT_EQ(CleanUpPaperType(std::string_view("A5  \0\0x", 7)), "A5");
   OnFile({{"Printer", "gone"}, {"Paper Type", "Label 4x2"}, {"Paper Type ID", "271"}});
   Open("LabelLayoutForm");
   Page("TabSheet");
