@@ -68,14 +68,18 @@ struct JobsInProgramTest : testing::Test {
     Press(*menu, letter);
     QTest::qWait(150);
     Settle();
-    running.program.Main().activateWindow();
-    Settle();
+    Active();
   }
   desktop::Window& FromJobMenu(Qt::Key letter, const char* window) {
     Toolbar(Qt::Key_4);
     FromMenu(letter);
     if (!running.windows.IsFormOpen(window)) throw std::runtime_error(std::string("no ") + window);
     return *running.windows.Form(window);
+  }
+  /// Who has come to the front gets the keys again.
+  void Active() {
+    running.program.Main().activateWindow();
+    Settle();
   }
   bool Told(const char* title) {
     const bool was = std::ranges::find(told, title) != told.end();
@@ -86,6 +90,7 @@ struct JobsInProgramTest : testing::Test {
     return running.session.File().Scalar(std::string("SELECT COUNT(*) FROM ") + table).Whole();
   }
   void GoTo(desktop::Window& job, int row, JobColumn column) {
+    Active();
     auto& list = Control<desktop::Grid>(job, "fg");
     list.View().setFocus();
     list.View().setCurrentIndex(list.Model().index(list.Model().ShownRow(row), static_cast<int>(column)));
@@ -103,6 +108,114 @@ struct JobsInProgramTest : testing::Test {
   std::vector<std::string> told;
   std::filesystem::path file;
 };
+
+TEST_F(JobsInProgramTest, FromADesignToTheEndOfItsJob) {
+  desktop::Window& design = FromJobMenu(Qt::Key_D, "JobDesigns");
+  Type(Control(design, "cmbDesignID"), "CARTON");
+  PressOn(Qt::Key_Return);
+  Settle();
+  Click(design, "cmdBench");
+  desktop::Window* bench = running.windows.Form("DesignBenchForm");
+  ASSERT_NE(bench, nullptr);
+  Fill(*bench, "txtImpressions", "20000");
+  Fill(*bench, "JobNumber", "J-77");
+  const std::int64_t batches = Count("INK_Batch");
+  for (int row = 0; row < 2; ++row) {
+    running.windows.OpenForm("DesignBenchForm");
+    Active();
+    auto& needs = Control<desktop::Grid>(*bench, "fgNeeds");
+    needs.View().setFocus();
+    needs.SetCurrentRow(row);
+    PressOn(Qt::Key_Return);
+    Settle();
+    ASSERT_TRUE(running.windows.IsInEdit("BatchForm")) << row;
+    desktop::Window& batch = *running.windows.Form("BatchForm");
+    EXPECT_EQ(Control<QLineEdit>(batch, "JobNumber").text(), "J-77");
+    Press(batch, Qt::Key_S, Qt::ControlModifier);
+    Settle();
+    ASSERT_FALSE(running.windows.IsInEdit("BatchForm")) << row;
+  }
+  ASSERT_EQ(Count("INK_Batch"), batches + 2);
+
+  desktop::Window& job = FromJobMenu(Qt::Key_J, "JobForm");
+  TypeOn("J-77");
+  PressOn(Qt::Key_Return);
+  Settle();
+  auto& list = Control<desktop::Grid>(job, "fg");
+  ASSERT_EQ(list.Model().rowCount(), 2);
+  WithModal([&] { Press(job, Qt::Key_Insert); },
+            [&](QWidget& dialog) {
+              Control(dialog, "cmbDesignID").setFocus(Qt::TabFocusReason);
+              TypeOn("CARTON");
+              PressOn(Qt::Key_Return);
+              Settle();
+              auto& colors = Control<desktop::Grid>(dialog, "DesignColorList");
+              colors.View().setFocus();
+              colors.SetCurrentRow(2);
+              PressOn(Qt::Key_Return);
+              PressOn(Qt::Key_F2);
+              PressOn(Qt::Key_S, Qt::ControlModifier);
+              PressOn(Qt::Key_Escape);
+            });
+  Settle();
+  ASSERT_EQ(list.Model().rowCount(), 3);
+  const std::vector<JobRecord> issued = JobItems(running.session, "J-77");
+  EXPECT_EQ(issued[2].LotNumber + " " + issued[2].DesignID, "OLD CARTON") << "the oldest lot, not the supplier's";
+
+  // Partly returned: of a Batch and of what was taken from stock.
+  EXPECT_FALSE(Told("Usage Notice"));
+  TypeUsed(job, 0, "0");
+  EXPECT_TRUE(Told("Usage Notice")) << "a Batch's row does not go from here";
+  PressOn(Qt::Key_Escape);
+  TypeUsed(job, 0, "1.5");
+  TypeUsed(job, 2, "2.25");
+  const std::vector<JobRecord> used = JobItems(running.session, "J-77");
+  EXPECT_EQ(used[0].QtyUsed, 1.5F);
+  EXPECT_EQ(used[2].QtyUsed, 2.25F);
+  EXPECT_EQ(running.session.File().Scalar("SELECT LotQty FROM INK_Basic_LotInv WHERE LotNumber = 'OLD'").Number(), 17.75);
+  for (const char* other : {"BatchForm", "DesignBenchForm", "JobDesigns"}) running.windows.CloseForm(other);
+  Settle();
+  Picture(running.program.Main(), "main-form-job");
+
+  // The Batch shows what its row says.
+  GoTo(job, 0, JobColumn::BatchNo);
+  PressOn(Qt::Key_Return);
+  Settle();
+  desktop::Window& batch = *running.windows.Form("BatchForm");
+  EXPECT_EQ(Control<QLineEdit>(batch, "txtQtyUsed").text(), "1.500");
+  Click(batch, "cmdCancel");
+  Settle();
+
+  running.windows.OpenForm("JobForm");
+  WithModal([&] { Press(job, Qt::Key_F12); },
+            [](QWidget& dialog) {
+              EXPECT_EQ(dialog.objectName(), "JobClosingDate");
+              PressOn(Qt::Key_Return);
+              if (dialog.isVisible()) PressOn(Qt::Key_Return);
+            });
+  EXPECT_TRUE(LoadJob(running.session, "J-77").Date_Completed);
+  Active();
+  list.View().setFocus();
+  WithModal([&] { PressOn(Qt::Key_P, Qt::ControlModifier); }, [](QWidget& dialog) { Click(dialog, "cmdPDF"); });
+  std::string page;
+  for (const PdfPage& sheet : ReadPdf(file))
+    for (const std::string& line : LinesOf(sheet)) page += line + "\n";
+  for (const char* text : {"Job Cost Sheet", "J-77", "1.500", "2.250"})
+    EXPECT_NE(page.find(text), std::string::npos) << text;
+  Click(job, "cmdExportJobs");
+  desktop::Window& records = *running.windows.Form("ExportJobRecords");
+  Fill(records, "txtFirst", "J-77");
+  Fill(records, "txtLast", "J-77");
+  Click(records, "cmdGather");
+  Click(records, "cmdCreateFile");
+  EXPECT_NE(ReadFileBytes(file).find("J-77"), std::string::npos);
+  running.windows.CloseChildWindows();
+  running.program.Main().close();
+  Settle();
+  const auto shown = room.Json({"job", "show", "J-77"});
+  EXPECT_EQ(shown["Items"].size(), 3U);
+  EXPECT_FALSE(shown["Date_Completed"].is_null());
+}
 
 TEST_F(JobsInProgramTest, TheJobWindowAndAnOpenBatchStandBackForOneAnother) {
   desktop::Window& job = FromJobMenu(Qt::Key_J, "JobForm");
