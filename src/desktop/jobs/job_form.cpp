@@ -133,6 +133,7 @@ void JobForm::ShowFigures() {
   const bool there = !job_.items.empty();
   used_->SetText(there ? Fixed(job_.totals.QtyUsed, 3) : "");
   const bool prices = SeenBy(session).prices;
+  cost_->setWordWrap(!prices);
   cost_->SetText(!prices ? "User Permissions - Price Blocked"
                  : there ? Fixed(job_.totals.Cost, session.DecimalPlaces)
                          : "");

@@ -55,7 +55,6 @@ JobForm::JobForm(WindowList& windowList)
   list_->SetSource(rows_);
   list_->View().setContextMenuPolicy(Qt::CustomContextMenu);
   form.Wide(list_, 1);
-  form.Wide(hint_ = form.Hint({}, "lblHint"));
   form.Wide(BuildButtons(form));
   Listen();
   ShowFigures();
@@ -87,7 +86,10 @@ void JobForm::BuildTotals(Form& form) {
   place->addWidget(Captioned(tr("Total Cost"), "lblTotalCostCaption", cost_ = form.Value("lblTotalCost")));
   place->addWidget(Captioned(tr("Total VOCs"), "lblTotalVOCsCaption", VOCs_ = form.Value("lblTotalVOCs")));
   place->addWidget(Captioned(tr("Total HAPs"), "lblTotalHAPsCaption", HAPs_ = form.Value("lblTotalHAPs")));
-  place->addStretch(1);
+  hint_ = form.Hint({}, "lblHint");
+  hint_->setWordWrap(true);
+  hint_->setAlignment(Qt::AlignCenter);
+  place->addWidget(hint_, 1);
   place->addWidget(Captioned(tr("Date Entered"), "lblDateEnteredCaption", entered_ = form.Label("lblDateEntered")));
   place->addWidget(Captioned(tr("Date Completed"), "lblJobCompletedCaption", completed_ = form.Label("lblJobCompleted")));
   usedCaption_ = line->findChild<QLabel*>("lblTotalQtyUsedCaption");

@@ -176,6 +176,7 @@ TEST_F(JobsInProgramTest, FromADesignToTheEndOfItsJob) {
   for (const char* other : {"BatchForm", "DesignBenchForm", "JobDesigns"}) running.windows.CloseForm(other);
   Settle();
   Picture(running.program.Main(), "main-form-job");
+  EXPECT_GE(list.View().viewport()->height() / list.View().rowHeight(0), 8) << "rows at 1280x720";
 
   // The Batch shows what its row says.
   GoTo(job, 0, JobColumn::BatchNo);
