@@ -1,6 +1,8 @@
 #include "desktop/kit/scanned_entry.h"
 
+#include <QAbstractSpinBox>
 #include <QApplication>
+#include <QComboBox>
 #include <QFocusEvent>
 #include <QKeyEvent>
 #include <QLineEdit>
@@ -57,6 +59,14 @@ bool CollectsScans(const QWidget& widget) {
   return widget.property(kCollects).toBool();
 }
 
+// Where the keys of whoever has the focus end up: a drop-down or a date is written in the line inside it.
+QWidget& WrittenIn(QWidget& focused) {
+  QLineEdit* inside = nullptr;
+  if (auto* combo = qobject_cast<QComboBox*>(&focused)) inside = combo->lineEdit();
+  if (auto* spin = qobject_cast<QAbstractSpinBox*>(&focused)) inside = spin->findChild<QLineEdit*>();
+  return inside != nullptr ? *inside : focused;
+}
+
 bool TakesText(const QWidget& widget) {
   if (!widget.isEnabled()) return false;
   if (const auto* line = qobject_cast<const QLineEdit*>(&widget)) return !line->isReadOnly();
@@ -88,7 +98,7 @@ QString WhyNot(QLineEdit& line, const QString& value) {
 }
 
 void StripOnLeaving(QWidget& widget, const QFocusEvent& event) {
-  auto* line = qobject_cast<QLineEdit*>(&widget);
+  auto* line = qobject_cast<QLineEdit*>(&WrittenIn(widget));
   if (line == nullptr || line->echoMode() != QLineEdit::Normal || line->isReadOnly()) return;
   if (event.reason() == Qt::PopupFocusReason || event.reason() == Qt::ActiveWindowFocusReason) return;
   const std::string text = U8(line->text());
@@ -117,10 +127,11 @@ QString ScannedEntry::TagOf(const QWidget& field) {
     const char* tag;
   };
   // By the system's names of controls; "Cont" before "Lot" for the lots' containers.
-  static constexpr std::array kCalled{Called{"ContID", "<LC>"},      Called{"ScanLC", "<LC>"}, Called{"LotLoc", "<LL>"},
-                                      Called{"cmbLocation", "<LL>"}, Called{"ScanLL", "<LL>"}, Called{"LotNum", "<LN>"},
-                                      Called{"ScanLN", "<LN>"},      Called{"JobNum", "<JN>"}, Called{"cmbJN", "<JN>"},
-                                      Called{"ColorCode", "<CC>"},   Called{"ScanCC", "<CC>"}};
+  // No label has a code of a Design.
+  static constexpr std::array kCalled{
+      Called{"Design", ""},          Called{"ContID", "<LC>"}, Called{"ScanLC", "<LC>"},    Called{"LotLoc", "<LL>"},
+      Called{"cmbLocation", "<LL>"}, Called{"ScanLL", "<LL>"}, Called{"LotNum", "<LN>"},    Called{"ScanLN", "<LN>"},
+      Called{"JobNum", "<JN>"},      Called{"cmbJN", "<JN>"},  Called{"ColorCode", "<CC>"}, Called{"ScanCC", "<CC>"}};
   // The inside of a combo has no name of its own.
   const QWidget* named = &field;
   while (named->objectName().isEmpty() || named->objectName().startsWith("qt_")) {
@@ -144,7 +155,7 @@ bool ScannedEntry::eventFilter(QObject* watched, QEvent* event) {
   CapsLock::Of().Hear(key);
   if (key.timestamp() == 0 || key.isAutoRepeat() || IsModifier(key.key())) return false;
   if (QApplication::activePopupWidget() != nullptr) return false;
-  return Heard(widget, key);
+  return Heard(WrittenIn(widget), key);
 }
 
 bool ScannedEntry::Heard(QWidget& widget, const QKeyEvent& key) {
@@ -262,7 +273,7 @@ void ScannedEntry::Flush() {
 }
 
 void ScannedEntry::Send(QWidget& target, int key, Qt::KeyboardModifiers modifiers, const QString& text) {
-  const QPointer<QWidget> there = &target;
+  const QPointer<QWidget> there = target.focusProxy() != nullptr ? target.focusProxy() : &target;
   for (const QEvent::Type type : {QEvent::KeyPress, QEvent::KeyRelease}) {
     QKeyEvent event(type, key, modifiers, text.isEmpty() && key == Qt::Key_Return ? QStringLiteral("\r") : text);
     if (there != nullptr) QCoreApplication::sendEvent(there, &event);

@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include <QComboBox>
 #include <QLineEdit>
 
 #include "desktop/kit/job_box.h"
@@ -26,6 +27,9 @@ class LabelWindow : public desktop::Window {
     form.Row("Lot", form.Text("txtLotNumber", desktop::TextRule::Upper(30)));
     form.Row("Quantity", form.Number("txtQty", 3));
     form.Row("Note", form.Note("txtNote", 2));
+    auto* place = form.Combo("cmbLocation");
+    place->setEditable(true);
+    form.Row("Location", place);
     form.Row(form.Button("cmdPress", "Press", [this] { ++pressed; }));
   }
   int pressed = 0;
@@ -75,6 +79,15 @@ TEST_F(ScannedEntryTest, ACodeStandsInItsFieldAloneAndTheNextHasTheFocus) {
     scanner.Type(c.scan);
     EXPECT_TRUE(WaitFor([&] { return All() == c.all && FocusName() == c.focus; }, 400)) << All() << " " << FocusName();
   }
+  // In the line of a drop-down.
+  Focus("cmbLocation");
+  scanner.Pause();
+  scanner.Type("<LL>SHELF 3");
+  auto& place = Control<QComboBox>(window, "cmbLocation");
+  EXPECT_TRUE(WaitFor([&] { return place.currentText() == "SHELF 3"; }, 1000)) << place.currentText().toStdString();
+  place.setEditText("<ll>B");
+  Focus("txtQty");
+  EXPECT_EQ(place.currentText(), "B");
   // Without an end, once nothing more comes.
   Focus("txtLotNumber");
   scanner.Pause();

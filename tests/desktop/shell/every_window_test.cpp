@@ -3,16 +3,23 @@
 #include <gtest/gtest.h>
 
 #include <QDialog>
+#include <QLineEdit>
 #include <QPointer>
+#include <QTabWidget>
 #include <QTimer>
+#include <iostream>
+#include <map>
 #include <set>
 
 #include "core/batch/open.h"
 #include "core/colors/formula_work.h"
 #include "core/colors/formulas.h"
+#include "core/session/options.h"
 #include "desktop/kit/message_prompt.h"
+#include "desktop/kit/scanned_entry.h"
 #include "furnished_room.h"
 #include "running.h"
+#include "support/scanner.h"
 
 namespace vellumark::test {
 namespace {
@@ -63,9 +70,12 @@ struct EveryWindowTest : testing::Test {
     if (name == "AdjustFormulaForm" || name == "DuplicateFormulaForm")
       return {{"Work", LoadFormulaWork(running.session, *ReadMix(running.session, "TINT"))}};
     if (name == "NewMixNameForm") return {{"Color_Name", "TINT"}};
-    return {{"FindRecord", "RED"}, {"Color_Name", "RED"}, {"SetName", "STD SET"}, {"Kind", ColorKind::Basic},
-            {"DesignID", "BOX"},   {"Username", "ANN"},   {"Path", "Old.vkd"},   {"FileVersion", 39},
-            {"JobNumber", "J1"},   {"Rows", std::vector<std::int64_t>{1}}, {"Number", 0},  {"IsNumber", false}};
+    return {{"FindRecord", "RED"},  {"Color_Name", "RED"},
+            {"SetName", "STD SET"}, {"Kind", ColorKind::Basic},
+            {"DesignID", "BOX"},    {"Username", "ANN"},
+            {"Path", "Old.vkd"},    {"FileVersion", 39},
+            {"JobNumber", "J1"},    {"Rows", std::vector<std::int64_t>{1}},
+            {"Number", 0},          {"IsNumber", false}};
   }
 
   /// Opens the window of that name, visits it and lets it go unsaved. One that needs what only the window behind it has
@@ -154,6 +164,60 @@ TEST_F(EveryWindowTest, OneThatGoesAwaySaysAndDoesNothingMore) {
   }
   std::cout << left << " windows were left with the focus in a field\n";
   EXPECT_GT(left, 150);
+}
+
+// Scans into each field of a part of a window that takes a code, counted by tag.
+void ScanIntoFields(QWidget& part, Scanner& scanner, std::map<std::string, int>& fields) {
+  for (const QPointer<QLineEdit> line : part.findChildren<QLineEdit*>()) {
+    if (line == nullptr || !line->isVisible() || !line->isEnabled() || line->isReadOnly()) continue;
+    const std::string tag = desktop::ScannedEntry::TagOf(*line).toStdString();
+    if (tag.empty()) continue;
+    line->setFocus(Qt::TabFocusReason);
+    // The line of a drop-down leaves the focus to it.
+    QWidget* focus = QApplication::focusWidget();
+    if (focus == nullptr || (focus != line && focus != line->focusProxy())) continue;
+    SCOPED_TRACE(FocusName());
+    const QString before = line->text();
+    const std::string value = "QZX" + std::to_string(++fields[tag]);
+    scanner.Pause();
+    scanner.Type(tag + value);
+    EXPECT_TRUE(WaitFor([&] { return line == nullptr || line->text().toStdString() == value; }, 1500))
+        << (line == nullptr ? "" : line->text().toStdString());
+    for (const QLineEdit* other : part.window()->findChildren<QLineEdit*>()) {
+      if (other == line || other->isReadOnly()) continue;
+      EXPECT_FALSE(other->text().contains("QZX")) << other->objectName().toStdString();
+    }
+    if (line != nullptr) line->setText(before);
+  }
+}
+
+// Every field of a name, a job or a lot takes what is scanned, whole and without its tag, and none beside it gets any
+// of it.
+TEST_F(EveryWindowTest, AScanLandsWholeInTheFieldThatHasTheFocus) {
+  Scanner scanner;
+  std::map<std::string, int> fields;
+  InventorySettings byContainer = ReadInventorySettings(running.session);
+  byContainer.InvRecordMethod = 1;
+  ASSERT_TRUE(SaveInventorySettings(running.session, byContainer));
+  for (const std::string& name : running.windows.Names()) {
+    SCOPED_TRACE(name);
+    On(name, [&](QWidget& window) {
+      ScanIntoFields(window, scanner, fields);
+      // Every page that can be looked at.
+      for (const QPointer<QTabWidget> tabs : window.findChildren<QTabWidget*>())
+        for (int page = 1; tabs != nullptr && page < tabs->count(); ++page) {
+          if (!tabs->isVisible() || !tabs->isTabVisible(page) || !tabs->isTabEnabled(page)) continue;
+          tabs->setCurrentIndex(page);
+          Settle();
+          if (tabs != nullptr) ScanIntoFields(*tabs->currentWidget(), scanner, fields);
+        }
+    });
+  }
+  std::string found;
+  for (const auto& [tag, count] : fields) found += fmt::format("{} {} ", tag, count);
+  std::cout << "fields that take scans: " << found << '\n';
+  EXPECT_GT(fields["<CN>"], 25);
+  for (const char* tag : {"<CC>", "<JN>", "<LN>", "<LL>", "<LC>"}) EXPECT_GT(fields[tag], 0) << tag;
 }
 
 }  // namespace
