@@ -98,7 +98,7 @@ void JobForm::OnChanges(const std::vector<Change>& changes) {
   }
   if (settings && !InEdit()) {
     rows_->Define(JobColumns(session));
-    LayOutJobs(session, *list_, *rows_);
+    if (JobLayoutDiffers(session, *list_)) LayOutJobs(session, *list_, *rows_);
     usedCaption_->setText(tr("Total Qty Used (%1)").arg(Q(UnitName(session.UMI))));
   }
   ExternalUpdateJob(job_.JobNumber);

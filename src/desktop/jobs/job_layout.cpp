@@ -95,6 +95,16 @@ void LayOutJobs(const Session& session, Grid& grid, const JobRows& rows) {
                 sort.secondDescending});
 }
 
+bool JobLayoutDiffers(const Session& session, const Grid& grid) {
+  const std::vector<TableColumn> titles = JobTitles(session);
+  const std::vector<std::size_t> shown = ShownJobColumns(session);
+  for (std::size_t i = 0; i < titles.size(); ++i) {
+    const bool shows = std::ranges::find(shown, i) != shown.end();
+    if (grid.IsShown(static_cast<int>(i)) != shows || U8(grid.Columns()[i].caption) != titles[i].caption) return true;
+  }
+  return false;
+}
+
 void KeepJobLayout(Session& session, const Grid& grid) {
   std::vector<std::size_t> shown;
   std::vector<SettingText> widths;

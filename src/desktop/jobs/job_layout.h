@@ -37,6 +37,8 @@ void StoreShownJobColumns(Session& session, const std::vector<std::size_t>& show
 
 /// Columns, widths and both sorts as they were kept; and keeps what the operator made of them.
 void LayOutJobs(const Session& session, Grid& grid, const JobRows& rows);
+/// Other columns are to be shown than are, or under other titles.
+bool JobLayoutDiffers(const Session& session, const Grid& grid);
 void KeepJobLayout(Session& session, const Grid& grid);
 
 }  // namespace vellumark::desktop

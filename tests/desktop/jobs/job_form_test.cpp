@@ -251,6 +251,9 @@ TEST_F(JobFormTest, TheGridIsFoundAgainAsItWasLeft) {
   List().ClickCaption(static_cast<int>(JobColumn::QtyUsed), true);
   EXPECT_EQ(List().ShownRows(), (std::vector<int>{1, 2, 0})) << "within RED the larger one first";
   List().SetColumnWidth(static_cast<int>(JobColumn::LotNumber), 222);
+  StoreJobCosting(session, {0, 0, 0});
+  windows.DeliverChanges();
+  EXPECT_EQ(List().ColumnWidth(static_cast<int>(JobColumn::LotNumber)), 222) << "a setting of something else";
   windows.CloseForm("JobForm");
   Settle();
   Open({{"JobNumber", "J1"}});
