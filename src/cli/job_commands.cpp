@@ -14,6 +14,7 @@
 #include "core/jobs/job_options.h"
 #include "core/jobs/job_stock.h"
 #include "core/jobs/job_tables.h"
+#include "core/labels/job_returns.h"
 #include "core/session/rights.h"
 
 namespace vellumark::cli {
@@ -232,6 +233,16 @@ void AddJobCommands(CLI::App& app, Commands& commands) {
   const auto shown = number(show);
   commands.AddPrinting(show);
   commands.Add(show, Needs::File, [shown](Context& context) { return ShowJob(context, *shown); });
+
+  auto* returns = noun->add_subcommand("returns", "What a Job has out as bar codes, to be scanned as it comes back");
+  const auto returned = number(returns);
+  commands.AddPrinting(returns);
+  commands.Add(returns, Needs::File, [returned](Context& context) -> Result<Json> {
+    auto sheet = JobReturnsSheet(context.session, *returned);
+    if (!sheet) return std::unexpected(sheet.error());
+    context.sheet = *std::move(sheet);
+    return Json();
+  });
 
   auto* create = noun->add_subcommand("create", "Check that a Job Number is free; the Job begins with its first item");
   const auto created = number(create);

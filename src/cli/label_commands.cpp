@@ -100,18 +100,14 @@ Result<Json> PrintLabels(Context& context, const PrintWords& words) {
       kind == LabelKind::Label ? FilledLabel(session, *name, words) : FilledSmallLabel(session, kind, *name, words);
   if (!drawing) return std::unexpected(drawing.error());
   Json codes = Json::array();
-  std::string faults;
-  for (const paper::CodeCheck& check : paper::CheckCodes(session, *drawing, words.dots)) {
+  std::vector<paper::CodeCheck> checks = paper::CheckCodes(session, *drawing, words.dots);
+  for (const paper::CodeCheck& check : checks)
     codes.push_back({{"Field", check.Field},
                      {"Text", check.Text},
                      {"Reads", check.Reads},
                      {"Reason", check.Reads ? Json() : Json(check.Reason)}});
-    if (!check.Reads) faults += "\n" + check.Field + ": " + check.Text + "\n" + check.Reason + "\n";
-  }
-  if (!faults.empty() &&
-      !session.prompt.Ask("Label Bar Codes", "These do not read as they should:\n" + faults + "\nPrint nevertheless?",
-                          Answer::No))
-    return Decline("Label Bar Codes");
+  for (paper::CodeCheck& fault : paper::CheckPlaces(session, *drawing, words.dots)) checks.push_back(std::move(fault));
+  if (const auto wanted = paper::AskAboutFaults(session, checks); !wanted) return std::unexpected(wanted.error());
   const paper::LabelJob job{.paper = PaperOfLayout(session, kind, *name),
                             .drawings = {*drawing},
                             .count = ReadLabelCount(words.labels),

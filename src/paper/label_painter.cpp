@@ -4,6 +4,7 @@
 
 #include <QFontMetricsF>
 #include <QImageReader>
+#include <QPageLayout>
 #include <QPageSize>
 #include <QSvgRenderer>
 #include <algorithm>
@@ -55,33 +56,6 @@ std::optional<SquareCode> SquareOf(const LabelDrawing& drawing, const LabelEleme
   return square;
 }
 
-// A text as it is set: in lines, smaller where one would leave the label, so that it is printed whole.
-struct SetText {
-  QFont font;
-  QStringList lines;
-  double width = 0;  // dots
-};
-
-SetText SetLines(const LabelDrawing& drawing, const LabelElement& element, int dots) {
-  SetText set{QFont(Q(element.font)), Q(element.text).split('\n')};
-  set.font.setBold(element.bold);
-  set.font.setKerning(false);
-  const double wanted = element.size * dots / kPointsPerInch;
-  set.font.setPixelSize(std::max(1, static_cast<int>(std::lround(wanted))));
-  const auto widest = [&] {
-    double width = 0;
-    for (const QString& line : set.lines) width = std::max(width, QFontMetricsF(set.font).horizontalAdvance(line));
-    return width;
-  };
-  set.width = widest();
-  const double room = (drawing.width - element.left) * dots / kTwipsPerInch;
-  if (set.width > room && room > 0) {
-    set.font.setPixelSize(std::max(1, static_cast<int>(std::floor(wanted * room / set.width))));
-    set.width = widest();
-  }
-  return set;
-}
-
 }  // namespace
 
 std::optional<QRectF> ExtentOf(const LabelDrawing& drawing, const LabelElement& element, int dotsPerInch,
@@ -90,10 +64,9 @@ std::optional<QRectF> ExtentOf(const LabelDrawing& drawing, const LabelElement& 
   const auto at = [&](double width, double height) { return QRectF(element.left, element.top, width, height); };
   switch (element.what) {
     case LabelElement::What::Text: {
-      const SetText set = SetLines(drawing, element, dotsPerInch);
-      const QFontMetricsF metrics(set.font);
-      const double height = metrics.height() + metrics.lineSpacing() * static_cast<double>(set.lines.size() - 1);
-      return at(set.width * twips, height * twips);
+      const TextBox box = BoxOfText(drawing, element, dotsPerInch);
+      const double height = QFontMetricsF(box.font).height() + box.spacing * static_cast<double>(box.lines.size() - 1);
+      return at(box.ink.width() * twips, height * twips);
     }
     case LabelElement::What::Code:
       if (const auto box = BoxOfCode(drawing, element, dotsPerInch))
@@ -134,6 +107,100 @@ std::optional<CodeBox> BoxOfCode(const LabelDrawing& drawing, const LabelElement
   }
 }
 
+// ---- Texts
+
+namespace {
+
+constexpr double kLeastForNeighbour = 0.5;
+
+QStringList Wrapped(const QString& text, const QFontMetricsF& metrics, double room) {
+  QStringList lines;
+  for (const QString& paragraph : text.split('\n')) {
+    QString line;
+    for (const QString& word : paragraph.split(' ')) {
+      const QString longer = line.isEmpty() ? word : line + ' ' + word;
+      if (!line.isEmpty() && metrics.horizontalAdvance(longer) > room) {
+        lines += line;
+        line = word;
+      } else {
+        line = longer;
+      }
+    }
+    lines += line;
+  }
+  return lines;
+}
+
+// Where the nearest thing begins that stands beside the text, as far down as `bottom`; the edge of the label when
+// nothing does.
+double RightOf(const LabelDrawing& drawing, const LabelElement& text, double bottom, int dots) {
+  const double scale = dots / kTwipsPerInch;
+  double limit = drawing.width * scale;
+  for (const LabelElement& other : drawing.elements) {
+    if (&other == &text || other.left <= text.left) continue;
+    double left = other.left * scale;
+    double low = (other.top + other.size * 20) * scale;
+    if (other.what == LabelElement::What::Code) {
+      const auto box = BoxOfCode(drawing, other, dots);
+      if (!box) continue;
+      left = box->left - box->quiet;
+    } else if (other.what == LabelElement::What::Pictogram) {
+      low = (other.top + other.size) * scale;
+    } else if (other.what != LabelElement::What::Text) {
+      continue;
+    }
+    if (left > text.left * scale && other.top * scale < bottom && low > text.top * scale) limit = std::min(limit, left);
+  }
+  return limit;
+}
+
+}  // namespace
+
+TextBox BoxOfText(const LabelDrawing& drawing, const LabelElement& element, int dotsPerInch) {
+  TextBox box{.font = QFont(Q(element.font))};
+  box.font.setBold(element.bold);
+  box.font.setKerning(false);
+  const double wanted = element.size * dotsPerInch / kPointsPerInch;
+  const auto setSize = [&](double size) { box.font.setPixelSize(std::max(1, static_cast<int>(std::floor(size)))); };
+  setSize(std::round(wanted));
+  const double scale = dotsPerInch / kTwipsPerInch;
+  const double left = element.left * scale;
+  const double top = element.top * scale;
+  const double toEdge = drawing.width * scale - left;
+  const QString text = Q(element.text);
+  box.lines = text.split('\n');
+  const double bottom = top + QFontMetricsF(box.font).lineSpacing() * static_cast<double>(box.lines.size());
+  double room = RightOf(drawing, element, bottom, dotsPerInch) - left;
+  if (element.wraps) {
+    if (room < toEdge * kLeastForNeighbour) room = toEdge;
+    box.lines = Wrapped(text, QFontMetricsF(box.font), room);
+  }
+  double widest = 0;
+  for (const QString& line : box.lines) widest = std::max(widest, QFontMetricsF(box.font).horizontalAdvance(line));
+  if (room < widest * kLeastForNeighbour) room = toEdge;
+  if (widest > room && room > 0) setSize(wanted * room / widest);
+  const QFontMetricsF metrics(box.font);
+  box.baseline = top + metrics.ascent();
+  box.spacing = metrics.lineSpacing();
+  double y = box.baseline;
+  for (const QString& line : box.lines) {
+    box.ink |= metrics.tightBoundingRect(line).translated(left, y);
+    y += box.spacing;
+  }
+  return box;
+}
+
+std::optional<QRectF> AreaOf(const LabelDrawing& drawing, const LabelElement& element, int dotsPerInch,
+                             const std::filesystem::path& pictures) {
+  if (element.what == LabelElement::What::Text) return BoxOfText(drawing, element, dotsPerInch).ink;
+  const auto extent = ExtentOf(drawing, element, dotsPerInch, pictures);
+  if (!extent) return std::nullopt;
+  const double scale = dotsPerInch / kTwipsPerInch;
+  return QRectF(extent->topLeft() * scale, extent->size() * scale);
+}
+
+// ---- Painting
+
 LabelPainter::LabelPainter(QPainter& painter, int dotsPerInch, std::filesystem::path pictures)
     : painter_(painter), dots_(dotsPerInch), pictures_(std::move(pictures)) {}
 
@@ -141,7 +208,7 @@ void LabelPainter::Paint(const LabelDrawing& drawing, double left, double top) {
   left_ = std::round(Dots(left));
   top_ = std::round(Dots(top));
   painter_.save();
-  painter_.setRenderHint(QPainter::Antialiasing, false);
+  painter_.setRenderHint(QPainter::Antialiasing, smooth_);
   for (const LabelElement& element : drawing.elements) {
     switch (element.what) {
       case LabelElement::What::Text:
@@ -165,14 +232,13 @@ void LabelPainter::Paint(const LabelDrawing& drawing, double left, double top) {
 }
 
 void LabelPainter::PaintText(const LabelDrawing& drawing, const LabelElement& element) {
-  const SetText set = SetLines(drawing, element, dots_);
-  painter_.setFont(set.font);
+  const TextBox box = BoxOfText(drawing, element, dots_);
+  painter_.setFont(box.font);
   painter_.setPen(Qt::black);
-  const QFontMetricsF metrics(set.font);
-  double y = top_ + Dots(element.top) + metrics.ascent();
-  for (const QString& line : set.lines) {
+  double y = top_ + box.baseline;
+  for (const QString& line : box.lines) {
     painter_.drawText(QPointF(left_ + Dots(element.left), y), line);
-    y += metrics.lineSpacing();
+    y += box.spacing;
   }
 }
 
@@ -212,13 +278,18 @@ void LabelPainter::PaintPicture(const LabelElement& element) {
 }
 
 void LabelPainter::PaintPictogram(const LabelElement& element) {
-  InitPictograms();
-  QSvgRenderer svg(QStringLiteral(":/pictograms/%1.svg").arg(element.number));
   const double side = Dots(element.size);
-  painter_.save();
-  painter_.setRenderHint(QPainter::Antialiasing, true);
-  svg.render(&painter_, QRectF(left_ + Dots(element.left), top_ + Dots(element.top), side, side));
-  painter_.restore();
+  paper::PaintPictogram(painter_, element.number,
+                        QRectF(left_ + Dots(element.left), top_ + Dots(element.top), side, side));
+}
+
+void PaintPictogram(QPainter& painter, int number, const QRectF& area) {
+  InitPictograms();
+  QSvgRenderer svg(QStringLiteral(":/pictograms/%1.svg").arg(number));
+  painter.save();
+  painter.setRenderHint(QPainter::Antialiasing, true);
+  svg.render(&painter, area);
+  painter.restore();
 }
 
 QSizeF PageOfLabels(const LabelPaper& paper) {
@@ -231,6 +302,18 @@ QSizeF PageOfLabels(const LabelPaper& paper) {
     if (paper.orientation == 1 || paper.orientation == 3) page.transpose();
   }
   return page;
+}
+
+void SetUpLabelPages(QPagedPaintDevice& device, const LabelPaper& paper) {
+  if (const QPageSize named = NamedPage(paper.paper); named.isValid()) {
+    device.setPageSize(named);
+    device.setPageOrientation(paper.orientation == 1 ? QPageLayout::Landscape : QPageLayout::Portrait);
+  } else {
+    QSizeF page = PageOfLabels(paper);
+    if (paper.orientation == 3) page.transpose();
+    device.setPageSize(QPageSize(page, QPageSize::Point, {}, QPageSize::ExactMatch));
+  }
+  device.setPageMargins(QMarginsF(0, 0, 0, 0));
 }
 
 int PaintLabels(QPagedPaintDevice& device, const std::string& name, const Session& session, const LabelJob& job) {

@@ -1,9 +1,11 @@
 #pragma once
 
+#include <QFont>
 #include <QImage>
 #include <QPagedPaintDevice>
 #include <QPainter>
 #include <QRectF>
+#include <QStringList>
 #include <filesystem>
 #include <map>
 #include <optional>
@@ -17,6 +19,8 @@ namespace vellumark::paper {
 class LabelPainter {
  public:
   LabelPainter(QPainter& painter, int dotsPerInch, std::filesystem::path pictures);
+  /// For a screen, whose dots are larger than those of the resolution: edges are smoothed.
+  void Smooth() { smooth_ = true; }
   /// `left` and `top` of the label in twips.
   void Paint(const LabelDrawing& drawing, double left, double top);
 
@@ -30,6 +34,7 @@ class LabelPainter {
 
   QPainter& painter_;
   int dots_;
+  bool smooth_ = false;
   std::filesystem::path pictures_;
   double left_ = 0;
   double top_ = 0;
@@ -52,13 +57,31 @@ struct CodeBox {
 /// least a dot.
 std::optional<CodeBox> BoxOfCode(const LabelDrawing& drawing, const LabelElement& element, int dotsPerInch);
 
+/// What a text takes on a label, in dots of the device from the label's corner.
+struct TextBox {
+  QFont font{};
+  QStringList lines{};
+  double baseline = 0;  ///< of the first line
+  double spacing = 0;   ///< from one line to the next
+  QRectF ink{};         ///< of its letters
+};
+/// A line that would leave the label or run into what stands beside it is set smaller: as small as need be for the
+/// label, down to half for a neighbour.
+TextBox BoxOfText(const LabelDrawing& drawing, const LabelElement& element, int dotsPerInch);
 /// What an element takes on its label, in twips from the label's corner; nothing of a code without bars and of a
 /// picture that cannot be read.
 std::optional<QRectF> ExtentOf(const LabelDrawing& drawing, const LabelElement& element, int dotsPerInch,
                                const std::filesystem::path& pictures);
+/// The same in dots, of a text its ink alone.
+std::optional<QRectF> AreaOf(const LabelDrawing& drawing, const LabelElement& element, int dotsPerInch,
+                             const std::filesystem::path& pictures);
+
+void PaintPictogram(QPainter& painter, int number, const QRectF& area);
 
 /// The page that labels are printed on, in points, before any turn.
 QSizeF PageOfLabels(const LabelPaper& paper);
+/// Sets the pages of a device for them.
+void SetUpLabelPages(QPagedPaintDevice& device, const LabelPaper& paper);
 /// Paints the labels onto a device whose pages are set as above, or turned by a printer's own orientation. The number
 /// of pages; throws Failure, naming `name`, when it takes none.
 int PaintLabels(QPagedPaintDevice& device, const std::string& name, const Session& session, const LabelJob& job);

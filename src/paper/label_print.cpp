@@ -3,7 +3,6 @@
 #include <QBuffer>
 #include <QImage>
 #include <QImageReader>
-#include <QPageSize>
 #include <QPainter>
 #include <QPdfWriter>
 #include <algorithm>
@@ -113,13 +112,44 @@ std::vector<CodeCheck> CheckCodes(const Session& session, const LabelDrawing& dr
   return checks;
 }
 
+std::vector<CodeCheck> CheckPlaces(const Session& session, const LabelDrawing& drawing, int dotsPerInch) {
+  const OffscreenFonts fonts;
+  const double scale = dotsPerInch / kTwipsPerInch;
+  const QRectF label = QRectF(0, 0, drawing.width * scale, drawing.length * scale).adjusted(-1, -1, 1, 1);
+  std::vector<std::optional<QRectF>> areas;
+  for (const LabelElement& element : drawing.elements)
+    areas.push_back(AreaOf(drawing, element, dotsPerInch, PicturesOfLabels(session)));
+  std::vector<CodeCheck> faults;
+  for (std::size_t i = 0; i < areas.size(); ++i) {
+    const LabelElement& element = drawing.elements[i];
+    if (!areas[i] || element.what == What::Code || element.what == What::Square) continue;
+    CodeCheck fault{element.item, element.text};
+    if (!label.contains(*areas[i])) fault.Reason = "It is larger than the label has room for.";
+    for (std::size_t j = 0; j < areas.size() && fault.Reason.empty(); ++j) {
+      const bool asked = j < i && drawing.elements[j].what == What::Text;
+      if (j != i && !asked && areas[j] && areas[i]->adjusted(1, 1, -1, -1).intersects(*areas[j]))
+        fault.Reason = "It runs into " + drawing.elements[j].item + ".";
+    }
+    if (!fault.Reason.empty()) faults.push_back(std::move(fault));
+  }
+  return faults;
+}
+
+Result<void> AskAboutFaults(Session& session, const std::vector<CodeCheck>& checks) {
+  std::string faults;
+  for (const CodeCheck& check : checks)
+    if (!check.Reads) faults += "\n" + check.Field + ": " + check.Text + "\n" + check.Reason + "\n";
+  if (faults.empty() ||
+      session.prompt.Ask("Label Bar Codes", "These do not read as they should:\n" + faults + "\nPrint nevertheless?",
+                         Answer::No))
+    return {};
+  return Decline("Label Bar Codes");
+}
+
 int PrintLabelsToFile(const Session& session, const LabelJob& job, const std::filesystem::path& file) {
   const OffscreenFonts fonts;
   return WritePdfPages(file, "Labels", job.dotsPerInch, [&](QPagedPaintDevice& device, const std::function<bool()>&) {
-    QSizeF page = PageOfLabels(job.paper);
-    if (job.paper.orientation == 3) page.transpose();
-    device.setPageSize(QPageSize(page, QPageSize::Point, {}, QPageSize::ExactMatch));
-    device.setPageMargins(QMarginsF(0, 0, 0, 0));
+    SetUpLabelPages(device, job.paper);
     return PaintLabels(device, file.string(), session, job);
   });
 }

@@ -24,7 +24,7 @@ struct LabelJob {
   int dotsPerInch = kLabelDots;
 };
 
-/// A code of a label as it was read from its bars at the resolution of the printer.
+/// A code or text of a label and, of a code, whether it was read from its bars at the resolution of the printer.
 struct CodeCheck {
   std::string Field;
   std::string Text;  ///< what it is to say
@@ -33,6 +33,11 @@ struct CodeCheck {
 };
 /// Renders a label and reads each of its codes, in their order.
 std::vector<CodeCheck> CheckCodes(const Session& session, const LabelDrawing& drawing, int dotsPerInch);
+
+/// The texts and pictures of a label that leave it or run into something else.
+std::vector<CodeCheck> CheckPlaces(const Session& session, const LabelDrawing& drawing, int dotsPerInch);
+/// Asks whether to print where something of a label does not read as it should; declined with No.
+Result<void> AskAboutFaults(Session& session, const std::vector<CodeCheck>& checks);
 
 /// Writes the labels as a PDF, true to size; the number of its pages. Throws Failure naming the file.
 int PrintLabelsToFile(const Session& session, const LabelJob& job, const std::filesystem::path& file);

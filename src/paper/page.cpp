@@ -1,6 +1,8 @@
 #include "paper/page.h"
 
 #include <QPen>
+#include <algorithm>
+#include <cmath>
 
 namespace vellumark::paper {
 
@@ -27,6 +29,24 @@ void PagePainter::Paint(const Page& page) {
     if (line.dotted) pen.setDashPattern({1, 4});
     painter_.setPen(pen);
     painter_.drawLine(line.from * scale_, line.to * scale_);
+  }
+  for (const PageBars& bars : page.codes) PaintBars(bars);
+}
+
+// Of a printer every module is a whole number of its dots; a screen has too few of them for that.
+void PagePainter::PaintBars(const PageBars& bars) {
+  constexpr double kFewDots = 2;  // to a point
+  double module = bars.module * scale_;
+  double x = bars.at.x() * scale_;
+  if (scale_ >= kFewDots) {
+    module = std::max(1.0, std::floor(module));
+    x = std::round(x);
+  }
+  bool bar = true;
+  for (const std::uint8_t width : bars.widths) {
+    if (bar) painter_.fillRect(QRectF(x, bars.at.y() * scale_, width * module, bars.height * scale_), Qt::black);
+    x += width * module;
+    bar = !bar;
   }
 }
 

@@ -4,6 +4,7 @@
 #include <QPointF>
 #include <QSizeF>
 #include <QString>
+#include <cstdint>
 #include <deque>
 #include <functional>
 #include <vector>
@@ -27,6 +28,14 @@ struct PageLine {
   bool dotted = false;
 };
 
+/// A bar code on a page: bars and spaces in turn, in modules of `module` points.
+struct PageBars {
+  QPointF at;  ///< its upper left corner
+  double module = 0.7;
+  double height = 20;
+  std::vector<std::uint8_t> widths;
+};
+
 /// A page as it was laid out, before any device: places and sizes in points from the upper left corner of the printable
 /// area. Printer, PDF and preview paint this same page.
 struct Page {
@@ -36,6 +45,7 @@ struct Page {
   QSizeF area;
   std::vector<PageText> texts;
   std::vector<PageLine> lines;
+  std::vector<PageBars> codes{};
 
   double X(double units) const { return area.width() * units / kAcross; }
   double Y(double units) const { return area.height() * units / kDown; }
@@ -52,6 +62,7 @@ class PagePainter {
 
  private:
   const QFont& FontOf(const PageText& text);
+  void PaintBars(const PageBars& bars);
 
   struct Known {
     float size;

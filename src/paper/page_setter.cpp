@@ -46,7 +46,7 @@ double PageSetter::LineHeight(const Typeface& typeface, double size) {
 }
 
 void PageSetter::Begin() {
-  page_ = Page{.area = page_.area, .texts = {}, .lines = {}};
+  page_ = Page{.area = page_.area, .texts = {}, .lines = {}, .codes = {}};
   ++number_;
   SetHead();
   SetFoot();
@@ -60,6 +60,10 @@ void PageSetter::Put(double x, const QString& text, double size, bool bold, doub
 
 void PageSetter::PutRight(double right, const QString& text, double size, bool bold, double below) {
   Put(right - typeface_.Width(text, size, bold), text, size, bold, below);
+}
+
+void PageSetter::PutBars(double x, std::vector<std::uint8_t> widths, double module, double height, double below) {
+  page_.codes.push_back({{x, top_ + below}, module, height, std::move(widths)});
 }
 
 void PageSetter::Rule(double below, bool dotted) {
@@ -121,7 +125,7 @@ void PageSetter::TurnPage() {
 
 void PageSetter::Finish() {
   stopped_ = stopped_ || !sink_(std::move(page_));
-  page_ = Page{.area = options_.Layout().paintRect(QPageLayout::Point).size(), .texts = {}, .lines = {}};
+  page_ = Page{.area = options_.Layout().paintRect(QPageLayout::Point).size(), .texts = {}, .lines = {}, .codes = {}};
 }
 
 }  // namespace vellumark::paper

@@ -1,6 +1,8 @@
 #pragma once
 
 #include <QString>
+#include <cstdint>
+#include <vector>
 
 #include "paper/page.h"
 #include "paper/page_options.h"
@@ -25,6 +27,8 @@ class PageSetter {
   /// A text in a line that begins `below` points under Top().
   void Put(double x, const QString& text, double size, bool bold, double below = 0);
   void PutRight(double right, const QString& text, double size, bool bold, double below = 0);
+  /// A bar code that begins `below` points under Top().
+  void PutBars(double x, std::vector<std::uint8_t> widths, double module, double height, double below = 0);
   /// Across the page, or from `left` to `right`.
   void Rule(double below, bool dotted = false);
   void Rule(double left, double right, double below);

@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "core/base/progress_run.h"
+#include "core/labels/barcodes.h"
 
 namespace vellumark::paper {
 namespace {
@@ -13,6 +14,15 @@ constexpr double kLargeSize = 1.4;  // what is read across a bench, of the body'
 constexpr double kHeadingSize = 1.1;
 constexpr int kLeastAskedSize = 7;         // below it a table is hard to read
 constexpr std::size_t kRowsBetween = 512;  // of which the progress is told
+
+// Points, of the bar codes of a block.
+constexpr double kCodeHeight = 26;
+constexpr double kCodeGap = 12;
+constexpr double kCodeModule = 0.72;  // 0.25 mm
+
+double HeightOfCodes(const SheetBlock& block, double least) {
+  return std::max(least, (kCodeHeight + kCodeGap) * static_cast<double>(block.codes.size()));
+}
 
 }  // namespace
 
@@ -66,13 +76,14 @@ void SheetLayout::SetBlock(PageSetter& setter, const SheetBlock& block, const Ta
     const double heading = size * kHeadingSize;
     const double high = PageSetter::LineHeight(typeface_, heading);
     // A heading does not stand alone at the end of a page.
-    if (setter.Room() < high + 3 * line) setter.TurnPage();
+    if (setter.Room() < high + std::max(3 * line, HeightOfCodes(block, line))) setter.TurnPage();
     setter.Put(0, Fit(typeface_, Q(block.heading), heading, true, setter.Across()).text, heading, true);
     setter.Down(high);
   }
   SetFields(setter, block, size);
   if (columns != nullptr) SetTable(setter, block, *columns, progress);
   SetLines(setter, block, size);
+  SetCodes(setter, block, size);
   setter.Down(line * 0.6);
 }
 
@@ -101,6 +112,24 @@ void SheetLayout::SetLines(PageSetter& setter, const SheetBlock& block, double s
       setter.Put(0, part, size, false);
       setter.Down(line);
     }
+}
+
+// What is scanned one after the other stands on one page, each code beside what it is and says.
+void SheetLayout::SetCodes(PageSetter& setter, const SheetBlock& block, double size) const {
+  const double line = PageSetter::LineHeight(typeface_, size);
+  if (setter.Room() < HeightOfCodes(block, line)) setter.TurnPage();
+  const double left = setter.Across() / 3;
+  for (const SheetField& code : block.codes) {
+    if (setter.Room() < kCodeHeight + kCodeGap) setter.TurnPage();
+    const double room = left - TableColumns::Gap(typeface_, size);
+    setter.Put(0, Fit(typeface_, Q(code.caption), size, false, room).text, size, false);
+    setter.Put(0, Fit(typeface_, Q(code.value), size, true, room).text, size, true, line);
+    if (const auto bars = BarsOf(Symbology::Code128, ReportCode128(code.value))) {
+      const double most = (setter.Across() - left) / (bars->modules + kQuietModules);
+      setter.PutBars(left, bars->widths, std::min(kCodeModule, most), kCodeHeight);
+    }
+    setter.Down(kCodeHeight + kCodeGap);
+  }
 }
 
 double SheetLayout::SizeOf(const SheetBlock& block, const TableColumns& columns) const {

@@ -46,5 +46,29 @@ TEST(CliLabels, KeepsLayoutsAndPrintsThem) {
   EXPECT_EQ(room.Json({"--yes", "label", "delete", "Drums"}).dump(), R"(["Default Label"])");
 }
 
+// What the sheet of a Job's returns says in bars, typed by a scanner as it stands, brings the ink back.
+TEST(CliLabels, ReturnsOfAJobAreScannedFromTheirSheet) {
+  const test::CliRoom room;
+  room.MakeFile();
+  for (const std::vector<std::string>& verb : std::vector<std::vector<std::string>>{
+           {"--yes", "settings", "set", "InvLotTracking", "1"},
+           {"--yes", "color", "add", "DEEP RED", "PurchaseCost=4"},
+           {"--yes", "stock", "adjust", "DEEP RED", "20", "--lot", "A1", "--cont", "C7"},
+           {"--yes", "job", "add-item", "J-1", "DEEP RED", "8", "--lot", "A1"}})
+    room.Json(verb);
+  const std::string sheet = room.folder / "returns.pdf";
+  room.Json({"job", "returns", "J-1", "--out", sheet});
+  EXPECT_EQ(room.Run({"job", "returns", "NONE", "--out", sheet}).status, 1);
+  const std::string scan = room.folder / "scan.txt";
+  RunTool(fmt::format("pdftoppm -gray -aaVector no -r 300 -singlefile '{0}' '{1}'; zbarimg -q --raw -Sdisable "
+                            "-Scode128.enable '{1}.pgm' > '{1}'; echo 3 >> '{1}'",
+                            sheet, scan));
+  const auto booked = room.Json({"stock", "scan", scan});
+  ASSERT_EQ(booked.size(), 1U) << booked.dump();
+  EXPECT_TRUE(booked[0]["Success"]) << booked.dump();
+  EXPECT_EQ(booked[0]["LC"], "C7");
+  EXPECT_EQ(room.Json({"job", "show", "J-1"})["Items"][0]["QtyUsed"], 5);
+}
+
 }  // namespace
 }  // namespace vellumark

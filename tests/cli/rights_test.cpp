@@ -120,6 +120,7 @@ std::vector<Line> Lines(const test::CliRoom& room) {
       {{"job", "list"}, {}},
       {{"job", "out"}, {}},
       {{"job", "show", "NONE"}, {}},
+      {{"job", "returns", "NONE", "--out", folder + "/returns.pdf"}, {}},
       {{"job", "create", "- SPLIT -"}, {}},
       {{"job", "add-item", "J", "NONE", "1"}, {}},
       {{"job", "set-used", "J", "1000001", "1"}, {}},

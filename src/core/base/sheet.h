@@ -23,6 +23,7 @@ struct SheetBlock {
   std::vector<double> widths{};      ///< of the columns shown, in twips, 0 hides one; empty: as wide as their texts
   std::vector<std::string> lines{};  ///< as much text as there is; line ends in it count
   bool large = false;                ///< what is read across a bench
+  std::vector<SheetField> codes{};   ///< each value in bars under its caption, for a scanner
 };
 
 /// What goes on paper: a title over blocks that stand one below the other. A list is a sheet of one table.

@@ -13,18 +13,18 @@ namespace {
 // Behind every name that begins with the text before it, in the order of names.
 constexpr std::string_view kPastAll = "\U0010FFFF";
 
-std::string TableText(const Session& session, NameKind whose) {
-  return session.QuotedTable(whose == NameKind::Formulas ? schema::Mix : schema::Basic);
+std::string TableText(const Session& session, NameKind whose, std::string_view database = {}) {
+  return session.QuotedTable(whose == NameKind::Formulas ? schema::Mix : schema::Basic, database);
 }
 
 std::string_view Condition(NameKind whose) {
   return whose == NameKind::Additives ? " AND Additive <> 0" : "";
 }
 
-Statement BeginningWith(const Session& session, NameKind whose, std::size_t limit) {
+Statement BeginningWith(const Session& session, NameKind whose, std::size_t limit, std::string_view database) {
   return session.File().Prepare(
       fmt::format("SELECT Color_Name FROM {} WHERE Color_Name >= ?1 AND Color_Name < ?2{} ORDER BY Color_Name LIMIT {}",
-                  TableText(session, whose), Condition(whose), limit));
+                  TableText(session, whose, database), Condition(whose), limit));
 }
 
 void BindBeginning(Statement& row, std::string_view prefix, std::string_view typed) {
@@ -34,9 +34,9 @@ void BindBeginning(Statement& row, std::string_view prefix, std::string_view typ
 
 }  // namespace
 
-std::string CompleteName(const Session& session, NameKind whose, std::string_view typed) {
+std::string CompleteName(const Session& session, NameKind whose, std::string_view typed, std::string_view database) {
   if (typed.empty()) return {};
-  Statement row = BeginningWith(session, whose, 1);
+  Statement row = BeginningWith(session, whose, 1, database);
   for (const std::string_view prefix : {kPantonePrefix, std::string_view()}) {
     BindBeginning(row, prefix, typed);
     if (row.Step()) return row.Text(0);
@@ -45,9 +45,10 @@ std::string CompleteName(const Session& session, NameKind whose, std::string_vie
   return {};
 }
 
-std::vector<std::string> NamesFrom(const Session& session, NameKind whose, std::string_view typed, std::size_t limit) {
+std::vector<std::string> NamesFrom(const Session& session, NameKind whose, std::string_view typed, std::size_t limit,
+                                   std::string_view database) {
   std::vector<std::string> names;
-  Statement row = BeginningWith(session, whose, limit);
+  Statement row = BeginningWith(session, whose, limit, database);
   for (const std::string_view prefix : {kPantonePrefix, std::string_view()}) {
     BindBeginning(row, prefix, typed);
     while (names.size() < limit && row.Step()) {

@@ -9,6 +9,7 @@
 #include "core/base/text.h"
 #include "core/colors/basics.h"
 #include "core/colors/formulas.h"
+#include "core/colors/guides.h"
 #include "core/colors/names.h"
 #include "core/inventory/lots.h"
 
@@ -174,8 +175,11 @@ std::span<const std::string_view> FormulaItems() {
   return kFormulaItems;
 }
 
-Result<SmallLabelData> FormulaLabelData(const Session& session, std::string_view name) {
-  const auto formula = FindMix(session, TrimView(StripScanTag(name)));
+Result<SmallLabelData> FormulaLabelData(const Session& session, std::string_view name, std::string_view database) {
+  const std::string typed = Trim(StripScanTag(name));
+  const bool here = database.empty() || EqualNoCase(database, session.CurrentDatabase);
+  const auto formula = here ? FindMix(session, typed)
+                            : ReadMix(session, StoredName(session, ColorKind::Mix, typed, database), database);
   if (!formula) return Refuse("Bad Color Name", "Enter / Select a valid Color Name.", "cmbCN");
   std::string lines;
   for (const auto& line : formula->Ingredients())

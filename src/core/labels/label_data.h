@@ -1,12 +1,14 @@
 #pragma once
 
 #include <array>
+#include <cstdint>
 #include <optional>
 #include <span>
 #include <string>
 #include <string_view>
 #include <vector>
 
+#include "core/datafile/color_kind.h"
 #include "core/labels/label_layouts.h"
 
 namespace vellumark {
@@ -34,6 +36,9 @@ struct LabelData {
   std::string Health;
   std::string Fire;
   std::string Reactivity;
+  /// What only the square code says, where it is known: which of two colours of a name, which of the lots of a number.
+  std::optional<ColorKind> kind{};
+  std::int32_t LotRefID = 0;
 
   std::string& operator[](std::string_view item);
 };
@@ -57,16 +62,19 @@ std::string RunOfFields(const std::vector<std::size_t>& fields);
 /// for an empty text.
 std::string BarCodeText(std::size_t field, std::string_view text, bool identifiers);
 
+inline constexpr std::size_t kPictograms = 9;
 /// What a hazard or formula label is filled with, by item.
 struct SmallLabelData {
   std::vector<std::pair<std::string, std::string>> texts;
+  /// Which pictograms are wanted; where it is not told, those that the layout shows.
+  std::optional<std::array<bool, kPictograms>> pictograms{};
   std::string Of(std::string_view item) const;
 };
 /// The items of a hazard label, and of a formula label.
 std::span<const std::string_view> HazardItems();
 std::span<const std::string_view> FormulaItems();
-/// Name, code, today and a line for each ingredient of a formula of the current Database. Refused for a name that is
-/// none.
-Result<SmallLabelData> FormulaLabelData(const Session& session, std::string_view name);
+/// Name, code, today and a line for each ingredient of a formula, of the current Database unless another one is named.
+/// Refused for a name that is none.
+Result<SmallLabelData> FormulaLabelData(const Session& session, std::string_view name, std::string_view database = {});
 
 }  // namespace vellumark

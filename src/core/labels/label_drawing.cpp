@@ -121,9 +121,12 @@ class LabelWriter {
   // In the upper right corner of what the label has below its items: it has no place of its own in a layout.
   void AddSquare() {
     std::string lines;
+    const auto add = [&](const std::string& line) { lines += (lines.empty() ? "" : "\n") + line; };
     for (std::size_t i = 0; i < kLabelFields - 2; ++i)
-      if (IsUsed(i) && !data_.texts[i].empty())
-        lines += (lines.empty() ? "" : "\n") + BarCodeText(i, data_.texts[i], true);
+      if (IsUsed(i) && !data_.texts[i].empty()) add(BarCodeText(i, data_.texts[i], true));
+    if (!lines.empty() && data_.kind) add(*data_.kind == ColorKind::Mix ? "<CT>2" : "<CT>1");
+    if (!lines.empty() && session_.InvLotTracking == 1 && data_.LotRefID > 0)
+      add(fmt::format("<LR>{}", data_.LotRefID));
     if (lines.empty()) return;
     drawing_.elements.push_back({.what = What::Square, .item = "QR Code", .text = lines});
   }
@@ -140,16 +143,17 @@ LabelDrawing SmallDrawing(LabelKind kind, const Layout& layout, const SmallLabel
   LabelDrawing drawing{.width = paper.width, .length = paper.length};
   for (const std::string_view item : kind == LabelKind::Hazard ? HazardItems() : FormulaItems()) {
     std::string text = data.Of(item);
-    if (!text.empty() && layout.Number(item, "Enabled") == 1)
-      drawing.elements.push_back(layout.Element(What::Text, item, std::move(text)));
+    if (text.empty() || layout.Number(item, "Enabled") != 1) continue;
+    drawing.elements.push_back(layout.Element(What::Text, item, std::move(text)));
+    drawing.elements.back().wraps = kind == LabelKind::Hazard;  // statements are sentences, recipes lines
   }
   if (kind != LabelKind::Hazard) return drawing;
   const double inches = LeadingNumber(layout.Text("Picto Size"));
-  for (int i = 1; i <= 9; ++i) {
-    const std::string item = fmt::format("Picto_Image {}", i);
-    if (layout.Number(item, "Visible") != 1) continue;
+  for (std::size_t i = 0; i < kPictograms; ++i) {
+    const std::string item = PictogramItem(i);
+    if (data.pictograms ? !(*data.pictograms)[i] : layout.Number(item, "Visible") != 1) continue;
     LabelElement picto = layout.Element(What::Pictogram, item, {});
-    picto.number = i;
+    picto.number = static_cast<int>(i) + 1;
     picto.size = std::clamp(inches, 0.25, 2.0) * kTwipsPerInch;
     drawing.elements.push_back(std::move(picto));
   }
@@ -157,6 +161,10 @@ LabelDrawing SmallDrawing(LabelKind kind, const Layout& layout, const SmallLabel
 }
 
 }  // namespace
+
+std::string PictogramItem(std::size_t pictogram) {
+  return fmt::format("Picto_Image {}", pictogram + 1);
+}
 
 LabelPaper PaperOfLayout(const Session& session, LabelKind kind, std::string_view layout) {
   return PaperOf(Layout(session, kind, layout));

@@ -24,7 +24,8 @@ struct LabelElement {
   std::string font{};
   double size = 10;  ///< points; of a pictogram twips
   bool bold = false;
-  int number = 0;  ///< of a pictogram
+  int number = 0;      ///< of a pictogram
+  bool wraps = false;  ///< a long line of it goes on in the next one
 };
 
 /// One label as a layout draws it, in the order in which it is painted.
@@ -61,6 +62,8 @@ LabelOptions OptionsOfLabels(const Session& session);
 
 LabelDrawing DrawLabel(const Session& session, std::string_view layout, const LabelData& data,
                        const LabelOptions& options);
+/// The item of that pictogram, from 0, in a layout of hazard labels.
+std::string PictogramItem(std::size_t pictogram);
 LabelDrawing DrawSmallLabel(const Session& session, LabelKind kind, std::string_view layout,
                             const SmallLabelData& data);
 /// The same of a layout that is being worked on.

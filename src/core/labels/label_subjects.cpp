@@ -22,6 +22,7 @@ std::optional<LabelData> LabelOfColor(const Session& session, ColorKind kind, st
   const bool found =
       kind == ColorKind::Mix ? take(ReadMix(session, name, database)) : take(ReadBasic(session, name, database));
   if (!found) return std::nullopt;
+  data.kind = kind;
   data["Database"] = database.empty() ? session.CurrentDatabase : std::string(database);
   data["Date"] = session.clock.Today().DateText();
   data["Username"] = session.CurrentUser;
@@ -32,6 +33,7 @@ std::optional<LabelData> LabelOfLot(const Session& session, ColorKind kind, std:
                                     std::string_view database) {
   auto data = LabelOfColor(session, kind, name, database);
   if (!data) return data;
+  data->LotRefID = lot.LotRefID;
   (*data)["Lot Number"] = lot.LotNumber;
   (*data)["Lot Location"] = lot.LotLoc;
   (*data)["Lot Cont ID"] = lot.LotContID;
@@ -44,6 +46,8 @@ std::optional<LabelData> LabelOfBatch(Session& session, std::int32_t batchNo) {
   LabelData data;
   data["Color Name"] = batch->work.Color_Name;
   data["Color Code"] = batch->work.formula.Color_Code;
+  data.kind = ColorKind::Mix;
+  if (batch->LotRefID > 0) data.LotRefID = batch->LotRefID;
   data["Database"] = session.CurrentDatabase;
   data["Batch ID#"] = BatchNoText(batch->BatchNo);
   if (batch->Date_Entered) data["Date"] = batch->Date_Entered->DateText();
@@ -78,6 +82,7 @@ Result<LabelData> LabelOfChoice(const Session& session, const LabelChoice& choic
   const std::vector<LotRow> lots = LotsNumbered(session, choice.kind, *name, choice.database, choice.lotNumber);
   for (const LotRow& lot : lots)
     if (lots.size() == 1 || EqualNoCase(lot.LotContID, choice.container)) {
+      data.LotRefID = lot.LotRefID;
       data["Lot Location"] = lot.LotLoc;
       data["Lot Cont ID"] = lot.LotContID;
       break;
