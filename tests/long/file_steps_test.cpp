@@ -167,5 +167,12 @@ TEST_F(FileSteps, SettingsSet) {
   StrikeEverywhere({"settings", "set", "PrinterFont", "Courier"});
 }
 
+// The layout in its file and its name in the list of the settings.
+TEST_F(FileSteps, LabelLayouts) {
+  StrikeEverywhere({"label", "set", "Default Label", "Label Width", "5760"});
+  Keep(pristine.Path(), room.folder.Path());
+  StrikeEverywhere({"label", "copy", "Default Label", "Drums"});
+}
+
 }  // namespace
 }  // namespace vellumark
