@@ -113,6 +113,30 @@ TEST_F(LabelPaperTest, TellsWhichCodeCannotBeReadAndWhy) {
   EXPECT_TRUE(paper::CheckCodes(session, Job(data).drawings[0], 203)[0].Reason.starts_with("The character \"<\""));
 }
 
+TEST_F(LabelPaperTest, SetsATextSmallerBeforeItsNeighbourOrAnnouncesIt) {
+  Set("Label Width", "5760");
+  Set("Label Length", "2880");
+  Set("Color Code Title", "0");
+  Show({{"Color Name", {100, 300}}, {"Color Code", {3600, 400}}, {"Misc Text 1", {100, 2500}}});
+  LabelData data;
+  data["Color Name"] = "DEEP SEA BLUE";
+  data["Color Code"] = "B1";
+  data["Misc Text 1"] = "Keep closed";
+  const paper::OffscreenFonts fonts;
+  LabelDrawing drawing = Job(data).drawings[0];
+  const int wide = paper::BoxOfText(drawing, drawing.elements[0], 300).font.pixelSize();
+  EXPECT_LT(wide, 32 * 300 / 72);
+  EXPECT_LE(paper::BoxOfText(drawing, drawing.elements[0], 300).ink.right(), 3600 * 300 / 1440.0);
+  EXPECT_TRUE(paper::CheckPlaces(session, drawing, 300).empty());
+  data["Color Name"] = "DEEP SEA BLUE OF THE NORTH 1234";
+  Set("Misc Text 1 Top", "2800");
+  drawing = Job(data).drawings[0];
+  const auto faults = paper::CheckPlaces(session, drawing, 300);
+  ASSERT_EQ(faults.size(), 2U);
+  EXPECT_EQ(faults[0].Reason, "It runs into Color Code.");
+  EXPECT_EQ(faults[1].Reason, "It is larger than the label has room for.");
+}
+
 TEST_F(LabelPaperTest, PutsAllFieldsIntoOneSquareCode) {
   Set("Label Width", "5760");
   Set("Label Length", "2880");
