@@ -10,6 +10,7 @@
 #include "core/base/units.h"
 #include "core/jobs/job_numbers.h"
 #include "core/jobs/job_stock.h"
+#include "core/labels/job_returns.h"
 #include "core/session/rights.h"
 #include "desktop/jobs/job_layout.h"
 #include "desktop/jobs/open_forms.h"
@@ -161,6 +162,7 @@ void JobForm::UpdateEnabled() {
   reopen_->setVisible(job_.Date_Completed.has_value());
   reopen_->setEnabled(writable);
   print_->setEnabled(there && CanPrint(windows));
+  codes_->setEnabled(print_->isEnabled());
 }
 
 bool JobForm::InEdit() const {
@@ -356,6 +358,11 @@ void JobForm::cmdOptions_Click() {
 
 void JobForm::cmdPrint_Click() {
   PrintSheet(windows, JobSheet(session, job_));
+}
+
+void JobForm::cmdBC_Report_Click() {
+  const auto sheet = JobReturnsSheet(session, job_.JobNumber);
+  if (Accepted(sheet)) PrintSheet(windows, *sheet);
 }
 
 }  // namespace vellumark::desktop

@@ -45,6 +45,7 @@ class JobForm : public Window {
   void cmdExportJobs_Click() { windows.OpenForm("ExportJobRecords"); }
   void cmdOptions_Click();
   void cmdPrint_Click() override;
+  void cmdBC_Report_Click();
   void cmdClose_Click() { Leave(); }
 
  protected:
@@ -97,6 +98,7 @@ class JobForm : public Window {
   CommandButton* closeJob_ = nullptr;
   CommandButton* reopen_ = nullptr;
   CommandButton* print_ = nullptr;
+  CommandButton* codes_ = nullptr;
   CommandButton* usage_ = nullptr;
 };
 

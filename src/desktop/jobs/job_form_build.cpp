@@ -104,6 +104,7 @@ QWidget* JobForm::BuildButtons(Form& form) {
   closeJob_ = form.Button("cmdCloseJob", tr("C&lose Job"), Qt::Key_F12);
   reopen_ = form.Button("cmdReopen", tr("&Reopen Job"));
   print_ = form.Button("cmdPrint", tr("&Print"));
+  codes_ = form.Button("cmdBC_Report", tr("Codes for Returns"));
   usage_ = form.Button("cmdUsage", tr("Usage"));
   auto* printMultiple = form.Button("cmdPrintMultiple", tr("List of Jobs"));
   auto* out = form.Button("cmdOut", tr("&Out on Jobs"));
@@ -117,7 +118,7 @@ QWidget* JobForm::BuildButtons(Form& form) {
   auto* flow = new FlowLayout(box);
   flow->setContentsMargins(0, space::kUnit, 0, 0);
   for (QWidget* part : std::initializer_list<QWidget*>{
-           addItem_, change, remove, undo, closeJob_, reopen_, print_, usage_, printMultiple, out, exportJobs,
+           addItem_, change, remove, undo, closeJob_, reopen_, print_, codes_, usage_, printMultiple, out, exportJobs,
            form.Button("cmdOptions", tr("Op&tions")), form.Button("cmdClose", tr("Close"))})
     flow->addWidget(part);
   QSizePolicy policy = box->sizePolicy();

@@ -6,6 +6,7 @@
 #include "core/jobs/job_options.h"
 #include "core/session/settings.h"
 #include "jobs_desk.h"
+#include "support/pdf_text.h"
 
 namespace vellumark::test {
 namespace {
@@ -395,6 +396,21 @@ TEST_F(JobFormTest, ADesignGivesItsColors) {
   EXPECT_EQ(items[0].DesignID + " " + items[0].LotNumber, "BOX L2");
   EXPECT_EQ(items[0].QtyUsed, 4);
   EXPECT_EQ(Scalar("SELECT LastUsed FROM Designs").Text(), "2026-03-10 12:00:00");
+}
+
+TEST_F(JobFormTest, PrintsWhatIsOutAsCodes) {
+  const std::filesystem::path pdf = folder / "returns.pdf";
+  desktop::RegisterReportsWindows(
+      windows,
+      {.printers = [] { return desktop::SystemPrinters{}; },
+       .open = {},
+       .chooseFile = [&](const desktop::FileChoice&, QWidget*) { return QString::fromStdString(pdf.string()); }});
+  Add("J1", "RED", 10, 1);
+  Open({{"JobNumber", "J1"}});
+  WithModal([&] { Click(*form, "cmdBC_Report"); }, [](QWidget& dialog) { Click(dialog, "cmdPDF"); });
+  const auto lines = LinesOf(ReadPdf(pdf).at(0));
+  EXPECT_NE(std::ranges::find(lines, "Job Returns - Barcoded Data"), lines.end());
+  EXPECT_NE(std::ranges::find(lines, "<LN>L1"), lines.end());
 }
 
 }  // namespace
