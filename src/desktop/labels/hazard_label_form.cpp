@@ -78,13 +78,14 @@ void GH_LabelForm::BuildPictograms(Form& form) {
   auto* grid = new QGridLayout(box);
   grid->setContentsMargins(0, 0, 0, 0);
   grid->setSpacing(space::kUnit);
+  // The style of a check box sets the least height of its own.
+  box->setMinimumHeight(static_cast<int>(kPictograms) / kAcross * (kIconSize + space::kUnit));
   for (std::size_t i = 0; i < kPictograms; ++i) {
     const int number = static_cast<int>(i) + 1;
     CheckField* check = pictograms_[i] =
         Loose(form.Check(QStringLiteral("chkPicto%1").arg(number), tr(kPictogramNames[i])));
     check->setIcon(PictogramIcon(number, devicePixelRatioF()));
     check->setIconSize({kIconSize, kIconSize});
-    check->setMinimumHeight(kIconSize + space::kTight);
     grid->addWidget(check, static_cast<int>(i) / kAcross, static_cast<int>(i) % kAcross);
   }
   form.Row(tr("Pictograms"), box);
