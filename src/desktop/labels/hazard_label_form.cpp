@@ -88,7 +88,7 @@ void GH_LabelForm::BuildPictograms(Form& form) {
     check->setIconSize({kIconSize, kIconSize});
     grid->addWidget(check, static_cast<int>(i) / kAcross, static_cast<int>(i) % kAcross);
   }
-  form.Row(tr("Pictograms"), box);
+  form.Wide(box);
 }
 
 QString GH_LabelForm::TextOf(std::size_t item) const {

@@ -2,6 +2,7 @@
 
 #include <QHBoxLayout>
 #include <QScrollArea>
+#include <QScrollBar>
 #include <QStandardPaths>
 #include <algorithm>
 #include <array>
@@ -23,6 +24,15 @@ constexpr const char* kZoomKey = "labels/zoom";
 constexpr int kWidestFields = 800;
 constexpr int kMomentToCheck = 200;  // milliseconds after the last key
 constexpr int kFaultsListed = 3;
+
+/// Rolls downwards alone.
+class RollingFields : public QScrollArea {
+ public:
+  using QScrollArea::QScrollArea;
+  QSize minimumSizeHint() const override {
+    return {widget()->minimumSizeHint().width() + verticalScrollBar()->sizeHint().width(), 2 * space::kFieldHeight};
+  }
+};
 
 std::vector<paper::CodeCheck> FaultsOf(const Session& session, const LabelDrawing& drawing, int dots) {
   std::vector<paper::CodeCheck> faults = paper::CheckCodes(session, drawing, dots);
@@ -55,7 +65,7 @@ void LabelWindow::Build(const std::function<void(Form)>& fields, const std::opti
   Form head(*this, *left);
   BuildHead(head);
   // Where the window is low, the fields roll by themselves: template, preview and commands stay in sight.
-  auto* rolls = new QScrollArea(left);
+  auto* rolls = new RollingFields(left);
   rolls->setObjectName("Fields");
   rolls->setWidgetResizable(true);
   rolls->setFrameShape(QFrame::NoFrame);

@@ -366,7 +366,7 @@ TEST_F(LabelWindowsTest, PrintsTheRecipeOfAFormula) {
   Click(form, "cmdPDF");
 }
 
-TEST_F(LabelWindowsTest, TheMenuLeadsToEachKind) {
+TEST_F(LabelWindowsTest, TheMenuLeadsToEachKindAndFromThereToItsLayout) {
   for (const char* name : {"LabelForm", "GH_LabelForm", "Formula_LabelForm"}) {
     desktop::Window* menu = windows.OpenForm("LabelMenu");
     ShowActive(*menu);
@@ -375,6 +375,13 @@ TEST_F(LabelWindowsTest, TheMenuLeadsToEachKind) {
     Settle();
     EXPECT_TRUE(windows.IsFormOpen(name));
     EXPECT_FALSE(windows.IsFormOpen("LabelMenu"));
+    ShowActive(*windows.Form(name));
+    Click(*windows.Form(name), "cmdLabelDesign");
+    Settle();
+  }
+  for (const char* name : {"LabelLayoutForm", "GH_LabelLayoutForm", "Formula_LabelLayoutForm"}) {
+    ASSERT_TRUE(windows.IsFormOpen(name));
+    EXPECT_EQ(Control<QComboBox>(*windows.Form(name), "cmbLabelName").currentText(), "Default Label");
   }
 }
 
