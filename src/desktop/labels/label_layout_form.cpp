@@ -137,8 +137,9 @@ void LabelLayoutForm::AddItems(Form& form) {
       for (const QString& head : {tr("Print Title:"), tr("Print Data:"), tr("Bar Code:")})
         grid->addWidget(form.Hint(head), 0, column++);
     }
-    grid->setColumnMinimumWidth(0, form.Hint(tr("Print Title:"))->sizeHint().width());
-    grid->setColumnMinimumWidth(2, form.Hint(tr("Bar Code:"))->sizeHint().width());
+    // Both groups stand in the same columns.
+    grid->setColumnMinimumWidth(0, fontMetrics().horizontalAdvance(tr("Print Title:")));
+    grid->setColumnMinimumWidth(2, fontMetrics().horizontalAdvance(tr("Bar Code:")));
     for (const std::string& item : items) AddRow(*grid, form, item);
     QLabel* text = form.Hint(hint);
     text->setWordWrap(true);
