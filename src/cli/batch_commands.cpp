@@ -173,7 +173,7 @@ Result<Json> WeighRow(Context& context, const WeighOptions& options) {
 }
 
 Result<Json> DispenseStoredBatch(Context& context, std::int32_t batchNo, const DispenseChoice& choice) {
-  const auto record = ReadBatch(context.session, batchNo);
+  auto record = ReadBatch(context.session, batchNo);
   if (!record) return NoBatch(context.session, batchNo);
   const auto file = Dispense(context.session, *record, choice);
   if (!file) return std::unexpected(file.error());

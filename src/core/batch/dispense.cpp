@@ -7,6 +7,7 @@
 #include "core/base/files.h"
 #include "core/base/text.h"
 #include "core/batch/dispense_formats.h"
+#include "core/batch/sent_files.h"
 #include "core/colors/basics.h"
 
 namespace vellumark {
@@ -35,6 +36,17 @@ void Add(DispenseJob& job, const std::string& name, const std::string& code, dou
   job.DispensedTotal = RoundTo(job.DispensedTotal + amount, 3);
 }
 
+// A file of the name may be another Batch's: numbers of Batches that were never saved come again.
+bool MayReplace(Session& session, const BatchRecord& record, const std::filesystem::path& path) {
+  std::error_code error;
+  if (!std::filesystem::exists(path, error)) return true;
+  const auto sender = UnsavedSenderOf(session.File(), path.string());
+  const bool isNew = record.state == BatchState::Add;
+  if (sender ? sender == record.sender : !isNew) return true;
+  const std::string what = sender ? "The file of another Batch, which was not saved, is there already:"
+                                  : "This Batch is not saved, and a file of its number is there already:";
+  return session.prompt.Ask("Batch File", what + "\n\n" + path.string() + "\n\nReplace it?", Answer::No);
+}
 
 }  // namespace
 
@@ -85,7 +97,7 @@ Result<void> CheckDispense(const BatchRecord& record) {
                 "txtQuantity");
 }
 
-Result<std::filesystem::path> Dispense(Session& session, const BatchRecord& record, const DispenseChoice& choice) {
+Result<std::filesystem::path> Dispense(Session& session, BatchRecord& record, const DispenseChoice& choice) {
   if (auto ready = CheckDispense(record); !ready) return std::unexpected(ready.error());
   const auto dispenser = ReadDispenser(session, choice.dispenser);
   if (!dispenser)
@@ -101,13 +113,13 @@ Result<std::filesystem::path> Dispense(Session& session, const BatchRecord& reco
   // Software of other makers reads the code page of the system; JSON has one of its own.
   const std::string bytes = dispenser->Manufacturer.starts_with("JSON") ? text : ToCp1252(text);
   std::filesystem::path path = DispensePath(session, record, *dispenser);
-  std::error_code error;
-  if (record.state == BatchState::Add && std::filesystem::exists(path, error) &&
-      !session.prompt.Ask("Batch File", "This Batch is not saved, and a file of its number is there already:\n\n" +
-                                            path.string() + "\n\nReplace it?",
-                          Answer::No))
-    return Decline("Batch File", "cmdSave");
+  if (!MayReplace(session, record, path)) return Decline("Batch File", "cmdSave");
   ReplaceFile(path, bytes);
+  if (record.state == BatchState::Add) {
+    record.sender = NoteUnsavedSender(session.File(), path.string(), record.sender);
+  } else if (RequireWritable(session)) {
+    ForgetSentFile(session.File(), path.string());
+  }
   session.prompt.Tell("File Sent", "Batch file sent to:\n\n" + path.string(), Icon::Information);
   return path;
 }

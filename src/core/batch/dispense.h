@@ -43,8 +43,9 @@ std::filesystem::path DispensePath(const Session& session, const BatchRecord& re
 /// Whether a Batch can be sent now: it is calculated.
 Result<void> CheckDispense(const BatchRecord& record);
 /// Sends the Batch: its file takes its place in one step. Refuses a Batch of which no line remains and a dispenser that is
-/// not there; asks before the file of another Batch without a number of its own yet is replaced. Tells where the file
-/// is, which it gives back. Throws Failure naming a file that cannot be written.
-Result<std::filesystem::path> Dispense(Session& session, const BatchRecord& record, const DispenseChoice& choice);
+/// not there; asks before a file is replaced that is not this Batch's own: one of a Batch that was never saved, or any that
+/// was there before a new Batch sent its first. Tells where the file is, which it gives back. Throws Failure naming a file
+/// that cannot be written.
+Result<std::filesystem::path> Dispense(Session& session, BatchRecord& record, const DispenseChoice& choice);
 
 }  // namespace vellumark

@@ -123,7 +123,7 @@ std::string Csv(const Session& session, const BatchRecord& record, const Dispens
   if (unit.ends_with('.')) unit.pop_back();
   const std::string today = DateText(session.clock.Now());
   row({"*", "Material", "plant", "Ord Type", "Order#", "Description"});
-  row({"COR1_H00", "", "", "", std::to_string(record.BatchNo), record.work.Color_Name});
+  row({"COR1_H00", record.work.formula.Color_Code, "", "", std::to_string(record.BatchNo), record.work.Color_Name});
   row({"*", "Tot ord qty", "UOM", "Finish dt", "Ord start dt"});
   row({"COR1_H01", ShortestText(job.DispensedTotal), unit, today, today});
   row({"*", "Ingredient-Material", "Ingredient-desc", "req. qty", "UOM", "Item Cat", "Ind.revelancy", "St.Loc",

@@ -107,6 +107,9 @@ struct BatchRecord {
 
   std::vector<WeighedLine> weighed;  ///< each kind and name once
 
+  /// Of a new Batch that was sent to a dispenser: under which its files are noted (core/batch/sent_files); else 0.
+  std::int32_t sender = 0;
+
   std::vector<OldBatchLine> OldLines;  ///< not empty: a saved Batch is open
   float oldReturned = 0;               ///< what the saved Batch has put into stock, in the inventory unit
   bool formulaUnchanged = true;        ///< since the Batch was saved

@@ -18,6 +18,7 @@
 #include "core/batch/row_cells.h"
 #include "core/batch/saving.h"
 #include "core/batch/scale_results.h"
+#include "core/batch/sent_files.h"
 #include "core/batch/takings.h"
 #include "core/colors/color_dates.h"
 #include "core/datafile/lifecycle.h"
@@ -42,6 +43,7 @@ class BatchStore {
     if (!isNew) DeleteTakings(session_, record_.BatchNo);
     WriteRow(isNew);
     WriteScaleResults(session_, record_);
+    if (isNew) ForgetUnsavedSender(session_.File(), record_.sender);
     // The date was set above to this very day, so the question whether the ingredients of a Batch of earlier days are
     // to be taken anew never arises: they are.
     granted_ = PostMadeColor(session_, record_);

@@ -26,7 +26,7 @@ struct Dispensing : LifeRoom, testing::Test {
     Basic("RED", 100, {{"Color_Code", "R\"1\\\xC3\x89"}});
     Basic("WHITE", 200, {{"Color_Code", "W,1"}});
     Basic("WAX", 10, {{"Color_Code", "X"}, {"Additive", true}});
-    Formula("PINK", {{"RED", 25.0F}, {"WHITE", 75.0F}}, 0, {{"Notes", "soft\r\npink"}});
+    Formula("PINK", {{"RED", 25.0F}, {"WHITE", 75.0F}}, 0, {{"Notes", "soft\r\npink"}, {"Color_Code", "P,7"}});
     Formula("TINT", {{"RED", 50.0F}, {"WHITE", 50.0F}}, 2, {{"Color_Code", "T"}});
     Mixed("PINK", "10");
     (void)TakeRecycled(session, record, "TINT", "2");
@@ -113,7 +113,7 @@ TEST_F(Dispensing, WritesTheSixFormats) {
   EXPECT_EQ(Sent("NFL"), Lines({"1", "INK Database", "-", "PINK", "STAMM", "G", "4", "10.75", "WHITE", "6.500", "--", "TINT",
                                 "2.000", "--", "RED", "1.750", "--", "WAX", "0.500", "--", ""}));
   EXPECT_EQ(path, "1-03_10_2026.dat");
-  EXPECT_EQ(Sent("XNI", false), Lines({"*,Material,plant,Ord Type,Order#,Description", "COR1_H00,,,,1,PINK",
+  EXPECT_EQ(Sent("XNI", false), Lines({"*,Material,plant,Ord Type,Order#,Description", "COR1_H00,P 7,,,1,PINK",
                                        "*,Tot ord qty,UOM,Finish dt,Ord start dt",
                                        "COR1_H01,10.25,lb,10-03-2026,10-03-2026",
                                        "*,Ingredient-Material,Ingredient-desc,req. qty,UOM,Item Cat,Ind.revelancy,St.Loc,"
@@ -138,6 +138,29 @@ TEST_F(Dispensing, PartsAddUpAndABatchOfRecycledInkAloneGoesOut) {
   EXPECT_EQ(Title(Dispense(session, record, {"D NFL", false, true})), "Recalculate Batch");
 }
 
+// The number of a Batch that is given up comes again, and its file is still there.
+TEST_F(Dispensing, TheFileOfAnUnsavedBatchIsNotAnothersToReplace) {
+  const DispenseChoice choice{"D NFL", true, true};
+  Sent("NFL");
+  const auto send = [&](std::optional<Answer> asked) {
+    if (asked) prompt.Expect("Batch File", *asked);
+    if (asked != Answer::No) prompt.Expect("File Sent");
+    const auto file = Dispense(session, record, choice);
+    return file ? ReadFileBytes(*file) : file.error().title;
+  };
+  const std::string pink = send(std::nullopt);
+  Mixed("TINT", "3");  // the Batch before is given up unsaved
+  ASSERT_EQ(record.BatchNo, 1);
+  EXPECT_EQ(send(Answer::No), "Batch File");
+  Save();
+  Open(1);
+  EXPECT_EQ(send(Answer::No), "Batch File") << "saved or not, the file is not its own";
+  EXPECT_EQ(ReadFileBytes(folder / "hot" / "1-03_10_2026.dat"), pink);
+  const std::string tint = send(Answer::Yes);
+  EXPECT_NE(tint, pink);
+  EXPECT_EQ(send(std::nullopt), tint);
+}
+
 TEST_F(Dispensing, AsksBeforeItReplacesAndSaysWhatFails) {
   EXPECT_EQ(Title(CheckAnyDispenser(session)), "Add a Dispenser");
   EXPECT_EQ(Title(AddDispenser(session, " ", "FGI", folder.Path().string())), "No Dispenser Name");
@@ -150,8 +173,8 @@ TEST_F(Dispensing, AsksBeforeItReplacesAndSaysWhatFails) {
   const DispenseChoice choice{"D FGI", true, true};
   prompt.Expect("File Sent");
   ASSERT_TRUE(Dispense(session, record, choice));
-  prompt.Expect("Batch File", Answer::No);
-  EXPECT_TRUE(Dispense(session, record, choice).error().declined);
+  prompt.Expect("File Sent");
+  ASSERT_TRUE(Dispense(session, record, choice)) << "sent anew before it is saved";
   // Once it is saved the file is its own.
   Save();
   Open(1);
