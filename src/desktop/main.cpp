@@ -17,6 +17,7 @@
 #include "desktop/jobs/register.h"
 #include "desktop/labels/register.h"
 #include "desktop/reports/register.h"
+#include "desktop/scale/register.h"
 #include "desktop/session/register.h"
 #include "desktop/settings/register.h"
 #include "desktop/shell/program.h"
@@ -56,6 +57,8 @@ int main(int argc, char** argv) {
   vellumark::desktop::Program program(windows);
   vellumark::desktop::RegisterDatafileWindows(windows, program.Windows());
   vellumark::desktop::RegisterBackupWindows(windows, program.Windows());
+  vellumark::desktop::RegisterScaleWindows(windows, program.Scale());
+  vellumark::desktop::RegisterWeighing(windows, program.Scale());
   vellumark::StartOptions options;
   options.folders = vellumark::ResolveFolders(vellumark::FolderSources::OfThisProcess({}));
   options.dataFileArgument = files.isEmpty() ? std::string() : vellumark::desktop::U8(files.front());

@@ -143,6 +143,27 @@ Result<WeighTicket> OpenWeighing(Session& session, BatchRecord& record, std::siz
   return Refuse(kTitle, fmt::format("{} needs no more to be weighed.", ticket.name), "fgRecList");
 }
 
+Result<WeighTicket> NextWeighing(Session& session, BatchRecord& record, std::optional<std::size_t> wanted,
+                                 const WeighTolerance& tolerance, bool heaviestFirst) {
+  const std::vector<WeighTicket> rows = RowsToWeigh(record, tolerance, heaviestFirst);
+  const auto is = [&](const WeighTicket& ticket) { return ticket.row == wanted; };
+  if (wanted && std::ranges::any_of(rows, is)) return OpenWeighing(session, record, *wanted);
+  if (!rows.empty()) return OpenWeighing(session, record, rows.front().row);
+  if (record.work.Rows.empty()) return OpenWeighing(session, record, 0);
+  return Refuse(kTitle, "All rows of this Batch are weighed.", "fgRecList");
+}
+
+bool StillStands(const BatchRecord& record, const WeighTicket& ticket) {
+  const auto place = PlaceOf(record, ticket.kind, ticket.name);
+  return record.state != BatchState::None && record.BatchNo == ticket.BatchNo && place &&
+         record.work.Rows[*place].amount == ticket.amount;
+}
+
+double NextDraft(double rest, double capacity) {
+  if (!(capacity > 0) || rest <= capacity) return rest;
+  return RoundTo(rest / std::ceil(rest / capacity), 3);
+}
+
 WeighProgress FollowPour(double poured, double target, double tolerance) {
   using enum WeighColor;
   const std::int64_t reading = WholeUnits(poured, 3);
@@ -186,21 +207,20 @@ bool AcceptPour(Prompt& prompt, double poured, double target, double tolerance) 
 
 Result<PouredRow> TakePour(Session& session, BatchRecord& record, const WeighTicket& ticket, double weight,
                            const WeighTolerance& tolerance) {
-  const auto place = PlaceOf(record, ticket.kind, ticket.name);
-  if (record.BatchNo != ticket.BatchNo || !place || record.work.Rows[*place].amount != ticket.amount)
+  if (!StillStands(record, ticket))
     return Refuse(kTitle,
                   fmt::format("The Batch was changed while {} was on the scale.\nIts row is not what it was; "
                               "the weight was not taken.",
                               ticket.name),
                   "fgRecList");
   WeighTicket here = ticket;
-  here.row = *place;
+  here.row = PlaceOf(record, ticket.kind, ticket.name).value();
   const double poured = RoundTo(weight, 3);
   if (!(poured > 0)) return Refuse(kTitle, "Nothing was poured.", "cmdSave");
   if (auto editable = CheckEditable(session, record); !editable) return std::unexpected(editable.error());
   if (auto adjustable = CheckAdjustable(record.work); !adjustable) return std::unexpected(adjustable.error());
   const PourEnd end = ComparePour(poured, here.target, tolerance.Of(here.target, here.UMF));
-  PouredRow done{.row = *place, .overpour = {}};
+  PouredRow done{.row = here.row, .overpour = {}};
   double difference = 0;
   if (end != PourEnd::OnTarget) {
     difference = RoundTo(poured - here.target, 3);
@@ -216,7 +236,7 @@ Result<PouredRow> TakePour(Session& session, BatchRecord& record, const WeighTic
     }
   }
   Note(record, here, poured, here.kind == LineKind::Basic ? difference : 0);
-  done.row = PlaceOf(record, here.kind, here.name).value_or(*place);
+  done.row = PlaceOf(record, here.kind, here.name).value_or(here.row);
   return done;
 }
 

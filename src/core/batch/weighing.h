@@ -40,6 +40,18 @@ std::vector<WeighTicket> RowsToWeigh(const BatchRecord& record, const WeighToler
 /// Whether a row may be weighed now: the guards of any change of its amount, and that there is something to be poured.
 Result<WeighTicket> OpenWeighing(Session& session, BatchRecord& record, std::size_t row);
 
+/// The row with which weighing goes on: `wanted`, where that is still to be weighed, else the first of RowsToWeigh. The
+/// guards are those of OpenWeighing; refused when nothing is left.
+Result<WeighTicket> NextWeighing(Session& session, BatchRecord& record, std::optional<std::size_t> wanted,
+                                 const WeighTolerance& tolerance, bool heaviestFirst);
+
+/// Whether the ticket's row is still what it was: of the same Batch, kind, name and amount.
+bool StillStands(const BatchRecord& record, const WeighTicket& ticket);
+
+/// What is put on the scale next where so much is still to be poured: all of it, or an equal share of it where the scale
+/// does not bear it at once. Without a capacity it bears everything.
+double NextDraft(double rest, double capacity);
+
 // ---- The pour
 
 enum class WeighColor { Red, White, LightGreen, Green, FullGreen };

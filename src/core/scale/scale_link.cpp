@@ -161,4 +161,16 @@ const std::optional<Reading>& ScaleLink::Last() const {
   return loop_ ? loop_->Last() : none;
 }
 
+Result<double> ScaleLink::Weight(std::int64_t now) const {
+  if (session_.ScalePowered != 1) return Refuse("Scale", "The scale is not on. Switch it on first.");
+  if (lost_) return Refuse("Scale", *lost_);
+  const auto& last = Last();
+  if (!last) return Refuse("Scale", "The scale has sent no weight yet.");
+  if (!IsFresh(now))
+    return Refuse("Scale", fmt::format("The scale has sent no weight for {} seconds. Is it on, and does its panel show an "
+                                       "error?",
+                                       (now - last->at) / 1000));
+  return last->weight;
+}
+
 }  // namespace vellumark

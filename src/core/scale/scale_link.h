@@ -45,6 +45,8 @@ class ScaleLink {
   bool Tare(std::int64_t now);
   const std::optional<Reading>& Last() const;
   bool IsFresh(std::int64_t now) const { return loop_ && !lost_ && loop_->IsFresh(now); }
+  /// The weight, where it is fresh; else why there is none.
+  Result<double> Weight(std::int64_t now) const;
   /// Why nothing can be read, while the line is lost.
   const std::optional<std::string>& Lost() const { return lost_; }
 

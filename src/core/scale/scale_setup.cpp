@@ -3,7 +3,6 @@
 #include <fmt/format.h>
 
 #include <algorithm>
-#include <array>
 
 #include "core/base/number.h"
 #include "core/base/text.h"
@@ -11,9 +10,6 @@
 
 namespace vellumark {
 namespace {
-
-constexpr std::array<std::string_view, 3> kParities{"None", "Odd", "Even"};
-constexpr std::array<std::string_view, 4> kHandshakings{"comNone", "comXOnXoff", "comRTS", "comRTSXOnXOff"};
 
 template <std::size_t N>
 std::size_t PlaceOf(const std::array<std::string_view, N>& words, std::string_view word, std::size_t standard) {

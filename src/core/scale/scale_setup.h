@@ -1,5 +1,6 @@
 #pragma once
 
+#include <array>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -14,6 +15,8 @@
 namespace vellumark {
 
 inline constexpr int kBaudRates[] = {300, 600, 1200, 2400, 4800, 9600};
+inline constexpr std::array<std::string_view, 3> kParities{"None", "Odd", "Even"};
+inline constexpr std::array<std::string_view, 4> kHandshakings{"comNone", "comXOnXoff", "comRTS", "comRTSXOnXOff"};
 
 /// How the scale is reached and what it does, as its settings file has it.
 struct ScaleSetup {

@@ -276,6 +276,11 @@ constexpr WayIn kWindows[] = {
     {"UpdateJobUDText", Act::Work},
     {"JobsNewReturnDate", Act::Work},
     {"JobClosingDate", Act::Work},
+    // The scale.
+    {"BatchScaleWeighForm", Act::Look},
+    {"DispenserSelector", Act::Look},
+    {"ScaleSettings", Act::Look},
+    {"WaitForm_ScaleBoot", Act::Look},
     // Designs and the estimator, and the files of records.
     {"JobDesigns", Act::Look},
     {"JobDesign_Rename", Act::Work},

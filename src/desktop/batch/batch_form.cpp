@@ -136,6 +136,8 @@ void BatchForm::UpdateEnabled() {
   hold_->setEnabled(open);
   cancel_->setEnabled(begun);
   delete_->setEnabled(record_.state == BatchState::Edit);
+  weigh_->setEnabled(open && windows.Knows("BatchScaleWeighForm"));
+  dispense_->setEnabled(open && windows.Knows("DispenserSelector"));
   print_->setEnabled(open && CanPrint(windows));
   label_->setEnabled(LabelledBatch() != 0 && CanPrintLabels(windows));
   printRecList_->setEnabled(open && CanPrint(windows));
@@ -354,6 +356,7 @@ void BatchForm::cmdSettings_Click() {
 }
 
 bool BatchForm::MayClose() {
+  if (!windows.CloseForm("BatchScaleWeighForm")) return false;
   // A name that was typed and not entered is no Batch yet; it goes with the window, whether it is known or not.
   if (name_->Text() != record_.work.Color_Name) name_->SetText(record_.work.Color_Name);
   if (!job_->Enter()) return false;

@@ -5,6 +5,7 @@
 #include "core/batch/record.h"
 #include "core/batch/store.h"
 #include "desktop/batch/batch_window_dialogs.h"
+#include "desktop/batch/weigh_bench.h"
 #include "desktop/kit/window.h"
 
 class QTabWidget;
@@ -20,7 +21,7 @@ class RowsPanel;
 /// The Batch Window: a formula and a quantity become the lines that are weighed, recycled ink first. It is cleared,
 /// holds a new Batch, or a saved one. Opened with {"BatchNo", number} it goes to that Batch, with {"Color_Name", name}
 /// it begins one of that formula.
-class BatchForm : public Window {
+class BatchForm : public Window, private WeighBench {
   Q_OBJECT
 
  public:
@@ -53,6 +54,8 @@ class BatchForm : public Window {
   void cmdPrintRecList_Click();
   /// The containers of the Batch on screen, as it is on file, or of the one that was saved last here.
   void cmdPrintLabel_Click();
+  void cmdWeigh_Click();
+  void cmdDispense_Click();
 
  protected:
   bool eventFilter(QObject* watched, QEvent* event) override;
@@ -83,6 +86,13 @@ class BatchForm : public Window {
   void FocusNextLot(std::size_t from);
   void FocusLotReminder();
 
+  // Weighing (batch_form_weigh.cpp)
+  std::optional<WeighTicket> NextRow(std::optional<std::size_t> wanted) override;
+  std::size_t RowsLeft() const override;
+  bool Stands(const WeighTicket& ticket) const override { return StillStands(record_, ticket); }
+  bool TakeWeight(const WeighTicket& ticket, double weight) override;
+  void WeighingEnds() override;
+
   void Calculate(bool recycle);
   void FocusAfterCalculation();
   void BeginWith(const std::string& quantity, const std::string& job);
@@ -108,6 +118,7 @@ class BatchForm : public Window {
   BatchWindowDialogs dialogs_;
   std::int32_t savedLast_ = 0;  ///< number of the Batch; 0 before the first
   bool showing_ = false;
+  std::optional<std::size_t> weighFrom_;  // the row from which the focus went to the command
 
   NameBox* name_ = nullptr;
   NumberField* quantity_ = nullptr;
@@ -134,6 +145,8 @@ class BatchForm : public Window {
   CommandButton* print_ = nullptr;
   CommandButton* printRecList_ = nullptr;
   CommandButton* label_ = nullptr;
+  CommandButton* weigh_ = nullptr;
+  CommandButton* dispense_ = nullptr;
 };
 
 }  // namespace vellumark::desktop

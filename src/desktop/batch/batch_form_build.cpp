@@ -155,6 +155,8 @@ QWidget* BatchForm::BuildButtons(Form& form) {
   cancel_ = form.Button("cmdCancel", tr("Cancel"));
   next_ = form.Button("cmdNext", tr("Next"), Qt::Key_PageUp);
   previous_ = form.Button("cmdPrevious", tr("Previous"), Qt::Key_PageDown);
+  weigh_ = form.Button("cmdWeigh", tr("Weigh"), Qt::Key_F6);
+  dispense_ = form.Button("cmdDispense", tr("Dispense"), Qt::Key_F7);
   recent_ = form.Button("cmdRecent", tr("Recent"), Qt::CTRL | Qt::Key_R);
   settings_ = form.Button("cmdSettings", tr("Settings"));
   delete_ = form.Button("cmdDelete", tr("Delete"));
@@ -165,8 +167,8 @@ QWidget* BatchForm::BuildButtons(Form& form) {
   auto* box = new QWidget;
   auto* flow = new FlowLayout(box);
   flow->setContentsMargins(0, space::kUnit, 0, 0);
-  for (QWidget* part : std::initializer_list<QWidget*>{complete_, save_, hold_, cancel_, next_, previous_, print_,
-                                                       label_, recent_, settings_, delete_})
+  for (QWidget* part : std::initializer_list<QWidget*>{complete_, save_, hold_, cancel_, weigh_, dispense_, next_, previous_,
+                                                       print_, label_, recent_, settings_, delete_})
     flow->addWidget(part);
   QSizePolicy policy = box->sizePolicy();
   policy.setHeightForWidth(true);
@@ -196,6 +198,9 @@ void BatchForm::Listen() {
   batchNo_->installEventFilter(this);
   connect(batchNo_, &TextField::Left, this, [this] { batchNo_->SetText(BatchNoText(record_.BatchNo)); });
   unit_->OnChosen([this](int index) { EnterUnit(index); });
+  connect(qApp, &QApplication::focusChanged, this, [this](QWidget* from, QWidget* to) {
+    if (to == weigh_) weighFrom_ = rows_->RowOf(from);
+  });
   auto* find = new QShortcut(QKeySequence::Find, this, nullptr, nullptr, Qt::WidgetWithChildrenShortcut);
   connect(find, &QShortcut::activated, this, [this] { FocusField("txtBatchNo"); });
   connect(complete_, &QCheckBox::clicked, this, [this](bool checked) {

@@ -4,8 +4,13 @@
 
 namespace vellumark::desktop {
 
+class BenchScale;
+
 /// The Batch Window and everything that it opens.
 void RegisterBatchWindows(WindowList& windows);
+
+/// BatchScaleWeighForm, beside the Batch Window.
+void RegisterWeighing(WindowList& windows, BenchScale& scale);
 
 /// The windows around the Batch Window; a part of RegisterBatchWindows. What they take and give:
 ///

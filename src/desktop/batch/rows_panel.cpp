@@ -221,6 +221,12 @@ bool RowsPanel::FocusAmount(int row) {
   return true;
 }
 
+std::optional<std::size_t> RowsPanel::RowOf(const QWidget* cell) const {
+  const auto at = std::ranges::find_if(slots_, [cell](const RowView* view) { return view->isAncestorOf(cell); });
+  if (at == slots_.end()) return std::nullopt;
+  return static_cast<std::size_t>(at - slots_.begin());
+}
+
 void RowsPanel::FocusLot(int row) {
   CellButton& cell = slots_.at(static_cast<std::size_t>(row))->Lot();
   SetCurrent(cell);

@@ -2,6 +2,7 @@
 
 #include <QPointer>
 #include <QWidget>
+#include <optional>
 #include <vector>
 
 #include "core/batch/batch_options.h"
@@ -29,6 +30,8 @@ class RowsPanel : public QWidget {
   void ShowTitle(const QString& text);
   /// The amount of that row, or of the last one; false without rows.
   bool FocusAmount(int row);
+  /// The row that this cell stands in; nothing for any other widget.
+  std::optional<std::size_t> RowOf(const QWidget* cell) const;
   /// The lot link of that row.
   void FocusLot(int row);
 

@@ -7,6 +7,7 @@
 #include "core/shell/backups.h"
 #include "desktop/kit/text.h"
 #include "desktop/kit/window.h"
+#include "desktop/scale/bench_scale.h"
 #include "desktop/shell/main_form.h"
 
 namespace vellumark::desktop {
@@ -65,7 +66,9 @@ std::optional<std::string> DesktopStartup::OfferOldFile(const std::filesystem::p
   return std::nullopt;
 }
 
-void DesktopStartup::LoadScalePort(Session&) {}
+void DesktopStartup::LoadScalePort(Session&) {
+  scale_.TakeOver();
+}
 
 void DesktopStartup::ShowSplash() {
   main_.EnableMenuItems();
@@ -88,7 +91,9 @@ void DesktopStartup::ShutdownBackup(Session& session, const std::string& label) 
   vellumark::ShutdownBackup(session, label);
 }
 
-void DesktopStartup::PowerOffScale(Session&) {}
+void DesktopStartup::PowerOffScale(Session&) {
+  scale_.SwitchOff();
+}
 
 void DesktopStartup::ShowNewDataFile(const std::string& startupMessage) {
   RunStep("NewDataFileForm", {{"StartupMessage", startupMessage}});

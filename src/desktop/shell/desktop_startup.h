@@ -8,6 +8,7 @@
 
 namespace vellumark::desktop {
 
+class BenchScale;
 class MainForm;
 
 /// Thrown through the order of the start when the operator ends the program in one of its windows.
@@ -16,7 +17,8 @@ struct EndOfProgram {};
 /// The windows of the start and the end, and of opening a Data File.
 class DesktopStartup final : public StartupWindows {
  public:
-  DesktopStartup(MainForm& mainForm, WindowList& windowList) : main_(mainForm), windows_(windowList) {}
+  DesktopStartup(MainForm& mainForm, WindowList& windowList, BenchScale& scale)
+      : main_(mainForm), windows_(windowList), scale_(scale) {}
 
   bool AnotherInstanceRuns(const Session& session) override;
   void ShowMainWindow(const std::string& caption) override;
@@ -47,6 +49,7 @@ class DesktopStartup final : public StartupWindows {
 
   MainForm& main_;
   WindowList& windows_;
+  BenchScale& scale_;
   InstanceLock lock_;
   bool splash_ = true;
 };

@@ -122,7 +122,8 @@ void MainForm::BuildViewMenu() {
 }
 
 void MainForm::GateMenus() {
-  static const std::vector<std::string_view> builtIn{"menuFileExit", "menuDFAdvanced_CreateNewSupportFiles"};
+  static const std::vector<std::string_view> builtIn{"menuFileExit", "menuDFAdvanced_CreateNewSupportFiles",
+                                                     "menuScale_Setup", "menuScale_PowerOn", "menuScale_PowerOff"};
   for (const MenuItem& item : MenuItems(session_)) {
     QAction* action = actions_.at(std::string(item.name));
     const std::string dialog(DialogOfMenuItem(item.name));
@@ -161,6 +162,11 @@ void MainForm::RunMenuItem(const std::string& name) {
   } else if (name == "menuDFAdvanced_CreateNewSupportFiles") {
     if (createSupportFiles_) createSupportFiles_();
     EnableMenuItems();
+  } else if (name.starts_with("menuScale_")) {
+    // Windows stay as they are: a Batch that waits for the scale is one of them.
+    CloseToolbarMenus();
+    if (scale_) scale_(name);
+    GateMenus();
   } else if (const std::string dialog(DialogOfMenuItem(name)); OnlyShows(name)) {
     CloseToolbarMenus();
     windows_.RunDialog(dialog);

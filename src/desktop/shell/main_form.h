@@ -34,6 +34,9 @@ class MainForm : public QMainWindow, private OpenWindows {
   /// The command to make new Support Files, which needs the order of the start.
   void OnCreateSupportFiles(std::function<void()> create) { createSupportFiles_ = std::move(create); }
 
+  /// The commands of the scale's menu, by the names of their entries.
+  void OnScale(std::function<void(const std::string& item)> scale) { scale_ = std::move(scale); }
+
   /// After a login, an opened file, another Database: captions, lists and everything that rights decide.
   void EnableMenuItems();
   /// While a file is being closed: toolbar, users and the file commands are off until EnableMenuItems.
@@ -80,6 +83,7 @@ class MainForm : public QMainWindow, private OpenWindows {
   Changes::Subscription changes_;
   std::function<bool()> closing_;
   std::function<void()> createSupportFiles_;
+  std::function<void(const std::string&)> scale_;
 };
 
 }  // namespace vellumark::desktop

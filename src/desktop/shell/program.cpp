@@ -6,9 +6,14 @@
 namespace vellumark::desktop {
 
 Program::Program(WindowList& windowList)
-    : windows_(windowList), session_(windowList.session), main_(windowList), startup_(main_, windowList) {
+    : windows_(windowList),
+      session_(windowList.session),
+      scale_(windowList),
+      main_(windowList),
+      startup_(main_, windowList, scale_) {
   main_.OnClosing([this] { return End(); });
   main_.OnCreateSupportFiles([this] { CreateSupportFiles(); });
+  main_.OnScale([this](const std::string& item) { RunScale(item); });
 }
 
 bool Program::Start(const StartOptions& options) {
@@ -39,6 +44,12 @@ bool Program::End() {
 void Program::CreateSupportFiles() {
   const auto created = CreateNewSupportFiles(session_, startup_);
   if (!created) session_.prompt.Tell(created.error().title, created.error().text, Icon::Exclamation);
+}
+
+void Program::RunScale(const std::string& item) {
+  if (item == "menuScale_Setup") scale_.Setup();
+  if (item == "menuScale_PowerOn") scale_.SwitchOn();
+  if (item == "menuScale_PowerOff") scale_.SwitchOff();
 }
 
 }  // namespace vellumark::desktop

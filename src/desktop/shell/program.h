@@ -2,6 +2,7 @@
 
 #include "core/shell/startup.h"
 #include "desktop/kit/window_list.h"
+#include "desktop/scale/bench_scale.h"
 #include "desktop/shell/desktop_startup.h"
 #include "desktop/shell/main_form.h"
 
@@ -19,13 +20,16 @@ class Program {
 
   MainForm& Main() { return main_; }
   DesktopStartup& Windows() { return startup_; }
+  BenchScale& Scale() { return scale_; }
 
  private:
   bool End();
   void CreateSupportFiles();
+  void RunScale(const std::string& item);
 
   WindowList& windows_;
   Session& session_;
+  BenchScale scale_;
   MainForm main_;
   DesktopStartup startup_;
   int status_ = 0;

@@ -13,6 +13,7 @@
 #include "desktop/jobs/register.h"
 #include "desktop/labels/register.h"
 #include "desktop/reports/register.h"
+#include "desktop/scale/register.h"
 #include "desktop/session/register.h"
 #include "desktop/settings/register.h"
 #include "desktop/shell/commands.h"
@@ -37,6 +38,8 @@ struct AllWindows : Desk {
     desktop::RegisterLabelWindows(windows);
     desktop::RegisterDatafileWindows(windows, program.Windows());
     desktop::RegisterBackupWindows(windows, program.Windows());
+    desktop::RegisterScaleWindows(windows, program.Scale());
+    desktop::RegisterWeighing(windows, program.Scale());
   }
   desktop::Program program;
 };

@@ -12,6 +12,7 @@
 #include "desktop/jobs/register.h"
 #include "desktop/labels/register.h"
 #include "desktop/reports/register.h"
+#include "desktop/scale/register.h"
 #include "desktop/session/register.h"
 #include "desktop/settings/register.h"
 #include "desktop/shell/program.h"
@@ -23,7 +24,7 @@ namespace vellumark::test {
 /// The whole program with every window, as main() makes it, in a folder of its own.
 template <class ItsPrompt>
 struct RunningProgram {
-  explicit RunningProgram(const std::filesystem::path& folder) {
+  explicit RunningProgram(const std::filesystem::path& itsFolder) : folder(itsFolder) {
     options.folders = {folder / "VKDat", folder / "Program", {}};
   }
 
@@ -43,6 +44,8 @@ struct RunningProgram {
     desktop::RegisterLabelWindows(windows, nowhere);
     desktop::RegisterDatafileWindows(windows, program.Windows(), platform);
     desktop::RegisterBackupWindows(windows, program.Windows(), platform.choose);
+    desktop::RegisterScaleWindows(windows, program.Scale(), folder);
+    desktop::RegisterWeighing(windows, program.Scale());
     program.Windows().SkipSplash();
     const bool ready = program.Start(options);
     Settle();
@@ -51,6 +54,7 @@ struct RunningProgram {
 
   /// The file that is chosen for pages and records; none without it.
   std::function<QString(const desktop::FileChoice&)> chooseFile = [](const auto&) { return QString(); };
+  std::filesystem::path folder;
   FixedClock clock{DateTime{2026, 3, 10, 12, 0, 0}};
   ItsPrompt prompt;
   desktop::WaitProgress progress;

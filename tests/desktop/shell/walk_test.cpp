@@ -86,6 +86,7 @@ std::vector<Walked> Windows() {
           {"ReorderForm"},
           {"ProductionForm"},
           {"InventoryReportsForm"},
+          {"ScaleSettings"},
           {"FindBatch"}};
 }
 
