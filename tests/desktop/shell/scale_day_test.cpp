@@ -11,6 +11,7 @@
 #include <sstream>
 
 #include "core/base/number.h"
+#include "core/base/text.h"
 #include "core/batch/dispensers.h"
 #include "running.h"
 #include "support/cli_run.h"
@@ -98,12 +99,20 @@ TEST_F(ScaleDay, ABatchIsWeighedByKeyboardSavedAndSentInAllFormats) {
         << name << Says("lblSWeight") << Says("lblState");
     poured[name] += weight;
     if (tooMuch) {
+      // It stands beside the rows, and all of it on the screen.
       Picture(main, "batch-weighing");
+      QWidget& amount = Control(*batch, "lblAmount0");
+      const QRect cell(amount.mapToGlobal(QPoint(0, 0)), amount.size());
+      const QRect frame(main.mapToGlobal(QPoint(0, 0)), main.size());
+      EXPECT_FALSE(weigh->geometry().intersects(cell));
+      EXPECT_TRUE(frame.contains(weigh->geometry())) << weigh->height();
       overpoured = true;
       prompt.Expect("Scale weight is over desired amount", Answer::Yes);
       prompt.Expect("Excess Basic Color Weight", Answer::Yes);
       prompt.Expect("Change in Amounts" + std::string(50, ' '), Answer::No);
     }
+    ShowActive(*weigh);
+    EXPECT_EQ(FocusName(), "cmdSave") << name << " in " << QApplication::activeWindow()->objectName().toStdString();
     PressOn(Qt::Key_Return);
   }
   EXPECT_FALSE(running.windows.IsFormOpen("BatchScaleWeighForm"));
@@ -130,7 +139,7 @@ TEST_F(ScaleDay, ABatchIsWeighedByKeyboardSavedAndSentInAllFormats) {
                 auto& combo = Control<QComboBox>(dialog, "cmbDispSel");
                 EXPECT_EQ(FocusName(), "cmbDispSel");
                 PressOn(Qt::Key_Home);
-                while (combo.currentText().toStdString() != code && combo.currentIndex() < combo.count() - 1)
+                while (combo.currentText().toStdString() != Upper(code) && combo.currentIndex() < combo.count() - 1)
                   PressOn(Qt::Key_Down);
                 PressOn(Qt::Key_Tab);
                 PressOn(Qt::Key_Tab);
