@@ -282,11 +282,12 @@ std::vector<HeldStock> ReadHeldStock(Database& file) {
   std::vector<HeldStock> held;
   if (!file.TableExists(kMarkerTable)) return held;
   Statement rows = file.Prepare(
-      fmt::format("SELECT DatabaseName, Kind, Color_Name, LotRefID, StoodBefore, StoodAfter FROM {}", kMarkerTable));
+      fmt::format("SELECT DatabaseName, Kind, Color_Name, LotRefID, StoodBefore, StoodAfter, BatchNo FROM {}",
+                  kMarkerTable));
   while (rows.Step())
     held.push_back({rows.Text(0), rows.Whole(1) == 2 ? ColorKind::Mix : ColorKind::Basic, rows.Text(2),
                     static_cast<std::int32_t>(rows.Whole(3)), RoundTo(rows.Number(5) - rows.Number(4), 3),
-                    !rows.IsNull(4)});
+                    !rows.IsNull(4), static_cast<std::int32_t>(rows.Whole(6))});
   return held;
 }
 

@@ -31,6 +31,7 @@ struct HeldStock {
   std::int32_t LotRefID = 0;  ///< 0: Unlotted Inventory
   double quantity = 0;        ///< in the inventory unit
   bool wasThere = true;       ///< a lot that the Batch had used up is there only for as long
+  std::int32_t BatchNo = 0;
 };
 /// That of all open Batches of the file.
 std::vector<HeldStock> ReadHeldStock(Database& file);

@@ -3,7 +3,9 @@
 #include <cstdint>
 #include <map>
 #include <string>
+#include <vector>
 
+#include "core/datafile/stock_history.h"
 #include "core/reports/by_name.h"
 #include "core/reports/definition.h"
 
@@ -39,7 +41,8 @@ struct PastColor {
 };
 
 /// The stock history of a Database up to the last day of the range, through the renames of its colours, each under the
-/// name that it has now. What an open Batch holds back counts as used for as long as it is open.
+/// name that it has now. What an open Batch handed back counts as used for as long as it is open, on past days too: what
+/// it hands back counts from when it is saved, left or deleted.
 class PastStock {
  public:
   PastStock(const ReportContext& context, const std::string& database);
@@ -47,10 +50,19 @@ class PastStock {
 
  private:
   void Read(const ReportContext& context, const std::string& database);
+  void TakeLine(const StockLine& line, const DateTime& when);
   void TakeHeld(const ReportContext& context, const std::string& database);
   void Rename(ColorKind kind, const std::string& from, const std::string& to);
   void Take(PastColor& color, std::int32_t ref, double change, std::int64_t StockMoves::*kind);
+  bool IsOpening(const StockLine& line) const;
+  void EndOpening(const StockLine& line);
 
+  // What the opening of a Batch handed back, by its document, for as long as nothing tells that it is open no more.
+  std::map<std::string, std::vector<StockLine>> handedBack_;
+  std::string saving_;  // the Batch that took with the line before, and when
+  DateTime savedAt_;
+  DateTime from_;
+  DateTime end_;
   ByName<PastColor> basics_;
   ByName<PastColor> mixes_;
 };
