@@ -7,6 +7,7 @@
 #include "core/base/files.h"
 #include "core/base/text.h"
 #include "core/reports/catalogue.h"
+#include "core/reports/chart.h"
 #include "core/reports/export.h"
 #include "core/reports/saved_reports.h"
 
@@ -32,6 +33,8 @@ struct RunOptions {
   std::string then;
   bool descending = false;
   std::string filter;
+  std::string by;  // a chart is drawn
+  std::string figure;
   std::string saved;
   std::string name;  // to be saved under
   PrintWish print;
@@ -308,6 +311,40 @@ Result<Json> StoreReport(Context& context, const RunOptions& options) {
   return Json{{"Name", Trim(options.name)}, {"Report", saved.key}, {"Columns", saved.columns}};
 }
 
+// The bars of a chart: a figure of the report by what it has.
+Result<Json> ReadChart(Context& context, const RunOptions& options) {
+  const auto order = OrderOf(context, options);
+  if (!order) return std::unexpected(order.error());
+  const auto report = BuildOrder(context, *order, options);
+  if (!report) return std::unexpected(report.error());
+  const std::vector<ChartGroup> groups = ChartGroupsOf(*report);
+  const std::vector<std::size_t> figures = ChartFiguresOf(*report);
+  if (groups.empty() || figures.empty()) return Refuse("Report Chart", "This report has nothing to draw.", "Key");
+  const auto group =
+      options.by.empty()
+          ? groups.begin() + static_cast<std::ptrdiff_t>(UsualChartGroup(groups))
+          : std::ranges::find_if(groups, [&](ChartGroup one) { return EqualNoCase(ChartGroupName(one), options.by); });
+  if (group == groups.end()) {
+    std::string known;
+    for (const ChartGroup one : groups) known += (known.empty() ? "" : ", ") + std::string(ChartGroupName(one));
+    return Refuse("Report Chart", fmt::format("This report can be drawn by {}.", known), "by");
+  }
+  std::size_t column = figures[UsualChartFigure(*report, figures)];
+  if (!options.figure.empty()) {
+    const auto named = ColumnOf(report->columns, options.figure);
+    if (!named) return std::unexpected(named.error());
+    if (std::ranges::find(figures, *named) == figures.end())
+      return Refuse("Report Chart", fmt::format("{} is no figure that adds up.", options.figure), "figure");
+    column = *named;
+  }
+  const ReportChart chart = ChartOf(*report, *group, column);
+  const int decimals = chart.column.format == Format::Whole ? 0 : chart.column.decimals;
+  return context.Answer(TableOf<ChartSlice>()
+                            .Add("Name", &ChartSlice::name, std::string(ChartGroupName(*group)))
+                            .Add("Value", &ChartSlice::value, chart.figure, chart.column.format, decimals)
+                            .Of(chart.slices));
+}
+
 std::string IsReportFile(const std::string& name) {
   for (const char* extension : {".txt", ".xlsx", ".pdf"})
     if (EndsWith(name, extension)) return "";
@@ -379,12 +416,33 @@ void AddRuns(CLI::App* noun, Commands& commands) {
       ->check(NotEmpty);
   commands.Add(verb, Needs::File, [file](Context& context) { return RunReport(context, *file); });
 
+  auto chart = std::make_shared<RunOptions>();
+  verb = noun->add_subcommand("chart", "The bars of a report's chart: sums by what it is drawn by");
+  AddSource(verb, *chart);
+  verb->add_option("--by", chart->by, "Day, week, month, quarter, color or database")
+      ->type_name("GROUP")
+      ->check(NotEmpty);
+  verb->add_option("--figure", chart->figure, "The column that is drawn, by caption")
+      ->type_name("CAPTION")
+      ->check(NotEmpty);
+  commands.Add(verb, Needs::File, [chart](Context& context) { return ReadChart(context, *chart); });
+
   auto saved = std::make_shared<RunOptions>();
   verb = noun->add_subcommand("save", "Keeps a report with what is asked of it under a name");
   verb->add_option("NAME", saved->name, "To be run by with --saved")->required()->check(NotEmpty);
   verb->add_option("KEY", saved->key, "Key or window of the report")->required()->check(NotEmpty);
   AddQuestion(verb, *saved);
   commands.Add(verb, Needs::File, [saved](Context& context) { return StoreReport(context, *saved); });
+
+  auto names = std::make_shared<std::pair<std::string, std::string>>();
+  verb = noun->add_subcommand("rename", "A saved report");
+  verb->add_option("NAME", names->first, "That it is saved under")->required()->check(NotEmpty);
+  verb->add_option("NEW", names->second, "That it gets")->required()->check(NotEmpty);
+  commands.Add(verb, Needs::Nothing, [names](Context& context) -> Result<Json> {
+    const auto done = RenameSavedReport(context.session, names->first, names->second);
+    if (!done) return std::unexpected(done.error());
+    return Json{{"Name", Trim(names->second)}, {"Old", names->first}};
+  });
 
   auto name = std::make_shared<std::string>();
   verb = noun->add_subcommand("delete", "A saved report");

@@ -1,6 +1,7 @@
 #include "paper/page.h"
 
 #include <QPen>
+#include <QSvgRenderer>
 #include <algorithm>
 #include <cmath>
 
@@ -31,6 +32,9 @@ void PagePainter::Paint(const Page& page) {
     painter_.drawLine(line.from * scale_, line.to * scale_);
   }
   for (const PageBars& bars : page.codes) PaintBars(bars);
+  for (const PagePicture& picture : page.pictures)
+    QSvgRenderer(picture.svg)
+        .render(&painter_, QRectF(picture.place.topLeft() * scale_, picture.place.size() * scale_));
 }
 
 // Of a printer every module is a whole number of its dots; a screen has too few of them for that.

@@ -1,7 +1,9 @@
 #pragma once
 
+#include <QByteArray>
 #include <QPainter>
 #include <QPointF>
+#include <QRectF>
 #include <QSizeF>
 #include <QString>
 #include <cstdint>
@@ -36,6 +38,11 @@ struct PageBars {
   std::vector<std::uint8_t> widths;
 };
 
+struct PagePicture {
+  QRectF place;
+  QByteArray svg;
+};
+
 /// A page as it was laid out, before any device: places and sizes in points from the upper left corner of the printable
 /// area. Printer, PDF and preview paint this same page.
 struct Page {
@@ -46,6 +53,7 @@ struct Page {
   std::vector<PageText> texts;
   std::vector<PageLine> lines;
   std::vector<PageBars> codes{};
+  std::vector<PagePicture> pictures{};
 
   double X(double units) const { return area.width() * units / kAcross; }
   double Y(double units) const { return area.height() * units / kDown; }

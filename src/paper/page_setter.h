@@ -33,6 +33,9 @@ class PageSetter {
   void Rule(double below, bool dotted = false);
   void Rule(double left, double right, double below);
 
+  /// In the middle of the page, under Top().
+  void Picture(const QByteArray& svg, double wide, double high);
+
   /// Hands over the page that is set and begins another.
   void TurnPage();
   /// Hands over the last one.

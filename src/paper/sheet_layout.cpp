@@ -81,6 +81,7 @@ void SheetLayout::SetBlock(PageSetter& setter, const SheetBlock& block, const Ta
     setter.Down(high);
   }
   SetFields(setter, block, size);
+  if (block.picture) SetPicture(setter, *block.picture);
   if (columns != nullptr) SetTable(setter, block, *columns, progress);
   SetLines(setter, block, size);
   SetCodes(setter, block, size);
@@ -102,6 +103,13 @@ void SheetLayout::SetFields(PageSetter& setter, const SheetBlock& block, double 
       setter.Down(line);
     }
   }
+}
+
+void SheetLayout::SetPicture(PageSetter& setter, const SheetPicture& picture) {
+  const double high = std::min(setter.Across() * picture.down / picture.across, setter.Body() / 2);
+  if (setter.Room() < high) setter.TurnPage();
+  setter.Picture(QByteArray::fromStdString(picture.svg), high * picture.across / picture.down, high);
+  setter.Down(high);
 }
 
 void SheetLayout::SetLines(PageSetter& setter, const SheetBlock& block, double size) const {

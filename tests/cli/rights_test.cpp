@@ -163,6 +163,8 @@ std::vector<Line> Lines(const test::CliRoom& room) {
       {{"report", "export", "NONE"}, {}},
       {{"report", "save", "NONE", "NONE"}, {}},
       {{"report", "delete", "NONE"}, {}},
+      {{"report", "rename", "NONE", "OTHER"}, {}},
+      {{"report", "chart", "NONE"}, {}},
       {{"report", "range", "NONE", "--delete"}, {}},
       {{"report", "ranges"}, {}},
       {{"find", "basic"}, {}},

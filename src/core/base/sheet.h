@@ -15,10 +15,18 @@ struct SheetField {
   std::string value;
 };
 
+/// A drawing, as SVG so that it is sharp on any device; it is as wide as the page, or as high as half of it.
+struct SheetPicture {
+  std::string svg;
+  double across = 1;  ///< its form
+  double down = 1;
+};
+
 /// A part of a sheet. What is empty is left out; the order is that of the fields here.
 struct SheetBlock {
   std::string heading{};
   std::vector<SheetField> fields{};
+  std::optional<SheetPicture> picture{};
   std::optional<ListTable> table{};
   std::vector<double> widths{};      ///< of the columns shown, in twips, 0 hides one; empty: as wide as their texts
   std::vector<std::string> lines{};  ///< as much text as there is; line ends in it count

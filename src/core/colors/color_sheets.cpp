@@ -28,40 +28,73 @@ ListTable ComparedLines(std::vector<ComparedLine> lines) {
       .Of(std::move(lines));
 }
 
-/// The fields of the only row of a table that hold something, under captions for people.
-std::vector<SheetField> FieldsOf(const Session& session, const ListTable& table) {
-  const std::string unit = fmt::format(" ({})", UnitName(session.UMI));
-  const std::pair<const char*, std::string> captions[] = {
-      {"Color_Code", "Color Code"},
-      {"Color_Guide", "Formula Guide"},
-      {"Page", "Page"},
-      {"Row", "Row"},
-      {"Additive", "Additive"},
-      {"AddSetName", "Additive Set"},
-      {"Inventory", "Unlotted" + unit},
-      {"Reorder", "Reorder" + unit},
-      {"Inv_Note", "Inventory Note"},
-      {"PurchaseCost", "Purchase Cost"},
-      {"BasicCost", "Basic Cost"},
-      {"VOC", "VOC"},
-      {"HAP", "HAP"},
-      {"BasicVOC", "VOC from Basics"},
-      {"BasicHAP", "HAP from Basics"},
-      {"Recycle", "Recyclable"},
-      {"Date_Entered", "Date Entered"},
-      {"LastModified", "Last Modified"},
-      {"LastConsumed", "Last Consumed"},
-      {"LastProduced", "Last Produced"},
-  };
+/// A part of a card: the column of the colour's table, or what stands for a block of it.
+struct CardItem {
+  std::string_view column;
+  std::string caption;
+};
+constexpr std::string_view kRecipe = "recipe";
+constexpr std::string_view kNotes = "Notes";
+
+// In the order of the settings; those that came later are off at first.
+std::vector<CardItem> ItemsOf(ColorKind kind, const std::string& unit = {}) {
+  if (kind == ColorKind::Basic)
+    return {{"Color_Code", "Color Code"},
+            {"Inventory", "Unlotted" + unit},
+            {"Reorder", "Reorder" + unit},
+            {"Inv_Note", "Inventory Note"},
+            {"PurchaseCost", "Purchase Cost"},
+            {"VOC", "VOC"},
+            {"HAP", "HAP"},
+            {"Date_Entered", "Date Entered"},
+            {"LastModified", "Last Modified"},
+            {kNotes, "Notes"},
+            {"LastConsumed", "Last Consumed"}};
+  return {{"Color_Code", "Color Code"},
+          {"Color_Guide", "Formula Guide"},
+          {"AddSetName", "Additive Set"},
+          {"Inventory", "Unlotted" + unit},
+          {"Reorder", "Reorder" + unit},
+          {"Inv_Note", "Inventory Note"},
+          {"PurchaseCost", "Purchase Cost"},
+          {"BasicCost", "Basic Cost"},
+          {"VOC", "VOC"},
+          {"HAP", "HAP"},
+          {"BasicVOC", "VOC from Basics"},
+          {"BasicHAP", "HAP from Basics"},
+          {"Recycle", "Recyclable"},
+          {kRecipe, "Ingredients"},
+          {kNotes, "Notes"},
+          {"Date_Entered", "Date Entered"},
+          {"LastModified", "Last Modified"},
+          {"LastConsumed", "Last Consumed"},
+          {"LastProduced", "Last Produced"}};
+}
+
+bool IsWanted(const Session& session, ColorKind kind, std::string_view item) {
+  const std::vector<CardItem> items = ItemsOf(kind);
+  const auto place = std::ranges::find(items, item, &CardItem::column) - items.begin();
+  return GetSetting(session, CardItemSettings(kind)[static_cast<int>(place)]);
+}
+
+/// The fields of the only row of a table that hold something and are wanted, under captions for people.
+std::vector<SheetField> FieldsOf(const Session& session, ColorKind kind, const ListTable& table) {
   std::vector<SheetField> fields;
   table.read([&](const TableRow& row) {
-    const bool inGuide = !CellText(table.columns.front(), row.Cell(table.Find("Color_Guide").value())).empty();
-    for (const auto& [key, caption] : captions) {
+    const auto add = [&](std::string_view key, const std::string& caption) {
       const auto column = table.Find(key);
-      const std::string_view name = key;
-      if (!column || (!inGuide && (name == "Page" || name == "Row"))) continue;
-      if (std::string text = CellText(table.columns[*column], row.Cell(*column)); !text.empty())
-        fields.push_back({caption, std::move(text)});
+      if (!column) return false;
+      std::string text = CellText(table.columns[*column], row.Cell(*column));
+      if (text.empty()) return false;
+      fields.push_back({caption, std::move(text)});
+      return true;
+    };
+    for (const CardItem& item : ItemsOf(kind, fmt::format(" ({})", UnitName(session.UMI)))) {
+      if (item.column == kRecipe || item.column == kNotes || !IsWanted(session, kind, item.column)) continue;
+      if (add(item.column, item.caption) && item.column == "Color_Guide") {
+        add("Page", "Page");
+        add("Row", "Row");
+      }
     }
     return false;
   });
@@ -70,20 +103,33 @@ std::vector<SheetField> FieldsOf(const Session& session, const ListTable& table)
 
 }  // namespace
 
+std::vector<std::string> CardItems(ColorKind kind) {
+  std::vector<std::string> names;
+  for (CardItem& item : ItemsOf(kind)) names.push_back(std::move(item.caption));
+  return names;
+}
+
+const SettingGroup<bool>& CardItemSettings(ColorKind kind) {
+  return kind == ColorKind::Mix ? setting::MC_PrintItem_ : setting::BC_PrintItem_;
+}
+
 Sheet BasicColorSheet(const Session& session, const BasicColor& color) {
   Sheet sheet{.title = color.Additive ? "Additive" : "Basic Color"};
   sheet.blocks.push_back({.heading = color.Color_Name, .large = true});
-  sheet.blocks.push_back({.fields = FieldsOf(session, BasicColumns(session).Of({color}))});
-  if (!color.Notes.empty()) sheet.blocks.push_back({.heading = "Notes", .lines = {color.Notes}});
+  sheet.blocks.push_back({.fields = FieldsOf(session, ColorKind::Basic, BasicColumns(session).Of({color}))});
+  if (!color.Notes.empty() && IsWanted(session, ColorKind::Basic, kNotes))
+    sheet.blocks.push_back({.heading = "Notes", .lines = {color.Notes}});
   return sheet;
 }
 
 Sheet FormulaSheet(const Session& session, const MixColor& mix) {
   Sheet sheet{.title = "Master Formula"};
   sheet.blocks.push_back({.heading = mix.Color_Name, .large = true});
-  sheet.blocks.push_back({.table = RecipeColumns("Ingredient", "Parts").Total("Total Parts").Of(mix.Ingredients())});
-  sheet.blocks.push_back({.fields = FieldsOf(session, MixColumns(session).Of({mix}))});
-  if (!mix.Notes.empty()) sheet.blocks.push_back({.heading = "Notes", .lines = {mix.Notes}});
+  if (IsWanted(session, ColorKind::Mix, kRecipe))
+    sheet.blocks.push_back({.table = RecipeColumns("Ingredient", "Parts").Total("Total Parts").Of(mix.Ingredients())});
+  sheet.blocks.push_back({.fields = FieldsOf(session, ColorKind::Mix, MixColumns(session).Of({mix}))});
+  if (!mix.Notes.empty() && IsWanted(session, ColorKind::Mix, kNotes))
+    sheet.blocks.push_back({.heading = "Notes", .lines = {mix.Notes}});
   return sheet;
 }
 

@@ -8,11 +8,15 @@
 #include "core/colors/basics.h"
 #include "core/colors/formulas.h"
 #include "core/colors/guide_formulas.h"
+#include "core/session/settings.h"
 
 namespace vellumark {
 
 // What is printed of colours and Additive Sets.
 
+/// What can be left out of a colour's card, by the numbers of the settings that choose.
+std::vector<std::string> CardItems(ColorKind kind);
+const SettingGroup<bool>& CardItemSettings(ColorKind kind);
 /// A colour's card: what is known of it, its recipe, its notes. Costs only for those who may see them.
 Sheet BasicColorSheet(const Session& session, const BasicColor& color);
 Sheet FormulaSheet(const Session& session, const MixColor& mix);

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <memory>
+#include <new>
 #include <numeric>
 
 #include "core/base/number.h"
@@ -63,14 +64,18 @@ std::vector<std::size_t> RowsWith(const BuiltReport& report, std::string_view te
 
 void ReadRows(const ReportContext& context, const ListTable& table, BuiltReport& report) {
   const bool hidesCosts = context.session.Perm_Costs == 0;
-  table.read([&](const TableRow& row) {
+  const auto stop = [&](std::string title, std::string text) {
+    report.cells.resize(report.Rows() * report.columns.size());
+    report.complete = false;
+    report.warningTitle = std::move(title);
+    report.warning = std::move(text);
+  };
+  const auto take = [&](const TableRow& row) {
     // The captions are a row too.
     if ((report.Rows() + 1) * report.columns.size() > kMostReportCells) {
-      report.complete = false;
-      report.warningTitle = "Incomplete Report";
-      report.warning =
-          "The data was about to exceed the maximum number of viewable cels.\n\nThis report was stopped before "
-          "completion.\n\nChoose a smaller date range to improve the creation of the report.";
+      stop("Incomplete Report",
+           "The data was about to exceed the maximum number of viewable cels.\n\nThis report was stopped before "
+           "completion.\n\nChoose a smaller date range to improve the creation of the report.");
       return false;
     }
     for (std::size_t i = 0; i < report.columns.size(); ++i) {
@@ -79,13 +84,23 @@ void ReadRows(const ReportContext& context, const ListTable& table, BuiltReport&
     }
     report.targets.push_back(row.Target());
     return !context.watch.Cancelled();
-  });
-  context.watch.LookAgain();
-  if (context.watch.Cancelled()) {
-    report.complete = false;
-    report.warningTitle = "Incomplete Data";
-    report.warning = "Because you decided to cancel, this data is incomplete.";
+  };
+  // What was read stays, whatever comes.
+  try {
+    table.read(take);
+  } catch (const std::bad_alloc&) {
+    stop("",
+         "This Report is incomplete because your computer is out of memory.\nAdding more RAM memory to your computer "
+         "may "
+         "allow you to run this report.");
+  } catch (const Failure& failure) {
+    stop("Unexpected Error",
+         fmt::format("The following unexpected error occurred:\n\n{}\n\nPlease report this error to "
+                     "Orravane technical support at 000-555-0100.",
+                     failure.what()));
   }
+  context.watch.LookAgain();
+  if (context.watch.Cancelled()) stop("Incomplete Data", "Because you decided to cancel, this data is incomplete.");
   report.count = context.watch.Count().value_or(static_cast<std::int64_t>(report.Rows()));
   for (TableColumn& column : report.columns) {
     if (const auto told = context.watch.Totals().find(column.key); told != context.watch.Totals().end())
@@ -113,10 +128,17 @@ std::string TitleOf(const ReportContext& context) {
   if (const auto by = context.options.find("DateQuery"); by != context.options.end())
     title += by->second == 1 ? " - Date Completed" : " - Date Entered";
   if (const std::string subject = SubjectOf(context); !subject.empty()) title += "  -  " + subject;
+  // Two titles have their dates otherwise than the rest.
+  const bool near = title.ends_with("Date Entered");
+  const bool joined = report.key.starts_with("AllColors");
   if (report.asOf)
     title += fmt::format("  -  As of {}", context.dates.to.DateText());
   else if (!report.dateRangeKey.empty())
-    title += fmt::format("  -  From {} To {}", context.dates.from.DateText(), context.dates.to.DateText());
+    title += fmt::format("{} From {} To {}",
+                         joined ? " -"
+                         : near ? " - "
+                                : "  - ",
+                         context.dates.from.DateText(), context.dates.to.DateText());
   return title;
 }
 

@@ -19,9 +19,10 @@ constexpr std::string_view kOthers = "All others";
 constexpr int kFractionDecimals = 4;
 constexpr int kMonths = 12;
 
+// When the row was; when something was done last tells nothing of what the row counts.
 std::optional<std::size_t> DateColumn(const BuiltReport& report) {
   for (std::size_t i = 0; i < report.columns.size(); ++i)
-    if (report.columns[i].format == Format::Date) return i;
+    if (report.columns[i].format == Format::Date && !report.columns[i].key.starts_with("Last")) return i;
   return std::nullopt;
 }
 
@@ -178,6 +179,17 @@ std::vector<std::size_t> ChartFiguresOf(const BuiltReport& report) {
     if (column.total || share) figures.push_back(i);
   }
   return figures;
+}
+
+std::size_t UsualChartGroup(const std::vector<ChartGroup>& groups) {
+  const auto month = std::ranges::find(groups, ChartGroup::Month);
+  return month == groups.end() ? 0 : static_cast<std::size_t>(month - groups.begin());
+}
+
+std::size_t UsualChartFigure(const BuiltReport& report, const std::vector<std::size_t>& figures) {
+  const auto amount = std::ranges::find_if(
+      figures, [&](std::size_t column) { return report.columns[column].format == Format::Amount; });
+  return amount == figures.end() ? 0 : static_cast<std::size_t>(amount - figures.begin());
 }
 
 ReportChart ChartOf(const BuiltReport& report, ChartGroup group, std::size_t column) {

@@ -34,6 +34,10 @@ struct ReportChart {
 /// The groups that a report has columns for, and the columns that can be drawn. No groups or no columns: no chart.
 std::vector<ChartGroup> ChartGroupsOf(const BuiltReport& report);
 std::vector<std::size_t> ChartFiguresOf(const BuiltReport& report);
+/// What is drawn unless something else is chosen: places in those lists. By month where there are dates, and a quantity
+/// rather than a number of Batches.
+std::size_t UsualChartGroup(const std::vector<ChartGroup>& groups);
+std::size_t UsualChartFigure(const BuiltReport& report, const std::vector<std::size_t>& figures);
 /// Over the rows that are shown. The group and the column are of those above.
 ReportChart ChartOf(const BuiltReport& report, ChartGroup group, std::size_t column);
 

@@ -143,6 +143,13 @@ std::unexpected<Refusal> RefuseSaving(std::string text) {
   return Refuse(std::string(kTitle), std::move(text), "Name");
 }
 
+Result<void> CheckName(const std::string& name) {
+  if (name.empty()) return RefuseSaving("Enter a name for the report.");
+  if (CharCount(name) > kLongestName)
+    return RefuseSaving(fmt::format("The name of a report has at most {} letters.", kLongestName));
+  return {};
+}
+
 }  // namespace
 
 std::vector<SavedReport> ReadSavedReports(const Session& session) {
@@ -164,15 +171,25 @@ std::optional<SavedReport> FindSavedReport(const Session& session, std::string_v
 Result<void> SaveReport(Session& session, const SavedReport& report) {
   SavedReport saved = report;
   saved.name = Trim(report.name);
-  if (saved.name.empty()) return RefuseSaving("Enter a name for the report.");
-  if (CharCount(saved.name) > kLongestName)
-    return RefuseSaving(fmt::format("The name of a report has at most {} letters.", kLongestName));
+  if (auto named = CheckName(saved.name); !named) return named;
   const ReportDefinition* definition = FindReport(saved.key);
   if (definition == nullptr) return RefuseSaving(fmt::format("There is no report {}.", saved.key));
   saved.key = definition->key;
   const auto place = PlaceOf(session, saved.name, true);
   if (!place)
     return RefuseSaving(fmt::format("{} reports are saved. Delete one to make room.", setting::SavedReport.count));
+  StoreSettings(session, {setting::SavedReport[*place].To(ToText(saved))});
+  return {};
+}
+
+Result<void> RenameSavedReport(Session& session, std::string_view name, std::string_view newName) {
+  const auto place = PlaceOf(session, name, false);
+  if (!place) return RefuseSaving(fmt::format("There is no saved report {}.", name));
+  SavedReport saved = FromText(GetSetting(session, setting::SavedReport[*place]));
+  saved.name = Trim(newName);
+  if (auto named = CheckName(saved.name); !named) return named;
+  if (const auto other = PlaceOf(session, saved.name, false); other && *other != *place)
+    return RefuseSaving(fmt::format("{} is saved already.", saved.name));
   StoreSettings(session, {setting::SavedReport[*place].To(ToText(saved))});
   return {};
 }

@@ -29,6 +29,8 @@ std::vector<SavedReport> ReadSavedReports(const Session& session);
 std::optional<SavedReport> FindSavedReport(const Session& session, std::string_view name);
 /// Under its name, in the place of one that has it. Refuses a name that cannot be kept, and the 101st.
 Result<void> SaveReport(Session& session, const SavedReport& report);
+/// Refuses a name that another one has.
+Result<void> RenameSavedReport(Session& session, std::string_view name, std::string_view newName);
 Result<void> DeleteSavedReport(Session& session, std::string_view name);
 
 /// What stands on screen, to be saved: what was asked, and the columns, widths, order and filter of what was built.

@@ -56,6 +56,8 @@ class BatchForm : public Window, private WeighBench {
   void cmdPrintLabel_Click();
   void cmdWeigh_Click();
   void cmdDispense_Click();
+  /// The reports about Batches.
+  void cmdPrintMultiple_Click();
 
  protected:
   bool eventFilter(QObject* watched, QEvent* event) override;

@@ -163,12 +163,14 @@ QWidget* BatchForm::BuildButtons(Form& form) {
   print_ = form.Button("cmdPrint", tr("Print"));
   label_ = form.Button("cmdPrintLabel", tr("Labels"), Qt::CTRL | Qt::Key_L);
   label_->setToolTip(tr("A label for each container of this Batch, or of the one saved last"));
+  CommandButton* multiple = form.Button("cmdPrintMultiple", tr("Print list"));
+  multiple->setEnabled(windows.Knows("ReportsForm"));
   printRecList_ = findChild<CommandButton*>("cmdPrintRecList");
   auto* box = new QWidget;
   auto* flow = new FlowLayout(box);
   flow->setContentsMargins(0, space::kUnit, 0, 0);
   for (QWidget* part : std::initializer_list<QWidget*>{complete_, save_, hold_, cancel_, weigh_, dispense_, next_, previous_,
-                                                       print_, label_, recent_, settings_, delete_})
+                                                       print_, label_, multiple, recent_, settings_, delete_})
     flow->addWidget(part);
   QSizePolicy policy = box->sizePolicy();
   policy.setHeightForWidth(true);

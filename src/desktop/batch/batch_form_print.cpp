@@ -26,6 +26,10 @@ void BatchForm::cmdPrintRecList_Click() {
   if (Took(list)) PrintSheet(windows, *list);
 }
 
+void BatchForm::cmdPrintMultiple_Click() {
+  windows.OpenForm("ReportsForm", {{"Pane", "lstBatchReports"}});
+}
+
 void BatchForm::PrintChange(const Overpour& poured) {
   if (poured.printDetail && CanPrint(windows)) PrintSheet(windows, ChangeSheet(record_, poured.changes));
 }

@@ -4,7 +4,6 @@
 
 #include "core/base/text.h"
 #include "core/colors/attachments.h"
-#include "core/colors/color_sheets.h"
 #include "core/colors/name_search.h"
 #include "core/colors/rollup.h"
 #include "core/inventory/color_stock.h"
@@ -12,6 +11,7 @@
 #include "desktop/colors/figure_fields.h"
 #include "desktop/colors/measurements_panel.h"
 #include "desktop/colors/name_entry.h"
+#include "desktop/colors/print_card.h"
 #include "desktop/colors/swatch_fields.h"
 #include "desktop/inventory/inventory_panel.h"
 #include "desktop/kit/discard.h"
@@ -40,7 +40,8 @@ BasicColorsForm::BasicColorsForm(WindowList& windowList)
   low_ = form.Link("ImgInvLow", tr("Low inventory"));
   low_->setIcon(Icon("low-stock"));
   low_->hide();
-  form.Row(tr("&Name"), {name_, ink_, state_ = form.Hint({}, "lblState"), low_});
+  multiple_ = form.Link("cmdPrintMultiple", tr("Reports"));
+  form.Row(tr("&Name"), {name_, ink_, state_ = form.Hint({}, "lblState"), low_, multiple_});
   TabSet tabs = form.Tabs("TabBasic");
   BuildColorPage(tabs.Page(tr("Color"), "TabColor"));
   inventory_ = new InventoryPanel(*this, tabs);
@@ -110,6 +111,7 @@ void BasicColorsForm::UpdateEnabled() {
   whereUsed_->setEnabled(stored);
   print_->setEnabled(stored && CanPrint(windows));
   label_->setEnabled(stored && CanPrintLabels(windows));
+  multiple_->setEnabled(windows.Knows("ReportsForm"));
   low_->setVisible(stored && isLow_);
   state_->setText(!work_ ? QString() : work_->key == 0 ? tr("New") : InEdit() ? tr("Changed") : QString());
 }
@@ -328,8 +330,12 @@ void BasicColorsForm::cmdWhereUsed_Click() {
   windows.RunDialog("WhereUsedForm", {{"Color_Name", work_->Color_Name}, {"Kind", ColorKind::Basic}});
 }
 
+void BasicColorsForm::cmdPrintMultiple_Click() {
+  windows.OpenForm("ReportsForm", {{"Pane", "lstColorReports"}});
+}
+
 void BasicColorsForm::cmdPrint_Click() {
-  PrintSheet(windows, BasicColorSheet(session, ReadBasic(session, work_->Color_Name).value()));
+  PrintCard(windows, ColorKind::Basic, work_->Color_Name);
 }
 
 void BasicColorsForm::cmdPrintLabel_Click() {

@@ -42,6 +42,8 @@ class BasicColorsForm : public Window {
   void cmdWhereUsed_Click();
   void cmdPrint_Click() override;
   void cmdPrintLabel_Click();
+  /// The reports about colours.
+  void cmdPrintMultiple_Click();
   void ImgInvLow_Click();
 
  private:
@@ -89,6 +91,7 @@ class BasicColorsForm : public Window {
   CommandButton* rename_;
   CommandButton* print_ = nullptr;
   CommandButton* label_ = nullptr;
+  CommandButton* multiple_ = nullptr;
   CommandButton* whereUsed_;
   bool isLow_ = false;
 };

@@ -4,7 +4,6 @@
 #include <QTabWidget>
 
 #include "core/colors/attachments.h"
-#include "core/colors/color_sheets.h"
 #include "core/colors/guide_formulas.h"
 #include "core/inventory/color_stock.h"
 #include "core/labels/label_subjects.h"
@@ -15,10 +14,10 @@
 #include "desktop/colors/mix_details_panel.h"
 #include "desktop/colors/mix_notes_panel.h"
 #include "desktop/colors/new_additive_set_panel.h"
+#include "desktop/colors/print_card.h"
 #include "desktop/inventory/inventory_panel.h"
 #include "desktop/kit/discard.h"
 #include "desktop/kit/print_label.h"
-#include "desktop/kit/print_sheet.h"
 #include "desktop/kit/record_fields.h"
 #include "desktop/kit/text.h"
 
@@ -162,8 +161,12 @@ void MixColorsForm::cmdWhereUsed_Click() {
   windows.RunDialog("WhereUsedForm", {{"Color_Name", work_->Color_Name}, {"Kind", ColorKind::Mix}});
 }
 
+void MixColorsForm::cmdPrintMultiple_Click() {
+  windows.OpenForm("ReportsForm", {{"Pane", "lstColorReports"}});
+}
+
 void MixColorsForm::cmdPrint_Click() {
-  PrintSheet(windows, FormulaSheet(session, ReadMix(session, work_->Color_Name).value()));
+  PrintCard(windows, ColorKind::Mix, work_->Color_Name);
 }
 
 void MixColorsForm::cmdPrintLabel_Click() {

@@ -72,7 +72,8 @@ void MixColorsForm::BuildHead(Form& form) {
   state_ = form.Hint({}, "lblState");
   hasNotes_ = form.Hint(tr("(Formula Has Notes)"), "lblHasNotes");
   hasNotes_->hide();
-  form.Row(tr("&Name"), {name_, ink_, state_, low_, hasNotes_});
+  multiple_ = form.Link("cmdPrintMultiple", tr("Reports"));
+  form.Row(tr("&Name"), {name_, ink_, state_, low_, hasNotes_, multiple_});
 }
 
 void MixColorsForm::BuildFormulaPage(Form page) {
@@ -181,6 +182,7 @@ void MixColorsForm::UpdateEnabled() {
   whereUsed_->setEnabled(stored);
   print_->setEnabled(stored && CanPrint(windows));
   label_->setEnabled(stored && CanPrintLabels(windows));
+  multiple_->setEnabled(windows.Knows("ReportsForm"));
   duplicate_->setEnabled(stored && windows.Knows("DuplicateFormulaForm"));
   low_->setVisible(stored && details_->IsBelowReorder());
   hasNotes_->setVisible(work_ && notes_->HasNotes());

@@ -53,6 +53,8 @@ class MixColorsForm : public Window {
   void cmdWhereUsed_Click();
   void cmdPrint_Click() override;
   void cmdPrintLabel_Click();
+  /// The reports about colours.
+  void cmdPrintMultiple_Click();
   void ImgInvLow_Click();
 
  private:
@@ -119,6 +121,7 @@ class MixColorsForm : public Window {
   CommandButton* duplicate_ = nullptr;
   CommandButton* print_ = nullptr;
   CommandButton* label_ = nullptr;
+  CommandButton* multiple_ = nullptr;
   CommandButton* whereUsed_ = nullptr;
   CommandButton* delete_ = nullptr;
   bool isModified_ = false;  ///< differs from the published formula

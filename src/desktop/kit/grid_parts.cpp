@@ -1,6 +1,7 @@
 #include "desktop/kit/grid_parts.h"
 
 #include <QKeyEvent>
+#include <QLocale>
 #include <QPainter>
 
 #include "desktop/kit/fields.h"
@@ -14,6 +15,7 @@ namespace {
 constexpr int kSwatch = 16;
 constexpr int kMark = 16;
 constexpr int kArrow = 8;
+constexpr const char* kBefore = "before";  // what stood in an editor at first
 
 void PaintArrow(QPainter& painter, const QRect& rect, bool descending, const QColor& color) {
   const QPointF center = rect.center();
@@ -125,14 +127,27 @@ QWidget* GridDelegate::createEditor(QWidget* parent, const QStyleOptionViewItem&
   return editor;
 }
 
+// Figures are typed without the marks between their thousands.
 void GridDelegate::setEditorData(QWidget* editor, const QModelIndex& index) const {
   auto* field = qobject_cast<TextField*>(editor);
-  field->SetText(U8(index.data(Qt::EditRole).toString()));
+  QString text = index.data(Qt::EditRole).toString();
+  if (IsNumber(index)) text.remove(QLocale().groupSeparator());
+  field->SetText(U8(text));
+  field->setProperty(kBefore, text);
   field->selectAll();
 }
 
 void GridDelegate::setModelData(QWidget* editor, QAbstractItemModel* model, const QModelIndex& index) const {
-  model->setData(index, qobject_cast<TextField*>(editor)->text(), Qt::EditRole);
+  QString text = qobject_cast<TextField*>(editor)->text();
+  if (text == editor->property(kBefore).toString()) return;
+  // The core reads a point.
+  if (IsNumber(index)) text.replace(QLocale().decimalPoint(), ".");
+  model->setData(index, text, Qt::EditRole);
+}
+
+bool GridDelegate::IsNumber(const QModelIndex& index) const {
+  const GridColumn& column = grid_.Columns().at(static_cast<std::size_t>(index.column()));
+  return column.sort == GridColumn::Sort::Number && column.right;
 }
 
 void GridDelegate::updateEditorGeometry(QWidget* editor, const QStyleOptionViewItem& option, const QModelIndex&) const {

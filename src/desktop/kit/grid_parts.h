@@ -40,6 +40,8 @@ class GridDelegate : public QStyledItemDelegate {
   bool eventFilter(QObject* editor, QEvent* event) override;
 
  private:
+  bool IsNumber(const QModelIndex& index) const;
+
   Grid& grid_;
 };
 

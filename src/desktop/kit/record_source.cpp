@@ -1,7 +1,9 @@
 #include "desktop/kit/record_source.h"
 
 #include <QCoreApplication>
+#include <QLocale>
 
+#include "core/base/number.h"
 #include "desktop/kit/grid.h"
 #include "desktop/kit/record_fields.h"
 #include "desktop/kit/text.h"
@@ -9,10 +11,18 @@
 namespace vellumark::desktop {
 namespace {
 
+constexpr int kPercentDecimals = 2;
 constexpr std::size_t kMinutesEnd = 16;  // of "2026-05-01 10:00:00"
 
 bool IsDate(Format format) {
   return format == Format::Date || format == Format::Moment || format == Format::When;
+}
+
+// Grouped and pointed as the locale has it.
+std::string FigureText(const TableColumn& column, double number) {
+  if (column.format == Format::Percent)
+    return U8(QLocale().toString(RoundTo(number * 100, kPercentDecimals), 'f', kPercentDecimals) + "%");
+  return U8(QLocale().toString(RoundTo(number, column.decimals), 'f', column.decimals));
 }
 
 }  // namespace
@@ -31,7 +41,14 @@ GridColumn ColumnOf(const TableColumn& column) {
 std::string CellTextInWindow(const TableColumn& column, const TableValue& value) {
   const auto* date = std::get_if<DateTime>(&value);
   if (date == nullptr && IsDate(column.format)) return U8(DateText(std::nullopt));
-  if (date == nullptr) return CellText(column, value);
+  if (date == nullptr) {
+    const bool figure =
+        column.format == Format::Amount || column.format == Format::Money || column.format == Format::Percent;
+    // The shortest decimal of a Single is not that of its double.
+    const auto* single = std::get_if<float>(&value);
+    const double number = single != nullptr ? RoundTo(*single, column.decimals) : CellNumber(value);
+    return figure && !std::isnan(number) ? FigureText(column, number) : CellText(column, value);
+  }
   if (column.format == Format::Date) return U8(DateText(*date));
   if (column.format == Format::Moment) return date->ToText().substr(0, kMinutesEnd);
   return U8(MomentText(*date));

@@ -13,7 +13,7 @@ namespace vellumark::desktop {
 
 /// A column of a grid as a table of the core tells it: its heading in windows, its width, what it is sorted by.
 GridColumn ColumnOf(const TableColumn& column);
-/// A cell as a window shows it: a date as the locale writes it, all else as people read it everywhere.
+/// A cell as a window shows it: dates and figures as the locale writes them, all else as people read it everywhere.
 std::string CellTextInWindow(const TableColumn& column, const TableValue& value);
 /// What a cell is sorted by; kNoNumber of one that is sorted by its text, or is empty.
 double CellNumber(const TableValue& value);

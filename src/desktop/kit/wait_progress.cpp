@@ -13,8 +13,8 @@
 namespace vellumark::desktop {
 namespace {
 
-constexpr int kShowAfter = 300;  // ms
-constexpr int kPumpEvery = 40;   // ms: fluent, and no load on the work
+constexpr int kShowAfter = 80;  // ms: what takes 100 shows a bar
+constexpr int kPumpEvery = 40;  // ms: fluent, and no load on the work
 constexpr int kWidth = 360;
 
 QString NameOf(WaitKind kind) {

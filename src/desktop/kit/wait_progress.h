@@ -38,7 +38,7 @@ class WaitWindow : public QDialog {
 };
 
 /// How the core shows long work on the desktop. A window comes up, in front of everything and shutting the rest off,
-/// once the work has lasted 300 ms; from then on it lets the program paint and hear the Cancel button at each report.
+/// once the work has lasted 80 ms; from then on it lets the program paint and hear the Cancel button at each report.
 class WaitProgress final : public Progress {
  public:
   ~WaitProgress() override;

@@ -10,6 +10,7 @@
 #include "desktop/kit/icons.h"
 #include "desktop/kit/look.h"
 #include "desktop/kit/print_sheet.h"
+#include "desktop/kit/record_source.h"
 #include "desktop/kit/text.h"
 #include "desktop/reports/open_row.h"
 #include "desktop/reports/report_source.h"
@@ -113,10 +114,10 @@ class FindForm::Source : public GridSource {
   int Rows() const override { return static_cast<int>(targets_.size()); }
   std::string Text(int row, int column) const override {
     const auto place = static_cast<std::size_t>(column);
-    return ShownCell(table_.columns[place], At(static_cast<std::size_t>(row), place));
+    return CellTextInWindow(table_.columns[place], At(static_cast<std::size_t>(row), place));
   }
   double Number(int row, int column) const override {
-    return SortNumber(At(static_cast<std::size_t>(row), static_cast<std::size_t>(column)));
+    return CellNumber(At(static_cast<std::size_t>(row), static_cast<std::size_t>(column)));
   }
 
  private:

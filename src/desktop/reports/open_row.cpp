@@ -58,7 +58,7 @@ void OpenRow(WindowList& windows, const RowTarget& target) {
     case Kind::Design:
       return OpenKnown(windows, "JobDesigns", {{"DesignID", target.name}});
     case Kind::Database:
-      if (session.FindDatabase(target.name) == nullptr) {
+      if (session.FindDatabase(target.database) == nullptr) {
         windows.session.prompt.Tell("No Information Found",
                                     "There was no more information found for this database. This Database may have "
                                     "been deleted.");

@@ -42,6 +42,7 @@ PrintBoxForm::PrintBoxForm(WindowList& windowList, QWidget* owner, PrintDevices 
   TabSet tabs = Form(*this, *choices).Tabs("TabPrint");
   BuildPrinter(tabs.Page(tr("Printer"), "TabPrinter"));
   BuildPage(tabs.Page(tr("Page"), "TabPage"));
+  tabs_ = tabs;
   BuildPreview(Form(*this, *pages));
   form.Wide(middle, 1);
   form.Buttons({print_ = form.Button("cmdPrint", tr("&Print")), form.Button("cmdPDF", tr("Save as P&DF")),
@@ -124,6 +125,23 @@ void PrintBoxForm::BuildPage(Form form) {
   form.Stretch();
 }
 
+void PrintBoxForm::BuildItems(Form form) {
+  CheckListField* list = form.CheckList("lstItems");
+  list->setAccessibleName(tr("What is printed"));
+  list->DoNotTrack();
+  QStringList names;
+  for (const std::string& name : items_.names) names += Q(name);
+  list->SetItems(names);
+  for (int i = 0; i < list->count(); ++i) list->SetChecked(i, items_.isOn(static_cast<std::size_t>(i)));
+  form.Wide(list, 1);
+  connect(list, &QListWidget::itemChanged, this, [this, list](QListWidgetItem* item) {
+    const int place = list->row(item);
+    items_.set(static_cast<std::size_t>(place), list->IsChecked(place));
+    sheet_ = items_.make();
+    Refresh();
+  });
+}
+
 void PrintBoxForm::BuildPreview(Form form) {
   back_ = form.Button("cmdPreviousPage", tr("Previous"), Qt::Key_PageUp);
   forth_ = form.Button("cmdNextPage", tr("Next"), Qt::Key_PageDown);
@@ -142,6 +160,10 @@ void PrintBoxForm::BuildPreview(Form form) {
 
 void PrintBoxForm::OnOpen(const Arguments& arguments) {
   if (arguments.Has("Sheet")) sheet_ = arguments.Get<Sheet>("Sheet");
+  if (arguments.Has("Items")) {
+    items_ = arguments.Get<PrintItems>("Items");
+    BuildItems(tabs_->Page(tr("Contents"), "TabContents"));
+  }
   setWindowTitle(tr("Print Control - %1").arg(Q(sheet_.title)));
   ready_ = true;
   Refresh();

@@ -1,10 +1,12 @@
 #pragma once
 
 #include <functional>
+#include <optional>
 #include <utility>
 #include <vector>
 
 #include "core/base/sheet.h"
+#include "desktop/kit/print_items.h"
 #include "desktop/kit/window.h"
 #include "desktop/reports/print_devices.h"
 #include "paper/pdf.h"
@@ -13,7 +15,8 @@ namespace vellumark::desktop {
 
 class PagePreview;
 
-/// Print Control: which printer, how the pages are to be, and what they look like. Opened with {"Sheet", Sheet}.
+/// Print Control: which printer, how the pages are to be, and what they look like. Opened with {"Sheet", Sheet}
+/// and, where parts of it can be left out, {"Items", PrintItems}.
 class PrintBoxForm : public Dialog {
   Q_OBJECT
 
@@ -33,6 +36,7 @@ class PrintBoxForm : public Dialog {
   void BuildPrinter(Form form);
   void BuildPage(Form form);
   void BuildPreview(Form form);
+  void BuildItems(Form form);
   /// Another choice: the pages anew.
   void Refresh();
   void ShowPlace();
@@ -44,6 +48,8 @@ class PrintBoxForm : public Dialog {
 
   PrintDevices devices_;
   Sheet sheet_;
+  PrintItems items_;
+  std::optional<TabSet> tabs_;
   paper::PageOptions options_;
   bool ready_ = false;
 

@@ -7,6 +7,8 @@
 #include "desktop/reports/print_box_form.h"
 #include "desktop/reports/report_export_form.h"
 #include "desktop/reports/report_form.h"
+#include "desktop/reports/report_name_form.h"
+#include "desktop/reports/report_notes_form.h"
 #include "desktop/reports/reports_form.h"
 #include "desktop/reports/view_record_form.h"
 
@@ -20,9 +22,13 @@ void RegisterReportsWindows(WindowList& windows, const PrintDevices& devices) {
     return new ReportExportForm(list, owner, choose);
   });
   windows.RegisterDialog<ViewRecordForm>("ViewRecordForm");
+  windows.RegisterDialog<ReportNameForm>("ReportNameForm");
+  windows.RegisterDialog<ReportNotesForm>("ReportNotesForm");
   windows.Register<ReportsForm>("ReportsForm");
   for (const ReportDefinition& report : ReportCatalogue())
-    windows.Register(report.window, [&report](WindowList& list) -> Window* { return new ReportForm(list, report); });
+    windows.Register(report.window, [&report, choose = devices.chooseFile](WindowList& list) -> Window* {
+      return new ReportForm(list, report, choose);
+    });
   windows.Register<FindMenu>("FindMenu");
   using Pair = std::pair<const char*, FindSubject>;
   for (const auto& [name, subject] :

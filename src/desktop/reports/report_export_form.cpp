@@ -2,6 +2,7 @@
 
 #include <QDir>
 #include <QFileInfo>
+#include <array>
 
 #include "core/reports/build.h"
 #include "core/reports/export.h"
@@ -30,15 +31,16 @@ ReportExportForm::ReportExportForm(WindowList& windowList, QWidget* owner, FileC
                                                             {"OptSpreadsheet", tr("&Spreadsheet (.xlsx)")}}));
   file.Stretch();
   Form options = tabs.Page(tr("O&ptions"), "TabOptions");
-  options.Row(tr("Include"), {headings_ = options.Check("chkHeadings", tr("&Headings")),
-                              data_ = options.Check("chkData", tr("&Data")),
-                              totals_ = options.Check("chkTotals", tr("Tota&ls"))});
+  options.Row(tr("Include"),
+              {headings_ = options.Check("chkHeadings", tr("&Headings")), data_ = options.Check("chkData", tr("&Data")),
+               totals_ = options.Check("chkTotals", tr("Tota&ls"))});
   options.Row(tr("Column order"), order_ = options.Radio("OptOrder", {{"OptDefault", tr("&Vellumark Default")},
                                                                       {"OptUser", tr("&User defined")}}));
   columns_ = options.CheckList("lstOrder");
   columns_->setAccessibleName(tr("Columns in their order"));
   options.Wide(columns_, 1);
   ButtonLine(options, {options.Button("cmdUp", tr("Move &up")), options.Button("cmdDown", tr("Move do&wn"))});
+  BuildHelp(tabs.Page(tr("How to open an Export File with Microsoft Excel"), "TabHelp"));
   QuietParagraph(form, tr("Settings are saved automatically. Options are unique to every report."));
   form.Buttons({form.Button("cmdSave", tr("Save")), form.Button("cmdCancel", tr("Cancel"))});
   folder_->setMinimumWidth(360);
@@ -63,6 +65,21 @@ void ReportExportForm::OnOpen(const Arguments& arguments) {
   ShowOrder();
   name_->selectAll();
   name_->setFocus();
+}
+
+void ReportExportForm::BuildHelp(Form form) {
+  const std::array<std::pair<QString, QString>, 3> methods{
+      std::pair{tr("Method 1"), tr("Choose the format Spreadsheet (.xlsx) and open the file with a double click.")},
+      {tr("Method 2"),
+       tr("Start Excel, choose Open, let it show all files, choose the text file and press Finish in the "
+          "Text Import Wizard: the columns are parted by tabs.")},
+      {tr("Method 3"), tr("Open the text file with a text editor, select all of it, copy, and paste into an empty "
+                          "sheet.")}};
+  for (const auto& [title, text] : methods) {
+    form.Heading(title);
+    Paragraph(form, text);
+  }
+  form.Stretch();
 }
 
 // The kept order first; columns that it does not name stand behind it, left out.
@@ -113,7 +130,8 @@ ExportOptions ReportExportForm::Options() const {
 void ReportExportForm::cmdSave_Click() {
   WithFiles(*this, tr("File Export"), [&] {
     const ExportOptions options = Options();
-    const auto path = ExportPath(session, U8(QDir::fromNativeSeparators(folder_->text())), name_->Text(), options.format);
+    const auto path =
+        ExportPath(session, U8(QDir::fromNativeSeparators(folder_->text())), name_->Text(), options.format);
     if (!FormHost::Accepted(path)) return;
     {
       const auto wait = Wait(WaitKind::WaitingForm, tr("Exporting Report ..."));

@@ -29,6 +29,7 @@ class ReportExportForm : public Dialog {
 
  private:
   ExportOptions Options() const;
+  static void BuildHelp(Form form);
   void ShowOrder();
   void Move(int by);
 

@@ -7,10 +7,14 @@
 
 #include "core/base/text.h"
 #include "core/colors/rollup.h"
+#include "core/reports/detail.h"
 #include "core/reports/report_settings.h"
 #include "desktop/kit/print_sheet.h"
+#include "desktop/kit/record_source.h"
 #include "desktop/kit/text.h"
+#include "desktop/reports/chart_panel.h"
 #include "desktop/reports/open_row.h"
+#include "desktop/reports/report_name_form.h"
 #include "desktop/reports/report_source.h"
 
 namespace vellumark::desktop {
@@ -36,6 +40,7 @@ bool Tells(const ReportDefinition& report, const Change& change) {
 }  // namespace
 
 void ReportForm::OnOpen(const Arguments& arguments) {
+  if (arguments.Has("Saved")) return OpenSaved(arguments.Text("Saved"));
   bool told = false;
   const char* name = definition_.subject == ReportSubject::Job      ? "JobNumber"
                      : definition_.subject == ReportSubject::Design ? "DesignID"
@@ -53,6 +58,7 @@ void ReportForm::OnOpen(const Arguments& arguments) {
     range_->setCurrentIndex(kCustomRange);
     told = told || !HasSubject();
   }
+  told = told || arguments.Has("Run");
   if (told) QMetaObject::invokeMethod(this, &ReportForm::cmdFind_Click, Qt::QueuedConnection);
 }
 
@@ -62,18 +68,11 @@ std::string ReportForm::Subject() const {
   return name != nullptr ? name->Name() : Trim(subject_->Text());
 }
 
-void ReportForm::ChooseRange(int place) {
-  const DateRange dates = RangeOf(place, session.DataFileDB ? ReportToday(session) : session.clock.Today());
-  quiet_ = true;
-  range_->setCurrentIndex(place);
-  from_->SetDate(dates.from);
-  to_->SetDate(dates.to);
-  quiet_ = false;
-}
-
 ReportRequest ReportForm::Request() const {
   ReportRequest request{.kind = kind_};
-  if (range_ != nullptr && range_->currentIndex() != kCustomRange) {
+  if (const NamedRange* kept = KeptRange()) {
+    request.rangeName = kept->name;
+  } else if (range_ != nullptr && range_->currentIndex() != kCustomRange) {
     request.range = range_->currentIndex();
   } else if (range_ != nullptr) {
     request.range = kCustomRange;
@@ -150,13 +149,14 @@ void ReportForm::ChooseAllColumns(bool shown) {
 void ReportForm::cmdFind_Click() {
   if (running_) return;
   if (range_ != nullptr && range_->currentIndex() != kCustomRange) {
-    SaveDateRange(session, definition_, range_->currentIndex());
+    if (KeptRange() == nullptr) SaveDateRange(session, definition_, range_->currentIndex());
     ChooseRange(range_->currentIndex());
   }
-  if (Run() && !report_->complete) session.prompt.Tell(report_->warningTitle, report_->warning);
+  if (Run(tr("Building Report ...")) && !report_->complete)
+    session.prompt.Tell(report_->warningTitle, report_->warning);
 }
 
-bool ReportForm::Run() {
+bool ReportForm::Run(const QString& text) {
   running_ = true;
   ReportWatch watch(session.progress);
   RunPendingPassesOrTell(session);
@@ -180,7 +180,7 @@ bool ReportForm::Run() {
   QElapsedTimer time;
   time.start();
   BuiltReport built = [&] {
-    const auto wait = Wait(WaitKind::WaitingForm, tr("Building Report ..."));
+    const auto wait = Wait(WaitKind::WaitingForm, text);
     return BuildReport(*context);
   }();
   lasted_ = time.elapsed();
@@ -191,16 +191,30 @@ bool ReportForm::Run() {
 }
 
 void ReportForm::Show(BuiltReport built) {
+  ArrangeAsSaved(built);
   report_ = std::make_shared<BuiltReport>(std::move(built));
   report_->order.clear();
+  // The rows of the grid are those of the report before until all is done.
+  settling_ = true;
   SetColumns(report_->columns, report_->shown);
   source_->Show(report_);
   grid_->SetEmptyText(tr("Nothing was found"));
   grid_->Refresh();
+  settling_ = false;
   title_->setText(Q(report_->FullTitle()).replace("&&", "&"));
   count_->setText(QString("%1 %2").arg(QLocale().toString(static_cast<qlonglong>(report_->count)), Q(report_->noun)));
   ShowTotals();
   Changed();
+}
+
+ReportSort ReportForm::ShownSort() const {
+  const GridSort& sort = grid_->Sort();
+  ReportSort shown{.column = static_cast<std::size_t>(std::max(sort.column, 0)), .descending = sort.descending};
+  if (sort.second >= 0) {
+    shown.second = static_cast<std::size_t>(sort.second);
+    shown.secondDescending = sort.secondDescending;
+  }
+  return shown;
 }
 
 void ReportForm::TakeArrangement() {
@@ -211,9 +225,13 @@ void ReportForm::TakeArrangement() {
     report_->shown.push_back(static_cast<std::size_t>(column));
     report_->columns[static_cast<std::size_t>(column)].width = grid_->ColumnWidth(column) * kTwipsPerPixel;
   }
+  report_->sort = ShownSort();
+  report_->filter = U8(filter_->text());
 }
 
 void ReportForm::ShowTotals() {
+  if (settling_) return;
+  ShowChart();
   if (!report_ || report_->totals.empty()) {
     grid_->SetTotals({});
     return;
@@ -221,7 +239,9 @@ void ReportForm::ShowTotals() {
   TakeArrangement();
   const std::vector<TableValue> sums = report_->Totals();
   std::vector<std::string> texts;
-  for (std::size_t i = 0; i < sums.size(); ++i) texts.push_back(ShownCell(report_->columns[i], sums[i]));
+  for (std::size_t i = 0; i < sums.size(); ++i)
+    texts.push_back(std::holds_alternative<std::monostate>(sums[i]) ? std::string()
+                                                                    : CellTextInWindow(report_->columns[i], sums[i]));
   if (!texts.empty() && texts.front().empty()) texts.front() = report_->totals;
   grid_->SetTotals(std::move(texts));
 }
@@ -231,6 +251,7 @@ void ReportForm::cmdClear_Click() {
   source_->Show(nullptr);
   grid_->Refresh();
   grid_->SetTotals({});
+  ShowChart();
   if (subject_ != nullptr) subject_->SetText("");
   kind_.reset();
   title_->setText(" " + Q(definition_.name).replace("&&", "&"));
@@ -240,17 +261,16 @@ void ReportForm::cmdClear_Click() {
 }
 
 void ReportForm::UpdateEnabled() {
+  if (print_ == nullptr) return;  // it is being built
   const bool filled = report_ && report_->Rows() > 0;
   print_->setEnabled(filled && CanPrint(windows));
   export_->setEnabled(filled && windows.Knows("ReportExportForm"));
-}
-
-void ReportForm::cmdPrint_Click() {
-  TakeArrangement();
-  Sheet sheet = Sheet::Of(report_->title, report_->Table());
-  sheet.incomplete = !report_->complete;
-  for (const std::size_t column : report_->shown) sheet.blocks.back().widths.push_back(report_->columns[column].width);
-  PrintSheet(windows, sheet);
+  save_->setEnabled(filled && windows.Knows("ReportNameForm"));
+  chart_->setEnabled(filled || !chartPanel_->isHidden());
+  if (keepRange_ == nullptr) return;
+  const bool kept = KeptRange() != nullptr;
+  keepRange_->setText(kept ? tr("Forget these dates") : tr("Keep these dates"));
+  keepRange_->setVisible(kept || range_->currentIndex() == kCustomRange);
 }
 
 void ReportForm::cmdExport_Click() {
@@ -261,7 +281,8 @@ void ReportForm::cmdExport_Click() {
 
 bool ReportForm::MayClose() {
   if (running_) return false;
-  SaveArrangement();
+  // One that is saved leaves the report itself as it was.
+  if (!saved_) SaveArrangement();
   return true;
 }
 
@@ -270,12 +291,7 @@ void ReportForm::SaveArrangement() {
   for (const int column : grid_->ShownColumns()) shown.push_back(static_cast<std::size_t>(column));
   if (shown != ReadShownColumns(session, definition_, shownColumns_))
     SaveShownColumns(session, definition_, shownColumns_, shown);
-  const GridSort& sort = grid_->Sort();
-  ReportSort kept{.column = static_cast<std::size_t>(std::max(sort.column, 0)), .descending = sort.descending};
-  if (sort.second >= 0) {
-    kept.second = static_cast<std::size_t>(sort.second);
-    kept.secondDescending = sort.secondDescending;
-  }
+  const ReportSort kept = ShownSort();
   if (kept != ReadReportSort(session, definition_, shownColumns_.size())) SaveReportSort(session, definition_, kept);
   std::vector<TableColumn> columns = shownColumns_;
   bool widened = false;
@@ -296,10 +312,25 @@ void ReportForm::OpenClicked(int row, int column) {
   const auto cell = CellAt(row, column);
   if (!cell) return;
   if (definition_.edits) {
-    if (cell->report.columns[cell->column].key == "Recycle") ToggleOrTell();
+    const TableColumn& of = cell->report.columns[cell->column];
+    if (of.key == "Recycle" || of.format == Format::Notes) ToggleOrTell();
     return;  // a double click opens
   }
-  OpenRow(windows, report_->targets.at(cell->row));
+  OpenOf(cell->row);
+}
+
+void ReportForm::OpenOf(std::size_t row) {
+  const auto detail = DetailOf(session, definition_, *report_, row, Subject(), kind_);
+  if (!detail) return ShowRefusal(detail.error());
+  if (!*detail) return OpenRow(windows, report_->targets.at(row));
+  Arguments arguments;
+  if (const std::string& color = (*detail)->color; !color.empty()) arguments.Set("Color_Name", color);
+  if ((*detail)->kind) arguments.Set("Kind", *(*detail)->kind);
+  if (from_ != nullptr && from_->Date() && to_->Date())
+    arguments.Set("From", *from_->Date()).Set("To", *to_->Date());
+  else
+    arguments.Set("Run", true);
+  windows.OpenForm((*detail)->report->window, arguments);
 }
 
 std::optional<ReportCell> ReportForm::CellAt(int row, int column) const {
@@ -314,16 +345,26 @@ Result<void> ReportForm::TakeEdit(int row, int column, const std::string& typed)
   return EditReportCell(session, *cell, typed);
 }
 
-// F2 and a click on Yes and No.
+// F2, and a click on Yes and No and on notes.
 void ReportForm::ToggleOrTell() {
   const QModelIndex index = grid_->View().currentIndex();
   const auto cell = index.isValid() ? CellAt(grid_->CurrentRow(), index.column()) : std::nullopt;
   if (!cell) return;
   if (const auto may = RequireEditable(session, *cell); !may) return ShowRefusal(may.error());
+  if (cell->report.columns[cell->column].format == Format::Notes) return EditNotes(*cell);
   if (cell->report.columns[cell->column].key != "Recycle") return grid_->View().edit(index);
   const bool yes = CellText(cell->report.columns[cell->column], cell->report.Cell(cell->row, cell->column)) == "Yes";
   static_cast<void>(
       Accepted(TakeEdit(static_cast<int>(cell->row), static_cast<int>(cell->column), yes ? "no" : "yes")));
+}
+
+void ReportForm::EditNotes(const ReportCell& cell) {
+  const auto* notes = std::get_if<std::string>(&cell.report.Cell(cell.row, cell.column));
+  const KeepText keep = [this, row = static_cast<int>(cell.row), column = static_cast<int>(cell.column)](
+                            const std::string& text) { return TakeEdit(row, column, text); };
+  windows.RunDialog("ReportNotesForm", {{"Title", U8(tr("Notes of %1").arg(Q(cell.report.targets.at(cell.row).name)))},
+                                        {"Notes", notes == nullptr ? std::string() : *notes},
+                                        {"Keep", keep}});
 }
 
 // ---- What others change
@@ -334,6 +375,7 @@ bool ReportForm::IsTyping() const {
 }
 
 void ReportForm::OnChanges(const std::vector<Change>& changes) {
+  if (std::ranges::any_of(changes, [](const Change& one) { return one.kind == Change::Kind::Settings; })) ListRanges();
   if (report_ && std::ranges::any_of(changes, [&](const Change& change) { return Tells(definition_, change); }))
     refresh_.start();
 }
@@ -345,7 +387,7 @@ void ReportForm::RefreshNow() {
   } else if (lasted_ > kQuick) {
     count_->setText(tr("Data has changed: press Find"));
   } else {
-    Run();
+    Run(definition_.key == "Reorder" ? tr("Updating Reorder Report...") : tr("Building Report ..."));
   }
 }
 

@@ -8,20 +8,23 @@
 
 #include "core/reports/build.h"
 #include "core/reports/edit_cell.h"
+#include "core/reports/saved_reports.h"
+#include "desktop/datafile/file_choice.h"
 #include "desktop/kit/window.h"
 
 namespace vellumark::desktop {
 
+class ChartPanel;
 class ReportSource;
 
 /// A report of the catalogue: what is asked of it, and its rows. Opened with {"Color_Name", name}, {"Kind", ColorKind},
 /// {"JobNumber", number}, {"DesignID", id}, and {"From", DateTime}, {"To", DateTime} where another window knows them,
-/// it is found at once.
+/// it is found at once; so is one that is saved, opened with {"Saved", its name}.
 class ReportForm : public Window {
   Q_OBJECT
 
  public:
-  ReportForm(WindowList& windowList, const ReportDefinition& definition);
+  ReportForm(WindowList& windowList, const ReportDefinition& definition, FileChooser choose);
   ~ReportForm() override;
   void OnOpen(const Arguments& arguments) override;
   void OnChanges(const std::vector<Change>& changes) override;
@@ -35,6 +38,12 @@ class ReportForm : public Window {
   void cmdPrint_Click() override;
   /// Into a file, in `ReportExportForm`.
   void cmdExport_Click();
+  /// Under a name, to be run again.
+  void cmdSaveReport_Click();
+  /// The dates under a name; or those of a name are forgotten.
+  void cmdKeepRange_Click();
+  /// The chart beside the rows comes and goes.
+  void cmdChart_Click();
   void cmdClose_Click() { Leave(); }
   void chkSelectAllColors_Click() { ChooseAllColumns(true); }
   void chkDeselectAllColors_Click() { ChooseAllColumns(false); }
@@ -49,7 +58,8 @@ class ReportForm : public Window {
   // How it is built (report_form_build.cpp).
   void BuildSubject(Form& form);
   void BuildOptions(Form& form);
-  QWidget* BuildMiddle();
+  QWidget* BuildMiddle(FileChooser choose);
+  void BuildGrid(Form form);
   void BuildSide(Form form);
   void AddDates(std::vector<QWidget*>& line, Form& form);
 
@@ -63,17 +73,30 @@ class ReportForm : public Window {
   /// The list of columns as the grid shows them, and the other way round.
   void ListColumns();
   void ChooseAllColumns(bool shown);
-  /// Runs the report; false when it was refused.
-  bool Run();
+  /// Runs the report under a wait window; false when it was refused.
+  bool Run(const QString& text);
   void Show(BuiltReport report);
   void ShowTotals();
   /// The built report as the grid shows it: columns, order, filter.
   void TakeArrangement();
+  ReportSort ShownSort() const;
   void SaveArrangement();
+
+  // Saved reports, ranges and the chart (report_form_saved.cpp).
+  void OpenSaved(const std::string& name);
+  void ArrangeAsSaved(BuiltReport& built);
+  void ListRanges();
+  /// The saved range that is chosen; nullptr when it is another.
+  const NamedRange* KeptRange() const;
+  void ShowChart();
+
   void OpenClicked(int row, int column);
+  /// What a row leads to: the report that it sums up, or its record.
+  void OpenOf(std::size_t row);
   std::optional<ReportCell> CellAt(int row, int column) const;
   Result<void> TakeEdit(int row, int column, const std::string& typed);
   void ToggleOrTell();
+  void EditNotes(const ReportCell& cell);
   bool IsTyping() const;
   void RefreshNow();
 
@@ -89,6 +112,11 @@ class ReportForm : public Window {
   CommandButton* find_ = nullptr;
   CommandButton* print_ = nullptr;
   CommandButton* export_ = nullptr;
+  CommandButton* save_ = nullptr;
+  CommandButton* chart_ = nullptr;
+  CommandButton* keepRange_ = nullptr;
+  ChartPanel* chartPanel_ = nullptr;
+  QLineEdit* filter_ = nullptr;
   QLabel* title_ = nullptr;
   QLabel* count_ = nullptr;
   Grid* grid_ = nullptr;
@@ -97,8 +125,12 @@ class ReportForm : public Window {
   std::map<std::string, int> builtWith_;
   std::optional<ColorKind> kind_;
   std::vector<TableColumn> shownColumns_;
+  std::vector<NamedRange> ranges_;
+  std::optional<SavedReport> saved_;
+  bool arrangesSaved_ = false;
   bool quiet_ = false;
   bool running_ = false;
+  bool settling_ = false;
   qint64 lasted_ = 0;
   QTimer refresh_;
 };

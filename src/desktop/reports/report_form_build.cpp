@@ -11,6 +11,7 @@
 #include "desktop/kit/icons.h"
 #include "desktop/kit/look.h"
 #include "desktop/kit/text.h"
+#include "desktop/reports/chart_panel.h"
 #include "desktop/reports/open_row.h"
 #include "desktop/reports/report_form.h"
 #include "desktop/reports/report_source.h"
@@ -21,7 +22,8 @@ namespace vellumark::desktop {
 namespace {
 
 constexpr int kSideWidth = 248;
-constexpr int kGridWidth = 1000;
+constexpr int kGridWidth = 720;
+constexpr int kChartWidth = 400;
 constexpr int kJobLength = 30;
 
 // "Production - All Colors - this Database", short enough for a tab.
@@ -81,13 +83,14 @@ bool ListsUsers(const ReportDefinition& report) {
 
 }  // namespace
 
-ReportForm::ReportForm(WindowList& windowList, const ReportDefinition& definition)
+ReportForm::ReportForm(WindowList& windowList, const ReportDefinition& definition, FileChooser choose)
     : Window(windowList, Q(definition.window), WindowTitle(definition)), definition_(definition) {
   setWindowIcon(Icon("Report"));
   source_ = std::make_shared<ReportSource>(ReportSource::Editing{
       [this](int row, int column) {
         const auto cell = CellAt(row, column);
         return cell && definition_.edits && cell->report.columns[cell->column].key != "Recycle" &&
+               cell->report.columns[cell->column].format != Format::Notes &&
                RequireEditable(session, *cell).has_value();
       },
       [this](int row, int column, const std::string& typed) { return TakeEdit(row, column, typed); }});
@@ -101,8 +104,10 @@ ReportForm::ReportForm(WindowList& windowList, const ReportDefinition& definitio
   line->addWidget(count_ = form.Hint({}, "lblRecordCount"));
   title_->setWordWrap(true);
   form.Wide(head);
-  form.Wide(BuildMiddle(), 1);
+  form.Wide(BuildMiddle(std::move(choose)), 1);
   form.ButtonsWithoutDefault({form.Button("cmdClose", tr("Close")), form.Button("cmdClear", tr("C&lear")),
+                              save_ = form.Button("cmdSaveReport", tr("Sa&ve Report")),
+                              chart_ = form.Button("cmdChart", tr("C&hart"), Qt::Key_F6),
                               export_ = form.Button("cmdExport", tr("&Export")),
                               print_ = form.Button("cmdPrint", tr("&Print"))});
   SetDefaultButton(find_);
@@ -176,9 +181,9 @@ void ReportForm::BuildSubject(Form& form) {
 }
 
 void ReportForm::AddDates(std::vector<QWidget*>& line, Form& form) {
-  QStringList names;
-  for (const std::string_view name : DateRangeNames()) names += Q(name);
-  range_ = form.Combo("cmbDateRange", names);
+  range_ = form.Combo("cmbDateRange");
+  keepRange_ = form.Link("cmdKeepRange", tr("Keep these dates"));
+  ListRanges();
   range_->setAccessibleName(tr("Range of dates"));
   range_->DoNotTrack();
   line.push_back(range_);
@@ -189,19 +194,23 @@ void ReportForm::AddDates(std::vector<QWidget*>& line, Form& form) {
     line.push_back(form.Hint(caption));
     line.push_back(field);
     connect(field, &QDateEdit::dateChanged, this, [this] {
-      if (!quiet_) range_->setCurrentIndex(kCustomRange);
+      if (quiet_) return;
+      range_->setCurrentIndex(kCustomRange);
+      Changed();
     });
     return field;
   };
   from_ = date("CalFrom", tr("From"));
   to_ = date("CalTo", tr("To"));
+  line.push_back(keepRange_);
   ChooseRange(ReadDateRange(session, definition_));
   range_->OnChosen([this](int place) {
     if (place == kCustomRange) {
       from_->TakeFocus();
-      return;
+      return Changed();
     }
     ChooseRange(place);
+    Changed();
     if (!HasSubject() || !Subject().empty()) cmdFind_Click();
   });
 }
@@ -223,7 +232,10 @@ void ReportForm::BuildOptions(Form& form) {
     if (text != nullptr && text->text == nullptr) {
       field.combo = form.Combo("opt" + Q(option.name));
       for (int i = 0; i < option.choices; ++i) field.combo->addItem(tr(text->choices.at(static_cast<std::size_t>(i))));
-      field.combo->setAccessibleName(Q(option.meaning));
+      const QString meaning =
+          option.name == "MixCost" ? tr("Master Formula Pricing (Unlotted Inventory)") : Q(option.meaning);
+      field.combo->setAccessibleName(meaning);
+      field.combo->setToolTip(meaning);
       field.combo->setCurrentIndex(value);
       field.combo->OnChosen(taken);
       field.combo->DoNotTrack();
@@ -241,27 +253,39 @@ void ReportForm::BuildOptions(Form& form) {
   form.Wide(row);
 }
 
-QWidget* ReportForm::BuildMiddle() {
+QWidget* ReportForm::BuildMiddle(FileChooser choose) {
   auto* sides = new QSplitter(Qt::Horizontal, this);
   sides->setObjectName("Sides");
   sides->setChildrenCollapsible(false);
   auto* side = new QWidget(sides);
   auto* rows = new QWidget(sides);
-  Form form(*this, *rows);
+  side->setContentsMargins(0, 0, space::kUnit, 0);
+  rows->setContentsMargins(space::kUnit, 0, 0, 0);
+  BuildGrid(Form(*this, *rows));
+  BuildSide(Form(*this, *side));
+  chartPanel_ = new ChartPanel(*this, Q(definition_.window), std::move(choose));
+  sides->addWidget(chartPanel_);
+  chartPanel_->setVisible(chartPanel_->WasOpen());
+  sides->setStretchFactor(0, 0);
+  sides->setStretchFactor(1, 1);
+  sides->setStretchFactor(2, 0);
+  sides->setSizes({kSideWidth, kGridWidth, kChartWidth});
+  return sides;
+}
+
+void ReportForm::BuildGrid(Form form) {
   grid_ = form.Table("fg");
-  grid_->ShowFilter(tr("Filter"));
+  filter_ = grid_->ShowFilter(tr("Filter"));
   grid_->AllowManyRows();
   grid_->setAccessibleName(windowTitle());
   grid_->SetEmptyText(tr("Press Find to build the report"));
   form.Wide(grid_, 1);
-  side->setContentsMargins(0, 0, space::kUnit, 0);
-  rows->setContentsMargins(space::kUnit, 0, 0, 0);
-  BuildSide(Form(*this, *side));
-  sides->setStretchFactor(0, 0);
-  sides->setStretchFactor(1, 1);
-  sides->setSizes({kSideWidth, kGridWidth});
-  connect(grid_, &Grid::RowActivated, this,
-          [this](int row) { OpenRow(windows, report_->targets.at(static_cast<std::size_t>(row))); });
+  connect(grid_, &Grid::RowActivated, this, [this](int row) {
+    if (definition_.edits)
+      OpenRow(windows, report_->targets.at(static_cast<std::size_t>(row)));
+    else
+      OpenOf(static_cast<std::size_t>(row));
+  });
   connect(grid_, &Grid::CellClicked, this, &ReportForm::OpenClicked);
   connect(grid_, &Grid::ColumnsChanged, this, [this] {
     if (!quiet_) ListColumns();
@@ -271,7 +295,6 @@ QWidget* ReportForm::BuildMiddle() {
   LetRowsBeCopied(*grid_);
   auto* edit = new QShortcut(Qt::Key_F2, grid_, nullptr, nullptr, Qt::WidgetWithChildrenShortcut);
   connect(edit, &QShortcut::activated, this, &ReportForm::ToggleOrTell);
-  return sides;
 }
 
 void ReportForm::BuildSide(Form form) {

@@ -1,15 +1,13 @@
 #include "desktop/reports/report_source.h"
 
 #include <QFontMetrics>
-#include <QLocale>
 
 #include "desktop/kit/look.h"
+#include "desktop/kit/record_source.h"
 #include "desktop/kit/text.h"
 
 namespace vellumark::desktop {
 namespace {
-
-constexpr int kPercentDecimals = 2;
 
 bool IsSortedAsNumber(Format format) {
   return format != Format::Text && format != Format::Notes && format != Format::YesNo && format != Format::Flag &&
@@ -17,15 +15,6 @@ bool IsSortedAsNumber(Format format) {
 }
 
 }  // namespace
-
-std::string ShownCell(const TableColumn& column, const TableValue& value) {
-  const bool grouped =
-      column.format == Format::Amount || column.format == Format::Money || column.format == Format::Percent;
-  double number = SortNumber(value);
-  if (!grouped || std::isnan(number)) return CellText(column, value);
-  if (column.format == Format::Percent) return U8(QLocale().toString(number * 100, 'f', kPercentDecimals) + "%");
-  return U8(QLocale().toString(number, 'f', column.decimals));
-}
 
 GridColumn ShownColumn(const TableColumn& column, bool first) {
   GridColumn shown;
@@ -41,24 +30,14 @@ GridColumn ShownColumn(const TableColumn& column, bool first) {
   return shown;
 }
 
-double SortNumber(const TableValue& value) {
-  if (const auto* number = std::get_if<double>(&value)) return *number;
-  if (const auto* single = std::get_if<float>(&value)) return static_cast<double>(*single);
-  if (const auto* whole = std::get_if<std::int64_t>(&value)) return static_cast<double>(*whole);
-  if (const auto* date = std::get_if<DateTime>(&value)) {
-    constexpr double kSecondsOfDay = 86400;
-    return static_cast<double>(date->DayNumber()) +
-           (date->hour * 3600 + date->minute * 60 + date->second) / kSecondsOfDay;
-  }
-  return kNoNumber;
-}
-
 std::string ReportSource::Text(int row, int column) const {
-  return ShownCell(report_->columns[static_cast<std::size_t>(column)], At(row, column));
+  const TableValue& value = At(row, column);
+  if (std::holds_alternative<std::monostate>(value)) return {};
+  return CellTextInWindow(report_->columns[static_cast<std::size_t>(column)], value);
 }
 
 double ReportSource::Number(int row, int column) const {
-  return SortNumber(At(row, column));
+  return CellNumber(At(row, column));
 }
 
 bool ReportSource::IsEditable(int row, int column) const {

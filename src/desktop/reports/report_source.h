@@ -8,12 +8,8 @@
 
 namespace vellumark::desktop {
 
-/// A cell as the operator reads it: numbers grouped and pointed as the locale has them.
-std::string ShownCell(const TableColumn& column, const TableValue& value);
 /// How the grid shows a column: each but the first can be hidden.
 GridColumn ShownColumn(const TableColumn& column, bool first);
-/// What a column is sorted by where it is no text.
-double SortNumber(const TableValue& value);
 
 /// The rows of a built report, as it stands.
 class ReportSource : public GridSource {

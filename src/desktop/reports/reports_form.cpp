@@ -4,12 +4,14 @@
 #include <QHBoxLayout>
 #include <QListWidget>
 
+#include "core/base/text.h"
 #include "core/reports/build.h"
 #include "core/reports/catalogue.h"
+#include "core/reports/saved_reports.h"
 #include "desktop/kit/icons.h"
 #include "desktop/kit/look.h"
 #include "desktop/kit/text.h"
-#include "desktop/reports/open_row.h"
+#include "desktop/reports/report_name_form.h"
 
 namespace vellumark::desktop {
 namespace {
@@ -17,6 +19,8 @@ namespace {
 constexpr int kKeyRole = Qt::UserRole;
 constexpr int kDescriptionRole = Qt::UserRole + 1;
 constexpr int kDescriptionLines = 3;
+constexpr int kJobsHeight = 5;  // of the height that they share
+constexpr int kSavedHeight = 3;
 
 bool IsOfBatches(const ReportDefinition& report) {
   return report.group == "Production" || report.group == "Consumption" || report.group.starts_with("Batch");
@@ -31,25 +35,31 @@ ReportsForm::ReportsForm(WindowList& windowList) : Window(windowList, "ReportsFo
   auto* panes = new QHBoxLayout(middle);
   panes->setContentsMargins(0, 0, 0, 0);
   panes->setSpacing(space::kGroup);
-  const auto pane = [&](const QString& title, const char* name) {
-    auto* part = new QWidget(middle);
-    panes->addWidget(part, 1);
-    return MakePane(Form(*this, *part), title, name);
+  const auto part = [&] {
+    auto* widget = new QWidget(middle);
+    panes->addWidget(widget, 1);
+    return Form(*this, *widget);
   };
-  colors_ = pane(tr(" Color Reports"), "lstColorReports");
-  batches_ = pane(tr(" Batch Reports"), "lstBatchReports");
-  jobs_ = pane(tr(" Job Reports"), "lstJobReports");
+  colors_ = MakePane(part(), tr(" Color Reports"), "lstColorReports", 1);
+  batches_ = MakePane(part(), tr(" Batch Reports"), "lstBatchReports", 1);
+  Form last = part();
+  jobs_ = MakePane(last, tr(" Job Reports"), "lstJobReports", kJobsHeight);
+  saved_ = MakePane(last, tr(" Saved Reports"), "lstSavedReports", kSavedHeight);
   form.Wide(middle, 1);
   form.Wide(description_ = form.Label("lblDescription", tr("Click on a report to view.")));
   description_->setWordWrap(true);
   description_->setMinimumHeight(kDescriptionLines * fontMetrics().lineSpacing());
   description_->setAlignment(Qt::AlignTop | Qt::AlignLeft);
-  form.ButtonsWithoutDefault({form.Button("cmdClose", tr("Close"))});
+  form.ButtonsWithoutDefault({form.Button("cmdClose", tr("Close")), delete_ = form.Button("cmdDelete", tr("Delete")),
+                              rename_ = form.Button("cmdRename", tr("&Rename"))});
+  delete_->setToolTip(tr("The saved report that is chosen"));
+  rename_->setToolTip(tr("The saved report that is chosen"));
   Fill();
+  FillSaved();
   colors_->setFocus();
 }
 
-QListWidget* ReportsForm::MakePane(Form form, const QString& title, const char* name) {
+QListWidget* ReportsForm::MakePane(Form form, const QString& title, const char* name, int height) {
   form.Heading(title.trimmed());
   auto* list = new QListWidget;
   list->setObjectName(name);
@@ -57,16 +67,20 @@ QListWidget* ReportsForm::MakePane(Form form, const QString& title, const char* 
   list->setMouseTracking(true);
   list->setFrameShape(QFrame::NoFrame);
   list->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
-  form.Wide(list, 1);
+  form.Wide(list, height);
   const auto describe = [this](const QListWidgetItem* item) {
     Describe(item == nullptr ? tr("Click on a report to view.") : item->data(kDescriptionRole).toString());
   };
-  const auto open = [this](const QListWidgetItem* item) {
+  const auto open = [this, list](const QListWidgetItem* item) {
+    if (list == saved_) return OpenSaved(U8(item->data(kKeyRole).toString()));
     if (const ReportDefinition* report = FindReport(U8(item->data(kKeyRole).toString()))) Open(*report);
   };
   connect(list, &QListWidget::itemEntered, this, describe);
   connect(list, &QListWidget::viewportEntered, this, [describe] { describe(nullptr); });
-  connect(list, &QListWidget::currentItemChanged, this, describe);
+  connect(list, &QListWidget::currentItemChanged, this, [this, describe](const QListWidgetItem* item) {
+    describe(item);
+    Changed();
+  });
   connect(list, &QListWidget::itemClicked, this, open);
   // A click has opened it; Enter does too.
   connect(list, &QListWidget::itemActivated, this, [this, open](const QListWidgetItem* item) {
@@ -96,15 +110,77 @@ void ReportsForm::Fill() {
   Describe(tr("Click on a report to view."));
 }
 
+// ---- Those that are saved
+
+void ReportsForm::FillSaved() {
+  const std::string chosen = Saved();
+  saved_->clear();
+  for (const SavedReport& saved : ReadSavedReports(session)) {
+    const ReportDefinition& report = *FindReport(saved.key);
+    auto* item = new QListWidgetItem(Q(saved.name), saved_);
+    item->setData(kKeyRole, Q(saved.name));
+    const QString range = saved.request.from && saved.request.to
+                              ? Q(saved.request.from->DateText() + " - " + saved.request.to->DateText())
+                              : Q(saved.request.rangeName);
+    QString told = Q(report.group + " - " + Trim(report.caption)).replace("&&", "&");
+    for (const QString& more : {Q(saved.request.color), Q(saved.request.job), Q(saved.request.design), range})
+      if (!more.isEmpty()) told += "\n" + more;
+    item->setData(kDescriptionRole, told);
+    if (EqualNoCase(saved.name, chosen)) saved_->setCurrentItem(item);
+  }
+  if (saved_->count() == 0) {
+    auto* none = new QListWidgetItem(tr("Save Report in a report keeps it here."), saved_);
+    none->setFlags(Qt::NoItemFlags);
+  }
+  Changed();
+}
+
+std::string ReportsForm::Saved() const {
+  const QListWidgetItem* item = saved_ == nullptr ? nullptr : saved_->currentItem();
+  return item == nullptr ? std::string() : U8(item->data(kKeyRole).toString());
+}
+
+void ReportsForm::OpenSaved(const std::string& name) {
+  if (const auto saved = FindSavedReport(session, name)) Open(*FindReport(saved->key), {{"Saved", saved->name}});
+}
+
+void ReportsForm::OnOpen(const Arguments& arguments) {
+  if (!arguments.Has("Pane")) return;
+  for (QListWidget* list : {colors_, batches_, jobs_})
+    if (U8(list->objectName()) == arguments.Text("Pane")) list->setFocus();
+}
+
+void ReportsForm::OnChanges(const std::vector<Change>& changes) {
+  if (std::ranges::any_of(changes, [](const Change& one) { return one.kind == Change::Kind::Settings; })) FillSaved();
+}
+
+void ReportsForm::UpdateEnabled() {
+  if (delete_ == nullptr) return;
+  delete_->setEnabled(!Saved().empty());
+  rename_->setEnabled(!Saved().empty() && windows.Knows("ReportNameForm"));
+}
+
+void ReportsForm::cmdRename_Click() {
+  const std::string old = Saved();
+  const KeepText keep = [this, old](const std::string& name) { return RenameSavedReport(session, old, name); };
+  windows.RunDialog("ReportNameForm", {{"Title", U8(tr("Rename Report"))}, {"Name", old}, {"Keep", keep}});
+}
+
+void ReportsForm::cmdDelete_Click() {
+  const std::string name = Saved();
+  if (session.prompt.Ask("Saved Report", fmt::format("Delete the saved report {}?", name), Answer::No))
+    static_cast<void>(Accepted(DeleteSavedReport(session, name)));
+}
+
 void ReportsForm::Describe(const QString& text) {
   if (description_ != nullptr) description_->setText(text);
 }
 
-void ReportsForm::Open(const ReportDefinition& report) {
+void ReportsForm::Open(const ReportDefinition& report, const Arguments& arguments) {
   if (!windows.Knows(report.window)) return;
   const auto may = RequireReport(session, report, windows.IsInEdit("BatchForm"));
   if (Accepted(may)) {
-    windows.OpenForm(report.window);
+    windows.OpenForm(report.window, arguments);
   } else if (may.error().field == "BatchForm") {
     windows.OpenForm("BatchForm");
   }

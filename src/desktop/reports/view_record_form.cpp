@@ -2,8 +2,8 @@
 
 #include "core/reports/record_view.h"
 #include "desktop/kit/print_sheet.h"
+#include "desktop/kit/record_source.h"
 #include "desktop/kit/text.h"
-#include "desktop/reports/report_source.h"
 
 namespace vellumark::desktop {
 
@@ -33,7 +33,7 @@ void ViewRecordForm::OnOpen(const Arguments& arguments) {
     for (const SheetField& field : block.fields) source->Add({field.caption, field.value});
     if (!block.table) continue;
     block.table->read([&](const TableRow& row) {
-      const auto cell = [&](std::size_t i) { return ShownCell(block.table->columns[i], row.Cell(i)); };
+      const auto cell = [&](std::size_t i) { return CellTextInWindow(block.table->columns[i], row.Cell(i)); };
       source->Add({cell(0) + " - " + cell(1), cell(2)});
       return true;
     });

@@ -253,6 +253,8 @@ TEST(ReportCharts, GroupByDatesAndNames) {
   const BuiltReport colors = room.Run("SummarizedProductionForm");
   const ReportChart chart = ChartOf(colors, ChartGroup::Color, test::Place(colors, "Quantity"));
   ASSERT_EQ(chart.slices.size(), 12U);
+  EXPECT_EQ(ChartGroupsOf(colors), std::vector{ChartGroup::Color}) << "not when they were produced last";
+  EXPECT_EQ(colors.columns[ChartFiguresOf(colors)[UsualChartFigure(colors, ChartFiguresOf(colors))]].key, "Quantity");
   EXPECT_EQ(chart.slices[0].name, "C29");
   EXPECT_EQ(chart.slices[11].name, "All others");
   EXPECT_EQ(chart.slices[11].value, 1 + 2 + 3 + 4 + 5 + 6 + 7 + 8 + 9 + 10);
