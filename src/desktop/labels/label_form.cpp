@@ -12,6 +12,7 @@ namespace {
 
 constexpr const char* kSquareKey = "labels/qr";
 constexpr int kLeastWidth = 96;
+constexpr int kHazardWidth = 48;
 constexpr std::size_t kFirstColumn = 8;
 constexpr std::size_t kFirstMiscCode = kLabelFields - 2;
 constexpr std::array<std::string_view, 3> kHazards{"Health", "Fire", "Reactivity"};
@@ -54,7 +55,7 @@ void LabelForm::BuildFields(Form form) {
   TextField* reactivity = fields_[kLabelFields + 2];
   columns[1].Row(tr("Health, Fire, React."), {health, fire, reactivity});
   for (std::size_t i = 0; i < kHazards.size(); ++i) {
-    fields_[kLabelFields + i]->SetWidthInChars(4);
+    fields_[kLabelFields + i]->setFixedWidth(kHazardWidth);
     fields_[kLabelFields + i]->setAccessibleName(Q(kHazards[i]));
   }
   FieldOf(columns[1], kFirstMiscCode + 1);
