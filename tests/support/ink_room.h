@@ -85,6 +85,7 @@ struct InkRoom {
         found->second = std::move(cell.second);
       }
     }
+    const Arranging arranging;
     Transaction transaction(session.File());
     const std::int64_t row = InsertRow(session.File(), table, session.Table(table), unique);
     for (const ColorKind kind : {ColorKind::Basic, ColorKind::Mix}) {
@@ -99,6 +100,7 @@ struct InkRoom {
 
   /// The stock of all colours of that kind becomes this, as if it had been so from the beginning.
   void HaveStock(ColorKind kind, float quantity) {
+    const Arranging arranging;
     Transaction transaction(session.File());
     const std::string table = session.QuotedTable(ColorTable(kind));
     Statement colors = session.File().Prepare("SELECT Color_Name, Inventory FROM " + table);

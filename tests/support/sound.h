@@ -10,6 +10,7 @@
 
 #include "core/backup/deep_check.h"
 #include "core/datafile/lifecycle.h"
+#include "support/notices.h"
 #include "support/scratch.h"
 
 namespace vellumark::test {

@@ -101,6 +101,7 @@ Result<void> AddDispenser(Session& session, std::string_view typed, std::string_
              {"FileType", std::string(kind->extension)},
              {"Additives", false},
              {"Recycles", false}});
+  transaction.Note({Change::Kind::Settings, "", "", Change::What::All, ""});
   transaction.Commit();
   session.prompt.Tell("New Dispenser", "Dispenser Saved.", Icon::Information);
   return {};
@@ -118,6 +119,7 @@ Result<void> RemoveDispensers(Session& session, const std::vector<std::string>& 
     remove.Reset();
     remove.Bind(1, name).Run();
   }
+  transaction.Note({Change::Kind::Settings, "", "", Change::What::All, ""});
   transaction.Commit();
   session.prompt.Tell("Remove Dispenser", "Dispenser(s) Removed", Icon::Information);
   return {};
@@ -132,6 +134,7 @@ void StoreDispenserChoice(Session& session, std::string_view name, bool additive
       .Bind(2, recycles ? 1 : 0)
       .Bind(3, name)
       .Run();
+  transaction.Note({Change::Kind::Settings, "", "", Change::What::All, ""});
   transaction.Commit();
 }
 

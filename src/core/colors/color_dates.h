@@ -8,7 +8,7 @@
 namespace vellumark {
 
 // When a Batch last made a formula or consumed a Basic Color of the current Database; nothing when none is left that
-// did. Within the caller's transaction, which tells the change.
+// did. Within the caller's transaction.
 
 void StoreLastProduced(Session& session, std::string_view formula, const std::optional<DateTime>& when);
 void StoreLastConsumed(Session& session, std::string_view basic, const std::optional<DateTime>& when);

@@ -143,7 +143,7 @@ bool RenameInFormulas(Session& session, Transaction& transaction, const std::vec
 
 // The walk over the places renames a slot where it stands; a set that would then hold one name twice is closed up
 // first.
-void MergeInAdditiveSets(Session& session, const std::vector<Renaming>& names) {
+void MergeInAdditiveSets(Session& session, Transaction& transaction, const std::vector<Renaming>& names) {
   const NameMap map = MapOf(names);
   for (const AdditiveSet& set : ListAdditiveSets(session)) {
     AdditiveSet merged = set;
@@ -154,8 +154,9 @@ void MergeInAdditiveSets(Session& session, const std::vector<Renaming>& names) {
       merged.SetRows(RenamedRows(merged.Rows(), row.name, found->second));
       changed = true;
     }
-    if (changed)
-      UpdateRow(session.File(), schema::Additives, session.Table(schema::Additives), set.key, AdditiveSetCells(merged));
+    if (!changed) continue;
+    UpdateRow(session.File(), schema::Additives, session.Table(schema::Additives), set.key, AdditiveSetCells(merged));
+    transaction.Note({Change::Kind::AdditiveSet, session.CurrentDatabase, set.SetName, Change::What::Updated, ""});
   }
 }
 
@@ -177,7 +178,7 @@ bool RenameBasicsEverywhere(Session& session, Transaction& transaction, const st
                             FormulaNames& withoutSet, const GoOn& goOn) {
   if (!RenameInFormulas(session, transaction, names, withoutSet, [&](double percent) { return goOn(percent / 2); }))
     return false;
-  MergeInAdditiveSets(session, names);
+  MergeInAdditiveSets(session, transaction, names);
   if (!RenameReferences(session.File(), session.CurrentDatabase, ColorKind::Basic, names,
                         [&](double percent) { return goOn(50 + percent / 2); }))
     return false;

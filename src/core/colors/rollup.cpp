@@ -209,32 +209,4 @@ void RunPendingPassesOrTell(Session& session) {
   }
 }
 
-bool RollUpFormula(Session& session, std::int64_t key) {
-  Database& file = session.File();
-  const std::string table = session.QuotedTable(schema::Mix);
-  Transaction transaction(file);
-  NewFigures changed{key, {}};
-  {
-    Statement row = file.Prepare(fmt::format("SELECT {} FROM {} WHERE RowKey = ?", RecipeColumns(), table));
-    row.Bind(1, key);
-    if (!row.Step()) return false;
-    FigureMap basics;
-    Statement basic =
-        file.Prepare(fmt::format("SELECT PurchaseCost, VOC, HAP FROM {} WHERE Color_Name = ? ORDER BY RowKey LIMIT 1",
-                                 session.QuotedTable(schema::Basic)));
-    for (int n = 0; n < kSlots; ++n) {
-      const std::string name = row.Text(kFirstName + n);
-      if (name.empty()) break;
-      basic.Bind(1, name);
-      if (basic.Step()) basics.emplace(name, Figures{basic.Single(0), basic.Single(1), basic.Single(2)});
-      basic.Reset();
-    }
-    changed.figures = RollUp(row, basics, session.DecimalPlaces);
-  }
-  Statement update = file.Prepare(UpdateText(table, kAllRollUps));
-  Write(update, changed, kAllRollUps);
-  transaction.Commit();
-  return true;
-}
-
 }  // namespace vellumark

@@ -31,7 +31,4 @@ void RunPendingPasses(Session& session);
 /// the marks stay in the file for its next opening.
 void RunPendingPassesOrTell(Session& session);
 
-/// Recomputes the three figures of one row of the current Database's formulas; false when the row is gone.
-bool RollUpFormula(Session& session, std::int64_t key);
-
 }  // namespace vellumark

@@ -6,6 +6,7 @@
 
 #include "core/base/platform.h"
 #include "core/base/refusal.h"
+#include "core/datafile/commit_witness.h"
 
 // What is the same whatever engine keeps the rows.
 
@@ -18,7 +19,20 @@ std::string NameOfOpening() {
   return fmt::format("{}/{:08x}{:08x}", platform::ProcessMark(), random(), random());
 }
 
+CommitWitness& Witness() {
+  static CommitWitness witness;
+  return witness;
+}
+
 }  // namespace
+
+void SetCommitWitness(CommitWitness witness) {
+  Witness() = std::move(witness);
+}
+
+const CommitWitness& TheCommitWitness() {
+  return Witness();
+}
 
 Database::Database(std::filesystem::path path, bool readOnly)
     : path_(std::move(path)), readOnly_(readOnly), opening_(NameOfOpening()) {}
@@ -73,7 +87,9 @@ void Transaction::Commit() {
   open_ = false;
   --database_.depth_;
   const std::vector<Change> told = std::exchange(database_.pending_, {});
-  if (database_.changes_ != nullptr) database_.changes_->Tell(told);
+  if (database_.changes_ == nullptr) return;
+  if (Witness()) Witness()(database_.WrittenTables(), told);
+  database_.changes_->Tell(told);
 }
 
 // ---- Texts of SQL

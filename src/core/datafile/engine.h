@@ -5,6 +5,7 @@
 #include <initializer_list>
 #include <memory>
 #include <optional>
+#include <set>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -173,6 +174,8 @@ class Database {
   virtual void CommitWork() = 0;
   /// Takes back what the transaction wrote. It cannot fail: whoever cannot take it back ends the program.
   virtual void Rollback() noexcept = 0;
+  /// The tables in whose rows the transaction wrote; counted only for a witness of commits.
+  virtual std::set<std::string> WrittenTables() const = 0;
   /// A statement that has come to its end.
   virtual void TakeBack(std::unique_ptr<EngineStatement> statement) noexcept = 0;
 

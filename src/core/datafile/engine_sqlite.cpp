@@ -15,6 +15,7 @@
 #include "core/base/files.h"
 #include "core/base/platform.h"
 #include "core/base/refusal.h"
+#include "core/datafile/commit_witness.h"
 #include "core/datafile/engine_keys.h"
 
 namespace vellumark {
@@ -318,6 +319,13 @@ void SqliteDatabase::Connect(int flags) {
     sqlite3* connection = engine_->connection.getHandle();
     sqlite3_db_config(connection, SQLITE_DBCONFIG_DQS_DML, 0, nullptr);
     sqlite3_db_config(connection, SQLITE_DBCONFIG_DQS_DDL, 0, nullptr);
+    if (TheCommitWitness())
+      sqlite3_update_hook(
+          connection,
+          [](void* tables, int, const char*, const char* table, sqlite3_int64) {
+            static_cast<std::set<std::string>*>(tables)->insert(table);
+          },
+          &written_);
   } catch (const SQLite::Exception& error) {
     if ((error.getErrorCode() & 0xFF) == SQLITE_CANTOPEN) throw Failure(Path().string(), WhyNotOpened(Path()));
     throw Failure(Path().string(), CauseInWords(error.getErrorCode(), error.what()));
@@ -450,6 +458,7 @@ void SqliteDatabase::CopyCompacted(const std::filesystem::path& copy) {
 // ---- Transaction
 
 void SqliteDatabase::Begin() {
+  written_.clear();
   Execute("BEGIN IMMEDIATE");
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <memory>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -37,6 +38,7 @@ class SqliteDatabase final : public Database {
   void Begin() override;
   void CommitWork() override;
   void Rollback() noexcept override;
+  std::set<std::string> WrittenTables() const override { return written_; }
   void TakeBack(std::unique_ptr<EngineStatement> statement) noexcept override;
 
  private:
@@ -48,6 +50,7 @@ class SqliteDatabase final : public Database {
 
   std::unique_ptr<Engine> engine_;
   bool rolledBack_ = false;
+  std::set<std::string> written_;  // for a witness of commits
 };
 
 }  // namespace vellumark

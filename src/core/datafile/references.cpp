@@ -74,6 +74,20 @@ std::string SetExpression(const Place& place, const std::vector<std::string>& na
   return fmt::format("{} = {}", Quoted(place.setField), expression);
 }
 
+// Windows that show rows of the table hear that some of them bear other names now. Lots and measurements are told with
+// their colour.
+void TellRows(Transaction& transaction, const Table& table, std::string_view database) {
+  using Kind = Change::Kind;
+  const auto tell = [&](Kind kind, std::string_view of) {
+    transaction.Note({kind, std::string(of), "", Change::What::All, ""});
+  };
+  if (&table == &schema::JobRecords) tell(Kind::Job, "");
+  if (&table == &schema::Designs) tell(Kind::Design, "");
+  if (&table == &schema::Additives) tell(Kind::AdditiveSet, database);
+  if (&table == &schema::Batch || &table == &schema::BatchLotInv || &table == &schema::BatchScaleResults)
+    tell(Kind::Batch, database);
+}
+
 // Fills the table of names, which a rollback takes back with everything else. False when the work was stopped.
 bool WriteNewNames(Database& file, const std::vector<Renaming>& names,
                    const std::function<bool(double percent)>& goOn) {
@@ -94,8 +108,8 @@ constexpr std::size_t kFewNames = 200;
 // All slots of a family in one walk over the table: a row is read once, however many slots and names there are. A
 // single field is found through its index where it has one; a family, and a field of which many names change, is walked
 // in pieces, ?1 to ?2.
-bool RenamePlace(Database& file, std::string_view database, ColorKind kind, const Place& place, bool inPieces,
-                 const std::function<bool(double percent)>& goOn) {
+bool RenamePlace(Database& file, Transaction& transaction, std::string_view database, ColorKind kind,
+                 const Place& place, bool inPieces, const std::function<bool(double percent)>& goOn) {
   const std::string isOld = fmt::format("IN (SELECT OldName FROM {})", kNewNames);
   std::string sets;
   std::string where;
@@ -103,23 +117,26 @@ bool RenamePlace(Database& file, std::string_view database, ColorKind kind, cons
   for (int slot = 0; slot < (place.slots == 0 ? 1 : place.slots); ++slot) {
     const std::string field = Member(place, place.field, slot);
     const std::string condition = SlotCondition(place, kind, slot, isOld);
-    const std::string renamed = fmt::format(
+    const std::string newName = fmt::format(
         "CASE WHEN {1} THEN (SELECT NewName FROM {2} WHERE OldName = {0}) ELSE {0} END", field, condition, kNewNames);
-    sets += fmt::format("{}{} = {}", slot == 0 ? "" : ", ", field, renamed);
+    sets += fmt::format("{}{} = {}", slot == 0 ? "" : ", ", field, newName);
     where += fmt::format("{}({})", slot == 0 ? "" : " OR ", condition);
-    names.push_back("(" + renamed + ")");
+    names.push_back("(" + newName + ")");
   }
   if (!place.setField.empty()) sets += ", " + SetExpression(place, names);
   const std::string table = TableName(database, place.table);
   const std::string pieces = inPieces ? "RowKey BETWEEN ?1 AND ?2 AND " : "";
   Statement update = file.Prepare(fmt::format("UPDATE {} SET {} WHERE {}({})", Quoted(table), sets, pieces, where));
+  int renamed = 0;
   const auto run = [&](std::int64_t first, std::int64_t last, double percent) {
     if (inPieces) update.Bind(1, first).Bind(2, last);
     if (!place.databaseField.empty()) update.Bind(3, database);
-    update.Run();
+    renamed += update.Run();
     return goOn(percent);
   };
-  return inPieces ? ForRowPieces(file, table, run) : run(0, 0, 100);
+  if (!(inPieces ? ForRowPieces(file, table, run) : run(0, 0, 100))) return false;
+  if (renamed > 0) TellRows(transaction, place.table, database);
+  return true;
 }
 
 }  // namespace
@@ -142,6 +159,7 @@ void RenameReferences(Database& file, std::string_view database, ColorKind kind,
 
 bool RenameReferences(Database& file, std::string_view database, ColorKind kind, const std::vector<Renaming>& names,
                       const std::function<bool(double percent)>& goOn) {
+  Transaction transaction(file);
   if (!WriteNewNames(file, names, goOn)) return false;
   const std::vector<Place> places = PlacesOf(kind);
   for (std::size_t n = 0; n < places.size(); ++n) {
@@ -149,9 +167,10 @@ bool RenameReferences(Database& file, std::string_view database, ColorKind kind,
     const auto part = [&](double percent) {
       return !goOn || goOn((100.0 * static_cast<double>(n) + percent) / static_cast<double>(places.size()));
     };
-    if (!RenamePlace(file, database, kind, places[n], inPieces, part)) return false;
+    if (!RenamePlace(file, transaction, database, kind, places[n], inPieces, part)) return false;
   }
   file.Execute(fmt::format("DELETE FROM {}", kNewNames));
+  transaction.Commit();
   return true;
 }
 
@@ -188,7 +207,11 @@ bool UsedByDesign(Database& file, std::string_view database, ColorKind kind, std
 void RewriteLotCopies(Database& file, std::string_view database, ColorKind kind, std::string_view name,
                       const LotName& lot, const LotCopy& now) {
   const bool mix = kind == ColorKind::Mix;
+  Transaction transaction(file);
   const auto table = [&](const Table& of) { return QuotedTable(database, of); };
+  const auto run = [&](Statement& copies, const Table& of) {
+    if (copies.Run() > 0) TellRows(transaction, of, database);
+  };
   const auto bind = [&](Statement& copies) -> Statement& {
     return copies.Bind(1, now.LotNumber).Bind(2, name).Bind(3, lot.LotRefID).Bind(4, lot.LotNumber);
   };
@@ -196,7 +219,7 @@ void RewriteLotCopies(Database& file, std::string_view database, ColorKind kind,
     Statement made = file.Prepare(
         fmt::format("UPDATE {} SET LotNumber = ?1 WHERE Color_Name = ?2 AND LotRefID = ?3 AND LotNumber = ?4",
                     table(schema::Batch)));
-    bind(made).Run();
+    run(bind(made), schema::Batch);
   }
   constexpr std::string_view kSet = "SET LotNumber = ?1, LotLoc = ?5, LotContID = ?6, LotDate = ?7";
   constexpr std::string_view kOfLot = "LotRefID = ?3 AND LotNumber = ?4";
@@ -206,11 +229,12 @@ void RewriteLotCopies(Database& file, std::string_view database, ColorKind kind,
   // A Batch line that is not a formula's is a Basic Color's, an addition included.
   Statement lines = file.Prepare(fmt::format("UPDATE {} {} WHERE IngName = ?2 AND {} AND IngType {} 2",
                                              table(schema::BatchLotInv), kSet, kOfLot, mix ? "=" : "<>"));
-  bindAll(lines).Run();
+  run(bindAll(lines), schema::BatchLotInv);
   Statement jobs =
       file.Prepare(fmt::format("UPDATE {} {} WHERE Color_Name = ?2 AND {} AND Database = ?8 AND {}",
                                table(schema::JobRecords), kSet, kOfLot, KindCondition(kind, "ItemType")));
-  bindAll(jobs).Bind(8, database).Run();
+  run(bindAll(jobs).Bind(8, database), schema::JobRecords);
+  transaction.Commit();
 }
 
 void DeleteLotsAndMeasurements(Database& file, std::string_view database, ColorKind kind, std::string_view name) {

@@ -9,6 +9,9 @@
 #include <set>
 
 #include "core/base/text.h"
+#include "core/colors/basic_work.h"
+#include "core/colors/basics.h"
+#include "core/colors/rename.h"
 #include "core/inventory/lot_copies.h"
 #include "life_room.h"
 
@@ -284,22 +287,23 @@ class Operator {
     if (++acts_ % 500 == 0) room_.sound.Expect(session_, CheckState::InUse);
   }
 
-  // The same with lots in use by turns, and renumbered: what each place holds is then more than the model knows, but of
-  // the Basic Colors as much is in stock and in the Batches as was entered.
+  // The same with lots in use by turns, renumbered, and with another ink merged into those that Batches hold: what each
+  // place holds is then more than the model knows, but of the Basic Colors as much is in stock and in the Batches as was
+  // entered.
   void ActInTheLedger() {
     prompt_.answers.clear();
     told_.clear();
     const auto held = HeldByBatches();
     const Thousandths lines = StockOfBasics() + Sum(held);
     const Thousandths before = StockOfBasics();
-    const bool byHand = Chance(12);
+    const bool byHand = Chance(record_.state == BatchState::None ? 3 : 12);
     if (byHand) {
       ByHand();
       if (record_.state == BatchState::None) record_ = NewBatchRecord(session_);
     } else {
       DoOne();
     }
-    Thousandths entered = byHand || adjusted_ ? StockOfBasics() - before : 0;
+    Thousandths entered = adjusted_ ? StockOfBasics() - before : 0;
     adjusted_ = false;
     for (const Change& change : told_) {
       const std::int32_t no = LeadingInteger(change.name);
@@ -320,6 +324,7 @@ class Operator {
   int deletions = 0;
   int edits = 0;
   int pours = 0;
+  int merges = 0;
   mutable int ownInks = 0;
 
  private:
@@ -352,6 +357,7 @@ class Operator {
       session_.InvLotTracking = 1 - session_.InvLotTracking;
       return;
     }
+    if (record_.state == BatchState::None && Chance(2)) return Chance(2) && extra_ ? MergeExtra() : BringExtra();
     constexpr std::array names{"RED", "WHITE", "BLUE"};
     const std::string name = names[Below(3)];
     const std::vector<LotRow> lots = LotsOf(session_, ColorKind::Basic, name);
@@ -360,6 +366,37 @@ class Operator {
     LotRow now = lot;
     now.LotNumber = fmt::format("R{}", ++brought_);
     RewriteLot(session_, {ColorKind::Basic, name, {}, StockEvent::ManualAdjust, {}}, lot, now);
+  }
+
+  // An ink whose lots bear references that lots of the others bear too.
+  void BringExtra() {
+    if (extra_) return;
+    extra_ = true;
+    adjusted_ = true;
+    BasicWork work = NewBasicWork(session_, "EXTRA");
+    ASSERT_TRUE(SaveBasic(session_, work));
+    for (const float quantity : {30.0F, 9.0F, 7.0F, 20.0F}) {
+      Posting posting{.source = PostingSource::ManualAdjust, .name = "EXTRA", .quantity = quantity};
+      if (quantity < 30) posting.place = {.LotNumber = fmt::format("E{}", ++brought_)};
+      PostStock(session_, posting);
+    }
+  }
+  void MergeExtra() {
+    constexpr std::array names{"RED", "WHITE", "BLUE"};
+    const Thousandths before = StockOfBasics();
+    const Thousandths had =
+        Whole(session_.File()
+                  .Scalar("SELECT (SELECT TOTAL(Inventory) FROM INK_Basic WHERE Color_Name = 'EXTRA') + "
+                          "(SELECT TOTAL(LotQty) FROM INK_Basic_LotInv WHERE LotCName = 'EXTRA')")
+                  .Number());
+    const auto renamed = RenameBasic(session_, "EXTRA", names[Below(3)]);
+    if (ReadBasic(session_, "EXTRA")) return;
+    EXPECT_TRUE(renamed);
+    // The surviving colour keeps its own stock, and what Batches hold of the other is now of it.
+    EXPECT_EQ(StockOfBasics(), before - had);
+    extra_ = false;
+    adjusted_ = true;
+    ++merges;
   }
 
   void FillRoom(bool basicsBelowZero) {
@@ -534,9 +571,9 @@ class Operator {
           session_, record_, first + Below(record_.work.Additions.size()), Chance(2) ? "0" : Quantity(3));
       return;
     }
-    constexpr std::array names{"RED", "WHITE", "BLUE"};
+    constexpr std::array names{"RED", "WHITE", "BLUE", "EXTRA"};
     [[maybe_unused]] const auto added =
-        AddBatchAdditions(session_, record_, {{names[Below(3)], (Chance(3) ? "-" : "") + Quantity(3)}});
+        AddBatchAdditions(session_, record_, {{names[Below(extra_ ? 4 : 3)], (Chance(3) ? "-" : "") + Quantity(3)}});
   }
   void ChooseLots() {
     if (record_.work.Rows.empty()) return;
@@ -747,6 +784,7 @@ class Operator {
   int brought_ = 0;
   int acts_ = 0;
   bool adjusted_ = false;
+  bool extra_ = false;
   std::map<std::int32_t, Thousandths> taken_;
 };
 
@@ -767,13 +805,14 @@ TEST_P(RandomOperator, FiveThousandActsKeepTheStock) {
   EXPECT_GT(worker.ownInks, 25);
 }
 TEST_P(RandomOperator, NothingOutOfNothingWithLotsByTurns) {
-  constexpr int acts = 3000;
+  constexpr int acts = 4000;
   Operator worker(20260311, GetParam());
   for (int i = 0; i < acts && !testing::Test::HasFailure(); ++i) {
     SCOPED_TRACE(fmt::format("act {}", i));
     worker.ActInTheLedger();
   }
   EXPECT_GT(worker.deletions, 10);
+  EXPECT_GT(worker.merges, 10);
 }
 INSTANTIATE_TEST_SUITE_P(BasicsBelowZero, RandomOperator, testing::Bool());
 

@@ -206,6 +206,7 @@ TEST(RecordExport, JobsComeInTheColumnsOfTheirGrid) {
 TEST(RecordExport, MoreCellsThanAReportHoldsAreRefused) {
   RecordRoom room;
   {
+    const test::Arranging arranging;
     Transaction transaction(room.session.File());
     for (int i = 0; i < 13000; ++i) room.Job("7", "2026-01-05 00:00:00", 1);
     transaction.Commit();

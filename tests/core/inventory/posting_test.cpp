@@ -92,6 +92,7 @@ TEST(PostingTable, EverySourceComparesInItsOwnWay) {
   StockRoom room;
   room.Breaks("Quantities");
   int n = 0;
+  const test::Arranging arranging;
   Transaction transaction(room.session.File());
   for (const TableRow& row : kTable) {
     for (std::size_t i = 0; i < kResults.size(); ++i) {

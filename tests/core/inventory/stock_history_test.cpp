@@ -171,7 +171,10 @@ TEST_F(StockHistoryTest, JoinsTheNamesOfAFormulaThatAnEarlierProgramRenamed) {
     session.File().Execute(fmt::format("DROP INDEX MSysStockHistory_{}", index));
 
   for (int opening = 0; opening < 2; ++opening) {
-    BringStockHistoryUpToDate(session.File(), {"INK"});
+    {
+      const test::Arranging arranging;  // at an opening no window is there to be told
+      BringStockHistoryUpToDate(session.File(), {"INK"});
+    }
     EXPECT_EQ(History({.name = "LAGOON"}),
               (std::vector<std::string>{"Scan: TEAL 0 - 12 12 |", "Scan: TEAL 1 A 3 3 |",
                                         "Renamed from: LAGOON 0 - 0 0 |TEAL", "Scan: LAGOON 0 - -4 8 |",
@@ -251,6 +254,7 @@ TEST_F(StockHistoryTest, FollowsADatabaseThroughItsNames) {
 }
 
 TEST_F(StockHistoryTest, BeginsWithWhatAFileHolds) {
+  const test::Arranging arranging;  // at an opening no window is there to be told
   session.File().Execute("DROP TABLE MSysStockHistory");
   Color(kBasic, "RED", 1234.567F);
   Color(kBasic, "EMPTY", 0);

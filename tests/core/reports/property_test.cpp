@@ -31,6 +31,7 @@ struct RandomRoom : test::ReportRoom {
     Setting("UMI", "2");
     Breaks("JobBatches");
     for (const char* database : {"WEB", "UV"}) AddDatabase(database);
+    const test::Arranging arranging;
     Transaction transaction(session.File());
     int number = 1;
     for (const std::string& database : session.databaseList) {

@@ -30,6 +30,7 @@ class Backups : public testing::Test {
   }
 
   void Add(const std::string& name) {
+    const test::Arranging arranging;
     Transaction transaction(room.session.File());
     room.session.File().Prepare("INSERT INTO INK_Basic (Color_Name, LotRefID) VALUES (?, 7)").Bind(1, name).Run();
     transaction.Commit();
