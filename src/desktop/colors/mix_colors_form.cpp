@@ -73,7 +73,8 @@ void MixColorsForm::BuildHead(Form& form) {
   hasNotes_ = form.Hint(tr("(Formula Has Notes)"), "lblHasNotes");
   hasNotes_->hide();
   multiple_ = form.Link("cmdPrintMultiple", tr("Reports"));
-  form.Row(tr("&Name"), {name_, ink_, state_, low_, hasNotes_, multiple_});
+  label_ = form.Button("cmdPrintLabel", tr("Label"), Qt::CTRL | Qt::Key_L);
+  form.Row(tr("&Name"), {name_, ink_, state_, low_, hasNotes_, multiple_, label_});
 }
 
 void MixColorsForm::BuildFormulaPage(Form page) {
@@ -101,14 +102,12 @@ void MixColorsForm::BuildFormulaPage(Form page) {
   adjust_ = page.Button("cmdAutoAdjust", tr("Adjust Ing. by Percent"), Qt::Key_F9);
   modified_ = page.Button("cmdModified", tr("Modified Formula"));
   print_ = page.Button("cmdPrint", tr("Print"));
-  label_ = page.Button("cmdPrintLabel", tr("Label"), Qt::CTRL | Qt::Key_L);
   across->addWidget(allowEditing_);
   across->addWidget(clearBatch_);
   across->addStretch(1);
   across->addWidget(adjust_);
   across->addWidget(modified_);
   across->addWidget(print_);
-  across->addWidget(label_);
   clearBatch_->hide();
   ingredients_ = new IngredientsPanel(*this, Form(*this, *left));
   sets_ = new AdditiveSetPanel(*this, Form(*this, *right));
