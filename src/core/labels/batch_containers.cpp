@@ -64,6 +64,7 @@ std::vector<LabelData> LabelsOfContainers(Session& session, std::int32_t batchNo
   const std::vector<LotRow> lots = session.InvLotTracking == 1 ? LotsOfBatch(session, *batch) : std::vector<LotRow>();
   for (const LotRow& lot : lots) {
     LabelData& container = *toStock();
+    container.LotRefID = lot.LotRefID;
     container["Lot Number"] = lot.LotNumber;
     container["Lot Location"] = lot.LotLoc;
     container["Lot Cont ID"] = lot.LotContID;

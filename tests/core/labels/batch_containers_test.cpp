@@ -61,6 +61,9 @@ TEST_F(BatchContainersTest, ALotThatWasPouredIntoSeveralHasALabelForEach) {
   EXPECT_EQ(Labels(batch), (Texts{"000001 job J1 lot A1 in B10_1: 1 of 3", "000001 job  lot A1 in B10_2: 2 of 3",
                                   "000001 job  lot A1 in B11: 3 of 3"}));
   EXPECT_EQ(Labels(other).size(), 3U);
+  std::vector<std::int32_t> references;  // what tells two lots of a number apart
+  for (const LabelData& label : LabelsOfContainers(session, batch)) references.push_back(label.LotRefID);
+  EXPECT_EQ(references, (std::vector<std::int32_t>{1, 1, 7}));
 }
 
 }  // namespace
