@@ -86,9 +86,7 @@ void BatchScaleWeighForm::Build() {
   below->addWidget(target_, 1, 0);
   below->addWidget(rest_, 1, 1, Qt::AlignRight);
   form.Wide(figures);
-  form.Wide(more_ = form.Hint(" ", "lblDraft"));
-  more_->setWordWrap(true);
-  more_->setMinimumHeight(2 * more_->fontMetrics().lineSpacing());
+  form.Wide(more_ = form.Hint(" ", "lblScaleShows"));
   trouble_ = form.Hint(" ", "lblState");
   trouble_->setProperty("role", "fault");
   trouble_->setWordWrap(true);
@@ -142,12 +140,8 @@ void BatchScaleWeighForm::ShowRow() {
   const std::size_t left = bench_->RowsLeft();
   left_->setText(left == 1 ? tr("The last row") : tr("%1 rows to weigh").arg(left));
   ingredient_->SetText(ticket_->name);
-  kind_->setText(ticket_->before == 0 ? Q(LineKindName(ticket_->kind))
-                                      : tr("%1, %2 weighed before")
-                                            .arg(Q(LineKindName(ticket_->kind)), Amount(ticket_->before, ticket_->UMF)));
-  // Room for what is said of drafts and of the scale's unit only where there is something to say.
-  const bool otherUnit = setup_.ScaleUnit != 0 && setup_.ScaleUnit != ticket_->UMF;
-  more_->setVisible(otherUnit || Draft() < ticket_->target);
+  // Room for the scale's own unit only where it is another.
+  more_->setVisible(setup_.ScaleUnit != 0 && setup_.ScaleUnit != ticket_->UMF);
   ink_->Show(InkOf(session, ColorKindOf(ticket_->kind), ticket_->name));
 }
 
@@ -265,15 +259,14 @@ void BatchScaleWeighForm::Show() {
   const double rest = RoundTo(target - weight, 3);
   restCaption_->setText(rest < 0 ? tr("Over") : tr("Rest"));
   rest_->SetText(U8(Amount(std::abs(rest), unit)));
-  QStringList more;
+  QString kind = Q(LineKindName(ticket_->kind));
+  if (ticket_->before != 0) kind += tr(", %1 weighed before").arg(Amount(ticket_->before, unit));
   if (target < RoundTo(ticket_->target - poured_, 3) || draft_ > 1)
-    more += tr("Draft %1 of a row of %2, %3 of it poured")
-                .arg(draft_)
-                .arg(Amount(ticket_->target, unit), Amount(poured_, unit));
+    kind += tr(", draft %1: %2 of %3 poured").arg(draft_).arg(Amount(poured_, unit), Amount(ticket_->target, unit));
+  kind_->setText(kind);
   const auto& last = scale_->Link().Last();
-  if (setup_.ScaleUnit != 0 && setup_.ScaleUnit != unit && scale_->Has(*this) && last)
-    more += tr("The scale shows %1").arg(Amount(last->weight, setup_.ScaleUnit));
-  more_->setText(more.isEmpty() ? " " : more.join(". "));
+  if (!more_->isHidden() && scale_->Has(*this) && last)
+    more_->setText(tr("The scale shows %1").arg(Amount(last->weight, setup_.ScaleUnit)));
   trouble_->setText(Trouble());
   const bool over = end == PourEnd::Over;
   if (over && !std::exchange(over_, over)) {

@@ -11,9 +11,9 @@
 namespace vellumark::desktop {
 namespace {
 
-constexpr int kBarHeight = 48;
+constexpr int kBarHeight = 40;
 constexpr double kCorner = 4;
-constexpr double kReadingScale = 4.5;
+constexpr double kReadingScale = 4;
 
 QString Tr(const char* text) {
   return PourReading::tr(text);

@@ -199,7 +199,9 @@ TEST_F(WeighingRoom, AHeavyRowIsWeighedInDraftsInTheUnitOfTheScale) {
   };
   ASSERT_TRUE(grams("910.0", "2.006")) << On("lblSWeight");
   EXPECT_EQ(On("lblWord"), "On target");
-  EXPECT_EQ(On("lblDraft"), "Draft 1 of a row of 6.000 lb., 0.000 lb. of it poured. The scale shows 910.000 g.");
+  EXPECT_EQ(On("lblKind"), "Basic, draft 1: 0.000 lb. of 6.000 lb. poured");
+  EXPECT_EQ(On("lblScaleShows"), "The scale shows 910.000 g.");
+  EXPECT_LE(weigh->height(), 500) << "in sight on full HD at 200 percent";
   Picture(*weigh, "weigh-draft", weigh->size());
   Done();
   EXPECT_EQ(Weighing(), "RED 1.997 lb.");
