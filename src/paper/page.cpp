@@ -32,9 +32,14 @@ void PagePainter::Paint(const Page& page) {
     painter_.drawLine(line.from * scale_, line.to * scale_);
   }
   for (const PageBars& bars : page.codes) PaintBars(bars);
-  for (const PagePicture& picture : page.pictures)
-    QSvgRenderer(picture.svg)
-        .render(&painter_, QRectF(picture.place.topLeft() * scale_, picture.place.size() * scale_));
+  for (const PagePicture& picture : page.pictures) {
+    const QRectF place(picture.place.topLeft() * scale_, picture.place.size() * scale_);
+    if (picture.photo.isNull()) {
+      QSvgRenderer(picture.svg).render(&painter_, place);
+    } else {
+      painter_.drawImage(place, picture.photo);
+    }
+  }
 }
 
 // Of a printer every module is a whole number of its dots; a screen has too few of them for that.

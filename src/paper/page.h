@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QByteArray>
+#include <QImage>
 #include <QPainter>
 #include <QPointF>
 #include <QRectF>
@@ -38,9 +39,11 @@ struct PageBars {
   std::vector<std::uint8_t> widths;
 };
 
+/// A drawing, or a photo where there is one.
 struct PagePicture {
   QRectF place;
-  QByteArray svg;
+  QByteArray svg{};
+  QImage photo{};
 };
 
 /// A page as it was laid out, before any device: places and sizes in points from the upper left corner of the printable

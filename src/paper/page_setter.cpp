@@ -78,6 +78,10 @@ void PageSetter::Picture(const QByteArray& svg, double wide, double high) {
   page_.pictures.push_back({{(Across() - wide) / 2, top_, wide, high}, svg});
 }
 
+void PageSetter::Photo(QImage photo, double left, double wide, double high) {
+  page_.pictures.push_back({.place = {left, top_, wide, high}, .photo = std::move(photo)});
+}
+
 // As large as there is room for, between `topUnits` and so many units below it.
 void PageSetter::Centered(double topUnits, const QString& text, double size, bool bold, double highUnits) {
   size = std::min({size, page_.Y(highUnits) / typeface_.LineHeight(1), Across() / typeface_.Width(text, 1, bold)});

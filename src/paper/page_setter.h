@@ -35,6 +35,8 @@ class PageSetter {
 
   /// In the middle of the page, under Top().
   void Picture(const QByteArray& svg, double wide, double high);
+  /// From `left`, under Top().
+  void Photo(QImage photo, double left, double wide, double high);
 
   /// Hands over the page that is set and begins another.
   void TurnPage();

@@ -1,6 +1,10 @@
 #include "paper/sheet_layout.h"
 
+#include <fmt/format.h>
+
+#include <QImageReader>
 #include <algorithm>
+#include <climits>
 #include <cmath>
 #include <utility>
 
@@ -82,6 +86,7 @@ void SheetLayout::SetBlock(PageSetter& setter, const SheetBlock& block, const Ta
   }
   SetFields(setter, block, size);
   if (block.picture) SetPicture(setter, *block.picture);
+  SetPhotos(setter, block, size);
   if (columns != nullptr) SetTable(setter, block, *columns, progress);
   SetLines(setter, block, size);
   SetCodes(setter, block, size);
@@ -110,6 +115,36 @@ void SheetLayout::SetPicture(PageSetter& setter, const SheetPicture& picture) {
   if (setter.Room() < high) setter.TurnPage();
   setter.Picture(QByteArray::fromStdString(picture.svg), high * picture.across / picture.down, high);
   setter.Down(high);
+}
+
+// All of one height, in as many lines as they need.
+void SheetLayout::SetPhotos(PageSetter& setter, const SheetBlock& block, double size) const {
+  constexpr int kDots = 1000;  // more than paper shows at this height
+  const double line = PageSetter::LineHeight(typeface_, size);
+  const double gap = line * 0.6;
+  const double high = setter.Body() / 5;
+  double left = 0;
+  std::vector<std::string> missing;
+  for (const std::filesystem::path& file : block.photos) {
+    QImageReader reader(Q(file.string()));
+    if (reader.size().height() > kDots) reader.setScaledSize(reader.size().scaled(INT_MAX, kDots, Qt::KeepAspectRatio));
+    QImage photo = reader.read();
+    if (photo.isNull()) {
+      missing.push_back(fmt::format("Photo {}: {}", file.filename().string(), reader.errorString().toStdString()));
+      continue;
+    }
+    const double wide = std::min(high * photo.width() / photo.height(), setter.Across());
+    const double tall = wide * photo.height() / photo.width();
+    if (left > 0 && left + wide > setter.Across()) {
+      setter.Down(high + gap);
+      left = 0;
+    }
+    if (left == 0 && setter.Room() < high) setter.TurnPage();
+    setter.Photo(std::move(photo), left, wide, tall);
+    left += wide + gap;
+  }
+  if (left > 0) setter.Down(high + gap);
+  SetLines(setter, {.lines = std::move(missing)}, size);
 }
 
 void SheetLayout::SetLines(PageSetter& setter, const SheetBlock& block, double size) const {

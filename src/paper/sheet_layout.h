@@ -40,6 +40,7 @@ class SheetLayout {
   void SetBlock(PageSetter& setter, const SheetBlock& block, const TableColumns* columns, Progress& progress);
   void SetFields(PageSetter& setter, const SheetBlock& block, double size) const;
   static void SetPicture(PageSetter& setter, const SheetPicture& picture);
+  void SetPhotos(PageSetter& setter, const SheetBlock& block, double size) const;
   void SetLines(PageSetter& setter, const SheetBlock& block, double size) const;
   void SetCodes(PageSetter& setter, const SheetBlock& block, double size) const;
   void SetTable(PageSetter& setter, const SheetBlock& block, const TableColumns& columns, Progress& progress);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <filesystem>
 #include <optional>
 #include <string>
 #include <utility>
@@ -27,6 +28,7 @@ struct SheetBlock {
   std::string heading{};
   std::vector<SheetField> fields{};
   std::optional<SheetPicture> picture{};
+  std::vector<std::filesystem::path> photos{};  ///< files of pictures, side by side; what is none by now is named
   std::optional<ListTable> table{};
   std::vector<double> widths{};      ///< of the columns shown, in twips, 0 hides one; empty: as wide as their texts
   std::vector<std::string> lines{};  ///< as much text as there is; line ends in it count

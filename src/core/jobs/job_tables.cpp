@@ -5,12 +5,15 @@
 #include <algorithm>
 #include <map>
 #include <memory>
+#include <set>
 #include <tuple>
 #include <vector>
 
 #include "core/base/number.h"
 #include "core/base/text.h"
 #include "core/base/units.h"
+#include "core/jobs/designs.h"
+#include "core/jobs/photo_library.h"
 #include "core/session/rights.h"
 #include "core/session/settings.h"
 
@@ -215,11 +218,15 @@ Sheet JobSheet(const Session& session, const Job& job) {
   sheet.blocks.push_back({.heading = job.JobNumber, .large = true});
   SheetBlock head{.fields = {{"Date Entered", day(job.Date_Entered)},
                              {"Date Completed", job.Date_Completed ? day(job.Date_Completed) : "open"}}};
-  std::string design;
-  for (const JobRecord& item : job.items)
-    if (design.empty() && !item.DesignID.empty())
-      design = item.DesignDesc.empty() ? item.DesignID : item.DesignID + " - " + item.DesignDesc;
-  if (!design.empty()) head.fields.push_back({"Design", design});
+  std::set<std::string> designs;
+  for (const JobRecord& item : job.items) {
+    if (item.DesignID.empty() || !designs.insert(Upper(item.DesignID)).second) continue;
+    head.fields.push_back(
+        {"Design", item.DesignDesc.empty() ? item.DesignID : item.DesignID + " - " + item.DesignDesc});
+    const auto design = ReadDesign(session, item.DesignID);
+    for (const std::string& photo : design ? design->Photos() : std::vector<std::string>{})
+      head.photos.push_back(PhotoFile(session, photo).value_or(PhotoFolder(session) / photo));
+  }
   head.fields.push_back({InUnit(session, "Total Qty Used"), Fixed(job.totals.QtyUsed, 3)});
   if (SeenBy(session).prices)
     head.fields.push_back({"Total Cost", Fixed(job.totals.Cost, session.DecimalPlaces)});

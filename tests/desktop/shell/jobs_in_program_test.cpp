@@ -203,6 +203,9 @@ TEST_F(JobsInProgramTest, FromADesignToTheEndOfItsJob) {
     for (const std::string& line : LinesOf(sheet)) page += line + "\n";
   for (const char* text : {"Job Cost Sheet", "J-77", "1.500", "2.250"})
     EXPECT_NE(page.find(text), std::string::npos) << text;
+  // Under a head of two lines one for each picture: the photos of the Design.
+  const std::string photos = RunTool("pdfimages -list '" + file.string() + "'");
+  EXPECT_EQ(std::ranges::count(photos, '\n'), 4) << photos;
   Click(job, "cmdExportJobs");
   desktop::Window& records = *running.windows.Form("ExportJobRecords");
   Fill(records, "txtFirst", "J-77");
