@@ -11,6 +11,11 @@ std::string Batches(std::string_view database) {
   return Quoted(TableName(database, schema::Batch));
 }
 
+void TellBatch(Transaction& transaction, std::string_view database, std::int32_t batchNo) {
+  transaction.Note(
+      {Change::Kind::Batch, std::string(database), std::to_string(batchNo), Change::What::Updated, {}});
+}
+
 }  // namespace
 
 void StoreBatchJob(Database& file, std::string_view database, std::int32_t batchNo) {
@@ -22,12 +27,12 @@ void StoreBatchJob(Database& file, std::string_view database, std::int32_t batch
       .Bind(1, batchNo)
       .Bind(2, database)
       .Run();
-  transaction.Note(
-      {Change::Kind::Batch, std::string(database), std::to_string(batchNo), Change::What::Updated, {}});
+  TellBatch(transaction, database, batchNo);
   transaction.Commit();
 }
 
 void StoreBatchLot(Database& file, std::string_view database, std::int32_t batchNo, std::int32_t ref) {
+  Transaction transaction(file);
   file.Prepare(fmt::format("UPDATE {} SET LotRefID = ?2 WHERE BatchNo = ?1", Batches(database)))
       .Bind(1, batchNo)
       .Bind(2, ref)
@@ -37,6 +42,8 @@ void StoreBatchLot(Database& file, std::string_view database, std::int32_t batch
       .Bind(2, ref)
       .Bind(3, database)
       .Run();
+  TellBatch(transaction, database, batchNo);
+  transaction.Commit();
 }
 
 }  // namespace vellumark
