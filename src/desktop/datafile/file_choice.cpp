@@ -2,6 +2,9 @@
 
 #include <QCoreApplication>
 #include <QFileDialog>
+#include <QStandardPaths>
+#include <system_error>
+#include <utility>
 
 #include "desktop/kit/text.h"
 
@@ -29,6 +32,21 @@ QString ChooseFile(const FileChoice& choice, QWidget* owner) {
   dialog.setOption(QFileDialog::DontConfirmOverwrite);
   if (dialog.exec() != QDialog::Accepted || dialog.selectedFiles().isEmpty()) return {};
   return dialog.selectedFiles().front();
+}
+
+QString ChooseDocument(const FileChooser& choose, Prompt& prompt, FileChoice choice, QWidget* owner) {
+  choice.folder = QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation);
+  choice.newFile = true;
+  const QString file = choose(choice, owner);
+  std::error_code none;
+  if (!file.isEmpty() && std::filesystem::exists(U8(file), none) &&
+      !prompt.Ask("Overwrite File", "Overwrite existing file?", Answer::No))
+    return {};
+  return file;
+}
+
+FileChoice ChoiceOfPdf() {
+  return {.title = Tr("Save as PDF"), .filter = Tr("PDF (*.pdf)") + " | *.pdf", .extension = ".pdf", .folder = {}};
 }
 
 FileChoice ChoiceToOpen(const Session& session) {

@@ -3,12 +3,11 @@
 #include <QHBoxLayout>
 #include <QScrollArea>
 #include <QScrollBar>
-#include <QStandardPaths>
 #include <algorithm>
 #include <array>
-#include <filesystem>
 
 #include "core/base/number.h"
+#include "desktop/datafile/file_choice.h"
 #include "desktop/kit/look.h"
 #include "desktop/kit/record_fields.h"
 #include "desktop/kit/text.h"
@@ -331,18 +330,8 @@ void LabelWindow::cmdPrint_Click() {
 
 void LabelWindow::cmdPDF_Click() {
   if (!Accepted(MayPrint())) return;
-  const QString file =
-      devices_.chooseFile({.title = tr("Save as PDF"),
-                           .filter = tr("PDF (*.pdf)") + " | *.pdf",
-                           .extension = ".pdf",
-                           .folder = QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation),
-                           .newFile = true},
-                          this);
+  const QString file = ChooseDocument(devices_.chooseFile, session.prompt, ChoiceOfPdf(), this);
   if (file.isEmpty()) return;
-  std::error_code none;
-  if (std::filesystem::exists(U8(file), none) &&
-      !session.prompt.Ask(U8(tr("Overwrite File")), U8(tr("Overwrite existing file?")), Answer::No))
-    return;
   Run([&](const paper::LabelJob& job) { paper::PrintLabelsToFile(session, job, U8(file)); }, paper::kLabelDots);
 }
 

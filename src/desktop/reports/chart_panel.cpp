@@ -3,12 +3,11 @@
 #include <QBuffer>
 #include <QEvent>
 #include <QImage>
-#include <QStandardPaths>
 #include <QtCharts/QChart>
 #include <QtCharts/QChartView>
-#include <filesystem>
 
 #include "core/base/files.h"
+#include "desktop/datafile/file_choice.h"
 #include "desktop/kit/look.h"
 #include "desktop/kit/text.h"
 #include "desktop/kit/window.h"
@@ -120,17 +119,13 @@ void ChartPanel::changeEvent(QEvent* event) {
 void ChartPanel::Save() {
   const std::optional<ReportChart> chart = Chart();
   if (!chart) return;
-  const QString file = choose_({.title = tr("Save picture"),
-                                .filter = tr("Pictures (*.png *.svg)") + " | *.png *.svg",
-                                .extension = ".png",
-                                .folder = QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation),
-                                .newFile = true},
-                               this);
+  const QString file = ChooseDocument(choose_, host_.session.prompt,
+                                      {.title = tr("Save picture"),
+                                       .filter = tr("Pictures (*.png *.svg)") + " | *.png *.svg",
+                                       .extension = ".png",
+                                       .folder = {}},
+                                      this);
   if (file.isEmpty()) return;
-  std::error_code none;
-  if (std::filesystem::exists(U8(file), none) &&
-      !host_.session.prompt.Ask("Overwrite File", "Overwrite existing file?", Answer::No))
-    return;
   try {
     WriteFile(file, *chart);
   } catch (const Failure& failure) {

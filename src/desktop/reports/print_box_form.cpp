@@ -1,12 +1,13 @@
 #include "desktop/reports/print_box_form.h"
 
+#include <fmt/format.h>
+
 #include <QFontDatabase>
 #include <QHBoxLayout>
-#include <QStandardPaths>
 #include <array>
-#include <filesystem>
 
 #include "core/base/number.h"
+#include "desktop/datafile/file_choice.h"
 #include "desktop/kit/look.h"
 #include "desktop/kit/text.h"
 #include "desktop/reports/page_preview.h"
@@ -267,18 +268,8 @@ void PrintBoxForm::cmdPrint_Click() {
 }
 
 void PrintBoxForm::cmdPDF_Click() {
-  const QString file =
-      devices_.chooseFile({.title = tr("Save as PDF"),
-                           .filter = tr("PDF (*.pdf)") + " | *.pdf",
-                           .extension = ".pdf",
-                           .folder = QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation),
-                           .newFile = true},
-                          this);
+  const QString file = ChooseDocument(devices_.chooseFile, session.prompt, ChoiceOfPdf(), this);
   if (file.isEmpty()) return;
-  std::error_code none;
-  if (std::filesystem::exists(U8(file), none) &&
-      !session.prompt.Ask(U8(tr("Overwrite File")), U8(tr("Overwrite existing file?")), Answer::No))
-    return;
   Run([&](paper::SheetLayout& layout) { return paper::WritePdf(U8(file), sheet_.title, layout, session.progress); });
 }
 
