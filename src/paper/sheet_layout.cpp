@@ -235,7 +235,7 @@ class TableSetter {
     for (const PaperColumn& column : columns_) {
       const auto place = static_cast<std::size_t>(std::ranges::find(shown, column.column) - shown.begin());
       const QString sum = Q(sums[place]);
-      PutCell(column, left, IsFigure(sum) ? QString(sum).replace('.', options_.locale.decimalPoint()) : sum, true, 0);
+      PutCell(column, left, sum.contains('.') ? InLocale(sum, options_.locale) : sum, true, 0);
       left += column.width;
     }
     setter_.Rule(0, left, 0);

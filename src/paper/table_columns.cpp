@@ -32,6 +32,14 @@ double LongestWord(const Typeface& typeface, const QString& text, double size) {
 
 }  // namespace
 
+QString InLocale(const QString& figure, const QLocale& locale) {
+  bool number = false;
+  const double value = figure.toDouble(&number);
+  if (!number || locale == QLocale::c()) return figure;
+  const qsizetype point = figure.indexOf('.');
+  return locale.toString(value, 'f', point < 0 ? 0 : static_cast<int>(figure.size() - point - 1));
+}
+
 QString PaperText(const TableColumn& column, const TableValue& value, const QLocale& locale) {
   if (locale != QLocale::c()) {
     if (const auto* date = std::get_if<DateTime>(&value); date != nullptr && column.format != Format::Moment)
@@ -39,7 +47,8 @@ QString PaperText(const TableColumn& column, const TableValue& value, const QLoc
         return locale.toString(QDate(date->year, date->month, date->day), QLocale::ShortFormat);
   }
   QString text = Q(CellText(column, value));
-  if (column.format == Format::Amount) return text.replace('.', locale.decimalPoint());
+  if (column.format == Format::Amount || column.format == Format::Money) return InLocale(text, locale);
+  if (column.format == Format::Percent && text.endsWith('%')) return InLocale(text.chopped(1), locale) + '%';
   for (QChar& letter : text)
     if (letter < ' ') letter = ' ';
   return text;

@@ -11,6 +11,8 @@
 
 namespace vellumark::paper {
 
+/// A decimal figure as the locale writes it, its thousands grouped; what is none stays as it is.
+QString InLocale(const QString& figure, const QLocale& locale);
 /// The cell as it stands on paper: one line, its numbers and dates as the locale writes them.
 QString PaperText(const TableColumn& column, const TableValue& value, const QLocale& locale);
 /// Consists of digits with what belongs to numbers; cut off it would be another number.

@@ -222,15 +222,16 @@ TEST_F(PaperTest, WritesNumbersAndDatesAsTheLocaleDoes) {
   ListTable table = Rows({{"Name", "", {}, Format::Text},
                           {"Qty", "", {}, Format::Amount, 3, true},
                           {"No", "", {}, Format::Whole},
-                          {"Date", "", {}, Format::When}},
-                         {{std::string("2.5 INK\nnew\tdrum"), 12.5, std::int64_t{1200}, DateTime{2026, 2, 3}}});
+                          {"Date", "", {}, Format::When},
+                          {"Share", "", {}, Format::Percent}},
+                         {{std::string("2.5 INK\nnew\tdrum"), 2012.5, std::int64_t{1200}, DateTime{2026, 2, 3}, 0.125}});
   table.totals = "Totals";
   const auto pages = Print(Sheet::Of("Colors", table));
   Picture(file, "german");
   const auto lines = LinesOf(pages.front());
-  EXPECT_NE(std::ranges::find(lines, "2.5 INK new drum 12,500 1200 03.02.26"), lines.end())
+  EXPECT_NE(std::ranges::find(lines, "2.5 INK new drum 2.012,500 1200 03.02.26 12,50%"), lines.end())
       << fmt::format("{}", fmt::join(lines, "\n"));
-  EXPECT_NE(std::ranges::find(lines, "Totals 12,500"), lines.end());
+  EXPECT_NE(std::ranges::find(lines, "Totals 2.012,500"), lines.end());
   EXPECT_NE(std::ranges::find(lines, "Database: MAIN 25.11.26 14:05"), lines.end());
 }
 
