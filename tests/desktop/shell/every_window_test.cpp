@@ -38,7 +38,8 @@ struct EveryWindowTest : testing::Test {
     // Whatever else comes up on the way is noted and goes.
     QObject::connect(&others, &QTimer::timeout, [this] {
       auto* modal = qobject_cast<QDialog*>(QApplication::activeModalWidget());
-      if (modal == nullptr || modal == visited || dynamic_cast<desktop::WaitWindow*>(modal) != nullptr) return;
+      if (modal == nullptr || modal == visited || (visited == nullptr && modal->objectName() == awaited) ||
+          dynamic_cast<desktop::WaitWindow*>(modal) != nullptr) return;
       told.push_back(modal->objectName().toStdString());
       modal->reject();
     });
@@ -105,12 +106,14 @@ struct EveryWindowTest : testing::Test {
         if (dialog != nullptr) dialog->done(QDialog::Rejected);
       });
       poll.start(1);
+      awaited = QString::fromStdString(name);
       try {
         running.windows.RunDialog(name, ShownBy(name));
       } catch (const std::logic_error& missing) {
         EXPECT_TRUE(std::string_view(missing.what()).starts_with("argument ")) << missing.what();
       }
       visited = nullptr;
+      awaited.clear();
     }
     Settle();
   }
@@ -118,6 +121,7 @@ struct EveryWindowTest : testing::Test {
   FurnishedRoom room;
   RunningProgram<desktop::MessagePrompt> running;
   QTimer others;
+  QString awaited;  ///< the dialog that is being opened and not visited yet
   QPointer<QDialog> visited;
   std::optional<BatchRecord> record;
   Lines told;
