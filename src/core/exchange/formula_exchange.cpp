@@ -13,6 +13,7 @@
 #include "core/colors/basics.h"
 #include "core/colors/figure_book.h"
 #include "core/colors/formulas.h"
+#include "core/exchange/formula_file.h"
 #include "core/exchange/mfe.h"
 #include "core/exchange/text_file.h"
 #include "core/session/acts.h"
@@ -42,9 +43,9 @@ class StoredNames {
   std::map<ColorKind, std::unordered_map<std::string, std::string>> names_;
 };
 
-std::string BadLinesText(const std::vector<MfeFile::BadLine>& lines) {
+std::string BadLinesText(const std::vector<BadLine>& lines) {
   std::string text;
-  for (const MfeFile::BadLine& bad : lines) {
+  for (const BadLine& bad : lines) {
     std::string content = bad.content;
     std::ranges::replace(content, '\t', ' ');
     if (CharCount(content) > 100) content = Left(content, 97) + "...";
@@ -54,9 +55,9 @@ std::string BadLinesText(const std::vector<MfeFile::BadLine>& lines) {
   return text;
 }
 
-Recipe RecipeOf(StoredNames& names, const MfeFile::Formula& formula) {
+Recipe RecipeOf(StoredNames& names, const SourceColor& formula) {
   Recipe recipe;
-  for (const auto& [name, amount] : formula.parts) recipe.push_back({names.Of(ColorKind::Basic, name), amount});
+  for (const Ingredient& part : formula.recipe) recipe.push_back({names.Of(ColorKind::Basic, part.name), part.amount});
   return Normalise(std::move(recipe));
 }
 
@@ -71,11 +72,11 @@ std::string FaultOf(const Recipe& recipe) {
 }
 
 // The recipes in parts of 100 under the names of the Database. What cannot be one there is told among the bad lines.
-std::vector<Incoming> ReadFormulas(const Session& session, MfeFile& file) {
+std::vector<Incoming> ReadFormulas(const Session& session, FormulaTable& file) {
   StoredNames names(session);
   std::vector<Incoming> incoming;
   std::unordered_map<std::string, int> lineOfName;
-  for (const MfeFile::Formula& formula : file.formulas) {
+  for (const SourceColor& formula : file.formulas) {
     Incoming read{names.Of(ColorKind::Mix, formula.name), RecipeOf(names, formula), 0};
     std::string fault = FaultOf(read.recipe);
     if (const auto [first, added] = lineOfName.emplace(read.name, formula.line); fault.empty() && !added)
@@ -86,7 +87,7 @@ std::vector<Incoming> ReadFormulas(const Session& session, MfeFile& file) {
       file.badLines.push_back({formula.line, formula.name, std::move(fault)});
     }
   }
-  std::ranges::sort(file.badLines, {}, &MfeFile::BadLine::line);
+  std::ranges::sort(file.badLines, {}, &BadLine::line);
   return incoming;
 }
 
@@ -184,7 +185,9 @@ class FormulaWriter {
 
 Result<ImportReport> ImportFormulas(Session& session, const std::filesystem::path& path) {
   if (auto allowed = RequireAct(session, Act::ImportFormulas); !allowed) return std::unexpected(allowed.error());
-  MfeFile file = ReadMfe(path, session.NameLength);
+  auto read = ReadFormulaFile(path, {.nameLength = session.NameLength});
+  if (!read) return std::unexpected(read.error());
+  FormulaTable& file = *read;
   std::vector<Incoming> incoming = ReadFormulas(session, file);
   if (!file.badLines.empty()) return Refuse("Import Formulas", BadLinesText(file.badLines), path.string());
   if (incoming.empty())
