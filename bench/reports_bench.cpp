@@ -10,6 +10,7 @@
 #include "core/reports/build.h"
 #include "core/reports/catalogue.h"
 #include "core/reports/find.h"
+#include "core/reports/quick_find.h"
 #include "large_room.h"
 
 namespace vellumark::bench {
@@ -192,6 +193,31 @@ void FindRaw(benchmark::State& state) {
 }
 BENCHMARK(FindBatches)->Name("find_200k/ours")->Unit(benchmark::kMillisecond);
 BENCHMARK(FindRaw)->Name("find_200k/raw")->Unit(benchmark::kMillisecond);
+
+// ---- quick_find_350k: the slowest key in the field over 100,000 formulas, 200,000 Batches and 50,000 lots
+
+void QuickFind(benchmark::State& state) {
+  static QuickIndex index(Room().session);
+  if (index.Size() == 0) {
+    index.Begin();
+    while (index.ReadOn(std::chrono::milliseconds(10))) continue;
+  }
+  const std::string formula = Room().FormulaName(77777);
+  const std::vector<std::string> typed{formula, "shade 185", "000421", "qqq zz", "e 9"};
+  double slowest = 0;
+  for (auto run : state) {
+    for (const std::string& text : typed)
+      for (std::size_t keys = 1; keys <= text.size(); ++keys) {
+        const auto begin = std::chrono::steady_clock::now();
+        benchmark::DoNotOptimize(index.Find(text.substr(0, keys)));
+        const auto end = std::chrono::steady_clock::now();
+        slowest = std::max(slowest, std::chrono::duration<double, std::milli>(end - begin).count());
+      }
+    if (index.Find(formula).empty() || index.Size() < 350000) state.SkipWithError("not all is in the index");
+  }
+  state.counters["ms"] = slowest;
+}
+BENCHMARK(QuickFind)->Name("quick_find_350k/ours")->Unit(benchmark::kMillisecond)->Iterations(5);
 
 }  // namespace
 }  // namespace vellumark::bench

@@ -12,15 +12,24 @@ namespace vellumark {
 namespace {
 
 constexpr std::string_view kListColumns =
-    "BatchNo, Color_Name, Date_Entered, Quantity, ActualQuantity, UMF, JobNumber, Complete";
+    "BatchNo, Color_Name, Date_Entered, Quantity, ActualQuantity, UMF, JobNumber, Complete, RowKey";
 
 using TakeBatch = std::function<bool(const BatchListRow&)>;
 
 void ReadList(Statement rows, const TakeBatch& take) {
   while (rows.Step())
     if (!take({static_cast<std::int32_t>(rows.Whole(0)), rows.Text(1), rows.Date(2), rows.Single(3), rows.Single(4),
-               static_cast<int>(rows.Whole(5)), rows.Text(6), rows.Bool(7)}))
+               static_cast<int>(rows.Whole(5)), rows.Text(6), rows.Bool(7), rows.Whole(8)}))
       return;
+}
+
+std::vector<BatchListRow> Listed(Statement rows) {
+  std::vector<BatchListRow> list;
+  ReadList(std::move(rows), [&](const BatchListRow& row) {
+    list.push_back(row);
+    return true;
+  });
+  return list;
 }
 
 void ForEachRecentBatch(const Session& session, int count, const TakeBatch& take) {
@@ -160,6 +169,22 @@ TableOf<BatchListRow> BatchColumns() {
       .Add("Complete", &Row::Complete, "", Format::Mark)
       .Show({"Batch", "Color Name", "Date Entered", "Made", "Unit", "Job Number", "Complete"});
   return table;
+}
+
+std::vector<BatchListRow> BatchesBefore(const Session& session, const std::optional<BatchListRow>& batch, int count) {
+  Statement rows = session.File().Prepare(
+      fmt::format("SELECT {} FROM {}{} ORDER BY BatchNo DESC, RowKey DESC LIMIT {}", kListColumns,
+                  session.QuotedTable(schema::Batch), batch ? " WHERE (BatchNo, RowKey) < (?1, ?2)" : "", count));
+  if (batch) rows.Bind(1, batch->BatchNo).Bind(2, batch->key);
+  return Listed(std::move(rows));
+}
+
+std::vector<BatchListRow> BatchesOfDay(const Session& session, const DateTime& day) {
+  Statement rows = session.File().Prepare(
+      fmt::format("SELECT {} FROM {} WHERE Date_Entered >= ?1 AND Date_Entered <= ?2 ORDER BY Date_Entered DESC, RowKey DESC",
+                  kListColumns, session.QuotedTable(schema::Batch)));
+  rows.Bind(1, day.DateText()).Bind(2, day.DateText() + " 23:59:59");
+  return Listed(std::move(rows));
 }
 
 std::vector<BatchListRow> RecentBatches(const Session& session, int count) {

@@ -49,8 +49,13 @@ struct BatchListRow {
   int UMF = 1;
   std::string JobNumber;
   bool Complete = false;
+  std::int64_t key = 0;
 };
 TableOf<BatchListRow> BatchColumns();
+/// Those that come before a Batch of the list, the newest first, at most `count`; before none: the last of all.
+std::vector<BatchListRow> BatchesBefore(const Session& session, const std::optional<BatchListRow>& batch, int count);
+/// Those that were entered on the day of that moment, newest first.
+std::vector<BatchListRow> BatchesOfDay(const Session& session, const DateTime& day);
 /// The Batches entered last, newest first.
 std::vector<BatchListRow> RecentBatches(const Session& session, int count);
 /// All Batches by number, or those of one formula.
