@@ -20,12 +20,6 @@
 namespace vellumark::cli {
 namespace {
 
-std::unexpected<Refusal> NoBatch(const Session& session, std::int32_t batchNo) {
-  return Refuse("Batch Not Found",
-                fmt::format("There is no Batch {} in the {} database.", BatchNoText(batchNo), session.CurrentDatabase),
-                "BatchNo");
-}
-
 // A saved Batch for as long as a verb works on it, all in one transaction: what is refused, stands unanswered or fails
 // leaves the file as it was, its history of stock too. The command line's answers are there before it begins, so no
 // question waits for a person.
@@ -33,7 +27,7 @@ template <class Act>
 Result<Json> OnStoredBatch(Session& session, std::int32_t batchNo, const Act& act) {
   Transaction transaction(session.File());
   BatchRecord record;
-  if (!OpenBatch(session, record, batchNo)) return NoBatch(session, batchNo);
+  if (!OpenBatch(session, record, batchNo)) return RefuseUnknownBatch(session, batchNo);
   auto answer = act(record);
   if (answer) transaction.Commit();
   return answer;
@@ -41,7 +35,7 @@ Result<Json> OnStoredBatch(Session& session, std::int32_t batchNo, const Act& ac
 
 Result<Json> ShowBatch(Context& context, std::int32_t batchNo) {
   const auto record = ReadBatch(context.session, batchNo);
-  if (!record) return NoBatch(context.session, batchNo);
+  if (!record) return RefuseUnknownBatch(context.session, batchNo);
   if (!context.json) context.text = StoredBatchText(context.session, *record);
   return StoredBatchJson(context.session, *record);
 }
@@ -104,14 +98,14 @@ Result<Json> DeleteStoredBatch(Context& context, std::int32_t batchNo) {
 Result<Json> MarkComplete(Context& context, std::int32_t batchNo, bool complete) {
   Session& session = context.session;
   auto record = ReadBatch(session, batchNo);
-  if (!record) return NoBatch(session, batchNo);
+  if (!record) return RefuseUnknownBatch(session, batchNo);
   if (const auto marked = CompleteBatch(session, *record, complete); !marked) return std::unexpected(marked.error());
   return Json{{"BatchNo", batchNo}, {"Complete", complete}};
 }
 
 Result<Json> PrintTicket(Context& context, std::int32_t batchNo) {
   const auto record = ReadBatch(context.session, batchNo);
-  if (!record) return NoBatch(context.session, batchNo);
+  if (!record) return RefuseUnknownBatch(context.session, batchNo);
   auto ticket = BatchTicket(context.session, *record);
   if (!ticket) return std::unexpected(ticket.error());
   context.sheet = *std::move(ticket);
@@ -174,7 +168,7 @@ Result<Json> WeighRow(Context& context, const WeighOptions& options) {
 
 Result<Json> DispenseStoredBatch(Context& context, std::int32_t batchNo, const DispenseChoice& choice) {
   auto record = ReadBatch(context.session, batchNo);
-  if (!record) return NoBatch(context.session, batchNo);
+  if (!record) return RefuseUnknownBatch(context.session, batchNo);
   const auto file = Dispense(context.session, *record, choice);
   if (!file) return std::unexpected(file.error());
   return Json{{"File", file->string()}};

@@ -132,6 +132,7 @@ void AddDesignCommands(CLI::App& app, Commands& commands);
 void AddEstimateCommands(CLI::App& app, Commands& commands);
 void AddReportCommands(CLI::App& app, Commands& commands);
 void AddFindCommands(CLI::App& app, Commands& commands);
+void AddArchiveCommands(CLI::App& app, Commands& commands);
 void AddBackupCommands(CLI::App& app, Commands& commands);
 void AddLabelCommands(CLI::App& app, Commands& commands);
 void AddUsersCommands(CLI::App& app, Commands& commands);

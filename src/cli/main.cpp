@@ -287,6 +287,7 @@ int Main(int argc, char** argv) {
   AddEstimateCommands(app, commands);
   AddReportCommands(app, commands);
   AddFindCommands(app, commands);
+  AddArchiveCommands(app, commands);
   AddBackupCommands(app, commands);
   AddLabelCommands(app, commands);
   AddUsersCommands(app, commands);

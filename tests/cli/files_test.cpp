@@ -81,7 +81,7 @@ TEST(CliFiles, EachUnusableFileSaysWhichAndWhyAndStaysAsItIs) {
   EXPECT_EQ(room.Run({"file", "info"}).status, 0);
 }
 
-TEST(CliFiles, AFileThatIsHeldOrArchivedRefusesWriting) {
+TEST(CliFiles, AFileThatIsHeldIsNotRead) {
   const test::CliRoom room;
   const fs::path path = room.MakeFile();
   {
@@ -90,22 +90,6 @@ TEST(CliFiles, AFileThatIsHeldOrArchivedRefusesWriting) {
     EXPECT_EQ(answer.status, 4);
     EXPECT_NE(answer.err.find("is in use by another process"), std::string::npos) << answer.err;
   }
-  const fs::path archive = room.folder / "Archive.vkd";
-  fs::copy_file(path, archive);
-  const std::string before = ReadFileBytes(archive);
-  EXPECT_EQ(room.Run({"--file", archive.string(), "color", "list"}).status, 0);
-  for (const std::vector<std::string>& verb : {std::vector<std::string>{"color", "add", "BLUE"},
-                                               {"db", "create", "NEW"},
-                                               {"formula", "delete", "X"},
-                                               {"stock", "adjust", "X", "1"},
-                                               {"file", "compact"}}) {
-    std::vector<std::string> words{"--yes", "--file", archive.string()};
-    words.insert(words.end(), verb.begin(), verb.end());
-    const test::CliAnswer answer = room.Run(words);
-    EXPECT_EQ(answer.status, 1) << verb[0];
-    EXPECT_EQ(answer.err.find("Archive or Backup Data File: You are viewing data"), 0U) << answer.err;
-  }
-  EXPECT_EQ(ReadFileBytes(archive), before);
 }
 
 TEST(CliFiles, CreateInfoCheckCompact) {

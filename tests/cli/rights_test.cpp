@@ -133,7 +133,7 @@ std::vector<Line> Lines(const test::CliRoom& room) {
       {{"batch", "export", "--first", "9", "--last", "9", "--out", folder + "/out.txt"}, {}},
       {{"design", "list"}, {}},
       {{"design", "show", "NONE"}, {}},
-      {{"design", "add", " "}, {}},
+      {{"design", "add", "TRAY"}, {}},
       {{"design", "edit", "NONE"}, {}},
       {{"design", "rename", "NONE", "OTHER"}, {}},
       {{"design", "copy", "NONE", "OTHER"}, {}},
@@ -172,6 +172,8 @@ std::vector<Line> Lines(const test::CliRoom& room) {
       {{"find", "batch"}, {}},
       {{"find", "job"}, {}},
       {{"find", "design"}, {}},
+      {{"archive", "preview"}, {}},
+      {{"archive", "run"}, {}},
       {{"backup", "make", "--to", folder + "/stick"}, {}},
       {{"backup", "list"}, {}},
       {{"backup", "verify", folder}, {}},
@@ -304,6 +306,31 @@ TEST(CliRights, EveryCommandIsRefusedWithoutARightOfItsActAndChangesNothing) {
       }
     }
   }
+}
+
+TEST(CliRights, InAnArchiveEveryCommandThatWritesIsRefusedAndNoneWrites) {
+  const RightsRoom room;
+  const std::string archive = (room.folder / "Ink Archive 2020.vkd").string();
+  std::filesystem::copy_file(room.path, archive);
+  const std::string bytes = ReadFileBytes(archive);
+  int refused = 0;
+  for (const Line& line : Lines(room)) {
+    std::string name = line.words[0] + " " + line.words[1];
+    if (!ActOfCommand(name)) name += " " + line.words[2];
+    SCOPED_TRACE(name);
+    std::vector<std::string> words{"--yes", "--file", archive};
+    words.insert(words.end(), line.words.begin(), line.words.end());
+    const test::CliAnswer answer = room.AsBoss(words);
+    EXPECT_TRUE(ReadFileBytes(archive) == bytes);
+    if (!RowOf(*ActOfCommand(name)).writes) continue;
+    ++refused;
+    EXPECT_EQ(answer.status, 1);
+    EXPECT_EQ(answer.err,
+              "Archive or Backup Data File: You are viewing data from an Archive or Backup Data File which can be viewed, "
+              "but cannot be modified.\n\nUse the Open Data File command in the File Menu to open a regular "
+              "(non-archive, non-backup) Data File.\n");
+  }
+  EXPECT_GT(refused, 50);
 }
 
 TEST(CliRights, AFileOfOnesOwnIsNoWayRoundTheSettings) {

@@ -7,6 +7,7 @@
 #include "core/base/units.h"
 #include "core/batch/takings.h"
 #include "core/datafile/job_links.h"
+#include "core/datafile/moved_rows.h"
 
 // What holds of Batches, of what they took from stock, and of the jobs that they were made for.
 
@@ -118,6 +119,16 @@ void CheckJobQuantities(CheckRun& run) {
   }
 }
 
+// What a Batch called its job when all Job Records of it were in this file.
+std::string JobWithMoved(CheckRun& run, const std::string& database, std::int64_t batchNo) {
+  Statement records = run.file.Prepare(fmt::format(
+      "SELECT COUNT(*), COALESCE(MIN(JobNumber), '') FROM (SELECT JobNumber FROM {} WHERE BatchNo = ?1 AND Database = ?2 "
+      "UNION ALL SELECT JobNumber FROM {} AS m WHERE m.BatchNo = ?1 AND m.DatabaseName = ?2) AS Records",
+      Quoted(schema::JobRecords.name), MovedJobRecords(run.file)));
+  records.Bind(1, batchNo).Bind(2, database).Step();
+  return records.Whole(0) > 1 ? std::string(kSplitJobs) : records.Text(1);
+}
+
 }  // namespace
 
 void CheckJobItems(CheckRun& run) {
@@ -161,8 +172,9 @@ void CheckJobBatches(CheckRun& run) {
     const std::string batches = TableName(database, schema::Batch);
     Statement orphans = run.file.Prepare(
         fmt::format("SELECT RowKey, JobNumber, BatchNo FROM {} j WHERE j.Database = ?1 AND j.BatchNo BETWEEN 1 AND {} "
-                    "AND NOT EXISTS (SELECT 1 FROM {} b WHERE b.BatchNo = j.BatchNo)",
-                    Quoted(jobs), kLastJobBatch, Quoted(batches)));
+                    "AND NOT EXISTS (SELECT 1 FROM {} b WHERE b.BatchNo = j.BatchNo) AND NOT EXISTS (SELECT 1 FROM {} AS m "
+                    "WHERE m.BatchNo = j.BatchNo AND m.DatabaseName = ?1)",
+                    Quoted(jobs), kLastJobBatch, Quoted(batches), MovedBatches(run.file)));
     orphans.Bind(1, database);
     run.FoundRows(jobs, orphans, [&](const Statement& row) {
       return fmt::format("{} has no Batch {}.", database, Called(row.Whole(2)));
@@ -177,7 +189,7 @@ void CheckJobBatches(CheckRun& run) {
     WalkRows(run, named, RowCount(run.file, batches), [&](const Statement& row) {
       const std::int64_t records = row.Whole(3);
       const std::string right = records == 0 ? "" : records == 1 ? row.Text(4) : std::string(kSplitJobs);
-      if (!EqualNoCase(row.TextView(2), right))
+      if (!EqualNoCase(row.TextView(2), right) && !EqualNoCase(row.TextView(2), JobWithMoved(run, database, row.Whole(1))))
         run.Found(batches, row.Whole(0), Called(row.Whole(1)),
                   fmt::format("JobNumber is \"{}\", but {} of its Job Records give \"{}\".", row.TextView(2), records,
                               right));

@@ -6,6 +6,7 @@
 #include "core/backup/check_run.h"
 #include "core/base/text.h"
 #include "core/datafile/references.h"
+#include "core/jobs/design_uses.h"
 #include "core/jobs/designs.h"
 
 namespace vellumark {
@@ -69,9 +70,10 @@ void CheckDesignColors(CheckRun& run) {
 void CheckDesignUses(CheckRun& run) {
   if (!run.HasGlobalTables()) return;
   Statement rows = run.file.Prepare(
-      "SELECT RowKey, DesignID, LastUsed, Latest FROM (SELECT RowKey, DesignID, LastUsed, (SELECT MAX(Date_Entered) FROM "
-      "JobRecords WHERE JobRecords.DesignID = Designs.DesignID) AS Latest FROM Designs) AS Used WHERE COALESCE(LastUsed, "
-      "'') <> COALESCE(Latest, '') ORDER BY DesignID");
+      fmt::format("SELECT RowKey, DesignID, LastUsed, Latest FROM (SELECT RowKey, DesignID, LastUsed, (SELECT "
+                  "MAX(Date_Entered) FROM {} WHERE Uses.DesignID = Designs.DesignID) AS Latest FROM Designs) AS Used WHERE "
+                  "COALESCE(LastUsed, '') <> COALESCE(Latest, '') ORDER BY DesignID",
+                  DesignUses(run.file)));
   run.FoundRows(schema::Designs.name, rows, [](const Statement& row) {
     const auto date = [&](int column) { return row.Get(column).IsNull() ? std::string("never") : row.Text(column); };
     return fmt::format("It says that it was last used {}, and its jobs say {}.", date(2), date(3));

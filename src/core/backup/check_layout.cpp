@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "core/backup/archive.h"
 #include "core/backup/check_run.h"
 #include "core/base/refusal.h"
 #include "core/base/text.h"
@@ -135,6 +136,8 @@ void CheckMarkers(CheckRun& run) {
   for (const PendingRollUps& pending : ReadPendingRollUps(run.file))
     run.Found("MSysPendingRollUps", 0, pending.database,
               fmt::format("Figures of the formulas of {} are older than those of their ingredients.", pending.database));
+  if (const std::string archive = UnfinishedArchive(run.file); !archive.empty())
+    run.Found("MSysUnfinishedArchive", 0, archive, fmt::format("The archive {} was not finished.", archive));
 }
 
 void CheckUsers(CheckRun& run) {

@@ -21,7 +21,7 @@ constexpr CheckRule kRules[] = {
     {"DatabaseList", "DBList names each Database once, and every table belongs to one that is listed.", CheckDepth::Opening, false,
      CheckDatabaseList},
     {"Counters", "The numbers that FileInfo hands out next are ahead of those in use.", CheckDepth::Opening, false, CheckCounters},
-    {"Markers", "No mark of an open Batch or of a pending pass stands in a closed file.", CheckDepth::Opening, true, CheckMarkers},
+    {"Markers", "No mark of an open Batch, of a pending pass or of an unfinished archive stands in a closed file.", CheckDepth::Opening, true, CheckMarkers},
     {"Users", "Where there are users, one of them is an administrator.", CheckDepth::Opening, false, CheckUsers},
     {"Fields", "Every value fits its field: width, range, kind, and no figure that is not finite.", CheckDepth::Deep, false,
      CheckFields},

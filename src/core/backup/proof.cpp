@@ -70,18 +70,6 @@ std::uint64_t RowDigest(const Statement& row, int columns) {
   return digest.Value();
 }
 
-TableProof ProveTable(Database& file, const std::string& table) {
-  TableProof proof{table};
-  Statement rows = file.Prepare("SELECT * FROM " + Quoted(table));
-  const int columns = rows.ColumnCount();
-  // A sum does not ask in which order the rows come.
-  while (rows.Step()) {
-    ++proof.Rows;
-    proof.digest += RowDigest(rows, columns);
-  }
-  return proof;
-}
-
 std::vector<DatabaseProof> CountDatabases(Database& file, const std::vector<std::string>& names) {
   std::vector<DatabaseProof> databases;
   for (const std::string& name : names) {
@@ -164,7 +152,7 @@ ContentProof ProveContent(Session& session, const fs::path& path) {
   }
   for (const std::string& table : file.TableNames()) {
     try {
-      proof.tables.push_back(ProveTable(file, table));
+      proof.tables.push_back(ProveRows(file, table));
     } catch (const Failure& failure) {
       proof.faults.push_back(fmt::format("{} cannot be read: {}", table, failure.cause));
     }
@@ -173,6 +161,19 @@ ContentProof ProveContent(Session& session, const fs::path& path) {
     proof.databases = CountDatabases(file, info.dbList);
   } catch (const Failure& failure) {
     proof.faults.push_back(failure.cause);
+  }
+  return proof;
+}
+
+TableProof ProveRows(Database& file, const std::string& table, const std::string& where, const std::string& bound) {
+  TableProof proof{table};
+  Statement rows = file.Prepare(fmt::format("SELECT * FROM {}{}{}", Quoted(table), where.empty() ? "" : " WHERE ", where));
+  if (!where.empty()) rows.Bind(1, bound);
+  const int columns = rows.ColumnCount();
+  // A sum does not ask in which order the rows come.
+  while (rows.Step()) {
+    ++proof.Rows;
+    proof.digest += RowDigest(rows, columns);
   }
   return proof;
 }

@@ -54,6 +54,10 @@ struct ContentProof {
 /// open file, which may be another, stays open. Throws Failure when the file cannot be read at all.
 ContentProof ProveContent(Session& session, const std::filesystem::path& file);
 
+/// The rows of a table, or those for which a condition over them holds, with `bound` as its ?1.
+TableProof ProveRows(Database& file, const std::string& table, const std::string& where = {},
+                     const std::string& bound = {});
+
 /// Reads a whole file. Throws Failure.
 FileProof ProveFile(const std::filesystem::path& path, std::string name);
 /// Writes a copy under a name that is free, synced to the disk, and tells what was read. A file of a plain kind only.

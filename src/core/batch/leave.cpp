@@ -13,6 +13,7 @@
 #include "core/batch/store.h"
 #include "core/batch/takings.h"
 #include "core/colors/color_dates.h"
+#include "core/datafile/moved_rows.h"
 #include "core/jobs/job_records.h"
 
 namespace vellumark {
@@ -132,6 +133,19 @@ void Reset_Ing_Inv_CancelEdit_ExistingBatch(Session& session, BatchRecord& recor
   record.stockReturned = false;
 }
 
+std::string WhereMoved(const Session& session, std::int32_t batchNo) {
+  const std::string in = FileOfMovedBatch(session.File(), session.CurrentDatabase, batchNo);
+  return in.empty() ? std::string() : fmt::format("It stands in {}.", in);
+}
+
+std::unexpected<Refusal> RefuseUnknownBatch(const Session& session, std::int32_t batchNo) {
+  const std::string where = WhereMoved(session, batchNo);
+  return Refuse("Batch Not Found",
+                fmt::format("There is no Batch {} in the {} database.{}{}", BatchNoText(batchNo), session.CurrentDatabase,
+                            where.empty() ? "" : "\n", where),
+                "BatchNo");
+}
+
 Result<bool> NextBatch(Session& session, BatchRecord& record, BatchDialogs& dialogs) {
   const auto row = NextBatchRow(session, record);
   return Leave(session, record, dialogs, PartFor(session, record, dialogs), row);
@@ -144,9 +158,7 @@ Result<bool> PreviousBatch(Session& session, BatchRecord& record, BatchDialogs& 
 
 Result<bool> FindBatch(Session& session, BatchRecord& record, BatchDialogs& dialogs, std::int32_t batchNo) {
   const std::int64_t row = BatchRowOf(session, batchNo);
-  if (row == 0)
-    return Refuse("Batch Not Found", fmt::format("There is no Batch {} in the {} database.", BatchNoText(batchNo),
-                                                 session.CurrentDatabase));
+  if (row == 0) return RefuseUnknownBatch(session, batchNo);
   return Leave(session, record, dialogs, PartFor(session, record, dialogs), row);
 }
 

@@ -19,6 +19,11 @@ Result<bool> PreviousBatch(Session& session, BatchRecord& record, BatchDialogs& 
 /// Find and the recent-batch list: refused when there is no such Batch ("Batch Not Found").
 Result<bool> FindBatch(Session& session, BatchRecord& record, BatchDialogs& dialogs, std::int32_t batchNo);
 
+/// "Batch Not Found", and into which archive it went.
+std::unexpected<Refusal> RefuseUnknownBatch(const Session& session, std::int32_t batchNo);
+/// A sentence that tells that archive; empty for any other Batch.
+std::string WhereMoved(const Session& session, std::int32_t batchNo);
+
 /// Gives the Batch up: asks when something changed, then clears the window.
 Result<bool> CancelBatch(Session& session, BatchRecord& record);
 /// Closing the window, the Database, the Data File or the program.

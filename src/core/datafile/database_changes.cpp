@@ -7,6 +7,7 @@
 #include "core/base/text.h"
 #include "core/datafile/databases.h"
 #include "core/datafile/lifecycle.h"
+#include "core/datafile/moved_rows.h"
 #include "core/datafile/pending_rollups.h"
 #include "core/datafile/schema.h"
 
@@ -34,6 +35,7 @@ void RenameDatabaseTables(Database& file, std::string_view name, std::string_vie
   file.Prepare("UPDATE JobRecords SET Database = ?2 WHERE Database = ?1").Bind(1, name).Bind(2, newName).Run();
   RenameInDesigns(file, name, newName);
   RenamePendingRollUps(file, name, newName);
+  RenameMovedDatabase(file, name, newName);
 
   const FileInfoRow info = ReadFileInfo(file);
   std::vector<std::string> names = info.dbList;
@@ -52,6 +54,7 @@ void DeleteDatabaseTables(Database& file, const std::vector<std::string>& names)
     for (const Table* table : schema::PerDatabase()) file.DropTable(TableName(name, *table));
     file.Prepare("DELETE FROM JobRecords WHERE Database = ?").Bind(1, name).Run();
     ClearPendingRollUps(file, name, {true, true, true});
+    DeleteMovedDatabase(file, name);
     std::erase_if(rest, [&](const std::string& listed) { return EqualNoCase(listed, name); });
     transaction.Note({Change::Kind::DatabaseList, name, "", Change::What::Deleted, ""});
   }

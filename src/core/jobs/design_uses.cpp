@@ -1,5 +1,8 @@
 #include "core/jobs/design_uses.h"
 
+#include <fmt/format.h>
+
+#include "core/datafile/moved_rows.h"
 #include "core/datafile/schema.h"
 
 namespace vellumark {
@@ -13,11 +16,17 @@ void TellJobs(Session& session, Transaction& transaction, std::string_view desig
 
 }  // namespace
 
+std::string DesignUses(Database& file) {
+  return fmt::format("(SELECT DesignID, Date_Entered FROM JobRecords UNION ALL SELECT DesignID, Date_Entered FROM {} AS "
+                     "Moved) AS Uses",
+                     MovedDesignUses(file));
+}
+
 void FollowLastUsed(Session& session, std::string_view designID) {
   if (designID.empty()) return;
   Transaction transaction(session.File());
-  const Value latest =
-      session.File().Scalar("SELECT MAX(Date_Entered) FROM JobRecords WHERE DesignID = ?", {Value(designID)});
+  const Value latest = session.File().Scalar(
+      fmt::format("SELECT MAX(Date_Entered) FROM {} WHERE DesignID = ?", DesignUses(session.File())), {Value(designID)});
   Statement update = session.File().Prepare(
       "UPDATE Designs SET LastUsed = ?1 WHERE DesignID = ?2 AND COALESCE(LastUsed, '') <> COALESCE(?1, '')");
   if (update.Bind(1, latest).Bind(2, designID).Run() > 0)
@@ -30,8 +39,9 @@ void FollowLastUsed(Session& session) {
   std::vector<std::string> designs;
   {
     Statement rows = session.File().Prepare(
-        "SELECT DesignID FROM Designs WHERE COALESCE(LastUsed, '') <> COALESCE((SELECT MAX(Date_Entered) FROM "
-        "JobRecords WHERE JobRecords.DesignID = Designs.DesignID), '')");
+        fmt::format("SELECT DesignID FROM Designs WHERE COALESCE(LastUsed, '') <> COALESCE((SELECT MAX(Date_Entered) FROM "
+                    "{} WHERE Uses.DesignID = Designs.DesignID), '')",
+                    DesignUses(session.File())));
     while (rows.Step()) designs.push_back(rows.Text(0));
   }
   for (const std::string& design : designs) FollowLastUsed(session, design);
@@ -50,6 +60,7 @@ void RenameJobDesign(Session& session, std::string_view designID, std::string_vi
       .Bind(1, newID)
       .Bind(2, designID)
       .Run();
+  RenameMovedDesign(session.File(), designID, newID);
   transaction.Commit();
 }
 

@@ -10,6 +10,10 @@ namespace vellumark {
 
 // What Job Records and Designs tell of each other.
 
+/// For queries: the fields `DesignID` and `Date_Entered` of every use of a Design as `Uses`, in Job Records of this file or
+/// in those that an archive moved out of it.
+std::string DesignUses(Database& file);
+
 /// `LastUsed` of a Design follows its Job Records, up as well as down: the latest `Date_Entered`, nothing without any.
 /// For whoever adds, changes or removes rows that bear the Design, in the transaction of that. An empty or unknown
 /// DesignID is nobody's.

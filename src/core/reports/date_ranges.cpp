@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 
 #include <array>
+#include <filesystem>
 
 #include "core/base/text.h"
 
@@ -37,9 +38,11 @@ DateRange MonthsBefore(const DateTime& first, int count) {
   return {from, DaysFrom(first, -1)};
 }
 
-// "Ink (2020-1-1 To 2021-6-30).vkd" gives 30 June 2021, however its system wrote dates.
-bool IsArchiveName(std::string_view path) {
-  return path.find(" To ") != std::string_view::npos && FindNoCase(path, ").vkd") != std::string_view::npos;
+// "Ink Archive 2026.vkd", and "Ink (2020-1-1 To 2021-6-30).vkd" of an earlier program, however its system wrote dates.
+bool IsArchiveName(const std::filesystem::path& path) {
+  const std::string name = path.filename().string();
+  return name.find("Archive") != std::string::npos ||
+         (name.find(" To ") != std::string::npos && FindNoCase(name, ").vkd") != std::string_view::npos);
 }
 
 }  // namespace

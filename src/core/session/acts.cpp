@@ -153,6 +153,8 @@ constexpr WayIn kCommands[] = {
     {"find batch", Act::Look},
     {"find job", Act::Look},
     {"find design", Act::Look},
+    {"archive preview", Act::Look},
+    {"archive run", Act::BackUp},
     {"backup make", Act::BackUp},
     {"backup list", Act::Look},
     {"backup verify", Act::Look},

@@ -21,6 +21,7 @@
 #include "core/session/settings.h"
 #include "core/session/users.h"
 #include "core/settings/support_files.h"
+#include "core/shell/archiving.h"
 
 namespace vellumark {
 namespace fs = std::filesystem;
@@ -160,6 +161,7 @@ void OpenContent(Session& session, const FileInfoRow& info, OpeningWindows& wind
     session.CurrentDatabase = current != info.dbList.end() ? *current : info.dbList.front();
     OpenDatabase(session);
     if (!session.ArchiveView) {
+      UndoUnfinishedArchiveOrTell(session);
       HealAbandonedBatches(session);
       FinishPhotosOrTell(session);
       RunPendingPassesOrTell(session);  // what a session that died left to do

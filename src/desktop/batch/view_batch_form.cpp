@@ -4,6 +4,7 @@
 
 #include "core/base/text.h"
 #include "core/base/units.h"
+#include "core/batch/leave.h"
 #include "core/batch/cost.h"
 #include "core/batch/cost_model.h"
 #include "core/batch/ink.h"
@@ -117,7 +118,8 @@ void ViewBatchForm::OnOpen(const Arguments& arguments) {
   const auto batchNo = static_cast<std::int32_t>(arguments.Number("BatchNo"));
   if (ShowBatch(batchNo)) return;
   session.prompt.Tell(U8(tr("Batch Not Found")),
-                      U8(tr("Batch ID # %1 is not in this Database.").arg(Q(BatchNoText(batchNo)))));
+                      U8(tr("Batch ID # %1 is not in this Database.").arg(Q(BatchNoText(batchNo))) + "\n" +
+                         Q(WhereMoved(session, batchNo))));
   if (!record_) QMetaObject::invokeMethod(this, &ViewBatchForm::Leave, Qt::QueuedConnection);
 }
 

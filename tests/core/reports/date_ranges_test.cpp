@@ -55,8 +55,12 @@ TEST(DateRanges, OfAnArchiveEndOnTheDayOfItsLastBatch) {
   const std::string path = room.session.DataFileName;
   room.session.ArchiveView = true;
   EXPECT_EQ(ReportToday(room.session).DateText(), "2026-03-10") << "a backup copy is no archive";
-  room.session.DataFileName = "/data/Ink (2020-1-1 To 2021-6-30).vkd";
-  EXPECT_EQ(ReportToday(room.session).DateText(), "2021-06-02");
+  for (const char* name : {"/data/Ink (2020-1-1 To 2021-6-30).vkd", "/data/Ink Archive 2026.vkd"}) {
+    room.session.DataFileName = name;
+    EXPECT_EQ(ReportToday(room.session).DateText(), "2021-06-02") << name;
+  }
+  room.session.DataFileName = "/data/Archive/Auto Backup/VK_Backup_03_09_2026__17_00_00/Ink.vkd";
+  EXPECT_EQ(ReportToday(room.session).DateText(), "2026-03-10") << "a backup copy, wherever it lies";
   room.session.ArchiveView = false;
   room.session.DataFileName = path;
 }
