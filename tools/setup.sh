@@ -51,5 +51,7 @@ build() {
   local log
   log=$(cmake -S "$root" -B "$folder" -G Ninja "${options[@]}" 2>&1) || { printf '%s\n' "$log" >&2; exit 1; }
   say "Build ${targets[*]:-everything}"
+  # What ccache has not seen is compiled at once, without reading its headers twice more to find out.
+  export CCACHE_DEPEND=1
   cmake --build "$folder" ${targets[@]:+--target "${targets[@]}"}
 }

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <CLI/CLI.hpp>
 #include <functional>
 #include <map>
 #include <nlohmann/json.hpp>
@@ -9,6 +8,7 @@
 #include <utility>
 #include <vector>
 
+#include "cli/arguments.h"
 #include "cli/output.h"
 #include "core/base/refusal.h"
 #include "core/base/sheet.h"

@@ -61,11 +61,11 @@ void AddGlobalOptions(CLI::App& app, GlobalOptions& options) {
   OneEachTime(app.add_option("--answer", options.answers,
                              "\"TITLE=yes\" answers the question of that title: yes, no, ok, cancel"))
       ->type_name("TITLE=ANSWER");
-  const auto* yes = app.add_flag("--yes", options.yes, "Answer every other question with Yes");
-  app.add_flag("--no", options.no, "Answer every other question with No")->excludes(const_cast<CLI::Option*>(yes));
+  CLI::Option* yes = app.add_flag("--yes", options.yes, "Answer every other question with Yes");
+  app.add_flag("--no", options.no, "Answer every other question with No")->excludes(yes);
 }
 
-/// Thrown for words on the command line that CLI11 could not judge.
+/// Thrown for words on the command line that the parser could not judge.
 struct WrongUsage {
   std::string text;
 };
@@ -240,25 +240,6 @@ std::vector<std::string> Readable(std::vector<std::string> words) {
   return words;
 }
 
-// The parser of the command line takes "[A,B]" for a list of A and B, but here no name holds a bracket.
-void RefuseBrackets(const CLI::App& app, const std::vector<std::string>& words) {
-  for (const CLI::App* sub : app.get_subcommands()) {
-    for (const CLI::Option* option : sub->get_options()) {
-      if (!option->get_positional()) continue;
-      for (const std::string& word : option->results())
-        if (std::ranges::find(words, word) == words.end())
-          throw CLI::ValidationError(option->get_name(), word + " cannot be given in brackets");
-    }
-    RefuseBrackets(*sub, words);
-  }
-}
-
-std::string UsageMessage(const CLI::App* app, const CLI::Error& error) {
-  const std::vector<std::string> unknown = app->remaining(true);
-  if (error.get_name() != "RequiredError" || unknown.empty()) return CLI::FailureMessage::simple(app, error);
-  return fmt::format("{} is no command here\nRun with --help for more information.\n", unknown.front());
-}
-
 int Main(int argc, char** argv) {
   CLI::App app("The Vellumark from the command line", "vellumark-cli");
   app.set_version_flag("--version", std::string("vellumark-cli ") + VELLUMARK_VERSION);
@@ -291,14 +272,8 @@ int Main(int argc, char** argv) {
   AddBackupCommands(app, commands);
   AddLabelCommands(app, commands);
   AddUsersCommands(app, commands);
-  app.failure_message(UsageMessage);
   const std::vector<std::string> words = Readable(platform::BeginProgram(argc, argv));
-  try {
-    app.parse(std::vector<std::string>(words.rbegin(), words.rend()));  // it takes them from the back
-    RefuseBrackets(app, words);
-  } catch (const CLI::ParseError& error) {
-    return app.exit(error) == 0 ? ExitDone : ExitUsage;
-  }
+  if (const auto ended = app.parse(words)) return *ended == 0 ? ExitDone : ExitUsage;
   return RunChosen(options, commands);
 }
 
