@@ -10,7 +10,7 @@
 #include "core/colors/formulas.h"
 #include "core/colors/rollup.h"
 #include "core/exchange/formula_exchange.h"
-#include "core/exchange/mfe.h"
+#include "core/exchange/formula_writer.h"
 #include "core/inventory/adjust.h"
 #include "core/shell/opening.h"
 #include "large_room.h"
@@ -113,14 +113,10 @@ BENCHMARK(PassRaw)->Name("pass_100k/raw")->Unit(benchmark::kMillisecond)->Iterat
 // ---- import_10k: an .mfe file of 10,000 formulas into a Database that has their ingredients
 
 std::filesystem::path WriteMfe(LargeRoom& room, int count) {
-  std::string bytes = "BENCH\r\n";
-  for (int i = 0; i < count; ++i) {
-    std::vector<std::pair<std::string, float>> parts;
-    for (const Ingredient& line : room.maker.Next()) parts.emplace_back(line.name, static_cast<float>(line.amount));
-    bytes += MfeRow("IMPORTED " + std::to_string(i), parts);
-  }
+  FormulaFileText file(FormulaFormat::Mfe, "BENCH", {});
+  for (int i = 0; i < count; ++i) file.Add("IMPORTED " + std::to_string(i), "", room.maker.Next());
   const auto path = room.folder / "bench.mfe";
-  ReplaceFile(path, bytes);
+  ReplaceFile(path, file.Text());
   return path;
 }
 

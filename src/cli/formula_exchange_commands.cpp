@@ -5,6 +5,8 @@
 
 #include "cli/color_fields.h"
 #include "core/exchange/formula_exchange.h"
+#include "core/exchange/formula_export.h"
+#include "core/exchange/formula_file.h"
 
 namespace vellumark::cli {
 namespace {
@@ -22,18 +24,105 @@ Result<Json> Import(Context& context, const std::string& path) {
               {"NewBasics", report->newBasics}};
 }
 
-Result<Json> Export(Context& context, const std::string& typedPath, const std::vector<std::string>& names) {
-  const std::string path = std::filesystem::absolute(typedPath).string();
-  std::vector<std::string> read;
-  for (const std::string& typed : names) {
+struct ExportOptions {
+  int format = 0;
+  std::string from;
+  std::string to;
+  std::string by = "entered";
+  std::string out;
+  std::string file;
+  std::vector<std::string> names;
+};
+
+Result<std::optional<DateTime>> DayOf(const std::string& typed, const char* field) {
+  if (typed.empty()) return std::optional<DateTime>();
+  auto day = ParseDateTime(typed);
+  if (!day) return Refuse("Invalid Date", "Please enter a valid date.", field);
+  return day;
+}
+
+// The file stands behind --out, or else in front of the names.
+Result<Json> Export(Context& context, const ExportOptions& options) {
+  std::vector<std::string> words = options.names;
+  if (!options.out.empty() && !options.file.empty()) words.insert(words.begin(), options.file);
+  const std::string& out = options.out.empty() ? options.file : options.out;
+  if (out.empty()) return Refuse("No file name", "Enter a file name", "File");
+  const auto path = std::filesystem::absolute(out);
+  FormulaSelection selection;
+  for (const std::string& typed : words) {
     const auto name = TypedName(context.session, typed);
     if (!name) return std::unexpected(name.error());
-    read.push_back(*name);
+    selection.names.push_back(*name);
   }
-  const auto count = ExportFormulas(context.session, read, path);
-  if (!count) return std::unexpected(count.error());
-  context.text = fmt::format("Formulas have been exported to the file:\n\n{}\n", path);
-  return Json{{"File", path}, {"Formulas", *count}};
+  const auto from = DayOf(options.from, "From");
+  if (!from) return std::unexpected(from.error());
+  const auto to = DayOf(options.to, "To");
+  if (!to) return std::unexpected(to.error());
+  selection.from = *from;
+  selection.to = *to;
+  if (options.by == "modified") selection.by = FormulaDate::Modified;
+  const auto report = ExportFormulas(context.session, static_cast<FormulaFormat>(options.format), selection, path);
+  if (!report) return std::unexpected(report.error());
+  context.text = ExportCompleteText(*report, path) + "\n";
+  Json left = Json::array();
+  for (const auto& [name, why] : report->left) left.push_back({{"Color_Name", name}, {"Why", why}});
+  return Json{{"File", path.string()}, {"Formulas", report->formulas}, {"Left", left}, {"Lost", report->lost}};
+}
+
+std::string FormatList() {
+  std::string text;
+  for (const FormulaFormatRow& row : FormulaFormats())
+    if (!row.option.empty())
+      text += fmt::format("{}{}: {}", text.empty() ? "" : "; ", static_cast<int>(row.format), row.option);
+  return text;
+}
+
+void AddExport(CLI::App& formulaNoun, Commands& commands) {
+  auto* verb = formulaNoun.add_subcommand("export", "Write formulas to a file, in one of eight formats");
+  const auto options = std::make_shared<ExportOptions>();
+  verb->add_option("--format", options->format, FormatList())
+      ->type_name("N")
+      ->check(CLI::Range(0, kWrittenFormats - 1));
+  verb->add_option("--from", options->from, "First day")->type_name("DATE")->check(NotEmpty);
+  verb->add_option("--to", options->to, "Last day, to its end")->type_name("DATE")->check(NotEmpty);
+  verb->add_option("--by", options->by, "The date that counts: entered or modified")
+      ->check(CLI::IsMember({"entered", "modified"}));
+  verb->add_option("--out", options->out, "The file")->type_name("FILE")->check(NotEmpty);
+  verb->add_option("FILE", options->file, "The file; with --out the first formula")->check(NotEmpty);
+  verb->add_option("NAME", options->names, "Formulas; all of the Database, or of the days, when none is named");
+  commands.Add(verb, Needs::File, [options](Context& context) { return Export(context, *options); });
+}
+
+struct ColumnOptions {
+  std::string file;
+  std::vector<std::string> told;
+  bool forget = false;
+};
+
+// Tells what the columns of a file are read as, after what was told anew.
+Result<Json> Columns(Context& context, const ColumnOptions& options) {
+  ColumnMapping mapping = options.forget ? ColumnMapping{} : RememberedColumns(context.session);
+  for (const std::string& told : options.told)
+    if (auto taken = TakeMapping(mapping, told); !taken) return std::unexpected(taken.error());
+  if (options.forget || !options.told.empty()) RememberColumns(context.session, mapping);
+  const std::vector<SourceColumn> columns =
+      options.file.empty() ? mapping.columns : ReadGridHead(options.file, mapping).columns;
+  Json answer = Json::array();
+  for (const SourceColumn& column : columns)
+    answer.push_back({{"Column", column.caption}, {"Field", FieldText(column)}});
+  return answer;
+}
+
+void AddColumns(CLI::App& formulaNoun, Commands& commands) {
+  auto* verb = formulaNoun.add_subcommand(
+      "columns", "What the columns of a shop's own formula files mean; what is told is remembered");
+  const auto options = std::make_shared<ColumnOptions>();
+  verb->add_option("FILE", options->file, "A file whose columns are listed as they would be read")->check(NotEmpty);
+  verb->add_option("--column", options->told, "CAPTION=FIELD; fields are those of a table export, and Basic Color")
+      ->type_name("TEXT")
+      ->check(NotEmpty);
+  verb->add_flag("--forget", options->forget, "Forget what was told before");
+  commands.Add(verb, Needs::File, [options](Context& context) { return Columns(context, *options); });
 }
 
 }  // namespace
@@ -44,14 +133,8 @@ void AddFormulaExchangeCommands(CLI::App& formulaNoun, Commands& commands) {
   import->add_option("FILE", *source, "The file")->required()->check(NotEmpty);
   commands.Add(import, Needs::Writable, [source](Context& context) { return Import(context, *source); });
 
-  auto* exportVerb = formulaNoun.add_subcommand("export", "Write formulas to an .mfe file");
-  const auto target = std::make_shared<std::string>();
-  const auto names = std::make_shared<std::vector<std::string>>();
-  const auto format = std::make_shared<int>(0);
-  exportVerb->add_option("FILE", *target, "The file")->required()->check(NotEmpty);
-  exportVerb->add_option("--format", *format, "0: .mfe (Vellumark - Text / Tab File)")->check(CLI::IsMember({0}));
-  exportVerb->add_option("NAME", *names, "Formulas; all of the Database when none is named");
-  commands.Add(exportVerb, Needs::File, [target, names](Context& context) { return Export(context, *target, *names); });
+  AddExport(formulaNoun, commands);
+  AddColumns(formulaNoun, commands);
 }
 
 }  // namespace vellumark::cli

@@ -182,9 +182,9 @@ TEST(CliBadInput, ImportsAllOrNothing) {
     int status;
     std::string says;
   } cases[] = {
-      {"INK\r\nX\tRED\t1,5\r\n", 1, "line 2: the amount \"1,5\" of RED"},
+      {"INK\r\nX\tRED\t1,500\tBLUE\t1.500\r\n", 1, "line 2: the amount \"1,500\" of RED"},
       {"INK\r\nX\tRED\t1e3\r\n", 1, "line 2: the amount \"1e3\" of RED"},
-      {"INK\r\nX\tRED\t\r\n", 1, "line 2: the amount \"\" of RED"},
+      {"INK\r\nX\tRED\t\r\n", 1, "line 2: an ingredient has no amount"},
       {"INK\r\nX\tRED\t-1\r\n", 1, "line 2: the amount \"-1\" of RED"},
       {"INK\r\nX\tRED\t1\r\nY\tRED\r\n", 1, "line 3: an ingredient has no amount"},
       {"INK\r\nX\tRED\t1\tRED\t2\r\n", 1, "line 2: the ingredient RED stands in it twice"},
@@ -196,8 +196,8 @@ TEST(CliBadInput, ImportsAllOrNothing) {
       {"INK\r\n" + std::string(31, 'X') + "\tRED\t1\r\n", 1, "has 31 characters, the limit is 30"},
       {"INK\r\nPURPLE\tRED\t1\r\n", 3, "Formula Comparison: 1 formula(s)"},
       {"INK\r\n", 1, "Couldn't read .mfe file correctly."},
-      {"", 4, "is empty"},
-      {std::string("INK\r\nX\tRED\t1\0\r\n", 15), 4, "is no text file"},
+      {"", 1, "the file is empty"},
+      {std::string("INK\r\nX\tRED\t1\0\r\n", 15), 1, "the file is no text"},
   };
   const fs::path file = shop.folder / "in.mfe";
   for (const auto& one : cases) {

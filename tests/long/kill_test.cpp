@@ -15,7 +15,7 @@
 #include "core/colors/rename.h"
 #include "core/colors/rollup.h"
 #include "core/exchange/formula_exchange.h"
-#include "core/exchange/mfe.h"
+#include "core/exchange/formula_writer.h"
 #include "core/inventory/adjust.h"
 #include "core/inventory/stock_resets.h"
 #include "support/ink_room.h"
@@ -140,12 +140,11 @@ void KillMany(const Work& work) {
 
 TEST(Kills, Import) {
   KillMany([](Session& session) {
-    std::string bytes = "INK\r\n";
+    FormulaFileText file(FormulaFormat::Mfe, "INK", {});
     for (int i = 0; i < 3000; ++i)
-      bytes +=
-          MfeRow("IMPORTED " + std::to_string(i), {{"BASIC 1", 40.0F}, {"NEW BASIC " + std::to_string(i % 50), 60.0F}});
+      file.Add("IMPORTED " + std::to_string(i), "", {{"BASIC 1", 40}, {"NEW BASIC " + std::to_string(i % 50), 60}});
     const fs::path path = fs::path(session.DataFileName).parent_path() / "in.mfe";
-    ReplaceFile(path, bytes);
+    ReplaceFile(path, file.Text());
     if (!ImportFormulas(session, path)) ::_exit(1);
   });
 }

@@ -16,6 +16,7 @@
 #include "core/datafile/photo_steps.h"
 #include "core/datafile/references.h"
 #include "core/exchange/text_file.h"
+#include "core/exchange/text_rows.h"
 #include "core/jobs/design_uses.h"
 #include "core/session/acts.h"
 
@@ -34,39 +35,12 @@ fs::path PhotosBeside(const fs::path& file) {
   return fs::absolute(file).parent_path() / "DesignPhotos";
 }
 
-std::string Escaped(std::string_view text) {
-  std::string cell;
-  for (std::size_t i = 0; i < text.size(); ++i) {
-    const char c = text[i];
-    if (c == '\r') {
-      if (i + 1 == text.size() || text[i + 1] != '\n') cell += "\\n";
-    } else if (c == '\n' || c == '\t' || c == '\\') {
-      cell += '\\';
-      cell += c == '\n' ? 'n' : c == '\t' ? 't' : '\\';
-    } else {
-      cell += c;
-    }
-  }
-  return cell;
-}
-
-std::string Unescaped(std::string_view cell) {
-  std::string text;
-  for (std::size_t i = 0; i < cell.size(); ++i) {
-    const char next = cell[i] == '\\' && i + 1 < cell.size() ? cell[i + 1] : '\0';
-    const bool known = next == 'n' || next == 't' || next == '\\';
-    text += !known ? cell[i] : next == 'n' ? '\n' : next == 't' ? '\t' : '\\';
-    if (known) ++i;
-  }
-  return text;
-}
-
 std::string CellText(const RecordField& field, const Design& design) {
   const Value value = field.ValueIn(&design);
   if (value.IsNull()) return {};
   if (field.type == RecordField::Type::Date) return value.Date()->ToText();
   if (field.type == RecordField::Type::Single) return ShortestText(value.Single());
-  return value.IsText() ? Escaped(value.Text()) : std::to_string(value.Whole());
+  return value.IsText() ? EscapedCell(value.Text()) : std::to_string(value.Whole());
 }
 
 std::string RowText(const Session& session, const Design& design) {
@@ -122,7 +96,8 @@ class RowReader {
     for (const RecordField& field : DesignFields()) {
       const auto place = places_.find(Upper(field.column));
       if (place == places_.end()) continue;
-      if (auto read = Take(field, Unescaped(cells[place->second]), design); !read) return std::unexpected(read.error());
+      if (auto read = Take(field, UnescapedCell(cells[place->second]), design); !read)
+        return std::unexpected(read.error());
     }
     if (auto turned = IntoOwnUnits(design, cells); !turned) return std::unexpected(turned.error());
     if (auto checked = Check(design); !checked) return std::unexpected(checked.error());

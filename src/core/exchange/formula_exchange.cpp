@@ -14,8 +14,6 @@
 #include "core/colors/figure_book.h"
 #include "core/colors/formulas.h"
 #include "core/exchange/formula_file.h"
-#include "core/exchange/mfe.h"
-#include "core/exchange/text_file.h"
 #include "core/session/acts.h"
 
 namespace vellumark {
@@ -91,19 +89,23 @@ std::vector<Incoming> ReadFormulas(const Session& session, FormulaTable& file) {
   return incoming;
 }
 
-bool SameRecipe(const Recipe& a, const Recipe& b) {
+// Where the file has no order of ingredients, that of the Database is as good.
+bool SameRecipe(Recipe a, Recipe b, bool ordered) {
+  if (!ordered)
+    for (Recipe* recipe : {&a, &b})
+      std::ranges::sort(*recipe, [](const auto& x, const auto& y) { return CompareNoCase(x.name, y.name) < 0; });
   return std::ranges::equal(a, b, [](const Ingredient& x, const Ingredient& y) {
     return EqualNoCase(x.name, y.name) && static_cast<float>(x.amount) == static_cast<float>(y.amount);
   });
 }
 
 // Leaves in `incoming` what is to be written; counts the rest.
-void CompareWithDatabase(Session& session, std::vector<Incoming>& incoming, ImportReport& report) {
+void CompareWithDatabase(Session& session, std::vector<Incoming>& incoming, bool ordered, ImportReport& report) {
   int different = 0;
   std::erase_if(incoming, [&](Incoming& formula) {
     if (!MixColorExists(session, formula.name)) return false;
     const MixColor present = *ReadMix(session, formula.name);
-    if (SameRecipe(present.Ingredients(), formula.recipe)) {
+    if (SameRecipe(present.Ingredients(), formula.recipe, ordered)) {
       ++report.same;
       return true;
     }
@@ -185,7 +187,7 @@ class FormulaWriter {
 
 Result<ImportReport> ImportFormulas(Session& session, const std::filesystem::path& path) {
   if (auto allowed = RequireAct(session, Act::ImportFormulas); !allowed) return std::unexpected(allowed.error());
-  auto read = ReadFormulaFile(path, {.nameLength = session.NameLength});
+  auto read = ReadFormulaFile(path, FileOptions(session));
   if (!read) return std::unexpected(read.error());
   FormulaTable& file = *read;
   std::vector<Incoming> incoming = ReadFormulas(session, file);
@@ -194,7 +196,7 @@ Result<ImportReport> ImportFormulas(Session& session, const std::filesystem::pat
     return Refuse("Import Formulas", path.string() + ": Couldn't read .mfe file correctly. The file may be corrupt.");
   ImportReport report;
   report.sourceDatabase = file.database;
-  CompareWithDatabase(session, incoming, report);
+  CompareWithDatabase(session, incoming, file.ordered, report);
 
   ProgressRun progress(session.progress, "Importing Master Formulas ...");
   Transaction transaction(session.File());
@@ -211,38 +213,6 @@ Result<ImportReport> ImportFormulas(Session& session, const std::filesystem::pat
   transaction.Note({Change::Kind::Mix, session.CurrentDatabase, "", Change::What::All, ""});
   transaction.Commit();
   return report;
-}
-
-Result<int> ExportFormulas(Session& session, const std::vector<std::string>& names, const std::filesystem::path& path) {
-  if (auto allowed = RequireAct(session, Act::ExportFormulas); !allowed) return std::unexpected(allowed.error());
-  std::string text = session.CurrentDatabase + "\r\n";
-  int count = 0;
-  const auto add = [&](const MixColor& formula) {
-    std::vector<std::pair<std::string, float>> parts;
-    // A line that shows as nothing weighs nothing, and no file may bring it in.
-    for (const Ingredient& line : formula.Ingredients())
-      if (line.amount > 0) parts.emplace_back(line.name, static_cast<float>(line.amount));
-    if (parts.empty()) return true;
-    text += MfeRow(formula.Color_Name, parts);
-    ++count;
-    return true;
-  };
-  if (names.empty()) {
-    ForEachMix(session, add);
-  } else {
-    for (const std::string& name : names) {
-      const auto formula = FindMix(session, name);
-      if (!formula)
-        return Refuse(
-            "Color Not Found",
-            fmt::format("The Master Formula {} was not found in the {} database.", name, session.CurrentDatabase),
-            "Color_Name");
-      add(*formula);
-    }
-  }
-  if (count == 0) return Refuse("No Formulas Selected", "No Master Formulas selected for export.");
-  WriteTextFile(path, text);
-  return count;
 }
 
 }  // namespace vellumark

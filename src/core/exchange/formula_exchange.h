@@ -2,7 +2,6 @@
 
 #include <filesystem>
 #include <string>
-#include <vector>
 
 #include "core/session/session.h"
 
@@ -24,10 +23,5 @@ struct ImportReport {
 /// Yes, and keeps its stock, costs, notes and guide data. In a Database made from guides a name without "PANTONE " that
 /// the guides or the Database have with it means that colour. Costs, VOC and HAP of what was brought in are rolled up.
 Result<ImportReport> ImportFormulas(Session& session, const std::filesystem::path& path);
-
-/// Writes formulas of the current Database, all of them in name order when `names` is empty, to an `.mfe` file, which
-/// is replaced in one step. Lines that weigh nothing are left out. Refused when there are none, or when one of the
-/// names is no formula. The number written.
-Result<int> ExportFormulas(Session& session, const std::vector<std::string>& names, const std::filesystem::path& path);
 
 }  // namespace vellumark

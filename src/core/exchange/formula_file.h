@@ -5,6 +5,7 @@
 #include <string_view>
 
 #include "core/base/refusal.h"
+#include "core/exchange/formula_columns.h"
 #include "core/exchange/formula_table.h"
 
 namespace vellumark {
@@ -12,7 +13,16 @@ namespace vellumark {
 struct FormulaFileOptions {
   std::optional<FormulaFormat> format{};  ///< nothing: by the content
   int nameLength = 30;
+  ColumnMapping columns{};  ///< of a shop's own columns
 };
+
+/// What the content of a file shows it to be, and where that is not plain its name. Nothing for what is none of the
+/// formats.
+std::optional<FormulaFormat> RecogniseFormat(std::string_view text, const std::filesystem::path& path,
+                                             const ColumnMapping& columns);
+
+/// How the session reads formula files: the length of names and the columns that were told last.
+FormulaFileOptions FileOptions(const Session& session, std::optional<FormulaFormat> format = {});
 
 /// Reads a formula file of any format. The text may be in UTF-8, UTF-16 or CP1252 with any line ends, cells may be in
 /// quotes, numbers may have a decimal comma and thousands marks, blank lines and blank cells behind the last are

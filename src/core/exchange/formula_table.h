@@ -82,6 +82,7 @@ struct FormulaTable {
   std::vector<SourceColor> formulas{};  ///< each name once
   std::vector<SourceSet> sets{};
   std::vector<BadLine> badLines{};   ///< by line
+  bool ordered = true;               ///< false: the ingredients of a recipe stand in no order of their own
   bool hasFigures = false;           ///< some colour has a cost, an emission or a quantity, so that the unit matters
   std::vector<std::string> lacks{};  ///< a sentence for each thing that the source has no place for, or that is lost
 };

@@ -4,15 +4,21 @@
 #include "core/base/refusal.h"
 #include "core/base/text.h"
 #include "core/datafile/engine.h"
-#include "core/exchange/mfe.h"
 
 namespace vellumark {
+
+std::string TextFileBytes(const std::string& text) {
+  if (!FitsCp1252(text)) return text;
+  std::string bytes = ToCp1252(text);
+  // What would be taken for UTF-8 says by its mark that it is.
+  return bytes != text && IsUtf8(bytes) ? "\xEF\xBB\xBF" + text : bytes;
+}
 
 void WriteTextFile(const std::filesystem::path& path, const std::string& text) {
   std::error_code ignored;
   if (std::filesystem::is_regular_file(path, ignored) && Database::IsDatabaseFile(path))
     throw Failure(path.string(), "is a Data File and is not overwritten");
-  ReplaceFile(path, MfeBytes(text));
+  ReplaceFile(path, TextFileBytes(text));
 }
 
 std::string TabCell(std::string_view text) {

@@ -6,7 +6,10 @@
 
 namespace vellumark {
 
-/// Replaces a text file in one step: in the code page, or as UTF-8 when a character is not in it. Throws Failure for a
+/// The bytes of a text file: in the code page, or as UTF-8 when a character is not in it.
+std::string TextFileBytes(const std::string& text);
+
+/// Replaces a text file in one step. Throws Failure for a
 /// Data File: a slip of the hand in a name must not cost the shop its data.
 void WriteTextFile(const std::filesystem::path& path, const std::string& text);
 

@@ -109,6 +109,11 @@ std::string NumberMarks(std::string_view cell) {
   return marks;
 }
 
+// Digits with one point at most, as most files have them.
+bool IsPlain(std::string_view cell) {
+  return std::ranges::all_of(cell, [](char c) { return IsDigit(c) || c == '.'; }) && std::ranges::count(cell, '.') <= 1;
+}
+
 struct Marks {
   std::size_t points = 0;
   std::size_t commas = 0;
@@ -160,6 +165,41 @@ std::string TextOfAnyEncoding(std::string_view bytes) {
   return DecodeText(bytes);
 }
 
+std::string EscapedCell(std::string_view text) {
+  std::string cell;
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    const char c = text[i];
+    if (c == '\r') {
+      if (i + 1 == text.size() || text[i + 1] != '\n') cell += "\\n";
+    } else if (c == '\n' || c == '\t' || c == '\\') {
+      cell += '\\';
+      cell += c == '\n' ? 'n' : c == '\t' ? 't' : '\\';
+    } else {
+      cell += c;
+    }
+  }
+  return cell;
+}
+
+std::string UnescapedCell(std::string_view cell) {
+  std::string text;
+  for (std::size_t i = 0; i < cell.size(); ++i) {
+    const char next = cell[i] == '\\' && i + 1 < cell.size() ? cell[i + 1] : '\0';
+    const bool known = next == 'n' || next == 't' || next == '\\';
+    text += !known ? cell[i] : next == 'n' ? '\n' : next == 't' ? '\t' : '\\';
+    if (known) ++i;
+  }
+  return text;
+}
+
+std::string WrittenCell(std::string_view text) {
+  std::string cell = EscapedCell(text);
+  if (!cell.starts_with('"')) return cell;
+  std::string quoted = "\"";
+  for (const char c : cell) quoted.append(c == '"' ? 2 : 1, c);
+  return quoted + "\"";
+}
+
 bool RowCutter::EndsCell(std::size_t at) const {
   return at >= text_.size() || text_[at] == separator_ || text_[at] == '\n' || text_[at] == '\r';
 }
@@ -171,7 +211,8 @@ bool RowCutter::TakeQuoted(std::string& cell) {
   const std::size_t last = std::min(text_.size(), at_ + kLongestQuoted);
   for (std::size_t i = at_ + 1; i < last; ++i) {
     const char c = text_[i];
-    if (c == '\n' || (c == '\r' && (i + 1 == text_.size() || text_[i + 1] != '\n'))) ++lines;
+    if (c == '\r' && i + 1 < text_.size() && text_[i + 1] == '\n') continue;
+    if (c == '\n' || c == '\r') ++lines;
     if (c == '"') {
       if (i + 1 < text_.size() && text_[i + 1] == '"') {
         ++i;
@@ -181,7 +222,7 @@ bool RowCutter::TakeQuoted(std::string& cell) {
         return true;
       }
     }
-    cell += text_[i];
+    cell += c == '\r' ? '\n' : c;
   }
   cell.clear();
   noQuoteBefore_ = last;
@@ -236,7 +277,12 @@ void NumberStyle::Learn(std::string_view cell) {
   }
 }
 
-std::optional<double> NumberStyle::Read(std::string_view cell) const {
+std::optional<double> NumberStyle::Read(std::string_view cell) {
+  if (learning_) {
+    Learn(cell);
+    return 1;
+  }
+  if (!commaDecimal_ && IsPlain(cell)) return ParseNumber(cell);
   const std::string number = NumberMarks(cell);
   if (number.empty()) return std::nullopt;
   const Marks marks = MarksOf(number);

@@ -18,7 +18,7 @@ Command CommandOf(CommandRight right) {
     case CommandRight::BackupRestore:
       return {&Session::Perm_BackupRestore, 1, "back up or restore"};
     case CommandRight::Export:
-      return {&Session::Perm_Export, 1, "export the Data File"};
+      return {&Session::Perm_Export, 1, "export from the Data File"};
     case CommandRight::Advanced:
       return {&Session::Perm_Advanced, 1, "use the Advanced Data File commands"};
     case CommandRight::Options:

@@ -10,7 +10,7 @@
 #include "core/base/text.h"
 #include "core/colors/basics.h"
 #include "core/colors/formulas.h"
-#include "core/exchange/mfe.h"
+#include "core/exchange/formula_export.h"
 #include "support/guide_room.h"
 
 namespace vellumark {
@@ -39,7 +39,7 @@ TEST(MfeImport, RealRecipesComeBackAsTheyWent) {
   EXPECT_EQ(room.Scalar("SELECT COUNT(*) FROM INK_Basic").Whole(), report->newBasics);
   EXPECT_EQ(room.Scalar("SELECT MAX(IngSort) FROM INK_Basic").Whole(), report->newBasics - 1);
   const auto out = room.folder / "out.mfe";
-  ASSERT_EQ(ExportFormulas(room.session, {}, out).value(), 4683);
+  ASSERT_EQ(ExportFormulas(room.session, FormulaFormat::Mfe, {}, out)->formulas, 4683);
   std::vector<std::string> sent = Lines(source);
   std::vector<std::string> back = Lines(out);
   EXPECT_EQ(back[0], "INK\r");
@@ -178,7 +178,7 @@ TEST(MfeImport, NamesInTheCodePageAndWithSignsComeThrough) {
   EXPECT_EQ(FormulasUsing(room.session, "BLÄU & CO"), std::vector<std::string>{"GRÜN 50%_ÉTÉ"});
   EXPECT_TRUE(FormulasUsing(room.session, "BL_U & CO").empty());
   const auto out = room.folder / "out.mfe";
-  ExportFormulas(room.session, {"GRÜN 50%_ÉTÉ"}, out);
+  ExportFormulas(room.session, FormulaFormat::Mfe, {.names = {"GRÜN 50%_ÉTÉ"}}, out);
   EXPECT_EQ(ReadFileBytes(out), bytes);
 }
 
@@ -228,7 +228,7 @@ TEST(MfeExport, TakesTheFormulaOfThatNameAndLeavesOutWhatWeighsNothing) {
   room.Mix("A", {{"X", 100.0F}}, {{"Color_Code", "F1"}});
   room.Mix("F1", {{"Y", 100.0F}, {"X", 0.0004F}});
   const auto out = room.folder / "out.mfe";
-  ASSERT_TRUE(ExportFormulas(room.session, {"F1"}, out));
+  ASSERT_TRUE(ExportFormulas(room.session, FormulaFormat::Mfe, {.names = {"F1"}}, out));
   EXPECT_EQ(ReadFileBytes(out), "INK\r\nF1\tY\t100.000\r\n");
   EXPECT_EQ(FindMix(room.session, "F1")->Color_Name, "F1");
   test::InkRoom other;
@@ -236,7 +236,7 @@ TEST(MfeExport, TakesTheFormulaOfThatNameAndLeavesOutWhatWeighsNothing) {
 
   // A name that an older program took must not hold up all the others.
   room.Mix("OHM \xCE\xA9", {{"X", 100.0F}});
-  EXPECT_EQ(ExportFormulas(room.session, {}, out), 3);
+  EXPECT_EQ(ExportFormulas(room.session, FormulaFormat::Mfe, {}, out)->formulas, 3);
   EXPECT_NE(ReadFileBytes(out).find("\r\nOHM \xCE\xA9\tX\t100.000\r\n"), std::string::npos);
 }
 
@@ -244,16 +244,17 @@ TEST(MfeExport, RefusalsWriteNoFile) {
   test::InkRoom room;
   room.Breaks("Ingredients");
   const auto out = room.folder / "out.mfe";
-  EXPECT_EQ(ExportFormulas(room.session, {}, out).error(),
+  EXPECT_EQ(ExportFormulas(room.session, FormulaFormat::Mfe, {}, out).error(),
             (Refusal{"No Formulas Selected", "No Master Formulas selected for export.", ""}));
   room.Mix("A", {{"X", 100.0F}});
-  EXPECT_EQ(ExportFormulas(room.session, {"A", "GONE"}, out).error().title, "Color Not Found");
+  EXPECT_EQ(ExportFormulas(room.session, FormulaFormat::Mfe, {.names = {"A", "GONE"}}, out).error().title,
+            "Color Not Found");
   EXPECT_FALSE(std::filesystem::exists(out));
-  EXPECT_THROW(ExportFormulas(room.session, {}, room.folder / "no" / "out.mfe"), Failure);
+  EXPECT_THROW(ExportFormulas(room.session, FormulaFormat::Mfe, {}, room.folder / "no" / "out.mfe"), Failure);
   std::vector<std::pair<std::string, float>> parts;
   for (int i = 0; i < 15; ++i) parts.emplace_back("I" + std::to_string(i), i == 0 ? 6.662F : 6.667F);
   room.Mix("FIFTEEN", parts);
-  ExportFormulas(room.session, {"FIFTEEN"}, out);
+  ExportFormulas(room.session, FormulaFormat::Mfe, {.names = {"FIFTEEN"}}, out);
   EXPECT_EQ(Split(Lines(out)[1], '\t').size(), 31U);
 }
 

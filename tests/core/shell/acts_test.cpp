@@ -13,7 +13,7 @@
 #include "core/colors/formula_modifier.h"
 #include "core/colors/formula_work.h"
 #include "core/colors/resets.h"
-#include "core/exchange/formula_exchange.h"
+#include "core/exchange/formula_export.h"
 #include "core/inventory/adjust.h"
 #include "core/session/options.h"
 #include "core/session/users.h"
@@ -58,7 +58,7 @@ const Rule kRules[] = {
      }},
     {"DeleteFormulas", Act::BulkFormulas, [](Session& s) { return RefusalOf(DeleteFormulas(s, {"X"})); }},
     {"ExportFormulas", Act::ExportFormulas,
-     [](Session& s) { return RefusalOf(ExportFormulas(s, {"X"}, "/nowhere/x.mfe")); }},
+     [](Session& s) { return RefusalOf(ExportFormulas(s, FormulaFormat::Mfe, {.names = {"X"}}, "/nowhere/x.mfe")); }},
     {"SaveFormula", Act::EditFormulas,
      [](Session& s) {
        FormulaWork work;

@@ -21,6 +21,7 @@
 #include "core/colors/resets.h"
 #include "core/colors/swatch.h"
 #include "core/exchange/formula_exchange.h"
+#include "core/exchange/formula_export.h"
 #include "core/inventory/reorder.h"
 #include "core/inventory/stock_resets.h"
 #include "core/session/settings.h"
@@ -260,7 +261,7 @@ TEST_F(Notices, OfBatchesJobsFilesAndTheRest) {
         {Kind::Job, "", "J2", What::Updated, ""}}},
       {"exchanged formulas",
        [&] {
-         if (!Done(ExportFormulas(session, {"PINK"}, file))) return false;
+         if (!Done(ExportFormulas(session, FormulaFormat::Mfe, {.names = {"PINK"}}, file))) return false;
          prompt.Expect("Master Formula - Delete Master Formula?", Answer::Yes);
          return Done(DeleteMix(session, "PINK")) && Done(ImportFormulas(session, file));
        },
