@@ -8,6 +8,7 @@
 #include "desktop/batch/register.h"
 #include "desktop/colors/register.h"
 #include "desktop/datafile/register.h"
+#include "desktop/exchange/register.h"
 #include "desktop/inventory/register.h"
 #include "desktop/kit/application.h"
 #include "desktop/kit/message_prompt.h"
@@ -53,6 +54,7 @@ int main(int argc, char** argv) {
   vellumark::desktop::RegisterJobsWindows(windows);
   vellumark::desktop::RegisterReportsWindows(windows);
   vellumark::desktop::RegisterLabelWindows(windows);
+  vellumark::desktop::RegisterExchangeWindows(windows);
 
   vellumark::desktop::Program program(windows);
   vellumark::desktop::RegisterDatafileWindows(windows, program.Windows());

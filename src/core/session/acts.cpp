@@ -189,6 +189,10 @@ constexpr WayIn kWindows[] = {
     {"ResetMixCostForm", Act::ResetCosts},
     {"ResetBasic_VOC_HAP_Form", Act::ResetEmissions},
     {"ResetMixColor_VOC_HAP", Act::ResetEmissions},
+    // Formulas out and in.
+    {"DBExport_Formulas", Act::ExportFormulas},
+    {"ExportImportFileExamples", Act::Look},
+    {"ImportColumnsForm", Act::ImportFormulas},
     // Databases and Data Files.
     {"NewDBForm", Act::Databases},
     {"RenameDBForm", Act::Databases},

@@ -20,7 +20,7 @@ struct Entry {
   bool isDialog = false;
 };
 
-constexpr std::array<Entry, 11> kEntries{{
+constexpr std::array<Entry, 12> kEntries{{
     {"cmdAdditiveControl", QT_TRANSLATE_NOOP("DBToolsMenu", "&Additive Sets"), "DBAdditiveControl",
      QT_TRANSLATE_NOOP("DBToolsMenu", "Many colors at once")},
     {"cmdFormulaModifier", QT_TRANSLATE_NOOP("DBToolsMenu", "&Formula Modifier"), "DBFormulaModifierForm"},
@@ -33,8 +33,9 @@ constexpr std::array<Entry, 11> kEntries{{
      nullptr, true},
     {"cmdResetMixVOCHAP", QT_TRANSLATE_NOOP("DBToolsMenu", "Master Formula VOC and &HAP"), "ResetMixColor_VOC_HAP",
      nullptr, true},
-    {"cmdExportBatches", QT_TRANSLATE_NOOP("DBToolsMenu", "&Export Batch Records"), "ExportBatchesForm",
+    {"cmdExportFormulas", QT_TRANSLATE_NOOP("DBToolsMenu", "Export Formu&las"), "DBExport_Formulas",
      QT_TRANSLATE_NOOP("DBToolsMenu", "Files")},
+    {"cmdExportBatches", QT_TRANSLATE_NOOP("DBToolsMenu", "&Export Batch Records"), "ExportBatchesForm"},
     {"cmdExportJobs", QT_TRANSLATE_NOOP("DBToolsMenu", "Export &Job Records"), "ExportJobRecords"},
     {"cmdDesignFiles", QT_TRANSLATE_NOOP("DBToolsMenu", "De&signs - Export and Import"), "DB_ImportExport_Designs"},
 }};

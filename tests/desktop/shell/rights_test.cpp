@@ -9,6 +9,7 @@
 #include "desktop/batch/register.h"
 #include "desktop/colors/register.h"
 #include "desktop/datafile/register.h"
+#include "desktop/exchange/register.h"
 #include "desktop/inventory/register.h"
 #include "desktop/jobs/register.h"
 #include "desktop/labels/register.h"
@@ -36,6 +37,7 @@ struct AllWindows : Desk {
     desktop::RegisterJobsWindows(windows);
     desktop::RegisterReportsWindows(windows);
     desktop::RegisterLabelWindows(windows);
+    desktop::RegisterExchangeWindows(windows);
     desktop::RegisterDatafileWindows(windows, program.Windows());
     desktop::RegisterBackupWindows(windows, program.Windows());
     desktop::RegisterScaleWindows(windows, program.Scale());

@@ -7,6 +7,7 @@
 #include "desktop/batch/register.h"
 #include "desktop/colors/register.h"
 #include "desktop/datafile/register.h"
+#include "desktop/exchange/register.h"
 #include "desktop/inventory/register.h"
 #include "desktop/kit/wait_progress.h"
 #include "desktop/jobs/register.h"
@@ -42,6 +43,7 @@ struct RunningProgram {
     desktop::RegisterJobsWindows(windows, choose);
     desktop::RegisterReportsWindows(windows, nowhere);
     desktop::RegisterLabelWindows(windows, nowhere);
+    desktop::RegisterExchangeWindows(windows, choose);
     desktop::RegisterDatafileWindows(windows, program.Windows(), platform);
     desktop::RegisterBackupWindows(windows, program.Windows(), platform.choose);
     desktop::RegisterScaleWindows(windows, program.Scale(), folder);
