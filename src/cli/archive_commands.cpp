@@ -63,7 +63,7 @@ Result<Json> Run(Context& context) {
   if (!moved) return std::unexpected(moved.error());
   Json answer = PreviewJson(context.session, *moved);
   answer["Verified"] = true;
-  context.text = PreviewText(*moved, "moved to");
+  context.text = PreviewText(*moved, "have moved to");
   return answer;
 }
 

@@ -208,6 +208,7 @@ constexpr WayIn kWindows[] = {
     {"BackupFileLocationForm", Act::BackUp},
     {"BackupRemovableForm", Act::BackUp},
     {"BackupReminderForm", Act::Look},
+    {"ArchiveForm", Act::BackUp},
     {"RestoreFileLocationForm", Act::BackUp},
     {"RestoreAutomaticForm", Act::BackUp},
     {"RestoreSupportFiles_FLoc", Act::DataFiles},

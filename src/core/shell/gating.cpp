@@ -93,6 +93,7 @@ const Entry kEntries[] = {
     {"menuDFRestore_Cloud", "menuDFRestore", "From Cloud"},
     {"menuDFRestore_Location", "menuDFRestore", "From File Location"},
     {"menuDFRestore_AutoBU", "menuDFRestore", "From Automatic Backup"},
+    {"menuDFArchive", "MenuDataFile", "Archive", WorkingWritable<Act::BackUp>},
     {"menuDFRepair", "MenuDataFile", "Repair", [](const State& s) { return s.working && s.notArchive; }},
     {"menuDFExport", "MenuDataFile", "Export", Working<Act::ExportDataFile>},
     {"menuDFOptions", "MenuDataFile", "&Options", WorkingWritable<Act::Options>},

@@ -1,5 +1,6 @@
 #include "desktop/backup/register.h"
 
+#include "desktop/backup/archive_form.h"
 #include "desktop/backup/backup_forms.h"
 #include "desktop/backup/restore_forms.h"
 #include "desktop/kit/window_list.h"
@@ -14,6 +15,7 @@ void RegisterBackupWindows(WindowList& windows, StartupWindows& startup, FileCho
     return new BackupRemovableForm(list, owner, choose);
   });
   windows.RegisterDialog<BackupReminderForm>("BackupReminderForm");
+  windows.RegisterDialog<ArchiveForm>("ArchiveForm");
   windows.RegisterDialog("RestoreFileLocationForm", [&startup, choose](WindowList& list, QWidget* owner) -> Dialog* {
     return new RestoreFileLocationForm(list, owner, startup, choose);
   });

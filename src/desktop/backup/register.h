@@ -12,7 +12,7 @@ class WindowList;
 ///
 /// BackupFileLocationForm, RestoreFileLocationForm, RestoreAutomaticForm; RestoreSupportFiles_FLoc and
 /// RestoreSupportFiles_AutoBackup, which only ask for the file; BackupReminderForm, which asks when the program closes, and
-/// BackupRemovableForm.
+/// BackupRemovableForm; ArchiveForm.
 void RegisterBackupWindows(WindowList& windows, StartupWindows& startup, FileChooser choose = ChooseFile);
 
 }  // namespace vellumark::desktop

@@ -13,6 +13,7 @@ std::string_view DialogOfMenuItem(std::string_view item) {
       Pair{"menuDFBackup_Location", "BackupFileLocationForm"},
       Pair{"menuDFRestore_Location", "RestoreFileLocationForm"},
       Pair{"menuDFRestore_AutoBU", "RestoreAutomaticForm"},
+      Pair{"menuDFArchive", "ArchiveForm"},
       Pair{"menuDFAdvanced_RestoreBU_SupportFiles_FLoc", "RestoreSupportFiles_FLoc"},
       Pair{"menuDFAdvanced_RestoreBU_SupportFiles_AutoBackup", "RestoreSupportFiles_AutoBackup"},
       Pair{"menuDFOptions_Autofill", "AutofillForm"},

@@ -3,7 +3,9 @@
 #include <QCoreApplication>
 #include <QScreen>
 
+#include "core/session/acts.h"
 #include "core/settings/support_files.h"
+#include "core/shell/archiving.h"
 #include "core/shell/backups.h"
 #include "desktop/kit/text.h"
 #include "desktop/kit/window.h"
@@ -113,6 +115,9 @@ void DesktopStartup::SetCaption(const std::string& caption) {
   QCoreApplication::setApplicationName("vellumark");
 }
 
-void DesktopStartup::SuggestArchive(Session&) {}
+void DesktopStartup::SuggestArchive(Session& session) {
+  // Offered to whoever may do it.
+  if (DueArchive(session) && MayDo(session, Act::BackUp) && windows_.Knows("ArchiveForm")) RunStep("ArchiveForm", {});
+}
 
 }  // namespace vellumark::desktop

@@ -36,6 +36,7 @@ const Row kRows[] = {
     {"menuDFBackup", false, false, false, &UserRights::DF_BackupRestore, 1},
     {"menuDFRestore", false, false, false, &UserRights::DF_BackupRestore, 1},
     {"menuDFExport", true, false, false, &UserRights::DF_ExportDF_Excel, 1},
+    {"menuDFArchive", false, false, false, &UserRights::DF_BackupRestore, 1},
     {"menuDFRepair", false, false, false, nullptr, 0},
     {"menuDFOptions", false, false, false, &UserRights::DF_OptionsMenu, 1},
     {"menuDFAdvanced", true, true, true, &UserRights::DF_AdvancedMenu, 1},

@@ -5,16 +5,19 @@
 #include <QDialog>
 #include <QLineEdit>
 #include <QPointer>
+#include <QPushButton>
 #include <QTabWidget>
 #include <QTimer>
 #include <iostream>
 #include <map>
 #include <set>
 
+#include "core/base/files.h"
 #include "core/batch/open.h"
 #include "core/colors/formula_work.h"
 #include "core/colors/formulas.h"
 #include "core/session/options.h"
+#include "core/shell/data_files.h"
 #include "desktop/kit/message_prompt.h"
 #include "desktop/kit/scanned_entry.h"
 #include "furnished_room.h"
@@ -222,6 +225,49 @@ TEST_F(EveryWindowTest, AScanLandsWholeInTheFieldThatHasTheFocus) {
   std::cout << "fields that take scans: " << found << '\n';
   EXPECT_GT(fields["<CN>"], 25);
   for (const char* tag : {"<CC>", "<JN>", "<LN>", "<LL>", "<LC>"}) EXPECT_GT(fields[tag], 0) << tag;
+}
+
+// Every window can be looked at; what would write says that it may not, and the file stays as it is to the last bit.
+TEST_F(EveryWindowTest, InAnArchiveNothingIsWritten) {
+  namespace fs = std::filesystem;
+  const fs::path archive = room.folder / "Ink Archive 2020.vkd";
+  fs::copy_file(room.folder / "Ink.vkd", archive);
+  const std::string bytes = ReadFileBytes(archive);
+  ASSERT_TRUE(OpenOtherDataFile(running.session, archive, running.program.Windows()));
+  ASSERT_TRUE(running.session.ArchiveView);
+  // The first question of a window is the one whether to do it.
+  running.prompt.SetHook([this](const Message& message) {
+    told.push_back(message.title);
+    const bool first = std::ranges::find(told, "asked") == told.end();
+    if (message.buttons == Buttons::Ok || message.buttons == Buttons::OkCancel) return Answer::Ok;
+    told.emplace_back("asked");
+    return first ? Answer::Yes : Answer::No;
+  });
+  std::set<std::string> refused;
+  for (const std::string& name : running.windows.Names()) {
+    SCOPED_TRACE(name);
+    On(name, [&](QWidget& window) {
+      const QPointer<QWidget> open = &window;
+      for (const QPointer<QLineEdit> line : window.findChildren<QLineEdit*>()) {
+        if (line == nullptr || dynamic_cast<desktop::NumberField*>(line.data()) == nullptr || !line->isVisible() ||
+            !line->isEnabled() || line->isReadOnly())
+          continue;
+        line->setFocus(Qt::TabFocusReason);
+        if (window.isAncestorOf(QApplication::focusWidget())) TypeOn("7");
+        break;
+      }
+      for (const char* button : {"cmdSave", "cmdOK", "cmdDelete", "cmdApply", "cmdAdd", "cmdRename", "cmdArchive"}) {
+        auto* command = open == nullptr ? nullptr : open->findChild<QPushButton*>(button);
+        if (command != nullptr && command->isVisible() && command->isEnabled()) Click(*command);
+      }
+      if (std::ranges::find(told, "Archive or Backup Data File") != told.end()) refused.insert(name);
+    });
+  }
+  std::string names;
+  for (const std::string& name : refused) names += name + " ";
+  std::cout << "refused by " << names << '\n';
+  EXPECT_GT(refused.size(), 25U);
+  EXPECT_TRUE(ReadFileBytes(archive) == bytes);
 }
 
 }  // namespace
