@@ -221,13 +221,14 @@ std::optional<BackupReminder> DueBackupReminder(const Session& session) {
 }
 
 void StoreReminderAnswer(Session& session, const ReminderAnswer& answer) {
+  if (session.ArchiveView || !session.DataFileDB) return;
   BackupDates dates = ReadBackupDates(session.File());
   if (answer.dontShow) {
     StoreSettings(session, {setting::RemindBackup.To(true)});
   } else {
     dates.DaysToRemindBackup = answer.DaysToRemindBackup;
   }
-  dates.DayBeforeNextBackupDate = DaysAfter(session.clock.Today(), dates.DaysToRemindBackup);
+  if (!answer.backsUp) dates.DayBeforeNextBackupDate = DaysAfter(session.clock.Today(), dates.DaysToRemindBackup);
   StoreBackupDates(session.File(), dates);
 }
 

@@ -27,10 +27,11 @@ struct BackupReminder {
 std::optional<BackupReminder> DueBackupReminder(const Session& session);
 struct ReminderAnswer {
   bool dontShow = false;
+  bool backsUp = false;  ///< a backup is made next
   int DaysToRemindBackup = 1;
 };
-/// Whatever was answered, the reminder waits for the interval again; "Don't Show" switches it off. That a backup was made
-/// only a backup stores.
+/// The reminder waits for the interval again; "Don't Show" switches it off. That a backup was made only a backup stores:
+/// when it is not made after all, the reminder comes at the next closing.
 void StoreReminderAnswer(Session& session, const ReminderAnswer& answer);
 
 /// Puts a Data File back over the session's own, after verifying it and asking, with what it would replace by what. The

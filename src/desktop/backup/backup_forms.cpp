@@ -54,36 +54,39 @@ void BackupFileLocationForm::cmdContinue_Click() {
 }
 
 BackupRemovableForm::BackupRemovableForm(WindowList& windowList, QWidget* owner, FileChooser choose)
-    : Dialog(windowList, owner, "BackupRemovableForm", tr("Backup Datafile To..")), choose_(std::move(choose)) {
+    : Dialog(windowList, owner, "BackupRemovableForm", tr("Backup Datafile To..")) {
   Form form(*this);
-  const std::string stored = GetSetting(session, setting::BackupFileLocation);
   const QString documents = QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation);
-  const QString shown = ExistingFolder(stored, QFileInfo(documents).isDir() ? documents : QDir::homePath());
-  if (!stored.empty() && shown != Q(stored))
-    Paragraph(form,
-              tr("Backup location not found\n\n%1\n\n1) Connect the external storage device of this folder, then open "
-                 "this window again.\n2) Choose another folder.\n3) Insert new external storage device, press Drive "
-                 "Refresh, create a new backup location.")
-                  .arg(Q(stored)),
-              "lblNotFound");
-  form.Row(tr("&Folder"), {folder_ = form.Text("txtFolder"), form.Button("cmdBrowse", tr("&Browse ..."))});
+  folder_.emplace(form, QFileInfo(documents).isDir() ? documents : QDir::homePath(),
+                  [this, choose = std::move(choose)](const QString& from) {
+                    FileChoice choice{tr("Select Location to Save Backup"), {}, {}, from};
+                    choice.onlyFolder = true;
+                    return choose(choice, this);
+                  });
   form.Buttons({form.Button("cmdContinue", tr("C&ontinue")), form.Button("cmdCancel", tr("Cancel"))});
-  folder_->setReadOnly(true);
-  folder_->setMinimumWidth(320);
-  folder_->SetText(U8(QDir::toNativeSeparators(shown)));
   setMinimumWidth(560);
   FitHeight(*this);
 }
 
-void BackupRemovableForm::cmdBrowse_Click() {
-  FileChoice choice{tr("Select Location to Save Backup"), {}, {}, QDir::fromNativeSeparators(folder_->text())};
-  choice.onlyFolder = true;
-  const QString folder = choose_(choice, this);
-  if (!folder.isEmpty()) folder_->SetText(U8(QDir::toNativeSeparators(folder)));
+void BackupRemovableForm::OnOpen(const Arguments&) {
+  const QString stored = Q(GetSetting(session, setting::BackupFileLocation));
+  folder_->Want(stored);
+  if (!stored.isEmpty() && !QFileInfo(stored).isDir()) TellNotFound(stored);
+}
+
+void BackupRemovableForm::TellNotFound(const QString& folder) {
+  session.prompt.Tell(U8(tr("Backup location not found")),
+                      U8(tr("%1\n\n1) Insert the external storage device of this location, press Drive Refresh.\n"
+                            "2) Choose another folder.\n3) Insert new external storage device, press Drive Refresh, create a "
+                            "new backup location.")
+                             .arg(QDir::toNativeSeparators(folder))),
+                      vellumark::Icon::Exclamation);
 }
 
 void BackupRemovableForm::cmdContinue_Click() {
-  const QString folder = QDir::fromNativeSeparators(folder_->text());
+  // A stick that was pulled out meanwhile: its folder must not be made on the disk of the computer.
+  const QString folder = QDir::fromNativeSeparators(folder_->Field().text());
+  if (!folder_->IsThere()) return TellNotFound(folder);
   if (!BackUp(*this, folder)) return;
   StoreSettings(session, {setting::BackupFileLocation.To(U8(folder))});
   accept();
@@ -120,9 +123,16 @@ void BackupReminderForm::UpdateEnabled() {
 }
 
 void BackupReminderForm::cmdOK_Click() {
-  StoreReminderAnswer(session, {dontShow_->isChecked(), days_->currentIndex() + 1});
-  if (!dontShow_->isChecked() && now_->Chosen() == 0) windows.RunDialog("BackupRemovableForm");
+  const bool dontShow = dontShow_->isChecked();
+  const bool backsUp = !dontShow && now_->Chosen() == 0;
+  StoreReminderAnswer(session, {dontShow, backsUp, days_->currentIndex() + 1});
+  if (backsUp) windows.RunDialog("BackupRemovableForm");
   accept();
+}
+
+void BackupReminderForm::reject() {
+  StoreReminderAnswer(session, {false, false, days_->currentIndex() + 1});
+  Dialog::reject();
 }
 
 }  // namespace vellumark::desktop

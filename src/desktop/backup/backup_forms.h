@@ -1,5 +1,8 @@
 #pragma once
 
+#include <optional>
+
+#include "desktop/settings/drive_folder.h"
 #include "desktop/datafile/file_choice.h"
 #include "desktop/kit/window.h"
 
@@ -26,15 +29,16 @@ class BackupRemovableForm : public Dialog {
 
  public:
   BackupRemovableForm(WindowList& windowList, QWidget* owner, FileChooser choose);
+  void OnOpen(const Arguments& arguments) override;
 
  public Q_SLOTS:
-  void cmdBrowse_Click();
   void cmdContinue_Click();
   void cmdCancel_Click() { reject(); }
 
  private:
-  FileChooser choose_;
-  TextField* folder_;
+  void TellNotFound(const QString& folder);
+
+  std::optional<DriveFolder> folder_;
 };
 
 /// Whether the Data File is to be backed up now, asked when the program closes.
@@ -45,6 +49,8 @@ class BackupReminderForm : public Dialog {
   BackupReminderForm(WindowList& windowList, QWidget* owner);
   void UpdateEnabled() override;
   void OnOpen(const Arguments& arguments) override;
+  /// Going away without an answer waits for the interval too.
+  void reject() override;
 
  public Q_SLOTS:
   void cmdOK_Click();

@@ -1,5 +1,8 @@
 #pragma once
 
+#include <optional>
+
+#include "desktop/settings/drive_folder.h"
 #include "desktop/kit/window.h"
 
 namespace vellumark::desktop {
@@ -14,18 +17,11 @@ class RemindersForm : public Dialog {
 
  public Q_SLOTS:
   void cmdOK_Click();
-  void cmdBrowse_Click();
-  /// Reads the drives anew; a folder that is gone gives way to the default.
-  void cmdRefresh_Click();
 
  private:
-  void ShowFolder(const QString& folder);
-  void ListDrives();
-
   RadioField* onOff_;
   ComboField* days_;
-  ComboField* drive_;
-  TextField* folder_;
+  std::optional<DriveFolder> folder_;
   CheckField* report_;
   CheckField* lotNumbers_;
 };

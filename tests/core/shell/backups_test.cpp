@@ -172,13 +172,42 @@ TEST_F(Backups, AnArchiveCopyBecomesAPlainFileAndOnlyPlainOnesAreBackedUp) {
   EXPECT_FALSE(Restore(file));
 }
 
-TEST_F(Backups, TheReminderWaitsForItsDays) {
+TEST_F(Backups, WhenTheReminderIsDue) {
   Session& session = room.session;
-  EXPECT_FALSE(DueBackupReminder(session)) << "off unless switched on";
+  struct Case {
+    bool on;
+    bool archive;
+    std::optional<DateTime> dayBefore;
+    bool due;
+  };
+  const DateTime today{2026, 3, 10};
+  const Case cases[] = {{false, false, {}, false},
+                        {true, false, {}, true},
+                        {true, true, {}, false},
+                        {true, false, DateTime{2026, 3, 9}, true},
+                        {true, false, today, false},
+                        {true, false, DateTime{2026, 3, 11}, false},
+                        {false, false, DateTime{2025, 3, 9}, false}};
+  for (const Case& one : cases) {
+    SCOPED_TRACE(std::to_string(&one - cases));
+    StoreSettings(session, {setting::RemindBackup.To(!one.on)});
+    StoreBackupDates(session.File(), {{}, one.dayBefore, 7});
+    session.ArchiveView = one.archive;
+    EXPECT_EQ(DueBackupReminder(session).has_value(), one.due);
+    session.ArchiveView = false;
+  }
   StoreSettings(session, {setting::RemindBackup.To(false)});
-  ASSERT_TRUE(DueBackupReminder(session));
+  StoreBackupDates(session.File(), {});
+  CloseDataFile(session, room.windows);
+  EXPECT_FALSE(DueBackupReminder(session)) << "no file is open";
+  OpenDataFile(session, room.windows);
+}
+
+TEST_F(Backups, WhatAnAnswerToTheReminderStores) {
+  Session& session = room.session;
+  StoreSettings(session, {setting::RemindBackup.To(false)});
   EXPECT_FALSE(DueBackupReminder(session)->LastBackupDate);
-  StoreReminderAnswer(session, {false, 3});
+  StoreReminderAnswer(session, {false, false, 3});
   for (const auto& [day, due] : {std::pair{10, false}, {13, false}, {14, true}}) {
     room.clock.Set({2026, 3, day, 18, 0, 0});
     EXPECT_EQ(DueBackupReminder(session).has_value(), due) << day;
@@ -186,9 +215,16 @@ TEST_F(Backups, TheReminderWaitsForItsDays) {
   // An answer is no backup.
   EXPECT_FALSE(DueBackupReminder(session)->LastBackupDate);
   EXPECT_EQ(DueBackupReminder(session)->DaysToRemindBackup, 3);
-  StoreReminderAnswer(session, {true, 5});
+  // Nor is one that is to be made: the backup itself stores its day, with the interval that was chosen.
+  StoreReminderAnswer(session, {false, true, 9});
+  EXPECT_TRUE(DueBackupReminder(session));
+  Make();
+  EXPECT_EQ(ReadBackupDates(session.File()).LastBackupDate, (DateTime{2026, 3, 14}));
+  EXPECT_EQ(ReadBackupDates(session.File()).DayBeforeNextBackupDate, (DateTime{2026, 3, 23}));
+  StoreReminderAnswer(session, {true, false, 5});
   room.clock.Set({2026, 6, 1, 18, 0, 0});
   EXPECT_FALSE(DueBackupReminder(session));
+  EXPECT_EQ(ReadBackupDates(session.File()).DaysToRemindBackup, 9) << "only stored while it is wanted";
 }
 
 TEST_F(Backups, SupportFilesComeBackAndTheDataFileStays) {

@@ -1,4 +1,8 @@
+#include <QComboBox>
 #include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QTabWidget>
 #include <QTreeWidget>
 
 #include "core/backup/backup_set.h"
@@ -8,6 +12,7 @@
 #include "core/shell/backups.h"
 #include "core/shell/data_files.h"
 #include "desktop/backup/register.h"
+#include "desktop/datafile/register.h"
 #include "support/data_files.h"
 #include "support/desktop.h"
 
@@ -101,29 +106,135 @@ TEST_F(BackupWindows, TheAutomaticBackupsAreListedVerifiedAndRestored) {
   EXPECT_EQ(Colors(), 1);
 }
 
-TEST_F(BackupWindows, TheReminderBacksUpOrWaits) {
-  StoreSettings(session, {setting::RemindBackup.To(false), setting::BackupFileLocation.To((folder / "Gone").string())});
+// What stands in settings and file after each way through the reminder.
+TEST_F(BackupWindows, EveryWayThroughTheReminder) {
+  fs::create_directories(stick);
+  struct Way {
+    const char* name;
+    std::function<void(QWidget&)> inside;
+    fs::path location;  // stored before
+    bool backedUp;
+    int waits;  // days until the next; 0: at the next closing
+    bool off;
+  };
+  const auto chooses = [](const char* choice, bool dontShow) {
+    return [choice, dontShow](QWidget& form) {
+      Control<QComboBox>(form, "cmbDays").setCurrentIndex(4);
+      Click(form, choice);
+      if (dontShow) Click(form, "chkDontShow");
+      EXPECT_EQ(Control(form, "cmbDays").isEnabled(), !dontShow);
+      Click(form, "cmdOK");
+    };
+  };
+  const auto backsUp = [&](const char* button) {
+    return [this, chooses, button](QWidget& form) {
+      WithModal([&] { chooses("OptYes", false)(form); },
+                [&](QWidget& to) {
+                  EXPECT_EQ(U8(to.windowTitle()), "Backup Datafile To..");
+                  Click(to, button);
+                  if (to.isVisible()) PressOn(Qt::Key_Escape);
+                });
+    };
+  };
+  const Way ways[] = {
+      {"No", chooses("OptNo", false), stick, false, 5, false},
+      {"Don't show", chooses("OptNo", true), stick, false, 1, true},
+      {"closed without an answer", [](QWidget&) { PressOn(Qt::Key_Escape); }, stick, false, 1, false},
+      {"Yes", backsUp("cmdContinue"), stick, true, 5, false},
+      {"Yes, then cancelled", backsUp("cmdCancel"), stick, false, 0, false},
+      {"Yes, and it fails", backsUp("cmdContinue"), "/proc", false, 0, false},
+  };
+  for (const Way& way : ways) {
+    SCOPED_TRACE(way.name);
+    StoreSettings(session, {setting::RemindBackup.To(false), setting::BackupFileLocation.To(way.location.string())});
+    StoreBackupDates(session.File(), {});
+    const std::size_t sets = ListSets(stick).size();
+    if (way.backedUp) prompt.Expect("Backup Complete");
+    if (way.location != stick) prompt.Expect("Backup");  // what failed
+    Run("BackupReminderForm", way.inside);
+    EXPECT_EQ(ListSets(stick).size() - sets, way.backedUp ? 1U : 0U);
+    const BackupDates dates = ReadBackupDates(session.File());
+    EXPECT_EQ(dates.LastBackupDate.has_value(), way.backedUp);
+    EXPECT_EQ(GetSetting(session, setting::RemindBackup), way.off);
+    const auto next = way.waits == 0 ? std::optional<DateTime>() : DateTime{2026, 3, 10 + way.waits};
+    EXPECT_EQ(dates.DayBeforeNextBackupDate, next);
+    EXPECT_EQ(DueBackupReminder(session).has_value(), way.waits == 0);
+  }
+}
+
+TEST_F(BackupWindows, TheReminderTellsTheLastBackup) {
+  StoreSettings(session, {setting::RemindBackup.To(false)});
   Run("BackupReminderForm", [&](QWidget& form) {
     EXPECT_EQ(U8(Control<QLabel>(form, "lblLastBackup").text()), "A backup has never been performed for this file.");
+    EXPECT_EQ(Control<QComboBox>(form, "cmbDays").count(), 30);
     Picture(form, "backup-BackupReminderForm", {});
-    Click(form, "OptNo");
-    Click(form, "cmdOK");
+    PressOn(Qt::Key_Escape);
   });
-  EXPECT_FALSE(DueBackupReminder(session));
-  EXPECT_FALSE(ReadBackupDates(session.File()).LastBackupDate);
+  StoreBackupDates(session.File(), {DateTime{2026, 2, 1}, DateTime{2026, 2, 15}, 14});
+  Run("BackupReminderForm", [&](QWidget& form) {
+    EXPECT_EQ(Control<QLabel>(form, "lblLastBackup").text(),
+              "The last backup was on " + form.locale().toString(QDate(2026, 2, 1), QLocale::ShortFormat));
+    EXPECT_EQ(Control<QComboBox>(form, "cmbDays").currentText(), "14");
+    PressOn(Qt::Key_Escape);
+  });
+}
 
-  answer = stick;
-  fs::create_directories(stick);
-  prompt.Expect("Backup Complete");
+TEST_F(BackupWindows, AStickThatIsNotThereIsAskedFor) {
+  StoreSettings(session, {setting::BackupFileLocation.To(stick.string())});
+  prompt.Expect("Backup location not found").Expect("Backup location not found").Expect("Backup Complete");
   Run("BackupRemovableForm", [&](QWidget& form) {
-    EXPECT_NE(U8(Control<QLabel>(form, "lblNotFound").text()).find("Backup location not found"), std::string::npos);
+    EXPECT_TRUE(prompt.last.text.ends_with(
+        "3) Insert new external storage device, press Drive Refresh, create a new backup location."))
+        << prompt.last.text;
+    auto& shown = Control<QLineEdit>(form, "txtFolder");
+    EXPECT_NE(shown.text(), Q(stick.string()));
     Picture(form, "backup-BackupRemovableForm", {});
+    fs::create_directories(stick);  // it is put in
+    EXPECT_EQ(U8(Control<QPushButton>(form, "cmdRefresh").text().remove('&')), "Drive Refresh");
+    Click(form, "cmdRefresh");
+    EXPECT_EQ(shown.text(), Q(stick.string()));
+    fs::remove(stick);  // and out again: its folder is not made on the disk
+    Click(form, "cmdContinue");
+    EXPECT_FALSE(fs::exists(stick));
+    answer = folder / "Other";
+    fs::create_directories(answer);
     Click(form, "cmdBrowse");
     Click(form, "cmdContinue");
   });
-  EXPECT_EQ(ListSets(stick).size(), 1U);
-  EXPECT_EQ(GetSetting(session, setting::BackupFileLocation), stick.string());
+  EXPECT_EQ(ListSets(answer).size(), 1U);
+  EXPECT_EQ(GetSetting(session, setting::BackupFileLocation), answer.string());
   EXPECT_EQ(ReadBackupDates(session.File()).LastBackupDate, (DateTime{2026, 3, 10}));
+  // One that never was chosen is nothing that could be missing.
+  StoreSettings(session, {setting::BackupFileLocation.To("")});
+  Run("BackupRemovableForm", [](QWidget&) { PressOn(Qt::Key_Escape); });
+}
+
+// The window that comes when no file can be opened: its restores bring one back.
+TEST_F(BackupWindows, AFileThatIsLostIsRestoredFromTheWindowWithoutAFile) {
+  desktop::RegisterDatafileWindows(list, windows);
+  CloseDataFile(session, windows);
+  ASSERT_TRUE(ShutdownBackup(session, "AutoBackup"));
+  const fs::path set = ListSets(folder / "Auto Backup").front().dataFile;
+  for (const char* button : {"cmdAutoBackup", "cmdRestore"}) {
+    SCOPED_TRACE(button);
+    if (session.DataFileDB) CloseDataFile(session, windows);
+    fs::remove(file);
+    answer.clear();
+    const auto press = [&](const char* inRestore, QWidget& form) {
+      Control<QTabWidget>(form, "TabDataFile").setCurrentIndex(3);
+      WithModal([&] { Click(form, button); }, [&](QWidget& restore) { Click(restore, inRestore); });
+    };
+    prompt.Expect("Restore Data File", Answer::Yes).Expect("Restore Complete");
+    Run("NewDataFileForm", [&](QWidget& form) {
+      press("cmdCancel", form);
+      EXPECT_TRUE(form.isVisible()) << "it comes back while no file is open";
+      answer = set;
+      press("cmdContinue", form);
+      EXPECT_FALSE(form.isVisible());
+    });
+    EXPECT_EQ(session.DataFileName, file.string());
+    EXPECT_EQ(Colors(), 1);
+  }
 }
 
 }  // namespace
