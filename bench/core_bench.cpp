@@ -9,7 +9,7 @@
 #include "core/batch/recycle_list.h"
 #include "core/colors/formulas.h"
 #include "core/colors/rollup.h"
-#include "core/exchange/formula_exchange.h"
+#include "core/exchange/formula_import.h"
 #include "core/exchange/formula_writer.h"
 #include "core/inventory/adjust.h"
 #include "core/shell/opening.h"

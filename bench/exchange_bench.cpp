@@ -6,7 +6,7 @@
 
 #include "core/base/files.h"
 #include "core/base/text.h"
-#include "core/exchange/formula_exchange.h"
+#include "core/exchange/formula_import.h"
 #include "core/exchange/formula_export.h"
 #include "core/exchange/formula_writer.h"
 #include "large_room.h"

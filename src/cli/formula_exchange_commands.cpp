@@ -4,25 +4,12 @@
 #include <memory>
 
 #include "cli/color_fields.h"
-#include "core/exchange/formula_exchange.h"
+#include "cli/formula_import_commands.h"
 #include "core/exchange/formula_export.h"
 #include "core/exchange/formula_file.h"
 
 namespace vellumark::cli {
 namespace {
-
-Result<Json> Import(Context& context, const std::string& path) {
-  const auto report = ImportFormulas(context.session, path);
-  if (!report) return std::unexpected(report.error());
-  context.text = fmt::format("{} formulas added, {} changed, {} kept, {} the same already, {} new basics\n",
-                             report->added, report->changed, report->kept, report->same, report->newBasics);
-  return Json{{"Source", report->sourceDatabase},
-              {"Added", report->added},
-              {"Changed", report->changed},
-              {"Kept", report->kept},
-              {"Same", report->same},
-              {"NewBasics", report->newBasics}};
-}
 
 struct ExportOptions {
   int format = 0;
@@ -128,11 +115,7 @@ void AddColumns(CLI::App& formulaNoun, Commands& commands) {
 }  // namespace
 
 void AddFormulaExchangeCommands(CLI::App& formulaNoun, Commands& commands) {
-  auto* import = formulaNoun.add_subcommand("import", "Bring in the formulas of an .mfe file, all or none");
-  const auto source = std::make_shared<std::string>();
-  import->add_option("FILE", *source, "The file")->required()->check(NotEmpty);
-  commands.Add(import, Needs::Writable, [source](Context& context) { return Import(context, *source); });
-
+  AddFormulaImportCommands(formulaNoun, commands);
   AddExport(formulaNoun, commands);
   AddColumns(formulaNoun, commands);
 }

@@ -14,7 +14,7 @@
 #include "core/colors/basic_work.h"
 #include "core/colors/rename.h"
 #include "core/colors/rollup.h"
-#include "core/exchange/formula_exchange.h"
+#include "core/exchange/formula_import.h"
 #include "core/exchange/formula_writer.h"
 #include "core/inventory/adjust.h"
 #include "core/inventory/stock_resets.h"

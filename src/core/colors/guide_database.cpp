@@ -142,43 +142,6 @@ class GuideCopier {
   std::map<std::string, bool, NoCase> formulas_;
 };
 
-void CopyTemplateInfo(Session& session, Database& templateFile, const std::string& database) {
-  TemplateTableReader info(templateFile, kTemplateInfoTable, schema::Info, "RowKey");
-  if (!info.Step()) return;
-  const std::string table = TableName(database, schema::Info);
-  const std::int64_t row = session.File().Scalar("SELECT RowKey FROM " + Quoted(table)).Whole();
-  std::vector<Cell> cells;
-  for (const Field& field : schema::Info.fields) cells.emplace_back(field.name, info.Get(field.name));
-  UpdateRow(session.File(), schema::Info, table, row, cells);
-}
-
-Result<std::vector<const Guide*>> ChosenGuides(const std::vector<std::string>& codes) {
-  std::vector<const Guide*> chosen;
-  for (const std::string& code : codes)
-    if (FindGuide(TrimView(code)) == nullptr)
-      return Refuse("New Database", fmt::format("There is no guide named {}.", code), "lstPantoneData");
-  for (const Guide& guide : kGuides)
-    if (std::ranges::any_of(codes, [&](const std::string& c) { return EqualNoCase(TrimView(c), guide.code); }))
-      chosen.push_back(&guide);
-  if (chosen.empty())
-    return Refuse("No Content Choosen", "Please select Pantone Guides for your database", "lstPantoneData");
-  if (chosen.size() > 1 && chosen[0]->code == "F_Guide_A" && chosen[1]->code == "F_Guide_B")
-    return Refuse("Pantone Formula Guide Selection",
-                  "Cannot create a new Database with both Pantone Formula Guide selections.\n"
-                  "Each guide uses different formulas, only one can be selected for content.\n"
-                  "GP1601A - Published prior to December of 2022.\n"
-                  "GP1601B - Published in December of 2022.\n"
-                  "Over 200 new colors added to the guide.\n"
-                  "Colors are created with new formulas and basic colors.",
-                  "lstPantoneData");
-  return chosen;
-}
-
-std::unique_ptr<Database> OpenTemplate(const Session& session) {
-  const fs::path path = TemplatePath(session);
-  return path.empty() ? nullptr : Database::Open(path, OpenMode::ReadOnly);
-}
-
 bool HoldsGuide(Database& file, const Guide& guide) {
   return file.TableExists(guide.basicTable) && file.TableExists(guide.mixTable) &&
          !file.Scalar(fmt::format("SELECT 1 FROM {} LIMIT 1", Quoted(guide.mixTable))).IsNull();
@@ -193,6 +156,53 @@ fs::path TemplatePath(const Session& session) {
     if (fs::path path = folder / kTemplateFileName; fs::exists(path, ignored)) return path;
   }
   return {};
+}
+
+std::unique_ptr<Database> OpenTemplate(const Session& session) {
+  const fs::path path = TemplatePath(session);
+  return path.empty() ? nullptr : Database::Open(path, OpenMode::ReadOnly);
+}
+
+void CopyTemplateInfo(Session& session, Database& templateFile, const std::string& database) {
+  TemplateTableReader info(templateFile, kTemplateInfoTable, schema::Info, "RowKey");
+  if (!info.Step()) return;
+  const std::string table = TableName(database, schema::Info);
+  const std::int64_t row = session.File().Scalar("SELECT RowKey FROM " + Quoted(table)).Whole();
+  std::vector<Cell> cells;
+  for (const Field& field : schema::Info.fields) cells.emplace_back(field.name, info.Get(field.name));
+  UpdateRow(session.File(), schema::Info, table, row, cells);
+}
+
+Result<std::vector<const Guide*>> ChosenGuides(const Session& session, const std::vector<std::string>& codes,
+                                               std::string_view title, std::string_view whenNone) {
+  std::vector<const Guide*> chosen;
+  for (const std::string& code : codes)
+    if (FindGuide(TrimView(code)) == nullptr)
+      return Refuse(std::string(title), fmt::format("There is no guide named {}.", code), "lstPantoneData");
+  for (const Guide& guide : kGuides)
+    if (std::ranges::any_of(codes, [&](const std::string& c) { return EqualNoCase(TrimView(c), guide.code); }))
+      chosen.push_back(&guide);
+  if (chosen.empty())
+    return Refuse("No Content Choosen", std::string(whenNone), "lstPantoneData");
+  if (chosen.size() > 1 && chosen[0]->code == "F_Guide_A" && chosen[1]->code == "F_Guide_B")
+    return Refuse("Pantone Formula Guide Selection",
+                  "Cannot create a new Database with both Pantone Formula Guide selections.\n"
+                  "Each guide uses different formulas, only one can be selected for content.\n"
+                  "GP1601A - Published prior to December of 2022.\n"
+                  "GP1601B - Published in December of 2022.\n"
+                  "Over 200 new colors added to the guide.\n"
+                  "Colors are created with new formulas and basic colors.",
+                  "lstPantoneData");
+  const auto templateFile = OpenTemplate(session);
+  if (!templateFile)
+    return Refuse(std::string(title), "There is no template.\n" + HowToGetTemplate(session), "lstPantoneData");
+  for (const Guide* guide : chosen)
+    if (!HoldsGuide(*templateFile, *guide))
+      return Refuse(std::string(title),
+                    fmt::format("The template {} does not hold the guide {} ({}).", templateFile->Path().string(),
+                                guide->title, guide->code),
+                    "lstPantoneData");
+  return chosen;
 }
 
 std::string HowToGetTemplate(const Session& session) {
@@ -217,17 +227,9 @@ Result<std::string> CreateGuideDatabase(Session& session, std::string_view typed
   if (auto writable = RequireWritable(session); !writable) return std::unexpected(writable.error());
   auto name = NewDatabaseName(typedName, session.databaseList, session.DataFileName);
   if (!name) return name;
-  const auto guides = ChosenGuides(codes);
+  const auto guides = ChosenGuides(session, codes, "New Database", "Please select Pantone Guides for your database");
   if (!guides) return std::unexpected(guides.error());
   const auto templateFile = OpenTemplate(session);
-  if (!templateFile)
-    return Refuse("New Database", "There is no template.\n" + HowToGetTemplate(session), "lstPantoneData");
-  for (const Guide* guide : *guides)
-    if (!HoldsGuide(*templateFile, *guide))
-      return Refuse("New Database",
-                    fmt::format("The template {} does not hold the guide {} ({}).", templateFile->Path().string(),
-                                guide->title, guide->code),
-                    "lstPantoneData");
 
   ProgressRun progress(session.progress, "Creating Database ...");
   const std::size_t steps = 2 * guides->size();

@@ -5,11 +5,11 @@
 #include <array>
 #include <string>
 #include <string_view>
-#include <unordered_map>
 #include <vector>
 
 #include "core/base/number.h"
 #include "core/base/progress_run.h"
+#include "core/colors/name_map.h"
 #include "core/datafile/schema.h"
 
 namespace vellumark {
@@ -25,31 +25,7 @@ struct Figures {
   float hap = 0;
 };
 
-// Names compare as the Data File compares them, without regard to the case of A to Z.
-char Folded(char c) {
-  return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;
-}
-
-struct NameHash {
-  using is_transparent = void;
-  std::size_t operator()(std::string_view name) const {
-    std::size_t hash = 14695981039346656037ULL;
-    for (const char c : name) hash = (hash ^ static_cast<unsigned char>(Folded(c))) * 1099511628211ULL;
-    return hash;
-  }
-};
-
-struct NameEqual {
-  using is_transparent = void;
-  bool operator()(std::string_view a, std::string_view b) const {
-    if (a.size() != b.size()) return false;
-    for (std::size_t i = 0; i < a.size(); ++i)
-      if (a[i] != b[i] && Folded(a[i]) != Folded(b[i])) return false;
-    return true;
-  }
-};
-
-using FigureMap = std::unordered_map<std::string, Figures, NameHash, NameEqual>;
+using FigureMap = NameMap<Figures>;
 
 FigureMap ReadFigures(Session& session, std::string_view database) {
   FigureMap figures;

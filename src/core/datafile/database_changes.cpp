@@ -6,6 +6,7 @@
 
 #include "core/base/text.h"
 #include "core/datafile/databases.h"
+#include "core/datafile/formula_imports.h"
 #include "core/datafile/lifecycle.h"
 #include "core/datafile/moved_rows.h"
 #include "core/datafile/pending_rollups.h"
@@ -36,6 +37,7 @@ void RenameDatabaseTables(Database& file, std::string_view name, std::string_vie
   RenameInDesigns(file, name, newName);
   RenamePendingRollUps(file, name, newName);
   RenameMovedDatabase(file, name, newName);
+  RenameFormulaImports(file, name, newName);
 
   const FileInfoRow info = ReadFileInfo(file);
   std::vector<std::string> names = info.dbList;
@@ -55,6 +57,7 @@ void DeleteDatabaseTables(Database& file, const std::vector<std::string>& names)
     file.Prepare("DELETE FROM JobRecords WHERE Database = ?").Bind(1, name).Run();
     ClearPendingRollUps(file, name, {true, true, true});
     DeleteMovedDatabase(file, name);
+    ForgetFormulaImports(file, name);
     std::erase_if(rest, [&](const std::string& listed) { return EqualNoCase(listed, name); });
     transaction.Note({Change::Kind::DatabaseList, name, "", Change::What::Deleted, ""});
   }

@@ -1,4 +1,4 @@
-#include "core/exchange/formula_exchange.h"
+#include "core/exchange/formula_import.h"
 
 #include <gtest/gtest.h>
 
@@ -34,10 +34,10 @@ TEST(MfeImport, RealRecipesComeBackAsTheyWent) {
   const std::filesystem::path source = std::filesystem::path(VELLUMARK_SOURCE_DIR) / "data/recipes/real_recipes.mfe";
   const auto report = ImportFormulas(room.session, source);
   ASSERT_TRUE(report) << report.error().text;
-  EXPECT_EQ(report->added, 4683);
+  EXPECT_EQ(report->added.size(), 4683U);
   EXPECT_EQ(report->sourceDatabase, "REAL");
-  EXPECT_EQ(room.Scalar("SELECT COUNT(*) FROM INK_Basic").Whole(), report->newBasics);
-  EXPECT_EQ(room.Scalar("SELECT MAX(IngSort) FROM INK_Basic").Whole(), report->newBasics - 1);
+  EXPECT_EQ(room.Scalar("SELECT COUNT(*) FROM INK_Basic").Whole(), std::ssize(report->basics));
+  EXPECT_EQ(room.Scalar("SELECT MAX(IngSort) FROM INK_Basic").Whole(), std::ssize(report->basics) - 1);
   const auto out = room.folder / "out.mfe";
   ASSERT_EQ(ExportFormulas(room.session, FormulaFormat::Mfe, {}, out)->formulas, 4683);
   std::vector<std::string> sent = Lines(source);
@@ -51,8 +51,8 @@ TEST(MfeImport, RealRecipesComeBackAsTheyWent) {
 
   // The same file again finds everything as it is.
   const auto again = ImportFormulas(room.session, out);
-  EXPECT_EQ(again->same, 4683);
-  EXPECT_EQ(again->added + again->changed + again->newBasics, 0);
+  EXPECT_EQ(again->same, 4683U);
+  EXPECT_EQ(again->added.size() + again->changed.size() + again->basics.size(), 0U);
 }
 
 TEST(MfeImport, EveryBadLineIsToldAndNothingComesIn) {
@@ -150,8 +150,8 @@ TEST(MfeImport, NamesWithoutThePrefixMeanTheColoursOfTheGuides) {
       room.session,
       Write(room, "X\r\n200\tRUBINE\t50\tSILVER\t50\r\n185\trubine\t1\tOWN\t1\tHOUSE\t2\r\nOURS\tHOUSE\t1\r\n"));
   ASSERT_TRUE(report) << report.error().text;
-  EXPECT_EQ(report->changed, 1);
-  EXPECT_EQ(report->newBasics, 2);
+  EXPECT_EQ(report->changed.size(), 1U);
+  EXPECT_EQ(report->basics.size(), 2U);
   EXPECT_EQ(room.Names("INK_Basic"), "PANTONE RUBINE, PANTONE OWN, PANTONE SILVER, HOUSE");
   EXPECT_EQ(room.Names("INK_Mix"), "PANTONE 200, PANTONE 185, OURS");
   const MixColor known = *ReadMix(room.session, "PANTONE 200");
@@ -192,9 +192,9 @@ TEST(MfeImport, KnownFormulasAreAskedForAndKeepWhatTheFileDoesNotSay) {
     const auto report =
         ImportFormulas(room.session, Write(room, "INK\r\nVIOLET\tBLUE\t3\tRED\t1\r\nTINT\tBLUE\t1\tWHITE\t3\r\n"));
     ASSERT_TRUE(report);
-    EXPECT_EQ(report->added, 1);
-    EXPECT_EQ(report->changed, answer == Answer::Yes ? 1 : 0);
-    EXPECT_EQ(report->kept, answer == Answer::Yes ? 0 : 1);
+    EXPECT_EQ(report->added.size(), 1U);
+    EXPECT_EQ(report->changed.size(), answer == Answer::Yes ? 1U : 0U);
+    EXPECT_EQ(report->kept.size(), answer == Answer::Yes ? 0U : 1U);
     const MixColor violet = *ReadMix(room.session, "VIOLET");
     EXPECT_EQ(violet.BQ[0], answer == Answer::Yes ? 75.0F : 50.0F);
     EXPECT_EQ(violet.Inventory, 7.0F);

@@ -6,7 +6,7 @@
 #include "core/base/number.h"
 #include "core/base/text.h"
 #include "core/colors/formulas.h"
-#include "core/exchange/formula_exchange.h"
+#include "core/exchange/formula_import.h"
 #include "core/exchange/formula_export.h"
 #include "core/exchange/formula_file.h"
 #include "core/exchange/formula_writer.h"

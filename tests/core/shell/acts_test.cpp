@@ -14,6 +14,7 @@
 #include "core/colors/formula_work.h"
 #include "core/colors/resets.h"
 #include "core/exchange/formula_export.h"
+#include "core/exchange/formula_import.h"
 #include "core/inventory/adjust.h"
 #include "core/session/options.h"
 #include "core/session/users.h"
@@ -59,6 +60,9 @@ const Rule kRules[] = {
     {"DeleteFormulas", Act::BulkFormulas, [](Session& s) { return RefusalOf(DeleteFormulas(s, {"X"})); }},
     {"ExportFormulas", Act::ExportFormulas,
      [](Session& s) { return RefusalOf(ExportFormulas(s, FormulaFormat::Mfe, {.names = {"X"}}, "/nowhere/x.mfe")); }},
+    {"ImportTable", Act::ImportFormulas, [](Session& s) { return RefusalOf(ImportTable(s, {})); }},
+    {"RunMerge", Act::ImportFormulas, [](Session& s) { return RefusalOf(RunMerge(s, {})); }},
+    {"UndoImport", Act::ImportFormulas, [](Session& s) { return RefusalOf(UndoImport(s)); }},
     {"SaveFormula", Act::EditFormulas,
      [](Session& s) {
        FormulaWork work;
