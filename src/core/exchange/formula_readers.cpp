@@ -68,12 +68,13 @@ class IngredientRows {
     const std::vector<std::string>& cells = rows_.Cells();
     std::string name;
     std::string fault = FaultOfRow(cells);
-    if (fault.empty()) fault = builder_.TakeName(Cell(shape_.name), "the formula", name);
+    // Most rows go on with the formula of the row before.
+    if (fault.empty() && (gathered_.empty() || Cell(shape_.name) != lastName_)) {
+      fault = builder_.TakeName(Cell(shape_.name), "the formula", name);
+      if (fault.empty()) Into(std::move(name));
+    }
     if (!fault.empty()) return builder_.Bad(rows_.Line(), rows_.Raw(), std::move(fault));
-    const auto [place, isNew] = places_.try_emplace(name, gathered_.size());
-    if (isNew) Begin(std::move(name));
-    Gathered& into = gathered_[place->second];
-    last_ = place->second;
+    Gathered& into = gathered_[last_];
     fault = TakeCells(into);
     if (fault.empty()) return;
     into.bad = true;
@@ -103,6 +104,13 @@ class IngredientRows {
     if (format_ == FormulaFormat::Rez && !EqualNoCase(TrimView(cells[0]), "O"))
       return fmt::format("the row begins with {}, that of an ingredient with O", Left(cells[0], 20));
     return {};
+  }
+
+  void Into(std::string name) {
+    lastName_ = Cell(shape_.name);
+    const auto [place, isNew] = places_.try_emplace(name, gathered_.size());
+    last_ = place->second;
+    if (isNew) Begin(std::move(name));
   }
 
   void Begin(std::string name) {
@@ -158,6 +166,7 @@ class IngredientRows {
   std::vector<Gathered> gathered_;
   std::unordered_map<std::string, std::size_t> places_;
   std::size_t last_ = 0;
+  std::string lastName_;  // the cell that led to it
 };
 
 // The columns behind those of the format are somebody's own.

@@ -44,7 +44,12 @@ std::string TableBuilder::TakeName(std::string_view cell, std::string_view whose
 
 std::string TableBuilder::TakePart(std::string_view nameCell, std::string_view amountCell, Recipe& recipe) const {
   Ingredient part;
-  if (std::string fault = TakeName(nameCell, "an ingredient", part.name); !fault.empty()) return fault;
+  if (const auto known = ingredients_.find(nameCell); known != ingredients_.end()) {
+    part.name = known->second;
+  } else {
+    if (std::string fault = TakeName(nameCell, "an ingredient", part.name); !fault.empty()) return fault;
+    ingredients_.emplace(nameCell, part.name);
+  }
   std::string fault;
   part.amount = TakeAmount(amountCell, part.name, fault);
   if (part.amount == 0) return fmt::format("the amount \"{}\" of {} is no number above 0", amountCell, part.name);

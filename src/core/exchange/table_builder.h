@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -47,6 +48,11 @@ class TableBuilder {
   FormulaTable& table_;
   NumberStyle& numbers_;
   int nameLength_;
+  struct TextHash : std::hash<std::string_view> {
+    using is_transparent = void;
+  };
+  // A file names the same few ingredients over and over: their cells, each as the name that it is.
+  mutable std::unordered_map<std::string, std::string, TextHash, std::equal_to<>> ingredients_;
   std::unordered_map<std::string, int> lineOfFormula_;
   std::unordered_map<std::string, int> lineOfBasic_;
 };

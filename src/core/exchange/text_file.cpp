@@ -1,5 +1,7 @@
 #include "core/exchange/text_file.h"
 
+#include <algorithm>
+
 #include "core/base/files.h"
 #include "core/base/refusal.h"
 #include "core/base/text.h"
@@ -8,6 +10,8 @@
 namespace vellumark {
 
 std::string TextFileBytes(const std::string& text) {
+  // Most files are plain letters, which are the same in every encoding.
+  if (std::ranges::all_of(text, [](char c) { return static_cast<unsigned char>(c) < 0x80; })) return text;
   if (!FitsCp1252(text)) return text;
   std::string bytes = ToCp1252(text);
   // What would be taken for UTF-8 says by its mark that it is.
