@@ -109,7 +109,7 @@ void AddColumns(CLI::App& formulaNoun, Commands& commands) {
       ->type_name("TEXT")
       ->check(NotEmpty);
   verb->add_flag("--forget", options->forget, "Forget what was told before");
-  commands.Add(verb, Needs::File, [options](Context& context) { return Columns(context, *options); });
+  commands.Add(verb, Needs::Writable, [options](Context& context) { return Columns(context, *options); });
 }
 
 }  // namespace

@@ -204,11 +204,11 @@ TEST(CliBadInput, ImportsAllOrNothing) {
     ReplaceFile(file, one.rows);
     shop.ExpectRefused({"formula", "import", file.string()}, one.status, one.says);
   }
-  shop.ExpectRefused({"formula", "import", shop.folder.Path().string()}, 4, "is not a file");
+  shop.ExpectRefused({"formula", "import", shop.folder.Path().string()}, 4, "Couldn't open textfile. (is not a file)");
   // A pipe that nobody writes into would hold the program for ever.
   ASSERT_EQ(::mkfifo((shop.folder / "pipe").c_str(), 0600), 0);
-  shop.ExpectRefused({"formula", "import", (shop.folder / "pipe").string()}, 4, "pipe: is not a file");
-  shop.ExpectRefused({"formula", "import", "/dev/zero"}, 4, "/dev/zero: is not a file");
+  shop.ExpectRefused({"formula", "import", (shop.folder / "pipe").string()}, 4, "pipe: Couldn't open textfile. (is not a file)");
+  shop.ExpectRefused({"formula", "import", "/dev/zero"}, 4, "/dev/zero: Couldn't open textfile. (is not a file)");
   fs::remove(shop.folder / "pipe");
 }
 

@@ -49,7 +49,7 @@ Result<FormulaTable> ReadFormulaFile(const std::filesystem::path& path, const Fo
   try {
     bytes = ReadFileBytes(path);
   } catch (const Failure& failure) {
-    throw Failure(failure.subject, "Couldn't open textfile. " + failure.cause);
+    throw Failure(failure.subject, fmt::format("Couldn't open textfile. ({})", failure.cause));
   }
   return ReadFormulaBytes(bytes, path, options);
 }
@@ -71,7 +71,7 @@ std::filesystem::path WriteWorkFile(const Session& session, const FormulaTable& 
     file.Write(text.formulas);
     file.Replace();
   } catch (const Failure& failure) {
-    throw Failure(failure.subject, fmt::format("{} {}", step, failure.cause));
+    throw Failure(failure.subject, fmt::format("{} ({})", step, failure.cause));
   }
   return path;
 }
