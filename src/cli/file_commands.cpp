@@ -7,10 +7,13 @@
 #include "cli/frame.h"
 #include "cli/seams.h"
 #include "core/backup/deep_check.h"
+#include "core/backup/repair.h"
+#include "core/base/files.h"
 #include "core/base/text.h"
 #include "core/datafile/databases.h"
 #include "core/datafile/lifecycle.h"
 #include "core/shell/opening.h"
+#include "core/shell/repairs.h"
 #include "core/shell/startup.h"
 
 namespace vellumark::cli {
@@ -115,10 +118,61 @@ Result<Json> CheckFile(Context& context, const std::string& typedPath, bool deep
   return answer;
 }
 
+// Whether the file check lets it in; what it cannot read, or finds of a version that there is not, repair may mend.
+bool CanBeOpened(const std::string& path) {
+  try {
+    const VersionGate gate = GateOf(ReadFileVersion(path));
+    return gate == VersionGate::Current || gate == VersionGate::ReadOnly;
+  } catch (const Failure&) {
+    return false;  // the repair says what is amiss
+  }
+}
+
+Json RepairLinesJson(const std::vector<RepairLine>& lines) {
+  Json list = Json::array();
+  for (const RepairLine& line : lines)
+    list.push_back({{"Step", line.Step},
+                    {"Table", line.Table.empty() ? Json() : Json(line.Table)},
+                    {"Count", line.Count},
+                    {"What", line.What}});
+  return list;
+}
+
+Result<Json> RepairFile(Context& context, const std::string& typedPath, const std::string& reportPath) {
+  Session& session = context.session;
+  if (!typedPath.empty()) context.dataFile = fs::absolute(typedPath).string();
+  if (context.dataFile.empty())
+    return Refuse("Data File", "No Data File is known yet. Name the one to repair: file repair PATH");
+  if (std::error_code error; !fs::exists(context.dataFile, error)) throw Failure(context.dataFile, "does not exist");
+  if (CanBeOpened(context.dataFile)) {
+    try {
+      if (auto opened = context.open(); !opened) return std::unexpected(opened.error());
+    } catch (const Failure& failure) {
+      // That it cannot be opened is what a repair is for; what keeps others out is not, and shows again.
+      if (session.DataFileDB) throw;
+      WriteError(fmt::format("{}: {}.\n", failure.subject, failure.cause));
+    }
+  }
+  session.DataFileName = context.dataFile;
+  NoWindows windows(context.user, context.password);
+  const auto report = RepairDataFile(session, windows, [] { return true; });
+  if (!report) return std::unexpected(report.error());
+  context.text = RepairText(*report);
+  Json answer{{"File", report->file.string()},
+              {"Kept", report->kept.string()},
+              {"Changes", RepairLinesJson(report->changes)},
+              {"Lost", RepairLinesJson(report->lost)},
+              {"Left", RepairLinesJson(report->left)}};
+  if (reportPath.empty()) return answer;
+  const bool json = EqualNoCase(fs::path(reportPath).extension().string(), ".json");
+  ReplaceFile(fs::absolute(reportPath), json ? JsonText(answer) + "\n" : context.text);
+  return answer;
+}
+
 }  // namespace
 
 void AddFileCommands(CLI::App& app, Commands& commands) {
-  CLI::App* noun = AddNoun(app, "file", "The Data File: create, info, check, compact");
+  CLI::App* noun = AddNoun(app, "file", "The Data File: create, info, check, compact, repair");
 
   auto* create = noun->add_subcommand("create", "Make a new Data File and the default of it");
   const auto path = std::make_shared<std::string>();
@@ -149,6 +203,14 @@ void AddFileCommands(CLI::App& app, Commands& commands) {
                  CompactDataFile(context.session);
                  return Json{{"DataFileName", file.string()}, {"Before", before}, {"After", fs::file_size(file)}};
                });
+
+  auto* repair = noun->add_subcommand("repair", "Mend a Data File, also one that cannot be opened, after asking");
+  const auto repaired = std::make_shared<std::string>();
+  repair->add_option("PATH", *repaired, "The file; the Data File in use when left out")->check(NotEmpty);
+  const auto report = std::make_shared<std::string>();
+  repair->add_option("--report", *report, "Write what was done into a file, a text or, by its name, .json")->check(NotEmpty);
+  repair->footer("The file as it was, and photos that no Design names, are kept in a folder beside it.");
+  commands.Add(repair, Needs::Nothing, [repaired, report](Context& context) { return RepairFile(context, *repaired, *report); });
 }
 
 }  // namespace vellumark::cli

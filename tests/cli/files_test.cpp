@@ -8,6 +8,7 @@
 #include "core/base/files.h"
 #include "core/datafile/engine.h"
 #include "support/cli_run.h"
+#include "support/snapshot.h"
 
 namespace vellumark {
 namespace {
@@ -308,6 +309,49 @@ TEST(CliFiles, ABackupIsMadeProvenAndPutBackEvenOverADamagedFile) {
   const test::CliAnswer verified = room.Run({"backup", "verify", set.string()});
   EXPECT_EQ(verified.status, 4);
   EXPECT_NE(verified.out.find("values are not those of when the set was made"), std::string::npos) << verified.out;
+}
+
+// A day's work by the program's own doors: what it wrote is sound, and a repair moves nothing but the weighing order.
+TEST(CliFiles, ARepairOfASoundFileChangesTheWeighingOrderAloneAndOfADamagedOneSavesTheRest) {
+  const test::CliRoom room;
+  room.folder.Breaks("Structure");
+  const fs::path file = room.MakeFile();
+  for (const char* name : {"RED", "BLUE", "WHITE", "WAX"}) room.Json({"color", "add", name, "PurchaseCost=4", "VOC=0.5"});
+  room.Json({"color", "set", "WAX", "Additive=true"});
+  room.Json({"addset", "add", "SLOW", "WAX=5"});
+  room.Json({"formula", "add", "PINK", "RED=20", "WHITE=80"});
+  room.Json({"formula", "add", "SKY", "BLUE=30", "WHITE=70", "--additive-set", "SLOW"});
+  room.Json({"stock", "adjust", "WHITE", "200"});
+  room.Json({"stock", "adjust", "RED", "50", "--lot", "L1", "--loc", "A"});
+  room.Json({"batch", "save", "--formula", "PINK", "--quantity", "20", "--lot", "RED=L1:4", "--job", "J1=5"});
+  room.Json({"design", "add", "D1", "PINK=5"});
+  const auto values = [&] {
+    const auto opened = Database::Open(file, OpenMode::Exclusive);
+    opened->Execute("UPDATE INK_Basic SET IngSort = 0");
+    return test::Snapshot(*opened);
+  };
+  EXPECT_EQ(room.Run({"file", "repair"}).status, 3) << "it asks";
+  const fs::path report = room.folder / "report.json";
+  const auto answer = room.Json({"--yes", "file", "repair", "--report", report.string()});
+  ASSERT_EQ(answer["Changes"].size(), 1U) << answer;
+  EXPECT_EQ(answer["Changes"][0]["Step"], "Ingredient Order");
+  EXPECT_EQ(answer["Changes"][0]["Table"], "INK_Basic");
+  EXPECT_EQ(answer["Changes"][0]["Count"], 4);
+  EXPECT_EQ(nlohmann::ordered_json::parse(ReadFileBytes(report)), answer);
+  EXPECT_EQ(room.Run({"file", "check", "--deep"}).status, 0);
+  EXPECT_EQ(test::Snapshot(*Database::Open(fs::path(answer["Kept"].get<std::string>()) / "Ink.vkd", OpenMode::Exclusive)).size(), values().size());
+
+  // The first page, without which no engine reads anything.
+  const std::string before = values();
+  std::string bytes = ReadFileBytes(file);
+  std::fill_n(bytes.begin(), 4096, '\0');
+  ReplaceFile(file, bytes);
+  EXPECT_EQ(room.Run({"color", "list"}).status, 4);
+  EXPECT_EQ(room.Run({"--yes", "file", "repair", file.string()}).status, 0);
+  EXPECT_EQ(values(), before);
+  ReplaceFile(file, "no Data File any more");
+  EXPECT_EQ(room.Run({"--yes", "file", "repair"}).status, 1);
+  EXPECT_EQ(room.Run({"--yes", "file", "repair", (room.folder / "Gone.vkd").string()}).status, 4);
 }
 
 }  // namespace

@@ -51,6 +51,7 @@ std::vector<Line> Lines(const test::CliRoom& room) {
       {{"file", "info"}, {}},
       {{"file", "check", folder + "/None.vkd"}, {}},
       {{"file", "compact"}, {}},
+      {{"file", "repair"}, {}},
       {{"settings", "get", "UMI"}, {}},
       {{"settings", "set", "UMF", "9"}, {}},
       {{"settings", "list"}, {}},

@@ -5,6 +5,7 @@
 
 #include "core/backup/backup_set.h"
 #include "core/base/files.h"
+#include "support/snapshot.h"
 #include "support/struck_room.h"
 
 namespace vellumark {
@@ -69,6 +70,47 @@ TEST_F(BackupSteps, Restore) {
     ASSERT_EQ(ReadFileBytes(photos / "red.jpg"), std::string(5000, 'r'));
   });
   EXPECT_GT(points, 100);
+}
+
+// Of a file with a duplicate, a photo of nobody and, the second time, a page that is damaged.
+TEST_F(BackupSteps, Repair) {
+  {
+    const auto opened = Database::Open(file, OpenMode::Exclusive);
+    opened->Execute("INSERT INTO INK_Basic (Color_Name, Notes) VALUES ('red', 'second'), ('PAGE', 'marked page')");
+  }
+  const Words repair{"--yes", "--now", "2026-03-10 09:00:00", "file", "repair", file.string()};
+  const auto content = [&] { return test::Snapshot(*Database::Open(file, OpenMode::Exclusive)); };
+  for (const bool damaged : {false, true}) {
+    if (damaged) {
+      room.folder.Breaks("Structure");
+      std::string bytes = ReadFileBytes(file);
+      const std::size_t page = bytes.find("CREATE TABLE") / 4096 * 4096;
+      std::fill_n(bytes.begin() + static_cast<std::ptrdiff_t>(page), 100, '\x01');
+      ReplaceFile(file, bytes);
+    }
+    KeepState();
+    const std::string bytes = ReadFileBytes(file);
+    ASSERT_EQ(room.Run(repair).status, 0);
+    const std::string after = content();
+    ASSERT_FALSE(fs::exists(photos / "red.jpg"));
+    const int points = Strike(repair, 1, [&] {
+      const bool before = ReadFileBytes(file) == bytes;
+      // A file that was opened may have been healed or completed, and holds the same.
+      ASSERT_TRUE(before || damaged || content() == after || content().find("DupColor") == std::string::npos);
+      if (damaged && !before) {
+        ASSERT_EQ(content(), after);
+      }
+      // The photo is where it was or in the copy.
+      bool photo = fs::exists(photos / "red.jpg");
+      for (const auto& entry : fs::directory_iterator(room.folder.Path()))
+        photo = photo || (entry.path().filename().string().starts_with("Before Repair") && fs::exists(entry.path() / "DesignPhotos" / "red.jpg"));
+      ASSERT_TRUE(photo);
+      ASSERT_EQ(room.Run(repair).status, 0);
+      ASSERT_EQ(content(), after);
+    });
+    EXPECT_GT(points, 100);
+    if (!damaged) ReplaceFile(file, bytes);
+  }
 }
 
 }  // namespace

@@ -9,6 +9,7 @@
 #include "core/base/text.h"
 #include "core/batch/leave.h"
 #include "core/datafile/job_links.h"
+#include "core/datafile/mend_fields.h"
 #include "core/datafile/pending_rollups.h"
 
 // What holds of the file as a whole, and of every value in it.
@@ -151,22 +152,6 @@ void CheckStructure(CheckRun& run) {
 }
 
 namespace {
-
-// The columns of a table as a query reads them. A figure that is not finite comes as a text, so that it can be read.
-std::string ReadableColumns(const Table& table) {
-  std::string columns = "RowKey";
-  for (const Field& field : table.fields) {
-    const std::string name = Quoted(field.name);
-    columns += ", ";
-    columns += field.type == FieldType::Single
-                   ? fmt::format(
-                         "CASE WHEN {0} NOT BETWEEN -3.4028234663852886e38 AND 3.4028234663852886e38 THEN "
-                         "CAST({0} AS TEXT) ELSE {0} END",
-                         name)
-                   : name;
-  }
-  return columns;
-}
 
 void CheckRowFields(CheckRun& run, const std::string& name, const Table& table, const Statement& row) {
   for (std::size_t i = 0; i < table.fields.size(); ++i) {

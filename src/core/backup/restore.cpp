@@ -8,6 +8,7 @@
 #include <utility>
 
 #include "core/backup/backup_set.h"
+#include "core/backup/kept_folder.h"
 #include "core/base/files.h"
 #include "core/base/refusal.h"
 #include "core/base/text.h"
@@ -35,15 +36,6 @@ void Remove(const fs::path& path) {
   if (error) throw Failure(path.string(), "cannot be removed: " + error.message());
 }
 
-// The folder of what is replaced; the next free name of that second.
-fs::path FolderToKeepIn(const Session& session, const fs::path& folder) {
-  const std::string name = SetName(session.clock.Now()).substr(std::string_view("VK_Backup").size());
-  const fs::path wanted = folder / ("Before Restore " + name.substr(1));
-  fs::path kept = wanted;
-  for (int n = 2; Exists(kept); ++n) kept = fmt::format("{} ({})", wanted.string(), n);
-  return kept;
-}
-
 // Copies of all that is going to be replaced. Gone again when it never comes to that.
 class KeptFiles {
  public:
@@ -51,7 +43,7 @@ class KeptFiles {
       : current_(current), photoFolder_(current.parent_path() / kPhotoFolderOfSet) {
     const std::vector<fs::path> photos = PhotosIn(photoFolder_);
     if (!Exists(current) && !Exists(JournalOf(current)) && photos.empty()) return;
-    folder_ = FolderToKeepIn(session, current.parent_path());
+    folder_ = FolderToKeepIn(session, current.parent_path(), "Restore");
     MakeFolder(folder_);
     try {
       if (Exists(current)) KeepDataFile();

@@ -114,8 +114,8 @@ void MarkRollUpsStale(Session& session, RollUpWanted stale) {
   session.HAPChanged = session.HAPChanged || stale.hap;
 }
 
-void RunPasses(Session& session, RollUpWanted wanted, std::string_view database) {
-  if (!wanted.Any()) return;
+std::size_t RunPasses(Session& session, RollUpWanted wanted, std::string_view database) {
+  if (!wanted.Any()) return 0;
   Database& file = session.File();
   const std::string of(database.empty() ? session.CurrentDatabase : database);
   const std::string table = session.QuotedTable(schema::Mix, of);
@@ -129,6 +129,7 @@ void RunPasses(Session& session, RollUpWanted wanted, std::string_view database)
   std::vector<NewFigures> changed;
   std::int64_t last = 0;
   std::size_t done = 0;
+  std::size_t written = 0;
   for (std::size_t read = kWindow; read == kWindow;) {
     read = 0;
     changed.clear();
@@ -140,15 +141,17 @@ void RunPasses(Session& session, RollUpWanted wanted, std::string_view database)
     }
     rows.Reset();
     for (const NewFigures& row : changed) Write(update, row, wanted);
+    written += changed.size();
     progress.Step(done += read, count);
   }
   ClearPendingRollUps(file, of, wanted);
   transaction.Note({Change::Kind::Mix, of, "", Change::What::All, ""});
   transaction.Commit();
-  if (of != session.CurrentDatabase) return;
+  if (of != session.CurrentDatabase) return written;
   if (wanted.cost) session.CostChanged = false;
   if (wanted.voc) session.VOCChanged = false;
   if (wanted.hap) session.HAPChanged = false;
+  return written;
 }
 
 void UpdateMixBasicCosts(Session& session) {

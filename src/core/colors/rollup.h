@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <string_view>
 
@@ -16,8 +17,8 @@ void MarkRollUpsStale(Session& session, RollUpWanted stale);
 
 /// Recomputes the wanted figures of every formula of a Database, the current one by default, from its ingredients, in
 /// one walk and one transaction, and clears the flags and the file's mark for them. An ingredient without a Basic Color
-/// adds nothing.
-void RunPasses(Session& session, RollUpWanted wanted, std::string_view database = {});
+/// adds nothing. The number of formulas that had other figures.
+std::size_t RunPasses(Session& session, RollUpWanted wanted, std::string_view database = {});
 
 /// One pass each. They refuse nothing: call them only where the file may be written.
 void UpdateMixBasicCosts(Session& session);

@@ -39,6 +39,7 @@ constexpr WayIn kCommands[] = {
     {"file info", Act::Look},
     {"file check", Act::Look},
     {"file compact", Act::Work},
+    {"file repair", Act::BackUp},
     {"settings get", Act::Look},
     {"settings set", Act::Options},
     {"settings list", Act::Look},
@@ -214,6 +215,7 @@ constexpr WayIn kWindows[] = {
     {"ArchiveForm", Act::BackUp},
     {"RestoreFileLocationForm", Act::BackUp},
     {"RestoreAutomaticForm", Act::BackUp},
+    {"RepairForm", Act::BackUp},
     {"RestoreSupportFiles_FLoc", Act::DataFiles},
     {"RestoreSupportFiles_AutoBackup", Act::DataFiles},
     // Options. Two of them are looked at by everybody.

@@ -406,4 +406,18 @@ void RestoreRescueUser(Session& session) {
   TakeUser(session, kRescueUser, true, UserRights::All());
 }
 
+MendedUsers MendUsers(Session& session) {
+  MendedUsers mended;
+  Transaction transaction(session.File());
+  mended.nameless = session.File().Prepare("DELETE FROM Users WHERE Username IS NULL OR Username = ''").Run();
+  mended.twice = session.File()
+                     .Prepare("DELETE FROM Users WHERE EXISTS (SELECT 1 FROM Users e WHERE e.Username = Users.Username AND "
+                              "e.RowKey < Users.RowKey)")
+                     .Run();
+  mended.rescued = !Find(session, kRescueUser).has_value();
+  RestoreRescueUser(session);
+  transaction.Commit();
+  return mended;
+}
+
 }  // namespace vellumark

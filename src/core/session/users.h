@@ -89,4 +89,13 @@ Result<bool> ChangePassword(Session& session, std::string_view current, std::str
 /// Puts the rescue administrator back on file when missing; a session whose user is no longer on file becomes `ADMIN`.
 void RestoreRescueUser(Session& session);
 
+/// Makes a damaged table of users usable: rows without a name go, and later ones of a name that stands twice; the rescue
+/// administrator comes back. Rights are never given, but his.
+struct MendedUsers {
+  int nameless = 0;
+  int twice = 0;
+  bool rescued = false;
+};
+MendedUsers MendUsers(Session& session);
+
 }  // namespace vellumark

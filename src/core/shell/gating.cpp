@@ -94,7 +94,7 @@ const Entry kEntries[] = {
     {"menuDFRestore_Location", "menuDFRestore", "From File Location"},
     {"menuDFRestore_AutoBU", "menuDFRestore", "From Automatic Backup"},
     {"menuDFArchive", "MenuDataFile", "Archive", WorkingWritable<Act::BackUp>},
-    {"menuDFRepair", "MenuDataFile", "Repair", [](const State& s) { return s.working && s.notArchive; }},
+    {"menuDFRepair", "MenuDataFile", "Repair", WorkingWritable<Act::BackUp>},
     {"menuDFExport", "MenuDataFile", "Export", Working<Act::ExportDataFile>},
     {"menuDFOptions", "MenuDataFile", "&Options", WorkingWritable<Act::Options>},
     {"menuDFOptions_Autofill", "menuDFOptions", "Autofill Text", Always, Always,

@@ -2,6 +2,7 @@
 
 #include "desktop/backup/archive_form.h"
 #include "desktop/backup/backup_forms.h"
+#include "desktop/backup/repair_form.h"
 #include "desktop/backup/restore_forms.h"
 #include "desktop/kit/window_list.h"
 
@@ -21,6 +22,9 @@ void RegisterBackupWindows(WindowList& windows, StartupWindows& startup, FileCho
   });
   windows.RegisterDialog("RestoreAutomaticForm", [&startup](WindowList& list, QWidget* owner) -> Dialog* {
     return new RestoreAutomaticForm(list, owner, startup);
+  });
+  windows.RegisterDialog("RepairForm", [&startup](WindowList& list, QWidget* owner) -> Dialog* {
+    return new RepairForm(list, owner, startup);
   });
   for (const bool automatic : {false, true}) {
     const char* name = automatic ? "RestoreSupportFiles_AutoBackup" : "RestoreSupportFiles_FLoc";

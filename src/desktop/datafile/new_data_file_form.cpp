@@ -90,6 +90,11 @@ void NewDataFileForm::BuildLater(TabSet& tabs) {
   fromFile->setEnabled(windows.Knows("RestoreFileLocationForm"));
   automatic->setEnabled(windows.Knows("RestoreAutomaticForm") && !session.DataFileName.empty());
   ButtonLine(restore, {fromFile, automatic});
+  restore.Heading(tr("Repair a data file that is damaged"));
+  Paragraph(restore, tr("What can still be read of it is put into a new file in its place; a copy of it is kept."));
+  CommandButton* repair = restore.Button("cmdRepair", tr("R&epair Data File"));
+  repair->setEnabled(windows.Knows("RepairForm") && !session.DataFileName.empty());
+  ButtonLine(restore, {repair});
   restore.Stretch();
   Form upgrade = tabs.Page(tr("&Upgrade"), "TabUpgrade");
   upgrade.Heading(tr("Version 1.3, 1.4 or 2.0 Users Only"));

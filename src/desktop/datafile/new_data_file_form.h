@@ -22,6 +22,7 @@ class NewDataFileForm : public Dialog {
   void cmdSearch_Click();
   void cmdRestore_Click() { RestoreBy("RestoreFileLocationForm"); }
   void cmdAutoBackup_Click() { RestoreBy("RestoreAutomaticForm"); }
+  void cmdRepair_Click() { RestoreBy("RepairForm"); }
   void cmdExit_Click();
 
  private:

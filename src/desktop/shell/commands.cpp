@@ -14,6 +14,7 @@ std::string_view DialogOfMenuItem(std::string_view item) {
       Pair{"menuDFRestore_Location", "RestoreFileLocationForm"},
       Pair{"menuDFRestore_AutoBU", "RestoreAutomaticForm"},
       Pair{"menuDFArchive", "ArchiveForm"},
+      Pair{"menuDFRepair", "RepairForm"},
       Pair{"menuDFAdvanced_RestoreBU_SupportFiles_FLoc", "RestoreSupportFiles_FLoc"},
       Pair{"menuDFAdvanced_RestoreBU_SupportFiles_AutoBackup", "RestoreSupportFiles_AutoBackup"},
       Pair{"menuDFOptions_Autofill", "AutofillForm"},
@@ -45,6 +46,10 @@ std::string_view DialogOfMenuItem(std::string_view item) {
 
 bool OnlyShows(std::string_view item) {
   return item == "menu_AboutVK" || item == "menuHelp_Barcode" || item == "menu_Pantone_Disclaimer";
+}
+
+bool AsksFirst(std::string_view dialog) {
+  return dialog == "RepairForm";
 }
 
 }  // namespace vellumark::desktop

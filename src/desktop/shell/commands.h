@@ -10,5 +10,7 @@ std::string_view DialogOfMenuItem(std::string_view item);
 
 /// Whether that window only shows something, so that the operator's work may stay open behind it.
 bool OnlyShows(std::string_view item);
+/// Whether a dialog asks before the operator's work is closed, which it then does itself.
+bool AsksFirst(std::string_view dialog);
 
 }  // namespace vellumark::desktop

@@ -178,7 +178,7 @@ void MainForm::RunMenuItem(const std::string& name) {
 void MainForm::RunDialogOf(const std::string& dialog, const std::vector<std::string>& staying,
                            const Arguments& arguments) {
   CloseToolbarMenus();
-  if (!windows_.CloseChildWindows(staying)) return;
+  if (!AsksFirst(dialog) && !windows_.CloseChildWindows(staying)) return;
   const auto result = windows_.RunDialog(dialog, arguments);
   raise();
   activateWindow();

@@ -13,6 +13,7 @@
 #include "core/shell/data_files.h"
 #include "desktop/backup/register.h"
 #include "desktop/datafile/register.h"
+#include "desktop/kit/grid.h"
 #include "support/data_files.h"
 #include "support/desktop.h"
 
@@ -235,6 +236,24 @@ TEST_F(BackupWindows, AFileThatIsLostIsRestoredFromTheWindowWithoutAFile) {
     EXPECT_EQ(session.DataFileName, file.string());
     EXPECT_EQ(Colors(), 1);
   }
+}
+
+TEST_F(BackupWindows, ARepairShowsWhatItDid) {
+  session.File().Execute("INSERT INTO INK_Basic (Color_Name, PurchaseCost) VALUES ('red', 3)");
+  prompt.Expect("Repair Data File", Answer::Cancel);
+  EXPECT_FALSE(list.RunDialog("RepairForm"));
+  prompt.Expect("Repair Data File", Answer::Ok).Expect("Repair Data File");
+  Run("RepairForm", [&](QWidget& form) {
+    EXPECT_NE(Control<QLabel>(form, "lblKept").text().indexOf("Before Repair 03_10_2026__09_00_00"), -1);
+    auto& grid = Control<desktop::Grid>(form, "fgRepair");
+    std::string shown;
+    for (int row = 0; row < grid.Model().rowCount(); ++row) shown += U8(grid.Model().index(row, 4).data().toString()) + "\n";
+    EXPECT_NE(shown.find("RED stood twice: row 2 is called DupColor 03-10-26 DC1 now"), std::string::npos) << shown;
+    Picture(form, "backup-RepairForm", {});
+    PressOn(Qt::Key_Escape);
+  });
+  EXPECT_EQ(Colors(), 2);
+  EXPECT_TRUE(session.RecordsetsOpen);
 }
 
 }  // namespace

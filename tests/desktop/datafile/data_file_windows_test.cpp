@@ -66,7 +66,7 @@ TEST_F(DataFileWindows, WithNothingThereAFileIsMadeByKeyboard) {
       [&](QWidget& form) {
         EXPECT_EQ(form.windowTitle(), "Data File");
         EXPECT_FALSE(Control(form, "lblStartupMessage").isVisible());
-        for (const char* off : {"cmdRestore", "cmdAutoBackup", "cmdUpgrade"})
+        for (const char* off : {"cmdRestore", "cmdAutoBackup", "cmdRepair", "cmdUpgrade"})
           EXPECT_FALSE(Control(form, off).isEnabled()) << off;
         Picture(form, "datafile-NewDataFileForm", {});
         auto& tabs = Control<QTabWidget>(form, "TabDataFile");

@@ -4,11 +4,15 @@
 
 #include <QAbstractButton>
 #include <QLineEdit>
+#include <QAction>
 #include <QPointer>
+#include <QTimer>
+#include <algorithm>
 #include <functional>
 #include <utility>
 
 #include "core/backup/backup_set.h"
+#include "core/base/files.h"
 #include "core/session/settings.h"
 #include "core/session/users.h"
 #include "desktop/kit/message_prompt.h"
@@ -122,6 +126,53 @@ TEST_F(WholeProgramTest, ClosingAsksForADueBackupAndMakesTheAutomaticOne) {
   ASSERT_EQ(sets.size(), 1U);
   ASSERT_TRUE(sets.front().proof);
   EXPECT_TRUE(sets.front().proof->content.Sound());
+}
+
+// A file that was damaged with a hex editor: the start shows the window with all ways out, and one of them saves it.
+TEST_F(WholeProgramTest, AFileThatDoesNotOpenIsRepairedFromTheWindowOfTheStartAndAnOpenOneFromTheMenu) {
+  room.folder.Breaks("Structure");
+  const std::filesystem::path file = room.folder / "Ink.vkd";
+  std::string bytes = ReadFileBytes(file);
+  std::fill_n(bytes.begin(), 4096, '\x41');
+  ReplaceFile(file, bytes);
+  RunningProgram<desktop::MessagePrompt> running(room.folder.Path());
+  std::vector<std::string> asked;
+  running.prompt.SetHook([&](const Message& message) -> std::optional<Answer> {
+    asked.push_back(message.text);
+    return Answer::Ok;
+  });
+  QTimer steps;
+  bool pressed = false;
+  int reports = 0;
+  QObject::connect(&steps, &QTimer::timeout, [&] {
+    QWidget* modal = QApplication::activeModalWidget();
+    if (modal == nullptr) return;
+    if (modal->objectName() == "NewDataFileForm" && !std::exchange(pressed, true)) Click(*modal, "cmdRepair");
+    if (modal->objectName() == "RepairForm") {
+      ++reports;
+      Picture(*modal, "shell-RepairForm", {});
+      modal->close();
+    }
+  });
+  steps.start(20);
+  ASSERT_TRUE(Start(running));
+  EXPECT_EQ(reports, 1);
+  EXPECT_TRUE(running.session.RecordsetsOpen);
+  EXPECT_EQ(running.session.File().Scalar("SELECT COUNT(*) FROM INK_Batch").Whole(), 2);
+  ASSERT_EQ(asked.size(), 3U) << "the question, the empty Database UV, the end";
+  EXPECT_EQ(asked.back(), "Data File Repairing Completed.");
+
+  // The menu asks before it closes what is open.
+  auto* repair = running.program.Main().findChild<QAction*>("menuDFRepair");
+  running.windows.OpenForm("MixColorsForm");
+  running.prompt.SetHook([](const Message&) { return std::optional(Answer::Cancel); });
+  repair->trigger();
+  EXPECT_TRUE(running.windows.IsFormOpen("MixColorsForm"));
+  running.prompt.SetHook([](const Message&) { return std::optional(Answer::Ok); });
+  repair->trigger();
+  EXPECT_FALSE(running.windows.IsFormOpen("MixColorsForm"));
+  EXPECT_EQ(reports, 2);
+  EXPECT_TRUE(running.session.RecordsetsOpen);
 }
 
 // A key presses a button, which clicks a moment later.

@@ -1,0 +1,142 @@
+#include "core/datafile/mend_fields.h"
+
+#include <fmt/format.h>
+
+#include <cmath>
+#include <utility>
+
+#include "core/base/number.h"
+#include "core/base/refusal.h"
+#include "core/base/text.h"
+
+namespace vellumark {
+namespace {
+
+std::string ReadableText(const std::string& text) {
+  std::string readable;
+  for (std::size_t at = 0; at < text.size();) {
+    std::size_t length = 1;
+    while (length < 4 && at + length < text.size() && (static_cast<unsigned char>(text[at + length]) & 0xC0U) == 0x80)
+      ++length;
+    const std::string sign = text.substr(at, length);
+    const bool good = IsUtf8(sign) && sign.front() != '\0';
+    readable += good ? sign : "?";
+    at += good ? length : 1;
+  }
+  return readable;
+}
+
+// What a field can hold of a value that it cannot; null where nothing is left.
+Value Nearest(const Field& field, const Value& value) {
+  const bool text = field.type == FieldType::Text || field.type == FieldType::Memo;
+  if (text) {
+    std::string readable = ReadableText(value.Text());
+    if (field.type == FieldType::Text) readable = Left(readable, static_cast<std::size_t>(field.size));
+    return readable.empty() && !field.zeroLength ? Value() : Value(readable);
+  }
+  if (field.type == FieldType::Date) return {};
+  const double number = value.IsText() ? ParseNumber(value.Text()).value_or(0) : value.Number();
+  const Value rounded = field.type == FieldType::Single ? Value(number) : Value(std::round(number));
+  try {
+    return FittedValue(field, field.name, rounded);
+  } catch (const BadValue&) {
+    return 0;
+  }
+}
+
+struct MendedValue {
+  std::int64_t row = 0;
+  std::size_t field = 0;
+  Value value;
+};
+
+std::string Describe(const Field& field, const Value& now) {
+  if (now.IsNull()) return "it could not be read and is empty now";
+  if (now.IsText()) return "it did not fit and was cut or respelled";
+  return field.type == FieldType::Boolean ? "it was neither true nor false"
+                                          : "the figure was none that the field can hold";
+}
+
+}  // namespace
+
+std::string ReadableColumns(const Table& table) {
+  std::string columns = table.rowKey;
+  for (const Field& field : table.fields) {
+    const std::string name = Quoted(field.name);
+    columns += ", ";
+    columns += field.type == FieldType::Single
+                   ? fmt::format(
+                         "CASE WHEN {0} NOT BETWEEN -3.4028234663852886e38 AND 3.4028234663852886e38 THEN "
+                         "CAST({0} AS TEXT) ELSE {0} END",
+                         name)
+                   : name;
+  }
+  return columns;
+}
+
+std::vector<MendedField> FitValues(Database& file, const std::string& name, const Table& table) {
+  std::vector<MendedValue> mended;
+  {
+    Statement rows = file.Prepare(fmt::format("SELECT {} FROM {}", ReadableColumns(table), Quoted(name)));
+    while (rows.Step())
+      for (std::size_t i = 0; i < table.fields.size(); ++i) {
+        const int column = static_cast<int>(i) + 1;
+        if (rows.IsNull(column)) continue;
+        const Value value = rows.Get(column);
+        try {
+          Value fitted = FittedValue(table.fields[i], name, value);
+          const bool finer =
+              &table == &schema::StockHistory && table.fields[i].type == FieldType::Single && value.IsNumber();
+          if (fitted != value && !finer) mended.push_back({rows.Whole(0), i, std::move(fitted)});
+        } catch (const BadValue&) {
+          mended.push_back({rows.Whole(0), i, Nearest(table.fields[i], value)});
+        }
+      }
+  }
+  std::map<std::pair<std::size_t, std::string>, std::int64_t> counts;
+  for (const MendedValue& one : mended) {
+    const Field& field = table.fields[one.field];
+    file.Prepare(fmt::format("UPDATE {} SET {} = ?1 WHERE {} = ?2", Quoted(name), Quoted(field.name), table.rowKey))
+        .Bind(1, one.value)
+        .Bind(2, one.row)
+        .Run();
+    ++counts[{one.field, Describe(field, one.value)}];
+  }
+  std::vector<MendedField> told;
+  for (const auto& [what, rows] : counts) told.push_back({table.fields[what.first].name, rows, what.second});
+  return told;
+}
+
+std::vector<MendedField> FillNulls(Database& file, const std::string& name, const Table& table, const NullRule& rule) {
+  std::string counts;
+  for (const Field& field : table.fields)
+    counts += fmt::format("{}COUNT(*) - COUNT({})", counts.empty() ? "" : ", ", Quoted(field.name));
+  std::vector<std::int64_t> empty;
+  {
+    Statement row = file.Prepare(fmt::format("SELECT {} FROM {}", counts, Quoted(name)));
+    row.Step();
+    for (int i = 0; i < row.ColumnCount(); ++i) empty.push_back(row.Whole(i));
+  }
+  std::vector<MendedField> told;
+  for (std::size_t i = 0; i < table.fields.size(); ++i) {
+    const Field& field = table.fields[i];
+    if (empty[i] == 0) continue;
+    const bool text = field.type == FieldType::Text || field.type == FieldType::Memo;
+    const auto filled = rule.filled.find(field.name);
+    const bool left = rule.left.contains(field.name) ||
+                      (filled == rule.filled.end() && (field.type == FieldType::Date || (text && !field.zeroLength)));
+    if (left) {
+      told.push_back({field.name, empty[i], ""});
+      continue;
+    }
+    const Value value = filled != rule.filled.end() ? filled->second : text ? Value("") : Value(0);
+    file.Prepare(fmt::format("UPDATE {0} SET {1} = ?1 WHERE {1} IS NULL", Quoted(name), Quoted(field.name)))
+        .Bind(1, value)
+        .Run();
+    told.push_back({field.name, empty[i],
+                    value.Text().empty() ? "no value: empty text now" : fmt::format("no value: {} now", value.Text())});
+  }
+  return told;
+}
+
+}  // namespace vellumark
