@@ -8,7 +8,7 @@ namespace vellumark {
 namespace {
 
 struct ArchiveSteps : test::ArchiveStrikes {
-  ArchiveSteps() : ArchiveStrikes(30) {}
+  ArchiveSteps() : ArchiveStrikes(45) {}
 };
 
 TEST_F(ArchiveSteps, Killed) {
