@@ -24,6 +24,9 @@ namespace {
 
 constexpr QSize kPaperSize{640, 352};
 constexpr int kImageScale = 3;             // dots of a picture to one of the screen
+constexpr int kAroundBars = 84;            // title, axis and margins
+constexpr int kNameHeight = 28;            // a lower bar is left without its name
+constexpr int kLeastColumn = 80;
 constexpr int kDigits = 12;                // of a figure beside its bar
 constexpr double kRoomForFigure = 0.18;    // of the axis, beyond the longest bar
 constexpr std::size_t kMostFigures = 12;   // more columns have no room for their figures
@@ -189,6 +192,11 @@ ChartColors ChartColors::OnPaper() {
 
 std::unique_ptr<QChart> MakeChart(const ReportChart& chart, const ChartColors& colors) {
   return Maker(chart, colors).Make();
+}
+
+int LeastChartHeight(const ReportChart& chart) {
+  const bool names = chart.group > ChartGroup::Quarter;
+  return kAroundBars + (names ? static_cast<int>(chart.slices.size()) * kNameHeight : kLeastColumn);
 }
 
 QImage ChartImage(const ReportChart& chart) {

@@ -25,6 +25,8 @@ struct ChartColors {
 
 /// Columns along the calendar, and bars under each other for names, each with its figure beside it.
 std::unique_ptr<QChart> MakeChart(const ReportChart& chart, const ChartColors& colors);
+/// In pixels: in less, bars would lose their names.
+int LeastChartHeight(const ReportChart& chart);
 
 // As it goes out of the program.
 

@@ -3,6 +3,7 @@
 #include <QBuffer>
 #include <QEvent>
 #include <QImage>
+#include <QScrollArea>
 #include <QtCharts/QChart>
 #include <QtCharts/QChartView>
 
@@ -45,14 +46,18 @@ ChartPanel::ChartPanel(FormHost& host, const QString& window, FileChooser choose
   });
   form.Row(tr("Fi&gure"), figure_);
   form.Row(tr("&By"), group_);
-  view_ = new QChartView(this);
+  view_ = new QChartView;
   view_->setObjectName("ChartView");
   view_->setAccessibleName(tr("Chart of the report"));
   view_->setRenderHint(QPainter::Antialiasing);
   view_->setFrameShape(QFrame::NoFrame);
-  view_->setMinimumHeight(kLeastHeight);
   view_->setFocusPolicy(Qt::NoFocus);
-  form.Wide(view_, 1);
+  auto* area = new QScrollArea(this);
+  area->setWidgetResizable(true);
+  area->setMinimumHeight(kLeastHeight);
+  area->setFocusPolicy(Qt::NoFocus);
+  area->setWidget(view_);
+  form.Wide(area, 1);
   form.Wide(save_ = form.Button("cmdSaveChart", tr("Save p&icture ..."), [this] { Save(); }));
   setMinimumWidth(kLeastWidth);
 }
@@ -108,6 +113,7 @@ void ChartPanel::Draw() {
   if (!chart) next->setBackgroundBrush(ChartColors::OnScreen().ground);
   view_->setBackgroundBrush(ChartColors::OnScreen().ground);
   view_->setChart(next.release());
+  view_->setMinimumHeight(chart ? LeastChartHeight(*chart) : 0);
 }
 
 // Another theme: the colours anew.
