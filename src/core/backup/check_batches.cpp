@@ -98,6 +98,13 @@ void CheckBatchLots(CheckRun& run) {
 
 namespace {
 
+// What was made, in the inventory unit as it may have been at the time: a room that has gone from pounds to kilograms
+// keeps the figures of its jobs as they stand. Of the two units of a size that gives more, so that none is blamed.
+double MostMade(int stored, double quantity, int inventoryUnit) {
+  const bool small = inventoryUnit == UnitGram || inventoryUnit == UnitOunce;
+  return quantity * static_cast<double>(UnitFactor(stored, small ? UnitGram : UnitPound));
+}
+
 // The jobs of a Batch use no more than was made, but for what the decimals of units leave.
 void CheckJobQuantities(CheckRun& run) {
   for (const std::string& database : run.Databases()) {
@@ -110,7 +117,7 @@ void CheckJobQuantities(CheckRun& run) {
     WalkRows(run, rows, RowCount(run.file, batches), [&](const Statement& row) {
       const auto unit = static_cast<int>(row.Whole(3));
       const int stored = unit >= UnitPound && unit <= UnitOunce ? unit : run.session.UMF;
-      const double made = row.Number(2) * static_cast<double>(UnitFactor(stored, run.session.UMI));
+      const double made = MostMade(stored, row.Number(2), run.session.UMI);
       const double slack = 0.001 * static_cast<double>(row.Whole(5) + 1) + made * 1e-5;
       if (row.Number(2) > 0 && row.Number(4) > made + slack)
         run.Found(batches, row.Whole(0), Called(row.Whole(1)),
