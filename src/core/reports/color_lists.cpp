@@ -205,11 +205,11 @@ void AddColorReports(std::vector<ReportDefinition>& catalogue) {
   const std::string exporting = "\nThis report is useful for exporting data to other programs.";
   catalogue.push_back(
       {.key = "AllColorsThisDB",
-       .group = "Basic && Formula Details",
+       .group = "Basic & Formula Details",
        .caption = "This Database",
        .window = "ColorListForm",
        .prefix = "ColorList",
-       .name = "Basic && Formula Detail Report",
+       .name = "Basic & Formula Detail Report",
        .noun = "Colors",
        .description = "Lists all the Basics / Additives and Master Formulas in the current Database. Certain "
                       "fields in this report are editable." +
@@ -220,11 +220,11 @@ void AddColorReports(std::vector<ReportDefinition>& catalogue) {
        .edits = true});
   catalogue.push_back(
       {.key = "AllColorsAllDBs",
-       .group = "Basic && Formula Details",
+       .group = "Basic & Formula Details",
        .caption = "All Databases",
        .window = "ColorListDBForm",
        .prefix = "ColorListDB",
-       .name = "Basic && Formula Detail Report",
+       .name = "Basic & Formula Detail Report",
        .noun = "Colors",
        .description = "Lists all the Basics / Additives and Master Formulas in every Databases. Certain "
                       "fields in this report are editable." +

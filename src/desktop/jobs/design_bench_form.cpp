@@ -56,7 +56,6 @@ void DesignBenchForm::OnOpen(const Arguments& arguments) {
   if (!arguments.Has("DesignID")) return;
   designID_ = arguments.Text("DesignID");
   const auto design = ReadDesign(session, designID_);
-  design_->setText(design ? Q(design->DesignID + "  " + design->Description) : QString());
   impressions_->SetText(design && design->Impressions > 0 ? std::to_string(design->Impressions) : "");
   Count(false);
   impressions_->setFocus();
@@ -77,7 +76,9 @@ RunWish DesignBenchForm::Wish() const {
 
 void DesignBenchForm::Count(bool tells) {
   needs_.clear();
-  if (const auto design = ReadDesign(session, designID_)) {
+  const auto design = ReadDesign(session, designID_);
+  design_->setText(design ? Q(design->DesignID + "  " + design->Description) : QString());
+  if (design) {
     auto needs = NeedsOfRun(session, *design, Wish());
     if (needs)
       needs_ = *std::move(needs);

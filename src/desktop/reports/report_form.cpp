@@ -96,13 +96,17 @@ ReportRequest ReportForm::Request() const {
 
 // ---- Columns
 
-void ReportForm::ShowColumns() {
+std::vector<TableColumn> ReportForm::ColumnsNow() const {
   ReportWatch watch(session.progress);
   ReportContext context{.session = session, .report = definition_, .watch = watch};
   context.databases = {session.CurrentDatabase};
   for (const ReportOption& option : definition_.options)
     context.options[option.name] = ReadReportOption(session, definition_, option);
-  const std::vector<TableColumn> columns = ReportColumns(context);
+  return ReportColumns(context);
+}
+
+void ReportForm::ShowColumns() {
+  const std::vector<TableColumn> columns = ColumnsNow();
   SetColumns(columns, ReadShownColumns(session, definition_, columns));
   const ReportSort sort = ReadReportSort(session, definition_, columns.size());
   grid_->SetSort({static_cast<int>(sort.column), sort.descending, sort.second ? static_cast<int>(*sort.second) : -1,
@@ -201,7 +205,7 @@ void ReportForm::Show(BuiltReport built) {
   grid_->SetEmptyText(tr("Nothing was found"));
   grid_->Refresh();
   settling_ = false;
-  title_->setText(Q(report_->FullTitle()).replace("&&", "&"));
+  title_->setText(Q(report_->FullTitle()));
   count_->setText(QString("%1 %2").arg(QLocale().toString(static_cast<qlonglong>(report_->count)), Q(report_->noun)));
   ShowTotals();
   Changed();
@@ -217,14 +221,17 @@ ReportSort ReportForm::ShownSort() const {
   return shown;
 }
 
+std::vector<std::size_t> ReportForm::ShownColumns() const {
+  const std::vector<int> shown = grid_->ShownColumns();
+  return {shown.begin(), shown.end()};
+}
+
 void ReportForm::TakeArrangement() {
   report_->order.clear();
   for (const int row : grid_->ShownRows()) report_->order.push_back(static_cast<std::size_t>(row));
-  report_->shown.clear();
-  for (const int column : grid_->ShownColumns()) {
-    report_->shown.push_back(static_cast<std::size_t>(column));
-    report_->columns[static_cast<std::size_t>(column)].width = grid_->ColumnWidth(column) * kTwipsPerPixel;
-  }
+  report_->shown = ShownColumns();
+  for (const std::size_t column : report_->shown)
+    report_->columns[column].width = grid_->ColumnWidth(static_cast<int>(column)) * kTwipsPerPixel;
   report_->sort = ShownSort();
   report_->filter = U8(filter_->text());
 }
@@ -254,7 +261,7 @@ void ReportForm::cmdClear_Click() {
   ShowChart();
   if (subject_ != nullptr) subject_->SetText("");
   kind_.reset();
-  title_->setText(" " + Q(definition_.name).replace("&&", "&"));
+  title_->setText(" " + Q(definition_.name));
   count_->setText(tr("0 %1").arg(Q(definition_.noun)));
   Changed();
   (subject_ != nullptr ? static_cast<QWidget*>(subject_) : find_)->setFocus();
@@ -375,9 +382,21 @@ bool ReportForm::IsTyping() const {
 }
 
 void ReportForm::OnChanges(const std::vector<Change>& changes) {
-  if (std::ranges::any_of(changes, [](const Change& one) { return one.kind == Change::Kind::Settings; })) ListRanges();
+  if (std::ranges::any_of(changes, [](const Change& one) { return one.kind == Change::Kind::Settings; })) {
+    ListRanges();
+    FollowUnit();
+  }
   if (report_ && std::ranges::any_of(changes, [&](const Change& change) { return Tells(definition_, change); }))
     refresh_.start();
+}
+
+void ReportForm::FollowUnit() {
+  if (!session.DataFileDB || session.UMI == unit_) return;
+  unit_ = session.UMI;
+  if (report_)
+    refresh_.start();
+  else
+    SetColumns(ColumnsNow(), ShownColumns());
 }
 
 void ReportForm::RefreshNow() {

@@ -68,7 +68,11 @@ class ReportForm : public Window {
   ReportRequest Request() const;
   void ChooseRange(int place);
   /// The columns as the report has them before anything was asked.
+  std::vector<TableColumn> ColumnsNow() const;
   void ShowColumns();
+  std::vector<std::size_t> ShownColumns() const;
+  /// Another inventory unit: its name stands in captions, and what is built is of the old one.
+  void FollowUnit();
   void SetColumns(const std::vector<TableColumn>& columns, const std::vector<std::size_t>& shown);
   /// The list of columns as the grid shows them, and the other way round.
   void ListColumns();
@@ -125,6 +129,7 @@ class ReportForm : public Window {
   std::map<std::string, int> builtWith_;
   std::optional<ColorKind> kind_;
   std::vector<TableColumn> shownColumns_;
+  int unit_ = session.UMI;
   std::vector<NamedRange> ranges_;
   std::optional<SavedReport> saved_;
   bool arrangesSaved_ = false;

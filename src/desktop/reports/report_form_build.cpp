@@ -28,8 +28,7 @@ constexpr int kJobLength = 30;
 
 // "Production - All Colors - this Database", short enough for a tab.
 QString WindowTitle(const ReportDefinition& report) {
-  QString title = Q(report.group) + " - " + Q(report.caption).trimmed();
-  return title.replace("&&", "&");
+  return Q(report.group) + " - " + Q(report.caption).trimmed();
 }
 
 struct OptionText {

@@ -95,7 +95,7 @@ void ReportsForm::Fill() {
     QListWidget* list = IsOfBatches(report) ? batches_ : report.group.starts_with("Jobs") ? jobs_ : colors_;
     if (report.group != group) {
       group = report.group;
-      auto* head = new QListWidgetItem(Q(group).replace("&&", "&"), list);
+      auto* head = new QListWidgetItem(Q(group), list);
       head->setFlags(Qt::ItemIsEnabled);
       head->setData(kDescriptionRole, tr("Select a subcategory report."));
       QFont bold = Look::Base();
@@ -122,7 +122,7 @@ void ReportsForm::FillSaved() {
     const QString range = saved.request.from && saved.request.to
                               ? Q(saved.request.from->DateText() + " - " + saved.request.to->DateText())
                               : Q(saved.request.rangeName);
-    QString told = Q(report.group + " - " + Trim(report.caption)).replace("&&", "&");
+    QString told = Q(report.group + " - " + Trim(report.caption));
     for (const QString& more : {Q(saved.request.color), Q(saved.request.job), Q(saved.request.design), range})
       if (!more.isEmpty()) told += "\n" + more;
     item->setData(kDescriptionRole, told);

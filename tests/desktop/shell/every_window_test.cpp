@@ -2,8 +2,13 @@
 
 #include <gtest/gtest.h>
 
+#include <QAbstractButton>
+#include <QAbstractItemView>
+#include <QComboBox>
 #include <QDialog>
+#include <QLabel>
 #include <QLineEdit>
+#include <QPlainTextEdit>
 #include <QPointer>
 #include <QPushButton>
 #include <QTabWidget>
@@ -13,10 +18,20 @@
 #include <set>
 
 #include "core/base/files.h"
+#include "core/batch/bench.h"
 #include "core/batch/open.h"
+#include "core/batch/store.h"
+#include "core/colors/additive_control.h"
+#include "core/colors/basic_work.h"
 #include "core/colors/formula_work.h"
 #include "core/colors/formulas.h"
+#include "core/colors/rename.h"
+#include "core/colors/rollup.h"
+#include "core/inventory/posting.h"
+#include "core/jobs/design_work.h"
+#include "core/jobs/job_items.h"
 #include "core/session/options.h"
+#include "core/session/settings.h"
 #include "core/shell/data_files.h"
 #include "desktop/kit/message_prompt.h"
 #include "desktop/kit/scanned_entry.h"
@@ -268,6 +283,150 @@ TEST_F(EveryWindowTest, InAnArchiveNothingIsWritten) {
   std::cout << "refused by " << names << '\n';
   EXPECT_GT(refused.size(), 25U);
   EXPECT_TRUE(ReadFileBytes(archive) == bytes);
+}
+
+// ---- What is written elsewhere
+
+/// What a person reads in the window: every text, mark, choice and cell.
+std::map<std::string, std::string> ReadIn(QWidget& window) {
+  std::map<std::string, std::string> read;
+  const auto note = [&](const QWidget& widget, const QString& text) {
+    const std::string name = widget.objectName().toStdString();
+    if (!name.empty() && !name.starts_with("qt_")) read[name] += "|" + text.toStdString();
+  };
+  for (QWidget* widget : window.findChildren<QWidget*>()) {
+    if (const auto* label = qobject_cast<QLabel*>(widget)) note(*label, label->text());
+    if (const auto* line = qobject_cast<QLineEdit*>(widget)) note(*line, line->text());
+    if (const auto* text = qobject_cast<QPlainTextEdit*>(widget)) note(*text, text->toPlainText());
+    if (const auto* button = qobject_cast<QAbstractButton*>(widget))
+      note(*button, button->text() + (button->isChecked() ? " on" : ""));
+    if (const auto* combo = qobject_cast<QComboBox*>(widget))
+      for (int i = 0; i < combo->count() && i < 50; ++i) note(*combo, combo->itemText(i));
+    if (const auto* list = qobject_cast<QAbstractItemView*>(widget); list != nullptr && list->model() != nullptr) {
+      const QAbstractItemModel& model = *list->model();
+      for (int row = 0; row < model.rowCount() && row < 50; ++row)
+        for (int column = 0; column < model.columnCount(); ++column)
+          note(*list, model.index(row, column).data().toString());
+    }
+  }
+  return read;
+}
+
+struct WrittenElsewhere {
+  const char* what;
+  std::function<void(Session&, int)> write;  ///< something else with each number
+};
+
+void SaveNewBatch(Session& session, const char* quantity) {
+  BatchRecord record = NewBatchRecord(session);
+  NoBatchDialogs dialogs;
+  EXPECT_TRUE(EnterBatchColor(session, record, "TARGET"));
+  record.work.QuantityText = quantity;
+  EXPECT_TRUE(MixBatch(session, record));
+  EXPECT_TRUE(SaveBatch(session, record, dialogs));
+}
+
+void Rename(Session& session, ColorKind kind, const std::string& name) {
+  const bool away = kind == ColorKind::Mix ? ReadMix(session, name).has_value() : ReadBasic(session, name).has_value();
+  const std::string other = name + " 2";
+  EXPECT_TRUE(
+      (kind == ColorKind::Mix ? RenameColor : RenameBasic)(session, away ? name : other, away ? other : name));
+}
+
+const std::vector<WrittenElsewhere>& Writers() {
+  static const std::vector<WrittenElsewhere> writers{
+      {"stock",
+       [](Session& session, int n) {
+         const float quantity = 1.0F + static_cast<float>(n % 50);
+         PostStock(session, {.name = "RED", .quantity = quantity});
+         PostStock(session, {.name = "RED", .quantity = quantity, .place = {.LotNumber = "A"}});
+       }},
+      {"basic",
+       [](Session& session, int n) {
+         BasicWork work = LoadBasicWork(session, *ReadBasic(session, "RED"));
+         work.Color_Code = "R" + std::to_string(n);
+         work.Notes = "note " + std::to_string(n);
+         work.typed["PurchaseCost"] = std::to_string(n + 5);
+         EXPECT_TRUE(SaveBasic(session, work));
+         RunPendingPasses(session);
+       }},
+      {"formula",
+       [](Session& session, int n) {
+         FormulaWork work = LoadFormulaWork(session, *ReadMix(session, "TINT"));
+         work.Color_Code = "T" + std::to_string(n);
+         work.Notes = "tint " + std::to_string(n);
+         EXPECT_TRUE(SaveMix(session, work));
+       }},
+      {"names",
+       [](Session& session, int) {
+         Rename(session, ColorKind::Basic, "BLUE");
+         Rename(session, ColorKind::Mix, "LIME");
+       }},
+      {"set",
+       [](Session& session, int n) {
+         AdditiveSetWork work{.SetName = "STD SET", .rows = {}};
+         work.rows[0] = {"DRIER", n % 2 == 0 ? "2.2" : "3.4"};
+         work.rows[1] = {"WAX", "1"};
+         EXPECT_TRUE(EditAdditiveSet(session, "STD SET", work));
+         RunPendingPasses(session);
+       }},
+      {"Batch", [](Session& session, int n) { SaveNewBatch(session, n % 2 == 0 ? "3" : "4"); }},
+      {"job",
+       [](Session& session, int n) {
+         JobItemEntry item = NewJobItem(session);
+         item.JobNumber = "J1";
+         item.Color_Name = "WHITE";
+         item.takes = {{.LotRefID = 0, .LotNumber = "", .quantity = 0.5F + static_cast<float>(n % 50) / 8}};
+         EXPECT_TRUE(AddJobItems(session, item));
+         DesignWork work = *OpenDesign(session, "BOX");
+         EXPECT_TRUE(EnterDesignField(work, "Description", "box " + std::to_string(n)));
+         EXPECT_TRUE(SaveDesign(session, work));
+       }},
+      {"unit", [](Session& session, int n) { StoreSettings(session, {setting::UMI.To(1 + n % 2)}); }},
+  };
+  return writers;
+}
+
+// A window that stays open shows what one shows that is opened now, whatever was written meanwhile.
+TEST_F(EveryWindowTest, OneThatStaysOpenShowsWhatWasWrittenElsewhere) {
+  int seen = 0;
+  for (const std::string& name : running.windows.Names()) {
+    SCOPED_TRACE(name);
+    for (const WrittenElsewhere& writer : Writers()) {
+      SCOPED_TRACE(writer.what);
+      std::map<std::string, std::string> before, kept, anew;
+      bool isWindow = false;
+      try {
+        desktop::Window* window = running.windows.OpenForm(name, ShownBy(name));
+        Settle();
+        if (window == nullptr) break;
+        isWindow = true;
+        before = ReadIn(*window);
+        writer.write(running.session, seen);
+        Settle();
+        // A report is built again a moment later.
+        if (!before["fg_View"].empty()) WaitFor([&] { return ReadIn(*window) != before; }, 400);
+        kept = ReadIn(*window);
+        running.windows.CloseChildWindows();
+        Settle();
+        window = running.windows.OpenForm(name, ShownBy(name));
+        Settle();
+        anew = ReadIn(*window);
+      } catch (const std::logic_error& none) {
+        if (!std::string_view(none.what()).starts_with("there is no window")) throw;
+      }
+      running.windows.CloseChildWindows();
+      Settle();
+      if (!isWindow) break;
+      ++seen;
+      // A Batch that is not saved yet has a number on screen that the next one saved takes.
+      if (name == "BatchForm") anew.erase("txtBatchNo");
+      for (const auto& [control, text] : anew)
+        EXPECT_EQ(kept[control], text) << control << (kept[control] == before[control] ? ", not read anew" : "");
+    }
+  }
+  std::cout << seen << " windows were read after a write elsewhere\n";
+  EXPECT_GT(seen, 200);
 }
 
 }  // namespace
