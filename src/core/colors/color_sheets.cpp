@@ -8,6 +8,7 @@
 #include "core/base/units.h"
 #include "core/colors/additive_control.h"
 #include "core/colors/color_tables.h"
+#include "core/colors/formula_notes.h"
 
 namespace vellumark {
 namespace {
@@ -35,8 +36,11 @@ struct CardItem {
 };
 constexpr std::string_view kRecipe = "recipe";
 constexpr std::string_view kNotes = "Notes";
+constexpr std::string_view kIngredientNotes = "IngNotes";
+constexpr std::string_view kBatchNotes = "BatchNotes";
 
-// In the order of the settings; those that came later are off at first.
+// In the order of the settings; those that came later are off at first. The notes of others that a formula's window shows
+// on pages of their own have settings of their own.
 std::vector<CardItem> ItemsOf(ColorKind kind, const std::string& unit = {}) {
   if (kind == ColorKind::Basic)
     return {{"Color_Code", "Color Code"},
@@ -68,13 +72,19 @@ std::vector<CardItem> ItemsOf(ColorKind kind, const std::string& unit = {}) {
           {"Date_Entered", "Date Entered"},
           {"LastModified", "Last Modified"},
           {"LastConsumed", "Last Consumed"},
-          {"LastProduced", "Last Produced"}};
+          {"LastProduced", "Last Produced"},
+          {kIngredientNotes, "Ingredient Notes"},
+          {kBatchNotes, "Batch Notes"}};
+}
+
+bool IsBlock(std::string_view item) {
+  return item == kRecipe || item == kNotes || item == kIngredientNotes || item == kBatchNotes;
 }
 
 bool IsWanted(const Session& session, ColorKind kind, std::string_view item) {
   const std::vector<CardItem> items = ItemsOf(kind);
   const auto place = std::ranges::find(items, item, &CardItem::column) - items.begin();
-  return GetSetting(session, CardItemSettings(kind)[static_cast<int>(place)]);
+  return GetSetting(session, CardItemSetting(kind, static_cast<std::size_t>(place)));
 }
 
 /// The fields of the only row of a table that hold something and are wanted, under captions for people.
@@ -90,7 +100,7 @@ std::vector<SheetField> FieldsOf(const Session& session, ColorKind kind, const L
       return true;
     };
     for (const CardItem& item : ItemsOf(kind, fmt::format(" ({})", UnitName(session.UMI)))) {
-      if (item.column == kRecipe || item.column == kNotes || !IsWanted(session, kind, item.column)) continue;
+      if (IsBlock(item.column) || !IsWanted(session, kind, item.column)) continue;
       if (add(item.column, item.caption) && item.column == "Color_Guide") {
         add("Page", "Page");
         add("Row", "Row");
@@ -101,6 +111,29 @@ std::vector<SheetField> FieldsOf(const Session& session, ColorKind kind, const L
   return fields;
 }
 
+void AddNotes(Sheet& sheet, const Session& session, const MixColor& mix) {
+  const auto add = [&](std::string_view item, const auto& read) {
+    if (!IsWanted(session, ColorKind::Mix, item)) return;
+    std::string text = read();
+    if (text.empty()) return;
+    const std::string heading = item == kNotes ? "Notes" : item == kIngredientNotes ? "Ingredient Notes" : "Batch Notes";
+    sheet.blocks.push_back({.heading = heading, .lines = {std::move(text)}});
+  };
+  add(kNotes, [&] { return mix.Notes; });
+  add(kIngredientNotes, [&] {
+    std::vector<std::string> names;
+    for (const Ingredient& line : mix.Ingredients()) names.push_back(line.name);
+    return IngredientNotes(session, names);
+  });
+  add(kBatchNotes, [&] {
+    std::string text;
+    for (const BatchNote& note : BatchNotes(session, mix.Color_Name))
+      text += fmt::format("{}{}  {}\n{}", text.empty() ? "" : "\n\n", note.Number(),
+                          note.Date_Entered ? note.Date_Entered->DateText() : "", note.Notes);
+    return text;
+  });
+}
+
 }  // namespace
 
 std::vector<std::string> CardItems(ColorKind kind) {
@@ -109,8 +142,11 @@ std::vector<std::string> CardItems(ColorKind kind) {
   return names;
 }
 
-const SettingGroup<bool>& CardItemSettings(ColorKind kind) {
-  return kind == ColorKind::Mix ? setting::MC_PrintItem_ : setting::BC_PrintItem_;
+NamedSetting<bool> CardItemSetting(ColorKind kind, std::size_t item) {
+  const int n = static_cast<int>(item);
+  if (kind != ColorKind::Mix) return setting::BC_PrintItem_[n];
+  const int own = setting::MC_PrintItem_.count;
+  return n < own ? setting::MC_PrintItem_[n] : setting::PrintMixNotes[n - own + 1];
 }
 
 Sheet BasicColorSheet(const Session& session, const BasicColor& color) {
@@ -128,8 +164,7 @@ Sheet FormulaSheet(const Session& session, const MixColor& mix) {
   if (IsWanted(session, ColorKind::Mix, kRecipe))
     sheet.blocks.push_back({.table = RecipeColumns("Ingredient", "Parts").Total("Total Parts").Of(mix.Ingredients())});
   sheet.blocks.push_back({.fields = FieldsOf(session, ColorKind::Mix, MixColumns(session).Of({mix}))});
-  if (!mix.Notes.empty() && IsWanted(session, ColorKind::Mix, kNotes))
-    sheet.blocks.push_back({.heading = "Notes", .lines = {mix.Notes}});
+  AddNotes(sheet, session, mix);
   return sheet;
 }
 

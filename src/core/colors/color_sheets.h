@@ -14,9 +14,9 @@ namespace vellumark {
 
 // What is printed of colours and Additive Sets.
 
-/// What can be left out of a colour's card, by the numbers of the settings that choose.
+/// What can be left out of a colour's card, and the setting that chooses the item of that number.
 std::vector<std::string> CardItems(ColorKind kind);
-const SettingGroup<bool>& CardItemSettings(ColorKind kind);
+NamedSetting<bool> CardItemSetting(ColorKind kind, std::size_t item);
 /// A colour's card: what is known of it, its recipe, its notes. Costs only for those who may see them.
 Sheet BasicColorSheet(const Session& session, const BasicColor& color);
 Sheet FormulaSheet(const Session& session, const MixColor& mix);

@@ -75,7 +75,8 @@ inline constexpr Setting<bool> PrintQuickInfoOption{"PrintQuickInfoOption", "0",
 inline constexpr Setting<bool> PrintRecListPercent{"PrintRecListPercent", "0", "not all of the Recycle List"};
 inline constexpr Setting<int> PrintRecListPercentValue{
     "PrintRecListPercentValue", "50", "but what is recyclable by more than so many percent", {0, 100}};
-inline constexpr SettingGroup<bool> PrintMixNotes{"PrintMixNotes", 3, "0", "notes with a Master Formula"};
+inline constexpr SettingGroup<bool> PrintMixNotes{
+    "PrintMixNotes", 3, "0", "notes with a Master Formula besides its own: 1 of its ingredients, 2 of its Batches"};
 inline constexpr SettingGroup<bool> BC_PrintItem_{"BC_PrintItem_", 11, "1|1|1|1|1|1|1|1|1|1|0",
                                                   "what is printed with a Basic Color"};
 inline constexpr SettingGroup<bool> MC_PrintItem_{"MC_PrintItem_", 19, "1|1|1|1|1|1|1|1|1|1|1|1|1|1|1|0",

@@ -7,11 +7,10 @@ namespace vellumark::desktop {
 
 void PrintCard(WindowList& windows, ColorKind kind, const std::string& name) {
   Session& session = windows.session;
-  const SettingGroup<bool>& settings = CardItemSettings(kind);
   PrintSheet(windows, {.names = CardItems(kind),
-                       .isOn = [&](std::size_t item) { return GetSetting(session, settings[static_cast<int>(item)]); },
+                       .isOn = [&](std::size_t item) { return GetSetting(session, CardItemSetting(kind, item)); },
                        .set = [&](std::size_t item,
-                                  bool on) { StoreSettings(session, {settings[static_cast<int>(item)].To(on)}); },
+                                  bool on) { StoreSettings(session, {CardItemSetting(kind, item).To(on)}); },
                        .make =
                            [&] {
                              return kind == ColorKind::Mix ? FormulaSheet(session, ReadMix(session, name).value())

@@ -299,11 +299,11 @@ TEST_F(ReportsAtWork, LotPricesAndNotesAreChangedInTheirCells) {
 }
 
 TEST_F(ReportsAtWork, WhatACardPrintsIsChosenBesideItsPages) {
-  desktop::Window& form = Open("BasicColorsForm", {{"FindRecord", "RED"}});
+  desktop::Window* shown = &Open("BasicColorsForm", {{"FindRecord", "RED"}});
   const auto print = [&](const std::function<void(QWidget&)>& choose) {
     Choose("card.pdf");
     std::filesystem::remove(Path("card.pdf"));
-    WithModal([&] { Click(form, "cmdPrint"); },
+    WithModal([&] { Click(*shown, "cmdPrint"); },
               [&](QWidget& dialog) {
                 choose(dialog);
                 Click(dialog, "cmdPDF");
@@ -323,9 +323,26 @@ TEST_F(ReportsAtWork, WhatACardPrintsIsChosenBesideItsPages) {
   EXPECT_FALSE(Has(without, "Purchase Cost"));
   EXPECT_TRUE(Has(without, "VOC"));
   EXPECT_FALSE(GetSetting(running.session, setting::BC_PrintItem_[4]));
-  Click(form, "cmdPrintMultiple");
+  Click(*shown, "cmdPrintMultiple");
   ASSERT_TRUE(running.windows.IsFormOpen("ReportsForm"));
   EXPECT_EQ(FocusName(), "lstColorReports");
+
+  // A formula prints the notes of what it is made of and of what was made of it when these are asked for.
+  Database& file = running.session.File();
+  file.Execute("UPDATE INK_Basic SET Notes = 'stir well'");
+  file.Execute("UPDATE INK_Batch SET Notes = 'a little dark' WHERE BatchNo = (SELECT MIN(BatchNo) FROM INK_Batch "
+               "WHERE Color_Name = 'TARGET')");
+  shown = &Open("MixColorsForm", {{"FindRecord", "TARGET"}});
+  const auto tick = [](bool on) {
+    return [on](QWidget& dialog) {
+      auto& items = Control<desktop::CheckListField>(dialog, "lstItems");
+      for (const int item : {19, 20}) items.SetChecked(item, on);
+    };
+  };
+  const Texts own = print(tick(false));
+  EXPECT_FALSE(Has(own, "stir well") || Has(own, "a little dark"));
+  const Texts noted = print(tick(true));
+  for (const char* text : {"Ingredient Notes", "stir well", "Batch Notes", "a little dark"}) EXPECT_TRUE(Has(noted, text)) << text;
 }
 
 // Whatever there is to read: rows, or the bar, are seen before a tenth of a second has been worked.
