@@ -169,6 +169,26 @@ Result<Json> RepairFile(Context& context, const std::string& typedPath, const st
   return answer;
 }
 
+// Rows that a person changed with another tool, on purpose, are taken as they stand.
+Result<Json> AcceptHandEdits(Context& context, const std::string& typedPath) {
+  if (!typedPath.empty()) context.dataFile = fs::absolute(typedPath).string();
+  if (auto opened = context.open(); !opened) return std::unexpected(opened.error());
+  Session& session = context.session;
+  const auto accepted = AcceptStrayRows(session);
+  if (!accepted) return std::unexpected(accepted.error());
+  Json answer{{"DataFileName", session.DataFileName},
+              {"FileVersion", ReadFileInfo(session.File()).fileVersion},
+              {"Sound", accepted->rest.Sound()},
+              {"NeedsUpgrade", false},
+              {"ReadOnly", false},
+              {"Accepted", FaultsJson(accepted->rows)},
+              {"Faults", FaultsJson(accepted->rest.faults)}};
+  for (const CheckFault& fault : accepted->rows) context.text += "Accepted: " + FaultText(fault) + "\n";
+  context.text += SoundText(answer, accepted->rest.faults, true);
+  context.exitStatus = accepted->rest.Sound() ? ExitDone : ExitFailed;
+  return answer;
+}
+
 }  // namespace
 
 void AddFileCommands(CLI::App& app, Commands& commands) {
@@ -192,9 +212,12 @@ void AddFileCommands(CLI::App& app, Commands& commands) {
   check->add_option("PATH", *checked, "The file; the Data File in use when left out")->check(NotEmpty);
   const auto deep = std::make_shared<bool>(false);
   check->add_flag("--deep", *deep, "Read every row and check every rule that must hold between rows");
+  const auto accept = std::make_shared<bool>(false);
+  check->add_flag("--accept", *accept, "Take rows that were changed past this program as they stand from now on");
   check->footer("Exit status 4 when the file is not sound; every fault is named with table, row and rule.");
-  commands.Add(check, Needs::Nothing,
-               [checked, deep](Context& context) { return CheckFile(context, *checked, *deep); });
+  commands.Add(check, Needs::Nothing, [checked, deep, accept](Context& context) {
+    return *accept ? AcceptHandEdits(context, *checked) : CheckFile(context, *checked, *deep);
+  });
 
   commands.Add(noun->add_subcommand("compact", "Rewrite the file without its unused space"), Needs::Writable,
                [](Context& context) -> Result<Json> {

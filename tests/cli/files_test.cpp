@@ -281,6 +281,27 @@ TEST(CliFrame, UsageQuestionsAndAnswers) {
   EXPECT_EQ(room.Json({"color", "list"}).size(), 0U);
 }
 
+TEST(CliFiles, AHandEditIsNamedAndAcceptedOnPurpose) {
+  const test::CliRoom room;
+  const fs::path file = room.MakeFile();
+  room.Json({"color", "add", "RED", "Notes=mine"});
+  EXPECT_EQ(room.Run({"file", "check", "--deep"}).status, 0);
+  const std::string edit = "python3 -c \"import sqlite3; file = sqlite3.connect('" + file.string() +
+                           "'); file.execute('UPDATE INK_Basic SET Notes = ?', ('theirs',)); file.commit()\"";
+  ASSERT_EQ(std::system(edit.c_str()), 0);
+  const test::CliAnswer named = room.Run({"--json", "file", "check", "--deep"});
+  EXPECT_EQ(named.status, 4);
+  ASSERT_EQ(named.Json()["Faults"].size(), 1U) << named.out;
+  EXPECT_EQ(named.Json()["Faults"][0]["Table"], "INK_Basic");
+  EXPECT_EQ(named.Json()["Faults"][0]["Row"], 1);
+  EXPECT_EQ(named.Json()["Faults"][0]["Name"], "RED");
+  const auto accepted = room.Json({"file", "check", "--accept"});
+  EXPECT_EQ(accepted["Accepted"].size(), 1U);
+  EXPECT_EQ(accepted["Sound"], true);
+  EXPECT_EQ(room.Run({"file", "check", "--deep"}).status, 0);
+  EXPECT_EQ(room.Json({"color", "show", "RED"})["Notes"], "theirs");
+}
+
 TEST(CliFiles, ABackupIsMadeProvenAndPutBackEvenOverADamagedFile) {
   const test::CliRoom room;
   room.folder.Breaks("Structure");
@@ -291,6 +312,7 @@ TEST(CliFiles, ABackupIsMadeProvenAndPutBackEvenOverADamagedFile) {
   EXPECT_EQ(set, room.folder.Path() / "Auto Backup" / "VK_Backup_03_10_2026__09_00_00");
   EXPECT_EQ(made["Verified"], true);
   EXPECT_EQ(room.Json({"backup", "list"}).at(0)["Made"], "2026-03-10 09:00:00");
+  EXPECT_EQ(room.Json({"backup", "list"}).at(0)["Place"], "Auto Backup");
   EXPECT_EQ(room.Json({"backup", "verify", set.string()})["Sound"], true);
 
   room.Json({"color", "delete", "RED", "--yes"});

@@ -11,6 +11,7 @@
 #include "core/datafile/job_links.h"
 #include "core/datafile/mend_fields.h"
 #include "core/datafile/pending_rollups.h"
+#include "core/datafile/row_checks.h"
 
 // What holds of the file as a whole, and of every value in it.
 
@@ -181,6 +182,49 @@ void CheckFields(CheckRun& run) {
     Statement rows = run.file.Prepare(fmt::format("SELECT {} FROM {}", ReadableColumns(table), Quoted(name)));
     WalkRows(run, rows, RowCount(run.file, name), [&](const Statement& row) { CheckRowFields(run, name, table, row); });
   });
+}
+
+namespace {
+
+// The first text of a row is what people call it.
+std::string NameOfRow(CheckRun& run, const std::string& name, std::int64_t row) {
+  std::string called;
+  ForEachTable(run, [&](const std::string& known, const Table& table) {
+    if (!EqualNoCase(known, name) || table.fields[0].type != FieldType::Text) return;
+    called = run.file
+                 .Scalar(fmt::format("SELECT {} FROM {} WHERE RowKey = ?", Quoted(table.fields[0].name), Quoted(name)),
+                         {row})
+                 .Text();
+  });
+  return called;
+}
+
+std::string StrayText(StrayRow::What what) {
+  switch (what) {
+    case StrayRow::What::Added:
+      return "The row was added, and not by this program.";
+    case StrayRow::What::Gone:
+      return "The row is gone, and this program did not remove it.";
+    case StrayRow::What::Unknown:
+      return "What this program keeps to know this row and those behind it by is damaged.";
+    default:
+      return "The row is not as this program wrote it.";
+  }
+}
+
+}  // namespace
+
+// A copy that an earlier program made has nothing to compare with.
+void CheckRows(CheckRun& run) {
+  if (!HasRowChecks(run.file)) return;
+  ForEachStrayRow(
+      run.file,
+      [&](const StrayRow& stray) {
+        const bool whole = stray.what == StrayRow::What::Gone && stray.row == 0;
+        run.Found(stray.table, stray.row, whole ? std::string() : NameOfRow(run, stray.table, stray.row),
+                  whole ? "The table is gone, and this program did not remove it." : StrayText(stray.what));
+      },
+      [&](std::int64_t done, std::int64_t all) { return run.GoOn(done, all); });
 }
 
 namespace {

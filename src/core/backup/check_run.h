@@ -83,6 +83,7 @@ void CheckDatabaseList(CheckRun& run);
 void CheckCounters(CheckRun& run);
 void CheckMarkers(CheckRun& run);
 void CheckStructure(CheckRun& run);
+void CheckRows(CheckRun& run);
 void CheckFields(CheckRun& run);
 void CheckUniqueNames(CheckRun& run);
 void CheckUsers(CheckRun& run);

@@ -7,6 +7,8 @@
 
 #include "core/backup/check_run.h"
 #include "core/base/number.h"
+#include "core/datafile/row_checks.h"
+#include "core/session/acts.h"
 
 namespace vellumark {
 namespace {
@@ -25,6 +27,7 @@ constexpr CheckRule kRules[] = {
     {"Users", "Where there are users, one of them is an administrator.", CheckDepth::Opening, false, CheckUsers},
     {"Fields", "Every value fits its field: width, range, kind, and no figure that is not finite.", CheckDepth::Deep, false,
      CheckFields},
+    {"Rows", "Every row is as this program wrote it.", CheckDepth::Deep, false, CheckRows},
     {"UniqueNames", "Every row that has a name to be found by has its own, and no name stands twice.", CheckDepth::Deep, false,
      CheckUniqueNames},
     {"FormulaSlots", "Filled slots of a formula come first, none of them twice, with amounts of 0 or more.", CheckDepth::Deep, false, CheckFormulaSlots},
@@ -122,6 +125,22 @@ CheckAnswer CheckRun::Run() {
 
 CheckAnswer CheckDataFileRules(Session& session, CheckDepth depth, CheckState state) {
   return CheckRun(session, depth, state).Run();
+}
+
+Result<AcceptedRows> AcceptStrayRows(Session& session) {
+  if (auto allowed = RequireAct(session, Act::DataFiles); !allowed) return std::unexpected(allowed.error());
+  if (auto writable = RequireWritable(session); !writable) return std::unexpected(writable.error());
+  AcceptedRows accepted{{}, CheckDataFileRules(session, CheckDepth::Deep, CheckState::InUse)};
+  for (const CheckFault& fault : accepted.rest.faults) {
+    if (fault.rule == "Rows") accepted.rows.push_back(fault);
+    if (fault.rule == "Structure" || fault.rule == "Fields")
+      return Refuse("Data File", fmt::format("The file is damaged, and nothing was accepted: {}", FaultText(fault)));
+  }
+  if (!accepted.rest.complete) return Decline("Data File");
+  if (accepted.rows.empty()) return accepted;
+  AcceptRows(session.File());
+  std::erase_if(accepted.rest.faults, [](const CheckFault& fault) { return fault.rule == "Rows"; });
+  return accepted;
 }
 
 std::string FaultText(const CheckFault& fault) {

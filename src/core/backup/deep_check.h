@@ -55,6 +55,15 @@ enum class CheckState {
 /// a figure of each colour that has stock. Shows its progress, and may be cancelled.
 CheckAnswer CheckDataFileRules(Session& session, CheckDepth depth, CheckState state = CheckState::Closed);
 
+/// Rows that were changed past this program, taken as they stand from now on.
+struct AcceptedRows {
+  std::vector<CheckFault> rows;
+  CheckAnswer rest;  ///< what else the check finds
+};
+/// Refused without the right to manage Data Files, in a copy that is only looked at, and where the file is damaged: its
+/// rows are then not what anybody wrote.
+Result<AcceptedRows> AcceptStrayRows(Session& session);
+
 /// "INK_Basic, row 5 (RED): …", a line for people.
 std::string FaultText(const CheckFault& fault);
 

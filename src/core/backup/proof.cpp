@@ -3,11 +3,11 @@
 #include <fmt/format.h>
 
 #include <bit>
-#include <cstring>
 #include <nlohmann/json.hpp>
 #include <system_error>
 #include <utility>
 
+#include "core/base/digest.h"
 #include "core/base/files.h"
 #include "core/base/refusal.h"
 #include "core/datafile/databases.h"
@@ -18,31 +18,6 @@ namespace fs = std::filesystem;
 using Json = nlohmann::json;
 
 namespace {
-
-// Each step is one to one in what was there before and in what comes in, so that no single change is lost.
-class Digest {
- public:
-  void Add(std::uint64_t word) {
-    value_ = (value_ ^ word) * 0x9E3779B97F4A7C15ULL;
-    value_ ^= value_ >> 29;
-  }
-  void Add(std::string_view bytes) {
-    while (bytes.size() >= sizeof(std::uint64_t)) {
-      std::uint64_t word = 0;
-      std::memcpy(&word, bytes.data(), sizeof word);
-      Add(word);
-      bytes.remove_prefix(sizeof word);
-    }
-    std::uint64_t last = 0;
-    if (!bytes.empty()) std::memcpy(&last, bytes.data(), bytes.size());
-    Add(last);
-    Add(static_cast<std::uint64_t>(bytes.size()));
-  }
-  std::uint64_t Value() const { return value_; }
-
- private:
-  std::uint64_t value_ = 0x243F6A8885A308D3ULL;
-};
 
 // Another file in the place of the session's open one, for as long as this lasts.
 class InPlaceOfOpenFile {
@@ -87,32 +62,6 @@ platform::OpenFile OpenToRead(const fs::path& path) {
   if (error) throw Failure(path.string(), error.message());
   if (state.kind != platform::Kind::File) throw Failure(path.string(), "is not a file");
   return file;
-}
-
-template <typename Take>
-FileProof ReadPieces(const fs::path& path, std::string name, Take take) {
-  const platform::OpenFile file = OpenToRead(path);
-  FileProof proof{std::move(name)};
-  Digest digest;
-  std::string piece(std::size_t{1} << 20, '\0');
-  for (;;) {
-    // Full pieces, so that how a file is read is no part of its digest.
-    std::size_t filled = 0;
-    std::error_code error;
-    while (filled < piece.size()) {
-      const std::size_t count = platform::Read(file, piece.data() + filled, piece.size() - filled, error);
-      if (error) throw Failure(path.string(), error.message());
-      if (count == 0) break;
-      filled += count;
-    }
-    if (filled == 0) break;
-    const std::string_view read(piece.data(), filled);
-    digest.Add(read);
-    take(read);
-    proof.bytes += static_cast<std::int64_t>(filled);
-  }
-  proof.digest = digest.Value();
-  return proof;
 }
 
 std::string DigestText(std::uint64_t digest) {
@@ -178,13 +127,38 @@ TableProof ProveRows(Database& file, const std::string& table, const std::string
   return proof;
 }
 
+FileProof ReadProved(const fs::path& path, std::string name, const std::function<void(std::string_view)>& take) {
+  const platform::OpenFile file = OpenToRead(path);
+  FileProof proof{std::move(name)};
+  Digest digest;
+  std::string piece(std::size_t{1} << 20, '\0');
+  for (;;) {
+    // Full pieces, so that how a file is read is no part of its digest.
+    std::size_t filled = 0;
+    std::error_code error;
+    while (filled < piece.size()) {
+      const std::size_t count = platform::Read(file, piece.data() + filled, piece.size() - filled, error);
+      if (error) throw Failure(path.string(), error.message());
+      if (count == 0) break;
+      filled += count;
+    }
+    if (filled == 0) break;
+    const std::string_view read(piece.data(), filled);
+    digest.Add(read);
+    take(read);
+    proof.bytes += static_cast<std::int64_t>(filled);
+  }
+  proof.digest = digest.Value();
+  return proof;
+}
+
 FileProof ProveFile(const fs::path& path, std::string name) {
-  return ReadPieces(path, std::move(name), [](std::string_view) {});
+  return ReadProved(path, std::move(name), [](std::string_view) {});
 }
 
 FileProof CopyProved(const fs::path& from, const fs::path& to, std::string name) {
   FileBeside copy(to, Readers::Group);
-  FileProof proof = ReadPieces(from, std::move(name), [&](std::string_view piece) { copy.Write(piece); });
+  FileProof proof = ReadProved(from, std::move(name), [&](std::string_view piece) { copy.Write(piece); });
   copy.TakeFreePlace();
   return proof;
 }

@@ -2,8 +2,10 @@
 
 #include <cstdint>
 #include <filesystem>
+#include <functional>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "core/backup/deep_check.h"
@@ -58,7 +60,9 @@ ContentProof ProveContent(Session& session, const std::filesystem::path& file);
 TableProof ProveRows(Database& file, const std::string& table, const std::string& where = {},
                      const std::string& bound = {});
 
-/// Reads a whole file. Throws Failure.
+/// Reads a whole file, piece by piece. Throws Failure.
+FileProof ReadProved(const std::filesystem::path& path, std::string name,
+                     const std::function<void(std::string_view)>& take);
 FileProof ProveFile(const std::filesystem::path& path, std::string name);
 /// Writes a copy under a name that is free, synced to the disk, and tells what was read. A file of a plain kind only.
 FileProof CopyProved(const std::filesystem::path& from, const std::filesystem::path& to, std::string name);

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "core/base/text.h"
+#include "core/datafile/engine_row_checks.h"
 #include "core/datafile/engine_sqlite.h"
 #include "core/datafile/schema.h"
 
@@ -76,9 +77,11 @@ void SqliteDatabase::MakeScratchTable(std::string_view name, const Table& table)
 }
 
 void SqliteDatabase::RenameTable(std::string_view name, std::string_view newName, const Table& table) {
+  Rows().Keep();  // while the rows stand under this name
   // Indexes keep their names when their table gets another, and the next table of the old name would want them.
   for (const std::string& index : StoredIndexes(name)) Execute("DROP INDEX " + Quoted(index));
   Execute("ALTER TABLE " + Quoted(name) + " RENAME TO " + Quoted(newName));
+  Rows().TableRenamed(name, newName);
   CreateIndexes(newName, table);
 }
 

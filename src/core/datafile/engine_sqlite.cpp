@@ -15,14 +15,10 @@
 #include "core/base/files.h"
 #include "core/base/platform.h"
 #include "core/base/refusal.h"
-#include "core/datafile/commit_witness.h"
 #include "core/datafile/engine_keys.h"
+#include "core/datafile/engine_row_checks.h"
 
 namespace vellumark {
-namespace {
-
-// "VKDF": marks a file as this program's own.
-constexpr int kApplicationId = 0x564B4446;
 
 std::string CauseInWords(int code, const char* message) {
   switch (code & 0xFF) {
@@ -47,6 +43,11 @@ std::string CauseInWords(int code, const char* message) {
       return message;
   }
 }
+
+namespace {
+
+// "VKDF": marks a file as this program's own.
+constexpr int kApplicationId = 0x564B4446;
 
 // A write needs a journal beside the file, which shows only at the first write: too late to tell the operator.
 bool FolderIsWritable(const std::filesystem::path& path) {
@@ -162,8 +163,8 @@ constexpr std::size_t kStoredStatements = 96;
 // each column read.
 class SqliteStatement final : public EngineStatement {
  public:
-  SqliteStatement(const std::filesystem::path& path, sqlite3* connection, std::string sqlText)
-      : sql(std::move(sqlText)), path_(path) {
+  SqliteStatement(SqliteDatabase& file, sqlite3* connection, std::string sqlText)
+      : sql(std::move(sqlText)), path_(file.Path()), file_(file) {
     if (sqlite3_prepare_v3(connection, sql.data(), static_cast<int>(sql.size()), SQLITE_PREPARE_PERSISTENT, &handle_,
                            nullptr) != SQLITE_OK)
       throw SQLite::Exception(connection);
@@ -197,13 +198,16 @@ class SqliteStatement final : public EngineStatement {
   [[noreturn]] void Throw() const;
 
   const std::filesystem::path& path_;
+  SqliteDatabase& file_;
   sqlite3_stmt* handle_ = nullptr;
 };
 
 struct SqliteDatabase::Engine {
-  Engine(const std::string& path, int flags) : connection(path, flags) {}
+  Engine(const std::filesystem::path& path, int flags)
+      : connection(path.string(), flags), rows(path, connection.getHandle()) {}
   HeldFile held;  // before the connection, so that it closes after it
   SQLite::Database connection;
+  RowChecks rows;
   std::unordered_map<std::string, std::vector<std::unique_ptr<SqliteStatement>>> stored;
   std::size_t storedCount = 0;
 };
@@ -248,6 +252,7 @@ int SqliteStatement::Run() {
   }
   const int changed = sqlite3_changes(sqlite3_db_handle(handle_));
   Reset();
+  file_.KeepWaitingRows();
   return changed;
 }
 
@@ -314,18 +319,11 @@ SqliteDatabase::~SqliteDatabase() {
 
 void SqliteDatabase::Connect(int flags) {
   try {
-    engine_ = std::make_unique<Engine>(Path().string(), flags);
+    engine_ = std::make_unique<Engine>(Path(), flags);
     // A quoted name that a table lacks is a fault, never a text of that spelling.
     sqlite3* connection = engine_->connection.getHandle();
     sqlite3_db_config(connection, SQLITE_DBCONFIG_DQS_DML, 0, nullptr);
     sqlite3_db_config(connection, SQLITE_DBCONFIG_DQS_DDL, 0, nullptr);
-    if (TheCommitWitness())
-      sqlite3_update_hook(
-          connection,
-          [](void* tables, int, const char*, const char* table, sqlite3_int64) {
-            static_cast<std::set<std::string>*>(tables)->insert(table);
-          },
-          &written_);
   } catch (const SQLite::Exception& error) {
     if ((error.getErrorCode() & 0xFF) == SQLITE_CANTOPEN) throw Failure(Path().string(), WhyNotOpened(Path()));
     throw Failure(Path().string(), CauseInWords(error.getErrorCode(), error.what()));
@@ -376,6 +374,7 @@ std::unique_ptr<Database> Database::Open(const std::filesystem::path& path, Open
     database->Execute("PRAGMA query_only=ON");
   } else {
     GiveRowKeys(*database);
+    database->KeepRowChecks();
   }
   return database;
 }
@@ -390,6 +389,7 @@ std::unique_ptr<Database> Database::Create(const std::filesystem::path& path) {
   database->Execute("PRAGMA locking_mode=EXCLUSIVE");
   database->Execute("PRAGMA synchronous=FULL");
   database->Execute(fmt::format("PRAGMA application_id={}", kApplicationId));
+  database->KeepRowChecks();
   return database;
 }
 
@@ -407,7 +407,7 @@ Statement SqliteDatabase::Prepare(std::string_view sql) {
     return Statement(*this, std::move(compiled));
   }
   try {
-    return Statement(*this, std::make_unique<SqliteStatement>(Path(), engine_->connection.getHandle(), text));
+    return Statement(*this, std::make_unique<SqliteStatement>(*this, engine_->connection.getHandle(), text));
   } catch (const SQLite::Exception& error) {
     throw Failure(Path().string(), CauseInWords(error.getErrorCode(), error.what()));
   }
@@ -428,6 +428,51 @@ void SqliteDatabase::Execute(std::string_view sql) {
   } catch (const SQLite::Exception& error) {
     throw Failure(Path().string(), CauseInWords(error.getErrorCode(), error.what()));
   }
+  engine_->rows.ForgetDropped();
+  KeepWaitingRows();
+}
+
+RowChecks& SqliteDatabase::Rows() {
+  return engine_->rows;
+}
+
+std::set<std::string> SqliteDatabase::WrittenTables() const {
+  return engine_->rows.WrittenTables();
+}
+
+// A file that an earlier program made gets the digests of its rows. Where that cannot be (a damaged page, a full disk) the
+// file opens as it did, and the next opening tries again; what is damaged the check of the structure names.
+void SqliteDatabase::KeepRowChecks() {
+  if (engine_->rows.StandInFile()) {
+    engine_->rows.Begin();
+    return;
+  }
+  try {
+    Transaction transaction(*this);
+    engine_->rows.KeepAll();
+    transaction.Commit();
+  } catch (const Failure&) {
+    engine_->rows.End();
+  }
+}
+
+// Rows that were written outside of any transaction stand in the file already. Of very many the memory is given back.
+void SqliteDatabase::KeepWaitingRows() {
+  RowChecks& rows = engine_->rows;
+  const bool alone = sqlite3_get_autocommit(engine_->connection.getHandle()) != 0;
+  if (alone ? !rows.Waiting() : !rows.ManyWait()) return;
+  if (!alone) {
+    rows.Keep();
+    return;
+  }
+  engine_->connection.exec("BEGIN IMMEDIATE");
+  try {
+    rows.Keep();
+    CommitWork();
+  } catch (...) {
+    Rollback();
+    throw;
+  }
 }
 
 bool SqliteDatabase::TableExists(std::string_view table) {
@@ -439,7 +484,8 @@ std::vector<std::string> SqliteDatabase::TableNames() {
   Statement statement = Prepare(
       "SELECT name FROM sqlite_master WHERE type='table' AND name NOT LIKE 'sqlite\\_%' "
       "ESCAPE '\\' ORDER BY rowid");
-  while (statement.Step()) names.push_back(statement.Text(0));
+  while (statement.Step())
+    if (statement.TextView(0) != RowChecks::kTable) names.push_back(statement.Text(0));
   return names;
 }
 
@@ -458,11 +504,12 @@ void SqliteDatabase::CopyCompacted(const std::filesystem::path& copy) {
 // ---- Transaction
 
 void SqliteDatabase::Begin() {
-  written_.clear();
+  engine_->rows.Forget();
   Execute("BEGIN IMMEDIATE");
 }
 
 void SqliteDatabase::CommitWork() {
+  engine_->rows.Keep();
   try {
     Execute("COMMIT");
   } catch (const Failure& failure) {
@@ -476,6 +523,7 @@ void SqliteDatabase::CommitWork() {
 
 void SqliteDatabase::Rollback() noexcept {
   rolledBack_ = true;
+  engine_->rows.Forget();
   // The engine rolls back by itself after some failures (a full disk); only a transaction that is still open needs it.
   sqlite3* connection = engine_->connection.getHandle();
   if (sqlite3_get_autocommit(connection) == 0 &&

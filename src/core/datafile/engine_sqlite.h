@@ -9,6 +9,11 @@
 
 namespace vellumark {
 
+class RowChecks;
+
+/// What the engine's code of a failure means to a person.
+std::string CauseInWords(int code, const char* message);
+
 /// A Data File whose rows SQLite keeps.
 class SqliteDatabase final : public Database {
  public:
@@ -33,12 +38,14 @@ class SqliteDatabase final : public Database {
   std::vector<std::string> Faults() override;
   /// Nobody but this opening can be, since it holds the file alone.
   bool IsAtWork(std::string_view opening) const override { return opening == Opening(); }
+  RowChecks& Rows();
+  void KeepWaitingRows();
 
  protected:
   void Begin() override;
   void CommitWork() override;
   void Rollback() noexcept override;
-  std::set<std::string> WrittenTables() const override { return written_; }
+  std::set<std::string> WrittenTables() const override;
   void TakeBack(std::unique_ptr<EngineStatement> statement) noexcept override;
 
  private:
@@ -46,11 +53,11 @@ class SqliteDatabase final : public Database {
   struct Engine;
   void Connect(int flags);
   void OpenExclusive();
+  void KeepRowChecks();
   void CreateIndexes(std::string_view name, const Table& table);
 
   std::unique_ptr<Engine> engine_;
   bool rolledBack_ = false;
-  std::set<std::string> written_;  // for a witness of commits
 };
 
 }  // namespace vellumark

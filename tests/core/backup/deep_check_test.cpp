@@ -42,6 +42,7 @@ TEST(DeepCheck, FindsEachDamageAndNothingElse) {
       {"UPDATE INK_Basic SET Red = 256 WHERE Color_Name = 'WAX'", "Fields", "INK_Basic", 2},
       {"UPDATE INK_Mix SET Color_Code = '1234567890123456789012345678901'", "Fields", "INK_Mix", 1},
       {"UPDATE INK_Mix SET LastModified = '2026-02-30'", "Fields", "INK_Mix", 1},
+      {"DELETE FROM MSysRowChecks WHERE TableName = 'INK_Basic_LAB'", "Rows", "INK_Basic_LAB", 1},
       {"INSERT INTO INK_Basic (Color_Name) VALUES ('wax')", "UniqueNames", "INK_Basic", 3},
       {"INSERT INTO INK_Basic (Color_Code) VALUES ('X')", "UniqueNames", "INK_Basic", 3},
       {"INSERT INTO INK_Additives (SetName, SetList) VALUES ('Slow', '')", "UniqueNames", "INK_Additives", 2},

@@ -1,0 +1,417 @@
+#include "core/datafile/engine_row_checks.h"
+
+#include <fmt/format.h>
+#include <sqlite3.h>
+
+#include <algorithm>
+#include <array>
+#include <bit>
+#include <cstring>
+#include <utility>
+
+#include "core/base/digest.h"
+#include "core/base/refusal.h"
+#include "core/base/text.h"
+#include "core/datafile/engine_sqlite.h"
+
+namespace vellumark {
+namespace {
+
+constexpr int kBlockBits = 6;
+constexpr std::size_t kRowsOfBlock = std::size_t{1} << kBlockBits;
+
+std::int64_t BlockOf(std::int64_t key) {
+  return key >> kBlockBits;
+}
+std::size_t PlaceInBlock(std::int64_t key) {
+  return static_cast<std::size_t>(key) & (kRowsOfBlock - 1);
+}
+std::int64_t KeyAt(std::int64_t block, std::size_t place) {
+  return block * static_cast<std::int64_t>(kRowsOfBlock) + static_cast<std::int64_t>(place);
+}
+
+std::string_view BytesOf(sqlite3_value* value) {
+  const auto* bytes = static_cast<const char*>(sqlite3_value_blob(value));
+  return {bytes, static_cast<std::size_t>(sqlite3_value_bytes(value))};
+}
+
+// Of the values of a row from this column on. Nulls count for nothing, so that a field which is added to a table
+// changes no row. Never 0, which says that there is no row.
+std::uint64_t DigestOfColumns(sqlite3_stmt* row, int first) {
+  Digest digest;
+  const int columns = sqlite3_data_count(row);
+  for (int column = first; column < columns; ++column) {
+    sqlite3_value* value = sqlite3_column_value(row, column);
+    const int type = sqlite3_value_type(value);
+    if (type == SQLITE_NULL) continue;
+    const std::uint64_t place = static_cast<std::uint64_t>((column - first) * 8 + type) * 0xD6E8FEB86659FD93ULL;
+    if (type == SQLITE_INTEGER) {
+      digest.Add(static_cast<std::uint64_t>(sqlite3_value_int64(value)) ^ place);
+    } else if (type == SQLITE_FLOAT) {
+      digest.Add(std::bit_cast<std::uint64_t>(sqlite3_value_double(value)) ^ place);
+    } else {
+      digest.Add(place);
+      digest.Add(BytesOf(value));
+    }
+  }
+  return std::max<std::uint64_t>(digest.Value(), 1);
+}
+
+void BindText(sqlite3_stmt* statement, int parameter, std::string_view text) {
+  sqlite3_bind_text(statement, parameter, text.data(), static_cast<int>(text.size()), SQLITE_STATIC);
+}
+
+}  // namespace
+
+// The digests of 64 rows, in the order of their keys, and one of them all: so that a bit that flips in here is not taken
+// for one in a row.
+struct RowChecks::Record {
+  std::int64_t block = 0;
+  std::array<std::uint64_t, kRowsOfBlock + 1> sums{};
+  bool stands = false;  // in the file
+  bool sound = true;
+
+  std::uint64_t Own() const {
+    Digest digest;
+    digest.Add(static_cast<std::uint64_t>(block));
+    for (std::size_t i = 0; i < kRowsOfBlock; ++i) digest.Add(sums[i]);
+    return digest.Value();
+  }
+  void Take(std::string_view bytes) {
+    stands = true;
+    sound = bytes.size() == sizeof sums;
+    if (!sound) return;
+    std::memcpy(sums.data(), bytes.data(), sizeof sums);
+    sound = sums[kRowsOfBlock] == Own();
+  }
+  bool Empty() const {
+    return std::ranges::all_of(sums.begin(), sums.end() - 1, [](std::uint64_t sum) { return sum == 0; });
+  }
+};
+
+// A statement for one use.
+class RowChecks::Query {
+ public:
+  Query(const RowChecks& checks, const std::string& sql) : checks_(checks), made_(checks.Made(sql)) {}
+  ~Query() { sqlite3_finalize(made_); }
+  Query(const Query&) = delete;
+  Query& operator=(const Query&) = delete;
+
+  bool Step() { return checks_.Step(made_); }
+  sqlite3_stmt* get() const { return made_; }
+  std::int64_t Whole(int column) const { return sqlite3_column_int64(made_, column); }
+  std::string Text(int column) const { return std::string(BytesOf(sqlite3_column_value(made_, column))); }
+
+ private:
+  const RowChecks& checks_;
+  sqlite3_stmt* made_;
+};
+
+RowChecks::RowChecks(const std::filesystem::path& path, sqlite3* connection) : path_(path), connection_(connection) {
+  sqlite3_update_hook(connection_, OnWrite, this);
+  sqlite3_set_authorizer(connection_, OnAuthorize, this);
+}
+
+RowChecks::~RowChecks() {
+  sqlite3_update_hook(connection_, nullptr, nullptr);
+  sqlite3_set_authorizer(connection_, nullptr, nullptr);
+  for (sqlite3_stmt* statement : {read_, insert_, update_, remove_}) sqlite3_finalize(statement);
+  for (const KnownTable& table : tables_) {
+    sqlite3_finalize(table.row);
+    sqlite3_finalize(table.rows);
+  }
+}
+
+void RowChecks::Throw() const {
+  throw Failure(path_.string(), CauseInWords(sqlite3_errcode(connection_), sqlite3_errmsg(connection_)));
+}
+
+sqlite3_stmt* RowChecks::Made(const std::string& sql) const {
+  sqlite3_stmt* statement = nullptr;
+  if (sqlite3_prepare_v3(connection_, sql.data(), static_cast<int>(sql.size()), SQLITE_PREPARE_PERSISTENT, &statement,
+                         nullptr) != SQLITE_OK)
+    Throw();
+  return statement;
+}
+
+bool RowChecks::Step(sqlite3_stmt* statement) const {
+  const int code = sqlite3_step(statement);
+  if (code != SQLITE_ROW && code != SQLITE_DONE) {
+    const Failure failure(path_.string(), CauseInWords(code, sqlite3_errmsg(connection_)));
+    sqlite3_reset(statement);
+    throw failure;
+  }
+  return code == SQLITE_ROW;
+}
+
+void RowChecks::Run(sqlite3_stmt* statement) const {
+  Step(statement);
+  sqlite3_reset(statement);
+}
+
+void RowChecks::Execute(const std::string& sql) const {
+  if (sqlite3_exec(connection_, sql.c_str(), nullptr, nullptr, nullptr) != SQLITE_OK) Throw();
+}
+
+// ---- What is written
+
+void RowChecks::OnWrite(void* self, int, const char* database, const char* table, long long key) {
+  auto& checks = *static_cast<RowChecks*>(self);
+  if (std::strcmp(database, "main") != 0 || std::strncmp(table, "sqlite_", 7) == 0) return;
+  const std::size_t place = checks.PlaceOf(table);
+  checks.tables_[place].written = true;
+  if (checks.kept_) checks.written_.push_back({place, key});
+}
+
+// The engine would empty a table whole, and tell of no row, unless it is asked not to here.
+int RowChecks::OnAuthorize(void* self, int action, const char* table, const char*, const char* database, const char*) {
+  auto& checks = *static_cast<RowChecks*>(self);
+  if (action == SQLITE_DROP_TABLE) checks.dropped_.emplace_back(table);
+  if (action != SQLITE_DELETE || database == nullptr || std::strcmp(database, "main") != 0 ||
+      std::strncmp(table, "sqlite_", 7) == 0)
+    return SQLITE_OK;
+  // A table that is dropped is asked for in these words too.
+  if (!checks.dropped_.empty() && checks.dropped_.back() == table) return SQLITE_OK;
+  return SQLITE_IGNORE;
+}
+
+std::size_t RowChecks::PlaceOf(std::string_view table) {
+  if (last_ < tables_.size() && tables_[last_].name == table) return last_;
+  const auto found = std::ranges::find(tables_, table, &KnownTable::name);
+  last_ = static_cast<std::size_t>(found - tables_.begin());
+  if (found == tables_.end()) tables_.push_back({std::string(table)});
+  return last_;
+}
+
+std::set<std::string> RowChecks::WrittenTables() const {
+  std::set<std::string> names;
+  for (const KnownTable& table : tables_)
+    if (table.written) names.insert(table.name);
+  return names;
+}
+
+void RowChecks::Forget() {
+  written_.clear();
+  dropped_.clear();
+  for (KnownTable& table : tables_) table.written = false;
+}
+
+// ---- Digests
+
+bool RowChecks::Stands(std::string_view table) const {
+  Query row(*this, "SELECT 1 FROM main.sqlite_master WHERE type = 'table' AND name = ?1 COLLATE NOCASE");
+  BindText(row.get(), 1, table);
+  return row.Step();
+}
+
+bool RowChecks::StandInFile() const {
+  return Stands(kTable);
+}
+
+std::vector<std::string> RowChecks::Tables() const {
+  Query rows(*this, fmt::format("SELECT name FROM pragma_table_list WHERE schema = 'main' AND type = 'table' AND wr = 0 "
+                                "AND name NOT LIKE 'sqlite\\_%' ESCAPE '\\' AND name <> '{}' ORDER BY name",
+                                kTable));
+  std::vector<std::string> names;
+  while (rows.Step()) names.push_back(rows.Text(0));
+  return names;
+}
+
+bool RowChecks::Read(std::string_view table, std::int64_t block, Record& record) {
+  record = {block};
+  if (read_ == nullptr)
+    read_ = Made(fmt::format("SELECT Checks FROM main.{} WHERE TableName = ?1 AND Block = ?2", kTable));
+  BindText(read_, 1, table);
+  sqlite3_bind_int64(read_, 2, block);
+  if (Step(read_)) record.Take(BytesOf(sqlite3_column_value(read_, 0)));
+  sqlite3_reset(read_);
+  return record.sound;
+}
+
+void RowChecks::Write(std::string_view table, const Record& written) {
+  Record record = written;
+  record.sums[kRowsOfBlock] = record.Own();
+  const bool empty = record.Empty();
+  const char* const sql = empty           ? "DELETE FROM main.{} WHERE TableName = ?1 AND Block = ?2"
+                          : record.stands ? "UPDATE main.{} SET Checks = ?3 WHERE TableName = ?1 AND Block = ?2"
+                                          : "INSERT INTO main.{} (TableName, Block, Checks) VALUES (?1, ?2, ?3)";
+  sqlite3_stmt*& statement = empty ? remove_ : record.stands ? update_ : insert_;
+  if (statement == nullptr) statement = Made(fmt::format(fmt::runtime(sql), kTable));
+  BindText(statement, 1, table);
+  sqlite3_bind_int64(statement, 2, record.block);
+  if (!empty) sqlite3_bind_blob(statement, 3, record.sums.data(), sizeof record.sums, SQLITE_STATIC);
+  Run(statement);
+}
+
+// `rows` stand in one block and in their order. Many are read in one walk, which costs less than looking each up.
+void RowChecks::DigestRows(std::span<const Row> rows, Record& record) {
+  constexpr std::size_t kMany = 4;
+  KnownTable& table = tables_[rows.front().table];
+  const bool walk = rows.size() >= kMany;
+  sqlite3_stmt*& statement = walk ? table.rows : table.row;
+  if (statement == nullptr)
+    statement = Made(fmt::format("SELECT rowid, * FROM main.{} WHERE rowid {}", Quoted(table.name),
+                                 walk ? "BETWEEN ?1 AND ?2 ORDER BY rowid" : "= ?1"));
+  for (const Row& row : rows) record.sums[PlaceInBlock(row.key)] = 0;  // unless it is found
+  if (!walk) {
+    for (const Row& row : rows) {
+      sqlite3_bind_int64(statement, 1, row.key);
+      if (Step(statement)) record.sums[PlaceInBlock(row.key)] = DigestOfColumns(statement, 1);
+      sqlite3_reset(statement);
+    }
+    return;
+  }
+  sqlite3_bind_int64(statement, 1, rows.front().key);
+  sqlite3_bind_int64(statement, 2, rows.back().key);
+  for (auto row = rows.begin(); row != rows.end() && Step(statement);) {
+    const std::int64_t key = sqlite3_column_int64(statement, 0);
+    while (row != rows.end() && row->key < key) ++row;
+    if (row != rows.end() && row->key == key) record.sums[PlaceInBlock(key)] = DigestOfColumns(statement, 1);
+  }
+  sqlite3_reset(statement);
+}
+
+void RowChecks::Keep() {
+  if (written_.empty()) return;
+  std::ranges::sort(written_);
+  const auto twice = std::ranges::unique(written_);
+  written_.erase(twice.begin(), twice.end());
+  Record record;
+  for (auto row = written_.begin(); row != written_.end();) {
+    const std::string& table = tables_[row->table].name;
+    const std::int64_t block = BlockOf(row->key);
+    const auto end = std::find_if(row, written_.end(), [&](const Row& other) {
+      return other.table != row->table || BlockOf(other.key) != block;
+    });
+    // What cannot be relied on stays, so that the check goes on naming it.
+    if (Read(table, block, record)) {
+      DigestRows({row, end}, record);
+      if (record.stands || !record.Empty()) Write(table, record);
+    }
+    row = end;
+  }
+  written_.clear();
+}
+
+void RowChecks::KeepAll() {
+  Execute(fmt::format("CREATE TABLE IF NOT EXISTS main.{} (TableName TEXT COLLATE NOCASE, Block INTEGER, Checks BLOB, "
+                      "PRIMARY KEY (TableName, Block)) WITHOUT ROWID",
+                      kTable));
+  Execute(fmt::format("DELETE FROM main.{}", kTable));
+  for (const std::string& table : Tables()) KeepTable(table);
+  written_.clear();
+  kept_ = true;
+}
+
+void RowChecks::KeepTable(const std::string& table) {
+  Query rows(*this, fmt::format("SELECT rowid, * FROM main.{} ORDER BY rowid", Quoted(table)));
+  Record record;
+  bool any = false;
+  while (rows.Step()) {
+    const std::int64_t key = rows.Whole(0);
+    if (!any || BlockOf(key) != record.block) {
+      if (any) Write(table, record);
+      record = {BlockOf(key)};
+      any = true;
+    }
+    record.sums[PlaceInBlock(key)] = DigestOfColumns(rows.get(), 1);
+  }
+  if (any) Write(table, record);
+}
+
+void RowChecks::TableRenamed(std::string_view name, std::string_view newName) {
+  if (!kept_) return;
+  const Query rename(*this, fmt::format("UPDATE main.{} SET TableName = ?2 WHERE TableName = ?1", kTable));
+  BindText(rename.get(), 1, name);
+  BindText(rename.get(), 2, newName);
+  Run(rename.get());
+}
+
+void RowChecks::ForgetDropped() {
+  if (dropped_.empty()) return;
+  for (const std::string& name : std::exchange(dropped_, {})) {
+    if (!kept_ || Stands(name)) continue;
+    std::erase_if(written_, [&](const Row& row) { return EqualNoCase(tables_[row.table].name, name); });
+    const Query drop(*this, fmt::format("DELETE FROM main.{} WHERE TableName = ?1", kTable));
+    BindText(drop.get(), 1, name);
+    Run(drop.get());
+  }
+}
+
+// ---- The check
+
+void RowChecks::ForEachStrayRow(const std::function<void(const StrayRow&)>& found,
+                                const std::function<bool(std::int64_t done, std::int64_t all)>& goOn) {
+  const std::vector<std::string> tables = Tables();
+  std::int64_t all = 0;
+  for (const std::string& table : tables) {
+    Query count(*this, fmt::format("SELECT COUNT(*) FROM main.{}", Quoted(table)));
+    if (count.Step()) all += count.Whole(0);
+  }
+  std::int64_t done = 0;
+  for (const std::string& table : tables)
+    if (!CheckTable(table, found, [&] { return goOn(++done, all); })) return;
+  Query kept(*this, fmt::format("SELECT DISTINCT TableName FROM main.{}", kTable));
+  while (kept.Step())  // to the letter: a bit that turns over makes a small letter of a capital
+    if (const std::string table = kept.Text(0); std::ranges::find(tables, table) == tables.end())
+      found({table, 0, StrayRow::What::Gone});
+}
+
+// Rows and records side by side, both in the order of the keys.
+bool RowChecks::CheckTable(const std::string& table, const std::function<void(const StrayRow&)>& found,
+                           const std::function<bool()>& goOn) {
+  Query rows(*this, fmt::format("SELECT rowid, * FROM main.{} ORDER BY rowid", Quoted(table)));
+  Query records(*this, fmt::format("SELECT Block, Checks FROM main.{} WHERE TableName = ?1 ORDER BY Block", kTable));
+  BindText(records.get(), 1, table);
+  Record record;
+  const auto next = [&] {
+    const bool more = records.Step();
+    record = {more ? records.Whole(0) : 0};
+    if (more) record.Take(BytesOf(sqlite3_column_value(records.get(), 1)));
+    if (!record.sound) found({table, KeyAt(record.block, 0), StrayRow::What::Unknown});
+  };
+  // A digest is taken away with its row: what is left has none.
+  const auto leave = [&] {
+    for (std::size_t place = 0; record.sound && place < kRowsOfBlock; ++place)
+      if (record.sums[place] != 0) found({table, KeyAt(record.block, place), StrayRow::What::Gone});
+  };
+  next();
+  while (rows.Step()) {
+    const std::int64_t key = rows.Whole(0);
+    while (record.stands && record.block < BlockOf(key)) {
+      leave();
+      next();
+    }
+    const bool here = record.stands && record.block == BlockOf(key);
+    if (!here || record.sound) {
+      const std::uint64_t kept = here ? std::exchange(record.sums[PlaceInBlock(key)], 0) : 0;
+      if (kept != DigestOfColumns(rows.get(), 1))
+        found({table, key, kept == 0 ? StrayRow::What::Added : StrayRow::What::Changed});
+    }
+    if (!goOn()) return false;
+  }
+  while (record.stands) {
+    leave();
+    next();
+  }
+  return true;
+}
+
+// ---- For everybody
+
+bool HasRowChecks(Database& file) {
+  return dynamic_cast<SqliteDatabase&>(file).Rows().StandInFile();
+}
+
+void ForEachStrayRow(Database& file, const std::function<void(const StrayRow&)>& found,
+                     const std::function<bool(std::int64_t done, std::int64_t all)>& goOn) {
+  dynamic_cast<SqliteDatabase&>(file).Rows().ForEachStrayRow(found, goOn);
+}
+
+void AcceptRows(Database& file) {
+  Transaction transaction(file);
+  dynamic_cast<SqliteDatabase&>(file).Rows().KeepAll();
+  transaction.Commit();
+}
+
+}  // namespace vellumark

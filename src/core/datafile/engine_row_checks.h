@@ -1,0 +1,100 @@
+#pragma once
+
+#include <cstdint>
+#include <filesystem>
+#include <functional>
+#include <set>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "core/datafile/row_checks.h"
+
+struct sqlite3;
+struct sqlite3_stmt;
+
+namespace vellumark {
+
+/// The digests of the rows of one open file (see row_checks.h). They stand in a table of the engine's own, 64 rows of a
+/// table in one record, so that a change of a row costs eight bytes and a bulk change one record for many. The engine
+/// tells each row that is written, by whichever statement; before the commit the row is read again.
+class RowChecks {
+ public:
+  RowChecks(const std::filesystem::path& path, sqlite3* connection);
+  ~RowChecks();
+  RowChecks(const RowChecks&) = delete;
+  RowChecks& operator=(const RowChecks&) = delete;
+
+  static constexpr std::string_view kTable = "MSysRowChecks";
+
+  bool StandInFile() const;
+  /// From now on digests are kept: the file has them.
+  void Begin() { kept_ = true; }
+  void End() { kept_ = false; }
+  /// Makes the table unless it is there, and a digest of every row of the file. In a transaction.
+  void KeepAll();
+  /// The digests of all rows written since the last time. In the transaction of the rows.
+  void Keep();
+  /// So many rows wait that they take memory worth counting.
+  bool ManyWait() const { return written_.size() >= kManyRows; }
+  bool Waiting() const { return !written_.empty(); }
+  /// A transaction begins, or was taken back.
+  void Forget();
+  /// Those in whose rows the transaction wrote.
+  std::set<std::string> WrittenTables() const;
+
+  void TableRenamed(std::string_view name, std::string_view newName);
+  /// After a statement: tables that it dropped have no digests any more.
+  void ForgetDropped();
+
+  void ForEachStrayRow(const std::function<void(const StrayRow&)>& found,
+                       const std::function<bool(std::int64_t done, std::int64_t all)>& goOn);
+
+ private:
+  static constexpr std::size_t kManyRows = 16384;
+  struct Row {
+    std::size_t table = 0;
+    std::int64_t key = 0;
+    auto operator<=>(const Row&) const = default;
+  };
+  struct KnownTable {
+    std::string name;
+    sqlite3_stmt* row = nullptr;   // one row by its key
+    sqlite3_stmt* rows = nullptr;  // a range of them
+    bool written = false;  // in this transaction
+  };
+  struct Record;
+  class Query;
+
+  bool Stands(std::string_view table) const;
+  static void OnWrite(void* self, int what, const char* database, const char* table, long long key);
+  static int OnAuthorize(void* self, int action, const char* table, const char*, const char* database, const char*);
+  std::size_t PlaceOf(std::string_view table);
+  void DigestRows(std::span<const Row> rows, Record& record);
+  bool Read(std::string_view table, std::int64_t block, Record& record);
+  void Write(std::string_view table, const Record& record);
+  sqlite3_stmt* Made(const std::string& sql) const;
+  bool Step(sqlite3_stmt* statement) const;
+  void Run(sqlite3_stmt* statement) const;
+  void Execute(const std::string& sql) const;
+  void KeepTable(const std::string& table);
+  bool CheckTable(const std::string& table, const std::function<void(const StrayRow&)>& found,
+                  const std::function<bool()>& goOn);
+  std::vector<std::string> Tables() const;
+  [[noreturn]] void Throw() const;
+
+  const std::filesystem::path& path_;
+  sqlite3* connection_;
+  bool kept_ = false;
+  std::vector<KnownTable> tables_;
+  std::size_t last_ = 0;  // the table that was written last
+  std::vector<Row> written_;
+  std::vector<std::string> dropped_;  // or to be dropped, by the statement that is made
+  sqlite3_stmt* read_ = nullptr;
+  sqlite3_stmt* insert_ = nullptr;
+  sqlite3_stmt* update_ = nullptr;
+  sqlite3_stmt* remove_ = nullptr;
+};
+
+}  // namespace vellumark

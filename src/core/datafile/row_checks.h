@@ -1,0 +1,37 @@
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <string>
+
+#include "core/datafile/engine.h"
+
+namespace vellumark {
+
+// Every commit keeps a digest of each row that it wrote, in the engine's own part of the file: no table of the layout
+// shows it. Whoever writes into the file past this program leaves the digests as they were, and so does a bit that
+// flips on the disk; the row is then known by its digest.
+
+/// A row that is not as this program wrote it.
+struct StrayRow {
+  enum class What {
+    Changed,  ///< values are others
+    Added,
+    Gone,
+    Unknown,  ///< what was kept of this row and those around it cannot be relied on
+  };
+  std::string table;
+  std::int64_t row = 0;  ///< 0 of a whole table
+  What what = What::Changed;
+};
+
+/// Whether the file has the digests. One that an earlier program made gets them when it is first opened to be written.
+bool HasRowChecks(Database& file);
+/// Reads every row and tells the stray ones, by table and row. `goOn` hears how many rows of how many are read, and
+/// stops the reading with false.
+void ForEachStrayRow(Database& file, const std::function<void(const StrayRow&)>& found,
+                     const std::function<bool(std::int64_t done, std::int64_t all)>& goOn);
+/// Takes every row as it stands from now on.
+void AcceptRows(Database& file);
+
+}  // namespace vellumark

@@ -1,0 +1,145 @@
+#include "core/datafile/row_checks.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+
+#include "core/datafile/lifecycle.h"
+#include "support/flips.h"
+
+namespace vellumark {
+namespace {
+
+namespace fs = std::filesystem;
+
+// A Data File that others write into: the engine's common tools, as they come with Python.
+class RowChecks : public testing::Test {
+ protected:
+  RowChecks() { FillInkRoom(room, 200); }
+
+  void Close() { room.session.DataFileDB.reset(); }
+  void Open() {
+    room.session.DataFileDB = Database::Open(room.session.DataFileName, OpenMode::Exclusive);
+    room.session.DataFileDB->SetChanges(&room.session.changes);
+  }
+  void ByHand(const std::string& sql) {
+    Close();
+    const fs::path script = room.folder / "edit.py";
+    ReplaceFile(script, "import sqlite3, sys\n"
+                        "file = sqlite3.connect(sys.argv[1])\n"
+                        "file.executescript(sys.stdin.read())\n"
+                        "assert file.execute('PRAGMA integrity_check').fetchone() == ('ok',)\n");
+    ReplaceFile(room.folder / "edit.sql", sql);
+    const std::string command = "python3 '" + script.string() + "' '" + room.session.DataFileName + "' < '" +
+                                (room.folder / "edit.sql").string() + "'";
+    ASSERT_EQ(std::system(command.c_str()), 0) << sql;
+    Open();
+  }
+  /// What the rule finds, a line each.
+  std::string Stray() {
+    std::string text;
+    for (const CheckFault& fault : CheckDataFileRules(room.session, CheckDepth::Deep).faults)
+      if (fault.rule == "Rows")
+        text += fault.Table + " " + std::to_string(fault.row) + " " + fault.name + ": " + fault.what + "\n";
+    return text;
+  }
+  Database& File() { return room.session.File(); }
+
+  test::InkRoom room;
+};
+
+TEST_F(RowChecks, AHandEditIsNamedAndAccepted) {
+  EXPECT_EQ(Stray(), "");
+  ByHand("UPDATE INK_Basic SET PurchaseCost = 4.25 WHERE Color_Name = 'INK 3';"
+         "INSERT INTO INK_Mix (Color_Name, Color_Set) VALUES ('BY HAND', '');"
+         "DELETE FROM INK_Batch WHERE BatchNo = 7;"
+         "UPDATE MSysStockHistory SET Reason = 'another' WHERE ID = 2;"
+         "CREATE TABLE Mine (a, b); INSERT INTO Mine VALUES (1, 2);");
+  EXPECT_EQ(Stray(),
+            "INK_Basic 4 INK 3: The row is not as this program wrote it.\n"
+            "INK_Batch 7 : The row is gone, and this program did not remove it.\n"
+            "INK_Mix 201 BY HAND: The row was added, and not by this program.\n"
+            "MSysStockHistory 2 : The row is not as this program wrote it.\n"
+            "Mine 1 : The row was added, and not by this program.\n");
+  ByHand("DROP TABLE Mine");
+  room.session.CurrentUser = "ANN";
+  room.session.Perm_Advanced = 0;
+  EXPECT_FALSE(AcceptStrayRows(room.session));
+  room.session.Perm_Advanced = 1;
+  const auto accepted = AcceptStrayRows(room.session);
+  ASSERT_TRUE(accepted) << accepted.error().text;
+  EXPECT_EQ(accepted->rows.size(), 4U);
+  EXPECT_EQ(Stray(), "");
+  EXPECT_TRUE(AcceptStrayRows(room.session)->rows.empty());
+  room.Breaks("RollUps");  // the price by hand
+  room.Breaks("DesignUses");
+}
+
+TEST_F(RowChecks, EveryWayOfWritingKeepsThem) {
+  File().Execute("UPDATE INK_Basic SET Notes = 'outside of a transaction'");
+  {
+    Transaction transaction(File());
+    File().Execute("UPDATE INK_Mix SET Notes = 'given up'");
+    File().Execute("DELETE FROM INK_Batch WHERE BatchNo = 3");
+  }
+  {
+    const test::Arranging arranging;
+    Transaction transaction(File());
+    for (int n = 0; n < 3000; ++n)
+      InsertRow(File(), schema::BasicLab, "INK_Basic_LAB", {{"Color_Name", "INK " + std::to_string(n % 20)}});
+    File().Execute("DELETE FROM INK_Basic_LAB WHERE RowKey % 3 = 0");
+    File().Execute("UPDATE INK_Mix SET Notes = Notes || '.'");
+    File().RenameTable("INK_Basic_LAB", "RED_Basic_LAB", schema::BasicLab);
+    File().CreateTable("INK_Basic_LAB", schema::BasicLab);
+    InsertRow(File(), schema::BasicLab, "INK_Basic_LAB", {{"Color_Name", "INK 1"}});
+    transaction.Commit();
+  }
+  File().Execute("DELETE FROM INK_Batch");  // the engine would empty it without a look at its rows
+  File().Execute("ALTER TABLE INK_Batch ADD COLUMN Extra TEXT");
+  Close();
+  Open();
+  EXPECT_EQ(Stray(), "");
+  CompactFile(File());
+  Close();
+  ByHand("UPDATE RED_Basic_LAB SET Lab_Note = 'x' WHERE RowKey = 2999;"
+         "UPDATE INK_Basic_LAB SET Lab_Note = 'x' WHERE RowKey = 1;"
+         "INSERT INTO INK_Batch (BatchNo) VALUES (1)");
+  EXPECT_EQ(Stray(),
+            "INK_Basic_LAB 1 INK 1: The row is not as this program wrote it.\n"
+            "INK_Batch 1 : The row was added, and not by this program.\n"
+            "RED_Basic_LAB 2999 : The row is not as this program wrote it.\n");
+  File().DropTable("RED_Basic_LAB");
+  File().Execute("DELETE FROM INK_Batch");
+  File().Execute("UPDATE INK_Basic_LAB SET Lab_Note = ''");
+  EXPECT_EQ(Stray(), "") << "what this program writes it knows";
+}
+
+TEST_F(RowChecks, AFileOfAnEarlierProgramGetsThemAndADamagedRecordIsNoRow) {
+  Close();
+  ByHand("DROP TABLE MSysRowChecks; UPDATE INK_Mix SET Notes = 'before' WHERE RowKey = 5");
+  EXPECT_EQ(Stray(), "");
+  ByHand("UPDATE INK_Mix SET Notes = 'after' WHERE RowKey = 5");
+  EXPECT_EQ(Stray(), "INK_Mix 5 MIX 4: The row is not as this program wrote it.\n");
+
+  // A digest itself is damaged: no row is called changed, and no save of one of them hides it.
+  ByHand("UPDATE INK_Mix SET Notes = 'before' WHERE RowKey = 5;"
+         "UPDATE MSysRowChecks SET Checks = zeroblob(length(Checks)) WHERE TableName = 'INK_Mix' AND Block = 1");
+  const std::string damaged =
+      "INK_Mix 64 MIX 63: What this program keeps to know this row and those behind it by is damaged.\n";
+  EXPECT_EQ(Stray(), damaged);
+  File().Execute("UPDATE INK_Mix SET Notes = 'saved' WHERE RowKey = 70");
+  EXPECT_EQ(Stray(), damaged);
+  ASSERT_TRUE(AcceptStrayRows(room.session));
+  EXPECT_EQ(Stray(), "");
+}
+
+TEST(Flips, ABitThatTurnsOverIsNoticed) {
+  test::InkRoom room;
+  FillInkRoom(room, 20);
+  room.session.DataFileDB.reset();
+  test::FlippedFile file(room.session.DataFileName);
+  test::ExpectNoticed(file, 120, 8);
+}
+
+}  // namespace
+}  // namespace vellumark
