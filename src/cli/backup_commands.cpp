@@ -1,15 +1,18 @@
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <filesystem>
 #include <memory>
 #include <system_error>
 
 #include "cli/frame.h"
 #include "cli/seams.h"
+#include "core/backup/backup_days.h"
 #include "core/backup/backup_set.h"
 #include "core/base/refusal.h"
 #include "core/datafile/lifecycle.h"
 #include "core/shell/backups.h"
+#include "core/shell/settings_restore.h"
 
 namespace vellumark::cli {
 namespace fs = std::filesystem;
@@ -17,14 +20,6 @@ namespace {
 
 std::string Absolute(const std::string& typed) {
   return fs::absolute(typed).lexically_normal().string();
-}
-
-// The folder of the automatic backups, unless another one is named.
-Result<fs::path> FolderOfSets(const Context& context, const std::string& typed) {
-  if (!typed.empty()) return fs::path(Absolute(typed));
-  if (context.dataFile.empty())
-    return Refuse("Backup", "No Data File is known yet. Name the folder of the sets with --in, or the file with --file.");
-  return fs::path(context.dataFile).parent_path() / kAutoBackupFolder;
 }
 
 Json FaultsJson(const std::vector<std::string>& faults) {
@@ -55,21 +50,45 @@ Result<Json> MakeBackup(Context& context, const std::string& to) {
   return answer;
 }
 
+Json SetJson(const std::string& place, const BackupSet& set) {
+  return {{"Set", set.folder.string()},
+          {"Place", place},
+          {"Made", set.made.ToText()},
+          {"DataFile", set.dataFile.filename().string()},
+          {"Formulas", set.proof ? Json(set.proof->content.Formulas()) : Json()},
+          {"Batches", set.proof ? Json(set.proof->content.Batches()) : Json()},
+          {"Verified", set.proof ? Json(set.proof->content.Sound()) : Json()}};
+}
 
+// The oldest first.
 Result<Json> ListBackups(Context& context, const std::string& in) {
-  const auto folder = FolderOfSets(context, in);
-  if (!folder) return std::unexpected(folder.error());
   Json sets = Json::array();
-  for (const BackupSet& set : ListSets(*folder)) {
-    sets.push_back({{"Set", set.folder.string()},
-                    {"Made", set.made.ToText()},
-                    {"DataFile", set.dataFile.filename().string()},
-                    {"Formulas", set.proof ? Json(set.proof->content.Formulas()) : Json()},
-                    {"Batches", set.proof ? Json(set.proof->content.Batches()) : Json()},
-                    {"Verified", set.proof ? Json(set.proof->content.Sound()) : Json()}});
+  if (!in.empty()) {
+    const fs::path folder = Absolute(in);
+    for (const BackupSet& set : ListSets(folder)) sets.push_back(SetJson(folder.string(), set));
+    if (sets.empty()) context.text = fmt::format("There is no backup in {}.\n", folder.string());
+    return sets;
   }
-  if (sets.empty()) context.text = fmt::format("There is no backup in {}.\n", folder->string());
+  if (context.dataFile.empty())
+    return Refuse("Backup", "No Data File is known yet. Name the folder of the sets with --in, or the file with --file.");
+  context.session.DataFileName = context.dataFile;
+  BackupDays known = DaysToGoBackTo(context.session);
+  for (const std::string& unreadable : known.unreadable) WriteError(unreadable + ".\n");
+  std::ranges::reverse(known.days);
+  for (const BackupDay& day : known.days) sets.push_back(SetJson(day.place, day.set));
+  if (sets.empty()) context.text = fmt::format("There is no backup of {}.\n", context.dataFile);
   return sets;
+}
+
+Json SinceJson(const std::vector<MadeSince>& all) {
+  Json list = Json::array();
+  for (const MadeSince& since : all)
+    list.push_back({{"Database", since.database},
+                    {"Batches", since.batches},
+                    {"Formulas", since.formulas},
+                    {"Changed", since.changed},
+                    {"Jobs", since.jobs}});
+  return list;
 }
 
 Result<Json> VerifyBackup(Context& context, const std::string& typed) {
@@ -120,7 +139,8 @@ Result<Json> RestoreBackup(Context& context, const std::string& typed) {
   return Json{{"DataFileName", session.DataFileName},
               {"From", source->string()},
               {"Kept", restored->kept.empty() ? Json() : Json(restored->kept.string())},
-              {"Photos", restored->photos.size()}};
+              {"Photos", restored->photos.size()},
+              {"Since", SinceJson(restored->since)}};
 }
 
 Result<Json> RestoreSettings(Context& context, const std::string& typed) {
@@ -143,9 +163,9 @@ void AddBackupCommands(CLI::App& app, Commands& commands) {
   make->footer("Exit status 4 when the set was made but its Data File is not sound.");
   commands.Add(make, Needs::Writable, [to](Context& context) { return MakeBackup(context, *to); });
 
-  auto* list = noun->add_subcommand("list", "The sets of a folder, the oldest first");
+  auto* list = noun->add_subcommand("list", "The days that one can go back to, the oldest first");
   const auto in = std::make_shared<std::string>();
-  list->add_option("--in", *in, "The folder; Auto Backup beside the Data File when left out")->check(NotEmpty);
+  list->add_option("--in", *in, "The sets of this folder alone; all that are known of the Data File when left out")->check(NotEmpty);
   commands.Add(list, Needs::Nothing, [in](Context& context) { return ListBackups(context, *in); });
 
   auto* verify = noun->add_subcommand("verify", "Read a set again, all of it, and compare it with its proof");

@@ -1,10 +1,13 @@
-// Backup and restore killed at every one of their file operations, and each of these failing in turn: a set is whole or
-// not there, the Data File is what it was or what the set holds, and the next try works.
+// Backup, pruning, restore and restore of settings killed at every one of their file operations, and each of these failing
+// in turn: a set is whole or not there, the Data File is what it was or what the set holds, and the next try works.
 
 #include <gtest/gtest.h>
 
+#include <map>
+
 #include "core/backup/backup_set.h"
 #include "core/base/files.h"
+#include "core/settings/support_files.h"
 #include "support/snapshot.h"
 #include "support/struck_room.h"
 
@@ -111,6 +114,74 @@ TEST_F(BackupSteps, Repair) {
     EXPECT_GT(points, 100);
     if (!damaged) ReplaceFile(file, bytes);
   }
+}
+
+TEST_F(BackupSteps, RestoreSettings) {
+  room.Json({"settings", "set", "DecimalPlaces", "4"});
+  KeepState();
+  const Words restore{"--yes", "--now", "2026-03-10 09:00:00", "backup", "restore-settings", set.string()};
+  const auto files = [&] {
+    std::map<std::string, std::string> contents;
+    for (const auto& entry : fs::directory_iterator(room.folder / "VKDat"))
+      if (entry.path().extension() == ".dat") contents[entry.path().filename()] = ReadFileBytes(entry.path());
+    return contents;
+  };
+  const auto before = files();
+  ASSERT_EQ(room.Run(restore).status, 0);
+  const auto after = files();
+  ASSERT_EQ(after.size(), 5U);
+  ASSERT_NE(before, after);
+  const int points = Strike(restore, 1, [&] {
+    room.Json({"settings", "list"});  // the start goes on with what was settled
+    ASSERT_TRUE(files() == before || files() == after);
+    ASSERT_EQ(room.Run(restore).status, 0);
+    ASSERT_EQ(files(), after);
+    for (const auto& entry : fs::directory_iterator(room.folder / "VKDat"))
+      ASSERT_FALSE(entry.path().filename().string().starts_with(".restored") ||
+                   entry.path().filename().string().starts_with(".settings"))
+          << entry.path();
+  });
+  EXPECT_GT(points, 100);
+}
+
+// The closing of a day with thirty sets: no strike takes one away before the new one stands.
+TEST_F(BackupSteps, Prune) {
+  const fs::path automatic = room.folder / kAutoBackupFolder;
+  for (int day = 1; day <= 30; ++day) {
+    const fs::path old = automatic / SetName({2025, 1, day, 8, 0, 0});
+    fs::create_directories(old);
+    ReplaceFile(old / "Ink.vkd", "as it was");
+  }
+  KeepState();
+  const auto close = [&]() -> int {
+    test::ScriptedPrompt prompt;
+    NoProgress progress;
+    FixedClock clock{DateTime{2026, 3, 10, 17, 0, 0}};
+    Session session{prompt, progress, clock};
+    session.support = std::make_unique<SupportFiles>(room.folder / "VKDat");
+    session.DataFileName = file.string();
+    test::MarkStep();
+    return MakeBackupSet(session, file, automatic, kAutomaticSets).notRemoved.empty() ? 0 : 1;
+  };
+  const int points = StrikeWork(
+      [&]() -> int {
+        try {
+          return close();
+        } catch (const Failure&) {
+          return 2;
+        }
+      },
+      1, [&] {
+        const auto sets = ListSets(automatic);
+        const bool made = sets.back().made.year == 2026;
+        ASSERT_TRUE(sets.size() == 30U || (sets.size() == 31U && made)) << sets.size();
+        ASSERT_EQ(sets.front().made.day, sets.size() == 30U && made ? 2 : 1);
+        for (const BackupSet& one : sets)
+          ASSERT_TRUE(one.made.year == 2026 || ReadFileBytes(one.dataFile) == "as it was") << one.folder;
+        ASSERT_TRUE(!made || room.Run({"backup", "verify", sets.back().folder.string()}).status == 0);
+      },
+      {test::kKilled, ENOSPC, kFullFromThereOn, EIO});
+  EXPECT_GT(points, 100);
 }
 
 }  // namespace

@@ -14,6 +14,7 @@ namespace vellumark::test {
 class StruckRoom : public testing::Test {
  protected:
   using Words = std::vector<std::string>;
+  static constexpr int kFullFromThereOn = -ENOSPC;  ///< the disk is full, and stays it
 
   /// What every strike begins with.
   void KeepState() { Copy(room.folder.Path(), pristine_.Path()); }
@@ -21,12 +22,18 @@ class StruckRoom : public testing::Test {
   /// `look` sees what each strike left. Every `stride`th operation is struck; how many there were.
   int Strike(const Words& words, int stride, const std::function<void()>& look,
              std::initializer_list<int> errors = {kKilled, ENOSPC, EIO}) {
+    return StrikeWork([&]() -> int { room.Become(words, "/dev/null", MarkStep); }, stride, look, errors);
+  }
+  /// The same of work in a child of this process, which sets the mark itself.
+  int StrikeWork(const std::function<int()>& work, int stride, const std::function<void()>& look,
+                 std::initializer_list<int> errors = {kKilled, ENOSPC, EIO}) {
     int points = 0;
     for (const int error : errors)
       for (int nth = 1;; nth += stride) {
         Copy(pristine_.Path(), room.folder.Path());
-        const auto program = [&]() -> int { room.Become(words, "/dev/null", MarkStep); };
-        if (!RunStruck(nth, error, program).struck) break;
+        const bool full = error == kFullFromThereOn;
+        if (!RunStruck(nth, full ? ENOSPC : error, work, full ? test::Strike::FromThereOn : test::Strike::Once).struck)
+          break;
         ++points;
         SCOPED_TRACE(std::to_string(nth) + " with " + std::to_string(error));
         look();

@@ -73,10 +73,12 @@ void RemoveSet(const fs::path& folder) {
   FailOn(going, error);
 }
 
-void PruneSets(const fs::path& target, const fs::path& dataFileName, std::size_t keep) {
+// The set that gives way to a new one; none when more were there, and none when fewer.
+std::optional<BackupSet> OldestOf(const fs::path& target, const fs::path& dataFileName, std::size_t keep) {
   std::vector<BackupSet> sets = ListSets(target);
   std::erase_if(sets, [&](const BackupSet& set) { return set.dataFile.filename() != dataFileName; });
-  if (sets.size() == keep) RemoveSet(sets.front().folder);
+  if (sets.size() != keep) return std::nullopt;
+  return sets.front();
 }
 
 // What a killed program left beside the file is played back, by whoever opens it first.
@@ -95,7 +97,6 @@ class SetMaker {
     CollectFiles();
     SetProof proof{source_.filename().string(), made, VELLUMARK_VERSION, session_.UMI, {}, {}};
     for (const auto& [from, name] : files_) {
-      MakeFolder((folder_ / name).parent_path());
       session_.progress.Percent(50.0 * static_cast<double>(proof.files.size()) / static_cast<double>(files_.size()));
       proof.files.push_back(CopyProved(from, folder_ / name, name));
       // From the disk again, and not what this process remembers of it.
@@ -233,10 +234,11 @@ BackupSet MakeBackupSet(Session& session, const fs::path& source, const fs::path
   set.made = FreeTime(target, session.clock.Now());
   set.folder = target / SetName(set.made);
   const fs::path unfinished = target / ("." + SetName(set.made));
+  std::optional<BackupSet> oldest;
   MakeFolder(unfinished);
   try {
     set.proof = SetMaker(session, source, unfinished).Make(set.made);
-    if (keep) PruneSets(target, source.filename(), *keep);
+    if (keep) oldest = OldestOf(target, source.filename(), *keep);
     RenameToFree(unfinished, set.folder);
   } catch (...) {
     std::error_code ignored;
@@ -244,6 +246,11 @@ BackupSet MakeBackupSet(Session& session, const fs::path& source, const fs::path
     throw;
   }
   set.dataFile = set.folder / source.filename();
+  try {
+    if (oldest) RemoveSet(oldest->folder);
+  } catch (const Failure& failure) {
+    set.notRemoved = fmt::format("{}: {}", failure.subject, failure.cause);
+  }
   return set;
 }
 
@@ -276,6 +283,11 @@ std::optional<BackupSet> ShutdownBackup(Session& session, std::string_view label
     if (!MayBeBackedUp(session, file)) return std::nullopt;
     MakeFolder(file.parent_path() / kPhotoFolderOfSet);
     BackupSet set = MakeBackupSet(session, file, file.parent_path() / kAutoBackupFolder, kAutomaticSets);
+    if (!set.notRemoved.empty())
+      session.prompt.Tell("Backup",
+                          fmt::format("The automatic backup is made, but the oldest one could not be removed.\n{}.",
+                                      set.notRemoved),
+                          Icon::Exclamation);
     if (label != "AutoBackup") session.prompt.Tell("Backup Complete", "Backup Completed Successfully!");
     return set;
   } catch (const Failure& failure) {

@@ -16,6 +16,7 @@ namespace vellumark {
 // made, after its Data File was opened from it and checked.
 
 inline constexpr std::string_view kAutoBackupFolder = "Auto Backup";  ///< beside the Data File
+inline constexpr std::string_view kBeforeRestore = "Before Restore ";  ///< begins the folders of what was replaced
 inline constexpr std::string_view kSupportFolderOfSet = "SUV_Files";
 inline constexpr std::string_view kPhotoFolderOfSet = "DesignPhotos";
 inline constexpr std::string_view kProofFile = "VERIFY.json";
@@ -33,6 +34,7 @@ struct BackupSet {
   DateTime made;
   std::filesystem::path dataFile;
   std::optional<SetProof> proof;  ///< nothing of a set that was made without one, or whose proof cannot be read
+  std::string notRemoved;         ///< of a set just made: which old one should have given way and stayed, and why
 };
 
 /// The whole sets of a folder, the oldest first. Throws Failure when the folder cannot be read; one that is not there
@@ -43,7 +45,7 @@ Result<BackupSet> ReadSet(const std::filesystem::path& folder);
 
 /// Makes a set of a Data File that nobody has open, with the Support Files and the photos beside it, in `target`. A
 /// journal that a killed program left is played back first. With `keep`, and when just so many sets of a Data File of
-/// this name are there, the oldest is removed before the new one takes its name. Nothing but what was there remains after
+/// this name were there, the oldest is removed when the new one has its name. Nothing but what was there remains after
 /// a Failure. A Data File with faults is backed up too; the proof tells them.
 BackupSet MakeBackupSet(Session& session, const std::filesystem::path& source, const std::filesystem::path& target,
                         std::optional<std::size_t> keep = {});

@@ -47,11 +47,9 @@ class KeptFiles {
     MakeFolder(folder_);
     try {
       if (Exists(current)) KeepDataFile();
-      if (Exists(JournalOf(current)))
-        CopyProved(JournalOf(current), folder_ / JournalOf(current).filename(), "journal");
+      if (Exists(JournalOf(current))) Keep(JournalOf(current), folder_ / JournalOf(current).filename());
       if (!photos.empty()) MakeFolder(folder_ / kPhotoFolderOfSet);
-      for (const fs::path& photo : photos)
-        CopyProved(photo, folder_ / kPhotoFolderOfSet / photo.filename(), photo.filename().string());
+      for (const fs::path& photo : photos) Keep(photo, folder_ / kPhotoFolderOfSet / photo.filename());
     } catch (...) {
       Undo();
       throw;
@@ -70,9 +68,20 @@ class KeptFiles {
   }
 
  private:
+  // Whatever takes the place of a file is another one, so that a second name keeps it as well as a copy does and costs
+  // nothing. Not every disk knows second names.
+  static void Keep(const fs::path& file, const fs::path& kept) {
+    std::error_code error;
+    fs::create_hard_link(file, kept, error);
+    if (error) {
+      CopyProved(file, kept, file.filename().string());
+    } else {
+      SyncFolder(kept.parent_path());
+    }
+  }
   void KeepDataFile() {
     try {
-      CopyProved(current_, folder_ / current_.filename(), current_.filename().string());
+      Keep(current_, folder_ / current_.filename());
     } catch (const Failure& failure) {
       if (failure.subject != current_.string()) throw;
       RenameToFree(current_, folder_ / current_.filename());
@@ -135,7 +144,7 @@ void MakeCurrent(const fs::path& copy, const fs::path& replaced) {
 void CopyBeside(FileBeside& place, const fs::path& source) {
   // Through the engine when something is left to play back; a set has nothing, and stays as it was proven.
   if (Exists(JournalOf(source))) ReadFileInfo(*Database::Open(source, OpenMode::Exclusive));
-  place.Write(ReadFileBytes(source));
+  ReadProved(source, source.filename().string(), [&](std::string_view piece) { place.Write(piece); });
 }
 
 }  // namespace

@@ -4,6 +4,7 @@
 #include <string>
 #include <vector>
 
+#include "core/backup/backup_days.h"
 #include "core/backup/proof.h"
 #include "core/session/session.h"
 
@@ -19,6 +20,7 @@ enum class RestoreFrom {
 struct RestoredFiles {
   std::filesystem::path kept;       ///< the folder in which what was there before is kept; empty when nothing was
   std::vector<std::string> photos;  ///< names that came with the source, in the order of their names
+  std::vector<MadeSince> since;     ///< told when the restored file is open
   bool hadPhotoFolder = false;      ///< of the source: without one the photos that are there stay
 };
 

@@ -2,9 +2,7 @@
 
 #include <fmt/format.h>
 
-#include <array>
 #include <system_error>
-#include <utility>
 
 #include "core/base/files.h"
 #include "core/base/progress_run.h"
@@ -14,8 +12,6 @@
 #include "core/datafile/lifecycle.h"
 #include "core/session/acts.h"
 #include "core/session/settings.h"
-#include "core/settings/ladder.h"
-#include "core/settings/support_files.h"
 #include "core/shell/data_files.h"
 #include "core/shell/previous_file.h"
 #include "core/shell/startup.h"
@@ -68,7 +64,9 @@ Result<SetCheck> CheckSource(Session& session, const fs::path& source) {
   if (set && set->dataFile == source && (set->proof || TimeOfSet(source.parent_path().filename().string())))
     return VerifySet(session, *set);
   const ProgressRun progress(session.progress, "Checking backup ...");
-  SetCheck check{{source.parent_path(), {}, source, std::nullopt}, {}, {}};
+  SetCheck check;
+  check.set.folder = source.parent_path();
+  check.set.dataFile = source;
   try {
     check.content = ProveContent(session, source);
     check.faults = check.content.faults;
@@ -133,67 +131,6 @@ void ChoosePlace(Session& session) {
   if (fs::exists(place, ignored)) place = NextFreeName(place);
   MakeFolder(session.ProgramFolder);
   session.DataFileName = place.string();
-}
-
-// Copies of a set's Support Files, brought to the present version.
-class ClimbedFiles {
- public:
-  ClimbedFiles(const fs::path& dataFolder, const fs::path& from)
-      : folder_(dataFolder / ".restored settings"), files_(folder_) {
-    Remove();
-    MakeFolder(folder_);
-    try {
-      for (const SupportFile* file : All(files_)) {
-        std::error_code ignored;
-        const fs::path source = from / file->Path().filename();
-        if (fs::exists(source, ignored)) ReplaceFile(file->Path(), ReadFileBytes(source), Readers::Group);
-      }
-      WriteMissingSupportFiles(files_);
-      RunLadder(files_, nullptr);
-    } catch (...) {
-      Remove();
-      throw;
-    }
-  }
-  ~ClimbedFiles() { Remove(); }
-  ClimbedFiles(const ClimbedFiles&) = delete;
-  ClimbedFiles& operator=(const ClimbedFiles&) = delete;
-
-  SupportFiles& Files() { return files_; }
-  static std::array<const SupportFile*, 5> All(const SupportFiles& files) {
-    return {&files.settings, &files.scale, &files.label, &files.hazardLabel, &files.formulaLabel};
-  }
-
- private:
-  void Remove() const {
-    std::error_code ignored;
-    fs::remove_all(folder_, ignored);
-  }
-
-  fs::path folder_;
-  SupportFiles files_;
-};
-
-// The present files give way to the climbed ones; all of them, or none.
-void TakeSupportFiles(Session& session, SupportFiles& climbed) {
-  const fs::path kept = session.BackupsFolder / ("Before " + SetName(session.clock.Now()));
-  MakeFolder(kept);
-  const auto mine = ClimbedFiles::All(*session.support);
-  const auto theirs = ClimbedFiles::All(climbed);
-  std::vector<std::pair<const SupportFile*, std::string>> before;
-  const FolderLock lock(session.DataFolder);
-  for (const SupportFile* file : mine)
-    if (file->Exists()) {
-      before.emplace_back(file, ReadFileBytes(file->Path()));
-      ReplaceFile(kept / file->Path().filename(), before.back().second, Readers::Group);
-    }
-  try {
-    for (std::size_t i = 0; i < mine.size(); ++i)
-      if (theirs[i]->Exists()) ReplaceFile(mine[i]->Path(), ReadFileBytes(theirs[i]->Path()), Readers::Group);
-  } catch (...) {
-    for (const auto& [file, bytes] : before) ReplaceFile(file->Path(), bytes, Readers::Group);
-    throw;
-  }
 }
 
 }  // namespace
@@ -263,36 +200,16 @@ Result<RestoredFiles> RestoreDataFile(Session& session, const fs::path& typedSou
   StoreDefaultDataFile(session, session.DataFileName);
   OpenDataFile(session, windows);
   RemovePhotosOfNobody(session, restored);
-  session.prompt.Tell("Restore Complete", "Restore Completed Successfully!");
-  return restored;
-}
-
-Result<bool> RestoreSupportFiles(Session& session, const fs::path& folder) {
-  if (auto allowed = RequireAct(session, Act::DataFiles); !allowed) return std::unexpected(allowed.error());
-  std::error_code ignored;
-  if (!fs::exists(folder / session.support->settings.Path().filename(), ignored))
-    return Refuse("Select a Support File",
-                  fmt::format("There are no Support Files in {}.", folder.string()), "DIR");
-  ClimbedFiles climbed(session.DataFolder, folder);
-  SupportRecords settings = climbed.Files().settings.Read();
-  const int unit = ParseUnit(settings.Get(setting::UMI.key)).value_or(session.UMI);
-  if (unit != session.UMI) {
-    const bool takes = session.prompt.Ask(
-        "Restore Unit",
-        fmt::format("In these Support Files stock is kept in {}, here in {}. The figures of stock are not converted.\n\n"
-                    "'Yes' - Keep stock in {} from now on.\n'No' - Restore the rest and stay with {}.",
-                    UnitName(unit), UnitName(session.UMI), UnitName(unit), UnitName(session.UMI)),
-        Answer::No);
-    if (!takes) settings.Set(setting::UMI.key, std::to_string(session.UMI));
+  std::string text = "Restore Completed Successfully!";
+  if (session.DataFileDB && !restored.kept.empty()) {
+    restored.since = MadeSinceThen(restored.kept / fs::path(session.DataFileName).filename(), session.File());
+    if (!restored.since.empty())
+      text += fmt::format("\n\nWhat had been made since that backup is not in this file any more:{}\n\nThe file that holds "
+                          "it is kept in\n{}",
+                          MadeSinceText(restored.since), restored.kept.string());
   }
-  settings.Set(setting::DbFileName50.key, session.DataFileName);
-  climbed.Files().settings.Write(settings);
-  const ProgressRun progress(session.progress, "Restoring Support Files ...");
-  TakeSupportFiles(session, climbed.Files());
-  ReadSettings(session);
-  session.changes.Tell({{Change::Kind::Settings, "", "", Change::What::All, ""}});
-  session.prompt.Tell("Restore Complete", "Support Files - Restore Completed Successfully!");
-  return true;
+  session.prompt.Tell("Restore Complete", text);
+  return restored;
 }
 
 }  // namespace vellumark

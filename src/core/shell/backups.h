@@ -39,9 +39,4 @@ void StoreReminderAnswer(Session& session, const ReminderAnswer& answer);
 Result<RestoredFiles> RestoreDataFile(Session& session, const std::filesystem::path& source, RestoreFrom from,
                                       OpeningWindows& windows);
 
-/// Takes the settings and label layouts of a backup's SUV_Files over: they climb to the present version on a copy, then
-/// take the place of the present ones, which are kept in the Backups folder. Which Data File is used stays as it is. Where
-/// the unit of stock differs it is asked for. False when the operator declined.
-Result<bool> RestoreSupportFiles(Session& session, const std::filesystem::path& folder);
-
 }  // namespace vellumark

@@ -9,6 +9,7 @@
 #include "core/datafile/databases.h"
 #include "core/session/settings.h"
 #include "core/shell/data_files.h"
+#include "core/shell/settings_restore.h"
 
 namespace vellumark {
 namespace fs = std::filesystem;
@@ -75,6 +76,7 @@ bool PrepareSupportFiles(Session& session, const Folders& folders) {
   session.ProgramFolder = folders.program;
   session.ShippedFolder = folders.shipped;
   MakeDataFolder(folders.data);
+  FinishSettingsRestore(folders.data);
   session.support = std::make_unique<SupportFiles>(folders.data);
   const WrittenSupportFiles written = WriteMissingSupportFiles(*session.support);
   session.DataFileName = GetSetting(session, setting::DbFileName50);

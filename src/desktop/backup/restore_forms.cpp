@@ -9,6 +9,7 @@
 
 #include "core/session/settings.h"
 #include "core/shell/backups.h"
+#include "core/shell/settings_restore.h"
 #include "desktop/datafile/file_windows.h"
 #include "desktop/kit/text.h"
 
@@ -78,35 +79,38 @@ RestoreAutomaticForm::RestoreAutomaticForm(WindowList& windowList, QWidget* owne
   list_ = new QTreeWidget;
   list_->setObjectName("lstSets");
   list_->setAccessibleName(tr("Backups"));
-  list_->setHeaderLabels({tr("Made"), tr("Data File"), tr("Formulas"), tr("Batches"), tr("Proof")});
+  list_->setHeaderLabels({tr("Made"), tr("Data File"), tr("Formulas"), tr("Batches"), tr("Proof"), tr("Kept in")});
   list_->setRootIsDecorated(false);
   list_->setUniformRowHeights(true);
   list_->setAllColumnsShowFocus(true);
   list_->setTabKeyNavigation(false);
   form.Wide(list_, 1);
+  BackupDays known = DaysToGoBackTo(session);
+  for (const std::string& unreadable : known.unreadable) QuietParagraph(form, Q(unreadable));
   form.Buttons({continue_ = form.Button("cmdContinue", tr("C&ontinue")), verify_ = form.Button("cmdVerify", tr("&Verify")),
                 form.Button("cmdCancel", tr("Cancel"))});
   connect(list_, &QTreeWidget::currentItemChanged, this, [this] { Changed(); });
 
-  sets_ = ListSets(std::filesystem::path(U8(AutoBackupFolder(session))));
-  std::ranges::reverse(sets_);
-  for (const BackupSet& set : sets_) {
+  days_ = std::move(known.days);
+  for (const BackupDay& day : days_) {
+    const BackupSet& set = day.set;
     const ContentProof held = set.proof ? set.proof->content : ContentProof{};
     const auto count = [&](std::int64_t n) { return set.proof ? locale().toString(static_cast<qlonglong>(n)) : QString(); };
     auto* item = new QTreeWidgetItem(list_, {TimeText(set.made), Q(set.dataFile.filename().string()), count(held.Formulas()),
-                                             count(held.Batches()), ProofWords(set)});
+                                             count(held.Batches()), ProofWords(set), Q(day.place)});
     for (const int figure : {2, 3}) item->setTextAlignment(figure, Qt::AlignRight | Qt::AlignVCenter);
     item->setToolTip(0, Q(set.folder.string()));
+    item->setToolTip(5, Q(set.folder.string()));
   }
   for (int column = 0; column < list_->columnCount(); ++column) list_->resizeColumnToContents(column);
-  if (!sets_.empty()) list_->setCurrentItem(list_->topLevelItem(0));
+  if (!days_.empty()) list_->setCurrentItem(list_->topLevelItem(0));
   list_->setFocus();
   resize(720, 480);
 }
 
 const BackupSet* RestoreAutomaticForm::Chosen() const {
   QTreeWidgetItem* item = list_->currentItem();
-  return item == nullptr ? nullptr : &sets_[static_cast<std::size_t>(list_->indexOfTopLevelItem(item))];
+  return item == nullptr ? nullptr : &days_[static_cast<std::size_t>(list_->indexOfTopLevelItem(item))].set;
 }
 
 void RestoreAutomaticForm::UpdateEnabled() {

@@ -2,7 +2,7 @@
 
 #include <vector>
 
-#include "core/backup/backup_set.h"
+#include "core/backup/backup_days.h"
 #include "core/backup/restore.h"
 #include "core/shell/startup.h"
 #include "desktop/datafile/file_choice.h"
@@ -40,7 +40,7 @@ class RestoreFileLocationForm : public RestoreForm {
   FileChooser choose_;
 };
 
-/// Restore of one of the automatic backups, the latest first, with what each holds.
+/// Restore of one of the days that one can go back to, the latest first, with what each holds and where it is kept.
 class RestoreAutomaticForm : public RestoreForm {
   Q_OBJECT
 
@@ -57,7 +57,7 @@ class RestoreAutomaticForm : public RestoreForm {
  private:
   const BackupSet* Chosen() const;
 
-  std::vector<BackupSet> sets_;
+  std::vector<BackupDay> days_;
   QTreeWidget* list_;
   CommandButton* continue_;
   CommandButton* verify_;

@@ -111,6 +111,7 @@ TEST_F(BackupSets, WhatChangedBehindItsBackIsNamed) {
   bytes[bytes.find("keep me")] ^= 1;  // one bit of one stored value, which no rule of the engine sees
   Write(set.dataFile, bytes);
   EXPECT_EQ(faults(), "Ink.vkd: the file is not what it was when the set was made\n"
+                      "INK_Basic, row 1 (RED): The row is not as this program wrote it. [Rows]\n"
                       "INK_Basic: values are not those of when the set was made\n");
   Write(set.dataFile, sound.substr(0, sound.size() / 2));
   EXPECT_NE(faults().find("Ink.vkd"), std::string::npos);
@@ -166,6 +167,54 @@ TEST_F(BackupSets, WhatFailsLeavesTheSetsAsTheyWere) {
   EXPECT_TRUE(VerifySet(room.session, before).faults.empty());
   Make();
   EXPECT_FALSE(fs::exists(target / ".VK_Backup_01_01_2026__08_00_00"));
+}
+
+TEST_F(BackupSets, WhatAKilledProgramLeftBesideTheFileIsPlayedBackFirst) {
+  const pid_t child = ::fork();
+  if (child == 0) {
+    const auto opened = Database::Open(file, OpenMode::Exclusive);
+    opened->Execute("PRAGMA cache_size = 5");  // so that pages reach the file before the commit
+    Transaction transaction(*opened);
+    for (int n = 0; n < 500; ++n)
+      opened->Execute("INSERT INTO INK_Basic (Color_Name, Notes) VALUES ('LOST " + std::to_string(n) + "', '" +
+                      std::string(300, 'x') + "')");
+    opened->Execute("UPDATE INK_Basic SET Notes = 'lost'");
+    ::_exit(0);
+  }
+  ::waitpid(child, nullptr, 0);
+  ASSERT_TRUE(fs::exists(file.string() + "-journal"));
+  ASSERT_GT(fs::file_size(file.string() + "-journal"), 0U);
+  const BackupSet set = Make();
+  EXPECT_TRUE(set.proof->content.Sound());
+  EXPECT_EQ(set.proof->content.databases, (std::vector<DatabaseProof>{{"INK", 1, 0, 0}}));
+  EXPECT_EQ(Database::Open(set.dataFile, OpenMode::ReadOnly)->Scalar("SELECT Notes FROM INK_Basic").Text(), "keep me");
+  for (const auto& entry : fs::directory_iterator(set.folder))
+    EXPECT_FALSE(entry.path().string().ends_with("-journal")) << entry.path();
+}
+
+// A stick that is pulled out while the set is written.
+TEST_F(BackupSets, ATargetThatVanishesIsToldAndTheNextOneWorks) {
+  class Pulled final : public Progress {
+   public:
+    explicit Pulled(fs::path stick) : stick_(std::move(stick)) {}
+    void Begin(std::string_view) override {}
+    void Percent(double percent) override {
+      if (percent > 10) fs::remove_all(stick_);
+    }
+
+   private:
+    fs::path stick_;
+  } pulled(target);
+  Session hasty(room.prompt, pulled, room.clock);
+  hasty.support = std::make_unique<SupportFiles>(room.folder / "VKDat");
+  try {
+    MakeBackupSet(hasty, file, target);
+    ADD_FAILURE() << "a set where there is no place for one";
+  } catch (const Failure& failure) {
+    EXPECT_TRUE(failure.subject.starts_with(target.string())) << failure.subject << failure.cause;
+  }
+  EXPECT_FALSE(fs::exists(target));
+  EXPECT_TRUE(Make().proof->content.Sound());
 }
 
 TEST_F(BackupSets, TheClosingBacksUpWhatIsAFileOfItsOwn) {

@@ -7,6 +7,7 @@
 #include "core/base/files.h"
 #include "core/session/settings.h"
 #include "core/shell/data_files.h"
+#include "core/shell/settings_restore.h"
 #include "support/data_files.h"
 
 namespace vellumark {
@@ -82,6 +83,9 @@ TEST_F(Backups, RestoreGivesBackThatDayAndKeepsThePresent) {
   room.clock.Set({2026, 3, 12, 10, 30, 0});
   Add("BLUE");
   room.session.File().Execute("UPDATE FileInfo SET BatchNumber = 42, ItemNumber = 9");
+  room.session.File().Execute("INSERT INTO INK_Batch (BatchNo, Color_Name, JobNumber) VALUES (41, 'ROSE', 'J7')");
+  room.session.File().Execute("INSERT INTO INK_Mix (Color_Name, Color_Set) VALUES ('ROSE', '')");
+  room.session.File().Execute("INSERT INTO JobRecords (JobNumber, Database, BatchNo) VALUES ('J7', 'INK', 41)");
   room.session.File().Execute("UPDATE INK_Basic SET LotRefID = 12 WHERE Color_Name = 'RED'");
   Write(photos / "red.jpg", "red, later");
   Write(photos / "blue.jpg", "blue");
@@ -108,6 +112,20 @@ TEST_F(Backups, RestoreGivesBackThatDayAndKeepsThePresent) {
   EXPECT_EQ(room.session.BatchNumber, 42);
   EXPECT_EQ(room.session.ItemNumber, 9);
   EXPECT_EQ(room.session.File().Scalar("SELECT LotRefID FROM INK_Basic").Whole(), 12);
+  // What was lost by going back is told by name.
+  ASSERT_EQ(restored->since.size(), 1U);
+  EXPECT_EQ(restored->since.front().batches, (std::vector<std::string>{"000041"}));
+  EXPECT_EQ(restored->since.front().formulas, (std::vector<std::string>{"ROSE"}));
+  EXPECT_EQ(restored->since.front().jobs, (std::vector<std::string>{"J7"}));
+  EXPECT_NE(room.prompt.last.text.find("\nINK: Batches 000041; formulas ROSE; Jobs J7\n"), std::string::npos)
+      << room.prompt.last.text;
+  // Every day that one can go back to: the stick, and what the restore replaced.
+  const BackupDays known = DaysToGoBackTo(room.session);
+  ASSERT_EQ(known.days.size(), 2U);
+  EXPECT_EQ(known.days[0].set.folder, restored->kept);
+  EXPECT_EQ(known.days[0].set.made, (DateTime{2026, 3, 12, 10, 30, 0}));
+  EXPECT_EQ(known.days[1].place, stick.string());
+  EXPECT_EQ(known.days[1].set.folder, set.folder);
   // The present is kept whole, and can be restored in its turn.
   EXPECT_EQ(restored->kept, room.folder / "Before Restore 03_12_2026__10_30_00");
   EXPECT_EQ(ReadFileBytes(restored->kept / "DesignPhotos" / "blue.jpg"), "blue");

@@ -1,0 +1,160 @@
+// Backup with its proof and restore of a gigabyte, beside a plain copy of the same files and its sync; the check of every
+// row of 100,000 formulas, beside a plain walk through them.
+
+#include <benchmark/benchmark.h>
+#include <unistd.h>
+
+#include <chrono>
+#include <cstdlib>
+
+#include "core/backup/backup_set.h"
+#include "core/backup/deep_check.h"
+#include "core/backup/restore.h"
+#include "core/base/files.h"
+#include "core/datafile/row_checks.h"
+#include "large_room.h"
+
+namespace vellumark::bench {
+namespace {
+
+namespace fs = std::filesystem;
+
+// ---- check_rows_100k, check_deep_100k
+
+void CheckRowsOurs(benchmark::State& state) {
+  Database& file = Room100k().session.File();
+  double best = 1e9;
+  for (auto unused : state) {
+    const auto begin = std::chrono::steady_clock::now();
+    ForEachStrayRow(
+        file, [&](const StrayRow&) { state.SkipWithError("a row is not as it was written"); },
+        [](std::int64_t, std::int64_t) { return true; });
+    best = std::min(best, std::chrono::duration<double>(std::chrono::steady_clock::now() - begin).count());
+  }
+  state.counters["ms"] = best * 1000;
+}
+BENCHMARK(CheckRowsOurs)->Name("check_rows_100k/ours")->Unit(benchmark::kMillisecond)->Iterations(3);
+
+void CheckRowsRaw(benchmark::State& state) {
+  Database& file = Room100k().session.File();
+  for (auto unused : state)
+    for (const std::string& table : file.TableNames()) {
+      Statement rows = file.Prepare("SELECT * FROM " + Quoted(table));
+      const int columns = rows.ColumnCount();
+      std::size_t bytes = 0;
+      while (rows.Step())
+        for (int column = 0; column < columns; ++column)
+          if (!rows.IsNull(column)) bytes += static_cast<std::size_t>(rows.Whole(column) & 1);
+      benchmark::DoNotOptimize(bytes);
+    }
+}
+BENCHMARK(CheckRowsRaw)->Name("check_rows_100k/raw")->Unit(benchmark::kMillisecond)->Iterations(3);
+
+void CheckDeepOurs(benchmark::State& state) {
+  double best = 1e9;
+  for (auto unused : state) {
+    const auto begin = std::chrono::steady_clock::now();
+    benchmark::DoNotOptimize(CheckDataFileRules(Room100k().session, CheckDepth::Deep, CheckState::InUse));
+    best = std::min(best, std::chrono::duration<double>(std::chrono::steady_clock::now() - begin).count());
+  }
+  state.counters["ms"] = best * 1000;
+}
+BENCHMARK(CheckDeepOurs)->Name("check_deep_100k/ours")->Unit(benchmark::kMillisecond)->Iterations(2);
+BENCHMARK(CheckRowsRaw)->Name("check_deep_100k/raw")->Unit(benchmark::kMillisecond)->Iterations(2);
+
+// ---- backup_1gb, restore_1gb
+
+// The large Data File, closed, and as many photos beside it as make a gigabyte.
+struct Gigabyte {
+  Gigabyte() {
+    constexpr std::size_t kPhoto = std::size_t{1} << 20;
+    fs::create_directories(photos);
+    std::string bytes(kPhoto, '\0');
+    std::mt19937_64 random(20260310);
+    std::size_t all = fs::file_size(closed.room.path);
+    for (int n = 0; all < (std::size_t{1} << 30); ++n, all += kPhoto) {
+      for (std::size_t at = 0; at < kPhoto; at += sizeof(std::uint64_t)) {
+        const std::uint64_t word = random();
+        bytes.replace(at, sizeof word, reinterpret_cast<const char*>(&word), sizeof word);
+      }
+      std::ofstream(photos / ("photo" + std::to_string(n) + ".jpg"), std::ios::binary) << bytes;
+    }
+    ::sync();
+  }
+  ~Gigabyte() {
+    fs::remove_all(photos);
+    fs::remove_all(target);
+  }
+  Gigabyte(const Gigabyte&) = delete;
+  Gigabyte& operator=(const Gigabyte&) = delete;
+
+  ClosedRoom closed;
+  fs::path photos = closed.room.folder / "DesignPhotos";
+  fs::path target = closed.room.folder / "Stick";
+};
+
+void PlainCopy(const Gigabyte& files) {
+  fs::create_directories(files.target);
+  const std::string words = "cp -r '" + files.closed.room.path.string() + "' '" + files.photos.string() + "' '" +
+                            files.target.string() + "' && sync -f '" + files.target.string() + "'";
+  if (std::system(words.c_str()) != 0) throw std::runtime_error("cp failed");
+}
+
+void BackupOurs(benchmark::State& state) {
+  const Gigabyte files;
+  for (auto unused : state) {
+    MakeBackupSet(files.closed.room.session, files.closed.room.path, files.target);
+    state.PauseTiming();
+    fs::remove_all(files.target);
+    ::sync();
+    state.ResumeTiming();
+  }
+}
+BENCHMARK(BackupOurs)->Name("backup_1gb/ours")->Unit(benchmark::kMillisecond)->Iterations(2);
+
+// The copying alone, without the proof.
+void BackupCopyOurs(benchmark::State& state) {
+  const Gigabyte files;
+  for (auto unused : state) {
+    fs::create_directories(files.target);
+    CopyProved(files.closed.room.path, files.target / "Large.vkd", "Large.vkd");
+    for (const fs::path& photo : PhotosIn(files.photos))
+      CopyProved(photo, files.target / photo.filename(), photo.filename().string());
+    state.PauseTiming();
+    fs::remove_all(files.target);
+    ::sync();
+    state.ResumeTiming();
+  }
+}
+BENCHMARK(BackupCopyOurs)->Name("backup_copy_1gb/ours")->Unit(benchmark::kMillisecond)->Iterations(2);
+
+void CopyRaw(benchmark::State& state) {
+  const Gigabyte files;
+  for (auto unused : state) {
+    PlainCopy(files);
+    state.PauseTiming();
+    fs::remove_all(files.target);
+    ::sync();
+    state.ResumeTiming();
+  }
+}
+BENCHMARK(CopyRaw)->Name("backup_1gb/raw")->Unit(benchmark::kMillisecond)->Iterations(2);
+BENCHMARK(CopyRaw)->Name("backup_copy_1gb/raw")->Unit(benchmark::kMillisecond)->Iterations(2);
+BENCHMARK(CopyRaw)->Name("restore_1gb/raw")->Unit(benchmark::kMillisecond)->Iterations(2);
+
+void RestoreOurs(benchmark::State& state) {
+  const Gigabyte files;
+  PlainCopy(files);
+  for (auto unused : state) {
+    const RestoredFiles restored =
+        PutDataFileBack(files.closed.room.session, files.target / "Large.vkd", files.closed.room.path);
+    state.PauseTiming();
+    fs::remove_all(restored.kept);
+    ::sync();
+    state.ResumeTiming();
+  }
+}
+BENCHMARK(RestoreOurs)->Name("restore_1gb/ours")->Unit(benchmark::kMillisecond)->Iterations(2);
+
+}  // namespace
+}  // namespace vellumark::bench

@@ -1,0 +1,163 @@
+#include "core/backup/backup_days.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <functional>
+#include <iterator>
+#include <set>
+#include <system_error>
+
+#include "core/base/files.h"
+#include "core/base/refusal.h"
+#include "core/base/text.h"
+#include "core/datafile/lifecycle.h"
+#include "core/datafile/schema.h"
+#include "core/session/settings.h"
+
+namespace vellumark {
+namespace fs = std::filesystem;
+
+namespace {
+
+class DayCollector {
+ public:
+  void AddFolder(const std::string& place, const fs::path& folder) {
+    if (folder.empty() || !seen_.insert(RealPath(folder)).second) return;
+    Add(place, folder.string(), [&] { return ListSets(folder); });
+  }
+
+  template <typename Read>
+  void Add(const std::string& place, const std::string& subject, Read read) {
+    try {
+      for (BackupSet& set : read()) days_.days.push_back({place, std::move(set)});
+    } catch (const Failure& failure) {
+      days_.unreadable.push_back(fmt::format("{}: {}", subject, failure.cause));
+    }
+  }
+
+  BackupDays Take() {
+    std::ranges::stable_sort(days_.days, std::ranges::greater(), [](const BackupDay& day) { return day.set.made; });
+    return std::move(days_);
+  }
+
+ private:
+  std::set<fs::path> seen_;
+  BackupDays days_;
+};
+
+// The folders in which restores keep what they replace; with a number where two fell into one second.
+std::vector<BackupSet> SetsBeforeRestores(const fs::path& folder) {
+  std::vector<BackupSet> sets;
+  std::error_code error;
+  for (fs::directory_iterator entry(folder, error), end; !error && entry != end; entry.increment(error)) {
+    const std::string name = entry->path().filename().string();
+    if (!name.starts_with(kBeforeRestore)) continue;
+    const auto made = TimeOfSet("VK_Backup_" + name.substr(kBeforeRestore.size(), 20));
+    if (!made) continue;
+    if (auto set = ReadSet(entry->path())) {
+      set->made = *made;
+      sets.push_back(std::move(*set));
+    }
+  }
+  if (error) throw Failure(folder.string(), error.message());
+  return sets;
+}
+
+// A restore remembers the folder of the file, which is the set's own.
+fs::path FolderAbove(const std::string& stored) {
+  const fs::path folder = stored;
+  return TimeOfSet(folder.filename().string()) ? folder.parent_path() : folder;
+}
+
+// What `of` tells of the rows of the one file and not of those of the other.
+std::vector<std::string> OnlyIn(Database& before, Database& now, const std::string& sql,
+                                const std::function<std::string(const Statement&)>& of) {
+  const auto read = [&](Database& file) {
+    std::set<std::string> found;
+    Statement rows = file.Prepare(sql);
+    while (rows.Step()) found.insert(of(rows));
+    return found;
+  };
+  const std::set<std::string> then = read(before);
+  const std::set<std::string> here = read(now);
+  std::vector<std::string> only;
+  std::ranges::set_difference(then, here, std::back_inserter(only));
+  return only;
+}
+
+MadeSince SinceOf(Database& before, Database& restored, const std::string& database) {
+  MadeSince since{database, {}, {}, {}, {}};
+  const std::string formulas = QuotedTable(database, schema::Mix);
+  since.batches = OnlyIn(before, restored, "SELECT BatchNo FROM " + QuotedTable(database, schema::Batch),
+                         [](const Statement& row) { return fmt::format("{:06}", row.Whole(0)); });
+  since.formulas = OnlyIn(before, restored, "SELECT Color_Name FROM " + formulas,
+                          [](const Statement& row) { return row.Text(0); });
+  since.changed = OnlyIn(before, restored, "SELECT Color_Name, LastModified FROM " + formulas,
+                         [](const Statement& row) { return row.Text(0) + '\t' + row.Text(1); });
+  for (std::string& changed : since.changed) changed.resize(changed.find('\t'));
+  std::erase_if(since.changed, [&](const std::string& name) { return std::ranges::binary_search(since.formulas, name); });
+  since.jobs = OnlyIn(before, restored, "SELECT Database, JobNumber FROM JobRecords WHERE JobNumber <> ''",
+                      [&](const Statement& row) {
+                        return EqualNoCase(row.TextView(0), database) ? row.Text(1) : std::string();
+                      });
+  std::erase(since.jobs, "");
+  return since;
+}
+
+std::string NamesText(std::string_view word, const std::vector<std::string>& names) {
+  constexpr std::size_t kMost = 12;
+  std::string text;
+  for (std::size_t i = 0; i < names.size() && i < kMost; ++i) text += (i == 0 ? " " : ", ") + names[i];
+  if (names.size() > kMost) text += fmt::format(" and {} more", names.size() - kMost);
+  return fmt::format("{}{}", word, text);
+}
+
+}  // namespace
+
+BackupDays DaysToGoBackTo(const Session& session, std::span<SetSource* const> others) {
+  DayCollector collector;
+  if (!session.DataFileName.empty()) {
+    const fs::path beside = fs::path(session.DataFileName).parent_path();
+    collector.AddFolder(std::string(kAutoBackupFolder), beside / kAutoBackupFolder);
+    collector.Add("Before a restore", beside.string(), [&] { return SetsBeforeRestores(beside); });
+  }
+  for (const std::string& stored :
+       {GetSetting(session, setting::BackupRestoreFileLocation), GetSetting(session, setting::BackupFileLocation)})
+    collector.AddFolder(FolderAbove(stored).string(), FolderAbove(stored));
+  for (SetSource* const other : others)
+    collector.Add(other->Name(), other->Name(), [&] { return other->Sets(); });
+  return collector.Take();
+}
+
+std::vector<MadeSince> MadeSinceThen(const fs::path& before, Database& restored) {
+  std::vector<MadeSince> all;
+  try {
+    const auto file = Database::Open(before, OpenMode::ReadOnly);
+    const std::vector<std::string> here = ReadFileInfo(restored).dbList;
+    for (const std::string& database : ReadFileInfo(*file).dbList) {
+      if (std::ranges::none_of(here, [&](const std::string& name) { return EqualNoCase(name, database); })) continue;
+      MadeSince since = SinceOf(*file, restored, database);
+      if (!since.Nothing()) all.push_back(std::move(since));
+    }
+  } catch (const Failure& failure) {
+    // That the file before cannot be read is what it was restored for.
+    if (failure.subject != before.string()) throw;
+  }
+  return all;
+}
+
+std::string MadeSinceText(const std::vector<MadeSince>& all) {
+  std::string text;
+  for (const MadeSince& since : all) {
+    std::vector<std::string> parts;
+    if (!since.batches.empty()) parts.push_back(NamesText("Batches", since.batches));
+    if (!since.formulas.empty()) parts.push_back(NamesText("formulas", since.formulas));
+    if (!since.changed.empty()) parts.push_back(NamesText("changed formulas", since.changed));
+    if (!since.jobs.empty()) parts.push_back(NamesText("Jobs", since.jobs));
+    text += fmt::format("\n{}: {}", since.database, fmt::join(parts, "; "));
+  }
+  return text;
+}
+
+}  // namespace vellumark

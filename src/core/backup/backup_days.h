@@ -1,0 +1,53 @@
+#pragma once
+
+#include <span>
+#include <string>
+#include <vector>
+
+#include "core/backup/backup_set.h"
+#include "core/session/session.h"
+
+namespace vellumark {
+
+/// A place beyond the folders of this machine that keeps sets, such as a cloud.
+class SetSource {
+ public:
+  SetSource() = default;
+  virtual ~SetSource() = default;
+  SetSource(const SetSource&) = delete;
+  SetSource& operator=(const SetSource&) = delete;
+  virtual std::string Name() const = 0;
+  /// Throws Failure when it cannot be reached.
+  virtual std::vector<BackupSet> Sets() = 0;
+};
+
+/// A day that one can go back to.
+struct BackupDay {
+  std::string place;  ///< where the set is kept, in words
+  BackupSet set;
+};
+struct BackupDays {
+  std::vector<BackupDay> days;          ///< the latest first
+  std::vector<std::string> unreadable;  ///< places that could not be read, with the cause
+};
+
+/// All sets that are known for the session's Data File: the automatic ones beside it, those in the folders to which one
+/// was last made or from which one was last restored, what restores have replaced, and those of `others`. What cannot
+/// be read hides nothing else.
+BackupDays DaysToGoBackTo(const Session& session, std::span<SetSource* const> others = {});
+
+/// What a Database held before a restore and does not hold after it.
+struct MadeSince {
+  std::string database;
+  std::vector<std::string> batches;   ///< by number
+  std::vector<std::string> formulas;  ///< that are not there any more
+  std::vector<std::string> changed;   ///< formulas that are there as they were before a change
+  std::vector<std::string> jobs;
+  bool Nothing() const { return batches.empty() && formulas.empty() && changed.empty() && jobs.empty(); }
+};
+/// Of the Databases of `restored` that had something more in the file `before`; nothing of one that cannot be read.
+std::vector<MadeSince> MadeSinceThen(const std::filesystem::path& before, Database& restored);
+/// "INK: Batches 000041, 000042; formulas ROSE", a line each.
+std::string MadeSinceText(const std::vector<MadeSince>& since);
+
+}  // namespace vellumark
