@@ -45,6 +45,7 @@ inline bool IsFileOperation(const __ptrace_syscall_info& info) {
     case SYS_ftruncate:
     case SYS_fsync:
     case SYS_fdatasync:
+    case SYS_syncfs:
     case SYS_rename:
     case SYS_renameat:
     case SYS_renameat2:

@@ -7,6 +7,7 @@
 #include <charconv>
 #include <system_error>
 
+#include "core/base/disk_sync.h"
 #include "core/base/files.h"
 #include "core/base/progress_run.h"
 #include "core/base/text.h"
@@ -96,13 +97,17 @@ class SetMaker {
   SetProof Make(const DateTime& made) {
     CollectFiles();
     SetProof proof{source_.filename().string(), made, VELLUMARK_VERSION, session_.UMI, {}, {}};
+    std::vector<fs::path> copies;
     for (const auto& [from, name] : files_) {
-      session_.progress.Percent(50.0 * static_cast<double>(proof.files.size()) / static_cast<double>(files_.size()));
-      proof.files.push_back(CopyProved(from, folder_ / name, name));
-      // From the disk again, and not what this process remembers of it.
-      if (ProveFile(folder_ / name, name) != proof.files.back())
-        throw Failure((folder_ / name).string(), "does not read as it was written");
+      session_.progress.Percent(40.0 * static_cast<double>(proof.files.size()) / static_cast<double>(files_.size()));
+      copies.push_back(folder_ / name);
+      proof.files.push_back(CopyUnsynced(from, copies.back(), name));
     }
+    FailOn(folder_, platform::SyncFiles(folder_, copies));
+    // From the disk again, and not what this process remembers of it.
+    for (const FileProof& file : proof.files)
+      if (ProveFile(folder_ / file.name, file.name) != file)
+        throw Failure((folder_ / file.name).string(), "does not read as it was written");
     proof.content = ProveContent(session_, folder_ / proof.dataFile);
     ReplaceFile(folder_ / kProofFile, ProofText(proof), Readers::Group);
     return proof;

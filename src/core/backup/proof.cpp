@@ -163,6 +163,20 @@ FileProof CopyProved(const fs::path& from, const fs::path& to, std::string name)
   return proof;
 }
 
+FileProof CopyUnsynced(const fs::path& from, const fs::path& to, std::string name) {
+  std::error_code error;
+  fs::path made;
+  const auto require = [&](const std::error_code& failed) {
+    if (failed) throw Failure(to.string(), failed.message());
+  };
+  const platform::OpenFile file = platform::MakeUnique(to.parent_path() / ".", ".copy", made, error);
+  require(error);
+  FileProof proof = ReadProved(from, std::move(name), [&](std::string_view piece) { require(platform::Write(file, piece)); });
+  require(platform::GiveToReaders(file, to.parent_path(), Readers::Group));
+  require(platform::RenameToFree(made, to));
+  return proof;
+}
+
 std::string ProofText(const SetProof& proof) {
   Json tables = Json::array();
   for (const TableProof& table : proof.content.tables)

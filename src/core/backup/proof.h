@@ -67,6 +67,9 @@ FileProof ProveFile(const std::filesystem::path& path, std::string name);
 /// Writes a copy under a name that is free, synced to the disk, and tells what was read. A file of a plain kind only.
 FileProof CopyProved(const std::filesystem::path& from, const std::filesystem::path& to, std::string name);
 
+/// The same into a folder that is nobody's to see yet; whoever shows it syncs its files before (platform::SyncFiles).
+FileProof CopyUnsynced(const std::filesystem::path& from, const std::filesystem::path& to, std::string name);
+
 /// What stands in VERIFY.json of a backup set: what it held when it was made.
 struct SetProof {
   std::string dataFile;  ///< the name of the Data File in the set

@@ -14,6 +14,7 @@
 #include <iostream>
 #include <iterator>
 
+#include "core/base/disk_sync.h"
 #include "core/base/platform.h"
 
 namespace vellumark::platform {
@@ -211,6 +212,13 @@ std::error_code SyncFolder(const fs::path& folder) {
   std::error_code error;
   const OpenFile handle = Opened(::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC), error);
   if (!error && ::fsync(DescriptorOf(handle)) != 0 && errno != EINVAL) error = ErrorOf(errno);
+  return error;
+}
+
+std::error_code SyncFiles(const fs::path& folder, std::span<const fs::path>) {
+  std::error_code error;
+  const OpenFile handle = Opened(::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC), error);
+  if (!error && ::syncfs(DescriptorOf(handle)) != 0) error = ErrorOf(errno);
   return error;
 }
 

@@ -18,6 +18,7 @@
 #include <random>
 #include <stdexcept>
 
+#include "core/base/disk_sync.h"
 #include "core/base/platform.h"
 
 namespace vellumark::platform {
@@ -307,6 +308,16 @@ std::error_code SyncFolder(const fs::path& folder) {
     if (!unknown) error = ErrorOf(failed);
   }
   return error;
+}
+
+std::error_code SyncFiles(const fs::path& folder, std::span<const fs::path> files) {
+  std::error_code error;
+  for (const fs::path& path : files) {
+    const OpenFile file = OpenExisting(path, Opening::Write, error);
+    if (!error) error = Sync(file);
+    if (error) return error;
+  }
+  return SyncFolder(folder);
 }
 
 std::error_code KeepOwner(const OpenFile& file, const fs::path& before) {
