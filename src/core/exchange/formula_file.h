@@ -13,7 +13,8 @@ namespace vellumark {
 struct FormulaFileOptions {
   std::optional<FormulaFormat> format{};  ///< nothing: by the content
   int nameLength = 30;
-  ColumnMapping columns{};  ///< of a shop's own columns
+  ColumnMapping columns{};             ///< of a shop's own columns
+  std::filesystem::path workFolder{};  ///< where what was read of a foreign file is written; empty: nowhere
 };
 
 /// What the content of a file shows it to be, and where that is not plain its name. Nothing for what is none of the
@@ -21,7 +22,8 @@ struct FormulaFileOptions {
 std::optional<FormulaFormat> RecogniseFormat(std::string_view text, const std::filesystem::path& path,
                                              const ColumnMapping& columns);
 
-/// How the session reads formula files: the length of names and the columns that were told last.
+/// How the session reads formula files: the length of names, the columns that were told last, and the work files of
+/// foreign ones in the folder "Converted" beside the program.
 FormulaFileOptions FileOptions(const Session& session, std::optional<FormulaFormat> format = {});
 
 /// Reads a formula file of any format. The text may be in UTF-8, UTF-16 or CP1252 with any line ends, cells may be in

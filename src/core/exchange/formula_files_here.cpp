@@ -30,7 +30,9 @@ void RememberColumns(Session& session, const ColumnMapping& mapping) {
 }
 
 FormulaFileOptions FileOptions(const Session& session, std::optional<FormulaFormat> format) {
-  return {format, session.NameLength, RememberedColumns(session)};
+  FormulaFileOptions options{format, session.NameLength, RememberedColumns(session), {}};
+  if (!session.ProgramFolder.empty()) options.workFolder = session.ProgramFolder / "Converted";
+  return options;
 }
 
 GridHead ReadGridHead(const std::filesystem::path& path, const ColumnMapping& mapping, std::size_t rows) {
@@ -51,11 +53,13 @@ Result<FormulaTable> ReadFormulaFile(const std::filesystem::path& path, const Fo
   } catch (const Failure& failure) {
     throw Failure(failure.subject, fmt::format("Couldn't open textfile. ({})", failure.cause));
   }
-  return ReadFormulaBytes(bytes, path, options);
+  auto table = ReadFormulaBytes(bytes, path, options);
+  const bool foreign = table && table->format != FormulaFormat::Mfe && table->format != FormulaFormat::Work;
+  if (foreign && !options.workFolder.empty()) WriteWorkFile(options.workFolder, *table);
+  return table;
 }
 
-std::filesystem::path WriteWorkFile(const Session& session, const FormulaTable& table) {
-  const std::filesystem::path folder = session.ProgramFolder / "Converted";
+std::filesystem::path WriteWorkFile(const std::filesystem::path& folder, const FormulaTable& table) {
   const std::filesystem::path path = folder / (std::filesystem::path(table.source).stem().string() + ".txt");
   const WorkFileText text = WorkTextOf(table);
   std::string_view step = "Couldn't print Header on the output file.";

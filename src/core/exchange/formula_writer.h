@@ -7,7 +7,6 @@
 #include <vector>
 
 #include "core/exchange/formula_table.h"
-#include "core/session/session.h"
 
 namespace vellumark {
 
@@ -52,8 +51,7 @@ struct WorkFileText {
 WorkFileText WorkTextOf(const FormulaTable& table);
 
 /// What was read of a foreign file, as a grid of colours that a person can look at and that reads back as the same:
-/// under the name of the source in the folder "Converted" beside the program. Where it stands. Throws Failure in the
-/// words for each part that cannot be written.
-std::filesystem::path WriteWorkFile(const Session& session, const FormulaTable& table);
+/// under the name of the source. Where it stands. Throws Failure in the words for each part that cannot be written.
+std::filesystem::path WriteWorkFile(const std::filesystem::path& folder, const FormulaTable& table);
 
 }  // namespace vellumark

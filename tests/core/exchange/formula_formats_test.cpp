@@ -6,9 +6,9 @@
 #include "core/base/number.h"
 #include "core/base/text.h"
 #include "core/colors/formulas.h"
-#include "core/exchange/formula_import.h"
 #include "core/exchange/formula_export.h"
 #include "core/exchange/formula_file.h"
+#include "core/exchange/formula_import.h"
 #include "core/exchange/formula_writer.h"
 #include "support/ink_room.h"
 
@@ -343,7 +343,7 @@ TEST(WorkFile, HoldsWhatWasReadAndReadsBackAsTheSame) {
   room.session.ProgramFolder = room.folder / "Program";
   for (const Sample& sample : Samples()) {
     const auto table = ReadFormulaBytes(sample.bytes, "/elsewhere/Ink of GR\xC3\x9CN.rez", {});
-    const auto path = WriteWorkFile(room.session, *table);
+    const auto path = WriteWorkFile(room.session.ProgramFolder / "Converted", *table);
     EXPECT_EQ(path, room.session.ProgramFolder / "Converted" / "Ink of GR\xC3\x9CN.txt");
     const auto back = ReadFormulaFile(path, {});
     ASSERT_TRUE(back) << back.error().text;
@@ -355,18 +355,26 @@ TEST(WorkFile, HoldsWhatWasReadAndReadsBackAsTheSame) {
       "Color Name\tColor Type\tNotes\tPurchase Cost\tRecyclable\tReorder "
       "(oz.)\nA\tBasic\ta\\nb\\\\c\t0.1\t\t5\nB\tFormula\t\t\tNo\t\n",
       "g.txt", {});
-  const auto back = ReadFormulaFile(WriteWorkFile(room.session, *grid), {});
+  const auto back = ReadFormulaFile(WriteWorkFile(room.session.ProgramFolder / "Converted", *grid), {});
   EXPECT_EQ(back->basics[0].notes, "a\nb\\c");
   EXPECT_EQ(back->basics[0].purchaseCost, 0.1);
   EXPECT_EQ(back->basics[0].reorder, 5);
   EXPECT_FALSE(back->basics[0].code);
   EXPECT_EQ(back->unit, 4);
   EXPECT_EQ(back->formulas[0].recycle, false);
+  // Who reads for the session leaves one, but not of a file of our own format.
+  std::filesystem::remove_all(room.session.ProgramFolder);
+  for (const char* name : {"own.mfe", "theirs.rez"})
+    ReplaceFile(room.folder / name, Samples()[std::string(name) == "own.mfe" ? 0 : 1].bytes);
+  ASSERT_TRUE(ReadFormulaFile(room.folder / "own.mfe", FileOptions(room.session)));
+  EXPECT_FALSE(std::filesystem::exists(room.session.ProgramFolder));
+  ASSERT_TRUE(ReadFormulaFile(room.folder / "theirs.rez", FileOptions(room.session)));
+  EXPECT_TRUE(std::filesystem::exists(room.session.ProgramFolder / "Converted/theirs.txt"));
   // Where it cannot be written the file and the part are named.
   std::filesystem::remove_all(room.session.ProgramFolder);
   ReplaceFile(room.session.ProgramFolder, "no folder");
   try {
-    WriteWorkFile(room.session, *grid);
+    WriteWorkFile(room.session.ProgramFolder / "Converted", *grid);
     ADD_FAILURE() << "was written";
   } catch (const Failure& failure) {
     EXPECT_TRUE(failure.cause.starts_with("Couldn't print Header on the output file. ")) << failure.cause;
