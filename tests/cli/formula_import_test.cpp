@@ -11,9 +11,9 @@ using Names = std::vector<std::string>;
 // Two shops with a Data File each; the second is imported into the first.
 struct TwoShops : testing::Test {
   TwoShops() {
-    room.MakeFile();
     other = (room.folder / "Other.vkd").string();
     EXPECT_EQ(room.Run({"file", "create", other, "--database", "HOUSE", "--empty"}).status, 0);
+    room.MakeFile();  // the last one made is the one in use
     for (const auto& words : std::vector<Names>{{"color", "add", "RED"},
                                                 {"color", "set", "RED", "PurchaseCost=10"},
                                                 {"color", "add", "BLUE"},
