@@ -197,6 +197,8 @@ constexpr WayIn kWindows[] = {
     {"DBExport_Formulas", Act::ExportFormulas},
     {"ExportImportFileExamples", Act::Look},
     {"ImportColumnsForm", Act::ImportFormulas},
+    {"DBImport_Formulas", Act::ImportFormulas},
+    {"ImportCompareFormulasForm", Act::Look},
     // Databases and Data Files.
     {"NewDBForm", Act::Databases},
     {"RenameDBForm", Act::Databases},

@@ -1,8 +1,10 @@
 #include "desktop/exchange/register.h"
 
+#include "desktop/exchange/compare_import_form.h"
 #include "desktop/exchange/export_formulas_form.h"
 #include "desktop/exchange/file_examples_form.h"
 #include "desktop/exchange/import_columns_form.h"
+#include "desktop/exchange/import_formulas_form.h"
 
 namespace vellumark::desktop {
 
@@ -12,6 +14,9 @@ void RegisterExchangeWindows(WindowList& windows, const FileChooser& choose) {
   windows.Register("ExportImportFileExamples",
                    [choose](WindowList& list) -> Window* { return new ExportImportFileExamples(list, choose); });
   windows.RegisterDialog<ImportColumnsForm>("ImportColumnsForm");
+  windows.Register("DBImport_Formulas",
+                   [choose](WindowList& list) -> Window* { return new DBImport_Formulas(list, choose); });
+  windows.RegisterDialog<ImportCompareFormulasForm>("ImportCompareFormulasForm");
 }
 
 }  // namespace vellumark::desktop

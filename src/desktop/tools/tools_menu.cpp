@@ -20,7 +20,7 @@ struct Entry {
   bool isDialog = false;
 };
 
-constexpr std::array<Entry, 12> kEntries{{
+constexpr std::array<Entry, 13> kEntries{{
     {"cmdAdditiveControl", QT_TRANSLATE_NOOP("DBToolsMenu", "&Additive Sets"), "DBAdditiveControl",
      QT_TRANSLATE_NOOP("DBToolsMenu", "Many colors at once")},
     {"cmdFormulaModifier", QT_TRANSLATE_NOOP("DBToolsMenu", "&Formula Modifier"), "DBFormulaModifierForm"},
@@ -35,6 +35,7 @@ constexpr std::array<Entry, 12> kEntries{{
      nullptr, true},
     {"cmdExportFormulas", QT_TRANSLATE_NOOP("DBToolsMenu", "Export Formu&las"), "DBExport_Formulas",
      QT_TRANSLATE_NOOP("DBToolsMenu", "Files")},
+    {"cmdImportFormulas", QT_TRANSLATE_NOOP("DBToolsMenu", "&Import Formulas"), "DBImport_Formulas"},
     {"cmdExportBatches", QT_TRANSLATE_NOOP("DBToolsMenu", "&Export Batch Records"), "ExportBatchesForm"},
     {"cmdExportJobs", QT_TRANSLATE_NOOP("DBToolsMenu", "Export &Job Records"), "ExportJobRecords"},
     {"cmdDesignFiles", QT_TRANSLATE_NOOP("DBToolsMenu", "De&signs - Export and Import"), "DB_ImportExport_Designs"},
