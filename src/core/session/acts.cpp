@@ -336,6 +336,11 @@ constexpr WayIn kWindows[] = {
     {"FindBatch", Act::Look},
     {"FindJob", Act::Look},
     {"FindDesign", Act::Look},
+    {"QuickFindForm", Act::Look},
+    {"BasicsListForm", Act::Look},
+    {"FormulasListForm", Act::Look},
+    {"BatchesListForm", Act::Look},
+    {"JobsListForm", Act::Look},
     {"ColorListForm", Act::Look},
     {"ColorListDBForm", Act::Look},
     {"BasicCostListForm", Act::Look},
@@ -373,6 +378,7 @@ constexpr WayIn kWindows[] = {
     {"DesignAllJobsUsageForm", Act::Look},
     // The program.
     {"AboutForm", Act::Look},
+    {"HelpForm", Act::Look},
     {"ProductSplashFormPantone", Act::Look},
 };
 

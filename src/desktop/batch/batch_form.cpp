@@ -154,12 +154,12 @@ void BatchForm::UpdateEnabled() {
 }
 
 QString BatchForm::StateText() const {
-  if (record_.work.QuantityChanged) return tr("The quantity was changed: press Recycle (F2) or Mix (F3)");
+  if (record_.work.QuantityChanged) return tr("Quantity changed: Recycle (F2) or Mix (F3)");
   switch (record_.state) {
     case BatchState::Add:
       return tr("New Batch");
     case BatchState::Edit: {
-      if (!record_.formulaUnchanged) return tr("The formula was deleted or changed: to be looked at only");
+      if (!record_.formulaUnchanged) return tr("Formula changed or deleted: to be looked at only");
       if (!record_.Date_Entered) return tr("Saved Batch");
       const DateTime& date = *record_.Date_Entered;
       return tr("Batch of %1").arg(QLocale().toString(QDate(date.year, date.month, date.day), QLocale::ShortFormat));

@@ -8,7 +8,9 @@
 #include "desktop/batch/weigh_bench.h"
 #include "desktop/kit/window.h"
 
+class QBoxLayout;
 class QTabWidget;
+class QVBoxLayout;
 
 namespace vellumark::desktop {
 
@@ -62,6 +64,7 @@ class BatchForm : public Window, private WeighBench {
  protected:
   bool eventFilter(QObject* watched, QEvent* event) override;
   void changeEvent(QEvent* event) override;
+  void resizeEvent(QResizeEvent* event) override;
 
  private:
   // Building (batch_form_build.cpp)
@@ -122,6 +125,9 @@ class BatchForm : public Window, private WeighBench {
   bool showing_ = false;
   std::optional<std::size_t> weighFrom_;  // the row from which the focus went to the command
 
+  QBoxLayout* head_ = nullptr;
+  QBoxLayout* which_ = nullptr;  ///< Batch this is, and the ways to others
+  QVBoxLayout* side_ = nullptr;
   NameBox* name_ = nullptr;
   NumberField* quantity_ = nullptr;
   ComboField* unit_ = nullptr;

@@ -15,6 +15,7 @@
 #include "core/colors/name_search.h"
 #include "desktop/batch/batch_form.h"
 #include "desktop/batch/batch_form_took.h"
+#include "desktop/batch/captions.h"
 #include "desktop/batch/figures_panel.h"
 #include "desktop/batch/flow_layout.h"
 #include "desktop/batch/job_panel.h"
@@ -28,16 +29,9 @@
 namespace vellumark::desktop {
 namespace {
 
-constexpr const char* kSplitKey = "split/BatchForm";
-
-QLabel* Caption(const QString& text, QWidget* field) {
-  auto* label = new QLabel(text);
-  label->setProperty("role", "label");
-  label->setBuddy(field);
-  QString plain = text;
-  field->setAccessibleName(plain.remove('&'));
-  return label;
-}
+// Below these the window is put together otherwise.
+constexpr int kWideFrom = 1160;
+constexpr int kHighFrom = 480;
 
 }  // namespace
 
@@ -73,28 +67,44 @@ QWidget* BatchForm::BuildHead(Form& form) {
   batchNo_->SetWidthInChars(8);
   batchNo_->setToolTip(tr("Type the number of a Batch and press Enter to go to it"));
 
-  auto* head = new QWidget;
-  auto* grid = new QGridLayout(head);
-  grid->setContentsMargins(0, 0, 0, space::kUnit);
-  grid->setHorizontalSpacing(space::kUnit);
-  grid->setVerticalSpacing(space::kTight);
-  const auto place = [grid](int column, QLabel* caption, QWidget* field) {
-    grid->addWidget(caption, 0, column);
-    grid->addWidget(field, 1, column);
+  next_ = form.Button("cmdNext", tr("Next"), Qt::Key_PageUp);
+  previous_ = form.Button("cmdPrevious", tr("Previous"), Qt::Key_PageDown);
+  recent_ = form.Button("cmdRecent", tr("Recent"), Qt::CTRL | Qt::Key_R);
+
+  auto* what = new QGridLayout;
+  what->setHorizontalSpacing(space::kUnit);
+  what->setVerticalSpacing(space::kTight);
+  const auto place = [what](int column, const QString& caption, QWidget* field) {
+    what->addWidget(Caption(caption, field), 0, column);
+    what->addWidget(field, 1, column);
   };
-  place(0, Caption(tr("&Color name"), name_), name_);
-  place(1, Caption(tr("&Quantity"), quantity_), quantity_);
-  place(2, Caption(tr("Unit"), unit_), unit_);
-  grid->addWidget(recycle_, 1, 3);
-  grid->addWidget(mix_, 1, 4);
-  grid->setColumnStretch(0, 4);
-  // Beside the actions, for it says when they are to be pressed again.
+  place(0, tr("&Color name"), name_);
+  place(1, tr("&Quantity"), quantity_);
+  place(2, tr("Unit"), unit_);
+  what->addWidget(recycle_, 1, 3);
+  what->addWidget(mix_, 1, 4);
+  what->setColumnStretch(0, 4);
+  // Over the actions, for it says when they are to be pressed again.
   state_ = form.Hint({}, "lblState");
-  state_->setWordWrap(true);
-  grid->addWidget(state_, 1, 5);
-  grid->setColumnMinimumWidth(5, 120);
-  grid->setColumnStretch(5, 5);
-  place(6, Caption(tr("Batch ID # (Ctrl+F)"), batchNo_), batchNo_);
+  what->addWidget(state_, 0, 3, 1, 3);
+  what->setColumnMinimumWidth(5, 130);
+  what->setColumnStretch(5, 1);
+
+  which_ = new QBoxLayout(QBoxLayout::TopToBottom);
+  which_->setSpacing(space::kTight);
+  which_->addWidget(Caption(tr("Batch ID # (Ctrl+F)"), batchNo_));
+  auto* which = new QHBoxLayout;
+  which->setSpacing(space::kUnit);
+  for (QWidget* part : std::initializer_list<QWidget*>{batchNo_, previous_, next_, recent_}) which->addWidget(part);
+  which->addStretch(1);
+  which_->addLayout(which);
+
+  auto* head = new QWidget;
+  head_ = new QBoxLayout(QBoxLayout::LeftToRight, head);
+  head_->setContentsMargins(0, 0, 0, space::kUnit);
+  head_->setSpacing(space::kUnit);
+  head_->addLayout(what, 1);
+  head_->addLayout(which_);
   return head;
 }
 
@@ -113,9 +123,7 @@ QWidget* BatchForm::BuildMiddle(Form& form) {
   split->addWidget(BuildSide(form));
   split->setStretchFactor(0, 3);
   split->setStretchFactor(1, 2);
-  split->setSizes({720, 480});
-  split->restoreState(memory::Recall(kSplitKey).toByteArray());
-  connect(split, &QSplitter::splitterMoved, this, [split] { memory::Keep(kSplitKey, split->saveState()); });
+  split->setSizes({690, 510});
   return split;
 }
 
@@ -123,26 +131,26 @@ QWidget* BatchForm::BuildSide(Form& form) {
   recycleList_ = new RecyclePanel(*this, form);
   figures_ = new FiguresPanel(*this);
   notes_ = new NotesPanel(*this, record_);
-  job_ = new JobPanel(*this, record_);
+  job_ = new JobPanel(*this, form, record_);
   tabs_ = new QTabWidget;
   tabs_->setObjectName("TabBatch");
   tabs_->setDocumentMode(true);
   tabs_->addTab(recycleList_, tr("Recycle List"));
   tabs_->addTab(figures_, tr("Costs"));
   tabs_->addTab(notes_, tr("Notes"));
-  tabs_->setMinimumHeight(9 * fontMetrics().lineSpacing());
   auto* inside = new QWidget;
-  auto* column = new QVBoxLayout(inside);
-  column->setContentsMargins(space::kGap, 0, 0, 0);
-  column->setSpacing(space::kUnit);
-  column->addWidget(tabs_, 1);
-  column->addWidget(job_);
+  side_ = new QVBoxLayout(inside);
+  side_->setContentsMargins(space::kGap, 0, 0, 0);
+  side_->setSpacing(space::kUnit);
+  side_->addWidget(tabs_, 1);
+  side_->addWidget(job_);
+  recycleList_->PutHead(*tabs_, true);
   auto* scroll = new QScrollArea;
   scroll->setWidgetResizable(true);
   scroll->setFrameShape(QFrame::NoFrame);
   scroll->setFocusPolicy(Qt::NoFocus);
   scroll->setWidget(inside);
-  scroll->setMinimumWidth(320);
+  scroll->setMinimumWidth(384);
   inside->setAutoFillBackground(false);
   scroll->viewport()->setAutoFillBackground(false);
   return scroll;
@@ -153,11 +161,8 @@ QWidget* BatchForm::BuildButtons(Form& form) {
   save_ = form.Button("cmdSave", tr("&Save"));
   hold_ = form.Button("cmdSaveAndHold", tr("Save and hold"), Qt::Key_F12);
   cancel_ = form.Button("cmdCancel", tr("Cancel"));
-  next_ = form.Button("cmdNext", tr("Next"), Qt::Key_PageUp);
-  previous_ = form.Button("cmdPrevious", tr("Previous"), Qt::Key_PageDown);
   weigh_ = form.Button("cmdWeigh", tr("Weigh"), Qt::Key_F6);
   dispense_ = form.Button("cmdDispense", tr("Dispense"), Qt::Key_F7);
-  recent_ = form.Button("cmdRecent", tr("Recent"), Qt::CTRL | Qt::Key_R);
   settings_ = form.Button("cmdSettings", tr("Settings"));
   delete_ = form.Button("cmdDelete", tr("Delete"));
   print_ = form.Button("cmdPrint", tr("Print"));
@@ -169,13 +174,38 @@ QWidget* BatchForm::BuildButtons(Form& form) {
   auto* box = new QWidget;
   auto* flow = new FlowLayout(box);
   flow->setContentsMargins(0, space::kUnit, 0, 0);
-  for (QWidget* part : std::initializer_list<QWidget*>{complete_, save_, hold_, cancel_, weigh_, dispense_, next_, previous_,
-                                                       print_, label_, multiple, recent_, settings_, delete_})
+  flow->setSpacing(space::kTight);  // all of them in one line of a small screen
+  for (QWidget* part : std::initializer_list<QWidget*>{complete_, save_, hold_, cancel_, weigh_, dispense_, print_,
+                                                       label_, multiple, settings_, delete_})
     flow->addWidget(part);
   QSizePolicy policy = box->sizePolicy();
   policy.setHeightForWidth(true);
   box->setSizePolicy(policy);
   return box;
+}
+
+// On a small screen the ways to other Batches get a line of their own, and the job is a page beside the lists.
+void BatchForm::resizeEvent(QResizeEvent* event) {
+  Window::resizeEvent(event);
+  if (side_ == nullptr) return;  // it is still being put together
+  const bool wide = width() >= kWideFrom;
+  if (wide != (head_->direction() == QBoxLayout::LeftToRight)) {
+    head_->setDirection(wide ? QBoxLayout::LeftToRight : QBoxLayout::TopToBottom);
+    which_->setDirection(wide ? QBoxLayout::TopToBottom : QBoxLayout::LeftToRight);
+    recycleList_->PutHead(*tabs_, wide);
+  }
+  const bool high = height() >= kHighFrom;
+  const int page = tabs_->indexOf(job_);
+  if (high == (page < 0)) return;
+  QWidget* focus = job_->isAncestorOf(QApplication::focusWidget()) ? QApplication::focusWidget() : nullptr;
+  if (high) {
+    tabs_->removeTab(page);
+    side_->addWidget(job_);
+    job_->show();
+  } else {
+    tabs_->addTab(job_, tr("Job"));
+  }
+  if (focus != nullptr) FocusField(U8(focus->objectName()));
 }
 
 void BatchForm::Listen() {
@@ -250,6 +280,12 @@ void BatchForm::SetButtonAction() {
   setTabOrder(quantity_, first);
   setTabOrder(first, second);
   setTabOrder(second, unit_);
+  // From the number the way goes into the Batch; the ways to other Batches come behind what is done with it.
+  setTabOrder(dispense_, next_);
+  setTabOrder(next_, previous_);
+  setTabOrder(previous_, print_);
+  setTabOrder(findChild<QWidget*>("cmdPrintMultiple"), recent_);
+  setTabOrder(recent_, settings_);
 }
 
 }  // namespace vellumark::desktop

@@ -1,6 +1,5 @@
 #include "desktop/batch/job_panel.h"
 
-#include <QGridLayout>
 #include <QHBoxLayout>
 #include <QKeyEvent>
 
@@ -8,8 +7,8 @@
 #include "core/base/units.h"
 #include "core/batch/bench.h"
 #include "core/batch/jobs.h"
+#include "desktop/batch/captions.h"
 #include "desktop/batch/cell_button.h"
-#include "desktop/kit/look.h"
 #include "desktop/kit/text.h"
 
 namespace vellumark::desktop {
@@ -31,41 +30,48 @@ bool Changes(const QKeyEvent& key) {
 
 }  // namespace
 
-JobPanel::JobPanel(FormHost& host, BatchRecord& record) : host_(host), record_(record) {
+JobPanel::JobPanel(FormHost& host, Form& form, BatchRecord& record) : host_(host), record_(record) {
   setObjectName("JobPanel");
-  Build(Form(host, *this));
+  Build(form);
   Listen();
 }
 
-void JobPanel::Build(Form form) {
+// Two lines of fields under their captions: the list above them needs the height.
+void JobPanel::Build(Form& form) {
   job_ = form.Text("JobNumber", TextRule::Any(kTextLength));
-  job_->setMinimumWidth(120);
   split_ = form.Button("cmdSplitJobs", tr("S&plit"), Qt::Key_F8, [this] { Q_EMIT SplitClicked(); });
-  form.Row(tr("&Job number"), {job_, split_});
   used_ = form.Number("txtQtyUsed", 3);
-  form.Row(tr("Qty &used"), {used_, usedUnit_ = form.Hint({})});
+  usedUnit_ = form.Hint({});
   returns_ = form.Check("chkReturnToInventory", tr("&Return to inventory"));
   returned_ = new CellButton("lblInvQty", 1.4, Qt::AlignRight);
   returned_->setFocusPolicy(Qt::TabFocus);
   returned_->setAccessibleName(tr("Quantity returned to inventory"));
   returned_->setToolTip(Q(ReturnedRuleText()));
-  form.Row({returns_, returned_, returnedUnit_ = form.Hint({})});
-  BuildLot(form);
-}
-
-void JobPanel::BuildLot(Form& form) {
+  returnedUnit_ = form.Hint({});
   lot_ = form.Text("LotNumber", TextRule::Any(kTextLength));
-  lotCells_.push_back(form.Row(tr("&Lot number"), lot_));
   location_ = form.Text("LotLocation", TextRule::Any(kTextLength));
   container_ = form.Text("LotContID", TextRule::Any(kTextLength));
-  for (TextField* field : {lot_, location_, container_}) {
-    field->setMinimumWidth(96);
-    lotCells_.push_back(field);
-  }
-  QLabel* id = form.Hint(tr("Cont. ID"));
+  for (TextField* field : {job_, lot_, location_, container_}) field->setMinimumWidth(96);
+
+  auto* lines = new QVBoxLayout(this);
+  lines->setContentsMargins(0, space::kTight, 0, 0);
+  lines->setSpacing(space::kUnit);
+  auto* first = new QHBoxLayout;
+  first->setSpacing(space::kGap);
+  first->addLayout(Under(Caption(tr("&Job number"), job_), {job_, split_}), 1);
+  first->addLayout(Under(Caption(tr("Qty &used"), used_), {used_, usedUnit_}));
+  first->addLayout(Under(returns_, {returned_, returnedUnit_}));
+  lines->addLayout(first);
+  lotLine_ = new QWidget(this);
+  auto* second = new QHBoxLayout(lotLine_);
+  second->setContentsMargins(0, 0, 0, 0);
+  second->setSpacing(space::kUnit);
+  second->addLayout(Under(Caption(tr("&Lot number"), lot_), {lot_}), 1);
+  second->addLayout(Under(Caption(tr("Location"), location_), {location_}), 1);
+  second->addLayout(Under(Caption(tr("Cont. ID"), container_), {container_}), 1);
   container_->setAccessibleName(tr("Container ID"));
-  lotCells_.push_back(form.Row(tr("Location"), {location_, id, container_}));
-  lotCells_.push_back(id);
+  lines->addWidget(lotLine_);
+  lines->addStretch(1);
 }
 
 void JobPanel::Listen() {
@@ -112,7 +118,7 @@ void JobPanel::Show() {
   show(lot_, record_.fields.LotNumber);
   show(location_, record_.fields.LotLoc);
   show(container_, record_.fields.LotContID);
-  for (QWidget* cell : lotCells_) cell->setVisible(host_.session.InvLotTracking != 0);
+  lotLine_->setVisible(host_.session.InvLotTracking != 0);
   for (QWidget* cell :
        std::initializer_list<QWidget*>{job_, used_, split_, returns_, returned_, lot_, location_, container_})
     cell->setEnabled(open);

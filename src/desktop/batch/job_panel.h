@@ -15,7 +15,7 @@ class JobPanel : public QWidget {
   Q_OBJECT
 
  public:
-  JobPanel(FormHost& host, BatchRecord& record);
+  JobPanel(FormHost& host, Form& form, BatchRecord& record);
 
   void Show();
   /// What was typed into the job's fields and not left yet; false after a refusal was shown.
@@ -30,8 +30,7 @@ class JobPanel : public QWidget {
   bool eventFilter(QObject* watched, QEvent* event) override;
 
  private:
-  void Build(Form form);
-  void BuildLot(Form& form);
+  void Build(Form& form);
   void Listen();
   bool EnterJob();
   bool EnterQty();
@@ -52,7 +51,7 @@ class JobPanel : public QWidget {
   TextField* lot_ = nullptr;
   TextField* location_ = nullptr;
   TextField* container_ = nullptr;
-  std::vector<QWidget*> lotCells_;
+  QWidget* lotLine_ = nullptr;
 };
 
 }  // namespace vellumark::desktop

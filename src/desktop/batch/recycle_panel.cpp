@@ -5,6 +5,7 @@
 #include <QHeaderView>
 #include <QKeyEvent>
 #include <QMouseEvent>
+#include <QTabWidget>
 #include <QTableView>
 #include <QVBoxLayout>
 #include <array>
@@ -68,11 +69,13 @@ RecyclePanel::RecyclePanel(FormHost& host, Form& form) : source_(std::make_share
   QHeaderView* header = list_->View().horizontalHeader();
   header->setSectionResizeMode(0, QHeaderView::Stretch);
   header->setMinimumSectionSize(64);
-  auto* head = new QHBoxLayout;
+  head_ = new QWidget;
+  auto* head = new QHBoxLayout(head_);
+  head->setContentsMargins(0, 0, 0, 0);
   head->addWidget(inventoryOnly_);
   head->addStretch(1);
   head->addWidget(form.Link("cmdPrintRecList", tr("Print list")));
-  column->addLayout(head);
+  column->addWidget(head_);
   column->addWidget(list_, 1);
 
   connect(inventoryOnly_, &QCheckBox::toggled, this, [this](bool on) {
@@ -106,6 +109,20 @@ void RecyclePanel::Show(const BatchWork& work) {
   list_->SetEmptyText(empty);
   list_->View().setAccessibleDescription(empty);
   list_->Refresh();
+}
+
+void RecyclePanel::PutHead(QTabWidget& pages, bool besideTitles) {
+  if (besideTitles) {
+    pages.setCornerWidget(head_);
+    connect(&pages, &QTabWidget::currentChanged, head_,
+            [this, &pages] { head_->setVisible(pages.currentWidget() == this); });
+    head_->setVisible(pages.currentWidget() == this);
+  } else {
+    pages.disconnect(head_);
+    pages.setCornerWidget(nullptr);
+    qobject_cast<QVBoxLayout*>(layout())->insertWidget(0, head_);
+    head_->show();
+  }
 }
 
 void RecyclePanel::GoToTop() {

@@ -6,6 +6,8 @@
 #include "core/batch/recycle_list.h"
 #include "desktop/kit/form.h"
 
+class QTabWidget;
+
 namespace vellumark::desktop {
 
 /// The Recycle List: the colours of which the recipe can take something. A click on a colour or Enter takes it.
@@ -19,6 +21,8 @@ class RecyclePanel : public QWidget {
   /// The first colour is the current one.
   void GoToTop();
   const RecycleListView& View() const { return view_; }
+  /// What stands above the list: beside the titles of the pages that it is one of, or with the list.
+  void PutHead(QTabWidget& pages, bool besideTitles);
 
  Q_SIGNALS:
   void Taken(const std::string& name);
@@ -36,6 +40,7 @@ class RecyclePanel : public QWidget {
   RecycleListView view_;
   std::shared_ptr<Source> source_;
   CheckField* inventoryOnly_;
+  QWidget* head_;
   Grid* list_;
   int unit_ = 1;
 };

@@ -27,7 +27,7 @@ namespace vellumark::desktop {
 namespace {
 
 constexpr int kInkSize = 32;
-constexpr int kFiguresHeight = 384;  // all lines of the costs
+constexpr int kFiguresHeight = 264;  // eight lines
 
 const char* MarkOf(LineKind kind) {
   return kind == LineKind::Mix ? "recycled" : kind == LineKind::Basic ? "basic" : "additions";

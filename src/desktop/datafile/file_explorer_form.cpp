@@ -11,8 +11,12 @@ FileExplorerForm::FileExplorerForm(WindowList& windowList, QWidget* owner, Start
       startup_(startup),
       choose_(std::move(choose)) {}
 
+void FileExplorerForm::OnOpen(const Arguments& arguments) {
+  if (arguments.Has("OpenPath")) path_ = Q(arguments.Text("OpenPath"));
+}
+
 int FileExplorerForm::exec() {
-  const QString path = choose_(ChoiceToOpen(session), parentWidget());
+  const QString path = path_.isEmpty() ? choose_(ChoiceToOpen(session), parentWidget()) : path_;
   if (path.isEmpty()) return Rejected;
   bool opened = false;
   WithFiles(*this, tr("Open Data File"), [&] {

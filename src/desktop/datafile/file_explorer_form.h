@@ -12,11 +12,14 @@ class FileExplorerForm : public Dialog {
 
  public:
   FileExplorerForm(WindowList& windowList, QWidget* owner, StartupWindows& startup, FileChooser choose);
+  /// {"OpenPath", file} opens that one, and nothing is chosen.
+  void OnOpen(const Arguments& arguments) override;
   int exec() override;
 
  private:
   StartupWindows& startup_;
   FileChooser choose_;
+  QString path_;
 };
 
 /// New Data File: the same dialog for the name of a new one.

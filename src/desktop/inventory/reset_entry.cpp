@@ -35,8 +35,9 @@ ResetEntry::ResetEntry(FormHost& host, Form form, QWidget& page, std::function<v
   QHBoxLayout* first = Line(*rows);
   auto* all = form.Button("SelAll", tr("Check &all"), [checkAll] { checkAll(true); });
   auto* none = form.Button("DSelAll", tr("Check &none"), [checkAll] { checkAll(false); });
-  first->addWidget(form.Hint(tr("Check rows in the list with a click or the space bar. A reset is written at once.")));
-  first->addStretch(1);
+  QLabel* hint = form.Hint(tr("Check rows in the list with a click or the space bar. A reset is written at once."));
+  hint->setWordWrap(true);
+  first->addWidget(hint, 1);
   first->addWidget(all);
   first->addWidget(none);
 

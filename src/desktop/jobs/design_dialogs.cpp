@@ -102,7 +102,7 @@ JobDesigns_Hints::JobDesigns_Hints(WindowList& windowList, QWidget* owner)
   Form form(*this);
   AddHintPages(form, "tabHints", pages);
   form.Buttons({form.Button("cmdClose", tr("Close"))});
-  resize(720, 320);
+  resize(880, 320);
 }
 
 ImportExamineLocalFileDesign::ImportExamineLocalFileDesign(WindowList& windowList, QWidget* owner)

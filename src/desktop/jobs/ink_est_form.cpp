@@ -42,8 +42,11 @@ void InkEstForm::AddSize(Form& form, AreaFields& fields, const QString& end) {
   fields.length = form.Number("txtLength" + end, 3);
   fields.width = form.Number("txtWidth" + end, 3);
   fields.sheets = form.Number("txtImpressions" + end, 0);
-  form.Row(tr("&Length"), {fields.length, fields.lengthUnit = form.Hint({})});
-  form.Row(tr("&Width"), {fields.width, fields.widthUnit = form.Hint({})});
+  QLabel* by = form.Hint(tr("&Width"));
+  by->setBuddy(fields.width);
+  fields.width->setAccessibleName(tr("Width"));
+  form.Row(tr("&Length"), {fields.length, fields.lengthUnit = form.Hint({}), by, fields.width,
+                           fields.widthUnit = form.Hint({})});
   form.Row(tr("&Number of sheets"), fields.sheets);
   Watch(fields.length, "Length");
   Watch(fields.width, "Width");
@@ -51,8 +54,8 @@ void InkEstForm::AddSize(Form& form, AreaFields& fields, const QString& end) {
 }
 
 void InkEstForm::AddResult(Form& form, AreaFields& fields, const QString& end) {
-  form.Row(tr("Pounds required"), fields.pounds = form.Value("lblPounds" + end));
-  form.Row(tr("Kilograms required"), fields.kilograms = form.Value("lblKilograms" + end));
+  form.Row(tr("Pounds required"), {fields.pounds = form.Value("lblPounds" + end), form.Hint(tr("Kilograms required")),
+                                   fields.kilograms = form.Value("lblKilograms" + end)});
 }
 
 void InkEstForm::BuildSheetfed(Form form) {

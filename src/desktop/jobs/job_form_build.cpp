@@ -11,6 +11,7 @@
 #include "desktop/jobs/job_form.h"
 #include "desktop/jobs/job_layout.h"
 #include "desktop/kit/icons.h"
+#include "desktop/kit/layout_memory.h"
 #include "desktop/kit/job_box.h"
 #include "desktop/kit/look.h"
 #include "desktop/kit/record_fields.h"
@@ -48,6 +49,7 @@ JobForm::JobForm(WindowList& windowList)
   BuildHead(form);
   BuildTotals(form);
   list_ = form.Table("fg");
+  list_->setProperty(kLayoutInSettings, true);
   list_->ShowFilter(tr("Filter"));
   list_->AllowManyRows();
   list_->setAccessibleName(tr("Items of the Job"));

@@ -28,6 +28,8 @@ void Repolish(QWidget& widget) {
   widget.update();
 }
 
+constexpr int kLeastButton = 92;
+constexpr int kButtonEdge = 14;  // padding and line of the style sheet
 const QDate kNoDate(1752, 9, 14);  // the earliest that the control knows stands for no date
 
 }  // namespace
@@ -339,8 +341,12 @@ CommandButton::CommandButton(const QString& name, const QString& text, const QKe
 
 QSize CommandButton::sizeHint() const {
   QSize size = QPushButton::sizeHint();
+  // Told here: a least width of the style sheet would let a layout squeeze longer words.
+  if (!property("link").toBool()) size.setWidth(std::max(size.width(), kLeastButton));
   if (!key_.isEmpty()) {
-    size.rwidth() += fontMetrics().horizontalAdvance(key_.toString(QKeySequence::NativeText)) + space::kUnit;
+    const int word = fontMetrics().size(Qt::TextShowMnemonic, text()).width();
+    const int key = fontMetrics().horizontalAdvance(key_.toString(QKeySequence::NativeText));
+    size.setWidth(std::max(size.width(), word + space::kUnit + key + 2 * kButtonEdge));
   }
   return size;
 }

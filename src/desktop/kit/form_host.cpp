@@ -2,6 +2,7 @@
 
 #include <QAbstractItemView>
 #include <QApplication>
+#include <QDialog>
 #include <QKeyEvent>
 #include <QMetaMethod>
 #include <QShortcut>
@@ -10,14 +11,54 @@
 #include <algorithm>
 #include <stdexcept>
 
+#include "desktop/kit/layout_memory.h"
 #include "desktop/kit/text.h"
+#include "desktop/kit/window.h"
 #include "desktop/kit/window_list.h"
 
 namespace vellumark::desktop {
 namespace {
 
+constexpr const char* kHelp = "HelpForm";
+
 bool IsEnter(const QKeyEvent& event) {
   return event.key() == Qt::Key_Return || event.key() == Qt::Key_Enter;
+}
+
+/// The pages of the window that the focus stands in, or else the first of those on screen.
+QTabWidget* PagesAtHand(QWidget& window) {
+  for (QWidget* widget = QApplication::focusWidget(); widget != nullptr && widget != &window;
+       widget = widget->parentWidget())
+    if (auto* tabs = qobject_cast<QTabWidget*>(widget)) return tabs;
+  for (auto* tabs : window.findChildren<QTabWidget*>())
+    if (tabs->isVisible()) return tabs;
+  return nullptr;
+}
+
+void TurnPage(QWidget& window, int step) {
+  QTabWidget* tabs = PagesAtHand(window);
+  if (tabs == nullptr) return;
+  int page = tabs->currentIndex();
+  do {
+    page = (page + step + tabs->count()) % tabs->count();
+  } while (!tabs->isTabVisible(page) || !tabs->isTabEnabled(page));
+  tabs->setCurrentIndex(page);
+}
+
+/// The keys that every window has, beside those of its buttons.
+void ListenToCommonKeys(QWidget& self, WindowList& windows) {
+  const auto on = [&self](const QKeySequence& key, std::function<void()> act) {
+    auto* shortcut = new QShortcut(key, &self, nullptr, nullptr, Qt::WidgetWithChildrenShortcut);
+    QObject::connect(shortcut, &QShortcut::activated, &self, std::move(act));
+  };
+  if (self.findChild<QTabWidget*>() != nullptr) {
+    on(Qt::CTRL | Qt::Key_PageDown, [&self] { TurnPage(self, 1); });
+    on(Qt::CTRL | Qt::Key_PageUp, [&self] { TurnPage(self, -1); });
+  }
+  // A dialog keeps the keys of the main window from being heard.
+  const std::string name = U8(self.objectName());
+  if (qobject_cast<QDialog*>(&self) != nullptr && name != kHelp && windows.Knows(kHelp))
+    on(QKeySequence::HelpContents, [&windows, name] { windows.RunDialog(kHelp, {{"Window", name}}); });
 }
 
 }  // namespace
@@ -42,6 +83,9 @@ class FormHost::Keys : public QObject {
     }
     return host_.EnterPressed(widget);
   }
+
+  QString layoutKey;
+  LayoutMemory layout;
 
  private:
   FormHost& host_;
@@ -194,6 +238,7 @@ void FormHost::BuildLate(QWidget& page) {
     QWidget::setTabOrder(last, stop);
     last = stop;
   }
+  if (!keys_->layoutKey.isEmpty()) keys_->layout.Begin(page, keys_->layoutKey);
   if (onScreen) page.show();
   Changed();
 }
@@ -208,6 +253,9 @@ void FormHost::Changed() {
 void FormHost::Ready() {
   if (ready_) return;
   ready_ = true;
+  keys_->layoutKey = KeyOfUser(session, "layout/" + self_.objectName());
+  keys_->layout.Begin(self_, keys_->layoutKey);
+  ListenToCommonKeys(self_, windows);
   MarkClean();
   // The first field has the focus, unless the window has put it elsewhere.
   Field* first = nullptr;
@@ -223,6 +271,7 @@ void FormHost::Ready() {
 }
 
 void FormHost::Closing() {
+  if (ready_) keys_->layout.Keep(self_);
   ready_ = false;
   for (Field* field : fields_) field->Control().blockSignals(true);
   // What it had put off would come while the window is still there, but perhaps no file any more.

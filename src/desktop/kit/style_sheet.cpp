@@ -35,7 +35,7 @@ QComboBox QLineEdit, QComboBox QLineEdit:focus, QAbstractSpinBox QLineEdit, QAbs
 QListView::item, QTreeView::item { background: @surface; min-height: 26px; padding: 0 4px; }
 QListView::item:selected, QTreeView::item:selected { background: @chosen; color: @text; }
 QPushButton { background: @raised; color: @text; border: 1px solid @line; border-radius: 4px; padding: 0 13px;
-  min-height: 30px; min-width: 64px; outline: none; }
+  min-height: 30px; outline: none; }
 QPushButton:hover { border-color: @border; }
 QPushButton:pressed { background: @line; }
 QPushButton:focus { border: 2px solid @accent; padding: 0 12px; }
@@ -45,7 +45,7 @@ QPushButton[primary="true"]:focus { border: 2px solid @text; }
 QPushButton[outlined="true"]:enabled { border: 2px solid @accent; padding: 0 12px; }
 QPushButton[outlined="true"][primary="true"]:focus { border: 2px solid @text; }
 QPushButton[link="true"] { background: transparent; border-color: transparent; color: @accent; padding: 0 7px;
-  min-width: 0; text-align: left; }
+  text-align: left; }
 QPushButton[link="true"]:hover, QPushButton[link="true"]:focus { border-color: @accent; }
 QToolButton { border: 1px solid transparent; border-radius: 4px; padding: 4px 8px; color: @text; }
 QToolButton:hover, QToolButton:checked { background: @raised; }

@@ -65,7 +65,11 @@ void Window::showEvent(QShowEvent* event) {
 
 void Window::keyPressEvent(QKeyEvent* event) {
   if (event->key() == Qt::Key_Escape && event->modifiers() == Qt::NoModifier) {
-    Leave();
+    // What is being edited is taken back first; the window goes once nothing in it is.
+    if (InEdit() && CanDo("cmdCancel"))
+      Do("cmdCancel");
+    else
+      Leave();
     return;
   }
   QWidget::keyPressEvent(event);

@@ -21,7 +21,6 @@ namespace {
 
 constexpr int kCheckAfter = 400;   // ms of rest after which the codes are read back
 constexpr int kCheckedDots = 300;  // of an inch, as most printers of labels have them
-constexpr const char* kHalvesKey = "labels/halves";
 constexpr double kZooms[] = {0, 0.1, 0.25, 0.5, 0.75, 1, 1.5, 2, 3, 4, 6, 8};
 
 }  // namespace
@@ -66,8 +65,6 @@ void LayoutWindow::Build() {
   halves->setStretchFactor(0, 3);
   halves->setStretchFactor(1, 2);
   halves->setSizes({720, 440});
-  halves->restoreState(memory::Recall(kHalvesKey).toByteArray());
-  connect(halves, &QSplitter::splitterMoved, this, [halves] { memory::Keep(kHalvesKey, halves->saveState()); });
   right->setMinimumWidth(416);
   form.Wide(halves, 1);
   form.ButtonsWithoutDefault(

@@ -8,6 +8,7 @@
 
 #include "core/base/text.h"
 #include "desktop/kit/icons.h"
+#include "desktop/kit/layout_memory.h"
 #include "desktop/kit/look.h"
 #include "desktop/kit/print_sheet.h"
 #include "desktop/kit/record_source.h"
@@ -140,6 +141,7 @@ FindForm::FindForm(WindowList& windowList, const QString& name, FindSubject subj
   Form found(*this, *right);
   found.Row(count_ = found.Label("lblRecordCount", tr("0 Records Found")));
   grid_ = found.Table("fg");
+  grid_->setProperty(kLayoutInSettings, true);
   grid_->ShowFilter(tr("Filter"));
   grid_->AllowManyRows();
   grid_->setAccessibleName(tr("Records found"));

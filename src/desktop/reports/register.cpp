@@ -2,9 +2,11 @@
 
 #include "core/reports/catalogue.h"
 #include "core/reports/find.h"
+#include "desktop/reports/browse_form.h"
 #include "desktop/reports/find_form.h"
 #include "desktop/reports/find_menu.h"
 #include "desktop/reports/print_box_form.h"
+#include "desktop/reports/quick_find_form.h"
 #include "desktop/reports/report_export_form.h"
 #include "desktop/reports/report_form.h"
 #include "desktop/reports/report_name_form.h"
@@ -30,6 +32,16 @@ void RegisterReportsWindows(WindowList& windows, const PrintDevices& devices) {
       return new ReportForm(list, report, choose);
     });
   windows.Register<FindMenu>("FindMenu");
+  windows.RegisterDialog("QuickFindForm", [index = std::make_shared<QuickIndex>(windows.session)](
+                                              WindowList& list, QWidget* owner) -> Dialog* {
+    return new QuickFindForm(list, owner, index);
+  });
+  using Browsed = std::pair<const char*, BrowseSubject>;
+  for (const auto& [name, subject] :
+       {Browsed{"BasicsListForm", BrowseSubject::Basics}, Browsed{"FormulasListForm", BrowseSubject::Formulas},
+        Browsed{"BatchesListForm", BrowseSubject::Batches}, Browsed{"JobsListForm", BrowseSubject::Jobs}})
+    windows.Register(name,
+                     [name, subject](WindowList& list) -> Window* { return new BrowseForm(list, name, subject); });
   using Pair = std::pair<const char*, FindSubject>;
   for (const auto& [name, subject] :
        {Pair{"FindBasic", FindSubject::Basic}, Pair{"FindMix", FindSubject::Mix}, Pair{"FindBatch", FindSubject::Batch},

@@ -9,6 +9,7 @@
 #include "core/reports/find_color.h"
 #include "core/reports/report_settings.h"
 #include "desktop/kit/icons.h"
+#include "desktop/kit/layout_memory.h"
 #include "desktop/kit/look.h"
 #include "desktop/kit/text.h"
 #include "desktop/reports/chart_panel.h"
@@ -274,6 +275,7 @@ QWidget* ReportForm::BuildMiddle(FileChooser choose) {
 
 void ReportForm::BuildGrid(Form form) {
   grid_ = form.Table("fg");
+  grid_->setProperty(kLayoutInSettings, true);
   filter_ = grid_->ShowFilter(tr("Filter"));
   grid_->AllowManyRows();
   grid_->setAccessibleName(windowTitle());
@@ -305,6 +307,9 @@ void ReportForm::BuildSide(Form form) {
     databases_->SetItems(names, true);
     databases_->setAccessibleName(tr("Databases"));
     databases_->DoNotTrack();
+    // As high as they are, up to a few: the columns need the height.
+    constexpr int kMostShown = 4;
+    databases_->setMaximumHeight(std::clamp<int>(names.size(), 2, kMostShown) * space::kRowHeight + space::kUnit);
     form.Wide(databases_, 1);
   }
   QLabel* hint = form.Hint(tr("Select/deselect columns for this report"));

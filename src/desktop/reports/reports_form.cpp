@@ -19,8 +19,6 @@ namespace {
 constexpr int kKeyRole = Qt::UserRole;
 constexpr int kDescriptionRole = Qt::UserRole + 1;
 constexpr int kDescriptionLines = 3;
-constexpr int kJobsHeight = 5;  // of the height that they share
-constexpr int kSavedHeight = 3;
 
 bool IsOfBatches(const ReportDefinition& report) {
   return report.group == "Production" || report.group == "Consumption" || report.group.starts_with("Batch");
@@ -42,9 +40,8 @@ ReportsForm::ReportsForm(WindowList& windowList) : Window(windowList, "ReportsFo
   };
   colors_ = MakePane(part(), tr(" Color Reports"), "lstColorReports", 1);
   batches_ = MakePane(part(), tr(" Batch Reports"), "lstBatchReports", 1);
-  Form last = part();
-  jobs_ = MakePane(last, tr(" Job Reports"), "lstJobReports", kJobsHeight);
-  saved_ = MakePane(last, tr(" Saved Reports"), "lstSavedReports", kSavedHeight);
+  jobs_ = MakePane(part(), tr(" Job Reports"), "lstJobReports", 1);
+  saved_ = MakePane(part(), tr(" Saved Reports"), "lstSavedReports", 1);
   form.Wide(middle, 1);
   form.Wide(description_ = form.Label("lblDescription", tr("Click on a report to view.")));
   description_->setWordWrap(true);

@@ -5,6 +5,7 @@
 #include "desktop/settings/autofill_form.h"
 #include "desktop/settings/default_cost_model_form.h"
 #include "desktop/settings/default_printer.h"
+#include "desktop/settings/help_form.h"
 #include "desktop/settings/new_setup_form.h"
 #include "desktop/settings/option_max_name_len.h"
 #include "desktop/settings/product_splash_form.h"
@@ -22,7 +23,7 @@ void RegisterSettingsWindows(WindowList& windows, const PrinterSource& printers)
     return new Default_Printer(list, owner, printers());
   });
   windows.RegisterAll<RemindersForm, UMSettingForm, UnitCostAccuracyForm, DefaultCostModelForm, VOC_HAP_OptMenu,
-                      OptionMaxNameLen, AutofillForm, ProductSplashFormPantone, AboutForm>();
+                      OptionMaxNameLen, AutofillForm, ProductSplashFormPantone, AboutForm, HelpForm>();
 }
 
 }  // namespace vellumark::desktop

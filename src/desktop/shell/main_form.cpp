@@ -23,9 +23,13 @@
 #include "desktop/kit/window.h"
 #include "desktop/shell/commands.h"
 #include "desktop/shell/start_page.h"
+#include "desktop/shell/status_line.h"
 
 namespace vellumark::desktop {
 namespace {
+
+constexpr int kLow = 600;
+constexpr int kStatusFrom = 768;
 
 // The small windows that the toolbar opens.
 constexpr std::array<std::string_view, 5> kToolbarMenus{"ColorsMenu", "LabelMenu", "FindMenu", "DBToolsMenu",
@@ -55,20 +59,29 @@ MainForm::MainForm(WindowList& windowList) : windows_(windowList), session_(wind
   setMinimumSize(800, 500);
   resize(1280, 720);
   pages_ = new QStackedWidget(this);
-  startPage_ = new StartPage(windows_, pages_);
+  startPage_ = new StartPage(windows_, pages_, [this] { FindAnything(); });
   area_ = new MainArea(this);
   pages_->addWidget(startPage_);
   pages_->addWidget(area_);
   setCentralWidget(pages_);
   windows_.SetPlace(area_);
 
+  status_ = new StatusLine(session_, this);
+  setStatusBar(status_);
+  setAcceptDrops(true);
+
   BuildMenus();
   BuildToolbar();
   connect(&windows_, &WindowList::OpenFormsChanged, this, &MainForm::ShowPage);
   changes_ = session_.changes.Subscribe([this](const std::vector<Change>& changes) {
-    if (std::ranges::any_of(changes, [](const Change& c) { return c.kind == Change::Kind::DatabaseList; }))
+    const auto of = [&](Change::Kind kind) {
+      return std::ranges::any_of(changes, [kind](const Change& change) { return change.kind == kind; });
+    };
+    if (of(Change::Kind::DatabaseList))
       QMetaObject::invokeMethod(
           this, [this] { EnableMenuItems(); }, Qt::QueuedConnection);
+    else if (of(Change::Kind::Settings))
+      QMetaObject::invokeMethod(status_, &StatusLine::Refresh, Qt::QueuedConnection);
   });
   EnableMenuItems();
 }
@@ -106,14 +119,44 @@ void MainForm::BuildMenus() {
   }
   actions_["menuFileExit"]->setMenuRole(QAction::QuitRole);
   actions_["menuFileExit"]->setShortcut(QKeySequence::Quit);
+  actions_["menuDFAdvanced_FileOpen"]->setShortcut(QKeySequence::Open);
+  recent_ = new QMenu(tr("Recent Data Files"), this);
+  recent_->setObjectName("menuRecent");
+  menus_["MenuDataFile"]->addMenu(recent_);
+  connect(menus_["MenuDataFile"], &QMenu::aboutToShow, this, &MainForm::FillRecent);
   connect(menus_["menuDFUsers_Login_As"], &QMenu::aboutToShow, this, &MainForm::FillLoginAs);
   BuildViewMenu();
+  const auto help = [this](const char* name, const QString& text, const QKeySequence& key, const auto& arguments) {
+    QAction* action = new QAction(text, this);
+    action->setObjectName(name);
+    action->setShortcut(key);
+    menus_["MenuHelp"]->insertAction(menus_["MenuHelp"]->actions().value(0), action);
+    connect(action, &QAction::triggered, this, [this, arguments] {
+      if (windows_.Knows("HelpForm")) windows_.RunDialog("HelpForm", arguments());
+    });
+  };
+  help("menuHelp_Keys", tr("&Keys"), Qt::CTRL | Qt::Key_Question, [] { return Arguments{{"Page", "keys"}}; });
+  help("menuHelp_Manual", tr("&Manual"), QKeySequence::HelpContents, [this] {
+    const Window* active = windows_.ActiveForm();
+    return Arguments{{"Window", active == nullptr ? "MainForm" : active->Name()}};
+  });
 }
 
 // How child windows stand is the operator's to choose; it is no command of the system, so it comes last.
 void MainForm::BuildViewMenu() {
   QMenu* menu = menuBar()->addMenu(tr("&Window"));
   menu->setObjectName("menuWindow");
+  QAction* find = menu->addAction(Icon("Find"), tr("&Find anything"));
+  find->setObjectName("menuWindow_Find");
+  find->setShortcut(Qt::CTRL | Qt::Key_K);
+  connect(find, &QAction::triggered, this, &MainForm::FindAnything);
+  QAction* close = menu->addAction(tr("Clo&se the window"));
+  close->setObjectName("menuWindow_Close");
+  close->setShortcut(Qt::CTRL | Qt::Key_W);
+  connect(close, &QAction::triggered, this, [this] {
+    if (Window* active = windows_.ActiveForm(); active != nullptr) active->Leave();
+  });
+  menu->addSeparator();
   connect(menu->addAction(tr("As &tabs")), &QAction::triggered, area_, &MainArea::ShowAsTabs);
   connect(menu->addAction(tr("&Free")), &QAction::triggered, area_, &MainArea::ShowFree);
   connect(menu->addAction(tr("Ti&led")), &QAction::triggered, area_, &MainArea::Tile);
@@ -157,7 +200,11 @@ void MainForm::FillLoginAs() {
 }
 
 void MainForm::RunMenuItem(const std::string& name) {
-  if (name == "menuFileExit") {
+  // By its key an entry is reached past the menus that it stands in.
+  GateMenus();
+  if (!CanBeChosen(name)) {
+    QApplication::beep();
+  } else if (name == "menuFileExit") {
     close();
   } else if (name == "menuDFAdvanced_CreateNewSupportFiles") {
     if (createSupportFiles_) createSupportFiles_();
@@ -194,6 +241,7 @@ void MainForm::RunDialogOf(const std::string& dialog, const std::vector<std::str
 
 void MainForm::BuildToolbar() {
   auto* bar = addToolBar(tr("Toolbar"));
+  toolbar_ = bar;
   bar->setObjectName("Toolbar1");
   bar->setMovable(false);
   bar->setContextMenuPolicy(Qt::PreventContextMenu);
@@ -288,6 +336,8 @@ void MainForm::EnableMenuItems() {
     findChild<QAction*>(Q(std::string(button.key) + "Action"))->setVisible(button.visible);
   }
   ShowDatabases();
+  NoteFile();
+  status_->Refresh();
   startPage_->Refresh();
   ShowPage();
 }
@@ -312,6 +362,16 @@ void MainForm::ShowPage() {
   const bool any =
       std::ranges::any_of(windows_.OpenForms(), [](const Window* window) { return !window->IsFloating(); });
   pages_->setCurrentWidget(any ? static_cast<QWidget*>(area_) : startPage_);
+}
+
+// Low windows leave the height to what is worked on: the line of the state goes, the buttons of the toolbar are words.
+void MainForm::resizeEvent(QResizeEvent* event) {
+  QMainWindow::resizeEvent(event);
+  if (status_ != nullptr) status_->setVisible(height() >= kStatusFrom);
+  const auto style = height() < kLow ? Qt::ToolButtonTextOnly : Qt::ToolButtonTextUnderIcon;
+  if (toolbar_ == nullptr || toolbar_->toolButtonStyle() == style) return;
+  toolbar_->setToolButtonStyle(style);
+  for (const auto& [key, button] : buttons_) button->setToolButtonStyle(style);
 }
 
 void MainForm::closeEvent(QCloseEvent* event) {

@@ -13,12 +13,18 @@ class QComboBox;
 class QLabel;
 class QMenu;
 class QStackedWidget;
+class QToolBar;
 class QToolButton;
+
+namespace vellumark {
+struct QuickHit;
+}
 
 namespace vellumark::desktop {
 
 class MainArea;
 class StartPage;
+class StatusLine;
 
 /// The frame of all other windows: menus, toolbar, the list of Databases, and between them the child windows or, when
 /// none is open, the start page.
@@ -46,8 +52,19 @@ class MainForm : public QMainWindow, private OpenWindows {
   void ShowCloudLine(const std::string& text);
   MainArea& Area() const { return *area_; }
 
+  // What is remembered of it (main_form_memory.cpp).
+  /// Size, place, and whether it fills the screen. False: nothing is known yet.
+  bool RecallPlace();
+  /// The windows that this user had open on this Data File, but those that he may not open now.
+  void ReopenWindows();
+  /// Both of that, and how child windows stand.
+  void Remember();
+
  protected:
   void closeEvent(QCloseEvent* event) override;
+  void resizeEvent(QResizeEvent* event) override;
+  void dragEnterEvent(QDragEnterEvent* event) override;
+  void dropEvent(QDropEvent* event) override;
 
  private:
   void BuildMenus();
@@ -65,6 +82,15 @@ class MainForm : public QMainWindow, private OpenWindows {
   void ShowDatabases();
   void ShowPage();
   void CloseToolbarMenus();
+  // Files that were open, that are dropped (main_form_files.cpp)
+  void NoteFile();
+  void FillRecent();
+  void OpenFile(const QString& path);
+  // Ctrl+K (main_form_find.cpp)
+  void FindAnything();
+  void OpenHit(const QuickHit& hit);
+  bool CanBeChosen(const std::string& menuItem) const;
+  QString WayTo(const std::string& menuItem) const;
 
   bool IsFormOpen(std::string_view name) const override { return windows_.IsFormOpen(name); }
   bool IsInEdit(std::string_view name) const override { return windows_.IsInEdit(name); }
@@ -77,6 +103,9 @@ class MainForm : public QMainWindow, private OpenWindows {
   QStackedWidget* pages_;
   StartPage* startPage_;
   MainArea* area_;
+  QMenu* recent_ = nullptr;
+  QToolBar* toolbar_ = nullptr;
+  StatusLine* status_ = nullptr;
   QComboBox* databases_ = nullptr;
   QLabel* fullName_ = nullptr;
   QLabel* cloudName_ = nullptr;

@@ -20,6 +20,7 @@ bool Program::Start(const StartOptions& options) {
   try {
     if (!StartUp(session_, options, startup_)) return false;
     main_.EnableMenuItems();
+    main_.ReopenWindows();
     return true;
   } catch (const EndOfProgram&) {
     // Chosen in a window of the start: whatever is open is closed, nothing is asked.
@@ -35,6 +36,7 @@ bool Program::Start(const StartOptions& options) {
 }
 
 bool Program::End() {
+  main_.Remember();
   if (!windows_.CloseChildWindows() || !MayEnd(session_, startup_)) return false;
   main_.DisableMenuItems();
   EndSession(session_, startup_);

@@ -6,20 +6,26 @@
 #include <QPushButton>
 #include <QTableWidget>
 #include <QVBoxLayout>
+#include <tuple>
 
-#include "core/backup/backup_set.h"
+#include "core/batch/holding.h"
+#include "core/batch/open.h"
 #include "core/datafile/databases.h"
 #include "core/inventory/stock_tables.h"
+#include "desktop/kit/grid.h"
 #include "desktop/kit/icons.h"
 #include "desktop/kit/look.h"
 #include "desktop/kit/record_source.h"
 #include "desktop/kit/text.h"
 #include "desktop/kit/window.h"
+#include "desktop/reports/open_row.h"
+#include "desktop/shell/status_line.h"
 
 namespace vellumark::desktop {
 namespace {
 
 constexpr int kMostShown = 200;
+constexpr int kWidest = 1400;
 constexpr int kKindRole = Qt::UserRole;
 
 QIcon Swatch(const LowStock& color) {
@@ -35,17 +41,26 @@ QIcon Swatch(const LowStock& color) {
 
 }  // namespace
 
-StartPage::StartPage(WindowList& windowList, QWidget* parent)
-    : QWidget(parent), windows_(windowList), session_(windowList.session) {
+class StartPage::Today : public RecordRows<BatchListRow> {
+ public:
+  Today() : RecordRows(BatchColumns(), {"Batch", "Color Name", "Made", "Unit"}) {}
+  RowTarget TargetOf(const Session& session, int row) const {
+    return {.kind = RowTarget::Kind::Batch, .database = session.CurrentDatabase, .BatchNo = At(row).BatchNo};
+  }
+};
+
+StartPage::StartPage(WindowList& windowList, QWidget* parent, std::function<void()> find)
+    : QWidget(parent), windows_(windowList), session_(windowList.session), todays_(std::make_shared<Today>()) {
   setObjectName("StartPage");
   auto* outer = new QHBoxLayout(this);
+  outer->setContentsMargins(0, 0, 0, 0);
   auto* column = new QWidget(this);
-  column->setMaximumWidth(880);
+  column->setMaximumWidth(kWidest);
   outer->addStretch(1);
-  outer->addWidget(column, 8);
+  outer->addWidget(column, 100);
   outer->addStretch(1);
   auto* lines = new QVBoxLayout(column);
-  lines->setContentsMargins(space::kGroup, space::kGroup * 2, space::kGroup, space::kGroup);
+  lines->setContentsMargins(space::kGroup, space::kGroup, space::kGroup, space::kGap);
   lines->setSpacing(space::kUnit);
 
   heading_ = new QLabel(column);
@@ -55,15 +70,91 @@ StartPage::StartPage(WindowList& windowList, QWidget* parent)
   heading_->setFont(large);
   facts_ = new QLabel(column);
   facts_->setObjectName("lblStartFacts");
-  makeBatch_ = new QPushButton(Icon("Batch"), tr("Make a &Batch"), column);
-  makeBatch_->setObjectName("cmdMakeBatch");
-  makeBatch_->hide();  // until a file is open
+  const auto button = [&](const char* name, const QString& icon, const QString& text) {
+    auto* made = new QPushButton(Icon(icon), text, column);
+    made->setObjectName(name);
+    made->hide();  // until a file is open
+    return made;
+  };
+  makeBatch_ = button("cmdMakeBatch", "Batch", tr("Make a &Batch"));
   connect(makeBatch_, &QPushButton::clicked, this, [this] { windows_.OpenForm("BatchForm"); });
-  lowHeading_ = new QLabel(tr("Colors under their reorder point"), column);
+  find_ = button("cmdFindAnything", "Find", tr("Find anything (Ctrl+K)"));
+  connect(find_, &QPushButton::clicked, this, std::move(find));
+  openBatch_ = button("cmdOpenBatch", "warning", {});
+  connect(openBatch_, &QPushButton::clicked, this,
+          [this] { windows_.OpenForm("BatchForm", {{"BatchNo", openNumber_}}); });
+  auto* buttons = new QHBoxLayout;
+  buttons->setSpacing(space::kUnit);
+  for (QPushButton* one : {makeBatch_, find_, openBatch_}) buttons->addWidget(one);
+  buttons->addStretch(1);
+
+  lines->addWidget(heading_);
+  lines->addWidget(facts_);
+  lines->addSpacing(space::kUnit);
+  lines->addLayout(buttons);
+  lines->addSpacing(space::kUnit);
+  lines->addWidget(firstSteps_ = BuildFirstSteps(column));
+  lines->addWidget(lists_ = BuildLists(column), 100);
+  lines->addStretch(1);
+
+  changes_ = session_.changes.Subscribe([this](const std::vector<Change>&) { Refresh(); });
+}
+
+StartPage::~StartPage() = default;
+
+QWidget* StartPage::BuildFirstSteps(QWidget* column) {
+  auto* box = new QWidget(column);
+  auto* lines = new QVBoxLayout(box);
+  lines->setContentsMargins(0, 0, 0, 0);
+  lines->setSpacing(space::kUnit);
+  auto* heading = new QLabel(tr("The first three steps"), box);
+  heading->setFont(Look::Heading());
+  lines->addWidget(heading);
+  const std::tuple<const char*, QString, const char*> steps[] = {
+      {"cmdFirstBasics", tr("&1   Enter the inks that you buy, with their prices"), "BasicColorsForm"},
+      {"cmdFirstFormula", tr("&2   Enter a Master Formula, or import yours"), "MixColorsForm"},
+      {"cmdFirstBatch", tr("&3   Make the first Batch"), "BatchForm"},
+  };
+  for (const auto& [name, text, window] : steps) {
+    auto* step = new QPushButton(text, box);
+    step->setObjectName(name);
+    step->setEnabled(windows_.Knows(window));
+    connect(step, &QPushButton::clicked, this, [this, window = std::string(window)] { windows_.OpenForm(window); });
+    lines->addWidget(step, 0, Qt::AlignLeft);
+  }
+  return box;
+}
+
+QWidget* StartPage::BuildLists(QWidget* column) {
+  auto* box = new QWidget(column);
+  auto* sides = new QHBoxLayout(box);
+  sides->setContentsMargins(0, 0, 0, 0);
+  sides->setSpacing(space::kGroup);
+  const auto side = [&](int stretch) {
+    auto* lines = new QVBoxLayout;
+    lines->setSpacing(space::kUnit);
+    sides->addLayout(lines, stretch);
+    return lines;
+  };
+  QVBoxLayout* left = side(1);
+  todayHeading_ = new QLabel(tr("Today's Batches"), box);
+  todayHeading_->setFont(Look::Heading());
+  today_ = new Grid("fgToday");
+  today_->SetColumns(todays_->Columns());
+  today_->SetSource(todays_);
+  today_->SetEmptyText(tr("None yet"));
+  today_->setAccessibleName(todayHeading_->text());
+  connect(today_, &Grid::RowActivated, this, [this](int row) { OpenRow(windows_, todays_->TargetOf(session_, row)); });
+  left->addWidget(todayHeading_);
+  left->addWidget(today_, 1);
+
+  QVBoxLayout* right = side(1);
+  lowHeading_ = new QLabel(tr("Colors under their reorder point"), box);
   lowHeading_->setFont(Look::Heading());
-  lowNone_ = new QLabel(tr("None. Every color with a reorder point has stock above it."), column);
+  lowNone_ = new QLabel(tr("None. Every color with a reorder point has stock above it."), box);
   lowNone_->setObjectName("lblNoneLow");
-  low_ = new QTableWidget(0, 4, column);
+  lowNone_->setWordWrap(true);
+  low_ = new QTableWidget(0, 4, box);
   low_->setObjectName("lstLowStock");
   low_->setAccessibleName(lowHeading_->text());
   low_->setSelectionBehavior(QAbstractItemView::SelectRows);
@@ -75,18 +166,11 @@ StartPage::StartPage(WindowList& windowList, QWidget* parent)
   low_->setTabKeyNavigation(false);
   low_->setToolTip(tr("Enter or a double click shows the stock of the color"));
   connect(low_, &QTableWidget::itemActivated, this, &StartPage::OpenStock);
-
-  lines->addWidget(heading_);
-  lines->addWidget(facts_);
-  lines->addSpacing(space::kGap);
-  lines->addWidget(makeBatch_, 0, Qt::AlignLeft);
-  lines->addSpacing(space::kGroup);
-  lines->addWidget(lowHeading_);
-  lines->addWidget(lowNone_);
-  lines->addWidget(low_, 100);
-  lines->addStretch(1);
-
-  changes_ = session_.changes.Subscribe([this](const std::vector<Change>&) { Refresh(); });
+  right->addWidget(lowHeading_);
+  right->addWidget(lowNone_);
+  right->addWidget(low_, 100);
+  right->addStretch(1);
+  return box;
 }
 
 void StartPage::Refresh() {
@@ -109,12 +193,13 @@ void StartPage::Show() {
   stale_ = false;
   const bool open = session_.RecordsetsOpen;
   makeBatch_->setVisible(open && windows_.Knows("BatchForm"));
-  lowHeading_->setVisible(open);
+  find_->setVisible(open && windows_.Knows("QuickFindForm"));
+  lists_->setVisible(open);
+  firstSteps_->setVisible(false);
+  openBatch_->setVisible(false);
   if (!open) {
     heading_->setText(tr("No Data File is open"));
     facts_->setText(tr("Open or make one in the Data File menu, under Advanced."));
-    low_->hide();
-    lowNone_->hide();
     return;
   }
   const DatabaseCounts counts = CountRows(session_.File(), session_.CurrentDatabase);
@@ -123,29 +208,18 @@ void StartPage::Show() {
                       .arg(Q(session_.FullName), locale().toString(static_cast<qlonglong>(counts.basics)),
                            locale().toString(static_cast<qlonglong>(counts.formulas)));
   if (session_.ArchiveView) facts += "   ·   " + tr("archive or backup copy, to be looked at only");
-  if (!session_.ArchiveView) facts += "\n" + BackupText();
+  if (!session_.ArchiveView) facts += "\n" + BackupText(session_);
   facts_->setText(facts);
+  const bool empty = counts.basics == 0 && counts.formulas == 0 && !session_.ArchiveView;
+  firstSteps_->setVisible(empty);
+  lists_->setVisible(!empty);
+  if (empty) return;
+  const std::vector<HeldStock> held = ReadHeldStock(session_.File());
+  openNumber_ = held.empty() ? 0 : held.front().BatchNo;
+  openBatch_->setVisible(openNumber_ != 0 && windows_.Knows("BatchForm"));
+  openBatch_->setText(tr("Batch %1 is still open").arg(openNumber_, 6, 10, QChar('0')));
+  ShowToday();
   ShowLowStock();
-}
-
-// The latest automatic backup, and whether it is known to give back what it holds.
-QString StartPage::BackupText() const {
-  const std::filesystem::path file = session_.DataFileName;
-  std::vector<BackupSet> sets;
-  try {
-    sets = ListSets(file.parent_path() / kAutoBackupFolder);
-  } catch (const Failure& failure) {
-    return tr("The automatic backups cannot be read: %1").arg(Q(failure.cause));
-  }
-  std::erase_if(sets, [&](const BackupSet& set) { return set.dataFile.filename() != file.filename(); });
-  if (sets.empty()) return tr("No automatic backup yet: one is made when the program closes");
-  const DateTime& made = sets.back().made;
-  const QDateTime time(QDate(made.year, made.month, made.day), QTime(made.hour, made.minute, made.second));
-  const QString when = locale().toString(time, QLocale::ShortFormat);
-  const auto& proof = sets.back().proof;
-  if (!proof) return tr("Automatic backup of %1, not proven").arg(when);
-  return proof->content.Sound() ? tr("Automatic backup of %1, proven").arg(when)
-                                : tr("Automatic backup of %1: the Data File has faults").arg(when);
 }
 
 void StartPage::OpenStock(QTableWidgetItem* activated) {
@@ -153,6 +227,13 @@ void StartPage::OpenStock(QTableWidgetItem* activated) {
   const QTableWidgetItem& name = *low_->item(activated->row(), 0);
   windows_.OpenForm("AdjustInventoryForm",
                     {{"FindRecord", U8(name.text())}, {"Kind", static_cast<ColorKind>(name.data(kKindRole).toInt())}});
+}
+
+void StartPage::ShowToday() {
+  todays_->rows = BatchesOfDay(session_, session_.clock.Today());
+  today_->Refresh();
+  const auto made = todays_->rows.size();
+  todayHeading_->setText(made == 0 ? tr("Today's Batches") : tr("Today's Batches: %1").arg(made));
 }
 
 void StartPage::ShowLowStock() {

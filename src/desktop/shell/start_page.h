@@ -1,6 +1,8 @@
 #pragma once
 
 #include <QWidget>
+#include <functional>
+#include <memory>
 
 #include "core/base/changes.h"
 #include "desktop/kit/window_list.h"
@@ -12,13 +14,17 @@ class QTableWidgetItem;
 
 namespace vellumark::desktop {
 
-/// What the main window shows while no other window is open: the Database at hand, what can be begun, and the colours
-/// that have run low.
+class Grid;
+
+/// What the main window shows while no other window is open: the Database at hand, what can be begun, today's Batches,
+/// one that is still open, the colours that have run low; in an empty Database the first three steps.
 class StartPage : public QWidget {
   Q_OBJECT
 
  public:
-  StartPage(WindowList& windowList, QWidget* parent);
+  /// `find` is what the button for finding anything does.
+  StartPage(WindowList& windowList, QWidget* parent, std::function<void()> find);
+  ~StartPage() override;
   /// Reads everything anew, as soon as the program has nothing else to do.
   void Refresh();
 
@@ -26,9 +32,12 @@ class StartPage : public QWidget {
   void showEvent(QShowEvent* event) override;
 
  private:
+  class Today;
+  QWidget* BuildLists(QWidget* column);
+  QWidget* BuildFirstSteps(QWidget* column);
   void Show();
+  void ShowToday();
   void ShowLowStock();
-  QString BackupText() const;
   void OpenStock(QTableWidgetItem* activated);
 
   WindowList& windows_;
@@ -36,9 +45,17 @@ class StartPage : public QWidget {
   QLabel* heading_;
   QLabel* facts_;
   QPushButton* makeBatch_;
-  QLabel* lowHeading_;
-  QLabel* lowNone_;
-  QTableWidget* low_;
+  QPushButton* find_;
+  QPushButton* openBatch_;  ///< one that was left open
+  std::int32_t openNumber_ = 0;
+  QWidget* firstSteps_;
+  QWidget* lists_;
+  QLabel* todayHeading_ = nullptr;
+  std::shared_ptr<Today> todays_;
+  Grid* today_ = nullptr;
+  QLabel* lowHeading_ = nullptr;
+  QLabel* lowNone_ = nullptr;
+  QTableWidget* low_ = nullptr;
   Changes::Subscription changes_;
   bool stale_ = true;
 };

@@ -12,7 +12,6 @@
 #include <QPointer>
 #include <QPushButton>
 #include <QTabWidget>
-#include <QTimer>
 #include <iostream>
 #include <map>
 #include <set>
@@ -33,117 +32,15 @@
 #include "core/session/options.h"
 #include "core/session/settings.h"
 #include "core/shell/data_files.h"
-#include "desktop/kit/message_prompt.h"
 #include "desktop/kit/scanned_entry.h"
-#include "furnished_room.h"
-#include "running.h"
+#include "every_window.h"
 #include "support/scanner.h"
 
 namespace vellumark::test {
 namespace {
 
-using Lines = std::vector<std::string>;
-using Visit = std::function<void(QWidget& window)>;
-
-struct EveryWindowTest : testing::Test {
-  EveryWindowTest() : running(room.folder.Path()) {
-    if (!running.Start({desktop::ChooseFile, [this](const auto&) { return room.folder.Path(); }}))
-      throw std::runtime_error("the program does not start");
-    running.prompt.SetHook([this](const Message& message) {
-      told.push_back(message.title);
-      return message.buttons == Buttons::Ok || message.buttons == Buttons::OkCancel ? Answer::Ok : Answer::No;
-    });
-    // Whatever else comes up on the way is noted and goes.
-    QObject::connect(&others, &QTimer::timeout, [this] {
-      auto* modal = qobject_cast<QDialog*>(QApplication::activeModalWidget());
-      if (modal == nullptr || modal == visited || (visited == nullptr && modal->objectName() == awaited) ||
-          dynamic_cast<desktop::WaitWindow*>(modal) != nullptr) return;
-      told.push_back(modal->objectName().toStdString());
-      modal->reject();
-    });
-    others.start(10);
-    running.program.Main().setUpdatesEnabled(false);  // nobody looks
-  }
-  ~EveryWindowTest() override {
-    others.stop();
-    running.program.Main().close();
-    Settle();
-  }
-
-  desktop::Arguments ShownBy(const std::string& name) {
-    using desktop::Arguments;
-    static const std::set<std::string_view> ofRecord{"CostInfForm",        "CostModelForm",  "VOC_HAP_CalcForm",
-                                                     "MoreDataForm",       "JobItemsForm",   "AdjustBasicForm",
-                                                     "AdjustAdditionForm", "AddAdditionForm"};
-    if (ofRecord.contains(name)) {
-      record = ReadBatch(running.session, 1);
-      return {{"Record", &*record}, {"Row", 0}};
-    }
-    if (name == "SaveModifiedBatch") {
-      record = ReadBatch(running.session, 1);
-      return {{"Record", static_cast<const BatchRecord*>(&*record)}};
-    }
-    if (name == "MixColorsForm") return {{"FindRecord", "TINT"}};
-    if (name == "BatchForm") return {{"Color_Name", "TARGET"}};
-    if (name == "ViewBatchForm") return {{"BatchNo", 1}};
-    if (name == "AdjustFormulaForm" || name == "DuplicateFormulaForm")
-      return {{"Work", LoadFormulaWork(running.session, *ReadMix(running.session, "TINT"))}};
-    if (name == "NewMixNameForm") return {{"Color_Name", "TINT"}};
-    return {{"FindRecord", "RED"},  {"Color_Name", "RED"},
-            {"SetName", "STD SET"}, {"Kind", ColorKind::Basic},
-            {"DesignID", "BOX"},    {"Username", "ANN"},
-            {"Path", "Old.vkd"},    {"FileVersion", 39},
-            {"JobNumber", "J1"},    {"Rows", std::vector<std::int64_t>{1}},
-            {"Number", 0},          {"IsNumber", false}};
-  }
-
-  /// Opens the window of that name, visits it and lets it go unsaved. One that needs what only the window behind it has
-  /// is passed over.
-  void On(const std::string& name, const Visit& visit) {
-    Settle();
-    told.clear();
-    bool isDialog = false;
-    try {
-      desktop::Window* window = running.windows.OpenForm(name, ShownBy(name));
-      Settle();
-      if (window != nullptr) visit(*window);
-      running.windows.CloseChildWindows();
-    } catch (const std::logic_error& none) {
-      isDialog = std::string_view(none.what()).starts_with("there is no window");
-      if (!isDialog) throw;
-    }
-    if (isDialog) {
-      QTimer poll;
-      QObject::connect(&poll, &QTimer::timeout, &poll, [&] {
-        const QPointer<QDialog> dialog = qobject_cast<QDialog*>(QApplication::activeModalWidget());
-        if (dialog == nullptr || dialog->objectName().toStdString() != name) return;
-        poll.stop();
-        visited = dialog;
-        Settle();
-        visit(*dialog);
-        if (dialog != nullptr) dialog->done(QDialog::Rejected);
-      });
-      poll.start(1);
-      awaited = QString::fromStdString(name);
-      try {
-        running.windows.RunDialog(name, ShownBy(name));
-      } catch (const std::logic_error& missing) {
-        EXPECT_TRUE(std::string_view(missing.what()).starts_with("argument ")) << missing.what();
-      }
-      visited = nullptr;
-      awaited.clear();
-    }
-    Settle();
-  }
-
-  FurnishedRoom room;
-  RunningProgram<desktop::MessagePrompt> running;
-  QTimer others;
-  QString awaited;  ///< the dialog that is being opened and not visited yet
-  QPointer<QDialog> visited;
-  std::optional<BatchRecord> record;
-  Lines told;
-};
+using EveryWindowTest = EveryWindow;
+using Lines = EveryWindow::Lines;
 
 // A window that has gone is still there for a moment, while the file may be closed already.
 TEST_F(EveryWindowTest, OneThatGoesAwaySaysAndDoesNothingMore) {

@@ -1,0 +1,67 @@
+#include "desktop/shell/status_line.h"
+
+#include <QDateTime>
+#include <QLabel>
+#include <QLocale>
+
+#include "core/backup/backup_set.h"
+#include "core/base/units.h"
+#include "desktop/kit/look.h"
+#include "desktop/kit/text.h"
+
+namespace vellumark::desktop {
+
+QString BackupText(const Session& session) {
+  const std::filesystem::path file = session.DataFileName;
+  std::vector<BackupSet> sets;
+  try {
+    sets = ListSets(file.parent_path() / kAutoBackupFolder);
+  } catch (const Failure& failure) {
+    return StatusLine::tr("The automatic backups cannot be read: %1").arg(Q(failure.cause));
+  }
+  std::erase_if(sets, [&](const BackupSet& set) { return set.dataFile.filename() != file.filename(); });
+  if (sets.empty()) return StatusLine::tr("No automatic backup yet: one is made when the program closes");
+  const DateTime& made = sets.back().made;
+  const QDateTime time(QDate(made.year, made.month, made.day), QTime(made.hour, made.minute, made.second));
+  const QString when = QLocale().toString(time, QLocale::ShortFormat);
+  const auto& proof = sets.back().proof;
+  if (!proof) return StatusLine::tr("Automatic backup of %1, not proven").arg(when);
+  return proof->content.Sound() ? StatusLine::tr("Automatic backup of %1, proven").arg(when)
+                                : StatusLine::tr("Automatic backup of %1: the Data File has faults").arg(when);
+}
+
+StatusLine::StatusLine(const Session& session, QWidget* parent) : QStatusBar(parent), session_(session) {
+  setObjectName("StatusLine");
+  setSizeGripEnabled(false);
+  user_ = Part("lblStatusUser", tr("User"));
+  database_ = Part("lblStatusDatabase", tr("Database"));
+  unit_ = Part("lblStatusUnit", tr("Unit of stock"));
+  lots_ = Part("lblStatusLots", tr("Lotted Inventory"));
+  backup_ = Part("lblStatusBackup", tr("Last automatic backup"));
+  Refresh();
+}
+
+QLabel* StatusLine::Part(const char* name, const QString& description) {
+  auto* part = new QLabel(this);
+  part->setObjectName(name);
+  part->setToolTip(description);
+  part->setAccessibleName(description);
+  part->setContentsMargins(space::kUnit, 0, space::kUnit, 0);
+  addPermanentWidget(part);
+  return part;
+}
+
+void StatusLine::Refresh() {
+  const bool open = session_.RecordsetsOpen;
+  user_->setText(Q(session_.CurrentUser));
+  user_->setVisible(!session_.CurrentUser.empty());
+  database_->setText(Q(session_.CurrentDatabase));
+  unit_->setText(Q(UnitName(session_.UMI)));
+  lots_->setText(session_.InvLotTracking != 0 ? tr("Lots") : tr("No lots"));
+  backup_->setText(!open                  ? QString()
+                   : session_.ArchiveView ? tr("Archive or backup copy, to be looked at only")
+                                          : BackupText(session_));
+  for (QLabel* part : {database_, unit_, lots_, backup_}) part->setVisible(open);
+}
+
+}  // namespace vellumark::desktop

@@ -1,0 +1,206 @@
+// How people get about in the program: what it remembers, the lists, Ctrl+K.
+
+#include <gtest/gtest.h>
+
+#include <QAction>
+#include <QContextMenuEvent>
+#include <QDragEnterEvent>
+#include <QDropEvent>
+#include <QHeaderView>
+#include <QLabel>
+#include <QLineEdit>
+#include <QMenu>
+#include <QMimeData>
+#include <QSplitter>
+#include <QTabWidget>
+#include <QTableView>
+#include <QTextBrowser>
+#include <QTimer>
+#include <QUrl>
+
+#include "core/datafile/databases.h"
+#include "core/datafile/lifecycle.h"
+#include "desktop/kit/grid.h"
+#include "desktop/kit/main_area.h"
+#include "desktop/kit/message_prompt.h"
+#include "furnished_room.h"
+#include "running.h"
+
+namespace vellumark::test {
+namespace {
+
+using Running = RunningProgram<desktop::MessagePrompt>;
+
+std::unique_ptr<Running> Begin(FurnishedRoom& room) {
+  auto running = std::make_unique<Running>(room.folder.Path());
+  if (!running->Start({desktop::ChooseFile, [&room](const auto&) { return room.folder.Path(); }}))
+    throw std::runtime_error("the program does not start");
+  running->program.Main().showNormal();
+  running->program.Main().resize(1280, 720);
+  running->program.Main().activateWindow();
+  Settle();
+  return running;
+}
+
+void End(std::unique_ptr<Running>& running) {
+  running->program.Main().close();
+  Settle();
+  running.reset();
+  RunAgain();
+}
+
+TEST(Remembered, TheNextDayBeginsAsTheLastOneEnded) {
+  FurnishedRoom room;
+  {
+    auto running = Begin(room);
+    running->program.Main().resize(1111, 666);
+    running->program.Main().move(20, 30);
+    running->windows.OpenForm("BatchForm");
+    running->windows.OpenForm("JobForm", {{"JobNumber", "J1"}});
+    running->windows.OpenForm("BasicsListForm");
+    running->windows.OpenForm("MixColorsForm", {{"FindRecord", "TINT"}});
+    Settle();
+    auto& list = Control<desktop::Grid>(*running->windows.Form("BasicsListForm"), "fgAll");
+    list.View().horizontalHeader()->resizeSection(0, 333);
+    list.ClickCaption(3, false);
+    list.ClickCaption(3, false);
+    auto* split = running->windows.Form("BatchForm")->findChild<QSplitter*>("BatchSplit");
+    running->windows.OpenForm("BatchForm");
+    Settle();
+    split->setSizes({600, 500});
+    running->windows.OpenForm("JobForm");
+    Settle();
+    End(running);
+  }
+  auto running = Begin(room);
+  std::vector<std::string> open;
+  for (const desktop::Window* window : running->windows.OpenForms()) open.push_back(window->Name());
+  EXPECT_EQ(open, (std::vector<std::string>{"BatchForm", "JobForm", "BasicsListForm", "MixColorsForm"}));
+  ASSERT_NE(running->windows.ActiveForm(), nullptr);
+  EXPECT_EQ(running->windows.ActiveForm()->Name(), "JobForm");
+  EXPECT_EQ(Control<QLineEdit>(*running->windows.Form("JobForm"), "cmbJobNumber").text(), "J1");
+  EXPECT_EQ(Control<QLineEdit>(*running->windows.Form("MixColorsForm"), "cmbColorName").text(), "TINT");
+  const auto& list = Control<desktop::Grid>(*running->windows.Form("BasicsListForm"), "fgAll");
+  EXPECT_EQ(list.ColumnWidth(0), 333);
+  EXPECT_EQ(list.Sort(), (desktop::GridSort{3, true}));
+  End(running);
+}
+
+TEST(Remembered, SizeAndPlaceOfTheMainWindow) {
+  FurnishedRoom room;
+  {
+    auto running = Begin(room);
+    running->program.Main().setGeometry(20, 30, 1001, 620);
+    Settle();
+    End(running);
+  }
+  auto running = std::make_unique<Running>(room.folder.Path());
+  ASSERT_TRUE(running->Start({desktop::ChooseFile, [&room](const auto&) { return room.folder.Path(); }}));
+  EXPECT_EQ(running->program.Main().size(), QSize(1001, 620));
+  End(running);
+}
+
+struct WaysTest : testing::Test {
+  WaysTest() : running(Begin(room)) {}
+  ~WaysTest() override { End(running); }
+
+  // The entry of the menu that opens over the widget at the spot.
+  void ChooseInMenu(const std::function<void()>& open, const QString& entry) {
+    bool seen = false;
+    QTimer poll;
+    QObject::connect(&poll, &QTimer::timeout, &poll, [&] {
+      auto* menu = qobject_cast<QMenu*>(QApplication::activePopupWidget());
+      if (menu == nullptr) return;
+      poll.stop();
+      for (QAction* action : menu->actions()) {
+        if (QString(action->text()).remove('&') != entry) continue;
+        seen = true;
+        menu->setActiveAction(action);
+        Press(*menu, Qt::Key_Return);
+        return;
+      }
+      for (const QAction* action : menu->actions()) ADD_FAILURE() << "there is " << action->text().toStdString();
+      menu->close();
+    });
+    poll.start(1);
+    open();
+    Settle();
+    EXPECT_TRUE(seen) << entry.toStdString();
+  }
+  void OpenMenu(desktop::Grid& grid, int row) {
+    grid.SetCurrentRow(row);
+    const QPoint spot = grid.View().visualRect(grid.View().currentIndex()).center();
+    QContextMenuEvent event(QContextMenuEvent::Mouse, spot, grid.View().viewport()->mapToGlobal(spot));
+    QApplication::sendEvent(grid.View().viewport(), &event);
+  }
+
+  FurnishedRoom room;
+  std::unique_ptr<Running> running;
+};
+
+TEST_F(WaysTest, ListsAreFilteredOpenedFromAndFollowChanges) {
+  desktop::WindowList& windows = running->windows;
+  desktop::Window* form = windows.OpenForm("FormulasListForm");
+  ASSERT_TRUE(WaitFor([&] { return Control<QLabel>(*form, "lblCount").text() == "4 rows"; }));
+  auto& list = Control<desktop::Grid>(*form, "fgAll");
+  EXPECT_EQ(FocusName(), "fgAll_Filter");
+  TypeOn("ti");
+  EXPECT_EQ(Control<QLabel>(*form, "lblCount").text(), "1 of 4 rows");
+  PressOn(Qt::Key_Down);
+  PressOn(Qt::Key_Return);
+  ASSERT_TRUE(windows.IsFormOpen("MixColorsForm"));
+  EXPECT_EQ(Control<QLineEdit>(*windows.Form("MixColorsForm"), "cmbColorName").text(), "TINT");
+  windows.CloseForm("MixColorsForm");
+  windows.OpenForm("FormulasListForm");
+  Settle();
+  Control<QLineEdit>(*form, "fgAll_Filter").clear();
+  // What its menu leads to.
+  ChooseInMenu([&] { OpenMenu(list, 0); }, "Stock history");
+  ASSERT_TRUE(windows.IsFormOpen("StockHistoryForm"));
+  EXPECT_EQ(Control<QLineEdit>(*windows.Form("StockHistoryForm"), "cmbColorName").text(), "LIME");
+  windows.CloseForm("StockHistoryForm");
+  ChooseInMenu([&] { OpenMenu(list, 1); }, "Make a Batch");
+  ASSERT_TRUE(windows.IsFormOpen("BatchForm"));
+  EXPECT_EQ(Control<QLineEdit>(*windows.Form("BatchForm"), "cmbColorName").text(), "TARGET");
+  windows.CloseForm("BatchForm");
+  Settle();
+
+  form = windows.OpenForm("BatchesListForm");
+  ASSERT_TRUE(WaitFor([&] { return Control<QLabel>(*form, "lblCount").text() == "2 rows"; }));
+  Picture(running->program.Main(), "list-batches");
+}
+
+// The room's own file stays the one of the program; another one beside it is opened by being dropped, and found again.
+TEST_F(WaysTest, ADroppedDataFileIsOpenedAndFoundAmongTheRecentOnes) {
+  desktop::MainForm& main = running->program.Main();
+  const std::string first = running->session.DataFileName;
+  const std::filesystem::path other = room.folder.Path() / "Other.vkd";
+  CreateFile(other);
+  {
+    const auto file = Database::Open(other, OpenMode::Exclusive);
+    CreateEmptyDatabase(*file, "WEB");
+    StoreCurrentDatabase(*file, "WEB");
+  }
+  QMimeData data;
+  data.setUrls({QUrl::fromLocalFile(QString::fromStdString(other.string()))});
+  QDragEnterEvent enter(QPoint(400, 300), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+  QApplication::sendEvent(&main, &enter);
+  EXPECT_TRUE(enter.isAccepted());
+  QDropEvent drop(QPointF(400, 300), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+  QApplication::sendEvent(&main, &drop);
+  ASSERT_TRUE(WaitFor([&] { return running->session.CurrentDatabase == "WEB"; }));
+  EXPECT_TRUE(WaitFor([&] { return Control(main, "cmdFirstBasics").isVisible(); })) << "an empty file begins with the first steps";
+  Picture(main, "start-page-empty");
+  auto* recent = main.findChild<QMenu*>("menuRecent");
+  Q_EMIT main.findChild<QMenu*>("MenuDataFile")->aboutToShow();
+  ASSERT_EQ(recent->actions().size(), 1);
+  recent->actions().front()->trigger();
+  ASSERT_TRUE(WaitFor([&] { return running->session.DataFileName == first; }));
+  Settle();
+  EXPECT_EQ(Control<QLabel>(main, "lblStatusDatabase").text(), "INK");
+  EXPECT_EQ(Control<desktop::Grid>(main, "fgToday").Model().rowCount(), 2);
+  Picture(main, "start-page");
+}
+
+}  // namespace
+}  // namespace vellumark::test
