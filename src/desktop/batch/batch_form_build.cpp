@@ -29,9 +29,9 @@
 namespace vellumark::desktop {
 namespace {
 
-// Below these the window is put together otherwise.
-constexpr int kWideFrom = 1160;
-constexpr int kHighFrom = 480;
+// Below these, in letters and lines, the window is put together otherwise.
+constexpr int kWideFrom = 145;
+constexpr int kHighFrom = 25;
 
 }  // namespace
 
@@ -188,13 +188,13 @@ QWidget* BatchForm::BuildButtons(Form& form) {
 void BatchForm::resizeEvent(QResizeEvent* event) {
   Window::resizeEvent(event);
   if (side_ == nullptr) return;  // it is still being put together
-  const bool wide = width() >= kWideFrom;
+  const bool wide = width() >= kWideFrom * fontMetrics().averageCharWidth();
   if (wide != (head_->direction() == QBoxLayout::LeftToRight)) {
     head_->setDirection(wide ? QBoxLayout::LeftToRight : QBoxLayout::TopToBottom);
     which_->setDirection(wide ? QBoxLayout::TopToBottom : QBoxLayout::LeftToRight);
     recycleList_->PutHead(*tabs_, wide);
   }
-  const bool high = height() >= kHighFrom;
+  const bool high = height() >= kHighFrom * fontMetrics().lineSpacing();
   const int page = tabs_->indexOf(job_);
   if (high == (page < 0)) return;
   QWidget* focus = job_->isAncestorOf(QApplication::focusWidget()) ? QApplication::focusWidget() : nullptr;

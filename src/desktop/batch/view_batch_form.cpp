@@ -117,9 +117,9 @@ void ViewBatchForm::OnOpen(const Arguments& arguments) {
   if (!arguments.Has("BatchNo")) return;
   const auto batchNo = static_cast<std::int32_t>(arguments.Number("BatchNo"));
   if (ShowBatch(batchNo)) return;
-  session.prompt.Tell(U8(tr("Batch Not Found")),
-                      U8(tr("Batch ID # %1 is not in this Database.").arg(Q(BatchNoText(batchNo))) + "\n" +
-                         Q(WhereMoved(session, batchNo))));
+  QString text = tr("Batch ID # %1 is not in this Database.").arg(Q(BatchNoText(batchNo)));
+  if (const std::string where = WhereMoved(session, batchNo); !where.empty()) text += "\n" + Q(where);
+  session.prompt.Tell(U8(tr("Batch Not Found")), U8(text));
   if (!record_) QMetaObject::invokeMethod(this, &ViewBatchForm::Leave, Qt::QueuedConnection);
 }
 

@@ -138,7 +138,8 @@ void DBImport_Formulas::BuildSource(Form form) {
 
 void DBImport_Formulas::BuildDestination(Form form) {
   form.Heading(tr("Destination"));
-  destination_ = form.Radio("optDest", {{"optDest_Existing", tr("Existing Database")}, {"optDest_New", tr("New Database")}});
+  destination_ = form.Radio(
+      "optDest", {{"optDest_Existing", tr("Existing Database")}, {"optDest_New", tr("New Database")}}, Qt::Horizontal);
   form.Wide(destination_);
   QLabel* hint = form.Hint(tr("Enter a name for the New Database import selection or use Existing Database and select a "
                               "current Database to merge the data into."),

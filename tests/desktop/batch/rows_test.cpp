@@ -254,7 +254,7 @@ TEST_F(BatchRowsTest, AnotherQuantityAsksWhatBecomesOfTheRecycledInk) {
   const auto again = [&](const std::string& quantity) {
     form->FocusField("txtQuantity");
     TypeOn(quantity);
-    EXPECT_EQ(Label("lblState"), "The quantity was changed: press Recycle (F2) or Mix (F3)");
+    EXPECT_EQ(Label("lblState"), "Quantity changed: Recycle (F2) or Mix (F3)");
     PressOn(Qt::Key_F2);
   };
   prompt.Expect("Batch Window - Allow Recycled Ink Amounts to Decrease?", Answer::No,
