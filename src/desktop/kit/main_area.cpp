@@ -1,6 +1,9 @@
 #include "desktop/kit/main_area.h"
 
+#include <QAction>
 #include <QApplication>
+#include <QMdiSubWindow>
+#include <QMenu>
 #include <QTabBar>
 
 #include "desktop/kit/window.h"
@@ -27,6 +30,9 @@ QWidget* MainArea::MakeRoom() {
   auto* sub = new QMdiSubWindow;
   sub->setAttribute(Qt::WA_DeleteOnClose);
   addSubWindow(sub);
+  // The menu of the main window closes by these keys; of two entries with the same key neither would hear it.
+  if (QMenu* own = sub->systemMenu(); own != nullptr)
+    for (QAction* entry : own->actions()) entry->setShortcuts(QList<QKeySequence>());
   return sub;
 }
 
@@ -76,6 +82,9 @@ Window* MainArea::Active() const {
     if (window != nullptr && window->IsFloating()) return window;
   }
   const QMdiSubWindow* sub = activeSubWindow();
+  // One that was opened out of a dialog stands in front before the platform has given the keys back.
+  for (const QMdiSubWindow* one : subWindowList(QMdiArea::ActivationHistoryOrder))
+    if (activeSubWindow() == nullptr && one->isVisible()) sub = one;
   return sub == nullptr ? nullptr : qobject_cast<Window*>(sub->widget());
 }
 

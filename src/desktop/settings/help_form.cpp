@@ -33,7 +33,8 @@ constexpr std::array<Page, 9> kPages{{
 }};
 
 // Pieces of the names of windows; the first that fits tells the page.
-constexpr std::array<std::pair<std::string_view, const char*>, 46> kPagesOfWindows{{
+constexpr std::array<std::pair<std::string_view, const char*>, 47> kPagesOfWindows{{
+    {"port_Formulas", "colors"},
     {"LotInv", "stock"},        {"ReportExport", "reports"},
     {"ReportN", "reports"},     {"ReportsForm", "reports"},
     {"Inventory", "stock"},     {"Reorder", "stock"},

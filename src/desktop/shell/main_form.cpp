@@ -126,17 +126,17 @@ void MainForm::BuildMenus() {
   connect(menus_["MenuDataFile"], &QMenu::aboutToShow, this, &MainForm::FillRecent);
   connect(menus_["menuDFUsers_Login_As"], &QMenu::aboutToShow, this, &MainForm::FillLoginAs);
   BuildViewMenu();
-  const auto help = [this](const char* name, const QString& text, const QKeySequence& key, const auto& arguments) {
+  const auto help = [this](const char* name, const QString& text, const QList<QKeySequence>& key, const auto& arguments) {
     QAction* action = new QAction(text, this);
     action->setObjectName(name);
-    action->setShortcut(key);
+    action->setShortcuts(key);
     menus_["MenuHelp"]->insertAction(menus_["MenuHelp"]->actions().value(0), action);
     connect(action, &QAction::triggered, this, [this, arguments] {
       if (windows_.Knows("HelpForm")) windows_.RunDialog("HelpForm", arguments());
     });
   };
-  help("menuHelp_Keys", tr("&Keys"), Qt::CTRL | Qt::Key_Question, [] { return Arguments{{"Page", "keys"}}; });
-  help("menuHelp_Manual", tr("&Manual"), QKeySequence::HelpContents, [this] {
+  help("menuHelp_Keys", tr("&Keys"), {Qt::CTRL | Qt::Key_Question}, [] { return Arguments{{"Page", "keys"}}; });
+  help("menuHelp_Manual", tr("&Manual"), QKeySequence::keyBindings(QKeySequence::HelpContents), [this] {
     const Window* active = windows_.ActiveForm();
     return Arguments{{"Window", active == nullptr ? "MainForm" : active->Name()}};
   });
@@ -152,7 +152,7 @@ void MainForm::BuildViewMenu() {
   connect(find, &QAction::triggered, this, &MainForm::FindAnything);
   QAction* close = menu->addAction(tr("Clo&se the window"));
   close->setObjectName("menuWindow_Close");
-  close->setShortcut(Qt::CTRL | Qt::Key_W);
+  close->setShortcuts({Qt::CTRL | Qt::Key_W, Qt::CTRL | Qt::Key_F4});
   connect(close, &QAction::triggered, this, [this] {
     if (Window* active = windows_.ActiveForm(); active != nullptr) active->Leave();
   });

@@ -202,5 +202,38 @@ TEST_F(WaysTest, ADroppedDataFileIsOpenedAndFoundAmongTheRecentOnes) {
   Picture(main, "start-page");
 }
 
+// Real keys: what is found opens, help leads to the window at hand, and a window that is closed asks about what is unsaved.
+TEST_F(WaysTest, KeysFindHelpAndClose) {
+  desktop::MainForm& main = running->program.Main();
+  Press(main, Qt::Key_Escape);
+  const auto pressed = [&](Qt::Key key, Qt::KeyboardModifiers with) {
+    main.activateWindow();
+    Settle();
+    QWidget* focus = QApplication::focusWidget();
+    Press(focus == nullptr ? main : *focus, key, with);
+  };
+  WithModal([&] { pressed(Qt::Key_K, Qt::ControlModifier); },
+            [&](QWidget& find) {
+              TypeOn("tin");
+              EXPECT_TRUE(WaitFor([&] { return Control<desktop::Grid>(find, "fgHits").Model().rowCount() > 0; }));
+              PressOn(Qt::Key_Return);
+            });
+  ASSERT_TRUE(WaitFor([&] { return running->windows.IsFormOpen("MixColorsForm"); }));
+  EXPECT_EQ(Control<QLineEdit>(*running->windows.Form("MixColorsForm"), "cmbColorName").text(), "TINT");
+  for (const auto& [key, with] : {std::pair{Qt::Key_F1, Qt::KeyboardModifiers()},
+                                  std::pair{Qt::Key_Question, Qt::KeyboardModifiers(Qt::ControlModifier)}}) {
+    std::string shown;
+    WithModal([&] { pressed(key, with); },
+              [&](QWidget& help) {
+                shown = Control<QTextBrowser>(help, "txtHelp").toPlainText().toStdString();
+                PressOn(Qt::Key_Escape);
+              });
+    EXPECT_EQ(shown.find("Keys") == 0, key == Qt::Key_Question) << shown.substr(0, 60);
+  }
+  running->prompt.SetHook([](const Message&) { return Answer::No; });
+  pressed(Qt::Key_W, Qt::ControlModifier);
+  EXPECT_TRUE(WaitFor([&] { return !running->windows.IsFormOpen("MixColorsForm"); }));
+}
+
 }  // namespace
 }  // namespace vellumark::test
