@@ -40,16 +40,19 @@ constexpr std::array<Entry, 13> kEntries{{
     {"cmdExportJobs", QT_TRANSLATE_NOOP("DBToolsMenu", "Export &Job Records"), "ExportJobRecords"},
     {"cmdDesignFiles", QT_TRANSLATE_NOOP("DBToolsMenu", "De&signs - Export and Import"), "DB_ImportExport_Designs"},
 }};
+constexpr std::size_t kFirstOfFiles = 8;
 
 }  // namespace
 
 DBToolsMenu::DBToolsMenu(WindowList& windowList)
     : Window(windowList, "DBToolsMenu", tr("DB Tools"), Stands::OverIt) {
-  Form form(*this);
+  Form whole(*this);
+  std::vector<Form> sides = whole.Columns(2);  // in one they would reach out of a small screen
   bool first = true;
   for (const Entry& entry : kEntries) {
     const std::string name = entry.window;
     if (!windows.Knows(name)) continue;
+    Form& form = sides[&entry < &kEntries[kFirstOfFiles] ? 0 : 1];
     if (entry.heading != nullptr) form.Heading(tr(entry.heading));
     CommandButton* button = form.Button(entry.button, tr(entry.caption),
                                         [this, name, isDialog = entry.isDialog] { Choose(name, isDialog); });
