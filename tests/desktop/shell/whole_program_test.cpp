@@ -147,7 +147,9 @@ TEST_F(WholeProgramTest, AFileThatDoesNotOpenIsRepairedFromTheWindowOfTheStartAn
   QObject::connect(&steps, &QTimer::timeout, [&] {
     QWidget* modal = QApplication::activeModalWidget();
     if (modal == nullptr) return;
-    if (modal->objectName() == "NewDataFileForm" && !std::exchange(pressed, true)) Click(*modal, "cmdRepair");
+    // Out of this timer, which does not run again inside what it began.
+    if (modal->objectName() == "NewDataFileForm" && !std::exchange(pressed, true))
+      QMetaObject::invokeMethod(modal, [modal] { Click(*modal, "cmdRepair"); }, Qt::QueuedConnection);
     if (modal->objectName() == "RepairForm") {
       ++reports;
       Picture(*modal, "shell-RepairForm", {});
