@@ -5,6 +5,7 @@
 #include <memory>
 #include <system_error>
 
+#include "cli/damaged_file.h"
 #include "cli/frame.h"
 #include "cli/seams.h"
 #include "core/backup/backup_days.h"
@@ -123,15 +124,8 @@ Result<Json> RestoreBackup(Context& context, const std::string& typed) {
   const auto source = SourceOf(typed);
   if (!source) return std::unexpected(source.error());
   std::error_code ignored;
-  if (!context.dataFile.empty() && fs::exists(context.dataFile, ignored)) {
-    try {
-      if (auto opened = context.open(); !opened) return std::unexpected(opened.error());
-    } catch (const Failure& failure) {
-      // That the file cannot be opened is what a restore is for; what keeps others out is not.
-      if (session.DataFileDB) throw;
-      WriteError(fmt::format("{}: {}.\n", failure.subject, failure.cause));
-    }
-  }
+  if (!context.dataFile.empty() && fs::exists(context.dataFile, ignored))
+    if (auto opened = OpenAsFarAsItCan(context); !opened) return std::unexpected(opened.error());
   session.DataFileName = context.dataFile;
   NoWindows windows(context.user, context.password);
   const auto restored = RestoreDataFile(session, *source, RestoreFrom::Location, windows);

@@ -4,6 +4,7 @@
 #include <memory>
 #include <system_error>
 
+#include "cli/damaged_file.h"
 #include "cli/frame.h"
 #include "cli/seams.h"
 #include "core/backup/deep_check.h"
@@ -144,15 +145,8 @@ Result<Json> RepairFile(Context& context, const std::string& typedPath, const st
   if (context.dataFile.empty())
     return Refuse("Data File", "No Data File is known yet. Name the one to repair: file repair PATH");
   if (std::error_code error; !fs::exists(context.dataFile, error)) throw Failure(context.dataFile, "does not exist");
-  if (CanBeOpened(context.dataFile)) {
-    try {
-      if (auto opened = context.open(); !opened) return std::unexpected(opened.error());
-    } catch (const Failure& failure) {
-      // That it cannot be opened is what a repair is for; what keeps others out is not, and shows again.
-      if (session.DataFileDB) throw;
-      WriteError(fmt::format("{}: {}.\n", failure.subject, failure.cause));
-    }
-  }
+  if (CanBeOpened(context.dataFile))
+    if (auto opened = OpenAsFarAsItCan(context); !opened) return std::unexpected(opened.error());
   session.DataFileName = context.dataFile;
   NoWindows windows(context.user, context.password);
   const auto report = RepairDataFile(session, windows, [] { return true; });
