@@ -12,13 +12,13 @@ fail() {
 install_packages() {
   local missing=() pair package
   for pair in cmake:cmake ninja-build:ninja g++:g++ ccache:ccache mold:mold python3:python3 poppler-utils:pdftotext \
-    pkgconf:pkg-config zbar-tools:zbarimg; do
+    pkgconf:pkg-config zbar-tools:zbarimg mdbtools:mdb-export; do
     command -v "${pair#*:}" >/dev/null || missing+=("${pair%%:*}")
   done
   command -v dpkg-query >/dev/null || fail "This script installs Debian packages, and this is no Debian system."
   for package in libsqlitecpp-dev libsqlite3-dev libfmt-dev nlohmann-json3-dev libcli11-dev libgtest-dev libbenchmark-dev \
     qt6-base-dev qt6-svg-dev qt6-charts-dev libqt6opengl6-dev qt6-serialport-dev libxlsxwriter-dev libzxing-dev libqrencode-dev \
-    fonts-open-sans dpkg-dev; do
+    libcurl4-openssl-dev mdbtools-dev proftpd-core proftpd-mod-crypto fonts-open-sans dpkg-dev; do
     [[ "$(dpkg-query -W -f '${db:Status-Status}' "$package" 2>/dev/null)" == installed ]] || missing+=("$package")
   done
   ((${#missing[@]})) || return 0
@@ -31,7 +31,8 @@ install_packages() {
     as_root=(sudo)
     [[ -t 0 ]] || as_root+=(-n)
   fi
-  local apt=("${as_root[@]}" env DEBIAN_FRONTEND=noninteractive apt-get -q -o DPkg::Lock::Timeout=300)
+  local apt=("${as_root[@]}" env DEBIAN_FRONTEND=noninteractive RUNLEVEL=1 apt-get -q -o DPkg::Lock::Timeout=300)
+  # Nothing that comes along starts a service of its own: the tests start the FTP server that they need, on a port of theirs.
   { "${apt[@]}" update && "${apt[@]}" install -y --no-install-recommends "${missing[@]}"; } </dev/null ||
     fail "The packages could not be installed: ${missing[*]}. Install them by hand, then start again."
 }

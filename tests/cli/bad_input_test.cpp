@@ -8,6 +8,7 @@
 
 #include "core/base/text.h"
 #include "support/cli_run.h"
+#include "support/places.h"
 
 namespace vellumark {
 namespace {
@@ -207,7 +208,8 @@ TEST(CliBadInput, ImportsAllOrNothing) {
   shop.ExpectRefused({"formula", "import", shop.folder.Path().string()}, 4, "Couldn't open textfile. (is not a file)");
   // A pipe that nobody writes into would hold the program for ever.
   ASSERT_EQ(::mkfifo((shop.folder / "pipe").c_str(), 0600), 0);
-  shop.ExpectRefused({"formula", "import", (shop.folder / "pipe").string()}, 4, "pipe: Couldn't open textfile. (is not a file)");
+  shop.ExpectRefused({"formula", "import", (shop.folder / "pipe").string()}, 4,
+                     "pipe: Couldn't open textfile. (is not a file)");
   shop.ExpectRefused({"formula", "import", "/dev/zero"}, 4, "/dev/zero: Couldn't open textfile. (is not a file)");
   fs::remove(shop.folder / "pipe");
 }
@@ -243,7 +245,8 @@ TEST(CliBadInput, AFullDiskLeavesEverythingAsItWas) {
       {{"file", "create", created, "--empty"}, 30000, created},
       {{"file", "create", created, "--empty"}, 100000, created},
       {{"settings", "set", "UMI", "3"}, 20000, "vk50suvdf.dat"},
-      {{"--json", "template", "build", VELLUMARK_SOURCE_DIR "/data/guides", "--out", (shop.folder / "t.vkt").string()},
+      {{"--json", "template", "build", (test::SourceFolder() / "data/guides").string(), "--out",
+        (shop.folder / "t.vkt").string()},
        50000,
        "t.vkt"},
       {{"formula", "export", exported.string()}, 40, "out.mfe"},

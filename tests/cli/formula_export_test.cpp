@@ -7,6 +7,7 @@
 #include "core/base/files.h"
 #include "core/base/text.h"
 #include "support/cli_run.h"
+#include "support/places.h"
 
 namespace vellumark {
 namespace {
@@ -34,7 +35,7 @@ Words Formulas(const std::filesystem::path& mfe, bool ordered) {
 TEST(CliFormulaFiles, TheSampleInkRoomComesBackInEveryFormat) {
   test::CliRoom room;
   room.MakeFile();
-  room.Json({"formula", "import", VELLUMARK_SOURCE_DIR "/data/ink_room/ink_room.mfe"});
+  room.Json({"formula", "import", (test::SourceFolder() / "data/ink_room/ink_room.mfe").string()});
   const auto file = [&](const std::string& name) { return (room.folder / name).string(); };
   EXPECT_EQ(room.Json({"formula", "export", "--out", file("all.mfe")})["Formulas"], 304);
   for (int format = 0; format < 8; ++format) {

@@ -5,13 +5,14 @@
 #include "core/base/files.h"
 #include "core/datafile/engine.h"
 #include "support/cli_run.h"
+#include "support/places.h"
 
 namespace vellumark {
 namespace {
 
 namespace fs = std::filesystem;
 
-const std::string kSampleTexts = std::string(VELLUMARK_SOURCE_DIR) + "/data/guides";
+const std::string kSampleTexts = test::SourceFolder().string() + "/data/guides";
 
 fs::path InstallTemplate(const test::CliRoom& room) {
   fs::create_directories(room.folder / "Program");

@@ -3,6 +3,7 @@
 #include <filesystem>
 
 #include "support/cli_run.h"
+#include "support/places.h"
 
 namespace vellumark {
 namespace {
@@ -163,7 +164,7 @@ TEST(CliTools, RefusedWithNothingChanged) {
 TEST(CliFormulas, ComparedWithTheGuideAndPutBack) {
   const test::CliRoom room;
   std::filesystem::create_directories(room.folder / "Program");
-  room.Json({"template", "build", std::string(VELLUMARK_SOURCE_DIR) + "/data/guides", "--out",
+  room.Json({"template", "build", test::SourceFolder().string() + "/data/guides", "--out",
              (room.folder / "Program" / "pdbt.vkt").string()});
   room.Json({"file", "create", (room.folder / "Guides.vkd").string()});
   EXPECT_EQ(room.Json({"formula", "compare", "90001"})["Modified"], false);

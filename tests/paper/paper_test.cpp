@@ -13,6 +13,7 @@
 #include "core/base/refusal.h"
 #include "paper/pdf.h"
 #include "support/pdf_text.h"
+#include "support/places.h"
 #include "support/scratch.h"
 
 namespace vellumark::paper {
@@ -89,7 +90,7 @@ std::vector<PdfLine> BodyOf(const PdfPage& page) {
 
 // For whoever runs the tests, to be looked at: build/screens/paper-NAME-1.png.
 void Picture(const std::filesystem::path& file, const std::string& name) {
-  const std::filesystem::path screens = std::filesystem::path(VELLUMARK_CLI).parent_path() / "../screens";
+  const std::filesystem::path screens = test::ScreensFolder();
   std::filesystem::create_directories(screens);
   RunTool(fmt::format("pdftoppm -r 60 -l 1 -png '{}' '{}'", file.string(), (screens / ("paper-" + name)).string()));
 }

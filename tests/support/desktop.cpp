@@ -17,6 +17,7 @@
 #include <stdexcept>
 
 #include "desktop/kit/application.h"
+#include "support/places.h"
 
 namespace vellumark::test {
 namespace {
@@ -184,8 +185,7 @@ void WithModal(const std::function<void()>& act, const std::function<void(QWidge
 }
 
 void Picture(QWidget& window, const std::string& name, QSize size) {
-  std::filesystem::create_directories(VELLUMARK_SCREENS);
-  const std::string base = std::string(VELLUMARK_SCREENS) + "/" + name;
+  const std::string base = (ScreensFolder() / name).string();
   if (size.isValid()) window.resize(size);
   if (!window.isVisible()) window.show();
   for (const Theme theme : {Theme::Light, Theme::Dark}) {

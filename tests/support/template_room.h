@@ -5,6 +5,7 @@
 
 #include "core/base/files.h"
 #include "core/colors/template_file.h"
+#include "support/places.h"
 #include "support/scratch.h"
 
 namespace vellumark::test {
@@ -27,7 +28,7 @@ struct TemplateTexts {
 
 /// The template that comes with the program.
 inline void BuildSampleTemplate(const std::filesystem::path& out) {
-  const auto built = BuildTemplate(std::filesystem::path(VELLUMARK_SOURCE_DIR) / "data" / "guides", out);
+  const auto built = BuildTemplate(SourceFolder() / "data" / "guides", out);
   if (!built) throw std::runtime_error(built.error().text);
 }
 

@@ -14,6 +14,7 @@
 #include "core/datafile/databases.h"
 #include "core/datafile/lifecycle.h"
 #include "core/datafile/writer.h"
+#include "support/places.h"
 #include "support/scratch.h"
 
 namespace vellumark {
@@ -217,7 +218,7 @@ TEST(Schema, WhatIsMissingIsTold) {
 
 // A file of a program that knew no keys, in which rows were deleted between others.
 struct KeylessFile {
-  KeylessFile() { fs::copy_file(fs::path(VELLUMARK_SOURCE_DIR) / "tests/core/datafile/keyless.vkd", path); }
+  KeylessFile() { fs::copy_file(test::SourceFolder() / "tests/core/datafile/keyless.vkd", path); }
   static std::string Rows(Database& file) {
     std::string rows;
     for (const char* sql :

@@ -12,6 +12,7 @@
 #include "core/colors/formulas.h"
 #include "core/exchange/formula_export.h"
 #include "support/guide_room.h"
+#include "support/places.h"
 
 namespace vellumark {
 namespace {
@@ -31,7 +32,7 @@ std::vector<std::string> Lines(const std::filesystem::path& path) {
 
 TEST(MfeImport, RealRecipesComeBackAsTheyWent) {
   test::InkRoom room;
-  const std::filesystem::path source = std::filesystem::path(VELLUMARK_SOURCE_DIR) / "data/recipes/real_recipes.mfe";
+  const std::filesystem::path source = test::SourceFolder() / "data/recipes/real_recipes.mfe";
   const auto report = ImportFormulas(room.session, source);
   ASSERT_TRUE(report) << report.error().text;
   EXPECT_EQ(report->added.size(), 4683U);

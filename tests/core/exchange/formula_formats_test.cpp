@@ -11,6 +11,7 @@
 #include "core/exchange/formula_import.h"
 #include "core/exchange/formula_writer.h"
 #include "support/ink_room.h"
+#include "support/places.h"
 
 namespace vellumark {
 namespace {
@@ -109,8 +110,7 @@ TEST(FormulaFormats, EachIsWrittenToTheByteAndReadByItsContent) {
 
 TEST(FormulaFormats, RealRecipesComeBackWithNamesCodesPartsAndOrder) {
   test::InkRoom room;
-  ASSERT_TRUE(
-      ImportFormulas(room.session, std::filesystem::path(VELLUMARK_SOURCE_DIR) / "data/recipes/real_recipes.mfe"));
+  ASSERT_TRUE(ImportFormulas(room.session, test::SourceFolder() / "data/recipes/real_recipes.mfe"));
   room.session.File().Execute("UPDATE INK_Mix SET Color_Code = 'C\\' || RowKey");
   room.session.File().Execute("UPDATE INK_Basic SET Color_Code = 'B' || RowKey");
   std::vector<MixColor> sent;

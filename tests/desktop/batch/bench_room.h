@@ -17,6 +17,7 @@
 #include "desktop/kit/grid.h"
 #include "support/desktop.h"
 #include "support/ink_room.h"
+#include "support/places.h"
 
 namespace vellumark::test {
 
@@ -32,7 +33,7 @@ struct BenchRoom : testing::Test, InkRoom {
   }
 
   static std::vector<std::vector<std::string>> SampleLines(const std::string& file) {
-    std::ifstream in(std::string(VELLUMARK_SOURCE_DIR "/data/ink_room/") + file);
+    std::ifstream in(SourceFolder() / "data/ink_room" / file);
     std::vector<std::vector<std::string>> lines;
     for (std::string line; std::getline(in, line);) {
       if (!line.empty() && line.back() == '\r') line.pop_back();

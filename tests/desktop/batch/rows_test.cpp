@@ -9,6 +9,7 @@
 #include <QTabWidget>
 
 #include "bench_room.h"
+#include "support/places.h"
 
 namespace vellumark::test {
 namespace {
@@ -489,7 +490,7 @@ TEST_F(BatchRowsTest, TwentyLinesScrollAndTheButtonsStayInSight) {
     if (scale == 1) {
       Picture(*form, "batch-full", {1280, 590});
     } else {
-      EXPECT_TRUE(form->grab().save(VELLUMARK_SCREENS "/batch-full-font200.png"));
+      EXPECT_TRUE(form->grab().save(QString::fromStdString((ScreensFolder() / "batch-full-font200.png").string())));
     }
     prompt.Expect("Batch Window - Save Information?", Answer::No, "Save this information?");
     ASSERT_TRUE(form->Leave());

@@ -13,6 +13,7 @@
 #include "desktop/colors/register.h"
 #include "support/desktop.h"
 #include "support/ink_room.h"
+#include "support/places.h"
 
 namespace vellumark::test {
 
@@ -86,7 +87,7 @@ struct ColorsDesk : InkRoom {
 
  private:
   static std::vector<std::vector<std::string>> Lines(const std::string& file) {
-    std::ifstream in(std::string(VELLUMARK_SOURCE_DIR "/data/ink_room/") + file);
+    std::ifstream in(SourceFolder() / "data/ink_room" / file);
     std::vector<std::vector<std::string>> lines;
     for (std::string line; std::getline(in, line);) {
       if (!line.empty() && line.back() == '\r') line.pop_back();

@@ -14,6 +14,7 @@
 #include "desktop/tools/register.h"
 #include "support/desktop.h"
 #include "support/ink_room.h"
+#include "support/places.h"
 
 namespace vellumark::test {
 namespace {
@@ -172,7 +173,7 @@ TEST_F(ExportRoom, AShopsColumnsAreToldInAWindowAndRemembered) {
 
 // The examples are the sample ink room's own.
 TEST(FormatExamples, AreFormulasOfTheSampleInkRoom) {
-  const std::filesystem::path room = std::filesystem::path(VELLUMARK_SOURCE_DIR) / "data/ink_room";
+  const std::filesystem::path room = SourceFolder() / "data/ink_room";
   const auto all = ReadFormulaFile(room / "ink_room.mfe", {});
   ASSERT_TRUE(all);
   const std::string swatches = ReadFileBytes(room / "swatches.tsv");

@@ -15,6 +15,7 @@
 #include "core/batch/dispensers.h"
 #include "running.h"
 #include "support/cli_run.h"
+#include "support/places.h"
 #include "support/scale_on_pty.h"
 
 namespace vellumark::test {
@@ -26,7 +27,7 @@ struct ScaleDay : testing::Test {
   ScaleDay() {
     room.MakeFile();
     Done({"settings", "set", "InvLotTracking", "0"});
-    std::ifstream in(std::string(VELLUMARK_SOURCE_DIR "/data/ink_room/basics.tsv"));
+    std::ifstream in(SourceFolder() / "data/ink_room/basics.tsv");
     std::string line;
     for (std::getline(in, line); std::getline(in, line);) {
       std::istringstream cells(line);
@@ -36,7 +37,7 @@ struct ScaleDay : testing::Test {
       Done({"color", "add", name, "Color_Code=" + code});
       Done({"stock", "adjust", name, "500"});
     }
-    Done({"--yes", "formula", "import", VELLUMARK_SOURCE_DIR "/data/ink_room/ink_room.mfe"});
+    Done({"--yes", "formula", "import", (SourceFolder() / "data/ink_room/ink_room.mfe").string()});
     Done({"formula", "edit", "DENIM BLUE 45", "Recycle=true"});
     Done({"stock", "adjust", "DENIM BLUE 45", "8", "--kind", "formula"});
     Done({"scale", "settings", "CommPort=" + scale.Port(), "BaudRate=9600"});
