@@ -4,12 +4,6 @@
 
 #include <algorithm>
 
-#include "core/colors/formulas.h"
-#include "core/datafile/databases.h"
-#include "core/datafile/lifecycle.h"
-#include "core/session/stock_lines.h"
-#include "core/settings/support_files.h"
-
 namespace vellumark::test {
 
 InkRoom::InkRoom() {

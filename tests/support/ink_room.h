@@ -6,9 +6,13 @@
 #include <utility>
 #include <vector>
 
-#include "core/datafile/color_kind.h"
+#include "core/colors/formulas.h"
+#include "core/datafile/databases.h"
+#include "core/datafile/lifecycle.h"
 #include "core/datafile/writer.h"
 #include "core/session/session.h"
+#include "core/session/stock_lines.h"
+#include "core/settings/support_files.h"
 #include "support/scratch.h"
 #include "support/sound.h"
 
