@@ -7,7 +7,6 @@
 #include <cstdlib>
 #include <stdexcept>
 
-#include "core/base/files.h"
 #include "core/datafile/engine.h"
 #include "support/places.h"
 

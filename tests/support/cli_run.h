@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "core/base/files.h"
 #include "support/sound.h"
 
 namespace vellumark::test {
