@@ -27,16 +27,11 @@ void ForEachSetting(Options& options, const Visit& visit) {
   visit(setting::ShowQuickInfoOption.Named(), options.ShowQuickInfo);
   for (int i = 0; i < kQuickInfoFields; ++i)
     visit(setting::QuickInfoField[i], options.QuickInfoField.at(static_cast<std::size_t>(i)));
-  for (int i = 0; i < kUserFields; ++i) {
-    auto& text = options.texts.at(static_cast<std::size_t>(i));
-    visit(setting::BatchCustomTextLabelCaption[i], text.caption);
-    visit(setting::BatchUDTxtDefault[i], text.hasDefault);
-    visit(setting::BatchUDTxtValue[i], text.value);
-    visit(setting::BatchUDTxtRequired[i], text.required);
-    auto& number = options.numbers.at(static_cast<std::size_t>(i));
-    visit(setting::BatchCustomNumericLabelCaption[i], number.caption);
-    visit(setting::Batches_UDNum_Format[i], number.decimals);
-  }
+  ForEachUserField(options,
+                   UserFieldSettings{setting::BatchCustomTextLabelCaption, setting::BatchUDTxtDefault,
+                                     setting::BatchUDTxtValue, setting::BatchUDTxtRequired,
+                                     setting::BatchCustomNumericLabelCaption, setting::Batches_UDNum_Format},
+                   visit);
 }
 
 }  // namespace
@@ -65,10 +60,7 @@ Result<void> SaveBatchOptions(Session& session, BatchOptions options) {
   if (UnitName(options.UMF).empty()) return Refuse(kTitle, "Select a unit from the list.", "cmbUMF");
   if (auto fields = CheckUserFields(options, kTitle); !fields) return fields;
   std::vector<SettingText> values;
-  ForEachSetting(options, [&](const auto& named, auto& value) {
-    if constexpr (std::is_same_v<decltype(value), std::string&>) value = Trim(value);
-    values.push_back(named.To(value));
-  });
+  ForEachSetting(options, TrimmedInto(values));
   StoreSettings(session, values);
   return {};
 }

@@ -248,21 +248,30 @@ void ClickHeader(RecycleListView& view, RecycleColumn column) {
   view.column = column;
 }
 
-std::array<std::string, 3> RecycleListCaptions(const RecycleListView& view, int unit) {
-  std::array<std::string, 3> captions{"Color Name", "Recycle", fmt::format("Inventory ({})", UnitName(unit))};
-  if (!view.sorted) return captions;
-  switch (view.column) {
-    case RecycleColumn::Name:
-      captions[0] = view.reversed ? "Color Name  Z-A" : "Color Name  A-Z";
-      break;
-    case RecycleColumn::Recycle:
-      captions[1] = view.reversed ? "<  Recycle" : ">  Recycle";
-      break;
-    case RecycleColumn::Inventory:
-      captions[2] = view.reversed ? "<  Inventory" : ">  Inventory";
-      break;
+TableOf<RecycleListRow> RecycleListColumns(const RecycleListView& view, int unit) {
+  std::string name = "Color Name", recycle = "Recycle", inventory = fmt::format("Inventory ({})", UnitName(unit));
+  if (view.sorted) {
+    switch (view.column) {
+      case RecycleColumn::Name:
+        name += view.reversed ? "  Z-A" : "  A-Z";
+        break;
+      case RecycleColumn::Recycle:
+        recycle = view.reversed ? "<  Recycle" : ">  Recycle";
+        break;
+      case RecycleColumn::Inventory:
+        inventory = view.reversed ? "<  Inventory" : ">  Inventory";
+        break;
+    }
   }
-  return captions;
+  TableOf<RecycleListRow> table;
+  table.Add("Color_Name", &RecycleListRow::Color_Name, name).Width(3000);
+  table
+      .Add(
+          "Recycle_Percent", [](const RecycleListRow& row) { return RoundTo(row.Recycle_Percent, 4); }, recycle,
+          Format::Percent)
+      .Width(1680);
+  table.Add("Inventory", &RecycleListRow::Inventory, inventory).Width(2160);
+  return table;
 }
 
 std::vector<RecycleListRow> RecycleListRows(const BatchWork& work, const RecycleListView& view) {
@@ -291,9 +300,8 @@ std::vector<RecycleListRow> RecycleListRows(const BatchWork& work, const Recycle
   rows.reserve(shown.size());
   for (const std::size_t place : shown) {
     const RecycleColor& color = list[place];
-    // Rounded while it is a share: a hundred times the Single would no longer be the decimal that a person sees.
-    rows.push_back({color.Color_Name, Fixed(RoundTo(color.Recycle_Percent, 4) * 100, 2) + "%",
-                    Fixed(color.Inventory, 3), color.Recycle && color.Inventory > 0, place});
+    rows.push_back({color.Color_Name, RoundSingle(color.Recycle_Percent, 4), color.Inventory,
+                    color.Recycle && color.Inventory > 0, place});
   }
   return rows;
 }

@@ -1,12 +1,12 @@
 #pragma once
 
-#include <array>
 #include <cstdint>
 #include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
 
+#include "core/base/table.h"
 #include "core/batch/batch_work.h"
 
 namespace vellumark {
@@ -47,15 +47,16 @@ struct RecycleListView {
 
 struct RecycleListRow {
   std::string Color_Name;
-  std::string recycle;       ///< "25.00%"
-  std::string inventory;     ///< three decimals
+  float Recycle_Percent = 0;  ///< the share, 0.25 for 25.00%, four decimals
+  float Inventory = 0;
   bool highlighted = false;  ///< in stock and to be recycled
   std::size_t place = 0;     ///< in RecycleList
 };
 
 /// A click on a header sorts by its column, A to Z or largest first; a second click reverses it.
 void ClickHeader(RecycleListView& view, RecycleColumn column);
-std::array<std::string, 3> RecycleListCaptions(const RecycleListView& view, int unit);
+/// Name, share and stock, in the order of RecycleColumn, under captions that tell how the list is sorted.
+TableOf<RecycleListRow> RecycleListColumns(const RecycleListView& view, int unit);
 /// The colours of which the recipe can take something.
 std::vector<RecycleListRow> RecycleListRows(const BatchWork& work, const RecycleListView& view);
 

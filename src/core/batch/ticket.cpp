@@ -259,7 +259,8 @@ Result<Sheet> RecycleListSheet(const Session& session, const BatchWork& work) {
   for (const RecycleListRow& row : RecycleListRows(work, {})) {
     const RecycleColor& color = work.RecycleList[row.place];
     // By the figures that are printed: 50.00 is not greater than 50.
-    if (!options.recListPercent || LeadingNumber(row.recycle) > options.recListPercentValue) colors.push_back(color);
+    if (!options.recListPercent || RoundTo(row.Recycle_Percent * 100.0, 2) > options.recListPercentValue)
+      colors.push_back(color);
   }
   TableOf<RecycleColor> table;
   table.Add("Color_Name", &RecycleColor::Color_Name, "Color Name")

@@ -14,35 +14,22 @@ namespace {
 
 constexpr double kMostNumber = 99999999;
 
-template <class Options, class Visit>
-void ForEachSetting(Options& options, const Visit& visit) {
-  for (int i = 0; i < kUserFields; ++i) {
-    auto& text = options.texts.at(static_cast<std::size_t>(i));
-    visit(setting::JobCustomTextLabelCaption[i], text.caption);
-    visit(setting::JobUDTxtDefault[i], text.hasDefault);
-    visit(setting::JobUDTxtValue[i], text.value);
-    visit(setting::JobUDTxtRequired[i], text.required);
-    auto& number = options.numbers.at(static_cast<std::size_t>(i));
-    visit(setting::JobCustomNumericLabelCaption[i], number.caption);
-    visit(setting::Jobs_UDNum_Format[i], number.decimals);
-  }
-}
+constexpr UserFieldSettings kSettings{
+    setting::JobCustomTextLabelCaption,    setting::JobUDTxtDefault,  setting::JobUDTxtValue, setting::JobUDTxtRequired,
+    setting::JobCustomNumericLabelCaption, setting::Jobs_UDNum_Format};
 
 }  // namespace
 
 UserFieldOptions ReadJobOptions(const Session& session) {
   UserFieldOptions options;
-  ForEachSetting(options, [&](const auto& named, auto& value) { value = GetSetting(session, named); });
+  ForEachUserField(options, kSettings, [&](const auto& named, auto& value) { value = GetSetting(session, named); });
   return options;
 }
 
 Result<void> SaveJobOptions(Session& session, UserFieldOptions options) {
   if (auto fields = CheckUserFields(options, "Job Options"); !fields) return fields;
   std::vector<SettingText> values;
-  ForEachSetting(options, [&](const auto& named, auto& value) {
-    if constexpr (std::is_same_v<decltype(value), std::string&>) value = Trim(value);
-    values.push_back(named.To(value));
-  });
+  ForEachUserField(options, kSettings, TrimmedInto(values));
   StoreSettings(session, values);
   return {};
 }

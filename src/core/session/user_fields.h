@@ -1,8 +1,11 @@
 #pragma once
 
+#include <array>
 #include <string>
-#include <string_view>
+#include <type_traits>
+#include <vector>
 
+#include "core/base/text.h"
 #include "core/session/session.h"
 #include "core/settings/settings.h"
 
@@ -35,6 +38,39 @@ struct UserFieldOptions {
   std::array<UserNumberOption, kUserFields> numbers;
   bool operator==(const UserFieldOptions&) const = default;
 };
+
+/// The numbered settings that keep them, of Batches or of Jobs.
+struct UserFieldSettings {
+  const SettingGroup<std::string>& textCaption;
+  const SettingGroup<bool>& hasDefault;
+  const SettingGroup<std::string>& value;
+  const SettingGroup<bool>& required;
+  const SettingGroup<std::string>& numberCaption;
+  const SettingGroup<int>& decimals;
+};
+
+/// Calls `visit` with each of those settings and the option that it keeps.
+template <class Options, class Visit>
+void ForEachUserField(Options& options, const UserFieldSettings& settings, const Visit& visit) {
+  for (int i = 0; i < kUserFields; ++i) {
+    auto& text = options.texts.at(static_cast<std::size_t>(i));
+    visit(settings.textCaption[i], text.caption);
+    visit(settings.hasDefault[i], text.hasDefault);
+    visit(settings.value[i], text.value);
+    visit(settings.required[i], text.required);
+    auto& number = options.numbers.at(static_cast<std::size_t>(i));
+    visit(settings.numberCaption[i], number.caption);
+    visit(settings.decimals[i], number.decimals);
+  }
+}
+
+/// Visits settings and their options: what is to be stored of each, texts without blanks around them.
+inline auto TrimmedInto(std::vector<SettingText>& values) {
+  return [&values](const auto& named, auto& value) {
+    if constexpr (std::is_same_v<decltype(value), std::string&>) value = Trim(value);
+    values.push_back(named.To(value));
+  };
+}
 
 /// Refuses captions that are empty, too long or hold what a column's title cannot; a default that the field cannot
 /// hold. The field of the refusal says which, with its number ("txtTextCaption2").

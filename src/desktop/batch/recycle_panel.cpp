@@ -13,6 +13,7 @@
 
 #include "desktop/batch/ink_patch.h"
 #include "desktop/kit/look.h"
+#include "desktop/kit/record_source.h"
 #include "desktop/kit/text.h"
 
 namespace vellumark::desktop {
@@ -23,21 +24,17 @@ constexpr std::array<RecycleColumn, 3> kColumns{RecycleColumn::Name, RecycleColu
 }  // namespace
 
 /// The rows as the core gives them; the ink of a colour is read when its row is first painted.
-class RecyclePanel::Source : public GridSource {
+class RecyclePanel::Source : public RecordSource<RecycleListRow> {
  public:
-  explicit Source(const Session& session) : session_(session) {}
+  explicit Source(const Session& session) : RecordSource(RecycleListColumns({}, 1)), session_(session) {}
 
   void Set(std::vector<RecycleListRow> rows) {
     rows_ = std::move(rows);
     inks_.assign(rows_.size(), {});
   }
-  const RecycleListRow& At(int row) const { return rows_.at(static_cast<std::size_t>(row)); }
+  const RecycleListRow& At(int row) const override { return rows_.at(static_cast<std::size_t>(row)); }
 
   int Rows() const override { return static_cast<int>(rows_.size()); }
-  std::string Text(int row, int column) const override {
-    const RecycleListRow& color = At(row);
-    return column == 0 ? color.Color_Name : column == 1 ? color.recycle : color.inventory;
-  }
   std::optional<QColor> Swatch(int row, int column) const override {
     if (column != 0) return std::nullopt;
     auto& [known, ink] = inks_.at(static_cast<std::size_t>(row));
@@ -95,9 +92,8 @@ RecyclePanel::RecyclePanel(FormHost& host, Form& form) : source_(std::make_share
 
 void RecyclePanel::ShowCaptions(int unit) {
   unit_ = unit;
-  const auto captions = RecycleListCaptions(view_, unit);
-  std::vector<GridColumn> columns{GridColumn::Text(Q(captions[0]), 200), GridColumn::Number(Q(captions[1]), 112),
-                                  GridColumn::Number(Q(captions[2]), 144)};
+  source_->Define(RecycleListColumns(view_, unit));
+  std::vector<GridColumn> columns = source_->Columns();
   for (GridColumn& column : columns) column.sortable = false;
   list_->SetColumns(std::move(columns));
 }

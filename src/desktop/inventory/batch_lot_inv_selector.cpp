@@ -5,47 +5,51 @@
 
 #include "core/base/number.h"
 #include "core/base/units.h"
+#include "core/inventory/lot_selection_table.h"
 #include "desktop/inventory/lot_grid.h"
+#include "desktop/kit/record_source.h"
 #include "desktop/kit/text.h"
 
 namespace vellumark::desktop {
 namespace {
 
 enum Column { Check, LotNum, Location, ContID, InvQty, QtyUsed, Remove, IngType };
+constexpr int kCheckWidth = 40;
 
 }  // namespace
 
-class BatchLotInvSelector::Source : public GridSource {
+/// The rows of the working copy behind a box to check them.
+class BatchLotInvSelector::Source : public RecordSource<LotSelectionRow> {
  public:
-  explicit Source(const LotSelectionWork& work) : work_(work) {}
+  explicit Source(const LotSelectionWork& work) : RecordSource(LotSelectionColumns(work.unit)), work_(work) {}
 
+  /// In the unit of the Batch.
+  std::vector<GridColumn> Columns() {
+    Define(LotSelectionColumns(work_.unit));
+    std::vector<GridColumn> columns = RecordSource::Columns();
+    columns.insert(columns.begin(), GridColumn::Text({}, kCheckWidth));
+    columns.push_back(GridColumn::Text("IngType", 0));
+    columns[Check].sortable = false;
+    for (const Column column : {LotNum, Location, ContID}) columns[column].sort = GridColumn::Sort::TextNoCase;
+    return columns;
+  }
   int Rows() const override { return static_cast<int>(work_.rows.size()); }
   int FixedRows() const override { return 1; }
   std::string Text(int row, int column) const override {
-    const LotSelectionRow& one = work_.rows.at(static_cast<std::size_t>(row));
-    switch (column) {
-      case LotNum:
-        return one.lot.LotNumber;
-      case Location:
-        return one.lot.LotLoc;
-      case ContID:
-        return one.lot.LotContID;
-      case InvQty:
-        return Fixed(one.InvQty, 3);
-      case QtyUsed:
-        return Fixed(one.lot.LotQty, 3);
-      case Remove:
-        return one.lot.Remove ? "Yes" : "No";
-      case IngType:
-        return std::to_string(static_cast<int>(ColorKindOf(work_.kind)));
-      default:
-        return {};
-    }
+    if (column == Check) return {};
+    if (column == IngType) return std::to_string(static_cast<int>(ColorKindOf(work_.kind)));
+    return RecordSource::Text(row, column - 1);
+  }
+  double Number(int row, int column) const override {
+    return column == Check || column == IngType ? kNoNumber : RecordSource::Number(row, column - 1);
   }
   const char* Mark(int row, int column) const override {
-    if (column == Check) return work_.rows.at(static_cast<std::size_t>(row)).checked ? "box-checked" : "box";
+    if (column == Check) return At(row).checked ? "box-checked" : "box";
     return column == LotNum && row > 0 ? "lot" : nullptr;
   }
+
+ protected:
+  const LotSelectionRow& At(int row) const override { return work_.rows.at(static_cast<std::size_t>(row)); }
 
  private:
   const LotSelectionWork& work_;
@@ -80,27 +84,11 @@ BatchLotInvSelector::~BatchLotInvSelector() = default;
 
 void BatchLotInvSelector::BuildList(Form& form) {
   list_ = form.Table("InvColorList");
-  list_->SetColumns(Columns());
+  list_->SetColumns(source_->Columns());
   list_->SetSource(source_);
   list_->setMinimumHeight(168);
   list_->setAccessibleName(tr("Lots"));
   form.Wide(list_, 1);
-}
-
-std::vector<GridColumn> BatchLotInvSelector::Columns() const {
-  std::vector<GridColumn> columns{
-      GridColumn::Text({}, 40),
-      GridColumn::Text(tr("Lot Number"), 168),
-      GridColumn::Text(tr("Location"), 112),
-      GridColumn::Text(tr("Cont. ID"), 104),
-      GridColumn::Amount(WithUnit(tr("Inv."), work_.unit), 128),
-      GridColumn::Amount(WithUnit(tr("Used"), work_.unit), 128),
-      GridColumn::Text(tr("Delete Inv. Balance"), 144),
-      GridColumn::Text("IngType", 0),
-  };
-  columns[Check].sortable = false;
-  for (const Column column : {LotNum, Location, ContID}) columns[column].sort = GridColumn::Sort::TextNoCase;
-  return columns;
 }
 
 void BatchLotInvSelector::OnOpen(const Arguments& arguments) {
@@ -120,7 +108,7 @@ void BatchLotInvSelector::OnOpen(const Arguments& arguments) {
   kind_->setText(Q(LineKindName(work_.kind)));
   need_->SetText(Fixed(work_.IngQty, 3));
   unit_->setText(Q(UnitName(work_.unit)));
-  list_->SetColumns(Columns());
+  list_->SetColumns(source_->Columns());
   ShowWork();
   list_->SetCurrentRow(0);
   list_->setFocus();

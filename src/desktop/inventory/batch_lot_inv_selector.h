@@ -32,7 +32,6 @@ class BatchLotInvSelector : public Dialog {
  private:
   class Source;
   void BuildList(Form& form);
-  std::vector<GridColumn> Columns() const;
   void ShowRow(int row);
   void ShowWork();
   void Toggle(int row);

@@ -335,14 +335,20 @@ TEST_F(Adjust, RecycleListPanel) {
   room.Mixed("TARGET", "100");
   const auto names = [&](const RecycleListView& view) {
     Lines lines;
-    for (const RecycleListRow& row : RecycleListRows(work, view))
-      lines.push_back(row.Color_Name + " " + row.recycle + " " + row.inventory + (row.highlighted ? " *" : ""));
+    const TableOf<RecycleListRow> table = RecycleListColumns(view, 1);
+    for (const RecycleListRow& row : RecycleListRows(work, view)) {
+      std::string line;
+      for (std::size_t i = 0; i < 3; ++i)
+        line += (i == 0 ? "" : " ") + CellText(table.Columns()[i], table.ValueOf(row, i));
+      lines.push_back(line + (row.highlighted ? " *" : ""));
+    }
     return lines;
   };
   RecycleListView view;
   EXPECT_EQ(names(view), (Lines{"TARGET 100.00% 0.000", "VIOLET 75.00% 20.000 *", "GREEN 40.00% 10.000 *",
                                 "ORANGE 40.00% 0.000", "TEAL 33.33% 7.000"}));
-  EXPECT_EQ(RecycleListCaptions(view, 1), (std::array<std::string, 3>{"Color Name", "Recycle", "Inventory (lb.)"}));
+  const auto caption = [&](std::size_t place) { return RecycleListColumns(view, 1).Columns()[place].Caption(); };
+  EXPECT_EQ((Lines{caption(0), caption(1), caption(2)}), (Lines{"Color Name", "Recycle", "Inventory (lb.)"}));
   view.inventoryOnly = true;
   EXPECT_EQ(names(view), (Lines{"VIOLET 75.00% 20.000 *", "GREEN 40.00% 10.000 *"}));
   view.inventoryOnly = false;
@@ -360,7 +366,7 @@ TEST_F(Adjust, RecycleListPanel) {
                              Click{RecycleColumn::Inventory, 2, "<  Inventory", "TARGET"},
                              Click{RecycleColumn::Name, 0, "Color Name  A-Z", "GREEN"}}) {
     ClickHeader(view, click.column);
-    EXPECT_EQ(RecycleListCaptions(view, 1)[click.place], click.caption);
+    EXPECT_EQ(caption(click.place), click.caption);
     const auto rows = RecycleListRows(work, view);
     EXPECT_EQ(rows[0].Color_Name, click.first) << click.caption;
     EXPECT_EQ(work.RecycleList[rows[0].place].Color_Name, click.first);

@@ -373,7 +373,7 @@ TEST_P(ReopenedBatch, IsNotMadeOfItself) {
   room.Open(1);
   const auto listed = [&](const char* name) {
     for (const RecycleListRow& row : RecycleListRows(room.record.work, {}))
-      if (row.Color_Name == name) return row.inventory;
+      if (row.Color_Name == name) return Fixed(row.Inventory, 3);
     return std::string("none");
   };
   // The list stands as soon as the Batch is open, and offers the leftover only.

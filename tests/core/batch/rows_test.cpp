@@ -59,7 +59,9 @@ TEST(Rows, PercentagesRoundAsTheyReadOnPaper) {
   room.Ink("BLUE INK", {{"BLUE", 100}}, 0, {{"Recycle", false}});
   room.Mixed("TARGET", "100");
   std::vector<std::string> shares;
-  for (const RecycleListRow& row : RecycleListRows(room.work, {})) shares.push_back(row.Color_Name + " " + row.recycle);
+  const TableOf<RecycleListRow> table = RecycleListColumns({}, 1);
+  for (const RecycleListRow& row : RecycleListRows(room.work, {}))
+    shares.push_back(row.Color_Name + " " + CellText(table.Columns()[1], table.ValueOf(row, 1)));
   EXPECT_EQ(shares, (std::vector<std::string>{"TARGET 100.00%", "RED INK 66.67%", "BLUE INK 33.34%"}));
   room.Recycled("TARGET", "100");
   EXPECT_EQ(PercentRecycledText(room.work), "0.12%");  // .115

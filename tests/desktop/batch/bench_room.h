@@ -3,13 +3,10 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QTableView>
-#include <fstream>
 #include <memory>
-#include <sstream>
 #include <string>
 #include <vector>
 
-#include "core/base/number.h"
 #include "core/settings/settings.h"
 #include "desktop/batch/batch_form.h"
 #include "desktop/batch/cell_button.h"
@@ -17,7 +14,7 @@
 #include "desktop/kit/grid.h"
 #include "support/desktop.h"
 #include "support/ink_room.h"
-#include "support/places.h"
+#include "support/sample_room.h"
 
 namespace vellumark::test {
 
@@ -30,52 +27,6 @@ struct BenchRoom : testing::Test, InkRoom {
     session.RecordsetsOpen = true;
     Setting("InvLotTracking", "0");
     Setting("InvRecordMethod", "0");
-  }
-
-  static std::vector<std::vector<std::string>> SampleLines(const std::string& file) {
-    std::ifstream in(SourceFolder() / "data/ink_room" / file);
-    std::vector<std::vector<std::string>> lines;
-    for (std::string line; std::getline(in, line);) {
-      if (!line.empty() && line.back() == '\r') line.pop_back();
-      std::vector<std::string> cells;
-      std::istringstream row(line);
-      for (std::string cell; std::getline(row, cell, '\t');) cells.push_back(cell);
-      lines.push_back(cells);
-    }
-    return lines;
-  }
-  static float Single(const std::string& text) { return static_cast<float>(ParseNumber(text).value()); }
-
-  /// The colours and formulas of the sample ink room; some of the formulas have leftovers in stock.
-  void HaveInkRoom() {
-    const auto basics = SampleLines("basics.tsv");
-    for (std::size_t i = 1; i < basics.size(); ++i) {
-      const auto& c = basics[i];
-      Basic(c[0], {{"Color_Code", c[1]},
-                   {"Additive", c[2] == "1"},
-                   {"PurchaseCost", Single(c[3])},
-                   {"VOC", Single(c[4])},
-                   {"HAP", Single(c[5])},
-                   {"Red", static_cast<int>(Single(c[6]))},
-                   {"Green", static_cast<int>(Single(c[7]))},
-                   {"Blue", static_cast<int>(Single(c[8]))},
-                   {"Reorder", Single(c[9])},
-                   {"Inventory", Single(c[10])},
-                   {"Date_Entered", DateTime{2025, 9, 14}}});
-    }
-    const auto formulas = SampleLines("ink_room.mfe");
-    for (std::size_t i = 1; i < formulas.size(); ++i) {
-      std::vector<std::pair<std::string, float>> parts;
-      for (std::size_t n = 1; n + 1 < formulas[i].size(); n += 2)
-        parts.emplace_back(formulas[i][n], Single(formulas[i][n + 1]));
-      Mix(formulas[i][0], parts,
-          {{"Recycle", true},
-           {"Inventory", i % 3 == 0 ? 4.5F : 0.0F},
-           {"Red", static_cast<int>(i * 37 % 200)},
-           {"Green", static_cast<int>(i * 71 % 200)},
-           {"Blue", static_cast<int>(i * 113 % 200)},
-           {"Date_Entered", DateTime{2025, 9, 14}}});
-    }
   }
 
   /// Two inks, a target of both, and a leftover of 4 lb. that is half red, half blue.

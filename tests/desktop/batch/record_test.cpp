@@ -630,7 +630,7 @@ TEST_F(BatchRecordTest, RequiredFieldsAreShownWhereTheyAreFilledIn) {
 }
 
 TEST_F(BatchRecordTest, TenBatchesOfTheSampleRoom) {
-  HaveInkRoom();
+  HaveSampleInkRoom(*this, 4.5F);
   HaveStock(ColorKind::Basic, 500);
   Open();
   Statement names = session.File().Prepare("SELECT Color_Name FROM INK_Mix ORDER BY Color_Name LIMIT 10 OFFSET 7");

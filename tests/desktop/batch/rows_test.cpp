@@ -425,7 +425,7 @@ TEST_F(BatchRowsTest, ArrowsWalkThroughTheRows) {
 }
 
 TEST_F(BatchRowsTest, HowItLooks) {
-  HaveInkRoom();
+  HaveSampleInkRoom(*this, 4.5F);
   Open();
   Picture(*form, "batch-empty", {1280, 590});
   const std::string name =

@@ -379,7 +379,7 @@ TEST_F(BasicColorsTest, StandsBackForABatchInEdit) {
 }
 
 TEST_F(BasicColorsTest, WithTheSampleInkRoom) {
-  HaveInkRoom();
+  HaveSampleInkRoom(*this, 0);
   Open();
   Picture(*form, "basic-colors-empty");
   Enter("FLUO ORANGE");

@@ -9,6 +9,7 @@
 #include <QTabWidget>
 
 #include "colors_desk.h"
+#include "core/base/number.h"
 #include "core/colors/additive_sets.h"
 #include "core/colors/formula_work.h"
 #include "core/colors/formulas.h"
@@ -697,7 +698,7 @@ TEST_F(MixColorsTest, AGuideFormulaIsFoundByItsNumberAndPutBack) {
 }
 
 TEST_F(MixColorsTest, WithTheSampleInkRoom) {
-  HaveInkRoom();
+  HaveSampleInkRoom(*this, 0);
   Set("CARTON", {{"RUB RESIST PASTE", "3"}});
   Open();
   Picture(*form, "mix-colors-empty");
