@@ -19,12 +19,12 @@ function(vellumark_precompiled name)
   set_target_properties(${name} PROPERTIES AUTOMOC OFF)
 endfunction()
 
-# A room of the core is a static library of every .cpp in src/core/NAME, linked to the rooms declared before it;
-# its tests are every .cpp in tests/core/NAME, gathered in one binary.
+# A room of the core is a static library of every .cpp in src/core/NAME and its folders, linked to the rooms declared
+# before it; its tests are every .cpp in tests/core/NAME, gathered in one binary.
 set(VELLUMARK_CORE_ROOMS "" CACHE INTERNAL "")
 
 function(vellumark_room name)
-  file(GLOB sources CONFIGURE_DEPENDS "${CMAKE_SOURCE_DIR}/src/core/${name}/*.cpp")
+  file(GLOB sources CONFIGURE_DEPENDS "${CMAKE_SOURCE_DIR}/src/core/${name}/*.cpp" "${CMAKE_SOURCE_DIR}/src/core/${name}/*/*.cpp")
   # What depends on the system is written once for each; the build takes the file of its own.
   if(WIN32)
     list(FILTER sources EXCLUDE REGEX "/platform_posix\\.cpp$")

@@ -1,8 +1,13 @@
 #include <fcntl.h>
 #include <grp.h>
+#include <poll.h>
 #include <pwd.h>
+#include <spawn.h>
 #include <sys/file.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
+#include <sys/time.h>
+#include <sys/wait.h>
 #include <termios.h>
 #include <unistd.h>
 
@@ -15,6 +20,7 @@
 #include <iterator>
 
 #include "core/base/disk_sync.h"
+#include "core/base/helper_program.h"
 #include "core/base/platform.h"
 
 namespace vellumark::platform {
@@ -368,6 +374,77 @@ std::string AskSilently(const std::string& question) {
   std::getline(std::cin, line);
   std::fputs("\n", stderr);
   return line;
+}
+
+HelperProgram::HelperProgram(const fs::path& program, const std::vector<std::string>& arguments,
+                             std::error_code& error) {
+  int ends[2];
+  if (::pipe2(ends, O_CLOEXEC) != 0) {
+    error = ErrorOf(errno);
+    return;
+  }
+  output_ = OpenFile(ends[0]);
+  const OpenFile input(ends[1]);
+  std::string name = program.string();
+  std::vector<std::string> copies = arguments;
+  std::vector<char*> words{name.data()};
+  for (std::string& word : copies) words.push_back(word.data());
+  words.push_back(nullptr);
+
+  posix_spawn_file_actions_t files;
+  ::posix_spawn_file_actions_init(&files);
+  ::posix_spawn_file_actions_addopen(&files, STDIN_FILENO, "/dev/null", O_RDONLY, 0);
+  ::posix_spawn_file_actions_adddup2(&files, ends[1], STDOUT_FILENO);
+  ::posix_spawn_file_actions_addopen(&files, STDERR_FILENO, "/dev/null", O_WRONLY, 0);
+  // This program may not hear of a reader that has gone; that one ends by it.
+  posix_spawnattr_t manner;
+  ::posix_spawnattr_init(&manner);
+  sigset_t ending;
+  ::sigemptyset(&ending);
+  ::sigaddset(&ending, SIGPIPE);
+  ::posix_spawnattr_setsigdefault(&manner, &ending);
+  ::posix_spawnattr_setflags(&manner, POSIX_SPAWN_SETSIGDEF);
+  pid_t child = 0;
+  const int failed = ::posix_spawn(&child, name.c_str(), &files, &manner, words.data(), environ);
+  ::posix_spawnattr_destroy(&manner);
+  ::posix_spawn_file_actions_destroy(&files);
+  error = failed == 0 ? std::error_code() : ErrorOf(failed);
+  if (failed == 0) process_ = child;
+}
+
+HelperProgram::~HelperProgram() {
+  if (process_ == 0) return;
+  const auto child = static_cast<pid_t>(process_);
+  ::kill(child, SIGKILL);
+  while (::waitpid(child, nullptr, 0) < 0 && errno == EINTR) {
+  }
+}
+
+std::size_t HelperProgram::Read(char* buffer, std::size_t size, std::chrono::milliseconds silence,
+                                std::error_code& error) {
+  pollfd waited{DescriptorOf(output_), POLLIN, 0};
+  int ready = 0;
+  do {
+    ready = ::poll(&waited, 1, static_cast<int>(silence.count()));
+  } while (ready < 0 && errno == EINTR);
+  if (ready <= 0) {
+    error = ready == 0 ? std::make_error_code(std::errc::timed_out) : ErrorOf(errno);
+    return 0;
+  }
+  return platform::Read(output_, buffer, size, error);
+}
+
+void LimitMemory(std::uint64_t bytes) {
+  const rlimit limit{bytes, bytes};
+  ::setrlimit(RLIMIT_AS, &limit);
+  const rlimit none{0, 0};
+  ::setrlimit(RLIMIT_CORE, &none);
+}
+
+void MustGetOnWithin(std::chrono::seconds processorTime) {
+  itimerval timer{};
+  timer.it_value.tv_sec = processorTime.count();
+  ::setitimer(ITIMER_PROF, &timer, nullptr);
 }
 
 }  // namespace vellumark::platform

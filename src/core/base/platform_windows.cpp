@@ -19,6 +19,7 @@
 #include <stdexcept>
 
 #include "core/base/disk_sync.h"
+#include "core/base/helper_program.h"
 #include "core/base/platform.h"
 
 namespace vellumark::platform {
@@ -523,5 +524,69 @@ std::string AskSilently(const std::string& question) {
   std::fputs("\n", stderr);
   return Utf8(std::wstring_view(line).substr(0, line.find_first_of(L"\r\n")));
 }
+
+HelperProgram::HelperProgram(const fs::path& program, const std::vector<std::string>& arguments,
+                             std::error_code& error) {
+  SECURITY_ATTRIBUTES handedOn{sizeof handedOn, nullptr, TRUE};
+  HANDLE output = nullptr;
+  HANDLE input = nullptr;
+  error = Answer(::CreatePipe(&output, &input, &handedOn, 0));
+  if (error) return;
+  output_ = OpenFile(reinterpret_cast<std::intptr_t>(output));
+  const OpenFile closed(reinterpret_cast<std::intptr_t>(input));
+  ::SetHandleInformation(output, HANDLE_FLAG_INHERIT, 0);
+  // No argument ends with a backslash or holds a quotation mark: they are words, numbers and names of files.
+  std::wstring line = L"\"" + program.wstring() + L"\"";
+  for (const std::string& word : arguments) line += L" \"" + Wide(word) + L"\"";
+  STARTUPINFOW start{};
+  start.cb = sizeof start;
+  start.dwFlags = STARTF_USESTDHANDLES;
+  start.hStdOutput = input;
+  PROCESS_INFORMATION made{};
+  error = Answer(::CreateProcessW(program.c_str(), line.data(), nullptr, nullptr, TRUE, CREATE_NO_WINDOW, nullptr,
+                                  nullptr, &start, &made));
+  if (error) return;
+  ::CloseHandle(made.hThread);
+  process_ = reinterpret_cast<std::intptr_t>(made.hProcess);
+}
+
+HelperProgram::~HelperProgram() {
+  if (process_ == 0) return;
+  const HANDLE process = reinterpret_cast<HANDLE>(process_);
+  ::TerminateProcess(process, 1);
+  ::WaitForSingleObject(process, INFINITE);
+  ::CloseHandle(process);
+}
+
+std::size_t HelperProgram::Read(char* buffer, std::size_t size, std::chrono::milliseconds silence,
+                                std::error_code& error) {
+  constexpr DWORD kLook = 5;  // milliseconds; a pipe tells nobody when something has come
+  for (auto waited = std::chrono::milliseconds(0);; waited += std::chrono::milliseconds(kLook)) {
+    DWORD there = 0;
+    if (::PeekNamedPipe(HandleOf(output_), nullptr, 0, nullptr, &there, nullptr) == 0) {
+      const DWORD failed = ::GetLastError();
+      error = failed == ERROR_BROKEN_PIPE ? std::error_code() : ErrorOf(failed);
+      return 0;
+    }
+    if (there > 0) return platform::Read(output_, buffer, size, error);
+    if (waited >= silence) {
+      error = std::make_error_code(std::errc::timed_out);
+      return 0;
+    }
+    ::Sleep(kLook);
+  }
+}
+
+void LimitMemory(std::uint64_t bytes) {
+  const HANDLE job = ::CreateJobObjectW(nullptr, nullptr);
+  JOBOBJECT_EXTENDED_LIMIT_INFORMATION limits{};
+  limits.BasicLimitInformation.LimitFlags = JOB_OBJECT_LIMIT_PROCESS_MEMORY;
+  limits.ProcessMemoryLimit = static_cast<SIZE_T>(bytes);
+  ::SetInformationJobObject(job, JobObjectExtendedLimitInformation, &limits, sizeof limits);
+  ::AssignProcessToJobObject(job, ::GetCurrentProcess());
+}
+
+// The system has no such timer: whoever waits for what the helper says ends it.
+void MustGetOnWithin(std::chrono::seconds) {}
 
 }  // namespace vellumark::platform

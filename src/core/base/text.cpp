@@ -7,6 +7,7 @@
 #include <optional>
 
 #include "core/base/refusal.h"
+#include "core/base/unicode.h"
 
 namespace vellumark {
 namespace {
@@ -22,25 +23,8 @@ constexpr std::array<char32_t, 32> kHigh{
     0x2013, 0x2014, 0x02DC, 0x2122, 0x0161, 0x203A, 0x0153, 0,      0x017E, 0x0178,
 };
 
-void AppendUtf8(std::string& out, char32_t c) {
-  if (c < 0x80) {
-    out += static_cast<char>(c);
-  } else if (c < 0x800) {
-    out += static_cast<char>(0xC0 | (c >> 6));
-    out += static_cast<char>(0x80 | (c & 0x3F));
-  } else if (c < 0x10000) {
-    out += static_cast<char>(0xE0 | (c >> 12));
-    out += static_cast<char>(0x80 | ((c >> 6) & 0x3F));
-    out += static_cast<char>(0x80 | (c & 0x3F));
-  } else {
-    out += static_cast<char>(0xF0 | (c >> 18));
-    out += static_cast<char>(0x80 | ((c >> 12) & 0x3F));
-    out += static_cast<char>(0x80 | ((c >> 6) & 0x3F));
-    out += static_cast<char>(0x80 | (c & 0x3F));
-  }
-}
-
 constexpr char32_t kInvalid = 0xFFFFFFFF;
+constexpr char32_t kUnreadable = 0xFFFD;  // stands for what cannot be read
 
 // Takes one code point off the front; kInvalid (and one byte taken) for bytes that are no UTF-8.
 char32_t TakeUtf8(std::string_view& text) {
@@ -201,6 +185,68 @@ bool FitsCp1252(std::string_view utf8) {
   while (!utf8.empty())
     if (!Cp1252Of(TakeUtf8(utf8))) return false;
   return true;
+}
+
+void AppendUtf8(std::string& text, char32_t character) {
+  if (character < 0x80) {
+    text += static_cast<char>(character);
+  } else if (character < 0x800) {
+    text += static_cast<char>(0xC0 | (character >> 6));
+    text += static_cast<char>(0x80 | (character & 0x3F));
+  } else if (character < 0x10000) {
+    text += static_cast<char>(0xE0 | (character >> 12));
+    text += static_cast<char>(0x80 | ((character >> 6) & 0x3F));
+    text += static_cast<char>(0x80 | (character & 0x3F));
+  } else {
+    text += static_cast<char>(0xF0 | (character >> 18));
+    text += static_cast<char>(0x80 | ((character >> 12) & 0x3F));
+    text += static_cast<char>(0x80 | ((character >> 6) & 0x3F));
+    text += static_cast<char>(0x80 | (character & 0x3F));
+  }
+}
+
+std::string FromUtf16(std::string_view bytes, bool bigEndian) {
+  const auto unit = [&](std::size_t at) {
+    const auto first = static_cast<unsigned char>(bytes[at]);
+    const auto second = static_cast<unsigned char>(bytes[at + 1]);
+    return static_cast<char32_t>(bigEndian ? first << 8 | second : second << 8 | first);
+  };
+  std::string text;
+  text.reserve(bytes.size());
+  std::size_t at = 0;
+  for (; at + 1 < bytes.size(); at += 2) {
+    const char32_t code = unit(at);
+    if (code < 0xD800 || code > 0xDFFF) {
+      AppendUtf8(text, code);
+      continue;
+    }
+    const char32_t low = code <= 0xDBFF && at + 3 < bytes.size() ? unit(at + 2) : 0;
+    const bool pair = low >= 0xDC00 && low <= 0xDFFF;
+    AppendUtf8(text, pair ? 0x10000 + ((code - 0xD800) << 10) + (low - 0xDC00) : kUnreadable);
+    if (pair) at += 2;
+  }
+  if (at < bytes.size()) AppendUtf8(text, kUnreadable);
+  return text;
+}
+
+std::string ToUtf16(std::string_view utf8) {
+  std::string out;
+  out.reserve(utf8.size() * 2);
+  const auto add = [&out](char32_t unit) {
+    out += static_cast<char>(unit & 0xFF);
+    out += static_cast<char>(unit >> 8);
+  };
+  while (!utf8.empty()) {
+    char32_t c = TakeUtf8(utf8);
+    if (c == kInvalid) c = kUnreadable;
+    if (c < 0x10000) {
+      add(c);
+    } else {
+      add(0xD800 + ((c - 0x10000) >> 10));
+      add(0xDC00 + ((c - 0x10000) & 0x3FF));
+    }
+  }
+  return out;
 }
 
 std::string DecodeText(std::string_view bytes) {

@@ -5,56 +5,12 @@
 
 #include "core/base/number.h"
 #include "core/base/text.h"
+#include "core/base/unicode.h"
 
 namespace vellumark {
 namespace {
 
 constexpr std::size_t kLongestQuoted = 64 * 1024;
-
-void AppendUtf8(std::string& text, std::uint32_t code) {
-  const auto add = [&](std::uint32_t byte) { text += static_cast<char>(byte); };
-  if (code < 0x80) {
-    add(code);
-  } else if (code < 0x800) {
-    add(0xC0 | (code >> 6));
-    add(0x80 | (code & 0x3F));
-  } else if (code < 0x10000) {
-    add(0xE0 | (code >> 12));
-    add(0x80 | ((code >> 6) & 0x3F));
-    add(0x80 | (code & 0x3F));
-  } else {
-    add(0xF0 | (code >> 18));
-    add(0x80 | ((code >> 12) & 0x3F));
-    add(0x80 | ((code >> 6) & 0x3F));
-    add(0x80 | (code & 0x3F));
-  }
-}
-
-// A half of a pair that stands alone, and a byte left over, become the character for what cannot be read.
-std::string FromUtf16(std::string_view bytes, bool bigEndian) {
-  constexpr std::uint32_t kUnreadable = 0xFFFD;
-  const auto unit = [&](std::size_t at) {
-    const auto first = static_cast<unsigned char>(bytes[at]);
-    const auto second = static_cast<unsigned char>(bytes[at + 1]);
-    return static_cast<std::uint32_t>(bigEndian ? first << 8 | second : second << 8 | first);
-  };
-  std::string text;
-  text.reserve(bytes.size());
-  std::size_t at = 0;
-  for (; at + 1 < bytes.size(); at += 2) {
-    const std::uint32_t code = unit(at);
-    if (code < 0xD800 || code > 0xDFFF) {
-      AppendUtf8(text, code);
-      continue;
-    }
-    const std::uint32_t low = code <= 0xDBFF && at + 3 < bytes.size() ? unit(at + 2) : 0;
-    const bool pair = low >= 0xDC00 && low <= 0xDFFF;
-    AppendUtf8(text, pair ? 0x10000 + ((code - 0xD800) << 10) + (low - 0xDC00) : kUnreadable);
-    if (pair) at += 2;
-  }
-  if (at < bytes.size()) AppendUtf8(text, kUnreadable);
-  return text;
-}
 
 // Without its mark UTF-16 shows by the zeros that the letters of our script have in every other byte.
 std::optional<bool> BigEndianByZeros(std::string_view bytes) {
