@@ -18,7 +18,7 @@ install_packages() {
   command -v dpkg-query >/dev/null || fail "This script installs Debian packages, and this is no Debian system."
   for package in libsqlitecpp-dev libsqlite3-dev libfmt-dev nlohmann-json3-dev libcli11-dev libgtest-dev libbenchmark-dev \
     qt6-base-dev qt6-svg-dev qt6-charts-dev libqt6opengl6-dev qt6-serialport-dev libxlsxwriter-dev libzxing-dev libqrencode-dev \
-    libcurl4-openssl-dev mdbtools-dev proftpd-core proftpd-mod-crypto fonts-open-sans dpkg-dev; do
+    libcurl4-openssl-dev libssl-dev mdbtools-dev proftpd-core proftpd-mod-crypto fonts-open-sans dpkg-dev; do
     [[ "$(dpkg-query -W -f '${db:Status-Status}' "$package" 2>/dev/null)" == installed ]] || missing+=("$package")
   done
   ((${#missing[@]})) || return 0
