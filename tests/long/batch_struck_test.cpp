@@ -5,6 +5,7 @@
 
 #include <cerrno>
 
+#include "core/base/files.h"
 #include "core/datafile/writer.h"
 #include "support/cli_run.h"
 #include "support/snapshot.h"

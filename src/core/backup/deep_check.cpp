@@ -3,10 +3,16 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <iterator>
 #include <optional>
 
 #include "core/backup/check_run.h"
 #include "core/base/number.h"
+#include "core/base/text.h"
+#include "core/colors/formulas.h"
+#include "core/colors/rollup.h"
+#include "core/datafile/engine_salvage.h"
+#include "core/datafile/mend_fields.h"
 #include "core/datafile/row_checks.h"
 #include "core/session/acts.h"
 
@@ -127,19 +133,65 @@ CheckAnswer CheckDataFileRules(Session& session, CheckDepth depth, CheckState st
   return CheckRun(session, depth, state).Run();
 }
 
+namespace {
+
+// What is broken in a file beyond what a person would write with another tool.
+const CheckFault* Damage(const std::vector<CheckFault>& faults) {
+  const auto stray = [&](const CheckFault& fault) {
+    return std::ranges::any_of(faults, [&](const CheckFault& other) {
+      return other.rule == "Rows" && other.row == fault.row && EqualNoCase(other.Table, fault.Table);
+    });
+  };
+  const auto found = std::ranges::find_if(faults, [&](const CheckFault& fault) {
+    return fault.rule == "Structure" || (fault.rule == "Fields" && !stray(fault));
+  });
+  return found == faults.end() ? nullptr : &*found;
+}
+
+// Figures as they are kept, and the search text of each recipe at once; the figures of formulas by the pass that is due
+// from here on.
+void AcceptAndFollow(Session& session, const std::vector<CheckFault>& rows) {
+  Database& file = session.File();
+  Transaction transaction(file);
+  for (const CheckFault& row : rows)
+    if (const Table* table = KnownLayout(row.Table); table != nullptr && row.row != 0)
+      FitFigures(file, row.Table, *table, row.row);
+  AcceptRows(file);
+  for (const std::string& database : ReadFileInfo(file).dbList) {
+    transaction.Note({Change::Kind::DatabaseList, database, "", Change::What::All, ""});
+    bool stale = false;
+    for (const CheckFault& row : rows) {
+      const bool recipe = EqualNoCase(row.Table, TableName(database, schema::Mix));
+      if (!recipe && !EqualNoCase(row.Table, TableName(database, schema::Basic))) continue;
+      stale = true;
+      if (recipe && row.row != 0) RenewColorSet(session, row.row, database);
+    }
+    if (stale) MarkPendingRollUps(file, database, kAllRollUps);
+  }
+  transaction.Commit();
+}
+
+}  // namespace
+
 Result<AcceptedRows> AcceptStrayRows(Session& session) {
   if (auto allowed = RequireAct(session, Act::DataFiles); !allowed) return std::unexpected(allowed.error());
   if (auto writable = RequireWritable(session); !writable) return std::unexpected(writable.error());
   AcceptedRows accepted{{}, CheckDataFileRules(session, CheckDepth::Deep, CheckState::InUse)};
-  for (const CheckFault& fault : accepted.rest.faults) {
-    if (fault.rule == "Rows") accepted.rows.push_back(fault);
-    if (fault.rule == "Structure" || fault.rule == "Fields")
-      return Refuse("Data File", fmt::format("The file is damaged, and nothing was accepted: {}", FaultText(fault)));
-  }
+  const auto refuse = [](const std::string& what) {
+    return Refuse("Data File", fmt::format("The file is damaged, and nothing was accepted: {}", what));
+  };
+  if (const CheckFault* damage = Damage(accepted.rest.faults)) return refuse(FaultText(*damage));
+  std::ranges::copy_if(accepted.rest.faults, std::back_inserter(accepted.rows),
+                       [](const CheckFault& fault) { return fault.rule == "Rows"; });
   if (!accepted.rest.complete) return Decline("Data File");
   if (accepted.rows.empty()) return accepted;
-  AcceptRows(session.File());
-  std::erase_if(accepted.rest.faults, [](const CheckFault& fault) { return fault.rule == "Rows"; });
+  try {
+    AcceptAndFollow(session, accepted.rows);
+  } catch (const BadValue& bad) {
+    return refuse(bad.what());
+  }
+  RunPendingPasses(session);
+  accepted.rest = CheckDataFileRules(session, CheckDepth::Deep, CheckState::InUse);
   return accepted;
 }
 

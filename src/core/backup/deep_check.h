@@ -55,7 +55,8 @@ enum class CheckState {
 /// a figure of each colour that has stock. Shows its progress, and may be cancelled.
 CheckAnswer CheckDataFileRules(Session& session, CheckDepth depth, CheckState state = CheckState::Closed);
 
-/// Rows that were changed past this program, taken as they stand from now on.
+/// Rows that were changed past this program, taken as they stand from now on. What follows from a price or a recipe
+/// (the figures of formulas, Color_Set) is worked out anew.
 struct AcceptedRows {
   std::vector<CheckFault> rows;
   CheckAnswer rest;  ///< what else the check finds

@@ -5,20 +5,53 @@
 #include <system_error>
 
 #include "core/backup/backup_set.h"
+#include "core/base/disk_sync.h"
+#include "core/base/files.h"
+#include "core/base/refusal.h"
 
 namespace vellumark {
 namespace fs = std::filesystem;
 
-fs::path FolderToKeepIn(const Session& session, const fs::path& folder, std::string_view what) {
-  const std::string time = SetName(session.clock.Now()).substr(std::string_view("VK_Backup_").size());
-  const fs::path wanted = folder / fmt::format("Before {} {}", what, time);
-  const auto taken = [](const fs::path& path) {
-    std::error_code ignored;
-    return fs::exists(fs::symlink_status(path, ignored));
-  };
-  fs::path kept = wanted;
-  for (int n = 2; taken(kept); ++n) kept = fmt::format("{} ({})", wanted.string(), n);
-  return kept;
+namespace {
+
+bool Taken(const fs::path& path) {
+  std::error_code ignored;
+  return fs::exists(fs::symlink_status(path, ignored));
+}
+
+// ".Ink.vkd before Restore": two Data Files of a folder do not sweep each other's.
+std::string UnfinishedName(const fs::path& current, std::string_view what) {
+  return fmt::format(".{} before {}", current.filename().string(), what);
+}
+
+}  // namespace
+
+KeptFolder::KeptFolder(const Session& session, const fs::path& current, std::string_view what)
+    : current_(current),
+      name_(fmt::format("Before {} {}", what,
+                        SetName(session.clock.Now()).substr(std::string_view("VK_Backup_").size()))),
+      path_(current.parent_path() / UnfinishedName(current, what)) {
+  std::error_code error;
+  fs::remove_all(path_, error);
+  if (error) throw Failure(path_.string(), "cannot be removed: " + error.message());
+  MakeFolder(path_);
+}
+
+KeptFolder::~KeptFolder() {
+  if (stays_) return;
+  std::error_code ignored;
+  fs::remove_all(path_, ignored);
+}
+
+void KeptFolder::Show() {
+  if (shown_) return;
+  const fs::path wanted = current_.parent_path() / name_;
+  fs::path free = wanted;
+  for (int n = 2; Taken(free); ++n) free = fmt::format("{} ({})", wanted.string(), n);
+  if (const std::error_code error = platform::SyncFiles(path_, {})) throw Failure(path_.string(), error.message());
+  RenameToFree(path_, free);
+  path_ = free;
+  shown_ = true;
 }
 
 }  // namespace vellumark

@@ -1,15 +1,35 @@
 #pragma once
 
 #include <filesystem>
+#include <string>
 #include <string_view>
 
 #include "core/session/session.h"
 
 namespace vellumark {
 
-/// Where in `folder` is kept what is about to be replaced: "Before Restore 03_10_2026__09_05_00", with "(2)" and so on
-/// behind it when that is taken. Nothing is made.
-std::filesystem::path FolderToKeepIn(const Session& session, const std::filesystem::path& folder,
-                                     std::string_view what);
+/// Keeps what is about to be replaced of a Data File that nobody else works in: "Before Restore 03_10_2026__09_05_00"
+/// beside it, with "(2)" and so on behind that when it is taken. It is filled under a name of its own, which nobody takes
+/// for a whole one; what a killed program left under such a name of this Data File goes when the next one begins.
+class KeptFolder {
+ public:
+  KeptFolder(const Session& session, const std::filesystem::path& current, std::string_view what);
+  /// Gone again when nothing came of what it was made for.
+  ~KeptFolder();
+  KeptFolder(const KeptFolder&) = delete;
+  KeptFolder& operator=(const KeptFolder&) = delete;
+
+  const std::filesystem::path& Path() const { return path_; }
+  /// All is in it and on the disk: it gets its name.
+  void Show();
+  void Stay() { stays_ = true; }
+
+ private:
+  std::filesystem::path current_;
+  std::string name_;
+  std::filesystem::path path_;
+  bool shown_ = false;
+  bool stays_ = false;
+};
 
 }  // namespace vellumark

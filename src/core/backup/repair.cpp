@@ -89,42 +89,25 @@ platform::OpenFile Held(const fs::path& path) {
 // The file as it was, in a folder beside. Gone again when nothing comes of the repair.
 class KeptFile {
  public:
-  KeptFile(const Session& session, const fs::path& current)
-      : folder_(FolderToKeepIn(session, current.parent_path(), "Repair")) {
-    MakeFolder(folder_);
-    try {
-      for (const fs::path& file : {current, JournalOf(current)})
-        if (Exists(file)) CopyProved(file, folder_ / file.filename(), file.filename().string());
-    } catch (...) {
-      Remove();
-      throw;
-    }
+  KeptFile(const Session& session, const fs::path& current) : folder_(session, current, "Repair") {
+    for (const fs::path& file : {current, JournalOf(current)})
+      if (Exists(file)) CopyProved(file, Folder() / file.filename(), file.filename().string());
   }
-  ~KeptFile() {
-    if (!stays_) Remove();
-  }
-  KeptFile(const KeptFile&) = delete;
-  KeptFile& operator=(const KeptFile&) = delete;
 
-  const fs::path& Folder() const { return folder_; }
-  /// Copies of photos that are going to be removed.
-  void KeepPhotos(const std::vector<fs::path>& photos) const {
+  const fs::path& Folder() const { return folder_.Path(); }
+  /// Copies of photos that are going to be removed; the folder is whole with them.
+  void KeepPhotos(const std::vector<fs::path>& photos) {
     std::error_code ignored;
-    fs::remove_all(folder_ / kPhotoFolderOfSet, ignored);  // of a try that came to nothing
-    if (!photos.empty()) MakeFolder(folder_ / kPhotoFolderOfSet);
+    fs::remove_all(Folder() / kPhotoFolderOfSet, ignored);  // of a try that came to nothing
+    if (!photos.empty()) MakeFolder(Folder() / kPhotoFolderOfSet);
     for (const fs::path& photo : photos)
-      CopyProved(photo, folder_ / kPhotoFolderOfSet / photo.filename(), photo.filename().string());
+      CopyProved(photo, Folder() / kPhotoFolderOfSet / photo.filename(), photo.filename().string());
   }
-  void Keep() { stays_ = true; }
+  void Show() { folder_.Show(); }
+  void Stay() { folder_.Stay(); }
 
  private:
-  void Remove() const {
-    std::error_code ignored;
-    fs::remove_all(folder_, ignored);
-  }
-
-  fs::path folder_;
-  bool stays_ = false;
+  KeptFolder folder_;
 };
 
 void TellSalvage(const Salvage& salvage, RepairReport& report) {
@@ -251,8 +234,9 @@ std::optional<Result<RepairReport>> Try(Session& session, KeptFile& kept, const 
   FileBeside place(current, Readers::Group);
   session.File().CopyCompacted(place.Path());
   session.DataFileDB.reset();
+  kept.Show();
   TakePlace(place, photos, report);
-  kept.Keep();
+  kept.Stay();
   report.kept = kept.Folder();
   ReplaceFile(kept.Folder() / "Repair Report.txt", RepairText(report), Readers::Group);
   return report;

@@ -9,6 +9,7 @@
 
 #include "core/backup/backup_set.h"
 #include "core/backup/kept_folder.h"
+#include "core/base/disk_sync.h"
 #include "core/base/files.h"
 #include "core/base/refusal.h"
 #include "core/base/text.h"
@@ -39,76 +40,91 @@ void Remove(const fs::path& path) {
 // Copies of all that is going to be replaced. Gone again when it never comes to that.
 class KeptFiles {
  public:
-  KeptFiles(const Session& session, const fs::path& current)
-      : current_(current), photoFolder_(current.parent_path() / kPhotoFolderOfSet) {
-    const std::vector<fs::path> photos = PhotosIn(photoFolder_);
+  KeptFiles(const Session& session, const fs::path& current) : current_(current) {
+    const std::vector<fs::path> photos = PhotosIn(current.parent_path() / kPhotoFolderOfSet);
     if (!Exists(current) && !Exists(JournalOf(current)) && photos.empty()) return;
-    folder_ = FolderToKeepIn(session, current.parent_path(), "Restore");
-    MakeFolder(folder_);
-    try {
-      if (Exists(current)) KeepDataFile();
-      if (Exists(JournalOf(current))) Keep(JournalOf(current), folder_ / JournalOf(current).filename());
-      if (!photos.empty()) MakeFolder(folder_ / kPhotoFolderOfSet);
-      for (const fs::path& photo : photos) Keep(photo, folder_ / kPhotoFolderOfSet / photo.filename());
-    } catch (...) {
-      Undo();
-      throw;
+    folder_.emplace(session, current, "Restore");
+    const bool readable = !Exists(current) || KeepDataFile();
+    if (Exists(JournalOf(current))) Keep(JournalOf(current), InFolder(JournalOf(current)));
+    if (!photos.empty()) MakeFolder(PhotoFolder());
+    for (const fs::path& photo : photos) Keep(photo, PhotoFolder() / photo.filename());
+    folder_->Show();
+    if (!readable) {
+      RenameToFree(current, InFolder(current));
+      moved_ = true;
     }
   }
 
-  const fs::path& Folder() const { return folder_; }
-  /// The Data File could not even be copied, and was moved: its place is empty.
-  bool Moved() const { return moved_; }
+  fs::path Folder() const { return folder_ ? folder_->Path() : fs::path(); }
+  fs::path PhotoFolder() const { return folder_ ? Folder() / kPhotoFolderOfSet : fs::path(); }
 
   void Undo() {
-    if (folder_.empty()) return;
-    if (moved_ && !Exists(current_)) RenameToFree(folder_ / current_.filename(), current_);
-    std::error_code ignored;
-    fs::remove_all(folder_, ignored);
+    if (moved_ && !Exists(current_)) RenameToFree(InFolder(current_), current_);
+    folder_.reset();
+  }
+  void Stay() {
+    if (folder_) folder_->Stay();
   }
 
  private:
+  fs::path InFolder(const fs::path& file) const { return Folder() / file.filename(); }
   // Whatever takes the place of a file is another one, so that a second name keeps it as well as a copy does and costs
   // nothing. Not every disk knows second names.
   static void Keep(const fs::path& file, const fs::path& kept) {
     std::error_code error;
     fs::create_hard_link(file, kept, error);
-    if (error) {
-      CopyProved(file, kept, file.filename().string());
-    } else {
-      SyncFolder(kept.parent_path());
-    }
+    if (error) CopyProved(file, kept, file.filename().string());
   }
-  void KeepDataFile() {
+  // False when it cannot be read: it is then moved, once the folder that it goes to is what people find.
+  bool KeepDataFile() {
     try {
-      Keep(current_, folder_ / current_.filename());
+      Keep(current_, InFolder(current_));
+      return true;
     } catch (const Failure& failure) {
       if (failure.subject != current_.string()) throw;
-      RenameToFree(current_, folder_ / current_.filename());
-      moved_ = true;
+      return false;
     }
   }
 
   fs::path current_;
-  fs::path photoFolder_;
-  fs::path folder_;
+  std::optional<KeptFolder> folder_;
   bool moved_ = false;
 };
 
-// Photos put into the library one by one, each in one step, and the way back.
+// Photos put into the library, and the way back. They are written beside and synced at once, then each takes its place
+// in one step. One that is there already stays.
 class PlacedPhotos {
  public:
-  PlacedPhotos(const fs::path& library, const fs::path& kept) : library_(library), kept_(kept / kPhotoFolderOfSet) {}
+  PlacedPhotos(const fs::path& current, fs::path kept)
+      : library_(current.parent_path() / kPhotoFolderOfSet),
+        beside_(current.parent_path() / fmt::format(".{} photos", current.filename().string())),
+        kept_(std::move(kept)) {
+    Clear();
+  }
+  ~PlacedPhotos() {
+    std::error_code ignored;
+    fs::remove_all(beside_, ignored);
+  }
+  PlacedPhotos(const PlacedPhotos&) = delete;
+  PlacedPhotos& operator=(const PlacedPhotos&) = delete;
 
-  void Place(const fs::path& photo) {
-    const fs::path target = library_ / photo.filename();
-    ReplaceFile(target, ReadFileBytes(photo), Readers::Group);
-    placed_.push_back(target);
+  void Place(const std::vector<fs::path>& photos) {
+    std::vector<fs::path> written;
+    for (const fs::path& photo : photos)
+      if (!IsThere(photo)) written.push_back(Write(photo));
+    if (written.empty()) return;
+    FailOn(beside_, platform::SyncFiles(beside_, written));
+    for (const fs::path& photo : written) {
+      const fs::path target = library_ / photo.filename();
+      placed_.push_back(target);
+      FailOn(target, platform::Replace(photo, target));
+    }
+    SyncFolder(library_);
   }
   void Undo() {
     for (const fs::path& photo : placed_) {
       const fs::path before = kept_ / photo.filename();
-      if (Exists(before)) {
+      if (!kept_.empty() && Exists(before)) {
         ReplaceFile(photo, ReadFileBytes(before), Readers::Group);
       } else {
         Remove(photo);
@@ -117,7 +133,37 @@ class PlacedPhotos {
   }
 
  private:
+  static void FailOn(const fs::path& path, const std::error_code& error) {
+    if (error) throw Failure(path.string(), error.message());
+  }
+  void Clear() const {
+    std::error_code error;
+    fs::remove_all(beside_, error);
+    FailOn(beside_, error);
+  }
+  bool IsThere(const fs::path& photo) const {
+    const fs::path target = library_ / photo.filename();
+    std::error_code differs;
+    if (fs::file_size(target, differs) != fs::file_size(photo, differs) || differs) return false;
+    return ProveFile(target, "") == ProveFile(photo, "");
+  }
+  // Whose it is to read stays as it was.
+  fs::path Write(const fs::path& photo) const {
+    MakeFolder(library_);
+    MakeFolder(beside_);
+    const fs::path written = beside_ / photo.filename();
+    CopyUnsynced(photo, written, photo.filename().string());
+    if (const fs::path before = library_ / photo.filename(); Exists(before)) {
+      std::error_code error;
+      const platform::OpenFile file = platform::OpenExisting(written, platform::Opening::Write, error);
+      FailOn(written, error);
+      FailOn(before, platform::KeepOwner(file, before));
+    }
+    return written;
+  }
+
   fs::path library_;
+  fs::path beside_;
   fs::path kept_;
   std::vector<fs::path> placed_;
 };
@@ -161,14 +207,11 @@ RestoredFiles PutDataFileBack(Session& session, const fs::path& source, const fs
   CopyBeside(place, source);
   WorkBeside(place, [&] { MakeCurrent(place.Path(), current); });
   KeptFiles kept(session, place.Target());
-  PlacedPhotos placed(library, kept.Folder());
+  PlacedPhotos placed(place.Target(), kept.PhotoFolder());
   try {
-    for (const fs::path& photo : PhotosIn(sourcePhotos)) {
-      restored.photos.push_back(photo.filename().string());
-      if (samePhotos) continue;
-      MakeFolder(library);
-      placed.Place(photo);
-    }
+    const std::vector<fs::path> photos = PhotosIn(sourcePhotos);
+    for (const fs::path& photo : photos) restored.photos.push_back(photo.filename().string());
+    if (!samePhotos) placed.Place(photos);
     // Kept beside the file that it belongs to; it must not be played back into the one that comes.
     if (Exists(JournalOf(place.Target()))) Remove(JournalOf(place.Target()));
     place.Replace();
@@ -177,6 +220,7 @@ RestoredFiles PutDataFileBack(Session& session, const fs::path& source, const fs
     kept.Undo();
     throw;
   }
+  kept.Stay();
   restored.kept = kept.Folder();
   return restored;
 }

@@ -252,6 +252,21 @@ std::optional<MixColor> RecipeReader::ReadRow(std::int64_t key) {
   return Take(byRow_.Bind(1, key));
 }
 
+bool RenewColorSet(const Session& session, std::int64_t key, std::string_view database) {
+  std::string columns = "Color_Set";
+  for (int n = 0; n < kSlots; ++n) columns += ", " + schema::Numbered("BC", n);
+  Statement row = session.File().Prepare(
+      fmt::format("SELECT {} FROM {} WHERE RowKey = ?", columns, session.QuotedTable(schema::Mix, database)));
+  if (!row.Bind(1, key).Step()) return false;
+  std::vector<std::string> names;
+  for (int n = 1; n <= kSlots; ++n)
+    if (!row.TextView(n).empty()) names.push_back(row.Text(n));
+  const std::string set = NameSet(names);
+  if (!row.IsNull(0) && row.TextView(0) == set) return false;
+  row.Reset();
+  return UpdateRow(session.File(), schema::Mix, session.Table(schema::Mix, database), key, {{"Color_Set", set}});
+}
+
 RecipeWriter::RecipeWriter(const Session& session, std::string_view database, const std::vector<std::string>& more)
     : writer_(session.File(), schema::Mix, session.Table(schema::Mix, database), WriterFields(more)),
       fixedFields_(WriterFields({}).size()) {}

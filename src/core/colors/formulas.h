@@ -82,6 +82,9 @@ struct RolledUp {
 /// Figures of parts of 100 against a Database's Basic Colors; an ingredient without a row adds nothing.
 RolledUp RollUpRecipe(const Session& session, const Recipe& recipe, std::string_view database = {});
 
+/// Builds the Color_Set of a formula from its slots, where somebody else changed these; true when it was another.
+bool RenewColorSet(const Session& session, std::int64_t key, std::string_view database);
+
 /// Reads what bulk work needs of formulas of the current Database: key, Color_Name, the filled slots and AddSetName;
 /// the other fields of a row keep their defaults. Prepared once for many rows.
 class RecipeReader {

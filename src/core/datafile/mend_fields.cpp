@@ -74,6 +74,38 @@ std::string ReadableColumns(const Table& table) {
   return columns;
 }
 
+namespace {
+
+// Of its sums the history keeps more than a Single.
+bool IsKeptFiner(const Table& table, const Field& field, const Value& value) {
+  return &table == &schema::StockHistory && field.type == FieldType::Single && value.IsNumber();
+}
+
+void WriteField(Database& file, const std::string& name, const Table& table, const MendedValue& mended) {
+  file.Prepare(fmt::format("UPDATE {} SET {} = ?1 WHERE {} = ?2", Quoted(name), Quoted(table.fields[mended.field].name),
+                           table.rowKey))
+      .Bind(1, mended.value)
+      .Bind(2, mended.row)
+      .Run();
+}
+
+}  // namespace
+
+void FitFigures(Database& file, const std::string& name, const Table& table, std::int64_t key) {
+  std::vector<MendedValue> rounded;
+  Statement row =
+      file.Prepare(fmt::format("SELECT {} FROM {} WHERE {} = ?1", ReadableColumns(table), Quoted(name), table.rowKey));
+  if (!row.Bind(1, key).Step()) return;
+  for (std::size_t i = 0; i < table.fields.size(); ++i) {
+    const Value value = row.Get(static_cast<int>(i) + 1);
+    if (value.IsNull()) continue;
+    Value fitted = FittedValue(table.fields[i], name, value);
+    if (fitted != value && !IsKeptFiner(table, table.fields[i], value)) rounded.push_back({key, i, std::move(fitted)});
+  }
+  row.Reset();
+  for (const MendedValue& one : rounded) WriteField(file, name, table, one);
+}
+
 std::vector<MendedField> FitValues(Database& file, const std::string& name, const Table& table) {
   std::vector<MendedValue> mended;
   {
@@ -85,9 +117,7 @@ std::vector<MendedField> FitValues(Database& file, const std::string& name, cons
         const Value value = rows.Get(column);
         try {
           Value fitted = FittedValue(table.fields[i], name, value);
-          const bool finer =
-              &table == &schema::StockHistory && table.fields[i].type == FieldType::Single && value.IsNumber();
-          if (fitted != value && !finer) mended.push_back({rows.Whole(0), i, std::move(fitted)});
+          if (fitted != value && !IsKeptFiner(table, table.fields[i], value)) mended.push_back({rows.Whole(0), i, std::move(fitted)});
         } catch (const BadValue&) {
           mended.push_back({rows.Whole(0), i, Nearest(table.fields[i], value)});
         }
@@ -95,12 +125,8 @@ std::vector<MendedField> FitValues(Database& file, const std::string& name, cons
   }
   std::map<std::pair<std::size_t, std::string>, std::int64_t> counts;
   for (const MendedValue& one : mended) {
-    const Field& field = table.fields[one.field];
-    file.Prepare(fmt::format("UPDATE {} SET {} = ?1 WHERE {} = ?2", Quoted(name), Quoted(field.name), table.rowKey))
-        .Bind(1, one.value)
-        .Bind(2, one.row)
-        .Run();
-    ++counts[{one.field, Describe(field, one.value)}];
+    WriteField(file, name, table, one);
+    ++counts[{one.field, Describe(table.fields[one.field], one.value)}];
   }
   std::vector<MendedField> told;
   for (const auto& [what, rows] : counts) told.push_back({table.fields[what.first].name, rows, what.second});

@@ -28,6 +28,10 @@ struct MendedField {
 /// 32 bits of a Single are not rounded.
 std::vector<MendedField> FitValues(Database& file, const std::string& name, const Table& table);
 
+/// Rounds the figures of one row, as another tool wrote it, to the Singles that the table keeps. Throws BadValue for what
+/// no field can hold, and has written nothing then.
+void FitFigures(Database& file, const std::string& name, const Table& table, std::int64_t row);
+
 /// Which empty fields of a table mean something, and what stands in others.
 struct NullRule {
   std::set<std::string, std::less<>> left;           ///< stay as they are

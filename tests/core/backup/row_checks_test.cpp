@@ -50,14 +50,16 @@ class RowChecks : public testing::Test {
 
 TEST_F(RowChecks, AHandEditIsNamedAndAccepted) {
   EXPECT_EQ(Stray(), "");
-  ByHand("UPDATE INK_Basic SET PurchaseCost = 4.25 WHERE Color_Name = 'INK 3';"
+  ByHand("UPDATE INK_Basic SET PurchaseCost = 4.1 WHERE Color_Name = 'INK 3';"
          "INSERT INTO INK_Mix (Color_Name, Color_Set) VALUES ('BY HAND', '');"
+         "UPDATE INK_Mix SET BC0 = 'INK 9', BQ0 = 75 WHERE Color_Name = 'MIX 1';"
          "DELETE FROM INK_Batch WHERE BatchNo = 7;"
          "UPDATE MSysStockHistory SET Reason = 'another' WHERE ID = 2;"
          "CREATE TABLE Mine (a, b); INSERT INTO Mine VALUES (1, 2);");
   EXPECT_EQ(Stray(),
             "INK_Basic 4 INK 3: The row is not as this program wrote it.\n"
             "INK_Batch 7 : The row is gone, and this program did not remove it.\n"
+            "INK_Mix 2 MIX 1: The row is not as this program wrote it.\n"
             "INK_Mix 201 BY HAND: The row was added, and not by this program.\n"
             "MSysStockHistory 2 : The row is not as this program wrote it.\n"
             "Mine 1 : The row was added, and not by this program.\n");
@@ -68,10 +70,16 @@ TEST_F(RowChecks, AHandEditIsNamedAndAccepted) {
   room.session.Perm_Advanced = 1;
   const auto accepted = AcceptStrayRows(room.session);
   ASSERT_TRUE(accepted) << accepted.error().text;
-  EXPECT_EQ(accepted->rows.size(), 4U);
+  EXPECT_EQ(accepted->rows.size(), 5U);
   EXPECT_EQ(Stray(), "");
   EXPECT_TRUE(AcceptStrayRows(room.session)->rows.empty());
-  room.Breaks("RollUps");  // the price by hand
+  // A price is kept as this program keeps prices, the formulas have it in them, and a recipe is found by its ingredients.
+  EXPECT_EQ(room.Scalar("SELECT PurchaseCost FROM INK_Basic WHERE Color_Name = 'INK 3'").Number(), 4.1F);
+  EXPECT_EQ(room.Scalar("SELECT BasicCost FROM INK_Mix WHERE Color_Name = 'MIX 3'").Single(), 5.45F);
+  EXPECT_EQ(room.Scalar("SELECT Color_Set FROM INK_Mix WHERE Color_Name = 'MIX 1'").Text(), "<INK 9><INK 4>");
+  ByHand("UPDATE INK_Basic SET PurchaseCost = 1e300 WHERE Color_Name = 'INK 3'");
+  EXPECT_FALSE(AcceptStrayRows(room.session));
+  File().Execute("UPDATE INK_Basic SET PurchaseCost = 4.0999999046325684 WHERE Color_Name = 'INK 3'");
   room.Breaks("DesignUses");
 }
 
