@@ -74,6 +74,7 @@ class CurlFtp final : public FtpClient {
   void Hear(std::string_view line);
   /// Throws when it did not go well; `what` is the path or the host.
   void Finish(CURLcode code, const std::string& what);
+  void Renew();
   /// The code of the reply to one command.
   int Command(const std::string& command);
   void Demand(const std::string& command, const std::string& what);
@@ -314,15 +315,23 @@ CURLcode CurlFtp::Run() {
 
 void CurlFtp::Finish(CURLcode code, const std::string& what) {
   if (thrown_) {
+    if (transfers_) Renew();
     mayReconnect_ = true;
     std::rethrow_exception(std::exchange(thrown_, nullptr));
   }
   if (code == CURLE_OK) return;
   const FtpFailure failure = FaultOf(code, stop_, reply_, command_, what);
   using enum FtpFailure::Kind;
+  if (transfers_) Renew();
   mayReconnect_ = failure.kind == Missing || failure.kind == Denied || failure.kind == Full || failure.kind == Other ||
                   failure.kind == NoData;
   throw failure;
+}
+
+// Behind a broken transfer replies may still be under way that belong to no command.
+void CurlFtp::Renew() {
+  curl_multi_cleanup(std::exchange(multi_, curl_multi_init()));
+  control_ = CURL_SOCKET_BAD;
 }
 
 void CurlFtp::Close() {

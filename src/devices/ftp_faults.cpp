@@ -16,6 +16,7 @@ bool Says(const Reply& reply, std::string_view part) {
 Kind KindOf(const Reply& reply) {
   if (reply.code == 552 || reply.code == 452 || Says(reply, "quota") || Says(reply, "space") || Says(reply, "too large"))
     return Kind::Full;
+  if (reply.code == 425) return Kind::NoData;
   if (Says(reply, "no such") || Says(reply, "not found") || Says(reply, "not exist")) return Kind::Missing;
   if (reply.code == 550 || reply.code == 553 || reply.code == 532) return Kind::Denied;
   return Kind::Other;
@@ -31,6 +32,7 @@ std::string_view WordsFor(CURLcode code) {
     case CURLE_OPERATION_TIMEDOUT:
       return "nothing came for too long";
     case CURLE_COULDNT_CONNECT:
+    case CURLE_SSL_CONNECT_ERROR:
     case CURLE_FTP_ACCEPT_FAILED:
     case CURLE_FTP_ACCEPT_TIMEOUT:
     case CURLE_FTP_PORT_FAILED:
@@ -102,12 +104,15 @@ FtpFailure FaultOf(CURLcode code, Stop stop, const Reply& reply, const std::stri
     case CURLE_OPERATION_TIMEDOUT:
       return Stopped(Stop::Stalled, what);
     case CURLE_COULDNT_CONNECT:
+    case CURLE_SSL_CONNECT_ERROR:
     case CURLE_FTP_ACCEPT_FAILED:
     case CURLE_FTP_ACCEPT_TIMEOUT:
     case CURLE_FTP_PORT_FAILED:
     case CURLE_FTP_WEIRD_PASV_REPLY:
     case CURLE_FTP_WEIRD_227_FORMAT:
     case CURLE_FTP_CANT_GET_HOST:
+      // A host that refuses a file puts the way for it down first, and its refusal is read as the reply to the next try.
+      if (reply.code >= 400) return RefusalOf(reply, what);
       return {Kind::NoData, what, std::string(WordsFor(code))};
     case CURLE_REMOTE_DISK_FULL:
       return {Kind::Full, what, fmt::format("the host says {} {}", reply.code, reply.text)};
