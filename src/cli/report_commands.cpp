@@ -201,7 +201,9 @@ bool EndsWith(const std::string& name, std::string_view extension) {
 Result<ExportOptions> ExportOptionsOf(const Session& session, const ReportDefinition& definition,
                                       const RunOptions& options, const std::vector<TableColumn>& columns) {
   ExportOptions wanted = ReadExportOptions(session, definition);
-  wanted.format = EndsWith(options.print.out, ".xlsx") ? ExportFormat::Spreadsheet : ExportFormat::Text;
+  wanted.format = EndsWith(options.print.out, ".xlsx")  ? ExportFormat::Spreadsheet
+                  : EndsWith(options.print.out, ".mdb") ? ExportFormat::Jet
+                                                        : ExportFormat::Text;
   wanted.headings = wanted.headings && !options.noHeadings;
   wanted.data = wanted.data && !options.noData;
   wanted.totals = wanted.totals && !options.noTotals;
@@ -222,7 +224,7 @@ Result<Json> WriteReport(Context& context, const ReportDefinition& definition, c
   }
   const auto wanted = ExportOptionsOf(context.session, definition, options, report.columns);
   if (!wanted) return std::unexpected(wanted.error());
-  if (const auto written = ExportReport(report, *wanted, path); !written) return std::unexpected(written.error());
+  ExportReport(report, *wanted, context.session.clock.Now(), path);
   return Json{{"File", path}, {"Count", CountOf(report)}, {"Complete", report.complete}};
 }
 
@@ -346,9 +348,9 @@ Result<Json> ReadChart(Context& context, const RunOptions& options) {
 }
 
 std::string IsReportFile(const std::string& name) {
-  for (const char* extension : {".txt", ".xlsx", ".pdf"})
+  for (const char* extension : {".txt", ".xlsx", ".mdb", ".pdf"})
     if (EndsWith(name, extension)) return "";
-  return name + " does not end with .txt, .xlsx or .pdf";
+  return name + " does not end with .txt, .xlsx, .mdb or .pdf";
 }
 
 void AddQuestion(CLI::App* verb, RunOptions& options) {
@@ -389,10 +391,10 @@ void AddSource(CLI::App* verb, RunOptions& options) {
 }
 
 CLI::Option* AddFile(CLI::App* verb, RunOptions& options) {
-  auto* out =
-      verb->add_option("--out", options.print.out, "Write it into this file: as tabbed text, spreadsheet, pages")
-          ->type_name("FILE.txt, .xlsx, .pdf")
-          ->check(IsReportFile);
+  auto* out = verb->add_option("--out", options.print.out,
+                               "Write it into this file: as tabbed text, spreadsheet, database, pages")
+                  ->type_name("FILE.txt, .xlsx, .mdb, .pdf")
+                  ->check(IsReportFile);
   AddPaper(verb, out, options.print);
   return out;
 }

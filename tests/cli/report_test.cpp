@@ -4,6 +4,7 @@
 
 #include "core/datafile/engine.h"
 #include "support/cli_run.h"
+#include "support/jet_room.h"
 #include "support/pdf_text.h"
 
 namespace vellumark {
@@ -91,6 +92,8 @@ TEST(CliReport, SavesReportsAndRangesAndWritesFiles) {
   EXPECT_EQ(ReadFileBytes(folder + "/made.txt"), "10.000\tPINK\r\n10.000\tTotals\r\n");
   text({"report", "run", "--saved", "Month's end", "--out", folder + "/made.xlsx"});
   EXPECT_EQ(ReadFileBytes(folder + "/made.xlsx", 4), "PK\x03\x04");
+  text({"report", "run", "--saved", "Month's end", "--out", folder + "/made.mdb"});
+  EXPECT_EQ(test::Exported(folder + "/made.mdb", "Vellumark Data"), "PINK\x1F" "000002\x1F" "10\x1E");
   text({"report", "run", "ProductionForm", "--color", "PINK", "--columns", "all", "--out", folder + "/wide.pdf",
         "--landscape", "--font", "60", "--answer", "Spread Report over Multiple Pages?=yes"});
   EXPECT_EQ(ReadFileBytes(folder + "/wide.pdf", 4), "%PDF");
@@ -99,7 +102,7 @@ TEST(CliReport, SavesReportsAndRangesAndWritesFiles) {
   EXPECT_EQ(status({"report", "run"}), 2);
   EXPECT_EQ(status({"report", "run", "ProductionForm", "--saved", "Month's end"}), 2);
   EXPECT_EQ(status({"report", "run", "--saved", "No Such"}), 1);
-  EXPECT_EQ(status({"report", "run", "InventoryForm", "--out", folder + "/x.mdb"}), 2);
+  EXPECT_EQ(status({"report", "run", "InventoryForm", "--out", folder + "/x.csv"}), 2);
   EXPECT_EQ(status({"report", "range", "X", "--from", "2026-03-02"}), 1);
   shop.Json({"settings", "set", "SavedReport0", "|Name=Month's end||Report=InventoryThisDB||Column=Gone||Sort=Lost|"});
   const test::CliAnswer lost = shop.Run({"report", "run", "--saved", "Month's end"});

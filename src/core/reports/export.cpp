@@ -7,6 +7,7 @@
 
 #include "core/base/files.h"
 #include "core/base/text.h"
+#include "core/reports/report_database.h"
 #include "core/reports/spreadsheet.h"
 
 namespace vellumark {
@@ -42,25 +43,20 @@ Result<fs::path> ExportPath(Session& session, const fs::path& folder, std::strin
   return path;
 }
 
-Result<void> ExportReport(const BuiltReport& report, const ExportOptions& options, const fs::path& file,
-                          const ReportWriter& jet) {
-  if (options.format == ExportFormat::Jet && !jet)
-    return Refuse("File Export", "Files of the format .mdb cannot be written here. Choose text or a spreadsheet.",
-                  "optFileFormat");
+void ExportReport(const BuiltReport& report, const ExportOptions& options, const DateTime& made, const fs::path& file) {
   FileBeside beside(file, Readers::Everybody);
   switch (options.format) {
     case ExportFormat::Text:
       beside.Write(ReportText(report, options));
       break;
     case ExportFormat::Jet:
-      jet(report, options, beside.Path());
+      WriteReportDatabase(report, options, made, beside.Path());
       break;
     case ExportFormat::Spreadsheet:
       WriteSpreadsheet(report, options, beside.Path());
       break;
   }
   beside.Replace();
-  return {};
 }
 
 std::string ExportDoneText(const fs::path& file) {

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <filesystem>
-#include <functional>
 #include <string>
 #include <string_view>
 
@@ -18,14 +17,10 @@ std::string_view ExtensionOf(ExportFormat format);
 Result<std::filesystem::path> ExportPath(Session& session, const std::filesystem::path& folder, std::string_view name,
                                          ExportFormat format);
 
-/// Writes a report into a file in a format that stands outside the core.
-using ReportWriter =
-    std::function<void(const BuiltReport& report, const ExportOptions& options, const std::filesystem::path& file)>;
-
 /// Writes what is shown, in the format of the options: beside, and in the place of what stood there when it is whole.
-/// Refuses .mdb without a writer for it.
-Result<void> ExportReport(const BuiltReport& report, const ExportOptions& options, const std::filesystem::path& file,
-                          const ReportWriter& jet = {});
+/// `made` is the present time, which some formats tell of themselves.
+void ExportReport(const BuiltReport& report, const ExportOptions& options, const DateTime& made,
+                  const std::filesystem::path& file);
 
 /// "Saved To:  " and where, to be told with the title "File Export".
 std::string ExportDoneText(const std::filesystem::path& file);

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "core/base/number.h"
 #include "core/base/text.h"
 
 namespace vellumark {
@@ -88,6 +89,15 @@ std::string_view FormatToken(Format format) {
       break;
   }
   return "@";
+}
+
+std::optional<double> PrintedNumber(const TableColumn& column, const TableValue& value) {
+  constexpr int kFractionDecimals = 4;
+  if (const auto* whole = std::get_if<std::int64_t>(&value)) return static_cast<double>(*whole);
+  if (const auto* single = std::get_if<float>(&value)) return RoundTo(*single, column.decimals);
+  if (const auto* number = std::get_if<double>(&value))
+    return RoundTo(*number, column.format == Format::Percent ? kFractionDecimals : column.decimals);
+  return std::nullopt;
 }
 
 std::string ExportCell(const TableColumn& column, const TableValue& value) {

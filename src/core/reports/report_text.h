@@ -1,5 +1,6 @@
 #pragma once
 
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -21,6 +22,9 @@ Sheet ReportSheet(const BuiltReport& report);
 
 /// The name of a format for programs: "@", "Qty", "Short Date".
 std::string_view FormatToken(Format format);
+
+/// The number of a cell as it is printed, a percent as a fraction of 1; nothing for what is no number.
+std::optional<double> PrintedNumber(const TableColumn& column, const TableValue& value);
 
 /// What a cell says in an exported file: notes in full.
 std::string ExportCell(const TableColumn& column, const TableValue& value);

@@ -94,7 +94,7 @@ class Spreadsheet {
       const std::string formula = hasRows ? Formula(i) : "";
       if (i == 0 && std::holds_alternative<std::monostate>(total))
         Text(i, report_.totals, format);
-      else if (const auto number = NumberOf(Column(i), total); number && !formula.empty())
+      else if (const auto number = PrintedNumber(Column(i), total); number && !formula.empty())
         Check(worksheet_write_formula_num(sheet_, row_, Place(i), formula.c_str(), format, *number));
       else
         Cell(i, total, format);
@@ -138,17 +138,8 @@ class Spreadsheet {
     Check(worksheet_write_string(sheet_, row_, Place(i), Left(text, kLongestText).c_str(), format));
   }
 
-  // As it is printed.
-  static std::optional<double> NumberOf(const TableColumn& column, const TableValue& value) {
-    if (const auto* whole = std::get_if<std::int64_t>(&value)) return static_cast<double>(*whole);
-    if (const auto* single = std::get_if<float>(&value)) return RoundTo(*single, column.decimals);
-    if (const auto* number = std::get_if<double>(&value))
-      return RoundTo(*number, column.format == Format::Percent ? 4 : column.decimals);
-    return std::nullopt;
-  }
-
   void Cell(std::size_t i, const TableValue& value, lxw_format* format) {
-    if (const auto number = NumberOf(Column(i), value)) {
+    if (const auto number = PrintedNumber(Column(i), value)) {
       Check(worksheet_write_number(sheet_, row_, Place(i), *number, format));
     } else if (const auto* date = std::get_if<DateTime>(&value); date != nullptr && date->year >= kFirstYear) {
       lxw_datetime when{date->year, date->month, date->day, 0, 0, 0.0};

@@ -2,6 +2,7 @@
 
 #include <QDir>
 #include <QFileInfo>
+#include <algorithm>
 #include <array>
 
 #include "core/reports/build.h"
@@ -14,7 +15,6 @@ namespace vellumark::desktop {
 namespace {
 
 constexpr int kUserDefined = 1;
-constexpr int kSpreadsheet = 1;
 
 }  // namespace
 
@@ -28,6 +28,7 @@ ReportExportForm::ReportExportForm(WindowList& windowList, QWidget* owner, FileC
   file.Row(tr("File &name"), name_ = file.Text("txtFileName", TextRule::Any(200)));
   file.Row(keepName_ = file.Check("chkDefaultName", tr("Make File Name the default save name")));
   file.Row(tr("Format"), format_ = file.Radio("OptFormat", {{"OptText", tr("&Text, tab delimited (.txt)")},
+                                                            {"OptDatabase", tr("&Database (.mdb)")},
                                                             {"OptSpreadsheet", tr("&Spreadsheet (.xlsx)")}}));
   file.Stretch();
   Form options = tabs.Page(tr("O&ptions"), "TabOptions");
@@ -57,7 +58,7 @@ void ReportExportForm::OnOpen(const Arguments& arguments) {
   keepFolder_->setChecked(known);
   name_->SetText(options.fileName.empty() ? report_->title : options.fileName);
   keepName_->setChecked(!options.fileName.empty());
-  format_->Choose(options.format == ExportFormat::Spreadsheet ? kSpreadsheet : 0);
+  format_->Choose(static_cast<int>(options.format));
   headings_->setChecked(options.headings);
   data_->setChecked(options.data);
   totals_->setChecked(options.totals);
@@ -107,8 +108,9 @@ void ReportExportForm::Move(int by) {
 void ReportExportForm::UpdateEnabled() {
   const bool own = order_->Chosen() == kUserDefined;
   for (const char* name : {"lstOrder", "cmdUp", "cmdDown"}) findChild<QWidget*>(name)->setEnabled(own);
-  const bool text = format_->Chosen() != kSpreadsheet;
-  data_->setEnabled(text);
+  const ExportFormat format = Chosen();
+  data_->setEnabled(format == ExportFormat::Text);
+  for (CheckField* part : {headings_, totals_}) part->setEnabled(format != ExportFormat::Jet);
 }
 
 void ReportExportForm::cmdBrowse_Click() {
@@ -118,9 +120,14 @@ void ReportExportForm::cmdBrowse_Click() {
   if (!folder.isEmpty()) folder_->SetText(U8(QDir::toNativeSeparators(folder)));
 }
 
+// The choices stand in the order of the formats.
+ExportFormat ReportExportForm::Chosen() const {
+  return static_cast<ExportFormat>(std::max(0, format_->Chosen()));
+}
+
 ExportOptions ReportExportForm::Options() const {
   ExportOptions options{.headings = headings_->isChecked(), .data = data_->isChecked(), .totals = totals_->isChecked()};
-  options.format = format_->Chosen() == kSpreadsheet ? ExportFormat::Spreadsheet : ExportFormat::Text;
+  options.format = Chosen();
   if (order_->Chosen() == kUserDefined)
     for (const QString& name : columns_->Checked()) options.order.push_back(U8(name));
   if (keepName_->isChecked()) options.fileName = name_->Text();
@@ -135,7 +142,7 @@ void ReportExportForm::cmdSave_Click() {
     if (!FormHost::Accepted(path)) return;
     {
       const auto wait = Wait(WaitKind::WaitingForm, tr("Exporting Report ..."));
-      if (!FormHost::Accepted(ExportReport(*report_, options, *path))) return;
+      ExportReport(*report_, options, session.clock.Now(), *path);
     }
     SaveExportOptions(session, *definition_, options, order_->Chosen() == kUserDefined);
     if (!options.order.empty()) SaveExportOrder(session, *definition_, options.order);

@@ -28,6 +28,7 @@ class ReportExportForm : public Dialog {
   void cmdDown_Click() { Move(1); }
 
  private:
+  ExportFormat Chosen() const;
   ExportOptions Options() const;
   static void BuildHelp(Form form);
   void ShowOrder();

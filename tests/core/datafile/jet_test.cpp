@@ -3,7 +3,9 @@
 
 #include <gtest/gtest.h>
 
+#include <chrono>
 #include <cstdio>
+#include <cstdlib>
 #include <fstream>
 #include <functional>
 #include <limits>
@@ -23,6 +25,7 @@ namespace vellumark {
 namespace {
 
 namespace fs = std::filesystem;
+using test::Exported;
 using test::JetTableRows;
 using Rows = std::vector<std::vector<Value>>;
 
@@ -41,19 +44,6 @@ Rows RowsOf(const JetFile& file, const std::string& table, JetReading* reading =
 std::string DamageOf(const JetReading& reading) {
   std::string text;
   for (const JetDamage& damage : reading.damage) text += damage.Text() + "\n";
-  return text;
-}
-
-/// What an independent reader makes of a table: its values behind one another, none of which may hold these marks. It
-/// takes an empty text for Null.
-std::string Exported(const fs::path& file, const std::string& table) {
-  const std::string command = "mdb-export -H -Q -d '\x1F' -R '\x1E' -T '%Y-%m-%d %H:%M:%S' -0 '<null>' '" +
-                              file.string() + "' '" + table + "' 2>&1";
-  std::string text;
-  std::FILE* pipe = ::popen(command.c_str(), "r");
-  char buffer[65536];
-  for (std::size_t got = 0; (got = std::fread(buffer, 1, sizeof buffer, pipe)) > 0;) text.append(buffer, got);
-  EXPECT_EQ(::pclose(pipe), 0) << text.substr(0, 500);
   return text;
 }
 

@@ -4,15 +4,19 @@
 #include <fstream>
 
 #include "core/base/files.h"
+#include "core/datafile/jet/jet_file.h"
 #include "core/reports/chart.h"
 #include "core/reports/export.h"
 #include "core/reports/saved_reports.h"
 #include "report_room.h"
+#include "support/jet_room.h"
 
 namespace vellumark {
 namespace {
 
 using test::ReportRoom;
+
+constexpr DateTime kMade{2026, 3, 10, 12, 0, 0};
 
 struct ExportRoom : ReportRoom {
   ExportRoom() {
@@ -68,7 +72,7 @@ TEST(ReportExport, WritesASpreadsheetThatAnotherProgramReads) {
       room.Shown({"Color_Name", "BatchNo", "Date_Entered", "Quantity", "QtyRec", "PercentRec", "CostOfBatch", "Notes"});
   const std::filesystem::path file = room.session.DataFolder / "made.xlsx";
   const ExportOptions options{.format = ExportFormat::Spreadsheet};
-  ASSERT_TRUE(ExportReport(report, options, file));
+  ExportReport(report, options, kMade, file);
   EXPECT_EQ(ReadSpreadsheet(file),
             "A1 inlineStr 'Color Name'  0 bold\nB1 inlineStr 'Batch Number'  0 bold\n"
             "C1 inlineStr 'Date Entered'  0 bold\nD1 inlineStr 'Quantity'  0 bold\n"
@@ -89,13 +93,119 @@ TEST(ReportExport, WritesASpreadsheetThatAnotherProgramReads) {
                 report.title + "\n");
   // Cut, in another order and without a heading; what a ratio needs is not there.
   report.complete = false;
-  ASSERT_TRUE(ExportReport(
-      report, {.headings = false, .order = {"% Recycled", "Batch Number"}, .format = ExportFormat::Spreadsheet}, file));
+  ExportReport(report,
+               {.headings = false, .order = {"% Recycled", "Batch Number"}, .format = ExportFormat::Spreadsheet}, kMade,
+               file);
   EXPECT_EQ(ReadSpreadsheet(file),
             "A1 n '0'  0.00% \nB1 n '3'  000000 \nA2 n '0.125'  0.00% \nB2 n '7'  000000 \nA3 n '0.5'  0.00% \n"
             "B3 n '9'  000000 \nA4 n '0.1627'  0.00% bold\nA5 inlineStr 'INCOMPLETE'  0 bold\n"
             "pane None None\nfilter []\nwidths [15, 15]\nsheet ['INCOMPLETE']\n" +
                 report.title + "  -  INCOMPLETE\n");
+}
+
+TEST(ReportExport, WritesADatabaseThatAnotherProgramReads) {
+  ExportRoom room;
+  BuiltReport report =
+      room.Shown({"Color_Name", "BatchNo", "Date_Entered", "Quantity", "QtyRec", "PercentRec", "CostOfBatch", "Notes"});
+  const std::filesystem::path file = room.session.DataFolder / "made.mdb";
+  const ExportOptions options{.headings = false, .data = false, .totals = false, .format = ExportFormat::Jet};
+  ExportReport(report, options, kMade, file);
+  EXPECT_EQ(test::SaidBy("mdb-tables -1 " + file.string()), "Vellumark Data\n");
+  const std::string schema = test::SaidBy("mdb-schema --no-not-null " + file.string());
+  for (const char* field :
+       {"[Color Name]\t\t\tText (30)", "[Batch Number]\t\t\tText (30)", "[Date Entered]\t\t\tDateTime",
+        "[Quantity]\t\t\tSingle", "[% Recycled]\t\t\tSingle", "[Cost of Batch]\t\t\tSingle", "[Notes]\t\t\tMemo"})
+    EXPECT_NE(schema.find(field), std::string::npos) << field << "\n" << schema;
+  const std::string notes = "one\ttwo\r\nthree <&>";
+  EXPECT_EQ(test::Exported(file, "Vellumark Data"),
+            "PINK\x1F"
+            "000003\x1F"
+            "2026-02-27 00:00:00\x1F"
+            "1.25\x1F"
+            "0\x1F"
+            "0\x1F"
+            "0\x1F<null>\x1E"
+            "PINK\x1F"
+            "000007\x1F"
+            "2026-03-01 00:00:00\x1F"
+            "12.5\x1F"
+            "1.563\x1F"
+            "12.5\x1F"
+            "4\x1F" +
+                notes +
+                "\x1E"
+                "PINK\x1F"
+                "000009\x1F"
+                "2026-03-02 00:00:00\x1F"
+                "2\x1F"
+                "1\x1F"
+                "50\x1F"
+                "0\x1F<null>\x1E");
+  report.complete = false;
+  ExportReport(report, {.order = {"% Recycled", "Batch Number"}, .format = ExportFormat::Jet}, kMade, file);
+  EXPECT_EQ(test::Exported(file, "Vellumark Data INCOMPLETE"),
+            "0\x1F"
+            "000003\x1E"
+            "12.5\x1F"
+            "000007\x1E"
+            "50\x1F"
+            "000009\x1E");
+}
+
+// Captions that Jet does not take, texts of all lengths, numbers beyond their type, and rows wider than a page.
+TEST(ReportExport, FitsAnyReportIntoADatabase) {
+  BuiltReport report;
+  const std::string longer(40, 'x');
+  const std::string longest(300, 'y');
+  const auto add = [&](const std::string& caption, Format format, TableValue first, TableValue second = {}) {
+    report.columns.push_back({.key = caption, .caption = caption, .format = format});
+    report.shown.push_back(report.shown.size());
+    report.cells.push_back(std::move(first));
+    report.cells.push_back(std::move(second));
+  };
+  add("No.", Format::Text, longer);
+  add("no", Format::Text, longest);
+  add("`Left! ", Format::Whole, std::int64_t{3000000000}, std::int64_t{-1});
+  add("...", Format::Date, DateTime{2026, 1, 2, 3, 4, 5});
+  add(std::string(70, 'n'), Format::YesNo, true, false);
+  add(std::string(71, 'n'), Format::Amount, std::string("12.5"), std::string("none"));
+  for (int i = 0; i < 40; ++i) add("Wide " + std::to_string(i), Format::Text, std::string(200, 'w'), std::string("é€"));
+  // They were told column by column.
+  std::vector<TableValue> rows;
+  for (std::size_t row = 0; row < 2; ++row)
+    for (std::size_t i = 0; i < report.columns.size(); ++i) rows.push_back(report.cells[i * 2 + row]);
+  report.cells = std::move(rows);
+  report.order = {0, 1};
+  report.targets.resize(2);
+
+  const test::ScratchFolder folder;
+  ExportReport(report, {.format = ExportFormat::Jet}, kMade, folder / "wide.mdb");
+  const JetFile file = JetFile::Open(folder / "wide.mdb");
+  const JetTable& table = *file.Find("Vellumark Data");
+  std::vector<std::vector<Value>> read;
+  file.Read(table, [&](const JetRow& row) {
+    read.push_back(row.values);
+    return true;
+  });
+  ASSERT_EQ(read.size(), 2U);
+  const std::vector<std::pair<std::string, JetType>> fields{{"No", JetType::Text},
+                                                            {"no 2", JetType::Memo},
+                                                            {"'Left", JetType::Double},
+                                                            {"Field", JetType::Date},
+                                                            {std::string(64, 'n'), JetType::Text},
+                                                            {std::string(62, 'n') + " 2", JetType::Single}};
+  for (std::size_t i = 0; i < fields.size(); ++i) {
+    EXPECT_EQ(table.columns[i].name, fields[i].first);
+    EXPECT_EQ(table.columns[i].type, fields[i].second) << fields[i].first;
+  }
+  EXPECT_EQ(table.columns[0].size, 40);
+  EXPECT_EQ(table.columns[4].size, 30);
+  const std::vector<Value> first(read[0].begin(), read[0].begin() + 6);
+  EXPECT_EQ(first, (std::vector<Value>{longer, longest, 3e9, JetDays({2026, 1, 2}), "Yes", 12.5}));
+  const std::vector<Value> second(read[1].begin(), read[1].begin() + 6);
+  EXPECT_EQ(second, (std::vector<Value>{{}, {}, -1.0, {}, "No", {}}));
+  EXPECT_EQ(read[0].back(), std::string(200, 'w'));
+  EXPECT_EQ(read[1].back(), "é€");
 }
 
 TEST(ReportExport, NamesItsFileAndRefusesWhatItCannotWrite) {
@@ -118,16 +228,12 @@ TEST(ReportExport, NamesItsFileAndRefusesWhatItCannotWrite) {
   EXPECT_EQ(ReadFileBytes(folder / "month.txt"), "old") << "tried by its neighbour";
   EXPECT_THROW(static_cast<void>(ExportPath(room.session, folder / "none", "x", ExportFormat::Text)), Failure);
 
-  for (const ExportFormat format : {ExportFormat::Text, ExportFormat::Spreadsheet})
-    EXPECT_THROW(static_cast<void>(ExportReport(report, {.format = format}, folder / "none" / "x")), Failure);
-  const auto refused = ExportReport(report, {.format = ExportFormat::Jet}, folder / "x.mdb");
-  ASSERT_FALSE(refused);
-  EXPECT_EQ(refused.error().title, "File Export");
-  const auto stop = [](const BuiltReport&, const ExportOptions&, const std::filesystem::path& file) {
-    std::ofstream(file) << "half";
-    throw Failure("x.mdb", "the disk is full");
-  };
-  EXPECT_THROW(static_cast<void>(ExportReport(report, {.format = ExportFormat::Jet}, folder / "x.mdb", stop)), Failure);
+  for (const ExportFormat format : {ExportFormat::Text, ExportFormat::Spreadsheet, ExportFormat::Jet})
+    EXPECT_THROW(ExportReport(report, {.format = format}, kMade, folder / "none" / "x"), Failure);
+  // A table without a field is none: nothing of the file stays.
+  BuiltReport none = report;
+  none.shown.clear();
+  EXPECT_THROW(ExportReport(none, {.format = ExportFormat::Jet}, kMade, folder / "x.mdb"), BadValue);
   for (const auto& entry : std::filesystem::directory_iterator(folder))
     EXPECT_EQ(entry.path().filename().string().find("x.mdb"), std::string::npos) << entry.path();
   EXPECT_EQ(ExportDoneText("/tmp/out/month.txt"), "Saved To:  /tmp/out\nFile:  month.txt");

@@ -5,12 +5,14 @@
 #include <QCheckBox>
 #include <QClipboard>
 #include <QListWidget>
+#include <QRadioButton>
 
 #include "core/base/files.h"
 #include "core/colors/basics.h"
 #include "core/colors/formulas.h"
 #include "core/inventory/reorder.h"
 #include "report_windows.h"
+#include "support/jet_room.h"
 
 namespace vellumark::test {
 namespace {
@@ -85,6 +87,22 @@ TEST_F(ReportWindowsTest, AReportIsChosenByKeyAndOpensWhatARowNames) {
             [&](QWidget& form) {
               EXPECT_EQ(Control<desktop::TextField>(form, "txtFileName").Text(), "march");
               EXPECT_FALSE(Control<QCheckBox>(form, "chkTotals").isChecked());
+              // A database holds the rows, whatever is included.
+              prompt().Expect("File Export");
+              Fill(form, "txtFolder", folder);
+              Click(form, "OptDatabase");
+              for (const char* name : {"chkHeadings", "chkData", "chkTotals"})
+                EXPECT_FALSE(Control<QCheckBox>(form, name).isEnabled()) << name;
+              Picture(form, "report-export-database");
+              Click(form, "cmdSave");
+            });
+  EXPECT_EQ(test::Exported(folder + "/march.mdb", "Vellumark Data"),
+            "TARGET\x1F"
+            "000001\x1F"
+            "20\x1E");
+  WithModal([&] { Click(*production, "cmdExport"); },
+            [&](QWidget& form) {
+              EXPECT_TRUE(Control<QRadioButton>(form, "OptDatabase").isChecked());
               PressOn(Qt::Key_Escape);
             });
   Control<QLineEdit>(*production, "fg_Filter").clear();
