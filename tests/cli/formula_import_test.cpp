@@ -1,7 +1,10 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
+
 #include "core/base/files.h"
 #include "support/cli_run.h"
+#include "support/import_faults.h"
 
 namespace vellumark::test {
 namespace {
@@ -81,6 +84,35 @@ TEST_F(TwoShops, AreMergedWithAComparisonInFrontOfIt) {
   EXPECT_EQ(Formulas({"--db", "FROM HOUSE"}), (Names{"PLUM", "SKY"}));
   EXPECT_EQ(room.Run({"formula", "import", "--from-db", "INK"}).err,
             "Database Copy Error: Import destination cannot be the same as the source\n");
+}
+
+TEST_F(TwoShops, EachStepThatFailsIsToldInItsWordsAndNothingComesIn) {
+  There({"db", "rename", "HOUSE", "INK"});
+  std::filesystem::rename(other, room.folder / "shop.vkd");
+  const std::filesystem::path file = room.folder / "Ink.vkd";
+  const std::filesystem::path converted = room.folder / "Program" / "Converted";
+  MakeFaultyTemplate(room.folder / "Program" / "pdbt.vkt");
+  const std::string bytes = ReadFileBytes(file);
+  for (const ImportFault& fault : ImportFaults()) {
+    SCOPED_TRACE(fault.says);
+    ReplaceFile(file, bytes);
+    if (!fault.harm.empty()) Database::Open(file, OpenMode::Exclusive)->Execute(fault.harm);
+    const std::string before = ReadFileBytes(file);
+    Names words{"--yes", "formula", "import"};
+    if (fault.file.empty()) words.insert(words.end(), {"--guide", "Goe"});
+    if (fault.file.ends_with(".vkd")) words.insert(words.end(), {"--from-file", "--from-db", "ink"});
+    if (!fault.file.empty()) {
+      const std::string source = MakeSource(fault, room.folder.Path(), converted).string();
+      words.insert(std::ranges::find(words, "--from-db"), source);
+    }
+    if (fault.newDatabase) words.insert(words.end(), {"--to", "NEW"});
+    const CliAnswer answer = room.Run(words);
+    EXPECT_EQ(answer.status, fault.how == ImportFault::How::Failed ? 4 : 1);
+    EXPECT_NE(answer.err.find(": " + fault.says), std::string::npos) << answer.err;
+    EXPECT_TRUE(ReadFileBytes(file) == before);
+  }
+  ReplaceFile(file, bytes);
+  std::filesystem::remove(room.folder / "a.vkd");
 }
 
 TEST_F(TwoShops, AFileIsComparedAndBadLinesStopItUnlessTheyAreLeftOut) {

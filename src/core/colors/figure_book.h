@@ -13,7 +13,8 @@ namespace vellumark {
 class FigureBook {
  public:
   explicit FigureBook(const Session& session, std::string_view database = {});
-  /// Figures of parts of 100; an ingredient without a row adds nothing.
+  /// Figures of parts of 100; an ingredient without a row adds nothing. A figure that cannot be read is a Failure that
+  /// tells which of the three could not be calculated.
   RolledUp RollUp(const Recipe& recipe);
   /// The same before it is rounded.
   RolledUp Sum(const Recipe& recipe);

@@ -6,6 +6,7 @@
 
 #include "core/base/number.h"
 #include "core/base/text.h"
+#include "core/base/told_steps.h"
 #include "core/colors/basics.h"
 #include "core/colors/figure_book.h"
 #include "core/colors/names.h"
@@ -189,9 +190,15 @@ FigureBook::FigureBook(const Session& session, std::string_view database)
 const FigureBook::Figures& FigureBook::Of(const std::string& name) {
   const auto [place, isNew] = read_.try_emplace(name);
   if (isNew) {
+    static constexpr std::string_view kNoCosts = "Couldn't Calculate Master Formula Basic Costs.";
     Statement row = session_.File().Prepare(sql_);
     row.Bind(1, name);
-    if (row.Step()) place->second = {row.Single(0), row.Single(1), row.Single(2)};
+    const auto figure = [&](int column, std::string_view words) {
+      return InWords(session_.DataFileName, [&] { return words; }, [&] { return row.Single(column); });
+    };
+    if (InWords(session_.DataFileName, [] { return kNoCosts; }, [&] { return row.Step(); }))
+      place->second = {figure(0, kNoCosts), figure(1, "Couldn't Calculate Master Formula VOCs per Basic."),
+                       figure(2, "Couldn't Calculate Master Formula HAPs per Basic.")};
   }
   return place->second;
 }

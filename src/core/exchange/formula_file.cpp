@@ -29,16 +29,18 @@ bool BeginsWith(const std::vector<std::string>& cells, FormulaFormat format) {
          (cells.size() > 1 && EqualNoCase(TrimView(cells[1]), names[1]));
 }
 
-// Whether the heading tells of names and of recipes.
+// Whether the heading tells of colors: by their names, or by so much else that nothing but those can be missing.
 bool IsGrid(const std::vector<std::string>& heading, const ColumnMapping& mapping, bool& ownColumns) {
   std::optional<int> unit;
   bool name = false;
+  int known = 0;
   ownColumns = false;
   for (const SourceColumn& column : ColumnsOfHeading(heading, mapping, unit)) {
     name |= column.field == SourceField::ColorName;
+    known += column.field == SourceField::NoField ? 0 : 1;
     ownColumns |= mapping.Find(column.caption) != nullptr;
   }
-  return name;
+  return name || known > 1;
 }
 
 // What such a file is when a person opens it, and what to do with it.

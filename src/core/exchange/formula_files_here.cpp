@@ -3,6 +3,7 @@
 #include "core/base/files.h"
 #include "core/exchange/formula_file.h"
 #include "core/exchange/formula_writer.h"
+#include "core/base/told_steps.h"
 #include "core/reports/report_settings.h"
 #include "core/session/settings.h"
 
@@ -47,12 +48,8 @@ GridHead ReadGridHead(const std::filesystem::path& path, const ColumnMapping& ma
 }
 
 Result<FormulaTable> ReadFormulaFile(const std::filesystem::path& path, const FormulaFileOptions& options) {
-  std::string bytes;
-  try {
-    bytes = ReadFileBytes(path);
-  } catch (const Failure& failure) {
-    throw Failure(failure.subject, fmt::format("Couldn't open textfile. ({})", failure.cause));
-  }
+  const std::string bytes =
+      InWords(path.string(), [] { return "Couldn't open textfile."; }, [&] { return ReadFileBytes(path); });
   auto table = ReadFormulaBytes(bytes, path, options);
   const bool foreign = table && table->format != FormulaFormat::Mfe && table->format != FormulaFormat::Work;
   if (foreign && !options.workFolder.empty()) WriteWorkFile(options.workFolder, *table);
@@ -63,7 +60,7 @@ std::filesystem::path WriteWorkFile(const std::filesystem::path& folder, const F
   const std::filesystem::path path = folder / (std::filesystem::path(table.source).stem().string() + ".txt");
   const WorkFileText text = WorkTextOf(table);
   std::string_view step = "Couldn't print Header on the output file.";
-  try {
+  return InWords(path.string(), [&] { return step; }, [&] {
     MakeFolder(folder);
     FileBeside file(path, Readers::Everybody);
     // Every letter has a place in it, and the mark says which encoding it is.
@@ -74,10 +71,8 @@ std::filesystem::path WriteWorkFile(const std::filesystem::path& folder, const F
     step = "Couldn't write formulas to the output file";
     file.Write(text.formulas);
     file.Replace();
-  } catch (const Failure& failure) {
-    throw Failure(failure.subject, fmt::format("{} ({})", step, failure.cause));
-  }
-  return path;
+    return path;
+  });
 }
 
 }  // namespace vellumark

@@ -26,10 +26,7 @@ bool AskAboutDifferent(Session& session, const MergePlan& plan) {
 
 Result<FormulaTable> ReadFormulas(const Session& session, const std::filesystem::path& path,
                                   std::optional<FormulaFormat> format) {
-  auto table = ReadFormulaFile(path, FileOptions(session, format));
-  if (!table || !table->formulas.empty() || !table->badLines.empty()) return table;
-  return Refuse(std::string(kTitle),
-                path.string() + ": Couldn't read .mfe file correctly. The file may be corrupt.");
+  return ReadFormulaFile(path, FileOptions(session, format));
 }
 
 Result<MergeTarget> AskTarget(Session& session, std::string_view typedName) {

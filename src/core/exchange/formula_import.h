@@ -19,8 +19,7 @@ struct ImportWish {
   bool skipRefused = false;          ///< lines that are no formula are left out; otherwise they stop the import
 };
 
-/// A formula file, in the format that its content shows unless one is given. Refused also, naming it, when no formula is
-/// in it.
+/// A formula file, in the format that its content shows unless one is given; it may be one of Basic Colors alone.
 Result<FormulaTable> ReadFormulas(const Session& session, const std::filesystem::path& path,
                                   std::optional<FormulaFormat> format = {});
 

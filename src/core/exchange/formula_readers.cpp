@@ -20,7 +20,6 @@ std::string ReadMfeRow(const RowCutter& rows, const TableBuilder& builder, Sourc
                        std::vector<std::string_view>& amounts) {
   const std::vector<std::string>& cells = rows.Cells();
   if (std::string fault = builder.TakeName(cells[0], "the formula", formula.name); !fault.empty()) return fault;
-  if (cells.size() == 1) return "the formula has no recipe";
   if (cells.size() % 2 == 0) return "an ingredient has no amount";
   if (const std::size_t count = cells.size() / 2; count > schema::kIngredientSlots)
     return fmt::format("the formula has {} ingredients, the limit is {}", count, schema::kIngredientSlots);
@@ -257,8 +256,9 @@ class HeaderRows {
       formula.recipe.push_back({basics_[n - 2].name, amount});
       amounts.push_back(cells[n]);
     }
-    if (!rows_.Ended() && LooksCut(builder_.Table(), formula.recipe, amounts)) return std::string(kCutText);
-    return formula.recipe.empty() ? "the formula has no recipe" : "";
+    if (!rows_.Ended() && !amounts.empty() && LooksCut(builder_.Table(), formula.recipe, amounts))
+      return std::string(kCutText);
+    return {};
   }
 
   RowCutter& rows_;
@@ -279,7 +279,8 @@ FormatFault ReadMfeRows(RowCutter& rows, TableBuilder& builder) {
     formula.line = rows.Line();
     amounts.clear();
     std::string fault = ReadMfeRow(rows, builder, formula, amounts);
-    if (fault.empty() && !rows.Ended() && LooksCut(builder.Table(), formula.recipe, amounts)) fault = kCutText;
+    if (fault.empty() && !rows.Ended() && !amounts.empty() && LooksCut(builder.Table(), formula.recipe, amounts))
+      fault = kCutText;
     if (fault.empty()) {
       builder.TakeFormula(std::move(formula), rows.Raw());
     } else {

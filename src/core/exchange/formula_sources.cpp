@@ -13,6 +13,7 @@
 #include "core/colors/name_map.h"
 #include "core/colors/names.h"
 #include "core/datafile/lifecycle.h"
+#include "core/base/told_steps.h"
 
 namespace vellumark {
 namespace {
@@ -59,7 +60,7 @@ class TableReader {
   void ReadFormulas(Database& file, const std::string& name) {
     Statement row =
         file.Prepare(fmt::format("SELECT {} FROM {} ORDER BY RowKey", MixFields().Columns(), Quoted(name)));
-    while (row.Step()) {
+    for (int record = 1; row.Step(); ++record) {
       MixColor mix;
       MixFields().Read(row, 0, mix);
       SourceColor source = SourceOf(mix, ColorKind::Mix);
@@ -70,7 +71,7 @@ class TableReader {
       // A line that shows as nothing weighs nothing.
       std::erase_if(source.recipe, [](const Ingredient& line) { return !(line.amount > 0); });
       if (source.recipe.empty()) {
-        Bad(source.name, "the formula has no recipe");
+        Bad(source.name, fmt::format("Master Formula has no formula at record {}", record));
       } else {
         Add(std::move(source), table_.formulas);
       }
@@ -149,10 +150,13 @@ struct OpenedSource {
 };
 
 Result<OpenedSource> OpenSource(const std::filesystem::path& path) {
-  std::error_code ignored;
-  if (!std::filesystem::exists(path, ignored)) throw Failure(path.string(), "does not exist");
-  OpenedSource source{Database::Open(path, OpenMode::ReadOnly), {}};
-  source.info = ReadFileInfo(*source.file);
+  OpenedSource source = InWords(path.string(), [] { return "Couldn't open database."; }, [&] {
+    std::error_code ignored;
+    if (!std::filesystem::exists(path, ignored)) throw Failure(path.string(), "does not exist");
+    OpenedSource opened{Database::Open(path, OpenMode::ReadOnly), {}};
+    opened.info = ReadFileInfo(*opened.file);
+    return opened;
+  });
   if (auto current = CheckVersion(source.info.fileVersion); !current) return std::unexpected(current.error());
   return source;
 }

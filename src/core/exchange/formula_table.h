@@ -71,6 +71,7 @@ struct BadLine {
   int line = 0;
   std::string content;
   std::string why;
+  std::string formula{};  ///< that it has no recipe for; a plan forgets it where the Database has one
 };
 
 struct FormulaTable {

@@ -103,7 +103,12 @@ std::string RefusedText(const MergePlan& plan) {
   std::string text;
   for (const BadLine& line : bad) {
     text += text.empty() ? "" : "\n";
-    if (line.line == 0) {
+    if (!line.formula.empty()) {
+      text += fmt::format(
+          "The Master Formula at line {} of the import file. {} is new to the database, however there is either no "
+          "valid formula specified in the imported data, or you did not choose to import formulas. ",
+          line.line, line.formula);
+    } else if (line.line == 0) {
       text += fmt::format("{}: {}", Shown(line.content), line.why);
     } else {
       text += fmt::format("Couldn't interpret textfile data at line {}: {} ({})", line.line, line.why,

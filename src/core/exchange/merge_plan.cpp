@@ -52,6 +52,8 @@ class Planner {
   }
 
   void Run() {
+    for (BadLine& bad : plan_.table.badLines)
+      if (!bad.formula.empty() && mixNames_.KeyOf(mixNames_.Of(bad.formula)) != 0) bad.formula.clear();
     NameColors();
     plan_.choices.resize(plan_.table.formulas.size());
     const IngredientNames names{[this](const std::string& name) { return IsBasic(name); },

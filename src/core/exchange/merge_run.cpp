@@ -18,6 +18,7 @@
 #include "core/exchange/merge_rows.h"
 #include "core/exchange/merge_sets.h"
 #include "core/exchange/present_recipes.h"
+#include "core/base/told_steps.h"
 #include "core/inventory/posting.h"
 #include "core/session/acts.h"
 
@@ -158,11 +159,38 @@ class Merger {
   }
 
  private:
+  template <class Words, class Work>
+  auto Step(const Words& words, const Work& work) {
+    return InWords(session_.DataFileName, words, work);
+  }
+
   void MakeDatabase() {
     session_.databaseList.push_back(database_);
-    CreateEmptyDatabase(file_, database_);
+    Step([] { return "Couldn't create new database tables."; }, [this] { CreateEmptyDatabase(file_, database_); });
     if (!plan_.target.ofGuides) return;
-    if (const auto guides = OpenTemplate(session_)) CopyTemplateInfo(session_, *guides, database_);
+    const auto guides = Step([] { return "Couldn't open database."; }, [this] { return OpenTemplate(session_); });
+    if (guides == nullptr) return;
+    Step([this] { return fmt::format("Couldn't update the {} Info Table.", database_); },
+         [&] { CopyTemplateInfo(session_, *guides, database_); });
+  }
+
+  /// Writes a color; where that fails, `line` finds the line of the source.
+  template <class Line, class Work>
+  void Write(const Line& line, const Work& work) {
+    Step([&] { return fmt::format("Couldn't write new formula(s) to Database. Line {}", line()); }, work);
+  }
+
+  /// In a source without lines, its number among its like.
+  static std::size_t LineOf(const SourceColor& color, std::size_t place) {
+    return color.line == 0 ? place + 1 : static_cast<std::size_t>(color.line);
+  }
+  /// A Basic Color that has no line of its own stands where the first formula names it.
+  std::size_t LineOf(const MergeBasic& basic) const {
+    if (basic.place != kNoPlace) return LineOf(plan_.table.basics[basic.place], basic.place);
+    const auto names = [&](const SourceColor& formula) { return HoldsIngredient(formula.recipe, basic.name); };
+    const auto& formulas = plan_.table.formulas;
+    const auto user = std::ranges::find_if(formulas, names);
+    return user == formulas.end() ? 0 : LineOf(*user, static_cast<std::size_t>(user - formulas.begin()));
   }
 
   // The sets and the Basic Colors of the formulas that are taken.
@@ -200,7 +228,7 @@ class Merger {
       auto color = NewColor<BasicColor>(session_, figures_, named, basicNames_);
       color.IngSort = sort++;
       color.Additive = named.additive.value_or(false) || additives_.contains(basic.name);
-      basicKeys_.push_back(writer.Insert(color));
+      Write([&] { return LineOf(basic); }, [&] { basicKeys_.push_back(writer.Insert(color)); });
       report_.basics.push_back(basic.name);
       AskForStock(ColorKind::Basic, named);
     }
@@ -232,24 +260,26 @@ class Merger {
       const SourceColor& formula = plan_.table.formulas[place];
       RecipeWriter& writer = choice.key == 0 ? added : changed;
       const RolledUp rolledUp = book.RollUp(formula.recipe);
-      writer.Set(formula.recipe, SetHere(plan_, formula.addSetName))
-          .SetMore(0, rolledUp.BasicCost)
-          .SetMore(1, rolledUp.BasicVOC)
-          .SetMore(2, rolledUp.BasicHAP)
-          .SetMore(3, session_.clock.Today());
-      if (choice.key == 0) {
-        Add(formula, writer);
-      } else {
-        const PresentRecipe before = present.Read(choice.key);
-        replaced_.push_back({{choice.key, formula.name, {}}, RecipeText(before.recipe), before.AddSetName, before.LastModified});
-        writer.Update(choice.key);
-        report_.changed.push_back(formula.name);
-      }
+      Write([&] { return LineOf(formula, place); }, [&] {
+        writer.Set(formula.recipe, SetHere(plan_, formula.addSetName))
+            .SetMore(0, rolledUp.BasicCost)
+            .SetMore(1, rolledUp.BasicVOC)
+            .SetMore(2, rolledUp.BasicHAP)
+            .SetMore(3, session_.clock.Today());
+        choice.key == 0 ? Add(formula, writer) : Replace(choice.key, formula, writer, present);
+      });
       if (++done % 64 != 0) continue;
       progress.Step(done, all);
       if (session_.progress.Cancelled()) return false;
     }
     return true;
+  }
+
+  void Replace(std::int64_t key, const SourceColor& formula, RecipeWriter& writer, PresentRecipes& present) {
+    const PresentRecipe before = present.Read(key);
+    replaced_.push_back({{key, formula.name, {}}, RecipeText(before.recipe), before.AddSetName, before.LastModified});
+    writer.Update(key);
+    report_.changed.push_back(formula.name);
   }
 
   void Add(const SourceColor& formula, RecipeWriter& writer) {

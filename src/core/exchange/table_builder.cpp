@@ -98,6 +98,10 @@ void TableBuilder::Take(std::vector<SourceColor>& colors, std::unordered_map<std
 }
 
 void TableBuilder::TakeFormula(SourceColor formula, std::string_view content) {
+  if (formula.recipe.empty()) {
+    table_.badLines.push_back({formula.line, std::string(content), "the formula has no recipe", std::move(formula.name)});
+    return;
+  }
   Take(table_.formulas, lineOfFormula_, std::move(formula), content, "formula");
 }
 

@@ -34,7 +34,8 @@ class TableBuilder {
   std::optional<double> TakeFigure(std::string_view cell, std::string_view caption, std::string& fault) const;
   /// The cell as a code, with what was escaped in it; what is wrong with it, or empty.
   std::string TakeCode(std::string_view cell, std::optional<std::string>& code) const;
-  /// A whole formula or Basic Color, unless its name stands among those of the file already.
+  /// A whole formula or Basic Color, unless its name stands among those of the file already. A formula without a recipe
+  /// is a bad line.
   void TakeFormula(SourceColor formula, std::string_view content);
   void TakeBasic(SourceColor basic, std::string_view content);
 

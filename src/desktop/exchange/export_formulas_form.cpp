@@ -45,7 +45,7 @@ DBExport_Formulas::DBExport_Formulas(WindowList& windowList, FileChooser choose)
     : Window(windowList, "DBExport_Formulas", tr("Export Formulas")),
       choose_(std::move(choose)),
       names_(std::make_shared<Names>()) {
-  setWindowIcon(Icon("Report"));
+  setWindowIcon(Icon("DBTools"));
   Form form(*this);
   TabSet tabs = form.Tabs("tabSteps");
   steps_ = tabs.Widget();

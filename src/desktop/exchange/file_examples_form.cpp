@@ -17,7 +17,7 @@ ExportImportFileExamples::ExportImportFileExamples(WindowList& windowList, FileC
     : Window(windowList, "ExportImportFileExamples", tr("Formats of Formula Files")),
       choose_(std::move(choose)),
       cells_(std::make_shared<TableSource>()) {
-  setWindowIcon(Icon("Report"));
+  setWindowIcon(Icon("DBTools"));
   Form form(*this);
   QStringList options;
   for (int n = 0; n < kWrittenFormats; ++n) options += Q(FormulaFormats()[static_cast<std::size_t>(n)].option);

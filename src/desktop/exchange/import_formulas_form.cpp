@@ -69,6 +69,7 @@ DBImport_Formulas::DBImport_Formulas(WindowList& windowList, FileChooser choose)
     : Window(windowList, "DBImport_Formulas", tr("Import Data From ...")),
       choose_(std::move(choose)),
       rows_(std::make_shared<Planned>(session)) {
+  setWindowIcon(Icon("DBTools"));
   Form form(*this);
   TabSet tabs = form.Tabs("tabSteps");
   steps_ = tabs.Widget();

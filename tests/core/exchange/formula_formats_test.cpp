@@ -1,17 +1,21 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <set>
 
 #include "core/base/files.h"
 #include "core/base/number.h"
 #include "core/base/text.h"
 #include "core/colors/formulas.h"
+#include "core/datafile/databases.h"
+#include "core/datafile/lifecycle.h"
 #include "core/exchange/formula_export.h"
 #include "core/exchange/formula_file.h"
 #include "core/exchange/formula_import.h"
 #include "core/exchange/formula_writer.h"
 #include "support/ink_room.h"
 #include "support/places.h"
+#include "support/struck.h"
 
 namespace vellumark {
 namespace {
@@ -290,7 +294,8 @@ TEST(FormulaGrid, TheFieldsOfATableExportAreKnownByTheirNames) {
   EXPECT_EQ(table->unit, 2);
   EXPECT_TRUE(table->hasFigures);
   EXPECT_EQ(Told(*table),
-            "SKY[S] BLUE=1 DRYER=3; PLAIN[] !6 Paint is no Color Type !7 BAD is no formula and has a recipe");
+            "SKY[S] BLUE=1 DRYER=3 !5 the formula has no recipe !6 Paint is no Color Type !7 BAD is no formula and has a "
+            "recipe");
   ASSERT_EQ(table->basics.size(), 2U);
   const SourceColor& blue = table->basics[0];
   EXPECT_EQ(blue.code, "B\\1");
@@ -352,8 +357,8 @@ TEST(WorkFile, HoldsWhatWasReadAndReadsBackAsTheSame) {
     EXPECT_EQ(back->basics.size(), table->basics.size());
   }
   const auto grid = ReadFormulaBytes(
-      "Color Name\tColor Type\tNotes\tPurchase Cost\tRecyclable\tReorder "
-      "(oz.)\nA\tBasic\ta\\nb\\\\c\t0.1\t\t5\nB\tFormula\t\t\tNo\t\n",
+      "Color Name\tColor Type\tNotes\tPurchase Cost\tRecyclable\tReorder (oz.)\tIngredient 0\tParts 0\n"
+      "A\tBasic\ta\\nb\\\\c\t0.1\t\t5\nB\tFormula\t\t\tNo\t\tA\t1\n",
       "g.txt", {});
   const auto back = ReadFormulaFile(WriteWorkFile(room.session.ProgramFolder / "Converted", *grid), {});
   EXPECT_EQ(back->basics[0].notes, "a\nb\\c");
@@ -379,6 +384,30 @@ TEST(WorkFile, HoldsWhatWasReadAndReadsBackAsTheSame) {
   } catch (const Failure& failure) {
     EXPECT_TRUE(failure.cause.starts_with("Couldn't print Header on the output file. ")) << failure.cause;
   }
+  // On a full disk the part is told that had no room.
+  std::filesystem::remove(room.session.ProgramFolder);
+  std::set<std::string> told;
+  for (int nth = 1;; ++nth) {
+    const auto said = room.folder / "said";
+    const test::StruckRun run = test::RunStruck(nth, ENOSPC, [&] {
+      test::MarkStep();
+      try {
+        WriteWorkFile(room.session.ProgramFolder / "Converted", *grid);
+      } catch (const Failure& failure) {
+        test::MarkStep();
+        ReplaceFile(said, failure.cause);
+        return 1;
+      }
+      return 0;
+    });
+    if (!run.struck) break;
+    if (run.status != 1) continue;
+    const std::string cause = ReadFileBytes(said);
+    told.insert(cause.substr(0, cause.find(" (")));
+  }
+  EXPECT_EQ(told, (std::set<std::string>{"Couldn't print Header on the output file.",
+                                         "Couldn't write Basics to the output file",
+                                         "Couldn't write formulas to the output file"}));
 }
 
 TEST(FormulaExport, TakesTheDaysOfEitherDateAndTheDatabaseThatIsNamed) {

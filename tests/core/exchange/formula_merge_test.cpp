@@ -4,8 +4,10 @@
 
 #include "core/base/files.h"
 #include "core/base/units.h"
+#include "core/colors/formulas.h"
 #include "core/colors/guide_database.h"
 #include "core/datafile/database_changes.h"
+#include "core/datafile/databases.h"
 #include "merge_room.h"
 #include "support/guide_room.h"
 
@@ -226,6 +228,25 @@ TEST(FormulaSources, ADataFileIsReadAndStaysAsItIs) {
   EXPECT_TRUE(ReadFileBytes(path) == bytes);
   EXPECT_EQ(std::filesystem::last_write_time(path), modified);
 
+  // What another account shares is a Data File without its jobs, users, Batches and what the system keeps for itself.
+  const auto share = room.folder / "share.vkd";
+  std::filesystem::copy_file(path, share);
+  {
+    const auto file = Database::Open(share, OpenMode::Exclusive);
+    Transaction transaction(*file);
+    for (const std::string& table : file->TableNames())
+      if (table == "JobRecords" || table == "Users" || table == "Dispenser" || table.starts_with("MSys") ||
+          table.ends_with("_Batch") || table.ends_with("_Batch_LotInv"))
+        file->DropTable(table);
+    transaction.Commit();
+  }
+  const std::string shared = ReadFileBytes(share);
+  EXPECT_EQ(DatabasesOfFile(room.session, share), (std::vector<std::string>{"INK"}));
+  const auto theirs = ReadDataFileFormulas(room.session, share, "INK");
+  ASSERT_TRUE(theirs) << theirs.error().text;
+  EXPECT_EQ(ImportTable(room.session, *theirs)->added, (std::vector<std::string>{"PINK"}));
+  EXPECT_TRUE(ReadFileBytes(share) == shared);
+
   EXPECT_THROW(DatabasesOfFile(room.session, room.folder / "gone.vkd"), Failure);
   ReplaceFile(room.folder / "foreign.vkd", "no Data File at all");
   EXPECT_THROW(DatabasesOfFile(room.session, room.folder / "foreign.vkd"), Failure);
@@ -237,7 +258,7 @@ TEST(FormulaSources, ADataFileIsReadAndStaysAsItIs) {
       DatabasesOfFile(room.session, path);
       ADD_FAILURE() << "a file in use was read";
     } catch (const Failure& failure) {
-      EXPECT_EQ(failure.cause, "is in use by another process");
+      EXPECT_EQ(failure.cause, "Couldn't open database. (is in use by another process)");
     }
     inUse->Execute("UPDATE FileInfo SET FileVersion = 39");
   }

@@ -1,12 +1,16 @@
 // Formulas that come in, by the keys and clicks of an operator.
 
+#include <QListWidget>
 #include <QPlainTextEdit>
 #include <QTabWidget>
 
 #include "core/base/files.h"
 #include "core/datafile/lifecycle.h"
 #include "desktop/exchange/register.h"
+#include "desktop/kit/application.h"
 #include "desktop/tools/tools_room.h"
+#include "support/import_faults.h"
+#include "support/snapshot.h"
 
 namespace vellumark::test {
 namespace {
@@ -106,6 +110,62 @@ TEST_F(ImportRoom, WhatCannotBeImportedStopsItUntilItIsLeftOut) {
   Click(*form, "cmdImport");
   EXPECT_EQ(Stored("SILVER"), "BLACK 100.000");
 }
+
+struct ImportFaultRoom : ImportRoom, testing::WithParamInterface<int> {
+  ImportFaultRoom() {
+    Application().OnFailure([this](const std::string&, const std::string& text) { failed += text; });
+    session.ProgramFolder = folder / "Program";
+    std::filesystem::create_directories(session.ProgramFolder);
+    MakeFaultyTemplate(session.ProgramFolder / "pdbt.vkt");
+    InkRoom shop;
+    shop.Basic("BLACK");
+    for (const char* name : {"SILVER", "GOLD"}) shop.Mix(name, {{"BLACK", 100}});
+    shop.session.DataFileDB.reset();
+    std::filesystem::copy_file(shop.session.DataFileName, folder / "shop.vkd");
+    before = Rows();
+    session.File().Execute(fault.harm);
+  }
+  ~ImportFaultRoom() override {
+    Application().OnFailure(
+        [](const std::string& title, const std::string& text) { ADD_FAILURE() << title << ": " << text; });
+  }
+  /// What stands in the file, but for the harm that was done to it.
+  std::string Rows() {
+    session.File().Execute(
+        "DROP TRIGGER IF EXISTS fault; UPDATE INK_Basic SET PurchaseCost = 0, VOC = 0, HAP = 0; DROP TABLE IF EXISTS "
+        "NEW_Mix");
+    return Snapshot(session.File());
+  }
+  static desktop::Application& Application() { return dynamic_cast<desktop::Application&>(*qApp); }
+
+  const ImportFault& fault = ImportFaults().at(static_cast<std::size_t>(GetParam()));
+  std::string before;
+  std::string failed;
+};
+
+TEST_P(ImportFaultRoom, IsToldInTheWordsForItsStepAndNothingComesIn) {
+  Open("DBImport_Formulas");
+  if (fault.file.empty()) {
+    Click(*form, "optSource_Pantone");
+    Control<QListWidget>(*form, "lstPantoneData").item(0)->setCheckState(Qt::Checked);
+  } else {
+    Browse(MakeSource(fault, folder.Path(), session.ProgramFolder / "Converted"));
+  }
+  if (fault.newDatabase) {
+    Click(*form, "optDest_New");
+    Fill(*form, "txtDBName", "new");
+  }
+  const bool refused = fault.how == ImportFault::How::Refused;
+  if (refused) prompt.Expect("Import Formulas");
+  if (failed.empty()) PressOn(Qt::Key_F5);
+  if (fault.how == ImportFault::How::Failed && failed.empty()) Click(*form, "cmdImport");
+  const std::string told = refused ? prompt.last.text : fault.how == ImportFault::How::Failed ? failed : Note("txtWhatElse");
+  EXPECT_NE(told.find(fault.says.substr(0, fault.says.find_last_not_of(' ') + 1)), std::string::npos) << told;
+  EXPECT_FALSE(fault.how != ImportFault::How::Failed && IsOn("cmdImport"));
+  EXPECT_EQ(Rows(), before);
+}
+
+INSTANTIATE_TEST_SUITE_P(Faults, ImportFaultRoom, testing::Range(0, static_cast<int>(ImportFaults().size())));
 
 TEST_F(ImportRoom, AComparisonDoesNotOutliveAChange) {
   Open("DBImport_Formulas");
