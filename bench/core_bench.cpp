@@ -9,8 +9,6 @@
 #include "core/batch/recycle_list.h"
 #include "core/colors/formulas.h"
 #include "core/colors/rollup.h"
-#include "core/exchange/formula_import.h"
-#include "core/exchange/formula_writer.h"
 #include "core/inventory/adjust.h"
 #include "core/shell/opening.h"
 #include "large_room.h"
@@ -109,57 +107,6 @@ void PassRaw(benchmark::State& state) {
   }
 }
 BENCHMARK(PassRaw)->Name("pass_100k/raw")->Unit(benchmark::kMillisecond)->Iterations(3);
-
-// ---- import_10k: an .mfe file of 10,000 formulas into a Database that has their ingredients
-
-std::filesystem::path WriteMfe(LargeRoom& room, int count) {
-  FormulaFileText file(FormulaFormat::Mfe, "BENCH", {});
-  for (int i = 0; i < count; ++i) file.Add("IMPORTED " + std::to_string(i), "", room.maker.Next());
-  const auto path = room.folder / "bench.mfe";
-  ReplaceFile(path, file.Text());
-  return path;
-}
-
-void ImportOurs(benchmark::State& state) {
-  LargeRoom room(100);
-  const auto path = WriteMfe(room, 10000);
-  for (auto unused : state) {
-    if (!ImportFormulas(room.session, path)) state.SkipWithError("the import was refused");
-    state.PauseTiming();
-    room.session.File().Execute("DELETE FROM INK_Mix");
-    state.ResumeTiming();
-  }
-}
-BENCHMARK(ImportOurs)->Name("import_10k/ours")->Unit(benchmark::kMillisecond)->Iterations(4);
-
-void ImportRaw(benchmark::State& state) {
-  LargeRoom room(100);
-  if (!ImportFormulas(room.session, WriteMfe(room, 10000))) state.SkipWithError("the import was refused");
-  Database& file = room.session.File();
-  std::vector<std::vector<Value>> rows;
-  {
-    Statement all = file.Prepare("SELECT * FROM INK_Mix WHERE Color_Name LIKE 'IMPORTED%'");
-    while (all.Step()) {
-      rows.emplace_back();
-      for (int i = 0; i < all.ColumnCount(); ++i) rows.back().push_back(all.Get(i));
-    }
-  }
-  std::string marks;
-  for (std::size_t i = 0; i < rows[0].size(); ++i) marks += i == 0 ? "?" : ", ?";
-  for (auto unused : state) {
-    state.PauseTiming();
-    file.Execute("DELETE FROM INK_Mix");
-    state.ResumeTiming();
-    Transaction transaction(file);
-    Statement insert = file.Prepare("INSERT INTO INK_Mix VALUES (" + marks + ")");
-    for (const auto& row : rows) {
-      for (std::size_t i = 0; i < row.size(); ++i) insert.Bind(static_cast<int>(i) + 1, row[i]);
-      insert.Run();
-    }
-    transaction.Commit();
-  }
-}
-BENCHMARK(ImportRaw)->Name("import_10k/raw")->Unit(benchmark::kMillisecond)->Iterations(4);
 
 // ---- open_100k: from a path to open record sets
 

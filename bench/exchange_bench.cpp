@@ -2,6 +2,7 @@
 
 #include <benchmark/benchmark.h>
 
+#include <chrono>
 #include <iterator>
 
 #include "core/base/files.h"
@@ -33,7 +34,7 @@ std::filesystem::path WriteFormulas(LargeRoom& room, FormulaFormat format) {
   return path;
 }
 
-// ---- import_10k_FORMAT: a file of 10,000 formulas into a Database that has their ingredients
+// ---- import_10k, import_10k_FORMAT: an .mfe file or one of another format of 10,000 formulas into a Database that has their ingredients
 
 void ImportOurs(benchmark::State& state, FormulaFormat format) {
   LargeRoom room(100);
@@ -98,15 +99,20 @@ void ExportOurs(benchmark::State& state, FormulaFormat format) {
   state.counters["peak_mb"] = PeakMemory::Mb();
 }
 
+std::string RecipeColumns() {
+  std::string columns;
+  for (int n = 0; n < static_cast<int>(schema::kIngredientSlots); ++n)
+    columns += ", BC" + std::to_string(n) + ", BQ" + std::to_string(n);
+  return columns;
+}
+
 // The rows in their order; of a file with a column for each Basic Color, as many cells besides.
 void ExportRaw(benchmark::State& state, FormulaFormat format) {
   LargeRoom& room = Room();
-  std::string columns = "Color_Name, Color_Code";
-  for (int n = 0; n < static_cast<int>(schema::kIngredientSlots); ++n)
-    columns += ", BC" + std::to_string(n) + ", BQ" + std::to_string(n);
   for (auto unused : state) {
     std::string text;
-    Statement rows = room.session.File().Prepare("SELECT " + columns + " FROM INK_Mix ORDER BY Color_Name, RowKey");
+    Statement rows = room.session.File().Prepare("SELECT Color_Name, Color_Code" + RecipeColumns() +
+                                                    " FROM INK_Mix ORDER BY Color_Name, RowKey");
     while (rows.Step()) {
       text += rows.TextView(0);
       for (int n = 2; n < rows.ColumnCount() && !rows.TextView(n).empty(); n += 2) {
@@ -120,6 +126,59 @@ void ExportRaw(benchmark::State& state, FormulaFormat format) {
   }
 }
 
+// ---- preview_100k: a file of as many formulas as a large Database has, compared with it; every tenth one differs
+
+std::filesystem::path FileToCompare() {
+  LargeRoom& room = Room();
+  const auto path = room.folder / "compared.mfe";
+  if (std::filesystem::exists(path)) return path;
+  if (!ExportFormulas(room.session, FormulaFormat::Mfe, {}, path)) throw std::runtime_error("nothing to compare");
+  const std::string bytes = ReadFileBytes(path);
+  std::string text;
+  int n = 0;
+  for (const std::string_view line : Split(bytes, '\n')) {
+    std::vector<std::string_view> cells = Split(line, '\t');
+    if (n++ % 10 == 1 && cells.size() > 5) {
+      std::swap(cells[1], cells[3]);
+      std::swap(cells[2], cells[4]);
+    }
+    for (std::size_t i = 0; i < cells.size(); ++i) text.append(i == 0 ? "" : "\t").append(cells[i]);
+    text += '\n';
+  }
+  ReplaceFile(path, text);
+  return path;
+}
+
+void PreviewOurs(benchmark::State& state) {
+  LargeRoom& room = Room();
+  const auto path = FileToCompare();
+  PeakMemory::Reset();
+  double ms = 0;
+  for (auto unused : state) {
+    const auto begin = std::chrono::steady_clock::now();
+    auto table = ReadFormulas(room.session, path);
+    const auto plan = PlanMerge(room.session, *std::move(table), {});
+    if (!plan || plan->Count(MergeMod::Different) == 0 || plan->Count(MergeMod::Same) < 80000)
+      state.SkipWithError("the comparison is not as it should be");
+    ms = std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - begin).count();
+  }
+  state.counters["ms"] = ms;
+  state.counters["peak_mb"] = PeakMemory::Mb();
+}
+
+// The cells of the file and the recipes of the Database.
+void PreviewRaw(benchmark::State& state) {
+  LargeRoom& room = Room();
+  const auto path = FileToCompare();
+  for (auto unused : state) {
+    const std::string bytes = ReadFileBytes(path);
+    for (const std::string_view line : Split(bytes, '\n')) benchmark::DoNotOptimize(Split(line, '\t').size());
+    Statement rows = room.session.File().Prepare("SELECT Color_Name" + RecipeColumns() + " FROM INK_Mix");
+    while (rows.Step())
+      for (int n = 0; n < rows.ColumnCount(); ++n) benchmark::DoNotOptimize(rows.TextView(n).size());
+  }
+}
+
 const bool kRegistered = [] {
   for (int n = 0; n < static_cast<int>(std::size(kNames)); ++n) {
     const FormulaFormat format{n};
@@ -127,14 +186,14 @@ const bool kRegistered = [] {
     const auto add = [&](const std::string& of, auto* measured, int times) {
       benchmark::RegisterBenchmark((of).c_str(), measured, format)->Unit(benchmark::kMillisecond)->Iterations(times);
     };
-    // That of .mfe files is import_10k.
-    if (format != FormulaFormat::Mfe) {
-      add("import_10k_" + name + "/ours", ImportOurs, 4);
-      add("import_10k_" + name + "/raw", ImportRaw, 4);
-    }
+    const std::string import = format == FormulaFormat::Mfe ? "import_10k" : "import_10k_" + name;
+    add(import + "/ours", ImportOurs, 4);
+    add(import + "/raw", ImportRaw, 4);
     add("export_100k_" + name + "/ours", ExportOurs, 2);
     add("export_100k_" + name + "/raw", ExportRaw, 2);
   }
+  benchmark::RegisterBenchmark("preview_100k/ours", PreviewOurs)->Unit(benchmark::kMillisecond)->Iterations(1);
+  benchmark::RegisterBenchmark("preview_100k/raw", PreviewRaw)->Unit(benchmark::kMillisecond)->Iterations(1);
   return true;
 }();
 

@@ -61,10 +61,15 @@ class Planner {
                                 [this](const std::string& name) { return RecipeHere(name); }};
     const std::vector<OutMultiplied> out = MultiplyOut(names, plan_.table.formulas, plan_.options.multiplyOut);
     PlanSets(session_, plan_);
+    // The rows of the Database are read in the order in which they lie.
+    std::vector<std::pair<std::int64_t, std::size_t>> order;
+    order.reserve(plan_.choices.size());
     for (std::size_t place = 0; place < plan_.choices.size(); ++place) {
       plan_.choices[place].hasFormulas = out[place].hasFormulas;
-      Decide(place, out[place].fault);
+      order.emplace_back(mixNames_.KeyOf(plan_.table.formulas[place].name), place);
     }
+    std::ranges::sort(order);
+    for (const auto& [key, place] : order) Decide(place, key, out[place].fault);
     PlanBasics();
   }
 
@@ -103,7 +108,7 @@ class Planner {
     }
   }
 
-  void Decide(std::size_t place, const std::string& faultBefore) {
+  void Decide(std::size_t place, std::int64_t key, const std::string& faultBefore) {
     SourceColor& formula = plan_.table.formulas[place];
     MergeChoice& choice = plan_.choices[place];
     std::string fault = faultBefore;
@@ -122,7 +127,7 @@ class Planner {
       choice.why = std::move(fault);
       return;
     }
-    choice.key = mixNames_.KeyOf(formula.name);
+    choice.key = key;
     if (choice.key == 0) {
       choice.take = true;
       if (basicNames_.KeyOf(formula.name) != 0) choice.why = "a Basic Color has this name too";

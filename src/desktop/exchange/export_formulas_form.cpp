@@ -97,10 +97,10 @@ void DBExport_Formulas::BuildFormat(Form form) {
     options.push_back({QString("optFormat%1").arg(n), Q(FormulaFormats()[static_cast<std::size_t>(n)].option)});
   format_ = form.Radio("optFormat", options);
   format_->Means("Format");
-  form.Wide(format_);
+  form.Row(tr("Format"), format_);
   lost_ = form.Hint({}, "lblLost");
   lost_->setWordWrap(true);
-  form.Wide(lost_);
+  form.Row(tr("Left out"), lost_);
   form.Row({form.Button("cmdFormatInfo", tr("Format &Info"))});
   form.Stretch();
   connect(format_, &RadioField::ChosenChanged, this, [this] { ShowFormat(); });
@@ -109,7 +109,7 @@ void DBExport_Formulas::BuildFormat(Form form) {
 void DBExport_Formulas::BuildFile(Form form) {
   fileName_ = form.Hint({}, "lblFile");
   fileName_->setWordWrap(true);
-  form.Wide(fileName_);
+  form.Row(tr("File"), fileName_);
   form.Row({form.Button("cmdBrowse", tr("&Browse ..."))});
   form.Stretch();
 }

@@ -176,7 +176,7 @@ void DBImport_Formulas::BuildComparison(Form form) {
   grid->View().setAccessibleName(tr("Formula Comparison"));
   list_ = new CheckedList(*grid, rows_,
                           {GridColumn::Text(tr("Color"), 240), GridColumn::Text(tr("ModType"), 96),
-                           GridColumn::Text(tr("In Database"), 96), GridColumn::Text(tr("Mod1"), 440)});
+                           GridColumn::Text(tr("In Database"), 96), GridColumn::Text(tr("Mod1"), 720)});
   grid->ShowFilter(tr("Filter"));
   form.Wide(grid, 1);
   const auto choice = [&](const char* name, const QString& text, bool isNew, bool different) {
@@ -191,6 +191,7 @@ void DBImport_Formulas::BuildComparison(Form form) {
   form.Wide(skipBad_ = form.Check("chkSkipBad", tr("Leave out what cannot be imported")));
   whatElse_ = form.Note("txtWhatElse", 3);
   whatElse_->setReadOnly(true);
+  whatElse_->setMaximumHeight(4 * space::kRowHeight);  // the formulas have the room
   whatElse_->setAccessibleName(tr("Basic Colors to be made, and what cannot be imported"));
   form.Wide(whatElse_);
   connect(list_, &CheckedList::CheckedChanged, this, [this] {

@@ -11,6 +11,7 @@
 #include "core/colors/formula_work.h"
 #include "core/colors/formulas.h"
 #include "desktop/kit/message_prompt.h"
+#include "exchange_arguments.h"
 #include "furnished_room.h"
 #include "running.h"
 
@@ -65,6 +66,8 @@ struct EveryWindow : testing::Test {
     if (name == "AdjustFormulaForm" || name == "DuplicateFormulaForm")
       return {{"Work", LoadFormulaWork(running.session, *ReadMix(running.session, "TINT"))}};
     if (name == "NewMixNameForm") return {{"Color_Name", "TINT"}};
+    if (name == "ImportColumnsForm") return OwnColumns(room.folder.Path());
+    if (name == "ImportCompareFormulasForm") return ComparedTarget(running.session);
     return {{"FindRecord", "RED"},  {"Color_Name", "RED"},
             {"SetName", "STD SET"}, {"Kind", ColorKind::Basic},
             {"DesignID", "BOX"},    {"Username", "ANN"},

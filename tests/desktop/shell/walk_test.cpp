@@ -12,6 +12,7 @@
 #include "core/datafile/color_kind.h"
 #include "desktop/batch/batch_form.h"
 #include "desktop/kit/message_prompt.h"
+#include "exchange_arguments.h"
 #include "running.h"
 #include "support/cli_run.h"
 
@@ -77,6 +78,8 @@ std::vector<Walked> Windows() {
           {"InkEstAniloxValueForm"},
           {"ExportBatchesForm"},
           {"ExportJobRecords"},
+          {"DBExport_Formulas"},
+          {"DBImport_Formulas"},
           {"LabelLayoutForm"},
           {"GH_LabelLayoutForm"},
           {"Formula_LabelLayoutForm"},
@@ -195,6 +198,14 @@ struct WalkTest : testing::Test {
     Settle();
   }
 
+  // With those that need what is in the room.
+  std::vector<Walked> AllWindows() {
+    std::vector<Walked> windows = Windows();
+    windows.push_back({"ImportColumnsForm", OwnColumns(room.folder.Path())});
+    windows.push_back({"ImportCompareFormulasForm", ComparedTarget(running.session)});
+    return windows;
+  }
+
   // The fields that the key comes by, from the first one on, until it comes back, leaves the fields or says something.
   std::vector<std::string> Passed(QWidget& window, Qt::Key key) {
     std::vector<std::string> names;
@@ -245,7 +256,7 @@ struct WalkTest : testing::Test {
 };
 
 TEST_F(WalkTest, TabAndEnterComeByTheSameFields) {
-  for (const Walked& walked : Windows()) {
+  for (const Walked& walked : AllWindows()) {
     if (walked.enterActs) continue;
     SCOPED_TRACE(walked.window);
     std::vector<std::string> byTab, byEnter;
@@ -257,7 +268,7 @@ TEST_F(WalkTest, TabAndEnterComeByTheSameFields) {
 }
 
 TEST_F(WalkTest, WhatIsTypedIsTakenOrRefusedByTabAsByEnter) {
-  for (const Walked& walked : Windows()) {
+  for (const Walked& walked : AllWindows()) {
     std::vector<std::string> names;
     In(walked, [&](QWidget& window) { names = Passed(window, Qt::Key_Return); });
     if (!names.empty()) names.pop_back();  // behind the last one Enter is the default button
