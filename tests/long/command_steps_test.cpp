@@ -54,6 +54,12 @@ struct FaultRoom : test::CliRoom {
     must({"design", "add", "BOX", "PINK=2", "Impressions=1000"});
     must({"design", "photo", "BOX", "add", "FRONT.PNG"});
     ReplaceFile(work / "in.mfe", "INK\r\nPLUM\tRED\t30\tNEW\t70\r\nPINK\tRED\t50\tWHITE\t50\r\n");
+    Keep();
+  }
+
+  /// What every run begins with.
+  void Keep() const {
+    fs::remove_all(pristine);
     fs::copy(work, pristine, fs::copy_options::recursive);
   }
 
@@ -96,6 +102,7 @@ struct FaultRoom : test::CliRoom {
 struct Scenario {
   const char* name;
   Words words;
+  Words first = {};  ///< what happened before
 };
 
 std::ostream& operator<<(std::ostream& out, const Scenario& scenario) {
@@ -141,6 +148,10 @@ class Steps : public testing::TestWithParam<Scenario> {
 };
 
 TEST_P(Steps, LeaveTheDataBeforeOrAfter) {
+  if (!GetParam().first.empty()) {
+    ASSERT_EQ(room.Do(GetParam().first).status, 0);
+    room.Keep();
+  }
   before = room.Data();
   room.Restore();
   const CliAnswer whole = room.Do(GetParam().words);
@@ -169,6 +180,8 @@ INSTANTIATE_TEST_SUITE_P(
                   "J2=9"}},
         Scenario{"BatchEdit", {"batch", "edit", "2", "--quantity", "12", "--mix", "--lot", "RED=B:3"}},
         Scenario{"BatchDelete", {"batch", "delete", "1"}}, Scenario{"Import", {"formula", "import", "IN.MFE"}},
+        Scenario{"UndoImport", {"formula", "undo"}, {"formula", "import", "IN.MFE"}},
+        Scenario{"UndoImportOfDatabase", {"formula", "undo"}, {"formula", "import", "IN.MFE", "--to", "MADE"}},
         Scenario{"PhotoAdd", {"design", "photo", "BOX", "add", "FRONT.PNG", "back"}},
         Scenario{"PhotoRename", {"design", "photo", "BOX", "rename", "front.jpg", "side"}},
         Scenario{"DesignDelete", {"design", "delete", "BOX"}},
