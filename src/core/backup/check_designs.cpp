@@ -50,7 +50,7 @@ void CheckDesignColors(CheckRun& run) {
   if (!run.HasGlobalTables()) return;
   ForEachDesign(run.session, [&](const Design& design) {
     const auto fault = [&](std::string what) {
-      run.Found(schema::Designs.name, design.rowId, design.DesignID, std::move(what));
+      run.Found(schema::Designs.name, design.key, design.DesignID, std::move(what));
     };
     bool ended = false;
     for (const DesignColor& slot : design.slots) {

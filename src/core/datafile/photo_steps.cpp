@@ -62,7 +62,7 @@ std::optional<PhotoStep> NextPhotoStep(Database& file) {
 
 void PhotoStepDone(Database& file, const PhotoStep& step) {
   Transaction transaction(file);
-  file.Prepare("DELETE FROM MSysPhotoSteps WHERE RowKey = ?").Bind(1, step.rowId).Run();
+  file.Prepare("DELETE FROM MSysPhotoSteps WHERE RowKey = ?").Bind(1, step.key).Run();
   transaction.Commit();
 }
 

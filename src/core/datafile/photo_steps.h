@@ -17,7 +17,7 @@ struct PhotoStep {
     Copy = 2,    ///< the file `source` is copied
     Remove = 3,  ///< the file goes, unless somebody links it
   };
-  std::int64_t rowId = 0;
+  std::int64_t key = 0;
   Kind kind = Kind::Put;
   std::string name;
   std::string source;

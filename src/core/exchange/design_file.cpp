@@ -380,7 +380,7 @@ Result<DesignImport> ImportDesigns(Session& session, const PhotoMaker& maker, co
     for (IncomingDesign& incoming : *designs) {
       const auto present = ReadDesign(session, incoming.design.DesignID);
       if (auto taken = photos.Take(incoming.design, present); !taken) return std::unexpected(taken.error());
-      incoming.design.rowId = present ? present->rowId : 0;
+      incoming.design.key = present ? present->key : 0;
       if (!incoming.design.Created) incoming.design.Created = session.clock.Today();
       WriteDesign(session, incoming.design);
       FollowLastUsed(session, incoming.design.DesignID);

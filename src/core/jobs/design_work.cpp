@@ -118,7 +118,7 @@ void FollowNewName(Session& session, Transaction& transaction, const LinkedPhoto
     std::vector<std::string> names = other->Photos();
     for (std::string& name : names)
       if (EqualNoCase(name, photo.from)) name = photo.name;
-    WritePhotoSet(session, other->rowId, NameSet(names));
+    WritePhotoSet(session, other->key, NameSet(names));
     transaction.Note({Change::Kind::Design, "", id, Change::What::Updated, {}});
   }
 }
@@ -436,7 +436,7 @@ Result<void> SaveDesign(Session& session, DesignWork& work) {
   design.LastModified = session.clock.Today();
   design.PhotoSet = NameSet(work.PhotoNames());
   Transaction transaction(session.File());
-  design.rowId = WriteDesign(session, design);
+  design.key = WriteDesign(session, design);
   PlanPhotos(session, transaction, work);
   if (jobsFollow) RewriteJobDesignDesc(session, design.DesignID, design.Description);
   FollowLastUsed(session, design.DesignID);

@@ -28,7 +28,7 @@ struct DesignWork {
   Design loaded;  ///< as it is on file; empty for a new one
   std::vector<LinkedPhoto> photos;
 
-  bool IsNew() const { return design.rowId == 0; }
+  bool IsNew() const { return design.key == 0; }
   bool Changed() const;
   std::vector<std::string> PhotoNames() const;
 };

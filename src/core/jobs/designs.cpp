@@ -16,7 +16,7 @@ constexpr std::string_view kSplit = "- SPLIT -";
 
 Design ReadRow(const Statement& row) {
   Design design;
-  design.rowId = row.Whole(0);
+  design.key = row.Whole(0);
   DesignFields().Read(row, 1, design);
   return design;
 }
@@ -159,17 +159,17 @@ std::string NextDesignID(const Session& session, std::string_view id, bool forwa
 std::int64_t WriteDesign(Session& session, const Design& design) {
   const std::vector<Cell> cells =
       DesignFields().Cells(design, {FieldUse::Key, FieldUse::Typed, FieldUse::Kept, FieldUse::Derived});
-  if (design.rowId == 0) return InsertRow(session.File(), schema::Designs, schema::Designs.name, cells);
-  UpdateRow(session.File(), schema::Designs, schema::Designs.name, design.rowId, cells);
-  return design.rowId;
+  if (design.key == 0) return InsertRow(session.File(), schema::Designs, schema::Designs.name, cells);
+  UpdateRow(session.File(), schema::Designs, schema::Designs.name, design.key, cells);
+  return design.key;
 }
 
-void WritePhotoSet(Session& session, std::int64_t rowId, const std::string& photoSet) {
-  UpdateRow(session.File(), schema::Designs, schema::Designs.name, rowId, {{"PhotoSet", photoSet}});
+void WritePhotoSet(Session& session, std::int64_t key, const std::string& photoSet) {
+  UpdateRow(session.File(), schema::Designs, schema::Designs.name, key, {{"PhotoSet", photoSet}});
 }
 
 void DeleteDesignRow(Session& session, const Design& design) {
-  session.File().Prepare("DELETE FROM Designs WHERE RowKey = ?").Bind(1, design.rowId).Run();
+  session.File().Prepare("DELETE FROM Designs WHERE RowKey = ?").Bind(1, design.key).Run();
 }
 
 Result<std::string> RenameDesign(Session& session, std::string_view id, std::string_view typed) {
@@ -200,7 +200,7 @@ Result<std::string> CopyDesign(Session& session, std::string_view id, std::strin
   if (!design) return std::unexpected(design.error());
   const std::string newID = ReadDesignID(typed);
   if (auto free = CheckNewDesignID(session, newID); !free) return std::unexpected(free.error());
-  design->rowId = 0;
+  design->key = 0;
   design->DesignID = newID;
   design->Created = design->LastModified = session.clock.Today();
   design->LastUsed.reset();

@@ -30,7 +30,7 @@ struct DesignColor {
 
 /// A row of `Designs`: a print job that repeats. Lengths in inches, whatever is shown.
 struct Design {
-  std::int64_t rowId = 0;
+  std::int64_t key = 0;
   std::string DesignID;
   std::string Description;
   std::optional<DateTime> Created;
@@ -77,7 +77,7 @@ std::string NextDesignID(const Session& session, std::string_view id, bool forwa
 
 /// Writes a new row or an existing one; the row's number. For the procedures of Designs, in their transaction.
 std::int64_t WriteDesign(Session& session, const Design& design);
-void WritePhotoSet(Session& session, std::int64_t rowId, const std::string& photoSet);
+void WritePhotoSet(Session& session, std::int64_t key, const std::string& photoSet);
 void DeleteDesignRow(Session& session, const Design& design);
 
 /// Gives a Design another name, on its Job Records too. Refused without a name, with the same, and onto one that is

@@ -4,6 +4,7 @@
 #include <set>
 
 #include "core/exchange/formula_writer.h"
+#include "desktop/exchange/database_list.h"
 #include "desktop/kit/icons.h"
 #include "desktop/kit/text.h"
 #include "desktop/tools/checked_list.h"
@@ -54,7 +55,7 @@ DBExport_Formulas::DBExport_Formulas(WindowList& windowList, FileChooser choose)
   BuildFile(tabs.Page(tr("Step &3 - Save File To"), "tabFile"));
   form.ButtonsWithoutDefault({save_ = form.Button("cmdSave", tr("&Save")), form.Button("cmdClose", tr("Close"))});
   for (Field* field : std::initializer_list<Field*>{database_, by_, from_, to_, format_}) field->DoNotTrack();
-  ListDatabases();
+  ListDatabases(*database_, session);
   ListFormulas();
   ShowFormat();
 }
@@ -114,13 +115,6 @@ void DBExport_Formulas::BuildFile(Form form) {
   form.Stretch();
 }
 
-void DBExport_Formulas::ListDatabases() {
-  const std::string before = database_->count() == 0 ? session.CurrentDatabase : database_->Text();
-  database_->SetItems(session.databaseList);
-  database_->SetText(before);
-  if (database_->currentIndex() < 0) database_->SetText(session.CurrentDatabase);
-}
-
 FormulaSelection DBExport_Formulas::Range() const {
   FormulaSelection selection;
   selection.database = database_->Text();
@@ -165,7 +159,7 @@ void DBExport_Formulas::OnChanges(const std::vector<Change>& changes) {
     databases |= change.kind == Change::Kind::DatabaseList;
     formulas |= change.kind == Change::Kind::Mix;
   }
-  if (databases) ListDatabases();
+  if (databases) ListDatabases(*database_, session);
   if (databases || formulas) ListFormulas();
 }
 

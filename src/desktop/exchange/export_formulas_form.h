@@ -35,7 +35,6 @@ class DBExport_Formulas : public Window {
   void BuildSelection(Form form);
   void BuildFormat(Form form);
   void BuildFile(Form form);
-  void ListDatabases();
   /// The formulas of the Database and of the days; those that were chosen stay so.
   void ListFormulas();
   FormulaSelection Range() const;

@@ -7,6 +7,7 @@
 #include "core/datafile/databases.h"
 #include "core/exchange/formula_sources.h"
 #include "core/exchange/text_file.h"
+#include "desktop/exchange/database_list.h"
 #include "desktop/kit/icons.h"
 #include "desktop/kit/look.h"
 #include "desktop/kit/text.h"
@@ -86,7 +87,7 @@ DBImport_Formulas::DBImport_Formulas(WindowList& windowList, FileChooser choose)
                                                     target_, multiplyOut_, unused_, stock_, skipBad_, whatElse_, done_})
     field->DoNotTrack();
   ListSources();
-  ListDestinations();
+  ListDatabases(*target_, session);
   Forget({});
   source_->Button(0)->setFocus();
 }
@@ -240,13 +241,6 @@ void DBImport_Formulas::ListSources() {
                          ? file_.empty() ? tr("Click the Browse button to select a file to import data from.")
                                          : Q(file_.string())
                          : QString());
-}
-
-void DBImport_Formulas::ListDestinations() {
-  const std::string before = target_->count() == 0 ? session.CurrentDatabase : target_->Text();
-  target_->SetItems(session.databaseList);
-  target_->SetText(before);
-  if (target_->currentIndex() < 0) target_->SetText(session.CurrentDatabase);
 }
 
 void DBImport_Formulas::cmdBrowse_Click() {
@@ -411,7 +405,7 @@ void DBImport_Formulas::OnChanges(const std::vector<Change>& changes) {
   for (const Change& change : changes) {
     if (change.kind == Change::Kind::DatabaseList) {
       ListSources();
-      ListDestinations();
+      ListDatabases(*target_, session);
     }
     const bool concerns = change.kind == Change::Kind::Mix || change.kind == Change::Kind::Basic ||
                           change.kind == Change::Kind::AdditiveSet || change.kind == Change::Kind::DatabaseList;
@@ -452,7 +446,7 @@ void DBImport_Formulas::cmdImport_Click() {
   report_ = *done;
   reportText_ = ReportText(*done, session.clock.Now());
   done_->SetText(reportText_);
-  ListDestinations();
+  ListDatabases(*target_, session);
   ListSources();
   Forget({});
   steps_->setCurrentIndex(kReportPage);
@@ -489,7 +483,7 @@ void DBImport_Formulas::cmdUndo_Click() {
     undone = AskAndUndoImport(session);
   }
   if (!Accepted(undone)) return;
-  ListDestinations();
+  ListDatabases(*target_, session);
   ListSources();
   done_->SetText(UndoneText(*undone));
   report_.reset();

@@ -45,9 +45,8 @@ class DBImport_Formulas : public Window {
   Source ChosenSource() const;
   bool IsDataFile() const;
   std::vector<std::string> ChosenGuides() const;
-  /// The Databases that may be chosen from, and the destination's list.
+  /// The Databases of the source that may be chosen from.
   void ListSources();
-  void ListDestinations();
   Result<FormulaTable> Read();
   Result<MergeTarget> Target();
   void Compare();
