@@ -69,20 +69,23 @@ int Source::RowsOn(std::string_view page) const {
   return Read<std::uint16_t>(page, handle_->fmt->row_count_offset);
 }
 
-Source::Row Source::RowOf(std::string_view page, int row) const {
-  const std::size_t first = handle_->fmt->row_count_offset + 2U;
-  const std::size_t at = first + static_cast<std::size_t>(row) * 2;
+std::size_t Source::EntryAt(std::string_view page, int row) const {
+  const std::size_t at = handle_->fmt->row_count_offset + 2U + static_cast<std::size_t>(row) * 2;
   if (row < 0 || row >= RowsOn(page) || at + 2 > page.size()) throw Unreadable("the page has no such row");
+  return at;
+}
+
+bool Source::IsDeleted(std::string_view page, int row) const {
+  return (Read<std::uint16_t>(page, EntryAt(page, row)) & kDeleted) != 0;
+}
+
+Source::Row Source::RowOf(std::string_view page, int row) const {
+  const std::size_t at = EntryAt(page, row);
   const auto entry = Read<std::uint16_t>(page, at);
-  Row found;
-  found.start = entry & kOffsetMask;
-  found.deleted = (entry & kDeleted) != 0;
-  found.elsewhere = (entry & kElsewhere) != 0;
+  const std::size_t start = entry & kOffsetMask;
   const std::size_t end = row == 0 ? page.size() : Read<std::uint16_t>(page, at - 2) & kOffsetMask;
-  const bool inside = found.start >= at + 2 && found.start <= end && end <= page.size();
-  if (inside) found.size = end - found.start;
-  if (!inside && !found.deleted) throw Unreadable("the row does not lie within its page");
-  return found;
+  if (start < at + 2 || start > end || end > page.size()) throw Unreadable("the row does not lie within its page");
+  return {start, end - start, (entry & kElsewhere) != 0};
 }
 
 std::string Source::Text(std::string_view bytes) const {

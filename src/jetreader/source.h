@@ -41,20 +41,24 @@ class Source {
   static std::uint32_t OwnerOf(std::string_view page);
 
   int RowsOn(std::string_view page) const;
+  /// Throws Unreadable when there is no such row.
+  bool IsDeleted(std::string_view page, int row) const;
   struct Row {
     std::size_t start = 0;
     std::size_t size = 0;
-    bool deleted = false;
     bool elsewhere = false;  ///< it is a pointer to where the row stands
   };
-  /// Throws Unreadable for one that lies outside the page; what was deleted may lie anywhere.
+  /// Throws Unreadable for one that does not lie within the page.
   Row RowOf(std::string_view page, int row) const;
+  static std::string_view BytesOf(std::string_view page, const Row& row) { return page.substr(row.start, row.size); }
 
   /// Bytes of the text encoding of version 3, and of the two of version 4, as UTF-8.
   std::string Text(std::string_view bytes) const;
 
  private:
   std::string OldText(std::string_view bytes) const;
+  // Where the page tells of the row.
+  std::size_t EntryAt(std::string_view page, int row) const;
 
   MdbHandle* handle_ = nullptr;
   std::uint32_t pages_ = 0;

@@ -68,8 +68,7 @@ void TableSource::AddMapped(std::vector<std::uint32_t>& pages) {
   const Pointer pointer(map_);
   const std::string_view page = source_.Page(pointer.page);
   if (!Source::IsDataPage(page)) throw Unreadable("its map of pages is not where it should be");
-  const Source::Row row = source_.RowOf(page, pointer.row);
-  const std::string map(page.substr(row.start, row.size));
+  const std::string map(Source::BytesOf(page, source_.RowOf(page, pointer.row)));
   if (map.size() >= 5 && map[0] == kPagesHere) {
     AddBits(pages, std::string_view(map).substr(5), Read<std::uint32_t>(map, 1));
     return;
@@ -131,22 +130,20 @@ void TableSource::TellRows(StreamWriter& out, std::uint32_t page, int fromRow, b
   }
 }
 
-Source::Row TableSource::Locate(std::uint32_t page, int row) {
+std::optional<Source::Row> TableSource::Locate(std::uint32_t page, int row) {
   constexpr int kMostSteps = 4;
-  Source::Row found = source_.RowOf(source_.Page(page), row);
-  if (found.deleted) return found;
+  std::string_view bytes = source_.Page(page);
+  if (source_.IsDeleted(bytes, row)) return std::nullopt;
+  Source::Row found = source_.RowOf(bytes, row);
   for (int step = 0; found.elsewhere; ++step) {
     if (step == kMostSteps || found.size < 4) throw Unreadable("the row is not where it was moved to");
-    const std::string_view here = source_.Page(page);
-    const Pointer moved(Read<std::uint32_t>(here, found.start));
-    const std::string_view there = source_.Page(moved.page);
-    if (!Source::IsDataPage(there) || Source::OwnerOf(there) != definition_)
+    // There it is marked as deleted, so that only who comes this way sees it.
+    const Pointer moved(Read<std::uint32_t>(bytes, found.start));
+    bytes = source_.Page(moved.page);
+    if (!Source::IsDataPage(bytes) || Source::OwnerOf(bytes) != definition_)
       throw Unreadable("the row is not where it was moved to");
-    found = source_.RowOf(there, moved.row);
-    page = moved.page;
+    found = source_.RowOf(bytes, moved.row);
   }
-  // There it is marked as deleted, so that only who comes this way sees it.
-  found.deleted = false;
   return found;
 }
 
@@ -164,9 +161,9 @@ Value TableSource::FieldValue(std::size_t number, const MdbField& field) {
 void TableSource::TellRow(StreamWriter& out, std::uint32_t page, int row) {
   JetRow told{{}, page, row, false};
   try {
-    const Source::Row place = Locate(page, row);
-    if (place.deleted) return;
-    if (mdb_crack_row(table_, static_cast<int>(place.start), place.size, fields_.data()) <= 0)
+    const std::optional<Source::Row> place = Locate(page, row);
+    if (!place) return;
+    if (mdb_crack_row(table_, static_cast<int>(place->start), place->size, fields_.data()) <= 0)
       throw Unreadable("the row is damaged");
   } catch (const Unreadable& e) {
     out.Damage({{}, page, row, {}, e.what()});

@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <functional>
+#include <optional>
 #include <vector>
 
 #include "core/datafile/jet/jet_file.h"
@@ -33,8 +34,8 @@ class TableSource {
  private:
   void AddMapped(std::vector<std::uint32_t>& pages);
   void TellRow(StreamWriter& out, std::uint32_t page, int row);
-  // Into the first buffer, which then holds the page where the row really stands.
-  Source::Row Locate(std::uint32_t page, int row);
+  // Into the first buffer, which then holds the page where the row really stands; nothing for one that was deleted.
+  std::optional<Source::Row> Locate(std::uint32_t page, int row);
   Value FieldValue(std::size_t column, const MdbField& field);
 
   Source& source_;

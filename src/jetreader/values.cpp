@@ -56,17 +56,18 @@ std::string LongBytes(Source& source, std::string_view bytes, std::string& fault
     return std::string(bytes.substr(kHead, length));
   }
   std::string whole;
+  std::uint32_t pieces = 0;  // more than there are pages: they run in a circle
   for (Pointer next(Read<std::uint32_t>(bytes, 4)); whole.size() < length;) try {
       const std::string_view page = source.OtherPage(next.page);
       if (!Source::IsDataPage(page) || page.substr(4, 4) != "LVAL")
         throw Unreadable(fmt::format("it leads to page {}, which holds no long values", next.page));
-      const Source::Row row = source.RowOf(page, next.row);
-      std::string_view piece = page.substr(row.start, row.size);
+      const std::string_view piece = Source::BytesOf(page, source.RowOf(page, next.row));
+      if (source.IsDeleted(page, next.row)) throw Unreadable("the long value was deleted");
       if ((told & kOneRow) != 0) {
-        if (row.deleted || piece.size() < length) throw Unreadable("the long value is cut");
+        if (piece.size() < length) throw Unreadable("the long value is cut");
         return std::string(piece.substr(0, length));
       }
-      if (row.deleted || piece.size() <= 4) throw Unreadable("the chain of its pieces is broken");
+      if (piece.size() <= 4 || pieces++ == source.Pages()) throw Unreadable("the chain of its pieces is broken");
       next = Pointer(Read<std::uint32_t>(piece, 0));
       whole += piece.substr(4);
     } catch (const Unreadable& e) {

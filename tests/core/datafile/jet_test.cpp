@@ -2,6 +2,8 @@
 // rest comes in.
 
 #include <gtest/gtest.h>
+#include <signal.h>
+#include <unistd.h>
 
 #include <chrono>
 #include <cstdio>
@@ -373,6 +375,48 @@ TEST_F(DamagedJetTest, LosesOneTableWithItsDefinition) {
   const JetFile cut = JetFile::Open(Changed([&](std::string& b) { b.resize(b.size() - kPage * 2 - 100); }));
   EXPECT_NE(cut.Damage()[0].Text().find("its last page is not whole"), std::string::npos);
   EXPECT_EQ(RowsOf(cut, "First"), rows);
+}
+
+// The reader is killed among the rows; another one goes on where it was.
+TEST_F(DamagedJetTest, GoesOnWhenItsReaderDies) {
+  // More than is under way between the two of them.
+  Rows many;
+  for (int i = 0; i < 10000; ++i) many.push_back({i, std::string(80, 'x'), {}});
+  test::MakeJetFile(path, {{"Many", columns, many}});
+  const JetFile file = JetFile::Open(path);
+  Rows read;
+  int killed = 0;
+  const JetReading reading = file.Read(*file.Find("Many"), [&](const JetRow& row) {
+    read.push_back(row.values);
+    if (read.size() == 1 || read.size() == 5000) {
+      std::ifstream children("/proc/self/task/" + std::to_string(::gettid()) + "/children");
+      for (pid_t child = 0; children >> child; ++killed) ::kill(child, SIGKILL);
+    }
+    return true;
+  });
+  EXPECT_EQ(killed, 2);
+  EXPECT_TRUE(read == many) << read.size();
+  EXPECT_EQ(DamageOf(reading), "");
+
+  // The end of one Memo leads to its beginning, and it is told to be longer than any text may get: whoever reads it
+  // dies.
+  constexpr std::uint32_t kLength = 0x0FFFFFF0;
+  test::MakeJetFile(path, {{"T", {{"Memo", JetType::Memo}}, {{"first"}, {Repeated("€", 4000)}, {"last"}}}});
+  const fs::path changed = Changed([&](std::string& b) {
+    for (std::size_t at = 0; at < b.size(); at += kPage) {
+      if (b[at] != 1) continue;
+      const auto owner = jet::Read<std::uint32_t>(b, at + 4);
+      const std::size_t row = jet::Read<std::uint16_t>(b, at + 14);
+      if (owner == jet::kLongValueOwner)
+        jet::Put(b, at + row, jet::PointerTo(static_cast<std::uint32_t>(at / kPage), 0));
+      const auto length = b.find(std::string("\x40\x1F\0\0", 4), at);
+      if (owner == JetFile::Open(path).Find("T")->page) jet::Put(b, length, kLength);
+    }
+  });
+  fs::resize_file(changed, std::uintmax_t{300} << 20);  // it takes no room on the disk
+  JetReading lost;
+  EXPECT_EQ(RowsOf(JetFile::Open(changed), "T", &lost), (Rows{{"first"}, {"last"}}));
+  EXPECT_NE(DamageOf(lost).find(", row 1: the reader cannot get past this row\n"), std::string::npos) << DamageOf(lost);
 }
 
 // Whatever stands in it, a file is read to its end or refused, and nothing but Failure is thrown.
