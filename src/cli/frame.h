@@ -134,6 +134,10 @@ void AddReportCommands(CLI::App& app, Commands& commands);
 void AddFindCommands(CLI::App& app, Commands& commands);
 void AddArchiveCommands(CLI::App& app, Commands& commands);
 void AddBackupCommands(CLI::App& app, Commands& commands);
+void AddCloudCommands(CLI::App& app, Commands& commands);
+/// The verb `report-upload` of the noun `cloud`: `send` gets the name of a report and its text.
+void AddReportUpload(CLI::App* cloudNoun, Commands& commands,
+                     std::function<Result<Json>(Context&, const std::string& name, const std::string& text)> send);
 void AddLabelCommands(CLI::App& app, Commands& commands);
 void AddUsersCommands(CLI::App& app, Commands& commands);
 

@@ -270,6 +270,7 @@ int Main(int argc, char** argv) {
   AddFindCommands(app, commands);
   AddArchiveCommands(app, commands);
   AddBackupCommands(app, commands);
+  AddCloudCommands(app, commands);
   AddLabelCommands(app, commands);
   AddUsersCommands(app, commands);
   const std::vector<std::string> words = Readable(platform::BeginProgram(argc, argv));

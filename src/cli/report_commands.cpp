@@ -6,6 +6,7 @@
 #include "cli/seams.h"
 #include "core/base/files.h"
 #include "core/base/text.h"
+#include "core/cloud/cloud_files.h"
 #include "core/reports/catalogue.h"
 #include "core/reports/chart.h"
 #include "core/reports/export.h"
@@ -497,6 +498,25 @@ void AddRanges(CLI::App* noun, Commands& commands) {
 }
 
 }  // namespace
+
+void AddReportUpload(CLI::App* cloudNoun, Commands& commands,
+                     std::function<Result<Json>(Context&, const std::string&, const std::string&)> send) {
+  auto options = std::make_shared<RunOptions>();
+  CLI::App* verb = cloudNoun->add_subcommand("report-upload", "A report as tabbed text to the account");
+  AddSource(verb, *options);
+  verb->add_option("--name", options->name, "What it is called there")->check(NotEmpty);
+  commands.Add(verb, Needs::File, [options, send = std::move(send)](Context& context) -> Result<Json> {
+    const auto order = OrderOf(context, *options);
+    if (!order) return std::unexpected(order.error());
+    const ExportOptions wanted = ReadExportOptions(context.session, *order->definition);
+    if (auto fits = CheckCloudFormat(wanted.format); !fits) return std::unexpected(fits.error());
+    const auto report = BuildOrder(context, *order, *options);
+    if (!report) return std::unexpected(report.error());
+    const std::string stored = options->name.empty() ? wanted.fileName : options->name;
+    return send(context, stored.empty() ? CloudReportName(context.session, report->FullTitle()) : stored,
+                ReportText(*report, wanted));
+  });
+}
 
 void AddReportCommands(CLI::App& app, Commands& commands) {
   CLI::App* noun = AddNoun(app, "report", "What was made, used, issued and stocked");

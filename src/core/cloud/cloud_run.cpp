@@ -8,6 +8,7 @@
 
 #include "core/base/files.h"
 #include "core/base/progress_run.h"
+#include "core/base/text.h"
 #include "core/cloud/transfer.h"
 #include "core/settings/support_files.h"
 
@@ -98,11 +99,15 @@ CloudOutcome CloudRun::Run(const std::function<std::string()>& work) {
     Fail(fmt::format("{}: {}", failure.subject, failure.cause));
   } catch (const Failure& failure) {
     Fail(fmt::format("{}: {}", failure.subject, failure.cause));
+  } catch (const Refusal& refusal) {
+    outcome_.refused = refusal;
+    for (const std::string_view line : Split(refusal.text, '\n')) outcome_.ending.emplace_back(line);
+    for (const std::string& line : outcome_.ending) Log(line);
   }
   WriteLog();
   if (connected_) {
     SendLog();
-    if (!outcome_.done && !outcome_.cancelled) SendNotice();
+    if (!outcome_.done && !outcome_.cancelled && !outcome_.refused) SendNotice();
   }
   // A line that is broken is put down without a word; the host's leave is worth a line.
   try {

@@ -2,6 +2,7 @@
 
 #include <filesystem>
 #include <functional>
+#include <optional>
 #include <set>
 #include <string>
 #include <string_view>
@@ -55,6 +56,7 @@ const CloudTaskRow& RowOf(CloudTask task);
 struct CloudOutcome {
   bool done = false;
   bool cancelled = false;
+  std::optional<Refusal> refused;   ///< a rule that stopped it once it was connected
   std::vector<std::string> ending;  ///< the last lines of the window: the success, or what failed and what to do
   std::vector<std::string> lines;   ///< the log
   std::filesystem::path log;        ///< where it was written
@@ -66,7 +68,7 @@ class CloudRun {
  public:
   CloudRun(CloudDesk& desk, CloudTask task);
 
-  /// Does the work, which throws where it cannot go on; writes the log and sends it up, with a notice for the
+  /// Does the work, which throws an FtpFailure, a Failure or a Refusal where it cannot go on; writes the log and sends it up, with a notice for the
   /// administrator of a task that failed. A connection that is lost is not tried again.
   CloudOutcome Run(const std::function<std::string()>& work);
 

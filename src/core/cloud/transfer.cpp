@@ -3,7 +3,6 @@
 #include <fmt/format.h>
 
 #include <algorithm>
-#include <charconv>
 #include <cstring>
 #include <fstream>
 #include <system_error>
@@ -21,14 +20,6 @@ constexpr std::string_view kPart = ".part";
 
 std::string PartName(const FileProof& proof) {
   return fmt::format("{:016x}-{}{}", proof.digest, proof.bytes, kPart);
-}
-
-// In the place of what bears the name. Not every host renames over a file.
-void PutInPlace(CloudRun& run, const std::string& folder, const std::string& part, const std::string& name,
-                const std::string& cannotDelete) {
-  const std::string target = RemotePath(folder, name);
-  if (run.ftp.Size(target)) run.Step(cannotDelete + name, [&] { run.ftp.Delete(target); });
-  run.ftp.Rename(RemotePath(folder, part), target);
 }
 
 // The bytes from `from` on, behind what an earlier try has brought up.
@@ -65,8 +56,8 @@ void RemoveRefused(CloudRun& run, const std::string& path, const FtpFailure& fai
   }
 }
 
-void PutWhole(CloudRun& run, const FileProof& proof, const std::string& folder, const std::string& name,
-              const std::string& cannotDelete, const std::function<FtpClient::Give(std::int64_t)>& open) {
+void PutWhole(CloudRun& run, const FileProof& proof, const std::string& folder,
+              const std::function<FtpClient::Give(std::int64_t)>& open) {
   const std::string path = RemotePath(folder, PartName(proof));
   try {
     PutRest(run, path, proof.bytes, open);
@@ -74,7 +65,6 @@ void PutWhole(CloudRun& run, const FileProof& proof, const std::string& folder, 
     RemoveRefused(run, path, failure);
     throw;
   }
-  PutInPlace(run, folder, PartName(proof), name, cannotDelete);
 }
 
 // What has come of a file so far, by the name that says of which.
@@ -126,12 +116,12 @@ class PartFile {
 
 }  // namespace
 
-FileProof Upload(CloudRun& run, const fs::path& file, const std::string& folder, const std::string& name,
-                 const std::string& cannotDelete) {
+std::string BringUp(CloudRun& run, const fs::path& file, const std::string& folder, const std::string& name,
+                    FileProof* told) {
   const FileProof proof = ProveFile(file, name);
   std::ifstream stream;
   run.Step("Unable to upload " + name, [&] {
-    PutWhole(run, proof, folder, name, cannotDelete, [&](std::int64_t from) -> FtpClient::Give {
+    PutWhole(run, proof, folder, [&](std::int64_t from) -> FtpClient::Give {
       stream = std::ifstream(file, std::ios::binary);
       stream.seekg(from);
       return [&stream, &file](char* piece, std::size_t size) {
@@ -141,6 +131,25 @@ FileProof Upload(CloudRun& run, const fs::path& file, const std::string& folder,
       };
     });
   });
+  if (told != nullptr) *told = proof;
+  return PartName(proof);
+}
+
+// Not every host renames over a file.
+void Place(CloudRun& run, const std::string& folder, const std::string& part, const std::string& name,
+           const std::string& cannotDelete) {
+  const std::string target = RemotePath(folder, name);
+  run.Step("Unable to upload " + name, [&] {
+    if (run.ftp.Size(target)) run.Step(cannotDelete + name, [&] { run.ftp.Delete(target); });
+    run.ftp.Rename(RemotePath(folder, part), target);
+  });
+}
+
+FileProof Upload(CloudRun& run, const fs::path& file, const std::string& folder, const std::string& name,
+                 const std::string& cannotDelete) {
+  FileProof proof;
+  const std::string part = BringUp(run, file, folder, name, &proof);
+  Place(run, folder, part, name, cannotDelete);
   return proof;
 }
 
@@ -150,7 +159,7 @@ void UploadBytes(CloudRun& run, const std::string& bytes, const std::string& fol
   digest.Add(std::string_view(bytes));
   const FileProof proof{name, static_cast<std::int64_t>(bytes.size()), digest.Value()};
   run.Step("Unable to upload " + name, [&] {
-    PutWhole(run, proof, folder, name, cannotDelete, [&](std::int64_t from) -> FtpClient::Give {
+    PutWhole(run, proof, folder, [&](std::int64_t from) -> FtpClient::Give {
       return [&bytes, at = static_cast<std::size_t>(from)](char* piece, std::size_t size) mutable {
         const std::size_t count = std::min(size, bytes.size() - at);
         std::memcpy(piece, bytes.data() + at, count);
@@ -159,6 +168,7 @@ void UploadBytes(CloudRun& run, const std::string& bytes, const std::string& fol
       };
     });
   });
+  Place(run, folder, PartName(proof), name, cannotDelete);
 }
 
 void Download(CloudRun& run, const std::string& folder, const RemoteFile& file, const fs::path& target,
@@ -210,24 +220,12 @@ bool IsPhoto(const std::string& name) {
   return IsPlainName(name) && name.size() > 4 && EqualNoCase(std::string_view(name).substr(name.size() - 4), ".jpg");
 }
 
-std::string ProofLines(const std::vector<FileProof>& files) {
-  std::string text;
-  for (const FileProof& file : files) text += fmt::format("{:016x}\t{}\t{}\n", file.digest, file.bytes, file.name);
-  return text;
-}
-
-std::vector<FileProof> ReadProofLines(const std::string& text) {
-  std::vector<FileProof> files;
-  for (const std::string_view line : Split(text, '\n')) {
-    const auto cells = Split(std::string_view(line), '\t');
-    if (cells.size() != 3) continue;
-    FileProof file;
-    file.name = cells[2];
-    const auto digest = std::from_chars(cells[0].data(), cells[0].data() + cells[0].size(), file.digest, 16);
-    const auto bytes = std::from_chars(cells[1].data(), cells[1].data() + cells[1].size(), file.bytes);
-    if (digest.ec == std::errc() && bytes.ec == std::errc()) files.push_back(std::move(file));
-  }
-  return files;
+std::optional<SetProof> FetchProof(CloudRun& run, const std::string& folder, const std::string& name) {
+  const std::string path = RemotePath(folder, ProofName(name));
+  if (!run.ftp.Size(path)) return std::nullopt;
+  std::optional<SetProof> proof;
+  run.Step("Unable to download " + ProofName(name), [&] { proof = ReadProofText(DownloadBytes(run, path)); });
+  return proof;
 }
 
 std::optional<FileProof> ProofOf(const std::vector<FileProof>& files, const std::string& name) {

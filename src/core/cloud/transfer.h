@@ -19,6 +19,11 @@ namespace vellumark {
 /// log when that cannot be removed. The digest of what went up.
 FileProof Upload(CloudRun& run, const std::filesystem::path& file, const std::string& folder, const std::string& name,
                  const std::string& cannotDelete);
+/// The same in two steps: the name under which it stands at the host until it gets its own.
+std::string BringUp(CloudRun& run, const std::filesystem::path& file, const std::string& folder, const std::string& name,
+                    FileProof* proof = nullptr);
+void Place(CloudRun& run, const std::string& folder, const std::string& part, const std::string& name,
+           const std::string& cannotDelete);
 void UploadBytes(CloudRun& run, const std::string& bytes, const std::string& folder, const std::string& name,
                  const std::string& cannotDelete);
 
@@ -32,9 +37,8 @@ std::vector<RemoteFile> ListFiles(CloudRun& run, const std::string& folder,
                                   const std::function<bool(const std::string&)>& wanted);
 bool IsPhoto(const std::string& name);
 
-/// What stands beside files at the host: one line each.
-std::string ProofLines(const std::vector<FileProof>& files);
-std::vector<FileProof> ReadProofLines(const std::string& text);
+/// The proof that stands beside a file at the host; nothing where an older program put the file there.
+std::optional<SetProof> FetchProof(CloudRun& run, const std::string& folder, const std::string& name);
 std::optional<FileProof> ProofOf(const std::vector<FileProof>& files, const std::string& name);
 
 /// Removes what broken transfers of more than a day ago left in a folder of the host.

@@ -8,6 +8,7 @@
 #include "core/base/progress_run.h"
 #include "core/base/text.h"
 #include "core/base/units.h"
+#include "core/cloud/cloud_backup.h"
 #include "core/datafile/databases.h"
 #include "core/datafile/lifecycle.h"
 #include "core/session/acts.h"
@@ -197,6 +198,7 @@ Result<RestoredFiles> RestoreDataFile(Session& session, const fs::path& typedSou
   }
   if (from == RestoreFrom::Location)
     StoreSettings(session, {setting::BackupRestoreFileLocation.To(source.parent_path().string())});
+  if (from == RestoreFrom::Cloud) NoteCloudRestore(session);
   StoreDefaultDataFile(session, session.DataFileName);
   OpenDataFile(session, windows);
   RemovePhotosOfNobody(session, restored);
