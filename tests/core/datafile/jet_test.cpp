@@ -21,6 +21,7 @@
 #include "core/datafile/jet/jet_format.h"
 #include "core/datafile/jet/jet_pages.h"
 #include "support/jet_room.h"
+#include "support/old_jet_room.h"
 #include "support/scratch.h"
 
 namespace vellumark {
@@ -207,6 +208,66 @@ TEST_F(JetTest, ReadsAndWritesThousandsOfPages) {
   EXPECT_TRUE(stopped.stopped);
   EXPECT_EQ(stopped.rows, 10);
   EXPECT_EQ(stopped.faults, 0);
+}
+
+// Version 3: texts in a code page, half the page, places of one byte in the rows.
+TEST_F(JetTest, ReadsTheOldVersion) {
+  const std::vector<JetColumn> columns{
+      {"Yes", JetType::Boolean},    {"Text", JetType::Text, 255}, {"Small", JetType::Byte},
+      {"Short", JetType::Integer},  {"Notes", JetType::Memo},     {"Whole", JetType::Long},
+      {"Money", JetType::Currency}, {"Single", JetType::Single},  {"Other", JetType::Text, 255},
+      {"Double", JetType::Double},  {"When", JetType::Date}};
+  const Value null;
+  Rows rows{
+      {0, null, null, null, null, null, null, null, null, null, null},
+      {1, "", 255, -32768, "", std::numeric_limits<std::int32_t>::min(), std::numeric_limits<std::int64_t>::max(), 0.1F,
+       "é", 0.1, -1.25},
+      // Rows of more than 256 and 512 bytes.
+      {0, EveryCharacter(), 0, 32767, "x", 7, -1, -1e30F, null, -1e300, JetDays({1997, 1, 2, 3, 4, 5})},
+      {1, std::string(255, 'y'), 0, 0, null, 0, 0, 0.0F, std::string(250, 'z'), 0.0, 0.0},
+  };
+  for (const std::size_t length : {64U, 65U, 2028U, 2029U, 5000U, 100000U})
+    rows.push_back({0, null, null, null, std::string(length, '\xE9'), 1, null, null, null, null, null});
+  for (auto& row : rows)
+    if (row[4].IsText()) row[4] = FromCp1252(row[4].Text());
+  // A definition of several pages.
+  std::vector<JetColumn> wide;
+  std::vector<Value> one;
+  for (int i = 0; i < 200; ++i) {
+    wide.push_back(
+        {"Ingredient" + std::to_string(i), i % 3 == 0 ? JetType::Text : JetType::Single, i % 3 == 0 ? 30 : 0});
+    one.push_back(i % 3 == 0 ? Value("INK" + std::to_string(i)) : Value(static_cast<float>(i) / 8));
+  }
+  Rows many;
+  for (int i = 0; i < 3000; ++i) many.push_back({i, "row " + std::to_string(i)});
+  test::OldJetFile({{"Größen", columns, rows},
+                    {"Wide", wide, {one}},
+                    {"Many", {{"Number", JetType::Long}, {"Text", JetType::Text, 20}}, many}})
+      .Save(path);
+
+  const JetFile file = JetFile::Open(path);
+  EXPECT_EQ(file.Version(), 3);
+  EXPECT_TRUE(file.Damage().empty());
+  ASSERT_NE(file.Find("Größen"), nullptr);
+  EXPECT_EQ(file.Find("Größen")->columns[1].size, 255);
+  JetReading reading;
+  const Rows read = RowsOf(file, "Größen", &reading);
+  EXPECT_EQ(DamageOf(reading), "");
+  ASSERT_EQ(read.size(), rows.size());
+  for (std::size_t row = 0; row < rows.size(); ++row)
+    for (std::size_t i = 0; i < columns.size(); ++i)
+      EXPECT_EQ(read[row][i], rows[row][i]) << row << ", " << columns[i].name;
+  EXPECT_EQ(RowsOf(file, "Wide"), Rows{one});
+  EXPECT_TRUE(RowsOf(file, "Many") == many);
+  EXPECT_TRUE(Exported(path, "Many")
+                  .starts_with("0\x1Frow 0\x1E"
+                               "1\x1Frow 1\x1E"));
+
+  std::string bytes = ReadFileBytes(path);
+  jet::MaskHeader(bytes);
+  bytes[0x42] = 'p';
+  jet::MaskHeader(bytes);
+  EXPECT_TRUE(CauseOfOpening(Changed([&](std::string& b) { b = bytes; })).starts_with("is protected by a password"));
 }
 
 TEST_F(JetTest, SaysWhyAFileIsNotRead) {

@@ -27,7 +27,7 @@ namespace {
 constexpr std::uint32_t kMostPages = 1U << 19;  // 2 GB
 constexpr std::size_t kMapsOnPage = (jet::kPageBytes - 14) / (PageSet::kRowBytes + 2);
 constexpr std::string_view kNarrow = "\xFF\xFE";  // begins a text without the high bytes of its characters
-constexpr std::size_t kLongestNarrowMemo = 2048;
+constexpr std::size_t kLongestNarrowMemo = 1024;  // characters
 
 // A byte order mark in front would be taken for the sign of the narrow form.
 std::string EncodedText(std::string_view utf8, std::size_t longestNarrow = std::numeric_limits<std::size_t>::max()) {
