@@ -12,10 +12,13 @@
 #include "core/base/files.h"
 #include "core/base/text.h"
 #include "core/datafile/databases.h"
+#include "core/datafile/file_kind.h"
+#include "core/datafile/jet/jet_file.h"
 #include "core/datafile/lifecycle.h"
 #include "core/shell/opening.h"
 #include "core/shell/repairs.h"
 #include "core/shell/startup.h"
+#include "core/upgrade/upgrade.h"
 
 namespace vellumark::cli {
 namespace fs = std::filesystem;
@@ -83,6 +86,18 @@ std::string SoundText(const Json& answer, const std::vector<CheckFault>& faults,
                       : ".\nStructure, tables and counters were checked; --deep reads every row.\n");
 }
 
+// Of its definitions, and of every row where all is read.
+std::vector<CheckFault> FaultsOfJetFile(const fs::path& path, bool deep) {
+  const JetFile file = JetFile::Open(path);
+  std::vector<CheckFault> faults;
+  const auto add = [&](const JetDamage& damage) { faults.push_back({damage.table, 0, "", "Structure", damage.Text()}); };
+  for (const JetDamage& damage : file.Damage()) add(damage);
+  if (!deep) return faults;
+  for (const JetTable& table : file.Tables())
+    for (const JetDamage& damage : file.Read(table, [](const JetRow&) { return true; }).damage) add(damage);
+  return faults;
+}
+
 // Opens the file to look at it, whatever the session has open: a check changes nothing, not even what an opening heals.
 Result<Json> CheckFile(Context& context, const std::string& typedPath, bool deep) {
   Session& session = context.session;
@@ -91,17 +106,20 @@ Result<Json> CheckFile(Context& context, const std::string& typedPath, bool deep
   const std::string path = fs::absolute(typedPath.empty() ? context.dataFile : typedPath).string();
   session.DataFileName.clear();
   if (std::error_code error; !fs::exists(path, error)) throw Failure(path, "does not exist");
-  const int version = ReadFileVersion(path);
+  const DataFileKind kind = LookAtDataFile(path);
+  const int version = kind.version;
   const VersionGate gate = GateOf(version);
   if (gate == VersionGate::Unusable) {
     NoWindows windows;
     CheckDataFile(session, path, windows);
     return Refuse("Data File", session.StartupMessage);
   }
-  session.DataFileDB = Database::Open(path, OpenMode::ReadOnly);
-  const bool older = gate == VersionGate::Older;
+  const bool older = gate == VersionGate::Older || kind.jet;
+  if (!kind.jet) session.DataFileDB = Database::Open(path, OpenMode::ReadOnly);
   CheckAnswer check;
-  if (older) {
+  if (kind.jet) {
+    check.faults = FaultsOfJetFile(path, deep);
+  } else if (older) {
     for (std::string& fault : session.File().Faults())
       check.faults.push_back({"", 0, "", "Structure", std::move(fault)});
   } else {
@@ -183,10 +201,59 @@ Result<Json> AcceptHandEdits(Context& context, const std::string& typedPath) {
   return answer;
 }
 
+Json UpgradeLinesJson(const std::vector<UpgradeLine>& lines) {
+  Json list = Json::array();
+  for (const UpgradeLine& line : lines)
+    list.push_back({{"Step", line.Step},
+                    {"Table", line.Table.empty() ? Json() : Json(line.Table)},
+                    {"Count", line.Count},
+                    {"What", line.What}});
+  return list;
+}
+
+Json UpgradeJson(const UpgradeReport& report) {
+  Json tables = Json::array();
+  for (const UpgradeTable& table : report.tables)
+    tables.push_back({{"Table", table.Table},
+                      {"Read", table.Read},
+                      {"Made", table.Made},
+                      {"Left", table.Left},
+                      {"Written", table.Written},
+                      {"Mended", table.Mended}});
+  Json sums = Json::array();
+  for (const UpgradeSum& sum : report.sums)
+    sums.push_back({{"What", sum.What}, {"Before", sum.Before}, {"After", sum.After}, {"Same", sum.Same()}});
+  return {{"File", report.file.string()},
+          {"Source", report.source.string()},
+          {"FromVersion", report.fromVersion},
+          {"ToVersion", report.toVersion},
+          {"DryRun", report.dryRun},
+          {"Report", report.text.empty() ? Json() : Json(report.text.string())},
+          {"Balanced", report.Balanced()},
+          {"Tables", tables},
+          {"Sums", sums},
+          {"Changes", UpgradeLinesJson(report.changes)},
+          {"Names", UpgradeLinesJson(report.names)},
+          {"Refused", UpgradeLinesJson(report.refused)},
+          {"Damaged", UpgradeLinesJson(report.damaged)},
+          {"Left", UpgradeLinesJson(report.left)}};
+}
+
+Result<Json> UpgradeFile(Context& context, const UpdateWish& wish, const std::string& reportPath) {
+  const auto report = UpdateDataFile(context.session, wish);
+  if (!report) return std::unexpected(report.error());
+  context.text = UpgradeText(*report);
+  Json answer = UpgradeJson(*report);
+  if (reportPath.empty()) return answer;
+  const bool json = EqualNoCase(fs::path(reportPath).extension().string(), ".json");
+  ReplaceFile(fs::absolute(reportPath), json ? JsonText(answer) + "\n" : context.text);
+  return answer;
+}
+
 }  // namespace
 
 void AddFileCommands(CLI::App& app, Commands& commands) {
-  CLI::App* noun = AddNoun(app, "file", "The Data File: create, info, check, compact, repair");
+  CLI::App* noun = AddNoun(app, "file", "The Data File: create, info, check, compact, repair, upgrade");
 
   auto* create = noun->add_subcommand("create", "Make a new Data File and the default of it");
   const auto path = std::make_shared<std::string>();
@@ -228,6 +295,23 @@ void AddFileCommands(CLI::App& app, Commands& commands) {
   repair->add_option("--report", *report, "Write what was done into a file, a text or, by its name, .json")->check(NotEmpty);
   repair->footer("The file as it was, and photos that no Design names, are kept in a folder beside it.");
   commands.Add(repair, Needs::Nothing, [repaired, report](Context& context) { return RepairFile(context, *repaired, *report); });
+
+  auto* upgrade = noun->add_subcommand("upgrade", "Bring a Data File of an earlier version, or a Jet file, up to date");
+  const auto wish = std::make_shared<UpdateWish>();
+  const auto source = std::make_shared<std::string>();
+  const auto to = std::make_shared<std::string>();
+  upgrade->add_option("PATH", *source, "The file")->required()->check(NotEmpty);
+  upgrade->add_option("--to", *to, "Where the updated file goes; else in its place, of a Jet file under the next free name")
+      ->check(NotEmpty);
+  const auto told = std::make_shared<std::string>();
+  upgrade->add_option("--report", *told, "Write what was done into a file, a text or, by its name, .json")->check(NotEmpty);
+  upgrade->add_flag("--dry-run", wish->dryRun, "Only tell what would be done");
+  upgrade->footer("The report is kept beside the updated file. A file that fails stays as it was.");
+  commands.Add(upgrade, Needs::Nothing, [wish, source, to, told](Context& context) {
+    wish->source = fs::absolute(*source);
+    wish->to = to->empty() ? fs::path() : fs::absolute(*to);
+    return UpgradeFile(context, *wish, *told);
+  });
 }
 
 }  // namespace vellumark::cli

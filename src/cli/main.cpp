@@ -15,6 +15,7 @@
 #include "core/base/platform.h"
 #include "core/base/text.h"
 #include "core/colors/rollup.h"
+#include "core/datafile/file_kind.h"
 #include "core/datafile/lifecycle.h"
 #include "core/shell/opening.h"
 #include "core/shell/startup.h"
@@ -105,11 +106,14 @@ Result<void> OpenForVerb(Context& context, const GlobalOptions& options, Needs n
     return Refuse("Data File", "No Data File is known yet. Name one with --file, or make one with: file create PATH");
   if (std::error_code error; !fs::exists(context.dataFile, error)) throw Failure(context.dataFile, "does not exist");
   session.DataFileName.clear();
-  if (const int version = ReadFileVersion(context.dataFile); GateOf(version) == VersionGate::Older)
+  const DataFileKind kind = LookAtDataFile(context.dataFile);
+  if (const VersionGate gate = GateOf(kind.version); gate == VersionGate::Older || (kind.jet && gate != VersionGate::Unusable))
     return Refuse("Data File",
-                  fmt::format("Data File: {}\nhas a file version of: {}\n\nFiles of versions 2 to 39 must be "
-                              "brought up to version {} first, which this release cannot do.",
-                              context.dataFile, version, kFileVersion));
+                  fmt::format("Data File: {}\nhas a file version of: {}\n\n{} must be brought up to version {} first, with: file "
+                              "upgrade PATH",
+                              context.dataFile, kind.version,
+                              kind.jet ? std::string("A Jet file") : fmt::format("Files of versions 2 to {}", kFileVersion - 1),
+                              kFileVersion));
   if (!CheckDataFile(session, context.dataFile, windows)) return Refuse("Data File", session.StartupMessage);
   session.DataFileName = context.dataFile;
   OpenDataFile(session, windows);

@@ -69,7 +69,7 @@ class NoWindows final : public OpeningWindows {
   NoWindows(std::string user, std::string password) : user_(std::move(user)), password_(std::move(password)) {}
 
   void ShowNewDataFile(const std::string&) override {}
-  bool ShowUpdateDataFile(const std::filesystem::path&, int) override { return false; }
+  std::optional<std::filesystem::path> ShowUpdateDataFile(const std::filesystem::path&, int) override { return {}; }
   /// With the user of the options; throws RefusedLogin.
   void Login(Session& session) override;
   void SetCaption(const std::string&) override {}

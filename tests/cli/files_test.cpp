@@ -8,6 +8,7 @@
 #include "core/base/files.h"
 #include "core/datafile/engine.h"
 #include "support/cli_run.h"
+#include "support/old_files.h"
 #include "support/snapshot.h"
 
 namespace vellumark {
@@ -374,6 +375,51 @@ TEST(CliFiles, ARepairOfASoundFileChangesTheWeighingOrderAloneAndOfADamagedOneSa
   ReplaceFile(file, "no Data File any more");
   EXPECT_EQ(room.Run({"--yes", "file", "repair"}).status, 1);
   EXPECT_EQ(room.Run({"--yes", "file", "repair", (room.folder / "Gone.vkd").string()}).status, 4);
+}
+
+TEST(CliFiles, AnOlderFileIsBroughtUpToDateWithAReport) {
+  const test::CliRoom room;
+  test::OldRoom shop = test::MakeOldRoom(9);
+  shop.users = false;
+  const std::string old = (room.folder / "Old.vkd").string();
+  test::WriteOldFile(old, test::OldTables(shop, 30, 1));
+  const std::string jet = (room.folder / "Jet.vkd").string();
+  test::WriteOldJetFile(jet, test::OldTables(shop, 39, 0));
+  const std::string before = ReadFileBytes(old);
+
+  // Whoever would work in it is told what to do.
+  test::CliAnswer answer = room.Run({"--file", jet, "color", "list"});
+  EXPECT_EQ(answer.status, 1);
+  EXPECT_NE(answer.err.find("A Jet file must be brought up to version 40 first, with: file upgrade PATH"), std::string::npos) << answer.err;
+  const auto check = room.Json({"file", "check", jet});
+  EXPECT_TRUE(check["Sound"].get<bool>());
+  EXPECT_TRUE(check["NeedsUpgrade"].get<bool>());
+
+  EXPECT_EQ(room.Run({"file", "upgrade", old}).status, 3) << "it asks about lots";
+  EXPECT_EQ(ReadFileBytes(old), before);
+  auto report = room.Json({"--no", "file", "upgrade", old, "--dry-run"});
+  EXPECT_EQ(report["File"], old);
+  EXPECT_TRUE(report["DryRun"].get<bool>());
+  EXPECT_TRUE(report["Balanced"].get<bool>());
+  EXPECT_EQ(ReadFileBytes(old), before);
+  const std::string to = (room.folder / "New.vkd").string();
+  const std::string kept = (room.folder / "report.json").string();
+  report = room.Json({"--no", "file", "upgrade", old, "--to", to, "--report", kept});
+  EXPECT_EQ(report["File"], to);
+  ASSERT_FALSE(report["Changes"].empty());
+  for (const char* key : {"Step", "Table", "Count", "What"}) EXPECT_TRUE(report["Changes"][0].contains(key)) << key;
+  EXPECT_EQ(nlohmann::ordered_json::parse(ReadFileBytes(kept)), report);
+  EXPECT_EQ(ReadFileBytes(old), before);
+  EXPECT_EQ(room.Run({"--no", "file", "upgrade", old, "--to", to}).status, 1) << "the name is taken";
+  EXPECT_TRUE(room.Json({"file", "check", to, "--deep"})["Sound"].get<bool>());
+  EXPECT_EQ(room.Json({"--file", to, "batch", "show", "4"})["BatchNo"], 4);
+
+  answer = room.Run({"file", "upgrade", jet});
+  EXPECT_EQ(answer.status, 0) << answer.err;
+  EXPECT_NE(answer.out.find("Every row is accounted for, and the sums are the same to the last digit."), std::string::npos) << answer.out;
+  EXPECT_TRUE(fs::exists(room.folder / "Jet(1).vkd"));
+  EXPECT_TRUE(fs::exists(room.folder / "Jet(1) Update Report.txt"));
+  EXPECT_EQ(room.Run({"file", "upgrade", (room.folder / "Jet(1).vkd").string()}).status, 1) << "it needs none";
 }
 
 }  // namespace

@@ -52,6 +52,7 @@ std::vector<Line> Lines(const test::CliRoom& room) {
       {{"file", "check", folder + "/None.vkd"}, {}},
       {{"file", "compact"}, {}},
       {{"file", "repair"}, {}},
+      {{"file", "upgrade", folder + "/none.vkd"}, {}},
       {{"settings", "get", "UMI"}, {}},
       {{"settings", "set", "UMF", "9"}, {}},
       {{"settings", "list"}, {}},

@@ -106,9 +106,10 @@ class NotedWindows : public StartupWindows {
   }
   void PowerOffScale(Session&) override {}
   void ShowNewDataFile(const std::string& message) override { calls.push_back("new data file: " + message); }
-  bool ShowUpdateDataFile(const std::filesystem::path&, int version) override {
+  std::optional<std::filesystem::path> updated;  ///< what UpdateDataFileForm made
+  std::optional<std::filesystem::path> ShowUpdateDataFile(const std::filesystem::path&, int version) override {
     calls.push_back("update from " + std::to_string(version));
-    return false;
+    return updated;
   }
   void Login(Session&) override {
     calls.emplace_back("login");

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <stdexcept>
 
+#include "core/datafile/file_kind.h"
 #include "core/datafile/lifecycle.h"
 
 namespace vellumark::test {
@@ -35,7 +36,8 @@ void SoundAtEnd::ExpectFile(const std::filesystem::path& path) const {
   FixedClock clock{DateTime{2026, 3, 10, 12, 0, 0}};
   Session session{prompt, progress, clock};
   try {
-    if (GateOf(ReadFileVersion(path)) != VersionGate::Current) return;
+    const DataFileKind kind = LookAtDataFile(path);
+    if (kind.jet || GateOf(kind.version) != VersionGate::Current) return;
     session.DataFileDB = Database::Open(path, OpenMode::Exclusive);
     SCOPED_TRACE(path);
     Expect(session, CheckState::Closed);

@@ -280,8 +280,9 @@ Result<RepairReport> MendDataFile(Session& session, const std::function<Result<v
 
 // ---- A run
 
-void RepairRun::Run() {
-  for (const RepairStep& step : kSteps) RunStep(step);
+void RepairRun::Run(const std::function<bool(const RepairStep&)>& wanted) {
+  for (const RepairStep& step : kSteps)
+    if (!wanted || wanted(step)) RunStep(step);
 }
 
 void RepairRun::RunStep(const RepairStep& step) {

@@ -30,8 +30,9 @@ class RepairRun {
   Session& session;
   Database& file;
 
-  /// Runs all steps. One that fails is tried once more; one that fails again is told, and the others go on.
-  void Run();
+  /// Runs all steps, or those that are wanted. One that fails is tried once more; one that fails again is told, and the
+  /// others go on.
+  void Run(const std::function<bool(const RepairStep&)>& wanted = {});
   bool Failed() const { return failed_; }
 
   const std::vector<std::string>& Databases() const { return session.databaseList; }

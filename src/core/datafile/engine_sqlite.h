@@ -18,6 +18,8 @@ std::string CauseInWords(int code, const char* message);
 class SqliteDatabase final : public Database {
  public:
   SqliteDatabase(std::filesystem::path path, bool readOnly);
+  /// For OpenWorkFile.
+  static std::unique_ptr<Database> OpenWork(const std::filesystem::path& path);
   ~SqliteDatabase() override;
 
   Statement Prepare(std::string_view sql) override;

@@ -26,8 +26,9 @@ std::string ReadableText(const std::string& text) {
   return readable;
 }
 
-// What a field can hold of a value that it cannot; null where nothing is left.
-Value Nearest(const Field& field, const Value& value) {
+}  // namespace
+
+Value NearestValue(const Field& field, const Value& value) {
   const bool text = field.type == FieldType::Text || field.type == FieldType::Memo;
   if (text) {
     std::string readable = ReadableText(value.Text());
@@ -44,18 +45,20 @@ Value Nearest(const Field& field, const Value& value) {
   }
 }
 
-struct MendedValue {
-  std::int64_t row = 0;
-  std::size_t field = 0;
-  Value value;
-};
-
-std::string Describe(const Field& field, const Value& now) {
+std::string MendedText(const Field& field, const Value& now) {
   if (now.IsNull()) return "it could not be read and is empty now";
   if (now.IsText()) return "it did not fit and was cut or respelled";
   return field.type == FieldType::Boolean ? "it was neither true nor false"
                                           : "the figure was none that the field can hold";
 }
+
+namespace {
+
+struct MendedValue {
+  std::int64_t row = 0;
+  std::size_t field = 0;
+  Value value;
+};
 
 }  // namespace
 
@@ -119,14 +122,14 @@ std::vector<MendedField> FitValues(Database& file, const std::string& name, cons
           Value fitted = FittedValue(table.fields[i], name, value);
           if (fitted != value && !IsKeptFiner(table, table.fields[i], value)) mended.push_back({rows.Whole(0), i, std::move(fitted)});
         } catch (const BadValue&) {
-          mended.push_back({rows.Whole(0), i, Nearest(table.fields[i], value)});
+          mended.push_back({rows.Whole(0), i, NearestValue(table.fields[i], value)});
         }
       }
   }
   std::map<std::pair<std::size_t, std::string>, std::int64_t> counts;
   for (const MendedValue& one : mended) {
     WriteField(file, name, table, one);
-    ++counts[{one.field, Describe(table.fields[one.field], one.value)}];
+    ++counts[{one.field, MendedText(table.fields[one.field], one.value)}];
   }
   std::vector<MendedField> told;
   for (const auto& [what, rows] : counts) told.push_back({table.fields[what.first].name, rows, what.second});

@@ -23,6 +23,10 @@ struct MendedField {
   std::string what;  ///< in words
 };
 
+/// What a field can hold of a value that it cannot hold as it is; null where nothing is left. What became of it, in words.
+Value NearestValue(const Field& field, const Value& value);
+std::string MendedText(const Field& field, const Value& now);
+
 /// Makes every value fit its field: texts are cut to their width, figures that are none or out of range become 0, dates
 /// that are none become empty. Nothing is written of a row that is sound. Figures of a table that keeps more than the
 /// 32 bits of a Single are not rounded.

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <system_error>
 
+#include "core/base/files.h"
 #include "core/base/text.h"
 #include "core/colors/additive_sets.h"
 #include "core/colors/basics.h"
@@ -12,6 +13,8 @@
 #include "core/colors/guide_database.h"
 #include "core/colors/name_map.h"
 #include "core/colors/names.h"
+#include "core/datafile/engine_work.h"
+#include "core/datafile/file_kind.h"
 #include "core/datafile/lifecycle.h"
 #include "core/base/told_steps.h"
 
@@ -145,18 +148,41 @@ Result<void> CheckVersion(int version) {
 }
 
 struct OpenedSource {
+  std::unique_ptr<FileBeside> copy;  // of a Jet file, which is read into one of our own
   std::unique_ptr<Database> file;
   FileInfoRow info;
 };
 
-Result<OpenedSource> OpenSource(const std::filesystem::path& path) {
-  OpenedSource source = InWords(path.string(), [] { return "Couldn't open database."; }, [&] {
-    std::error_code ignored;
-    if (!std::filesystem::exists(path, ignored)) throw Failure(path.string(), "does not exist");
-    OpenedSource opened{Database::Open(path, OpenMode::ReadOnly), {}};
-    opened.info = ReadFileInfo(*opened.file);
-    return opened;
-  });
+/// What is read of a source.
+enum class SourceParts { Names, Formulas };
+
+bool IsFormulaTable(std::string_view table) {
+  return table.ends_with(schema::Basic.name) || table.ends_with(schema::Mix.name) || table.ends_with(schema::Additives.name);
+}
+
+// A Jet file is read into a work file of our own; of one of another version nothing but that is read.
+OpenedSource OpenParts(const std::filesystem::path& path, SourceParts parts) {
+  std::error_code ignored;
+  if (!std::filesystem::exists(path, ignored)) throw Failure(path.string(), "does not exist");
+  const DataFileKind kind = LookAtDataFile(path);
+  OpenedSource opened;
+  opened.info.fileVersion = kind.version;
+  if (!CheckVersion(kind.version)) return opened;
+  if (kind.jet) {
+    opened.copy = std::make_unique<FileBeside>(std::filesystem::temp_directory_path() / path.filename(), Readers::Group);
+    opened.file = OpenWorkFile(opened.copy->Path());
+    CopyJetTables(path, *opened.file, [](std::string_view, double) {}, [&](std::string_view table) {
+      return EqualNoCase(table, schema::FileInfo.name) || (parts == SourceParts::Formulas && IsFormulaTable(table));
+    });
+  } else {
+    opened.file = Database::Open(path, OpenMode::ReadOnly);
+  }
+  opened.info = ReadFileInfo(*opened.file);
+  return opened;
+}
+
+Result<OpenedSource> OpenSource(const std::filesystem::path& path, SourceParts parts) {
+  OpenedSource source = InWords(path.string(), [] { return "Couldn't open database."; }, [&] { return OpenParts(path, parts); });
   if (auto current = CheckVersion(source.info.fileVersion); !current) return std::unexpected(current.error());
   return source;
 }
@@ -170,7 +196,7 @@ bool IsOwnFile(const Session& session, const std::filesystem::path& path) {
 
 Result<std::vector<std::string>> DatabasesOfFile(const Session& session, const std::filesystem::path& path) {
   if (IsOwnFile(session, path)) return session.databaseList;
-  auto source = OpenSource(path);
+  auto source = OpenSource(path, SourceParts::Names);
   if (!source) return std::unexpected(source.error());
   return std::move(source->info.dbList);
 }
@@ -178,7 +204,7 @@ Result<std::vector<std::string>> DatabasesOfFile(const Session& session, const s
 Result<FormulaTable> ReadDataFileFormulas(const Session& session, const std::filesystem::path& path,
                                           std::string_view database) {
   if (IsOwnFile(session, path)) return ReadDatabaseFormulas(session, database);
-  const auto source = OpenSource(path);
+  const auto source = OpenSource(path, SourceParts::Formulas);
   if (!source) return std::unexpected(source.error());
   const auto& names = source->info.dbList;
   const auto named = std::ranges::find_if(

@@ -40,6 +40,7 @@ constexpr WayIn kCommands[] = {
     {"file check", Act::Look},
     {"file compact", Act::Work},
     {"file repair", Act::BackUp},
+    {"file upgrade", Act::DataFiles},
     {"settings get", Act::Look},
     {"settings set", Act::Options},
     {"settings list", Act::Look},

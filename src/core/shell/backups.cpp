@@ -182,7 +182,8 @@ Result<RestoredFiles> RestoreDataFile(Session& session, const fs::path& typedSou
                   "Current data file and choosen file are the same!\nPlease select another file.", "PATH");
   auto check = CheckSource(session, source);
   if (!check) return std::unexpected(check.error());
-  if (!CheckDataFile(session, source.string(), windows)) return Decline("Data File");
+  const auto checked = CheckDataFile(session, source.string(), windows);
+  if (!checked) return Decline("Data File");
   if (auto asked = AskForRestore(session, *check); !asked) return std::unexpected(asked.error());
 
   PreviousFile previous(session, windows);
@@ -191,7 +192,7 @@ Result<RestoredFiles> RestoreDataFile(Session& session, const fs::path& typedSou
     if (session.DataFileOpen) CloseDataFile(session, windows);
     ChoosePlace(session);
     const ProgressRun progress(session.progress, "Restoring Data File ...");
-    restored = PutDataFileBack(session, source, RealPath(session.DataFileName));
+    restored = PutDataFileBack(session, *checked, RealPath(session.DataFileName));
   } catch (...) {
     previous.Return();
     throw;

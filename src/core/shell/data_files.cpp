@@ -83,8 +83,9 @@ bool CheckAndOpen(Session& session, const fs::path& path, OpeningWindows& window
   // The check compares names to know the open file.
   const bool same = session.DataFileOpen && IsSameFile(path, session.DataFileName);
   const fs::path file = same ? fs::path(session.DataFileName) : path;
-  if (!CheckDataFile(session, file.string(), windows)) return false;
-  ChangeToFile(session, file, windows);
+  const auto checked = CheckDataFile(session, file.string(), windows);
+  if (!checked) return false;
+  ChangeToFile(session, *checked, windows);
   MakePhotoFolder(session);
   return true;
 }
@@ -129,7 +130,10 @@ Result<fs::path> PathForRename(const Session& session, std::string_view typedNam
 
 bool OpenRecentDataFile(Session& session, OpeningWindows& windows) {
   try {
-    if (CheckDataFile(session, session.DataFileName, windows)) OpenDataFile(session, windows);
+    if (const auto checked = CheckDataFile(session, session.DataFileName, windows)) {
+      if (*checked != session.DataFileName) TakeAsDefault(session, *checked);
+      OpenDataFile(session, windows);
+    }
   } catch (const Failure& failure) {
     CloseDataFile(session, windows);
     session.StartupMessage = failure.subject + "\n" + failure.cause + ".";
@@ -216,17 +220,6 @@ bool IsOwnFolder(const Session& session, const fs::path& folder) {
   return std::ranges::any_of(folder, [](const fs::path& part) {
     return std::ranges::any_of(kFoldersBeside, [&](std::string_view own) { return EqualNoCase(part.string(), own); });
   });
-}
-
-std::optional<std::string> MakeSafetyCopy(const fs::path& path) {
-  const fs::path copy = SafetyCopyPath(path);
-  if (copy == path) return fmt::format("{} is a backup copy itself", path.string());
-  try {
-    CompactInto(path, copy);
-  } catch (const Failure& failure) {
-    return failure.what();
-  }
-  return std::nullopt;
 }
 
 }  // namespace vellumark

@@ -40,8 +40,4 @@ Result<void> RenameDataFile(Session& session, std::string_view typedName, Openin
 /// A folder that the program keeps for itself: where settings, backups, photos and conversions lie.
 bool IsOwnFolder(const Session& session, const std::filesystem::path& folder);
 
-/// Compacts a file of an older version, which is about to be brought up to date, into ".vkb" beside it, over an older
-/// such copy. What went wrong, in words, when no copy could be made: the update goes on without one.
-std::optional<std::string> MakeSafetyCopy(const std::filesystem::path& path);
-
 }  // namespace vellumark

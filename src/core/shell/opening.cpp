@@ -14,6 +14,7 @@
 #include "core/colors/guide_database.h"
 #include "core/colors/rollup.h"
 #include "core/datafile/databases.h"
+#include "core/datafile/file_kind.h"
 #include "core/datafile/lifecycle.h"
 #include "core/datafile/stock_history.h"
 #include "core/datafile/stock_joins.h"
@@ -177,41 +178,38 @@ std::string VersionCaption() {
   return "Version " VELLUMARK_VERSION;
 }
 
-bool CheckDataFile(Session& session, const std::string& path, OpeningWindows& windows) {
+std::optional<std::string> CheckDataFile(Session& session, const std::string& path, OpeningWindows& windows) {
   session.StartupMessage.clear();
   if (path.empty()) {
     windows.ShowNewDataFile({});
-    return false;
+    return std::nullopt;
   }
   std::error_code ignored;
   if (!fs::exists(path, ignored)) {
     ShowMessageAsStart(session, windows, path + " file does not exist.");
-    return false;
+    return std::nullopt;
   }
-  const int version = session.DataFileDB && session.DataFileDB->Path() == path
-                          ? ReadFileInfo(*session.DataFileDB).fileVersion
-                          : ReadFileVersion(path);
-  switch (GateOf(version)) {
-    case VersionGate::Current:
-    case VersionGate::ReadOnly:
-      return true;
-    case VersionGate::Unusable:
-      session.StartupMessage = UnusableText(path, version);
-      if (UsableFileAtHand(session)) {
-        session.prompt.Tell("Data File", session.StartupMessage + std::string(50, ' '), Icon::Exclamation);
-      } else {
-        windows.ShowNewDataFile(session.StartupMessage);
-      }
-      return false;
-    case VersionGate::Older:
-      break;
+  const DataFileKind kind = session.DataFileDB && session.DataFileDB->Path() == path
+                                ? DataFileKind{false, ReadFileInfo(*session.DataFileDB).fileVersion}
+                                : LookAtDataFile(path);
+  const int version = kind.version;
+  const VersionGate gate = GateOf(version);
+  if (gate == VersionGate::Unusable) {
+    session.StartupMessage = UnusableText(path, version);
+    if (UsableFileAtHand(session)) {
+      session.prompt.Tell("Data File", session.StartupMessage + std::string(50, ' '), Icon::Exclamation);
+    } else {
+      windows.ShowNewDataFile(session.StartupMessage);
+    }
+    return std::nullopt;
   }
-  if (windows.ShowUpdateDataFile(path, version)) return true;
+  if (gate != VersionGate::Older && !kind.jet) return path;
+  if (const auto updated = windows.ShowUpdateDataFile(path, version)) return updated->string();
   ShowMessageAsStart(session, windows,
                      fmt::format("Updating {}\nfrom file version {} to file version {}\n failed.\n\n"
                                  "Try using another data file.",
                                  path, version, kFileVersion));
-  return false;
+  return std::nullopt;
 }
 
 void OpenDataFile(Session& session, OpeningWindows& windows) {

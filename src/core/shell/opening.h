@@ -17,8 +17,9 @@ class OpeningWindows {
   virtual ~OpeningWindows() = default;
   /// `NewDataFileForm`, modal, with `StartupMessage`; the program then comes to the front.
   virtual void ShowNewDataFile(const std::string& startupMessage) = 0;
-  /// `UpdateDataFileForm` on a file of an older version whose safety copy stands; true when it was brought up to date.
-  virtual bool ShowUpdateDataFile(const std::filesystem::path& path, int fileVersion) = 0;
+  /// `UpdateDataFileForm` on a file of an older version, or of an earlier program; the file that was brought up to date,
+  /// which of a Jet file is another one. Nothing when none was.
+  virtual std::optional<std::filesystem::path> ShowUpdateDataFile(const std::filesystem::path& path, int fileVersion) = 0;
   /// The login; only called for a file that has users. Ends with a user in the session or with the process.
   virtual void Login(Session& session) = 0;
   /// The program's and the main window's caption.
@@ -29,10 +30,10 @@ class OpeningWindows {
   virtual void ShutdownBackup(Session& session, const std::string& label) = 0;
 };
 
-/// The file check: true when `path` may be opened. Otherwise `StartupMessage` says why and was shown, in
-/// `NewDataFileForm` or, when a usable Data File is at hand, in a message. Throws Failure for a file that cannot be
-/// read.
-bool CheckDataFile(Session& session, const std::string& path, OpeningWindows& windows);
+/// The file check: the file that may be opened, which is `path` or, of a Jet file that was brought up to date, the new
+/// one. Where there is none `StartupMessage` says why and was shown, in `NewDataFileForm` or, when a usable Data File is
+/// at hand, in a message. Throws Failure for a file that cannot be read.
+std::optional<std::string> CheckDataFile(Session& session, const std::string& path, OpeningWindows& windows);
 
 /// Opens `DataFileName`: the file, its Databases, the login, the current Database and its record sets. A new file gets
 /// its first Database here. A link is followed: `DataFileName` names the real file then. When the open fails the state

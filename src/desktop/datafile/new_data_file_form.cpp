@@ -18,7 +18,7 @@ class NewDataFileForm::WindowsHere final : public OpeningWindows {
     form_.ShowStartupMessage(startupMessage);
     turnedAway = true;
   }
-  bool ShowUpdateDataFile(const std::filesystem::path& path, int fileVersion) override {
+  std::optional<std::filesystem::path> ShowUpdateDataFile(const std::filesystem::path& path, int fileVersion) override {
     return form_.startup_.ShowUpdateDataFile(path, fileVersion);
   }
   void Login(Session& session) override { form_.startup_.Login(session); }
@@ -98,7 +98,8 @@ void NewDataFileForm::BuildLater(TabSet& tabs) {
   restore.Stretch();
   Form upgrade = tabs.Page(tr("&Upgrade"), "TabUpgrade");
   upgrade.Heading(tr("Version 1.3, 1.4 or 2.0 Users Only"));
-  Paragraph(upgrade, tr("Bringing over data of these versions is not part of this release."));
+  Paragraph(upgrade, tr("Data of these versions cannot be brought over: how their files BASICS.ASC and MIXES.ASC are laid out is "
+                        "not known, and the converter that writes them, DOSCONV.EXE, is a program of its own."));
   ButtonLine(upgrade, {off(upgrade, "cmdUpgrade", tr("Locate DOS Files"))});
   upgrade.Stretch();
 }

@@ -24,7 +24,8 @@ struct DataFilePlatform {
 /// FileExplorerForm (Open Data File), NewFileExplorerForm (New Data File), VKD_File_ListingForm (Search for Data Files;
 /// with {"Pick", true} it only gives back {"Path", text}), RenameDataFileForm: accepted when a file was opened, with
 /// {"exit", true} when the operator ended the program at its login.
-/// UpdateDataFileForm {"Path", text}, {"FileVersion", number}: gives back {"updated", true} when it was.
+/// UpdateDataFileForm {"Path", text}, {"FileVersion", number}: gives back {"Path", text}, the file that was brought up to
+/// date.
 /// NewDBForm, RenameDBForm: give back {"Database", name}; DeleteDBForm.
 /// OtherDatabasesForm {"Color_Name", text}, {"Kind", ColorKind}: gives back {"Database", name} after a change to it.
 void RegisterDatafileWindows(WindowList& windows, StartupWindows& startup, DataFilePlatform platform = {});

@@ -103,9 +103,10 @@ void DesktopStartup::ShowNewDataFile(const std::string& startupMessage) {
   RunStep("NewDataFileForm", {{"StartupMessage", startupMessage}});
 }
 
-bool DesktopStartup::ShowUpdateDataFile(const std::filesystem::path& path, int fileVersion) {
+std::optional<std::filesystem::path> DesktopStartup::ShowUpdateDataFile(const std::filesystem::path& path, int fileVersion) {
   const auto result = RunStep("UpdateDataFileForm", {{"Path", path.string()}, {"FileVersion", fileVersion}});
-  return result && result->Has("updated");
+  if (!result || !result->Has("Path")) return std::nullopt;
+  return std::filesystem::path(result->Text("Path"));
 }
 
 void DesktopStartup::Login(Session&) {

@@ -36,7 +36,7 @@ class DesktopStartup final : public StartupWindows {
   void PowerOffScale(Session& session) override;
 
   void ShowNewDataFile(const std::string& startupMessage) override;
-  bool ShowUpdateDataFile(const std::filesystem::path& path, int fileVersion) override;
+  std::optional<std::filesystem::path> ShowUpdateDataFile(const std::filesystem::path& path, int fileVersion) override;
   void Login(Session& session) override;
   void SetCaption(const std::string& caption) override;
   void SuggestArchive(Session& session) override;

@@ -10,6 +10,7 @@
 #include "core/datafile/databases.h"
 #include "merge_room.h"
 #include "support/guide_room.h"
+#include "support/old_files.h"
 
 namespace vellumark {
 namespace {
@@ -262,6 +263,19 @@ TEST(FormulaSources, ADataFileIsReadAndStaysAsItIs) {
     }
     inUse->Execute("UPDATE FileInfo SET FileVersion = 39");
   }
+  // A Jet file is a source like any other, and as old a one is refused in the same words.
+  const auto jet = room.folder / "jet.vkd";
+  test::WriteOldJetFile(jet, test::OldTables(test::MakeOldRoom(3), 40, 0));
+  const std::string jetBytes = ReadFileBytes(jet);
+  EXPECT_EQ(*DatabasesOfFile(room.session, jet), (std::vector<std::string>{"INK", "SPOT"}));
+  const auto formulas = ReadDataFileFormulas(room.session, jet, "spot");
+  ASSERT_TRUE(formulas);
+  ASSERT_EQ(formulas->formulas.size(), 2U);
+  EXPECT_EQ(formulas->formulas[0].name, "PINK");
+  EXPECT_EQ(ReadFileBytes(jet), jetBytes);
+  test::WriteOldJetFile(jet, test::OldTables(test::MakeOldRoom(3), 39, 0));
+  EXPECT_EQ(ReadDataFileFormulas(room.session, jet, "INK").error().title, "Incompatable File Version");
+  std::filesystem::remove(jet);
   const auto older = ReadDataFileFormulas(room.session, path, "INK");
   EXPECT_EQ(older.error().title, "Incompatable File Version");
   EXPECT_EQ(older.error().text,

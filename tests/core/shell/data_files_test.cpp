@@ -269,19 +269,6 @@ TEST_F(DataFilesTest, AUserWithoutTheAdvancedMenuChangesNoFile) {
   ExpectFirstIsOpen("no right");
 }
 
-TEST_F(DataFilesTest, TheSafetyCopyHoldsTheFileAndReplacesAnOlderOne) {
-  folder.Breaks("Structure");
-  MakeFile(first, 39);
-  ReplaceFile(folder / "First.vkb", "old");
-  EXPECT_EQ(MakeSafetyCopy(first), std::nullopt);
-  EXPECT_EQ(ReadFileVersion(folder / "First.vkb"), 39);
-
-  ReplaceFile(second, std::string(4096, 'x'));
-  const auto fault = MakeSafetyCopy(second);
-  EXPECT_EQ(fault, second.string() + ": is not a Data File");
-  EXPECT_FALSE(fs::exists(folder / "Second.vkb"));
-}
-
 // Counts its steps and stops after some.
 class StoppingProgress final : public Progress {
  public:

@@ -37,7 +37,7 @@ class RecordingWindows final : public StartupWindows {
  public:
   std::vector<std::string> calls;
   bool another = false;
-  bool updates = false;
+  std::optional<fs::path> updated;
   std::optional<std::string> copy;
   std::string startupMessage;
   std::string caption;
@@ -67,9 +67,9 @@ class RecordingWindows final : public StartupWindows {
   }
   void PowerOffScale(Session&) override { Note("scale off"); }
   void ShowNewDataFile(const std::string& message) override { Note("new data file"), startupMessage = message; }
-  bool ShowUpdateDataFile(const fs::path&, int version) override {
+  std::optional<fs::path> ShowUpdateDataFile(const fs::path&, int version) override {
     Note("update from " + std::to_string(version));
-    return updates;
+    return updated;
   }
   void Login(Session&) override { Note("login"); }
   void SetCaption(const std::string& text) override { caption = text; }
@@ -262,7 +262,7 @@ TEST(FileCheck, EachVersionGetsItsWay) {
     const fs::path path = start.folder / "F.vkd";
     start.MakeFile(path, c.version);
     const std::string before = ReadFileBytes(path);
-    EXPECT_EQ(CheckDataFile(start.session, path.string(), start.windows), c.opens) << c.version;
+    EXPECT_EQ(CheckDataFile(start.session, path.string(), start.windows).has_value(), c.opens) << c.version;
     if (*c.call != '\0') {
       EXPECT_EQ(start.windows.calls.at(0), c.call) << c.version;
     }
@@ -506,6 +506,22 @@ TEST(Opening, ADamagedTemplateOpensTheDatabaseWithoutItsGuides) {
   EXPECT_TRUE(start.session.RecordsetsOpen);
   EXPECT_EQ(start.session.TemplateFile, "");
   EXPECT_TRUE(fs::is_directory(start.options.folders.program / "Converted"));
+}
+
+// What came of an older file may be another one: that is opened, and is the one of the next start.
+TEST(Opening, WhatAnOlderFileBecameIsOpenedInItsPlace) {
+  Start start;
+  const fs::path old = start.folder / "Old.vkd";
+  const fs::path made = start.folder / "Old(1).vkd";
+  start.MakeFile(old, 30);
+  start.MakeFile(made);
+  start.options.dataFileArgument = old.string();
+  start.windows.updated = made;
+  ASSERT_TRUE(StartUp(start.session, start.options, start.windows));
+  EXPECT_EQ(start.session.DataFileName, made.string());
+  EXPECT_TRUE(start.session.RecordsetsOpen);
+  EXPECT_EQ(start.session.support->settings.GetSupportValue(setting::DbFileName50.key), made.string());
+  EXPECT_EQ(std::ranges::count(start.windows.calls, "update from 30"), 1);
 }
 
 TEST(Opening, AFileOfAnOlderProgramGetsTheIndexesThatItLacks) {

@@ -1,9 +1,12 @@
 #include <sys/stat.h>
 
+#include <QDialog>
 #include <QLabel>
 #include <QLineEdit>
 #include <QTabWidget>
+#include <QTimer>
 #include <QTreeWidget>
+#include <set>
 
 #include "core/base/files.h"
 #include "core/session/users.h"
@@ -13,6 +16,7 @@
 #include "desktop/datafile/register.h"
 #include "support/data_files.h"
 #include "support/desktop.h"
+#include "support/old_files.h"
 
 namespace vellumark::test {
 namespace {
@@ -48,6 +52,10 @@ struct DataFileWindows : testing::Test, DataFileRoom {
     for (int i = 0; i < 40 && FocusName() != name; ++i) PressOn(Qt::Key_Tab);
     ASSERT_EQ(FocusName(), name);
     PressOn(Qt::Key_Return);
+  }
+
+  static std::optional<fs::path> PathOf(const std::optional<Arguments>& result) {
+    return result && result->Has("Path") ? std::optional<fs::path>(result->Text("Path")) : std::nullopt;
   }
 
   desktop::WindowList list{session};
@@ -303,22 +311,88 @@ TEST_F(DataFileWindows, SearchFromTheWindowWithoutAFile) {
   EXPECT_TRUE(IsDefault(first));
 }
 
-TEST_F(DataFileWindows, AnOlderFileGetsItsSafetyCopyAndIsToldToStay) {
-  MakeFile(first, 39);
+// Ready, running, done: what it says, what can be pressed, where the focus is.
+TEST_F(DataFileWindows, AnOlderFileIsBroughtUpToDateAndItsReportIsShown) {
+  WriteOldFile(first, OldTables(MakeOldRoom(60), 30, 1));
   std::optional<Arguments> result;
+  prompt.Expect("Lotted Inventory", Answer::No);
   WithModal(
       [&] {
-        result = list.RunDialog("UpdateDataFileForm", {{"Path", first.string()}, {"FileVersion", 39}});
+        result = list.RunDialog("UpdateDataFileForm", {{"Path", first.string()}, {"FileVersion", 30}});
       },
       [&](QWidget& form) {
         EXPECT_EQ(Label(form, "lblFile"), first.string());
-        EXPECT_EQ(Label(form, "lblFileVersion"), "Its file version is 39; this program works with version 40.");
-        EXPECT_EQ(Label(form, "lblSafetyCopy"), "A safety copy stands beside it: " + (folder / "First.vkb").string());
-        Picture(form, "datafile-UpdateDataFileForm", {});
-        Press(form, Qt::Key_Escape);
+        EXPECT_EQ(Label(form, "lblFileVersion"), "Its file version is 30; this program works with version 40.");
+        EXPECT_EQ(Label(form, "lblPlace"), "OK brings it up to date. A copy of the file as it is stays beside it as First.vkb.");
+        EXPECT_EQ(FocusName(), "cmdOK");
+        Picture(form, "datafile-UpdateDataFileForm-ready", {});
+        // In the middle of the work nothing can be pressed, and Esc does nothing.
+        std::set<std::string> statuses;
+        bool wasRunning = false;
+        QTimer timer;
+        QObject::connect(&timer, &QTimer::timeout, [&] {
+          if (!Control<QWidget>(form, "cmdOK").isEnabled()) {
+            const std::string status = Label(form, "lblStatus");
+            if (status == "Writing the updated file ..." && !wasRunning) {
+              wasRunning = true;
+              Picture(form, "datafile-UpdateDataFileForm-running", {});
+              static_cast<QDialog&>(form).reject();
+              EXPECT_TRUE(form.isVisible());
+            }
+            statuses.insert(status);
+          }
+        });
+        timer.start(0);
+        Click(form, "cmdOK");
+        timer.stop();
+        EXPECT_TRUE(wasRunning);
+        EXPECT_TRUE(statuses.contains("Creating New Lotted Inv Tables:")) << statuses.size();
+        EXPECT_EQ(Label(form, "lblStatus"), "Updating completed successfully!");
+        EXPECT_EQ(Label(form, "lblHeading"), "Every row is accounted for");
+        EXPECT_GT(Control<desktop::Grid>(form, "fgReport").ShownRows().size(), 10U);
+        EXPECT_EQ(FocusName(), "cmdOK");
+        EXPECT_NE(Label(form, "lblSums").find("before and after"), std::string::npos);
+        Picture(form, "datafile-UpdateDataFileForm-done", {});
+        Control<QTabWidget>(form, "TabReport").setCurrentIndex(1);
+        Picture(form, "datafile-UpdateDataFileForm-lines", {});
+        PressOn(Qt::Key_Return);
       });
-  EXPECT_FALSE(result);
-  EXPECT_EQ(ReadFileVersion(folder / "First.vkb"), 39);
+  ASSERT_TRUE(result);
+  EXPECT_EQ(result->Text("Path"), first.string());
+  EXPECT_EQ(ReadFileVersion(folder / "First.vkb"), 30);
+  EXPECT_EQ(ReadFileVersion(first), 40);
+}
+
+// A Jet file that is opened becomes another file, which is then the one in use; one that fails is told, and left.
+TEST_F(DataFileWindows, AJetFileIsOfferedItsUpdateWhenItIsOpened) {
+  const OldRoom room = MakeOldRoom(9);
+  WriteOldJetFile(first, OldTables(room, 39, 0));
+  const std::string before = ReadFileBytes(first);
+  const auto offered = [&](const std::function<void(QWidget&)>& act) {
+    WithModal([&] { windows.updated = PathOf(list.RunDialog("UpdateDataFileForm", {{"Path", first.string()}, {"FileVersion", 39}})); }, act);
+  };
+  offered([&](QWidget& form) {
+    EXPECT_EQ(Label(form, "lblPlace"), "OK brings what it holds into a new file, First(1).vkd. The file itself stays as it is.");
+    Press(form, Qt::Key_Escape);
+  });
+  EXPECT_FALSE(windows.updated);
+  // The report's place is taken by a folder.
+  fs::create_directories(folder / "First(1) Update Report.txt");
+  prompt.Expect("Updating Failed.");
+  offered([&](QWidget& form) { Click(form, "cmdOK"); });
+  EXPECT_FALSE(windows.updated);
+  EXPECT_FALSE(fs::exists(folder / "First(1).vkd"));
+  EXPECT_NE(prompt.last.text.find("First(1) Update Report.txt"), std::string::npos) << prompt.last.text;
+  fs::remove(folder / "First(1) Update Report.txt");
+  offered([&](QWidget& form) {
+    Click(form, "cmdOK");
+    Click(form, "cmdOK");
+  });
+  ASSERT_EQ(windows.updated, folder / "First(1).vkd");
+  ASSERT_TRUE(*OpenOtherDataFile(session, first, windows));
+  EXPECT_TRUE(IsDefault(folder / "First(1).vkd"));
+  EXPECT_EQ(session.databaseList.size(), 2U);
+  EXPECT_EQ(ReadFileBytes(first), before);
 }
 
 }  // namespace

@@ -25,6 +25,7 @@
 #include "desktop/kit/message_prompt.h"
 #include "furnished_room.h"
 #include "running.h"
+#include "support/old_files.h"
 
 namespace vellumark::test {
 namespace {
@@ -181,20 +182,40 @@ TEST_F(WaysTest, ADroppedDataFileIsOpenedAndFoundAmongTheRecentOnes) {
     CreateEmptyDatabase(*file, "WEB");
     StoreCurrentDatabase(*file, "WEB");
   }
-  QMimeData data;
-  data.setUrls({QUrl::fromLocalFile(QString::fromStdString(other.string()))});
-  QDragEnterEvent enter(QPoint(400, 300), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
-  QApplication::sendEvent(&main, &enter);
-  EXPECT_TRUE(enter.isAccepted());
-  QDropEvent drop(QPointF(400, 300), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
-  QApplication::sendEvent(&main, &drop);
+  const auto dropped = [&](const std::filesystem::path& file) {
+    QMimeData data;
+    data.setUrls({QUrl::fromLocalFile(QString::fromStdString(file.string()))});
+    QDragEnterEvent enter(QPoint(400, 300), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+    QApplication::sendEvent(&main, &enter);
+    EXPECT_TRUE(enter.isAccepted());
+    QDropEvent drop(QPointF(400, 300), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+    QApplication::sendEvent(&main, &drop);
+  };
+  // One of the earlier program is offered its update, and what came of it is then in use.
+  OldRoom shop = MakeOldRoom(3);
+  shop.users = false;
+  const std::filesystem::path jet = room.folder.Path() / "Shop.vkd";
+  const std::filesystem::path updated = room.folder.Path() / "Shop(1).vkd";
+  WriteOldJetFile(jet, OldTables(shop, 39, 0));
+  WithModal(
+      [&] {
+        dropped(jet);
+        EXPECT_TRUE(WaitFor([&] { return running->session.DataFileName == updated.string(); }));
+      },
+      [](QWidget& form) {
+        EXPECT_EQ(form.objectName(), "UpdateDataFileForm");
+        Click(form, "cmdOK");
+        Click(form, "cmdOK");
+      });
+  EXPECT_EQ(running->session.databaseList, (std::vector<std::string>{"INK", "SPOT"}));
+  dropped(other);
   ASSERT_TRUE(WaitFor([&] { return running->session.CurrentDatabase == "WEB"; }));
   EXPECT_TRUE(WaitFor([&] { return Control(main, "cmdFirstBasics").isVisible(); })) << "an empty file begins with the first steps";
   Picture(main, "start-page-empty");
   auto* recent = main.findChild<QMenu*>("menuRecent");
   Q_EMIT main.findChild<QMenu*>("MenuDataFile")->aboutToShow();
-  ASSERT_EQ(recent->actions().size(), 1);
-  recent->actions().front()->trigger();
+  ASSERT_EQ(recent->actions().size(), 2);
+  recent->actions().back()->trigger();
   ASSERT_TRUE(WaitFor([&] { return running->session.DataFileName == first; }));
   Settle();
   EXPECT_EQ(Control<QLabel>(main, "lblStatusDatabase").text(), "INK");
