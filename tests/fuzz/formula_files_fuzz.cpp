@@ -72,7 +72,7 @@ void FileHoldsIt(const FormulaTable& table) {
     const bool shows = std::ranges::all_of(formula.recipe, [](const Ingredient& line) { return line.amount >= 0.001; });
     bool holds = CanHoldName(kReader, formula.name);
     for (const Ingredient& line : formula.recipe) holds &= CanHoldName(kReader, line.name);
-    if (!shows || !holds || formula.recipe.empty()) continue;
+    if (!shows || !holds) continue;
     Must(file.Add(formula.name, formula.code.value_or(""), formula.recipe).empty(), "it can be written");
     sent.push_back(&formula);
   }
@@ -98,7 +98,10 @@ extern "C" int LLVMFuzzerTestOneInput(const unsigned char* data, std::size_t siz
   }
   std::set<std::string> formulas;
   std::set<std::string> basics;
-  for (const SourceColor& formula : table->formulas) MustBeSound(formula, formulas);
+  for (const SourceColor& formula : table->formulas) {
+    MustBeSound(formula, formulas);
+    Must(!formula.recipe.empty(), "a recipe");
+  }
   for (const SourceColor& basic : table->basics) MustBeSound(basic, basics);
   const auto lines = 1 + std::ranges::count_if(bytes, [](char c) { return c == '\n' || c == '\r'; });
   for (const BadLine& bad : table->badLines) Must(bad.line >= 1 && bad.line <= lines && !bad.why.empty(), "a bad line");
