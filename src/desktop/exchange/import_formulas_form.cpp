@@ -190,9 +190,9 @@ void DBImport_Formulas::BuildComparison(Form form) {
                               choice("cmdDeselectAll", tr("Deselect A&ll"), false, false),
                               view_ = form.Button("cmdView", tr("&View"))});
   form.Wide(skipBad_ = form.Check("chkSkipBad", tr("Leave out what cannot be imported")));
-  whatElse_ = form.Note("txtWhatElse", 3);
+  whatElse_ = form.Note("txtWhatElse", 2);
   whatElse_->setReadOnly(true);
-  whatElse_->setMaximumHeight(4 * space::kRowHeight);  // the formulas have the room
+  whatElse_->setMaximumHeight(3 * space::kRowHeight);  // the formulas have the room
   whatElse_->setAccessibleName(tr("Basic Colors to be made, and what cannot be imported"));
   form.Wide(whatElse_);
   connect(list_, &CheckedList::CheckedChanged, this, [this] {

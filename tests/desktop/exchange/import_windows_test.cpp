@@ -39,6 +39,7 @@ struct ImportRoom : ToolsRoom {
   std::string asked;
 };
 
+constexpr QSize kDoubled{960, 416};  // what is left of full HD at 200 percent
 constexpr const char* kFile =
     "SHOP\r\nNAVY\tBLUE\t60\tGREEN\t20\tRED\t20\r\nPINK\tRED\t12.5\tWHITE\t87.5\r\nSILVER\tBLACK\t10\tWHITE\t90\r\n";
 
@@ -51,6 +52,7 @@ TEST_F(ImportRoom, AFileIsComparedChosenFromImportedReportedAndTakenBack) {
   prompt.Expect("Import Formulas", Answer::Ok, "Click the Browse button to select a file to import data from.");
   PressOn(Qt::Key_F5);
   Picture(*form, "import-source");
+  Picture(*form, "import-source-small", kDoubled);
   Browse(Write("in.mfe", kFile));
   EXPECT_EQ(asked, "Import Data From ...");
   PressOn(Qt::Key_F5);
@@ -62,6 +64,7 @@ TEST_F(ImportRoom, AFileIsComparedChosenFromImportedReportedAndTakenBack) {
   EXPECT_NE(Note("txtWhatElse").find("New Basic Colors (1): BLACK"), std::string::npos);
   EXPECT_EQ(Label("lblCounts"), "1 new, 1 different, 1 the same, 0 refused. Chosen: 1");
   Picture(*form, "import-compare");
+  Picture(*form, "import-compare-small", kDoubled);
 
   // What differs is looked at beside its namesake, and chosen there.
   ClickCell("fgCompare", "PINK", 1);
