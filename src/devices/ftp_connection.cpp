@@ -319,7 +319,10 @@ void CurlFtp::Finish(CURLcode code, const std::string& what) {
     mayReconnect_ = true;
     std::rethrow_exception(std::exchange(thrown_, nullptr));
   }
-  if (code == CURLE_OK) return;
+  if (code == CURLE_OK) {
+    mayReconnect_ = false;
+    return;
+  }
   const FtpFailure failure = FaultOf(code, stop_, reply_, command_, what);
   using enum FtpFailure::Kind;
   if (transfers_) Renew();
@@ -454,10 +457,7 @@ std::optional<std::int64_t> CurlFtp::Size(const std::string& path) {
   Reset(Url(path));
   Set(CURLOPT_NOBODY, 1L);
   const CURLcode code = Run();
-  if (code == CURLE_REMOTE_FILE_NOT_FOUND || (code != CURLE_OK && stop_ == Stop::None && reply_.code == 550)) {
-    mayReconnect_ = true;
-    return std::nullopt;
-  }
+  if (code == CURLE_REMOTE_FILE_NOT_FOUND || (code != CURLE_OK && stop_ == Stop::None && reply_.code == 550)) return std::nullopt;
   Finish(code, path);
   curl_off_t size = -1;
   curl_easy_getinfo(easy_, CURLINFO_CONTENT_LENGTH_DOWNLOAD_T, &size);
