@@ -33,7 +33,7 @@ class OldJetFile {
     }
     Write(catalog, jet::kCatalogPage);
     std::string head(kPage, '\0');
-    head[2] = 1;
+    head[1] = 1;
     head.replace(jet::kSignatureAt, jet::kSignature.size(), jet::kSignature);
     jet::Put(head, 0x3C, std::uint16_t{1252});
     jet::MaskHeader(head);

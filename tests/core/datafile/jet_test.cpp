@@ -159,6 +159,7 @@ TEST_F(JetTest, FillsPagesToTheLastByte) {
     EXPECT_EQ(Exported(path, "T"), Repeated(fills + "\x1E", count)) << count;
   }
   const std::string bytes = ReadFileBytes(path);
+  EXPECT_EQ(bytes.substr(0, 4), std::string("\0\1\0\0", 4)) << "which only the engine of other programs looks at";
   int full = 0;
   for (std::size_t page = 0; page < bytes.size(); page += kPage)
     full += static_cast<int>(bytes[page] == 1 && jet::Read<std::uint16_t>(bytes, page + 2) == 0 &&

@@ -240,7 +240,7 @@ void WriteRights(SystemTables& tables, const std::vector<Right>& rights) {
 
 std::string Header() {
   std::string page(kPageBytes, '\0');
-  page[2] = 1;
+  page[1] = 1;
   page.replace(kSignatureAt, kSignature.size(), kSignature);
   Put(page, kVersionAt, std::uint32_t{1});
   Put(page, kMaskAt, PointerTo(kGlobalMapPage, 0));
