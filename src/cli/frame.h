@@ -139,6 +139,7 @@ void AddCloudCommands(CLI::App& app, Commands& commands);
 void AddReportUpload(CLI::App* cloudNoun, Commands& commands,
                      std::function<Result<Json>(Context&, const std::string& name, const std::string& text)> send);
 void AddLabelCommands(CLI::App& app, Commands& commands);
+void AddUndoCommands(CLI::App& app, Commands& commands);
 void AddUsersCommands(CLI::App& app, Commands& commands);
 
 }  // namespace vellumark::cli

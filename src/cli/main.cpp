@@ -276,6 +276,7 @@ int Main(int argc, char** argv) {
   AddBackupCommands(app, commands);
   AddCloudCommands(app, commands);
   AddLabelCommands(app, commands);
+  AddUndoCommands(app, commands);
   AddUsersCommands(app, commands);
   const std::vector<std::string> words = Readable(platform::BeginProgram(argc, argv));
   if (const auto ended = app.parse(words)) return *ended == 0 ? ExitDone : ExitUsage;

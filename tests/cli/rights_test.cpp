@@ -56,6 +56,8 @@ std::vector<Line> Lines(const test::CliRoom& room) {
       {{"settings", "get", "UMI"}, {}},
       {{"settings", "set", "UMF", "9"}, {}},
       {{"settings", "list"}, {}},
+      {{"undo", "list"}, {}},
+      {{"undo", "take", "999"}, {}},
       {{"db", "list"}, {}},
       {{"db", "use", "NONE"}, {}},
       {{"db", "create", "INK"}, {}},

@@ -15,6 +15,7 @@
 #include "core/colors/color_dates.h"
 #include "core/datafile/moved_rows.h"
 #include "core/jobs/job_records.h"
+#include "core/session/undo_step.h"
 
 namespace vellumark {
 namespace {
@@ -194,7 +195,16 @@ Result<bool> DeleteBatch(Session& session, BatchRecord& record, BatchDialogs&, M
   const auto next = moveOn == MoveOn::ToNext ? NextBatchRow(session, record) : std::nullopt;
   BatchRecord then;
   Transaction transaction(session.File());
+  // Closed again first: what is taken back one day is the Batch as it was saved, with what it had taken.
+  if (record.stockReturned) TakeHeldAgain(session, session.CurrentDatabase, record.BatchNo);
+  UndoStep step(session, Act::Work, fmt::format("Delete Batch {}", BatchNoText(record.BatchNo)),
+                BatchNoText(record.BatchNo));
+  if (const auto stored = record.stockReturned ? ReadStoredLines(session, record.key) : std::nullopt) {
+    std::vector<BatchTaking> takings = ReadTakings(session, *stored);
+    HoldBatch(session, record.BatchNo, takings);
+  }
   DeleteStored(session, record, returnIngredients);
+  step.Keep();
   MoveTo(session, then, next);
   transaction.Commit();
   record = std::move(then);

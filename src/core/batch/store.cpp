@@ -23,6 +23,7 @@
 #include "core/colors/color_dates.h"
 #include "core/datafile/lifecycle.h"
 #include "core/session/settings.h"
+#include "core/session/undo_step.h"
 
 namespace vellumark {
 namespace {
@@ -225,7 +226,14 @@ Result<SaveEnd> StoreBatch(Session& session, BatchRecord& record, BatchDialogs& 
   BatchRecord next;
   // Nothing that can fail comes after the commit: a store that is told as failed has not happened.
   Transaction transaction(session.File());
+  const bool isNew = record.state != BatchState::Edit;
+  UndoStep step(session, Act::Work,
+                fmt::format("Save Batch {} of {}", BatchNoText(isNew ? UpcomingBatchNo(session) : record.BatchNo),
+                            record.work.Color_Name),
+                BatchNoText(isNew ? UpcomingBatchNo(session) : record.BatchNo));
   const std::int32_t number = store.Run();
+  // One that was open had given back what it took: what stood there before is no state to return to.
+  if (isNew) step.Keep();
   if (after.stored) {
     OpenBatch(session, next, number);
   } else {

@@ -13,6 +13,7 @@
 #include "core/datafile/row_pieces.h"
 #include "core/datafile/writer.h"
 #include "core/session/acts.h"
+#include "core/session/undo_step.h"
 
 namespace vellumark {
 namespace {
@@ -130,6 +131,7 @@ Result<AdditiveSet> EditAdditiveSet(Session& session, std::string_view setName, 
   ProgressRun progress(session.progress, "Updating Add Set / Updating formulas");
   std::vector<std::string> notApplied;
   Transaction transaction(session.File());
+  UndoStep step(session, Act::AdditiveSets, fmt::format("Change the Additive Set {}", set->SetName));
   UpdateRow(session.File(), schema::Additives, session.Table(schema::Additives), set->key, AdditiveSetCells(*set));
   const bool whole = RewriteFormulas(session, progress, transaction, users, [&](const MixColor& mix) {
     const AppliedSet result = WithSetApplied(mix.Ingredients(), present->Rows(), set->Rows());
@@ -139,6 +141,7 @@ Result<AdditiveSet> EditAdditiveSet(Session& session, std::string_view setName, 
   if (!whole) return BulkSteps::Stopped("Additive Set Modification");
   transaction.Note({Change::Kind::AdditiveSet, session.CurrentDatabase, set->SetName, Change::What::Updated, ""});
   if (!users.empty()) MarkRollUpsStale(session, kAllRollUps);
+  step.Keep();
   transaction.Commit();
   TellNotApplied(session, set->SetName, notApplied);
   return set;
@@ -167,6 +170,7 @@ Result<bool> RenameAdditiveSet(Session& session, std::string_view oldName, std::
   Database& file = session.File();
   const std::string sets = session.Table(schema::Additives);
   Transaction transaction(file);
+  UndoStep step(session, Act::AdditiveSets, fmt::format("Rename the Additive Set {} to {}", set->SetName, name));
   if (merge) {
     file.Prepare("DELETE FROM " + Quoted(sets) + " WHERE RowKey = ?").Bind(1, set->key).Run();
   } else {
@@ -183,6 +187,7 @@ Result<bool> RenameAdditiveSet(Session& session, std::string_view oldName, std::
   if (!whole) return BulkSteps::Stopped("Additive Set Modification");
   transaction.Note({Change::Kind::AdditiveSet, session.CurrentDatabase, set->SetName, Change::What::Renamed, name});
   transaction.Note({Change::Kind::Mix, session.CurrentDatabase, "", Change::What::All, ""});
+  step.Keep();
   transaction.Commit();
   return true;
 }
@@ -198,6 +203,7 @@ Result<bool> DeleteAdditiveSet(Session& session, std::string_view setName) {
 
   ProgressRun progress(session.progress, "Deleting Add Set / Updating formulas");
   Transaction transaction(session.File());
+  UndoStep step(session, Act::AdditiveSets, fmt::format("Delete the Additive Set {}", set->SetName));
   const bool whole = RewriteFormulas(session, progress, transaction, users, [&](const MixColor& mix) {
     return NewRecipe{WithSetRemoved(mix.Ingredients(), set->Rows()), {}};
   });
@@ -208,6 +214,7 @@ Result<bool> DeleteAdditiveSet(Session& session, std::string_view setName) {
       .Run();
   transaction.Note({Change::Kind::AdditiveSet, session.CurrentDatabase, set->SetName, Change::What::Deleted, ""});
   if (!users.empty()) MarkRollUpsStale(session, kAllRollUps);
+  step.Keep();
   transaction.Commit();
   return true;
 }
@@ -265,6 +272,9 @@ Result<bool> ApplyAdditiveSet(Session& session, std::string_view setName, SetMet
   {
     ProgressRun progress(session.progress, "Modifing Formulas ...");
     Transaction transaction(session.File());
+    UndoStep step(
+        session, Act::AdditiveSets,
+        fmt::format("{} an Additive Set: {} formulas", method == SetMethod::Remove ? "Remove" : "Apply", rows.size()));
     AdditiveSetsOnFile sets(session);
     const bool whole = RewriteFormulas(session, progress, transaction, rows, [&](const MixColor& mix) {
       const AdditiveSet* present = sets.Find(mix.AddSetName);
@@ -276,6 +286,7 @@ Result<bool> ApplyAdditiveSet(Session& session, std::string_view setName, SetMet
     });
     if (!whole) return BulkSteps::Stopped("Additive Set Modification");
     MarkRollUpsStale(session, kAllRollUps);
+    step.Keep();
     transaction.Commit();
   }
   session.prompt.Tell("Additive Set Application", "The Application Method has been applied.");

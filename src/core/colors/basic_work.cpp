@@ -14,6 +14,7 @@
 #include "core/datafile/references.h"
 #include "core/datafile/writer.h"
 #include "core/session/acts.h"
+#include "core/session/undo_step.h"
 
 namespace vellumark {
 namespace {
@@ -189,10 +190,12 @@ std::expected<bool, BasicDeleteRefusal> DeleteBasic(Session& session, const std:
   Database& file = session.File();
   const std::string table = session.QuotedTable(schema::Basic);
   Transaction transaction(file);
+  UndoStep step(session, Act::Work, fmt::format("Delete {}", color->Color_Name));
   GiveUpColorStock(session, ColorKind::Basic, session.CurrentDatabase, color->Color_Name);
   file.Prepare("DELETE FROM " + table + " WHERE RowKey = ?").Bind(1, color->key).Run();
   file.Prepare("UPDATE " + table + " SET IngSort = IngSort - 1 WHERE IngSort > ?").Bind(1, color->IngSort).Run();
   transaction.Note({Change::Kind::Basic, session.CurrentDatabase, color->Color_Name, Change::What::Deleted, ""});
+  step.Keep();
   transaction.Commit();
   return true;
 }

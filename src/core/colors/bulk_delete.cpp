@@ -10,6 +10,7 @@
 #include "core/colors/stock_trace.h"
 #include "core/datafile/references.h"
 #include "core/session/acts.h"
+#include "core/session/undo_step.h"
 
 namespace vellumark {
 namespace {
@@ -69,6 +70,7 @@ Result<bool> DeleteFormulas(Session& session, const std::vector<std::string>& co
     BulkSteps steps(session, "Deleting Master Formulas", formulas->size());
     Database& file = session.File();
     Transaction transaction(file);
+    UndoStep step(session, Act::BulkFormulas, fmt::format("Delete {} Master Formulas", formulas->size()));
     Statement row = file.Prepare("DELETE FROM " + session.QuotedTable(schema::Mix, *chosen) + " WHERE RowKey = ?");
     for (const MixColor& mix : *formulas) {
       GiveUpColorStock(session, ColorKind::Mix, *chosen, mix.Color_Name);
@@ -76,6 +78,7 @@ Result<bool> DeleteFormulas(Session& session, const std::vector<std::string>& co
       transaction.Note({Change::Kind::Mix, *chosen, mix.Color_Name, Change::What::Deleted, ""});
       if (!steps.Next()) return BulkSteps::Stopped(std::string(kTitle));
     }
+    step.Keep();
     transaction.Commit();
   }
   session.prompt.Tell("Master Formula Deletion", "The Selected Master Formulas have been deleted.");

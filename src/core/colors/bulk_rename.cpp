@@ -13,6 +13,7 @@
 #include "core/colors/names.h"
 #include "core/colors/rename.h"
 #include "core/session/acts.h"
+#include "core/session/undo_step.h"
 
 namespace vellumark {
 namespace {
@@ -137,11 +138,13 @@ Result<bool> ApplyRename(Session& session, const BulkRename& rule, const std::ve
   for (const RenamePreviewRow& row : *rows) names.push_back({row.Color_Name, row.newName});
   ProgressRun run(session.progress, "Modifing Name ...");
   Transaction transaction(session.File());
+  UndoStep step(session, act, fmt::format("Rename {} colors", names.size()));
   const bool whole = RenameAllChecked(session, transaction, rule.kind, names, [&](double percent) {
     session.progress.Percent(percent);
     return !session.progress.Cancelled();
   });
   if (!whole) return BulkSteps::Stopped(std::string(kTitle));
+  step.Keep();
   transaction.Commit();
   return true;
 }

@@ -11,6 +11,7 @@
 #include "core/colors/basics.h"
 #include "core/colors/formula_tools.h"
 #include "core/colors/rollup.h"
+#include "core/session/undo_step.h"
 
 namespace vellumark {
 namespace {
@@ -287,6 +288,7 @@ Result<bool> ApplyModifier(Session& session, const std::vector<ModifierLine>& li
   {
     BulkSteps steps(session, "Modifing Formulas ...", rows->size());
     Transaction transaction(session.File());
+    UndoStep step(session, Act::FormulaTools, fmt::format("Formula Modifier: {} formulas", rows->size()));
     RecipeWriter writer(session, {}, {"LastModified"});
     writer.SetMore(0, session.clock.Now());
     RecipeReader reader(session);
@@ -298,6 +300,7 @@ Result<bool> ApplyModifier(Session& session, const std::vector<ModifierLine>& li
       if (!steps.Next()) return BulkSteps::Stopped(std::string(kTitle));
     }
     MarkRollUpsStale(session, kAllRollUps);
+    step.Keep();
     transaction.Commit();
   }
   session.prompt.Tell("Master Formulas Modified", "The selected Master Formulas have been modified.");

@@ -12,6 +12,7 @@
 #include "core/colors/stock_trace.h"
 #include "core/datafile/references.h"
 #include "core/session/acts.h"
+#include "core/session/undo_step.h"
 
 namespace vellumark {
 namespace {
@@ -357,12 +358,14 @@ Result<bool> DeleteMix(Session& session, const std::string& name) {
                           Answer::No))
     return false;
   Transaction transaction(session.File());
+  UndoStep step(session, Act::EditFormulas, fmt::format("Delete the Master Formula {}", mix->Color_Name));
   GiveUpColorStock(session, ColorKind::Mix, session.CurrentDatabase, mix->Color_Name);
   session.File()
       .Prepare("DELETE FROM " + session.QuotedTable(schema::Mix) + " WHERE RowKey = ?")
       .Bind(1, mix->key)
       .Run();
   transaction.Note({Change::Kind::Mix, session.CurrentDatabase, mix->Color_Name, Change::What::Deleted, ""});
+  step.Keep();
   transaction.Commit();
   return true;
 }

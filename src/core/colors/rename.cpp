@@ -18,6 +18,7 @@
 #include "core/colors/stock_trace.h"
 #include "core/datafile/references.h"
 #include "core/datafile/writer.h"
+#include "core/session/undo_step.h"
 
 namespace vellumark {
 namespace {
@@ -197,6 +198,7 @@ FormulaNames RenameOrMergeBasic(Session& session, const BasicColor& color, const
   FormulaNames withoutSet;
   ProgressRun progress(session.progress, merge ? "Merging colors ..." : "Renaming color ...");
   Transaction transaction(session.File());
+  UndoStep step(session, Act::Work, fmt::format("{} {} to {}", merge ? "Merge" : "Rename", color.Color_Name, newName));
   if (merge) {
     GiveUpBasic(session, color, newName);
   } else {
@@ -207,6 +209,7 @@ FormulaNames RenameOrMergeBasic(Session& session, const BasicColor& color, const
     return true;
   });
   if (merge) MarkRollUpsStale(session, kAllRollUps);  // formulas now count the surviving colour's figures
+  step.Keep();
   transaction.Commit();
   return withoutSet;
 }
@@ -303,11 +306,13 @@ Result<Renamed> RenameColor(Session& session, std::string_view oldName, std::str
 
   ProgressRun progress(session.progress, "Renaming color ...");
   Transaction transaction(session.File());
+  UndoStep step(session, Act::EditFormulas, fmt::format("Rename {} to {}", mix->Color_Name, name));
   WriteMixName(session, *mix, name);
   RenameMixesEverywhere(session, transaction, {{mix->Color_Name, name}}, [&](double percent) {
     session.progress.Percent(percent);
     return true;
   });
+  step.Keep();
   transaction.Commit();
   return Renamed{true, false, name};
 }

@@ -16,6 +16,7 @@
 #include "core/session/acts.h"
 #include "core/session/rights.h"
 #include "core/session/settings.h"
+#include "core/session/undo_step.h"
 
 namespace vellumark {
 namespace {
@@ -36,9 +37,19 @@ struct Reset {
   RollUpWanted stale;
 };
 
+// "Reseting ...", as its progress is told, in the words of a list.
+std::string ResetText(const Reset& reset) {
+  constexpr std::string_view kDoing = "Reseting", kDots = "...";
+  std::string_view text = reset.progressText;
+  if (text.starts_with(kDoing)) text.remove_prefix(kDoing.size());
+  if (text.ends_with(kDots)) text.remove_suffix(kDots.size());
+  return "Reset" + std::string(text);
+}
+
 void WriteEverywhere(Session& session, const Reset& reset, float value) {
   ProgressRun progress(session.progress, reset.progressText);
   Transaction transaction(session.File());
+  UndoStep step(session, reset.stale.cost ? Act::ResetCosts : Act::ResetEmissions, ResetText(reset));
   const std::string table = session.Table(reset.table);
   Statement update = session.File().Prepare(
       fmt::format("UPDATE {} SET {} = ? WHERE RowKey BETWEEN ? AND ?", Quoted(table), reset.column));
@@ -49,6 +60,7 @@ void WriteEverywhere(Session& session, const Reset& reset, float value) {
   });
   transaction.Note({reset.kind, session.CurrentDatabase, "", Change::What::All, ""});
   MarkRollUpsStale(session, reset.stale);
+  step.Keep();
   transaction.Commit();
 }
 
@@ -131,6 +143,7 @@ Result<void> ResetMixCostsFromBasics(Session& session, std::string_view markup, 
   const std::string table = session.QuotedTable(schema::Mix);
   ProgressRun progress(session.progress, kMixCostProgress);
   Transaction transaction(session.File());
+  UndoStep step(session, Act::ResetCosts, "Reset Master Formula costs from their ingredients");
   Statement rows = session.File().Prepare(
       fmt::format("SELECT RowKey, BasicCost FROM {} WHERE RowKey > ? ORDER BY RowKey LIMIT 1", table));
   Statement update = session.File().Prepare(fmt::format("UPDATE {} SET PurchaseCost = ? WHERE RowKey = ?", table));
@@ -148,6 +161,7 @@ Result<void> ResetMixCostsFromBasics(Session& session, std::string_view markup, 
   }
   transaction.Note({Change::Kind::Mix, session.CurrentDatabase, "", Change::What::All, ""});
   MarkRollUpsStale(session, {.cost = true});
+  step.Keep();
   transaction.Commit();
   return {};
 }
@@ -171,8 +185,12 @@ Result<void> ResetEmissions(Session& session, ColorKind kind, const EmissionRese
     *value = *read;
   }
   Transaction transaction(session.File());
+  UndoStep step(
+      session, Act::ResetEmissions,
+      kind == ColorKind::Mix ? "Reset VOC and HAP of all Master Formulas" : "Reset VOC and HAP of all Basic Colors");
   if (voc) WriteEmission(session, Emission::VOC, kind, *voc);
   if (hap) WriteEmission(session, Emission::HAP, kind, *hap);
+  step.Keep();
   transaction.Commit();
   return {};
 }

@@ -432,6 +432,10 @@ void SqliteDatabase::Execute(std::string_view sql) {
   KeepWaitingRows();
 }
 
+sqlite3* SqliteDatabase::Handle() {
+  return engine_->connection.getHandle();
+}
+
 RowChecks& SqliteDatabase::Rows() {
   return engine_->rows;
 }

@@ -7,6 +7,8 @@
 
 #include "core/datafile/engine.h"
 
+struct sqlite3;
+
 namespace vellumark {
 
 class RowChecks;
@@ -41,6 +43,9 @@ class SqliteDatabase final : public Database {
   /// Nobody but this opening can be, since it holds the file alone.
   bool IsAtWork(std::string_view opening) const override { return opening == Opening(); }
   RowChecks& Rows();
+  sqlite3* Handle();
+  /// Whether a ChangeRecorder listens.
+  bool& Recording() { return recording_; }
   void KeepWaitingRows();
 
  protected:
@@ -60,6 +65,7 @@ class SqliteDatabase final : public Database {
 
   std::unique_ptr<Engine> engine_;
   bool rolledBack_ = false;
+  bool recording_ = false;
 };
 
 }  // namespace vellumark

@@ -191,6 +191,10 @@ void ForEachStockLine(Database& file, StockEvent event, const std::function<bool
   }
 }
 
+std::int64_t LastStockLine(Database& file) {
+  return HasStockHistory(file) ? file.Scalar(fmt::format("SELECT MAX(ID) FROM {}", kTable)).Whole() : 0;
+}
+
 std::optional<StockLine> ReadStockLine(Database& file, std::int64_t id) {
   if (!HasStockHistory(file)) return std::nullopt;
   Statement row = file.Prepare(fmt::format("SELECT ID, {} FROM {} WHERE ID = ?1", kStockLineFields, kTable));

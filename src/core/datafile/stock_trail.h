@@ -73,5 +73,7 @@ class StockTrail {
 void ForEachStockLine(Database& file, StockEvent event, const std::function<bool(StockLine& line)>& take);
 /// The line of that number; nothing when there is none.
 std::optional<StockLine> ReadStockLine(Database& file, std::int64_t id);
+/// The line that was written last; 0 in an empty history, and without one.
+std::int64_t LastStockLine(Database& file);
 
 }  // namespace vellumark

@@ -21,6 +21,7 @@
 #include "core/base/told_steps.h"
 #include "core/inventory/posting.h"
 #include "core/session/acts.h"
+#include "core/session/undo_step.h"
 
 namespace vellumark {
 namespace {
@@ -332,6 +333,7 @@ class Merger {
     for (ReplacedRecipe& one : replaced_) one.row = reader.Read(one.row.key);
     import.replaced = std::move(replaced_);
     report_.import = AddFormulaImport(file_, import);
+    KeepImportForUndo(session_, report_.import, import.source);
   }
 
   Session& session_;

@@ -6,6 +6,7 @@
 #include "core/inventory/lot_copies.h"
 #include "core/inventory/posting.h"
 #include "core/inventory/stock_change.h"
+#include "core/session/undo_step.h"
 
 namespace vellumark {
 namespace {
@@ -182,8 +183,11 @@ class InventorySave {
 
 Result<int> WriteInventory(Session& session, const InventoryWork& work) {
   Transaction transaction(session.File());
+  UndoStep step(session, Act::Work, fmt::format("Adjust inventory of {}", work.name));
   auto leftOut = InventorySave(session, work, transaction).Run();
-  if (leftOut) transaction.Commit();
+  if (!leftOut) return leftOut;
+  step.Keep();
+  transaction.Commit();
   return leftOut;
 }
 

@@ -4,6 +4,7 @@
 
 #include "core/base/number.h"
 #include "core/inventory/adjust.h"
+#include "core/session/undo_step.h"
 
 namespace vellumark {
 namespace {
@@ -49,12 +50,14 @@ Result<void> SaveReorderPoint(Session& session, ColorKind kind, const std::strin
                         "This color will not appear on the Reorder Report because\nit's Reorder Point is less than "
                         "it's current Inventory.");
   Transaction transaction(session.File());
+  UndoStep step(session, Act::Work, fmt::format("Reorder point of {}", name));
   session.File()
       .Prepare(fmt::format("UPDATE {} SET Reorder = ?1 WHERE Color_Name = ?2", session.QuotedTable(ColorTable(kind))))
       .Bind(1, *value)
       .Bind(2, name)
       .Run();
   transaction.Note({ChangeKind(kind), session.CurrentDatabase, name, Change::What::Updated, ""});
+  step.Keep();
   transaction.Commit();
   return {};
 }

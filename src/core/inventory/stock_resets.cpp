@@ -11,6 +11,7 @@
 #include "core/datafile/writer.h"
 #include "core/inventory/lot_copies.h"
 #include "core/inventory/stock_change.h"
+#include "core/session/undo_step.h"
 
 namespace vellumark {
 namespace {
@@ -28,6 +29,7 @@ struct ResetTexts {
   std::string_view what;
   std::string_view basicsField;
   std::string_view mixesField;
+  std::string undo;  ///< what it is called in the list of what can be taken back
 };
 
 struct ReadValues {
@@ -129,8 +131,10 @@ Result<bool> ResetBoth(Session& session, const ResetValues& values, const ResetT
   const auto read = ReadBoth(values, texts);
   if (!read) return std::unexpected(read.error());
   Transaction transaction(session.File());
+  UndoStep step(session, Act::Work, texts.undo);
   if (read->basics && !reset(transaction, ColorKind::Basic, *read->basics)) return false;
   if (read->mixes && !reset(transaction, ColorKind::Mix, *read->mixes)) return false;
+  step.Keep();
   transaction.Commit();
   return true;
 }
@@ -183,6 +187,7 @@ template <class Change>
 void RewriteLots(Session& session, const InventoryWork& work, const std::vector<std::size_t>& rows,
                  const Change& change) {
   Transaction transaction(session.File());
+  UndoStep step(session, Act::Work, fmt::format("Reset lots of {}", work.name));
   for (const std::size_t row : rows) {
     const auto lot = LotOnFile(session, work, work.rows[row]);
     if (!lot) continue;
@@ -190,19 +195,23 @@ void RewriteLots(Session& session, const InventoryWork& work, const std::vector<
     change(now);
     Rewrite(session, work, *lot, now, transaction);
   }
+  step.Keep();
   transaction.Commit();
 }
 
 }  // namespace
 
 Result<bool> ResetInventories(Session& session, const ResetValues& values) {
-  return ResetBoth(session, values, {"Invalid Inventory Amount", "an Inventory amount", "BasicValue", "MixValue"},
+  return ResetBoth(session, values,
+                   {"Invalid Inventory Amount", "an Inventory amount", "BasicValue", "MixValue",
+                    "Reset the inventory of all colors"},
                    [&](Transaction&, ColorKind kind, float value) { return ResetKind(session, kind, value); });
 }
 
 Result<bool> ResetReorderPoints(Session& session, const ResetValues& values) {
   return ResetBoth(session, values,
-                   {"Invalid Reorder Point", "a Reorder Point", "txtBasicsNewValue", "txtMixesNewValue"},
+                   {"Invalid Reorder Point", "a Reorder Point", "txtBasicsNewValue", "txtMixesNewValue",
+                    "Reset the reorder points of all colors"},
                    [&](Transaction& transaction, ColorKind kind, float value) {
                      return ResetReorderKind(session, transaction, kind, value);
                    });
@@ -213,6 +222,7 @@ Result<bool> ResetRowInventories(Session& session, InventoryWork& work, const st
   const auto may = MayRun(session, rows, "Reset Inventory", "Reset Selected Items Inventory to 0 ?");
   if (!may || !*may) return may;
   Transaction transaction(session.File());
+  UndoStep step(session, Act::Work, fmt::format("Reset inventory of {}", work.name));
   for (const std::size_t row : rows) {
     if (row == 0) {
       ZeroUnlotted(session, work);
@@ -220,6 +230,7 @@ Result<bool> ResetRowInventories(Session& session, InventoryWork& work, const st
       DeleteLot(session, work.kind, work.name, work.database, *lot);
     }
   }
+  step.Keep();
   transaction.Commit();
   for (const std::size_t row : rows) {
     if (row == 0) {

@@ -6,10 +6,6 @@
 
 namespace vellumark {
 
-std::int64_t LastStockLine(Database& file) {
-  return file.Scalar(fmt::format("SELECT MAX(ID) FROM {}", kStockHistoryTable)).Whole();
-}
-
 std::string TakesBack(std::int64_t line) {
   return fmt::format(", takes back line {}", line);
 }

@@ -10,9 +10,6 @@ namespace vellumark {
 // Bookings that are taken back by their line of the stock history. The line stays; another one, which moves as much the
 // other way, names it.
 
-/// The line that was written last; 0 in an empty history.
-std::int64_t LastStockLine(Database& file);
-
 /// What the reason of a line that takes another one back ends with.
 std::string TakesBack(std::int64_t line);
 bool WasTakenBack(const Session& session, std::int64_t line);

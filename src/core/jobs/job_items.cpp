@@ -12,6 +12,7 @@
 #include "core/jobs/job_records.h"
 #include "core/jobs/job_stock.h"
 #include "core/session/settings.h"
+#include "core/session/undo_step.h"
 
 namespace vellumark {
 namespace {
@@ -277,8 +278,11 @@ Result<std::vector<JobRecord>> AddJobItems(Session& session, const JobItemEntry&
   if (auto asked = adding.AskForMissing(); !asked) return std::unexpected(asked.error());
   Transaction transaction(session.File());
   if (auto valid = adding.Check(); !valid) return std::unexpected(valid.error());
+  UndoStep step(session, Act::Work, fmt::format("Issue {} to Job {}", entry.Color_Name, entry.JobNumber));
   auto stored = adding.Store();
-  if (stored) transaction.Commit();
+  if (!stored) return stored;
+  step.Keep();
+  transaction.Commit();
   return stored;
 }
 

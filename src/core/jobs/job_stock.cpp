@@ -12,6 +12,7 @@
 #include "core/datafile/stock_trail.h"
 #include "core/inventory/taking_back.h"
 #include "core/jobs/job_records.h"
+#include "core/session/undo_step.h"
 
 namespace vellumark {
 namespace {
@@ -248,12 +249,14 @@ Result<void> SetQtyUsed(Session& session, std::int64_t row, std::string_view typ
   const bool asks = *used > before.most && *used > shown->QtyUsed && !before.lot && !before.ofBatch;
   if (asks && !AskForMore(session)) return Decline("Exceeds UnLotted", "QtyUsed");
   Transaction transaction(session.File());
+  UndoStep step(session, Act::Work, fmt::format("Quantity used of {} on Job {}", shown->Color_Name, shown->JobNumber));
   auto record = RowOf(session, row);
   if (!record) return std::unexpected(record.error());
   // What is used already is there: less of it needs no stock.
   if (*used > record->QtyUsed)
     if (auto fits = CheckCeiling(*record, CeilingOf(session, *record), *used, asks); !fits) return fits;
   if (auto booked = BookUsed(session, *record, {*used}); !booked) return booked;
+  step.Keep();
   transaction.Commit();
   return {};
 }
@@ -321,6 +324,7 @@ Result<void> DeleteJobItem(Session& session, std::int64_t row) {
                   "BatchNo");
   const bool returns = session.prompt.Ask("Ink Inventory", "Return Quantity Used back to inventory?");
   Transaction transaction(session.File());
+  UndoStep step(session, Act::Work, fmt::format("Delete {} of Job {}", shown->Color_Name, shown->JobNumber));
   auto record = RowOf(session, row);
   if (!record) return std::unexpected(record.error());
   if (returns && record->QtyUsed > 0) {
@@ -328,6 +332,7 @@ Result<void> DeleteJobItem(Session& session, std::int64_t row) {
   } else {
     DeleteJobRecord(session, *record);
   }
+  step.Keep();
   transaction.Commit();
   return {};
 }

@@ -6,7 +6,8 @@
 #include "core/base/text.h"
 #include "core/colors/guides.h"
 #include "core/colors/names.h"
-#include "core/inventory/taking_back.h"
+#include "core/datafile/stock_trail.h"
+#include "core/session/undo_step.h"
 
 namespace vellumark {
 namespace {
@@ -181,6 +182,7 @@ Result<std::string> Book(Session& session, ScanRecord& record) {
   const auto color = CheckScannedStock(session, record);
   if (!color) return std::unexpected(color.error());
   Transaction transaction(session.File());
+  UndoStep step(session, Act::Work, fmt::format("Scan {} of {}", Fixed(color->quantity, 3), color->name));
   const PostingResult result = PostStock(session, {.source = PostingSource::ScanReturn,
                                                    .kind = color->kind,
                                                    .name = color->name,
@@ -193,6 +195,7 @@ Result<std::string> Book(Session& session, ScanRecord& record) {
     return Fail(fmt::format("Unable process Inv. for : {} with supporting detail.\n{}", color->name, kUpdate),
                 "txtScanLN");
   record.Line = LastStockLine(session.File());
+  step.Keep();
   transaction.Commit();
   record.CN = color->name;
   record.DB = color->database;

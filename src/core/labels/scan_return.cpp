@@ -9,12 +9,13 @@
 #include "core/base/number.h"
 #include "core/base/text.h"
 #include "core/colors/guides.h"
+#include "core/datafile/stock_trail.h"
 #include "core/inventory/lots.h"
-#include "core/inventory/taking_back.h"
 #include "core/jobs/job_numbers.h"
 #include "core/jobs/job_record.h"
 #include "core/jobs/job_stock.h"
 #include "core/labels/scan_inventory.h"
+#include "core/session/undo_step.h"
 
 namespace vellumark {
 namespace {
@@ -200,10 +201,13 @@ Result<std::string> Return(Session& session, ScanRecord& record) {
   const auto row = CheckScannedReturn(session, record);
   if (!row) return std::unexpected(row.error());
   Transaction transaction(session.File());
+  UndoStep step(session, Act::Work,
+                fmt::format("Scan {} of {} back from Job {}", Fixed(*record.Qty, 3), row->Color_Name, row->JobNumber));
   const auto left =
       ReturnFromJob(session, {.row = row->row, .quantity = *record.Qty, .LotLoc = record.LL, .LotContID = record.LC});
   if (!left) return std::unexpected(left.error());
   record.Line = LastStockLine(session.File());
+  step.Keep();
   transaction.Commit();
   record.CN = row->Color_Name;
   record.DB = row->Database;

@@ -192,6 +192,8 @@ constexpr WayIn kCommands[] = {
     {"label delete", Act::Options},
     {"label print", Act::Look},
     {"label encode", Act::Look},
+    {"undo list", Act::Look},
+    {"undo take", Act::Work},
     {"users list", Act::Look},
     {"users enable", Act::Work},
     {"users disable", Act::Users},
@@ -213,6 +215,8 @@ constexpr WayIn kWindows[] = {
     {"ResetMixCostForm", Act::ResetCosts},
     {"ResetBasic_VOC_HAP_Form", Act::ResetEmissions},
     {"ResetMixColor_VOC_HAP", Act::ResetEmissions},
+    // Taking back asks for the right of what was done.
+    {"UndoForm", Act::Look},
     // Formulas out and in.
     {"DBExport_Formulas", Act::ExportFormulas},
     {"ExportImportFileExamples", Act::Look},

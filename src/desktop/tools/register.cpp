@@ -7,11 +7,12 @@
 #include "desktop/tools/rename_colors.h"
 #include "desktop/tools/reset_forms.h"
 #include "desktop/tools/tools_menu.h"
+#include "desktop/tools/undo_form.h"
 
 namespace vellumark::desktop {
 
 void RegisterToolsWindows(WindowList& windows) {
-  windows.RegisterAll<DBToolsMenu, DBAdditiveControl, DBFormulaModifierForm, DBRenameColors, DBDelColors,
+  windows.RegisterAll<UndoForm, DBToolsMenu, DBAdditiveControl, DBFormulaModifierForm, DBRenameColors, DBDelColors,
                       NewAdditiveNameForm, ResetBasicCostForm, ResetMixCostForm, ResetBasic_VOC_HAP_Form,
                       ResetMixColor_VOC_HAP>();
 }
