@@ -7,9 +7,11 @@ namespace {
 
 Result<void> SaveSwatch(Session& session, ColorKind kind, const std::string& name, const ColorAttachments& typed) {
   SwatchChange swatch;
-  const auto read = [](std::string_view field, const std::string& text, std::optional<int>& part) -> Result<void> {
-    if (text.empty()) return {};
-    const auto value = ReadSwatchPart(field, text);
+  swatch.clears = typed.Red == "" && typed.Green == "" && typed.Blue == "";
+  const auto read = [&](std::string_view field, const std::optional<std::string>& text,
+                        std::optional<int>& part) -> Result<void> {
+    if (!text || swatch.clears) return {};
+    const auto value = ReadSwatchPart(field, text->empty() ? "0" : *text);
     if (!value) return std::unexpected(value.error());
     part = *value;
     return {};

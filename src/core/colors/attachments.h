@@ -12,9 +12,9 @@ namespace vellumark {
 /// What the window of a colour holds beside its record; what is not given stays as it is on file.
 struct ColorAttachments {
   std::optional<std::vector<LabReading>> measurements;  ///< the whole list
-  std::string Red;                                      ///< a part of the swatch as typed; empty: as it is
-  std::string Green;
-  std::string Blue;
+  std::optional<std::string> Red;                       ///< a part of the swatch as typed; all blank: none any more
+  std::optional<std::string> Green;
+  std::optional<std::string> Blue;
 };
 
 /// Saves the record and what else belongs to the colour, in one transaction.

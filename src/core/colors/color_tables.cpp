@@ -3,6 +3,12 @@
 #include "core/session/rights.h"
 
 namespace vellumark {
+RowTarget ColorTarget(const Session& session, ColorKind kind, std::string_view name, const std::string& database) {
+  return {.kind = kind == ColorKind::Mix ? RowTarget::Kind::Mix : RowTarget::Kind::Basic,
+          .database = database.empty() ? session.CurrentDatabase : database,
+          .name = std::string(name)};
+}
+
 TableOf<BasicColor> BasicColumns(const Session& session) {
   TableOf<BasicColor> table;
   BasicFields().AddColumns(table, SeenBy(session));

@@ -12,6 +12,9 @@ namespace vellumark {
 // The fields of colours and Additive Sets as people and programs see them, and the lists of all of them in the order of
 // their names. The session must outlive what is made here.
 
+/// What a row about a colour leads to; `database` empty means the current one.
+RowTarget ColorTarget(const Session& session, ColorKind kind, std::string_view name, const std::string& database = {});
+
 TableOf<BasicColor> BasicColumns(const Session& session);
 TableOf<MixColor> MixColumns(const Session& session);
 TableOf<AdditiveSet> AdditiveSetColumns(const Session& session);

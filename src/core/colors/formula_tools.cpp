@@ -40,18 +40,6 @@ std::vector<ListedColor> ListColors(const Session& session, ColorKind kind, std:
   return colors;
 }
 
-std::optional<std::array<int, 3>> ReadSwatch(const Session& session, ColorKind kind, std::int64_t key,
-                                             std::string_view database) {
-  Statement row = session.File().Prepare(fmt::format("SELECT Color_Guide, Red, Green, Blue FROM {} WHERE RowKey = ?",
-                                                     session.QuotedTable(ColorTable(kind), database)));
-  row.Bind(1, key);
-  if (!row.Step()) return std::nullopt;
-  const std::array<int, 3> parts{static_cast<int>(row.Whole(1)), static_cast<int>(row.Whole(2)),
-                                 static_cast<int>(row.Whole(3))};
-  if (row.TextView(0).empty() && parts == std::array<int, 3>{}) return std::nullopt;
-  return parts;
-}
-
 const AdditiveSet* AdditiveSetsOnFile::Find(const std::string& name) {
   if (name.empty()) return nullptr;
   const auto [known, isNew] = sets_.try_emplace(Upper(name));

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <array>
 #include <cstdint>
 #include <map>
 #include <optional>
@@ -37,11 +36,6 @@ struct ListedColor {
 /// All colours of a kind in the order of their names, read from the index of names alone. `database` empty means the
 /// current one.
 std::vector<ListedColor> ListColors(const Session& session, ColorKind kind, std::string_view database = {});
-
-/// Red, green and blue of a colour in such a list, for the rows that are on screen. Nothing for a colour that has
-/// neither a guide nor a swatch set by hand.
-std::optional<std::array<int, 3>> ReadSwatch(const Session& session, ColorKind kind, std::int64_t key,
-                                             std::string_view database = {});
 
 /// The Additive Sets by name, each read once: most formulas of a Database share a few.
 class AdditiveSetsOnFile {

@@ -12,7 +12,7 @@ IngredientFigures ReadIngredientFigures(const Session& session, std::string_view
   if (TrimView(name).empty()) return {};
   const auto basic = ReadBasic(session, TrimView(name));
   if (!basic) return {};
-  return {basic->PurchaseCost, basic->VOC, basic->HAP, basic->book.Red, basic->book.Green, basic->book.Blue};
+  return {basic->PurchaseCost, basic->VOC, basic->HAP, InkOf(basic->book)};
 }
 
 GridFigures ReadGridFigures(const Session& session, const FormulaWork& work) {
@@ -30,6 +30,7 @@ LiveTotals ComputeLiveTotals(const Session& session, const FormulaWork& work, co
   double rest = 100;
   for (const GridFigures::SetLine& line : figures.set) rest -= line.percent;
   IngredientFigures sum;
+  std::vector<InkPart> inks;
   const auto add = [&](double share, const IngredientFigures& of) {
     sum.Cost = static_cast<float>(sum.Cost + share * of.Cost / 100);
     sum.VOC = static_cast<float>(sum.VOC + share * of.VOC / 100);
@@ -39,14 +40,16 @@ LiveTotals ComputeLiveTotals(const Session& session, const FormulaWork& work, co
     const auto typed = ParseNumber(work.grid[row].BQ);
     if (TrimView(work.grid[row].BC).empty() || !typed || std::fabs(*typed) > 1e9) continue;
     add(RoundTo(*typed, 3) / parts * rest, figures.lines[row]);
+    inks.push_back({figures.lines[row].ink, *typed});
   }
   if (parts > 0)
     for (const GridFigures::SetLine& line : figures.set) add(line.percent, line.figures);
-  return {Fixed(sum.Cost, session.DecimalPlaces), Fixed(sum.VOC, 3), Fixed(sum.HAP, 3)};
+  return {Fixed(sum.Cost, session.DecimalPlaces), Fixed(sum.VOC, 3), Fixed(sum.HAP, 3), EstimateInk(inks)};
 }
 
 LiveTotals StoredTotals(const Session& session, const MixColor& mix) {
-  return {Fixed(mix.BasicCost, session.DecimalPlaces), Fixed(mix.BasicVOC, 3), Fixed(mix.BasicHAP, 3)};
+  return {Fixed(mix.BasicCost, session.DecimalPlaces), Fixed(mix.BasicVOC, 3), Fixed(mix.BasicHAP, 3),
+          EstimateInk(session, mix.Ingredients())};
 }
 
 }  // namespace vellumark

@@ -1,11 +1,13 @@
 #pragma once
 
 #include <array>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "core/colors/formula_work.h"
+#include "core/colors/ink.h"
 
 namespace vellumark {
 
@@ -14,11 +16,7 @@ struct IngredientFigures {
   float Cost = 0;
   float VOC = 0;
   float HAP = 0;
-  int Red = 0;
-  int Green = 0;
-  int Blue = 0;
-  /// An ink of which nothing is known but zeros has no swatch.
-  bool HasSwatch() const { return Red != 0 || Green != 0 || Blue != 0; }
+  std::optional<Ink> ink{};
 };
 /// Those of the lines of a grid and of the Additive Set beside it, kept with a formula on screen so that its totals
 /// follow every key.
@@ -41,6 +39,7 @@ struct LiveTotals {
   std::string BasicCost;
   std::string VOCBasics;
   std::string HAPBasics;
+  std::optional<Ink> ink{};  ///< what the recipe looks like
 };
 /// The grid shares what the set leaves of 100, as it will when it is saved.
 LiveTotals ComputeLiveTotals(const Session& session, const FormulaWork& work, const GridFigures& figures);

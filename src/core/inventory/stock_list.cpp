@@ -47,19 +47,13 @@ std::vector<LowStock> ColorsBelowReorder(const Session& session) {
   for (const ColorKind kind : {ColorKind::Basic, ColorKind::Mix}) {
     // Which rows may be meant is told by the index of just these two figures: the rows are wide, and most are not. Lots
     // only add to what stands in the row.
-    Statement colors = session.File().Prepare(fmt::format(
-        "SELECT Color_Name, Reorder, Red, Green, Blue FROM {0} WHERE RowKey IN (SELECT RowKey FROM {0} WHERE "
-        "(Reorder > 0 OR Inventory < 0) AND COALESCE(Inventory, 0) < COALESCE(Reorder, 0) + 0.001)",
-        session.QuotedTable(ColorTable(kind))));
+    Statement colors = session.File().Prepare(
+        fmt::format("SELECT Color_Name, Reorder FROM {0} WHERE RowKey IN (SELECT RowKey FROM {0} WHERE "
+                    "(Reorder > 0 OR Inventory < 0) AND COALESCE(Inventory, 0) < COALESCE(Reorder, 0) + 0.001)",
+                    session.QuotedTable(ColorTable(kind))));
     const auto first = static_cast<std::ptrdiff_t>(low.size());
     while (colors.Step()) {
-      LowStock one{kind,
-                   colors.Text(0),
-                   0,
-                   colors.Single(1),
-                   static_cast<int>(colors.Whole(2)),
-                   static_cast<int>(colors.Whole(3)),
-                   static_cast<int>(colors.Whole(4))};
+      LowStock one{kind, colors.Text(0), 0, colors.Single(1)};
       one.total = TotalStock(session, kind, one.Color_Name);
       if (one.total < one.Reorder) low.push_back(std::move(one));
     }

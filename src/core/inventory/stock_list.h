@@ -33,9 +33,6 @@ struct LowStock {
   std::string Color_Name;
   float total = 0;
   float Reorder = 0;
-  int Red = 0;
-  int Green = 0;
-  int Blue = 0;
 };
 
 /// Those of the current Database by name, Basic Colors first. Without a reorder point a colour is among them only when

@@ -171,6 +171,32 @@ TableOf<StockLine> HistoryColumns(const Session& session) {
       .Show({"Date", "User", "Source", "Color Name", "Lot Number", "Change", "Result", "Document", "Reason"});
 }
 
+std::vector<RowTarget> TargetsOf(const StockLine& line) {
+  std::vector<RowTarget> targets;
+  switch (line.event) {
+    case StockEvent::BatchTakes:
+    case StockEvent::BatchTakesAgain:
+    case StockEvent::BatchReturns:
+    case StockEvent::BatchMakes:
+    case StockEvent::BatchUnmakes:
+    case StockEvent::BatchRestores:
+      if (const auto number = ParseNumber(line.document); number && *number > 0)
+        targets.push_back(
+            {.kind = RowTarget::Kind::Batch, .database = line.database, .BatchNo = static_cast<std::int32_t>(*number)});
+      break;
+    case StockEvent::JobRecord:
+      if (!line.document.empty()) targets.push_back({.kind = RowTarget::Kind::Job, .name = line.document});
+      break;
+    default:
+      break;
+  }
+  if (!line.Color_Name.empty())
+    targets.push_back({.kind = line.kind == ColorKind::Mix ? RowTarget::Kind::Mix : RowTarget::Kind::Basic,
+                       .database = line.database,
+                       .name = line.Color_Name});
+  return targets;
+}
+
 ListTable ListHistory(const Session& session, const StockHistoryFilter& filter) {
   using Line = StockLine;
   return HistoryColumns(session).Of([&session, filter](const std::function<bool(const Line&)>& take) {

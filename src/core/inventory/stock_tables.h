@@ -28,6 +28,8 @@ ListTable ListStockLines(const Session& session, const std::optional<std::string
 TableOf<LowStock> LowStockColumns(const Session& session);
 ListTable ListLowStock(const Session& session);
 TableOf<StockLine> HistoryColumns(const Session& session);
+/// What a line of the history leads to: the Batch or the Job that moved the stock, and its colour.
+std::vector<RowTarget> TargetsOf(const StockLine& line);
 /// In the order of writing.
 ListTable ListHistory(const Session& session, const StockHistoryFilter& filter);
 

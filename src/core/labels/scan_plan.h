@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "core/batch/ink.h"
+#include "core/colors/ink.h"
 #include "core/labels/scan_records.h"
 #include "core/session/session.h"
 

@@ -30,7 +30,7 @@ std::string ColorQuery(const Session& session, ColorKind kind) {
                                              session.QuotedTable(mix ? schema::MixLotInv : schema::BasicLotInv))
                                : "0";
   return fmt::format(
-      "SELECT RowKey, Color_Name, Color_Code, Inventory, {}, Reorder, {}, {}, Red, Green, Blue, {}, {} FROM {} AS "
+      "SELECT RowKey, Color_Name, Color_Code, Inventory, {}, Reorder, {}, {}, {}, {} FROM {} AS "
       "colors "
       "WHERE Color_Name > ?1 ORDER BY Color_Name LIMIT {}",
       lots, mix ? "BasicCost" : "PurchaseCost", mix ? "LastProduced" : "LastConsumed", mix ? "0" : "Additive",
@@ -38,20 +38,16 @@ std::string ColorQuery(const Session& session, ColorKind kind) {
 }
 
 BrowsedColor ReadColor(const Statement& row, ColorKind kind) {
-  const auto part = [&row](int column) { return static_cast<int>(row.Whole(column)); };
   return {.key = row.Whole(0),
           .Color_Name = row.Text(1),
           .Color_Code = row.Text(2),
           .kind = kind,
-          .Additive = row.Bool(11),
+          .Additive = row.Bool(8),
           .total = RoundSingle(row.Single(3) + row.Single(4), 3),
           .Reorder = row.Single(5),
           .cost = row.Single(6),
           .last = row.Date(7),
-          .Red = part(8),
-          .Green = part(9),
-          .Blue = part(10),
-          .AddSetName = row.Text(12)};
+          .AddSetName = row.Text(9)};
 }
 
 }  // namespace

@@ -31,7 +31,6 @@ struct BrowsedColor {
   float Reorder = 0;
   float cost = 0;                    ///< of a formula that of its ingredients
   std::optional<DateTime> last;      ///< when it was last consumed, or last produced
-  int Red = 0, Green = 0, Blue = 0;  ///< all zero: no swatch
   std::string AddSetName;            ///< of a formula
 
   bool IsLow() const { return total < Reorder; }

@@ -39,6 +39,9 @@ using Test = bool (*)(const State&);
 bool Always(const State&) {
   return true;
 }
+bool Never(const State&) {
+  return false;
+}
 bool NotArchive(const State& s) {
   return s.notArchive;
 }
@@ -157,6 +160,15 @@ const Entry kEntries[] = {
     {"menuScale_Setup", "menuScale", "Setup"},
     {"menuScale_PowerOn", "menuScale", "Power On", [](const State& s) { return s.session.ScalePowered != 1; }},
     {"menuScale_PowerOff", "menuScale", "Power Off", [](const State& s) { return s.session.ScalePowered == 1; }},
+
+    // It stands in no bar. What of it can be used only the window knows that has the focus.
+    {"menuHiddenMenu", "", "Edit", Always, Never},
+    {"menuSaveRecord", "menuHiddenMenu", "Save"},
+    {"menuDeleteRecord", "menuHiddenMenu", "Delete"},
+    {"menuPrintRecord", "menuHiddenMenu", "Print"},
+    {"MenuEditCut", "menuHiddenMenu", "Cut"},
+    {"MenuEditCopy", "menuHiddenMenu", "Copy"},
+    {"MenuEditPaste", "menuHiddenMenu", "Paste"},
 };
 
 std::string UsersCaption(const Session& session) {

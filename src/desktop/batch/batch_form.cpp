@@ -11,6 +11,7 @@
 #include "core/base/text.h"
 #include "core/batch/bench.h"
 #include "core/batch/jobs.h"
+#include "core/colors/names.h"
 #include "core/session/settings.h"
 #include "desktop/batch/batch_form_took.h"
 #include "desktop/batch/figures_panel.h"
@@ -18,6 +19,7 @@
 #include "desktop/batch/notes_panel.h"
 #include "desktop/batch/recycle_panel.h"
 #include "desktop/batch/rows_panel.h"
+#include "desktop/kit/other_databases.h"
 #include "desktop/kit/print_label.h"
 #include "desktop/kit/print_sheet.h"
 #include "desktop/kit/text.h"
@@ -201,6 +203,11 @@ bool BatchForm::EnterName() {
     return true;
   }
   const Result<void> entered = EnterBatchColor(session, record_, typed);
+  const std::string name = ReadName(session, typed);
+  if (!entered && OfferOtherDatabases(windows, name, {ColorKind::Mix}, "BatchForm", {{"Color_Name", name}})) {
+    name_->SetText(record_.work.Color_Name);
+    return false;
+  }
   if (!Took(entered)) return false;
   Show();
   return true;

@@ -5,6 +5,7 @@
 #include "core/base/text.h"
 #include "core/base/units.h"
 #include "core/batch/bench.h"
+#include "core/batch/oldest_lots.h"
 #include "core/inventory/lot_selection.h"
 #include "desktop/batch/batch_form.h"
 #include "desktop/batch/batch_form_took.h"
@@ -116,7 +117,8 @@ void BatchForm::LotsClicked(int row) {
                                                                   {"Selection", RowLots(record_, place)},
                                                                   {"Withheld", WithheldFrom(session, record_, place)}});
   if (!answered) return;
-  const Result<void> chosen = SetRowLots(session, record_, place, answered->Get<LotSelection>("Selection"));
+  Result<void> chosen = SetRowLots(session, record_, place, answered->Get<LotSelection>("Selection"));
+  if (chosen && answered->Has("OldestFirst")) chosen = TakeOldestLots(session, record_);
   Show();
   if (!Took(chosen)) return;
   FocusNextLot(place);

@@ -8,10 +8,10 @@
 
 #include "core/base/number.h"
 #include "core/base/units.h"
-#include "core/batch/ink.h"
-#include "desktop/batch/ink_patch.h"
+#include "core/colors/ink.h"
 #include "desktop/batch/pour_view.h"
 #include "desktop/kit/look.h"
+#include "desktop/kit/swatch_view.h"
 #include "desktop/kit/text.h"
 
 namespace vellumark::desktop {
@@ -48,7 +48,7 @@ void BatchScaleWeighForm::Build() {
   grid->setHorizontalSpacing(space::kUnit);
   QLabel* title = form.Label("lblTitle", tr(" Weigh Ingredient"));
   title->setProperty("role", "label");
-  ink_ = new InkPatch("imgInk", kPatch);
+  ink_ = new SwatchView("imgInk", {kPatch, kPatch}, SwatchView::Unknown::Empty);
   kind_ = form.Hint({}, "lblKind");
   ingredient_ = form.Value("lblIngredient", 2);
   left_ = form.Hint({}, "lblLeft");

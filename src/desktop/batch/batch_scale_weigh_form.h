@@ -12,7 +12,7 @@
 
 namespace vellumark::desktop {
 
-class InkPatch;
+class SwatchView;
 class PourBar;
 class PourReading;
 
@@ -71,7 +71,7 @@ class BatchScaleWeighForm : public Window {
   QTimer look_;
 
   QLabel* left_;
-  InkPatch* ink_;
+  SwatchView* ink_;
   QLabel* kind_;
   ValueField* ingredient_;
   PourReading* reading_;

@@ -1,7 +1,9 @@
 #include "desktop/batch/recent_batches_form.h"
 
-#include "desktop/batch/ink_patch.h"
+#include "core/colors/color_tables.h"
 #include "desktop/kit/record_source.h"
+#include "desktop/kit/row_menu.h"
+#include "desktop/kit/swatch_view.h"
 #include "desktop/kit/text.h"
 
 namespace vellumark::desktop {
@@ -13,14 +15,19 @@ constexpr int kColorName = 1;
 
 }  // namespace
 
-class RecentBatchesForm::Source : public RecordRows<BatchListRow> {
+class RecentBatchesForm::Source : public RecordRows<BatchListRow>, public RowTargets {
  public:
   explicit Source(const Session& session)
       : RecordRows(BatchColumns(), {"Batch", "Color Name", "Made", "Unit", "Date Entered", "Job Number"}),
         session_(session) {}
 
+  std::vector<RowTarget> Targets(int row) const override {
+    return {{.kind = RowTarget::Kind::Batch, .database = session_.CurrentDatabase, .BatchNo = At(row).BatchNo},
+            ColorTarget(session_, ColorKind::Mix, At(row).Color_Name)};
+  }
   std::optional<QColor> Swatch(int row, int column) const override {
-    return column == kColorName ? InkColor(session_, ColorKind::Mix, At(row).Color_Name) : std::nullopt;
+    if (column != kColorName) return std::nullopt;
+    return ColorOf(InkOf(session_, ColorKind::Mix, At(row).Color_Name));
   }
 
  private:

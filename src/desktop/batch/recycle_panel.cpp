@@ -11,9 +11,11 @@
 #include <array>
 #include <utility>
 
-#include "desktop/batch/ink_patch.h"
+#include "core/colors/color_tables.h"
 #include "desktop/kit/look.h"
 #include "desktop/kit/record_source.h"
+#include "desktop/kit/row_menu.h"
+#include "desktop/kit/swatch_view.h"
 #include "desktop/kit/text.h"
 
 namespace vellumark::desktop {
@@ -24,7 +26,7 @@ constexpr std::array<RecycleColumn, 3> kColumns{RecycleColumn::Name, RecycleColu
 }  // namespace
 
 /// The rows as the core gives them; the ink of a colour is read when its row is first painted.
-class RecyclePanel::Source : public RecordSource<RecycleListRow> {
+class RecyclePanel::Source : public RecordSource<RecycleListRow>, public RowTargets {
  public:
   explicit Source(const Session& session) : RecordSource(RecycleListColumns({}, 1)), session_(session) {}
 
@@ -35,10 +37,13 @@ class RecyclePanel::Source : public RecordSource<RecycleListRow> {
   const RecycleListRow& At(int row) const override { return rows_.at(static_cast<std::size_t>(row)); }
 
   int Rows() const override { return static_cast<int>(rows_.size()); }
+  std::vector<RowTarget> Targets(int row) const override {
+    return {ColorTarget(session_, ColorKind::Mix, At(row).Color_Name)};
+  }
   std::optional<QColor> Swatch(int row, int column) const override {
     if (column != 0) return std::nullopt;
     auto& [known, ink] = inks_.at(static_cast<std::size_t>(row));
-    if (!std::exchange(known, true)) ink = InkColor(session_, ColorKind::Mix, At(row).Color_Name);
+    if (!std::exchange(known, true)) ink = ColorOf(InkOf(session_, ColorKind::Mix, At(row).Color_Name));
     return ink;
   }
   const char* Mark(int row, int column) const override {

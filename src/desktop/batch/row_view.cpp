@@ -7,10 +7,10 @@
 
 #include "core/batch/rows.h"
 #include "desktop/batch/cell_button.h"
-#include "desktop/batch/ink_patch.h"
 #include "desktop/batch/row_columns.h"
 #include "desktop/kit/icons.h"
 #include "desktop/kit/look.h"
+#include "desktop/kit/swatch_view.h"
 #include "desktop/kit/text.h"
 
 namespace vellumark::desktop {
@@ -50,7 +50,7 @@ RowView::RowView(int slot) {
   kind_->setObjectName(named("lblKind"));
   kind_->setProperty("role", "label");
   kind_->setMinimumWidth(kind_->fontMetrics().horizontalAdvance(tr("Addition")) + space::kTight);
-  ink_ = new InkPatch(named("imgInk"), 20);
+  ink_ = new SwatchView(named("imgInk"), {20, 20}, SwatchView::Unknown::Empty);
   name_ = new CellButton(named("lblName"), 1, Qt::AlignLeft);
   low_ = new CellButton(named("ImgInvLow"), 1, Qt::AlignRight);
   low_->setText(tr("Low"));

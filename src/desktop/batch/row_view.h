@@ -3,8 +3,8 @@
 #include <QWidget>
 #include <vector>
 
-#include "core/batch/ink.h"
 #include "core/batch/record.h"
+#include "core/colors/ink.h"
 
 class QLabel;
 
@@ -12,7 +12,7 @@ namespace vellumark::desktop {
 
 class CellButton;
 class IconView;
-class InkPatch;
+class SwatchView;
 
 /// One of the row slots of the Batch: its kind by shape and word, the ink and the name of its colour, the marks, the
 /// amount and its unit. The controls bear the slot's number: lblName0, lblAmount0, lblLot0, lblMoreUsable0, ImgInvLow0.
@@ -42,7 +42,7 @@ class RowView : public QWidget {
  private:
   IconView* kindIcon_;
   QLabel* kind_;
-  InkPatch* ink_;
+  SwatchView* ink_;
   CellButton* name_;
   CellButton* low_;
   CellButton* lot_;

@@ -15,10 +15,10 @@
 #include "core/batch/rows.h"
 #include "core/colors/guides.h"
 #include "desktop/batch/cell_button.h"
-#include "desktop/batch/ink_patch.h"
 #include "desktop/batch/row_columns.h"
 #include "desktop/kit/icons.h"
 #include "desktop/kit/look.h"
+#include "desktop/kit/swatch_view.h"
 #include "desktop/kit/text.h"
 
 namespace vellumark::desktop {
@@ -98,7 +98,7 @@ QWidget* RowsPanel::BuildTitle(Form& form) {
   auto* across = new QHBoxLayout(line);
   across->setContentsMargins(0, 0, 0, 0);
   across->setSpacing(space::kUnit);
-  ink_ = new InkPatch("imgSwatch", 32);
+  ink_ = new SwatchView("imgSwatch", {32, 32}, SwatchView::Unknown::Empty);
   title_ = form.Label("lblColorTitle");
   title_->setFont(Look::Heading());
   title_->setProperty("role", "heading");

@@ -56,7 +56,7 @@ class RowsPanel : public QWidget {
   QString QuickInfoText(const BatchWork& work, std::size_t row, const BatchOptions& options) const;
 
   Session& session_;
-  InkPatch* ink_;
+  SwatchView* ink_;
   QLabel* title_;
   QLabel* guide_;
   CommandButton* modified_;

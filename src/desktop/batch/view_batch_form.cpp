@@ -4,23 +4,25 @@
 
 #include "core/base/text.h"
 #include "core/base/units.h"
-#include "core/batch/leave.h"
 #include "core/batch/cost.h"
 #include "core/batch/cost_model.h"
-#include "core/batch/ink.h"
+#include "core/batch/leave.h"
 #include "core/batch/more_data.h"
 #include "core/batch/open.h"
 #include "core/batch/rows.h"
 #include "core/batch/ticket.h"
+#include "core/colors/color_tables.h"
 #include "core/colors/guide_formulas.h"
+#include "core/colors/ink.h"
 #include "core/labels/batch_containers.h"
 #include "core/session/rights.h"
-#include "desktop/batch/ink_patch.h"
 #include "desktop/kit/icons.h"
 #include "desktop/kit/print_label.h"
 #include "desktop/kit/print_sheet.h"
 #include "desktop/kit/record_fields.h"
 #include "desktop/kit/record_source.h"
+#include "desktop/kit/row_menu.h"
+#include "desktop/kit/swatch_view.h"
 #include "desktop/kit/text.h"
 
 namespace vellumark::desktop {
@@ -62,8 +64,8 @@ ViewBatchForm::ViewBatchForm(WindowList& windowList) : Window(windowList, "ViewB
 void ViewBatchForm::BuildHead(Form& form) {
   form.Row(tr("Batch ID #"), {number_ = form.Value("lblBatchNo"), complete_ = form.Hint(tr("Complete"), "lblComplete"),
                               entered_ = form.Hint({}, "lblDateEntered")});
-  form.Row(tr("Color Name"), {ink_ = new InkPatch("imgSwatch", kInkSize), color_ = form.Value("lblColorName"),
-                              code_ = form.Hint({}, "lblColorCode"),
+  form.Row(tr("Color Name"), {ink_ = new SwatchView("imgSwatch", {kInkSize, kInkSize}, SwatchView::Unknown::Empty),
+                              color_ = form.Value("lblColorName"), code_ = form.Hint({}, "lblColorCode"),
                               modified_ = form.Label("lblModifiedFormula", tr("MODIFIED FORMULA"))});
 }
 
@@ -159,13 +161,13 @@ void ViewBatchForm::ShowRecipe() {
   quantity_->SetText(work.QuantityText + " " + unit);
   total_->SetText(Fixed(work.ShownTotal, 3) + " " + unit);
   recycled_->SetText(PercentRecycledText(work));
-  auto source = std::make_shared<TableSource>();
+  auto source = std::make_shared<LeadingTable>();
   for (const BatchRow& row : work.Rows) {
     TableSource::Cell kind{std::string(LineKindName(row.kind))};
     kind.mark = MarkOf(row.kind);
     TableSource::Cell name(row.name);
-    name.swatch = InkColor(session, ColorKindOf(row.kind), row.name);
-    source->Add({kind, name, Fixed(row.amount, 3), unit});
+    name.swatch = ColorOf(InkOf(session, ColorKindOf(row.kind), row.name));
+    source->Add({kind, name, Fixed(row.amount, 3), unit}, {ColorTarget(session, ColorKindOf(row.kind), row.name)});
   }
   rows_->SetSource(source);
   rows_->SetTotals({"", U8(tr("Total")), Fixed(work.ShownTotal, 3), unit});
@@ -180,8 +182,9 @@ void ViewBatchForm::ShowLotsAndJobs() {
   lots->rows = ReadBatchLots(session, record_->BatchNo);
   lots_->SetColumns(lots->Columns());
   lots_->SetSource(lots);
-  auto jobs = std::make_shared<TableSource>();
-  for (const BatchJobLine& job : record_->jobs) jobs->Add({job.JobNumber, Fixed(job.QtyUsed, 3), unit});
+  auto jobs = std::make_shared<LeadingTable>();
+  for (const BatchJobLine& job : record_->jobs)
+    jobs->Add({job.JobNumber, Fixed(job.QtyUsed, 3), unit}, {{.kind = RowTarget::Kind::Job, .name = job.JobNumber}});
   jobs_->SetSource(jobs);
   returned_->SetText(record_->ReturnedText() + " " + unit);
   const BatchFields& fields = record_->fields;

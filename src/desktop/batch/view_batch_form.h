@@ -7,7 +7,7 @@
 
 namespace vellumark::desktop {
 
-class InkPatch;
+class SwatchView;
 
 /// A stored Batch to be read: its recipe, lots, jobs, figures and notes. Its ingredients stay where they are. Opened
 /// with {"BatchNo", number}, also for another Batch while it is open.
@@ -44,7 +44,7 @@ class ViewBatchForm : public Window {
   bool isGuideModified_ = false;
 
   ValueField* number_ = nullptr;
-  InkPatch* ink_ = nullptr;
+  SwatchView* ink_ = nullptr;
   ValueField* color_ = nullptr;
   QLabel* code_ = nullptr;
   QLabel* modified_ = nullptr;

@@ -176,9 +176,9 @@ void IngredientsPanel::LineChanged(std::size_t row) {
 
 void IngredientsPanel::ShowInk() {
   for (std::size_t row = 0; row < lines_.size(); ++row) {
-    const IngredientFigures& ink = figures_.lines[row];
-    lines_[row].ink->setVisible(ink.HasSwatch());
-    lines_[row].ink->Show(QColor(ink.Red, ink.Green, ink.Blue));
+    const std::optional<Ink>& ink = figures_.lines[row].ink;
+    lines_[row].ink->setVisible(ink.has_value());
+    lines_[row].ink->Show(ink);
   }
 }
 

@@ -61,6 +61,7 @@ void MixDetailsPanel::ShowTotals(const LiveTotals& totals) {
   show(*basicCost_, totals.BasicCost);
   show(*basicVOC_, totals.VOCBasics);
   show(*basicHAP_, totals.HAPBasics);
+  swatch_->Estimate(totals.ink);
 }
 
 }  // namespace vellumark::desktop

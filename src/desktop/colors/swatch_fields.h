@@ -19,15 +19,21 @@ class SwatchFields : public QObject {
 
   void Show(const BookData& book, bool keepTyped);
   void Clear();
+  /// What is shown while the colour has no swatch of its own.
+  void Estimate(const std::optional<Ink>& ink);
   /// What was typed.
   void Take(ColorAttachments& attachments) const;
 
  private:
+  std::optional<Ink> Typed() const;
   void ShowInk();
+  void Pick();
 
   SwatchView& ink_;
   std::string guide_;
+  std::optional<Ink> estimate_;
   std::array<NumberField*, 3> parts_{};
+  CommandButton* pick_ = nullptr;
 };
 
 }  // namespace vellumark::desktop

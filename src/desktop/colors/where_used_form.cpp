@@ -1,6 +1,7 @@
 #include "desktop/colors/where_used_form.h"
 
 #include "core/colors/where_used.h"
+#include "desktop/kit/row_menu.h"
 #include "desktop/kit/text.h"
 
 namespace vellumark::desktop {
@@ -22,13 +23,17 @@ void WhereUsedForm::OnOpen(const Arguments& arguments) {
   const ColorUses uses = FindUses(session, arguments.Get<ColorKind>("Kind"), name);
   text_->setText(
       tr("Uses of %1: %2").arg(Q(name)).arg(uses.formulas.size() + uses.additiveSets.size() + uses.designs.size()));
-  auto source = std::make_shared<TableSource>();
-  const auto add = [&](const QString& kind, const std::vector<std::string>& names) {
-    for (const std::string& user : names) source->Add({U8(kind), user});
+  auto source = std::make_shared<LeadingTable>();
+  const auto add = [&](const QString& kind, const std::vector<std::string>& names, RowTarget::Kind leads) {
+    for (const std::string& user : names)
+      source->Add({U8(kind), user},
+                  leads == RowTarget::Kind::None
+                      ? std::vector<RowTarget>{}
+                      : std::vector<RowTarget>{{.kind = leads, .database = session.CurrentDatabase, .name = user}});
   };
-  add(tr("Master Formula"), uses.formulas);
-  add(tr("Additive Set"), uses.additiveSets);
-  add(tr("Job Design"), uses.designs);
+  add(tr("Master Formula"), uses.formulas, RowTarget::Kind::Mix);
+  add(tr("Additive Set"), uses.additiveSets, RowTarget::Kind::None);
+  add(tr("Job Design"), uses.designs, RowTarget::Kind::Design);
   uses_->SetSource(source);
 }
 

@@ -37,10 +37,10 @@ AdjustEntry::AdjustEntry(FormHost& host, Form form, QWidget& page, std::function
   rows->addWidget(second);
   BuildFields(form, *first, *second);
   update_ = form.Button("cmdUpdate", tr("&Update list"), Qt::Key_F5, std::move(update));
-  clear_ = form.Button("cmdClear", tr("C&lear fields"), QKeySequence(Qt::SHIFT | Qt::Key_F5), std::move(clear));
+  clear_ = form.Button("cmdClear", tr("C&lear"), QKeySequence(Qt::SHIFT | Qt::Key_F5), std::move(clear));
   auto* line = new QHBoxLayout(second);
   line->setContentsMargins(0, 0, 0, 0);
-  line->setSpacing(space::kGap);
+  line->setSpacing(space::kUnit);
   for (QWidget* cell : {lotCells_[2], lotCells_[3], lotCells_[4]}) line->addWidget(cell, 0, Qt::AlignBottom);
   line->addStretch(1);
   line->addWidget(update_, 0, Qt::AlignBottom);

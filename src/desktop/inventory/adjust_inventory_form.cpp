@@ -282,7 +282,7 @@ void AdjustInventoryForm::ShowFields(const StockRecord& record, bool keepTyped) 
   if (!record_) return;
   name_->SetText(record.Color_Name);
   kind_->setText(record.kind == ColorKind::Mix ? tr("Master Formula") : tr("Basic Color"));
-  ink_->Show(QColor(record.book.Red, record.book.Green, record.book.Blue));
+  ink_->Show(InkOf(session, record.kind, record.Color_Name));
   isLow_ = IsBelowReorder(session, record.kind, record.Color_Name);
 }
 

@@ -5,6 +5,7 @@
 
 #include "core/base/number.h"
 #include "core/base/units.h"
+#include "core/inventory/lot_picking.h"
 #include "core/inventory/lot_selection_table.h"
 #include "desktop/inventory/lot_grid.h"
 #include "desktop/kit/record_source.h"
@@ -72,9 +73,10 @@ BatchLotInvSelector::BatchLotInvSelector(WindowList& windowList, QWidget* owner)
   clear_ = form.Button("cmdClear", tr("C&lear"), Qt::SHIFT | Qt::Key_F5);
   form.Row(tr("&Adjust Used"), {adjust_, remove_, update_, clear_});
   form.Buttons({form.Button("cmdSave", tr("&Save")), form.Button("cmdCancel", tr("Cancel")),
-                form.Button("DSelAll", tr("D&eselect all")), form.Button("cmdAddLot", tr("Update &Inv."))});
+                form.Button("cmdOldest", tr("&Oldest first"), Qt::Key_F2), form.Button("DSelAll", tr("D&eselect all")),
+                form.Button("cmdAddLot", tr("Update &Inv."))});
   connect(list_, &Grid::CurrentRowChanged, this, &BatchLotInvSelector::ShowRow);
-  connect(list_, &Grid::RowActivated, this, [this] { FocusField("AdjustInv"); });
+  connect(list_, &Grid::RowActivated, this, &BatchLotInvSelector::TakeRow);
   connect(remove_, &QCheckBox::clicked, this, &BatchLotInvSelector::RemoveClicked);
   new CheckKeys(*list_, [this](int row) { Toggle(row); });
   resize(880, 560);
@@ -110,7 +112,7 @@ void BatchLotInvSelector::OnOpen(const Arguments& arguments) {
   unit_->setText(Q(UnitName(work_.unit)));
   list_->SetColumns(source_->Columns());
   ShowWork();
-  list_->SetCurrentRow(0);
+  list_->SetCurrentRow(static_cast<int>(FirstToTake(work_)));
   list_->setFocus();
 }
 
@@ -152,6 +154,26 @@ void BatchLotInvSelector::Toggle(int row) {
     work_.CheckRow(index);
   }
   ShowWork();
+}
+
+// Enter takes what the line still needs. Once all of it is placed the line is done; a row that gives already is
+// adjusted.
+void BatchLotInvSelector::TakeRow(int row) {
+  const auto index = static_cast<std::size_t>(row);
+  if (work_.rows.at(index).checked || (work_.ToPlace() > 0 && !work_.CheckRow(index))) {
+    FocusField("AdjustInv");
+    return;
+  }
+  if (work_.ToPlace() == 0) return cmdSave_Click();
+  ShowWork();
+  list_->SetCurrentRow(static_cast<int>(FirstToTake(work_)));
+}
+
+// The lines that come after this one take theirs in the same way.
+void BatchLotInvSelector::cmdOldest_Click() {
+  TakeOldestFirst(work_);
+  result.Set("OldestFirst", true);
+  cmdSave_Click();
 }
 
 void BatchLotInvSelector::RemoveClicked(bool checked) {

@@ -9,8 +9,8 @@ namespace vellumark::desktop {
 
 /// Where one line of a Batch takes its quantity from. Opened with {"IngName", name}, {"Kind", LineKind}, {"IngQty",
 /// the need}, {"Unit", the Batch's unit} and, where there are, {"Selection", LotSelection} of before and {"Withheld",
-/// LotWithheld} of what the open Batch itself made. Gives back "Selection", and "AdjustInventory" when the
-/// Batch is to be saved and stock put right first.
+/// LotWithheld} of what the open Batch itself made. Gives back "Selection", "AdjustInventory" when the
+/// Batch is to be saved and stock put right first, and "OldestFirst" when all lines are to take the oldest lots.
 class BatchLotInvSelector : public Dialog {
   Q_OBJECT
 
@@ -27,6 +27,7 @@ class BatchLotInvSelector : public Dialog {
   void cmdUpdate_Click();
   void cmdClear_Click();
   void DSelAll_Click();
+  void cmdOldest_Click();
   void cmdAddLot_Click();
 
  private:
@@ -35,6 +36,7 @@ class BatchLotInvSelector : public Dialog {
   void ShowRow(int row);
   void ShowWork();
   void Toggle(int row);
+  void TakeRow(int row);
   void RemoveClicked(bool checked);
   bool eventFilter(QObject* watched, QEvent* event) override;
 

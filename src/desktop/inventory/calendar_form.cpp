@@ -17,6 +17,7 @@ CalendarForm::CalendarForm(WindowList& windowList, QWidget* owner)
     : Dialog(windowList, owner, "CalendarForm", tr("Date")) {
   Form form(*this);
   calendar_ = new QCalendarWidget;
+  if (auto* days = calendar_->findChild<QAbstractItemView*>()) days->setAccessibleName(tr("Days of the month"));
   calendar_->setObjectName("Cal");
   calendar_->setAccessibleName(tr("Date"));
   calendar_->setMinimumDate(QDate(2000, 1, 1));

@@ -90,7 +90,7 @@ void InventoryPanel::BuildTotals(Form& form) {
   line->setSpacing(space::kUnit);
   reason_ = form.Text("txtReason", TextRule::Any(kReasonLength));
   reason_->DoNotTrack();
-  reason_->setMinimumWidth(160);
+  reason_->setMinimumWidth(104);
   reason_->setMaximumWidth(280);
   reason_->setToolTip(tr("Why the stock changes, for its history"));
   connect(reason_, &QLineEdit::textChanged, this, [this] {
@@ -108,7 +108,7 @@ void InventoryPanel::BuildTotals(Form& form) {
     value->setAccessibleName(caption);
     line->addWidget(label);
     line->addWidget(value);
-    line->addSpacing(space::kGap);
+    line->addSpacing(space::kUnit);
     return std::pair{value, label};
   };
   const auto [selected, selectedCaption] = figure(tr("Selected"), "lblInvSelected");

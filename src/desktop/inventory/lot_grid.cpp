@@ -8,6 +8,7 @@
 
 #include "core/base/units.h"
 #include "core/colors/names.h"
+#include "desktop/kit/other_databases.h"
 #include "desktop/kit/text.h"
 
 namespace vellumark::desktop {
@@ -74,6 +75,9 @@ void EnterStockName(FormHost& host, const char* field, const std::string& typed,
     return;
   }
   const auto kind = steps.choose(name);
+  if (!kind && OfferOtherDatabases(host.windows, name, {ColorKind::Basic, ColorKind::Mix}, U8(host.Self().objectName()),
+                                   {{"FindRecord", name}}))
+    return steps.clear();
   if (host.Accepted(kind)) return steps.show(*kind, name);
   steps.clear();
   host.FocusField(field);

@@ -9,6 +9,7 @@
 #include "core/labels/scan_step.h"
 #include "desktop/kit/caps_lock.h"
 #include "desktop/kit/look.h"
+#include "desktop/kit/swatch_view.h"
 #include "desktop/kit/text.h"
 #include "desktop/kit/window_list.h"
 
@@ -18,11 +19,6 @@ namespace {
 constexpr int kDataWidth = 296;
 constexpr int kJobRows = 5;
 constexpr int kLineOver = 150;  // ms after the last key
-
-std::optional<QColor> ColorOf(const std::optional<Ink>& ink) {
-  if (!ink) return std::nullopt;
-  return QColor(ink->Red, ink->Green, ink->Blue);
-}
 
 }  // namespace
 
@@ -179,7 +175,7 @@ void ScanCapture::Flash(int ended) {
   flash_->Show(bad    ? ScanFlash::Kind::Bad
                : over ? ScanFlash::Kind::Good
                       : ScanFlash::Kind::Waiting,
-               name, Q(plan.text), ColorOf(plan.ink));
+               name, Q(plan.text), plan.ink);
 }
 
 void ScanCapture::ShowTotals() {

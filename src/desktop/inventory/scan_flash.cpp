@@ -4,6 +4,7 @@
 #include <QPolygonF>
 
 #include "desktop/kit/look.h"
+#include "desktop/kit/swatch_view.h"
 
 namespace vellumark::desktop {
 namespace {
@@ -26,7 +27,7 @@ QSize ScanFlash::sizeHint() const {
   return {320, kHeight};
 }
 
-void ScanFlash::Show(Kind kind, const QString& head, const QString& text, std::optional<QColor> ink) {
+void ScanFlash::Show(Kind kind, const QString& head, const QString& text, const std::optional<Ink>& ink) {
   kind_ = kind;
   head_ = head;
   text_ = text;
@@ -70,9 +71,7 @@ void ScanFlash::paintEvent(QPaintEvent*) {
   QRect inside = rect().adjusted(space::kGap + space::kUnit, space::kUnit, -space::kGap, -space::kUnit);
   if (ink_) {
     const QRect patch(inside.left(), inside.center().y() - kMark / 2, 2 * kMark, kMark);
-    painter.setPen(colors.border);
-    painter.setBrush(*ink_);
-    painter.drawRoundedRect(patch, 4, 4);
+    PaintInk(painter, patch, ColorOf(*ink_));
     inside.setLeft(patch.right() + space::kGap);
   }
   // On the lit ground whichever of the two stands out.

@@ -5,6 +5,8 @@
 #include <QWidget>
 #include <optional>
 
+#include "core/colors/ink.h"
+
 namespace vellumark::desktop {
 
 /// What the last line of a scan came to, to be seen from the other end of the bench: the whole of it lights up for a
@@ -16,7 +18,7 @@ class ScanFlash : public QWidget {
   enum class Kind { Idle, Waiting, Good, Bad };
 
   explicit ScanFlash(const QString& name);
-  void Show(Kind kind, const QString& head, const QString& text, std::optional<QColor> ink = {});
+  void Show(Kind kind, const QString& head, const QString& text, const std::optional<Ink>& ink = {});
   Kind Shown() const { return kind_; }
   QString Text() const { return text_; }
   QSize sizeHint() const override;
@@ -30,7 +32,7 @@ class ScanFlash : public QWidget {
   Kind kind_ = Kind::Idle;
   QString head_;
   QString text_;
-  std::optional<QColor> ink_;
+  std::optional<Ink> ink_;
   QTimer light_;
 };
 

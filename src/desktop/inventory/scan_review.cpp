@@ -8,7 +8,7 @@
 #include "core/base/number.h"
 #include "core/base/text.h"
 #include "core/base/units.h"
-#include "core/batch/ink.h"
+#include "core/colors/ink.h"
 #include "core/labels/scan_undo.h"
 #include "desktop/kit/look.h"
 #include "desktop/kit/swatch_view.h"
@@ -280,7 +280,7 @@ void ScanReview::ShowChoices() {
     for (const ColorKind kind : {ColorKind::Mix, ColorKind::Basic})
       if (!ink && (!record.CT || (*record.CT == "2") == (kind == ColorKind::Mix)))
         ink = InkOf(host_.session, kind, *record.CN, database);
-  ink_->Show(ink ? std::optional(QColor(ink->Red, ink->Green, ink->Blue)) : std::nullopt);
+  ink_->Show(ink);
   loading_ = false;
 }
 

@@ -1,7 +1,9 @@
 #include "desktop/inventory/stock_history_form.h"
 
 #include <QElapsedTimer>
+#include <QLineEdit>
 #include <QLocale>
+#include <QMenu>
 #include <algorithm>
 #include <functional>
 #include <iterator>
@@ -15,6 +17,7 @@
 #include "desktop/kit/icons.h"
 #include "desktop/kit/print_sheet.h"
 #include "desktop/kit/record_source.h"
+#include "desktop/kit/row_menu.h"
 #include "desktop/kit/text.h"
 
 namespace vellumark::desktop {
@@ -31,7 +34,7 @@ constexpr qint64 kMoment = 20;        // milliseconds
 }  // namespace
 
 // The latest line first, read as far as it is looked at.
-class StockHistoryForm::Source : public RecordSource<StockLine> {
+class StockHistoryForm::Source : public RecordSource<StockLine>, public RowTargets {
  public:
   explicit Source(const Session& session) : RecordSource(HistoryColumns(session), kShown) {}
 
@@ -79,6 +82,7 @@ class StockHistoryForm::Source : public RecordSource<StockLine> {
 
   int Rows() const override { return static_cast<int>(lines_.size()); }
   const StockLine& Line(int row) const { return At(row); }
+  std::vector<RowTarget> Targets(int row) const override { return vellumark::TargetsOf(At(row)); }
   std::string Text(int row, int column) const override {
     return (column == Difference && At(row).change > 0 ? "+" : "") + RecordSource::Text(row, column);
   }
@@ -146,7 +150,7 @@ StockHistoryForm::StockHistoryForm(WindowList& windowList)
   std::vector<GridColumn> columns = source_->Columns();
   for (const int column : {Who, Kind, Document, Reason}) columns[static_cast<std::size_t>(column)].choosable = true;
   list_->SetColumns(std::move(columns));
-  list_->ShowFilter(tr("Filter"));
+  filter_ = list_->ShowFilter(tr("Filter"));
   list_->SetEmptyText(tr("No stock has moved"));
   list_->SetSource(source_);
   list_->SetSort({When, true});
@@ -155,6 +159,14 @@ StockHistoryForm::StockHistoryForm(WindowList& windowList)
   takeBack_ = form.Button("cmdTakeBack", tr("&Take back"));
   takeBack_->setToolTip(tr("Undo a scanned booking or one of a Job"));
   connect(list_, &Grid::CurrentRowChanged, this, [this] { Changed(); });
+  connect(list_, &Grid::RowActivated, this, [this](int row) { LeadOn(row); });
+  connect(RowMenu::Of(*list_), &RowMenu::Opens, this, [this](QMenu& menu, int row) {
+    const QString user = Q(source_->Line(row).user);
+    if (user.isEmpty()) return;
+    menu.addSeparator();
+    connect(menu.addAction(tr("Only lines of %1").arg(user)), &QAction::triggered, this,
+            [this, user] { filter_->setText(user); });
+  });
   form.ButtonsWithoutDefault(
       {form.Button("cmdClose", tr("Close")), takeBack_, print_ = form.Button("cmdPrint", tr("&Print"))});
   connect(&list_->Model(), &GridModel::RowsRead, this, [this] { ShowCount(); });
@@ -191,6 +203,15 @@ void StockHistoryForm::UpdateEnabled() {
   print_->setEnabled(CanPrint(windows));
   const int row = list_->CurrentRow();
   takeBack_->setEnabled(row >= 0 && IsScanBooking(source_->Line(row).event, source_->Line(row).change));
+}
+
+// Enter opens what moved the stock.
+void StockHistoryForm::LeadOn(int row) {
+  const std::vector<RowTarget> targets = source_->Targets(row);
+  if (targets.empty()) return;
+  QMenu menu;
+  AddRowActions(windows, menu, {targets.front()}, this);
+  if (!menu.isEmpty()) menu.actions().front()->trigger();
 }
 
 void StockHistoryForm::cmdTakeBack_Click() {

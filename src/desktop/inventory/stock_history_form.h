@@ -5,6 +5,8 @@
 #include "core/inventory/stock_history.h"
 #include "desktop/kit/window.h"
 
+class QLineEdit;
+
 namespace vellumark::desktop {
 
 /// The history of stock: when, who, what and why, of one colour or of the whole Database. Opened with {"Color_Name",
@@ -30,6 +32,7 @@ class StockHistoryForm : public Window {
   class Source;
   bool IsShown(const Change& change) const;
   StockHistoryFilter Filter() const;
+  void LeadOn(int row);
   void ShowLines();
   void ShowCount();
 
@@ -40,6 +43,7 @@ class StockHistoryForm : public Window {
   TextField* lot_;
   CommandButton* print_ = nullptr;
   CommandButton* takeBack_ = nullptr;
+  QLineEdit* filter_;
   Grid* list_;
   QLabel* count_;
 };

@@ -4,6 +4,7 @@
 #include "desktop/jobs/table_rows.h"
 #include "desktop/kit/icons.h"
 #include "desktop/kit/print_sheet.h"
+#include "desktop/kit/row_menu.h"
 #include "desktop/kit/text.h"
 
 namespace vellumark::desktop {
@@ -15,7 +16,7 @@ constexpr int kSpotColor = 2;
 }  // namespace
 
 DesignBenchForm::DesignBenchForm(WindowList& windowList)
-    : Window(windowList, "DesignBenchForm", tr("Design to the Bench")), rows_(std::make_shared<TableSource>()) {
+    : Window(windowList, "DesignBenchForm", tr("Design to the Bench")), rows_(std::make_shared<LeadingTable>()) {
   setWindowIcon(Icon("Batch"));
   Form form(*this);
   form.Row(tr("Design"), design_ = form.Label("lblDesign"));

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "core/jobs/design_bench.h"
+#include "desktop/kit/row_menu.h"
 #include "desktop/kit/window.h"
 
 namespace vellumark::desktop {
@@ -35,7 +36,7 @@ class DesignBenchForm : public Window {
   ComboField* ink_;
   ComboField* stock_;
   TextField* job_;
-  std::shared_ptr<TableSource> rows_;
+  std::shared_ptr<LeadingTable> rows_;
   Grid* list_;
   CommandButton* batch_ = nullptr;
   CommandButton* print_ = nullptr;

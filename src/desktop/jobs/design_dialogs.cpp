@@ -4,6 +4,7 @@
 #include "core/jobs/design_tables.h"
 #include "desktop/jobs/hint_pages.h"
 #include "desktop/jobs/table_rows.h"
+#include "desktop/kit/row_menu.h"
 #include "desktop/kit/text.h"
 
 namespace vellumark::desktop {
@@ -107,7 +108,7 @@ JobDesigns_Hints::JobDesigns_Hints(WindowList& windowList, QWidget* owner)
 
 ImportExamineLocalFileDesign::ImportExamineLocalFileDesign(WindowList& windowList, QWidget* owner)
     : Dialog(windowList, owner, "ImportExamineLocalFileDesign", tr("Design of the file")),
-      rows_(std::make_shared<TableSource>()) {
+      rows_(std::make_shared<LeadingTable>()) {
   Form form(*this);
   form.Row(tr("Design ID"), id_ = form.Label("lblDesignID"));
   form.Row(tr("Description"), description_ = form.Label("lblDescription"));

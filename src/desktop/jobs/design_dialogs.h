@@ -1,6 +1,7 @@
 #pragma once
 
 #include "core/jobs/design_work.h"
+#include "desktop/kit/row_menu.h"
 #include "desktop/kit/window.h"
 
 namespace vellumark::desktop {
@@ -72,7 +73,7 @@ class ImportExamineLocalFileDesign : public Dialog {
   QLabel* size_;
   QLabel* photos_;
   QLabel* notes_;
-  std::shared_ptr<TableSource> rows_;
+  std::shared_ptr<LeadingTable> rows_;
   Grid* colors_;
 };
 

@@ -15,6 +15,7 @@
 #include "desktop/jobs/table_rows.h"
 #include "desktop/kit/icons.h"
 #include "desktop/kit/print_sheet.h"
+#include "desktop/kit/row_menu.h"
 #include "desktop/kit/text.h"
 
 namespace vellumark::desktop {
@@ -100,7 +101,7 @@ void JobDesigns::BuildColors(Form form) {
   percent_->setAccessibleName(tr("Percent coverage"));
   colors_ = form.Table("DesignColorList");
   colors_->setAccessibleName(tr("Colors of the Design"));
-  rows_ = std::make_shared<TableSource>();
+  rows_ = std::make_shared<LeadingTable>();
   colors_->SetColumns(
       ColumnsOf(DesignColorColumns(session).Of(std::vector<DesignColorCost>{}), {220, 80, 120, 120, 96, 112, 96}));
   colors_->SetSource(rows_);

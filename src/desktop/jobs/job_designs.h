@@ -3,6 +3,7 @@
 #include "core/jobs/design_work.h"
 #include "core/jobs/ink_estimator.h"
 #include "desktop/datafile/file_choice.h"
+#include "desktop/kit/row_menu.h"
 #include "desktop/kit/window.h"
 
 namespace vellumark::desktop {
@@ -89,7 +90,7 @@ class JobDesigns : public Window {
   NameBox* color_ = nullptr;
   NumberField* quantity_ = nullptr;
   NumberField* percent_ = nullptr;
-  std::shared_ptr<TableSource> rows_;
+  std::shared_ptr<LeadingTable> rows_;
   Grid* colors_ = nullptr;
   RadioField* costModel_ = nullptr;
   ValueField* total_ = nullptr;

@@ -295,10 +295,9 @@ void JobForm::cmdChange_Click() {
   OpenCell(list_->CurrentRow(), list_->View().currentIndex().column());
 }
 
-void JobForm::ShowRowMenu(const QPoint& at) {
+void JobForm::AddToRowMenu(QMenu& menu) {
   const JobRecord* item = CurrentItem();
   if (item == nullptr) return;
-  QMenu menu;
   const auto add = [&](const QString& text, JobColumn column, bool enabled = true) {
     QAction* action = menu.addAction(text);
     action->setEnabled(enabled);
@@ -321,9 +320,8 @@ void JobForm::ShowRowMenu(const QPoint& at) {
   own->setEnabled(writable);
   const std::vector<TableColumn> titles = JobTitles(session);
   for (int i = static_cast<int>(JobColumn::UD_Text); i < static_cast<int>(titles.size()); ++i)
-    connect(own->addAction(Q(titles[static_cast<std::size_t>(i)].caption).replace('&', "&&")), &QAction::triggered, this,
-            [this, i] { OpenCell(list_->CurrentRow(), i); });
-  menu.exec(list_->View().viewport()->mapToGlobal(at));
+    connect(own->addAction(Q(titles[static_cast<std::size_t>(i)].caption).replace('&', "&&")), &QAction::triggered,
+            this, [this, i] { OpenCell(list_->CurrentRow(), i); });
 }
 
 // ---- The Job as a whole

@@ -6,6 +6,8 @@
 
 class QTimer;
 
+class QMenu;
+
 namespace vellumark::desktop {
 
 class JobBox;
@@ -69,7 +71,7 @@ class JobForm : public Window {
   void ChangeField(JobField field, int number);
   void ChangeField(const char* dialog, JobField field, Arguments arguments);
   void TakeQtyUsed();
-  void ShowRowMenu(const QPoint& at);
+  void AddToRowMenu(QMenu& menu);
   void OpenBatch(const JobRecord& item);
   std::vector<std::int64_t> ChosenRows() const;
   const JobRecord* CurrentItem() const;

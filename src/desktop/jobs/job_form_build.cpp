@@ -11,10 +11,11 @@
 #include "desktop/jobs/job_form.h"
 #include "desktop/jobs/job_layout.h"
 #include "desktop/kit/icons.h"
-#include "desktop/kit/layout_memory.h"
 #include "desktop/kit/job_box.h"
+#include "desktop/kit/layout_memory.h"
 #include "desktop/kit/look.h"
 #include "desktop/kit/record_fields.h"
+#include "desktop/kit/row_menu.h"
 #include "desktop/kit/text.h"
 #include "desktop/reports/open_row.h"
 
@@ -55,7 +56,6 @@ JobForm::JobForm(WindowList& windowList)
   list_->setAccessibleName(tr("Items of the Job"));
   LayOutJobs(session, *list_, *rows_);
   list_->SetSource(rows_);
-  list_->View().setContextMenuPolicy(Qt::CustomContextMenu);
   form.Wide(list_, 1);
   form.Wide(BuildButtons(form));
   Listen();
@@ -142,13 +142,12 @@ void JobForm::Listen() {
       OpenCell(row, column);
   });
   connect(list_, &Grid::CurrentRowChanged, this, [this] { ShowFigures(); });
-  connect(&list_->View(), &QWidget::customContextMenuRequested, this, &JobForm::ShowRowMenu);
+  connect(RowMenu::Of(*list_), &RowMenu::Opens, this, &JobForm::AddToRowMenu);
   connect(qApp, &QApplication::focusChanged, this, [this](QWidget*, QWidget* now) {
     const bool edits = now != nullptr && now->objectName() == "txtEdit" && list_->isAncestorOf(now);
     hint_->setText(edits ? tr("TAB or ENTER to accept changes  -  ESC to Cancel") : QString());
   });
   connect(reload_, &QTimer::timeout, this, &JobForm::Reload);
-  LetRowsBeCopied(*list_);
   auto* find = new QShortcut(QKeySequence::Find, this, nullptr, nullptr, Qt::WidgetWithChildrenShortcut);
   connect(find, &QShortcut::activated, this, [this] { FocusField("cmbJobNumber"); });
   rows_->take = [this](int row, const std::string& typed) {

@@ -1,22 +1,18 @@
 #pragma once
 
-#include "desktop/kit/window.h"
+#include "desktop/kit/toolbar_menu.h"
 
 namespace vellumark::desktop {
 
 /// The small menu of the toolbar's Jobs button: the Job Window, and what belongs to Jobs.
-class JobMenu : public Window {
+class JobMenu : public ToolbarMenu {
   Q_OBJECT
 
  public:
   explicit JobMenu(WindowList& windowList);
 
  protected:
-  /// Up and Down walk, as in a menu.
-  void keyPressEvent(QKeyEvent* event) override;
-
- private:
-  void Choose(const std::string& name, const char* way);
+  bool MayOpen(std::string_view window) override;
 };
 
 }  // namespace vellumark::desktop

@@ -6,13 +6,14 @@
 #include "desktop/jobs/table_rows.h"
 #include "desktop/kit/icons.h"
 #include "desktop/kit/print_sheet.h"
+#include "desktop/kit/row_menu.h"
 #include "desktop/kit/text.h"
 #include "desktop/reports/open_row.h"
 
 namespace vellumark::desktop {
 
 JobsOutForm::JobsOutForm(WindowList& windowList)
-    : Window(windowList, "JobsOutForm", tr("Out on Jobs")), rows_(std::make_shared<TableSource>()) {
+    : Window(windowList, "JobsOutForm", tr("Out on Jobs")), rows_(std::make_shared<LeadingTable>()) {
   setWindowIcon(Icon("Job"));
   Form form(*this);
   form.Wide(count_ = form.Label("lblCount"));
@@ -22,7 +23,6 @@ JobsOutForm::JobsOutForm(WindowList& windowList)
   list_->SetColumns(ColumnsOf(ListJobsOut(session), {176, 128, 224, 144, 144, 144, 128, 72}));
   list_->SetSource(rows_);
   list_->SetEmptyText(tr("No open Job has anything out"));
-  LetRowsBeCopied(*list_);
   form.Wide(list_, 1);
   form.ButtonsWithoutDefault({form.Button("cmdClose", tr("Close")), print_ = form.Button("cmdPrint", tr("&Print")),
                               open_ = form.Button("cmdOpen", tr("&Open the Job"))});
@@ -41,28 +41,24 @@ void JobsOutForm::OnChanges(const std::vector<Change>& changes) {
 
 void JobsOutForm::ListLines() {
   const ListTable table = ListJobsOut(session);
-  jobs_.clear();
-  table.read([&](const TableRow& row) {
-    jobs_.push_back(row.Target());
-    return true;
-  });
   FillRows(*rows_, table);
   list_->Refresh();
-  count_->setText(jobs_.size() == 1 ? tr("1 container is still out on an open Job")
-                                    : tr("%1 containers are still out on open Jobs, the oldest first").arg(jobs_.size()));
+  count_->setText(rows_->Rows() == 1
+                      ? tr("1 container is still out on an open Job")
+                      : tr("%1 containers are still out on open Jobs, the oldest first").arg(rows_->Rows()));
   if (list_->CurrentRow() < 0 && !list_->ShownRows().empty()) list_->SetCurrentRow(list_->ShownRows().front());
   Changed();
 }
 
 void JobsOutForm::UpdateEnabled() {
   if (print_ == nullptr) return;
-  print_->setEnabled(CanPrint(windows) && !jobs_.empty());
+  print_->setEnabled(CanPrint(windows) && rows_->Rows() > 0);
   open_->setEnabled(list_->CurrentRow() >= 0);
 }
 
 void JobsOutForm::cmdOpen_Click() {
   const int row = list_->CurrentRow();
-  if (row >= 0) OpenRow(windows, jobs_.at(static_cast<std::size_t>(row)));
+  if (row >= 0) OpenRow(windows, rows_->Targets(row).front());
 }
 
 void JobsOutForm::cmdPrint_Click() {

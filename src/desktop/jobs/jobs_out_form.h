@@ -1,6 +1,7 @@
 #pragma once
 
 #include "core/base/table.h"
+#include "desktop/kit/row_menu.h"
 #include "desktop/kit/window.h"
 
 namespace vellumark::desktop {
@@ -23,8 +24,7 @@ class JobsOutForm : public Window {
  private:
   void ListLines();
 
-  std::vector<RowTarget> jobs_;
-  std::shared_ptr<TableSource> rows_;
+  std::shared_ptr<LeadingTable> rows_;
   Grid* list_;
   QLabel* count_;
   CommandButton* open_ = nullptr;

@@ -1,6 +1,7 @@
 #include "desktop/jobs/table_rows.h"
 
 #include "desktop/kit/record_source.h"
+#include "desktop/kit/row_menu.h"
 
 namespace vellumark::desktop {
 
@@ -15,7 +16,7 @@ std::vector<GridColumn> ColumnsOf(const ListTable& table, const std::vector<int>
   return columns;
 }
 
-void FillRows(TableSource& source, const ListTable& table) {
+void FillRows(LeadingTable& source, const ListTable& table) {
   source.Clear();
   table.read([&](const TableRow& row) {
     TableSource::Row cells;
@@ -23,7 +24,8 @@ void FillRows(TableSource& source, const ListTable& table) {
       const TableValue value = row.Cell(place);
       cells.emplace_back(CellTextInWindow(table.columns[place], value), CellNumber(value));
     }
-    source.Add(std::move(cells));
+    const RowTarget target = row.Target();
+    source.Add(std::move(cells), {target});
     return true;
   });
 }

@@ -7,6 +7,8 @@
 #include <utility>
 
 #include "desktop/kit/look.h"
+#include "desktop/kit/row_menu.h"
+#include "desktop/kit/window_list.h"
 
 namespace vellumark::desktop {
 namespace {
@@ -283,6 +285,7 @@ Grid* Form::Table(const QString& name) {
   auto* grid = new Grid(name);
   FormHost* host = host_;
   QObject::connect(grid, &Grid::EditRefused, grid, [host](const Refusal& refusal) { host->ShowRefusal(refusal); });
+  new RowMenu(*grid, host->windows, host);
   return grid;
 }
 

@@ -11,6 +11,7 @@
 #include <algorithm>
 #include <stdexcept>
 
+#include "desktop/kit/grid.h"
 #include "desktop/kit/layout_memory.h"
 #include "desktop/kit/text.h"
 #include "desktop/kit/window.h"
@@ -45,6 +46,15 @@ void TurnPage(QWidget& window, int step) {
   tabs->setCurrentIndex(page);
 }
 
+/// The focus of a list stands in its view, so that is what a screen reader asks for the name of the list.
+void NameLists(QWidget& part) {
+  for (Grid* grid : part.findChildren<Grid*>()) {
+    if (!grid->View().accessibleName().isEmpty()) continue;
+    const QString own = grid->accessibleName();
+    grid->View().setAccessibleName(own.isEmpty() ? part.window()->windowTitle() : own);
+  }
+}
+
 /// The keys that every window has, beside those of its buttons.
 void ListenToCommonKeys(QWidget& self, WindowList& windows) {
   const auto on = [&self](const QKeySequence& key, std::function<void()> act) {
@@ -71,8 +81,9 @@ class FormHost::Keys : public QObject {
   bool eventFilter(QObject* watched, QEvent* event) override {
     if (event->type() != QEvent::KeyPress) return false;
     const auto& key = *static_cast<QKeyEvent*>(event);
-    if (!IsEnter(key)) return false;
     auto* widget = static_cast<QWidget*>(watched);
+    if (AnswersByLetter(*widget, key)) return true;
+    if (!IsEnter(key)) return false;
     const bool control = (key.modifiers() & Qt::ControlModifier) != 0;
     if ((key.modifiers() & ~(Qt::KeypadModifier | Qt::ControlModifier)) != 0) return false;
     // In a note Enter is a new line, and Ctrl+Enter what Enter is elsewhere.
@@ -88,6 +99,16 @@ class FormHost::Keys : public QObject {
   LayoutMemory layout;
 
  private:
+  // Y and N answer a question of ours as they do a message, where no text is typed.
+  bool AnswersByLetter(QWidget& from, const QKeyEvent& key) const {
+    if ((key.modifiers() & ~Qt::ShiftModifier) != 0 || qobject_cast<QAbstractButton*>(&from) == nullptr) return false;
+    if (key.key() != Qt::Key_Y && key.key() != Qt::Key_N) return false;
+    auto* answer = host_.self_.findChild<QPushButton*>(key.key() == Qt::Key_Y ? "cmdYes" : "cmdNo");
+    if (answer == nullptr || !answer->isVisible() || !answer->isEnabled()) return false;
+    answer->click();
+    return true;
+  }
+
   FormHost& host_;
 };
 
@@ -239,6 +260,7 @@ void FormHost::BuildLate(QWidget& page) {
     last = stop;
   }
   if (!keys_->layoutKey.isEmpty()) keys_->layout.Begin(page, keys_->layoutKey);
+  NameLists(page);
   if (onScreen) page.show();
   Changed();
 }
@@ -256,6 +278,7 @@ void FormHost::Ready() {
   keys_->layoutKey = KeyOfUser(session, "layout/" + self_.objectName());
   keys_->layout.Begin(self_, keys_->layoutKey);
   ListenToCommonKeys(self_, windows);
+  NameLists(self_);
   MarkClean();
   // The first field has the focus, unless the window has put it elsewhere.
   Field* first = nullptr;

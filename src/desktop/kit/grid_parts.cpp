@@ -7,6 +7,7 @@
 #include "desktop/kit/fields.h"
 #include "desktop/kit/icons.h"
 #include "desktop/kit/look.h"
+#include "desktop/kit/swatch_view.h"
 #include "desktop/kit/text.h"
 
 namespace vellumark::desktop {
@@ -87,10 +88,7 @@ void GridDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option, 
 
   if (const auto swatch = source.Swatch(row, index.column())) {
     const QRect box(inner.left(), inner.center().y() - kSwatch / 2, kSwatch, kSwatch);
-    painter->setRenderHint(QPainter::Antialiasing);
-    painter->setPen(QPen(colors.border, 1));
-    painter->setBrush(*swatch);
-    painter->drawRoundedRect(QRectF(box).adjusted(0.5, 0.5, -0.5, -0.5), 3, 3);
+    PaintInk(*painter, QRectF(box).adjusted(0.5, 0.5, -0.5, -0.5), *swatch, 3);
     inner.setLeft(box.right() + space::kUnit + 1);
   }
   if (const char* mark = source.Mark(row, index.column())) {

@@ -1,22 +1,15 @@
 #pragma once
 
-#include "desktop/kit/window.h"
+#include "desktop/kit/toolbar_menu.h"
 
 namespace vellumark::desktop {
 
 /// The small menu of the toolbar's Labels button: the kinds of labels.
-class LabelMenu : public Window {
+class LabelMenu : public ToolbarMenu {
   Q_OBJECT
 
  public:
   explicit LabelMenu(WindowList& windowList);
-
- protected:
-  /// Up and Down walk, as in a menu.
-  void keyPressEvent(QKeyEvent* event) override;
-
- private:
-  void Choose(const std::string& name);
 };
 
 }  // namespace vellumark::desktop

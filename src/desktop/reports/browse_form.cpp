@@ -3,13 +3,15 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QLocale>
-#include <QMenu>
 #include <algorithm>
 #include <functional>
 
 #include "core/base/text.h"
+#include "core/colors/color_tables.h"
 #include "core/reports/browse.h"
 #include "desktop/kit/icons.h"
+#include "desktop/kit/row_menu.h"
+#include "desktop/kit/swatch_view.h"
 #include "desktop/kit/text.h"
 #include "desktop/reports/open_row.h"
 #include "desktop/reports/row_actions.h"
@@ -42,23 +44,19 @@ Change::Kind ChangeOf(BrowseSubject subject) {
   return subject == BrowseSubject::Basics ? Change::Kind::Basic : Change::Kind::Mix;
 }
 
-class AllColors : public PieceSource<BrowsedColor> {
+class AllColors : public PieceSource<BrowsedColor>, public RowTargets {
  public:
+  std::vector<RowTarget> Targets(int row) const override { return {Target(row)}; }
   AllColors(const Session& session, ColorKind kind)
       : PieceSource(
             BrowsedColorColumns(session, kind), [&session, kind] { return BrowseColors(session, kind); },
             [](const BrowsedColor& color) { return color.key; }),
         session_(session) {}
-  RowTarget Target(int row) const override {
-    const BrowsedColor& color = Row(row);
-    return {.kind = color.kind == ColorKind::Mix ? RowTarget::Kind::Mix : RowTarget::Kind::Basic,
-            .database = session_.CurrentDatabase,
-            .name = color.Color_Name};
-  }
+  RowTarget Target(int row) const override { return ColorTarget(session_, Row(row).kind, Row(row).Color_Name); }
   std::optional<QColor> Swatch(int row, int column) const override {
+    if (column != 0) return std::nullopt;
     const BrowsedColor& color = Row(row);
-    if (column != 0 || (color.Red == 0 && color.Green == 0 && color.Blue == 0)) return std::nullopt;
-    return QColor(color.Red, color.Green, color.Blue);
+    return ColorOf(InkOf(session_, color.kind, color.Color_Name));
   }
   const char* Mark(int row, int column) const override {
     return column == kTotal && Row(row).IsLow() ? "low-stock" : nullptr;
@@ -69,8 +67,9 @@ class AllColors : public PieceSource<BrowsedColor> {
   const Session& session_;
 };
 
-class AllBatches : public PieceSource<BatchListRow> {
+class AllBatches : public PieceSource<BatchListRow>, public RowTargets {
  public:
+  std::vector<RowTarget> Targets(int row) const override { return {Target(row)}; }
   explicit AllBatches(const Session& session)
       : PieceSource(
             BatchColumns(), [&session] { return BrowseBatches(session); },
@@ -84,8 +83,9 @@ class AllBatches : public PieceSource<BatchListRow> {
   const Session& session_;
 };
 
-class AllJobs : public PieceSource<BrowsedJob> {
+class AllJobs : public PieceSource<BrowsedJob>, public RowTargets {
  public:
+  std::vector<RowTarget> Targets(int row) const override { return {Target(row)}; }
   explicit AllJobs(const Session& session)
       : PieceSource(
             BrowsedJobColumns(session), [&session] { return BrowseJobs(session); },
@@ -110,9 +110,6 @@ BrowseForm::BrowseForm(WindowList& windowList, const char* name, BrowseSubject s
   form.Buttons({open_ = form.Button("cmdOpen", tr("&Open")), form.Button("cmdClose", tr("Close"))});
   form.Wide(count_ = form.Hint({}, "lblCount"));
   MakeSource();
-  LetRowsBeCopied(*list_);
-  list_->View().setContextMenuPolicy(Qt::CustomContextMenu);
-  connect(&list_->View(), &QWidget::customContextMenuRequested, this, &BrowseForm::ShowRowMenu);
   connect(list_, &Grid::RowActivated, this, &BrowseForm::cmdOpen_Click);
   connect(list_, &Grid::CurrentRowChanged, this, [this] { Changed(); });
   connect(filter_, &QLineEdit::textChanged, this, [this] { ShowCount(); });
@@ -190,15 +187,6 @@ void BrowseForm::OnChanges(const std::vector<Change>& changes) {
 
 void BrowseForm::UpdateEnabled() {
   open_->setEnabled(list_->CurrentRow() >= 0);
-}
-
-// The key of menus asks at the current row, wherever the pointer is.
-void BrowseForm::ShowRowMenu(const QPoint& at) {
-  const int row = list_->CurrentRow();
-  if (row < 0) return;
-  QMenu menu(this);
-  AddRowActions(menu, windows, pieces_->Target(row));
-  menu.exec(list_->View().viewport()->mapToGlobal(at));
 }
 
 void BrowseForm::cmdOpen_Click() {

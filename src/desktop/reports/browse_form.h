@@ -32,7 +32,6 @@ class BrowseForm : public Window {
   void BeginReading();
   void ReadOn();
   void ShowCount();
-  void ShowRowMenu(const QPoint& at);
 
   BrowseSubject subject_;
   std::shared_ptr<GridSource> source_;

@@ -12,6 +12,7 @@
 #include "desktop/kit/look.h"
 #include "desktop/kit/print_sheet.h"
 #include "desktop/kit/record_source.h"
+#include "desktop/kit/row_menu.h"
 #include "desktop/kit/text.h"
 #include "desktop/reports/open_row.h"
 #include "desktop/reports/report_source.h"
@@ -68,7 +69,7 @@ QString TitleOf(FindSubject subject) {
 }  // namespace
 
 // What was found, in memory.
-class FindForm::Source : public GridSource {
+class FindForm::Source : public GridSource, public RowTargets {
  public:
   void Show(const ListTable& table) {
     table_ = table;
@@ -112,6 +113,7 @@ class FindForm::Source : public GridSource {
     return table;
   }
 
+  std::vector<RowTarget> Targets(int row) const override { return {Target(row)}; }
   int Rows() const override { return static_cast<int>(targets_.size()); }
   std::string Text(int row, int column) const override {
     const auto place = static_cast<std::size_t>(column);
@@ -158,7 +160,6 @@ FindForm::FindForm(WindowList& windowList, const QString& name, FindSubject subj
   connect(grid_, &Grid::CellClicked, this, [this](int row, int) {
     if (QApplication::keyboardModifiers() == Qt::NoModifier) OpenRow(windows, source_->Target(row));
   });
-  LetRowsBeCopied(*grid_);
   connect(qApp, &QApplication::focusChanged, this, [this](QWidget*, QWidget* now) {
     if (now != nullptr && area_->isAncestorOf(now)) area_->ensureWidgetVisible(now);
   });

@@ -1,22 +1,15 @@
 #pragma once
 
-#include "desktop/kit/window.h"
+#include "desktop/kit/toolbar_menu.h"
 
 namespace vellumark::desktop {
 
-/// The small menu of the toolbar's Find button: what can be searched for.
-class FindMenu : public Window {
+/// The small menu of the toolbar's Find button: what can be searched for, and the lists of all there is.
+class FindMenu : public ToolbarMenu {
   Q_OBJECT
 
  public:
   explicit FindMenu(WindowList& windowList);
-
- protected:
-  /// Up and Down walk, as in a menu.
-  void keyPressEvent(QKeyEvent* event) override;
-
- private:
-  void Choose(const std::string& name);
 };
 
 }  // namespace vellumark::desktop

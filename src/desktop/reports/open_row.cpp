@@ -1,11 +1,8 @@
 #include "desktop/reports/open_row.h"
 
 #include <QApplication>
-#include <QClipboard>
-#include <QShortcut>
 
 #include "core/base/text.h"
-#include "desktop/kit/text.h"
 
 namespace vellumark::desktop {
 namespace {
@@ -15,22 +12,6 @@ void OpenKnown(WindowList& windows, const std::string& window, const Arguments& 
     windows.OpenForm(window, arguments);
   else
     QApplication::beep();
-}
-
-void CopyRows(Grid& grid) {
-  QString text;
-  for (const int shown : grid.Model().ShownRows()) {
-    const int at = grid.Model().ShownRow(shown);
-    if (!grid.View().selectionModel()->isRowSelected(at)) continue;
-    QString line;
-    for (const int column : grid.ShownColumns()) {
-      if (!line.isEmpty() || column != grid.ShownColumns().front()) line += '\t';
-      QString cell = Q(grid.Model().Source()->Text(shown, column));
-      line += cell.replace('\t', ' ').replace('\n', ' ');
-    }
-    text += line + '\n';
-  }
-  if (!text.isEmpty()) QApplication::clipboard()->setText(text);
 }
 
 }  // namespace
@@ -69,11 +50,6 @@ void OpenRow(WindowList& windows, const RowTarget& target) {
       break;
   }
   QApplication::beep();
-}
-
-void LetRowsBeCopied(Grid& grid) {
-  auto* copy = new QShortcut(QKeySequence::Copy, &grid, nullptr, nullptr, Qt::WidgetWithChildrenShortcut);
-  QObject::connect(copy, &QShortcut::activated, &grid, [&grid] { CopyRows(grid); });
 }
 
 }  // namespace vellumark::desktop

@@ -1,7 +1,6 @@
 #pragma once
 
 #include "core/base/table.h"
-#include "desktop/kit/grid.h"
 #include "desktop/kit/window_list.h"
 
 namespace vellumark::desktop {
@@ -9,8 +8,5 @@ namespace vellumark::desktop {
 /// Opens what a row leads to: the Batch, colour, job or design in its own window. A Batch that would disturb a recipe
 /// in edit, and what is in another Database, is shown to be read only. Beeps where a row leads nowhere.
 void OpenRow(WindowList& windows, const RowTarget& target);
-
-/// Ctrl+C takes the rows that are selected, as tabbed text, onto the clipboard.
-void LetRowsBeCopied(Grid& grid);
 
 }  // namespace vellumark::desktop

@@ -2,6 +2,7 @@
 
 #include "core/reports/catalogue.h"
 #include "core/reports/find.h"
+#include "desktop/kit/row_menu.h"
 #include "desktop/reports/browse_form.h"
 #include "desktop/reports/find_form.h"
 #include "desktop/reports/find_menu.h"
@@ -12,11 +13,15 @@
 #include "desktop/reports/report_name_form.h"
 #include "desktop/reports/report_notes_form.h"
 #include "desktop/reports/reports_form.h"
+#include "desktop/reports/row_actions.h"
 #include "desktop/reports/view_record_form.h"
 
 namespace vellumark::desktop {
 
 void RegisterReportsWindows(WindowList& windows, const PrintDevices& devices) {
+  SetRowActions(windows, [&windows](QMenu& menu, const RowTarget& target, const std::function<bool()>& leave) {
+    AddActionsOf(menu, windows, target, leave);
+  });
   windows.RegisterDialog("PrintBoxForm", [devices](WindowList& list, QWidget* owner) -> Dialog* {
     return new PrintBoxForm(list, owner, devices);
   });

@@ -135,14 +135,17 @@ void ReportForm::BuildSubject(Form& form) {
                                             : ColorNamesFrom(session, typed, limit);
                            }};
     auto* name = form.Name("cmbColorName", names);
+    name->setAccessibleName(tr("Color Name"));
     connect(name, &NameBox::Picked, this, [this] { cmdFind_Click(); });
     subject_ = name;
   } else if (definition_.subject == ReportSubject::Job) {
     label = tr("Job &Number");
     subject_ = form.Text("cmbJobNumber", TextRule::Upper(kJobLength));
+    subject_->setAccessibleName(tr("Job Number"));
   } else if (definition_.subject == ReportSubject::Design) {
     label = tr("Desig&n ID");
     subject_ = form.Text("cmbDesignID", TextRule::Upper(kJobLength));
+    subject_->setAccessibleName(tr("Design ID"));
   }
   if (subject_ != nullptr) {
     subject_->DoNotTrack();
@@ -293,7 +296,6 @@ void ReportForm::BuildGrid(Form form) {
   });
   connect(&grid_->Model(), &QAbstractItemModel::modelReset, this, [this] { ShowTotals(); });
   connect(&grid_->Model(), &QAbstractItemModel::layoutChanged, this, [this] { ShowTotals(); });
-  LetRowsBeCopied(*grid_);
   auto* edit = new QShortcut(Qt::Key_F2, grid_, nullptr, nullptr, Qt::WidgetWithChildrenShortcut);
   connect(edit, &QShortcut::activated, this, &ReportForm::ToggleOrTell);
 }

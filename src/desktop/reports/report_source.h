@@ -5,6 +5,7 @@
 
 #include "core/reports/build.h"
 #include "desktop/kit/grid.h"
+#include "desktop/kit/row_menu.h"
 
 namespace vellumark::desktop {
 
@@ -12,7 +13,7 @@ namespace vellumark::desktop {
 GridColumn ShownColumn(const TableColumn& column, bool first);
 
 /// The rows of a built report, as it stands.
-class ReportSource : public GridSource {
+class ReportSource : public GridSource, public RowTargets {
  public:
   struct Editing {
     std::function<bool(int row, int column)> may;
@@ -22,6 +23,9 @@ class ReportSource : public GridSource {
 
   void Show(std::shared_ptr<BuiltReport> report) { report_ = std::move(report); }
   int Rows() const override { return report_ ? static_cast<int>(report_->Rows()) : 0; }
+  std::vector<RowTarget> Targets(int row) const override {
+    return {report_->targets.at(static_cast<std::size_t>(row))};
+  }
   std::string Text(int row, int column) const override;
   double Number(int row, int column) const override;
   bool IsEditable(int row, int column) const override;

@@ -6,6 +6,7 @@
 #include "core/datafile/color_kind.h"
 #include "core/shell/gating.h"
 #include "desktop/jobs/open_forms.h"
+#include "desktop/kit/text.h"
 #include "desktop/reports/open_row.h"
 
 namespace vellumark::desktop {
@@ -31,6 +32,21 @@ std::vector<RowAction> ActionsOfColor(ColorKind kind, const std::string& name) {
   return actions;
 }
 
+/// Of the first thing that a menu is about simply "Open".
+QString OpenCaption(const RowTarget& target, bool first) {
+  if (first) return QObject::tr("&Open");
+  switch (target.kind) {
+    case RowTarget::Kind::Batch:
+      return QObject::tr("Open the Batch");
+    case RowTarget::Kind::Job:
+      return QObject::tr("Open the Job");
+    case RowTarget::Kind::Design:
+      return QObject::tr("Open the Design");
+    default:
+      return QObject::tr("Open the color");
+  }
+}
+
 std::vector<RowAction> ActionsOf(const RowTarget& target) {
   if (target.kind == RowTarget::Kind::Basic) return ActionsOfColor(ColorKind::Basic, target.name);
   if (target.kind == RowTarget::Kind::Mix) return ActionsOfColor(ColorKind::Mix, target.name);
@@ -46,12 +62,19 @@ bool MayGo(WindowList& windows, std::string_view way) {
   return allowed.has_value();
 }
 
-void AddRowActions(QMenu& menu, WindowList& windows, const RowTarget& target) {
-  QObject::connect(menu.addAction(QObject::tr("&Open")), &QAction::triggered, &windows,
-                   [&windows, target] { OpenRow(windows, target); });
+void AddActionsOf(QMenu& menu, WindowList& windows, const RowTarget& target, const std::function<bool()>& leave) {
+  const auto add = [&](const QString& caption, std::function<void()> act) {
+    QObject::connect(menu.addAction(caption), &QAction::triggered, &windows, [leave, act = std::move(act)] {
+      if (leave()) act();
+    });
+  };
+  add(OpenCaption(target, menu.isEmpty()), [&windows, target] {
+    if (target.kind != RowTarget::Kind::Job || MayGo(windows, "JobForm")) OpenRow(windows, target);
+  });
+  if (!EqualNoCase(target.database, windows.session.CurrentDatabase)) return;  // what follows works on that one
   for (const RowAction& action : ActionsOf(target)) {
     if (!windows.Knows(action.window)) continue;
-    QObject::connect(menu.addAction(action.caption), &QAction::triggered, &windows, [&windows, action] {
+    add(action.caption, [&windows, action] {
       if (action.way != nullptr && !MayGo(windows, action.way)) return;
       if (action.isDialog)
         windows.RunDialog(action.window, action.arguments);

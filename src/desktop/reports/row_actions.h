@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <string_view>
 
 #include "core/base/table.h"
@@ -13,7 +14,8 @@ namespace vellumark::desktop {
 /// of a toolbar button, or "JobForm".
 bool MayGo(WindowList& windows, std::string_view way);
 
-/// What can be done with a row that leads there: open it, its stock, its history, where it is used.
-void AddRowActions(QMenu& menu, WindowList& windows, const RowTarget& target);
+/// What can be done with a row that leads there: open it, its stock, its history, where it is used. `leave` is asked
+/// before a window opens; false stops that.
+void AddActionsOf(QMenu& menu, WindowList& windows, const RowTarget& target, const std::function<bool()>& leave);
 
 }  // namespace vellumark::desktop

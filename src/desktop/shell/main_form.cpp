@@ -59,7 +59,8 @@ MainForm::MainForm(WindowList& windowList) : windows_(windowList), session_(wind
   setMinimumSize(800, 500);
   resize(1280, 720);
   pages_ = new QStackedWidget(this);
-  startPage_ = new StartPage(windows_, pages_, [this] { FindAnything(); });
+  startPage_ = new StartPage(
+      windows_, pages_, [this] { FindAnything(); }, [this](const QString& name) { ChooseDatabase(name); });
   area_ = new MainArea(this);
   pages_->addWidget(startPage_);
   pages_->addWidget(area_);
@@ -82,6 +83,7 @@ MainForm::MainForm(WindowList& windowList) : windows_(windowList), session_(wind
           this, [this] { EnableMenuItems(); }, Qt::QueuedConnection);
     else if (of(Change::Kind::Settings))
       QMetaObject::invokeMethod(status_, &StatusLine::Refresh, Qt::QueuedConnection);
+    QMetaObject::invokeMethod(status_, &StatusLine::TellLastAct, Qt::QueuedConnection);
   });
   EnableMenuItems();
 }
@@ -99,8 +101,10 @@ void MainForm::BuildMenus() {
   const auto isParent = [&](std::string_view name) {
     return std::ranges::any_of(items, [&](const MenuItem& item) { return item.parent == name; });
   };
+  BuildCommonCommands();
   for (const MenuItem& item : items) {
     const std::string name(item.name);
+    if (actions_.contains(name)) continue;
     QMenu* parent = item.parent.empty() ? nullptr : menus_.at(std::string(item.parent));
     if (isParent(item.name) || item.name == "menuDFUsers_Login_As") {
       QMenu* menu = parent == nullptr ? menuBar()->addMenu(Q(item.caption)) : parent->addMenu(Q(item.caption));
@@ -156,6 +160,13 @@ void MainForm::BuildViewMenu() {
   connect(close, &QAction::triggered, this, [this] {
     if (Window* active = windows_.ActiveForm(); active != nullptr) active->Leave();
   });
+  QAction* undo = menu->addAction(tr("Take &back what was done"));
+  undo->setObjectName("menuWindow_Undo");
+  undo->setShortcut(Qt::CTRL | Qt::SHIFT | Qt::Key_Z);
+  connect(undo, &QAction::triggered, this, [this] {
+    CloseToolbarMenus();
+    if (session_.RecordsetsOpen && windows_.Knows("UndoForm")) windows_.OpenForm("UndoForm");
+  });
   menu->addSeparator();
   connect(menu->addAction(tr("As &tabs")), &QAction::triggered, area_, &MainArea::ShowAsTabs);
   connect(menu->addAction(tr("&Free")), &QAction::triggered, area_, &MainArea::ShowFree);
@@ -178,6 +189,7 @@ void MainForm::GateMenus() {
     action->setEnabled(item.enabled && (isMenu || canRun));
     if (action->isCheckable()) action->setChecked(item.checked);
   }
+  GateCommonCommands();
   // A menu in which nothing can be chosen is off itself; children stand behind their parents.
   const std::vector<MenuItem> items = MenuItems(session_);
   for (auto item = items.rbegin(); item != items.rend(); ++item) {
@@ -324,6 +336,7 @@ void MainForm::ShowDatabases() {
   databases_->setCurrentIndex(databases_->findText(Q(session_.CurrentDatabase)));
   databases_->setEnabled(session_.RecordsetsOpen && databases_->count() > 1);
   fullName_->setText(Q(session_.FullName));
+  ShowTitle();
 }
 
 // ---- State
@@ -350,7 +363,15 @@ void MainForm::DisableMenuItems() {
 }
 
 void MainForm::SetCaption(const std::string& caption) {
-  setWindowTitle(Q(caption));
+  caption_ = caption;
+  ShowTitle();
+}
+
+// The file, and the Database that is worked in.
+void MainForm::ShowTitle() {
+  QString title = Q(caption_);
+  if (session_.RecordsetsOpen && !session_.CurrentDatabase.empty()) title += "   -   " + Q(session_.CurrentDatabase);
+  setWindowTitle(title);
 }
 
 void MainForm::ShowCloudLine(const std::string& text) {

@@ -62,6 +62,8 @@ class MainForm : public QMainWindow, private OpenWindows {
 
  protected:
   void closeEvent(QCloseEvent* event) override;
+  void keyPressEvent(QKeyEvent* event) override;
+  void contextMenuEvent(QContextMenuEvent* event) override;
   void resizeEvent(QResizeEvent* event) override;
   void dragEnterEvent(QDragEnterEvent* event) override;
   void dropEvent(QDropEvent* event) override;
@@ -81,7 +83,12 @@ class MainForm : public QMainWindow, private OpenWindows {
   void ChooseDatabase(const QString& name);
   void ShowDatabases();
   void ShowPage();
+  void ShowTitle();
   void CloseToolbarMenus();
+  // The commands that all windows share (main_form_commands.cpp)
+  void BuildCommonCommands();
+  void GateCommonCommands();
+  void DoCommon(const std::string& item);
   // Files that were open, that are dropped (main_form_files.cpp)
   void NoteFile();
   void FillRecent();
@@ -109,6 +116,7 @@ class MainForm : public QMainWindow, private OpenWindows {
   QComboBox* databases_ = nullptr;
   QLabel* fullName_ = nullptr;
   QLabel* cloudName_ = nullptr;
+  std::string caption_;
   Changes::Subscription changes_;
   std::function<bool()> closing_;
   std::function<void()> createSupportFiles_;

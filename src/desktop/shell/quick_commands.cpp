@@ -20,6 +20,7 @@ const std::vector<QuickCommand>& QuickCommands() {
       {T("Export Batch Records"), T("DB Tools"), "ExportBatchesForm", "DBTools"},
       {T("Export Job Records"), T("DB Tools"), "ExportJobRecords", "DBTools"},
       {T("Designs - Export and Import"), T("DB Tools"), "DB_ImportExport_Designs", "DBTools"},
+      {T("Take back what was done"), T("Undo"), "UndoForm"},
       {T("Adjust Inventory"), T("Stock, lots, scanning"), "AdjustInventoryForm", "Inventory"},
       {T("Reorder point"), T("Inventory"), "AdjustReorderForm", "Inventory"},
       {T("Stock History"), T("Who moved what, and when"), "StockHistoryForm"},

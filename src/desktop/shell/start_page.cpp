@@ -1,6 +1,7 @@
 #include "desktop/shell/start_page.h"
 
 #include <QHeaderView>
+#include <QKeyEvent>
 #include <QLabel>
 #include <QPainter>
 #include <QPushButton>
@@ -10,12 +11,15 @@
 
 #include "core/batch/holding.h"
 #include "core/batch/open.h"
+#include "core/colors/color_tables.h"
 #include "core/datafile/databases.h"
 #include "core/inventory/stock_tables.h"
 #include "desktop/kit/grid.h"
 #include "desktop/kit/icons.h"
 #include "desktop/kit/look.h"
 #include "desktop/kit/record_source.h"
+#include "desktop/kit/row_menu.h"
+#include "desktop/kit/swatch_view.h"
 #include "desktop/kit/text.h"
 #include "desktop/kit/window.h"
 #include "desktop/reports/open_row.h"
@@ -25,32 +29,45 @@ namespace vellumark::desktop {
 namespace {
 
 constexpr int kMostShown = 200;
+constexpr int kMostDatabases = 6;
 constexpr int kWidest = 1400;
 constexpr int kKindRole = Qt::UserRole;
 
-QIcon Swatch(const LowStock& color) {
+QIcon Swatch(const Ink& ink) {
   QPixmap pixmap(32, 32);
   pixmap.fill(Qt::transparent);
   QPainter painter(&pixmap);
-  painter.setRenderHint(QPainter::Antialiasing);
-  painter.setPen(Look::Now().border);
-  painter.setBrush(QColor(color.Red, color.Green, color.Blue));
-  painter.drawRoundedRect(QRectF(2.5, 2.5, 27, 27), 5, 5);
+  PaintInk(painter, QRectF(2.5, 2.5, 27, 27), ColorOf(ink), 5);
   return QIcon(pixmap);
 }
 
 }  // namespace
 
-class StartPage::Today : public RecordRows<BatchListRow> {
+class StartPage::Today : public RecordRows<BatchListRow>, public RowTargets {
  public:
-  Today() : RecordRows(BatchColumns(), {"Batch", "Color Name", "Made", "Unit"}) {}
-  RowTarget TargetOf(const Session& session, int row) const {
-    return {.kind = RowTarget::Kind::Batch, .database = session.CurrentDatabase, .BatchNo = At(row).BatchNo};
+  explicit Today(const Session& session)
+      : RecordRows(BatchColumns(), {"Batch", "Color Name", "Made", "Unit"}), session_(session) {}
+  std::vector<RowTarget> Targets(int row) const override {
+    return {{.kind = RowTarget::Kind::Batch, .database = session_.CurrentDatabase, .BatchNo = At(row).BatchNo},
+            ColorTarget(session_, ColorKind::Mix, At(row).Color_Name)};
   }
+  std::optional<QColor> Swatch(int row, int column) const override {
+    if (column != kName) return std::nullopt;
+    return ColorOf(InkOf(session_, ColorKind::Mix, At(row).Color_Name));
+  }
+  static constexpr int kName = 1;
+
+ private:
+  const Session& session_;
 };
 
-StartPage::StartPage(WindowList& windowList, QWidget* parent, std::function<void()> find)
-    : QWidget(parent), windows_(windowList), session_(windowList.session), todays_(std::make_shared<Today>()) {
+StartPage::StartPage(WindowList& windowList, QWidget* parent, std::function<void()> find,
+                     std::function<void(const QString& database)> change)
+    : QWidget(parent),
+      windows_(windowList),
+      session_(windowList.session),
+      change_(std::move(change)),
+      todays_(std::make_shared<Today>(session_)) {
   setObjectName("StartPage");
   auto* outer = new QHBoxLayout(this);
   outer->setContentsMargins(0, 0, 0, 0);
@@ -90,6 +107,9 @@ StartPage::StartPage(WindowList& windowList, QWidget* parent, std::function<void
 
   lines->addWidget(heading_);
   lines->addWidget(facts_);
+  lines->addWidget(databases_ = new QWidget(column));
+  databases_->setObjectName("pnlDatabases");
+  (new QHBoxLayout(databases_))->setContentsMargins(0, 0, 0, 0);
   lines->addSpacing(space::kUnit);
   lines->addLayout(buttons);
   lines->addSpacing(space::kUnit);
@@ -141,10 +161,13 @@ QWidget* StartPage::BuildLists(QWidget* column) {
   todayHeading_->setFont(Look::Heading());
   today_ = new Grid("fgToday");
   today_->SetColumns(todays_->Columns());
+  // The name takes what the others leave, so that nothing is to be moved sideways.
+  today_->View().horizontalHeader()->setSectionResizeMode(Today::kName, QHeaderView::Stretch);
   today_->SetSource(todays_);
   today_->SetEmptyText(tr("None yet"));
-  today_->setAccessibleName(todayHeading_->text());
-  connect(today_, &Grid::RowActivated, this, [this](int row) { OpenRow(windows_, todays_->TargetOf(session_, row)); });
+  today_->View().setAccessibleName(todayHeading_->text());
+  connect(today_, &Grid::RowActivated, this, [this](int row) { OpenRow(windows_, todays_->Targets(row).front()); });
+  new RowMenu(*today_, windows_, nullptr);
   left->addWidget(todayHeading_);
   left->addWidget(today_, 1);
 
@@ -188,6 +211,12 @@ void StartPage::showEvent(QShowEvent* event) {
         this, [this] { Show(); }, Qt::QueuedConnection);
 }
 
+void StartPage::keyPressEvent(QKeyEvent* event) {
+  auto* button = qobject_cast<QPushButton*>(focusWidget());
+  if (button != nullptr && (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter)) return button->click();
+  QWidget::keyPressEvent(event);
+}
+
 void StartPage::Show() {
   if (!stale_) return;
   stale_ = false;
@@ -197,11 +226,13 @@ void StartPage::Show() {
   lists_->setVisible(open);
   firstSteps_->setVisible(false);
   openBatch_->setVisible(false);
+  databases_->setVisible(false);
   if (!open) {
     heading_->setText(tr("No Data File is open"));
     facts_->setText(tr("Open or make one in the Data File menu, under Advanced."));
     return;
   }
+  ShowDatabases();
   const DatabaseCounts counts = CountRows(session_.File(), session_.CurrentDatabase);
   heading_->setText(Q(session_.CurrentDatabase));
   QString facts = tr("%1   ·   %2 basics and additives   ·   %3 formulas")
@@ -220,6 +251,40 @@ void StartPage::Show() {
   openBatch_->setText(tr("Batch %1 is still open").arg(openNumber_, 6, 10, QChar('0')));
   ShowToday();
   ShowLowStock();
+  // The day begins here, unless the focus stands somewhere already.
+  const QWidget* focus = window()->focusWidget();
+  if (focus == nullptr || !focus->isVisible()) makeBatch_->setFocus(Qt::OtherFocusReason);
+}
+
+// Those that were used last come first; the others of the file follow.
+void StartPage::ShowDatabases() {
+  const QString key = "databases/" + Q(session_.DataFileName);
+  const QString here = Q(session_.CurrentDatabase);
+  QStringList last = memory::Recall(key).toStringList();
+  if (last.isEmpty() || last.front() != here) {
+    last.removeAll(here);
+    last.prepend(here);
+    memory::Keep(key, QStringList(last.mid(0, kMostDatabases + 1)));
+  }
+  for (const std::string& name : session_.databaseList)
+    if (!last.contains(Q(name))) last << Q(name);
+  qDeleteAll(databases_->findChildren<QWidget*>(Qt::FindDirectChildrenOnly));
+  auto* line = static_cast<QHBoxLayout*>(databases_->layout());
+  delete line->takeAt(line->count() - 1);  // the stretch behind them
+  int shown = 0;
+  for (const QString& name : last) {
+    if (name == here || session_.FindDatabase(U8(name)) == nullptr || shown == kMostDatabases) continue;
+    if (shown++ == 0) line->addWidget(new QLabel(tr("Other Databases:"), databases_));
+    auto* button = new QPushButton(QString(name).replace('&', "&&"), databases_);
+    button->setProperty("link", true);
+    button->setAccessibleName(tr("Change to the Database %1").arg(name));
+    // It goes with what it does.
+    connect(
+        button, &QPushButton::clicked, this, [this, name] { change_(name); }, Qt::QueuedConnection);
+    line->addWidget(button);
+  }
+  line->addStretch(1);
+  databases_->setVisible(shown > 0);
 }
 
 void StartPage::OpenStock(QTableWidgetItem* activated) {
@@ -264,7 +329,7 @@ void StartPage::ShowLowStock() {
     }
     QTableWidgetItem* name = low_->item(row, 0);
     const LowStock& color = source.At(row);
-    name->setIcon(Swatch(color));
+    if (const auto ink = InkOf(session_, color.kind, color.Color_Name)) name->setIcon(Swatch(*ink));
     name->setData(kKindRole, static_cast<int>(color.kind));
     low_->item(row, 1)->setText(color.kind == ColorKind::Mix ? tr("Master Formula") : tr("Basic / Additive"));
   }

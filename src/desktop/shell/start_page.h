@@ -22,14 +22,17 @@ class StartPage : public QWidget {
   Q_OBJECT
 
  public:
-  /// `find` is what the button for finding anything does.
-  StartPage(WindowList& windowList, QWidget* parent, std::function<void()> find);
+  /// `find` is what the button for finding anything does, `change` goes to another Database.
+  StartPage(WindowList& windowList, QWidget* parent, std::function<void()> find,
+            std::function<void(const QString& database)> change);
   ~StartPage() override;
   /// Reads everything anew, as soon as the program has nothing else to do.
   void Refresh();
 
  protected:
   void showEvent(QShowEvent* event) override;
+  /// Enter presses the button that has the focus.
+  void keyPressEvent(QKeyEvent* event) override;
 
  private:
   class Today;
@@ -38,6 +41,7 @@ class StartPage : public QWidget {
   void Show();
   void ShowToday();
   void ShowLowStock();
+  void ShowDatabases();
   void OpenStock(QTableWidgetItem* activated);
 
   WindowList& windows_;
@@ -50,6 +54,8 @@ class StartPage : public QWidget {
   std::int32_t openNumber_ = 0;
   QWidget* firstSteps_;
   QWidget* lists_;
+  QWidget* databases_;  ///< a button for each of those that were used last
+  std::function<void(const QString& database)> change_;
   QLabel* todayHeading_ = nullptr;
   std::shared_ptr<Today> todays_;
   Grid* today_ = nullptr;

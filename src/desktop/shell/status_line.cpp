@@ -6,10 +6,16 @@
 
 #include "core/backup/backup_set.h"
 #include "core/base/units.h"
+#include "core/shell/undo.h"
 #include "desktop/kit/look.h"
 #include "desktop/kit/text.h"
 
 namespace vellumark::desktop {
+namespace {
+
+constexpr int kMessageStays = 10000;  // milliseconds
+
+}  // namespace
 
 QString BackupText(const Session& session) {
   const std::filesystem::path file = session.DataFileName;
@@ -62,6 +68,16 @@ void StatusLine::Refresh() {
                    : session_.ArchiveView ? tr("Archive or backup copy, to be looked at only")
                                           : BackupText(session_));
   for (QLabel* part : {database_, unit_, lots_, backup_}) part->setVisible(open);
+}
+
+void StatusLine::TellLastAct() {
+  if (!session_.RecordsetsOpen) return;
+  const std::vector<UndoEntry> acts = ListUndo(session_);
+  const std::int64_t last = acts.empty() ? 0 : acts.front().id;
+  const bool isNew = session_.DataFileName == ofFile_ && last > told_;
+  ofFile_ = session_.DataFileName;
+  told_ = std::max(last, isNew ? told_ : last);
+  if (isNew) showMessage(tr("%1.   Ctrl+Shift+Z takes it back").arg(Q(acts.front().what)), kMessageStays);
 }
 
 }  // namespace vellumark::desktop

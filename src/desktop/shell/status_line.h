@@ -21,6 +21,8 @@ class StatusLine : public QStatusBar {
   StatusLine(const Session& session, QWidget* parent);
   /// After a login, an opened file, another Database, other settings.
   void Refresh();
+  /// For a moment, what was done last and how it is taken back, unless it was told already.
+  void TellLastAct();
 
  private:
   QLabel* Part(const char* name, const QString& description);
@@ -31,6 +33,8 @@ class StatusLine : public QStatusBar {
   QLabel* unit_;
   QLabel* lots_;
   QLabel* backup_;
+  std::int64_t told_ = 0;
+  std::string ofFile_;
 };
 
 }  // namespace vellumark::desktop

@@ -3,7 +3,10 @@
 #include <unordered_set>
 
 #include "core/base/text.h"
+#include "core/colors/color_tables.h"
 #include "core/colors/formula_tools.h"
+#include "desktop/kit/row_menu.h"
+#include "desktop/kit/swatch_view.h"
 #include "desktop/kit/text.h"
 #include "desktop/tools/checked_list.h"
 
@@ -14,7 +17,7 @@ constexpr int kNameWidth = 260;
 
 }  // namespace
 
-class ColorSelection::Source : public CheckedSource {
+class ColorSelection::Source : public CheckedSource, public RowTargets {
  public:
   explicit Source(const Session& session) : session_(session) {}
 
@@ -35,9 +38,10 @@ class ColorSelection::Source : public CheckedSource {
   std::string Text(int row, int column) const override { return column == 0 ? std::string() : NameOf(row); }
   std::optional<QColor> Swatch(int row, int column) const override {
     if (column == 0) return std::nullopt;
-    const auto ink = ReadSwatch(session_, kind_, colors_.at(static_cast<std::size_t>(row)).key, database_);
-    if (!ink) return std::nullopt;
-    return QColor((*ink)[0], (*ink)[1], (*ink)[2]);
+    return ColorOf(InkOf(session_, kind_, NameOf(row), database_));
+  }
+  std::vector<RowTarget> Targets(int row) const override {
+    return {ColorTarget(session_, kind_, NameOf(row), database_)};
   }
 
  private:

@@ -9,6 +9,7 @@
 #include "core/colors/formulas.h"
 #include "core/inventory/lots.h"
 #include "desktop/kit/record_fields.h"
+#include "desktop/kit/swatch_view.h"
 #include "desktop/kit/text.h"
 #include "desktop/tools/color_selection.h"
 #include "desktop/tools/tool_parts.h"
@@ -87,8 +88,7 @@ void DBDelColors::ShowFormula() {
     total = TotalOf(recipe);
     for (const Ingredient& line : recipe) {
       TableSource::Cell ingredient(line.name);
-      if (const auto basic = ReadBasic(session, line.name, database))
-        ingredient.swatch = QColor(basic->book.Red, basic->book.Green, basic->book.Blue);
+      if (const auto basic = ReadBasic(session, line.name, database)) ingredient.swatch = ColorOf(InkOf(basic->book));
       source->Add({ingredient, {Fixed(line.amount, 3), line.amount}});
     }
   }

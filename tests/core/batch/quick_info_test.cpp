@@ -6,7 +6,7 @@
 
 #include "batch_room.h"
 #include "core/batch/additions.h"
-#include "core/batch/ink.h"
+#include "core/colors/ink.h"
 
 namespace vellumark::test {
 namespace {
@@ -71,6 +71,19 @@ TEST_F(QuickInfoTest, InkIsThatOfTheColorOfItsKind) {
   EXPECT_FALSE(InkOf(session, ColorKind::Basic, "NEVER SET"));
   EXPECT_FALSE(InkOf(session, ColorKind::Basic, "RED"));
   EXPECT_FALSE(InkOf(session, ColorKind::Mix, "NOBODY"));
+  // A formula without a swatch shows what its inks come to, as far as half of it is known.
+  Basic("SKY", {{"Red", 40}, {"Green", 90}, {"Blue", 220}});
+  Basic("PAPER", {{"Red", 250}, {"Green", 250}, {"Blue", 250}});
+  Mix("PALE", {{"SKY", 10}, {"PAPER", 90}});
+  Mix("DEEP", {{"SKY", 60}, {"PAPER", 40}});
+  Mix("UNKNOWN", {{"SKY", 40}, {"RED", 60}});
+  const auto pale = InkOf(session, ColorKind::Mix, "PALE"), deep = InkOf(session, ColorKind::Mix, "DEEP");
+  ASSERT_TRUE(pale && deep);
+  EXPECT_TRUE(pale->estimated && deep->estimated);
+  EXPECT_GT(pale->Red, deep->Red);
+  EXPECT_GT(deep->Blue, deep->Red);
+  EXPECT_LT(pale->Red, 250);
+  EXPECT_FALSE(InkOf(session, ColorKind::Mix, "UNKNOWN"));
 }
 
 TEST_F(QuickInfoTest, TheFaultyLineOfSeveralAdditions) {

@@ -199,6 +199,14 @@ TEST_F(BasicColorsTest, TheSwatchIsSetByHandUnlessAGuideGivesIt) {
   Click(*form, "cmdSave");
   EXPECT_EQ(ReadBasic(session, "RED")->book.Red, 200);
   EXPECT_EQ(ReadBasic(session, "RED")->book.Green, 25);
+  // Black is an ink, blank fields are none.
+  for (const auto& [typed, shown] : {std::pair{"0", "#000000"}, std::pair{"", ""}}) {
+    for (const char* part : {"txtRed", "txtGreen", "txtBlue"}) Fill(*form, part, typed);
+    EXPECT_EQ(ink(), shown);
+    Click(*form, "cmdSave");
+    Enter("RED");
+    EXPECT_EQ(ink().empty(), std::string_view(shown).empty()) << ink();
+  }
   Enter("GUIDED");
   EXPECT_TRUE(Control<QLineEdit>(*form, "txtRed").isReadOnly());
 }

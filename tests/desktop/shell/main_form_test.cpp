@@ -98,7 +98,8 @@ TEST(Start, AnEarlierFileOpensToAReadyMainWindow) {
   ASSERT_TRUE(running.Start());
   MainForm& main = running.program.Main();
   EXPECT_TRUE(main.isVisible());
-  EXPECT_EQ(main.windowTitle().toStdString(), "Version " VELLUMARK_VERSION "   -   " + path.string());
+  EXPECT_EQ(main.windowTitle().toStdString(),
+            "Version " VELLUMARK_VERSION "   -   " + path.string() + "   -   INK ROOM");
   EXPECT_EQ(Control<QComboBox>(main, "cmbDBList").currentText(), QStringLiteral("INK ROOM"));
   EXPECT_EQ(Control<QLabel>(main, "lblFullName").text(), QStringLiteral("Custom Database"));
   EXPECT_FALSE(Control<QToolButton>(main, "Users").isVisible());

@@ -11,6 +11,7 @@
 #include <QLineEdit>
 #include <QMenu>
 #include <QMimeData>
+#include <QPushButton>
 #include <QSplitter>
 #include <QTabWidget>
 #include <QTableView>
@@ -18,8 +19,10 @@
 #include <QTimer>
 #include <QUrl>
 
+#include "core/colors/basics.h"
 #include "core/datafile/databases.h"
 #include "core/datafile/lifecycle.h"
+#include "core/shell/opening.h"
 #include "desktop/kit/grid.h"
 #include "desktop/kit/main_area.h"
 #include "desktop/kit/message_prompt.h"
@@ -135,8 +138,64 @@ struct WaysTest : testing::Test {
     QApplication::sendEvent(grid.View().viewport(), &event);
   }
 
+  void BeActive() {
+    desktop::MainForm& main = running->program.Main();
+    if (QApplication::activeModalWidget() != nullptr || (main.isActiveWindow() && QApplication::focusWidget())) return;
+    main.activateWindow();
+    Settle();
+  }
+  // A key to whoever has the focus, without keeping the program from the next for longer than a moment.
+  void Key(Qt::Key key, Qt::KeyboardModifiers with = Qt::NoModifier) {
+    BeActive();
+    QWidget* focus = QApplication::focusWidget();
+    const CpuTimer timer;
+    Press(focus == nullptr ? running->program.Main() : *focus, key, with);
+    slowest = std::max(slowest, timer.Ms());
+    ++keys;
+  }
+  void Keys(const std::string& text) {
+    TypeOn(text);
+    keys += static_cast<int>(text.size());
+  }
+  // The key opens a dialog; `inside` goes on in it until it has closed.
+  void KeyInto(Qt::Key key, Qt::KeyboardModifiers with, const char* dialog, const std::function<void()>& inside) {
+    bool entered = false;
+    BeActive();
+    QWidget* focus = QApplication::focusWidget();
+    // A button of the toolbar shows that it was pressed, then acts.
+    WithModal(
+        [&] {
+          Press(focus == nullptr ? running->program.Main() : *focus, key, with);
+          WaitFor([&] { return entered; });
+        },
+        [&](QWidget& shown) {
+          entered = true;
+          EXPECT_EQ(shown.objectName(), dialog);
+          inside();
+        });
+    ++keys;
+    running->program.Main().activateWindow();
+    Settle();
+  }
+  // Ctrl+K, the text, Enter.
+  void Find(const std::string& text) {
+    KeyInto(Qt::Key_K, Qt::ControlModifier, "QuickFindForm", [&] {
+      Keys(text);
+      QWidget& find = *QApplication::activeModalWidget();
+      EXPECT_TRUE(WaitFor([&] { return Control<desktop::Grid>(find, "fgHits").Model().rowCount() > 0; })) << text;
+      Key(Qt::Key_Return);
+    });
+  }
+  bool IsOpen(const char* window) {
+    return WaitFor(
+        [&] { return running->windows.ActiveForm() != nullptr && running->windows.ActiveForm()->Name() == window; });
+  }
+  double Figure(const std::string& sql) { return running->session.File().Scalar(sql).Number(); }
+
   FurnishedRoom room;
   std::unique_ptr<Running> running;
+  int keys = 0;
+  double slowest = 0;  ///< processor time of a key, in ms
 };
 
 TEST_F(WaysTest, ListsAreFilteredOpenedFromAndFollowChanges) {
@@ -254,6 +313,161 @@ TEST_F(WaysTest, KeysFindHelpAndClose) {
   running->prompt.SetHook([](const Message&) { return Answer::No; });
   pressed(Qt::Key_W, Qt::ControlModifier);
   EXPECT_TRUE(WaitFor([&] { return !running->windows.IsFormOpen("MixColorsForm"); }));
+}
+
+// Someone who has typed a name has the Batch on file with fewer than ten keys, its lots chosen.
+TEST_F(WaysTest, ABatchTakesFewKeysAfterItsName) {
+  Key(Qt::Key_3, Qt::ControlModifier);
+  ASSERT_TRUE(IsOpen("BatchForm"));
+  Keys("TARGET");
+  keys = 0;
+  Key(Qt::Key_Return);
+  Keys("20");
+  Key(Qt::Key_Return);
+  EXPECT_TRUE(FocusName().starts_with("lblLot")) << FocusName();
+  KeyInto(Qt::Key_Return, Qt::NoModifier, "BatchLotInvSelector", [&] { Key(Qt::Key_F2); });
+  EXPECT_EQ(FocusName(), "JobNumber") << "all lines have their lots";
+  Picture(running->program.Main(), "day-lots-chosen");
+  // What is made has no lot number, which is asked about.
+  KeyInto(Qt::Key_S, Qt::ControlModifier, "BatchFormLotNumReminder", [&] { Key(Qt::Key_N); });
+  EXPECT_LT(keys, 10);
+  EXPECT_EQ(Figure("SELECT COUNT(*) FROM INK_Batch"), 3);
+  EXPECT_EQ(Figure("SELECT SUM(LotQty) FROM INK_Batch_LotInv WHERE BatchNo = 3"), 20);
+}
+
+// What the operator of the sample room does on a day, by keys alone: a Batch, a stock count, a look at a Job, a formula
+// that goes by mistake and comes back, the end.
+TEST_F(WaysTest, ADayByKeys) {
+  desktop::MainForm& main = running->program.Main();
+  main.activateWindow();
+  Settle();
+  EXPECT_EQ(FocusName(), "cmdMakeBatch");
+  Picture(main, "day-morning");
+  Key(Qt::Key_Return);
+  ASSERT_TRUE(IsOpen("BatchForm"));
+  Keys("TARGET");
+  Key(Qt::Key_Return);
+  Keys("15");
+  Key(Qt::Key_Return);
+  KeyInto(Qt::Key_Return, Qt::NoModifier, "BatchLotInvSelector", [&] { Key(Qt::Key_F2); });
+  Keys("J1");
+  Key(Qt::Key_Return);
+  KeyInto(Qt::Key_S, Qt::ControlModifier, "BatchFormLotNumReminder", [&] { Key(Qt::Key_N); });
+  EXPECT_EQ(Figure("SELECT COUNT(*) FROM INK_Batch"), 3);
+  Key(Qt::Key_W, Qt::ControlModifier);
+  ASSERT_TRUE(WaitFor([&] { return running->windows.OpenForms().empty(); }));
+
+  // Ink that came in, counted by hand.
+  // It explains itself once.
+  KeyInto(Qt::Key_5, Qt::ControlModifier, "InvLotInstructions", [&] { Key(Qt::Key_Escape); });
+  ASSERT_TRUE(IsOpen("AdjustInventoryForm"));
+  Keys("BLUE");
+  Key(Qt::Key_Return);
+  for (int step = 0; step < 12 && FocusName() != "txtQuantity" && FocusName() != "AdjustInv"; ++step) Key(Qt::Key_Tab);
+  const double before = Figure("SELECT Inventory FROM INK_Basic WHERE Color_Name = 'BLUE'");
+  Keys("25");
+  Key(Qt::Key_F5);
+  Key(Qt::Key_S, Qt::ControlModifier);
+  EXPECT_EQ(Figure("SELECT Inventory FROM INK_Basic WHERE Color_Name = 'BLUE'"), before + 25);
+  Picture(main, "day-stock");
+  Key(Qt::Key_W, Qt::ControlModifier);
+
+  Find("J1");
+  ASSERT_TRUE(IsOpen("JobForm"));
+  Picture(main, "day-job");
+  Key(Qt::Key_Escape);
+  ASSERT_TRUE(WaitFor([&] { return !running->windows.IsFormOpen("JobForm"); }));
+
+  // A formula goes, and comes back out of the list of what was done.
+  Find("LIME");
+  ASSERT_TRUE(IsOpen("MixColorsForm"));
+  KeyInto(Qt::Key_D, Qt::ControlModifier, "MessageDialog", [&] { Key(Qt::Key_Y); });
+  EXPECT_EQ(Figure("SELECT COUNT(*) FROM INK_Mix WHERE Color_Name = 'LIME'"), 0);
+  Key(Qt::Key_W, Qt::ControlModifier);
+  Key(Qt::Key_Z, Qt::ControlModifier | Qt::ShiftModifier);
+  ASSERT_TRUE(IsOpen("UndoForm"));
+  Picture(main, "day-take-back");
+  KeyInto(Qt::Key_Return, Qt::NoModifier, "MessageDialog", [&] { Key(Qt::Key_Y); });
+  EXPECT_EQ(Figure("SELECT COUNT(*) FROM INK_Mix WHERE Color_Name = 'LIME'"), 1);
+  EXPECT_EQ(Figure("SELECT Inventory FROM INK_Mix WHERE Color_Name = 'LIME'"), 6);
+  Key(Qt::Key_Escape);
+
+  Find("All Batches");
+  ASSERT_TRUE(IsOpen("BatchesListForm"));
+  Key(Qt::Key_Down);
+  Key(Qt::Key_Return);
+  ASSERT_TRUE(IsOpen("BatchForm"));
+  Key(Qt::Key_Escape);
+  Key(Qt::Key_Escape);
+  ASSERT_TRUE(WaitFor([&] { return !running->windows.IsFormOpen("BatchForm"); }));
+  std::cout << keys << " keys, the slowest took " << slowest << " ms\n";
+  EXPECT_LT(slowest, 100 * kSlower);
+}
+
+// Save, Copy and the rest work from wherever the focus is, and are on only where the window in front has them.
+TEST_F(WaysTest, TheCommonCommandsFollowTheFocus) {
+  desktop::MainForm& main = running->program.Main();
+  auto* menu = main.findChild<QMenu*>("menuHiddenMenu");
+  const auto isOn = [&](const char* item) {
+    Q_EMIT menu->aboutToShow();
+    return main.findChild<QAction*>(item)->isEnabled();
+  };
+  for (const char* item : {"menuSaveRecord", "menuDeleteRecord", "menuPrintRecord", "MenuEditCut"})
+    EXPECT_FALSE(isOn(item)) << item;
+  running->windows.OpenForm("BasicColorsForm", {{"FindRecord", "GREEN"}});
+  Settle();
+  EXPECT_TRUE(isOn("menuDeleteRecord"));
+  auto& form = *running->windows.Form("BasicColorsForm");
+  auto& code = Control<QLineEdit>(form, "txtColorCode");
+  code.setFocus();
+  TypeOn("G-7");
+  code.selectAll();
+  EXPECT_TRUE(isOn("MenuEditCopy"));
+  main.findChild<QAction*>("MenuEditCut")->trigger();
+  EXPECT_EQ(code.text(), "");
+  EXPECT_FALSE(isOn("MenuEditCut"));
+  main.findChild<QAction*>("MenuEditPaste")->trigger();
+  EXPECT_EQ(code.text(), "G-7");
+  // From the toolbar, where no button of the window hears the key.
+  Control(main, "Batch").setFocus();
+  Press(Control(main, "Batch"), Qt::Key_S, Qt::ControlModifier);
+  EXPECT_EQ(running->session.File().Scalar("SELECT Color_Code FROM INK_Basic WHERE Color_Name = 'GREEN'").Text(),
+            "G-7");
+  ChooseInMenu(
+      [&] {
+        QContextMenuEvent event(QContextMenuEvent::Mouse, {5, 5}, form.mapToGlobal(QPoint(5, 5)));
+        QApplication::sendEvent(&form, &event);
+      },
+      "Delete");
+}
+
+// A color that only another Database has is found there, and that Database can be gone to.
+TEST_F(WaysTest, AColorOfAnotherDatabaseIsFoundThere) {
+  Session& session = running->session;
+  ASSERT_TRUE(ChangeDatabase(session, "UV"));
+  {
+    Transaction transaction(session.File());
+    AddZeroBasic(session, "UV ONLY", false);
+    transaction.Commit();
+  }
+  ASSERT_TRUE(ChangeDatabase(session, "INK"));
+  Settle();
+  // It explains itself once.
+  KeyInto(Qt::Key_5, Qt::ControlModifier, "InvLotInstructions", [&] { Key(Qt::Key_Escape); });
+  ASSERT_TRUE(IsOpen("AdjustInventoryForm"));
+  Keys("UV ONLY");
+  KeyInto(Qt::Key_Return, Qt::NoModifier, "OtherDatabasesForm", [&] { Key(Qt::Key_Return); });
+  ASSERT_TRUE(WaitFor([&] { return session.CurrentDatabase == "UV"; }));
+  ASSERT_TRUE(IsOpen("AdjustInventoryForm"));
+  EXPECT_EQ(Control<QLineEdit>(*running->windows.Form("AdjustInventoryForm"), "cmbColorName").text(), "UV ONLY");
+  running->windows.CloseChildWindows();
+  Settle();
+  // The start page leads back.
+  auto* back = Control(running->program.Main(), "pnlDatabases").findChild<QPushButton*>();
+  ASSERT_NE(back, nullptr);
+  EXPECT_EQ(back->text(), "INK");
+  back->click();
+  EXPECT_TRUE(WaitFor([&] { return session.CurrentDatabase == "INK"; }));
 }
 
 }  // namespace

@@ -1,0 +1,40 @@
+#pragma once
+
+#include <span>
+
+#include "desktop/kit/window.h"
+
+namespace vellumark::desktop {
+
+/// A button of a menu, and the window that it opens. Texts are translated under the name of the menu.
+struct MenuEntry {
+  const char* button;
+  const char* caption;
+  const char* window;
+  const char* icon = nullptr;
+  const char* heading = nullptr;  ///< of the group that the entry begins
+  bool isDialog = false;
+  bool besideTheOthers = false;  ///< a column begins with it, where one would reach out of a small screen
+};
+
+/// The small menu of a button of the toolbar: the entries whose windows this program has. Up and Down go through them,
+/// the underlined letter alone presses one. It closes before the window opens.
+class ToolbarMenu : public Window {
+  Q_OBJECT
+
+ public:
+  ToolbarMenu(WindowList& windowList, const char* name, const char* title, int buttonWidth,
+              std::span<const MenuEntry> entries);
+
+ protected:
+  /// Whether the window may be opened now; says why not.
+  virtual bool MayOpen(std::string_view) { return true; }
+  void keyPressEvent(QKeyEvent* event) override;
+
+ private:
+  void AddEntry(Form& form, const MenuEntry& entry, int width);
+  void Choose(const MenuEntry& entry);
+  bool TakeKey(const QKeyEvent& event);
+};
+
+}  // namespace vellumark::desktop

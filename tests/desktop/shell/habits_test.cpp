@@ -1,0 +1,206 @@
+// What every window has in common: what Esc does, what a screen reader is told, what can be done with a row, how soon
+// it is there.
+
+#include <fmt/format.h>
+#include <gtest/gtest.h>
+
+#include <QAbstractButton>
+#include <QAbstractSpinBox>
+#include <QAccessible>
+#include <QComboBox>
+#include <QLineEdit>
+#include <QMenu>
+#include <QPlainTextEdit>
+#include <QTabBar>
+#include <QTabWidget>
+#include <map>
+
+#include "core/base/text.h"
+#include "desktop/kit/grid.h"
+#include "desktop/kit/name_box.h"
+#include "desktop/kit/row_menu.h"
+#include "every_window.h"
+
+namespace vellumark::test {
+namespace {
+
+struct HabitsTest : EveryWindow {
+  void OnEach(const Visit& visit) {
+    for (const std::string& name : running.windows.Names()) {
+      SCOPED_TRACE(name);
+      where = name;
+      On(name, visit);
+    }
+  }
+  // On the page at hand and on all others.
+  static void OnEachPage(QWidget& window, const std::function<void(QWidget& page)>& visit) {
+    const QPointer<QWidget> open = &window;
+    visit(window);
+    if (open == nullptr) return;
+    for (const QPointer<QTabWidget> tabs : window.findChildren<QTabWidget*>())
+      for (int page = 1; tabs != nullptr && page < tabs->count(); ++page) {
+        if (!tabs->isVisible() || !tabs->isTabVisible(page) || !tabs->isTabEnabled(page)) continue;
+        tabs->setCurrentIndex(page);
+        Settle();
+        if (tabs != nullptr) visit(*tabs->currentWidget());
+      }
+  }
+  void Expect(bool holds, const std::string& what) {
+    if (!holds) found.insert(where + ": " + what);
+  }
+  ~HabitsTest() override {
+    std::string all;
+    for (const std::string& line : found) all += line + "\n";
+    EXPECT_TRUE(found.empty()) << all;
+  }
+
+  std::string where;
+  std::set<std::string> found;
+};
+
+// A list that hangs open, a filter, a half-typed cell go first; the window stays for that key.
+TEST_F(HabitsTest, EscTakesBackTheInnermostThing) {
+  int taken = 0;
+  OnEach([&](QWidget& window) {
+    const QPointer<QWidget> open = &window;
+    const auto esc = [&](QWidget& at, const std::string& what, const std::function<bool()>& isGone) {
+      if (isGone()) return;
+      Press(at, Qt::Key_Escape);
+      ++taken;
+      Expect(open != nullptr && open->isVisible(), "Esc in " + what + " closed it");
+      if (open != nullptr && open->isVisible()) Expect(isGone(), "Esc left " + what);
+    };
+    // What hung over the window had the keys.
+    const auto goOn = [&] {
+      if (open != nullptr) open->window()->activateWindow();
+      Settle();
+    };
+    for (const QPointer<QComboBox> combo : window.findChildren<QComboBox*>()) {
+      goOn();
+      if (combo == nullptr || !combo->isVisible() || !combo->isEnabled() || combo->count() == 0) continue;
+      combo->setFocus();
+      combo->showPopup();
+      QWidget* popup = QApplication::activePopupWidget();
+      if (popup == nullptr) continue;
+      esc(*popup, combo->objectName().toStdString(), [&] { return combo == nullptr || !combo->view()->isVisible(); });
+    }
+    for (const QPointer<QLineEdit> filter : window.findChildren<QLineEdit*>()) {
+      if (open == nullptr || filter == nullptr || !filter->isVisible() || !filter->objectName().endsWith("_Filter"))
+        continue;
+      goOn();
+      Type(*filter, "q");
+      esc(*filter, filter->objectName().toStdString(), [&] { return filter == nullptr || filter->text().isEmpty(); });
+    }
+    for (const QPointer<desktop::NameBox> box : window.findChildren<desktop::NameBox*>()) {
+      if (open == nullptr || box == nullptr || !box->isVisible() || !box->isEnabled() || box->isReadOnly()) continue;
+      goOn();
+      box->setFocus();
+      Press(*box, Qt::Key_Down);
+      QWidget* popup = QApplication::activePopupWidget();
+      if (popup == nullptr) continue;
+      esc(*popup, box->objectName().toStdString(), [&] { return QApplication::activePopupWidget() == nullptr; });
+    }
+  });
+  std::cout << taken << " things were taken back\n";
+  EXPECT_GT(taken, 60);
+}
+
+// Whatever can have the focus says what it is.
+TEST_F(HabitsTest, WhatHasTheFocusHasAName) {
+  int named = 0;
+  OnEach([&](QWidget& window) {
+    OnEachPage(window, [&](QWidget& page) {
+      for (QWidget* widget : page.findChildren<QWidget*>()) {
+        if (!widget->isVisible() || (widget->focusPolicy() & Qt::TabFocus) == 0 || widget->focusProxy() != nullptr)
+          continue;
+        // The parts of a field are told with it.
+        if (qobject_cast<QComboBox*>(widget->parentWidget()) != nullptr ||
+            qobject_cast<QAbstractSpinBox*>(widget->parentWidget()) != nullptr ||
+            qobject_cast<QTabBar*>(widget) != nullptr || widget->objectName().startsWith("qt_"))
+          continue;
+        QAccessibleInterface* told = QAccessible::queryAccessibleInterface(widget);
+        const bool has = told != nullptr && (!told->text(QAccessible::Name).trimmed().isEmpty());
+        Expect(has,
+               fmt::format("{} {} has no name", widget->metaObject()->className(), widget->objectName().toStdString()));
+        ++named;
+      }
+    });
+  });
+  std::cout << named << " controls were asked for their names\n";
+  EXPECT_GT(named, 800);
+}
+
+// Every list has a menu on its rows, and a row about something leads there.
+TEST_F(HabitsTest, RowsHaveMenusThatLeadOn) {
+  std::map<std::string, std::string> leads;
+  OnEach([&](QWidget& window) {
+    OnEachPage(window, [&](QWidget& page) {
+      for (auto* grid : page.findChildren<desktop::Grid*>()) {
+        if (!grid->isVisible() || grid->ShownRows().empty()) continue;
+        auto* rows = desktop::RowMenu::Of(*grid);
+        Expect(rows != nullptr, grid->objectName().toStdString() + " has no menu");
+        if (rows == nullptr) continue;
+        grid->SetCurrentRow(grid->ShownRows().front());
+        QMenu menu;
+        rows->Fill(menu, grid->ShownRows().front());
+        std::string entries;
+        for (const QAction* action : menu.actions())
+          entries += (action->isSeparator() ? "-" : QString(action->text()).remove('&')).toStdString() + "|";
+        Expect(entries.ends_with("Copy|"), grid->objectName().toStdString() + " copies nothing");
+        leads[where + " " + grid->objectName().toStdString()] = entries;
+      }
+    });
+  });
+  std::cout << leads.size() << " lists with menus\n";
+  for (const char* list : {"BasicsListForm fgAll", "BatchesListForm fgAll", "JobsListForm fgAll",
+                           "FormulasListForm fgAll", "StockHistoryForm fgHistory", "ViewBatchForm fgRows",
+                           "RecentBatchesForm fgBatches", "JobForm fg", "WhereUsedForm fgUses", "DBDelColors lstMixes"})
+    Expect(leads.contains(list) && leads[list].find("Open") != std::string::npos, std::string(list) + " leads nowhere");
+  EXPECT_NE(leads["StockHistoryForm fgHistory"].find("Open the color"), std::string::npos);
+}
+
+// Fifty milliseconds of the processor, on a machine as fast as the one of the desk; the best of three counts, since
+// what else runs here takes from its caches.
+TEST_F(HabitsTest, EveryWindowOpensInAMoment) {
+  const auto work = [] {
+    const CpuTimer timer;
+    std::uint64_t sum = 0;
+    for (int n = 0; n < 200000; ++n) sum += fmt::format("{} {:.3f}", n, n / 7.0).size();
+    EXPECT_GT(sum, 0U);
+    return timer.Ms();
+  };
+  constexpr double kOnADesk = 45;  // ms of that work
+  const double slow = std::max({1.0, std::min({work(), work(), work()}) / kOnADesk});
+  running.program.Main().setUpdatesEnabled(true);
+  std::map<double, std::string> all;
+  for (const std::string& name : running.windows.Names()) {
+    SCOPED_TRACE(name);
+    where = name;
+    double best = 1e9;
+    for (int time = 0; time < 3; ++time) {
+      try {
+        const CpuTimer timer;
+        desktop::Window* window = running.windows.OpenForm(name, ShownBy(name));
+        QApplication::processEvents();
+        best = std::min(best, timer.Ms());
+        if (window == nullptr) break;
+      } catch (const std::logic_error& none) {
+        if (!std::string_view(none.what()).starts_with("there is no window")) throw;
+        break;
+      }
+      running.windows.CloseChildWindows();
+      Settle();
+    }
+    if (best > 1e8) continue;
+    all[best] = name;
+    // A hundred fields to search by.
+    const double limit = name.starts_with("Find") ? 100 : 50;
+    Expect(best < limit * kSlower * slow, fmt::format("takes {:.0f} ms on a machine {:.1f} times as slow", best, slow));
+  }
+  for (auto it = all.rbegin(); it != all.rend() && std::distance(all.rbegin(), it) < 8; ++it)
+    std::cout << fmt::format("{:.1f} ms {}\n", it->first, it->second);
+  EXPECT_GT(all.size(), 60U);
+}
+
+}  // namespace
+}  // namespace vellumark::test
