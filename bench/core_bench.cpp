@@ -113,7 +113,7 @@ BENCHMARK(PassRaw)->Name("pass_100k/raw")->Unit(benchmark::kMillisecond)->Iterat
 class NoWindows final : public OpeningWindows {
  public:
   void ShowNewDataFile(const std::string&) override {}
-  bool ShowUpdateDataFile(const std::filesystem::path&, int) override { return false; }
+  std::optional<std::filesystem::path> ShowUpdateDataFile(const std::filesystem::path&, int) override { return {}; }
   void Login(Session&) override {}
   void SetCaption(const std::string&) override {}
   void SuggestArchive(Session&) override {}

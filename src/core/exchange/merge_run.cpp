@@ -252,6 +252,7 @@ class Merger {
     FigureBook book(session_, database_);
     RecipeWriter changed(session_, database_, kRolledUp);
     RecipeWriter added(session_, database_, NewFormulaFields());
+    for (RecipeWriter* writer : {&changed, &added}) writer->SetMore(3, session_.clock.Today());
     PresentRecipes present(session_, database_);
     const std::size_t all = plan_.Taken();
     std::size_t done = 0;
@@ -265,8 +266,7 @@ class Merger {
         writer.Set(formula.recipe, SetHere(plan_, formula.addSetName))
             .SetMore(0, rolledUp.BasicCost)
             .SetMore(1, rolledUp.BasicVOC)
-            .SetMore(2, rolledUp.BasicHAP)
-            .SetMore(3, session_.clock.Today());
+            .SetMore(2, rolledUp.BasicHAP);
         choice.key == 0 ? Add(formula, writer) : Replace(choice.key, formula, writer, present);
       });
       if (++done % 64 != 0) continue;
@@ -286,8 +286,12 @@ class Merger {
   void Add(const SourceColor& formula, RecipeWriter& writer) {
     auto mix = NewColor<MixColor>(session_, figures_, formula, mixNames_);
     mix.Recycle = formula.recycle.value_or(true);
-    std::size_t place = kRolledUp.size();
-    for (const Cell& cell : MixFields().Cells(mix, kNewRowUses)) writer.SetMore(place++, cell.second);
+    // Most of what stands in a new row stood in the one before, which the writer still has.
+    std::vector<Cell> cells = MixFields().Cells(mix, kNewRowUses);
+    for (std::size_t n = 0; n < cells.size(); ++n)
+      if (lastCells_.empty() || cells[n].second != lastCells_[n].second)
+        writer.SetMore(kRolledUp.size() + n, cells[n].second);
+    lastCells_ = std::move(cells);
     formulaKeys_.push_back(writer.Insert());
     report_.added.push_back(formula.name);
     AskForStock(ColorKind::Mix, formula);
@@ -351,6 +355,7 @@ class Merger {
   std::vector<std::int64_t> basicKeys_;
   std::vector<std::int64_t> setKeys_;
   std::vector<ReplacedRecipe> replaced_;
+  std::vector<Cell> lastCells_;
   std::vector<Posting> stock_;
 };
 
