@@ -57,6 +57,14 @@ std::uint64_t DigestOfColumns(sqlite3_stmt* row, int first) {
   return std::max<std::uint64_t>(digest.Value(), 1);
 }
 
+// Of an entry of the log, so that a bit that flips in it is not taken for one in a row.
+std::uint64_t DigestOfEntry(std::int64_t entry, std::string_view sums) {
+  Digest digest;
+  digest.Add(static_cast<std::uint64_t>(entry));
+  digest.Add(sums);
+  return digest.Value();
+}
+
 void BindText(sqlite3_stmt* statement, int parameter, std::string_view text) {
   sqlite3_bind_text(statement, parameter, text.data(), static_cast<int>(text.size()), SQLITE_STATIC);
 }
@@ -115,7 +123,7 @@ RowChecks::RowChecks(const std::filesystem::path& path, sqlite3* connection) : p
 RowChecks::~RowChecks() {
   sqlite3_update_hook(connection_, nullptr, nullptr);
   sqlite3_set_authorizer(connection_, nullptr, nullptr);
-  for (sqlite3_stmt* statement : {read_, insert_, update_, remove_}) sqlite3_finalize(statement);
+  for (sqlite3_stmt* statement : {read_, insert_, update_, remove_, log_}) sqlite3_finalize(statement);
   for (const KnownTable& table : tables_) {
     sqlite3_finalize(table.row);
     sqlite3_finalize(table.rows);
@@ -208,13 +216,35 @@ bool RowChecks::StandInFile() const {
   return Stands(kTable);
 }
 
+bool RowChecks::LogStands() const {
+  return Stands(kLog);
+}
+
+void RowChecks::MakeLog() {
+  Execute(fmt::format("CREATE TABLE IF NOT EXISTS main.{} (Entry INTEGER PRIMARY KEY, Sums BLOB) WITHOUT ROWID", kLog));
+}
+
+void RowChecks::Begin() {
+  kept_ = true;
+  logs_ = LogStands();
+  if (logs_) CountLog();
+}
+
+void RowChecks::CountLog() {
+  Query last(*this, fmt::format("SELECT COALESCE(MAX(Entry), 0), COUNT(*) FROM main.{}", kLog));
+  last.Step();
+  entry_ = last.Whole(0);
+  entries_ = last.Whole(1);
+  takenBack_ = false;
+}
+
 // By the names in the engine's list of tables, which are not those that it goes by: a letter that turned over shows there
 // alone.
 std::vector<std::string> RowChecks::Tables() const {
   Query rows(*this, fmt::format("SELECT m.name FROM main.sqlite_master m JOIN pragma_table_list l ON l.name = m.name "
                                 "COLLATE NOCASE WHERE m.type = 'table' AND l.schema = 'main' AND l.type = 'table' AND "
-                                "l.wr = 0 AND m.name NOT LIKE 'sqlite\\_%' ESCAPE '\\' AND m.name <> '{}' ORDER BY m.name",
-                                kTable));
+                                "l.wr = 0 AND m.name NOT LIKE 'sqlite\\_%' ESCAPE '\\' AND m.name NOT IN ('{}', '{}') ORDER BY m.name",
+                                kTable, kLog));
   std::vector<std::string> names;
   while (rows.Step()) names.push_back(rows.Text(0));
   return names;
@@ -246,24 +276,30 @@ void RowChecks::Write(std::string_view table, const Record& written) {
   Run(statement);
 }
 
+// 0 when it is gone.
+std::uint64_t RowChecks::DigestRow(const Row& row) {
+  KnownTable& table = tables_[row.table];
+  if (table.row == nullptr)
+    table.row = Made(fmt::format("SELECT rowid, * FROM main.{} WHERE rowid = ?1", Quoted(table.name)));
+  sqlite3_bind_int64(table.row, 1, row.key);
+  const std::uint64_t sum = Step(table.row) ? DigestOfColumns(table.row, 1) : 0;
+  sqlite3_reset(table.row);
+  return sum;
+}
+
 // `rows` stand in one block and in their order. Many are read in one walk, which costs less than looking each up.
 void RowChecks::DigestRows(std::span<const Row> rows, Record& record) {
   constexpr std::size_t kMany = 4;
-  KnownTable& table = tables_[rows.front().table];
-  const bool walk = rows.size() >= kMany;
-  sqlite3_stmt*& statement = walk ? table.rows : table.row;
-  if (statement == nullptr)
-    statement = Made(fmt::format("SELECT rowid, * FROM main.{} WHERE rowid {}", Quoted(table.name),
-                                 walk ? "BETWEEN ?1 AND ?2 ORDER BY rowid" : "= ?1"));
-  for (const Row& row : rows) record.sums[PlaceInBlock(row.key)] = 0;  // unless it is found
-  if (!walk) {
-    for (const Row& row : rows) {
-      sqlite3_bind_int64(statement, 1, row.key);
-      if (Step(statement)) record.sums[PlaceInBlock(row.key)] = DigestOfColumns(statement, 1);
-      sqlite3_reset(statement);
-    }
+  if (rows.size() < kMany) {
+    for (const Row& row : rows) record.sums[PlaceInBlock(row.key)] = DigestRow(row);
     return;
   }
+  KnownTable& table = tables_[rows.front().table];
+  sqlite3_stmt*& statement = table.rows;
+  if (statement == nullptr)
+    statement = Made(fmt::format("SELECT rowid, * FROM main.{} WHERE rowid BETWEEN ?1 AND ?2 ORDER BY rowid",
+                                 Quoted(table.name)));
+  for (const Row& row : rows) record.sums[PlaceInBlock(row.key)] = 0;  // unless it is found
   sqlite3_bind_int64(statement, 1, rows.front().key);
   sqlite3_bind_int64(statement, 2, rows.back().key);
   for (auto row = rows.begin(); row != rows.end() && Step(statement);) {
@@ -276,9 +312,20 @@ void RowChecks::DigestRows(std::span<const Row> rows, Record& record) {
 
 void RowChecks::Keep() {
   if (written_.empty()) return;
+  if (logs_ && takenBack_) CountLog();
   std::ranges::sort(written_);
   const auto twice = std::ranges::unique(written_);
   written_.erase(twice.begin(), twice.end());
+  if (logs_ && written_.size() <= kFewRows) {
+    KeepInLog();
+  } else {
+    KeepInBlocks();
+  }
+  written_.clear();
+}
+
+void RowChecks::KeepInBlocks() {
+  if (entries_ > 0) Fold();  // what it says of these rows is older
   Record record;
   for (auto row = written_.begin(); row != written_.end();) {
     const std::string& table = tables_[row->table].name;
@@ -293,17 +340,85 @@ void RowChecks::Keep() {
     }
     row = end;
   }
-  written_.clear();
+}
+
+// For each row the length of its table's name, the name, the key and the digest; one of all of it at the end.
+void RowChecks::KeepInLog() {
+  if (entries_ >= kMostEntries) Fold();
+  std::string sums;
+  const auto add = [&](std::uint64_t word) { sums.append(reinterpret_cast<const char*>(&word), sizeof word); };
+  for (const Row& row : written_) {
+    const std::string& name = tables_[row.table].name;
+    add(name.size());
+    sums += name;
+    add(static_cast<std::uint64_t>(row.key));
+    add(DigestRow(row));
+  }
+  ++entry_;
+  ++entries_;
+  add(DigestOfEntry(entry_, sums));
+  if (log_ == nullptr) log_ = Made(fmt::format("INSERT INTO main.{} (Entry, Sums) VALUES (?1, ?2)", kLog));
+  sqlite3_bind_int64(log_, 1, entry_);
+  sqlite3_bind_blob(log_, 2, sums.data(), static_cast<int>(sums.size()), SQLITE_STATIC);
+  Run(log_);
+}
+
+RowChecks::LoggedSums RowChecks::ReadLog(const std::function<void(std::int64_t entry)>& unsound) {
+  LoggedSums logged;
+  if (!LogStands()) return logged;
+  Query entries(*this, fmt::format("SELECT Entry, Sums FROM main.{} ORDER BY Entry", kLog));
+  while (entries.Step()) {
+    std::string_view sums = BytesOf(sqlite3_column_value(entries.get(), 1));
+    const auto take = [&] {
+      std::uint64_t word = 0;
+      std::memcpy(&word, sums.data(), sizeof word);
+      sums.remove_prefix(sizeof word);
+      return word;
+    };
+    constexpr std::size_t kWord = sizeof(std::uint64_t);
+    std::uint64_t own = 0;
+    if (sums.size() >= kWord) std::memcpy(&own, sums.data() + sums.size() - kWord, kWord);
+    if (sums.size() < kWord || own != DigestOfEntry(entries.Whole(0), sums.substr(0, sums.size() - kWord))) {
+      unsound(entries.Whole(0));
+      continue;
+    }
+    sums.remove_suffix(kWord);
+    while (!sums.empty()) {
+      const std::size_t length = take();
+      Sums& rows = logged[std::string(sums.substr(0, length))];
+      sums.remove_prefix(length);
+      const auto key = static_cast<std::int64_t>(take());
+      rows[key] = take();
+    }
+  }
+  return logged;
+}
+
+void RowChecks::Fold() {
+  std::string unsound;
+  const LoggedSums logged =
+      ReadLog([&](std::int64_t entry) { unsound += fmt::format("{}{}", unsound.empty() ? "" : ", ", entry); });
+  Record record;
+  for (const auto& [table, rows] : logged)
+    for (auto row = rows.begin(); row != rows.end();) {
+      const std::int64_t block = BlockOf(row->first);
+      const bool known = Read(table, block, record);
+      for (; row != rows.end() && BlockOf(row->first) == block; ++row) record.sums[PlaceInBlock(row->first)] = row->second;
+      if (known && (record.stands || !record.Empty())) Write(table, record);
+    }
+  Execute(fmt::format("DELETE FROM main.{} WHERE Entry NOT IN ({})", kLog, unsound));
+  entries_ = 0;
 }
 
 void RowChecks::KeepAll() {
   Execute(fmt::format("CREATE TABLE IF NOT EXISTS main.{} (TableName TEXT COLLATE NOCASE, Block INTEGER, Checks BLOB, "
                       "PRIMARY KEY (TableName, Block)) WITHOUT ROWID",
                       kTable));
-  Execute(fmt::format("DELETE FROM main.{}", kTable));
+  MakeLog();
+  for (const std::string_view own : {kTable, kLog}) Execute(fmt::format("DELETE FROM main.{}", own));
   for (const std::string& table : Tables()) KeepTable(table);
   written_.clear();
-  kept_ = true;
+  Begin();
 }
 
 void RowChecks::KeepTable(const std::string& table) {
@@ -324,6 +439,7 @@ void RowChecks::KeepTable(const std::string& table) {
 
 void RowChecks::TableRenamed(std::string_view name, std::string_view newName) {
   if (!kept_) return;
+  if (entries_ > 0) Fold();
   const Query rename(*this, fmt::format("UPDATE main.{} SET TableName = ?2 WHERE TableName = ?1", kTable));
   BindText(rename.get(), 1, name);
   BindText(rename.get(), 2, newName);
@@ -334,6 +450,7 @@ void RowChecks::ForgetDropped() {
   if (dropped_.empty()) return;
   for (const std::string& name : std::exchange(dropped_, {})) {
     if (!kept_ || Stands(name)) continue;
+    if (entries_ > 0) Fold();
     std::erase_if(written_, [&](const Row& row) { return EqualNoCase(tables_[row.table].name, name); });
     const Query drop(*this, fmt::format("DELETE FROM main.{} WHERE TableName = ?1", kTable));
     BindText(drop.get(), 1, name);
@@ -351,26 +468,61 @@ void RowChecks::ForEachStrayRow(const std::function<void(const StrayRow&)>& foun
     Query count(*this, fmt::format("SELECT COUNT(*) FROM main.{}", Quoted(table)));
     if (count.Step()) all += count.Whole(0);
   }
+  const LoggedSums logged =
+      ReadLog([&](std::int64_t entry) { found({std::string(kLog), entry, StrayRow::What::Unknown}); });
   std::int64_t done = 0;
-  for (const std::string& table : tables)
-    if (!CheckTable(table, found, [&] { return goOn(++done, all); })) return;
-  Query kept(*this, fmt::format("SELECT DISTINCT TableName FROM main.{}", kTable));
-  while (kept.Step())  // to the letter: a bit that turns over makes a small letter of a capital
-    if (const std::string table = kept.Text(0); std::ranges::find(tables, table) == tables.end())
-      found({table, 0, StrayRow::What::Gone});
+  for (const std::string& table : tables) {
+    const auto sums = logged.find(table);
+    if (!CheckTable(table, sums == logged.end() ? Sums() : sums->second, found, [&] { return goOn(++done, all); })) return;
+  }
+  std::set<std::string> known;
+  for (Query kept(*this, fmt::format("SELECT DISTINCT TableName FROM main.{}", kTable)); kept.Step();)
+    known.insert(kept.Text(0));
+  for (const auto& [table, sums] : logged) known.insert(table);
+  for (const std::string& table : known)  // to the letter: a bit that turns over makes a small letter of a capital
+    if (std::ranges::find(tables, table) == tables.end()) found({table, 0, StrayRow::What::Gone});
 }
 
+// The records of a table in their order, with what the log says of their rows.
+class RowChecks::Kept {
+ public:
+  Kept(const RowChecks& checks, const std::string& table, const Sums& logged)
+      : records_(checks, fmt::format("SELECT Block, Checks FROM main.{} WHERE TableName = ?1 ORDER BY Block", kTable)),
+        row_(logged.begin()),
+        end_(logged.end()) {
+    BindText(records_.get(), 1, table);
+    more_ = records_.Step();
+  }
+
+  Record Next() {
+    Record record;
+    if (!more_ && row_ == end_) return record;
+    const bool stored = more_ && (row_ == end_ || records_.Whole(0) <= BlockOf(row_->first));
+    record.block = stored ? records_.Whole(0) : BlockOf(row_->first);
+    record.stands = true;
+    if (stored) {
+      record.Take(BytesOf(sqlite3_column_value(records_.get(), 1)));
+      more_ = records_.Step();
+    }
+    for (; row_ != end_ && BlockOf(row_->first) == record.block; ++row_) record.sums[PlaceInBlock(row_->first)] = row_->second;
+    return record;
+  }
+
+ private:
+  Query records_;
+  Sums::const_iterator row_;
+  Sums::const_iterator end_;
+  bool more_ = false;
+};
+
 // Rows and records side by side, both in the order of the keys.
-bool RowChecks::CheckTable(const std::string& table, const std::function<void(const StrayRow&)>& found,
+bool RowChecks::CheckTable(const std::string& table, const Sums& logged, const std::function<void(const StrayRow&)>& found,
                            const std::function<bool()>& goOn) {
   Query rows(*this, fmt::format("SELECT rowid, * FROM main.{} ORDER BY rowid", Quoted(table)));
-  Query records(*this, fmt::format("SELECT Block, Checks FROM main.{} WHERE TableName = ?1 ORDER BY Block", kTable));
-  BindText(records.get(), 1, table);
+  Kept records(*this, table, logged);
   Record record;
   const auto next = [&] {
-    const bool more = records.Step();
-    record = {more ? records.Whole(0) : 0};
-    if (more) record.Take(BytesOf(sqlite3_column_value(records.get(), 1)));
+    record = records.Next();
     if (!record.sound) found({table, KeyAt(record.block, 0), StrayRow::What::Unknown});
   };
   // A digest is taken away with its row: what is left has none.

@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <filesystem>
 #include <functional>
+#include <map>
 #include <set>
 #include <span>
 #include <string>
@@ -17,8 +18,9 @@ struct sqlite3_stmt;
 namespace vellumark {
 
 /// The digests of the rows of one open file (see row_checks.h). They stand in a table of the engine's own, 64 rows of a
-/// table in one record, so that a change of a row costs eight bytes and a bulk change one record for many. The engine
-/// tells each row that is written, by whichever statement; before the commit the row is read again.
+/// table in one record, so that a bulk change costs one record for many. What a save of few rows changes is written into
+/// a log beside, one record for each commit and all of them on the same page; now and then it goes into the table. The
+/// engine tells each row that is written, by whichever statement; before the commit the row is read again.
 class RowChecks {
  public:
   RowChecks(const std::filesystem::path& path, sqlite3* connection);
@@ -27,10 +29,17 @@ class RowChecks {
   RowChecks& operator=(const RowChecks&) = delete;
 
   static constexpr std::string_view kTable = "MSysRowChecks";
+  static constexpr std::string_view kLog = "MSysRowLog";
+  /// Whether a table is one of those two.
+  static bool IsOwn(std::string_view table) { return table == kTable || table == kLog; }
 
   bool StandInFile() const;
+  /// Whether the log stands in it too, which an earlier program did not have.
+  bool LogStands() const;
+  /// In a transaction.
+  void MakeLog();
   /// From now on digests are kept: the file has them.
-  void Begin() { kept_ = true; }
+  void Begin();
   void End() { kept_ = false; }
   /// Makes the table unless it is there, and a digest of every row of the file. In a transaction.
   void KeepAll();
@@ -39,8 +48,13 @@ class RowChecks {
   /// So many rows wait that they take memory worth counting.
   bool ManyWait() const { return written_.size() >= kManyRows; }
   bool Waiting() const { return !written_.empty(); }
-  /// A transaction begins, or was taken back.
+  /// A transaction begins.
   void Forget();
+  /// It was taken back, and what it had done to the digests.
+  void TakeBack() {
+    Forget();
+    takenBack_ = true;
+  }
   /// Those in whose rows the transaction wrote.
   std::set<std::string> WrittenTables() const;
 
@@ -53,6 +67,10 @@ class RowChecks {
 
  private:
   static constexpr std::size_t kManyRows = 16384;
+  static constexpr std::size_t kFewRows = 32;         // that a commit puts into the log
+  static constexpr std::int64_t kMostEntries = 256;  // of the log
+  using Sums = std::map<std::int64_t, std::uint64_t>;  // by the keys of the rows; 0: there is none
+  using LoggedSums = std::map<std::string, Sums, std::less<>>;
   struct Row {
     std::size_t table = 0;
     std::int64_t key = 0;
@@ -72,6 +90,14 @@ class RowChecks {
   static int OnAuthorize(void* self, int action, const char* table, const char*, const char* database, const char*);
   std::size_t PlaceOf(std::string_view table);
   void DigestRows(std::span<const Row> rows, Record& record);
+  void CountLog();
+  std::uint64_t DigestRow(const Row& row);
+  void KeepInBlocks();
+  void KeepInLog();
+  /// What the log says, the latest of each row; `unsound` hears of entries that cannot be relied on.
+  LoggedSums ReadLog(const std::function<void(std::int64_t entry)>& unsound);
+  /// Takes the log into the table of digests. What cannot be relied on stays in it.
+  void Fold();
   bool Read(std::string_view table, std::int64_t block, Record& record);
   void Write(std::string_view table, const Record& record);
   sqlite3_stmt* Made(const std::string& sql) const;
@@ -79,7 +105,8 @@ class RowChecks {
   void Run(sqlite3_stmt* statement) const;
   void Execute(const std::string& sql) const;
   void KeepTable(const std::string& table);
-  bool CheckTable(const std::string& table, const std::function<void(const StrayRow&)>& found,
+  class Kept;
+  bool CheckTable(const std::string& table, const Sums& logged, const std::function<void(const StrayRow&)>& found,
                   const std::function<bool()>& goOn);
   std::vector<std::string> Tables() const;
   [[noreturn]] void Throw() const;
@@ -87,6 +114,10 @@ class RowChecks {
   const std::filesystem::path& path_;
   sqlite3* connection_;
   bool kept_ = false;
+  bool logs_ = false;
+  bool takenBack_ = false;
+  std::int64_t entry_ = 0;    // the last of the log
+  std::int64_t entries_ = 0;  // at most so many stand in it
   std::vector<KnownTable> tables_;
   std::size_t last_ = 0;  // the table that was written last
   std::vector<Row> written_;
@@ -95,6 +126,7 @@ class RowChecks {
   sqlite3_stmt* insert_ = nullptr;
   sqlite3_stmt* update_ = nullptr;
   sqlite3_stmt* remove_ = nullptr;
+  sqlite3_stmt* log_ = nullptr;
 };
 
 }  // namespace vellumark

@@ -447,17 +447,18 @@ std::set<std::string> SqliteDatabase::WrittenTables() const {
 // A file that an earlier program made gets the digests of its rows. Where that cannot be (a damaged page, a full disk) the
 // file opens as it did, and the next opening tries again; what is damaged the check of the structure names.
 void SqliteDatabase::KeepRowChecks() {
-  if (engine_->rows.StandInFile()) {
-    engine_->rows.Begin();
-    return;
-  }
+  RowChecks& rows = engine_->rows;
+  const bool stand = rows.StandInFile();
   try {
-    Transaction transaction(*this);
-    engine_->rows.KeepAll();
-    transaction.Commit();
+    if (!stand || !rows.LogStands()) {
+      Transaction transaction(*this);
+      stand ? rows.MakeLog() : rows.KeepAll();
+      transaction.Commit();
+    }
   } catch (const Failure&) {
-    engine_->rows.End();
+    if (!stand) return rows.End();
   }
+  rows.Begin();
 }
 
 // Rows that were written outside of any transaction stand in the file already. Of very many the memory is given back.
@@ -489,7 +490,7 @@ std::vector<std::string> SqliteDatabase::TableNames() {
       "SELECT name FROM sqlite_master WHERE type='table' AND name NOT LIKE 'sqlite\\_%' "
       "ESCAPE '\\' ORDER BY rowid");
   while (statement.Step())
-    if (statement.TextView(0) != RowChecks::kTable) names.push_back(statement.Text(0));
+    if (!RowChecks::IsOwn(statement.TextView(0))) names.push_back(statement.Text(0));
   return names;
 }
 
@@ -527,7 +528,7 @@ void SqliteDatabase::CommitWork() {
 
 void SqliteDatabase::Rollback() noexcept {
   rolledBack_ = true;
-  engine_->rows.Forget();
+  engine_->rows.TakeBack();
   // The engine rolls back by itself after some failures (a full disk); only a transaction that is still open needs it.
   sqlite3* connection = engine_->connection.getHandle();
   if (sqlite3_get_autocommit(connection) == 0 &&

@@ -3,6 +3,7 @@
 #include <set>
 
 #include "core/backup/deep_check.h"
+#include "core/datafile/row_checks.h"
 #include "support/full_room.h"
 
 namespace vellumark {
@@ -90,6 +91,7 @@ TEST(DeepCheck, FindsEachDamageAndNothingElse) {
     test::FullRoom room;
     EXPECT_TRUE(CheckDataFileRules(room.session, CheckDepth::Deep).Sound());
     room.Breaks(damage.rule);
+    AcceptRows(room.session.File());
     room.session.File().Execute(damage.sql);
     const CheckAnswer answer = CheckDataFileRules(room.session, CheckDepth::Deep);
     ASSERT_EQ(answer.faults.size(), 1U) << damage.sql << (answer.Sound() ? "" : "\n" + FaultText(answer.faults.back()));

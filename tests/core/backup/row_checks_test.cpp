@@ -116,6 +116,23 @@ TEST_F(RowChecks, EveryWayOfWritingKeepsThem) {
             "INK_Basic_LAB 1 INK 1: The row is not as this program wrote it.\n"
             "INK_Batch 1 : The row was added, and not by this program.\n"
             "RED_Basic_LAB 2999 : The row is not as this program wrote it.\n");
+  // Small saves beside large ones, one taken back among them: the later one counts.
+  const auto note = [&](const char* where, const char* text, bool commit = true) {
+    const test::Arranging arranging;
+    Transaction transaction(File());
+    File().Execute(std::string("UPDATE INK_Mix SET Notes = '") + text + "' " + where);
+    if (commit) transaction.Commit();
+  };
+  for (int n = 0; n < 300; ++n) note("WHERE RowKey = 7", n % 2 == 0 ? "odd" : "even");
+  note("WHERE RowKey = 7", "one");
+  note("", "all");
+  note("WHERE RowKey = 8", "one");
+  note("", "given up", false);
+  note("", "all again");
+  note("WHERE RowKey = 9", "one");
+  Close();
+  Open();
+  note("WHERE RowKey = 9", "other");
   File().DropTable("RED_Basic_LAB");
   File().Execute("DELETE FROM INK_Batch");
   File().Execute("UPDATE INK_Basic_LAB SET Lab_Note = ''");
@@ -139,11 +156,20 @@ TEST_F(RowChecks, AFileOfAnEarlierProgramGetsThemAndADamagedRecordIsNoRow) {
   EXPECT_EQ(Stray(), damaged);
   ASSERT_TRUE(AcceptStrayRows(room.session));
   EXPECT_EQ(Stray(), "");
+  // So it is with those that a small save wrote.
+  File().Execute("UPDATE INK_Mix SET Notes = 'saved again' WHERE RowKey = 70");
+  ByHand("UPDATE MSysRowLog SET Sums = substr(Sums, 1, 10) || x'00' || substr(Sums, 12) WHERE Entry = (SELECT MAX(Entry) "
+         "FROM MSysRowLog)");
+  const std::string stray = Stray();
+  EXPECT_TRUE(stray.starts_with("MSysRowLog ")) << stray;
+  EXPECT_TRUE(stray.ends_with("is damaged.\nINK_Mix 70 MIX 69: The row is not as this program wrote it.\n")) << stray;
+  ASSERT_TRUE(AcceptStrayRows(room.session));
+  EXPECT_EQ(Stray(), "");
 }
 
 TEST(Flips, ABitThatTurnsOverIsNoticed) {
   test::InkRoom room;
-  FillInkRoom(room, 20);
+  FillInkRoom(room, 40);
   room.session.DataFileDB.reset();
   test::FlippedFile file(room.session.DataFileName);
   test::ExpectNoticed(file, 120, 8);
