@@ -10,6 +10,7 @@
 #include "cli/seams.h"
 #include "core/backup/backup_days.h"
 #include "core/backup/backup_set.h"
+#include "core/backup/look_into.h"
 #include "core/base/refusal.h"
 #include "core/datafile/lifecycle.h"
 #include "core/shell/backups.h"
@@ -81,6 +82,17 @@ Result<Json> ListBackups(Context& context, const std::string& in) {
   return sets;
 }
 
+Json PostingsJson(const std::vector<MadeSince::Posting>& postings) {
+  Json list = Json::array();
+  for (const MadeSince::Posting& posting : postings)
+    list.push_back({{"Moment", posting.Moment},
+                    {"Color_Name", posting.Color_Name},
+                    {"LotNumber", posting.LotNumber},
+                    {"Change", posting.Change},
+                    {"Document", posting.Document}});
+  return list;
+}
+
 Json SinceJson(const std::vector<MadeSince>& all) {
   Json list = Json::array();
   for (const MadeSince& since : all)
@@ -88,7 +100,8 @@ Json SinceJson(const std::vector<MadeSince>& all) {
                     {"Batches", since.batches},
                     {"Formulas", since.formulas},
                     {"Changed", since.changed},
-                    {"Jobs", since.jobs}});
+                    {"Jobs", since.jobs},
+                    {"Postings", PostingsJson(since.postings)}});
   return list;
 }
 
@@ -137,6 +150,66 @@ Result<Json> RestoreBackup(Context& context, const std::string& typed) {
               {"Since", SinceJson(restored->since)}};
 }
 
+Result<Json> LookIntoBackup(Context& context, const std::string& typed) {
+  const auto source = SourceOf(typed);
+  if (!source) return std::unexpected(source.error());
+  auto rows = LookInto(context.session, *source);
+  if (!rows) return std::unexpected(rows.error());
+  return context.Answer(LookColumns().Of(*std::move(rows)));
+}
+
+Result<Json> TakeFormula(Context& context, const std::string& typed, const std::string& name, bool preview) {
+  Session& session = context.session;
+  const auto source = SourceOf(typed);
+  if (!source) return std::unexpected(source.error());
+  const auto back = CompareFormula(session, *source, name);
+  if (!back) return std::unexpected(back.error());
+  Json lines = Json::array();
+  for (const MergeLine& line : CompareLines(session, back->plan, back->place))
+    lines.push_back({{"Ingredient", line.name},
+                     {"Here", line.isHere ? Json(line.here) : Json()},
+                     {"There", line.isThere ? Json(line.there) : Json()},
+                     {"Change", line.change}});
+  Json answer{{"Color_Name", back->plan.table.formulas[back->place].name},
+              {"Database", session.CurrentDatabase},
+              {"ModType", MergeModText(back->Mod())},
+              {"Lines", lines},
+              {"Taken", false}};
+  if (preview) return answer;
+  const auto report = TakeFormulaBack(session, *back);
+  if (!report) return std::unexpected(report.error());
+  answer["Taken"] = true;
+  answer["NewBasics"] = report->basics;
+  answer["Import"] = report->import == 0 ? Json() : Json(report->import);
+  return answer;
+}
+
+Result<Json> TakeBatch(Context& context, const std::string& typed, std::int32_t number, bool preview) {
+  Session& session = context.session;
+  const auto source = SourceOf(typed);
+  if (!source) return std::unexpected(source.error());
+  const auto back = CompareBatch(session, *source, number);
+  if (!back) return std::unexpected(back.error());
+  Json lines = Json::array();
+  for (const OldBatchLine& line : back->there.OldLines)
+    lines.push_back({{"IngName", line.IngName}, {"IngQty", line.IngQty}, {"IngType", static_cast<int>(line.IngType)}});
+  Json differences = Json::array();
+  for (const BatchDifference& difference : back->differences)
+    differences.push_back({{"Field", difference.field}, {"Here", difference.here}, {"There", difference.there}});
+  Json answer{{"BatchNo", number},
+              {"Color_Name", back->there.work.Color_Name},
+              {"Date_Entered", back->there.Date_Entered ? Json(back->there.Date_Entered->ToText()) : Json()},
+              {"Database", session.CurrentDatabase},
+              {"ModType", MergeModText(back->mod)},
+              {"Lines", lines},
+              {"Differences", differences},
+              {"Taken", false}};
+  if (preview) return answer;
+  if (auto taken = TakeBatchBack(session, *back); !taken) return std::unexpected(taken.error());
+  answer["Taken"] = true;
+  return answer;
+}
+
 Result<Json> RestoreSettings(Context& context, const std::string& typed) {
   fs::path folder = Absolute(typed);
   std::error_code ignored;
@@ -144,6 +217,39 @@ Result<Json> RestoreSettings(Context& context, const std::string& typed) {
   const auto restored = RestoreSupportFiles(context.session, folder);
   if (!restored) return std::unexpected(restored.error());
   return Json{{"From", folder.string()}, {"DataFolder", context.session.DataFolder.string()}};
+}
+
+// Looking into a set, and taking one thing of it back.
+void AddLooks(CLI::App* noun, Commands& commands) {
+  const auto set = std::make_shared<std::string>();
+  const auto name = std::make_shared<std::string>();
+  const auto number = std::make_shared<std::int32_t>();
+  const auto preview = std::make_shared<bool>(false);
+  const auto of = [&](CLI::App* verb) {
+    verb->add_option("SET", *set, "The folder of a set, or a Data File")->required()->check(NotEmpty);
+    return verb;
+  };
+  auto* look =
+      of(noun->add_subcommand("look", "The formulas and Batches of a set that are not here, or not as they are there"));
+  commands.AddList(look, Needs::File, "Backup", [set](Context& context) { return LookIntoBackup(context, *set); });
+
+  const auto previewed = [&](CLI::App* verb) {
+    verb->add_flag("--preview", *preview, "Only tell what is different");
+    return verb;
+  };
+  auto* formula = previewed(of(noun->add_subcommand("take-formula", "Take one formula of a set, after asking")));
+  formula->add_option("NAME", *name, "The formula")->required()->check(NotEmpty);
+  commands.Add(formula, Needs::Writable,
+               [set, name, preview](Context& context) { return TakeFormula(context, *set, *name, *preview); });
+
+  auto* batch =
+      previewed(of(noun->add_subcommand("take-batch", "Store one Batch of a set that is not here, after asking")));
+  batch->add_option("NUMBER", *number, "Its number")->required();
+  batch->footer(
+      "What it took leaves stock now, and what it put into stock comes in. A Batch that is here is never written "
+      "over.");
+  commands.Add(batch, Needs::Writable,
+               [set, number, preview](Context& context) { return TakeBatch(context, *set, *number, *preview); });
 }
 
 }  // namespace
@@ -173,6 +279,8 @@ void AddBackupCommands(CLI::App& app, Commands& commands) {
   restore->add_option("PATH", *path, "The folder of a set, or a Data File")->required()->check(NotEmpty);
   restore->footer("What is replaced is kept in a folder beside the Data File.");
   commands.Add(restore, Needs::Nothing, [path](Context& context) { return RestoreBackup(context, *path); });
+
+  AddLooks(noun, commands);
 
   auto* settings = noun->add_subcommand("restore-settings", "Take settings and label layouts of a backup over");
   const auto folder = std::make_shared<std::string>();

@@ -13,6 +13,7 @@
 #include "core/base/text.h"
 #include "core/datafile/lifecycle.h"
 #include "core/datafile/schema.h"
+#include "core/datafile/stock_history.h"
 #include "core/session/settings.h"
 
 namespace vellumark {
@@ -37,7 +38,7 @@ class DayCollector {
   }
 
   BackupDays Take() {
-    std::ranges::stable_sort(days_.days, std::ranges::greater(), [](const BackupDay& day) { return day.set.made; });
+    std::ranges::stable_sort(days_.days, std::ranges::greater(), [](const BackupDay& day) { return day.set.moment; });
     return std::move(days_);
   }
 
@@ -57,6 +58,7 @@ std::vector<BackupSet> SetsBeforeRestores(const fs::path& folder) {
     if (!made) continue;
     if (auto set = ReadSet(entry->path())) {
       set->made = *made;
+      set->moment = MomentOf(*made);
       sets.push_back(std::move(*set));
     }
   }
@@ -86,8 +88,22 @@ std::vector<std::string> OnlyIn(Database& before, Database& now, const std::stri
   return only;
 }
 
+// Lines of the history are only added: what is behind the last one of the restored file came since.
+std::vector<MadeSince::Posting> PostingsSince(Database& before, Database& restored, const std::string& database) {
+  std::vector<MadeSince::Posting> postings;
+  if (!HasStockHistory(before) || !HasStockHistory(restored)) return postings;
+  const std::int64_t last = restored.Scalar("SELECT MAX(ID) FROM MSysStockHistory").Whole();
+  Statement rows = before.Prepare(
+      "SELECT Moment, Color_Name, LotNumber, Change, Document FROM MSysStockHistory WHERE ID > ? AND Database = ? "
+      "ORDER BY ID");
+  rows.Bind(1, last).Bind(2, database);
+  while (rows.Step()) postings.push_back({rows.Text(0), rows.Text(1), rows.Text(2), rows.Single(3), rows.Text(4)});
+  return postings;
+}
+
 MadeSince SinceOf(Database& before, Database& restored, const std::string& database) {
-  MadeSince since{database, {}, {}, {}, {}};
+  MadeSince since;
+  since.database = database;
   const std::string formulas = QuotedTable(database, schema::Mix);
   since.batches = OnlyIn(before, restored, "SELECT BatchNo FROM " + QuotedTable(database, schema::Batch),
                          [](const Statement& row) { return fmt::format("{:06}", row.Whole(0)); });
@@ -102,6 +118,7 @@ MadeSince SinceOf(Database& before, Database& restored, const std::string& datab
                         return EqualNoCase(row.TextView(0), database) ? row.Text(1) : std::string();
                       });
   std::erase(since.jobs, "");
+  since.postings = PostingsSince(before, restored, database);
   return since;
 }
 
@@ -155,6 +172,7 @@ std::string MadeSinceText(const std::vector<MadeSince>& all) {
     if (!since.formulas.empty()) parts.push_back(NamesText("formulas", since.formulas));
     if (!since.changed.empty()) parts.push_back(NamesText("changed formulas", since.changed));
     if (!since.jobs.empty()) parts.push_back(NamesText("Jobs", since.jobs));
+    if (!since.postings.empty()) parts.push_back(fmt::format("{} changes of stock", since.postings.size()));
     text += fmt::format("\n{}: {}", since.database, fmt::join(parts, "; "));
   }
   return text;

@@ -43,7 +43,18 @@ struct MadeSince {
   std::vector<std::string> formulas;  ///< that are not there any more
   std::vector<std::string> changed;   ///< formulas that are there as they were before a change
   std::vector<std::string> jobs;
-  bool Nothing() const { return batches.empty() && formulas.empty() && changed.empty() && jobs.empty(); }
+  /// A line of the stock history.
+  struct Posting {
+    std::string Moment;
+    std::string Color_Name;
+    std::string LotNumber;
+    float Change = 0;
+    std::string Document;
+  };
+  std::vector<Posting> postings;
+  bool Nothing() const {
+    return batches.empty() && formulas.empty() && changed.empty() && jobs.empty() && postings.empty();
+  }
 };
 /// Of the Databases of `restored` that had something more in the file `before`; nothing of one that cannot be read.
 std::vector<MadeSince> MadeSinceThen(const std::filesystem::path& before, Database& restored);

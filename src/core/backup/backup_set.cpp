@@ -27,6 +27,14 @@ void FailOn(const fs::path& path, const std::error_code& error) {
   if (error) throw Failure(path.string(), error.message());
 }
 
+DateTime FromSecondNumber(std::int64_t second) {
+  DateTime time = DateTime::FromDayNumber(second / 86400);
+  time.hour = static_cast<int>(second % 86400 / 3600);
+  time.minute = static_cast<int>(second % 3600 / 60);
+  time.second = static_cast<int>(second % 60);
+  return time;
+}
+
 // The two digits or more that stand at `from`.
 std::optional<int> NumberAt(std::string_view text, std::size_t from, std::size_t length) {
   int number = 0;
@@ -96,7 +104,7 @@ class SetMaker {
 
   SetProof Make(const DateTime& made) {
     CollectFiles();
-    SetProof proof{source_.filename().string(), made, VELLUMARK_VERSION, session_.UMI, {}, {}};
+    SetProof proof{source_.filename().string(), made, MomentOf(made), VELLUMARK_VERSION, session_.UMI, {}, {}};
     std::vector<fs::path> copies;
     for (const auto& [from, name] : files_) {
       session_.progress.Percent(40.0 * static_cast<double>(proof.files.size()) / static_cast<double>(files_.size()));
@@ -138,13 +146,8 @@ class SetMaker {
 // Two sets of one second are two.
 DateTime FreeTime(const fs::path& target, DateTime made) {
   std::error_code ignored;
-  while (fs::exists(fs::symlink_status(target / SetName(made), ignored))) {
-    const std::int64_t next = made.SecondNumber() + 1;
-    made = DateTime::FromDayNumber(next / 86400);
-    made.hour = static_cast<int>(next % 86400 / 3600);
-    made.minute = static_cast<int>(next % 3600 / 60);
-    made.second = static_cast<int>(next % 60);
-  }
+  while (fs::exists(fs::symlink_status(target / SetName(made), ignored)))
+    made = FromSecondNumber(made.SecondNumber() + 1);
   return made;
 }
 
@@ -200,6 +203,19 @@ std::optional<DateTime> TimeOfSet(std::string_view name) {
   return ParseDateTime(made.ToText());
 }
 
+DateTime MomentOf(const DateTime& local) {
+  if (local.year < 1971) return local;  // of which nobody knows when it was made
+  const std::int64_t wanted = local.SecondNumber();
+  std::int64_t moment = wanted;
+  // Twice, where the clocks are changed between the first guess and the answer.
+  for (int i = 0; i < 2; ++i) {
+    const std::tm tm = platform::LocalTime(static_cast<std::time_t>(moment));
+    const DateTime shown{tm.tm_year + 1900, tm.tm_mon + 1, tm.tm_mday, tm.tm_hour, tm.tm_min, tm.tm_sec};
+    moment += wanted - shown.SecondNumber();
+  }
+  return FromSecondNumber(moment);
+}
+
 Result<BackupSet> ReadSet(const fs::path& folder) {
   BackupSet set;
   set.folder = folder;
@@ -213,6 +229,7 @@ Result<BackupSet> ReadSet(const fs::path& folder) {
   } else if (set.proof) {
     set.made = set.proof->made;
   }
+  set.moment = set.proof && set.proof->madeUtc ? *set.proof->madeUtc : MomentOf(set.made);
   return set;
 }
 
@@ -224,7 +241,7 @@ std::vector<BackupSet> ListSets(const fs::path& folder) {
     if (auto set = ReadSet(entry->path())) sets.push_back(std::move(*set));
   }
   if (error && error != std::errc::no_such_file_or_directory) FailOn(folder, error);
-  std::ranges::sort(sets, {}, &BackupSet::made);
+  std::ranges::sort(sets, {}, &BackupSet::moment);
   return sets;
 }
 
@@ -237,6 +254,7 @@ BackupSet MakeBackupSet(Session& session, const fs::path& source, const fs::path
   SweepUnfinished(target);
   BackupSet set;
   set.made = FreeTime(target, session.clock.Now());
+  set.moment = MomentOf(set.made);
   set.folder = target / SetName(set.made);
   const fs::path unfinished = target / ("." + SetName(set.made));
   std::optional<BackupSet> oldest;

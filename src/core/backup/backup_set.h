@@ -29,9 +29,13 @@ std::optional<DateTime> TimeOfSet(std::string_view name);
 /// The photos of a folder, by name; of one that is not there none. Throws Failure when it cannot be read.
 std::vector<std::filesystem::path> PhotosIn(const std::filesystem::path& folder);
 
+/// A local time of this machine as that of everywhere, so that sets of another time zone stand in their order.
+DateTime MomentOf(const DateTime& local);
+
 struct BackupSet {
   std::filesystem::path folder;
-  DateTime made;
+  DateTime made;    ///< by the clock of the machine that made it
+  DateTime moment;  ///< the same, as MomentOf gives it
   std::filesystem::path dataFile;
   std::optional<SetProof> proof;  ///< nothing of a set that was made without one, or whose proof cannot be read
   std::string notRemoved;         ///< of a set just made: which old one should have given way and stayed, and why

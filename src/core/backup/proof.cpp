@@ -7,6 +7,7 @@
 #include <system_error>
 #include <utility>
 
+#include "core/backup/other_file.h"
 #include "core/base/digest.h"
 #include "core/base/files.h"
 #include "core/base/refusal.h"
@@ -18,20 +19,6 @@ namespace fs = std::filesystem;
 using Json = nlohmann::json;
 
 namespace {
-
-// Another file in the place of the session's open one, for as long as this lasts.
-class InPlaceOfOpenFile {
- public:
-  InPlaceOfOpenFile(Session& session, const fs::path& path)
-      : session_(session), before_(std::exchange(session.DataFileDB, Database::Open(path, OpenMode::ReadOnly))) {}
-  ~InPlaceOfOpenFile() { session_.DataFileDB = std::move(before_); }
-  InPlaceOfOpenFile(const InPlaceOfOpenFile&) = delete;
-  InPlaceOfOpenFile& operator=(const InPlaceOfOpenFile&) = delete;
-
- private:
-  Session& session_;
-  std::unique_ptr<Database> before_;
-};
 
 std::uint64_t RowDigest(const Statement& row, int columns) {
   Digest digest;
@@ -192,6 +179,7 @@ std::string ProofText(const SetProof& proof) {
     files.push_back({{"File", file.name}, {"Bytes", file.bytes}, {"Digest", DigestText(file.digest)}});
   const Json text{{"DataFile", proof.dataFile},
                   {"Made", proof.made.ToText()},
+                  {"MadeUTC", proof.madeUtc ? Json(proof.madeUtc->ToText()) : Json()},
                   {"Program", proof.program},
                   {"UMI", proof.UMI},
                   {"FileVersion", proof.content.fileVersion},
@@ -211,6 +199,8 @@ std::optional<SetProof> ReadProofText(const std::string& text) {
     const auto made = ParseDateTime(json.at("Made").get<std::string>());
     if (!made) return std::nullopt;
     proof.made = *made;
+    if (const auto utc = json.find("MadeUTC"); utc != json.end() && utc->is_string())
+      proof.madeUtc = ParseDateTime(utc->get<std::string>());
     proof.program = json.at("Program").get<std::string>();
     proof.UMI = json.at("UMI").get<int>();
     proof.content.fileVersion = json.at("FileVersion").get<int>();

@@ -74,6 +74,7 @@ FileProof CopyUnsynced(const std::filesystem::path& from, const std::filesystem:
 struct SetProof {
   std::string dataFile;  ///< the name of the Data File in the set
   DateTime made;
+  std::optional<DateTime> madeUtc;  ///< the same moment wherever it is read; an earlier program did not tell it
   std::string program;  ///< version of the program
   int UMI = 1;          ///< the unit of stock of the machine, which the Data File does not hold
   ContentProof content;

@@ -195,9 +195,9 @@ void CopyBeside(FileBeside& place, const fs::path& source) {
 
 }  // namespace
 
-RestoredFiles PutDataFileBack(Session& session, const fs::path& source, const fs::path& current) {
+RestoredFiles PutDataFileBack(Session& session, const fs::path& source, const fs::path& sourcePhotos,
+                              const fs::path& current) {
   RestoredFiles restored;
-  const fs::path sourcePhotos = source.parent_path() / kPhotoFolderOfSet;
   const fs::path library = current.parent_path() / kPhotoFolderOfSet;
   std::error_code ignored;
   restored.hadPhotoFolder = fs::is_directory(sourcePhotos, ignored);

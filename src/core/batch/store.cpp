@@ -19,6 +19,7 @@
 #include "core/batch/saving.h"
 #include "core/batch/scale_results.h"
 #include "core/batch/sent_files.h"
+#include "core/batch/take_back.h"
 #include "core/batch/takings.h"
 #include "core/colors/color_dates.h"
 #include "core/datafile/lifecycle.h"
@@ -33,12 +34,15 @@ class BatchStore {
  public:
   BatchStore(Session& session, const BatchRecord& record, ModifiedBatchChoice choice)
       : session_(session), record_(record), choice_(std::move(choice)), now_(session.clock.Now()) {}
+  /// One that was stored before, in another file: it keeps its number and its day.
+  BatchStore(Session& session, const BatchRecord& record, const DateTime& day)
+      : session_(session), record_(record), now_(day), again_(true) {}
 
   // The number under which the Batch is stored.
   std::int32_t Run() {
     const bool isNew = record_.state == BatchState::Add;
     Transaction transaction(session_.File());
-    if (isNew) record_.BatchNo = UpcomingBatchNo(session_);
+    if (isNew && !again_) record_.BatchNo = UpcomingBatchNo(session_);
     formulaThere_ = WriteModifiedFormula(session_, record_, choice_);
     std::vector<BatchTaking> takings = PlanTakings(session_, record_);
     if (!isNew) DeleteTakings(session_, record_.BatchNo);
@@ -52,7 +56,7 @@ class BatchStore {
     Take(takings, isNew);
     MarkUse(takings);
     WriteJobRows(session_, record_, now_);
-    if (isNew) counter_ = StepBatchNumber(session_.File(), record_.BatchNo);
+    if (isNew) StepCounter();
     transaction.Note({Change::Kind::Batch,
                       session_.CurrentDatabase,
                       std::to_string(record_.BatchNo),
@@ -119,10 +123,26 @@ class BatchStore {
     WriteTakings(session_, record_.BatchNo, now_, takings);
   }
 
+  // The counter never goes back.
+  void StepCounter() {
+    if (!again_ || record_.BatchNo >= ReadFileInfo(session_.File()).batchNumber)
+      counter_ = StepBatchNumber(session_.File(), record_.BatchNo);
+  }
+
   void MarkUse(const std::vector<BatchTaking>& takings) {
-    StoreLastProduced(session_, record_.work.Color_Name, now_);
+    if (IsLatest(schema::Mix, "LastProduced", record_.work.Color_Name))
+      StoreLastProduced(session_, record_.work.Color_Name, now_);
     for (const BatchTaking& taking : takings)
-      if (taking.IngType != LineKind::Mix) StoreLastConsumed(session_, taking.IngName, now_);
+      if (taking.IngType != LineKind::Mix && IsLatest(schema::Basic, "LastConsumed", taking.IngName))
+        StoreLastConsumed(session_, taking.IngName, now_);
+  }
+  // A colour may have been used since the day of a Batch that comes back.
+  bool IsLatest(const Table& table, std::string_view field, const std::string& color) const {
+    return !again_ || session_.File()
+                          .Scalar(fmt::format("SELECT 1 FROM {} WHERE Color_Name = ? AND {} > ?",
+                                              session_.QuotedTable(table), field),
+                                  {color, now_})
+                          .IsNull();
   }
 
   Session& session_;
@@ -130,6 +150,7 @@ class BatchStore {
   ModifiedBatchChoice choice_;
   DateTime now_;
   std::int64_t newRow_ = 0;
+  bool again_ = false;
   std::optional<std::int32_t> counter_;
   bool formulaThere_ = true;
   bool granted_ = true;
@@ -245,6 +266,39 @@ Result<SaveEnd> StoreBatch(Session& session, BatchRecord& record, BatchDialogs& 
   record = std::move(next);
   store.TellAfterwards();
   return SaveEnd::Stored;
+}
+
+namespace {
+
+BatchRecord AsNew(BatchRecord batch) {
+  batch.state = BatchState::Add;
+  batch.key = 0;
+  batch.LotRefID = 0;
+  batch.oldReturned = 0;
+  batch.madeLotNumber.clear();
+  batch.OldLines.clear();
+  batch.stockReturned = false;
+  batch.sender = 0;
+  batch.work.made = {};
+  return batch;
+}
+
+}  // namespace
+
+Result<void> CheckTakeBack(const Session& session, const BatchRecord& there) {
+  if (BatchRowOf(session, there.BatchNo) != 0)
+    return Refuse("Take Back", fmt::format("A Batch {} is here already.", BatchNoText(there.BatchNo)));
+  if (const std::string moved = WhereMoved(session, there.BatchNo); !moved.empty()) return Refuse("Take Back", moved);
+  return CheckStorable(session, AsNew(there));
+}
+
+Result<void> StoreBatchAgain(Session& session, const BatchRecord& there) {
+  if (auto storable = CheckTakeBack(session, there); !storable) return storable;
+  BatchStore store(session, AsNew(there), there.Date_Entered.value_or(session.clock.Now()));
+  store.Run();
+  store.Done();
+  store.TellAfterwards();
+  return {};
 }
 
 Result<void> CompleteBatch(Session& session, BatchRecord& record, bool complete) {

@@ -100,7 +100,8 @@ class Upward {
 };
 
 SetProof NewProof(const Session& session, const std::string& name) {
-  return {name, session.clock.Now(), VELLUMARK_VERSION, session.UMI, {}, {}};
+  const DateTime now = session.clock.Now();
+  return {name, now, MomentOf(now), VELLUMARK_VERSION, session.UMI, {}, {}};
 }
 
 void SendSupportFiles(CloudRun& run, Upward& upward, const std::string& name) {

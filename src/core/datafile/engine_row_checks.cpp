@@ -241,10 +241,12 @@ void RowChecks::CountLog() {
 // By the names in the engine's list of tables, which are not those that it goes by: a letter that turned over shows there
 // alone.
 std::vector<std::string> RowChecks::Tables() const {
-  Query rows(*this, fmt::format("SELECT m.name FROM main.sqlite_master m JOIN pragma_table_list l ON l.name = m.name "
-                                "COLLATE NOCASE WHERE m.type = 'table' AND l.schema = 'main' AND l.type = 'table' AND "
-                                "l.wr = 0 AND m.name NOT LIKE 'sqlite\\_%' ESCAPE '\\' AND m.name NOT IN ('{}', '{}') ORDER BY m.name",
-                                kTable, kLog));
+  Query rows(*this,
+             fmt::format(
+                 "SELECT m.name FROM main.sqlite_master m JOIN pragma_table_list l ON l.name = m.name "
+                 "COLLATE NOCASE WHERE m.type = 'table' AND l.schema = 'main' AND l.type = 'table' AND "
+                 "l.wr = 0 AND m.name NOT LIKE 'sqlite\\_%' ESCAPE '\\' AND m.name NOT IN ('{}', '{}') ORDER BY m.name",
+                 kTable, kLog));
   std::vector<std::string> names;
   while (rows.Step()) names.push_back(rows.Text(0));
   return names;
@@ -297,8 +299,8 @@ void RowChecks::DigestRows(std::span<const Row> rows, Record& record) {
   KnownTable& table = tables_[rows.front().table];
   sqlite3_stmt*& statement = table.rows;
   if (statement == nullptr)
-    statement = Made(fmt::format("SELECT rowid, * FROM main.{} WHERE rowid BETWEEN ?1 AND ?2 ORDER BY rowid",
-                                 Quoted(table.name)));
+    statement = Made(
+        fmt::format("SELECT rowid, * FROM main.{} WHERE rowid BETWEEN ?1 AND ?2 ORDER BY rowid", Quoted(table.name)));
   for (const Row& row : rows) record.sums[PlaceInBlock(row.key)] = 0;  // unless it is found
   sqlite3_bind_int64(statement, 1, rows.front().key);
   sqlite3_bind_int64(statement, 2, rows.back().key);
@@ -403,7 +405,8 @@ void RowChecks::Fold() {
     for (auto row = rows.begin(); row != rows.end();) {
       const std::int64_t block = BlockOf(row->first);
       const bool known = Read(table, block, record);
-      for (; row != rows.end() && BlockOf(row->first) == block; ++row) record.sums[PlaceInBlock(row->first)] = row->second;
+      for (; row != rows.end() && BlockOf(row->first) == block; ++row)
+        record.sums[PlaceInBlock(row->first)] = row->second;
       if (known && (record.stands || !record.Empty())) Write(table, record);
     }
   Execute(fmt::format("DELETE FROM main.{} WHERE Entry NOT IN ({})", kLog, unsound));
@@ -468,12 +471,14 @@ void RowChecks::ForEachStrayRow(const std::function<void(const StrayRow&)>& foun
     Query count(*this, fmt::format("SELECT COUNT(*) FROM main.{}", Quoted(table)));
     if (count.Step()) all += count.Whole(0);
   }
-  const LoggedSums logged =
-      ReadLog([&](std::int64_t entry) { found({std::string(kLog), entry, StrayRow::What::Unknown}); });
+  const LoggedSums logged = ReadLog([&](std::int64_t entry) {
+    found({std::string(kLog), entry, StrayRow::What::Unknown});
+  });
   std::int64_t done = 0;
   for (const std::string& table : tables) {
     const auto sums = logged.find(table);
-    if (!CheckTable(table, sums == logged.end() ? Sums() : sums->second, found, [&] { return goOn(++done, all); })) return;
+    if (!CheckTable(table, sums == logged.end() ? Sums() : sums->second, found, [&] { return goOn(++done, all); }))
+      return;
   }
   std::set<std::string> known;
   for (Query kept(*this, fmt::format("SELECT DISTINCT TableName FROM main.{}", kTable)); kept.Step();)
@@ -504,7 +509,8 @@ class RowChecks::Kept {
       record.Take(BytesOf(sqlite3_column_value(records_.get(), 1)));
       more_ = records_.Step();
     }
-    for (; row_ != end_ && BlockOf(row_->first) == record.block; ++row_) record.sums[PlaceInBlock(row_->first)] = row_->second;
+    for (; row_ != end_ && BlockOf(row_->first) == record.block; ++row_)
+      record.sums[PlaceInBlock(row_->first)] = row_->second;
     return record;
   }
 
@@ -516,8 +522,8 @@ class RowChecks::Kept {
 };
 
 // Rows and records side by side, both in the order of the keys.
-bool RowChecks::CheckTable(const std::string& table, const Sums& logged, const std::function<void(const StrayRow&)>& found,
-                           const std::function<bool()>& goOn) {
+bool RowChecks::CheckTable(const std::string& table, const Sums& logged,
+                           const std::function<void(const StrayRow&)>& found, const std::function<bool()>& goOn) {
   Query rows(*this, fmt::format("SELECT rowid, * FROM main.{} ORDER BY rowid", Quoted(table)));
   Kept records(*this, table, logged);
   Record record;

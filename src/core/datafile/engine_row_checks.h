@@ -18,9 +18,9 @@ struct sqlite3_stmt;
 namespace vellumark {
 
 /// The digests of the rows of one open file (see row_checks.h). They stand in a table of the engine's own, 64 rows of a
-/// table in one record, so that a bulk change costs one record for many. What a save of few rows changes is written into
-/// a log beside, one record for each commit and all of them on the same page; now and then it goes into the table. The
-/// engine tells each row that is written, by whichever statement; before the commit the row is read again.
+/// table in one record, so that a bulk change costs one record for many. What a save of few rows changes is written
+/// into a log beside, one record for each commit and all of them on the same page; now and then it goes into the table.
+/// The engine tells each row that is written, by whichever statement; before the commit the row is read again.
 class RowChecks {
  public:
   RowChecks(const std::filesystem::path& path, sqlite3* connection);
@@ -67,8 +67,8 @@ class RowChecks {
 
  private:
   static constexpr std::size_t kManyRows = 16384;
-  static constexpr std::size_t kFewRows = 32;         // that a commit puts into the log
-  static constexpr std::int64_t kMostEntries = 256;  // of the log
+  static constexpr std::size_t kFewRows = 32;          // that a commit puts into the log
+  static constexpr std::int64_t kMostEntries = 256;    // of the log
   using Sums = std::map<std::int64_t, std::uint64_t>;  // by the keys of the rows; 0: there is none
   using LoggedSums = std::map<std::string, Sums, std::less<>>;
   struct Row {

@@ -10,6 +10,7 @@
 #include "core/base/units.h"
 #include "core/cloud/cloud_backup.h"
 #include "core/datafile/databases.h"
+#include "core/datafile/file_kind.h"
 #include "core/datafile/lifecycle.h"
 #include "core/session/acts.h"
 #include "core/session/settings.h"
@@ -59,8 +60,22 @@ std::string FaultLines(const std::vector<std::string>& faults) {
   return text;
 }
 
+bool IsJet(const fs::path& source) {
+  try {
+    return LookAtDataFile(source).jet;
+  } catch (const Failure&) {
+    return false;  // what it is then, whoever opens it says
+  }
+}
+
 // The source as it is now: as a set with its proof, or alone.
 Result<SetCheck> CheckSource(Session& session, const fs::path& source) {
+  if (IsJet(source)) {  // of which nothing is known before it is brought up to date
+    SetCheck check;
+    if (const auto made = TimeOfSet(source.parent_path().filename().string())) check.set.made = *made;
+    check.set.dataFile = source;
+    return check;
+  }
   auto set = ReadSet(source.parent_path());
   if (set && set->dataFile == source && (set->proof || TimeOfSet(source.parent_path().filename().string())))
     return VerifySet(session, *set);
@@ -124,6 +139,46 @@ Result<void> AskForRestore(Session& session, const SetCheck& check) {
   return {};
 }
 
+// A source of an older version is brought up to date on a copy: the set stays as it was proven.
+class UsableSource {
+ public:
+  explicit UsableSource(const fs::path& source) : path_(source) {}
+  ~UsableSource() {
+    std::error_code ignored;
+    if (!folder_.empty()) fs::remove_all(folder_, ignored);
+  }
+  UsableSource(const UsableSource&) = delete;
+  UsableSource& operator=(const UsableSource&) = delete;
+
+  /// False when the version cannot be used or nobody brought it up to date, which was told.
+  bool Prepare(Session& session, OpeningWindows& windows) {
+    const DataFileKind kind = LookAtDataFile(path_);
+    if (kind.jet || GateOf(kind.version) == VersionGate::Older) CopyBeside(session);
+    const auto usable = CheckDataFile(session, path_.string(), windows);
+    if (usable) path_ = *usable;
+    return usable.has_value();
+  }
+  const fs::path& Path() const { return path_; }
+  bool IsCopy() const { return !folder_.empty(); }
+
+ private:
+  void CopyBeside(const Session& session) {
+    const fs::path current =
+        session.DataFileName.empty() ? session.ProgramFolder / kDefaultDataFile : RealPath(session.DataFileName);
+    folder_ = current.parent_path() / fmt::format(".{} before upgrade", current.filename().string());
+    std::error_code error;
+    fs::remove_all(folder_, error);  // of a killed process
+    if (error) throw Failure(folder_.string(), error.message());
+    MakeFolder(folder_);
+    const fs::path copy = folder_ / path_.filename();
+    CopyProved(path_, copy, path_.filename().string());
+    path_ = copy;
+  }
+
+  fs::path path_;
+  fs::path folder_;
+};
+
 // The place to restore to where no Data File is known or the known one is gone.
 void ChoosePlace(Session& session) {
   if (!session.DataFileName.empty()) return;
@@ -182,8 +237,9 @@ Result<RestoredFiles> RestoreDataFile(Session& session, const fs::path& typedSou
                   "Current data file and choosen file are the same!\nPlease select another file.", "PATH");
   auto check = CheckSource(session, source);
   if (!check) return std::unexpected(check.error());
-  const auto checked = CheckDataFile(session, source.string(), windows);
-  if (!checked) return Decline("Data File");
+  UsableSource usable(source);
+  if (!usable.Prepare(session, windows)) return Decline("Data File");
+  if (usable.IsCopy()) check->content = ProveContent(session, usable.Path());
   if (auto asked = AskForRestore(session, *check); !asked) return std::unexpected(asked.error());
 
   PreviousFile previous(session, windows);
@@ -192,7 +248,8 @@ Result<RestoredFiles> RestoreDataFile(Session& session, const fs::path& typedSou
     if (session.DataFileOpen) CloseDataFile(session, windows);
     ChoosePlace(session);
     const ProgressRun progress(session.progress, "Restoring Data File ...");
-    restored = PutDataFileBack(session, *checked, RealPath(session.DataFileName));
+    restored = PutDataFileBack(session, usable.Path(), source.parent_path() / kPhotoFolderOfSet,
+                               RealPath(session.DataFileName));
   } catch (...) {
     previous.Return();
     throw;

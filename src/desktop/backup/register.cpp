@@ -2,6 +2,7 @@
 
 #include "desktop/backup/archive_form.h"
 #include "desktop/backup/backup_forms.h"
+#include "desktop/backup/look_into_form.h"
 #include "desktop/backup/repair_form.h"
 #include "desktop/backup/restore_forms.h"
 #include "desktop/kit/window_list.h"
@@ -17,6 +18,7 @@ void RegisterBackupWindows(WindowList& windows, StartupWindows& startup, FileCho
   });
   windows.RegisterDialog<BackupReminderForm>("BackupReminderForm");
   windows.RegisterDialog<ArchiveForm>("ArchiveForm");
+  windows.RegisterDialog<LookIntoSetForm>("LookIntoSetForm");
   windows.RegisterDialog("RestoreFileLocationForm", [&startup, choose](WindowList& list, QWidget* owner) -> Dialog* {
     return new RestoreFileLocationForm(list, owner, startup, choose);
   });

@@ -87,7 +87,8 @@ RestoreAutomaticForm::RestoreAutomaticForm(WindowList& windowList, QWidget* owne
   form.Wide(list_, 1);
   BackupDays known = DaysToGoBackTo(session);
   for (const std::string& unreadable : known.unreadable) QuietParagraph(form, Q(unreadable));
-  form.Buttons({continue_ = form.Button("cmdContinue", tr("C&ontinue")), verify_ = form.Button("cmdVerify", tr("&Verify")),
+  form.Buttons({continue_ = form.Button("cmdContinue", tr("C&ontinue")),
+                verify_ = form.Button("cmdVerify", tr("&Verify")), look_ = form.Button("cmdLook", tr("&Look into...")),
                 form.Button("cmdCancel", tr("Cancel"))});
   connect(list_, &QTreeWidget::currentItemChanged, this, [this] { Changed(); });
 
@@ -116,6 +117,7 @@ const BackupSet* RestoreAutomaticForm::Chosen() const {
 void RestoreAutomaticForm::UpdateEnabled() {
   continue_->setEnabled(Chosen() != nullptr);
   verify_->setEnabled(Chosen() != nullptr);
+  look_->setEnabled(Chosen() != nullptr && session.RecordsetsOpen);
 }
 
 void RestoreAutomaticForm::cmdContinue_Click() {
@@ -132,6 +134,11 @@ void RestoreAutomaticForm::cmdVerify_Click() {
   for (std::size_t i = 0; i < check.faults.size() && i < kMost; ++i) text += "\n" + check.faults[i];
   session.prompt.Tell(U8(tr("Backup")), text,
                       check.faults.empty() ? vellumark::Icon::Information : vellumark::Icon::Exclamation);
+}
+
+void RestoreAutomaticForm::cmdLook_Click() {
+  if (const BackupSet* set = Chosen())
+    windows.RunDialog("LookIntoSetForm", {{"Set", set->dataFile.string()}, {"Made", U8(TimeText(set->made))}});
 }
 
 RestoreSupportFilesChoice::RestoreSupportFilesChoice(WindowList& windowList, QWidget* owner, const std::string& name,

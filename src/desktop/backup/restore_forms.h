@@ -52,6 +52,8 @@ class RestoreAutomaticForm : public RestoreForm {
   void cmdContinue_Click();
   /// Reads the chosen backup again, all of it.
   void cmdVerify_Click();
+  /// What it holds that is not here, to be taken back singly.
+  void cmdLook_Click();
   void cmdCancel_Click() { reject(); }
 
  private:
@@ -61,6 +63,7 @@ class RestoreAutomaticForm : public RestoreForm {
   QTreeWidget* list_;
   CommandButton* continue_;
   CommandButton* verify_;
+  CommandButton* look_;
 };
 
 /// Asks for one Support File of a backup; those of its folder are restored. There is nothing else to be seen.

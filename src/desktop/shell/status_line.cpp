@@ -3,6 +3,7 @@
 #include <QDateTime>
 #include <QLabel>
 #include <QLocale>
+#include <algorithm>
 
 #include "core/backup/backup_set.h"
 #include "core/base/units.h"
@@ -17,6 +18,27 @@ constexpr int kMessageStays = 10000;  // milliseconds
 
 }  // namespace
 
+namespace {
+
+QString TimeOf(const BackupSet& set) {
+  const DateTime& made = set.made;
+  const QDateTime time(QDate(made.year, made.month, made.day), QTime(made.hour, made.minute, made.second));
+  return QLocale().toString(time, QLocale::ShortFormat);
+}
+
+// ", 3 days ago"; nothing of today.
+QString AgeOf(const Session& session, const BackupSet& set) {
+  const std::int64_t days = session.clock.Today().DayNumber() - set.made.DayNumber();
+  if (days <= 0) return {};
+  return days == 1 ? StatusLine::tr(", yesterday") : StatusLine::tr(", %1 days ago").arg(days);
+}
+
+bool IsProven(const BackupSet& set) {
+  return set.proof && set.proof->content.Sound();
+}
+
+}  // namespace
+
 QString BackupText(const Session& session) {
   const std::filesystem::path file = session.DataFileName;
   std::vector<BackupSet> sets;
@@ -27,13 +49,14 @@ QString BackupText(const Session& session) {
   }
   std::erase_if(sets, [&](const BackupSet& set) { return set.dataFile.filename() != file.filename(); });
   if (sets.empty()) return StatusLine::tr("No automatic backup yet: one is made when the program closes");
-  const DateTime& made = sets.back().made;
-  const QDateTime time(QDate(made.year, made.month, made.day), QTime(made.hour, made.minute, made.second));
-  const QString when = QLocale().toString(time, QLocale::ShortFormat);
-  const auto& proof = sets.back().proof;
-  if (!proof) return StatusLine::tr("Automatic backup of %1, not proven").arg(when);
-  return proof->content.Sound() ? StatusLine::tr("Automatic backup of %1, proven").arg(when)
-                                : StatusLine::tr("Automatic backup of %1: the Data File has faults").arg(when);
+  const BackupSet& last = sets.back();
+  const QString when = TimeOf(last) + AgeOf(session, last);
+  if (IsProven(last)) return StatusLine::tr("Automatic backup of %1, proven").arg(when);
+  const QString text = last.proof ? StatusLine::tr("Automatic backup of %1: the Data File has faults").arg(when)
+                                  : StatusLine::tr("Automatic backup of %1, not proven").arg(when);
+  const auto proven = std::find_if(sets.rbegin(), sets.rend(), IsProven);
+  if (proven == sets.rend()) return StatusLine::tr("%1; none is proven").arg(text);
+  return StatusLine::tr("%1; the last proven one is of %2").arg(text, TimeOf(*proven) + AgeOf(session, *proven));
 }
 
 StatusLine::StatusLine(const Session& session, QWidget* parent) : QStatusBar(parent), session_(session) {

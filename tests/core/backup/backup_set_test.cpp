@@ -98,6 +98,31 @@ TEST_F(BackupSets, ASetHoldsEverythingAndProvesIt) {
   EXPECT_EQ(Names().size(), 2U);
 }
 
+// A stick that went from one branch of the shop to another.
+TEST_F(BackupSets, SetsOfAnotherTimeZoneStandInTheirOrder) {
+  room.folder.Breaks("Structure");
+  const auto in = [](const char* zone) {
+    ::setenv("TZ", zone, 1);
+    ::tzset();
+  };
+  in("Asia/Tokyo");
+  room.clock.Set({2026, 3, 10, 17, 0, 0});  // 08:00 in universal time
+  Make();
+  in("America/New_York");
+  room.clock.Set({2026, 3, 10, 9, 0, 0});  // 13:00
+  Make();
+  OldSets(1);
+  EXPECT_EQ(Names(), (std::vector<std::string>{"VK_Backup_01_01_2025__08_00_00", "VK_Backup_03_10_2026__17_00_00",
+                                               "VK_Backup_03_10_2026__09_00_00"}));
+  // The hour that comes twice, when the clocks go back.
+  EXPECT_LT(MomentOf({2026, 11, 1, 0, 59, 59}), MomentOf({2026, 11, 1, 2, 0, 0}));
+  ::unsetenv("TZ");
+  ::tzset();
+  const auto sets = ListSets(target);
+  EXPECT_EQ(sets.back().made, (DateTime{2026, 3, 10, 9, 0, 0}));
+  EXPECT_EQ(sets.back().moment, (DateTime{2026, 3, 10, 13, 0, 0}));
+}
+
 TEST_F(BackupSets, WhatChangedBehindItsBackIsNamed) {
   room.folder.Breaks("Structure");
   const BackupSet set = Make();

@@ -158,8 +158,9 @@ TEST_F(RowChecks, AFileOfAnEarlierProgramGetsThemAndADamagedRecordIsNoRow) {
   EXPECT_EQ(Stray(), "");
   // So it is with those that a small save wrote.
   File().Execute("UPDATE INK_Mix SET Notes = 'saved again' WHERE RowKey = 70");
-  ByHand("UPDATE MSysRowLog SET Sums = substr(Sums, 1, 10) || x'00' || substr(Sums, 12) WHERE Entry = (SELECT MAX(Entry) "
-         "FROM MSysRowLog)");
+  ByHand(
+      "UPDATE MSysRowLog SET Sums = substr(Sums, 1, 10) || x'00' || substr(Sums, 12) WHERE Entry = (SELECT MAX(Entry) "
+      "FROM MSysRowLog)");
   const std::string stray = Stray();
   EXPECT_TRUE(stray.starts_with("MSysRowLog ")) << stray;
   EXPECT_TRUE(stray.ends_with("is damaged.\nINK_Mix 70 MIX 69: The row is not as this program wrote it.\n")) << stray;

@@ -135,6 +135,36 @@ TEST_F(Backups, RestoreGivesBackThatDayAndKeepsThePresent) {
   EXPECT_EQ(Colors(), "BLUE RED ");
 }
 
+// Of an older version: it is brought up to date on a copy, or nothing happens.
+TEST_F(Backups, AnOlderSetStaysAsItWasProven) {
+  class Upgrading : public test::NotedWindows {
+   public:
+    bool works = false;
+    std::optional<fs::path> ShowUpdateDataFile(const fs::path& path, int) override {
+      if (!works) return std::nullopt;
+      Database::Open(path, OpenMode::Exclusive)->Execute("UPDATE FileInfo SET FileVersion = 40");
+      return path;
+    }
+  } upgrading;
+  room.session.File().Execute("UPDATE FileInfo SET FileVersion = 39");
+  const BackupSet set = Make();
+  room.session.File().Execute(
+      "UPDATE FileInfo SET FileVersion = 40; INSERT INTO INK_Basic (Color_Name) VALUES ('BLUE')");
+  const std::string bytes = ReadFileBytes(set.dataFile);
+  const auto restore = [&] { return RestoreDataFile(room.session, set.dataFile, RestoreFrom::Location, upgrading); };
+  EXPECT_TRUE(restore().error().declined);
+  EXPECT_EQ(Colors(), "BLUE RED ");
+  upgrading.works = true;
+  ExpectRestored();
+  ASSERT_TRUE(restore());
+  EXPECT_EQ(Colors(), "RED ");
+  EXPECT_EQ(ReadFileInfo(room.session.File()).fileVersion, kFileVersion);
+  EXPECT_TRUE(ReadFileBytes(set.dataFile) == bytes);
+  EXPECT_TRUE(VerifySet(room.session, set).faults.empty());
+  for (const auto& entry : fs::directory_iterator(room.folder.Path()))
+    EXPECT_NE(entry.path().filename().string().front(), '.') << entry.path();
+}
+
 TEST_F(Backups, TheSourceIsLookedAtFirst) {
   room.folder.Breaks("Structure");
   const BackupSet set = Make();

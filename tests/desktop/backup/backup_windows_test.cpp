@@ -107,6 +107,33 @@ TEST_F(BackupWindows, TheAutomaticBackupsAreListedVerifiedAndRestored) {
   EXPECT_EQ(Colors(), 1);
 }
 
+TEST_F(BackupWindows, OneFormulaIsTakenBackOutOfADay) {
+  session.File().Execute(
+      "INSERT INTO INK_Mix (Color_Name, Color_Set, BC0, BQ0, Date_Entered) VALUES ('PURE', '<RED>', 'RED', 100, "
+      "'2026-03-01 00:00:00')");
+  CloseDataFile(session, windows);
+  ASSERT_TRUE(ShutdownBackup(session, "AutoBackup"));
+  OpenDataFile(session, windows);
+  const auto formulas = [&] { return CountRows(session.File(), "INK").formulas; };
+  session.File().Execute("DELETE FROM INK_Mix");
+  prompt.Expect("Take Back", Answer::Yes);
+  Run("RestoreAutomaticForm", [&](QWidget& days) {
+    WithModal([&] { Click(days, "cmdLook"); },
+              [&](QWidget& form) {
+                auto& grid = Control<desktop::Grid>(form, "fg");
+                ASSERT_EQ(grid.Model().rowCount(), 1);
+                Picture(form, "backup-LookIntoSetForm", {});
+                Click(form, "cmdTake");
+                EXPECT_EQ(grid.Model().rowCount(), 0);
+                EXPECT_TRUE(Control<QLabel>(form, "lblNothing").isVisible());
+                EXPECT_FALSE(Control<QPushButton>(form, "cmdTake").isEnabled());
+                Click(form, "cmdClose");
+              });
+    Click(days, "cmdCancel");
+  });
+  EXPECT_EQ(formulas(), 1);
+}
+
 // What stands in settings and file after each way through the reminder.
 TEST_F(BackupWindows, EveryWayThroughTheReminder) {
   fs::create_directories(stick);

@@ -14,6 +14,7 @@
 #include <QToolButton>
 #include <filesystem>
 
+#include "core/backup/backup_set.h"
 #include "core/base/files.h"
 #include "core/datafile/databases.h"
 #include "core/datafile/lifecycle.h"
@@ -29,7 +30,9 @@
 #include "desktop/session/register.h"
 #include "desktop/settings/register.h"
 #include "desktop/shell/program.h"
+#include "desktop/shell/status_line.h"
 #include "desktop/tools/register.h"
+#include "support/data_files.h"
 #include "support/desktop.h"
 #include "support/sound.h"
 
@@ -287,6 +290,27 @@ TEST(End, ClosingIsRefusedWhileADatabaseLoadsAndThenEndsInOrder) {
   EXPECT_TRUE(running.program.Main().close());
   EXPECT_FALSE(running.session.DataFileOpen);
   EXPECT_EQ(ReadFileVersion(path), 40);  // the file is free again
+}
+
+TEST(BackupLine, ALaterSetWithFaultsHidesNotTheLastProvenOne) {
+  test::DataFileRoom room;
+  room.folder.Breaks("UniqueNames");
+  const fs::path file = room.folder / "Ink.vkd";
+  room.MakeFile(file);
+  room.session.DataFileName = file.string();
+  EXPECT_EQ(BackupText(room.session), "No automatic backup yet: one is made when the program closes");
+  const auto back = [&](int day) {
+    room.clock.Set({2026, 3, day, 17, 0, 0});
+    MakeBackupSet(room.session, file, room.folder / "Auto Backup");
+    room.clock.Set({2026, 3, 12, 9, 0, 0});
+    return BackupText(room.session);
+  };
+  EXPECT_TRUE(back(9).endsWith(", 3 days ago, proven"));
+  Database::Open(file, OpenMode::Exclusive)->Execute("INSERT INTO INK_Basic (Color_Name) VALUES ('RED'), ('red')");
+  const QString text = back(11);
+  EXPECT_NE(text.indexOf(", yesterday: the Data File has faults; the last proven one is of "), -1)
+      << text.toStdString();
+  EXPECT_TRUE(text.endsWith(", 3 days ago")) << text.toStdString();
 }
 
 }  // namespace
