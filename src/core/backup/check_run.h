@@ -19,7 +19,8 @@ class CheckRun {
  public:
   CheckRun(Session& session, CheckDepth depth, CheckState state);
 
-  CheckAnswer Run();
+  /// All rules of the depth, or those of them that are wanted.
+  CheckAnswer Run(const std::function<bool(const CheckRule&)>& wanted = {});
 
   Session& session;
   Database& file;

@@ -114,11 +114,11 @@ void CheckRun::RunRule(const CheckRule& rule) {
     answer_.faults.push_back({"", 0, "", std::string(rule.name), fmt::format("and {} more", found_ - kMostFaults)});
 }
 
-CheckAnswer CheckRun::Run() {
+CheckAnswer CheckRun::Run(const std::function<bool(const CheckRule&)>& wanted) {
   std::optional<ProgressRun> progress;  // what costs nothing shows nothing
   if (depth_ != CheckDepth::Opening) progress.emplace(session.progress, "Checking Data File ...");
   for (const CheckRule& rule : kRules) {
-    if (rule.depth > depth_) continue;
+    if (rule.depth > depth_ || (wanted && !wanted(rule))) continue;
     if (state_ == CheckState::InUse && rule.closed) continue;
     place_ = static_cast<std::size_t>(&rule - kRules);
     if (!GoOn(0, 1)) break;

@@ -26,6 +26,14 @@ std::string UnfinishedName(const fs::path& current, std::string_view what) {
 
 }  // namespace
 
+platform::OpenFile HoldDataFile(const fs::path& path) {
+  std::error_code error;
+  platform::OpenFile file = platform::OpenExisting(path, platform::Opening::Write, error);
+  if (error) throw Failure(path.string(), error.message());
+  if (!platform::TakeByteLock(file, LockedByte::DataFile)) throw Failure(path.string(), "is in use by another process");
+  return file;
+}
+
 KeptFolder::KeptFolder(const Session& session, const fs::path& current, std::string_view what)
     : current_(current),
       name_(fmt::format("Before {} {}", what,

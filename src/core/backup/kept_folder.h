@@ -4,9 +4,14 @@
 #include <string>
 #include <string_view>
 
+#include "core/base/platform.h"
 #include "core/session/session.h"
 
 namespace vellumark {
+
+/// Keeps other processes out of a Data File that is only read, or that the engine cannot open, for as long as the answer
+/// lives. Throws Failure when one has it.
+platform::OpenFile HoldDataFile(const std::filesystem::path& path);
 
 /// Keeps what is about to be replaced of a Data File that nobody else works in: "Before Restore 03_10_2026__09_05_00"
 /// beside it, with "(2)" and so on behind that when it is taken. It is filled under a name of its own, which nobody takes

@@ -77,15 +77,6 @@ DateTime SecondAfter(DateTime time) {
   return DateTime::FromDayNumber(time.DayNumber() + 1);
 }
 
-// Keeps other processes out of a file that the engine cannot open.
-platform::OpenFile Held(const fs::path& path) {
-  std::error_code error;
-  platform::OpenFile file = platform::OpenExisting(path, platform::Opening::Write, error);
-  if (error) throw Failure(path.string(), error.message());
-  if (!platform::TakeByteLock(file, LockedByte::DataFile)) throw Failure(path.string(), "is in use by another process");
-  return file;
-}
-
 // The file as it was, in a folder beside. Gone again when nothing comes of the repair.
 class KeptFile {
  public:
@@ -251,7 +242,7 @@ Result<RepairReport> MendDataFile(Session& session, const std::function<Result<v
   const std::unique_ptr<Database> original = std::exchange(session.DataFileDB, nullptr);
   session.RecordsetsOpen = false;
   platform::OpenFile held;
-  if (!original) held = Held(current);
+  if (!original) held = HoldDataFile(current);
   KeptFile kept(session, current);
   // Whatever happens, nobody goes on with a copy.
   const struct Close {

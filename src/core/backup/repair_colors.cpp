@@ -10,6 +10,7 @@
 #include "core/base/refusal.h"
 #include "core/colors/basics.h"
 #include "core/colors/formulas.h"
+#include "core/colors/guide_books.h"
 #include "core/colors/guide_database.h"
 #include "core/colors/rollup.h"
 #include "core/datafile/databases.h"
@@ -313,24 +314,7 @@ void MendFormulaSets(RepairRun& run) {
 
 namespace {
 
-using Books = std::map<std::string, BookData>;
-
-template <std::size_t count>
-Books BooksOf(Database& guides, const std::array<std::string_view, count>& tables) {
-  Books books;
-  for (const std::string_view table : tables) {
-    if (!guides.TableExists(table)) continue;
-    Statement row = guides.Prepare(fmt::format("SELECT Color_Name, {} FROM {}", BookFields().Columns(), Quoted(table)));
-    while (row.Step()) {
-      BookData book;
-      BookFields().Read(row, 1, book);
-      books.emplace(Key(row.TextView(0)), book);
-    }
-  }
-  return books;
-}
-
-void TakeBooks(RepairRun& run, const std::string& database, ColorKind kind, const Books& books) {
+void TakeBooks(RepairRun& run, const std::string& database, ColorKind kind, const GuideBooks& books) {
   const std::string table = TableName(database, ColorTable(kind));
   std::vector<std::pair<std::int64_t, BookData>> changed;
   Statement rows =
@@ -357,8 +341,8 @@ void ReadGuidesAgain(RepairRun& run) {
   const std::filesystem::path path = TemplatePath(run.session);
   if (path.empty()) return run.Left("", "there is no template of color guides to read pages and swatches from");
   const auto guides = Database::Open(path, OpenMode::ReadOnly);
-  const Books basics = BooksOf(*guides, kGuideBasicTables);
-  const Books formulas = BooksOf(*guides, kGuideMixTables);
+  const GuideBooks basics = ReadGuideBooks(*guides, kGuideBasicTables);
+  const GuideBooks formulas = ReadGuideBooks(*guides, kGuideMixTables);
   for (const std::string& database : of) {
     run.Show("Updating Pantone Book Information - " + database);
     TakeBooks(run, database, ColorKind::Basic, basics);

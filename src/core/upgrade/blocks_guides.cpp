@@ -1,12 +1,12 @@
 #include <fmt/format.h>
 
-#include <map>
+#include <utility>
 #include <system_error>
 
 #include "core/base/files.h"
 #include "core/base/text.h"
+#include "core/colors/guide_books.h"
 #include "core/colors/guide_database.h"
-#include "core/colors/guides.h"
 #include "core/upgrade/ladder.h"
 
 // The blocks that change the texts of Databases and what comes from published guides.
@@ -171,27 +171,10 @@ void CompleteInfo(UpgradeRun& run) {
 
 namespace {
 
-using Books = std::map<std::string, std::vector<Value>>;
-
-template <std::size_t count>
-Books BooksOf(Database& guides, const std::array<std::string_view, count>& tables) {
-  Books books;
-  for (const std::string_view table : tables) {
-    if (!guides.TableExists(table)) continue;
-    Statement row = guides.Prepare(fmt::format("SELECT Color_Name, {} FROM {}", BookFields().Columns(), Quoted(table)));
-    while (row.Step()) {
-      std::vector<Value> book;
-      for (int i = 0; i < static_cast<int>(BookFields().size()); ++i) book.push_back(row.Get(1 + i));
-      books.emplace(NameKey(row.TextView(0)), std::move(book));
-    }
-  }
-  return books;
-}
-
 // Of a colour that the template does not have what stands in the file stays.
-void TakeBooks(UpgradeRun& run, const std::string& table, const Books& books) {
+void TakeBooks(UpgradeRun& run, const std::string& table, const GuideBooks& books) {
   if (!run.Has(table)) return;
-  std::vector<std::pair<std::int64_t, const std::vector<Value>*>> found;
+  std::vector<std::pair<std::int64_t, const BookData*>> found;
   Statement row = run.file.Prepare(fmt::format("SELECT Src.RowKey, {} FROM {}", run.Sql(table, "Color_Name"), run.From(table)));
   while (row.Step()) {
     const std::string key = NameKey(row.TextView(1));
@@ -209,7 +192,8 @@ void TakeBooks(UpgradeRun& run, const std::string& table, const Books& books) {
   }
   Statement update = run.file.Prepare(fmt::format("UPDATE {} SET {} WHERE RowKey = ?{}", run.From(table), sets, parameter));
   for (const auto& [key, book] : found) {
-    for (int i = 1; i < parameter; ++i) update.Bind(i, (*book)[static_cast<std::size_t>(i) - 1]);
+    int i = 1;
+    for (const RecordField& field : BookFields()) update.Bind(i++, field.ValueIn(book));
     update.Bind(parameter, key).Run();
   }
   run.Changed(table, "guide, page and swatch are those of the template", std::ssize(found));
@@ -234,8 +218,8 @@ void ReadBookPages(UpgradeRun& run) {
     if (!std::exchange(tried, true)) guides = Template(run);
     if (!guides) return;
     run.Doing("Couldn't update the book data of " + database);
-    TakeBooks(run, basic, BooksOf(*guides, kGuideBasicTables));
-    TakeBooks(run, mix, BooksOf(*guides, kGuideMixTables));
+    TakeBooks(run, basic, ReadGuideBooks(*guides, kGuideBasicTables));
+    TakeBooks(run, mix, ReadGuideBooks(*guides, kGuideMixTables));
   });
 }
 

@@ -5,6 +5,8 @@
 #include <algorithm>
 #include <map>
 #include <set>
+#include <unordered_set>
+#include <variant>
 
 #include "core/base/refusal.h"
 #include "core/base/text.h"
@@ -23,8 +25,20 @@ bool KeepsNull(const Table& table, const Field& field) {
   return kKept.contains(field.name) && !(counter && field.name == "LotRefID");
 }
 
-Value EmptyValue(const Field& field) {
-  return field.type == FieldType::Text || field.type == FieldType::Memo ? Value("") : Value(0);
+// A field of the layout, with what stands in it where nothing does.
+struct Place {
+  const Field* field;
+  bool keepsNull;
+  Value empty;
+};
+
+std::vector<Place> PlacesOf(const Table& table) {
+  std::vector<Place> places;
+  for (const Field& field : table.fields) {
+    const bool text = field.type == FieldType::Text || field.type == FieldType::Memo;
+    places.push_back({&field, KeepsNull(table, field), text ? Value("") : Value(0)});
+  }
+  return places;
 }
 
 // What became of the values of a table, by field and in words.
@@ -34,6 +48,7 @@ class Mendings {
   /// A field that held nothing; of a numbered family the word is told.
   void CountEmpty(const Field& field) {
     ++empty_;
+    if (!known_.insert(&field).second) return;
     emptyFields_.insert(field.name.substr(0, field.name.find_last_not_of("0123456789") + 1));
   }
   void Tell(UpgradeRun& run, const std::string& table) const {
@@ -45,6 +60,7 @@ class Mendings {
 
  private:
   std::int64_t empty_ = 0;
+  std::unordered_set<const Field*> known_;
   std::set<std::string> emptyFields_;
   std::map<std::pair<std::string, std::string>, std::int64_t> counts_;
 };
@@ -95,12 +111,14 @@ class Settled {
              UpgradeTable& told) {
     std::string columns;
     std::vector<std::string> fields;
-    for (const Field& field : layout.fields) {
-      fields.push_back(field.name);
-      std::string sql = run_.Sql(name, field.name);
-      if (!run_.Has(name, field.name)) {
-        sql = KeepsNull(layout, field) ? "NULL" : EmptyValue(field).IsText() ? "''" : "0";
-        if (from.read > 0) run_.Changed(name, fmt::format("the field {} was made: the file has none", field.name));
+    const std::vector<Place> places = PlacesOf(layout);
+    for (const Place& place : places) {
+      const std::string& field = place.field->name;
+      fields.push_back(field);
+      std::string sql = run_.Sql(name, field);
+      if (!run_.Has(name, field)) {
+        sql = place.keepsNull ? "NULL" : place.empty.IsText() ? "''" : "0";
+        if (from.read > 0) run_.Changed(name, fmt::format("the field {} was made: the file has none", field));
       }
       columns += (columns.empty() ? "" : ", ") + sql;
     }
@@ -116,8 +134,7 @@ class Settled {
         continue;
       }
       bool mended = false;
-      for (std::size_t i = 0; i < layout.fields.size(); ++i)
-        mended = Take(writer, layout, layout.fields[i], i, row, mendings, name) || mended;
+      for (std::size_t i = 0; i < places.size(); ++i) mended = Take(writer, places[i], i, row, mendings, name) || mended;
       if (single) Head(writer, layout);
       writer.Insert();
       told.Written += 1;
@@ -129,19 +146,19 @@ class Settled {
   }
 
   // One value; true when it could not come in as it is.
-  bool Take(RowWriter& writer, const vellumark::Table& layout, const Field& field, std::size_t place, const Statement& row,
-            Mendings& mendings, const std::string& name) {
+  bool Take(RowWriter& writer, const Place& into, std::size_t place, const Statement& row, Mendings& mendings, const std::string& name) {
+    const Field& field = *into.field;
     const int column = static_cast<int>(place);
     if (row.IsNull(column)) {
-      const bool keeps = KeepsNull(layout, field);
-      writer.Set(place, keeps ? Value() : EmptyValue(field));
-      if (!keeps) mendings.CountEmpty(field);
+      writer.Set(place, into.keepsNull ? Value() : into.empty);
+      if (!into.keepsNull) mendings.CountEmpty(field);
       return false;
     }
-    Value value = row.Get(column);
+    const Value value = row.Get(column);
     try {
       // A text that may not be empty and is holds nothing.
-      if (value.IsText() && value.Text().empty() && (field.type == FieldType::Date || KeepsNull(layout, field))) {
+      const auto* text = std::get_if<std::string>(&value.Held());
+      if (text != nullptr && text->empty() && into.keepsNull) {
         writer.Set(place, Value());
         return false;
       }

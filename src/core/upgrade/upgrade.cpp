@@ -6,6 +6,8 @@
 #include <optional>
 #include <system_error>
 
+#include "core/backup/check_run.h"
+#include "core/backup/kept_folder.h"
 #include "core/backup/proof.h"
 #include "core/backup/repair_run.h"
 #include "core/base/files.h"
@@ -32,17 +34,15 @@ constexpr int kMarked = 100;  // added to the version of an archive copy
 // weighing is the shop's own, photos lie beside the file, and what guides say is read by the ladder.
 bool IsWanted(const RepairStep& step) {
   static constexpr std::string_view kWithout[] = {"Databases",        "Stray Tables", "Tables",       "Values",
-                                                  "Ingredient Order", "Photos",       "PANTONE Books", "Empty Databases"};
+                                                  "Ingredient Order", "Photos",       "PANTONE Books", "Empty Databases",
+                                                  "Check"};
   return std::ranges::find(kWithout, step.name) == std::end(kWithout);
 }
 
-// Keeps other processes out of a file that is only read here, until the other one has its place.
-platform::OpenFile Held(const fs::path& path) {
-  std::error_code error;
-  platform::OpenFile file = platform::OpenExisting(path, platform::Opening::Write, error);
-  if (error) throw Failure(path.string(), error.message());
-  if (!platform::TakeByteLock(file, LockedByte::DataFile)) throw Failure(path.string(), "is in use by another process");
-  return file;
+// Rules that what was just written, each value through its field, cannot break.
+bool IsChecked(const CheckRule& rule) {
+  static constexpr std::string_view kWithout[] = {"Structure", "Fields", "Rows"};
+  return std::ranges::find(kWithout, rule.name) == std::end(kWithout);
 }
 
 fs::path ReportPath(const fs::path& file) {
@@ -93,7 +93,7 @@ class Update {
     const fs::path place = wish_.dryRun ? fs::temp_directory_path() / target_.filename() : target_;
     doing_ = "Couldn't make a copy of the database.";
     platform::OpenFile held;
-    if (!kind_.jet && !wish_.dryRun) held = Held(wish_.source);
+    if (!kind_.jet && !wish_.dryRun) held = HoldDataFile(wish_.source);
     FileBeside work(place, Readers::Group);
     CopySource(work);
     doing_ = "Couldn't open the database.";
@@ -215,6 +215,8 @@ class Update {
     for (const UpgradeLine& line : report_.changes)
       if (line.What.find(" is called ") != std::string::npos || line.What.find(" had the number ") != std::string::npos)
         report_.names.push_back(line);
+    for (const CheckFault& fault : CheckRun(session_, CheckDepth::Deep, CheckState::InUse).Run(IsChecked).faults)
+      report_.left.push_back({"Check", fault.Table, 1, FaultText(fault)});
     if (repair.Failed()) throw Failure(target_.string(), mended.left.empty() ? "could not be mended" : mended.left.back().What);
   }
 

@@ -17,6 +17,7 @@
 #include "core/upgrade/ladder.h"
 #include "support/old_files.h"
 #include "support/sound.h"
+#include "support/template_room.h"
 
 namespace vellumark::test {
 namespace {
@@ -292,6 +293,47 @@ TEST_F(UpdateTest, MarkedFilesKeepTheirMarkAndOthersAreRefused) {
   const fs::path old = made(30, 30);
   EXPECT_EQ(UpdateDataFile(session, {old, present}).error().text, present.string() + " already exists.");
   EXPECT_EQ(UpdateDataFile(session, {old, File("Other.mdb")}).error().title, "File Name");
+}
+
+TEST_F(UpdateTest, ADatabaseOfGuidesGetsItsNamesAndPages) {
+  const auto room = [](const std::string& prefix) {
+    OldRoom made;
+    made.users = false;
+    OldDatabase of{"PANTONE", {}, {}, {}, {}};
+    of.basics = {{prefix + " EMBER", "E", 1, 1, {}, {}, false}, {"PANTONE CLEAR", "C", 1, 1, {}, {}, false}, {"HOUSE", "H", 1, 1, {}, {}, false}};
+    of.formulas = {{prefix + " 90001", "", 0, 0, {{prefix + " EMBER", 12.5F}, {"PANTONE CLEAR", 87.5F}}, {}, false}};
+    of.batches = {{1, prefix + " 90001", 10, 10, {{prefix + " EMBER", 10, 1, "", 0, ""}}, "2020-01-02 00:00:00", "", ""}};
+    made.databases = {of};
+    return made;
+  };
+  // Without a template the names are respelled wherever they stand, and what is missing is told.
+  UpgradeReport report = Update({Old(12, room("PANTONE\u00AE"), 1, "Marked.vkd")});
+  EXPECT_TRUE(report.Balanced());
+  std::string told;
+  for (const UpgradeLineOf& line : LinesOf(report)) told += line.Outcome + " " + line.line.Table + ": " + line.line.What + "\n";
+  for (const char* expected : {"Renamed PANTONE_Mix: Color_Name: PANTONE\u00AE 90001 is called PANTONE 90001 now", "2014PMS_Update.txt is not there",
+                               "2016PMS_Update.txt is not there", "there is no template of color guides", "TemplateFile is pdbt.vkt"})
+    EXPECT_NE(told.find(expected), std::string::npos) << expected << "\n" << told;
+  for (const auto& [table, rows] : RowsAfterUpdate(room("PANTONE"), 12, kToday))
+    if (table != "PANTONE_Info") ExpectRows(*Database::Open(report.file, OpenMode::ReadOnly), table, rows);
+
+  // With one, what it knows is read from it; what it does not know stays.
+  const TemplateTexts texts;
+  ASSERT_TRUE(texts.Build());
+  fs::create_directories(session.ProgramFolder);
+  fs::copy_file(texts.out, session.ProgramFolder / "pdbt.vkt");
+  auto tables = OldTables(room("PANTONE"), 30, 0);
+  for (OldTable& table : tables)
+    for (OldRow& row : table.rows)
+      if (table.layout.name == "PANTONE_Basic") row["Red"] = 9;
+  const fs::path path = File("Guide.vkd");
+  WriteOldFile(path, tables);
+  report = Update({path});
+  const auto file = Database::Open(report.file, OpenMode::ReadOnly);
+  const auto red = [&](const char* name) { return file->Scalar("SELECT Red FROM PANTONE_Basic WHERE Color_Name = ?", {name}).Whole(); };
+  EXPECT_EQ(red("PANTONE EMBER"), 250);
+  EXPECT_EQ(red("HOUSE"), 9);
+  EXPECT_EQ(file->Scalar("SELECT Page FROM PANTONE_Mix").Text(), "3");
 }
 
 TEST_F(UpdateTest, WhatIsMissingIsMadeAndWhatHasNoPlaceIsTold) {
