@@ -215,6 +215,11 @@ bool BatchLotInvSelector::MayClose() {
   return !isOpen_ || ConfirmCancelLotSelection(session);
 }
 
+void BatchLotInvSelector::showEvent(QShowEvent* event) {
+  Dialog::showEvent(event);
+  list_->setFocus();
+}
+
 bool BatchLotInvSelector::eventFilter(QObject* watched, QEvent* event) {
   if (watched == adjust_ && event->type() == QEvent::KeyPress) {
     const int key = static_cast<QKeyEvent*>(event)->key();

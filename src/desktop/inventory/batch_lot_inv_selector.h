@@ -39,6 +39,8 @@ class BatchLotInvSelector : public Dialog {
   void TakeRow(int row);
   void RemoveClicked(bool checked);
   bool eventFilter(QObject* watched, QEvent* event) override;
+  /// The first field would have the focus; the work is done in the list.
+  void showEvent(QShowEvent* event) override;
 
   LotSelectionWork work_;
   bool isOpen_ = false;  ///< a line is on screen

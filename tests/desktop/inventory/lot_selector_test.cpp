@@ -156,5 +156,33 @@ TEST_F(LotSelectorTest, DeselectingAndLeavingAskAndNothingIsNeededIsTold) {
                                  {{"IngName", "RED"}, {"Kind", LineKind::Basic}, {"IngQty", 0.0F}, {"Unit", 1}}));
 }
 
+// One key where a lot has enough, one more for each further lot; one for all lines with the oldest first.
+TEST_F(LotSelectorTest, EnterTakesWhatIsNeededAndF2TheOldest) {
+  Lot(ColorKind::Basic, "RED", 4, 5, {{"LotDate", DateTime{2025, 6, 1}}});
+  Lot(ColorKind::Basic, "RED", 5, 5, {{"LotDate", nullptr}});
+  const struct {
+    float need;
+    std::vector<Qt::Key> keys;
+    std::vector<std::pair<int, float>> taken;
+  } cases[] = {
+      {5, {Qt::Key_Return}, {{1, 5}}},
+      {10, {Qt::Key_Return, Qt::Key_Return}, {{1, 6}, {2, 4}}},
+      {10, {Qt::Key_F2}, {{4, 5}, {1, 5}}},
+      {25, {Qt::Key_F2}, {{4, 5}, {1, 6}, {2, 7}, {5, 5}, {0, 2}}},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.need);
+    const auto result = Select(c.need, [&](QWidget&) {
+      EXPECT_EQ(list->CurrentRow(), 1) << "the first lot with stock";
+      for (const Qt::Key key : c.keys) PressOn(key);
+    });
+    ASSERT_TRUE(result);
+    std::vector<std::pair<int, float>> taken;
+    for (const LotUse& use : result->Get<LotSelection>("Selection").uses) taken.emplace_back(use.LotRefID, use.LotQty);
+    EXPECT_EQ(taken, c.taken);
+    EXPECT_EQ(result->Has("OldestFirst"), c.keys.front() == Qt::Key_F2);
+  }
+}
+
 }  // namespace
 }  // namespace vellumark::test
