@@ -13,6 +13,7 @@
 #include "core/cloud/cloud_admin.h"
 #include "core/cloud/cloud_backup.h"
 #include "core/cloud/cloud_files.h"
+#include "core/cloud/cloud_inventory.h"
 #include "core/cloud/connection_test.h"
 #include "core/cloud/shared_accounts.h"
 #include "core/shell/backups.h"
@@ -167,6 +168,14 @@ Result<Json> Fetch(Context& context, bool photos) {
   return context.Answer(ShareTable(std::move(shares->rows)));
 }
 
+Result<Json> ListStock(Context& context, const CloudStockWish& wish) {
+  auto stock = ReadCloudStock(context.session, wish);
+  if (!stock) return std::unexpected(stock.error());
+  for (const std::string& fault : stock->faults) WriteError(fault + "\n");
+  if (!stock->faults.empty()) context.exitStatus = ExitFailed;
+  return context.Answer(CloudStockTable(context.session, std::move(stock->rows)));
+}
+
 Result<Json> ListReports(Context& context) {
   Cloud cloud(context);
   auto list = ListCloudReports(cloud.desk);
@@ -287,6 +296,23 @@ void AddBackups(CLI::App* noun, Commands& commands) {
   commands.AddList(fetch, Needs::Nothing, "Shared Accounts", [photos](Context& context) { return Fetch(context, *photos); });
 }
 
+void AddInventory(CLI::App* noun, Commands& commands) {
+  auto* verb = noun->add_subcommand("inventory", "The stock of the other shops, as it was last fetched");
+  const auto wish = std::make_shared<CloudStockWish>();
+  const auto kind = std::make_shared<std::string>();
+  verb->add_option("--color", wish->color, "This color alone")->check(NotEmpty);
+  verb->add_option("--kind", *kind, "Basics or formulas alone")->check(CLI::IsMember({"basic", "formula"}));
+  verb->add_option("--consignment", wish->consignment, "0 all stock, 1 what is owned, 2 what is on consignment")
+      ->check(CLI::Range(0, 2));
+  OneEachTime(verb->add_option("--databases", wish->databases, "\"ACCOUNT/DATABASE\"; all when left out"))->check(NotEmpty);
+  verb->footer("Exit status 4 when the file of an account cannot be read; what the others have is listed.");
+  commands.AddList(verb, Needs::Nothing, "Cloud User Inventory Report", [wish, kind](Context& context) {
+    wish->showBasics = *kind != "formula";
+    wish->showMixes = *kind != "basic";
+    return ListStock(context, *wish);
+  });
+}
+
 void AddReports(CLI::App* noun, Commands& commands) {
   commands.AddList(noun->add_subcommand("reports", "The reports of the account"), Needs::Nothing, "Cloud Reports",
                    ListReports);
@@ -345,6 +371,7 @@ void AddCloudCommands(CLI::App& app, Commands& commands) {
   CLI::App* noun = AddNoun(app, "cloud", "The cloud account: settings, backups, shares, reports, administration");
   AddAccount(noun, commands);
   AddBackups(noun, commands);
+  AddInventory(noun, commands);
   AddReports(noun, commands);
   AddAdministration(noun, commands);
 }

@@ -244,6 +244,19 @@ std::vector<std::string> Readable(std::vector<std::string> words) {
   return words;
 }
 
+// A list of processes shows the words of each: passwords among them no longer than it takes to read them.
+void HideSecrets(int argc, char** argv) {
+  bool next = false;
+  for (int i = 1; i < argc; ++i) {
+    const std::string_view word = argv[i];
+    std::size_t from = next ? 0 : word.size();
+    next = word == "--password";
+    for (const std::string_view key : {"CloudHostPassword=", "AdminPassword=", "--password="})
+      if (word.starts_with(key)) from = key.size();
+    std::fill(argv[i] + from, argv[i] + word.size(), '*');
+  }
+}
+
 int Main(int argc, char** argv) {
   CLI::App app("The Vellumark from the command line", "vellumark-cli");
   app.set_version_flag("--version", std::string("vellumark-cli ") + VELLUMARK_VERSION);
@@ -279,6 +292,7 @@ int Main(int argc, char** argv) {
   AddUndoCommands(app, commands);
   AddUsersCommands(app, commands);
   const std::vector<std::string> words = Readable(platform::BeginProgram(argc, argv));
+  HideSecrets(argc, argv);
   if (const auto ended = app.parse(words)) return *ended == 0 ? ExitDone : ExitUsage;
   return RunChosen(options, commands);
 }

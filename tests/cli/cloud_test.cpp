@@ -107,6 +107,22 @@ TEST(CloudCli, TwoShopsBackUpShareAndRestore) {
       south.Run({"--yes", "formula", "import", "--from-file", south.Share("A100").string(), "--from-db", "INK", "--take", "all"});
   EXPECT_EQ(formulas.status, 0) << formulas.err;
   EXPECT_EQ(south.Run({"formula", "show", "NORTH GREEN"}).status, 0);
+  // The stock of north in the unit of south, unlotted and by lot; an account of which nothing lies here is named.
+  EXPECT_EQ(south.Run({"settings", "set", "UMI", "2"}).status, 0);
+  const test::CliAnswer stock = south.Run({"--json", "cloud", "inventory", "--color", "blue"});
+  EXPECT_EQ(stock.status, 4);
+  EXPECT_NE(stock.err.find("C300: nothing was fetched yet"), std::string::npos);
+  double blue = 0;
+  for (const auto& row : stock.Json()) {
+    EXPECT_EQ(row["AcctNum"], "A100");
+    EXPECT_EQ(row["Unit"], "lb.");
+    blue += row["LotQty"].get<double>();
+  }
+  EXPECT_NEAR(blue, (12 - 2) * 0.45359237, 0.002);
+  EXPECT_EQ(south.Run({"settings", "set", "UMI", "1"}).status, 0);
+  const test::CliAnswer none = south.Run({"cloud", "inventory", "--color", "NO SUCH"});
+  EXPECT_EQ(none.status, 1);
+  EXPECT_NE(none.err.find("No inventory found."), std::string::npos);
   // What lies with the shares is nobody's to back up.
   fs::copy_file(south.folder / "Ink.vkd", south.Share("C300").parent_path().parent_path() / "C300.vkd");
   const test::CliAnswer shared = south.Run({"--file", (south.folder / "VKDat/Cloud Downloads/ShareData/C300.vkd").string(), "cloud", "backup"});

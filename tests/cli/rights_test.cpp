@@ -200,6 +200,7 @@ std::vector<Line> Lines(const test::CliRoom& room) {
       {{"cloud", "restore-settings"}, {}},
       {{"cloud", "delete", "None_Backup_1.vkd"}, {}},
       {{"cloud", "fetch"}, {}},
+      {{"cloud", "inventory"}, {}},
       {{"cloud", "reports"}, {}},
       {{"cloud", "delete-report", "None.txt"}, {}},
       {{"cloud", "report-upload", "lblProduction"}, {}},

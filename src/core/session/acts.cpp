@@ -181,6 +181,7 @@ constexpr WayIn kCommands[] = {
     {"cloud restore-settings", Act::DataFiles},
     {"cloud delete", Act::BackUp},
     {"cloud fetch", Act::Look},
+    {"cloud inventory", Act::Look},
     {"cloud reports", Act::Look},
     {"cloud delete-report", Act::BackUp},
     {"cloud report-upload", Act::Look},

@@ -1,0 +1,51 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "core/base/table.h"
+#include "core/cloud/shared_accounts.h"
+
+namespace vellumark {
+
+/// What is asked of the stock of other shops.
+struct CloudStockWish {
+  std::string color{};                   ///< this one alone
+  bool showBasics = true;
+  bool showMixes = true;
+  int consignment = 0;                   ///< 0 all stock, 1 what is owned, 2 what is on consignment
+  std::vector<std::string> databases{};  ///< "account/Database"; empty: all
+};
+
+/// A figure of another shop's stock: what is unlotted of a colour, or a lot. Quantities and prices are in the unit of this
+/// installation where the other shop tells its own.
+struct CloudStockRow {
+  ShareRow share;
+  std::string Database;
+  std::string Color_Name;
+  std::string Color_Type;
+  std::string Color_Code;
+  double Reorder = 0;
+  std::string Inv_Note;
+  std::string LotNumber;
+  std::string LotLoc;
+  std::string LotContID;
+  std::optional<DateTime> LotDate;
+  double LotQty = 0;
+  double LotPrice = 0;
+  bool Consignment = false;
+};
+
+struct CloudStock {
+  std::vector<CloudStockRow> rows;   ///< by account, Database, kind and name
+  std::vector<std::string> faults;   ///< of files that cannot be read, a line each
+};
+/// Reads what lies here of the accounts of the list; it was fetched before. Refused: nobody in the list, and when nothing
+/// is found.
+Result<CloudStock> ReadCloudStock(Session& session, const CloudStockWish& wish);
+/// The Databases that can be asked for, "account/Database", in the order of the lists.
+std::vector<std::string> CloudDatabases(const Session& session);
+ListTable CloudStockTable(const Session& session, std::vector<CloudStockRow> rows);
+
+}  // namespace vellumark
