@@ -1,6 +1,9 @@
 // Two shops on one real server, from the command line: each with its own data folder and account.
 
+#include <fcntl.h>
 #include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
 
 #include <algorithm>
 
@@ -262,6 +265,30 @@ TEST(CloudCli, SettingsAreCheckedImportedAndTried) {
   EXPECT_NE(shop.Run({"cloud", "settings-import", file.string()}).err.find("Settings File: Incorrect file was selected"),
             std::string::npos);
   EXPECT_EQ(fs::status(shop.folder / "VKDat/vk5_cls.json").permissions() & fs::perms::others_all, fs::perms::none);
+}
+
+// While the program waits for one password, the list of processes shows none of the others.
+TEST(CloudCli, ListsOfProcessesShowNoPassword) {
+  test::CliRoom room;
+  const std::string pipe = (room.folder / "answer").string();
+  ASSERT_EQ(::mkfifo(pipe.c_str(), 0600), 0);
+  const pid_t child = ::fork();
+  if (child == 0)
+    room.Become({"--password", "first one", "cloud", "settings", "CloudHostPassword=second one", "AdminPassword=-"}, pipe, [] {});
+  const int answer = ::open(pipe.c_str(), O_WRONLY);
+  std::string shown;
+  for (int wait = 0; wait < 200; ++wait) {
+    std::ifstream words("/proc/" + std::to_string(child) + "/cmdline", std::ios::binary);
+    shown.assign(std::istreambuf_iterator<char>(words), {});
+    if (shown.find("cloud") != std::string::npos && shown.find(" one") == std::string::npos) break;
+    std::this_thread::sleep_for(std::chrono::milliseconds(25));
+  }
+  EXPECT_NE(shown.find("cloud"), std::string::npos);
+  EXPECT_EQ(shown.find("first one"), std::string::npos);
+  EXPECT_EQ(shown.find("second one"), std::string::npos);
+  ::close(answer);
+  int status = 0;
+  ::waitpid(child, &status, 0);
 }
 
 }  // namespace
