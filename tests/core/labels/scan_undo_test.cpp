@@ -1,5 +1,6 @@
 #include "core/labels/scan_undo.h"
 
+#include "core/datafile/stock_trail.h"
 #include "core/inventory/taking_back.h"
 #include "core/jobs/job_room.h"
 #include "core/labels/scan_plan.h"
