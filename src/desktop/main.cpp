@@ -6,6 +6,7 @@
 #include "core/shell/startup.h"
 #include "desktop/backup/register.h"
 #include "desktop/batch/register.h"
+#include "desktop/cloud/register.h"
 #include "desktop/colors/register.h"
 #include "desktop/datafile/register.h"
 #include "desktop/exchange/register.h"
@@ -59,6 +60,7 @@ int main(int argc, char** argv) {
   vellumark::desktop::Program program(windows);
   vellumark::desktop::RegisterDatafileWindows(windows, program.Windows());
   vellumark::desktop::RegisterBackupWindows(windows, program.Windows());
+  vellumark::desktop::RegisterCloudWindows(windows, program.Windows());
   vellumark::desktop::RegisterScaleWindows(windows, program.Scale());
   vellumark::desktop::RegisterWeighing(windows, program.Scale());
   vellumark::StartOptions options;

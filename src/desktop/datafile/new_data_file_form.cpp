@@ -3,6 +3,7 @@
 #include <QTabBar>
 #include <QTabWidget>
 
+#include "core/cloud/cloud_settings.h"
 #include "core/shell/data_files.h"
 #include "desktop/datafile/file_windows.h"
 #include "desktop/kit/look.h"
@@ -89,7 +90,9 @@ void NewDataFileForm::BuildLater(TabSet& tabs) {
   CommandButton* automatic = restore.Button("cmdAutoBackup", tr("From &Automatic Backup ..."));
   fromFile->setEnabled(windows.Knows("RestoreFileLocationForm"));
   automatic->setEnabled(windows.Knows("RestoreAutomaticForm") && !session.DataFileName.empty());
-  ButtonLine(restore, {fromFile, automatic});
+  CommandButton* fromCloud = restore.Button("cmdRestoreCloud", tr("From &Cloud ..."));
+  fromCloud->setEnabled(windows.Knows("CloudRestoreFileList") && !session.DataFileName.empty());
+  ButtonLine(restore, {fromFile, automatic, fromCloud});
   restore.Heading(tr("Repair a data file that is damaged"));
   Paragraph(restore, tr("What can still be read of it is put into a new file in its place; a copy of it is kept."));
   CommandButton* repair = restore.Button("cmdRepair", tr("R&epair Data File"));
@@ -102,6 +105,22 @@ void NewDataFileForm::BuildLater(TabSet& tabs) {
                         "not known, and the converter that writes them, DOSCONV.EXE, is a program of its own."));
   ButtonLine(upgrade, {off(upgrade, "cmdUpgrade", tr("Locate DOS Files"))});
   upgrade.Stretch();
+  if (!windows.Knows("OpenCloudAdminDefault_DF") || !IsCloudAdmin()) return;
+  Form admin = tabs.Page(tr("C&loud Administrator"), "TabCloudAdmin");
+  admin.Heading(tr("Open the data file of the administrator"));
+  Paragraph(admin, tr("It is the one that Cloud Settings name as the Default Data File."));
+  ButtonLine(admin, {admin.Button("cmdCloudAdminDefault_DF", tr("Open &Default Data File"))});
+  admin.Stretch();
+}
+
+// The account of an administrator; one whose settings cannot be read is none here.
+bool NewDataFileForm::IsCloudAdmin() {
+  try {
+    return ReadCloudSettings(session).IsAdmin();
+  } catch (const Failure& failure) {
+    message_->setToolTip(Q(failure.subject) + ": " + Q(failure.cause));
+    return false;
+  }
 }
 
 void NewDataFileForm::OnOpen(const Arguments& arguments) {

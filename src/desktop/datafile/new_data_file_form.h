@@ -22,10 +22,13 @@ class NewDataFileForm : public Dialog {
   void cmdSearch_Click();
   void cmdRestore_Click() { RestoreBy("RestoreFileLocationForm"); }
   void cmdAutoBackup_Click() { RestoreBy("RestoreAutomaticForm"); }
+  void cmdRestoreCloud_Click() { RestoreBy("CloudRestoreFileList"); }
+  void cmdCloudAdminDefault_DF_Click() { RestoreBy("OpenCloudAdminDefault_DF"); }
   void cmdRepair_Click() { RestoreBy("RepairForm"); }
   void cmdExit_Click();
 
  private:
+  bool IsCloudAdmin();
   void RestoreBy(const char* dialog);
   class WindowsHere;
   void BuildInformation(Form page);

@@ -83,9 +83,10 @@ DBImport_Formulas::DBImport_Formulas(WindowList& windowList, FileChooser choose)
   form.ButtonsWithoutDefault({compare_ = form.Button("cmdCompare", tr("&Compare"), Qt::Key_F5),
                               import_ = form.Button("cmdImport", tr("I&mport")),
                               undo_ = form.Button("cmdUndo", tr("Undo Im&port")), form.Button("cmdClose", tr("Close"))});
-  for (Field* field : std::initializer_list<Field*>{source_, sourceDatabase_, guideList_, unit_, destination_, newName_,
+  for (Field* field : std::initializer_list<Field*>{source_, account_, sourceDatabase_, guideList_, unit_, destination_, newName_,
                                                     target_, multiplyOut_, unused_, stock_, skipBad_, whatElse_, done_})
     field->DoNotTrack();
+  ListAccounts();
   ListSources();
   ListDatabases(*target_, session);
   Forget({});
@@ -98,7 +99,8 @@ void DBImport_Formulas::BuildSource(Form form) {
   form.Heading(tr("Source"));
   source_ = form.Radio("optSource", {{"optSource_File", tr("File")},
                                      {"optSource_Database", tr("Database of this Data File")},
-                                     {"optSource_Pantone", tr("PANTONE guides")}});
+                                     {"optSource_Pantone", tr("PANTONE guides")},
+                                     {"optSource_Cloud", tr("Shared Cloud account")}});
   form.Wide(source_);
   fileName_ = form.Hint({}, "lblFile");
   fileName_->setWordWrap(true);
@@ -106,6 +108,10 @@ void DBImport_Formulas::BuildSource(Form form) {
   form.Row({browse_ = form.Button("cmdBrowse", tr("&Browse ...")),
             columns_ = form.Button("cmdColumns", tr("Col&umns ...")),
             form.Link("cmdFormatInfo", tr("Format Info"), [this] { windows.OpenForm("ExportImportFileExamples"); })});
+  account_ = form.Combo("cmbAccount");
+  account_->setMinimumWidth(180);
+  account_->setPlaceholderText(tr("Please select a Cloud Account to work with"));
+  form.Row(tr("Acco&unt"), {account_, cloudGet_ = form.Button("cmdCloudGet", tr("&Get from Cloud"))});
   sourceDatabase_ = form.Combo("cmbDBList");
   sourceDatabase_->setMinimumWidth(180);
   form.Row(tr("Dat&abase"), sourceDatabase_);
@@ -133,6 +139,7 @@ void DBImport_Formulas::BuildSource(Form form) {
     ListSources();
     Forget({});
   });
+  account_->OnChosen([this](int place) { TakeAccount(place); });
   sourceDatabase_->OnChosen([this](int) { Forget({}); });
   unit_->OnChosen([this](int) { Forget({}); });
   connect(guideList_, &QListWidget::itemChanged, this, [this] { Forget({}); });
@@ -229,7 +236,7 @@ std::vector<std::string> DBImport_Formulas::ChosenGuides() const {
 
 void DBImport_Formulas::ListSources() {
   const std::string before = sourceDatabase_->Text();
-  std::vector<std::string> names = databasesOfFile_;
+  std::vector<std::string> names = ChosenSource() == Source::Cloud ? databasesOfShare_ : databasesOfFile_;
   if (ChosenSource() == Source::Database) {
     names = session.databaseList;
     std::erase(names, session.CurrentDatabase);
@@ -241,6 +248,51 @@ void DBImport_Formulas::ListSources() {
                          ? file_.empty() ? tr("Click the Browse button to select a file to import data from.")
                                          : Q(file_.string())
                          : QString());
+  if (ChosenSource() == Source::Cloud && !shareFile_.empty())
+    fileName_->setText(tr("Fetched on %1").arg(Q(shares_.at(static_cast<std::size_t>(account_->currentIndex())).came->DateText())));
+}
+
+void DBImport_Formulas::ListAccounts() {
+  shares_.clear();
+  try {
+    shares_ = SharesHere(session);
+  } catch (const Failure& failure) {
+    account_->setToolTip(Q(failure.subject) + ": " + Q(failure.cause));
+  }
+  std::vector<std::string> names;
+  for (const ShareRow& share : shares_) {
+    std::string name = share.AcctNum;
+    if (!share.Facility.empty()) name += " - " + share.Facility;
+    names.push_back(name + (share.came ? std::string() : U8(tr(" (nothing fetched)"))));
+  }
+  account_->SetItems(names);
+  account_->setCurrentIndex(-1);
+  databasesOfShare_.clear();
+  shareFile_.clear();
+}
+
+// A share is a Data File in the other shop's unit of stock.
+void DBImport_Formulas::TakeAccount(int place) {
+  databasesOfShare_.clear();
+  shareFile_.clear();
+  const ShareRow& share = shares_.at(static_cast<std::size_t>(place));
+  if (share.came) {
+    const std::filesystem::path file = SharedDataFile(session, share.AcctNum);
+    if (const auto names = DatabasesOfFile(session, file); Accepted(names)) {
+      databasesOfShare_ = *names;
+      shareFile_ = file;
+    }
+    if (share.UMI != 0) unit_->SetText(UnitName(share.UMI));
+  }
+  ListSources();
+  Forget({});
+}
+
+void DBImport_Formulas::cmdCloudGet_Click() {
+  windows.RunDialog("Cloud_GetPutData_Form", {{"Task", CloudTask::DBImport_Formulas}});
+  ListAccounts();
+  ListSources();
+  Forget({});
 }
 
 void DBImport_Formulas::cmdBrowse_Click() {
@@ -270,6 +322,12 @@ Result<FormulaTable> DBImport_Formulas::Read() {
       return ReadGuideFormulas(session, ChosenGuides());
     case Source::Database:
       return ReadDatabaseFormulas(session, sourceDatabase_->Text());
+    case Source::Cloud:
+      if (shareFile_.empty())
+        return Refuse("Import Formulas", "Please select a Cloud Account to work with", "cmbAccount");
+      if (sourceDatabase_->Text().empty())
+        return Refuse("Import Formulas", "Please select a Cloud database to copy formulas from", "cmbDBList");
+      return ReadDataFileFormulas(session, shareFile_, sourceDatabase_->Text());
     case Source::File:
       break;
   }
@@ -377,12 +435,16 @@ void DBImport_Formulas::UpdateEnabled() {
   const bool fromFile = ChosenSource() == Source::File;
   browse_->setEnabled(fromFile);
   columns_->setEnabled(fromFile && !file_.empty() && !IsDataFile());
-  sourceDatabase_->setEnabled(ChosenSource() == Source::Database || IsDataFile());
-  unit_->setEnabled(fromFile);
+  const bool fromCloud = ChosenSource() == Source::Cloud;
+  account_->setEnabled(fromCloud && account_->count() > 0);
+  cloudGet_->setEnabled(fromCloud);
+  sourceDatabase_->setEnabled(ChosenSource() == Source::Database || IsDataFile() || (fromCloud && !shareFile_.empty()));
+  unit_->setEnabled(fromFile || fromCloud);
   guideList_->setEnabled(ChosenSource() == Source::Guides);
   newName_->setEnabled(destination_->Chosen() == kNewDatabase);
   target_->setEnabled(destination_->Chosen() != kNewDatabase);
   source_->Button(static_cast<int>(Source::Guides))->setEnabled(!guides_.empty());
+  source_->Button(static_cast<int>(Source::Cloud))->setEnabled(windows.Knows("Cloud_GetPutData_Form"));
   source_->Button(static_cast<int>(Source::Database))->setEnabled(session.databaseList.size() > 1);
   for (CommandButton* button : choices_) button->setEnabled(plan_ != nullptr);
   view_->setEnabled(plan_ && list_->List().CurrentRow() >= 0);
@@ -428,6 +490,11 @@ void DBImport_Formulas::cmdView_Click() {
 
 void DBImport_Formulas::cmdImport_Click() {
   if (!plan_) return;
+  if (ChosenSource() == Source::Cloud &&
+      session.prompt.Show({"Updating Database with Formulas",
+                           "This update could change existing formulas found in the database.\nClick OK to continue.",
+                           vellumark::Buttons::OkCancel, vellumark::Icon::Exclamation}) != Answer::Ok)
+    return;
   TakeChecked();
   Result<MergeReport> done = MergeReport{};
   working_ = true;
@@ -462,6 +529,10 @@ void DBImport_Formulas::TellDone(const MergeReport&) {
     case Source::Guides:
       return session.prompt.Tell("Pantone Import Complete",
                                  "Pantone Colors from the Selected Guide have been imported into the current database.",
+                                 vellumark::Icon::Information);
+    case Source::Cloud:
+      return session.prompt.Tell("Cloud Formula Import Complete",
+                                 "Formulas from the selected Cloud database have been\nimported into the choosen database.",
                                  vellumark::Icon::Information);
     case Source::File:
       session.prompt.Tell("Import Formulas", "Import Data has completed successfully.", vellumark::Icon::Information);

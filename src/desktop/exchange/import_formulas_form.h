@@ -4,6 +4,7 @@
 #include <memory>
 #include <optional>
 
+#include "core/cloud/shared_accounts.h"
 #include "core/colors/guide_database.h"
 #include "core/exchange/formula_import.h"
 #include "desktop/datafile/file_choice.h"
@@ -27,6 +28,8 @@ class DBImport_Formulas : public Window {
 
  public Q_SLOTS:
   void cmdBrowse_Click();
+  /// The shares of other accounts, fetched now.
+  void cmdCloudGet_Click();
   void cmdColumns_Click();
   void cmdCompare_Click();
   void cmdView_Click();
@@ -35,7 +38,7 @@ class DBImport_Formulas : public Window {
   void cmdUndo_Click();
 
  private:
-  enum class Source { File, Database, Guides };
+  enum class Source { File, Database, Guides, Cloud };
   class Planned;
 
   void BuildSource(Form form);
@@ -44,6 +47,8 @@ class DBImport_Formulas : public Window {
   void BuildReport(Form form);
   Source ChosenSource() const;
   bool IsDataFile() const;
+  void ListAccounts();
+  void TakeAccount(int place);
   std::vector<std::string> ChosenGuides() const;
   /// The Databases of the source that may be chosen from.
   void ListSources();
@@ -72,6 +77,11 @@ class DBImport_Formulas : public Window {
   QLabel* fileName_ = nullptr;
   CommandButton* browse_ = nullptr;
   CommandButton* columns_ = nullptr;
+  ComboField* account_ = nullptr;
+  CommandButton* cloudGet_ = nullptr;
+  std::vector<ShareRow> shares_;
+  std::filesystem::path shareFile_;
+  std::vector<std::string> databasesOfShare_;
   ComboField* sourceDatabase_ = nullptr;
   CheckListField* guideList_ = nullptr;
   ComboField* unit_ = nullptr;

@@ -2,6 +2,7 @@
 
 #include <QTabWidget>
 
+#include "core/cloud/shared_designs.h"
 #include "core/jobs/design_tables.h"
 #include "desktop/jobs/table_rows.h"
 #include "desktop/kit/icons.h"
@@ -42,6 +43,16 @@ void DB_ImportExport_Designs::BuildExport(Form form) {
 void DB_ImportExport_Designs::BuildImport(Form form) {
   form.Row({form.Button("cmdSelectFile", tr("&Select File")),
             fileName_ = form.Hint(tr("Click on a file to select for import"), "lblFile")});
+  account_ = form.Combo("cmbAccount");
+  account_->setMinimumWidth(240);
+  account_->setPlaceholderText(tr("or choose a Cloud Account"));
+  account_->setAccessibleName(tr("Cloud Account"));
+  account_->DoNotTrack();
+  account_->OnChosen([this](int place) { TakeAccount(place); });
+  CommandButton* get = form.Button("cmdCloudGet", tr("&Get from Cloud"));
+  get->setEnabled(windows.Knows("Cloud_GetPutData_Form"));
+  form.Row({account_, get});
+  ListAccounts();
   compare_ = form.Table("fgCompare");
   compare_->setAccessibleName(tr("Designs of the file"));
   compare_->SetColumns({GridColumn::Text(tr("Design ID"), 240), GridColumn::Text(tr("ModType"), 96),
@@ -107,6 +118,37 @@ void DB_ImportExport_Designs::cmdSelectFile_Click() {
   const QString path = choose_({tr("Design Import"), tr("Text file (*.txt)"), ".txt", {}, false}, this);
   if (path.isEmpty()) return;
   file_ = std::filesystem::path(U8(path));
+  fromCloud_ = false;
+  account_->setCurrentIndex(-1);
+  ReadFile();
+}
+
+void DB_ImportExport_Designs::cmdCloudGet_Click() {
+  windows.RunDialog("Cloud_GetPutData_Form", {{"Task", CloudTask::DB_ImportExport_Designs}});
+  ListAccounts();
+}
+
+void DB_ImportExport_Designs::ListAccounts() {
+  account_->clear();
+  shares_.clear();
+  try {
+    shares_ = SharesHere(session);
+  } catch (const Failure& failure) {
+    account_->setToolTip(Q(failure.subject) + ": " + Q(failure.cause));
+  }
+  for (const ShareRow& share : shares_) {
+    const QString name = Q(share.Facility.empty() ? share.AcctNum : share.AcctNum + " - " + share.Facility);
+    account_->addItem(name + (share.came ? " (" + Q(share.came->DateText()) + ")" : tr(" (nothing fetched)")));
+  }
+  account_->setCurrentIndex(-1);
+  account_->setEnabled(!shares_.empty());
+}
+
+void DB_ImportExport_Designs::TakeAccount(int place) {
+  const auto designs = SharedDesignFile(session, shares_.at(static_cast<std::size_t>(place)));
+  if (!Accepted(designs)) return;
+  file_ = *designs;
+  fromCloud_ = true;
   ReadFile();
 }
 
@@ -141,13 +183,21 @@ void DB_ImportExport_Designs::cmdView_Click() {
 void DB_ImportExport_Designs::cmdImport_Click() {
   const std::vector<std::string> ids = Selected(*compare_, *inFile_);
   if (ids.empty()) return ShowRefusal({"No Selections", "No Designs have been selected", "fgCompare"});
+  if (fromCloud_ && session.prompt.Show({"Updating Database with Designs",
+                                         "This update could change existing Designs found in the database.\nClick OK to continue.",
+                                         vellumark::Buttons::OkCancel, vellumark::Icon::Exclamation}) != Answer::Ok)
+    return;
   Result<DesignImport> done = DesignImport{};
   {
     const auto wait = Wait(WaitKind::WaitingForm, tr("Importing Designs ..."));
     done = ImportDesigns(session, paper::JpegMaker(), file_, ids);
   }
   if (!Accepted(done)) return;
-  session.prompt.Tell(U8(tr("Design Import")), U8(tr("Designs have been imported")), vellumark::Icon::Information);
+  if (fromCloud_)
+    session.prompt.Tell("Designs Import Complete", "Designs from the selected Cloud database have been imported",
+                        vellumark::Icon::Information);
+  else
+    session.prompt.Tell(U8(tr("Design Import")), U8(tr("Designs have been imported")), vellumark::Icon::Information);
   if (const std::string text = PhotoImportText(*done); !text.empty())
     session.prompt.Tell(U8(tr("Design Photo Import Error")), text, vellumark::Icon::Exclamation);
 }

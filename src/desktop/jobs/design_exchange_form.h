@@ -1,5 +1,6 @@
 #pragma once
 
+#include "core/cloud/shared_accounts.h"
 #include "core/exchange/design_file.h"
 #include "desktop/datafile/file_choice.h"
 #include "desktop/kit/window.h"
@@ -19,6 +20,8 @@ class DB_ImportExport_Designs : public Window {
  public Q_SLOTS:
   void cmdExport_Click();
   void cmdSelectFile_Click();
+  /// The shares of other accounts, fetched now.
+  void cmdCloudGet_Click();
   void cmdView_Click();
   void cmdImport_Click();
   void cmdClose_Click() { Leave(); }
@@ -30,6 +33,8 @@ class DB_ImportExport_Designs : public Window {
   void ListDesignsOfFile();
   std::vector<std::string> Selected(const Grid& grid, const TableSource& rows) const;
   void ReadFile();
+  void ListAccounts();
+  void TakeAccount(int place);
 
   FileChooser choose_;
   std::shared_ptr<TableSource> here_;
@@ -40,6 +45,9 @@ class DB_ImportExport_Designs : public Window {
   std::shared_ptr<TableSource> inFile_;
   Grid* compare_ = nullptr;
   QLabel* fileName_ = nullptr;
+  ComboField* account_ = nullptr;
+  std::vector<ShareRow> shares_;
+  bool fromCloud_ = false;
   CommandButton* export_ = nullptr;
   CommandButton* view_ = nullptr;
   CommandButton* import_ = nullptr;

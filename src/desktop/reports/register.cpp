@@ -1,5 +1,6 @@
 #include "desktop/reports/register.h"
 
+#include "core/cloud/cloud_reports.h"
 #include "core/reports/catalogue.h"
 #include "core/reports/find.h"
 #include "desktop/kit/row_menu.h"
@@ -32,10 +33,11 @@ void RegisterReportsWindows(WindowList& windows, const PrintDevices& devices) {
   windows.RegisterDialog<ReportNameForm>("ReportNameForm");
   windows.RegisterDialog<ReportNotesForm>("ReportNotesForm");
   windows.Register<ReportsForm>("ReportsForm");
-  for (const ReportDefinition& report : ReportCatalogue())
-    windows.Register(report.window, [&report, choose = devices.chooseFile](WindowList& list) -> Window* {
-      return new ReportForm(list, report, choose);
-    });
+  for (const auto* reports : {&ReportCatalogue(), &CloudReports()})
+    for (const ReportDefinition& report : *reports)
+      windows.Register(report.window, [&report, choose = devices.chooseFile](WindowList& list) -> Window* {
+        return new ReportForm(list, report, choose);
+      });
   windows.Register<FindMenu>("FindMenu");
   windows.RegisterDialog("QuickFindForm", [index = std::make_shared<QuickIndex>(windows.session)](
                                               WindowList& list, QWidget* owner) -> Dialog* {

@@ -6,9 +6,12 @@
 #include <algorithm>
 
 #include "core/base/text.h"
+#include "core/cloud/cloud_files.h"
+#include "core/cloud/cloud_reports.h"
 #include "core/colors/rollup.h"
 #include "core/reports/detail.h"
 #include "core/reports/report_settings.h"
+#include "core/reports/report_text.h"
 #include "desktop/kit/print_sheet.h"
 #include "desktop/kit/record_source.h"
 #include "desktop/kit/text.h"
@@ -190,6 +193,7 @@ bool ReportForm::Run(const QString& text) {
   lasted_ = time.elapsed();
   running_ = false;
   builtWith_ = context->options;
+  if (FetchTaskOf(definition_)) grid_->SetEmptyText(tr("No inventory found."));
   Show(std::move(built));
   return true;
 }
@@ -272,6 +276,7 @@ void ReportForm::UpdateEnabled() {
   const bool filled = report_ && report_->Rows() > 0;
   print_->setEnabled(filled && CanPrint(windows));
   export_->setEnabled(filled && windows.Knows("ReportExportForm"));
+  upload_->setEnabled(filled && upload_->toolTip().isEmpty());
   save_->setEnabled(filled && windows.Knows("ReportNameForm"));
   chart_->setEnabled(filled || !chartPanel_->isHidden());
   if (keepRange_ == nullptr) return;
@@ -284,6 +289,19 @@ void ReportForm::cmdExport_Click() {
   TakeArrangement();
   windows.RunDialog("ReportExportForm",
                     {{"Report", static_cast<const BuiltReport*>(report_.get())}, {"Definition", &definition_}});
+}
+
+void ReportForm::cmdCloudGet_Click() {
+  if (!windows.RunDialog("Cloud_GetPutData_Form", {{"Task", *FetchTaskOf(definition_)}})) return;
+  if (!HasSubject() || !Subject().empty()) cmdFind_Click();
+}
+
+void ReportForm::cmdCloudReportUpload_Click() {
+  const ExportOptions options = ReadExportOptions(session, definition_);
+  if (!Accepted(CheckCloudFormat(options.format))) return;
+  TakeArrangement();
+  const std::string name = options.fileName.empty() ? CloudReportName(session, report_->FullTitle()) : options.fileName;
+  windows.RunDialog("CloudReportUploadForm", {{"Name", name}, {"Text", ReportText(*report_, options)}});
 }
 
 bool ReportForm::MayClose() {

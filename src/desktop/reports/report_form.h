@@ -38,6 +38,10 @@ class ReportForm : public Window {
   void cmdPrint_Click() override;
   /// Into a file, in `ReportExportForm`.
   void cmdExport_Click();
+  /// What other shops have, once more.
+  void cmdCloudGet_Click();
+  /// As text into the cloud, in `CloudReportUploadForm`.
+  void cmdCloudReportUpload_Click();
   /// Under a name, to be run again.
   void cmdSaveReport_Click();
   /// The dates under a name; or those of a name are forgotten.
@@ -116,6 +120,8 @@ class ReportForm : public Window {
   CommandButton* find_ = nullptr;
   CommandButton* print_ = nullptr;
   CommandButton* export_ = nullptr;
+  CommandButton* upload_ = nullptr;
+  CommandButton* fetch_ = nullptr;
   CommandButton* save_ = nullptr;
   CommandButton* chart_ = nullptr;
   CommandButton* keepRange_ = nullptr;

@@ -4,6 +4,8 @@
 #include <array>
 
 #include "core/base/text.h"
+#include "core/cloud/cloud_files.h"
+#include "core/cloud/cloud_reports.h"
 #include "core/inventory/color_stock.h"
 #include "core/reports/batch_rows.h"
 #include "core/reports/find_color.h"
@@ -106,11 +108,21 @@ ReportForm::ReportForm(WindowList& windowList, const ReportDefinition& definitio
   form.Wide(head);
   form.Wide(BuildMiddle(std::move(choose)), 1);
   form.ButtonsWithoutDefault({form.Button("cmdClose", tr("Close")), form.Button("cmdClear", tr("C&lear")),
+                              fetch_ = form.Button("cmdCloudGet", tr("&Get from Cloud")),
                               save_ = form.Button("cmdSaveReport", tr("Sa&ve Report")),
                               chart_ = form.Button("cmdChart", tr("C&hart"), Qt::Key_F6),
+                              upload_ = form.Button("cmdCloudReportUpload", tr("To Clo&ud")),
                               export_ = form.Button("cmdExport", tr("&Export")),
                               print_ = form.Button("cmdPrint", tr("&Print"))});
   SetDefaultButton(find_);
+  // A report of other shops is fetched anew, and is not kept among those of this Data File.
+  fetch_->setVisible(FetchTaskOf(definition_) && windows.Knows("Cloud_GetPutData_Form"));
+  save_->setVisible(!FetchTaskOf(definition_));
+  try {
+    upload_->setVisible(windows.Knows("CloudReportUploadForm") && CloudReady(session));
+  } catch (const Failure& failure) {
+    upload_->setToolTip(Q(failure.subject) + ": " + Q(failure.cause));
+  }
   refresh_.setSingleShot(true);
   refresh_.setInterval(250);
   connect(&refresh_, &QTimer::timeout, this, &ReportForm::RefreshNow);

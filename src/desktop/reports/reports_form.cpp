@@ -5,6 +5,8 @@
 #include <QListWidget>
 
 #include "core/base/text.h"
+#include "core/cloud/cloud_reports.h"
+#include "core/cloud/shared_accounts.h"
 #include "core/reports/build.h"
 #include "core/reports/catalogue.h"
 #include "core/reports/saved_reports.h"
@@ -70,7 +72,7 @@ QListWidget* ReportsForm::MakePane(Form form, const QString& title, const char* 
   };
   const auto open = [this, list](const QListWidgetItem* item) {
     if (list == saved_) return OpenSaved(U8(item->data(kKeyRole).toString()));
-    if (const ReportDefinition* report = FindReport(U8(item->data(kKeyRole).toString()))) Open(*report);
+    if (const ReportDefinition* report = FindAnyReport(U8(item->data(kKeyRole).toString()))) Open(*report);
   };
   connect(list, &QListWidget::itemEntered, this, describe);
   connect(list, &QListWidget::viewportEntered, this, [describe] { describe(nullptr); });
@@ -88,7 +90,11 @@ QListWidget* ReportsForm::MakePane(Form form, const QString& title, const char* 
 
 void ReportsForm::Fill() {
   std::string group;
-  for (const ReportDefinition& report : ReportCatalogue()) {
+  std::vector<const ReportDefinition*> all;
+  for (const auto* reports : {&ReportCatalogue(), &CloudReports()})
+    for (const ReportDefinition& report : *reports) all.push_back(&report);
+  for (const ReportDefinition* one : all) {
+    const ReportDefinition& report = *one;
     QListWidget* list = IsOfBatches(report) ? batches_ : report.group.starts_with("Jobs") ? jobs_ : colors_;
     if (report.group != group) {
       group = report.group;
@@ -173,10 +179,20 @@ void ReportsForm::Describe(const QString& text) {
   if (description_ != nullptr) description_->setText(text);
 }
 
+// What other shops have is fetched first; what came before can be looked at when that fails.
+void ReportsForm::OpenCloudReport(const ReportDefinition& report, CloudTask task) {
+  const bool fetched = windows.RunDialog("Cloud_GetPutData_Form", {{"Task", task}}).has_value();
+  const auto came = [](const ShareRow& share) { return share.came.has_value(); };
+  if (!fetched && std::ranges::none_of(SharesHere(session), came)) return;
+  windows.OpenForm(report.window, report.subject == ReportSubject::None ? Arguments{{"Run", true}} : Arguments{});
+}
+
 void ReportsForm::Open(const ReportDefinition& report, const Arguments& arguments) {
   if (!windows.Knows(report.window)) return;
   const auto may = RequireReport(session, report, windows.IsInEdit("BatchForm"));
-  if (Accepted(may)) {
+  if (const auto task = FetchTaskOf(report); task && may) {
+    OpenCloudReport(report, *task);
+  } else if (Accepted(may)) {
     windows.OpenForm(report.window, arguments);
   } else if (may.error().field == "BatchForm") {
     windows.OpenForm("BatchForm");

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "core/reports/definition.h"
+#include "core/cloud/cloud_run.h"
 #include "desktop/kit/window.h"
 
 class QListWidget;
@@ -33,6 +34,7 @@ class ReportsForm : public Window {
   std::string Saved() const;
   void OpenSaved(const std::string& name);
   void Describe(const QString& text);
+  void OpenCloudReport(const ReportDefinition& report, CloudTask task);
   void Open(const ReportDefinition& report, const Arguments& arguments = {});
 
   QListWidget* colors_ = nullptr;

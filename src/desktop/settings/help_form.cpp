@@ -20,7 +20,7 @@ struct Page {
   const char* title;
 };
 
-constexpr std::array<Page, 9> kPages{{
+constexpr std::array<Page, 10> kPages{{
     {"index", QT_TRANSLATE_NOOP("HelpForm", "First steps")},
     {"batch", QT_TRANSLATE_NOOP("HelpForm", "Batches")},
     {"colors", QT_TRANSLATE_NOOP("HelpForm", "Colors and formulas")},
@@ -29,12 +29,13 @@ constexpr std::array<Page, 9> kPages{{
     {"labels", QT_TRANSLATE_NOOP("HelpForm", "Labels and scanning")},
     {"reports", QT_TRANSLATE_NOOP("HelpForm", "Lists, finding, reports")},
     {"files", QT_TRANSLATE_NOOP("HelpForm", "Files, Databases, users")},
+    {"cloud", QT_TRANSLATE_NOOP("HelpForm", "The cloud")},
     {"keys", QT_TRANSLATE_NOOP("HelpForm", "Keys")},
 }};
 
 // Pieces of the names of windows; the first that fits tells the page.
-constexpr std::array<std::pair<std::string_view, const char*>, 47> kPagesOfWindows{{
-    {"port_Formulas", "colors"},
+constexpr std::array<std::pair<std::string_view, const char*>, 48> kPagesOfWindows{{
+    {"Cloud", "cloud"},         {"port_Formulas", "colors"},
     {"LotInv", "stock"},        {"ReportExport", "reports"},
     {"ReportN", "reports"},     {"ReportsForm", "reports"},
     {"Inventory", "stock"},     {"Reorder", "stock"},

@@ -10,11 +10,22 @@ std::string_view DialogOfMenuItem(std::string_view item) {
   using Pair = std::pair<std::string_view, std::string_view>;
   static constexpr std::array kDialogs{
       Pair{"menu_AboutVK", "AboutForm"},
+      Pair{"menuCloud_About", "CloudAbout"},
+      Pair{"menuCloud_Settings", "CloudAccountSettings"},
+      Pair{"menuCloudUser_Reports", "CloudManageReportFileList"},
+      Pair{"menuCloudUtilities_Reports", "CloudUtilityReportViewer"},
+      Pair{"menuCloudUtilities_DataFile", "CloudUtilityDataFileManager"},
+      Pair{"menuCloudUtilities_Upload", "CloudUtilitiesDataFileUpload_SelectUsers"},
+      Pair{"menuDFDFile", "OpenCloudAdminDefault_DF"},
+      Pair{"menuCloudUser_Backups", "CloudManageBackupFileList"},
+      Pair{"menuDFBackup_Cloud", "CloudBackup"},
       Pair{"menuDFBackup_Location", "BackupFileLocationForm"},
+      Pair{"menuDFRestore_Cloud", "CloudRestoreFileList"},
       Pair{"menuDFRestore_Location", "RestoreFileLocationForm"},
       Pair{"menuDFRestore_AutoBU", "RestoreAutomaticForm"},
       Pair{"menuDFArchive", "ArchiveForm"},
       Pair{"menuDFRepair", "RepairForm"},
+      Pair{"menuDFAdvanced_RestoreBU_SupportFiles_Cloud", "RestoreSupportFiles_Cloud"},
       Pair{"menuDFAdvanced_RestoreBU_SupportFiles_FLoc", "RestoreSupportFiles_FLoc"},
       Pair{"menuDFAdvanced_RestoreBU_SupportFiles_AutoBackup", "RestoreSupportFiles_AutoBackup"},
       Pair{"menuDFOptions_Autofill", "AutofillForm"},
@@ -45,7 +56,7 @@ std::string_view DialogOfMenuItem(std::string_view item) {
 }
 
 bool OnlyShows(std::string_view item) {
-  return item == "menu_AboutVK" || item == "menuHelp_Barcode" || item == "menu_Pantone_Disclaimer";
+  return item == "menu_AboutVK" || item == "menuCloud_About" || item == "menuHelp_Barcode" || item == "menu_Pantone_Disclaimer";
 }
 
 bool AsksFirst(std::string_view dialog) {

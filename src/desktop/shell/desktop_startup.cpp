@@ -3,6 +3,7 @@
 #include <QCoreApplication>
 #include <QScreen>
 
+#include "core/cloud/cloud_backup.h"
 #include "core/session/acts.h"
 #include "core/settings/support_files.h"
 #include "core/shell/archiving.h"
@@ -80,7 +81,7 @@ void DesktopStartup::ShowSplash() {
 }
 
 void DesktopStartup::ShowCloudLine(Session&) {
-  main_.ShowCloudLine({});
+  main_.ShowCloudLine();
 }
 
 void DesktopStartup::CloseAllChildWindows() {
@@ -121,6 +122,8 @@ void DesktopStartup::SetCaption(const std::string& caption) {
 void DesktopStartup::SuggestArchive(Session& session) {
   // Offered to whoever may do it.
   if (DueArchive(session) && MayDo(session, Act::BackUp) && windows_.Knows("ArchiveForm")) RunStep("ArchiveForm", {});
+  if (!MayDo(session, Act::BackUp)) return;
+  if (const auto due = CloudBackupReminder(session)) session.prompt.Show(*due);
 }
 
 }  // namespace vellumark::desktop

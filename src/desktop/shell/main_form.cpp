@@ -14,6 +14,7 @@
 #include <algorithm>
 #include <array>
 
+#include "core/cloud/cloud_settings.h"
 #include "core/session/users.h"
 #include "desktop/datafile/change_database.h"
 #include "desktop/kit/icons.h"
@@ -29,6 +30,7 @@ namespace vellumark::desktop {
 namespace {
 
 constexpr int kLow = 600;
+constexpr int kCloudWidth = 200;
 constexpr int kStatusFrom = 768;
 
 // The small windows that the toolbar opens.
@@ -349,6 +351,7 @@ void MainForm::EnableMenuItems() {
     findChild<QAction*>(Q(std::string(button.key) + "Action"))->setVisible(button.visible);
   }
   ShowDatabases();
+  ShowCloudLine();
   NoteFile();
   status_->Refresh();
   startPage_->Refresh();
@@ -374,9 +377,18 @@ void MainForm::ShowTitle() {
   setWindowTitle(title);
 }
 
-void MainForm::ShowCloudLine(const std::string& text) {
-  cloudName_->setText(Q(text));
-  cloudName_->setVisible(!text.empty());
+void MainForm::ShowCloudLine() {
+  QString text;
+  try {
+    if (!session_.DataFolder.empty()) text = Q(CloudLine(session_));
+  } catch (const Failure& failure) {
+    text = tr("Cloud settings cannot be read");
+    cloudName_->setToolTip(Q(failure.subject) + ": " + Q(failure.cause));
+  }
+  // The names of Databases need the room.
+  cloudName_->setText(cloudName_->fontMetrics().elidedText(text, Qt::ElideRight, kCloudWidth));
+  if (cloudName_->text() != text) cloudName_->setToolTip(text);
+  cloudName_->setVisible(!text.isEmpty());
 }
 
 void MainForm::ShowPage() {

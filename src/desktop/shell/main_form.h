@@ -48,8 +48,8 @@ class MainForm : public QMainWindow, private OpenWindows {
   /// While a file is being closed: toolbar, users and the file commands are off until EnableMenuItems.
   void DisableMenuItems();
   void SetCaption(const std::string& caption);
-  /// The cloud account in use; empty hides the line.
-  void ShowCloudLine(const std::string& text);
+  /// The cloud account in use; without one there is no line.
+  void ShowCloudLine();
   MainArea& Area() const { return *area_; }
 
   // What is remembered of it (main_form_memory.cpp).

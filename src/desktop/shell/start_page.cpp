@@ -239,7 +239,10 @@ void StartPage::Show() {
                       .arg(Q(session_.FullName), locale().toString(static_cast<qlonglong>(counts.basics)),
                            locale().toString(static_cast<qlonglong>(counts.formulas)));
   if (session_.ArchiveView) facts += "   ·   " + tr("archive or backup copy, to be looked at only");
-  if (!session_.ArchiveView) facts += "\n" + BackupText(session_);
+  if (!session_.ArchiveView) {
+    facts += "\n" + BackupText(session_);
+    if (const QString cloud = CloudBackupText(session_); !cloud.isEmpty()) facts += "   ·   " + cloud;
+  }
   facts_->setText(facts);
   const bool empty = counts.basics == 0 && counts.formulas == 0 && !session_.ArchiveView;
   firstSteps_->setVisible(empty);

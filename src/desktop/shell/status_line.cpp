@@ -7,6 +7,7 @@
 
 #include "core/backup/backup_set.h"
 #include "core/base/units.h"
+#include "core/cloud/cloud_settings.h"
 #include "core/shell/undo.h"
 #include "desktop/kit/look.h"
 #include "desktop/kit/text.h"
@@ -57,6 +58,23 @@ QString BackupText(const Session& session) {
   const auto proven = std::find_if(sets.rbegin(), sets.rend(), IsProven);
   if (proven == sets.rend()) return StatusLine::tr("%1; none is proven").arg(text);
   return StatusLine::tr("%1; the last proven one is of %2").arg(text, TimeOf(*proven) + AgeOf(session, *proven));
+}
+
+QString CloudBackupText(const Session& session) {
+  CloudSettings settings;
+  try {
+    settings = ReadCloudSettings(session);
+  } catch (const Failure& failure) {
+    return StatusLine::tr("The cloud settings cannot be read: %1").arg(Q(failure.cause));
+  }
+  if (!settings.Configured()) return {};
+  if (!settings.LastBackup) return StatusLine::tr("No Cloud Backup on file.");
+  const auto text = [](const QDateTime& time) { return QLocale().toString(time, QLocale::ShortFormat); };
+  const QDateTime proven = QDateTime::fromString(Q(settings.LastProven).section("_Backup_", 1).left(19), "MM_dd_yyyy_HH_mm_ss");
+  if (proven.isValid()) return StatusLine::tr("Last proven Cloud backup: %1").arg(text(proven));
+  const DateTime& made = *settings.LastBackup;
+  return StatusLine::tr("Cloud backup of %1, not proven")
+      .arg(text({QDate(made.year, made.month, made.day), QTime(made.hour, made.minute, made.second)}));
 }
 
 StatusLine::StatusLine(const Session& session, QWidget* parent) : QStatusBar(parent), session_(session) {

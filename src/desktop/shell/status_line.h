@@ -12,6 +12,8 @@ namespace vellumark::desktop {
 /// The latest automatic backup of the open Data File, and whether it is known to give back what it holds; where it does
 /// not, the last one that does.
 QString BackupText(const Session& session);
+/// The last backup in the cloud that proved itself; empty without an account.
+QString CloudBackupText(const Session& session);
 
 /// The line below: messages that pass by themselves, and at the right what everything is done with: user, Database,
 /// unit, lots, last backup.

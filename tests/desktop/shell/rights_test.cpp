@@ -7,6 +7,7 @@
 #include "core/shell/gating.h"
 #include "desktop/backup/register.h"
 #include "desktop/batch/register.h"
+#include "desktop/cloud/register.h"
 #include "desktop/colors/register.h"
 #include "desktop/datafile/register.h"
 #include "desktop/exchange/register.h"
@@ -40,6 +41,7 @@ struct AllWindows : Desk {
     desktop::RegisterExchangeWindows(windows);
     desktop::RegisterDatafileWindows(windows, program.Windows());
     desktop::RegisterBackupWindows(windows, program.Windows());
+    desktop::RegisterCloudWindows(windows, program.Windows());
     desktop::RegisterScaleWindows(windows, program.Scale());
     desktop::RegisterWeighing(windows, program.Scale());
   }

@@ -5,6 +5,7 @@
 
 #include "desktop/backup/register.h"
 #include "desktop/batch/register.h"
+#include "desktop/cloud/register.h"
 #include "desktop/colors/register.h"
 #include "desktop/datafile/register.h"
 #include "desktop/exchange/register.h"
@@ -46,6 +47,7 @@ struct RunningProgram {
     desktop::RegisterExchangeWindows(windows, choose);
     desktop::RegisterDatafileWindows(windows, program.Windows(), platform);
     desktop::RegisterBackupWindows(windows, program.Windows(), platform.choose);
+    desktop::RegisterCloudWindows(windows, program.Windows(), cloud);
     desktop::RegisterScaleWindows(windows, program.Scale(), folder);
     desktop::RegisterWeighing(windows, program.Scale());
     program.Windows().SkipSplash();
@@ -56,6 +58,7 @@ struct RunningProgram {
 
   /// The file that is chosen for pages and records; none without it.
   std::function<QString(const desktop::FileChoice&)> chooseFile = [](const auto&) { return QString(); };
+  desktop::CloudParts cloud;
   std::filesystem::path folder;
   FixedClock clock{DateTime{2026, 3, 10, 12, 0, 0}};
   ItsPrompt prompt;

@@ -1,0 +1,69 @@
+#include "desktop/cloud/restore_file_list.h"
+
+#include "core/shell/backups.h"
+#include "core/shell/settings_restore.h"
+#include "desktop/datafile/file_windows.h"
+#include "desktop/kit/text.h"
+
+namespace vellumark::desktop {
+
+CloudRestoreFileList::CloudRestoreFileList(WindowList& windowList, QWidget* owner, const QString& name, CloudTask task,
+                                           StartupWindows& startup)
+    : Dialog(windowList, owner, name, Q(RowOf(task).title)),
+      task_(task),
+      startup_(startup),
+      rows_(std::make_shared<FileChoiceRows>()) {
+  const bool dataFile = task == CloudTask::RestoreDataFile;
+  Form form(*this);
+  Paragraph(form, dataFile ? tr("Choose the backup that is to take the place of the current Data File.")
+                           : tr("Choose the backup whose settings and label layouts are to be used on this computer."));
+  if (dataFile) {
+    Paragraph(form, tr("WARNING: All information in the current file will be lost!"), "lblWarning");
+    QuietParagraph(form, tr("A copy of the current file and its photos is kept in a folder beside it."));
+  }
+  grid_ = form.Table("fgFiles");
+  grid_->setAccessibleName(tr("Backups"));
+  grid_->SetColumns(FileRows::Columns(tr("Proof")));
+  grid_->SetSource(rows_);
+  grid_->SetEmptyText(tr("No Cloud Backup on file."));
+  form.Wide(grid_, 1);
+  form.Buttons({continue_ = form.Button("cmdContinue", tr("C&ontinue")), form.Button("cmdCancel", tr("Cancel"))});
+  connect(grid_, &Grid::CurrentRowChanged, this, [this] { Changed(); });
+  connect(grid_, &Grid::RowActivated, this, [this] { cmdContinue_Click(); });
+  resize(800, 520);
+}
+
+int CloudRestoreFileList::exec() {
+  bool may = false;
+  WithFiles(*this, windowTitle(), [&] { may = FormHost::Accepted(RequireCloud(session)); });
+  if (!may || !windows.RunDialog("CloudRetrieveBackupListSplashForm", {{"Work", ListBackups(rows_->files)}})) return Rejected;
+  grid_->Refresh();
+  if (rows_->Rows() > 0) grid_->SetCurrentRow(0);
+  grid_->View().setFocus();
+  return Dialog::exec();
+}
+
+void CloudRestoreFileList::UpdateEnabled() {
+  continue_->setEnabled(grid_->CurrentRow() >= 0);
+}
+
+void CloudRestoreFileList::cmdContinue_Click() {
+  if (grid_->CurrentRow() < 0) return;
+  const std::string name = rows_->files->at(static_cast<std::size_t>(grid_->CurrentRow())).name;
+  const auto fetched = std::make_shared<Fetched>();
+  const bool dataFile = task_ == CloudTask::RestoreDataFile;
+  const CloudWork work = dataFile ? FetchBackup(name, fetched) : FetchSupportFiles(name, fetched);
+  if (!windows.RunDialog("Cloud_GetPutData_Form", {{"Task", task_}, {"Work", work}})) return;
+  bool restored = false;
+  WithFiles(*this, windowTitle(), [&] {
+    if (dataFile)
+      restored = FormHost::Accepted(RestoreDataFile(session, fetched->dataFile, RestoreFrom::Cloud, startup_));
+    else
+      restored = FormHost::Accepted(RestoreSupportFiles(session, fetched->supportFolder));
+    if (restored && !dataFile)
+      session.prompt.Tell("Restore Complete", "Cloud Support Files - Restore Completed Successfully!");
+  });
+  if (restored) accept();
+}
+
+}  // namespace vellumark::desktop

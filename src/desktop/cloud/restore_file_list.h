@@ -1,0 +1,29 @@
+#pragma once
+
+#include "core/shell/startup.h"
+#include "desktop/cloud/file_rows.h"
+#include "desktop/kit/window.h"
+
+namespace vellumark::desktop {
+
+/// The backups of the account, the latest first, of which one is restored: its Data File, or its Support Files.
+class CloudRestoreFileList : public Dialog {
+  Q_OBJECT
+
+ public:
+  CloudRestoreFileList(WindowList& windowList, QWidget* owner, const QString& name, CloudTask task, StartupWindows& startup);
+  int exec() override;
+  void UpdateEnabled() override;
+
+ public Q_SLOTS:
+  void cmdContinue_Click();
+
+ private:
+  CloudTask task_;
+  StartupWindows& startup_;
+  std::shared_ptr<FileChoiceRows> rows_;
+  Grid* grid_;
+  CommandButton* continue_;
+};
+
+}  // namespace vellumark::desktop
