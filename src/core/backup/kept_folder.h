@@ -27,7 +27,7 @@ class KeptFolder {
   const std::filesystem::path& Path() const { return path_; }
   /// All is in it and on the disk: it gets its name.
   void Show();
-  void Stay() { stays_ = true; }
+  void Stay(bool stays = true) { stays_ = stays; }
 
  private:
   std::filesystem::path current_;

@@ -60,6 +60,7 @@ class KeptFiles {
 
   void Undo() {
     if (moved_ && !Exists(current_)) RenameToFree(InFolder(current_), current_);
+    if (folder_) folder_->Stay(false);
     folder_.reset();
   }
   void Stay() {
@@ -125,7 +126,7 @@ class PlacedPhotos {
     for (const fs::path& photo : placed_) {
       const fs::path before = kept_ / photo.filename();
       if (!kept_.empty() && Exists(before)) {
-        ReplaceFile(photo, ReadFileBytes(before), Readers::Group);
+        PutBack(before, photo);
       } else {
         Remove(photo);
       }
@@ -135,6 +136,17 @@ class PlacedPhotos {
  private:
   static void FailOn(const fs::path& path, const std::error_code& error) {
     if (error) throw Failure(path.string(), error.message());
+  }
+  // By a second name, for which a full disk has space; not every disk knows second names.
+  void PutBack(const fs::path& kept, const fs::path& photo) const {
+    const fs::path again = beside_ / (photo.filename().string() + ".kept");
+    std::error_code error;
+    fs::create_hard_link(kept, again, error);
+    if (error) {
+      ReplaceFile(photo, ReadFileBytes(kept), Readers::Group);
+    } else {
+      FailOn(photo, platform::Replace(again, photo));
+    }
   }
   void Clear() const {
     std::error_code error;
@@ -216,6 +228,7 @@ RestoredFiles PutDataFileBack(Session& session, const fs::path& source, const fs
     if (Exists(JournalOf(place.Target()))) Remove(JournalOf(place.Target()));
     place.Replace();
   } catch (...) {
+    kept.Stay();  // until all is back, should that fail too
     placed.Undo();
     kept.Undo();
     throw;

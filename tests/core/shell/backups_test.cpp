@@ -135,6 +135,24 @@ TEST_F(Backups, RestoreGivesBackThatDayAndKeepsThePresent) {
   EXPECT_EQ(Colors(), "BLUE RED ");
 }
 
+// What fails among the photos leaves every one, and the file, as it was.
+TEST_F(Backups, AFailureInTheMiddleOfARestoreTakesItBack) {
+  for (const char* name : {"red.jpg", "white.jpg"}) Write(photos / name, "of the set");
+  const BackupSet set = Make();
+  Add("BLUE");
+  Write(photos / "red.jpg", "red, later");
+  fs::remove(photos / "white.jpg");
+  fs::create_directory(photos / "white.jpg");
+  room.prompt.Expect("Restore Data File", Answer::Yes);
+  EXPECT_THROW((void)Restore(set.dataFile), Failure);
+  EXPECT_EQ(Colors(), "BLUE RED ");
+  EXPECT_EQ(ReadFileBytes(photos / "red.jpg"), "red, later");
+  for (const auto& entry : fs::directory_iterator(room.folder.Path())) {
+    const std::string name = entry.path().filename().string();
+    EXPECT_FALSE(name.starts_with('.') || name.starts_with("Before Restore")) << name;
+  }
+}
+
 // Of an older version: it is brought up to date on a copy, or nothing happens.
 TEST_F(Backups, AnOlderSetStaysAsItWasProven) {
   class Upgrading : public test::NotedWindows {
