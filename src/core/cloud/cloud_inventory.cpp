@@ -3,10 +3,10 @@
 #include <fmt/format.h>
 
 #include <algorithm>
-#include <cmath>
 #include <map>
 #include <system_error>
 
+#include "core/base/number.h"
 #include "core/base/progress_run.h"
 #include "core/base/text.h"
 #include "core/base/units.h"
@@ -19,23 +19,31 @@ namespace vellumark {
 
 namespace {
 
-// Quantities and prices of another shop in this one's unit.
-struct Converted {
-  double factor = 1;
-  double Qty(double quantity) const { return std::round(quantity * factor * 1000) / 1000; }
-  double Price(double price) const { return price / factor; }
-};
+using Take = std::function<bool(const CloudStockRow&)>;
 
-Converted UnitOf(const Session& session, const ShareRow& share) {
-  if (share.UMI < UnitPound || share.UMI > UnitOunce) return {};
-  return {static_cast<double>(UnitFactor(share.UMI, session.UMI))};
-}
+// Quantities and prices of another shop in this one's unit, from the decimals that people there see. What it does not
+// tell counts as this one.
+class Converted {
+ public:
+  Converted(const Session& session, const ShareRow& share)
+      : decimals_(session.DecimalPlaces),
+        factor_(share.UMI < UnitPound || share.UMI > UnitOunce
+                    ? 1
+                    : static_cast<double>(UnitFactor(share.UMI, session.UMI))) {}
+  double Qty(float quantity) const { return RoundTo(OfWholeUnits(WholeUnits(quantity, 3), 3) * factor_, 3); }
+  double Price(float price) const { return OfWholeUnits(WholeUnits(price, decimals_), decimals_) / factor_; }
+
+ private:
+  int decimals_;
+  double factor_;
+};
 
 bool Wanted(const CloudStockWish& wish, bool consigned) {
   return wish.consignment == 0 || (wish.consignment == 2) == consigned;
 }
 
 bool IsAsked(const CloudStockWish& wish, const std::string& account, const std::string& database) {
+  if (wish.reads && !wish.reads(database)) return false;
   return wish.databases.empty() || std::ranges::any_of(wish.databases, [&](const std::string& name) {
            return EqualNoCase(name, account + "/" + database);
          });
@@ -45,77 +53,73 @@ bool IsAsked(const CloudStockWish& wish, const std::string& account, const std::
 using LotsByName = std::map<std::string, std::vector<CloudStockRow>>;
 
 LotsByName LotsOf(Database& file, const std::string& database, ColorKind kind, const CloudStockRow& blank,
-                  const CloudStockWish& wish, const Converted& unit) {
+                  const Converted& unit) {
   LotsByName lots;
   if (!file.TableExists(TableName(database, LotTable(kind)))) return lots;
-  Statement rows = file.Prepare(fmt::format(
-      "SELECT LotCName, LotNumber, LotLoc, LotContID, LotDate, LotQty, LotPrice, LotConsignment FROM {} "
-      "ORDER BY LotNumber, LotRefID",
-      QuotedTable(database, LotTable(kind))));
+  Statement rows = file.Prepare(
+      fmt::format("SELECT LotCName, LotNumber, LotLoc, LotContID, LotDate, LotQty, LotPrice, LotConsignment FROM {} "
+                  "ORDER BY LotNumber, LotRefID",
+                  QuotedTable(database, LotTable(kind))));
   while (rows.Step()) {
-    if (!Wanted(wish, rows.Bool(7))) continue;
     CloudStockRow lot = blank;
+    lot.inLot = true;
     lot.LotNumber = rows.Text(1);
     lot.LotLoc = rows.Text(2);
     lot.LotContID = rows.Text(3);
     lot.LotDate = rows.Date(4);
-    lot.LotQty = unit.Qty(rows.Number(5));
-    lot.LotPrice = unit.Price(rows.Number(6));
+    lot.LotQty = unit.Qty(rows.Single(5));
+    lot.LotPrice = unit.Price(rows.Single(6));
     lot.Consignment = rows.Bool(7);
     lots[Upper(rows.TextView(0))].push_back(std::move(lot));
   }
   return lots;
 }
 
-void ReadColors(Database& file, const std::string& database, ColorKind kind, const CloudStockRow& blank,
-                const CloudStockWish& wish, const Converted& unit, std::vector<CloudStockRow>& into) {
-  const LotsByName lots = LotsOf(file, database, kind, blank, wish, unit);
-  Statement rows = file.Prepare(
-      fmt::format("SELECT Color_Name, Color_Code, Inventory, Reorder, PurchaseCost, Inv_Note, {} FROM {} ORDER BY Color_Name",
-                  kind == ColorKind::Basic ? "Additive" : "0", QuotedTable(database, ColorTable(kind))));
+// A colour's row, and a row for each of its lots.
+bool TakeColor(const CloudStockRow& color, std::vector<CloudStockRow>& lots, const CloudStockWish& wish,
+               const Take& take) {
+  if (wish.inStockOnly && color.LotQty == 0 && lots.empty()) return true;
+  if (Wanted(wish, false) && !take(color)) return false;
+  for (CloudStockRow& lot : lots) {
+    if (!Wanted(wish, lot.Consignment)) continue;
+    lot.Color_Name = color.Color_Name;
+    lot.Color_Code = color.Color_Code;
+    lot.Color_Type = color.Color_Type;
+    lot.Reorder = color.Reorder;
+    lot.Inv_Note = color.Inv_Note;
+    if (!take(lot)) return false;
+  }
+  return true;
+}
+
+bool ReadColors(Database& file, ColorKind kind, const CloudStockRow& blank, const CloudStockWish& wish,
+                const Converted& unit, const Take& take) {
+  LotsByName lots = LotsOf(file, blank.Database, kind, blank, unit);
+  Statement rows = file.Prepare(fmt::format(
+      "SELECT Color_Name, Color_Code, Inventory, Reorder, PurchaseCost, Inv_Note, {} FROM {} ORDER BY Color_Name",
+      kind == ColorKind::Basic ? "Additive" : "0", QuotedTable(blank.Database, ColorTable(kind))));
   while (rows.Step()) {
     if (!wish.color.empty() && !EqualNoCase(rows.TextView(0), wish.color)) continue;
     CloudStockRow row = blank;
     row.Color_Name = rows.Text(0);
     row.Color_Code = rows.Text(1);
     row.Color_Type = ColorTypeText(kind, rows.Bool(6));
-    row.Reorder = unit.Qty(rows.Number(3));
+    row.Reorder = unit.Qty(rows.Single(3));
     row.Inv_Note = rows.Text(5);
     row.LotNumber = kUnlottedInv;
-    row.LotQty = unit.Qty(rows.Number(2));
-    row.LotPrice = unit.Price(rows.Number(4));
-    if (Wanted(wish, false)) into.push_back(row);
-    const auto own = lots.find(Upper(row.Color_Name));
-    if (own == lots.end()) continue;
-    for (CloudStockRow lot : own->second) {
-      lot.Color_Name = row.Color_Name;
-      lot.Color_Code = row.Color_Code;
-      lot.Color_Type = row.Color_Type;
-      lot.Reorder = row.Reorder;
-      lot.Inv_Note = row.Inv_Note;
-      into.push_back(std::move(lot));
-    }
+    row.LotQty = unit.Qty(rows.Single(2));
+    row.LotPrice = unit.Price(rows.Single(4));
+    if (!TakeColor(row, lots[Upper(row.Color_Name)], wish, take)) return false;
   }
+  return true;
 }
 
 std::vector<std::string> DatabasesIn(Database& file) {
   const FileInfoRow info = ReadFileInfo(file);
-  if (GateOf(info.fileVersion) != VersionGate::Current)
+  const VersionGate gate = GateOf(info.fileVersion);
+  if (gate != VersionGate::Current && gate != VersionGate::ReadOnly)
     throw Failure(file.Path().string(), fmt::format("has a file version of {}", info.fileVersion));
   return info.dbList;
-}
-
-void ReadShare(const Session& session, const ShareRow& share, const CloudStockWish& wish, std::vector<CloudStockRow>& into) {
-  const auto file = Database::Open(SharedDataFile(session, share.AcctNum), OpenMode::ReadOnly);
-  const Converted unit = UnitOf(session, share);
-  for (const std::string& database : DatabasesIn(*file)) {
-    if (!IsAsked(wish, share.AcctNum, database)) continue;
-    CloudStockRow blank;
-    blank.share = share;
-    blank.Database = database;
-    if (wish.showBasics) ReadColors(*file, database, ColorKind::Basic, blank, wish, unit, into);
-    if (wish.showMixes) ReadColors(*file, database, ColorKind::Mix, blank, wish, unit, into);
-  }
 }
 
 std::string AgeText(const Session& session, const ShareRow& share) {
@@ -125,6 +129,20 @@ std::string AgeText(const Session& session, const ShareRow& share) {
 }
 
 }  // namespace
+
+bool ReadShareStock(const Session& session, const ShareRow& share, const CloudStockWish& wish, const Take& take) {
+  const auto file = Database::Open(SharedDataFile(session, share.AcctNum), OpenMode::ReadOnly);
+  const Converted unit(session, share);
+  for (const std::string& database : DatabasesIn(*file)) {
+    if (!IsAsked(wish, share.AcctNum, database)) continue;
+    CloudStockRow blank;
+    blank.share = share;
+    blank.Database = database;
+    if (wish.showBasics && !ReadColors(*file, ColorKind::Basic, blank, wish, unit, take)) return false;
+    if (wish.showMixes && !ReadColors(*file, ColorKind::Mix, blank, wish, unit, take)) return false;
+  }
+  return true;
+}
 
 Result<CloudStock> ReadCloudStock(Session& session, const CloudStockWish& wish) {
   if (auto accounts = RequireSharedAccounts(session); !accounts) return std::unexpected(accounts.error());
@@ -138,7 +156,10 @@ Result<CloudStock> ReadCloudStock(Session& session, const CloudStockWish& wish) 
       continue;
     }
     try {
-      ReadShare(session, shares[i], wish, stock.rows);
+      ReadShareStock(session, shares[i], wish, [&](const CloudStockRow& row) {
+        stock.rows.push_back(row);
+        return true;
+      });
     } catch (const Failure& failure) {
       stock.faults.push_back(fmt::format("{}: {}", shares[i].AcctNum, failure.cause));
     }
@@ -170,7 +191,8 @@ ListTable CloudStockTable(const Session& session, std::vector<CloudStockRow> row
   const std::string unit(UnitName(session.UMI));
   return TableOf<Row>()
       .Add("Color_Name", &Row::Color_Name, "Color Name")
-      .Add("AcctNum", [](const Row& row) { return row.share.AcctNum; }, "Account")
+      .Add(
+          "AcctNum", [](const Row& row) { return row.share.AcctNum; }, "Account")
       .Add("Facility", [](const Row& row) { return row.share.Facility; })
       .Add("Database", &Row::Database)
       .Add("Color_Type", &Row::Color_Type, "Color Type")
@@ -184,15 +206,18 @@ ListTable CloudStockTable(const Session& session, std::vector<CloudStockRow> row
       .Add("LotQty", &Row::LotQty, fmt::format("Lot Qty. ({})", unit), Format::Amount)
       .Add("LotPrice", &Row::LotPrice, "Lot Price $", Format::Money, session.DecimalPlaces)
       .Add("Consignment", &Row::Consignment, "Consignment", Format::YesNo)
-      .Add("Unit",
-           [](const Row& row) {
-             return row.share.UMI == 0 ? std::string("not told") : std::string(UnitName(row.share.UMI));
-           },
-           "Their Unit")
-      .Add("Shared", [](const Row& row) { return row.share.shared; }, "Shared", Format::Moment)
+      .Add(
+          "Unit",
+          [](const Row& row) {
+            return row.share.UMI == 0 ? std::string("not told") : std::string(UnitName(row.share.UMI));
+          },
+          "Their Unit")
+      .Add(
+          "Shared", [](const Row& row) { return row.share.shared; }, "Shared", Format::Moment)
       .Add("Age", [&session](const Row& row) { return AgeText(session, row.share); })
-      .Add("Fetch", [](const Row& row) { return row.share.fetched ? std::string("done") : "failed: " + row.share.why; },
-           "Last Fetch")
+      .Add(
+          "Fetch", [](const Row& row) { return row.share.fetched ? std::string("done") : "failed: " + row.share.why; },
+          "Last Fetch")
       .Of(std::move(rows));
 }
 

@@ -235,7 +235,19 @@ void RowChecks::CountLog() {
   last.Step();
   entry_ = last.Whole(0);
   entries_ = last.Whole(1);
-  takenBack_ = false;
+}
+
+void RowChecks::LookAgain() {
+  if (!std::exchange(takenBack_, false)) return;
+  kept_ = kept_ && StandInFile();
+  logs_ = kept_ && LogStands();
+  entries_ = 0;
+  if (logs_) CountLog();
+}
+
+void RowChecks::EmptyLog() {
+  LookAgain();
+  if (entries_ > 0) Fold();
 }
 
 // By the names in the engine's list of tables, which are not those that it goes by: a letter that turned over shows there
@@ -314,7 +326,8 @@ void RowChecks::DigestRows(std::span<const Row> rows, Record& record) {
 
 void RowChecks::Keep() {
   if (written_.empty()) return;
-  if (logs_ && takenBack_) CountLog();
+  LookAgain();
+  if (!kept_) return written_.clear();
   std::ranges::sort(written_);
   const auto twice = std::ranges::unique(written_);
   written_.erase(twice.begin(), twice.end());
@@ -327,7 +340,7 @@ void RowChecks::Keep() {
 }
 
 void RowChecks::KeepInBlocks() {
-  if (entries_ > 0) Fold();  // what it says of these rows is older
+  EmptyLog();  // what it says of these rows is older
   Record record;
   for (auto row = written_.begin(); row != written_.end();) {
     const std::string& table = tables_[row->table].name;
@@ -442,7 +455,7 @@ void RowChecks::KeepTable(const std::string& table) {
 
 void RowChecks::TableRenamed(std::string_view name, std::string_view newName) {
   if (!kept_) return;
-  if (entries_ > 0) Fold();
+  EmptyLog();
   const Query rename(*this, fmt::format("UPDATE main.{} SET TableName = ?2 WHERE TableName = ?1", kTable));
   BindText(rename.get(), 1, name);
   BindText(rename.get(), 2, newName);
@@ -453,7 +466,7 @@ void RowChecks::ForgetDropped() {
   if (dropped_.empty()) return;
   for (const std::string& name : std::exchange(dropped_, {})) {
     if (!kept_ || Stands(name)) continue;
-    if (entries_ > 0) Fold();
+    EmptyLog();
     std::erase_if(written_, [&](const Row& row) { return EqualNoCase(tables_[row.table].name, name); });
     const Query drop(*this, fmt::format("DELETE FROM main.{} WHERE TableName = ?1", kTable));
     BindText(drop.get(), 1, name);

@@ -91,6 +91,10 @@ class RowChecks {
   std::size_t PlaceOf(std::string_view table);
   void DigestRows(std::span<const Row> rows, Record& record);
   void CountLog();
+  /// After a transaction was taken back, and with it what it did to the tables of the digests.
+  void LookAgain();
+  /// What the log says goes into the blocks.
+  void EmptyLog();
   std::uint64_t DigestRow(const Row& row);
   void KeepInBlocks();
   void KeepInLog();

@@ -51,7 +51,10 @@ void ButtonLine(Form& form, std::initializer_list<QWidget*> buttons) {
 
 void FitHeight(QWidget& window) {
   const int width = std::max(window.minimumWidth(), window.sizeHint().width());
-  window.resize(width, window.layout()->totalHeightForWidth(width));
+  // The content gets a pixel less where it is held to a width of its own, and a text may take one line more by that.
+  const int height =
+      std::max(window.layout()->totalHeightForWidth(width), window.layout()->totalHeightForWidth(width - 1));
+  window.resize(width, height);
 }
 
 }  // namespace vellumark::desktop

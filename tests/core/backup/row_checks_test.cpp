@@ -133,6 +133,18 @@ TEST_F(RowChecks, EveryWayOfWritingKeepsThem) {
   Close();
   Open();
   note("WHERE RowKey = 9", "other");
+  {
+    const test::Arranging arranging;
+    Transaction transaction(File());
+    File().CreateTable("BLUE_Basic_LAB", schema::BasicLab);
+    InsertRow(File(), schema::BasicLab, "BLUE_Basic_LAB", {{"Color_Name", "INK 1"}});
+    transaction.Commit();
+  }
+  {
+    Transaction givenUp(File());
+    File().RenameTable("INK_Basic_LAB", "GREEN_Basic_LAB", schema::BasicLab);
+  }
+  File().DropTable("BLUE_Basic_LAB");
   File().DropTable("RED_Basic_LAB");
   File().Execute("DELETE FROM INK_Batch");
   File().Execute("UPDATE INK_Basic_LAB SET Lab_Note = ''");

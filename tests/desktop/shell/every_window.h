@@ -14,6 +14,7 @@
 #include "exchange_arguments.h"
 #include "furnished_room.h"
 #include "running.h"
+#include "support/old_files.h"
 
 namespace vellumark::test {
 
@@ -25,6 +26,7 @@ struct EveryWindow : testing::Test {
   EveryWindow() : running(room.folder.Path()) {
     if (!running.Start({desktop::ChooseFile, [this](const auto&) { return room.folder.Path(); }}))
       throw std::runtime_error("the program does not start");
+    WriteOldFile(older, OldTables(MakeOldRoom(3), 39, 0));
     running.prompt.SetHook([this](const Message& message) {
       told.push_back(message.title);
       return message.buttons == Buttons::Ok || message.buttons == Buttons::OkCancel ? Answer::Ok : Answer::No;
@@ -71,7 +73,7 @@ struct EveryWindow : testing::Test {
     return {{"FindRecord", "RED"},  {"Color_Name", "RED"},
             {"SetName", "STD SET"}, {"Kind", ColorKind::Basic},
             {"DesignID", "BOX"},    {"Username", "ANN"},
-            {"Path", "Old.vkd"},    {"FileVersion", 39},
+            {"Path", older},        {"FileVersion", 39},
             {"JobNumber", "J1"},    {"Rows", std::vector<std::int64_t>{1}},
             {"Number", 0},          {"IsNumber", false}};
   }
@@ -116,6 +118,7 @@ struct EveryWindow : testing::Test {
   }
 
   FurnishedRoom room;
+  const std::string older = (room.folder / "Old.vkd").string();  ///< a Data File of an earlier version
   RunningProgram<desktop::MessagePrompt> running;
   QTimer others;
   QString awaited;  ///< the dialog that is being opened and not visited yet
