@@ -227,7 +227,8 @@ void EmptyRestoreFolder(CloudRun& run, const std::string& name) {
   run.Say("Preparing Restore Backup Folder");
   const DataFolders folders(run.session.DataFolder);
   std::error_code error;
-  for (fs::directory_iterator entry(folders.downloadBackups, error), end; !error && entry != end; entry.increment(error)) {
+  for (fs::directory_iterator entry(folders.downloadBackups, error), end; !error && entry != end;
+       entry.increment(error)) {
     const std::string found = entry->path().filename().string();
     if (found.starts_with(name + ".") && found.ends_with(".part")) continue;
     std::error_code failed;
@@ -276,7 +277,9 @@ RemoteFile FindBackup(CloudRun& run, const std::string& name) {
     return *std::ranges::max_element(files, {}, [](const RemoteFile& file) { return file.date.value_or(DateTime{}); });
   const auto found = std::ranges::find(files, name, &RemoteFile::name);
   if (found == files.end())
-    throw Refusal{"Cloud Restore", name.empty() ? "No Cloud Backup on file." : fmt::format("{} is no backup of the Cloud account.", name), "NAME"};
+    throw Refusal{
+        "Cloud Restore",
+        name.empty() ? "No Cloud Backup on file." : fmt::format("{} is no backup of the Cloud account.", name), "NAME"};
   return *found;
 }
 
@@ -284,6 +287,16 @@ Result<void> MayComeDown(const Session& session, const std::string& name) {
   if (auto allowed = RequireAct(session, Act::BackUp); !allowed) return allowed;
   if (auto ready = RequireCloud(session); !ready) return ready;
   return name.empty() ? Result<void>{} : RequirePlainName(name, "NAME");
+}
+
+// Two backups of one second are two.
+std::string FreeName(CloudRun& run) {
+  const std::vector<RemoteFile> there = run.ftp.List(run.Folders().backups);
+  const std::string plain = NameOf(run.session, run.Settings());
+  std::string name = plain;
+  for (int number = 1; std::ranges::find(there, name, &RemoteFile::name) != there.end(); ++number)
+    name = fmt::format("{}({}){}", fs::path(plain).stem().string(), number, fs::path(plain).extension().string());
+  return name;
 }
 
 }  // namespace
@@ -299,7 +312,7 @@ Result<CloudBackupMade> BackUpToCloud(CloudDesk& desk, bool photos) {
     run.EnsureTree();
     SweepParts(run, run.Folders().backups, run.ftp.List(run.Folders().backups));
     if (CountBackups(run) >= kMostCloudBackups) RefuseTooMany();
-    made.name = NameOf(session, run.Settings());
+    made.name = FreeName(run);
     run.Say("Creating Backup File");
     const fs::path whole = staged.Place(made.name);
     CopyOpenFile(session, whole);
@@ -433,7 +446,8 @@ void NoteCloudRestore(const Session& session) {
 }
 
 std::optional<Message> CloudBackupReminder(const Session& session) {
-  if (!session.DataFileDB || session.ArchiveView || IsSharedDataFile(session, session.DataFileName)) return std::nullopt;
+  if (!session.DataFileDB || session.ArchiveView || IsSharedDataFile(session, session.DataFileName))
+    return std::nullopt;
   const CloudSettings settings = ReadCloudSettings(session);
   if (!settings.Configured()) return std::nullopt;
   const int days = ReadBackupDates(session.File()).DaysToRemindBackup;
@@ -442,9 +456,9 @@ std::optional<Message> CloudBackupReminder(const Session& session) {
   const std::string last = settings.LastBackup
                                ? fmt::format("Last Cloud Backup was performed on: {}", settings.LastBackup->DateText())
                                : std::string("No Cloud Backup on file.");
-  return Message{"Cloud - Share Data",
-                 last + "\n\nCreate a Cloud Backup on a routine basis.\n"
-                        "This provides other Cloud Users with your most recent Share Files."};
+  return Message{"Cloud - Share Data", last +
+                                           "\n\nCreate a Cloud Backup on a routine basis.\n"
+                                           "This provides other Cloud Users with your most recent Share Files."};
 }
 
 }  // namespace vellumark

@@ -140,10 +140,19 @@ const std::vector<ReportDefinition>& CloudReports() {
   return reports;
 }
 
+std::vector<const ReportDefinition*> AllReports() {
+  std::vector<const ReportDefinition*> all;
+  for (const auto* reports : {&ReportCatalogue(), &CloudReports()})
+    for (const ReportDefinition& report : *reports) all.push_back(&report);
+  return all;
+}
+
 const ReportDefinition* FindAnyReport(std::string_view key) {
-  for (const ReportDefinition& report : CloudReports())
-    if (EqualNoCase(report.key, key) || EqualNoCase(report.window, key)) return &report;
-  return FindReport(key);
+  const std::vector<const ReportDefinition*> all = AllReports();
+  const auto found = std::ranges::find_if(all, [&](const ReportDefinition* report) {
+    return EqualNoCase(report->key, key) || EqualNoCase(report->window, key);
+  });
+  return found == all.end() ? nullptr : *found;
 }
 
 std::optional<CloudTask> FetchTaskOf(const ReportDefinition& report) {

@@ -1,7 +1,6 @@
 #include "desktop/reports/register.h"
 
 #include "core/cloud/cloud_reports.h"
-#include "core/reports/catalogue.h"
 #include "core/reports/find.h"
 #include "desktop/kit/row_menu.h"
 #include "desktop/reports/browse_form.h"
@@ -26,23 +25,24 @@ void RegisterReportsWindows(WindowList& windows, const PrintDevices& devices) {
   windows.RegisterDialog("PrintBoxForm", [devices](WindowList& list, QWidget* owner) -> Dialog* {
     return new PrintBoxForm(list, owner, devices);
   });
-  windows.RegisterDialog("ReportExportForm", [choose = devices.chooseFile](WindowList& list, QWidget* owner) -> Dialog* {
-    return new ReportExportForm(list, owner, choose);
-  });
+  windows.RegisterDialog("ReportExportForm",
+                         [choose = devices.chooseFile](WindowList& list, QWidget* owner) -> Dialog* {
+                           return new ReportExportForm(list, owner, choose);
+                         });
   windows.RegisterDialog<ViewRecordForm>("ViewRecordForm");
   windows.RegisterDialog<ReportNameForm>("ReportNameForm");
   windows.RegisterDialog<ReportNotesForm>("ReportNotesForm");
   windows.Register<ReportsForm>("ReportsForm");
-  for (const auto* reports : {&ReportCatalogue(), &CloudReports()})
-    for (const ReportDefinition& report : *reports)
-      windows.Register(report.window, [&report, choose = devices.chooseFile](WindowList& list) -> Window* {
-        return new ReportForm(list, report, choose);
-      });
+  for (const ReportDefinition* report : AllReports())
+    windows.Register(report->window, [report, choose = devices.chooseFile](WindowList& list) -> Window* {
+      return new ReportForm(list, *report, choose);
+    });
   windows.Register<FindMenu>("FindMenu");
-  windows.RegisterDialog("QuickFindForm", [index = std::make_shared<QuickIndex>(windows.session)](
-                                              WindowList& list, QWidget* owner) -> Dialog* {
-    return new QuickFindForm(list, owner, index);
-  });
+  windows.RegisterDialog(
+      "QuickFindForm",
+      [index = std::make_shared<QuickIndex>(windows.session)](WindowList& list, QWidget* owner) -> Dialog* {
+        return new QuickFindForm(list, owner, index);
+      });
   using Browsed = std::pair<const char*, BrowseSubject>;
   for (const auto& [name, subject] :
        {Browsed{"BasicsListForm", BrowseSubject::Basics}, Browsed{"FormulasListForm", BrowseSubject::Formulas},

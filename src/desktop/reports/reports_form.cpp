@@ -90,10 +90,7 @@ QListWidget* ReportsForm::MakePane(Form form, const QString& title, const char* 
 
 void ReportsForm::Fill() {
   std::string group;
-  std::vector<const ReportDefinition*> all;
-  for (const auto* reports : {&ReportCatalogue(), &CloudReports()})
-    for (const ReportDefinition& report : *reports) all.push_back(&report);
-  for (const ReportDefinition* one : all) {
+  for (const ReportDefinition* one : AllReports()) {
     const ReportDefinition& report = *one;
     QListWidget* list = IsOfBatches(report) ? batches_ : report.group.starts_with("Jobs") ? jobs_ : colors_;
     if (report.group != group) {

@@ -6,7 +6,7 @@
 #include <utility>
 #include <vector>
 
-#include "core/reports/catalogue.h"
+#include "core/cloud/cloud_reports.h"
 #include "core/reports/quick_find.h"
 #include "core/session/acts.h"
 #include "desktop/kit/text.h"
@@ -49,8 +49,8 @@ void MainForm::FindAnything() {
     addWindow(QCoreApplication::translate("QuickCommands", command.caption),
               QCoreApplication::translate("QuickCommands", command.detail), command.window, command.way,
               command.isDialog);
-  for (const ReportDefinition& report : ReportCatalogue())
-    addWindow(Q(report.caption), tr("Report  %1").arg(Q(report.group)), report.window, nullptr, false);
+  for (const ReportDefinition* report : AllReports())
+    addWindow(Q(report->caption).trimmed(), tr("Report  %1").arg(Q(report->group)), report->window, nullptr, false);
   // Entries of the menus as they stand now, with the way to them.
   GateMenus();
   for (const auto& [name, action] : actions_) {
