@@ -128,6 +128,8 @@ struct WaysTest : testing::Test {
     });
     poll.start(1);
     open();
+    // A menu that does not wait for its answer has it later.
+    EXPECT_TRUE(QTest::qWaitFor([&] { return !poll.isActive(); })) << "no menu came up";
     Settle();
     EXPECT_TRUE(seen) << entry.toStdString();
   }
