@@ -96,7 +96,9 @@ void InkRoom::MoveCounter(const std::vector<Cell>& cells) {
   for (const auto& [field, value] : cells)
     if (field == "BatchNo")
       session.File()
-          .Prepare("UPDATE FileInfo SET BatchNumber = MAX(BatchNumber, ?1 % 999999 + 1)")
+          .Prepare(
+              "UPDATE FileInfo SET BatchNumber = CASE WHEN BatchNumber > ?1 % 999999 THEN BatchNumber ELSE ?1 % 999999 "
+              "+ 1 END")
           .Bind(1, value.Whole())
           .Run();
 }
@@ -107,7 +109,7 @@ void InkRoom::MarkAdditives(const std::vector<Cell>& cells) {
     session.File().Prepare("UPDATE INK_Basic SET Additive = 1 WHERE Color_Name = ?").Bind(1, value).Run();
     const std::string percent = "Add_Percent" + field.substr(8);
     session.File()
-        .Prepare(fmt::format("UPDATE INK_Additives SET {0} = 1 WHERE IFNULL({0}, 0) = 0 AND {1} = ?", percent, field))
+        .Prepare(fmt::format("UPDATE INK_Additives SET {0} = 1 WHERE COALESCE({0}, 0) = 0 AND {1} = ?", percent, field))
         .Bind(1, value)
         .Run();
   }

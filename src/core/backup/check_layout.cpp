@@ -156,10 +156,9 @@ namespace {
 
 void CheckRowFields(CheckRun& run, const std::string& name, const Table& table, const Statement& row) {
   for (std::size_t i = 0; i < table.fields.size(); ++i) {
-    const int column = static_cast<int>(i) + 1;
-    if (row.IsNull(column)) continue;
     const Field& field = table.fields[i];
-    const Value value = row.Get(column);
+    const Value value = ReadableValue(run.file, name, table, row, i);
+    if (value.IsNull()) continue;
     std::string what;
     try {
       if (FittedValue(field, name, value) == value) continue;
@@ -229,19 +228,22 @@ void CheckRows(CheckRun& run) {
 
 namespace {
 
-void CheckFilled(CheckRun& run, const std::string& table, std::string_view field) {
+enum class NameIs { Text, Number };
+
+void CheckFilled(CheckRun& run, const std::string& table, std::string_view field, NameIs kind = NameIs::Text) {
   const std::string column = Quoted(field);
-  Statement empty =
-      run.file.Prepare(fmt::format("SELECT RowKey, {0} FROM {1} WHERE {0} IS NULL OR {0} = ''", column, Quoted(table)));
+  Statement empty = run.file.Prepare(fmt::format("SELECT RowKey, {0} FROM {1} WHERE {0} IS NULL{2}", column, Quoted(table),
+                                                 kind == NameIs::Text ? fmt::format(" OR {} = ''", column) : ""));
   run.FoundRows(table, empty, [&](const Statement&) { return fmt::format("{} is empty.", field); });
 }
 
-void CheckNames(CheckRun& run, const std::string& table, std::string_view field) {
-  CheckFilled(run, table, field);
+void CheckNames(CheckRun& run, const std::string& table, std::string_view field, NameIs kind = NameIs::Text) {
+  CheckFilled(run, table, field, kind);
   const std::string column = Quoted(field);
   // The index on the name gives equal ones side by side.
-  Statement twice = run.file.Prepare(fmt::format(
-      "SELECT {0}, COUNT(*) FROM {1} WHERE {0} <> '' GROUP BY {0} HAVING COUNT(*) > 1", column, Quoted(table)));
+  Statement twice =
+      run.file.Prepare(fmt::format("SELECT {0}, COUNT(*) FROM {1} WHERE {0} {2} GROUP BY {0} HAVING COUNT(*) > 1", column,
+                                   Quoted(table), kind == NameIs::Text ? "<> ''" : "IS NOT NULL"));
   Statement rows =
       run.file.Prepare(fmt::format("SELECT RowKey, {0} FROM {1} WHERE {0} = ? ORDER BY RowKey", column, Quoted(table)));
   while (twice.Step()) {
@@ -270,7 +272,7 @@ void CheckUniqueNames(CheckRun& run) {
     for (const Table* table : {&schema::BasicLab, &schema::MixLab})
       CheckFilled(run, TableName(database, *table), "Color_Name");
     CheckNames(run, TableName(database, schema::Additives), "SetName");
-    CheckNames(run, TableName(database, schema::Batch), "BatchNo");
+    CheckNames(run, TableName(database, schema::Batch), "BatchNo", NameIs::Number);
   }
 }
 

@@ -3,10 +3,13 @@
 #include <fmt/format.h>
 
 #include <random>
+#include <system_error>
 
 #include "core/base/platform.h"
 #include "core/base/refusal.h"
 #include "core/datafile/commit_witness.h"
+#include "core/datafile/engine_sqlite.h"
+#include "core/datafile/other_engine.h"
 
 // What is the same whatever engine keeps the rows.
 
@@ -24,7 +27,21 @@ CommitWitness& Witness() {
   return witness;
 }
 
+// Without functions when there is none.
+OtherEngine& Other() {
+  static OtherEngine engine;
+  return engine;
+}
+
+bool OtherKeeps(const std::filesystem::path& path) {
+  return Other().keeps && Other().keeps(path);
+}
+
 }  // namespace
+
+void SetOtherEngine(OtherEngine engine) {
+  Other() = std::move(engine);
+}
 
 void SetCommitWitness(CommitWitness witness) {
   Witness() = std::move(witness);
@@ -36,6 +53,27 @@ const CommitWitness& TheCommitWitness() {
 
 Database::Database(std::filesystem::path path, bool readOnly)
     : path_(std::move(path)), readOnly_(readOnly), opening_(NameOfOpening()) {}
+
+std::unique_ptr<Database> Database::Open(const std::filesystem::path& path, OpenMode mode) {
+  std::error_code ignored;
+  const auto status = std::filesystem::status(path, ignored);
+  if (!std::filesystem::exists(status)) throw Failure(path.string(), "does not exist");
+  if (!std::filesystem::is_regular_file(status)) throw Failure(path.string(), "is not a file");
+  if (std::filesystem::file_size(path, ignored) == 0) throw Failure(path.string(), "is empty, not a Data File");
+  return OtherKeeps(path) ? Other().open(path, mode) : SqliteDatabase::OpenFile(path, mode);
+}
+
+std::unique_ptr<Database> Database::Create(const std::filesystem::path& path) {
+  std::error_code ignored;
+  // An empty one is the place that its maker took beforehand.
+  if (std::filesystem::exists(path, ignored) && std::filesystem::file_size(path, ignored) != 0)
+    throw Failure(path.string(), "already exists");
+  return Other().create ? Other().create(path) : SqliteDatabase::CreateFile(path);
+}
+
+bool Database::IsDatabaseFile(const std::filesystem::path& path) {
+  return OtherKeeps(path) || SqliteDatabase::Keeps(path);
+}
 
 Value Database::Scalar(std::string_view sql, std::initializer_list<Value> parameters) {
   Statement statement = Prepare(sql);

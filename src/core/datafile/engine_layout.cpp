@@ -1,3 +1,5 @@
+#include "core/datafile/engine_layout.h"
+
 #include <fmt/format.h>
 
 #include <algorithm>
@@ -13,12 +15,6 @@ namespace vellumark {
 namespace {
 
 using IndexFields = std::vector<std::string>;
-
-std::string IndexName(std::string_view table, const IndexFields& fields) {
-  std::string name = std::string(table) + "_";
-  for (const std::string& field : fields) name += field + "_";
-  return name + "Index";
-}
 
 std::string Columns(const IndexFields& fields) {
   std::string columns;
@@ -56,6 +52,31 @@ std::string TableLayout(std::string_view name, const Table& table) {
 }
 
 }  // namespace
+
+std::string IndexName(std::string_view table, const IndexFields& fields) {
+  std::string name = std::string(table) + "_";
+  for (const std::string& field : fields) name += field + "_";
+  return name + "Index";
+}
+
+void CompleteStoredLayout(Database& file, const std::vector<std::string>& databases) {
+  const std::vector<std::string> present = file.StoredIndexes({});
+  Transaction transaction(file);
+  for (const std::string& database : databases)
+    if (const std::string name = TableName(database, schema::BatchScaleResults);
+        !file.TableExists(name) && file.TableExists(TableName(database, schema::Batch)))
+      file.CreateTable(name, schema::BatchScaleResults);
+  const auto completeIndexes = [&](const std::string& name, const Table& table) {
+    for (const IndexFields& fields : table.indexes)
+      if (&table != &schema::BatchScaleResults && !Holds(present, IndexName(name, fields)) && file.TableExists(name) &&
+          MissingFields(file, name, table).empty())
+        file.EnsureIndex(name, IndexName(name, fields), fields);
+  };
+  for (const Table* table : schema::Global()) completeIndexes(table->name, *table);
+  for (const std::string& database : databases)
+    for (const Table* table : schema::PerDatabase()) completeIndexes(TableName(database, *table), *table);
+  transaction.Commit();
+}
 
 void SqliteDatabase::CreateIndexes(std::string_view name, const Table& table) {
   for (const IndexFields& fields : table.indexes) CreateIndex(*this, name, fields);
@@ -98,22 +119,7 @@ bool SqliteDatabase::EnsureIndex(std::string_view table, std::string_view name, 
 }
 
 void SqliteDatabase::CompleteLayout(const std::vector<std::string>& databases) {
-  const std::vector<std::string> present = StoredIndexes({});
-  Transaction transaction(*this);
-  for (const std::string& database : databases)
-    if (const std::string name = TableName(database, schema::BatchScaleResults);
-        !TableExists(name) && TableExists(TableName(database, schema::Batch)))
-      CreateTable(name, schema::BatchScaleResults);
-  const auto completeIndexes = [&](const std::string& name, const Table& table) {
-    for (const IndexFields& fields : table.indexes)
-      if (&table != &schema::BatchScaleResults && !Holds(present, IndexName(name, fields)) && TableExists(name) &&
-          MissingFields(*this, name, table).empty())
-        CreateIndex(*this, name, fields);
-  };
-  for (const Table* table : schema::Global()) completeIndexes(table->name, *table);
-  for (const std::string& database : databases)
-    for (const Table* table : schema::PerDatabase()) completeIndexes(TableName(database, *table), *table);
-  transaction.Commit();
+  CompleteStoredLayout(*this, databases);
 }
 
 std::vector<std::string> SqliteDatabase::StoredFields(std::string_view table) {

@@ -183,17 +183,20 @@ void ChangeRecorder::Engine::AddChanges(const Table& table, std::vector<Recorded
   }
 }
 
-ChangeRecorder::ChangeRecorder(Database& file)
-    : engine_(std::make_unique<Engine>(dynamic_cast<SqliteDatabase&>(file))) {}
+// In the rows of another engine nobody listens.
+ChangeRecorder::ChangeRecorder(Database& file) {
+  if (auto* database = dynamic_cast<SqliteDatabase*>(&file)) engine_ = std::make_unique<Engine>(*database);
+}
 
 ChangeRecorder::~ChangeRecorder() = default;
 
 bool ChangeRecorder::Hears() const {
-  return engine_->hears;
+  return engine_ && engine_->hears;
 }
 
 std::vector<RecordedChange> ChangeRecorder::Changes() const {
   std::vector<RecordedChange> changes;
+  if (!engine_) return changes;
   if (engine_->thrown) std::rethrow_exception(engine_->thrown);
   for (const Engine::Table& table : engine_->tables) engine_->AddChanges(table, changes);
   return changes;

@@ -573,8 +573,10 @@ bool RowChecks::CheckTable(const std::string& table, const Sums& logged,
 
 // ---- For everybody
 
+// Of another engine than this one nobody keeps digests.
 bool HasRowChecks(Database& file) {
-  return dynamic_cast<SqliteDatabase&>(file).Rows().StandInFile();
+  auto* database = dynamic_cast<SqliteDatabase*>(&file);
+  return database != nullptr && database->Rows().StandInFile();
 }
 
 void ForEachStrayRow(Database& file, const std::function<void(const StrayRow&)>& found,
@@ -583,8 +585,10 @@ void ForEachStrayRow(Database& file, const std::function<void(const StrayRow&)>&
 }
 
 void AcceptRows(Database& file) {
+  auto* database = dynamic_cast<SqliteDatabase*>(&file);
+  if (database == nullptr) return;
   Transaction transaction(file);
-  dynamic_cast<SqliteDatabase&>(file).Rows().KeepAll();
+  database->Rows().KeepAll();
   transaction.Commit();
 }
 

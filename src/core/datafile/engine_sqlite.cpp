@@ -352,15 +352,10 @@ void SqliteDatabase::OpenExclusive() {
   }
 }
 
-std::unique_ptr<Database> Database::Open(const std::filesystem::path& path, OpenMode mode) {
-  std::error_code ignored;
-  const auto status = std::filesystem::status(path, ignored);
-  if (!std::filesystem::exists(status)) throw Failure(path.string(), "does not exist");
-  if (!std::filesystem::is_regular_file(status)) throw Failure(path.string(), "is not a file");
-  if (std::filesystem::file_size(path, ignored) == 0) throw Failure(path.string(), "is empty, not a Data File");
+std::unique_ptr<Database> SqliteDatabase::OpenFile(const std::filesystem::path& path, OpenMode mode) {
   const bool readOnly = mode == OpenMode::ReadOnly;
   RequireNotHeld(path);
-  std::unique_ptr<SqliteDatabase> database(new SqliteDatabase(path, readOnly));
+  auto database = std::make_unique<SqliteDatabase>(path, readOnly);
   // One thread uses a connection, so the engine need not lock it. A looker, too, must be able to roll back what a
   // killed process left half done, so the engine may write; statements may not.
   if (readOnly)
@@ -379,12 +374,8 @@ std::unique_ptr<Database> Database::Open(const std::filesystem::path& path, Open
   return database;
 }
 
-std::unique_ptr<Database> Database::Create(const std::filesystem::path& path) {
-  std::error_code ignored;
-  // An empty one is the place that its maker took beforehand.
-  if (std::filesystem::exists(path, ignored) && std::filesystem::file_size(path, ignored) != 0)
-    throw Failure(path.string(), "already exists");
-  std::unique_ptr<SqliteDatabase> database(new SqliteDatabase(path, false));
+std::unique_ptr<Database> SqliteDatabase::CreateFile(const std::filesystem::path& path) {
+  auto database = std::make_unique<SqliteDatabase>(path, false);
   database->Connect(SQLite::OPEN_READWRITE | SQLite::OPEN_CREATE | SQLite::OPEN_NOMUTEX);
   database->Execute("PRAGMA locking_mode=EXCLUSIVE");
   database->Execute("PRAGMA synchronous=FULL");
@@ -393,7 +384,7 @@ std::unique_ptr<Database> Database::Create(const std::filesystem::path& path) {
   return database;
 }
 
-bool Database::IsDatabaseFile(const std::filesystem::path& path) {
+bool SqliteDatabase::Keeps(const std::filesystem::path& path) {
   constexpr std::string_view kMark{"SQLite format 3\0", 16};
   return ReadFileBytes(path, kMark.size()) == kMark;
 }

@@ -20,6 +20,10 @@ std::string CauseInWords(int code, const char* message);
 class SqliteDatabase final : public Database {
  public:
   SqliteDatabase(std::filesystem::path path, bool readOnly);
+  /// For Database::Open, Create and IsDatabaseFile.
+  static std::unique_ptr<Database> OpenFile(const std::filesystem::path& path, OpenMode mode);
+  static std::unique_ptr<Database> CreateFile(const std::filesystem::path& path);
+  static bool Keeps(const std::filesystem::path& path);
   /// For OpenWorkFile.
   static std::unique_ptr<Database> OpenWork(const std::filesystem::path& path);
   ~SqliteDatabase() override;
@@ -56,7 +60,6 @@ class SqliteDatabase final : public Database {
   void TakeBack(std::unique_ptr<EngineStatement> statement) noexcept override;
 
  private:
-  friend class Database;  // Open and Create
   struct Engine;
   void Connect(int flags);
   void OpenExclusive();

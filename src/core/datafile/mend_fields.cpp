@@ -64,17 +64,20 @@ struct MendedValue {
 
 std::string ReadableColumns(const Table& table) {
   std::string columns = table.rowKey;
-  for (const Field& field : table.fields) {
-    const std::string name = Quoted(field.name);
-    columns += ", ";
-    columns += field.type == FieldType::Single
-                   ? fmt::format(
-                         "CASE WHEN {0} NOT BETWEEN -3.4028234663852886e38 AND 3.4028234663852886e38 THEN "
-                         "CAST({0} AS TEXT) ELSE {0} END",
-                         name)
-                   : name;
-  }
+  for (const Field& field : table.fields) columns += ", " + Quoted(field.name);
   return columns;
+}
+
+// Of a figure that the engine will not give out its text is asked for, which tells what it is.
+Value ReadableValue(Database& file, std::string_view name, const Table& table, const Statement& row, std::size_t place) {
+  const int column = static_cast<int>(place) + 1;
+  try {
+    return row.Get(column);
+  } catch (const Failure&) {
+    return file.Scalar(fmt::format("SELECT CAST({} AS TEXT) FROM {} WHERE {} = ?1", Quoted(table.fields[place].name),
+                                   Quoted(name), table.rowKey),
+                       {row.Whole(0)});
+  }
 }
 
 namespace {
@@ -100,7 +103,7 @@ void FitFigures(Database& file, const std::string& name, const Table& table, std
       file.Prepare(fmt::format("SELECT {} FROM {} WHERE {} = ?1", ReadableColumns(table), Quoted(name), table.rowKey));
   if (!row.Bind(1, key).Step()) return;
   for (std::size_t i = 0; i < table.fields.size(); ++i) {
-    const Value value = row.Get(static_cast<int>(i) + 1);
+    const Value value = ReadableValue(file, name, table, row, i);
     if (value.IsNull()) continue;
     Value fitted = FittedValue(table.fields[i], name, value);
     if (fitted != value && !IsKeptFiner(table, table.fields[i], value)) rounded.push_back({key, i, std::move(fitted)});
@@ -115,9 +118,8 @@ std::vector<MendedField> FitValues(Database& file, const std::string& name, cons
     Statement rows = file.Prepare(fmt::format("SELECT {} FROM {}", ReadableColumns(table), Quoted(name)));
     while (rows.Step())
       for (std::size_t i = 0; i < table.fields.size(); ++i) {
-        const int column = static_cast<int>(i) + 1;
-        if (rows.IsNull(column)) continue;
-        const Value value = rows.Get(column);
+        const Value value = ReadableValue(file, name, table, rows, i);
+        if (value.IsNull()) continue;
         try {
           Value fitted = FittedValue(table.fields[i], name, value);
           if (fitted != value && !IsKeptFiner(table, table.fields[i], value)) mended.push_back({rows.Whole(0), i, std::move(fitted)});

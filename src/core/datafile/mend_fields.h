@@ -12,9 +12,10 @@
 
 namespace vellumark {
 
-/// The fields of a table as a query reads them, the row's number first. A figure that is not finite comes as a text, so
-/// that it can be read.
+/// The fields of a table as a query reads them, the row's number first, and what stands at a place of its fields. A figure
+/// that is not finite comes as a text.
 std::string ReadableColumns(const Table& table);
+Value ReadableValue(Database& file, std::string_view name, const Table& table, const Statement& row, std::size_t place);
 
 /// What was done to a field of a table.
 struct MendedField {

@@ -25,10 +25,11 @@ struct StrayRow {
   What what = What::Changed;
 };
 
-/// Whether the file has the digests. One that an earlier program made gets them when it is first opened to be written.
+/// Whether the file has the digests. One that an earlier program made gets them when it is first opened to be written;
+/// one of another engine has none.
 bool HasRowChecks(Database& file);
-/// Reads every row and tells the stray ones, by table and row. `goOn` hears how many rows of how many are read, and
-/// stops the reading with false.
+/// Of a file that has them: reads every row and tells the stray ones, by table and row. `goOn` hears how many rows of
+/// how many are read, and stops the reading with false.
 void ForEachStrayRow(Database& file, const std::function<void(const StrayRow&)>& found,
                      const std::function<bool(std::int64_t done, std::int64_t all)>& goOn);
 /// Takes every row as it stands from now on.
