@@ -18,7 +18,8 @@ install_packages() {
   command -v dpkg-query >/dev/null || fail "This script installs Debian packages, and this is no Debian system."
   for package in libsqlitecpp-dev libsqlite3-dev libfmt-dev nlohmann-json3-dev libcli11-dev libgtest-dev libbenchmark-dev \
     qt6-base-dev qt6-svg-dev qt6-charts-dev libqt6opengl6-dev qt6-serialport-dev libxlsxwriter-dev libzxing-dev libqrencode-dev \
-    libcurl4-openssl-dev libssl-dev mdbtools-dev proftpd-core proftpd-mod-crypto fonts-open-sans dpkg-dev; do
+    libcurl4-openssl-dev libssl-dev mdbtools-dev proftpd-core proftpd-mod-crypto libpq-dev postgresql \
+    fonts-open-sans dpkg-dev; do
     [[ "$(dpkg-query -W -f '${db:Status-Status}' "$package" 2>/dev/null)" == installed ]] || missing+=("$package")
   done
   ((${#missing[@]})) || return 0
@@ -32,7 +33,8 @@ install_packages() {
     [[ -t 0 ]] || as_root+=(-n)
   fi
   local apt=("${as_root[@]}" env DEBIAN_FRONTEND=noninteractive RUNLEVEL=1 apt-get -q -o DPkg::Lock::Timeout=300)
-  # Nothing that comes along starts a service of its own: the tests start the FTP server that they need, on a port of theirs.
+  # Nothing that comes along starts a service of its own: the tests start the servers that they need, an FTP server on a port of
+  # theirs, a database server on a socket in a scratch folder.
   { "${apt[@]}" update && "${apt[@]}" install -y --no-install-recommends "${missing[@]}"; } </dev/null ||
     fail "The packages could not be installed: ${missing[*]}. Install them by hand, then start again."
 }
