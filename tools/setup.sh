@@ -12,7 +12,8 @@ fail() {
 install_packages() {
   local missing=() pair package
   for pair in cmake:cmake ninja-build:ninja g++:g++ ccache:ccache mold:mold python3:python3 poppler-utils:pdftotext \
-    pkgconf:pkg-config zbar-tools:zbarimg mdbtools:mdb-export openssl:openssl; do
+    pkgconf:pkg-config zbar-tools:zbarimg mdbtools:mdb-export openssl:openssl \
+    curl:curl; do
     command -v "${pair#*:}" >/dev/null || missing+=("${pair%%:*}")
   done
   command -v dpkg-query >/dev/null || fail "This script installs Debian packages, and this is no Debian system."

@@ -5,6 +5,7 @@
 #include <netinet/in.h>
 #include <poll.h>
 #include <signal.h>
+#include <sys/resource.h>
 #include <sys/socket.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -70,6 +71,8 @@ class FtpServer {
     bool demandsTls = true;
     bool implicit = false;
     std::string protocols = "TLSv1.2 TLSv1.3";
+    long quota = 0;    ///< bytes that "shop" may put there in all; 0: as many as it likes
+    rlim_t disk = RLIM_INFINITY;  ///< where the disk of the host is full, for each of its files
     std::string more = {};  ///< further lines of its settings
   };
 
@@ -80,6 +83,8 @@ class FtpServer {
     std::filesystem::permissions(folder_.Path(), std::filesystem::perms(0755));
     Give(Root());
     WriteUsers();
+    disk_ = options.disk;
+    if (options.quota > 0) WriteQuota(options.quota);
     for (int attempt = 0; child_ <= 0; ++attempt) {
       if (attempt == 20) throw std::runtime_error("the server does not start: " + ReadFileBytes(folder_ / "log"));
       port_ = FreePort();
@@ -146,10 +151,16 @@ class FtpServer {
     users.close();
     std::filesystem::permissions(folder_ / "users", std::filesystem::perms(0600));
   }
+  void WriteQuota(long bytes) const {
+    for (const std::string type : {"limit", "tally"})
+      RunOrThrow("ftpquota --create-table --type=" + type + " --table-path=" + (folder_ / type).string());
+    RunOrThrow("ftpquota --add-record --type=limit --name=shop --quota-type=user --limit-type=hard --units=byte --bytes-upload=" +
+               std::to_string(bytes) + " --table-path=" + (folder_ / "limit").string());
+  }
   void WriteSettings(const Options& options) const {
     const std::string at = folder_.Path().string() + "/";
     std::ofstream out(folder_ / "conf");
-    out << "ModulePath /usr/lib/proftpd\nLoadModule mod_tls.c\nLoadModule mod_quotatab.c\n"
+    out << "ModulePath /usr/lib/proftpd\nLoadModule mod_tls.c\nLoadModule mod_quotatab.c\nLoadModule mod_quotatab_file.c\n"
         << "ServerType standalone\nServerName shop\nDefaultAddress 127.0.0.2\nSocketBindTight on\nPort " << port_
         << "\nPassivePorts " << port_ + 1 << " " << port_ + kPassivePorts << "\nUseIPv6 off\nUseReverseDNS off\n"
         << "PidFile " << at << "pid\nScoreboardFile " << at << "scoreboard\nSystemLog " << at << "log\nWtmpLog off\n"
@@ -161,6 +172,8 @@ class FtpServer {
       out << "TLSEngine on\nTLSLog " << at << "tls\nTLSRequired " << (options.demandsTls ? "on" : "off")
           << "\nTLSProtocol " << options.protocols << "\nTLSVerifyClient off\nTLSRSACertificateFile " << at
           << "cert/none\n";
+    if (options.quota > 0)
+      out << "QuotaEngine on\nQuotaLimitTable file:" << at << "limit\nQuotaTallyTable file:" << at << "tally\n";
     if (options.implicit) out << "TLSOptions UseImplicitSSL\n";
     out << options.more << "\n";
     out.close();
@@ -178,6 +191,9 @@ class FtpServer {
       ::dup2(out, 1);
       ::dup2(out, 2);
       const std::string settings = (folder_ / "conf").string();
+      ::signal(SIGXFSZ, SIG_IGN);
+      const rlimit limit{disk_, disk_};
+      ::setrlimit(RLIMIT_FSIZE, &limit);
       ::execlp("proftpd", "proftpd", "-n", "-c", settings.c_str(), nullptr);
       ::execl("/usr/sbin/proftpd", "proftpd", "-n", "-c", settings.c_str(), nullptr);
       ::_exit(127);
@@ -198,6 +214,7 @@ class FtpServer {
   ScratchFolder folder_;
   int port_ = 0;
   pid_t child_ = 0;
+  rlim_t disk_ = RLIM_INFINITY;
 };
 
 /// Stands before a server at 127.0.0.1, under the same ports, and does harm.
