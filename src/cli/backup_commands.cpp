@@ -12,9 +12,11 @@
 #include "core/backup/backup_set.h"
 #include "core/backup/look_into.h"
 #include "core/base/refusal.h"
+#include "core/cloud/cloud_sets.h"
 #include "core/datafile/lifecycle.h"
 #include "core/shell/backups.h"
 #include "core/shell/settings_restore.h"
+#include "devices/ftp_connection.h"
 
 namespace vellumark::cli {
 namespace fs = std::filesystem;
@@ -62,8 +64,20 @@ Json SetJson(const std::string& place, const BackupSet& set) {
           {"Verified", set.proof ? Json(set.proof->content.Sound()) : Json()}};
 }
 
+// What fails is told; what the host told before is listed then.
+Result<void> AskCloud(Context& context) {
+  const auto ftp = devices::FtpConnection(context.session.clock);
+  CloudDesk desk{context.session, *ftp, context.session.progress, {}};
+  const auto asked = AskForCloudSets(desk);
+  if (!asked) return std::unexpected(asked.error());
+  if (asked->done) return {};
+  WriteError(asked->Text() + "\n");
+  context.exitStatus = ExitFailed;
+  return {};
+}
+
 // The oldest first.
-Result<Json> ListBackups(Context& context, const std::string& in) {
+Result<Json> ListBackups(Context& context, const std::string& in, bool withCloud) {
   Json sets = Json::array();
   if (!in.empty()) {
     const fs::path folder = Absolute(in);
@@ -74,7 +88,13 @@ Result<Json> ListBackups(Context& context, const std::string& in) {
   if (context.dataFile.empty())
     return Refuse("Backup", "No Data File is known yet. Name the folder of the sets with --in, or the file with --file.");
   context.session.DataFileName = context.dataFile;
-  BackupDays known = DaysToGoBackTo(context.session);
+  CloudSets cloud(context.session);
+  std::vector<SetSource*> others;
+  if (withCloud) {
+    if (auto asked = AskCloud(context); !asked) return std::unexpected(asked.error());
+    others.push_back(&cloud);
+  }
+  BackupDays known = DaysToGoBackTo(context.session, others);
   for (const std::string& unreadable : known.unreadable) WriteError(unreadable + ".\n");
   std::ranges::reverse(known.days);
   for (const BackupDay& day : known.days) sets.push_back(SetJson(day.place, day.set));
@@ -265,8 +285,11 @@ void AddBackupCommands(CLI::App& app, Commands& commands) {
 
   auto* list = noun->add_subcommand("list", "The days that one can go back to, the oldest first");
   const auto in = std::make_shared<std::string>();
-  list->add_option("--in", *in, "The sets of this folder alone; all that are known of the Data File when left out")->check(NotEmpty);
-  commands.Add(list, Needs::Nothing, [in](Context& context) { return ListBackups(context, *in); });
+  auto* one = list->add_option("--in", *in, "The sets of this folder alone; all that are known of the Data File when left out")->check(NotEmpty);
+  const auto cloud = std::make_shared<bool>();
+  list->add_flag("--cloud", *cloud, "Those of the Cloud account too; \"Set\" is what `cloud restore` takes")
+      ->excludes(one);
+  commands.Add(list, Needs::Nothing, [in, cloud](Context& context) { return ListBackups(context, *in, *cloud); });
 
   auto* verify = noun->add_subcommand("verify", "Read a set again, all of it, and compare it with its proof");
   const auto set = std::make_shared<std::string>();

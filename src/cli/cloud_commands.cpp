@@ -205,6 +205,21 @@ Result<Json> TellAdmin(Context& context, const Result<AdminRun>& run) {
   return Told(context, run->outcome, AdminJson(*run));
 }
 
+Result<Json> ListReportsOfUsers(Context& context, const std::string& account) {
+  Cloud cloud(context);
+  auto list = ListUserReports(cloud.desk, account);
+  if (!list) return std::unexpected(list.error());
+  for (const AdminRow& row : list->rows)
+    if (!row.done) WriteError(fmt::format("{}: {}\n", row.AcctNum, row.why));
+  if (!list->outcome.done) return Told(context, list->outcome);
+  return context.Answer(TableOf<AccountReport>()
+                            .Add("AcctNum", &AccountReport::AcctNum, "Account")
+                            .Add("Name", [](const AccountReport& report) { return report.file.name; })
+                            .Add("Date", [](const AccountReport& report) { return report.file.date; }, {}, Format::Moment)
+                            .Add("Size", [](const AccountReport& report) { return report.file.size; })
+                            .Of(std::move(list->reports)));
+}
+
 Result<Json> DefaultFile(Context& context, const std::string& path) {
   if (!path.empty())
     if (auto stored = StoreAdminDefaultDataFile(context.session, fs::absolute(path)); !stored)
@@ -341,6 +356,21 @@ void AddAdministration(CLI::App* noun, Commands& commands) {
                  Cloud cloud(context);
                  return TellAdmin(context, FetchUserReports(cloud.desk));
                });
+  const auto of = std::make_shared<std::string>();
+  auto* list = admin->add_subcommand("report-list", "The reports at the host, of all accounts or of one");
+  list->add_option("ACCOUNT", *of, "Its number")->check(NotEmpty);
+  commands.AddList(list, Needs::Nothing, "Reports in User Accounts",
+                   [of](Context& context) { return ListReportsOfUsers(context, *of); });
+  auto* remove = admin->add_subcommand("delete-report", "Remove reports of an account at the host");
+  const auto names = std::make_shared<std::vector<std::string>>();
+  remove->add_option("ACCOUNT", *of, "Its number")->required()->check(NotEmpty);
+  remove->add_option("NAME", *names, "The reports")->required()->check(NotEmpty);
+  commands.Add(remove, Needs::Nothing, [of, names](Context& context) {
+    std::vector<AccountReport> reports;
+    for (const std::string& name : *names) reports.push_back({*of, {.name = name}});
+    Cloud cloud(context);
+    return TellAdmin(context, DeleteUserReports(cloud.desk, reports));
+  });
   auto* file = admin->add_subcommand("data-file", "Bring the latest backup of an account down");
   const auto account = std::make_shared<std::string>();
   file->add_option("ACCOUNT", *account, "Its number")->required()->check(NotEmpty);

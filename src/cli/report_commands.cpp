@@ -7,6 +7,7 @@
 #include "core/base/files.h"
 #include "core/base/text.h"
 #include "core/cloud/cloud_files.h"
+#include "core/cloud/cloud_reports.h"
 #include "core/reports/catalogue.h"
 #include "core/reports/chart.h"
 #include "core/reports/export.h"
@@ -54,9 +55,9 @@ struct ListedReport {
 Result<Json> ListReports(Context& context) {
   using Row = ListedReport;
   std::vector<Row> rows;
-  for (const ReportDefinition& report : ReportCatalogue()) rows.push_back({&report});
-  for (const SavedReport& saved : ReadSavedReports(context.session))
-    rows.push_back({FindReport(saved.key), saved.name});
+  for (const ReportDefinition* report : AllReports()) rows.push_back({report});
+  for (const SavedReport& saved : ReadSavedReports(context.session, FindAnyReport))
+    rows.push_back({FindAnyReport(saved.key), saved.name});
   const auto text = [](std::string ReportDefinition::*field) {
     return [field](const Row& row) { return row.report->*field; };
   };
@@ -74,7 +75,7 @@ Result<Json> ListReports(Context& context) {
 
 std::string ReportNames() {
   std::string names;
-  for (const ReportDefinition& report : ReportCatalogue()) names += (names.empty() ? "" : ", ") + report.key;
+  for (const ReportDefinition* report : AllReports()) names += (names.empty() ? "" : ", ") + report->key;
   return names;
 }
 
@@ -258,13 +259,17 @@ struct Order {
 Result<Order> OrderOf(const Context& context, const RunOptions& options) {
   Order order;
   if (!options.saved.empty()) {
-    order.saved = FindSavedReport(context.session, options.saved);
+    order.saved = FindSavedReport(context.session, options.saved, FindAnyReport);
     if (!order.saved) return Refuse("Saved Report", fmt::format("There is no saved report {}.", options.saved), "Name");
   }
   const std::string& key = order.saved ? order.saved->key : options.key;
-  order.definition = FindReport(key);
+  order.definition = FindAnyReport(key);
   if (order.definition == nullptr)
     return Refuse("Report Not Found", fmt::format("There is no report {}. There are {}.", key, ReportNames()), "Key");
+  if (FetchTaskOf(*order.definition)) {
+    if (auto ready = RequireCloud(context.session); !ready) return std::unexpected(ready.error());
+    if (auto accounts = RequireSharedAccounts(context.session); !accounts) return std::unexpected(accounts.error());
+  }
   auto request = RequestOf(options);
   if (!request) return std::unexpected(request.error());
   order.request = *std::move(request);
@@ -301,6 +306,7 @@ Result<Json> RunReport(Context& context, const RunOptions& options) {
   if (!options.print.out.empty()) return WriteReport(context, *order->definition, *report, options);
   if (context.json) return ReportJson(*report);
   context.text = ReportLines(*report);
+  if (FetchTaskOf(*order->definition) && report->Rows() == 0) context.text += "No inventory found.\n";
   return Json();
 }
 
@@ -310,7 +316,7 @@ Result<Json> StoreReport(Context& context, const RunOptions& options) {
   const auto report = BuildOrder(context, *order, options);
   if (!report) return std::unexpected(report.error());
   const SavedReport saved = SavedFrom(options.name, *order->definition, order->request, *report);
-  if (const auto stored = SaveReport(context.session, saved); !stored) return std::unexpected(stored.error());
+  if (const auto stored = SaveReport(context.session, saved, FindAnyReport); !stored) return std::unexpected(stored.error());
   return Json{{"Name", Trim(options.name)}, {"Report", saved.key}, {"Columns", saved.columns}};
 }
 

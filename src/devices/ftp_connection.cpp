@@ -244,6 +244,7 @@ void CurlFtp::Reset(const std::string& url) {
   // A way that the host opens would stay in clear text: this library does not wrap it. With TLS all ways are opened from
   // here.
   if (!host_.passive && !host_.Secure()) Set(CURLOPT_FTPPORT, "-");
+  Set(CURLOPT_QUICK_EXIT, 1L);  // else a name that nobody resolves is waited for beyond every limit of time
   Set(CURLOPT_CONNECTTIMEOUT_MS, static_cast<long>(times_.connect));
   Set(CURLOPT_ACCEPTTIMEOUT_MS, static_cast<long>(times_.stall));
   Set(CURLOPT_SERVER_RESPONSE_TIMEOUT, static_cast<long>(times_.stall / 1000 + 1));
@@ -365,6 +366,8 @@ void CurlFtp::Connect(const FtpHost& host, Progress& progress) {
   multi_ = curl_multi_init();
   poll_ = curl_multi_init();
   easy_ = curl_easy_init();
+  if (multi_ == nullptr || poll_ == nullptr || easy_ == nullptr)
+    fail(ConnectReason::Internal, "Cloud component not ready for use");
   if (host.Secure()) check_.emplace(host.host, host.verify);
   newTlsAlone_ = false;
   CURLcode code = LogIn();

@@ -205,6 +205,8 @@ std::vector<Line> Lines(const test::CliRoom& room) {
       {{"cloud", "delete-report", "None.txt"}, {}},
       {{"cloud", "report-upload", "lblProduction"}, {}},
       {{"cloud", "admin", "reports"}, {}},
+      {{"cloud", "admin", "report-list"}, {}},
+      {{"cloud", "admin", "delete-report", "A1", "None.txt"}, {}},
       {{"cloud", "admin", "data-file", "A1"}, {}},
       {{"cloud", "admin", "send", folder + "/None.vkd", "A1"}, {}},
       {{"cloud", "admin", "default-file"}, {}},

@@ -1,10 +1,14 @@
 // The tasks of the cloud against a real server that fails in every way: what is told, what stands in the log, and that
 // nothing half done is left.
 
+#include <dlfcn.h>
 #include <gtest/gtest.h>
+#include <netdb.h>
 #include <sys/resource.h>
 
 #include <algorithm>
+#include <chrono>
+#include <thread>
 
 #include "core/backup/backup_set.h"
 #include "core/base/files.h"
@@ -15,6 +19,17 @@
 #include "devices/ftp_connection.h"
 #include "support/data_files.h"
 #include "support/ftp_server.h"
+
+// Names are resolved as ever, but for one at which nobody answers.
+constexpr const char* kNobodyAnswers = "nobody-answers.invalid";
+constexpr std::chrono::seconds kNeverAnswers{25};
+
+extern "C" int getaddrinfo(const char* name, const char* service, const addrinfo* hints, addrinfo** found) {
+  static const auto real = reinterpret_cast<decltype(&getaddrinfo)>(::dlsym(RTLD_NEXT, "getaddrinfo"));
+  if (name == nullptr || std::string_view(name) != kNobodyAnswers) return real(name, service, hints, found);
+  std::this_thread::sleep_for(kNeverAnswers);
+  return EAI_AGAIN;
+}
 
 namespace vellumark::test {
 namespace {
@@ -60,7 +75,7 @@ struct CloudRoom : DataFileRoom {
     return names;
   }
   void ExpectNothingStaged() const {
-    for (const auto& entry : fs::directory_iterator(session.DataFolder / "Cloud Uploads"))
+    for (const auto& entry : fs::recursive_directory_iterator(session.DataFolder / "Cloud Uploads"))
       EXPECT_TRUE(entry.is_directory()) << entry.path();
   }
 
@@ -86,7 +101,9 @@ TEST_P(NoBackup, IsToldAndLeavesNothing) {
   GetParam().harm(room);
   room.Store();
   const std::string before = ReadFileBytes(room.session.DataFileName);
+  const auto begin = std::chrono::steady_clock::now();
   const auto made = BackUpToCloud(room.desk, false);
+  EXPECT_LT(std::chrono::steady_clock::now() - begin, kNeverAnswers);
   ASSERT_TRUE(made);
   EXPECT_FALSE(made->outcome.done);
   EXPECT_NE(room.Log().find(GetParam().logged), std::string::npos) << room.Log();
@@ -111,6 +128,8 @@ INSTANTIATE_TEST_SUITE_P(
     testing::Values(
         Fault{"NameNotFound", {}, [](CloudRoom& r) { r.settings.CloudHost = "no-such-host.invalid"; },
               "Unable to connect to no-such-host.invalid: DNS lookup failed"},
+        Fault{"NameTimesOut", {}, [](CloudRoom& r) { r.settings.CloudHost = kNobodyAnswers; },
+              "Unable to connect to nobody-answers.invalid: DNS timeout"},
         Fault{"PortRefused", {}, [](CloudRoom& r) { r.settings.Port = *r.settings.Port + 2000; },
               "Unable to connect to 127.0.0.1: Connect Rejected (or failed for some other reason)"},
         Fault{"TimedOut", {}, [](CloudRoom& r) { r.proxy.stallAfter = 0, r.proxy.moved = 1; },
@@ -136,6 +155,10 @@ INSTANTIATE_TEST_SUITE_P(
               },
               "Unable to upload INK-0001_Backup_03_10_2026_09_00_00_SUV_vk50suvdf.dat: the host says 550"},
         Fault{"Full", {.more = "MaxStoreFileSize 100 Kb"}, [](CloudRoom&) {},
+              "Unable to upload INK-0001_Backup_03_10_2026_09_00_00.vkd"},
+        Fault{"Quota", {.quota = 100'000}, [](CloudRoom&) {},
+              "Unable to upload INK-0001_Backup_03_10_2026_09_00_00.vkd: the host says 552"},
+        Fault{"HostsDiskFull", {.disk = 100'000}, [](CloudRoom&) {},
               "Unable to upload INK-0001_Backup_03_10_2026_09_00_00.vkd"},
         Fault{"Dropped", {}, [](CloudRoom& r) { r.proxy.dropAfter = 100'000; },
               "Unable to upload INK-0001_Backup_03_10_2026_09_00_00.vkd: the connection ended in the middle"},
@@ -194,22 +217,58 @@ TEST(CloudTasks, WhatWasCutGoesOnWhereItStopped) {
   EXPECT_TRUE(VerifySet(room.session, *set).faults.empty());
 }
 
+// Files of this process may have no more than so many bytes.
+class FullDisk {
+ public:
+  explicit FullDisk(rlim_t bytes) {
+    ::signal(SIGXFSZ, SIG_IGN);
+    ::getrlimit(RLIMIT_FSIZE, &before_);
+    const rlimit small{bytes, before_.rlim_max};
+    ::setrlimit(RLIMIT_FSIZE, &small);
+  }
+  ~FullDisk() { ::setrlimit(RLIMIT_FSIZE, &before_); }
+  FullDisk(const FullDisk&) = delete;
+  FullDisk& operator=(const FullDisk&) = delete;
+
+ private:
+  rlimit before_{};
+};
+
 TEST(CloudTasks, ADiskThatIsFullHereLeavesWhatWasThere) {
   CloudRoom room;
-  ASSERT_TRUE(BackUpToCloud(room.desk, false)->outcome.done);
+  const auto made = BackUpToCloud(room.desk, false);
+  ASSERT_TRUE(made->outcome.done);
+  {
+    const FullDisk full(50'000);
+    const auto failed = BackUpToCloud(room.desk, false);
+    EXPECT_FALSE(failed->outcome.done);
+    EXPECT_EQ(failed->outcome.ending[1], "An error occured during Cloud procedures");
+    room.ExpectNothingStaged();
+    EXPECT_EQ(room.AtHost("/Backups/I").size(), 2U);  // the first one and its proof
+    const auto fetched = FetchCloudBackup(room.desk, made->name, false);
+    EXPECT_FALSE(fetched->outcome.done);
+    EXPECT_NE(room.Log().find("Unable to download " + made->name), std::string::npos) << room.Log();
+    EXPECT_FALSE(fs::exists(room.session.DataFolder / "Cloud Downloads/Backups" / made->name));
+  }
+  {
+    // Not even the log has room: what became of the task is told all the same.
+    const FullDisk full(100);
+    const auto failed = BackUpToCloud(room.desk, false);
+    EXPECT_EQ(failed->outcome.ending.size(), 4U);
+    EXPECT_TRUE(failed->outcome.log.empty());
+    const auto& lines = failed->outcome.lines;
+    EXPECT_TRUE(std::ranges::any_of(lines, [](const std::string& line) {
+      return line.ends_with("Local Cloud Log file: A100_Backup_Log.txt not found.");
+    }));
+  }
   room.prompt.Expect("Shared Accounts");
   ASSERT_TRUE(SaveSharedAccounts(room.session, {{"A100", "Shop"}}));
   ASSERT_TRUE(FetchShares(room.desk, CloudTask::CloudInvReport)->outcome.done);
   const std::string before = ReadFileBytes(SharedDataFile(room.session, "A100"));
   room.session.DataFileDB->Execute("UPDATE FileInfo SET BatchNumber = 7");
   ASSERT_TRUE(ShareToCloud(room.desk, false)->done);
-  ::signal(SIGXFSZ, SIG_IGN);
-  rlimit limit{};
-  ::getrlimit(RLIMIT_FSIZE, &limit);
-  const rlimit small{50'000, limit.rlim_max};
-  ::setrlimit(RLIMIT_FSIZE, &small);
+  const FullDisk full(50'000);
   const auto shares = FetchShares(room.desk, CloudTask::CloudInvReport);
-  ::setrlimit(RLIMIT_FSIZE, &limit);
   ASSERT_TRUE(shares);
   EXPECT_FALSE(shares->outcome.done);
   EXPECT_NE(shares->rows[0].why.find("File too large"), std::string::npos) << shares->rows[0].why;
@@ -276,6 +335,7 @@ TEST(CloudTasks, PhotosGoUpAndComeDownWithTheirBackup) {
   ASSERT_TRUE(made->outcome.done) << made->outcome.Text();
   EXPECT_EQ(room.AtHost("/Backups/DesignPhotos/").size(), 2U);
   EXPECT_EQ(room.AtHost("/ShareDataFile/DesignPhotos/").size(), 2U);
+  room.ExpectNothingStaged();
   const auto fetched = FetchCloudBackup(room.desk, made->name, true);
   EXPECT_EQ(fetched->photos, 2);
   EXPECT_EQ(ReadFileBytes(fetched->dataFile.parent_path() / "DesignPhotos/Böx 1.JPG"), "picture one");

@@ -29,9 +29,9 @@ class DayCollector {
   }
 
   template <typename Read>
-  void Add(const std::string& place, const std::string& subject, Read read) {
+  void Add(const std::string& place, const std::string& subject, Read read, bool elsewhere = false) {
     try {
-      for (BackupSet& set : read()) days_.days.push_back({place, std::move(set)});
+      for (BackupSet& set : read()) days_.days.push_back({place, std::move(set), elsewhere});
     } catch (const Failure& failure) {
       days_.unreadable.push_back(fmt::format("{}: {}", subject, failure.cause));
     }
@@ -143,7 +143,7 @@ BackupDays DaysToGoBackTo(const Session& session, std::span<SetSource* const> ot
        {GetSetting(session, setting::BackupRestoreFileLocation), GetSetting(session, setting::BackupFileLocation)})
     collector.AddFolder(FolderAbove(stored).string(), FolderAbove(stored));
   for (SetSource* const other : others)
-    collector.Add(other->Name(), other->Name(), [&] { return other->Sets(); });
+    collector.Add(other->Name(), other->Name(), [&] { return other->Sets(); }, true);
   return collector.Take();
 }
 

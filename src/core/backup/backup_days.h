@@ -25,6 +25,7 @@ class SetSource {
 struct BackupDay {
   std::string place;  ///< where the set is kept, in words
   BackupSet set;
+  bool elsewhere = false;  ///< beyond this machine: `set.folder` is what it is called there
 };
 struct BackupDays {
   std::vector<BackupDay> days;          ///< the latest first

@@ -203,15 +203,18 @@ std::optional<DateTime> TimeOfSet(std::string_view name) {
   return ParseDateTime(made.ToText());
 }
 
+DateTime LocalOf(const DateTime& moment) {
+  const std::tm tm = platform::LocalTime(static_cast<std::time_t>(moment.SecondNumber()));
+  return {tm.tm_year + 1900, tm.tm_mon + 1, tm.tm_mday, tm.tm_hour, tm.tm_min, tm.tm_sec};
+}
+
 DateTime MomentOf(const DateTime& local) {
   if (local.year < 1971) return local;  // of which nobody knows when it was made
   const std::int64_t wanted = local.SecondNumber();
   std::int64_t moment = wanted;
   // Twice, where the clocks are changed between the first guess and the answer.
   for (int i = 0; i < 2; ++i) {
-    const std::tm tm = platform::LocalTime(static_cast<std::time_t>(moment));
-    const DateTime shown{tm.tm_year + 1900, tm.tm_mon + 1, tm.tm_mday, tm.tm_hour, tm.tm_min, tm.tm_sec};
-    moment += wanted - shown.SecondNumber();
+    moment += wanted - LocalOf(FromSecondNumber(moment)).SecondNumber();
   }
   return FromSecondNumber(moment);
 }

@@ -31,6 +31,8 @@ std::vector<std::filesystem::path> PhotosIn(const std::filesystem::path& folder)
 
 /// A local time of this machine as that of everywhere, so that sets of another time zone stand in their order.
 DateTime MomentOf(const DateTime& local);
+/// The other way.
+DateTime LocalOf(const DateTime& moment);
 
 struct BackupSet {
   std::filesystem::path folder;

@@ -54,12 +54,36 @@ void FetchReportsOf(CloudRun& run, AdminRow& row) {
   run.Say(fmt::format("Downloading Reports From {}", row.AcctNum));
   const std::string folder = FoldersOf(run, row.AcctNum).reports;
   const fs::path target = DataFolders(run.session.DataFolder).downloadAdminReports / row.AcctNum;
-  for (const RemoteFile& file : ListFiles(run, folder, [](const std::string& name) {
-         return IsPlainName(name) && !name.ends_with(".part");
-       })) {
+  for (const RemoteFile& file : ListFiles(run, folder, IsCloudReport)) {
     Download(run, folder, file, target / file.name);
     ++row.files;
   }
+}
+
+Result<std::vector<AdminRow>> RowsOf(const Session& session, const std::vector<std::string>& accounts) {
+  std::vector<AdminRow> rows;
+  for (const std::string& account : accounts) {
+    if (auto plain = RequirePlainName(account, "ACCOUNT"); !plain) return std::unexpected(plain.error());
+    if (std::ranges::find(rows, account, &AdminRow::AcctNum) == rows.end())
+      rows.push_back({.AcctNum = account, .Facility = FacilityOf(session, account)});
+  }
+  return rows;
+}
+
+// Those of the share list.
+Result<std::vector<AdminRow>> RowsOfAll(const Session& session) {
+  const auto accounts = RequireSharedAccounts(session);
+  if (!accounts) return std::unexpected(accounts.error());
+  std::vector<AdminRow> rows;
+  for (const SharedAccount& account : *accounts)
+    rows.push_back({.AcctNum = account.AcctNum, .Facility = account.Facility});
+  return rows;
+}
+
+// "3 Reports deleted", and of how many accounts that failed.
+std::string Counted(const std::string& ending, const std::vector<AdminRow>& rows) {
+  const auto failed = std::ranges::count(rows, false, &AdminRow::done);
+  return failed == 0 ? ending : fmt::format("{} ({} of {} accounts failed)", ending, failed, rows.size());
 }
 
 RemoteFile LatestBackup(CloudRun& run, const std::string& folder, const std::string& account) {
@@ -108,7 +132,8 @@ void SendTo(CloudRun& run, AdminRow& row, const fs::path& file, const std::strin
   run.Say("Uploading an Admin Data File to User's Backup Folder");
   const RemoteFolders folders = FoldersOf(run, row.AcctNum);
   run.RequireFolder(folders.backups);
-  const FileProof sent = Upload(run, file, folders.backups, name, "Unable to delete ");
+  FileProof sent;
+  const std::string part = BringUp(run, file, folders.backups, name, &sent);
   if (photos) {
     run.EnsureFolder(folders.backupPhotos);
     for (const fs::path& photo : PhotosIn(photoFolder)) {
@@ -116,6 +141,7 @@ void SendTo(CloudRun& run, AdminRow& row, const fs::path& file, const std::strin
       ++row.photos;
     }
   }
+  Place(run, folders.backups, part, name, "Unable to delete ");
   row.files = 1;
   run.Log(fmt::format("{} uploaded to: {} ({} bytes)", name, folders.backups, sent.bytes));
 }
@@ -124,15 +150,70 @@ void SendTo(CloudRun& run, AdminRow& row, const fs::path& file, const std::strin
 
 Result<AdminRun> FetchUserReports(CloudDesk& desk) {
   if (auto may = MayAdminister(desk.session); !may) return std::unexpected(may.error());
-  const auto accounts = RequireSharedAccounts(desk.session);
-  if (!accounts) return std::unexpected(accounts.error());
+  auto rows = RowsOfAll(desk.session);
+  if (!rows) return std::unexpected(rows.error());
   CloudRun run(desk, CloudTask::CloudUtilityReportViewer);
   AdminRun done;
-  for (const SharedAccount& account : *accounts) done.rows.push_back({.AcctNum = account.AcctNum, .Facility = account.Facility});
+  done.rows = *std::move(rows);
   done.outcome = run.Run([&] {
     run.Connect(true);
     ForEach(run, done.rows, [&](AdminRow& row) { FetchReportsOf(run, row); });
-    return std::string("User Reports Acquired.");
+    return Counted("User Reports Acquired.", done.rows);
+  });
+  return done;
+}
+
+Result<AdminRun> ListUserReports(CloudDesk& desk, const std::string& account) {
+  if (auto may = MayAdminister(desk.session); !may) return std::unexpected(may.error());
+  auto rows = account.empty() ? RowsOfAll(desk.session) : RowsOf(desk.session, {account});
+  if (!rows) return std::unexpected(rows.error());
+  CloudRun run(desk, CloudTask::CloudUtilityReport_DeleteFiles);
+  AdminRun done;
+  done.rows = *std::move(rows);
+  done.outcome = run.Run([&] {
+    run.Connect(true);
+    ForEach(run, done.rows, [&](AdminRow& row) {
+      run.Say("Retrieving " + row.AcctNum);
+      for (const RemoteFile& file : ListFiles(run, FoldersOf(run, row.AcctNum).reports, IsCloudReport)) {
+        done.reports.push_back({row.AcctNum, file});
+        ++row.files;
+      }
+    });
+    return Counted(fmt::format("{} Reports are on file in the User Accounts", done.reports.size()), done.rows);
+  });
+  return done;
+}
+
+Result<AdminRun> DeleteUserReports(CloudDesk& desk, const std::vector<AccountReport>& reports) {
+  if (auto may = MayAdminister(desk.session); !may) return std::unexpected(may.error());
+  std::vector<std::string> accounts;
+  for (const AccountReport& report : reports) {
+    if (!IsCloudReport(report.file.name))
+      return Refuse("Cloud Reports", fmt::format("{} is no report.", report.file.name), "NAME");
+    accounts.push_back(report.AcctNum);
+  }
+  auto rows = RowsOf(desk.session, accounts);
+  if (!rows) return std::unexpected(rows.error());
+  CloudRun run(desk, CloudTask::CloudUtilityReport_DeleteFiles);
+  AdminRun done;
+  done.rows = *std::move(rows);
+  done.outcome = run.Run([&] {
+    int deleted = 0;
+    run.Connect(true);
+    ForEach(run, done.rows, [&](AdminRow& row) {
+      run.Say("Deleting Reports of " + row.AcctNum);
+      const std::string folder = FoldersOf(run, row.AcctNum).reports;
+      run.RequireFolder(folder);
+      for (const AccountReport& report : reports) {
+        if (report.AcctNum != row.AcctNum) continue;
+        const std::string& name = report.file.name;
+        run.Step("Unable to delete " + name, [&] { run.ftp.Delete(RemotePath(folder, name)); });
+        run.Log(fmt::format("Deleted: {} of {}", name, row.AcctNum));
+        ++row.files;
+        ++deleted;
+      }
+    });
+    return Counted(fmt::format("{} Reports deleted", deleted), done.rows);
   });
   return done;
 }
@@ -166,10 +247,11 @@ std::vector<std::vector<std::string>> ReadUserReport(const fs::path& file) {
 
 Result<AdminRun> FetchUserDataFile(CloudDesk& desk, const std::string& account, bool photos) {
   if (auto may = MayAdminister(desk.session); !may) return std::unexpected(may.error());
-  if (auto plain = RequirePlainName(account, "ACCOUNT"); !plain) return std::unexpected(plain.error());
+  auto rows = RowsOf(desk.session, {account});
+  if (!rows) return std::unexpected(rows.error());
   CloudRun run(desk, CloudTask::CloudUtilityDataFileManager);
   AdminRun done;
-  done.rows.push_back({.AcctNum = account, .Facility = FacilityOf(desk.session, account)});
+  done.rows = *std::move(rows);
   done.outcome = run.Run([&] {
     run.Connect(true);
     ForEach(run, done.rows, [&](AdminRow& row) {
@@ -195,15 +277,15 @@ Result<AdminRun> SendDataFile(CloudDesk& desk, const fs::path& file, const std::
                               bool photos) {
   if (auto may = MayAdminister(desk.session); !may) return std::unexpected(may.error());
   if (accounts.empty()) return Refuse("Select Users", "Select a User account.", "ACCOUNT");
-  for (const std::string& account : accounts)
-    if (auto plain = RequirePlainName(account, "ACCOUNT"); !plain) return std::unexpected(plain.error());
+  auto rows = RowsOf(desk.session, accounts);
+  if (!rows) return std::unexpected(rows.error());
   std::error_code ignored;
   if (!fs::is_regular_file(file, ignored) || !Database::IsDatabaseFile(file))
     return Refuse("Data File", fmt::format("{} is no Data File.", file.string()), "FILE");
   const bool one = accounts.size() == 1;
   CloudRun run(desk, one ? CloudTask::CloudUtilitiesDataFileUpload : CloudTask::CloudUtilitiesDataFileUpload_SelectUsers);
   AdminRun done;
-  for (const std::string& account : accounts) done.rows.push_back({.AcctNum = account, .Facility = FacilityOf(desk.session, account)});
+  done.rows = *std::move(rows);
   done.outcome = run.Run([&] {
     const std::string name = fmt::format("Admin_VKDataFile_{}.vkd", CloudStamp(desk.session.clock.Now()));
     run.Connect(true);
@@ -213,7 +295,7 @@ Result<AdminRun> SendDataFile(CloudDesk& desk, const fs::path& file, const std::
     });
     if (sent != file) fs::remove(sent, ignored);
     return one ? std::string("Data File uploaded to User's Cloud Backup folder.")
-               : fmt::format("{} was upload to selected User(s) Cloud Backup folder", name);
+               : Counted(fmt::format("{} was upload to selected User(s) Cloud Backup folder", name), done.rows);
   });
   return done;
 }

@@ -19,10 +19,16 @@ struct AdminRow {
   int files = 0;
   int photos = 0;
 };
+/// A report at the host, in the account that sent it.
+struct AccountReport {
+  std::string AcctNum;
+  RemoteFile file;
+};
 struct AdminRun {
   CloudOutcome outcome;
   std::vector<AdminRow> rows;
-  std::filesystem::path dataFile;  ///< that was fetched
+  std::filesystem::path dataFile;       ///< that was fetched
+  std::vector<AccountReport> reports;  ///< that were listed, by account and name
 };
 
 /// The reports of every account of the share list, each into a folder of its own.
@@ -35,6 +41,11 @@ struct UserReport {
 std::vector<UserReport> UserReportsHere(const Session& session);
 /// The cells of a report, row by row. Throws Failure.
 std::vector<std::vector<std::string>> ReadUserReport(const std::filesystem::path& file);
+
+/// The reports that stand at the host, of every account of the share list or of one.
+Result<AdminRun> ListUserReports(CloudDesk& desk, const std::string& account = {});
+/// Removes these at the host. What lies here of them stays.
+Result<AdminRun> DeleteUserReports(CloudDesk& desk, const std::vector<AccountReport>& reports);
 
 /// The latest backup of an account.
 Result<AdminRun> FetchUserDataFile(CloudDesk& desk, const std::string& account, bool photos);

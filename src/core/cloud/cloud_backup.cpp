@@ -8,6 +8,7 @@
 #include "core/backup/backup_set.h"
 #include "core/base/files.h"
 #include "core/base/text.h"
+#include "core/cloud/cloud_sets.h"
 #include "core/cloud/share_file.h"
 #include "core/cloud/transfer.h"
 #include "core/datafile/databases.h"
@@ -31,10 +32,6 @@ std::vector<fs::path> SupportFilesOf(const Session& session) {
   return files;
 }
 
-fs::path PhotoFolder(const Session& session) {
-  return fs::path(session.DataFileName).parent_path() / kPhotoFolderOfSet;
-}
-
 std::size_t CountBackups(CloudRun& run) {
   return ListFiles(run, run.Folders().backups, [](const std::string& name) { return IsCloudBackup(name); }).size();
 }
@@ -50,7 +47,7 @@ std::size_t CountBackups(CloudRun& run) {
 // The files of one task in "Cloud Uploads". They go with the object, whatever became of it.
 class Staged {
  public:
-  explicit Staged(const Session& session) : folders_(session.DataFolder) {}
+  explicit Staged(const Session& session) : folders(session.DataFolder) {}
   ~Staged() {
     std::error_code ignored;
     for (const fs::path& file : files_) fs::remove(file, ignored);
@@ -58,13 +55,24 @@ class Staged {
   Staged(const Staged&) = delete;
   Staged& operator=(const Staged&) = delete;
 
-  fs::path Place(const std::string& name) {
-    files_.push_back(folders_.cloudUploads / name);
+  fs::path Place(const std::string& name) { return Place(folders.cloudUploads, name); }
+  fs::path Place(const fs::path& folder, const std::string& name) {
+    files_.push_back(folder / name);
     return files_.back();
   }
+  /// A copy, so that what goes up is what it was when the task began.
+  fs::path Copy(const fs::path& file, const fs::path& folder, const std::string& name) {
+    MakeFolder(folder);
+    const fs::path copy = Place(folder, name);
+    std::error_code error;
+    fs::copy_file(file, copy, fs::copy_options::overwrite_existing, error);
+    if (error) throw Failure(file.string(), error.message());
+    return copy;
+  }
+
+  const DataFolders folders;
 
  private:
-  DataFolders folders_;
   std::vector<fs::path> files_;
 };
 
@@ -104,43 +112,55 @@ SetProof NewProof(const Session& session, const std::string& name) {
   return {name, now, MomentOf(now), VELLUMARK_VERSION, session.UMI, {}, {}};
 }
 
-void SendSupportFiles(CloudRun& run, Upward& upward, const std::string& name) {
+// A copy of a photo, and the photo's own name.
+struct StagedPhoto {
+  fs::path file;
+  std::string name;
+};
+
+std::vector<StagedPhoto> StagePhotos(CloudRun& run, Staged& staged, const fs::path& folder, const std::string& prefix) {
+  run.Say("Creating Photo Backup Copies");
+  std::vector<StagedPhoto> photos;
+  for (const fs::path& photo : PhotosIn(fs::path(run.session.DataFileName).parent_path() / kPhotoFolderOfSet)) {
+    const std::string name = photo.filename().string();
+    photos.push_back({staged.Copy(photo, folder, prefix + name), name});
+  }
+  return photos;
+}
+
+void SendSupportFiles(CloudRun& run, Upward& upward, const std::vector<fs::path>& files, const std::string& name) {
   run.Say("Uploading support files to Cloud");
-  const std::vector<fs::path> files = SupportFilesOf(run.session);
   for (const fs::path& file : files)
     upward.Send(file, run.Folders().backupSupportFiles, SupportPrefix(name) + file.filename().string(),
                 fmt::format("{}/{}", kSupportFolder, file.filename().string()), "Unable to delete ");
   run.Log(fmt::format("{} support files uploaded to: {}", files.size(), run.Folders().backupSupportFiles));
 }
 
-void SendBackupPhotos(CloudRun& run, Upward& upward, const std::string& name) {
+void SendBackupPhotos(CloudRun& run, Upward& upward, const std::vector<StagedPhoto>& photos, const std::string& name) {
   run.Say("Uploading Backup Design Photos to Cloud");
-  const std::vector<fs::path> photos = PhotosIn(PhotoFolder(run.session));
-  for (const fs::path& photo : photos)
-    upward.Send(photo, run.Folders().backupPhotos, PhotoPrefix(name) + photo.filename().string(),
-                fmt::format("{}/{}", kPhotoFolderOfSet, photo.filename().string()), "Unable to delete ");
+  for (const StagedPhoto& photo : photos)
+    upward.Send(photo.file, run.Folders().backupPhotos, PhotoPrefix(name) + photo.name,
+                fmt::format("{}/{}", kPhotoFolderOfSet, photo.name), "Unable to delete ");
   run.Log(fmt::format("{} photos uploaded to: {}", photos.size(), run.Folders().backupPhotos));
 }
 
 // Those that went up before and are not here any more go.
-void SendSharePhotos(CloudRun& run, Upward& upward) {
+void SendSharePhotos(CloudRun& run, Upward& upward, const std::vector<StagedPhoto>& photos) {
   run.Say("Uploading Share Design Photos to Cloud");
   const std::string& folder = run.Folders().sharePhotos;
-  const std::vector<fs::path> photos = PhotosIn(PhotoFolder(run.session));
   int deleted = 0;
   for (const RemoteFile& old : ListFiles(run, folder, IsPhoto)) {
     run.Step("Unable to delete " + old.name, [&] { run.ftp.Delete(RemotePath(folder, old.name)); });
     ++deleted;
   }
   run.Log(fmt::format("{} old share photos deleted from: {}", deleted, folder));
-  for (const fs::path& photo : photos)
-    upward.Send(photo, folder, photo.filename().string(),
-                fmt::format("{}/{}", kPhotoFolderOfSet, photo.filename().string()), "Unable to delete ");
+  for (const StagedPhoto& photo : photos)
+    upward.Send(photo.file, folder, photo.name, fmt::format("{}/{}", kPhotoFolderOfSet, photo.name), "Unable to delete ");
   run.Log(fmt::format("{} photos uploaded to: {}", photos.size(), folder));
 }
 
 // The file has its name before its proof: one without is read as one that an older program made.
-void SendShare(CloudRun& run, Staged& staged, const fs::path& whole, bool photos) {
+void SendShare(CloudRun& run, Staged& staged, const fs::path& whole, const std::optional<std::vector<StagedPhoto>>& photos) {
   const std::string name = run.Settings().AcctNum + ".vkd";
   const std::string& folder = run.Folders().shareDataFile;
   run.Say("Preparing Backup File for Upload");
@@ -152,15 +172,29 @@ void SendShare(CloudRun& run, Staged& staged, const fs::path& whole, bool photos
   FileProof sent;
   const std::string part = BringUp(run, share, folder, name, &sent);
   proof.files.insert(proof.files.begin(), sent);
-  if (photos) SendSharePhotos(run, upward);
+  if (photos) SendSharePhotos(run, upward, *photos);
   const std::string told = RemotePath(folder, ProofName(name));
   if (run.ftp.Size(told)) run.Step("Unable to delete " + ProofName(name), [&] { run.ftp.Delete(told); });
   Place(run, folder, part, name, std::string(kCannotDeleteShare));
   UploadBytes(run, ProofText(proof), folder, ProofName(name), "Unable to delete ");
 }
 
+// What a backup consists of besides its Data File.
+struct BackupParts {
+  std::vector<fs::path> support;
+  std::optional<std::vector<StagedPhoto>> photos;
+};
+
+BackupParts StageParts(CloudRun& run, Staged& staged, const std::string& name, bool photos) {
+  BackupParts parts;
+  if (photos) parts.photos = StagePhotos(run, staged, staged.folders.uploadPhotosBackup, PhotoPrefix(name));
+  for (const fs::path& file : SupportFilesOf(run.session))
+    parts.support.push_back(staged.Copy(file, staged.folders.uploadSupportFiles, file.filename().string()));
+  return parts;
+}
+
 // The Data File gets its name when everything that belongs to it is up.
-void SendBackup(CloudRun& run, const fs::path& whole, const std::string& name, SetProof& proof, bool photos) {
+void SendBackup(CloudRun& run, const fs::path& whole, const std::string& name, SetProof& proof, const BackupParts& parts) {
   const std::string& folder = run.Folders().backups;
   run.Say("Uploading Backup File to Cloud");
   FileProof sent;
@@ -168,8 +202,8 @@ void SendBackup(CloudRun& run, const fs::path& whole, const std::string& name, S
   proof.files.insert(proof.files.begin(), sent);
   Upward upward(run, proof);
   try {
-    SendSupportFiles(run, upward, name);
-    if (photos) SendBackupPhotos(run, upward, name);
+    SendSupportFiles(run, upward, parts.support, name);
+    if (parts.photos) SendBackupPhotos(run, upward, *parts.photos, name);
     UploadBytes(run, ProofText(proof), folder, ProofName(name), "Unable to delete ");
     upward.Told(RemotePath(folder, ProofName(name)));
     Place(run, folder, part, name, "Unable to delete ");
@@ -316,20 +350,22 @@ Result<CloudBackupMade> BackUpToCloud(CloudDesk& desk, bool photos) {
     run.Say("Creating Backup File");
     const fs::path whole = staged.Place(made.name);
     CopyOpenFile(session, whole);
+    const BackupParts parts = StageParts(run, staged, made.name, photos);
     SetProof proof = NewProof(session, made.name);
     proof.content = ProveContent(session, whole);
     made.sound = proof.content.Sound();
     for (const std::string& fault : proof.content.faults) run.Log(fmt::format("The Data File is not sound: {}", fault));
-    SendBackup(run, whole, made.name, proof, photos);
-    SendShare(run, staged, whole, photos);
+    SendBackup(run, whole, made.name, proof, parts);
+    SendShare(run, staged, whole, parts.photos);
     made.onFile = CountBackups(run);
-    run.Log(fmt::format("{} Backups are now on file in the Cloud account", made.onFile));
-    if (made.onFile >= kMostCloudBackups) run.Log("Use Manage Cloud Backups to delete extras");
+    std::string ending = fmt::format("Cloud Backup Complete\n{} Backups are now on file in the Cloud account", made.onFile);
+    if (made.onFile >= kMostCloudBackups) ending += "\nUse Manage Cloud Backups to delete extras";
     CloudSettings settings = ReadCloudSettings(session);
     settings.LastBackup = session.clock.Now();
     settings.LastProven = made.sound ? made.name : settings.LastProven;
     WriteCloudSettings(session, settings);
-    return std::string("Cloud Backup Complete");
+    KeepCloudSet(session, made.name, ProofText(proof));
+    return ending;
   });
   if (made.outcome.refused) return std::unexpected(*made.outcome.refused);
   return made;
@@ -345,7 +381,9 @@ Result<CloudOutcome> ShareToCloud(CloudDesk& desk, bool photos) {
     run.Say("Creating Backup File");
     const fs::path whole = staged.Place(NameOf(desk.session, run.Settings()));
     CopyOpenFile(desk.session, whole);
-    SendShare(run, staged, whole, photos);
+    std::optional<std::vector<StagedPhoto>> copies;
+    if (photos) copies = StagePhotos(run, staged, staged.folders.uploadPhotosShare, {});
+    SendShare(run, staged, whole, copies);
     return std::string("Share File uploaded to Cloud");
   });
 }
@@ -383,6 +421,7 @@ Result<CloudOutcome> DeleteCloudBackups(CloudDesk& desk, const std::vector<std::
     const std::vector<RemoteFile> support = EverythingIn(run, run.Folders().backupSupportFiles);
     const std::vector<RemoteFile> photos = EverythingIn(run, run.Folders().backupPhotos);
     for (const std::string& name : names) DeleteOne(run, name, support, photos);
+    ForgetCloudSets(desk.session, names);
     return fmt::format("{} Backups are now on file in the Cloud account", CountBackups(run));
   });
   if (outcome.refused) return std::unexpected(*outcome.refused);

@@ -11,14 +11,6 @@
 
 namespace vellumark {
 
-namespace {
-
-bool IsReport(const std::string& name) {
-  return IsPlainName(name) && name.size() > 4 && EqualNoCase(std::string_view(name).substr(name.size() - 4), ".txt");
-}
-
-}  // namespace
-
 bool CloudReady(const Session& session) {
   return RequireCloud(session).has_value();
 }
@@ -38,13 +30,18 @@ std::string CloudReportName(const Session& session, const std::string& title) {
 
 Result<CloudOutcome> UploadReport(CloudDesk& desk, const std::string& given, const std::string& text) {
   if (auto ready = RequireCloud(desk.session); !ready) return std::unexpected(ready.error());
-  const std::string name = IsReport(given) ? given : given + ".txt";
+  const std::string name = IsCloudReport(given) ? given : given + ".txt";
   if (auto plain = RequirePlainName(name, "NAME"); !plain) return std::unexpected(plain.error());
   CloudRun run(desk, CloudTask::CloudReportUploadForm);
   const std::filesystem::path here = DataFolders(desk.session.DataFolder).cloudUploads / name;
   ReplaceFile(here, text, Readers::Group);
   CloudOutcome outcome = run.Run([&] {
-    run.Connect();
+    try {
+      run.Connect();
+    } catch (const FtpFailure&) {
+      run.Log(fmt::format("Unable to connect to upload {}", name));
+      throw;
+    }
     run.EnsureTree();
     run.Say("Uploading Report to Cloud");
     Upload(run, here, run.Folders().reports, name, "Unable to delete ");
@@ -67,7 +64,7 @@ Result<CloudFileList> ListCloudReports(CloudDesk& desk) {
   list.outcome = run.Run([&] {
     run.Connect();
     run.Say("Retrieving");
-    list.files = ListFiles(run, run.Folders().reports, IsReport);
+    list.files = ListFiles(run, run.Folders().reports, IsCloudReport);
     return fmt::format("{} Reports are on file in the Cloud account", list.files.size());
   });
   return list;

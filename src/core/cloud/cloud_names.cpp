@@ -85,6 +85,10 @@ bool IsAdminFile(std::string_view name) {
   return EndsWithNoCase(name, kExtension) && StartsWithNoCase(name, kAdminFile) && IsPlainName(name);
 }
 
+bool IsCloudReport(std::string_view name) {
+  return name.size() > 4 && EndsWithNoCase(name, ".txt") && IsPlainName(name);
+}
+
 std::string PhotoPrefix(std::string_view backup) {
   return std::string(backup.substr(0, backup.rfind('.'))) + "_DP_";
 }

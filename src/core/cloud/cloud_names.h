@@ -45,6 +45,8 @@ std::string CloudBackupName(const std::string& word, const DateTime& time);
 /// Whether a name is that of a backup: "*Backup*.vkd", or what an administrator sent.
 bool IsCloudBackup(std::string_view name);
 bool IsAdminFile(std::string_view name);
+/// Whether a name is that of a report: a text.
+bool IsCloudReport(std::string_view name);
 /// The names that belong to a backup begin with these: "INKROOM_Backup_…_DP_", "…_SUV_".
 std::string PhotoPrefix(std::string_view backup);
 std::string SupportPrefix(std::string_view backup);

@@ -32,6 +32,8 @@ constexpr std::array kTasks{
                  "Inventory from Shared Users", "_SharedUsers_Inventory_SpecificColor_Log.txt"},
     CloudTaskRow{CloudUtilityReportViewer, "CloudUtilityReportViewer", "Cloud - Reports Download",
                  "Cloud Reports from User Accounts", "_Admin_CloudReportsDownload_Log.txt"},
+    CloudTaskRow{CloudUtilityReport_DeleteFiles, "CloudUtilityReport_DeleteFiles", "Cloud - User Reports",
+                 "Reports in User Accounts", "_Admin_CloudReportsDelete_Log.txt"},
     CloudTaskRow{CloudUtilityDataFileManager, "CloudUtilityDataFileManager", "Cloud - User Data File Download",
                  "Download Data Files from User Accounts", "_Admin_CloudUserDataFileDownload_Log.txt"},
     CloudTaskRow{CloudUtilitiesDataFileUpload, "CloudUtilitiesDataFileUpload", "Cloud - User Data File Upload",
@@ -88,8 +90,8 @@ CloudOutcome CloudRun::Run(const std::function<std::string()>& work) {
   try {
     const std::string ending = work();
     outcome_.done = true;
-    outcome_.ending = {ending};
-    Log(ending);
+    for (const std::string_view line : Split(ending, '\n')) outcome_.ending.emplace_back(line);
+    for (const std::string& line : outcome_.ending) Log(line);
   } catch (const FtpFailure& failure) {
     outcome_.cancelled = failure.kind == FtpFailure::Kind::Cancelled;
     using enum FtpFailure::Kind;
@@ -113,7 +115,8 @@ CloudOutcome CloudRun::Run(const std::function<std::string()>& work) {
   try {
     if (connected_) ftp.Disconnect();
   } catch (const FtpFailure& failure) {
-    Log(fmt::format("Unable to disconnect from ftp server: {}", failure.cause));
+    const bool report = task_ == CloudTask::CloudReportUploadForm;
+    Log(fmt::format("{}: {}", report ? "Unable to log out of server" : "Unable to disconnect from ftp server", failure.cause));
   }
   WriteLog();
   return outcome_;
@@ -176,6 +179,9 @@ void CloudRun::Step(const std::string& what, const std::function<void()>& step) 
   } catch (const FtpFailure& failure) {
     if (failure.kind != FtpFailure::Kind::Cancelled) Log(fmt::format("{}: {}", what, failure.cause));
     throw FtpFailure(failure.kind, what, failure.cause, failure.reason);
+  } catch (const Failure& failure) {
+    Log(fmt::format("{}: {}: {}", what, failure.subject, failure.cause));
+    throw;
   }
 }
 
@@ -210,15 +216,24 @@ std::string CloudRun::LogName() const {
 }
 
 void CloudRun::WriteLog() {
-  outcome_.log = DataFolders(session.DataFolder).cloudLogFiles / (settings_.AcctNum.empty() ? LogName().substr(1) : LogName());
-  ReplaceFile(outcome_.log, fmt::format("{}\r\n", fmt::join(outcome_.lines, "\r\n")), Readers::Group);
+  const fs::path file = DataFolders(session.DataFolder).cloudLogFiles / (settings_.AcctNum.empty() ? LogName().substr(1) : LogName());
+  try {
+    ReplaceFile(file, fmt::format("{}\r\n", fmt::join(outcome_.lines, "\r\n")), Readers::Group);
+    outcome_.log = file;
+  } catch (const Failure& failure) {
+    // What became of the task is worth more than its log.
+    outcome_.log.clear();
+    Log(fmt::format("{}: {}", failure.subject, failure.cause));
+  }
 }
 
 void CloudRun::SendLog() {
   Say("Uploading Log File to Cloud");
   WriteLog();
+  if (outcome_.log.empty()) return Log(fmt::format("Local Cloud Log file: {} not found.", LogName()));
   try {
-    EnsureFolder(folders_.logFiles);
+    // Of a shop whose first task is not a backup nothing is there yet.
+    if (!known_.contains(folders_.logFiles) && !ftp.FolderExists(folders_.logFiles)) EnsureTree();
     UploadBytes(*this, ReadFileBytes(outcome_.log), folders_.logFiles, LogName(), "Unable to delete remote file ");
     Log(fmt::format("Local Cloud Log file upload: {}", LogName()));
   } catch (const Failure& failure) {

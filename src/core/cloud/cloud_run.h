@@ -31,6 +31,7 @@ enum class CloudTask {
   CloudInvReport,
   CloudInvReport_SpecificColor,
   CloudUtilityReportViewer,
+  CloudUtilityReport_DeleteFiles,
   CloudUtilityDataFileManager,
   CloudUtilitiesDataFileUpload,
   CloudUtilitiesDataFileUpload_SelectUsers,
@@ -59,7 +60,7 @@ struct CloudOutcome {
   std::optional<Refusal> refused;   ///< a rule that stopped it once it was connected
   std::vector<std::string> ending;  ///< the last lines of the window: the success, or what failed and what to do
   std::vector<std::string> lines;   ///< the log
-  std::filesystem::path log;        ///< where it was written
+  std::filesystem::path log;        ///< where it was written; empty when it could not be
   std::string Text() const;
 };
 

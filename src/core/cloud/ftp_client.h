@@ -95,7 +95,7 @@ class FtpFailure : public Failure {
 struct RemoteFile {
   std::string name;
   std::int64_t size = 0;
-  std::optional<DateTime> date;  ///< in UTC, to the minute where the host tells no more
+  std::optional<DateTime> date{};  ///< in UTC, to the minute where the host tells no more
   bool folder = false;
 };
 

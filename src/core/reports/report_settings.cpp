@@ -196,9 +196,11 @@ void SaveReportSort(Session& session, const ReportDefinition& report, const Repo
 }
 
 void ReadColumnWidths(const Session& session, const ReportDefinition& report, std::vector<TableColumn>& columns) {
+  constexpr int kUntouched = 1935;  // of a Database in new settings, which cuts one that tells more than its name
   for (std::size_t i = 0; i < columns.size(); ++i) {
     const int width = Whole(session, WidthKey(report, i), 0);
-    if (width > 0 && columns[i].width > 0) columns[i].width = width;
+    if (width > 0 && columns[i].width > 0 && (width != kUntouched || columns[i].width < kUntouched))
+      columns[i].width = width;
   }
 }
 

@@ -152,27 +152,27 @@ Result<void> CheckName(const std::string& name) {
 
 }  // namespace
 
-std::vector<SavedReport> ReadSavedReports(const Session& session) {
+std::vector<SavedReport> ReadSavedReports(const Session& session, ReportFinder finder) {
   std::vector<SavedReport> reports;
   for (int i = 0; i < setting::SavedReport.count; ++i) {
     SavedReport saved = FromText(GetSetting(session, setting::SavedReport[i]));
-    if (!saved.name.empty() && FindReport(saved.key) != nullptr) reports.push_back(std::move(saved));
+    if (!saved.name.empty() && finder(saved.key) != nullptr) reports.push_back(std::move(saved));
   }
   std::ranges::sort(reports, [](const auto& a, const auto& b) { return CompareNoCase(a.name, b.name) < 0; });
   return reports;
 }
 
-std::optional<SavedReport> FindSavedReport(const Session& session, std::string_view name) {
-  for (SavedReport& saved : ReadSavedReports(session))
+std::optional<SavedReport> FindSavedReport(const Session& session, std::string_view name, ReportFinder finder) {
+  for (SavedReport& saved : ReadSavedReports(session, finder))
     if (EqualNoCase(saved.name, TrimView(name))) return std::move(saved);
   return std::nullopt;
 }
 
-Result<void> SaveReport(Session& session, const SavedReport& report) {
+Result<void> SaveReport(Session& session, const SavedReport& report, ReportFinder finder) {
   SavedReport saved = report;
   saved.name = Trim(report.name);
   if (auto named = CheckName(saved.name); !named) return named;
-  const ReportDefinition* definition = FindReport(saved.key);
+  const ReportDefinition* definition = finder(saved.key);
   if (definition == nullptr) return RefuseSaving(fmt::format("There is no report {}.", saved.key));
   saved.key = definition->key;
   const auto place = PlaceOf(session, saved.name, true);

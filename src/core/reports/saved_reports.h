@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "core/reports/build.h"
+#include "core/reports/catalogue.h"
 
 namespace vellumark {
 
@@ -24,11 +25,14 @@ struct SavedReport {
   std::string filter{};
 };
 
-/// Those on file, by name. One that names no report of the catalogue is passed over.
-std::vector<SavedReport> ReadSavedReports(const Session& session);
-std::optional<SavedReport> FindSavedReport(const Session& session, std::string_view name);
+/// Who knows the reports: the catalogue, or a room that has more of them.
+using ReportFinder = const ReportDefinition* (*)(std::string_view key);
+
+/// Those on file, by name. One whose report nobody knows is passed over.
+std::vector<SavedReport> ReadSavedReports(const Session& session, ReportFinder finder = FindReport);
+std::optional<SavedReport> FindSavedReport(const Session& session, std::string_view name, ReportFinder finder = FindReport);
 /// Under its name, in the place of one that has it. Refuses a name that cannot be kept, and the 101st.
-Result<void> SaveReport(Session& session, const SavedReport& report);
+Result<void> SaveReport(Session& session, const SavedReport& report, ReportFinder finder = FindReport);
 /// Refuses a name that another one has.
 Result<void> RenameSavedReport(Session& session, std::string_view name, std::string_view newName);
 Result<void> DeleteSavedReport(Session& session, std::string_view name);

@@ -186,6 +186,8 @@ constexpr WayIn kCommands[] = {
     {"cloud delete-report", Act::BackUp},
     {"cloud report-upload", Act::Look},
     {"cloud admin reports", Act::BackUp},
+    {"cloud admin report-list", Act::BackUp},
+    {"cloud admin delete-report", Act::BackUp},
     {"cloud admin data-file", Act::BackUp},
     {"cloud admin send", Act::BackUp},
     {"cloud admin default-file", Act::Options},
@@ -227,6 +229,7 @@ constexpr WayIn kWindows[] = {
     {"ImportColumnsForm", Act::ImportFormulas},
     {"DBImport_Formulas", Act::ImportFormulas},
     {"ImportCompareFormulasForm", Act::Look},
+    {"ImportCompareCloudFormulas", Act::Look},
     // Databases and Data Files.
     {"NewDBForm", Act::Databases},
     {"RenameDBForm", Act::Databases},
@@ -262,6 +265,7 @@ constexpr WayIn kWindows[] = {
     {"CloudInvReport", Act::Look},
     {"CloudInvReport_SpecificColor", Act::Look},
     {"CloudUtilityReportViewer", Act::BackUp},
+    {"CloudUtilityReport_DeleteFiles", Act::BackUp},
     {"CloudReportViewer_ExportLocation", Act::Look},
     {"CloudUtilityDataFileManager", Act::BackUp},
     {"CloudUtilitiesDataFileUpload_SelectUsers", Act::BackUp},
@@ -357,6 +361,7 @@ constexpr WayIn kWindows[] = {
     {"InkEstAniloxValueForm", Act::Look},
     {"DB_ImportExport_Designs", Act::Look},
     {"ImportExamineLocalFileDesign", Act::Look},
+    {"ImportExamineCloudDesign", Act::Look},
     {"ExportBatchesForm", Act::Look},
     {"ExportJobRecords", Act::Look},
     // Labels. Their layouts are settings.

@@ -7,6 +7,7 @@
 #include <QTreeWidget>
 #include <algorithm>
 
+#include "core/cloud/cloud_sets.h"
 #include "core/session/settings.h"
 #include "core/shell/backups.h"
 #include "core/shell/settings_restore.h"
@@ -32,6 +33,15 @@ QString TimeText(const DateTime& made) {
 QString ProofWords(const BackupSet& set) {
   if (!set.proof) return RestoreAutomaticForm::tr("not proven");
   return set.proof->content.Sound() ? RestoreAutomaticForm::tr("proven") : RestoreAutomaticForm::tr("has faults");
+}
+
+// Settings of the cloud that cannot be read hide no other day.
+bool HasCloud(const Session& session) {
+  try {
+    return RequireCloud(session).has_value();
+  } catch (const Failure&) {
+    return false;
+  }
 }
 
 }  // namespace
@@ -85,13 +95,32 @@ RestoreAutomaticForm::RestoreAutomaticForm(WindowList& windowList, QWidget* owne
   list_->setAllColumnsShowFocus(true);
   list_->setTabKeyNavigation(false);
   form.Wide(list_, 1);
-  BackupDays known = DaysToGoBackTo(session);
-  for (const std::string& unreadable : known.unreadable) QuietParagraph(form, Q(unreadable));
-  form.Buttons({continue_ = form.Button("cmdContinue", tr("C&ontinue")),
-                verify_ = form.Button("cmdVerify", tr("&Verify")), look_ = form.Button("cmdLook", tr("&Look into...")),
-                form.Button("cmdCancel", tr("Cancel"))});
+  notes_ = QuietParagraph(form, {}, "lblNotes");
+  CommandButton* cloud = form.Button("cmdCloud", tr("&Get from Cloud"));
+  form.Buttons({continue_ = form.Button("cmdContinue", tr("C&ontinue")), verify_ = form.Button("cmdVerify", tr("&Verify")),
+                look_ = form.Button("cmdLook", tr("&Look into...")), cloud, form.Button("cmdCancel", tr("Cancel"))});
   connect(list_, &QTreeWidget::currentItemChanged, this, [this] { Changed(); });
+  cloud->setVisible(windows.Knows("CloudRestoreFileList") && HasCloud(session));
+  ListDays();
+  list_->setFocus();
+  resize(800, 520);
+}
 
+void RestoreAutomaticForm::ListDays() {
+  CloudSets cloud(session);
+  SetSource* const others[]{&cloud};
+  const bool withCloud = HasCloud(session);
+  BackupDays known = DaysToGoBackTo(session, withCloud ? std::span<SetSource* const>(others) : std::span<SetSource* const>());
+  QStringList notes;
+  for (const std::string& unreadable : known.unreadable) notes += Q(unreadable);
+  if (const auto asked = withCloud ? cloud.Asked() : std::nullopt)
+    notes += tr("What the Cloud account has is told as of %1.").arg(TimeText(*asked));
+  else if (withCloud)
+    notes += tr("The Cloud account has not been asked yet which backups it has.");
+  notes_->setText(notes.join("\n"));
+  notes_->setVisible(!notes.isEmpty());
+
+  list_->clear();
   days_ = std::move(known.days);
   for (const BackupDay& day : days_) {
     const BackupSet& set = day.set;
@@ -100,33 +129,37 @@ RestoreAutomaticForm::RestoreAutomaticForm(WindowList& windowList, QWidget* owne
     auto* item = new QTreeWidgetItem(list_, {TimeText(set.made), Q(set.dataFile.filename().string()), count(held.Formulas()),
                                              count(held.Batches()), ProofWords(set), Q(day.place)});
     for (const int figure : {2, 3}) item->setTextAlignment(figure, Qt::AlignRight | Qt::AlignVCenter);
-    item->setToolTip(0, Q(set.folder.string()));
-    item->setToolTip(5, Q(set.folder.string()));
+    for (const int place : {0, 1, 5}) item->setToolTip(place, Q(set.folder.string()));
   }
   for (int column = 0; column < list_->columnCount(); ++column) list_->resizeColumnToContents(column);
   if (!days_.empty()) list_->setCurrentItem(list_->topLevelItem(0));
-  list_->setFocus();
-  resize(720, 480);
+  Changed();
 }
 
-const BackupSet* RestoreAutomaticForm::Chosen() const {
+const BackupDay* RestoreAutomaticForm::Chosen() const {
   QTreeWidgetItem* item = list_->currentItem();
-  return item == nullptr ? nullptr : &days_[static_cast<std::size_t>(list_->indexOfTopLevelItem(item))].set;
+  return item == nullptr ? nullptr : &days_[static_cast<std::size_t>(list_->indexOfTopLevelItem(item))];
 }
 
 void RestoreAutomaticForm::UpdateEnabled() {
-  continue_->setEnabled(Chosen() != nullptr);
-  verify_->setEnabled(Chosen() != nullptr);
-  look_->setEnabled(Chosen() != nullptr && session.RecordsetsOpen);
+  // What is in the Cloud comes down before it can be read.
+  const BackupDay* day = Chosen();
+  continue_->setEnabled(day != nullptr);
+  verify_->setEnabled(day != nullptr && !day->elsewhere);
+  look_->setEnabled(day != nullptr && !day->elsewhere && session.RecordsetsOpen);
 }
 
 void RestoreAutomaticForm::cmdContinue_Click() {
-  if (const BackupSet* set = Chosen()) Restore(set->dataFile, RestoreFrom::Automatic);
+  const BackupDay* day = Chosen();
+  if (day == nullptr) return;
+  if (!day->elsewhere) return Restore(day->set.dataFile, RestoreFrom::Automatic);
+  if (windows.RunDialog("CloudRestoreFileList", {{"Name", day->set.folder.string()}})) accept();
 }
 
 void RestoreAutomaticForm::cmdVerify_Click() {
-  const BackupSet* set = Chosen();
-  if (set == nullptr) return;
+  const BackupDay* day = Chosen();
+  if (day == nullptr) return;
+  const BackupSet* set = &day->set;
   const SetCheck check = VerifySet(session, *set);
   std::string text = U8(check.faults.empty() ? tr("The backup of %1 is sound.").arg(TimeText(set->made))
                                              : tr("The backup of %1 is not sound:").arg(TimeText(set->made)) + "\n");
@@ -137,8 +170,12 @@ void RestoreAutomaticForm::cmdVerify_Click() {
 }
 
 void RestoreAutomaticForm::cmdLook_Click() {
-  if (const BackupSet* set = Chosen())
-    windows.RunDialog("LookIntoSetForm", {{"Set", set->dataFile.string()}, {"Made", U8(TimeText(set->made))}});
+  if (const BackupDay* day = Chosen())
+    windows.RunDialog("LookIntoSetForm", {{"Set", day->set.dataFile.string()}, {"Made", U8(TimeText(day->set.made))}});
+}
+
+void RestoreAutomaticForm::cmdCloud_Click() {
+  if (windows.RunDialog("CloudRetrieveBackupListSplashForm")) ListDays();
 }
 
 RestoreSupportFilesChoice::RestoreSupportFilesChoice(WindowList& windowList, QWidget* owner, const std::string& name,

@@ -8,6 +8,7 @@
 #include "desktop/datafile/file_choice.h"
 #include "desktop/kit/window.h"
 
+class QLabel;
 class QTreeWidget;
 
 namespace vellumark::desktop {
@@ -54,13 +55,17 @@ class RestoreAutomaticForm : public RestoreForm {
   void cmdVerify_Click();
   /// What it holds that is not here, to be taken back singly.
   void cmdLook_Click();
+  /// Asks the Cloud account what it has.
+  void cmdCloud_Click();
   void cmdCancel_Click() { reject(); }
 
  private:
-  const BackupSet* Chosen() const;
+  void ListDays();
+  const BackupDay* Chosen() const;
 
   std::vector<BackupDay> days_;
   QTreeWidget* list_;
+  QLabel* notes_;
   CommandButton* continue_;
   CommandButton* verify_;
   CommandButton* look_;

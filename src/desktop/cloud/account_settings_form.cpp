@@ -124,7 +124,7 @@ void CloudAccountSettings::BuildTest(Form form) {
   results_->setObjectName("lstTest");
   results_->setAccessibleName(tr("Results"));
   results_->setWordWrap(true);
-  results_->setMaximumHeight(4 * space::kRowHeight);
+  results_->setMaximumHeight(4 * space::kRowHeight + space::kUnit);
   form.Wide(results_);
   form.Wide(form.Hint(tr("The certificate that the host showed")));
   certificateFields_ = new QListWidget;

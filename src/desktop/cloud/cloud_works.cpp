@@ -3,6 +3,7 @@
 #include "core/cloud/cloud_admin.h"
 #include "core/cloud/cloud_backup.h"
 #include "core/cloud/cloud_files.h"
+#include "core/cloud/cloud_sets.h"
 #include "core/cloud/shared_accounts.h"
 #include "desktop/kit/text.h"
 
@@ -34,6 +35,12 @@ ListTable AccountTable(std::vector<AdminRow> rows) {
 Result<CloudDone> DoneOf(const Result<AdminRun>& made) {
   if (!made) return std::unexpected(made.error());
   return CloudDone{made->outcome, AccountTable(made->rows)};
+}
+
+std::vector<std::string> NamesOf(const std::vector<CloudFile>& files) {
+  std::vector<std::string> names;
+  for (const CloudFile& file : files) names.push_back(file.name);
+  return names;
 }
 
 // The list goes into the settings; what failed is told by the task.
@@ -85,8 +92,8 @@ CloudWork ListBackups(CloudFiles into) {
   };
 }
 
-CloudWork DeleteBackups(std::vector<std::string> names) {
-  return [names = std::move(names)](CloudDesk& desk, bool) { return DoneOf(DeleteCloudBackups(desk, names)); };
+CloudWork DeleteBackups(std::vector<CloudFile> files) {
+  return [names = NamesOf(files)](CloudDesk& desk, bool) { return DoneOf(DeleteCloudBackups(desk, names)); };
 }
 
 CloudWork ListReports(CloudFiles into) {
@@ -98,8 +105,8 @@ CloudWork ListReports(CloudFiles into) {
   };
 }
 
-CloudWork DeleteReports(std::vector<std::string> names) {
-  return [names = std::move(names)](CloudDesk& desk, bool) { return DoneOf(DeleteCloudReports(desk, names)); };
+CloudWork DeleteReports(std::vector<CloudFile> files) {
+  return [names = NamesOf(files)](CloudDesk& desk, bool) { return DoneOf(DeleteCloudReports(desk, names)); };
 }
 
 CloudWork SendReport(std::string name, std::string text) {
@@ -119,6 +126,30 @@ CloudWork FetchSupportFiles(std::string name, std::shared_ptr<Fetched> into) {
   return [name = std::move(name), into](CloudDesk& desk, bool) {
     return DoneOf(FetchCloudSupportFiles(desk, name),
                      [&](const CloudBackupFetched& made) { *into = {made.dataFile, made.supportFolder}; });
+  };
+}
+
+CloudWork AskForSets() {
+  return [](CloudDesk& desk, bool) { return DoneOf(AskForCloudSets(desk)); };
+}
+
+CloudWork ListReportsOfUsers(CloudFiles into) {
+  return [into](CloudDesk& desk, bool) {
+    const auto made = ListUserReports(desk);
+    if (made) {
+      into->clear();
+      for (const AccountReport& report : made->reports)
+        into->push_back({report.file.name, report.file.size, report.file.date, report.AcctNum});
+    }
+    return DoneOf(made);
+  };
+}
+
+CloudWork DeleteReportsOfUsers(std::vector<CloudFile> files) {
+  return [files = std::move(files)](CloudDesk& desk, bool) {
+    std::vector<AccountReport> reports;
+    for (const CloudFile& file : files) reports.push_back({file.note, {.name = file.name}});
+    return DoneOf(DeleteUserReports(desk, reports));
   };
 }
 

@@ -20,15 +20,15 @@ struct CloudFile {
   std::string name;
   std::int64_t size = 0;
   std::optional<DateTime> date;  ///< in UTC
-  std::string note;              ///< what else is known of it
+  std::string note{};            ///< what else is known of it: its proof, whose it is
 };
 using CloudFiles = std::shared_ptr<std::vector<CloudFile>>;
 
 CloudWork ListBackups(CloudFiles into);
-CloudWork DeleteBackups(std::vector<std::string> names);
+CloudWork DeleteBackups(std::vector<CloudFile> files);
 
 CloudWork ListReports(CloudFiles into);
-CloudWork DeleteReports(std::vector<std::string> names);
+CloudWork DeleteReports(std::vector<CloudFile> files);
 CloudWork SendReport(std::string name, std::string text);
 
 /// What a restore goes on with.
@@ -39,7 +39,13 @@ struct Fetched {
 CloudWork FetchBackup(std::string name, std::shared_ptr<Fetched> into);
 CloudWork FetchSupportFiles(std::string name, std::shared_ptr<Fetched> into);
 
+/// Brings what is known of the account's backups up to date.
+CloudWork AskForSets();
+
 // The administrator's.
+/// Reports of all accounts; the note of a file is its account.
+CloudWork ListReportsOfUsers(CloudFiles into);
+CloudWork DeleteReportsOfUsers(std::vector<CloudFile> files);
 CloudWork FetchDataFileOf(std::string account, std::shared_ptr<Fetched> into);
 CloudWork SendDataFileTo(std::filesystem::path file, std::vector<std::string> accounts);
 

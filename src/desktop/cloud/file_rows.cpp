@@ -55,10 +55,10 @@ double FileRows::Number(int row, int column) const {
   return column == 0 ? CheckedSource::Number(row, column) : NumberOf(files->at(static_cast<std::size_t>(row)), column - 1);
 }
 
-std::vector<std::string> FileRows::CheckedNames() const {
-  std::vector<std::string> names;
-  for (const int row : CheckedRows()) names.push_back(files->at(static_cast<std::size_t>(row)).name);
-  return names;
+std::vector<CloudFile> FileRows::CheckedFiles() const {
+  std::vector<CloudFile> checked;
+  for (const int row : CheckedRows()) checked.push_back(files->at(static_cast<std::size_t>(row)));
+  return checked;
 }
 
 std::string FileChoiceRows::Text(int row, int column) const {

@@ -17,7 +17,7 @@ class FileRows : public CheckedSource {
   int Rows() const override { return static_cast<int>(files->size()); }
   std::string Text(int row, int column) const override;
   double Number(int row, int column) const override;
-  std::vector<std::string> CheckedNames() const;
+  std::vector<CloudFile> CheckedFiles() const;
 
   CloudFiles files = std::make_shared<std::vector<CloudFile>>();
 };

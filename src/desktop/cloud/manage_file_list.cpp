@@ -60,15 +60,14 @@ void CloudManageFileList::cmdRefresh_Click() {
 }
 
 void CloudManageFileList::cmdDelete_Click() {
-  const std::vector<std::string> names = rows_->CheckedNames();
+  const std::vector<CloudFile> files = rows_->CheckedFiles();
   if (!session.prompt.Ask(U8(managed_.title),
-                          U8(tr("Delete %1 %2 from the Cloud account? They cannot be brought back.")
-                                 .arg(names.size())
-                                 .arg(managed_.what)),
+                          U8(tr("Delete %1 %2 from %3? They cannot be brought back.")
+                                 .arg(files.size())
+                                 .arg(managed_.what, managed_.where)),
                           Answer::No))
     return;
-  windows.RunDialog("Cloud_GetPutData_Form",
-                    {{"Task", managed_.task}, {"Work", managed_.remove(names)}});
+  windows.RunDialog("Cloud_GetPutData_Form", {{"Task", managed_.task}, {"Work", managed_.remove(files)}});
   Retrieve();
 }
 

@@ -15,7 +15,8 @@ struct ManagedFiles {
   QString what;  ///< "backups"
   QString note;  ///< the caption of what else is known of a file; empty: nothing
   std::function<CloudWork(CloudFiles into)> list;
-  std::function<CloudWork(std::vector<std::string> names)> remove;
+  std::function<CloudWork(std::vector<CloudFile> files)> remove;
+  QString where;  ///< they are deleted from
 };
 
 /// The files of a folder at the host; those with a check are deleted.

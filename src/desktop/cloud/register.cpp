@@ -22,7 +22,8 @@ ManagedFiles Backups() {
           Dialog::tr("backups"),
           Dialog::tr("Proof"),
           ListBackups,
-          DeleteBackups};
+          DeleteBackups,
+          Dialog::tr("the Cloud account")};
 }
 
 ManagedFiles Reports() {
@@ -34,7 +35,21 @@ ManagedFiles Reports() {
           Dialog::tr("reports"),
           {},
           ListReports,
-          DeleteReports};
+          DeleteReports,
+          Dialog::tr("the Cloud account")};
+}
+
+ManagedFiles ReportsOfUsers() {
+  return {"CloudUtilityReport_DeleteFiles",
+          "CloudRetrieveReportListSplashForm",
+          CloudTask::CloudUtilityReport_DeleteFiles,
+          Dialog::tr("Reports in User Accounts"),
+          Dialog::tr("The reports that stand at the host, of all accounts in the list. What was fetched of them stays here."),
+          Dialog::tr("reports"),
+          Dialog::tr("Account"),
+          ListReportsOfUsers,
+          DeleteReportsOfUsers,
+          Dialog::tr("the accounts of the users")};
 }
 
 void RegisterAdminWindows(WindowList& windows, StartupWindows& startup, const CloudParts& parts) {
@@ -77,7 +92,7 @@ void RegisterCloudWindows(WindowList& windows, StartupWindows& startup, const Cl
     windows.RegisterDialog(name, [parts, name, text](WindowList& list, QWidget* owner) -> Dialog* {
       return new CloudRetrieveSplash(list, owner, name, text, parts);
     });
-  for (const ManagedFiles& managed : {Backups(), Reports()})
+  for (const ManagedFiles& managed : {Backups(), Reports(), ReportsOfUsers()})
     windows.RegisterDialog(managed.window, [managed](WindowList& list, QWidget* owner) -> Dialog* {
       return new CloudManageFileList(list, owner, managed);
     });

@@ -53,7 +53,8 @@ CloudUtilityReportViewer::CloudUtilityReportViewer(WindowList& windowList, QWidg
   sides->setStretchFactor(1, 1);
   sides->setSizes({kListWidth, kGridWidth});
   form.Wide(sides, 1);
-  form.ButtonsWithoutDefault({form.Button("cmdClose", tr("Close")), export_ = form.Button("cmdExport", tr("&Export ...")),
+  form.ButtonsWithoutDefault({form.Button("cmdClose", tr("Close")), form.Button("cmdDeleteFiles", tr("&Delete in Accounts ...")),
+                              export_ = form.Button("cmdExport", tr("&Export ...")),
                               form.Button("cmdFetch", tr("&Get User Reports"), Qt::Key_F5)});
   connect(list_, &QTreeWidget::currentItemChanged, this, &CloudUtilityReportViewer::ShowReport);
   resize(1080, 640);
@@ -127,6 +128,10 @@ void CloudUtilityReportViewer::UpdateEnabled() {
 void CloudUtilityReportViewer::cmdFetch_Click() {
   windows.RunDialog("Cloud_GetPutData_Form", {{"Task", CloudTask::CloudUtilityReportViewer}});
   WithFiles(*this, windowTitle(), [&] { ListReports(); });
+}
+
+void CloudUtilityReportViewer::cmdDeleteFiles_Click() {
+  windows.RunDialog("CloudUtilityReport_DeleteFiles");
 }
 
 void CloudUtilityReportViewer::cmdExport_Click() {

@@ -22,6 +22,7 @@ class CloudUtilityReportViewer : public Dialog {
 
  public Q_SLOTS:
   void cmdFetch_Click();
+  void cmdDeleteFiles_Click();
   void cmdExport_Click();
 
  private:

@@ -33,7 +33,12 @@ CloudRestoreFileList::CloudRestoreFileList(WindowList& windowList, QWidget* owne
   resize(800, 520);
 }
 
+void CloudRestoreFileList::OnOpen(const Arguments& arguments) {
+  if (arguments.Has("Name")) name_ = arguments.Text("Name");
+}
+
 int CloudRestoreFileList::exec() {
+  if (!name_.empty()) return Restore(name_) ? QDialog::Accepted : QDialog::Rejected;
   bool may = false;
   WithFiles(*this, windowTitle(), [&] { may = FormHost::Accepted(RequireCloud(session)); });
   if (!may || !windows.RunDialog("CloudRetrieveBackupListSplashForm", {{"Work", ListBackups(rows_->files)}})) return Rejected;
@@ -49,11 +54,14 @@ void CloudRestoreFileList::UpdateEnabled() {
 
 void CloudRestoreFileList::cmdContinue_Click() {
   if (grid_->CurrentRow() < 0) return;
-  const std::string name = rows_->files->at(static_cast<std::size_t>(grid_->CurrentRow())).name;
+  if (Restore(rows_->files->at(static_cast<std::size_t>(grid_->CurrentRow())).name)) accept();
+}
+
+bool CloudRestoreFileList::Restore(const std::string& name) {
   const auto fetched = std::make_shared<Fetched>();
   const bool dataFile = task_ == CloudTask::RestoreDataFile;
   const CloudWork work = dataFile ? FetchBackup(name, fetched) : FetchSupportFiles(name, fetched);
-  if (!windows.RunDialog("Cloud_GetPutData_Form", {{"Task", task_}, {"Work", work}})) return;
+  if (!windows.RunDialog("Cloud_GetPutData_Form", {{"Task", task_}, {"Work", work}})) return false;
   bool restored = false;
   WithFiles(*this, windowTitle(), [&] {
     if (dataFile)
@@ -63,7 +71,7 @@ void CloudRestoreFileList::cmdContinue_Click() {
     if (restored && !dataFile)
       session.prompt.Tell("Restore Complete", "Cloud Support Files - Restore Completed Successfully!");
   });
-  if (restored) accept();
+  return restored;
 }
 
 }  // namespace vellumark::desktop

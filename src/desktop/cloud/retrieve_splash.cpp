@@ -2,6 +2,7 @@
 
 #include <QTimer>
 
+#include "desktop/cloud/cloud_works.h"
 #include "desktop/datafile/file_windows.h"
 #include "desktop/kit/text.h"
 
@@ -20,11 +21,10 @@ CloudRetrieveSplash::CloudRetrieveSplash(WindowList& windowList, QWidget* owner,
 }
 
 void CloudRetrieveSplash::OnOpen(const Arguments& arguments) {
-  if (arguments.Has("Work")) work_ = arguments.Get<CloudWork>("Work");
+  work_ = arguments.Has("Work") ? arguments.Get<CloudWork>("Work") : AskForSets();
 }
 
 int CloudRetrieveSplash::exec() {
-  if (!work_) return Rejected;
   QTimer::singleShot(0, this, [this] { Run(); });
   return Dialog::exec();
 }

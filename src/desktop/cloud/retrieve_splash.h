@@ -11,7 +11,7 @@
 namespace vellumark::desktop {
 
 /// A small window while something is fetched that is shown next: it closes by itself. Opened with {"Work", CloudWork};
-/// accepted when that was done, and otherwise it tells why.
+/// without one what is known of the account's backups is brought up to date. Accepted when that was done, and otherwise it tells why.
 class CloudRetrieveSplash : public Dialog {
   Q_OBJECT
 

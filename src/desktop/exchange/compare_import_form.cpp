@@ -6,8 +6,8 @@
 
 namespace vellumark::desktop {
 
-ImportCompareFormulasForm::ImportCompareFormulasForm(WindowList& windowList, QWidget* owner)
-    : Dialog(windowList, owner, "ImportCompareFormulasForm", tr("Formula Comparison")),
+ImportCompareFormulasForm::ImportCompareFormulasForm(WindowList& windowList, QWidget* owner, const QString& name)
+    : Dialog(windowList, owner, name, tr("Formula Comparison")),
       rows_(std::make_shared<TableSource>()) {
   Form form(*this);
   form.Row(tr("Color"), name_ = form.Value("lblColor"));

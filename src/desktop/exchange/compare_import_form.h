@@ -11,7 +11,7 @@ class ImportCompareFormulasForm : public Dialog {
   Q_OBJECT
 
  public:
-  ImportCompareFormulasForm(WindowList& windowList, QWidget* owner);
+  ImportCompareFormulasForm(WindowList& windowList, QWidget* owner, const QString& name = "ImportCompareFormulasForm");
   void OnOpen(const Arguments& arguments) override;
 
  public Q_SLOTS:

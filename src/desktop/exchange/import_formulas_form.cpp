@@ -340,7 +340,11 @@ Result<FormulaTable> DBImport_Formulas::Read() {
 }
 
 Result<MergeTarget> DBImport_Formulas::Target() {
-  if (destination_->Chosen() != kNewDatabase) return MergeTarget{.database = target_->Text()};
+  if (destination_->Chosen() != kNewDatabase) {
+    if (ChosenSource() == Source::Cloud && target_->Text().empty())
+      return Refuse("Import Formulas", "Select a destination database to copy formulas to", U8(target_->objectName()));
+    return MergeTarget{.database = target_->Text()};
+  }
   auto target = AskTarget(session, newName_->Text());
   if (target) target->ofGuides = target->make && ChosenSource() == Source::Guides;
   return target;
@@ -454,7 +458,10 @@ void DBImport_Formulas::UpdateEnabled() {
                          .arg(plan_->Count(MergeMod::Different))
                          .arg(plan_->Count(MergeMod::Same))
                          .arg(plan_->Count(MergeMod::Refused) + plan_->table.badLines.size())
-                         .arg(plan_->Taken()));
+                         .arg(plan_->Taken()) +
+                     (!fromCloud ? QString()
+                      : plan_->Taken() == 0 ? "   ·   " + tr("Please choose colors for import")
+                                            : "   ·   " + tr("Click on Color Name to view details")));
   const bool blocked = skipBad_->isVisibleTo(skipBad_->parentWidget()) && !skipBad_->isChecked();
   import_->setEnabled(plan_ && !session.ArchiveView && !blocked &&
                       (plan_->Taken() > 0 || (plan_->options.unusedBasics && !plan_->basics.empty())));
@@ -480,7 +487,8 @@ void DBImport_Formulas::cmdView_Click() {
   const int row = list_->List().CurrentRow();
   if (!plan_ || row < 0) return;
   const auto result = windows.RunDialog(
-      "ImportCompareFormulasForm", {{"Plan", std::shared_ptr<const MergePlan>(plan_)}, {"Place", row}});
+      ChosenSource() == Source::Cloud ? "ImportCompareCloudFormulas" : "ImportCompareFormulasForm",
+      {{"Plan", std::shared_ptr<const MergePlan>(plan_)}, {"Place", row}});
   if (!result || !result->Has("Take")) return;
   rows_->SetChecked(row, result->Get<bool>("Take"));
   list_->List().View().viewport()->update();

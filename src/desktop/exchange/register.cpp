@@ -17,6 +17,9 @@ void RegisterExchangeWindows(WindowList& windows, const FileChooser& choose) {
   windows.Register("DBImport_Formulas",
                    [choose](WindowList& list) -> Window* { return new DBImport_Formulas(list, choose); });
   windows.RegisterDialog<ImportCompareFormulasForm>("ImportCompareFormulasForm");
+  windows.RegisterDialog("ImportCompareCloudFormulas", [](WindowList& list, QWidget* owner) -> Dialog* {
+    return new ImportCompareFormulasForm(list, owner, "ImportCompareCloudFormulas");
+  });
 }
 
 }  // namespace vellumark::desktop

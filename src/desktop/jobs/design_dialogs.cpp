@@ -106,8 +106,9 @@ JobDesigns_Hints::JobDesigns_Hints(WindowList& windowList, QWidget* owner)
   resize(880, 320);
 }
 
-ImportExamineLocalFileDesign::ImportExamineLocalFileDesign(WindowList& windowList, QWidget* owner)
-    : Dialog(windowList, owner, "ImportExamineLocalFileDesign", tr("Design of the file")),
+ImportExamineLocalFileDesign::ImportExamineLocalFileDesign(WindowList& windowList, QWidget* owner, bool ofCloud)
+    : Dialog(windowList, owner, ofCloud ? "ImportExamineCloudDesign" : "ImportExamineLocalFileDesign",
+             ofCloud ? tr("Design of the Cloud Account") : tr("Design of the file")),
       rows_(std::make_shared<LeadingTable>()) {
   Form form(*this);
   form.Row(tr("Design ID"), id_ = form.Label("lblDesignID"));

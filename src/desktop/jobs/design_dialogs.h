@@ -61,7 +61,7 @@ class ImportExamineLocalFileDesign : public Dialog {
   Q_OBJECT
 
  public:
-  ImportExamineLocalFileDesign(WindowList& windowList, QWidget* owner);
+  ImportExamineLocalFileDesign(WindowList& windowList, QWidget* owner, bool ofCloud = false);
   void OnOpen(const Arguments& arguments) override;
 
  public Q_SLOTS:

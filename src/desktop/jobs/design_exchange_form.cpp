@@ -156,7 +156,9 @@ void DB_ImportExport_Designs::ReadFile() {
   auto read = ReadDesignFile(session, file_);
   incoming_.clear();
   if (read) incoming_ = *std::move(read);
-  fileName_->setText(read ? Q(file_.string()) : tr("Click on a file to select for import"));
+  fileName_->setText(!read        ? tr("Click on a file to select for import")
+                     : fromCloud_ ? tr("Click on Design name to view details")
+                                  : Q(file_.string()));
   ListDesignsOfFile();
   if (!read) {
     file_.clear();
@@ -177,11 +179,13 @@ void DB_ImportExport_Designs::ListDesignsOfFile() {
 void DB_ImportExport_Designs::cmdView_Click() {
   const int row = compare_->CurrentRow();
   if (row >= 0)
-    windows.RunDialog("ImportExamineLocalFileDesign", {{"Design", incoming_.at(static_cast<std::size_t>(row)).design}});
+    windows.RunDialog(fromCloud_ ? "ImportExamineCloudDesign" : "ImportExamineLocalFileDesign",
+                      {{"Design", incoming_.at(static_cast<std::size_t>(row)).design}});
 }
 
 void DB_ImportExport_Designs::cmdImport_Click() {
   const std::vector<std::string> ids = Selected(*compare_, *inFile_);
+  if (ids.empty() && fromCloud_) return ShowRefusal({"No Colors Choosen", "Please choose Designs for import", "fgCompare"});
   if (ids.empty()) return ShowRefusal({"No Selections", "No Designs have been selected", "fgCompare"});
   if (fromCloud_ && session.prompt.Show({"Updating Database with Designs",
                                          "This update could change existing Designs found in the database.\nClick OK to continue.",

@@ -43,6 +43,9 @@ void RegisterJobsWindows(WindowList& windows, const FileChooser& choose) {
   windows.RegisterDialog<JobDesign_PhotoRename>("JobDesign_PhotoRename");
   windows.RegisterDialog<JobDesigns_Hints>("JobDesigns_Hints");
   windows.RegisterDialog<ImportExamineLocalFileDesign>("ImportExamineLocalFileDesign");
+  windows.RegisterDialog("ImportExamineCloudDesign", [](WindowList& list, QWidget* owner) -> Dialog* {
+    return new ImportExamineLocalFileDesign(list, owner, true);
+  });
 }
 
 }  // namespace vellumark::desktop

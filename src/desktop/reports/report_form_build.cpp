@@ -115,9 +115,7 @@ ReportForm::ReportForm(WindowList& windowList, const ReportDefinition& definitio
                               export_ = form.Button("cmdExport", tr("&Export")),
                               print_ = form.Button("cmdPrint", tr("&Print"))});
   SetDefaultButton(find_);
-  // A report of other shops is fetched anew, and is not kept among those of this Data File.
   fetch_->setVisible(FetchTaskOf(definition_) && windows.Knows("Cloud_GetPutData_Form"));
-  save_->setVisible(!FetchTaskOf(definition_));
   try {
     upload_->setVisible(windows.Knows("CloudReportUploadForm") && CloudReady(session));
   } catch (const Failure& failure) {

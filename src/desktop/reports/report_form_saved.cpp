@@ -2,6 +2,7 @@
 
 #include "core/base/number.h"
 #include "core/base/text.h"
+#include "core/cloud/cloud_reports.h"
 #include "core/reports/report_settings.h"
 #include "core/reports/report_text.h"
 #include "desktop/kit/print_sheet.h"
@@ -21,11 +22,11 @@ void ReportForm::cmdSaveReport_Click() {
   TakeArrangement();
   const KeepText keep = [this](const std::string& name) -> Result<void> {
     const bool mine = saved_ && EqualNoCase(saved_->name, Trim(name));
-    if (!mine && FindSavedReport(session, name) &&
+    if (!mine && FindSavedReport(session, name, FindAnyReport) &&
         !session.prompt.Ask("Saved Report", fmt::format("{} is saved already.\nReplace it?", Trim(name)), Answer::No))
       return Decline("Saved Report", "Name");
     SavedReport saved = SavedFrom(name, definition_, Request(), *report_);
-    if (auto kept = SaveReport(session, saved); !kept) return kept;
+    if (auto kept = SaveReport(session, saved, FindAnyReport); !kept) return kept;
     saved.name = Trim(name);
     saved_ = std::move(saved);
     return {};
@@ -36,7 +37,7 @@ void ReportForm::cmdSaveReport_Click() {
 }
 
 void ReportForm::OpenSaved(const std::string& name) {
-  saved_ = FindSavedReport(session, name);
+  saved_ = FindSavedReport(session, name, FindAnyReport);
   if (!saved_) return;
   setWindowTitle(Q(saved_->name));
   const ReportRequest& asked = saved_->request;

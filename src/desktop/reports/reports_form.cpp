@@ -115,8 +115,8 @@ void ReportsForm::Fill() {
 void ReportsForm::FillSaved() {
   const std::string chosen = Saved();
   saved_->clear();
-  for (const SavedReport& saved : ReadSavedReports(session)) {
-    const ReportDefinition& report = *FindReport(saved.key);
+  for (const SavedReport& saved : ReadSavedReports(session, FindAnyReport)) {
+    const ReportDefinition& report = *FindAnyReport(saved.key);
     auto* item = new QListWidgetItem(Q(saved.name), saved_);
     item->setData(kKeyRole, Q(saved.name));
     const QString range = saved.request.from && saved.request.to
@@ -141,7 +141,8 @@ std::string ReportsForm::Saved() const {
 }
 
 void ReportsForm::OpenSaved(const std::string& name) {
-  if (const auto saved = FindSavedReport(session, name)) Open(*FindReport(saved->key), {{"Saved", saved->name}});
+  if (const auto saved = FindSavedReport(session, name, FindAnyReport))
+    Open(*FindAnyReport(saved->key), {{"Saved", saved->name}});
 }
 
 void ReportsForm::OnOpen(const Arguments& arguments) {
@@ -177,18 +178,19 @@ void ReportsForm::Describe(const QString& text) {
 }
 
 // What other shops have is fetched first; what came before can be looked at when that fails.
-void ReportsForm::OpenCloudReport(const ReportDefinition& report, CloudTask task) {
+void ReportsForm::OpenCloudReport(const ReportDefinition& report, CloudTask task, const Arguments& arguments) {
   const bool fetched = windows.RunDialog("Cloud_GetPutData_Form", {{"Task", task}}).has_value();
   const auto came = [](const ShareRow& share) { return share.came.has_value(); };
   if (!fetched && std::ranges::none_of(SharesHere(session), came)) return;
-  windows.OpenForm(report.window, report.subject == ReportSubject::None ? Arguments{{"Run", true}} : Arguments{});
+  const bool runs = !arguments.Has("Saved") && report.subject == ReportSubject::None;
+  windows.OpenForm(report.window, runs ? Arguments{{"Run", true}} : arguments);
 }
 
 void ReportsForm::Open(const ReportDefinition& report, const Arguments& arguments) {
   if (!windows.Knows(report.window)) return;
   const auto may = RequireReport(session, report, windows.IsInEdit("BatchForm"));
   if (const auto task = FetchTaskOf(report); task && may) {
-    OpenCloudReport(report, *task);
+    OpenCloudReport(report, *task, arguments);
   } else if (Accepted(may)) {
     windows.OpenForm(report.window, arguments);
   } else if (may.error().field == "BatchForm") {

@@ -34,7 +34,7 @@ class ReportsForm : public Window {
   std::string Saved() const;
   void OpenSaved(const std::string& name);
   void Describe(const QString& text);
-  void OpenCloudReport(const ReportDefinition& report, CloudTask task);
+  void OpenCloudReport(const ReportDefinition& report, CloudTask task, const Arguments& arguments);
   void Open(const ReportDefinition& report, const Arguments& arguments = {});
 
   QListWidget* colors_ = nullptr;

@@ -39,7 +39,7 @@ TEST_F(CloudBackups, OneGoesUpIsListedRestoredAndDeleted) {
     Picture(form, "cloud-backup", {});
     Click(form, "cmdStart");
     ASSERT_TRUE(IsOver(form));
-    EXPECT_EQ(Info(form), "Cloud Backup Complete");
+    EXPECT_EQ(Info(form), "Cloud Backup Complete\n1 Backups are now on file in the Cloud account");
     EXPECT_EQ(FocusName(), "cmdClose");
     EXPECT_TRUE(Logs(form, "1 Backups are now on file in the Cloud account"));
     EXPECT_TRUE(Logs(form, "Uploading Share Design Photos to Cloud"));

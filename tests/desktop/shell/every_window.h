@@ -69,7 +69,7 @@ struct EveryWindow : testing::Test {
       return {{"Work", LoadFormulaWork(running.session, *ReadMix(running.session, "TINT"))}};
     if (name == "NewMixNameForm") return {{"Color_Name", "TINT"}};
     if (name == "ImportColumnsForm") return OwnColumns(room.folder.Path());
-    if (name == "ImportCompareFormulasForm") return ComparedTarget(running.session);
+    if (name == "ImportCompareFormulasForm" || name == "ImportCompareCloudFormulas") return ComparedTarget(running.session);
     return {{"FindRecord", "RED"},  {"Color_Name", "RED"},
             {"SetName", "STD SET"}, {"Kind", ColorKind::Basic},
             {"DesignID", "BOX"},    {"Username", "ANN"},
