@@ -16,6 +16,7 @@
 #include "core/cloud/remote_listing.h"
 #include "core/cloud/shared_accounts.h"
 #include "core/cloud/transfer.h"
+#include "core/datafile/schema.h"
 #include "devices/ftp_connection.h"
 #include "support/data_files.h"
 #include "support/ftp_server.h"
@@ -275,23 +276,67 @@ TEST(CloudTasks, ADiskThatIsFullHereLeavesWhatWasThere) {
   EXPECT_EQ(ReadFileBytes(SharedDataFile(room.session, "A100")), before);
 }
 
-class CutsAtTheEnd final : public Progress {
+// Something happens when a task comes to this step.
+class ActsAt final : public Progress {
  public:
-  explicit CutsAtTheEnd(CloudRoom& room) : room_(room) {}
+  ActsAt(std::string_view step, std::function<void()> act) : step_(step), act_(std::move(act)) {}
   void Begin(std::string_view text) override {
-    if (text != "Uploading Log File to Cloud") return;
-    room_.proxy.Cut();
-    std::this_thread::sleep_for(std::chrono::milliseconds(60));
+    if (text == step_) act_();
   }
   void Percent(double) override {}
 
  private:
-  CloudRoom& room_;
+  std::string step_;
+  std::function<void()> act_;
 };
+
+TEST(CloudTasks, AFileThatGoesHereInTheMiddleLeavesNothingAtTheHost) {
+  CloudRoom room;
+  ActsAt progress("Uploading support files to Cloud",
+                  [&] { fs::remove_all(room.session.DataFolder / "Cloud Uploads/SUVFiles_Backup"); });
+  CloudDesk desk{room.session, *room.ftp, progress, {}};
+  EXPECT_FALSE(BackUpToCloud(desk, false)->outcome.done);
+  for (const auto& entry : fs::recursive_directory_iterator(room.server.Root() / "A100/Backups"))
+    EXPECT_TRUE(entry.is_directory()) << entry.path();
+}
+
+// Rows of what is nobody else's, and such as were deleted: their bytes may still be in the file.
+TEST(CloudTasks, AShareHoldsNothingThatIsNobodyElses) {
+  CloudRoom room;
+  Database& file = *room.session.DataFileDB;
+  const std::vector<std::pair<std::string, std::string>> own{
+      {"Users", "Password"},     {"JobRecords", "JobNumber"},        {"Dispenser", "Pathway"},
+      {"INK_Batch", "Color_Name"}, {"INK_Batch_LotInv", "IngName"}, {"INK_BatchScaleResults", "ColorName"}};
+  file.CreateTable(schema::Users.name, schema::Users);
+  for (const auto& [table, column] : own) {
+    for (const char* words : {"hidden words 7", "deleted words 8"})
+      file.Execute("INSERT INTO " + table + " (" + column + ") VALUES ('" + words + "')");
+    file.Execute("DELETE FROM " + table + " WHERE " + column + " = 'deleted words 8'");
+  }
+  const std::string before = ReadFileBytes(room.session.DataFileName);
+  const auto made = BackUpToCloud(room.desk, false);
+  ASSERT_TRUE(made->outcome.done) << made->outcome.Text();
+  EXPECT_EQ(ReadFileBytes(room.session.DataFileName), before);
+  const fs::path share = room.server.Root() / "A100/ShareDataFile/A100.vkd";
+  for (const char* words : {"hidden words 7", "deleted words 8"})
+    EXPECT_EQ(ReadFileBytes(share).find(words), std::string::npos) << words;
+  const std::vector<std::string> shared = Database::Open(share, OpenMode::ReadOnly)->TableNames();
+  const auto whole = Database::Open(room.server.Root() / "A100/Backups" / made->name, OpenMode::ReadOnly);
+  for (const auto& [table, column] : own) {
+    EXPECT_EQ(std::ranges::find(shared, table), shared.end()) << table;
+    EXPECT_EQ(whole->Scalar("SELECT COUNT(*) FROM " + table + " WHERE " + column + " = 'hidden words 7'").Whole(), 1) << table;
+    file.Execute("DELETE FROM " + table);
+  }
+  file.DropTable(schema::Users.name);
+  EXPECT_TRUE(std::ranges::none_of(shared, [](const std::string& table) { return table.starts_with("MSys"); }));
+}
 
 TEST(CloudTasks, AHostThatGoesBeforeTheEndTakesNothingAway) {
   CloudRoom room;
-  CutsAtTheEnd progress(room);
+  ActsAt progress("Uploading Log File to Cloud", [&] {
+    room.proxy.Cut();
+    std::this_thread::sleep_for(std::chrono::milliseconds(60));
+  });
   CloudDesk desk{room.session, *room.ftp, progress, {}};
   const auto made = BackUpToCloud(desk, false);
   EXPECT_TRUE(made->outcome.done);

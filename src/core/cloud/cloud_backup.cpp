@@ -213,6 +213,20 @@ void SendBackup(CloudRun& run, const fs::path& whole, const std::string& name, S
     if (failure.kind == Denied || failure.kind == Full || failure.kind == Other || failure.kind == Missing)
       upward.TakeBack();
     throw;
+  } catch (const Failure&) {
+    // Of this machine: the host can be asked.
+    upward.Told(RemotePath(folder, part));
+    upward.TakeBack();
+    throw;
+  }
+}
+
+// What is kept here of the host's backups can be asked for anew: where it cannot be kept nothing else fails.
+void Note(CloudRun& run, const std::function<void()>& keep) {
+  try {
+    keep();
+  } catch (const Failure& failure) {
+    run.Log(fmt::format("{}: {}", failure.subject, failure.cause));
   }
 }
 
@@ -364,7 +378,7 @@ Result<CloudBackupMade> BackUpToCloud(CloudDesk& desk, bool photos) {
     settings.LastBackup = session.clock.Now();
     settings.LastProven = made.sound ? made.name : settings.LastProven;
     WriteCloudSettings(session, settings);
-    KeepCloudSet(session, made.name, ProofText(proof));
+    Note(run, [&] { KeepCloudSet(session, made.name, ProofText(proof)); });
     return ending;
   });
   if (made.outcome.refused) return std::unexpected(*made.outcome.refused);
@@ -421,7 +435,7 @@ Result<CloudOutcome> DeleteCloudBackups(CloudDesk& desk, const std::vector<std::
     const std::vector<RemoteFile> support = EverythingIn(run, run.Folders().backupSupportFiles);
     const std::vector<RemoteFile> photos = EverythingIn(run, run.Folders().backupPhotos);
     for (const std::string& name : names) DeleteOne(run, name, support, photos);
-    ForgetCloudSets(desk.session, names);
+    Note(run, [&] { ForgetCloudSets(desk.session, names); });
     return fmt::format("{} Backups are now on file in the Cloud account", CountBackups(run));
   });
   if (outcome.refused) return std::unexpected(*outcome.refused);
