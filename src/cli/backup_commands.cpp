@@ -8,6 +8,7 @@
 #include "cli/damaged_file.h"
 #include "cli/frame.h"
 #include "cli/seams.h"
+#include "cli/upgrade_output.h"
 #include "core/backup/backup_days.h"
 #include "core/backup/backup_set.h"
 #include "core/backup/look_into.h"
@@ -167,6 +168,7 @@ Result<Json> RestoreBackup(Context& context, const std::string& typed) {
               {"From", source->string()},
               {"Kept", restored->kept.empty() ? Json() : Json(restored->kept.string())},
               {"Photos", restored->photos.size()},
+              {"Updated", restored->updated ? UpgradeJson(*restored->updated) : Json()},
               {"Since", SinceJson(restored->since)}};
 }
 
@@ -300,7 +302,9 @@ void AddBackupCommands(CLI::App& app, Commands& commands) {
   auto* restore = noun->add_subcommand("restore", "Put a backup in the place of the Data File, after asking");
   const auto path = std::make_shared<std::string>();
   restore->add_option("PATH", *path, "The folder of a set, or a Data File")->required()->check(NotEmpty);
-  restore->footer("What is replaced is kept in a folder beside the Data File.");
+  restore->footer(
+      "What is replaced is kept in a folder beside the Data File. A backup of an older version is brought up to date on a "
+      "copy; what that did is told, and kept beside the Data File.");
   commands.Add(restore, Needs::Nothing, [path](Context& context) { return RestoreBackup(context, *path); });
 
   AddLooks(noun, commands);

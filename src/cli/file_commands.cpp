@@ -7,6 +7,7 @@
 #include "cli/damaged_file.h"
 #include "cli/frame.h"
 #include "cli/seams.h"
+#include "cli/upgrade_output.h"
 #include "core/backup/deep_check.h"
 #include "core/backup/repair.h"
 #include "core/base/files.h"
@@ -199,44 +200,6 @@ Result<Json> AcceptHandEdits(Context& context, const std::string& typedPath) {
   context.text += SoundText(answer, accepted->rest.faults, true);
   context.exitStatus = accepted->rest.Sound() ? ExitDone : ExitFailed;
   return answer;
-}
-
-Json UpgradeLinesJson(const std::vector<UpgradeLine>& lines) {
-  Json list = Json::array();
-  for (const UpgradeLine& line : lines)
-    list.push_back({{"Step", line.Step},
-                    {"Table", line.Table.empty() ? Json() : Json(line.Table)},
-                    {"Count", line.Count},
-                    {"What", line.What}});
-  return list;
-}
-
-Json UpgradeJson(const UpgradeReport& report) {
-  Json tables = Json::array();
-  for (const UpgradeTable& table : report.tables)
-    tables.push_back({{"Table", table.Table},
-                      {"Read", table.Read},
-                      {"Made", table.Made},
-                      {"Left", table.Left},
-                      {"Written", table.Written},
-                      {"Mended", table.Mended}});
-  Json sums = Json::array();
-  for (const UpgradeSum& sum : report.sums)
-    sums.push_back({{"What", sum.What}, {"Before", sum.Before}, {"After", sum.After}, {"Same", sum.Same()}});
-  return {{"File", report.file.string()},
-          {"Source", report.source.string()},
-          {"FromVersion", report.fromVersion},
-          {"ToVersion", report.toVersion},
-          {"DryRun", report.dryRun},
-          {"Report", report.text.empty() ? Json() : Json(report.text.string())},
-          {"Balanced", report.Balanced()},
-          {"Tables", tables},
-          {"Sums", sums},
-          {"Changes", UpgradeLinesJson(report.changes)},
-          {"Names", UpgradeLinesJson(report.names)},
-          {"Refused", UpgradeLinesJson(report.refused)},
-          {"Damaged", UpgradeLinesJson(report.damaged)},
-          {"Left", UpgradeLinesJson(report.left)}};
 }
 
 Result<Json> UpgradeFile(Context& context, const UpdateWish& wish, const std::string& reportPath) {

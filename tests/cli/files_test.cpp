@@ -332,6 +332,20 @@ TEST(CliFiles, ABackupIsMadeProvenAndPutBackEvenOverADamagedFile) {
   const test::CliAnswer verified = room.Run({"backup", "verify", set.string()});
   EXPECT_EQ(verified.status, 4);
   EXPECT_NE(verified.out.find("values are not those of when the set was made"), std::string::npos) << verified.out;
+
+  // One of an older version comes back too, and the answer says what was done to it.
+  test::OldRoom old = test::MakeOldRoom(12);
+  old.users = false;
+  const fs::path before = room.folder / "Before" / "Old.vkd";
+  fs::create_directories(before.parent_path());
+  test::WriteOldFile(before, test::OldTables(old, 28, 0));
+  bytes = ReadFileBytes(before);
+  const auto updated = room.Json({"--answer", "Lotted Inventory=no", "--yes", "backup", "restore", before.string()})["Updated"];
+  EXPECT_EQ(updated["FromVersion"], 28);
+  EXPECT_EQ(updated["Balanced"], true);
+  EXPECT_EQ(updated["Report"], (room.folder / "Ink Update Report.txt").string());
+  EXPECT_EQ(room.Json({"file", "info"})["FileVersion"], 40);
+  EXPECT_TRUE(ReadFileBytes(before) == bytes);
 }
 
 // A day's work by the program's own doors: what it wrote is sound, and a repair moves nothing but the weighing order.

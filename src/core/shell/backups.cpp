@@ -17,6 +17,7 @@
 #include "core/shell/data_files.h"
 #include "core/shell/previous_file.h"
 #include "core/shell/startup.h"
+#include "core/upgrade/upgrade.h"
 
 namespace vellumark {
 namespace fs = std::filesystem;
@@ -142,7 +143,7 @@ Result<void> AskForRestore(Session& session, const SetCheck& check) {
 // A source of an older version is brought up to date on a copy: the set stays as it was proven.
 class UsableSource {
  public:
-  explicit UsableSource(const fs::path& source) : path_(source) {}
+  explicit UsableSource(const fs::path& source) : source_(source), path_(source) {}
   ~UsableSource() {
     std::error_code ignored;
     if (!folder_.empty()) fs::remove_all(folder_, ignored);
@@ -150,18 +151,31 @@ class UsableSource {
   UsableSource(const UsableSource&) = delete;
   UsableSource& operator=(const UsableSource&) = delete;
 
-  /// False when the version cannot be used or nobody brought it up to date, which was told.
-  bool Prepare(Session& session, OpeningWindows& windows) {
+  /// Refused when the version cannot be used, which was told, or when it is not brought up to date.
+  Result<void> Prepare(Session& session, OpeningWindows& windows) {
     const DataFileKind kind = LookAtDataFile(path_);
-    if (kind.jet || GateOf(kind.version) == VersionGate::Older) CopyBeside(session);
-    const auto usable = CheckDataFile(session, path_.string(), windows);
-    if (usable) path_ = *usable;
-    return usable.has_value();
+    const VersionGate gate = GateOf(kind.version);
+    if (gate == VersionGate::Older || (kind.jet && gate != VersionGate::Unusable)) return Update(session);
+    if (!CheckDataFile(session, path_.string(), windows)) return Decline("Data File");
+    return {};
   }
   const fs::path& Path() const { return path_; }
-  bool IsCopy() const { return !folder_.empty(); }
+  std::optional<UpgradeReport>& Updated() { return updated_; }
 
  private:
+  Result<void> Update(Session& session) {
+    CopyBeside(session);
+    try {
+      auto updated = UpdateDataFile(session, {.source = path_});
+      if (!updated) return std::unexpected(updated.error());
+      path_ = updated->file;
+      updated_ = *std::move(updated);
+      return {};
+    } catch (const UpdateFailure& failure) {
+      throw Failure(source_.string(), failure.text);
+    }
+  }
+
   void CopyBeside(const Session& session) {
     const fs::path current =
         session.DataFileName.empty() ? session.ProgramFolder / kDefaultDataFile : RealPath(session.DataFileName);
@@ -170,14 +184,41 @@ class UsableSource {
     fs::remove_all(folder_, error);  // of a killed process
     if (error) throw Failure(folder_.string(), error.message());
     MakeFolder(folder_);
-    const fs::path copy = folder_ / path_.filename();
-    CopyProved(path_, copy, path_.filename().string());
+    const fs::path copy = folder_ / source_.filename();
+    CopyProved(source_, copy, source_.filename().string());
     path_ = copy;
   }
 
+  fs::path source_;
   fs::path path_;
   fs::path folder_;
+  std::optional<UpgradeReport> updated_;
 };
+
+// The report goes where the copy that it is about went. Without one the restore is as good.
+void KeepReport(UpgradeReport& report, const fs::path& source, const fs::path& restored) {
+  report.source = source;
+  report.file = restored;
+  report.text = UpdateReportPath(restored);
+  try {
+    ReplaceFile(report.text, UpgradeText(report), Readers::Group);
+  } catch (const Failure& failure) {
+    report.left.push_back({"Report", "", 1, fmt::format("the report could not be kept: {}", failure.what())});
+    report.text.clear();
+  }
+}
+
+std::string UpdatedText(const UpgradeReport& report) {
+  std::string text = fmt::format("\n\nThe backup had the file version {} and was brought up to version {} on a copy; it is as "
+                                 "it was.\n{}",
+                                 report.fromVersion, report.toVersion,
+                                 report.Balanced() ? "Every row is accounted for." : "Not every sum is the same.");
+  for (const auto& [lines, words] : {std::pair{&report.refused, "what did not come in"},
+                                     {&report.damaged, "what could not be read"},
+                                     {&report.left, "what people should look at"}})
+    if (!lines->empty()) text += fmt::format("\n{} lines tell {}.", lines->size(), words);
+  return text + (report.text.empty() ? "\nThe report could not be kept." : fmt::format("\nThe report is kept in\n{}", report.text.string()));
+}
 
 // The place to restore to where no Data File is known or the known one is gone.
 void ChoosePlace(Session& session) {
@@ -225,7 +266,7 @@ void StoreReminderAnswer(Session& session, const ReminderAnswer& answer) {
   StoreBackupDates(session.File(), dates);
 }
 
-Result<RestoredFiles> RestoreDataFile(Session& session, const fs::path& typedSource, RestoreFrom from,
+Result<RestoredDataFile> RestoreDataFile(Session& session, const fs::path& typedSource, RestoreFrom from,
                                       OpeningWindows& windows) {
   if (auto allowed = RequireAct(session, Act::BackUp); !allowed) return std::unexpected(allowed.error());
   std::error_code ignored;
@@ -238,18 +279,21 @@ Result<RestoredFiles> RestoreDataFile(Session& session, const fs::path& typedSou
   auto check = CheckSource(session, source);
   if (!check) return std::unexpected(check.error());
   UsableSource usable(source);
-  if (!usable.Prepare(session, windows)) return Decline("Data File");
-  if (usable.IsCopy()) check->content = ProveContent(session, usable.Path());
+  if (auto prepared = usable.Prepare(session, windows); !prepared) return std::unexpected(prepared.error());
+  if (usable.Updated()) {
+    check->content = ProveContent(session, usable.Path());
+    check->faults.insert(check->faults.end(), check->content.faults.begin(), check->content.faults.end());
+  }
   if (auto asked = AskForRestore(session, *check); !asked) return std::unexpected(asked.error());
 
   PreviousFile previous(session, windows);
-  RestoredFiles restored;
+  RestoredDataFile restored;
   try {
     if (session.DataFileOpen) CloseDataFile(session, windows);
     ChoosePlace(session);
     const ProgressRun progress(session.progress, "Restoring Data File ...");
-    restored = PutDataFileBack(session, usable.Path(), source.parent_path() / kPhotoFolderOfSet,
-                               RealPath(session.DataFileName));
+    static_cast<RestoredFiles&>(restored) = PutDataFileBack(
+        session, usable.Path(), source.parent_path() / kPhotoFolderOfSet, RealPath(session.DataFileName));
   } catch (...) {
     previous.Return();
     throw;
@@ -258,9 +302,12 @@ Result<RestoredFiles> RestoreDataFile(Session& session, const fs::path& typedSou
     StoreSettings(session, {setting::BackupRestoreFileLocation.To(source.parent_path().string())});
   if (from == RestoreFrom::Cloud) NoteCloudRestore(session);
   StoreDefaultDataFile(session, session.DataFileName);
+  restored.updated = std::move(usable.Updated());
+  if (restored.updated) KeepReport(*restored.updated, source, RealPath(session.DataFileName));
   OpenDataFile(session, windows);
   RemovePhotosOfNobody(session, restored);
   std::string text = "Restore Completed Successfully!";
+  if (restored.updated) text += UpdatedText(*restored.updated);
   if (session.DataFileDB && !restored.kept.empty()) {
     restored.since = MadeSinceThen(restored.kept / fs::path(session.DataFileName).filename(), session.File());
     if (!restored.since.empty())

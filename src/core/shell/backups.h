@@ -8,6 +8,7 @@
 #include "core/backup/restore.h"
 #include "core/session/session.h"
 #include "core/shell/opening.h"
+#include "core/upgrade/upgrade_report.h"
 
 namespace vellumark {
 
@@ -34,9 +35,15 @@ struct ReminderAnswer {
 /// when it is not made after all, the reminder comes at the next closing.
 void StoreReminderAnswer(Session& session, const ReminderAnswer& answer);
 
-/// Puts a Data File back over the session's own, after verifying it and asking, with what it would replace by what. The
-/// file that was there, and its photos, are kept in a folder beside. The restored file is opened, with login.
-Result<RestoredFiles> RestoreDataFile(Session& session, const std::filesystem::path& source, RestoreFrom from,
+struct RestoredDataFile : RestoredFiles {
+  /// What was done to a backup of an older version, or of an earlier program. The report is kept beside the Data File.
+  std::optional<UpgradeReport> updated;
+};
+
+/// Puts a Data File back over the session's own, after verifying it and asking, with what it would replace by what. One
+/// of an older version is brought up to date on a copy: the backup stays as it was proven. The file that was there, and
+/// its photos, are kept in a folder beside. The restored file is opened, with login.
+Result<RestoredDataFile> RestoreDataFile(Session& session, const std::filesystem::path& source, RestoreFrom from,
                                       OpeningWindows& windows);
 
 }  // namespace vellumark

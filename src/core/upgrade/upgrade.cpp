@@ -45,10 +45,6 @@ bool IsChecked(const CheckRule& rule) {
   return std::ranges::find(kWithout, rule.name) == std::end(kWithout);
 }
 
-fs::path ReportPath(const fs::path& file) {
-  return file.parent_path() / (file.stem().string() + " Update Report.txt");
-}
-
 // One update, from the copy to the file in its place.
 class Update {
  public:
@@ -251,7 +247,7 @@ class Update {
   }
 
   void TakePlace(FileBeside& fresh) {
-    const fs::path text = ReportPath(target_);
+    const fs::path text = UpdateReportPath(target_);
     FileBeside kept(text, Readers::Group);
     report_.text = text;
     kept.Write(UpgradeText(report_));
@@ -273,6 +269,10 @@ class Update {
 };
 
 }  // namespace
+
+fs::path UpdateReportPath(const fs::path& updated) {
+  return updated.parent_path() / (updated.stem().string() + " Update Report.txt");
+}
 
 fs::path UpdatedFile(const fs::path& source) {
   return LookAtDataFile(source).jet ? NextFreeName(source) : source;

@@ -30,6 +30,9 @@ struct UpdateWish {
 /// Where the updated file goes when no other place is wished.
 std::filesystem::path UpdatedFile(const std::filesystem::path& source);
 
+/// Where the report of an update is kept.
+std::filesystem::path UpdateReportPath(const std::filesystem::path& updated);
+
 /// Brings a Data File of the versions 2 to 39, an archive copy of 102 to 139, or a Jet file of any version up to 140 to
 /// the present layout, on a copy: after a Failure or a kill the source is what it was. A file of the engine's own that is
 /// updated in its place leaves a compacted ".vkb" beside; a Jet file keeps its name and its bytes. A question that only

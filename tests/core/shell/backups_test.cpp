@@ -5,10 +5,12 @@
 #include <fstream>
 
 #include "core/base/files.h"
+#include "core/datafile/databases.h"
 #include "core/session/settings.h"
 #include "core/shell/data_files.h"
 #include "core/shell/settings_restore.h"
 #include "support/data_files.h"
+#include "support/old_files.h"
 
 namespace vellumark {
 namespace {
@@ -48,7 +50,7 @@ class Backups : public testing::Test {
     EXPECT_TRUE(set) << set.error().text;
     return *set;
   }
-  Result<RestoredFiles> Restore(const fs::path& source) {
+  Result<RestoredDataFile> Restore(const fs::path& source) {
     return RestoreDataFile(room.session, source, RestoreFrom::Location, room.windows);
   }
   void ExpectRestored() {
@@ -153,34 +155,55 @@ TEST_F(Backups, AFailureInTheMiddleOfARestoreTakesItBack) {
   }
 }
 
-// Of an older version: it is brought up to date on a copy, or nothing happens.
-TEST_F(Backups, AnOlderSetStaysAsItWasProven) {
-  class Upgrading : public test::NotedWindows {
-   public:
-    bool works = false;
-    std::optional<fs::path> ShowUpdateDataFile(const fs::path& path, int) override {
-      if (!works) return std::nullopt;
-      Database::Open(path, OpenMode::Exclusive)->Execute("UPDATE FileInfo SET FileVersion = 40");
-      return path;
+// Of an older version, or of an earlier program: it is brought up to date on a copy, or nothing happens.
+TEST_F(Backups, AnOlderSetIsBroughtUpToDateOnACopy) {
+  test::OldRoom old = test::MakeOldRoom(20);
+  old.users = false;
+  const fs::path report = room.folder / "Ink Update Report.txt";
+  for (const bool jet : {false, true}) {
+    SCOPED_TRACE(jet);
+    const fs::path source = room.folder / (jet ? "Jet/Old.vkd" : "Own/Old.vkd");
+    fs::create_directories(source.parent_path());
+    jet ? test::WriteOldJetFile(source, test::OldTables(old, 28, 0)) : test::WriteOldFile(source, test::OldTables(old, 28, 0));
+    fs::path dataFile = source;
+    if (!jet) dataFile = MakeBackupSet(room.session, source, stick).dataFile;
+    const std::string bytes = ReadFileBytes(dataFile);
+    // Whether its stock counts the lots too only people know, and who does not answer changes nothing.
+    const std::string before = Colors();
+    room.prompt.Expect("Lotted Inventory", Answer::Cancel);
+    EXPECT_TRUE(Restore(dataFile).error().declined);
+    EXPECT_EQ(Colors(), before);
+    EXPECT_EQ(fs::exists(report), jet);
+
+    room.prompt.Expect("Lotted Inventory", Answer::No);
+    ExpectRestored();
+    const auto restored = Restore(dataFile);
+    ASSERT_TRUE(restored) << restored.error().text;
+    ASSERT_TRUE(restored->updated);
+    EXPECT_EQ(restored->updated->fromVersion, 28);
+    EXPECT_TRUE(restored->updated->Balanced()) << UpgradeText(*restored->updated);
+    EXPECT_NE(room.prompt.last.text.find("had the file version 28 and was brought up to version 40"), std::string::npos)
+        << room.prompt.last.text;
+    EXPECT_NE(ReadFileBytes(report).find(dataFile.string()), std::string::npos) << ReadFileBytes(report);
+    EXPECT_EQ(ReadFileInfo(room.session.File()).fileVersion, kFileVersion);
+    const std::string& database = old.databases.front().name;
+    EXPECT_EQ(CountRows(room.session.File(), database).formulas, std::ssize(old.databases.front().formulas));
+    EXPECT_TRUE(ReadFileBytes(dataFile) == bytes);
+    if (!jet) {
+      EXPECT_TRUE(VerifySet(room.session, *ReadSet(dataFile.parent_path())).faults.empty());
     }
-  } upgrading;
-  room.session.File().Execute("UPDATE FileInfo SET FileVersion = 39");
-  const BackupSet set = Make();
-  room.session.File().Execute(
-      "UPDATE FileInfo SET FileVersion = 40; INSERT INTO INK_Basic (Color_Name) VALUES ('BLUE')");
-  const std::string bytes = ReadFileBytes(set.dataFile);
-  const auto restore = [&] { return RestoreDataFile(room.session, set.dataFile, RestoreFrom::Location, upgrading); };
-  EXPECT_TRUE(restore().error().declined);
-  EXPECT_EQ(Colors(), "BLUE RED ");
-  upgrading.works = true;
-  ExpectRestored();
-  ASSERT_TRUE(restore());
+    for (const auto& entry : fs::directory_iterator(room.folder.Path()))
+      EXPECT_NE(entry.path().filename().string().front(), '.') << entry.path();
+    ExpectRestored();
+    ASSERT_TRUE(Restore(restored->kept / "Ink.vkd"));
+  }
+  // One that cannot be read whole replaces nothing.
+  std::string cut = ReadFileBytes(room.folder / "Own/Old.vkd");
+  const fs::path damaged = room.folder / "Cut/Old.vkd";
+  Write(damaged, cut.replace(cut.size() / 8192 * 4096, 3 * 4096, 3 * 4096, '\xFF'));
+  room.folder.Breaks("Structure");
+  EXPECT_NE(Restore(damaged).error().text.find(damaged.string()), std::string::npos);
   EXPECT_EQ(Colors(), "RED ");
-  EXPECT_EQ(ReadFileInfo(room.session.File()).fileVersion, kFileVersion);
-  EXPECT_TRUE(ReadFileBytes(set.dataFile) == bytes);
-  EXPECT_TRUE(VerifySet(room.session, set).faults.empty());
-  for (const auto& entry : fs::directory_iterator(room.folder.Path()))
-    EXPECT_NE(entry.path().filename().string().front(), '.') << entry.path();
 }
 
 TEST_F(Backups, TheSourceIsLookedAtFirst) {
@@ -317,6 +340,32 @@ TEST_F(Backups, SupportFilesComeBackAndTheDataFileStays) {
   EXPECT_TRUE(Restore(set.dataFile).error().declined);
 
   EXPECT_EQ(RestoreSupportFiles(session, room.folder / "Gone").error().title, "Select a Support File");
+}
+
+// Those of an older version climb on a copy, the scale file with them.
+TEST_F(Backups, OlderSupportFilesClimbOnACopy) {
+  Session& session = room.session;
+  SupportFiles old(room.folder / "Old");
+  MakeFolder(old.folder);
+  SupportRecords records(RecordShape::KeyValue);
+  for (const auto& [key, value] : {std::pair{"BatchListColWidth74", "0"}, {"StartupVar_FileVersion", "20"}, {"LabelTemplate_Version", "5"},
+                                   {"DecimalPlaces", "4"}, {"dbFileName50", "elsewhere.vkd"}})
+    records.Append(key, value);
+  old.settings.Write(records);
+  SupportRecords scale(RecordShape::KeyValue);
+  scale.Append(setting::Handshaking.key, "2");
+  old.scale.Write(scale);
+  const std::string bytes = ReadFileBytes(old.settings.Path());
+  const std::string content = ReadFileBytes(file);
+  room.prompt.Expect("Restore Complete");
+  ASSERT_TRUE(RestoreSupportFiles(session, old.folder));
+  const SupportRecords now = session.support->settings.Read();
+  EXPECT_EQ(now.Get("StartupVar_FileVersion"), SupportFileVersion);
+  EXPECT_EQ(session.DecimalPlaces, 4);
+  EXPECT_EQ(GetSetting(session, setting::DbFileName50), file.string());
+  EXPECT_EQ(session.support->scale.Read().Get(setting::Handshaking.key), "2");
+  EXPECT_EQ(ReadFileBytes(old.settings.Path()), bytes);
+  EXPECT_TRUE(ReadFileBytes(file) == content) << "nothing of the Data File";
 }
 
 }  // namespace
