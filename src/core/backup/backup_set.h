@@ -62,7 +62,11 @@ struct SetCheck {
   std::vector<std::string> faults;
   ContentProof content;
 };
-SetCheck VerifySet(Session& session, const BackupSet& set);
+enum class Reproof {
+  Always,    ///< every row is read and every rule checked again
+  IfNeeded,  ///< not where this version of the program found the set sound and every file has the bytes that it had then
+};
+SetCheck VerifySet(Session& session, const BackupSet& set, Reproof reproof = Reproof::Always);
 
 inline constexpr std::size_t kAutomaticSets = 30;
 

@@ -27,15 +27,8 @@ void ForEachCheckedFormula(CheckRun& run, const std::string& database,
   const std::string table = TableName(database, schema::Mix);
   Statement rows = run.file.Prepare(fmt::format("SELECT {} FROM {}", columns, Quoted(table)));
   WalkRows(run, rows, RowCount(run.file, table), [&](const Statement& row) {
-    CheckedFormula formula{row.Whole(0),
-                           row.TextView(1),
-                           row.TextView(2),
-                           row.TextView(3),
-                           row.Single(4),
-                           row.Single(5),
-                           row.Single(6),
-                           {},
-                           {}};
+    CheckedFormula formula{row.Whole(0),  row.TextView(1), row.TextView(2), row.TextView(3),
+                           row.Single(4), row.Single(5),   row.Single(6)};
     for (int n = 0; n < schema::kIngredientSlots; ++n) {
       const auto slot = static_cast<std::size_t>(n);
       formula.BC[slot] = row.TextView(kFirst + n);
@@ -45,29 +38,16 @@ void ForEachCheckedFormula(CheckRun& run, const std::string& database,
   });
 }
 
-namespace {
-
-Recipe FilledSlots(const CheckedFormula& formula) {
-  Recipe recipe;
-  for (std::size_t n = 0; n < formula.BC.size() && !formula.BC[n].empty(); ++n)
-    recipe.push_back({std::string(formula.BC[n]), ShownAmount(formula.BQ[n])});
-  return recipe;
+const Recipe& CheckedFormula::Filled() const {
+  if (filled.empty())
+    for (std::size_t n = 0; n < BC.size() && !BC[n].empty(); ++n)
+      filled.push_back({std::string(BC[n]), ShownAmount(BQ[n])});
+  return filled;
 }
 
-template <class Rule>
-void ForAllFormulas(CheckRun& run, const Rule& rule) {
-  for (const std::string& database : run.Databases()) {
-    const std::string table = TableName(database, schema::Mix);
-    ForEachCheckedFormula(run, database, [&](const CheckedFormula& formula) {
-      rule(formula, [&](std::string what) { run.Found(table, formula.row, formula.Color_Name, std::move(what)); });
-    });
-  }
-}
-
-}  // namespace
-
-void CheckFormulaSlots(CheckRun& run) {
-  ForAllFormulas(run, [](const CheckedFormula& formula, const auto& found) {
+FormulaLook LookAtFormulaSlots(CheckRun& run, const std::string& database) {
+  return [&run, table = TableName(database, schema::Mix)](const CheckedFormula& formula) {
+    const auto found = [&](std::string what) { run.Found(table, formula.row, formula.Color_Name, std::move(what)); };
     bool gap = false;
     for (std::size_t n = 0; n < formula.BC.size(); ++n) {
       const std::string_view name = formula.BC[n];
@@ -81,35 +61,31 @@ void CheckFormulaSlots(CheckRun& run) {
       for (std::size_t k = 0; k < n; ++k)
         if (EqualNoCase(formula.BC[k], name)) found(fmt::format("{} is an ingredient twice.", name));
     }
-  });
+  };
 }
 
-void CheckIngredients(CheckRun& run) {
-  for (const std::string& database : run.Databases()) {
-    const std::string table = TableName(database, schema::Mix);
-    Statement basic = run.file.Prepare(
-        fmt::format("SELECT 1 FROM {} WHERE Color_Name = ? LIMIT 1", QuotedTable(database, schema::Basic)));
-    // Recipes draw on few inks: each name is looked up once.
-    std::unordered_map<std::string, bool> known;
-    const auto isBasic = [&](std::string_view name) {
-      const auto [place, isNew] = known.try_emplace(std::string(name), true);
+FormulaLook LookAtIngredients(CheckRun& run, const std::string& database) {
+  const auto basic = std::make_shared<Statement>(run.file.Prepare(
+      fmt::format("SELECT 1 FROM {} WHERE Color_Name = ? LIMIT 1", QuotedTable(database, schema::Basic))));
+  // Recipes draw on few inks: each name is looked up once.
+  const auto known = std::make_shared<std::unordered_map<std::string, bool>>();
+  return [&run, basic, known, table = TableName(database, schema::Mix)](const CheckedFormula& formula) {
+    for (const std::string_view name : formula.BC) {
+      if (name.empty()) continue;
+      const auto [place, isNew] = known->try_emplace(std::string(name), true);
       if (isNew) {
-        basic.Bind(1, name);
-        place->second = basic.Step();
-        basic.Reset();
+        basic->Bind(1, name);
+        place->second = basic->Step();
+        basic->Reset();
       }
-      return place->second;
-    };
-    ForEachCheckedFormula(run, database, [&](const CheckedFormula& formula) {
-      for (const std::string_view name : formula.BC)
-        if (!name.empty() && !isBasic(name))
-          run.Found(table, formula.row, formula.Color_Name, fmt::format("The ingredient {} does not exist.", name));
-    });
-  }
+      if (!place->second)
+        run.Found(table, formula.row, formula.Color_Name, fmt::format("The ingredient {} does not exist.", name));
+    }
+  };
 }
 
-void CheckColorSets(CheckRun& run) {
-  ForAllFormulas(run, [](const CheckedFormula& formula, const auto& found) {
+FormulaLook LookAtColorSets(CheckRun& run, const std::string& database) {
+  return [&run, table = TableName(database, schema::Mix)](const CheckedFormula& formula) {
     std::string_view rest = formula.Color_Set;
     bool same = true;
     for (const std::string_view name : formula.BC) {
@@ -120,50 +96,45 @@ void CheckColorSets(CheckRun& run) {
       rest.remove_prefix(name.size() + 2);
     }
     if (!same || !rest.empty())
-      found(fmt::format("Color_Set is {}, not that of the ingredients.",
-                        formula.Color_Set.empty() ? std::string_view("empty") : formula.Color_Set));
-  });
+      run.Found(table, formula.row, formula.Color_Name,
+                fmt::format("Color_Set is {}, not that of the ingredients.",
+                            formula.Color_Set.empty() ? std::string_view("empty") : formula.Color_Set));
+  };
 }
 
-void CheckFormulaTotals(CheckRun& run) {
-  for (const std::string& database : run.Databases()) {
-    const std::string table = TableName(database, schema::Mix);
-    ForEachCheckedFormula(run, database, [&](const CheckedFormula& formula) {
-      const Recipe recipe = FilledSlots(formula);
-      const double total = TotalOf(recipe);
-      if (recipe.empty() || total == 100) return;
-      if (!formula.AddSetName.empty()) {
-        const auto set = ReadAdditiveSet(run.session, formula.AddSetName, database);
-        if (set && total == RoundTo(100 + TotalOf(set->Rows()), 3)) return;
-      }
-      run.Found(table, formula.row, formula.Color_Name, fmt::format("The formula totals {}.", Fixed(total, 3)));
-    });
-  }
+FormulaLook LookAtFormulaTotals(CheckRun& run, const std::string& database) {
+  return [&run, database, table = TableName(database, schema::Mix)](const CheckedFormula& formula) {
+    const Recipe& recipe = formula.Filled();
+    const double total = TotalOf(recipe);
+    if (recipe.empty() || total == 100) return;
+    if (!formula.AddSetName.empty()) {
+      const auto set = ReadAdditiveSet(run.session, formula.AddSetName, database);
+      if (set && total == RoundTo(100 + TotalOf(set->Rows()), 3)) return;
+    }
+    run.Found(table, formula.row, formula.Color_Name, fmt::format("The formula totals {}.", Fixed(total, 3)));
+  };
 }
 
-void CheckRollUps(CheckRun& run) {
-  constexpr std::array kEmissionDecimals{3};
-  // The accuracy is a setting of the machine; a file that was written under another one is no worse for it.
-  const std::array costDecimals{run.session.DecimalPlaces, 2, 3, 4};
-  for (const std::string& database : run.Databases()) {
-    const std::string table = TableName(database, schema::Mix);
-    FigureBook book(run.session, database);
-    RollUpWanted stale;
-    for (const PendingRollUps& pending : ReadPendingRollUps(run.file))
-      if (EqualNoCase(pending.database, database)) stale = pending.stale;
-    ForEachCheckedFormula(run, database, [&](const CheckedFormula& formula) {
-      const RolledUp sum = book.Sum(FilledSlots(formula));
-      const auto check = [&](std::string_view field, float stored, float rolledUp, std::span<const int> decimals) {
-        if (std::ranges::none_of(decimals, [&](int places) { return stored == RoundSingle(rolledUp, places); }))
-          run.Found(table, formula.row, formula.Color_Name,
-                    fmt::format("{} is {}; its ingredients give {}.", field, ShortestText(stored),
-                                ShortestText(RoundSingle(rolledUp, decimals.front()))));
-      };
-      if (!stale.cost) check("BasicCost", formula.BasicCost, sum.BasicCost, costDecimals);
-      if (!stale.voc) check("BasicVOC", formula.BasicVOC, sum.BasicVOC, kEmissionDecimals);
-      if (!stale.hap) check("BasicHAP", formula.BasicHAP, sum.BasicHAP, kEmissionDecimals);
-    });
-  }
+FormulaLook LookAtRollUps(CheckRun& run, const std::string& database) {
+  constexpr static std::array kEmissionDecimals{3};
+  RollUpWanted stale;
+  for (const PendingRollUps& pending : ReadPendingRollUps(run.file))
+    if (EqualNoCase(pending.database, database)) stale = pending.stale;
+  return [&run, stale, book = std::make_shared<FigureBook>(run.session, database),
+          table = TableName(database, schema::Mix)](const CheckedFormula& formula) {
+    // The accuracy is a setting of the machine; a file that was written under another one is no worse for it.
+    const std::array costDecimals{run.session.DecimalPlaces, 2, 3, 4};
+    const RolledUp sum = book->Sum(formula.Filled());
+    const auto check = [&](std::string_view field, float stored, float rolledUp, std::span<const int> decimals) {
+      if (std::ranges::none_of(decimals, [&](int places) { return stored == RoundSingle(rolledUp, places); }))
+        run.Found(table, formula.row, formula.Color_Name,
+                  fmt::format("{} is {}; its ingredients give {}.", field, ShortestText(stored),
+                              ShortestText(RoundSingle(rolledUp, decimals.front()))));
+    };
+    if (!stale.cost) check("BasicCost", formula.BasicCost, sum.BasicCost, costDecimals);
+    if (!stale.voc) check("BasicVOC", formula.BasicVOC, sum.BasicVOC, kEmissionDecimals);
+    if (!stale.hap) check("BasicHAP", formula.BasicHAP, sum.BasicHAP, kEmissionDecimals);
+  };
 }
 
 namespace {

@@ -158,7 +158,7 @@ void CheckRowFields(CheckRun& run, const std::string& name, const Table& table, 
   for (std::size_t i = 0; i < table.fields.size(); ++i) {
     const Field& field = table.fields[i];
     const Value value = ReadableValue(run.file, name, table, row, i);
-    if (value.IsNull()) continue;
+    if (value.IsNull() || IsPlain(field, value)) continue;
     std::string what;
     try {
       if (FittedValue(field, name, value) == value) continue;
@@ -223,7 +223,8 @@ void CheckRows(CheckRun& run) {
         run.Found(stray.table, stray.row, whole ? std::string() : NameOfRow(run, stray.table, stray.row),
                   whole ? "The table is gone, and this program did not remove it." : StrayText(stray.what));
       },
-      [&](std::int64_t done, std::int64_t all) { return run.GoOn(done, all); });
+      [&](std::int64_t done, std::int64_t all) { return run.GoOn(done, all); },
+      [&](const ReadTable& table) { run.Read(table); });
 }
 
 namespace {

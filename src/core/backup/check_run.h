@@ -3,12 +3,17 @@
 #include <array>
 #include <cstdint>
 #include <functional>
+#include <future>
+#include <memory>
+#include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "core/backup/deep_check.h"
 #include "core/base/progress_run.h"
+#include "core/colors/formulas.h"
 #include "core/datafile/lifecycle.h"
 #include "core/datafile/schema.h"
 
@@ -32,6 +37,8 @@ class CheckRun {
   bool HasGlobalTables() const { return hasGlobalTables_; }
   void SetUsable(std::vector<std::string> databases, bool hasGlobalTables);
 
+  /// Every row of a table was read.
+  void Read(const ReadTable& table) { answer_.tables.push_back(table); }
   /// The rule that runs found this. `row` is 0 for a whole table.
   void Found(std::string_view table, std::int64_t row, std::string_view name, std::string what);
   /// Each row of a query whose first two columns are the row number and the row's name as a fault of that table.
@@ -42,14 +49,32 @@ class CheckRun {
   bool Stopped() const { return stopped_; }
 
  private:
+  // What a rule found, of which the first are kept.
+  struct Findings {
+    const CheckRule* rule = nullptr;
+    std::vector<CheckFault> faults{};
+    std::size_t all = 0;
+  };
+  // The engine's check of the structure beside that of the rows, on a connection of its own.
+  struct Beside {
+    std::unique_ptr<Database> file;
+    std::future<std::vector<std::string>> faults{};
+  };
+
   void RunRule(const CheckRule& rule);
+  void RunLooks(const std::vector<const CheckRule*>& rules);
+  void LookAtFormulas(std::span<Findings> findings);
+  bool MayFail();
+  void Take(Findings& findings);
+  void BeginStructure();
+  void EndStructure();
 
   CheckDepth depth_;
   CheckState state_;
   std::vector<std::string> databases_;
   bool hasGlobalTables_ = false;
-  const CheckRule* rule_ = nullptr;
-  std::size_t found_ = 0;  // by the rule that runs
+  Findings* findings_ = nullptr;  // of the rule that runs
+  std::optional<Beside> beside_;
   CheckAnswer answer_;
   bool stopped_ = false;
   std::size_t place_ = 0;  // among the rules
@@ -57,6 +82,9 @@ class CheckRun {
 
 /// A formula while all are walked. The texts are valid until the next.
 struct CheckedFormula {
+  /// The ingredients down to the first empty slot, with their amounts as they are shown.
+  const Recipe& Filled() const;
+
   std::int64_t row = 0;
   std::string_view Color_Name;
   std::string_view Color_Set;
@@ -64,9 +92,11 @@ struct CheckedFormula {
   float BasicCost = 0;
   float BasicVOC = 0;
   float BasicHAP = 0;
-  std::array<std::string_view, schema::kIngredientSlots> BC;
+  std::array<std::string_view, schema::kIngredientSlots> BC{};
   std::array<float, schema::kIngredientSlots> BQ{};
+  mutable Recipe filled{};
 };
+using FormulaLook = std::function<void(const CheckedFormula&)>;
 void ForEachCheckedFormula(CheckRun& run, const std::string& database,
                            const std::function<void(const CheckedFormula&)>& take);
 
@@ -89,11 +119,11 @@ void CheckFields(CheckRun& run);
 void CheckUniqueNames(CheckRun& run);
 void CheckUsers(CheckRun& run);
 
-void CheckFormulaSlots(CheckRun& run);
-void CheckIngredients(CheckRun& run);
-void CheckColorSets(CheckRun& run);
-void CheckFormulaTotals(CheckRun& run);
-void CheckRollUps(CheckRun& run);
+FormulaLook LookAtFormulaSlots(CheckRun& run, const std::string& database);
+FormulaLook LookAtIngredients(CheckRun& run, const std::string& database);
+FormulaLook LookAtColorSets(CheckRun& run, const std::string& database);
+FormulaLook LookAtFormulaTotals(CheckRun& run, const std::string& database);
+FormulaLook LookAtRollUps(CheckRun& run, const std::string& database);
 void CheckAdditiveSets(CheckRun& run);
 void CheckFormulaSets(CheckRun& run);
 void CheckDesignSets(CheckRun& run);

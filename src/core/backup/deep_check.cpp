@@ -3,8 +3,10 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <future>
 #include <iterator>
 #include <optional>
+#include <utility>
 
 #include "core/backup/check_run.h"
 #include "core/base/number.h"
@@ -36,14 +38,14 @@ constexpr CheckRule kRules[] = {
     {"Rows", "Every row is as this program wrote it.", CheckDepth::Deep, false, CheckRows},
     {"UniqueNames", "Every row that has a name to be found by has its own, and no name stands twice.", CheckDepth::Deep, false,
      CheckUniqueNames},
-    {"FormulaSlots", "Filled slots of a formula come first, none of them twice, with amounts of 0 or more.", CheckDepth::Deep, false, CheckFormulaSlots},
-    {"Ingredients", "Every ingredient of a formula is a Basic Color of its Database.", CheckDepth::Deep, false, CheckIngredients},
-    {"ColorSets", "Color_Set names the ingredients in their order.", CheckDepth::Deep, false, CheckColorSets},
+    {"FormulaSlots", "Filled slots of a formula come first, none of them twice, with amounts of 0 or more.", CheckDepth::Deep, false, nullptr, LookAtFormulaSlots},
+    {"Ingredients", "Every ingredient of a formula is a Basic Color of its Database.", CheckDepth::Deep, false, nullptr, LookAtIngredients},
+    {"ColorSets", "Color_Set names the ingredients in their order.", CheckDepth::Deep, false, nullptr, LookAtColorSets},
     {"FormulaTotals",
      "A formula with ingredients totals 100.000; one that came out of a merge may total as much more as its Additive "
      "Set holds.",
-     CheckDepth::Deep, false, CheckFormulaTotals},
-    {"RollUps", "Costs and emissions of a formula are those of its ingredients.", CheckDepth::Deep, false, CheckRollUps},
+     CheckDepth::Deep, false, nullptr, LookAtFormulaTotals},
+    {"RollUps", "Costs and emissions of a formula are those of its ingredients.", CheckDepth::Deep, false, nullptr, LookAtRollUps},
     {"AdditiveSets", "An Additive Set holds Additives of its Database, each once, and SetList names them.", CheckDepth::Deep, false, CheckAdditiveSets},
     {"FormulaSets", "The Additive Set of a formula exists.", CheckDepth::Deep, false, CheckFormulaSets},
     {"DesignSets", "IngSet names the ingredients of a Design in their order.", CheckDepth::Deep, false, CheckDesignSets},
@@ -80,9 +82,9 @@ void CheckRun::SetUsable(std::vector<std::string> databases, bool hasGlobalTable
 }
 
 void CheckRun::Found(std::string_view table, std::int64_t row, std::string_view name, std::string what) {
-  if (++found_ > kMostFaults) return;
-  answer_.faults.push_back(
-      {std::string(table), row, std::string(name), std::string(rule_->name), std::move(what)});
+  if (++findings_->all > kMostFaults) return;
+  findings_->faults.push_back(
+      {std::string(table), row, std::string(name), std::string(findings_->rule->name), std::move(what)});
 }
 
 void CheckRun::FoundRows(const std::string& table, Statement& rows,
@@ -99,32 +101,105 @@ bool CheckRun::GoOn(std::int64_t done, std::int64_t all) {
   return !stopped_;
 }
 
-void CheckRun::RunRule(const CheckRule& rule) {
-  rule_ = &rule;
-  found_ = 0;
-  const bool unreadable = std::ranges::any_of(
+void CheckRun::Take(Findings& findings) {
+  std::ranges::move(findings.faults, std::back_inserter(answer_.faults));
+  if (findings.all > kMostFaults)
+    answer_.faults.push_back(
+        {"", 0, "", std::string(findings.rule->name), fmt::format("and {} more", findings.all - kMostFaults)});
+  findings_ = nullptr;
+}
+
+// What cannot be read was named by a rule before; the others are checked when it is mended.
+bool CheckRun::MayFail() {
+  EndStructure();
+  return std::ranges::any_of(
       answer_.faults, [](const CheckFault& fault) { return fault.rule == "Fields" || fault.rule == "Structure"; });
+}
+
+void CheckRun::RunRule(const CheckRule& rule) {
+  Findings findings{&rule};
+  findings_ = &findings;
   try {
-    rule.run(*this);
+    rule.look == nullptr ? rule.run(*this) : LookAtFormulas({&findings, 1});
   } catch (const Failure&) {
-    // What cannot be read was named by the rule before; the others are checked when it is mended.
-    if (!unreadable) throw;
+    if (!MayFail()) throw;
   }
-  if (found_ > kMostFaults)
-    answer_.faults.push_back({"", 0, "", std::string(rule.name), fmt::format("and {} more", found_ - kMostFaults)});
+  Take(findings);
+}
+
+void CheckRun::LookAtFormulas(std::span<Findings> findings) {
+  for (const std::string& database : databases_) {
+    std::vector<FormulaLook> looks;
+    for (const Findings& one : findings) looks.push_back(one.rule->look(*this, database));
+    ForEachCheckedFormula(*this, database, [&](const CheckedFormula& formula) {
+      for (std::size_t i = 0; i < looks.size(); ++i) {
+        findings_ = &findings[i];
+        looks[i](formula);
+      }
+    });
+  }
+}
+
+// In one walk. Where one of them meets what cannot be read, each for itself, so that the others go on.
+void CheckRun::RunLooks(const std::vector<const CheckRule*>& rules) {
+  std::vector<Findings> findings;
+  for (const CheckRule* rule : rules) findings.push_back({rule});
+  try {
+    LookAtFormulas(findings);
+  } catch (const Failure&) {
+    for (const CheckRule* rule : rules) RunRule(*rule);
+    return;
+  }
+  for (Findings& one : findings) Take(one);
+}
+
+// One that is open to be written lets nobody else in, not even its own program.
+void CheckRun::BeginStructure() {
+  if (!file.IsReadOnly()) return;
+  try {
+    beside_.emplace(Database::Open(file.Path(), OpenMode::ReadOnly));
+  } catch (const Failure&) {
+    return;  // the one that is open is checked in its turn, which tells what is amiss
+  }
+  beside_->faults = std::async(std::launch::async, [&checked = *beside_->file] { return checked.Faults(); });
+}
+
+void CheckRun::EndStructure() {
+  if (!beside_) return;
+  std::optional<Beside> ended = std::exchange(beside_, std::nullopt);
+  Findings* const before = findings_;
+  const CheckRule* const rule = std::ranges::find(kRules, std::string_view("Structure"), &CheckRule::name);
+  Findings findings{rule};
+  findings_ = &findings;
+  for (std::string& fault : ended->faults.get()) Found("", 0, "", std::move(fault));
+  std::vector<CheckFault> later = std::exchange(answer_.faults, {});
+  Take(findings);
+  std::ranges::move(later, std::back_inserter(answer_.faults));
+  findings_ = before;
 }
 
 CheckAnswer CheckRun::Run(const std::function<bool(const CheckRule&)>& wanted) {
   std::optional<ProgressRun> progress;  // what costs nothing shows nothing
   if (depth_ != CheckDepth::Opening) progress.emplace(session.progress, "Checking Data File ...");
-  for (const CheckRule& rule : kRules) {
-    if (rule.depth > depth_ || (wanted && !wanted(rule))) continue;
-    if (state_ == CheckState::InUse && rule.closed) continue;
-    place_ = static_cast<std::size_t>(&rule - kRules);
+  std::vector<const CheckRule*> rules;
+  for (const CheckRule& rule : kRules)
+    if (rule.depth <= depth_ && (!wanted || wanted(rule)) && !(state_ == CheckState::InUse && rule.closed))
+      rules.push_back(&rule);
+  if (depth_ == CheckDepth::Deep && !rules.empty() && rules.front()->run == CheckStructure) BeginStructure();
+  std::vector<const CheckRule*> looks;
+  for (std::size_t i = 0; i < rules.size() && !stopped_; ++i) {
+    place_ = static_cast<std::size_t>(rules[i] - kRules);
     if (!GoOn(0, 1)) break;
-    RunRule(rule);
-    if (stopped_) break;
+    if (rules[i]->run == CheckStructure && beside_) continue;
+    if (rules[i]->look == nullptr) {
+      RunRule(*rules[i]);
+      continue;
+    }
+    looks.push_back(rules[i]);
+    if (i + 1 < rules.size() && rules[i + 1]->look != nullptr) continue;
+    RunLooks(std::exchange(looks, {}));
   }
+  EndStructure();
   answer_.complete = !stopped_;
   return std::move(answer_);
 }

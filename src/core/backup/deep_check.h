@@ -1,11 +1,13 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <span>
 #include <string>
 #include <string_view>
 #include <vector>
 
+#include "core/datafile/row_checks.h"
 #include "core/session/session.h"
 
 namespace vellumark {
@@ -22,11 +24,13 @@ struct CheckFault {
 struct CheckAnswer {
   std::vector<CheckFault> faults;  ///< in the order of the rules; of one rule at most kMostFaults and how many more
   bool complete = true;            ///< false when the operator stopped it
+  std::vector<ReadTable> tables;   ///< those of which the check of rows read every row
   bool Sound() const { return faults.empty(); }
 };
 constexpr std::size_t kMostFaults = 200;
 
 class CheckRun;
+struct CheckedFormula;
 
 /// How much is checked; each depth holds those before it.
 enum class CheckDepth {
@@ -42,6 +46,8 @@ struct CheckRule {
   CheckDepth depth = CheckDepth::Deep;  ///< the first one that checks it
   bool closed = false;                  ///< holds only while nobody works in the file
   void (*run)(CheckRun&) = nullptr;
+  /// Instead, of a rule about each formula of a Database by itself: all of them share one walk.
+  std::function<void(const CheckedFormula&)> (*look)(CheckRun&, const std::string& database) = nullptr;
 };
 /// All rules in the order in which they are checked.
 std::span<const CheckRule> CheckRules();
@@ -52,7 +58,8 @@ enum class CheckState {
 };
 
 /// Checks the session's open file, of the present version, against the rules; only reads. Memory does not grow with the number of rows, but for
-/// a figure of each colour that has stock. Shows its progress, and may be cancelled.
+/// a figure of each colour that has stock. Shows its progress, and may be cancelled. Of a file that is only looked at the
+/// engine checks the structure in a thread of its own.
 CheckAnswer CheckDataFileRules(Session& session, CheckDepth depth, CheckState state = CheckState::Closed);
 
 /// Rows that were changed past this program, taken as they stand from now on. What follows from a price or a recipe

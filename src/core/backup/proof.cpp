@@ -2,12 +2,13 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <bit>
+#include <future>
 #include <nlohmann/json.hpp>
 #include <system_error>
 #include <utility>
 
-#include "core/backup/other_file.h"
 #include "core/base/digest.h"
 #include "core/base/files.h"
 #include "core/base/refusal.h"
@@ -30,6 +31,10 @@ std::uint64_t RowDigest(const Statement& row, int columns) {
     if (value.IsText()) digest.Add(std::get<std::string>(value.Held()));
   }
   return digest.Value();
+}
+
+TableProof ProofOf(const ReadTable& table) {
+  return {table.table, table.rows, table.digest};
 }
 
 std::vector<DatabaseProof> CountDatabases(Database& file, const std::vector<std::string>& names) {
@@ -73,22 +78,31 @@ std::int64_t ContentProof::Batches() const {
   return all;
 }
 
-ContentProof ProveContent(Session& session, const fs::path& path) {
-  const InPlaceOfOpenFile opened(session, path);
+ContentProof ProveContent(const Session& asked, const fs::path& path, Progress& progress, DigestsOf digestsOf) {
+  Session session(asked.prompt, progress, asked.clock);
+  session.UMI = asked.UMI;
+  session.UMF = asked.UMF;
+  session.InvLotTracking = asked.InvLotTracking;
+  session.DecimalPlaces = asked.DecimalPlaces;
+  session.DataFileDB = Database::Open(path, OpenMode::ReadOnly);
   Database& file = session.File();
-  ContentProof proof;
   const FileInfoRow info = ReadFileInfo(file);
-  proof.fileVersion = info.fileVersion;
+  session.databaseList = info.dbList;
+  ContentProof proof{info.fileVersion, digestsOf};
+  std::vector<ReadTable> read;
   const VersionGate gate = GateOf(info.fileVersion);
   if (gate == VersionGate::Current || gate == VersionGate::ReadOnly) {
-    for (const CheckFault& fault : CheckDataFileRules(session, CheckDepth::Deep, CheckState::InUse).faults)
-      proof.faults.push_back(FaultText(fault));
+    CheckAnswer check = CheckDataFileRules(session, CheckDepth::Deep, CheckState::InUse);
+    for (const CheckFault& fault : check.faults) proof.faults.push_back(FaultText(fault));
+    if (digestsOf == DigestsOf::Rows) read = std::move(check.tables);
   } else {
     proof.faults = file.Faults();
   }
   for (const std::string& table : file.TableNames()) {
     try {
-      proof.tables.push_back(ProveRows(file, table));
+      const auto done = std::ranges::find(read, table, &ReadTable::table);
+      proof.tables.push_back(digestsOf == DigestsOf::Values ? ProveRows(file, table)
+                                                            : ProofOf(done != read.end() ? *done : ReadRowsOf(file, table)));
     } catch (const Failure& failure) {
       proof.faults.push_back(fmt::format("{} cannot be read: {}", table, failure.cause));
     }
@@ -131,8 +145,15 @@ FileProof ReadProved(const fs::path& path, std::string name, const std::function
     }
     if (filled == 0) break;
     const std::string_view read(piece.data(), filled);
-    digest.Add(read);
-    take(read);
+    // Of large files the digest is worked out while what was read is written.
+    std::future<void> added;
+    if (take && filled == piece.size()) {
+      added = std::async(std::launch::async, [&] { digest.Add(read); });
+    } else {
+      digest.Add(read);
+    }
+    if (take) take(read);
+    if (added.valid()) added.get();
     proof.bytes += static_cast<std::int64_t>(filled);
   }
   proof.digest = digest.Value();
@@ -140,7 +161,7 @@ FileProof ReadProved(const fs::path& path, std::string name, const std::function
 }
 
 FileProof ProveFile(const fs::path& path, std::string name) {
-  return ReadProved(path, std::move(name), [](std::string_view) {});
+  return ReadProved(path, std::move(name), {});
 }
 
 FileProof CopyProved(const fs::path& from, const fs::path& to, std::string name) {
@@ -186,6 +207,7 @@ std::string ProofText(const SetProof& proof) {
                   {"Sound", proof.content.Sound()},
                   {"Faults", proof.content.faults},
                   {"Databases", databases},
+                  {"Digests", proof.content.digestsOf == DigestsOf::Rows ? "Rows" : "Values"},
                   {"Tables", tables},
                   {"Files", files}};
   return text.dump(1, ' ', false, Json::error_handler_t::replace) + "\n";
@@ -205,6 +227,8 @@ std::optional<SetProof> ReadProofText(const std::string& text) {
     proof.UMI = json.at("UMI").get<int>();
     proof.content.fileVersion = json.at("FileVersion").get<int>();
     proof.content.faults = json.at("Faults").get<std::vector<std::string>>();
+    // An earlier program did not tell.
+    proof.content.digestsOf = json.value("Digests", "Values") == "Rows" ? DigestsOf::Rows : DigestsOf::Values;
     for (const Json& table : json.at("Tables"))
       proof.content.tables.push_back({table.at("Table"), table.at("Rows"), DigestOf(table.at("Digest"))});
     for (const Json& database : json.at("Databases"))

@@ -14,6 +14,10 @@
 
 namespace vellumark {
 
+/// What the digest of a table is made of: of the values, as an earlier program did, or of the digests of its rows, which
+/// the check of rows works out anyway.
+enum class DigestsOf { Values, Rows };
+
 /// The content of a table, whatever pages it stands on and in whatever order: how many rows, and a digest of all their
 /// values. One changed bit of a value changes the digest.
 struct TableProof {
@@ -43,9 +47,10 @@ struct DatabaseProof {
 /// What a Data File holds, read through the engine, and whether it is sound.
 struct ContentProof {
   int fileVersion = 0;
-  std::vector<TableProof> tables;
-  std::vector<DatabaseProof> databases;
-  std::vector<std::string> faults;  ///< in words, a line each; empty when sound
+  DigestsOf digestsOf = DigestsOf::Rows;
+  std::vector<TableProof> tables{};
+  std::vector<DatabaseProof> databases{};
+  std::vector<std::string> faults{};  ///< in words, a line each; empty when sound
   bool Sound() const { return faults.empty(); }
   /// Of all Databases.
   std::int64_t Formulas() const;
@@ -53,14 +58,19 @@ struct ContentProof {
 };
 
 /// Reads every row of a closed file and checks it: the engine's own check and every rule between rows. The session's
-/// open file, which may be another, stays open. Throws Failure when the file cannot be read at all.
-ContentProof ProveContent(Session& session, const std::filesystem::path& file);
+/// open file, which may be another, stays open and is not touched: of the session only its settings are read. Throws
+/// Failure when the file cannot be read at all.
+ContentProof ProveContent(const Session& session, const std::filesystem::path& file, Progress& progress,
+                          DigestsOf digestsOf = DigestsOf::Rows);
+inline ContentProof ProveContent(const Session& session, const std::filesystem::path& file) {
+  return ProveContent(session, file, session.progress);
+}
 
 /// The rows of a table, or those for which a condition over them holds, with `bound` as its ?1.
 TableProof ProveRows(Database& file, const std::string& table, const std::string& where = {},
                      const std::string& bound = {});
 
-/// Reads a whole file, piece by piece. Throws Failure.
+/// Reads a whole file, piece by piece, each of which goes to `take` where there is one. Throws Failure.
 FileProof ReadProved(const std::filesystem::path& path, std::string name,
                      const std::function<void(std::string_view)>& take);
 FileProof ProveFile(const std::filesystem::path& path, std::string name);

@@ -477,7 +477,8 @@ void RowChecks::ForgetDropped() {
 // ---- The check
 
 void RowChecks::ForEachStrayRow(const std::function<void(const StrayRow&)>& found,
-                                const std::function<bool(std::int64_t done, std::int64_t all)>& goOn) {
+                                const std::function<bool(std::int64_t done, std::int64_t all)>& goOn,
+                                const std::function<void(const ReadTable&)>& read) {
   const std::vector<std::string> tables = Tables();
   std::int64_t all = 0;
   for (const std::string& table : tables) {
@@ -490,8 +491,10 @@ void RowChecks::ForEachStrayRow(const std::function<void(const StrayRow&)>& foun
   std::int64_t done = 0;
   for (const std::string& table : tables) {
     const auto sums = logged.find(table);
-    if (!CheckTable(table, sums == logged.end() ? Sums() : sums->second, found, [&] { return goOn(++done, all); }))
+    ReadTable whole{table};
+    if (!CheckTable(whole, sums == logged.end() ? Sums() : sums->second, found, [&] { return goOn(++done, all); }))
       return;
+    if (read) read(whole);
   }
   std::set<std::string> known;
   for (Query kept(*this, fmt::format("SELECT DISTINCT TableName FROM main.{}", kTable)); kept.Step();)
@@ -535,8 +538,9 @@ class RowChecks::Kept {
 };
 
 // Rows and records side by side, both in the order of the keys.
-bool RowChecks::CheckTable(const std::string& table, const Sums& logged,
-                           const std::function<void(const StrayRow&)>& found, const std::function<bool()>& goOn) {
+bool RowChecks::CheckTable(ReadTable& read, const Sums& logged, const std::function<void(const StrayRow&)>& found,
+                           const std::function<bool()>& goOn) {
+  const std::string& table = read.table;
   Query rows(*this, fmt::format("SELECT rowid, * FROM main.{} ORDER BY rowid", Quoted(table)));
   Kept records(*this, table, logged);
   Record record;
@@ -552,6 +556,9 @@ bool RowChecks::CheckTable(const std::string& table, const Sums& logged,
   next();
   while (rows.Step()) {
     const std::int64_t key = rows.Whole(0);
+    const std::uint64_t digest = DigestOfColumns(rows.get(), 1);
+    ++read.rows;
+    read.digest += digest;
     while (record.stands && record.block < BlockOf(key)) {
       leave();
       next();
@@ -559,7 +566,7 @@ bool RowChecks::CheckTable(const std::string& table, const Sums& logged,
     const bool here = record.stands && record.block == BlockOf(key);
     if (!here || record.sound) {
       const std::uint64_t kept = here ? std::exchange(record.sums[PlaceInBlock(key)], 0) : 0;
-      if (kept != DigestOfColumns(rows.get(), 1))
+      if (kept != digest)
         found({table, key, kept == 0 ? StrayRow::What::Added : StrayRow::What::Changed});
     }
     if (!goOn()) return false;
@@ -571,6 +578,13 @@ bool RowChecks::CheckTable(const std::string& table, const Sums& logged,
   return true;
 }
 
+ReadTable RowChecks::ReadRowsOf(const std::string& table) {
+  ReadTable read{table};
+  for (Query rows(*this, fmt::format("SELECT rowid, * FROM main.{}", Quoted(table))); rows.Step(); ++read.rows)
+    read.digest += DigestOfColumns(rows.get(), 1);
+  return read;
+}
+
 // ---- For everybody
 
 // Of another engine than this one nobody keeps digests.
@@ -580,8 +594,13 @@ bool HasRowChecks(Database& file) {
 }
 
 void ForEachStrayRow(Database& file, const std::function<void(const StrayRow&)>& found,
-                     const std::function<bool(std::int64_t done, std::int64_t all)>& goOn) {
-  dynamic_cast<SqliteDatabase&>(file).Rows().ForEachStrayRow(found, goOn);
+                     const std::function<bool(std::int64_t done, std::int64_t all)>& goOn,
+                     const std::function<void(const ReadTable&)>& read) {
+  dynamic_cast<SqliteDatabase&>(file).Rows().ForEachStrayRow(found, goOn, read);
+}
+
+ReadTable ReadRowsOf(Database& file, const std::string& table) {
+  return dynamic_cast<SqliteDatabase&>(file).Rows().ReadRowsOf(table);
 }
 
 void AcceptRows(Database& file) {

@@ -63,7 +63,9 @@ class RowChecks {
   void ForgetDropped();
 
   void ForEachStrayRow(const std::function<void(const StrayRow&)>& found,
-                       const std::function<bool(std::int64_t done, std::int64_t all)>& goOn);
+                       const std::function<bool(std::int64_t done, std::int64_t all)>& goOn,
+                       const std::function<void(const ReadTable&)>& read);
+  ReadTable ReadRowsOf(const std::string& table);
 
  private:
   static constexpr std::size_t kManyRows = 16384;
@@ -110,7 +112,7 @@ class RowChecks {
   void Execute(const std::string& sql) const;
   void KeepTable(const std::string& table);
   class Kept;
-  bool CheckTable(const std::string& table, const Sums& logged, const std::function<void(const StrayRow&)>& found,
+  bool CheckTable(ReadTable& read, const Sums& logged, const std::function<void(const StrayRow&)>& found,
                   const std::function<bool()>& goOn);
   std::vector<std::string> Tables() const;
   [[noreturn]] void Throw() const;

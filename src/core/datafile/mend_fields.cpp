@@ -2,7 +2,9 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <cmath>
+#include <limits>
 #include <utility>
 
 #include "core/base/number.h"
@@ -82,6 +84,44 @@ Value ReadableValue(Database& file, std::string_view name, const Table& table, c
 
 namespace {
 
+// "2026-03-10 00:00:00", as a date is written.
+bool IsPlainDate(const Value& value) {
+  constexpr std::string_view kShape = "0000-00-00 00:00:00";
+  const std::string& text = std::get<std::string>(value.Held());
+  const auto fits = [](char shape, char c) { return shape == '0' ? c >= '0' && c <= '9' : c == shape; };
+  return text.size() == kShape.size() && std::ranges::equal(kShape, text, fits) && value.Date();
+}
+
+}  // namespace
+
+bool IsPlain(const Field& field, const Value& value) {
+  if (value.IsWhole()) {
+    const auto within = [&](std::int64_t low, std::int64_t high) { return value.Whole() >= low && value.Whole() <= high; };
+    switch (field.type) {
+      case FieldType::Boolean:
+        return within(0, 1);
+      case FieldType::Byte:
+        return within(0, 255);
+      case FieldType::Integer:
+        return within(-32768, 32767);
+      case FieldType::Long:
+        return within(std::numeric_limits<std::int32_t>::min(), std::numeric_limits<std::int32_t>::max());
+      default:
+        return false;
+    }
+  }
+  if (value.IsNumber())
+    return field.type == FieldType::Single && static_cast<double>(static_cast<float>(value.Number())) == value.Number();
+  if (field.type == FieldType::Date) return IsPlainDate(value);
+  if (field.type != FieldType::Text && field.type != FieldType::Memo) return false;
+  const std::string& text = std::get<std::string>(value.Held());
+  if (text.empty()) return field.zeroLength;
+  if (field.type == FieldType::Text && text.size() > static_cast<std::size_t>(field.size)) return false;
+  return std::ranges::all_of(text, [](char c) { return static_cast<unsigned char>(c) - 1U < 0x7FU; });
+}
+
+namespace {
+
 // Of its sums the history keeps more than a Single.
 bool IsKeptFiner(const Table& table, const Field& field, const Value& value) {
   return &table == &schema::StockHistory && field.type == FieldType::Single && value.IsNumber();
@@ -119,7 +159,7 @@ std::vector<MendedField> FitValues(Database& file, const std::string& name, cons
     while (rows.Step())
       for (std::size_t i = 0; i < table.fields.size(); ++i) {
         const Value value = ReadableValue(file, name, table, rows, i);
-        if (value.IsNull()) continue;
+        if (value.IsNull() || IsPlain(table.fields[i], value)) continue;
         try {
           Value fitted = FittedValue(table.fields[i], name, value);
           if (fitted != value && !IsKeptFiner(table, table.fields[i], value)) mended.push_back({rows.Whole(0), i, std::move(fitted)});
@@ -149,6 +189,9 @@ std::vector<MendedField> FillNulls(Database& file, const std::string& name, cons
     for (int i = 0; i < row.ColumnCount(); ++i) empty.push_back(row.Whole(i));
   }
   std::vector<MendedField> told;
+  std::vector<Value> values;
+  std::string sets;
+  std::string lacks;
   for (std::size_t i = 0; i < table.fields.size(); ++i) {
     const Field& field = table.fields[i];
     if (empty[i] == 0) continue;
@@ -161,12 +204,17 @@ std::vector<MendedField> FillNulls(Database& file, const std::string& name, cons
       continue;
     }
     const Value value = filled != rule.filled.end() ? filled->second : text ? Value("") : Value(0);
-    file.Prepare(fmt::format("UPDATE {0} SET {1} = ?1 WHERE {1} IS NULL", Quoted(name), Quoted(field.name)))
-        .Bind(1, value)
-        .Run();
+    values.push_back(value);
+    sets += fmt::format("{0}{1} = COALESCE({1}, ?{2})", sets.empty() ? "" : ", ", Quoted(field.name), values.size());
+    lacks += fmt::format("{}{} IS NULL", lacks.empty() ? "" : " OR ", Quoted(field.name));
     told.push_back({field.name, empty[i],
                     value.Text().empty() ? "no value: empty text now" : fmt::format("no value: {} now", value.Text())});
   }
+  if (values.empty()) return told;
+  // All of a row at once: a file of an earlier program may lack a hundred values in each.
+  Statement fill = file.Prepare(fmt::format("UPDATE {} SET {} WHERE {}", Quoted(name), sets, lacks));
+  for (std::size_t i = 0; i < values.size(); ++i) fill.Bind(static_cast<int>(i) + 1, values[i]);
+  fill.Run();
   return told;
 }
 

@@ -17,6 +17,9 @@ namespace vellumark {
 std::string ReadableColumns(const Table& table);
 Value ReadableValue(Database& file, std::string_view name, const Table& table, const Statement& row, std::size_t place);
 
+/// Whether a value is as its field keeps it; quick for what nearly all are, and says no of others that FittedValue takes.
+bool IsPlain(const Field& field, const Value& value);
+
 /// What was done to a field of a table.
 struct MendedField {
   std::string field;

@@ -28,10 +28,19 @@ struct StrayRow {
 /// Whether the file has the digests. One that an earlier program made gets them when it is first opened to be written;
 /// one of another engine has none.
 bool HasRowChecks(Database& file);
-/// Of a file that has them: reads every row and tells the stray ones, by table and row. `goOn` hears how many rows of
-/// how many are read, and stops the reading with false.
+/// A table of which every row was read: how many, and the sum of their digests, which does not ask in which order they come.
+struct ReadTable {
+  std::string table;
+  std::int64_t rows = 0;
+  std::uint64_t digest = 0;
+};
+/// Of a file that has them: reads every row and tells the stray ones, by table and row. `goOn` hears how many rows of how
+/// many are read, and stops the reading with false; `read` hears of each table that was read to its end.
 void ForEachStrayRow(Database& file, const std::function<void(const StrayRow&)>& found,
-                     const std::function<bool(std::int64_t done, std::int64_t all)>& goOn);
+                     const std::function<bool(std::int64_t done, std::int64_t all)>& goOn,
+                     const std::function<void(const ReadTable&)>& read = {});
+/// One table of a file of this engine, compared with nothing. Throws Failure where a row cannot be read.
+ReadTable ReadRowsOf(Database& file, const std::string& table);
 /// Takes every row as it stands from now on.
 void AcceptRows(Database& file);
 

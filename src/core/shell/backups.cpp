@@ -79,7 +79,7 @@ Result<SetCheck> CheckSource(Session& session, const fs::path& source) {
   }
   auto set = ReadSet(source.parent_path());
   if (set && set->dataFile == source && (set->proof || TimeOfSet(source.parent_path().filename().string())))
-    return VerifySet(session, *set);
+    return VerifySet(session, *set, Reproof::IfNeeded);
   const ProgressRun progress(session.progress, "Checking backup ...");
   SetCheck check;
   check.set.folder = source.parent_path();
