@@ -3,7 +3,8 @@
 #include <gtest/gtest.h>
 
 #include "core/base/files.h"
-#include "support/archive_strikes.h"
+#include "support/cli_run.h"
+#include "support/old_room.h"
 
 namespace vellumark {
 namespace {
@@ -93,15 +94,6 @@ TEST(CliArchive, NothingMovesWhileItMayNot) {
   const test::CliAnswer nested = room.Run({"--file", (room.folder / "Ink Archive 2026.vkd").string(), "--user", "BOSS",
                                            "--password", "SECRET", "archive", "run"});
   EXPECT_EQ(nested.err.find("Archive or Backup Data File: You are viewing data"), 0U) << nested.err;
-}
-
-// The long form, at every operation, stands in tests/long.
-struct CliArchiveStrikes : test::ArchiveStrikes {
-  CliArchiveStrikes() : ArchiveStrikes(3) {}
-};
-
-TEST_F(CliArchiveStrikes, AKillOrAFailingDiskLeavesAllOfItOrNothing) {
-  EXPECT_GT(StrikeArchive(41, {test::kKilled, EIO}), 8);
 }
 
 }  // namespace

@@ -1,5 +1,5 @@
-// Backup, pruning, restore and restore of settings killed at every one of their file operations, and each of these failing
-// in turn: a set is whole or not there, the Data File is what it was or what the set holds, and the next try works.
+// Backup, pruning, restore, repair and restore of settings killed at every one of their file operations, and each of these
+// failing in turn: a set is whole or not there, the Data File is what it was or what the set holds, and the next try works.
 
 #include <gtest/gtest.h>
 
@@ -7,69 +7,87 @@
 
 #include "core/backup/backup_set.h"
 #include "core/base/files.h"
-#include "core/settings/support_files.h"
-#include "support/snapshot.h"
+#include "core/session/settings.h"
+#include "core/shell/backups.h"
+#include "core/shell/repairs.h"
+#include "core/shell/settings_restore.h"
+#include "support/old_room.h"
 #include "support/struck_room.h"
 
 namespace vellumark {
 namespace {
 
 namespace fs = std::filesystem;
+using test::CoreDesk;
 
 class BackupSteps : public test::StruckRoom {
  protected:
   BackupSteps() {
-    room.MakeFile();
-    room.Json({"color", "add", "RED", "Notes=" + std::string(600, 'n')});
+    test::AddTenYears(*Database::Open(file, OpenMode::Exclusive), 2025, 2);
     fs::create_directories(photos);
     ReplaceFile(photos / "red.jpg", std::string(5000, 'r'));
-    room.Json({"--now", "2026-03-09 17:00:00", "backup", "make", "--to", stick.string()});
-    set = ListSets(stick).front().folder;
-    room.Json({"color", "add", "BLUE"});
+    EXPECT_EQ(Do([&](CoreDesk& desk) {
+                desk.clock.Set({2026, 3, 9, 17, 0, 0});
+                set = BackUpToFolder(desk.session, stick)->folder;
+                return true;
+              }),
+              0);
+    AddColor("BLUE");
     ReplaceFile(photos / "red.jpg", "another red");
+    Content();
     KeepState();
   }
   void ExpectWholeSets(std::size_t least, std::size_t most) const {
     const auto sets = ListSets(stick);
     ASSERT_GE(sets.size(), least);
     ASSERT_LE(sets.size(), most);
-    for (const BackupSet& one : sets)
-      ASSERT_EQ(room.Run({"backup", "verify", one.folder.string()}).status, 0) << one.folder;
+    for (const BackupSet& one : sets) ExpectWhole(one);
   }
-  fs::path file = room.folder / "Ink.vkd";
-  fs::path photos = room.folder / "DesignPhotos";
-  fs::path stick = room.folder / "Stick";
+  void ExpectWhole(const BackupSet& one) const {
+    CoreDesk desk(folder.Path());
+    const SetCheck check = VerifySet(desk.session, one);
+    ASSERT_TRUE(one.proof && check.faults.empty()) << one.folder << ": " << (check.faults.empty() ? "" : check.faults.front());
+  }
+  void ExpectNothingBegun(const fs::path& in, std::string_view beginning) const {
+    for (const auto& entry : fs::directory_iterator(in))
+      ASSERT_FALSE(entry.path().filename().string().starts_with(beginning)) << entry.path();
+  }
+  fs::path photos = folder / "DesignPhotos";
+  fs::path stick = folder / "Stick";
   fs::path set;
 };
 
 TEST_F(BackupSteps, Make) {
-  const Words make{"--now", "2026-03-10 09:00:00", "backup", "make", "--to", stick.string()};
-  const auto colors = room.Json({"color", "list"});
+  const Act make = [&](CoreDesk& desk) { return BackUpToFolder(desk.session, stick).has_value(); };
+  const std::string before = Content();
+  ASSERT_EQ(Do(make), 0);
+  const std::string after = Content();
   const int points = Strike(make, 1, [&] {
     ExpectWholeSets(1, 2);
-    ASSERT_EQ(room.Json({"color", "list"}), colors);
-    ASSERT_EQ(room.Run(make).status, 0);
+    const std::string now = Content();
+    ASSERT_TRUE(now == before || now == after);
+    ASSERT_EQ(Do(make), 0);
+    ASSERT_EQ(Content(), after);
     ExpectWholeSets(2, 3);
-    for (const auto& entry : fs::directory_iterator(stick))
-      ASSERT_FALSE(entry.path().filename().string().starts_with(".VK_")) << entry.path();
+    ExpectNothingBegun(stick, ".");
   });
   EXPECT_GT(points, 100);
 }
 
 TEST_F(BackupSteps, Restore) {
-  const Words restore{"--yes", "--now", "2026-03-10 09:00:00", "backup", "restore", set.string()};
-  const auto before = room.Json({"color", "list"});
-  ASSERT_EQ(room.Run(restore).status, 0);
-  const auto after = room.Json({"color", "list"});
+  const Act restore = [&](CoreDesk& desk) {
+    return RestoreDataFile(desk.session, set / "Ink.vkd", RestoreFrom::Location, desk.windows).has_value();
+  };
+  const std::string before = Content();
+  ASSERT_EQ(Do(restore), 0);
+  const std::string after = Content();
   ASSERT_NE(before, after);
   const int points = Strike(restore, 1, [&] {
-    // The start heals what a killed program left.
-    const auto now = room.Json({"color", "list"});
+    const std::string now = Content();
     ASSERT_TRUE(now == before || now == after);
-    ASSERT_EQ(room.Run({"file", "check", file.string(), "--deep"}).status, 0);
     ExpectWholeSets(1, 1);
-    ASSERT_EQ(room.Run(restore).status, 0);
-    ASSERT_EQ(room.Json({"color", "list"}), after);
+    ASSERT_EQ(Do(restore), 0);
+    ASSERT_EQ(Content(), after);
     ASSERT_EQ(ReadFileBytes(photos / "red.jpg"), std::string(5000, 'r'));
   });
   EXPECT_GT(points, 100);
@@ -81,11 +99,13 @@ TEST_F(BackupSteps, Repair) {
     const auto opened = Database::Open(file, OpenMode::Exclusive);
     opened->Execute("INSERT INTO INK_Basic (Color_Name, Notes) VALUES ('red', 'second'), ('PAGE', 'marked page')");
   }
-  const Words repair{"--yes", "--now", "2026-03-10 09:00:00", "file", "repair", file.string()};
+  const Act repair = [&](CoreDesk& desk) {
+    return RepairDataFile(desk.session, desk.windows, [] { return true; }).has_value();
+  };
   const auto content = [&] { return test::Snapshot(*Database::Open(file, OpenMode::Exclusive)); };
   for (const bool damaged : {false, true}) {
     if (damaged) {
-      room.folder.Breaks("Structure");
+      folder.Breaks("Structure");
       std::string bytes = ReadFileBytes(file);
       const std::size_t page = bytes.find("CREATE TABLE") / 4096 * 4096;
       std::fill_n(bytes.begin() + static_cast<std::ptrdiff_t>(page), 100, '\x01');
@@ -93,7 +113,7 @@ TEST_F(BackupSteps, Repair) {
     }
     KeepState();
     const std::string bytes = ReadFileBytes(file);
-    ASSERT_EQ(room.Run(repair).status, 0);
+    ASSERT_EQ(Do(repair), 0);
     const std::string after = content();
     ASSERT_FALSE(fs::exists(photos / "red.jpg"));
     const int points = Strike(repair, 1, [&] {
@@ -105,10 +125,10 @@ TEST_F(BackupSteps, Repair) {
       }
       // The photo is where it was or in the copy.
       bool photo = fs::exists(photos / "red.jpg");
-      for (const auto& entry : fs::directory_iterator(room.folder.Path()))
+      for (const auto& entry : fs::directory_iterator(folder.Path()))
         photo = photo || (entry.path().filename().string().starts_with("Before Repair") && fs::exists(entry.path() / "DesignPhotos" / "red.jpg"));
       ASSERT_TRUE(photo);
-      ASSERT_EQ(room.Run(repair).status, 0);
+      ASSERT_EQ(Do(repair), 0);
       ASSERT_EQ(content(), after);
     });
     EXPECT_GT(points, 100);
@@ -117,68 +137,57 @@ TEST_F(BackupSteps, Repair) {
 }
 
 TEST_F(BackupSteps, RestoreSettings) {
-  room.Json({"settings", "set", "DecimalPlaces", "4"});
+  EXPECT_EQ(Do([](CoreDesk& desk) { return StoreSettings(desk.session, {setting::DecimalPlaces.To(4)}), true; }), 0);
   KeepState();
-  const Words restore{"--yes", "--now", "2026-03-10 09:00:00", "backup", "restore-settings", set.string()};
+  const Act restore = [&](CoreDesk& desk) {
+    return RestoreSupportFiles(desk.session, set / kSupportFolderOfSet).has_value();
+  };
   const auto files = [&] {
     std::map<std::string, std::string> contents;
-    for (const auto& entry : fs::directory_iterator(room.folder / "VKDat"))
+    for (const auto& entry : fs::directory_iterator(folder / "VKDat"))
       if (entry.path().extension() == ".dat") contents[entry.path().filename()] = ReadFileBytes(entry.path());
     return contents;
   };
   const auto before = files();
-  ASSERT_EQ(room.Run(restore).status, 0);
+  ASSERT_EQ(Do(restore), 0);
   const auto after = files();
   ASSERT_EQ(after.size(), 5U);
   ASSERT_NE(before, after);
   const int points = Strike(restore, 1, [&] {
-    room.Json({"settings", "list"});  // the start goes on with what was settled
+    CoreDesk(folder.Path());  // the start goes on with what was settled
     ASSERT_TRUE(files() == before || files() == after);
-    ASSERT_EQ(room.Run(restore).status, 0);
+    ASSERT_EQ(Do(restore), 0);
     ASSERT_EQ(files(), after);
-    for (const auto& entry : fs::directory_iterator(room.folder / "VKDat"))
-      ASSERT_FALSE(entry.path().filename().string().starts_with(".restored") ||
-                   entry.path().filename().string().starts_with(".settings"))
-          << entry.path();
+    ExpectNothingBegun(folder / "VKDat", ".restored");
+    ExpectNothingBegun(folder / "VKDat", ".settings");
   });
   EXPECT_GT(points, 100);
 }
 
 // The closing of a day with thirty sets: no strike takes one away before the new one stands.
 TEST_F(BackupSteps, Prune) {
-  const fs::path automatic = room.folder / kAutoBackupFolder;
+  const fs::path automatic = folder / kAutoBackupFolder;
   for (int day = 1; day <= 30; ++day) {
     const fs::path old = automatic / SetName({2025, 1, day, 8, 0, 0});
     fs::create_directories(old);
     ReplaceFile(old / "Ink.vkd", "as it was");
   }
+  folder.Breaks("Structure");
   KeepState();
-  const auto close = [&]() -> int {
-    test::ScriptedPrompt prompt;
-    NoProgress progress;
-    FixedClock clock{DateTime{2026, 3, 10, 17, 0, 0}};
-    Session session{prompt, progress, clock};
-    session.support = std::make_unique<SupportFiles>(room.folder / "VKDat");
-    session.DataFileName = file.string();
-    test::MarkStep();
-    return MakeBackupSet(session, file, automatic, kAutomaticSets).notRemoved.empty() ? 0 : 1;
+  const Act close = [&](CoreDesk& desk) {
+    CloseDataFile(desk.session, desk.windows);
+    return MakeBackupSet(desk.session, file, automatic, kAutomaticSets).notRemoved.empty();
   };
-  const int points = StrikeWork(
-      [&]() -> int {
-        try {
-          return close();
-        } catch (const Failure&) {
-          return 2;
-        }
-      },
-      1, [&] {
+  const int points = Strike(
+      close, 1,
+      [&] {
         const auto sets = ListSets(automatic);
         const bool made = sets.back().made.year == 2026;
         ASSERT_TRUE(sets.size() == 30U || (sets.size() == 31U && made)) << sets.size();
         ASSERT_EQ(sets.front().made.day, sets.size() == 30U && made ? 2 : 1);
         for (const BackupSet& one : sets)
           ASSERT_TRUE(one.made.year == 2026 || ReadFileBytes(one.dataFile) == "as it was") << one.folder;
-        ASSERT_TRUE(!made || room.Run({"backup", "verify", sets.back().folder.string()}).status == 0);
+        if (made) ExpectWhole(sets.back());
       },
       {test::kKilled, ENOSPC, kFullFromThereOn, EIO});
   EXPECT_GT(points, 100);

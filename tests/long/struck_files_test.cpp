@@ -13,7 +13,7 @@
 #include "core/settings/settings.h"
 #include "core/shell/data_files.h"
 #include "core/shell/database_menu.h"
-#include "support/data_files.h"
+#include "support/core_desk.h"
 #include "support/snapshot.h"
 #include "support/struck.h"
 
@@ -22,26 +22,13 @@ namespace {
 
 namespace fs = std::filesystem;
 
-class AgreeingPrompt final : public Prompt {
- public:
-  Answer Show(const Message& message) override { return message.buttons == Buttons::Ok ? Answer::Ok : Answer::Yes; }
-};
-
-struct Desk {
-  explicit Desk(const fs::path& folder) : path(folder) {
-    PrepareSupportFiles(session, {folder / "VKDat", folder / "Program", {}});
-  }
+struct Desk : test::CoreDesk {
+  explicit Desk(const fs::path& folder) : CoreDesk(folder), path(folder) {}
   void OpenFirst() {
-    session.DataFileName = (path / "First.vkd").string();
-    StoreDefaultDataFile(session, session.DataFileName);
-    OpenDataFile(session, windows);
+    StoreDefaultDataFile(session, (path / "First.vkd").string());
+    Open(path / "First.vkd");
   }
   fs::path path;
-  AgreeingPrompt prompt;
-  NoProgress progress;
-  FixedClock clock{DateTime{2026, 3, 10, 9, 0, 0}};
-  Session session{prompt, progress, clock};
-  test::NotedWindows windows;
 };
 
 // What is wrong with the state; 0 for a whole one.

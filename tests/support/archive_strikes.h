@@ -2,7 +2,8 @@
 
 #include <algorithm>
 
-#include "core/datafile/lifecycle.h"
+#include "core/base/files.h"
+#include "core/shell/archiving.h"
 #include "support/old_room.h"
 #include "support/struck_room.h"
 
@@ -13,60 +14,52 @@ namespace vellumark::test {
 class ArchiveStrikes : public StruckRoom {
  protected:
   explicit ArchiveStrikes(int perYear) {
-    file_ = room.MakeFile();
-    room.Json({"color", "add", "RED"});
-    AddTenYears(*Database::Open(file_, OpenMode::Exclusive), 2025, perYear);
+    AddTenYears(*Database::Open(file, OpenMode::Exclusive), 2025, perYear);
+    Content();
     KeepState();
   }
 
   int StrikeArchive(int stride, std::initializer_list<int> errors) {
-    const Words run{"--today", "2026-03-10", "archive", "run"};
-    const auto before = Records();
-    EXPECT_EQ(room.Run(run).status, 0);
-    const auto after = Records();
+    const Act run = [](CoreDesk& desk) { return ArchiveDataFile(desk.session).has_value(); };
+    const std::string before = Content();
+    EXPECT_EQ(Do(run), 0);
+    const std::string after = Content();
     EXPECT_NE(before, after);
-    const auto moved = Records(Archives().front().string());
+    const std::string moved = ContentOf(Archives().front());
     return Strike(
         run, stride,
         [&] {
-          const auto now = Records();  // the opening heals
+          const std::string now = Content();
           ASSERT_TRUE(now == before || now == after);
           ASSERT_EQ(Archives().size(), now == before ? 0U : 1U);
-          ASSERT_EQ(room.Run({"file", "check", "--deep"}).status, 0);
           if (now == before) {
-            const CliAnswer again = room.Run(run);
-            ASSERT_EQ(again.status, 0) << again.err;
+            ASSERT_EQ(Do(run), 0);
+            ASSERT_EQ(Content(), after);
           }
-          ASSERT_EQ(Records(), after);
           ASSERT_EQ(Archives().size(), 1U);
-          ASSERT_EQ(Records(Archives().front().string()), moved);
-          ASSERT_EQ(room.Run({"file", "check", Archives().front().string(), "--deep"}).status, 0);
+          ASSERT_EQ(ContentOf(Archives().front()), moved);
         },
         errors);
   }
 
  private:
-  nlohmann::ordered_json Records(const std::string& file = {}) {
-    Words of{"--db", "INK"};
-    if (!file.empty()) of.insert(of.begin(), {"--file", file});
-    nlohmann::ordered_json records = nlohmann::ordered_json::array();
-    for (const char* noun : {"batch", "job"}) {
-      Words words = of;
-      words.insert(words.end(), {noun, "list"});
-      records.push_back(room.Json(words));
-    }
-    return records;
+  static std::string ContentOf(const std::filesystem::path& archive) {
+    AgreeingPrompt prompt;
+    NoProgress progress;
+    FixedClock clock{DateTime{2026, 3, 10, 9, 0, 0}};
+    Session session{prompt, progress, clock};
+    session.DataFileDB = Database::Open(archive, OpenMode::ReadOnly);
+    EXPECT_TRUE(CheckDataFileRules(session, CheckDepth::Deep).Sound());
+    return Snapshot(session.File());
   }
   std::vector<std::filesystem::path> Archives() const {
     std::vector<std::filesystem::path> found;
-    for (const auto& entry : std::filesystem::directory_iterator(room.folder.Path())) {
+    for (const auto& entry : std::filesystem::directory_iterator(folder.Path())) {
       const std::string name = entry.path().filename().string();
       if (name.find("Archive") != std::string::npos && name.ends_with(".vkd")) found.push_back(entry.path());
     }
     return found;
   }
-
-  std::string file_;
 };
 
 }  // namespace vellumark::test
