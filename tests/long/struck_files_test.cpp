@@ -55,7 +55,10 @@ int EndAndCount(Desk& desk) {
   for (const auto& entry : fs::directory_iterator(desk.path)) {
     if (entry.path().extension() != ".vkd") continue;
     desk.session.DataFileDB = Database::Open(entry.path(), OpenMode::Exclusive);
-    if (!CheckDataFileRules(desk.session, CheckDepth::Deep).Sound()) return 20;
+    const CheckAnswer check = CheckDataFileRules(desk.session, CheckDepth::Deep);
+    for (const CheckFault& fault : check.faults)
+      std::fprintf(stderr, "%s: %s\n", entry.path().c_str(), FaultText(fault).c_str());
+    if (!check.Sound()) return 20;
     if (ReadFileInfo(desk.session.File()).dbList.empty()) return 21;
     desk.session.DataFileDB.reset();
     ++files;
