@@ -52,6 +52,13 @@ class BackupSteps : public test::StruckRoom {
     for (const auto& entry : fs::directory_iterator(in))
       ASSERT_FALSE(entry.path().filename().string().starts_with(beginning)) << entry.path();
   }
+  // What the Data File held before it was restored.
+  std::string Kept() const {
+    for (const auto& entry : fs::directory_iterator(folder.Path()))
+      if (entry.path().filename().string().starts_with(kBeforeRestore))
+        return test::Snapshot(*Database::Open(entry.path() / "Ink.vkd", OpenMode::ReadOnly));
+    return {};
+  }
   fs::path photos = folder / "DesignPhotos";
   fs::path stick = folder / "Stick";
   fs::path set;
@@ -75,6 +82,7 @@ TEST_F(BackupSteps, Make) {
 }
 
 TEST_F(BackupSteps, Restore) {
+  worksClosed = true;
   const Act restore = [&](CoreDesk& desk) {
     return RestoreDataFile(desk.session, set / "Ink.vkd", RestoreFrom::Location, desk.windows).has_value();
   };
@@ -85,6 +93,7 @@ TEST_F(BackupSteps, Restore) {
   const int points = Strike(restore, 1, [&] {
     const std::string now = Content();
     ASSERT_TRUE(now == before || now == after);
+    ASSERT_TRUE(now == before || Kept() == before);
     ExpectWholeSets(1, 1);
     ASSERT_EQ(Do(restore), 0);
     ASSERT_EQ(Content(), after);
@@ -95,6 +104,7 @@ TEST_F(BackupSteps, Restore) {
 
 // Of a file with a duplicate, a photo of nobody and, the second time, a page that is damaged.
 TEST_F(BackupSteps, Repair) {
+  worksClosed = true;
   {
     const auto opened = Database::Open(file, OpenMode::Exclusive);
     opened->Execute("INSERT INTO INK_Basic (Color_Name, Notes) VALUES ('red', 'second'), ('PAGE', 'marked page')");

@@ -13,6 +13,7 @@
 #include <cerrno>
 #include <csignal>
 #include <cstddef>
+#include <cstdio>
 #include <functional>
 #include <set>
 #include <stdexcept>
@@ -85,7 +86,12 @@ inline StruckRun RunStruck(int nth, int error, const std::function<int()>& work,
     Trace(PTRACE_TRACEME, 0, 0, 0);
     ::raise(SIGSTOP);  // until its tracer hears what the kernel asks
     AskAboutFileCalls();
-    ::_exit(work());
+    try {
+      ::_exit(work());
+    } catch (const std::exception& fault) {  // which must not go on in this process as if it were the test
+      std::fprintf(stderr, "the work ended with: %s\n", fault.what());
+      ::_exit(124);
+    }
   }
   int state = 0;
   ::waitpid(child, &state, 0);

@@ -33,7 +33,7 @@ class StruckRoom : public testing::Test {
   }
 
   /// Does it as a program does that starts, opens the file and ends: 0 when it was done, 1 when it was refused, 2 when it
-  /// failed, with a cause. One that cannot be opened is worked on closed.
+  /// failed, with a cause.
   int Do(const Act& act, const std::function<void()>& mark = [] {}) const {
     mark();
     try {
@@ -41,7 +41,7 @@ class StruckRoom : public testing::Test {
       try {
         desk.Open(file);
       } catch (const Failure&) {
-        if (desk.session.DataFileDB) throw;
+        if (!worksClosed || desk.session.DataFileDB) throw;
         desk.session.DataFileName = file.string();
       }
       const bool done = act(desk);
@@ -86,6 +86,7 @@ class StruckRoom : public testing::Test {
     return points;
   }
 
+  bool worksClosed = false;  ///< what is done is done too where the file cannot be opened
   SoundFolder folder;
   std::filesystem::path file = folder / "Ink.vkd";
 

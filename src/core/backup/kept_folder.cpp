@@ -34,6 +34,12 @@ platform::OpenFile HoldDataFile(const fs::path& path) {
   return file;
 }
 
+Placement::Identity Placement::Look(const fs::path& path) {
+  std::error_code none;
+  const platform::FileState state = platform::StateOf(path, none);
+  return {state.device, state.identity};
+}
+
 KeptFolder::KeptFolder(const Session& session, const fs::path& current, std::string_view what)
     : current_(current),
       name_(fmt::format("Before {} {}", what,

@@ -1,8 +1,10 @@
 #pragma once
 
+#include <cstdint>
 #include <filesystem>
 #include <string>
 #include <string_view>
+#include <utility>
 
 #include "core/base/platform.h"
 #include "core/session/session.h"
@@ -12,6 +14,19 @@ namespace vellumark {
 /// Keeps other processes out of a Data File that is only read, or that the engine cannot open, for as long as the answer
 /// lives. Throws Failure when one has it.
 platform::OpenFile HoldDataFile(const std::filesystem::path& path);
+
+/// A file that is to take a place in one step. It may have it although that failed: the disk fails right behind the step.
+class Placement {
+ public:
+  /// Of the file as it stands beside.
+  explicit Placement(const std::filesystem::path& beside) : made_(Look(beside)) {}
+  bool Stands(const std::filesystem::path& target) const { return made_ == Look(target); }
+
+ private:
+  using Identity = std::pair<std::uint64_t, std::uint64_t>;
+  static Identity Look(const std::filesystem::path& path);
+  Identity made_;
+};
 
 /// Keeps what is about to be replaced of a Data File that nobody else works in: "Before Restore 03_10_2026__09_05_00"
 /// beside it, with "(2)" and so on behind that when it is taken. It is filled under a name of its own, which nobody takes

@@ -226,10 +226,24 @@ std::optional<Result<RepairReport>> Try(Session& session, KeptFile& kept, const 
   session.File().CopyCompacted(place.Path());
   session.DataFileDB.reset();
   kept.Show();
-  TakePlace(place, photos, report);
-  kept.Stay();
   report.kept = kept.Folder();
-  ReplaceFile(kept.Folder() / "Repair Report.txt", RepairText(report), Readers::Group);
+  // Once the file has its place nothing is tried again: what was there stands in the folder alone.
+  const auto tell = [&](const Failure& failure) {
+    report.left.push_back({"Compacting", "", 1, fmt::format("{}: {}", failure.subject, failure.cause)});
+  };
+  const Placement placement(place.Path());
+  try {
+    TakePlace(place, photos, report);
+  } catch (const Failure& failure) {
+    if (!placement.Stands(current)) throw;
+    tell(failure);
+  }
+  kept.Stay();
+  try {
+    ReplaceFile(kept.Folder() / "Repair Report.txt", RepairText(report), Readers::Group);
+  } catch (const Failure& failure) {
+    tell(failure);
+  }
   return report;
 }
 

@@ -218,6 +218,7 @@ RestoredFiles PutDataFileBack(Session& session, const fs::path& source, const fs
   FileBeside place(current, Readers::Group);
   CopyBeside(place, source);
   WorkBeside(place, [&] { MakeCurrent(place.Path(), current); });
+  const Placement placement(place.Path());
   KeptFiles kept(session, place.Target());
   PlacedPhotos placed(place.Target(), kept.PhotoFolder());
   try {
@@ -229,6 +230,8 @@ RestoredFiles PutDataFileBack(Session& session, const fs::path& source, const fs
     place.Replace();
   } catch (...) {
     kept.Stay();  // until all is back, should that fail too
+    // The disk failed behind the last step: what was there stands in that folder alone.
+    if (placement.Stands(place.Target())) throw;
     placed.Undo();
     kept.Undo();
     throw;
