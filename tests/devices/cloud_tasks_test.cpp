@@ -7,12 +7,14 @@
 #include <sys/resource.h>
 
 #include <algorithm>
+#include <array>
 #include <chrono>
 #include <thread>
 
 #include "core/backup/backup_set.h"
 #include "core/base/files.h"
 #include "core/cloud/cloud_backup.h"
+#include "core/cloud/cloud_sets.h"
 #include "core/cloud/remote_listing.h"
 #include "core/cloud/shared_accounts.h"
 #include "core/cloud/transfer.h"
@@ -395,6 +397,50 @@ TEST(CloudTasks, PhotosGoUpAndComeDownWithTheirBackup) {
   EXPECT_EQ(ReadFileBytes(SharedPhotos(room.session, "A100") / "b.jpg"), "picture two");
   ASSERT_TRUE(DeleteCloudBackups(room.desk, {made->name})->done);
   EXPECT_TRUE(room.AtHost("/Backups/").empty());
+}
+
+// The list of days opens without a line: what the host told last is known here, and no proof comes twice.
+TEST(CloudTasks, TheDaysOfTheCloudAreKnownHere) {
+  CloudRoom room;
+  const std::string first = BackUpToCloud(room.desk, false)->name;
+  room.clock.Set({2026, 3, 11, 9, 0, 0});
+  const std::string second = BackUpToCloud(room.desk, false)->name;
+  CloudSets days(room.session);
+  EXPECT_EQ(days.Sets().size(), 2U);
+  EXPECT_FALSE(days.Asked());
+  const fs::path kept = room.session.DataFolder / "Cloud Downloads/backups.json";
+  ReplaceFile(kept, "{\"account\": 7");
+  EXPECT_TRUE(days.Sets().empty());
+
+  const auto proofs = [&] {
+    const std::string talk = room.server.Talk();
+    int count = 0;
+    for (std::size_t at = 0; (at = talk.find("RETR ", at)) != std::string::npos; ++at) ++count;
+    return count;
+  };
+  ReplaceFile(room.server.Root() / "A100/Backups/OLD_Backup_1.vkd", "of an older program");
+  room.server.Own();
+  const int before = proofs();
+  ASSERT_TRUE(AskForCloudSets(room.desk)->done);
+  EXPECT_EQ(proofs(), before + 2);
+  ASSERT_TRUE(AskForCloudSets(room.desk)->done);
+  EXPECT_EQ(proofs(), before + 2);
+  EXPECT_EQ(days.Asked(), (DateTime{2026, 3, 11, 9, 0, 0}));
+  const std::array<SetSource*, 1> others{&days};
+  const BackupDays known = DaysToGoBackTo(room.session, others);
+  ASSERT_EQ(known.days.size(), 3U);
+  EXPECT_EQ(known.days[0].set.folder, "OLD_Backup_1.vkd") << "by the date at the host, which is today";
+  EXPECT_FALSE(known.days[0].set.proof);
+  EXPECT_EQ(known.days[1].set.folder, second);
+  EXPECT_EQ(known.days[2].set.made, (DateTime{2026, 3, 10, 9, 0, 0}));
+  EXPECT_EQ(known.days[2].place, "Cloud account A100");
+  EXPECT_TRUE(known.days[2].elsewhere);
+
+  ASSERT_TRUE(DeleteCloudBackups(room.desk, {first})->done);
+  EXPECT_EQ(days.Sets().size(), 2U);
+  room.settings.AcctNum = "B200";
+  room.Store();
+  EXPECT_TRUE(days.Sets().empty());
 }
 
 TEST(RemoteListing, ReadsWhatHostsWrite) {

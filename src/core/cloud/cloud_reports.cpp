@@ -11,7 +11,7 @@
 namespace vellumark {
 namespace {
 
-constexpr int kPlaceWidth = 5100;  // twips
+constexpr int kPlaceWidth = 3600;  // twips
 
 using Take = std::function<bool(const CloudStockRow&)>;
 
