@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "support/ink_room.h"
+#include "support/listed.h"
 
 namespace vellumark::test {
 
@@ -47,8 +48,7 @@ struct GuideRoom : InkRoom {
                {"BQ1", 100 - rubine}});
   }
   std::string Names(const std::string& table) {
-    return Scalar("SELECT group_concat(Color_Name, ', ') FROM (SELECT Color_Name FROM " + table + " ORDER BY RowKey)")
-        .Text();
+    return Listed(session.File(), "SELECT Color_Name FROM " + table + " ORDER BY RowKey", ", ");
   }
 };
 

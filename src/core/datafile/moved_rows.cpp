@@ -117,8 +117,9 @@ class Notes {
   std::string inFile_;
 };
 
-std::string Moved(Database& file, Kind kind, std::string_view fields, std::string_view noRows) {
-  if (!file.TableExists(kMovedRowsTable)) return fmt::format("(SELECT {} WHERE 1 = 0)", noRows);
+// In a file that has no such rows, fields of the same kinds of a table that every file has.
+std::string Moved(Database& file, Kind kind, std::string_view fields, std::string_view alike) {
+  if (!file.TableExists(kMovedRowsTable)) return fmt::format("(SELECT {} FROM JobRecords WHERE 1 = 0)", alike);
   return fmt::format("(SELECT {} FROM {} WHERE Kind = {})", fields, Quoted(kMovedRowsTable), int{kind});
 }
 
@@ -193,16 +194,16 @@ std::string FileOfMovedBatch(Database& file, std::string_view database, std::int
 }
 
 std::string MovedBatches(Database& file) {
-  return Moved(file, kBatch, "DatabaseName, BatchNo", "'' AS DatabaseName, 0 AS BatchNo");
+  return Moved(file, kBatch, "DatabaseName, BatchNo", "Database AS DatabaseName, BatchNo");
 }
 
 std::string MovedJobRecords(Database& file) {
   return Moved(file, kJobRecord, "DatabaseName, BatchNo, Name AS JobNumber",
-               "'' AS DatabaseName, 0 AS BatchNo, '' AS JobNumber");
+               "Database AS DatabaseName, BatchNo, JobNumber");
 }
 
 std::string MovedDesignUses(Database& file) {
-  return Moved(file, kDesignUse, "Name AS DesignID, Date_Entered", "'' AS DesignID, '' AS Date_Entered");
+  return Moved(file, kDesignUse, "Name AS DesignID, Date_Entered", "DesignID, Date_Entered");
 }
 
 namespace {

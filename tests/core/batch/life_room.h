@@ -15,6 +15,7 @@
 #include "core/inventory/adjust.h"
 #include "core/inventory/posting.h"
 #include "support/snapshot.h"
+#include "support/need_not_last.h"
 #include "support/stock_room.h"
 
 namespace vellumark::test {
@@ -52,8 +53,7 @@ class ScriptedDialogs final : public BatchDialogs {
 /// A room in which Batches are saved: no cutoff, no lot number reminder, unless a test says otherwise.
 struct LifeRoom : StockRoom {
   LifeRoom() {
-    // No machine dies in these tests, and there are many saves.
-    session.File().Execute("PRAGMA synchronous=OFF");
+    NeedNotLast(session.File());
     Setting("InvCutoff", "0");
     Setting("BatchLotNumReminder", "0");
   }

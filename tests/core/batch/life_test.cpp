@@ -368,7 +368,7 @@ TEST_P(ReopenedBatch, IsNotMadeOfItself) {
   room.Mixed("PINK", "40");
   room.record.fields.LotNumber = GetParam().lotNumber;
   room.Save();
-  const double made = room.Pink() - 7 + room.Scalar("SELECT TOTAL(LotQty) FROM INK_Mix_LotInv").Number();
+  const double made = room.Pink() - 7 + room.Scalar("SELECT SUM(LotQty) FROM INK_Mix_LotInv").Number();
   ASSERT_EQ(made, 40);
   room.Open(1);
   const auto listed = [&](const char* name) {
@@ -392,7 +392,7 @@ TEST_P(ReopenedBatch, IsNotMadeOfItself) {
     EXPECT_EQ(lots->rows[0].InvQty, 7);
   }
   room.Save();
-  EXPECT_EQ(room.Pink() + room.Scalar("SELECT TOTAL(LotQty) FROM INK_Mix_LotInv").Number(), 48);
+  EXPECT_EQ(room.Pink() + room.Scalar("SELECT SUM(LotQty) FROM INK_Mix_LotInv").Number(), 48);
   // All of the ink in the room: 100 RED, 200 WHITE, 7 PINK, 6 ROSE.
   EXPECT_EQ(room.Red() + room.White(), 300 - 35);
 

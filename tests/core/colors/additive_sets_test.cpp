@@ -85,8 +85,8 @@ TEST(AdditiveSets, ChecksInTheirOrder) {
   EXPECT_EQ(set.SetName, "TWO ROWS");
   EXPECT_EQ(set.SetList, "<WAX><GEL>");
   EXPECT_EQ(ReadAdditiveSet(room.session, "two rows")->Rows(), (Recipe{{"WAX", 2.35}, {"GEL", 1}}));
-  EXPECT_EQ(room.Scalar("SELECT Add_Name2 || Add_Percent2 FROM INK_Additives WHERE SetName = 'TWO ROWS'").Text(),
-            "0.0");
+  EXPECT_EQ(room.Scalar("SELECT Add_Name2 FROM INK_Additives WHERE SetName = 'TWO ROWS'"), Value(""));
+  EXPECT_EQ(room.Scalar("SELECT Add_Percent2 FROM INK_Additives WHERE SetName = 'TWO ROWS'"), Value(0.0));
 }
 
 TEST(AdditiveSets, EnteringAnIngredient) {

@@ -10,6 +10,7 @@
 #include "core/colors/name_search.h"
 #include "core/colors/names.h"
 #include "support/ink_room.h"
+#include "support/listed.h"
 
 namespace vellumark {
 namespace {
@@ -214,9 +215,7 @@ TEST(Basics, DeleteClosesTheWeighingOrder) {
     EXPECT_EQ(DeleteBasic(room.session, name), true);
   };
   const auto order = [&] {
-    return room
-        .Scalar("SELECT group_concat(Color_Name || IngSort, ' ') FROM (SELECT * FROM INK_Basic ORDER BY IngSort)")
-        .Text();
+    return test::Listed(room.session.File(), "SELECT Color_Name, IngSort FROM INK_Basic ORDER BY IngSort");
   };
   remove("B");
   EXPECT_EQ(order(), "A0 C1 D2");

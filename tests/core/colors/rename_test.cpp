@@ -8,11 +8,13 @@
 #include "core/colors/rollup.h"
 #include "core/datafile/references.h"
 #include "support/ink_room.h"
+#include "support/listed.h"
 
 namespace vellumark {
 namespace {
 
 using test::InkRoom;
+using test::Listed;
 
 // Every table of the file as text, row by row; what happened to stock stays told as it was.
 std::map<std::string, std::vector<std::string>> Everything(Database& file) {
@@ -81,6 +83,7 @@ struct NamedRoom : InkRoom {
   }
 
   std::string Row(const std::string& sql) { return Scalar(sql).Text(); }
+  std::string List(const std::string& sql) { return Listed(session.File(), sql); }
   std::string Parts(const std::string& name) {
     const auto mix = ReadMix(session, name);
     std::string text;
@@ -105,12 +108,12 @@ TEST(Rename, ABasicColorEverywhere) {
   EXPECT_EQ(room.Parts("PINK"), "REDDISH 100.000 ");
   EXPECT_EQ(room.Row("SELECT Color_Name||' '||IngName0||' '||IngName1||' '||IngName3||' '||IngName19 FROM INK_Batch"),
             "RED SCARLET RED SCARLET SCARLET");
-  EXPECT_EQ(room.Row("SELECT group_concat(IngName||IngType, ' ') FROM INK_Batch_LotInv"), "SCARLET1 RED2 SCARLET3");
+  EXPECT_EQ(room.List("SELECT IngName, IngType FROM INK_Batch_LotInv ORDER BY RowKey"), "SCARLET1 RED2 SCARLET3");
   EXPECT_EQ(room.Row("SELECT LotCName FROM INK_Basic_LotInv"), "SCARLET");
   EXPECT_EQ(room.Row("SELECT LotCName FROM INK_Mix_LotInv"), "RED");
   EXPECT_EQ(room.Row("SELECT Color_Name FROM INK_Basic_LAB"), "SCARLET");
   EXPECT_EQ(room.Row("SELECT Color_Name FROM INK_Mix_LAB"), "RED");
-  EXPECT_EQ(room.Row("SELECT group_concat(Color_Name, ' ') FROM (SELECT Color_Name FROM JobRecords ORDER BY RowKey)"),
+  EXPECT_EQ(room.List("SELECT Color_Name FROM JobRecords ORDER BY RowKey"),
             "SCARLET RED RED RED");
   EXPECT_EQ(room.Row("SELECT Add_Name1||' '||Add_Name4||' '||SetList FROM INK_Additives"),
             "SCARLET BLUE <SCARLET><BLUE>");
@@ -127,11 +130,11 @@ TEST(Rename, AFormulaEverywhere) {
   EXPECT_EQ(room.Parts("SCARLET"), "RED 30.000 BLUE 70.000 ");
   EXPECT_EQ(room.Row("SELECT Color_Name||' '||IngName0||' '||IngName1||' '||IngName3||' '||IngName19 FROM INK_Batch"),
             "SCARLET RED SCARLET RED RED");
-  EXPECT_EQ(room.Row("SELECT group_concat(IngName||IngType, ' ') FROM INK_Batch_LotInv"), "RED1 SCARLET2 RED3");
+  EXPECT_EQ(room.List("SELECT IngName, IngType FROM INK_Batch_LotInv ORDER BY RowKey"), "RED1 SCARLET2 RED3");
   EXPECT_EQ(room.Row("SELECT LotCName FROM INK_Mix_LotInv"), "SCARLET");
   EXPECT_EQ(room.Row("SELECT LotCName FROM INK_Basic_LotInv"), "RED");
   EXPECT_EQ(room.Row("SELECT Color_Name FROM INK_Mix_LAB"), "SCARLET");
-  EXPECT_EQ(room.Row("SELECT group_concat(Color_Name, ' ') FROM (SELECT Color_Name FROM JobRecords ORDER BY RowKey)"),
+  EXPECT_EQ(room.List("SELECT Color_Name FROM JobRecords ORDER BY RowKey"),
             "RED SCARLET RED RED");
   EXPECT_EQ(room.Row("SELECT SetList FROM INK_Additives"), "<RED><BLUE>");
   EXPECT_EQ(room.Row("SELECT IngSet FROM Designs"), "<RED><SCARLET><RED>");
@@ -156,17 +159,17 @@ TEST(Rename, MergingTwoBasicColors) {
   EXPECT_TRUE(merged->merged);
   EXPECT_EQ(room.Parts("PURPLE"), "BLUE 100.000 ");
   EXPECT_EQ(room.Parts("MUD"), "REDDISH 29.999 BLUE 70.001 ");
-  EXPECT_EQ(room.Row("SELECT group_concat(LotCName||LotNumber) FROM INK_Basic_LotInv"), "BLUE7");
+  EXPECT_EQ(room.List("SELECT LotCName, LotNumber FROM INK_Basic_LotInv"), "BLUE7");
   EXPECT_EQ(room.Scalar("SELECT COUNT(*) FROM INK_Basic_LAB").Whole(), 0);
-  EXPECT_EQ(room.Row("SELECT group_concat(Color_Name||IngSort, ' ') FROM INK_Basic"), "REDDISH1 BLUE2 DRIER3");
+  EXPECT_EQ(room.List("SELECT Color_Name, IngSort FROM INK_Basic ORDER BY RowKey"), "REDDISH1 BLUE2 DRIER3");
   // The set held both: the survivor stands in it once.
-  EXPECT_EQ(room.Row("SELECT SetList||Add_Percent0 FROM INK_Additives"), "<BLUE>5.0");
+  EXPECT_EQ(room.List("SELECT SetList, Add_Percent0 FROM INK_Additives"), "<BLUE>5");
   // The formulas count the survivor's figures from now on, each of them.
-  EXPECT_EQ(room.Row("SELECT BasicCost||' '||BasicVOC||' '||BasicHAP FROM INK_Mix WHERE Color_Name = 'PURPLE'"),
+  EXPECT_EQ(room.List("SELECT BasicCost, ' ', BasicVOC, ' ', BasicHAP FROM INK_Mix WHERE Color_Name = 'PURPLE'"),
             "2.5 0.375 0.25");
   RunPendingPasses(room.session);
-  EXPECT_EQ(room.Row("SELECT BasicCost||' '||BasicVOC||' '||BasicHAP FROM INK_Mix WHERE Color_Name = 'PURPLE'"),
-            "0.0 0.0 0.0");
+  EXPECT_EQ(room.List("SELECT BasicCost, ' ', BasicVOC, ' ', BasicHAP FROM INK_Mix WHERE Color_Name = 'PURPLE'"),
+            "0 0 0");
 }
 
 TEST(Rename, MergingBesideAnAdditiveSet) {
@@ -301,8 +304,7 @@ TEST(Rename, ReachesBothOfTwoFormulasOfOneName) {
   room.Mix("N", {{"B", 50}, {"A", 50}});
   room.session.File().Execute("UPDATE INK_Mix SET Color_Name = 'M'");
   ASSERT_TRUE(RenameBasic(room.session, "A", "X"));
-  EXPECT_EQ(room.Scalar("SELECT group_concat(Color_Set) FROM (SELECT Color_Set FROM INK_Mix ORDER BY RowKey)").Text(),
-            "<X>,<B><X>");
+  EXPECT_EQ(Listed(room.session.File(), "SELECT Color_Set FROM INK_Mix ORDER BY RowKey"), "<X> <B><X>");
 }
 
 TEST(Rename, NamesMatchAsAWhole) {

@@ -10,6 +10,7 @@
 #include "core/jobs/job_numbers.h"
 #include "core/jobs/job_records.h"
 #include "core/jobs/job_stock.h"
+#include "support/need_not_last.h"
 #include "support/stock_room.h"
 
 namespace vellumark::test {
@@ -17,7 +18,7 @@ namespace vellumark::test {
 /// An ink room with RED (100 unlotted, 50 in the lot L1), the formula PINK (20) and an OTHER Database with its own RED.
 struct JobRoom : StockRoom {
   JobRoom() {
-    session.File().Execute("PRAGMA synchronous=OFF");
+    NeedNotLast(session.File());
     CreateEmptyDatabase(session.File(), "OTHER");
     session.databaseList = {"INK", "OTHER"};
     Color(ColorKind::Basic, "RED", 100, {{"PurchaseCost", 2.5F}, {"VOC", 0.5F}, {"HAP", 0.25F}, {"Color_Code", "R1"}});
