@@ -30,6 +30,10 @@ std::int64_t KeyAt(std::int64_t block, std::size_t place) {
   return block * static_cast<std::int64_t>(kRowsOfBlock) + static_cast<std::int64_t>(place);
 }
 
+// An entry of the log that begins with it has the rows of a table together. An earlier program wrote the name of the
+// table before each.
+constexpr std::uint64_t kRowsTogether = ~std::uint64_t{0};
+
 std::string_view BytesOf(sqlite3_value* value) {
   const auto* bytes = static_cast<const char*>(sqlite3_value_blob(value));
   return {bytes, static_cast<std::size_t>(sqlite3_value_bytes(value))};
@@ -168,7 +172,7 @@ void RowChecks::OnWrite(void* self, int, const char* database, const char* table
   if (std::strcmp(database, "main") != 0 || std::strncmp(table, "sqlite_", 7) == 0) return;
   const std::size_t place = checks.PlaceOf(table);
   checks.tables_[place].written = true;
-  if (checks.kept_) checks.written_.push_back({place, key});
+  if (checks.kept_) checks.written_.push_back({place, key, false, 0});
 }
 
 // The engine would empty a table whole, and tell of no row, unless it is asked not to here.
@@ -290,47 +294,108 @@ void RowChecks::Write(std::string_view table, const Record& written) {
   Run(statement);
 }
 
-// 0 when it is gone.
-std::uint64_t RowChecks::DigestRow(const Row& row) {
-  KnownTable& table = tables_[row.table];
+sqlite3_stmt* RowChecks::RowOf(KnownTable& table) {
   if (table.row == nullptr)
     table.row = Made(fmt::format("SELECT rowid, * FROM main.{} WHERE rowid = ?1", Quoted(table.name)));
-  sqlite3_bind_int64(table.row, 1, row.key);
-  const std::uint64_t sum = Step(table.row) ? DigestOfColumns(table.row, 1) : 0;
-  sqlite3_reset(table.row);
+  return table.row;
+}
+
+// 0 when it is gone.
+std::uint64_t RowChecks::DigestRow(const Row& row) {
+  if (row.read) return row.sum;
+  sqlite3_stmt* const statement = RowOf(tables_[row.table]);
+  sqlite3_bind_int64(statement, 1, row.key);
+  const std::uint64_t sum = Step(statement) ? DigestOfColumns(statement, 1) : 0;
+  sqlite3_reset(statement);
   return sum;
 }
 
-// `rows` stand in one block and in their order. Many are read in one walk, which costs less than looking each up.
-void RowChecks::DigestRows(std::span<const Row> rows, Record& record) {
+// Many are read in one walk, which costs less than looking each up.
+void RowChecks::Walk(std::size_t place, std::span<const std::int64_t> keys, const Taking& take) {
   constexpr std::size_t kMany = 4;
-  if (rows.size() < kMany) {
-    for (const Row& row : rows) record.sums[PlaceInBlock(row.key)] = DigestRow(row);
+  KnownTable& table = tables_[place];
+  if (keys.size() < kMany) {
+    sqlite3_stmt* const statement = RowOf(table);
+    for (std::size_t i = 0; i < keys.size(); ++i) {
+      sqlite3_bind_int64(statement, 1, keys[i]);
+      take(i, Step(statement) ? statement : nullptr);
+      sqlite3_reset(statement);
+    }
     return;
   }
-  KnownTable& table = tables_[rows.front().table];
   sqlite3_stmt*& statement = table.rows;
   if (statement == nullptr)
     statement = Made(
         fmt::format("SELECT rowid, * FROM main.{} WHERE rowid BETWEEN ?1 AND ?2 ORDER BY rowid", Quoted(table.name)));
-  for (const Row& row : rows) record.sums[PlaceInBlock(row.key)] = 0;  // unless it is found
-  sqlite3_bind_int64(statement, 1, rows.front().key);
-  sqlite3_bind_int64(statement, 2, rows.back().key);
-  for (auto row = rows.begin(); row != rows.end() && Step(statement);) {
+  sqlite3_bind_int64(statement, 1, keys.front());
+  sqlite3_bind_int64(statement, 2, keys.back());
+  std::size_t i = 0;
+  while (i < keys.size() && Step(statement)) {
     const std::int64_t key = sqlite3_column_int64(statement, 0);
-    while (row != rows.end() && row->key < key) ++row;
-    if (row != rows.end() && row->key == key) record.sums[PlaceInBlock(key)] = DigestOfColumns(statement, 1);
+    for (; i < keys.size() && keys[i] < key; ++i) take(i, nullptr);
+    if (i < keys.size() && keys[i] == key) take(i++, statement);
   }
+  for (; i < keys.size(); ++i) take(i, nullptr);
   sqlite3_reset(statement);
+}
+
+// `rows` stand in one block and in their order.
+void RowChecks::DigestRows(std::span<const Row> rows, Record& record) {
+  std::array<std::int64_t, kRowsOfBlock> keys;
+  std::size_t unread = 0;
+  for (const Row& row : rows) {
+    if (row.read)
+      record.sums[PlaceInBlock(row.key)] = row.sum;
+    else
+      keys[unread++] = row.key;
+  }
+  Walk(rows.front().table, std::span(keys).first(unread), [&](std::size_t place, sqlite3_stmt* row) {
+    record.sums[PlaceInBlock(keys[place])] = row == nullptr ? 0 : DigestOfColumns(row, 1);
+  });
+}
+
+void RowChecks::ReadRows(std::string_view name, std::span<const std::int64_t> keys, const Taking& take) {
+  const std::size_t table = PlaceOf(name);
+  for (std::size_t first = 0, end = 0; first < keys.size(); first = end) {
+    while (end < keys.size() && BlockOf(keys[end]) == BlockOf(keys[first])) ++end;
+    Walk(table, keys.subspan(first, end - first), [&](std::size_t place, sqlite3_stmt* row) {
+      if (kept_) written_.push_back({table, keys[first + place], true, row == nullptr ? 0 : DigestOfColumns(row, 1)});
+      take(first + place, row);
+    });
+  }
+}
+
+std::vector<std::string> RowChecks::FieldsOf(std::string_view table) {
+  sqlite3_stmt* const row = RowOf(tables_[PlaceOf(table)]);
+  sqlite3_bind_null(row, 1);
+  Run(row);  // which makes it anew where the table has changed
+  return FieldsOf(row);
+}
+
+std::vector<std::string> RowChecks::FieldsOf(sqlite3_stmt* row) {
+  std::vector<std::string> fields;
+  for (int column = 1; column < sqlite3_column_count(row); ++column) fields.emplace_back(sqlite3_column_name(row, column));
+  return fields;
+}
+
+// Of each row stays what was noted of it last. One that was read and not written had its digest kept before.
+void RowChecks::DropReadTwice() {
+  std::ranges::stable_sort(written_, {}, [](const Row& row) { return std::pair(row.table, row.key); });
+  std::size_t kept = 0;
+  for (std::size_t first = 0, end = 0; first < written_.size(); first = end) {
+    bool wrote = false;
+    for (; end < written_.size() && written_[end].IsOf(written_[first]); ++end) wrote = wrote || !written_[end].read;
+    if (wrote) written_[kept++] = written_[end - 1];
+  }
+  written_.resize(kept);
 }
 
 void RowChecks::Keep() {
   if (written_.empty()) return;
   LookAgain();
   if (!kept_) return written_.clear();
-  std::ranges::sort(written_);
-  const auto twice = std::ranges::unique(written_);
-  written_.erase(twice.begin(), twice.end());
+  DropReadTwice();
+  if (written_.empty()) return;
   if (logs_ && written_.size() <= kFewRows) {
     KeepInLog();
   } else {
@@ -357,17 +422,23 @@ void RowChecks::KeepInBlocks() {
   }
 }
 
-// For each row the length of its table's name, the name, the key and the digest; one of all of it at the end.
+// For each table the number of its rows, the length of its name and the name, then key and digest of each row; one of
+// all of it at the end.
 void RowChecks::KeepInLog() {
   if (entries_ >= kMostEntries) Fold();
   std::string sums;
   const auto add = [&](std::uint64_t word) { sums.append(reinterpret_cast<const char*>(&word), sizeof word); };
-  for (const Row& row : written_) {
-    const std::string& name = tables_[row.table].name;
+  add(kRowsTogether);
+  for (auto row = written_.begin(); row != written_.end();) {
+    const auto end = std::find_if(row, written_.end(), [&](const Row& other) { return other.table != row->table; });
+    const std::string& name = tables_[row->table].name;
+    add(static_cast<std::uint64_t>(end - row));
     add(name.size());
     sums += name;
-    add(static_cast<std::uint64_t>(row.key));
-    add(DigestRow(row));
+    for (; row != end; ++row) {
+      add(static_cast<std::uint64_t>(row->key));
+      add(DigestRow(*row));
+    }
   }
   ++entry_;
   ++entries_;
@@ -398,12 +469,19 @@ RowChecks::LoggedSums RowChecks::ReadLog(const std::function<void(std::int64_t e
       continue;
     }
     sums.remove_suffix(kWord);
+    std::uint64_t first = 0;
+    if (!sums.empty()) std::memcpy(&first, sums.data(), kWord);
+    const bool together = first == kRowsTogether;
+    if (together) sums.remove_prefix(kWord);
     while (!sums.empty()) {
+      std::uint64_t count = together ? take() : 1;
       const std::size_t length = take();
       Sums& rows = logged[std::string(sums.substr(0, length))];
       sums.remove_prefix(length);
-      const auto key = static_cast<std::int64_t>(take());
-      rows[key] = take();
+      for (; count > 0; --count) {
+        const auto key = static_cast<std::int64_t>(take());
+        rows[key] = take();
+      }
     }
   }
   return logged;

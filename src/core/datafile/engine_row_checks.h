@@ -57,6 +57,14 @@ class RowChecks {
   }
   /// Those in whose rows the transaction wrote.
   std::set<std::string> WrittenTables() const;
+  /// The rows of a table as they stand now, by their keys in their order: `take` hears the place of each key and its row,
+  /// whose first column is the key; null where it is gone. The commit does not read them again for their digests, unless
+  /// they are written again.
+  void ReadRows(std::string_view table, std::span<const std::int64_t> keys,
+                const std::function<void(std::size_t place, sqlite3_stmt* row)>& take);
+  /// The fields of such a row, and those of a table of which no row is being read.
+  static std::vector<std::string> FieldsOf(sqlite3_stmt* row);
+  std::vector<std::string> FieldsOf(std::string_view table);
 
   void TableRenamed(std::string_view name, std::string_view newName);
   /// After a statement: tables that it dropped have no digests any more.
@@ -69,14 +77,16 @@ class RowChecks {
 
  private:
   static constexpr std::size_t kManyRows = 16384;
-  static constexpr std::size_t kFewRows = 32;          // that a commit puts into the log
+  static constexpr std::size_t kFewRows = 128;         // that a commit puts into the log
   static constexpr std::int64_t kMostEntries = 256;    // of the log
   using Sums = std::map<std::int64_t, std::uint64_t>;  // by the keys of the rows; 0: there is none
   using LoggedSums = std::map<std::string, Sums, std::less<>>;
   struct Row {
     std::size_t table = 0;
     std::int64_t key = 0;
-    auto operator<=>(const Row&) const = default;
+    bool read = false;      // since it was written
+    std::uint64_t sum = 0;  // of a row that was
+    bool IsOf(const Row& other) const { return table == other.table && key == other.key; }
   };
   struct KnownTable {
     std::string name;
@@ -92,6 +102,11 @@ class RowChecks {
   static int OnAuthorize(void* self, int action, const char* table, const char*, const char* database, const char*);
   std::size_t PlaceOf(std::string_view table);
   void DigestRows(std::span<const Row> rows, Record& record);
+  using Taking = std::function<void(std::size_t place, sqlite3_stmt* row)>;
+  /// Keys of one block.
+  void Walk(std::size_t table, std::span<const std::int64_t> keys, const Taking& take);
+  sqlite3_stmt* RowOf(KnownTable& table);
+  void DropReadTwice();
   void CountLog();
   /// After a transaction was taken back, and with it what it did to the tables of the digests.
   void LookAgain();

@@ -8,6 +8,8 @@
 #include <exception>
 #include <fstream>
 #include <limits>
+#include <optional>
+#include <set>
 #include <system_error>
 #include <unordered_map>
 #include <utility>
@@ -15,6 +17,7 @@
 #include "core/base/files.h"
 #include "core/base/platform.h"
 #include "core/base/refusal.h"
+#include "core/base/text.h"
 #include "core/datafile/engine_keys.h"
 #include "core/datafile/engine_row_checks.h"
 
@@ -154,6 +157,9 @@ void RequireNotHeld(const std::filesystem::path& path) {
     throw Failure(path.string(), CauseInWords(SQLITE_BUSY, ""));
 }
 
+// Ten thousand formulas stand in it, so that a bulk change does not read and write the same pages by turns.
+constexpr const char* kPageMemory = "PRAGMA cache_size=-16000";
+
 // More compiled statements than any one operation uses, few enough to cost no memory worth counting.
 constexpr std::size_t kStoredStatements = 96;
 
@@ -208,6 +214,12 @@ struct SqliteDatabase::Engine {
   HeldFile held;  // before the connection, so that it closes after it
   SQLite::Database connection;
   RowChecks rows;
+  struct NoCase {
+    bool operator()(const std::string& a, const std::string& b) const { return CompareNoCase(a, b) < 0; }
+  };
+  /// The tables of the layout with that number, which the engine counts up whenever it moves.
+  std::set<std::string, NoCase> tables;
+  std::optional<std::int64_t> layout;
   std::unordered_map<std::string, std::vector<std::unique_ptr<SqliteStatement>>> stored;
   std::size_t storedCount = 0;
 };
@@ -364,6 +376,7 @@ std::unique_ptr<Database> SqliteDatabase::OpenFile(const std::filesystem::path& 
     database->OpenExclusive();
   const std::int64_t id = database->Scalar("PRAGMA application_id").Whole();
   if (id != kApplicationId) throw Failure(path.string(), "is not a Data File");
+  database->Execute(kPageMemory);
   if (readOnly) {
     ShowRowKeys(*database);
     database->Execute("PRAGMA query_only=ON");
@@ -380,6 +393,7 @@ std::unique_ptr<Database> SqliteDatabase::CreateFile(const std::filesystem::path
   database->Execute("PRAGMA locking_mode=EXCLUSIVE");
   database->Execute("PRAGMA synchronous=FULL");
   database->Execute(fmt::format("PRAGMA application_id={}", kApplicationId));
+  database->Execute(kPageMemory);
   database->KeepRowChecks();
   return database;
 }
@@ -473,7 +487,14 @@ void SqliteDatabase::KeepWaitingRows() {
 }
 
 bool SqliteDatabase::TableExists(std::string_view table) {
-  return !Scalar("SELECT 1 FROM sqlite_master WHERE type='table' AND name=? COLLATE NOCASE", {table}).IsNull();
+  const std::int64_t layout = Scalar("PRAGMA main.schema_version").Whole();
+  if (engine_->layout != layout) {
+    engine_->tables.clear();
+    Statement names = Prepare("SELECT name FROM sqlite_master WHERE type='table'");
+    while (names.Step()) engine_->tables.insert(names.Text(0));
+    engine_->layout = layout;
+  }
+  return engine_->tables.contains(std::string(table));
 }
 
 std::vector<std::string> SqliteDatabase::TableNames() {
@@ -502,13 +523,13 @@ void SqliteDatabase::CopyCompacted(const std::filesystem::path& copy) {
 
 void SqliteDatabase::Begin() {
   engine_->rows.Forget();
-  Execute("BEGIN IMMEDIATE");
+  Prepare("BEGIN IMMEDIATE").Run();
 }
 
 void SqliteDatabase::CommitWork() {
   engine_->rows.Keep();
   try {
-    Execute("COMMIT");
+    Prepare("COMMIT").Run();
   } catch (const Failure& failure) {
     // The last act of a commit syncs the emptied journal: when that fails, the change may be in the file already.
     if (sqlite3_extended_errcode(engine_->connection.getHandle()) != SQLITE_IOERR_FSYNC || !JournalIsEmpty(Path()))
@@ -521,6 +542,7 @@ void SqliteDatabase::CommitWork() {
 void SqliteDatabase::Rollback() noexcept {
   rolledBack_ = true;
   engine_->rows.TakeBack();
+  engine_->layout.reset();  // its number goes back too, and may come again for another one
   // The engine rolls back by itself after some failures (a full disk); only a transaction that is still open needs it.
   sqlite3* connection = engine_->connection.getHandle();
   if (sqlite3_get_autocommit(connection) == 0 &&

@@ -4,7 +4,9 @@
 
 #include <algorithm>
 #include <array>
+#include <bit>
 #include <charconv>
+#include <iterator>
 #include <optional>
 #include <variant>
 
@@ -16,23 +18,9 @@ namespace {
 
 using What = RecordedChange::What;
 
-// ---- Text: a letter for the kind of each part; numbers end with a blank, texts have their length in front.
+// ---- Text
 
-void AddText(std::string& to, std::string_view text) {
-  fmt::format_to(std::back_inserter(to), "{} {}", text.size(), text);
-}
-void AddValue(std::string& to, const Value& value) {
-  if (value.IsNull()) {
-    to += 'N';
-  } else if (value.IsWhole()) {
-    fmt::format_to(std::back_inserter(to), "I{} ", value.Whole());
-  } else if (value.IsNumber()) {
-    fmt::format_to(std::back_inserter(to), "D{:a} ", value.Number());
-  } else {
-    to += 'T';
-    AddText(to, value.Text());
-  }
-}
+constexpr char kTable = 'F', kFields = 'L', kNewField = 'K', kField = 'C', kEnd = 'E';
 
 class Reading {
  public:
@@ -45,10 +33,11 @@ class Reading {
     rest_.remove_prefix(1);
     return letter;
   }
-  std::int64_t Whole() {
+  template <class T = std::int64_t>
+  T Whole(int base = 10) {
     const std::string_view digits = Word();
-    std::int64_t whole = 0;
-    const auto [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), whole);
+    T whole = 0;
+    const auto [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), whole, base);
     if (error != std::errc() || end != digits.data() + digits.size()) Throw();
     return whole;
   }
@@ -66,13 +55,15 @@ class Reading {
       case 'I':
         return Whole();
       case 'D':
-        return std::strtod(std::string(Word()).c_str(), nullptr);
+        return std::bit_cast<double>(std::byteswap(Whole<std::uint64_t>(16)));
       case 'T':
         return Text();
       default:
         Throw();
     }
   }
+
+  [[noreturn]] void Throw() const { throw Failure(file_.Path().string(), "what it tells of an act cannot be read"); }
 
  private:
   std::string_view Word() {
@@ -82,11 +73,41 @@ class Reading {
     rest_.remove_prefix(blank + 1);
     return word;
   }
-  [[noreturn]] void Throw() const { throw Failure(file_.Path().string(), "what it tells of an act cannot be read"); }
 
   const Database& file_;
   std::string_view rest_;
 };
+
+// The table that is told of.
+struct ToldTable {
+  std::string name;
+  std::vector<std::string> fields{};
+  std::vector<std::string> changing{};  // those of changed rows so far
+};
+
+// What a row holds behind its letter.
+RecordedChange ReadChange(Reading& reading, What what, ToldTable& table) {
+  RecordedChange change{what, table.name, reading.Whole(), {}};
+  if (what == What::Updated) {
+    for (char letter = reading.Letter(); letter != kEnd; letter = reading.Letter()) {
+      if (letter == kNewField) {
+        table.changing.push_back(reading.Text());
+        continue;
+      }
+      const auto place = reading.Whole<std::size_t>();
+      if (letter != kField || place >= table.changing.size()) reading.Throw();
+      Value before = reading.Value();
+      change.cells.push_back({table.changing[place], std::move(before), reading.Value()});
+    }
+    return change;
+  }
+  for (const std::string& field : table.fields) {
+    RecordedChange::Cell& cell = change.cells.emplace_back();
+    cell.field = field;
+    (what == What::Added ? cell.after : cell.before) = reading.Value();
+  }
+  return change;
+}
 
 // ---- Rows
 
@@ -161,33 +182,79 @@ bool Update(Database& file, const RecordedChange& change) {
 
 }  // namespace
 
-std::string TextOfChanges(const std::vector<RecordedChange>& changes) {
-  std::string text;
-  for (const RecordedChange& change : changes) {
-    text += static_cast<char>(change.what);
-    AddText(text, change.table);
-    fmt::format_to(std::back_inserter(text), "{} {} ", change.row, change.cells.size());
-    for (const RecordedChange::Cell& cell : change.cells) {
-      AddText(text, cell.field);
-      AddValue(text, cell.before);
-      AddValue(text, cell.after);
-    }
-  }
-  return text;
+void ChangeWriter::AddWord(std::int64_t whole) {
+  char digits[24];
+  char* end = std::to_chars(std::begin(digits), std::end(digits), whole).ptr;
+  *end++ = ' ';
+  text_.append(digits, end);
+}
+
+void ChangeWriter::AddText(std::string_view text) {
+  AddWord(std::ssize(text));
+  text_ += text;
+}
+
+void ChangeWriter::Begin(std::string_view table) {
+  text_ += kTable;
+  AddText(table);
+}
+
+void ChangeWriter::Fields(const std::vector<std::string>& fields) {
+  text_ += kFields;
+  AddWord(std::ssize(fields));
+  for (const std::string& field : fields) AddText(field);
+}
+
+void ChangeWriter::NewField(std::string_view field) {
+  text_ += kNewField;
+  AddText(field);
+}
+
+void ChangeWriter::Row(What what, std::int64_t row) {
+  text_ += static_cast<char>(what);
+  AddWord(row);
+}
+
+void ChangeWriter::Field(std::size_t place) {
+  text_ += kField;
+  AddWord(static_cast<std::int64_t>(place));
+}
+
+void ChangeWriter::EndOfFields() {
+  text_ += kEnd;
+}
+
+void ChangeWriter::Whole(std::int64_t whole) {
+  text_ += 'I';
+  AddWord(whole);
+}
+
+// The bits of it, turned round: those that a Single leaves empty stand in front and are not written.
+void ChangeWriter::Number(double number) {
+  char digits[20] = {'D'};
+  char* end = std::to_chars(digits + 1, std::end(digits), std::byteswap(std::bit_cast<std::uint64_t>(number)), 16).ptr;
+  *end++ = ' ';
+  text_.append(digits, end);
+}
+
+void ChangeWriter::Text(std::string_view text) {
+  text_ += 'T';
+  AddText(text);
 }
 
 std::vector<RecordedChange> ChangesOfText(const Database& file, std::string_view text) {
   std::vector<RecordedChange> changes;
+  ToldTable table;
   for (Reading reading(file, text); !reading.AtEnd();) {
-    RecordedChange& change = changes.emplace_back();
-    change.what = static_cast<What>(reading.Letter());
-    change.table = reading.Text();
-    change.row = reading.Whole();
-    for (std::int64_t cells = reading.Whole(); cells > 0; --cells) {
-      RecordedChange::Cell& cell = change.cells.emplace_back();
-      cell.field = reading.Text();
-      cell.before = reading.Value();
-      cell.after = reading.Value();
+    const char letter = reading.Letter();
+    if (letter == kTable) {
+      table = {reading.Text()};
+    } else if (letter == kFields) {
+      for (std::int64_t left = reading.Whole(); left > 0; --left) table.fields.push_back(reading.Text());
+    } else if (table.name.empty() || std::string_view("ARU").find(letter) == std::string_view::npos) {
+      reading.Throw();
+    } else {
+      changes.push_back(ReadChange(reading, static_cast<What>(letter), table));
     }
   }
   return changes;

@@ -28,6 +28,34 @@ struct RecordedChange {
   bool operator==(const RecordedChange&) const = default;
 };
 
+/// Writes changes as a text to be kept: names of fields once for a table, an added or removed row as the values of all its
+/// fields, a changed one as what stood and stands in those that changed. A letter tells the kind of each part; numbers end
+/// with a blank, texts have their length in front.
+class ChangeWriter {
+ public:
+  /// What follows is of this table.
+  void Begin(std::string_view table);
+  /// All fields, before the first row that came or went, whose values follow it in their order.
+  void Fields(const std::vector<std::string>& fields);
+  void Row(RecordedChange::What what, std::int64_t row);
+  /// Within a changed row: a field that was not told of this table before.
+  void NewField(std::string_view field);
+  /// Its place among those that were; its value before and after follow.
+  void Field(std::size_t place);
+  void EndOfFields();
+  void Null() { text_ += 'N'; }
+  void Whole(std::int64_t whole);
+  void Number(double number);
+  void Text(std::string_view text);
+  std::string Take() { return std::move(text_); }
+
+ private:
+  void AddWord(std::int64_t whole);
+  void AddText(std::string_view text);
+
+  std::string text_;
+};
+
 /// Hears what is written into the file for as long as it lives. One that begins while another listens hears nothing.
 class ChangeRecorder {
  public:
@@ -37,16 +65,19 @@ class ChangeRecorder {
   ChangeRecorder& operator=(const ChangeRecorder&) = delete;
 
   bool Hears() const;
-  /// So far. What was changed and changed back is not among them.
-  std::vector<RecordedChange> Changes() const;
+  struct Heard {
+    std::string changes;   ///< as ChangesOfText reads them; empty when nothing was written
+    bool nameCame = false;  ///< a row came, or got another value, in one of the fields that were asked for
+  };
+  /// So far. What was changed and changed back is not among it.
+  Heard Changes(const std::vector<std::string_view>& nameFields) const;
 
  private:
   struct Engine;
   std::unique_ptr<Engine> engine_;
 };
 
-/// As a text to be kept, and read again. The text is the file's own: a malformed one is a Failure.
-std::string TextOfChanges(const std::vector<RecordedChange>& changes);
+/// The text is the file's own: a malformed one is a Failure.
 std::vector<RecordedChange> ChangesOfText(const Database& file, std::string_view text);
 
 /// The first change whose row no longer stands as it was left; null when all do. Figures of formulas that follow from

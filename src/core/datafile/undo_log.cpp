@@ -5,16 +5,20 @@
 #include <charconv>
 
 #include "core/base/text.h"
-#include "core/datafile/writer.h"
+#include "core/datafile/schema.h"
 
 namespace vellumark {
 namespace {
 
-constexpr int kMostKept = 40;
+constexpr std::int64_t kFewestKept = 40;
+constexpr std::int64_t kGoAtOnce = 8;
 constexpr std::size_t kMostText = std::size_t{8} << 20;
 constexpr std::string_view kTable = "MSysUndo";
 constexpr std::string_view kHead =
     "RowKey, Moment, Username, DatabaseName, What, Act, Subject, FirstLine, LastLine, Ends";
+constexpr std::string_view kAdd =
+    "INSERT INTO MSysUndo (Moment, Username, DatabaseName, What, Act, Subject, FirstLine, LastLine, Ends, Kept, Changes) "
+    "VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?)";
 
 // The layout is this file's own: nothing else reads or writes the table.
 const Table& UndoTable() {
@@ -64,28 +68,26 @@ UndoEntry EntryOf(const Statement& row) {
 
 }  // namespace
 
-std::int64_t AddUndoEntry(Database& file, const UndoEntry& entry, const std::vector<RecordedChange>& changes) {
+std::int64_t AddUndoEntry(Database& file, const UndoEntry& entry, std::string_view changes) {
   Transaction transaction(file);
   if (!file.TableExists(kTable)) file.CreateTable(kTable, UndoTable());
-  std::string text = TextOfChanges(changes);
-  const bool kept = text.size() <= kMostText;
-  if (!kept) text.clear();
-  const std::int64_t id = InsertRow(file, UndoTable(), std::string(kTable),
-                                    {{"Moment", entry.Moment},
-                                     {"Username", entry.Username},
-                                     {"DatabaseName", entry.database},
-                                     {"What", entry.what},
-                                     {"Act", entry.act},
-                                     {"Subject", entry.subject},
-                                     {"FirstLine", entry.firstLine},
-                                     {"LastLine", entry.lastLine},
-                                     {"Ends", EndsText(entry)},
-                                     {"Kept", kept},
-                                     {"Changes", std::move(text)}});
-  file.Prepare(fmt::format(
-                   "DELETE FROM {0} WHERE RowKey <= (SELECT RowKey FROM {0} ORDER BY RowKey DESC LIMIT 1 OFFSET {1})",
-                   kTable, kMostKept))
-      .Run();
+  const bool kept = changes.size() <= kMostText;
+  const std::int64_t id = file.Prepare(kAdd)
+                              .Bind(1, Value(entry.Moment))
+                              .Bind(2, entry.Username)
+                              .Bind(3, entry.database)
+                              .Bind(4, entry.what)
+                              .Bind(5, entry.act)
+                              .Bind(6, entry.subject)
+                              .Bind(7, entry.firstLine)
+                              .Bind(8, entry.lastLine)
+                              .Bind(9, EndsText(entry))
+                              .Bind(10, kept ? 1 : 0)
+                              .Bind(11, kept ? changes : std::string_view())
+                              .Insert();
+  // Several go at once, which costs a save less than one each time.
+  if (id % kGoAtOnce == 0)
+    file.Prepare(fmt::format("DELETE FROM {} WHERE RowKey <= ?1", kTable)).Bind(1, id - kFewestKept).Run();
   transaction.Commit();
   return id;
 }

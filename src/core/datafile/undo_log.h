@@ -27,8 +27,9 @@ struct UndoEntry {
   std::vector<std::pair<std::string, std::int64_t>> ends;
 };
 
-/// The number under which it is kept. Of an act that wrote more than is kept no more than its head is.
-std::int64_t AddUndoEntry(Database& file, const UndoEntry& entry, const std::vector<RecordedChange>& changes);
+/// The number under which it is kept, with the text of its changes. Of an act that wrote more than is kept no more than
+/// its head is.
+std::int64_t AddUndoEntry(Database& file, const UndoEntry& entry, std::string_view changes);
 /// The latest first.
 std::vector<UndoEntry> ListUndoEntries(Database& file);
 /// What it wrote; nothing when that was too much to be kept.

@@ -21,7 +21,8 @@ UndoEntry EntryOf(const Session& session, Act act, std::string what, std::string
   return entry;
 }
 
-// Where what is told of colours of the past ends: Batches, what they took, items of Jobs.
+// Where what is told of colours of the past ends: Batches, what they took, items of Jobs. What names a colour behind
+// these ends used a name that came with the act.
 std::vector<std::pair<std::string, std::int64_t>> Ends(const Session& session) {
   std::vector<std::pair<std::string, std::int64_t>> ends;
   const auto add = [&](const std::string& table) {
@@ -44,13 +45,13 @@ UndoStep::UndoStep(Session& session, Act act, std::string what, std::string subj
 
 void UndoStep::Keep() {
   if (!recorder_.Hears()) return;
-  const std::vector<RecordedChange> changes = recorder_.Changes();
-  if (changes.empty()) return;
+  const ChangeRecorder::Heard heard = recorder_.Changes({"Color_Name", "SetName"});
+  if (heard.changes.empty()) return;
   UndoEntry entry = EntryOf(session_, act_, what_, subject_);
   entry.firstLine = lastLine_ + 1;
   entry.lastLine = LastStockLine(session_.File());
-  entry.ends = Ends(session_);
-  AddUndoEntry(session_.File(), entry, changes);
+  if (heard.nameCame) entry.ends = Ends(session_);
+  AddUndoEntry(session_.File(), entry, heard.changes);
 }
 
 void KeepImportForUndo(Session& session, std::int64_t import, std::string_view source) {

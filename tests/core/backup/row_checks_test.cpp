@@ -171,7 +171,7 @@ TEST_F(RowChecks, AFileOfAnEarlierProgramGetsThemAndADamagedRecordIsNoRow) {
   // So it is with those that a small save wrote.
   File().Execute("UPDATE INK_Mix SET Notes = 'saved again' WHERE RowKey = 70");
   ByHand(
-      "UPDATE MSysRowLog SET Sums = substr(Sums, 1, 10) || x'00' || substr(Sums, 12) WHERE Entry = (SELECT MAX(Entry) "
+      "UPDATE MSysRowLog SET Sums = substr(Sums, 1, 8) || x'07' || substr(Sums, 10) WHERE Entry = (SELECT MAX(Entry) "
       "FROM MSysRowLog)");
   const std::string stray = Stray();
   EXPECT_TRUE(stray.starts_with("MSysRowLog ")) << stray;
