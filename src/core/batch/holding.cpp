@@ -3,9 +3,12 @@
 #include <fmt/format.h>
 
 #include <optional>
+#include <set>
+#include <tuple>
 
 #include "core/base/text.h"
 #include "core/batch/leave.h"
+#include "core/batch/loader.h"
 #include "core/datafile/schema.h"
 #include "core/inventory/posting.h"
 
@@ -116,6 +119,19 @@ class HeldAgain {
     for (auto figure = held.rbegin(); figure != held.rend(); ++figure) Take(*figure);
   }
 
+  bool StandsAsLeft() const {
+    std::set<std::tuple<ColorKind, std::int64_t, std::int32_t>> seen;
+    const std::vector<HeldFigure> held = ReadHeld(session_.File(), database_, batchNo_);
+    for (auto figure = held.rbegin(); figure != held.rend(); ++figure) {
+      const auto color = FindColor(session_, database_, figure->kind, figure->colorRow, figure->name);
+      if (!color || !figure->before) return false;
+      if (!seen.emplace(figure->kind, color->row, figure->ref).second) continue;
+      const auto now = FigureAt(session_, database_, figure->kind, *color, figure->ref);
+      if (!now || now->quantity != figure->after) return false;
+    }
+    return true;
+  }
+
  private:
   void Take(const HeldFigure& held) {
     const auto color = FindColor(session_, database_, held.kind, held.colorRow, held.name);
@@ -212,6 +228,17 @@ void HoldBatch(Session& session, std::int32_t batchNo, std::vector<BatchTaking>&
   }
 }
 
+bool HeldStandsAsLeft(Session& session, std::int32_t batchNo) {
+  return HeldAgain(session, session.CurrentDatabase, batchNo).StandsAsLeft();
+}
+
+void HoldStored(Session& session, const BatchRecord& record) {
+  const auto stored = ReadStoredLines(session, record.key);
+  if (!stored) return;
+  std::vector<BatchTaking> takings = ReadTakings(session, *stored);
+  HoldBatch(session, record.BatchNo, takings);
+}
+
 void TakeHeldAgain(Session& session, std::string_view database, std::int32_t batchNo) {
   Transaction transaction(session.File());
   HeldAgain(session, std::string(database), batchNo).Run();
@@ -281,9 +308,8 @@ void HealAbandonedBatches(Session& session) {
 std::vector<HeldStock> ReadHeldStock(Database& file) {
   std::vector<HeldStock> held;
   if (!file.TableExists(kMarkerTable)) return held;
-  Statement rows = file.Prepare(
-      fmt::format("SELECT DatabaseName, Kind, Color_Name, LotRefID, StoodBefore, StoodAfter, BatchNo FROM {}",
-                  kMarkerTable));
+  Statement rows = file.Prepare(fmt::format(
+      "SELECT DatabaseName, Kind, Color_Name, LotRefID, StoodBefore, StoodAfter, BatchNo FROM {}", kMarkerTable));
   while (rows.Step())
     held.push_back({rows.Text(0), rows.Whole(1) == 2 ? ColorKind::Mix : ColorKind::Basic, rows.Text(2),
                     static_cast<std::int32_t>(rows.Whole(3)), RoundTo(rows.Number(5) - rows.Number(4), 3),

@@ -15,9 +15,15 @@ namespace vellumark {
 /// another one bears by now comes back under a new one, which the takings then tell.
 void HoldBatch(Session& session, std::int32_t batchNo, std::vector<BatchTaking>& takings);
 
+/// True when every figure stands as the opening left it and no lot is there only for as long: the Batch can be closed
+/// for a moment and opened again, and nothing has changed.
+bool HeldStandsAsLeft(Session& session, std::int32_t batchNo);
+/// Hands back what a stored Batch took, by its row; for one that was closed for a moment.
+void HoldStored(Session& session, const BatchRecord& record);
+
 /// Takes again what the marker says and removes it. A figure that stands as the opening left it becomes exactly what it
-/// was before; another one is posted by the rule of an opened Batch that is left, and the Batch's record tells what then
-/// really left.
+/// was before; another one is posted by the rule of an opened Batch that is left, and the Batch's record tells what
+/// then really left.
 void TakeHeldAgain(Session& session, std::string_view database, std::int32_t batchNo);
 
 /// Removes the marker; stock stays as it is.

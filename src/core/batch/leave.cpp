@@ -142,8 +142,8 @@ std::string WhereMoved(const Session& session, std::int32_t batchNo) {
 std::unexpected<Refusal> RefuseUnknownBatch(const Session& session, std::int32_t batchNo) {
   const std::string where = WhereMoved(session, batchNo);
   return Refuse("Batch Not Found",
-                fmt::format("There is no Batch {} in the {} database.{}{}", BatchNoText(batchNo), session.CurrentDatabase,
-                            where.empty() ? "" : "\n", where),
+                fmt::format("There is no Batch {} in the {} database.{}{}", BatchNoText(batchNo),
+                            session.CurrentDatabase, where.empty() ? "" : "\n", where),
                 "BatchNo");
 }
 
@@ -197,12 +197,9 @@ Result<bool> DeleteBatch(Session& session, BatchRecord& record, BatchDialogs&, M
   Transaction transaction(session.File());
   // Closed again first: what is taken back one day is the Batch as it was saved, with what it had taken.
   if (record.stockReturned) TakeHeldAgain(session, session.CurrentDatabase, record.BatchNo);
-  UndoStep step(session, Act::Work, fmt::format("Delete Batch {}", BatchNoText(record.BatchNo)),
+  UndoStep step(session, Undoable::DeleteBatch, fmt::format("Delete Batch {}", BatchNoText(record.BatchNo)),
                 BatchNoText(record.BatchNo));
-  if (const auto stored = record.stockReturned ? ReadStoredLines(session, record.key) : std::nullopt) {
-    std::vector<BatchTaking> takings = ReadTakings(session, *stored);
-    HoldBatch(session, record.BatchNo, takings);
-  }
+  if (record.stockReturned) HoldStored(session, record);
   DeleteStored(session, record, returnIngredients);
   step.Keep();
   MoveTo(session, then, next);

@@ -248,13 +248,16 @@ Result<SaveEnd> StoreBatch(Session& session, BatchRecord& record, BatchDialogs& 
   // Nothing that can fail comes after the commit: a store that is told as failed has not happened.
   Transaction transaction(session.File());
   const bool isNew = record.state != BatchState::Edit;
-  UndoStep step(session, Act::Work,
-                fmt::format("Save Batch {} of {}", BatchNoText(isNew ? UpcomingBatchNo(session) : record.BatchNo),
-                            record.work.Color_Name),
-                BatchNoText(isNew ? UpcomingBatchNo(session) : record.BatchNo));
+  const std::string batchNo = BatchNoText(isNew ? UpcomingBatchNo(session) : record.BatchNo);
+  // One that is open is closed again first: what is taken back one day is the Batch as it was saved, with what it took.
+  // Where its stock has moved meanwhile that is no state to return to.
+  const bool closes = !isNew && HeldStandsAsLeft(session, record.BatchNo);
+  if (closes) TakeHeldAgain(session, session.CurrentDatabase, record.BatchNo);
+  UndoStep step(session, isNew ? Undoable::SaveBatch : Undoable::ChangeBatch,
+                fmt::format("{} Batch {} of {}", isNew ? "Save" : "Change", batchNo, record.work.Color_Name), batchNo);
+  if (closes) HoldStored(session, record);
   const std::int32_t number = store.Run();
-  // One that was open had given back what it took: what stood there before is no state to return to.
-  if (isNew) step.Keep();
+  if (isNew || closes) step.Keep();
   if (after.stored) {
     OpenBatch(session, next, number);
   } else {
@@ -295,7 +298,13 @@ Result<void> CheckTakeBack(const Session& session, const BatchRecord& there) {
 Result<void> StoreBatchAgain(Session& session, const BatchRecord& there) {
   if (auto storable = CheckTakeBack(session, there); !storable) return storable;
   BatchStore store(session, AsNew(there), there.Date_Entered.value_or(session.clock.Now()));
+  Transaction transaction(session.File());
+  UndoStep step(session, Undoable::TakeOverBatch,
+                fmt::format("Take Batch {} of {} from a backup", BatchNoText(there.BatchNo), there.work.Color_Name),
+                BatchNoText(there.BatchNo));
   store.Run();
+  step.Keep();
+  transaction.Commit();
   store.Done();
   store.TellAfterwards();
   return {};

@@ -131,7 +131,7 @@ Result<AdditiveSet> EditAdditiveSet(Session& session, std::string_view setName, 
   ProgressRun progress(session.progress, "Updating Add Set / Updating formulas");
   std::vector<std::string> notApplied;
   Transaction transaction(session.File());
-  UndoStep step(session, Act::AdditiveSets, fmt::format("Change the Additive Set {}", set->SetName));
+  UndoStep step(session, Undoable::EditAdditiveSet, fmt::format("Change the Additive Set {}", set->SetName));
   UpdateRow(session.File(), schema::Additives, session.Table(schema::Additives), set->key, AdditiveSetCells(*set));
   const bool whole = RewriteFormulas(session, progress, transaction, users, [&](const MixColor& mix) {
     const AppliedSet result = WithSetApplied(mix.Ingredients(), present->Rows(), set->Rows());
@@ -170,7 +170,8 @@ Result<bool> RenameAdditiveSet(Session& session, std::string_view oldName, std::
   Database& file = session.File();
   const std::string sets = session.Table(schema::Additives);
   Transaction transaction(file);
-  UndoStep step(session, Act::AdditiveSets, fmt::format("Rename the Additive Set {} to {}", set->SetName, name));
+  UndoStep step(session, Undoable::RenameAdditiveSet,
+                fmt::format("Rename the Additive Set {} to {}", set->SetName, name));
   if (merge) {
     file.Prepare("DELETE FROM " + Quoted(sets) + " WHERE RowKey = ?").Bind(1, set->key).Run();
   } else {
@@ -203,7 +204,7 @@ Result<bool> DeleteAdditiveSet(Session& session, std::string_view setName) {
 
   ProgressRun progress(session.progress, "Deleting Add Set / Updating formulas");
   Transaction transaction(session.File());
-  UndoStep step(session, Act::AdditiveSets, fmt::format("Delete the Additive Set {}", set->SetName));
+  UndoStep step(session, Undoable::DeleteAdditiveSet, fmt::format("Delete the Additive Set {}", set->SetName));
   const bool whole = RewriteFormulas(session, progress, transaction, users, [&](const MixColor& mix) {
     return NewRecipe{WithSetRemoved(mix.Ingredients(), set->Rows()), {}};
   });
@@ -273,7 +274,7 @@ Result<bool> ApplyAdditiveSet(Session& session, std::string_view setName, SetMet
     ProgressRun progress(session.progress, "Modifing Formulas ...");
     Transaction transaction(session.File());
     UndoStep step(
-        session, Act::AdditiveSets,
+        session, Undoable::ApplyAdditiveSet,
         fmt::format("{} an Additive Set: {} formulas", method == SetMethod::Remove ? "Remove" : "Apply", rows.size()));
     AdditiveSetsOnFile sets(session);
     const bool whole = RewriteFormulas(session, progress, transaction, rows, [&](const MixColor& mix) {

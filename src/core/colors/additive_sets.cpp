@@ -11,6 +11,7 @@
 #include "core/colors/names.h"
 #include "core/datafile/references.h"
 #include "core/datafile/writer.h"
+#include "core/session/undo_step.h"
 
 namespace vellumark {
 namespace {
@@ -230,8 +231,10 @@ Result<AdditiveSet> CreateAdditiveSet(Session& session, const AdditiveSetWork& w
   auto set = ValidateAdditiveSet(session, work, true);
   if (!set) return set;
   Transaction transaction(session.File());
+  UndoStep step(session, Undoable::CreateAdditiveSet, fmt::format("Create the Additive Set {}", set->SetName));
   set->key = InsertRow(session.File(), schema::Additives, session.Table(schema::Additives), AdditiveSetCells(*set));
   transaction.Note({Change::Kind::AdditiveSet, session.CurrentDatabase, set->SetName, Change::What::Added, ""});
+  step.Keep();
   transaction.Commit();
   return set;
 }

@@ -159,6 +159,7 @@ Result<void> SaveBasic(Session& session, BasicWork& work) {
   }
   const std::string table = session.Table(schema::Basic);
   Transaction transaction(session.File());
+  UndoStep step(session, Undoable::SaveBasic, fmt::format("{} {}", isNew ? "Add" : "Change", work.Color_Name));
   const RollUpWanted stale = StaleAfter(session, work, *color);
   if (isNew) {
     InsertRow(session.File(), schema::Basic, table, BasicFields().Cells(*color, kNewRowUses));
@@ -168,6 +169,7 @@ Result<void> SaveBasic(Session& session, BasicWork& work) {
   transaction.Note({Change::Kind::Basic, session.CurrentDatabase, work.Color_Name,
                     isNew ? Change::What::Added : Change::What::Updated, ""});
   MarkRollUpsStale(session, stale);
+  step.Keep();
   transaction.Commit();
   work = LoadBasicWork(session, ReadBasic(session, work.Color_Name).value());
   return {};
@@ -190,7 +192,7 @@ std::expected<bool, BasicDeleteRefusal> DeleteBasic(Session& session, const std:
   Database& file = session.File();
   const std::string table = session.QuotedTable(schema::Basic);
   Transaction transaction(file);
-  UndoStep step(session, Act::Work, fmt::format("Delete {}", color->Color_Name));
+  UndoStep step(session, Undoable::DeleteBasic, fmt::format("Delete {}", color->Color_Name));
   GiveUpColorStock(session, ColorKind::Basic, session.CurrentDatabase, color->Color_Name);
   file.Prepare("DELETE FROM " + table + " WHERE RowKey = ?").Bind(1, color->key).Run();
   file.Prepare("UPDATE " + table + " SET IngSort = IngSort - 1 WHERE IngSort > ?").Bind(1, color->IngSort).Run();

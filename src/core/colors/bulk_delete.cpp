@@ -70,7 +70,7 @@ Result<bool> DeleteFormulas(Session& session, const std::vector<std::string>& co
     BulkSteps steps(session, "Deleting Master Formulas", formulas->size());
     Database& file = session.File();
     Transaction transaction(file);
-    UndoStep step(session, Act::BulkFormulas, fmt::format("Delete {} Master Formulas", formulas->size()));
+    UndoStep step(session, Undoable::DeleteFormulas, fmt::format("Delete {} Master Formulas", formulas->size()));
     Statement row = file.Prepare("DELETE FROM " + session.QuotedTable(schema::Mix, *chosen) + " WHERE RowKey = ?");
     for (const MixColor& mix : *formulas) {
       GiveUpColorStock(session, ColorKind::Mix, *chosen, mix.Color_Name);

@@ -138,7 +138,8 @@ Result<bool> ApplyRename(Session& session, const BulkRename& rule, const std::ve
   for (const RenamePreviewRow& row : *rows) names.push_back({row.Color_Name, row.newName});
   ProgressRun run(session.progress, "Modifing Name ...");
   Transaction transaction(session.File());
-  UndoStep step(session, act, fmt::format("Rename {} colors", names.size()));
+  UndoStep step(session, rule.kind == ColorKind::Mix ? Undoable::RenameMixes : Undoable::RenameBasics,
+                fmt::format("Rename {} colors", names.size()));
   const bool whole = RenameAllChecked(session, transaction, rule.kind, names, [&](double percent) {
     session.progress.Percent(percent);
     return !session.progress.Cancelled();

@@ -10,6 +10,7 @@
 #include "core/colors/basics.h"
 #include "core/colors/formulas.h"
 #include "core/colors/names.h"
+#include "core/session/undo_step.h"
 
 namespace vellumark {
 namespace {
@@ -190,10 +191,12 @@ Result<Duplicated> Duplicate(Session& session, const Source& source, std::string
                   fmt::format("This formula cannot be saved: {}.", LostShareText(*lost)));
 
   Transaction transaction(session.File());
+  UndoStep step(session, Undoable::DuplicateFormula, fmt::format("Duplicate {} as {}", source.name, target->name));
   AddMissingIngredients(session, target->database, source, list);
   Store(session, *target, recipe, withSet ? target->set->SetName : std::string());
   transaction.Note({Change::Kind::Mix, target->database, target->name,
                     target->existing ? Change::What::Updated : Change::What::Added, ""});
+  step.Keep();
   transaction.Commit();
   TellDone(session, *target, source.name);
   return Duplicated{true, target->existing.has_value(), withSet, target->name};

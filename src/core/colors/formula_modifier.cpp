@@ -288,7 +288,7 @@ Result<bool> ApplyModifier(Session& session, const std::vector<ModifierLine>& li
   {
     BulkSteps steps(session, "Modifing Formulas ...", rows->size());
     Transaction transaction(session.File());
-    UndoStep step(session, Act::FormulaTools, fmt::format("Formula Modifier: {} formulas", rows->size()));
+    UndoStep step(session, Undoable::ModifyFormulas, fmt::format("Formula Modifier: {} formulas", rows->size()));
     RecipeWriter writer(session, {}, {"LastModified"});
     writer.SetMore(0, session.clock.Now());
     RecipeReader reader(session);

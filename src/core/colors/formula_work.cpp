@@ -316,6 +316,8 @@ Result<void> SaveMix(Session& session, FormulaWork& work) {
   std::vector<Cell> cells = MixFields().Cells(*mix, isNew ? kNewRowUses : kSavedUses);
   if (withRecipe) cells.emplace_back("LastModified", session.clock.Today());
   Transaction transaction(session.File());
+  UndoStep step(session, Undoable::SaveMix,
+                fmt::format("{} the Master Formula {}", isNew ? "Add" : "Change", work.Color_Name));
   if (withRecipe) {
     AddIngredients(session, work);
     if (WriteRecipe(session, work, StoredRecipe(session, work), cells) == 0) return Gone(work);
@@ -324,6 +326,7 @@ Result<void> SaveMix(Session& session, FormulaWork& work) {
   }
   transaction.Note({Change::Kind::Mix, session.CurrentDatabase, work.Color_Name,
                     isNew ? Change::What::Added : Change::What::Updated, ""});
+  step.Keep();
   transaction.Commit();
   Reload(session, work);
   return {};
@@ -334,10 +337,12 @@ Result<void> SaveFormula(Session& session, FormulaWork& work) {
   if (auto right = RequireFormulaRight(session); !right) return right;
   if (auto valid = ValidateFormula(session, work); !valid) return valid;
   Transaction transaction(session.File());
+  UndoStep step(session, Undoable::SaveFormula, fmt::format("Change the ingredients of {}", work.Color_Name));
   AddIngredients(session, work);
   const Cell modified{"LastModified", session.clock.Today()};
   if (work.key == 0 || WriteRecipe(session, work, StoredRecipe(session, work), {modified}) == 0) return Gone(work);
   transaction.Note({Change::Kind::Mix, session.CurrentDatabase, work.Color_Name, Change::What::Updated, ""});
+  step.Keep();
   transaction.Commit();
   Reload(session, work);
   return {};
@@ -358,7 +363,7 @@ Result<bool> DeleteMix(Session& session, const std::string& name) {
                           Answer::No))
     return false;
   Transaction transaction(session.File());
-  UndoStep step(session, Act::EditFormulas, fmt::format("Delete the Master Formula {}", mix->Color_Name));
+  UndoStep step(session, Undoable::DeleteMix, fmt::format("Delete the Master Formula {}", mix->Color_Name));
   GiveUpColorStock(session, ColorKind::Mix, session.CurrentDatabase, mix->Color_Name);
   session.File()
       .Prepare("DELETE FROM " + session.QuotedTable(schema::Mix) + " WHERE RowKey = ?")

@@ -198,7 +198,8 @@ FormulaNames RenameOrMergeBasic(Session& session, const BasicColor& color, const
   FormulaNames withoutSet;
   ProgressRun progress(session.progress, merge ? "Merging colors ..." : "Renaming color ...");
   Transaction transaction(session.File());
-  UndoStep step(session, Act::Work, fmt::format("{} {} to {}", merge ? "Merge" : "Rename", color.Color_Name, newName));
+  UndoStep step(session, Undoable::RenameBasic,
+                fmt::format("{} {} to {}", merge ? "Merge" : "Rename", color.Color_Name, newName));
   if (merge) {
     GiveUpBasic(session, color, newName);
   } else {
@@ -306,7 +307,7 @@ Result<Renamed> RenameColor(Session& session, std::string_view oldName, std::str
 
   ProgressRun progress(session.progress, "Renaming color ...");
   Transaction transaction(session.File());
-  UndoStep step(session, Act::EditFormulas, fmt::format("Rename {} to {}", mix->Color_Name, name));
+  UndoStep step(session, Undoable::RenameMix, fmt::format("Rename {} to {}", mix->Color_Name, name));
   WriteMixName(session, *mix, name);
   RenameMixesEverywhere(session, transaction, {{mix->Color_Name, name}}, [&](double percent) {
     session.progress.Percent(percent);

@@ -49,7 +49,7 @@ std::string ResetText(const Reset& reset) {
 void WriteEverywhere(Session& session, const Reset& reset, float value) {
   ProgressRun progress(session.progress, reset.progressText);
   Transaction transaction(session.File());
-  UndoStep step(session, reset.stale.cost ? Act::ResetCosts : Act::ResetEmissions, ResetText(reset));
+  UndoStep step(session, reset.stale.cost ? Undoable::ResetCosts : Undoable::ResetEmission, ResetText(reset));
   const std::string table = session.Table(reset.table);
   Statement update = session.File().Prepare(
       fmt::format("UPDATE {} SET {} = ? WHERE RowKey BETWEEN ? AND ?", Quoted(table), reset.column));
@@ -143,7 +143,7 @@ Result<void> ResetMixCostsFromBasics(Session& session, std::string_view markup, 
   const std::string table = session.QuotedTable(schema::Mix);
   ProgressRun progress(session.progress, kMixCostProgress);
   Transaction transaction(session.File());
-  UndoStep step(session, Act::ResetCosts, "Reset Master Formula costs from their ingredients");
+  UndoStep step(session, Undoable::ResetMixCostsFromBasics, "Reset Master Formula costs from their ingredients");
   Statement rows = session.File().Prepare(
       fmt::format("SELECT RowKey, BasicCost FROM {} WHERE RowKey > ? ORDER BY RowKey LIMIT 1", table));
   Statement update = session.File().Prepare(fmt::format("UPDATE {} SET PurchaseCost = ? WHERE RowKey = ?", table));
@@ -186,7 +186,7 @@ Result<void> ResetEmissions(Session& session, ColorKind kind, const EmissionRese
   }
   Transaction transaction(session.File());
   UndoStep step(
-      session, Act::ResetEmissions,
+      session, Undoable::ResetEmissions,
       kind == ColorKind::Mix ? "Reset VOC and HAP of all Master Formulas" : "Reset VOC and HAP of all Basic Colors");
   if (voc) WriteEmission(session, Emission::VOC, kind, *voc);
   if (hap) WriteEmission(session, Emission::HAP, kind, *hap);

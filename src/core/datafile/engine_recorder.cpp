@@ -301,8 +301,8 @@ class ChangeRecorder::Engine::Comparison {
   ChangeWriter& writer_;
   Heard& heard_;
   bool begun_ = false;
-  std::vector<std::string> fields_{};   // all of them, once a whole row was told
-  std::vector<std::size_t> used_{};     // the columns that were told of changed rows, in their order
+  std::vector<std::string> fields_{};  // all of them, once a whole row was told
+  std::vector<std::size_t> used_{};    // the columns that were told of changed rows, in their order
 };
 
 // In the rows of another engine nobody listens.

@@ -75,8 +75,8 @@ void BindText(sqlite3_stmt* statement, int parameter, std::string_view text) {
 
 }  // namespace
 
-// The digests of 64 rows, in the order of their keys, and one of them all: so that a bit that flips in here is not taken
-// for one in a row.
+// The digests of 64 rows, in the order of their keys, and one of them all: so that a bit that flips in here is not
+// taken for one in a row.
 struct RowChecks::Record {
   std::int64_t block = 0;
   std::array<std::uint64_t, kRowsOfBlock + 1> sums{};
@@ -254,8 +254,8 @@ void RowChecks::EmptyLog() {
   if (entries_ > 0) Fold();
 }
 
-// By the names in the engine's list of tables, which are not those that it goes by: a letter that turned over shows there
-// alone.
+// By the names in the engine's list of tables, which are not those that it goes by: a letter that turned over shows
+// there alone.
 std::vector<std::string> RowChecks::Tables() const {
   Query rows(*this,
              fmt::format(
@@ -374,7 +374,8 @@ std::vector<std::string> RowChecks::FieldsOf(std::string_view table) {
 
 std::vector<std::string> RowChecks::FieldsOf(sqlite3_stmt* row) {
   std::vector<std::string> fields;
-  for (int column = 1; column < sqlite3_column_count(row); ++column) fields.emplace_back(sqlite3_column_name(row, column));
+  for (int column = 1; column < sqlite3_column_count(row); ++column)
+    fields.emplace_back(sqlite3_column_name(row, column));
   return fields;
 }
 
@@ -505,9 +506,10 @@ void RowChecks::Fold() {
 }
 
 void RowChecks::KeepAll() {
-  Execute(fmt::format("CREATE TABLE IF NOT EXISTS main.{} (TableName TEXT COLLATE NOCASE, Block INTEGER, Checks BLOB, "
-                      "PRIMARY KEY (TableName, Block)) WITHOUT ROWID",
-                      kTable));
+  Execute(
+      fmt::format("CREATE TABLE IF NOT EXISTS main.{} (TableName TEXT COLLATE NOCASE, Block INTEGER, Checks BLOB, "
+                  "PRIMARY KEY (TableName, Block)) WITHOUT ROWID",
+                  kTable));
   MakeLog();
   for (const std::string_view own : {kTable, kLog}) Execute(fmt::format("DELETE FROM main.{}", own));
   for (const std::string& table : Tables()) KeepTable(table);

@@ -57,9 +57,9 @@ class RowChecks {
   }
   /// Those in whose rows the transaction wrote.
   std::set<std::string> WrittenTables() const;
-  /// The rows of a table as they stand now, by their keys in their order: `take` hears the place of each key and its row,
-  /// whose first column is the key; null where it is gone. The commit does not read them again for their digests, unless
-  /// they are written again.
+  /// The rows of a table as they stand now, by their keys in their order: `take` hears the place of each key and its
+  /// row, whose first column is the key; null where it is gone. The commit does not read them again for their digests,
+  /// unless they are written again.
   void ReadRows(std::string_view table, std::span<const std::int64_t> keys,
                 const std::function<void(std::size_t place, sqlite3_stmt* row)>& take);
   /// The fields of such a row, and those of a table of which no row is being read.
@@ -92,7 +92,7 @@ class RowChecks {
     std::string name;
     sqlite3_stmt* row = nullptr;   // one row by its key
     sqlite3_stmt* rows = nullptr;  // a range of them
-    bool written = false;  // in this transaction
+    bool written = false;          // in this transaction
   };
   struct Record;
   class Query;

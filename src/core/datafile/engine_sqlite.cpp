@@ -449,8 +449,8 @@ std::set<std::string> SqliteDatabase::WrittenTables() const {
   return engine_->rows.WrittenTables();
 }
 
-// A file that an earlier program made gets the digests of its rows. Where that cannot be (a damaged page, a full disk) the
-// file opens as it did, and the next opening tries again; what is damaged the check of the structure names.
+// A file that an earlier program made gets the digests of its rows. Where that cannot be (a damaged page, a full disk)
+// the file opens as it did, and the next opening tries again; what is damaged the check of the structure names.
 void SqliteDatabase::KeepRowChecks() {
   RowChecks& rows = engine_->rows;
   const bool stand = rows.StandInFile();

@@ -28,9 +28,9 @@ struct RecordedChange {
   bool operator==(const RecordedChange&) const = default;
 };
 
-/// Writes changes as a text to be kept: names of fields once for a table, an added or removed row as the values of all its
-/// fields, a changed one as what stood and stands in those that changed. A letter tells the kind of each part; numbers end
-/// with a blank, texts have their length in front.
+/// Writes changes as a text to be kept: names of fields once for a table, an added or removed row as the values of all
+/// its fields, a changed one as what stood and stands in those that changed. A letter tells the kind of each part;
+/// numbers end with a blank, texts have their length in front.
 class ChangeWriter {
  public:
   /// What follows is of this table.
@@ -66,7 +66,7 @@ class ChangeRecorder {
 
   bool Hears() const;
   struct Heard {
-    std::string changes;   ///< as ChangesOfText reads them; empty when nothing was written
+    std::string changes;    ///< as ChangesOfText reads them; empty when nothing was written
     bool nameCame = false;  ///< a row came, or got another value, in one of the fields that were asked for
   };
   /// So far. What was changed and changed back is not among it.

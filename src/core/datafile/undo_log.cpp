@@ -17,7 +17,8 @@ constexpr std::string_view kTable = "MSysUndo";
 constexpr std::string_view kHead =
     "RowKey, Moment, Username, DatabaseName, What, Act, Subject, FirstLine, LastLine, Ends";
 constexpr std::string_view kAdd =
-    "INSERT INTO MSysUndo (Moment, Username, DatabaseName, What, Act, Subject, FirstLine, LastLine, Ends, Kept, Changes) "
+    "INSERT INTO MSysUndo (Moment, Username, DatabaseName, What, Act, Subject, FirstLine, LastLine, Ends, Kept, "
+    "Changes) "
     "VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?)";
 
 // The layout is this file's own: nothing else reads or writes the table.

@@ -19,6 +19,7 @@
 #include "core/exchange/text_rows.h"
 #include "core/jobs/design_uses.h"
 #include "core/session/acts.h"
+#include "core/session/undo_step.h"
 
 namespace vellumark {
 namespace fs = std::filesystem;
@@ -377,6 +378,7 @@ Result<DesignImport> ImportDesigns(Session& session, const PhotoMaker& maker, co
   std::size_t done = 0;
   {
     Transaction transaction(session.File());
+    UndoStep step(session, Undoable::ImportDesigns, fmt::format("Import {}", path.filename().string()));
     for (IncomingDesign& incoming : *designs) {
       const auto present = ReadDesign(session, incoming.design.DesignID);
       if (auto taken = photos.Take(incoming.design, present); !taken) return std::unexpected(taken.error());
@@ -391,6 +393,7 @@ Result<DesignImport> ImportDesigns(Session& session, const PhotoMaker& maker, co
     }
     photos.Write(session);
     transaction.Note({Change::Kind::Design, "", "", Change::What::All, {}});
+    if (!NextPhotoStep(session.File())) step.Keep();  // a photo in the library is not put back
     transaction.Commit();
   }
   RunPhotoSteps(session);

@@ -183,7 +183,7 @@ class InventorySave {
 
 Result<int> WriteInventory(Session& session, const InventoryWork& work) {
   Transaction transaction(session.File());
-  UndoStep step(session, Act::Work, fmt::format("Adjust inventory of {}", work.name));
+  UndoStep step(session, Undoable::AdjustInventory, fmt::format("Adjust inventory of {}", work.name));
   auto leftOut = InventorySave(session, work, transaction).Run();
   if (!leftOut) return leftOut;
   step.Keep();

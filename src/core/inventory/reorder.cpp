@@ -50,7 +50,7 @@ Result<void> SaveReorderPoint(Session& session, ColorKind kind, const std::strin
                         "This color will not appear on the Reorder Report because\nit's Reorder Point is less than "
                         "it's current Inventory.");
   Transaction transaction(session.File());
-  UndoStep step(session, Act::Work, fmt::format("Reorder point of {}", name));
+  UndoStep step(session, Undoable::SaveReorderPoint, fmt::format("Reorder point of {}", name));
   session.File()
       .Prepare(fmt::format("UPDATE {} SET Reorder = ?1 WHERE Color_Name = ?2", session.QuotedTable(ColorTable(kind))))
       .Bind(1, *value)

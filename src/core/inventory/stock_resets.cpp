@@ -125,13 +125,13 @@ bool ResetReorderKind(Session& session, Transaction& transaction, ColorKind kind
 }
 
 // One transaction for both kinds.
-Result<bool> ResetBoth(Session& session, const ResetValues& values, const ResetTexts& texts,
+Result<bool> ResetBoth(Session& session, Undoable kind, const ResetValues& values, const ResetTexts& texts,
                        const std::function<bool(Transaction&, ColorKind, float)>& reset) {
   if (const auto writable = RequireWritable(session); !writable) return std::unexpected(writable.error());
   const auto read = ReadBoth(values, texts);
   if (!read) return std::unexpected(read.error());
   Transaction transaction(session.File());
-  UndoStep step(session, Act::Work, texts.undo);
+  UndoStep step(session, kind, texts.undo);
   if (read->basics && !reset(transaction, ColorKind::Basic, *read->basics)) return false;
   if (read->mixes && !reset(transaction, ColorKind::Mix, *read->mixes)) return false;
   step.Keep();
@@ -187,7 +187,7 @@ template <class Change>
 void RewriteLots(Session& session, const InventoryWork& work, const std::vector<std::size_t>& rows,
                  const Change& change) {
   Transaction transaction(session.File());
-  UndoStep step(session, Act::Work, fmt::format("Reset lots of {}", work.name));
+  UndoStep step(session, Undoable::ResetRowLots, fmt::format("Reset lots of {}", work.name));
   for (const std::size_t row : rows) {
     const auto lot = LotOnFile(session, work, work.rows[row]);
     if (!lot) continue;
@@ -202,14 +202,14 @@ void RewriteLots(Session& session, const InventoryWork& work, const std::vector<
 }  // namespace
 
 Result<bool> ResetInventories(Session& session, const ResetValues& values) {
-  return ResetBoth(session, values,
+  return ResetBoth(session, Undoable::ResetInventories, values,
                    {"Invalid Inventory Amount", "an Inventory amount", "BasicValue", "MixValue",
                     "Reset the inventory of all colors"},
                    [&](Transaction&, ColorKind kind, float value) { return ResetKind(session, kind, value); });
 }
 
 Result<bool> ResetReorderPoints(Session& session, const ResetValues& values) {
-  return ResetBoth(session, values,
+  return ResetBoth(session, Undoable::ResetReorderPoints, values,
                    {"Invalid Reorder Point", "a Reorder Point", "txtBasicsNewValue", "txtMixesNewValue",
                     "Reset the reorder points of all colors"},
                    [&](Transaction& transaction, ColorKind kind, float value) {
@@ -222,7 +222,7 @@ Result<bool> ResetRowInventories(Session& session, InventoryWork& work, const st
   const auto may = MayRun(session, rows, "Reset Inventory", "Reset Selected Items Inventory to 0 ?");
   if (!may || !*may) return may;
   Transaction transaction(session.File());
-  UndoStep step(session, Act::Work, fmt::format("Reset inventory of {}", work.name));
+  UndoStep step(session, Undoable::ResetRowInventories, fmt::format("Reset inventory of {}", work.name));
   for (const std::size_t row : rows) {
     if (row == 0) {
       ZeroUnlotted(session, work);

@@ -14,6 +14,7 @@
 #include "core/datafile/references.h"
 #include "core/jobs/design_uses.h"
 #include "core/session/acts.h"
+#include "core/session/undo_step.h"
 
 namespace vellumark {
 namespace {
@@ -436,12 +437,15 @@ Result<void> SaveDesign(Session& session, DesignWork& work) {
   design.LastModified = session.clock.Today();
   design.PhotoSet = NameSet(work.PhotoNames());
   Transaction transaction(session.File());
+  UndoStep step(session, Undoable::SaveDesign,
+                fmt::format("{} the Design {}", isNew ? "Add" : "Change", design.DesignID));
   design.key = WriteDesign(session, design);
   PlanPhotos(session, transaction, work);
   if (jobsFollow) RewriteJobDesignDesc(session, design.DesignID, design.Description);
   FollowLastUsed(session, design.DesignID);
   transaction.Note(
       {Change::Kind::Design, "", design.DesignID, isNew ? Change::What::Added : Change::What::Updated, {}});
+  if (!NextPhotoStep(session.File())) step.Keep();  // a photo in the library is not put back
   transaction.Commit();
   work = *ReadDesignWork(session, design.DesignID);
   RunPhotoSteps(session);
@@ -456,9 +460,11 @@ Result<void> DeleteDesign(Session& session, std::string_view typed) {
     return Decline("Delete Design");
   RunPhotoSteps(session);
   Transaction transaction(session.File());
+  UndoStep step(session, Undoable::DeleteDesign, fmt::format("Delete the Design {}", design->DesignID));
   DeleteDesignRow(session, *design);
   RemoveUnlinked(session, design->Photos());
   transaction.Note({Change::Kind::Design, "", design->DesignID, Change::What::Deleted, {}});
+  if (!NextPhotoStep(session.File())) step.Keep();
   transaction.Commit();
   RunPhotoSteps(session);
   return {};

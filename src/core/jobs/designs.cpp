@@ -8,6 +8,7 @@
 #include "core/datafile/references.h"
 #include "core/jobs/design_uses.h"
 #include "core/session/acts.h"
+#include "core/session/undo_step.h"
 
 namespace vellumark {
 namespace {
@@ -184,12 +185,14 @@ Result<std::string> RenameDesign(Session& session, std::string_view id, std::str
   if (!EqualNoCase(newID, design->DesignID))
     if (auto free = CheckNewDesignID(session, newID); !free) return std::unexpected(free.error());
   Transaction transaction(session.File());
+  UndoStep step(session, Undoable::RenameDesign, fmt::format("Rename the Design {} to {}", design->DesignID, newID));
   const std::string oldID = std::exchange(design->DesignID, newID);
   WriteDesign(session, *design);
   RenameJobDesign(session, oldID, newID);
   // Rows may have borne the new name of a Design that went.
   FollowLastUsed(session, newID);
   transaction.Note({Change::Kind::Design, "", oldID, Change::What::Renamed, newID});
+  step.Keep();
   transaction.Commit();
   return newID;
 }
@@ -200,14 +203,16 @@ Result<std::string> CopyDesign(Session& session, std::string_view id, std::strin
   if (!design) return std::unexpected(design.error());
   const std::string newID = ReadDesignID(typed);
   if (auto free = CheckNewDesignID(session, newID); !free) return std::unexpected(free.error());
+  Transaction transaction(session.File());
+  UndoStep step(session, Undoable::CopyDesign, fmt::format("Copy the Design {} as {}", design->DesignID, newID));
   design->key = 0;
   design->DesignID = newID;
   design->Created = design->LastModified = session.clock.Today();
   design->LastUsed.reset();
-  Transaction transaction(session.File());
   WriteDesign(session, *design);
   FollowLastUsed(session, newID);
   transaction.Note({Change::Kind::Design, "", newID, Change::What::Added, {}});
+  step.Keep();
   transaction.Commit();
   return newID;
 }

@@ -12,6 +12,7 @@
 #include "core/jobs/job_numbers.h"
 #include "core/jobs/job_options.h"
 #include "core/jobs/job_records.h"
+#include "core/session/undo_step.h"
 
 namespace vellumark {
 namespace {
@@ -46,14 +47,14 @@ constexpr std::array<FieldTexts, 8> kTexts{{
      "Change the current HAP per (", true},
     {JobField::DesignID, "Design ID - Unchangable", "Design ID cannot be changed on items that are", nullptr, "",
      "Change Design ID Reference", "This Design was used ", " day(s) ago.", "Change the current Design ID"},
-    {JobField::UserText, "User Defined Data - Unchangable", "Required user defined data cannot be changed on items that are",
-     nullptr, "", nullptr, "", "", ""},
+    {JobField::UserText, "User Defined Data - Unchangable",
+     "Required user defined data cannot be changed on items that are", nullptr, "", nullptr, "", "", ""},
     {JobField::UserNumber, "User Defined Data - Unchangable",
      "Required user defined data cannot be changed on items that are", nullptr, "", nullptr, "", "", ""},
-    {JobField::DateReturned, "Date Returned - Unchangable", "Date Returned cannot be changed on items that are", nullptr,
-     "", nullptr, "", "", ""},
-    {JobField::DateCompleted, "Date Completed - Unchangable", "Date Completed cannot be changed on Job Records", nullptr,
-     "", nullptr, "", "", ""},
+    {JobField::DateReturned, "Date Returned - Unchangable", "Date Returned cannot be changed on items that are",
+     nullptr, "", nullptr, "", "", ""},
+    {JobField::DateCompleted, "Date Completed - Unchangable", "Date Completed cannot be changed on Job Records",
+     nullptr, "", nullptr, "", "", ""},
 }};
 
 const FieldTexts& TextsOf(JobField field) {
@@ -126,6 +127,7 @@ Result<void> SetCompleted(Session& session, std::string_view jobNumber, const st
   if (auto writable = RequireWritable(session); !writable) return writable;
   Transaction transaction(session.File());
   Job job = LoadJob(session, ReadJobNumber(jobNumber));
+  UndoStep step(session, Undoable::CloseJob, fmt::format("{} Job {}", date ? "Close" : "Reopen", job.JobNumber));
   if (job.items.empty()) return std::unexpected(JobNotFound(job.JobNumber));
   const JobRecord& latest = job.items.back();
   if (JobRowAge(session, latest) > kJobYearDays) return CheckRecord(session, latest, JobField::DateCompleted);
@@ -133,6 +135,7 @@ Result<void> SetCompleted(Session& session, std::string_view jobNumber, const st
     record.Date_Completed = date;
     StoreJobRecord(session, record);
   }
+  step.Keep();
   transaction.Commit();
   return {};
 }
@@ -159,9 +162,8 @@ Result<void> OpenJobChange(Session& session, const std::vector<std::int64_t>& ro
   const auto records = RowsOf(session, rows);
   if (!records) return std::unexpected(records.error());
   const std::string unit = texts.unit ? fmt::format("{})", UnitName(session.UMI)) : std::string();
-  const std::string text =
-      fmt::format("{}{}{}\n\n{}{} associated with this item?", texts.used, JobRowAge(session, records->front()),
-                  texts.then, texts.now, unit);
+  const std::string text = fmt::format("{}{}{}\n\n{}{} associated with this item?", texts.used,
+                                       JobRowAge(session, records->front()), texts.then, texts.now, unit);
   if (!session.prompt.Ask(texts.question, text)) return Decline(texts.question);
   return {};
 }

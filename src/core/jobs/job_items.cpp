@@ -32,11 +32,11 @@ struct ColorFigures {
 
 std::optional<ColorFigures> ReadFiguresOf(const Session& session, std::string_view database, const std::string& name,
                                           ColorKind kind) {
-  Statement row = session.File().Prepare(
-      fmt::format("SELECT Color_Name, Color_Code, PurchaseCost, VOC, HAP{} FROM {} WHERE Color_Name = ?1 ORDER BY RowKey "
-                  "LIMIT 1",
-                  kind == ColorKind::Mix ? ", BasicCost, BasicVOC, BasicHAP" : "",
-                  Quoted(session.Table(ColorTable(kind), database))));
+  Statement row = session.File().Prepare(fmt::format(
+      "SELECT Color_Name, Color_Code, PurchaseCost, VOC, HAP{} FROM {} WHERE Color_Name = ?1 ORDER BY RowKey "
+      "LIMIT 1",
+      kind == ColorKind::Mix ? ", BasicCost, BasicVOC, BasicHAP" : "",
+      Quoted(session.Table(ColorTable(kind), database))));
   if (!row.Bind(1, name).Step()) return std::nullopt;
   ColorFigures figures{row.Text(0), row.Text(1), row.Single(2), 0, row.Single(3), row.Single(4), 0, 0};
   if (kind == ColorKind::Mix) {
@@ -89,8 +89,7 @@ class Adding {
       return Refuse("Color Not Found", fmt::format("There is no Database {}.", entry_.Database), "Database");
     database_ = *database;
     const auto color = ReadFiguresOf(session_, database_, entry_.Color_Name, entry_.kind);
-    if (!color)
-      return Refuse("Color Not Found", "This Color was not found in the selected Database.", "Color_Name");
+    if (!color) return Refuse("Color Not Found", "This Color was not found in the selected Database.", "Color_Name");
     color_ = *color;
     const auto design = DesignOf(session_, Trim(entry_.DesignID));
     if (!design) return std::unexpected(design.error());
@@ -138,7 +137,8 @@ class Adding {
         return Refuse("Lotted Inventory", "Lotted Inventory is turned off; no lot can be named.", "LotNumber");
       const auto lot = FindLot(session_, entry_.kind, color_.Color_Name, database_, place);
       if (!lot)
-        return Refuse("Lot Not Found", fmt::format("{} has no lot {}.", color_.Color_Name, take.LotNumber), "LotNumber");
+        return Refuse("Lot Not Found", fmt::format("{} has no lot {}.", color_.Color_Name, take.LotNumber),
+                      "LotNumber");
       if (lot->LotConsignment)
         return Refuse("Lot on Consignment",
                       fmt::format("The lot {} of {} is held on consignment.", lot->LotNumber, color_.Color_Name),
@@ -278,7 +278,7 @@ Result<std::vector<JobRecord>> AddJobItems(Session& session, const JobItemEntry&
   if (auto asked = adding.AskForMissing(); !asked) return std::unexpected(asked.error());
   Transaction transaction(session.File());
   if (auto valid = adding.Check(); !valid) return std::unexpected(valid.error());
-  UndoStep step(session, Act::Work, fmt::format("Issue {} to Job {}", entry.Color_Name, entry.JobNumber));
+  UndoStep step(session, Undoable::IssueToJob, fmt::format("Issue {} to Job {}", entry.Color_Name, entry.JobNumber));
   auto stored = adding.Store();
   if (!stored) return stored;
   step.Keep();

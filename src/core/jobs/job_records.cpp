@@ -9,6 +9,7 @@
 #include "core/base/text.h"
 #include "core/datafile/lifecycle.h"
 #include "core/jobs/design_uses.h"
+#include "core/session/undo_step.h"
 
 namespace vellumark {
 namespace {
@@ -198,8 +199,18 @@ std::int64_t PutBackJobRecord(Session& session, std::int64_t line) {
   return record.row;
 }
 
+void ForgetReturned(Database& file, std::int64_t firstLine, std::int64_t lastLine) {
+  if (!file.TableExists(Returned().name)) return;
+  file.Prepare(fmt::format("DELETE FROM {} WHERE Line BETWEEN ?1 AND ?2", Quoted(Returned().name)))
+      .Bind(1, firstLine)
+      .Bind(2, lastLine)
+      .Run();
+}
+
 Result<void> StoreJobNumber(Session& session, std::string_view number, std::string_view newNumber) {
   Transaction transaction(session.File());
+  UndoStep step(session, Undoable::RenameJob, fmt::format("Rename Job {} to {}", number, newNumber),
+                std::string(kJobSubject));
   const std::vector<JobRecord> items = JobItems(session, number);
   for (const JobRecord& item : items)
     if (auto closed = RequireBatchClosed(session, item); !closed) return closed;
@@ -212,6 +223,7 @@ Result<void> StoreJobNumber(Session& session, std::string_view number, std::stri
     if (item.IsOfBatch() && session.FindDatabase(item.Database) != nullptr)
       StoreBatchJob(session.File(), item.Database, item.BatchNo);
   transaction.Note({Change::Kind::Job, "", std::string(number), Change::What::Renamed, std::string(newNumber)});
+  step.Keep();
   transaction.Commit();
   return {};
 }

@@ -249,7 +249,8 @@ Result<void> SetQtyUsed(Session& session, std::int64_t row, std::string_view typ
   const bool asks = *used > before.most && *used > shown->QtyUsed && !before.lot && !before.ofBatch;
   if (asks && !AskForMore(session)) return Decline("Exceeds UnLotted", "QtyUsed");
   Transaction transaction(session.File());
-  UndoStep step(session, Act::Work, fmt::format("Quantity used of {} on Job {}", shown->Color_Name, shown->JobNumber));
+  UndoStep step(session, Undoable::SetQtyUsed,
+                fmt::format("Quantity used of {} on Job {}", shown->Color_Name, shown->JobNumber));
   auto record = RowOf(session, row);
   if (!record) return std::unexpected(record.error());
   // What is used already is there: less of it needs no stock.
@@ -324,7 +325,8 @@ Result<void> DeleteJobItem(Session& session, std::int64_t row) {
                   "BatchNo");
   const bool returns = session.prompt.Ask("Ink Inventory", "Return Quantity Used back to inventory?");
   Transaction transaction(session.File());
-  UndoStep step(session, Act::Work, fmt::format("Delete {} of Job {}", shown->Color_Name, shown->JobNumber));
+  UndoStep step(session, Undoable::DeleteJobItem,
+                fmt::format("Delete {} of Job {}", shown->Color_Name, shown->JobNumber));
   auto record = RowOf(session, row);
   if (!record) return std::unexpected(record.error());
   if (returns && record->QtyUsed > 0) {

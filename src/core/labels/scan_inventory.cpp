@@ -182,7 +182,7 @@ Result<std::string> Book(Session& session, ScanRecord& record) {
   const auto color = CheckScannedStock(session, record);
   if (!color) return std::unexpected(color.error());
   Transaction transaction(session.File());
-  UndoStep step(session, Act::Work, fmt::format("Scan {} of {}", Fixed(color->quantity, 3), color->name));
+  UndoStep step(session, Undoable::ScanStock, fmt::format("Scan {} of {}", Fixed(color->quantity, 3), color->name));
   const PostingResult result = PostStock(session, {.source = PostingSource::ScanReturn,
                                                    .kind = color->kind,
                                                    .name = color->name,

@@ -201,7 +201,7 @@ Result<std::string> Return(Session& session, ScanRecord& record) {
   const auto row = CheckScannedReturn(session, record);
   if (!row) return std::unexpected(row.error());
   Transaction transaction(session.File());
-  UndoStep step(session, Act::Work,
+  UndoStep step(session, Undoable::ScanReturn,
                 fmt::format("Scan {} of {} back from Job {}", Fixed(*record.Qty, 3), row->Color_Name, row->JobNumber));
   const auto left =
       ReturnFromJob(session, {.row = row->row, .quantity = *record.Qty, .LotLoc = record.LL, .LotContID = record.LC});

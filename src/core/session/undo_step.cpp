@@ -2,6 +2,7 @@
 
 #include <fmt/format.h>
 
+#include <array>
 #include <utility>
 
 #include "core/datafile/stock_trail.h"
@@ -10,13 +11,62 @@
 namespace vellumark {
 namespace {
 
-UndoEntry EntryOf(const Session& session, Act act, std::string what, std::string subject) {
+using enum Undoable;
+
+constexpr std::array kRows{
+    UndoableRow{SaveBatch, Act::Work},
+    UndoableRow{ChangeBatch, Act::Work},
+    UndoableRow{DeleteBatch, Act::Work},
+    UndoableRow{TakeOverBatch, Act::Work},
+    UndoableRow{AdjustInventory, Act::Work},
+    UndoableRow{ResetRowInventories, Act::Work},
+    UndoableRow{ResetRowLots, Act::Work},
+    UndoableRow{ResetInventories, Act::Work},
+    UndoableRow{ResetReorderPoints, Act::Work},
+    UndoableRow{SaveReorderPoint, Act::Work},
+    UndoableRow{ScanStock, Act::Work},
+    UndoableRow{ScanReturn, Act::Work},
+    UndoableRow{IssueToJob, Act::Work},
+    UndoableRow{SetQtyUsed, Act::Work},
+    UndoableRow{DeleteJobItem, Act::Work},
+    UndoableRow{RenameJob, Act::Work},
+    UndoableRow{CloseJob, Act::Work},
+    UndoableRow{SaveBasic, Act::Work},
+    UndoableRow{RenameBasic, Act::Work},
+    UndoableRow{DeleteBasic, Act::Work},
+    UndoableRow{SaveMix, Act::Work},
+    UndoableRow{SaveFormula, Act::EditFormulas},
+    UndoableRow{DuplicateFormula, Act::EditFormulas},
+    UndoableRow{RenameMix, Act::EditFormulas},
+    UndoableRow{DeleteMix, Act::EditFormulas},
+    UndoableRow{CreateAdditiveSet, Act::AdditiveSets},
+    UndoableRow{EditAdditiveSet, Act::AdditiveSets},
+    UndoableRow{RenameAdditiveSet, Act::AdditiveSets},
+    UndoableRow{DeleteAdditiveSet, Act::AdditiveSets},
+    UndoableRow{ApplyAdditiveSet, Act::AdditiveSets},
+    UndoableRow{ModifyFormulas, Act::FormulaTools},
+    UndoableRow{RenameBasics, Act::FormulaTools},
+    UndoableRow{RenameMixes, Act::BulkFormulas},
+    UndoableRow{DeleteFormulas, Act::BulkFormulas},
+    UndoableRow{ResetCosts, Act::ResetCosts},
+    UndoableRow{ResetMixCostsFromBasics, Act::ResetCosts},
+    UndoableRow{ResetEmission, Act::ResetEmissions},
+    UndoableRow{ResetEmissions, Act::ResetEmissions},
+    UndoableRow{SaveDesign, Act::Work},
+    UndoableRow{CopyDesign, Act::Work},
+    UndoableRow{RenameDesign, Act::Work},
+    UndoableRow{DeleteDesign, Act::Work},
+    UndoableRow{ImportDesigns, Act::Work},
+    UndoableRow{ImportFormulas, Act::ImportFormulas},
+};
+
+UndoEntry EntryOf(const Session& session, Undoable kind, std::string what, std::string subject) {
   UndoEntry entry;
   entry.Moment = session.clock.Now();
   entry.Username = session.CurrentUser;
   entry.database = session.CurrentDatabase;
   entry.what = std::move(what);
-  entry.act = static_cast<int>(act);
+  entry.act = static_cast<int>(kRows.at(static_cast<std::size_t>(kind)).act);
   entry.subject = std::move(subject);
   return entry;
 }
@@ -35,9 +85,13 @@ std::vector<std::pair<std::string, std::int64_t>> Ends(const Session& session) {
 
 }  // namespace
 
-UndoStep::UndoStep(Session& session, Act act, std::string what, std::string subject)
+std::span<const UndoableRow> UndoableRows() {
+  return kRows;
+}
+
+UndoStep::UndoStep(Session& session, Undoable kind, std::string what, std::string subject)
     : session_(session),
-      act_(act),
+      kind_(kind),
       what_(std::move(what)),
       subject_(std::move(subject)),
       lastLine_(LastStockLine(session.File())),
@@ -47,7 +101,7 @@ void UndoStep::Keep() {
   if (!recorder_.Hears()) return;
   const ChangeRecorder::Heard heard = recorder_.Changes({"Color_Name", "SetName"});
   if (heard.changes.empty()) return;
-  UndoEntry entry = EntryOf(session_, act_, what_, subject_);
+  UndoEntry entry = EntryOf(session_, kind_, what_, subject_);
   entry.firstLine = lastLine_ + 1;
   entry.lastLine = LastStockLine(session_.File());
   if (heard.nameCame) entry.ends = Ends(session_);
@@ -56,7 +110,7 @@ void UndoStep::Keep() {
 
 void KeepImportForUndo(Session& session, std::int64_t import, std::string_view source) {
   AddUndoEntry(session.File(),
-               EntryOf(session, Act::ImportFormulas, fmt::format("Import {}", source),
+               EntryOf(session, Undoable::ImportFormulas, fmt::format("Import {}", source),
                        fmt::format("{}{}", kImportSubject, import)),
                {});
 }

@@ -14,10 +14,12 @@
 #include "core/colors/color_set.h"
 #include "core/colors/rollup.h"
 #include "core/datafile/formula_imports.h"
+#include "core/datafile/moved_rows.h"
 #include "core/datafile/references.h"
 #include "core/datafile/stock_trail.h"
 #include "core/exchange/formula_merge.h"
 #include "core/inventory/taking_back.h"
+#include "core/jobs/job_records.h"
 #include "core/session/acts.h"
 #include "core/session/stock_lines.h"
 #include "core/session/undo_step.h"
@@ -56,6 +58,7 @@ class TakingBack {
   }
 
   Result<void> Run() {
+    if (auto allowed = CheckRights(); !allowed) return allowed;
     if (auto open = CheckBatchesClosed(); !open) return open;
     for (const StockLine& line : Lines())
       if (WasTakenBack(session_, line.id))
@@ -63,10 +66,13 @@ class TakingBack {
     if (const RecordedChange* touched = FirstTouchedSince(file_, changes_))
       return NotTaken(entry_.what, fmt::format("Since then {} was changed.", NameOf(*touched)));
     if (auto unused = CheckNewNames(); !unused) return unused;
+    if (auto free = CheckFileNames(); !free) return free;
     Transaction transaction(file_);
     static_cast<void>(PutBack(file_, changes_));
     if (auto free = CheckOldNames(); !free) return free;
     WriteOppositeLines();
+    ForgetReturned(file_, entry_.firstLine, entry_.lastLine);
+    RenameMovedUses();
     MarkRollUps();
     RemoveUndoEntry(file_, entry_.id);
     for (Change& change : Told()) transaction.Note(std::move(change));
@@ -99,8 +105,7 @@ class TakingBack {
   }
   std::string NameOf(const RecordedChange& change) const {
     const Place* place = PlaceOf(change);
-    if (place == nullptr)
-      return EqualNoCase(change.table, schema::JobRecords.name) ? "an item of a Job" : "a Job Design";
+    if (place == nullptr) return IsOfJobs(change) ? "an item of a Job" : "the Design " + FieldOf(change, "DesignID");
     if (place->table == &schema::Batch) return "a Batch of " + FieldOf(change, "Color_Name");
     const char* field = NameField(*place->table);
     if (field == nullptr) return "what was noted of a Batch or a color";
@@ -114,6 +119,23 @@ class TakingBack {
     for (std::int64_t id = entry_.firstLine; id <= entry_.lastLine; ++id)
       if (auto line = ReadStockLine(file_, id)) lines.push_back(*std::move(line));
     return lines;
+  }
+
+  static bool IsOfJobs(const RecordedChange& change) { return EqualNoCase(change.table, schema::JobRecords.name); }
+  static bool IsOfDesigns(const RecordedChange& change) { return EqualNoCase(change.table, schema::Designs.name); }
+
+  // A price or an emission asks for its own right, with whatever act it was changed.
+  Result<void> CheckRights() const {
+    for (const RecordedChange& change : changes_) {
+      if (change.what != What::Updated || PlaceOf(change) == nullptr) continue;
+      for (const char* cost : {"PurchaseCost", "LotPrice"})
+        if (Find(change, cost, true) != nullptr)
+          if (auto allowed = RequireAct(session_, Act::EditCosts); !allowed) return allowed;
+      for (const char* emission : {"VOC", "HAP"})
+        if (Find(change, emission, true) != nullptr)
+          if (auto allowed = RequireAct(session_, Act::EditEmissions); !allowed) return allowed;
+    }
+    return {};
   }
 
   // An open Batch has given back what it took: neither its rows nor stock stand as they are to come back.
@@ -195,9 +217,40 @@ class TakingBack {
     }
     return {};
   }
-  bool ChangesDesigns() const {
-    return std::ranges::any_of(
-        changes_, [](const RecordedChange& change) { return EqualNoCase(change.table, schema::Designs.name); });
+  bool ChangesDesigns() const { return std::ranges::any_of(changes_, IsOfDesigns); }
+
+  // Of Designs and Jobs, which are of the whole file: a name that goes must be unused, one that comes back free.
+  Result<void> CheckFileNames() const {
+    const auto named = [&](const RecordedChange& change, const Table& table, std::string_view field, bool after) {
+      const Value* name = Find(change, field, after);
+      return name != nullptr && !name->Text().empty() && IsNamed(table.name, std::string(field), name->Text())
+                 ? name->Text()
+                 : std::string();
+    };
+    for (const RecordedChange& change : changes_) {
+      std::string why;
+      if (IsOfDesigns(change)) {
+        if (const auto used = named(change, schema::JobRecords, "DesignID", true); !used.empty())
+          why = fmt::format("Since then Jobs have the Design {}.", used);
+        if (const auto again = named(change, schema::Designs, "DesignID", false); !again.empty())
+          why = fmt::format("Another Design {} has been made since.", again);
+      } else if (entry_.subject == kJobSubject && IsOfJobs(change)) {
+        if (const auto more = named(change, schema::JobRecords, "JobNumber", true); !more.empty())
+          why = fmt::format("Since then Job {} has got other items.", more);
+        if (const auto again = named(change, schema::JobRecords, "JobNumber", false); !again.empty())
+          why = fmt::format("Another Job {} has been made since.", again);
+      }
+      if (!why.empty()) return NotTaken(entry_.what, why);
+    }
+    return {};
+  }
+  // Uses of a Design in Jobs that went into an archive bear its name too.
+  void RenameMovedUses() {
+    for (const RecordedChange& change : changes_) {
+      if (change.what != What::Updated || !IsOfDesigns(change)) continue;
+      const Value* name = Find(change, "DesignID", true);
+      if (name != nullptr) RenameMovedDesign(file_, name->Text(), Find(change, "DesignID", false)->Text());
+    }
   }
 
   // A name that comes back must be free.
@@ -266,8 +319,7 @@ class TakingBack {
     for (const RecordedChange& change : changes_) {
       const Place* place = PlaceOf(change);
       if (place == nullptr) {
-        kinds.emplace(EqualNoCase(change.table, schema::JobRecords.name) ? Change::Kind::Job : Change::Kind::Design,
-                      std::string());
+        kinds.emplace(IsOfJobs(change) ? Change::Kind::Job : Change::Kind::Design, std::string());
       } else if (place->table == &schema::Additives) {
         kinds.emplace(Change::Kind::AdditiveSet, place->database);
       } else if (place->table == &schema::Batch || place->table == &schema::BatchLotInv) {

@@ -10,8 +10,9 @@
 
 namespace vellumark {
 
-/// What can be taken back in this file, the latest first: postings, adjustments, renames, the work of the bulk tools,
-/// imports, deletions. Acts of Databases that are gone and imports that were taken back are left out.
+/// What can be taken back in this file, the latest first: postings, adjustments, saved Batches and colours, renames,
+/// the work of the bulk tools, imports, deletions (see Undoable). Acts of Databases that are gone and imports that were
+/// taken back are left out.
 std::vector<UndoEntry> ListUndo(const Session& session);
 TableOf<UndoEntry> UndoColumns();
 

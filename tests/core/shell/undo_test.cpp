@@ -10,7 +10,6 @@
 #include "core/batch/bench.h"
 #include "core/batch/dialogs.h"
 #include "core/batch/leave.h"
-#include "core/batch/oldest_lots.h"
 #include "core/batch/open.h"
 #include "core/batch/store.h"
 #include "core/colors/additive_control.h"
@@ -23,83 +22,15 @@
 #include "core/colors/formulas.h"
 #include "core/colors/rename.h"
 #include "core/colors/resets.h"
-#include "core/colors/rollup.h"
 #include "core/inventory/adjust.h"
 #include "core/inventory/posting.h"
 #include "core/inventory/stock_resets.h"
 #include "core/jobs/job_items.h"
 #include "core/labels/scan_inventory.h"
-#include "core/settings/support_files.h"
-#include "support/ink_room.h"
-#include "support/snapshot.h"
+#include "core/shell/undo_room.h"
 
 namespace vellumark::test {
 namespace {
-
-/// Says yes to whatever is asked.
-class Agreeing final : public Prompt {
- public:
-  Answer Show(const Message& message) override {
-    const bool yesNo = message.buttons == Buttons::YesNo || message.buttons == Buttons::YesNoCancel;
-    return yesNo ? Answer::Yes : Answer::Ok;
-  }
-};
-
-struct UndoRoom : InkRoom {
-  UndoRoom() {
-    for (const char* name : {"RED", "BLUE", "WHITE", "GREEN"}) Basic(name, {{"PurchaseCost", 4.0F}, {"VOC", 0.5F}});
-    Basic("WAX", {{"Additive", true}});
-    Mix("PINK", {{"RED", 20}, {"WHITE", 80}}, {{"Recycle", true}});
-    Mix("SKY", {{"BLUE", 30}, {"WHITE", 70}}, {{"Recycle", true}});
-    Mix("SLOW PINK", {{"RED", 19}, {"WHITE", 76}, {"WAX", 5}}, {{"AddSetName", "SLOW"}});
-    AddRow(schema::Additives,
-           {{"SetName", "SLOW"}, {"SetList", "<WAX>"}, {"Add_Name0", "WAX"}, {"Add_Percent0", 5.0F}});
-    Setting("InvLotTracking", "1");
-    hands.DataFolder = session.DataFolder;
-    hands.support = std::make_unique<SupportFiles>(hands.DataFolder);
-    hands.DataFileDB = std::move(session.DataFileDB);
-    hands.DataFileDB->SetChanges(&hands.changes);
-    hands.DataFileName = session.DataFileName;
-    hands.DataFileOpen = hands.RecordsetsOpen = true;
-    hands.CurrentDatabase = "INK";
-    hands.databaseList = {"INK"};
-    ReadSettings(hands);
-    for (const char* name : {"RED", "BLUE", "WHITE", "GREEN", "WAX"}) {
-      PostStock(hands, {.name = name, .quantity = 500});
-      PostStock(hands, {.name = name, .quantity = 60, .place = {.LotNumber = "A"}});
-    }
-    PostStock(hands, {.kind = ColorKind::Mix, .name = "SKY", .quantity = 9});
-  }
-  ~UndoRoom() {
-    session.DataFileDB = std::move(hands.DataFileDB);
-    session.DataFileDB->SetChanges(&session.changes);
-  }
-
-  /// What people see.
-  std::string Seen() {
-    RunPendingPasses(hands);
-    std::string text = Snapshot(hands.File(), false);
-    // Numbers that were given stay given.
-    const std::size_t info = text.find("== FileInfo");
-    const std::size_t end = text.find("== ", info + 3);
-    return text.erase(info, end - info);
-  }
-  std::optional<std::int32_t> MakeBatch(const std::string& formula, const std::string& quantity) {
-    BatchRecord record = NewBatchRecord(hands);
-    NoBatchDialogs dialogs;
-    if (!EnterBatchColor(hands, record, formula)) return std::nullopt;
-    record.work.QuantityText = quantity;
-    if (!MixBatch(hands, record) || !TakeOldestLots(hands, record)) return std::nullopt;
-    std::int32_t number = 0;
-    const auto saved = SaveBatch(hands, record, dialogs, &number);
-    if (!saved || *saved != SaveEnd::Stored) return std::nullopt;
-    static_cast<void>(CancelBatch(hands, record));
-    return number;
-  }
-
-  Agreeing agrees;
-  Session hands{agrees, progress, clock};
-};
 
 using Random = std::mt19937;
 

@@ -1,0 +1,424 @@
+// Every act that can be taken back, one by one, in a room in the middle of its work.
+
+#include <algorithm>
+#include <set>
+
+#include "core/batch/take_back.h"
+#include "core/colors/additive_control.h"
+#include "core/colors/basic_work.h"
+#include "core/colors/bulk_delete.h"
+#include "core/colors/bulk_rename.h"
+#include "core/colors/duplicate.h"
+#include "core/colors/formula_modifier.h"
+#include "core/colors/formula_work.h"
+#include "core/colors/rename.h"
+#include "core/colors/resets.h"
+#include "core/datafile/databases.h"
+#include "core/exchange/design_file.h"
+#include "core/exchange/merge_room.h"
+#include "core/inventory/reorder.h"
+#include "core/inventory/stock_resets.h"
+#include "core/jobs/design_work.h"
+#include "core/jobs/job_changes.h"
+#include "core/jobs/job_items.h"
+#include "core/jobs/job_numbers.h"
+#include "core/jobs/job_stock.h"
+#include "core/labels/scan_return.h"
+#include "core/session/undo_step.h"
+#include "core/shell/undo_room.h"
+
+namespace vellumark::test {
+namespace {
+
+/// Two Databases, delivered lots and lots on consignment, a saved Batch, a Job, and two Designs.
+struct BusyRoom : UndoRoom {
+  BusyRoom() {
+    CreateEmptyDatabase(hands.File(), "WEB");
+    hands.databaseList = {"INK", "WEB"};
+    for (const char* name : {"RED", "BLUE"}) Deliver(name, "C", 20);
+    hands.File().Execute("UPDATE INK_Basic_LotInv SET LotConsignment = 1 WHERE LotNumber = 'C'");
+    Must(CreateAdditiveSet(hands, Set("FAST", "3")));
+    for (const char* id : {"BOX", "LABEL"}) {
+      DesignWork work = Must(BeginDesign(hands, id));
+      Must(EnterDesignField(work, "Description", fmt::format("The {}", id)));
+      Must(SaveDesign(hands, work));
+    }
+    batch = Must(MakeBatch("PINK", "10"));
+    kept = Must(ReadBatch(hands, batch));
+    item = Issue("J1", "RED", 5, "A");
+    Issue("J1", "BLUE", 3);
+  }
+
+  template <class T>
+  static T Must(Result<T> done) {
+    if (!done) throw std::runtime_error(done.error().text);
+    if constexpr (!std::is_void_v<T>) return *std::move(done);
+  }
+  template <class T>
+  static T Must(std::optional<T> done) {
+    return done.value();
+  }
+  static void Must(bool done) {
+    if (!done) throw std::runtime_error("it was not done");
+  }
+
+  static AdditiveSetWork Set(const std::string& name, const std::string& percent) {
+    AdditiveSetWork work{.SetName = name, .rows = {}};
+    work.rows[0] = {"WAX", percent};
+    return work;
+  }
+  std::int64_t Issue(const std::string& job, const std::string& color, float quantity, const std::string& lot = "",
+                     const std::string& design = "") {
+    JobItemEntry entry = NewJobItem(hands);
+    entry.JobNumber = job;
+    entry.Color_Name = color;
+    entry.DesignID = design;
+    entry.takes = {{.LotRefID = 0, .LotNumber = lot, .quantity = quantity}};
+    return Must(AddJobItems(hands, entry)).front().row;
+  }
+  void Scan(const std::string& text) {
+    ScanRecord record = ParseScan(text).at(0);
+    BookScan(hands, record);
+    if (record.state != ScanRecord::State::Successful) throw std::runtime_error(record.Message);
+  }
+  BatchRecord Opened() {
+    BatchRecord record;
+    Must(OpenBatch(hands, record, batch));
+    return record;
+  }
+  void ChangeBatch(const std::string& quantity) {
+    BatchRecord record = Opened();
+    NoBatchDialogs dialogs;
+    record.work.QuantityText = quantity;
+    record.work.QuantityChanged = true;
+    Must(Must(MixBatch(hands, record)));
+    Must(TakeOldestLots(hands, record));
+    Must(Must(SaveBatch(hands, record, dialogs, nullptr, MoveOn::Nowhere)) == SaveEnd::Stored);
+  }
+  void DropBatch() {
+    BatchRecord record = Opened();
+    NoBatchDialogs dialogs;
+    Must(Must(DeleteBatch(hands, record, dialogs, MoveOn::Nowhere)));
+  }
+  InventoryWork Inventory(const std::string& name) { return LoadInventory(hands, ColorKind::Basic, name); }
+  void Adjust(const std::string& name, const std::string& lot, float quantity) {
+    InventoryWork work = Inventory(name);
+    AdjustFields fields = ClearedFields(hands, work);
+    fields.quantity = quantity;
+    fields.lotNumber = lot;
+    fields.price = 3.25F;
+    Must(ApplyAdjust(hands, work, fields));
+    Must(SaveInventory(hands, work));
+  }
+  void ChangeBasic(const std::string& name, const std::string& code, const std::string& cost = {}) {
+    BasicWork work = LoadBasicWork(hands, Must(ReadBasic(hands, name)));
+    work.Color_Code = code;
+    if (!cost.empty()) work.typed["PurchaseCost"] = cost;
+    Must(SaveBasic(hands, work));
+  }
+  FormulaWork Formula(const std::string& name) {
+    FormulaWork work = LoadFormulaWork(hands, Must(ReadMix(hands, name)));
+    work.AllowEditing = true;
+    return work;
+  }
+  void AddToFormula(const std::string& name, const std::string& ingredient) {
+    FormulaWork work = Formula(name);
+    work.grid[2] = {ingredient, "10"};
+    Must(SaveFormula(hands, work));
+  }
+  void ChangeDesign(const std::string& id, const std::string& text) {
+    DesignWork work = Must(OpenDesign(hands, id));
+    Must(EnterDesignField(work, "Description", text));
+    Must(SaveDesign(hands, work));
+  }
+  void Modify(const std::string& percent) {
+    std::vector<ModifierLine> lines(kModifierLines);
+    lines[0] = {true, ModMethod::Increase, "WHITE", percent};
+    Must(Must(ApplyModifier(hands, lines, {"PINK", "SKY"})));
+  }
+
+  std::int32_t batch = 0;
+  BatchRecord kept;  // the same as a backup has it
+  std::int64_t item = 0;
+};
+
+using Step = std::function<void(BusyRoom&)>;
+struct Case {
+  Undoable kind;
+  std::string what;
+  Step act;
+  Step built;  ///< on what the act left
+  std::string why;
+  Step before = [](BusyRoom&) {};  ///< what stands before the act
+};
+
+// The room of each is the same: Batch 1 of PINK and the Job J1 stand.
+std::vector<Case> StockCases() {
+  using enum Undoable;
+  return {
+      {SaveBatch, "Save Batch 000002 of SKY", [](BusyRoom& r) { BusyRoom::Must(r.MakeBatch("SKY", "12.5")); },
+       [](BusyRoom& r) { r.Deliver("BLUE", "A"); }, "a lot of BLUE was changed"},
+      {ChangeBatch, "Change Batch 000001 of PINK", [](BusyRoom& r) { r.ChangeBatch("25"); },
+       [](BusyRoom& r) { r.Deliver("WHITE", "A"); }, "a lot of WHITE was changed"},
+      {DeleteBatch, "Delete Batch 000001", [](BusyRoom& r) { r.DropBatch(); },
+       [](BusyRoom& r) { r.Deliver("RED", "A"); }, "a lot of RED was changed"},
+      {TakeOverBatch, "Take Batch 000001 of PINK from a backup",
+       [](BusyRoom& r) { BusyRoom::Must(StoreBatchAgain(r.hands, r.kept)); },
+       [](BusyRoom& r) { r.Deliver("RED", "A"); }, "a lot of RED was changed", [](BusyRoom& r) { r.DropBatch(); }},
+      {AdjustInventory, "Adjust inventory of RED", [](BusyRoom& r) { r.Adjust("RED", "NEW", 2.5F); },
+       [](BusyRoom& r) { r.Deliver("RED", "NEW"); }, "a lot of RED was changed"},
+      {ResetRowInventories, "Reset inventory of RED",
+       [](BusyRoom& r) {
+         InventoryWork work = r.Inventory("RED");
+         BusyRoom::Must(BusyRoom::Must(vellumark::ResetRowInventories(r.hands, work, {0, 1, 2})));
+       },
+       [](BusyRoom& r) { PostStock(r.hands, {.name = "RED", .quantity = 1}); }, "RED was changed"},
+      {ResetRowLots, "Reset lots of RED",
+       [](BusyRoom& r) {
+         InventoryWork work = r.Inventory("RED");
+         BusyRoom::Must(BusyRoom::Must(ResetRowPrices(r.hands, work, {1, 2}, 7.5F)));
+       },
+       [](BusyRoom& r) {
+         InventoryWork work = r.Inventory("RED");
+         BusyRoom::Must(BusyRoom::Must(ResetRowPrices(r.hands, work, {2}, 8.5F)));
+       },
+       "a lot of RED was changed"},
+      {ResetInventories, "Reset the inventory of all colors",
+       [](BusyRoom& r) {
+         BusyRoom::Must(BusyRoom::Must(vellumark::ResetInventories(r.hands, {.basics = "0", .mixes = "4"})));
+       },
+       [](BusyRoom& r) { PostStock(r.hands, {.name = "BLUE", .quantity = 1}); }, "BLUE was changed"},
+      {ResetReorderPoints, "Reset the reorder points of all colors",
+       [](BusyRoom& r) { BusyRoom::Must(BusyRoom::Must(vellumark::ResetReorderPoints(r.hands, {.basics = "5"}))); },
+       [](BusyRoom& r) { BusyRoom::Must(vellumark::SaveReorderPoint(r.hands, ColorKind::Basic, "BLUE", "7")); },
+       "BLUE was changed"},
+      {SaveReorderPoint, "Reorder point of RED",
+       [](BusyRoom& r) { BusyRoom::Must(vellumark::SaveReorderPoint(r.hands, ColorKind::Basic, "RED", "40")); },
+       [](BusyRoom& r) { BusyRoom::Must(vellumark::SaveReorderPoint(r.hands, ColorKind::Basic, "RED", "41")); },
+       "RED was changed"},
+      {ScanStock, "Scan 3.250 of RED", [](BusyRoom& r) { r.Scan("<CN>RED\n<DB>INK\n<LN>S1\n3.25"); },
+       [](BusyRoom& r) { r.Deliver("RED", "S1"); }, "a lot of RED was changed"},
+      // It takes the item off the Job.
+      {ScanReturn, "Scan 5.000 of RED back from Job J1", [](BusyRoom& r) { r.Scan("<JN>J1\n<CN>RED\n5"); },
+       [](BusyRoom& r) { r.Deliver("RED", "A"); }, "a lot of RED was changed"},
+      {IssueToJob, "Issue BLUE to Job J2", [](BusyRoom& r) { r.item = r.Issue("J2", "BLUE", 2.5F, "A"); },
+       [](BusyRoom& r) { BusyRoom::Must(vellumark::SetQtyUsed(r.hands, r.item, "2")); },
+       "an item of a Job was changed"},
+      {SetQtyUsed, "Quantity used of RED on Job J1",
+       [](BusyRoom& r) { BusyRoom::Must(vellumark::SetQtyUsed(r.hands, r.item, "2")); },
+       [](BusyRoom& r) { BusyRoom::Must(vellumark::SetQtyUsed(r.hands, r.item, "3")); }, "a lot of RED was changed"},
+      {DeleteJobItem, "Delete RED of Job J1",
+       [](BusyRoom& r) { BusyRoom::Must(vellumark::DeleteJobItem(r.hands, r.item)); },
+       [](BusyRoom& r) { r.Deliver("RED", "A"); }, "a lot of RED was changed"},
+      {RenameJob, "Rename Job J1 to J9", [](BusyRoom& r) { BusyRoom::Must(vellumark::RenameJob(r.hands, "J1", "J9")); },
+       [](BusyRoom& r) { r.Issue("J9", "WHITE", 1); }, "Job J9 has got other items"},
+      {RenameJob, "Rename Job J1 to J9", [](BusyRoom& r) { BusyRoom::Must(vellumark::RenameJob(r.hands, "J1", "J9")); },
+       [](BusyRoom& r) { r.Issue("J1", "WHITE", 1); }, "Another Job J1 has been made since"},
+      {CloseJob, "Close Job J1",
+       [](BusyRoom& r) { BusyRoom::Must(JobClosingDate(r.hands, "J1", r.hands.clock.Today())); },
+       [](BusyRoom& r) { BusyRoom::Must(ReopenJob(r.hands, "J1")); }, "an item of a Job was changed"},
+      {SaveDesign, "Change the Design BOX", [](BusyRoom& r) { r.ChangeDesign("BOX", "A large box"); },
+       [](BusyRoom& r) { r.ChangeDesign("BOX", "A small box"); }, "the Design BOX was changed"},
+      {CopyDesign, "Copy the Design BOX as CASE",
+       [](BusyRoom& r) { BusyRoom::Must(vellumark::CopyDesign(r.hands, "BOX", "CASE")); },
+       [](BusyRoom& r) { BusyRoom::Must(UpdateJobDesignID(r.hands, {r.item}, "CASE")); }, "the Design CASE"},
+      {RenameDesign, "Rename the Design BOX to CRATE",
+       [](BusyRoom& r) { BusyRoom::Must(vellumark::RenameDesign(r.hands, "BOX", "CRATE")); },
+       [](BusyRoom& r) { BusyRoom::Must(vellumark::CopyDesign(r.hands, "LABEL", "BOX")); },
+       "Another Design BOX has been made since"},
+      {DeleteDesign, "Delete the Design BOX",
+       [](BusyRoom& r) { BusyRoom::Must(vellumark::DeleteDesign(r.hands, "BOX")); },
+       [](BusyRoom& r) { BusyRoom::Must(vellumark::CopyDesign(r.hands, "LABEL", "BOX")); },
+       "Another Design BOX has been made since"},
+  };
+}
+
+/// Takes whatever it is given for a picture.
+struct AnyPicture final : PhotoMaker {
+  Result<std::string> Jpeg(const std::string& bytes, const std::string&) const override { return bytes; }
+};
+
+std::vector<Case> ColorCases() {
+  using enum Undoable;
+  return {
+      {SaveBasic, "Change RED", [](BusyRoom& r) { r.ChangeBasic("RED", "R1", "9.5"); },
+       [](BusyRoom& r) { r.ChangeBasic("RED", "R2"); }, "RED was changed"},
+      {SaveBasic, "Add VIOLET",
+       [](BusyRoom& r) {
+         BasicWork work = NewBasicWork(r.hands, "VIOLET");
+         BusyRoom::Must(vellumark::SaveBasic(r.hands, work));
+       },
+       [](BusyRoom& r) { r.AddToFormula("SKY", "VIOLET"); }, "VIOLET: formulas have it now"},
+      {RenameBasic, "Rename RED to CRIMSON",
+       [](BusyRoom& r) { BusyRoom::Must(vellumark::RenameBasic(r.hands, "RED", "CRIMSON").value().done); },
+       [](BusyRoom& r) { r.AddToFormula("SKY", "CRIMSON"); }, "CRIMSON: formulas have it now"},
+      {RenameBasic, "Merge RED to GREEN",
+       [](BusyRoom& r) { BusyRoom::Must(vellumark::RenameBasic(r.hands, "RED", "GREEN").value().done); },
+       [](BusyRoom& r) { r.AddToFormula("PINK", "BLUE"); }, "PINK was changed"},
+      {DeleteBasic, "Delete GREEN",
+       [](BusyRoom& r) { BusyRoom::Must(vellumark::DeleteBasic(r.hands, "GREEN").value()); },
+       [](BusyRoom& r) { AddZeroBasic(r.hands, "GREEN", false); }, "Another GREEN has been made since"},
+      {SaveMix, "Change the Master Formula SKY",
+       [](BusyRoom& r) {
+         FormulaWork work = r.Formula("SKY");
+         work.grid[2] = {"GREEN", "5"};
+         BusyRoom::Must(vellumark::SaveMix(r.hands, work));
+       },
+       [](BusyRoom& r) { r.AddToFormula("SKY", "RED"); }, "SKY was changed"},
+      {SaveMix, "Add the Master Formula DAWN",
+       [](BusyRoom& r) {
+         FormulaWork work = NewFormulaWork(r.hands, "DAWN");
+         work.grid[0] = {"RED", "1"};
+         work.grid[1] = {"WHITE", "9"};
+         BusyRoom::Must(vellumark::SaveMix(r.hands, work));
+       },
+       [](BusyRoom& r) { BusyRoom::Must(r.MakeBatch("DAWN", "2")); }, "DAWN"},
+      {SaveFormula, "Change the ingredients of SKY", [](BusyRoom& r) { r.AddToFormula("SKY", "GREEN"); },
+       [](BusyRoom& r) { r.AddToFormula("SKY", "RED"); }, "SKY was changed"},
+      {DuplicateFormula, "Duplicate SKY as DUSK",
+       [](BusyRoom& r) { BusyRoom::Must(vellumark::DuplicateFormula(r.hands, "SKY", "DUSK", "WEB", "")); },
+       [](BusyRoom& r) { BusyRoom::Must(vellumark::DuplicateFormula(r.hands, "PINK", "DUSK", "WEB", "")); },
+       "DUSK was changed"},
+      {RenameMix, "Rename PINK to ROSE",
+       [](BusyRoom& r) { BusyRoom::Must(BusyRoom::Must(RenameColor(r.hands, "PINK", "ROSE")).done); },
+       [](BusyRoom& r) { BusyRoom::Must(r.MakeBatch("ROSE", "2")); }, "ROSE"},
+      {DeleteMix, "Delete the Master Formula PINK",
+       [](BusyRoom& r) { BusyRoom::Must(BusyRoom::Must(vellumark::DeleteMix(r.hands, "PINK"))); },
+       [](BusyRoom& r) { BusyRoom::Must(vellumark::DuplicateFormula(r.hands, "SKY", "PINK", "", "")); },
+       "Another PINK has been made since"},
+      {CreateAdditiveSet, "Create the Additive Set SLUR",
+       [](BusyRoom& r) { BusyRoom::Must(vellumark::CreateAdditiveSet(r.hands, BusyRoom::Set("SLUR", "2"))); },
+       [](BusyRoom& r) {
+         BusyRoom::Must(BusyRoom::Must(vellumark::ApplyAdditiveSet(r.hands, "SLUR", SetMethod::Add, {"SKY"})));
+       },
+       "SLUR: formulas have it now"},
+      {EditAdditiveSet, "Change the Additive Set SLOW",
+       [](BusyRoom& r) { BusyRoom::Must(vellumark::EditAdditiveSet(r.hands, "SLOW", BusyRoom::Set("SLOW", "8"))); },
+       [](BusyRoom& r) { BusyRoom::Must(vellumark::EditAdditiveSet(r.hands, "SLOW", BusyRoom::Set("SLOW", "9"))); },
+       "SLOW was changed"},
+      {RenameAdditiveSet, "Rename the Additive Set SLOW to LATE",
+       [](BusyRoom& r) { BusyRoom::Must(vellumark::RenameAdditiveSet(r.hands, "SLOW", "LATE")); },
+       [](BusyRoom& r) {
+         BusyRoom::Must(BusyRoom::Must(vellumark::ApplyAdditiveSet(r.hands, "LATE", SetMethod::Add, {"SKY"})));
+       },
+       "LATE: formulas have it now"},
+      {DeleteAdditiveSet, "Delete the Additive Set SLOW",
+       [](BusyRoom& r) { BusyRoom::Must(BusyRoom::Must(vellumark::DeleteAdditiveSet(r.hands, "SLOW"))); },
+       [](BusyRoom& r) { BusyRoom::Must(vellumark::CreateAdditiveSet(r.hands, BusyRoom::Set("SLOW", "2"))); },
+       "Another SLOW has been made since"},
+      {ApplyAdditiveSet, "Apply an Additive Set: 2 formulas",
+       [](BusyRoom& r) {
+         BusyRoom::Must(BusyRoom::Must(vellumark::ApplyAdditiveSet(r.hands, "FAST", SetMethod::Add, {"SKY", "PINK"})));
+       },
+       [](BusyRoom& r) { r.AddToFormula("SKY", "RED"); }, "SKY was changed"},
+      {ModifyFormulas, "Formula Modifier: 2 formulas", [](BusyRoom& r) { r.Modify("12"); },
+       [](BusyRoom& r) { r.Modify("5"); }, "PINK was changed"},
+      {RenameBasics, "Rename 2 colors",
+       [](BusyRoom& r) {
+         BusyRoom::Must(
+             BusyRoom::Must(ApplyRename(r.hands, {ColorKind::Basic, NameChange::Prefix, "OLD ", ""}, {"RED", "BLUE"})));
+       },
+       [](BusyRoom& r) { r.AddToFormula("PINK", "OLD BLUE"); }, "PINK was changed"},
+      {RenameMixes, "Rename 2 colors",
+       [](BusyRoom& r) {
+         BusyRoom::Must(
+             BusyRoom::Must(ApplyRename(r.hands, {ColorKind::Mix, NameChange::Prefix, "OLD ", ""}, {"PINK", "SKY"})));
+       },
+       [](BusyRoom& r) { BusyRoom::Must(r.MakeBatch("OLD SKY", "2")); }, "OLD SKY"},
+      {DeleteFormulas, "Delete 2 Master Formulas",
+       [](BusyRoom& r) {
+         BusyRoom::Must(BusyRoom::Must(vellumark::DeleteFormulas(r.hands, {"PINK", "SKY"})));
+       },
+       [](BusyRoom& r) { BusyRoom::Must(vellumark::DuplicateFormula(r.hands, "SLOW PINK", "SKY", "", "")); },
+       "Another SKY has been made since"},
+      {ResetCosts, "Reset Basic Color Purchase Costs",
+       [](BusyRoom& r) { BusyRoom::Must(ResetBasicCosts(r.hands, "9")); },
+       [](BusyRoom& r) { r.ChangeBasic("RED", "R1", "5"); }, "RED was changed"},
+      {ResetMixCostsFromBasics, "Reset Master Formula costs from their ingredients",
+       [](BusyRoom& r) { BusyRoom::Must(vellumark::ResetMixCostsFromBasics(r.hands, "10", "1")); },
+       [](BusyRoom& r) { BusyRoom::Must(ResetMixCosts(r.hands, "3")); }, "PINK was changed"},
+      {ResetEmission, "Reset Basic Color VOC values",
+       [](BusyRoom& r) { BusyRoom::Must(ResetBasicEmissions(r.hands, Emission::VOC, "0.9")); },
+       [](BusyRoom& r) { BusyRoom::Must(ResetBasicEmissions(r.hands, Emission::VOC, "0.8")); }, "was changed"},
+      {ResetEmissions, "Reset VOC and HAP of all Basic Colors",
+       [](BusyRoom& r) {
+         BusyRoom::Must(vellumark::ResetEmissions(r.hands, ColorKind::Basic, {.VOC = "0.4", .HAP = "0.3"}));
+       },
+       [](BusyRoom& r) { BusyRoom::Must(ResetBasicEmissions(r.hands, Emission::HAP, "0.2")); }, "was changed"},
+      {ImportDesigns, "Import designs.txt",
+       [](BusyRoom& r) {
+         BusyRoom::Must(vellumark::ImportDesigns(r.hands, AnyPicture(), r.folder / "designs.txt", {}));
+       },
+       [](BusyRoom& r) { r.ChangeDesign("LABEL", "Another label"); }, "the Design LABEL was changed",
+       [](BusyRoom& r) {
+         BusyRoom::Must(ExportDesigns(r.hands, {"BOX", "LABEL"}, r.folder / "designs.txt"));
+         BusyRoom::Must(vellumark::DeleteDesign(r.hands, "BOX"));
+         r.ChangeDesign("LABEL", "A round label");
+       }},
+      {ImportFormulas, "Import in.mfe",
+       [](BusyRoom& r) {
+         const MergePlan plan = PlanOf(r.hands, TableOfRecipes({{"PLUM", {{"RED", 1}, {"BLUE", 1}}}}));
+         BusyRoom::Must(RunMerge(r.hands, plan));
+       },
+       [](BusyRoom& r) { r.AddToFormula("PLUM", "GREEN"); }, "PLUM"},
+  };
+}
+
+std::vector<Case> Cases() {
+  std::vector<Case> cases = StockCases();
+  std::ranges::move(ColorCases(), std::back_inserter(cases));
+  return cases;
+}
+
+class UndoActs : public testing::TestWithParam<std::size_t> {};
+
+// It stands in the list with its text, its moment and its user, goes without a trace but in the histories, and stays
+// once something was built on it.
+TEST_P(UndoActs, IsListedTakenBackAndKeptOnceItWasBuiltOn) {
+  const Case c = Cases()[GetParam()];
+  BusyRoom room;
+  room.hands.CurrentUser = "ANNA";
+  c.before(room);
+  const std::string before = room.Seen();
+  const std::size_t listed = ListUndo(room.hands).size();
+  const auto act = [&] {
+    c.act(room);
+    const std::vector<UndoEntry> acts = ListUndo(room.hands);
+    ASSERT_EQ(acts.size(), listed + 1) << "it is not in the list";
+    EXPECT_EQ(acts.front().Username, "ANNA");
+    EXPECT_EQ(acts.front().Moment, room.hands.clock.Now());
+  };
+  ASSERT_NO_FATAL_FAILURE(act());
+  EXPECT_EQ(ListUndo(room.hands).front().what, c.what);
+  EXPECT_NE(room.Seen(), before);
+  auto taken = TakeBackAct(room.hands, 0);
+  ASSERT_TRUE(taken) << taken.error().text;
+  EXPECT_EQ(*taken, c.what);
+  EXPECT_EQ(room.Seen(), before);
+
+  ASSERT_NO_FATAL_FAILURE(act());
+  const std::int64_t id = ListUndo(room.hands).front().id;
+  c.built(room);
+  const std::string built = room.Seen();
+  taken = TakeBackAct(room.hands, id);
+  ASSERT_FALSE(taken);
+  EXPECT_NE(taken.error().text.find(c.why), std::string::npos) << taken.error().text;
+  EXPECT_EQ(room.Seen(), built);
+}
+
+INSTANTIATE_TEST_SUITE_P(Undo, UndoActs, testing::Range(std::size_t{0}, Cases().size()), [](const auto& named) {
+  std::string name = Cases()[named.param].what;
+  std::erase_if(name, [](char c) { return !std::isalnum(static_cast<unsigned char>(c)); });
+  return fmt::format("{}{}", name, named.param);
+});
+
+TEST(Undo, EveryActHasItsCase) {
+  std::set<Undoable> with;
+  for (const Case& c : Cases()) with.insert(c.kind);
+  EXPECT_EQ(with.size(), UndoableRows().size());
+  for (std::size_t kind = 0; kind < UndoableRows().size(); ++kind)
+    EXPECT_EQ(UndoableRows()[kind].kind, static_cast<Undoable>(kind)) << "in the order of the enumeration";
+}
+
+}  // namespace
+}  // namespace vellumark::test
