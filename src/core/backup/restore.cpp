@@ -50,6 +50,7 @@ class KeptFiles {
     for (const fs::path& photo : photos) Keep(photo, PhotoFolder() / photo.filename());
     folder_->Show();
     if (!readable) {
+      folder_->Stay();  // also when the disk fails right behind the move
       RenameToFree(current, InFolder(current));
       moved_ = true;
     }
