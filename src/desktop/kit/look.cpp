@@ -121,7 +121,48 @@ const Colors& Look::Of(Theme theme) {
       .warning = "#efbf57",
       .good = "#82d9a0",
   };
-  return theme == Theme::Light ? light : dark;
+  static const Colors lightContrast{
+      .window = "#ffffff",
+      .surface = "#ffffff",
+      .raised = "#f0f0f0",
+      .line = "#8c8c8c",
+      .border = "#000000",
+      .text = "#000000",
+      .quiet = "#1f1f1f",
+      .off = "#5f5f5f",
+      .accent = "#00308f",
+      .onAccent = "#ffffff",
+      .chosen = "#cfe3ff",
+      .danger = "#8f0000",
+      .warning = "#5c3a00",
+      .good = "#004d1a",
+  };
+  static const Colors darkContrast{
+      .window = "#000000",
+      .surface = "#000000",
+      .raised = "#1c1c1c",
+      .line = "#707070",
+      .border = "#ffffff",
+      .text = "#ffffff",
+      .quiet = "#e6e6e6",
+      .off = "#a8a8a8",
+      .accent = "#ffe600",
+      .onAccent = "#000000",
+      .chosen = "#003a66",
+      .danger = "#ff9c94",
+      .warning = "#ffd45c",
+      .good = "#7dffa8",
+  };
+  switch (theme) {
+    case Theme::Light:
+      return light;
+    case Theme::Dark:
+      return dark;
+    case Theme::LightContrast:
+      return lightContrast;
+    default:
+      return darkContrast;
+  }
 }
 
 void Look::Apply(QApplication& application) {

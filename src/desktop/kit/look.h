@@ -7,7 +7,8 @@ class QApplication;
 
 namespace vellumark::desktop {
 
-enum class Theme { Light, Dark };
+/// The two with high contrast follow a system that is set so.
+enum class Theme { Light, Dark, LightContrast, DarkContrast };
 
 /// The colours of a theme: one neutral scale, one accent, and the three signals that always stand beside a word or a
 /// mark of their own shape.

@@ -7,14 +7,14 @@
 
 namespace vellumark::desktop {
 
-/// Whether the system's desktop is light or dark at the moment: what the platform's palette says, and where the desktop
-/// answers on the session bus (org.freedesktop.appearance), what it says there, also when it changes.
+/// Whether the system's desktop is light or dark at the moment, and in high contrast: what the platform's palette says, and
+/// where the desktop answers on the session bus (org.freedesktop.appearance), what it says there, also when it changes.
 class SystemTheme : public QObject {
   Q_OBJECT
 
  public:
   explicit SystemTheme(QObject* parent);
-  Theme Now() const { return theme_; }
+  Theme Now() const;
 
  Q_SIGNALS:
   void Changed(Theme theme);
@@ -23,8 +23,9 @@ class SystemTheme : public QObject {
   void OnSetting(const QString& group, const QString& key, const QDBusVariant& value);
 
  private:
-  void Take(uint scheme);
-  Theme theme_;
+  void Ask(const QString& key);
+  bool dark_;
+  bool contrast_ = false;
 };
 
 }  // namespace vellumark::desktop

@@ -6,9 +6,11 @@
 #include <QGridLayout>
 #include <QLabel>
 #include <QPainter>
+#include <QDBusVariant>
 #include <QToolButton>
 
 #include "desktop/kit/icons.h"
+#include "desktop/kit/system_theme.h"
 #include "support/desktop.h"
 
 namespace vellumark::test {
@@ -21,30 +23,53 @@ using desktop::Theme;
 TEST(LookOfThings, EveryTextCanBeReadOnEveryGroundItStandsOn) {
   EXPECT_NEAR(Look::Contrast("#000000", "#ffffff"), 21, 1e-9);
   EXPECT_NEAR(Look::Contrast("#777777", "#ffffff"), 4.48, 0.01) << "a grey known to fail by a hair";
-  for (const Theme theme : {Theme::Light, Theme::Dark}) {
+  for (const Theme theme : {Theme::Light, Theme::Dark, Theme::LightContrast, Theme::DarkContrast}) {
     const Colors& c = Look::Of(theme);
+    const bool contrast = theme == Theme::LightContrast || theme == Theme::DarkContrast;
+    const double least = contrast ? 7 : 4.5;
     const struct {
       const char* what;
       QColor ink;
       std::vector<QColor> grounds;
       double least;
     } rows[] = {
-        {"text", c.text, {c.window, c.surface, c.raised, c.line, c.chosen}, 4.5},
-        {"quiet text", c.quiet, {c.window, c.surface, c.raised}, 4.5},
-        {"text on the accent", c.onAccent, {c.accent}, 4.5},
-        {"links", c.accent, {c.window, c.surface}, 4.5},
-        {"danger", c.danger, {c.window, c.surface}, 4.5},
-        {"warning", c.warning, {c.window, c.surface, c.chosen}, 4.5},
-        {"good", c.good, {c.window, c.surface}, 4.5},
-        {"edges of fields", c.border, {c.window, c.surface}, 3},
+        {"text", c.text, {c.window, c.surface, c.raised, c.chosen}, least},
+        {"text on what is pressed", c.text, {c.line}, 4.5},
+        {"quiet text", c.quiet, {c.window, c.surface, c.raised}, least},
+        {"text on the accent", c.onAccent, {c.accent}, least},
+        {"links", c.accent, {c.window, c.surface}, least},
+        {"danger", c.danger, {c.window, c.surface}, least},
+        {"warning", c.warning, {c.window, c.surface, c.chosen}, least},
+        {"good", c.good, {c.window, c.surface}, least},
+        {"edges of fields", c.border, {c.window, c.surface}, contrast ? 7.0 : 3.0},
+        {"what is off", c.off, {c.window, c.surface}, contrast ? 4.5 : 2.0},
     };
     for (const auto& row : rows) {
       for (const QColor& ground : row.grounds) {
         EXPECT_GE(Look::Contrast(row.ink, ground), row.least)
-            << (theme == Theme::Light ? "light: " : "dark: ") << row.what << " on " << ground.name().toStdString();
+            << "theme " << static_cast<int>(theme) << ": " << row.what << " on " << ground.name().toStdString();
       }
     }
   }
+}
+
+TEST(LookOfThings, TheSystemsSettingsMakeTheTheme) {
+  desktop::SystemTheme system(nullptr);
+  std::vector<Theme> told;
+  QObject::connect(&system, &desktop::SystemTheme::Changed, [&](Theme theme) { told.push_back(theme); });
+  const auto sets = [&](const char* key, uint value, const char* group = "org.freedesktop.appearance") {
+    QMetaObject::invokeMethod(&system, "OnSetting", Q_ARG(QString, group), Q_ARG(QString, key),
+                              Q_ARG(QDBusVariant, QDBusVariant(value)));
+  };
+  sets("color-scheme", 2);
+  told.clear();
+  sets("contrast", 1);
+  sets("color-scheme", 1);
+  sets("color-scheme", 0);  // no preference: as it was
+  sets("contrast", 1, "another.group");
+  sets("contrast", 0);
+  EXPECT_EQ(told, (std::vector<Theme>{Theme::LightContrast, Theme::DarkContrast, Theme::Dark}));
+  EXPECT_EQ(system.Now(), Theme::Dark);
 }
 
 TEST(LookOfThings, FiguresStandUnderOneAnother) {
