@@ -1,6 +1,9 @@
 #include "support/desktop.h"
 
+#include <fmt/format.h>
+
 #include <QAbstractButton>
+#include <QAbstractEventDispatcher>
 #include <QDialog>
 #include <QElapsedTimer>
 #include <QImage>
@@ -17,6 +20,8 @@
 #include <stdexcept>
 
 #include "desktop/kit/application.h"
+#include "desktop/kit/wait_progress.h"
+#include "support/loop_watch.h"
 #include "support/places.h"
 
 namespace vellumark::test {
@@ -71,6 +76,18 @@ void Quietly(QtMsgType type, const QMessageLogContext&, const QString& text) {
   if (type == QtFatalMsg) std::abort();
 }
 
+LoopWatch* watching = nullptr;
+
+class WatchedApplication : public desktop::Application {
+ public:
+  using Application::Application;
+  bool notify(QObject* receiver, QEvent* event) override {
+    if (watching == nullptr) return Application::notify(receiver, event);
+    const LoopWatch::Delivery delivery(*receiver, event->type());
+    return Application::notify(receiver, event);
+  }
+};
+
 // A program that ended in one test told the application so, and no dialog would run in the next.
 class BeginsAnew : public testing::EmptyTestEventListener {
   void OnTestStart(const testing::TestInfo&) override { RunAgain(); }
@@ -82,6 +99,68 @@ void RunAgain() {
   QMetaObject::invokeMethod(
       qApp, [] { QCoreApplication::exit(); }, Qt::QueuedConnection);
   QCoreApplication::exec();
+}
+
+double MachineSlowness() {
+  const auto work = [] {
+    const CpuTimer timer;
+    std::uint64_t sum = 0;
+    for (int n = 0; n < 200000; ++n) sum += fmt::format("{} {:.3f}", n, n / 7.0).size();
+    EXPECT_GT(sum, 0U);
+    return timer.Ms();
+  };
+  constexpr double kOnADesk = 45;  // ms of that work
+  return std::max({1.0, std::min({work(), work(), work()}) / kOnADesk});
+}
+
+LoopWatch::LoopWatch() {
+  watching = this;
+  auto* loop = QAbstractEventDispatcher::instance();
+  QObject::connect(loop, &QAbstractEventDispatcher::awake, qApp, [this] { ComesRound(); });
+  QObject::connect(loop, &QAbstractEventDispatcher::aboutToBlock, qApp, [this] { ComesRound(); });
+}
+
+LoopWatch::~LoopWatch() {
+  watching = nullptr;
+  QAbstractEventDispatcher::instance()->disconnect(qApp);
+}
+
+void LoopWatch::Step(const std::string& step, const std::function<void()>& act) {
+  Settle();
+  const std::string outer = std::exchange(step_, step);
+  {
+    const Delivery delivery(*qApp, QEvent::None);
+    act();
+  }
+  Settle();
+  step_ = outer;
+}
+
+void LoopWatch::ComesRound() {
+  const double ms = before_ + (depth_ > 0 ? since_.Ms() : 0);
+  if (!step_.empty() && !barSeen_ && ms > longest_[step_].ms) longest_[step_] = {ms, slowest_.event};
+  before_ = 0;
+  slowest_ = {};
+  since_ = CpuTimer();
+  barSeen_ = bars_ > 0;
+}
+
+LoopWatch::Delivery::Delivery(QObject& receiver, QEvent::Type type) : watch_(watching) {
+  if (watch_ == nullptr) return;
+  if (watch_->depth_++ == 0) watch_->since_ = CpuTimer();
+  what_ = fmt::format("{} {} {}", static_cast<int>(type), receiver.metaObject()->className(),
+                      receiver.objectName().toStdString());
+  if (type != QEvent::Show && type != QEvent::Hide) return;
+  if (qobject_cast<desktop::WaitWindow*>(&receiver) == nullptr) return;
+  watch_->bars_ += type == QEvent::Show ? 1 : -1;
+  watch_->barSeen_ = true;
+}
+
+LoopWatch::Delivery::~Delivery() {
+  if (watch_ == nullptr || watching != watch_) return;
+  const double ms = timer_.Ms();
+  if (ms > watch_->slowest_.ms) watch_->slowest_ = {ms, what_};
+  if (--watch_->depth_ == 0) watch_->before_ += watch_->since_.Ms();
 }
 
 void Settle() {
@@ -188,6 +267,9 @@ void Picture(QWidget& window, const std::string& name, QSize size) {
   const std::string base = (ScreensFolder() / name).string();
   if (size.isValid()) window.resize(size);
   if (!window.isVisible()) window.show();
+  Look::SetTheme(Theme::DarkContrast);
+  Settle();
+  Grab(window, base + "-contrast.png", 100);
   for (const Theme theme : {Theme::Light, Theme::Dark}) {
     Look::SetTheme(theme);
     Settle();
@@ -211,7 +293,7 @@ int main(int argc, char** argv) {
   const QTemporaryDir settings;
   QSettings::setPath(QSettings::IniFormat, QSettings::UserScope, settings.path());
   QLocale::setDefault(QLocale::c());
-  vellumark::desktop::Application application(argc, argv);
+  vellumark::test::WatchedApplication application(argc, argv);
   application.setEffectEnabled(Qt::UI_AnimateCombo, false);
   vellumark::desktop::Look::SetTheme(vellumark::desktop::Theme::Light);
   application.OnFailure(

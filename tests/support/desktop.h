@@ -74,7 +74,8 @@ void ShowActive(QWidget& window);
 void WithModal(const std::function<void()>& act, const std::function<void(QWidget& dialog)>& inside);
 
 /// Pictures of a window at 1280 by 720 (or its own size, for a dialog), light and dark, at 100 and at 200 percent:
-/// build/screens/NAME-light.png, NAME-dark.png, NAME-light-200.png, NAME-dark-200.png. Fails when a control is cut off.
+/// build/screens/NAME-light.png, NAME-dark.png, NAME-light-200.png, NAME-dark-200.png, and one in high contrast,
+/// NAME-contrast.png. Fails when a control is cut off.
 void Picture(QWidget& window, const std::string& name, QSize size = {1280, 720});
 
 }  // namespace vellumark::test

@@ -1,6 +1,7 @@
 #include "desktop/batch/batch_settings_form.h"
 
 #include "core/base/number.h"
+#include "desktop/kit/tall_page.h"
 #include "desktop/kit/text.h"
 #include "desktop/settings/explain.h"
 
@@ -15,7 +16,8 @@ QString Numbered(const char* name, int number) {
 
 BatchSettingsForm::BatchSettingsForm(WindowList& windowList, QWidget* owner)
     : Dialog(windowList, owner, "BatchSettingsForm", tr("Batch Settings")) {
-  Form form(*this);
+  Form whole(*this);
+  Form form = TallPart(*this, whole);
   TabSet tabs = form.Tabs("TabSettings");
   BuildGeneral(tabs.Page(tr("Batch Window"), "TabGeneral"));
   userFields_.BuildTexts(tabs.Page(tr("Text Fields"), "TabTexts"),
@@ -24,8 +26,8 @@ BatchSettingsForm::BatchSettingsForm(WindowList& windowList, QWidget* owner)
                            tr("Six numbers of your own for each Batch, entered under More Data."));
   BuildQuickInfo(tabs.Page(tr("Quick Info"), "TabQuickInfo"));
   BuildPrinting(tabs.Page(tr("Printing"), "TabPrinting"));
-  form.Buttons({form.Button("cmdSave", tr("&Save")), form.Button("cmdCancel", tr("Cancel"))});
-  resize(800, 640);
+  whole.Buttons({form.Button("cmdSave", tr("&Save")), form.Button("cmdCancel", tr("Cancel"))});
+  FitScreen(*this, {800, 640});
 }
 
 void BatchSettingsForm::BuildGeneral(Form form) {

@@ -4,6 +4,7 @@
 
 #include "core/base/text.h"
 #include "core/base/units.h"
+#include "desktop/kit/tall_page.h"
 #include "desktop/kit/text.h"
 
 namespace vellumark::desktop {
@@ -15,7 +16,8 @@ constexpr int kJobLength = 30;
 
 JobItemsForm::JobItemsForm(WindowList& windowList, QWidget* owner)
     : Dialog(windowList, owner, "JobItemsForm", tr(" Split Jobs")) {
-  Form form(*this);
+  Form whole(*this);
+  Form form = TallPart(*this, whole);
   form.Wide(form.Hint(tr("Enter each Job Number and the Qty Used.")));
   QLabel* jobCaption = form.Hint(tr("Job Number"));
   usedCaption_ = form.Hint({}, "lblQtyUsed");
@@ -24,7 +26,8 @@ JobItemsForm::JobItemsForm(WindowList& windowList, QWidget* owner)
   for (std::size_t i = 0; i < kMostJobLines; ++i) AddPair(form, i);
   returned_ = form.Value("lblInvQty");
   form.Row(tr("Quantity Returned to Inventory"), {returned_, unit_ = form.Hint({})});
-  form.Buttons({form.Button("cmdSave", tr("&Save")), form.Button("cmdCancel", tr("Cancel"))});
+  whole.Buttons({form.Button("cmdSave", tr("&Save")), form.Button("cmdCancel", tr("Cancel"))});
+  FitScreen(*this);
 }
 
 void JobItemsForm::AddPair(Form& form, std::size_t number) {

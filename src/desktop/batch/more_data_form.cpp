@@ -4,6 +4,7 @@
 #include "core/batch/more_data.h"
 #include "core/session/settings.h"
 #include "desktop/kit/discard.h"
+#include "desktop/kit/tall_page.h"
 #include "desktop/kit/text.h"
 
 namespace vellumark::desktop {
@@ -27,13 +28,14 @@ void ShowChoice(ComboField& combo, const std::string& text) {
 
 MoreDataForm::MoreDataForm(WindowList& windowList, QWidget* owner)
     : Dialog(windowList, owner, "MoreDataForm", tr("More Data")) {
-  Form form(*this);
+  Form whole(*this);
+  Form form = TallPart(*this, whole);
   std::vector<Form> columns = form.Columns(2);
   BuildUserFields(columns[0]);
   BuildLab(columns[1]);
   form.Stretch();
-  form.Buttons({form.Button("cmdOK", tr("OK")), form.Button("cmdCancel", tr("Cancel"))});
-  resize(960, 600);
+  whole.Buttons({form.Button("cmdOK", tr("OK")), form.Button("cmdCancel", tr("Cancel"))});
+  FitScreen(*this, {960, 600});
 }
 
 void MoreDataForm::BuildUserFields(Form form) {

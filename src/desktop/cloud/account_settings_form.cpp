@@ -11,6 +11,7 @@
 #include "desktop/kit/discard.h"
 #include "desktop/kit/icons.h"
 #include "desktop/kit/look.h"
+#include "desktop/kit/tall_page.h"
 #include "desktop/kit/text.h"
 
 namespace vellumark::desktop {
@@ -40,15 +41,16 @@ const char* MarkOf(bool good, const std::string& line) {
 
 CloudAccountSettings::CloudAccountSettings(WindowList& windowList, QWidget* owner, CloudParts parts)
     : Dialog(windowList, owner, "CloudAccountSettings", tr("Cloud Settings")), parts_(std::move(parts)) {
-  Form form(*this);
+  Form whole(*this);
+  Form form = TallPart(*this, whole);
   TabSet tabs = form.Tabs("tabCloud");
   tabs_ = tabs.Widget();
   BuildAccount(tabs.Page(tr("&Account"), "tabAccount"));
   BuildShares(tabs.Page(tr("S&hared Accounts"), "tabShares"));
   BuildTest(tabs.Page(tr("&Test"), "tabTest"));
   BuildAdmin(tabs.Page(tr("A&dministrator"), "tabAdmin"));
-  form.Buttons({save_ = form.Button("cmdSave", tr("&Save")), form.Button("cmdClose", tr("Close"))});
-  resize(880, 560);
+  whole.Buttons({save_ = form.Button("cmdSave", tr("&Save")), form.Button("cmdClose", tr("Close"))});
+  FitScreen(*this, {880, 560});
 }
 
 void CloudAccountSettings::BuildAccount(Form form) {

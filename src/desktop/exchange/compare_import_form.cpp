@@ -10,9 +10,9 @@ ImportCompareFormulasForm::ImportCompareFormulasForm(WindowList& windowList, QWi
     : Dialog(windowList, owner, name, tr("Formula Comparison")),
       rows_(std::make_shared<TableSource>()) {
   Form form(*this);
-  form.Row(tr("Color"), name_ = form.Value("lblColor"));
-  form.Row(tr("ModType"), mod_ = form.Label("lblModType"));
-  form.Row(tr("In Database"), inDatabase_ = form.Label("lblInDatabase"));
+  // On one line: the rows below are what is looked at.
+  form.Row(tr("Color"), {name_ = form.Value("lblColor"), form.Hint(tr("ModType")), mod_ = form.Label("lblModType"),
+                         form.Hint(tr("In Database")), inDatabase_ = form.Label("lblInDatabase")});
   lines_ = form.Table("fgCompare");
   lines_->setAccessibleName(tr("Formula Comparison"));
   lines_->SetColumns({GridColumn::Text(tr("Ingredient"), 264), GridColumn::Number(tr("In Database"), 112),

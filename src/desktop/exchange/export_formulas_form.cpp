@@ -12,6 +12,7 @@
 namespace vellumark::desktop {
 namespace {
 
+constexpr int kLeastList = 216;  // filter, caption and some rows
 constexpr int kNameWidth = 420;
 // In the order of optDates.
 enum Dates { kAllDates, kEntered, kModified };
@@ -82,6 +83,7 @@ void DBExport_Formulas::BuildSelection(Form form) {
   list_ = new CheckedList(*grid, names_, {GridColumn::Text(tr("Color Name"), kNameWidth)});
   grid->ShowFilter(tr("Filter"));
   grid->SetEmptyText(tr("There are no Master Formulas of these days"));
+  grid->setMinimumHeight(kLeastList);
   form.Wide(grid, 1);
   form.Wide(selected_ = form.Label("lblSelected"));
   form.ButtonsWithoutDefault(

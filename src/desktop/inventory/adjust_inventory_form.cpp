@@ -203,9 +203,7 @@ void AdjustInventoryForm::UpdateEnabled() {
   const bool scan = tab_ == kScan;
   for (QWidget* widget : manualOnly_) widget->setVisible(!scan);
   // A scan has commands of its own; Ctrl+S is the one that books.
-  save_->setVisible(!scan);
-  cancel_->setVisible(!scan);
-  history_->setVisible(!scan);
+  for (QWidget* button : {save_, cancel_, history_}) button->setVisible(!scan);
   label_->setVisible(manual);
   label_->setEnabled(shown && CanPrintLabels(windows));
   save_->setEnabled(scan || (manual ? shown : settings_->IsChanged()));

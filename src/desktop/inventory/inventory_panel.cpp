@@ -50,7 +50,7 @@ void InventoryPanel::BuildList(Form& form) {
   list_->ShowFilter(tr("Find a lot, location or container"));
   list_->SetEmptyText(tr("No color"));
   list_->SetSource(source_);
-  list_->setMinimumHeight(104);
+  list_->setMinimumHeight(160);
   list_->setAccessibleName(tr("Inventory"));
   form.Wide(list_, 1);
   connect(list_, &Grid::CurrentRowChanged, this, &InventoryPanel::RowChosen);

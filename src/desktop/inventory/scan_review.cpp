@@ -19,6 +19,7 @@ namespace {
 
 using State = ScanRecord::State;
 
+constexpr int kLotWidth = 96;
 constexpr int kFieldsWidth = 464;
 constexpr int kLotLength = 30;
 constexpr int kMark = 32;
@@ -77,13 +78,13 @@ class ScanReview::Source : public GridSource {
 
 ScanReview::ScanReview(FormHost& host, Form form)
     : QObject(&host.Self()), host_(host), source_(std::make_shared<Source>(records_)) {
-  form.Heading(tr("Step 2 - View Results & Update"));
   auto* box = new QWidget;
   auto* across = new QHBoxLayout(box);
   across->setContentsMargins(0, 0, 0, 0);
   across->setSpacing(space::kGroup);
   auto* fields = new QWidget;
   auto* result = new QWidget;
+  for (QWidget* side : {fields, result}) side->setProperty("flush", true);
   fields->setFixedWidth(kFieldsWidth);
   across->addWidget(fields);
   across->addWidget(result, 1);
@@ -124,8 +125,11 @@ void ScanReview::BuildFields(Form form) {
   choice_->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
   choice_->setMinimumWidth(304);
   form.Row(tr("Choose"), choice_);
-  form.Row(tr("Lot Location"), location_ = form.Text("txtScanLL", TextRule::Upper(kLotLength)));
-  form.Row(tr("Lot Cont ID"), container_ = form.Text("txtScanLC", TextRule::Upper(kLotLength)));
+  location_ = form.Text("txtScanLL", TextRule::Upper(kLotLength));
+  container_ = form.Text("txtScanLC", TextRule::Upper(kLotLength));
+  container_->setAccessibleName(tr("Lot Cont ID"));
+  for (TextField* field : {location_, container_}) field->setMinimumWidth(kLotWidth);
+  form.Row(tr("Lot Location"), {location_, form.Hint(tr("Lot Cont ID")), container_});
   quantity_ = form.Number("txtQty", 3, tr("Above 0, below 99999"));
   quantity_->setFont(Look::Figures(1.4));
   form.Row(tr("Quantity"), {quantity_, form.Hint(Q(UnitName(session.UMI)))});
@@ -144,6 +148,7 @@ void ScanReview::BuildFields(Form form) {
 }
 
 void ScanReview::BuildResult(Form form) {
+  form.Heading(tr("Step 2 - View Results & Update"));
   auto* line = new QWidget;
   auto* across = new QHBoxLayout(line);
   across->setContentsMargins(0, 0, 0, 0);

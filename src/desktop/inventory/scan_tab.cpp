@@ -11,6 +11,8 @@ namespace vellumark::desktop {
 ScanTab::ScanTab(FormHost& host, Form form) : QObject(&host.Self()), steps_(new QStackedWidget) {
   auto* first = new QWidget;
   auto* second = new QWidget;
+  // The tab has its distance already.
+  for (QWidget* step : {first, second}) step->setProperty("flush", true);
   steps_->addWidget(first);
   steps_->addWidget(second);
   capture_ = new ScanCapture(host, Form(host, *first));

@@ -17,6 +17,7 @@
 #include "desktop/jobs/photo_frame.h"
 #include "desktop/kit/discard.h"
 #include "desktop/kit/record_fields.h"
+#include "desktop/kit/tall_page.h"
 #include "desktop/kit/text.h"
 
 namespace vellumark::desktop {
@@ -75,7 +76,8 @@ AddJobItemForm::AddJobItemForm(WindowList& windowList, QWidget* owner)
     : Dialog(windowList, owner, "AddJobItemForm", tr("Add Job Item")),
       source_(std::make_shared<Source>(work_, session)) {
   pictures_ = new PictureLoader(this);
-  Form form(*this);
+  Form whole(*this);
+  Form form = TallPart(*this, whole);
   designID_ = form.Add(new DesignBox("cmbDesignID", session));
   designID_->Means("DesignID");
   designID_->setMaximumWidth(240);
@@ -94,7 +96,7 @@ AddJobItemForm::AddJobItemForm(WindowList& windowList, QWidget* owner)
   BuildDesign(tabs.Page(tr("Des&ign"), "tabDesign"));
   BuildMoreData(tabs.Page(tr("&More Data"), "tabMoreData"));
   form.Wide(state_ = form.Hint({}, "lblState"));
-  form.Buttons({add_ = form.Button("cmdAddItem", tr("&Add Item"), Qt::CTRL | Qt::Key_S),
+  whole.Buttons({add_ = form.Button("cmdAddItem", tr("&Add Item"), Qt::CTRL | Qt::Key_S),
                 form.Button("cmdClose", tr("Close")), form.Button("cmdHelp", tr("&Help"), Qt::Key_F1)});
   database_->OnChosen([this](int) { ShowDatabase(database_->Text()); });
   connect(color_, &TextField::Left, this, [this](QWidget* to) {
@@ -103,7 +105,7 @@ AddJobItemForm::AddJobItemForm(WindowList& windowList, QWidget* owner)
   connect(color_, &NameBox::Picked, this, [this] { EnterColor(); });
   connect(designID_, &TextField::Left, this, [this] { EnterDesign(); });
   connect(designID_, &NameBox::Picked, this, [this] { EnterDesign(); });
-  resize(944, 560);
+  FitScreen(*this, {944, 560});
 }
 
 AddJobItemForm::~AddJobItemForm() = default;

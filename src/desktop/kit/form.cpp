@@ -20,13 +20,14 @@ constexpr int kWidestText = 480;
 QWidget* LayOut(QWidget* page, bool margins) {
   auto* sheet = new QWidget;
   sheet->setMaximumWidth(kWidestSheet);
-  auto* across = new QHBoxLayout;
-  across->addWidget(sheet, 1000);
-  across->addStretch(1);
-  auto* down = new QVBoxLayout(page);
-  down->setContentsMargins(0, 0, 0, 0);
-  down->addLayout(across);
-  down->addStretch(1);
+  // One layout: one inside another keeps the least size that it had before something was hidden.
+  auto* around = new QGridLayout(page);
+  around->setContentsMargins(0, 0, 0, 0);
+  around->setSpacing(0);
+  around->addWidget(sheet, 0, 0);
+  around->setColumnStretch(0, 1000);
+  around->setColumnStretch(1, 1);
+  around->setRowStretch(1, 1);
   auto* grid = new QGridLayout(sheet);
   const int edge = margins ? space::kGroup : 0;
   // A part that stands beside others of its page begins where they do.
@@ -63,10 +64,10 @@ Form::Form(FormHost& host, QWidget* page, bool margins)
 
 void Form::Fill() {
   sheet_->setMaximumWidth(QWIDGETSIZE_MAX);
-  auto* down = qobject_cast<QVBoxLayout*>(sheet_->parentWidget()->layout());
-  qobject_cast<QHBoxLayout*>(down->itemAt(0)->layout())->setStretch(1, 0);
-  down->setStretch(0, 1000);
-  down->setStretch(1, 0);
+  auto* around = qobject_cast<QGridLayout*>(sheet_->parentWidget()->layout());
+  around->setColumnStretch(1, 0);
+  around->setRowStretch(0, 1);
+  around->setRowStretch(1, 0);
 }
 
 int Form::NextRow() const {

@@ -11,6 +11,7 @@
 #include <algorithm>
 #include <stdexcept>
 
+#include "desktop/kit/access_letters.h"
 #include "desktop/kit/grid.h"
 #include "desktop/kit/layout_memory.h"
 #include "desktop/kit/text.h"
@@ -269,6 +270,7 @@ void FormHost::Changed() {
   if (!ready_ || updating_) return;
   updating_ = true;
   UpdateEnabled();
+  LetterControls(self_);
   updating_ = false;
 }
 

@@ -9,6 +9,7 @@
 #include <QVBoxLayout>
 #include <algorithm>
 
+#include "desktop/kit/access_letters.h"
 #include "desktop/kit/grid_parts.h"
 #include "desktop/kit/icons.h"
 #include "desktop/kit/look.h"
@@ -247,6 +248,7 @@ void Grid::ChooseColumns(const QPoint& at) {
     action->setChecked(column.shown);
     connect(action, &QAction::toggled, this, [this, i](bool shown) { ShowColumn(i, shown); });
   }
+  LetterActions(menu.actions());
   if (!menu.isEmpty()) menu.exec(at);
 }
 

@@ -4,6 +4,7 @@
 #include <QApplication>
 #include <QMdiSubWindow>
 #include <QMenu>
+#include <QResizeEvent>
 #include <QTabBar>
 
 #include "desktop/kit/window.h"
@@ -108,6 +109,18 @@ void MainArea::Tile() {
 void MainArea::Cascade() {
   ShowFree();
   cascadeSubWindows();
+}
+
+// A window takes the least room that it needs as it is made; once it is shown it hides what it has no use for, and later
+// it may show that again. As a tab it is then to be as large as the area, and larger only where it must.
+bool MainArea::eventFilter(QObject* watched, QEvent* event) {
+  const bool done = QMdiArea::eventFilter(watched, event);
+  if (event->type() == QEvent::LayoutRequest && qobject_cast<QMdiSubWindow*>(watched) != nullptr &&
+      viewMode() == QMdiArea::TabbedView) {
+    QResizeEvent anew(viewport()->size(), viewport()->size());
+    resizeEvent(&anew);
+  }
+  return done;
 }
 
 QMdiSubWindow* MainArea::SubWindowOf(const Window& window) const {

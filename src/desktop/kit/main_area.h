@@ -36,6 +36,9 @@ class MainArea : public QMdiArea, public WindowPlace {
   /// Another child window has the focus, or none.
   void ActiveChanged();
 
+ protected:
+  bool eventFilter(QObject* watched, QEvent* event) override;
+
  private:
   QMdiSubWindow* SubWindowOf(const Window& window) const;
   QWidget* frame_;

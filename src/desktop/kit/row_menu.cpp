@@ -6,6 +6,7 @@
 #include <QPointer>
 #include <QShortcut>
 
+#include "desktop/kit/access_letters.h"
 #include "desktop/kit/form_host.h"
 #include "desktop/kit/text.h"
 
@@ -80,6 +81,7 @@ void RowMenu::Fill(QMenu& menu, int row) {
   copies->setShortcut(QKeySequence::Copy);
   copies->setShortcutContext(Qt::WidgetShortcut);
   connect(copies, &QAction::triggered, this, [this] { CopyRows(grid_); });
+  LetterActions(menu.actions());
 }
 
 // The key of menus asks at the current row, wherever the pointer is.

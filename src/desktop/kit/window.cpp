@@ -109,7 +109,8 @@ void Dialog::closeEvent(QCloseEvent* event) {
 }
 
 void Dialog::showEvent(QShowEvent* event) {
-  if (const QSize size = memory::Recall("size/" + objectName()).toSize(); size.isValid()) resize(size);
+  if (const QSize size = memory::Recall("size/" + objectName()).toSize(); size.isValid())
+    resize(size.boundedTo(screen()->availableSize()));
   QDialog::showEvent(event);
   Ready();
 }

@@ -330,7 +330,7 @@ void ReportForm::BuildSide(Form form) {
   columns_ = form.CheckList("lstColumns");
   columns_->setAccessibleName(tr("Columns of this report"));
   columns_->DoNotTrack();
-  columns_->setMinimumHeight(72);
+  columns_->setMinimumHeight(128);
   form.Wide(columns_, 2);
   auto* all = new QWidget(columns_->parentWidget());
   auto* line = new QHBoxLayout(all);

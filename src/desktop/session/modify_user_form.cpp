@@ -2,25 +2,28 @@
 
 #include "core/base/text.h"
 #include "core/session/users.h"
+#include "desktop/kit/tall_page.h"
 #include "desktop/kit/text.h"
 
 namespace vellumark::desktop {
 
 ModifyUserForm::ModifyUserForm(WindowList& windowList, QWidget* owner)
     : Dialog(windowList, owner, "ModifyUserForm", tr("Modify User")) {
-  Form form(*this);
+  Form whole(*this);
+  Form form = TallPart(*this, whole);
   form.Row(tr("&Username"), username_ = form.Combo("cmbUsername"));
   form.Row(tr("&Password"), password_ = PasswordField(form, "txtPassword"));
   form.Row(admin_ = form.Check("chkIsAdmin", tr("&Administrator")));
   form.Wide(rights_ = new RightsPanel(*this));
   form.Stretch();
-  form.Buttons({form.Button("cmdSave", tr("&Save"), QKeySequence::Save), form.Button("cmdCancel", tr("Cancel"))});
+  whole.Buttons({form.Button("cmdSave", tr("&Save"), QKeySequence::Save), form.Button("cmdCancel", tr("Cancel"))});
   username_->DoNotTrack();
   username_->setFixedWidth(kUserFieldWidth);
   username_->SetItems(UserNames(session));
   username_->setCurrentIndex(username_->count() > 0 ? 0 : -1);
   username_->OnChosen([this](int) { ChooseUser(); });
   ShowUser();
+  FitScreen(*this);
 }
 
 void ModifyUserForm::UpdateEnabled() {

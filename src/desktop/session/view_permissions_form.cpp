@@ -1,12 +1,14 @@
 #include "desktop/session/view_permissions_form.h"
 
+#include "desktop/kit/tall_page.h"
 #include "desktop/session/rights_panel.h"
 
 namespace vellumark::desktop {
 
 ViewPermissionsForm::ViewPermissionsForm(WindowList& windowList, QWidget* owner)
     : Dialog(windowList, owner, "ViewPermissionsForm", tr("View Permissions")) {
-  Form form(*this);
+  Form whole(*this);
+  Form form = TallPart(*this, whole);
   ValueField* username = form.Value("lblUsername", 1);
   username->SetText(session.CurrentUser);
   form.Row(tr("Username"), username);
@@ -15,7 +17,8 @@ ViewPermissionsForm::ViewPermissionsForm(WindowList& windowList, QWidget* owner)
   rights->SetReadOnly();
   form.Wide(rights);
   form.Stretch();
-  form.Buttons({form.Button("cmdClose", tr("Close"))});
+  whole.Buttons({form.Button("cmdClose", tr("Close"))});
+  FitScreen(*this);
 }
 
 }  // namespace vellumark::desktop

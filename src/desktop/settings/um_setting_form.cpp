@@ -1,15 +1,16 @@
 #include "desktop/settings/um_setting_form.h"
 
-#include <QLayout>
+#include "desktop/kit/tall_page.h"
 
 namespace vellumark::desktop {
 
 UMSettingForm::UMSettingForm(WindowList& windowList, QWidget* owner)
     : Dialog(windowList, owner, "UMSettingForm", tr("Inventory Settings")) {
-  Form form(*this);
+  Form whole(*this);
+  Form form = TallPart(*this, whole);
   settings_.emplace(*this, form, form);
-  form.Buttons({form.Button("cmdSave", tr("&Save"), QKeySequence::Save), form.Button("cmdCancel", tr("Cancel"))});
-  layout()->setSizeConstraint(QLayout::SetFixedSize);
+  whole.Buttons({form.Button("cmdSave", tr("&Save"), QKeySequence::Save), form.Button("cmdCancel", tr("Cancel"))});
+  FitScreen(*this);
 }
 
 void UMSettingForm::UpdateEnabled() {

@@ -17,6 +17,7 @@
 #include "core/cloud/cloud_settings.h"
 #include "core/session/users.h"
 #include "desktop/datafile/change_database.h"
+#include "desktop/kit/access_letters.h"
 #include "desktop/kit/icons.h"
 #include "desktop/kit/look.h"
 #include "desktop/kit/main_area.h"
@@ -51,6 +52,14 @@ QString ButtonCaption(std::string_view key) {
       {"Users", QT_TRANSLATE_NOOP("MainForm", "Users")},
   };
   return MainForm::tr(captions.at(key));
+}
+
+// Letters of the menu bar are lost to all windows: those that few of them need.
+QString CaptionOf(const MenuItem& item) {
+  if (item.name == "MenuDataFile") return MainForm::tr("Data &File");
+  if (item.name == "MenuDatabase") return MainForm::tr("Data&base");
+  if (item.name == "menuCloud") return MainForm::tr("Clo&ud");
+  return Q(item.caption);
 }
 
 }  // namespace
@@ -186,7 +195,7 @@ void MainForm::GateMenus() {
     const bool isMenu = action->menu() != nullptr;
     const bool canRun =
         std::ranges::find(builtIn, item.name) != builtIn.end() || (!dialog.empty() && windows_.Knows(dialog));
-    action->setText(Q(item.caption));
+    SetWritten(*action, CaptionOf(item));
     action->setVisible(item.visible);
     action->setEnabled(item.enabled && (isMenu || canRun));
     if (action->isCheckable()) action->setChecked(item.checked);
@@ -200,6 +209,8 @@ void MainForm::GateMenus() {
     const auto usable = [](const QAction* action) { return action->isVisible() && action->isEnabled(); };
     if (std::ranges::none_of(menu->actions(), usable)) menu->menuAction()->setEnabled(false);
   }
+  LetterActions(menuBar()->actions());
+  for (const QMenu* menu : findChildren<QMenu*>()) LetterActions(menu->actions());
 }
 
 void MainForm::FillLoginAs() {
@@ -211,6 +222,7 @@ void MainForm::FillLoginAs() {
       RunDialogOf("PasswordForm", {"BatchForm"}, {{"Username", name}});
     });
   }
+  LetterActions(menu->actions());
 }
 
 void MainForm::RunMenuItem(const std::string& name) {

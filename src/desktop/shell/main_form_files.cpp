@@ -8,6 +8,7 @@
 #include <QUrl>
 
 #include "core/session/acts.h"
+#include "desktop/kit/access_letters.h"
 #include "desktop/kit/text.h"
 #include "desktop/kit/window.h"
 #include "desktop/shell/main_form.h"
@@ -44,6 +45,7 @@ void MainForm::FillRecent() {
     QAction* action = recent_->addAction(caption.replace('&', "&&"));
     connect(action, &QAction::triggered, this, [this, file] { OpenFile(file); });
   }
+  LetterActions(recent_->actions());
   recent_->menuAction()->setVisible(MayDo(session_, Act::DataFiles));
   recent_->setEnabled(!recent_->isEmpty());
 }

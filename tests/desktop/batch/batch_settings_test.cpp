@@ -22,7 +22,7 @@ TEST_F(BatchSettingsTest, AllSettingsAreStoredAndReadBack) {
     EXPECT_TRUE(Control<QRadioButton>(dialog, "optMix").isChecked());
     EXPECT_TRUE(Control<QRadioButton>(dialog, "optByAmount").isChecked());
     EXPECT_TRUE(Control<QCheckBox>(dialog, "chkReturnToInventory").isChecked());
-    const auto caption = [&](const char* name) { return Control<QCheckBox>(dialog, name).text().toStdString(); };
+    const auto caption = [&](const char* name) { return Control<QCheckBox>(dialog, name).text().remove('&').toStdString(); };
     EXPECT_EQ(caption("chkOverpour"), "Allow Basic Color adjustments to correct for overpour");
     EXPECT_EQ(caption("chkBatchDefaultLotNumberValue"), "Use the Batch ID # for the Lot Number value");
     Choose(dialog, "cmbUMF", "g.");

@@ -133,7 +133,7 @@ TEST_F(SavingWindowsTest, ABatchWithAdditionsOffersThreeActions) {
         {"optUpdateFormula", "Save the Batch Recipe,     Master Formula will be updated with these Batch Additions."},
         {"optNewFormula", "Save the Batch Recipe,     A New Master Formula will be created from this Batch Recipe"}};
     for (const auto& [name, text] : actions) EXPECT_EQ(Control<QRadioButton>(dialog, name).text().toStdString(), text);
-    EXPECT_NE(Says(dialog).find("&New Master Formula Name:"), std::string::npos);
+    EXPECT_NE(Says(dialog).find("New Master Formula Name:"), std::string::npos);
     EXPECT_FALSE(Control(dialog, "txtColorName").isEnabled());
     Press(dialog, Qt::Key_S, Qt::ControlModifier);
   });

@@ -92,7 +92,7 @@ inline std::string Typed(QWidget& window, const char* name) {
 inline std::string Says(QWidget& window) {
   std::string all = "\n";
   for (const auto* label : window.findChildren<QLabel*>())
-    if (label->isVisible()) all += label->text().toStdString() + "\n";
+    if (label->isVisible()) all += label->text().remove('&').toStdString() + "\n";
   return all;
 }
 

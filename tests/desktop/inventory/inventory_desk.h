@@ -62,8 +62,8 @@ struct InventoryDesk : StockRoom {
   std::string Text(const char* field) {
     QWidget& widget = Control(*form, field);
     if (auto* combo = qobject_cast<QComboBox*>(&widget)) return combo->currentText().toStdString();
-    if (auto* label = qobject_cast<QLabel*>(&widget)) return label->text().toStdString();
-    if (auto* button = qobject_cast<QPushButton*>(&widget)) return button->text().toStdString();
+    if (auto* label = qobject_cast<QLabel*>(&widget)) return label->text().remove('&').toStdString();
+    if (auto* button = qobject_cast<QPushButton*>(&widget)) return button->text().remove('&').toStdString();
     return dynamic_cast<QLineEdit&>(widget).text().toStdString();
   }
   desktop::Grid& List() { return Control<desktop::Grid>(*form, "InvColorList"); }

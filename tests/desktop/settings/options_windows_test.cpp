@@ -76,7 +76,7 @@ bool IsOn(QWidget& dialog, const char* name) {
 /// All that a window says in its labels.
 QString Says(QWidget& dialog) {
   QString all;
-  for (const auto* label : dialog.findChildren<QLabel*>()) all += label->text() + "\n";
+  for (const auto* label : dialog.findChildren<QLabel*>()) all += label->text().remove('&') + "\n";
   return all;
 }
 

@@ -80,6 +80,7 @@ std::vector<Walked> Windows() {
           {"ExportJobRecords"},
           {"DBExport_Formulas"},
           {"DBImport_Formulas"},
+          {"ExportImportFileExamples"},
           {"LabelLayoutForm"},
           {"GH_LabelLayoutForm"},
           {"Formula_LabelLayoutForm"},

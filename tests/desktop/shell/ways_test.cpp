@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <QAction>
+#include <QClipboard>
 #include <QContextMenuEvent>
 #include <QDragEnterEvent>
 #include <QDropEvent>
@@ -26,6 +27,7 @@
 #include "desktop/kit/grid.h"
 #include "desktop/kit/main_area.h"
 #include "desktop/kit/message_prompt.h"
+#include "by_keys.h"
 #include "furnished_room.h"
 #include "running.h"
 #include "support/old_files.h"
@@ -33,7 +35,7 @@
 namespace vellumark::test {
 namespace {
 
-using Running = RunningProgram<desktop::MessagePrompt>;
+using Running = ByKeys::Running;
 
 std::unique_ptr<Running> Begin(FurnishedRoom& room) {
   auto running = std::make_unique<Running>(room.folder.Path());
@@ -104,8 +106,8 @@ TEST(Remembered, SizeAndPlaceOfTheMainWindow) {
   End(running);
 }
 
-struct WaysTest : testing::Test {
-  WaysTest() : running(Begin(room)) {}
+struct WaysTest : ByKeys {
+  WaysTest() { running = Begin(room); }
   ~WaysTest() override { End(running); }
 
   // The entry of the menu that opens over the widget at the spot.
@@ -140,64 +142,8 @@ struct WaysTest : testing::Test {
     QApplication::sendEvent(grid.View().viewport(), &event);
   }
 
-  void BeActive() {
-    desktop::MainForm& main = running->program.Main();
-    if (QApplication::activeModalWidget() != nullptr || (main.isActiveWindow() && QApplication::focusWidget())) return;
-    main.activateWindow();
-    Settle();
-  }
-  // A key to whoever has the focus, without keeping the program from the next for longer than a moment.
-  void Key(Qt::Key key, Qt::KeyboardModifiers with = Qt::NoModifier) {
-    BeActive();
-    QWidget* focus = QApplication::focusWidget();
-    const CpuTimer timer;
-    Press(focus == nullptr ? running->program.Main() : *focus, key, with);
-    slowest = std::max(slowest, timer.Ms());
-    ++keys;
-  }
-  void Keys(const std::string& text) {
-    TypeOn(text);
-    keys += static_cast<int>(text.size());
-  }
-  // The key opens a dialog; `inside` goes on in it until it has closed.
-  void KeyInto(Qt::Key key, Qt::KeyboardModifiers with, const char* dialog, const std::function<void()>& inside) {
-    bool entered = false;
-    BeActive();
-    QWidget* focus = QApplication::focusWidget();
-    // A button of the toolbar shows that it was pressed, then acts.
-    WithModal(
-        [&] {
-          Press(focus == nullptr ? running->program.Main() : *focus, key, with);
-          WaitFor([&] { return entered; });
-        },
-        [&](QWidget& shown) {
-          entered = true;
-          EXPECT_EQ(shown.objectName(), dialog);
-          inside();
-        });
-    ++keys;
-    running->program.Main().activateWindow();
-    Settle();
-  }
-  // Ctrl+K, the text, Enter.
-  void Find(const std::string& text) {
-    KeyInto(Qt::Key_K, Qt::ControlModifier, "QuickFindForm", [&] {
-      Keys(text);
-      QWidget& find = *QApplication::activeModalWidget();
-      EXPECT_TRUE(WaitFor([&] { return Control<desktop::Grid>(find, "fgHits").Model().rowCount() > 0; })) << text;
-      Key(Qt::Key_Return);
-    });
-  }
-  bool IsOpen(const char* window) {
-    return WaitFor(
-        [&] { return running->windows.ActiveForm() != nullptr && running->windows.ActiveForm()->Name() == window; });
-  }
-  double Figure(const std::string& sql) { return running->session.File().Scalar(sql).Number(); }
 
   FurnishedRoom room;
-  std::unique_ptr<Running> running;
-  int keys = 0;
-  double slowest = 0;  ///< processor time of a key, in ms
 };
 
 TEST_F(WaysTest, ListsAreFilteredOpenedFromAndFollowChanges) {
@@ -430,6 +376,35 @@ TEST_F(WaysTest, TheCommonCommandsFollowTheFocus) {
   EXPECT_FALSE(isOn("MenuEditCut"));
   main.findChild<QAction*>("MenuEditPaste")->trigger();
   EXPECT_EQ(code.text(), "G-7");
+  // In a list it copies the rows that are chosen, as they are shown: by the entry, and by the key in the list.
+  running->windows.OpenForm("BasicsListForm");
+  Settle();
+  auto& list = Control<desktop::Grid>(*running->windows.Form("BasicsListForm"), "fgAll");
+  ASSERT_TRUE(WaitFor([&] { return list.Model().rowCount() > 3; }));
+  list.ClickCaption(0, false);
+  list.View().setFocus();
+  Press(list.View(), Qt::Key_Home, Qt::ControlModifier);
+  Press(list.View(), Qt::Key_Down, Qt::ShiftModifier);
+  const auto row = [&](int shown) {
+    QStringList cells;
+    for (const int column : list.ShownColumns())
+      cells << list.Model().index(shown, column).data().toString();
+    return cells.join('\t') + '\n';
+  };
+  for (const bool byKey : {false, true}) {
+    QApplication::clipboard()->setText("before");
+    EXPECT_TRUE(isOn("MenuEditCopy"));
+    if (byKey)
+      Press(list.View(), Qt::Key_C, Qt::ControlModifier);
+    else
+      main.findChild<QAction*>("MenuEditCopy")->trigger();
+    EXPECT_EQ(QApplication::clipboard()->text(), row(0) + row(1)) << byKey;
+  }
+  EXPECT_TRUE(row(0).contains("BLUE"));
+  EXPECT_FALSE(isOn("MenuEditCut"));
+  running->windows.CloseForm("BasicsListForm");
+  running->windows.OpenForm("BasicColorsForm");
+  Settle();
   // From the toolbar, where no button of the window hears the key.
   Control(main, "Batch").setFocus();
   Press(Control(main, "Batch"), Qt::Key_S, Qt::ControlModifier);
