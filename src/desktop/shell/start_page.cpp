@@ -32,6 +32,7 @@ constexpr int kMostShown = 200;
 constexpr int kMostDatabases = 6;
 constexpr int kWidest = 1400;
 constexpr int kKindRole = Qt::UserRole;
+constexpr const char* kOpens = "opens";  // of a first step, the window
 
 QIcon Swatch(const Ink& ink) {
   QPixmap pixmap(32, 32);
@@ -138,7 +139,7 @@ QWidget* StartPage::BuildFirstSteps(QWidget* column) {
   for (const auto& [name, text, window] : steps) {
     auto* step = new QPushButton(text, box);
     step->setObjectName(name);
-    step->setEnabled(windows_.Knows(window));
+    step->setProperty(kOpens, window);
     connect(step, &QPushButton::clicked, this, [this, window = std::string(window)] { windows_.OpenForm(window); });
     lines->addWidget(step, 0, Qt::AlignLeft);
   }
@@ -247,16 +248,23 @@ void StartPage::Show() {
   const bool empty = counts.basics == 0 && counts.formulas == 0 && !session_.ArchiveView;
   firstSteps_->setVisible(empty);
   lists_->setVisible(!empty);
-  if (empty) return;
+  // The day begins here, unless the focus stands somewhere already; on the first button it stands by itself.
+  const auto begin = [this](QWidget& first) {
+    const QWidget* focus = window()->focusWidget();
+    if (focus == nullptr || !focus->isVisible() || focus == makeBatch_) first.setFocus(Qt::OtherFocusReason);
+  };
+  if (empty) {
+    const auto steps = firstSteps_->findChildren<QPushButton*>();
+    for (QPushButton* step : steps) step->setEnabled(windows_.Knows(U8(step->property(kOpens).toString())));
+    return begin(*steps.front());
+  }
   const std::vector<HeldStock> held = ReadHeldStock(session_.File());
   openNumber_ = held.empty() ? 0 : held.front().BatchNo;
   openBatch_->setVisible(openNumber_ != 0 && windows_.Knows("BatchForm"));
   openBatch_->setText(tr("Batch %1 is still open").arg(openNumber_, 6, 10, QChar('0')));
   ShowToday();
   ShowLowStock();
-  // The day begins here, unless the focus stands somewhere already.
-  const QWidget* focus = window()->focusWidget();
-  if (focus == nullptr || !focus->isVisible()) makeBatch_->setFocus(Qt::OtherFocusReason);
+  begin(*makeBatch_);
 }
 
 // Those that were used last come first; the others of the file follow.
