@@ -3,6 +3,7 @@
 #include <QCheckBox>
 #include <QComboBox>
 #include <QLabel>
+#include <QRegularExpression>
 #include <QLineEdit>
 #include <QRadioButton>
 
@@ -92,7 +93,7 @@ inline std::string Typed(QWidget& window, const char* name) {
 inline std::string Says(QWidget& window) {
   std::string all = "\n";
   for (const auto* label : window.findChildren<QLabel*>())
-    if (label->isVisible()) all += label->text().remove('&').toStdString() + "\n";
+    if (label->isVisible()) all += label->text().remove(QRegularExpression("&(?=[^&\\s])")).toStdString() + "\n";
   return all;
 }
 
