@@ -261,7 +261,7 @@ std::vector<std::string> RowChecks::Tables() const {
              fmt::format(
                  "SELECT m.name FROM main.sqlite_master m JOIN pragma_table_list l ON l.name = m.name "
                  "COLLATE NOCASE WHERE m.type = 'table' AND l.schema = 'main' AND l.type = 'table' AND "
-                 "l.wr = 0 AND m.name NOT LIKE 'sqlite\\_%' ESCAPE '\\' AND m.name NOT IN ('{}', '{}') ORDER BY m.name",
+                 "l.wr = 0 AND m.name NOT LIKE 'sqlite\\_%' ESCAPE '\\' AND m.name COLLATE NOCASE NOT IN ('{}', '{}') ORDER BY m.name",
                  kTable, kLog));
   std::vector<std::string> names;
   while (rows.Step()) names.push_back(rows.Text(0));

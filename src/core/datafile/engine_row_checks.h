@@ -10,6 +10,7 @@
 #include <string_view>
 #include <vector>
 
+#include "core/base/text.h"
 #include "core/datafile/row_checks.h"
 
 struct sqlite3;
@@ -30,8 +31,8 @@ class RowChecks {
 
   static constexpr std::string_view kTable = "MSysRowChecks";
   static constexpr std::string_view kLog = "MSysRowLog";
-  /// Whether a table is one of those two.
-  static bool IsOwn(std::string_view table) { return table == kTable || table == kLog; }
+  /// Whether a table is one of those two, in whatever letters: the engine finds them all the same.
+  static bool IsOwn(std::string_view table) { return EqualNoCase(table, kTable) || EqualNoCase(table, kLog); }
 
   bool StandInFile() const;
   /// Whether the log stands in it too, which an earlier program did not have.
