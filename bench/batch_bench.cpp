@@ -177,9 +177,11 @@ BatchRoom& RoomOfBatches() {
       batch.Set(3, 10.0F).Set(4, 10.0F).Set(5, 1).Set(6, 0);
       for (int i = 0; i < kBatchLines; ++i) {
         const std::string name = room.maker.BasicName((n + i) % kLines);
-        batch.Set(static_cast<std::size_t>(7 + i), name);
-        batch.Set(static_cast<std::size_t>(7 + kBatchLines + i), 2.0F);
-        batch.Set(static_cast<std::size_t>(7 + 2 * kBatchLines + i), 1);
+        std::size_t at = 7 + static_cast<std::size_t>(i);
+        for (const Value& value : {Value(name), Value(2.0F), Value(1)}) {
+          batch.Set(at, value);
+          at += kBatchLines;
+        }
         lot.Set(0, n).Set(1, date).Set(2, name).Set(3, 1).Set(4, 1).Set(5, "L").Set(6, 2.0F).Set(7, 4.5F).Insert();
       }
       batch.Insert();

@@ -48,9 +48,9 @@ struct ReportsRoom : LargeRoom {
       batch.Set(3, quantity).Set(4, quantity).Set(5, 1 + n % 2).Set(6, static_cast<float>(n % 40) / 100);
       batch.Set(7, quantity * 4).Set(8, n % 3 == 0 ? "ANNA" : "BORIS").Set(9, 0.25F).Set(10, 0);
       for (int i = 0; i < kLines; ++i) {
-        const auto at = static_cast<std::size_t>(11 + i);
+        const std::size_t at = 11 + static_cast<std::size_t>(i);
         batch.Set(at, maker.BasicName((n + i * 7) % maker.Basics()));
-        batch.Set(at + kLines, quantity / kLines).Set(at + 2 * kLines, i == kLines - 1 ? 3 : 1);
+        batch.Set(at + kLines, quantity / kLines).Set(at + std::size_t{2} * kLines, i == kLines - 1 ? 3 : 1);
       }
       batch.Insert();
     }

@@ -35,7 +35,7 @@ Start StartProgram(const char* program, const LargeRoom& room) {
       "HOME=" + folder,
       "XDG_RUNTIME_DIR=" + folder,
       "QT_QPA_PLATFORM=offscreen",
-      "QT_PLUGIN_PATH=" READY_PLUGIN,
+      std::string("QT_PLUGIN_PATH=") + READY_PLUGIN,
       "QT_QPA_GENERIC_PLUGINS=vellumark_ready",
       "VELLUMARK_DATA_FOLDER=" + room.session.DataFolder.string(),
       "VELLUMARK_PROGRAM_FOLDER=" + folder,

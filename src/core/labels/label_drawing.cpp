@@ -200,8 +200,9 @@ LabelDrawing DrawSmallLabel(const LabelDesign& design, const SmallLabelData& dat
 LabelPlace PlaceOfLabel(const LabelPaper& paper, int start, int number) {
   const int position = std::clamp(start, 1, paper.Capacity()) - 1 + number;
   const int onPage = position % paper.Capacity();
-  return {position / paper.Capacity(), paper.left + onPage % paper.across * paper.width,
-          paper.top + onPage / paper.across * paper.length};
+  const int column = onPage % paper.across;
+  const int row = onPage / paper.across;
+  return {position / paper.Capacity(), paper.left + column * paper.width, paper.top + row * paper.length};
 }
 
 std::string CleanUpPaperType(std::string_view name) {
