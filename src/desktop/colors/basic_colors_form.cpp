@@ -1,47 +1,27 @@
 #include "desktop/colors/basic_colors_form.h"
 
-#include <QApplication>
-
 #include "core/base/text.h"
 #include "core/colors/attachments.h"
-#include "core/colors/name_search.h"
 #include "core/colors/rollup.h"
 #include "core/inventory/color_stock.h"
-#include "core/labels/label_subjects.h"
 #include "desktop/colors/figure_fields.h"
 #include "desktop/colors/measurements_panel.h"
-#include "desktop/colors/name_entry.h"
-#include "desktop/colors/print_card.h"
 #include "desktop/colors/swatch_fields.h"
 #include "desktop/inventory/inventory_panel.h"
-#include "desktop/kit/discard.h"
 #include "desktop/kit/icons.h"
-#include "desktop/kit/print_label.h"
-#include "desktop/kit/print_sheet.h"
 #include "desktop/kit/record_fields.h"
 #include "desktop/kit/text.h"
 
 namespace vellumark::desktop {
-namespace {
-
-constexpr const char* kNameField = "cmbColorName";
-
-}  // namespace
 
 BasicColorsForm::BasicColorsForm(WindowList& windowList)
-    : Window(windowList, "BasicColorsForm", tr("Basics / Additives")),
+    : ColorForm(windowList, "BasicColorsForm", tr("Basics / Additives"), ColorKind::Basic,
+                tr("Basic Color Window - Inventory Low")),
       bound_(BasicFields(), ColorFigures(*this, [this] { return work_.has_value(); })) {
   setWindowIcon(Icon("basic"));
   Form form(*this);
-  name_ = form.Name(kNameField, NamesOnFile(session, NameKind::Basics));
-  name_->Means("Color_Name");
-  name_->DoNotTrack();
-  ink_ = new SwatchView("imgSwatch", {48, 32});
-  low_ = form.Link("ImgInvLow", tr("Low inventory"));
-  low_->setIcon(Icon("low-stock"));
-  low_->hide();
-  multiple_ = form.Link("cmdPrintMultiple", tr("Reports"));
-  form.Row(tr("&Name"), {name_, ink_, state_ = form.Hint({}, "lblState"), low_, multiple_});
+  BuildName(form);
+  form.Row(tr("&Name"), {name_, ink_, state_, low_, multiple_});
   TabSet tabs = form.Tabs("TabBasic");
   BuildColorPage(tabs.Page(tr("Color"), "TabColor"));
   inventory_ = new InventoryPanel(*this, tabs);
@@ -54,6 +34,11 @@ BasicColorsForm::BasicColorsForm(WindowList& windowList)
                 delete_ = form.Button("cmdDelete", tr("Delete")), print_ = form.Button("cmdPrint", tr("Print")),
                 label_ = form.Button("cmdPrintLabel", tr("Label"), Qt::CTRL | Qt::Key_L)});
   Listen();
+  connect(additive_, &QCheckBox::clicked, this, &BasicColorsForm::AdditiveClicked);
+  connect(figures_->Cost(), &QLineEdit::textChanged, this, [this] { inventory_->TakeCosts(figures_->Cost()->Text()); });
+  OnActivation(*this, [this] {
+    StandBackForBatch(*this, tr("Any attempt to change data on this window can impact the Batch Window."));
+  });
   Clear();
 }
 
@@ -80,60 +65,23 @@ void BasicColorsForm::BuildSwatch(Form& form) {
   form.Row(tr("Last consumed"), consumed_ = form.Label("lblLastConsumed"));
 }
 
-void BasicColorsForm::Listen() {
-  connect(name_, &TextField::Left, this, &BasicColorsForm::NameLeft);
-  connect(name_, &NameBox::Picked, this, [this](const QString& picked) {
-    if (!InEdit()) EnterName(U8(picked));
-  });
-  HintAtPantone(*name_, session);
-  connect(additive_, &QCheckBox::clicked, this, &BasicColorsForm::AdditiveClicked);
-  connect(figures_->Cost(), &QLineEdit::textChanged, this, [this] { inventory_->TakeCosts(figures_->Cost()->Text()); });
-  connect(inventory_, &InventoryPanel::Changed, this, [this] { Changed(); });
-  connect(measurements_, &MeasurementsPanel::Changed, this, [this] { Changed(); });
-  OnActivation(*this, [this] {
-    StandBackForBatch(*this, tr("Any attempt to change data on this window can impact the Batch Window."));
-  });
-}
-
 // ---- State
 
 bool BasicColorsForm::InEdit() const {
-  return work_ && (work_->key == 0 || IsDirty() || inventory_->IsChanged() || measurements_->IsChanged());
+  return work_ && (work_->key == 0 || IsDirty() || PanelsChanged());
+}
+
+std::optional<BasicColorsForm::Shown> BasicColorsForm::OnScreen() const {
+  if (!work_) return std::nullopt;
+  return Shown{work_->Color_Name, work_->key != 0};
 }
 
 void BasicColorsForm::UpdateEnabled() {
-  const bool stored = work_ && work_->key != 0;
-  name_->setReadOnly(InEdit());
-  save_->setEnabled(work_.has_value());
-  cancel_->setEnabled(work_.has_value());
-  delete_->setEnabled(stored);
-  rename_->setEnabled(stored);
-  whereUsed_->setEnabled(stored);
-  print_->setEnabled(stored && CanPrint(windows));
-  label_->setEnabled(stored && CanPrintLabels(windows));
-  multiple_->setEnabled(windows.Knows("ReportsForm"));
-  low_->setVisible(stored && isLow_);
-  state_->setText(!work_ ? QString() : work_->key == 0 ? tr("New") : InEdit() ? tr("Changed") : QString());
+  EnableCommands(isLow_);
 }
 
-void BasicColorsForm::OnOpen(const Arguments& arguments) {
-  if (!arguments.Has("FindRecord") || InEdit()) return;
-  ShowColor(arguments.Text("FindRecord"));
-}
-
-// ---- The name
-
-void BasicColorsForm::NameLeft(QWidget* to) {
-  if (to == nullptr || !isAncestorOf(to) || LeavesNameAlone(*to) || InEdit()) return;
-  const std::string typed = name_->Text();
-  if (work_ && EqualNoCase(typed, work_->Color_Name)) return;
-  EnterName(typed);
-}
-
-void BasicColorsForm::EnterName(const std::string& typed) {
-  FollowNameEntry(*this, kNameField, EnterBasicName(session, typed),
-                  {[this](const std::string& name) { ShowColor(name); },
-                   [this](const std::string& name) { ShowNew(name); }, [this] { Clear(); }});
+Result<NameEntry> BasicColorsForm::Enter(const std::string& typed) {
+  return EnterBasicName(session, typed);
 }
 
 // ---- Showing
@@ -229,31 +177,15 @@ void BasicColorsForm::Reload() {
     work_->key = 0;
     inventory_->Detach();
   } else {
-    const QPointer<QWidget> focus = QApplication::focusWidget();
-    Clear();
-    if (focus != nullptr && isAncestorOf(focus)) FocusField(kNameField);
+    ClearBehind();
   }
   Changed();
 }
 
 // ---- Commands
 
-bool BasicColorsForm::MayLeaveUnfinished() {
-  switch (AskUnfinishedWork(session, inventory_->AdjustText(), measurements_->IsEntryFilled())) {
-    case UnfinishedWork::None:
-      return true;
-    case UnfinishedWork::Inventory:
-      inventory_->FocusEntry();
-      return false;
-    case UnfinishedWork::Measurement:
-      measurements_->FocusEntry();
-      return false;
-  }
-  return true;
-}
-
 bool BasicColorsForm::Store() {
-  if (!MayLeaveUnfinished()) return false;
+  if (!MayLeaveEntries()) return false;
   bound_.Take(*work_);
   ColorAttachments attachments;
   if (measurements_->IsChanged()) attachments.measurements = measurements_->Readings();
@@ -268,16 +200,13 @@ bool BasicColorsForm::Store() {
 
 void BasicColorsForm::cmdSave_Click() {
   if (!work_ || !Store()) return;
-  Clear();
-  FocusField(kNameField);
+  StartOver();
 }
 
 void BasicColorsForm::cmdDelete_Click() {
   const auto deleted = DeleteBasic(session, work_->Color_Name);
   if (deleted) {
-    if (!*deleted) return;
-    Clear();
-    FocusField(kNameField);
+    if (*deleted) StartOver();
     return;
   }
   const BasicDeleteRefusal& refusal = deleted.error();
@@ -285,12 +214,6 @@ void BasicColorsForm::cmdDelete_Click() {
   const auto chosen = windows.RunDialog(
       "BasicColorUsedInMixForm", {{"Title", refusal.title}, {"Text", refusal.text}, {"Formulas", refusal.requiredBy}});
   if (chosen) windows.OpenForm("MixColorsForm", {{"FindRecord", chosen->Text("Formula")}});
-}
-
-void BasicColorsForm::cmdCancel_Click() {
-  if (InEdit() && !MayDiscard(session)) return;
-  Clear();
-  FocusField(kNameField);
 }
 
 void BasicColorsForm::cmdRename_Click() {
@@ -304,46 +227,7 @@ void BasicColorsForm::cmdRename_Click() {
   } else {
     Reload();
   }
-  FocusField(kNameField);
-}
-
-void BasicColorsForm::Walk(bool forward) {
-  const std::string from = work_ ? work_->Color_Name : std::string();
-  if (InEdit() && !Store()) return;
-  const std::string to =
-      forward ? NextName(session, NameKind::Basics, from) : PreviousName(session, NameKind::Basics, from);
-  if (!to.empty()) return ShowColor(to);
-  QApplication::beep();
-  Clear();
-  FocusField(kNameField);
-}
-
-void BasicColorsForm::cmdPrevious_Click() {
-  Walk(false);
-}
-
-void BasicColorsForm::cmdNext_Click() {
-  Walk(true);
-}
-
-void BasicColorsForm::cmdWhereUsed_Click() {
-  windows.RunDialog("WhereUsedForm", {{"Color_Name", work_->Color_Name}, {"Kind", ColorKind::Basic}});
-}
-
-void BasicColorsForm::cmdPrintMultiple_Click() {
-  windows.OpenForm("ReportsForm", {{"Pane", "lstColorReports"}});
-}
-
-void BasicColorsForm::cmdPrint_Click() {
-  PrintCard(windows, ColorKind::Basic, work_->Color_Name);
-}
-
-void BasicColorsForm::cmdPrintLabel_Click() {
-  if (auto label = LabelOfColor(session, ColorKind::Basic, work_->Color_Name)) OpenLabelForm(windows, {*std::move(label)});
-}
-
-void BasicColorsForm::ImgInvLow_Click() {
-  session.prompt.Tell(U8(tr("Basic Color Window - Inventory Low")), U8(tr("It is time to reorder this color.")));
+  name_->TakeFocus();
 }
 
 void BasicColorsForm::AdditiveClicked(bool checked) {

@@ -1,12 +1,10 @@
 // What the commands of the window of Master Formulas do.
 
-#include <QApplication>
 #include <QTabWidget>
 
 #include "core/colors/attachments.h"
 #include "core/colors/guide_formulas.h"
 #include "core/inventory/color_stock.h"
-#include "core/labels/label_subjects.h"
 #include "desktop/colors/additive_set_panel.h"
 #include "desktop/colors/ingredients_panel.h"
 #include "desktop/colors/measurements_panel.h"
@@ -14,30 +12,13 @@
 #include "desktop/colors/mix_details_panel.h"
 #include "desktop/colors/mix_notes_panel.h"
 #include "desktop/colors/new_additive_set_panel.h"
-#include "desktop/colors/print_card.h"
 #include "desktop/inventory/inventory_panel.h"
-#include "desktop/kit/discard.h"
-#include "desktop/kit/print_label.h"
 #include "desktop/kit/record_fields.h"
 #include "desktop/kit/text.h"
 
 namespace vellumark::desktop {
 
 // ---- Saving
-
-bool MixColorsForm::MayLeaveUnfinished() {
-  switch (AskUnfinishedWork(session, inventory_->AdjustText(), measurements_->IsEntryFilled())) {
-    case UnfinishedWork::Inventory:
-      inventory_->FocusEntry();
-      return false;
-    case UnfinishedWork::Measurement:
-      measurements_->FocusEntry();
-      return false;
-    case UnfinishedWork::None:
-      break;
-  }
-  return SettleNewSet();
-}
 
 Result<void> MixColorsForm::CheckPageInFront(const FormulaWork& work) const {
   const QString page = tabs_->currentWidget()->objectName();
@@ -49,7 +30,7 @@ Result<void> MixColorsForm::CheckPageInFront(const FormulaWork& work) const {
 }
 
 bool MixColorsForm::Store() {
-  if (!MayLeaveUnfinished()) return false;
+  if (!MayLeaveEntries() || !SettleNewSet()) return false;
   FormulaWork work = ReadFields();
   if (!Accepted(CheckPageInFront(work))) return false;
   ColorAttachments attachments;
@@ -69,7 +50,7 @@ void MixColorsForm::cmdSave_Click() {
   const bool editing = allowEditing_->isChecked();
   if (!Store()) return;
   // The operator sees the formula as it was stored, open for editing as it was; a name typed next takes its place.
-  ShowFormula(name);
+  ShowColor(name);
   allowEditing_->setChecked(editing);
   Changed();
   name_->TakeFocus();
@@ -77,15 +58,7 @@ void MixColorsForm::cmdSave_Click() {
 
 void MixColorsForm::cmdDelete_Click() {
   const Result<bool> deleted = DeleteMix(session, work_->Color_Name);
-  if (!Accepted(deleted) || !*deleted) return;
-  Clear();
-  name_->TakeFocus();
-}
-
-void MixColorsForm::cmdCancel_Click() {
-  if (InEdit() && !MayDiscard(session)) return;
-  Clear();
-  name_->TakeFocus();
+  if (Accepted(deleted) && *deleted) StartOver();
 }
 
 bool MixColorsForm::MayClose() {
@@ -94,25 +67,6 @@ bool MixColorsForm::MayClose() {
       session.prompt.Show({U8(tr("Master Formula - Save Information?")), U8(tr("Save changes before closing?")),
                            Buttons::YesNoCancel, vellumark::Icon::Question, Answer::Yes});
   return answer == Answer::No || (answer == Answer::Yes && Store());
-}
-
-void MixColorsForm::Walk(bool forward) {
-  const std::string from = work_ ? work_->Color_Name : std::string();
-  if (InEdit() && !Store()) return;
-  const std::string to =
-      forward ? NextName(session, NameKind::Formulas, from) : PreviousName(session, NameKind::Formulas, from);
-  if (!to.empty()) return ShowFormula(to);
-  QApplication::beep();
-  Clear();
-  name_->TakeFocus();
-}
-
-void MixColorsForm::cmdPrevious_Click() {
-  Walk(false);
-}
-
-void MixColorsForm::cmdNext_Click() {
-  Walk(true);
 }
 
 // ---- Other windows
@@ -155,26 +109,6 @@ void MixColorsForm::cmdModified_Click() {
 
 void MixColorsForm::cmdFind_Click() {
   if (windows.Knows("FindMix")) windows.OpenForm("FindMix");
-}
-
-void MixColorsForm::cmdWhereUsed_Click() {
-  windows.RunDialog("WhereUsedForm", {{"Color_Name", work_->Color_Name}, {"Kind", ColorKind::Mix}});
-}
-
-void MixColorsForm::cmdPrintMultiple_Click() {
-  windows.OpenForm("ReportsForm", {{"Pane", "lstColorReports"}});
-}
-
-void MixColorsForm::cmdPrint_Click() {
-  PrintCard(windows, ColorKind::Mix, work_->Color_Name);
-}
-
-void MixColorsForm::cmdPrintLabel_Click() {
-  if (auto label = LabelOfColor(session, ColorKind::Mix, work_->Color_Name)) OpenLabelForm(windows, {*std::move(label)});
-}
-
-void MixColorsForm::ImgInvLow_Click() {
-  session.prompt.Tell(U8(tr("Master Formula Window - Inventory Low")), U8(tr("It is time to reorder this color.")));
 }
 
 }  // namespace vellumark::desktop

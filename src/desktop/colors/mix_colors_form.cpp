@@ -1,6 +1,5 @@
 #include "desktop/colors/mix_colors_form.h"
 
-#include <QApplication>
 #include <QTabWidget>
 
 #include "core/base/text.h"
@@ -11,22 +10,16 @@
 #include "desktop/colors/measurements_panel.h"
 #include "desktop/colors/mix_details_panel.h"
 #include "desktop/colors/mix_notes_panel.h"
-#include "desktop/colors/name_entry.h"
 #include "desktop/colors/new_additive_set_panel.h"
 #include "desktop/inventory/inventory_panel.h"
 #include "desktop/kit/discard.h"
 #include "desktop/kit/icons.h"
 #include "desktop/kit/look.h"
-#include "desktop/kit/print_label.h"
-#include "desktop/kit/print_sheet.h"
 #include "desktop/kit/record_fields.h"
-#include "desktop/kit/swatch_view.h"
 #include "desktop/kit/text.h"
 
 namespace vellumark::desktop {
 namespace {
-
-constexpr const char* kNameField = "cmbColorName";
 
 QHBoxLayout* Across(QWidget* box) {
   auto* across = new QHBoxLayout(box);
@@ -38,7 +31,8 @@ QHBoxLayout* Across(QWidget* box) {
 }  // namespace
 
 MixColorsForm::MixColorsForm(WindowList& windowList)
-    : Window(windowList, "MixColorsForm", tr("Master Formulas")),
+    : ColorForm(windowList, "MixColorsForm", tr("Master Formulas"), ColorKind::Mix,
+                tr("Master Formula Window - Inventory Low")),
       bound_(MixFields(), ColorFigures(*this, [this] { return work_.has_value(); })) {
   setWindowIcon(Icon("Color"));
   Form form(*this);
@@ -62,17 +56,9 @@ MixColorsForm::MixColorsForm(WindowList& windowList)
 }
 
 void MixColorsForm::BuildHead(Form& form) {
-  name_ = form.Name(kNameField, NamesOnFile(session, NameKind::Formulas));
-  name_->Means("Color_Name");
-  name_->DoNotTrack();
-  ink_ = new SwatchView("imgSwatch", {48, 32});
-  low_ = form.Link("ImgInvLow", tr("Low inventory"));
-  low_->setIcon(Icon("low-stock"));
-  low_->hide();
-  state_ = form.Hint({}, "lblState");
+  BuildName(form);
   hasNotes_ = form.Hint(tr("(Formula Has Notes)"), "lblHasNotes");
   hasNotes_->hide();
-  multiple_ = form.Link("cmdPrintMultiple", tr("Reports"));
   label_ = form.Button("cmdPrintLabel", tr("Label"), Qt::CTRL | Qt::Key_L);
   form.Row(tr("&Name"), {name_, ink_, state_, low_, hasNotes_, multiple_, label_});
 }
@@ -127,11 +113,7 @@ void MixColorsForm::BuildButtons(Form& form) {
 }
 
 void MixColorsForm::Listen() {
-  connect(name_, &TextField::Left, this, &MixColorsForm::NameLeft);
-  connect(name_, &NameBox::Picked, this, [this](const QString& picked) {
-    if (!InEdit()) EnterName(U8(picked));
-  });
-  HintAtPantone(*name_, session);
+  ColorForm::Listen();
   connect(allowEditing_, &QCheckBox::clicked, this, &MixColorsForm::AllowEditingClicked);
   connect(ingredients_, &IngredientsPanel::Changed, this, [this] { details_->ShowTotals(ingredients_->Totals()); });
   connect(sets_, &AdditiveSetPanel::Picked, this, &MixColorsForm::SetPicked);
@@ -145,8 +127,6 @@ void MixColorsForm::Listen() {
     if (work_ && work_->key == 0)
       inventory_->TakeCosts(TypedText(ReadFields().typed, "PurchaseCost"), ingredients_->Totals().BasicCost);
   });
-  connect(inventory_, &InventoryPanel::Changed, this, [this] { Changed(); });
-  connect(measurements_, &MeasurementsPanel::Changed, this, [this] { Changed(); });
   OnActivation(*this, [this] { Activated(); });
 }
 
@@ -157,8 +137,12 @@ bool MixColorsForm::RecipeChanged() const {
 }
 
 bool MixColorsForm::InEdit() const {
-  return work_ &&
-         (work_->key == 0 || IsDirty() || sets_->IsChanged() || inventory_->IsChanged() || measurements_->IsChanged());
+  return work_ && (work_->key == 0 || IsDirty() || sets_->IsChanged() || PanelsChanged());
+}
+
+std::optional<MixColorsForm::Shown> MixColorsForm::OnScreen() const {
+  if (!work_) return std::nullopt;
+  return Shown{work_->Color_Name, work_->key != 0};
 }
 
 bool MixColorsForm::MayEdit() const {
@@ -167,25 +151,15 @@ bool MixColorsForm::MayEdit() const {
 
 void MixColorsForm::UpdateEnabled() {
   const bool stored = work_ && work_->key != 0;
-  name_->setReadOnly(InEdit());
+  EnableCommands(details_->IsBelowReorder());
   allowEditing_->setEnabled(MayEdit());
   clearBatch_->setVisible(batchUses_);
   ingredients_->SetEditable(work_ && allowEditing_->isChecked());
   sets_->SetEditable(work_.has_value(), work_ && allowEditing_->isChecked());
   adjust_->setEnabled(stored && MayEdit() && windows.Knows("AdjustFormulaForm"));
   modified_->setEnabled(stored && isModified_ && windows.Knows("CompareFormulasForm"));
-  save_->setEnabled(work_.has_value());
-  cancel_->setEnabled(work_.has_value());
-  delete_->setEnabled(stored);
-  rename_->setEnabled(stored);
-  whereUsed_->setEnabled(stored);
-  print_->setEnabled(stored && CanPrint(windows));
-  label_->setEnabled(stored && CanPrintLabels(windows));
-  multiple_->setEnabled(windows.Knows("ReportsForm"));
   duplicate_->setEnabled(stored && windows.Knows("DuplicateFormulaForm"));
-  low_->setVisible(stored && details_->IsBelowReorder());
   hasNotes_->setVisible(work_ && notes_->HasNotes());
-  state_->setText(!work_ ? QString() : work_->key == 0 ? tr("New") : InEdit() ? tr("Changed") : QString());
 }
 
 void MixColorsForm::Activated() {
@@ -201,32 +175,8 @@ void MixColorsForm::Activated() {
   Changed();
 }
 
-void MixColorsForm::OnOpen(const Arguments& arguments) {
-  if (!arguments.Has("FindRecord") || InEdit()) return;
-  ShowFormula(arguments.Text("FindRecord"));
-}
-
-// ---- The name
-
-void MixColorsForm::NameLeft(QWidget* to) {
-  if (to == nullptr || !isAncestorOf(to) || LeavesNameAlone(*to) || InEdit()) return;
-  if (to->objectName() == QLatin1String("cmdFind")) {
-    name_->SetText("");
-    return;
-  }
-  const std::string typed = name_->Text();
-  if (work_ && EqualNoCase(typed, work_->Color_Name)) return;
-  EnterName(typed);
-}
-
-void MixColorsForm::EnterName(const std::string& typed) {
-  FollowNameEntry(*this, kNameField, EnterMixName(session, typed),
-                  {[this](const std::string& name) { ShowFormula(name); },
-                   [this](const std::string& name) {
-                     ShowNew(name);
-                     FocusField("BC0");
-                   },
-                   [this] { Clear(); }});
+Result<NameEntry> MixColorsForm::Enter(const std::string& typed) {
+  return EnterMixName(session, typed);
 }
 
 // ---- Showing
@@ -249,7 +199,7 @@ void MixColorsForm::Clear() {
   MarkClean();
 }
 
-void MixColorsForm::ShowFormula(const std::string& name) {
+void MixColorsForm::ShowColor(const std::string& name) {
   const auto mix = ReadMix(session, name);
   Clear();
   if (!mix) return;
@@ -271,6 +221,7 @@ void MixColorsForm::ShowNew(const std::string& name) {
   inventory_->Begin(ColorKind::Mix, name);
   measurements_->Load(name);
   MarkClean();
+  FocusField("BC0");
 }
 
 void MixColorsForm::Show(const MixColor& mix, FormulaWork work, bool keepTyped) {
@@ -303,9 +254,7 @@ void MixColorsForm::Reload() {
     work_->key = 0;
     inventory_->Detach();
   } else {
-    const QPointer<QWidget> focus = QApplication::focusWidget();
-    Clear();
-    if (focus != nullptr && isAncestorOf(focus)) FocusField(kNameField);
+    ClearBehind();
   }
   Changed();
 }
@@ -385,7 +334,7 @@ FormulaWork MixColorsForm::ReadFields() const {
 void MixColorsForm::AllowEditingClicked(bool checked) {
   if (!work_) {
     allowEditing_->setChecked(false);
-    FocusField(kNameField);
+    name_->TakeFocus();
     return;
   }
   if (!checked && !StopEditing()) allowEditing_->setChecked(true);

@@ -3,28 +3,24 @@
 #include <optional>
 
 #include "core/colors/formula_work.h"
+#include "desktop/colors/color_form.h"
 #include "desktop/kit/bound_fields.h"
-#include "desktop/kit/window.h"
 
 namespace vellumark::desktop {
 
 class AdditiveSetPanel;
 class IngredientsPanel;
-class InventoryPanel;
-class MeasurementsPanel;
 class MixDetailsPanel;
 class MixNotesPanel;
-class SwatchView;
 
 /// The window of Master Formulas. It is empty, shows a formula, or holds a new one. Opened with {"FindRecord", name} it
 /// shows that formula, unless another is being edited.
-class MixColorsForm : public Window {
+class MixColorsForm : public ColorForm {
   Q_OBJECT
 
  public:
   explicit MixColorsForm(WindowList& windowList);
 
-  void OnOpen(const Arguments& arguments) override;
   void OnChanges(const std::vector<Change>& changes) override;
   void UpdateEnabled() override;
   bool MayClose() override;
@@ -42,20 +38,11 @@ class MixColorsForm : public Window {
  public Q_SLOTS:
   void cmdSave_Click() override;
   void cmdDelete_Click() override;
-  void cmdCancel_Click();
   void cmdRename_Click();
   void cmdDuplicate_Click();
   void cmdAutoAdjust_Click();
   void cmdModified_Click();
-  void cmdPrevious_Click();
-  void cmdNext_Click();
   void cmdFind_Click();
-  void cmdWhereUsed_Click();
-  void cmdPrint_Click() override;
-  void cmdPrintLabel_Click();
-  /// The reports about colours.
-  void cmdPrintMultiple_Click();
-  void ImgInvLow_Click();
 
  private:
   static constexpr const char* kFormulaPage = "TabFormula";
@@ -67,12 +54,11 @@ class MixColorsForm : public Window {
   void Listen();
   void Activated();
 
-  void NameLeft(QWidget* to);
-  void EnterName(const std::string& typed);
-
-  void Clear();
-  void ShowFormula(const std::string& name);
-  void ShowNew(const std::string& name);
+  std::optional<Shown> OnScreen() const override;
+  Result<NameEntry> Enter(const std::string& typed) override;
+  void Clear() override;
+  void ShowColor(const std::string& name) override;
+  void ShowNew(const std::string& name) override;
   /// What is on file into the fields; `keepTyped` leaves those alone that the operator has changed.
   void Show(const MixColor& mix, FormulaWork work, bool keepTyped);
   /// The formula on screen as it is on file now. What was typed stays.
@@ -90,20 +76,13 @@ class MixColorsForm : public Window {
   void FocusSets();
   bool SettleNewSet();
 
-  bool MayLeaveUnfinished();
   Result<void> CheckPageInFront(const FormulaWork& work) const;
-  /// Asks about unfinished work, checks and writes. False: the operator stays.
-  bool Store();
-  void Walk(bool forward);
+  bool Store() override;
 
   std::optional<FormulaWork> work_;  ///< empty while the window is; its fields as they were loaded
 
   BoundFields bound_;
-  NameBox* name_ = nullptr;
-  SwatchView* ink_ = nullptr;
-  QLabel* state_ = nullptr;
   QLabel* hasNotes_ = nullptr;
-  CommandButton* low_ = nullptr;
   QTabWidget* tabs_ = nullptr;
   CheckField* allowEditing_ = nullptr;
   QLabel* clearBatch_ = nullptr;
@@ -112,18 +91,8 @@ class MixColorsForm : public Window {
   IngredientsPanel* ingredients_ = nullptr;
   AdditiveSetPanel* sets_ = nullptr;
   MixDetailsPanel* details_ = nullptr;
-  InventoryPanel* inventory_ = nullptr;
-  MeasurementsPanel* measurements_ = nullptr;
   MixNotesPanel* notes_ = nullptr;
-  CommandButton* save_ = nullptr;
-  CommandButton* cancel_ = nullptr;
-  CommandButton* rename_ = nullptr;
   CommandButton* duplicate_ = nullptr;
-  CommandButton* print_ = nullptr;
-  CommandButton* label_ = nullptr;
-  CommandButton* multiple_ = nullptr;
-  CommandButton* whereUsed_ = nullptr;
-  CommandButton* delete_ = nullptr;
   bool isModified_ = false;  ///< differs from the published formula
   bool batchUses_ = false;
 };
