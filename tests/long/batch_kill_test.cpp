@@ -30,6 +30,7 @@ struct Bench : LifeRoom {
       for (const std::int32_t ref : {1, 2}) Lot(ColorKind::Basic, name, ref, 40);
     Setting("InvCutoff", "0.5");
     // Enough of everything that a save touches more pages than one.
+    const test::Arranging arranging;
     Transaction transaction(session.File());
     for (int i = 0; i < 400; ++i)
       AddRow(schema::Batch, {{"Color_Name", "ROSE"},

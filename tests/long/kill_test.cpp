@@ -19,6 +19,7 @@
 #include "core/inventory/adjust.h"
 #include "core/inventory/stock_resets.h"
 #include "support/ink_room.h"
+#include "support/notices.h"
 #include "support/snapshot.h"
 
 namespace vellumark {
@@ -29,9 +30,10 @@ using std::chrono::microseconds;
 
 constexpr int kKillsPerWork = 70;
 
-// Room enough that each piece of work writes more pages than fit in the engine's cache.
+// Room enough that each piece of work writes hundreds of pages.
 struct FilledRoom {
   FilledRoom() {
+    const test::Arranging arranging;
     Transaction transaction(room.session.File());
     for (int i = 0; i < 20; ++i)
       room.Basic("BASIC " + std::to_string(i),
