@@ -3,6 +3,7 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QRadioButton>
+#include <QRegularExpression>
 #include <QThread>
 
 #include "core/base/files.h"
@@ -76,7 +77,8 @@ bool IsOn(QWidget& dialog, const char* name) {
 /// All that a window says in its labels.
 QString Says(QWidget& dialog) {
   QString all;
-  for (const auto* label : dialog.findChildren<QLabel*>()) all += label->text().remove('&') + "\n";
+  const QRegularExpression letter("&(?=[^&\\s])");
+  for (const auto* label : dialog.findChildren<QLabel*>()) all += label->text().remove(letter) + "\n";
   return all;
 }
 
