@@ -196,11 +196,12 @@ void SaveReportSort(Session& session, const ReportDefinition& report, const Repo
 }
 
 void ReadColumnWidths(const Session& session, const ReportDefinition& report, std::vector<TableColumn>& columns) {
-  constexpr int kUntouched = 1935;  // of a Database in new settings, which cuts one that tells more than its name
+  constexpr int kOfDatabase = 1935;  // in new settings, which cuts a column that tells more than the name of one
+  constexpr int kWidest = 2865;      // of all that do not tell their own width
   for (std::size_t i = 0; i < columns.size(); ++i) {
     const int width = Whole(session, WidthKey(report, i), 0);
-    if (width > 0 && columns[i].width > 0 && (width != kUntouched || columns[i].width < kUntouched))
-      columns[i].width = width;
+    const bool cuts = width == kOfDatabase && columns[i].width > kWidest;
+    if (width > 0 && columns[i].width > 0 && !cuts) columns[i].width = width;
   }
 }
 
