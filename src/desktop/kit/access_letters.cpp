@@ -174,21 +174,26 @@ void SetWritten(QAction& action, const QString& text) {
 }
 
 void LetterControls(QWidget& window) {
-  std::vector<std::pair<int, Lettered>> ranked;
-  Letters letters;
+  std::vector<QWidget*> controls;
   bool anew = false;
   for (QWidget* control : window.findChildren<QWidget*>()) {
     const QString text = TextOf(*control);
     if (text.isEmpty() || control->window() != window.window()) continue;
+    controls.push_back(control);
+    anew = anew || text != control->property(kLettered).toString();
+  }
+  if (!anew) return;
+  std::vector<std::pair<int, Lettered>> ranked;
+  Letters letters;
+  for (QWidget* control : controls) {
     Lettered one{.owner = control, .asks = qobject_cast<QRadioButton*>(control) == nullptr};
-    anew = Read(*control, text, one.written) || anew;
+    Read(*control, TextOf(*control), one.written);
     const QChar own = OwnLetter(*control);
     if (!own.isNull()) letters.Take(own);
     one.pages = PagesOf(*control);
     const int rank = own.isNull() ? RankOf(*control, one.pages) : -1;
     ranked.emplace_back(rank, std::move(one));
   }
-  if (!anew) return;
   for (const auto* bar : window.findChildren<QTabBar*>())
     for (int tab = 0; tab < bar->count(); ++tab) letters.TakeOf(bar->tabText(tab));
   if (const auto* main = qobject_cast<QMainWindow*>(window.window()))

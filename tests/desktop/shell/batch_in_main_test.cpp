@@ -251,7 +251,7 @@ TEST_F(BatchInMainTest, LoginAsLeavesNothingOnScreenThatTheNextUserMayNotSee) {
     auto& menu = *main.findChild<QMenu*>("menuDFUsers_Login_As");
     Q_EMIT menu.aboutToShow();
     for (QAction* action : menu.actions()) {
-      if (action->text() != name) continue;
+      if (action->text().remove('&') != name) continue;
       WithModal([&] { action->trigger(); },
                 [&](QWidget& dialog) {
                   Fill(dialog, "txtPassword", password);

@@ -184,12 +184,12 @@ TEST_F(EveryWindowTest, InAnArchiveNothingIsWritten) {
 
 // ---- What is written elsewhere
 
-/// What a person reads in the window: every text, mark, choice and cell.
+/// What a person reads in the window: every text, mark, choice and cell. Letters come when a window is done.
 std::map<std::string, std::string> ReadIn(QWidget& window) {
   std::map<std::string, std::string> read;
   const auto note = [&](const QWidget& widget, const QString& text) {
     const std::string name = widget.objectName().toStdString();
-    if (!name.empty() && !name.starts_with("qt_")) read[name] += "|" + text.toStdString();
+    if (!name.empty() && !name.starts_with("qt_")) read[name] += "|" + QString(text).remove('&').toStdString();
   };
   for (QWidget* widget : window.findChildren<QWidget*>()) {
     if (const auto* label = qobject_cast<QLabel*>(widget)) note(*label, label->text());
