@@ -31,6 +31,9 @@ class TallPage : public QScrollArea {
       if (to != nullptr && widget()->isAncestorOf(to)) ensureWidgetVisible(to, 0, space::kGroup);
     });
   }
+  TallPage(const TallPage&) = delete;
+  TallPage& operator=(const TallPage&) = delete;
+  ~TallPage() override { qApp->disconnect(this); }  // the focus still moves while its parts go
   QSize sizeHint() const override {
     const QSize hint = widget()->sizeHint().expandedTo(widget()->minimumSizeHint());
     const int height = widget()->hasHeightForWidth() ? widget()->heightForWidth(hint.width()) : hint.height();

@@ -1,6 +1,7 @@
 #include "desktop/kit/window.h"
 
 #include <QAbstractButton>
+#include <QApplication>
 #include <QCloseEvent>
 #include <QKeyEvent>
 #include <QSettings>
@@ -23,6 +24,7 @@ Window::Window(WindowList& windowList, const QString& name, const QString& title
 }
 
 Window::~Window() {
+  qApp->disconnect(this);  // the focus still moves while its parts go
   // One that was closed may outlive the list.
   if (property(kClosed).toBool()) return;
   Closing();
@@ -84,6 +86,7 @@ Dialog::Dialog(WindowList& windowList, QWidget* owner, const QString& name, cons
 }
 
 Dialog::~Dialog() {
+  qApp->disconnect(this);  // the focus still moves while its parts go
   Closing();
   windows.Forget(*this);
 }

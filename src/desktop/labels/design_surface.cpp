@@ -200,7 +200,7 @@ void DesignSurface::StepTo(int by, bool adding) {
     if (content_.boxes[static_cast<std::size_t>(i)].item.name == selected_.back()) at = i;
   at = (at + by + count) % count;
   std::vector<std::string> names = adding ? selected_ : std::vector<std::string>{};
-  const PlacedItem& item = content_.boxes[static_cast<std::size_t>(at)].item;
+  const PlacedItem item = content_.boxes[static_cast<std::size_t>(at)].item;  // the boxes are shown anew by Select
   std::erase(names, item.name);
   names.push_back(item.name);
   Select(std::move(names));
