@@ -153,7 +153,7 @@ class TableOf {
                         .caption = caption,
                         .format = format.value_or(FormatOf<Value>()),
                         .decimals = decimals});
-    values_.push_back([value](const Record& record) { return ToCell(std::invoke(value, record)); });
+    values_.push_back([value = std::move(value)](const Record& record) { return ToCell(std::invoke(value, record)); });
     return *this;
   }
   /// What people see, by caption, in that order.
