@@ -60,6 +60,9 @@ constexpr std::array kRows{
     UndoableRow{ImportFormulas, Act::ImportFormulas},
 };
 
+// Data Files hold the numbers of the acts: a new one goes to the end.
+static_assert(static_cast<int>(Act::Work) == 1 && static_cast<int>(Act::Users) == 19);
+
 UndoEntry EntryOf(const Session& session, Undoable kind, std::string what, std::string subject) {
   UndoEntry entry;
   entry.Moment = session.clock.Now();

@@ -378,8 +378,9 @@ Result<std::string> TakeBackAct(Session& session, std::int64_t id) {
         "Take Back",
         id == 0 ? std::string("There is nothing to take back.") : fmt::format("There is no act {} to take back.", id),
         "ID");
-  if (auto allowed = RequireAct(session, static_cast<Act>(entry->act)); !allowed)
-    return std::unexpected(allowed.error());
+  const auto act = std::ranges::find(ActRows(), static_cast<Act>(entry->act), &ActRow::act);
+  if (act == ActRows().end()) return NotTaken(entry->what, "Another version of the program has kept it.");
+  if (auto allowed = RequireAct(session, act->act); !allowed) return std::unexpected(allowed.error());
   if (const std::int64_t import = ImportOf(*entry); import != 0) {
     if (auto undone = UndoImport(session, import); !undone) return std::unexpected(undone.error());
     RemoveUndoEntry(session.File(), entry->id);

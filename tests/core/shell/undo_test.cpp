@@ -245,6 +245,12 @@ TEST(Undo, AsksForTheRightOfTheActAndForAClosedBatch) {
   room.hands.Perm_MasterFormula = 0;
   EXPECT_FALSE(TakeBackAct(room.hands, 0));
   room.hands.Perm_MasterFormula = 1;
+  const std::string right = room.hands.File().Scalar("SELECT Act FROM MSysUndo ORDER BY RowKey DESC LIMIT 1").Text();
+  room.hands.File().Execute("UPDATE MSysUndo SET Act = 99");  // as a later program would have written it
+  taken = TakeBackAct(room.hands, 0);
+  ASSERT_FALSE(taken);
+  EXPECT_NE(taken.error().text.find("Another version"), std::string::npos) << taken.error().text;
+  room.hands.File().Execute("UPDATE MSysUndo SET Act = " + right);
   EXPECT_EQ(TakeBackAct(room.hands, 0).value(), "Rename PINK to ROSE");
 }
 
