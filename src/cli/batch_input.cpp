@@ -15,6 +15,7 @@
 #include "core/batch/jobs.h"
 #include "core/batch/modified.h"
 #include "core/batch/recycle_list.h"
+#include "core/batch/row_lots.h"
 #include "core/colors/names.h"
 
 namespace vellumark::cli {
@@ -325,6 +326,7 @@ Result<void> ChangeBatch(Session& session, BatchRecord& record, const BatchInput
     if (auto done = Calculate(session, record, recycle); !done) return done;
   }
   if (auto done = TakeAndAdd(session, record, input); !done) return done;
+  if (auto kept = TakeSavedLots(session, record); !kept) return kept;
   return SetFields(session, record, input);
 }
 

@@ -374,6 +374,15 @@ TEST(CliBatch, AnEditOfLotsReplacesThem) {
   shop.Json({"batch", "edit", "1", "--lot", "RED=A:20"});
   shop.Json({"batch", "edit", "1", "--lot", "RED=B:10"});
   EXPECT_EQ(lots(), (Held{{"A", 80}, {"B", 90}}));
+  // Less needs less of the lot chosen last; more is told, and taken from the lot that is named for it.
+  shop.Json({"batch", "edit", "1", "--quantity", "40"});
+  EXPECT_EQ(lots(), (Held{{"A", 80}, {"B", 96}}));
+  const auto grown = shop.Run({"batch", "edit", "1", "--quantity", "60", "--add", "RED=5"});
+  EXPECT_NE(grown.err.find("RED: 17.000 lb. needed, 0.000 in Unlotted Inv., 176.000 in lots not chosen"), std::string::npos)
+      << grown.err;
+  EXPECT_EQ(lots(), (Held{{"A", 80}, {"B", 96}}));
+  shop.Json({"batch", "edit", "1", "--quantity", "100", "--lot", "RED=B:36", "--lot", "RED=A:1"});
+  EXPECT_EQ(lots(), (Held{{"A", 79}, {"B", 60}}));
 }
 
 TEST(CliBatch, EveryOptionIsGuardedAndLeavesNothing) {

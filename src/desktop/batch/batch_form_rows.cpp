@@ -5,7 +5,7 @@
 #include "core/base/text.h"
 #include "core/base/units.h"
 #include "core/batch/bench.h"
-#include "core/batch/oldest_lots.h"
+#include "core/batch/row_lots.h"
 #include "core/inventory/lot_selection.h"
 #include "desktop/batch/batch_form.h"
 #include "desktop/batch/batch_form_took.h"

@@ -8,7 +8,7 @@
 #include "core/batch/bench.h"
 #include "core/batch/dialogs.h"
 #include "core/batch/leave.h"
-#include "core/batch/oldest_lots.h"
+#include "core/batch/row_lots.h"
 #include "core/batch/open.h"
 #include "core/batch/store.h"
 #include "core/colors/rollup.h"
