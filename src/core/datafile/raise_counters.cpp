@@ -2,12 +2,21 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
+
 #include "core/datafile/databases.h"
 #include "core/datafile/lifecycle.h"
 #include "core/datafile/schema.h"
 
 namespace vellumark {
 namespace {
+
+// Behind the last number comes 1 again: of two that lie on both sides of it the low one is further on.
+std::int32_t FurtherOn(std::int32_t mine, std::int32_t theirs) {
+  constexpr std::int32_t kNear = kLastCounter / 10;
+  const auto [low, high] = std::minmax(mine, theirs);
+  return low > 0 && low <= kNear && high > kLastCounter - kNear ? low : high;
+}
 
 void RaiseLotReferences(Database& file, Database& other, const std::string& table) {
   if (!file.TableExists(table) || !other.TableExists(table)) return;
@@ -25,8 +34,8 @@ void RaiseCounters(Database& file, Database& other) {
   const FileInfoRow theirs = ReadFileInfo(other);
   Transaction transaction(file);
   file.Prepare("UPDATE FileInfo SET BatchNumber = ?, ItemNumber = ?")
-      .Bind(1, std::max(mine.batchNumber, theirs.batchNumber))
-      .Bind(2, std::max(mine.itemNumber, theirs.itemNumber))
+      .Bind(1, FurtherOn(mine.batchNumber, theirs.batchNumber))
+      .Bind(2, FurtherOn(mine.itemNumber, theirs.itemNumber))
       .Run();
   for (const std::string& database : mine.dbList)
     for (const Table* table : {&schema::Basic, &schema::Mix})

@@ -13,6 +13,7 @@
 #include "core/base/refusal.h"
 #include "core/datafile/databases.h"
 #include "core/datafile/lifecycle.h"
+#include "core/datafile/raise_counters.h"
 #include "core/datafile/writer.h"
 #include "support/places.h"
 #include "support/scratch.h"
@@ -320,6 +321,26 @@ TEST(Lifecycle, CountersStartAgainAfterTheLastNumber) {
   EXPECT_EQ(ReadFileInfo(*room.file).batchNumber, 1);
   EXPECT_EQ(StepItemNumber(*room.file, 7), 8);
   EXPECT_EQ(ReadFileInfo(*room.file).itemNumber, 8);
+}
+
+// Of a file that is put in the place of another one.
+TEST(Lifecycle, CountersGoOnFromTheOneThatIsFurtherOn) {
+  test::ScratchFolder folder;
+  NewFile room;
+  CreateFile(folder / "Other.vkd");
+  const auto other = Database::Open(folder / "Other.vkd", OpenMode::Exclusive);
+  const auto set = [](Database& file, int number) {
+    file.Prepare("UPDATE FileInfo SET BatchNumber = ?1, ItemNumber = ?1").Bind(1, number).Run();
+  };
+  // Behind the last number comes 1 again.
+  for (const auto& [mine, theirs, further] : {std::tuple{7, 42, 42}, {42, 7, 42}, {999'990, 5, 5}, {5, 999'990, 5},
+                                              {1, 600'000, 600'000}, {1, 1, 1}, {0, 999'999, 999'999}}) {
+    set(*room.file, mine);
+    set(*other, theirs);
+    RaiseCounters(*room.file, *other);
+    EXPECT_EQ(ReadFileInfo(*room.file).batchNumber, further) << mine << " " << theirs;
+    EXPECT_EQ(ReadFileInfo(*room.file).itemNumber, further) << mine << " " << theirs;
+  }
 }
 
 TEST(Lifecycle, NextFreeNameReplacesANumberInBrackets) {
