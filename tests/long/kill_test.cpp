@@ -20,6 +20,7 @@
 #include "core/inventory/stock_resets.h"
 #include "support/ink_room.h"
 #include "support/notices.h"
+#include "support/small_page_memory.h"
 #include "support/snapshot.h"
 
 namespace vellumark {
@@ -77,6 +78,7 @@ using Work = std::function<void(Session&)>;
 
 // Runs in the child: opens the file, does the work, ends.
 [[noreturn]] void DoInChild(FilledRoom& filled, const Work& work) {
+  const test::SmallPageMemory small;
   Session& session = filled.room.session;
   session.DataFileDB = Database::Open(filled.file, OpenMode::Exclusive);
   work(session);

@@ -6,6 +6,7 @@
 #include "core/backup/deep_check.h"
 #include "core/datafile/databases.h"
 #include "support/core_desk.h"
+#include "support/small_page_memory.h"
 #include "support/snapshot.h"
 #include "support/struck.h"
 
@@ -35,6 +36,7 @@ class StruckRoom : public testing::Test {
   /// Does it as a program does that starts, opens the file and ends: 0 when it was done, 1 when it was refused, 2 when it
   /// failed, with a cause.
   int Do(const Act& act, const std::function<void()>& mark = [] {}) const {
+    const SmallPageMemory small;  // or no strike would meet a file that is written before its commit
     mark();
     try {
       CoreDesk desk(folder.Path());
