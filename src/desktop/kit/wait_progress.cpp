@@ -60,7 +60,7 @@ WaitWindow::WaitWindow(WaitKind kind, QWidget* owner)
 }
 
 void WaitWindow::SetText(const QString& text) {
-  text_->setText(text);
+  text_->setText(QString(text).replace("&&", "&"));  // as a caption would show it
 }
 
 void WaitWindow::SetPercent(double percent) {

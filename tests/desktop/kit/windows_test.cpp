@@ -406,10 +406,11 @@ TEST(Waiting, LongWorkShowsItsTextAndItsPercentAndCanBeCancelledWhereThatIsAllow
 
 TEST(Waiting, WorkThatMayNotStopHasNoCancelAndEscapeDoesNothing) {
   desktop::WaitProgress wait;
-  wait.Begin("Repairing ...");
+  wait.Begin("Costs, VOCs && HAPs ...");
   QThread::msleep(310);
   wait.Percent(50);
   ASSERT_NE(wait.Shown(), nullptr);
+  EXPECT_EQ(Control<QLabel>(*wait.Shown(), "lblMessage").text(), "Costs, VOCs & HAPs ...") << "as captions show it";
   EXPECT_EQ(wait.Shown()->objectName(), "WaitingForm_NoCancel");
   EXPECT_EQ(wait.Shown()->findChild<QWidget*>("cmdCancel"), nullptr);
   Press(*wait.Shown(), Qt::Key_Escape);
