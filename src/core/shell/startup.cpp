@@ -136,12 +136,10 @@ void EndSession(Session& session, StartupWindows& windows) {
   const bool removes = NeverGotADatabase(session);
   CloseDataFile(session, windows);
   windows.ShutdownBackup(session, "AutoBackup");
-  if (removes) {
-    std::error_code error;
-    fs::remove(session.DataFileName, error);
-    if (error) throw Failure(session.DataFileName, "cannot be removed: " + error.message());
-  }
+  std::error_code error;
+  if (removes) fs::remove(session.DataFileName, error);
   if (session.ScalePowered == 1) windows.PowerOffScale(session);
+  if (error) throw Failure(session.DataFileName, "cannot be removed: " + error.message());
 }
 
 }  // namespace vellumark

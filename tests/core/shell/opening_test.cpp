@@ -24,6 +24,7 @@
 #include "core/shell/database_menu.h"
 #include "core/shell/startup.h"
 #include "core/shell/support_renewal.h"
+#include "support/data_files.h"
 #include "support/sound.h"
 #include "support/template_room.h"
 
@@ -245,6 +246,21 @@ TEST(EndOrder, AFileWithoutADatabaseIsRemovedAndTheReminderComesOnlyWhenItIsOn) 
   start.session.ScalePowered = 1;
   EndSession(start.session, start.windows);
   EXPECT_FALSE(fs::exists(start.folder / "Half.vkd"));
+  EXPECT_EQ(start.windows.calls.back(), "scale off");
+
+  // One that cannot be removed does not keep the scale on.
+  const fs::path locked = start.folder / "Locked";
+  fs::create_directories(locked);
+  start.session.DataFileName = (locked / "Half.vkd").string();
+  CreateFile(start.session.DataFileName);
+  start.session.DataFileDB = Database::Open(start.session.DataFileName, OpenMode::Exclusive);
+  start.session.DataFileOpen = true;
+  start.windows.calls.clear();
+  const test::WithoutRoot plain(start.folder.Path());
+  fs::permissions(locked, fs::perms::owner_read | fs::perms::owner_exec);
+  EXPECT_THROW(EndSession(start.session, start.windows), Failure);
+  fs::permissions(locked, fs::perms::owner_all);
+  EXPECT_TRUE(fs::exists(locked / "Half.vkd"));
   EXPECT_EQ(start.windows.calls.back(), "scale off");
 }
 
