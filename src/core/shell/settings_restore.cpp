@@ -14,6 +14,7 @@
 #include "core/session/settings.h"
 #include "core/settings/ladder.h"
 #include "core/settings/support_files.h"
+#include "core/shell/support_renewal.h"
 
 namespace vellumark {
 namespace fs = std::filesystem;
@@ -124,7 +125,7 @@ Result<bool> RestoreSupportFiles(Session& session, const fs::path& folder) {
         Answer::No);
     if (!takes) settings.Set(setting::UMI.key, std::to_string(session.UMI));
   }
-  settings.Set(setting::DbFileName50.key, session.DataFileName);
+  settings.Set(setting::DbFileName50.key, DataFileToKeep(session));
   climbed.Settings().Write(settings);
   const ProgressRun progress(session.progress, "Restoring Support Files ...");
   TakeSupportFiles(session, climbed);

@@ -22,14 +22,13 @@ class Waiting {
   Session& session_;
 };
 
-// A file that is gone gives way to the default one; where none was known, none is.
+}  // namespace
+
 std::string DataFileToKeep(const Session& session) {
   std::error_code ignored;
   if (session.DataFileName.empty() || fs::exists(session.DataFileName, ignored)) return session.DataFileName;
   return (session.ProgramFolder / kDefaultDataFile).string();
 }
-
-}  // namespace
 
 Result<bool> CreateNewSupportFiles(Session& session, StartupWindows& windows) {
   if (auto allowed = RequireCommandRight(session, CommandRight::Advanced); !allowed)
