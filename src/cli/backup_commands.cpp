@@ -7,8 +7,8 @@
 
 #include "cli/damaged_file.h"
 #include "cli/frame.h"
+#include "cli/restore_output.h"
 #include "cli/seams.h"
-#include "cli/upgrade_output.h"
 #include "core/backup/backup_days.h"
 #include "core/backup/backup_set.h"
 #include "core/backup/look_into.h"
@@ -103,29 +103,6 @@ Result<Json> ListBackups(Context& context, const std::string& in, bool withCloud
   return sets;
 }
 
-Json PostingsJson(const std::vector<MadeSince::Posting>& postings) {
-  Json list = Json::array();
-  for (const MadeSince::Posting& posting : postings)
-    list.push_back({{"Moment", posting.Moment},
-                    {"Color_Name", posting.Color_Name},
-                    {"LotNumber", posting.LotNumber},
-                    {"Change", posting.Change},
-                    {"Document", posting.Document}});
-  return list;
-}
-
-Json SinceJson(const std::vector<MadeSince>& all) {
-  Json list = Json::array();
-  for (const MadeSince& since : all)
-    list.push_back({{"Database", since.database},
-                    {"Batches", since.batches},
-                    {"Formulas", since.formulas},
-                    {"Changed", since.changed},
-                    {"Jobs", since.jobs},
-                    {"Postings", PostingsJson(since.postings)}});
-  return list;
-}
-
 Result<Json> VerifyBackup(Context& context, const std::string& typed) {
   const auto set = ReadSet(Absolute(typed));
   if (!set) return std::unexpected(set.error());
@@ -164,12 +141,9 @@ Result<Json> RestoreBackup(Context& context, const std::string& typed) {
   NoWindows windows(context.user, context.password);
   const auto restored = RestoreDataFile(session, *source, RestoreFrom::Location, windows);
   if (!restored) return std::unexpected(restored.error());
-  return Json{{"DataFileName", session.DataFileName},
-              {"From", source->string()},
-              {"Kept", restored->kept.empty() ? Json() : Json(restored->kept.string())},
-              {"Photos", restored->photos.size()},
-              {"Updated", restored->updated ? UpgradeJson(*restored->updated) : Json()},
-              {"Since", SinceJson(restored->since)}};
+  Json answer{{"DataFileName", session.DataFileName}, {"From", source->string()}};
+  answer.update(RestoredJson(*restored));
+  return answer;
 }
 
 Result<Json> LookIntoBackup(Context& context, const std::string& typed) {

@@ -7,6 +7,7 @@
 
 #include "cli/damaged_file.h"
 #include "cli/frame.h"
+#include "cli/restore_output.h"
 #include "cli/seams.h"
 #include "core/base/platform.h"
 #include "core/base/text.h"
@@ -141,12 +142,11 @@ Result<Json> Restore(Context& context, const std::string& name, bool photos) {
   NoWindows windows(context.user, context.password);
   const auto restored = RestoreDataFile(session, fetched->dataFile, RestoreFrom::Cloud, windows);
   if (!restored) return std::unexpected(restored.error());
-  return Told(context, fetched->outcome,
-              Json{{"DataFileName", session.DataFileName},
-                   {"From", name},
-                   {"Kept", restored->kept.empty() ? Json() : Json(restored->kept.string())},
-                   {"Photos", fetched->photos},
-                   {"SupportFiles", fetched->supportFolder.empty() ? Json() : Json(fetched->supportFolder.string())}});
+  Json answer{{"DataFileName", session.DataFileName}, {"From", name}};
+  answer.update(RestoredJson(*restored));
+  answer["Photos"] = fetched->photos;
+  answer["SupportFiles"] = fetched->supportFolder.empty() ? Json() : Json(fetched->supportFolder.string());
+  return Told(context, fetched->outcome, std::move(answer));
 }
 
 Result<Json> RestoreSettings(Context& context, const std::string& name) {

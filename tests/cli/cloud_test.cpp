@@ -11,6 +11,7 @@
 #include "core/datafile/engine.h"
 #include "support/cli_run.h"
 #include "support/ftp_server.h"
+#include "support/old_files.h"
 #include "support/places.h"
 
 namespace vellumark {
@@ -154,6 +155,22 @@ TEST(CloudCli, TwoShopsBackUpShareAndRestore) {
   const test::CliAnswer bad = north.Run({"--yes", "cloud", "restore", name});
   EXPECT_EQ(bad.status, 4);
   EXPECT_NE(bad.err.find("what came down is not what went up"), std::string::npos) << bad.err;
+
+  // A backup of years ago comes back up to date, and the answer tells what was done to it.
+  test::OldRoom old = test::MakeOldRoom(12);
+  old.users = false;
+  const std::string years = "Ink_Backup_03_10_2019_17_00_00.vkd";
+  test::WriteOldFile(root / "Backups" / years, test::OldTables(old, 28, 0));
+  server.Own();
+  const auto older = north.Json({"--answer", "Lotted Inventory=no", "--yes", "cloud", "restore", years});
+  EXPECT_EQ(older["From"], years);
+  EXPECT_EQ(older["Updated"]["FromVersion"], 28);
+  EXPECT_EQ(older["Updated"]["Balanced"], true);
+  EXPECT_EQ(older["Updated"]["Report"], (north.folder / "Ink Update Report.txt").string());
+  ASSERT_EQ(older["Notes"].size(), 0U) << older["Notes"];
+  EXPECT_TRUE(older["Since"].is_array());
+  EXPECT_EQ(north.Json({"file", "info"})["FileVersion"], 40);
+  fs::remove(root / "Backups" / years);
 
   // With the backup all goes that belongs to it.
   EXPECT_EQ(north.Run({"cloud", "delete", name}).status, 0);

@@ -5,9 +5,12 @@
 #include <algorithm>
 #include <array>
 #include <charconv>
+#include <chrono>
 #include <future>
 #include <system_error>
 
+#include "core/backup/failed_backup.h"
+#include "core/backup/kept_folder.h"
 #include "core/base/disk_sync.h"
 #include "core/base/files.h"
 #include "core/base/progress_run.h"
@@ -26,14 +29,6 @@ constexpr std::string_view kUnfinished = ".VK_Backup_";  // until it is whole, a
 
 void FailOn(const fs::path& path, const std::error_code& error) {
   if (error) throw Failure(path.string(), error.message());
-}
-
-DateTime FromSecondNumber(std::int64_t second) {
-  DateTime time = DateTime::FromDayNumber(second / 86400);
-  time.hour = static_cast<int>(second % 86400 / 3600);
-  time.minute = static_cast<int>(second % 3600 / 60);
-  time.second = static_cast<int>(second % 60);
-  return time;
 }
 
 // The two digits or more that stand at `from`.
@@ -91,10 +86,22 @@ std::optional<BackupSet> OldestOf(const fs::path& target, const fs::path& dataFi
   return sets.front();
 }
 
-// What a killed program left beside the file is played back, by whoever opens it first.
-void HealJournal(const fs::path& file) {
-  const bool copy = IsArchiveCopy(kFileVersion, file);
-  ReadFileInfo(*Database::Open(file, copy ? OpenMode::ReadOnly : OpenMode::Exclusive));
+// What a killed program left beside the file is played back, by whoever opens it first; from there on nobody writes into
+// it. Whoever died in between left something again.
+platform::OpenFile HealAndHold(const fs::path& file) {
+  if (IsArchiveCopy(kFileVersion, file)) {
+    ReadFileInfo(*Database::Open(file, OpenMode::ReadOnly));
+    return {};
+  }
+  std::error_code ignored;
+  platform::OpenFile held;
+  for (int tries = 0; tries < 2; ++tries) {
+    held.Close();
+    ReadFileInfo(*Database::Open(file, OpenMode::Exclusive));
+    held = HoldDataFile(file);
+    if (!fs::exists(fs::path(file) += "-journal", ignored)) break;
+  }
+  return held;
 }
 
 // The files of the new set, copied one after the other, with the bar on the way.
@@ -106,25 +113,21 @@ class SetMaker {
   SetProof Make(const DateTime& made) {
     CollectFiles();
     SetProof proof{source_.filename().string(), made, MomentOf(made), VELLUMARK_VERSION, session_.UMI, {}, {}};
+    NoProgress unseen;
+    std::future<ContentProof> content;
     std::vector<fs::path> copies;
     for (const auto& [from, name] : files_) {
-      session_.progress.Percent(40.0 * static_cast<double>(proof.files.size()) / static_cast<double>(files_.size()));
+      Show(0, 40, proof.files.size());
       copies.push_back(folder_ / name);
       proof.files.push_back(CopyUnsynced(from, copies.back(), name));
+      // The rows of the Data File, which is the first, are read while the disk is at work on the others.
+      if (!content.valid())
+        content = std::async(std::launch::async,
+                             [&, copy = copies.front()] { return ProveContent(session_, copy, unseen); });
     }
-    // The rows are read while the disk is at work.
-    NoProgress unseen;
-    std::future<ContentProof> content = std::async(
-        std::launch::async, [&] { return ProveContent(session_, folder_ / source_.filename(), unseen); });
-    FailOn(folder_, platform::SyncFiles(folder_, copies));
-    // What was written, and not what this process remembers of it.
-    for (std::size_t i = 0; i < proof.files.size(); ++i) {
-      const FileProof& file = proof.files[i];
-      session_.progress.Percent(40 + 50.0 * static_cast<double>(i) / static_cast<double>(proof.files.size()));
-      if (ProveFile(folder_ / file.name, file.name) != file)
-        throw Failure((folder_ / file.name).string(), "does not read as it was written");
-    }
-    proof.content = content.get();
+    FailOn(folder_, Await(std::async(std::launch::async, [&] { return platform::SyncFiles(folder_, copies); })));
+    proof.content = Await(std::move(content));
+    RequireAsWritten(proof.files, copies);
     ReplaceFile(folder_ / kProofFile, ProofText(proof), Readers::Group);
     return proof;
   }
@@ -139,6 +142,27 @@ class SetMaker {
          {&support.settings, &support.label, &support.hazardLabel, &support.formulaLabel, &support.scale})
       if (file->Exists()) Collect(file->Path(), kSupportFolderOfSet);
     for (const fs::path& photo : PhotosIn(source_.parent_path() / kPhotoFolderOfSet)) Collect(photo, kPhotoFolderOfSet);
+  }
+
+  // What stands on the disk, and not what this machine remembers of it: there are sticks that only seem to write.
+  void RequireAsWritten(const std::vector<FileProof>& files, const std::vector<fs::path>& copies) {
+    platform::ReadFromDisk(copies);
+    const auto read = ProveFiles(folder_, files, [&](std::size_t done) { Show(40, 95, done); });
+    for (std::size_t i = 0; i < files.size(); ++i) {
+      if (!read[i]) throw Failure(copies[i].string(), read[i].error());
+      if (*read[i] != files[i]) throw Failure(copies[i].string(), "does not read as it was written");
+    }
+  }
+
+  // The bar stays alive meanwhile.
+  template <typename Answer>
+  Answer Await(std::future<Answer> answer) {
+    while (answer.wait_for(std::chrono::milliseconds(40)) != std::future_status::ready) Show(40, 95, 0);
+    return answer.get();
+  }
+
+  void Show(double from, double to, std::size_t done) {
+    session_.progress.Percent(from + (to - from) * static_cast<double>(done) / static_cast<double>(files_.size()));
   }
 
   void Collect(const fs::path& from, std::string_view folder) {
@@ -218,6 +242,14 @@ std::optional<DateTime> TimeOfSet(std::string_view name) {
   return ParseDateTime(made.ToText());
 }
 
+DateTime FromSecondNumber(std::int64_t second) {
+  DateTime time = DateTime::FromDayNumber(second / 86400);
+  time.hour = static_cast<int>(second % 86400 / 3600);
+  time.minute = static_cast<int>(second % 3600 / 60);
+  time.second = static_cast<int>(second % 60);
+  return time;
+}
+
 DateTime LocalOf(const DateTime& moment) {
   const std::tm tm = platform::LocalTime(static_cast<std::time_t>(moment.SecondNumber()));
   return {tm.tm_year + 1900, tm.tm_mon + 1, tm.tm_mday, tm.tm_hour, tm.tm_min, tm.tm_sec};
@@ -266,7 +298,7 @@ std::vector<BackupSet> ListSets(const fs::path& folder) {
 BackupSet MakeBackupSet(Session& session, const fs::path& source, const fs::path& target,
                         std::optional<std::size_t> keep) {
   const ProgressRun progress(session.progress, "Backing up Data File ...");
-  HealJournal(source);
+  const platform::OpenFile held = HealAndHold(source);
   MakeFolder(target);
   const FolderLock lock(target);
   SweepUnfinished(target);
@@ -299,12 +331,16 @@ SetCheck VerifySet(Session& session, const BackupSet& set, Reproof reproof) {
   const ProgressRun progress(session.progress, "Checking backup ...");
   SetCheck check{set, {}, {}};
   if (set.proof) {
-    for (const FileProof& file : set.proof->files) {
-      try {
-        if (ProveFile(set.folder / file.name, file.name) != file)
-          check.faults.push_back(fmt::format("{}: the file is not what it was when the set was made", file.name));
-      } catch (const Failure& failure) {
-        check.faults.push_back(fmt::format("{}: {}", file.name, failure.cause));
+    const std::vector<FileProof>& files = set.proof->files;
+    const auto all = static_cast<double>(files.size());
+    const auto read = ProveFiles(set.folder, files, [&](std::size_t done) {
+      session.progress.Percent(50.0 * static_cast<double>(done) / all);
+    });
+    for (std::size_t i = 0; i < files.size(); ++i) {
+      if (!read[i]) {
+        check.faults.push_back(fmt::format("{}: {}", files[i].name, read[i].error()));
+      } else if (*read[i] != files[i]) {
+        check.faults.push_back(fmt::format("{}: the file is not what it was when the set was made", files[i].name));
       }
     }
   }
@@ -338,11 +374,15 @@ std::optional<BackupSet> ShutdownBackup(Session& session, std::string_view label
     if (label != "AutoBackup") session.prompt.Tell("Backup Complete", "Backup Completed Successfully!");
     return set;
   } catch (const Failure& failure) {
-    session.prompt.Tell("Backup",
-                        fmt::format("The automatic backup of {} could not be made.\n{}: {}.\n\nThe backups that were "
-                                    "there before are as they were.",
-                                    file.string(), failure.subject, failure.cause),
-                        Icon::Exclamation);
+    std::string text = fmt::format("The automatic backup of {} could not be made.\n{}: {}.\n\nThe backups that were "
+                                   "there before are as they were.",
+                                   file.string(), failure.subject, failure.cause);
+    try {
+      NoteFailedBackup(session, file, fmt::format("{}: {}", failure.subject, failure.cause));
+    } catch (const Failure& second) {
+      text += fmt::format("\n\nThe start page will not tell of it: {}: {}.", second.subject, second.cause);
+    }
+    session.prompt.Tell("Backup", text, Icon::Exclamation);
     return std::nullopt;
   }
 }

@@ -33,6 +33,8 @@ std::vector<std::filesystem::path> PhotosIn(const std::filesystem::path& folder)
 DateTime MomentOf(const DateTime& local);
 /// The other way.
 DateTime LocalOf(const DateTime& moment);
+/// Of the seconds since 1970.
+DateTime FromSecondNumber(std::int64_t second);
 
 struct BackupSet {
   std::filesystem::path folder;

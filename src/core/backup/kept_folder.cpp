@@ -24,14 +24,25 @@ std::string UnfinishedName(const fs::path& current, std::string_view what) {
   return fmt::format(".{} before {}", current.filename().string(), what);
 }
 
+platform::OpenFile OpenToHold(const fs::path& path, std::error_code& error) {
+  platform::OpenFile file = platform::OpenExisting(path, platform::Opening::Write, error);
+  if (!error && !platform::TakeByteLock(file, LockedByte::DataFile))
+    throw Failure(path.string(), "is in use by another process");
+  return file;
+}
+
 }  // namespace
 
 platform::OpenFile HoldDataFile(const fs::path& path) {
   std::error_code error;
-  platform::OpenFile file = platform::OpenExisting(path, platform::Opening::Write, error);
+  platform::OpenFile file = OpenToHold(path, error);
   if (error) throw Failure(path.string(), error.message());
-  if (!platform::TakeByteLock(file, LockedByte::DataFile)) throw Failure(path.string(), "is in use by another process");
   return file;
+}
+
+platform::OpenFile HoldIfItOpens(const fs::path& path) {
+  std::error_code ignored;
+  return OpenToHold(path, ignored);
 }
 
 Placement::Identity Placement::Look(const fs::path& path) {

@@ -14,6 +14,8 @@ namespace vellumark {
 /// Keeps other processes out of a Data File that is only read, or that the engine cannot open, for as long as the answer
 /// lives. Throws Failure when one has it.
 platform::OpenFile HoldDataFile(const std::filesystem::path& path);
+/// The same of one that may be missing or damaged: what cannot even be opened nobody works in.
+platform::OpenFile HoldIfItOpens(const std::filesystem::path& path);
 
 /// A file that is to take a place in one step. It may have it although that failed: the disk fails right behind the step.
 class Placement {

@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <atomic>
 #include <bit>
 #include <future>
 #include <nlohmann/json.hpp>
@@ -10,6 +11,7 @@
 #include <utility>
 
 #include "core/base/digest.h"
+#include "core/base/disk_sync.h"
 #include "core/base/files.h"
 #include "core/base/refusal.h"
 #include "core/datafile/databases.h"
@@ -128,10 +130,8 @@ TableProof ProveRows(Database& file, const std::string& table, const std::string
   return proof;
 }
 
-FileProof ReadProved(const fs::path& path, std::string name, const std::function<void(std::string_view)>& take) {
+void ForEachPiece(const fs::path& path, const std::function<void(std::string_view)>& take) {
   const platform::OpenFile file = OpenToRead(path);
-  FileProof proof{std::move(name)};
-  Digest digest;
   std::string piece(std::size_t{1} << 20, '\0');
   for (;;) {
     // Full pieces, so that how a file is read is no part of its digest.
@@ -143,25 +143,53 @@ FileProof ReadProved(const fs::path& path, std::string name, const std::function
       if (count == 0) break;
       filled += count;
     }
-    if (filled == 0) break;
-    const std::string_view read(piece.data(), filled);
+    if (filled == 0) return;
+    take({piece.data(), filled});
+  }
+}
+
+FileProof ReadProved(const fs::path& path, std::string name, const std::function<void(std::string_view)>& take) {
+  constexpr std::size_t kLarge = std::size_t{1} << 20;
+  FileProof proof{std::move(name)};
+  Digest digest;
+  ForEachPiece(path, [&](std::string_view read) {
     // Of large files the digest is worked out while what was read is written.
     std::future<void> added;
-    if (take && filled == piece.size()) {
+    if (take && read.size() == kLarge) {
       added = std::async(std::launch::async, [&] { digest.Add(read); });
     } else {
       digest.Add(read);
     }
     if (take) take(read);
     if (added.valid()) added.get();
-    proof.bytes += static_cast<std::int64_t>(filled);
-  }
+    proof.bytes += static_cast<std::int64_t>(read.size());
+  });
   proof.digest = digest.Value();
   return proof;
 }
 
 FileProof ProveFile(const fs::path& path, std::string name) {
   return ReadProved(path, std::move(name), {});
+}
+
+std::vector<std::expected<FileProof, std::string>> ProveFiles(const fs::path& folder, const std::vector<FileProof>& files,
+                                                              const std::function<void(std::size_t done)>& goOn) {
+  std::vector<std::expected<FileProof, std::string>> read(files.size());
+  std::atomic<std::size_t> next = 0;
+  const auto work = [&](bool tells) {
+    for (std::size_t at = next++; at < files.size(); at = next++) {
+      try {
+        read[at] = ProveFile(folder / files[at].name, files[at].name);
+      } catch (const Failure& failure) {
+        read[at] = std::unexpected(failure.cause);
+      }
+      if (tells) goOn(at + 1);
+    }
+  };
+  std::future<void> beside = std::async(std::launch::async, work, false);
+  work(true);
+  beside.get();
+  return read;
 }
 
 FileProof CopyProved(const fs::path& from, const fs::path& to, std::string name) {
@@ -171,7 +199,10 @@ FileProof CopyProved(const fs::path& from, const fs::path& to, std::string name)
   return proof;
 }
 
-FileProof CopyUnsynced(const fs::path& from, const fs::path& to, std::string name) {
+namespace {
+
+// A file of a folder that nobody sees yet: `fill` writes it.
+void WriteUnsynced(const fs::path& to, const std::function<void(const std::function<void(std::string_view)>&)>& fill) {
   std::error_code error;
   fs::path made;
   const auto require = [&](const std::error_code& failed) {
@@ -179,10 +210,22 @@ FileProof CopyUnsynced(const fs::path& from, const fs::path& to, std::string nam
   };
   const platform::OpenFile file = platform::MakeUnique(to.parent_path() / ".", ".copy", made, error);
   require(error);
-  FileProof proof = ReadProved(from, std::move(name), [&](std::string_view piece) { require(platform::Write(file, piece)); });
+  fill([&](std::string_view piece) { require(platform::Write(file, piece)); });
+  platform::BeginWriting(file);
   require(platform::GiveToReaders(file, to.parent_path(), Readers::Group));
   require(platform::RenameToFree(made, to));
+}
+
+}  // namespace
+
+FileProof CopyUnsynced(const fs::path& from, const fs::path& to, std::string name) {
+  FileProof proof;
+  WriteUnsynced(to, [&](const auto& write) { proof = ReadProved(from, std::move(name), write); });
   return proof;
+}
+
+void CopyPlain(const fs::path& from, const fs::path& to) {
+  WriteUnsynced(to, [&](const auto& write) { ForEachPiece(from, write); });
 }
 
 std::string ProofText(const SetProof& proof) {

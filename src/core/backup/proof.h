@@ -1,6 +1,8 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
+#include <expected>
 #include <filesystem>
 #include <functional>
 #include <optional>
@@ -70,15 +72,25 @@ inline ContentProof ProveContent(const Session& session, const std::filesystem::
 TableProof ProveRows(Database& file, const std::string& table, const std::string& where = {},
                      const std::string& bound = {});
 
-/// Reads a whole file, piece by piece, each of which goes to `take` where there is one. Throws Failure.
+/// Reads a whole file, piece by piece. Throws Failure.
+void ForEachPiece(const std::filesystem::path& path, const std::function<void(std::string_view)>& take);
+/// The same; each piece goes to `take` where there is one.
 FileProof ReadProved(const std::filesystem::path& path, std::string name,
                      const std::function<void(std::string_view)>& take);
 FileProof ProveFile(const std::filesystem::path& path, std::string name);
+/// What these files of a folder are now, each or the cause why it cannot be read; in two threads. `goOn` hears how many
+/// are read.
+std::vector<std::expected<FileProof, std::string>> ProveFiles(const std::filesystem::path& folder,
+                                                              const std::vector<FileProof>& files,
+                                                              const std::function<void(std::size_t done)>& goOn);
 /// Writes a copy under a name that is free, synced to the disk, and tells what was read. A file of a plain kind only.
 FileProof CopyProved(const std::filesystem::path& from, const std::filesystem::path& to, std::string name);
 
-/// The same into a folder that is nobody's to see yet; whoever shows it syncs its files before (platform::SyncFiles).
+/// The same into a folder that is nobody's to see yet; whoever shows it syncs its files before (platform::SyncFiles). The
+/// disk begins to write at once.
 FileProof CopyUnsynced(const std::filesystem::path& from, const std::filesystem::path& to, std::string name);
+/// Without telling what was read.
+void CopyPlain(const std::filesystem::path& from, const std::filesystem::path& to);
 
 /// What stands in VERIFY.json of a backup set: what it held when it was made.
 struct SetProof {

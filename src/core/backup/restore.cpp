@@ -3,7 +3,9 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <map>
 #include <optional>
+#include <set>
 #include <system_error>
 #include <utility>
 
@@ -97,10 +99,11 @@ class KeptFiles {
 // in one step. One that is there already stays.
 class PlacedPhotos {
  public:
-  PlacedPhotos(const fs::path& current, fs::path kept)
+  PlacedPhotos(const fs::path& current, fs::path kept, const std::vector<FileProof>& known)
       : library_(current.parent_path() / kPhotoFolderOfSet),
         beside_(current.parent_path() / fmt::format(".{} photos", current.filename().string())),
         kept_(std::move(kept)) {
+    for (const FileProof& file : known) known_.emplace(fs::path(file.name).filename().string(), file);
     Clear();
   }
   ~PlacedPhotos() {
@@ -111,9 +114,10 @@ class PlacedPhotos {
   PlacedPhotos& operator=(const PlacedPhotos&) = delete;
 
   void Place(const std::vector<fs::path>& photos) {
+    const std::set<fs::path> there = ThoseThere(photos);
     std::vector<fs::path> written;
     for (const fs::path& photo : photos)
-      if (!IsThere(photo)) written.push_back(Write(photo));
+      if (!there.contains(photo)) written.push_back(Write(photo));
     if (written.empty()) return;
     FailOn(beside_, platform::SyncFiles(beside_, written));
     for (const fs::path& photo : written) {
@@ -154,18 +158,31 @@ class PlacedPhotos {
     fs::remove_all(beside_, error);
     FailOn(beside_, error);
   }
-  bool IsThere(const fs::path& photo) const {
-    const fs::path target = library_ / photo.filename();
-    std::error_code differs;
-    if (fs::file_size(target, differs) != fs::file_size(photo, differs) || differs) return false;
-    return ProveFile(target, "") == ProveFile(photo, "");
+  // Most photos of yesterday are those of today. What was read of a set while it was verified is not read again.
+  std::set<fs::path> ThoseThere(const std::vector<fs::path>& photos) const {
+    std::vector<fs::path> alike;
+    std::vector<FileProof> wanted;
+    for (const fs::path& photo : photos) {
+      const std::string name = photo.filename().string();
+      std::error_code differs;
+      if (fs::file_size(library_ / name, differs) != fs::file_size(photo, differs) || differs) continue;
+      const auto known = known_.find(name);
+      wanted.push_back(known != known_.end() ? known->second : ProveFile(photo, name));
+      wanted.back().name = name;
+      alike.push_back(photo);
+    }
+    std::set<fs::path> there;
+    const auto here = ProveFiles(library_, wanted, [](std::size_t) {});
+    for (std::size_t i = 0; i < alike.size(); ++i)
+      if (here[i] && *here[i] == wanted[i]) there.insert(alike[i]);
+    return there;
   }
   // Whose it is to read stays as it was.
   fs::path Write(const fs::path& photo) const {
     MakeFolder(library_);
     MakeFolder(beside_);
     const fs::path written = beside_ / photo.filename();
-    CopyUnsynced(photo, written, photo.filename().string());
+    CopyPlain(photo, written);
     if (const fs::path before = library_ / photo.filename(); Exists(before)) {
       std::error_code error;
       const platform::OpenFile file = platform::OpenExisting(written, platform::Opening::Write, error);
@@ -178,6 +195,7 @@ class PlacedPhotos {
   fs::path library_;
   fs::path beside_;
   fs::path kept_;
+  std::map<std::string, FileProof> known_;
   std::vector<fs::path> placed_;
 };
 
@@ -203,25 +221,27 @@ void MakeCurrent(const fs::path& copy, const fs::path& replaced) {
 void CopyBeside(FileBeside& place, const fs::path& source) {
   // Through the engine when something is left to play back; a set has nothing, and stays as it was proven.
   if (Exists(JournalOf(source))) ReadFileInfo(*Database::Open(source, OpenMode::Exclusive));
-  ReadProved(source, source.filename().string(), [&](std::string_view piece) { place.Write(piece); });
+  ForEachPiece(source, [&](std::string_view piece) { place.Write(piece); });
 }
 
 }  // namespace
 
 RestoredFiles PutDataFileBack(Session& session, const fs::path& source, const fs::path& sourcePhotos,
-                              const fs::path& current) {
+                              const fs::path& current, const std::vector<FileProof>& known) {
   RestoredFiles restored;
   const fs::path library = current.parent_path() / kPhotoFolderOfSet;
   std::error_code ignored;
   restored.hadPhotoFolder = fs::is_directory(sourcePhotos, ignored);
   const bool samePhotos = restored.hadPhotoFolder && fs::equivalent(sourcePhotos, library, ignored);
 
+  HoldIfItOpens(current);  // whoever works in it is told of before anything is copied
   FileBeside place(current, Readers::Group);
   CopyBeside(place, source);
   WorkBeside(place, [&] { MakeCurrent(place.Path(), current); });
+  const platform::OpenFile held = HoldIfItOpens(place.Target());
   const Placement placement(place.Path());
   KeptFiles kept(session, place.Target());
-  PlacedPhotos placed(place.Target(), kept.PhotoFolder());
+  PlacedPhotos placed(place.Target(), kept.PhotoFolder(), known);
   try {
     const std::vector<fs::path> photos = PhotosIn(sourcePhotos);
     for (const fs::path& photo : photos) restored.photos.push_back(photo.filename().string());

@@ -64,6 +64,12 @@ mode_t ModeOfNew(const fs::path& folder, Readers readers) {
   return 0666 & ~mask;
 }
 
+// Not every stick and network drive knows modes: there a file is as readable as all that stands on it.
+std::error_code ModeSet(int result) {
+  const bool known = errno != EPERM && errno != EOPNOTSUPP && errno != ENOSYS;
+  return result == 0 || !known ? std::error_code() : ErrorOf(errno);
+}
+
 std::int64_t Nanoseconds(const timespec& time) {
   return time.tv_sec * std::int64_t{1'000'000'000} + time.tv_nsec;
 }
@@ -228,6 +234,18 @@ std::error_code SyncFiles(const fs::path& folder, std::span<const fs::path>) {
   return error;
 }
 
+void BeginWriting(const OpenFile& file) {
+  ::sync_file_range(DescriptorOf(file), 0, 0, SYNC_FILE_RANGE_WRITE);
+}
+
+void ReadFromDisk(std::span<const fs::path> files) {
+  for (const fs::path& path : files) {
+    std::error_code ignored;
+    const OpenFile file = OpenExisting(path, Opening::Read, ignored);
+    if (file) ::posix_fadvise(DescriptorOf(file), 0, 0, POSIX_FADV_DONTNEED);
+  }
+}
+
 std::error_code KeepOwner(const OpenFile& file, const fs::path& before) {
   struct stat status {};
   if (::stat(before.c_str(), &status) != 0) return ErrorOf(errno);
@@ -236,17 +254,17 @@ std::error_code KeepOwner(const OpenFile& file, const fs::path& before) {
   // Without its group nobody may have more.
   if (::fchown(fd, status.st_uid, status.st_gid) != 0 && ::fchown(fd, static_cast<uid_t>(-1), status.st_gid) != 0)
     mode &= ~static_cast<mode_t>(06070);
-  return ::fchmod(fd, mode) == 0 ? std::error_code() : ErrorOf(errno);
+  return ModeSet(::fchmod(fd, mode));
 }
 
 std::error_code GiveToReaders(const OpenFile& file, const fs::path& folder, Readers readers) {
-  return ::fchmod(DescriptorOf(file), ModeOfNew(folder, readers)) == 0 ? std::error_code() : ErrorOf(errno);
+  return ModeSet(::fchmod(DescriptorOf(file), ModeOfNew(folder, readers)));
 }
 
 std::error_code ShareFolder(const fs::path& folder) {
   struct stat above {};
   if (HandedOn(FolderOf(folder)) == 0 || ::stat(FolderOf(folder).c_str(), &above) != 0) return {};
-  return ::chmod(folder.c_str(), above.st_mode & 07777) == 0 ? std::error_code() : ErrorOf(errno);
+  return ModeSet(::chmod(folder.c_str(), above.st_mode & 07777));
 }
 
 std::error_code Replace(const fs::path& from, const fs::path& to) {

@@ -4,6 +4,7 @@
 
 #include <system_error>
 
+#include "core/backup/kept_folder.h"
 #include "core/base/files.h"
 #include "core/base/progress_run.h"
 #include "core/base/text.h"
@@ -25,6 +26,7 @@ namespace fs = std::filesystem;
 namespace {
 
 constexpr std::string_view kRestoreTitle = "Restore Data File";
+constexpr std::int64_t kNanoseconds = 1'000'000'000;  // of a second
 
 DateTime DaysAfter(const DateTime& day, int days) {
   return DateTime::FromDayNumber(day.DayNumber() + days);
@@ -95,8 +97,7 @@ Result<SetCheck> CheckSource(Session& session, const fs::path& source) {
 }
 
 // What stands in the place now, in words; it may be damaged, since that is what restores are for.
-std::string PresentText(Session& session) {
-  const fs::path current = session.DataFileName;
+std::string PresentText(Session& session, const fs::path& current) {
   std::error_code ignored;
   if (!fs::exists(current, ignored)) return fmt::format("{}, which is not there.", current.string());
   try {
@@ -108,13 +109,14 @@ std::string PresentText(Session& session) {
       const DatabaseCounts counts = CountRows(file, name);
       content.databases.push_back({name, counts.basics, counts.formulas, counts.batches});
     }
-    return current.string() + ContentText(content);
+    const DateTime changed = LocalOf(FromSecondNumber(platform::StateOf(current, ignored).modified / kNanoseconds));
+    return fmt::format("{}, last changed {}{}", current.string(), changed.ToText(), ContentText(content));
   } catch (const Failure& failure) {
     return fmt::format("{}, which cannot be read: {}.", current.string(), failure.cause);
   }
 }
 
-Result<void> AskForRestore(Session& session, const SetCheck& check) {
+Result<void> AskForRestore(Session& session, const SetCheck& check, const fs::path& place) {
   Prompt& prompt = session.prompt;
   const fs::path& source = check.set.dataFile;
   if (!check.faults.empty() &&
@@ -134,7 +136,7 @@ Result<void> AskForRestore(Session& session, const SetCheck& check) {
   if (!prompt.Ask(std::string(kRestoreTitle),
                   fmt::format("This replaces\n  {}\nby the backup{}\n  {}{}\n\nWhat is replaced is kept in a folder "
                               "beside it. Restore now?",
-                              PresentText(session), made, source.string(), ContentText(check.content)),
+                              PresentText(session, place), made, source.string(), ContentText(check.content)),
                   Answer::No))
     return Decline(std::string(kRestoreTitle));
   return {};
@@ -143,7 +145,7 @@ Result<void> AskForRestore(Session& session, const SetCheck& check) {
 // A source of an older version is brought up to date on a copy: the set stays as it was proven.
 class UsableSource {
  public:
-  explicit UsableSource(const fs::path& source) : source_(source), path_(source) {}
+  UsableSource(const fs::path& source, const fs::path& place) : source_(source), place_(RealPath(place)), path_(source) {}
   ~UsableSource() {
     std::error_code ignored;
     if (!folder_.empty()) fs::remove_all(folder_, ignored);
@@ -164,7 +166,7 @@ class UsableSource {
 
  private:
   Result<void> Update(Session& session) {
-    CopyBeside(session);
+    CopyBeside();
     try {
       auto updated = UpdateDataFile(session, {.source = path_});
       if (!updated) return std::unexpected(updated.error());
@@ -176,10 +178,8 @@ class UsableSource {
     }
   }
 
-  void CopyBeside(const Session& session) {
-    const fs::path current =
-        session.DataFileName.empty() ? session.ProgramFolder / kDefaultDataFile : RealPath(session.DataFileName);
-    folder_ = current.parent_path() / fmt::format(".{} before upgrade", current.filename().string());
+  void CopyBeside() {
+    folder_ = place_.parent_path() / fmt::format(".{} before upgrade", place_.filename().string());
     std::error_code error;
     fs::remove_all(folder_, error);  // of a killed process
     if (error) throw Failure(folder_.string(), error.message());
@@ -190,6 +190,7 @@ class UsableSource {
   }
 
   fs::path source_;
+  fs::path place_;
   fs::path path_;
   fs::path folder_;
   std::optional<UpgradeReport> updated_;
@@ -220,14 +221,65 @@ std::string UpdatedText(const UpgradeReport& report) {
   return text + (report.text.empty() ? "\nThe report could not be kept." : fmt::format("\nThe report is kept in\n{}", report.text.string()));
 }
 
-// The place to restore to where no Data File is known or the known one is gone.
-void ChoosePlace(Session& session) {
-  if (!session.DataFileName.empty()) return;
-  fs::path place = session.ProgramFolder / kDefaultDataFile;
+// What was restored stands; what fails from here on is told with it.
+class Finish {
+ public:
+  explicit Finish(RestoredDataFile& restored) : restored_(restored) {}
+  template <typename Work>
+  void operator()(Work work) {
+    try {
+      work();
+    } catch (const Failure& failure) {
+      restored_.notes.push_back(fmt::format("{}: {}.", failure.subject, failure.cause));
+    }
+  }
+
+ private:
+  RestoredDataFile& restored_;
+};
+
+std::string RestoredText(const RestoredDataFile& restored) {
+  std::string text = "Restore Completed Successfully!";
+  if (restored.updated) text += UpdatedText(*restored.updated);
+  for (const std::string& note : restored.notes) text += "\n\n" + note;
+  if (!restored.since.empty())
+    text += fmt::format("\n\nWhat had been made since that backup is not in this file any more:{}\n\nThe file that holds "
+                        "it is kept in\n{}",
+                        MadeSinceText(restored.since), restored.kept.string());
+  return text;
+}
+
+// The copy has its place: it is remembered, opened, and what it replaced is looked through.
+void OpenRestored(Session& session, const fs::path& source, RestoreFrom from, OpeningWindows& windows,
+                  RestoredDataFile& restored) {
+  Finish finish(restored);
+  finish([&] {
+    if (from == RestoreFrom::Location)
+      StoreSettings(session, {setting::BackupRestoreFileLocation.To(source.parent_path().string())});
+    if (from == RestoreFrom::Cloud) NoteCloudRestore(session);
+  });
+  StoreDefaultDataFile(session, session.DataFileName);
+  const fs::path file = RealPath(session.DataFileName);
+  if (restored.updated) KeepReport(*restored.updated, source, file);
+  OpenDataFile(session, windows);
+  finish([&] { RemovePhotosOfNobody(session, restored); });
+  finish([&] {
+    if (!restored.hadPhotoFolder && !PhotosIn(file.parent_path() / kPhotoFolderOfSet).empty())
+      restored.notes.emplace_back("No photos came with the backup. Those that are here stay as they are.");
+  });
+  finish([&] {
+    if (session.DataFileDB && !restored.kept.empty())
+      restored.since = MadeSinceThen(restored.kept / file.filename(), session.File());
+  });
+}
+
+// Where it is restored to: over the known Data File, also where that is lost, but not into a folder that is gone with it.
+fs::path PlaceToRestore(const Session& session) {
+  const fs::path known = session.DataFileName;
   std::error_code ignored;
-  if (fs::exists(place, ignored)) place = NextFreeName(place);
-  MakeFolder(session.ProgramFolder);
-  session.DataFileName = place.string();
+  if (!known.empty() && fs::is_directory(RealPath(known).parent_path(), ignored)) return known;
+  const fs::path place = session.ProgramFolder / kDefaultDataFile;
+  return fs::exists(place, ignored) ? NextFreeName(place) : place;
 }
 
 }  // namespace
@@ -237,12 +289,17 @@ Result<BackupSet> BackUpToFolder(Session& session, const fs::path& folder) {
   if (auto writable = RequireWritable(session); !writable) return std::unexpected(writable.error());
   const fs::path file = session.DataFileName;
   BackupSet set = WithFileClosed(session, [&] { return MakeBackupSet(session, file, folder); });
-  BackupDates dates = ReadBackupDates(session.File());
-  dates.LastBackupDate = session.clock.Today();
-  dates.DayBeforeNextBackupDate = DaysAfter(session.clock.Today(), dates.DaysToRemindBackup);
-  StoreBackupDates(session.File(), dates);
-  StoreSettings(session, {setting::BackupRestoreFileLocation.To(folder.string())});
-  session.prompt.Tell("Backup Complete", "Backup Completed Successfully!");
+  std::string text = "Backup Completed Successfully!";
+  try {
+    BackupDates dates = ReadBackupDates(session.File());
+    dates.LastBackupDate = session.clock.Today();
+    dates.DayBeforeNextBackupDate = DaysAfter(session.clock.Today(), dates.DaysToRemindBackup);
+    StoreBackupDates(session.File(), dates);
+    StoreSettings(session, {setting::BackupRestoreFileLocation.To(folder.string())});
+  } catch (const Failure& failure) {
+    text += fmt::format("\n\nIts day or its folder could not be stored: {}: {}.", failure.subject, failure.cause);
+  }
+  session.prompt.Tell("Backup Complete", text);
   return set;
 }
 
@@ -276,46 +333,35 @@ Result<RestoredDataFile> RestoreDataFile(Session& session, const fs::path& typed
   if (!session.DataFileName.empty() && fs::equivalent(source, session.DataFileName, ignored))
     return Refuse("Restore Error",
                   "Current data file and choosen file are the same!\nPlease select another file.", "PATH");
+  const fs::path place = PlaceToRestore(session);
+  if (!session.DataFileDB) HoldIfItOpens(place);  // whoever works in it is told of before a question is asked
   auto check = CheckSource(session, source);
   if (!check) return std::unexpected(check.error());
-  UsableSource usable(source);
+  UsableSource usable(source, place);
   if (auto prepared = usable.Prepare(session, windows); !prepared) return std::unexpected(prepared.error());
   if (usable.Updated()) {
     check->content = ProveContent(session, usable.Path());
     check->faults.insert(check->faults.end(), check->content.faults.begin(), check->content.faults.end());
   }
-  if (auto asked = AskForRestore(session, *check); !asked) return std::unexpected(asked.error());
+  if (auto asked = AskForRestore(session, *check, place); !asked) return std::unexpected(asked.error());
 
   PreviousFile previous(session, windows);
   RestoredDataFile restored;
   try {
     if (session.DataFileOpen) CloseDataFile(session, windows);
-    ChoosePlace(session);
+    session.DataFileName = place.string();
+    MakeFolder(RealPath(place).parent_path());
     const ProgressRun progress(session.progress, "Restoring Data File ...");
-    static_cast<RestoredFiles&>(restored) = PutDataFileBack(
-        session, usable.Path(), source.parent_path() / kPhotoFolderOfSet, RealPath(session.DataFileName));
+    static_cast<RestoredFiles&>(restored) =
+        PutDataFileBack(session, usable.Path(), source.parent_path() / kPhotoFolderOfSet, RealPath(place),
+                        check->set.proof ? check->set.proof->files : std::vector<FileProof>());
   } catch (...) {
     previous.Return();
     throw;
   }
-  if (from == RestoreFrom::Location)
-    StoreSettings(session, {setting::BackupRestoreFileLocation.To(source.parent_path().string())});
-  if (from == RestoreFrom::Cloud) NoteCloudRestore(session);
-  StoreDefaultDataFile(session, session.DataFileName);
   restored.updated = std::move(usable.Updated());
-  if (restored.updated) KeepReport(*restored.updated, source, RealPath(session.DataFileName));
-  OpenDataFile(session, windows);
-  RemovePhotosOfNobody(session, restored);
-  std::string text = "Restore Completed Successfully!";
-  if (restored.updated) text += UpdatedText(*restored.updated);
-  if (session.DataFileDB && !restored.kept.empty()) {
-    restored.since = MadeSinceThen(restored.kept / fs::path(session.DataFileName).filename(), session.File());
-    if (!restored.since.empty())
-      text += fmt::format("\n\nWhat had been made since that backup is not in this file any more:{}\n\nThe file that holds "
-                          "it is kept in\n{}",
-                          MadeSinceText(restored.since), restored.kept.string());
-  }
-  session.prompt.Tell("Restore Complete", text);
+  OpenRestored(session, source, from, windows, restored);
+  session.prompt.Tell("Restore Complete", RestoredText(restored));
   return restored;
 }
 

@@ -3,6 +3,7 @@
 #include <filesystem>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "core/backup/backup_set.h"
 #include "core/backup/restore.h"
@@ -38,11 +39,14 @@ void StoreReminderAnswer(Session& session, const ReminderAnswer& answer);
 struct RestoredDataFile : RestoredFiles {
   /// What was done to a backup of an older version, or of an earlier program. The report is kept beside the Data File.
   std::optional<UpgradeReport> updated;
+  std::vector<std::string> notes;  ///< what did not come with it, and what failed once it had its place
 };
 
 /// Puts a Data File back over the session's own, after verifying it and asking, with what it would replace by what. One
 /// of an older version is brought up to date on a copy: the backup stays as it was proven. The file that was there, and
-/// its photos, are kept in a folder beside. The restored file is opened, with login.
+/// its photos, are kept in a folder beside. The restored file is opened, with login. One that is lost comes back to its
+/// place; where its folder is gone too, or none was known, under the next free name of the default one. A Failure where
+/// another process works in the file.
 Result<RestoredDataFile> RestoreDataFile(Session& session, const std::filesystem::path& source, RestoreFrom from,
                                       OpeningWindows& windows);
 

@@ -4,6 +4,7 @@
 
 #include <fstream>
 
+#include "core/backup/failed_backup.h"
 #include "core/base/files.h"
 #include "support/data_files.h"
 
@@ -290,9 +291,21 @@ TEST_F(BackupSets, TheClosingBacksUpWhatIsAFileOfItsOwn) {
 
   fs::remove_all(target);
   Write(target, "a file in the place of the folder");
+  room.session.BackupsFolder = room.folder / "VKDat" / "Backups";
+  EXPECT_FALSE(LastFailedBackup(room.session, file));
   room.prompt.Expect("Backup");
   EXPECT_FALSE(closing(file));
   EXPECT_NE(room.prompt.last.text.find(target.string()), std::string::npos) << room.prompt.last.text;
+  const auto failed = LastFailedBackup(room.session, file);
+  ASSERT_TRUE(failed);
+  EXPECT_EQ(failed->when, room.clock.Now());
+  EXPECT_TRUE(failed->cause.starts_with(target.string())) << failed->cause;
+  EXPECT_FALSE(LastFailedBackup(room.session, room.folder / "Seen.vkd")) << "of another file";
+  // Where the note cannot be written that is told too.
+  room.session.BackupsFolder = file / "Backups";
+  room.prompt.Expect("Backup");
+  EXPECT_FALSE(closing(file));
+  EXPECT_NE(room.prompt.last.text.find("The start page will not tell of it"), std::string::npos) << room.prompt.last.text;
 }
 
 }  // namespace

@@ -11,6 +11,7 @@
 #include "core/shell/settings_restore.h"
 #include "support/data_files.h"
 #include "support/old_files.h"
+#include "support/plain_stick.h"
 
 namespace vellumark {
 namespace {
@@ -100,6 +101,7 @@ TEST_F(Backups, RestoreGivesBackThatDayAndKeepsThePresent) {
   EXPECT_TRUE(Restore(set.dataFile).error().declined);
   EXPECT_NE(room.prompt.last.text.find("INK: 2 basics"), std::string::npos) << room.prompt.last.text;
   EXPECT_NE(room.prompt.last.text.find("INK: 1 basics"), std::string::npos) << room.prompt.last.text;
+  EXPECT_NE(room.prompt.last.text.find(file.string() + ", last changed 20"), std::string::npos) << room.prompt.last.text;
   EXPECT_EQ(Colors(), "BLUE RED ");
 
   ExpectRestored();
@@ -110,6 +112,7 @@ TEST_F(Backups, RestoreGivesBackThatDayAndKeepsThePresent) {
   EXPECT_EQ(ReadFileBytes(photos / "red.jpg"), "red");
   EXPECT_FALSE(fs::exists(photos / "blue.jpg")) << "a photo that no Data File names";
   EXPECT_TRUE(fs::exists(photos / "shared.jpg"));
+  EXPECT_FALSE(ReadBackupDates(room.session.File()).DayBeforeNextBackupDate) << "as the set had it";
   // Numbers on paper are not handed out twice.
   EXPECT_EQ(room.session.BatchNumber, 42);
   EXPECT_EQ(room.session.ItemNumber, 9);
@@ -208,6 +211,11 @@ TEST_F(Backups, AnOlderSetIsBroughtUpToDateOnACopy) {
 
 TEST_F(Backups, TheSourceIsLookedAtFirst) {
   room.folder.Breaks("Structure");
+  room.MakeFile(room.folder / "Copy130.vkd", 130);
+  room.folder.Breaks("FileInfo");
+  room.prompt.Expect("Data File");
+  EXPECT_TRUE(Restore(room.folder / "Copy130.vkd").error().declined);
+  EXPECT_NE(room.prompt.last.text.find("has a file version of: 130"), std::string::npos) << room.prompt.last.text;
   const BackupSet set = Make();
   EXPECT_EQ(Restore(file).error().text,
             "Current data file and choosen file are the same!\nPlease select another file.");
@@ -241,7 +249,102 @@ TEST_F(Backups, ADamagedOrLostFileAndItsJournalGiveWay) {
   fs::remove(file);
   ExpectRestored();
   ASSERT_TRUE(Restore(set.dataFile));
+  EXPECT_EQ(room.session.DataFileName, file.string());
   EXPECT_EQ(Colors(), "RED ");
+
+  // With the drive that it was on.
+  for (const char* name : {"Vellumark Data.vkd", "Vellumark Data(1).vkd"}) {
+    CloseDataFile(room.session, room.windows);
+    room.session.DataFileName = room.folder / "Gone" / "Ink.vkd";
+    ExpectRestored();
+    ASSERT_TRUE(Restore(set.dataFile));
+    EXPECT_EQ(room.session.DataFileName, (room.folder / "Program" / name).string());
+    EXPECT_EQ(Colors(), "RED ");
+    EXPECT_FALSE(fs::exists(room.folder / "Gone"));
+  }
+}
+
+TEST_F(Backups, AFileThatAnotherProcessWorksInIsNotReplaced) {
+  const BackupSet set = Make();
+  CloseDataFile(room.session, room.windows);
+  const std::string bytes = ReadFileBytes(file);
+  const auto cause = [](const std::function<void()>& act) -> std::string {
+    try {
+      act();
+    } catch (const Failure& failure) {
+      return failure.cause;
+    }
+    return "nothing failed";
+  };
+  {
+    const test::HeldFile held(file);
+    EXPECT_EQ(cause([&] { (void)Restore(set.dataFile); }), "is in use by another process") << "and nothing was asked";
+    EXPECT_EQ(cause([&] { PutDataFileBack(room.session, set.dataFile, set.folder / "DesignPhotos", file); }),
+              "is in use by another process");
+  }
+  EXPECT_TRUE(ReadFileBytes(file) == bytes);
+  for (const auto& entry : fs::directory_iterator(room.folder.Path())) {
+    const std::string name = entry.path().filename().string();
+    EXPECT_FALSE(name.starts_with('.') || name.starts_with("Before Restore")) << name;
+  }
+  // Nor does anybody come in while a backup is copied.
+  struct Watching final : Progress {
+    void Begin(std::string_view) override {}
+    void Percent(double) override {
+      try {
+        Database::Open(watched, OpenMode::Exclusive);
+      } catch (const Failure&) {
+        ++keptOut;
+        return;
+      }
+      ADD_FAILURE() << "opened while it is copied";
+    }
+    fs::path watched;
+    int keptOut = 0;
+  } watching;
+  watching.watched = file;
+  Session copying(room.prompt, watching, room.clock);
+  copying.support = std::make_unique<SupportFiles>(room.folder / "VKDat");
+  MakeBackupSet(copying, file, stick);
+  EXPECT_GT(watching.keptOut, 2);
+}
+
+TEST_F(Backups, AStickWithoutOwnersAndModesTakesThemAndGivesThemBack) {
+  const BackupSet before = Make();
+  Add("BLUE");
+  Write(photos / "red.jpg", "red, later");
+  CloseDataFile(room.session, room.windows);
+  EXPECT_EQ(test::OnPlainStick([&] {
+              if (!VerifySet(room.session, MakeBackupSet(room.session, file, stick)).faults.empty()) return 1;
+              const RestoredFiles restored =
+                  PutDataFileBack(room.session, before.dataFile, before.folder / "DesignPhotos", file);
+              return ReadFileBytes(restored.kept / "DesignPhotos" / "red.jpg") == "red, later" ? 0 : 2;
+            }),
+            0);
+  EXPECT_EQ(ListSets(stick).size(), 2U);
+  OpenDataFile(room.session, room.windows);
+  EXPECT_EQ(Colors(), "RED ");
+  EXPECT_EQ(ReadFileBytes(photos / "red.jpg"), "red");
+}
+
+// Once it has its place it is opened, and the rest is told.
+TEST_F(Backups, WhatFailsBehindTheLastStepOfARestoreIsTold) {
+  const BackupSet set = Make();
+  fs::create_directories(room.folder / "Alone");
+  fs::copy_file(set.dataFile, room.folder / "Alone" / "Ink.vkd");
+  Add("BLUE");
+  const test::WithoutRoot plain(room.folder.Path());
+  fs::permissions(room.folder / "VKDat", fs::perms::owner_read | fs::perms::owner_exec);
+  room.prompt.Expect("Restore Data File", Answer::Yes).Expect("Data File").Expect("Restore Complete");
+  const auto restored = Restore(room.folder / "Alone" / "Ink.vkd");
+  fs::permissions(room.folder / "VKDat", fs::perms::owner_all);
+  ASSERT_TRUE(restored);
+  EXPECT_EQ(Colors(), "RED ");
+  ASSERT_EQ(restored->notes.size(), 2U);
+  EXPECT_TRUE(restored->notes[0].starts_with(room.session.support->settings.Path().string())) << restored->notes[0];
+  EXPECT_EQ(restored->notes[1], "No photos came with the backup. Those that are here stay as they are.");
+  EXPECT_TRUE(fs::exists(photos / "red.jpg"));
+  for (const std::string& note : restored->notes) EXPECT_NE(room.prompt.last.text.find(note), std::string::npos);
 }
 
 TEST_F(Backups, AnArchiveCopyBecomesAPlainFileAndOnlyPlainOnesAreBackedUp) {
@@ -340,6 +443,11 @@ TEST_F(Backups, SupportFilesComeBackAndTheDataFileStays) {
   EXPECT_TRUE(Restore(set.dataFile).error().declined);
 
   EXPECT_EQ(RestoreSupportFiles(session, room.folder / "Gone").error().title, "Select a Support File");
+  CloseDataFile(session, room.windows);
+  session.DataFileName = room.folder / "Gone.vkd";
+  room.prompt.Expect("Restore Unit", Answer::No).Expect("Restore Complete");
+  ASSERT_TRUE(RestoreSupportFiles(session, set.folder / "SUV_Files"));
+  EXPECT_EQ(GetSetting(session, setting::DbFileName50), (room.folder / "Program" / "Vellumark Data.vkd").string());
 }
 
 // Those of an older version climb on a copy, the scale file with them.

@@ -4,7 +4,9 @@
 #include <QPushButton>
 #include <QTabWidget>
 #include <QTreeWidget>
+#include <algorithm>
 
+#include "core/backup/backup_days.h"
 #include "core/backup/backup_set.h"
 #include "core/base/files.h"
 #include "core/datafile/databases.h"
@@ -16,6 +18,7 @@
 #include "desktop/kit/grid.h"
 #include "support/data_files.h"
 #include "support/desktop.h"
+#include "support/old_files.h"
 
 namespace vellumark::test {
 namespace {
@@ -105,6 +108,57 @@ TEST_F(BackupWindows, TheAutomaticBackupsAreListedVerifiedAndRestored) {
     Click(form, "cmdContinue");
   });
   EXPECT_EQ(Colors(), 1);
+}
+
+// A set of years ago, from the stick and from the list of days: it comes back up to date, and stays as it was proven.
+TEST_F(BackupWindows, AnOlderSetIsBroughtUpToDateAndStaysAsItIs) {
+  OldRoom old = MakeOldRoom(20);
+  old.users = false;
+  const fs::path before = folder / "Years" / "Old.vkd";
+  fs::create_directories(before.parent_path());
+  WriteOldFile(before, OldTables(old, 28, 0));
+  clock.Set({2019, 3, 10, 17, 0, 0});
+  for (const fs::path& place : {stick, folder / "Auto Backup"}) ASSERT_TRUE(MakeBackupSet(session, before, place).proof);
+  for (const char* name : {"RestoreFileLocationForm", "RestoreAutomaticForm"}) {
+    SCOPED_TRACE(name);
+    const bool listed = name == std::string_view("RestoreAutomaticForm");
+    clock.Set({2026, 3, 10, listed ? 11 : 9, 0, 0});
+    const BackupSet set = ListSets(listed ? folder / "Auto Backup" : stick).front();
+    const std::string bytes = ReadFileBytes(set.dataFile);
+    answer = set.dataFile;
+    prompt.Expect("Lotted Inventory", Answer::No).Expect("Restore Data File", Answer::Yes).Expect("Restore Complete");
+    Run(name, [&](QWidget& form) {
+      if (listed) {
+        auto& sets = Control<QTreeWidget>(form, "lstSets");
+        const auto items = sets.findItems("Old.vkd", Qt::MatchExactly, 1);
+        ASSERT_GE(items.size(), 1);
+        EXPECT_EQ(items.front()->text(4), "proven");
+        EXPECT_EQ(items.front()->text(3), "20");
+        Picture(form, "backup-RestoreAutomaticForm-older", {});
+        sets.setCurrentItem(items.back());
+      }
+      Click(form, "cmdContinue");
+    });
+    EXPECT_NE(prompt.last.text.find("The backup had the file version 28 and was brought up to version 40 on a copy; it is as it was."),
+              std::string::npos)
+        << prompt.last.text;
+    EXPECT_EQ(session.DataFileName, file.string());
+    EXPECT_EQ(ReadFileInfo(session.File()).fileVersion, kFileVersion);
+    const OldDatabase& database = old.databases.front();
+    EXPECT_EQ(CountRows(session.File(), database.name).formulas, std::ssize(database.formulas));
+    EXPECT_TRUE(fs::exists(folder / "Ink Update Report.txt"));
+    EXPECT_TRUE(ReadFileBytes(set.dataFile) == bytes);
+    EXPECT_TRUE(VerifySet(session, *ReadSet(set.folder)).faults.empty());
+    // The day before is there again for the next one.
+    const BackupDays days = DaysToGoBackTo(session);
+    const auto kept = std::ranges::find(days.days, std::string("Before a restore"), &BackupDay::place);
+    ASSERT_NE(kept, days.days.end());
+    clock.Set({2026, 3, 10, listed ? 12 : 10, 0, 0});
+    prompt.Expect("Restore Data File", Answer::Yes).Expect("Restore Complete");
+    ASSERT_TRUE(RestoreDataFile(session, kept->set.dataFile, RestoreFrom::Automatic, windows));
+    EXPECT_EQ(Colors(), 1);
+    fs::remove(folder / "Ink Update Report.txt");
+  }
 }
 
 TEST_F(BackupWindows, OneFormulaIsTakenBackOutOfADay) {
