@@ -88,6 +88,7 @@ StartPage::StartPage(WindowList& windowList, QWidget* parent, std::function<void
   heading_->setFont(large);
   facts_ = new QLabel(column);
   facts_->setObjectName("lblStartFacts");
+  facts_->setWordWrap(true);  // what failed of a backup may take more words than a line
   const auto button = [&](const char* name, const QString& icon, const QString& text) {
     auto* made = new QPushButton(Icon(icon), text, column);
     made->setObjectName(name);

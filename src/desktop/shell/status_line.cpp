@@ -6,6 +6,7 @@
 #include <algorithm>
 
 #include "core/backup/backup_set.h"
+#include "core/backup/failed_backup.h"
 #include "core/base/units.h"
 #include "core/cloud/cloud_settings.h"
 #include "core/shell/undo.h"
@@ -16,26 +17,37 @@ namespace vellumark::desktop {
 namespace {
 
 constexpr int kMessageStays = 10000;  // milliseconds
+constexpr int kBackupWidth = 480;
 
 }  // namespace
 
 namespace {
 
-QString TimeOf(const BackupSet& set) {
-  const DateTime& made = set.made;
+QString TimeOf(const DateTime& made) {
   const QDateTime time(QDate(made.year, made.month, made.day), QTime(made.hour, made.minute, made.second));
   return QLocale().toString(time, QLocale::ShortFormat);
 }
 
 // ", 3 days ago"; nothing of today.
-QString AgeOf(const Session& session, const BackupSet& set) {
-  const std::int64_t days = session.clock.Today().DayNumber() - set.made.DayNumber();
+QString AgeOf(const Session& session, const DateTime& made) {
+  const std::int64_t days = session.clock.Today().DayNumber() - made.DayNumber();
   if (days <= 0) return {};
   return days == 1 ? StatusLine::tr(", yesterday") : StatusLine::tr(", %1 days ago").arg(days);
 }
 
 bool IsProven(const BackupSet& set) {
   return set.proof && set.proof->content.Sound();
+}
+
+// What is wrong with it too: the first fault, and how many there are besides.
+QString SetText(const Session& session, const BackupSet& set) {
+  const QString when = TimeOf(set.made) + AgeOf(session, set.made);
+  if (!set.proof) return StatusLine::tr("Automatic backup of %1, not proven").arg(when);
+  const std::vector<std::string>& faults = set.proof->content.faults;
+  if (faults.empty()) return StatusLine::tr("Automatic backup of %1, proven").arg(when);
+  const QString first = faults.size() == 1 ? Q(faults.front())
+                                           : StatusLine::tr("%1 and %2 more").arg(Q(faults.front())).arg(faults.size() - 1);
+  return StatusLine::tr("Automatic backup of %1: the Data File has faults (%2)").arg(when, first);
 }
 
 }  // namespace
@@ -49,15 +61,16 @@ QString BackupText(const Session& session) {
     return StatusLine::tr("The automatic backups cannot be read: %1").arg(Q(failure.cause));
   }
   std::erase_if(sets, [&](const BackupSet& set) { return set.dataFile.filename() != file.filename(); });
-  if (sets.empty()) return StatusLine::tr("No automatic backup yet: one is made when the program closes");
-  const BackupSet& last = sets.back();
-  const QString when = TimeOf(last) + AgeOf(session, last);
-  if (IsProven(last)) return StatusLine::tr("Automatic backup of %1, proven").arg(when);
-  const QString text = last.proof ? StatusLine::tr("Automatic backup of %1: the Data File has faults").arg(when)
-                                  : StatusLine::tr("Automatic backup of %1, not proven").arg(when);
+  const auto failed = LastFailedBackup(session, file);
+  const bool failedLast = failed && (sets.empty() || sets.back().made < failed->when);
+  if (sets.empty() && !failedLast) return StatusLine::tr("No automatic backup yet: one is made when the program closes");
+  const QString last = failedLast ? StatusLine::tr("The automatic backup of %1 failed (%2)")
+                                        .arg(TimeOf(failed->when) + AgeOf(session, failed->when), Q(failed->cause))
+                                  : SetText(session, sets.back());
+  if (!failedLast && IsProven(sets.back())) return last;
   const auto proven = std::find_if(sets.rbegin(), sets.rend(), IsProven);
-  if (proven == sets.rend()) return StatusLine::tr("%1; none is proven").arg(text);
-  return StatusLine::tr("%1; the last proven one is of %2").arg(text, TimeOf(*proven) + AgeOf(session, *proven));
+  if (proven == sets.rend()) return StatusLine::tr("%1; none is proven").arg(last);
+  return StatusLine::tr("%1; the last proven one is of %2").arg(last, TimeOf(proven->made) + AgeOf(session, proven->made));
 }
 
 QString CloudBackupText(const Session& session) {
@@ -105,9 +118,12 @@ void StatusLine::Refresh() {
   database_->setText(Q(session_.CurrentDatabase));
   unit_->setText(Q(UnitName(session_.UMI)));
   lots_->setText(session_.InvLotTracking != 0 ? tr("Lots") : tr("No lots"));
-  backup_->setText(!open                  ? QString()
-                   : session_.ArchiveView ? tr("Archive or backup copy, to be looked at only")
-                                          : BackupText(session_));
+  const QString backup = !open                  ? QString()
+                         : session_.ArchiveView ? tr("Archive or backup copy, to be looked at only")
+                                                : BackupText(session_);
+  // What failed may take more words than there is room for.
+  backup_->setText(backup_->fontMetrics().elidedText(backup, Qt::ElideRight, kBackupWidth));
+  backup_->setToolTip(backup_->text() == backup ? tr("Last automatic backup") : backup);
   for (QLabel* part : {database_, unit_, lots_, backup_}) part->setVisible(open);
 }
 

@@ -15,6 +15,7 @@
 #include <filesystem>
 
 #include "core/backup/backup_set.h"
+#include "core/backup/failed_backup.h"
 #include "core/base/files.h"
 #include "core/datafile/databases.h"
 #include "core/datafile/lifecycle.h"
@@ -308,9 +309,19 @@ TEST(BackupLine, ALaterSetWithFaultsHidesNotTheLastProvenOne) {
   EXPECT_TRUE(back(9).endsWith(", 3 days ago, proven"));
   Database::Open(file, OpenMode::Exclusive)->Execute("INSERT INTO INK_Basic (Color_Name) VALUES ('RED'), ('red')");
   const QString text = back(11);
-  EXPECT_NE(text.indexOf(", yesterday: the Data File has faults; the last proven one is of "), -1)
-      << text.toStdString();
+  EXPECT_NE(text.indexOf(", yesterday: the Data File has faults (INK_Basic, row 2 (red): "), -1) << text.toStdString();
+  EXPECT_NE(text.indexOf("); the last proven one is of "), -1) << text.toStdString();
   EXPECT_TRUE(text.endsWith(", 3 days ago")) << text.toStdString();
+  // One that failed is told until a younger one stands.
+  room.clock.Set({2026, 3, 11, 18, 0, 0});
+  NoteFailedBackup(room.session, file, "/stick: No space left on device");
+  room.clock.Set({2026, 3, 12, 9, 0, 0});
+  const QString failed = BackupText(room.session);
+  EXPECT_TRUE(failed.startsWith("The automatic backup of ")) << failed.toStdString();
+  EXPECT_NE(failed.indexOf(", yesterday failed (/stick: No space left on device); the last proven one is of "), -1)
+      << failed.toStdString();
+  Database::Open(file, OpenMode::Exclusive)->Execute("DELETE FROM INK_Basic WHERE Color_Name = 'red' AND RowKey > 1");
+  EXPECT_TRUE(back(12).endsWith(", proven"));
 }
 
 }  // namespace
