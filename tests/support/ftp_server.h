@@ -134,7 +134,7 @@ class FtpServer {
     return true;
   }
   static int FreePort() {
-    static int next = 20000 + static_cast<int>(::getpid() * 131 % 12000);
+    static int next = 20000 + ::getpid() * 131 % 12000;
     for (int tries = 0; tries < 500; ++tries, next += kPassivePorts + 1) {
       if (next > 32000) next = 20000;
       if (AllFree(next)) return std::exchange(next, next + kPassivePorts + 1);
