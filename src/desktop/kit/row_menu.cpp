@@ -55,11 +55,11 @@ void AddRowActions(WindowList& windows, QMenu& menu, const std::vector<RowTarget
 
 void CopyRows(Grid& grid) {
   QString text;
-  for (const int row : grid.ShownRows()) {
-    if (!grid.View().selectionModel()->isRowSelected(grid.Model().ShownRow(row))) continue;
+  for (int shown = 0; shown < grid.Model().rowCount(); ++shown) {
+    if (!grid.View().selectionModel()->isRowSelected(shown)) continue;
     QStringList cells;
     for (const int column : grid.ShownColumns())
-      cells << Q(grid.Model().Source()->Text(row, column)).replace('\t', ' ').replace('\n', ' ');
+      cells << Q(grid.Model().Source()->Text(grid.Model().SourceRow(shown), column)).replace('\t', ' ').replace('\n', ' ');
     text += cells.join('\t') + '\n';
   }
   if (!text.isEmpty()) QApplication::clipboard()->setText(text);
