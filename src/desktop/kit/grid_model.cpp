@@ -1,20 +1,25 @@
 #include "desktop/kit/grid_model.h"
 
 #include <QCursor>
+#include <QElapsedTimer>
 #include <QGuiApplication>
 #include <QTimer>
 #include <algorithm>
 #include <compare>
 #include <iterator>
 #include <numeric>
+#include <utility>
 
 #include "core/base/text.h"
+#include "desktop/kit/piece_source.h"
 #include "desktop/kit/text.h"
 
 namespace vellumark::desktop {
 namespace {
 
-constexpr int kFirstRows = 100;  // more than a window shows
+constexpr int kFirstRows = 100;          // more than a window shows
+constexpr std::size_t kRowsAtOnce = 500;  // looked through between two looks at the clock
+constexpr int kMoment = 10;              // ms
 
 /// The keys of one column, read once.
 class SortKeys {
@@ -181,16 +186,49 @@ void GridModel::SortRows() {
   });
 }
 
+// A list that comes in pieces is looked through in pieces too: for a moment at once, further while the program goes on.
 void GridModel::MakeHaystack() {
-  if (!rowStarts_.empty() || source_ == nullptr) return;
-  const int rows = source_->Rows();
-  rowStarts_.reserve(static_cast<std::size_t>(rows) + 1);
-  for (int row = 0; row < rows; ++row) {
+  const std::size_t rows = source_ == nullptr ? 0 : static_cast<std::size_t>(source_->Rows());
+  if (rowStarts_.size() > rows) return;
+  const bool inPieces = dynamic_cast<const ReadInPieces*>(source_.get()) != nullptr;
+  QElapsedTimer time;
+  time.start();
+  do {
+    for (const std::size_t end = std::min(rows, rowStarts_.size() + kRowsAtOnce); rowStarts_.size() < end;) {
+      rowStarts_.push_back(haystack_.size());
+      haystack_ += RowText(static_cast<int>(rowStarts_.size()) - 1);
+      haystack_ += '\n';
+    }
+  } while (rowStarts_.size() < rows && !(inPieces && time.elapsed() >= kMoment));
+  if (rowStarts_.size() == rows) {
     rowStarts_.push_back(haystack_.size());
-    haystack_ += RowText(row);
-    haystack_ += '\n';
+    return;
   }
-  rowStarts_.push_back(haystack_.size());
+  if (std::exchange(goesOn_, true)) return;
+  auto* again = new QTimer(this);
+  again->setSingleShot(true);
+  connect(again, &QTimer::timeout, this, [this, again] {
+    again->deleteLater();
+    goesOn_ = false;
+    if (words_.empty()) return;
+    MakeHaystack();
+    if (goesOn_) return;
+    // What was found in the beginning is shown already, and may be the current row.
+    Q_EMIT layoutAboutToBeChanged({}, VerticalSortHint);
+    const QModelIndexList kept = persistentIndexList();
+    std::vector<int> keptRows;
+    for (const QModelIndex& index : kept) keptRows.push_back(SourceRow(index.row()));
+    FilterRows();
+    QModelIndexList now;
+    for (qsizetype i = 0; i < kept.size(); ++i) {
+      const int shown = ShownRow(keptRows[static_cast<std::size_t>(i)]);
+      now += shown < 0 ? QModelIndex() : index(shown, kept[i].column());
+    }
+    changePersistentIndexList(kept, now);
+    Q_EMIT layoutChanged({}, VerticalSortHint);
+    Q_EMIT RowsRead();
+  });
+  again->start(0);
 }
 
 // What the filter looks through: the visible text of a row, in capitals.
@@ -215,12 +253,12 @@ void GridModel::FilterRows() {
   std::ranges::sort(words, std::greater{}, &std::string::size);
   std::vector<char> matches(sorted_.size(), 0);
   std::size_t row = 0;
+  const auto endOf = [this](std::size_t of) { return of + 1 < rowStarts_.size() ? rowStarts_[of + 1] : haystack_.size(); };
   for (std::size_t at = haystack_.find(words.front()); at != std::string::npos;) {
-    while (rowStarts_[row + 1] <= at) ++row;
-    const std::string_view text =
-        std::string_view(haystack_).substr(rowStarts_[row], rowStarts_[row + 1] - rowStarts_[row]);
+    while (endOf(row) <= at) ++row;
+    const std::string_view text = std::string_view(haystack_).substr(rowStarts_[row], endOf(row) - rowStarts_[row]);
     matches[row] = std::ranges::all_of(words, [&](const std::string& word) { return text.find(word) != text.npos; });
-    at = haystack_.find(words.front(), rowStarts_[row + 1]);
+    at = haystack_.find(words.front(), endOf(row));
   }
   shown_.clear();
   const int fixed = source_ == nullptr ? 0 : source_->FixedRows();

@@ -10,7 +10,9 @@
 
 namespace vellumark::desktop {
 
-/// A list that is read in pieces while the program goes on, whatever its records are.
+/// A list that is read in pieces while the program goes on, whatever its records are. A grid looks through it in pieces
+/// too: of a filter what is found at the beginning is shown at once, the rest when all was looked through, which its
+/// `RowsRead` tells.
 class ReadInPieces {
  public:
   virtual ~ReadInPieces() = default;

@@ -112,7 +112,8 @@ BrowseForm::BrowseForm(WindowList& windowList, const char* name, BrowseSubject s
   MakeSource();
   connect(list_, &Grid::RowActivated, this, &BrowseForm::cmdOpen_Click);
   connect(list_, &Grid::CurrentRowChanged, this, [this] { Changed(); });
-  connect(filter_, &QLineEdit::textChanged, this, [this] { ShowCount(); });
+  connect(filter_, &QLineEdit::textChanged, this, &BrowseForm::ShowCount);
+  connect(&list_->Model(), &GridModel::RowsRead, this, &BrowseForm::ShowCount);
   reading_.setParent(this);
   connect(&reading_, &QTimer::timeout, this, &BrowseForm::ReadOn);
   BeginReading();

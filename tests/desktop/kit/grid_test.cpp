@@ -6,9 +6,11 @@
 #include <QScrollBar>
 
 #include "core/base/number.h"
+#include "desktop/kit/piece_source.h"
 #include "desktop/kit/window.h"
 #include "support/desk.h"
 #include "support/desktop.h"
+#include "support/loop_watch.h"
 
 namespace vellumark::test {
 namespace {
@@ -297,6 +299,48 @@ TEST_F(LargeGridTest, AHundredThousandRowsAreSortedAndFilteredWithoutAStutter) {
     EXPECT_NE((source.Text(row, 0) + "\t" + source.Text(row, 1)).find("1234"), std::string::npos);
   }
   EXPECT_LT(Time("filter off", [&] { box.clear(); }), 100 * kSlower);
+}
+
+/// Rows that have come in pieces.
+class ManyInPieces : public ManyRows, public desktop::ReadInPieces {
+ public:
+  using ManyRows::ManyRows;
+  void BeginAnew() override {}
+  bool ReadFurther() override { return false; }
+  RowTarget Target(int) const override { return {}; }
+};
+
+// No key waits for it; what is there at the end is what was typed last.
+TEST_F(LargeGridTest, AFilterLooksThroughALongListWhileTheProgramGoesOn) {
+  constexpr int kRows = 300'000;
+  const auto source = std::make_shared<ManyInPieces>(kRows);
+  grid.SetSource(source);
+  std::vector<int> expected;
+  for (int row = 0; row < kRows; ++row)
+    if ((source->Text(row, 0) + "\t" + source->Text(row, 1)).find("123") != std::string::npos) expected.push_back(row);
+  auto& box = Control<QLineEdit>(grid, "fg_Filter");
+  LoopWatch watch;
+  const auto isThrough = [&] { return grid.ShownRows().size() == expected.size(); };
+  for (const char key : {'1', '2', '3'}) watch.Step(std::string("key ") + key, [&] { QTest::keyClick(&box, key); });
+  EXPECT_FALSE(isThrough());
+  ASSERT_FALSE(grid.ShownRows().empty()) << "those of the beginning are there at once";
+  grid.SetCurrentRow(expected[1]);
+  grid.SetSort({1, true, -1, false});
+  EXPECT_FALSE(isThrough());
+  watch.Step("the rest", [&] { EXPECT_TRUE(WaitFor(isThrough)); });
+  const double slow = MachineSlowness() * kSlower;
+  for (const auto& [step, block] : watch.Longest()) EXPECT_LT(block.ms, 100 * slow) << step << ": " << block.event;
+  EXPECT_EQ(grid.CurrentRow(), expected[1]);
+  EXPECT_EQ(grid.SelectedRows(), std::vector{expected[1]});
+  std::vector<int> shown = grid.ShownRows();
+  EXPECT_TRUE(std::ranges::is_sorted(shown, std::greater{}, [&](int row) { return source->Number(row, 1); }));
+  std::ranges::sort(shown);
+  EXPECT_EQ(shown, expected);
+  // Other rows come while it looks.
+  QTest::keyClick(&box, Qt::Key_Backspace);
+  grid.Refresh();
+  QTest::keyClick(&box, '3');
+  EXPECT_TRUE(WaitFor(isThrough));
 }
 
 TEST_F(LargeGridTest, ScrollsThrough350000Cells) {
