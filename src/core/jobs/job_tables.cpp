@@ -3,10 +3,9 @@
 #include <fmt/format.h>
 
 #include <algorithm>
-#include <map>
 #include <memory>
 #include <set>
-#include <tuple>
+#include <unordered_map>
 #include <vector>
 
 #include "core/base/number.h"
@@ -73,31 +72,6 @@ void Finish(const Session& session, JobLine& line) {
     if (row.Date_Completed && (!line.completed || *line.completed < *row.Date_Completed))
       line.completed = row.Date_Completed;
   }
-}
-
-struct OutLine {
-  JobRecord first;
-  std::int64_t used = 0;  // thousandths
-  std::int64_t days = 0;
-};
-
-std::vector<OutLine> ReadOut(const Session& session) {
-  using Key = std::tuple<std::string, std::string, std::string, std::uint8_t, std::string, std::int32_t, std::string>;
-  std::map<Key, std::size_t> places;
-  std::vector<OutLine> lines;
-  ForEachJobRecord(session, "Date_Completed IS NULL AND QtyUsed > 0", {}, "Date_Entered, RowKey",
-                   [&](const JobRecord& r) {
-                     const Key key{Upper(r.JobNumber), Upper(r.Database), Upper(r.Color_Name), r.ItemType,
-                                   Upper(r.LotNumber), r.LotRefID, Upper(r.LotContID)};
-                     const auto [found, isNew] = places.emplace(key, lines.size());
-                     if (isNew) {
-                       const std::int64_t entered = r.Date_Entered ? r.Date_Entered->DayNumber() : 0;
-                       lines.push_back({r, 0, session.clock.Today().DayNumber() - entered});
-                     }
-                     lines[found->second].used += WholeUnits(r.QtyUsed, 3);
-                     return true;
-                   });
-  return lines;
 }
 
 }  // namespace
@@ -174,31 +148,55 @@ ListTable ListJobs(const Session& session) {
       });
 }
 
-ListTable ListJobsOut(const Session& session) {
-  return TableOf<OutLine>()
+std::vector<OutOnJob> ReadOut(const Session& session) {
+  Statement rows = session.File().Prepare(
+      fmt::format("SELECT JobNumber, Database, Color_Name, LotNumber, LotContID, QtyUsed, Date_Entered, ItemType, "
+                  "LotRefID FROM {} WHERE Date_Completed IS NULL AND QtyUsed > 0 ORDER BY Date_Entered, RowKey",
+                  Quoted(schema::JobRecords.name)));
+  const std::int64_t today = session.clock.Today().DayNumber();
+  std::unordered_map<std::string, std::size_t> places;
+  std::vector<OutOnJob> lines;
+  while (rows.Step()) {
+    OutOnJob line{rows.Text(0), rows.Text(1), rows.Text(2), rows.Text(3), rows.Text(4), 0, rows.Date(6), 0};
+    line.days = today - (line.Date_Entered ? line.Date_Entered->DayNumber() : 0);
+    const std::string key = Upper(fmt::format("{}\t{}\t{}\t{}\t{}\t{}\t{}", line.JobNumber, line.Database, line.Color_Name,
+                                              rows.Whole(7), line.LotNumber, rows.Whole(8), line.LotContID));
+    const auto [found, isNew] = places.emplace(key, lines.size());
+    if (isNew) lines.push_back(std::move(line));
+    lines[found->second].used += WholeUnits(rows.Single(5), 3);
+  }
+  return lines;
+}
+
+TableOf<OutOnJob> OutColumns(const Session& session) {
+  using Row = OutOnJob;
+  return TableOf<Row>()
+      .Add("JobNumber", &Row::JobNumber, "Job Number")
+      .Width(2640)
+      .Add("Database", &Row::Database)
+      .Width(1920)
+      .Add("Color_Name", &Row::Color_Name, "Color Name")
+      .Width(3360)
+      .Add("LotNumber", &Row::LotNumber, "Lot Number")
+      .Width(2160)
+      .Add("LotContID", &Row::LotContID, "Lot Cont. ID")
+      .Width(2160)
       .Add(
-          "JobNumber", [](const OutLine& line) { return line.first.JobNumber; }, "Job Number")
-      .Add(
-          "Database", [](const OutLine& line) { return line.first.Database; })
-      .Add(
-          "Color_Name", [](const OutLine& line) { return line.first.Color_Name; }, "Color Name")
-      .Add(
-          "LotNumber", [](const OutLine& line) { return line.first.LotNumber; }, "Lot Number")
-      .Add(
-          "LotContID", [](const OutLine& line) { return line.first.LotContID; }, "Lot Cont. ID")
-      .Add(
-          "QtyUsed", [](const OutLine& line) { return OfWholeUnits(line.used, 3); }, InUnit(session, "Qty Out"))
+          "QtyUsed", [](const Row& row) { return OfWholeUnits(row.used, 3); }, InUnit(session, "Qty Out"))
+      .Width(2160)
       .Total("Totals")
-      .Add(
-          "Date_Entered", [](const OutLine& line) { return line.first.Date_Entered; }, "Out Since", Format::Date)
-      .Add("Days", &OutLine::days)
-      .Leads([](const OutLine& line) {
-        return RowTarget{.kind = RowTarget::Kind::Job, .name = line.first.JobNumber};
-      })
-      .Of([&session](const std::function<bool(const OutLine&)>& take) {
-        for (const OutLine& line : ReadOut(session))
-          if (!take(line)) return;
-      });
+      .Add("Date_Entered", &Row::Date_Entered, "Out Since", Format::Date)
+      .Width(1920)
+      .Add("Days", &Row::days)
+      .Width(1080)
+      .Leads([](const Row& row) { return RowTarget{.kind = RowTarget::Kind::Job, .name = row.JobNumber}; });
+}
+
+ListTable ListJobsOut(const Session& session) {
+  return OutColumns(session).Of([&session](const std::function<bool(const OutOnJob&)>& take) {
+    for (const OutOnJob& line : ReadOut(session))
+      if (!take(line)) return;
+  });
 }
 
 Sheet JobSheet(const Session& session, const Job& job) {

@@ -1,6 +1,9 @@
 #pragma once
 
-#include <string_view>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
 
 #include "core/base/sheet.h"
 #include "core/base/table.h"
@@ -22,7 +25,21 @@ TableOf<JobRecord> JobColumns(const Session& session);
 TableOf<JobRecord> JobRowColumns(const Session& session);
 /// A row for each Job, in the order of their numbers.
 ListTable ListJobs(const Session& session);
-/// What Jobs that are not closed still have out, by Job and container, the oldest first.
+
+/// What a Job that is not closed still has out of one container.
+struct OutOnJob {
+  std::string JobNumber;
+  std::string Database;
+  std::string Color_Name;
+  std::string LotNumber;
+  std::string LotContID;
+  std::int64_t used = 0;  ///< thousandths
+  std::optional<DateTime> Date_Entered;
+  std::int64_t days = 0;  ///< since then
+};
+TableOf<OutOnJob> OutColumns(const Session& session);
+/// By Job and container, the oldest first.
+std::vector<OutOnJob> ReadOut(const Session& session);
 ListTable ListJobsOut(const Session& session);
 
 /// The cost sheet of a Job: what it took, used and gave back, what that cost and emitted.

@@ -3,24 +3,32 @@
 #include <algorithm>
 
 #include "core/jobs/job_tables.h"
-#include "desktop/jobs/table_rows.h"
 #include "desktop/kit/icons.h"
 #include "desktop/kit/print_sheet.h"
+#include "desktop/kit/record_source.h"
 #include "desktop/kit/row_menu.h"
 #include "desktop/kit/text.h"
 #include "desktop/reports/open_row.h"
 
 namespace vellumark::desktop {
 
+class OutRows : public RecordRows<OutOnJob>, public RowTargets {
+ public:
+  using RecordRows::RecordRows;
+  std::vector<RowTarget> Targets(int row) const override {
+    return {{.kind = RowTarget::Kind::Job, .name = At(row).JobNumber}};
+  }
+};
+
 JobsOutForm::JobsOutForm(WindowList& windowList)
-    : Window(windowList, "JobsOutForm", tr("Out on Jobs")), rows_(std::make_shared<LeadingTable>()) {
+    : Window(windowList, "JobsOutForm", tr("Out on Jobs")), rows_(std::make_shared<OutRows>(OutColumns(session))) {
   setWindowIcon(Icon("Job"));
   Form form(*this);
   form.Wide(count_ = form.Label("lblCount"));
   list_ = form.Table("fgOut");
   list_->ShowFilter(tr("Filter"));
   list_->setAccessibleName(tr("Out on Jobs"));
-  list_->SetColumns(ColumnsOf(ListJobsOut(session), {176, 128, 224, 144, 144, 144, 128, 72}));
+  list_->SetColumns(rows_->Columns());
   list_->SetSource(rows_);
   list_->SetEmptyText(tr("No open Job has anything out"));
   form.Wide(list_, 1);
@@ -40,8 +48,7 @@ void JobsOutForm::OnChanges(const std::vector<Change>& changes) {
 }
 
 void JobsOutForm::ListLines() {
-  const ListTable table = ListJobsOut(session);
-  FillRows(*rows_, table);
+  rows_->rows = ReadOut(session);
   list_->Refresh();
   count_->setText(rows_->Rows() == 1
                       ? tr("1 container is still out on an open Job")

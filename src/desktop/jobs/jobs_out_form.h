@@ -6,6 +6,8 @@
 
 namespace vellumark::desktop {
 
+class OutRows;
+
 /// What Jobs that are not closed still have out, by Job and container, the oldest first. A line opens its Job.
 class JobsOutForm : public Window {
   Q_OBJECT
@@ -24,7 +26,7 @@ class JobsOutForm : public Window {
  private:
   void ListLines();
 
-  std::shared_ptr<LeadingTable> rows_;
+  std::shared_ptr<OutRows> rows_;
   Grid* list_;
   QLabel* count_;
   CommandButton* open_ = nullptr;
