@@ -243,7 +243,7 @@ void Grid::ChooseColumns(const QPoint& at) {
   for (int i = 0; i < model_.columnCount(); ++i) {
     const GridColumn& column = model_.Column(i);
     if (!column.choosable || column.width == 0) continue;
-    QAction* action = menu.addAction(column.name);
+    QAction* action = menu.addAction(QString(column.name).replace('&', "&&"));
     action->setCheckable(true);
     action->setChecked(column.shown);
     connect(action, &QAction::toggled, this, [this, i](bool shown) { ShowColumn(i, shown); });

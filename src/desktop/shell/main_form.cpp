@@ -218,7 +218,7 @@ void MainForm::FillLoginAs() {
   menu->clear();
   for (const std::string& name : UserNames(session_)) {
     // As at the button: what is on screen was built for the user before.
-    connect(menu->addAction(Q(name)), &QAction::triggered, this, [this, name] {
+    connect(menu->addAction(Q(name).replace('&', "&&")), &QAction::triggered, this, [this, name] {
       RunDialogOf("PasswordForm", {"BatchForm"}, {{"Username", name}});
     });
   }
