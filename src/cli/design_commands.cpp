@@ -4,6 +4,7 @@
 #include <memory>
 
 #include "cli/frame.h"
+#include "core/base/counted.h"
 #include "core/base/text.h"
 #include "core/exchange/design_file.h"
 #include "core/jobs/design_bench.h"
@@ -30,8 +31,8 @@ Result<Json> Answer(Context& context, std::string_view id) {
   if (!context.json) {
     const Design& design = work->design;
     context.text =
-        fmt::format("{}  {}\n{} impressions, {} x {} in.\n\n", design.DesignID, design.Description, design.Impressions,
-                    LengthText(design.Length, LengthUnit::Inch), LengthText(design.Width, LengthUnit::Inch));
+        fmt::format("{}  {}\n{}, {} x {} in.\n\n", design.DesignID, design.Description,
+                    Counted(design.Impressions, "impression"), LengthText(design.Length, LengthUnit::Inch), LengthText(design.Width, LengthUnit::Inch));
     context.text += TableText(costs) + fmt::format("Total Cost {}\n", total);
     for (const LinkedPhoto& photo : work->photos)
       context.text += fmt::format("photo {}{}\n", photo.name, IsPhotoMissing(session, photo) ? " (missing)" : "");
@@ -145,8 +146,8 @@ Result<Json> Import(Context& context, const std::string& path, const std::vector
   if (!report) return std::unexpected(report.error());
   if (const std::string text = PhotoImportText(*report); !text.empty())
     context.session.prompt.Tell("Design Photo Import Error", text, Icon::Exclamation);
-  context.text = fmt::format("Designs have been imported\n\n{} added, {} changed, {} the same already, {} photos\n",
-                             report->added, report->changed, report->same, report->photos);
+  context.text = fmt::format("Designs have been imported\n\n{} added, {} changed, {} the same already, {}\n",
+                             report->added, report->changed, report->same, Counted(report->photos, "photo"));
   return Json{{"Added", report->added},
               {"Changed", report->changed},
               {"Same", report->same},

@@ -6,6 +6,7 @@
 #include <memory>
 
 #include "cli/color_fields.h"
+#include "core/base/counted.h"
 #include "core/base/units.h"
 #include "core/exchange/formula_import.h"
 #include "core/exchange/formula_sources.h"
@@ -138,9 +139,10 @@ Result<Json> Preview(Context& context, ImportWords& words, const ImportWish& wis
   if (!plan) return std::unexpected(plan.error());
   if (auto chosen = Choose(*plan, wish.take.value_or(TakeWhat::New), words.names); !chosen)
     return std::unexpected(chosen.error());
-  context.text = fmt::format("{} new, {} different, {} the same, {} refused, {} new basics, {} bad lines\n",
+  context.text = fmt::format("{} new, {} different, {} the same, {} refused, {}, {}\n",
                              plan->Count(MergeMod::New), plan->Count(MergeMod::Different), plan->Count(MergeMod::Same),
-                             plan->Count(MergeMod::Refused), plan->basics.size(), plan->table.badLines.size());
+                             plan->Count(MergeMod::Refused), Counted(plan->basics.size(), "new basic"),
+                             Counted(plan->table.badLines.size(), "bad line"));
   if (const std::string refused = RefusedText(*plan); !refused.empty()) context.text += refused + "\n";
   if (!context.json) context.text += TableText(PlannedDifferences(context.session, *plan));
   return PlanJson(context.session, *plan);
@@ -160,9 +162,9 @@ Result<Json> Import(Context& context, ImportWords& words) {
   const auto report = ImportTable(session, *std::move(table), *wish);
   if (!report) return std::unexpected(report.error());
   if (!words.report.empty()) WriteTextFile(words.report, ReportText(*report, session.clock.Now()));
-  context.text = fmt::format("{} formulas added, {} changed, {} kept, {} the same already, {} new basics\n",
-                             report->added.size(), report->changed.size(), report->kept.size(), report->same,
-                             report->basics.size());
+  context.text = fmt::format("{} added, {} changed, {} kept, {} the same already, {}\n",
+                             Counted(report->added.size(), "formula"), report->changed.size(), report->kept.size(),
+                             report->same, Counted(report->basics.size(), "new basic"));
   for (const std::string& note : report->notes) context.text += note + "\n";
   return Json{{"Source", report->sourceDatabase},
               {"Added", report->added.size()},

@@ -8,6 +8,7 @@
 #include <set>
 #include <system_error>
 
+#include "core/base/counted.h"
 #include "core/base/files.h"
 #include "core/base/refusal.h"
 #include "core/base/text.h"
@@ -172,7 +173,7 @@ std::string MadeSinceText(const std::vector<MadeSince>& all) {
     if (!since.formulas.empty()) parts.push_back(NamesText("formulas", since.formulas));
     if (!since.changed.empty()) parts.push_back(NamesText("changed formulas", since.changed));
     if (!since.jobs.empty()) parts.push_back(NamesText("Jobs", since.jobs));
-    if (!since.postings.empty()) parts.push_back(fmt::format("{} changes of stock", since.postings.size()));
+    if (!since.postings.empty()) parts.push_back(Counted(since.postings.size(), "change of stock", "changes of stock"));
     text += fmt::format("\n{}: {}", since.database, fmt::join(parts, "; "));
   }
   return text;

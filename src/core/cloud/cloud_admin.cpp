@@ -6,6 +6,7 @@
 #include <system_error>
 
 #include "core/backup/backup_set.h"
+#include "core/base/counted.h"
 #include "core/base/files.h"
 #include "core/base/text.h"
 #include "core/cloud/share_file.h"
@@ -81,9 +82,9 @@ Result<std::vector<AdminRow>> RowsOfAll(const Session& session) {
 }
 
 // "3 Reports deleted", and of how many accounts that failed.
-std::string Counted(const std::string& ending, const std::vector<AdminRow>& rows) {
+std::string WithFailed(const std::string& ending, const std::vector<AdminRow>& rows) {
   const auto failed = std::ranges::count(rows, false, &AdminRow::done);
-  return failed == 0 ? ending : fmt::format("{} ({} of {} accounts failed)", ending, failed, rows.size());
+  return failed == 0 ? ending : fmt::format("{} ({} of {} failed)", ending, failed, Counted(rows.size(), "account"));
 }
 
 RemoteFile LatestBackup(CloudRun& run, const std::string& folder, const std::string& account) {
@@ -158,7 +159,7 @@ Result<AdminRun> FetchUserReports(CloudDesk& desk) {
   done.outcome = run.Run([&] {
     run.Connect(true);
     ForEach(run, done.rows, [&](AdminRow& row) { FetchReportsOf(run, row); });
-    return Counted("User Reports Acquired.", done.rows);
+    return WithFailed("User Reports Acquired.", done.rows);
   });
   return done;
 }
@@ -179,7 +180,7 @@ Result<AdminRun> ListUserReports(CloudDesk& desk, const std::string& account) {
         ++row.files;
       }
     });
-    return Counted(fmt::format("{} Reports are on file in the User Accounts", done.reports.size()), done.rows);
+    return WithFailed(fmt::format("{} Reports are on file in the User Accounts", done.reports.size()), done.rows);
   });
   return done;
 }
@@ -213,7 +214,7 @@ Result<AdminRun> DeleteUserReports(CloudDesk& desk, const std::vector<AccountRep
         ++deleted;
       }
     });
-    return Counted(fmt::format("{} Reports deleted", deleted), done.rows);
+    return WithFailed(fmt::format("{} Reports deleted", deleted), done.rows);
   });
   return done;
 }
@@ -295,7 +296,7 @@ Result<AdminRun> SendDataFile(CloudDesk& desk, const fs::path& file, const std::
     });
     if (sent != file) fs::remove(sent, ignored);
     return one ? std::string("Data File uploaded to User's Cloud Backup folder.")
-               : Counted(fmt::format("{} was upload to selected User(s) Cloud Backup folder", name), done.rows);
+               : WithFailed(fmt::format("{} was upload to selected User(s) Cloud Backup folder", name), done.rows);
   });
   return done;
 }

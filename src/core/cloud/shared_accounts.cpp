@@ -7,6 +7,7 @@
 #include <system_error>
 
 #include "core/backup/backup_set.h"
+#include "core/base/counted.h"
 #include "core/base/files.h"
 #include "core/base/text.h"
 #include "core/base/units.h"
@@ -118,7 +119,7 @@ std::string FetchAll(CloudRun& run, std::vector<ShareRow>& rows, CloudTask task,
   if (failed == rows.size())
     throw FtpFailure(FtpFailure::Kind::Other, "Unable to download ", "none of the accounts could be fetched");
   return failed == 0 ? std::string(EndingOf(task))
-                     : fmt::format("{} ({} of {} accounts failed)", EndingOf(task), failed, rows.size());
+                     : fmt::format("{} ({} of {} failed)", EndingOf(task), failed, Counted(rows.size(), "account"));
 }
 
 }  // namespace

@@ -4,6 +4,7 @@
 
 #include <functional>
 
+#include "core/base/counted.h"
 #include "core/base/number.h"
 #include "core/base/progress_run.h"
 #include "core/base/text.h"
@@ -273,9 +274,9 @@ Result<bool> ApplyAdditiveSet(Session& session, std::string_view setName, SetMet
   {
     ProgressRun progress(session.progress, "Modifing Formulas ...");
     Transaction transaction(session.File());
-    UndoStep step(
-        session, Undoable::ApplyAdditiveSet,
-        fmt::format("{} an Additive Set: {} formulas", method == SetMethod::Remove ? "Remove" : "Apply", rows.size()));
+    UndoStep step(session, Undoable::ApplyAdditiveSet,
+                  fmt::format("{} an Additive Set: {}", method == SetMethod::Remove ? "Remove" : "Apply",
+                              Counted(rows.size(), "formula")));
     AdditiveSetsOnFile sets(session);
     const bool whole = RewriteFormulas(session, progress, transaction, rows, [&](const MixColor& mix) {
       const AdditiveSet* present = sets.Find(mix.AddSetName);

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 
+#include "core/base/counted.h"
 #include "core/base/text.h"
 #include "core/colors/amounts.h"
 #include "core/colors/formula_tools.h"
@@ -70,7 +71,7 @@ Result<bool> DeleteFormulas(Session& session, const std::vector<std::string>& co
     BulkSteps steps(session, "Deleting Master Formulas", formulas->size());
     Database& file = session.File();
     Transaction transaction(file);
-    UndoStep step(session, Undoable::DeleteFormulas, fmt::format("Delete {} Master Formulas", formulas->size()));
+    UndoStep step(session, Undoable::DeleteFormulas, "Delete " + Counted(formulas->size(), "Master Formula"));
     Statement row = file.Prepare("DELETE FROM " + session.QuotedTable(schema::Mix, *chosen) + " WHERE RowKey = ?");
     for (const MixColor& mix : *formulas) {
       GiveUpColorStock(session, ColorKind::Mix, *chosen, mix.Color_Name);

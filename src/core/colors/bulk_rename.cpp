@@ -4,6 +4,7 @@
 
 #include <map>
 
+#include "core/base/counted.h"
 #include "core/base/text.h"
 #include "core/colors/amounts.h"
 #include "core/colors/basics.h"
@@ -139,7 +140,7 @@ Result<bool> ApplyRename(Session& session, const BulkRename& rule, const std::ve
   ProgressRun run(session.progress, "Modifing Name ...");
   Transaction transaction(session.File());
   UndoStep step(session, rule.kind == ColorKind::Mix ? Undoable::RenameMixes : Undoable::RenameBasics,
-                fmt::format("Rename {} colors", names.size()));
+                "Rename " + Counted(names.size(), "color"));
   const bool whole = RenameAllChecked(session, transaction, rule.kind, names, [&](double percent) {
     session.progress.Percent(percent);
     return !session.progress.Cancelled();

@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "core/base/counted.h"
 #include "core/base/number.h"
 #include "core/base/text.h"
 #include "core/colors/basics.h"
@@ -288,7 +289,7 @@ Result<bool> ApplyModifier(Session& session, const std::vector<ModifierLine>& li
   {
     BulkSteps steps(session, "Modifing Formulas ...", rows->size());
     Transaction transaction(session.File());
-    UndoStep step(session, Undoable::ModifyFormulas, fmt::format("Formula Modifier: {} formulas", rows->size()));
+    UndoStep step(session, Undoable::ModifyFormulas, "Formula Modifier: " + Counted(rows->size(), "formula"));
     RecipeWriter writer(session, {}, {"LastModified"});
     writer.SetMore(0, session.clock.Now());
     RecipeReader reader(session);

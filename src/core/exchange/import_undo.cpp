@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "core/base/counted.h"
 #include "core/base/number.h"
 #include "core/base/progress_run.h"
 #include "core/base/text.h"
@@ -255,8 +256,9 @@ Result<ImportUndone> AskAndUndoImport(Session& session) {
 }
 
 std::string UndoneText(const ImportUndone& undone) {
-  std::string text = fmt::format("{}\n{}\n\n{} formulas removed, {} put back, {} Basic Colors removed\n", undone.source,
-                                 undone.database, undone.removed, undone.restored, undone.basicsRemoved);
+  std::string text = fmt::format("{}\n{}\n\n{} removed, {} put back, {} removed\n", undone.source, undone.database,
+                                 Counted(undone.removed, "formula"), undone.restored,
+                                 Counted(undone.basicsRemoved, "Basic Color"));
   for (const std::string& name : undone.basicsKept) text += name + " is in use and stays\n";
   for (const std::string& name : undone.setsKept) text += "The Additive Set " + name + " is in use and stays\n";
   if (undone.databaseRemoved) text += "The Database that it made is removed\n";

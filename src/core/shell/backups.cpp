@@ -5,6 +5,7 @@
 #include <system_error>
 
 #include "core/backup/kept_folder.h"
+#include "core/base/counted.h"
 #include "core/base/files.h"
 #include "core/base/progress_run.h"
 #include "core/base/text.h"
@@ -50,8 +51,8 @@ auto WithFileClosed(Session& session, Work work) {
 std::string ContentText(const ContentProof& content) {
   std::string text;
   for (const DatabaseProof& database : content.databases)
-    text += fmt::format("\n    {}: {} basics, {} formulas, {} Batches", database.name, database.basics,
-                        database.formulas, database.batches);
+    text += fmt::format("\n    {}: {}, {}, {}", database.name, Counted(database.basics, "basic"),
+                        Counted(database.formulas, "formula"), Counted(database.batches, "Batch", "Batches"));
   return text.empty() ? "\n    no Database" : text;
 }
 
@@ -217,7 +218,7 @@ std::string UpdatedText(const UpgradeReport& report) {
   for (const auto& [lines, words] : {std::pair{&report.refused, "what did not come in"},
                                      {&report.damaged, "what could not be read"},
                                      {&report.left, "what people should look at"}})
-    if (!lines->empty()) text += fmt::format("\n{} lines tell {}.", lines->size(), words);
+    if (!lines->empty()) text += fmt::format("\n{} {}.", Counted(lines->size(), "line tells", "lines tell"), words);
   return text + (report.text.empty() ? "\nThe report could not be kept." : fmt::format("\nThe report is kept in\n{}", report.text.string()));
 }
 

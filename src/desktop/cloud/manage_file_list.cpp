@@ -46,7 +46,7 @@ void CloudManageFileList::ShowFiles() {
 
 void CloudManageFileList::UpdateEnabled() {
   const std::size_t checked = rows_->CheckedRows().size();
-  count_->setText(tr("%1 %2 on file, %3 checked").arg(rows_->Rows()).arg(managed_.what).arg(checked));
+  count_->setText(tr("%1 on file, %2 checked").arg(Count(static_cast<std::size_t>(rows_->Rows()))).arg(checked));
   delete_->setEnabled(checked > 0);
   selectAll_->setEnabled(rows_->Rows() > 0);
 }
@@ -62,9 +62,9 @@ void CloudManageFileList::cmdRefresh_Click() {
 void CloudManageFileList::cmdDelete_Click() {
   const std::vector<CloudFile> files = rows_->CheckedFiles();
   if (!session.prompt.Ask(U8(managed_.title),
-                          U8(tr("Delete %1 %2 from %3? They cannot be brought back.")
-                                 .arg(files.size())
-                                 .arg(managed_.what, managed_.where)),
+                          U8((files.size() == 1 ? tr("Delete %1 from %2? It cannot be brought back.")
+                                                 : tr("Delete %1 from %2? They cannot be brought back."))
+                                 .arg(Count(files.size()), managed_.where)),
                           Answer::No))
     return;
   windows.RunDialog("Cloud_GetPutData_Form", {{"Task", managed_.task}, {"Work", managed_.remove(files)}});

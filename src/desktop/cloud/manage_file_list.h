@@ -12,7 +12,8 @@ struct ManagedFiles {
   CloudTask task;
   QString title;
   QString hint;
-  QString what;  ///< "backups"
+  QString one;   ///< "1 backup"
+  QString many;  ///< "%1 backups"
   QString note;  ///< the caption of what else is known of a file; empty: nothing
   std::function<CloudWork(CloudFiles into)> list;
   std::function<CloudWork(std::vector<CloudFile> files)> remove;
@@ -36,6 +37,7 @@ class CloudManageFileList : public Dialog {
  private:
   bool Retrieve();
   void ShowFiles();
+  QString Count(std::size_t files) const { return files == 1 ? managed_.one : managed_.many.arg(files); }
 
   ManagedFiles managed_;
   std::shared_ptr<FileRows> rows_;

@@ -400,8 +400,8 @@ void AddJobItemForm::ShowDesign() {
   QString text;
   if (design_) {
     const LengthUnit unit = LengthUnit::Inch;
-    text = tr("%1 impressions, %2 x %3 %4\ncreated %5, changed %6, used %7")
-               .arg(design_->Impressions)
+    text = tr("%1, %2 x %3 %4\ncreated %5, changed %6, used %7")
+               .arg(design_->Impressions == 1 ? tr("1 impression") : tr("%1 impressions").arg(design_->Impressions))
                .arg(Q(LengthText(design_->Length, unit)), Q(LengthText(design_->Width, unit)),
                     Q(std::string(LengthUnitName(unit))))
                .arg(DateText(design_->Created), DateText(design_->LastModified), DateText(design_->LastUsed));

@@ -108,7 +108,8 @@ void DesignBenchForm::cmdShow_Click() {
 
 void DesignBenchForm::cmdPrint_Click() {
   Sheet sheet = Sheet::Of(U8(tr("Design to the Bench")), RunNeedColumns(session).Of(needs_));
-  sheet.subtitle = U8(tr("%1, %2 impressions").arg(design_->text(), impressions_->text()));
+  sheet.subtitle = U8(impressions_->text() == "1" ? tr("%1, 1 impression").arg(design_->text())
+                                                    : tr("%1, %2 impressions").arg(design_->text(), impressions_->text()));
   PrintSheet(windows, sheet);
 }
 

@@ -131,9 +131,9 @@ void ImportExamineLocalFileDesign::OnOpen(const Arguments& arguments) {
   const auto design = arguments.Get<Design>("Design");
   id_->setText(Q(design.DesignID));
   description_->setText(Q(design.Description));
-  size_->setText(tr("%1 x %2 in., %3 impressions")
+  size_->setText(tr("%1 x %2 in., %3")
                      .arg(Q(LengthText(design.Length, LengthUnit::Inch)), Q(LengthText(design.Width, LengthUnit::Inch)))
-                     .arg(design.Impressions));
+                     .arg(design.Impressions == 1 ? tr("1 impression") : tr("%1 impressions").arg(design.Impressions)));
   QStringList photos;
   for (const std::string& name : design.Photos()) photos << Q(name);
   photos_->setText(photos.join(", "));

@@ -237,9 +237,12 @@ void StartPage::Show() {
   ShowDatabases();
   const DatabaseCounts counts = CountRows(session_.File(), session_.CurrentDatabase);
   heading_->setText(Q(session_.CurrentDatabase));
-  QString facts = tr("%1   ·   %2 basics and additives   ·   %3 formulas")
-                      .arg(Q(session_.FullName), locale().toString(static_cast<qlonglong>(counts.basics)),
-                           locale().toString(static_cast<qlonglong>(counts.formulas)));
+  const auto text = [this](std::int64_t count) { return locale().toString(static_cast<qlonglong>(count)); };
+  QString facts = tr("%1   ·   %2   ·   %3")
+                      .arg(Q(session_.FullName),
+                           counts.basics == 1 ? tr("1 basic or additive")
+                                              : tr("%1 basics and additives").arg(text(counts.basics)),
+                           counts.formulas == 1 ? tr("1 formula") : tr("%1 formulas").arg(text(counts.formulas)));
   if (session_.ArchiveView) facts += "   ·   " + tr("archive or backup copy, to be looked at only");
   if (!session_.ArchiveView) {
     facts += "\n" + BackupText(session_);

@@ -89,7 +89,7 @@ TEST_F(Shops, AReportGoesUpOnceAndTheAdministratorReadsIt) {
 
   north.prompt.Expect("Manage Cloud Reports", Answer::Yes);
   north.Run("CloudManageReportFileList", {}, [&](QWidget& form) {
-    EXPECT_EQ(U8(Control<QLabel>(form, "lblCount").text()), "1 reports on file, 0 checked");
+    EXPECT_EQ(U8(Control<QLabel>(form, "lblCount").text()), "1 report on file, 0 checked");
     Click(form, "cmdSelectAll");
     WithTask([&] { Click(form, "cmdDelete"); }, [&](QWidget& task) { EndsWith(task, "1 Reports deleted"); });
     EXPECT_EQ(U8(Control<QLabel>(form, "lblCount").text()), "0 reports on file, 0 checked");

@@ -9,6 +9,7 @@
 #include <system_error>
 #include <utility>
 
+#include "core/base/counted.h"
 #include "core/base/files.h"
 #include "core/base/helper_program.h"
 #include "core/base/refusal.h"
@@ -65,10 +66,6 @@ class Run {
   platform::HelperProgram helper_;
   StreamReader stream_;
 };
-
-std::string Counted(std::int64_t count, std::string_view one) {
-  return fmt::format("{} {}{}", count, one, count == 1 ? "" : "s");
-}
 
 /// Reads the rows of one table, from run to run where one dies of what it reads.
 class TableReading {
