@@ -124,16 +124,21 @@ class TakingBack {
   static bool IsOfJobs(const RecordedChange& change) { return EqualNoCase(change.table, schema::JobRecords.name); }
   static bool IsOfDesigns(const RecordedChange& change) { return EqualNoCase(change.table, schema::Designs.name); }
 
-  // A price or an emission asks for its own right, with whatever act it was changed.
+  // A price or an emission of a colour or lot asks for its own right, with whatever act it was changed. What stands in
+  // a Batch follows from its lines, and a field that was empty is no other than 0.
   Result<void> CheckRights() const {
+    const auto asks = [&](const RecordedChange& change, std::initializer_list<const char*> figures, Act act) {
+      const bool changed = std::ranges::any_of(figures, [&](const char* figure) {
+        const Value* after = Find(change, figure, true);
+        return after != nullptr && after->Single() != Find(change, figure, false)->Single();
+      });
+      return changed ? RequireAct(session_, act) : Result<void>{};
+    };
     for (const RecordedChange& change : changes_) {
-      if (change.what != What::Updated || PlaceOf(change) == nullptr) continue;
-      for (const char* cost : {"PurchaseCost", "LotPrice"})
-        if (Find(change, cost, true) != nullptr)
-          if (auto allowed = RequireAct(session_, Act::EditCosts); !allowed) return allowed;
-      for (const char* emission : {"VOC", "HAP"})
-        if (Find(change, emission, true) != nullptr)
-          if (auto allowed = RequireAct(session_, Act::EditEmissions); !allowed) return allowed;
+      const Place* place = change.what == What::Updated ? PlaceOf(change) : nullptr;
+      if (place == nullptr || place->table == &schema::Batch || place->table == &schema::BatchLotInv) continue;
+      if (auto allowed = asks(change, {"PurchaseCost", "LotPrice"}, Act::EditCosts); !allowed) return allowed;
+      if (auto allowed = asks(change, {"VOC", "HAP"}, Act::EditEmissions); !allowed) return allowed;
     }
     return {};
   }

@@ -1,6 +1,7 @@
 // Every act that can be taken back, one by one, in a room in the middle of its work.
 
 #include <algorithm>
+#include <map>
 #include <set>
 
 #include "core/batch/take_back.h"
@@ -14,6 +15,7 @@
 #include "core/colors/rename.h"
 #include "core/colors/resets.h"
 #include "core/datafile/databases.h"
+#include "core/datafile/moved_rows.h"
 #include "core/exchange/design_file.h"
 #include "core/exchange/merge_room.h"
 #include "core/inventory/reorder.h"
@@ -24,6 +26,7 @@
 #include "core/jobs/job_numbers.h"
 #include "core/jobs/job_stock.h"
 #include "core/labels/scan_return.h"
+#include "core/session/rights.h"
 #include "core/session/undo_step.h"
 #include "core/shell/undo_room.h"
 
@@ -81,24 +84,30 @@ struct BusyRoom : UndoRoom {
     BookScan(hands, record);
     if (record.state != ScanRecord::State::Successful) throw std::runtime_error(record.Message);
   }
-  BatchRecord Opened() {
+  BatchRecord& Opened() {
     BatchRecord record;
     Must(OpenBatch(hands, record, batch));
-    return record;
+    return opened.emplace(std::move(record));
+  }
+  /// The Batch that an act had open when it failed.
+  void Leave() {
+    if (opened) Must(CancelBatch(hands, *opened));
+    opened.reset();
   }
   void ChangeBatch(const std::string& quantity) {
-    BatchRecord record = Opened();
+    BatchRecord& record = Opened();
     NoBatchDialogs dialogs;
     record.work.QuantityText = quantity;
     record.work.QuantityChanged = true;
     Must(Must(MixBatch(hands, record)));
     Must(TakeOldestLots(hands, record));
     Must(Must(SaveBatch(hands, record, dialogs, nullptr, MoveOn::Nowhere)) == SaveEnd::Stored);
+    opened.reset();
   }
   void DropBatch() {
-    BatchRecord record = Opened();
     NoBatchDialogs dialogs;
-    Must(Must(DeleteBatch(hands, record, dialogs, MoveOn::Nowhere)));
+    Must(Must(DeleteBatch(hands, Opened(), dialogs, MoveOn::Nowhere)));
+    opened.reset();
   }
   InventoryWork Inventory(const std::string& name) { return LoadInventory(hands, ColorKind::Basic, name); }
   void Adjust(const std::string& name, const std::string& lot, float quantity) {
@@ -110,10 +119,12 @@ struct BusyRoom : UndoRoom {
     Must(ApplyAdjust(hands, work, fields));
     Must(SaveInventory(hands, work));
   }
-  void ChangeBasic(const std::string& name, const std::string& code, const std::string& cost = {}) {
+  void ChangeBasic(const std::string& name, const std::string& code, const std::string& cost = {},
+                   const std::string& voc = {}) {
     BasicWork work = LoadBasicWork(hands, Must(ReadBasic(hands, name)));
     work.Color_Code = code;
     if (!cost.empty()) work.typed["PurchaseCost"] = cost;
+    if (!voc.empty()) work.typed["VOC"] = voc;
     Must(SaveBasic(hands, work));
   }
   FormulaWork Formula(const std::string& name) {
@@ -131,6 +142,12 @@ struct BusyRoom : UndoRoom {
     Must(EnterDesignField(work, "Description", text));
     Must(SaveDesign(hands, work));
   }
+  /// What was done so far, a use of the Design too, stands in another file.
+  void Archive(const std::string& design) {
+    Issue("J3", "BLUE", 1, "", design);
+    RemoveMovedRows(hands.File(), hands.databaseList, hands.clock.Today(), Leaving::Moving, "YEAR.vkd");
+    Must(hands.File().Scalar("SELECT COUNT(*) FROM MSysMovedRows WHERE Name = ?", {design}).Whole() == 1);
+  }
   void Modify(const std::string& percent) {
     std::vector<ModifierLine> lines(kModifierLines);
     lines[0] = {true, ModMethod::Increase, "WHITE", percent};
@@ -139,6 +156,7 @@ struct BusyRoom : UndoRoom {
 
   std::int32_t batch = 0;
   BatchRecord kept;  // the same as a backup has it
+  std::optional<BatchRecord> opened;
   std::int64_t item = 0;
 };
 
@@ -225,7 +243,7 @@ std::vector<Case> StockCases() {
       {RenameDesign, "Rename the Design BOX to CRATE",
        [](BusyRoom& r) { BusyRoom::Must(vellumark::RenameDesign(r.hands, "BOX", "CRATE")); },
        [](BusyRoom& r) { BusyRoom::Must(vellumark::CopyDesign(r.hands, "LABEL", "BOX")); },
-       "Another Design BOX has been made since"},
+       "Another Design BOX has been made since", [](BusyRoom& r) { r.Archive("BOX"); }},
       {DeleteDesign, "Delete the Design BOX",
        [](BusyRoom& r) { BusyRoom::Must(vellumark::DeleteDesign(r.hands, "BOX")); },
        [](BusyRoom& r) { BusyRoom::Must(vellumark::CopyDesign(r.hands, "LABEL", "BOX")); },
@@ -241,7 +259,7 @@ struct AnyPicture final : PhotoMaker {
 std::vector<Case> ColorCases() {
   using enum Undoable;
   return {
-      {SaveBasic, "Change RED", [](BusyRoom& r) { r.ChangeBasic("RED", "R1", "9.5"); },
+      {SaveBasic, "Change RED", [](BusyRoom& r) { r.ChangeBasic("RED", "R1", "9.5", "0.25"); },
        [](BusyRoom& r) { r.ChangeBasic("RED", "R2"); }, "RED was changed"},
       {SaveBasic, "Add VIOLET",
        [](BusyRoom& r) {
@@ -319,10 +337,10 @@ std::vector<Case> ColorCases() {
              BusyRoom::Must(ApplyRename(r.hands, {ColorKind::Basic, NameChange::Prefix, "OLD ", ""}, {"RED", "BLUE"})));
        },
        [](BusyRoom& r) { r.AddToFormula("PINK", "OLD BLUE"); }, "PINK was changed"},
-      {RenameMixes, "Rename 2 colors",
+      {RenameMixes, "Rename 1 color",
        [](BusyRoom& r) {
          BusyRoom::Must(
-             BusyRoom::Must(ApplyRename(r.hands, {ColorKind::Mix, NameChange::Prefix, "OLD ", ""}, {"PINK", "SKY"})));
+             BusyRoom::Must(ApplyRename(r.hands, {ColorKind::Mix, NameChange::Prefix, "OLD ", ""}, {"SKY"})));
        },
        [](BusyRoom& r) { BusyRoom::Must(r.MakeBatch("OLD SKY", "2")); }, "OLD SKY"},
       {DeleteFormulas, "Delete 2 Master Formulas",
@@ -411,6 +429,111 @@ INSTANTIATE_TEST_SUITE_P(Undo, UndoActs, testing::Range(std::size_t{0}, Cases().
   std::erase_if(name, [](char c) { return !std::isalnum(static_cast<unsigned char>(c)); });
   return fmt::format("{}{}", name, named.param);
 });
+
+using Right = std::uint8_t UserRights::*;
+// What a user needs to take each back: the rights of the act, and those of the prices and emissions that come back.
+std::vector<Right> NeededFor(const Case& c) {
+  using enum Undoable;
+  using R = UserRights;
+  static const std::map<Undoable, std::vector<Right>> needed{
+      {SaveFormula, {&R::Edit_MasterFormula}},
+      {DuplicateFormula, {&R::Edit_MasterFormula}},
+      {RenameMix, {&R::Edit_MasterFormula}},
+      {DeleteMix, {&R::Edit_MasterFormula}},
+      {CreateAdditiveSet, {&R::DBToolsMenu}},
+      {EditAdditiveSet, {&R::DBToolsMenu}},
+      {RenameAdditiveSet, {&R::DBToolsMenu}},
+      {DeleteAdditiveSet, {&R::DBToolsMenu}},
+      {ApplyAdditiveSet, {&R::DBToolsMenu}},
+      {ModifyFormulas, {&R::DBToolsMenu}},
+      {RenameBasics, {&R::DBToolsMenu}},
+      {RenameMixes, {&R::DBToolsMenu, &R::Edit_MasterFormula}},
+      {DeleteFormulas, {&R::DBToolsMenu, &R::Edit_MasterFormula}},
+      {ResetCosts, {&R::DBToolsMenu, &R::Edit_Costs}},
+      {ResetMixCostsFromBasics, {&R::DBToolsMenu, &R::Edit_Costs}},
+      {ResetEmission, {&R::DBToolsMenu, &R::Edit_VOCHAP}},
+      {ResetEmissions, {&R::DBToolsMenu, &R::Edit_VOCHAP}},
+      {ImportFormulas, {&R::DBToolsMenu, &R::Edit_MasterFormula}},
+      {ResetRowLots, {&R::Edit_Costs}},
+  };
+  if (c.what == "Change RED") return {&R::Edit_Costs, &R::Edit_VOCHAP};
+  const auto found = needed.find(c.kind);
+  return found == needed.end() ? std::vector<Right>{} : found->second;
+}
+
+TEST_P(UndoActs, IsTakenBackByWhoHasTheRightsAndByNobodyElse) {
+  const Case c = Cases()[GetParam()];
+  BusyRoom room;
+  c.before(room);
+  c.act(room);
+  const std::string done = room.Seen();
+  room.hands.CurrentUser = "ANNA";
+  room.hands.IsAdminUser = false;
+  UserRights needed;
+  for (const Right right : NeededFor(c)) needed.*right = UserRights::All().*right;
+  for (const Right right : NeededFor(c)) {
+    UserRights without = needed;
+    --(without.*right);
+    TakeRights(room.hands, without);
+    EXPECT_FALSE(TakeBackAct(room.hands, 0));
+    EXPECT_EQ(room.Seen(), done);
+  }
+  TakeRights(room.hands, needed);
+  const auto taken = TakeBackAct(room.hands, 0);
+  EXPECT_TRUE(taken) << taken.error().text;
+}
+
+// The tables whose rows are not the same in both.
+std::set<std::string> Different(const std::string& before, const std::string& after) {
+  const auto tables = [](const std::string& text) {
+    std::map<std::string, std::string> rows;
+    for (std::size_t at = 0; at < text.size();) {
+      const std::size_t line = text.find('\n', at);
+      const std::size_t end = std::min(text.find("\n== ", at), text.size() - 1);
+      rows[text.substr(at + 3, line - at - 3)] = text.substr(line, end - line);
+      at = end + 1;
+    }
+    return rows;
+  };
+  std::set<std::string> different;
+  const auto left = tables(before);
+  for (const auto& [table, rows] : tables(after))
+    if (const auto found = left.find(table); found == left.end() || found->second != rows) different.insert(table);
+  return different;
+}
+
+// A write that fails, in whatever table, leaves neither a part of the act nor the act in the list.
+TEST_P(UndoActs, LeavesNothingWhereAWriteFails) {
+  const Case c = Cases()[GetParam()];
+  std::set<std::string> tables;
+  {
+    BusyRoom room;
+    c.before(room);
+    const std::string before = Snapshot(room.hands.File());
+    c.act(room);
+    tables = Different(before, Snapshot(room.hands.File()));
+  }
+  BusyRoom room;
+  c.before(room);
+  Database& file = room.hands.File();
+  const std::string before = room.Seen();
+  const std::size_t listed = ListUndo(room.hands).size();
+  for (const std::string& table : tables) {
+    SCOPED_TRACE(table);
+    if (!file.TableExists(table)) continue;  // the act makes it
+    for (const char* write : {"INSERT", "UPDATE", "DELETE"})
+      file.Execute(fmt::format("CREATE TRIGGER fault_{0} BEFORE {0} ON {1} BEGIN SELECT RAISE(ABORT, 'the disk says no'); "
+                               "END",
+                               write, Quoted(table)));
+    EXPECT_ANY_THROW(c.act(room));
+    for (const char* write : {"INSERT", "UPDATE", "DELETE"}) file.Execute(fmt::format("DROP TRIGGER fault_{}", write));
+    room.Leave();
+    EXPECT_EQ(ListUndo(room.hands).size(), listed);
+    EXPECT_EQ(room.Seen(), before);
+  }
+  c.act(room);
+  EXPECT_EQ(ListUndo(room.hands).size(), listed + 1);
+}
 
 TEST(Undo, EveryActHasItsCase) {
   std::set<Undoable> with;
