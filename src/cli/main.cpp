@@ -40,25 +40,18 @@ struct GlobalOptions {
 };
 
 void AddGlobalOptions(CLI::App& app, GlobalOptions& options) {
-  app.add_option("--data-folder", options.dataFolder,
-                 "Folder of the Support Files (else VELLUMARK_DATA_FOLDER, the shared or the user's own folder)")
-      ->type_name("DIR")
-      ->check(NotEmpty);
-  app.add_option("--file", options.file, "The Data File (else the one stored in the settings)")
-      ->type_name("PATH")
-      ->check(NotEmpty);
-  app.add_option("--db", options.database, "The Database (else the file's current one)")
-      ->type_name("NAME")
-      ->check(NotEmpty);
+  const auto text = [&app](const char* name, std::string& value, const char* help, const char* what) {
+    app.add_option(name, value, help)->type_name(what)->check(NotEmpty);
+  };
+  text("--data-folder", options.dataFolder,
+       "Folder of the Support Files (else VELLUMARK_DATA_FOLDER, the shared or the user's own folder)", "DIR");
+  text("--file", options.file, "The Data File (else the one stored in the settings)", "PATH");
+  text("--db", options.database, "The Database (else the file's current one)", "NAME");
   app.add_option("--user", options.user, "User name, where the Data File has users")->type_name("NAME");
   app.add_option("--password", options.password, "The user's password")->envname("VELLUMARK_PASSWORD");
   app.add_flag("--json", options.json, "Answer with one JSON value");
-  app.add_option("--today", options.today, "The date that counts as today, YYYY-MM-DD")
-      ->type_name("DATE")
-      ->check(NotEmpty);
-  app.add_option("--now", options.now, "The time that counts as now, \"YYYY-MM-DD HH:MM:SS\"")
-      ->type_name("TIME")
-      ->check(NotEmpty);
+  text("--today", options.today, "The date that counts as today, YYYY-MM-DD", "DATE");
+  text("--now", options.now, "The time that counts as now, \"YYYY-MM-DD HH:MM:SS\"", "TIME");
   OneEachTime(app.add_option("--answer", options.answers,
                              "\"TITLE=yes\" answers the question of that title: yes, no, ok, cancel"))
       ->type_name("TITLE=ANSWER");

@@ -22,15 +22,9 @@ Kind KindOf(const Reply& reply) {
   return Kind::Other;
 }
 
-std::string_view WordsFor(CURLcode code) {
+// The control line stands, and no second one could be opened beside it.
+bool OpensNoData(CURLcode code) {
   switch (code) {
-    case CURLE_PARTIAL_FILE:
-    case CURLE_SEND_ERROR:
-    case CURLE_RECV_ERROR:
-    case CURLE_GOT_NOTHING:
-      return "the connection ended in the middle";
-    case CURLE_OPERATION_TIMEDOUT:
-      return "nothing came for too long";
     case CURLE_COULDNT_CONNECT:
     case CURLE_SSL_CONNECT_ERROR:
     case CURLE_FTP_ACCEPT_FAILED:
@@ -39,7 +33,22 @@ std::string_view WordsFor(CURLcode code) {
     case CURLE_FTP_WEIRD_PASV_REPLY:
     case CURLE_FTP_WEIRD_227_FORMAT:
     case CURLE_FTP_CANT_GET_HOST:
-      return "no way for the data could be opened";
+      return true;
+    default:
+      return false;
+  }
+}
+
+std::string_view WordsFor(CURLcode code) {
+  if (OpensNoData(code)) return "no way for the data could be opened";
+  switch (code) {
+    case CURLE_PARTIAL_FILE:
+    case CURLE_SEND_ERROR:
+    case CURLE_RECV_ERROR:
+    case CURLE_GOT_NOTHING:
+      return "the connection ended in the middle";
+    case CURLE_OPERATION_TIMEDOUT:
+      return "nothing came for too long";
     default:
       return curl_easy_strerror(code);
   }
@@ -100,20 +109,14 @@ FtpFailure RefusalOf(const Reply& reply, const std::string& what) {
 
 FtpFailure FaultOf(CURLcode code, Stop stop, const Reply& reply, const std::string& command, const std::string& what) {
   if (stop != Stop::None) return Stopped(stop, what);
+  if (OpensNoData(code)) {
+    // A host that refuses a file puts the way for it down first, and its refusal is read as the reply to the next try.
+    if (reply.code >= 400) return RefusalOf(reply, what);
+    return {Kind::NoData, what, std::string(WordsFor(code))};
+  }
   switch (code) {
     case CURLE_OPERATION_TIMEDOUT:
       return Stopped(Stop::Stalled, what);
-    case CURLE_COULDNT_CONNECT:
-    case CURLE_SSL_CONNECT_ERROR:
-    case CURLE_FTP_ACCEPT_FAILED:
-    case CURLE_FTP_ACCEPT_TIMEOUT:
-    case CURLE_FTP_PORT_FAILED:
-    case CURLE_FTP_WEIRD_PASV_REPLY:
-    case CURLE_FTP_WEIRD_227_FORMAT:
-    case CURLE_FTP_CANT_GET_HOST:
-      // A host that refuses a file puts the way for it down first, and its refusal is read as the reply to the next try.
-      if (reply.code >= 400) return RefusalOf(reply, what);
-      return {Kind::NoData, what, std::string(WordsFor(code))};
     case CURLE_REMOTE_DISK_FULL:
       return {Kind::Full, what, fmt::format("the host says {} {}", reply.code, reply.text)};
     case CURLE_REMOTE_FILE_NOT_FOUND:

@@ -21,13 +21,15 @@ namespace vellumark::postgres {
 namespace {
 
 // The server's numbers of its own types.
-constexpr Oid kBoolean = 16;
-constexpr Oid kInt64 = 20;
-constexpr Oid kInt16 = 21;
-constexpr Oid kInt32 = 23;
-constexpr Oid kSingle = 700;
-constexpr Oid kDouble = 701;
-constexpr Oid kNumeric = 1700;
+enum TypeNumber : Oid {
+  kBoolean = 16,
+  kInt64 = 20,
+  kInt16 = 21,
+  kInt32 = 23,
+  kSingle = 700,
+  kDouble = 701,
+  kNumeric = 1700,
+};
 
 // More texts than any one operation uses.
 constexpr std::size_t kMostTexts = 400;

@@ -17,14 +17,13 @@ namespace {
 
 namespace fs = std::filesystem;
 using std::chrono::microseconds;
-using test::LifeRoom;
+using test::PinkRoom;
 using test::Use;
 
 constexpr int kKills = 500;
 
-struct Bench : LifeRoom {
+struct Bench : PinkRoom {
   Bench() {
-    PinkRoom();
     Formula("ROSE", {{"RED", 50.0F}, {"WHITE", 50.0F}}, 30);
     for (const char* name : {"RED", "WHITE"})
       for (const std::int32_t ref : {1, 2}) Lot(ColorKind::Basic, name, ref, 40);

@@ -19,7 +19,6 @@ class JobOperator {
  public:
   JobOperator(std::uint64_t seed, bool negative) : random_(seed), negative_(negative) {
     room_.Setting("AllowNegInv", negative ? "1" : "0");
-    room_.PinkRoom();
     for (const int ref : {1, 2}) room_.Lot(ColorKind::Basic, "RED", ref, 40);
     CreateEmptyDatabase(room_.session.File(), "OTHER");
     room_.session.databaseList = {"INK", "OTHER"};
@@ -256,7 +255,7 @@ class JobOperator {
 
   std::mt19937_64 random_;
   bool negative_;
-  LifeRoom room_;
+  PinkRoom room_;
   std::map<std::string, Thousandths> sum_;
   std::map<std::string, Thousandths> expected_;
   std::vector<std::string> free_;  // colours whose sum an act may change by what it cannot know

@@ -8,21 +8,14 @@
 #include "core/datafile/databases.h"
 #include "core/datafile/lifecycle.h"
 #include "core/datafile/writer.h"
+#include "support/causes.h"
 #include "support/scratch.h"
 
 namespace vellumark {
 namespace {
 
 namespace fs = std::filesystem;
-
-std::string CauseOf(const std::function<void()>& act) {
-  try {
-    act();
-  } catch (const Failure& failure) {
-    return failure.cause;
-  }
-  return "no failure";
-}
+using test::CauseOf;
 
 struct Postgres : testing::Test {
   Postgres() {

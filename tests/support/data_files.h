@@ -6,6 +6,7 @@
 #include <unistd.h>
 
 #include <filesystem>
+#include <fstream>
 #include <functional>
 #include <optional>
 #include <string>
@@ -119,16 +120,17 @@ class NotedWindows : public StartupWindows {
   void SuggestArchive(Session&) override {}
 };
 
-/// Support Files and a session without a Data File, and a folder for Data Files.
-struct DataFileRoom {
-  DataFileRoom() {
-    std::filesystem::create_directories(folder / "VKDat");
-    PrepareSupportFiles(session, {folder / "VKDat", folder / "Program", {}});
-  }
-  void MakeFile(const std::filesystem::path& path, int version = kFileVersion) {
+inline void WriteFile(const std::filesystem::path& path, std::string_view text) {
+  std::filesystem::create_directories(path.parent_path());
+  std::ofstream(path, std::ios::binary) << text;
+}
+
+/// A session without a Data File, and a folder for Data Files.
+struct EmptyRoom {
+  void MakeFile(const std::filesystem::path& path, int version = kFileVersion, bool withDatabase = true) {
     CreateFile(path);
     const auto file = Database::Open(path, OpenMode::Exclusive);
-    CreateEmptyDatabase(*file, "INK");
+    if (withDatabase) CreateEmptyDatabase(*file, "INK");
     file->Execute("UPDATE FileInfo SET FileVersion = " + std::to_string(version));
   }
   SoundFolder folder;
@@ -136,6 +138,14 @@ struct DataFileRoom {
   NoProgress progress;
   FixedClock clock{DateTime{2026, 3, 10, 9, 0, 0}};
   Session session{prompt, progress, clock};
+};
+
+/// With Support Files.
+struct DataFileRoom : EmptyRoom {
+  DataFileRoom() {
+    std::filesystem::create_directories(folder / "VKDat");
+    PrepareSupportFiles(session, {folder / "VKDat", folder / "Program", {}});
+  }
   NotedWindows windows;
 };
 

@@ -10,6 +10,18 @@
 
 namespace vellumark::test {
 
+/// A Batch of ten pounds of PINK, all of it RED.
+inline std::vector<Cell> PinkBatch(int number, const Value& entered, const std::string& job) {
+  return {{"BatchNo", number},
+          {"Color_Name", "PINK"},
+          {"Date_Entered", entered},
+          {"Quantity", 10},
+          {"ActualQuantity", 10},
+          {"IngName0", "RED"},
+          {"IngType0", 1},
+          {"JobNumber", job}};
+}
+
 /// Ten years of an ink room in the Databases of an open file, up to the end of `lastYear`, `perYear` Batches a year in all:
 /// each with what it took and weighed; every third for a Job, of which some come back years later to what is left of the
 /// ink; two Designs; a Batch whose date was lost.
@@ -39,17 +51,9 @@ inline void AddTenYears(Database& file, int lastYear, int perYear) {
     const Value entered = number == batches / 2 ? Value() : Value(day);
     const std::string of = number % 3 == 0 ? "J" + std::to_string(number / 9) : "";
     const bool comesBack = number % 9 == 0;
-    InsertRow(file, schema::Batch, TableName(database, schema::Batch),
-              {{"BatchNo", number},
-               {"Color_Name", "PINK"},
-               {"Date_Entered", entered},
-               {"Quantity", 10},
-               {"ActualQuantity", 10},
-               {"IngName0", "RED"},
-               {"IngType0", 1},
-               {"IngQty0", 10},
-               {"Notes", std::string(static_cast<std::size_t>(number % 40), 'n')},
-               {"JobNumber", comesBack ? std::string(kSplitJobs) : of}});
+    std::vector<Cell> batch = PinkBatch(number, entered, comesBack ? std::string(kSplitJobs) : of);
+    batch.insert(batch.end(), {{"IngQty0", 10}, {"Notes", std::string(static_cast<std::size_t>(number % 40), 'n')}});
+    InsertRow(file, schema::Batch, TableName(database, schema::Batch), batch);
     InsertRow(file, schema::BatchLotInv, TableName(database, schema::BatchLotInv),
               {{"BatchNo", number}, {"DateEntered", entered}, {"IngName", "RED"}, {"IngType", 1}, {"LotQty", 10}});
     InsertRow(file, schema::BatchScaleResults, TableName(database, schema::BatchScaleResults),

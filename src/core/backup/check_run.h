@@ -104,6 +104,9 @@ void ForEachCheckedFormula(CheckRun& run, const std::string& database,
 void WalkRows(CheckRun& run, Statement& rows, std::int64_t all, const std::function<void(const Statement&)>& take);
 std::int64_t RowCount(Database& file, const std::string& table);
 
+/// Half of the last decimal in which stock is kept: figures that are nearer to each other are the same.
+inline constexpr double kSameStock = 0.0005;
+
 /// A quantity as a message shows it: three decimals at least.
 std::string FigureText(double quantity);
 

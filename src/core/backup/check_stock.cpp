@@ -16,7 +16,6 @@ namespace {
 
 constexpr std::int32_t kLastLotRef = 999'998;
 // Half of the last decimal in which stock is kept.
-constexpr double kSameStock = 0.0005;
 
 constexpr ColorKind kKinds[] = {ColorKind::Basic, ColorKind::Mix};
 

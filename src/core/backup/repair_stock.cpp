@@ -3,6 +3,7 @@
 #include <cmath>
 #include <utility>
 
+#include "core/backup/check_run.h"
 #include "core/backup/repair_run.h"
 #include "core/base/number.h"
 #include "core/datafile/job_links.h"
@@ -18,7 +19,6 @@
 namespace vellumark {
 namespace {
 
-constexpr double kSameStock = 0.0005;  // half of the last decimal in which stock is kept
 constexpr std::string_view kDocument = "Repair";
 
 struct NullStock {

@@ -172,20 +172,6 @@ Result<CloudStock> ReadCloudStock(Session& session, const CloudStockWish& wish) 
   return stock;
 }
 
-std::vector<std::string> CloudDatabases(const Session& session) {
-  std::vector<std::string> names;
-  for (const ShareRow& share : SharesHere(session)) {
-    if (!share.came) continue;
-    try {
-      const auto file = Database::Open(SharedDataFile(session, share.AcctNum), OpenMode::ReadOnly);
-      for (const std::string& database : DatabasesIn(*file)) names.push_back(share.AcctNum + "/" + database);
-    } catch (const Failure&) {
-      continue;  // a file that cannot be read has no Databases to choose; the report of its stock tells why
-    }
-  }
-  return names;
-}
-
 ListTable CloudStockTable(const Session& session, std::vector<CloudStockRow> rows) {
   using Row = CloudStockRow;
   const std::string unit(UnitName(session.UMI));

@@ -54,8 +54,6 @@ struct CloudStock {
 /// Reads what lies here of the accounts of the list; it was fetched before. Refused: nobody in the list, and when
 /// nothing is found.
 Result<CloudStock> ReadCloudStock(Session& session, const CloudStockWish& wish);
-/// The Databases that can be asked for, "account/Database", in the order of the lists.
-std::vector<std::string> CloudDatabases(const Session& session);
 ListTable CloudStockTable(const Session& session, std::vector<CloudStockRow> rows);
 
 }  // namespace vellumark

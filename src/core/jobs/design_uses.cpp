@@ -8,10 +8,17 @@
 namespace vellumark {
 namespace {
 
-void TellJobs(Session& session, Transaction& transaction, std::string_view designID) {
+// One field of all items of Jobs that bear the Design.
+void RewriteItems(Session& session, Transaction& transaction, std::string_view designID, std::string_view field,
+                  std::string_view value) {
   Statement rows = session.File().Prepare("SELECT DISTINCT JobNumber FROM JobRecords WHERE DesignID = ?");
   rows.Bind(1, designID);
   while (rows.Step()) transaction.Note({Change::Kind::Job, "", rows.Text(0), Change::What::Updated, {}});
+  session.File()
+      .Prepare(fmt::format("UPDATE JobRecords SET {} = ?1 WHERE DesignID = ?2", field))
+      .Bind(1, value)
+      .Bind(2, designID)
+      .Run();
 }
 
 }  // namespace
@@ -54,24 +61,14 @@ bool JobsBearDesign(const Session& session, std::string_view designID) {
 
 void RenameJobDesign(Session& session, std::string_view designID, std::string_view newID) {
   Transaction transaction(session.File());
-  TellJobs(session, transaction, designID);
-  session.File()
-      .Prepare("UPDATE JobRecords SET DesignID = ?1 WHERE DesignID = ?2")
-      .Bind(1, newID)
-      .Bind(2, designID)
-      .Run();
+  RewriteItems(session, transaction, designID, "DesignID", newID);
   RenameMovedDesign(session.File(), designID, newID);
   transaction.Commit();
 }
 
 void RewriteJobDesignDesc(Session& session, std::string_view designID, std::string_view description) {
   Transaction transaction(session.File());
-  TellJobs(session, transaction, designID);
-  session.File()
-      .Prepare("UPDATE JobRecords SET DesignDesc = ?1 WHERE DesignID = ?2")
-      .Bind(1, description)
-      .Bind(2, designID)
-      .Run();
+  RewriteItems(session, transaction, designID, "DesignDesc", description);
   transaction.Commit();
 }
 

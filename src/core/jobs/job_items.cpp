@@ -7,6 +7,8 @@
 #include "core/base/number.h"
 #include "core/base/text.h"
 #include "core/colors/amounts.h"
+#include "core/colors/basics.h"
+#include "core/colors/formulas.h"
 #include "core/jobs/job_numbers.h"
 #include "core/jobs/job_options.h"
 #include "core/jobs/job_records.h"
@@ -19,32 +21,19 @@ namespace {
 
 constexpr const char* kTitle = "Add Job Item";
 
-struct ColorFigures {
-  std::string Color_Name;
-  std::string Color_Code;
-  float PurchaseCost = 0;
-  float BasicCost = 0;
-  float VOC = 0;
-  float HAP = 0;
-  float BasicVOC = 0;
-  float BasicHAP = 0;
-};
-
-std::optional<ColorFigures> ReadFiguresOf(const Session& session, std::string_view database, const std::string& name,
-                                          ColorKind kind) {
-  Statement row = session.File().Prepare(fmt::format(
-      "SELECT Color_Name, Color_Code, PurchaseCost, VOC, HAP{} FROM {} WHERE Color_Name = ?1 ORDER BY RowKey "
-      "LIMIT 1",
-      kind == ColorKind::Mix ? ", BasicCost, BasicVOC, BasicHAP" : "",
-      Quoted(session.Table(ColorTable(kind), database))));
-  if (!row.Bind(1, name).Step()) return std::nullopt;
-  ColorFigures figures{row.Text(0), row.Text(1), row.Single(2), 0, row.Single(3), row.Single(4), 0, 0};
-  if (kind == ColorKind::Mix) {
-    figures.BasicCost = row.Single(5);
-    figures.BasicVOC = row.Single(6);
-    figures.BasicHAP = row.Single(7);
-  }
-  return figures;
+// A Basic Color as a formula that costs and emits what it does itself.
+std::optional<MixColor> ReadColorOf(const Session& session, std::string_view database, const std::string& name,
+                                    ColorKind kind) {
+  if (kind == ColorKind::Mix) return ReadMix(session, name, database);
+  const auto basic = ReadBasic(session, name, database);
+  if (!basic) return std::nullopt;
+  MixColor color;
+  color.Color_Name = basic->Color_Name;
+  color.Color_Code = basic->Color_Code;
+  color.PurchaseCost = basic->PurchaseCost;
+  color.VOC = basic->VOC;
+  color.HAP = basic->HAP;
+  return color;
 }
 
 float Emission(ColorKind kind, int option, float own, float ofBasics) {
@@ -52,7 +41,7 @@ float Emission(ColorKind kind, int option, float own, float ofBasics) {
   return option == 1 ? ofBasics : 0;
 }
 
-float UnitCostOf(const Session& session, const ColorFigures& color, ColorKind kind, int option, const LotRow* lot) {
+float UnitCostOf(const Session& session, const MixColor& color, ColorKind kind, int option, const LotRow* lot) {
   float cost = color.PurchaseCost;
   if (kind == ColorKind::Mix) {
     if (option == 0) cost = lot != nullptr ? lot->LotPrice : color.BasicCost;
@@ -88,7 +77,7 @@ class Adding {
     if (database == nullptr)
       return Refuse("Color Not Found", fmt::format("There is no Database {}.", entry_.Database), "Database");
     database_ = *database;
-    const auto color = ReadFiguresOf(session_, database_, entry_.Color_Name, entry_.kind);
+    const auto color = ReadColorOf(session_, database_, entry_.Color_Name, entry_.kind);
     if (!color) return Refuse("Color Not Found", "This Color was not found in the selected Database.", "Color_Name");
     color_ = *color;
     const auto design = DesignOf(session_, Trim(entry_.DesignID));
@@ -196,7 +185,7 @@ class Adding {
   const JobItemEntry& entry_;
   std::string number_;
   std::string database_;
-  ColorFigures color_;
+  MixColor color_;
   NamedDesign design_;
   bool insists_ = false;
 };
@@ -229,7 +218,7 @@ Result<ColorKind> ChooseJobColor(const Session& session, std::string_view databa
 
 std::vector<JobStock> JobStockOf(const Session& session, std::string_view database, const std::string& name,
                                  ColorKind kind, const JobCosting& costing) {
-  const auto color = ReadFiguresOf(session, database, name, kind);
+  const auto color = ReadColorOf(session, database, name, kind);
   if (!color) return {};
   const auto price = [&](const LotRow* lot) { return UnitCostOf(session, *color, kind, costing.cost, lot); };
   std::vector<JobStock> places{{.LotRefID = 0,
@@ -251,7 +240,7 @@ std::vector<JobStock> JobStockOf(const Session& session, std::string_view databa
 
 std::optional<JobFigures> JobFiguresOf(const Session& session, std::string_view database, const std::string& name,
                                        ColorKind kind, const JobCosting& costing) {
-  const auto color = ReadFiguresOf(session, database, name, kind);
+  const auto color = ReadColorOf(session, database, name, kind);
   if (!color) return std::nullopt;
   return JobFigures{Emission(kind, costing.VOC, color->VOC, color->BasicVOC),
                     Emission(kind, costing.HAP, color->HAP, color->BasicHAP), color->Color_Code};

@@ -1,30 +1,14 @@
 #pragma once
 
 #include <algorithm>
-#include <cstdint>
 #include <string>
 #include <string_view>
-#include <unordered_map>
 #include <vector>
 
 #include "core/base/text.h"
+#include "core/colors/name_map.h"
 
 namespace vellumark {
-
-/// Names that differ in case alone are one.
-struct NameHash {
-  using is_transparent = void;
-  std::size_t operator()(std::string_view name) const {
-    std::uint64_t hash = 14695981039346656037U;
-    for (const char c : name)
-      hash = (hash ^ static_cast<unsigned char>(c >= 'a' && c <= 'z' ? c - 32 : c)) * 1099511628211U;
-    return static_cast<std::size_t>(hash);
-  }
-};
-struct NameEqual {
-  using is_transparent = void;
-  bool operator()(std::string_view a, std::string_view b) const { return EqualNoCase(a, b); }
-};
 
 /// Records that are added up under a name, which each keeps as `name`.
 template <class Record>
@@ -51,7 +35,7 @@ class ByName {
   }
 
  private:
-  std::unordered_map<std::string, Record, NameHash, NameEqual> records_;
+  NameMap<Record> records_;
 };
 
 }  // namespace vellumark

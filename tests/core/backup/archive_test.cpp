@@ -10,6 +10,7 @@
 #include "core/jobs/design_uses.h"
 #include "core/session/users.h"
 #include "support/ink_room.h"
+#include "support/old_room.h"
 
 namespace vellumark {
 namespace {
@@ -28,14 +29,7 @@ struct Archives : testing::Test, test::InkRoom {
     const auto add = [&](const Table& table, const std::vector<Cell>& cells) {
       InsertRow(session.File(), table, TableName(database, table), cells);
     };
-    add(schema::Batch, {{"BatchNo", number},
-                        {"Color_Name", "PINK"},
-                        {"Date_Entered", entered},
-                        {"Quantity", 10},
-                        {"ActualQuantity", 10},
-                        {"IngName0", "RED"},
-                        {"IngType0", 1},
-                        {"JobNumber", job}});
+    add(schema::Batch, test::PinkBatch(number, entered, job));
     add(schema::BatchLotInv, {{"BatchNo", number}, {"DateEntered", entered}, {"IngName", "RED"}, {"IngType", 1}, {"LotQty", 10}});
     add(schema::BatchScaleResults, {{"BatchID", number}, {"ColorName", "RED"}, {"IngType", 1}});
     MoveCounter({{"BatchNo", number}});

@@ -2,8 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <fstream>
-
 #include "core/backup/failed_backup.h"
 #include "core/base/files.h"
 #include "support/data_files.h"
@@ -12,29 +10,14 @@ namespace vellumark {
 namespace {
 
 namespace fs = std::filesystem;
-
-void Write(const fs::path& path, std::string_view text) {
-  fs::create_directories(path.parent_path());
-  std::ofstream(path, std::ios::binary) << text;
-}
+using test::WriteFile;
 
 // A Data File that nobody has open, the Support Files and a session.
-struct ClosedRoom {
+struct ClosedRoom : test::EmptyRoom {
   ClosedRoom() {
     session.support = std::make_unique<SupportFiles>(folder / "VKDat");
     WriteMissingSupportFiles(*session.support);
   }
-  void MakeFile(const fs::path& path, int version = kFileVersion) {
-    CreateFile(path);
-    const auto file = Database::Open(path, OpenMode::Exclusive);
-    CreateEmptyDatabase(*file, "INK");
-    file->Execute("UPDATE FileInfo SET FileVersion = " + std::to_string(version));
-  }
-  test::SoundFolder folder;
-  test::ScriptedPrompt prompt;
-  NoProgress progress;
-  FixedClock clock{DateTime{2026, 3, 10, 9, 0, 0}};
-  Session session{prompt, progress, clock};
 };
 
 class BackupSets : public testing::Test {
@@ -43,9 +26,9 @@ class BackupSets : public testing::Test {
     room.MakeFile(file);
     const auto opened = Database::Open(file, OpenMode::Exclusive);
     opened->Execute("INSERT INTO INK_Basic (Color_Name, Notes) VALUES ('RED', 'keep me')");
-    Write(room.folder.Path() / "DesignPhotos" / "Gloss.JPG", "a picture");
-    Write(room.folder.Path() / "DesignPhotos" / "matte.jpg", "another");
-    Write(room.folder.Path() / "DesignPhotos" / "Thumbs.db", "no picture");
+    WriteFile(room.folder.Path() / "DesignPhotos" / "Gloss.JPG", "a picture");
+    WriteFile(room.folder.Path() / "DesignPhotos" / "matte.jpg", "another");
+    WriteFile(room.folder.Path() / "DesignPhotos" / "Thumbs.db", "no picture");
   }
 
   BackupSet Make(std::optional<std::size_t> keep = {}) { return MakeBackupSet(room.session, file, target, keep); }
@@ -59,7 +42,7 @@ class BackupSets : public testing::Test {
   // Sets as an earlier program left them: a Data File and no proof.
   void OldSets(int count, const std::string& dataFile = "Ink.vkd") {
     for (int day = 1; day <= count; ++day)
-      Write(target / SetName({2025, 1, day, 8, 0, 0}) / dataFile, "whatever");
+      WriteFile(target / SetName({2025, 1, day, 8, 0, 0}) / dataFile, "whatever");
   }
 
   ClosedRoom room;
@@ -135,15 +118,15 @@ TEST_F(BackupSets, WhatChangedBehindItsBackIsNamed) {
   std::string bytes = ReadFileBytes(set.dataFile);
   const std::string sound = bytes;
   bytes[bytes.find("keep me")] ^= 1;  // one bit of one stored value, which no rule of the engine sees
-  Write(set.dataFile, bytes);
+  WriteFile(set.dataFile, bytes);
   EXPECT_EQ(faults(), "Ink.vkd: the file is not what it was when the set was made\n"
                       "INK_Basic, row 1 (RED): The row is not as this program wrote it. [Rows]\n"
                       "INK_Basic: values are not those of when the set was made\n");
-  Write(set.dataFile, sound.substr(0, sound.size() / 2));
+  WriteFile(set.dataFile, sound.substr(0, sound.size() / 2));
   EXPECT_NE(faults().find("Ink.vkd"), std::string::npos);
-  Write(set.dataFile, sound);
+  WriteFile(set.dataFile, sound);
   EXPECT_EQ(faults(), "");
-  Write(set.folder / "DesignPhotos" / "matte.jpg", "anothes");
+  WriteFile(set.folder / "DesignPhotos" / "matte.jpg", "anothes");
   fs::remove(set.folder / "SUV_Files" / "vk50suvdf.dat");
   EXPECT_NE(faults().find("SUV_Files/vk50suvdf.dat: "), std::string::npos);
   EXPECT_NE(faults().find("DesignPhotos/matte.jpg: the file is not what it was"), std::string::npos);
@@ -162,7 +145,7 @@ TEST_F(BackupSets, AnEarlierProofHoldsAndAPresentOneIsTrusted) {
   ASSERT_NE(text.find(told), std::string::npos);
   text.erase(text.find(told), told.size());
   const auto faults = [&](const std::string& proof, Reproof reproof) {
-    Write(made.folder / kProofFile, proof);
+    WriteFile(made.folder / kProofFile, proof);
     return VerifySet(room.session, *ReadSet(made.folder), reproof).faults.size();
   };
   EXPECT_EQ(faults(text, Reproof::Always), 0U);
@@ -171,9 +154,9 @@ TEST_F(BackupSets, AnEarlierProofHoldsAndAPresentOneIsTrusted) {
   const std::size_t tables = wrong.content.tables.size();
   EXPECT_EQ(faults(ProofText(wrong), Reproof::Always), tables);
   EXPECT_EQ(faults(ProofText(wrong), Reproof::IfNeeded), 0U);
-  Write(made.folder / "DesignPhotos" / "matte.jpg", "anothes");
+  WriteFile(made.folder / "DesignPhotos" / "matte.jpg", "anothes");
   EXPECT_EQ(faults(ProofText(wrong), Reproof::IfNeeded), tables + 1);
-  Write(made.folder / "DesignPhotos" / "matte.jpg", "another");
+  WriteFile(made.folder / "DesignPhotos" / "matte.jpg", "another");
   wrong.program = "4.0.0";
   EXPECT_EQ(faults(ProofText(wrong), Reproof::IfNeeded), tables);
 }
@@ -183,8 +166,8 @@ TEST_F(BackupSets, PruningAtExactlyThirtyOfThisFile) {
   for (const int before : {29, 30, 31}) {
     fs::remove_all(target);
     OldSets(before);
-    Write(target / "VK_Backup_01_01_2020__08_00_00" / "Other.vkd", "another file of the folder");
-    Write(target / "VK_Backup_01_02_2020__08_00_00" / "notes.txt", "no Data File: no set");
+    WriteFile(target / "VK_Backup_01_01_2020__08_00_00" / "Other.vkd", "another file of the folder");
+    WriteFile(target / "VK_Backup_01_02_2020__08_00_00" / "notes.txt", "no Data File: no set");
     Make(kAutomaticSets);
     const std::vector<std::string> names = Names();
     EXPECT_EQ(names.size(), before == 30 ? 31U : before + 2U) << before;
@@ -207,7 +190,7 @@ TEST_F(BackupSets, AFileWithFaultsIsBackedUpAndTheyAreTold) {
 
 TEST_F(BackupSets, WhatFailsLeavesTheSetsAsTheyWere) {
   const BackupSet before = Make();
-  Write(target / ".VK_Backup_01_01_2026__08_00_00" / "Ink.vkd", "of a killed process");
+  WriteFile(target / ".VK_Backup_01_01_2026__08_00_00" / "Ink.vkd", "of a killed process");
   {
     const test::HeldFile held(file);
     EXPECT_THROW(Make(), Failure);
@@ -290,7 +273,7 @@ TEST_F(BackupSets, TheClosingBacksUpWhatIsAFileOfItsOwn) {
   EXPECT_FALSE(closing(room.folder / "Gone.vkd"));
 
   fs::remove_all(target);
-  Write(target, "a file in the place of the folder");
+  WriteFile(target, "a file in the place of the folder");
   room.session.BackupsFolder = room.folder / "VKDat" / "Backups";
   EXPECT_FALSE(LastFailedBackup(room.session, file));
   room.prompt.Expect("Backup");

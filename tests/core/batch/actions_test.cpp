@@ -15,15 +15,12 @@ constexpr const char* kDecrease = "Batch Window - Allow Recycled Ink Amounts to 
 constexpr const char* kIncrease = "Batch Window - Allow Recycled Ink Amounts to Increase?";
 constexpr const char* kRemove = "Batch Window - Remove Mix Colors From Batch?";
 
-struct Actions : testing::Test {
+struct Actions : test::BatchRoomTest {
   Actions() {
     room.Basics({"RED", "BLUE", "YELLOW"});
     room.Mix("TARGET", {{"RED", 60}, {"BLUE", 40}});
     room.Ink("VIOLET", {{"RED", 50}, {"BLUE", 50}}, 30);
   }
-  test::BatchRoom room;
-  BatchWork& work = room.work;
-  Session& session = room.session;
 };
 
 TEST_F(Actions, QuantityIsValidatedBeforeAnythingIsTouched) {

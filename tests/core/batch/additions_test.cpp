@@ -12,7 +12,7 @@ namespace {
 
 using test::Lines;
 
-struct Additions : testing::Test {
+struct Additions : test::BatchRoomTest {
   Additions() {
     room.Setting("InvLotTracking", "0");
     room.Basics({"RED", "BLUE", "YELLOW"});
@@ -21,9 +21,6 @@ struct Additions : testing::Test {
     room.Mix("TARGET", {{"RED", 60}, {"BLUE", 40}});
     room.Mixed("TARGET", "100");
   }
-  test::BatchRoom room;
-  BatchWork& work = room.work;
-  Session& session = room.session;
 };
 
 TEST_F(Additions, JoinTheBatchAndRaiseItsTotalOnly) {

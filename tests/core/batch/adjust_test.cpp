@@ -10,7 +10,7 @@ namespace {
 
 using test::Lines;
 
-struct Adjust : testing::Test {
+struct Adjust : test::BatchRoomTest {
   Adjust() {
     room.Basics({"RED", "BLUE", "YELLOW"});
     room.Mix("TARGET", {{"RED", 50}, {"BLUE", 30}, {"YELLOW", 20}});
@@ -18,9 +18,6 @@ struct Adjust : testing::Test {
     room.Ink("GREEN", {{"BLUE", 50}, {"YELLOW", 50}}, 10);
     room.Ink("ORANGE", {{"RED", 50}, {"YELLOW", 50}}, 0);
   }
-  test::BatchRoom room;
-  BatchWork& work = room.work;
-  Session& session = room.session;
 };
 
 TEST_F(Adjust, RecycledRowThenMix) {

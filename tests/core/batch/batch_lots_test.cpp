@@ -7,6 +7,7 @@ namespace vellumark {
 namespace {
 
 using test::LifeRoom;
+using test::PinkRoom;
 using test::Use;
 
 // The lots that Batch 1 recorded for a colour: "L1 6", "Unlotted Inv. 4".
@@ -19,8 +20,7 @@ std::vector<std::string> Recorded(const LifeRoom& room, std::string_view name) {
 using Rows = std::vector<std::string>;
 
 TEST(BatchLots, WhatIsNotDrawnFromALotIsUnlotted) {
-  LifeRoom room;
-  room.PinkRoom();
+  PinkRoom room;
   room.Lot(ColorKind::Basic, "RED", 1, 6);
   room.Lot(ColorKind::Basic, "WHITE", 1, 50);
   room.Mixed("PINK", "40");
@@ -42,9 +42,8 @@ TEST(BatchLots, WhatIsNotDrawnFromALotIsUnlotted) {
 }
 
 TEST(BatchLots, ChosenLotsThatWentOrShrankGiveWhatIsThere) {
-  LifeRoom room;
+  PinkRoom room;
   room.Breaks("StockHistory");
-  room.PinkRoom();
   for (const std::int32_t ref : {1, 2, 3}) room.Lot(ColorKind::Basic, "RED", ref, 4);
   room.Mixed("PINK", "40");
   room.Select(1, {Use(1, 3), Use(2, 3), Use(3, 4)});
@@ -58,8 +57,7 @@ TEST(BatchLots, ChosenLotsThatWentOrShrankGiveWhatIsThere) {
 }
 
 TEST(BatchLots, AContainerIsEmptiedAndTheRestOfALotWrittenOff) {
-  LifeRoom room;
-  room.PinkRoom();
+  PinkRoom room;
   room.Lot(ColorKind::Basic, "RED", 1, 10.2F);
   room.Lot(ColorKind::Basic, "WHITE", 1, 36);
   room.Mixed("PINK", "40");
@@ -74,8 +72,7 @@ TEST(BatchLots, AContainerIsEmptiedAndTheRestOfALotWrittenOff) {
 }
 
 TEST(BatchLots, TheSameLotForALineAndItsAddition) {
-  LifeRoom room;
-  room.PinkRoom();
+  PinkRoom room;
   room.Lot(ColorKind::Basic, "RED", 1, 11);
   room.Mixed("PINK", "40");
   ASSERT_TRUE(AddBatchAdditions(room.session, room.record, {{"RED", "2"}}));
@@ -89,8 +86,7 @@ TEST(BatchLots, TheSameLotForALineAndItsAddition) {
 }
 
 TEST(BatchLots, ANegativeAdditionLowersTheNeed) {
-  LifeRoom room;
-  room.PinkRoom();
+  PinkRoom room;
   room.Lot(ColorKind::Basic, "RED", 1, 9);
   room.Mixed("PINK", "40");
   room.prompt.Expect("Re-enter Inventory Lot Selections");
@@ -112,8 +108,7 @@ TEST(BatchLots, ANegativeAdditionLowersTheNeed) {
 }
 
 TEST(BatchLots, RowsThatStayKeepTheirSelection) {
-  LifeRoom room;
-  room.PinkRoom();
+  PinkRoom room;
   room.Basic("BLUE", 50);
   room.Formula("PLUM", {{"RED", 20.0F}, {"WHITE", 50.0F}, {"BLUE", 30.0F}});
   room.Formula("ROSE", {{"RED", 50.0F}, {"WHITE", 50.0F}}, 8);
@@ -138,8 +133,7 @@ TEST(BatchLots, RowsThatStayKeepTheirSelection) {
 }
 
 TEST(BatchLots, ReferencesThatABatchCannotRecordAreRefused) {
-  LifeRoom room;
-  room.PinkRoom();
+  PinkRoom room;
   room.Lot(ColorKind::Basic, "RED", 32768, 20);
   room.Mixed("PINK", "40");
   room.Select(1, {Use(32768, 10)});
@@ -151,8 +145,7 @@ TEST(BatchLots, ReferencesThatABatchCannotRecordAreRefused) {
 // ---- The formula that additions change
 
 TEST(ModifiedBatch, FoldsTheAdditionsIntoTheFormula) {
-  LifeRoom room;
-  room.PinkRoom();
+  PinkRoom room;
   room.Mixed("PINK", "40");
   ASSERT_TRUE(AddBatchAdditions(room.session, room.record, {{"RED", "10"}}));
   EXPECT_TRUE(OffersFormulaChange(room.session, room.record));
@@ -174,8 +167,7 @@ TEST(ModifiedBatch, FoldsTheAdditionsIntoTheFormula) {
 }
 
 TEST(ModifiedBatch, MakesANewFormulaAndGoesOnUnderItsName) {
-  LifeRoom room;
-  room.PinkRoom();
+  PinkRoom room;
   room.Basic("ROSE", 0);
   room.Mixed("PINK", "40");
   ASSERT_TRUE(AddBatchAdditions(room.session, room.record, {{"RED", "10"}}));
@@ -197,8 +189,7 @@ TEST(ModifiedBatch, MakesANewFormulaAndGoesOnUnderItsName) {
 }
 
 TEST(ModifiedBatch, IsNotOfferedWhereItCannotBe) {
-  LifeRoom room;
-  room.PinkRoom();
+  PinkRoom room;
   room.Formula("ROSE", {{"RED", 50.0F}, {"WHITE", 50.0F}}, 8);
   room.record = NewBatchRecord(room.session);
   ASSERT_TRUE(EnterBatchColor(room.session, room.record, "PINK"));
@@ -218,8 +209,7 @@ TEST(ModifiedBatch, IsNotOfferedWhereItCannotBe) {
 }
 
 TEST(ModifiedBatch, NeverLeavesAFormulaOfNothingButItsAdditiveSet) {
-  LifeRoom room;
-  room.PinkRoom();
+  PinkRoom room;
   room.Basic("WAX", 10, {{"Additive", true}});
   room.AddRow(schema::Additives,
               {{"SetName", "WAXED"}, {"SetList", "<WAX>"}, {"Add_Name0", "WAX"}, {"Add_Percent0", 5.0F}});

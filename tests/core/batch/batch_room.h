@@ -67,6 +67,13 @@ struct BatchRoom : InkRoom {
   int lots_ = 0;
 };
 
+/// The room of a test, whose parts bear their own names.
+struct BatchRoomTest : testing::Test {
+  BatchRoom room;
+  BatchWork& work = room.work;
+  Session& session = room.session;
+};
+
 using Lines = std::vector<std::string>;
 
 }  // namespace vellumark::test

@@ -13,8 +13,7 @@ class BetweenUnits : public testing::TestWithParam<std::pair<const char*, const 
 TEST_P(BetweenUnits, WhatWentToStockComesOutOfItAgain) {
   const auto& [quantity, used] = GetParam();
   for (const bool lotted : {false, true}) {
-    LifeRoom room;
-    room.PinkRoom();
+    PinkRoom room;
     room.session.InvLotTracking = lotted ? 1 : 0;
     room.session.UMI = 1;
     room.HaveStock(ColorKind::Mix, 10);
@@ -52,8 +51,7 @@ INSTANTIATE_TEST_SUITE_P(Grams, BetweenUnits,
 
 // Three jobs use it all, in grams; in pounds their shares alone would leave a thousandth that was never in stock.
 TEST(BatchConserves, JobsThatUseItAllLeaveNothing) {
-  LifeRoom room;
-  room.PinkRoom();
+  PinkRoom room;
   room.session.InvLotTracking = 0;
   room.session.UMI = 1;
   room.HaveStock(ColorKind::Mix, 10);
@@ -107,8 +105,7 @@ TEST(BatchConserves, TwoLinesOfTheSameColour) {
 
 // Its own ink recycled into it, with and without lots.
 TEST(BatchConserves, TheMadeColourRecycled) {
-  LifeRoom room;
-  room.PinkRoom();
+  PinkRoom room;
   room.HaveStock(ColorKind::Mix, 30);
   room.record = NewBatchRecord(room.session);
   ASSERT_TRUE(EnterBatchColor(room.session, room.record, "PINK"));
@@ -133,8 +130,7 @@ TEST(BatchConserves, TheMadeColourRecycled) {
 
 // Random negative additions with lots chosen, saved again and deleted.
 TEST(BatchConserves, ANegativeAdditionWithLots) {
-  LifeRoom room;
-  room.PinkRoom();
+  PinkRoom room;
   room.Lot(ColorKind::Basic, "RED", 1, 40);
   room.Mixed("PINK", "100");
   room.prompt.Expect("Re-enter Inventory Lot Selections", Answer::Ok);
@@ -160,8 +156,7 @@ TEST(BatchConserves, ANegativeAdditionWithLots) {
 // the Batch on the bench still has the old name and is not stored.
 TEST(BatchConserves, AColourRenamedOrMergedWhileOpen) {
   for (const bool merged : {false, true}) {
-    LifeRoom room;
-    room.PinkRoom();
+    PinkRoom room;
     const std::int32_t number = room.Saved("PINK", "100");
     room.Open(number);
     if (merged) room.prompt.Expect(std::string(20, ' ') + "Basic Color Name Exists", Answer::Yes);
@@ -204,9 +199,8 @@ TEST(BatchConserves, WhatWasNotThereDoesNotComeBack) {
                                {"below zero", false, 10, -15, true}}) {
     SCOPED_TRACE(one.name);
     for (const bool tracking : {true, false}) {
-      LifeRoom room;
+      PinkRoom room;
       room.Setting("AllowNegInv", one.negative ? "1" : "0");
-      room.PinkRoom();
       room.HaveStock(ColorKind::Basic, one.red);
       if (one.lots) room.Lot(ColorKind::Basic, "RED", 1, 171.25F);
       room.session.InvLotTracking = tracking ? 1 : 0;
@@ -230,32 +224,37 @@ TEST(BatchConserves, WhatWasNotThereDoesNotComeBack) {
   }
 }
 
-// Stock that moved while the Batch was open: what it took again is no more than was there.
+// Stock that moved while the Batch was open: what it took again is no more than was there, of a pound or of a part of it.
 TEST(BatchConserves, StockThatWentWhileTheBatchWasOpen) {
-  LifeRoom room;
-  room.Setting("AllowNegInv", "0");
-  room.PinkRoom();
-  room.Lot(ColorKind::Basic, "WHITE", 1, 75);
-  room.Mixed("PINK", "100");
-  room.Select(0, {Use(1, 75)});
-  const std::int32_t number = room.Save();
-  room.Open(number);
-  PostStock(room.session, {.source = PostingSource::ManualAdjust, .name = "RED", .quantity = -90});
-  PostStock(room.session,
-            {.source = PostingSource::ManualAdjust, .name = "WHITE", .quantity = -75, .place = {.LotRefID = 1}});
-  ASSERT_TRUE(CancelBatch(room.session, room.record).value());
-  EXPECT_EQ(room.Red(), 0);
-  DeleteAndReturn(room, number);
-  EXPECT_EQ(room.Red(), 10);
-  EXPECT_TRUE(room.LotQty(ColorKind::Basic, "WHITE", 1).IsNull());
-  EXPECT_EQ(room.White(), 200);
+  struct Case {
+    const char* quantity;
+    float white, left;
+  };
+  for (const Case& c : {Case{"100", 75, 10}, Case{"2", 1.5F, 0.2F}}) {
+    SCOPED_TRACE(c.quantity);
+    PinkRoom room;
+    room.Setting("AllowNegInv", "0");
+    room.Lot(ColorKind::Basic, "WHITE", 1, c.white);
+    room.Mixed("PINK", c.quantity);
+    room.Select(0, {Use(1, c.white)});
+    const std::int32_t number = room.Save();
+    room.Open(number);
+    PostStock(room.session, {.source = PostingSource::ManualAdjust, .name = "RED", .quantity = c.left - 100});
+    PostStock(room.session,
+              {.source = PostingSource::ManualAdjust, .name = "WHITE", .quantity = -c.white, .place = {.LotRefID = 1}});
+    ASSERT_TRUE(CancelBatch(room.session, room.record).value());
+    EXPECT_EQ(room.Red(), 0);
+    DeleteAndReturn(room, number);
+    EXPECT_EQ(room.Red(), c.left);
+    EXPECT_TRUE(room.LotQty(ColorKind::Basic, "WHITE", 1).IsNull());
+    EXPECT_EQ(room.White(), 200);
+  }
 }
 
 // Batches of a time when the amount needed was recorded come back as they were recorded.
 TEST(BatchConserves, ARecordOfWhatWasNeededIsReadAsItStands) {
-  LifeRoom room;
+  PinkRoom room;
   room.Setting("AllowNegInv", "0");
-  room.PinkRoom();
   room.HaveStock(ColorKind::Basic, 10);
   const std::int32_t number = room.Saved("PINK", "100");
   room.session.File().Execute("UPDATE INK_Batch_LotInv SET LotQty = 25 WHERE IngName = 'RED'");
@@ -267,8 +266,7 @@ TEST(BatchConserves, ARecordOfWhatWasNeededIsReadAsItStands) {
 // A Batch used a lot up, and its reference went to another: each keeps its own ink. The same for the lot it made.
 TEST(BatchConserves, ALotWhoseReferenceIsAnothersByNow) {
   for (const bool changed : {false, true}) {
-    LifeRoom room;
-    room.PinkRoom();
+    PinkRoom room;
     room.Lot(ColorKind::Basic, "RED", 1, 25);
     room.session.File().Execute("UPDATE INK_Basic SET LotRefID = 1 WHERE Color_Name = 'RED'");
     room.Mixed("PINK", "100");
@@ -312,8 +310,7 @@ TEST(BatchConserves, ALotWhoseReferenceIsAnothersByNow) {
 
 // The ink lies in its lot, whether lots are shown or not: from there it goes, and once.
 TEST(BatchConserves, WhatWentToALotLeavesItWhileLotsAreNotInUse) {
-  LifeRoom room;
-  room.PinkRoom();
+  PinkRoom room;
   room.HaveStock(ColorKind::Mix, 400);
   room.Mixed("PINK", "100");
   room.record.fields.LotNumber = "MADE";
@@ -337,8 +334,7 @@ TEST(BatchConserves, WhatWentToALotLeavesItWhileLotsAreNotInUse) {
 
 // Looked at, or saved with no other takings, a Batch leaves no line in the history of stock.
 TEST(BatchConserves, OpeningsThatAreRestoredLeaveNoTrace) {
-  LifeRoom room;
-  room.PinkRoom();
+  PinkRoom room;
   room.Setting("InvCutoff", "0.5");
   room.Lot(ColorKind::Basic, "RED", 1, 10.2F);
   room.Lot(ColorKind::Basic, "WHITE", 1, 50);

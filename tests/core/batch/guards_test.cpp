@@ -9,6 +9,7 @@ namespace vellumark {
 namespace {
 
 using test::LifeRoom;
+using test::PinkRoom;
 using test::Use;
 
 struct Way {
@@ -76,7 +77,7 @@ enum class Held { Completed, ANo, FormulaChanged };
 
 // The Batch of a job, by then completed, of an earlier day, or of a formula that was changed.
 void OpenHeld(LifeRoom& room, Held held) {
-  room.PinkRoom();
+  room.MakePink();
   room.Formula("ROSE", {{"RED", 50.0F}, {"WHITE", 50.0F}}, 8);
   room.LaterSetting("BatchComplete", held == Held::Completed ? "1" : "0");
   room.Setting("Overpour", "1");
@@ -160,9 +161,8 @@ struct Warned final : BatchDialogs {
 };
 
 TEST(BatchSave, TellsWhatStockDoesNotCover) {
-  LifeRoom room;
+  PinkRoom room;
   room.Setting("AllowNegInv", "0");
-  room.PinkRoom();
   room.Basic("BLACK", 0);
   room.HaveStock(ColorKind::Basic, 3);
   room.session.File().Execute("UPDATE INK_Basic SET Inventory = 0 WHERE Color_Name = 'BLACK'");
@@ -189,10 +189,9 @@ TEST(BatchSave, TellsWhatStockDoesNotCover) {
 
 // The lot number may be there by itself; what counts is whether the lines say where they come from.
 TEST(BatchSave, RemindsOfLinesWithoutLots) {
-  LifeRoom room;
+  PinkRoom room;
   room.Setting("BatchLotNumReminder", "1");
   room.LaterSetting("BatchDefaultLotNumberValue", "1");
-  room.PinkRoom();
   room.Lot(ColorKind::Basic, "RED", 1, 60);
   room.Mixed("PINK", "40");
   ASSERT_FALSE(room.record.fields.LotNumber.empty());

@@ -5,11 +5,10 @@
 namespace vellumark {
 namespace {
 
-using test::LifeRoom;
+using test::PinkRoom;
 
 TEST(BatchJobs, OneJobTakesAllUntilToldOtherwise) {
-  LifeRoom room;
-  room.PinkRoom();
+  PinkRoom room;
   room.Mixed("PINK", "40");
   BatchRecord& record = room.record;
   EXPECT_EQ(record.ReturnedText(), "40.000");
@@ -41,8 +40,7 @@ TEST(BatchJobs, OneJobTakesAllUntilToldOtherwise) {
 }
 
 TEST(BatchJobs, SplitOverSeveral) {
-  LifeRoom room;
-  room.PinkRoom();
+  PinkRoom room;
   room.Mixed("PINK", "40");
   BatchRecord& record = room.record;
   EXPECT_EQ(EnterJobItemQty(record, "40.001").error().text, "You must enter an amount between 0 and 40.000");
@@ -92,8 +90,7 @@ TEST(BatchJobs, FollowTheQuantity) {
                                   {"a split stays", {{"A", "15"}, {"B", "5"}}, "60", {15, 5}, "40.000"},
                                   {"a split is lost", {{"A", "15"}, {"B", "5"}}, "39", {}, "39.000"}};
   for (const Follow& follow : table) {
-    LifeRoom room;
-    room.PinkRoom();
+    PinkRoom room;
     room.Mixed("PINK", "40");
     ASSERT_TRUE(SaveJobItems(room.session, room.record, follow.jobs)) << follow.name;
     if (follow.jobs.size() > 1 && follow.used.empty())
@@ -109,9 +106,8 @@ TEST(BatchJobs, FollowTheQuantity) {
 }
 
 TEST(BatchJobs, RecordsKeepWhatJobsAddedToThem) {
-  LifeRoom room;
+  PinkRoom room;
   room.Setting("UMF", "2");  // kilograms of pounds
-  room.PinkRoom();
   room.session.File().Execute("UPDATE INK_Basic SET VOC = 0.5, HAP = 0.25");
   room.Mixed("PINK", "10");
   room.record.fields.LotNumber = "MADE";
@@ -154,8 +150,7 @@ TEST(BatchJobs, RecordsKeepWhatJobsAddedToThem) {
 // Another unit takes the calculation away, not the jobs: they are fitted to what is calculated next.
 TEST(BatchJobs, KeepTheirAmountsWhileTheUnitGoesThereAndBack) {
   for (const bool split : {false, true}) {
-    LifeRoom room;
-    room.PinkRoom();
+    PinkRoom room;
     room.Mixed("PINK", "100");
     const std::vector<JobItem> jobs =
         split ? std::vector<JobItem>{{"A", "60"}, {"B", "30"}} : std::vector<JobItem>{{"A", "60"}};
@@ -170,8 +165,7 @@ TEST(BatchJobs, KeepTheirAmountsWhileTheUnitGoesThereAndBack) {
       EXPECT_EQ(room.record.ReturnedText(), returned);
     }
   }
-  LifeRoom room;
-  room.PinkRoom();
+  PinkRoom room;
   room.Mixed("PINK", "100");
   ASSERT_TRUE(EnterBatchUnit(room.session, room.record, 2));
   ASSERT_TRUE(EnterJobNumber(room.session, room.record, "A"));  // before the next calculation

@@ -77,7 +77,7 @@ struct LifeRoom : StockRoom {
     Mix(name, parts, std::move(cells));
   }
   /// Red and white in stock, PINK made of both.
-  void PinkRoom() {
+  void MakePink() {
     Basic("RED", 100, {{"PurchaseCost", 4.0F}});
     Basic("WHITE", 200, {{"PurchaseCost", 1.0F}});
     Formula("PINK", {{"RED", 25.0F}, {"WHITE", 75.0F}});
@@ -130,6 +130,11 @@ struct LifeRoom : StockRoom {
 
   BatchRecord record;
   ScriptedDialogs dialogs;
+};
+
+/// The room that most of these tests begin in.
+struct PinkRoom : LifeRoom {
+  PinkRoom() { MakePink(); }
 };
 
 inline LotUse Use(std::int32_t ref, float quantity, bool remove = false) {

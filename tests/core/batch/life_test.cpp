@@ -13,6 +13,7 @@ namespace vellumark {
 namespace {
 
 using test::LifeRoom;
+using test::PinkRoom;
 using test::Use;
 
 constexpr const char* kSave = "Batch Window - Save Information?";
@@ -22,8 +23,7 @@ const std::string kCancel = std::string(40, ' ') + "Cancel?";
 const std::string kClose = std::string(40, ' ') + "Close?";
 
 TEST(BatchLife, SavePostsTheLinesAndWhatIsMade) {
-  LifeRoom room;
-  room.PinkRoom();
+  PinkRoom room;
   room.Mixed("PINK", "40");
   room.record.fields.ShortNote = "for the flag";
   EXPECT_EQ(room.Save(), 1);
@@ -47,8 +47,7 @@ TEST(BatchLife, SavePostsTheLinesAndWhatIsMade) {
 }
 
 TEST(BatchLife, SavedAgainWithAnotherQuantity) {
-  LifeRoom room;
-  room.PinkRoom();
+  PinkRoom room;
   room.Saved("PINK", "40");
   room.Open(1);
   EXPECT_EQ(room.Red(), 100);
@@ -73,7 +72,7 @@ struct Room {
 class UnchangedBatch : public testing::TestWithParam<Room> {};
 
 TEST_P(UnchangedBatch, LeavesEveryByteAsItWas) {
-  LifeRoom room;
+  PinkRoom room;
   room.Breaks("StockHistory");  // some of them write stock past its history
   room.Breaks("BatchLines");
   GetParam().make(room);
@@ -115,14 +114,9 @@ void SaveTwo(LifeRoom& room) {
 }
 
 const std::vector<Room> kRooms{
-    {"Plain",
-     [](LifeRoom& room) {
-       room.PinkRoom();
-       SaveTwo(room);
-     }},
+    {"Plain", SaveTwo},
     {"RemainderUnderTheCutoff",
      [](LifeRoom& room) {
-       room.PinkRoom();
        SaveTwo(room);
        room.Setting("InvCutoff", "5");
        room.session.File().Execute("UPDATE INK_Basic SET Inventory = 0.4000000059604645");
@@ -130,22 +124,18 @@ const std::vector<Room> kRooms{
      }},
     {"MoreDecimalsThanThree",
      [](LifeRoom& room) {
-       room.PinkRoom();
        SaveTwo(room);
        room.session.File().Execute("UPDATE INK_Basic SET Inventory = 0.3333333432674408");
      }},
     {"NegativeStock",
      [](LifeRoom& room) {
        room.Setting("AllowNegInv", "1");
-       room.Basic("RED", 1);
-       room.Basic("WHITE", 2);
-       room.Formula("PINK", {{"RED", 25.0F}, {"WHITE", 75.0F}});
+       room.session.File().Execute("UPDATE INK_Basic SET Inventory = CASE Color_Name WHEN 'RED' THEN 1 ELSE 2 END");
        SaveTwo(room);
        room.Setting("AllowNegInv", "0");
      }},
     {"LotsEmptiedAndTouched",
      [](LifeRoom& room) {
-       room.PinkRoom();
        room.Lot(ColorKind::Basic, "RED", 1, 10);
        room.Lot(ColorKind::Basic, "WHITE", 1, 12, {{"LotPrice", 1.23456F}});
        room.Lot(ColorKind::Basic, "WHITE", 2, 30);
@@ -159,7 +149,6 @@ const std::vector<Room> kRooms{
      }},
     {"LotAtZeroWithoutCutoff",
      [](LifeRoom& room) {
-       room.PinkRoom();
        room.Lot(ColorKind::Basic, "RED", 1, 10);
        room.Mixed("PINK", "40");
        room.Select(1, {Use(1, 10)});
@@ -169,7 +158,6 @@ const std::vector<Room> kRooms{
      }},
     {"LotOnConsignmentSince",
      [](LifeRoom& room) {
-       room.PinkRoom();
        room.Lot(ColorKind::Basic, "RED", 1, 15);
        room.Mixed("PINK", "40");
        room.Select(1, {Use(1, 10)});
@@ -179,7 +167,6 @@ const std::vector<Room> kRooms{
      }},
     {"LotsTurnedOffSince",
      [](LifeRoom& room) {
-       room.PinkRoom();
        room.Lot(ColorKind::Basic, "RED", 1, 10);
        room.Mixed("PINK", "40");
        room.Select(1, {Use(1, 10)});
@@ -189,7 +176,6 @@ const std::vector<Room> kRooms{
      }},
     {"RecycledJobsAndAdditions",
      [](LifeRoom& room) {
-       room.PinkRoom();
        room.Formula("ROSE", {{"RED", 50.0F}, {"WHITE", 50.0F}}, 8);
        room.record = NewBatchRecord(room.session);
        ASSERT_TRUE(EnterBatchColor(room.session, room.record, "PINK"));
@@ -202,7 +188,6 @@ const std::vector<Room> kRooms{
      }},
     {"NegativeAddition",
      [](LifeRoom& room) {
-       room.PinkRoom();
        room.Mixed("PINK", "40");
        room.prompt.Expect("Re-enter Inventory Lot Selections");
        ASSERT_TRUE(AddBatchAdditions(room.session, room.record, {{"RED", "-3.5"}}));
@@ -212,14 +197,12 @@ const std::vector<Room> kRooms{
      }},
     {"FormulaDeletedSince",
      [](LifeRoom& room) {
-       room.PinkRoom();
        SaveTwo(room);
        room.session.File().Execute("DELETE FROM INK_Mix");
      }},
     {"GramsOfPounds",
      [](LifeRoom& room) {
        room.Setting("UMF", "3");
-       room.PinkRoom();
        room.Lot(ColorKind::Basic, "RED", 1, 0.02F);
        room.Mixed("PINK", "37");
        room.Select(1, {Use(1, 9), Use(0, 0.25F)});
@@ -229,7 +212,6 @@ const std::vector<Room> kRooms{
        room.Saved("PINK", "4");
      }},
     {"FieldsLeftNull", [](LifeRoom& room) {
-       room.PinkRoom();
        room.AddRow(
            schema::Batch,
            {{"Color_Name", "PINK"}, {"BatchNo", 1}, {"Quantity", 10.0F}, {"IngName0", "RED"}, {"IngQty0", 2.5F}});
@@ -241,8 +223,7 @@ INSTANTIATE_TEST_SUITE_P(Left, UnchangedBatch, testing::ValuesIn(kRooms),
                          [](const auto& info) { return std::string(info.param.name); });
 
 TEST(BatchLife, StockThatMovedMeanwhileIsTakenByTheRule) {
-  LifeRoom room;
-  room.PinkRoom();
+  PinkRoom room;
   room.Lot(ColorKind::Basic, "RED", 1, 12);
   room.Mixed("PINK", "40");
   room.Select(1, {Use(1, 10)});
@@ -263,8 +244,7 @@ TEST(BatchLife, StockThatMovedMeanwhileIsTakenByTheRule) {
 }
 
 TEST(BatchLife, AColourRenamedMeanwhileIsFound) {
-  LifeRoom room;
-  room.PinkRoom();
+  PinkRoom room;
   room.Saved("PINK", "40");
   room.Open(1);
   ASSERT_TRUE(RenameBasic(room.session, "RED", "CARMINE"));
@@ -275,8 +255,7 @@ TEST(BatchLife, AColourRenamedMeanwhileIsFound) {
 // ---- Ways out with a change
 
 TEST(BatchLife, NextAsksAndStoresOrForgets) {
-  LifeRoom room;
-  room.PinkRoom();
+  PinkRoom room;
   SaveTwo(room);
   room.Open(1);
   room.Remix("20");
@@ -301,8 +280,7 @@ TEST(BatchLife, NextAsksAndStoresOrForgets) {
 }
 
 TEST(BatchLife, ABatchOfNothingIsRevisedOrForgotten) {
-  LifeRoom room;
-  room.PinkRoom();
+  PinkRoom room;
   room.Saved("PINK", "40");
   room.Open(1);
   room.Remix("0.0004");
@@ -321,8 +299,7 @@ TEST(BatchLife, ABatchOfNothingIsRevisedOrForgotten) {
 }
 
 TEST(BatchLife, CancelAndCloseAskOnlyAboutChanges) {
-  LifeRoom room;
-  room.PinkRoom();
+  PinkRoom room;
   room.Saved("PINK", "40");
   room.Open(1);
   room.record.fields.ShortNote = "changed";
@@ -359,9 +336,8 @@ struct OwnInk {
 class ReopenedBatch : public testing::TestWithParam<OwnInk> {};
 
 TEST_P(ReopenedBatch, IsNotMadeOfItself) {
-  LifeRoom room;
+  PinkRoom room;
   room.Setting("InvLotTracking", GetParam().tracking ? "1" : "0");
-  room.PinkRoom();
   room.Formula("ROSE", {{"RED", 50.0F}, {"WHITE", 50.0F}}, 6);
   PostStock(room.session,
             {.source = PostingSource::ManualAdjust, .kind = ColorKind::Mix, .name = "PINK", .quantity = 7});
@@ -411,8 +387,7 @@ INSTANTIATE_TEST_SUITE_P(Places, ReopenedBatch,
                          [](const auto& info) { return std::string(info.param.name); });
 
 TEST(BatchLife, SaveAndHoldStaysOnTheBatch) {
-  LifeRoom room;
-  room.PinkRoom();
+  PinkRoom room;
   room.Mixed("PINK", "40");
   ASSERT_EQ(SaveAndHoldBatch(room.session, room.record, room.dialogs).value(), SaveEnd::Stored);
   EXPECT_EQ(room.record.state, BatchState::Edit);
@@ -430,8 +405,7 @@ TEST(BatchLife, SaveAndHoldStaysOnTheBatch) {
 // ---- Delete
 
 TEST(BatchLife, DeleteReturnsTheIngredientsOrNot) {
-  LifeRoom room;
-  room.PinkRoom();
+  PinkRoom room;
   room.Lot(ColorKind::Basic, "RED", 1, 10);
   for (const Answer answer : {Answer::Yes, Answer::No}) {
     room.Mixed("PINK", "40");
@@ -458,8 +432,7 @@ TEST(BatchLife, DeleteReturnsTheIngredientsOrNot) {
 }
 
 TEST(BatchLife, DeleteTakesWhatIsLeftOfTheMadeInkAndTheDatesBack) {
-  LifeRoom room;
-  room.PinkRoom();
+  PinkRoom room;
   room.Saved("PINK", "8");
   room.clock.Set({2026, 3, 11, 8, 0, 0});
   room.Saved("PINK", "40");
@@ -483,8 +456,7 @@ TEST(BatchLife, DeleteTakesWhatIsLeftOfTheMadeInkAndTheDatesBack) {
 // What a recycled formula is called says nothing of a Basic Color of that name, neither when it is used nor when the
 // last Batch of that Basic Color goes.
 TEST(BatchLife, ABasicNamedLikeARecycledFormulaKeepsItsDate) {
-  LifeRoom room;
-  room.PinkRoom();
+  PinkRoom room;
   room.Basic("ROSE", 50);
   room.Formula("ROSE", {{"RED", 50.0F}, {"WHITE", 50.0F}}, 10);
   room.Formula("TINT", {{"ROSE", 100.0F}});
@@ -543,8 +515,7 @@ class NoRoom {
 };
 
 TEST(BatchLife, AFullDiskLeavesEverythingAsItWas) {
-  LifeRoom room;
-  room.PinkRoom();
+  PinkRoom room;
   room.Saved("PINK", "40");
   const auto fails = [&](const char* what, const std::function<void()>& act) {
     const std::string before = room.Data();
@@ -577,8 +548,7 @@ TEST(BatchLife, AFullDiskLeavesEverythingAsItWas) {
 // ---- Numbers
 
 TEST(BatchLife, NumbersWrapAndAreNeverGivenTwice) {
-  LifeRoom room;
-  room.PinkRoom();
+  PinkRoom room;
   room.Saved("PINK", "1");
   room.Saved("PINK", "1");
   room.session.File().Execute("UPDATE FileInfo SET BatchNumber = 999999");  // as another session leaves it

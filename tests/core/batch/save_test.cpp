@@ -9,12 +9,12 @@ namespace vellumark {
 namespace {
 
 using test::LifeRoom;
+using test::PinkRoom;
 using test::Use;
 
 TEST(BatchGuards, CompleteThenFormulaThenEarlierDay) {
-  LifeRoom room;
+  PinkRoom room;
   room.LaterSetting("BatchComplete", "1");
-  room.PinkRoom();
   room.Mixed("PINK", "40");
   room.prompt.Expect("Batch Completion State            ", Answer::Yes, "Mark this Batch as Complete?");
   room.Save();
@@ -61,8 +61,7 @@ TEST(BatchGuards, CompleteThenFormulaThenEarlierDay) {
 }
 
 TEST(BatchGuards, ARecipeChangedOnTheDayOfTheBatchIsNoticed) {
-  LifeRoom room;
-  room.PinkRoom();
+  PinkRoom room;
   room.session.File().Execute("UPDATE INK_Mix SET LastModified = '2026-03-10 00:00:00'");
   room.Saved("PINK", "40");
   EXPECT_TRUE(ReadBatch(room.session, 1)->formulaUnchanged);
@@ -71,8 +70,7 @@ TEST(BatchGuards, ARecipeChangedOnTheDayOfTheBatchIsNoticed) {
 }
 
 TEST(BatchSave, ChecksStandInTheirOrder) {
-  LifeRoom room;
-  room.PinkRoom();
+  PinkRoom room;
   room.Setting("BatchLotNumReminder", "1");
   room.LaterSetting("BatchUDTxtRequired3", "1");
   room.LaterSetting("BatchComplete", "1");
@@ -110,8 +108,7 @@ TEST(BatchSave, ChecksStandInTheirOrder) {
 }
 
 TEST(BatchSave, NewBatchesTakeTheirDefaults) {
-  LifeRoom room;
-  room.PinkRoom();
+  PinkRoom room;
   room.LaterSetting("BatchDefaultLotNumberValue", "1");
   room.LaterSetting("BatchUDTxtDefault1", "1");
   room.LaterSetting("BatchUDTxtValue1", "Press 2");
@@ -149,8 +146,7 @@ class SavedAgain : public testing::TestWithParam<Made> {};
 
 TEST_P(SavedAgain, MovesOnlyTheDifferenceOfWhatItMade) {
   const Made& made = GetParam();
-  LifeRoom room;
-  room.PinkRoom();
+  PinkRoom room;
   room.Mixed("PINK", "40");
   room.record.fields.LotNumber = made.lot;
   room.Save();
@@ -191,8 +187,7 @@ INSTANTIATE_TEST_SUITE_P(
     [](const auto& info) { return std::string(info.param.name); });
 
 TEST(BatchSave, WithoutAFreeReferenceTheInkGoesToUnlottedInventory) {
-  LifeRoom room;
-  room.PinkRoom();
+  PinkRoom room;
   room.FillLots(ColorKind::Mix, "PINK", kLastLotRefID);
   room.Mixed("PINK", "40");
   room.record.fields.LotNumber = "MADE";
@@ -207,9 +202,8 @@ TEST(BatchSave, WithoutAFreeReferenceTheInkGoesToUnlottedInventory) {
 // ---- A save that does not happen
 
 TEST(BatchSave, LeavesCompleteAsItWasWhenItDoesNotHappen) {
-  LifeRoom room;
+  PinkRoom room;
   room.LaterSetting("BatchComplete", "1");
-  room.PinkRoom();
   room.Mixed("PINK", "40");
   ASSERT_TRUE(AddBatchAdditions(room.session, room.record, {{"RED", "1"}}));
   room.prompt.Expect("Batch Completion State            ", Answer::Yes);
@@ -230,9 +224,8 @@ TEST(BatchSave, RefusesAColorThatIsNoLongerThere) {
   };
   for (const Case& test : {Case{"RED", "Basic"}, Case{"WHITE", "Basic"}, Case{"PINK", "Mix"}, Case{"ROSE", "Mix"}}) {
     SCOPED_TRACE(test.gone);
-    LifeRoom room;
+    PinkRoom room;
     for (const char* rule : {"Ingredients", "StockHistory"}) room.Breaks(rule);
-    room.PinkRoom();
     room.Formula("ROSE", {{"RED", 50.0F}, {"WHITE", 50.0F}}, 6);
     room.Mixed("PINK", "40");
     ASSERT_TRUE(*TakeRecycled(room.session, room.record, "ROSE"));
@@ -251,8 +244,7 @@ TEST(BatchSave, RefusesAColorThatIsNoLongerThere) {
 // ---- Cost and emission of the stored Batch
 
 TEST(BatchSave, KeepsItsOwnCostsWhenPricesChange) {
-  LifeRoom room;
-  room.PinkRoom();
+  PinkRoom room;
   room.Mixed("PINK", "40");
   BatchCostModel model = room.record.work.cost;
   model.FixedCostOfBatch = 12.5F;
@@ -276,8 +268,7 @@ TEST(BatchSave, KeepsItsOwnCostsWhenPricesChange) {
 }
 
 TEST(BatchSave, ArchiveViewsAreOnlyShown) {
-  LifeRoom room;
-  room.PinkRoom();
+  PinkRoom room;
   room.Saved("PINK", "40");
   room.session.ArchiveView = true;
   const std::string before = room.Data();

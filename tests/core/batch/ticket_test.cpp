@@ -34,11 +34,10 @@ std::vector<std::string> LinesOf(const Sheet& sheet) {
   return lines;
 }
 
-struct TicketRoom : LifeRoom {
+struct TicketRoom : PinkRoom {
   TicketRoom() {
     Setting("InvLotTracking", "1");
     ReadSettings(session);
-    PinkRoom();
     Formula("ROSE", {{"RED", 50.0F}, {"WHITE", 50.0F}}, 8, {{"PurchaseCost", 2.5F}});
     session.File().Execute(
         "UPDATE INK_Mix SET Notes = 'Stir.', Color_Guide = 'Fans', Page = '12', Row = 3 WHERE Color_Name = 'PINK'");

@@ -42,7 +42,7 @@ struct Weighing : LifeRoom, testing::Test {
 };
 
 TEST_F(Weighing, AnOverpourReformulatesAndWhatStandsIsToppedUp) {
-  PinkRoom();
+  MakePink();
   Mixed("PINK", "100");
   EXPECT_EQ(Left(), (Texts{"WHITE 75.000", "RED 25.000"}));
   EXPECT_EQ(Pour("WHITE", 75), "");
@@ -73,7 +73,7 @@ TEST_F(Weighing, AnOverpourReformulatesAndWhatStandsIsToppedUp) {
 
 // What was poured is what stock loses, and the formula is not asked about.
 TEST_F(Weighing, TooLittleAndANoAreRecordedAsWeighed) {
-  PinkRoom();
+  MakePink();
   Mixed("PINK", "100");
   ASSERT_TRUE(AddBatchAdditions(session, record, {{"WHITE", "2"}}));
   EXPECT_EQ(Pour("RED", 24), "");
@@ -90,7 +90,7 @@ TEST_F(Weighing, TooLittleAndANoAreRecordedAsWeighed) {
 }
 
 TEST_F(Weighing, ARecycledRowTakesItsWeightAndLeavesTheOthers) {
-  PinkRoom();
+  MakePink();
   Formula("TINT", {{"RED", 50.0F}, {"WHITE", 50.0F}}, 30);
   Formula("TONE", {{"RED", 10.0F}, {"WHITE", 90.0F}}, 10);
   Mixed("PINK", "100");
@@ -113,7 +113,7 @@ TEST_F(Weighing, ARecycledRowTakesItsWeightAndLeavesTheOthers) {
 }
 
 TEST_F(Weighing, ARowThatIsAnotherByNowIsRefusedAndToleranceHolds) {
-  PinkRoom();
+  MakePink();
   Mixed("PINK", "100");
   const auto ticket = OpenWeighing(session, record, 0);
   ASSERT_TRUE(ticket);

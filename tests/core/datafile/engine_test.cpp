@@ -15,6 +15,7 @@
 #include "core/datafile/lifecycle.h"
 #include "core/datafile/raise_counters.h"
 #include "core/datafile/writer.h"
+#include "support/causes.h"
 #include "support/places.h"
 #include "support/scratch.h"
 
@@ -22,6 +23,7 @@ namespace vellumark {
 namespace {
 
 namespace fs = std::filesystem;
+using test::CauseOf;
 
 struct NewFile {
   NewFile() {
@@ -33,15 +35,6 @@ struct NewFile {
   fs::path path = folder / "Ink.vkd";
   std::unique_ptr<Database> file;
 };
-
-std::string CauseOf(const std::function<void()>& act) {
-  try {
-    act();
-  } catch (const Failure& failure) {
-    return failure.cause;
-  }
-  return "no failure";
-}
 
 TEST(Engine, EachKindOfWrongFileIsTold) {
   NewFile room;

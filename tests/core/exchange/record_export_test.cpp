@@ -20,9 +20,7 @@ struct Impatient final : Progress {
   int left;
 };
 
-struct RecordRoom : LifeRoom {
-  RecordRoom() { PinkRoom(); }
-
+struct RecordRoom : PinkRoom {
   void Print(bool on) {
     BatchPrintOptions options;
     options.batchInfo = options.history = options.cost = options.extraDetails = options.lab = options.quickInfo = on;

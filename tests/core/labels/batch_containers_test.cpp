@@ -5,9 +5,8 @@
 namespace vellumark::test {
 namespace {
 
-struct BatchContainersTest : testing::Test, LifeRoom {
+struct BatchContainersTest : testing::Test, PinkRoom {
   BatchContainersTest() {
-    PinkRoom();
     Setting("InvLotTracking", "0");
   }
   std::int32_t Batch(const std::vector<JobItem>& jobs, const std::string& lot = "", const std::string& container = "") {

@@ -5,6 +5,7 @@
 #include <random>
 
 #include "core/inventory/lots.h"
+#include "one_scan.h"
 #include "support/stock_room.h"
 
 namespace vellumark::test {
@@ -26,13 +27,7 @@ struct ScanInventoryTest : testing::Test, StockRoom {
               {{"Color_Name", "GRAY"}, {"IngSort", 0}, {"Inventory", 0.0F}});
     InsertRow(session.File(), schema::Basic, "LAB_Basic", {{"Color_Name", "RED"}, {"IngSort", 1}, {"Inventory", 0.0F}});
   }
-  ScanRecord Scan(const std::string& text) {
-    const auto records = ParseScan(text);
-    EXPECT_EQ(records.size(), 1U);
-    ScanRecord record = records.at(0);
-    AddScannedStock(session, record);
-    return record;
-  }
+  ScanRecord Scan(const std::string& text) { return OneScan(session, text, AddScannedStock); }
 };
 
 TEST_F(ScanInventoryTest, TellsOfEachBranchWhyNothingWasBooked) {
@@ -60,13 +55,7 @@ TEST_F(ScanInventoryTest, TellsOfEachBranchWhyNothingWasBooked) {
        "Multiple Lots: A2 of Color: RED\n\nLot Qty.  Lot Location  Lot Cont ID\n30.000    C1\n40.000    C2\n\n" +
            again},
   };
-  const Value before = Scalar("SELECT COUNT(*) FROM MSysStockHistory");
-  for (const auto& [scan, message] : cases) {
-    const ScanRecord record = Scan(scan);
-    EXPECT_EQ(record.state, State::Failed) << scan;
-    EXPECT_EQ(record.Message, message);
-  }
-  EXPECT_EQ(Scalar("SELECT COUNT(*) FROM MSysStockHistory"), before);
+  ExpectFailures(*this, cases);
 }
 
 TEST_F(ScanInventoryTest, BooksOnceAndNeverAgain) {

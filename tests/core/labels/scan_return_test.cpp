@@ -1,6 +1,7 @@
 #include "core/labels/scan_return.h"
 
 #include "core/jobs/job_room.h"
+#include "one_scan.h"
 
 #include <random>
 
@@ -10,13 +11,7 @@ namespace {
 using State = ScanRecord::State;
 
 struct ScanReturnTest : testing::Test, JobRoom {
-  ScanRecord Scan(const std::string& text) {
-    const auto records = ParseScan(text);
-    EXPECT_EQ(records.size(), 1U);
-    ScanRecord record = records.at(0);
-    BookScan(session, record);
-    return record;
-  }
+  ScanRecord Scan(const std::string& text) { return OneScan(session, text, BookScan); }
 };
 
 TEST_F(ScanReturnTest, TellsOfEachBranchWhyNothingCameBack) {
@@ -50,13 +45,7 @@ TEST_F(ScanReturnTest, TellsOfEachBranchWhyNothingCameBack) {
        "Quantity returned to the Job Number: J2 was larger than issued.\nJob Qty Issued: 5.000\nStill out: 5.000\n"
        "Job Qty Returned: 5.500\nRevise the Quantity - Process Again."},
   };
-  const Value before = Scalar("SELECT COUNT(*) FROM MSysStockHistory");
-  for (const auto& [scan, message] : cases) {
-    const ScanRecord record = Scan(scan);
-    EXPECT_EQ(record.state, State::Failed) << scan;
-    EXPECT_EQ(record.Message, message);
-  }
-  EXPECT_EQ(Scalar("SELECT COUNT(*) FROM MSysStockHistory"), before);
+  ExpectFailures(*this, cases);
 }
 
 TEST_F(ScanReturnTest, ASecondReturnCountsWhatIsStillOutAndTheLastOneTakesTheRow) {

@@ -12,7 +12,7 @@ struct HistoryRoom : LifeRoom {
   HistoryRoom() {
     StoreSettings(session, InitialValues(setting::Batches_UDNum_Format));
     Day(0);
-    PinkRoom();
+    MakePink();
     session.InvLotTracking = 0;
   }
 

@@ -2,8 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <fstream>
-
 #include "core/base/files.h"
 #include "core/datafile/databases.h"
 #include "core/session/settings.h"
@@ -17,11 +15,7 @@ namespace vellumark {
 namespace {
 
 namespace fs = std::filesystem;
-
-void Write(const fs::path& path, std::string_view text) {
-  fs::create_directories(path.parent_path());
-  std::ofstream(path, std::ios::binary) << text;
-}
+using test::WriteFile;
 
 class Backups : public testing::Test {
  protected:
@@ -30,7 +24,7 @@ class Backups : public testing::Test {
     room.session.DataFileName = file.string();
     OpenDataFile(room.session, room.windows);
     Add("RED");
-    Write(photos / "red.jpg", "red");
+    WriteFile(photos / "red.jpg", "red");
   }
 
   void Add(const std::string& name) {
@@ -75,7 +69,7 @@ TEST_F(Backups, ABackupLeavesTheFileOpenAndTellsTheDay) {
 
   // A failure moves no date and leaves the file open.
   room.clock.Set({2026, 3, 20, 9, 0, 0});
-  Write(room.folder / "Full", "a file");
+  WriteFile(room.folder / "Full", "a file");
   EXPECT_THROW((void)BackUpToFolder(room.session, room.folder / "Full"), Failure);
   EXPECT_EQ(ReadBackupDates(room.session.File()).LastBackupDate, (DateTime{2026, 3, 10}));
   EXPECT_EQ(Colors(), "RED ");
@@ -90,9 +84,9 @@ TEST_F(Backups, RestoreGivesBackThatDayAndKeepsThePresent) {
   room.session.File().Execute("INSERT INTO INK_Mix (Color_Name, Color_Set) VALUES ('ROSE', '')");
   room.session.File().Execute("INSERT INTO JobRecords (JobNumber, Database, BatchNo) VALUES ('J7', 'INK', 41)");
   room.session.File().Execute("UPDATE INK_Basic SET LotRefID = 12 WHERE Color_Name = 'RED'");
-  Write(photos / "red.jpg", "red, later");
-  Write(photos / "blue.jpg", "blue");
-  Write(photos / "shared.jpg", "of another Data File of the folder");
+  WriteFile(photos / "red.jpg", "red, later");
+  WriteFile(photos / "blue.jpg", "blue");
+  WriteFile(photos / "shared.jpg", "of another Data File of the folder");
   room.MakeFile(room.folder / "Other.vkd");
   Database::Open(room.folder / "Other.vkd", OpenMode::Exclusive)
       ->Execute("INSERT INTO Designs (DesignID, PhotoSet) VALUES ('D', '<shared.jpg>')");
@@ -142,10 +136,10 @@ TEST_F(Backups, RestoreGivesBackThatDayAndKeepsThePresent) {
 
 // What fails among the photos leaves every one, and the file, as it was.
 TEST_F(Backups, AFailureInTheMiddleOfARestoreTakesItBack) {
-  for (const char* name : {"red.jpg", "white.jpg"}) Write(photos / name, "of the set");
+  for (const char* name : {"red.jpg", "white.jpg"}) WriteFile(photos / name, "of the set");
   const BackupSet set = Make();
   Add("BLUE");
-  Write(photos / "red.jpg", "red, later");
+  WriteFile(photos / "red.jpg", "red, later");
   fs::remove(photos / "white.jpg");
   fs::create_directory(photos / "white.jpg");
   room.prompt.Expect("Restore Data File", Answer::Yes);
@@ -203,7 +197,7 @@ TEST_F(Backups, AnOlderSetIsBroughtUpToDateOnACopy) {
   // One that cannot be read whole replaces nothing.
   std::string cut = ReadFileBytes(room.folder / "Own/Old.vkd");
   const fs::path damaged = room.folder / "Cut/Old.vkd";
-  Write(damaged, cut.replace(cut.size() / 8192 * 4096, 3 * 4096, 3 * 4096, '\xFF'));
+  WriteFile(damaged, cut.replace(cut.size() / 8192 * 4096, 3 * 4096, 3 * 4096, '\xFF'));
   room.folder.Breaks("Structure");
   EXPECT_NE(Restore(damaged).error().text.find(damaged.string()), std::string::npos);
   EXPECT_EQ(Colors(), "RED ");
@@ -220,12 +214,12 @@ TEST_F(Backups, TheSourceIsLookedAtFirst) {
   EXPECT_EQ(Restore(file).error().text,
             "Current data file and choosen file are the same!\nPlease select another file.");
   EXPECT_EQ(Restore(room.folder / "Gone.vkd").error().title, "Restore Error");
-  Write(room.folder / "Text.vkd", std::string(9000, 'x'));
+  WriteFile(room.folder / "Text.vkd", std::string(9000, 'x'));
   EXPECT_NE(Restore(room.folder / "Text.vkd").error().text.find("cannot be read"), std::string::npos);
 
   std::string bytes = ReadFileBytes(set.dataFile);
   bytes[bytes.find("RED")] = 'B';
-  Write(set.dataFile, bytes);
+  WriteFile(set.dataFile, bytes);
   room.prompt.Expect("Restore Error", Answer::No);
   EXPECT_TRUE(Restore(set.dataFile).error().declined);
   EXPECT_NE(room.prompt.last.text.find("INK_Basic: values are not those of when the set was made"), std::string::npos);
@@ -236,8 +230,8 @@ TEST_F(Backups, ADamagedOrLostFileAndItsJournalGiveWay) {
   room.folder.Breaks("Structure");
   const BackupSet set = Make();
   CloseDataFile(room.session, room.windows);
-  Write(file, "damaged");
-  Write(file.string() + "-journal", "left by a killed program");
+  WriteFile(file, "damaged");
+  WriteFile(file.string() + "-journal", "left by a killed program");
   ExpectRestored();
   const auto restored = Restore(set.dataFile);
   ASSERT_TRUE(restored);

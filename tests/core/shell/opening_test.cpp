@@ -80,22 +80,11 @@ class RecordingWindows final : public StartupWindows {
   void Note(std::string call) { calls.push_back(std::move(call)); }
 };
 
-struct Start {
+struct Start : test::EmptyRoom {
   Start() {
     options.folders.data = folder / "VKDat";
     options.folders.program = folder / "Program";
   }
-  void MakeFile(const fs::path& path, int version = kFileVersion, bool withDatabase = true) {
-    CreateFile(path);
-    const auto file = Database::Open(path, OpenMode::Exclusive);
-    if (withDatabase) CreateEmptyDatabase(*file, "INK");
-    file->Execute("UPDATE FileInfo SET FileVersion = " + std::to_string(version));
-  }
-  test::SoundFolder folder;
-  test::ScriptedPrompt prompt;
-  NoProgress progress;
-  FixedClock clock{DateTime{2026, 3, 10, 9, 0, 0}};
-  Session session{prompt, progress, clock};
   RecordingWindows windows;
   StartOptions options;
 };
