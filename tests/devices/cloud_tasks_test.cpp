@@ -21,7 +21,7 @@
 #include "core/datafile/schema.h"
 #include "devices/ftp_connection.h"
 #include "support/data_files.h"
-#include "support/ftp_server.h"
+#include "support/shop_settings.h"
 
 // Names are resolved as ever, but for one at which nobody answers.
 constexpr const char* kNobodyAnswers = "nobody-answers.invalid";
@@ -46,17 +46,7 @@ struct CloudRoom : DataFileRoom {
     session.DataFileName = (folder / "Ink.vkd").string();
     session.DataFileDB = Database::Open(session.DataFileName, OpenMode::Exclusive);
     session.DataFileOpen = true;
-    settings.Facility = "Shop";
-    settings.AcctNum = "A100";
-    settings.CloudHost = "127.0.0.1";
-    settings.CloudHostUserName = "shop";
-    settings.CloudHostPassword = "se cret#1";
-    settings.RemoteDirectory = "/";
-    settings.Passive = true;
-    settings.TLS = true;
-    settings.ssl = false;
-    settings.Port = server.Port();
-    settings.CertFile = server.Certificate().string();
+    settings = SettingsOf(server, "Shop", "A100");
     settings.Installation = "0001";
     Store();
   }

@@ -17,7 +17,6 @@ class BackupFileLocationForm : public Dialog {
 
  public Q_SLOTS:
   void cmdContinue_Click();
-  void cmdCancel_Click() { reject(); }
 
  private:
   FileChooser choose_;
@@ -33,7 +32,6 @@ class BackupRemovableForm : public Dialog {
 
  public Q_SLOTS:
   void cmdContinue_Click();
-  void cmdCancel_Click() { reject(); }
 
  private:
   void TellNotFound(const QString& folder);

@@ -35,7 +35,6 @@ class RestoreFileLocationForm : public RestoreForm {
 
  public Q_SLOTS:
   void cmdContinue_Click();
-  void cmdCancel_Click() { reject(); }
 
  private:
   FileChooser choose_;
@@ -57,7 +56,6 @@ class RestoreAutomaticForm : public RestoreForm {
   void cmdLook_Click();
   /// Asks the Cloud account what it has.
   void cmdCloud_Click();
-  void cmdCancel_Click() { reject(); }
 
  private:
   void ListDays();

@@ -20,14 +20,19 @@ QLabel* Explained(Form& form, const QString& text) {
 
 }  // namespace
 
-AdjustRowForm::AdjustRowForm(WindowList& windowList, QWidget* owner, const char* name, const QString& title,
-                             const QString& text, const QString& note)
-    : Dialog(windowList, owner, name, title) {
+AdjustRowForm::AdjustRowForm(WindowList& windowList, QWidget* owner, AdjustedRow kind)
+    : Dialog(windowList, owner, kind == AdjustedRow::Basic ? "AdjustBasicForm" : "AdjustAdditionForm",
+             kind == AdjustedRow::Basic ? tr("Adjust Basic Color") : tr("Adjust Addition")),
+      kind_(kind) {
+  const bool basic = kind == AdjustedRow::Basic;
   Form form(*this);
   form.Wide(name_ = form.Value("lblColorName", 1.2));
-  form.Wide(Explained(form, text));
+  form.Wide(Explained(form, basic ? tr("Enter the amount to use in the Batch.")
+                                  : tr("Enter the amount of this addition, or 0 to remove it from the Batch.")));
   form.Row(tr("&Amount"), {amount_ = form.Number("txtAmount", 3), unit_ = form.Hint({})});
-  if (!note.isEmpty()) form.Wide(Explained(form, note));
+  if (basic)
+    form.Wide(Explained(form, tr("NOTE: Changing the Amount of this Basic Color will cause the Amounts of ALL Basic "
+                                 "Colors in this Batch to change.")));
   form.Buttons({form.Button("cmdSave", tr("&Save")), form.Button("cmdCancel", tr("Cancel"))});
 }
 
@@ -41,28 +46,14 @@ void AdjustRowForm::OnOpen(const Arguments& arguments) {
 }
 
 void AdjustRowForm::cmdSave_Click() {
-  if (Apply(*record_, row_, amount_->Text())) accept();
-}
-
-AdjustBasicForm::AdjustBasicForm(WindowList& windowList, QWidget* owner)
-    : AdjustRowForm(windowList, owner, "AdjustBasicForm", tr("Adjust Basic Color"),
-                    tr("Enter the amount to use in the Batch."),
-                    tr("NOTE: Changing the Amount of this Basic Color will cause the Amounts of ALL Basic "
-                       "Colors in this Batch to change.")) {}
-
-bool AdjustBasicForm::Apply(BatchRecord& record, std::size_t row, const std::string& amount) {
-  const Result<Overpour> poured = PourBasicRow(session, record, row, amount);
-  if (!Accepted(poured)) return false;
+  if (kind_ == AdjustedRow::Addition) {
+    if (Accepted(ApplyAdditionRow(session, *record_, row_, amount_->Text()))) accept();
+    return;
+  }
+  const Result<Overpour> poured = PourBasicRow(session, *record_, row_, amount_->Text());
+  if (!Accepted(poured)) return;
   result.Set("Overpour", *poured);
-  return true;
-}
-
-AdjustAdditionForm::AdjustAdditionForm(WindowList& windowList, QWidget* owner)
-    : AdjustRowForm(windowList, owner, "AdjustAdditionForm", tr("Adjust Addition"),
-                    tr("Enter the amount of this addition, or 0 to remove it from the Batch.")) {}
-
-bool AdjustAdditionForm::Apply(BatchRecord& record, std::size_t row, const std::string& amount) {
-  return Accepted(ApplyAdditionRow(session, record, row, amount));
+  accept();
 }
 
 }  // namespace vellumark::desktop

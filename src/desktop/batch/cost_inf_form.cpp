@@ -11,7 +11,6 @@
 namespace vellumark::desktop {
 namespace {
 
-constexpr double kPart = 1;
 constexpr double kSubtotal = 1.2;
 constexpr double kTotal = 1.4;
 constexpr int kWidestAmount = 144;
@@ -23,17 +22,17 @@ CostInfForm::CostInfForm(WindowList& windowList, QWidget* owner)
   Form form(*this);
   blocked_ = form.Label("lblPriceBlocked", tr("User Permissions - Price Blocked"));
   form.Wide(blocked_);
-  AddLine(form, "lblCostOfBasics", kPart);
-  AddLine(form, "lblCostOfMixes", kPart);
+  AddLine(form, "lblCostOfBasics");
+  AddLine(form, "lblCostOfMixes");
   AddLine(form, "lblIngredientCost", kSubtotal);
   form.Space();
-  AddLine(form, "lblFixedCostOfBatch", kPart);
-  AddLine(form, "lblFixedCostPerUnit", kPart);
-  AddLine(form, "lblMarkup", kPart);
+  AddLine(form, "lblFixedCostOfBatch");
+  AddLine(form, "lblFixedCostPerUnit");
+  AddLine(form, "lblMarkup");
   AddLine(form, "lblAdditionalCost", kSubtotal);
   form.Space();
   AddLine(form, "lblTotalCost", kTotal);
-  AddLine(form, "lblUnitCost", kPart);
+  AddLine(form, "lblUnitCost");
   form.Space();
   form.Wide(print_ = form.Check("chkPrintCost", tr("&Print with Batch")));
   print_->DoNotTrack();

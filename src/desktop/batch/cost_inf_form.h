@@ -27,7 +27,7 @@ class CostInfForm : public Dialog {
     QLabel* caption;
     ValueField* amount;
   };
-  void AddLine(Form& form, const QString& name, double scale);
+  void AddLine(Form& form, const QString& name, double scale = 1);
   void ShowCosts();
 
   BatchRecord* record_ = nullptr;

@@ -66,13 +66,12 @@ DispenserSelector::DispenserSelector(WindowList& windowList, QWidget* owner)
     : Dialog(windowList, owner, "DispenserSelector", tr("Dispenser")) {
   Form form(*this);
   TabSet tabs = form.Tabs("TabDispenser");
-  tabs_ = tabs.Widget();
   BuildDispense(tabs.Page(tr("Dispense"), "TabDispense"));
   BuildAdd(tabs.Page(tr("Add Dispenser"), "TabAddDispenser"));
   BuildRemove(tabs.Page(tr("Remove Dispenser"), "TabRemoveDispenser"));
   SetDefaultButton(save_);
   SetDefaultButton(send_);
-  connect(tabs_, &QTabWidget::currentChanged, this, [this](int page) { SetDefaultButton(page == 0 ? send_ : save_); });
+  connect(tabs.Widget(), &QTabWidget::currentChanged, this, [this](int page) { SetDefaultButton(page == 0 ? send_ : save_); });
   resize(kSize[0], kSize[1]);
 }
 
@@ -120,15 +119,15 @@ void DispenserSelector::BuildAdd(Form form) {
 }
 
 void DispenserSelector::BuildRemove(Form form) {
-  grid_ = form.Table("lstDispenser");
-  grid_->setAccessibleName(tr("Dispensers"));
-  grid_->SetEmptyText(tr("No Dispenser, add a dispenser."));
+  Grid* grid = form.Table("lstDispenser");
+  grid->setAccessibleName(tr("Dispensers"));
+  grid->SetEmptyText(tr("No Dispenser, add a dispenser."));
   listed_ = std::make_shared<Listed>(dispensers_);
-  list_ = new CheckedList(*grid_, listed_,
+  list_ = new CheckedList(*grid, listed_,
                           {GridColumn::Text(tr("Dispenser"), 160), GridColumn::Text(tr("Manufacturer / File Type"), 180),
                            GridColumn::Text(tr("Drive"), 64), GridColumn::Text(tr("Location"), 300)});
   connect(list_, &CheckedList::CheckedChanged, this, [this] { Changed(); });
-  form.Wide(grid_, 1);
+  form.Wide(grid, 1);
   form.ButtonsWithoutDefault(
       {delete_ = form.Button("cmdDelete", tr("Remove")), form.Button("cmdCloseRemove", tr("Close"), [this] { reject(); })});
 }

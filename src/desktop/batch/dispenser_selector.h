@@ -42,7 +42,6 @@ class DispenserSelector : public Dialog {
   void EnterFolder();
 
   std::vector<DispenserRow> dispensers_;
-  QTabWidget* tabs_ = nullptr;
   ComboField* selected_ = nullptr;
   QLabel* pathway_ = nullptr;
   CheckField* additives_ = nullptr;
@@ -53,7 +52,6 @@ class DispenserSelector : public Dialog {
   ComboField* drive_ = nullptr;
   TextField* folder_ = nullptr;
   QListWidget* folders_ = nullptr;
-  Grid* grid_ = nullptr;
   std::shared_ptr<Listed> listed_;
   CheckedList* list_ = nullptr;
   CommandButton* save_ = nullptr;

@@ -4,15 +4,11 @@
 
 #include "core/base/text.h"
 #include "core/base/units.h"
+#include "desktop/kit/job_box.h"
 #include "desktop/kit/tall_page.h"
 #include "desktop/kit/text.h"
 
 namespace vellumark::desktop {
-namespace {
-
-constexpr int kJobLength = 30;
-
-}  // namespace
 
 JobItemsForm::JobItemsForm(WindowList& windowList, QWidget* owner)
     : Dialog(windowList, owner, "JobItemsForm", tr(" Split Jobs")) {
@@ -32,7 +28,7 @@ JobItemsForm::JobItemsForm(WindowList& windowList, QWidget* owner)
 
 void JobItemsForm::AddPair(Form& form, std::size_t number) {
   const int n = static_cast<int>(number);
-  Pair pair{form.Text(QString("JobNumber%1").arg(n), TextRule::Any(kJobLength)),
+  Pair pair{form.Text(QString("JobNumber%1").arg(n), TextRule::Any(kJobNumberLength)),
             form.Number(QString("txtQtyUsed%1").arg(n), 3)};
   pair.job->setFixedWidth(264);
   pair.used->setAccessibleName(tr("Qty Used"));

@@ -61,8 +61,8 @@ RecyclePanel::RecyclePanel(FormHost& host, Form& form) : source_(std::make_share
   auto* column = new QVBoxLayout(this);
   column->setContentsMargins(0, space::kUnit, 0, 0);
   column->setSpacing(space::kUnit);
-  inventoryOnly_ = form.Check("chkInvOnly", tr("Show &Inv. Recycles"));
-  inventoryOnly_->setToolTip(tr("Only colors that are to be recycled and are in stock"));
+  CheckField* inventoryOnly = form.Check("chkInvOnly", tr("Show &Inv. Recycles"));
+  inventoryOnly->setToolTip(tr("Only colors that are to be recycled and are in stock"));
   list_ = form.Table("fgRecList");
   list_->setMinimumHeight(96);
   list_->View().setAccessibleName(tr("Recycle List"));
@@ -74,13 +74,13 @@ RecyclePanel::RecyclePanel(FormHost& host, Form& form) : source_(std::make_share
   head_ = new QWidget;
   auto* head = new QHBoxLayout(head_);
   head->setContentsMargins(0, 0, 0, 0);
-  head->addWidget(inventoryOnly_);
+  head->addWidget(inventoryOnly);
   head->addStretch(1);
   head->addWidget(form.Link("cmdPrintRecList", tr("Print list")));
   column->addWidget(head_);
   column->addWidget(list_, 1);
 
-  connect(inventoryOnly_, &QCheckBox::toggled, this, [this](bool on) {
+  connect(inventoryOnly, &QCheckBox::toggled, this, [this](bool on) {
     view_.inventoryOnly = on;
     Q_EMIT ViewChanged();
   });

@@ -39,7 +39,6 @@ class RecyclePanel : public QWidget {
 
   RecycleListView view_;
   std::shared_ptr<Source> source_;
-  CheckField* inventoryOnly_;
   QWidget* head_;
   Grid* list_;
   int unit_ = 1;

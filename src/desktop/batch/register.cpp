@@ -11,8 +11,12 @@
 namespace vellumark::desktop {
 
 void RegisterBatchWindows(WindowList& windows) {
-  windows.RegisterAll<BatchForm, AdjustMixForm, AdjustBasicForm, AddAdditionForm, AdjustAdditionForm, JobItemsForm,
-                      DispenserSelector>();
+  windows.RegisterAll<BatchForm, AdjustMixForm, AddAdditionForm, JobItemsForm, DispenserSelector>();
+  for (const auto& [name, kind] :
+       {std::pair{"AdjustBasicForm", AdjustedRow::Basic}, {"AdjustAdditionForm", AdjustedRow::Addition}})
+    windows.RegisterDialog(name, [kind](WindowList& list, QWidget* owner) -> Dialog* {
+      return new AdjustRowForm(list, owner, kind);
+    });
   RegisterBatchSideWindows(windows);
 }
 

@@ -127,9 +127,9 @@ QWidget* RowsPanel::BuildTotal(Form& form) {
   auto* caption = new QLabel(tr("Total"));
   caption->setFont(Look::Heading());
   percent_ = form.Hint({}, "PercentRecycled");
-  additions_ = form.Link("ImgAdditions", tr("&Additions"), [this] { Q_EMIT AdditionsClicked(); });
-  additions_->setIcon(Icon("additions"));
-  additions_->setToolTip(tr("Add new or extra colors to the Batch"));
+  CommandButton* additions = form.Link("ImgAdditions", tr("&Additions"), [this] { Q_EMIT AdditionsClicked(); });
+  additions->setIcon(Icon("additions"));
+  additions->setToolTip(tr("Add new or extra colors to the Batch"));
   total_ = new CellButton("lblTotal", kAmountScale, Qt::AlignRight);
   total_->KeepRoomFor(kWidestAmount);
   total_->SetClickable(false);
@@ -139,7 +139,7 @@ QWidget* RowsPanel::BuildTotal(Form& form) {
   across->addWidget(caption);
   across->addWidget(percent_);
   across->addStretch(1);
-  across->addWidget(additions_);
+  across->addWidget(additions);
   across->addWidget(total_);
   across->addWidget(unit_);
   return totalRow_;

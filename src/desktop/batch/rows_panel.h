@@ -66,7 +66,6 @@ class RowsPanel : public QWidget {
   std::vector<RowView*> slots_;
   QPointer<CellButton> current_;
   QWidget* totalRow_;
-  CommandButton* additions_;
   QLabel* percent_;
   CellButton* total_;
   QLabel* unit_;

@@ -32,6 +32,11 @@ void Choose(ComboField& combo, const std::optional<bool>& value) {
   combo.setCurrentIndex(!value ? -1 : *value ? 0 : 1);
 }
 
+bool IsOfLogin(std::string CloudSettings::*member) {
+  return member == &CloudSettings::CloudHostUserName || member == &CloudSettings::CloudHostPassword ||
+         member == &CloudSettings::AdminUsername || member == &CloudSettings::AdminPassword;
+}
+
 const char* MarkOf(bool good, const std::string& line) {
   if (line.find("ot performed") != std::string::npos) return "information";
   return good ? "checked" : "warning";
@@ -55,35 +60,35 @@ CloudAccountSettings::CloudAccountSettings(WindowList& windowList, QWidget* owne
 
 void CloudAccountSettings::BuildAccount(Form form) {
   std::vector<Form> sides = form.Columns(2);
-  const auto text = [](Form& side, const char* name, const QString& label, int length) {
-    TextField* field = side.Text(name, TextRule::Any(length));
+  using C = CloudSettings;
+  const auto text = [this](Form& side, TextField* field, const QString& label, std::string C::*member) {
     field->setMinimumWidth(kFieldWidth);
     side.Row(label, field);
+    texts_.emplace_back(field, member);
     return field;
   };
-  sides[0].Heading(tr("Account"));
-  facility_ = text(sides[0], "Facility", tr("&Facility Name"), kLongText);
-  account_ = text(sides[0], "AcctNum", tr("Account &Number"), kAccountLength);
-  sides[0].Heading(tr("Host"));
-  host_ = text(sides[0], "CloudHost", tr("Cloud &Host Name"), kLongText);
-  user_ = text(sides[0], "CloudHostUserName", tr("&User Name"), kLongText);
-  password_ = sides[0].Password("CloudHostPassword", kLongText);
-  password_->setMinimumWidth(kFieldWidth);
-  sides[0].Row(tr("Pass&word"), password_);
-  directory_ = text(sides[0], "RemoteDirectory", tr("&Remote Directory"), kLongText);
-  directory_->setToolTip(tr("The folder of the account at the host stands in this one"));
+  Form& account = sides[0];
+  account.Heading(tr("Account"));
+  text(account, account.Text("Facility", TextRule::Any(kLongText)), tr("&Facility Name"), &C::Facility);
+  text(account, account.Text("AcctNum", TextRule::Any(kAccountLength)), tr("Account &Number"), &C::AcctNum);
+  account.Heading(tr("Host"));
+  text(account, account.Text("CloudHost", TextRule::Any(kLongText)), tr("Cloud &Host Name"), &C::CloudHost);
+  text(account, account.Text("CloudHostUserName", TextRule::Any(kLongText)), tr("&User Name"), &C::CloudHostUserName);
+  text(account, account.Password("CloudHostPassword", kLongText), tr("Pass&word"), &C::CloudHostPassword);
+  text(account, account.Text("RemoteDirectory", TextRule::Any(kLongText)), tr("&Remote Directory"), &C::RemoteDirectory)
+      ->setToolTip(tr("The folder of the account at the host stands in this one"));
 
   sides[1].Heading(tr("Connection"));
   const QStringList yesNo{tr("Yes"), tr("No")};
-  const auto choice = [&](const char* name, const QString& label) {
+  const auto choice = [&](const char* name, const QString& label, std::optional<bool> C::*member) {
     ComboField* combo = sides[1].Combo(name, yesNo);
     combo->setCurrentIndex(-1);
     sides[1].Row(label, combo);
-    return combo;
+    choices_.emplace_back(combo, member);
   };
-  passive_ = choice("Passive", tr("Passi&ve"));
-  tls_ = choice("TLS", tr("T&LS"));
-  ssl_ = choice("ssl", tr("SS&L"));
+  choice("Passive", tr("Passi&ve"), &C::Passive);
+  choice("TLS", tr("T&LS"), &C::TLS);
+  choice("ssl", tr("SS&L"), &C::ssl);
   port_ = sides[1].Text("Port", TextRule::Digits(kPortDigits));
   port_->SetWidthInChars(kPortDigits + 2);
   sides[1].Row(tr("&Port Number"), port_);
@@ -91,9 +96,11 @@ void CloudAccountSettings::BuildAccount(Form form) {
   certificate_ = sides[1].Text("CertFile", TextRule::Any(kLongText));
   certificate_->setMinimumWidth(160);
   certificate_->setPlaceholderText(tr("those that this computer knows"));
+  texts_.emplace_back(certificate_, &C::CertFile);
   sides[1].Row(tr("&Certificate File"), {certificate_, sides[1].Button("cmdBrowseCert", tr("&Browse ..."))});
-  sides[1].Wide(verify_ = sides[1].Check("SSL_Verify", tr("The certificate of the host must be valid")));
-  sides[1].Wide(clear_ = sides[1].Check("ClearControlChannel", tr("Clear control channel after the login")));
+  checks_ = {{sides[1].Check("SSL_Verify", tr("The certificate of the host must be valid")), &C::SSL_Verify},
+             {sides[1].Check("ClearControlChannel", tr("Clear control channel after the login")), &C::ClearControlChannel}};
+  for (const auto& [check, member] : checks_) sides[1].Wide(check);
   for (Form& side : sides) side.Stretch();
   form.ButtonsWithoutDefault({form.Button("cmdImport", tr("&Import Settings ..."))});
 }
@@ -135,8 +142,9 @@ void CloudAccountSettings::BuildTest(Form form) {
   form.Wide(certificateFields_, 1);
   testing_ = form.Label("lblUpdateInfo");
   form.Wide(testing_);
-  form.Wide(meter_ = MakeMeter("pbMeter"));
-  progress_.emplace(*testing_, *meter_);
+  QProgressBar* meter = MakeMeter("pbMeter");
+  form.Wide(meter);
+  progress_.emplace(*testing_, *meter);
   form.ButtonsWithoutDefault({test_ = form.Button("cmdTest", tr("&Test Cloud Settings"), Qt::Key_F5),
                               cancelTest_ = form.Button("cmdCancelTest", tr("Ca&ncel the test")),
                               exportLog_ = form.Button("cmdExportLog", tr("&Export Log"))});
@@ -144,11 +152,13 @@ void CloudAccountSettings::BuildTest(Form form) {
 
 void CloudAccountSettings::BuildAdmin(Form form) {
   Paragraph(form, tr("The login of the administrator of the accounts. It is left empty everywhere else."));
-  adminUser_ = form.Text("AdminUsername", TextRule::Any(kLongText));
-  adminPassword_ = form.Password("AdminPassword", kLongText);
-  for (TextField* field : {adminUser_, adminPassword_}) field->setMinimumWidth(kFieldWidth);
-  form.Row(tr("Administrator &User Name"), adminUser_);
-  form.Row(tr("Administrator Pass&word"), adminPassword_);
+  TextField* user = form.Text("AdminUsername", TextRule::Any(kLongText));
+  TextField* password = form.Password("AdminPassword", kLongText);
+  for (TextField* field : {user, password}) field->setMinimumWidth(kFieldWidth);
+  form.Row(tr("Administrator &User Name"), user);
+  form.Row(tr("Administrator Pass&word"), password);
+  texts_.emplace_back(user, &CloudSettings::AdminUsername);
+  texts_.emplace_back(password, &CloudSettings::AdminPassword);
   form.Heading(tr("Default Data File"));
   defaultFile_ = Paragraph(form, {}, "lblAdminDefaultDF");
   form.ButtonsWithoutDefault({defaultDF_ = form.Button("cmdDefaultDF", tr("Choose &Default Data File ..."))});
@@ -160,47 +170,27 @@ void CloudAccountSettings::OnOpen(const Arguments& arguments) {
   shares_ = ReadSharedAccounts(session);
   Show(stored_);
   ShowShares();
-  facility_->setFocus();
+  texts_.front().first->setFocus();
   if (arguments.Has("Page") && arguments.Text("Page") == "Shares") tabs_->setCurrentIndex(1);
 }
 
 void CloudAccountSettings::Show(const CloudSettings& settings) {
-  facility_->SetText(settings.Facility);
-  account_->SetText(settings.AcctNum);
-  host_->SetText(settings.CloudHost);
-  user_->SetText(settings.CloudHostUserName);
-  password_->SetText(settings.CloudHostPassword);
-  directory_->SetText(settings.RemoteDirectory);
+  for (const auto& [field, member] : texts_) field->SetText(settings.*member);
+  for (const auto& [combo, member] : choices_) Choose(*combo, settings.*member);
+  for (const auto& [check, member] : checks_) check->setChecked(settings.*member);
   port_->SetText(settings.Port ? std::to_string(*settings.Port) : std::string());
-  Choose(*passive_, settings.Passive);
-  Choose(*tls_, settings.TLS);
-  Choose(*ssl_, settings.ssl);
-  certificate_->SetText(settings.CertFile);
-  verify_->setChecked(settings.SSL_Verify);
-  clear_->setChecked(settings.ClearControlChannel);
-  adminUser_->SetText(settings.AdminUsername);
-  adminPassword_->SetText(settings.AdminPassword);
   defaultFile_->setText(settings.AdminDefaultDF.empty() ? tr("None has been chosen.") : Q(settings.AdminDefaultDF));
 }
 
 CloudSettings CloudAccountSettings::Typed() const {
   CloudSettings settings = stored_;
-  settings.Facility = Trim(facility_->Text());
-  settings.AcctNum = Trim(account_->Text());
-  settings.CloudHost = Trim(host_->Text());
-  settings.CloudHostUserName = user_->Text();
-  settings.CloudHostPassword = password_->Text();
-  settings.RemoteDirectory = Trim(directory_->Text());
+  // A login is what was typed, to the last blank.
+  for (const auto& [field, member] : texts_)
+    settings.*member = IsOfLogin(member) ? field->Text() : Trim(field->Text());
+  for (const auto& [combo, member] : choices_) settings.*member = ChosenOf(*combo);
+  for (const auto& [check, member] : checks_) settings.*member = check->isChecked();
   settings.Port = port_->text().isEmpty() ? std::nullopt : std::optional<int>(port_->text().toInt());
   if (settings.Port && (*settings.Port < 1 || *settings.Port > 65535)) settings.Port.reset();
-  settings.Passive = ChosenOf(*passive_);
-  settings.TLS = ChosenOf(*tls_);
-  settings.ssl = ChosenOf(*ssl_);
-  settings.CertFile = Trim(certificate_->Text());
-  settings.SSL_Verify = verify_->isChecked();
-  settings.ClearControlChannel = clear_->isChecked();
-  settings.AdminUsername = adminUser_->Text();
-  settings.AdminPassword = adminPassword_->Text();
   return settings;
 }
 
@@ -239,7 +229,7 @@ void CloudAccountSettings::cmdImport_Click() {
       parts_.choose({tr("Import Cloud Settings From ..."), "VKCloudSettings.txt (*.txt) | *.txt", ".txt", {}}, this);
   if (file.isEmpty()) return;
   WithFiles(*this, windowTitle(), [&] {
-    const auto settings = ImportCloudSettings(Typed(), U8(file), account_->Text());
+    const auto settings = ImportCloudSettings(Typed(), U8(file), Typed().AcctNum);
     if (Accepted(settings)) Show(*settings);
   });
 }

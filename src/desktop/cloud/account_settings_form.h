@@ -55,19 +55,12 @@ class CloudAccountSettings : public Dialog {
   CloudSettings stored_;
   std::vector<SharedAccount> shares_;
   QTabWidget* tabs_ = nullptr;
-  TextField* facility_ = nullptr;
-  TextField* account_ = nullptr;
-  TextField* host_ = nullptr;
-  TextField* user_ = nullptr;
-  TextField* password_ = nullptr;
-  TextField* directory_ = nullptr;
+  // The fields and where their values stand.
+  std::vector<std::pair<TextField*, std::string CloudSettings::*>> texts_;
+  std::vector<std::pair<ComboField*, std::optional<bool> CloudSettings::*>> choices_;
+  std::vector<std::pair<CheckField*, bool CloudSettings::*>> checks_;
   TextField* port_ = nullptr;
-  ComboField* passive_ = nullptr;
-  ComboField* tls_ = nullptr;
-  ComboField* ssl_ = nullptr;
   TextField* certificate_ = nullptr;
-  CheckField* verify_ = nullptr;
-  CheckField* clear_ = nullptr;
   QTableWidget* shareList_ = nullptr;
   CommandButton* removeShare_ = nullptr;
   CommandButton* saveShares_ = nullptr;
@@ -75,13 +68,10 @@ class CloudAccountSettings : public Dialog {
   QListWidget* results_ = nullptr;
   QListWidget* certificateFields_ = nullptr;
   QLabel* testing_ = nullptr;
-  QProgressBar* meter_ = nullptr;
   std::optional<MeterProgress> progress_;
   CommandButton* test_ = nullptr;
   CommandButton* cancelTest_ = nullptr;
   CommandButton* exportLog_ = nullptr;
-  TextField* adminUser_ = nullptr;
-  TextField* adminPassword_ = nullptr;
   QLabel* defaultFile_ = nullptr;
   CommandButton* defaultDF_ = nullptr;
   CommandButton* save_ = nullptr;

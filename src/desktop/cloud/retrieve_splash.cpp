@@ -13,9 +13,11 @@ CloudRetrieveSplash::CloudRetrieveSplash(WindowList& windowList, QWidget* owner,
     : Dialog(windowList, owner, name, tr("Cloud")), parts_(std::move(parts)) {
   Form form(*this);
   form.Wide(form.Label("lblRetrieving", text));
-  form.Wide(info_ = form.Hint({}, "lblUpdateInfo"));
-  form.Wide(meter_ = MakeMeter("pbMeter"));
-  progress_.emplace(*info_, *meter_);
+  QLabel* info = form.Hint({}, "lblUpdateInfo");
+  form.Wide(info);
+  QProgressBar* meter = MakeMeter("pbMeter");
+  form.Wide(meter);
+  progress_.emplace(*info, *meter);
   form.ButtonsWithoutDefault({form.Button("cmdCancel", tr("Cancel"))});
   setMinimumWidth(400);
 }

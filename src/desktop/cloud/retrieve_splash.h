@@ -26,8 +26,6 @@ class CloudRetrieveSplash : public Dialog {
 
   CloudParts parts_;
   CloudWork work_;
-  QLabel* info_;
-  QProgressBar* meter_;
   std::optional<MeterProgress> progress_;
 };
 

@@ -34,13 +34,9 @@ ColorForm::ColorForm(WindowList& windowList, const char* name, const QString& ti
     : Window(windowList, name, title), kind_(kind), lowTitle_(lowTitle) {}
 
 void ColorForm::BuildName(Form& form) {
-  name_ = form.Name(kNameField, NamesOnFile(session, NamesOf(kind_)));
-  name_->Means("Color_Name");
-  name_->DoNotTrack();
+  name_ = ColorNameBox(form, NamesOnFile(session, NamesOf(kind_)));
   ink_ = new SwatchView("imgSwatch", {48, 32});
-  low_ = form.Link("ImgInvLow", tr("Low inventory"));
-  low_->setIcon(Icon("low-stock"));
-  low_->hide();
+  low_ = LowStockLink(form);
   state_ = form.Hint({}, "lblState");
   multiple_ = form.Link("cmdPrintMultiple", tr("Reports"));
 }

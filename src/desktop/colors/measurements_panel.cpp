@@ -99,8 +99,7 @@ void MeasurementsPanel::BuildEntry(Form& form) {
   substrate_ = dropDown("cmb_PT", tr("Substrate"));
   form.Row(tr("Light source"), {lightSource_, form.Hint(tr("Substrate")), substrate_});
   note_ = form.Text("txt_Note", TextRule::Any(kNoteLength));
-  add_ = form.Button("cmdAddLab", tr("&Add to list"), [this] { Add(); });
-  form.Row(tr("Note"), {note_, add_});
+  form.Row(tr("Note"), {note_, form.Button("cmdAddLab", tr("&Add to list"), [this] { Add(); })});
 }
 
 void MeasurementsPanel::Load(std::string_view name) {

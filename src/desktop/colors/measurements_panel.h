@@ -55,7 +55,6 @@ class MeasurementsPanel : public QObject {
   ComboField* lightSource_ = nullptr;
   ComboField* substrate_ = nullptr;
   TextField* note_ = nullptr;
-  CommandButton* add_ = nullptr;
   CommandButton* remove_ = nullptr;
   Grid* list_ = nullptr;
   std::shared_ptr<Source> source_;

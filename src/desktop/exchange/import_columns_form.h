@@ -20,7 +20,6 @@ class ImportColumnsForm : public Dialog {
 
  public Q_SLOTS:
   void cmdSave_Click();
-  void cmdCancel_Click() { reject(); }
 
  private:
   void ShowColumns();

@@ -80,7 +80,7 @@ DBImport_Formulas::DBImport_Formulas(WindowList& windowList, FileChooser choose)
   BuildDestination(sides[1]);
   BuildComparison(tabs.Page(tr("Step &2 - Formula Comparison"), "tabCompare"));
   BuildReport(tabs.Page(tr("Step &3 - Result"), "tabResult"));
-  form.ButtonsWithoutDefault({compare_ = form.Button("cmdCompare", tr("&Compare"), Qt::Key_F5),
+  form.ButtonsWithoutDefault({form.Button("cmdCompare", tr("&Compare"), Qt::Key_F5),
                               import_ = form.Button("cmdImport", tr("I&mport")),
                               undo_ = form.Button("cmdUndo", tr("Undo Im&port")), form.Button("cmdClose", tr("Close"))});
   for (Field* field : std::initializer_list<Field*>{source_, account_, sourceDatabase_, guideList_, unit_, destination_, newName_,

@@ -98,7 +98,6 @@ class DBImport_Formulas : public Window {
   NoteField* whatElse_ = nullptr;
   NoteField* done_ = nullptr;
   CommandButton* view_ = nullptr;
-  CommandButton* compare_ = nullptr;
   CommandButton* import_ = nullptr;
   CommandButton* saveReport_ = nullptr;
   CommandButton* undo_ = nullptr;

@@ -19,9 +19,7 @@ namespace vellumark::desktop {
 namespace {
 
 // The widths of the texts on file.
-constexpr int kLotTextLength = 30;
 constexpr int kListedCounts = 100;
-constexpr int kPriceLength = 20;
 
 }  // namespace
 

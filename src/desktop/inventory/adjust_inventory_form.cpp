@@ -58,16 +58,9 @@ AdjustInventoryForm::AdjustInventoryForm(WindowList& windowList)
       }) {
   setWindowIcon(Icon("Inventory"));
   Form form(*this);
-  const NameSource names{
-      [this](std::string_view typed) { return CompleteColorName(session, typed); },
-      [this](std::string_view typed, std::size_t limit) { return ColorNamesFrom(session, typed, limit); }};
-  name_ = form.Name(kNameField, names);
-  name_->Means("Color_Name");
-  name_->DoNotTrack();
+  name_ = ColorNameBox(form, ColorsOnFile(session));
   ink_ = new SwatchView("imgSwatch", {48, 32});
-  low_ = form.Link("ImgInvLow", tr("Low inventory"));
-  low_->setIcon(Icon("low-stock"));
-  low_->hide();
+  low_ = LowStockLink(form);
   QLabel* caption =
       form.Row(tr("&Name"), {name_, ink_, kind_ = form.Hint({}, "lblKind"), state_ = form.Hint({}, "lblState"), low_});
   manualOnly_ = {caption, name_->parentWidget()};

@@ -11,6 +11,7 @@
 #include "desktop/inventory/lot_grid.h"
 #include "desktop/kit/discard.h"
 #include "desktop/kit/icons.h"
+#include "desktop/kit/record_fields.h"
 #include "desktop/kit/text.h"
 
 namespace vellumark::desktop {
@@ -24,12 +25,7 @@ AdjustReorderForm::AdjustReorderForm(WindowList& windowList)
     : Window(windowList, "AdjustReorderForm", tr("Adjust Reorder Point")) {
   setWindowIcon(Icon("low-stock"));
   Form form(*this);
-  const NameSource names{
-      [this](std::string_view typed) { return CompleteColorName(session, typed); },
-      [this](std::string_view typed, std::size_t limit) { return ColorNamesFrom(session, typed, limit); }};
-  name_ = form.Name(kNameField, names);
-  name_->Means("Color_Name");
-  name_->DoNotTrack();
+  name_ = ColorNameBox(form, ColorsOnFile(session));
   form.Row(tr("&Name"), {name_, kind_ = form.Hint({}, "lblKind")});
   form.Row(tr("In stock"), {stock_ = form.Value("lblTotalInv"), stockUnit_ = form.Hint({})});
   reorder_ = form.Number("txtReorder", 3, tr("0 to 99999"));

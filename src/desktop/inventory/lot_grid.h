@@ -20,6 +20,10 @@ QString PriceCaption(int unit);
 /// "Quantity" and "lb." to "Quantity (lb.)".
 QString WithUnit(const QString& caption, int unit);
 
+// As typed.
+inline constexpr int kLotTextLength = 30;
+inline constexpr int kPriceLength = 20;
+
 /// A drop-down of texts that also takes typed ones, `chars` wide, and nothing completed: a lot number that begins as
 /// another one does is a number of its own.
 ComboField* ChoiceCombo(Form& form, const char* name, const QString& caption, int chars, int longest);

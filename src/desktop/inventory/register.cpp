@@ -13,8 +13,12 @@
 namespace vellumark::desktop {
 
 void RegisterInventoryWindows(WindowList& windows) {
-  windows.RegisterAll<AdjustInventoryForm, AdjustReorderForm, StockHistoryForm, ResetInvForm, ResetReorderForm,
-                      BatchLotInvSelector, CalendarForm, InvLotInstructions, ScanningHelpForm>();
+  windows.RegisterAll<AdjustInventoryForm, AdjustReorderForm, StockHistoryForm, BatchLotInvSelector, CalendarForm,
+                      InvLotInstructions, ScanningHelpForm>();
+  for (const auto& [name, figure] : {std::pair{"ResetInvForm", ResetFigure::Inventory}, {"ResetReorderForm", ResetFigure::Reorder}})
+    windows.RegisterDialog(name, [figure](WindowList& list, QWidget* owner) -> Dialog* {
+      return new ResetValuesForm(list, owner, figure);
+    });
 }
 
 }  // namespace vellumark::desktop

@@ -14,7 +14,6 @@
 namespace vellumark::desktop {
 namespace {
 
-constexpr int kPriceLength = 20;
 
 QHBoxLayout* Line(QVBoxLayout& rows) {
   auto* box = new QWidget;

@@ -8,10 +8,14 @@
 
 namespace vellumark::desktop {
 
-ResetValuesForm::ResetValuesForm(WindowList& windowList, QWidget* owner, const QString& name, const Words& words)
-    : Dialog(windowList, owner, name, words.title), reset_(words.reset) {
+ResetValuesForm::ResetValuesForm(WindowList& windowList, QWidget* owner, ResetFigure figure)
+    : Dialog(windowList, owner, figure == ResetFigure::Inventory ? "ResetInvForm" : "ResetReorderForm",
+             figure == ResetFigure::Inventory ? tr("Reset Inventory") : tr("Reset Reorder Points")),
+      figure_(figure) {
+  const bool stock = figure == ResetFigure::Inventory;
   Form form(*this);
-  form.Heading(words.figure.arg(Q(session.CurrentDatabase)));
+  form.Heading((stock ? tr("Inventory of the %1 Database") : tr("Reorder points of the %1 Database"))
+                   .arg(Q(session.CurrentDatabase)));
   const auto row = [&](const char* check, const QString& text, const char* value, CheckField*& checkField,
                        NumberField*& valueField) {
     checkField = form.Check(check, text);
@@ -21,11 +25,11 @@ ResetValuesForm::ResetValuesForm(WindowList& windowList, QWidget* owner, const Q
     checkField->setMinimumWidth(208);
     form.Row({checkField, valueField, form.Hint(Q(UnitName(session.UMI)))});
   };
-  row("chkBasics", tr("Set all &Basic Colors to"), words.basicsField, basics_, basicsValue_);
-  row("chkMixes", tr("Set all &Master Formulas to"), words.mixesField, mixes_, mixesValue_);
-  if (!words.note.isEmpty()) {
+  row("chkBasics", tr("Set all &Basic Colors to"), stock ? "BasicValue" : "txtBasicsNewValue", basics_, basicsValue_);
+  row("chkMixes", tr("Set all &Master Formulas to"), stock ? "MixValue" : "txtMixesNewValue", mixes_, mixesValue_);
+  if (stock && session.InvLotTracking == 1) {
     form.Space();
-    form.Wide(Explain(form, words.note, "lblNote"));
+    form.Wide(Explain(form, Q(kResetInvNote), "lblNote"));
   }
   form.Buttons({save_ = form.Button("cmdSave", tr("&Reset")), form.Button("cmdCancel", tr("Cancel"))});
   layout()->setSizeConstraint(QLayout::SetFixedSize);
@@ -42,23 +46,8 @@ void ResetValuesForm::cmdSave_Click() {
   if (basics_->isChecked()) values.basics = basicsValue_->Text();
   if (mixes_->isChecked()) values.mixes = mixesValue_->Text();
   const auto wait = Wait(WaitKind::WaitForm, windowTitle());
-  const auto done = reset_(session, values);
+  const auto done = figure_ == ResetFigure::Inventory ? ResetInventories(session, values) : ResetReorderPoints(session, values);
   if (Accepted(done) && *done) accept();
 }
-
-ResetInvForm::ResetInvForm(WindowList& windowList, QWidget* owner)
-    : ResetValuesForm(windowList, owner, "ResetInvForm",
-                      {tr("Reset Inventory"), tr("Inventory of the %1 Database"),
-                       windowList.session.InvLotTracking == 1 ? Q(kResetInvNote) : QString(), "BasicValue", "MixValue",
-                       [](Session& open, const ResetValues& values) { return ResetInventories(open, values); }}) {}
-
-ResetReorderForm::ResetReorderForm(WindowList& windowList, QWidget* owner)
-    : ResetValuesForm(windowList, owner, "ResetReorderForm",
-                      {tr("Reset Reorder Points"),
-                       tr("Reorder points of the %1 Database"),
-                       {},
-                       "txtBasicsNewValue",
-                       "txtMixesNewValue",
-                       [](Session& open, const ResetValues& values) { return ResetReorderPoints(open, values); }}) {}
 
 }  // namespace vellumark::desktop

@@ -73,9 +73,10 @@ ScanCapture::ScanCapture(FormHost& host, Form form)
   across->addStretch(1);
   across->addWidget(
       form.Button("cmdHelp", tr("Help"), Qt::Key_F1, [this] { host_.windows.RunDialog("ScanningHelpForm"); }));
-  across->addWidget(cancel_ = form.Button("cmd_ScanCancel", tr("Clear"), [this] { Cancel(); }));
-  across->addWidget(save_ = form.Button("cmd_ScanSave", tr("&Process"), Qt::Key_F9, [this] { cmd_ScanSave(); }));
-  save_->setProperty("primary", true);
+  across->addWidget(form.Button("cmd_ScanCancel", tr("Clear"), [this] { Cancel(); }));
+  CommandButton* save = form.Button("cmd_ScanSave", tr("&Process"), Qt::Key_F9, [this] { cmd_ScanSave(); });
+  across->addWidget(save);
+  save->setProperty("primary", true);
   form.Wide(line);
   caps_.setSingleShot(true);
   caps_.setInterval(kLineOver);

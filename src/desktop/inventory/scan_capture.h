@@ -48,8 +48,6 @@ class ScanCapture : public QObject {
   ScanFlash* flash_;
   Grid* list_;
   Grid* jobs_;
-  CommandButton* save_;
-  CommandButton* cancel_;
   QTimer caps_;
   int ended_ = 0;
 };

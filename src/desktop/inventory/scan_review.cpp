@@ -10,6 +10,7 @@
 #include "core/base/units.h"
 #include "core/colors/ink.h"
 #include "core/labels/scan_undo.h"
+#include "desktop/inventory/lot_grid.h"
 #include "desktop/kit/look.h"
 #include "desktop/kit/swatch_view.h"
 #include "desktop/kit/text.h"
@@ -21,7 +22,6 @@ using State = ScanRecord::State;
 
 constexpr int kLotWidth = 96;
 constexpr int kFieldsWidth = 464;
-constexpr int kLotLength = 30;
 constexpr int kMark = 32;
 
 // Neither of two: what was not scanned is looked up.
@@ -120,13 +120,13 @@ void ScanReview::BuildFields(Form form) {
   form.Row(tr("Color Type"), type_);
   form.Row(tr("Database"), database_ = form.Combo("cmbDB"));
   database_->setMinimumWidth(240);
-  form.Row(tr("Lot Number"), lot_ = form.Text("txtScanLN", TextRule::Upper(kLotLength)));
+  form.Row(tr("Lot Number"), lot_ = form.Text("txtScanLN", TextRule::Upper(kLotTextLength)));
   choice_ = form.Combo("LotNum_ScanSel");
   choice_->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
   choice_->setMinimumWidth(304);
   form.Row(tr("Choose"), choice_);
-  location_ = form.Text("txtScanLL", TextRule::Upper(kLotLength));
-  container_ = form.Text("txtScanLC", TextRule::Upper(kLotLength));
+  location_ = form.Text("txtScanLL", TextRule::Upper(kLotTextLength));
+  container_ = form.Text("txtScanLC", TextRule::Upper(kLotTextLength));
   container_->setAccessibleName(tr("Lot Cont ID"));
   for (TextField* field : {location_, container_}) field->setMinimumWidth(kLotWidth);
   form.Row(tr("Lot Location"), {location_, form.Hint(tr("Lot Cont ID")), container_});

@@ -14,10 +14,12 @@
 #include "core/inventory/color_stock.h"
 #include "core/inventory/stock_tables.h"
 #include "core/labels/scan_undo.h"
+#include "desktop/inventory/lot_grid.h"
 #include "desktop/kit/icons.h"
 #include "desktop/kit/print_sheet.h"
 #include "desktop/kit/record_source.h"
 #include "desktop/kit/row_menu.h"
+#include "desktop/kit/record_fields.h"
 #include "desktop/kit/text.h"
 
 namespace vellumark::desktop {
@@ -27,7 +29,6 @@ enum Column { When, Who, Event, ColorName, Kind, Lot, Difference, Left, Document
 
 const std::vector<std::string_view> kShown{"Date",       "User",   "Source", "Color Name", "Type",
                                            "Lot Number", "Change", "Result", "Document",   "Reason"};
-constexpr int kLotLength = 30;
 constexpr std::size_t kScreen = 200;  // lines, more than a window shows
 constexpr qint64 kMoment = 20;        // milliseconds
 
@@ -131,12 +132,9 @@ StockHistoryForm::StockHistoryForm(WindowList& windowList)
     : Window(windowList, "StockHistoryForm", tr("Stock History")), source_(std::make_shared<Source>(session)) {
   setWindowIcon(Icon("Inventory"));
   Form form(*this);
-  const NameSource names{
-      [this](std::string_view typed) { return CompleteColorName(session, typed); },
-      [this](std::string_view typed, std::size_t limit) { return ColorNamesFrom(session, typed, limit); }};
-  name_ = form.Name("cmbColorName", names);
+  name_ = form.Name("cmbColorName", ColorsOnFile(session));
   name_->setPlaceholderText(tr("All colors"));
-  lot_ = form.Text("txtLotNumber", TextRule::Any(kLotLength));
+  lot_ = form.Text("txtLotNumber", TextRule::Any(kLotTextLength));
   lot_->setPlaceholderText(tr("All lots"));
   lot_->setAccessibleName(tr("Lot Number"));
   lot_->setMinimumWidth(160);
@@ -150,7 +148,7 @@ StockHistoryForm::StockHistoryForm(WindowList& windowList)
   std::vector<GridColumn> columns = source_->Columns();
   for (const int column : {Who, Kind, Document, Reason}) columns[static_cast<std::size_t>(column)].choosable = true;
   list_->SetColumns(std::move(columns));
-  filter_ = list_->ShowFilter(tr("Filter"));
+  QLineEdit* filter = list_->ShowFilter(tr("Filter"));
   list_->SetEmptyText(tr("No stock has moved"));
   list_->SetSource(source_);
   list_->SetSort({When, true});
@@ -165,7 +163,7 @@ StockHistoryForm::StockHistoryForm(WindowList& windowList)
     if (user.isEmpty()) return;
     menu.addSeparator();
     connect(menu.addAction(tr("Only lines of %1").arg(user)), &QAction::triggered, this,
-            [this, user] { filter_->setText(user); });
+            [filter, user] { filter->setText(user); });
   });
   form.ButtonsWithoutDefault(
       {form.Button("cmdClose", tr("Close")), takeBack_, print_ = form.Button("cmdPrint", tr("&Print"))});

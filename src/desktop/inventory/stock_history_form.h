@@ -43,7 +43,6 @@ class StockHistoryForm : public Window {
   TextField* lot_;
   CommandButton* print_ = nullptr;
   CommandButton* takeBack_ = nullptr;
-  QLineEdit* filter_;
   Grid* list_;
   QLabel* count_;
 };

@@ -32,7 +32,6 @@ class AddJobItemForm : public Dialog {
   void cmdUpdate_Click();
   void cmdClearAdjust_Click();
   void cmdHelp_Click() { windows.RunDialog("JobAddItem_Help"); }
-  void cmdClose_Click() { reject(); }
 
  private:
   class Source;

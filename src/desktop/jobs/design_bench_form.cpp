@@ -3,6 +3,7 @@
 #include "core/base/text.h"
 #include "desktop/jobs/table_rows.h"
 #include "desktop/kit/icons.h"
+#include "desktop/kit/job_box.h"
 #include "desktop/kit/print_sheet.h"
 #include "desktop/kit/row_menu.h"
 #include "desktop/kit/text.h"
@@ -10,7 +11,6 @@
 namespace vellumark::desktop {
 namespace {
 
-constexpr int kJobLength = 30;
 constexpr int kSpotColor = 2;
 
 }  // namespace
@@ -23,7 +23,7 @@ DesignBenchForm::DesignBenchForm(WindowList& windowList)
   impressions_ = form.Text("txtImpressions", TextRule::Digits(10));
   impressions_->SetWidthInChars(10);
   impressions_->Means("Impressions");
-  job_ = form.Text("JobNumber", TextRule::Any(kJobLength));
+  job_ = form.Text("JobNumber", TextRule::Any(kJobNumberLength));
   job_->setAccessibleName(tr("Job number"));
   form.Row(tr("&Impressions of the run"), {impressions_, form.Hint(tr("Job number")), job_});
   way_ = form.Radio("optWay",

@@ -22,7 +22,6 @@ class DesignBenchForm : public Window {
   void cmdShow_Click();
   void cmdBatch_Click();
   void cmdPrint_Click() override;
-  void cmdClose_Click() { Leave(); }
 
  private:
   RunWish Wish() const;

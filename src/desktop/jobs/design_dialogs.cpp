@@ -4,6 +4,7 @@
 #include "core/jobs/design_tables.h"
 #include "desktop/jobs/hint_pages.h"
 #include "desktop/jobs/table_rows.h"
+#include "desktop/kit/new_name_dialog.h"
 #include "desktop/kit/row_menu.h"
 #include "desktop/kit/text.h"
 
@@ -17,63 +18,48 @@ std::string WithoutEnd(const std::string& photo) {
   return photo.substr(0, end);
 }
 
+Result<Arguments> RenameOf(NewNameDialog& dialog, const std::string& oldName, const std::string& typed) {
+  const auto done = dialog.Given().Has("Copy") ? CopyDesign(dialog.session, oldName, typed)
+                                               : RenameDesign(dialog.session, oldName, typed);
+  if (!done) return std::unexpected(done.error());
+  return Arguments{{"DesignID", *done}};
+}
+
+Result<Arguments> RenamePhotoOf(NewNameDialog& dialog, const std::string& oldName, const std::string& typed) {
+  if (!dialog.Given().Has("Picked")) {
+    auto* work = dialog.Given().Get<DesignWork*>("Work");
+    if (auto done = RenamePhoto(dialog.session, *work, oldName, typed); !done) return std::unexpected(done.error());
+    return Arguments{{"PhotoName", typed}};
+  }
+  const auto name = ReadPhotoName(typed);
+  if (!name) return std::unexpected(name.error());
+  dialog.Given().Get<PickedPhoto*>("Picked")->name = *name;
+  return Arguments{{"PhotoName", *name}};
+}
+
 }  // namespace
 
-JobDesign_Rename::JobDesign_Rename(WindowList& windowList, QWidget* owner)
-    : Dialog(windowList, owner, "JobDesign_Rename", tr(" Rename Design")) {
-  Form form(*this);
-  form.Wide(form.Hint(tr("Enter a new name for this design.")));
-  form.Row(tr("Name"), oldName_ = form.Value("lblOldName", 1));
-  newName_ = form.Text("txtNewName", TextRule::Upper(kDesignIDLength));
-  newName_->Means("DesignID");
-  form.Row(tr("&New name"), newName_);
-  form.Buttons({form.Button("cmdSave", tr("&Save")), form.Button("cmdCancel", tr("Cancel"))});
-  setMinimumWidth(440);
-}
-
-void JobDesign_Rename::OnOpen(const Arguments& arguments) {
-  oldName_->SetText(arguments.Text("DesignID"));
-  copies_ = arguments.Has("Copy");
-  if (copies_) setWindowTitle(tr("Copy Design"));
-}
-
-void JobDesign_Rename::cmdSave_Click() {
-  const auto done = copies_ ? CopyDesign(session, oldName_->Text(), newName_->Text())
-                            : RenameDesign(session, oldName_->Text(), newName_->Text());
-  if (!Accepted(done)) return;
-  result.Set("DesignID", *done);
-  accept();
-}
-
-JobDesign_PhotoRename::JobDesign_PhotoRename(WindowList& windowList, QWidget* owner)
-    : Dialog(windowList, owner, "JobDesign_PhotoRename", tr("Photo Rename")) {
-  Form form(*this);
-  form.Row(tr("Photo"), oldName_ = form.Value("lblOldName", 1));
-  newName_ = form.Text("txtNewName", TextRule::Any(kPhotoNameLength));
-  newName_->Means("PhotoName");
-  form.Row(tr("&New name"), newName_);
-  form.Buttons({form.Button("cmdSave", tr("&Save")), form.Button("cmdCancel", tr("Cancel"))});
-  setMinimumWidth(440);
-}
-
-void JobDesign_PhotoRename::OnOpen(const Arguments& arguments) {
-  if (arguments.Has("Picked"))
-    picked_ = arguments.Get<PickedPhoto*>("Picked");
-  else
-    work_ = arguments.Get<DesignWork*>("Work");
-  oldName_->SetText(picked_ != nullptr ? picked_->name : arguments.Text("Name"));
-  newName_->SetText(WithoutEnd(oldName_->Text()));
-}
-
-void JobDesign_PhotoRename::cmdSave_Click() {
-  if (picked_ != nullptr) {
-    const auto name = ReadPhotoName(newName_->Text());
-    if (!Accepted(name)) return;
-    picked_->name = *name;
-  } else if (!Accepted(RenamePhoto(session, *work_, oldName_->Text(), newName_->Text()))) {
-    return;
-  }
-  accept();
+void RegisterDesignNames(WindowList& windows) {
+  windows.RegisterDialog("JobDesign_Rename", [](WindowList& list, QWidget* owner) -> Dialog* {
+    return new NewNameDialog(list, owner,
+                             {.window = "JobDesign_Rename",
+                              .title = NewNameDialog::tr(" Rename Design"),
+                              .caption = NewNameDialog::tr("Name"),
+                              .argument = "DesignID",
+                              .rule = TextRule::Upper(kDesignIDLength),
+                              .rename = RenameOf,
+                              .hint = NewNameDialog::tr("Enter a new name for this design.")});
+  });
+  windows.RegisterDialog("JobDesign_PhotoRename", [](WindowList& list, QWidget* owner) -> Dialog* {
+    return new NewNameDialog(list, owner,
+                             {.window = "JobDesign_PhotoRename",
+                              .title = NewNameDialog::tr("Photo Rename"),
+                              .caption = NewNameDialog::tr("Photo"),
+                              .argument = "PhotoName",
+                              .rule = TextRule::Any(kPhotoNameLength),
+                              .rename = RenamePhotoOf,
+                              .proposed = WithoutEnd});
+  });
 }
 
 JobDesigns_Hints::JobDesigns_Hints(WindowList& windowList, QWidget* owner)

@@ -6,44 +6,9 @@
 
 namespace vellumark::desktop {
 
-/// A new name for a Design, or for a copy of it. Opened with {"DesignID", id} and, for the copy, {"Copy", true}; gives
-/// {"DesignID", name} back.
-class JobDesign_Rename : public Dialog {
-  Q_OBJECT
-
- public:
-  JobDesign_Rename(WindowList& windowList, QWidget* owner);
-  void OnOpen(const Arguments& arguments) override;
-
- public Q_SLOTS:
-  void cmdSave_Click();
-  void cmdCancel_Click() { reject(); }
-
- private:
-  bool copies_ = false;
-  ValueField* oldName_;
-  TextField* newName_;
-};
-
-/// Another name for a photo: of a Design, with {"Work", DesignWork*} and {"Name", name}, or of one that is not linked
-/// yet, with {"Picked", PickedPhoto*}.
-class JobDesign_PhotoRename : public Dialog {
-  Q_OBJECT
-
- public:
-  JobDesign_PhotoRename(WindowList& windowList, QWidget* owner);
-  void OnOpen(const Arguments& arguments) override;
-
- public Q_SLOTS:
-  void cmdSave_Click();
-  void cmdCancel_Click() { reject(); }
-
- private:
-  DesignWork* work_ = nullptr;
-  PickedPhoto* picked_ = nullptr;
-  ValueField* oldName_;
-  TextField* newName_;
-};
+/// Both are asked by a NewNameDialog: a new name for a Design, or with {"Copy", true} for a copy of it; another name for a
+/// photo, of a Design, with {"Work", DesignWork*}, or of one that is not linked yet, with {"Picked", PickedPhoto*}.
+void RegisterDesignNames(WindowList& windows);
 
 /// The steps of working with Designs.
 class JobDesigns_Hints : public Dialog {
@@ -51,9 +16,6 @@ class JobDesigns_Hints : public Dialog {
 
  public:
   JobDesigns_Hints(WindowList& windowList, QWidget* owner);
-
- public Q_SLOTS:
-  void cmdClose_Click() { accept(); }
 };
 
 /// The details of a Design of a file. Opened with {"Design", Design}.
@@ -63,9 +25,6 @@ class ImportExamineLocalFileDesign : public Dialog {
  public:
   ImportExamineLocalFileDesign(WindowList& windowList, QWidget* owner, bool ofCloud = false);
   void OnOpen(const Arguments& arguments) override;
-
- public Q_SLOTS:
-  void cmdClose_Click() { accept(); }
 
  private:
   QLabel* id_;

@@ -35,7 +35,7 @@ void DB_ImportExport_Designs::BuildExport(Form form) {
   designs_->SetEmptyText(tr("There are no Designs"));
   form.Wide(designs_, 1);
   form.Wide(selected_ = form.Label("lblSelected"));
-  form.ButtonsWithoutDefault({export_ = form.Button("cmdExport", tr("E&xport"))});
+  form.ButtonsWithoutDefault({form.Button("cmdExport", tr("E&xport"))});
   connect(&designs_->View(), &QTableView::clicked, this, [this] { Changed(); });
   connect(designs_->View().selectionModel(), &QItemSelectionModel::selectionChanged, this, [this] { Changed(); });
 }

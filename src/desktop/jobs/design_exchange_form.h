@@ -24,7 +24,6 @@ class DB_ImportExport_Designs : public Window {
   void cmdCloudGet_Click();
   void cmdView_Click();
   void cmdImport_Click();
-  void cmdClose_Click() { Leave(); }
 
  private:
   void BuildExport(Form form);
@@ -48,7 +47,6 @@ class DB_ImportExport_Designs : public Window {
   ComboField* account_ = nullptr;
   std::vector<ShareRow> shares_;
   bool fromCloud_ = false;
-  CommandButton* export_ = nullptr;
   CommandButton* view_ = nullptr;
   CommandButton* import_ = nullptr;
 };

@@ -31,7 +31,6 @@ class InkEstForm : public Window {
   void cmdMileage_Click();
   void cmdAnilox_Click();
   void cmdDesigns_Click() { windows.OpenForm("JobDesigns"); }
-  void cmdClose_Click() { Leave(); }
 
  private:
   struct AreaFields {
@@ -84,7 +83,6 @@ class InkEstMileageForm : public Dialog {
  public Q_SLOTS:
   void cmdSave_Click();
   void cmdDefault_Click();
-  void cmdCancel_Click() { reject(); }
 
  private:
   void ShowMileage();
@@ -104,7 +102,6 @@ class InkEstAniloxValueForm : public Dialog {
 
  public Q_SLOTS:
   void cmdSave_Click();
-  void cmdCancel_Click() { reject(); }
 
  private:
   std::array<NumberField*, kAniloxChoices> factors_{};

@@ -18,7 +18,6 @@ class JobChangeForm : public Dialog {
 
  public Q_SLOTS:
   void cmdSave_Click();
-  void cmdCancel_Click() { reject(); }
 
  protected:
   using Rows = std::vector<std::int64_t>;
@@ -112,7 +111,6 @@ class JobClosingDate : public Dialog {
 
  public Q_SLOTS:
   void cmdSave_Click();
-  void cmdCancel_Click() { reject(); }
 
  private:
   ValueField* job_;

@@ -74,7 +74,7 @@ void JobDesigns::BuildDetails(Form form) {
   unit_ = form.Radio("optEstUOM", {{"optInch", tr("in.")}, {"optMillimetre", tr("mm.")}}, Qt::Horizontal);
   unit_->DoNotTrack();
   unit_->Choose(EstimatorUnit(session) == LengthUnit::Inch ? 0 : 1);
-  form.Row(tr("Len&gth"), {length_, form.Hint(tr("Width")), width_, unit_, widthUnit_ = form.Hint({})});
+  form.Row(tr("Len&gth"), {length_, form.Hint(tr("Width")), width_, unit_});
   form.Row(tr("Dates"), dates_ = form.Label("lblDates"));
   notes_ = form.Note("Notes", 4);
   form.Row(tr("&Notes"), notes_);
@@ -108,12 +108,12 @@ void JobDesigns::BuildColors(Form form) {
   colors_->SetEmptyText(tr("No colors yet"));
   connect(colors_, &Grid::CurrentRowChanged, this, [this] { PickColor(); });
   form.Wide(colors_, 1);
-  costModel_ = form.Radio(
+  RadioField* costModel = form.Radio(
       "optCostModel", {{"optBasicCost", tr("Basic Cost")}, {"optPurchaseCost", tr("Purchase Cost")}}, Qt::Horizontal);
-  costModel_->DoNotTrack();
-  costModel_->Choose(GetSetting(session, setting::DesignsCostModelIndex) == 1 ? 1 : 0);
-  form.Row(tr("Total cost"), {total_ = form.Value("lblTotalCost"), form.Hint(tr("Formulas by")), costModel_});
-  connect(costModel_, &RadioField::ChosenChanged, this, [this](int chosen) {
+  costModel->DoNotTrack();
+  costModel->Choose(GetSetting(session, setting::DesignsCostModelIndex) == 1 ? 1 : 0);
+  form.Row(tr("Total cost"), {total_ = form.Value("lblTotalCost"), form.Hint(tr("Formulas by")), costModel});
+  connect(costModel, &RadioField::ChosenChanged, this, [this](int chosen) {
     StoreSettings(session, {setting::DesignsCostModelIndex.To(chosen)});
     ShowColors();
   });
@@ -320,7 +320,8 @@ void JobDesigns::cmdRename_Click() {
 }
 
 void JobDesigns::cmdCopy_Click() {
-  if (const auto done = windows.RunDialog("JobDesign_Rename", {{"DesignID", work_->design.DesignID}, {"Copy", true}}))
+  const Arguments copy{{"DesignID", work_->design.DesignID}, {"Copy", true}, {"Title", U8(tr("Copy Design"))}};
+  if (const auto done = windows.RunDialog("JobDesign_Rename", copy))
     Load(done->Text("DesignID"));
 }
 

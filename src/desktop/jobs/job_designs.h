@@ -37,7 +37,6 @@ class JobDesigns : public Window {
   void cmdBench_Click();
   void cmdHints_Click();
   void cmdExchange_Click();
-  void cmdClose_Click() { Leave(); }
   void cmdAdd_Click();
   void cmdRemove_Click();
   void cmdEstimate_Click();
@@ -82,7 +81,6 @@ class JobDesigns : public Window {
   TextField* impressions_ = nullptr;
   NumberField* length_ = nullptr;
   NumberField* width_ = nullptr;
-  QLabel* widthUnit_ = nullptr;
   RadioField* unit_ = nullptr;
   QLabel* dates_ = nullptr;
   NoteField* notes_ = nullptr;
@@ -92,7 +90,6 @@ class JobDesigns : public Window {
   NumberField* percent_ = nullptr;
   std::shared_ptr<LeadingTable> rows_;
   Grid* colors_ = nullptr;
-  RadioField* costModel_ = nullptr;
   ValueField* total_ = nullptr;
   PhotoFrame* frame_ = nullptr;
   QListWidget* photos_ = nullptr;

@@ -143,12 +143,12 @@ void JobDesigns::cmdRemovePhoto_Click() {
 void JobDesigns::cmdRenamePhoto_Click() {
   const int place = CurrentPhoto();
   if (picked_) {
-    windows.RunDialog("JobDesign_PhotoRename", {{"Picked", &*picked_}});
+    windows.RunDialog("JobDesign_PhotoRename", {{"Picked", &*picked_}, {"PhotoName", picked_->name}});
     return ShowPhoto();
   }
   if (place < 0) return;
   const std::string name = work_->photos[static_cast<std::size_t>(place)].name;
-  if (windows.RunDialog("JobDesign_PhotoRename", {{"Work", &*work_}, {"Name", name}})) ListPhotos();
+  if (windows.RunDialog("JobDesign_PhotoRename", {{"Work", &*work_}, {"PhotoName", name}})) ListPhotos();
 }
 
 void JobDesigns::StepPhoto(int by) {

@@ -4,20 +4,16 @@
 #include "core/jobs/job_numbers.h"
 #include "core/jobs/job_stock.h"
 #include "desktop/jobs/hint_pages.h"
+#include "desktop/kit/job_box.h"
 #include "desktop/kit/text.h"
 
 namespace vellumark::desktop {
-namespace {
-
-constexpr int kJobLength = 30;
-
-}  // namespace
 
 NewJobNumberForm::NewJobNumberForm(WindowList& windowList, QWidget* owner)
     : Dialog(windowList, owner, "NewJobNumberForm", tr(" New Job Number")) {
   Form form(*this);
   oldCaption_ = form.Row(tr("Job Number"), oldNumber_ = form.Value("lblOldNumber", 1));
-  number_ = form.Text("txtJobNumber", TextRule::Any(kJobLength));
+  number_ = form.Text("txtJobNumber", TextRule::Any(kJobNumberLength));
   number_->Means("JobNumber");
   form.Row(tr("&New Job Number"), number_);
   form.Buttons({form.Button("cmdSave", tr("&Save")), form.Button("cmdCancel", tr("Cancel"))});

@@ -17,7 +17,6 @@ class NewJobNumberForm : public Dialog {
 
  public Q_SLOTS:
   void cmdSave_Click();
-  void cmdCancel_Click() { reject(); }
 
  private:
   std::string renamed_;
@@ -32,9 +31,6 @@ class JobAddItem_Help : public Dialog {
 
  public:
   JobAddItem_Help(WindowList& windowList, QWidget* owner);
-
- public Q_SLOTS:
-  void cmdClose_Click() { accept(); }
 };
 
 /// What a Job issued and gave back, line by line; a line can be taken back. Opened with {"JobNumber", number}.
@@ -48,7 +44,6 @@ class JobBookingsForm : public Dialog {
 
  public Q_SLOTS:
   void cmdUndo_Click();
-  void cmdClose_Click() { accept(); }
 
  private:
   void ListLines();

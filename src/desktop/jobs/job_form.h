@@ -48,7 +48,6 @@ class JobForm : public Window {
   void cmdOptions_Click();
   void cmdPrint_Click() override;
   void cmdBC_Report_Click();
-  void cmdClose_Click() { Leave(); }
 
  protected:
   bool eventFilter(QObject* watched, QEvent* event) override;

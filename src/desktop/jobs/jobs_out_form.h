@@ -21,7 +21,6 @@ class JobsOutForm : public Window {
  public Q_SLOTS:
   void cmdOpen_Click();
   void cmdPrint_Click() override;
-  void cmdClose_Click() { Leave(); }
 
  private:
   void ListLines();

@@ -3,12 +3,12 @@
 #include <algorithm>
 
 #include "desktop/kit/icons.h"
+#include "desktop/kit/job_box.h"
 #include "desktop/kit/text.h"
 
 namespace vellumark::desktop {
 namespace {
 
-constexpr int kNumberLength = 30;
 constexpr int kColumnWidth = 160;
 
 }  // namespace
@@ -23,19 +23,22 @@ class RecordExportForm::Source : public GridSource {
   }
 };
 
-RecordExportForm::RecordExportForm(WindowList& windowList, const QString& name, const QString& title,
-                                   const QString& number, FileChooser choose)
-    : Window(windowList, name, title), choose_(std::move(choose)), rows_(std::make_shared<Source>()) {
+RecordExportForm::RecordExportForm(WindowList& windowList, ExportedRecords records, FileChooser choose)
+    : Window(windowList, records == ExportedRecords::Jobs ? "ExportJobRecords" : "ExportBatchesForm",
+             records == ExportedRecords::Jobs ? tr("Export Job Records") : tr("Export Batch Records")),
+      records_(records),
+      choose_(std::move(choose)),
+      rows_(std::make_shared<Source>()) {
   setWindowIcon(Icon("Report"));
   Form form(*this);
   way_ = form.Radio("optRange", {{"optNumber", tr("By number")}, {"optDate", tr("By date")}}, Qt::Horizontal);
   form.Row(tr("&Range"), way_);
-  first_ = form.Text("txtFirst", TextRule::Any(kNumberLength));
-  last_ = form.Text("txtLast", TextRule::Any(kNumberLength));
+  first_ = form.Text("txtFirst", TextRule::Any(kJobNumberLength));
+  last_ = form.Text("txtLast", TextRule::Any(kJobNumberLength));
   first_->Means("First");
   last_->Means("Last");
   last_->setAccessibleName(tr("Last number"));
-  form.Row(number, {first_, form.Hint(tr("to")), last_});
+  form.Row(records == ExportedRecords::Jobs ? tr("&Job numbers") : tr("&Batch numbers"), {first_, form.Hint(tr("to")), last_});
   from_ = form.Date("dtFrom");
   to_ = form.Date("dtTo");
   from_->Means("From");
@@ -73,7 +76,7 @@ void RecordExportForm::UpdateEnabled() {
 
 void RecordExportForm::cmdGather_Click() {
   const RecordRange range = Range();
-  auto grid = Gather(range);
+  auto grid = records_ == ExportedRecords::Jobs ? GatherJobRecords(session, range) : GatherBatchRecords(session, range);
   if (!Accepted(grid)) return;
   gathered_ = range;
   ShowGrid(*std::move(grid));
@@ -98,17 +101,9 @@ void RecordExportForm::ShowGrid(RecordGrid grid) {
 
 void RecordExportForm::cmdCreateFile_Click() {
   const QString folder = QString::fromStdString(std::filesystem::path(session.DataFileName).parent_path().string());
-  const QString path =
-      choose_({windowTitle(), tr("Text file (*.txt)"), ".txt", folder + "/" + Q(FileName(gathered_)), true}, this);
+  const std::string name = records_ == ExportedRecords::Jobs ? JobExportName(gathered_) : BatchExportName(gathered_);
+  const QString path = choose_({windowTitle(), tr("Text file (*.txt)"), ".txt", folder + "/" + Q(name), true}, this);
   if (!path.isEmpty()) Accepted(SaveRecordFile(session, rows_->grid, std::filesystem::path(U8(path))));
 }
-
-ExportBatchesForm::ExportBatchesForm(WindowList& windowList, FileChooser choose)
-    : RecordExportForm(windowList, "ExportBatchesForm", tr("Export Batch Records"), tr("&Batch numbers"),
-                       std::move(choose)) {}
-
-ExportJobRecords::ExportJobRecords(WindowList& windowList, FileChooser choose)
-    : RecordExportForm(windowList, "ExportJobRecords", tr("Export Job Records"), tr("&Job numbers"),
-                       std::move(choose)) {}
 
 }  // namespace vellumark::desktop

@@ -5,18 +5,13 @@
 #include "core/jobs/job_numbers.h"
 
 namespace vellumark::desktop {
-namespace {
-
-constexpr int kLongest = 30;
-
-}  // namespace
 
 JobBox::JobBox(const QString& name, const Session& session)
     : NameBox(
           name, session,
           {[&session](std::string_view typed) { return CompleteJobNumber(session, typed); },
            [&session](std::string_view typed, std::size_t limit) { return JobNumbersFrom(session, typed, limit); }}) {
-  SetRule(TextRule::Any(kLongest));
+  SetRule(TextRule::Any(kJobNumberLength));
 }
 
 std::string JobBox::Number() const {

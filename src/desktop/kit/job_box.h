@@ -4,6 +4,8 @@
 
 namespace vellumark::desktop {
 
+inline constexpr int kJobNumberLength = 30;
+
 /// A field for a job number, completed as the name of a colour is. What numbers may consist of is wider than names.
 class JobBox : public NameBox {
   Q_OBJECT

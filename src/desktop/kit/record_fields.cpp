@@ -8,6 +8,8 @@
 #include <array>
 #include <utility>
 
+#include "core/inventory/color_stock.h"
+#include "desktop/kit/icons.h"
 #include "desktop/kit/text.h"
 
 namespace vellumark::desktop {
@@ -56,6 +58,26 @@ NameSource NamesOnFile(const Session& session, NameKind kind) {
   return {
       [&session, kind](std::string_view typed) { return CompleteName(session, kind, typed); },
       [&session, kind](std::string_view typed, std::size_t limit) { return NamesFrom(session, kind, typed, limit); }};
+}
+
+NameSource ColorsOnFile(const Session& session) {
+  return {
+      [&session](std::string_view typed) { return CompleteColorName(session, typed); },
+      [&session](std::string_view typed, std::size_t limit) { return ColorNamesFrom(session, typed, limit); }};
+}
+
+NameBox* ColorNameBox(Form& form, const NameSource& names) {
+  NameBox* box = form.Name("cmbColorName", names);
+  box->Means("Color_Name");
+  box->DoNotTrack();
+  return box;
+}
+
+CommandButton* LowStockLink(Form& form) {
+  CommandButton* link = form.Link("ImgInvLow", NameBox::tr("Low inventory"));
+  link->setIcon(Icon("low-stock"));
+  link->hide();
+  return link;
 }
 
 void HintAtPantone(NameBox& name, Session& session) {

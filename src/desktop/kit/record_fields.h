@@ -28,6 +28,15 @@ QString MomentText(const std::optional<DateTime>& date);
 /// Names of the current Database, asked for one by one.
 NameSource NamesOnFile(const Session& session, NameKind kind);
 
+/// Basic Colors and formulas together.
+NameSource ColorsOnFile(const Session& session);
+
+/// The box of a record's colour, by which the record is looked up.
+NameBox* ColorNameBox(Form& form, const NameSource& names);
+
+/// Leads to what is told of a colour below its reorder point; hidden until there is one.
+CommandButton* LowStockLink(Form& form);
+
 /// Answers the operator who types the word PANTONE before a number.
 void HintAtPantone(NameBox& name, Session& session);
 

@@ -16,16 +16,16 @@ constexpr int kIcon = 24;
 
 }  // namespace
 
-ToolbarMenu::ToolbarMenu(WindowList& windowList, const char* name, const char* title, int buttonWidth,
-                         std::span<const MenuEntry> entries)
-    : Window(windowList, name, QCoreApplication::translate(name, title), Stands::OverIt) {
+ToolbarMenu::ToolbarMenu(WindowList& windowList, const MenuTable& menu)
+    : Window(windowList, menu.name, QCoreApplication::translate(menu.name, menu.title), Stands::OverIt),
+      mayOpen_(menu.mayOpen) {
   Form form(*this);
-  const auto beside = std::ranges::count_if(entries, &MenuEntry::besideTheOthers);
+  const auto beside = std::ranges::count_if(menu.entries, &MenuEntry::besideTheOthers);
   std::vector<Form> columns = beside == 0 ? std::vector{form} : form.Columns(static_cast<int>(beside) + 1);
   std::size_t column = 0;
-  for (const MenuEntry& entry : entries) {
+  for (const MenuEntry& entry : menu.entries) {
     if (entry.besideTheOthers) ++column;
-    if (windows.Knows(entry.window)) AddEntry(columns[column], entry, buttonWidth);
+    if (windows.Knows(entry.window)) AddEntry(columns[column], entry, menu.buttonWidth);
   }
   layout()->setSizeConstraint(QLayout::SetFixedSize);
 }
@@ -46,7 +46,7 @@ void ToolbarMenu::AddEntry(Form& form, const MenuEntry& entry, int width) {
 }
 
 void ToolbarMenu::Choose(const MenuEntry& entry) {
-  if (!MayOpen(entry.window)) return;
+  if (mayOpen_ != nullptr && !mayOpen_(*this, entry.window)) return;
   // This window is deleted by its close, and what it holds of the entry with it.
   WindowList& list = windows;
   const MenuEntry chosen = entry;
@@ -82,6 +82,10 @@ bool ToolbarMenu::TakeKey(const QKeyEvent& event) {
     return true;
   }
   return false;
+}
+
+void RegisterMenu(WindowList& windows, const MenuTable& menu) {
+  windows.Register(menu.name, [menu](WindowList& list) -> Window* { return new ToolbarMenu(list, menu); });
 }
 
 }  // namespace vellumark::desktop

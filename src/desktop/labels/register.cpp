@@ -1,16 +1,24 @@
 #include "desktop/labels/register.h"
 
+#include <array>
+
+#include "desktop/kit/toolbar_menu.h"
 #include "desktop/labels/formula_label_form.h"
 #include "desktop/labels/hazard_label_form.h"
 #include "desktop/labels/label_data_selection.h"
 #include "desktop/labels/label_form.h"
 #include "desktop/labels/label_layout_form.h"
-#include "desktop/labels/label_menu.h"
 #include "desktop/labels/save_label_layout_form.h"
 #include "desktop/labels/small_layout_forms.h"
 
 namespace vellumark::desktop {
 namespace {
+
+constexpr std::array<MenuEntry, 3> kMenu{{
+    {"cmdLabelForm", WindowsOf(LabelKind::Label).caption, WindowsOf(LabelKind::Label).print, "Label"},
+    {"cmdGH_LabelForm", WindowsOf(LabelKind::Hazard).caption, WindowsOf(LabelKind::Hazard).print, "Label"},
+    {"cmdFormula_LabelForm", WindowsOf(LabelKind::Formula).caption, WindowsOf(LabelKind::Formula).print, "Label"},
+}};
 
 template <class W>
 void RegisterPrinting(WindowList& windows, const char* name, const PrintDevices& devices) {
@@ -20,7 +28,7 @@ void RegisterPrinting(WindowList& windows, const char* name, const PrintDevices&
 }  // namespace
 
 void RegisterLabelWindows(WindowList& windows, const PrintDevices& devices) {
-  windows.Register<LabelMenu>("LabelMenu");
+  RegisterMenu(windows, {"LabelMenu", QT_TRANSLATE_NOOP("LabelMenu", "Labels"), 220, kMenu});
   RegisterPrinting<LabelForm>(windows, "LabelForm", devices);
   RegisterPrinting<GH_LabelForm>(windows, "GH_LabelForm", devices);
   RegisterPrinting<Formula_LabelForm>(windows, "Formula_LabelForm", devices);

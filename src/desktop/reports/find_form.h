@@ -25,7 +25,6 @@ class FindForm : public Window {
   void cmdFind_Click();
   void cmdClear_Click();
   void cmdPrint_Click() override;
-  void cmdClose_Click() { Leave(); }
 
  private:
   class Source;

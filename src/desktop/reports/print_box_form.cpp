@@ -148,14 +148,14 @@ void PrintBoxForm::BuildPreview(Form form) {
   forth_ = form.Button("cmdNextPage", tr("Next"), Qt::Key_PageDown);
   place_ = form.Label("lblPlace");
   place_->setMinimumWidth(fontMetrics().horizontalAdvance(tr("Page %1 of %2").arg(9999).arg(9999)));
-  zoom_ = form.Combo("cmbZoom", {tr("Whole page"), tr("Page width"), "50 %", "75 %", "100 %", "150 %", "200 %"});
-  zoom_->setAccessibleName(tr("Zoom"));
-  zoom_->DoNotTrack();
-  form.Row({back_, forth_, place_, zoom_});
+  ComboField* zoom = form.Combo("cmbZoom", {tr("Whole page"), tr("Page width"), "50 %", "75 %", "100 %", "150 %", "200 %"});
+  zoom->setAccessibleName(tr("Zoom"));
+  zoom->DoNotTrack();
+  form.Row({back_, forth_, place_, zoom});
   form.Wide(preview_ = new PagePreview("Preview"), 1);
   form.Wide(hint_ = form.Hint({}, "lblHint"));
   hint_->setWordWrap(true);
-  zoom_->OnChosen([this](int index) { preview_->SetZoom(kZooms.at(static_cast<std::size_t>(index))); });
+  zoom->OnChosen([this](int index) { preview_->SetZoom(kZooms.at(static_cast<std::size_t>(index))); });
   connect(preview_, &PagePreview::Turned, this, &PrintBoxForm::ShowPlace);
 }
 

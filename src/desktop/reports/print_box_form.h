@@ -68,7 +68,6 @@ class PrintBoxForm : public Dialog {
   CommandButton* forth_ = nullptr;
   QLabel* place_ = nullptr;
   QLabel* hint_ = nullptr;
-  ComboField* zoom_ = nullptr;
   CommandButton* print_ = nullptr;
 };
 

@@ -1,11 +1,13 @@
 #include "desktop/reports/register.h"
 
+#include <array>
+
 #include "core/cloud/cloud_reports.h"
 #include "core/reports/find.h"
 #include "desktop/kit/row_menu.h"
+#include "desktop/kit/toolbar_menu.h"
 #include "desktop/reports/browse_form.h"
 #include "desktop/reports/find_form.h"
-#include "desktop/reports/find_menu.h"
 #include "desktop/reports/print_box_form.h"
 #include "desktop/reports/quick_find_form.h"
 #include "desktop/reports/report_export_form.h"
@@ -17,8 +19,25 @@
 #include "desktop/reports/view_record_form.h"
 
 namespace vellumark::desktop {
+namespace {
+
+constexpr std::array<MenuEntry, 9> kMenu{{
+    {"cmdFindBasic", QT_TRANSLATE_NOOP("FindMenu", "Basic / &Additive"), "FindBasic"},
+    {"cmdFindMix", QT_TRANSLATE_NOOP("FindMenu", "&Master Formula"), "FindMix"},
+    {"cmdFindBatch", QT_TRANSLATE_NOOP("FindMenu", "&Batch"), "FindBatch"},
+    {"cmdFindJob", QT_TRANSLATE_NOOP("FindMenu", "&Job"), "FindJob"},
+    {"cmdFindDesign", QT_TRANSLATE_NOOP("FindMenu", "&Design"), "FindDesign"},
+    {"cmdAllBasics", QT_TRANSLATE_NOOP("FindMenu", "All Ba&sics / Additives"), "BasicsListForm", nullptr,
+     QT_TRANSLATE_NOOP("FindMenu", "Lists")},
+    {"cmdAllFormulas", QT_TRANSLATE_NOOP("FindMenu", "All Master &Formulas"), "FormulasListForm"},
+    {"cmdAllBatches", QT_TRANSLATE_NOOP("FindMenu", "All Ba&tches"), "BatchesListForm"},
+    {"cmdAllJobs", QT_TRANSLATE_NOOP("FindMenu", "All J&obs"), "JobsListForm"},
+}};
+
+}  // namespace
 
 void RegisterReportsWindows(WindowList& windows, const PrintDevices& devices) {
+  RegisterMenu(windows, {"FindMenu", QT_TRANSLATE_NOOP("FindMenu", "Find"), 200, kMenu});
   SetRowActions(windows, [&windows](QMenu& menu, const RowTarget& target, const std::function<bool()>& leave) {
     AddActionsOf(menu, windows, target, leave);
   });
@@ -37,7 +56,6 @@ void RegisterReportsWindows(WindowList& windows, const PrintDevices& devices) {
     windows.Register(report->window, [report, choose = devices.chooseFile](WindowList& list) -> Window* {
       return new ReportForm(list, *report, choose);
     });
-  windows.Register<FindMenu>("FindMenu");
   windows.RegisterDialog(
       "QuickFindForm",
       [index = std::make_shared<QuickIndex>(windows.session)](WindowList& list, QWidget* owner) -> Dialog* {

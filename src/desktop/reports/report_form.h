@@ -48,7 +48,6 @@ class ReportForm : public Window {
   void cmdKeepRange_Click();
   /// The chart beside the rows comes and goes.
   void cmdChart_Click();
-  void cmdClose_Click() { Leave(); }
   void chkSelectAllColors_Click() { ChooseAllColumns(true); }
   void chkDeselectAllColors_Click() { ChooseAllColumns(false); }
 
@@ -121,7 +120,6 @@ class ReportForm : public Window {
   CommandButton* print_ = nullptr;
   CommandButton* export_ = nullptr;
   CommandButton* upload_ = nullptr;
-  CommandButton* fetch_ = nullptr;
   CommandButton* save_ = nullptr;
   CommandButton* chart_ = nullptr;
   CommandButton* keepRange_ = nullptr;

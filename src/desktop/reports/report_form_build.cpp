@@ -7,10 +7,12 @@
 #include "core/cloud/cloud_files.h"
 #include "core/cloud/cloud_reports.h"
 #include "core/inventory/color_stock.h"
+#include "core/jobs/designs.h"
 #include "core/reports/batch_rows.h"
 #include "core/reports/find_color.h"
 #include "core/reports/report_settings.h"
 #include "desktop/kit/icons.h"
+#include "desktop/kit/job_box.h"
 #include "desktop/kit/layout_memory.h"
 #include "desktop/kit/look.h"
 #include "desktop/kit/text.h"
@@ -27,7 +29,6 @@ namespace {
 constexpr int kSideWidth = 248;
 constexpr int kGridWidth = 720;
 constexpr int kChartWidth = 400;
-constexpr int kJobLength = 30;
 
 // "Production - All Colors - this Database", short enough for a tab.
 QString WindowTitle(const ReportDefinition& report) {
@@ -107,15 +108,16 @@ ReportForm::ReportForm(WindowList& windowList, const ReportDefinition& definitio
   title_->setWordWrap(true);
   form.Wide(head);
   form.Wide(BuildMiddle(std::move(choose)), 1);
+  CommandButton* fetch = nullptr;
   form.ButtonsWithoutDefault({form.Button("cmdClose", tr("Close")), form.Button("cmdClear", tr("C&lear")),
-                              fetch_ = form.Button("cmdCloudGet", tr("&Get from Cloud")),
+                              fetch = form.Button("cmdCloudGet", tr("&Get from Cloud")),
                               save_ = form.Button("cmdSaveReport", tr("Sa&ve Report")),
                               chart_ = form.Button("cmdChart", tr("C&hart"), Qt::Key_F6),
                               upload_ = form.Button("cmdCloudReportUpload", tr("To Clo&ud")),
                               export_ = form.Button("cmdExport", tr("&Export")),
                               print_ = form.Button("cmdPrint", tr("&Print"))});
   SetDefaultButton(find_);
-  fetch_->setVisible(FetchTaskOf(definition_) && windows.Knows("Cloud_GetPutData_Form"));
+  fetch->setVisible(FetchTaskOf(definition_) && windows.Knows("Cloud_GetPutData_Form"));
   try {
     upload_->setVisible(windows.Knows("CloudReportUploadForm") && CloudReady(session));
   } catch (const Failure& failure) {
@@ -150,11 +152,11 @@ void ReportForm::BuildSubject(Form& form) {
     subject_ = name;
   } else if (definition_.subject == ReportSubject::Job) {
     label = tr("Job &Number");
-    subject_ = form.Text("cmbJobNumber", TextRule::Upper(kJobLength));
+    subject_ = form.Text("cmbJobNumber", TextRule::Upper(kJobNumberLength));
     subject_->setAccessibleName(tr("Job Number"));
   } else if (definition_.subject == ReportSubject::Design) {
     label = tr("Desig&n ID");
-    subject_ = form.Text("cmbDesignID", TextRule::Upper(kJobLength));
+    subject_ = form.Text("cmbDesignID", TextRule::Upper(kDesignIDLength));
     subject_->setAccessibleName(tr("Design ID"));
   }
   if (subject_ != nullptr) {

@@ -24,7 +24,6 @@ class ReportsForm : public Window {
   /// Of the saved report that is chosen.
   void cmdRename_Click();
   void cmdDelete_Click() override;
-  void cmdClose_Click() { Leave(); }
 
  private:
   QListWidget* MakePane(Form form, const QString& title, const char* name, int height);

@@ -16,7 +16,6 @@ class ViewRecordForm : public Dialog {
 
  public Q_SLOTS:
   void cmdPrint_Click();
-  void cmdClose_Click() { reject(); }
 
  private:
   Sheet sheet_;

@@ -11,9 +11,6 @@ class AboutForm : public Dialog {
  public:
   AboutForm(WindowList& windowList, QWidget* owner);
 
- public Q_SLOTS:
-  void cmdClose_Click() { accept(); }
-
  protected:
   void paintEvent(QPaintEvent* event) override;
 };

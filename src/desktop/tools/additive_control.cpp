@@ -17,7 +17,6 @@ DBAdditiveControl::DBAdditiveControl(WindowList& windowList)
     : Window(windowList, "DBAdditiveControl", tr("Database Additive Control")) {
   Form form(*this);
   TabSet tabs = form.Tabs("TabAdditive");
-  tabs_ = tabs.Widget();
   create_ = new AdditiveCreateTab(*this, tabs.Page(tr("Create"), "CreateTab"));
   const auto all = findChildren<QShortcut*>();
   keys_[0].assign(all.begin(), all.end());
@@ -27,7 +26,7 @@ DBAdditiveControl::DBAdditiveControl(WindowList& windowList)
   ToolButtons(*this, form,
               {apply_->SaveButton(), form.Button("cmdClose", tr("Close"), [this] { Leave(); }),
                print_ = form.Button("cmdPrint", tr("Print sets"))});
-  connect(tabs_, &QTabWidget::currentChanged, this, &DBAdditiveControl::PageChanged);
+  connect(tabs.Widget(), &QTabWidget::currentChanged, this, &DBAdditiveControl::PageChanged);
   PageChanged(0);
 }
 

@@ -29,7 +29,6 @@ class DBAdditiveControl : public Window {
  private:
   void PageChanged(int page);
 
-  QTabWidget* tabs_;
   CommandButton* print_;
   AdditiveCreateTab* create_;
   AdditiveApplyTab* apply_;

@@ -3,13 +3,13 @@
 #include <QLayout>
 
 #include "core/base/units.h"
+#include "core/colors/amounts.h"
 #include "core/colors/resets.h"
 #include "desktop/kit/text.h"
 
 namespace vellumark::desktop {
 namespace {
 
-constexpr int kEmissionDecimals = 3;
 constexpr int kMarkupDecimals = 2;
 constexpr int kCostChars = 10;
 constexpr int kNoteWidth = 440;
@@ -94,21 +94,26 @@ void ResetMixCostForm::cmdOK_Click() {
 
 // ---- Emissions
 
-ResetEmissionsForm::ResetEmissionsForm(WindowList& windowList, QWidget* owner, ColorKind kind, const Names& names)
-    : Dialog(windowList, owner, names.window, names.title), kind_(kind) {
+ResetEmissionsForm::ResetEmissionsForm(WindowList& windowList, QWidget* owner, ColorKind kind)
+    : Dialog(windowList, owner, kind == ColorKind::Mix ? "ResetMixColor_VOC_HAP" : "ResetBasic_VOC_HAP_Form",
+             kind == ColorKind::Mix ? tr("Reset Master Formula VOC and HAP") : tr("Reset Basic Color VOC and HAP")),
+      kind_(kind) {
+  const bool mix = kind == ColorKind::Mix;
   Form form(*this);
-  Note(form, names.note);
-  const auto line = [&](const QString& check, const QString& caption, const char* name, const char* figure,
+  Note(form, (mix ? tr("NOTE - This changes every Master Formula in the %1 Database.")
+                  : tr("NOTE - This changes every Basic Color and Additive in the %1 Database."))
+                 .arg(Q(session.CurrentDatabase)));
+  const auto line = [&](const char* check, const QString& caption, const char* name, const char* figure,
                         NumberField*& field) {
     CheckField* box = form.Check(check, caption);
-    field = form.Number(name, kEmissionDecimals, tr("0 to 99999"));
+    field = form.Number(name, DecimalsOf(session, AmountKey::VOC), tr("0 to 99999"));
     field->setAccessibleName(tr("New value"));
     field->Means(figure);
     form.Row({box, field, PerUnit(form, session)});
     return box;
   };
-  checkVOC_ = line(names.checkVOC, tr("&VOC"), "txtNewVOC", "VOC", voc_);
-  checkHAP_ = line(names.checkHAP, tr("&HAP"), "txtNewHAP", "HAP", hap_);
+  checkVOC_ = line(mix ? "chkMixVOC" : "chkBasicVOC", tr("&VOC"), "txtNewVOC", "VOC", voc_);
+  checkHAP_ = line(mix ? "chkMixHAP" : "chkBasicHAP", tr("&HAP"), "txtNewHAP", "HAP", hap_);
   form.Buttons({ok_ = form.Button("cmdOK", tr("OK")), form.Button("cmdCancel", tr("Cancel"))});
   layout()->setSizeConstraint(QLayout::SetFixedSize);
 }
@@ -126,17 +131,5 @@ void ResetEmissionsForm::cmdOK_Click() {
   const auto wait = Wait(WaitKind::WaitingForm_NoCancel, tr("Reseting values..."));
   if (Accepted(ResetEmissions(session, kind_, reset))) accept();
 }
-
-ResetBasic_VOC_HAP_Form::ResetBasic_VOC_HAP_Form(WindowList& windowList, QWidget* owner)
-    : ResetEmissionsForm(windowList, owner, ColorKind::Basic,
-                         {"ResetBasic_VOC_HAP_Form", tr("Reset Basic Color VOC and HAP"), "chkBasicVOC", "chkBasicHAP",
-                          tr("NOTE - This changes every Basic Color and Additive in the %1 Database.")
-                              .arg(Q(windowList.session.CurrentDatabase))}) {}
-
-ResetMixColor_VOC_HAP::ResetMixColor_VOC_HAP(WindowList& windowList, QWidget* owner)
-    : ResetEmissionsForm(windowList, owner, ColorKind::Mix,
-                         {"ResetMixColor_VOC_HAP", tr("Reset Master Formula VOC and HAP"), "chkMixVOC", "chkMixHAP",
-                          tr("NOTE - This changes every Master Formula in the %1 Database.")
-                              .arg(Q(windowList.session.CurrentDatabase))}) {}
 
 }  // namespace vellumark::desktop

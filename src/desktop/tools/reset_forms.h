@@ -47,20 +47,11 @@ class ResetEmissionsForm : public Dialog {
   Q_OBJECT
 
  public:
+  ResetEmissionsForm(WindowList& windowList, QWidget* owner, ColorKind kind);
   void UpdateEnabled() override;
 
  public Q_SLOTS:
   void cmdOK_Click();
-
- protected:
-  struct Names {
-    QString window;
-    QString title;
-    QString checkVOC;
-    QString checkHAP;
-    QString note;
-  };
-  ResetEmissionsForm(WindowList& windowList, QWidget* owner, ColorKind kind, const Names& names);
 
  private:
   ColorKind kind_;
@@ -69,20 +60,6 @@ class ResetEmissionsForm : public Dialog {
   NumberField* voc_;
   NumberField* hap_;
   CommandButton* ok_;
-};
-
-class ResetBasic_VOC_HAP_Form : public ResetEmissionsForm {
-  Q_OBJECT
-
- public:
-  ResetBasic_VOC_HAP_Form(WindowList& windowList, QWidget* owner);
-};
-
-class ResetMixColor_VOC_HAP : public ResetEmissionsForm {
-  Q_OBJECT
-
- public:
-  ResetMixColor_VOC_HAP(WindowList& windowList, QWidget* owner);
 };
 
 }  // namespace vellumark::desktop

@@ -43,6 +43,10 @@ struct BenchRoom : testing::Test, InkRoom {
     ShowActive(*form);
     return *form;
   }
+  desktop::BatchForm& OpenTarget() {
+    HaveTarget();
+    return Open();
+  }
   /// Name, Enter, quantity, and then the key of an action.
   void Make(const std::string& name, const std::string& quantity, Qt::Key action) {
     form->FocusField("cmbColorName");

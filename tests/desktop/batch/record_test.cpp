@@ -51,6 +51,22 @@ struct BatchRecordTest : BenchRoom {
     EXPECT_FALSE(IsOn("cmdSave"));
   }
   void Save() { PressOn(Qt::Key_S, Qt::ControlModifier); }
+  /// Batch 1: 10 of TARGET, mixed.
+  void SaveTarget() {
+    OpenTarget();
+    Make("TARGET", "10", Qt::Key_F3);
+    Save();
+  }
+  void AddDrier() {
+    InDialog([&] { Click(*form, "ImgAdditions"); },
+             [&](QWidget&) {
+               TypeOn("DRIER");
+               PressOn(Qt::Key_Return);
+               TypeOn("0.25");
+               PressOn(Qt::Key_Return);
+               PressOn(Qt::Key_Return);
+             });
+  }
   void Go(const std::string& number) {
     PressOn(Qt::Key_F, Qt::ControlModifier);
     EXPECT_EQ(FocusName(), "txtBatchNo");
@@ -60,8 +76,7 @@ struct BatchRecordTest : BenchRoom {
 };
 
 TEST_F(BatchRecordTest, MadeSavedCorrectedAndDeletedByKeyboard) {
-  HaveTarget();
-  Open();
+  OpenTarget();
   Make("TARGET", "10", Qt::Key_F2);
   EXPECT_EQ(Control<CellButton>(*form, "lblInvQty").text(), "10.000");
   Save();
@@ -93,14 +108,7 @@ TEST_F(BatchRecordTest, MadeSavedCorrectedAndDeletedByKeyboard) {
   TypeOn("20");
   PressOn(Qt::Key_F3);
   EXPECT_EQ(Rows(), (Texts{"Basic RED 12.000 lb.", "Basic BLUE 8.000 lb."}));
-  InDialog([&] { Click(*form, "ImgAdditions"); },
-           [&](QWidget&) {
-             TypeOn("DRIER");
-             PressOn(Qt::Key_Return);
-             TypeOn("0.25");
-             PressOn(Qt::Key_Return);
-             PressOn(Qt::Key_Return);
-           });
+  AddDrier();
   Save();
   ExpectCleared();
   EXPECT_EQ(Batches(), 1);
@@ -124,8 +132,7 @@ TEST_F(BatchRecordTest, MadeSavedCorrectedAndDeletedByKeyboard) {
 }
 
 TEST_F(BatchRecordTest, TabPassesTheCommandBesideTheJobNumberAndEntersTheNumber) {
-  HaveTarget();
-  Open();
+  OpenTarget();
   Make("TARGET", "10", Qt::Key_F3);
   Control(*form, "JobNumber").setFocus();
   TypeOn("JOB 9");
@@ -141,17 +148,9 @@ TEST_F(BatchRecordTest, TabPassesTheCommandBesideTheJobNumberAndEntersTheNumber)
 
 // A name given in another window is that of the Batch on the screen too: what is taken is taken from the colour.
 TEST_F(BatchRecordTest, FollowsColorsThatAreRenamedBesideIt) {
-  HaveTarget();
-  Open();
+  OpenTarget();
   Make("TARGET", "10", Qt::Key_F2);
-  InDialog([&] { Click(*form, "ImgAdditions"); },
-           [&](QWidget&) {
-             TypeOn("DRIER");
-             PressOn(Qt::Key_Return);
-             TypeOn("0.25");
-             PressOn(Qt::Key_Return);
-             PressOn(Qt::Key_Return);
-           });
+  AddDrier();
   // Two names change places on the way.
   for (const auto& [from, to] :
        {std::pair{"RED", "CARMINE"}, std::pair{"BLUE", "RED"}, std::pair{"DRIER", "SICCATIVE"}})
@@ -174,8 +173,7 @@ TEST_F(BatchRecordTest, FollowsColorsThatAreRenamedBesideIt) {
 
 // What is typed into the name and not entered is no Batch: it keeps no window open.
 TEST_F(BatchRecordTest, ANameThatIsUnknownKeepsNoWindowOpen) {
-  HaveTarget();
-  Open();
+  OpenTarget();
   form->FocusField("cmbColorName");
   TypeOn("NOBODY");
   EXPECT_TRUE(form->MayClose());
@@ -189,10 +187,7 @@ TEST_F(BatchRecordTest, ANameThatIsUnknownKeepsNoWindowOpen) {
 }
 
 TEST_F(BatchRecordTest, TheRecycleListOfAnOpenedBatchTellsWhatCanBeRecycled) {
-  HaveTarget();
-  Open();
-  Make("TARGET", "10", Qt::Key_F3);
-  Save();
+  SaveTarget();
   Go("1");
   // What the Batch itself put into stock is not offered.
   EXPECT_EQ(Listed(), (Texts{"TARGET 100.00% 0.000", "LEFTOVER 80.00% 4.000"}));
@@ -210,8 +205,7 @@ TEST_F(BatchRecordTest, TheRecycleListOfAnOpenedBatchTellsWhatCanBeRecycled) {
 }
 
 TEST_F(BatchRecordTest, AJobTakesWhatItUsesTheRestGoesToStock) {
-  HaveTarget();
-  Open();
+  OpenTarget();
   Make("TARGET", "10", Qt::Key_F3);
   prompt.Expect("Batch Window - Specify a Job Number", Answer::Ok,
                 "You must specify a Job Number before editing the Qty Used field.");
@@ -256,8 +250,7 @@ TEST_F(BatchRecordTest, AJobTakesWhatItUsesTheRestGoesToStock) {
 }
 
 TEST_F(BatchRecordTest, SplitOverThreeJobs) {
-  HaveTarget();
-  Open();
+  OpenTarget();
   Make("TARGET", "10", Qt::Key_F3);
   InDialog([&] { PressOn(Qt::Key_F8); },
            [&](QWidget& dialog) {
@@ -321,10 +314,7 @@ TEST_F(BatchRecordTest, SplitOverThreeJobs) {
 }
 
 TEST_F(BatchRecordTest, EveryWayOutOfAChangedBatchAsks) {
-  HaveTarget();
-  Open();
-  Make("TARGET", "10", Qt::Key_F3);
-  Save();
+  SaveTarget();
   const float red = BasicStock("RED");
   struct Way {
     const char* name;
@@ -556,8 +546,7 @@ TEST_F(BatchRecordTest, DeletingReturnsTheIngredientsOrNot) {
 }
 
 TEST_F(BatchRecordTest, SaveAndHoldStaysAndNextWalks) {
-  HaveTarget();
-  Open();
+  OpenTarget();
   for (const char* quantity : {"10", "11"}) {
     Make("TARGET", quantity, Qt::Key_F3);
     Save();
@@ -600,8 +589,7 @@ TEST_F(BatchRecordTest, EnterAloneGoesThroughTheFieldsToTheSave) {
 }
 
 TEST_F(BatchRecordTest, ABatchOfNothingIsNotSaved) {
-  HaveTarget();
-  Open();
+  OpenTarget();
   Make("TARGET", "0.0004", Qt::Key_F3);
   EXPECT_EQ(Control<CellButton>(*form, "lblTotal").text(), "0.000");
   prompt.Expect(kPad40 + "Save Batch", Answer::Ok,
@@ -741,8 +729,7 @@ TEST_F(BatchRecordTest, LotsAreChosenRowByRow) {
 }
 
 TEST_F(BatchRecordTest, OtherWindowsSeeThatItIsInEdit) {
-  HaveTarget();
-  Open();
+  OpenTarget();
   EXPECT_FALSE(windows.IsInEdit("BatchForm"));
   Fill(*form, "cmbColorName", "TARGET");
   EXPECT_FALSE(windows.IsInEdit("BatchForm"));
@@ -760,8 +747,7 @@ TEST_F(BatchRecordTest, OtherWindowsSeeThatItIsInEdit) {
 }
 
 TEST_F(BatchRecordTest, ABatchWindowThatClosesWithTheProgramTakesItsIngredientsAgain) {
-  HaveTarget();
-  Open();
+  OpenTarget();
   Make("TARGET", "10", Qt::Key_F2);
   Save();
   const float red = BasicStock("RED");
@@ -774,8 +760,7 @@ TEST_F(BatchRecordTest, ABatchWindowThatClosesWithTheProgramTakesItsIngredientsA
 }
 
 TEST_F(BatchRecordTest, TheWindowsAroundItOpenOnThisBatch) {
-  HaveTarget();
-  Open();
+  OpenTarget();
   Make("TARGET", "10", Qt::Key_F3);
   struct Way {
     int tab;
@@ -804,8 +789,7 @@ TEST_F(BatchRecordTest, TheWindowsAroundItOpenOnThisBatch) {
 }
 
 TEST_F(BatchRecordTest, AFullDiskKeepsTheBatchOnTheScreen) {
-  HaveTarget();
-  Open();
+  OpenTarget();
   Make("TARGET", "10", Qt::Key_F3);
   Control<QPlainTextEdit>(*form, "txtNotes").setPlainText(QString(400000, 'x'));
   const float red = BasicStock("RED");

@@ -17,8 +17,7 @@ namespace {
 struct BatchRowsTest : BenchRoom {};
 
 TEST_F(BatchRowsTest, ARecipeByKeyboardAlone) {
-  HaveTarget();
-  Open();
+  OpenTarget();
   EXPECT_EQ(FocusName(), "cmbColorName");
   EXPECT_FALSE(form->InEdit());
   EXPECT_FALSE(IsOn("cmdSave"));
@@ -70,8 +69,7 @@ TEST_F(BatchRowsTest, EnterAndTabBehindTheQuantityTriggerTheChosenAction) {
 }
 
 TEST_F(BatchRowsTest, NamesThatAreNoFormula) {
-  HaveTarget();
-  Open();
+  OpenTarget();
   prompt.Expect("Cannot make a batch from a Basic Color", Answer::Ok,
                 "RED is a Basic Color in your database.\nYou can only make batches from Mix Colors.\nIf you are using "
                 "RED in a job,\nyou can add it to a job record using the Job Window.");
@@ -90,8 +88,7 @@ TEST_F(BatchRowsTest, NamesThatAreNoFormula) {
 }
 
 TEST_F(BatchRowsTest, QuantitiesOutOfRange) {
-  HaveTarget();
-  Open();
+  OpenTarget();
   for (const char* typed : {"0", "-1", "99999.5", ""}) {
     SCOPED_TRACE(typed);
     prompt.Expect("Batch Window - Invalid Amount", Answer::Ok, "You must enter an amount between 0.000 and 99999.000");
@@ -117,8 +114,7 @@ TEST_F(BatchRowsTest, ARowTooSmallToWeighIsMarked) {
 }
 
 TEST_F(BatchRowsTest, AnotherUnitBeginsAnew) {
-  HaveTarget();
-  Open();
+  OpenTarget();
   Make("TARGET", "10", Qt::Key_F2);
   auto& unit = Control<QComboBox>(*form, "cmbUMF");
   unit.setFocus(Qt::TabFocusReason);
@@ -189,8 +185,7 @@ TEST_F(BatchRowsTest, ADoubleClickTakesOneColor) {
 }
 
 TEST_F(BatchRowsTest, ARecycledRowIsAdjustedByItsAmount) {
-  HaveTarget();
-  Open();
+  OpenTarget();
   Make("TARGET", "10", Qt::Key_F2);
   const auto adjust = [&](const std::function<void(QWidget&)>& inside) {
     InDialog([&] { Click(Cell("lblAmount", 0)); }, inside);
@@ -249,8 +244,7 @@ TEST_F(BatchRowsTest, AdjustingAboveAnEarlierAdjustmentAsks) {
 }
 
 TEST_F(BatchRowsTest, AnotherQuantityAsksWhatBecomesOfTheRecycledInk) {
-  HaveTarget();
-  Open();
+  OpenTarget();
   Make("TARGET", "10", Qt::Key_F2);
   const auto again = [&](const std::string& quantity) {
     form->FocusField("txtQuantity");
@@ -301,8 +295,7 @@ TEST_F(BatchRowsTest, AnOverpouredBasicRowMakesTheBatchGrow) {
 }
 
 TEST_F(BatchRowsTest, AdditionsByKeyboard) {
-  HaveTarget();
-  Open();
+  OpenTarget();
   Make("TARGET", "10", Qt::Key_F3);
   const auto add = [&](const std::function<void(QWidget&)>& inside) {
     InDialog([&] { Click(*form, "ImgAdditions"); }, inside);
@@ -403,8 +396,7 @@ TEST_F(BatchRowsTest, WhatIsKnownOfFormulaAndColorsIsShown) {
 }
 
 TEST_F(BatchRowsTest, ArrowsWalkThroughTheRows) {
-  HaveTarget();
-  Open();
+  OpenTarget();
   Make("TARGET", "10", Qt::Key_F2);
   Cell("lblAmount", 0).setFocus(Qt::TabFocusReason);
   PressOn(Qt::Key_Down);

@@ -11,7 +11,7 @@
 #include "support/data_files.h"
 #include "support/desktop.h"
 #include "support/cloud_tasks.h"
-#include "support/ftp_server.h"
+#include "support/shop_settings.h"
 
 namespace vellumark::test {
 
@@ -29,17 +29,7 @@ struct CloudShop : DataFileRoom {
                                          return desktop::Q(answer.string());
                                        },
                                    .logPlace = [this] { return desktop::LogPlace{folder.Path(), "the Desktop"}; }});
-    settings.Facility = "North Shop";
-    settings.AcctNum = account;
-    settings.CloudHost = "127.0.0.1";
-    settings.Port = server.Port();
-    settings.CloudHostUserName = "shop";
-    settings.CloudHostPassword = "se cret#1";
-    settings.RemoteDirectory = "/";
-    settings.Passive = true;
-    settings.TLS = true;
-    settings.ssl = false;
-    settings.CertFile = server.Certificate().string();
+    settings = SettingsOf(server, "North Shop", account);
   }
   /// With a Data File that has these Basic Colors, and its settings stored.
   void Open(const std::vector<std::string>& colors) {

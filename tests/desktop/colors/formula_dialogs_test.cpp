@@ -10,7 +10,7 @@
 #include "core/colors/guide_formulas.h"
 #include "desktop/colors/register.h"
 #include "desktop/kit/grid.h"
-#include "support/desktop.h"
+#include "support/combos.h"
 #include "support/ink_room.h"
 
 namespace vellumark::test {
@@ -55,22 +55,6 @@ struct FormulaDialogsTest : testing::Test, InkRoom {
 
 std::string Text(QWidget& dialog, const char* field) {
   return Control<QLineEdit>(dialog, field).text().toStdString();
-}
-
-QStringList ItemsOf(QWidget& dialog, const char* name) {
-  const auto& combo = Control<QComboBox>(dialog, name);
-  QStringList items;
-  for (int i = 0; i < combo.count(); ++i) items += combo.itemText(i);
-  return items;
-}
-
-/// By keyboard, as in a list that is closed.
-void Choose(QWidget& dialog, const char* name, const QString& text) {
-  auto& combo = Control<QComboBox>(dialog, name);
-  combo.setFocus(Qt::TabFocusReason);
-  Press(combo, Qt::Key_Home);
-  while (combo.currentText() != text && combo.currentIndex() < combo.count() - 1) Press(combo, Qt::Key_Down);
-  EXPECT_EQ(combo.currentText(), text);
 }
 
 using Cells = std::vector<std::vector<std::string>>;

@@ -19,6 +19,12 @@
 namespace vellumark::test {
 namespace {
 
+void PicturesOf(QWidget& window, const std::string& name) {
+  Picture(window, name);
+  Picture(window, name + "-1920", {1920, 1080});
+  Picture(window, name + "-960", {960, 540});
+}
+
 struct LabelWindowsTest : testing::Test, LabelRoom {
   LabelWindowsTest() {
     session.TradeMark = "PANTONE is a trademark.";
@@ -116,9 +122,7 @@ TEST_F(LabelWindowsTest, PrintsALabelOfAColorFromItsLot) {
   EXPECT_EQ(Text(*form, "txtLotLocation"), "SHELF 3");
   EXPECT_EQ(Text(*form, "txtLotContID"), "C2");
   EXPECT_EQ(Faults(*form), "");
-  Picture(*form, "label-form");
-  Picture(*form, "label-form-1920", {1920, 1080});
-  Picture(*form, "label-form-960", {960, 540});
+  PicturesOf(*form, "label-form");
   ShowActive(*form);
 
   // No printer, one that is gone, one that is taken away in between.
@@ -293,9 +297,7 @@ TEST_F(LabelWindowsTest, PrintsHazardLabels) {
   Type(Control(form, "txtHazardStatement"),
        "Highly flammable liquid and vapour. Causes serious eye irritation. May cause drowsiness or dizziness.");
   EXPECT_EQ(Faults(form), "");
-  Picture(form, "hazard-form");
-  Picture(form, "hazard-form-1920", {1920, 1080});
-  Picture(form, "hazard-form-960", {960, 540});
+  PicturesOf(form, "hazard-form");
   ShowActive(form);
   Click(form, "cmdPDF");
   const auto lines = Lines(Saved());
@@ -349,9 +351,7 @@ TEST_F(LabelWindowsTest, PrintsTheRecipeOfAFormula) {
   EXPECT_EQ(Text(form, "cmbCN"), "FIFTEEN");
   EXPECT_EQ(Text(form, "txtColorCode"), "F15");
   EXPECT_EQ(Faults(form), "");
-  Picture(form, "formula-form");
-  Picture(form, "formula-form-1920", {1920, 1080});
-  Picture(form, "formula-form-960", {960, 540});
+  PicturesOf(form, "formula-form");
   ShowActive(form);
   Click(form, "cmdPDF");
   const auto lines = Lines(Saved());

@@ -6,6 +6,7 @@
 #include <QRadioButton>
 
 #include "desktop/session/users_desk.h"
+#include "support/combos.h"
 
 namespace vellumark::test {
 namespace {
@@ -18,19 +19,6 @@ struct AdminTest : testing::Test, UsersDesk {
   }
   static std::string Meaning(QWidget& dialog, const char* label) {
     return Control<QLabel>(dialog, label).text().toStdString();
-  }
-  static QStringList Listed(QWidget& dialog) {
-    auto& names = Control<QComboBox>(dialog, "cmbUsername");
-    QStringList listed;
-    for (int row = 0; row < names.count(); ++row) listed += names.itemText(row);
-    return listed;
-  }
-  static void ChooseByKeys(QWidget& dialog, const char* name) {
-    auto& names = Control<QComboBox>(dialog, "cmbUsername");
-    names.setFocus(Qt::TabFocusReason);
-    PressOn(Qt::Key_Home);
-    for (int i = 0; i < names.count() && names.currentText() != name; ++i) PressOn(Qt::Key_Down);
-    EXPECT_EQ(names.currentText(), name);
   }
 };
 
@@ -163,7 +151,7 @@ TEST_F(AdminTest, EveryRightCanBeGivenAndTaken) {
   const UserRights rights[] = {UserRights::All(), {}};
   for (const UserRights& wanted : rights) {
     RunForm("ModifyUserForm", [&](QWidget& dialog) {
-      ChooseByKeys(dialog, "ANNA");
+      Choose(dialog, "cmbUsername", "ANNA");
       for (const RightField& right : RightFields()) {
         const std::string field(right.field);
         if (field.starts_with("Edit_")) {
@@ -186,12 +174,12 @@ TEST_F(AdminTest, EveryRightCanBeGivenAndTaken) {
 TEST_F(AdminTest, ModifyingShowsEachUserAndSavesWhatWasChanged) {
   HaveUsers();
   const auto result = RunForm("ModifyUserForm", [&](QWidget& dialog) {
-    EXPECT_EQ(Listed(dialog), (QStringList{"ADMINISTRATOR", "ANNA", "BOSS", "GUEST"}));
-    ChooseByKeys(dialog, "BOSS");
+    EXPECT_EQ(ItemsOf(dialog, "cmbUsername"), (QStringList{"ADMINISTRATOR", "ANNA", "BOSS", "GUEST"}));
+    Choose(dialog, "cmbUsername", "BOSS");
     EXPECT_TRUE(Control<QCheckBox>(dialog, "chkIsAdmin").isChecked());
     EXPECT_FALSE(Control(dialog, "chkIsAdmin").isEnabled()) << "nobody changes their own standing";
     EXPECT_TRUE(Control<QRadioButton>(dialog, "OptEdit_Costs_Edit").isChecked());
-    ChooseByKeys(dialog, "ANNA");
+    Choose(dialog, "cmbUsername", "ANNA");
     EXPECT_TRUE(Control(dialog, "chkIsAdmin").isEnabled());
     EXPECT_TRUE(Control<QRadioButton>(dialog, "OptEdit_Costs_View").isChecked());
     EXPECT_TRUE(Control<QCheckBox>(dialog, "chkDBToolsMenu").isChecked());
@@ -214,7 +202,7 @@ TEST_F(AdminTest, ModifyingShowsEachUserAndSavesWhatWasChanged) {
 TEST_F(AdminTest, ChangesToOneUserAreNotLostByChoosingAnother) {
   HaveUsers();
   RunForm("ModifyUserForm", [&](QWidget& dialog) {
-    ChooseByKeys(dialog, "ANNA");
+    Choose(dialog, "cmbUsername", "ANNA");
     Click(dialog, "chkDF_OptionsMenu");
     auto& names = Control<QComboBox>(dialog, "cmbUsername");
     prompt.Expect("Modify User", Answer::No, "Leave the changes to user ANNA unsaved?");
@@ -232,7 +220,7 @@ TEST_F(AdminTest, ChangesToOneUserAreNotLostByChoosingAnother) {
 TEST_F(AdminTest, OwnRightsAreInForceAtOnce) {
   HaveUsers();
   RunForm("ModifyUserForm", [&](QWidget& dialog) {
-    ChooseByKeys(dialog, "BOSS");
+    Choose(dialog, "cmbUsername", "BOSS");
     Click(dialog, "OptEdit_Costs_View");
     Click(dialog, "cmdSave");
   });
@@ -243,8 +231,8 @@ TEST_F(AdminTest, UsersAreDeletedButNoAdministrators) {
   HaveUsers();
   const char* question = "Permanently delete user account ANNA?";
   const auto result = RunForm("DeleteUserForm", [&](QWidget& dialog) {
-    EXPECT_EQ(Listed(dialog), (QStringList{"ADMINISTRATOR", "ANNA", "GUEST"}));
-    ChooseByKeys(dialog, "ANNA");
+    EXPECT_EQ(ItemsOf(dialog, "cmbUsername"), (QStringList{"ADMINISTRATOR", "ANNA", "GUEST"}));
+    Choose(dialog, "cmbUsername", "ANNA");
     prompt.Expect("Delete User", Answer::No, question);
     PressOn(Qt::Key_Return);
     EXPECT_TRUE(dialog.isVisible());
@@ -257,7 +245,7 @@ TEST_F(AdminTest, UsersAreDeletedButNoAdministrators) {
 
   session.File().Prepare("DELETE FROM Users WHERE IsAdmin = 0").Run();
   RunForm("DeleteUserForm", [&](QWidget& dialog) {
-    EXPECT_EQ(Listed(dialog), QStringList{});
+    EXPECT_EQ(ItemsOf(dialog, "cmbUsername"), QStringList{});
     EXPECT_FALSE(Control(dialog, "cmdDelete").isEnabled());
     Leave(dialog);
   });
@@ -297,7 +285,7 @@ TEST_F(AdminTest, Looks) {
                                                                     {"DeleteUserForm", "session-delete-user"}};
   for (const auto& [name, picture] : windowsAndPictures) {
     RunForm(name, [&, picture = picture](QWidget& dialog) {
-      if (dialog.objectName() == "ModifyUserForm") ChooseByKeys(dialog, "ANNA");
+      if (dialog.objectName() == "ModifyUserForm") Choose(dialog, "cmbUsername", "ANNA");
       Picture(dialog, picture, {});
       EXPECT_LE(dialog.height(), 660) << "must fit a screen of 1280 by 720, with its title bar";
       EXPECT_LE(dialog.width(), 1280);

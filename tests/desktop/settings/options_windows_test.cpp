@@ -12,7 +12,7 @@
 #include "desktop/kit/fields.h"
 #include "desktop/kit/wait_progress.h"
 #include "desktop/settings/register.h"
-#include "support/desktop.h"
+#include "support/combos.h"
 #include "support/ink_room.h"
 
 namespace vellumark::test {
@@ -49,22 +49,6 @@ struct OptionsWindowsTest : testing::Test, InkRoom {
   desktop::SystemPrinters printers = kPrinters;
   desktop::WindowList windows{session};
 };
-
-QStringList ItemsOf(QWidget& dialog, const char* name) {
-  auto& combo = Control<QComboBox>(dialog, name);
-  QStringList items;
-  for (int i = 0; i < combo.count(); ++i) items += combo.itemText(i);
-  return items;
-}
-
-/// By keyboard, as in a list that is closed.
-void Choose(QWidget& dialog, const char* name, const QString& text) {
-  auto& combo = Control<QComboBox>(dialog, name);
-  combo.setFocus(Qt::TabFocusReason);
-  Press(combo, Qt::Key_Home);
-  while (combo.currentText() != text && combo.currentIndex() < combo.count() - 1) Press(combo, Qt::Key_Down);
-  EXPECT_EQ(combo.currentText(), text);
-}
 
 std::string TextOf(QWidget& dialog, const char* name) {
   return Control<QLabel>(dialog, name).text().toStdString();

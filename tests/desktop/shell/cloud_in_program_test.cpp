@@ -24,7 +24,7 @@
 #include "furnished_room.h"
 #include "running.h"
 #include "support/cloud_tasks.h"
-#include "support/ftp_server.h"
+#include "support/shop_settings.h"
 
 namespace vellumark::test {
 namespace {
@@ -37,16 +37,7 @@ struct CloudInProgramTest : testing::Test {
   CloudInProgramTest() {
     room.folder.Breaks("Parts");  // a share lacks what is nobody else's
     running.session.DataFolder = running.options.folders.data;
-    settings.Facility = "North Shop";
-    settings.AcctNum = "1001";
-    settings.CloudHost = server.Host();
-    settings.Port = server.Port();
-    settings.CloudHostUserName = "shop";
-    settings.CloudHostPassword = "se cret#1";
-    settings.RemoteDirectory = "/";
-    settings.Passive = settings.TLS = true;
-    settings.ssl = false;
-    settings.CertFile = server.Certificate().string();
+    settings = SettingsOf(server, "North Shop", "1001");
     WriteCloudSettings(running.session, settings);
     running.prompt.SetHook([this](const Message& message) {
       told.push_back(message.title);
