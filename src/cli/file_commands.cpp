@@ -148,16 +148,6 @@ bool CanBeOpened(const std::string& path) {
   }
 }
 
-Json RepairLinesJson(const std::vector<RepairLine>& lines) {
-  Json list = Json::array();
-  for (const RepairLine& line : lines)
-    list.push_back({{"Step", line.Step},
-                    {"Table", line.Table.empty() ? Json() : Json(line.Table)},
-                    {"Count", line.Count},
-                    {"What", line.What}});
-  return list;
-}
-
 Result<Json> RepairFile(Context& context, const std::string& typedPath, const std::string& reportPath) {
   Session& session = context.session;
   if (!typedPath.empty()) context.dataFile = fs::absolute(typedPath).string();
@@ -173,9 +163,9 @@ Result<Json> RepairFile(Context& context, const std::string& typedPath, const st
   context.text = RepairText(*report);
   Json answer{{"File", report->file.string()},
               {"Kept", report->kept.string()},
-              {"Changes", RepairLinesJson(report->changes)},
-              {"Lost", RepairLinesJson(report->lost)},
-              {"Left", RepairLinesJson(report->left)}};
+              {"Changes", StepLinesJson(report->changes)},
+              {"Lost", StepLinesJson(report->lost)},
+              {"Left", StepLinesJson(report->left)}};
   if (reportPath.empty()) return answer;
   const bool json = EqualNoCase(fs::path(reportPath).extension().string(), ".json");
   ReplaceFile(fs::absolute(reportPath), json ? JsonText(answer) + "\n" : context.text);

@@ -1,19 +1,15 @@
 #include "cli/upgrade_output.h"
 
 namespace vellumark::cli {
-namespace {
-
-Json UpgradeLinesJson(const std::vector<UpgradeLine>& lines) {
+Json StepLinesJson(const std::vector<StepLine>& lines) {
   Json list = Json::array();
-  for (const UpgradeLine& line : lines)
+  for (const StepLine& line : lines)
     list.push_back({{"Step", line.Step},
                     {"Table", line.Table.empty() ? Json() : Json(line.Table)},
                     {"Count", line.Count},
                     {"What", line.What}});
   return list;
 }
-
-}  // namespace
 
 Json UpgradeJson(const UpgradeReport& report) {
   Json tables = Json::array();
@@ -36,11 +32,11 @@ Json UpgradeJson(const UpgradeReport& report) {
           {"Balanced", report.Balanced()},
           {"Tables", tables},
           {"Sums", sums},
-          {"Changes", UpgradeLinesJson(report.changes)},
-          {"Names", UpgradeLinesJson(report.names)},
-          {"Refused", UpgradeLinesJson(report.refused)},
-          {"Damaged", UpgradeLinesJson(report.damaged)},
-          {"Left", UpgradeLinesJson(report.left)}};
+          {"Changes", StepLinesJson(report.changes)},
+          {"Names", StepLinesJson(report.names)},
+          {"Refused", StepLinesJson(report.refused)},
+          {"Damaged", StepLinesJson(report.damaged)},
+          {"Left", StepLinesJson(report.left)}};
 }
 
 }  // namespace vellumark::cli

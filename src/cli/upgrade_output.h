@@ -5,6 +5,8 @@
 
 namespace vellumark::cli {
 
+/// What was done, or not, step by step.
+Json StepLinesJson(const std::vector<StepLine>& lines);
 /// What an update of a Data File did, row by row and sum by sum.
 Json UpgradeJson(const UpgradeReport& report);
 

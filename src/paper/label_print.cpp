@@ -13,6 +13,7 @@
 
 #include "core/base/files.h"
 #include "core/base/text.h"
+#include "core/labels/label_layouts.h"
 #include "paper/label_painter.h"
 #include "paper/pdf.h"
 #include "paper/photo_maker.h"
@@ -23,7 +24,6 @@ namespace {
 using What = LabelElement::What;
 
 constexpr double kScreenDots = 96;                  // of an inch of a picture
-constexpr std::size_t kLargestPicture = 8U << 20U;  // bytes
 
 // The decoder makes black what a cut file lacks.
 bool IsWholeBitmap(std::string_view bytes, const QImage& image) {
@@ -158,8 +158,8 @@ Result<void> CheckLabelPictureFile(const std::filesystem::path& file) {
   const auto none = [&] { return Refuse("Picture Selection", file.string() + " is no picture that can be read."); };
   std::error_code error;
   if (!std::filesystem::is_regular_file(file, error)) return none();
-  const std::string bytes = ReadFileBytes(file, kLargestPicture + 1);
-  if (bytes.size() > kLargestPicture) return none();
+  const std::string bytes = ReadFileBytes(file, kLargestLabelPicture + 1);
+  if (bytes.size() > kLargestLabelPicture) return none();
   QByteArray data = QByteArray::fromRawData(bytes.data(), static_cast<qsizetype>(bytes.size()));
   QBuffer buffer(&data);
   buffer.open(QIODevice::ReadOnly);

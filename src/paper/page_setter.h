@@ -44,7 +44,6 @@ class PageSetter {
   void Finish();
   /// The sink wants no more.
   bool Stopped() const { return stopped_; }
-  int PageNumber() const { return number_; }
 
   static double LineHeight(const Typeface& typeface, double size);
 

@@ -49,7 +49,7 @@ class DamagedFile {
       EXPECT_TRUE(ReadFileBytes(path) == bytes);
       return false;
     }
-    for (const RepairLine& line : report->left)
+    for (const StepLine& line : report->left)
       EXPECT_EQ(line.What.find("this step could not be done"), std::string::npos) << line.What;
     session.DataFileDB = Database::Open(path, OpenMode::Exclusive);
     EXPECT_TRUE(session.File().Faults().empty());

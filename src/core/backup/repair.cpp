@@ -308,7 +308,7 @@ void RepairRun::RunStep(const RepairStep& step) {
       break;
     }
   }
-  const auto take = [](std::vector<RepairLine>& all, std::vector<RepairLine>& lines) {
+  const auto take = [](std::vector<StepLine>& all, std::vector<StepLine>& lines) {
     all.insert(all.end(), std::make_move_iterator(lines.begin()), std::make_move_iterator(lines.end()));
   };
   take(report_.changes, pending_.changes);
@@ -362,41 +362,21 @@ std::string RepairRun::MadeUpName() {
 
 // ---- The report
 
-std::vector<RepairLineOf> LinesOf(const RepairReport& report) {
-  std::vector<RepairLineOf> lines;
+std::vector<StepLineOf> LinesOf(const RepairReport& report) {
+  std::vector<StepLineOf> lines;
   for (const auto& [outcome, of] :
        {std::pair{"Lost", &report.lost}, {"Mended", &report.changes}, {"Left", &report.left}})
-    for (const RepairLine& line : *of) lines.push_back({outcome, line});
+    for (const StepLine& line : *of) lines.push_back({line, outcome});
   return lines;
-}
-
-const TableOf<RepairLineOf>& RepairColumns() {
-  using L = RepairLineOf;
-  static const TableOf<L> columns = TableOf<L>()
-                                        .Add("Outcome", &L::Outcome, "Outcome")
-                                        .Width(1200)
-                                        .Add(
-                                            "Step", [](const L& line) { return line.line.Step; }, "Step")
-                                        .Width(2400)
-                                        .Add(
-                                            "Table", [](const L& line) { return line.line.Table; }, "Table")
-                                        .Width(2400)
-                                        .Add(
-                                            "Count", [](const L& line) { return line.line.Count; }, "Rows")
-                                        .Width(900)
-                                        .Add(
-                                            "What", [](const L& line) { return line.line.What; }, "What")
-                                        .Width(6000);
-  return columns;
 }
 
 std::string RepairText(const RepairReport& report) {
   std::string text =
       fmt::format("{} was repaired.\nAs it was before it is kept in {}\n", report.file.string(), report.kept.string());
-  const auto add = [&](std::string_view heading, const std::vector<RepairLine>& lines) {
+  const auto add = [&](std::string_view heading, const std::vector<StepLine>& lines) {
     if (lines.empty()) return;
     text += fmt::format("\n{}\n", heading);
-    for (const RepairLine& line : lines)
+    for (const StepLine& line : lines)
       text += fmt::format("  {}{}{}: {} ({})\n", line.Step, line.Table.empty() ? "" : ", ", line.Table, line.What,
                           line.Count);
   };

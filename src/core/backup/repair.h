@@ -8,27 +8,19 @@
 #include <string_view>
 #include <vector>
 
-#include "core/base/table.h"
+#include "core/backup/step_lines.h"
 #include "core/session/session.h"
 
 namespace vellumark {
 
 class RepairRun;
 
-/// What a step of the repair did, or could not do, to a table.
-struct RepairLine {
-  std::string Step;
-  std::string Table;  ///< empty when it is the file's own
-  std::int64_t Count = 1;
-  std::string What;
-};
-
 struct RepairReport {
   std::filesystem::path file;
   std::filesystem::path kept;       ///< the folder that holds the file as it was, and the photos that were moved
-  std::vector<RepairLine> changes;  ///< mended, made, renamed, dropped
-  std::vector<RepairLine> left;     ///< empty fields that mean something, and faults that nobody can mend but people
-  std::vector<RepairLine> lost;     ///< what could not be saved
+  std::vector<StepLine> changes;  ///< mended, made, renamed, dropped
+  std::vector<StepLine> left;     ///< empty fields that mean something, and faults that nobody can mend but people
+  std::vector<StepLine> lost;     ///< what could not be saved
   std::vector<std::string> emptyDatabases;
 };
 
@@ -50,11 +42,6 @@ Result<RepairReport> MendDataFile(Session& session, const std::function<Result<v
 
 /// The report for people, and as a list: what was changed, left and lost.
 std::string RepairText(const RepairReport& report);
-struct RepairLineOf {
-  std::string Outcome;  ///< "Mended", "Left", "Lost"
-  RepairLine line;
-};
-std::vector<RepairLineOf> LinesOf(const RepairReport& report);
-const TableOf<RepairLineOf>& RepairColumns();
+std::vector<StepLineOf> LinesOf(const RepairReport& report);
 
 }  // namespace vellumark

@@ -23,8 +23,7 @@ struct BatchPrintOptions {
 };
 
 BatchPrintOptions ReadBatchPrintOptions(const Session& session);
-/// Stores all of them in one step and tells of a change of Settings. Refuses a percentage outside 0 to 100, with the
-/// field txtRecListPercent.
+/// Stores all of them in one step and tells of a change of Settings. Refuses a percentage outside 0 to 100.
 Result<void> SaveBatchPrintOptions(Session& session, const BatchPrintOptions& options);
 
 }  // namespace vellumark

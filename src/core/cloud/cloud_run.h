@@ -86,14 +86,11 @@ class CloudRun {
   /// Does one step; when it fails, `what` is logged with the reason and the failure goes on.
   void Step(const std::string& what, const std::function<void()>& step);
 
-  CloudDesk& Desk() { return desk_; }
   Session& session;
   FtpClient& ftp;
   const CloudSettings& Settings() const { return settings_; }
   const RemoteFolders& Folders() const { return folders_; }
   std::string LogName() const;
-  /// Nothing of it goes up: there was no connection, or it is lost.
-  bool Connected() const { return connected_; }
 
  private:
   void TellCertificate();
@@ -108,14 +105,13 @@ class CloudRun {
   RemoteFolders folders_;
   CloudOutcome outcome_;
   std::set<std::string> known_;
-  bool connected_ = false;
+  bool connected_ = false;  ///< without it nothing of the log goes up
 };
 
 /// Refused before anything is done: no settings, or an account without a number.
 Result<void> RequireCloud(const Session& session);
 
-/// The text of a log of this account as it stands; for `cmdExportLog`, which writes it into a folder of the user's and
-/// tells. `where` is "the Desktop" or "Documents".
+/// Writes the text of a log of this account as it stands into a folder of the user's, and tells. `where` is "the Desktop" or "Documents".
 void ExportCloudLog(Session& session, const CloudOutcome& outcome, const std::filesystem::path& folder,
                     const std::string& where);
 

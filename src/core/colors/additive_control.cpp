@@ -19,7 +19,6 @@
 namespace vellumark {
 namespace {
 
-constexpr std::size_t kMostLinesWithSet = 14;
 
 Refusal UnknownSet(std::string_view name) {
   return {"Additive Set Name", fmt::format("Additive Set: {} is not on file.", name), "SetName"};

@@ -16,7 +16,6 @@
 namespace vellumark {
 namespace {
 
-constexpr std::size_t kMostLinesWithSet = 14;
 constexpr double kLargestPercent = 10;
 
 std::string Columns() {

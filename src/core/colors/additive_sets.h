@@ -14,6 +14,9 @@
 
 namespace vellumark {
 
+/// A formula and the set it takes have no more lines together.
+inline constexpr std::size_t kMostLinesWithSet = 14;
+
 /// A row of `<DB>_Additives`: up to five Additives with fixed percentages.
 struct AdditiveSet {
   std::int64_t key = 0;

@@ -35,15 +35,6 @@ std::vector<std::string> SplitColorSet(std::string_view colorSet) {
   return names;
 }
 
-bool ColorSetHolds(std::string_view colorSet, std::string_view name) {
-  while (!colorSet.empty()) {
-    const auto item = NextItem(colorSet);
-    if (!item) return false;
-    if (EqualNoCase(*item, name)) return true;
-  }
-  return false;
-}
-
 ColorSetTest::ColorSetTest(std::string_view formulaSet) {
   while (!formulaSet.empty()) {
     const auto name = NextItem(formulaSet);

@@ -12,8 +12,6 @@ namespace vellumark {
 /// The names between the marks. An item without its closing mark is left out.
 std::vector<std::string> SplitColorSet(std::string_view colorSet);
 
-/// True when the whole item "<name>" stands in the set, in any case.
-bool ColorSetHolds(std::string_view colorSet, std::string_view name);
 
 /// True when every item of the candidate stands in the formula's set, in any case, with or without "PANTONE " on either
 /// side. An empty candidate is contained in any set.

@@ -49,7 +49,7 @@ std::string ResetText(const Reset& reset) {
 void WriteEverywhere(Session& session, const Reset& reset, float value) {
   ProgressRun progress(session.progress, reset.progressText);
   Transaction transaction(session.File());
-  UndoStep step(session, reset.stale.cost ? Undoable::ResetCosts : Undoable::ResetEmission, ResetText(reset));
+  UndoStep step(session, reset.stale.cost ? Undoable::ResetCosts : Undoable::ResetEmissions, ResetText(reset));
   const std::string table = session.Table(reset.table);
   Statement update = session.File().Prepare(
       fmt::format("UPDATE {} SET {} = ? WHERE RowKey BETWEEN ? AND ?", Quoted(table), reset.column));
@@ -76,6 +76,8 @@ Result<void> MayReset(const Session& session, AmountKey key, std::string_view fi
   return RequireRight(session, key, field);
 }
 
+enum class Emission { VOC, HAP };
+
 std::string_view NameOf(Emission emission) {
   return emission == Emission::VOC ? "VOC" : "HAP";
 }
@@ -99,13 +101,6 @@ void WriteEmission(Session& session, Emission emission, ColorKind kind, float va
                    ChangeKind(kind),
                    {.voc = emission == Emission::VOC, .hap = emission == Emission::HAP}},
                   value);
-}
-
-Result<void> ResetEmission(Session& session, Emission emission, std::string_view newValue, ColorKind kind) {
-  const auto value = ReadEmission(session, emission, newValue, "txtNewValue");
-  if (!value) return std::unexpected(value.error());
-  WriteEmission(session, emission, kind, *value);
-  return {};
 }
 
 }  // namespace
@@ -164,14 +159,6 @@ Result<void> ResetMixCostsFromBasics(Session& session, std::string_view markup, 
   step.Keep();
   transaction.Commit();
   return {};
-}
-
-Result<void> ResetBasicEmissions(Session& session, Emission emission, std::string_view newValue) {
-  return ResetEmission(session, emission, newValue, ColorKind::Basic);
-}
-
-Result<void> ResetMixEmissions(Session& session, Emission emission, std::string_view newValue) {
-  return ResetEmission(session, emission, newValue, ColorKind::Mix);
 }
 
 Result<void> ResetEmissions(Session& session, ColorKind kind, const EmissionReset& reset) {

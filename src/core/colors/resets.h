@@ -18,10 +18,6 @@ Result<void> ResetMixCosts(Session& session, std::string_view newValue);
 /// decimals of costs, held between 0 and 99999. Pending roll-ups run first.
 Result<void> ResetMixCostsFromBasics(Session& session, std::string_view markup, std::string_view fixed);
 
-enum class Emission { VOC, HAP };
-Result<void> ResetBasicEmissions(Session& session, Emission emission, std::string_view newValue);
-Result<void> ResetMixEmissions(Session& session, Emission emission, std::string_view newValue);
-
 /// Both figures of every Basic Color or every formula, or the one that is given. Both are read before either is
 /// written; a refusal calls them "VOC" and "HAP".
 struct EmissionReset {

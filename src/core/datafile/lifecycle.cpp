@@ -94,12 +94,6 @@ fs::path SafetyCopyPath(const fs::path& path) {
   return copy;
 }
 
-void CompactInto(const fs::path& path, const fs::path& copy) {
-  FileBeside place(copy, Readers::Group);
-  Database::Open(path, OpenMode::Exclusive)->CopyCompacted(place.Path());
-  place.Replace();
-}
-
 void CompactFile(Database& file) {
   FileBeside place(file.Path(), Readers::Group);
   const fs::path safetyCopy = SafetyCopyPath(place.Target());

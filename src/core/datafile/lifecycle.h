@@ -58,8 +58,6 @@ auto WorkBeside(const FileBeside& place, Work work) {
 /// The same at its place, closed. An existing file is refused with a Failure.
 void CreateFile(const std::filesystem::path& path);
 
-/// Writes a closed file without its unused space under another name, over what bears it.
-void CompactInto(const std::filesystem::path& path, const std::filesystem::path& copy);
 
 /// Puts the open file's data, without its unused space, in the place of the file. A kill at any moment leaves the one
 /// or the other, and a Failure leaves what was there. `file` is then open on what was removed and only good for being

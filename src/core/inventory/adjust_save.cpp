@@ -39,17 +39,9 @@ class InventorySave {
 
  private:
   StockChange ChangeTo(StockChange::Action action, std::int64_t row, float before, float after) const {
-    StockChange change;
-    change.action = action;
-    change.kind = work_.kind;
-    change.name = work_.name;
-    change.database = work_.database;
-    change.row = row;
-    change.before = before;
-    change.after = after;
-    change.document = work_.document;
-    change.reason = work_.reason;
-    return change;
+    const StockChange change{.kind = work_.kind, .name = work_.name, .database = work_.database, .document = work_.document,
+                             .reason = work_.reason};
+    return change.Of(action, row, before, after);
   }
 
   static bool IsChanged(const InventoryRow& row) { return row.now != row.onFile || row.entered != 0; }

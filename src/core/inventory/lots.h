@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -17,6 +18,8 @@ constexpr std::int32_t kLastLotRefID = 999998;
 constexpr bool IsLotReference(std::int32_t ref) {
   return ref >= 1 && ref <= kLastLotRefID;
 }
+/// Of a lot's number, location and container.
+inline constexpr std::size_t kLotTextLength = 30;
 /// What stands for a lot number wherever stock outside the lots is meant; its reference is 0.
 constexpr std::string_view kUnlottedInv = "Unlotted Inv.";
 

@@ -104,18 +104,13 @@ std::optional<ColorRow> FindColor(const Session& session, const Posting& posting
 }
 
 StockChange ChangeOf(const Posting& posting, StockChange::Action action, std::int64_t row, float before, float after) {
-  StockChange change;
-  change.action = action;
-  change.source = posting.source;
-  change.kind = posting.kind;
-  change.name = posting.name;
-  change.database = posting.database;
-  change.row = row;
-  change.before = before;
-  change.after = after;
-  change.document = posting.document;
-  change.reason = posting.reason;
-  return change;
+  const StockChange change{.source = posting.source,
+                           .kind = posting.kind,
+                           .name = posting.name,
+                           .database = posting.database,
+                           .document = posting.document,
+                           .reason = posting.reason};
+  return change.Of(action, row, before, after);
 }
 
 PostingResult PostUnlotted(Session& session, const StockRules& rules, const Posting& posting, const ColorRow& color) {

@@ -27,14 +27,24 @@ struct StockChange {
   Action action = Action::SetUnlotted;
   PostingSource source = PostingSource::ManualAdjust;
   ColorKind kind = ColorKind::Basic;
-  std::string name;
-  std::string database;  ///< empty for the current one
+  std::string name{};
+  std::string database{};  ///< empty for the current one
   std::int64_t row = 0;  ///< of the colour or of the lot; not used by AddLot
-  LotRow lot;            ///< AddLot: all of it; SetLot and DeleteLot: which lot it was
+  LotRow lot{};          ///< AddLot: all of it; SetLot and DeleteLot: which lot it was
   float before = 0;      ///< what stands on file, of which the history tells the difference
   float after = 0;
-  std::string document;  ///< what moves it, for the history: a Batch's number, a job
-  std::string reason;
+  std::string document{};  ///< what moves it, for the history: a Batch's number, a job
+  std::string reason{};
+
+  /// The same mover's change of one figure.
+  StockChange Of(Action what, std::int64_t ofRow, float from, float to) const {
+    StockChange change = *this;
+    change.action = what;
+    change.row = ofRow;
+    change.before = from;
+    change.after = to;
+    return change;
+  }
 };
 
 /// The one place through which stock reaches the tables, whoever moves it: writes the change, with three decimals (as

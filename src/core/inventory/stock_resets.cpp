@@ -81,15 +81,7 @@ bool ForAll(Session& session, std::string_view text, const std::vector<ColorFigu
 
 StockChange ResetOf(ColorKind kind, const std::string& name, StockChange::Action action, std::int64_t row, float before,
                     float after) {
-  StockChange change;
-  change.action = action;
-  change.source = PostingSource::Reset;
-  change.kind = kind;
-  change.name = name;
-  change.row = row;
-  change.before = before;
-  change.after = after;
-  return change;
+  return StockChange{.source = PostingSource::Reset, .kind = kind, .name = name}.Of(action, row, before, after);
 }
 
 void DeleteLot(Session& session, ColorKind kind, const std::string& name, std::string_view database,

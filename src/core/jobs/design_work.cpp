@@ -415,12 +415,6 @@ Refusal MissingPhoto(const std::string& name) {
           "PhotoName", false};
 }
 
-std::string PhotoBytes(const Session& session, const LinkedPhoto& photo) {
-  if (!photo.jpeg.empty()) return photo.jpeg;
-  const auto file = PhotoFile(session, photo.from.empty() ? photo.name : photo.from);
-  return file ? ReadFileBytes(*file, kMostPhotoBytes) : std::string();
-}
-
 Result<void> SaveDesign(Session& session, DesignWork& work) {
   if (auto allowed = RequireAct(session, Act::Work); !allowed) return allowed;
   if (work.IsNew()) {

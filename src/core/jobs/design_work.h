@@ -86,8 +86,6 @@ Result<void> RenamePhoto(Session& session, DesignWork& work, std::string_view na
 bool IsPhotoMissing(const Session& session, const LinkedPhoto& photo);
 /// The refusal that tells of it.
 Refusal MissingPhoto(const std::string& name);
-/// The bytes to be shown: of the new picture, or of the file. Empty when it is missing.
-std::string PhotoBytes(const Session& session, const LinkedPhoto& photo);
 
 /// Writes row and photos. A changed description is asked about when Job Records bear the old one. Afterwards `work` is
 /// what is on file.

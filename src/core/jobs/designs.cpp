@@ -149,14 +149,6 @@ std::vector<std::string> DesignIDs(const Session& session) {
   return ids;
 }
 
-std::string NextDesignID(const Session& session, std::string_view id, bool forward) {
-  return session.File()
-      .Scalar(forward ? "SELECT DesignID FROM Designs WHERE DesignID > ? ORDER BY DesignID LIMIT 1"
-                      : "SELECT DesignID FROM Designs WHERE DesignID < ? ORDER BY DesignID DESC LIMIT 1",
-              {Value(id)})
-      .Text();
-}
-
 std::int64_t WriteDesign(Session& session, const Design& design) {
   const std::vector<Cell> cells =
       DesignFields().Cells(design, {FieldUse::Key, FieldUse::Typed, FieldUse::Kept, FieldUse::Derived});

@@ -72,8 +72,6 @@ Result<Design> FindDesign(const Session& session, std::string_view typed);
 /// All in the order of their IDs, one at a time, until `take` answers false.
 void ForEachDesign(const Session& session, const std::function<bool(const Design&)>& take);
 std::vector<std::string> DesignIDs(const Session& session);
-/// The ID before or after this one in their order; empty at either end.
-std::string NextDesignID(const Session& session, std::string_view id, bool forward);
 
 /// Writes a new row or an existing one; the row's number. For the procedures of Designs, in their transaction.
 std::int64_t WriteDesign(Session& session, const Design& design);

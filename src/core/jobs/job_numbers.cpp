@@ -10,7 +10,6 @@
 namespace vellumark {
 namespace {
 
-constexpr std::size_t kLongest = 30;
 // Behind every number that begins with the text before it.
 constexpr std::string_view kPastAll = "\U0010FFFF";
 
@@ -29,7 +28,7 @@ Result<std::string> ReadNumber(std::string_view typed) {
 }  // namespace
 
 std::string ReadJobNumber(std::string_view typed) {
-  return Left(Trim(StripScanTag(Trim(typed))), kLongest);
+  return Left(Trim(StripScanTag(Trim(typed))), kJobNumberLength);
 }
 
 std::vector<std::string> JobNumbers(const Session& session) {

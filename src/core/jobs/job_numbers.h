@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -10,6 +11,8 @@
 namespace vellumark {
 
 // The Jobs of a Data File by their numbers. All of these are answered from the index, whatever the number of rows.
+
+inline constexpr std::size_t kJobNumberLength = 30;
 
 /// A job number as it left its field: without a scan tag, trimmed, cut to its width.
 std::string ReadJobNumber(std::string_view typed);

@@ -104,7 +104,6 @@ Result<void> CheckDesign(const std::vector<SupportRecord>& records) {
 }
 
 constexpr std::string_view kPictureKey = "Picture Image Location";
-constexpr std::size_t kLargestPicture = 8U << 20U;  // bytes
 
 // Copies a picture from elsewhere to the pictures of labels; the name that it has there, and the file if it is new.
 Result<std::pair<std::string, std::filesystem::path>> KeepPicture(const Session& session,
@@ -114,8 +113,8 @@ Result<std::pair<std::string, std::filesystem::path>> KeepPicture(const Session&
   std::error_code error;
   if (!std::filesystem::is_regular_file(picture, error))
     return Refuse("Picture Selection", picture.string() + " is no longer there.", std::string(kPictureKey));
-  const std::string bytes = ReadFileBytes(picture, kLargestPicture + 1);
-  if (bytes.size() > kLargestPicture)
+  const std::string bytes = ReadFileBytes(picture, kLargestLabelPicture + 1);
+  if (bytes.size() > kLargestLabelPicture)
     return Refuse("Picture Selection", picture.string() + " is too large for a picture of a label.",
                   std::string(kPictureKey));
   MakeFolder(folder);
@@ -125,7 +124,7 @@ Result<std::pair<std::string, std::filesystem::path>> KeepPicture(const Session&
     const std::string name = number == 1 ? stem + ending : fmt::format("{} {}{}", stem, number, ending);
     const std::filesystem::path target = folder / name;
     if (std::filesystem::exists(target, error)) {
-      if (ReadFileBytes(target, kLargestPicture + 1) == bytes) return std::pair{name, std::filesystem::path()};
+      if (ReadFileBytes(target, kLargestLabelPicture + 1) == bytes) return std::pair{name, std::filesystem::path()};
       continue;
     }
     ReplaceFile(target, bytes);

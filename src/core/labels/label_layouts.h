@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <filesystem>
 #include <optional>
 #include <string>
@@ -48,6 +49,8 @@ struct LabelBounds {
 std::optional<LabelBounds> BoundsOfLabelKey(std::string_view key);
 /// Refused, naming the key, for what the key cannot be.
 Result<void> CheckLabelValue(std::string_view key, std::string_view value);
+
+inline constexpr std::size_t kLargestLabelPicture = 8U << 20U;  ///< bytes
 
 /// The names of the layouts in the order of their list.
 std::vector<std::string> LabelLayouts(const Session& session, LabelKind kind);

@@ -15,7 +15,6 @@ namespace vellumark {
 namespace {
 
 constexpr std::string_view kNoPaper = "Rendering Subsystem";
-constexpr int kLongestReminder = 30;
 
 bool IsUnit(int unit) {
   return !UnitName(unit).empty();

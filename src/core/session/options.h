@@ -32,6 +32,7 @@ Result<void> SaveNameLength(Session& session, std::string_view typed);
 /// `AutofillForm`.
 Result<void> SaveAutofill(Session& session, bool on);
 
+inline constexpr int kLongestReminder = 30;  ///< days
 /// `RemindersForm`.
 struct Reminders {
   bool shutdownBackup = false;

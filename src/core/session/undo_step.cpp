@@ -50,7 +50,6 @@ constexpr std::array kRows{
     UndoableRow{DeleteFormulas, Act::BulkFormulas},
     UndoableRow{ResetCosts, Act::ResetCosts},
     UndoableRow{ResetMixCostsFromBasics, Act::ResetCosts},
-    UndoableRow{ResetEmission, Act::ResetEmissions},
     UndoableRow{ResetEmissions, Act::ResetEmissions},
     UndoableRow{SaveDesign, Act::Work},
     UndoableRow{CopyDesign, Act::Work},

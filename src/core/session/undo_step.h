@@ -50,7 +50,6 @@ enum class Undoable {
   DeleteFormulas,
   ResetCosts,
   ResetMixCostsFromBasics,
-  ResetEmission,
   ResetEmissions,
   SaveDesign,
   CopyDesign,

@@ -190,13 +190,6 @@ std::vector<std::string> Names(const Session& session, std::string_view conditio
 
 }  // namespace
 
-std::optional<char> UserKey(char32_t typed, std::size_t length) {
-  if (length >= kUserTextLength) return std::nullopt;
-  if (typed >= U'a' && typed <= U'z') return static_cast<char>(typed - U'a' + U'A');
-  if (typed > 0x7E || !IsUserCharacter(static_cast<char>(typed))) return std::nullopt;
-  return static_cast<char>(typed);
-}
-
 Result<std::string> ReadUserText(std::string_view typed, std::string_view field) {
   std::string text = Folded(typed);
   if (text.size() <= kUserTextLength && std::ranges::all_of(text, IsUserCharacter)) return text;

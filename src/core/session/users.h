@@ -21,9 +21,6 @@ namespace vellumark {
 inline constexpr std::string_view kRescueUser = "ADMIN";
 inline constexpr std::size_t kUserTextLength = 15;
 
-/// The character that a typed key puts into a name or password box that holds `length` characters: a small letter
-/// becomes a capital. Nothing for a key that the box drops with a beep.
-std::optional<char> UserKey(char32_t typed, std::size_t length);
 /// For callers without such a box: trimmed, upper case. Refused, with the focus on `field`, when the box would not have
 /// let it through; the text is not repeated in the refusal.
 Result<std::string> ReadUserText(std::string_view typed, std::string_view field);

@@ -214,10 +214,6 @@ void UpgradeRun::MakeTable(const std::string& name, const std::vector<Field>& fi
   tables_.emplace(Upper(name), std::move(table));
 }
 
-void UpgradeRun::ForgetTable(std::string_view table) {
-  tables_.erase(Upper(table));
-}
-
 void UpgradeRun::Index(std::string_view table, std::string_view field) {
   const LadderTable* found = Find(table);
   if (found == nullptr) return;

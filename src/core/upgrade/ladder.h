@@ -69,7 +69,6 @@ class UpgradeRun {
   /// The column of a field, made and filled where it has none of its own, so that single rows can be changed.
   std::string Own(std::string_view table, std::string_view field, FieldType type);
   void MakeTable(const std::string& name, const std::vector<Field>& fields);
-  void ForgetTable(std::string_view table);
   void Index(std::string_view table, std::string_view field);
 
   // What the report tells.

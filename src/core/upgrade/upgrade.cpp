@@ -201,14 +201,14 @@ class Update {
     RepairReport mended;
     RepairRun repair(session_, mended);
     repair.Run(IsWanted);
-    const auto take = [](const std::vector<RepairLine>& from, std::vector<UpgradeLine>& to) {
-      for (const RepairLine& line : from)
-        if (!line.What.ends_with("which means something")) to.push_back({line.Step, line.Table, line.Count, line.What});
+    const auto take = [](const std::vector<StepLine>& from, std::vector<StepLine>& to) {
+      for (const StepLine& line : from)
+        if (!line.What.ends_with("which means something")) to.push_back(line);
     };
     take(mended.changes, report_.changes);
     take(mended.left, report_.left);
     take(mended.lost, report_.refused);
-    for (const UpgradeLine& line : report_.changes)
+    for (const StepLine& line : report_.changes)
       if (line.What.find(" is called ") != std::string::npos || line.What.find(" had the number ") != std::string::npos)
         report_.names.push_back(line);
     for (const CheckFault& fault : CheckRun(session_, CheckDepth::Deep, CheckState::InUse).Run(IsChecked).faults)

@@ -39,7 +39,7 @@ std::string TableLine(const UpgradeTable& table) {
   return text;
 }
 
-std::string LineText(const UpgradeLine& line) {
+std::string LineText(const StepLine& line) {
   return fmt::format("{}{}{}: {}{}", line.Step, line.Table.empty() ? "" : ", ", line.Table, line.What,
                      line.Count == 1 ? "" : fmt::format(" ({})", line.Count));
 }
@@ -47,7 +47,7 @@ std::string LineText(const UpgradeLine& line) {
 struct Section {
   const char* heading;
   const char* outcome;
-  const std::vector<UpgradeLine>* lines;
+  const std::vector<StepLine>* lines;
 };
 
 std::vector<Section> SectionsOf(const UpgradeReport& report) {
@@ -124,28 +124,11 @@ bool UpgradeReport::Balanced() const {
          });
 }
 
-std::vector<UpgradeLineOf> LinesOf(const UpgradeReport& report) {
-  std::vector<UpgradeLineOf> lines;
+std::vector<StepLineOf> LinesOf(const UpgradeReport& report) {
+  std::vector<StepLineOf> lines;
   for (const Section& section : SectionsOf(report))
-    for (const UpgradeLine& line : *section.lines) lines.push_back({section.outcome, line});
+    for (const StepLine& line : *section.lines) lines.push_back({line, section.outcome});
   return lines;
-}
-
-const TableOf<UpgradeLineOf>& UpgradeColumns() {
-  using L = UpgradeLineOf;
-  static const TableOf<L> columns =
-      TableOf<L>()
-          .Add("Outcome", &L::Outcome, "Outcome")
-          .Width(1200)
-          .Add("Step", [](const L& line) { return line.line.Step; }, "Step")
-          .Width(3000)
-          .Add("Table", [](const L& line) { return line.line.Table; }, "Table")
-          .Width(2200)
-          .Add("Count", [](const L& line) { return line.line.Count; }, "Rows")
-          .Width(900)
-          .Add("What", [](const L& line) { return line.line.What; }, "What")
-          .Width(6000);
-  return columns;
 }
 
 const TableOf<UpgradeTable>& UpgradeTableColumns() {
@@ -178,7 +161,7 @@ std::string UpgradeText(const UpgradeReport& report) {
   for (const Section& section : SectionsOf(report)) {
     if (section.lines->empty()) continue;
     text += fmt::format("\n{}\n", section.heading);
-    for (const UpgradeLine& line : *section.lines) text += "  " + LineText(line) + "\n";
+    for (const StepLine& line : *section.lines) text += "  " + LineText(line) + "\n";
   }
   return text;
 }
@@ -195,7 +178,7 @@ Sheet UpgradeSheet(const UpgradeReport& report) {
   for (const Section& section : SectionsOf(report)) {
     if (section.lines->empty()) continue;
     SheetBlock block{.heading = section.heading};
-    for (const UpgradeLine& line : *section.lines) block.lines.push_back(LineText(line));
+    for (const StepLine& line : *section.lines) block.lines.push_back(LineText(line));
     sheet.blocks.push_back(std::move(block));
   }
   return sheet;

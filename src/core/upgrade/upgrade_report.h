@@ -6,8 +6,8 @@
 #include <string>
 #include <vector>
 
+#include "core/backup/step_lines.h"
 #include "core/base/sheet.h"
-#include "core/base/table.h"
 
 namespace vellumark {
 
@@ -21,14 +21,6 @@ class ExactSum {
  private:
   // Units of 10 to the power of nine times the key: what one number brings never fills one.
   std::map<int, std::int64_t> groups_;
-};
-
-/// What was done, or could not be, in a step, to a table.
-struct UpgradeLine {
-  std::string Step;
-  std::string Table;  ///< empty when it is the file's own
-  std::int64_t Count = 1;
-  std::string What;
 };
 
 /// Where the rows of a table went: what was read and what was made of others' rows is written or left, with a line for
@@ -59,11 +51,11 @@ struct UpgradeReport {
   int toVersion = 0;
   std::vector<UpgradeTable> tables;
   std::vector<UpgradeSum> sums;
-  std::vector<UpgradeLine> changes;  ///< in the order of the steps
-  std::vector<UpgradeLine> names;    ///< colours, sets, Batches that are called otherwise now
-  std::vector<UpgradeLine> refused;  ///< what did not come in, and why
-  std::vector<UpgradeLine> damaged;  ///< what of the source could not be read
-  std::vector<UpgradeLine> left;     ///< what people should look at
+  std::vector<StepLine> changes;  ///< in the order of the steps
+  std::vector<StepLine> names;    ///< colours, sets, Batches that are called otherwise now
+  std::vector<StepLine> refused;  ///< what did not come in, and why
+  std::vector<StepLine> damaged;  ///< what of the source could not be read
+  std::vector<StepLine> left;     ///< what people should look at
   std::filesystem::path text;        ///< where the report is kept; empty for a dry run
 
   /// Whether every row that was read is written or has its reason, and the sums are the same.
@@ -71,12 +63,7 @@ struct UpgradeReport {
 };
 
 /// All lines with what they are: "Damaged", "Refused", "Renamed", "Changed", "To look at".
-struct UpgradeLineOf {
-  std::string Outcome;
-  UpgradeLine line;
-};
-std::vector<UpgradeLineOf> LinesOf(const UpgradeReport& report);
-const TableOf<UpgradeLineOf>& UpgradeColumns();
+std::vector<StepLineOf> LinesOf(const UpgradeReport& report);
 const TableOf<UpgradeTable>& UpgradeTableColumns();
 
 /// The report for people, as a text and for paper.

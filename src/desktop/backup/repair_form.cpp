@@ -11,7 +11,7 @@ namespace vellumark::desktop {
 RepairForm::RepairForm(WindowList& windowList, QWidget* owner, StartupWindows& startup)
     : Dialog(windowList, owner, "RepairForm", tr("Repair Data File")),
       startup_(startup),
-      lines_(std::make_shared<RecordRows<RepairLineOf>>(RepairColumns())) {}
+      lines_(std::make_shared<RecordRows<StepLineOf>>(StepColumns())) {}
 
 int RepairForm::exec() {
   std::optional<RepairReport> report;

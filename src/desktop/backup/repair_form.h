@@ -22,7 +22,7 @@ class RepairForm : public Dialog {
   void Build(const RepairReport& report);
 
   StartupWindows& startup_;
-  std::shared_ptr<RecordRows<RepairLineOf>> lines_;
+  std::shared_ptr<RecordRows<StepLineOf>> lines_;
 };
 
 }  // namespace vellumark::desktop

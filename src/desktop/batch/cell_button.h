@@ -18,7 +18,6 @@ class CellButton : public QAbstractButton {
   void SetTone(Tone tone);
   /// Without an effect the text is only to be read; Enter and clicks then do nothing.
   void SetClickable(bool clickable);
-  bool IsClickable() const { return clickable_; }
   /// Room for at least this text, so that a column of cells stays one column.
   void KeepRoomFor(const QString& text);
 

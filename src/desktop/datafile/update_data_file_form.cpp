@@ -48,7 +48,7 @@ class UpdateDataFileForm::Shown final : public vellumark::Progress {
 UpdateDataFileForm::UpdateDataFileForm(WindowList& windowList, QWidget* owner)
     : Dialog(windowList, owner, "UpdateDataFileForm", tr("Update Data File")),
       tables_(std::make_shared<RecordRows<UpgradeTable>>(UpgradeTableColumns())),
-      lines_(std::make_shared<RecordRows<UpgradeLineOf>>(UpgradeColumns())) {
+      lines_(std::make_shared<RecordRows<StepLineOf>>(StepColumns())) {
   Form form(*this);
   form.Heading(tr("Update Data File"));
   heading_ = Paragraph(form, {}, "lblHeading");

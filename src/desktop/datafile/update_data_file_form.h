@@ -48,7 +48,7 @@ class UpdateDataFileForm : public Dialog {
   QProgressBar* bar_;
   QTabWidget* tabs_;
   std::shared_ptr<RecordRows<UpgradeTable>> tables_;
-  std::shared_ptr<RecordRows<UpgradeLineOf>> lines_;
+  std::shared_ptr<RecordRows<StepLineOf>> lines_;
   Grid* fgTables_;
   Grid* fgReport_;
   CommandButton* ok_;

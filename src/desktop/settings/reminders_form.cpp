@@ -10,7 +10,6 @@
 namespace vellumark::desktop {
 namespace {
 
-constexpr int kLongestReminder = 30;
 
 QStringList DayNumbers() {
   QStringList days;

@@ -33,7 +33,7 @@ struct Repaired : test::FullRoom {
   }
   static std::string Text(const RepairReport& report) { return RepairText(report); }
   static bool Tells(const RepairReport& report, std::string_view step) {
-    return std::ranges::any_of(report.changes, [&](const RepairLine& line) { return line.Step == step; });
+    return std::ranges::any_of(report.changes, [&](const StepLine& line) { return line.Step == step; });
   }
 };
 

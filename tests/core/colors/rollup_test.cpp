@@ -109,9 +109,9 @@ TEST(Resets, FiguresOfEveryItem) {
   ASSERT_TRUE(ResetMixCostsFromBasics(room.session, "0", "0"));
   EXPECT_EQ(ReadMix(room.session, "N")->PurchaseCost, 5.56F);
   ASSERT_TRUE(ResetMixCosts(room.session, "0"));
-  ASSERT_TRUE(ResetBasicEmissions(room.session, Emission::HAP, "0.1234"));
+  ASSERT_TRUE(ResetEmissions(room.session, ColorKind::Basic, {.HAP = "0.1234"}));
   EXPECT_TRUE(room.session.HAPChanged);
-  ASSERT_TRUE(ResetMixEmissions(room.session, Emission::VOC, "2"));
+  ASSERT_TRUE(ResetEmissions(room.session, ColorKind::Mix, {.VOC = "2"}));
   EXPECT_EQ(room.Scalar("SELECT SUM(VOC) FROM INK_Mix"), Value(4.0));
   EXPECT_EQ(room.Scalar("SELECT SUM(PurchaseCost) FROM INK_Mix"), Value(0.0));
 
@@ -125,9 +125,9 @@ TEST(Resets, FiguresOfEveryItem) {
       {ResetMixCosts(room.session, "-1"), "Invalid Dollar Value", "Please enter a Currency Value between 0 and 99999."},
       {ResetMixCostsFromBasics(room.session, "100.01", "0"), "Invalid Markup Percent",
        "Please enter a Markup Percent between 0 and 100"},
-      {ResetBasicEmissions(room.session, Emission::VOC, ""), "Invalid VOC Value",
+      {ResetEmissions(room.session, ColorKind::Basic, {.VOC = ""}), "Invalid VOC Value",
        "Please enter a VOC value between 0 and 99999."},
-      {ResetMixEmissions(room.session, Emission::HAP, "x"), "Invalid HAP Value",
+      {ResetEmissions(room.session, ColorKind::Mix, {.HAP = "x"}), "Invalid HAP Value",
        "Please enter a HAP value between 0 and 99999."},
   };
   for (const auto& c : bad) {

@@ -214,7 +214,7 @@ TEST_F(Notices, OfSetsAndTools) {
        [&] { return Done(ResetMixCosts(session, "4")); },
        {{Kind::Mix, "INK", "", What::All, ""}}},
       {"emissions of all Basics",
-       [&] { return Done(ResetBasicEmissions(session, Emission::VOC, "0.5")); },
+       [&] { return Done(ResetEmissions(session, ColorKind::Basic, {.VOC = "0.5"})); },
        {{Kind::Basic, "INK", "", What::All, ""}}},
       {"reorder points of all",
        [&] { return Done(ResetReorderPoints(session, {.basics = "5", .mixes = {}})); },

@@ -355,14 +355,11 @@ std::vector<Case> ColorCases() {
       {ResetMixCostsFromBasics, "Reset Master Formula costs from their ingredients",
        [](BusyRoom& r) { BusyRoom::Must(vellumark::ResetMixCostsFromBasics(r.hands, "10", "1")); },
        [](BusyRoom& r) { BusyRoom::Must(ResetMixCosts(r.hands, "3")); }, "PINK was changed"},
-      {ResetEmission, "Reset Basic Color VOC values",
-       [](BusyRoom& r) { BusyRoom::Must(ResetBasicEmissions(r.hands, Emission::VOC, "0.9")); },
-       [](BusyRoom& r) { BusyRoom::Must(ResetBasicEmissions(r.hands, Emission::VOC, "0.8")); }, "was changed"},
       {ResetEmissions, "Reset VOC and HAP of all Basic Colors",
        [](BusyRoom& r) {
          BusyRoom::Must(vellumark::ResetEmissions(r.hands, ColorKind::Basic, {.VOC = "0.4", .HAP = "0.3"}));
        },
-       [](BusyRoom& r) { BusyRoom::Must(ResetBasicEmissions(r.hands, Emission::HAP, "0.2")); }, "was changed"},
+       [](BusyRoom& r) { BusyRoom::Must(vellumark::ResetEmissions(r.hands, ColorKind::Basic, {.HAP = "0.2"})); }, "was changed"},
       {ImportDesigns, "Import designs.txt",
        [](BusyRoom& r) {
          BusyRoom::Must(vellumark::ImportDesigns(r.hands, AnyPicture(), r.folder / "designs.txt", {}));

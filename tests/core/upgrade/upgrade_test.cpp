@@ -108,7 +108,7 @@ void ExpectLayout(Database& file, const std::string& name, const Table& table) {
 
 void ExpectUpdated(const UpgradeReport& report, const OldRoom& room, int version) {
   EXPECT_TRUE(report.Balanced()) << UpgradeText(report);
-  for (const UpgradeLine& line : report.left) EXPECT_NE(line.Step, "Check") << line.Table << ": " << line.What;
+  for (const StepLine& line : report.left) EXPECT_NE(line.Step, "Check") << line.Table << ": " << line.What;
   EXPECT_TRUE(report.refused.empty()) << report.refused.front().What;
   const auto file = Database::Open(report.file, OpenMode::ReadOnly);
   EXPECT_EQ(ReadFileInfo(*file).fileVersion, report.toVersion);
@@ -161,7 +161,7 @@ TEST_F(UpdateTest, AJetFileKeepsItsNameAndBytesAndBecomesAFileOfItsOwn) {
     EXPECT_EQ(report.file, File("Ink(1).vkd"));
     EXPECT_TRUE(report.jet);
     EXPECT_EQ(report.toVersion, version == 140 ? 140 : 40);
-    for (const UpgradeLine& line : report.damaged) ADD_FAILURE() << line.Table << ": " << line.What;
+    for (const StepLine& line : report.damaged) ADD_FAILURE() << line.Table << ": " << line.What;
     ExpectUpdated(report, room, std::min(version, 40));
     EXPECT_EQ(ReadFileBytes(path), before);
     EXPECT_EQ(Files(), (std::set<std::string>{"Ink.vkd", "Ink(1).vkd", "Ink(1) Update Report.txt"}));
@@ -257,7 +257,7 @@ TEST_F(UpdateTest, WhetherStockCountsItsLotsIsAsked) {
   EXPECT_EQ(stock(report.file), 98.3F);
   // What lay in no lot, or in less than nothing, is told.
   std::string told;
-  for (const UpgradeLine& line : report.left) told += line.What + "\n";
+  for (const StepLine& line : report.left) told += line.What + "\n";
   EXPECT_NE(told.find("RED: 0.700 lay in a lot without a name and is unlotted stock now"), std::string::npos) << told;
   EXPECT_NE(told.find("RED: the lot B held -2.500, which is unlotted stock now"), std::string::npos) << told;
   const auto file = Database::Open(report.file, OpenMode::ReadOnly);
@@ -310,7 +310,7 @@ TEST_F(UpdateTest, ADatabaseOfGuidesGetsItsNamesAndPages) {
   UpgradeReport report = Update({Old(12, room("PANTONE\u00AE"), 1, "Marked.vkd")});
   EXPECT_TRUE(report.Balanced());
   std::string told;
-  for (const UpgradeLineOf& line : LinesOf(report)) told += line.Outcome + " " + line.line.Table + ": " + line.line.What + "\n";
+  for (const StepLineOf& line : LinesOf(report)) told += line.Outcome + " " + line.Table + ": " + line.What + "\n";
   for (const char* expected : {"Renamed PANTONE_Mix: Color_Name: PANTONE\u00AE 90001 is called PANTONE 90001 now", "2014PMS_Update.txt is not there",
                                "2016PMS_Update.txt is not there", "there is no template of color guides", "TemplateFile is pdbt.vkt"})
     EXPECT_NE(told.find(expected), std::string::npos) << expected << "\n" << told;
@@ -369,7 +369,7 @@ TEST_F(UpdateTest, WhatIsMissingIsMadeAndWhatHasNoPlaceIsTold) {
   WriteOldFile(path, tables);
   report = Update({path});
   std::string told;
-  for (const UpgradeLineOf& line : LinesOf(report)) told += line.Outcome + " " + line.line.Table + ": " + line.line.What + "\n";
+  for (const StepLineOf& line : LinesOf(report)) told += line.Outcome + " " + line.Table + ": " + line.What + "\n";
   for (const char* expected : {"Refused INK_Batch: the Batch 000006 named the job J1, of which there is no record", "Refused INK_Mix: PINK: BC16 holds RED with 1.500, for which there is no place",
                                "Refused INK_Mix: the field Shade is none of the layout: its values did not come in",
                                "Refused OLD_Info: the table belongs to no Database that DBList names",
