@@ -21,8 +21,8 @@ Result<void> ResetMixCostsFromBasics(Session& session, std::string_view markup, 
 /// Both figures of every Basic Color or every formula, or the one that is given. Both are read before either is
 /// written; a refusal calls them "VOC" and "HAP".
 struct EmissionReset {
-  std::optional<std::string> VOC;
-  std::optional<std::string> HAP;
+  std::optional<std::string> VOC{};
+  std::optional<std::string> HAP{};
 };
 Result<void> ResetEmissions(Session& session, ColorKind kind, const EmissionReset& reset);
 
