@@ -306,7 +306,7 @@ TEST_F(Backups, AFileThatAnotherProcessWorksInIsNotReplaced) {
 TEST_F(Backups, AStickWithoutOwnersAndModesTakesThemAndGivesThemBack) {
   const BackupSet before = Make();
   Add("BLUE");
-  Write(photos / "red.jpg", "red, later");
+  WriteFile(photos / "red.jpg", "red, later");
   CloseDataFile(room.session, room.windows);
   EXPECT_EQ(test::OnPlainStick([&] {
               if (!VerifySet(room.session, MakeBackupSet(room.session, file, stick)).faults.empty()) return 1;

@@ -448,7 +448,6 @@ std::vector<Right> NeededFor(const Case& c) {
       {DeleteFormulas, {&R::DBToolsMenu, &R::Edit_MasterFormula}},
       {ResetCosts, {&R::DBToolsMenu, &R::Edit_Costs}},
       {ResetMixCostsFromBasics, {&R::DBToolsMenu, &R::Edit_Costs}},
-      {ResetEmission, {&R::DBToolsMenu, &R::Edit_VOCHAP}},
       {ResetEmissions, {&R::DBToolsMenu, &R::Edit_VOCHAP}},
       {ImportFormulas, {&R::DBToolsMenu, &R::Edit_MasterFormula}},
       {ResetRowLots, {&R::Edit_Costs}},
