@@ -158,7 +158,7 @@ StockHistoryForm::StockHistoryForm(WindowList& windowList)
   takeBack_->setToolTip(tr("Undo a scanned booking or one of a Job"));
   connect(list_, &Grid::CurrentRowChanged, this, [this] { Changed(); });
   connect(list_, &Grid::RowActivated, this, [this](int row) { LeadOn(row); });
-  connect(RowMenu::Of(*list_), &RowMenu::Opens, this, [this](QMenu& menu, int row) {
+  connect(RowMenu::Of(*list_), &RowMenu::Opens, this, [this, filter](QMenu& menu, int row) {
     const QString user = Q(source_->Line(row).user);
     if (user.isEmpty()) return;
     menu.addSeparator();
