@@ -94,7 +94,7 @@ TEST_F(Backups, RestoreGivesBackThatDayAndKeepsThePresent) {
   room.prompt.Expect("Restore Data File", Answer::No);
   EXPECT_TRUE(Restore(set.dataFile).error().declined);
   EXPECT_NE(room.prompt.last.text.find("INK: 2 basics"), std::string::npos) << room.prompt.last.text;
-  EXPECT_NE(room.prompt.last.text.find("INK: 1 basics"), std::string::npos) << room.prompt.last.text;
+  EXPECT_NE(room.prompt.last.text.find("INK: 1 basic,"), std::string::npos) << room.prompt.last.text;
   EXPECT_NE(room.prompt.last.text.find(file.string() + ", last changed 20"), std::string::npos) << room.prompt.last.text;
   EXPECT_EQ(Colors(), "BLUE RED ");
 

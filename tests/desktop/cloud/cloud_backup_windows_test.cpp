@@ -76,7 +76,7 @@ TEST_F(CloudBackups, OneGoesUpIsListedRestoredAndDeleted) {
     shop.prompt.Expect("Manage Cloud Backups", Answer::Yes);
     WithTask([&] { Click(form, "cmdDelete"); },
               [&](QWidget& task) { EndsWith(task, "1 Backups are now on file in the Cloud account"); });
-    EXPECT_EQ(U8(Control<QLabel>(form, "lblCount").text()), "1 backups on file, 0 checked");
+    EXPECT_EQ(U8(Control<QLabel>(form, "lblCount").text()), "1 backup on file, 0 checked");
     Click(form, "cmdClose");
   });
   ASSERT_EQ(AtHost().size(), 1U);
