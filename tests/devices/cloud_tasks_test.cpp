@@ -47,6 +47,7 @@ struct CloudRoom : DataFileRoom {
     session.DataFileDB = Database::Open(session.DataFileName, OpenMode::Exclusive);
     session.DataFileOpen = true;
     settings = SettingsOf(server, "Shop", "A100");
+    settings.CloudHost = proxy.Host();
     settings.Installation = "0001";
     Store();
   }
