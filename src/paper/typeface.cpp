@@ -1,7 +1,17 @@
 #include "paper/typeface.h"
 
+#include <QFontDatabase>
+#include <QFontInfo>
+#include <QGuiApplication>
+
 namespace vellumark::paper {
 namespace {
+
+// A family that is not installed here is replaced by the program's own, the same one each time: what the system puts in
+// its place may change while the program runs.
+QString Installed(const QString& family) {
+  return QFontDatabase::hasFamily(family) ? family : QFontInfo(QGuiApplication::font()).family();
+}
 
 QFont Plain(const QString& family, bool bold) {
   QFont font(family);
@@ -21,8 +31,8 @@ QFontMetricsF Measured(const QString& family, bool bold, int pixels) {
 }  // namespace
 
 Typeface::Typeface(const QString& family)
-    : family_(family),
-      metrics_{Measured(family, false, kMeasured), Measured(family, true, kMeasured)},
+    : family_(Installed(family)),
+      metrics_{Measured(family_, false, kMeasured), Measured(family_, true, kMeasured)},
       ascent_(metrics_[1].ascent() / kMeasured),
       height_(metrics_[1].height() / kMeasured) {
   for (const bool bold : {false, true})

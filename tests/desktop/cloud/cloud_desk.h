@@ -30,6 +30,7 @@ struct CloudShop : DataFileRoom {
                                        },
                                    .logPlace = [this] { return desktop::LogPlace{folder.Path(), "the Desktop"}; }});
     settings = SettingsOf(server, "North Shop", account);
+    settings.CloudHost = "127.0.0.1";  // where a proxy stands that does harm
   }
   /// With a Data File that has these Basic Colors, and its settings stored.
   void Open(const std::vector<std::string>& colors) {
