@@ -1,7 +1,6 @@
 #pragma once
 
 #include <QCheckBox>
-#include <QComboBox>
 #include <QLabel>
 #include <QRegularExpression>
 #include <QLineEdit>
@@ -12,6 +11,7 @@
 #include "core/settings/support_files.h"
 #include "desktop/batch/register.h"
 #include "desktop/kit/fields.h"
+#include "support/combos.h"
 #include "support/desktop.h"
 #include "support/ink_room.h"
 
@@ -95,15 +95,6 @@ inline std::string Says(QWidget& window) {
   for (const auto* label : window.findChildren<QLabel*>())
     if (label->isVisible()) all += label->text().remove(QRegularExpression("&(?=[^&\\s])")).toStdString() + "\n";
   return all;
-}
-
-/// By keyboard, as in a list that is closed.
-inline void Choose(QWidget& window, const char* name, const QString& text) {
-  auto& combo = Control<QComboBox>(window, name);
-  combo.setFocus(Qt::TabFocusReason);
-  Press(combo, Qt::Key_Home);
-  while (combo.currentText() != text && combo.currentIndex() < combo.count() - 1) Press(combo, Qt::Key_Down);
-  EXPECT_EQ(combo.currentText(), text);
 }
 
 }  // namespace vellumark::test
