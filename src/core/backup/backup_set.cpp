@@ -122,12 +122,14 @@ class SetMaker {
       proof.files.push_back(CopyUnsynced(from, copies.back(), name));
       // The rows of the Data File, which is the first, are read while the disk is at work on the others.
       if (!content.valid())
-        content = std::async(std::launch::async,
-                             [&, copy = copies.front()] { return ProveContent(session_, copy, unseen); });
+        content = std::async(std::launch::async, [&, copy = copies.front()] {
+          platform::GiveWay();
+          return ProveContent(session_, copy, unseen);
+        });
     }
     FailOn(folder_, Await(std::async(std::launch::async, [&] { return platform::SyncFiles(folder_, copies); })));
-    proof.content = Await(std::move(content));
     RequireAsWritten(proof.files, copies);
+    proof.content = Await(std::move(content));
     ReplaceFile(folder_ / kProofFile, ProofText(proof), Readers::Group);
     return proof;
   }
@@ -144,9 +146,8 @@ class SetMaker {
     for (const fs::path& photo : PhotosIn(source_.parent_path() / kPhotoFolderOfSet)) Collect(photo, kPhotoFolderOfSet);
   }
 
-  // What stands on the disk, and not what this machine remembers of it: there are sticks that only seem to write.
+  // There are sticks that only seem to write.
   void RequireAsWritten(const std::vector<FileProof>& files, const std::vector<fs::path>& copies) {
-    platform::ReadFromDisk(copies);
     const auto read = ProveFiles(folder_, files, [&](std::size_t done) { Show(40, 95, done); });
     for (std::size_t i = 0; i < files.size(); ++i) {
       if (!read[i]) throw Failure(copies[i].string(), read[i].error());

@@ -6,6 +6,8 @@
 #include <atomic>
 #include <bit>
 #include <future>
+#include <memory>
+#include <new>
 #include <nlohmann/json.hpp>
 #include <system_error>
 #include <utility>
@@ -48,9 +50,12 @@ std::vector<DatabaseProof> CountDatabases(Database& file, const std::vector<std:
   return databases;
 }
 
-platform::OpenFile OpenToRead(const fs::path& path) {
+enum class From { Memory, Disk };  // of the system, or past it
+
+platform::OpenFile OpenToRead(const fs::path& path, From from) {
   std::error_code error;
-  platform::OpenFile file = platform::OpenExisting(path, platform::Opening::Read, error);
+  platform::OpenFile file = from == From::Disk ? platform::OpenOnDisk(path, error)
+                                               : platform::OpenExisting(path, platform::Opening::Read, error);
   if (error) throw Failure(path.string(), error.message());
   const platform::FileState state = platform::StateOf(file, error);
   if (error) throw Failure(path.string(), error.message());
@@ -130,42 +135,82 @@ TableProof ProveRows(Database& file, const std::string& table, const std::string
   return proof;
 }
 
-void ForEachPiece(const fs::path& path, const std::function<void(std::string_view)>& take) {
-  const platform::OpenFile file = OpenToRead(path);
-  std::string piece(std::size_t{1} << 20, '\0');
+namespace {
+
+// What was just read is still at hand in the processor for the digest and for who writes it; past the system's memory
+// long pieces are faster.
+constexpr std::size_t kPieceOfMemory = std::size_t{1} << 18;
+constexpr std::size_t kPieceOfDisk = std::size_t{1} << 20;
+
+struct FreePiece {
+  void operator()(char* piece) const { ::operator delete[](piece, std::align_val_t{platform::kDiskBlock}); }
+};
+
+void ReadPieces(const fs::path& path, From from, const std::function<void(std::string_view)>& take) {
+  const platform::OpenFile file = OpenToRead(path, from);
+  const std::size_t size = from == From::Disk ? kPieceOfDisk : kPieceOfMemory;
+  const std::unique_ptr<char[], FreePiece> piece(new (std::align_val_t{platform::kDiskBlock}) char[size]);
   for (;;) {
-    // Full pieces, so that how a file is read is no part of its digest.
+    // Full pieces but the last.
     std::size_t filled = 0;
     std::error_code error;
-    while (filled < piece.size()) {
-      const std::size_t count = platform::Read(file, piece.data() + filled, piece.size() - filled, error);
+    while (filled < size) {
+      const std::size_t count = platform::Read(file, piece.get() + filled, size - filled, error);
       if (error) throw Failure(path.string(), error.message());
       if (count == 0) break;
       filled += count;
     }
-    if (filled == 0) return;
-    take({piece.data(), filled});
+    if (filled != 0) take({piece.get(), filled});
+    if (filled < size) return;
   }
 }
 
-FileProof ReadProved(const fs::path& path, std::string name, const std::function<void(std::string_view)>& take) {
-  constexpr std::size_t kLarge = std::size_t{1} << 20;
-  FileProof proof{std::move(name)};
-  Digest digest;
-  ForEachPiece(path, [&](std::string_view read) {
-    // Of large files the digest is worked out while what was read is written.
-    std::future<void> added;
-    if (take && read.size() == kLarge) {
-      added = std::async(std::launch::async, [&] { digest.Add(read); });
-    } else {
-      digest.Add(read);
-    }
+// The digest of a file is that of its megabytes, one behind the other, however it is read. It takes full pieces but the
+// last, by which the megabyte is divided.
+class FileDigest {
+ public:
+  void Add(std::string_view piece) {
+    bytes_ += piece.size();
+    const std::string_view rest = digest_.AddWords(piece);
+    open_ = true;
+    if (bytes_ % kMegabyte == 0 || !rest.empty()) End(rest);
+  }
+  FileProof Take(std::string name) {
+    if (open_) End({});
+    return {std::move(name), static_cast<std::int64_t>(bytes_), digest_.Value()};
+  }
+
+ private:
+  static constexpr std::size_t kMegabyte = std::size_t{1} << 20;
+  static_assert(kMegabyte % kPieceOfMemory == 0 && kMegabyte % kPieceOfDisk == 0);
+
+  void End(std::string_view rest) {
+    digest_.AddRest(rest);
+    open_ = false;
+  }
+
+  Digest digest_;
+  std::size_t bytes_ = 0;
+  bool open_ = false;
+};
+
+FileProof Proved(const fs::path& path, From from, std::string name, const std::function<void(std::string_view)>& take) {
+  FileDigest digest;
+  ReadPieces(path, from, [&](std::string_view read) {
+    digest.Add(read);
     if (take) take(read);
-    if (added.valid()) added.get();
-    proof.bytes += static_cast<std::int64_t>(read.size());
   });
-  proof.digest = digest.Value();
-  return proof;
+  return digest.Take(std::move(name));
+}
+
+}  // namespace
+
+void ForEachPiece(const fs::path& path, const std::function<void(std::string_view)>& take) {
+  ReadPieces(path, From::Memory, take);
+}
+
+FileProof ReadProved(const fs::path& path, std::string name, const std::function<void(std::string_view)>& take) {
+  return Proved(path, From::Memory, std::move(name), take);
 }
 
 FileProof ProveFile(const fs::path& path, std::string name) {
@@ -179,7 +224,7 @@ std::vector<std::expected<FileProof, std::string>> ProveFiles(const fs::path& fo
   const auto work = [&](bool tells) {
     for (std::size_t at = next++; at < files.size(); at = next++) {
       try {
-        read[at] = ProveFile(folder / files[at].name, files[at].name);
+        read[at] = Proved(folder / files[at].name, From::Disk, files[at].name, {});
       } catch (const Failure& failure) {
         read[at] = std::unexpected(failure.cause);
       }

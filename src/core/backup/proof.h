@@ -78,8 +78,8 @@ void ForEachPiece(const std::filesystem::path& path, const std::function<void(st
 FileProof ReadProved(const std::filesystem::path& path, std::string name,
                      const std::function<void(std::string_view)>& take);
 FileProof ProveFile(const std::filesystem::path& path, std::string name);
-/// What these files of a folder are now, each or the cause why it cannot be read; in two threads. `goOn` hears how many
-/// are read.
+/// What these files of a folder are now on the disk, and not in what the system remembers of it: each, or the cause why it
+/// cannot be read; in two threads. `goOn` hears how many are read.
 std::vector<std::expected<FileProof, std::string>> ProveFiles(const std::filesystem::path& folder,
                                                               const std::vector<FileProof>& files,
                                                               const std::function<void(std::size_t done)>& goOn);

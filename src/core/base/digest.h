@@ -14,13 +14,18 @@ class Digest {
     value_ = (value_ ^ word) * 0x9E3779B97F4A7C15ULL;
     value_ ^= value_ >> 29;
   }
-  void Add(std::string_view bytes) {
+  void Add(std::string_view bytes) { AddRest(AddWords(bytes)); }
+  /// The whole words of bytes that come in pieces; what is left of the last piece, fewer than eight, is for AddRest.
+  std::string_view AddWords(std::string_view bytes) {
     while (bytes.size() >= sizeof(std::uint64_t)) {
       std::uint64_t word = 0;
       std::memcpy(&word, bytes.data(), sizeof word);
       Add(word);
       bytes.remove_prefix(sizeof word);
     }
+    return bytes;
+  }
+  void AddRest(std::string_view bytes) {
     std::uint64_t last = 0;
     if (!bytes.empty()) std::memcpy(&last, bytes.data(), bytes.size());
     Add(last);

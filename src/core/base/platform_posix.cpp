@@ -44,6 +44,13 @@ OpenFile Opened(int descriptor, std::error_code& error) {
   return OpenFile(descriptor);
 }
 
+// Behind the last full block some file systems can no longer read past the system's memory, and some read no block of ours
+// in that way. False when the file was read through that memory already.
+bool StopsReadingFromDisk(int fd) {
+  const int flags = ::fcntl(fd, F_GETFL);
+  return flags >= 0 && (flags & O_DIRECT) != 0 && ::fcntl(fd, F_SETFL, flags & ~O_DIRECT) == 0;
+}
+
 fs::path FolderOf(const fs::path& path) {
   return path.has_parent_path() ? path.parent_path() : fs::path(".");
 }
@@ -196,10 +203,11 @@ FileState StateOfEntry(const fs::path& path, std::error_code& error) {
 }
 
 std::size_t Read(const OpenFile& file, char* buffer, std::size_t size, std::error_code& error) {
+  const int fd = DescriptorOf(file);
   ssize_t count = 0;
   do {
-    count = ::read(DescriptorOf(file), buffer, size);
-  } while (count < 0 && errno == EINTR);
+    count = ::read(fd, buffer, size);
+  } while (count < 0 && (errno == EINTR || (errno == EINVAL && StopsReadingFromDisk(fd))));
   error = count < 0 ? ErrorOf(errno) : std::error_code();
   return count < 0 ? 0 : static_cast<std::size_t>(count);
 }
@@ -238,12 +246,18 @@ void BeginWriting(const OpenFile& file) {
   ::sync_file_range(DescriptorOf(file), 0, 0, SYNC_FILE_RANGE_WRITE);
 }
 
-void ReadFromDisk(std::span<const fs::path> files) {
-  for (const fs::path& path : files) {
-    std::error_code ignored;
-    const OpenFile file = OpenExisting(path, Opening::Read, ignored);
-    if (file) ::posix_fadvise(DescriptorOf(file), 0, 0, POSIX_FADV_DONTNEED);
-  }
+void GiveWay() {
+  constexpr int kNice = 10;
+  ::setpriority(PRIO_PROCESS, static_cast<id_t>(::gettid()), kNice);  // of a thread alone, on this system
+}
+
+OpenFile OpenOnDisk(const fs::path& path, std::error_code& error) {
+  OpenFile direct = Opened(::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC | O_DIRECT), error);
+  if (direct || error != std::errc::invalid_argument) return direct;
+  // A file system that reads through the system's memory only: what it has there is given up.
+  OpenFile file = OpenExisting(path, Opening::Read, error);
+  if (file) ::posix_fadvise(DescriptorOf(file), 0, 0, POSIX_FADV_DONTNEED);
+  return file;
 }
 
 std::error_code KeepOwner(const OpenFile& file, const fs::path& before) {

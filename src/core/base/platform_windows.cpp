@@ -323,7 +323,13 @@ std::error_code SyncFiles(const fs::path& folder, std::span<const fs::path> file
 
 // Here the memory of the system is given up by nobody but itself.
 void BeginWriting(const OpenFile&) {}
-void ReadFromDisk(std::span<const fs::path>) {}
+void GiveWay() {
+  ::SetThreadPriority(::GetCurrentThread(), THREAD_PRIORITY_BELOW_NORMAL);
+}
+
+OpenFile OpenOnDisk(const fs::path& path, std::error_code& error) {
+  return OpenExisting(path, Opening::Read, error);
+}
 
 std::error_code KeepOwner(const OpenFile& file, const fs::path& before) {
   PSID owner = nullptr;

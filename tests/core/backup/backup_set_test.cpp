@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "core/backup/failed_backup.h"
+#include "core/base/digest.h"
 #include "core/base/files.h"
 #include "support/data_files.h"
 
@@ -159,6 +160,25 @@ TEST_F(BackupSets, AnEarlierProofHoldsAndAPresentOneIsTrusted) {
   WriteFile(made.folder / "DesignPhotos" / "matte.jpg", "another");
   wrong.program = "4.0.0";
   EXPECT_EQ(faults(ProofText(wrong), Reproof::IfNeeded), tables);
+}
+
+// A digest that was kept is compared with one that is read in other pieces, past the system's memory.
+TEST_F(BackupSets, AFileHasOneDigestHoweverItIsRead) {
+  constexpr std::size_t kMegabyte = std::size_t{1} << 20;
+  std::vector<FileProof> kept;
+  std::string bytes(3 * kMegabyte, '\0');
+  for (std::size_t i = 0; i < bytes.size(); ++i) bytes[i] = static_cast<char>(i * i + (i >> 9));
+  for (const std::size_t size : {std::size_t{0}, std::size_t{7}, std::size_t{4096}, kMegabyte / 4, kMegabyte / 4 + 3,
+                                 kMegabyte - 8, kMegabyte, kMegabyte + 1, 2 * kMegabyte + kMegabyte / 2, 3 * kMegabyte - 5}) {
+    const std::string content = bytes.substr(0, size);
+    Digest digest;
+    for (std::size_t at = 0; at < size; at += kMegabyte) digest.Add(std::string_view(content).substr(at, kMegabyte));
+    kept.push_back({std::to_string(size), static_cast<std::int64_t>(size), digest.Value()});
+    WriteFile(room.folder / kept.back().name, content);
+    EXPECT_EQ(ProveFile(room.folder / kept.back().name, kept.back().name), kept.back()) << size;
+  }
+  const auto read = ProveFiles(room.folder.Path(), kept, [](std::size_t) {});
+  for (std::size_t i = 0; i < kept.size(); ++i) EXPECT_EQ(read[i].value(), kept[i]) << kept[i].name;
 }
 
 TEST_F(BackupSets, PruningAtExactlyThirtyOfThisFile) {
