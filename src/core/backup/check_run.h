@@ -1,6 +1,7 @@
 #pragma once
 
 #include <array>
+#include <atomic>
 #include <cstdint>
 #include <functional>
 #include <future>
@@ -55,28 +56,31 @@ class CheckRun {
     std::vector<CheckFault> faults{};
     std::size_t all = 0;
   };
-  // The engine's check of the structure beside that of the rows, on a connection of its own.
+  // Rules that run in a thread of their own meanwhile, on another connection.
   struct Beside {
-    std::unique_ptr<Database> file;
-    std::future<std::vector<std::string>> faults{};
+    std::vector<const CheckRule*> rules;
+    std::future<CheckAnswer> answer;
   };
 
   void RunRule(const CheckRule& rule);
+  void RunRules(const std::vector<const CheckRule*>& rules);
   void RunLooks(const std::vector<const CheckRule*>& rules);
   void LookAtFormulas(std::span<Findings> findings);
   bool MayFail();
   void Take(Findings& findings);
-  void BeginStructure();
-  void EndStructure();
+  void BeginBeside(const std::vector<const CheckRule*>& rules);
+  bool IsBeside(const CheckRule& rule) const;
+  void EndBeside();
 
   CheckDepth depth_;
   CheckState state_;
   std::vector<std::string> databases_;
   bool hasGlobalTables_ = false;
   Findings* findings_ = nullptr;  // of the rule that runs
-  std::optional<Beside> beside_;
   CheckAnswer answer_;
-  bool stopped_ = false;
+  std::atomic<bool> stopped_ = false;
+  bool alone_ = false;  // runs no rules beside
+  std::vector<Beside> beside_;  // the first to go: it reads stopped_
   std::size_t place_ = 0;  // among the rules
 };
 

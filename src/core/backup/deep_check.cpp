@@ -111,7 +111,7 @@ void CheckRun::Take(Findings& findings) {
 
 // What cannot be read was named by a rule before; the others are checked when it is mended.
 bool CheckRun::MayFail() {
-  EndStructure();
+  EndBeside();
   return std::ranges::any_of(
       answer_.faults, [](const CheckFault& fault) { return fault.rule == "Fields" || fault.rule == "Structure"; });
 }
@@ -153,29 +153,95 @@ void CheckRun::RunLooks(const std::vector<const CheckRule*>& rules) {
   for (Findings& one : findings) Take(one);
 }
 
-// One that is open to be written lets nobody else in, not even its own program.
-void CheckRun::BeginStructure() {
-  if (!file.IsReadOnly()) return;
+namespace {
+
+// Of rules that run beside: they stop when the run does that they belong to.
+class Follower final : public Progress {
+ public:
+  explicit Follower(const std::atomic<bool>& stopped) : stopped_(stopped) {}
+  void Begin(std::string_view) override {}
+  void Percent(double) override {}
+  bool Cancelled() override { return stopped_; }
+
+ private:
+  const std::atomic<bool>& stopped_;
+};
+
+}  // namespace
+
+// A file that is open to be written lets nobody else in, not even its own program.
+void CheckRun::BeginBeside(const std::vector<const CheckRule*>& rules) {
+  if (alone_ || !file.IsReadOnly() || depth_ != CheckDepth::Deep) return;
+  std::unique_ptr<Database> other;
   try {
-    beside_.emplace(Database::Open(file.Path(), OpenMode::ReadOnly));
+    other = Database::Open(file.Path(), OpenMode::ReadOnly);
   } catch (const Failure&) {
-    return;  // the one that is open is checked in its turn, which tells what is amiss
+    return;  // they run in their turn, which tells what is amiss
   }
-  beside_->faults = std::async(std::launch::async, [&checked = *beside_->file] { return checked.Faults(); });
+  auto check = [this, rules, databases = databases_, global = hasGlobalTables_, other = std::move(other)]() mutable {
+    Follower progress(stopped_);
+    Session reader(session.prompt, progress, session.clock);
+    reader.UMI = session.UMI;
+    reader.UMF = session.UMF;
+    reader.InvLotTracking = session.InvLotTracking;
+    reader.DecimalPlaces = session.DecimalPlaces;
+    reader.databaseList = session.databaseList;
+    reader.DataFileDB = std::move(other);
+    CheckRun run(reader, depth_, state_);
+    run.alone_ = true;
+    run.SetUsable(std::move(databases), global);
+    run.RunRules(rules);
+    run.answer_.complete = !run.stopped_;
+    return std::move(run.answer_);
+  };
+  beside_.push_back({rules, std::async(std::launch::async, std::move(check))});
 }
 
-void CheckRun::EndStructure() {
-  if (!beside_) return;
-  std::optional<Beside> ended = std::exchange(beside_, std::nullopt);
+bool CheckRun::IsBeside(const CheckRule& rule) const {
+  return std::ranges::any_of(beside_,
+                             [&](const Beside& beside) { return std::ranges::find(beside.rules, &rule) != beside.rules.end(); });
+}
+
+void CheckRun::EndBeside() {
+  std::vector<Beside> ended = std::exchange(beside_, {});
+  std::vector<const CheckRule*> failed;
+  for (Beside& beside : ended) {
+    try {
+      CheckAnswer answer = beside.answer.get();
+      std::ranges::move(answer.faults, std::back_inserter(answer_.faults));
+    } catch (const Failure&) {
+      failed.insert(failed.end(), beside.rules.begin(), beside.rules.end());
+    }
+  }
+  // What met something that cannot be read runs again in its turn, where the others tell whether it may.
+  if (failed.empty()) return;
+  alone_ = true;
   Findings* const before = findings_;
-  const CheckRule* const rule = std::ranges::find(kRules, std::string_view("Structure"), &CheckRule::name);
-  Findings findings{rule};
-  findings_ = &findings;
-  for (std::string& fault : ended->faults.get()) Found("", 0, "", std::move(fault));
-  std::vector<CheckFault> later = std::exchange(answer_.faults, {});
-  Take(findings);
-  std::ranges::move(later, std::back_inserter(answer_.faults));
+  RunRules(failed);
   findings_ = before;
+}
+
+// Rules that look at each formula share one walk.
+void CheckRun::RunRules(const std::vector<const CheckRule*>& rules) {
+  std::vector<const CheckRule*> looks;
+  for (std::size_t i = 0; i < rules.size() && !stopped_; ++i) {
+    place_ = static_cast<std::size_t>(rules[i] - kRules);
+    if (!GoOn(0, 1)) break;
+    // From here on it is known which tables can be read.
+    if (rules[i]->run == CheckFields && !IsBeside(*rules[i])) {
+      std::vector<const CheckRule*> values{rules[i]};
+      std::ranges::copy_if(rules, std::back_inserter(values), [](const CheckRule* rule) { return rule->look != nullptr; });
+      BeginBeside(values);
+    }
+    if (IsBeside(*rules[i])) continue;
+    if (rules[i]->look == nullptr) {
+      RunRule(*rules[i]);
+      continue;
+    }
+    looks.push_back(rules[i]);
+    if (i + 1 < rules.size() && rules[i + 1]->look != nullptr) continue;
+    RunLooks(std::exchange(looks, {}));
+  }
 }
 
 CheckAnswer CheckRun::Run(const std::function<bool(const CheckRule&)>& wanted) {
@@ -185,21 +251,12 @@ CheckAnswer CheckRun::Run(const std::function<bool(const CheckRule&)>& wanted) {
   for (const CheckRule& rule : kRules)
     if (rule.depth <= depth_ && (!wanted || wanted(rule)) && !(state_ == CheckState::InUse && rule.closed))
       rules.push_back(&rule);
-  if (depth_ == CheckDepth::Deep && !rules.empty() && rules.front()->run == CheckStructure) BeginStructure();
-  std::vector<const CheckRule*> looks;
-  for (std::size_t i = 0; i < rules.size() && !stopped_; ++i) {
-    place_ = static_cast<std::size_t>(rules[i] - kRules);
-    if (!GoOn(0, 1)) break;
-    if (rules[i]->run == CheckStructure && beside_) continue;
-    if (rules[i]->look == nullptr) {
-      RunRule(*rules[i]);
-      continue;
-    }
-    looks.push_back(rules[i]);
-    if (i + 1 < rules.size() && rules[i + 1]->look != nullptr) continue;
-    RunLooks(std::exchange(looks, {}));
-  }
-  EndStructure();
+  if (!rules.empty() && rules.front()->run == CheckStructure) BeginBeside({rules.front()});
+  RunRules(rules);
+  EndBeside();
+  std::ranges::stable_sort(answer_.faults, {}, [](const CheckFault& fault) {
+    return std::ranges::find(kRules, fault.rule, &CheckRule::name) - std::begin(kRules);
+  });
   answer_.complete = !stopped_;
   return std::move(answer_);
 }

@@ -4,6 +4,7 @@
 
 #include "core/backup/deep_check.h"
 #include "core/datafile/row_checks.h"
+#include "support/damage.h"
 #include "support/full_room.h"
 
 namespace vellumark {
@@ -15,6 +16,12 @@ struct Damage {
   const char* table;
   std::int64_t row;
 };
+
+std::vector<std::string> Texts(const CheckAnswer& answer) {
+  std::vector<std::string> texts;
+  for (const CheckFault& fault : answer.faults) texts.push_back(FaultText(fault));
+  return texts;
+}
 
 TEST(DeepCheck, FindsEachDamageAndNothingElse) {
   const Damage damages[] = {
@@ -99,7 +106,38 @@ TEST(DeepCheck, FindsEachDamageAndNothingElse) {
     EXPECT_EQ(answer.faults[0].Table, damage.table) << damage.sql;
     EXPECT_EQ(answer.faults[0].row, damage.row) << damage.sql;
     EXPECT_FALSE(answer.faults[0].what.empty());
+    room.session.DataFileDB.reset();
+    room.session.DataFileDB = Database::Open(room.session.DataFileName, OpenMode::ReadOnly);
+    EXPECT_EQ(Texts(CheckDataFileRules(room.session, CheckDepth::Deep)), Texts(answer)) << damage.sql;
   }
+}
+
+// Of a file that is only looked at rules run beside each other, on connections of their own.
+TEST(DeepCheck, TellsTheSameOfAFileThatIsOnlyLookedAt) {
+  const test::DamagedFile file;
+  const test::ScratchFolder folder;
+  const std::filesystem::path path = folder / "Ink.vkd";
+  std::set<std::string> told;
+  for (unsigned number = 0; number < 150; ++number) {
+    std::ofstream(path, std::ios::binary)
+        << (number % 5 == 4 ? test::CutShort(file.sound, number) : test::Flipped(file.sound, number));
+    const auto check = [&](OpenMode mode) {
+      test::ScriptedPrompt prompt;
+      NoProgress progress;
+      FixedClock clock{DateTime{2026, 3, 10, 12, 0, 0}};
+      Session session{prompt, progress, clock};
+      try {
+        session.DataFileDB = Database::Open(path, mode);
+        return Texts(CheckDataFileRules(session, CheckDepth::Deep));
+      } catch (const Failure& failure) {
+        return std::vector{failure.cause};
+      }
+    };
+    const std::vector<std::string> alone = check(OpenMode::Exclusive);
+    EXPECT_EQ(check(OpenMode::ReadOnly), alone) << number;
+    told.insert(alone.begin(), alone.end());
+  }
+  EXPECT_GT(told.size(), 30U);
 }
 
 }  // namespace
