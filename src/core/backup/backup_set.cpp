@@ -7,6 +7,8 @@
 #include <charconv>
 #include <chrono>
 #include <future>
+#include <map>
+#include <mutex>
 #include <system_error>
 
 #include "core/backup/failed_backup.h"
@@ -47,14 +49,39 @@ fs::path DataFileIn(const fs::path& folder) {
   return {};
 }
 
-std::optional<SetProof> ProofIn(const fs::path& folder) {
-  std::error_code ignored;
-  if (!fs::exists(folder / kProofFile, ignored)) return std::nullopt;
+std::optional<SetProof> ReadProof(const fs::path& path) {
   try {
-    return ReadProofText(ReadFileBytes(folder / kProofFile));
+    return ReadProofText(ReadFileBytes(path));
   } catch (const Failure&) {
     return std::nullopt;  // a set without a readable proof is an unproven one, and listed as that
   }
+}
+
+// Each look at the start page asks for the proofs of thirty sets, with every photo in them. One that was read is known
+// until its file is another.
+std::optional<SetProof> ProofIn(const fs::path& folder) {
+  struct Known {
+    std::array<std::int64_t, 4> file;
+    std::optional<SetProof> proof;
+  };
+  static std::mutex guard;
+  static std::map<fs::path, Known> known;
+  constexpr std::size_t kMostKnown = 200;
+  constexpr std::int64_t kOld = 2'000'000'000;  // ns: within the steps of a disk's clock a change leaves the time as it was
+  const fs::path path = folder / kProofFile;
+  std::error_code error;
+  const platform::FileState state = platform::StateOf(path, error);
+  if (error) return std::nullopt;
+  const std::array<std::int64_t, 4> file{static_cast<std::int64_t>(state.identity), state.size, state.modified,
+                                         state.changed};
+  const std::scoped_lock lock(guard);
+  if (const auto found = known.find(path); found != known.end() && found->second.file == file)
+    return found->second.proof;
+  std::optional<SetProof> proof = ReadProof(path);
+  const std::int64_t now = std::chrono::nanoseconds(std::chrono::system_clock::now().time_since_epoch()).count();
+  if (now - std::max(state.modified, state.changed) < kOld) return proof;
+  if (known.size() >= kMostKnown) known.clear();
+  return known.insert_or_assign(path, Known{file, std::move(proof)}).first->second.proof;
 }
 
 // To be called with the lock of the folder: what bears such a name is a killed process's.

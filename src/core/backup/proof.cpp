@@ -3,8 +3,10 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <array>
 #include <atomic>
 #include <bit>
+#include <cstring>
 #include <future>
 #include <memory>
 #include <new>
@@ -165,37 +167,57 @@ void ReadPieces(const fs::path& path, From from, const std::function<void(std::s
   }
 }
 
-// The digest of a file is that of its megabytes, one behind the other, however it is read. It takes full pieces but the
-// last, by which the megabyte is divided.
+// The digest of a file, however it is read. It takes full pieces but the last.
 class FileDigest {
  public:
+  explicit FileDigest(FileDigestOf kind) : kind_(kind) {}
+
   void Add(std::string_view piece) {
     bytes_ += piece.size();
-    const std::string_view rest = digest_.AddWords(piece);
+    const std::string_view rest = kind_ == FileDigestOf::Lanes ? AddLanes(piece) : digest_.AddWords(piece);
     open_ = true;
-    if (bytes_ % kMegabyte == 0 || !rest.empty()) End(rest);
+    const bool ends = kind_ == FileDigestOf::Megabytes && bytes_ % kMegabyte == 0;
+    if (ends || !rest.empty()) End(rest);
   }
   FileProof Take(std::string name) {
     if (open_) End({});
-    return {std::move(name), static_cast<std::int64_t>(bytes_), digest_.Value()};
+    if (kind_ == FileDigestOf::Lanes)
+      for (const Digest& lane : lanes_) digest_.Add(lane.Value());
+    return {std::move(name), static_cast<std::int64_t>(bytes_), digest_.Value(), kind_};
   }
 
  private:
   static constexpr std::size_t kMegabyte = std::size_t{1} << 20;
+  static constexpr std::size_t kBlock = 4 * sizeof(std::uint64_t);
   static_assert(kMegabyte % kPieceOfMemory == 0 && kMegabyte % kPieceOfDisk == 0);
+  static_assert(kPieceOfMemory % kBlock == 0 && kPieceOfDisk % kBlock == 0);
 
+  // Each word waits for the one before it; four that do not wait for each other go at once.
+  std::string_view AddLanes(std::string_view piece) {
+    std::array<Digest, 4> lanes = lanes_;
+    for (; piece.size() >= kBlock; piece.remove_prefix(kBlock)) {
+      std::array<std::uint64_t, 4> words;
+      std::memcpy(words.data(), piece.data(), kBlock);
+      for (std::size_t i = 0; i < lanes.size(); ++i) lanes[i].Add(words[i]);
+    }
+    lanes_ = lanes;
+    return digest_.AddWords(piece);
+  }
   void End(std::string_view rest) {
     digest_.AddRest(rest);
     open_ = false;
   }
 
+  FileDigestOf kind_;
   Digest digest_;
+  std::array<Digest, 4> lanes_;
   std::size_t bytes_ = 0;
   bool open_ = false;
 };
 
-FileProof Proved(const fs::path& path, From from, std::string name, const std::function<void(std::string_view)>& take) {
-  FileDigest digest;
+FileProof Proved(const fs::path& path, From from, FileDigestOf kind, std::string name,
+                 const std::function<void(std::string_view)>& take) {
+  FileDigest digest(kind);
   ReadPieces(path, from, [&](std::string_view read) {
     digest.Add(read);
     if (take) take(read);
@@ -210,11 +232,11 @@ void ForEachPiece(const fs::path& path, const std::function<void(std::string_vie
 }
 
 FileProof ReadProved(const fs::path& path, std::string name, const std::function<void(std::string_view)>& take) {
-  return Proved(path, From::Memory, std::move(name), take);
+  return Proved(path, From::Memory, FileDigestOf::Megabytes, std::move(name), take);
 }
 
-FileProof ProveFile(const fs::path& path, std::string name) {
-  return ReadProved(path, std::move(name), {});
+FileProof ProveFile(const fs::path& path, std::string name, FileDigestOf kind) {
+  return Proved(path, From::Memory, kind, std::move(name), {});
 }
 
 std::vector<std::expected<FileProof, std::string>> ProveFiles(const fs::path& folder, const std::vector<FileProof>& files,
@@ -224,7 +246,7 @@ std::vector<std::expected<FileProof, std::string>> ProveFiles(const fs::path& fo
   const auto work = [&](bool tells) {
     for (std::size_t at = next++; at < files.size(); at = next++) {
       try {
-        read[at] = Proved(folder / files[at].name, From::Disk, files[at].name, {});
+        read[at] = Proved(folder / files[at].name, From::Disk, files[at].digestOf, files[at].name, {});
       } catch (const Failure& failure) {
         read[at] = std::unexpected(failure.cause);
       }
@@ -265,7 +287,9 @@ void WriteUnsynced(const fs::path& to, const std::function<void(const std::funct
 
 FileProof CopyUnsynced(const fs::path& from, const fs::path& to, std::string name) {
   FileProof proof;
-  WriteUnsynced(to, [&](const auto& write) { proof = ReadProved(from, std::move(name), write); });
+  WriteUnsynced(to, [&](const auto& write) {
+    proof = Proved(from, From::Memory, FileDigestOf::Lanes, std::move(name), write);
+  });
   return proof;
 }
 
@@ -285,7 +309,9 @@ std::string ProofText(const SetProof& proof) {
                          {"Batches", database.batches}});
   Json files = Json::array();
   for (const FileProof& file : proof.files)
-    files.push_back({{"File", file.name}, {"Bytes", file.bytes}, {"Digest", DigestText(file.digest)}});
+    files.push_back({{"File", file.name},
+                     {"Bytes", file.bytes},
+                     {file.digestOf == FileDigestOf::Lanes ? "Lanes" : "Digest", DigestText(file.digest)}});
   const Json text{{"DataFile", proof.dataFile},
                   {"Made", proof.made.ToText()},
                   {"MadeUTC", proof.madeUtc ? Json(proof.madeUtc->ToText()) : Json()},
@@ -322,8 +348,11 @@ std::optional<SetProof> ReadProofText(const std::string& text) {
     for (const Json& database : json.at("Databases"))
       proof.content.databases.push_back(
           {database.at("Database"), database.at("Basics"), database.at("Formulas"), database.at("Batches")});
-    for (const Json& file : json.at("Files"))
-      proof.files.push_back({file.at("File"), file.at("Bytes"), DigestOf(file.at("Digest"))});
+    for (const Json& file : json.at("Files")) {
+      const bool lanes = file.contains("Lanes");
+      proof.files.push_back({file.at("File"), file.at("Bytes"), DigestOf(file.at(lanes ? "Lanes" : "Digest")),
+                             lanes ? FileDigestOf::Lanes : FileDigestOf::Megabytes});
+    }
     return proof;
   } catch (const Json::exception&) {
     return std::nullopt;

@@ -95,6 +95,9 @@ class KeptFiles {
   bool moved_ = false;
 };
 
+// The bar: the Data File in its first half, the photos behind it.
+constexpr double kFileShare = 50;
+
 // Photos put into the library, and the way back. They are written beside and synced at once, then each takes its place
 // in one step. One that is there already stays.
 class PlacedPhotos {
@@ -113,11 +116,13 @@ class PlacedPhotos {
   PlacedPhotos(const PlacedPhotos&) = delete;
   PlacedPhotos& operator=(const PlacedPhotos&) = delete;
 
-  void Place(const std::vector<fs::path>& photos) {
+  void Place(const std::vector<fs::path>& photos, Progress& progress) {
     const std::set<fs::path> there = ThoseThere(photos);
     std::vector<fs::path> written;
-    for (const fs::path& photo : photos)
-      if (!there.contains(photo)) written.push_back(Write(photo));
+    for (std::size_t i = 0; i < photos.size(); ++i) {
+      progress.Percent(kFileShare + (95 - kFileShare) * static_cast<double>(i) / static_cast<double>(photos.size()));
+      if (!there.contains(photos[i])) written.push_back(Write(photos[i]));
+    }
     if (written.empty()) return;
     FailOn(beside_, platform::SyncFiles(beside_, written));
     for (const fs::path& photo : written) {
@@ -167,7 +172,7 @@ class PlacedPhotos {
       std::error_code differs;
       if (fs::file_size(library_ / name, differs) != fs::file_size(photo, differs) || differs) continue;
       const auto known = known_.find(name);
-      wanted.push_back(known != known_.end() ? known->second : ProveFile(photo, name));
+      wanted.push_back(known != known_.end() ? known->second : ProveFile(photo, name, FileDigestOf::Lanes));
       wanted.back().name = name;
       alike.push_back(photo);
     }
@@ -218,10 +223,17 @@ void MakeCurrent(const fs::path& copy, const fs::path& replaced) {
   if (before) RaiseCounters(*file, *before);
 }
 
-void CopyBeside(FileBeside& place, const fs::path& source) {
+void CopyBeside(FileBeside& place, const fs::path& source, Progress& progress) {
   // Through the engine when something is left to play back; a set has nothing, and stays as it was proven.
   if (Exists(JournalOf(source))) ReadFileInfo(*Database::Open(source, OpenMode::Exclusive));
-  ForEachPiece(source, [&](std::string_view piece) { place.Write(piece); });
+  std::error_code ignored;
+  const double all = std::max(1.0, static_cast<double>(fs::file_size(source, ignored)));
+  double done = 0;
+  ForEachPiece(source, [&](std::string_view piece) {
+    place.Write(piece);
+    done += static_cast<double>(piece.size());
+    progress.Percent(kFileShare * std::min(1.0, done / all));
+  });
 }
 
 }  // namespace
@@ -236,7 +248,7 @@ RestoredFiles PutDataFileBack(Session& session, const fs::path& source, const fs
 
   HoldIfItOpens(current);  // whoever works in it is told of before anything is copied
   FileBeside place(current, Readers::Group);
-  CopyBeside(place, source);
+  CopyBeside(place, source, session.progress);
   WorkBeside(place, [&] { MakeCurrent(place.Path(), current); });
   const platform::OpenFile held = HoldIfItOpens(place.Target());
   const Placement placement(place.Path());
@@ -245,7 +257,7 @@ RestoredFiles PutDataFileBack(Session& session, const fs::path& source, const fs
   try {
     const std::vector<fs::path> photos = PhotosIn(sourcePhotos);
     for (const fs::path& photo : photos) restored.photos.push_back(photo.filename().string());
-    if (!samePhotos) placed.Place(photos);
+    if (!samePhotos) placed.Place(photos, session.progress);
     // Kept beside the file that it belongs to; it must not be played back into the one that comes.
     if (Exists(JournalOf(place.Target()))) Remove(JournalOf(place.Target()));
     place.Replace();

@@ -2,6 +2,10 @@
 
 #include <gtest/gtest.h>
 
+#include <chrono>
+#include <set>
+#include <thread>
+
 #include "core/backup/failed_backup.h"
 #include "core/base/digest.h"
 #include "core/base/files.h"
@@ -162,6 +166,24 @@ TEST_F(BackupSets, AnEarlierProofHoldsAndAPresentOneIsTrusted) {
   EXPECT_EQ(faults(ProofText(wrong), Reproof::IfNeeded), tables);
 }
 
+// A proof is remembered once its file is older than the steps of a clock.
+TEST_F(BackupSets, AProofIsReadAgainWhenItsFileIsAnother) {
+  const BackupSet made = Make();
+  const auto unit = [&] { return ReadSet(made.folder)->proof ? ReadSet(made.folder)->proof->UMI : 0; };
+  SetProof other = *made.proof;
+  std::this_thread::sleep_for(std::chrono::milliseconds(2200));
+  EXPECT_EQ(unit(), 1);
+  for (const int next : {2, 3}) {
+    other.UMI = next;
+    WriteFile(made.folder / kProofFile, ProofText(other));
+    EXPECT_EQ(unit(), next);
+  }
+  WriteFile(made.folder / kProofFile, "{");
+  EXPECT_EQ(unit(), 0);
+  fs::remove(made.folder / kProofFile);
+  EXPECT_EQ(unit(), 0);
+}
+
 // A digest that was kept is compared with one that is read in other pieces, past the system's memory.
 TEST_F(BackupSets, AFileHasOneDigestHoweverItIsRead) {
   constexpr std::size_t kMegabyte = std::size_t{1} << 20;
@@ -177,8 +199,22 @@ TEST_F(BackupSets, AFileHasOneDigestHoweverItIsRead) {
     WriteFile(room.folder / kept.back().name, content);
     EXPECT_EQ(ProveFile(room.folder / kept.back().name, kept.back().name), kept.back()) << size;
   }
-  const auto read = ProveFiles(room.folder.Path(), kept, [](std::size_t) {});
-  for (std::size_t i = 0; i < kept.size(); ++i) EXPECT_EQ(read[i].value(), kept[i]) << kept[i].name;
+  // Of a set, and four words at once: whatever bit is another, so is the digest.
+  const auto read = [&] { return ProveFiles(room.folder.Path(), kept, [](std::size_t) {}); };
+  auto now = read();
+  for (std::size_t i = 0; i < kept.size(); ++i) EXPECT_EQ(now[i].value(), kept[i]) << kept[i].name;
+  for (FileProof& file : kept) file = ProveFile(room.folder / file.name, file.name, FileDigestOf::Lanes);
+  now = read();
+  for (std::size_t i = 0; i < kept.size(); ++i) EXPECT_EQ(now[i].value(), kept[i]) << kept[i].name;
+  std::set<std::uint64_t> digests;
+  std::string content = bytes.substr(0, 4099);
+  for (std::size_t at = 0; at < content.size(); at += 7) {
+    content[at] ^= static_cast<char>(1 << at % 8);
+    WriteFile(room.folder / "flipped", content);
+    content[at] ^= static_cast<char>(1 << at % 8);
+    digests.insert(ProveFile(room.folder / "flipped", "", FileDigestOf::Lanes).digest);
+  }
+  EXPECT_EQ(digests.size(), (content.size() + 6) / 7);
 }
 
 TEST_F(BackupSets, PruningAtExactlyThirtyOfThisFile) {
