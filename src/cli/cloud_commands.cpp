@@ -154,7 +154,7 @@ Result<Json> RestoreSettings(Context& context, const std::string& name) {
   const auto fetched = FetchCloudSupportFiles(cloud.desk, name);
   if (!fetched) return std::unexpected(fetched.error());
   if (!fetched->outcome.done) return Told(context, fetched->outcome);
-  if (auto restored = RestoreSupportFiles(context.session, fetched->supportFolder); !restored)
+  if (auto restored = RestoreSupportFiles(context.session, fetched->supportFolder, RestoreFrom::Cloud); !restored)
     return std::unexpected(restored.error());
   return Told(context, fetched->outcome, Json{{"From", fetched->supportFolder.string()}});
 }

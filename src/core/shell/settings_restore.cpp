@@ -106,7 +106,7 @@ void TakeSupportFiles(Session& session, const ClimbedFiles& climbed) {
 
 }  // namespace
 
-Result<bool> RestoreSupportFiles(Session& session, const fs::path& folder) {
+Result<bool> RestoreSupportFiles(Session& session, const fs::path& folder, RestoreFrom from) {
   if (auto allowed = RequireAct(session, Act::DataFiles); !allowed) return std::unexpected(allowed.error());
   std::error_code ignored;
   if (!fs::exists(folder / session.support->settings.Path().filename(), ignored))
@@ -131,7 +131,9 @@ Result<bool> RestoreSupportFiles(Session& session, const fs::path& folder) {
   TakeSupportFiles(session, climbed);
   ReadSettings(session);
   session.changes.Tell({{Change::Kind::Settings, "", "", Change::What::All, ""}});
-  session.prompt.Tell("Restore Complete", "Support Files - Restore Completed Successfully!");
+  session.prompt.Tell("Restore Complete", from == RestoreFrom::Cloud
+                                              ? "Cloud Support Files - Restore Completed Successfully!"
+                                              : "Support Files - Restore Completed Successfully!");
   return true;
 }
 

@@ -13,6 +13,7 @@
 #include "core/shell/settings_restore.h"
 #include "desktop/datafile/file_windows.h"
 #include "desktop/kit/text.h"
+#include "desktop/kit/wait_progress.h"
 
 namespace vellumark::desktop {
 namespace {
@@ -58,6 +59,7 @@ void RestoreForm::Warn(Form& form) {
 
 void RestoreForm::Restore(const std::filesystem::path& source, RestoreFrom from) {
   bool restored = false;
+  const WaitProgress::OfKind kind(windows.Wait(), WaitKind::Wait_RestoreData);
   WithFiles(*this, tr("Restore"), [&] {
     restored = FormHost::Accepted(RestoreDataFile(session, source, from, startup_));
   });

@@ -4,6 +4,7 @@
 #include "core/shell/settings_restore.h"
 #include "desktop/datafile/file_windows.h"
 #include "desktop/kit/text.h"
+#include "desktop/kit/wait_progress.h"
 
 namespace vellumark::desktop {
 
@@ -63,13 +64,11 @@ bool CloudRestoreFileList::Restore(const std::string& name) {
   const CloudWork work = dataFile ? FetchBackup(name, fetched) : FetchSupportFiles(name, fetched);
   if (!windows.RunDialog("Cloud_GetPutData_Form", {{"Task", task_}, {"Work", work}})) return false;
   bool restored = false;
+  const WaitProgress::OfKind kind(windows.Wait(), WaitKind::Wait_RestoreData);
   WithFiles(*this, windowTitle(), [&] {
-    if (dataFile)
-      restored = FormHost::Accepted(RestoreDataFile(session, fetched->dataFile, RestoreFrom::Cloud, startup_));
-    else
-      restored = FormHost::Accepted(RestoreSupportFiles(session, fetched->supportFolder));
-    if (restored && !dataFile)
-      session.prompt.Tell("Restore Complete", "Cloud Support Files - Restore Completed Successfully!");
+    restored = dataFile
+                   ? FormHost::Accepted(RestoreDataFile(session, fetched->dataFile, RestoreFrom::Cloud, startup_))
+                   : FormHost::Accepted(RestoreSupportFiles(session, fetched->supportFolder, RestoreFrom::Cloud));
   });
   return restored;
 }

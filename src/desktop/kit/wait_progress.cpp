@@ -6,6 +6,7 @@
 #include <QPushButton>
 #include <QVBoxLayout>
 #include <algorithm>
+#include <utility>
 
 #include "desktop/kit/look.h"
 #include "desktop/kit/text.h"
@@ -25,6 +26,8 @@ QString NameOf(WaitKind kind) {
       return "WaitingForm";
     case WaitKind::WaitingForm_NoCancel:
       return "WaitingForm_NoCancel";
+    case WaitKind::Wait_RestoreData:
+      return "Wait_RestoreData";
   }
   return {};
 }
@@ -165,6 +168,14 @@ WaitProgress::Scope::~Scope() {
     progress_->working_ = false;
     progress_->Hide();
   }
+}
+
+WaitProgress::OfKind::OfKind(WaitProgress* progress, WaitKind kind) : progress_(progress) {
+  if (progress_ != nullptr) before_ = std::exchange(progress_->kind_, kind);
+}
+
+WaitProgress::OfKind::~OfKind() {
+  if (progress_ != nullptr) progress_->kind_ = before_;
 }
 
 }  // namespace vellumark::desktop

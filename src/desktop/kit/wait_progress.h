@@ -15,10 +15,10 @@ class QPushButton;
 namespace vellumark::desktop {
 
 /// What a wait window has beside its text: nothing (WaitForm), a bar and Cancel (WaitingForm), a bar alone
-/// (WaitingForm_NoCancel).
-enum class WaitKind { WaitForm, WaitingForm, WaitingForm_NoCancel };
+/// (WaitingForm_NoCancel, and Wait_RestoreData while a Data File is restored).
+enum class WaitKind { WaitForm, WaitingForm, WaitingForm_NoCancel, Wait_RestoreData };
 
-/// One of the three wait windows; its objectName is the name of the kind.
+/// A wait window; its objectName is the name of the kind.
 class WaitWindow : public QDialog {
   Q_OBJECT
 
@@ -54,6 +54,19 @@ class WaitProgress final : public Progress {
     ~Scope();
     Scope(const Scope&) = delete;
     Scope& operator=(const Scope&) = delete;
+
+   private:
+    WaitProgress* progress_;
+    WaitKind before_ = WaitKind::WaitingForm_NoCancel;
+  };
+
+  /// What the core shows meanwhile it shows in windows of this kind.
+  class OfKind {
+   public:
+    OfKind(WaitProgress* progress, WaitKind kind);
+    ~OfKind();
+    OfKind(const OfKind&) = delete;
+    OfKind& operator=(const OfKind&) = delete;
 
    private:
     WaitProgress* progress_;

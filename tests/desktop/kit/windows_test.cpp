@@ -417,6 +417,22 @@ TEST(Waiting, WorkThatMayNotStopHasNoCancelAndEscapeDoesNothing) {
   EXPECT_FALSE(wait.Cancelled());
   EXPECT_TRUE(wait.Shown()->isVisible());
   wait.End();
+  {
+    const desktop::WaitProgress::OfKind kind(&wait, desktop::WaitKind::Wait_RestoreData);
+    EXPECT_EQ(wait.Shown(), nullptr) << "a kind alone shows nothing";
+    wait.Begin("Restoring Data File ...");
+    QThread::msleep(310);
+    wait.Percent(50);
+    ASSERT_NE(wait.Shown(), nullptr);
+    EXPECT_EQ(wait.Shown()->objectName(), "Wait_RestoreData");
+    wait.End();
+  }
+  wait.Begin("Next ...");
+  QThread::msleep(310);
+  wait.Percent(50);
+  ASSERT_NE(wait.Shown(), nullptr);
+  EXPECT_EQ(wait.Shown()->objectName(), "WaitingForm_NoCancel");
+  wait.End();
 }
 
 }  // namespace
