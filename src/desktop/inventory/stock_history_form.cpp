@@ -9,6 +9,7 @@
 #include <iterator>
 #include <utility>
 
+#include "core/base/progress_run.h"
 #include "core/base/text.h"
 #include "core/colors/names.h"
 #include "core/inventory/color_stock.h"
@@ -37,7 +38,7 @@ constexpr qint64 kMoment = 20;        // milliseconds
 // The latest line first, read as far as it is looked at.
 class StockHistoryForm::Source : public RecordSource<StockLine>, public RowTargets {
  public:
-  explicit Source(const Session& session) : RecordSource(HistoryColumns(session), kShown) {}
+  explicit Source(const Session& session) : RecordSource(HistoryColumns(session), kShown), progress_(session.progress) {}
 
   void Show(std::function<StockHistoryReader()> begin) {
     begin_ = std::move(begin);
@@ -67,10 +68,19 @@ class StockHistoryForm::Source : public RecordSource<StockLine>, public RowTarge
     while (more_ && lines_.size() < enough && time.elapsed() < kMoment) {
       std::vector<StockLine> piece;
       more_ = reader_.ReadOn(piece);
-      if (!piece.empty()) newest_ = std::max(newest_, piece.front().id);
+      if (!piece.empty()) {
+        newest_ = std::max(newest_, piece.front().id);
+        oldest_ = piece.back().id;
+      }
       Keep(piece);
     }
     return more_;
+  }
+  void ReadAll(const std::function<void()>& then) override {
+    const ProgressRun run(progress_, "Sorting Stock History ...");
+    const auto all = static_cast<double>(std::max<std::int64_t>(newest_, 1));
+    while (ReadOn()) progress_.Percent(100 * (1 - static_cast<double>(oldest_) / all));
+    then();
   }
   bool IsSortedBy(const GridSort& sort) const override {
     return sort.column < 0 || (sort.column == When && sort.descending);
@@ -122,7 +132,9 @@ class StockHistoryForm::Source : public RecordSource<StockLine>, public RowTarge
   std::function<StockHistoryReader()> begin_;
   std::function<bool(int row)> keep_;
   StockHistoryReader reader_;
+  Progress& progress_;
   std::int64_t newest_ = 0;  // that was read, kept or not
+  std::int64_t oldest_ = 0;
   bool more_ = false;
   bool onlyNewer_ = false;
   bool standsAsItWas_ = false;

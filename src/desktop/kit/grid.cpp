@@ -8,6 +8,7 @@
 #include <QScrollBar>
 #include <QVBoxLayout>
 #include <algorithm>
+#include <cstdlib>
 
 #include "desktop/kit/access_letters.h"
 #include "desktop/kit/grid_parts.h"
@@ -64,7 +65,10 @@ Grid::Grid(const QString& name) {
   connect(view_, &QTableView::activated, this,
           [this](const QModelIndex& index) { Q_EMIT RowActivated(model_.SourceRow(index.row())); });
   connect(view_->selectionModel(), &QItemSelectionModel::currentRowChanged, this,
-          [this] { Q_EMIT CurrentRowChanged(CurrentRow()); });
+          [this] {
+            NotePlace();
+            Q_EMIT CurrentRowChanged(CurrentRow());
+          });
   connect(&model_, &GridModel::Edited, this, &Grid::Edited);
   connect(&model_, &GridModel::EditRefused, this, [this](const Refusal& refusal) {
     if (!refusal.declined) Q_EMIT EditRefused(refusal);
@@ -73,16 +77,36 @@ Grid::Grid(const QString& name) {
 
 template <class F>
 void Grid::KeepingPlace(F change) {
-  const int row = CurrentRow();
-  const std::int64_t key = row < 0 ? -1 : model_.Source()->Key(row);
+  const bool had = CurrentRow() >= 0;
   const int column = std::max(view_->currentIndex().column(), 0);
   const int across = view_->horizontalScrollBar()->value();
   change();
-  const int now = row < 0 || model_.Source() == nullptr ? -1 : model_.Source()->RowOf(key);
+  const int now = had && model_.Source() != nullptr ? RowOfPlace() : -1;
   const int shown = now < 0 ? -1 : model_.ShownRow(now);
   if (shown >= 0) view_->setCurrentIndex(model_.index(shown, column));
   view_->horizontalScrollBar()->setValue(across);
   totals_->update();
+}
+
+// By then the source may have been read anew, so that what stood in the row is asked when the operator comes to it.
+void Grid::NotePlace() {
+  const int row = CurrentRow();
+  if (row < 0) return;
+  const GridSource& source = *model_.Source();
+  place_ = {row, source.Key(row), source.IsEditable(row, 0) ? std::string() : source.Text(row, 0)};
+}
+
+int Grid::RowOfPlace() const {
+  const GridSource& source = *model_.Source();
+  if (place_.key >= 0) return source.RowOf(place_.key);
+  const int row = place_.row < source.Rows() ? place_.row : -1;
+  if (place_.text.empty() || (row >= 0 && source.Text(row, 0) == place_.text)) return row;
+  int nearest = -1;
+  for (int other = 0; other < source.Rows(); ++other)
+    if (source.Text(other, 0) == place_.text &&
+        (nearest < 0 || std::abs(other - place_.row) < std::abs(nearest - place_.row)))
+      nearest = other;
+  return nearest >= 0 ? nearest : row;
 }
 
 void Grid::SetColumns(std::vector<GridColumn> columns) {
@@ -154,6 +178,7 @@ void Grid::SetCurrentRow(int row) {
   }
   const QModelIndex index = model_.index(shown, std::max(view_->currentIndex().column(), 0));
   view_->setCurrentIndex(index);
+  NotePlace();
   view_->scrollTo(index);
 }
 

@@ -83,12 +83,22 @@ class Grid : public QWidget {
   void ApplyColumns();
   template <class F>
   void KeepingPlace(F change);
+  void NotePlace();
+  int RowOfPlace() const;
+
+  // What the current row was when it became that.
+  struct Place {
+    int row = -1;
+    std::int64_t key = -1;
+    std::string text{};
+  };
 
   GridModel model_;
   QTableView* view_;
   TotalsRow* totals_;
   QLineEdit* filter_ = nullptr;
   QString emptyText_;
+  Place place_;
 };
 
 /// Widths in settings are twips, 1440 to the inch; a pixel at 100 percent is 15 of them.

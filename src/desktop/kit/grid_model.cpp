@@ -1,8 +1,6 @@
 #include "desktop/kit/grid_model.h"
 
-#include <QCursor>
 #include <QElapsedTimer>
-#include <QGuiApplication>
 #include <QTimer>
 #include <algorithm>
 #include <compare>
@@ -85,10 +83,28 @@ void GridModel::Refresh() {
   haystack_.clear();
   rowStarts_.clear();
   BeginReading();
-  SortRows();
-  FilterRows();
-  endResetModel();
+  if (more_ && !source_->IsSortedBy(sort_)) {
+    sorted_.clear();
+    shown_.clear();
+    endResetModel();
+    ReadAllAndSort();
+  } else {
+    SortRows();
+    FilterRows();
+    endResetModel();
+  }
   if (onDemand_) Q_EMIT RowsRead();
+}
+
+// The program may paint while the rest is read.
+void GridModel::ReadAllAndSort() {
+  more_ = false;
+  source_->ReadAll([this] {
+    beginResetModel();
+    SortRows();
+    FilterRows();
+    endResetModel();
+  });
 }
 
 void GridModel::BeginReading() {
@@ -101,15 +117,6 @@ void GridModel::BeginReading() {
   }
   onDemand_ = source_ != nullptr && source_->BeginReading(keep);
   more_ = onDemand_ && source_->ReadOn();
-  ReadWhatTheSortNeeds();
-}
-
-void GridModel::ReadWhatTheSortNeeds() {
-  if (!more_ || source_->IsSortedBy(sort_)) return;
-  QGuiApplication::setOverrideCursor(Qt::WaitCursor);
-  while (source_->ReadOn()) continue;
-  more_ = false;
-  QGuiApplication::restoreOverrideCursor();
 }
 
 void GridModel::fetchMore(const QModelIndex& parent) {
@@ -140,12 +147,15 @@ void GridModel::fetchMore(const QModelIndex& parent) {
 }
 
 void GridModel::SetSort(const GridSort& sort) {
-  beginResetModel();
   sort_ = sort;
-  ReadWhatTheSortNeeds();
-  SortRows();
-  FilterRows();
-  endResetModel();
+  if (more_ && !source_->IsSortedBy(sort)) {
+    ReadAllAndSort();
+  } else {
+    beginResetModel();
+    SortRows();
+    FilterRows();
+    endResetModel();
+  }
   if (onDemand_) Q_EMIT RowsRead();
 }
 

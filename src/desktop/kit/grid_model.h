@@ -57,7 +57,7 @@ class GridModel : public QAbstractTableModel {
   void FilterRows();
   void MakeHaystack();
   void BeginReading();
-  void ReadWhatTheSortNeeds();
+  void ReadAllAndSort();
   std::string RowText(int row) const;
 
   std::vector<GridColumn> columns_;

@@ -76,11 +76,17 @@ class GridSource {
   virtual bool BeginReading(const std::function<bool(int row)>&) { return false; }
   /// Reads further rows behind those that are there, for a moment at most; false when no more can come.
   virtual bool ReadOn() { return false; }
+  /// Reads all the rest for an order that is not its own, and does what comes of it; with a bar where that takes long.
+  virtual void ReadAll(const std::function<void()>& then) {
+    while (ReadOn()) continue;
+    then();
+  }
   /// Whether its rows stand in that order already.
   virtual bool IsSortedBy(const GridSort& sort) const { return sort.column < 0; }
-  /// What names a row when others have come before it; -1 when it has gone.
-  virtual std::int64_t Key(int row) const { return row; }
-  virtual int RowOf(std::int64_t key) const { return key < Rows() ? static_cast<int>(key) : -1; }
+  /// What names a row when others have come before it; -1 where nothing does but its texts.
+  virtual std::int64_t Key(int) const { return -1; }
+  /// -1 when it has gone.
+  virtual int RowOf(std::int64_t) const { return -1; }
 
   /// What a column of numbers or dates is sorted by; kNoNumber for an empty cell. Without an own answer, the number
   /// that the text is.

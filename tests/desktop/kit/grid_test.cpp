@@ -134,6 +134,43 @@ TEST_F(GridTest, TheCurrentRowStaysThroughSortFilterAndRefresh) {
   EXPECT_EQ(Names().size(), 6U);
 }
 
+// Another window has changed what is listed, and the list was read again before the grid heard of it.
+TEST_F(GridTest, TheCurrentRowIsNotItsNeighbourWhenRowsComeOrGoBeforeIt) {
+  const auto list = [&](const std::vector<const char*>& names) {
+    source->Clear();
+    for (const char* name : names) source->Add({name, "1.000", "A", ""});
+    grid.Refresh();
+    return grid.CurrentRow() < 0 ? std::string("none") : source->Text(grid.CurrentRow(), 0);
+  };
+  grid.SetCurrentRow(2);
+  EXPECT_EQ(list({"AMBER", "RED", "BLUE", "GREEN", "blue"}), "GREEN");
+  EXPECT_EQ(list({"GREEN", "RED", "GREEN", "GREEN"}), "GREEN");
+  EXPECT_EQ(grid.CurrentRow(), 3);
+  EXPECT_EQ(list({"RED", "GREEN"}), "GREEN");
+  EXPECT_EQ(list({"RED", "LIME"}), "LIME") << "renamed, it stays where it was";
+
+  struct Keyed : TableSource {
+    std::int64_t Key(int row) const override { return keys.at(static_cast<std::size_t>(row)); }
+    int RowOf(std::int64_t key) const override {
+      const auto found = std::ranges::find(keys, key);
+      return found == keys.end() ? -1 : static_cast<int>(found - keys.begin());
+    }
+    std::vector<std::int64_t> keys;
+  };
+  const auto keyed = std::make_shared<Keyed>();
+  const auto put = [&](const std::vector<std::int64_t>& keys) {
+    keyed->Clear();
+    keyed->keys = keys;
+    for (std::size_t i = 0; i < keys.size(); ++i) keyed->Add({"SAME", "1.000", "A", ""});
+  };
+  put({7, 8, 9});
+  grid.SetSource(keyed);
+  grid.SetCurrentRow(1);
+  put({5, 7, 8, 9});
+  grid.Refresh();
+  EXPECT_EQ(grid.CurrentRow(), 2);
+}
+
 TEST_F(GridTest, KeepsItsColumnsAsAColumnSet) {
   EXPECT_EQ(grid.ColumnSet(), "|Quantity||Lot|");
   EXPECT_TRUE(grid.View().isColumnHidden(3));
