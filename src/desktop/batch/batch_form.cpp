@@ -239,6 +239,7 @@ void BatchForm::Calculate(bool recycle) {
     FocusField(kQuantityField);
     return;
   }
+  if (recycle) recycleList_->ShowRecycled();
   for (int i = 0; i < record_.work.zeroRows; ++i) QApplication::beep();
   FocusAfterCalculation();
 }

@@ -11,7 +11,9 @@
 #include <array>
 #include <utility>
 
+#include "core/batch/actions.h"
 #include "core/colors/color_tables.h"
+#include "desktop/batch/recycle_graphic.h"
 #include "desktop/kit/look.h"
 #include "desktop/kit/record_source.h"
 #include "desktop/kit/row_menu.h"
@@ -75,6 +77,7 @@ RecyclePanel::RecyclePanel(FormHost& host, Form& form) : source_(std::make_share
   auto* head = new QHBoxLayout(head_);
   head->setContentsMargins(0, 0, 0, 0);
   head->addWidget(inventoryOnly);
+  head->addWidget(graphic_ = new RecycleGraphic(head_));
   head->addStretch(1);
   head->addWidget(form.Link("cmdPrintRecList", tr("Print list")));
   column->addWidget(head_);
@@ -106,10 +109,15 @@ void RecyclePanel::ShowCaptions(int unit) {
 void RecyclePanel::Show(const BatchWork& work) {
   source_->Set(RecycleListRows(work, view_));
   ShowCaptions(work.UMF);
+  graphic_->setVisible(ShowsBatchGraphic(work));
   const QString empty = source_->Rows() == 0 ? EmptyText(work) : QString();
   list_->SetEmptyText(empty);
   list_->View().setAccessibleDescription(empty);
   list_->Refresh();
+}
+
+void RecyclePanel::ShowRecycled() {
+  if (!graphic_->isHidden()) graphic_->Turn();
 }
 
 void RecyclePanel::PutHead(QTabWidget& pages, bool besideTitles) {

@@ -10,6 +10,8 @@ class QTabWidget;
 
 namespace vellumark::desktop {
 
+class RecycleGraphic;
+
 /// The Recycle List: the colours of which the recipe can take something. A click on a colour or Enter takes it.
 class RecyclePanel : public QWidget {
   Q_OBJECT
@@ -18,6 +20,8 @@ class RecyclePanel : public QWidget {
   RecyclePanel(FormHost& host, Form& form);
 
   void Show(const BatchWork& work);
+  /// Colours were just recycled: the graphic moves, where it is wanted.
+  void ShowRecycled();
   /// The first colour is the current one.
   void GoToTop();
   const RecycleListView& View() const { return view_; }
@@ -40,6 +44,7 @@ class RecyclePanel : public QWidget {
   RecycleListView view_;
   std::shared_ptr<Source> source_;
   QWidget* head_;
+  RecycleGraphic* graphic_;
   Grid* list_;
   int unit_ = 1;
 };

@@ -9,6 +9,7 @@
 #include <QTabWidget>
 
 #include "bench_room.h"
+#include "desktop/batch/recycle_graphic.h"
 #include "support/places.h"
 
 namespace vellumark::test {
@@ -241,6 +242,25 @@ TEST_F(BatchRowsTest, AdjustingAboveAnEarlierAdjustmentAsks) {
                 "Batch?");
   PressOn(Qt::Key_F3);
   EXPECT_EQ(Rows(), (Texts{"Basic RED 6.000 lb.", "Basic BLUE 4.000 lb."}));
+}
+
+TEST_F(BatchRowsTest, TheGraphicTurnsWhenColorsAreRecycledWhereItIsWanted) {
+  OpenTarget();
+  const auto& graphic = Control<desktop::RecycleGraphic>(*form, "RecycleGraphic");
+  Make("TARGET", "10", Qt::Key_F3);
+  EXPECT_FALSE(graphic.isVisible());
+  PressOn(Qt::Key_F2);
+  EXPECT_TRUE(graphic.isVisible());
+  EXPECT_EQ(graphic.IsTurning(), graphic.style()->styleHint(QStyle::SH_Widget_Animation_Duration) > 0);
+  EXPECT_TRUE(WaitFor([&] { return !graphic.IsTurning(); }));
+  EXPECT_TRUE(graphic.isVisible());
+  prompt.Expect("Batch Window - Save Information?", Answer::No, "Save this information?");
+  ASSERT_TRUE(form->Leave());
+  Setting("ShowBatchGraphic", "0");
+  Open();
+  Make("TARGET", "10", Qt::Key_F2);
+  EXPECT_EQ(Rows().front(), "Mix LEFTOVER 4.000 lb.");
+  EXPECT_FALSE(Control(*form, "RecycleGraphic").isVisible());
 }
 
 TEST_F(BatchRowsTest, AnotherQuantityAsksWhatBecomesOfTheRecycledInk) {
