@@ -339,11 +339,6 @@ BuiltReport BuildReport(const ReportContext& context) {
   return report;
 }
 
-void FilterReport(BuiltReport& report, std::string_view words) {
-  report.filter = std::string(words);
-  SortReport(report, report.sort);
-}
-
 void SortReport(BuiltReport& report, const ReportSort& sort) {
   report.sort = sort;
   report.order = RowsWith(report, report.filter);

@@ -76,8 +76,7 @@ std::vector<TableColumn> ReportColumns(const ReportContext& context);
 /// Reads, sorts and totals, once what formulas cost is up to date. What was read before a cancel or the limit stays.
 BuiltReport BuildReport(const ReportContext& context);
 
+/// Puts the rows that hold all words of the filter, in any case, into that order.
 void SortReport(BuiltReport& report, const ReportSort& sort);
-/// Shows the rows that hold all these words, in any case; all of them without words.
-void FilterReport(BuiltReport& report, std::string_view words);
 
 }  // namespace vellumark
