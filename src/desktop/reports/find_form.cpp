@@ -139,7 +139,7 @@ FindForm::FindForm(WindowList& windowList, const QString& name, FindSubject subj
   auto* right = new QWidget(sides);
   left->setContentsMargins(0, 0, space::kUnit, 0);
   right->setContentsMargins(space::kUnit, 0, 0, 0);
-  BuildFields(Form(*this, *left));
+  BuildFields(*left);
   Form found(*this, *right);
   found.Row(count_ = found.Label("lblRecordCount", tr("0 Records Found")));
   grid_ = found.Table("fg");
@@ -167,8 +167,9 @@ FindForm::FindForm(WindowList& windowList, const QString& name, FindSubject subj
 
 FindForm::~FindForm() = default;
 
-void FindForm::BuildFields(Form form) {
-  area_ = new QScrollArea;
+void FindForm::BuildFields(QWidget& part) {
+  Form form(*this, part);
+  area_ = new QScrollArea(&part);  // where it lives: all its fields would be styled once more when it moved in
   area_->setWidgetResizable(true);
   area_->setFrameShape(QFrame::NoFrame);
   area_->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);

@@ -33,7 +33,7 @@ class FindForm : public Window {
     ComboField* comparison = nullptr;
     Field* value = nullptr;
   };
-  void BuildFields(Form form);
+  void BuildFields(QWidget& part);
   void BuildRow(Form& form, int number, const vellumark::FindField& field);
   std::string ValueOf(const Row& row) const;
   FindRequest Request() const;

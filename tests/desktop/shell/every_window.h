@@ -80,12 +80,13 @@ struct EveryWindow : testing::Test {
 
   /// Opens the window of that name, visits it and lets it go unsaved. One that needs what only the window behind it has
   /// is passed over.
-  void On(const std::string& name, const Visit& visit) {
+  void On(const std::string& name, const Visit& visit) { On(name, ShownBy(name), visit); }
+  void On(const std::string& name, const desktop::Arguments& arguments, const Visit& visit) {
     Settle();
     told.clear();
     bool isDialog = false;
     try {
-      desktop::Window* window = running.windows.OpenForm(name, ShownBy(name));
+      desktop::Window* window = running.windows.OpenForm(name, arguments);
       Settle();
       if (window != nullptr) visit(*window);
       running.windows.CloseChildWindows();
@@ -107,7 +108,7 @@ struct EveryWindow : testing::Test {
       poll.start(1);
       awaited = QString::fromStdString(name);
       try {
-        running.windows.RunDialog(name, ShownBy(name));
+        running.windows.RunDialog(name, arguments);
       } catch (const std::logic_error& missing) {
         EXPECT_TRUE(std::string_view(missing.what()).starts_with("argument ")) << missing.what();
       }
