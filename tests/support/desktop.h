@@ -61,7 +61,7 @@ class CpuTimer {
   }
   double begin_ = Now();
 };
-#if defined(__SANITIZE_ADDRESS__)
+#if defined(VELLUMARK_SANITIZED)
 inline constexpr double kSlower = 12;
 #else
 inline constexpr double kSlower = 1;

@@ -22,7 +22,7 @@
 #include "desktop/kit/window.h"
 #include "support/desktop.h"
 
-#if defined(__SANITIZE_ADDRESS__)
+#if defined(VELLUMARK_SANITIZED)
 #include <sanitizer/common_interface_defs.h>
 #endif
 
@@ -84,7 +84,7 @@ extern "C" void Dying(int signal) {
 Monkey::Monkey(unsigned seed, std::vector<std::string> words, std::filesystem::path folder)
     : seed_(seed), random_(seed), words_(std::move(words)), folder_(std::move(folder)) {
   newest = this;
-#if defined(__SANITIZE_ADDRESS__)
+#if defined(VELLUMARK_SANITIZED)
   __sanitizer_set_death_callback(&Monkey::Tell);
   std::signal(SIGALRM, Dying);
 #else
