@@ -126,7 +126,7 @@ platform::OpenFile HealAndHold(const fs::path& file) {
     held.Close();
     ReadFileInfo(*Database::Open(file, OpenMode::Exclusive));
     held = HoldDataFile(file);
-    if (!fs::exists(fs::path(file) += "-journal", ignored)) break;
+    if (!fs::exists(JournalOf(file), ignored)) break;
   }
   return held;
 }
@@ -229,7 +229,7 @@ void CompareTables(const std::vector<TableProof>& before, const std::vector<Tabl
 bool Proves(const SetProof& proof, const fs::path& dataFile) {
   std::error_code ignored;
   return !proof.files.empty() && proof.files.front().name == dataFile.filename().string() &&
-         proof.dataFile == proof.files.front().name && !fs::exists(fs::path(dataFile) += "-journal", ignored);
+         proof.dataFile == proof.files.front().name && !fs::exists(JournalOf(dataFile), ignored);
 }
 
 bool MayBeBackedUp(const Session& session, const fs::path& file) {

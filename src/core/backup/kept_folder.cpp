@@ -33,6 +33,10 @@ platform::OpenFile OpenToHold(const fs::path& path, std::error_code& error) {
 
 }  // namespace
 
+fs::path JournalOf(fs::path file) {
+  return file += "-journal";
+}
+
 platform::OpenFile HoldDataFile(const fs::path& path) {
   std::error_code error;
   platform::OpenFile file = OpenToHold(path, error);

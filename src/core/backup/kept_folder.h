@@ -17,6 +17,9 @@ platform::OpenFile HoldDataFile(const std::filesystem::path& path);
 /// The same of one that may be missing or damaged: what cannot even be opened nobody works in.
 platform::OpenFile HoldIfItOpens(const std::filesystem::path& path);
 
+/// What a killed program leaves beside a Data File, to be played back.
+std::filesystem::path JournalOf(std::filesystem::path file);
+
 /// A file that is to take a place in one step. It may have it although that failed: the disk fails right behind the step.
 class Placement {
  public:

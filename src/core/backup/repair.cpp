@@ -64,10 +64,6 @@ bool Exists(const fs::path& path) {
   return fs::exists(fs::symlink_status(path, ignored));
 }
 
-fs::path JournalOf(fs::path file) {
-  return file += "-journal";
-}
-
 DateTime SecondAfter(DateTime time) {
   if (++time.second < 60) return time;
   time.second = 0;

@@ -24,10 +24,6 @@ namespace fs = std::filesystem;
 
 namespace {
 
-fs::path JournalOf(fs::path file) {
-  return file += "-journal";
-}
-
 bool Exists(const fs::path& path) {
   std::error_code ignored;
   return fs::exists(fs::symlink_status(path, ignored));

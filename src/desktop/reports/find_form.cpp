@@ -32,7 +32,9 @@ class WholeDate : public DateField {
   using DateField::DateField;
 
  protected:
-  bool focusNextPrevChild(bool next) override { return QWidget::focusNextPrevChild(next); }
+  bool focusNextPrevChild(bool next) override {
+    return QWidget::focusNextPrevChild(next);  // NOLINT(bugprone-parent-virtual-call): past the parent's parts
+  }
 };
 
 // The names of the windows' own controls: "BatchField0", "cmbBatchComp0".
@@ -253,10 +255,10 @@ void FindForm::cmdFind_Click() {
     const auto wait = Wait(WaitKind::WaitingForm, tr("Searching ..."));
     return Find(session, Request());
   }();
-  if (Accepted(answer)) Show(*std::move(answer));
+  if (Accepted(answer)) Show(*answer);
 }
 
-void FindForm::Show(FindAnswer answer) {
+void FindForm::Show(const FindAnswer& answer) {
   source_->Show(answer.table);
   complete_ = answer.complete;
   std::vector<GridColumn> columns;

@@ -37,7 +37,7 @@ class FindForm : public Window {
   void BuildRow(Form& form, int number, const vellumark::FindField& field);
   std::string ValueOf(const Row& row) const;
   FindRequest Request() const;
-  void Show(FindAnswer answer);
+  void Show(const FindAnswer& answer);
   void Empty();
 
   FindSubject subject_;
