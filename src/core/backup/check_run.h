@@ -80,6 +80,7 @@ class CheckRun {
   CheckAnswer answer_;
   std::atomic<bool> stopped_ = false;
   bool alone_ = false;  // runs no rules beside
+  std::vector<const CheckRule*> given_;  // to run beside, whether they have ended or not
   std::vector<Beside> beside_;  // the first to go: it reads stopped_
   std::size_t place_ = 0;  // among the rules
 };

@@ -194,12 +194,12 @@ void CheckRun::BeginBeside(const std::vector<const CheckRule*>& rules) {
     run.answer_.complete = !run.stopped_;
     return std::move(run.answer_);
   };
+  given_.insert(given_.end(), rules.begin(), rules.end());
   beside_.push_back({rules, std::async(std::launch::async, std::move(check))});
 }
 
 bool CheckRun::IsBeside(const CheckRule& rule) const {
-  return std::ranges::any_of(beside_,
-                             [&](const Beside& beside) { return std::ranges::find(beside.rules, &rule) != beside.rules.end(); });
+  return std::ranges::find(given_, &rule) != given_.end();
 }
 
 void CheckRun::EndBeside() {
@@ -214,10 +214,8 @@ void CheckRun::EndBeside() {
     }
   }
   // What met something that cannot be read runs again in its turn, where the others tell whether it may.
-  if (failed.empty()) return;
-  alone_ = true;
   Findings* const before = findings_;
-  RunRules(failed);
+  for (const CheckRule* rule : failed) RunRule(*rule);
   findings_ = before;
 }
 
