@@ -69,8 +69,8 @@ class BatchForm : public Window, private WeighBench {
  private:
   // Building (batch_form_build.cpp)
   QWidget* BuildHead(Form& form);
-  QWidget* BuildMiddle(Form& form);
-  QWidget* BuildSide(Form& form);
+  void BuildMiddle(Form& form);
+  void BuildSide(Form& form, QWidget& inside);
   QWidget* BuildButtons(Form& form);
   void Listen();
   void SetButtonAction();

@@ -40,7 +40,7 @@ BatchForm::BatchForm(WindowList& windowList)
   setWindowIcon(Icon("Batch"));
   Form form(*this);
   form.Wide(BuildHead(form));
-  form.Wide(BuildMiddle(form), 1);
+  BuildMiddle(form);
   form.Wide(BuildButtons(form));
   SetDefaultButton(save_);
   Listen();
@@ -108,52 +108,51 @@ QWidget* BatchForm::BuildHead(Form& form) {
   return head;
 }
 
-QWidget* BatchForm::BuildMiddle(Form& form) {
-  rows_ = new RowsPanel(*this, form);
-  rows_->setMinimumWidth(440);
-  auto* left = new QWidget;
-  auto* inset = new QVBoxLayout(left);
-  inset->setContentsMargins(0, space::kUnit, space::kGap, 0);
-  inset->addWidget(rows_);
-  auto* split = new QSplitter(Qt::Horizontal);
+// What holds others is put where it lives before it is filled: all that it held would be styled again with each move.
+void BatchForm::BuildMiddle(Form& form) {
+  auto* split = new QSplitter(Qt::Horizontal, this);
+  form.Wide(split, 1);
   split->setObjectName("BatchSplit");
   split->setChildrenCollapsible(false);
   split->setHandleWidth(1);
-  split->addWidget(left);
-  split->addWidget(BuildSide(form));
+  auto* left = new QWidget(split);
+  auto* inset = new QVBoxLayout(left);
+  inset->setContentsMargins(0, space::kUnit, space::kGap, 0);
+  rows_ = new RowsPanel(*this, form, left);
+  rows_->setMinimumWidth(440);
+  inset->addWidget(rows_);
+  auto* scroll = new QScrollArea(split);
+  scroll->setWidgetResizable(true);
+  scroll->setFrameShape(QFrame::NoFrame);
+  scroll->setFocusPolicy(Qt::NoFocus);
+  scroll->setMinimumWidth(384);
+  auto* inside = new QWidget;
+  scroll->setWidget(inside);
+  inside->setAutoFillBackground(false);
+  scroll->viewport()->setAutoFillBackground(false);
+  BuildSide(form, *inside);
   split->setStretchFactor(0, 3);
   split->setStretchFactor(1, 2);
   split->setSizes({690, 510});
-  return split;
 }
 
-QWidget* BatchForm::BuildSide(Form& form) {
+void BatchForm::BuildSide(Form& form, QWidget& inside) {
   recycleList_ = new RecyclePanel(*this, form);
   figures_ = new FiguresPanel(*this);
   notes_ = new NotesPanel(*this, record_);
   job_ = new JobPanel(*this, form, record_);
-  tabs_ = new QTabWidget;
+  tabs_ = new QTabWidget(&inside);
   tabs_->setObjectName("TabBatch");
   tabs_->setDocumentMode(true);
   tabs_->addTab(recycleList_, tr("Recycle List"));
   tabs_->addTab(figures_, tr("Costs"));
   tabs_->addTab(notes_, tr("Notes"));
-  auto* inside = new QWidget;
-  side_ = new QVBoxLayout(inside);
+  side_ = new QVBoxLayout(&inside);
   side_->setContentsMargins(space::kGap, 0, 0, 0);
   side_->setSpacing(space::kUnit);
   side_->addWidget(tabs_, 1);
   side_->addWidget(job_);
   recycleList_->PutHead(*tabs_, true);
-  auto* scroll = new QScrollArea;
-  scroll->setWidgetResizable(true);
-  scroll->setFrameShape(QFrame::NoFrame);
-  scroll->setFocusPolicy(Qt::NoFocus);
-  scroll->setWidget(inside);
-  scroll->setMinimumWidth(384);
-  inside->setAutoFillBackground(false);
-  scroll->viewport()->setAutoFillBackground(false);
-  return scroll;
 }
 
 QWidget* BatchForm::BuildButtons(Form& form) {

@@ -39,7 +39,7 @@ void SetTone(QLabel& label, bool danger) {
 
 }  // namespace
 
-RowView::RowView(int slot) {
+RowView::RowView(int slot, QWidget* parent) : QWidget(parent) {
   const auto named = [slot](const char* name) { return QString::fromLatin1(name) + QString::number(slot); };
   setObjectName(named("BatchRow"));
   auto* line = new QHBoxLayout(this);

@@ -20,7 +20,7 @@ class RowView : public QWidget {
   Q_OBJECT
 
  public:
-  explicit RowView(int slot);
+  RowView(int slot, QWidget* parent);
 
   struct Face {
     const BatchRow* row = nullptr;

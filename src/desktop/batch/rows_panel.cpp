@@ -47,12 +47,15 @@ QVBoxLayout* Column(QWidget& of, int spacing) {
 
 }  // namespace
 
-RowsPanel::RowsPanel(FormHost& host, Form& form) : session_(host.session) {
+RowsPanel::RowsPanel(FormHost& host, Form& form, QWidget* parent) : QWidget(parent), session_(host.session) {
   setObjectName("BatchRows");
   auto* column = Column(*this, space::kUnit);
   column->addWidget(BuildTitle(form));
 
+  scroll_ = new QScrollArea(this);
+  column->addWidget(scroll_, 1);
   auto* inside = new QWidget;
+  scroll_->setWidget(inside);
   auto* rows = Column(*inside, 0);
   empty_ = new QLabel(tr("Type a color and a quantity, then press Recycle (F2) or Mix (F3)."));
   empty_->setObjectName("lblNoRows");
@@ -60,14 +63,13 @@ RowsPanel::RowsPanel(FormHost& host, Form& form) : session_(host.session) {
   empty_->setWordWrap(true);
   rows->addWidget(empty_);
   for (int slot = 0; slot < kSlots; ++slot) {
-    auto* view = new RowView(slot);
+    auto* view = new RowView(slot, inside);
     view->hide();
     rows->addWidget(view);
     slots_.push_back(view);
     Connect(*view, slot);
   }
   rows->addStretch(1);
-  scroll_ = new QScrollArea;
   scroll_->setObjectName("BatchRowsArea");
   scroll_->setWidgetResizable(true);
   scroll_->setFrameShape(QFrame::NoFrame);
@@ -75,8 +77,6 @@ RowsPanel::RowsPanel(FormHost& host, Form& form) : session_(host.session) {
   scroll_->setMinimumHeight(96);
   scroll_->viewport()->setAutoFillBackground(false);
   inside->setAutoFillBackground(false);
-  scroll_->setWidget(inside);
-  column->addWidget(scroll_, 1);
 
   column->addWidget(BuildTotal(form));
   zeroMsg_ = new QLabel(tr(kZeroMsg));

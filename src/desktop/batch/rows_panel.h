@@ -23,7 +23,7 @@ class RowsPanel : public QWidget {
   static constexpr int kSlots = 22;
 
   /// `form` makes its buttons; the panel places them.
-  RowsPanel(FormHost& host, Form& form);
+  RowsPanel(FormHost& host, Form& form, QWidget* parent);
 
   void Show(const BatchRecord& record);
   /// Another text where the colour's name stands, while it is worked out.

@@ -29,14 +29,15 @@ constexpr int kColumnWidth = 130;
 CloudUtilityReportViewer::CloudUtilityReportViewer(WindowList& windowList, QWidget* owner)
     : Dialog(windowList, owner, "CloudUtilityReportViewer", tr("Cloud Reports from User Accounts")) {
   Form form(*this);
-  auto* sides = new QSplitter(Qt::Horizontal);
+  auto* sides = new QSplitter(Qt::Horizontal, this);
+  form.Wide(sides, 1);
   sides->setObjectName("Sides");
   sides->setChildrenCollapsible(false);
-  list_ = new QTreeWidget;
+  list_ = new QTreeWidget(sides);
   list_->setObjectName("lstReports");
   list_->setHeaderLabels({tr("Account / Report")});
   list_->setAccessibleName(tr("Reports by account"));
-  auto* right = new QWidget;
+  auto* right = new QWidget(sides);
   Form side(*this, *right);
   name_ = side.Label("lblReportName");
   name_->setFont(Look::Heading());
@@ -48,11 +49,8 @@ CloudUtilityReportViewer::CloudUtilityReportViewer(WindowList& windowList, QWidg
   cells_ = std::make_shared<TableSource>();
   side.Wide(grid_, 1);
   right->layout()->setContentsMargins(space::kUnit, 0, 0, 0);
-  sides->addWidget(list_);
-  sides->addWidget(right);
   sides->setStretchFactor(1, 1);
   sides->setSizes({kListWidth, kGridWidth});
-  form.Wide(sides, 1);
   form.ButtonsWithoutDefault({form.Button("cmdClose", tr("Close")), form.Button("cmdDeleteFiles", tr("&Delete in Accounts ...")),
                               export_ = form.Button("cmdExport", tr("&Export ...")),
                               form.Button("cmdFetch", tr("&Get User Reports"), Qt::Key_F5)});

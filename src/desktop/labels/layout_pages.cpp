@@ -19,6 +19,7 @@ namespace vellumark::desktop {
 
 Form LayoutWindow::Scrolled(FormHost& host, Form page) {
   auto* area = new QScrollArea;
+  page.Wide(area, 1);
   area->setWidgetResizable(true);
   area->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
   area->setFocusPolicy(Qt::NoFocus);
@@ -26,7 +27,6 @@ Form LayoutWindow::Scrolled(FormHost& host, Form page) {
   inside->setProperty("flush", true);
   Form form(host, *inside);
   area->setWidget(inside);
-  page.Wide(area, 1);
   return form;
 }
 

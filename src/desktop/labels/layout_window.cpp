@@ -34,7 +34,8 @@ LayoutWindow::LayoutWindow(WindowList& windowList, const LabelWindows& names, co
 void LayoutWindow::Build() {
   Form form(*this);
   BuildTop(form);
-  auto* halves = new QSplitter;
+  auto* halves = new QSplitter(this);
+  form.Wide(halves, 1);  // before it is filled: what it held would be styled once more
   halves->setObjectName("Halves");
   halves->setChildrenCollapsible(false);
   auto* left = new QWidget(halves);
@@ -50,7 +51,7 @@ void LayoutWindow::Build() {
   for (QLabel* place : {x_, y_}) place->setMinimumWidth(place->fontMetrics().horizontalAdvance("X = 000.00 mm."));
   column->addLayout(line);
   auto* right = new QWidget(halves);
-  auto* page = new QWidget;
+  auto* page = new QWidget(right);
   page->setProperty("flush", true);
   auto* room = new QHBoxLayout(right);
   room->setContentsMargins(space::kUnit, 0, 0, 0);
@@ -66,7 +67,6 @@ void LayoutWindow::Build() {
   halves->setStretchFactor(1, 2);
   halves->setSizes({720, 440});
   right->setMinimumWidth(416);
-  form.Wide(halves, 1);
   form.ButtonsWithoutDefault(
       {form.Button("cmdClose", tr("Close")), delete_ = form.Button("cmdDelete", tr("&Delete")),
        revert_ = form.Button("cmdRevert", tr("&Revert")),

@@ -136,6 +136,7 @@ FindForm::FindForm(WindowList& windowList, const QString& name, FindSubject subj
   setWindowIcon(Icon("Find"));
   Form form(*this);
   auto* sides = new QSplitter(Qt::Horizontal, this);
+  form.Wide(sides, 1);  // before it is filled: what it held would be styled once more
   sides->setChildrenCollapsible(false);
   auto* left = new QWidget(sides);
   auto* right = new QWidget(sides);
@@ -154,7 +155,6 @@ FindForm::FindForm(WindowList& windowList, const QString& name, FindSubject subj
   sides->setStretchFactor(0, 0);
   sides->setStretchFactor(1, 1);
   sides->setSizes({kFieldsWidth, 2 * kFieldsWidth});
-  form.Wide(sides, 1);
   CommandButton* find = form.Button("cmdFind", tr("&Find"), Qt::Key_F5);
   form.Buttons({find, form.Button("cmdClear", tr("C&lear")), print_ = form.Button("cmdPrint", tr("&Print")),
                 form.Button("cmdClose", tr("Close"))});
@@ -171,7 +171,8 @@ FindForm::~FindForm() = default;
 
 void FindForm::BuildFields(QWidget& part) {
   Form form(*this, part);
-  area_ = new QScrollArea(&part);  // where it lives: all its fields would be styled once more when it moved in
+  area_ = new QScrollArea(&part);
+  form.Wide(area_, 1);
   area_->setWidgetResizable(true);
   area_->setFrameShape(QFrame::NoFrame);
   area_->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
@@ -182,7 +183,6 @@ void FindForm::BuildFields(QWidget& part) {
   for (const vellumark::FindField& field : FindFields(session, subject_)) BuildRow(fields, number++, field);
   area_->setWidget(inner);
   area_->setMinimumWidth(kFieldsWidth - kColumnWidth);
-  form.Wide(area_, 1);
   operator_ = form.Combo(QString("cmb%1Operator").arg(WordOf(subject_)),
                          {tr("Satisfy all requirements (Logical AND)"), tr("Satisfy any requirement (logical OR)")});
   form.Row(tr("Search &Type"), operator_);

@@ -61,7 +61,7 @@ class ReportForm : public Window {
   // How it is built (report_form_build.cpp).
   void BuildSubject(Form& form);
   void BuildOptions(Form& form);
-  QWidget* BuildMiddle(FileChooser choose);
+  void BuildMiddle(Form& form, FileChooser choose);
   void BuildGrid(Form form);
   void BuildSide(Form form);
   void AddDates(std::vector<QWidget*>& line, Form& form);

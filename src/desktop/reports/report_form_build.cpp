@@ -107,7 +107,7 @@ ReportForm::ReportForm(WindowList& windowList, const ReportDefinition& definitio
   line->addWidget(count_ = form.Hint({}, "lblRecordCount"));
   title_->setWordWrap(true);
   form.Wide(head);
-  form.Wide(BuildMiddle(std::move(choose)), 1);
+  BuildMiddle(form, std::move(choose));
   CommandButton* fetch = nullptr;
   form.ButtonsWithoutDefault({form.Button("cmdClose", tr("Close")), form.Button("cmdClear", tr("C&lear")),
                               fetch = form.Button("cmdCloudGet", tr("&Get from Cloud")),
@@ -268,8 +268,9 @@ void ReportForm::BuildOptions(Form& form) {
   form.Wide(row);
 }
 
-QWidget* ReportForm::BuildMiddle(FileChooser choose) {
+void ReportForm::BuildMiddle(Form& form, FileChooser choose) {
   auto* sides = new QSplitter(Qt::Horizontal, this);
+  form.Wide(sides, 1);  // before it is filled: what it held would be styled once more
   sides->setObjectName("Sides");
   sides->setChildrenCollapsible(false);
   auto* side = new QWidget(sides);
@@ -285,7 +286,6 @@ QWidget* ReportForm::BuildMiddle(FileChooser choose) {
   sides->setStretchFactor(1, 1);
   sides->setStretchFactor(2, 0);
   sides->setSizes({kSideWidth, kGridWidth, kChartWidth});
-  return sides;
 }
 
 void ReportForm::BuildGrid(Form form) {
