@@ -5,6 +5,7 @@
 #include <charconv>
 #include <chrono>
 #include <iterator>
+#include <memory>
 
 namespace vellumark {
 namespace {
@@ -18,8 +19,9 @@ std::chrono::sys_days SysDays(int year, int month, int day) {
 std::optional<int> TakeNumber(std::string_view& text, std::size_t digits) {
   if (text.size() < digits) return std::nullopt;
   int value = 0;
-  const char* const last = std::next(text.data(), static_cast<std::ptrdiff_t>(digits));
-  const auto [end, error] = std::from_chars(text.data(), last, value);
+  const char* const first = std::to_address(text.begin());
+  const char* const last = std::next(first, static_cast<std::ptrdiff_t>(digits));
+  const auto [end, error] = std::from_chars(first, last, value);
   if (error != std::errc{} || end != last || text[0] == '-') return std::nullopt;
   text.remove_prefix(digits);
   return value;

@@ -41,7 +41,7 @@ std::string AccountOf(const CloudSettings& settings) {
 // Nothing is known of an account that is not the one of the settings, and where what was kept cannot be read: the host
 // can be asked anew.
 Known ReadKnown(const Session& session) {
-  const Known nothing{.account = AccountOf(ReadCloudSettings(session))};
+  Known nothing{.account = AccountOf(ReadCloudSettings(session))};
   std::error_code ignored;
   if (!fs::exists(KnownFile(session), ignored)) return nothing;
   try {

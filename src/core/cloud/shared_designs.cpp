@@ -30,7 +30,7 @@ Result<fs::path> SharedDesignFile(Session& session, const ShareRow& share) {
   other.databaseList = ReadFileInfo(*other.DataFileDB).dbList;
   other.DataFileOpen = other.RecordsetsOpen = true;
   other.UMI = share.UMI == 0 ? session.UMI : share.UMI;
-  const fs::path designs = folder / DesignFileName(session);
+  fs::path designs = folder / DesignFileName(session);
   if (const auto written = ExportDesigns(other, {}, designs); !written) return std::unexpected(written.error());
   for (const fs::path& photo : PhotosIn(SharedPhotos(session, share.AcctNum)))
     fs::copy_file(photo, folder / kPhotoFolderOfSet / photo.filename());

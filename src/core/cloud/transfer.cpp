@@ -4,7 +4,6 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <cstring>
 #include <fstream>
 #include <system_error>
 
@@ -163,7 +162,7 @@ void UploadBytes(CloudRun& run, const std::string& bytes, const std::string& fol
     PutWhole(run, proof, folder, [&](std::int64_t from) -> FtpClient::Give {
       return [&bytes, at = static_cast<std::size_t>(from)](char* piece, std::size_t size) mutable {
         const std::size_t count = std::min(size, bytes.size() - at);
-        std::memcpy(piece, bytes.data() + at, count);
+        bytes.copy(piece, count, at);
         at += count;
         return count;
       };
@@ -235,7 +234,7 @@ std::optional<FileProof> ProofOf(const std::vector<FileProof>& files, const std:
 }
 
 void SweepParts(CloudRun& run, const std::string& folder, const std::vector<RemoteFile>& entries) {
-  const std::int64_t old = run.session.clock.Now().SecondNumber() - 2 * 86400;
+  const std::int64_t old = run.session.clock.Now().SecondNumber() - std::int64_t{2} * 86400;
   for (const RemoteFile& entry : entries)
     if (!entry.folder && entry.name.ends_with(kPart) && entry.date && entry.date->SecondNumber() < old)
       run.Step("Unable to delete " + entry.name, [&] { run.ftp.Delete(RemotePath(folder, entry.name)); });
