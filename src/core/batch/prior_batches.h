@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "core/batch/record.h"
+#include "core/colors/formula_notes.h"
 
 namespace vellumark {
 
@@ -23,11 +24,6 @@ struct PriorBatch {
 std::optional<PriorBatch> LastBatchOf(const Session& session, std::string_view colorName, std::int32_t before,
                                       bool forJobs);
 
-struct BatchNote {
-  std::int32_t BatchNo = 0;
-  std::optional<DateTime> Date_Entered;
-  std::string Notes;
-};
 /// The notes of the other Batches of the colour, newest first, no more than `most`.
 std::vector<BatchNote> OtherBatchNotes(const Session& session, std::string_view colorName, std::int32_t except,
                                        int most);
