@@ -509,9 +509,27 @@ std::vector<std::string> SqliteDatabase::TableNames() {
 
 std::vector<std::string> SqliteDatabase::Faults() {
   std::vector<std::string> faults;
-  Statement check = Prepare("PRAGMA integrity_check");
-  while (check.Step())
-    if (check.TextView(0) != "ok") faults.push_back(check.Text(0));
+  const auto ends = [&](const std::string& of) {
+    Statement check = Prepare("PRAGMA integrity_check" + of);
+    try {
+      while (check.Step())
+        for (const std::string_view line : Split(check.TextView(0), '\n'))
+          if (line != "ok" && !line.starts_with("***")) faults.emplace_back(line);
+      return true;
+    } catch (const Failure&) {
+      if ((sqlite3_errcode(engine_->connection.getHandle()) & 0xFF) != SQLITE_CORRUPT) throw;
+      return false;
+    }
+  };
+  if (ends("")) return faults;
+  // It breaks off at a table or an index whose first page is none, and says nothing of what it found before.
+  faults.clear();
+  std::vector<std::string> tables;
+  Statement names = Prepare("SELECT name FROM sqlite_master WHERE type = 'table' ORDER BY name");
+  while (names.Step()) tables.push_back(names.Text(0));
+  for (const std::string& table : tables)
+    if (!ends("(" + Quoted(table) + ")")) faults.push_back(fmt::format("The table {} or one of its indexes cannot be read.", table));
+  if (faults.empty()) faults.emplace_back("The file is damaged or was cut short.");
   return faults;
 }
 

@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <set>
 
 #include "core/backup/deep_check.h"
@@ -113,31 +114,74 @@ TEST(DeepCheck, FindsEachDamageAndNothingElse) {
 }
 
 // Of a file that is only looked at rules run beside each other, on connections of their own.
-TEST(DeepCheck, TellsTheSameOfAFileThatIsOnlyLookedAt) {
+class LookedAt : public testing::Test {
+ protected:
+  std::vector<std::string> Check(OpenMode mode) const {
+    test::ScriptedPrompt prompt;
+    NoProgress progress;
+    FixedClock clock{DateTime{2026, 3, 10, 12, 0, 0}};
+    Session session{prompt, progress, clock};
+    try {
+      session.DataFileDB = Database::Open(path, mode);
+      return Texts(CheckDataFileRules(session, CheckDepth::Deep));
+    } catch (const Failure& failure) {
+      return std::vector{failure.cause};
+    }
+  }
+  void Put(const std::string& bytes) const { std::ofstream(path, std::ios::binary) << bytes; }
+
   const test::DamagedFile file;
   const test::ScratchFolder folder;
   const std::filesystem::path path = folder / "Ink.vkd";
+};
+
+TEST_F(LookedAt, TellsTheSame) {
   std::set<std::string> told;
   for (unsigned number = 0; number < 150; ++number) {
-    std::ofstream(path, std::ios::binary)
-        << (number % 5 == 4 ? test::CutShort(file.sound, number) : test::Flipped(file.sound, number));
-    const auto check = [&](OpenMode mode) {
-      test::ScriptedPrompt prompt;
-      NoProgress progress;
-      FixedClock clock{DateTime{2026, 3, 10, 12, 0, 0}};
-      Session session{prompt, progress, clock};
-      try {
-        session.DataFileDB = Database::Open(path, mode);
-        return Texts(CheckDataFileRules(session, CheckDepth::Deep));
-      } catch (const Failure& failure) {
-        return std::vector{failure.cause};
-      }
-    };
-    const std::vector<std::string> alone = check(OpenMode::Exclusive);
-    EXPECT_EQ(check(OpenMode::ReadOnly), alone) << number;
+    Put(number % 5 == 4 ? test::CutShort(file.sound, number) : test::Flipped(file.sound, number));
+    const std::vector<std::string> alone = Check(OpenMode::Exclusive);
+    EXPECT_EQ(Check(OpenMode::ReadOnly), alone) << number;
     told.insert(alone.begin(), alone.end());
   }
   EXPECT_GT(told.size(), 30U);
+}
+
+// Each page in turn: of tables, of indexes, of long texts. What other rules found is told once.
+TEST_F(LookedAt, TellsOnceWhatStandsBesideAPageThatCannotBeRead) {
+  Put(file.sound);
+  {
+    const auto opened = Database::Open(path, OpenMode::Exclusive);
+    opened->Execute(
+        "UPDATE INK_Mix SET Color_Set = '<RED>' WHERE Color_Name = 'PINK'; "
+        "UPDATE INK_Basic SET Red = 256 WHERE Color_Name = 'WAX'; "
+        "INSERT INTO INK_Additives (SetName, SetList) VALUES ('Slow', '')");
+    AcceptRows(*opened);
+  }
+  const std::string faulty = ReadFileBytes(path);
+  const std::vector<std::string> unbroken = Check(OpenMode::ReadOnly);
+  constexpr std::size_t kPage = 4096;
+  int told = 0;
+  for (std::size_t page = kPage; page < faulty.size(); page += kPage) {
+    SCOPED_TRACE(page / kPage + 1);
+    std::string bytes = faulty;
+    bytes[page] = '\x7f';  // no kind of page; behind a long text one beyond the end
+    Put(bytes);
+    const std::vector<std::string> unopened{"is damaged or was cut short"};
+    const std::vector<std::string> found = Check(OpenMode::ReadOnly);
+    const std::vector<std::string> alone = Check(OpenMode::Exclusive);
+    if (found == unopened) continue;
+    // The page of what is to be written next keeps a writer out.
+    if (alone != unopened) {
+      EXPECT_EQ(found, alone);
+    }
+    for (const std::string& fault : found) EXPECT_EQ(std::ranges::count(found, fault), 1) << fault;
+    const auto tells = [&](std::string_view rule) {
+      return std::ranges::any_of(found, [&](const std::string& fault) { return fault.ends_with(rule); });
+    };
+    EXPECT_TRUE(tells("[Structure]") || found == unbroken);  // nobody reads where the last page of a text would go on
+    if (tells("[ColorSets]") && tells("[UniqueNames]")) ++told;
+  }
+  EXPECT_GT(told, 40);
 }
 
 }  // namespace
