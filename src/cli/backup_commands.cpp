@@ -48,7 +48,7 @@ Result<Json> MakeBackup(Context& context, const std::string& to) {
   const fs::path folder = to.empty() ? fs::path(session.DataFileName).parent_path() / kAutoBackupFolder : fs::path(Absolute(to));
   auto made = BackUpToFolder(session, folder);
   if (!made) return std::unexpected(made.error());
-  const bool sound = made->proof && made->proof->content.Sound();
+  const bool sound = made->Proven();
   Json answer{{"Set", made->folder.string()}, {"Verified", sound}};
   if (!sound) answer["Faults"] = FaultsJson(made->proof->content.faults);
   context.exitStatus = sound ? ExitDone : ExitFailed;

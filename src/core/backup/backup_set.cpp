@@ -105,12 +105,16 @@ void RemoveSet(const fs::path& folder) {
   FailOn(going, error);
 }
 
-// The set that gives way to a new one; none when more were there, and none when fewer.
-std::optional<BackupSet> OldestOf(const fs::path& target, const fs::path& dataFileName, std::size_t keep) {
+// The set that gives way to a new one; none when more were there, and none when fewer. While a Data File has faults so have
+// its new sets, and the last one without any does not go for them.
+std::optional<BackupSet> OldestOf(const fs::path& target, const fs::path& dataFileName, std::size_t keep, bool newIsProven) {
   std::vector<BackupSet> sets = ListSets(target);
   std::erase_if(sets, [&](const BackupSet& set) { return set.dataFile.filename() != dataFileName; });
   if (sets.size() != keep) return std::nullopt;
-  return sets.front();
+  const bool lastProven =
+      !newIsProven && sets.front().Proven() && std::ranges::count_if(sets, &BackupSet::Proven) == 1;
+  if (!lastProven) return sets.front();
+  return sets.size() > 1 ? std::optional(sets[1]) : std::nullopt;
 }
 
 // What a killed program left beside the file is played back, by whoever opens it first; from there on nobody writes into
@@ -339,7 +343,7 @@ BackupSet MakeBackupSet(Session& session, const fs::path& source, const fs::path
   MakeFolder(unfinished);
   try {
     set.proof = SetMaker(session, source, unfinished).Make(set.made);
-    if (keep) oldest = OldestOf(target, source.filename(), *keep);
+    if (keep) oldest = OldestOf(target, source.filename(), *keep, set.Proven());
     RenameToFree(unfinished, set.folder);
   } catch (...) {
     std::error_code ignored;
@@ -388,6 +392,21 @@ SetCheck VerifySet(Session& session, const BackupSet& set, Reproof reproof) {
   return check;
 }
 
+std::string FaultLines(const std::vector<std::string>& faults) {
+  constexpr std::size_t kMost = 8;
+  std::string text;
+  for (std::size_t i = 0; i < faults.size() && i < kMost; ++i) text += "\n" + faults[i];
+  if (faults.size() > kMost) text += fmt::format("\nand {} more", faults.size() - kMost);
+  return text;
+}
+
+std::optional<std::string> FaultsOfSet(const BackupSet& set) {
+  if (!set.proof || set.proof->content.Sound()) return std::nullopt;
+  return fmt::format("The backup is made, but the Data File has faults, and the backup has them too:{}\n\nRepair the Data "
+                     "File, and back up again. Keep the backups that were made before.",
+                     FaultLines(set.proof->content.faults));
+}
+
 std::optional<BackupSet> ShutdownBackup(Session& session, std::string_view label) {
   const fs::path file = session.DataFileName;
   try {
@@ -399,7 +418,11 @@ std::optional<BackupSet> ShutdownBackup(Session& session, std::string_view label
                           fmt::format("The automatic backup is made, but the oldest one could not be removed.\n{}.",
                                       set.notRemoved),
                           Icon::Exclamation);
-    if (label != "AutoBackup") session.prompt.Tell("Backup Complete", "Backup Completed Successfully!");
+    if (const auto faults = FaultsOfSet(set)) {
+      session.prompt.Tell("Backup", *faults, Icon::Exclamation);
+    } else if (label != "AutoBackup") {
+      session.prompt.Tell("Backup Complete", "Backup Completed Successfully!");
+    }
     return set;
   } catch (const Failure& failure) {
     std::string text = fmt::format("The automatic backup of {} could not be made.\n{}: {}.\n\nThe backups that were "

@@ -37,6 +37,9 @@ DateTime LocalOf(const DateTime& moment);
 DateTime FromSecondNumber(std::int64_t second);
 
 struct BackupSet {
+  /// Its Data File was opened from it, and nothing was found amiss.
+  bool Proven() const { return proof && proof->content.Sound(); }
+
   std::filesystem::path folder;
   DateTime made;    ///< by the clock of the machine that made it
   DateTime moment;  ///< the same, as MomentOf gives it
@@ -53,8 +56,9 @@ Result<BackupSet> ReadSet(const std::filesystem::path& folder);
 
 /// Makes a set of a Data File that nobody has open, with the Support Files and the photos beside it, in `target`. A
 /// journal that a killed program left is played back first. With `keep`, and when just so many sets of a Data File of
-/// this name were there, the oldest is removed when the new one has its name. Nothing but what was there remains after
-/// a Failure. A Data File with faults is backed up too; the proof tells them.
+/// this name were there, the oldest is removed when the new one has its name; not the last proven one for one that is
+/// not, then the next. Nothing but what was there remains after a Failure. A Data File with faults is backed up too; the
+/// proof tells them.
 BackupSet MakeBackupSet(Session& session, const std::filesystem::path& source, const std::filesystem::path& target,
                         std::optional<std::size_t> keep = {});
 
@@ -70,11 +74,16 @@ enum class Reproof {
 };
 SetCheck VerifySet(Session& session, const BackupSet& set, Reproof reproof = Reproof::Always);
 
+/// What an operator is to know of a set that is made of a Data File with faults; nothing of any other.
+std::optional<std::string> FaultsOfSet(const BackupSet& set);
+/// A line each, and how many there are besides the first eight.
+std::string FaultLines(const std::vector<std::string>& faults);
+
 inline constexpr std::size_t kAutomaticSets = 30;
 
 /// The backup of the Data File that is named and was closed, into Auto Backup beside it; nothing for archive and backup
 /// copies, for files that an administrator fetched, and for one without a Database. What fails is told, and ends
-/// nothing. `label` "AutoBackup" does not tell of a success.
+/// nothing; that the Data File has faults is told too. `label` "AutoBackup" does not tell of a success.
 std::optional<BackupSet> ShutdownBackup(Session& session, std::string_view label);
 
 }  // namespace vellumark

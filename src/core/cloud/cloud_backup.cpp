@@ -306,7 +306,7 @@ int FetchParts(CloudRun& run, const std::string& folder, const std::string& pref
 // The folder in which they then are; empty when there are none.
 fs::path FetchSupport(CloudRun& run, const std::string& name, const std::optional<SetProof>& proof, SetProof& kept) {
   run.Say("Retrieving Cloud Backup SUV Files");
-  const fs::path folder = DataFolders(run.session.DataFolder).downloadSupportFiles;
+  fs::path folder = DataFolders(run.session.DataFolder).downloadSupportFiles;
   const std::string& remote = run.Folders().backupSupportFiles;
   if (FetchParts(run, remote, SupportPrefix(name), folder, kSupportFolder, proof, kept) > 0) return folder;
   // An older program has one set for all backups.

@@ -48,10 +48,10 @@ TableOf<AdditiveSet> AdditiveSetColumns(const Session& session) {
   return table;
 }
 
-TableOf<Ingredient> RecipeColumns(std::string heading, std::string amount, int decimals) {
+TableOf<Ingredient> RecipeColumns(const std::string& heading, const std::string& amount, int decimals) {
   return TableOf<Ingredient>()
-      .Add(std::move(heading), &Ingredient::name)
-      .Add(std::move(amount), &Ingredient::amount, "", Format::Amount, decimals);
+      .Add(heading, &Ingredient::name)
+      .Add(amount, &Ingredient::amount, "", Format::Amount, decimals);
 }
 
 ListTable ListBasics(const Session& session) {

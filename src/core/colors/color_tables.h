@@ -19,7 +19,7 @@ TableOf<BasicColor> BasicColumns(const Session& session);
 TableOf<MixColor> MixColumns(const Session& session);
 TableOf<AdditiveSet> AdditiveSetColumns(const Session& session);
 /// The lines of a recipe under that heading, their amounts with so many decimals.
-TableOf<Ingredient> RecipeColumns(std::string heading, std::string amount, int decimals = 3);
+TableOf<Ingredient> RecipeColumns(const std::string& heading, const std::string& amount, int decimals = 3);
 
 ListTable ListBasics(const Session& session);
 /// Only those with the ingredient when one is given.

@@ -285,8 +285,9 @@ RecipeWriter& RecipeWriter::Set(const Recipe& recipe, std::string_view setName) 
     writer_.Set(n, filled ? recipe[n].name : std::string());
     writer_.Set(n + kSlots, filled ? static_cast<float>(recipe[n].amount) : 0.0F);
   }
-  writer_.Set(2 * kSlots, NameSet(NamesOf(recipe)));
-  writer_.Set(2 * kSlots + 1, setName);
+  constexpr std::size_t kBehind = std::size_t{2} * kSlots;
+  writer_.Set(kBehind, NameSet(NamesOf(recipe)));
+  writer_.Set(kBehind + 1, setName);
   return *this;
 }
 

@@ -56,14 +56,6 @@ std::string ContentText(const ContentProof& content) {
   return text.empty() ? "\n    no Database" : text;
 }
 
-std::string FaultLines(const std::vector<std::string>& faults) {
-  constexpr std::size_t kMost = 8;
-  std::string text;
-  for (std::size_t i = 0; i < faults.size() && i < kMost; ++i) text += "\n" + faults[i];
-  if (faults.size() > kMost) text += fmt::format("\nand {} more", faults.size() - kMost);
-  return text;
-}
-
 bool IsJet(const fs::path& source) {
   try {
     return LookAtDataFile(source).jet;
@@ -290,7 +282,8 @@ Result<BackupSet> BackUpToFolder(Session& session, const fs::path& folder) {
   if (auto writable = RequireWritable(session); !writable) return std::unexpected(writable.error());
   const fs::path file = session.DataFileName;
   BackupSet set = WithFileClosed(session, [&] { return MakeBackupSet(session, file, folder); });
-  std::string text = "Backup Completed Successfully!";
+  const auto faults = FaultsOfSet(set);
+  std::string text = faults.value_or("Backup Completed Successfully!");
   try {
     BackupDates dates = ReadBackupDates(session.File());
     dates.LastBackupDate = session.clock.Today();
@@ -300,7 +293,7 @@ Result<BackupSet> BackUpToFolder(Session& session, const fs::path& folder) {
   } catch (const Failure& failure) {
     text += fmt::format("\n\nIts day or its folder could not be stored: {}: {}.", failure.subject, failure.cause);
   }
-  session.prompt.Tell("Backup Complete", text);
+  session.prompt.Tell(faults ? "Backup" : "Backup Complete", text, faults ? Icon::Exclamation : Icon::None);
   return set;
 }
 
@@ -339,7 +332,11 @@ Result<RestoredDataFile> RestoreDataFile(Session& session, const fs::path& typed
   auto check = CheckSource(session, source);
   if (!check) return std::unexpected(check.error());
   UsableSource usable(source, place);
-  if (auto prepared = usable.Prepare(session, windows); !prepared) return std::unexpected(prepared.error());
+  try {
+    if (auto prepared = usable.Prepare(session, windows); !prepared) return std::unexpected(prepared.error());
+  } catch (const Failure& failure) {
+    return Refuse("Restore Error", fmt::format("{}: {}.\nNothing was replaced.", failure.subject, failure.cause), "PATH");
+  }
   if (usable.Updated()) {
     check->content = ProveContent(session, usable.Path());
     check->faults.insert(check->faults.end(), check->content.faults.begin(), check->content.faults.end());

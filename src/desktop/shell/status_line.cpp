@@ -35,10 +35,6 @@ QString AgeOf(const Session& session, const DateTime& made) {
   return days == 1 ? StatusLine::tr(", yesterday") : StatusLine::tr(", %1 days ago").arg(days);
 }
 
-bool IsProven(const BackupSet& set) {
-  return set.proof && set.proof->content.Sound();
-}
-
 // What is wrong with it too: the first fault, and how many there are besides.
 QString SetText(const Session& session, const BackupSet& set) {
   const QString when = TimeOf(set.made) + AgeOf(session, set.made);
@@ -67,8 +63,8 @@ QString BackupText(const Session& session) {
   const QString last = failedLast ? StatusLine::tr("The automatic backup of %1 failed (%2)")
                                         .arg(TimeOf(failed->when) + AgeOf(session, failed->when), Q(failed->cause))
                                   : SetText(session, sets.back());
-  if (!failedLast && IsProven(sets.back())) return last;
-  const auto proven = std::find_if(sets.rbegin(), sets.rend(), IsProven);
+  if (!failedLast && sets.back().Proven()) return last;
+  const auto proven = std::ranges::find_if(sets.rbegin(), sets.rend(), &BackupSet::Proven);
   if (proven == sets.rend()) return StatusLine::tr("%1; none is proven").arg(last);
   return StatusLine::tr("%1; the last proven one is of %2").arg(last, TimeOf(proven->made) + AgeOf(session, proven->made));
 }

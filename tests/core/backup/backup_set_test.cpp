@@ -9,6 +9,7 @@
 #include "core/backup/failed_backup.h"
 #include "core/base/digest.h"
 #include "core/base/files.h"
+#include "core/datafile/row_checks.h"
 #include "support/data_files.h"
 
 namespace vellumark {
@@ -233,15 +234,34 @@ TEST_F(BackupSets, PruningAtExactlyThirtyOfThisFile) {
   }
 }
 
-TEST_F(BackupSets, AFileWithFaultsIsBackedUpAndTheyAreTold) {
+TEST_F(BackupSets, AFileWithFaultsIsBackedUpTheyAreToldAndTheLastProvenSetStays) {
+  room.folder.Breaks("Structure");
   room.folder.Breaks("UniqueNames");
-  {
-    const auto opened = Database::Open(file, OpenMode::Exclusive);
-    opened->Execute("INSERT INTO INK_Basic (Color_Name) VALUES ('red')");
+  room.clock.Set({2024, 12, 30, 9, 0, 0});
+  const fs::path proven = Make().folder;
+  OldSets(29);
+  const auto change = [&](const char* sql) { Database::Open(file, OpenMode::Exclusive)->Execute(sql); };
+  change("INSERT INTO INK_Basic (Color_Name) VALUES ('red')");
+  for (int day = 10; day < 13; ++day) {
+    room.clock.Set({2026, 3, day, 9, 0, 0});
+    room.prompt.Expect("Backup");
+    room.session.DataFileName = file.string();
+    const auto set = ShutdownBackup(room.session, day == 11 ? "Exit" : "AutoBackup");
+    ASSERT_FALSE(set->Proven());
+    EXPECT_NE(room.prompt.last.text.find("but the Data File has faults"), std::string::npos);
+    EXPECT_NE(room.prompt.last.text.find("INK_Basic, row 2 (red)"), std::string::npos);
+    const std::vector<std::string> names = Names();
+    ASSERT_EQ(names.size(), 30U);
+    EXPECT_EQ(names[0], proven.filename());
+    EXPECT_EQ(names[1], SetName({2025, 1, day - 8, 8, 0, 0}));
   }
-  const BackupSet set = Make();
-  ASSERT_FALSE(set.proof->content.Sound());
-  EXPECT_NE(set.proof->content.faults.front().find("INK_Basic"), std::string::npos);
+  change("DELETE FROM INK_Basic WHERE Color_Name = 'red' AND RowKey = 2");
+  AcceptRows(*Database::Open(file, OpenMode::Exclusive));
+  room.clock.Set({2026, 3, 13, 9, 0, 0});
+  room.prompt.Expect("Backup Complete");
+  ASSERT_TRUE(ShutdownBackup(room.session, "Exit")->Proven());
+  EXPECT_FALSE(fs::exists(proven));
+  EXPECT_EQ(Names().size(), 30U);
 }
 
 TEST_F(BackupSets, WhatFailsLeavesTheSetsAsTheyWere) {

@@ -67,6 +67,14 @@ TEST_F(Backups, ABackupLeavesTheFileOpenAndTellsTheDay) {
   EXPECT_EQ(dates.DayBeforeNextBackupDate, (DateTime{2026, 3, 11}));
   EXPECT_EQ(GetSetting(room.session, setting::BackupRestoreFileLocation), stick.string());
 
+  // That the file has faults is told in the place of the success.
+  room.folder.Breaks("UniqueNames");
+  Add("red");
+  room.prompt.Expect("Backup");
+  EXPECT_FALSE(BackUpToFolder(room.session, stick)->Proven());
+  EXPECT_NE(room.prompt.last.text.find("INK_Basic, row 2 (red)"), std::string::npos) << room.prompt.last.text;
+  room.session.File().Execute("DELETE FROM INK_Basic WHERE RowKey = 2");
+
   // A failure moves no date and leaves the file open.
   room.clock.Set({2026, 3, 20, 9, 0, 0});
   WriteFile(room.folder / "Full", "a file");

@@ -31,7 +31,7 @@ void MaskHeader(std::string& page);
 template <class T>
 requires std::is_arithmetic_v<T> T Read(std::string_view bytes, std::size_t at) {
   T value{};
-  std::memcpy(&value, bytes.substr(at).data(), sizeof value);
+  bytes.copy(reinterpret_cast<char*>(&value), sizeof value, at);
   return value;
 }
 

@@ -66,7 +66,7 @@ class StreamReader {
   void Row(JetRow& row);
 
  private:
-  static constexpr std::size_t kBuffer = 256 * 1024;
+  static constexpr std::size_t kBuffer = std::size_t{256} * 1024;
 
   template <class T>
   T Get();

@@ -161,7 +161,7 @@ class SystemTables {
 
  private:
   std::uint32_t AddMap(const PageSet& pages) {
-    const std::string row = pages.Row([this](std::string page) {
+    const std::string row = pages.Row([this](const std::string& page) {
       const std::uint32_t number = newPage_();
       write_(number, page);
       return number;
