@@ -184,8 +184,17 @@ TEST(CloudCli, ThirtyBackupsAreTheMost) {
   // Two of one second are two.
   const std::vector<std::string> backUp{"--now", "2026-03-10 17:00:00", "cloud", "backup"};
   EXPECT_EQ(shop.Run(backUp).status, 0);
+  // Of a file with faults; that is told.
+  const fs::path file = shop.Json({"file", "info"})["DataFileName"].get<std::string>();
+  const auto change = [&](const char* sql) { Database::Open(file, OpenMode::Exclusive)->Execute(sql); };
+  change("UPDATE INK_Basic SET VOC = 0.1 WHERE Color_Name = 'BLUE'");  // a Double, which no Single is
+  const auto faulty = shop.Json(backUp);
+  EXPECT_EQ(faulty["Verified"], false);
+  EXPECT_EQ(faulty["Ending"][2], "The Data File has faults, and the backup has them too:");
+  EXPECT_EQ(faulty["Ending"].back(), "Repair it, and back up again.");
+  change("UPDATE INK_Basic SET VOC = 0 WHERE Color_Name = 'BLUE'");
   const fs::path backups = server.Root() / "A100/Backups";
-  for (int i = 1; i < 29; ++i) ReplaceFile(backups / ("X_Backup_" + std::to_string(i) + ".vkd"), "x");
+  for (int i = 2; i < 29; ++i) ReplaceFile(backups / ("X_Backup_" + std::to_string(i) + ".vkd"), "x");
   server.Own();
   const auto last = shop.Json(backUp);
   EXPECT_EQ(last["OnFile"], 30);
