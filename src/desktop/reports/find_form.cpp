@@ -22,6 +22,7 @@ namespace {
 
 constexpr int kFieldsWidth = 480;
 constexpr int kComparisonWidth = 128;
+constexpr int kNameWidth = 192;
 constexpr int kColumnWidth = 136;
 constexpr int kLeastValueWidth = 120;
 constexpr int kMostValueWidth = 200;
@@ -264,7 +265,7 @@ void FindForm::Show(const FindAnswer& answer) {
   std::vector<GridColumn> columns;
   for (const TableColumn& column : answer.table.columns) {
     GridColumn shown = ShownColumn(column, columns.empty());
-    shown.width = kColumnWidth;
+    shown.width = columns.empty() ? kNameWidth : kColumnWidth;
     columns.push_back(std::move(shown));
   }
   const GridSort sort = grid_->Sort();
