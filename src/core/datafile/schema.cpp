@@ -362,7 +362,7 @@ std::vector<std::string> MissingParts(Database& file, const std::vector<std::str
       missing.push_back("table " + name);
       return;
     }
-    for (const std::string& field : MissingFields(file, name, table)) missing.push_back("field " + name + "." + field);
+    for (const std::string& field : MissingFields(file, name, table)) missing.push_back(fmt::format("field {}.{}", name, field));
   };
   for (const Table* table : schema::Global()) check(table->name, *table);
   for (const std::string& database : databases)

@@ -3,6 +3,8 @@
 #include <fmt/format.h>
 
 #include <charconv>
+#include <iterator>
+#include <memory>
 
 #include "core/base/text.h"
 #include "core/datafile/schema.h"
@@ -61,7 +63,8 @@ UndoEntry EntryOf(const Statement& row) {
     const std::size_t tab = line.find('\t');
     if (tab == std::string_view::npos) continue;
     std::int64_t end = 0;
-    std::from_chars(line.data(), line.data() + tab, end);
+    const char* const first = std::to_address(line.begin());
+    std::from_chars(first, std::next(first, static_cast<std::ptrdiff_t>(tab)), end);
     entry.ends.emplace_back(std::string(line.substr(tab + 1)), end);
   }
   return entry;

@@ -19,7 +19,9 @@ const auto kToldColumns = setting::Columns.Of("FormulaFile");
 
 ColumnMapping RememberedColumns(const Session& session) {
   ColumnMapping mapping;
-  for (const std::string& told : SplitColumnSet(GetSetting(session, kToldColumns))) (void)TakeMapping(mapping, told);
+  // What an earlier program kept otherwise is asked for with the next file.
+  for (const std::string& told : SplitColumnSet(GetSetting(session, kToldColumns)))
+    if (!TakeMapping(mapping, told)) continue;
   return mapping;
 }
 
@@ -37,7 +39,7 @@ FormulaFileOptions FileOptions(const Session& session, std::optional<FormulaForm
 }
 
 GridHead ReadGridHead(const std::filesystem::path& path, const ColumnMapping& mapping, std::size_t rows) {
-  constexpr std::size_t kFront = 256 * 1024;
+  constexpr std::size_t kFront = std::size_t{256} * 1024;
   const std::string text = TextOfAnyEncoding(ReadFileBytes(path, kFront));
   GridHead head;
   RowCutter cutter(text, SeparatorOf(text));
@@ -57,7 +59,7 @@ Result<FormulaTable> ReadFormulaFile(const std::filesystem::path& path, const Fo
 }
 
 std::filesystem::path WriteWorkFile(const std::filesystem::path& folder, const FormulaTable& table) {
-  const std::filesystem::path path = folder / (std::filesystem::path(table.source).stem().string() + ".txt");
+  std::filesystem::path path = folder / (std::filesystem::path(table.source).stem().string() + ".txt");
   const WorkFileText text = WorkTextOf(table);
   std::string_view step = "Couldn't print Header on the output file.";
   return InWords(path.string(), [&] { return step; }, [&] {

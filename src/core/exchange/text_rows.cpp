@@ -10,7 +10,7 @@
 namespace vellumark {
 namespace {
 
-constexpr std::size_t kLongestQuoted = 64 * 1024;
+constexpr std::size_t kLongestQuoted = std::size_t{64} * 1024;
 
 // Without its mark UTF-16 shows by the zeros that the letters of our script have in every other byte.
 std::optional<bool> BigEndianByZeros(std::string_view bytes) {

@@ -169,7 +169,7 @@ Result<std::string> RenameDesign(Session& session, std::string_view id, std::str
   if (auto allowed = RequireAct(session, Act::Work); !allowed) return std::unexpected(allowed.error());
   auto design = FindDesign(session, id);
   if (!design) return std::unexpected(design.error());
-  const std::string newID = ReadDesignID(typed);
+  std::string newID = ReadDesignID(typed);
   if (newID == design->DesignID)
     return Refuse("Choose Another Name", "Cannot rename a Design with the same name.\n\nPlease enter a different name.",
                   "DesignID");
@@ -193,7 +193,7 @@ Result<std::string> CopyDesign(Session& session, std::string_view id, std::strin
   if (auto allowed = RequireAct(session, Act::Work); !allowed) return std::unexpected(allowed.error());
   auto design = FindDesign(session, id);
   if (!design) return std::unexpected(design.error());
-  const std::string newID = ReadDesignID(typed);
+  std::string newID = ReadDesignID(typed);
   if (auto free = CheckNewDesignID(session, newID); !free) return std::unexpected(free.error());
   Transaction transaction(session.File());
   UndoStep step(session, Undoable::CopyDesign, fmt::format("Copy the Design {} as {}", design->DesignID, newID));

@@ -77,7 +77,7 @@ std::vector<std::string> LibraryPhotos(const Session& session) {
 
 std::optional<fs::path> PhotoFile(const Session& session, std::string_view name) {
   std::error_code error;
-  const fs::path exact = PhotoFolder(session) / std::string(name);
+  fs::path exact = PhotoFolder(session) / std::string(name);
   if (name.empty()) return std::nullopt;
   if (fs::is_regular_file(exact, error)) return exact;
   for (const std::string& photo : LibraryPhotos(session))

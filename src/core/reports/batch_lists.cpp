@@ -84,8 +84,8 @@ void AddFigures(TableOf<ListedBatch>& table, const ReportContext& context) {
   using Row = ListedBatch;
   using Sum = BatchFiguresSum;
   const int decimals = context.session.DecimalPlaces;
-  const auto qty = [&](const char* key, std::int64_t Sum::*figure, std::string caption) {
-    table.Add(key, OnFirst(ShownQty<Row>(figure)), std::move(caption), Format::Amount).Sum();
+  const auto qty = [&](const char* key, std::int64_t Sum::*figure, const std::string& caption) {
+    table.Add(key, OnFirst(ShownQty<Row>(figure)), caption, Format::Amount).Sum();
   };
   const auto cost = [&](const char* key, Currency Sum::*figure, const char* caption) {
     table.Add(key, OnFirst(ShownCost<Row>(figure)), context.InMoney(caption), Format::Money, decimals).Sum();

@@ -65,7 +65,7 @@ QuickIndex::QuickIndex(Session& session) : session_(session) {
 void QuickIndex::SetCommands(const std::vector<std::pair<std::string, std::string>>& commands) {
   Part part;
   std::int32_t number = 0;
-  for (const auto& [name, detail] : commands) part.Add({name, detail, number++, {}, {}}, name + " " + detail);
+  for (const auto& [name, detail] : commands) part.Add({name, detail, number++, {}, {}}, fmt::format("{} {}", name, detail));
   parts_[Place(Kind::Command)] = std::move(part);
 }
 

@@ -64,6 +64,7 @@ ListTable Movement(const ReportContext& context) {
   using Row = MoveRow;
   const std::string database = context.databases.front();
   TableOf<Row> table;
+  // NOLINTNEXTLINE(bugprone-return-const-ref-from-parameter): the row outlives the cell that is made of it
   AddColorColumns<Row>(table, [](const Row& r) -> const MoveRow& { return r; });
   const auto quantity = [&](const char* key, std::int64_t StockMoves::*move) {
     table

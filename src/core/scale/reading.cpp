@@ -12,7 +12,7 @@ constexpr char kXOn = 0x11;
 constexpr char kXOff = 0x13;
 constexpr std::size_t kHead = 3;
 constexpr std::size_t kTail = 4;
-constexpr std::size_t kMostKept = 2 * kReplyLength;  // more is no reply any more, however much comes
+constexpr std::size_t kMostKept = std::size_t{2} * kReplyLength;  // more is no reply any more, however much comes
 
 }  // namespace
 

@@ -268,7 +268,7 @@ void OpenRestored(Session& session, const fs::path& source, RestoreFrom from, Op
 
 // Where it is restored to: over the known Data File, also where that is lost, but not into a folder that is gone with it.
 fs::path PlaceToRestore(const Session& session) {
-  const fs::path known = session.DataFileName;
+  fs::path known = session.DataFileName;
   std::error_code ignored;
   if (!known.empty() && fs::is_directory(RealPath(known).parent_path(), ignored)) return known;
   const fs::path place = session.ProgramFolder / kDefaultDataFile;

@@ -209,7 +209,7 @@ class TableWriter {
   std::uint32_t MapPointer(std::size_t map) const { return PointerTo(mapPages_[map / kMapsOnPage], map % kMapsOnPage); }
 
   std::string MapRow(const PageSet& set) {
-    return set.Row([this](std::string page) {
+    return set.Row([this](const std::string& page) {
       const std::uint32_t number = file_.NewPage();
       file_.WritePage(number, page);
       return number;
