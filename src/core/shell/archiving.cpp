@@ -33,7 +33,7 @@ Result<ArchivePreview> ArchiveDataFile(Session& session) {
     return Refuse(std::string(kTitle), fmt::format("The Batch {} of {} is open. Save or clear it first.",
                                                    BatchNoText(batch.BatchNo), batch.database));
   RunPendingPasses(session);
-  const ArchivePreview preview = PreviewArchive(session);
+  ArchivePreview preview = PreviewArchive(session);
   if (preview.Records() == 0)
     return Refuse(std::string(kTitle), fmt::format("There are no Batch & Job Records dated {} or before.",
                                                    preview.cutoff.DateText()));

@@ -92,7 +92,7 @@ CloudWork ListBackups(CloudFiles into) {
   };
 }
 
-CloudWork DeleteBackups(std::vector<CloudFile> files) {
+CloudWork DeleteBackups(const std::vector<CloudFile>& files) {
   return [names = NamesOf(files)](CloudDesk& desk, bool) { return DoneOf(DeleteCloudBackups(desk, names)); };
 }
 
@@ -105,7 +105,7 @@ CloudWork ListReports(CloudFiles into) {
   };
 }
 
-CloudWork DeleteReports(std::vector<CloudFile> files) {
+CloudWork DeleteReports(const std::vector<CloudFile>& files) {
   return [names = NamesOf(files)](CloudDesk& desk, bool) { return DoneOf(DeleteCloudReports(desk, names)); };
 }
 
@@ -116,14 +116,14 @@ CloudWork SendReport(std::string name, std::string text) {
 }
 
 CloudWork FetchBackup(std::string name, std::shared_ptr<Fetched> into) {
-  return [name = std::move(name), into](CloudDesk& desk, bool photos) {
+  return [name = std::move(name), into = std::move(into)](CloudDesk& desk, bool photos) {
     return DoneOf(FetchCloudBackup(desk, name, photos),
                      [&](const CloudBackupFetched& made) { *into = {made.dataFile, made.supportFolder}; });
   };
 }
 
 CloudWork FetchSupportFiles(std::string name, std::shared_ptr<Fetched> into) {
-  return [name = std::move(name), into](CloudDesk& desk, bool) {
+  return [name = std::move(name), into = std::move(into)](CloudDesk& desk, bool) {
     return DoneOf(FetchCloudSupportFiles(desk, name),
                      [&](const CloudBackupFetched& made) { *into = {made.dataFile, made.supportFolder}; });
   };
@@ -154,7 +154,7 @@ CloudWork DeleteReportsOfUsers(std::vector<CloudFile> files) {
 }
 
 CloudWork FetchDataFileOf(std::string account, std::shared_ptr<Fetched> into) {
-  return [account = std::move(account), into](CloudDesk& desk, bool photos) {
+  return [account = std::move(account), into = std::move(into)](CloudDesk& desk, bool photos) {
     const auto made = FetchUserDataFile(desk, account, photos);
     if (made) into->dataFile = made->dataFile;
     return DoneOf(made);

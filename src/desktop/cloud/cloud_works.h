@@ -25,10 +25,10 @@ struct CloudFile {
 using CloudFiles = std::shared_ptr<std::vector<CloudFile>>;
 
 CloudWork ListBackups(CloudFiles into);
-CloudWork DeleteBackups(std::vector<CloudFile> files);
+CloudWork DeleteBackups(const std::vector<CloudFile>& files);
 
 CloudWork ListReports(CloudFiles into);
-CloudWork DeleteReports(std::vector<CloudFile> files);
+CloudWork DeleteReports(const std::vector<CloudFile>& files);
 CloudWork SendReport(std::string name, std::string text);
 
 /// What a restore goes on with.

@@ -37,7 +37,7 @@ QString ChooseFile(const FileChoice& choice, QWidget* owner) {
 QString ChooseDocument(const FileChooser& choose, Prompt& prompt, FileChoice choice, QWidget* owner) {
   choice.folder = QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation);
   choice.newFile = true;
-  const QString file = choose(choice, owner);
+  QString file = choose(choice, owner);
   std::error_code none;
   if (!file.isEmpty() && std::filesystem::exists(U8(file), none) &&
       !prompt.Ask("Overwrite File", "Overwrite existing file?", Answer::No))

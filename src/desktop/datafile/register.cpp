@@ -15,7 +15,7 @@
 namespace vellumark::desktop {
 
 void RegisterDatafileWindows(WindowList& windows, StartupWindows& startup, DataFilePlatform platform) {
-  const FileChooser choose = platform.choose;
+  const FileChooser choose = std::move(platform.choose);
   const auto searchRoot = platform.searchRoot ? platform.searchRoot : DriveRoot;
   windows.RegisterDialog("NewDataFileForm", [&startup, choose](WindowList& list, QWidget* owner) -> Dialog* {
     return new NewDataFileForm(list, owner, startup, choose);
