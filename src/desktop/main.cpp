@@ -25,6 +25,7 @@
 #include "desktop/shell/program.h"
 #include "desktop/tools/register.h"
 
+// NOLINTNEXTLINE(bugprone-exception-escape): what fails before there is a window ends the program with its words
 int main(int argc, char** argv) {
   vellumark::desktop::Application application(argc, argv);
   QCoreApplication::setApplicationName("vellumark");

@@ -7,6 +7,8 @@
 #include <charconv>
 #include <chrono>
 #include <exception>
+#include <iterator>
+#include <memory>
 #include <optional>
 #include <utility>
 
@@ -187,7 +189,8 @@ int CurlFtp::OnSocket(void* self, curl_socket_t, curlsocktype) {
 void CurlFtp::Hear(std::string_view line) {
   while (!line.empty() && (line.back() == '\r' || line.back() == '\n')) line.remove_suffix(1);
   int code = 0;
-  if (line.size() < 3 || std::from_chars(line.data(), line.data() + 3, code).ec != std::errc() || code < 100) return;
+  const char* const first = std::to_address(line.begin());
+  if (line.size() < 3 || std::from_chars(first, std::next(first, 3), code).ec != std::errc() || code < 100) return;
   if (line.size() > 3 && line[3] != ' ') return;
   reply_ = {code, std::string(line.size() > 4 ? line.substr(4) : std::string_view())};
   if (command_ == "CCC" && code >= 400) clearingRefused_ = true;
@@ -247,7 +250,7 @@ void CurlFtp::Reset(const std::string& url) {
   Set(CURLOPT_QUICK_EXIT, 1L);  // else a name that nobody resolves is waited for beyond every limit of time
   Set(CURLOPT_CONNECTTIMEOUT_MS, static_cast<long>(times_.connect));
   Set(CURLOPT_ACCEPTTIMEOUT_MS, static_cast<long>(times_.stall));
-  Set(CURLOPT_SERVER_RESPONSE_TIMEOUT, static_cast<long>(times_.stall / 1000 + 1));
+  Set(CURLOPT_SERVER_RESPONSE_TIMEOUT, static_cast<long>(times_.stall) / 1000 + 1);
   Set(CURLOPT_TCP_KEEPALIVE, 1L);
   Set(CURLOPT_BUFFERSIZE, kPiece);
   Set(CURLOPT_UPLOAD_BUFFERSIZE, kPiece);

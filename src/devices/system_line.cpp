@@ -45,9 +45,9 @@ QSerialPort::FlowControl FlowOf(LineHandshaking handshaking) {
 
 // The file of a port, on systems where it has one.
 std::filesystem::path DeviceFile(const QSerialPort& port) {
-  const std::filesystem::path path = QSerialPortInfo(port.portName()).systemLocation().toStdString();
+  std::filesystem::path path = QSerialPortInfo(port.portName()).systemLocation().toStdString();
   if (path.is_absolute()) return path;
-  const std::filesystem::path named = port.portName().toStdString();
+  std::filesystem::path named = port.portName().toStdString();
   return named.is_absolute() ? named : std::filesystem::path();
 }
 

@@ -99,6 +99,7 @@ std::string Source::OldText(std::string_view bytes) const {
   const int codePage = handle_->f->code_page;
   if (codePage == 0 || codePage == kOurCodePage) return FromCp1252(bytes);
   const iconv_t converter = iconv_open("UTF-8", fmt::format("CP{}", codePage).c_str());
+  // NOLINTNEXTLINE(performance-no-int-to-ptr): so iconv says that it has no such code page
   if (converter == reinterpret_cast<iconv_t>(-1)) return FromCp1252(bytes);
   constexpr std::size_t kWidest = 4;
   std::string text(bytes.size() * kWidest, '\0');

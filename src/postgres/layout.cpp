@@ -214,7 +214,7 @@ void PostgresDatabase::CopyTables(PostgresDatabase& copy) {
         "{1}.{0} ORDER BY {3}; ALTER TABLE {2}.{0} ADD PRIMARY KEY ({3}); SELECT setval(pg_get_serial_sequence({4}, "
         "{5}), "
         "COALESCE(MAX({3}), 0) + 1, false) FROM {2}.{0}",
-        name, from, to, QuotedName(key), QuotedText(to + "." + name), QuotedText(key)));
+        name, from, to, QuotedName(key), QuotedText(fmt::format("{}.{}", to, name)), QuotedText(key)));
     copy.Tell(told, StoredFields(told));
   }
   const Answer indexes = connection_.Run(

@@ -40,7 +40,7 @@ struct Shop : test::CliRoom {
   }
   void Knows(const std::vector<std::string>& accounts) {
     std::string lines;
-    for (const std::string& number : accounts) lines += number + ",Shop " + number + "\r\n";
+    for (const std::string& number : accounts) lines.append(number).append(",Shop ").append(number).append("\r\n");
     ReplaceFile(folder / "VKCloudShareUsers.txt", lines);
     EXPECT_EQ(Run({"cloud", "accounts-import", (folder / "VKCloudShareUsers.txt").string()}).status, 0);
   }

@@ -69,7 +69,7 @@ TEST(CliReport, ListsAndRunsReports) {
 
 TEST(CliReport, SavesReportsAndRangesAndWritesFiles) {
   const ReportShop shop;
-  const auto text = [&](std::vector<std::string> words) {
+  const auto text = [&](const std::vector<std::string>& words) {
     const test::CliAnswer answer = shop.Run(words);
     EXPECT_EQ(answer.status, 0) << answer.err;
     return answer.out;
@@ -117,7 +117,7 @@ TEST(CliReport, SavesReportsAndRangesAndWritesFiles) {
 TEST(CliReport, TakesEveryOption) {
   const ReportShop shop;
   shop.Json({"db", "create", "WEB"});
-  const auto rows = [&](std::vector<std::string> words) { return shop.Json(words)["Rows"]; };
+  const auto rows = [&](const std::vector<std::string>& words) { return shop.Json(words)["Rows"]; };
   EXPECT_EQ(rows({"report", "run", "InventoryDetailAllDBs", "--databases", "WEB"}).size(), 0U);
   const ordered_json both =
       rows({"report", "run", "InventoryReportsForm", "--databases", "INK", "--databases", "WEB", "--set", "ShowMixes=0",

@@ -231,7 +231,7 @@ std::vector<Line> Lines(const test::CliRoom& room) {
 }
 
 // The verbs that the program's help tells, by "noun verb".
-std::set<std::string> CommandsOfHelp(const test::CliRoom& room, std::vector<std::string> words = {}) {
+std::set<std::string> CommandsOfHelp(const test::CliRoom& room, const std::vector<std::string>& words = {}) {
   std::vector<std::string> help = words;
   help.emplace_back("--help");
   const std::string text = room.Run(help).out;

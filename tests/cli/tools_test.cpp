@@ -25,7 +25,7 @@ struct ToolShop : test::CliRoom {
     const ordered_json mix = Json({"formula", "show", name});
     std::string text;
     for (int n = 0; n < 15; ++n)
-      if (const std::string slot = std::to_string(n); mix["BC" + slot] != "")
+      if (const std::string slot = std::to_string(n); !mix["BC" + slot].get<std::string>().empty())
         text += mix["BC" + slot].get<std::string>() + " " + mix["BQ" + slot].dump() + " ";
     return text + mix["AddSetName"].get<std::string>();
   }

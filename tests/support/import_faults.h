@@ -40,7 +40,7 @@ inline const std::vector<ImportFault>& ImportFaults() {
       {Refused, "Couldn't open textfile.", "a.xls", "\xD0\xCF\x11\xE0 and so on"},
       {Refused, "Couldn't read textfile Field Headers.", "a.txt", "Hello\nworld\n"},
       {Refused, "No Color Name field found in textfile Field Headers", "a.txt", "Color Code\tNotes\nR1\tdear\n"},
-      {Refused, "Couldn't read textfile data at line 3", "a.txt", std::string("Color Name\tNotes\nA\tB\nC\t\0\n", 28)},
+      {Refused, "Couldn't read textfile data at line 3", "a.txt", std::string("Color Name\tNotes\nA\tB\nC\t\0\n", 25)},
       {Compared, "Couldn't interpret textfile data at line 3: an ingredient has no amount", "a.mfe",
        "INK\nA\tRED\t1\nB\tRED\n"},
       {Compared, "The Master Formula at line 3 of the import file. B" + noFormula, "a.mfe", "INK\nA\tRED\t1\nB\n"},

@@ -107,7 +107,9 @@ Window* WindowList::Make(const std::string& name) {
   Window* window = factory->second(*this);
   room_.clear();
   if (window->Name() != name) throw std::logic_error("window " + name + " calls itself " + window->Name());
-  if (window->parentWidget() == room.get()) static_cast<void>(room.release());  // the place has it
+  if (window->parentWidget() == room.get()) {
+    [[maybe_unused]] const QWidget* const placed = room.release();  // the place has it
+  }
   return window;
 }
 

@@ -1,5 +1,6 @@
 #include "desktop/labels/label_window.h"
 
+#include <QApplication>
 #include <QHBoxLayout>
 #include <QScrollArea>
 #include <QScrollBar>

@@ -23,7 +23,7 @@ inline constexpr std::array<LabelWindows, 3> kLabelWindows{{
     {LabelKind::Formula, "Formula_LabelForm", "Formula_LabelLayoutForm", "Formula_LabelSaveForm",
      QT_TRANSLATE_NOOP("LabelMenu", "&Formula Labels")},
 }};
-inline constexpr const LabelWindows& WindowsOf(LabelKind kind) {
+constexpr const LabelWindows& WindowsOf(LabelKind kind) {
   return kLabelWindows.at(static_cast<std::size_t>(kind));
 }
 

@@ -1,5 +1,7 @@
 // The pages of the layout windows that all kinds of labels have.
 
+#include <fmt/format.h>
+
 #include <QAbstractItemView>
 #include <QFontDatabase>
 #include <QGridLayout>
@@ -34,7 +36,7 @@ LayoutWindow::Keys LayoutWindow::SelectedKeys(const std::string& key) const {
   return [this, key] {
     std::vector<std::string> keys;
     for (const std::string& name : surface_->Selected()) {
-      const std::string full = name + " " + key;
+      const std::string full = fmt::format("{} {}", name, key);
       if (std::ranges::any_of(Design().Records(), [&](const SupportRecord& r) { return r.key == full; }))
         keys.push_back(full);
     }

@@ -221,7 +221,7 @@ SheetBlock ChartBlock(const ReportChart& chart) {
 }
 
 QString ChartTitle(const ReportChart& chart) {
-  return Tr("%1 by %2").arg(Q(chart.figure).trimmed(), Tr(ChartGroupName(chart.group).data()));
+  return Tr("%1 by %2").arg(Q(chart.figure).trimmed(), Tr(std::string(ChartGroupName(chart.group)).c_str()));
 }
 
 }  // namespace vellumark::desktop

@@ -94,7 +94,7 @@ void ChartPanel::ShowChoices() {
   QStringList figures;
   for (const std::size_t column : figures_) figures += Q(report_->columns[column].Caption()).trimmed();
   QStringList groups;
-  for (const ChartGroup group : groups_) groups += tr(ChartGroupName(group).data());
+  for (const ChartGroup group : groups_) groups += tr(std::string(ChartGroupName(group)).c_str());
   fill(*figure_, figures, "/figure", report_ ? UsualChartFigure(*report_, figures_) : 0);
   fill(*group_, groups, "/group", UsualChartGroup(groups_));
 }

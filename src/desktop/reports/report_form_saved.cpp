@@ -1,3 +1,5 @@
+#include <fmt/format.h>
+
 #include <QLineEdit>
 
 #include "core/base/number.h"
@@ -49,8 +51,8 @@ void ReportForm::OpenSaved(const std::string& name) {
   if (range_ != nullptr) {
     if (asked.from && asked.to) {
       quiet_ = true;
-      from_->SetDate(*asked.from);
-      to_->SetDate(*asked.to);
+      from_->SetDate(asked.from);
+      to_->SetDate(asked.to);
       quiet_ = false;
       range_->setCurrentIndex(kCustomRange);
     } else if (const int place = range_->findText(Q(asked.rangeName), Qt::MatchFixedString); place >= 0) {

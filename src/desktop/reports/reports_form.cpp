@@ -1,5 +1,7 @@
 #include "desktop/reports/reports_form.h"
 
+#include <fmt/format.h>
+
 #include <QApplication>
 #include <QHBoxLayout>
 #include <QListWidget>
@@ -82,7 +84,7 @@ QListWidget* ReportsForm::MakePane(Form form, const QString& title, const char* 
   });
   connect(list, &QListWidget::itemClicked, this, open);
   // A click has opened it; Enter does too.
-  connect(list, &QListWidget::itemActivated, this, [this, open](const QListWidgetItem* item) {
+  connect(list, &QListWidget::itemActivated, this, [open](const QListWidgetItem* item) {
     if (QApplication::mouseButtons() == Qt::NoButton) open(item);
   });
   return list;

@@ -37,9 +37,7 @@ void DesktopStartup::ShowMainWindow(const std::string& caption) {
   main_.SetCaption(caption);
   // On a small screen the title and a panel would push the commands at the bottom off it.
   const QSize room = main_.screen()->availableSize() - QSize(kFrame, kFrame);
-  if (main_.RecallPlace()) {
-    main_.show();
-  } else if (main_.width() > room.width() || main_.height() > room.height()) {
+  if (!main_.RecallPlace() && (main_.width() > room.width() || main_.height() > room.height())) {
     main_.showMaximized();
   } else {
     main_.show();

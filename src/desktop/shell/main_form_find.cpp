@@ -24,7 +24,7 @@ struct Command {
   std::function<void()> run;
 };
 
-QString Plain(QString caption) {
+QString Plain(const QString& caption) {
   return caption.section('\t', 0, 0).remove('&');
 }
 

@@ -60,7 +60,7 @@ QString BackupText(const Session& session) {
   const auto failed = LastFailedBackup(session, file);
   const bool failedLast = failed && (sets.empty() || sets.back().made < failed->when);
   if (sets.empty() && !failedLast) return StatusLine::tr("No automatic backup yet: one is made when the program closes");
-  const QString last = failedLast ? StatusLine::tr("The automatic backup of %1 failed (%2)")
+  QString last = failedLast ? StatusLine::tr("The automatic backup of %1 failed (%2)")
                                         .arg(TimeOf(failed->when) + AgeOf(session, failed->when), Q(failed->cause))
                                   : SetText(session, sets.back());
   if (!failedLast && sets.back().Proven()) return last;

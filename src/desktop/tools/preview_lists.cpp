@@ -1,5 +1,6 @@
 #include "desktop/tools/preview_lists.h"
 
+#include <QApplication>
 #include <QHBoxLayout>
 #include <QLocale>
 #include <QVBoxLayout>

@@ -1,5 +1,6 @@
 #include "desktop/tools/tool_parts.h"
 
+#include <QCoreApplication>
 #include <QHBoxLayout>
 
 #include "desktop/kit/icons.h"
