@@ -9,7 +9,7 @@
 
 namespace vellumark::desktop {
 
-void RegisterBackupWindows(WindowList& windows, StartupWindows& startup, FileChooser choose) {
+void RegisterBackupWindows(WindowList& windows, StartupWindows& startup, const FileChooser& choose) {
   windows.RegisterDialog("BackupFileLocationForm", [choose](WindowList& list, QWidget* owner) -> Dialog* {
     return new BackupFileLocationForm(list, owner, choose);
   });
@@ -19,7 +19,7 @@ void RegisterBackupWindows(WindowList& windows, StartupWindows& startup, FileCho
   windows.RegisterDialog<BackupReminderForm>("BackupReminderForm");
   windows.RegisterDialog<ArchiveForm>("ArchiveForm");
   windows.RegisterDialog<LookIntoSetForm>("LookIntoSetForm");
-  windows.RegisterDialog("RestoreFileLocationForm", [&startup, choose = std::move(choose)](WindowList& list, QWidget* owner) -> Dialog* {
+  windows.RegisterDialog("RestoreFileLocationForm", [&startup, choose](WindowList& list, QWidget* owner) -> Dialog* {
     return new RestoreFileLocationForm(list, owner, startup, choose);
   });
   windows.RegisterDialog("RestoreAutomaticForm", [&startup](WindowList& list, QWidget* owner) -> Dialog* {

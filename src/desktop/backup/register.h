@@ -13,6 +13,6 @@ class WindowList;
 /// BackupFileLocationForm, RestoreFileLocationForm, RestoreAutomaticForm, RepairForm; RestoreSupportFiles_FLoc and
 /// RestoreSupportFiles_AutoBackup, which only ask for the file; BackupReminderForm, which asks when the program closes, and
 /// BackupRemovableForm; ArchiveForm.
-void RegisterBackupWindows(WindowList& windows, StartupWindows& startup, FileChooser choose = ChooseFile);
+void RegisterBackupWindows(WindowList& windows, StartupWindows& startup, const FileChooser& choose = ChooseFile);
 
 }  // namespace vellumark::desktop
