@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <cmath>
+#include <map>
+#include <span>
 
 #include "core/backup/archive.h"
 #include "core/backup/check_run.h"
@@ -158,7 +160,7 @@ void CheckRowFields(CheckRun& run, const std::string& name, const Table& table, 
   for (std::size_t i = 0; i < table.fields.size(); ++i) {
     const Field& field = table.fields[i];
     const Value value = ReadableValue(run.file, name, table, row, i);
-    if (value.IsNull() || IsPlain(field, value)) continue;
+    if (value.IsNull() || IsPlain(field, KeptValue::Of(value))) continue;
     std::string what;
     try {
       if (FittedValue(field, name, value) == value) continue;
@@ -173,14 +175,27 @@ void CheckRowFields(CheckRun& run, const std::string& name, const Table& table, 
   }
 }
 
+void CheckTableFields(CheckRun& run, const std::string& name, const Table& table) {
+  if (run.Stopped()) return;
+  Statement rows = run.file.Prepare(fmt::format("SELECT {} FROM {}", ReadableColumns(table), Quoted(name)));
+  WalkRows(run, rows, RowCount(run.file, name), [&](const Statement& row) { CheckRowFields(run, name, table, row); });
+}
+
+// The place of each field of the layout among those that a table has.
+std::vector<std::size_t> PlacesOf(const Table& table, const std::vector<std::string>& fields) {
+  std::vector<std::size_t> places;
+  for (const Field& field : table.fields) {
+    const auto found =
+        std::ranges::find_if(fields, [&](const std::string& one) { return EqualNoCase(one, field.name); });
+    places.push_back(static_cast<std::size_t>(found - fields.begin()));
+  }
+  return places;
+}
+
 }  // namespace
 
 void CheckFields(CheckRun& run) {
-  ForEachTable(run, [&](const std::string& name, const Table& table) {
-    if (run.Stopped()) return;
-    Statement rows = run.file.Prepare(fmt::format("SELECT {} FROM {}", ReadableColumns(table), Quoted(name)));
-    WalkRows(run, rows, RowCount(run.file, name), [&](const Statement& row) { CheckRowFields(run, name, table, row); });
-  });
+  ForEachTable(run, [&](const std::string& name, const Table& table) { CheckTableFields(run, name, table); });
 }
 
 namespace {
@@ -213,9 +228,9 @@ std::string StrayText(StrayRow::What what) {
 
 }  // namespace
 
-// A copy that an earlier program made has nothing to compare with.
-void CheckRows(CheckRun& run) {
-  if (!HasRowChecks(run.file)) return;
+namespace {
+
+void WalkChecks(CheckRun& run, const LookAtTable& look) {
   ForEachStrayRow(
       run.file,
       [&](const StrayRow& stray) {
@@ -224,7 +239,44 @@ void CheckRows(CheckRun& run) {
                   whole ? "The table is gone, and this program did not remove it." : StrayText(stray.what));
       },
       [&](std::int64_t done, std::int64_t all) { return run.GoOn(done, all); },
-      [&](const ReadTable& table) { run.Read(table); });
+      [&](const ReadTable& table) { run.Read(table); }, look);
+}
+
+}  // namespace
+
+// A copy that an earlier program made has nothing to compare with.
+void CheckRows(CheckRun& run) {
+  if (HasRowChecks(run.file)) WalkChecks(run, {});
+}
+
+// What is plain at sight is nearly all; the others are read again, each by itself.
+void CheckFieldsWithRows(CheckRun& run, const std::function<void(const std::function<void()>&)>& asFields) {
+  std::map<std::string, const Table*> left;
+  ForEachTable(run, [&](const std::string& name, const Table& table) { left.emplace(name, &table); });
+  WalkChecks(run, [&](const std::string& name, const std::vector<std::string>& fields) -> RowLook {
+    const auto known =
+        std::ranges::find_if(left, [&](const auto& one) { return EqualNoCase(one.first, name); });
+    if (known == left.end()) return {};
+    const Table& table = *known->second;
+    const std::vector<std::size_t> places = PlacesOf(table, fields);
+    if (std::ranges::find(places, fields.size()) != places.end()) return {};
+    left.erase(known);
+    return [&run, &asFields, &table, places, name](std::int64_t row, std::span<const KeptValue> values) {
+      const auto fits = [&](std::size_t i) {
+        const KeptValue& value = values[places[i]];
+        return value.kind == KeptValue::Kind::Null || IsPlain(table.fields[i], value);
+      };
+      std::size_t i = 0;
+      while (i < places.size() && fits(i)) ++i;
+      if (i == places.size()) return;
+      Statement again = run.file.Prepare(
+          fmt::format("SELECT {} FROM {} WHERE {} = ?1", ReadableColumns(table), Quoted(name), table.rowKey));
+      if (again.Bind(1, row).Step()) asFields([&] { CheckRowFields(run, name, table, again); });
+    };
+  });
+  asFields([&] {
+    for (const auto& [name, table] : left) CheckTableFields(run, name, *table);
+  });
 }
 
 namespace {

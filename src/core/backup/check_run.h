@@ -65,6 +65,7 @@ class CheckRun {
   void RunRule(const CheckRule& rule);
   void RunRules(const std::vector<const CheckRule*>& rules);
   void RunLooks(const std::vector<const CheckRule*>& rules);
+  void RunValues(const CheckRule& fields, const CheckRule& rows);
   void LookAtFormulas(std::span<Findings> findings);
   bool MayFail();
   void Take(Findings& findings);
@@ -124,6 +125,9 @@ void CheckMarkers(CheckRun& run);
 void CheckStructure(CheckRun& run);
 void CheckRows(CheckRun& run);
 void CheckFields(CheckRun& run);
+/// The two rules above in one walk through a file that has digests of its rows; what is found within `asFields` is the
+/// fields'.
+void CheckFieldsWithRows(CheckRun& run, const std::function<void(const std::function<void()>&)>& asFields);
 void CheckUniqueNames(CheckRun& run);
 void CheckUsers(CheckRun& run);
 

@@ -153,6 +153,28 @@ void CheckRun::RunLooks(const std::vector<const CheckRule*>& rules) {
   for (Findings& one : findings) Take(one);
 }
 
+// Where the walk meets what cannot be read, each of the two for itself, as above.
+void CheckRun::RunValues(const CheckRule& fields, const CheckRule& rows) {
+  Findings ofFields{&fields};
+  Findings ofRows{&rows};
+  const std::size_t read = answer_.tables.size();
+  findings_ = &ofRows;
+  try {
+    CheckFieldsWithRows(*this, [&](const std::function<void()>& find) {
+      findings_ = &ofFields;
+      find();
+      findings_ = &ofRows;
+    });
+  } catch (const Failure&) {
+    answer_.tables.resize(read);
+    RunRule(fields);
+    RunRule(rows);
+    return;
+  }
+  Take(ofFields);
+  Take(ofRows);
+}
+
 namespace {
 
 // Of rules that run beside: they stop when the run does that they belong to.
@@ -227,9 +249,16 @@ void CheckRun::RunRules(const std::vector<const CheckRule*>& rules) {
     if (!GoOn(0, 1)) break;
     // From here on it is known which tables can be read.
     if (rules[i]->run == CheckFields && !IsBeside(*rules[i])) {
-      std::vector<const CheckRule*> values{rules[i]};
-      std::ranges::copy_if(rules, std::back_inserter(values), [](const CheckRule* rule) { return rule->look != nullptr; });
-      BeginBeside(values);
+      const bool together = i + 1 < rules.size() && rules[i + 1]->run == CheckRows && HasRowChecks(file);
+      std::vector<const CheckRule*> beside;
+      if (!together) beside.push_back(rules[i]);
+      std::ranges::copy_if(rules, std::back_inserter(beside), [](const CheckRule* rule) { return rule->look != nullptr; });
+      BeginBeside(beside);
+      if (together) {
+        RunValues(*rules[i], *rules[i + 1]);
+        ++i;
+        continue;
+      }
     }
     if (IsBeside(*rules[i])) continue;
     if (rules[i]->look == nullptr) {

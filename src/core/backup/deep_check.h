@@ -59,7 +59,7 @@ enum class CheckState {
 
 /// Checks the session's open file, of the present version, against the rules; only reads. Memory does not grow with the number of rows, but for
 /// a figure of each colour that has stock. Shows its progress, and may be cancelled. Of a file that is only looked at the
-/// structure, and values with formulas, are checked in threads of their own.
+/// structure and the formulas are checked in threads of their own.
 CheckAnswer CheckDataFileRules(Session& session, CheckDepth depth, CheckState state = CheckState::Closed);
 
 /// Rows that were changed past this program, taken as they stand from now on. What follows from a price or a recipe

@@ -5,13 +5,13 @@
 
 #include <algorithm>
 #include <array>
-#include <bit>
 #include <cstring>
 #include <utility>
 
 #include "core/base/digest.h"
 #include "core/base/refusal.h"
 #include "core/base/text.h"
+#include "core/datafile/engine_row_digest.h"
 #include "core/datafile/engine_sqlite.h"
 
 namespace vellumark {
@@ -33,33 +33,6 @@ std::int64_t KeyAt(std::int64_t block, std::size_t place) {
 // An entry of the log that begins with it has the rows of a table together. An earlier program wrote the name of the
 // table before each.
 constexpr std::uint64_t kRowsTogether = ~std::uint64_t{0};
-
-std::string_view BytesOf(sqlite3_value* value) {
-  const auto* bytes = static_cast<const char*>(sqlite3_value_blob(value));
-  return {bytes, static_cast<std::size_t>(sqlite3_value_bytes(value))};
-}
-
-// Of the values of a row from this column on. Nulls count for nothing, so that a field which is added to a table
-// changes no row. Never 0, which says that there is no row.
-std::uint64_t DigestOfColumns(sqlite3_stmt* row, int first) {
-  Digest digest;
-  const int columns = sqlite3_data_count(row);
-  for (int column = first; column < columns; ++column) {
-    sqlite3_value* value = sqlite3_column_value(row, column);
-    const int type = sqlite3_value_type(value);
-    if (type == SQLITE_NULL) continue;
-    const std::uint64_t place = static_cast<std::uint64_t>((column - first) * 8 + type) * 0xD6E8FEB86659FD93ULL;
-    if (type == SQLITE_INTEGER) {
-      digest.Add(static_cast<std::uint64_t>(sqlite3_value_int64(value)) ^ place);
-    } else if (type == SQLITE_FLOAT) {
-      digest.Add(std::bit_cast<std::uint64_t>(sqlite3_value_double(value)) ^ place);
-    } else {
-      digest.Add(place);
-      digest.Add(BytesOf(value));
-    }
-  }
-  return std::max<std::uint64_t>(digest.Value(), 1);
-}
 
 // Of an entry of the log, so that a bit that flips in it is not taken for one in a row.
 std::uint64_t DigestOfEntry(std::int64_t entry, std::string_view sums) {
@@ -558,7 +531,7 @@ void RowChecks::ForgetDropped() {
 
 void RowChecks::ForEachStrayRow(const std::function<void(const StrayRow&)>& found,
                                 const std::function<bool(std::int64_t done, std::int64_t all)>& goOn,
-                                const std::function<void(const ReadTable&)>& read) {
+                                const std::function<void(const ReadTable&)>& read, const LookAtTable& look) {
   const std::vector<std::string> tables = Tables();
   std::int64_t all = 0;
   for (const std::string& table : tables) {
@@ -572,7 +545,7 @@ void RowChecks::ForEachStrayRow(const std::function<void(const StrayRow&)>& foun
   for (const std::string& table : tables) {
     const auto sums = logged.find(table);
     ReadTable whole{table};
-    if (!CheckTable(whole, sums == logged.end() ? Sums() : sums->second, found, [&] { return goOn(++done, all); }))
+    if (!CheckTable(whole, sums == logged.end() ? Sums() : sums->second, found, [&] { return goOn(++done, all); }, look))
       return;
     if (read) read(whole);
   }
@@ -619,9 +592,11 @@ class RowChecks::Kept {
 
 // Rows and records side by side, both in the order of the keys.
 bool RowChecks::CheckTable(ReadTable& read, const Sums& logged, const std::function<void(const StrayRow&)>& found,
-                           const std::function<bool()>& goOn) {
+                           const std::function<bool()>& goOn, const LookAtTable& look) {
   const std::string& table = read.table;
   Query rows(*this, fmt::format("SELECT rowid, * FROM main.{} ORDER BY rowid", Quoted(table)));
+  const RowLook lookAtRow = look ? look(table, FieldsOf(rows.get())) : RowLook();
+  std::vector<KeptValue> values;
   Kept records(*this, table, logged);
   Record record;
   const auto next = [&] {
@@ -639,6 +614,10 @@ bool RowChecks::CheckTable(ReadTable& read, const Sums& logged, const std::funct
     const std::uint64_t digest = DigestOfColumns(rows.get(), 1);
     ++read.rows;
     read.digest += digest;
+    if (lookAtRow) {
+      ReadColumns(rows.get(), 1, values);
+      lookAtRow(key, values);
+    }
     while (record.stands && record.block < BlockOf(key)) {
       leave();
       next();
@@ -675,8 +654,8 @@ bool HasRowChecks(Database& file) {
 
 void ForEachStrayRow(Database& file, const std::function<void(const StrayRow&)>& found,
                      const std::function<bool(std::int64_t done, std::int64_t all)>& goOn,
-                     const std::function<void(const ReadTable&)>& read) {
-  dynamic_cast<SqliteDatabase&>(file).Rows().ForEachStrayRow(found, goOn, read);
+                     const std::function<void(const ReadTable&)>& read, const LookAtTable& look) {
+  dynamic_cast<SqliteDatabase&>(file).Rows().ForEachStrayRow(found, goOn, read, look);
 }
 
 ReadTable ReadRowsOf(Database& file, const std::string& table) {

@@ -73,7 +73,7 @@ class RowChecks {
 
   void ForEachStrayRow(const std::function<void(const StrayRow&)>& found,
                        const std::function<bool(std::int64_t done, std::int64_t all)>& goOn,
-                       const std::function<void(const ReadTable&)>& read);
+                       const std::function<void(const ReadTable&)>& read, const LookAtTable& look);
   ReadTable ReadRowsOf(const std::string& table);
 
  private:
@@ -129,7 +129,7 @@ class RowChecks {
   void KeepTable(const std::string& table);
   class Kept;
   bool CheckTable(ReadTable& read, const Sums& logged, const std::function<void(const StrayRow&)>& found,
-                  const std::function<bool()>& goOn);
+                  const std::function<bool()>& goOn, const LookAtTable& look);
   std::vector<std::string> Tables() const;
   [[noreturn]] void Throw() const;
 

@@ -85,18 +85,18 @@ Value ReadableValue(Database& file, std::string_view name, const Table& table, c
 namespace {
 
 // "2026-03-10 00:00:00", as a date is written.
-bool IsPlainDate(const Value& value) {
+bool IsPlainDate(std::string_view text) {
   constexpr std::string_view kShape = "0000-00-00 00:00:00";
-  const std::string& text = std::get<std::string>(value.Held());
   const auto fits = [](char shape, char c) { return shape == '0' ? c >= '0' && c <= '9' : c == shape; };
-  return text.size() == kShape.size() && std::ranges::equal(kShape, text, fits) && value.Date();
+  return text.size() == kShape.size() && std::ranges::equal(kShape, text, fits) && ParseDateTime(text);
 }
 
 }  // namespace
 
-bool IsPlain(const Field& field, const Value& value) {
-  if (value.IsWhole()) {
-    const auto within = [&](std::int64_t low, std::int64_t high) { return value.Whole() >= low && value.Whole() <= high; };
+bool IsPlain(const Field& field, const KeptValue& value) {
+  using Kind = KeptValue::Kind;
+  if (value.kind == Kind::Whole) {
+    const auto within = [&](std::int64_t low, std::int64_t high) { return value.whole >= low && value.whole <= high; };
     switch (field.type) {
       case FieldType::Boolean:
         return within(0, 1);
@@ -110,14 +110,15 @@ bool IsPlain(const Field& field, const Value& value) {
         return false;
     }
   }
-  if (value.IsNumber())
-    return field.type == FieldType::Single && static_cast<double>(static_cast<float>(value.Number())) == value.Number();
-  if (field.type == FieldType::Date) return IsPlainDate(value);
+  if (value.kind == Kind::Number)
+    return field.type == FieldType::Single && std::isfinite(value.number) &&
+           static_cast<double>(static_cast<float>(value.number)) == value.number;
+  if (value.kind != Kind::Text) return false;
+  if (field.type == FieldType::Date) return IsPlainDate(value.text);
   if (field.type != FieldType::Text && field.type != FieldType::Memo) return false;
-  const std::string& text = std::get<std::string>(value.Held());
-  if (text.empty()) return field.zeroLength;
-  if (field.type == FieldType::Text && text.size() > static_cast<std::size_t>(field.size)) return false;
-  return std::ranges::all_of(text, [](char c) { return static_cast<unsigned char>(c) - 1U < 0x7FU; });
+  if (value.text.empty()) return field.zeroLength;
+  if (field.type == FieldType::Text && value.text.size() > static_cast<std::size_t>(field.size)) return false;
+  return std::ranges::all_of(value.text, [](char c) { return static_cast<unsigned char>(c) - 1U < 0x7FU; });
 }
 
 namespace {
@@ -159,7 +160,7 @@ std::vector<MendedField> FitValues(Database& file, const std::string& name, cons
     while (rows.Step())
       for (std::size_t i = 0; i < table.fields.size(); ++i) {
         const Value value = ReadableValue(file, name, table, rows, i);
-        if (value.IsNull() || IsPlain(table.fields[i], value)) continue;
+        if (value.IsNull() || IsPlain(table.fields[i], KeptValue::Of(value))) continue;
         try {
           Value fitted = FittedValue(table.fields[i], name, value);
           if (fitted != value && !IsKeptFiner(table, table.fields[i], value)) mended.push_back({rows.Whole(0), i, std::move(fitted)});

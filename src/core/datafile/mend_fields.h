@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "core/datafile/engine.h"
+#include "core/datafile/kept_value.h"
 #include "core/datafile/schema.h"
 
 namespace vellumark {
@@ -18,7 +19,7 @@ std::string ReadableColumns(const Table& table);
 Value ReadableValue(Database& file, std::string_view name, const Table& table, const Statement& row, std::size_t place);
 
 /// Whether a value is as its field keeps it; quick for what nearly all are, and says no of others that FittedValue takes.
-bool IsPlain(const Field& field, const Value& value);
+bool IsPlain(const Field& field, const KeptValue& value);
 
 /// What was done to a field of a table.
 struct MendedField {

@@ -2,9 +2,12 @@
 
 #include <cstdint>
 #include <functional>
+#include <span>
 #include <string>
+#include <vector>
 
 #include "core/datafile/engine.h"
+#include "core/datafile/kept_value.h"
 
 namespace vellumark {
 
@@ -34,11 +37,15 @@ struct ReadTable {
   std::int64_t rows = 0;
   std::uint64_t digest = 0;
 };
+/// Hears of each row of a table with its values, in the order in which the table has its fields.
+using RowLook = std::function<void(std::int64_t row, std::span<const KeptValue> values)>;
+/// Asked before the rows of a table are read; empty of one whose rows nobody wants to hear of.
+using LookAtTable = std::function<RowLook(const std::string& table, const std::vector<std::string>& fields)>;
 /// Of a file that has them: reads every row and tells the stray ones, by table and row. `goOn` hears how many rows of how
-/// many are read, and stops the reading with false; `read` hears of each table that was read to its end.
+/// many are read, and stops the reading with false; `read` hears of each table that was read to its end, and what `look` gives of the rows on the way.
 void ForEachStrayRow(Database& file, const std::function<void(const StrayRow&)>& found,
                      const std::function<bool(std::int64_t done, std::int64_t all)>& goOn,
-                     const std::function<void(const ReadTable&)>& read = {});
+                     const std::function<void(const ReadTable&)>& read = {}, const LookAtTable& look = {});
 /// One table of a file of this engine, compared with nothing. Throws Failure where a row cannot be read.
 ReadTable ReadRowsOf(Database& file, const std::string& table);
 /// Takes every row as it stands from now on.

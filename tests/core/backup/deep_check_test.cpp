@@ -3,7 +3,9 @@
 #include <algorithm>
 #include <set>
 
+#include "core/backup/check_run.h"
 #include "core/backup/deep_check.h"
+#include "core/datafile/engine_salvage.h"
 #include "core/datafile/row_checks.h"
 #include "support/damage.h"
 #include "support/full_room.h"
@@ -111,6 +113,44 @@ TEST(DeepCheck, FindsEachDamageAndNothingElse) {
     room.session.DataFileDB = Database::Open(room.session.DataFileName, OpenMode::ReadOnly);
     EXPECT_EQ(Texts(CheckDataFileRules(room.session, CheckDepth::Deep)), Texts(answer)) << damage.sql;
   }
+}
+
+// Values are judged at sight while the digests of their rows are compared, and one by one where there are none.
+TEST(DeepCheck, JudgesEachValueInTheWalkOfTheRowsAsByItself) {
+  test::FullRoom room;
+  room.Breaks("Fields");
+  Database& file = room.session.File();
+  const auto check = [&](bool rows) {
+    std::vector<std::string> told;
+    CheckRun run(room.session, CheckDepth::Deep, CheckState::InUse);
+    const CheckAnswer answer = run.Run([&](const CheckRule& rule) {
+      return rule.name == "Parts" || rule.name == "Fields" || (rows && rule.name == "Rows");
+    });
+    for (const CheckFault& fault : answer.faults)
+      if (fault.rule == "Fields") told.push_back(FaultText(fault));
+    return told;
+  };
+  const char* const values[] = {"NULL", "''", "'A'", "'\xc3\xa9'", "'1234567890123456789012345678901'", "x'41'", "x'ff'",
+                                "CAST(x'ff00' AS TEXT)", "0", "-1", "2", "256", "40000", "3000000000", "0.5", "0.1",
+                                "9e999", "'2026-03-10 00:00:00'", "'2026-02-30 00:00:00'", "'2026-03-10'"};
+  std::set<std::string> kinds;
+  for (const std::string& name : file.TableNames()) {
+    const Table* const table = KnownLayout(name);
+    if (table == nullptr || RowCount(file, name) == 0) continue;
+    for (const char* const value : values) {
+      SCOPED_TRACE(name + " " + value);
+      std::string sets;
+      for (const Field& field : table->fields) sets += (sets.empty() ? "" : ", ") + Quoted(field.name) + " = " + value;
+      Transaction takenBack(file);
+      // Of the row that tells which Databases there are the list stays.
+      if (table == &schema::FileInfo) sets = "ItemNumber = " + std::string(value);
+      file.Execute("UPDATE " + Quoted(name) + " SET " + sets);
+      const std::vector<std::string> together = check(true);
+      EXPECT_EQ(together, check(false));
+      for (const std::string& fault : together) kinds.insert(fault.substr(fault.find(':')));
+    }
+  }
+  EXPECT_GT(kinds.size(), 500U);
 }
 
 // Of a file that is only looked at rules run beside each other, on connections of their own.
