@@ -31,6 +31,16 @@ void ForEachTable(CheckRun& run, const std::function<void(const std::string& nam
       if (const std::string name = TableName(database, *table); run.file.TableExists(name)) take(name, *table);
 }
 
+// The engine finds a row by its number whatever the column is called; whoever asks for the column does not.
+bool HasRowKey(Database& file, const std::string& name, const Table& table) {
+  try {
+    file.Prepare(fmt::format("SELECT {} FROM {} WHERE 1 = 0", table.rowKey, Quoted(name))).Step();
+    return true;
+  } catch (const Failure&) {
+    return false;
+  }
+}
+
 bool Lacks(CheckRun& run, const std::string& name, const Table& table) {
   if (!run.file.TableExists(name)) {
     // A copy of an earlier program has none, and is only looked at; what is worked in gets it at its opening.
@@ -38,7 +48,8 @@ bool Lacks(CheckRun& run, const std::string& name, const Table& table) {
     run.Found(name, 0, "", "The table is missing.");
     return true;
   }
-  const std::vector<std::string> missing = MissingFields(run.file, name, table);
+  std::vector<std::string> missing = MissingFields(run.file, name, table);
+  if (!HasRowKey(run.file, name, table)) missing.push_back(table.rowKey);
   for (const std::string& field : missing) run.Found(name, 0, "", fmt::format("The field {} is missing.", field));
   return !missing.empty();
 }

@@ -35,6 +35,7 @@ TEST(DeepCheck, FindsEachDamageAndNothingElse) {
       {"UPDATE FileInfo SET BatchNumber = 7", "Counters", "FileInfo", 1},
       {"DROP TABLE INK_Mix_LAB", "Parts", "INK_Mix_LAB", 0},
       {"ALTER TABLE INK_Mix_LAB DROP COLUMN Lab_Note", "Parts", "INK_Mix_LAB", 0},
+      {"ALTER TABLE INK_Mix_LAB RENAME COLUMN RowKey TO SowKey", "Parts", "INK_Mix_LAB", 0},
       {"CREATE TABLE MSysOpenBatch (DatabaseName TEXT, BatchNo INTEGER, RowKey INTEGER PRIMARY KEY); INSERT INTO "
        "MSysOpenBatch (DatabaseName, BatchNo) VALUES ('INK', 7)",
        "Markers", "MSysOpenBatch", 0},
