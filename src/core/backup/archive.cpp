@@ -126,8 +126,7 @@ void RemoveRows(Session& session, const ArchivePreview& preview, const MovingPro
 
 fs::path ArchivePath(const fs::path& dataFile, int year) {
   const fs::path path = dataFile.parent_path() / fmt::format("{} Archive {}.vkd", dataFile.stem().string(), year);
-  std::error_code ignored;
-  return fs::exists(fs::symlink_status(path, ignored)) ? NextFreeName(path) : path;
+  return Stands(path) ? NextFreeName(path) : path;
 }
 
 DateTime ArchiveCutoff(const DateTime& today) {
@@ -226,11 +225,11 @@ void UndoUnfinishedArchive(Database& file) {
   const std::string name = UnfinishedArchive(file);
   if (name.empty()) return;
   const fs::path archive = file.Path().parent_path() / fs::path(name).filename();
-  std::error_code error;
-  if (fs::exists(fs::symlink_status(archive, error))) {
+  if (Stands(archive)) {
     const FileProof now = ProveFile(archive, "");
     Statement mark = file.Prepare(fmt::format("SELECT Bytes, Digest FROM {}", kMark));
     if (mark.Step() && mark.TextView(0) == std::to_string(now.bytes) && mark.TextView(1) == std::to_string(now.digest)) {
+      std::error_code error;
       fs::remove(archive, error);
       if (error) throw Failure(archive.string(), "cannot be removed: " + error.message());
       SyncFolder(archive.parent_path());

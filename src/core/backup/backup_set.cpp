@@ -209,9 +209,7 @@ class SetMaker {
 
 // Two sets of one second are two.
 DateTime FreeTime(const fs::path& target, DateTime made) {
-  std::error_code ignored;
-  while (fs::exists(fs::symlink_status(target / SetName(made), ignored)))
-    made = FromSecondNumber(made.SecondNumber() + 1);
+  while (Stands(target / SetName(made))) made = FromSecondNumber(made.SecondNumber() + 1);
   return made;
 }
 

@@ -14,11 +14,6 @@ namespace fs = std::filesystem;
 
 namespace {
 
-bool Taken(const fs::path& path) {
-  std::error_code ignored;
-  return fs::exists(fs::symlink_status(path, ignored));
-}
-
 // ".Ink.vkd before Restore": two Data Files of a folder do not sweep each other's.
 std::string UnfinishedName(const fs::path& current, std::string_view what) {
   return fmt::format(".{} before {}", current.filename().string(), what);
@@ -76,7 +71,7 @@ void KeptFolder::Show() {
   if (shown_) return;
   const fs::path wanted = current_.parent_path() / name_;
   fs::path free = wanted;
-  for (int n = 2; Taken(free); ++n) free = fmt::format("{} ({})", wanted.string(), n);
+  for (int n = 2; Stands(free); ++n) free = fmt::format("{} ({})", wanted.string(), n);
   if (const std::error_code error = platform::SyncFiles(path_, {})) throw Failure(path_.string(), error.message());
   RenameToFree(path_, free);
   path_ = free;

@@ -59,11 +59,6 @@ constexpr RepairStep kSteps[] = {
     {26, "Empty Databases", FindEmptyDatabases},
 };
 
-bool Exists(const fs::path& path) {
-  std::error_code ignored;
-  return fs::exists(fs::symlink_status(path, ignored));
-}
-
 DateTime SecondAfter(DateTime time) {
   if (++time.second < 60) return time;
   time.second = 0;
@@ -78,7 +73,7 @@ class KeptFile {
  public:
   KeptFile(const Session& session, const fs::path& current) : folder_(session, current, "Repair") {
     for (const fs::path& file : {current, JournalOf(current)})
-      if (Exists(file)) CopyProved(file, Folder() / file.filename(), file.filename().string());
+      if (Stands(file)) CopyProved(file, Folder() / file.filename(), file.filename().string());
   }
 
   const fs::path& Folder() const { return folder_.Path(); }
@@ -153,7 +148,7 @@ void TakePlace(FileBeside& place, const std::vector<fs::path>& photos, RepairRep
   const fs::path safetyCopy = SafetyCopyPath(place.Target());
   // Of a file that could not even be opened it is in the way: it would be played back into the one that comes.
   if (std::error_code error;
-      Exists(JournalOf(place.Target())) && !fs::remove(JournalOf(place.Target()), error) && error)
+      Stands(JournalOf(place.Target())) && !fs::remove(JournalOf(place.Target()), error) && error)
     throw Failure(JournalOf(place.Target()).string(), "cannot be removed: " + error.message());
   place.Replace();
   const auto remove = [&](const fs::path& path) {
@@ -162,7 +157,7 @@ void TakePlace(FileBeside& place, const std::vector<fs::path>& photos, RepairRep
       report.left.push_back(
           {"Compacting", "", 1, fmt::format("{} cannot be removed: {}", path.string(), error.message())});
   };
-  if (Exists(safetyCopy)) remove(safetyCopy);
+  if (Stands(safetyCopy)) remove(safetyCopy);
   for (const fs::path& photo : photos) remove(photo);
   if (!photos.empty()) SyncFolder(photos.front().parent_path());
 }
@@ -187,7 +182,7 @@ std::optional<Result<RepairReport>> Try(Session& session, KeptFile& kept, const 
   FileBeside work(current, Readers::Group);
   const fs::path keptFile = kept.Folder() / current.filename();
   work.Write(ReadFileBytes(keptFile));
-  if (Exists(JournalOf(keptFile)))
+  if (Stands(JournalOf(keptFile)))
     ReplaceFile(JournalOf(work.Path()), ReadFileBytes(JournalOf(keptFile)), Readers::Group);
   const bool whole = IsWhole(work.Path());
   if (!whole && reading == Reading::Copied) return std::nullopt;

@@ -24,11 +24,6 @@ namespace fs = std::filesystem;
 
 namespace {
 
-bool Exists(const fs::path& path) {
-  std::error_code ignored;
-  return fs::exists(fs::symlink_status(path, ignored));
-}
-
 void Remove(const fs::path& path) {
   std::error_code error;
   fs::remove(path, error);
@@ -40,10 +35,10 @@ class KeptFiles {
  public:
   KeptFiles(const Session& session, const fs::path& current) : current_(current) {
     const std::vector<fs::path> photos = PhotosIn(current.parent_path() / kPhotoFolderOfSet);
-    if (!Exists(current) && !Exists(JournalOf(current)) && photos.empty()) return;
+    if (!Stands(current) && !Stands(JournalOf(current)) && photos.empty()) return;
     folder_.emplace(session, current, "Restore");
-    const bool readable = !Exists(current) || KeepDataFile();
-    if (Exists(JournalOf(current))) Keep(JournalOf(current), InFolder(JournalOf(current)));
+    const bool readable = !Stands(current) || KeepDataFile();
+    if (Stands(JournalOf(current))) Keep(JournalOf(current), InFolder(JournalOf(current)));
     if (!photos.empty()) MakeFolder(PhotoFolder());
     for (const fs::path& photo : photos) Keep(photo, PhotoFolder() / photo.filename());
     folder_->Show();
@@ -58,7 +53,7 @@ class KeptFiles {
   fs::path PhotoFolder() const { return folder_ ? Folder() / kPhotoFolderOfSet : fs::path(); }
 
   void Undo() {
-    if (moved_ && !Exists(current_)) RenameToFree(InFolder(current_), current_);
+    if (moved_ && !Stands(current_)) RenameToFree(InFolder(current_), current_);
     if (folder_) folder_->Stay(false);
     folder_.reset();
   }
@@ -131,7 +126,7 @@ class PlacedPhotos {
   void Undo() {
     for (const fs::path& photo : placed_) {
       const fs::path before = kept_ / photo.filename();
-      if (!kept_.empty() && Exists(before)) {
+      if (!kept_.empty() && Stands(before)) {
         PutBack(before, photo);
       } else {
         Remove(photo);
@@ -184,7 +179,7 @@ class PlacedPhotos {
     MakeFolder(beside_);
     const fs::path written = beside_ / photo.filename();
     CopyPlain(photo, written);
-    if (const fs::path before = library_ / photo.filename(); Exists(before)) {
+    if (const fs::path before = library_ / photo.filename(); Stands(before)) {
       std::error_code error;
       const platform::OpenFile file = platform::OpenExisting(written, platform::Opening::Write, error);
       FailOn(written, error);
@@ -211,7 +206,7 @@ void MakeCurrent(const fs::path& copy, const fs::path& replaced) {
   }
   std::unique_ptr<Database> before;
   try {
-    if (Exists(replaced)) before = Database::Open(replaced, OpenMode::ReadOnly);
+    if (Stands(replaced)) before = Database::Open(replaced, OpenMode::ReadOnly);
     if (before) ReadFileInfo(*before);
   } catch (const Failure&) {
     return;  // what cannot be read is the reason for the restore, and has no counters to go on from
@@ -221,7 +216,7 @@ void MakeCurrent(const fs::path& copy, const fs::path& replaced) {
 
 void CopyBeside(FileBeside& place, const fs::path& source, Progress& progress) {
   // Through the engine when something is left to play back; a set has nothing, and stays as it was proven.
-  if (Exists(JournalOf(source))) ReadFileInfo(*Database::Open(source, OpenMode::Exclusive));
+  if (Stands(JournalOf(source))) ReadFileInfo(*Database::Open(source, OpenMode::Exclusive));
   std::error_code ignored;
   const double all = std::max(1.0, static_cast<double>(fs::file_size(source, ignored)));
   double done = 0;
@@ -255,7 +250,7 @@ RestoredFiles PutDataFileBack(Session& session, const fs::path& source, const fs
     for (const fs::path& photo : photos) restored.photos.push_back(photo.filename().string());
     if (!samePhotos) placed.Place(photos, session.progress);
     // Kept beside the file that it belongs to; it must not be played back into the one that comes.
-    if (Exists(JournalOf(place.Target()))) Remove(JournalOf(place.Target()));
+    if (Stands(JournalOf(place.Target()))) Remove(JournalOf(place.Target()));
     place.Replace();
   } catch (...) {
     kept.Stay();  // until all is back, should that fail too

@@ -82,6 +82,11 @@ std::string ReadFileBytes(const fs::path& path, std::size_t most) {
   return bytes;
 }
 
+bool Stands(const std::filesystem::path& path) {
+  std::error_code ignored;
+  return std::filesystem::exists(std::filesystem::symlink_status(path, ignored));
+}
+
 fs::path RealPath(const fs::path& path) {
   std::error_code error;
   fs::path real = fs::weakly_canonical(fs::absolute(path), error);

@@ -12,6 +12,9 @@ namespace vellumark {
 /// regular file: a pipe or a device would never end, or never begin.
 std::string ReadFileBytes(const std::filesystem::path& path, std::size_t most = std::string::npos);
 
+/// Whether something stands there, be it a link that leads nowhere.
+bool Stands(const std::filesystem::path& path);
+
 /// The file that a path leads to through whatever links; where there is none yet, the place in its real folder.
 std::filesystem::path RealPath(const std::filesystem::path& path);
 

@@ -4,6 +4,7 @@
 
 #include <system_error>
 
+#include "core/base/files.h"
 #include "core/base/number.h"
 #include "core/base/refusal.h"
 #include "core/base/text.h"
@@ -77,8 +78,7 @@ std::unique_ptr<Database> CreateBeside(const FileBeside& place) {
 }
 
 void RequireFreeName(const fs::path& path) {
-  std::error_code ignored;
-  if (fs::exists(fs::symlink_status(path, ignored))) throw Failure(path.string(), "already exists");
+  if (Stands(path)) throw Failure(path.string(), "already exists");
 }
 
 void CreateFile(const fs::path& path) {

@@ -38,11 +38,6 @@ bool IsInside(const fs::path& path, const fs::path& folder) {
   return inner.string().starts_with(outer.string());
 }
 
-bool Exists(const fs::path& path) {
-  std::error_code ignored;
-  return fs::exists(fs::symlink_status(path, ignored));
-}
-
 bool IsSameFile(const fs::path& a, const fs::path& b) {
   std::error_code ignored;
   return !a.empty() && fs::equivalent(a, b, ignored);
@@ -122,7 +117,7 @@ Result<fs::path> PathForRename(const Session& session, std::string_view typedNam
   if (name.find('/') != std::string::npos || name.find('\0') != std::string::npos)
     return refuse("A file name cannot hold the character /");
   fs::path renamed = current.parent_path() / (name + std::string(kExtension));
-  if (Exists(renamed)) return refuse("A file with name already exist, choose another name");
+  if (Stands(renamed)) return refuse("A file with name already exist, choose another name");
   return renamed;
 }
 
@@ -164,7 +159,7 @@ Result<fs::path> NewDataFile(Session& session, const fs::path& path, OpeningWind
                   fmt::format("{}\nSelected folder for the new Data file is dedicated to Vellumark use only.\n"
                               "Choose another folder to create a new Data file in.",
                               folder.string()));
-  if (Exists(file)) file = NextFreeName(file);
+  if (Stands(file)) file = NextFreeName(file);
   MakeAndOpen(session, file, windows);
   return file;
 }
@@ -173,7 +168,7 @@ Result<bool> CreateDefaultDataFile(Session& session, OpeningWindows& windows) {
   if (auto allowed = RequireCommandRight(session, CommandRight::Advanced); !allowed)
     return std::unexpected(allowed.error());
   fs::path file = session.ProgramFolder / kDefaultDataFile;
-  if (Exists(file)) {
+  if (Stands(file)) {
     if (session.prompt.Ask("Found existing Vellumark Data File",
                            "'Yes' -  Use the found data file.\n'No' - Create a new data file."))
       return CheckAndOpen(session, file, windows);
@@ -207,7 +202,7 @@ Result<void> RenameDataFile(Session& session, std::string_view typedName, Openin
     TakeAsDefault(session, renamed->string());
     OpenDataFile(session, windows);
   } catch (const std::exception&) {
-    if (!Exists(before) && Exists(*renamed)) RenameToFree(*renamed, before);
+    if (!Stands(before) && Stands(*renamed)) RenameToFree(*renamed, before);
     previous.Return();
     throw;
   }

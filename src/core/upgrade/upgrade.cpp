@@ -296,8 +296,7 @@ Result<UpgradeReport> UpdateDataFile(Session& session, const UpdateWish& typed) 
     target = fs::absolute(wish.to).lexically_normal();
     if (!EqualNoCase(target.extension().string(), ".vkd"))
       return Refuse("File Name", fmt::format("The name of a Data File ends in .vkd: {}", target.string()), "--to");
-    std::error_code ignored;
-    if (fs::exists(fs::symlink_status(target, ignored)))
+    if (Stands(target))
       return Refuse("File Name", fmt::format("{} already exists.", target.string()), "--to");
   } else if (kind.jet) {
     target = NextFreeName(wish.source);
