@@ -108,12 +108,8 @@ QWidget* BatchForm::BuildHead(Form& form) {
   return head;
 }
 
-// What holds others is put where it lives before it is filled: all that it held would be styled again with each move.
 void BatchForm::BuildMiddle(Form& form) {
-  auto* split = new QSplitter(Qt::Horizontal, this);
-  form.Wide(split, 1);
-  split->setObjectName("BatchSplit");
-  split->setChildrenCollapsible(false);
+  QSplitter* split = form.Sides("BatchSplit");
   split->setHandleWidth(1);
   auto* left = new QWidget(split);
   auto* inset = new QVBoxLayout(left);

@@ -29,10 +29,7 @@ constexpr int kColumnWidth = 130;
 CloudUtilityReportViewer::CloudUtilityReportViewer(WindowList& windowList, QWidget* owner)
     : Dialog(windowList, owner, "CloudUtilityReportViewer", tr("Cloud Reports from User Accounts")) {
   Form form(*this);
-  auto* sides = new QSplitter(Qt::Horizontal, this);
-  form.Wide(sides, 1);
-  sides->setObjectName("Sides");
-  sides->setChildrenCollapsible(false);
+  QSplitter* sides = form.Sides("Sides");
   list_ = new QTreeWidget(sides);
   list_->setObjectName("lstReports");
   list_->setHeaderLabels({tr("Account / Report")});

@@ -2,6 +2,7 @@
 
 #include <QGridLayout>
 #include <QHBoxLayout>
+#include <QSplitter>
 #include <QTabBar>
 #include <QTabWidget>
 #include <utility>
@@ -142,6 +143,14 @@ void Form::Wide(QWidget* widget, int stretch) {
   if (stretch == 0) return;
   grid_->setRowStretch(row, stretch);
   Fill();
+}
+
+QSplitter* Form::Sides(const QString& name) {
+  auto* sides = new QSplitter(Qt::Horizontal, grid_->parentWidget());
+  Wide(sides, 1);
+  sides->setObjectName(name);
+  sides->setChildrenCollapsible(false);
+  return sides;
 }
 
 void Form::Space() {

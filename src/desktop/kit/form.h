@@ -12,6 +12,7 @@
 #include "desktop/kit/name_box.h"
 
 class QGridLayout;
+class QSplitter;
 class QTabWidget;
 
 namespace vellumark::desktop {
@@ -43,6 +44,9 @@ class Form {
   void Row(std::initializer_list<QWidget*> fields);
   /// The whole width; `stretch` takes what is left of the height.
   void Wide(QWidget* widget, int stretch = 0);
+  /// Over the whole width and what is left of the height, for parts side by side that the user may make wider. It is in
+  /// its place before it is filled: what moves into another parent is styled again with all that it holds.
+  QSplitter* Sides(const QString& name);
   void Space();
   /// Pushes what follows to the bottom.
   void Stretch();

@@ -205,7 +205,6 @@ std::vector<int> Grid::ShownColumns() const {
 void Grid::SetSort(const GridSort& sort) {
   KeepingPlace([&] { model_.SetSort(sort); });
   view_->horizontalHeader()->viewport()->update();
-  Q_EMIT SortChanged();
 }
 
 void Grid::ClickCaption(int column, bool shift) {

@@ -70,7 +70,6 @@ class Grid : public QWidget {
   void RowActivated(int row);
   void Edited(int row, int column);
   void EditRefused(const Refusal& refusal);
-  void SortChanged();
   void ColumnsChanged();
 
  protected:

@@ -185,13 +185,6 @@ void Look::SetTheme(Theme theme) {
   Refresh();
 }
 
-void Look::FollowSystem() {
-  State& state = TheLook();
-  state.follow = true;
-  if (state.system != nullptr) state.theme = state.system->Now();
-  Refresh();
-}
-
 Theme Look::Current() {
   return TheLook().theme;
 }

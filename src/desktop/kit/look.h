@@ -45,7 +45,6 @@ class Look {
   /// Takes hold of the application: the system's own theme, until one is set, and its changes.
   static void Apply(QApplication& application);
   static void SetTheme(Theme theme);
-  static void FollowSystem();
   static Theme Current();
   static const Colors& Of(Theme theme);
   static const Colors& Now() { return Of(Current()); }

@@ -20,7 +20,6 @@ MainArea::MainArea(QWidget* frame) : QMdiArea(frame), frame_(frame) {
   connect(this, &QMdiArea::subWindowActivated, this, [this](QMdiSubWindow* sub) {
     // The one behind a closed tab comes forward in the size it had before it was a tab.
     if (sub != nullptr && viewMode() == QMdiArea::TabbedView && !sub->isMaximized()) sub->showMaximized();
-    Q_EMIT ActiveChanged();
   });
 }
 

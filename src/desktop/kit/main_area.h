@@ -32,10 +32,6 @@ class MainArea : public QMdiArea, public WindowPlace {
   void Tile();
   void Cascade();
 
- Q_SIGNALS:
-  /// Another child window has the focus, or none.
-  void ActiveChanged();
-
  protected:
   bool eventFilter(QObject* watched, QEvent* event) override;
 

@@ -34,10 +34,7 @@ LayoutWindow::LayoutWindow(WindowList& windowList, const LabelWindows& names, co
 void LayoutWindow::Build() {
   Form form(*this);
   BuildTop(form);
-  auto* halves = new QSplitter(this);
-  form.Wide(halves, 1);  // before it is filled: what it held would be styled once more
-  halves->setObjectName("Halves");
-  halves->setChildrenCollapsible(false);
+  QSplitter* halves = form.Sides("Halves");
   auto* left = new QWidget(halves);
   auto* column = new QVBoxLayout(left);
   column->setContentsMargins(0, 0, space::kUnit, 0);

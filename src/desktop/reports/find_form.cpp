@@ -136,9 +136,7 @@ FindForm::FindForm(WindowList& windowList, const QString& name, FindSubject subj
     : Window(windowList, name, TitleOf(subject)), subject_(subject), source_(std::make_shared<Source>()) {
   setWindowIcon(Icon("Find"));
   Form form(*this);
-  auto* sides = new QSplitter(Qt::Horizontal, this);
-  form.Wide(sides, 1);  // before it is filled: what it held would be styled once more
-  sides->setChildrenCollapsible(false);
+  QSplitter* sides = form.Sides("Sides");
   auto* left = new QWidget(sides);
   auto* right = new QWidget(sides);
   left->setContentsMargins(0, 0, space::kUnit, 0);

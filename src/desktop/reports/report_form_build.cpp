@@ -269,10 +269,7 @@ void ReportForm::BuildOptions(Form& form) {
 }
 
 void ReportForm::BuildMiddle(Form& form, FileChooser choose) {
-  auto* sides = new QSplitter(Qt::Horizontal, this);
-  form.Wide(sides, 1);  // before it is filled: what it held would be styled once more
-  sides->setObjectName("Sides");
-  sides->setChildrenCollapsible(false);
+  QSplitter* sides = form.Sides("Sides");
   auto* side = new QWidget(sides);
   auto* rows = new QWidget(sides);
   side->setContentsMargins(0, 0, space::kUnit, 0);
