@@ -118,8 +118,9 @@ inline StruckRun RunStruck(int nth, int error, const std::function<int()>& work,
     if (state >> 8 == (SIGTRAP | (PTRACE_EVENT_SECCOMP << 8))) {
       user_regs_struct call{};
       Trace(PTRACE_GETREGS, thread, nullptr, &call);
-      if (marks == 1 && IsFileOperation(call) &&
-          (++operations == nth || (strike == Strike::FromThereOn && operations > nth))) {
+      const bool counts = marks == 1 && IsFileOperation(call);
+      if (counts) ++operations;
+      if (counts && (operations == nth || (strike == Strike::FromThereOn && operations > nth))) {
         run.struck = true;
         if (error == kKilled) {
           ::kill(child, SIGKILL);

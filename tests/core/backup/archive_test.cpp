@@ -1,5 +1,6 @@
 #include "core/backup/archive.h"
 
+#include <fmt/format.h>
 #include <gtest/gtest.h>
 
 #include "core/backup/proof.h"

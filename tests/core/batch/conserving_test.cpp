@@ -275,7 +275,6 @@ TEST(BatchConserves, ALotWhoseReferenceIsAnothersByNow) {
     const std::int32_t number = room.Save();
     ASSERT_TRUE(room.LotQty(ColorKind::Basic, "RED", 1).IsNull());
     const auto stranger = [&](ColorKind kind, const char* name) {
-      const std::string table = room.session.QuotedTable(LotTable(kind));
       const float there = room.LotQty(kind, name, 1).IsNull() ? 0 : room.LotQty(kind, name, 1).Single();
       if (there > 0)
         PostStock(room.session, {.source = PostingSource::ManualAdjust,

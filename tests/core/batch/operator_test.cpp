@@ -278,7 +278,6 @@ class Operator {
     told_.clear();
     const BatchState before = record_.state;
     const std::int32_t number = record_.BatchNo;
-    const std::string lotNumber = record_.fields.LotNumber;
     const Bench bench = Look();
     left_ = false;
     DoOne();

@@ -256,7 +256,7 @@ TEST(Recipe, FifteenIngredientsAndTheLimitOfLines) {
     recipe.emplace_back(name, i == 0 ? 30.0F : 5.0F);
   }
   room.Mix("TARGET", recipe);
-  for (int i = 0; i < 10; ++i) room.Ink("INK" + std::to_string(i), {recipe[static_cast<std::size_t>(i + 1)]}, 0.1F);
+  for (int i = 0; i < 10; ++i) room.Ink("INK" + std::to_string(i), {recipe[static_cast<std::size_t>(i) + 1]}, 0.1F);
   room.Recycled("TARGET", "100");
   // 15 ingredients and 5 inks: the loop ends once the two exceed 19.
   EXPECT_EQ(room.work.RecycledColors.size(), 5U);

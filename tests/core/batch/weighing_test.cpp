@@ -104,6 +104,7 @@ TEST_F(Weighing, ARecycledRowTakesItsWeightAndLeavesTheOthers) {
   const std::string before = Fixed(record.work.ShownTotal, 3);
   prompt.Expect("Excess Recycle Color Weight", Answer::No);
   EXPECT_NE(Pour("TONE", 90, LineKind::Mix).find("does not take"), std::string::npos);
+  EXPECT_EQ(Fixed(record.work.ShownTotal, 3), before);
   EXPECT_EQ(record.work.Rows.at(1).amount, 10);
   EXPECT_EQ(Pour("TONE", 10, LineKind::Mix), "");
   EXPECT_EQ(Left().size(), 2U);

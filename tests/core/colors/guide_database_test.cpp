@@ -153,7 +153,7 @@ TEST(GuideDatabase, ACarelessTemplateGivesAllOrNothing) {
   // The last row of the last table: everything before it was written already.
   Database::Open(path, OpenMode::Exclusive)
       ->Execute("UPDATE Metallics_MColors SET Row = 300 WHERE Color_Name = 'PANTONE 92001'");
-  EXPECT_THROW(CreateGuideDatabase(room.session, "NEW ONE", {"F_Guide_A", "Metallics"}), BadValue);
+  EXPECT_THROW(static_cast<void>(CreateGuideDatabase(room.session, "NEW ONE", {"F_Guide_A", "Metallics"})), BadValue);
   EXPECT_TRUE(room.Untouched());
   // An ingredient that the guide lacks comes as a Basic Color without figures, at the end of the weighing order.
   Database::Open(path, OpenMode::Exclusive)

@@ -141,8 +141,8 @@ TEST(Template, HeadingsAndMissingFilesAreTold) {
     EXPECT_FALSE(fs::exists(texts.out));
   }
   const TemplateTexts texts;
-  EXPECT_THROW(BuildTemplate(texts.folder / "gone", texts.out), Failure);
-  EXPECT_THROW(BuildTemplate(texts.folder.Path(), texts.folder / "gone" / "pdbt.vkt"), Failure);
+  EXPECT_THROW(static_cast<void>(BuildTemplate(texts.folder / "gone", texts.out)), Failure);
+  EXPECT_THROW(static_cast<void>(BuildTemplate(texts.folder.Path(), texts.folder / "gone" / "pdbt.vkt")), Failure);
 }
 
 TEST(Template, TheCheckFindsWhatIsWrongWithAFinishedOne) {

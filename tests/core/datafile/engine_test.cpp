@@ -377,7 +377,7 @@ TEST(Lifecycle, CompactingKeepsEveryRowAndLeavesNothingBeside) {
 TEST(Lifecycle, AFailedCompactionPutsTheFileBack) {
   NewFile room;
   room.file.reset();
-  fs::resize_file(room.path, fs::file_size(room.path) - 4096 * 3);
+  fs::resize_file(room.path, fs::file_size(room.path) - std::uintmax_t{4096} * 3);
   const std::string bytes = ReadFileBytes(room.path);
   ReplaceFile(SafetyCopyPath(room.path), "an older safety copy");
   EXPECT_NE(CauseOf([&] { CompactFile(*Database::Open(room.path, OpenMode::Exclusive)); }), "no failure");

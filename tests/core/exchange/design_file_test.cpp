@@ -122,7 +122,7 @@ TEST_F(DesignFileTest, RefusesAsAWholeWhatIsNoFileOfDesigns) {
            {"", "not compatible"},
            {"INK\r\nPINK\tRED\t100.000\r\n", "not compatible"},
            {good.substr(0, good.size() - 20), "Line 3"},
-           {good.substr(0, good.rfind("BOX\t")) + row + row, "stands in the file twice"},
+           {good.substr(0, good.rfind("BOX\t")).append(row).append(row), "stands in the file twice"},
            {with("\t5000\t", "\tmany\t"), "Line 2: many of Impressions"},
            {with("\tINK\t", "\tA DATABASE TOO LONG\t"), "IngDB0"},
            {with("BOX\t", "- split -\t"), "several jobs"},

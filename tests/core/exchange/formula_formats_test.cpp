@@ -260,7 +260,7 @@ TEST(FormulaFormats, WhatIsNoneIsToldByItsNameAndCause) {
        "a.txt",
        {},
        "Couldn't read textfile Field Headers.\n\na.txt: Ingredient 0 has no"},
-      {std::string("Color Name\tNotes\nA\tB\nC\t\0\n", 28),
+      {std::string("Color Name\tNotes\nA\tB\nC\t\0\n", 25),
        "a.txt",
        {},
        "Couldn't read textfile data at line 3\n\na.txt: "},

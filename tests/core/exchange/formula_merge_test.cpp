@@ -248,15 +248,15 @@ TEST(FormulaSources, ADataFileIsReadAndStaysAsItIs) {
   EXPECT_EQ(ImportTable(room.session, *theirs)->added, (std::vector<std::string>{"PINK"}));
   EXPECT_TRUE(ReadFileBytes(share) == shared);
 
-  EXPECT_THROW(DatabasesOfFile(room.session, room.folder / "gone.vkd"), Failure);
+  EXPECT_THROW(static_cast<void>(DatabasesOfFile(room.session, room.folder / "gone.vkd")), Failure);
   ReplaceFile(room.folder / "foreign.vkd", "no Data File at all");
-  EXPECT_THROW(DatabasesOfFile(room.session, room.folder / "foreign.vkd"), Failure);
+  EXPECT_THROW(static_cast<void>(DatabasesOfFile(room.session, room.folder / "foreign.vkd")), Failure);
   ReplaceFile(room.folder / "cut.vkd", bytes.substr(0, bytes.size() / 2));
-  EXPECT_THROW(ReadDataFileFormulas(room.session, room.folder / "cut.vkd", "INK"), Failure);
+  EXPECT_THROW(static_cast<void>(ReadDataFileFormulas(room.session, room.folder / "cut.vkd", "INK")), Failure);
   {
     const auto inUse = Database::Open(path, OpenMode::Exclusive);
     try {
-      DatabasesOfFile(room.session, path);
+      static_cast<void>(DatabasesOfFile(room.session, path));
       ADD_FAILURE() << "a file in use was read";
     } catch (const Failure& failure) {
       EXPECT_EQ(failure.cause, "Couldn't open database. (is in use by another process)");

@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include <utility>
+
 #include "core/jobs/ink_estimator.h"
 #include "core/session/settings.h"
 #include "support/ink_room.h"
@@ -59,7 +61,7 @@ TEST_F(EstimatorTest, FlexoGoesByAnilox) {
 
 TEST_F(EstimatorTest, RefusesWhatIsNoFigure) {
   const auto title = [&](PrintedArea area, AreaType type = AreaType::Coverage) {
-    const auto made = EstimateSheetfed(session, {area, 0, 0, type, 1});
+    const auto made = EstimateSheetfed(session, {std::move(area), 0, 0, type, 1});
     return made ? std::string("taken") : made.error().title + "/" + made.error().text + "/" + made.error().field;
   };
   using enum LengthUnit;

@@ -34,8 +34,8 @@ TEST(JobChanges, TheYearRuleCountsDays) {
                     "VOC Value - Unchangable: VOC values cannot be changed on items that are older than 1 year.",
                     "HAP Value - Unchangable: HAP Values cannot be changed on items that are older than 1 year.",
                     "Design ID - Unchangable: Design ID cannot be changed on items that are older than 1 year.",
-                    "User Defined Data - Unchangable: Required user defined data cannot be changed on items that are "
-                    "older than 1 year.",
+                    ("User Defined Data - Unchangable: Required user defined data cannot be changed on items that are "
+                     "older than 1 year."),
                     "Date Returned - Unchangable: Date Returned cannot be changed on items that are older than 1 year.",
                     "Date Completed - Unchangable: Date Completed cannot be changed on Job Records older than 1 year.",
                     "Date Completed - Unchangable: Date Completed cannot be changed on Job Records older than 1 "

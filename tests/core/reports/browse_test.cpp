@@ -10,7 +10,7 @@ namespace {
 
 struct BrowseRoom : test::ReportRoom {
   template <class Row>
-  std::vector<Row> All(ReadPiece<Row> read) {
+  std::vector<Row> All(const ReadPiece<Row>& read) {
     std::vector<Row> rows;
     while (read(rows)) continue;
     return rows;

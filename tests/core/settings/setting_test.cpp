@@ -1,5 +1,6 @@
 #include "core/settings/setting.h"
 
+#include <fmt/format.h>
 #include <gtest/gtest.h>
 
 #include "core/settings/catalogue.h"
@@ -17,7 +18,7 @@ TEST(Settings, EveryKeyOfAFileIsToldAndHoldsWhatItCanMean) {
   ASSERT_TRUE(RunLadder(files, nullptr));
   const SupportRecords settings = files.settings.Read();
   for (const auto& [layout, key, value] : settings.Records()) {
-    SCOPED_TRACE(key + " = " + value);
+    SCOPED_TRACE(fmt::format("{} = {}", key, value));
     const SettingInfo* info = FindSetting(key);
     ASSERT_NE(info, nullptr);
     EXPECT_FALSE(info->meaning.empty());
