@@ -19,9 +19,9 @@ const auto kToldColumns = setting::Columns.Of("FormulaFile");
 
 ColumnMapping RememberedColumns(const Session& session) {
   ColumnMapping mapping;
-  // What an earlier program kept otherwise is asked for with the next file.
+  // What an earlier program kept otherwise is not taken, and asked for with the next file.
   for (const std::string& told : SplitColumnSet(GetSetting(session, kToldColumns)))
-    if (!TakeMapping(mapping, told)) continue;
+    static_cast<void>(TakeMapping(mapping, told));
   return mapping;
 }
 
