@@ -59,9 +59,8 @@ class HeldFile {
       for (int other = 3; other < 256; ++other)
         if (other != ready[1]) ::close(other);
       const auto file = Database::Open(path, OpenMode::Exclusive);
-      const bool told = ::write(ready[1], "x", 1) == 1;
-      while (told) ::pause();
-      ::_exit(1);
+      if (::write(ready[1], "x", 1) != 1) ::_exit(1);
+      for (;;) ::pause();
     }
     ::close(ready[1]);
     char byte = 0;

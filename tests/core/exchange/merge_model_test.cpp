@@ -67,7 +67,7 @@ Model RandomRoom(Dice& dice, bool isHere) {
     if (additives.empty() || dice.Of(3) == 0) continue;
     Parts parts;
     for (int n = dice.Of(2); n >= 0; --n)
-      parts[additives[static_cast<std::size_t>(dice.Of(static_cast<int>(additives.size())))]] = (1 + dice.Of(2)) * 1000;
+      parts[additives[static_cast<std::size_t>(dice.Of(static_cast<int>(additives.size())))]] = std::int64_t{1 + dice.Of(2)} * 1000;
     room.sets[set] = parts;
   }
   for (int n = 0; n < 7; ++n) {
@@ -82,7 +82,7 @@ Model RandomRoom(Dice& dice, bool isHere) {
     std::int64_t left = 100000 - Sum(formula.parts);
     const std::string& first = names[static_cast<std::size_t>(dice.Of(static_cast<int>(names.size())))];
     if (first != "B9" && dice.Of(2) == 0) {
-      formula.parts[first] = 1000 * (1 + dice.Of(20));
+      formula.parts[first] = std::int64_t{1 + dice.Of(20)} * 1000;
       left -= formula.parts[first];
     }
     formula.parts["B9"] = left;

@@ -18,7 +18,7 @@ struct HistoryRoom : LifeRoom {
 
   int Pick(int from, int to) { return std::uniform_int_distribution<int>(from, to)(random); }
 
-  BuiltReport Run(const std::string& key, ReportRequest request) {
+  BuiltReport Run(const std::string& key, const ReportRequest& request) {
     ReportWatch watch(session.progress);
     const auto context = PrepareReport(session, *FindReport(key), request, watch);
     EXPECT_TRUE(context) << (context ? "" : context.error().text);

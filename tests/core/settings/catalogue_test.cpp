@@ -108,7 +108,7 @@ TEST(SupportFilesTest, DefaultLabelsHoldEachKeyOnce) {
       EXPECT_EQ(++counts[record.key], 1) << record.key;
     }
   }
-  const auto expect = [](const SupportFile& file, std::vector<std::pair<std::string, std::string>> values) {
+  const auto expect = [](const SupportFile& file, const std::vector<std::pair<std::string, std::string>>& values) {
     for (const auto& [key, value] : values) EXPECT_EQ(file.GetSupportValue("Default Label", key), value) << key;
   };
   expect(files.label, {{"Label Width", "12240"},

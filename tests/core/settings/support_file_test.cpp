@@ -87,7 +87,7 @@ TEST(SupportRecordsTest, ReadsWhatOlderProgramsAndHandsLeft) {
 
 TEST(SupportRecordsTest, AnyBytesAreReadAndWhatIsWrittenReadsBackTheSame) {
   std::mt19937 random(20050);
-  const std::string alphabet = "\"\"\",,\r\n ab\xE4\x81\x00";
+  const std::string alphabet("\"\"\",,\r\n ab\xE4\x81\x00", 13);
   for (int round = 0; round < 3000; ++round) {
     std::string bytes;
     for (std::size_t length = random() % 60; length > 0; --length) bytes += alphabet[random() % alphabet.size()];

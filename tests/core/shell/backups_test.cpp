@@ -205,7 +205,7 @@ TEST_F(Backups, AnOlderSetIsBroughtUpToDateOnACopy) {
   // One that cannot be read whole replaces nothing.
   std::string cut = ReadFileBytes(room.folder / "Own/Old.vkd");
   const fs::path damaged = room.folder / "Cut/Old.vkd";
-  WriteFile(damaged, cut.replace(cut.size() / 8192 * 4096, 3 * 4096, 3 * 4096, '\xFF'));
+  WriteFile(damaged, cut.replace(cut.size() / 8192 * 4096, 12288, 12288, '\xFF'));
   room.folder.Breaks("Structure");
   EXPECT_NE(Restore(damaged).error().text.find(damaged.string()), std::string::npos);
   EXPECT_EQ(Colors(), "RED ");

@@ -104,7 +104,7 @@ TEST(DatabaseMenu, ARenameThatFailsHalfWayChangesNothing) {
   room.Breaks("DatabaseList");
   // A table that nobody owns is in the way of the last but one.
   room.session.File().Execute("CREATE TABLE NEW_Additives (x)");
-  EXPECT_THROW(RenameDatabase(room.session, "INK", "NEW"), Failure);
+  EXPECT_THROW(static_cast<void>(RenameDatabase(room.session, "INK", "NEW")), Failure);
   EXPECT_EQ(room.session.CurrentDatabase, "INK");
   EXPECT_EQ(room.session.databaseList, (Names{"INK", "FLEXO"}));
   EXPECT_EQ(room.DBList(), room.session.databaseList);

@@ -196,7 +196,7 @@ TEST(EndOrder, AFileWhoseDatabaseCannotBeOpenedStays) {
   start.options.dataFileArgument = path.string();
   start.prompt.Expect("Data File");  // told at each opening
   ASSERT_TRUE(StartUp(start.session, start.options, start.windows));
-  EXPECT_THROW(ChangeDatabase(start.session, "BETA"), Failure);
+  EXPECT_THROW(static_cast<void>(ChangeDatabase(start.session, "BETA")), Failure);
   EXPECT_EQ(start.session.CurrentDatabase, "INK");
   EXPECT_TRUE(start.session.RecordsetsOpen);
   EXPECT_FALSE(start.session.LoadingDatabase);

@@ -213,7 +213,7 @@ TEST_F(UpdateTest, TenYearsOfAShopComeInWithTheirSums) {
         }
       for (const OldBatch& batch : of.batches) made += std::llround(static_cast<double>(version < 12 ? batch.quantity : batch.actual) * 1000);
     }
-    const auto inThousandths = [](std::string text) {
+    const auto inThousandths = [](const std::string& text) {
       const std::size_t point = text.find('.');
       std::string fraction = point == std::string::npos ? "" : text.substr(point + 1);
       EXPECT_LE(fraction.size(), 3U) << text;
@@ -423,7 +423,7 @@ TEST_F(UpdateTest, AKilledUpdateLeavesTheFileAndTheNextOneSweeps) {
       progress.at = [&](const std::string& shown) {
         if (shown == text) ::raise(SIGKILL);
       };
-      UpdateDataFile(session, {path});
+      static_cast<void>(UpdateDataFile(session, {path}));
       ::_exit(0);
     }
     int status = 0;
