@@ -2,6 +2,7 @@
 // nothing half done is left.
 
 #include <dlfcn.h>
+#include <fmt/format.h>
 #include <gtest/gtest.h>
 #include <netdb.h>
 #include <sys/resource.h>
@@ -304,8 +305,8 @@ TEST(CloudTasks, AShareHoldsNothingThatIsNobodyElses) {
   file.CreateTable(schema::Users.name, schema::Users);
   for (const auto& [table, column] : own) {
     for (const char* words : {"hidden words 7", "deleted words 8"})
-      file.Execute("INSERT INTO " + table + " (" + column + ") VALUES ('" + words + "')");
-    file.Execute("DELETE FROM " + table + " WHERE " + column + " = 'deleted words 8'");
+      file.Execute(fmt::format("INSERT INTO {} ({}) VALUES ('{}')", table, column, words));
+    file.Execute(fmt::format("DELETE FROM {} WHERE {} = 'deleted words 8'", table, column));
   }
   const std::string before = ReadFileBytes(room.session.DataFileName);
   const auto made = BackUpToCloud(room.desk, false);
@@ -318,7 +319,8 @@ TEST(CloudTasks, AShareHoldsNothingThatIsNobodyElses) {
   const auto whole = Database::Open(room.server.Root() / "A100/Backups" / made->name, OpenMode::ReadOnly);
   for (const auto& [table, column] : own) {
     EXPECT_EQ(std::ranges::find(shared, table), shared.end()) << table;
-    EXPECT_EQ(whole->Scalar("SELECT COUNT(*) FROM " + table + " WHERE " + column + " = 'hidden words 7'").Whole(), 1) << table;
+    EXPECT_EQ(whole->Scalar(fmt::format("SELECT COUNT(*) FROM {} WHERE {} = 'hidden words 7'", table, column)).Whole(), 1)
+        << table;
     file.Execute("DELETE FROM " + table);
   }
   file.DropTable(schema::Users.name);

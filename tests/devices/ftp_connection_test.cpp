@@ -33,7 +33,7 @@ struct FtpRoom {
   FtpClient::Give Giving(const std::string& bytes) {
     return [bytes, at = std::size_t{0}](char* piece, std::size_t size) mutable {
       const std::size_t count = std::min(size, bytes.size() - at);
-      std::memcpy(piece, bytes.data() + at, count);
+      bytes.copy(piece, count, at);
       at += count;
       return count;
     };

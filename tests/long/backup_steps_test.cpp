@@ -164,7 +164,7 @@ TEST_F(BackupSteps, RestoreSettings) {
   ASSERT_EQ(after.size(), 5U);
   ASSERT_NE(before, after);
   const int points = Strike(restore, 1, [&] {
-    CoreDesk(folder.Path());  // the start goes on with what was settled
+    { const CoreDesk started(folder.Path()); }  // the start goes on with what was settled
     ASSERT_TRUE(files() == before || files() == after);
     ASSERT_EQ(Do(restore), 0);
     ASSERT_EQ(files(), after);

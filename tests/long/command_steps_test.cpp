@@ -34,7 +34,7 @@ struct FaultRoom : test::CliRoom {
   FaultRoom() {
     fs::create_directories(work);
     fs::create_directories(folder / "Program");
-    const auto must = [&](Words words) { EXPECT_EQ(Do(std::move(words)).status, 0); };
+    const auto must = [&](const Words& words) { EXPECT_EQ(Do(words).status, 0); };
     must({"file", "create", file.string(), "--database", "INK", "--empty"});
     for (const auto& [name, cost] : {std::pair{"RED", "4.25"}, {"WHITE", "3.1"}, {"BLUE", "5.37"}}) {
       must({"color", "add", name});

@@ -1,6 +1,7 @@
 // Opening, changing, renaming, compacting and making Data Files while one file operation fails, each in its turn: the
 // state before or after stands, and ending the program then removes nobody's file.
 
+#include <fmt/format.h>
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -73,8 +74,8 @@ TEST(StruckFiles, AFailureAtAnyStepLeavesAStateThatStandsAndEveryFile) {
     const auto file = Database::Open(pristine / name, OpenMode::Exclusive);
     for (const std::string database : {"ALPHA", "BETA"}) {
       CreateEmptyDatabase(*file, database);
-      file->Execute("INSERT INTO " + database + "_Basic (Color_Name) VALUES ('" + database + "')");
-      file->Execute("UPDATE " + database + "_Info SET FullName = '" + database + "'");
+      file->Execute(fmt::format("INSERT INTO {0}_Basic (Color_Name) VALUES ('{0}')", database));
+      file->Execute(fmt::format("UPDATE {0}_Info SET FullName = '{0}'", database));
     }
   }
   const struct {

@@ -22,7 +22,7 @@ namespace {
 using test::ScratchFolder;
 
 // Columns "T0", "N1", "T2" ...: texts "r3c0" and figures with three decimals, `columns` of them, one by one.
-ListTable Grid(std::size_t rows, std::size_t columns, std::string totals = {}) {
+ListTable Grid(std::size_t rows, std::size_t columns, const std::string& totals = {}) {
   TableOf<std::size_t> table;
   for (std::size_t c = 0; c < columns; ++c) {
     if (c % 2 == 0)
@@ -90,7 +90,7 @@ std::vector<PdfLine> BodyOf(const PdfPage& page) {
 
 // For whoever runs the tests, to be looked at: build/screens/paper-NAME-1.png.
 void Picture(const std::filesystem::path& file, const std::string& name) {
-  const std::filesystem::path screens = test::ScreensFolder();
+  const std::filesystem::path& screens = test::ScreensFolder();
   std::filesystem::create_directories(screens);
   RunTool(fmt::format("pdftoppm -r 60 -l 1 -png '{}' '{}'", file.string(), (screens / ("paper-" + name)).string()));
 }

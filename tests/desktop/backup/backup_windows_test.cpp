@@ -209,7 +209,7 @@ TEST_F(BackupWindows, EveryWayThroughTheReminder) {
     };
   };
   const auto backsUp = [&](const char* button) {
-    return [this, chooses, button](QWidget& form) {
+    return [chooses, button](QWidget& form) {
       WithModal([&] { chooses("OptYes", false)(form); },
                 [&](QWidget& to) {
                   EXPECT_EQ(U8(to.windowTitle()), "Backup Datafile To..");

@@ -161,7 +161,7 @@ TEST_F(JobDesignsTest, NeverLosesWhatWasTyped) {
   Click(*form, "cmdDelete");
   EXPECT_TRUE(DesignIDs(session).empty());
   WithModal([&] { Click(*form, "cmdHints"); },
-            [this](QWidget& dialog) {
+            [](QWidget& dialog) {
               test::Picture(dialog, "job-designs-hints");
               Click(dialog, "cmdClose");
             });
@@ -190,7 +190,7 @@ TEST_F(JobDesignsTest, GoesOutToAFileAndComesIn) {
   ASSERT_EQ(compare.Model().rowCount(), 1);
   compare.SetCurrentRow(0);
   WithModal([&] { Click(files, "cmdView"); },
-            [this](QWidget& dialog) {
+            [](QWidget& dialog) {
               test::Picture(dialog, "design-of-file");
               Click(dialog, "cmdClose");
             });
@@ -216,7 +216,7 @@ TEST_F(EstimatorWindowTest, ChecksAsAFieldIsLeftAndKeepsItsTables) {
   Fill(form, "txtImpressions_SF", "20000");
   EXPECT_EQ(Text(form, "lblPounds_SF"), "10.00");
   WithModal([&] { Click(form, "cmdMileage"); },
-            [this](QWidget& dialog) {
+            [](QWidget& dialog) {
               Fill(dialog, "txtMileage", "150000");
               test::Picture(dialog, "ink-mileage");
               Click(dialog, "cmdSave");
@@ -226,7 +226,7 @@ TEST_F(EstimatorWindowTest, ChecksAsAFieldIsLeftAndKeepsItsTables) {
   EXPECT_EQ(Text(form, "lblPounds_SF"), "0.03");
   Tab(form, "tabEstimator", 1);
   WithModal([&] { Click(form, "cmdAnilox"); },
-            [this](QWidget& dialog) {
+            [](QWidget& dialog) {
               test::Picture(dialog, "ink-anilox");
               Click(dialog, "cmdCancel");
             });

@@ -345,6 +345,7 @@ TEST_F(LayoutWindowsTest, TakesPicturesThatFitAndTellsOfOthers) {
     prompt.Expect("Picture Selection");
     Click(*form, "cmdPicture");
     EXPECT_EQ(Box("Picture Image"), nullptr);
+    EXPECT_EQ(OnFile("Picture Image Location"), before);
   }
   EXPECT_EQ(asked.title, "Picture Selection");
   EXPECT_EQ(asked.filter, "Picture Files (*.jpg; *.bmp)|*.jpg; *.bmp");

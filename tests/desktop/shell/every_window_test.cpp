@@ -1,5 +1,6 @@
 // Each window of the catalogue on a real ink room, and how it goes away.
 
+#include <fmt/format.h>
 #include <gtest/gtest.h>
 
 #include <QAbstractButton>

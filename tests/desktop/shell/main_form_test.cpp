@@ -223,7 +223,7 @@ TEST(MainWindow, MenusFollowTheRightsOfEachUser) {
 
 TEST(MainWindow, AnArchiveIsShownAndOffersNoWriting) {
   Running running;
-  const fs::path path = running.EarlierFile("My Archive.vkd");
+  running.EarlierFile("My Archive.vkd");
   ASSERT_TRUE(running.Start());
   EXPECT_TRUE(running.session.ArchiveView);
   for (const char* item : {"menuDFOptions_InventorySettings", "menuDB_NewDB", "menuDB_RenameDB", "menuDFUsers_Create"})

@@ -89,7 +89,7 @@ struct MonkeyTest : testing::Test {
   void Round(unsigned seed, const QDeadlineTimer& end) {
     FurnishedRoom room;
     std::filesystem::current_path(room.folder.Path());
-    QDeadlineTimer until(std::min<qint64>(kRoundSeconds * 1000, end.remainingTime()));
+    QDeadlineTimer until(std::min<qint64>(qint64{kRoundSeconds} * 1000, end.remainingTime()));
     Monkey monkey(seed, kWords, room.folder.Path());
     for (int start = 0; start < kStarts && !until.hasExpired() && !HasFailure(); ++start) Live(monkey, room, until);
     for (const auto& entry : std::filesystem::directory_iterator(room.folder.Path())) {
