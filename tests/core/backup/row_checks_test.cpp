@@ -84,6 +84,22 @@ TEST_F(RowChecks, AHandEditIsNamedAndAccepted) {
   room.Breaks("DesignUses");
 }
 
+// A table made anew by hand in the engine's other form has no rows that digests could be kept of; its values are judged
+// all the same.
+TEST_F(RowChecks, ATableOfAnotherFormIsReadAllTheSame) {
+  room.Breaks("Fields");
+  ByHand("CREATE TABLE Other (Name, Manufacturer, Drive, Pathway, Additives, Recycles, FileType,"
+         " RowKey INTEGER PRIMARY KEY) WITHOUT ROWID;"
+         "INSERT INTO Other (Name, Additives, RowKey) VALUES ('LEFT', 'many', 1);"
+         "DROP TABLE Dispenser; ALTER TABLE Other RENAME TO Dispenser");
+  std::string values;
+  for (const CheckFault& fault : CheckDataFileRules(room.session, CheckDepth::Deep).faults)
+    if (fault.rule == "Fields" || fault.rule == "Rows") values += fault.rule + " " + FaultText(fault) + "\n";
+  EXPECT_EQ(values,
+            "Fields Dispenser, row 1 (LEFT): The field Dispenser.Additives cannot hold \"many\": it is neither true nor false "
+            "[Fields]\n");
+}
+
 TEST_F(RowChecks, EveryWayOfWritingKeepsThem) {
   File().Execute("UPDATE INK_Basic SET Notes = 'outside of a transaction'");
   {
