@@ -13,6 +13,7 @@
 #include <QMenu>
 #include <QMenuBar>
 #include <QPlainTextEdit>
+#include <QSplitter>
 #include <QTabBar>
 #include <QTabWidget>
 #include <map>
@@ -257,6 +258,39 @@ TEST_F(HabitsTest, RowsHaveMenusThatLeadOn) {
                            "RecentBatchesForm fgBatches", "JobForm fg", "WhereUsedForm fgUses", "DBDelColors lstMixes"})
     Expect(leads.contains(list) && leads[list].find("Open") != std::string::npos, std::string(list) + " leads nowhere");
   EXPECT_NE(leads["StockHistoryForm fgHistory"].find("Open the color"), std::string::npos);
+}
+
+// Where the user put what divides a window, it stands at the next opening.
+TEST_F(HabitsTest, WhatDividesAWindowStaysWhereItWasPut) {
+  std::map<std::string, QList<int>> put;
+  const auto sides = [&](const std::string& name, const std::function<void(QSplitter&)>& visit) {
+    where = name;
+    try {
+      const desktop::Window* window = running.windows.OpenForm(name, ShownBy(name));
+      Settle();
+      if (window == nullptr) return;
+      for (auto* splitter : window->findChildren<QSplitter*>())
+        if (splitter->isVisible()) visit(*splitter);
+    } catch (const std::logic_error& none) {
+      if (!std::string_view(none.what()).starts_with("there is no window")) throw;
+    }
+    running.windows.CloseChildWindows();
+    Settle();
+  };
+  const auto key = [&](const QSplitter& splitter) { return where + " " + splitter.objectName().toStdString(); };
+  for (const std::string& name : running.windows.Names())
+    sides(name, [&](QSplitter& splitter) {
+      QList<int> sizes = splitter.sizes();
+      splitter.setSizes({sizes.front() + 7, sizes.back() - 7});
+      if (splitter.sizes() == sizes) splitter.setSizes({sizes.front() - 7, sizes.back() + 7});
+      Expect(splitter.sizes() != sizes, "its sides do not move");
+      put[key(splitter)] = splitter.sizes();
+    });
+  EXPECT_GE(put.size(), 7U);
+  for (const auto& [splitter, sizes] : put)
+    sides(splitter.substr(0, splitter.find(' ')), [&](QSplitter& again) {
+      if (key(again) == splitter) Expect(again.sizes() == sizes, "its sides are where they were");
+    });
 }
 
 // Fifty milliseconds of the processor, on a machine as fast as the one of the desk; the best of three counts, since
