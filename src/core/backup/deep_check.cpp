@@ -361,6 +361,23 @@ std::string FaultText(const CheckFault& fault) {
   return fmt::format("{}{}{} [{}]", place, place.empty() ? "" : ": ", fault.what, fault.rule);
 }
 
+const TableOf<CheckFault>& FaultColumns() {
+  using F = CheckFault;
+  const auto row = [](const F& fault) { return fault.row == 0 ? std::string() : std::to_string(fault.row); };
+  static const TableOf<F> columns = TableOf<F>()
+                                        .Add("What", &F::what, "What is wrong")
+                                        .Width(7200)
+                                        .Add("Table", &F::Table, "Table")
+                                        .Width(2400)
+                                        .Add("Row", row, "Row")
+                                        .Width(800)
+                                        .Add("Name", &F::name, "Name")
+                                        .Width(2000)
+                                        .Add("Rule", &F::rule, "Rule")
+                                        .Width(1500);
+  return columns;
+}
+
 void WalkRows(CheckRun& run, Statement& rows, std::int64_t all, const std::function<void(const Statement&)>& take) {
   for (std::int64_t done = 1; rows.Step(); ++done) {
     take(rows);

@@ -7,6 +7,7 @@
 #include <string_view>
 #include <vector>
 
+#include "core/base/table.h"
 #include "core/datafile/row_checks.h"
 #include "core/session/session.h"
 
@@ -74,5 +75,7 @@ Result<AcceptedRows> AcceptStrayRows(Session& session);
 
 /// "INK_Basic, row 5 (RED): …", a line for people.
 std::string FaultText(const CheckFault& fault);
+/// The same in a list.
+const TableOf<CheckFault>& FaultColumns();
 
 }  // namespace vellumark

@@ -249,6 +249,7 @@ constexpr WayIn kWindows[] = {
     {"RestoreFileLocationForm", Act::BackUp},
     {"RestoreAutomaticForm", Act::BackUp},
     {"LookIntoSetForm", Act::BackUp},
+    {"CheckForm", Act::Look},  // accepting what it shows asks for more
     {"RepairForm", Act::BackUp},
     {"RestoreSupportFiles_FLoc", Act::DataFiles},
     {"RestoreSupportFiles_AutoBackup", Act::DataFiles},

@@ -97,6 +97,7 @@ const Entry kEntries[] = {
     {"menuDFRestore_Location", "menuDFRestore", "From File Location"},
     {"menuDFRestore_AutoBU", "menuDFRestore", "From Automatic Backup"},
     {"menuDFArchive", "MenuDataFile", "Archive", WorkingWritable<Act::BackUp>},
+    {"menuDFCheck", "MenuDataFile", "Check", Working<Act::Look>},
     {"menuDFRepair", "MenuDataFile", "Repair", WorkingWritable<Act::BackUp>},
     {"menuDFExport", "MenuDataFile", "Export", Working<Act::ExportDataFile>},
     {"menuDFOptions", "MenuDataFile", "&Options", WorkingWritable<Act::Options>},

@@ -87,4 +87,38 @@ Result<RepairReport> RepairDataFile(Session& session, OpeningWindows& windows,
   return report;
 }
 
+namespace {
+
+constexpr std::string_view kCheckTitle = "Check Data File";
+
+void TellWhenSound(Session& session, const CheckAnswer& answer) {
+  if (answer.Sound() && answer.complete)
+    session.prompt.Tell(std::string(kCheckTitle),
+                        fmt::format("{} is sound.\nEvery row and every rule was checked.", session.DataFileName),
+                        Icon::Information);
+}
+
+}  // namespace
+
+CheckAnswer CheckOpenDataFile(Session& session) {
+  CheckAnswer answer = CheckDataFileRules(session, CheckDepth::Deep, CheckState::InUse);
+  TellWhenSound(session, answer);
+  return answer;
+}
+
+bool HasHandEdits(const CheckAnswer& found) {
+  return std::ranges::find(found.faults, "Rows", &CheckFault::rule) != found.faults.end();
+}
+
+Result<AcceptedRows> AcceptHandEdits(Session& session) {
+  const Message question{std::string(kCheckTitle),
+                         "Rows that another program changed will be taken as they stand.\nFigures that follow from them are "
+                         "worked out anew.\nClick OK to continue.",
+                         Buttons::OkCancel, Icon::Question, Answer::Cancel};
+  if (session.prompt.Show(question) != Answer::Ok) return Decline(std::string(kCheckTitle));
+  auto accepted = AcceptStrayRows(session);
+  if (accepted) TellWhenSound(session, accepted->rest);
+  return accepted;
+}
+
 }  // namespace vellumark

@@ -2,6 +2,7 @@
 
 #include <functional>
 
+#include "core/backup/deep_check.h"
 #include "core/backup/repair.h"
 #include "core/session/session.h"
 #include "core/shell/opening.h"
@@ -14,5 +15,13 @@ namespace vellumark {
 /// right, for archive and backup copies, and where nothing can be read; the file is then as it was.
 Result<RepairReport> RepairDataFile(Session& session, OpeningWindows& windows,
                                     const std::function<bool()>& closeWindows);
+
+/// Every row of the open file against every rule. Changes nothing; tells when the file is sound.
+CheckAnswer CheckOpenDataFile(Session& session);
+
+/// Takes the rows that another program changed as they stand, after asking; refused as AcceptStrayRows is. Tells when the
+/// file is sound by that.
+Result<AcceptedRows> AcceptHandEdits(Session& session);
+bool HasHandEdits(const CheckAnswer& found);
 
 }  // namespace vellumark

@@ -2,6 +2,7 @@
 
 #include "desktop/backup/archive_form.h"
 #include "desktop/backup/backup_forms.h"
+#include "desktop/backup/check_form.h"
 #include "desktop/backup/look_into_form.h"
 #include "desktop/backup/repair_form.h"
 #include "desktop/backup/restore_forms.h"
@@ -25,6 +26,7 @@ void RegisterBackupWindows(WindowList& windows, StartupWindows& startup, const F
   windows.RegisterDialog("RestoreAutomaticForm", [&startup](WindowList& list, QWidget* owner) -> Dialog* {
     return new RestoreAutomaticForm(list, owner, startup);
   });
+  windows.RegisterDialog<CheckForm>("CheckForm");
   windows.RegisterDialog("RepairForm", [&startup](WindowList& list, QWidget* owner) -> Dialog* {
     return new RepairForm(list, owner, startup);
   });

@@ -24,6 +24,7 @@ std::string_view DialogOfMenuItem(std::string_view item) {
       Pair{"menuDFRestore_Location", "RestoreFileLocationForm"},
       Pair{"menuDFRestore_AutoBU", "RestoreAutomaticForm"},
       Pair{"menuDFArchive", "ArchiveForm"},
+      Pair{"menuDFCheck", "CheckForm"},
       Pair{"menuDFRepair", "RepairForm"},
       Pair{"menuDFAdvanced_RestoreBU_SupportFiles_Cloud", "RestoreSupportFiles_Cloud"},
       Pair{"menuDFAdvanced_RestoreBU_SupportFiles_FLoc", "RestoreSupportFiles_FLoc"},

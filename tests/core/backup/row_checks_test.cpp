@@ -2,11 +2,10 @@
 
 #include <gtest/gtest.h>
 
-#include <cstdlib>
-
 #include "core/base/files.h"
 #include "core/datafile/lifecycle.h"
 #include "support/flips.h"
+#include "support/hand_edit.h"
 
 namespace vellumark {
 namespace {
@@ -25,15 +24,7 @@ class RowChecks : public testing::Test {
   }
   void ByHand(const std::string& sql) {
     Close();
-    const fs::path script = room.folder / "edit.py";
-    ReplaceFile(script, "import sqlite3, sys\n"
-                        "file = sqlite3.connect(sys.argv[1])\n"
-                        "file.executescript(sys.stdin.read())\n"
-                        "assert file.execute('PRAGMA integrity_check').fetchone() == ('ok',)\n");
-    ReplaceFile(room.folder / "edit.sql", sql);
-    const std::string command = "python3 '" + script.string() + "' '" + room.session.DataFileName + "' < '" +
-                                (room.folder / "edit.sql").string() + "'";
-    ASSERT_EQ(std::system(command.c_str()), 0) << sql;
+    test::EditByHand(room.session.DataFileName, sql);
     Open();
   }
   /// What the rule finds, a line each.

@@ -37,6 +37,7 @@ const Row kRows[] = {
     {"menuDFRestore", false, false, false, &UserRights::DF_BackupRestore, 1},
     {"menuDFExport", true, false, false, &UserRights::DF_ExportDF_Excel, 1},
     {"menuDFArchive", false, false, false, &UserRights::DF_BackupRestore, 1},
+    {"menuDFCheck", true, false, false, nullptr, 0},
     {"menuDFRepair", false, false, false, &UserRights::DF_BackupRestore, 1},
     {"menuDFOptions", false, false, false, &UserRights::DF_OptionsMenu, 1},
     {"menuDFAdvanced", true, true, true, &UserRights::DF_AdvancedMenu, 1},

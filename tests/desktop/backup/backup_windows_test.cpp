@@ -3,11 +3,13 @@
 #include <QLineEdit>
 #include <QPushButton>
 #include <QTabWidget>
+#include <QTimer>
 #include <QTreeWidget>
 #include <algorithm>
 
 #include "core/backup/backup_days.h"
 #include "core/backup/backup_set.h"
+#include "core/backup/deep_check.h"
 #include "core/base/files.h"
 #include "core/datafile/databases.h"
 #include "core/session/settings.h"
@@ -18,6 +20,7 @@
 #include "desktop/kit/grid.h"
 #include "support/data_files.h"
 #include "support/desktop.h"
+#include "support/hand_edit.h"
 #include "support/old_files.h"
 
 namespace vellumark::test {
@@ -336,6 +339,68 @@ TEST_F(BackupWindows, ARepairShowsWhatItDid) {
   });
   EXPECT_EQ(Colors(), 2);
   EXPECT_TRUE(session.RecordsetsOpen);
+}
+
+TEST_F(BackupWindows, ACheckShowsWhatIsWrongAndTakesWhatWasChangedOnPurpose) {
+  prompt.Expect("Check Data File", Answer::Ok, file.string() + " is sound.\nEvery row and every rule was checked.");
+  EXPECT_FALSE(list.RunDialog("CheckForm"));
+
+  CloseDataFile(session, windows);
+  EditByHand(file, "UPDATE INK_Basic SET PurchaseCost = 4.1; INSERT INTO INK_Basic (Color_Name) VALUES ('BY HAND')");
+  ASSERT_TRUE(OpenOtherDataFile(session, file, windows));
+  const auto shown = [](QWidget& form) {
+    auto& grid = Control<desktop::Grid>(form, "fgFaults");
+    std::string text;
+    for (int row = 0; row < grid.Model().rowCount(); ++row) {
+      for (int column = 0; column < 4; ++column) text += U8(grid.Model().index(row, column).data().toString()) + "|";
+      text += "\n";
+    }
+    return text;
+  };
+  const std::string all =
+      "The field INK_Basic.PurchaseCost holds \"4.1\", which is not how it is kept.|INK_Basic|1|RED|\n"
+      "The row is not as this program wrote it.|INK_Basic|1|RED|\n"
+      "The row was added, and not by this program.|INK_Basic|2|BY HAND|\n";
+  session.CurrentUser = "ANN";
+  session.Perm_Advanced = session.Perm_BackupRestore = 0;
+  Run("CheckForm", [&](QWidget& form) {
+    EXPECT_EQ(shown(form), all);
+    EXPECT_FALSE(Control<QPushButton>(form, "cmdAccept").isEnabled());
+    EXPECT_FALSE(Control<QPushButton>(form, "cmdRepair").isEnabled());
+    PressOn(Qt::Key_Escape);
+  });
+  session.CurrentUser.clear();
+  Run("CheckForm", [&](QWidget& form) {
+    Picture(form, "backup-CheckForm");
+    prompt.Expect("Check Data File", Answer::Cancel);
+    Click(form, "cmdAccept");
+    EXPECT_EQ(shown(form), all) << "nothing was accepted";
+    prompt.Expect("Check Data File", Answer::Ok)
+        .Expect("Check Data File", Answer::Ok, file.string() + " is sound.\nEvery row and every rule was checked.");
+    Click(form, "cmdAccept");
+    EXPECT_FALSE(form.isVisible());
+  });
+  EXPECT_EQ(session.File().Scalar("SELECT PurchaseCost FROM INK_Basic WHERE Color_Name = 'RED'").Number(), 4.1F);
+
+  // What nobody would write on purpose is repaired from here.
+  session.File().Execute("INSERT INTO INK_Basic (Color_Name) VALUES ('red')");
+  folder.Breaks("UniqueNames");  // what is kept is as it was
+  prompt.Expect("Repair Data File", Answer::Ok).Expect("Repair Data File");
+  QTimer reports;
+  bool shownReport = false;
+  QObject::connect(&reports, &QTimer::timeout, [&] {
+    QWidget* modal = QApplication::activeModalWidget();
+    if (modal == nullptr || modal->objectName() != "RepairForm") return;
+    shownReport = true;
+    modal->close();
+  });
+  reports.start(20);
+  Run("CheckForm", [](QWidget& form) {
+    EXPECT_FALSE(Control<QPushButton>(form, "cmdAccept").isEnabled());
+    Click(form, "cmdRepair");
+  });
+  EXPECT_TRUE(shownReport);
+  EXPECT_TRUE(CheckDataFileRules(session, CheckDepth::Deep, CheckState::InUse).Sound());
 }
 
 }  // namespace
