@@ -52,7 +52,7 @@ Result<void> TakeLines(Session& session, AdditiveSetWork& work, const std::vecto
   for (std::size_t row = 0; row < pairs.size(); ++row) {
     const auto pair = SplitPair(pairs[row], true);
     const std::string field = schema::Numbered("SetIng", static_cast<int>(row));
-    if (!BasicColorExists(session, Upper(TrimView(pair->first))))
+    if (!BasicColorExists(session, StoredName(session, ColorKind::Basic, Upper(TrimView(pair->first)))))
       if (auto valid = NewTypedName(session, pair->first, field); !valid) return std::unexpected(valid.error());
     const auto name = EnterSetIngredient(session, work, row, pair->first);
     if (!name) return std::unexpected(name.error());
@@ -106,12 +106,13 @@ struct ApplyOptions {
   std::string having;  ///< INGREDIENT>=PERCENT or INGREDIENT<=PERCENT
 };
 
-Result<SetFilter> ReadFilter(const std::string& text) {
+Result<SetFilter> ReadFilter(const Session& session, const std::string& text) {
   for (const std::string_view sign : {">=", "<="}) {
     const std::size_t at = text.rfind(sign);
     if (at == std::string::npos) continue;
     const auto percent = ParseNumber(text.substr(at + 2));
-    if (percent) return SetFilter{Upper(TrimView(text.substr(0, at))), sign == ">=", *percent};
+    const std::string ingredient = StoredName(session, ColorKind::Basic, Upper(TrimView(text.substr(0, at))));
+    if (percent) return SetFilter{ingredient, sign == ">=", *percent};
   }
   return Refuse("Additive Set Modification", text + " is not INGREDIENT>=PERCENT or INGREDIENT<=PERCENT.");
 }
@@ -133,14 +134,14 @@ Result<Json> Apply(Context& context, const ApplyOptions& options, SetMethod meth
   if (!set) return std::unexpected(set.error());
   SetFilter filter;
   if (!options.having.empty()) {
-    const auto read = ReadFilter(options.having);
+    const auto read = ReadFilter(session, options.having);
     if (!read) return std::unexpected(read.error());
     filter = *read;
     method = SetMethod::AddByFilter;
   }
   std::vector<std::string> names;
   for (const std::string& typed : options.names) {
-    const auto name = TypedName(session, typed);
+    const auto name = TypedColor(session, ColorKind::Mix, typed);
     if (!name) return std::unexpected(name.error());
     names.push_back(*name);
     if (!MixColorExists(session, names.back()))

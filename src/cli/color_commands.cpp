@@ -19,7 +19,7 @@ Json BasicJson(const Session& session, const BasicColor& color) {
 }
 
 Result<BasicColor> Named(const Session& session, const std::string& typed) {
-  const auto name = TypedName(session, typed);
+  const auto name = TypedColor(session, ColorKind::Basic, typed);
   if (!name) return std::unexpected(name.error());
   if (auto color = ReadBasic(session, *name)) return *std::move(color);
   return Refuse("Color Not Found", *name + " is not found in this database.", "Color_Name");
@@ -50,7 +50,7 @@ Result<Json> Add(Context& context, const std::string& typed, const std::vector<s
   Session& session = context.session;
   const auto valid = NewTypedName(session, typed);
   if (!valid) return std::unexpected(valid.error());
-  const std::string& name = *valid;
+  const std::string name = StoredName(session, ColorKind::Basic, *valid);
   if (name.empty()) return Refuse("Color Name Needed", "Please enter a name.", "Color_Name");
   if (!BasicColorExists(session, name)) {
     if (auto allowed = CheckNewBasicName(session, name); !allowed) return std::unexpected(allowed.error());
@@ -79,7 +79,7 @@ Result<Json> Rename(Context& context, const std::string& oldName, const std::str
 }
 
 Result<Json> Delete(Context& context, const std::string& typed) {
-  const auto read = TypedName(context.session, typed);
+  const auto read = TypedColor(context.session, ColorKind::Basic, typed);
   if (!read) return std::unexpected(read.error());
   const std::string& name = *read;
   const auto deleted = DeleteBasic(context.session, name);

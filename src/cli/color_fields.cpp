@@ -4,6 +4,7 @@
 
 #include "core/base/text.h"
 #include "core/colors/names.h"
+#include "core/inventory/color_name.h"
 #include "core/inventory/color_stock.h"
 
 namespace vellumark::cli {
@@ -16,6 +17,11 @@ Result<std::string> TypedName(const Session& session, std::string_view typed, st
                   fmt::format("The name {} has {} characters, the limit is {}.", text, length, session.NameLength),
                   std::move(field));
   return ReadName(session, typed);
+}
+
+Result<std::string> TypedColor(const Session& session, std::optional<ColorKind> kind, std::string_view typed) {
+  const auto name = TypedName(session, typed);
+  return name ? SpelledOnFile(session, *name, kind) : name;
 }
 
 Result<std::string> NewTypedName(const Session& session, std::string_view typed, std::string field,

@@ -20,6 +20,9 @@ using Pairs = std::vector<std::pair<std::string, std::string>>;
 /// A colour's name, as the windows read it. One longer than names may be is refused: cut to the length, as their fields
 /// do it before the operator's eyes, it would be another colour's.
 Result<std::string> TypedName(const Session& session, std::string_view typed, std::string field = "Color_Name");
+/// The same of one on file, as the Database spells it: a colour of a guide is found with and without "PANTONE ".
+/// Without a kind it may be of either.
+Result<std::string> TypedColor(const Session& session, std::optional<ColorKind> kind, std::string_view typed);
 /// The same of a name that is to be given, which holds plain characters only, and those of the name that it is made of.
 Result<std::string> NewTypedName(const Session& session, std::string_view typed, std::string field = "Color_Name",
                                  std::string_view from = {});

@@ -50,7 +50,7 @@ Result<MixColor> Named(const Session& session, const std::string& typed) {
 
 Result<Json> List(Context& context, const std::string& ingredient) {
   if (ingredient.empty()) return context.Answer(ListFormulas(context.session));
-  const auto name = TypedName(context.session, ingredient);
+  const auto name = TypedColor(context.session, ColorKind::Basic, ingredient);
   if (!name) return std::unexpected(name.error());
   return context.Answer(ListFormulas(context.session, *name));
 }
@@ -65,7 +65,7 @@ Result<void> TakeIngredient(Session& session, FormulaWork& work, std::size_t row
   const std::string field = schema::Numbered("BC", static_cast<int>(row));
   const auto name = TypedName(session, typed, field);
   if (!name) return std::unexpected(name.error());
-  if (!BasicColorExists(session, *name))
+  if (!BasicColorExists(session, StoredName(session, ColorKind::Basic, *name)))
     if (auto valid = CheckTypedPiece(typed, field); !valid) return valid;
   const auto entry = EnterIngredient(session, work, row, typed);
   if (!entry) return std::unexpected(entry.error());

@@ -37,7 +37,7 @@ Result<Json> Export(Context& context, const ExportOptions& options) {
   const auto path = std::filesystem::absolute(out);
   FormulaSelection selection;
   for (const std::string& typed : words) {
-    const auto name = TypedName(context.session, typed);
+    const auto name = TypedColor(context.session, ColorKind::Mix, typed);
     if (!name) return std::unexpected(name.error());
     selection.names.push_back(*name);
   }

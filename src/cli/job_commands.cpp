@@ -90,7 +90,7 @@ Result<void> TakeUserFields(const Session& session, const std::vector<std::strin
 
 Result<Json> AddItem(Context& context, const AddOptions& options) {
   Session& session = context.session;
-  const auto name = TypedName(session, options.name);
+  const auto name = TypedColor(session, KindOf(options.kind), options.name);
   if (!name) return std::unexpected(name.error());
   const auto kind = ChooseJobColor(session, {}, *name, KindOf(options.kind));
   if (!kind) return std::unexpected(kind.error());

@@ -21,7 +21,7 @@ Result<Json> ShowStock(Context& context, const std::optional<std::string>& typed
   const Session& session = context.session;
   std::optional<std::string> name;
   if (typed) {
-    const auto read = TypedName(session, *typed);
+    const auto read = TypedColor(session, {}, *typed);
     if (!read) return std::unexpected(read.error());
     name = *read;
     if (!HasRows(ListColorStock(session, name, {}))) return std::unexpected(InventoryColorNotFound(session));
@@ -34,7 +34,7 @@ Result<Json> ShowStock(Context& context, const std::optional<std::string>& typed
 // The lots of one colour. A name that both kinds bear is asked for.
 Result<Json> ShowLots(Context& context, const std::string& typed, const std::string& kindOption) {
   const Session& session = context.session;
-  const auto name = TypedName(session, typed);
+  const auto name = TypedColor(session, KindOf(kindOption), typed);
   if (!name) return std::unexpected(name.error());
   const auto kind = ChooseInventoryColor(session, *name, KindOf(kindOption));
   if (!kind) return std::unexpected(kind.error());
@@ -56,7 +56,7 @@ Result<Json> ShowHistory(Context& context, const HistoryOptions& options) {
   filter.lot = options.lot;
   filter.kind = KindOf(options.kind);
   if (options.name) {
-    auto name = TypedName(session, *options.name);
+    auto name = TypedColor(session, filter.kind, *options.name);
     if (!name) return std::unexpected(name.error());
     filter.name = *std::move(name);
   }
@@ -149,7 +149,7 @@ Result<Json> AdjustStock(Context& context, const AdjustOptions& options) {
   Session& session = context.session;
   const auto quantity = ReadAdjustQuantity(options.quantity);
   if (!quantity) return std::unexpected(quantity.error());
-  const auto read = TypedName(session, options.name);
+  const auto read = TypedColor(session, KindOf(options.kind), options.name);
   if (!read) return std::unexpected(read.error());
   const std::string& name = *read;
   const auto kind = ChooseInventoryColor(session, name, KindOf(options.kind));

@@ -44,7 +44,7 @@ Result<std::vector<std::size_t>> RowsOf(const InventoryWork& work, const std::ve
 }
 
 Result<Chosen> Choose(const Session& session, const ResetOptions& options) {
-  const auto name = TypedName(session, options.name);
+  const auto name = TypedColor(session, KindOf(options.kind), options.name);
   if (!name) return std::unexpected(name.error());
   const auto kind = ChooseInventoryColor(session, *name, KindOf(options.kind));
   if (!kind) return std::unexpected(kind.error());
@@ -101,7 +101,7 @@ Result<Json> ResetPrice(Context& context, const ResetOptions& options) {
 Result<Json> Reorder(Context& context, const ResetOptions& options) {
   Session& session = context.session;
   if (const auto value = ReadReorderPoint(options.value); !value) return std::unexpected(value.error());
-  const auto name = TypedName(session, options.name);
+  const auto name = TypedColor(session, KindOf(options.kind), options.name);
   if (!name) return std::unexpected(name.error());
   const auto kind = ChooseReorderColor(session, *name, KindOf(options.kind));
   if (!kind) return std::unexpected(kind.error());

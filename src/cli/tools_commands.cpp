@@ -29,7 +29,7 @@ struct Selection {
     if (all) return kind == ColorKind::Mix ? MixNames(session) : BasicNames(session, BasicFilter::All);
     std::vector<std::string> read;
     for (const std::string& typed : names) {
-      auto name = TypedName(session, typed);
+      auto name = TypedColor(session, kind, typed);
       if (!name) return std::unexpected(name.error());
       read.push_back(*std::move(name));
     }
@@ -99,7 +99,9 @@ Result<Json> Modify(Context& context, const ModifyOptions& options) {
   std::vector<ModifierLine> lines;
   for (const std::string& text : options.lines) {
     lines.push_back(*ReadLine(text));
-    if (const auto name = TypedName(session, lines.back().ingredient); !name) return std::unexpected(name.error());
+    auto name = TypedColor(session, ColorKind::Basic, lines.back().ingredient);
+    if (!name) return std::unexpected(name.error());
+    lines.back().ingredient = *std::move(name);
   }
   const auto names = options.selection.Names(session, ColorKind::Mix);
   if (!names) return std::unexpected(names.error());

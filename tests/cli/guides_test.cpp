@@ -60,6 +60,21 @@ TEST(CliTemplate, ANewFileShowsAWorkingDatabaseAndWithoutATemplateSaysHowToGetOn
   const auto calculated = room.Json({"batch", "calc", "--formula", "90001", "--quantity", "10"});
   EXPECT_EQ(calculated["Color_Name"], "PANTONE 90001");
   EXPECT_EQ(calculated["Total"], "10.000");
+  // The colours on file are found under what is printed in the guide, by whatever verb, and none comes a second time.
+  const auto names = [&] { return room.Json({"color", "list"}).size(); };
+  const std::size_t before = names();
+  EXPECT_EQ(room.Run({"color", "add", "Clear Spring"}).status, 1);
+  EXPECT_EQ(room.Json({"color", "set", "Clear Spring", "Additive=yes"})["Color_Name"], "PANTONE CLEAR SPRING");
+  EXPECT_EQ(room.Json({"stock", "adjust", "Clear Spring", "5"})["Color_Name"], "PANTONE CLEAR SPRING");
+  EXPECT_EQ(room.Json({"stock", "adjust", "90001", "3"})["Color_Name"], "PANTONE 90001");
+  EXPECT_EQ(room.Json({"stock", "reorder", "Clear Spring", "9"})["Reorder"], 9);
+  EXPECT_EQ(room.Json({"stock", "history", "Clear Spring"}).size(), 1U);
+  EXPECT_EQ(room.Json({"formula", "add", "HOUSE", "Clear Spring=1"})["Color_Set"], "<PANTONE CLEAR SPRING>");
+  EXPECT_EQ(room.Json({"formula", "list", "--using", "Clear Spring"}),
+            room.Json({"formula", "list", "--using", "PANTONE CLEAR SPRING"}));
+  EXPECT_EQ(room.Json({"addset", "add", "S", "Clear Spring=5"})["SetList"], "<PANTONE CLEAR SPRING>");
+  EXPECT_EQ(room.Json({"tools", "delete", "90001", "--preview"})[0]["Color_Name"], "PANTONE 90001");
+  EXPECT_EQ(names(), before);
   // A name with the prefix is refused unless the book has it.
   EXPECT_EQ(room.Run({"--yes", "formula", "add", "PANTONE 12", "PANTONE CLEAR SPRING=1"}).status, 1);
   EXPECT_EQ(room.Run({"file", "create", (room.folder / "Empty.vkd").string(), "--empty"}).err, "");

@@ -199,7 +199,7 @@ Result<AdditiveSet> ValidateAdditiveSet(const Session& session, const AdditiveSe
 
 Result<std::string> EnterSetIngredient(Session& session, const AdditiveSetWork& work, std::size_t row,
                                        std::string_view typed) {
-  std::string name = ReadName(session, typed);
+  std::string name = StoredName(session, ColorKind::Basic, ReadName(session, typed));
   if (name.empty()) return name;
   if (const auto basic = ReadBasic(session, name)) {
     if (!basic->Additive)

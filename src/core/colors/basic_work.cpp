@@ -79,7 +79,7 @@ bool AskNewBasic(Session& session, const std::string& name) {
 }
 
 Result<NameEntry> EnterBasicName(Session& session, std::string_view typed) {
-  const std::string name = ReadName(session, typed);
+  const std::string name = StoredName(session, ColorKind::Basic, ReadName(session, typed));
   if (name.empty()) return NameEntry{};
   if (const auto color = ReadBasic(session, name)) return NameEntry{NameEntry::Kind::Found, color->Color_Name};
   if (auto allowed = CheckNewBasicName(session, name); !allowed) return std::unexpected(allowed.error());

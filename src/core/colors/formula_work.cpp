@@ -231,14 +231,12 @@ FormulaWork LoadFormulaWork(const Session& session, const MixColor& mix) {
 Result<IngredientEntry> EnterIngredient(Session& session, const FormulaWork& work, std::size_t row,
                                         std::string_view typed) {
   IngredientEntry entry;
-  entry.name = ReadName(session, typed);
+  entry.name = StoredName(session, ColorKind::Basic, ReadName(session, typed));
   if (entry.name.empty()) return entry;
-  const bool known = IsKnown(session, work, entry.name);
-  if (!known && IsPantoneBookBasic(session, entry.name)) entry.name = GetTemplateBasicName(session, entry.name);
   for (std::size_t other = 0; other < work.grid.size(); ++other)
     if (other != row && EqualNoCase(TrimView(work.grid[other].BC), entry.name))
       return InvalidFormula("Duplicate use of an ingredient in the formula.", FieldOf("BC", row));
-  if (known || IsKnown(session, work, entry.name)) return entry;
+  if (IsKnown(session, work, entry.name)) return entry;
 
   if (auto writable = RequireWritable(session); !writable) return std::unexpected(writable.error());
   if (auto allowed = CheckNewBasicName(session, entry.name, FieldOf("BC", row)); !allowed)

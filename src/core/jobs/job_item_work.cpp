@@ -8,6 +8,7 @@
 #include "core/base/number.h"
 #include "core/base/text.h"
 #include "core/colors/names.h"
+#include "core/inventory/color_name.h"
 #include "core/inventory/lots.h"
 
 namespace vellumark {
@@ -21,7 +22,7 @@ float Holds(const JobStockRow& row) {
 
 Result<void> JobItemWork::ChooseColor(const Session& session, std::string_view database, std::string_view typed,
                                       std::optional<ColorKind> wanted) {
-  const std::string name = ReadName(session, typed);
+  const std::string name = SpelledOnFile(session, ReadName(session, typed), wanted, database);
   const auto kind = ChooseJobColor(session, database, name, wanted);
   if (!kind) return std::unexpected(kind.error());
   entry.Database = database;

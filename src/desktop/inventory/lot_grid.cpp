@@ -8,6 +8,7 @@
 
 #include "core/base/units.h"
 #include "core/colors/names.h"
+#include "core/inventory/color_name.h"
 #include "desktop/kit/other_databases.h"
 #include "desktop/kit/text.h"
 
@@ -68,7 +69,7 @@ QWidget* Captioned(QWidget* row, const QString& caption, QWidget* field, const c
 }
 
 void EnterStockName(FormHost& host, const char* field, const std::string& typed, const StockNameSteps& steps) {
-  const std::string name = ReadName(host.session, typed);
+  const std::string name = SpelledOnFile(host.session, ReadName(host.session, typed));
   if (name.empty()) {
     QApplication::beep();
     host.FocusField(field);

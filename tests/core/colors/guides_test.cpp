@@ -3,10 +3,13 @@
 #include <gtest/gtest.h>
 
 #include "core/base/number.h"
+#include "core/colors/additive_sets.h"
 #include "core/colors/basic_work.h"
+#include "core/colors/bulk_rename.h"
 #include "core/colors/duplicate.h"
 #include "core/colors/guide_formulas.h"
 #include "core/colors/rename.h"
+#include "core/inventory/color_name.h"
 #include "support/guide_room.h"
 
 namespace vellumark {
@@ -44,12 +47,41 @@ TEST(Guides, NewColoursTakeTheBooksData) {
   room.prompt.Expect(std::string(30, ' ') + "Master Formula - New Master Formula", Answer::Yes);
   EXPECT_EQ(EnterMixName(room.session, "185")->name, "PANTONE 185");
   EXPECT_EQ(EnterIngredient(room.session, NewFormulaWork(room.session, "X"), 0, "rubine")->name, "PANTONE RUBINE");
+  room.Published("FGuide_BColors_GP1601A", "PANTONE GREEN", 8);
+  room.prompt.Expect("Basics / Additives - New Item", Answer::Yes);
+  EXPECT_EQ(EnterBasicName(room.session, "green")->name, "PANTONE GREEN");
 
   // A book colour under a name of its own is no longer of the book.
   ASSERT_TRUE(RenameBasic(room.session, "PANTONE SILVER", "TIN"));
   EXPECT_EQ(ReadBasic(room.session, "TIN")->book, BookData{});
   ASSERT_TRUE(RenameBasic(room.session, "TIN", "PANTONE SILVER"));
   EXPECT_EQ(ReadBasic(room.session, "PANTONE SILVER")->book.Row, 9);
+}
+
+// Also a colour that no guide of the site has; nobody is asked whether it is new.
+TEST(Guides, AColourOnFileIsFoundWithoutItsPrefix) {
+  GuideRoom room;
+  room.Basic("PANTONE CLEAR", {{"Additive", true}});
+  room.Basic("PANTONE WHITE");
+  room.Basic("WHITE");
+  room.Mix("PANTONE 12", {{"PANTONE CLEAR", 100}});
+  const auto work = NewFormulaWork(room.session, "X");
+  for (const char* typed : {"clear", "PANTONE CLEAR"}) {
+    EXPECT_EQ(EnterBasicName(room.session, typed)->kind, NameEntry::Kind::Found);
+    EXPECT_EQ(EnterBasicName(room.session, typed)->name, "PANTONE CLEAR");
+    EXPECT_EQ(EnterIngredient(room.session, work, 0, typed)->name, "PANTONE CLEAR");
+    EXPECT_FALSE(EnterIngredient(room.session, work, 0, typed)->toAdd);
+    EXPECT_EQ(EnterSetIngredient(room.session, {}, 0, typed), "PANTONE CLEAR");
+  }
+  EXPECT_EQ(EnterBasicName(room.session, "WHITE")->name, "WHITE");
+  const auto spelled = [&](const char* name, std::optional<ColorKind> kind = {}) {
+    return SpelledOnFile(room.session, name, kind);
+  };
+  EXPECT_EQ(spelled("12"), "PANTONE 12");
+  EXPECT_EQ(spelled("12", ColorKind::Basic), "12");
+  EXPECT_EQ(spelled("WHITE"), "WHITE");
+  EXPECT_EQ(spelled("rubine"), "rubine");
+  EXPECT_EQ(SpelledOnFile(room.session, "12", {}, "GONE"), "12");
 }
 
 TEST(Guides, AFormulaAgainstThePublishedOne) {
