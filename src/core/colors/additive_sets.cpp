@@ -157,7 +157,7 @@ bool AdditiveSetExists(const Session& session, std::string_view setName) {
 }
 
 std::string ReadSetName(std::string_view typed) {
-  return Upper(Left(TrimView(typed), static_cast<std::size_t>(kSetNameLength)));
+  return Upper(Trim(Left(TrimView(typed), static_cast<std::size_t>(kSetNameLength))));
 }
 
 Result<std::string> EnterSetName(const Session& session, std::string_view typed) {

@@ -43,9 +43,12 @@ std::string Replaced(std::string_view name, std::string_view find, std::string_v
   return replaced.append(name);
 }
 
-std::string NewName(const BulkRename& rule, const std::string& name) {
+// What the rule alone makes of a name. What comes before that of a guide's formula stands behind "PANTONE ".
+std::string ChangedName(const Session& session, const BulkRename& rule, const std::string& name) {
   switch (rule.change) {
     case NameChange::Prefix:
+      if (rule.kind == ColorKind::Mix && HasPantonePrefix(name) && IsPantoneBookMix(session, name))
+        return Upper(std::string(kPantonePrefix) + Trim(rule.text + StripPantonePrefix(name)));
       return Upper(Trim(rule.text + name));
     case NameChange::Suffix:
       return Upper(Trim(name + rule.text));
@@ -70,15 +73,16 @@ Result<void> CheckRule(const Session& session, const BulkRename& rule, const std
   return CheckTypedPiece(replaces ? rule.replacement : rule.text, replaces ? "txtReplace" : field);
 }
 
-// Why the new name cannot be had, as far as it concerns this colour alone.
-std::string ReasonAgainst(const Session& session, const BulkRename& rule, const std::string& name,
-                          const std::string& newName) {
+// Why the new name cannot be had, as far as it concerns this colour alone. `changed` is what the rule made of it.
+std::string ReasonAgainst(const Session& session, const BulkRename& rule, const RenamePreviewRow& row,
+                          const std::string& changed) {
+  const std::string& name = row.Color_Name;
   if (rule.change == NameChange::Replace && FindNoCase(name, rule.text) == std::string::npos)
     return "Find string not found in name";
-  if (newName.empty()) return "Rename leaves no name";
-  if (HasPantonePrefix(newName) && !HasPantonePrefix(name)) return "New name cannot begin with word PANTONE";
-  if (auto valid = CheckTypedPiece(newName, {}, name); !valid) return valid.error().text;
-  if (CharCount(newName) > static_cast<std::size_t>(session.NameLength))
+  if (changed.empty()) return "Rename leaves no name";
+  if (HasPantonePrefix(changed) && !HasPantonePrefix(name)) return "New name cannot begin with word PANTONE";
+  if (auto valid = CheckTypedPiece(changed, {}, name); !valid) return valid.error().text;
+  if (CharCount(row.newName) > static_cast<std::size_t>(session.NameLength))
     return fmt::format("New name exceeds {} characters", session.NameLength);
   return {};
 }
@@ -92,8 +96,10 @@ Result<std::vector<RenamePreviewRow>> Judge(Session& session, const BulkRename& 
   for (const std::string& typed : names) {
     const std::string name = NameOnFile(session, rule.kind, typed);
     if (name.empty()) return Refuse("Color Not Found", typed + " is not found in this database.", "Color_Name");
-    RenamePreviewRow row{name, NewName(rule, name), {}, false};
-    row.reason = ReasonAgainst(session, rule, name, row.newName);
+    const std::string changed = ChangedName(session, rule, name);
+    RenamePreviewRow row{name, changed, {}, false};
+    if (rule.kind == ColorKind::Mix && !changed.empty()) row.newName = WithBookPrefix(session, name, changed);
+    row.reason = ReasonAgainst(session, rule, row, changed);
     if (row.reason.empty()) ++uses[row.newName];
     rows.push_back(std::move(row));
     if (!steps.Next()) return BulkSteps::Stopped(std::string(kTitle));

@@ -78,14 +78,14 @@ std::string StripScanTag(std::string_view text) {
 }
 
 std::string ReadNewName(const Session& session, std::string_view typed) {
-  return Upper(Left(TrimView(typed), static_cast<std::size_t>(session.NameLength)));
+  return Upper(Trim(Left(TrimView(typed), static_cast<std::size_t>(session.NameLength))));
 }
 
 std::string ReadName(const Session& session, std::string_view typed) {
   // The tag counts for nothing of the length: a label holds a name as long as names may be behind it.
   std::string name = StripScanTag(TrimView(typed));
   EraseMarks(name);
-  return Trim(ReadNewName(session, name));
+  return ReadNewName(session, name);
 }
 
 bool HasPantonePrefix(std::string_view name) {

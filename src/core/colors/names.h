@@ -27,7 +27,7 @@ std::string StripScanTag(std::string_view text);
 
 /// A name as it left its field: trimmed, cut to the configured length, upper case, without scan tag, "<" and ">".
 std::string ReadName(const Session& session, std::string_view typed);
-/// A new name as a rename or duplicate window reads it: trimmed, cut, upper case.
+/// A new name as a rename or duplicate window reads it: cut, without blanks around it, upper case.
 std::string ReadNewName(const Session& session, std::string_view typed);
 
 /// The text after "PANTONE " when the name begins with it, else the name.

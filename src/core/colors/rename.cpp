@@ -276,6 +276,11 @@ Result<Renamed> RenameBasic(Session& session, std::string_view oldName, std::str
   return Renamed{true, survivor.has_value(), name};
 }
 
+std::string WithBookPrefix(const Session& session, std::string_view oldName, std::string newName) {
+  if (HasPantonePrefix(newName) || !IsPantoneBookMix(session, oldName)) return newName;
+  return std::string(kPantonePrefix).append(newName);
+}
+
 Result<Renamed> RenameColor(Session& session, std::string_view oldName, std::string_view typed) {
   if (auto writable = RequireWritable(session); !writable) return std::unexpected(writable.error());
   const auto mix = ReadMix(session, oldName);
@@ -283,8 +288,8 @@ Result<Renamed> RenameColor(Session& session, std::string_view oldName, std::str
   if (auto right = RequireFormulaRight(session); !right) return std::unexpected(right.error());
   std::string name = ReadNewName(session, typed);
   if (name.empty()) return Refuse("Color Name Needed", "Please enter a new color name.", std::string(kField));
-  if (auto valid = CheckNewName(name, NameSource::Typed, session.NameLength, kField, mix->Color_Name); !valid)
-    return std::unexpected(valid.error());
+  const auto valid = [&] { return CheckNewName(name, NameSource::Typed, session.NameLength, kField, mix->Color_Name); };
+  if (auto fits = valid(); !fits) return std::unexpected(fits.error());
   if (EqualNoCase(name, mix->Color_Name))
     return Refuse("Choose Another Name", "Cannot rename a color with the same name.\n\nPlease enter a different name.",
                   std::string(kField));
@@ -300,10 +305,10 @@ Result<Renamed> RenameColor(Session& session, std::string_view oldName, std::str
                   "This name cannot begin with the word PANTONE.\nRenaming a color with the word PANTONE "
                   "requires\nspelling the color as it is found in the book.\n\nPlease choose another name.",
                   std::string(kField));
-  if (!HasPantonePrefix(name) && IsPantoneBookMix(session, mix->Color_Name)) {
-    name = ReadNewName(session, std::string(kPantonePrefix).append(name));
-    if (inUse()) return refuseInUse();
-  }
+  // With its prefix the name may be too long, and must not be cut unseen.
+  name = WithBookPrefix(session, mix->Color_Name, std::move(name));
+  if (auto fits = valid(); !fits) return std::unexpected(fits.error());
+  if (inUse()) return refuseInUse();
 
   ProgressRun progress(session.progress, "Renaming color ...");
   Transaction transaction(session.File());

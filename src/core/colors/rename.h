@@ -27,6 +27,9 @@ Result<Renamed> RenameBasic(Session& session, std::string_view oldName, std::str
 /// Renames a Master Formula everywhere it is named, in one transaction. A name in use is refused, never merged.
 Result<Renamed> RenameColor(Session& session, std::string_view oldName, std::string_view typed);
 
+/// The name that a Master Formula gets by a rename: one of a guide keeps "PANTONE " in front.
+std::string WithBookPrefix(const Session& session, std::string_view oldName, std::string newName);
+
 /// The writing of many renames alone, inside the caller's transaction: for new names that are known to be valid, free
 /// and different. Every table is walked once. `goOn` hears how much is done, in percent; false when it stopped the
 /// work, which then has to be rolled back.

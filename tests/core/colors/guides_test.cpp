@@ -180,6 +180,28 @@ TEST(Guides, ARenamedBookFormulaKeepsThePrefix) {
   room.Mix("PANTONE 185", {{"PANTONE RUBINE", 100}});
   room.Mix("PANTONE TAKEN", {{"PANTONE RUBINE", 100}});
   EXPECT_EQ(RenameColor(room.session, "PANTONE 185", "TAKEN").error().title, "Master Formula Exists");
+  const struct {
+    NameChange change;
+    const char* text;
+    const char* replacement;
+    const char* outcome;  // the new name, or "!" and the reason
+  } cases[] = {
+      {NameChange::Replace, "PANTONE ", "", "!Rename creates duplicate color name reference"},
+      {NameChange::Replace, "PANTONE 185", "TAKEN", "!Rename creates duplicate color name reference"},
+      {NameChange::Replace, "PANTONE 185", "SEVENTEEN LETTERS", "!New name exceeds 24 characters"},
+      {NameChange::Replace, "PANTONE 185", "SIXTEEN LETTERS", "PANTONE SIXTEEN LETTERS"},
+      {NameChange::Replace, "185", "9", "PANTONE 9"},
+      {NameChange::Prefix, "MY ", "", "PANTONE MY 185"},
+      {NameChange::Suffix, " X", "", "PANTONE 185 X"},
+  };
+  room.session.NameLength = 24;
+  for (const auto& c : cases) {
+    const auto rows = PreviewRename(room.session, {ColorKind::Mix, c.change, c.text, c.replacement}, {"PANTONE 185"});
+    const RenamePreviewRow& row = rows->front();
+    EXPECT_EQ(row.renames ? row.newName : "!" + row.reason, c.outcome);
+  }
+  EXPECT_EQ(RenameColor(room.session, "PANTONE 185", "SEVENTEEN LETTERS").error().text,
+            "The name PANTONE SEVENTEEN LETTERS has 25 characters, the limit is 24.");
   EXPECT_EQ(RenameColor(room.session, "PANTONE 185", "SPECIAL")->name, "PANTONE SPECIAL");
 }
 

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include "core/colors/additive_sets.h"
 #include "core/colors/color_set.h"
 #include "core/datafile/references.h"
 #include "support/ink_room.h"
@@ -38,6 +39,9 @@ TEST(Names, ReadFromAField) {
       {"ABCDEFGHIJK   Z", "ABCDEFGHIJK"},
   };
   for (const auto& c : cases) EXPECT_EQ(ReadName(room.session, c.typed), c.name) << c.typed;
+  // A cut leaves no blank at the end, of whichever name.
+  EXPECT_EQ(ReadNewName(room.session, " abcdefghijk   z"), "ABCDEFGHIJK");
+  EXPECT_EQ(ReadSetName(std::string(29, 'a') + " b"), std::string(29, 'A'));
 }
 
 TEST(Names, ConfiguredLength) {
