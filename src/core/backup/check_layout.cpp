@@ -321,6 +321,15 @@ void CheckNames(CheckRun& run, const std::string& table, std::string_view field,
   }
 }
 
+// What is typed has no blanks around it, so that nobody finds a name that has.
+void CheckTrimmed(CheckRun& run, const std::string& table, std::string_view field) {
+  Statement blank =
+      run.file.Prepare(fmt::format("SELECT RowKey, {0} FROM {1} WHERE {0} <> TRIM({0})", Quoted(field), Quoted(table)));
+  run.FoundRows(table, blank, [&](const Statement& row) {
+    return fmt::format("{} \"{}\" has blanks around it.", field, row.TextView(1));
+  });
+}
+
 }  // namespace
 
 void CheckUniqueNames(CheckRun& run) {
@@ -330,12 +339,15 @@ void CheckUniqueNames(CheckRun& run) {
     if (run.file.TableExists(schema::Users.name)) CheckNames(run, schema::Users.name, "Username");
   }
   for (const std::string& database : run.Databases()) {
-    for (const Table* table : {&schema::Basic, &schema::Mix})
+    for (const Table* table : {&schema::Basic, &schema::Mix}) {
       CheckNames(run, TableName(database, *table), "Color_Name");
+      CheckTrimmed(run, TableName(database, *table), "Color_Name");
+    }
     // A color has as many measurements as were taken.
     for (const Table* table : {&schema::BasicLab, &schema::MixLab})
       CheckFilled(run, TableName(database, *table), "Color_Name");
     CheckNames(run, TableName(database, schema::Additives), "SetName");
+    CheckTrimmed(run, TableName(database, schema::Additives), "SetName");
     CheckNames(run, TableName(database, schema::Batch), "BatchNo", NameIs::Number);
   }
 }

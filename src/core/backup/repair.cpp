@@ -30,6 +30,7 @@ constexpr RepairStep kSteps[] = {
     {4, "Stray Tables", DropStrayTables},
     {4, "Tables", CompleteTables},
     {4, "Values", MendValues},
+    {4, "Names", TrimNames},
     {5, "Formulas", RebuildFormulas},
     {6, "Additive Sets", RebuildAdditiveSets},
     {7, "Null Values", FillColorTables},

@@ -16,6 +16,7 @@
 #include "core/datafile/databases.h"
 #include "core/datafile/references.h"
 #include "core/datafile/writer.h"
+#include "core/session/stock_lines.h"
 
 // The steps that mend recipes, the figures and texts that follow from them, and names that stand twice.
 
@@ -78,7 +79,65 @@ bool SlotsAre(const StoredRecipe& stored, const Recipe& recipe) {
   return true;
 }
 
+// The rows whose names have blanks around them, and what they are to be called: the name without them, or where another
+// row has that, one of its own.
+std::vector<std::pair<std::int64_t, Renaming>> NamesToTrim(RepairRun& run, const std::string& table,
+                                                           std::string_view field, std::string_view instead) {
+  std::vector<std::pair<std::int64_t, Renaming>> names;
+  Statement row = run.file.Prepare(
+      fmt::format("SELECT RowKey, {0} FROM {1} WHERE {0} <> TRIM({0}) ORDER BY RowKey", Quoted(field), Quoted(table)));
+  while (row.Step()) names.push_back({row.Whole(0), {row.Text(1), {}}});
+  if (names.empty()) return names;
+  auto taken = NamesOfColumn(run.file, table, field);
+  const DateTime today = run.Today();
+  for (auto& [key, name] : names) {
+    name.newName = FreeName(taken, [&, &was = name.oldName](int number) {
+      const bool isBlank = TrimView(was).empty();
+      if (number == 1 && !isBlank) return Trim(was);
+      return fmt::format("{} {:02}-{:02}-{:02} DC{}", instead, today.month, today.day, today.year % 100,
+                         isBlank ? number : number - 1);
+    });
+    run.Changed(table, fmt::format("\"{}\" is called {} now", name.oldName, name.newName));
+  }
+  return names;
+}
+
+// Where formulas name it: an ingredient in one of the slots, or the Additive Set.
+void RenameInRecipes(RepairRun& run, const std::string& database, const std::vector<std::string>& fields,
+                     const Renaming& name) {
+  for (const std::string& field : fields)
+    run.file.Prepare(fmt::format("UPDATE {0} SET {1} = ?2 WHERE {1} = ?1", QuotedTable(database, schema::Mix), field))
+        .Bind(1, name.oldName)
+        .Bind(2, name.newName)
+        .Run();
+}
+
 }  // namespace
+
+// What names a colour elsewhere follows; the texts that recipes are searched by are rebuilt after this.
+void TrimNames(RepairRun& run) {
+  std::vector<std::string> slots;
+  for (int n = 0; n < kSlots; ++n) slots.push_back(schema::Numbered("BC", n));
+  run.ForEachKind([&](const std::string& database, ColorKind kind) {
+    const Table& table = ColorTable(kind);
+    const std::string of = TableName(database, table);
+    for (const auto& [key, name] : NamesToTrim(run, of, "Color_Name", "DupColor")) {
+      UpdateRow(run.file, table, of, key, {{"Color_Name", name.newName}});
+      RenameReferences(run.file, database, kind, name.oldName, name.newName);
+      if (kind == ColorKind::Basic) RenameInRecipes(run, database, slots, name);
+      if (HasStockHistory(run.file))
+        AddRenameLines(run.file, NewStockLine(run.session, StockEvent::Renamed, kind, database), name.oldName,
+                       name.newName);
+    }
+  });
+  for (const std::string& database : run.Databases()) {
+    const std::string sets = TableName(database, schema::Additives);
+    for (const auto& [key, name] : NamesToTrim(run, sets, "SetName", "DupSet")) {
+      UpdateRow(run.file, schema::Additives, sets, key, {{"SetName", name.newName}});
+      RenameInRecipes(run, database, {"AddSetName"}, name);
+    }
+  }
+}
 
 void RebuildFormulas(RepairRun& run) {
   for (const std::string& database : run.Databases()) {

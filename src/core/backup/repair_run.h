@@ -94,6 +94,7 @@ void MendNumbers(RepairRun& run);
 void FindEmptyDatabases(RepairRun& run);
 void FindWhatIsLeft(RepairRun& run);
 
+void TrimNames(RepairRun& run);
 void RebuildFormulas(RepairRun& run);
 void RebuildAdditiveSets(RepairRun& run);
 void AddMissingIngredients(RepairRun& run);

@@ -68,6 +68,15 @@ const Fault kFaults[] = {
      "SELECT Reorder || '/' || Red || Notes || Additive FROM INK_Basic WHERE Color_Name = 'RED'", "0.0/0A?B0"},
     {"Values", "UPDATE INK_Mix SET Color_Code = '1234567890123456789012345678901', LastProduced = '2026-02-30'",
      "SELECT Color_Code || COALESCE(LastProduced, 'never') FROM INK_Mix", "123456789012345678901234567890never"},
+    {"Names",
+     "UPDATE INK_Basic SET Color_Name = 'RED ' WHERE Color_Name = 'RED'; UPDATE INK_Basic_LotInv SET LotCName = 'RED '; "
+     "UPDATE MSysStockHistory SET Color_Name = Color_Name || ' '; UPDATE INK_Mix SET Color_Name = 'PINK ', BC0 = 'RED ', "
+     "Color_Set = '<RED ><WAX>', AddSetName = 'SLOW '; UPDATE INK_Additives SET SetName = 'SLOW '",
+     "SELECT Color_Name || Color_Set || AddSetName || BC0 || (SELECT LotCName || LotQty FROM INK_Basic_LotInv) || "
+     "(SELECT COUNT(*) FROM MSysStockHistory WHERE Color_Name = 'RED') FROM INK_Mix",
+     "PINK<RED><WAX>SLOWREDRED7.251"},
+    {"Names", "INSERT INTO INK_Basic (Color_Name, Color_Code) VALUES (' RED', 'R2')",
+     "SELECT Color_Name FROM INK_Basic WHERE Color_Code = 'R2'", "DupColor 03-10-26 DC1"},
     {"Formulas", "UPDATE INK_Mix SET Color_Set = '<X>', BasicCost = 77",
      "SELECT Color_Set || ROUND(BasicCost, 3) FROM INK_Mix", "<RED><WAX>3.8"},
     {"Formulas",
