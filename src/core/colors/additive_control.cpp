@@ -38,6 +38,21 @@ void TellNotApplied(Session& session, std::string_view setName, const std::vecto
                                   setName, kMostLinesWithSet, NameLines(formulas)));
 }
 
+// What a formula becomes that is given a set; one that cannot take it is named.
+NewRecipe NewRecipeOf(const MixColor& mix, const Recipe& presentSet, const AdditiveSet& set,
+                      std::vector<std::string>& notApplied) {
+  const AppliedSet result = WithSetApplied(mix.Ingredients(), presentSet, set.Rows());
+  if (!result.applied) notApplied.push_back(mix.Color_Name);
+  return {result.recipe, result.applied ? set.SetName : std::string()};
+}
+
+void RemoveSet(const Session& session, const AdditiveSet& set) {
+  session.File()
+      .Prepare("DELETE FROM " + session.QuotedTable(schema::Additives) + " WHERE RowKey = ?")
+      .Bind(1, set.key)
+      .Run();
+}
+
 // Walks the formulas, shows the progress and writes what `change` makes of each. False when the operator stopped it.
 bool RewriteFormulas(const Session& session, ProgressRun& progress, Transaction& transaction,
                      const std::vector<std::int64_t>& rows, const std::function<NewRecipe(const MixColor&)>& change) {
@@ -53,6 +68,34 @@ bool RewriteFormulas(const Session& session, ProgressRun& progress, Transaction&
     progress.Step(++done, rows.size());
     if (session.progress.Cancelled()) return false;
   }
+  return true;
+}
+
+// Another name for a set, its lines as they are.
+bool RenameInFormulas(Session& session, const AdditiveSet& set, const std::string& name) {
+  Database& file = session.File();
+  UpdateRow(file, schema::Additives, session.Table(schema::Additives), set.key, {{"SetName", name}});
+  const std::string formulas = session.Table(schema::Mix);
+  Statement update = file.Prepare("UPDATE " + Quoted(formulas) +
+                                  " SET AddSetName = ?2 WHERE RowKey BETWEEN ?3 AND ?4 AND AddSetName = ?1");
+  return ForRowPieces(file, formulas, [&](std::int64_t first, std::int64_t last, double percent) {
+    update.Bind(1, set.SetName).Bind(2, name).Bind(3, first).Bind(4, last).Run();
+    session.progress.Percent(percent);
+    return !session.progress.Cancelled();
+  });
+}
+
+// A set is given up for another one. Its formulas get the other's lines with the name: a formula with a set holds what
+// the set says, whichever one it had before.
+bool GiveFormulasTo(Session& session, ProgressRun& progress, Transaction& transaction, const AdditiveSet& set,
+                    const AdditiveSet& other, std::vector<std::string>& notApplied) {
+  const std::vector<std::int64_t> users = FormulaRowsWithSet(session, set.SetName);
+  const bool whole = RewriteFormulas(session, progress, transaction, users, [&](const MixColor& mix) {
+    return NewRecipeOf(mix, set.Rows(), other, notApplied);
+  });
+  if (!whole) return false;
+  RemoveSet(session, set);
+  if (!users.empty()) MarkRollUpsStale(session, kAllRollUps);
   return true;
 }
 
@@ -134,9 +177,7 @@ Result<AdditiveSet> EditAdditiveSet(Session& session, std::string_view setName, 
   UndoStep step(session, Undoable::EditAdditiveSet, fmt::format("Change the Additive Set {}", set->SetName));
   UpdateRow(session.File(), schema::Additives, session.Table(schema::Additives), set->key, AdditiveSetCells(*set));
   const bool whole = RewriteFormulas(session, progress, transaction, users, [&](const MixColor& mix) {
-    const AppliedSet result = WithSetApplied(mix.Ingredients(), present->Rows(), set->Rows());
-    if (!result.applied) notApplied.push_back(mix.Color_Name);
-    return NewRecipe{result.recipe, result.applied ? set->SetName : std::string()};
+    return NewRecipeOf(mix, present->Rows(), *set, notApplied);
   });
   if (!whole) return BulkSteps::Stopped("Additive Set Modification");
   transaction.Note({Change::Kind::AdditiveSet, session.CurrentDatabase, set->SetName, Change::What::Updated, ""});
@@ -160,36 +201,25 @@ Result<bool> RenameAdditiveSet(Session& session, std::string_view oldName, std::
                   "SetName");
   if (auto valid = CheckNewName(name, NameSource::Typed, kSetNameLength, "SetName", set->SetName); !valid)
     return std::unexpected(valid.error());
-  const bool merge = AdditiveSetExists(session, name);
-  if (merge &&
+  const auto other = ReadAdditiveSet(session, name);
+  if (other &&
       !session.prompt.Ask("Additive Set Name Exists",
                           "This Set Name matches another on file.\n\nDo you want to merge the two Sets?", Answer::No))
     return false;
 
   ProgressRun progress(session.progress, "Renaming Add Set / Updating formulas");
-  Database& file = session.File();
-  const std::string sets = session.Table(schema::Additives);
-  Transaction transaction(file);
+  std::vector<std::string> notApplied;
+  Transaction transaction(session.File());
   UndoStep step(session, Undoable::RenameAdditiveSet,
-                fmt::format("Rename the Additive Set {} to {}", set->SetName, name));
-  if (merge) {
-    file.Prepare("DELETE FROM " + Quoted(sets) + " WHERE RowKey = ?").Bind(1, set->key).Run();
-  } else {
-    UpdateRow(file, schema::Additives, sets, set->key, {{"SetName", name}});
-  }
-  const std::string formulas = session.Table(schema::Mix);
-  Statement update = file.Prepare("UPDATE " + Quoted(formulas) +
-                                  " SET AddSetName = ?2 WHERE RowKey BETWEEN ?3 AND ?4 AND AddSetName = ?1");
-  const bool whole = ForRowPieces(file, formulas, [&](std::int64_t first, std::int64_t last, double percent) {
-    update.Bind(1, set->SetName).Bind(2, name).Bind(3, first).Bind(4, last).Run();
-    session.progress.Percent(percent);
-    return !session.progress.Cancelled();
-  });
+                fmt::format("{} the Additive Set {} to {}", other ? "Merge" : "Rename", set->SetName, name));
+  const bool whole = other ? GiveFormulasTo(session, progress, transaction, *set, *other, notApplied)
+                           : RenameInFormulas(session, *set, name);
   if (!whole) return BulkSteps::Stopped("Additive Set Modification");
   transaction.Note({Change::Kind::AdditiveSet, session.CurrentDatabase, set->SetName, Change::What::Renamed, name});
   transaction.Note({Change::Kind::Mix, session.CurrentDatabase, "", Change::What::All, ""});
   step.Keep();
   transaction.Commit();
+  TellNotApplied(session, name, notApplied);
   return true;
 }
 
@@ -209,10 +239,7 @@ Result<bool> DeleteAdditiveSet(Session& session, std::string_view setName) {
     return NewRecipe{WithSetRemoved(mix.Ingredients(), set->Rows()), {}};
   });
   if (!whole) return BulkSteps::Stopped("Additive Set Modification");
-  session.File()
-      .Prepare("DELETE FROM " + session.QuotedTable(schema::Additives) + " WHERE RowKey = ?")
-      .Bind(1, set->key)
-      .Run();
+  RemoveSet(session, *set);
   transaction.Note({Change::Kind::AdditiveSet, session.CurrentDatabase, set->SetName, Change::What::Deleted, ""});
   if (!users.empty()) MarkRollUpsStale(session, kAllRollUps);
   step.Keep();
@@ -281,9 +308,7 @@ Result<bool> ApplyAdditiveSet(Session& session, std::string_view setName, SetMet
       const AdditiveSet* present = sets.Find(mix.AddSetName);
       const Recipe presentRows = present == nullptr ? Recipe{} : present->Rows();
       if (method == SetMethod::Remove) return NewRecipe{WithSetRemoved(mix.Ingredients(), presentRows), {}};
-      const AppliedSet result = WithSetApplied(mix.Ingredients(), presentRows, set->Rows());
-      if (!result.applied) notApplied.push_back(mix.Color_Name);
-      return NewRecipe{result.recipe, result.applied ? set->SetName : std::string()};
+      return NewRecipeOf(mix, presentRows, *set, notApplied);
     });
     if (!whole) return BulkSteps::Stopped("Additive Set Modification");
     MarkRollUpsStale(session, kAllRollUps);

@@ -29,8 +29,8 @@ std::vector<std::string> FormulasWithoutSet(const Session& session);
 /// Rewrites an existing set and every formula with it. `setName` is the set on file, `work` the new content.
 Result<AdditiveSet> EditAdditiveSet(Session& session, std::string_view setName, const AdditiveSetWork& work);
 
-/// Renames a set and its mention in formulas. A name on file is asked about: Yes gives the formulas to that set and the
-/// renamed one goes. False when the operator declined.
+/// Renames a set and its mention in formulas. A name on file is asked about: Yes gives the formulas that set with its
+/// lines and the renamed one goes. False when the operator declined.
 Result<bool> RenameAdditiveSet(Session& session, std::string_view oldName, std::string_view typed);
 
 /// Deletes a set after asking, and removes it from every formula with it. False when the operator declined.

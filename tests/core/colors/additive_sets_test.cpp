@@ -124,9 +124,15 @@ TEST(AdditiveSets, EditingRewritesTheFormulas) {
 
 TEST(AdditiveSets, RenameMergeAndDelete) {
   SetRoom room;
+  room.Breaks("Ingredients");
   room.Set("SLOW", {{"DRIER", "5"}});
-  room.Set("SLIP", {{"WAX", "2"}});
+  room.Set("SLIP", {{"WAX", "2"}, {"GEL", "1"}});
   room.Mix("GREEN", {{"A", 57}, {"B", 38}, {"DRIER", 5}}, {{"AddSetName", "SLOW"}});
+  room.Mix("BARE", {{"A", 100}}, {{"AddSetName", "SLOW"}});
+  room.Mix("GREY", {{"A", 95}, {"GEL", 5}});
+  std::vector<std::pair<std::string, float>> full{{"DRIER", 5.0F}};
+  for (int i = 0; i < 13; ++i) full.emplace_back("C" + std::to_string(i), i == 0 ? 35.0F : 5.0F);
+  room.Mix("FULL", full, {{"AddSetName", "SLOW"}});
   const struct {
     const char* typed;
     Refusal refusal;
@@ -143,10 +149,19 @@ TEST(AdditiveSets, RenameMergeAndDelete) {
   const char* text = "This Set Name matches another on file.\n\nDo you want to merge the two Sets?";
   room.prompt.Expect("Additive Set Name Exists", Answer::No, text);
   EXPECT_EQ(RenameAdditiveSet(room.session, "SLOWER", "SLIP"), false);
+  EXPECT_FALSE(room.session.CostChanged);
   room.prompt.Expect("Additive Set Name Exists", Answer::Yes, text);
+  room.prompt.Expect("Additive Set Application", Answer::Ok,
+                     "The Additive Set SLIP could not be applied to these Master Formulas, since their ingredients and "
+                     "the set's exceed 14.\nThey are without a set now:\n\nFULL");
   EXPECT_EQ(RenameAdditiveSet(room.session, "SLOWER", "SLIP"), true);
   EXPECT_EQ(ListAdditiveSets(room.session).size(), 1U);
-  EXPECT_EQ(room.Formula("GREEN").substr(0, 5), "SLIP:");
+  // Whoever has the name of a set has its lines: what is weighed out is what the set says.
+  EXPECT_EQ(room.Formula("GREEN"), "SLIP: A 58.200 B 38.800 WAX 2.000 GEL 1.000");
+  EXPECT_EQ(room.Formula("BARE"), "SLIP: A 97.000 WAX 2.000 GEL 1.000");
+  EXPECT_EQ(room.Formula("GREY"), ": A 95.000 GEL 5.000");
+  EXPECT_EQ(room.Formula("FULL").substr(0, 11), ": C0 36.844");
+  EXPECT_TRUE(room.session.CostChanged && room.session.VOCChanged && room.session.HAPChanged);
 
   room.Set("SLOW", {{"DRIER", "5"}});
   room.Mix("RED", {{"A", 95}, {"DRIER", 5}}, {{"AddSetName", "SLOW"}});

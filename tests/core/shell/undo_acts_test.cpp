@@ -320,6 +320,10 @@ std::vector<Case> ColorCases() {
          BusyRoom::Must(BusyRoom::Must(vellumark::ApplyAdditiveSet(r.hands, "LATE", SetMethod::Add, {"SKY"})));
        },
        "LATE: formulas have it now"},
+      {RenameAdditiveSet, "Merge the Additive Set SLOW to FAST",
+       [](BusyRoom& r) { BusyRoom::Must(vellumark::RenameAdditiveSet(r.hands, "SLOW", "FAST")); },
+       [](BusyRoom& r) { BusyRoom::Must(vellumark::CreateAdditiveSet(r.hands, BusyRoom::Set("SLOW", "2"))); },
+       "Another SLOW has been made since"},
       {DeleteAdditiveSet, "Delete the Additive Set SLOW",
        [](BusyRoom& r) { BusyRoom::Must(BusyRoom::Must(vellumark::DeleteAdditiveSet(r.hands, "SLOW"))); },
        [](BusyRoom& r) { BusyRoom::Must(vellumark::CreateAdditiveSet(r.hands, BusyRoom::Set("SLOW", "2"))); },
@@ -359,7 +363,8 @@ std::vector<Case> ColorCases() {
        [](BusyRoom& r) {
          BusyRoom::Must(vellumark::ResetEmissions(r.hands, ColorKind::Basic, {.VOC = "0.4", .HAP = "0.3"}));
        },
-       [](BusyRoom& r) { BusyRoom::Must(vellumark::ResetEmissions(r.hands, ColorKind::Basic, {.HAP = "0.2"})); }, "was changed"},
+       [](BusyRoom& r) { BusyRoom::Must(vellumark::ResetEmissions(r.hands, ColorKind::Basic, {.HAP = "0.2"})); },
+       "was changed"},
       {ImportDesigns, "Import designs.txt",
        [](BusyRoom& r) {
          BusyRoom::Must(vellumark::ImportDesigns(r.hands, AnyPicture(), r.folder / "designs.txt", {}));
