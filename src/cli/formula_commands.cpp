@@ -41,11 +41,23 @@ Result<Json> Answer(Context& context, const std::string& name) {
 }
 
 // The formula that the words name, as the window finds it.
-Result<MixColor> Named(const Session& session, const std::string& typed) {
+Result<MixColor> Found(const Session& session, const std::string& typed) {
   const auto name = TypedName(session, typed);
   if (!name) return std::unexpected(name.error());
   if (auto mix = FindMix(session, *name)) return *std::move(mix);
   return Refuse("Color Not Found", *name + " is not found in this database.", "Color_Name");
+}
+
+// The same for what is changed: by its name alone. Nobody sees which formula bears a code, and the name of one that is
+// gone may be the code of another.
+Result<MixColor> Named(const Session& session, const std::string& typed) {
+  auto mix = Found(session, typed);
+  if (mix && !SameColorName(mix->Color_Name, *TypedName(session, typed)))
+    return Refuse("Color Not Found",
+                  fmt::format("{} is not found in this database.\nIt is the Color Code of {}.",
+                              *TypedName(session, typed), mix->Color_Name),
+                  "Color_Name");
+  return mix;
 }
 
 Result<Json> List(Context& context, const std::string& ingredient) {
@@ -205,7 +217,7 @@ Json RecipeJson(const Recipe& recipe) {
 }
 
 Result<Json> Compare(Context& context, const std::string& typed) {
-  const auto mix = Named(context.session, typed);
+  const auto mix = Found(context.session, typed);
   if (!mix) return std::unexpected(mix.error());
   const auto compared = CompareFormula(context.session, mix->Color_Name);
   if (!compared) return std::unexpected(compared.error());
@@ -314,7 +326,7 @@ void AddFormulaCommands(CLI::App& app, Commands& commands) {
   show->add_option("NAME", *shown, "Its name, its number in a guide, or its code")->required();
   commands.AddPrinting(show);
   commands.Add(show, Needs::File, [shown](Context& context) -> Result<Json> {
-    const auto mix = Named(context.session, *shown);
+    const auto mix = Found(context.session, *shown);
     if (!mix) return std::unexpected(mix.error());
     return Answer(context, mix->Color_Name);
   });

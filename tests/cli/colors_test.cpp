@@ -108,7 +108,21 @@ TEST(CliFormulas, FromTheFirstToTheLastVerb) {
   EXPECT_EQ(made["Color_Set"], "<RED><BLUE><WHITE>");
   EXPECT_EQ(made["Recycle"], false);
   EXPECT_EQ(made["BasicCost"], 4.38);
+  // A code shows a formula; what changes one wants its name.
   EXPECT_EQ(shop.Json({"formula", "show", "p-1"})["Color_Name"], "PURPLE");
+  for (const std::vector<std::string>& words : {std::vector<std::string>{"edit", "p-1", "Notes=n"},
+                                                {"rename", "p-1", "VIOLET"},
+                                                {"duplicate", "p-1", "VIOLET"},
+                                                {"revert", "p-1"},
+                                                {"delete", "p-1"}}) {
+    std::vector<std::string> all{"--yes", "formula"};
+    all.insert(all.end(), words.begin(), words.end());
+    const test::CliAnswer refused = shop.Run(all);
+    EXPECT_EQ(refused.status, 1) << words[0];
+    EXPECT_NE(refused.err.find("P-1 is not found in this database.\nIt is the Color Code of PURPLE."),
+              std::string::npos)
+        << refused.err;
+  }
   EXPECT_NE(shop.Run({"formula", "show", "PURPLE"}).out.find("  100.000\n"), std::string::npos);
 
   // A field alone leaves the recipe as it is; ingredients are the whole new one.
