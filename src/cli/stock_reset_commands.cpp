@@ -6,6 +6,7 @@
 #include "cli/frame.h"
 #include "cli/stock_text.h"
 #include "core/base/text.h"
+#include "core/inventory/lot_texts.h"
 #include "core/inventory/reorder.h"
 #include "core/inventory/stock_resets.h"
 
@@ -36,7 +37,7 @@ Result<std::vector<std::size_t>> RowsOf(const InventoryWork& work, const std::ve
   for (const std::string& lot : lots) {
     const std::size_t before = rows.size();
     for (std::size_t i = 0; i < work.rows.size(); ++i)
-      if (EqualNoCase(work.rows[i].now.lotNumber, TrimView(lot))) rows.push_back(i);
+      if (SameLotText(work.rows[i].now.lotNumber, TrimView(lot))) rows.push_back(i);
     if (rows.size() == before)
       return Refuse("Lot Not Found", fmt::format("{} has no lot {}.", work.name, Trim(lot)), "cmbLotNum");
   }

@@ -69,6 +69,9 @@ TEST(CliStock, AdjustsAsTheWindowDoes) {
   EXPECT_EQ(lots[3]["LotDate"], "2025-01-31");
   lots = adjust({"PURPLE", "-5.5", "--lot", "A", "--loc", "HALL"})["lots"];
   EXPECT_EQ(lots.size(), 3U);
+  adjust({"PURPLE", "1", "--lot", "grün"});
+  EXPECT_EQ(adjust({"PURPLE", "1", "--lot", "GRÜN"})["lots"].size(), 4U);
+  EXPECT_EQ(shop.Json({"--yes", "stock", "reset", "inventory", "PURPLE", "--lot", "GRÜN"})["lots"].size(), 3U);
 }
 
 TEST(CliStock, RefusesAndThenNothingHasChanged) {
@@ -105,7 +108,10 @@ TEST(CliStock, RefusesAndThenNothingHasChanged) {
       {{"PURPLE", "1", "--lot", "N", "--count", "2.5"}, 1, "Container Count: "},
       {{"PURPLE", "1", "--lot", std::string(31, 'X')},
        1,
-       "Invalid Value: The field INK_Mix_LotInv.LotNumber cannot hold "},
+       "Invalid Lot: A lot number, location or container has at most 30 characters.\nXXX"},
+      {{"PURPLE", "1", "--lot", "N", "--cont", std::string(28, 'C'), "--count", "10"},
+       1,
+       "Invalid Lot: A lot number, location or container has at most 30 characters.\nCCC"},
       {{"PURPLE", "1", "--loc", "SHELF"}, 2, ""},
       {{"PURPLE", "1", "--kind", "additive"}, 2, ""},
       {{"PURPLE"}, 2, ""},

@@ -10,6 +10,7 @@
 #include "core/base/number.h"
 #include "core/base/text.h"
 #include "core/colors/amounts.h"
+#include "core/inventory/lot_texts.h"
 #include "core/inventory/posting.h"
 
 namespace vellumark {
@@ -65,12 +66,9 @@ float GrossQuantity(const AdjustFields& fields) {
 
 // What would break a list or a label, and the name that stands for stock outside the lots.
 Result<void> CheckLotTexts(const AdjustFields& fields) {
-  const auto isControl = [](char c) { return (c >= 0 && c < ' ') || c == 127; };
-  for (const auto& [text, field] : {std::pair{&fields.lotNumber, "cmbLotNum"},
-                                    std::pair{&fields.location, "cmbLocation"}, std::pair{&fields.contID, "ContID"}}) {
-    if (std::any_of(text->begin(), text->end(), isControl))
-      return Refuse("Invalid Lot", "A lot number, location or container cannot hold a line end or a tab.", field);
-  }
+  for (const auto& [text, field] :
+       {std::pair{&fields.lotNumber, "cmbLotNum"}, {&fields.location, "cmbLocation"}, {&fields.contID, "ContID"}})
+    if (auto fits = CheckLotText(TrimView(*text), field); !fits) return fits;
   if (EqualNoCase(TrimView(fields.lotNumber), kUnlottedInv))
     return Refuse("Invalid Lot", fmt::format("{} is no lot number: it stands for what is in no lot.", kUnlottedInv),
                   "cmbLotNum");
@@ -153,6 +151,9 @@ Result<void> AddLots(const Session& session, InventoryWork& work, const AdjustFi
   const auto price = PriceOf(session, work, fields, std::nullopt);
   if (!price) return std::unexpected(price.error());
   const std::string container = Trim(fields.contID);
+  // The last one has the longest name.
+  if (const auto fits = CheckLotText(ContainerName(container, count, fields.count), "ContID"); !fits)
+    return std::unexpected(fits.error());
   for (int i = 1; i <= count; ++i) {
     InventoryRow row;
     row.now.lotNumber = Trim(fields.lotNumber);
@@ -262,8 +263,8 @@ std::optional<std::size_t> FindRow(const InventoryWork& work, std::string_view l
                                    std::string_view contID) {
   for (std::size_t i = 1; i < work.rows.size(); ++i) {
     const InventoryValues& row = work.rows[i].now;
-    if (EqualNoCase(row.lotNumber, TrimView(lotNumber)) && EqualNoCase(row.location, TrimView(location)) &&
-        EqualNoCase(row.contID, TrimView(contID)))
+    if (SameLotText(row.lotNumber, TrimView(lotNumber)) && SameLotText(row.location, TrimView(location)) &&
+        SameLotText(row.contID, TrimView(contID)))
       return i;
   }
   return std::nullopt;

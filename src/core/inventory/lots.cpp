@@ -5,6 +5,7 @@
 #include "core/base/number.h"
 #include "core/base/text.h"
 #include "core/colors/color_figure.h"
+#include "core/inventory/lot_texts.h"
 
 namespace vellumark {
 namespace {
@@ -112,8 +113,16 @@ std::vector<LotRow> LotsOf(const Session& session, ColorKind kind, std::string_v
 
 std::vector<LotRow> LotsNumbered(const Session& session, ColorKind kind, std::string_view name,
                                  std::string_view database, std::string_view number) {
-  Statement statement = SelectLots(session, kind, database, "AND LotNumber = ?2 ORDER BY LotRefID, RowKey");
-  return ReadLots(statement.Bind(1, name).Bind(2, TrimView(number)));
+  number = TrimView(number);
+  // The engine takes small and capital for one letter from A to Z alone.
+  const bool ascii = CharCount(number) == number.size();
+  Statement statement = SelectLots(
+      session, kind, database, ascii ? "AND LotNumber = ?2 ORDER BY LotRefID, RowKey" : "ORDER BY LotRefID, RowKey");
+  statement.Bind(1, name);
+  if (ascii) return ReadLots(statement.Bind(2, number));
+  std::vector<LotRow> lots = ReadLots(statement);
+  std::erase_if(lots, [number](const LotRow& lot) { return !SameLotText(lot.LotNumber, number); });
+  return lots;
 }
 
 std::optional<LotRow> FindLot(const Session& session, ColorKind kind, std::string_view name, std::string_view database,

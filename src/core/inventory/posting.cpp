@@ -8,6 +8,7 @@
 #include "core/base/number.h"
 #include "core/base/text.h"
 #include "core/inventory/lot_copies.h"
+#include "core/inventory/lot_texts.h"
 
 namespace vellumark {
 namespace {
@@ -253,7 +254,7 @@ std::optional<LotRow> FindLot(const Session& session, ColorKind kind, const std:
     return std::move(lots.front());
   }
   auto lot = FindLot(session, kind, name, database, place.LotRefID);
-  if (lot && !TrimView(place.LotNumber).empty() && !EqualNoCase(TrimView(lot->LotNumber), TrimView(place.LotNumber)))
+  if (lot && !TrimView(place.LotNumber).empty() && !SameLotText(TrimView(lot->LotNumber), TrimView(place.LotNumber)))
     return std::nullopt;
   return lot;
 }
