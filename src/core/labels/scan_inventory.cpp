@@ -2,11 +2,14 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
+
 #include "core/base/number.h"
 #include "core/base/text.h"
 #include "core/colors/guides.h"
 #include "core/colors/names.h"
 #include "core/datafile/stock_trail.h"
+#include "core/inventory/lot_texts.h"
 #include "core/session/undo_step.h"
 
 namespace vellumark {
@@ -46,18 +49,26 @@ std::optional<Home> HomeIn(const Session& session, const std::string& name, cons
   return home;
 }
 
-// A record that has a code alone takes the name of the first colour that bears it.
-std::string NameOfCode(const Session& session, const std::string& code, const std::optional<std::string>& database) {
-  for (const std::string& one : session.databaseList) {
-    if (database && !EqualNoCase(*database, one)) continue;
-    for (const ColorKind kind : {ColorKind::Basic, ColorKind::Mix}) {
-      Statement color = session.File().Prepare("SELECT Color_Name FROM " + session.QuotedTable(ColorTable(kind), one) +
-                                               " WHERE Color_Code = ?1 ORDER BY Color_Name LIMIT 1");
+// A record that has a code alone takes the name of the colour that bears it; of several the operator chooses.
+Result<std::string> NameOfCode(const Session& session, const ScanRecord& record) {
+  const std::string code = Trim(record.CC.value_or(""));
+  std::vector<std::string> names;
+  if (code.empty()) return std::string();
+  for (const std::string& database : session.databaseList) {
+    if (!Trim(record.DB.value_or("")).empty() && !EqualNoCase(*record.DB, database)) continue;
+    for (const ColorKind kind : KindsOf(record)) {
+      Statement color =
+          session.File().Prepare("SELECT Color_Name FROM " + session.QuotedTable(ColorTable(kind), database) +
+                                 " WHERE Color_Code = ?1 ORDER BY Color_Name");
       color.Bind(1, code);
-      if (color.Step()) return color.Text(0);
+      while (color.Step())
+        if (std::ranges::find(names, color.Text(0)) == names.end()) names.push_back(color.Text(0));
     }
   }
-  return {};
+  if (names.size() < 2) return names.empty() ? std::string() : names.front();
+  return Fail(fmt::format("{} is the Color Code of {} colors.\nEnter one of the following names - Process Again.\n{}",
+                          code, names.size(), NameLines(names)),
+              "cmbCN");
 }
 
 std::string WithoutMark(std::string text) {
@@ -91,7 +102,11 @@ Result<Home> FindHome(const Session& session, const ScanRecord& record, const st
 
 Result<ScannedColor> FindColor(const Session& session, const ScanRecord& record) {
   std::string name = WithoutMark(record.CN.value_or(""));
-  if (name.empty() && record.CC) name = NameOfCode(session, *record.CC, record.DB);
+  if (name.empty()) {
+    const auto named = NameOfCode(session, record);
+    if (!named) return std::unexpected(named.error());
+    name = *named;
+  }
   if (name.empty()) return Fail(fmt::format("A Color Name is required for processing.\n\n{}", kUpdate), "cmbCN");
   const auto home = FindHome(session, record, name);
   if (!home) return std::unexpected(home.error());
@@ -132,13 +147,18 @@ Result<StockPlace> PlaceOf(const Session& session, const ScanRecord& record, con
   const std::string number = Trim(record.LN.value_or(""));
   if (number.empty())
     return Fail(fmt::format("Enter a Lot Number for Color: {}\n{}", color.name, kUpdate), "txtScanLN");
+  const std::pair<std::string, const char*> texts[] = {
+      {number, "txtScanLN"}, {record.LL.value_or(""), "txtScanLL"}, {record.LC.value_or(""), "txtScanLC"}};
+  for (const auto& [text, field] : texts)
+    if (auto fits = CheckLotText(text, field); !fits)
+      return Fail(fits.error().text + "\n\n" + std::string(kUpdate), field);
   StockPlace place{.LotRefID = record.LR.value_or(0), .LotNumber = number, .LotLoc = record.LL, .LotContID = record.LC};
   if (place.LotRefID != 0) return place;
   const std::vector<LotRow> lots = LotsNumbered(session, color.kind, color.name, color.database, number);
   if (lots.size() < 2) return place;
   std::vector<const LotRow*> meant;
   for (const LotRow& lot : lots)
-    if (record.LC && EqualNoCase(lot.LotContID, *record.LC)) meant.push_back(&lot);
+    if (record.LC && SameLotText(lot.LotContID, *record.LC)) meant.push_back(&lot);
   if (meant.size() == 1) {
     place.LotRefID = meant.front()->LotRefID;
     return place;
@@ -161,6 +181,11 @@ bool CodeFits(const Session& session, const ScanRecord& record, const ScannedCol
 }
 
 }  // namespace
+
+std::vector<ColorKind> KindsOf(const ScanRecord& record) {
+  if (!record.CT || record.CT->empty()) return {ColorKind::Basic, ColorKind::Mix};
+  return {*record.CT == "2" ? ColorKind::Mix : ColorKind::Basic};
+}
 
 Result<StockAddition> CheckScannedStock(const Session& session, const ScanRecord& record) {
   const auto color = FindColor(session, record);

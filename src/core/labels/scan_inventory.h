@@ -1,10 +1,15 @@
 #pragma once
 
+#include <vector>
+
 #include "core/inventory/posting.h"
 #include "core/labels/scan_records.h"
 #include "core/session/session.h"
 
 namespace vellumark {
+
+/// The kind that a record names, or both.
+std::vector<ColorKind> KindsOf(const ScanRecord& record);
 
 /// What a record without a job number would add, checked whole.
 struct StockAddition {

@@ -10,6 +10,7 @@
 #include "core/base/text.h"
 #include "core/colors/guides.h"
 #include "core/datafile/stock_trail.h"
+#include "core/inventory/lot_texts.h"
 #include "core/inventory/lots.h"
 #include "core/jobs/job_numbers.h"
 #include "core/jobs/job_record.h"
@@ -122,7 +123,7 @@ Result<JobRecord> OfLot(const ScanRecord& record, const Sought& sought, Rows& ro
           "txtScanLN");
   } else if (!lot.empty() || record.LR) {
     std::erase_if(rows, [&](const JobRecord& row) {
-      return (record.LR && row.LotRefID != *record.LR) || (!lot.empty() && !EqualNoCase(row.LotNumber, lot));
+      return (record.LR && row.LotRefID != *record.LR) || (!lot.empty() && !SameLotText(row.LotNumber, lot));
     });
     if (rows.empty())
       return Fail(fmt::format("Lot Number: {} for Color: {} is not found on Job Number: {}",
@@ -130,7 +131,7 @@ Result<JobRecord> OfLot(const ScanRecord& record, const Sought& sought, Rows& ro
                   "txtScanLN");
     if (rows.size() > 1 && record.LC) {
       Rows contained = rows;
-      std::erase_if(contained, [&](const JobRecord& row) { return !EqualNoCase(row.LotContID, *record.LC); });
+      std::erase_if(contained, [&](const JobRecord& row) { return !SameLotText(row.LotContID, *record.LC); });
       if (contained.size() == 1) rows = contained;
     }
     if (rows.size() > 1) return SeveralOfLot(sought, rows);
@@ -191,6 +192,9 @@ Result<JobRecord> CheckScannedReturn(const Session& session, const ScanRecord& r
                     "{}\nJob Qty Returned: {}\nRevise the Quantity - Process Again.",
                     row->JobNumber, Fixed(row->QtyIssued, 3), Fixed(out, 3), Fixed(*record.Qty, 3)),
         "txtQty");
+  for (const auto& [text, field] : {std::pair{&record.LL, "txtScanLL"}, {&record.LC, "txtScanLC"}})
+    if (auto fits = CheckLotText(text->value_or(""), field); !fits)
+      return Fail(fmt::format("{}\n\n{}", fits.error().text, kUpdate), field);
   return row;
 }
 
@@ -224,7 +228,12 @@ void ReturnScannedInk(Session& session, ScanRecord& record) {
 }
 
 void BookScan(Session& session, ScanRecord& record) {
-  record.JN ? ReturnScannedInk(session, record) : AddScannedStock(session, record);
+  try {
+    record.JN ? ReturnScannedInk(session, record) : AddScannedStock(session, record);
+  } catch (const BadValue& bad) {
+    // Of this record alone: those before it stay booked, and those after it are still to be.
+    Conclude(record, Fail(fmt::format("{}\n\n{}", bad.what(), kUpdate), ""));
+  }
 }
 
 }  // namespace vellumark

@@ -11,6 +11,7 @@
 #include "core/colors/guides.h"
 #include "core/colors/names.h"
 #include "core/inventory/lots.h"
+#include "core/labels/scan_inventory.h"
 #include "core/labels/scan_return.h"
 
 namespace vellumark {
@@ -47,9 +48,7 @@ ScanChoice ChoiceOfItem(const Session& session, const JobRecord& item) {
 std::vector<LotRow> LotsOfScan(const Session& session, const ScanRecord& record) {
   const std::string database = record.DB.value_or("");
   if (session.InvLotTracking != 1 || !record.CN || session.FindDatabase(database) == nullptr) return {};
-  std::vector<ColorKind> kinds{ColorKind::Basic, ColorKind::Mix};
-  if (record.CT) kinds = {*record.CT == "2" ? ColorKind::Mix : ColorKind::Basic};
-  for (const ColorKind kind : kinds) {
+  for (const ColorKind kind : KindsOf(record)) {
     const std::string name = StoredName(session, kind, *record.CN, database);
     if (ColorIsThere(session, kind, name, database)) return LotsOf(session, kind, name, database);
   }
@@ -85,7 +84,15 @@ bool MayClearScan(const Session& session) {
 
 void ProcessScan(Session& session, std::vector<ScanRecord>& records) {
   ProgressRun run(session.progress, "Processing the scan ...");
+  bool cancelled = false;
   for (std::size_t i = 0; i < records.size(); ++i) {
+    if (records[i].state == ScanRecord::State::Successful) continue;
+    cancelled = cancelled || session.progress.Cancelled();
+    if (cancelled) {
+      records[i].state = ScanRecord::State::Unprocessed;
+      records[i].Message = "Not processed: the scan was cancelled before.\n\nProcess Again.";
+      continue;
+    }
     BookScan(session, records[i]);
     run.Step(i + 1, records.size());
   }

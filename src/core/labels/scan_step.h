@@ -18,7 +18,7 @@ Result<void> CheckManualFeature(bool scanInProcess);
 Result<void> CheckSettingsBesideScan(bool scanInProcess);
 /// Asks before records that are not booked are cleared.
 bool MayClearScan(const Session& session);
-/// Books the records in their order, each by itself.
+/// Books the records in their order, each by itself. Once it is cancelled the rest stays unprocessed and says so.
 void ProcessScan(Session& session, std::vector<ScanRecord>& records);
 /// Books a record again after it was mended. Refused for one that was booked.
 Result<void> ProcessAgain(Session& session, ScanRecord& record);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <fmt/format.h>
 #include <gtest/gtest.h>
 
 #include "core/labels/scan_records.h"
@@ -15,6 +16,14 @@ ScanRecord OneScan(Session& session, const std::string& text, const Book& book) 
   ScanRecord record = records.at(0);
   book(session, record);
   return record;
+}
+
+/// What a scan is told whose text no lot can bear.
+inline std::string TooLong(const std::string& text) {
+  return fmt::format(
+      "A lot number, location or container has at most 30 characters.\n{} has {}.\n\nUpdate information - "
+      "Process Again.",
+      text, text.size());
 }
 
 /// Each of these scans fails with its message, and nothing of it reaches stock.

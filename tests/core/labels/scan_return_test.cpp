@@ -32,14 +32,15 @@ TEST_F(ScanReturnTest, TellsOfEachBranchWhyNothingCameBack) {
       {"<JN>J2\n<CN>PINK\n<CT>1\n5", "Color Type: Basic doesn't match Color: PINK"},
       {"<JN>J2\n<CN>PINK\n<DB>OTHER\n5", "Color: PINK on Job Number: J2 is not found in database: OTHER"},
       {"<JN>J1\n<CN>RED\n<LN>L9\n5", "Lot Number: L9 for Color: RED is not found on Job Number: J1"},
-      {"<JN>J2\n<CN>PINK\n<LN>UNLOTTED INV.\n5",
-       "No UnLotted Inventory reference for Color: PINK on Job Number: J2"},
+      {"<JN>J2\n<CN>PINK\n<LN>UNLOTTED INV.\n5", "No UnLotted Inventory reference for Color: PINK on Job Number: J2"},
       {"<JN>J1\n<CN>RED\n5",
        "RED is recorded on Job Number: J1 2 times.\nUse the data below to update information - Process Again.\n\n"
        "Database  Color Type  Lot Number\nINK  Basic  L1\nINK  Basic  Unlotted Inv."},
       {"<JN>J3\n<CN>RED\n<LN>L1\n1",
        "Multiple Lot Number usage for: RED on Job Number: J3\n\nJob Qty. Issued  Lot Location  Lot Cont ID\n3.000    \n"
-       "2.000    \n\n" + again},
+       "2.000    \n\n" +
+           again},
+      {"<JN>J2\n<CN>PINK\n<LL>" + std::string(31, 'S') + "\n5", TooLong(std::string(31, 'S'))},
       {"<JN>J2\n<CN>PINK", "A quantity above 0 is required for Color: PINK\n\n" + again},
       {"<JN>J2\n<CN>PINK\n5.5",
        "Quantity returned to the Job Number: J2 was larger than issued.\nJob Qty Issued: 5.000\nStill out: 5.000\n"
@@ -62,6 +63,15 @@ TEST_F(ScanReturnTest, ASecondReturnCountsWhatIsStillOutAndTheLastOneTakesTheRow
   EXPECT_EQ(Scan("<JN>J1\n<CN>RED\n5").state, State::Successful);
   EXPECT_FALSE(ReadJobRecord(session, row));
   EXPECT_EQ(InLot("RED", 1), 50);
+
+  // A scanner's capitals.
+  Lot(ColorKind::Basic, "RED", 2, 9, {{"LotNumber", "grün1"}});
+  JobItemEntry entry = Entry("J2", "RED", 4, 2);
+  entry.takes = {{2, "grün1", 4}};
+  ASSERT_TRUE(AddJobItems(session, entry));
+  Add("J2", "RED", 2, 1);
+  EXPECT_EQ(Scan("<JN>J2\n<CN>RED\n<LN>grün1\n1").Message, "Job Number: J2  updated successfully.");
+  EXPECT_EQ(InLot("RED", 2), 6);
 }
 
 // Whatever is scanned in whatever order: stock and Jobs together hold what they held.
