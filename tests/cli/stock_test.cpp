@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include "core/base/unicode.h"
 #include "core/datafile/color_kind.h"
 #include "core/datafile/writer.h"
 #include "support/cli_run.h"
@@ -224,6 +225,41 @@ TEST(CliStock, ResetsStockDatesAndPrices) {
   EXPECT_EQ(shop.Run({"--yes", "stock", "reset", "price", "BLUE'S", "1", "--lot", "X"}).err,
             "Lot Not Found: BLUE'S has no lot X.\n");
   EXPECT_EQ(ReadFileBytes(shop.path), before);
+}
+
+TEST(CliStock, ReadsScansInAnyEncodingAndPicksAmongItemsThatAreAlike) {
+  const StockShop shop;
+  shop.Json({"stock", "adjust", "BLUE'S", "9.9"});
+  for (const char* quantity : {"3", "2"}) shop.Json({"--yes", "job", "add-item", "J-1", "BLUE'S", quantity});
+  const std::string path = shop.folder / "scan.txt";
+  const auto scan = [&](const std::string& bytes, std::vector<std::string> options = {}) {
+    ReplaceFile(path, bytes);
+    options.insert(options.begin(), {"--json", "stock", "scan", path});
+    return shop.Run(options);
+  };
+  const std::string lines = "<JN>J-1\r\n<CN>BLUE'S\r\n<LN>Unlotted Inv.\r\n1\r\n";
+  ordered_json answer;
+  for (const std::string& bytes : {"\xEF\xBB\xBF" + lines, "\xFF\xFE" + ToUtf16(lines)}) {
+    answer = scan(bytes).Json();
+    ASSERT_EQ(answer.size(), 1U);
+    EXPECT_TRUE(answer[0]["Message"].get<std::string>().starts_with("BLUE'S is recorded on Job Number: J-1 2 times."));
+  }
+  answer[0]["BatchNo"] = 1000009;
+  EXPECT_EQ(scan(answer.dump(), {"--reprocess"}).Json()[0]["Message"],
+            "The item that was picked is no longer on Job Number: J-1");
+  answer[0]["BatchNo"] = 1000001;
+  answer[0]["Qty"] = 4;
+  answer = scan("\xFF\xFE" + ToUtf16(answer.dump()), {"--reprocess"}).Json();
+  EXPECT_EQ(answer[0]["BatchNo"], 1000001) << answer;
+  answer[0]["Qty"] = 1;
+  EXPECT_EQ(scan(answer.dump(), {"--reprocess"}).status, 0);
+  const ordered_json items = shop.Json({"job", "show", "J-1"})["Items"];
+  EXPECT_EQ(items[0]["QtyUsed"], 2);
+  EXPECT_EQ(items[1]["QtyUsed"], 2);
+
+  EXPECT_EQ(scan("RED\nhello\n").Json()["refused"]["text"],
+            "No line of " + path + " is a code of a label or a quantity.");
+  EXPECT_EQ(scan("\r\n").status, 0);
 }
 
 TEST(CliStock, TellsWhereStockCameFrom) {
