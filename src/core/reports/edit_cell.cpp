@@ -43,6 +43,13 @@ std::optional<std::string> Beside(const ReportCell& cell, std::string_view key) 
   return std::nullopt;
 }
 
+// The lists of what is to be ordered and recycled price what is in stock.
+bool LacksStock(const ReportCell& cell) {
+  const std::string& report = cell.definition.key;
+  if (report != "Reorder" && report != "lblRecListProdCons") return false;
+  return ParseNumber(Beside(cell, "Inventory").value_or("")).value_or(0) <= 0;
+}
+
 // A row of a lot has the figures of the lot.
 bool IsOfLot(const ReportCell& cell) {
   return Beside(cell, "LotNumber").value_or(std::string(kUnlottedInv)) != kUnlottedInv;
@@ -135,6 +142,8 @@ Result<void> RequireEditable(const Session& session, const ReportCell& cell) {
       std::ranges::find(kTyped, column) == kTyped.end() || !EqualNoCase(target.database, session.CurrentDatabase) ||
       IsOfLot(cell))
     return Refuse(kNotEditable, "This field is not editable.");
+  if (column == "PurchaseCost" && LacksStock(cell))
+    return Refuse(kNotEditable, "You can only enter information in this field when Inventory is greater than zero.");
   return {};
 }
 

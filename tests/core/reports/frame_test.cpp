@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include "core/reports/edit_cell.h"
 #include "report_room.h"
 
 namespace vellumark {
@@ -169,6 +170,44 @@ TEST(ReportFrame, RefusesWhatItCannotRun) {
   room.Setting("InvLotTracking", "0");
   EXPECT_EQ(refusal("BatchLottedInvReport", {}),
             "Lotted Inv. Deactivated: Lotted Inv must be turned on\n\nto create this report.");
+}
+
+// In the lists of what is to be ordered and recycled.
+TEST(ReportFrame, WhatIsNotInStockIsNotPriced) {
+  ReportRoom room;
+  const std::string empty = "You can only enter information in this field when Inventory is greater than zero.";
+  const std::string derived = "A Master Formula's Basic Cost is created form the cost of Basic Colors.";
+  room.Basic("NONE");
+  room.Color(ColorKind::Basic, "SOME", 5);
+  room.Color(ColorKind::Basic, "LOTTED", 0);
+  room.Lot(ColorKind::Basic, "LOTTED", 1, 2);
+  room.Mix("PINK", {{"NONE", 100}});
+  struct {
+    const char* report;
+    int mixCost;
+    const char* column;
+    std::map<std::string, std::string> told;
+  } const cases[] = {
+      {"Reorder", 1, "UnitCost", {{"NONE", empty}, {"SOME", ""}, {"LOTTED", ""}, {"PINK", empty}}},
+      {"Reorder", 0, "UnitCost", {{"NONE", empty}, {"SOME", ""}, {"LOTTED", ""}, {"PINK", derived}}},
+      {"Reorder", 0, "Inv_Note", {{"NONE", ""}, {"SOME", ""}, {"LOTTED", ""}, {"PINK", ""}}},
+      {"lblRecListProdCons", 0, "PurchaseCost", {{"PINK", empty}}},
+      {"lblRecListProdCons", 0, "BasicCost", {{"PINK", derived}}},
+      {"AllColorsThisDB", 0, "PurchaseCost", {{"NONE", ""}, {"SOME", ""}, {"LOTTED", ""}, {"PINK", ""}}},
+  };
+  for (const auto& c : cases) {
+    const ReportDefinition& definition = *FindReport(c.report);
+    ReportRequest request{.color = "PINK", .kind = ColorKind::Mix};
+    if (definition.key == "Reorder") request.options = {{"MixCost", std::to_string(c.mixCost)}};
+    const BuiltReport report = room.Run(c.report, request);
+    const std::map<std::string, int> options{{"MixCost", c.mixCost}};
+    std::map<std::string, std::string> told;
+    for (std::size_t row = 0; row < report.Rows(); ++row) {
+      const auto may = RequireEditable(room.session, {definition, report, options, row, test::Place(report, c.column)});
+      told[report.targets[row].name] = may ? "" : may.error().text;
+    }
+    EXPECT_EQ(told, c.told) << c.report << " " << c.column;
+  }
 }
 
 TEST(ReportFrame, WritesTabbedText) {
