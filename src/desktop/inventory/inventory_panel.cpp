@@ -47,12 +47,13 @@ InventoryPanel::~InventoryPanel() = default;
 void InventoryPanel::BuildList(Form& form) {
   list_ = form.Table("InvColorList");
   list_->SetColumns(Columns());
-  list_->ShowFilter(tr("Find a lot, location or container"));
+  const QLineEdit* filter = list_->ShowFilter(tr("Find a lot, location or container"));
   list_->SetEmptyText(tr("No color"));
   list_->SetSource(source_);
   list_->setMinimumHeight(160);
   list_->setAccessibleName(tr("Inventory"));
   form.Wide(list_, 1);
+  connect(filter, &QLineEdit::textChanged, this, [this] { ShowChecks(); });
   connect(list_, &Grid::CurrentRowChanged, this, &InventoryPanel::RowChosen);
   connect(list_, &Grid::RowActivated, this, [this] { entry_->Focus(); });
 }
@@ -130,7 +131,7 @@ void InventoryPanel::BuildTotals(Form& form) {
 void InventoryPanel::Take(std::optional<InventoryWork> work) {
   work_ = std::move(work);
   changed_ = false;
-  source_->checked.clear();
+  source_->CheckNone();
   if (IsBuilt()) ShowWork();
 }
 
@@ -147,7 +148,7 @@ void InventoryPanel::ShowWork() {
     entry_->Offer(*work_);
     entry_->Show(&*work_, ClearedFields(host_.session, *work_));
   }
-  reset_->Show(onFile_ && work_ ? &*work_ : nullptr, source_->checked);
+  reset_->Show(onFile_ && work_ ? &*work_ : nullptr, *source_);
   ShowTotals();
 }
 
@@ -182,7 +183,8 @@ void InventoryPanel::Detach() {
   work_->rows.front().onFile.qty = 0;
   work_->rows.front().entered = static_cast<double>(work_->rows.front().now.qty);
   for (std::size_t row = 1; row < work_->rows.size(); ++row) work_->rows[row].key.reset();
-  if (IsBuilt()) reset_->Show(nullptr, source_->checked);
+  source_->CheckNone();
+  if (IsBuilt()) reset_->Show(nullptr, *source_);
 }
 
 void InventoryPanel::Refresh(const std::string& name) {
@@ -238,6 +240,12 @@ void InventoryPanel::Relabel() {
 void InventoryPanel::ShowList() {
   source_->Show(work_ ? &*work_ : nullptr);
   list_->Refresh();
+  ShowChecks();
+}
+
+// What the filter hides is not checked: the resets ask about what is in sight.
+void InventoryPanel::ShowChecks() {
+  source_->UncheckOthers(list_->ShownRows());
 }
 
 void InventoryPanel::ShowTotals() {
@@ -303,14 +311,14 @@ void InventoryPanel::TabChanged(int tab) {
 
 void InventoryPanel::Toggle(int row) {
   const auto index = static_cast<std::size_t>(row);
-  if (source_->checked.erase(index) == 0) source_->checked.insert(index);
+  source_->SetChecked(index, !source_->IsChecked(index));
   list_->Refresh();
 }
 
 void InventoryPanel::CheckAll(bool checked) {
-  source_->checked.clear();
-  if (checked && work_)
-    for (std::size_t row = 0; row < work_->rows.size(); ++row) source_->checked.insert(row);
+  source_->CheckNone();
+  if (checked)
+    for (const int row : list_->ShownRows()) source_->SetChecked(static_cast<std::size_t>(row), true);
   list_->Refresh();
 }
 

@@ -74,6 +74,7 @@ class InventoryPanel : public QObject {
   void Take(std::optional<InventoryWork> work);
   void ShowWork();
   void ShowList();
+  void ShowChecks();
   void ShowTotals();
   void RowChosen(int row);
   void Update();

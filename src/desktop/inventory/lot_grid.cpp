@@ -110,7 +110,39 @@ bool CheckKeys::eventFilter(QObject* watched, QEvent* event) {
 
 void LotSource::Show(const InventoryWork* work) {
   work_ = work;
-  std::erase_if(checked, [this](std::size_t row) { return static_cast<int>(row) >= Rows(); });
+  const bool shorter = Rows() < rows_;
+  rows_ = Rows();
+  std::set<std::int64_t> marks;
+  for (const std::size_t row : Checked())
+    if (work_->rows[row].key || !shorter) marks.insert(MarkOf(row));
+  checked_ = std::move(marks);
+}
+
+std::int64_t LotSource::MarkOf(std::size_t row) const {
+  const auto key = work_->rows.at(row).key;
+  return key ? std::int64_t{*key} : -1 - static_cast<std::int64_t>(row);
+}
+
+void LotSource::SetChecked(std::size_t row, bool checked) {
+  if (checked)
+    checked_.insert(MarkOf(row));
+  else
+    checked_.erase(MarkOf(row));
+}
+
+std::vector<std::size_t> LotSource::Checked() const {
+  std::vector<std::size_t> rows;
+  for (std::size_t row = 0; !checked_.empty() && row < static_cast<std::size_t>(Rows()); ++row)
+    if (IsChecked(row)) rows.push_back(row);
+  return rows;
+}
+
+void LotSource::UncheckOthers(const std::vector<int>& shown) {
+  if (checked_.empty()) return;
+  std::set<std::int64_t> marks;
+  for (const int row : shown)
+    if (IsChecked(static_cast<std::size_t>(row))) marks.insert(MarkOf(static_cast<std::size_t>(row)));
+  checked_ = std::move(marks);
 }
 
 std::vector<GridColumn> LotSource::Columns() {
@@ -136,7 +168,7 @@ double LotSource::Number(int row, int column) const {
 }
 
 const char* LotSource::Mark(int row, int column) const {
-  if (column == Check) return checked.contains(static_cast<std::size_t>(row)) ? "box-checked" : "box";
+  if (column == Check) return IsChecked(static_cast<std::size_t>(row)) ? "box-checked" : "box";
   if (column == LotNum && row > 0) return "lot";
   return nullptr;
 }

@@ -65,9 +65,18 @@ class LotSource : public RecordSource<InventoryRow> {
   /// In the units and with the decimals in force.
   std::vector<GridColumn> Columns();
 
-  /// Nothing: no rows. The working copy has to live longer.
+  /// Nothing: no rows. The working copy has to live longer. To be told again after a change of its rows: a check stays
+  /// with its lot, wherever that now stands. A row that is not on file has only its place, and loses its check when
+  /// rows have gone.
   void Show(const InventoryWork* work);
-  std::set<std::size_t> checked;
+
+  void SetChecked(std::size_t row, bool checked);
+  bool IsChecked(std::size_t row) const { return checked_.contains(MarkOf(row)); }
+  /// Their rows, from the top.
+  std::vector<std::size_t> Checked() const;
+  void CheckNone() { checked_.clear(); }
+  /// What is hidden is not to be acted upon.
+  void UncheckOthers(const std::vector<int>& shown);
 
   int Rows() const override { return work_ == nullptr ? 0 : static_cast<int>(work_->rows.size()); }
   int FixedRows() const override { return 1; }
@@ -79,8 +88,13 @@ class LotSource : public RecordSource<InventoryRow> {
   const InventoryRow& At(int row) const override { return work_->rows.at(static_cast<std::size_t>(row)); }
 
  private:
+  // The reference of a lot, 0 of what is unlotted; below 0 the place of a row that is not on file.
+  std::int64_t MarkOf(std::size_t row) const;
+
   const Session& session_;
   const InventoryWork* work_ = nullptr;
+  int rows_ = 0;
+  std::set<std::int64_t> checked_;
 };
 
 }  // namespace vellumark::desktop

@@ -5,7 +5,6 @@
 
 #include "core/base/number.h"
 #include "core/colors/amounts.h"
-#include "desktop/inventory/lot_grid.h"
 #include "desktop/kit/look.h"
 #include "desktop/kit/record_fields.h"
 #include "desktop/kit/text.h"
@@ -13,7 +12,6 @@
 
 namespace vellumark::desktop {
 namespace {
-
 
 QHBoxLayout* Line(QVBoxLayout& rows) {
   auto* box = new QWidget;
@@ -62,9 +60,9 @@ ResetEntry::ResetEntry(FormHost& host, Form form, QWidget& page, std::function<v
   dateButton_->setText(DateText(date_));
 }
 
-void ResetEntry::Show(InventoryWork* work, std::set<std::size_t>& checked) {
+void ResetEntry::Show(InventoryWork* work, LotSource& rows) {
   work_ = work;
-  checked_ = &checked;
+  rows_ = &rows;
   for (QWidget* widget : all_) widget->setEnabled(work != nullptr);
   const bool prices = host_.session.Perm_Costs != 0;
   price_->setVisible(prices);
@@ -74,22 +72,18 @@ void ResetEntry::Show(InventoryWork* work, std::set<std::size_t>& checked) {
   price_->SetText(AmountText(host_.session, AmountKey::Currency, work->UnitCost()));
 }
 
-std::vector<std::size_t> ResetEntry::Checked() const {
-  return {checked_->begin(), checked_->end()};
-}
-
 void ResetEntry::Finish(const Result<bool>& reset, bool rowsGone) {
   if (!host_.Accepted(reset) || !*reset) return;
-  if (rowsGone) checked_->clear();
+  if (rowsGone) rows_->CheckNone();
   Q_EMIT Done();
 }
 
 void ResetEntry::ResetInventories() {
-  Finish(ResetRowInventories(host_.session, *work_, Checked()), true);
+  Finish(ResetRowInventories(host_.session, *work_, rows_->Checked()), true);
 }
 
 void ResetEntry::ResetDates() {
-  Finish(ResetRowDates(host_.session, *work_, Checked(), date_), false);
+  Finish(ResetRowDates(host_.session, *work_, rows_->Checked(), date_), false);
 }
 
 void ResetEntry::ResetPrices() {
@@ -99,7 +93,7 @@ void ResetEntry::ResetPrices() {
     host_.ShowRefusal({price.error().title, price.error().text, "cmbResetPrice"});
     return;
   }
-  Finish(ResetRowPrices(host_.session, *work_, Checked(), *price), false);
+  Finish(ResetRowPrices(host_.session, *work_, rows_->Checked(), *price), false);
 }
 
 void ResetEntry::ChooseDate() {

@@ -2,9 +2,9 @@
 
 #include <QObject>
 #include <functional>
-#include <set>
 
 #include "core/inventory/stock_resets.h"
+#include "desktop/inventory/lot_grid.h"
 #include "desktop/kit/form.h"
 
 namespace vellumark::desktop {
@@ -14,11 +14,11 @@ class ResetEntry : public QObject {
   Q_OBJECT
 
  public:
-  /// In `page`, which has no layout yet; `checkAll` checks all rows, or none.
+  /// In `page`, which has no layout yet; `checkAll` checks all rows in sight, or none.
   ResetEntry(FormHost& host, Form form, QWidget& page, std::function<void(bool)> checkAll);
 
   /// The list and its checked rows, which both have to live longer; without a list all is off.
-  void Show(InventoryWork* work, std::set<std::size_t>& checked);
+  void Show(InventoryWork* work, LotSource& rows);
 
  Q_SIGNALS:
   /// The list has changed.
@@ -31,11 +31,10 @@ class ResetEntry : public QObject {
   void ChooseDate();
   void PriceChosen(int index);
   void Finish(const Result<bool>& reset, bool rowsGone);
-  std::vector<std::size_t> Checked() const;
 
   FormHost& host_;
   InventoryWork* work_ = nullptr;
-  std::set<std::size_t>* checked_ = nullptr;
+  LotSource* rows_ = nullptr;
   DateTime date_;
   CommandButton* dateButton_ = nullptr;
   ComboField* price_ = nullptr;

@@ -517,6 +517,52 @@ TEST_F(AdjustInventoryTest, CheckedRowsAreResetAtOnce) {
   EXPECT_FALSE(form->InEdit());
 }
 
+TEST_F(AdjustInventoryTest, ACheckStaysWithItsLotAndGoesWithWhatTheFilterHides) {
+  Color(ColorKind::Mix, "PINK", 3);
+  for (int ref = 1; ref <= 4; ++ref) Lot(ColorKind::Mix, "PINK", ref, 5, {{"LotLoc", ref == 2 ? "NORTH" : "SOUTH"}});
+  Open();
+  Enter("PINK");
+  const auto checked = [&] {
+    std::string lots;
+    const desktop::GridSource& source = *List().Model().Source();
+    for (const int row : List().ShownRows())
+      if (source.Mark(row, 0) == std::string("box-checked")) lots += source.Text(row, 1) + " ";
+    return lots;
+  };
+  auto& filter = Control<QLineEdit>(*form, "InvColorList_Filter");
+  auto& tabs = Control<QTabWidget>(*form, "Frame_Tabs");
+  tabs.setCurrentIndex(1);
+  Type(filter, "north");
+  Click(*form, "SelAll");
+  filter.clear();
+  EXPECT_EQ(checked(), "Unlotted Inv. L2 ");
+  prompt.Expect("Reset Inventory", Answer::Yes);
+  Click(*form, "cmdResetInv");
+  EXPECT_EQ(LotQtyTotal(session, ColorKind::Mix, "PINK"), 15);
+
+  // The lot before it is used up, and one comes anew.
+  List().setFocus();
+  List().SetCurrentRow(2);
+  PressOn(Qt::Key_Space);
+  EXPECT_EQ(checked(), "L3 ");
+  tabs.setCurrentIndex(0);
+  List().SetCurrentRow(1);
+  Fill(*form, "AdjustInv", "-5");
+  PressOn(Qt::Key_F5);
+  EXPECT_EQ(checked(), "L3 ");
+  PressOn(Qt::Key_S, Qt::ControlModifier);
+  Enter("PINK");
+  EXPECT_EQ(checked(), "") << "another time, another choice";
+  tabs.setCurrentIndex(1);
+  Click(*form, "SelAll");
+  Type(filter, "l4");
+  filter.clear();
+  EXPECT_EQ(checked(), "Unlotted Inv. L4 ");
+  PostStock(session, {PostingSource::BatchTakes, ColorKind::Mix, "PINK", {}, 5, {.LotRefID = 3}});
+  windows.DeliverChanges();
+  EXPECT_EQ(checked(), "Unlotted Inv. L4 ") << "what a Batch took all of has left the list";
+}
+
 TEST_F(AdjustInventoryTest, TheHistoryTellsWhyThereIsWhatThereIs) {
   Color(ColorKind::Basic, "RED", 3);
   Color(ColorKind::Basic, "BLUE", 1);
