@@ -88,8 +88,11 @@ TableOf<RunNeed> RunNeedColumns(const Session& session) {
       .Add(
           "IngDB", [](const Need& need) { return need.color.IngDB; }, "Database")
       .Add("Needed", &Need::needed, fmt::format("Needed ({})", unit))
+      .Large()
       .Add("Stock", &Need::stock, fmt::format("In Stock ({})", unit))
+      .Large()
       .Add("ToMake", &Need::toMake, fmt::format("To Make ({})", unit))
+      .Large()
       .Add("Known", &Need::known)
       .Add(
           "", [](const Need& need) { return std::string(need.known ? "" : "not in the Database"); }, "Note")

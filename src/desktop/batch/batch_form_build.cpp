@@ -87,8 +87,6 @@ QWidget* BatchForm::BuildHead(Form& form) {
   // Over the actions, for it says when they are to be pressed again.
   state_ = form.Hint({}, "lblState");
   what->addWidget(state_, 0, 3, 1, 3);
-  what->setColumnMinimumWidth(5, 130);
-  what->setColumnStretch(5, 1);
 
   which_ = new QBoxLayout(QBoxLayout::TopToBottom);
   which_->setSpacing(space::kTight);
@@ -140,6 +138,7 @@ void BatchForm::BuildSide(Form& form, QWidget& inside) {
   tabs_ = new QTabWidget(&inside);
   tabs_->setObjectName("TabBatch");
   tabs_->setDocumentMode(true);
+  tabs_->tabBar()->setDrawBase(false);
   tabs_->addTab(recycleList_, tr("Recycle List"));
   tabs_->addTab(figures_, tr("Costs"));
   tabs_->addTab(notes_, tr("Notes"));
@@ -163,7 +162,7 @@ QWidget* BatchForm::BuildButtons(Form& form) {
   print_ = form.Button("cmdPrint", tr("Print"));
   label_ = form.Button("cmdPrintLabel", tr("Labels"), Qt::CTRL | Qt::Key_L);
   label_->setToolTip(tr("A label for each container of this Batch, or of the one saved last"));
-  CommandButton* multiple = form.Button("cmdPrintMultiple", tr("Print list"));
+  CommandButton* multiple = form.Button("cmdPrintMultiple", tr("Reports"));
   multiple->setEnabled(windows.Knows("ReportsForm"));
   printRecList_ = findChild<CommandButton*>("cmdPrintRecList");
   auto* box = new QWidget;

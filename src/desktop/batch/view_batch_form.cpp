@@ -43,6 +43,21 @@ QString Joined(const std::vector<std::string>& texts) {
   return filled.isEmpty() ? QString::fromUtf8("–") : filled.join(QString::fromUtf8("  ·  "));
 }
 
+// What was taken from stock, each with its ink.
+class LotRows : public RecordRows<BatchLotRow> {
+ public:
+  explicit LotRows(const Session& session)
+      : RecordRows(BatchLotColumns(session), {"IngName", "LotNumber", "LotLoc", "LotContID", "LotQty", "Unit"}), session_(session) {}
+  std::optional<QColor> Swatch(int row, int column) const override {
+    if (column != 0) return std::nullopt;
+    const BatchLotRow& lot = At(row);
+    return ColorOf(InkOf(session_, ColorKindOf(lot.IngType), lot.IngName));
+  }
+
+ private:
+  const Session& session_;
+};
+
 }  // namespace
 
 ViewBatchForm::ViewBatchForm(WindowList& windowList) : Window(windowList, "ViewBatchForm", tr("View Batch")) {
@@ -176,9 +191,7 @@ void ViewBatchForm::ShowRecipe() {
 void ViewBatchForm::ShowLotsAndJobs() {
   const BatchWork& work = record_->work;
   const std::string unit(UnitName(work.UMF));
-  auto lots = std::make_shared<RecordRows<BatchLotRow>>(
-      BatchLotColumns(session),
-      std::vector<std::string_view>{"IngName", "LotNumber", "LotLoc", "LotContID", "LotQty", "Unit"});
+  auto lots = std::make_shared<LotRows>(session);
   lots->rows = ReadBatchLots(session, record_->BatchNo);
   lots_->SetColumns(lots->Columns());
   lots_->SetSource(lots);

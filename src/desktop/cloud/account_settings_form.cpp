@@ -55,7 +55,7 @@ CloudAccountSettings::CloudAccountSettings(WindowList& windowList, QWidget* owne
   BuildTest(tabs.Page(tr("&Test"), "tabTest"));
   BuildAdmin(tabs.Page(tr("A&dministrator"), "tabAdmin"));
   whole.Buttons({save_ = form.Button("cmdSave", tr("&Save")), form.Button("cmdClose", tr("Close"))});
-  FitScreen(*this, {880, 560});
+  FitScreen(*this, {880, 664});
 }
 
 void CloudAccountSettings::BuildAccount(Form form) {
@@ -128,7 +128,7 @@ void CloudAccountSettings::BuildShares(Form form) {
 }
 
 void CloudAccountSettings::BuildTest(Form form) {
-  Paragraph(form, tr("Tries what stands under Account, saved or not. Nothing is written at the host."));
+  Paragraph(form, tr("Tests the settings on the Account tab, saved or not. Nothing is written at the host."));
   results_ = new QListWidget;
   results_->setObjectName("lstTest");
   results_->setAccessibleName(tr("Results"));
@@ -139,6 +139,7 @@ void CloudAccountSettings::BuildTest(Form form) {
   certificateFields_ = new QListWidget;
   certificateFields_->setObjectName("lstCertificate");
   certificateFields_->setAccessibleName(tr("The certificate that the host showed"));
+  certificateFields_->setMinimumHeight(2 * space::kRowHeight);
   form.Wide(certificateFields_, 1);
   testing_ = form.Label("lblUpdateInfo");
   form.Wide(testing_);

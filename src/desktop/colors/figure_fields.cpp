@@ -19,7 +19,7 @@ FigureFields::FigureFields(FormHost& host, Form& form, BoundFields& bound, const
            bound.Bind("Color_Code", form.Text("txtColorCode", TextRule::Any(host.session.NameLength))));
   form.Row(bound.Bind(flagColumn, flag));
   form.Row(tr("&Reorder point"), {figure("txtReorder", AmountKey::Reorder, "Reorder"), UnitHint(form, "%1")});
-  cost_ = figure("txtPurchaseCost", AmountKey::Currency, "PurchaseCost", 9);
+  cost_ = figure("txtPurchaseCost", AmountKey::Currency, "PurchaseCost");
   const bool priceBlocked = host.session.Perm_Costs == 0;
   cost_->setVisible(!priceBlocked);
   if (beside.cost != nullptr) beside.cost->setVisible(!priceBlocked);

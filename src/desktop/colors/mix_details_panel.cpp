@@ -19,7 +19,7 @@ void MixDetailsPanel::BuildFigures(Form& form, BoundFields& bound) {
   basicCost_ = form.Hint({}, "lblDetailBasicCost");
   basicVOC_ = form.Hint({}, "lblDetailVOCBasics");
   basicHAP_ = form.Hint({}, "lblDetailHAPBasics");
-  figures_ = new FigureFields(host_, form, bound, "Recycle", form.Check("chkRecycle", tr("May be rec&ycled")),
+  figures_ = new FigureFields(host_, form, bound, "Recycle", form.Check("chkRecycle", tr("Rec&yclable")),
                               {basicCost_, basicVOC_, basicHAP_});
   if (host_.windows.Knows("UnitCostAccuracyForm"))
     form.Row(form.Link("cmdUnitCostAccuracy", tr("Decimals of costs ..."),

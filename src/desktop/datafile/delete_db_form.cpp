@@ -23,7 +23,7 @@ DeleteDBForm::DeleteDBForm(WindowList& windowList, QWidget* owner)
   QuietParagraph(form,
                  tr("NOTE - The active database %1 can't be selected for deletion.").arg(Q(session.CurrentDatabase)),
                  "lblNote");
-  form.Buttons({delete_ = form.Button("cmdDelete", tr("&Delete")), form.Button("cmdCancel", tr("Cancel"))});
+  form.ButtonsWithoutDefault({delete_ = form.Button("cmdDelete", tr("&Delete")), form.Button("cmdCancel", tr("Cancel"))});
   setMinimumWidth(480);
   resize(520, 400);
   databases_->setFocus();

@@ -14,6 +14,7 @@ namespace {
 
 constexpr int kLeastList = 216;  // filter, caption and some rows
 constexpr int kNameWidth = 420;
+constexpr int kTextWidth = 560;
 // In the order of optDates.
 enum Dates { kAllDates, kEntered, kModified };
 
@@ -103,6 +104,7 @@ void DBExport_Formulas::BuildFormat(Form form) {
   form.Row(tr("Format"), format_);
   lost_ = form.Hint({}, "lblLost");
   lost_->setWordWrap(true);
+  lost_->setMinimumWidth(kTextWidth);
   form.Row(tr("Left out"), lost_);
   form.Row({form.Button("cmdFormatInfo", tr("Format &Info"))});
   form.Stretch();
@@ -112,6 +114,7 @@ void DBExport_Formulas::BuildFormat(Form form) {
 void DBExport_Formulas::BuildFile(Form form) {
   fileName_ = form.Hint({}, "lblFile");
   fileName_->setWordWrap(true);
+  fileName_->setMinimumWidth(kTextWidth);
   form.Row(tr("File"), fileName_);
   form.Row({form.Button("cmdBrowse", tr("&Browse ..."))});
   form.Stretch();

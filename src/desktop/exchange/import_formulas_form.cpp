@@ -10,6 +10,7 @@
 #include "desktop/exchange/database_list.h"
 #include "desktop/kit/icons.h"
 #include "desktop/kit/look.h"
+#include "desktop/kit/record_fields.h"
 #include "desktop/kit/text.h"
 #include "desktop/tools/checked_list.h"
 
@@ -121,7 +122,7 @@ void DBImport_Formulas::BuildSource(Form form) {
   unit_->SetItems(units);
   unit_->SetText(UnitName(session.UMI));
   unit_->setToolTip(tr("Of its costs, emissions and quantities"));
-  form.Row(tr("Its inventory u&nit"), unit_);
+  form.Row(tr("U&nit of the source"), unit_);
   guideList_ = form.CheckList("lstPantoneData");
   try {
     guides_ = GuidesInTemplate(session);
@@ -163,7 +164,7 @@ void DBImport_Formulas::BuildDestination(Form form) {
   form.Row(tr("Ne&w"), newName_);
   form.Heading(tr("What comes in"));
   multiplyOut_ = form.Check("chkMultiplyOut", tr("Multiply out ingredients that are formulas themselves"));
-  unused_ = form.Check("chkUnusedBasics", tr("Basic Colors and sets that no chosen formula has, too"));
+  unused_ = form.Check("chkUnusedBasics", tr("Also Basic Colors and sets that no chosen formula uses"));
   unused_->setChecked(true);
   stock_ = form.Check("chkStock", tr("Quantities of new colors"));
   for (CheckField* check : {multiplyOut_, unused_, stock_}) {
@@ -249,7 +250,7 @@ void DBImport_Formulas::ListSources() {
                                          : Q(file_.string())
                          : QString());
   if (ChosenSource() == Source::Cloud && !shareFile_.empty())
-    fileName_->setText(tr("Fetched on %1").arg(Q(shares_.at(static_cast<std::size_t>(account_->currentIndex())).came->DateText())));
+    fileName_->setText(tr("Fetched on %1").arg(DateText(shares_.at(static_cast<std::size_t>(account_->currentIndex())).came)));
 }
 
 void DBImport_Formulas::ListAccounts() {

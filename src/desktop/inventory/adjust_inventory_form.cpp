@@ -32,7 +32,7 @@ namespace vellumark::desktop {
 namespace {
 
 constexpr const char* kNameField = "cmbColorName";
-constexpr int kCostChars = 9;
+constexpr int kCostChars = 10;
 constexpr int kNoteLength = 30;
 constexpr int kRecordWidth = 424;
 constexpr int kTextWidth = 160;

@@ -9,7 +9,8 @@
 namespace vellumark::desktop {
 namespace {
 
-constexpr int kHeight = 72;
+constexpr int kHeight = 88;
+constexpr int kHead = 32;
 constexpr int kMoment = 450;  // ms
 constexpr int kMark = 32;
 
@@ -93,14 +94,14 @@ void ScanFlash::paintEvent(QPaintEvent*) {
   }
   painter.setFont(large);
   painter.setPen(lit ? onSignal : kind_ == Kind::Idle ? colors.quiet : colors.text);
-  const QRect top(inside.left(), inside.top(), inside.width(), inside.height() / 2);
+  const QRect top(inside.left(), inside.top(), inside.width(), kHead);
   painter.drawText(top, Qt::AlignLeft | Qt::AlignVCenter,
                    QFontMetrics(large).elidedText(head_, Qt::ElideRight, top.width()));
+  // What to do stands at the end of a refusal: it goes over two lines.
   painter.setFont(Look::Base());
   painter.setPen(lit ? onSignal : colors.quiet);
-  const QRect bottom(top.left(), top.bottom(), inside.width(), inside.height() / 2);
-  painter.drawText(bottom, Qt::AlignLeft | Qt::AlignVCenter,
-                   QFontMetrics(Look::Base()).elidedText(text_, Qt::ElideRight, bottom.width()));
+  const QRect bottom(top.left(), top.bottom() + 1, inside.width(), inside.bottom() - top.bottom());
+  painter.drawText(bottom, Qt::AlignLeft | Qt::AlignTop | Qt::TextWordWrap, text_);
 }
 
 }  // namespace vellumark::desktop

@@ -105,7 +105,7 @@ AddJobItemForm::AddJobItemForm(WindowList& windowList, QWidget* owner)
   connect(color_, &NameBox::Picked, this, [this] { EnterColor(); });
   connect(designID_, &TextField::Left, this, [this] { EnterDesign(); });
   connect(designID_, &NameBox::Picked, this, [this] { EnterDesign(); });
-  FitScreen(*this, {944, 560});
+  FitScreen(*this, {944, 664});
 }
 
 AddJobItemForm::~AddJobItemForm() = default;
@@ -125,7 +125,7 @@ void AddJobItemForm::BuildStock(Form form) {
   adjust_->Means("QtyIssued");
   update_ = form.Button("cmdUpdate", tr("U&pdate"), Qt::Key_F5);
   clear_ = form.Button("cmdClearAdjust", tr("C&lear"), Qt::SHIFT | Qt::Key_F5);
-  form.Row(tr("Ta&ke of the row"), {adjust_, update_, clear_});
+  form.Row(tr("Ta&ke from this row"), {adjust_, update_, clear_});
   for (Field* field : {need_, adjust_}) field->DoNotTrack();
   connect(stock_, &Grid::CurrentRowChanged, this, &AddJobItemForm::ShowRow);
   connect(stock_, &Grid::RowActivated, this, [this] { FocusField("AdjustInv"); });
@@ -191,6 +191,7 @@ void AddJobItemForm::BuildDesign(Form form) {
   photo_ = new PhotoFrame("picPhoto");
   photo_->setAcceptDrops(false);
   photo_->setMinimumHeight(96);
+  photo_->setMaximumHeight(144);
   sides[1].Wide(photo_, 1);
   colors_ = std::make_shared<RecordRows<DesignColorCost>>(DesignColorColumns(session));
   designColors_ = form.Table("DesignColorList");

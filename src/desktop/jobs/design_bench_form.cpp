@@ -22,6 +22,7 @@ DesignBenchForm::DesignBenchForm(WindowList& windowList)
   form.Row(tr("Design"), design_ = form.Label("lblDesign"));
   impressions_ = form.Text("txtImpressions", TextRule::Digits(10));
   impressions_->SetWidthInChars(10);
+  impressions_->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
   impressions_->Means("Impressions");
   job_ = form.Text("JobNumber", TextRule::Any(kJobNumberLength));
   job_->setAccessibleName(tr("Job number"));

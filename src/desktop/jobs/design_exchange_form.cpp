@@ -6,6 +6,7 @@
 #include "core/jobs/design_tables.h"
 #include "desktop/jobs/table_rows.h"
 #include "desktop/kit/icons.h"
+#include "desktop/kit/record_fields.h"
 #include "desktop/kit/text.h"
 #include "paper/photo_maker.h"
 
@@ -138,7 +139,7 @@ void DB_ImportExport_Designs::ListAccounts() {
   }
   for (const ShareRow& share : shares_) {
     const QString name = Q(share.Facility.empty() ? share.AcctNum : share.AcctNum + " - " + share.Facility);
-    account_->addItem(name + (share.came ? " (" + Q(share.came->DateText()) + ")" : tr(" (nothing fetched)")));
+    account_->addItem(name + (share.came ? " (" + DateText(share.came) + ")" : tr(" (nothing fetched)")));
   }
   account_->setCurrentIndex(-1);
   account_->setEnabled(!shares_.empty());

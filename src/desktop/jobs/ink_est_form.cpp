@@ -238,7 +238,7 @@ void InkEstMileageForm::OnOpen(const Arguments& arguments) {
 
 void InkEstMileageForm::ShowMileage() {
   mileage_->SetText(std::to_string(Mileage(session, ink_->currentIndex(), stock_->currentIndex())));
-  default_->setText(tr("delivered with %1").arg(DefaultMileage(session, ink_->currentIndex(), stock_->currentIndex())));
+  default_->setText(tr("default %1").arg(DefaultMileage(session, ink_->currentIndex(), stock_->currentIndex())));
   MarkClean();
 }
 

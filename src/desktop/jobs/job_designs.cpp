@@ -67,6 +67,7 @@ void JobDesigns::BuildDetails(Form form) {
   form.Row(tr("D&escription"), description_);
   impressions_ = form.Text("Impressions", TextRule::Digits(10));
   impressions_->SetWidthInChars(10);
+  impressions_->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
   form.Row(tr("I&mpressions"), impressions_);
   length_ = form.Number("Length", 3);
   width_ = form.Number("Width", 3);

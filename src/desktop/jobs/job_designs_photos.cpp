@@ -35,7 +35,7 @@ void JobDesigns::BuildPhotos(Form form) {
   auto* get = form.Button("cmdGetPhoto", tr("&Get"));
   use_ = form.Button("cmdUsePhoto", tr("&Use"));
   auto* remove = form.Button("cmdRemovePhoto", tr("Re&move"));
-  auto* rename = form.Button("cmdRenamePhoto", tr("Re&name"));
+  auto* rename = form.Button("cmdRenamePhoto", tr("Re&name photo"));
   auto* previous = form.Button("cmdPrevious", tr("Pre&vious"));
   auto* next = form.Button("cmdNext", tr("Ne&xt"));
   form.ButtonsWithoutDefault({get, use_, rename, remove, previous, next});

@@ -28,7 +28,7 @@ Job_Options::Job_Options(WindowList& windowList, QWidget* owner)
 Job_Options::~Job_Options() = default;
 
 void Job_Options::BuildCosts(Form form) {
-  form.Wide(Explain(form, tr("What a Master Formula that is taken from stock counts with in a Job.")));
+  form.Wide(Explain(form, tr("Cost and emissions of a Master Formula that is taken from stock for a Job.")));
   cost_ = form.Radio("JobMixCostOption", {{"optLotCost", tr("Lot Cost")},
                                           {"optPurchaseCost", tr("Purchase Cost")},
                                           {"optBasicCost", tr("Basic Cost")},

@@ -12,7 +12,6 @@ namespace vellumark::desktop {
 namespace {
 
 constexpr int kPercentDecimals = 2;
-constexpr std::size_t kMinutesEnd = 16;  // of "2026-05-01 10:00:00"
 
 bool IsDate(Format format) {
   return format == Format::Date || format == Format::Moment || format == Format::When;
@@ -50,7 +49,6 @@ std::string CellTextInWindow(const TableColumn& column, const TableValue& value)
     return figure && !std::isnan(number) ? FigureText(column, number) : CellText(column, value);
   }
   if (column.format == Format::Date) return U8(DateText(*date));
-  if (column.format == Format::Moment) return date->ToText().substr(0, kMinutesEnd);
   return U8(MomentText(*date));
 }
 

@@ -43,7 +43,7 @@ QPushButton:disabled { color: @off; background: @window; border-color: @line; }
 QPushButton[primary="true"]:enabled { background: @accent; color: @onAccent; border-color: @accent; }
 QPushButton[primary="true"]:focus { border: 2px solid @text; }
 QPushButton[outlined="true"]:enabled { border: 2px solid @accent; padding: 0 12px; }
-QPushButton[outlined="true"][primary="true"]:focus { border: 2px solid @text; }
+QPushButton[outlined="true"]:focus, QPushButton[outlined="true"][primary="true"]:focus { border: 2px solid @text; }
 QPushButton[link="true"] { background: transparent; border-color: transparent; color: @accent; padding: 0 7px;
   text-align: left; }
 QPushButton[link="true"]:hover, QPushButton[link="true"]:focus { border-color: @accent; }
@@ -52,7 +52,7 @@ QToolButton:hover, QToolButton:checked { background: @raised; }
 QToolButton:pressed { background: @line; }
 QToolButton:focus { border-color: @accent; }
 QToolButton:disabled { color: @off; }
-QCheckBox, QRadioButton { color: @text; min-height: 24px; spacing: 8px; }
+QCheckBox, QRadioButton { color: @text; min-height: 24px; spacing: 8px; outline: none; }
 QCheckBox:disabled, QRadioButton:disabled { color: @off; }
 QCheckBox::indicator, QRadioButton::indicator, QListView::indicator { width: 16px; height: 16px;
   border: 1px solid @border; background: @surface; border-radius: 3px; }
@@ -73,9 +73,12 @@ QHeaderView { background: @raised; border: none; }
 QHeaderView::section { background: @raised; color: @text; border: none; border-right: 1px solid @line;
   border-bottom: 1px solid @line; padding: 0 8px; }
 QTableView { gridline-color: @line; outline: none; }
+QListView, QTreeView { outline: none; }
+QTableWidget::item { background: @surface; padding: 0 5px; }
+QTableWidget QHeaderView::section, QTreeView QHeaderView::section { min-height: 31px; }
 QTableView::item:selected { background: @chosen; color: @text; }
 QTableView QTableCornerButton::section { background: @raised; border: none; }
-QTabWidget::pane { border: none; border-top: 1px solid @line; }
+QTabWidget::pane { border: none; }
 QTabBar::tab { background: transparent; color: @quiet; border: none; border-bottom: 2px solid transparent;
   padding: 0 16px; min-height: 34px; }
 QTabBar::tab:selected { color: @text; border-bottom-color: @accent; }

@@ -1,6 +1,7 @@
 #include "desktop/kit/tall_page.h"
 
 #include <QApplication>
+#include <QLayout>
 #include <QResizeEvent>
 #include <QScreen>
 #include <QScrollArea>
@@ -69,7 +70,12 @@ Form TallPart(FormHost& host, Form& whole) {
 }
 
 void FitScreen(QWidget& dialog, QSize size) {
-  if (!size.isValid()) size = dialog.sizeHint();
+  if (!size.isValid()) {
+    // What stands in it is measured as it will be shown: texts wrap in the fonts of the style.
+    for (QWidget* part : dialog.findChildren<QWidget*>()) part->ensurePolished();
+    dialog.layout()->invalidate();
+    size = dialog.sizeHint();
+  }
   dialog.resize(size.boundedTo(dialog.screen()->availableSize() - QSize(0, kTitle)));
 }
 

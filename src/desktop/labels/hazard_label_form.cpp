@@ -5,6 +5,7 @@
 
 #include "desktop/kit/look.h"
 #include "desktop/kit/text.h"
+#include "desktop/labels/pictogram_names.h"
 #include "paper/label_painter.h"
 
 namespace vellumark::desktop {
@@ -27,12 +28,6 @@ constexpr std::array<Entry, 9> kTexts{{
     {"txtText3", QT_TRANSLATE_NOOP("GH_LabelForm", "Misc. Text &3"), 1},
     {"txtText4", QT_TRANSLATE_NOOP("GH_LabelForm", "Misc. Text &4"), 1},
 }};
-constexpr std::array<const char*, kPictograms> kPictogramNames{
-    QT_TRANSLATE_NOOP("GH_LabelForm", "Explosive"),    QT_TRANSLATE_NOOP("GH_LabelForm", "Flammable"),
-    QT_TRANSLATE_NOOP("GH_LabelForm", "Oxidizing"),    QT_TRANSLATE_NOOP("GH_LabelForm", "Gas under pressure"),
-    QT_TRANSLATE_NOOP("GH_LabelForm", "Corrosive"),    QT_TRANSLATE_NOOP("GH_LabelForm", "Toxic"),
-    QT_TRANSLATE_NOOP("GH_LabelForm", "Irritant"),     QT_TRANSLATE_NOOP("GH_LabelForm", "Health hazard"),
-    QT_TRANSLATE_NOOP("GH_LabelForm", "Environment")};
 constexpr std::size_t kFirstMisc = 5;
 constexpr int kLongest = 250;
 constexpr int kIconSize = 40;
@@ -83,7 +78,7 @@ void GH_LabelForm::BuildPictograms(Form& form) {
   for (std::size_t i = 0; i < kPictograms; ++i) {
     const int number = static_cast<int>(i) + 1;
     CheckField* check = pictograms_[i] =
-        Loose(form.Check(QStringLiteral("chkPicto%1").arg(number), tr(kPictogramNames[i])));
+        Loose(form.Check(QStringLiteral("chkPicto%1").arg(number), PictogramName(i)));
     check->setIcon(PictogramIcon(number, devicePixelRatioF()));
     check->setIconSize({kIconSize, kIconSize});
     grid->addWidget(check, static_cast<int>(i) / kAcross, static_cast<int>(i) % kAcross);

@@ -5,20 +5,12 @@
 #include "desktop/kit/record_fields.h"
 #include "desktop/kit/text.h"
 #include "desktop/labels/design_surface.h"
+#include "desktop/labels/pictogram_names.h"
 #include "desktop/labels/sheet_view.h"
 
 namespace vellumark::desktop {
 namespace {
 
-constexpr std::array kPictures{QT_TRANSLATE_NOOP("GH_LabelLayoutForm", "Exploding bomb"),
-                               QT_TRANSLATE_NOOP("GH_LabelLayoutForm", "Flame"),
-                               QT_TRANSLATE_NOOP("GH_LabelLayoutForm", "Flame over circle"),
-                               QT_TRANSLATE_NOOP("GH_LabelLayoutForm", "Gas cylinder"),
-                               QT_TRANSLATE_NOOP("GH_LabelLayoutForm", "Corrosion"),
-                               QT_TRANSLATE_NOOP("GH_LabelLayoutForm", "Skull and crossbones"),
-                               QT_TRANSLATE_NOOP("GH_LabelLayoutForm", "Exclamation mark"),
-                               QT_TRANSLATE_NOOP("GH_LabelLayoutForm", "Health hazard"),
-                               QT_TRANSLATE_NOOP("GH_LabelLayoutForm", "Environment")};
 constexpr std::array kPictogramSizes{"2", "1.75", "1.50", "1.25", "1", ".75", ".50", ".25"};
 
 SmallLabelData OwnNames(std::span<const std::string_view> items) {
@@ -45,9 +37,9 @@ void GH_LabelLayoutForm::AddPages(TabSet& tabs) {
   ComboField* size = Choice(form, "cmbPictoSize", Key("Picto Size"));
   for (const char* inches : kPictogramSizes) size->addItem(tr("%1 in.").arg(inches), QString(inches));
   form.Row(tr("Si&ze"), size);
-  for (std::size_t i = 0; i < kPictures.size(); ++i) {
+  for (std::size_t i = 0; i < kPictogramNames.size(); ++i) {
     const std::string item = "Picto_Image " + std::to_string(i + 1);
-    CheckField* check = Check(form, QString("Picto_Image%1").arg(i + 1), tr(kPictures[i]), Key(item + " Visible"));
+    CheckField* check = Check(form, QString("Picto_Image%1").arg(i + 1), PictogramName(i), Key(item + " Visible"));
     check->setIcon(QIcon(QString(":/pictograms/%1.svg").arg(i + 1)));
     check->setIconSize({32, 32});
     connect(check, &QCheckBox::clicked, this, [this, item](bool on) {

@@ -143,7 +143,7 @@ FindForm::FindForm(WindowList& windowList, const QString& name, FindSubject subj
   right->setContentsMargins(space::kUnit, 0, 0, 0);
   BuildFields(*left);
   Form found(*this, *right);
-  found.Row(count_ = found.Label("lblRecordCount", tr("0 Records Found")));
+  found.Wide(count_ = found.Label("lblRecordCount", tr("0 Records Found")));
   grid_ = found.Table("fg");
   grid_->setProperty(kLayoutInSettings, true);
   grid_->ShowFilter(tr("Filter"));

@@ -14,11 +14,11 @@ DeleteUserForm::DeleteUserForm(WindowList& windowList, QWidget* owner)
   username_->setCurrentIndex(username_->count() > 0 ? 0 : -1);
   form.Row(form.Hint(tr("Administrators cannot be deleted here.")));
   form.Stretch();
-  form.Buttons({form.Button("cmdDelete", tr("&Delete")), form.Button("cmdCancel", tr("Cancel"))});
+  form.ButtonsWithoutDefault({delete_ = form.Button("cmdDelete", tr("&Delete")), form.Button("cmdCancel", tr("Cancel"))});
 }
 
 void DeleteUserForm::UpdateEnabled() {
-  DefaultButton()->setEnabled(username_->currentIndex() >= 0);
+  delete_->setEnabled(username_->currentIndex() >= 0);
 }
 
 void DeleteUserForm::cmdDelete_Click() {

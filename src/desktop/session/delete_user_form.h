@@ -17,6 +17,7 @@ class DeleteUserForm : public Dialog {
 
  private:
   ComboField* username_;
+  CommandButton* delete_ = nullptr;
 };
 
 }  // namespace vellumark::desktop

@@ -46,7 +46,7 @@ ProductSplashFormPantone::ProductSplashFormPantone(WindowList& windowList, QWidg
   auto* product = new QLabel(tr("Production manager for the ink room"));
   product->setObjectName("lblTagLine");
   product->setFont(Look::Heading());
-  auto* hint = new QLabel(tr("Any key or click goes on."));
+  auto* hint = new QLabel(tr("Press any key to continue."));
   hint->setProperty("role", "hint");
   auto* close = new CommandButton("cmdClose", tr("Close"));
   AdoptButton(*close, [this] { cmdClose_Click(); });

@@ -30,7 +30,7 @@ AdditiveApplyTab::AdditiveApplyTab(FormHost& host, Form form) : QObject(&host.Se
   BuildMethod(sides.right);
   preview_ =
       new PreviewLists(host, sides.right, {tr("Colors to be Modified:"), tr("Colors Excluded from Modification:")},
-                       {GridColumn::Text(tr("Info"), 216), GridColumn::Text(tr("Current Set Name"), 136).Choosable(),
+                       {GridColumn::Text(tr("Info"), 152), GridColumn::Text(tr("Current Set Name"), 120).Choosable(),
                         GridColumn::Text(tr("Mod Type"), 96).Choosable(false)});
   save_ = form.Button("cmdSave_ApplyTab", tr("&Save"), QKeySequence::Save, [this] { Save(); });
 

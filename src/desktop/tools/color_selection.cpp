@@ -58,9 +58,9 @@ ColorSelection::ColorSelection(FormHost& host, Form form, const QString& listNam
   grid->ShowFilter(tr("Filter"));
   grid->SetEmptyText(tr("No colors"));
   form.Wide(grid, 1);
-  CommandButton* all = form.Button("chkSelectAllColors", tr("Select &all"), [this] { list_->CheckShown(true); });
+  CommandButton* all = form.Button("chkSelectAllColors", tr("Select &All"), [this] { list_->CheckShown(true); });
   all->setToolTip(tr("All colors that the filter shows"));
-  CommandButton* none = form.Button("chkDeselectAllColors", tr("Select &none"), [this] { list_->UncheckAll(); });
+  CommandButton* none = form.Button("chkDeselectAllColors", tr("Desele&ct All"), [this] { list_->UncheckAll(); });
   count_ = form.Hint({}, "lblSelected");
   auto* line = new QWidget;
   auto* layout = new QHBoxLayout(line);

@@ -55,7 +55,7 @@ DBFormulaModifierForm::DBFormulaModifierForm(WindowList& windowList)
   sides.right.Wide(lines);
   preview_ = new PreviewLists(
       *this, sides.right, {tr("Colors to be Modified:"), tr("Colors Excluded from Modification:")},
-      {GridColumn::Text(tr("Info"), 176), GridColumn::Text(tr("Current Set Name"), 128).Choosable(),
+      {GridColumn::Text(tr("Info"), 136), GridColumn::Text(tr("Current Set Name"), 128).Choosable(),
        GridColumn::Text(tr("Mod Type"), 96).Choosable(false), GridColumn::Text(tr("New formula"), 320).Choosable(),
        GridColumn::Number(tr("Total")).Choosable()});
   ToolButtons(*this, form, {save_ = form.Button("cmdSave", tr("&Save")), form.Button("cmdClose", tr("Close"))});

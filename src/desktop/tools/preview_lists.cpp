@@ -12,7 +12,7 @@
 namespace vellumark::desktop {
 namespace {
 
-constexpr int kNameWidth = 168;
+constexpr int kNameWidth = 128;
 constexpr int kLeastHeight = 96;
 constexpr int kDetailLines = 2;
 

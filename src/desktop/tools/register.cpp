@@ -22,7 +22,7 @@ constexpr std::array<MenuEntry, 13> kMenu{{
     {"cmdRenameColors", QT_TRANSLATE_NOOP("DBToolsMenu", "&Rename Colors"), "DBRenameColors"},
     {"cmdDelColors", QT_TRANSLATE_NOOP("DBToolsMenu", "&Delete Master Formulas"), "DBDelColors"},
     {"cmdResetBasicCost", QT_TRANSLATE_NOOP("DBToolsMenu", "&Basic Color costs"), "ResetBasicCostForm", nullptr,
-     QT_TRANSLATE_NOOP("DBToolsMenu", "One figure of every color"), true},
+     QT_TRANSLATE_NOOP("DBToolsMenu", "Reset values of all colors"), true},
     {"cmdResetMixCost", QT_TRANSLATE_NOOP("DBToolsMenu", "&Master Formula costs"), "ResetMixCostForm", nullptr, nullptr,
      true},
     {"cmdResetBasicVOCHAP", QT_TRANSLATE_NOOP("DBToolsMenu", "Basic Color &VOC and HAP"), "ResetBasic_VOC_HAP_Form",

@@ -22,7 +22,7 @@ DBRenameColors::DBRenameColors(WindowList& windowList)
 
   BuildRule(sides.right);
   preview_ = new PreviewLists(*this, sides.right, {tr("Colors to be renamed:"), tr("Colors excluded from renaming:")},
-                              {GridColumn::Text(tr("New name or reason"), 280)});
+                              {GridColumn::Text(tr("New name or reason"), 240)});
   ToolButtons(*this, form, {save_ = form.Button("cmdSave", tr("&Save")), form.Button("cmdClose", tr("Close"))});
 
   connect(kind_, &RadioField::ChosenChanged, this, &DBRenameColors::ShowKind);

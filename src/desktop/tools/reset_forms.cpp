@@ -11,7 +11,7 @@ namespace vellumark::desktop {
 namespace {
 
 constexpr int kMarkupDecimals = 2;
-constexpr int kCostChars = 10;
+constexpr int kCostChars = 14;
 constexpr int kNoteWidth = 440;
 
 // The note of the window: whom the change reaches.
@@ -83,6 +83,8 @@ void ResetMixCostForm::UpdateEnabled() {
   value_->setEnabled(one);
   markup_->setEnabled(!one);
   fixed_->setEnabled(!one);
+  for (NumberField* field : {value_, markup_, fixed_})
+    if (!field->isEnabled()) field->ClearFault();
 }
 
 void ResetMixCostForm::cmdOK_Click() {
