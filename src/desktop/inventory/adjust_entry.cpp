@@ -40,9 +40,9 @@ AdjustEntry::AdjustEntry(FormHost& host, Form form, QWidget& page, std::function
   line->setContentsMargins(0, 0, 0, 0);
   line->setSpacing(space::kUnit);
   for (QWidget* cell : {lotCells_[2], lotCells_[3], lotCells_[4]}) line->addWidget(cell, 0, Qt::AlignBottom);
-  line->addStretch(1);
   line->addWidget(update_, 0, Qt::AlignBottom);
   line->addWidget(clear_, 0, Qt::AlignBottom);
+  line->addStretch(1);
   rows->addStretch(1);
   Relabel();
 }

@@ -193,8 +193,8 @@ TEST_F(AdditiveControlTest, RenameMergeAndDelete) {
   EXPECT_EQ(Content("FAST"), "gone");
   EXPECT_EQ(Text("txtAddSetName"), "");
   EXPECT_FALSE(IsOn("cmdDel_CreateTab"));
-  // The other set's rows were not the formula's, so only the one that stands in FAST goes.
-  EXPECT_EQ(Stored("SLOW PINK"), "RED 20.408, WHITE 76.531, WAX 3.061");
+  // With the merge the formula got the lines of FAST, and all of them go.
+  EXPECT_EQ(Stored("SLOW PINK"), "RED 21.053, WHITE 78.947");
 }
 
 TEST_F(AdditiveControlTest, AReadOnlyFileRefusesEveryWrite) {
