@@ -98,6 +98,7 @@ void AdjustInventoryForm::BuildManual(QWidget& page) {
   auto* stock = new QWidget;
   auto* record = new QWidget;
   record->setFixedWidth(kRecordWidth);
+  for (QWidget* part : {stock, record}) part->setProperty("flush", true);  // the page has its distance from the tabs
   line->addWidget(stock, 1);
   line->addWidget(record);
   panel_ = new InventoryPanel(*this, Form(*this, *stock));
