@@ -1,7 +1,6 @@
 #include "desktop/kit/tall_page.h"
 
 #include <QApplication>
-#include <QLayout>
 #include <QResizeEvent>
 #include <QScreen>
 #include <QScrollArea>
@@ -70,12 +69,8 @@ Form TallPart(FormHost& host, Form& whole) {
 }
 
 void FitScreen(QWidget& dialog, QSize size) {
-  if (!size.isValid()) {
-    // What stands in it is measured as it will be shown: texts wrap in the fonts of the style.
-    for (QWidget* part : dialog.findChildren<QWidget*>()) part->ensurePolished();
-    dialog.layout()->invalidate();
-    size = dialog.sizeHint();
-  }
+  // A button that is the default, or is looked at in high contrast, is a little higher than one that is measured here.
+  if (!size.isValid()) size = dialog.sizeHint() + QSize(0, space::kTight);
   dialog.resize(size.boundedTo(dialog.screen()->availableSize() - QSize(0, kTitle)));
 }
 
