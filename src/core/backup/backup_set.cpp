@@ -400,9 +400,12 @@ std::string FaultLines(const std::vector<std::string>& faults) {
 
 std::optional<std::string> FaultsOfSet(const BackupSet& set) {
   if (!set.proof || set.proof->content.Sound()) return std::nullopt;
-  return fmt::format("The backup is made, but the Data File has faults, and the backup has them too:{}\n\nRepair the Data "
-                     "File, and back up again. Keep the backups that were made before.",
-                     FaultLines(set.proof->content.faults));
+  const std::string wayOut = set.proof->content.rowsToAccept
+                                 ? fmt::format("{}. Repair what is wrong besides", kAcceptRows)
+                                 : std::string("Repair the Data File");
+  return fmt::format("The backup is made, but the Data File has faults, and the backup has them too:{}\n\n{}, and back up again. "
+                     "Keep the backups that were made before.",
+                     FaultLines(set.proof->content.faults), wayOut);
 }
 
 std::optional<BackupSet> ShutdownBackup(Session& session, std::string_view label) {

@@ -308,6 +308,10 @@ const CheckFault* Damage(const std::vector<CheckFault>& faults) {
   return found == faults.end() ? nullptr : &*found;
 }
 
+bool IsStray(const CheckFault& fault) {
+  return fault.rule == "Rows";
+}
+
 // Figures as they are kept, and the search text of each recipe at once; the figures of formulas by the pass that is due
 // from here on.
 void AcceptAndFollow(Session& session, const std::vector<CheckFault>& rows) {
@@ -342,7 +346,7 @@ Result<AcceptedRows> AcceptStrayRows(Session& session) {
   };
   if (const CheckFault* damage = Damage(accepted.rest.faults)) return refuse(FaultText(*damage));
   std::ranges::copy_if(accepted.rest.faults, std::back_inserter(accepted.rows),
-                       [](const CheckFault& fault) { return fault.rule == "Rows"; });
+                       IsStray);
   if (!accepted.rest.complete) return Decline("Data File");
   if (accepted.rows.empty()) return accepted;
   try {
@@ -353,6 +357,10 @@ Result<AcceptedRows> AcceptStrayRows(Session& session) {
   RunPendingPasses(session);
   accepted.rest = CheckDataFileRules(session, CheckDepth::Deep, CheckState::InUse);
   return accepted;
+}
+
+bool HasRowsToAccept(const std::vector<CheckFault>& faults) {
+  return std::ranges::any_of(faults, IsStray) && Damage(faults) == nullptr;
 }
 
 std::string FaultText(const CheckFault& fault) {

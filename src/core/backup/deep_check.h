@@ -72,6 +72,12 @@ struct AcceptedRows {
 /// Refused without the right to manage Data Files, in a copy that is only looked at, and where the file is damaged: its
 /// rows are then not what anybody wrote.
 Result<AcceptedRows> AcceptStrayRows(Session& session);
+/// Whether rows were changed past this program in a file that is not damaged: no repair makes them what they were.
+bool HasRowsToAccept(const std::vector<CheckFault>& faults);
+/// What to do about such rows, for people.
+inline constexpr std::string_view kAcceptRows =
+    "Data File, Check shows the rows that were changed past this program, and accepts them if that was meant (on the command "
+    "line: file check --accept)";
 
 /// "INK_Basic, row 5 (RED): …", a line for people.
 std::string FaultText(const CheckFault& fault);

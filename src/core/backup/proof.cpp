@@ -103,6 +103,7 @@ ContentProof ProveContent(const Session& asked, const fs::path& path, Progress& 
   if (gate == VersionGate::Current || gate == VersionGate::ReadOnly) {
     CheckAnswer check = CheckDataFileRules(session, CheckDepth::Deep, CheckState::InUse);
     for (const CheckFault& fault : check.faults) proof.faults.push_back(FaultText(fault));
+    proof.rowsToAccept = HasRowsToAccept(check.faults);
     if (digestsOf == DigestsOf::Rows) read = std::move(check.tables);
   } else {
     proof.faults = file.Faults();

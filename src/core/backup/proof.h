@@ -60,6 +60,7 @@ struct ContentProof {
   std::vector<TableProof> tables{};
   std::vector<DatabaseProof> databases{};
   std::vector<std::string> faults{};  ///< in words, a line each; empty when sound
+  bool rowsToAccept = false;          ///< HasRowsToAccept; known of what was just read, not of what a set tells
   bool Sound() const { return faults.empty(); }
   /// Of all Databases.
   std::int64_t Formulas() const;

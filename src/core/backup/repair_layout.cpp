@@ -212,8 +212,9 @@ void MendNumbers(RepairRun& run) {
 }
 
 void FindWhatIsLeft(RepairRun& run) {
-  for (const CheckFault& fault : CheckDataFileRules(run.session, CheckDepth::Deep, CheckState::InUse).faults)
-    run.Left(fault.Table, FaultText(fault));
+  const CheckAnswer found = CheckDataFileRules(run.session, CheckDepth::Deep, CheckState::InUse);
+  for (const CheckFault& fault : found.faults) run.Left(fault.Table, FaultText(fault));
+  if (HasRowsToAccept(found.faults)) run.Left("", std::string(kAcceptRows));
 }
 
 void FindEmptyDatabases(RepairRun& run) {

@@ -1,5 +1,6 @@
 #include "core/backup/backup_set.h"
 
+#include <fmt/format.h>
 #include <gtest/gtest.h>
 
 #include <chrono>
@@ -11,6 +12,7 @@
 #include "core/base/files.h"
 #include "core/datafile/row_checks.h"
 #include "support/data_files.h"
+#include "support/hand_edit.h"
 
 namespace vellumark {
 namespace {
@@ -136,6 +138,21 @@ TEST_F(BackupSets, WhatChangedBehindItsBackIsNamed) {
   fs::remove(set.folder / "SUV_Files" / "vk50suvdf.dat");
   EXPECT_NE(faults().find("SUV_Files/vk50suvdf.dat: "), std::string::npos);
   EXPECT_NE(faults().find("DesignPhotos/matte.jpg: the file is not what it was"), std::string::npos);
+}
+
+// What somebody wrote with another tool no repair takes back: the way to accept it is told.
+TEST_F(BackupSets, AHandEditIsToldWithTheWayToAcceptIt) {
+  for (const char* rule : {"Rows", "Fields"}) room.folder.Breaks(rule);
+  const auto wayOut = [&] {
+    const std::string text = FaultsOfSet(Make()).value_or("sound");
+    return text.substr(0, text.rfind(',')).substr(text.rfind("\n\n") + 2);
+  };
+  for (const char* sql : {"UPDATE INK_Basic SET Notes = 'theirs'", "UPDATE INK_Basic SET Reorder = 0.1"}) {
+    test::EditByHand(file, sql);
+    EXPECT_EQ(wayOut(), fmt::format("{}. Repair what is wrong besides", kAcceptRows));
+  }
+  Database::Open(file, OpenMode::Exclusive)->Execute("UPDATE INK_Basic SET Reorder = 9e999");
+  EXPECT_EQ(wayOut(), "Repair the Data File");
 }
 
 // Digests of an earlier program are compared with such; what this version found sound is not read again row by row when it
