@@ -1,6 +1,7 @@
 #include <fmt/format.h>
 
 #include "core/backup/repair_run.h"
+#include "core/datafile/job_links.h"
 #include "core/datafile/writer.h"
 #include "core/session/users.h"
 
@@ -81,6 +82,36 @@ void FillDesigns(RepairRun& run) {
   Fill(run, name, schema::Designs, {{}, {{"Created", today}, {"LastModified", today}}});
 }
 
+namespace {
+
+// A record without a number is found by nobody. The only one of its Batch bears that by which the Batch calls its job.
+void NumberJobRecords(RepairRun& run) {
+  const std::string& jobs = schema::JobRecords.name;
+  struct UnnumberedRecord {
+    std::int64_t row;
+    std::int64_t BatchNo;
+    std::string JobNumber;
+  };
+  for (const std::string& database : run.Databases()) {
+    std::vector<UnnumberedRecord> unnumbered;
+    Statement rows = run.file.Prepare(fmt::format(
+        "SELECT j.RowKey, j.BatchNo, MIN(b.JobNumber) FROM {0} j JOIN {1} b ON b.BatchNo = j.BatchNo WHERE j.Database = ?1 AND "
+        "COALESCE(j.JobNumber, '') = '' AND b.JobNumber NOT IN ('', '{2}') AND NOT EXISTS (SELECT 1 FROM {0} o WHERE "
+        "o.BatchNo = j.BatchNo AND o.Database = j.Database AND o.RowKey <> j.RowKey) GROUP BY j.RowKey, j.BatchNo",
+        jobs, QuotedTable(database, schema::Batch), kSplitJobs));
+    rows.Bind(1, database);
+    while (rows.Step()) unnumbered.push_back({rows.Whole(0), rows.Whole(1), rows.Text(2)});
+    for (const UnnumberedRecord& record : unnumbered) {
+      UpdateRow(run.file, schema::JobRecords, jobs, record.row, {{"JobNumber", record.JobNumber}});
+      run.Changed(jobs, fmt::format("row {} had no JobNumber and is of the Job {} now, as its Batch {:06} says", record.row,
+                                    record.JobNumber, record.BatchNo));
+    }
+  }
+  NameRows(run, jobs, schema::JobRecords, "JobNumber");
+}
+
+}  // namespace
+
 void FillJobs(RepairRun& run) {
   run.Show("Repairing Null Values - Dispenser Table");
   Fill(run, schema::Dispenser.name, schema::Dispenser, {});
@@ -88,7 +119,10 @@ void FillJobs(RepairRun& run) {
   // Where there is one Database, a row that names none is of it.
   NullRule rule;
   if (run.Databases().size() == 1) rule.filled = {{"Database", run.Databases().front()}};
-  Fill(run, schema::JobRecords.name, schema::JobRecords, rule);
+  std::vector<MendedField> fields = FillNulls(run.file, schema::JobRecords.name, schema::JobRecords, rule);
+  std::erase_if(fields, [](const MendedField& field) { return field.field == "JobNumber"; });
+  run.Mended(schema::JobRecords.name, fields);
+  NumberJobRecords(run);
 }
 
 void FillMeasurements(RepairRun& run) {

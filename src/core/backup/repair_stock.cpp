@@ -1,6 +1,7 @@
 #include <fmt/format.h>
 
 #include <cmath>
+#include <limits>
 #include <utility>
 
 #include "core/backup/check_run.h"
@@ -9,7 +10,9 @@
 #include "core/datafile/job_links.h"
 #include "core/datafile/line_kind.h"
 #include "core/datafile/moved_rows.h"
+#include "core/datafile/references.h"
 #include "core/datafile/stock_history.h"
+#include "core/datafile/stock_trail.h"
 #include "core/datafile/writer.h"
 #include "core/inventory/lots.h"
 #include "core/session/stock_lines.h"
@@ -60,18 +63,32 @@ struct BadLot {
   std::int64_t row;
   std::string name;
   std::int64_t ref;
+  std::string number;
+  bool known;  // by its number among those that share the reference
 };
+
+// What Batches and Jobs took from a lot comes back to it by its reference and number.
+void FollowReference(RepairRun& run, const std::string& database, ColorKind kind, const BadLot& lot, std::int32_t ref) {
+  if (!lot.known || !IsLotReference(static_cast<std::int32_t>(lot.ref))) return;
+  if (ref > std::numeric_limits<std::int16_t>::max())
+    return run.Left(TableName(database, schema::BatchLotInv),
+                    fmt::format("{}: Batches and Jobs still name the lot {} by the reference {}, since no Batch can record {}",
+                                lot.name, lot.number, lot.ref, ref));
+  MoveLotCopies(run.file, database, kind, lot.name, {static_cast<std::int32_t>(lot.ref), lot.number}, ref);
+}
 
 // Each lot of a colour has a reference of its own; the first of those that share one keeps it.
 void MendReferences(RepairRun& run, const std::string& database, ColorKind kind, const std::string& lots) {
   std::vector<BadLot> bad;
   Statement rows =
-      run.file.Prepare(fmt::format("SELECT RowKey, LotCName, COALESCE(LotRefID, 0) FROM {0} t WHERE COALESCE(LotRefID, "
+      run.file.Prepare(fmt::format("SELECT RowKey, LotCName, COALESCE(LotRefID, 0), LotNumber, NOT EXISTS (SELECT 1 FROM {0} s "
+                                   "WHERE s.LotCName = t.LotCName AND s.LotRefID = t.LotRefID AND s.LotNumber = t.LotNumber "
+                                   "AND s.RowKey <> t.RowKey) FROM {0} t WHERE COALESCE(LotRefID, "
                                    "0) NOT BETWEEN 1 AND {1} OR EXISTS "
                                    "(SELECT 1 FROM {0} e WHERE e.LotCName = t.LotCName AND e.LotRefID = t.LotRefID AND "
                                    "e.RowKey < t.RowKey) ORDER BY RowKey",
                                    Quoted(lots), kLastLotRefID));
-  while (rows.Step()) bad.push_back({rows.Whole(0), rows.Text(1), rows.Whole(2)});
+  while (rows.Step()) bad.push_back({rows.Whole(0), rows.Text(1), rows.Whole(2), rows.Text(3), rows.Whole(4) != 0});
   for (const BadLot& lot : bad) {
     const std::int32_t from = LastLotRefID(run.session, kind, lot.name, database);
     const std::int32_t free = FirstFreeLotRef(run.session, kind, lot.name, database, from);
@@ -81,6 +98,7 @@ void MendReferences(RepairRun& run, const std::string& database, ColorKind kind,
     }
     UpdateRow(run.file, LotTable(kind), lots, lot.row, {{"LotRefID", free}});
     StoreLotRefID(run.session, kind, lot.name, database, free);
+    FollowReference(run, database, kind, lot, free);
     run.Changed(lots, fmt::format("{}: the lot of row {} had the reference {} and has {} now", lot.name, lot.row,
                                   lot.ref, free));
   }
@@ -190,10 +208,31 @@ void CloseUpLines(RepairRun& run, const std::string& database) {
   }
 }
 
+// What a Batch calls its job, against its Job Records.
+struct JobOfBatch {
+  std::int64_t BatchNo = 0;
+  std::string named;
+  std::int64_t records = 0;
+  std::string right;
+};
+
+// Without a record the Batch alone still tells for which job it was made, and keeps that.
+void MendJobOfBatch(RepairRun& run, const std::string& database, const std::string& table, const JobOfBatch& batch) {
+  const bool split = EqualNoCase(batch.named, kSplitJobs);
+  if (batch.records == 0)
+    run.Lost(table, fmt::format("the Batch {:06} is of {}, of which there is no record", batch.BatchNo,
+                                split ? "several Jobs" : "the Job " + batch.named));
+  if (batch.records == 0 && !split) return NoteLostJobRecord(run.file, database, batch.BatchNo, batch.named);
+  StoreBatchJob(run.file, database, static_cast<std::int32_t>(batch.BatchNo));
+  if (batch.records > 0)
+    run.Changed(table, fmt::format("the Batch {:06} was of the Job \"{}\" and is of \"{}\" now, as its Job Records say",
+                                   batch.BatchNo, batch.named, batch.right));
+}
+
 // The job of a Batch is what its Job Records say, where none of them stands in an archive.
 void MendJobsOfBatches(RepairRun& run, const std::string& database) {
   const std::string table = TableName(database, schema::Batch);
-  std::vector<std::int32_t> wrong;
+  std::vector<JobOfBatch> wrong;
   Statement rows =
       run.file.Prepare(fmt::format("SELECT b.BatchNo, COALESCE(b.JobNumber, ''), COUNT(j.RowKey), "
                                    "COALESCE(MIN(j.JobNumber), '') FROM {} b LEFT JOIN "
@@ -204,10 +243,9 @@ void MendJobsOfBatches(RepairRun& run, const std::string& database) {
   rows.Bind(1, database);
   while (rows.Step()) {
     const std::string right = rows.Whole(2) == 0 ? "" : rows.Whole(2) == 1 ? rows.Text(3) : std::string(kSplitJobs);
-    if (!EqualNoCase(rows.TextView(1), right)) wrong.push_back(static_cast<std::int32_t>(rows.Whole(0)));
+    if (!EqualNoCase(rows.TextView(1), right)) wrong.push_back({rows.Whole(0), rows.Text(1), rows.Whole(2), right});
   }
-  for (const std::int32_t batchNo : wrong) StoreBatchJob(run.file, database, batchNo);
-  if (!wrong.empty()) run.Changed(table, "JobNumber is what the Job Records say", std::ssize(wrong));
+  for (const JobOfBatch& batch : wrong) MendJobOfBatch(run, database, table, batch);
 }
 
 }  // namespace
@@ -303,11 +341,7 @@ class Reconciled {
     }
     const std::string lots = TableName(one.database, LotTable(one.kind));
     if (quantity < 0) return Forget(one, lots);
-    Statement last = run_.file.Prepare(
-        "SELECT LotNumber FROM MSysStockHistory WHERE Color_Name = ? AND LotRefID = ? AND Kind = ? AND LotNumber <> '' "
-        "ORDER BY ID DESC LIMIT 1");
-    last.Bind(1, one.name).Bind(2, one.ref).Bind(3, static_cast<int>(one.kind));
-    const std::string number = last.Step() ? last.Text(0) : run_.MadeUpName();
+    const std::string number = LastNumber(one);
     InsertRow(run_.file, LotTable(one.kind), lots,
               {{"LotRefID", one.ref},
                {"LotCName", one.name},
@@ -322,6 +356,18 @@ class Reconciled {
         fmt::format(
             "{}: the lot {} was made again with {}, as its history adds up to; its place, date and price are not known",
             one.name, number, Fixed(quantity, 3)));
+  }
+
+  // By which the lot was called last, under whatever names its colour and its Database had.
+  std::string LastNumber(const Missing& one) {
+    StockTrail trail = StockTrail::OfColor(run_.file, one.database, one.kind, one.name, true);
+    for (bool more = true; more;) {
+      std::vector<StockLine> lines;
+      more = trail.ReadOn(lines);
+      for (StockLine& line : lines)
+        if (line.LotRefID == one.ref && !line.LotNumber.empty()) return std::move(line.LotNumber);
+    }
+    return run_.MadeUpName();
   }
 
   // Less than nothing cannot be put back.

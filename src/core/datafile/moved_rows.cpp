@@ -9,6 +9,7 @@
 #include "core/base/text.h"
 #include "core/datafile/job_links.h"
 #include "core/datafile/schema.h"
+#include "core/datafile/writer.h"
 
 namespace vellumark {
 namespace {
@@ -74,12 +75,16 @@ void CountOfDatabase(Database& file, const std::string& database, const DateTime
   following(schema::BatchScaleResults, "BatchID", &MovingCount::weighings);
 }
 
+void RequireTable(Database& file) {
+  if (!file.TableExists(kMovedRowsTable)) file.CreateTable(kMovedRowsTable, Layout());
+}
+
 // Notes what is about to be removed.
 class Notes {
  public:
   Notes(Database& file, const DateTime& cutoff, Leaving leaving, std::string_view inFile)
       : file_(file), after_(DayAfter(cutoff)), leaving_(leaving), inFile_(inFile) {
-    if (!file.TableExists(kMovedRowsTable)) file.CreateTable(kMovedRowsTable, Layout());
+    RequireTable(file);
   }
 
   void OfDatabase(const std::string& database) {
@@ -217,6 +222,23 @@ void ChangeNotes(Database& file, const std::string& sql, std::initializer_list<s
 }
 
 }  // namespace
+
+void NoteLostJobRecord(Database& file, std::string_view database, std::int64_t batchNo, std::string_view jobNumber) {
+  Transaction transaction(file);
+  RequireTable(file);
+  InsertRow(file, Layout(), std::string(kMovedRowsTable),
+            {{"Kind", int{kJobRecord}}, {"DatabaseName", database}, {"BatchNo", batchNo}, {"Name", jobNumber}, {"InFile", ""}});
+  transaction.Commit();
+}
+
+bool MovedInto(Database& file, std::string_view name) {
+  if (!file.TableExists(kMovedRowsTable)) return false;
+  return !file.Scalar(fmt::format("SELECT 1 FROM {} WHERE InFile = ? LIMIT 1", Quoted(kMovedRowsTable)), {name}).IsNull();
+}
+
+void RenameMovedFile(Database& file, std::string_view name, std::string_view newName) {
+  ChangeNotes(file, "UPDATE {} SET InFile = ?2 WHERE InFile = ?1", {name, newName});
+}
 
 void RenameMovedDatabase(Database& file, std::string_view name, std::string_view newName) {
   ChangeNotes(file, "UPDATE {} SET DatabaseName = ?2 WHERE DatabaseName = ?1", {name, newName});

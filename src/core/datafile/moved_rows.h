@@ -53,6 +53,14 @@ std::string MovedBatches(Database& file);
 std::string MovedJobRecords(Database& file);
 std::string MovedDesignUses(Database& file);
 
+/// A Job Record of a Batch that is here was lost, into no file: the Batch keeps the number of its job, like that of one whose
+/// record was moved.
+void NoteLostJobRecord(Database& file, std::string_view database, std::int64_t batchNo, std::string_view jobNumber);
+/// Whether something was moved into the file of that name.
+bool MovedInto(Database& file, std::string_view name);
+/// That file stands elsewhere now; empty: nowhere any more.
+void RenameMovedFile(Database& file, std::string_view name, std::string_view newName);
+
 void RenameMovedDatabase(Database& file, std::string_view name, std::string_view newName);
 void DeleteMovedDatabase(Database& file, std::string_view name);
 void RenameMovedDesign(Database& file, std::string_view designID, std::string_view newID);

@@ -204,37 +204,45 @@ bool UsedByDesign(Database& file, std::string_view database, ColorKind kind, std
   return !DesignsUsing(file, database, kind, name).empty();
 }
 
-void RewriteLotCopies(Database& file, std::string_view database, ColorKind kind, std::string_view name,
-                      const LotName& lot, const LotCopy& now) {
+namespace {
+
+// Writes into what names a colour's lot: the first of these fields on the Batch that made it (a formula's), all of them on
+// the lines of Batches and Job Records that took from it.
+void SetInLotCopies(Database& file, std::string_view database, ColorKind kind, std::string_view name, const LotName& lot,
+                    const std::vector<Cell>& cells) {
   const bool mix = kind == ColorKind::Mix;
   Transaction transaction(file);
-  const auto table = [&](const Table& of) { return QuotedTable(database, of); };
-  const auto run = [&](Statement& copies, const Table& of) {
+  const auto set = [&](const Table& of, std::size_t fields, const std::string& rows) {
+    const bool ofAll = &of == &schema::JobRecords;
+    std::string values;
+    for (std::size_t i = 0; i < fields; ++i)
+      values += fmt::format("{}{} = ?{}", i == 0 ? "" : ", ", Quoted(cells[i].first), i + 4);
+    Statement copies = file.Prepare(fmt::format(
+        "UPDATE {} SET {} WHERE LotRefID = ?1 AND LotNumber = ?2 AND {}{}", ofAll ? Quoted(of.name) : QuotedTable(database, of),
+        values, rows, ofAll ? fmt::format(" AND Database = ?{}", fields + 4) : ""));
+    copies.Bind(1, lot.LotRefID).Bind(2, lot.LotNumber).Bind(3, name);
+    for (std::size_t i = 0; i < fields; ++i) copies.Bind(static_cast<int>(i) + 4, cells[i].second);
+    if (ofAll) copies.Bind(static_cast<int>(fields) + 4, database);
     if (copies.Run() > 0) TellRows(transaction, of, database);
   };
-  const auto bind = [&](Statement& copies) -> Statement& {
-    return copies.Bind(1, now.LotNumber).Bind(2, name).Bind(3, lot.LotRefID).Bind(4, lot.LotNumber);
-  };
-  if (mix) {
-    Statement made = file.Prepare(
-        fmt::format("UPDATE {} SET LotNumber = ?1 WHERE Color_Name = ?2 AND LotRefID = ?3 AND LotNumber = ?4",
-                    table(schema::Batch)));
-    run(bind(made), schema::Batch);
-  }
-  constexpr std::string_view kSet = "SET LotNumber = ?1, LotLoc = ?5, LotContID = ?6, LotDate = ?7";
-  constexpr std::string_view kOfLot = "LotRefID = ?3 AND LotNumber = ?4";
-  const auto bindAll = [&](Statement& copies) -> Statement& {
-    return bind(copies).Bind(5, now.LotLoc).Bind(6, now.LotContID).Bind(7, Value(now.LotDate));
-  };
+  if (mix) set(schema::Batch, 1, "Color_Name = ?3");
   // A Batch line that is not a formula's is a Basic Color's, an addition included.
-  Statement lines = file.Prepare(fmt::format("UPDATE {} {} WHERE IngName = ?2 AND {} AND IngType {} 2",
-                                             table(schema::BatchLotInv), kSet, kOfLot, mix ? "=" : "<>"));
-  run(bindAll(lines), schema::BatchLotInv);
-  Statement jobs =
-      file.Prepare(fmt::format("UPDATE {} {} WHERE Color_Name = ?2 AND {} AND Database = ?8 AND {}",
-                               table(schema::JobRecords), kSet, kOfLot, KindCondition(kind, "ItemType")));
-  run(bindAll(jobs).Bind(8, database), schema::JobRecords);
+  set(schema::BatchLotInv, cells.size(), fmt::format("IngName = ?3 AND IngType {} 2", mix ? "=" : "<>"));
+  set(schema::JobRecords, cells.size(), "Color_Name = ?3 AND " + KindCondition(kind, "ItemType"));
   transaction.Commit();
+}
+
+}  // namespace
+
+void RewriteLotCopies(Database& file, std::string_view database, ColorKind kind, std::string_view name,
+                      const LotName& lot, const LotCopy& now) {
+  SetInLotCopies(file, database, kind, name, lot,
+                 {{"LotNumber", now.LotNumber}, {"LotLoc", now.LotLoc}, {"LotContID", now.LotContID}, {"LotDate", now.LotDate}});
+}
+
+void MoveLotCopies(Database& file, std::string_view database, ColorKind kind, std::string_view name, const LotName& lot,
+                   std::int32_t ref) {
+  SetInLotCopies(file, database, kind, name, lot, {{"LotRefID", ref}});
 }
 
 void DeleteLotsAndMeasurements(Database& file, std::string_view database, ColorKind kind, std::string_view name) {

@@ -62,6 +62,10 @@ struct LotCopy {
 void RewriteLotCopies(Database& file, std::string_view database, ColorKind kind, std::string_view name,
                       const LotName& lot, const LotCopy& now);
 
+/// The colour's lot bears this reference from now on, and what names it follows.
+void MoveLotCopies(Database& file, std::string_view database, ColorKind kind, std::string_view name, const LotName& lot,
+                   std::int32_t ref);
+
 /// Removes the lot rows and measurements that belong to the colour.
 void DeleteLotsAndMeasurements(Database& file, std::string_view database, ColorKind kind, std::string_view name);
 

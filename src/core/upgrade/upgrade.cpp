@@ -197,7 +197,6 @@ class Update {
   // What the repair mends in a file of today, in the file that has just become one.
   void Mend() {
     session_.CurrentDatabase = session_.databaseList.empty() ? "" : session_.databaseList.front();
-    TellJobsWithoutRecords();
     RepairReport mended;
     RepairRun repair(session_, mended);
     repair.Run(IsWanted);
@@ -214,21 +213,6 @@ class Update {
     for (const CheckFault& fault : CheckRun(session_, CheckDepth::Deep, CheckState::InUse).Run(IsChecked).faults)
       report_.left.push_back({"Check", fault.Table, 1, FaultText(fault)});
     if (repair.Failed()) throw Failure(target_.string(), mended.left.empty() ? "could not be mended" : mended.left.back().What);
-  }
-
-  // A Batch names the job of which there are records of it, and no other.
-  void TellJobsWithoutRecords() {
-    for (const std::string& database : session_.databaseList) {
-      const std::string table = TableName(database, schema::Batch);
-      Statement row = session_.File().Prepare(
-          fmt::format("SELECT b.BatchNo, b.JobNumber FROM {} b WHERE b.JobNumber <> '' AND NOT EXISTS (SELECT 1 FROM JobRecords j "
-                      "WHERE j.BatchNo = b.BatchNo AND j.Database = ?1)",
-                      Quoted(table)));
-      row.Bind(1, database);
-      while (row.Step())
-        report_.refused.push_back({"Batches", table, 1,
-                                   fmt::format("the Batch {:06} named the job {}, of which there is no record", row.Whole(0), row.TextView(1))});
-    }
   }
 
   void Reconcile(const std::vector<FileSum>& before) {

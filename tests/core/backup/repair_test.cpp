@@ -1,7 +1,9 @@
 #include "core/backup/repair.h"
 
+#include <fmt/format.h>
 #include <gtest/gtest.h>
 
+#include <array>
 #include <filesystem>
 #include <fstream>
 #include <set>
@@ -10,6 +12,7 @@
 #include "core/session/users.h"
 #include "support/damage.h"
 #include "support/data_files.h"
+#include "support/hand_edit.h"
 #include "support/snapshot.h"
 #include "support/template_room.h"
 
@@ -100,6 +103,14 @@ const Fault kFaults[] = {
     {"Null Values - Jobs",
      "UPDATE JobRecords SET Color_Code = NULL, UnitCost = NULL, Database = NULL, Date_Completed = NULL",
      "SELECT Color_Code || UnitCost || Database || COALESCE(Date_Completed, 'open') FROM JobRecords", "0.0INKopen"},
+    {"Null Values - Jobs", "UPDATE JobRecords SET JobNumber = ''", "SELECT JobNumber FROM JobRecords", "J1"},
+    {"Null Values - Jobs", "UPDATE JobRecords SET JobNumber = NULL; UPDATE INK_Batch SET JobNumber = ''",
+     "SELECT j.JobNumber || b.JobNumber FROM JobRecords j, INK_Batch b",
+     "03-10-2026-12-00-00-RepairName03-10-2026-12-00-00-RepairName"},
+    {"Null Values - Jobs",
+     "UPDATE JobRecords SET JobNumber = ''; INSERT INTO JobRecords (Database, BatchNo, ItemType) VALUES ('INK', 7, 2)",
+     "SELECT GROUP_CONCAT(j.JobNumber) || b.JobNumber FROM JobRecords j, INK_Batch b",
+     "03-10-2026-12-00-00-RepairName,03-10-2026-12-00-01-RepairName- SPLIT -"},
     {"Ingredients", "UPDATE INK_Mix SET BC1 = 'WAY', Color_Set = '<RED><WAY>'",
      "SELECT PurchaseCost || IngSort FROM INK_Basic WHERE Color_Name = 'WAY'", "0.02"},
     {"Duplicate Basics",
@@ -132,6 +143,23 @@ const Fault kFaults[] = {
      "BY "
      "RowKey)",
      "L11=7.25,L22=0.01"},
+    // What was taken from the second of two lots of a reference goes with it.
+    {"Lots",
+     "INSERT INTO INK_Basic_LotInv (LotRefID, LotCName, LotNumber, LotQty) VALUES (1, 'RED', 'L2', 3); UPDATE INK_Batch_LotInv "
+     "SET LotNumber = 'l2'; INSERT INTO JobRecords (JobNumber, Database, BatchNo, ItemType, Color_Name, LotRefID, LotNumber) "
+     "VALUES ('J2', 'INK', 1000001, 1, 'RED', 1, 'L1'), ('J2', 'INK', 1000002, 1, 'RED', 1, 'L2')",
+     "SELECT t.LotRefID || (SELECT GROUP_CONCAT(LotNumber || LotRefID) FROM JobRecords WHERE JobNumber = 'J2') FROM "
+     "INK_Batch_LotInv t",
+     "2L11,L22"},
+    {"Lots",
+     "INSERT INTO INK_Mix_LotInv (LotRefID, LotCName, LotNumber, LotQty) VALUES (9, 'PINK', 'M1', 3), (9, 'PINK', 'M1', 4); "
+     "UPDATE JobRecords SET Color_Name = 'PINK', LotRefID = 9, LotNumber = 'M1'",
+     "SELECT LotRefID FROM JobRecords", "9"},
+    {"Lots",
+     "INSERT INTO INK_Mix_LotInv (LotRefID, LotCName, LotNumber, LotQty) VALUES (1, 'PINK', 'M1', 3), (1, 'PINK', 'M2', 4); "
+     "UPDATE INK_Batch SET LotRefID = 1, LotNumber = 'M2'; UPDATE JobRecords SET Color_Name = 'PINK', LotRefID = 1, LotNumber = "
+     "'M2'",
+     "SELECT b.LotRefID || '/' || j.LotRefID FROM INK_Batch b, JobRecords j", "2/2"},
     {"L-a-b-D", "UPDATE INK_Basic_LAB SET Lab_b = NULL, Lab_Note = NULL",
      "SELECT Lab_L || Lab_b || Lab_Note FROM INK_Basic_LAB", "50.00.0"},
     {"Colors of Lots",
@@ -159,6 +187,13 @@ const Fault kFaults[] = {
     {"Stock History", "UPDATE INK_Basic SET Inventory = 12 WHERE Color_Name = 'RED'",
      "SELECT Inventory FROM INK_Basic WHERE Color_Name = 'RED'", "12"},
     {"Stock History", "DELETE FROM INK_Basic_LotInv", "SELECT LotNumber || LotQty FROM INK_Basic_LotInv", "L17.25"},
+    // The number that the lot has in this Database, which had another name once; other Databases have lots of their own.
+    {"Stock History",
+     "DELETE FROM INK_Basic_LotInv; UPDATE MSysStockHistory SET Database = 'OLD'; INSERT INTO MSysStockHistory (Moment, Source, "
+     "Kind, Database, Color_Name, LotRefID, LotNumber, Change, Reason) VALUES ('2026-03-10 12:00:00', 32, 0, 'OLD', '', 0, '', 0, "
+     "'INK'), ('2026-03-10 12:00:00', 33, 0, 'INK', '', 0, '', 0, 'OLD'), ('2026-03-10 12:00:00', 7, 1, 'WEB', 'RED', 1, 'W9', 2, "
+     "'')",
+     "SELECT LotNumber || LotQty FROM INK_Basic_LotInv", "L17.25"},
     {"Stock History", "DROP TABLE MSysStockHistory", "SELECT SUM(Change) FROM MSysStockHistory", "22.75"},
 };
 
@@ -182,6 +217,32 @@ TEST(Repair, EachStepMendsItsFault) {
   // Those that have a test of their own, and those that only look.
   for (const char* step : {"Formulas Again", "Users", "PANTONE Books", "Check", "Empty Databases"}) mended.insert(step);
   for (const RepairStep& step : RepairSteps()) EXPECT_TRUE(mended.contains(step.name)) << step.name;
+}
+
+// Where the record is lost the Batch alone still tells of which Job it is.
+TEST(Repair, ABatchWhoseJobRecordIsLostKeepsItsJob) {
+  for (const auto& [named, told, kept] : {std::array{"J1", "the Batch 000007 is of the Job J1, of which there is no record", "J1"},
+                                          {"- SPLIT -", "the Batch 000007 is of several Jobs, of which there is no record", ""}}) {
+    Repaired room;
+    room.session.File().Execute("DELETE FROM JobRecords");
+    room.session.File().Execute(fmt::format("UPDATE INK_Batch SET JobNumber = '{}'", named));
+    const RepairReport report = room.RepairNow();
+    ASSERT_EQ(report.lost.size(), 1U) << Repaired::Text(report);
+    EXPECT_EQ(report.lost[0].What, told);
+    EXPECT_EQ(room.Scalar("SELECT JobNumber FROM INK_Batch").Text(), kept);
+    EXPECT_TRUE(CheckDataFileRules(room.session, CheckDepth::Deep).Sound());
+    EXPECT_TRUE(room.RepairNow().lost.empty()) << "it is told once";
+  }
+}
+
+TEST(Repair, WhatWasChangedByHandIsLeftWithTheWayToAcceptIt) {
+  Repaired room;
+  room.session.DataFileDB.reset();
+  test::EditByHand(room.session.DataFileName, "UPDATE INK_Basic SET Notes = 'theirs' WHERE Color_Name = 'RED'");
+  const RepairReport report = room.RepairNow();
+  ASSERT_EQ(report.left.back().What, kAcceptRows) << Repaired::Text(report);
+  EXPECT_EQ(AcceptStrayRows(room.session)->rows.size(), 1U);
+  EXPECT_EQ(room.Scalar("SELECT Notes FROM INK_Basic WHERE Color_Name = 'RED'").Text(), "theirs");
 }
 
 TEST(Repair, ACopyIsKeptBesideWithTheReport) {

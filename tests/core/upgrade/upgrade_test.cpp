@@ -370,7 +370,7 @@ TEST_F(UpdateTest, WhatIsMissingIsMadeAndWhatHasNoPlaceIsTold) {
   report = Update({path});
   std::string told;
   for (const StepLineOf& line : LinesOf(report)) told += line.Outcome + " " + line.Table + ": " + line.What + "\n";
-  for (const char* expected : {"Refused INK_Batch: the Batch 000006 named the job J1, of which there is no record", "Refused INK_Mix: PINK: BC16 holds RED with 1.500, for which there is no place",
+  for (const char* expected : {"Refused INK_Batch: the Batch 000006 is of the Job J1, of which there is no record", "Refused INK_Mix: PINK: BC16 holds RED with 1.500, for which there is no place",
                                "Refused INK_Mix: the field Shade is none of the layout: its values did not come in",
                                "Refused OLD_Info: the table belongs to no Database that DBList names",
                                "Changed FileInfo: DBList was empty and names INK now, of which the tables are there",
