@@ -7,11 +7,13 @@
 #include <iterator>
 #include <set>
 #include <system_error>
+#include <utility>
 
 #include "core/base/counted.h"
 #include "core/base/files.h"
 #include "core/base/refusal.h"
 #include "core/base/text.h"
+#include "core/datafile/databases.h"
 #include "core/datafile/lifecycle.h"
 #include "core/datafile/schema.h"
 #include "core/datafile/stock_history.h"
@@ -102,23 +104,44 @@ std::vector<MadeSince::Posting> PostingsSince(Database& before, Database& restor
   return postings;
 }
 
+std::vector<std::string> NamesOnlyIn(Database& before, Database& now, std::string_view field, const std::string& table) {
+  return OnlyIn(before, now, fmt::format("SELECT {0} FROM {1} WHERE {0} <> ''", field, table),
+                [](const Statement& row) { return row.Text(0); });
+}
+
+std::vector<std::string> JobsSince(Database& before, Database& restored, const std::string& database) {
+  std::vector<std::string> jobs = OnlyIn(before, restored, "SELECT Database, JobNumber FROM JobRecords WHERE JobNumber <> ''",
+                                         [&](const Statement& row) {
+                                           return EqualNoCase(row.TextView(0), database) ? row.Text(1) : std::string();
+                                         });
+  std::erase(jobs, "");
+  return jobs;
+}
+
+// Of one that the restored file has not, all of it.
+MadeSince WholeDatabase(Database& before, Database& restored, const std::string& database) {
+  MadeSince since;
+  since.database = database;
+  const DatabaseCounts counts = CountRows(before, database);
+  since.whole = {database, counts.basics, counts.formulas, counts.batches};
+  since.jobs = JobsSince(before, restored, database);
+  return since;
+}
+
 MadeSince SinceOf(Database& before, Database& restored, const std::string& database) {
   MadeSince since;
   since.database = database;
   const std::string formulas = QuotedTable(database, schema::Mix);
   since.batches = OnlyIn(before, restored, "SELECT BatchNo FROM " + QuotedTable(database, schema::Batch),
                          [](const Statement& row) { return fmt::format("{:06}", row.Whole(0)); });
-  since.formulas = OnlyIn(before, restored, "SELECT Color_Name FROM " + formulas,
-                          [](const Statement& row) { return row.Text(0); });
+  since.formulas = NamesOnlyIn(before, restored, "Color_Name", formulas);
+  since.basics = NamesOnlyIn(before, restored, "Color_Name", QuotedTable(database, schema::Basic));
+  since.additiveSets = NamesOnlyIn(before, restored, "SetName", QuotedTable(database, schema::Additives));
   since.changed = OnlyIn(before, restored, "SELECT Color_Name, LastModified FROM " + formulas,
                          [](const Statement& row) { return row.Text(0) + '\t' + row.Text(1); });
   for (std::string& changed : since.changed) changed.resize(changed.find('\t'));
   std::erase_if(since.changed, [&](const std::string& name) { return std::ranges::binary_search(since.formulas, name); });
-  since.jobs = OnlyIn(before, restored, "SELECT Database, JobNumber FROM JobRecords WHERE JobNumber <> ''",
-                      [&](const Statement& row) {
-                        return EqualNoCase(row.TextView(0), database) ? row.Text(1) : std::string();
-                      });
-  std::erase(since.jobs, "");
+  since.jobs = JobsSince(before, restored, database);
   since.postings = PostingsSince(before, restored, database);
   return since;
 }
@@ -148,16 +171,24 @@ BackupDays DaysToGoBackTo(const Session& session, std::span<SetSource* const> ot
   return collector.Take();
 }
 
+std::string CountsText(const DatabaseProof& database) {
+  return fmt::format("{}, {}, {}", Counted(database.basics, "basic"), Counted(database.formulas, "formula"),
+                     Counted(database.batches, "Batch", "Batches"));
+}
+
 std::vector<MadeSince> MadeSinceThen(const fs::path& before, Database& restored) {
   std::vector<MadeSince> all;
   try {
     const auto file = Database::Open(before, OpenMode::ReadOnly);
     const std::vector<std::string> here = ReadFileInfo(restored).dbList;
     for (const std::string& database : ReadFileInfo(*file).dbList) {
-      if (std::ranges::none_of(here, [&](const std::string& name) { return EqualNoCase(name, database); })) continue;
-      MadeSince since = SinceOf(*file, restored, database);
+      const bool isHere = std::ranges::any_of(here, [&](const std::string& name) { return EqualNoCase(name, database); });
+      MadeSince since = isHere ? SinceOf(*file, restored, database) : WholeDatabase(*file, restored, database);
       if (!since.Nothing()) all.push_back(std::move(since));
     }
+    MadeSince rest;
+    rest.designs = NamesOnlyIn(*file, restored, "DesignID", schema::Designs.name);
+    if (!rest.Nothing()) all.push_back(std::move(rest));
   } catch (const Failure& failure) {
     // That the file before cannot be read is what it was restored for.
     if (failure.subject != before.string()) throw;
@@ -169,12 +200,18 @@ std::string MadeSinceText(const std::vector<MadeSince>& all) {
   std::string text;
   for (const MadeSince& since : all) {
     std::vector<std::string> parts;
-    if (!since.batches.empty()) parts.push_back(NamesText("Batches", since.batches));
-    if (!since.formulas.empty()) parts.push_back(NamesText("formulas", since.formulas));
-    if (!since.changed.empty()) parts.push_back(NamesText("changed formulas", since.changed));
-    if (!since.jobs.empty()) parts.push_back(NamesText("Jobs", since.jobs));
+    if (since.whole) parts.push_back(CountsText(*since.whole));
+    for (const auto& [word, names] : {std::pair{"Batches", &since.batches},
+                                      {"formulas", &since.formulas},
+                                      {"changed formulas", &since.changed},
+                                      {"basics", &since.basics},
+                                      {"Additive Sets", &since.additiveSets},
+                                      {"Designs", &since.designs},
+                                      {"Jobs", &since.jobs}})
+      if (!names->empty()) parts.push_back(NamesText(word, *names));
     if (!since.postings.empty()) parts.push_back(Counted(since.postings.size(), "change of stock", "changes of stock"));
-    text += fmt::format("\n{}: {}", since.database, fmt::join(parts, "; "));
+    const std::string of = since.database + (since.whole ? ", the whole Database: " : since.database.empty() ? "" : ": ");
+    text += fmt::format("\n{}{}", of, fmt::join(parts, "; "));
   }
   return text;
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <optional>
 #include <span>
 #include <string>
 #include <vector>
@@ -37,12 +38,19 @@ struct BackupDays {
 /// be read hides nothing else.
 BackupDays DaysToGoBackTo(const Session& session, std::span<SetSource* const> others = {});
 
+/// "12 basics, 3 formulas, 1 Batch", of a Database.
+std::string CountsText(const DatabaseProof& database);
+
 /// What a Database held before a restore and does not hold after it.
 struct MadeSince {
-  std::string database;
+  std::string database;                ///< empty: what belongs to none
+  std::optional<DatabaseProof> whole;  ///< all that it held, of one that is not there any more
   std::vector<std::string> batches;   ///< by number
   std::vector<std::string> formulas;  ///< that are not there any more
   std::vector<std::string> changed;   ///< formulas that are there as they were before a change
+  std::vector<std::string> basics;
+  std::vector<std::string> additiveSets;
+  std::vector<std::string> designs;  ///< of no Database
   std::vector<std::string> jobs;
   /// A line of the stock history.
   struct Posting {
@@ -54,12 +62,14 @@ struct MadeSince {
   };
   std::vector<Posting> postings;
   bool Nothing() const {
-    return batches.empty() && formulas.empty() && changed.empty() && jobs.empty() && postings.empty();
+    return !whole && batches.empty() && formulas.empty() && changed.empty() && basics.empty() && additiveSets.empty() &&
+           designs.empty() && jobs.empty() && postings.empty();
   }
 };
-/// Of the Databases of `restored` that had something more in the file `before`; nothing of one that cannot be read.
+/// Of each Database that had something more in the file `before`, or is in it alone, and of what belongs to none; nothing
+/// of a file that cannot be read.
 std::vector<MadeSince> MadeSinceThen(const std::filesystem::path& before, Database& restored);
-/// "INK: Batches 000041, 000042; formulas ROSE", a line each.
+/// "INK: Batches 000041, 000042; formulas ROSE", "WEB, the whole Database: 12 basics, ...", a line each.
 std::string MadeSinceText(const std::vector<MadeSince>& since);
 
 }  // namespace vellumark

@@ -16,6 +16,7 @@
 #include "core/base/refusal.h"
 #include "core/base/text.h"
 #include "core/datafile/lifecycle.h"
+#include "core/datafile/moved_rows.h"
 #include "core/datafile/raise_counters.h"
 #include "core/jobs/photo_library.h"
 
@@ -214,6 +215,17 @@ void MakeCurrent(const fs::path& copy, const fs::path& replaced) {
   if (before) RaiseCounters(*file, *before);
 }
 
+// What was moved out of an archive is called by the name of the file whose place the archive takes: that one stands in the
+// folder of what was replaced now, or nowhere any more.
+void FollowReplaced(const fs::path& copy, const fs::path& replaced, const fs::path& kept) {
+  const auto file = Database::Open(copy, OpenMode::Exclusive);
+  const std::string name = replaced.filename().string();
+  if (!MovedInto(*file, name)) return;
+  Transaction transaction(*file);
+  RenameMovedFile(*file, name, !kept.empty() && Stands(kept / name) ? (kept.filename() / name).string() : "");
+  transaction.Commit();
+}
+
 void CopyBeside(FileBeside& place, const fs::path& source, Progress& progress) {
   // Through the engine when something is left to play back; a set has nothing, and stays as it was proven.
   if (Stands(JournalOf(source))) ReadFileInfo(*Database::Open(source, OpenMode::Exclusive));
@@ -249,6 +261,7 @@ RestoredFiles PutDataFileBack(Session& session, const fs::path& source, const fs
     const std::vector<fs::path> photos = PhotosIn(sourcePhotos);
     for (const fs::path& photo : photos) restored.photos.push_back(photo.filename().string());
     if (!samePhotos) placed.Place(photos, session.progress);
+    WorkBeside(place, [&] { FollowReplaced(place.Path(), place.Target(), kept.Folder()); });
     // Kept beside the file that it belongs to; it must not be played back into the one that comes.
     if (Stands(JournalOf(place.Target()))) Remove(JournalOf(place.Target()));
     place.Replace();

@@ -120,6 +120,14 @@ DataFileKind LookAtDataFile(const std::filesystem::path& path) {
   return {true, *version};
 }
 
+std::string UnusableText(const std::filesystem::path& path, int version) {
+  return fmt::format(
+      "Data File: {}\nhas a file version of: {}\n\nVellumark {} can only use data files up to version: {}\n\n"
+      "Consider the following options:\n1) Update this Vellumark Software\n2) Create a new data file\n"
+      "3) Open another data file\n4) Restore from another file",
+      path.string(), version, VELLUMARK_VERSION, kFileVersion);
+}
+
 std::vector<SourceDamage> CopyJetTables(const std::filesystem::path& path, Database& work,
                                         const std::function<void(std::string_view table, double percent)>& tell,
                                         const std::function<bool(std::string_view table)>& wanted) {

@@ -19,6 +19,9 @@ struct DataFileKind {
 /// Throws Failure for what is neither a Data File nor a Jet file of one.
 DataFileKind LookAtDataFile(const std::filesystem::path& path);
 
+/// What to tell of a file of a version that this program cannot use.
+std::string UnusableText(const std::filesystem::path& path, int version);
+
 /// What of a Jet file could not be read, or not be taken as it is.
 struct SourceDamage {
   std::string table;

@@ -51,8 +51,7 @@ auto WithFileClosed(Session& session, Work work) {
 std::string ContentText(const ContentProof& content) {
   std::string text;
   for (const DatabaseProof& database : content.databases)
-    text += fmt::format("\n    {}: {}, {}, {}", database.name, Counted(database.basics, "basic"),
-                        Counted(database.formulas, "formula"), Counted(database.batches, "Batch", "Batches"));
+    text += fmt::format("\n    {}: {}", database.name, CountsText(database));
   return text.empty() ? "\n    no Database" : text;
 }
 
@@ -146,12 +145,12 @@ class UsableSource {
   UsableSource(const UsableSource&) = delete;
   UsableSource& operator=(const UsableSource&) = delete;
 
-  /// Refused when the version cannot be used, which was told, or when it is not brought up to date.
-  Result<void> Prepare(Session& session, OpeningWindows& windows) {
+  /// Refused when the version cannot be used, or when it is not brought up to date.
+  Result<void> Prepare(Session& session) {
     const DataFileKind kind = LookAtDataFile(path_);
     const VersionGate gate = GateOf(kind.version);
     if (gate == VersionGate::Older || (kind.jet && gate != VersionGate::Unusable)) return Update(session);
-    if (!CheckDataFile(session, path_.string(), windows)) return Decline("Data File");
+    if (gate == VersionGate::Unusable) return Refuse("Data File", UnusableText(path_, kind.version), "PATH");
     return {};
   }
   const fs::path& Path() const { return path_; }
@@ -161,7 +160,8 @@ class UsableSource {
   Result<void> Update(Session& session) {
     CopyBeside();
     try {
-      auto updated = UpdateDataFile(session, {.source = path_});
+      // Under a name of its own, so that no safety copy is made of what is a copy itself.
+      auto updated = UpdateDataFile(session, {.source = path_, .to = NextFreeName(fs::path(path_).replace_extension(".vkd"))});
       if (!updated) return std::unexpected(updated.error());
       path_ = updated->file;
       updated_ = *std::move(updated);
@@ -333,7 +333,7 @@ Result<RestoredDataFile> RestoreDataFile(Session& session, const fs::path& typed
   if (!check) return std::unexpected(check.error());
   UsableSource usable(source, place);
   try {
-    if (auto prepared = usable.Prepare(session, windows); !prepared) return std::unexpected(prepared.error());
+    if (auto prepared = usable.Prepare(session); !prepared) return std::unexpected(prepared.error());
   } catch (const Failure& failure) {
     return Refuse("Restore Error", fmt::format("{}: {}.\nNothing was replaced.", failure.subject, failure.cause), "PATH");
   }

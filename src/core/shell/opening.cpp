@@ -34,14 +34,6 @@ void ShowMessageAsStart(Session& session, OpeningWindows& windows, std::string m
   windows.ShowNewDataFile(session.StartupMessage);
 }
 
-std::string UnusableText(const std::string& path, int version) {
-  return fmt::format(
-      "Data File: {}\nhas a file version of: {}\n\nVellumark {} can only use data files up to version: {}\n\n"
-      "Consider the following options:\n1) Update this Vellumark Software\n2) Create a new data file\n"
-      "3) Open another data file\n4) Restore from another file",
-      path, version, VELLUMARK_VERSION, kFileVersion);
-}
-
 // Whether the session's own Data File could be used instead. One that cannot be read is not at hand.
 bool UsableFileAtHand(const Session& session) {
   std::error_code ignored;

@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include "core/backup/proof.h"
+#include "core/backup/restore.h"
 #include "core/base/files.h"
 #include "core/datafile/database_changes.h"
 #include "core/datafile/job_links.h"
@@ -193,6 +194,20 @@ TEST_F(Archives, EachFileKnowsWhatStandsInTheOther) {
   EXPECT_EQ(FileOfMovedBatch(session.File(), "FLEXO", 1), "Test Data Archive 2026.vkd");
   session.databaseList = {"FLEXO"};
   session.CurrentDatabase = "FLEXO";
+}
+
+// It takes the place of the file that its own notes name, which then stands among what was replaced, or nowhere.
+TEST_F(Archives, ARestoredArchiveTellsWhereTheOtherBatchesStand) {
+  Batch(1, Day(2016, 2, 29));
+  Batch(2, Day(2025, 1, 1));
+  Archive();
+  for (const char* where : {"Before Restore 03_10_2026__09_00_00/Test Data.vkd", ""}) {
+    session.DataFileDB.reset();
+    if (*where == '\0') fs::remove(session.DataFileName);
+    PutDataFileBack(session, preview.archive, folder / "None", session.DataFileName);
+    session.DataFileDB = Database::Open(session.DataFileName, OpenMode::Exclusive);
+    EXPECT_EQ(FileOfMovedBatch(session.File(), "INK", 2), where);
+  }
 }
 
 TEST_F(Archives, ASecondArchiveTakesTheNextFreeName) {
