@@ -194,17 +194,20 @@ std::vector<std::string> BatchUsers(const Session& session) {
   return users;
 }
 
-std::string HasLineOf(ColorKind kind) {
+std::string HasLineOf(std::optional<ColorKind> kind) {
   std::string condition;
-  for (int i = 0; i < schema::kBatchLines; ++i)
-    condition +=
-        fmt::format("{}({} = ?3 AND COALESCE({}, 1) {} 2)", i == 0 ? "" : " OR ", schema::Numbered("IngName", i),
-                    schema::Numbered("IngType", i), kind == ColorKind::Mix ? "=" : "<>");
+  for (int i = 0; i < schema::kBatchLines; ++i) {
+    condition += fmt::format("{}({} = ?3", i == 0 ? "" : " OR ", schema::Numbered("IngName", i));
+    if (kind)
+      condition += fmt::format(" AND COALESCE({}, 1) {} 2", schema::Numbered("IngType", i),
+                               *kind == ColorKind::Mix ? "=" : "<>");
+    condition += ")";
+  }
   return condition;
 }
 
-bool IsLineOf(ColorKind kind, std::int64_t type) {
-  return ColorKindOf(LineKindOf(type)) == kind;
+bool IsLineOf(std::optional<ColorKind> kind, std::int64_t type) {
+  return !kind || ColorKindOf(LineKindOf(type)) == *kind;
 }
 
 std::string UserTextCaption(const Session& session, bool job, int number) {

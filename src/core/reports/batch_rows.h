@@ -118,10 +118,11 @@ void ForEachReportBatch(const ReportContext& context, const std::string& databas
 /// Who made Batches of the current Database, by name.
 std::vector<std::string> BatchUsers(const Session& session);
 
-/// Whether a Batch has a line of that colour and kind, as a condition on its row with the name as ?3.
-std::string HasLineOf(ColorKind kind);
+/// Whether a Batch has a line of that colour and kind, of any kind without one, as a condition on its row with the name
+/// as ?3.
+std::string HasLineOf(std::optional<ColorKind> kind);
 /// A Basic Color is consumed as an ingredient and as an addition.
-bool IsLineOf(ColorKind kind, std::int64_t type);
+bool IsLineOf(std::optional<ColorKind> kind, std::int64_t type);
 
 // Columns that several reports share. The record has the figures as `sum` and, of one Batch, the rest as `batch`.
 

@@ -61,8 +61,8 @@ struct ReportContext {
   const ReportDefinition& report;
   ReportWatch& watch;
   DateRange dates{};
-  std::string name{};  ///< of the colour, Design or Job
-  ColorKind kind = ColorKind::Mix;
+  std::string name{};               ///< of the colour, Design or Job
+  std::optional<ColorKind> kind{};  ///< of the colour; nothing: whatever bears the name
   std::vector<std::string> databases{};
   std::string user{};  ///< only Batches of this user; empty: of all
   std::map<std::string, int> options{};

@@ -21,21 +21,26 @@ std::optional<std::string> NameOnFile(const Session& session, ColorKind kind, co
   return std::nullopt;
 }
 
+// A Job's item is of one kind; what Batches took of a name is told of all that bears it.
+bool IsOfOneKind(const ReportDefinition& report) {
+  return report.subject == ReportSubject::Formula || report.group.find("Jobs") != std::string::npos;
+}
+
 bool WantsFormula(const ReportContext& context, const std::string& database, const std::string& name) {
-  const bool jobs = context.report.group.find("Jobs") != std::string::npos;
-  const std::string report = jobs ? "Job Usage" : "Consumption";
   return context.session.prompt.Ask(
-      fmt::format("Show Master Formula {} Report?", report),
+      "Show Master Formula Job Usage Report?",
       fmt::format(
           "The {0} database contains both a Master Formula {1} and a Basic Color {1}. \n\nClick Yes to show the "
-          "Master Formula's {2} Report, Click No to show the Basic Color's {2} Report.",
-          database, name, report));
+          "Master Formula's Job Usage Report, Click No to show the Basic Color's Job Usage Report.",
+          database, name));
 }
 
 }  // namespace
 
-Result<std::pair<std::string, ColorKind>> FindReportColor(const ReportContext& context, std::string_view typed,
-                                                          std::optional<ColorKind> wanted) {
+Result<std::pair<std::string, std::optional<ColorKind>>> FindReportColor(const ReportContext& context,
+                                                                         std::string_view typed,
+                                                                         std::optional<ColorKind> wanted) {
+  using Found = std::pair<std::string, std::optional<ColorKind>>;
   const std::string name = Trim(typed);
   if (context.report.subject == ReportSubject::Formula) wanted = ColorKind::Mix;
   for (const std::string& database : context.databases) {
@@ -44,10 +49,13 @@ Result<std::pair<std::string, ColorKind>> FindReportColor(const ReportContext& c
     std::optional<std::string> mix;
     if (wanted != ColorKind::Mix) basic = NameOnFile(context.session, ColorKind::Basic, database, name);
     if (wanted != ColorKind::Basic) mix = NameOnFile(context.session, ColorKind::Mix, database, name);
-    if (basic && mix && EqualNoCase(*basic, *mix))
-      return std::pair{*mix, WantsFormula(context, database, *mix) ? ColorKind::Mix : ColorKind::Basic};
-    if (mix) return std::pair{*mix, ColorKind::Mix};
-    if (basic) return std::pair{*basic, ColorKind::Basic};
+    if (!basic && !mix) continue;
+    // What is called exactly so goes before what is called so behind "PANTONE ".
+    if (basic && mix && !EqualNoCase(*basic, *mix)) (EqualNoCase(*basic, name) ? mix : basic).reset();
+    const std::string& found = mix ? *mix : *basic;
+    if (!wanted && !IsOfOneKind(context.report)) return Found{found, std::nullopt};
+    if (basic && mix) return Found{found, WantsFormula(context, database, found) ? ColorKind::Mix : ColorKind::Basic};
+    return Found{found, mix ? ColorKind::Mix : ColorKind::Basic};
   }
   return Refuse("Color Not Found", "This Color could not be found", "cmbColorName");
 }

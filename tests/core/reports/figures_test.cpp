@@ -111,6 +111,22 @@ TEST(Figures, OfConsumption) {
             "27.149 17.230 63.46%");
   EXPECT_EQ(RowOf(room.Run("SummarizedConsumptionForm", {.options = {{"ShowBasics", "0"}}}), "RED", keys), "");
   EXPECT_EQ(TotalText(room.Run("BatchLottedInvReport"), "LotCost"), "17.23");
+
+  // Another Database has a formula of that name, and then this one too: whatever was called so counts, unless one kind
+  // is asked for.
+  room.AddDatabase("UV");
+  room.Use("UV");
+  room.Color(ColorKind::Mix, "RED", 0);
+  room.Batch(3, "PINK", {2026, 3, 4}, 8, {{"RED", 3, 2}, {"BLUE", 5}});
+  room.Use("INK");
+  const BuiltReport both = room.Run("ConsumptionColorNameSummaryForm", {.color = "RED"});
+  EXPECT_EQ(RowOf(both, "INK", keys), "27.149 17.230 63.46%");
+  EXPECT_EQ(RowOf(both, "UV", keys), "8.000 3.000 37.50%");
+  room.Color(ColorKind::Mix, "RED", 0);
+  room.Batch(4, "PINK", {2026, 3, 6}, 2, {{"RED", 0.5F, 2}, {"WHITE", 1.5F}});
+  EXPECT_EQ(TotalText(room.Run("ConsumptionForm", {.color = "red"}), "QtyConsumed"), "17.730");
+  EXPECT_EQ(TotalText(room.RunFor("ConsumptionForm", "RED", ColorKind::Basic), "QtyConsumed"), "17.230");
+  EXPECT_EQ(TotalText(room.RunFor("ConsumptionForm", "RED", ColorKind::Mix), "QtyConsumed"), "0.500");
 }
 
 TEST(Figures, OfBatchesAndAdditions) {
