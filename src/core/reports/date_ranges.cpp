@@ -87,11 +87,15 @@ DateRange RangeOf(int place, const DateTime& now) {
 DateTime ReportToday(const Session& session) {
   if (!session.ArchiveView || !session.DataFileDB || !IsArchiveName(session.DataFileName)) return session.clock.Today();
   std::optional<DateTime> last;
-  for (const std::string& database : session.databaseList) {
-    const Value latest = session.File().Scalar(
-        fmt::format("SELECT MAX(Date_Entered) FROM {}", session.QuotedTable(schema::Batch, database)));
-    if (const auto day = latest.Date(); day && (!last || *last < *day)) last = day;
-  }
+  const auto look = [&](std::string_view column, const std::string& table) {
+    const auto day = session.File().Scalar(fmt::format("SELECT MAX({}) FROM {}", column, table)).Date();
+    if (day && (!last || *last < *day)) last = day;
+  };
+  for (const std::string& database : session.databaseList)
+    look("Date_Entered", session.QuotedTable(schema::Batch, database));
+  // Ink comes back and Jobs are closed after the last Batch was made.
+  for (const std::string_view column : {"Date_Entered", "Date_Returned", "Date_Completed"})
+    look(column, Quoted(schema::JobRecords.name));
   return last ? last->Midnight() : session.clock.Today();
 }
 

@@ -44,7 +44,7 @@ Result<void> DeleteCustomRange(Session& session, std::string_view name);
 /// The days of a range of the list or of one that was saved. Refuses a name that is neither, and "Custom".
 Result<DateRange> RangeNamed(const Session& session, std::string_view name);
 
-/// Midnight of the day from which ranges are counted: today, and of an archive the day of its last Batch.
+/// Midnight of the day from which ranges are counted: today, and of an archive the last day of its Batches and Jobs.
 DateTime ReportToday(const Session& session);
 
 }  // namespace vellumark

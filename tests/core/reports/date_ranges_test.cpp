@@ -43,7 +43,7 @@ TEST(DateRanges, AreThoseOfTheDay) {
   EXPECT_EQ(Days(13, {2026, 5, 5}), "2025-01-01 2025-12-31");
 }
 
-TEST(DateRanges, OfAnArchiveEndOnTheDayOfItsLastBatch) {
+TEST(DateRanges, OfAnArchiveEndOnItsLastDay) {
   test::ReportRoom room;
   room.Basic("RED");
   room.Batch(1, "PINK", {2021, 5, 17, 9, 0, 0}, 10, {{"RED", 10}});
@@ -59,6 +59,12 @@ TEST(DateRanges, OfAnArchiveEndOnTheDayOfItsLastBatch) {
     room.session.DataFileName = name;
     EXPECT_EQ(ReportToday(room.session).DateText(), "2021-06-02") << name;
   }
+  // A Job that issued ink after the last Batch was made, and was closed later still.
+  room.Breaks("JobBatches");
+  room.Job("J1", "INK", "RED", 1, 1000001, 2, 1, 4, {2021, 6, 9});
+  EXPECT_EQ(ReportToday(room.session).DateText(), "2021-06-09");
+  room.session.File().Execute("UPDATE JobRecords SET Date_Completed = '2021-07-05 00:00:00'");
+  EXPECT_EQ(ReportToday(room.session).DateText(), "2021-07-05");
   room.session.DataFileName = "/data/Archive/Auto Backup/VK_Backup_03_09_2026__17_00_00/Ink.vkd";
   EXPECT_EQ(ReportToday(room.session).DateText(), "2026-03-10") << "a backup copy, wherever it lies";
   room.session.ArchiveView = false;
