@@ -33,10 +33,10 @@ void AddFindCommands(CLI::App& app, Commands& commands) {
   const auto add = [&](const char* name, const char* what, FindSubject subject) {
     auto options = std::make_shared<FindOptions>();
     CLI::App* verb = noun->add_subcommand(name, what);
-    verb->add_option(
-            "--where", options->where,
-            "A field, \"is equal to\", \"contains\", \"=\", \">=\" or \"<=\", and a value; may be given more than "
-            "once")
+    verb->add_option("--where", options->where,
+                     "A field by its caption or column, \"is equal to\", \"contains\", \"=\", \">=\" or \"<=\", and a "
+                     "value; may be "
+                     "given more than once")
         ->type_name("FIELD COMPARISON VALUE");
     verb->add_flag("--any", options->any, "One of them is enough");
     if (subject != FindSubject::Design)

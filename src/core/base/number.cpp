@@ -1,5 +1,6 @@
 #include "core/base/number.h"
 
+#include <algorithm>
 #include <array>
 #include <charconv>
 #include <cmath>
@@ -106,6 +107,9 @@ Target Read(const std::string& text) {
 
 constexpr std::array kPowersOfTen{1.0, 1e1, 1e2, 1e3, 1e4, 1e5, 1e6, 1e7, 1e8, 1e9, 1e10, 1e11, 1e12, 1e13, 1e14, 1e15};
 
+// Two of the largest can still be added. What lies beyond is larger than anything that is counted, and stays so.
+constexpr double kMostUnits = 4611686018427387904.0;
+
 // The shortest decimal of a number is no further from it than `error` times its size, and only close to a half does
 // that decide which way it is rounded.
 template <class Float>
@@ -115,7 +119,7 @@ std::int64_t Units(Float value, int decimals, double error) {
   const double size = std::abs(scaled);
   if (size < 1e9 && std::abs(size - std::floor(size) - 0.5) > size * error + 1e-12)
     return static_cast<std::int64_t>(std::floor(size + 0.5)) * (scaled < 0 ? -1 : 1);
-  return std::llround(RoundTo(value, decimals) * power);
+  return std::llround(std::clamp(RoundTo(value, decimals) * power, -kMostUnits, kMostUnits));
 }
 
 }  // namespace

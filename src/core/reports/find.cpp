@@ -125,8 +125,13 @@ bool IsPerDatabase(FindSubject subject) {
 }
 
 Result<Test> TestOf(const std::vector<FindField>& fields, const FindTerm& term) {
-  const auto field =
-      std::ranges::find_if(fields, [&](const FindField& known) { return EqualNoCase(known.caption, term.field); });
+  auto field = std::ranges::find_if(fields, [&](const FindField& known) {
+    return EqualNoCase(known.caption, term.field) && (!term.columns || known.columns == *term.columns);
+  });
+  if (field == fields.end())
+    field = std::ranges::find_if(fields, [&](const FindField& known) {
+      return known.columns.size() == 1 && EqualNoCase(known.columns.front(), term.field);
+    });
   if (field == fields.end()) {
     std::string known;
     for (const FindField& one : fields) known += (known.empty() ? "" : ", ") + one.caption;

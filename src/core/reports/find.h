@@ -39,9 +39,11 @@ std::vector<FindField> FindFields(const Session& session, FindSubject subject);
 
 /// A row of the window that is filled in.
 struct FindTerm {
-  std::string field;
+  std::string field;  ///< its caption, or the name of its column in the table
   std::string comparison;
   std::string value;
+  /// Those of the field where it is known: a field of the user's own may be captioned like another one.
+  std::optional<std::vector<std::string>> columns{};
 };
 
 struct FindRequest {

@@ -242,7 +242,8 @@ std::string FindForm::ValueOf(const Row& row) const {
 
 FindRequest FindForm::Request() const {
   FindRequest request{.subject = subject_, .any = operator_->currentIndex() == 1};
-  for (const Row& row : rows_) request.terms.push_back({row.field.caption, row.comparison->Text(), ValueOf(row)});
+  for (const Row& row : rows_)
+    request.terms.push_back({row.field.caption, row.comparison->Text(), ValueOf(row), row.field.columns});
   if (databases_ != nullptr)
     request.databases = {databases_->currentIndex() + 1 == databases_->count() ? "all" : databases_->Text()};
   return request;

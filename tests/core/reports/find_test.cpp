@@ -68,6 +68,9 @@ TEST(Find, ComparesWhatIsDisplayed) {
                                 {{{"Batch ID #", ">=", "2"}, {"Short Note", "contains", "it"}}, "000001 000002 ", true},
                                 {{{"Batch ID #", ">=", "2"}, {"Notes", "contains", ""}}, "000002 "},
                                 {{{"Ingredients", "contains", "red"}}, "000001 000002 000003 ", false, {"all"}},
+                                {{{"Quantity", "<=", "99999999999999999999"}}, "000001 000002 "},
+                                {{{"Quantity", ">=", "99999999999999999999"}}, "No Matching Records"},
+                                {{{"Batch ID #", ">=", "-99999999999999999999"}}, "000001 000002 "},
                                 {{{"Quantity", "=", "x"}}, "Invalid Numeric Value"},
                                 {{{"Date Entered", "=", "2026-02-30"}}, "Invalid Date Value"},
                                 {{{"Quantity", "contains", "1"}}, "Find"},
@@ -75,6 +78,19 @@ TEST(Find, ComparesWhatIsDisplayed) {
   for (const Case& one : cases)
     EXPECT_EQ(room.Found(FindSubject::Batch, one.terms, one.any, one.databases), one.numbers)
         << (one.terms.empty() ? "" : one.terms[0].field + " " + one.terms[0].comparison + " " + one.terms[0].value);
+}
+
+// Captions are the user's own: older files have some that other fields have too.
+TEST(Find, TellsFieldsOfOneCaptionApart) {
+  FindRoom room;
+  room.Setting("BatchCustomTextLabelCaption0", "Short Note");
+  room.session.File().Execute("UPDATE INK_Batch SET UD_Text0 = 'rush' WHERE BatchNo = 2");
+  const auto found = [&](const char* field, std::optional<std::vector<std::string>> columns) {
+    return room.Found(FindSubject::Batch, {{field, "is equal to", "rush", std::move(columns)}});
+  };
+  EXPECT_EQ(found("Short Note", {}), "No Matching Records");
+  EXPECT_EQ(found("Short Note", std::vector<std::string>{"UD_Text0"}), "000002 ");
+  EXPECT_EQ(found("ud_text0", {}), "000002 ");
 }
 
 TEST(Find, FindsColorsJobsAndDesigns) {
