@@ -46,6 +46,12 @@ Json Told(Context& context, const CloudOutcome& outcome, Json answer = Json::obj
   return answer;
 }
 
+// An account of several that failed: the others are done, and the status says that not all are.
+void TellFailed(Context& context, const std::string& account, const std::string& why) {
+  context.exitStatus = ExitFailed;
+  if (!why.empty()) WriteError(fmt::format("{}: {}\n", account, why));
+}
+
 // "-" for a value: it is asked for, so that no list of processes shows it.
 std::string ValueOf(const std::string& key, const std::string& given) {
   if (given != "-") return given;
@@ -165,6 +171,8 @@ Result<Json> Fetch(Context& context, bool photos) {
       FetchShares(cloud.desk, photos ? CloudTask::DB_ImportExport_Designs : CloudTask::DBImport_Formulas, photos);
   if (!shares) return std::unexpected(shares.error());
   if (!shares->outcome.done) Told(context, shares->outcome);
+  for (const ShareRow& row : shares->rows)
+    if (!row.fetched) TellFailed(context, row.AcctNum, row.why);
   return context.Answer(ShareTable(std::move(shares->rows)));
 }
 
@@ -202,6 +210,8 @@ Json AdminJson(const AdminRun& run) {
 
 Result<Json> TellAdmin(Context& context, const Result<AdminRun>& run) {
   if (!run) return std::unexpected(run.error());
+  for (const AdminRow& row : run->rows)
+    if (!row.done) TellFailed(context, row.AcctNum, row.why);
   return Told(context, run->outcome, AdminJson(*run));
 }
 
@@ -210,7 +220,7 @@ Result<Json> ListReportsOfUsers(Context& context, const std::string& account) {
   auto list = ListUserReports(cloud.desk, account);
   if (!list) return std::unexpected(list.error());
   for (const AdminRow& row : list->rows)
-    if (!row.done) WriteError(fmt::format("{}: {}\n", row.AcctNum, row.why));
+    if (!row.done) TellFailed(context, row.AcctNum, row.why);
   if (!list->outcome.done) return Told(context, list->outcome);
   return context.Answer(TableOf<AccountReport>()
                             .Add("AcctNum", &AccountReport::AcctNum, "Account")
@@ -321,7 +331,7 @@ void AddInventory(CLI::App* noun, Commands& commands) {
       ->check(CLI::Range(0, 2));
   OneEachTime(verb->add_option("--databases", wish->databases, "\"ACCOUNT/DATABASE\"; all when left out"))->check(NotEmpty);
   verb->footer("Exit status 4 when the file of an account cannot be read; what the others have is listed.");
-  commands.AddList(verb, Needs::Nothing, "Cloud User Inventory Report", [wish, kind](Context& context) {
+  commands.AddList(verb, Needs::Login, "Cloud User Inventory Report", [wish, kind](Context& context) {
     wish->showBasics = *kind != "formula";
     wish->showMixes = *kind != "basic";
     return ListStock(context, *wish);

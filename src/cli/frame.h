@@ -23,6 +23,7 @@ enum Exit : int { ExitDone = 0, ExitRefused = 1, ExitUsage = 2, ExitQuestion = 3
 /// What stands open when a verb runs.
 enum class Needs {
   Nothing,   ///< Support Files and settings only
+  Login,     ///< the same, for a user of the default Data File, where it has users: what he sees goes by his rights
   File,      ///< the Data File, its current Database (or the one of --db) too
   Writable,  ///< the same, refused while the file is an archive or backup copy
 };

@@ -9,8 +9,8 @@
 
 namespace vellumark::cli {
 
-Result<void> RequireInDefaultFile(Context& context, Act act) {
-  if (act == Act::Look) return {};
+Result<void> RequireInDefaultFile(Context& context, Act act, bool asUser) {
+  if (act == Act::Look && !asUser) return {};
   Session& session = context.session;
   // Not --file: naming another file must not be a way round the rights.
   const std::string path = GetSetting(session, setting::DbFileName50);
@@ -26,7 +26,8 @@ Result<void> RequireInDefaultFile(Context& context, Act act) {
     return {};
   }
   Result<void> allowed;
-  if (UsersEnabled(session)) {
+  const bool users = UsersEnabled(session);
+  if (users) {
     // A wrong password is counted there.
     session.DataFileDB.reset();
     const bool writable = GateOf(ReadFileVersion(path)) == VersionGate::Current;
@@ -35,8 +36,8 @@ Result<void> RequireInDefaultFile(Context& context, Act act) {
     if (allowed) allowed = RequireAct(session, act);
   }
   session.DataFileDB.reset();
-  // The command works without that file, and so without its user.
-  LogInWithoutUsers(session);
+  // The command works without that file, and so mostly without its user.
+  if (!users || !asUser) LogInWithoutUsers(session);
   return allowed;
 }
 

@@ -187,8 +187,8 @@ int RunChosen(const GlobalOptions& options, const Commands& commands) {
     context.open = [&] { return OpenForVerb(context, options, Needs::Writable); };
 
     Result<void> opened;
-    if (commands.needs == Needs::Nothing) {
-      opened = RequireInDefaultFile(context, commands.act);
+    if (commands.needs == Needs::Nothing || commands.needs == Needs::Login) {
+      opened = RequireInDefaultFile(context, commands.act, commands.needs == Needs::Login);
       if (opened) RunSupportLadder(session);
     } else {
       opened = OpenForVerb(context, options, commands.needs);

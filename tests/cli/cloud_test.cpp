@@ -71,6 +71,8 @@ TEST(CloudCli, TwoShopsBackUpShareAndRestore) {
   test::FtpServer server;
   Shop north(server, "A100", "NORTH GREEN");
   Shop south(server, "B200", "SOUTH GREEN");
+  north.Json({"settings", "set", "DecimalPlaces", "4"});
+  north.Json({"color", "set", "BLUE", "PurchaseCost=3.3566"});
   north.Json({"job", "create", "JOB-77"});
   north.Json({"--yes", "batch", "save", "--formula", "NORTH GREEN", "--quantity", "5", "--job", "JOB-77=1"});
   const std::string before = ReadFileBytes(north.folder / "Ink.vkd");
@@ -100,7 +102,10 @@ TEST(CloudCli, TwoShopsBackUpShareAndRestore) {
 
   // South sees it, though it never had a backup itself; an account that is not there holds nobody up.
   south.Knows({"A100", "C300"});
-  const auto shares = south.Json({"cloud", "fetch"});
+  const test::CliAnswer fetched = south.Run({"--json", "cloud", "fetch"});
+  EXPECT_EQ(fetched.status, 4) << "not all of them came";
+  EXPECT_EQ(fetched.err.find("C300: "), 0U) << fetched.err;
+  const auto shares = fetched.Json();
   ASSERT_EQ(shares.size(), 2U);
   EXPECT_TRUE(shares[0]["Fetched"].get<bool>());
   EXPECT_EQ(shares[0]["Unit"], "lb.");
@@ -121,6 +126,7 @@ TEST(CloudCli, TwoShopsBackUpShareAndRestore) {
     EXPECT_EQ(row["AcctNum"], "A100");
     EXPECT_EQ(row["Unit"], "lb.");
     blue += row["LotQty"].get<double>();
+    EXPECT_NEAR(row["LotPrice"].get<double>(), 7.4, 0.0005) << "by the decimals of the other shop";
   }
   EXPECT_NEAR(blue, (12 - 2) * 0.45359237, 0.002);
   EXPECT_EQ(south.Run({"settings", "set", "UMI", "1"}).status, 0);
@@ -134,6 +140,18 @@ TEST(CloudCli, TwoShopsBackUpShareAndRestore) {
   EXPECT_EQ(shared.status, 1);
   EXPECT_NE(shared.err.find("Share User Data File: Currently connected to a Shared User File."), std::string::npos)
       << shared.err << NamesIn(south.folder / "VKDat/Cloud Downloads/ShareData").size();
+  // Where there are users, one of them looks, and sees prices only with the right to.
+  ReplaceFile(south.folder / "secret", "SECRET\n");
+  EXPECT_EQ(south.RunWithInput({"users", "enable", "BOSS"}, south.folder / "secret").status, 0);
+  const auto stockFor = [&](const std::string& user, std::vector<std::string> words) {
+    words.insert(words.begin(), {"--json", "--user", user, "--password", "SECRET"});
+    return south.Run(words);
+  };
+  EXPECT_EQ(stockFor("BOSS", {"users", "add", "ANNA", "--new-password-file", (south.folder / "secret").string()}).status, 0);
+  EXPECT_EQ(stockFor("BOSS", {"users", "modify", "ANNA", "Edit_Costs=0"}).status, 0);
+  EXPECT_EQ(south.Run({"cloud", "inventory", "--color", "BLUE"}).status, 1);
+  EXPECT_FALSE(stockFor("ANNA", {"cloud", "inventory", "--color", "BLUE"}).Json()[0].contains("LotPrice"));
+  EXPECT_TRUE(stockFor("BOSS", {"cloud", "inventory", "--color", "BLUE"}).Json()[0].contains("LotPrice"));
 
   // Back to the day of the backup.
   north.Json({"formula", "add", "LATER", "WHITE=50", "BLUE=50"});
@@ -243,7 +261,10 @@ TEST(CloudCli, ReportsGoUpAndTheAdministratorReadsThem) {
             ReadFileBytes(server.Root() / "A100/Reports" / name));
   const auto file = office.Json({"cloud", "admin", "data-file", "A100"});
   EXPECT_TRUE(fs::exists(file["DataFile"].get<std::string>())) << file;
-  const auto sent = office.Json({"cloud", "admin", "send", file["DataFile"].get<std::string>(), "A100", "C300"});
+  const test::CliAnswer sending =
+      office.Run({"--json", "cloud", "admin", "send", file["DataFile"].get<std::string>(), "A100", "C300"});
+  EXPECT_EQ(sending.status, 4) << "C300 has no folder there";
+  const auto sent = sending.Json();
   EXPECT_TRUE(sent["Accounts"][0]["Done"].get<bool>());
   EXPECT_FALSE(sent["Accounts"][1]["Done"].get<bool>());
   EXPECT_EQ(NamesIn(server.Root() / "A100/Backups", "Admin_VKDataFile_").size(), 1U);

@@ -21,20 +21,20 @@ namespace {
 
 using Take = std::function<bool(const CloudStockRow&)>;
 
-// Quantities and prices of another shop in this one's unit, from the decimals that people there see. What it does not
-// tell counts as this one.
+// Quantities and prices of another shop in this one's unit, quantities from the decimals that people there see. What it
+// does not tell counts as this one.
 class Converted {
  public:
   Converted(const Session& session, const ShareRow& share)
-      : decimals_(session.DecimalPlaces),
-        factor_(share.UMI < UnitPound || share.UMI > UnitOunce
+      : factor_(share.UMI < UnitPound || share.UMI > UnitOunce
                     ? 1
                     : static_cast<double>(UnitFactor(share.UMI, session.UMI))) {}
   double Qty(float quantity) const { return RoundTo(OfWholeUnits(WholeUnits(quantity, 3), 3) * factor_, 3); }
-  double Price(float price) const { return OfWholeUnits(WholeUnits(price, decimals_), decimals_) / factor_; }
+  // As it stands there: a price of a gram has decimals that one of a pound does without.
+  double Price(float price) const { return RoundTo(price, kDigitsOfSingle) / factor_; }
 
  private:
-  int decimals_;
+  static constexpr int kDigitsOfSingle = 9;
   double factor_;
 };
 
@@ -175,8 +175,8 @@ Result<CloudStock> ReadCloudStock(Session& session, const CloudStockWish& wish) 
 ListTable CloudStockTable(const Session& session, std::vector<CloudStockRow> rows) {
   using Row = CloudStockRow;
   const std::string unit(UnitName(session.UMI));
-  return TableOf<Row>()
-      .Add("Color_Name", &Row::Color_Name, "Color Name")
+  TableOf<Row> table;
+  table.Add("Color_Name", &Row::Color_Name, "Color Name")
       .Add(
           "AcctNum", [](const Row& row) { return row.share.AcctNum; }, "Account")
       .Add("Facility", [](const Row& row) { return row.share.Facility; })
@@ -189,9 +189,10 @@ ListTable CloudStockTable(const Session& session, std::vector<CloudStockRow> row
       .Add("LotLoc", &Row::LotLoc, "Lot Location")
       .Add("LotContID", &Row::LotContID, "Lot Cont. ID")
       .Add("LotDate", &Row::LotDate, "Lot Date", Format::Date)
-      .Add("LotQty", &Row::LotQty, fmt::format("Lot Qty. ({})", unit), Format::Amount)
-      .Add("LotPrice", &Row::LotPrice, "Lot Price $", Format::Money, session.DecimalPlaces)
-      .Add("Consignment", &Row::Consignment, "Consignment", Format::YesNo)
+      .Add("LotQty", &Row::LotQty, fmt::format("Lot Qty. ({})", unit), Format::Amount);
+  if (session.Perm_Costs != 0)
+    table.Add("LotPrice", &Row::LotPrice, "Lot Price $", Format::Money, session.DecimalPlaces);
+  table.Add("Consignment", &Row::Consignment, "Consignment", Format::YesNo)
       .Add(
           "Unit",
           [](const Row& row) {
@@ -203,8 +204,8 @@ ListTable CloudStockTable(const Session& session, std::vector<CloudStockRow> row
       .Add("Age", [&session](const Row& row) { return AgeText(session, row.share); })
       .Add(
           "Fetch", [](const Row& row) { return row.share.fetched ? std::string("done") : "failed: " + row.share.why; },
-          "Last Fetch")
-      .Of(std::move(rows));
+          "Last Fetch");
+  return table.Of(std::move(rows));
 }
 
 }  // namespace vellumark

@@ -54,6 +54,7 @@ struct CloudStock {
 /// Reads what lies here of the accounts of the list; it was fetched before. Refused: nobody in the list, and when
 /// nothing is found.
 Result<CloudStock> ReadCloudStock(Session& session, const CloudStockWish& wish);
+/// Without prices for a user who may not see them.
 ListTable CloudStockTable(const Session& session, std::vector<CloudStockRow> rows);
 
 }  // namespace vellumark
