@@ -118,6 +118,14 @@ std::optional<std::size_t> FindReportColumn(const std::vector<TableColumn>& colu
   return std::nullopt;
 }
 
+std::vector<std::size_t> FindReportColumns(const std::vector<TableColumn>& columns, std::string_view name) {
+  if (const auto found = FindReportColumn(columns, name)) return {*found};
+  std::vector<std::size_t> recipe;
+  for (std::size_t i = 0; MeansRecipe(name) && i < columns.size(); ++i)
+    if (columns[i].key.starts_with("BC") || columns[i].key.starts_with("BQ")) recipe.push_back(i);
+  return recipe;
+}
+
 std::vector<std::string> SplitColumnSet(std::string_view set) {
   std::vector<std::string> names;
   for (const std::string_view name : Split(set, '|'))
@@ -137,12 +145,8 @@ std::vector<std::size_t> ReadShownColumns(const Session& session, const ReportDe
   const std::string set = Text(session, Key(report, "Columns"));
   std::vector<bool> chosen(columns.size(), set.empty());
   if (!columns.empty()) chosen[0] = true;
-  for (const std::string& name : SplitColumnSet(set)) {
-    if (const auto found = FindReportColumn(columns, name)) chosen[*found] = true;
-    if (MeansRecipe(name))
-      for (std::size_t i = 0; i < columns.size(); ++i)
-        chosen[i] = chosen[i] || columns[i].key.starts_with("BC") || columns[i].key.starts_with("BQ");
-  }
+  for (const std::string& name : SplitColumnSet(set))
+    for (const std::size_t column : FindReportColumns(columns, name)) chosen[column] = true;
   std::vector<std::size_t> shown;
   for (std::size_t i = 0; i < columns.size(); ++i)
     if (chosen[i]) shown.push_back(i);
@@ -266,8 +270,10 @@ void KeepExportOrder(Session& session, const ReportDefinition& report, const std
                      const std::vector<std::size_t>& shown) {
   std::set<std::size_t> kept;
   for (const std::string& name : ReadExportOrder(session, report)) {
-    const auto column = FindReportColumn(columns, name);
-    if (!column || !kept.insert(*column).second) kept.insert(columns.size());
+    const std::vector<std::size_t> named = FindReportColumns(columns, name);
+    if (named.empty()) kept.insert(columns.size());
+    for (const std::size_t column : named)
+      if (!kept.insert(column).second) kept.insert(columns.size());
   }
   if (kept == std::set(shown.begin(), shown.end())) return;
   std::vector<std::string> names;

@@ -27,6 +27,8 @@ std::string PlainCaption(std::string_view caption);
 /// The column that a name of a column set, a file or a command means: its plain caption, its key, or a name that it had
 /// in earlier releases.
 std::optional<std::size_t> FindReportColumn(const std::vector<TableColumn>& columns, std::string_view name);
+/// The columns that an item of a column set means: that one, or with "Formula" all of the recipe. Empty: none of them.
+std::vector<std::size_t> FindReportColumns(const std::vector<TableColumn>& columns, std::string_view name);
 
 /// The items of "|A||B|"; and the text again.
 std::vector<std::string> SplitColumnSet(std::string_view set);

@@ -47,12 +47,11 @@ class TabbedText {
 
 std::vector<std::size_t> ExportColumns(const BuiltReport& report, const ExportOptions& options) {
   std::vector<std::size_t> order;
-  for (const std::string& name : options.order) {
-    const auto column = FindReportColumn(report.columns, name);
-    if (column && std::ranges::find(report.shown, *column) != report.shown.end() &&
-        std::ranges::find(order, *column) == order.end())
-      order.push_back(*column);
-  }
+  for (const std::string& name : options.order)
+    for (const std::size_t column : FindReportColumns(report.columns, name))
+      if (std::ranges::find(report.shown, column) != report.shown.end() &&
+          std::ranges::find(order, column) == order.end())
+        order.push_back(column);
   return order.empty() ? report.shown : order;
 }
 

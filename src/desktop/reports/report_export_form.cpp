@@ -86,12 +86,15 @@ void ReportExportForm::BuildHelp(Form form) {
 // The kept order first; columns that it does not name stand behind it, left out.
 void ReportExportForm::ShowOrder() {
   QStringList names;
-  for (const std::string& name : ReadExportOrder(session, *definition_)) names += Q(name);
-  const qsizetype kept = names.size();
-  for (const std::size_t column : report_->shown) {
+  const auto list = [&](std::size_t column) {
     const QString name = Q(PlainCaption(report_->columns[column].Caption()));
     if (!names.contains(name)) names += name;
-  }
+  };
+  for (const std::string& name : ReadExportOrder(session, *definition_))
+    for (const std::size_t column : FindReportColumns(report_->columns, name))
+      if (std::ranges::find(report_->shown, column) != report_->shown.end()) list(column);
+  const qsizetype kept = names.size();
+  for (const std::size_t column : report_->shown) list(column);
   columns_->SetItems(names);
   for (int i = 0; i < columns_->count(); ++i) columns_->SetChecked(i, kept == 0 || i < kept);
   columns_->setCurrentRow(0);

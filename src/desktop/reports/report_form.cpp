@@ -97,6 +97,11 @@ ReportRequest ReportForm::Request() const {
   return request;
 }
 
+// Where they can be chosen, one has to be: with none a request is for all of them.
+bool ReportForm::HasDatabase() const {
+  return databases_ == nullptr || !databases_->Checked().isEmpty();
+}
+
 // ---- Columns
 
 std::vector<TableColumn> ReportForm::ColumnsNow() const {
@@ -155,6 +160,7 @@ void ReportForm::ChooseAllColumns(bool shown) {
 
 void ReportForm::cmdFind_Click() {
   if (running_) return;
+  if (!HasDatabase()) return ShowRefusal({"Databases", "Select a Database.", "lstDatabases"});
   if (range_ != nullptr && range_->currentIndex() != kCustomRange) {
     if (KeptRange() == nullptr) SaveDateRange(session, definition_, range_->currentIndex());
     ChooseRange(range_->currentIndex());
@@ -274,10 +280,11 @@ void ReportForm::cmdClear_Click() {
 void ReportForm::UpdateEnabled() {
   if (print_ == nullptr) return;  // it is being built
   const bool filled = report_ && report_->Rows() > 0;
+  find_->setEnabled(HasDatabase());
   print_->setEnabled(filled && CanPrint(windows));
   export_->setEnabled(filled && windows.Knows("ReportExportForm"));
   upload_->setEnabled(filled && upload_->toolTip().isEmpty());
-  save_->setEnabled(filled && windows.Knows("ReportNameForm"));
+  save_->setEnabled(filled && HasDatabase() && windows.Knows("ReportNameForm"));
   chart_->setEnabled(filled || !chartPanel_->isHidden());
   if (keepRange_ == nullptr) return;
   const bool kept = KeptRange() != nullptr;

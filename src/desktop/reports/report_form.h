@@ -69,6 +69,7 @@ class ReportForm : public Window {
   bool HasSubject() const { return definition_.subject != ReportSubject::None; }
   std::string Subject() const;
   ReportRequest Request() const;
+  bool HasDatabase() const;
   void ChooseRange(int place);
   /// The columns as the report has them before anything was asked.
   std::vector<TableColumn> ColumnsNow() const;

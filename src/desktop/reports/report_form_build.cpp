@@ -318,6 +318,7 @@ void ReportForm::BuildSide(Form form) {
     databases_->SetItems(names, true);
     databases_->setAccessibleName(tr("Databases"));
     databases_->DoNotTrack();
+    connect(databases_, &QListWidget::itemChanged, this, [this] { Changed(); });
     // As high as they are, up to a few: the columns need the height.
     constexpr int kMostShown = 4;
     databases_->setMaximumHeight(std::clamp<int>(names.size(), 2, kMostShown) * space::kRowHeight + space::kUnit);

@@ -62,9 +62,9 @@ void ReportForm::OpenSaved(const std::string& name) {
   if (user_ != nullptr) user_->setCurrentIndex(std::max(0, user_->findText(Q(asked.user), Qt::MatchFixedString)));
   if (databases_ != nullptr)
     for (int i = 0; i < databases_->count(); ++i)
-      databases_->SetChecked(
-          i, asked.databases.empty() ||
-                 std::ranges::find(asked.databases, U8(databases_->item(i)->text())) != asked.databases.end());
+      databases_->SetChecked(i, asked.databases.empty() || std::ranges::any_of(asked.databases, [&](const auto& one) {
+                                  return EqualNoCase(one, U8(databases_->item(i)->text()));
+                                }));
   for (const OptionField& field : options_)
     for (const auto& [option, value] : asked.options) {
       if (!EqualNoCase(option, field.option->name)) continue;
@@ -74,7 +74,12 @@ void ReportForm::OpenSaved(const std::string& name) {
         field.check->setChecked(value == "1");
     }
   arrangesSaved_ = true;
-  QMetaObject::invokeMethod(this, &ReportForm::cmdFind_Click, Qt::QueuedConnection);
+  // One that is gone is told and not passed over: what is left is another report.
+  const auto run = [this] {
+    if (databases_ == nullptr || Accepted(NamedDatabases(session, saved_->request.databases, "lstDatabases")))
+      cmdFind_Click();
+  };
+  QMetaObject::invokeMethod(this, run, Qt::QueuedConnection);
 }
 
 // As it was saved: the columns, their widths, the order, the filter.

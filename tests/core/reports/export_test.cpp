@@ -266,6 +266,26 @@ TEST(ReportExport, KeepsTheUsersOrderUntilOtherColumnsAreShown) {
   EXPECT_EQ(order("ProductionColorNameSummaryForm"), "|Database|");
 }
 
+// "Formula" stands for all of it, in the order that is delivered as well.
+TEST(ReportExport, AnOrderNamesTheRecipeAsAWhole) {
+  ReportRoom room;
+  room.Basic("RED");
+  room.Basic("WHITE");
+  room.Mix("PINK", {{"RED", 25}, {"WHITE", 75}});
+  const ReportDefinition& report = *FindReport("ColorListForm");
+  BuiltReport built = room.Run("ColorListForm", {.options = {{"ShowBasics", "0"}}});
+  built.shown = {0};
+  for (const char* key : {"BC0", "BQ0", "BC1", "BQ1"}) built.shown.push_back(test::Place(built, key));
+  SaveExportOrder(room.session, report, {"Formula", "Color Name"});
+  SaveExportOptions(room.session, report, {.totals = false}, true);
+  EXPECT_EQ(ReportText(built, ReadExportOptions(room.session, report)),
+            "Ingredient 1\tParts 1\tIngredient 2\tParts 2\tColor Name\r\nRED\t25.000\tWHITE\t75.000\tPINK\r\n");
+  for (std::size_t i = 0; i < built.columns.size(); ++i)
+    if (built.columns[i].key.starts_with("BC") || built.columns[i].key.starts_with("BQ")) built.shown.push_back(i);
+  KeepExportOrder(room.session, report, built.columns, built.shown);
+  EXPECT_EQ(ReadExportOrder(room.session, report).front(), "Formula") << "the same columns";
+}
+
 TEST(SavedReports, KeepWhatWasAskedAndShown) {
   ExportRoom room;
   const ReportDefinition& definition = *FindReport("ProductionForm");

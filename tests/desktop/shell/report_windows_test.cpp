@@ -11,6 +11,7 @@
 #include "core/colors/basics.h"
 #include "core/colors/formulas.h"
 #include "core/inventory/reorder.h"
+#include "core/session/settings.h"
 #include "report_windows.h"
 #include "support/jet_room.h"
 
@@ -183,7 +184,59 @@ TEST_F(ReportWindowsTest, CellsAreEditedByTheRulesOfTheColour) {
   Click(batch, "cmdCancel");
 }
 
+// The columns of a file in the order that is delivered with the program: its "Formula" is the recipe.
+TEST_F(ReportWindowsTest, AFileInTheUsersOrderHoldsTheRecipe) {
+  desktop::Window& colors = Open("ColorListForm");
+  Click(colors, "cmdFind");
+  prompt().Expect("File Export");
+  const std::string folder = room.folder.Path().string();
+  WithModal([&] { Click(colors, "cmdExport"); },
+            [&](QWidget& form) {
+              Fill(form, "txtFolder", folder);
+              Fill(form, "txtFileName", "colors");
+              Click(form, "OptUser");
+              Click(form, "cmdSave");
+            });
+  const std::string text = ReadFileBytes(folder + "/colors.txt");
+  const std::string captions = text.substr(0, text.find("\r\n"));
+  EXPECT_EQ(captions.find("Color Name\t"), 0U) << captions;
+  EXPECT_NE(captions.find("\tIngredient 1\tParts 1\tIngredient 2\t"), std::string::npos) << captions;
+}
+
+// Databases of which none is ticked are not all of them.
+TEST_F(ReportWindowsTest, AReportIsOfTheDatabasesThatAreTicked) {
+  desktop::Window* stock = &Open("InventoryReportsForm");
+  const auto tick = [&](bool ink, bool uv) {
+    auto& databases = Control<desktop::CheckListField>(*stock, "lstDatabases");
+    for (int i = 0; i < databases.count(); ++i) databases.SetChecked(i, databases.item(i)->text() == "UV" ? uv : ink);
+    Settle();
+  };
+  tick(false, true);
+  Click(*stock, "cmdFind");
+  EXPECT_EQ(Column(*stock, "Color Name"), (Texts{"TARGET", "UVRED"}));
+  tick(false, false);
+  EXPECT_FALSE(Control(*stock, "cmdFind").isEnabled());
+  EXPECT_FALSE(Control(*stock, "cmdSaveReport").isEnabled()) << "it would be kept as one of all";
+  prompt().Expect("Databases", Answer::Ok, "Select a Database.");
+  Click(*stock, "chkShowMixes");
+  EXPECT_EQ(Column(*stock, "Color Name"), (Texts{"TARGET", "UVRED"}));
+  tick(false, true);
+  WithModal([&] { Click(*stock, "cmdSaveReport"); },
+            [](QWidget& form) {
+              Fill(form, "txtName", "Of UV");
+              Click(form, "cmdSave");
+            });
+  stock->Leave();
+  Settle();
+  stock = &Open("InventoryReportsForm", {{"Saved", std::string("Of UV")}});
+  EXPECT_EQ(Column(*stock, "Color Name"), Texts{"UVRED"});
+  EXPECT_EQ(Control<desktop::CheckListField>(*stock, "lstDatabases").Checked(), QStringList{"UV"});
+}
+
 TEST_F(ReportWindowsTest, ASearchComparesWhatIsTypedAndOpensWhatItFinds) {
+  // A field of the shop's own bears the caption of another one.
+  StoreSettings(running.session, {setting::BatchCustomTextLabelCaption[0].To("Short Note")});
+  running.session.File().Execute("UPDATE INK_Batch SET UD_Text0 = 'rush' WHERE BatchNo = 3");
   Click(running.program.Main(), "Find");
   ASSERT_TRUE(running.windows.IsFormOpen("FindMenu"));
   PressOn(Qt::Key_B);
@@ -201,6 +254,10 @@ TEST_F(ReportWindowsTest, ASearchComparesWhatIsTypedAndOpensWhatItFinds) {
   Control<desktop::ComboField>(*find, "cmbBatchOperator").setCurrentIndex(1);
   Click(*find, "cmdFind");
   EXPECT_EQ(Column(*find, "Batch ID #"), (Texts{"000002", "000003"}));
+  Click(*find, "cmdClear");
+  Fill(*find, "BatchField14", "rush");
+  Click(*find, "cmdFind");
+  EXPECT_EQ(Column(*find, "Batch ID #"), (Texts{"000003"}));
   Click(*find, "cmdClear");
   auto& databases = Control<desktop::ComboField>(*find, "cmbBatchDatabases");
   databases.setCurrentIndex(databases.count() - 1);
