@@ -12,6 +12,7 @@
 #include "core/reports/chart.h"
 #include "core/reports/export.h"
 #include "core/reports/saved_reports.h"
+#include "paper/chart_picture.h"
 
 namespace vellumark::cli {
 namespace {
@@ -215,10 +216,51 @@ Result<ExportOptions> ExportOptionsOf(const Session& session, const ReportDefini
   return wanted;
 }
 
+bool IsPicture(const std::string& name) {
+  return EndsWith(name, ".png") || EndsWith(name, ".svg");
+}
+
+// What is asked of a report's chart, or the figure and the group that it has first in the window.
+Result<ReportChart> DrawnChart(const BuiltReport& report, const RunOptions& options) {
+  const std::vector<ChartGroup> groups = ChartGroupsOf(report);
+  const std::vector<std::size_t> figures = ChartFiguresOf(report);
+  if (groups.empty() || figures.empty()) return Refuse("Report Chart", "This report has nothing to draw.", "Key");
+  const auto group =
+      options.by.empty()
+          ? groups.begin() + static_cast<std::ptrdiff_t>(UsualChartGroup(groups))
+          : std::ranges::find_if(groups, [&](ChartGroup one) { return EqualNoCase(ChartGroupName(one), options.by); });
+  if (group == groups.end()) {
+    std::string known;
+    for (const ChartGroup one : groups) known += (known.empty() ? "" : ", ") + std::string(ChartGroupName(one));
+    return Refuse("Report Chart", fmt::format("This report can be drawn by {}.", known), "by");
+  }
+  std::size_t column = figures[UsualChartFigure(report, figures)];
+  if (!options.figure.empty()) {
+    const auto named = ColumnOf(report.columns, options.figure);
+    if (!named) return std::unexpected(named.error());
+    if (std::ranges::find(figures, *named) == figures.end())
+      return Refuse("Report Chart", fmt::format("{} is no figure that adds up.", options.figure), "figure");
+    column = *named;
+  }
+  return ChartOf(report, *group, column);
+}
+
+Json WriteChart(const ReportChart& chart, const BuiltReport& report, const std::string& out) {
+  FileBeside beside(fs::absolute(out), Readers::Everybody);
+  beside.Write(EndsWith(out, ".svg") ? paper::ChartSvg(chart) : paper::ChartPng(chart));
+  beside.Replace();
+  return Json{{"File", fs::absolute(out).string()}, {"Chart", paper::ChartTitle(chart)}, {"Complete", report.complete}};
+}
+
 Result<Json> WriteReport(Context& context, const ReportDefinition& definition, const BuiltReport& report,
                          const RunOptions& options) {
   const std::string& out = options.print.out;
   const std::string path = fs::absolute(out).string();
+  if (IsPicture(out)) {
+    const auto chart = DrawnChart(report, options);
+    if (!chart) return std::unexpected(chart.error());
+    return WriteChart(*chart, report, out);
+  }
   if (EndsWith(out, ".pdf")) {
     const int pages = paper::PrintToFile(context.session, ReportSheet(report), options.print.paper, out);
     if (pages == 0) return Refuse("Print", "Nothing was printed.");
@@ -301,9 +343,10 @@ Result<BuiltReport> BuildOrder(Context& context, const Order& order, const RunOp
 Result<Json> RunReport(Context& context, const RunOptions& options) {
   const auto order = OrderOf(context, options);
   if (!order) return std::unexpected(order.error());
+  const std::string& out = options.print.out;
   const auto report = BuildOrder(context, *order, options);
   if (!report) return std::unexpected(report.error());
-  if (!options.print.out.empty()) return WriteReport(context, *order->definition, *report, options);
+  if (!out.empty()) return WriteReport(context, *order->definition, *report, options);
   if (context.json) return ReportJson(*report);
   context.text = ReportLines(*report);
   if (FetchTaskOf(*order->definition) && report->Rows() == 0) context.text += "No inventory found.\n";
@@ -322,42 +365,28 @@ Result<Json> StoreReport(Context& context, const RunOptions& options) {
 
 // The bars of a chart: a figure of the report by what it has.
 Result<Json> ReadChart(Context& context, const RunOptions& options) {
+  if (!options.print.out.empty()) return RunReport(context, options);
   const auto order = OrderOf(context, options);
   if (!order) return std::unexpected(order.error());
   const auto report = BuildOrder(context, *order, options);
   if (!report) return std::unexpected(report.error());
-  const std::vector<ChartGroup> groups = ChartGroupsOf(*report);
-  const std::vector<std::size_t> figures = ChartFiguresOf(*report);
-  if (groups.empty() || figures.empty()) return Refuse("Report Chart", "This report has nothing to draw.", "Key");
-  const auto group =
-      options.by.empty()
-          ? groups.begin() + static_cast<std::ptrdiff_t>(UsualChartGroup(groups))
-          : std::ranges::find_if(groups, [&](ChartGroup one) { return EqualNoCase(ChartGroupName(one), options.by); });
-  if (group == groups.end()) {
-    std::string known;
-    for (const ChartGroup one : groups) known += (known.empty() ? "" : ", ") + std::string(ChartGroupName(one));
-    return Refuse("Report Chart", fmt::format("This report can be drawn by {}.", known), "by");
-  }
-  std::size_t column = figures[UsualChartFigure(*report, figures)];
-  if (!options.figure.empty()) {
-    const auto named = ColumnOf(report->columns, options.figure);
-    if (!named) return std::unexpected(named.error());
-    if (std::ranges::find(figures, *named) == figures.end())
-      return Refuse("Report Chart", fmt::format("{} is no figure that adds up.", options.figure), "figure");
-    column = *named;
-  }
-  const ReportChart chart = ChartOf(*report, *group, column);
-  const int decimals = chart.column.format == Format::Whole ? 0 : chart.column.decimals;
+  const auto chart = DrawnChart(*report, options);
+  if (!chart) return std::unexpected(chart.error());
+  const int decimals = chart->column.format == Format::Whole ? 0 : chart->column.decimals;
   return context.Answer(TableOf<ChartSlice>()
-                            .Add("Name", &ChartSlice::name, std::string(ChartGroupName(*group)))
-                            .Add("Value", &ChartSlice::value, chart.figure, chart.column.format, decimals)
-                            .Of(chart.slices));
+                            .Add("Name", &ChartSlice::name, std::string(ChartGroupName(chart->group)))
+                            .Add("Value", &ChartSlice::value, chart->figure, chart->column.format, decimals)
+                            .Of(chart->slices));
 }
 
 std::string IsReportFile(const std::string& name) {
   for (const char* extension : {".txt", ".xlsx", ".mdb", ".pdf"})
     if (EndsWith(name, extension)) return "";
-  return name + " does not end with .txt, .xlsx, .mdb or .pdf";
+  return IsPicture(name) ? "" : name + " does not end with .txt, .xlsx, .mdb, .pdf, .png or .svg";
+}
+
+std::string IsPictureFile(const std::string& name) {
+  return IsPicture(name) ? "" : name + " does not end with .png or .svg";
 }
 
 void AddQuestion(CLI::App* verb, RunOptions& options) {
@@ -399,8 +428,8 @@ void AddSource(CLI::App* verb, RunOptions& options) {
 
 CLI::Option* AddFile(CLI::App* verb, RunOptions& options) {
   auto* out = verb->add_option("--out", options.print.out,
-                               "Write it into this file: as tabbed text, spreadsheet, database, pages")
-                  ->type_name("FILE.txt, .xlsx, .mdb, .pdf")
+                               "Write it into this file: as tabbed text, spreadsheet, database, pages, or its chart")
+                  ->type_name("FILE.txt, .xlsx, .mdb, .pdf, .png, .svg")
                   ->check(IsReportFile);
   AddPaper(verb, out, options.print);
   return out;
@@ -434,6 +463,9 @@ void AddRuns(CLI::App* noun, Commands& commands) {
   verb->add_option("--figure", chart->figure, "The column that is drawn, by caption")
       ->type_name("CAPTION")
       ->check(NotEmpty);
+  verb->add_option("--out", chart->print.out, "Draw it into this picture")
+      ->type_name("FILE.png, .svg")
+      ->check(IsPictureFile);
   commands.Add(verb, Needs::File, [chart](Context& context) { return ReadChart(context, *chart); });
 
   auto saved = std::make_shared<RunOptions>();

@@ -97,6 +97,14 @@ TEST(CliReport, SavesReportsAndRangesAndWritesFiles) {
   text({"report", "run", "ProductionForm", "--color", "PINK", "--columns", "all", "--out", folder + "/wide.pdf",
         "--landscape", "--font", "60", "--answer", "Spread Report over Multiple Pages?=yes"});
   EXPECT_EQ(ReadFileBytes(folder + "/wide.pdf", 4), "%PDF");
+  // A picture is its chart: what it is drawn by in the window, or what is asked for.
+  text({"report", "run", "ProductionForm", "--color", "PINK", "--range", "All Dates", "--out", folder + "/chart.svg"});
+  const std::string svg = ReadFileBytes(folder + "/chart.svg");
+  for (const char* drawn : {">Quantity (lb.) by Month<", ">2026-03<", ">20.000<"})
+    EXPECT_NE(svg.find(drawn), std::string::npos) << drawn << svg;
+  text({"report", "chart", "ProductionForm", "--color", "PINK", "--by", "day", "--out", folder + "/chart.png"});
+  EXPECT_EQ(ReadFileBytes(folder + "/chart.png", 24).substr(16), std::string("\0\0\x07\x80\0\0\x04\x20", 8)) << "1920 by 1056";
+  EXPECT_EQ(shop.Run({"report", "run", "BasicCostListForm", "--out", folder + "/none.png"}).status, 1);
 
   const auto status = [&](const std::vector<std::string>& wrong) { return shop.Run(wrong).status; };
   EXPECT_EQ(status({"report", "run"}), 2);

@@ -1,11 +1,6 @@
 #include "desktop/reports/chart_drawing.h"
 
-#include <QBuffer>
 #include <QCoreApplication>
-#include <QGraphicsLayout>
-#include <QGraphicsScene>
-#include <QPainter>
-#include <QSvgGenerator>
 #include <QtCharts/QBarCategoryAxis>
 #include <QtCharts/QBarSeries>
 #include <QtCharts/QBarSet>
@@ -18,12 +13,11 @@
 
 #include "desktop/kit/look.h"
 #include "desktop/kit/text.h"
+#include "paper/chart_picture.h"
 
 namespace vellumark::desktop {
 namespace {
 
-constexpr QSize kPaperSize{640, 352};
-constexpr int kImageScale = 3;             // dots of a picture to one of the screen
 constexpr int kAroundBars = 84;            // title, axis and margins
 constexpr int kNameHeight = 28;            // a lower bar is left without its name
 constexpr int kLeastColumn = 80;
@@ -59,7 +53,7 @@ class Maker {
     chart_->setBackgroundBrush(colors.ground);
     chart_->setMargins({space::kUnit, space::kUnit, space::kUnit, space::kUnit});
     chart_->setLocalizeNumbers(true);
-    chart_->setTitle(ChartTitle(of));
+    chart_->setTitle(Q(paper::ChartTitle(of)));
     chart_->setTitleBrush(colors.text);
     QFont bold = Look::Base();
     bold.setBold(true);
@@ -68,7 +62,7 @@ class Maker {
 
   std::unique_ptr<QChart> Make() {
     if (of_.slices.empty()) {
-      chart_->setTitle(ChartTitle(of_) + "\n" + Tr("Nothing was found"));
+      chart_->setTitle(Q(paper::ChartTitle(of_)) + "\n" + Tr("Nothing was found"));
       return std::move(chart_);
     }
     if (of_.group <= ChartGroup::Quarter)
@@ -151,43 +145,11 @@ class Maker {
   QAbstractBarSeries* series_ = nullptr;
 };
 
-enum class Title { Drawn, Beside };
-
-void PaintForPaper(const ReportChart& chart, QPainter& painter, Title title) {
-  QGraphicsScene scene;
-  QChart* drawn = MakeChart(chart, ChartColors::OnPaper()).release();
-  if (title == Title::Beside) drawn->setTitle({});
-  scene.addItem(drawn);  // which it then owns
-  drawn->resize(kPaperSize);
-  drawn->layout()->activate();
-  const QRectF all({}, kPaperSize);
-  scene.render(&painter, all, all);
-}
-
-std::string SvgOf(const ReportChart& chart, Title title) {
-  QBuffer bytes;
-  QSvgGenerator svg;
-  svg.setOutputDevice(&bytes);
-  svg.setSize(kPaperSize);
-  svg.setViewBox(QRect({}, kPaperSize));
-  svg.setTitle(ChartTitle(chart));
-  svg.setDescription(Q(chart.title));
-  {
-    QPainter painter(&svg);
-    PaintForPaper(chart, painter, title);
-  }
-  return bytes.data().toStdString();
-}
-
 }  // namespace
 
 ChartColors ChartColors::OnScreen() {
   const Colors& now = Look::Now();
   return {now.surface, now.text, now.line, now.accent};
-}
-
-ChartColors ChartColors::OnPaper() {
-  return {Qt::white, Qt::black, QColor(0xc0, 0xc0, 0xc0), QColor(0x40, 0x40, 0x40)};
 }
 
 std::unique_ptr<QChart> MakeChart(const ReportChart& chart, const ChartColors& colors) {
@@ -197,31 +159,6 @@ std::unique_ptr<QChart> MakeChart(const ReportChart& chart, const ChartColors& c
 int LeastChartHeight(const ReportChart& chart) {
   const bool names = chart.group > ChartGroup::Quarter;
   return kAroundBars + (names ? static_cast<int>(chart.slices.size()) * kNameHeight : kLeastColumn);
-}
-
-QImage ChartImage(const ReportChart& chart) {
-  QImage image(kPaperSize * kImageScale, QImage::Format_RGB32);
-  image.setDevicePixelRatio(kImageScale);
-  image.fill(Qt::white);
-  QPainter painter(&image);
-  painter.setRenderHints(QPainter::Antialiasing | QPainter::TextAntialiasing);
-  PaintForPaper(chart, painter, Title::Drawn);
-  return image;
-}
-
-std::string ChartSvg(const ReportChart& chart) {
-  return SvgOf(chart, Title::Drawn);
-}
-
-// Its title is text of the page, which can be found and copied.
-SheetBlock ChartBlock(const ReportChart& chart) {
-  return {.heading = U8(ChartTitle(chart)),
-          .picture = SheetPicture{SvgOf(chart, Title::Beside), static_cast<double>(kPaperSize.width()),
-                                  static_cast<double>(kPaperSize.height())}};
-}
-
-QString ChartTitle(const ReportChart& chart) {
-  return Tr("%1 by %2").arg(Q(chart.figure).trimmed(), Tr(std::string(ChartGroupName(chart.group)).c_str()));
 }
 
 }  // namespace vellumark::desktop

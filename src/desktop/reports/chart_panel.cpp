@@ -1,6 +1,5 @@
 #include "desktop/reports/chart_panel.h"
 
-#include <QBuffer>
 #include <QEvent>
 #include <QImage>
 #include <QScrollArea>
@@ -13,6 +12,7 @@
 #include "desktop/kit/text.h"
 #include "desktop/kit/window.h"
 #include "desktop/reports/chart_drawing.h"
+#include "paper/chart_picture.h"
 
 namespace vellumark::desktop {
 namespace {
@@ -141,13 +141,7 @@ void ChartPanel::Save() {
 
 void ChartPanel::WriteFile(const QString& file, const ReportChart& chart) {
   FileBeside beside(U8(file), Readers::Everybody);
-  if (file.endsWith(".svg", Qt::CaseInsensitive)) {
-    beside.Write(ChartSvg(chart));
-  } else {
-    QBuffer bytes;
-    if (!ChartImage(chart).save(&bytes, "PNG")) throw Failure(U8(file), "The picture could not be made.");
-    beside.Write(bytes.data().toStdString());
-  }
+  beside.Write(file.endsWith(".svg", Qt::CaseInsensitive) ? paper::ChartSvg(chart) : paper::ChartPng(chart));
   beside.Replace();
 }
 

@@ -9,10 +9,10 @@
 #include "core/reports/report_text.h"
 #include "desktop/kit/print_sheet.h"
 #include "desktop/kit/text.h"
-#include "desktop/reports/chart_drawing.h"
 #include "desktop/reports/chart_panel.h"
 #include "desktop/reports/report_form.h"
 #include "desktop/reports/report_name_form.h"
+#include "paper/chart_picture.h"
 
 // What is kept of a report under a name, what is printed of it, and the chart beside it.
 
@@ -172,7 +172,7 @@ void ReportForm::cmdPrint_Click() {
   TakeArrangement();
   Sheet sheet = ReportSheet(*report_);
   if (!chartPanel_->isHidden())
-    if (const auto chart = chartPanel_->Chart()) sheet.blocks.insert(sheet.blocks.begin(), ChartBlock(*chart));
+    if (const auto chart = chartPanel_->Chart()) sheet.blocks.insert(sheet.blocks.begin(), paper::ChartBlock(*chart));
   PrintSheet(windows, sheet);
 }
 
