@@ -5,6 +5,7 @@
 
 #include "cli/color_fields.h"
 #include "cli/formula_import_commands.h"
+#include "core/base/write_over.h"
 #include "core/exchange/formula_export.h"
 #include "core/exchange/formula_file.h"
 
@@ -48,6 +49,7 @@ Result<Json> Export(Context& context, const ExportOptions& options) {
   selection.from = *from;
   selection.to = *to;
   if (options.by == "modified") selection.by = FormulaDate::Modified;
+  if (const auto may = MayWriteOver(context.session.prompt, path, "File"); !may) return std::unexpected(may.error());
   const auto report = ExportFormulas(context.session, static_cast<FormulaFormat>(options.format), selection, path);
   if (!report) return std::unexpected(report.error());
   context.text = ExportCompleteText(*report, path) + "\n";

@@ -3,6 +3,7 @@
 
 #include "cli/frame.h"
 #include "core/base/text.h"
+#include "core/base/write_over.h"
 #include "core/colors/names.h"
 #include "core/labels/label_drawing.h"
 #include "paper/label_print.h"
@@ -108,6 +109,7 @@ Result<Json> PrintLabels(Context& context, const PrintWords& words) {
                      {"Reason", check.Reads ? Json() : Json(check.Reason)}});
   for (paper::CodeCheck& fault : paper::CheckPlaces(session, *drawing, words.dots)) checks.push_back(std::move(fault));
   if (const auto wanted = paper::AskAboutFaults(session, checks); !wanted) return std::unexpected(wanted.error());
+  if (const auto may = MayWriteOver(session.prompt, words.out, "out"); !may) return std::unexpected(may.error());
   const paper::LabelJob job{.paper = PaperOfLayout(session, kind, *name),
                             .drawings = {*drawing},
                             .count = ReadLabelCount(words.labels),

@@ -14,6 +14,7 @@
 #include "core/base/number.h"
 #include "core/base/platform.h"
 #include "core/base/text.h"
+#include "core/base/write_over.h"
 #include "core/colors/rollup.h"
 #include "core/datafile/file_kind.h"
 #include "core/datafile/lifecycle.h"
@@ -149,6 +150,7 @@ Arrangement ArrangementOf(const ListWish& wish, const ListTable& table) {
 /// The file that was printed into, or the refusal when nothing was.
 Result<Json> Print(const Context& context, const Commands& commands) {
   const std::string& out = commands.print.out;
+  if (const auto may = MayWriteOver(context.session.prompt, out, "out"); !may) return std::unexpected(may.error());
   const Sheet sheet =
       context.sheet ? *context.sheet
                     : Sheet::Of(context.title, Arranged(*context.list, ArrangementOf(commands.wish, *context.list)));

@@ -6,6 +6,7 @@
 #include "cli/seams.h"
 #include "core/base/files.h"
 #include "core/base/text.h"
+#include "core/base/write_over.h"
 #include "core/cloud/cloud_files.h"
 #include "core/cloud/cloud_reports.h"
 #include "core/reports/catalogue.h"
@@ -344,6 +345,8 @@ Result<Json> RunReport(Context& context, const RunOptions& options) {
   const auto order = OrderOf(context, options);
   if (!order) return std::unexpected(order.error());
   const std::string& out = options.print.out;
+  if (!out.empty())
+    if (const auto may = MayWriteOver(context.session.prompt, out, "out"); !may) return std::unexpected(may.error());
   const auto report = BuildOrder(context, *order, options);
   if (!report) return std::unexpected(report.error());
   if (!out.empty()) return WriteReport(context, *order->definition, *report, options);

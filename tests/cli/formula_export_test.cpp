@@ -47,7 +47,7 @@ TEST(CliFormulaFiles, TheSampleInkRoomComesBackInEveryFormat) {
     const std::string database = "COPY " + std::to_string(format);
     room.Json({"db", "create", database});
     room.Json({"--db", database, "formula", "import", out});
-    room.Json({"--db", database, "formula", "export", file("back.mfe")});
+    room.Json({"--yes", "--db", database, "formula", "export", file("back.mfe")});
     EXPECT_EQ(Formulas(file("back.mfe"), format < 4), Formulas(file("all.mfe"), format < 4));
   }
 }
@@ -61,7 +61,7 @@ TEST(CliFormulaFiles, AreChosenByNameAndByDay) {
   room.Json({"--today", "2026-02-01", "formula", "edit", "PINK", "RED=100"});
   const std::string out = (room.folder / "out.txt").string();
   const auto names = [&](Words words) {
-    words.insert(words.begin(), {"formula", "export"});
+    words.insert(words.begin(), {"--yes", "formula", "export"});
     words.insert(words.end(), {"--out", out});
     const test::CliAnswer answer = room.Run(words);
     if (answer.status != 0) return answer.err;

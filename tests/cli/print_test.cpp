@@ -17,7 +17,7 @@ struct PrintShop : test::CliRoom {
     Json({"--yes", "batch", "save", "--formula", "PINK", "--quantity", "20", "--mix", "--short-note", "for the fair"});
   }
   std::vector<std::string> Print(Words words, const std::string& name = "out.pdf") const {
-    words.insert(words.end(), {"--out", folder / name});
+    words.insert(words.end(), {"--out", folder / name, "--yes"});
     const auto answer = Json(words);
     EXPECT_EQ(answer["File"], (folder / name).string());
     const auto pages = ReadPdf(folder / name);
@@ -62,6 +62,32 @@ TEST(CliPrint, TellsWhyNothingWasPrinted) {
   EXPECT_EQ(shop.Run({"batch", "ticket", "1"}).status, 2);
   EXPECT_EQ(shop.Run({"batch", "ticket", "7", "--out", shop.folder / "no.pdf"}).status, 1);
   EXPECT_FALSE(std::filesystem::exists(shop.folder / "no.pdf"));
+}
+
+// Whatever writes a file that is named to it: one that is there stays until somebody says that it may go.
+TEST(CliPrint, AFileThatIsThereIsAskedAbout) {
+  const PrintShop shop;
+  for (const Words& words : {Words{"color", "list", "--out", "x.pdf"},
+                             {"batch", "ticket", "1", "--out", "x.pdf"},
+                             {"label", "print", "Default Label", "Color Name=RED", "--out", "x.pdf"},
+                             {"report", "run", "InventoryForm", "--out", "x.pdf"},
+                             {"report", "run", "InventoryForm", "--out", "x.txt"},
+                             {"report", "export", "InventoryForm", "--out", "x.xlsx"},
+                             {"report", "chart", "InventoryForm", "--out", "x.svg"},
+                             {"formula", "export", "x.mfe"},
+                             {"batch", "export", "--first", "1", "--last", "1", "--out", "x.txt"}}) {
+    const std::filesystem::path file = shop.folder / words.back();
+    ReplaceFile(file, "old");
+    Words asked = words;
+    asked.back() = file.string();
+    EXPECT_EQ(shop.Run(asked).status, 3) << words[0] << " " << words[1];
+    EXPECT_EQ(ReadFileBytes(file), "old") << words[0] << " " << words[1];
+    asked.insert(asked.begin(), "--no");
+    EXPECT_EQ(shop.Run(asked).status, 1) << words[0] << " " << words[1];
+    asked.front() = "--yes";
+    EXPECT_EQ(shop.Run(asked).status, 0) << words[0] << " " << words[1];
+    EXPECT_NE(ReadFileBytes(file), "old") << words[0] << " " << words[1];
+  }
 }
 
 }  // namespace

@@ -143,7 +143,7 @@ TEST(CliUsers, CostsAreHiddenFromReportsFilesAndSearches) {
     const std::vector<std::string> run{"report",    "run",       "InventoryForm", "--columns",
                                        "Inventory", "Unit Cost", "Total Cost"};
     std::vector<std::string> words = run;
-    words.insert(words.end(), {"--out", file});
+    words.insert(words.end(), {"--out", file, "--yes"});
     EXPECT_EQ(room.As(user, password, words).status, 0);
     words = run;
     words.insert(words.begin(), "--json");

@@ -3,10 +3,10 @@
 #include <fmt/format.h>
 
 #include <algorithm>
-#include <system_error>
 
 #include "core/base/files.h"
 #include "core/base/text.h"
+#include "core/base/write_over.h"
 #include "core/reports/report_database.h"
 #include "core/reports/spreadsheet.h"
 
@@ -35,9 +35,7 @@ Result<fs::path> ExportPath(Session& session, const fs::path& folder, std::strin
   if (file.size() < extension.size() || !EqualNoCase(file.substr(file.size() - extension.size()), extension))
     file += extension;
   fs::path path = folder / file;
-  std::error_code error;
-  if (fs::exists(path, error) && !session.prompt.Ask("Overwrite File", "Overwrite existing file?", Answer::No))
-    return Decline("Overwrite File", "txtFileName");
+  if (auto may = MayWriteOver(session.prompt, path, "txtFileName"); !may) return std::unexpected(may.error());
   // Its neighbour is what is made here and goes again; the file itself is not touched.
   const FileBeside trial(path, Readers::Everybody);
   return path;

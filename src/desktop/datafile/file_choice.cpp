@@ -3,9 +3,9 @@
 #include <QCoreApplication>
 #include <QFileDialog>
 #include <QStandardPaths>
-#include <system_error>
 #include <utility>
 
+#include "core/base/write_over.h"
 #include "desktop/kit/text.h"
 
 namespace vellumark::desktop {
@@ -38,10 +38,7 @@ QString ChooseDocument(const FileChooser& choose, Prompt& prompt, FileChoice cho
   choice.folder = QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation);
   choice.newFile = true;
   QString file = choose(choice, owner);
-  std::error_code none;
-  if (!file.isEmpty() && std::filesystem::exists(U8(file), none) &&
-      !prompt.Ask("Overwrite File", "Overwrite existing file?", Answer::No))
-    return {};
+  if (!file.isEmpty() && !MayWriteOver(prompt, U8(file))) return {};
   return file;
 }
 

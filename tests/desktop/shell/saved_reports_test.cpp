@@ -413,7 +413,7 @@ TEST_F(ReportsAtWork, TheMonthsEndAgreesOnScreenOnPaperInFilesAndOnTheCommandLin
   Settle();
   for (const std::string& name : reports) {
     std::vector<std::string> words{"--now", "2026-03-10 12:00:00", "report",      "export", name,           "--columns",
-                                   "all",   "--no-headings",       "--no-totals", "--out",  Path("cli.txt")};
+                                   "all",   "--no-headings",       "--no-totals", "--out",  Path("cli.txt"), "--yes"};
     if (!FindReport(name)->dateRangeKey.empty())
       words.insert(words.end(), {"--from", "2026-03-01", "--to", "2026-03-31"});
     const CliAnswer answer = room.Run(words);
