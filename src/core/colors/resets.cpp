@@ -11,6 +11,7 @@
 #include "core/base/progress_run.h"
 #include "core/colors/amounts.h"
 #include "core/colors/rollup.h"
+#include "core/datafile/cost_decimals.h"
 #include "core/datafile/row_pieces.h"
 #include "core/datafile/schema.h"
 #include "core/session/acts.h"
@@ -204,8 +205,7 @@ Result<bool> ChangeDecimalPlaces(Session& session, int decimalPlaces) {
   // Marked before the setting, which stands in another file: whoever dies between the two leaves nothing behind.
   if (session.DataFileDB) {
     Transaction transaction(session.File());
-    for (const std::string& database : session.databaseList)
-      MarkPendingRollUps(session.File(), database, {.cost = true});
+    SettleCostDecimals(session.File(), session.databaseList, decimalPlaces);
     MarkRollUpsStale(session, {.cost = true});
     transaction.Commit();
   }

@@ -13,6 +13,7 @@
 #include "core/batch/leave.h"
 #include "core/colors/guide_database.h"
 #include "core/colors/rollup.h"
+#include "core/datafile/cost_decimals.h"
 #include "core/datafile/databases.h"
 #include "core/datafile/file_kind.h"
 #include "core/datafile/lifecycle.h"
@@ -137,6 +138,7 @@ void OpenContent(Session& session, const FileInfoRow& info, OpeningWindows& wind
   if (!session.ArchiveView) session.File().CompleteLayout(info.dbList);
   TellWhatIsUnsound(session);
   if (!session.ArchiveView) {
+    SettleCostDecimals(session.File(), info.dbList, session.DecimalPlaces);
     if (HasStockHistory(session.File())) {
       BringStockHistoryUpToDate(session.File(), info.dbList);
     } else {

@@ -354,6 +354,24 @@ TEST(Opening, WhatASessionThatDiedLeftPendingIsDone) {
   ASSERT_TRUE(*ChangeDecimalPlaces(session, 2));
   EXPECT_EQ(costs("GAMMA"), 9.06F);
   CloseDataFile(session, start.windows);
+
+  // The accuracy is the machine's: its other files follow at their next opening, each way.
+  const fs::path other = start.folder / "Other.vkd";
+  fs::copy_file(died, other);
+  OpenDataFile(session, start.windows);
+  ASSERT_TRUE(*ChangeDecimalPlaces(session, 4));
+  CloseDataFile(session, start.windows);
+  session.DataFileName = other.string();
+  OpenDataFile(session, start.windows);
+  EXPECT_EQ(costs("INK"), 8.125F);
+  EXPECT_EQ(costs("GAMMA"), 9.0625F);
+  start.prompt.Expect("Warning", Answer::Yes);
+  ASSERT_TRUE(*ChangeDecimalPlaces(session, 2));
+  CloseDataFile(session, start.windows);
+  session.DataFileName = died.string();
+  OpenDataFile(session, start.windows);
+  EXPECT_EQ(costs("GAMMA"), 9.06F);
+  CloseDataFile(session, start.windows);
 }
 
 TEST(Opening, ANewFileGetsItsFirstDatabaseAndACopyIsReadOnly) {
