@@ -28,7 +28,7 @@ BasicColorsForm::BasicColorsForm(WindowList& windowList)
   measurements_ = new MeasurementsPanel(*this, tabs, ColorKind::Basic);
   form.Buttons({save_ = form.Button("cmdSave", tr("&Save")), cancel_ = form.Button("cmdCancel", tr("Cancel")),
                 form.Button("cmdPrevious", tr("Previous"), Qt::Key_PageUp),
-                form.Button("cmdNext", tr("Next"), Qt::Key_PageDown),
+                form.Button("cmdNext", tr("Next"), Qt::Key_PageDown), FindButton(form),
                 rename_ = form.Button("cmdRename", tr("Rename"), Qt::Key_F6),
                 whereUsed_ = form.Button("cmdWhereUsed", tr("Where used"), Qt::Key_F7),
                 delete_ = form.Button("cmdDelete", tr("Delete")), print_ = form.Button("cmdPrint", tr("Print")),

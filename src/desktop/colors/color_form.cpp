@@ -27,6 +27,10 @@ NameKind NamesOf(ColorKind kind) {
   return kind == ColorKind::Basic ? NameKind::Basics : NameKind::Formulas;
 }
 
+const char* FindWindow(ColorKind kind) {
+  return kind == ColorKind::Basic ? "FindBasic" : "FindMix";
+}
+
 }  // namespace
 
 ColorForm::ColorForm(WindowList& windowList, const char* name, const QString& title, ColorKind kind,
@@ -39,6 +43,12 @@ void ColorForm::BuildName(Form& form) {
   low_ = LowStockLink(form);
   state_ = form.Hint({}, "lblState");
   multiple_ = form.Link("cmdPrintMultiple", tr("Reports"));
+}
+
+CommandButton* ColorForm::FindButton(Form& form) {
+  CommandButton* find = form.Button("cmdFind", tr("Find"), QKeySequence::Find);
+  find->setVisible(windows.Knows(FindWindow(kind_)));
+  return find;
 }
 
 void ColorForm::Listen() {
@@ -146,6 +156,10 @@ void ColorForm::cmdPrevious_Click() {
 
 void ColorForm::cmdNext_Click() {
   Walk(true);
+}
+
+void ColorForm::cmdFind_Click() {
+  if (windows.Knows(FindWindow(kind_))) windows.OpenForm(FindWindow(kind_));
 }
 
 void ColorForm::cmdWhereUsed_Click() {

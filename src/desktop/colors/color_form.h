@@ -24,6 +24,7 @@ class ColorForm : public Window {
   void cmdCancel_Click();
   void cmdPrevious_Click();
   void cmdNext_Click();
+  void cmdFind_Click();
   void cmdWhereUsed_Click();
   void cmdPrint_Click() override;
   void cmdPrintLabel_Click();
@@ -52,6 +53,7 @@ class ColorForm : public Window {
 
   /// The name, its ink and what is said of the record beside it.
   void BuildName(Form& form);
+  CommandButton* FindButton(Form& form);
   void Listen();
   /// The commands that depend on the record alone. `low`: it is below its reorder point.
   void EnableCommands(bool low);

@@ -1,6 +1,7 @@
 #include "desktop/colors/ingredients_panel.h"
 
 #include <QGridLayout>
+#include <tuple>
 
 #include "core/base/text.h"
 #include "core/base/units.h"
@@ -97,15 +98,20 @@ void IngredientsPanel::BuildTotals(Form& form, QGridLayout& grid) {
     line->addWidget(label);
     line->addWidget(value);
     line->addSpacing(space::kGap);
-    return value;
+    return std::pair{label, value};
   };
-  const QString unit = Q(UnitName(host_.session.UMI));
   const bool priceBlocked = host_.session.Perm_Costs == 0;
-  cost_ = total("lblBasicCost", tr("Cost per %1").arg(unit), !priceBlocked);
+  std::tie(costCaption_, cost_) = total("lblBasicCost", {}, !priceBlocked);
+  costCaption_->setObjectName("lblBasicCostPer");
   if (priceBlocked) line->addWidget(form.Hint(tr("User Permissions - Price Blocked"), "lblBasicCostBlocked"));
-  voc_ = total("lblVOCBasics", tr("VOC"), true);
-  hap_ = total("lblHAPBasics", tr("HAP"), true);
+  voc_ = total("lblVOCBasics", tr("VOC"), true).second;
+  hap_ = total("lblHAPBasics", tr("HAP"), true).second;
   line->addStretch(1);
+  Relabel();
+}
+
+void IngredientsPanel::Relabel() {
+  costCaption_->setText(tr("Cost per %1").arg(Q(UnitName(host_.session.UMI))));
 }
 
 // ---- Showing

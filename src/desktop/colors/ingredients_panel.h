@@ -33,6 +33,8 @@ class IngredientsPanel : public QObject {
   /// The lines as they stand.
   void ReadInto(FormulaWork& work) const;
   bool IsChanged() const;
+  /// The unit has changed.
+  void Relabel();
   /// Only then can lines be typed into.
   void SetEditable(bool editable);
 
@@ -75,6 +77,7 @@ class IngredientsPanel : public QObject {
   bool editable_ = false;
   bool showing_ = false;
   ValueField* parts_ = nullptr;
+  QLabel* costCaption_ = nullptr;
   ValueField* cost_ = nullptr;
   ValueField* voc_ = nullptr;
   ValueField* hap_ = nullptr;

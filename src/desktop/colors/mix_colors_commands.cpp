@@ -107,8 +107,4 @@ void MixColorsForm::cmdModified_Click() {
   Reload();
 }
 
-void MixColorsForm::cmdFind_Click() {
-  if (windows.Knows("FindMix")) windows.OpenForm("FindMix");
-}
-
 }  // namespace vellumark::desktop

@@ -106,10 +106,9 @@ void MixColorsForm::BuildButtons(Form& form) {
   whereUsed_ = form.Button("cmdWhereUsed", tr("Where used"), Qt::Key_F7);
   duplicate_ = form.Button("cmdDuplicate", tr("Duplicate"), Qt::Key_F8);
   delete_ = form.Button("cmdDelete", tr("Delete"));
-  CommandButton* find = form.Button("cmdFind", tr("Find"), QKeySequence::Find);
-  find->setVisible(windows.Knows("FindMix"));
   form.Buttons({save_, cancel_, form.Button("cmdPrevious", tr("Previous"), Qt::Key_PageUp),
-                form.Button("cmdNext", tr("Next"), Qt::Key_PageDown), find, rename_, whereUsed_, duplicate_, delete_});
+                form.Button("cmdNext", tr("Next"), Qt::Key_PageDown), FindButton(form), rename_, whereUsed_, duplicate_,
+                delete_});
 }
 
 void MixColorsForm::Listen() {
@@ -267,6 +266,7 @@ void MixColorsForm::OnChanges(const std::vector<Change>& changes) {
   bool batches = false;
   for (const Change& change : changes) {
     if (change.kind == Change::Kind::Settings) {
+      ingredients_->Relabel();
       details_->Relabel();
       inventory_->Relabel();
       mine = work_ && work_->key != 0;

@@ -42,7 +42,6 @@ class MixColorsForm : public ColorForm {
   void cmdDuplicate_Click();
   void cmdAutoAdjust_Click();
   void cmdModified_Click();
-  void cmdFind_Click();
 
  private:
   static constexpr const char* kFormulaPage = "TabFormula";

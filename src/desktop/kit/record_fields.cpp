@@ -94,7 +94,7 @@ bool GoesOnWithin(const FormHost& host, const QWidget* to) {
 }
 
 bool LeavesNameAlone(const QWidget& to) {
-  static constexpr std::array<const char*, 3> commands{"cmdCancel", "cmdPrevious", "cmdNext"};
+  static constexpr std::array<const char*, 4> commands{"cmdCancel", "cmdPrevious", "cmdNext", "cmdPrintMultiple"};
   return std::ranges::any_of(commands, [&](const char* name) { return to.objectName() == QLatin1String(name); });
 }
 

@@ -9,6 +9,7 @@
 #include <QLineEdit>
 #include <QPlainTextEdit>
 #include <QTabWidget>
+#include <tuple>
 
 #include "colors_desk.h"
 #include "core/colors/basics.h"
@@ -24,6 +25,11 @@ const std::string kPad20(20, ' ');
 
 struct BasicColorsTest : testing::Test, ColorsDesk {
   desktop::Window& Open() { return ColorsDesk::Open("BasicColorsForm"); }
+  /// A window of another room, empty.
+  void Have(const char* name) {
+    windows.Register(
+        name, [name](desktop::WindowList& list) -> desktop::Window* { return new desktop::Window(list, name, name); });
+  }
 };
 
 TEST_F(BasicColorsTest, ANewColorByKeyboardAlone) {
@@ -60,10 +66,24 @@ TEST_F(BasicColorsTest, ANewColorByKeyboardAlone) {
 TEST_F(BasicColorsTest, LeavingTheName) {
   Basic("RED");
   Mix("GREEN", {{"RED", 100}});
+  Have("ReportsForm");
+  Have("FindBasic");
   Open();
   // Nothing typed: the focus stays, whatever is clicked but the commands that need no name.
   Click(*form, "txtReorder");
   EXPECT_EQ(FocusName(), kName);
+  // Reports and a search want no name either; only the search gives up what was typed.
+  for (const auto& [button, window, left] :
+       {std::tuple{"cmdPrintMultiple", "ReportsForm", "CRIMSON"}, {"cmdFind", "FindBasic", ""}}) {
+    Fill(*form, kName, "");
+    Type(Control(*form, kName), "CRIMSON");
+    Click(*form, button);
+    EXPECT_EQ(Text(kName), left);
+    ASSERT_TRUE(windows.IsFormOpen(window)) << window;
+    EXPECT_TRUE(windows.Form(window)->Leave());
+    Settle();
+    ShowActive(*form);
+  }
   Enter("red");
   EXPECT_EQ(FocusName(), "txtColorCode");
   EXPECT_TRUE(IsOn("cmdDelete"));
@@ -388,6 +408,7 @@ TEST_F(BasicColorsTest, StandsBackForABatchInEdit) {
 
 TEST_F(BasicColorsTest, WithTheSampleInkRoom) {
   HaveSampleInkRoom(*this, 0);
+  Have("FindBasic");
   Open();
   Picture(*form, "basic-colors-empty");
   Enter("FLUO ORANGE");

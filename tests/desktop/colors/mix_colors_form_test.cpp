@@ -16,6 +16,7 @@
 #include "core/colors/lab.h"
 #include "core/colors/rename.h"
 #include "core/colors/template_file.h"
+#include "core/session/settings.h"
 #include "support/template_room.h"
 
 namespace vellumark::test {
@@ -584,6 +585,10 @@ TEST_F(MixColorsTest, OpensWithTheFiguresAsTheyAreStored) {
   Fill(*form, "BQ0", "60");
   EXPECT_EQ(Label("lblBasicCost") + " " + Label("lblVOCBasics") + " " + Label("lblHAPBasics"), "5.50 0.150 0.000");
   GiveUp();
+  EXPECT_EQ(Label("lblBasicCostPer"), "Cost per lb.");
+  StoreSettings(session, {setting::UMI.To(2)});
+  windows.DeliverChanges();
+  EXPECT_EQ(Label("lblBasicCostPer"), "Cost per kg.");
 }
 
 TEST_F(MixColorsTest, TwoWindowsOnOneInkLoseNothing) {
