@@ -48,6 +48,48 @@ struct Place {
   const Table* table = nullptr;
 };
 
+// What a change took beside the right of its act, and its opposite takes again.
+struct OwnRight {
+  const Table* table = nullptr;
+  What what = What::Updated;
+  std::vector<std::string> fields;  // of which one has changed; none: whatever has
+  Act act = Act::Work;
+  bool ofWork = false;  // only in the day's work: acts on many colours at once asked for a right of their own
+};
+
+const std::vector<OwnRight>& OwnRights() {
+  static const std::vector<OwnRight> rights = [] {
+    std::vector<std::string> recipe{"AddSetName"};
+    for (int slot = 0; slot < schema::kIngredientSlots; ++slot)
+      for (const char* word : {"BC", "BQ"}) recipe.push_back(schema::Numbered(word, slot));
+    std::vector<OwnRight> all{
+        {&schema::Basic, What::Added, {}, Act::AddBasics, true},
+        {&schema::Mix, What::Added, {}, Act::EditFormulas, true},
+        {&schema::Mix, What::Removed, {}, Act::EditFormulas, true},
+        {&schema::Mix, What::Updated, recipe, Act::EditFormulas, true},
+        {&schema::BasicLotInv, What::Updated, {"LotPrice"}, Act::EditCosts},
+        {&schema::MixLotInv, What::Updated, {"LotPrice"}, Act::EditCosts},
+        // The figures of a Batch follow from its lines, the models were chosen.
+        {&schema::Batch,
+         What::Updated,
+         {"CostModelType", "MixCostOption", "FixedCostOfBatch", "FixedCostPerUnit", "MarkupPercent"},
+         Act::EditCosts},
+        {&schema::Batch, What::Updated, {"MixVOCModelType", "MixHAPModelType"}, Act::EditEmissions},
+    };
+    for (const Table* colors : {&schema::Basic, &schema::Mix}) {
+      all.push_back({colors, What::Updated, {"PurchaseCost"}, Act::EditCosts});
+      all.push_back({colors, What::Updated, {"VOC", "HAP"}, Act::EditEmissions});
+    }
+    return all;
+  }();
+  return rights;
+}
+
+// A field that was empty is no other than 0 or no text.
+bool Differ(const Value& after, const Value& before) {
+  return after.IsText() || before.IsText() ? after.Text() != before.Text() : after.Single() != before.Single();
+}
+
 class TakingBack {
  public:
   TakingBack(Session& session, const UndoEntry& entry, std::vector<RecordedChange> changes)
@@ -124,21 +166,33 @@ class TakingBack {
   static bool IsOfJobs(const RecordedChange& change) { return EqualNoCase(change.table, schema::JobRecords.name); }
   static bool IsOfDesigns(const RecordedChange& change) { return EqualNoCase(change.table, schema::Designs.name); }
 
-  // A price or an emission of a colour or lot asks for its own right, with whatever act it was changed. What stands in
-  // a Batch follows from its lines, and a field that was empty is no other than 0.
+  // A new name of a Basic Color goes through all recipes, which asked for nothing.
+  bool RenamesBasics() const {
+    return std::ranges::any_of(changes_, [&](const RecordedChange& change) {
+      const Place* place = PlaceOf(change);
+      return change.what == What::Updated && place != nullptr && place->table == &schema::Basic &&
+             Find(change, "Color_Name", true) != nullptr;
+    });
+  }
+  // Whether this change took the right of the rule.
+  static bool Took(const RecordedChange& change, const OwnRight& rule) {
+    if (change.what != rule.what) return false;
+    return rule.fields.empty() || std::ranges::any_of(rule.fields, [&](const std::string& field) {
+             const Value* after = Find(change, field, true);
+             return after != nullptr && Differ(*after, *Find(change, field, false));
+           });
+  }
   Result<void> CheckRights() const {
-    const auto asks = [&](const RecordedChange& change, std::initializer_list<const char*> figures, Act act) {
-      const bool changed = std::ranges::any_of(figures, [&](const char* figure) {
-        const Value* after = Find(change, figure, true);
-        return after != nullptr && after->Single() != Find(change, figure, false)->Single();
-      });
-      return changed ? RequireAct(session_, act) : Result<void>{};
-    };
+    const bool own = entry_.act == static_cast<int>(Act::Work);
+    const bool renames = RenamesBasics();
     for (const RecordedChange& change : changes_) {
-      const Place* place = change.what == What::Updated ? PlaceOf(change) : nullptr;
-      if (place == nullptr || place->table == &schema::Batch || place->table == &schema::BatchLotInv) continue;
-      if (auto allowed = asks(change, {"PurchaseCost", "LotPrice"}, Act::EditCosts); !allowed) return allowed;
-      if (auto allowed = asks(change, {"VOC", "HAP"}, Act::EditEmissions); !allowed) return allowed;
+      const Place* place = PlaceOf(change);
+      if (place == nullptr) continue;
+      for (const OwnRight& rule : OwnRights()) {
+        if (rule.table != place->table || (rule.ofWork && !own) || !Took(change, rule)) continue;
+        if (renames && rule.act == Act::EditFormulas) continue;
+        if (auto allowed = RequireAct(session_, rule.act); !allowed) return allowed;
+      }
     }
     return {};
   }

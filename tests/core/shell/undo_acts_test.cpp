@@ -104,6 +104,33 @@ struct BusyRoom : UndoRoom {
     Must(Must(SaveBatch(hands, record, dialogs, nullptr, MoveOn::Nowhere)) == SaveEnd::Stored);
     opened.reset();
   }
+  /// Only what is chosen for its costs and emissions.
+  void ChangeModels(float markup) {
+    BatchRecord& record = Opened();
+    NoBatchDialogs dialogs;
+    BatchCostModel model = record.work.cost;
+    model.MarkupPercent = markup;
+    model.MixVOCModelType = 1;
+    Must(SetBatchCostModel(hands, record, model, false));
+    Must(SetBatchEmissionModel(hands, record, model, false));
+    Must(Must(SaveBatch(hands, record, dialogs, nullptr, MoveOn::Nowhere)) == SaveEnd::Stored);
+    opened.reset();
+  }
+  /// A Batch with an addition that its formula takes up.
+  void FoldIntoFormula(const std::string& formula, const std::string& addition) {
+    struct Taking : NoBatchDialogs {
+      std::optional<ModifiedBatchChoice> ShowSaveModifiedBatch(Session&, const BatchRecord&) override {
+        return ModifiedBatchChoice{FormulaChange::Update, ""};
+      }
+    } dialogs;
+    BatchRecord record = NewBatchRecord(hands);
+    Must(EnterBatchColor(hands, record, formula));
+    record.work.QuantityText = "12.5";
+    Must(Must(MixBatch(hands, record)));
+    Must(AddBatchAdditions(hands, record, {{addition, "2"}}));
+    Must(TakeOldestLots(hands, record));
+    Must(Must(SaveBatch(hands, record, dialogs, nullptr, MoveOn::Nowhere)) == SaveEnd::Stored);
+  }
   void DropBatch() {
     NoBatchDialogs dialogs;
     Must(Must(DeleteBatch(hands, Opened(), dialogs, MoveOn::Nowhere)));
@@ -137,6 +164,11 @@ struct BusyRoom : UndoRoom {
     work.grid[2] = {ingredient, "10"};
     Must(SaveFormula(hands, work));
   }
+  void NoteOnFormula(const std::string& name, const std::string& note) {
+    FormulaWork work = Formula(name);
+    work.Notes = note;
+    Must(SaveMix(hands, work));
+  }
   void ChangeDesign(const std::string& id, const std::string& text) {
     DesignWork work = Must(OpenDesign(hands, id));
     Must(EnterDesignField(work, "Description", text));
@@ -161,13 +193,16 @@ struct BusyRoom : UndoRoom {
 };
 
 using Step = std::function<void(BusyRoom&)>;
+void Nothing(BusyRoom&) {}
 struct Case {
   Undoable kind;
   std::string what;
   Step act;
   Step built;  ///< on what the act left
   std::string why;
-  Step before = [](BusyRoom&) {};  ///< what stands before the act
+  Step before = Nothing;  ///< what stands before the act
+  /// What it takes besides the rights of its kind.
+  std::vector<std::uint8_t UserRights::*> takes = {};
 };
 
 // The room of each is the same: Batch 1 of PINK and the Job J1 stand.
@@ -178,6 +213,11 @@ std::vector<Case> StockCases() {
        [](BusyRoom& r) { r.Deliver("BLUE", "A"); }, "a lot of BLUE was changed"},
       {ChangeBatch, "Change Batch 000001 of PINK", [](BusyRoom& r) { r.ChangeBatch("25"); },
        [](BusyRoom& r) { r.Deliver("WHITE", "A"); }, "a lot of WHITE was changed"},
+      {ChangeBatch, "Change Batch 000001 of PINK", [](BusyRoom& r) { r.ChangeModels(12); },
+       [](BusyRoom& r) { r.ChangeModels(15); }, "a Batch of PINK was changed", Nothing,
+       {&UserRights::Edit_Costs, &UserRights::Edit_VOCHAP}},
+      {SaveBatch, "Save Batch 000002 of SKY", [](BusyRoom& r) { r.FoldIntoFormula("SKY", "GREEN"); },
+       [](BusyRoom& r) { r.AddToFormula("SKY", "RED"); }, "SKY was changed", Nothing, {&UserRights::Edit_MasterFormula}},
       {DeleteBatch, "Delete Batch 000001", [](BusyRoom& r) { r.DropBatch(); },
        [](BusyRoom& r) { r.Deliver("RED", "A"); }, "a lot of RED was changed"},
       {TakeOverBatch, "Take Batch 000001 of PINK from a backup",
@@ -260,19 +300,22 @@ std::vector<Case> ColorCases() {
   using enum Undoable;
   return {
       {SaveBasic, "Change RED", [](BusyRoom& r) { r.ChangeBasic("RED", "R1", "9.5", "0.25"); },
-       [](BusyRoom& r) { r.ChangeBasic("RED", "R2"); }, "RED was changed"},
+       [](BusyRoom& r) { r.ChangeBasic("RED", "R2"); }, "RED was changed", Nothing,
+       {&UserRights::Edit_Costs, &UserRights::Edit_VOCHAP}},
       {SaveBasic, "Add VIOLET",
        [](BusyRoom& r) {
          BasicWork work = NewBasicWork(r.hands, "VIOLET");
          BusyRoom::Must(vellumark::SaveBasic(r.hands, work));
        },
-       [](BusyRoom& r) { r.AddToFormula("SKY", "VIOLET"); }, "VIOLET: formulas have it now"},
+       [](BusyRoom& r) { r.AddToFormula("SKY", "VIOLET"); }, "VIOLET: formulas have it now", Nothing,
+       {&UserRights::Edit_MasterFormula}},
       {RenameBasic, "Rename RED to CRIMSON",
        [](BusyRoom& r) { BusyRoom::Must(vellumark::RenameBasic(r.hands, "RED", "CRIMSON").value().done); },
        [](BusyRoom& r) { r.AddToFormula("SKY", "CRIMSON"); }, "CRIMSON: formulas have it now"},
       {RenameBasic, "Merge RED to GREEN",
        [](BusyRoom& r) { BusyRoom::Must(vellumark::RenameBasic(r.hands, "RED", "GREEN").value().done); },
-       [](BusyRoom& r) { r.AddToFormula("PINK", "BLUE"); }, "PINK was changed"},
+       [](BusyRoom& r) { r.AddToFormula("PINK", "BLUE"); }, "PINK was changed", Nothing,
+       {&UserRights::Edit_MasterFormula}},
       {DeleteBasic, "Delete GREEN",
        [](BusyRoom& r) { BusyRoom::Must(vellumark::DeleteBasic(r.hands, "GREEN").value()); },
        [](BusyRoom& r) { AddZeroBasic(r.hands, "GREEN", false); }, "Another GREEN has been made since"},
@@ -282,7 +325,9 @@ std::vector<Case> ColorCases() {
          work.grid[2] = {"GREEN", "5"};
          BusyRoom::Must(vellumark::SaveMix(r.hands, work));
        },
-       [](BusyRoom& r) { r.AddToFormula("SKY", "RED"); }, "SKY was changed"},
+       [](BusyRoom& r) { r.AddToFormula("SKY", "RED"); }, "SKY was changed", Nothing, {&UserRights::Edit_MasterFormula}},
+      {SaveMix, "Change the Master Formula SKY", [](BusyRoom& r) { r.NoteOnFormula("SKY", "Run it slowly"); },
+       [](BusyRoom& r) { r.NoteOnFormula("SKY", "Run it fast"); }, "SKY was changed"},
       {SaveMix, "Add the Master Formula DAWN",
        [](BusyRoom& r) {
          FormulaWork work = NewFormulaWork(r.hands, "DAWN");
@@ -290,7 +335,7 @@ std::vector<Case> ColorCases() {
          work.grid[1] = {"WHITE", "9"};
          BusyRoom::Must(vellumark::SaveMix(r.hands, work));
        },
-       [](BusyRoom& r) { BusyRoom::Must(r.MakeBatch("DAWN", "2")); }, "DAWN"},
+       [](BusyRoom& r) { BusyRoom::Must(r.MakeBatch("DAWN", "2")); }, "DAWN", Nothing, {&UserRights::Edit_MasterFormula}},
       {SaveFormula, "Change the ingredients of SKY", [](BusyRoom& r) { r.AddToFormula("SKY", "GREEN"); },
        [](BusyRoom& r) { r.AddToFormula("SKY", "RED"); }, "SKY was changed"},
       {DuplicateFormula, "Duplicate SKY as DUSK",
@@ -457,9 +502,9 @@ std::vector<Right> NeededFor(const Case& c) {
       {ImportFormulas, {&R::DBToolsMenu, &R::Edit_MasterFormula}},
       {ResetRowLots, {&R::Edit_Costs}},
   };
-  if (c.what == "Change RED") return {&R::Edit_Costs, &R::Edit_VOCHAP};
-  const auto found = needed.find(c.kind);
-  return found == needed.end() ? std::vector<Right>{} : found->second;
+  std::vector<Right> all = c.takes;
+  if (const auto found = needed.find(c.kind); found != needed.end()) std::ranges::copy(found->second, std::back_inserter(all));
+  return all;
 }
 
 TEST_P(UndoActs, IsTakenBackByWhoHasTheRightsAndByNobodyElse) {
