@@ -8,8 +8,7 @@
 namespace vellumark::cli {
 
 void AddUndoCommands(CLI::App& app, Commands& commands) {
-  auto* noun = app.add_subcommand("undo", "What was done last, and taking it back");
-  noun->require_subcommand(1);
+  CLI::App* noun = AddNoun(app, "undo", "What was done last, and taking it back");
   auto* list = noun->add_subcommand("list", "What can be taken back, the latest first");
   commands.AddList(list, Needs::File, "Take Back",
                    [](Context& context) { return context.Answer(UndoColumns().Of(ListUndo(context.session))); });

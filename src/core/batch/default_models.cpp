@@ -1,15 +1,10 @@
 #include "core/batch/default_models.h"
 
-#include "core/session/rights.h"
+#include "core/session/setting_acts.h"
 #include "core/session/settings.h"
 
 namespace vellumark {
 namespace {
-
-Result<void> MayStore(const Session& session, CommandRight right) {
-  if (auto writable = RequireWritable(session); !writable) return writable;
-  return RequireCommandRight(session, right);
-}
 
 // Calls `take` with the setting of each field and the field.
 template <class Take>
@@ -51,7 +46,7 @@ void StoreDefaultEmissionModels(Session& session, const BatchCostModel& model) {
 }
 
 Result<void> SaveDefaultCostModel(Session& session, const CostModelEntry& typed) {
-  if (auto may = MayStore(session, CommandRight::Costs); !may) return may;
+  if (auto may = RequireAct(session, ActOfSetting(setting::CostModelType.key)); !may) return may;
   const Result<BatchCostModel> model = ReadCostModel(session, typed, DefaultModels(session));
   if (!model) return std::unexpected(model.error());
   StoreDefaultCostModel(session, *model);
@@ -59,7 +54,7 @@ Result<void> SaveDefaultCostModel(Session& session, const CostModelEntry& typed)
 }
 
 Result<void> SaveDefaultEmissionModels(Session& session, int mixVOCModelType, int mixHAPModelType) {
-  if (auto may = MayStore(session, CommandRight::VOCHAP); !may) return may;
+  if (auto may = RequireAct(session, ActOfSetting(setting::VOCModelType.key)); !may) return may;
   BatchCostModel model = DefaultModels(session);
   model.MixVOCModelType = mixVOCModelType;
   model.MixHAPModelType = mixHAPModelType;

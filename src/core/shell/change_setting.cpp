@@ -3,8 +3,8 @@
 #include <fmt/format.h>
 
 #include "core/colors/resets.h"
-#include "core/session/acts.h"
 #include "core/session/options.h"
+#include "core/session/setting_acts.h"
 #include "core/session/settings.h"
 #include "core/settings/catalogue.h"
 #include "core/settings/support_files.h"
@@ -12,7 +12,7 @@
 namespace vellumark {
 
 Result<bool> ChangeSetting(Session& session, std::string_view key, std::string_view value) {
-  if (auto allowed = RequireAct(session, Act::Options); !allowed) return std::unexpected(allowed.error());
+  if (auto allowed = RequireAct(session, ActOfSetting(key)); !allowed) return std::unexpected(allowed.error());
   const SettingInfo* info = FindSetting(key);
   if (info == nullptr && !session.support->settings.Read().Contains(key))
     return Refuse("Settings", fmt::format("The settings have no key {}.", key), "KEY");

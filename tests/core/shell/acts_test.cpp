@@ -17,7 +17,10 @@
 #include "core/exchange/formula_import.h"
 #include "core/inventory/adjust.h"
 #include "core/session/options.h"
+#include "core/session/setting_acts.h"
+#include "core/session/settings.h"
 #include "core/session/users.h"
+#include "core/shell/change_setting.h"
 #include "core/shell/database_menu.h"
 #include "support/ink_room.h"
 
@@ -82,6 +85,9 @@ const Rule kRules[] = {
     {"SaveAutofill", Act::Options, [](Session& s) { return RefusalOf(SaveAutofill(s, true)); }},
     {"SaveInventorySettings", Act::Options, [](Session& s) { return RefusalOf(SaveInventorySettings(s, {})); }},
     {"ChangeDecimalPlaces", Act::Options, [](Session& s) { return RefusalOf(ChangeDecimalPlaces(s, 4)); }},
+    {"ChangeSetting of a unit", Act::Options, [](Session& s) { return RefusalOf(ChangeSetting(s, "UMI", "x")); }},
+    {"ChangeSetting of costs", Act::EditCosts, [](Session& s) { return RefusalOf(ChangeSetting(s, "MarkupPercent", "x")); }},
+    {"ChangeSetting of emissions", Act::EditEmissions, [](Session& s) { return RefusalOf(ChangeSetting(s, "HAPModelType", "x")); }},
     {"AddUser", Act::Users, [](Session& s) { return RefusalOf(AddUser(s, {})); }},
     {"DeleteUser", Act::Users, [](Session& s) { return RefusalOf(DeleteUser(s, "X")); }},
 };
@@ -140,6 +146,31 @@ TEST(Acts, EveryRuleAsksForTheRightsOfItsAct) {
     }
     room.session.ArchiveView = false;
   }
+}
+
+// Whatever a window stores asks by its key for the right that the window asks for.
+TEST(Acts, ASettingAsksForTheRightOfTheWindowThatStoresIt) {
+  test::InkRoom room;
+  const struct {
+    Act act;
+    std::function<bool(Session&)> store;
+  } windows[] = {
+      {Act::EditCosts, [](Session& s) { return SaveDefaultCostModel(s, {1, 2, "3", "4", "5"}).has_value(); }},
+      {Act::EditEmissions, [](Session& s) { return SaveDefaultEmissionModels(s, 1, 2).has_value(); }},
+      {Act::Options, [](Session& s) { return SaveInventorySettings(s, {1, "2", true, false, 1}).has_value(); }},
+      {Act::Options, [](Session& s) { return SaveNameLength(s, "12").has_value(); }},
+  };
+  std::size_t changed = 0;
+  for (const auto& window : windows) {
+    const std::vector<SupportRecord> before = room.session.support->settings.Read().Records();
+    ASSERT_TRUE(window.store(room.session));
+    for (const SupportRecord& record : room.session.support->settings.Read().Records()) {
+      if (std::ranges::find(before, record) != before.end()) continue;
+      ++changed;
+      EXPECT_EQ(static_cast<int>(ActOfSetting(record.key)), static_cast<int>(window.act)) << record.key;
+    }
+  }
+  EXPECT_GE(changed, 11U);
 }
 
 }  // namespace
