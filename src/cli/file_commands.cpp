@@ -16,6 +16,7 @@
 #include "core/datafile/file_kind.h"
 #include "core/datafile/jet/jet_file.h"
 #include "core/datafile/lifecycle.h"
+#include "core/shell/data_files.h"
 #include "core/shell/opening.h"
 #include "core/shell/repairs.h"
 #include "core/shell/startup.h"
@@ -30,6 +31,7 @@ Result<Json> CreateNewFile(Context& context, const std::string& typedPath, const
   const std::string path = fs::absolute(typedPath).string();
   if (!EqualNoCase(fs::path(path).extension().string(), ".vkd"))
     return Refuse("File Name", fmt::format("The name of a Data File ends in .vkd: {}", path), "PATH");
+  if (auto free = CheckNewPlace(context.session, path); !free) return std::unexpected(free.error());
   const auto name = NewDatabaseName(typedDatabase, {}, path);
   if (!name) return std::unexpected(name.error());
   Session& session = context.session;

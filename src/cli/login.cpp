@@ -20,8 +20,8 @@ Result<void> RequireInDefaultFile(Context& context, Act act, bool asUser) {
     session.DataFileDB = Database::Open(path, OpenMode::ReadOnly);
     ReadFileInfo(session.File());
   } catch (const Failure&) {
-    // Nobody can tell who has which rights in a damaged file; to put a sound one back nobody has to be one.
-    if (act != Act::BackUp) throw;
+    // Nobody can tell who has which rights in a damaged file; to put a sound one back or to mend it nobody has to be one.
+    if (act != Act::BackUp && act != Act::Work) throw;
     session.DataFileDB.reset();
     return {};
   }

@@ -103,6 +103,11 @@ TEST(CliFiles, CreateInfoCheckCompact) {
   EXPECT_EQ(room.Run({"file", "create", (room.folder / "no" / "x.vkd").string()}).status, 4);
   EXPECT_EQ(room.Run({"file", "create", (room.folder / "b.vkd").string(), "--database", "A_B"}).status, 1);
   EXPECT_FALSE(fs::exists(room.folder / "b.vkd"));
+  // Where the program keeps its own things, and where it would be an archive copy from the first day.
+  for (const fs::path& place : {room.folder / "VKDat" / "x.vkd", room.folder / "Auto Backup" / "x.vkd", room.folder / "Archive 1.vkd"}) {
+    EXPECT_EQ(room.Run({"file", "create", place.string()}).status, 1) << place;
+    EXPECT_FALSE(fs::exists(place)) << place;
+  }
   const auto info = room.Json({"file", "info"});
   EXPECT_EQ(info["DataFileName"], path);
   EXPECT_EQ(info["CurrentDB"], "INK");
@@ -221,32 +226,36 @@ TEST(CliSettings, TheUsersOfAMachineShareOneFolderThatIsShutToOthers) {
     };
   };
   const fs::path shared = room.folder / "VKDat";
-  fs::create_directory(shared);
-  if (root) {
-    ASSERT_EQ(::chown(shared.c_str(), 0, group), 0);
+  const fs::path files = room.folder / "Files";
+  for (const fs::path& place : {shared, files}) {
+    fs::create_directory(place);
+    if (root) {
+      ASSERT_EQ(::chown(place.c_str(), 0, group), 0);
+    }
+    ::chmod(place.c_str(), 02770);
   }
-  ::chmod(shared.c_str(), 02770);
   ::chmod(room.folder.Path().c_str(), 0777);
   const auto run = [&](uid_t user, bool member, const std::vector<std::string>& words) {
     // The caller's own files of the answer are not the next user's to write.
     for (const char* name : {"stdout", "stderr"}) fs::remove(room.folder / name);
     return room.RunPrepared(words, "/dev/null", as(user, member));
   };
-  const std::string path = (shared / "Ink.vkd").string();
+  const std::string path = (files / "Ink.vkd").string();
   EXPECT_EQ(run(4001, true, {"file", "create", path, "--empty", "--database", "INK"}).status, 0);
   EXPECT_EQ(run(4002, true, {"settings", "set", "UMI", "2"}).status, 0) << "of the other's making";
   EXPECT_EQ(run(4001, true, {"settings", "get", "UMI"}).out, "2\n");
   EXPECT_EQ(run(4002, true, {"color", "add", "RED"}).status, 0);
   EXPECT_EQ(run(4002, true, {"file", "compact"}).status, 0);
   EXPECT_EQ(run(4001, true, {"color", "add", "BLUE"}).status, 0);
-  for (const auto& entry : fs::recursive_directory_iterator(shared)) {
-    struct stat status {};
-    ::stat(entry.path().c_str(), &status);
-    EXPECT_EQ(status.st_mode & 07777, entry.is_directory() ? 02770U : 0660U) << entry.path();
-    if (root) {
-      EXPECT_EQ(status.st_gid, group) << entry.path();
+  for (const fs::path& place : {shared, files})
+    for (const auto& entry : fs::recursive_directory_iterator(place)) {
+      struct stat status {};
+      ::stat(entry.path().c_str(), &status);
+      EXPECT_EQ(status.st_mode & 07777, entry.is_directory() ? 02770U : 0660U) << entry.path();
+      if (root) {
+        EXPECT_EQ(status.st_gid, group) << entry.path();
+      }
     }
-  }
   // Outside of it a Data File, with the passwords of its users, is its maker's alone.
   EXPECT_EQ(run(4001, true, {"file", "create", (room.folder / "Own.vkd").string(), "--empty"}).status, 0);
   EXPECT_EQ(fs::status(room.folder / "Own.vkd").permissions(), static_cast<fs::perms>(0600));

@@ -91,10 +91,6 @@ class NotedWindows : public StartupWindows {
   void ShowNewSetup(Session&) override {}
   void TakePrinter(Session&) override {}
   void PrepareCloud(Session&) override {}
-  std::optional<std::string> OfferOldFile(const std::filesystem::path&, const std::string&, const std::string&,
-                                          const std::string&) override {
-    return std::nullopt;
-  }
   void LoadScalePort(Session&) override {}
   void ShowSplash() override {}
   void ShowCloudLine(Session&) override {}

@@ -31,14 +31,38 @@ float InvCutoffInForce(const Session& session) {
   return RoundSingle(0.5 * static_cast<double>(UnitFactor(UnitPound, session.UMI)), 3);
 }
 
+namespace {
+
+// Of what every settings file has had from the first one on: units and rules of stock, which mean something else without a
+// word. Keys of later times an older file may lack.
+std::string MissingSettings(const Session& session, const SupportRecords& settings) {
+  const std::pair<std::string_view, std::string> inForce[] = {
+      {setting::UMI.key, fmt::format("{} ({})", session.UMI, UnitName(session.UMI))},
+      {setting::UMF.key, fmt::format("{} ({})", session.UMF, UnitName(session.UMF))},
+      {setting::AllowNegInv.key, fmt::format("{:d}", GetSetting(session, setting::AllowNegInv))},
+      {setting::InvCutoff.key, ShortestText(InvCutoffInForce(session))},
+      {setting::InvLotTracking.key, fmt::format("{}", session.InvLotTracking)},
+  };
+  std::string text;
+  for (const auto& [key, value] : inForce)
+    if (!settings.Contains(key)) text += fmt::format("{} is missing in the file and counts as {}.\n", key, value);
+  return text;
+}
+
+}  // namespace
+
 void TellUnusableSettings(Session& session) {
   constexpr std::size_t kMostLines = 10;
-  const std::vector<std::string> faults = UnusableSettings(session.support->settings.Read());
-  if (faults.empty()) return;
-  std::string text;
+  const SupportRecords settings = session.support->settings.Read();
+  const std::string missing = MissingSettings(session, settings);
+  const std::vector<std::string> faults = UnusableSettings(settings);
+  if (missing.empty() && faults.empty()) return;
+  std::string text = missing;
   for (const std::string& fault : std::span(faults).first(std::min(faults.size(), kMostLines))) text += fault + "\n";
   if (faults.size() > kMostLines) text += fmt::format("And {} more.\n", faults.size() - kMostLines);
-  session.prompt.Tell("Settings", text + "Until they are set anew, their defaults are in force.", Icon::Exclamation);
+  text += faults.empty() ? "Set them anew, or restore the settings of a backup."
+                         : "Until they are set anew, their defaults are in force.";
+  session.prompt.Tell("Settings", std::move(text), Icon::Exclamation);
 }
 
 }  // namespace vellumark

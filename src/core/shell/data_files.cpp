@@ -106,6 +106,25 @@ fs::path WithExtension(fs::path path) {
   return path;
 }
 
+void CopyIntoPlace(const fs::path& from, const fs::path& to) {
+  FileBeside place(to, Readers::Group);
+  std::error_code error;
+  fs::copy_file(from, place.Path(), fs::copy_options::overwrite_existing, error);
+  if (error) throw Failure(from.string(), "cannot be copied: " + error.message());
+  place.TakeFreePlace();
+}
+
+// Those that Designs of the file may name. One that is there already belongs to another file.
+void CopyPhotos(const fs::path& from, const fs::path& to) {
+  std::error_code error;
+  if (!fs::is_directory(from / "DesignPhotos", error)) return;
+  MakeFolder(to / "DesignPhotos");
+  for (const fs::directory_entry& photo : fs::directory_iterator(from / "DesignPhotos", error))
+    if (const fs::path copy = to / "DesignPhotos" / photo.path().filename(); photo.is_regular_file() && !Stands(copy))
+      CopyIntoPlace(photo.path(), copy);
+  if (error) throw Failure((from / "DesignPhotos").string(), "cannot be read: " + error.message());
+}
+
 Result<fs::path> PathForRename(const Session& session, std::string_view typedName) {
   const fs::path current(session.DataFileName);
   const std::string name = Trim(typedName);
@@ -153,15 +172,30 @@ Result<fs::path> NewDataFile(Session& session, const fs::path& path, OpeningWind
   if (auto allowed = RequireCommandRight(session, CommandRight::Advanced); !allowed)
     return std::unexpected(allowed.error());
   fs::path file = WithExtension(Absolute(path));
-  const fs::path folder = file.parent_path();
-  if (IsOwnFolder(session, folder))
-    return Refuse("New Data File",
-                  fmt::format("{}\nSelected folder for the new Data file is dedicated to Vellumark use only.\n"
-                              "Choose another folder to create a new Data file in.",
-                              folder.string()));
+  if (auto free = CheckNewPlace(session, file); !free) return std::unexpected(free.error());
   if (Stands(file)) file = NextFreeName(file);
   MakeAndOpen(session, file, windows);
   return file;
+}
+
+std::optional<fs::path> BringOlderFileOver(Session& session, const fs::path& old, std::string_view found) {
+  const Message offer{"Data File",
+                      fmt::format("{}\n\n{}\n\nThat database will now be copied for use with The Vellumark 5.0.", found,
+                                  old.string()),
+                      Buttons::OkCancel, Icon::Information, Answer::Ok};
+  if (session.prompt.Show(offer) != Answer::Ok) return std::nullopt;
+  try {
+    const ProgressRun progress(session.progress, "Copying File ...");
+    MakeFolder(session.ProgramFolder);
+    fs::path copy = WithExtension(session.ProgramFolder / old.stem());
+    if (Stands(copy)) copy = NextFreeName(copy);
+    CopyIntoPlace(old, copy);
+    CopyPhotos(old.parent_path(), session.ProgramFolder);
+    return copy;
+  } catch (const Failure& failure) {
+    session.prompt.Tell("Data File", fmt::format("{}\n{}.", failure.subject, failure.cause), Icon::Exclamation);
+    return std::nullopt;
+  }
 }
 
 Result<bool> CreateDefaultDataFile(Session& session, OpeningWindows& windows) {
@@ -206,6 +240,23 @@ Result<void> RenameDataFile(Session& session, std::string_view typedName, Openin
     previous.Return();
     throw;
   }
+  return {};
+}
+
+Result<void> CheckNewPlace(const Session& session, const fs::path& file) {
+  const fs::path folder = Absolute(file).parent_path();
+  if (IsOwnFolder(session, folder))
+    return Refuse("New Data File",
+                  fmt::format("{}\nSelected folder for the new Data file is dedicated to Vellumark use only.\n"
+                              "Choose another folder to create a new Data file in.",
+                              folder.string()),
+                  "PATH");
+  if (IsArchiveCopy(kFileVersion, file))
+    return Refuse("New Data File",
+                  fmt::format("{}\nA Data File of this name or in this folder counts as an archive or backup copy, which can be "
+                              "viewed, but cannot be modified.\nChoose another name or folder.",
+                              file.string()),
+                  "PATH");
   return {};
 }
 

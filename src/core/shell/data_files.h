@@ -24,8 +24,17 @@ bool OpenRecentDataFile(Session& session, OpeningWindows& windows);
 Result<bool> OpenOtherDataFile(Session& session, const std::filesystem::path& path, OpeningWindows& windows);
 
 /// Makes and opens a new Data File under the name, or the next free one of the form "name(n).vkd". ".vkd" is added to a
-/// name without it. Refused in the folders that the program keeps for itself. The path of the new file.
+/// name without it. Refused where CheckNewPlace does. The path of the new file.
 Result<std::filesystem::path> NewDataFile(Session& session, const std::filesystem::path& path, OpeningWindows& windows);
+
+/// Whether a new Data File may go there: not into the folders that the program keeps for itself, nor where it would count
+/// as an archive copy from the first day.
+Result<void> CheckNewPlace(const Session& session, const std::filesystem::path& file);
+
+/// Offers to copy a Data File of an older installation, with the photos beside it, into the program folder, under its name
+/// or the next free one; it stays as it is. `found` says what it is. The copy, or nothing.
+std::optional<std::filesystem::path> BringOlderFileOver(Session& session, const std::filesystem::path& old,
+                                                        std::string_view found);
 
 /// The default Data File in the program folder: one that is there is used or, on No, a new one is made under the next
 /// free name. False when the file check turned the found file away.

@@ -19,8 +19,7 @@ namespace {
 constexpr std::string_view kTitle = "Repair Data File";
 
 Result<void> MayRepair(const Session& session) {
-  if (auto allowed = RequireAct(session, Act::BackUp); !allowed) return allowed;
-  if (session.DataFileDB) return RequireWritable(session);
+  if (session.DataFileDB) return RequireAct(session, Act::Work);
   std::error_code ignored;
   if (!fs::exists(session.DataFileName, ignored))
     return Refuse(std::string(kTitle), fmt::format("{} does not exist.", session.DataFileName), "PATH");
@@ -34,7 +33,7 @@ Result<void> MayRepair(const Session& session) {
 Result<void> LogInToCopy(Session& session, OpeningWindows& windows) {
   if (!UsersEnabled(session) || UserNames(session).empty()) return {};
   windows.Login(session);
-  return RequireAct(session, Act::BackUp);
+  return RequireAct(session, Act::Work);
 }
 
 // The file in the session's hands again, as it was left or mended.

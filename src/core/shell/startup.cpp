@@ -1,13 +1,18 @@
 #include "core/shell/startup.h"
 
-#include <array>
+#include <fmt/format.h>
+
+#include <algorithm>
 #include <system_error>
 
 #include "core/base/files.h"
 #include "core/base/number.h"
 #include "core/base/text.h"
+#include "core/base/units.h"
 #include "core/datafile/databases.h"
+#include "core/datafile/lifecycle.h"
 #include "core/session/settings.h"
+#include "core/settings/catalogue.h"
 #include "core/shell/data_files.h"
 #include "core/shell/settings_restore.h"
 
@@ -42,7 +47,7 @@ void TakeDataFileName(Session& session, const std::string& name) {
 }
 
 // A Data File of an older installation, the most trusted first.
-void LookForOlderFile(Session& session, StartupWindows& windows) {
+void LookForOlderFile(Session& session) {
   std::error_code ignored;
   const fs::path standard = session.ProgramFolder / kDefaultDataFile;
   if (fs::exists(standard, ignored)) {
@@ -53,9 +58,25 @@ void LookForOlderFile(Session& session, StartupWindows& windows) {
   if (!previous.Exists()) return;
   const std::string old = previous.Read().Get(setting::DbFileName40.key);
   if (old.empty() || !fs::exists(old, ignored)) return;
-  const auto copied = windows.OfferOldFile(old, "409", "Your most recently used Vellumark 4.0.9 database was found.",
-                                           "That database will now be copied for use with The Vellumark 5.0.");
-  if (copied) TakeDataFileName(session, *copied);
+  if (const auto copy = BringOlderFileOver(session, old, "Your most recently used Vellumark 4.0.9 database was found."))
+    TakeDataFileName(session, copy->string());
+}
+
+// A settings file that was emptied, or is something else, holds none that could be in force. What it is is kept beside.
+// What was found and done; nothing for a file that is usable or missing.
+std::string ClearUnusableSettings(const SupportFile& file) {
+  if (!file.Exists()) return {};
+  const SupportRecords records = file.Read();
+  if (std::ranges::any_of(records.Records(), [](const SupportRecord& one) { return FindSetting(one.key) != nullptr; }))
+    return {};
+  const std::string bytes = ReadFileBytes(file.Path());
+  if (bytes.empty()) return fmt::format("{} is no settings file: it is empty.\n", file.Path().string());
+  fs::path kept = file.Path();
+  kept.replace_filename("vk50suvdf unusable.dat");
+  if (Stands(kept)) kept = NextFreeName(kept);
+  RenameToFree(file.Path(), kept);
+  return fmt::format("{} is no settings file: it holds no setting. It is kept as {}.\n", file.Path().string(),
+                     kept.filename().string());
 }
 
 // What cannot be read is nobody's to remove.
@@ -78,9 +99,17 @@ bool PrepareSupportFiles(Session& session, const Folders& folders) {
   MakeDataFolder(folders.data);
   FinishSettingsRestore(folders.data);
   session.support = std::make_unique<SupportFiles>(folders.data);
+  const std::string unusable = ClearUnusableSettings(session.support->settings);
   const WrittenSupportFiles written = WriteMissingSupportFiles(*session.support);
   session.DataFileName = GetSetting(session, setting::DbFileName50);
   ReadSettings(session);
+  if (!unusable.empty())
+    session.prompt.Tell("Settings",
+                        fmt::format("{}A new one with all defaults stands in its place: stock is kept in {}, Batches in {}, "
+                                    "Lotted Inventory is {}.\nSet them anew, or restore the settings of a backup.",
+                                    unusable, UnitName(session.UMI), UnitName(session.UMF),
+                                    session.InvLotTracking == 1 ? "in use" : "off"),
+                        Icon::Exclamation);
   return written.settings;
 }
 
@@ -114,7 +143,7 @@ bool StartUp(Session& session, const StartOptions& options, StartupWindows& wind
   windows.TakePrinter(session);
   windows.PrepareCloud(session);
   session.DataFileOpen = session.RecordsetsOpen = session.LoadingDatabase = false;
-  if (session.DataFileName.empty()) LookForOlderFile(session, windows);
+  if (session.DataFileName.empty()) LookForOlderFile(session);
   OpenRecentDataFile(session, windows);
   RunSupportLadder(session);
   windows.LoadScalePort(session);

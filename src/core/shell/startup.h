@@ -27,10 +27,6 @@ class StartupWindows : public OpeningWindows {
   /// The default printer and its font.
   virtual void TakePrinter(Session& session) = 0;
   virtual void PrepareCloud(Session& session) = 0;
-  /// Offers to copy a Data File of an older installation; `found` and `offer` are the two lines of the question. The
-  /// path of the copy, or nothing.
-  virtual std::optional<std::string> OfferOldFile(const std::filesystem::path& path, const std::string& label,
-                                                  const std::string& found, const std::string& offer) = 0;
   virtual void LoadScalePort(Session& session) = 0;
   virtual void ShowSplash() = 0;
   virtual void ShowCloudLine(Session& session) = 0;
@@ -45,7 +41,8 @@ struct StartOptions {
 };
 
 /// Support Files and settings, without a Data File: writes what is missing, reads the settings into the session and
-/// works out `DataFileName`. True when the settings file was made now, on a first start.
+/// works out `DataFileName`. A settings file that is none is kept beside and told of. True when the settings file was
+/// made now, on a first start.
 bool PrepareSupportFiles(Session& session, const Folders& folders);
 
 /// Runs the ladder of the Support Files against the session's open Data File, reads the settings again when it changed

@@ -58,7 +58,7 @@ void CheckForm::UpdateEnabled() {
   if (grid_ == nullptr) return;
   const bool writable = !session.ArchiveView;
   accept_->setEnabled(writable && found_.complete && HasHandEdits(found_) && MayDo(session, Act::DataFiles));
-  mend_->setEnabled(writable && MayDo(session, Act::BackUp) && windows.Knows("RepairForm"));
+  mend_->setEnabled(writable && MayDo(session, Act::Work) && windows.Knows("RepairForm"));
 }
 
 void CheckForm::cmdAccept_Click() {

@@ -20,7 +20,7 @@ struct Page {
   const char* title;
 };
 
-constexpr std::array<Page, 10> kPages{{
+constexpr std::array<Page, 11> kPages{{
     {"index", QT_TRANSLATE_NOOP("HelpForm", "First steps")},
     {"batch", QT_TRANSLATE_NOOP("HelpForm", "Batches")},
     {"colors", QT_TRANSLATE_NOOP("HelpForm", "Colors and formulas")},
@@ -31,6 +31,7 @@ constexpr std::array<Page, 10> kPages{{
     {"files", QT_TRANSLATE_NOOP("HelpForm", "Files, Databases, users")},
     {"cloud", QT_TRANSLATE_NOOP("HelpForm", "The cloud")},
     {"keys", QT_TRANSLATE_NOOP("HelpForm", "Keys")},
+    {"updates", QT_TRANSLATE_NOOP("HelpForm", "Updates")},
 }};
 
 // Pieces of the names of windows; the first that fits tells the page.

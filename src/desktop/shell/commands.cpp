@@ -26,6 +26,8 @@ std::string_view DialogOfMenuItem(std::string_view item) {
       Pair{"menuDFArchive", "ArchiveForm"},
       Pair{"menuDFCheck", "CheckForm"},
       Pair{"menuDFRepair", "RepairForm"},
+      Pair{"menuDFExport_Batches", "ExportBatchesForm"},
+      Pair{"menuDFExport_Jobs", "ExportJobRecords"},
       Pair{"menuDFAdvanced_RestoreBU_SupportFiles_Cloud", "RestoreSupportFiles_Cloud"},
       Pair{"menuDFAdvanced_RestoreBU_SupportFiles_FLoc", "RestoreSupportFiles_FLoc"},
       Pair{"menuDFAdvanced_RestoreBU_SupportFiles_AutoBackup", "RestoreSupportFiles_AutoBackup"},
@@ -58,6 +60,10 @@ std::string_view DialogOfMenuItem(std::string_view item) {
 
 bool OnlyShows(std::string_view item) {
   return item == "menu_AboutVK" || item == "menuCloud_About" || item == "menuHelp_Barcode" || item == "menu_Pantone_Disclaimer";
+}
+
+bool OpensForm(std::string_view item) {
+  return item.starts_with("menuDFExport_");
 }
 
 bool AsksFirst(std::string_view dialog) {

@@ -57,18 +57,6 @@ void DesktopStartup::PrepareCloud(Session& session) {
   DataFolders(session.DataFolder).MakeCloudFolders();
 }
 
-std::optional<std::string> DesktopStartup::OfferOldFile(const std::filesystem::path& path, const std::string&,
-                                                        const std::string& found, const std::string&) {
-  windows_.session.prompt.Tell(
-      U8(MainForm::tr("Data File")),
-      found + "\n\n" + path.string() + "\n\n" +
-          U8(MainForm::tr(
-              "This release cannot bring such a file over yet. The file stays as it is; please make or open "
-              "another Data File.")),
-      Icon::Information);
-  return std::nullopt;
-}
-
 void DesktopStartup::LoadScalePort(Session&) {
   scale_.TakeOver();
 }

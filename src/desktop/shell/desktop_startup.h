@@ -25,8 +25,6 @@ class DesktopStartup final : public StartupWindows {
   void ShowNewSetup(Session& session) override;
   void TakePrinter(Session& session) override;
   void PrepareCloud(Session& session) override;
-  std::optional<std::string> OfferOldFile(const std::filesystem::path& path, const std::string& label,
-                                          const std::string& found, const std::string& offer) override;
   void LoadScalePort(Session& session) override;
   void ShowSplash() override;
   void ShowCloudLine(Session& session) override;

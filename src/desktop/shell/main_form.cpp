@@ -26,6 +26,7 @@
 #include "desktop/shell/commands.h"
 #include "desktop/shell/start_page.h"
 #include "desktop/shell/status_line.h"
+#include "desktop/shell/web_links.h"
 
 namespace vellumark::desktop {
 namespace {
@@ -187,14 +188,16 @@ void MainForm::BuildViewMenu() {
 }
 
 void MainForm::GateMenus() {
-  static const std::vector<std::string_view> builtIn{"menuFileExit", "menuDFAdvanced_CreateNewSupportFiles",
-                                                     "menuScale_Setup", "menuScale_PowerOn", "menuScale_PowerOff"};
+  static const std::vector<std::string_view> builtIn{
+      "menuFileExit",    "menuDFAdvanced_FileUpgrade", "menuDFAdvanced_CreateNewSupportFiles",
+      "menuScale_Setup", "menuScale_PowerOn",          "menuScale_PowerOff"};
   for (const MenuItem& item : MenuItems(session_)) {
     QAction* action = actions_.at(std::string(item.name));
     const std::string dialog(DialogOfMenuItem(item.name));
     const bool isMenu = action->menu() != nullptr;
     const bool canRun =
-        std::ranges::find(builtIn, item.name) != builtIn.end() || (!dialog.empty() && windows_.Knows(dialog));
+        std::ranges::find(builtIn, item.name) != builtIn.end() || IsWebLink(item.name) ||
+        (!dialog.empty() && windows_.Knows(dialog));
     SetWritten(*action, CaptionOf(item));
     action->setVisible(item.visible);
     action->setEnabled(item.enabled && (isMenu || canRun));
@@ -235,6 +238,11 @@ void MainForm::RunMenuItem(const std::string& name) {
   } else if (name == "menuDFAdvanced_CreateNewSupportFiles") {
     if (createSupportFiles_) createSupportFiles_();
     EnableMenuItems();
+  } else if (name == "menuDFAdvanced_FileUpgrade") {
+    // Through the check of files again, which brings an older one up to date, and opens its Databases.
+    OpenFile(Q(session_.DataFileName));
+  } else if (IsWebLink(name)) {
+    OpenWebLink(session_, name);
   } else if (name.starts_with("menuScale_")) {
     // Windows stay as they are: a Batch that waits for the scale is one of them.
     CloseToolbarMenus();
@@ -243,6 +251,9 @@ void MainForm::RunMenuItem(const std::string& name) {
   } else if (const std::string dialog(DialogOfMenuItem(name)); OnlyShows(name)) {
     CloseToolbarMenus();
     windows_.RunDialog(dialog);
+  } else if (OpensForm(name)) {
+    CloseToolbarMenus();
+    windows_.OpenForm(dialog);
   } else if (!dialog.empty()) {
     RunDialogOf(dialog);
   }

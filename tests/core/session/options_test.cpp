@@ -131,6 +131,21 @@ TEST(Options, ValuesThatMeanNothingAreToldInOneMessage) {
       "4, not \"7\".\nUntil they are set anew, their defaults are in force.");
   TellUnusableSettings(room.session);
   EXPECT_EQ(room.session.UMI, 1);
+
+  // A file that lost its end: what it says no more is told with what counts instead.
+  room.Setting("UMI", "2");
+  room.Setting("BatchListColWidth3", "0");
+  SupportRecords cut(RecordShape::KeyValue);
+  for (const SupportRecord& record : room.session.support->settings.Read().Records()) {
+    if (record.key == "InvCutoff") break;
+    cut.Append(record.key, record.value);
+  }
+  room.session.support->settings.Write(cut);
+  ReadSettings(room.session);
+  room.prompt.Expect("Settings", Answer::Ok,
+                     "InvCutoff is missing in the file and counts as 0.227.\nInvLotTracking is missing in the file and "
+                     "counts as 0.\nSet them anew, or restore the settings of a backup.");
+  TellUnusableSettings(room.session);
 }
 
 TEST(Options, EachWindowAsksForTheRight) {

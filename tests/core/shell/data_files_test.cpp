@@ -179,14 +179,20 @@ TEST_F(DataFilesTest, ANewFileTakesTheNextFreeNameAndNoPlaceOfTheProgram) {
   EXPECT_EQ(session.DataFileName, (folder / "Ink Room(2).vkd").string());
 
   const fs::path own = session.DataFolder / "Backups";
-  const auto refused = NewDataFile(session, own / "Mine.vkd", windows);
-  ASSERT_FALSE(refused);
-  EXPECT_EQ(refused.error(),
-            (Refusal{"New Data File",
-                     own.string() + "\nSelected folder for the new Data file is dedicated to Vellumark use only.\n"
-                                    "Choose another folder to create a new Data file in.",
-                     ""}));
-  EXPECT_FALSE(fs::exists(own / "Mine.vkd"));
+  const struct {
+    fs::path path;
+    std::string text;
+  } refused[] = {{own / "Mine.vkd", own.string() +
+                                        "\nSelected folder for the new Data file is dedicated to Vellumark use only.\n"
+                                        "Choose another folder to create a new Data file in."},
+                 {folder / "Ink Archive.vkd", (folder / "Ink Archive.vkd").string() +
+                                                  "\nA Data File of this name or in this folder counts as an archive or "
+                                                  "backup copy, which can be viewed, but cannot be modified.\nChoose "
+                                                  "another name or folder."}};
+  for (const auto& [path, text] : refused) {
+    EXPECT_EQ(NewDataFile(session, path, windows).error(), (Refusal{"New Data File", text, "PATH"}));
+    EXPECT_FALSE(fs::exists(path));
+  }
 }
 
 TEST_F(DataFilesTest, AFileThatCannotBeMadeLeavesTheOpenOneAndNothingBehind) {

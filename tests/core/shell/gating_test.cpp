@@ -38,7 +38,7 @@ const Row kRows[] = {
     {"menuDFExport", true, false, false, &UserRights::DF_ExportDF_Excel, 1},
     {"menuDFArchive", false, false, false, &UserRights::DF_BackupRestore, 1},
     {"menuDFCheck", true, false, false, nullptr, 0},
-    {"menuDFRepair", false, false, false, &UserRights::DF_BackupRestore, 1},
+    {"menuDFRepair", false, false, false, nullptr, 0},
     {"menuDFOptions", false, false, false, &UserRights::DF_OptionsMenu, 1},
     {"menuDFAdvanced", true, true, true, &UserRights::DF_AdvancedMenu, 1},
     {"menuDB_NewDB", false, true, false, &UserRights::DB_NewRenameDel, 1},

@@ -17,6 +17,7 @@
 #include "core/datafile/pending_rollups.h"
 #include "core/datafile/schema.h"
 #include "core/datafile/writer.h"
+#include "core/session/options.h"
 #include "core/session/users.h"
 #include "core/settings/settings.h"
 #include "core/settings/support_files.h"
@@ -39,7 +40,6 @@ class RecordingWindows final : public StartupWindows {
   std::vector<std::string> calls;
   bool another = false;
   std::optional<fs::path> updated;
-  std::optional<std::string> copy;
   std::string startupMessage;
   std::string caption;
 
@@ -47,15 +47,10 @@ class RecordingWindows final : public StartupWindows {
   void ShowMainWindow(const std::string& text) override { Note("main window"), caption = text; }
   void ShowNewSetup(Session& session) override {
     Note("setup");
-    session.support->settings.SetSupportValue(setting::UMI.key, "2");
+    EXPECT_TRUE(SaveNewSetup(session, 1, 0, ""));
   }
   void TakePrinter(Session& session) override { Note("printer, UMI " + std::to_string(session.UMI)); }
   void PrepareCloud(Session&) override { Note("cloud folders"); }
-  std::optional<std::string> OfferOldFile(const fs::path&, const std::string& label, const std::string& found,
-                                          const std::string& offer) override {
-    Note("old file " + label + ": " + found + " " + offer);
-    return copy;
-  }
   void LoadScalePort(Session& session) override {
     Note("scale, settings version " + session.support->settings.GetSupportValue(setting::StartupVar_FileVersion.key));
   }
@@ -127,13 +122,25 @@ TEST(StartOrder, AFileNamedInQuotesIsOpenedAndKeptAsTheDefault) {
     EXPECT_GT(fs::file_size(start.options.folders.data / file), 0U) << file;
   EndSession(start.session, start.windows);
 
-  // Settings that were emptied are those of a first start.
-  ReplaceFile(start.options.folders.data / "vk50suvdf.dat", "");
-  start.windows.calls.clear();
-  ASSERT_TRUE(StartUp(start.session, start.options, start.windows));
-  EXPECT_EQ(start.windows.calls[2], "setup");
-  EXPECT_EQ(start.session.support->settings.Read().Get(setting::StartupVar_FileVersion.key), "47");
-  EXPECT_EQ(start.session.support->settings.GetSupportValue(setting::UMI.key), "2");
+  // Settings that were emptied, or are something else, are those of a first start, and that is told.
+  const fs::path settings = start.options.folders.data / "vk50suvdf.dat";
+  const std::pair<std::string, std::string> spoiled[] = {
+      {"", " is no settings file: it is empty.\n"},
+      {"PNG\x1a,\"\xff\xfe", " is no settings file: it holds no setting. It is kept as vk50suvdf unusable.dat.\n"},
+  };
+  for (const auto& [bytes, told] : spoiled) {
+    ReplaceFile(settings, bytes);
+    start.windows.calls.clear();
+    start.prompt.Expect("Settings", Answer::Ok,
+                        settings.string() + told +
+                            "A new one with all defaults stands in its place: stock is kept in lb., Batches in lb., Lotted "
+                            "Inventory is in use.\nSet them anew, or restore the settings of a backup.");
+    ASSERT_TRUE(StartUp(start.session, start.options, start.windows));
+    EXPECT_EQ(start.windows.calls[2], "setup");
+    EXPECT_EQ(start.session.support->settings.Read().Get(setting::StartupVar_FileVersion.key), "47");
+    EXPECT_EQ(start.session.support->settings.GetSupportValue(setting::UMI.key), "2");
+  }
+  EXPECT_EQ(ReadFileBytes(settings.parent_path() / "vk50suvdf unusable.dat"), spoiled[1].first);
 }
 
 TEST(StartOrder, AFileThatCannotBeOpenedIsToldAndTheStartGoesOn) {
@@ -158,20 +165,34 @@ TEST(StartOrder, ASecondInstanceEndsAtOnce) {
 }
 
 TEST(StartOrder, OlderInstallationsAreLookedForInTheirOrder) {
-  Start start;
-  PrepareSupportFiles(start.session, start.options.folders);
-  const fs::path old = start.folder / "old.mdb";
-  ReplaceFile(old, "x");
-  ReplaceFile(start.options.folders.data / "vk5suvdf.dat", "\"dbFileName40\",\"" + old.string() + "\"\r\n");
-  const fs::path copied = start.folder / "copied.vkd";
-  start.MakeFile(copied);
-  start.windows.copy = copied.string();
-  ASSERT_TRUE(StartUp(start.session, start.options, start.windows));
-  EXPECT_EQ(
-      start.windows.calls[4],
-      "old file 409: Your most recently used Vellumark 4.0.9 database was found. That database will now be copied "
-      "for use with The Vellumark 5.0.");
-  EXPECT_EQ(start.session.DataFileName, copied.string());
+  for (const Answer answer : {Answer::Ok, Answer::Cancel}) {
+    Start start;
+    fs::create_directories(start.options.folders.data);
+    fs::create_directories(start.options.folders.program);
+    const fs::path old = start.folder / "Old" / "Ink 4.vkd";
+    fs::create_directories(old.parent_path() / "DesignPhotos");
+    start.MakeFile(old, 39);
+    start.MakeFile(start.options.folders.program / "Ink 4.vkd");
+    ReplaceFile(old.parent_path() / "DesignPhotos" / "BOX_1.jpg", "a photo");
+    ReplaceFile(start.options.folders.data / "vk5suvdf.dat", "\"dbFileName40\",\"" + old.string() + "\"\r\n");
+    const std::string bytes = ReadFileBytes(old);
+    start.prompt.Expect("Data File", answer,
+                        "Your most recently used Vellumark 4.0.9 database was found.\n\n" + old.string() +
+                            "\n\nThat database will now be copied for use with The Vellumark 5.0.");
+    // What the update makes of the copy.
+    const fs::path copy = start.options.folders.program / "Ink 4(1).vkd";
+    start.windows.updated = start.folder / "updated.vkd";
+    start.MakeFile(*start.windows.updated);
+    ASSERT_TRUE(StartUp(start.session, start.options, start.windows));
+    EXPECT_TRUE(ReadFileBytes(old) == bytes);
+    const bool taken = answer == Answer::Ok;
+    EXPECT_EQ(start.windows.calls[5], taken ? "update from 39" : "new data file");
+    EXPECT_EQ(start.session.RecordsetsOpen, taken);
+    ASSERT_EQ(fs::exists(copy), taken);
+    if (!taken) continue;
+    EXPECT_TRUE(ReadFileBytes(copy) == bytes);
+    EXPECT_EQ(ReadFileBytes(start.options.folders.program / "DesignPhotos" / "BOX_1.jpg"), "a photo");
+  }
 
   // A Data File in the program's folder is trusted before that.
   Start other;

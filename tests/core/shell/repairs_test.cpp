@@ -75,14 +75,13 @@ TEST_F(Repairs, AnswersDecideAndTheFileIsOpenAfterwardsAsBefore) {
   EXPECT_EQ(told, 1);
 }
 
-TEST_F(Repairs, TheRightIsAskedAndACopyIsLeftAlone) {
+TEST_F(Repairs, NoRightIsAskedAndACopyIsLeftAlone) {
   room.prompt.Expect("");
   ASSERT_TRUE(CreateUsers(room.session, "BOSS", "X"));
   room.session.CurrentUser = "ANNA";
   room.session.IsAdminUser = false;
   TakeRights(room.session, {});
-  EXPECT_EQ(RepairDataFile(room.session, room.windows, [] { return true; }).error().title, "Permission Denied");
-  TakeRights(room.session, UserRights::All());
+  EXPECT_TRUE(Repair(Answer::Cancel).error().declined) << "she is asked like everybody";
   room.session.ArchiveView = true;
   EXPECT_EQ(RepairDataFile(room.session, room.windows, [] { return true; }).error().title,
             "Archive or Backup Data File");
@@ -106,13 +105,10 @@ TEST_F(Repairs, AFileThatDoesNotOpenIsRepairedForOneOfItsUsers) {
   EXPECT_THROW(OpenDataFile(room.session, room.windows), Failure);
   const std::string bytes = ReadFileBytes(file);
 
-  // Whoever logs in has to have the right; nothing was replaced when he has not.
+  // Whoever is no user of it gets nothing replaced.
   room.prompt.Expect("Repair Data File");
-  room.windows.atLogin = [&] {
-    room.session.CurrentUser = "ANNA";
-    TakeRights(room.session, {});
-  };
-  EXPECT_EQ(RepairDataFile(room.session, room.windows, [] { return true; }).error().title, "Permission Denied");
+  room.windows.atLogin = [] { throw Failure("ANNA", "is not let in"); };
+  EXPECT_THROW((void)RepairDataFile(room.session, room.windows, [] { return true; }), Failure);
   EXPECT_TRUE(ReadFileBytes(file) == bytes);
   EXPECT_FALSE(room.session.DataFileDB);
 

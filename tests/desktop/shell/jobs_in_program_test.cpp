@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <QAbstractButton>
+#include <QAction>
 #include <QImage>
 #include <QLineEdit>
 
@@ -213,6 +214,11 @@ TEST_F(JobsInProgramTest, FromADesignToTheEndOfItsJob) {
   Click(records, "cmdGather");
   Click(records, "cmdCreateFile");
   EXPECT_NE(ReadFileBytes(file).find("J-77"), std::string::npos);
+  running.windows.CloseChildWindows();
+  for (const auto& [item, form] : {std::pair{"menuDFExport_Batches", "ExportBatchesForm"}, {"menuDFExport_Jobs", "ExportJobRecords"}}) {
+    running.program.Main().findChild<QAction*>(item)->trigger();
+    EXPECT_TRUE(running.windows.IsFormOpen(form)) << item;
+  }
   running.windows.CloseChildWindows();
   running.program.Main().close();
   Settle();

@@ -4,6 +4,8 @@
 
 #include <QAction>
 #include <QComboBox>
+#include <QDesktopServices>
+#include <QFileInfo>
 #include <QLabel>
 #include <QMenu>
 #include <QMenuBar>
@@ -12,6 +14,7 @@
 #include <QTableWidget>
 #include <QTimer>
 #include <QToolButton>
+#include <QUrl>
 #include <filesystem>
 
 #include "core/backup/backup_set.h"
@@ -281,6 +284,51 @@ TEST(MainWindow, AboutAndTheDisclaimerLeaveTheWindowsOpen) {
   }
 }
 
+/// In the browser's place.
+class Browser : public QObject {
+  Q_OBJECT
+ public:
+  Browser() {
+    for (const char* scheme : {"file", "https"}) QDesktopServices::setUrlHandler(scheme, this, "Show");
+  }
+  ~Browser() override {
+    for (const char* scheme : {"file", "https"}) QDesktopServices::unsetUrlHandler(scheme);
+  }
+  QUrl shown;
+ public Q_SLOTS:
+  void Show(const QUrl& url) { shown = url; }
+};
+
+TEST(MainWindow, HelpOpensTheBrowserAndTellsWhereThereIsNone) {
+  Running running;
+  running.EarlierFile();
+  ASSERT_TRUE(running.Start());
+  MainForm& main = running.program.Main();
+  const auto choose = [&](const char* item) { main.findChild<QAction*>(item)->trigger(); };
+  qputenv("XDG_CACHE_HOME", QByteArray::fromStdString((running.folder / "Cache").string()));
+  {
+    Browser browser;
+    const std::pair<const char*, const char*> pages[] = {{"menu_Updates", "A later version"},
+                                                         {"menuHelp_Updates", "A later version"},
+                                                         {"menuHelp_Tutorials", "The first three steps"},
+                                                         {"menuHelp_Excel", "A file in a spreadsheet"}};
+    for (const auto& [item, says] : pages) {
+      choose(item);
+      const std::string page = ReadFileBytes(U8(browser.shown.toLocalFile()));
+      EXPECT_NE(page.find(says), std::string::npos) << item;
+      EXPECT_EQ(page.find(".md\""), std::string::npos) << "a link that leads nowhere";
+    }
+    EXPECT_TRUE(QFileInfo::exists(browser.shown.resolved(QUrl("../pictures/report-window.png")).toLocalFile()));
+    qputenv("VELLUMARK_UPDATES_PAGE", "https://ink.example/updates");
+    choose("menuHelp_Updates");
+    qunsetenv("VELLUMARK_UPDATES_PAGE");
+    EXPECT_EQ(browser.shown, QUrl("https://ink.example/updates"));
+  }
+  running.prompt.Expect("The Vellumark - Web Browser Error", Answer::Ok, "Couldn't open your default web browser.");
+  choose("menuHelp_Tutorials");
+  qunsetenv("XDG_CACHE_HOME");
+}
+
 TEST(End, ClosingIsRefusedWhileADatabaseLoadsAndThenEndsInOrder) {
   Running running;
   const fs::path path = running.EarlierFile();
@@ -326,3 +374,5 @@ TEST(BackupLine, ALaterSetWithFaultsHidesNotTheLastProvenOne) {
 
 }  // namespace
 }  // namespace vellumark::desktop
+
+#include "main_form_test.moc"

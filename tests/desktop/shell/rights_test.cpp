@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include <QAction>
+#include <QMenu>
 #include <map>
 #include <set>
 
@@ -19,6 +21,7 @@
 #include "desktop/session/register.h"
 #include "desktop/settings/register.h"
 #include "desktop/shell/commands.h"
+#include "desktop/shell/main_form.h"
 #include "desktop/shell/program.h"
 #include "desktop/tools/register.h"
 #include "support/desk.h"
@@ -127,6 +130,35 @@ TEST(WindowRights, EntriesAndButtonsAreOnForTheRightsOfTheirWindows) {
     EXPECT_EQ(offAnyway.contains("menuDFUsers_AdminOptions"), !administrator);
   }
   EXPECT_GT(tried, 300);
+}
+
+// In one state of the program or another each entry can be chosen; those of the hidden menu follow the window in front.
+TEST(Menus, EveryEntryLeadsSomewhere) {
+  AllWindows desk;
+  Session& session = desk.session;
+  std::set<std::string> never;
+  for (const MenuItem& item : MenuItems(session))
+    if (item.name != "menuHiddenMenu" && item.parent != "menuHiddenMenu") never.emplace(item.name);
+  const auto look = [&] {
+    Q_EMIT desk.program.Main().findChild<QMenu*>("MenuVK")->aboutToShow();
+    std::erase_if(never, [&](const std::string& name) {
+      const auto* menu = desk.program.Main().findChild<QMenu*>(QString::fromStdString(name));
+      const auto* action = menu != nullptr ? menu->menuAction() : desk.program.Main().findChild<QAction*>(QString::fromStdString(name));
+      return action != nullptr && action->isEnabled() && action->isVisible();
+    });
+  };
+  session.DataFileOpen = true;
+  look();
+  session.RecordsetsOpen = true;
+  look();
+  session.CurrentUser = "ANNA";
+  session.ScalePowered = 1;
+  for (const bool administrator : {true, false}) {
+    session.IsAdminUser = administrator;
+    TakeRights(session, UserRights::All());
+    look();
+  }
+  EXPECT_EQ(never, std::set<std::string>{});
 }
 
 }  // namespace
