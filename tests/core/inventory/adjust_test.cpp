@@ -414,7 +414,9 @@ TEST(AdjustSave, IsAllOrNothing) {
   InventoryWork work = LoadInventory(room.session, kBasic, "RED");
   ASSERT_TRUE(ApplyAdjust(room.session, work, Fields(room, work, 4)));
   ASSERT_TRUE(ApplyAdjust(room.session, work, Fields(room, work, 2, "GOOD")));
-  ASSERT_TRUE(ApplyAdjust(room.session, work, Fields(room, work, 2, std::string(31, 'X'))));
+  EXPECT_EQ(ApplyAdjust(room.session, work, Fields(room, work, 2, std::string(31, 'X'))).error().field, "cmbLotNum");
+  ASSERT_TRUE(ApplyAdjust(room.session, work, Fields(room, work, 2, "BAD")));
+  work.rows.back().now.lotNumber = std::string(31, 'X');
   EXPECT_THROW((void)SaveInventory(room.session, work), BadValue);
   EXPECT_EQ(room.Inventory(kBasic, "RED"), Value(1.0F));
   EXPECT_EQ(room.Scalar("SELECT COUNT(*) FROM INK_Basic_LotInv").Whole(), 0);
