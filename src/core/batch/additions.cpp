@@ -213,4 +213,13 @@ Result<void> AdjustAddition(Session& session, BatchWork& work, std::size_t row, 
   return {};
 }
 
+void LowerAddition(const Session& session, BatchWork& work, std::string_view basic, double by) {
+  const auto addition =
+      std::ranges::find_if(work.Additions, [&](const BatchIngredient& i) { return SameName(i.IngName, basic); });
+  if (addition == work.Additions.end()) return;
+  addition->Amount = static_cast<float>(std::max(0.0, Thousandths(RoundTo(addition->Amount, 3) - by)));
+  if (addition->Amount == 0) work.Additions.erase(addition);
+  ShowAdditions(session, work);
+}
+
 }  // namespace vellumark

@@ -68,4 +68,7 @@ std::optional<std::size_t> FaultyAddition(Session& session, const BatchWork& wor
 /// Gives an addition row another amount; 0 takes it out and the later ones move up.
 Result<void> AdjustAddition(Session& session, BatchWork& work, std::size_t row, std::string_view amount);
 
+/// Takes so much off an addition of that Basic Color, at most all of it.
+void LowerAddition(const Session& session, BatchWork& work, std::string_view basic, double by);
+
 }  // namespace vellumark

@@ -140,14 +140,32 @@ Result<void> GrowQuantity(BatchWork& work, double quantity) {
   return valid;
 }
 
+// How much of each ingredient of the recipe the pot holds beside the recycled inks, in hundredths as shares are.
+std::vector<double> PouredOfRecipe(const BatchWork& work, const std::vector<double>& inThePot) {
+  std::vector<double> poured(work.FormulaIngredients.size(), 0);
+  for (std::size_t i = 0; i < inThePot.size(); ++i) {
+    if (work.Rows.at(i).kind != LineKind::Basic || !(inThePot[i] > 0)) continue;
+    const auto ingredient = std::ranges::find_if(
+        work.FormulaIngredients, [&](const BatchIngredient& of) { return EqualNoCase(of.IngName, work.Rows[i].name); });
+    if (ingredient != work.FormulaIngredients.end())
+      poured[static_cast<std::size_t>(ingredient - work.FormulaIngredients.begin())] += inThePot[i] * 100;
+  }
+  return poured;
+}
+
 // The quantity of the Batch with so much in a Mix row: that of now while the recipe takes it, a larger one when not, in
-// which the rows above keep their amounts. Nothing for a colour that the recipe takes nothing of.
-std::optional<double> QuantityToHold(const BatchWork& work, std::size_t row, double amount) {
+// which the rows above keep their amounts, and all rows where others are in the pot. Nothing for a colour that the
+// recipe takes nothing of.
+std::optional<double> QuantityToHold(const BatchWork& work, std::size_t row, double amount,
+                                     const std::vector<double>& inThePot) {
   const double now = work.Quantity();
-  if (amount <= RoundTo(work.Rows[row].max, 3)) return now;
-  std::vector<double> brought(work.FormulaIngredients.size(), 0);
+  bool othersPoured = false;
+  for (std::size_t i = 0; i < inThePot.size(); ++i) othersPoured = othersPoured || (i != row && inThePot[i] > 0);
+  if (!othersPoured && amount <= RoundTo(work.Rows[row].max, 3)) return now;
+  std::vector<double> brought = PouredOfRecipe(work, inThePot);
   double recycled = 0;
-  for (std::size_t i = 0; i <= row; ++i) {
+  const std::size_t kept = othersPoured ? work.RecycledColors.size() : row + 1;
+  for (std::size_t i = 0; i < kept; ++i) {
     const double used = i == row ? amount : work.Rows[i].amount;
     recycled += used;
     for (const RecycleSlot& slot : *work.RecycledColors[i].slots) {
@@ -294,11 +312,12 @@ Result<Overpour> OverpourBasicRow(Session& session, BatchWork& work, std::size_t
   return result;
 }
 
-Result<Overpour> OverpourMixRow(Session& session, BatchWork& work, std::size_t row, double poured) {
+Result<Overpour> OverpourMixRow(Session& session, BatchWork& work, std::size_t row, double poured,
+                                const std::vector<double>& inThePot) {
   if (auto valid = CheckAdjustable(work); !valid) return std::unexpected(valid.error());
   const double amount = RoundTo(poured, 3);
   if (!(amount > RowOfKind(work, row, LineKind::Mix).amount)) return Overpour{};
-  const auto quantity = QuantityToHold(work, row, amount);
+  const auto quantity = QuantityToHold(work, row, amount, inThePot);
   if (!quantity) return Overpour{};
   if (!AskOverpour(session, "Excess Recycle Color Weight")) return Overpour{};
   return ChangeRows(work, [&]() -> Result<Overpour> {

@@ -71,8 +71,11 @@ struct Overpour {
 Result<Overpour> OverpourBasicRow(Session& session, BatchWork& work, std::size_t row, std::string_view poured);
 
 /// What was poured becomes the row's amount. Within its maximum the quantity stays and the rows below give way; above
-/// it the Batch grows until the row's maximum is what was poured. It never shrinks.
-Result<Overpour> OverpourMixRow(Session& session, BatchWork& work, std::size_t row, double poured);
+/// it the Batch grows until the row's maximum is what was poured. It never shrinks. Once other rows are in the pot
+/// (`inThePot`: how much of each row), nothing gives way any more: the Batch grows until it holds all of it by its
+/// recipe.
+Result<Overpour> OverpourMixRow(Session& session, BatchWork& work, std::size_t row, double poured,
+                                const std::vector<double>& inThePot = {});
 
 /// The row's amount is what was poured, whatever was chosen before or after it: those rows keep theirs and the basics give
 /// way. Refuses, and changes nothing, where the recipe does not take all of them.

@@ -13,6 +13,7 @@
 #include "core/batch/default_models.h"
 #include "core/batch/jobs.h"
 #include "core/batch/recipe.h"
+#include "core/batch/weighing.h"
 #include "core/colors/amounts.h"
 #include "core/session/rights.h"
 #include "core/session/settings.h"
@@ -71,6 +72,7 @@ auto Alter(Session& session, BatchRecord& record, const Act& act) -> decltype(ac
   const KeptLots lots(record.work);
   auto result = act();
   if (result) {
+    TakeUpDifferences(session, record);
     lots.GiveBack(record.work);
     FollowTotal(session, record);
   }
@@ -240,7 +242,8 @@ Result<Overpour> PourBasicRow(Session& session, BatchRecord& record, std::size_t
   return result;
 }
 Result<Overpour> PourMixRow(Session& session, BatchRecord& record, std::size_t row, double poured) {
-  auto result = Alter(session, record, [&] { return OverpourMixRow(session, record.work, row, poured); });
+  auto result =
+      Alter(session, record, [&] { return OverpourMixRow(session, record.work, row, poured, InThePot(record)); });
   if (result && result->reformulated) ResetBasicLots(record.work);
   return result;
 }

@@ -12,10 +12,12 @@
 #include "core/batch/cost_model.h"
 #include "core/batch/job_rows.h"
 #include "core/batch/made.h"
+#include "core/batch/modified.h"
 #include "core/batch/recipe.h"
 #include "core/batch/recycle_list.h"
 #include "core/batch/rows.h"
 #include "core/batch/scale_results.h"
+#include "core/batch/weighing.h"
 
 namespace vellumark {
 namespace {
@@ -151,13 +153,23 @@ NamedAmounts RecipeFor(const BatchWork& work, double quantity) {
   return recipe;
 }
 
+// Whether the formula is what the save of this Batch folded its additions into. Its Additive Set keeps its percentages,
+// and what weighing left over or under was no change, so the pot holds other shares than the formula.
+bool FoldedIntoRecipe(const Session& session, const BatchRecord& record) {
+  if (record.work.Additions.empty() || !record.work.RecycledColors.empty()) return false;
+  NamedAmounts folded;
+  for (const Ingredient& line : ModifiedRecipe(session, record)) Add(folded, line.name, line.amount);
+  return SameAmounts(folded, RecipeFor(record.work, 100), 0.0015);
+}
+
 // The formula holds the day of its last change only. On the very day of the Batch it is the recipe itself that tells
 // whether that was before or after it: as it was calculated, or with the additions that the save folded into it.
-bool MadeByThisRecipe(const BatchWork& work, double actual) {
+bool MadeByThisRecipe(const Session& session, const BatchRecord& record, double actual) {
+  const BatchWork& work = record.work;
   const double quantity = work.Quantity();
   const double tolerance = 0.002 + 1e-5 * std::max(quantity, actual);
   return SameAmounts(Contents(work, false), RecipeFor(work, quantity), tolerance) ||
-         SameAmounts(Contents(work, true), RecipeFor(work, actual), tolerance);
+         SameAmounts(Contents(work, true), RecipeFor(work, actual), tolerance) || FoldedIntoRecipe(session, record);
 }
 
 bool FormulaUnchanged(const Session& session, const BatchRecord& record, double actual) {
@@ -173,7 +185,7 @@ bool FormulaUnchanged(const Session& session, const BatchRecord& record, double 
   if (entered && entered->SecondNumber() > saved) return false;
   if (!modified) return true;
   if (modified->SecondNumber() > saved) return false;
-  return modified->DayNumber() < record.Date_Entered->DayNumber() || MadeByThisRecipe(record.work, actual);
+  return modified->DayNumber() < record.Date_Entered->DayNumber() || MadeByThisRecipe(session, record, actual);
 }
 
 // Chooses the recycled colours once more, as they were chosen, so that rows can be adjusted. Where that no longer gives
@@ -285,6 +297,9 @@ std::optional<BatchRecord> LoadBatchRow(Session& session, std::int64_t key, cons
   LoadFormulaIngredients(session, work);
   if (!work.formulaFound) work.formula.Color_Code = row.Text("Color_Code");
   TakeLines(session, work, stored.lines);
+  ShowBatchRows(session, work);
+  record.weighed = ReadScaleResults(session, record.BatchNo);
+  FindDifferences(record);
   record.formulaUnchanged = FormulaUnchanged(session, record, row.Single("ActualQuantity"));
   record.modifiedFormula = work.formulaFound && !record.formulaUnchanged;
   work.LargestAmountIndex = static_cast<std::uint8_t>(std::clamp(stored.LargestAmountIndex, 0, 255));
@@ -296,7 +311,6 @@ std::optional<BatchRecord> LoadBatchRow(Session& session, std::int64_t key, cons
   if (record.formulaUnchanged) RefreshRecycleList(session, work);
   ReadCosts(session, row, work);
   ReadStock(session, record);
-  record.weighed = ReadScaleResults(session, record.BatchNo);
   TakeLots(session, record, takings);
   FillOldLines(record);
   RememberRecord(record);

@@ -9,7 +9,7 @@ namespace vellumark {
 /// colours, of at most 14 ingredients with them.
 bool OffersFormulaChange(const Session& session, const BatchRecord& record);
 
-/// The recipe that formula and additions come to, in parts of 100, without the Additive Set's lines.
+/// The recipe that formula and additions come to, in parts of 100, the lines of its Additive Set last.
 Recipe ModifiedRecipe(const Session& session, const BatchRecord& record);
 
 /// The checks of SaveModifiedBatch on its choice: a recipe of nothing but the Additive Set (the Batch is then saved

@@ -8,6 +8,7 @@
 
 #include "core/base/text.h"
 #include "core/base/units.h"
+#include "core/batch/additions.h"
 #include "core/batch/bench.h"
 
 namespace vellumark {
@@ -61,6 +62,22 @@ WeighTicket TicketOf(const BatchRecord& record, std::size_t place) {
           .UMF = record.work.UMF};
 }
 
+// What the rows of that kind and name hold.
+double AmountOf(const BatchRecord& record, LineKind kind, std::string_view name) {
+  double amount = 0;
+  for (const BatchRow& row : record.work.Rows)
+    if (row.kind == kind && EqualNoCase(row.name, name)) amount += row.amount;
+  return RoundTo(amount, 3);
+}
+
+// How much more of a Basic Color is in the pot than its row and its addition say; below 0 while some is to be poured.
+double Excess(const BatchRecord& record, std::string_view basic) {
+  double excess = 0;
+  for (const LineKind kind : {LineKind::Basic, LineKind::Addition})
+    excess += Weighed(record, kind, basic) - AmountOf(record, kind, basic);
+  return RoundTo(excess, 3);
+}
+
 void Note(BatchRecord& record, const WeighTicket& ticket, double poured, double difference) {
   auto found = std::ranges::find_if(record.weighed,
                                     [&](const WeighedLine& line) { return Is(line, ticket.kind, ticket.name); });
@@ -111,6 +128,46 @@ Result<Overpour> AskToReformulate(Session& session, BatchRecord& record, const W
   for (BatchRow& row : record.work.Rows)
     if (row.kind == LineKind::Basic) row.adjustable = setting;
   return poured;
+}
+
+// Rows may have given way to a pour. What was poured of them before is in the pot all the same.
+Result<void> PutDownExcess(Session& session, BatchRecord& record, const BatchRecord& before,
+                           const WeighTicket& ticket) {
+  for (std::size_t i = 0; i < record.weighed.size(); ++i) {
+    const WeighedLine line = record.weighed[i];
+    // The colour on the scale itself was dealt with: on target it stays as it is.
+    if (line.kind != LineKind::Basic || (ticket.kind != LineKind::Mix && EqualNoCase(line.name, ticket.name))) continue;
+    const double more = RoundTo(Excess(record, line.name) - std::max(0.0, Excess(before, line.name)), 3);
+    if (more <= kRounding + 1e-9) continue;
+    if (auto put = AddDifference(session, record, line.name, more); !put) return put;
+    record.weighed[i].difference = RoundSingle(RoundTo(line.difference, 3) + more, 3);
+  }
+  return {};
+}
+
+// The pour on the scale, of which the Batch is as it was `before`.
+Result<PouredRow> Pour(Session& session, BatchRecord& record, const BatchRecord& before, const WeighTicket& ticket,
+                       double poured, const WeighTolerance& tolerance) {
+  const PourEnd end = ComparePour(poured, ticket.target, tolerance.Of(ticket.target, ticket.UMF));
+  PouredRow done{.row = ticket.row, .overpour = {}};
+  double difference = 0;
+  if (end != PourEnd::OnTarget) {
+    difference = RoundTo(poured - ticket.target, 3);
+    if (end == PourEnd::Over) {
+      auto asked = AskToReformulate(session, record, ticket, difference);
+      if (!asked) return std::unexpected(asked.error());
+      done.overpour = *std::move(asked);
+    }
+    if (done.overpour.reformulated) {
+      difference = 0;
+    } else if (auto recorded = RecordAsWeighed(session, record, ticket, difference); !recorded) {
+      return std::unexpected(recorded.error());
+    }
+  }
+  Note(record, ticket, poured, ticket.kind == LineKind::Basic ? difference : 0);
+  if (auto put = PutDownExcess(session, record, before, ticket); !put) return std::unexpected(put.error());
+  done.row = PlaceOf(record, ticket.kind, ticket.name).value_or(ticket.row);
+  return done;
 }
 
 }  // namespace
@@ -219,24 +276,9 @@ Result<PouredRow> TakePour(Session& session, BatchRecord& record, const WeighTic
   if (!(poured > 0)) return Refuse(kTitle, "Nothing was poured.", "cmdSave");
   if (auto editable = CheckEditable(session, record); !editable) return std::unexpected(editable.error());
   if (auto adjustable = CheckAdjustable(record.work); !adjustable) return std::unexpected(adjustable.error());
-  const PourEnd end = ComparePour(poured, here.target, tolerance.Of(here.target, here.UMF));
-  PouredRow done{.row = here.row, .overpour = {}};
-  double difference = 0;
-  if (end != PourEnd::OnTarget) {
-    difference = RoundTo(poured - here.target, 3);
-    if (end == PourEnd::Over) {
-      auto asked = AskToReformulate(session, record, here, difference);
-      if (!asked) return std::unexpected(asked.error());
-      done.overpour = *std::move(asked);
-    }
-    if (done.overpour.reformulated) {
-      difference = 0;
-    } else if (auto recorded = RecordAsWeighed(session, record, here, difference); !recorded) {
-      return std::unexpected(recorded.error());
-    }
-  }
-  Note(record, here, poured, here.kind == LineKind::Basic ? difference : 0);
-  done.row = PlaceOf(record, here.kind, here.name).value_or(here.row);
+  BatchRecord before = record;
+  auto done = Pour(session, record, before, here, poured, tolerance);
+  if (!done) record = std::move(before);
   return done;
 }
 
@@ -244,6 +286,38 @@ float WeighedDifference(const BatchRecord& record, std::string_view basic) {
   for (const WeighedLine& line : record.weighed)
     if (Is(line, LineKind::Basic, basic)) return line.difference;
   return 0;
+}
+
+void FindDifferences(BatchRecord& record) {
+  for (WeighedLine& line : record.weighed) {
+    if (line.kind != LineKind::Basic) continue;
+    const double beyond = RoundTo(line.EndingWeight, 3) - AmountOf(record, LineKind::Basic, line.name);
+    const double added = AmountOf(record, LineKind::Addition, line.name);
+    line.difference = RoundSingle(std::clamp(beyond, std::min(added, 0.0), std::max(added, 0.0)), 3);
+  }
+}
+
+void TakeUpDifferences(const Session& session, BatchRecord& record) {
+  for (WeighedLine& line : record.weighed) {
+    if (line.kind != LineKind::Basic || !(line.difference > 0)) continue;
+    // An addition that the operator lowered since says what was meant.
+    const double added = std::max(0.0, AmountOf(record, LineKind::Addition, line.name));
+    const double difference = std::min(RoundTo(line.difference, 3), added);
+    const double stays = RoundTo(std::min(difference, Surplus(record, line.name)), 3);
+    line.difference = RoundSingle(stays, 3);
+    if (const double less = RoundTo(difference - stays, 3); less > 0)
+      LowerAddition(session, record.work, line.name, less);
+  }
+}
+
+std::vector<double> InThePot(const BatchRecord& record) {
+  std::vector<double> amounts;
+  for (const BatchRow& row : record.work.Rows) {
+    const double weighed = Weighed(record, row.kind, row.name);
+    const double open = std::max(0.0, Wanted(record, row) - weighed);
+    amounts.push_back(weighed > 0 ? RoundTo(row.amount - open, 3) : 0);
+  }
+  return amounts;
 }
 
 double InBatchUnit(double reading, int scaleUnit, int unit) {

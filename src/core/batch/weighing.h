@@ -79,12 +79,22 @@ struct PouredRow {
 /// Takes what was poured into the Batch, so that stock loses what is gone. On target the Batch stays. Too much of a
 /// recycled or Basic row asks whether the Batch is reformulated around it; what is not reformulated, and too little, is
 /// recorded as it was weighed: of a Basic Color as an addition of the difference, of an addition as its amount, of a
-/// recycled row as its amount. Refuses what the Batch cannot hold, and a row that is not the one of the ticket any more.
+/// recycled row as its amount. Basic rows that gave way to it below what was poured of them before get the rest as an
+/// addition too. Refuses what the Batch cannot hold, and a row that is not the one of the ticket any more; the Batch
+/// then stands as it did.
 Result<PouredRow> TakePour(Session& session, BatchRecord& record, const WeighTicket& ticket, double poured,
                            const WeighTolerance& tolerance);
 
 /// What of an addition is no more than a difference that weighing left.
 float WeighedDifference(const BatchRecord& record, std::string_view basic);
+/// The same, worked out for a Batch whose rows, additions and results of the scale were read from file.
+void FindDifferences(BatchRecord& record);
+/// After a change of the rows: one that grew holds of what was poured beyond it as much as it can, and the addition
+/// that this had become is so much less.
+void TakeUpDifferences(const Session& session, BatchRecord& record);
+
+/// What each row must go on holding, since it is in the pot; 0 for a row of which nothing was weighed.
+std::vector<double> InThePot(const BatchRecord& record);
 
 /// A reading of the scale in the Batch's unit; `scaleUnit` 0 is the Batch's.
 double InBatchUnit(double reading, int scaleUnit, int unit);

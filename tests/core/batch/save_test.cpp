@@ -2,6 +2,7 @@
 // in stock when it is saved again.
 
 #include "core/base/number.h"
+#include "core/batch/weighing.h"
 #include "life_room.h"
 #include "support/stock_lines.h"
 
@@ -67,6 +68,33 @@ TEST(BatchGuards, ARecipeChangedOnTheDayOfTheBatchIsNoticed) {
   EXPECT_TRUE(ReadBatch(room.session, 1)->formulaUnchanged);
   room.session.File().Execute("UPDATE INK_Mix SET BQ0 = 26, BQ1 = 74");
   EXPECT_FALSE(ReadBatch(room.session, 1)->formulaUnchanged);
+}
+
+// What its save made of the formula, an Additive Set's percentages and what was weighed over or under aside.
+TEST(BatchGuards, ABatchThatWasFoldedIntoItsFormulaStaysOpenToChanges) {
+  for (const bool withSet : {true, false}) {
+    PinkRoom room;
+    room.session.InvLotTracking = 0;
+    room.Basic("SLOW", 50, {{"Additive", true}});
+    room.AddRow(schema::Additives,
+                {{"SetName", "SET1"}, {"SetList", "<SLOW>"}, {"Add_Name0", "SLOW"}, {"Add_Percent0", 10.0F}});
+    if (withSet) {
+      room.Formula("DEEP", {{"RED", 50.0F}, {"WHITE", 40.0F}, {"SLOW", 10.0F}}, 0, {{"AddSetName", "SET1"}});
+    } else {
+      room.Formula("DEEP", {{"RED", 60.0F}, {"WHITE", 40.0F}});
+    }
+    room.Mixed("DEEP", "100");
+    if (!withSet) {
+      const auto ticket = OpenWeighing(room.session, room.record, 1);
+      ASSERT_TRUE(ticket && TakePour(room.session, room.record, *ticket, 38, {}));
+    }
+    ASSERT_TRUE(AddBatchAdditions(room.session, room.record, {{"RED", "10"}}));
+    room.dialogs.choices.push_back(ModifiedBatchChoice{.change = FormulaChange::Update});
+    room.Save();
+    EXPECT_TRUE(ReadBatch(room.session, 1)->formulaUnchanged) << withSet;
+    room.session.File().Execute("UPDATE INK_Mix SET BQ0 = BQ0 - 1, BQ1 = BQ1 + 1 WHERE Color_Name = 'DEEP'");
+    EXPECT_FALSE(ReadBatch(room.session, 1)->formulaUnchanged) << withSet;
+  }
 }
 
 TEST(BatchSave, ChecksStandInTheirOrder) {

@@ -1,5 +1,9 @@
 #include "core/batch/weighing.h"
 
+#include <array>
+#include <map>
+#include <random>
+
 #include "life_room.h"
 
 namespace vellumark::test {
@@ -111,6 +115,133 @@ TEST_F(Weighing, ARecycledRowTakesItsWeightAndLeavesTheOthers) {
   Save();
   EXPECT_EQ(Inventory(ColorKind::Mix, "TINT").Single(), 9.5F);
   EXPECT_EQ(Inventory(ColorKind::Mix, "TONE").Single(), 0);
+}
+
+// What was kept as an addition is white all the same: a Batch that grows takes it up, whether it was saved meanwhile or
+// not. In the pot are 10.25 of 11.
+TEST_F(Weighing, AnOverpourThatWasKeptIsTakenUpByAGrownBatch) {
+  for (const char* name : {"RED", "WHITE", "BLUE"}) Basic(name, 100);
+  Formula("THIRDS", {{"RED", 33.333F}, {"BLUE", 33.334F}, {"WHITE", 33.333F}});
+  for (const bool reopened : {false, true}) {
+    Mixed("THIRDS", "30");
+    prompt.Expect("Excess Basic Color Weight", Answer::No);
+    EXPECT_EQ(Pour("WHITE", 10.25), "");
+    if (reopened) Open(Save());
+    prompt.Expect("Excess Basic Color Weight", Answer::Yes).Expect("Change in Amounts" + std::string(50, ' '), Answer::No);
+    EXPECT_EQ(Pour("RED", 11), "");
+    auto left = Left();
+    std::ranges::sort(left);
+    EXPECT_EQ(left, (Texts{"BLUE 11.000", "WHITE 0.750"})) << reopened;
+    EXPECT_TRUE(record.work.Additions.empty());
+    EXPECT_EQ(Pour("WHITE", 0.75) + Pour("BLUE", 11), "");
+    Save();
+  }
+  EXPECT_EQ(White(), 78);
+}
+
+// Rows that were weighed keep what they have when recycled ink is poured too full: reformulated, the Batch grows and its
+// color stays; otherwise the rest is an addition.
+TEST_F(Weighing, ARecycledRowPouredTooFullTakesNothingOutOfThePot) {
+  MakePink();
+  Formula("TINT", {{"RED", 25.0F}, {"WHITE", 75.0F}}, 200);
+  for (const bool reformulate : {true, false}) {
+    const float red = Red(), tint = Inventory(ColorKind::Mix, "TINT").Single();
+    Mixed("PINK", "60");
+    ASSERT_TRUE(TakeRecycled(session, record, "TINT", "40").value_or(false));
+    EXPECT_EQ(Pour("RED", 5), "");
+    prompt.Expect("Excess Recycle Color Weight", reformulate ? Answer::Yes : Answer::No);
+    EXPECT_EQ(Pour("TINT", 48, LineKind::Mix), "");
+    EXPECT_EQ(record.work.ShownTotal, reformulate ? 68 : 62);
+    EXPECT_EQ(Left(), Texts{reformulate ? "WHITE 15.000" : "WHITE 9.000"});
+    EXPECT_EQ(Pour("WHITE", reformulate ? 15 : 9), "");
+    Save();
+    EXPECT_EQ(Red(), red - 5);
+    EXPECT_EQ(Inventory(ColorKind::Mix, "TINT").Single(), tint - 48);
+  }
+}
+
+// A pot, and whoever pours into it exactly, too much or too little, in any order, and saves the Batch meanwhile.
+struct Pot : Weighing {
+  Pot() {
+    Setting("AllowNegInv", "1");
+    for (const char* name : {"RED", "WHITE", "BLUE"}) Basic(name, 2000);
+    Formula("PLUM", {{"RED", 41.5F}, {"WHITE", 33.25F}, {"BLUE", 25.25F}});
+    Formula("ROSE", {{"RED", 50.0F}, {"WHITE", 50.0F}}, 2000);
+    Formula("LILAC", {{"BLUE", 40.0F}, {"WHITE", 60.0F}}, 2000);
+  }
+  std::size_t Below(std::size_t limit) { return static_cast<std::size_t>(random() % limit); }
+  double Amount(double least, double most) { return RoundTo(least + (most - least) * static_cast<double>(Below(1001)) / 1000, 3); }
+  static std::string In(LineKind kind, const std::string& name) { return (kind == LineKind::Mix ? "Mix " : "") + name; }
+
+  void Begin() {
+    poured.clear();
+    Mixed("PLUM", Fixed(Amount(5, 30), 3));
+    for (const char* name : {"ROSE", "LILAC"})
+      if (Below(2) == 0) (void)TakeRecycled(session, record, name, Fixed(Amount(0.5, 6), 3));
+    if (Below(3) == 0) (void)AddBatchAdditions(session, record, {{"WHITE", Fixed(Amount(0.2, 2), 3)}});
+  }
+  void PourOne(bool exactly) {
+    const auto tickets = RowsToWeigh(record, tolerance, false);
+    const WeighTicket ticket = tickets.at(Below(tickets.size()));
+    const double factor = exactly ? 1 : std::array{1.0, 1.0, Amount(1, 1.2), Amount(0.85, 1)}.at(Below(4));
+    const double weight = std::max(0.001, RoundTo(ticket.target * factor, 3));
+    if (weight > ticket.target && ticket.kind != LineKind::Addition) {
+      const bool grows = Below(2) == 0;
+      prompt.Expect(ticket.kind == LineKind::Mix ? "Excess Recycle Color Weight" : "Excess Basic Color Weight",
+                    grows ? Answer::Yes : Answer::No);
+      if (grows && ticket.kind == LineKind::Basic) prompt.Expect("Change in Amounts" + std::string(50, ' '), Answer::No);
+    }
+    const double total = record.work.ShownTotal;
+    if (const auto taken = TakePour(session, record, ticket, weight, tolerance)) {
+      poured[In(ticket.kind, ticket.name)] += weight;
+      ++pours;
+    } else {
+      EXPECT_EQ(record.work.ShownTotal, total) << taken.error().text;
+      ++refusals;
+    }
+  }
+  std::int32_t SaveIt() {
+    if (OffersFormulaChange(session, record)) dialogs.choices.push_back(ModifiedBatchChoice{});
+    return Save();
+  }
+  // The rows are what is in the pot and what is still to be poured, of each color.
+  void Compare() {
+    std::map<std::string, double> rows, sums = poured;
+    double total = 0;
+    for (const BatchRow& row : record.work.Rows) {
+      rows[In(row.kind, row.name)] += row.amount;
+      total += row.amount;
+    }
+    for (const WeighTicket& ticket : RowsToWeigh(record, tolerance, false)) sums[In(ticket.kind, ticket.name)] += ticket.target;
+    for (const auto& [color, amount] : sums) EXPECT_NEAR(rows[color], amount, 0.01) << color;
+    EXPECT_NEAR(record.work.ShownTotal, total, 1e-6);
+  }
+  std::mt19937_64 random{20260310};
+  std::map<std::string, double> poured;
+  int pours = 0, refusals = 0;
+};
+
+TEST_F(Pot, StockLosesWhatIsInIt) {
+  for (int batch = 0; batch < 120 && !HasFailure(); ++batch) {
+    SCOPED_TRACE(batch);
+    std::map<std::string, double> before;
+    const auto stock = [&](const std::string& color) {
+      const bool mix = color.starts_with("Mix ");
+      return static_cast<double>(Inventory(mix ? ColorKind::Mix : ColorKind::Basic, mix ? color.substr(4) : color).Single());
+    };
+    for (const char* color : {"RED", "WHITE", "BLUE", "Mix ROSE", "Mix LILAC"}) before[color] = stock(color);
+    Begin();
+    for (int pour = 0; pour < 40 && !RowsToWeigh(record, tolerance, false).empty() && !HasFailure(); ++pour) {
+      PourOne(pour > 10);
+      Compare();
+      if (Below(6) == 0) Open(SaveIt());
+    }
+    EXPECT_TRUE(Left().empty());
+    SaveIt();
+    for (const auto& [color, had] : before) EXPECT_NEAR(had - stock(color), poured[color], 0.01) << color;
+  }
+  EXPECT_GT(pours, 400);
+  EXPECT_LT(refusals, pours / 20);
 }
 
 TEST_F(Weighing, ARowThatIsAnotherByNowIsRefusedAndToleranceHolds) {
