@@ -51,7 +51,7 @@ class MadeColor {
     if (!lotted && !wasLotted) {
       record_.LotRefID = place;
       if (now_ > before_) return Add(RoundSingle(now_ - before_, 3));
-      if (now_ < before_) Take(RoundSingle(before_ - now_, 3));
+      if (now_ < before_) Lower();
       return true;
     }
     return Move(wasLotted, lotted, place);
@@ -64,7 +64,7 @@ class MadeColor {
     const float there =
         wasLotted ? (oldLot_ ? oldLot_->LotQty : 0) : UnlottedQty(session_, ColorKind::Mix, record_.work.Color_Name);
     const float removed = std::clamp(before_, 0.0F, std::max(there, 0.0F));
-    if (removed > 0) Take(removed);
+    if (removed > 0) Take(rules_, removed);
     const float used = RoundSingle(before_ - removed, 3);
     const float added = std::max(0.0F, RoundSingle(now_ - used, 3));
     if (lotted && wasLotted && !(added > 0) && now_ > 0) return true;  // all of it was used; the reference stays
@@ -94,10 +94,18 @@ class MadeColor {
     return false;
   }
 
-  void Take(float quantity) {
+  void Take(const StockRules& rules, float quantity) {
     Posting posting = PostingOf(PostingSource::BatchUnmakes, quantity);
     if (oldLot_) posting.place = PlaceOf(*oldLot_);
-    PostStock(session_, rules_, posting);
+    PostStock(session_, rules, posting);
+  }
+
+  // Less than it had made, where it lies. What the Batch still makes is there however little it is, as it would be had
+  // the Batch been saved so at once; only a Batch that makes nothing any more leaves no rest under the cutoff.
+  void Lower() {
+    StockRules rules = rules_;
+    if (now_ > 0) rules.InvCutoff = 0;
+    Take(rules, RoundSingle(before_ - now_, 3));
   }
 
   // The lot keeps its reference, by which jobs and other Batches know it. Ink that lies in a lot is there also while
@@ -108,7 +116,7 @@ class MadeColor {
                       oldLot_->LotContID == fields.LotContID;
     if (session_.InvLotTracking != 0 && !same) Rename();
     if (now_ < before_) {
-      Take(RoundSingle(before_ - now_, 3));
+      Lower();
     } else if (now_ > before_) {
       Posting posting = PostingOf(PostingSource::BatchMakes, RoundSingle(now_ - before_, 3));
       posting.place = PlaceOf(*oldLot_);

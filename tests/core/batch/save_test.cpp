@@ -214,6 +214,26 @@ INSTANTIATE_TEST_SUITE_P(
         Made{"LotUsedToUnlotted", "A", 25, "40", "", 15, -1}),
     [](const auto& info) { return std::string(info.param.name); });
 
+// Less than the cutoff stays in stock where a Batch still makes it, as if the Batch had been saved so at once.
+TEST(BatchSave, LittleThatIsStillMadeIsThere) {
+  for (const char* lot : {"", "A"}) {
+    PinkRoom room;
+    room.Setting("InvCutoff", "0.5");
+    const auto made = [&] { return room.Pink() + room.Scalar("SELECT TOTAL(LotQty) FROM INK_Mix_LotInv").Single(); };
+    room.Mixed("PINK", "0.9");
+    room.record.fields.LotNumber = lot;
+    room.Save();
+    for (const auto& [used, stays] : {std::pair{"0.5", 0.4F}, {"0.8", 0.1F}, {"0.3", 0.6F}, {"0.9", 0.0F}}) {
+      room.Open(1);
+      ASSERT_TRUE(EnterJobNumber(room.session, room.record, "J1"));
+      ASSERT_TRUE(EnterQtyUsed(room.session, room.record, used));
+      room.Save();
+      EXPECT_FLOAT_EQ(made(), stays) << lot << " used " << used;
+      EXPECT_EQ(room.OfBatch("LotRefID").Whole(), stays == 0 ? -1 : *lot == 0 ? 0 : 1) << used;
+    }
+  }
+}
+
 TEST(BatchSave, WithoutAFreeReferenceTheInkGoesToUnlottedInventory) {
   PinkRoom room;
   room.FillLots(ColorKind::Mix, "PINK", kLastLotRefID);
