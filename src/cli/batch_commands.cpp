@@ -6,12 +6,13 @@
 #include "cli/batch_output.h"
 #include "cli/color_fields.h"
 #include "cli/frame.h"
-#include "cli/scale_reading.h"
 #include "cli/record_export.h"
+#include "cli/scale_reading.h"
 #include "core/batch/bench.h"
 #include "core/batch/dispense.h"
 #include "core/batch/leave.h"
 #include "core/batch/open.h"
+#include "core/batch/row_lots.h"
 #include "core/batch/store.h"
 #include "core/batch/ticket.h"
 #include "core/batch/weighing.h"
@@ -128,6 +129,7 @@ struct WeighOptions {
   std::size_t row = 1;
   std::string weight;  // typed, in the Batch's unit; else the scale's
   int seconds = 60;
+  BatchInput lots;
 };
 
 // A row of a stored Batch from the scale: what the weighing window does for one row, and the save.
@@ -152,11 +154,14 @@ Result<Json> WeighRow(Context& context, const WeighOptions& options) {
       return Declined("Weigh Ingredient", ticket->name);
     const auto taken = TakePour(session, record, *ticket, poured, tolerance);
     if (!taken) return std::unexpected(taken.error());
+    // A Batch that grew lets go of the lots of its Basic Colors. They stay as far as they reach; for the rest, and for
+    // an addition that the pour left, there are the options.
+    if (const auto kept = TakeSavedLots(session, record); !kept) return std::unexpected(kept.error());
+    if (const auto lots = TakeSaveOptions(session, record, options.lots); !lots) return std::unexpected(lots.error());
     Json left = Json::array();
     for (const WeighTicket& next : RowsToWeigh(record, tolerance, setup.WeighHeaviestFirst))
       left.push_back({{"Row", next.row + 1}, {"Name", next.name}, {"Target", Fixed(next.target, 3)}});
-    BatchInput input;
-    if (const auto number = Store(session, record, input); !number) return std::unexpected(number.error());
+    if (const auto number = Store(session, record, options.lots); !number) return std::unexpected(number.error());
     return Json{{"BatchNo", options.batchNo},
                 {"Name", ticket->name},
                 {"Target", Fixed(ticket->target, 3)},
@@ -225,6 +230,7 @@ void AddBench(CLI::App& noun, Commands& commands) {
   weigh->add_option("--weight", weighed->weight, "What was poured, in the unit of the Batch; else the scale is read");
   weigh->add_option("--seconds", weighed->seconds, "How long to wait for a weight that stands still")
       ->check(CLI::Range(1, 3600));
+  AddLotOption(*weigh, weighed->lots);
   commands.Add(weigh, Needs::Writable, [weighed](Context& context) { return WeighRow(context, *weighed); });
 
   auto* dispense = noun.add_subcommand("dispense", "Write the file of a stored Batch for a dispenser");

@@ -17,6 +17,7 @@
 #include "core/batch/recycle_list.h"
 #include "core/batch/row_lots.h"
 #include "core/colors/names.h"
+#include "core/jobs/job_numbers.h"
 
 namespace vellumark::cli {
 namespace {
@@ -246,6 +247,11 @@ Result<void> TakeJobs(Session& session, BatchRecord& record, const BatchInput& i
   std::vector<JobItem> items;
   for (const std::string& option : input.jobs) {
     const auto [number, used] = SplitPair(option, true).value();
+    // Cut, it would be another Job's number.
+    if (CharCount(Trim(StripScanTag(Trim(number)))) > kJobNumberLength)
+      return Refuse("Job Number Too Long",
+                    fmt::format("The Job Number {} has more than {} characters.", number, kJobNumberLength),
+                    "JobNumber");
     items.push_back({number, Trim(used)});
   }
   if (items.size() > 1) return SaveJobItems(session, record, items);
@@ -276,9 +282,13 @@ void AddCalcOptions(CLI::App& verb, BatchInput& input, bool formulaRequired) {
       ->check(NotAField);
 }
 
-void AddSaveOptions(CLI::App& verb, BatchInput& input) {
+void AddLotOption(CLI::App& verb, BatchInput& input) {
   OneEachTime(verb.add_option("--lot", input.lots, "Where a line takes its ink from: NAME=LOTNUMBER:QTY"))
       ->check(NotALot);
+}
+
+void AddSaveOptions(CLI::App& verb, BatchInput& input) {
+  AddLotOption(verb, input);
   verb.add_option("--lot-number", input.lotNumber, "Lot number of the ink that is made");
   verb.add_option("--lot-loc", input.lotLoc, "Its location");
   verb.add_option("--lot-cont", input.lotCont, "Its container");
@@ -363,6 +373,11 @@ std::optional<ModifiedBatchChoice> OptionDialogs::ShowSaveModifiedBatch(Session&
   if (checked) return *checked;
   refused = checked.error();
   return std::nullopt;
+}
+
+bool OptionDialogs::KnowsComplete() {
+  return std::ranges::any_of(
+      input_.set, [](const std::string& option) { return EqualNoCase(SplitPair(option).value().first, "Complete"); });
 }
 
 bool OptionDialogs::ShowShortStock(Session& session, const std::vector<ShortStock>& lines) {

@@ -35,6 +35,7 @@ struct BatchInput {
 
 void AddCalcOptions(CLI::App& verb, BatchInput& input, bool formulaRequired);
 void AddSaveOptions(CLI::App& verb, BatchInput& input);
+void AddLotOption(CLI::App& verb, BatchInput& input);
 
 /// A new Batch, calculated, with the fields that --set gives.
 Result<BatchRecord> NewBatch(Session& session, const BatchInput& input);
@@ -43,13 +44,14 @@ Result<void> ChangeBatch(Session& session, BatchRecord& record, const BatchInput
 /// Lots, jobs, what returns to inventory and the texts: what a save takes beside the calculation.
 Result<void> TakeSaveOptions(Session& session, BatchRecord& record, const BatchInput& input);
 
-/// What --fold says where the window SaveModifiedBatch would ask. The lot number reminder is for the window alone; stock
-/// that does not cover the Batch is told of.
+/// What --fold says where the window SaveModifiedBatch would ask, and --set of Complete where the save would. The lot
+/// number reminder is for the window alone; stock that does not cover the Batch is told of.
 class OptionDialogs final : public BatchDialogs {
  public:
   explicit OptionDialogs(const BatchInput& input) : input_(input) {}
   LotReminderAnswer ShowLotNumReminder() override { return {}; }
   std::optional<ModifiedBatchChoice> ShowSaveModifiedBatch(Session& session, const BatchRecord& record) override;
+  bool KnowsComplete() override;
   bool ShowShortStock(Session& session, const std::vector<ShortStock>& lines) override;
 
   /// Why a formula change was refused.

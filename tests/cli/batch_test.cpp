@@ -254,6 +254,7 @@ TEST(CliBatch, RefusesWhatTheWindowRefuses) {
   EXPECT_EQ(with({"--job", "A=10.001"}), "Batch Window - Qty Used Too Large");
   EXPECT_EQ(with({"--job", "A=0"}), "Invalid Job Quantity");
   EXPECT_EQ(with({"--job", "A=1", "--no-return"}), "Option Must Be Checked");
+  EXPECT_EQ(with({"--job", std::string(31, 'J') + "=1"}), "Job Number Too Long");
   EXPECT_EQ(with({"--set", "MarkupPercent=101"}), "Invalid Percentage");
   EXPECT_EQ(with({"--set", "FixedCostPerUnit=-1"}), "Invalid Cost");
   EXPECT_EQ(with({"--set", "Nothing=1"}), "Invalid Field");
@@ -327,6 +328,10 @@ TEST(CliBatch, CompletedOnesAreNotChanged) {
   EXPECT_EQ(shop.Run({"--yes", "batch", "delete", "1"}).status, 1);
   shop.Json({"batch", "complete", "1", "--off"});
   shop.Json({"--no", "batch", "edit", "1", "--quantity", "5"});
+  // What was said in so many words is not asked.
+  shop.Json({"batch", "edit", "1", "--quantity", "6", "--set", "Complete=no"});
+  shop.Json({"--yes", "batch", "edit", "1", "--quantity", "7", "--set", "Complete=no"});
+  EXPECT_FALSE(shop.Json({"batch", "show", "1"})["Complete"].get<bool>());
 }
 
 // ---- What a verb on a stored Batch leaves behind
@@ -383,6 +388,12 @@ TEST(CliBatch, AnEditOfLotsReplacesThem) {
   EXPECT_EQ(lots(), (Held{{"A", 80}, {"B", 96}}));
   shop.Json({"batch", "edit", "1", "--quantity", "100", "--lot", "RED=B:36", "--lot", "RED=A:1"});
   EXPECT_EQ(lots(), (Held{{"A", 79}, {"B", 60}}));
+  // A Batch that grows by what was poured keeps the lots that it has; for what is new they are chosen like that.
+  shop.Json({"stock", "adjust", "BLUE", "100", "--kind", "basic"});
+  shop.Json({"--yes", "batch", "weigh", "1", "2", "--weight", "44"});
+  EXPECT_EQ(lots(), (Held{{"A", 79}, {"B", 60}}));
+  shop.Json({"--yes", "batch", "weigh", "1", "1", "--weight", "67", "--lot", "RED=A:6"});
+  EXPECT_EQ(lots(), (Held{{"A", 73}, {"B", 60}}));
 }
 
 TEST(CliBatch, EveryOptionIsGuardedAndLeavesNothing) {

@@ -43,6 +43,8 @@ class BatchDialogs {
   virtual LotReminderAnswer ShowLotNumReminder() = 0;
   /// `SaveModifiedBatch`; checks its choice with CheckModifiedBatch before it closes. Nothing: the Batch is not saved.
   virtual std::optional<ModifiedBatchChoice> ShowSaveModifiedBatch(Session& session, const BatchRecord& record) = 0;
+  /// Whether the operator has said already if the Batch is complete; nobody is asked then.
+  virtual bool KnowsComplete() { return false; }
   /// Tells that stock does not cover the Batch (see ShortStockText). False: back to it, to choose lots.
   virtual bool ShowShortStock(Session&, const std::vector<ShortStock>&) { return true; }
 };

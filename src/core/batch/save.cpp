@@ -30,8 +30,8 @@ Result<void> CheckRequiredTexts(const Session& session, const BatchRecord& recor
   return {};
 }
 
-void AskComplete(Session& session, BatchRecord& record) {
-  if (!GetSetting(session, setting::BatchComplete) || record.Complete) return;
+void AskComplete(Session& session, BatchRecord& record, BatchDialogs& dialogs) {
+  if (!GetSetting(session, setting::BatchComplete) || record.Complete || dialogs.KnowsComplete()) return;
   record.Complete = session.prompt.Ask("Batch Completion State            ", "Mark this Batch as Complete?");
 }
 
@@ -73,7 +73,7 @@ Result<bool> Checks(Session& session, BatchRecord& record, BatchDialogs& dialogs
     if (const auto texts = CheckRequiredTexts(session, record); !texts) return std::unexpected(texts.error());
     if (!PassLotReminder(session, record, dialogs)) return false;
     if (!PassShortStock(session, record, dialogs)) return false;
-    AskComplete(session, record);
+    AskComplete(session, record, dialogs);
   } else if (!PassShortStock(session, record, dialogs)) {
     return false;
   }
