@@ -20,6 +20,10 @@ Json Money(const Session& session, Currency amount) {
   return session.Perm_Costs == 0 ? Json() : Json(amount.Fixed(session.DecimalPlaces));
 }
 
+Json UnitCost(const Session& session, const BatchWork& work) {
+  return session.Perm_Costs == 0 ? Json() : Json(work.figures.UnitCost.Fixed(UnitCostDecimals(session, work)));
+}
+
 Json RowsJson(const BatchWork& work) {
   Json rows = Json::array();
   for (const BatchRow& row : work.Rows)
@@ -54,7 +58,7 @@ Json TotalsJson(const Session& session, const BatchWork& work) {
           {"CostOfBasics", Money(session, work.figures.CostOfBasics)},
           {"CostOfMixes", Money(session, work.figures.CostOfMixes)},
           {"CostOfBatch", Money(session, work.figures.TotalCost)},
-          {"UnitCost", Money(session, work.figures.UnitCost)},
+          {"UnitCost", UnitCost(session, work)},
           {"VOC", Fixed(work.figures.VOC, 3)},
           {"HAP", Fixed(work.figures.HAP, 3)}};
 }
@@ -110,7 +114,7 @@ Figures WorkFigures(const Session& session, const BatchWork& work) {
                    {{"Cost of Basics / Additives", work.figures.CostOfBasics.Fixed(decimals)},
                     {MixCostOptionText(work.cost.MixCostOption), work.figures.CostOfMixes.Fixed(decimals)},
                     {"Total Cost of Batch", work.figures.TotalCost.Fixed(decimals)},
-                    {UnitCostCaption(work), work.figures.UnitCost.Fixed(decimals)}});
+                    {UnitCostCaption(work), work.figures.UnitCost.Fixed(UnitCostDecimals(session, work))}});
   }
   figures.insert(figures.end(), {{"VOC", Fixed(work.figures.VOC, 3)}, {"HAP", Fixed(work.figures.HAP, 3)}});
   return figures;
@@ -152,7 +156,7 @@ Json StoredBatchJson(const Session& session, const BatchRecord& record) {
   answer["AdditionsTotal"] = Fixed(record.work.AdditionsTotal, 3);
   answer["PercentRecycled"] = PercentRecycledText(record.work);
   answer["CostOfBatch"] = Money(session, record.work.figures.TotalCost);
-  answer["UnitCost"] = Money(session, record.work.figures.UnitCost);
+  answer["UnitCost"] = UnitCost(session, record.work);
   answer["ReturnedToInventory"] = Number(record.returned);
   answer["Jobs"] = JobsJson(record);
   answer["Lots"] = RowsJson(ListBatchLots(session, record.BatchNo));

@@ -101,7 +101,7 @@ struct BatchCostModel {
   bool operator==(const BatchCostModel&) const = default;
 };
 
-/// Money in `DecimalPlaces`, emissions in the same units as those of the colours.
+/// Money in `DecimalPlaces`, the unit cost in `UnitCostDecimals`, emissions in the same units as those of the colours.
 struct BatchFigures {
   Currency CostOfBasics;
   Currency CostOfMixes;
@@ -144,7 +144,7 @@ struct BatchWork {
 
   bool formulaFound = false;
   BatchFormula formula;
-  MadeStock made;                            ///< nothing of a new Batch
+  MadeStock made;                            ///< nothing of a new Batch, and of one that is only looked at
   std::vector<BatchIngredient> Ingredients;  ///< what remains of the recipe
   std::vector<RecycleColor> RecycleList;     ///< colours that may still be recycled
   std::vector<RecycleColor> RecycledColors;  ///< those chosen, in order of choosing

@@ -84,7 +84,8 @@ void CalculateTotalCost(const Session& session, BatchWork& work) {
   figures.Markup = costs.markup;
   figures.TotalCost = costs.total;
   figures.UnitCost =
-      work.Total == 0 ? Currency{} : Money(figures.TotalCost.ToDouble() / RoundTo(work.Total, 3), decimals);
+      work.Total == 0 ? Currency{}
+                      : Money(figures.TotalCost.ToDouble() / RoundTo(work.Total, 3), UnitCostDecimals(session, work));
 }
 
 void CalculateBatch_VOC(const Session& session, BatchWork& work) {
@@ -101,6 +102,10 @@ void CalculateFigures(const Session& session, BatchWork& work) {
   CalculateCost(session, work);
   CalculateBatch_VOC(session, work);
   CalculateBatch_HAP(session, work);
+}
+
+int UnitCostDecimals(const Session& session, const BatchWork& work) {
+  return work.UMF == UnitGram || work.UMF == UnitOunce ? 4 : session.DecimalPlaces;
 }
 
 std::string UnitCostCaption(const BatchWork& work) {

@@ -25,6 +25,8 @@ void CalculateBatch_HAP(const Session& session, BatchWork& work);
 /// All three.
 void CalculateFigures(const Session& session, BatchWork& work);
 
+/// The decimals of the unit cost: those of prices, but four for a gram or an ounce, of which those would leave nothing.
+int UnitCostDecimals(const Session& session, const BatchWork& work);
 /// "Cost per lb."
 std::string UnitCostCaption(const BatchWork& work);
 /// What MixCostOption 0, 1 and 2 mean, as the cost window shows it.

@@ -247,7 +247,8 @@ void ReadMade(const Session& session, const BatchRowReader& row, BatchRecord& re
   const double made =
       RoundTo(row.Single("ActualQuantity"), 3) * static_cast<double>(UnitFactor(record.work.UMF, session.UMI));
   record.oldReturned = std::max(0.0F, RoundSingle(RoundTo(made, 3) - JobsUse(session, record.BatchNo), 3));
-  if (record.LotRefID >= 0) record.work.made = {record.LotRefID == 0 ? record.oldReturned : 0, record.LotRefID};
+  if (record.stockReturned && record.LotRefID >= 0)
+    record.work.made = {record.LotRefID == 0 ? record.oldReturned : 0, record.LotRefID};
 }
 
 void ReadStock(const Session& session, BatchRecord& record) {
@@ -276,12 +277,14 @@ std::optional<StoredBatchLines> ReadStoredLines(const Session& session, std::int
   return batch;
 }
 
-std::optional<BatchRecord> LoadBatchRow(Session& session, std::int64_t key, const std::vector<BatchTaking>& takings) {
+std::optional<BatchRecord> LoadBatchRow(Session& session, std::int64_t key, const std::vector<BatchTaking>& takings,
+                                        bool stockReturned) {
   const BatchRowReader row(session, key);
   if (!row) return std::nullopt;
   const StoredBatchLines stored = LinesOfRow(row);
   BatchRecord record;
   record.state = BatchState::Edit;
+  record.stockReturned = stockReturned;
   record.key = key;
   record.BatchNo = stored.BatchNo;
   record.Date_Entered = row.Date("Date_Entered");

@@ -61,7 +61,7 @@ std::optional<BatchRecord> ReadBatch(Session& session, std::int32_t batchNo) {
   const std::int64_t row = BatchRowOf(session, batchNo);
   const auto stored = ReadStoredLines(session, row);
   if (!stored) return std::nullopt;
-  return LoadBatchRow(session, row, ReadTakings(session, *stored));
+  return LoadBatchRow(session, row, ReadTakings(session, *stored), false);
 }
 
 std::vector<Cell> ReadBatchFields(const Session& session, std::int32_t batchNo) {
@@ -125,13 +125,12 @@ bool OpenBatchRow(Session& session, BatchRecord& record, std::int64_t key) {
   if (!stored) return false;
   std::vector<BatchTaking> takings = ReadTakings(session, *stored);
   if (session.ArchiveView) {
-    record = LoadBatchRow(session, key, takings).value();
+    record = LoadBatchRow(session, key, takings, false).value();
     return true;
   }
   Transaction transaction(session.File());
   HoldBatch(session, stored->BatchNo, takings);
-  BatchRecord opened = LoadBatchRow(session, key, takings).value();
-  opened.stockReturned = true;
+  BatchRecord opened = LoadBatchRow(session, key, takings, true).value();
   transaction.Commit();
   record = std::move(opened);
   return true;

@@ -77,12 +77,17 @@ void AddRows(Sheet& sheet, const Session& session, const BatchRecord& record) {
   sheet.blocks.push_back(std::move(sums));
 }
 
+// What paper calls a line of the quick information.
+std::string TicketCaption(const std::string& caption) {
+  return caption == QuickInfoCaption(2) ? "Reorder" : caption == QuickInfoCaption(4) ? "Purchase Cost" : caption;
+}
+
 void AddQuickInfo(Sheet& sheet, const Session& session, const BatchWork& work) {
   const BatchOptions options = ReadBatchOptions(session);
   for (std::size_t row = 0; row < work.Rows.size(); ++row) {
     SheetBlock block{.heading = (row == 0 ? "Quick Info - " : "") + work.Rows[row].name};
     for (auto& [caption, value] : QuickInfo(session, work, row, options.QuickInfoField))
-      block.fields.push_back({caption, std::move(value)});
+      block.fields.push_back({TicketCaption(caption), std::move(value)});
     Add(sheet, std::move(block));
   }
 }
@@ -105,7 +110,7 @@ void AddCost(Sheet& sheet, const Session& session, const BatchWork& work) {
       if (line.kind != CostLine::Kind::Subtotal ||
           (work.cost.CostModelType != 0 && std::string_view(line.name) == "lblIngredientCost"))
         block.fields.push_back({CostCaption(line, work.cost.MixCostOption), line.amount.Fixed(session.DecimalPlaces)});
-    block.fields.push_back({UnitCostCaption(work), work.figures.UnitCost.Fixed(session.DecimalPlaces)});
+    block.fields.push_back({UnitCostCaption(work), work.figures.UnitCost.Fixed(UnitCostDecimals(session, work))});
   } else {
     block.heading = "VOC & HAP";
   }

@@ -67,16 +67,18 @@ void CostInfForm::ShowCosts() {
     line.amount->hide();
   }
   if (!shown) return;
-  const auto show = [&](const char* name, const std::string& caption, const Currency& amount) {
+  const auto show = [&](const char* name, const std::string& caption, const std::string& amount) {
     Line& line = lines_.at(name);
     line.caption->setText(Q(caption));
-    line.amount->SetText(amount.Fixed(session.DecimalPlaces));
+    line.amount->SetText(amount);
     line.amount->setAccessibleName(Q(caption));
     line.caption->show();
     line.amount->show();
   };
-  for (const CostLine& line : CostDetail(session, record_->work)) show(line.name, line.caption, line.amount);
-  show("lblUnitCost", UnitCostCaption(record_->work), record_->work.figures.UnitCost);
+  const BatchWork& work = record_->work;
+  for (const CostLine& line : CostDetail(session, work))
+    show(line.name, line.caption, line.amount.Fixed(session.DecimalPlaces));
+  show("lblUnitCost", UnitCostCaption(work), work.figures.UnitCost.Fixed(UnitCostDecimals(session, work)));
 }
 
 void CostInfForm::UpdateEnabled() {

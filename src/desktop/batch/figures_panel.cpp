@@ -48,7 +48,7 @@ void FiguresPanel::Show(const BatchRecord& record) {
   put(mixes_, money(figures.CostOfMixes), prices);
   put(markup_, money(figures.Markup), prices);
   put(total_, money(figures.TotalCost), prices);
-  put(unitCost_, money(figures.UnitCost), prices);
+  put(unitCost_, figures.UnitCost.Fixed(UnitCostDecimals(session, record.work)), prices);
   unitCost_.caption->setText(Q(UnitCostCaption(record.work)));
   put(voc_, Fixed(figures.VOC, 3));
   put(hap_, Fixed(figures.HAP, 3));

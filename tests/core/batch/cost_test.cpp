@@ -60,7 +60,7 @@ TEST_P(CostOfBatch, GivesTheFigures) {
   EXPECT_EQ(figures.CostOfMixes.Fixed(example.decimals), example.mixes);
   EXPECT_EQ(figures.Markup.Fixed(example.decimals), example.markup);
   EXPECT_EQ(figures.TotalCost.Fixed(example.decimals), example.total);
-  EXPECT_EQ(figures.UnitCost.Fixed(example.decimals), example.perUnit);
+  EXPECT_EQ(figures.UnitCost.Fixed(UnitCostDecimals(room.session, room.work)), example.perUnit);
 }
 
 BatchCostModel Model(int type, int mixes, float fixed = 0, float perUnit = 0, float markup = 0) {
@@ -92,6 +92,8 @@ INSTANTIATE_TEST_SUITE_P(
                "7.125x102; the option of recycled ink has no effect"},
         Costed{"FormulaCostMarkup", 3, UnitPound, Model(1, 0, 0, 0, 5), "726.750", "0.000", "36.338", "763.088",
                "7.481", "726.75x.05=36.3375 -> 36.338"},
+        Costed{"OuncesTell4", 2, UnitOunce, Model(0, 2), "22.38", "0.00", "0.00", "22.38", "0.2194",
+               "11.60; +9.4727 -> 21.07; +1.3125 -> 22.38; /102"},
         Costed{"OuncesOfPounds", 4, UnitOunce, Model(0, 0, 0, 0.32F), "22.3868", "9.8438", "0.0000", "34.2306",
                "0.3356", "f=1/16: 185.625/16=11.6016; +9.4727 -> 21.0743; +1.3125 -> 22.3868; 100x.32/16=2"}),
     [](const auto& info) { return info.param.title; });

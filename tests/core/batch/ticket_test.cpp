@@ -67,7 +67,7 @@ TEST(Ticket, PrintsItsBlocksInOrder) {
     if (room.session.support->settings.GetSupportValue(key).empty()) room.LaterSetting(key, "1");
   room.All(true);
   for (int i = 0; i < kQuickInfoFields; ++i)
-    room.Setting("QuickInfoField" + std::to_string(i), i == 4 || i == 5 ? "1" : "0");
+    room.Setting("QuickInfoField" + std::to_string(i), i == 2 || i == 4 || i == 5 ? "1" : "0");
 
   room.Mixed("PINK", "20");
   room.record.fields.Notes = "Too red.";
@@ -104,12 +104,15 @@ TEST(Ticket, PrintsItsBlocksInOrder) {
       "Recycled  12.50%",
       "NOTE - A Batch Addition was required for a previous Batch of this color.",
       "# Quick Info - ROSE",
-      "Cost 2.50 per lb.",
+      "Reorder 0.000 lb.",
+      "Purchase Cost 2.50 per lb.",
       "Formula RED 50.000%, WHITE 50.000%",
       "# WHITE",
-      "Cost 1.00 per lb.",
+      "Reorder 0.000 lb.",
+      "Purchase Cost 1.00 per lb.",
       "# RED",
-      "Cost 4.00 per lb.",
+      "Reorder 0.000 lb.",
+      "Purchase Cost 4.00 per lb.",
       "# Cost Detail",
       "Cost of Basics 57.50",
       "Cost of Mixes (Basic Cost) 15.00",
@@ -186,6 +189,30 @@ TEST(Ticket, ListsWhatIsRecyclableByMoreThanTheSettingSays) {
   EXPECT_EQ(names(), (std::vector<std::string>{"PINK|100.00|0.000|Yes|"}));
   options.recListPercentValue = 101;
   EXPECT_EQ(SaveBatchPrintOptions(room.session, options).error().field, "txtRecListPercent");
+}
+
+// Of its own ink what is there now; on the bench what is there for it, without what it made and with what it took.
+TEST(Ticket, TellsTheStockOfItsOwnInkThatItRecycled) {
+  for (const char* lot : {"", "MADE"}) {
+    TicketRoom room;
+    room.All(false);
+    BatchPrintOptions options = ReadBatchPrintOptions(room.session);
+    options.quickInfo = true;
+    ASSERT_TRUE(SaveBatchPrintOptions(room.session, options));
+    for (int i = 0; i < kQuickInfoFields; ++i) room.Setting("QuickInfoField" + std::to_string(i), i == 1 ? "1" : "0");
+    PostStock(room.session, {.kind = ColorKind::Mix, .name = "PINK", .quantity = 12});
+    room.Mixed("PINK", "20");
+    ASSERT_TRUE(TakeRecycled(room.session, room.record, "PINK", "5"));
+    room.record.fields.LotNumber = lot;
+    room.Save();
+    const auto inventory = [](const std::vector<std::string>& lines) {
+      return *std::ranges::find_if(lines, [](const std::string& line) { return line.starts_with("Inventory"); });
+    };
+    EXPECT_EQ(inventory(room.Ticket(1)), "Inventory 27.000 lb.") << lot;
+    room.Open(1);
+    EXPECT_EQ(inventory(LinesOf(*BatchTicket(room.session, room.record))), "Inventory 12.000 lb.") << lot;
+    ASSERT_TRUE(CancelBatch(room.session, room.record).value());
+  }
 }
 
 TEST(Ticket, TellsWhatAnOverpourChanged) {
