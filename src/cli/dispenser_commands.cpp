@@ -1,7 +1,6 @@
 #include <memory>
 
 #include "cli/frame.h"
-#include "core/base/text.h"
 #include "core/batch/dispensers.h"
 
 namespace vellumark::cli {
@@ -35,7 +34,7 @@ void AddDispenserCommands(CLI::App& app, Commands& commands) {
   commands.Add(add, Needs::Writable, [added](Context& context) -> Result<Json> {
     if (auto done = AddDispenser(context.session, added->name, added->format, added->folder); !done)
       return std::unexpected(done.error());
-    return DispenserJson(ReadDispenser(context.session, TrimView(added->name)).value());
+    return DispenserJson(ReadDispenser(context.session, added->name).value());
   });
 
   auto* remove = noun->add_subcommand("remove", "Remove a dispenser; its folder stays");

@@ -68,14 +68,14 @@ TEST(CliScale, WeighsAStoredBatchAndSendsIt) {
 
   const std::filesystem::path hot = shop.folder / "hot";
   std::filesystem::create_directory(hot);
-  shop.Done({"dispenser", "add", "east", "--format", "json txt", "--folder", hot.string()});
+  shop.Done({"dispenser", "add", "\xC3\xB6st", "--format", "json txt", "--folder", hot.string()});
   EXPECT_EQ(shop.Json({"dispenser", "list"})[0]["Pathway"], hot.string());
-  const std::string file = shop.Json({"--now", "2026-03-10 09:05:03", "batch", "dispense", "1", "EAST"})["File"];
+  const std::string file = shop.Json({"--now", "2026-03-10 09:05:03", "batch", "dispense", "1", "\xC3\xB6st"})["File"];
   EXPECT_EQ(file, (hot / "1-03_10_2026.txt").string());
   const auto recipe = ordered_json::parse(ReadFileBytes(file));
   EXPECT_EQ(recipe["Recipe"]["Date"], "10-03-2026_9:5:3");
   EXPECT_EQ(recipe["Recipe"]["Quantity"], "11.250");
-  shop.Done({"dispenser", "remove", "EAST"});
+  shop.Done({"dispenser", "remove", "\xC3\xB6st"});
   EXPECT_EQ(shop.Refused({"batch", "dispense", "1", "EAST"}), "Batch file could not be sent to:\n\nEAST");
 }
 

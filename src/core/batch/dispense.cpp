@@ -36,6 +36,41 @@ void Add(DispenseJob& job, const std::string& name, const std::string& code, dou
   job.DispensedTotal = RoundTo(job.DispensedTotal + amount, 3);
 }
 
+bool IsJson(const DispenserRow& dispenser) {
+  return dispenser.Manufacturer.starts_with("JSON");
+}
+
+// By its names the software knows what to pour: they are refused rather than changed. NFL knows no codes.
+Result<void> CheckNames(const BatchRecord& record, const DispenseJob& job, const DispenserRow& dispenser) {
+  if (IsJson(dispenser)) return {};
+  std::vector<std::string> names{record.work.Color_Name};
+  for (const DispenseLine& line : job.lines) names.push_back(line.ID);
+  if (dispenser.Manufacturer != "NFL") {
+    names.push_back(record.work.formula.Color_Code);
+    for (const DispenseLine& line : job.lines) names.push_back(line.Info);
+  }
+  const auto unfit = std::ranges::find_if(names, [](const std::string& name) { return !FitsCp1252(name); });
+  if (unfit == names.end()) return {};
+  return Refuse("File not Sent",
+                fmt::format("{} has a character that the files of this dispenser cannot hold.\n"
+                            "Change the name or the code, or use a dispenser that reads JSON.",
+                            *unfit),
+                "cmbDispSel");
+}
+
+// What does not fit into the code page is "?": only notes can hold that, and they are no data for the machine.
+std::string InCodePage(std::string_view text) {
+  std::string bytes;
+  while (!text.empty()) {
+    std::size_t length = 1;
+    while (length < text.size() && (static_cast<unsigned char>(text[length]) & 0xC0U) == 0x80U) ++length;
+    const std::string_view character = text.substr(0, length);
+    bytes += FitsCp1252(character) ? ToCp1252(character) : "?";
+    text.remove_prefix(length);
+  }
+  return bytes;
+}
+
 // A file of the name may be another Batch's: numbers of Batches that were never saved come again.
 bool MayReplace(Session& session, const BatchRecord& record, const std::filesystem::path& path) {
   std::error_code error;
@@ -109,9 +144,10 @@ Result<std::filesystem::path> Dispense(Session& session, BatchRecord& record, co
                   "No line of this Batch is left to be dispensed.\n"
                   "Dispense its Additives or its Recycles too.",
                   "chkDispRecycles");
+  if (auto names = CheckNames(record, job, *dispenser); !names) return std::unexpected(names.error());
   const std::string text = DispenseText(session, record, job, dispenser->Manufacturer);
   // Software of other makers reads the code page of the system; JSON has one of its own.
-  const std::string bytes = dispenser->Manufacturer.starts_with("JSON") ? text : ToCp1252(text);
+  const std::string bytes = IsJson(*dispenser) ? text : InCodePage(text);
   std::filesystem::path path = DispensePath(session, record, *dispenser);
   if (!MayReplace(session, record, path)) return Decline("Batch File", "cmdSave");
   ReplaceFile(path, bytes);

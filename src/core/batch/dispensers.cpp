@@ -49,9 +49,11 @@ std::vector<DispenserRow> ReadDispensers(const Session& session) {
 }
 
 std::optional<DispenserRow> ReadDispenser(const Session& session, std::string_view name) {
+  // Names are raised when they are given; the file itself raises no letter beyond ASCII.
   Statement row = session.File().Prepare(
-      fmt::format("SELECT {} FROM Dispenser WHERE Name = ? ORDER BY RowKey LIMIT 1", kColumns));
-  if (!row.Bind(1, name).Step()) return std::nullopt;
+      fmt::format("SELECT {} FROM Dispenser WHERE Name IN (?1, ?2) ORDER BY Name <> ?1, RowKey LIMIT 1", kColumns));
+  const std::string typed = Trim(name);
+  if (!row.Bind(1, typed).Bind(2, Upper(typed)).Step()) return std::nullopt;
   return RowOf(row);
 }
 
@@ -109,13 +111,16 @@ Result<void> AddDispenser(Session& session, std::string_view typed, std::string_
 
 Result<void> RemoveDispensers(Session& session, const std::vector<std::string>& names) {
   if (auto writable = RequireWritable(session); !writable) return writable;
-  for (const std::string& name : names)
-    if (!ReadDispenser(session, name))
-      return Refuse("Remove Dispenser", fmt::format("There is no dispenser {}.", name), "lstDispenser");
+  std::vector<std::string> there;
+  for (const std::string& name : names) {
+    const auto dispenser = ReadDispenser(session, name);
+    if (!dispenser) return Refuse("Remove Dispenser", fmt::format("There is no dispenser {}.", name), "lstDispenser");
+    there.push_back(dispenser->Name);
+  }
   if (names.empty()) return Refuse("Remove Dispenser", "Check the dispensers that are to be removed.", "lstDispenser");
   Transaction transaction(session.File());
   Statement remove = session.File().Prepare("DELETE FROM Dispenser WHERE Name = ?");
-  for (const std::string& name : names) {
+  for (const std::string& name : there) {
     remove.Reset();
     remove.Bind(1, name).Run();
   }

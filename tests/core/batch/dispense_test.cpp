@@ -138,6 +138,26 @@ TEST_F(Dispensing, PartsAddUpAndABatchOfRecycledInkAloneGoesOut) {
   EXPECT_EQ(Title(Dispense(session, record, {"D NFL", false, true})), "Recalculate Batch");
 }
 
+// Notes are no data for the machine; names are, and codes where the format has them.
+TEST_F(Dispensing, NotesGoOutWithoutWhatTheCodePageLacksAndNamesDoNot) {
+  ASSERT_TRUE(EnterBatchField(session, record, "Notes", "caf\xC3\xA9 \xCE\xB1"));
+  EXPECT_NE(Sent("SPK").find("caf\xE9 ? - soft"), std::string::npos);
+  EXPECT_NE(Sent("JSON").find("\xCE\xB1"), std::string::npos);
+  session.File().Execute("UPDATE INK_Basic SET Color_Code = '\xCE\xB2' WHERE Color_Name = 'RED'");
+  Mixed("PINK", "10");
+  prompt.Expect("New Dispenser");
+  ASSERT_TRUE(AddDispenser(session, "\xC3\xBC fgi", "FGI", (folder / "hot").string()));
+  const auto refused = Dispense(session, record, {"\xC3\xBC fgi", true, true});
+  ASSERT_FALSE(refused);
+  EXPECT_EQ(refused.error().title, "File not Sent");
+  EXPECT_TRUE(refused.error().text.starts_with("\xCE\xB2 has a character")) << refused.error().text;
+  EXPECT_TRUE(Sent("NFL").starts_with("1\r\n"));
+  EXPECT_EQ(Title(AddDispenser(session, "\xC3\x9C FGI ", "FGI", (folder / "hot").string())), "Duplicate Name");
+  prompt.Expect("Remove Dispenser");
+  ASSERT_TRUE(RemoveDispensers(session, {"\xC3\xBC fgi"}));
+  EXPECT_FALSE(ReadDispenser(session, "\xC3\x9C FGI"));
+}
+
 // The number of a Batch that is given up comes again, and its file is still there.
 TEST_F(Dispensing, TheFileOfAnUnsavedBatchIsNotAnothersToReplace) {
   const DispenseChoice choice{"D NFL", true, true};
