@@ -6,6 +6,7 @@
 #include "core/base/write_over.h"
 #include "core/colors/names.h"
 #include "core/labels/label_drawing.h"
+#include "core/labels/label_printing.h"
 #include "paper/label_print.h"
 
 namespace vellumark::cli {
@@ -100,6 +101,7 @@ Result<Json> PrintLabels(Context& context, const PrintWords& words) {
   const auto drawing =
       kind == LabelKind::Label ? FilledLabel(session, *name, words) : FilledSmallLabel(session, kind, *name, words);
   if (!drawing) return std::unexpected(drawing.error());
+  if (const auto any = CheckAnythingToPrint({*drawing}); !any) return std::unexpected(any.error());
   Json codes = Json::array();
   std::vector<paper::CodeCheck> checks = paper::CheckCodes(session, *drawing, words.dots);
   for (const paper::CodeCheck& check : checks)

@@ -28,6 +28,8 @@ TEST(CliLabels, KeepsLayoutsAndPrintsThem) {
   EXPECT_EQ(LinesOf(pages[1]),
             (std::vector<std::string>{"DEEP RED", "Lot Number : A1", "DEEP RED", "Lot Number : A1"}));
 
+  const auto nothing = room.Run({"--json", "label", "print", "Drums", "--out", room.folder / "bad.pdf"});
+  EXPECT_EQ(nothing.Json()["refused"]["text"], "There is nothing on this label that could be printed.");
   // A code of which nothing can be read is asked about before anything is printed.
   const std::vector<std::string> bad{
       "label", "print", "Drums", "Color Name=" + std::string(27, 'z'), "--out", room.folder / "bad.pdf"};

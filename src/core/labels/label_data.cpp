@@ -12,6 +12,7 @@
 #include "core/colors/guides.h"
 #include "core/colors/names.h"
 #include "core/inventory/lots.h"
+#include "core/labels/barcodes.h"
 
 namespace vellumark {
 namespace {
@@ -60,6 +61,13 @@ LabelData DataOf(const Read& read) {
   return data;
 }
 
+// Whether a label of the layout has that bar code at all.
+template <class Read>
+bool ShowsCode(const Read& read, std::string_view item) {
+  const auto symbology = FindSymbology(read("Label BC Type"));
+  return symbology && *symbology != Symbology::NotUsing && LeadingInteger(read(std::string(item) + " Visible")) == 1;
+}
+
 template <class Read>
 Result<void> Combine(const Read& read, LabelData& data) {
   for (const std::string_view item : {"Misc Bar Code Data 1", "Misc Bar Code Data 2"}) {
@@ -68,10 +76,15 @@ Result<void> Combine(const Read& read, LabelData& data) {
     std::string together;
     for (const std::size_t field : FieldsOfRun(run)) together += data.texts[field];
     const std::size_t field = *FindLabelField(item);
-    if (CharCount(together) > kFields[field].longest)
+    if (CharCount(together) > kFields[field].longest) {
+      if (!ShowsCode(read, item)) {
+        data[item].clear();
+        continue;
+      }
       return Refuse("Misc Bar Code Data",
                     "Combined data from selected fields cannot exceed 30 characters.\n\n" + together,
                     std::string(kFields[field].control));
+    }
     data[item] = together;
   }
   return {};

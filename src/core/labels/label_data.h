@@ -50,7 +50,8 @@ LabelData DataOfDesign(const LabelDesign& design);
 /// who is logged in. Nothing for a name that is not on file.
 std::optional<LabelData> DataOfColor(const Session& session, const LabelDesign& design, std::string_view name);
 /// Fills the two fields of Misc Bar Code Data whose run in the layout is not empty. Refused, naming the field, when the
-/// parts are together longer than the field.
+/// parts are together longer than the field; where the layout does not show that code the field is
+/// empty.
 Result<void> CombineMiscBarCodes(const Session& session, std::string_view layout, LabelData& data);
 Result<void> CombineMiscBarCodes(const LabelDesign& design, LabelData& data);
 

@@ -8,7 +8,9 @@
 
 #include "core/base/number.h"
 #include "core/base/text.h"
+#include "core/colors/guide_database.h"
 #include "core/colors/names.h"
+#include "core/datafile/databases.h"
 #include "core/session/settings.h"
 
 namespace vellumark {
@@ -80,7 +82,7 @@ class LabelWriter {
     for (std::size_t i = 0; i < kTexts; ++i)
       if (IsUsed(i)) AddText(fields[i].item, TextOf(i));
     AddText("Health - Fire - Reactivity", Hazards());
-    if (HasPantonePrefix(data_.texts[0])) AddText("Pantone Trademark", session_.TradeMark);
+    if (HasPantonePrefix(data_.texts[0])) AddText("Pantone Trademark", TradeMark());
     for (std::size_t i = 0; i < kTexts; ++i)
       if (IsUsed(i)) AddCode(std::string(fields[i].item) + " BC", i);
     for (std::size_t i = kTexts; i < kLabelFields; ++i) AddCode(fields[i].item, i);
@@ -99,6 +101,14 @@ class LabelWriter {
     const std::string& text = data_.texts[field];
     if (text.empty() || !f.title || layout_.Number(f.item, "Title") != 1) return text;
     return fmt::format("{} : {}", f.item, text);
+  }
+
+  // Of the Database that the label names, which need not be the current one.
+  std::string TradeMark() const {
+    const std::string& named = data_.texts[*FindLabelField("Database")];
+    const std::string* database = named.empty() ? nullptr : session_.FindDatabase(named);
+    if (database == nullptr || EqualNoCase(*database, session_.CurrentDatabase)) return session_.TradeMark;
+    return TemplatePath(session_).empty() ? std::string() : ReadDatabaseInfo(session_.File(), *database).tradeMark;
   }
 
   std::string Hazards() const {

@@ -16,6 +16,12 @@ Result<void> CheckLabelPrinter(const LabelPaper& paper, LabelKind kind, const st
   return Refuse("Label Template - Print", why + "\n" + where, "cmdLabelDesign");
 }
 
+Result<void> CheckAnythingToPrint(const std::vector<LabelDrawing>& labels) {
+  const auto isEmpty = [](const LabelDrawing& label) { return label.elements.empty(); };
+  if (!std::ranges::all_of(labels, isEmpty)) return {};
+  return Refuse("Label Template - Print", "There is nothing on this label that could be printed.");
+}
+
 int ReadStartLabel(std::string_view typed, const LabelPaper& paper) {
   return std::clamp(LeadingInteger(typed), 1, paper.Capacity());
 }

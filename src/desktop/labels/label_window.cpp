@@ -284,10 +284,7 @@ std::optional<paper::LabelJob> LabelWindow::Checked(int dots) {
                       .count = ReadLabelCount(count_->Text()),
                       .start = ReadStartLabel(start_->Text(), Paper()),
                       .dotsPerInch = dots};
-  if (std::ranges::all_of(job.drawings, [](const LabelDrawing& drawing) { return drawing.elements.empty(); })) {
-    session.prompt.Tell("Label Template - Print", "There is nothing on this label that could be printed.");
-    return std::nullopt;
-  }
+  if (!Accepted(CheckAnythingToPrint(job.drawings))) return std::nullopt;
   std::vector<paper::CodeCheck> faults;
   for (const LabelDrawing& drawing : job.drawings) {
     // A character that the bar code has not is told in its own words first.

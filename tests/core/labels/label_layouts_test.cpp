@@ -3,6 +3,8 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <fstream>
+#include <tuple>
 
 #include "core/base/files.h"
 #include "core/labels/label_drawing.h"
@@ -118,9 +120,27 @@ TEST_F(LabelsTest, DrawsItemsWithTitlesAndTaggedCodes) {
   EXPECT_FALSE(Drawn(data).contains("Pantone Trademark"));
   data["Color Name"] = "PANTONE 185 C";
   EXPECT_EQ(Drawn(data)["Pantone Trademark"], "PANTONE is a trademark");
+  // That of the label's own Database, wherever it is printed, while there are guides.
+  CreateEmptyDatabase(session.File(), "GUIDE");
+  session.databaseList = {"INK", "GUIDE"};
+  session.File().Execute("UPDATE GUIDE_Info SET TradeMark = 'of the guide'");
+  data["Database"] = "guide";
+  EXPECT_FALSE(Drawn(data).contains("Pantone Trademark"));
+  session.ProgramFolder = folder.Path();
+  std::ofstream(folder / "pdbt.vkt") << "guides";
+  EXPECT_EQ(Drawn(data)["Pantone Trademark"], "of the guide");
+  session.ProgramFolder.clear();
 
   data["Color Code"] = std::string(29, 'X');
   EXPECT_EQ(CombineMiscBarCodes(session, kDefault, data).error().field, "txtMBCData1");
+  // A code that no label shows keeps none from being printed.
+  for (const auto& [key, off, on] : {std::tuple{"Misc Bar Code Data 1 Visible", "0", "1"},
+                                     {"Label BC Type", "Not Using", "Code 128"}}) {
+    Set(kDefault, key, off);
+    EXPECT_TRUE(CombineMiscBarCodes(session, kDefault, data)) << key;
+    EXPECT_EQ(data["Misc Bar Code Data 1"], "");
+    Set(kDefault, key, on);
+  }
   EXPECT_EQ(RunOfFields(FieldsOfRun("CNxxM4L")), "CNM4");
 }
 
