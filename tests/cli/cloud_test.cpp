@@ -209,7 +209,7 @@ TEST(CloudCli, ThirtyBackupsAreTheMost) {
   const auto faulty = shop.Json(backUp);
   EXPECT_EQ(faulty["Verified"], false);
   EXPECT_EQ(faulty["Ending"][2], "The Data File has faults, and the backup has them too:");
-  EXPECT_EQ(faulty["Ending"].back(), "Repair it, and back up again.");
+  EXPECT_EQ(faulty["Ending"].back(), "Repair the Data File, and back up again.");
   change("UPDATE INK_Basic SET VOC = 0 WHERE Color_Name = 'BLUE'");
   const fs::path backups = server.Root() / "A100/Backups";
   for (int i = 2; i < 29; ++i) ReplaceFile(backups / ("X_Backup_" + std::to_string(i) + ".vkd"), "x");

@@ -398,14 +398,16 @@ std::string FaultLines(const std::vector<std::string>& faults) {
   return text;
 }
 
+std::string WayOut(const ContentProof& content) {
+  if (content.rowsToAccept) return fmt::format("{}. Repair what is wrong besides, and back up again.", kAcceptRows);
+  return "Repair the Data File, and back up again.";
+}
+
 std::optional<std::string> FaultsOfSet(const BackupSet& set) {
   if (!set.proof || set.proof->content.Sound()) return std::nullopt;
-  const std::string wayOut = set.proof->content.rowsToAccept
-                                 ? fmt::format("{}. Repair what is wrong besides", kAcceptRows)
-                                 : std::string("Repair the Data File");
-  return fmt::format("The backup is made, but the Data File has faults, and the backup has them too:{}\n\n{}, and back up again. "
-                     "Keep the backups that were made before.",
-                     FaultLines(set.proof->content.faults), wayOut);
+  return fmt::format("The backup is made, but the Data File has faults, and the backup has them too:{}\n\n{} Keep the backups "
+                     "that were made before.",
+                     FaultLines(set.proof->content.faults), WayOut(set.proof->content));
 }
 
 std::optional<BackupSet> ShutdownBackup(Session& session, std::string_view label) {

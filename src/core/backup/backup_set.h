@@ -74,6 +74,8 @@ enum class Reproof {
 };
 SetCheck VerifySet(Session& session, const BackupSet& set, Reproof reproof = Reproof::Always);
 
+/// What to do about the faults of a Data File: "Repair the Data File, and back up again."
+std::string WayOut(const ContentProof& content);
 /// What an operator is to know of a set that is made of a Data File with faults; nothing of any other.
 std::optional<std::string> FaultsOfSet(const BackupSet& set);
 /// A line each, and how many there are besides the first eight.

@@ -375,8 +375,8 @@ Result<CloudBackupMade> BackUpToCloud(CloudDesk& desk, bool photos) {
     std::string ending = fmt::format("Cloud Backup Complete\n{} Backups are now on file in the Cloud account", made.onFile);
     if (made.onFile >= kMostCloudBackups) ending += "\nUse Manage Cloud Backups to delete extras";
     if (!made.sound)
-      ending += fmt::format("\nThe Data File has faults, and the backup has them too:{}\nRepair it, and back up again.",
-                            FaultLines(proof.content.faults));
+      ending += fmt::format("\nThe Data File has faults, and the backup has them too:{}\n{}",
+                            FaultLines(proof.content.faults), WayOut(proof.content));
     CloudSettings settings = ReadCloudSettings(session);
     settings.LastBackup = session.clock.Now();
     settings.LastProven = made.sound ? made.name : settings.LastProven;
