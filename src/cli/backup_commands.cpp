@@ -15,6 +15,7 @@
 #include "core/base/refusal.h"
 #include "core/cloud/cloud_sets.h"
 #include "core/datafile/lifecycle.h"
+#include "core/datafile/line_kind.h"
 #include "core/shell/backups.h"
 #include "core/shell/settings_restore.h"
 #include "devices/ftp_connection.h"
@@ -33,13 +34,13 @@ Json FaultsJson(const std::vector<std::string>& faults) {
   return list;
 }
 
-Json CountsJson(const std::vector<DatabaseProof>& databases) {
+Json DatabasesJson(const std::vector<DatabaseProof>& databases) {
   Json list = Json::array();
-  for (const DatabaseProof& database : databases)
-    list.push_back({{"Database", database.name},
-                    {"Basics", database.basics},
-                    {"Formulas", database.formulas},
-                    {"Batches", database.batches}});
+  for (const DatabaseProof& database : databases) {
+    Json counts{{"Database", database.name}};
+    counts.update(CountsJson(database));
+    list.push_back(std::move(counts));
+  }
   return list;
 }
 
@@ -110,7 +111,7 @@ Result<Json> VerifyBackup(Context& context, const std::string& typed) {
   Json answer{{"Set", set->folder.string()},
               {"Sound", check.faults.empty()},
               {"Proven", set->proof.has_value()},
-              {"Databases", CountsJson(check.content.databases)},
+              {"Databases", DatabasesJson(check.content.databases)},
               {"Faults", FaultsJson(check.faults)}};
   context.text = check.faults.empty() ? fmt::format("{} is sound{}.\n", set->folder.string(),
                                                     set->proof ? " and holds what it held when it was made" : "")
@@ -143,6 +144,7 @@ Result<Json> RestoreBackup(Context& context, const std::string& typed) {
   if (!restored) return std::unexpected(restored.error());
   Json answer{{"DataFileName", session.DataFileName}, {"From", source->string()}};
   answer.update(RestoredJson(*restored));
+  context.text = fmt::format("{} stands in the place of {}\n{}", source->string(), session.DataFileName, RestoredText(*restored));
   return answer;
 }
 
@@ -180,6 +182,22 @@ Result<Json> TakeFormula(Context& context, const std::string& typed, const std::
   return answer;
 }
 
+std::string BatchBackText(const BatchBack& back, bool taken) {
+  const BatchRecord& there = back.there;
+  std::string text =
+      fmt::format("Batch {}  {}  {}\n{}\n\n", BatchNoText(there.BatchNo), there.work.Color_Name,
+                  there.Date_Entered ? there.Date_Entered->ToText() : "",
+                  taken ? "It is stored again." : fmt::format("{}; nothing was taken.", MergeModText(back.mod)));
+  text += TableText(TableOf<OldBatchLine>()
+                        .Add("Kind", [](const OldBatchLine& line) { return std::string(LineKindName(line.IngType)); })
+                        .Add("Name", &OldBatchLine::IngName)
+                        .Add("Amount", &OldBatchLine::IngQty, {}, Format::Amount)
+                        .Of(there.OldLines));
+  for (const BatchDifference& difference : back.differences)
+    text += fmt::format("{}: {} here, {} there\n", difference.field, difference.here, difference.there);
+  return text;
+}
+
 Result<Json> TakeBatch(Context& context, const std::string& typed, std::int32_t number, bool preview) {
   Session& session = context.session;
   const auto source = SourceOf(typed);
@@ -188,7 +206,7 @@ Result<Json> TakeBatch(Context& context, const std::string& typed, std::int32_t 
   if (!back) return std::unexpected(back.error());
   Json lines = Json::array();
   for (const OldBatchLine& line : back->there.OldLines)
-    lines.push_back({{"IngName", line.IngName}, {"IngQty", line.IngQty}, {"IngType", static_cast<int>(line.IngType)}});
+    lines.push_back({{"IngName", line.IngName}, {"IngQty", Number(line.IngQty)}, {"IngType", static_cast<int>(line.IngType)}});
   Json differences = Json::array();
   for (const BatchDifference& difference : back->differences)
     differences.push_back({{"Field", difference.field}, {"Here", difference.here}, {"There", difference.there}});
@@ -200,9 +218,11 @@ Result<Json> TakeBatch(Context& context, const std::string& typed, std::int32_t 
               {"Lines", lines},
               {"Differences", differences},
               {"Taken", false}};
-  if (preview) return answer;
-  if (auto taken = TakeBatchBack(session, *back); !taken) return std::unexpected(taken.error());
-  answer["Taken"] = true;
+  if (!preview) {
+    if (auto taken = TakeBatchBack(session, *back); !taken) return std::unexpected(taken.error());
+    answer["Taken"] = true;
+  }
+  context.text = BatchBackText(*back, !preview);
   return answer;
 }
 

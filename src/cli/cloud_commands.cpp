@@ -150,6 +150,7 @@ Result<Json> Restore(Context& context, const std::string& name, bool photos) {
   if (!restored) return std::unexpected(restored.error());
   Json answer{{"DataFileName", session.DataFileName}, {"From", name}};
   answer.update(RestoredJson(*restored));
+  context.text = RestoredText(*restored);
   answer["Photos"] = fetched->photos;
   answer["SupportFiles"] = fetched->supportFolder.empty() ? Json() : Json(fetched->supportFolder.string());
   return Told(context, fetched->outcome, std::move(answer));

@@ -47,6 +47,9 @@ TEST(CliLookInto, OneFormulaAndOneBatchComeBackAsTheyWere) {
   EXPECT_EQ(rows[1]["What"], "PINK, 20.000, 2026-03-09 09:00:00");
 
   EXPECT_EQ(room.Json({"backup", "take-batch", set, "2", "--preview"})["ModType"], "New");
+  const std::string preview = room.Run({"backup", "take-batch", set, "2", "--preview"}).out;
+  EXPECT_TRUE(preview.starts_with("Batch 000002  PINK  2026-03-09 09:00:00\nNew; nothing was taken.\n")) << preview;
+  EXPECT_NE(preview.find("Basic  RED     4.000\n"), std::string::npos) << preview;
   EXPECT_EQ(room.Run({"backup", "take-batch", set, "2"}).status, 3);
   ASSERT_EQ(room.Json({"batch", "list"}).size(), 1U);
   EXPECT_EQ(room.Json({"--yes", "--now", "2026-03-10 10:00:00", "backup", "take-batch", set, "2"})["Taken"], true);
@@ -62,21 +65,28 @@ TEST(CliLookInto, OneFormulaAndOneBatchComeBackAsTheyWere) {
   EXPECT_EQ(room.Run({"--yes", "backup", "take-formula", set, "ROSE"}).status, 1);
 
   // A Batch that is here stays as it is.
-  room.Json({"--yes", "--now", "2026-03-10 11:00:00", "batch", "edit", "1", "--quantity", "30"});
+  room.Json({"--yes", "--now", "2026-03-10 11:00:00", "batch", "edit", "1", "--quantity", "30.1"});
   rows = room.Json({"backup", "look", set});
   ASSERT_EQ(rows.size(), 1U) << rows;
   EXPECT_EQ(rows[0]["ModType"], "Different");
-  EXPECT_NE(rows[0]["What"].get<std::string>().find("Quantity 30 here, 20 there"), std::string::npos) << rows;
+  EXPECT_NE(rows[0]["What"].get<std::string>().find("Quantity 30.1 here, 20 there"), std::string::npos) << rows;
   const test::CliAnswer here = room.Run({"--yes", "backup", "take-batch", set, "1"});
   EXPECT_EQ(here.status, 1);
   EXPECT_NE(here.err.find("A Batch 000001 is here already, and stays"), std::string::npos) << here.err;
-  EXPECT_EQ(room.Json({"batch", "show", "1"})["Quantity"], 30.0);
+  EXPECT_EQ(room.Json({"batch", "show", "1"})["Quantity"], 30.1);
 
   // After a restore: every movement of stock since the set was made, as the replaced file tells it.
-  const auto since = room.Json({"--yes", "backup", "restore", set})["Since"];
+  const auto restored = room.Json({"--yes", "backup", "restore", set});
+  const auto& since = restored["Since"];
   ASSERT_EQ(since.size(), 1U);
   ASSERT_FALSE(since[0]["Postings"].empty()) << since;
   EXPECT_EQ(since[0]["Postings"][0]["Document"], "000002") << since;
+  for (const auto& posting : since[0]["Postings"]) EXPECT_LT(posting["Change"].dump().size(), 9U) << posting;
+  room.Json({"--yes", "backup", "restore", restored["Kept"].get<std::string>()});
+  const std::string text = room.Run({"--yes", "backup", "restore", set}).out;
+  EXPECT_NE(text.find("\nINK: changed formulas"), std::string::npos) << text;
+  EXPECT_NE(text.find("\nChanges of stock, INK\n"), std::string::npos) << text;
+  EXPECT_EQ(text.find('{'), std::string::npos) << text;
 }
 
 }  // namespace
