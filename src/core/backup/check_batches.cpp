@@ -1,5 +1,6 @@
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <array>
 
 #include "core/backup/check_run.h"
@@ -7,6 +8,7 @@
 #include "core/base/units.h"
 #include "core/batch/takings.h"
 #include "core/datafile/job_links.h"
+#include "core/datafile/kept_rows.h"
 #include "core/datafile/moved_rows.h"
 
 // What holds of Batches, of what they took from stock, and of the jobs that they were made for.
@@ -140,17 +142,19 @@ std::string JobWithMoved(CheckRun& run, const std::string& database, std::int64_
 
 void CheckJobItems(CheckRun& run) {
   if (!run.HasGlobalTables()) return;
-  const std::string& jobs = schema::JobRecords.name;
-  Statement rows = run.file.Prepare(
-      fmt::format("SELECT RowKey, COALESCE(JobNumber, ''), ItemType, QtyUsed, JobNumber IS NULL FROM {}", Quoted(jobs)));
-  WalkRows(run, rows, RowCount(run.file, jobs), [&](const Statement& row) {
-    const std::string_view number = row.TextView(1);
-    if ((number.empty() && row.Whole(4) == 0) || EqualNoCase(number, kSplitJobs))
-      run.Found(jobs, row.Whole(0), number, fmt::format("\"{}\" is no Job Number.", number));
-    if (row.Whole(2) > 2) run.Found(jobs, row.Whole(0), number, fmt::format("ItemType is {}.", row.Whole(2)));
-    if (row.Number(3) < 0)
-      run.Found(jobs, row.Whole(0), number, fmt::format("QtyUsed is {}, below 0.", FigureText(row.Number(3))));
-  });
+  for (const Table* table : JobTables(run.file)) {
+    const std::string& jobs = table->name;
+    Statement rows = run.file.Prepare(fmt::format(
+        "SELECT RowKey, COALESCE(JobNumber, ''), ItemType, QtyUsed, JobNumber IS NULL FROM {}", Quoted(jobs)));
+    WalkRows(run, rows, RowCount(run.file, jobs), [&](const Statement& row) {
+      const std::string_view number = row.TextView(1);
+      if ((number.empty() && row.Whole(4) == 0) || EqualNoCase(number, kSplitJobs))
+        run.Found(jobs, row.Whole(0), number, fmt::format("\"{}\" is no Job Number.", number));
+      if (row.Whole(2) > 2) run.Found(jobs, row.Whole(0), number, fmt::format("ItemType is {}.", row.Whole(2)));
+      if (row.Number(3) < 0)
+        run.Found(jobs, row.Whole(0), number, fmt::format("QtyUsed is {}, below 0.", FigureText(row.Number(3))));
+    });
+  }
 }
 
 void CheckScaleResults(CheckRun& run) {
@@ -203,13 +207,16 @@ void CheckJobBatches(CheckRun& run) {
     });
   }
   CheckJobQuantities(run);
-  Statement strangers = run.file.Prepare(fmt::format("SELECT RowKey, JobNumber, Database FROM {}", Quoted(jobs)));
-  WalkRows(run, strangers, RowCount(run.file, jobs), [&](const Statement& row) {
-    bool listed = false;
-    for (const std::string& database : run.info.dbList) listed = listed || EqualNoCase(database, row.TextView(2));
-    if (!listed)
-      run.Found(jobs, row.Whole(0), row.TextView(1), fmt::format("There is no Database {}.", row.TextView(2)));
-  });
+  for (const Table* table : JobTables(run.file)) {
+    const std::string& of = table->name;
+    Statement strangers = run.file.Prepare(fmt::format("SELECT RowKey, JobNumber, Database FROM {}", Quoted(of)));
+    WalkRows(run, strangers, RowCount(run.file, of), [&](const Statement& row) {
+      const bool listed = std::ranges::any_of(
+          run.info.dbList, [&](const std::string& database) { return EqualNoCase(database, row.TextView(2)); });
+      if (!listed)
+        run.Found(of, row.Whole(0), row.TextView(1), fmt::format("There is no Database {}.", row.TextView(2)));
+    });
+  }
 }
 
 }  // namespace vellumark

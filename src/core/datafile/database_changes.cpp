@@ -7,6 +7,7 @@
 #include "core/base/text.h"
 #include "core/datafile/databases.h"
 #include "core/datafile/formula_imports.h"
+#include "core/datafile/kept_rows.h"
 #include "core/datafile/lifecycle.h"
 #include "core/datafile/moved_rows.h"
 #include "core/datafile/pending_rollups.h"
@@ -33,7 +34,11 @@ void RenameDatabaseTables(Database& file, std::string_view name, std::string_vie
   Transaction transaction(file);
   for (const Table* table : schema::PerDatabase())
     file.RenameTable(TableName(name, *table), TableName(newName, *table), *table);
-  file.Prepare("UPDATE JobRecords SET Database = ?2 WHERE Database = ?1").Bind(1, name).Bind(2, newName).Run();
+  for (const Table* table : TablesOfJobStock(file))
+    file.Prepare(fmt::format("UPDATE {} SET Database = ?2 WHERE Database = ?1", Quoted(table->name)))
+        .Bind(1, name)
+        .Bind(2, newName)
+        .Run();
   RenameInDesigns(file, name, newName);
   RenamePendingRollUps(file, name, newName);
   RenameMovedDatabase(file, name, newName);
@@ -54,7 +59,8 @@ void DeleteDatabaseTables(Database& file, const std::vector<std::string>& names)
   std::vector<std::string> rest = ReadFileInfo(file).dbList;
   for (const std::string& name : names) {
     for (const Table* table : schema::PerDatabase()) file.DropTable(TableName(name, *table));
-    file.Prepare("DELETE FROM JobRecords WHERE Database = ?").Bind(1, name).Run();
+    for (const Table* table : TablesOfJobStock(file))
+      file.Prepare(fmt::format("DELETE FROM {} WHERE Database = ?", Quoted(table->name))).Bind(1, name).Run();
     ClearPendingRollUps(file, name, {true, true, true});
     DeleteMovedDatabase(file, name);
     ForgetFormulaImports(file, name);

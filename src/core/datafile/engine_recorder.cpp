@@ -19,6 +19,7 @@
 #include "core/base/text.h"
 #include "core/datafile/engine_row_checks.h"
 #include "core/datafile/engine_sqlite.h"
+#include "core/datafile/kept_rows.h"
 #include "core/datafile/recorded_changes.h"
 #include "core/datafile/schema.h"
 
@@ -26,7 +27,8 @@ namespace vellumark {
 namespace {
 
 bool IsRecorded(std::string_view table) {
-  return !table.starts_with("MSys") && !EqualNoCase(table, "FileInfo") && !EqualNoCase(table, "Users");
+  if (table.starts_with("MSys")) return IsOfKeptRows(table);
+  return !EqualNoCase(table, "FileInfo") && !EqualNoCase(table, "Users");
 }
 
 // The values of rows one after the other: a letter for the kind, eight bytes of a number, the length and the bytes of a

@@ -2,7 +2,7 @@
 
 #include <fmt/format.h>
 
-#include "core/datafile/schema.h"
+#include "core/datafile/kept_rows.h"
 
 namespace vellumark {
 namespace {
@@ -37,11 +37,12 @@ void StoreBatchLot(Database& file, std::string_view database, std::int32_t batch
       .Bind(1, batchNo)
       .Bind(2, ref)
       .Run();
-  file.Prepare("UPDATE JobRecords SET LotRefID = ?2 WHERE BatchNo = ?1 AND Database = ?3")
-      .Bind(1, batchNo)
-      .Bind(2, ref)
-      .Bind(3, database)
-      .Run();
+  for (const Table* items : JobTables(file))
+    file.Prepare(fmt::format("UPDATE {} SET LotRefID = ?2 WHERE BatchNo = ?1 AND Database = ?3", Quoted(items->name)))
+        .Bind(1, batchNo)
+        .Bind(2, ref)
+        .Bind(3, database)
+        .Run();
   TellBatch(transaction, database, batchNo);
   transaction.Commit();
 }

@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 
 #include "core/base/text.h"
+#include "core/datafile/kept_rows.h"
 #include "core/datafile/row_pieces.h"
 #include "core/datafile/schema.h"
 #include "core/datafile/writer.h"
@@ -25,7 +26,7 @@ struct Place {
 const Place kDesigns{schema::Designs, "IngName", schema::kDesignSlots, "IngType", "IngDB", "IngSet"};
 
 // The order is the order of writing.
-std::vector<Place> PlacesOf(ColorKind kind) {
+std::vector<Place> PlacesOf(Database& file, ColorKind kind) {
   const bool mix = kind == ColorKind::Mix;
   std::vector<Place> places;
   if (mix) {
@@ -40,7 +41,7 @@ std::vector<Place> PlacesOf(ColorKind kind) {
     places.push_back({schema::BasicLotInv, "LotCName"});
     places.push_back({schema::BasicLab, "Color_Name"});
   }
-  places.push_back({schema::JobRecords, "Color_Name", 0, "ItemType", "Database"});
+  for (const Table* table : TablesOfJobStock(file)) places.push_back({*table, "Color_Name", 0, "ItemType", "Database"});
   if (!mix) places.push_back({schema::Additives, "Add_Name", schema::kSetSlots, "", "", "SetList"});
   places.push_back(kDesigns);
   return places;
@@ -161,7 +162,7 @@ bool RenameReferences(Database& file, std::string_view database, ColorKind kind,
                       const std::function<bool(double percent)>& goOn) {
   Transaction transaction(file);
   if (!WriteNewNames(file, names, goOn)) return false;
-  const std::vector<Place> places = PlacesOf(kind);
+  const std::vector<Place> places = PlacesOf(file, kind);
   for (std::size_t n = 0; n < places.size(); ++n) {
     const bool inPieces = places[n].slots != 0 || names.size() > kFewNames;
     const auto part = [&](double percent) {
@@ -213,7 +214,7 @@ void SetInLotCopies(Database& file, std::string_view database, ColorKind kind, s
   const bool mix = kind == ColorKind::Mix;
   Transaction transaction(file);
   const auto set = [&](const Table& of, std::size_t fields, const std::string& rows) {
-    const bool ofAll = &of == &schema::JobRecords;
+    const bool ofAll = !of.name.starts_with('_');
     std::string values;
     for (std::size_t i = 0; i < fields; ++i)
       values += fmt::format("{}{} = ?{}", i == 0 ? "" : ", ", Quoted(cells[i].first), i + 4);
@@ -228,7 +229,8 @@ void SetInLotCopies(Database& file, std::string_view database, ColorKind kind, s
   if (mix) set(schema::Batch, 1, "Color_Name = ?3");
   // A Batch line that is not a formula's is a Basic Color's, an addition included.
   set(schema::BatchLotInv, cells.size(), fmt::format("IngName = ?3 AND IngType {} 2", mix ? "=" : "<>"));
-  set(schema::JobRecords, cells.size(), "Color_Name = ?3 AND " + KindCondition(kind, "ItemType"));
+  for (const Table* items : JobTables(file))
+    set(*items, cells.size(), "Color_Name = ?3 AND " + KindCondition(kind, "ItemType"));
   transaction.Commit();
 }
 
@@ -251,6 +253,12 @@ void DeleteLotsAndMeasurements(Database& file, std::string_view database, ColorK
   const std::string labs = TableName(database, mix ? schema::MixLab : schema::BasicLab);
   file.Prepare("DELETE FROM " + Quoted(lots) + " WHERE LotCName = ?").Bind(1, name).Run();
   file.Prepare("DELETE FROM " + Quoted(labs) + " WHERE Color_Name = ?").Bind(1, name).Run();
+  if (file.TableExists(GoneLots().name))
+    file.Prepare(fmt::format("DELETE FROM {} WHERE Color_Name = ?1 AND Database = ?2 AND {}", Quoted(GoneLots().name),
+                             KindCondition(kind, "ItemType")))
+        .Bind(1, name)
+        .Bind(2, database)
+        .Run();
 }
 
 }  // namespace vellumark

@@ -191,6 +191,32 @@ void ForEachStockLine(Database& file, StockEvent event, const std::function<bool
   }
 }
 
+PresentName NamesNow(Database& file, const StockLine& line) {
+  PresentName now{line.database, line.Color_Name};
+  Statement next = file.Prepare(fmt::format(
+      "SELECT ID, Source, Reason FROM {} WHERE Database = ?1 AND ID > ?2 AND ((Color_Name = ?3 AND Kind = ?4 "
+      "AND Source = {}) OR (Color_Name = '' AND Kind = {} AND Source IN ({}, {}))) ORDER BY ID LIMIT 1",
+      kTable, static_cast<int>(StockEvent::Renamed), kWholeDatabase, static_cast<int>(StockEvent::DatabaseRenamed),
+      static_cast<int>(StockEvent::DatabaseDeleted)));
+  for (std::int64_t at = line.id; !now.database.empty();) {
+    next.Reset();
+    next.Bind(1, now.database).Bind(2, at).Bind(3, now.Color_Name).Bind(4, static_cast<int>(line.kind));
+    if (!next.Step()) break;
+    at = next.Whole(0);
+    switch (static_cast<StockEvent>(next.Whole(1))) {
+      case StockEvent::Renamed:
+        now.Color_Name = next.Text(2);
+        break;
+      case StockEvent::DatabaseRenamed:
+        now.database = next.Text(2);
+        break;
+      default:
+        now.database.clear();
+    }
+  }
+  return now;
+}
+
 std::int64_t LastStockLine(Database& file) {
   return HasStockHistory(file) ? file.Scalar(fmt::format("SELECT MAX(ID) FROM {}", kTable)).Whole() : 0;
 }

@@ -71,6 +71,12 @@ class StockTrail {
 
 /// All lines of an event, the latest first, until `take` answers false.
 void ForEachStockLine(Database& file, StockEvent event, const std::function<bool(StockLine& line)>& take);
+/// What is called so at a line of the history, as it is called today.
+struct PresentName {
+  std::string database;  ///< empty when it was deleted since
+  std::string Color_Name;
+};
+PresentName NamesNow(Database& file, const StockLine& line);
 /// The line of that number; nothing when there is none.
 std::optional<StockLine> ReadStockLine(Database& file, std::int64_t id);
 /// The line that was written last; 0 in an empty history, and without one.

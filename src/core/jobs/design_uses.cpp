@@ -2,8 +2,8 @@
 
 #include <fmt/format.h>
 
+#include "core/datafile/kept_rows.h"
 #include "core/datafile/moved_rows.h"
-#include "core/datafile/schema.h"
 
 namespace vellumark {
 namespace {
@@ -14,11 +14,12 @@ void RewriteItems(Session& session, Transaction& transaction, std::string_view d
   Statement rows = session.File().Prepare("SELECT DISTINCT JobNumber FROM JobRecords WHERE DesignID = ?");
   rows.Bind(1, designID);
   while (rows.Step()) transaction.Note({Change::Kind::Job, "", rows.Text(0), Change::What::Updated, {}});
-  session.File()
-      .Prepare(fmt::format("UPDATE JobRecords SET {} = ?1 WHERE DesignID = ?2", field))
-      .Bind(1, value)
-      .Bind(2, designID)
-      .Run();
+  for (const Table* items : JobTables(session.File()))
+    session.File()
+        .Prepare(fmt::format("UPDATE {} SET {} = ?1 WHERE DesignID = ?2", Quoted(items->name), field))
+        .Bind(1, value)
+        .Bind(2, designID)
+        .Run();
 }
 
 }  // namespace

@@ -9,6 +9,7 @@
 #include "core/base/units.h"
 #include "core/datafile/stock_trail.h"
 #include "core/jobs/job_record.h"
+#include "core/jobs/job_renames.h"
 
 namespace vellumark {
 
@@ -17,11 +18,12 @@ std::vector<StockLine> JobBookings(const Session& session, std::string_view jobN
   std::set<std::int32_t> items;
   for (const JobRecord& item : JobItems(session, jobNumber))
     if (!item.IsOfBatch()) items.insert(item.BatchNo);
+  const JobRenames renames(session.File());
   std::vector<StockLine> lines;
   ForEachStockLine(session.File(), StockEvent::JobRecord, [&](StockLine& line) {
     constexpr std::string_view kItem = "Item ";
     const bool isItem = line.reason.starts_with(kItem) && items.contains(LeadingInteger(line.reason.substr(kItem.size())));
-    if (isItem || EqualNoCase(line.document, jobNumber)) lines.push_back(std::move(line));
+    if (isItem || EqualNoCase(renames.Now(line.document, line.id), jobNumber)) lines.push_back(std::move(line));
     return true;
   });
   return lines;

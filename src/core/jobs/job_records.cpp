@@ -7,8 +7,10 @@
 #include <stdexcept>
 
 #include "core/base/text.h"
+#include "core/datafile/kept_rows.h"
 #include "core/datafile/lifecycle.h"
 #include "core/jobs/design_uses.h"
+#include "core/jobs/job_renames.h"
 #include "core/session/undo_step.h"
 
 namespace vellumark {
@@ -96,18 +98,6 @@ std::vector<Cell> CellsOf(const JobRecord& record) {
   return JobFields().Cells(record, kNewRowUses);
 }
 
-// Rows that returns took off their Jobs.
-const Table& Returned() {
-  static const Table table = [] {
-    Table kept = schema::JobRecords;
-    kept.name = "MSysReturnedItems";
-    kept.fields.push_back({"Line", FieldType::Long});
-    kept.indexes = {{"Line"}};
-    return kept;
-  }();
-  return table;
-}
-
 }  // namespace
 
 void ReplaceJobRecords(Session& session, std::int32_t batchNo, const std::vector<std::vector<Cell>>& rows) {
@@ -168,20 +158,21 @@ void DeleteJobRecord(Session& session, const JobRecord& record) {
 
 void KeepReturned(Session& session, const JobRecord& record, std::int64_t line) {
   Database& file = session.File();
-  if (!file.TableExists(Returned().name)) file.CreateTable(Returned().name, Returned());
+  const Table& returned = ReturnedItems();
+  if (!file.TableExists(returned.name)) file.CreateTable(returned.name, returned);
   std::vector<Cell> cells = CellsOf(record);
   cells.emplace_back("Line", line);
-  InsertRow(file, Returned(), Returned().name, cells);
+  InsertRow(file, returned, returned.name, cells);
 }
 
 std::int64_t PutBackJobRecord(Session& session, std::int64_t line) {
   Database& file = session.File();
-  if (!file.TableExists(Returned().name)) return 0;
+  if (!file.TableExists(ReturnedItems().name)) return 0;
   Transaction transaction(file);
   JobRecord record;
   {
     Statement kept = file.Prepare(
-        fmt::format("SELECT {} FROM {} WHERE Line = ?1 LIMIT 1", JobFields().Columns(), Quoted(Returned().name)));
+        fmt::format("SELECT {} FROM {} WHERE Line = ?1 LIMIT 1", JobFields().Columns(), Quoted(ReturnedItems().name)));
     kept.Bind(1, line);
     if (!kept.Step()) return 0;
     JobFields().Read(kept, 0, record);
@@ -190,21 +181,13 @@ std::int64_t PutBackJobRecord(Session& session, std::int64_t line) {
   if (!record.IsOfBatch() && !taken.IsNull()) return 0;
   record.QtyUsed = 0;
   record.row = InsertRow(file, schema::JobRecords, schema::JobRecords.name, CellsOf(record));
-  file.Prepare(fmt::format("DELETE FROM {} WHERE Line = ?1", Quoted(Returned().name))).Bind(1, line).Run();
+  file.Prepare(fmt::format("DELETE FROM {} WHERE Line = ?1", Quoted(ReturnedItems().name))).Bind(1, line).Run();
   if (record.IsOfBatch() && session.FindDatabase(record.Database) != nullptr)
     StoreBatchJob(file, record.Database, record.BatchNo);
   FollowLastUsed(session, record.DesignID);
   Tell(transaction, record.JobNumber);
   transaction.Commit();
   return record.row;
-}
-
-void ForgetReturned(Database& file, std::int64_t firstLine, std::int64_t lastLine) {
-  if (!file.TableExists(Returned().name)) return;
-  file.Prepare(fmt::format("DELETE FROM {} WHERE Line BETWEEN ?1 AND ?2", Quoted(Returned().name)))
-      .Bind(1, firstLine)
-      .Bind(2, lastLine)
-      .Run();
 }
 
 Result<void> StoreJobNumber(Session& session, std::string_view number, std::string_view newNumber) {
@@ -214,11 +197,13 @@ Result<void> StoreJobNumber(Session& session, std::string_view number, std::stri
   const std::vector<JobRecord> items = JobItems(session, number);
   for (const JobRecord& item : items)
     if (auto closed = RequireBatchClosed(session, item); !closed) return closed;
-  session.File()
-      .Prepare("UPDATE JobRecords SET JobNumber = ?2 WHERE JobNumber = ?1")
-      .Bind(1, number)
-      .Bind(2, newNumber)
-      .Run();
+  for (const Table* table : JobTables(session.File()))
+    session.File()
+        .Prepare(fmt::format("UPDATE {} SET JobNumber = ?2 WHERE JobNumber = ?1", Quoted(table->name)))
+        .Bind(1, number)
+        .Bind(2, newNumber)
+        .Run();
+  NoteJobRename(session.File(), number, newNumber);
   for (const JobRecord& item : items)
     if (item.IsOfBatch() && session.FindDatabase(item.Database) != nullptr)
       StoreBatchJob(session.File(), item.Database, item.BatchNo);

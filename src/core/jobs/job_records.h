@@ -31,10 +31,8 @@ void KeepReturned(Session& session, const JobRecord& record, std::int64_t line);
 /// has gone to another item.
 std::int64_t PutBackJobRecord(Session& session, std::int64_t line);
 
-/// Of lines that were taken back together with what they wrote: nothing is left to put back.
-void ForgetReturned(Database& file, std::int64_t firstLine, std::int64_t lastLine);
-
-/// The new number on all rows of the Job and on its Batches. Refused while one of these is open.
+/// The new number on all rows of the Job, on those that were returned, and on its Batches. Refused while one of these
+/// is open.
 Result<void> StoreJobNumber(Session& session, std::string_view number, std::string_view newNumber);
 
 /// Refused for the row of a Batch that is open: it would be written over by what is on the bench.

@@ -3,7 +3,7 @@
 #include <fmt/format.h>
 
 #include <algorithm>
-#include <cmath>
+#include <utility>
 
 #include "core/base/number.h"
 #include "core/base/text.h"
@@ -12,6 +12,7 @@
 #include "core/datafile/stock_trail.h"
 #include "core/inventory/taking_back.h"
 #include "core/jobs/job_records.h"
+#include "core/jobs/job_renames.h"
 #include "core/session/undo_step.h"
 
 namespace vellumark {
@@ -52,14 +53,23 @@ bool LiesUnlotted(const Session& session, const JobRecord& record) {
   return record.Place().IsUnlotted() || (session.InvLotTracking == 0 && !record.IsOfBatch());
 }
 
+constexpr std::string_view kUsed = ": Qty Used ";
+constexpr std::string_view kIssued = ", Qty Issued ";
+constexpr std::string_view kTo = " to ";
+
+// "Item 1000007: Qty Used 5.000 to 7.500, Qty Issued 6.000 to 7.500", the latter where the booking raises it.
 std::string UsedReason(const JobRecord& record, float before, float after) {
-  return fmt::format("Item {}: Qty Used {} to {}", record.ItemText(), Fixed(before, 3), Fixed(after, 3));
+  std::string reason = fmt::format("Item {}{}{}{}{}", record.ItemText(), kUsed, Fixed(before, 3), kTo, Fixed(after, 3));
+  if (after > record.QtyIssued)
+    reason += fmt::format("{}{}{}{}", kIssued, Fixed(record.QtyIssued, 3), kTo, Fixed(after, 3));
+  return reason;
 }
 
 struct Booking {
   float used = 0;
   std::string note{};    // behind what the history is told
   bool moveLot = false;  // the lot takes the row's location and container
+  bool isReturn = true;  // what comes back is dated; what was never issued is not
 };
 
 Result<PostingResult> Move(Session& session, const JobRecord& record, float before, const Booking& booking) {
@@ -126,7 +136,7 @@ Result<void> BookUsed(Session& session, JobRecord& record, const Booking& bookin
   const auto posted = Move(session, record, record.QtyUsed, booking);
   if (!posted) return std::unexpected(posted.error());
   if (used < record.QtyUsed) {
-    record.Date_Returned = session.clock.Today();
+    if (booking.isReturn) record.Date_Returned = session.clock.Today();
     FollowPlace(session, record, *posted);
   }
   record.QtyUsed = used;
@@ -174,7 +184,21 @@ struct BookedLine {
   std::int64_t row = 0;
   float before = 0;
   float after = 0;
+  float raised = 0;  // what it added to the quantity issued
+
+  bool IsIssue() const { return after > before; }
 };
+
+// The two figures behind a word of the reason.
+std::optional<std::pair<float, float>> FiguresBehind(std::string_view reason, std::string_view word) {
+  const std::size_t begin = reason.find(word);
+  if (begin == std::string_view::npos) return std::nullopt;
+  const std::string_view figures = reason.substr(begin + word.size());
+  const std::size_t to = figures.find(kTo);
+  if (to == std::string_view::npos) return std::nullopt;
+  return std::pair{static_cast<float>(LeadingNumber(figures)),
+                   static_cast<float>(LeadingNumber(figures.substr(to + kTo.size())))};
+}
 
 std::unexpected<Refusal> NotUndone(std::int64_t line, std::string_view why) {
   return NotTakenBack(kUndo, line, why);
@@ -185,19 +209,23 @@ Result<BookedLine> BookingOf(Session& session, std::int64_t id) {
   const auto line = ReadStockLine(session.File(), id);
   if (!line) return NotUndone(id, "does not exist");
   if (line->event != StockEvent::JobRecord) return NotUndone(id, "is no booking of a Job");
-  // "Item 1000007: Qty Used 0.000 to 5.000"
-  const std::size_t colon = line->reason.find(": Qty Used ");
-  const std::size_t to = line->reason.find(" to ");
-  if (!line->reason.starts_with("Item ") || colon == std::string::npos || to == std::string::npos)
-    return NotUndone(id, "does not tell which item it was");
+  const auto used = FiguresBehind(line->reason, kUsed);
+  if (!line->reason.starts_with("Item ") || !used) return NotUndone(id, "does not tell which item it was");
   if (WasTakenBack(session, id)) return NotUndone(id, "was taken back already");
   const std::int32_t item = LeadingInteger(line->reason.substr(5));
-  BookedLine booked{0, static_cast<float>(LeadingNumber(line->reason.substr(colon + 11))),
-                    static_cast<float>(LeadingNumber(line->reason.substr(to + 4)))};
+  BookedLine booked{.before = used->first, .after = used->second};
+  if (const auto issued = FiguresBehind(line->reason, kIssued)) {
+    booked.raised = RoundSingle(RoundTo(issued->second, 3) - RoundTo(issued->first, 3), 3);
+  } else if (booked.before == 0) {
+    booked.raised = booked.after;  // the item came with it
+  }
+  // A Batch may be of several Jobs.
   const bool ofBatch = item <= kLastJobBatch;
   ForEachJobRecord(session, ofBatch ? "BatchNo = ?1 AND JobNumber = ?2 AND Database = ?3" : "BatchNo = ?1",
-                   ofBatch ? std::vector<Value>{item, line->document, line->database} : std::vector<Value>{item}, "",
-                   [&](const JobRecord& record) {
+                   ofBatch ? std::vector<Value>{item, JobRenames(session.File()).Now(line->document, id),
+                                                NamesNow(session.File(), *line).database}
+                           : std::vector<Value>{item},
+                   "", [&](const JobRecord& record) {
                      booked.row = record.row;
                      return false;
                    });
@@ -309,7 +337,9 @@ Result<void> UndoJobBooking(Session& session, std::int64_t line) {
       if (!fits.error().declined) return fits;
       return Refuse(kUndo, "Inventory no longer has what the item would take.", "QtyUsed");
     }
-  if (auto undone = BookUsed(session, *record, {used, TakesBack(line)}); !undone) return undone;
+  const Booking undoing{.used = used, .note = TakesBack(line), .isReturn = !booked->IsIssue()};
+  record->QtyIssued = std::max(used, RoundSingle(RoundTo(record->QtyIssued, 3) - RoundTo(booked->raised, 3), 3));
+  if (auto undone = BookUsed(session, *record, undoing); !undone) return undone;
   transaction.Commit();
   return {};
 }

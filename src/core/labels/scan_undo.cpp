@@ -21,13 +21,13 @@ std::unexpected<Refusal> NotUndone(const StockLine& line, std::string_view why) 
 Result<void> TakeOut(Session& session, const StockLine& line) {
   const auto change = static_cast<float>(line.change);
   const StockPlace place{.LotRefID = line.LotRefID, .LotNumber = line.LotRefID == 0 ? "" : line.LotNumber};
-  if (session.FindDatabase(line.database) == nullptr ||
-      !ColorIsThere(session, line.kind, line.Color_Name, line.database))
-    return NotUndone(line, fmt::format("is of {}, which is no longer in the {} database under that name",
-                                       line.Color_Name, line.database));
-  float there = UnlottedQty(session, line.kind, line.Color_Name, line.database);
+  const PresentName now = NamesNow(session.File(), line);
+  if (session.FindDatabase(now.database) == nullptr ||
+      !ColorIsThere(session, line.kind, now.Color_Name, now.database))
+    return NotUndone(line, fmt::format("is of {}, which is no longer in the {} database", line.Color_Name, line.database));
+  float there = UnlottedQty(session, line.kind, now.Color_Name, now.database);
   if (line.LotRefID != 0) {
-    const auto lot = FindLot(session, line.kind, line.Color_Name, line.database, place);
+    const auto lot = FindLot(session, line.kind, now.Color_Name, now.database, place);
     if (!lot) return NotUndone(line, fmt::format("is of the lot {}, which is no longer there", line.LotNumber));
     there = lot->LotQty;
   }
@@ -35,8 +35,8 @@ Result<void> TakeOut(Session& session, const StockLine& line) {
     return NotUndone(line, fmt::format("added {}, of which only {} is left there", Fixed(change, 3), Fixed(there, 3)));
   const PostingResult result = PostStock(session, {.source = PostingSource::ScanReturn,
                                                    .kind = line.kind,
-                                                   .name = line.Color_Name,
-                                                   .database = line.database,
+                                                   .name = now.Color_Name,
+                                                   .database = now.database,
                                                    .quantity = -change,
                                                    .place = place,
                                                    .reason = "Scan" + TakesBack(line.id),

@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <array>
 #include <charconv>
 #include <map>
 #include <set>
@@ -14,12 +15,13 @@
 #include "core/colors/color_set.h"
 #include "core/colors/rollup.h"
 #include "core/datafile/formula_imports.h"
+#include "core/datafile/kept_rows.h"
 #include "core/datafile/moved_rows.h"
 #include "core/datafile/references.h"
 #include "core/datafile/stock_trail.h"
 #include "core/exchange/formula_merge.h"
 #include "core/inventory/taking_back.h"
-#include "core/jobs/job_records.h"
+#include "core/jobs/job_renames.h"
 #include "core/session/acts.h"
 #include "core/session/stock_lines.h"
 #include "core/session/undo_step.h"
@@ -108,13 +110,14 @@ class TakingBack {
     if (const RecordedChange* touched = FirstTouchedSince(file_, changes_))
       return NotTaken(entry_.what, fmt::format("Since then {} was changed.", NameOf(*touched)));
     if (auto unused = CheckNewNames(); !unused) return unused;
+    if (auto same = CheckNamesSince(); !same) return same;
     if (auto free = CheckFileNames(); !free) return free;
     Transaction transaction(file_);
     static_cast<void>(PutBack(file_, changes_));
     if (auto free = CheckOldNames(); !free) return free;
     WriteOppositeLines();
-    ForgetReturned(file_, entry_.firstLine, entry_.lastLine);
     RenameMovedUses();
+    NoteJobNumber();
     MarkRollUps();
     RemoveUndoEntry(file_, entry_.id);
     for (Change& change : Told()) transaction.Note(std::move(change));
@@ -147,6 +150,7 @@ class TakingBack {
   }
   std::string NameOf(const RecordedChange& change) const {
     const Place* place = PlaceOf(change);
+    if (EqualNoCase(change.table, GoneLots().name)) return "a lot of " + FieldOf(change, "Color_Name");
     if (place == nullptr) return IsOfJobs(change) ? "an item of a Job" : "the Design " + FieldOf(change, "DesignID");
     if (place->table == &schema::Batch) return "a Batch of " + FieldOf(change, "Color_Name");
     const char* field = NameField(*place->table);
@@ -163,7 +167,9 @@ class TakingBack {
     return lines;
   }
 
-  static bool IsOfJobs(const RecordedChange& change) { return EqualNoCase(change.table, schema::JobRecords.name); }
+  static bool IsOfJobs(const RecordedChange& change) {
+    return EqualNoCase(change.table, schema::JobRecords.name) || EqualNoCase(change.table, ReturnedItems().name);
+  }
   static bool IsOfDesigns(const RecordedChange& change) { return EqualNoCase(change.table, schema::Designs.name); }
 
   // A new name of a Basic Color goes through all recipes, which asked for nothing.
@@ -276,6 +282,39 @@ class TakingBack {
     }
     return {};
   }
+  // A color that got another name since: rows would come back, and the history would tell of stock, under the old one.
+  Result<void> CheckNamesSince() const {
+    const std::vector<StockLine> lines = Lines();
+    const std::vector<Named> taken = Names(true);
+    const auto told = [&](const StockLine& renamed) {
+      return std::ranges::any_of(lines, [&](const StockLine& line) {
+        return line.event < StockEvent::Renamed && line.kind == renamed.kind &&
+               EqualNoCase(line.database, renamed.database) && EqualNoCase(line.Color_Name, renamed.Color_Name);
+      });
+    };
+    std::string why;
+    ForEachStockLine(file_, StockEvent::Renamed, [&](StockLine& renamed) {
+      if (renamed.id <= entry_.lastLine) return false;
+      const std::string name = renamed.Color_Name;
+      const bool goes = std::ranges::any_of(taken, [&](const Named& one) { return EqualNoCase(one.name, name); });
+      renamed.id = entry_.lastLine;
+      const std::string now = NamesNow(file_, renamed).Color_Name;
+      if (!goes && !EqualNoCase(now, name) && (told(renamed) || BringsBack(name)))
+        why = fmt::format("Since then {} was renamed {}. Take that back first.", name, now);
+      return why.empty();
+    });
+    if (!why.empty()) return NotTaken(entry_.what, why);
+    return {};
+  }
+  bool BringsBack(std::string_view name) const {
+    static constexpr std::array kFields{"Color_Name", "ColorName", "LotCName", "IngName", "Add_Name", "BC"};
+    return std::ranges::any_of(changes_, [&](const RecordedChange& change) {
+      return std::ranges::any_of(change.cells, [&](const RecordedChange::Cell& cell) {
+        return cell.before.IsText() && EqualNoCase(cell.before.Text(), name) &&
+               std::ranges::any_of(kFields, [&](const char* field) { return cell.field.starts_with(field); });
+      });
+    });
+  }
   bool ChangesDesigns() const { return std::ranges::any_of(changes_, IsOfDesigns); }
 
   // Of Designs and Jobs, which are of the whole file: a name that goes must be unused, one that comes back free.
@@ -310,6 +349,14 @@ class TakingBack {
       const Value* name = Find(change, "DesignID", true);
       if (name != nullptr) RenameMovedDesign(file_, name->Text(), Find(change, "DesignID", false)->Text());
     }
+  }
+
+  // Lines of the history under the number that goes are of the Job all the same.
+  void NoteJobNumber() {
+    if (entry_.subject != kJobSubject) return;
+    for (const RecordedChange& change : changes_)
+      if (const Value* number = Find(change, "JobNumber", true); IsOfJobs(change) && number != nullptr)
+        return NoteJobRename(file_, number->Text(), Find(change, "JobNumber", false)->Text());
   }
 
   // A name that comes back must be free.
@@ -377,6 +424,7 @@ class TakingBack {
     std::set<std::pair<Change::Kind, std::string>> kinds;
     for (const RecordedChange& change : changes_) {
       const Place* place = PlaceOf(change);
+      if (EqualNoCase(change.table, GoneLots().name)) continue;  // the lot itself is told
       if (place == nullptr) {
         kinds.emplace(IsOfJobs(change) ? Change::Kind::Job : Change::Kind::Design, std::string());
       } else if (place->table == &schema::Additives) {

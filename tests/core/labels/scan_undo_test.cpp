@@ -1,5 +1,6 @@
 #include "core/labels/scan_undo.h"
 
+#include "core/colors/rename.h"
 #include "core/datafile/stock_trail.h"
 #include "core/inventory/taking_back.h"
 #include "core/jobs/job_room.h"
@@ -63,6 +64,16 @@ TEST_F(ScanUndoTest, TakesStockBackToWhatWasThereAndOnce) {
   EXPECT_EQ(Undo(99999), fmt::format(fmt::runtime(once), 99999, "does not exist"));
   const std::int64_t batch = LastStockLine(session.File());
   EXPECT_EQ(Undo(batch), fmt::format(fmt::runtime(once), batch, "is no scanned booking"));
+}
+
+TEST_F(ScanUndoTest, StockIsTakenFromTheColorThatItWentToUnderItsNewName) {
+  const ScanRecord scanned = Scan("<CN>RED\n<DB>INK\n<LN>L1\n5");
+  ASSERT_TRUE(RenameBasic(session, "RED", "CRIMSON"));
+  Color(ColorKind::Basic, "RED", 0);
+  Lot(ColorKind::Basic, "RED", 1, 50);
+  EXPECT_EQ(Undo(scanned.Line), "");
+  EXPECT_EQ(InLot("CRIMSON", 1), 50);
+  EXPECT_EQ(InLot("RED", 1), 50);
 }
 
 TEST_F(ScanUndoTest, AReturnThatTookItsItemOffTheJobPutsItBackWhole) {

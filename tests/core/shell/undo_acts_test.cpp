@@ -16,11 +16,14 @@
 #include "core/colors/resets.h"
 #include "core/datafile/databases.h"
 #include "core/datafile/moved_rows.h"
+#include "core/datafile/stock_trail.h"
 #include "core/exchange/design_file.h"
 #include "core/exchange/merge_room.h"
+#include "core/inventory/lot_copies.h"
 #include "core/inventory/reorder.h"
 #include "core/inventory/stock_resets.h"
 #include "core/jobs/design_work.h"
+#include "core/jobs/job_bookings.h"
 #include "core/jobs/job_changes.h"
 #include "core/jobs/job_items.h"
 #include "core/jobs/job_numbers.h"
@@ -28,6 +31,7 @@
 #include "core/labels/scan_return.h"
 #include "core/session/rights.h"
 #include "core/session/undo_step.h"
+#include "core/shell/database_menu.h"
 #include "core/shell/undo_room.h"
 
 namespace vellumark::test {
@@ -579,6 +583,92 @@ TEST_P(UndoActs, LeavesNothingWhereAWriteFails) {
   }
   c.act(room);
   EXPECT_EQ(ListUndo(room.hands).size(), listed + 1);
+}
+
+// What a Job booked is taken back whatever was given another name since: from the same ink, to the same Job. A rename
+// that was taken back itself is none.
+TEST(Undo, BookingsOfJobsAreTakenBackUnderTheNamesOfToday) {
+  struct Case {
+    const char* name;
+    std::function<void(BusyRoom&)> rename;
+    const char* item;  // as it comes back
+    bool undoable = true;
+  };
+  const Case cases[] = {
+      {"nothing", [](BusyRoom&) {}, "J5 INK RED A BOX", false},
+      {"the color", [](BusyRoom& r) { BusyRoom::Must(RenameBasic(r.hands, "RED", "CRIMSON").value().done); },
+       "J5 INK CRIMSON A BOX"},
+      {"the lot",
+       [](BusyRoom& r) {
+         Transaction transaction(r.hands.File());
+         const LotRow lot = LotsNumbered(r.hands, ColorKind::Basic, "RED", {}, "A").at(0);
+         LotRow now = lot;
+         now.LotNumber = "Z";
+         RewriteLot(r.hands, {ColorKind::Basic, "RED", {}}, lot, now);
+         transaction.Note({Change::Kind::Basic, "INK", "RED", Change::What::Updated, {}});
+         transaction.Commit();
+       },
+       "J5 INK RED Z BOX", false},
+      {"the Job", [](BusyRoom& r) { BusyRoom::Must(vellumark::RenameJob(r.hands, "J5", "J9")); }, "J9 INK RED A BOX"},
+      {"the Design", [](BusyRoom& r) { BusyRoom::Must(vellumark::RenameDesign(r.hands, "BOX", "CRATE")); },
+       "J5 INK RED A CRATE"},
+      {"the Database", [](BusyRoom& r) { BusyRoom::Must(RenameDatabase(r.hands, "INK", "PAINT")); },
+       "J5 PAINT RED A BOX", false},
+  };
+  for (const Case& c : cases) {
+    for (const bool takenBack : {false, true}) {
+      if (takenBack && !c.undoable) continue;
+      SCOPED_TRACE(fmt::format("{}{}", c.name, takenBack ? ", taken back" : ""));
+      BusyRoom room;
+      room.MakeBatch("PINK", "10", "J5");
+      const std::int64_t ofBatch = JobItems(room.hands, "J5").at(0).row;
+      room.Issue("J5", "RED", 5, "A", "BOX");
+      room.Scan("<JN>J5\n<CN>RED\n5");
+      const std::int64_t returned = LastStockLine(room.hands.File());
+      BusyRoom::Must(vellumark::SetQtyUsed(room.hands, ofBatch, "8"));
+      const std::int64_t lowered = LastStockLine(room.hands.File());
+      c.rename(room);
+      if (takenBack) BusyRoom::Must(TakeBackAct(room.hands, 0));
+      const auto undo = [&](std::int64_t line) {
+        const auto undone = UndoJobBooking(room.hands, line);
+        EXPECT_TRUE(undone) << undone.error().text;
+      };
+      undo(lowered);
+      undo(returned);
+      EXPECT_EQ(room.hands.File().Scalar("SELECT QtyUsed FROM JobRecords WHERE RowKey = ?", {ofBatch}).Single(), 10);
+      std::string item;
+      ForEachJobRecord(room.hands, "QtyUsed = 5 AND JobNumber <> 'J1'", {}, "", [&](const JobRecord& row) {
+        item = fmt::format("{} {} {} {} {}", row.JobNumber, row.Database, row.Color_Name, row.LotNumber, row.DesignID);
+        EXPECT_EQ(FindLot(room.hands, row.Kind(), row.Color_Name, row.Database, row.Place())->LotQty, 50);
+        EXPECT_EQ(JobBookings(room.hands, row.JobNumber).size(), 5U);
+        return true;
+      });
+      EXPECT_EQ(item, takenBack ? cases[0].item : c.item);
+    }
+  }
+}
+
+// What comes back would bear the old name.
+TEST(Undo, AnActWaitsUntilALaterRenameWasTakenBack) {
+  const std::function<void(BusyRoom&)> acts[] = {
+      [](BusyRoom& r) { r.Adjust("RED", "A", 3); },
+      [](BusyRoom& r) { r.DropBatch(); },
+      [](BusyRoom& r) { BusyRoom::Must(vellumark::DeleteJobItem(r.hands, r.item)); },
+  };
+  for (std::size_t i = 0; i < std::size(acts); ++i) {
+    SCOPED_TRACE(i);
+    BusyRoom room;
+    acts[i](room);
+    const std::int64_t act = ListUndo(room.hands).front().id;
+    BusyRoom::Must(RenameBasic(room.hands, "RED", "CRIMSON").value().done);
+    const std::string before = room.Seen();
+    const auto taken = TakeBackAct(room.hands, act);
+    ASSERT_FALSE(taken);
+    EXPECT_NE(taken.error().text.find("Since then RED was renamed CRIMSON."), std::string::npos) << taken.error().text;
+    EXPECT_EQ(room.Seen(), before);
+    ASSERT_TRUE(TakeBackAct(room.hands, 0));
+    EXPECT_TRUE(TakeBackAct(room.hands, act));
+  }
 }
 
 TEST(Undo, EveryActHasItsCase) {

@@ -7,6 +7,7 @@
 
 #include "core/batch/bench.h"
 #include "core/batch/dialogs.h"
+#include "core/batch/jobs.h"
 #include "core/batch/leave.h"
 #include "core/batch/row_lots.h"
 #include "core/batch/open.h"
@@ -68,7 +69,7 @@ struct UndoRoom : InkRoom {
   std::string Seen() {
     RunPendingPasses(hands);
     std::string text = Snapshot(hands.File());
-    for (const std::string_view table : {"FileInfo", "MSysStockHistory", "MSysUndo"}) {
+    for (const std::string_view table : {"FileInfo", "MSysStockHistory", "MSysJobRenames", "MSysUndo"}) {
       const std::size_t begin = text.find(fmt::format("== {}\n", table));
       if (begin == std::string::npos) continue;
       const std::size_t end = text.find("\n== ", begin);
@@ -76,12 +77,14 @@ struct UndoRoom : InkRoom {
     }
     return text;
   }
-  std::optional<std::int32_t> MakeBatch(const std::string& formula, const std::string& quantity) {
+  std::optional<std::int32_t> MakeBatch(const std::string& formula, const std::string& quantity,
+                                        const std::string& job = {}) {
     BatchRecord record = NewBatchRecord(hands);
     NoBatchDialogs dialogs;
     if (!EnterBatchColor(hands, record, formula)) return std::nullopt;
     record.work.QuantityText = quantity;
     if (!MixBatch(hands, record) || !TakeOldestLots(hands, record)) return std::nullopt;
+    if (!EnterJobNumber(hands, record, job)) return std::nullopt;
     std::int32_t number = 0;
     const auto saved = SaveBatch(hands, record, dialogs, &number);
     if (!saved || *saved != SaveEnd::Stored) return std::nullopt;
