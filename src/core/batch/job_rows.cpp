@@ -17,11 +17,6 @@ float Converted(double quantity, int from, int to) {
   return RoundSingle(from == to ? quantity : quantity * static_cast<double>(UnitFactor(from, to)), 3);
 }
 
-// A gram or an ounce costs so little that the decimals of prices would leave nothing of it.
-int CostDecimals(const Session& session) {
-  return session.UMI == UnitGram || session.UMI == UnitOunce ? 6 : session.DecimalPlaces;
-}
-
 double MadeQuantity(const Session& session, const BatchRecord& record) {
   return RoundTo(Converted(record.work.ShownTotal, record.work.UMF, session.UMI), 3);
 }
@@ -96,7 +91,7 @@ void WriteJobRows(Session& session, const BatchRecord& record, const DateTime& d
         {"Database", session.CurrentDatabase},
         {"BatchNo", record.BatchNo},
         {"ItemType", static_cast<int>(ColorKind::Mix)},
-        {"UnitCost", RoundSingle(perUnit(work.figures.TotalCost.ToDouble()), CostDecimals(session))},
+        {"UnitCost", RoundSingle(perUnit(work.figures.TotalCost.ToDouble()), JobCostDecimals(session))},
         {"VOC", RoundSingle(perUnit(work.figures.VOC), 3)},
         {"HAP", RoundSingle(perUnit(work.figures.HAP), 3)},
         {"LotRefID", lot ? lot->LotRefID : 0},

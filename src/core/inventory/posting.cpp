@@ -7,6 +7,7 @@
 
 #include "core/base/number.h"
 #include "core/base/text.h"
+#include "core/inventory/gone_lots.h"
 #include "core/inventory/lot_copies.h"
 #include "core/inventory/lot_texts.h"
 
@@ -150,6 +151,13 @@ bool KeepsReference(const Session& session, const Posting& posting) {
   return brings && IsLotReference(ref) && !LotRefIDInUse(session, posting.kind, posting.name, posting.database, ref);
 }
 
+// A Batch has recorded what its lots cost. An item of a Job costs what its Job is charged, which no lot takes on.
+float PriceOfNewLot(const Session& session, const Posting& posting, const ColorRow& color) {
+  if (posting.source == PostingSource::BatchReturns) return posting.place.LotPrice;
+  if (posting.source != PostingSource::JobRecord) return color.unitCost;
+  return PriceOfGoneLot(session, posting).value_or(color.unitCost);
+}
+
 PostingResult AddLot(Session& session, const StockRules& rules, const Posting& posting, const ColorRow& color) {
   const StockPlace& place = posting.place;
   LotRow lot;
@@ -161,12 +169,11 @@ PostingResult AddLot(Session& session, const StockRules& rules, const Posting& p
     result.LotRefID = -1;
     return result;
   }
-  const bool comesBack = BringsLotBack(posting.source);
   lot.LotNumber = place.LotNumber;
   lot.LotLoc = place.LotLoc.value_or("");
   lot.LotContID = place.LotContID.value_or("");
-  lot.LotDate = comesBack ? place.LotDate : session.clock.Today();
-  lot.LotPrice = comesBack ? place.LotPrice : color.unitCost;
+  lot.LotDate = BringsLotBack(posting.source) ? place.LotDate : session.clock.Today();
+  lot.LotPrice = PriceOfNewLot(session, posting, color);
   const float quantity = RoundSingle(posting.quantity, 3);
   StockChange change = ChangeOf(posting, StockChange::Action::AddLot, 0, 0, quantity);
   change.lot = lot;

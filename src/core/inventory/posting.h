@@ -21,9 +21,9 @@ struct StockPlace {
   std::string LotNumber{};
   std::optional<std::string> LotLoc{};
   std::optional<std::string> LotContID{};
-  // Of a lot that a Job Record or a Batch brings back; other sources date it today at the colour's cost.
+  // Of a lot that a Job Record or a Batch brings back; other sources date it today.
   std::optional<DateTime> LotDate{};
-  float LotPrice = 0;
+  float LotPrice = 0;  // of one that a Batch brings back
 
   bool IsUnlotted() const;
 };

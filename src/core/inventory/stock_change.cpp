@@ -5,6 +5,7 @@
 #include "core/base/number.h"
 #include "core/datafile/stock_history.h"
 #include "core/datafile/writer.h"
+#include "core/inventory/gone_lots.h"
 #include "core/session/stock_lines.h"
 
 namespace vellumark {
@@ -88,6 +89,7 @@ void WriteStockChange(Session& session, const StockChange& change) {
       AddLot(session, change, lots, quantity);
       break;
     case StockChange::Action::DeleteLot:
+      KeepPriceOfGoneLot(session, change);
       session.File().Prepare(fmt::format("DELETE FROM {} WHERE RowKey = ?1", Quoted(lots))).Bind(1, change.row).Run();
       break;
   }

@@ -124,6 +124,7 @@ class Adding {
       if (place.IsUnlotted()) continue;
       if (session_.InvLotTracking != 1)
         return Refuse("Lotted Inventory", "Lotted Inventory is turned off; no lot can be named.", "LotNumber");
+      if (auto named = CheckOneLot(place); !named) return named;
       const auto lot = FindLot(session_, entry_.kind, color_.Color_Name, database_, place);
       if (!lot)
         return Refuse("Lot Not Found", fmt::format("{} has no lot {}.", color_.Color_Name, take.LotNumber),
@@ -134,6 +135,18 @@ class Adding {
                       "LotNumber");
     }
     return {};
+  }
+
+  // The operator names the lot that pays; a number that several lots bear names none.
+  Result<void> CheckOneLot(const StockPlace& place) const {
+    if (place.LotRefID != 0) return {};
+    const std::vector<LotRow> lots = LotsNumbered(session_, entry_.kind, color_.Color_Name, database_, place.LotNumber);
+    if (lots.size() < 2) return {};
+    std::string text =
+        fmt::format("{} has several lots {}. Name one by its LotRefID:", color_.Color_Name, lots.front().LotNumber);
+    for (const LotRow& lot : lots)
+      text += fmt::format("\n{}: {} {} {}", lot.LotRefID, Fixed(lot.LotQty, 3), lot.LotLoc, lot.LotContID);
+    return Refuse("Multiple Lots", text, "LotRefID");
   }
 
   JobRecord Row(const JobItemEntry::Take& take, const std::optional<DateTime>& completed) const {

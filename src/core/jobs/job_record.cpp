@@ -7,6 +7,7 @@
 
 #include "core/base/number.h"
 #include "core/base/text.h"
+#include "core/base/units.h"
 #include "core/jobs/job_numbers.h"
 
 namespace vellumark {
@@ -45,8 +46,7 @@ StockPlace JobRecord::Place() const {
           .LotNumber = LotNumber,
           .LotLoc = LotLoc,
           .LotContID = LotContID,
-          .LotDate = LotDate,
-          .LotPrice = UnitCost};
+          .LotDate = LotDate};
 }
 
 std::string JobRecord::ItemText() const {
@@ -130,6 +130,11 @@ Result<JobRecord> FindJobItem(const Session& session, std::string_view jobNumber
                   fmt::format("The Job {} has a Batch {:06} of several Databases; name the Database.", jobNumber, batchNo),
                   "Database");
   return items.front();
+}
+
+int JobCostDecimals(const Session& session) {
+  const bool fine = session.UMI == UnitGram || session.UMI == UnitOunce;
+  return std::max(session.DecimalPlaces, fine ? kFinestDecimals : 0);
 }
 
 double JobAmount(float used, float perUnit, int decimals) {

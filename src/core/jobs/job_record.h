@@ -48,7 +48,7 @@ struct JobRecord {
   bool IsOfBatch() const { return BatchNo <= kLastJobBatch; }
   /// What the colour is; an item type of 0 is an old Basic Color.
   ColorKind Kind() const { return ItemType == 2 ? ColorKind::Mix : ColorKind::Basic; }
-  /// Where it was taken from and goes back to. A lot that comes back does so at the row's cost.
+  /// Where it was taken from and goes back to.
   StockPlace Place() const;
   /// "000042" of a Batch, "1000007" of an item.
   std::string ItemText() const;
@@ -76,6 +76,8 @@ struct JobTotals {
   double VOC = 0;
   double HAP = 0;
 };
+/// A gram or an ounce costs so little that the decimals of prices would leave nothing of it.
+int JobCostDecimals(const Session& session);
 /// QtyUsed times the figure of a unit, with so many decimals.
 double JobAmount(float used, float perUnit, int decimals);
 

@@ -24,8 +24,8 @@ std::string InUnit(const Session& session, std::string_view caption) {
 }
 
 // A figure that is a price, for those who may see it.
-TableValue Money(const Session& session, double amount) {
-  return SeenBy(session).prices ? TableValue(amount) : TableValue();
+TableValue Money(const Session& session, TableValue amount) {
+  return SeenBy(session).prices ? std::move(amount) : TableValue();
 }
 
 double Returned(const JobRecord& record) {
@@ -38,8 +38,8 @@ void AddAmounts(TableOf<JobRecord>& table, const Session& session, bool totals) 
     if (totals) table.Sum();
   };
   table.Add(
-      "", [&session](const JobRecord& r) { return Money(session, static_cast<double>(r.UnitCost)); }, "Unit Cost",
-      Format::Money, std::max(decimals, session.UMI == UnitGram || session.UMI == UnitOunce ? 6 : 0));
+      "", [&session](const JobRecord& r) { return Money(session, r.UnitCost); }, "Unit Cost", Format::Money,
+      JobCostDecimals(session));
   table.Add(
       "",
       [&session, decimals](const JobRecord& r) { return Money(session, JobAmount(r.QtyUsed, r.UnitCost, decimals)); },

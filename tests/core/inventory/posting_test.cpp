@@ -210,8 +210,8 @@ TEST(Posting, NewLotsAndWhereTheirFieldsComeFrom) {
   const std::vector<Case> cases{
       {"a Batch's colour", BatchMakes, kMix, 5, 1.24F, "2026-03-10 00:00:00"},
       {"a second lot of the same number", BatchMakes, kMix, 6, 1.24F, "2026-03-10 00:00:00"},
-      {"a return from a job", JobRecord, kMix, 77, 6.67F, "2025-12-24 00:00:00"},
-      {"a return from a job", JobRecord, kBasic, 77, 6.67F, "2025-12-24 00:00:00"},
+      {"a return from a job", JobRecord, kMix, 77, 1.24F, "2025-12-24 00:00:00"},
+      {"a return from a job", JobRecord, kBasic, 77, 2.35F, "2025-12-24 00:00:00"},
       {"a line of an opened Batch", BatchReturns, kBasic, 76, 6.67F, "2025-12-24 00:00:00"},
       {"a scanned formula", ScanReturn, kMix, 7, 1.24F, "2026-03-10 00:00:00"},
   };
@@ -478,7 +478,7 @@ class Ledger {
       while (color.lots.contains(color.counter));
       granted = color.counter;
     }
-    const float price = comesBack ? posting.place.LotPrice : posting.kind == kMix ? 3.0F : 4.0F;
+    const float price = source == BatchReturns ? posting.place.LotPrice : posting.kind == kMix ? 3.0F : 4.0F;
     color.lots[granted] = {Trim(posting.place.LotNumber),
                            posting.place.LotLoc.value_or("") + "/" + posting.place.LotContID.value_or(""), quantity_,
                            price, false};

@@ -1,8 +1,10 @@
 // What Jobs take from stock, give back, and what that does to stock and history.
 
 #include "core/base/number.h"
+#include "core/colors/rename.h"
 #include "core/jobs/job_bookings.h"
 #include "core/jobs/job_item_work.h"
+#include "core/jobs/job_tables.h"
 #include "core/session/settings.h"
 #include "job_room.h"
 
@@ -62,8 +64,12 @@ TEST(JobItems, WhatIsRefusedTakesNothing) {
   room.prompt.Expect("Exceeds UnLotted", Answer::Cancel,
                      "Amount entered is larger than inventory on file.\n\nOK - Use ammount\nCancel - Correct amount.");
   EXPECT_EQ(told(room.Entry("J", "RED", 100.001F)), "Exceeds UnLotted: ");
-  for (const JobStock& place : JobStockOf(room.session, {}, "RED", ColorKind::Basic, {}))
-    EXPECT_NE(place.LotRefID, 2);
+  room.Lot(ColorKind::Basic, "RED", 3, 5, {{"LotNumber", "L1"}, {"LotLoc", "HALL"}});
+  JobItemEntry numbered = room.Entry("J", "RED", 1, 1);
+  numbered.takes.front().LotRefID = 0;
+  EXPECT_EQ(told(numbered),
+            "Multiple Lots: RED has several lots L1. Name one by its LotRefID:\n1: 50.000  \n3: 5.000 HALL ");
+  for (const JobStock& place : JobStockOf(room.session, {}, "RED", ColorKind::Basic, {})) EXPECT_NE(place.LotRefID, 2);
   EXPECT_EQ(room.Unlotted("RED"), 100);
   EXPECT_EQ(room.InLot("RED", 1), 50);
   EXPECT_EQ(room.Scalar("SELECT ItemNumber FROM FileInfo").Whole(), 1);
@@ -142,7 +148,7 @@ TEST(JobUsed, WhatComesBackStays) {
   ASSERT_TRUE(SetQtyUsed(room.session, item.row, "49.4"));
   EXPECT_EQ(room.InLot("RED", 1), 0.4F);
   EXPECT_EQ(room.Scalar("SELECT LotNumber || LotDate || LotPrice FROM INK_Basic_LotInv").Text(),
-            "L12026-01-15 00:00:002.5");
+            "L12026-01-15 00:00:001.0");
   const JobRecord pink = room.Add("J", "PINK", 20, 0, ColorKind::Mix);
   ASSERT_TRUE(SetQtyUsed(room.session, pink.row, "19.6"));
   EXPECT_EQ(room.Unlotted("PINK", ColorKind::Mix), 0.4F);
@@ -153,6 +159,44 @@ TEST(JobUsed, WhatComesBackStays) {
   EXPECT_EQ(room.InLot("RED", 1), 7);
   EXPECT_NE(room.Row(item.row).LotRefID, 1);
   EXPECT_EQ(room.InLot("RED", room.Row(item.row).LotRefID), 9.8F);
+}
+
+// Whoever emptied the lot, and whatever the Job is charged for it.
+TEST(JobUsed, ALotThatWentComesBackAtThePriceThatItHad) {
+  struct Case {
+    ColorKind kind;
+    int costing;  // of the Job
+    float taken;
+    float price;
+  };
+  for (const Case& one : {Case{ColorKind::Basic, 0, 50, 1},
+                          {ColorKind::Basic, 0, 20, 7.25F},
+                          {ColorKind::Mix, 0, 10, 5},
+                          {ColorKind::Mix, 1, 10, 5},
+                          {ColorKind::Mix, 2, 4, 7.25F},
+                          {ColorKind::Mix, 3, 10, 5}}) {
+    JobRoom room;
+    const std::string name = one.kind == ColorKind::Mix ? "PINK" : "RED";
+    JobItemEntry entry = room.Entry("J", name, one.taken, 1, one.kind);
+    entry.costing.cost = one.costing;
+    const auto added = AddJobItems(room.session, entry);
+    ASSERT_TRUE(added);
+    if (const float left = room.InLot(name, 1, one.kind); left > 0) {
+      const test::Arranging arranging;
+      room.session.File().Execute(
+          fmt::format("UPDATE INK_{}_LotInv SET LotPrice = 7.25", one.kind == ColorKind::Mix ? "Mix" : "Basic"));
+      PostStock(room.session,
+                {.source = PostingSource::Reset, .kind = one.kind, .name = name, .place = {.LotRefID = 1}});
+    }
+    ASSERT_EQ(room.InLot(name, 1, one.kind), -1);
+    const auto rename = one.kind == ColorKind::Mix ? RenameColor : RenameBasic;
+    ASSERT_TRUE(rename(room.session, name, "ROSE"));
+    room.prompt.Expect("Ink Inventory", Answer::Yes);
+    ASSERT_TRUE(DeleteJobItem(room.session, added->front().row));
+    const auto lot = FindLot(room.session, one.kind, "ROSE", {}, 1);
+    ASSERT_TRUE(lot);
+    EXPECT_EQ(lot->LotPrice, one.price) << name << one.costing;
+  }
 }
 
 TEST(JobUsed, ReturnedTwice) {
@@ -205,6 +249,39 @@ TEST(JobUsed, ABookingIsTakenBackByItsLineOnce) {
   ASSERT_TRUE(UndoJobBooking(room.session, issued));
   EXPECT_FALSE(ReadJobRecord(room.session, item.row));
   EXPECT_EQ(room.InLot("RED", 1), 50);
+}
+
+// What was never issued is no return: the quantity issued goes back with the booking that raised it.
+TEST(JobUsed, ARaisedQuantityIsTakenBackWithWhatItIssued) {
+  struct Case {
+    std::vector<const char*> used;  // one after the other
+    std::size_t undone;             // which of them
+    float left;
+    float issued;
+  };
+  for (const Case& one : {Case{{"12"}, 0, 10, 10},
+                          {{"7", "12"}, 1, 7, 10},
+                          {{"12", "15"}, 0, 13, 13},
+                          {{"12", "15"}, 1, 12, 12},
+                          {{"12", "4"}, 0, 2, 10},
+                          {{"7", "9"}, 1, 7, 10},
+                          {{"7"}, 0, 10, 10}}) {
+    JobRoom room;
+    const JobRecord item = room.Add("J", "RED", 10, 1);
+    room.clock.Set({2026, 3, 12, 8, 0, 0});
+    std::vector<std::int64_t> lines;
+    for (const char* used : one.used) {
+      ASSERT_TRUE(SetQtyUsed(room.session, item.row, used));
+      lines.push_back(room.Scalar("SELECT MAX(ID) FROM MSysStockHistory").Whole());
+    }
+    const JobRecord before = room.Row(item.row);
+    ASSERT_EQ(room.Told(UndoJobBooking(room.session, lines[one.undone])), "");
+    const JobRecord after = room.Row(item.row);
+    EXPECT_EQ(after.QtyUsed, one.left);
+    EXPECT_EQ(after.QtyIssued, one.issued);
+    EXPECT_EQ(after.Date_Returned, before.Date_Returned);
+    EXPECT_EQ(room.InLot("RED", 1), 50 - one.left);
+  }
 }
 
 TEST(JobItemWork, LotsAreProposedOldestFirst) {
@@ -264,6 +341,15 @@ TEST(JobTotals, AHalfIsAHalfInEveryDecimalsOfMoney) {
     }
     EXPECT_EQ(TotalsOf(room.session, items).Cost, decimals == 2 ? 0.12 : decimals == 3 ? 0.123 : 0.1233);
   }
+  room.session.DecimalPlaces = 2;
+  std::vector<JobRecord> one(1);
+  one.front().UnitCost = 2.925F;
+  const ListTable table = JobColumns(room.session).Of(one);
+  const std::size_t cost = table.Find("Unit Cost").value();
+  table.read([&](const TableRow& row) {
+    EXPECT_EQ(CellText(table.columns[cost], row.Cell(cost)), "2.93");
+    return true;
+  });
 }
 
 }  // namespace
