@@ -1,13 +1,12 @@
 #include <fmt/format.h>
 
-#include <filesystem>
 #include <memory>
 
 #include "cli/color_fields.h"
 #include "cli/frame.h"
+#include "cli/record_export.h"
 #include "cli/stock_text.h"
 #include "core/base/number.h"
-#include "core/exchange/record_export.h"
 #include "core/jobs/job_changes.h"
 #include "core/jobs/job_items.h"
 #include "core/jobs/job_numbers.h"
@@ -163,27 +162,6 @@ Result<Json> Close(Context& context, const std::string& job, const std::string& 
   return AnswerJob(context, ReadJobNumber(job));
 }
 
-struct ExportOptions {
-  RecordRange range;
-  std::string from;
-  std::string to;
-  std::string out;
-};
-
-Result<Json> Export(Context& context, ExportOptions options) {
-  for (const auto& [typed, date] : {std::pair{&options.from, &options.range.from}, {&options.to, &options.range.to}}) {
-    if (typed->empty()) continue;
-    const auto day = ReadDay(*typed, "Date_Entered");
-    if (!day) return std::unexpected(day.error());
-    *date = *day;
-  }
-  const auto grid = GatherJobRecords(context.session, options.range);
-  if (!grid) return std::unexpected(grid.error());
-  const std::filesystem::path path(options.out);
-  if (auto saved = SaveRecordFile(context.session, *grid, path); !saved) return std::unexpected(saved.error());
-  return Json{{"File", path.string()}, {"Records", grid->records}};
-}
-
 void AddItems(CLI::App& noun, Commands& commands) {
   auto* add = noun.add_subcommand("add-item", "Take a colour from stock for a Job, in the Database of --db");
   const auto added = std::make_shared<AddOptions>();
@@ -267,14 +245,7 @@ void AddJobCommands(CLI::App& app, Commands& commands) {
     return AnswerJob(context, ReadJobNumber(*reopened));
   });
 
-  auto* out = noun->add_subcommand("export", "Write Job Records to a tab text file");
-  const auto exported = std::make_shared<ExportOptions>();
-  out->add_option("--first", exported->range.first, "First Job Number")->check(NotEmpty);
-  out->add_option("--last", exported->range.last, "Last Job Number")->check(NotEmpty);
-  out->add_option("--from", exported->from, "First day, YYYY-MM-DD")->check(NotEmpty);
-  out->add_option("--to", exported->to, "Last day, YYYY-MM-DD")->check(NotEmpty);
-  out->add_option("--out", exported->out, "The file")->required()->check(NotEmpty);
-  commands.Add(out, Needs::File, [exported](Context& context) { return Export(context, *exported); });
+  AddRecordExport(*noun, commands, "Job Records", true);
 }
 
 }  // namespace vellumark::cli

@@ -47,6 +47,9 @@ TEST(CliJob, FromTheFirstItemToTheCostSheet) {
   const std::string file = (room.folder / "jobs.txt").string();
   EXPECT_EQ(json({"job", "export", "--first", "J-1", "--last", "J-9", "--out", file})["Records"], 1);
   EXPECT_NE(ReadFileBytes(file).find("J-8"), std::string::npos);
+  EXPECT_EQ(ReadFileBytes(file).find("Date Completed"), std::string::npos);
+  json({"job", "export", "--first", "J-1", "--last", "J-9", "--all-columns", "--out", file});
+  EXPECT_NE(ReadFileBytes(file).find("Date Completed"), std::string::npos);
   EXPECT_EQ(room.Run({"job", "show", "NONE"}).err, "Job Not Found: There is no Job NONE in this Data File.\n");
 }
 

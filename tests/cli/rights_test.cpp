@@ -141,7 +141,7 @@ std::vector<Line> Lines(const test::CliRoom& room) {
       {{"job", "rename", "NONE", "K"}, {}},
       {{"job", "close", "NONE"}, {}},
       {{"job", "reopen", "NONE"}, {}},
-      {{"job", "export", "--first", "1", "--out", folder + "/Jobs.txt"}, {}},
+      {{"job", "export", "--first", "1", "--last", "1", "--out", folder + "/Jobs.txt"}, {}},
       {{"batch", "export", "--first", "9", "--last", "9", "--out", folder + "/out.txt"}, {}},
       {{"design", "list"}, {}},
       {{"design", "show", "NONE"}, {}},

@@ -91,7 +91,8 @@ std::vector<Column> AllColumns(const Session& session) {
       {"Qty Issued", amount(Issued), unit},
       {"Qty Used", amount(Used), unit},
       {"Lot Number", text(LotNumber)},
-      {"Unit Cost", [money](const Statement& row) { return Fixed(row.Single(UnitCost), money); }, {}, true},
+      {"Unit Cost", [cost = JobCostDecimals(session)](const Statement& row) { return Fixed(row.Single(UnitCost), cost); },
+       {}, true},
       {"Total Cost", total(UnitCost, money), {}, true},
       {"Total VOCs", total(VOC, 3)},
       {"Total HAPs", total(HAP, 3)}};
@@ -127,6 +128,12 @@ std::vector<Column> ColumnsFor(const Session& session, bool all) {
   return columns;
 }
 
+// A Job that begins with a number counts as that, so that 1001-A stands beside 1001.
+std::optional<double> NumberOf(std::string_view job) {
+  if (const auto number = ParseNumber(job)) return number;
+  return ParseNumber(job.substr(0, job.find_first_not_of("0123456789")));
+}
+
 // Both ends as typed; numbers when both are.
 struct JobSpan {
   std::string first;
@@ -136,7 +143,7 @@ struct JobSpan {
 
   bool Holds(std::string_view job) const {
     if (firstNumber && lastNumber) {
-      const auto number = ParseNumber(job);
+      const auto number = NumberOf(job);
       return number && *number >= *firstNumber && *number <= *lastNumber;
     }
     return CompareNoCase(job, first) >= 0 && CompareNoCase(job, last) <= 0;
@@ -158,13 +165,12 @@ Result<std::vector<std::int64_t>> FindRows(Session& session, const RecordRange& 
     if (!span) return std::unexpected(span.error());
     struct Hit {
       std::optional<double> number;
-      std::string job;
       std::int64_t row;
     };
     std::vector<Hit> hits;
     Statement rows = session.File().Prepare("SELECT RowKey, JobNumber FROM JobRecords ORDER BY JobNumber, RowKey");
     while (rows.Step())
-      if (span->Holds(rows.TextView(1))) hits.push_back({ParseNumber(rows.TextView(1)), rows.Text(1), rows.Whole(0)});
+      if (span->Holds(rows.TextView(1))) hits.push_back({NumberOf(rows.TextView(1)), rows.Whole(0)});
     if (span->firstNumber && span->lastNumber)
       std::ranges::stable_sort(hits, {}, [](const Hit& hit) { return hit.number.value_or(0); });
     for (const Hit& hit : hits) found.push_back(hit.row);

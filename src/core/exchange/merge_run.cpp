@@ -58,11 +58,9 @@ class Figures {
     left = left || !allowed;
     return allowed ? InRange(static_cast<double>(UnitFactor(session_.UMI, unit_)), *figure, decimals) : 0;
   }
-  // A figure of the same unit stays what it is.
-  float InRange(double factor, double figure, int decimals) const {
-    if (figure < 0) return 0;
-    const double turned = unit_ == session_.UMI ? figure : RoundTo(figure * factor, decimals);
-    return static_cast<float>(std::min(turned, kLargestAmount));
+  // As it would be typed. What comes from a Single is rounded as one.
+  static float InRange(double factor, double figure, int decimals) {
+    return figure < 0 ? 0 : RoundSingle(static_cast<float>(std::min(figure * factor, kLargestAmount)), decimals);
   }
 
   const Session& session_;

@@ -35,8 +35,8 @@ struct RecordGrid {
 /// choose. Tells how many there are. Refused: a bad number or date, a range without records, more cells than a report
 /// may hold.
 Result<RecordGrid> GatherBatchRecords(Session& session, const RecordRange& range);
-/// The Job Records with the columns that `JobRecordColumns` chooses, or all. Job numbers that are numbers compare as
-/// numbers.
+/// The Job Records with the columns that `JobRecordColumns` chooses, or all. Between two numbers a Job counts as the
+/// number that it begins with.
 Result<RecordGrid> GatherJobRecords(Session& session, const RecordRange& range, bool allColumns = false);
 
 /// "Batch ID Export 1 - 5.txt", "Batch Date Export 2026_01_01 - 2026_01_31.txt", "Export Jobs - 7 - 9.txt".

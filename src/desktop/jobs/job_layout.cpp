@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "core/base/text.h"
 #include "core/reports/report_settings.h"
 #include "core/session/settings.h"
 #include "desktop/kit/text.h"
@@ -13,10 +14,16 @@ constexpr int kTextWidth = 1935;  // twips
 constexpr int kNameWidth = 2865;
 constexpr int kFigureWidth = 1500;
 
+constexpr std::string_view kDateCompleted = "Date Completed";
+
 // The settings of a list of Job Records, as those of a report.
 const ReportDefinition& Layout() {
   static const ReportDefinition layout{.window = "JobForm", .prefix = "JobRecord"};
   return layout;
+}
+
+auto Chosen() {
+  return setting::Columns.Of("JobRecord");
 }
 
 constexpr std::size_t Place(JobColumn column) {
@@ -72,7 +79,23 @@ std::vector<std::size_t> ShownJobColumns(const Session& session) {
 }
 
 void StoreShownJobColumns(Session& session, const std::vector<std::size_t>& shown) {
-  if (shown != ShownJobColumns(session)) SaveShownColumns(session, Layout(), JobTitles(session), shown);
+  if (shown == ShownJobColumns(session)) return;
+  const bool exports = ExportsDateCompleted(session);
+  SaveShownColumns(session, Layout(), JobTitles(session), shown);
+  StoreExportsDateCompleted(session, exports);
+}
+
+bool ExportsDateCompleted(const Session& session) {
+  const std::vector<std::string> chosen = SplitColumnSet(GetSetting(session, Chosen()));
+  return std::ranges::any_of(chosen, [](const std::string& title) { return EqualNoCase(title, kDateCompleted); });
+}
+
+void StoreExportsDateCompleted(Session& session, bool exports) {
+  if (exports == ExportsDateCompleted(session)) return;
+  std::vector<std::string> chosen = SplitColumnSet(GetSetting(session, Chosen()));
+  std::erase_if(chosen, [](const std::string& title) { return EqualNoCase(title, kDateCompleted); });
+  if (exports) chosen.emplace_back(kDateCompleted);
+  StoreSettings(session, {Chosen().To(JoinColumnSet(chosen))});
 }
 
 void LayOutJobs(const Session& session, Grid& grid, const JobRows& rows) {

@@ -34,6 +34,9 @@ class JobRows : public RecordRows<JobRecord> {
 std::vector<TableColumn> JobTitles(const Session& session);
 std::vector<std::size_t> ShownJobColumns(const Session& session);
 void StoreShownJobColumns(Session& session, const std::vector<std::size_t>& shown);
+/// A column of exported files alone, which is chosen with those of the window.
+bool ExportsDateCompleted(const Session& session);
+void StoreExportsDateCompleted(Session& session, bool exports);
 
 /// Columns, widths and both sorts as they were kept; and keeps what the operator made of them.
 void LayOutJobs(const Session& session, Grid& grid, const JobRows& rows);

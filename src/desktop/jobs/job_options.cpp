@@ -47,8 +47,8 @@ void Job_Options::BuildCosts(Form form) {
 }
 
 void Job_Options::BuildColumns(Form form) {
-  form.Wide(Explain(form, tr("The columns of the Job Window. Job Number, Color Name, Batch/Item and Qty Used are always "
-                             "there.")));
+  form.Wide(Explain(form, tr("The columns of the Job Window and of the files that Job Records are exported to. The window "
+                             "always has Job Number, Color Name, Batch/Item and Qty Used.")));
   columns_ = form.CheckList("lstColumns");
   columns_->setAccessibleName(tr("Columns"));
   form.Wide(columns_, 1);
@@ -62,7 +62,9 @@ void Job_Options::OnOpen(const Arguments&) {
   HAP_->Choose(costing.HAP);
   QStringList names;
   for (const TableColumn& column : JobTitles(session)) names += Q(column.caption);
+  names += tr("Date Completed (in exported files)");
   columns_->SetItems(names);
+  columns_->SetChecked(static_cast<int>(names.size()) - 1, ExportsDateCompleted(session));
   const std::vector<std::size_t> shown = ShownJobColumns(session);
   for (const std::size_t place : shown) columns_->SetChecked(static_cast<int>(place), true);
 }
@@ -75,9 +77,11 @@ void Job_Options::cmdSave_Click() {
   if (!Accepted(SaveJobOptions(session, fields_->Typed()))) return;
   StoreJobCosting(session, {cost_->Chosen(), VOC_->Chosen(), HAP_->Chosen()});
   std::vector<std::size_t> shown;
-  for (int row = 0; row < columns_->count(); ++row)
+  const int last = columns_->count() - 1;
+  for (int row = 0; row < last; ++row)
     if (columns_->IsChecked(row)) shown.push_back(static_cast<std::size_t>(row));
   StoreShownJobColumns(session, shown);
+  StoreExportsDateCompleted(session, columns_->IsChecked(last));
   accept();
 }
 

@@ -198,6 +198,16 @@ TEST(FormulaMerge, FiguresComePerUnitOfThisProgramAndStockOnlyWhenAsked) {
   }
 }
 
+TEST(FormulaMerge, FiguresOfTheSameUnitAreRoundedAsTypedOnes) {
+  OtherShop shop;
+  shop.Basic("RED", {{"PurchaseCost", 2.675F}, {"VOC", 0.4567F}, {"HAP", 0.0005F}, {"Reorder", 1.23456F}});
+  shop.Mix("PINK", {{"RED", 100}});
+  test::InkRoom room;
+  ASSERT_TRUE(ImportTable(room.session, shop.Read(room.session), {.options = {.sourceUnit = UnitPound}}));
+  const BasicColor red = *ReadBasic(room.session, "RED");
+  EXPECT_EQ(fmt::format("{} {} {} {}", red.PurchaseCost, red.VOC, red.HAP, red.Reorder), "2.68 0.457 0.001 1.235");
+}
+
 TEST(FormulaMerge, PricesComeInByThoseWhoMayChangeThem) {
   OtherShop shop;
   shop.Basic("RED", {{"PurchaseCost", 10.0F}, {"VOC", 2.0F}});

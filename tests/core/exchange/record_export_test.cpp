@@ -168,7 +168,7 @@ TEST(RecordExport, JobsComeInTheColumnsOfTheirGrid) {
                                                                                      {"10A", "2026-02-01 00:00:00"},
                                                                                      {"B/1", "2026-02-02 00:00:00"}})
     room.Job(number, date, static_cast<std::int32_t>(number.size()));
-  EXPECT_EQ(room.Numbers({"9", "100"}, 3), (std::vector<std::string>{"9", "10", "100"}));
+  EXPECT_EQ(room.Numbers({"9", "100"}, 4), (std::vector<std::string>{"9", "10", "10A", "100"}));
   EXPECT_EQ(room.Numbers({"10", "b/2"}, 5), (std::vector<std::string>{"10", "100", "10A", "9", "B/1"}));
   EXPECT_EQ(room.Numbers({"", "", DateTime{2026, 1, 5}, DateTime{2026, 1, 6}}, 2),
             (std::vector<std::string>{"10", "9"}));
@@ -190,6 +190,10 @@ TEST(RecordExport, JobsComeInTheColumnsOfTheirGrid) {
             "Lbl2\tText Lbl3\tText Lbl4\tText Lbl5\tText Lbl6\tNum Lbl1\tNum Lbl2\tNum Lbl3\tNum Lbl4\tNum Lbl5\tNum "
             "Lbl6\r\n9\tRED\t\tINK\t1000001\t2026-01-05\t\t\t3.000\t2.000\t\t1.26\t2.51\t1.000\t0.000\t\t\ta b "
             "c\t\t\t\t0.000\t1.235\t0.000\t0.000\t0.000\t0.000\r\n");
+  room.session.UMI = UnitGram;  // which costs a fraction of a cent
+  room.prompt.Expect("Export Job Records");
+  EXPECT_EQ(GatherJobRecords(room.session, {"9", "9"}, true)->rows[1][11], "1.255000");
+  room.session.UMI = UnitPound;
   const auto path = room.folder / "jobs.txt";
   ReplaceFile(path, "old");
   room.prompt.Expect("Overwrite?", Answer::No, "Overwrite existing jobs.txt file?");

@@ -2,6 +2,7 @@
 
 #include <QDateEdit>
 
+#include "core/exchange/record_export.h"
 #include "core/jobs/job_changes.h"
 #include "core/jobs/job_options.h"
 #include "core/session/settings.h"
@@ -239,6 +240,7 @@ TEST_F(JobFormTest, TheGridIsFoundAgainAsItWasLeft) {
               columns.SetChecked(static_cast<int>(JobColumn::UD_Text), true);
               columns.SetChecked(static_cast<int>(JobColumn::LotNumber), true);
               columns.SetChecked(static_cast<int>(JobColumn::Database), false);
+              columns.SetChecked(columns.count() - 1, true);
               Picture(dialog, "job-options-columns", dialog.size());
               Click(dialog, "cmdSave");
             });
@@ -247,6 +249,9 @@ TEST_F(JobFormTest, TheGridIsFoundAgainAsItWasLeft) {
   const auto shown = [&](JobColumn column) { return List().IsShown(static_cast<int>(column)); };
   EXPECT_TRUE(shown(JobColumn::UD_Text) && shown(JobColumn::LotNumber) && !shown(JobColumn::Database));
   EXPECT_EQ(List().Columns()[static_cast<std::size_t>(JobColumn::UD_Text)].caption, "Finish");
+  prompt.Expect("Export Job Records");
+  const auto captions = GatherJobRecords(session, {"J1", "J1"})->rows.front();
+  EXPECT_NE(std::ranges::find(captions, "Date Completed"), captions.end());
   List().ClickCaption(static_cast<int>(JobColumn::Color_Name), false);
   List().ClickCaption(static_cast<int>(JobColumn::QtyUsed), true);
   List().ClickCaption(static_cast<int>(JobColumn::QtyUsed), true);
