@@ -16,7 +16,7 @@ namespace {
 
 // What hangs on a key stands in the Data File, where there is one.
 Result<Json> SetSetting(Context& context, const std::string& key, const std::string& value) {
-  if (auto allowed = RequireInDefaultFile(context, ActOfSetting(key)); !allowed) return std::unexpected(allowed.error());
+  if (auto allowed = RequireInDefaultFile(context, ActOfSetting(key), false); !allowed) return std::unexpected(allowed.error());
   if (key == setting::DecimalPlaces.key && !context.dataFile.empty() && std::filesystem::exists(context.dataFile))
     if (auto opened = context.open(); !opened) return std::unexpected(opened.error());
   const auto changed = ChangeSetting(context.session, key, value);

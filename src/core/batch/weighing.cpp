@@ -26,6 +26,14 @@ double Weighed(const BatchRecord& record, LineKind kind, std::string_view name) 
   return found == record.weighed.end() ? 0 : RoundTo(found->EndingWeight, 3);
 }
 
+// What the rows of that kind and name hold.
+double AmountOf(const BatchRecord& record, LineKind kind, std::string_view name) {
+  double amount = 0;
+  for (const BatchRow& row : record.work.Rows)
+    if (row.kind == kind && EqualNoCase(row.name, name)) amount += row.amount;
+  return RoundTo(amount, 3);
+}
+
 // What the row wants altogether.
 double Wanted(const BatchRecord& record, const BatchRow& row) {
   double wanted = row.amount;
@@ -44,9 +52,15 @@ double Surplus(const BatchRecord& record, std::string_view basic) {
   return weighed;
 }
 
+// What was poured of the addition beyond what it is by now: too little of the Basic Color's own row was taken off it.
+double SurplusOfAddition(const BatchRecord& record, std::string_view basic) {
+  return std::max(0.0, Weighed(record, LineKind::Addition, basic) - std::max(0.0, AmountOf(record, LineKind::Addition, basic)));
+}
+
 double Had(const BatchRecord& record, const BatchRow& row) {
   const double own = Weighed(record, row.kind, row.name);
-  return row.kind == LineKind::Addition ? own + Surplus(record, row.name) : own;
+  if (row.kind == LineKind::Addition) return own + Surplus(record, row.name);
+  return row.kind == LineKind::Basic ? own + SurplusOfAddition(record, row.name) : own;
 }
 
 WeighTicket TicketOf(const BatchRecord& record, std::size_t place) {
@@ -60,14 +74,6 @@ WeighTicket TicketOf(const BatchRecord& record, std::size_t place) {
           .before = had,
           .target = RoundTo(Wanted(record, row) - had, 3),
           .UMF = record.work.UMF};
-}
-
-// What the rows of that kind and name hold.
-double AmountOf(const BatchRecord& record, LineKind kind, std::string_view name) {
-  double amount = 0;
-  for (const BatchRow& row : record.work.Rows)
-    if (row.kind == kind && EqualNoCase(row.name, name)) amount += row.amount;
-  return RoundTo(amount, 3);
 }
 
 // How much more of a Basic Color is in the pot than its row and its addition say; below 0 while some is to be poured.

@@ -89,7 +89,7 @@ TEST(BatchGuards, ABatchThatWasFoldedIntoItsFormulaStaysOpenToChanges) {
       ASSERT_TRUE(ticket && TakePour(room.session, room.record, *ticket, 38, {}));
     }
     ASSERT_TRUE(AddBatchAdditions(room.session, room.record, {{"RED", "10"}}));
-    room.dialogs.choices.push_back(ModifiedBatchChoice{.change = FormulaChange::Update});
+    room.dialogs.choices.push_back(ModifiedBatchChoice{.change = FormulaChange::Update, .newName = ""});
     room.Save();
     EXPECT_TRUE(ReadBatch(room.session, 1)->formulaUnchanged) << withSet;
     room.session.File().Execute("UPDATE INK_Mix SET BQ0 = BQ0 - 1, BQ1 = BQ1 + 1 WHERE Color_Name = 'DEEP'");

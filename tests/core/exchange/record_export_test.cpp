@@ -4,6 +4,7 @@
 
 #include "../batch/life_room.h"
 #include "core/base/files.h"
+#include "core/base/units.h"
 #include "core/batch/more_data.h"
 #include "core/batch/print_options.h"
 #include "core/session/settings.h"

@@ -253,9 +253,9 @@ TEST(ReportsOfHistory, ValueLotsAndFollowNames) {
   EXPECT_EQ(asOf(3).title, "2026-03-05   - Inventory Report  -  INK Database  -  As of 2026-03-03");
   EXPECT_EQ(ReportText(asOf(2), {.headings = false, .totals = false}).substr(0, 8), "WARM RED") << "as it is called";
   EXPECT_EQ(RowOf(asOf(3), "WARM RED", {"LotNumber", "Inventory", "UnitCost", "TotalCost"}),
-            "Unlotted Inv. 5.000 4.00 20.00 A1 6.000 2.50 15.00");
+            "Unlotted Inv. 5.000 4.00 20.00 A1 6.000 4.00 24.00");
   EXPECT_EQ(RowOf(asOf(5), "WARM RED", {"LotNumber", "Inventory", "TotalCost"}),
-            "Unlotted Inv. 3.000 12.00 A1 6.000 15.00");
+            "Unlotted Inv. 3.000 12.00 A1 6.000 24.00");
   const BuiltReport moves = room.Run("StockMovement", {.from = DateTime{2026, 3, 3}, .to = DateTime{2026, 3, 5}});
   EXPECT_EQ(RowOf(moves, "WARM RED", {"Opening", "Made", "Received", "Used", "Returned", "WrittenOff", "Closing"}),
             "5.000 0.000 0.000 -4.000 10.000 -2.000 9.000");
