@@ -623,6 +623,7 @@ TEST(Undo, BookingsOfJobsAreTakenBackUnderTheNamesOfToday) {
       room.MakeBatch("PINK", "10", "J5");
       const std::int64_t ofBatch = JobItems(room.hands, "J5").at(0).row;
       room.Issue("J5", "RED", 5, "A", "BOX");
+      const float issued = LotsNumbered(room.hands, ColorKind::Basic, "RED", {}, "A").at(0).LotQty;
       room.Scan("<JN>J5\n<CN>RED\n5");
       const std::int64_t returned = LastStockLine(room.hands.File());
       BusyRoom::Must(vellumark::SetQtyUsed(room.hands, ofBatch, "8"));
@@ -639,7 +640,7 @@ TEST(Undo, BookingsOfJobsAreTakenBackUnderTheNamesOfToday) {
       std::string item;
       ForEachJobRecord(room.hands, "QtyUsed = 5 AND JobNumber <> 'J1'", {}, "", [&](const JobRecord& row) {
         item = fmt::format("{} {} {} {} {}", row.JobNumber, row.Database, row.Color_Name, row.LotNumber, row.DesignID);
-        EXPECT_EQ(FindLot(room.hands, row.Kind(), row.Color_Name, row.Database, row.Place())->LotQty, 50);
+        EXPECT_EQ(FindLot(room.hands, row.Kind(), row.Color_Name, row.Database, row.Place())->LotQty, issued);
         EXPECT_EQ(JobBookings(room.hands, row.JobNumber).size(), 5U);
         return true;
       });
