@@ -8,6 +8,7 @@
 #include "core/base/write_over.h"
 #include "core/exchange/formula_export.h"
 #include "core/exchange/formula_file.h"
+#include "core/exchange/text_file.h"
 
 namespace vellumark::cli {
 namespace {
@@ -49,6 +50,7 @@ Result<Json> Export(Context& context, const ExportOptions& options) {
   selection.from = *from;
   selection.to = *to;
   if (options.by == "modified") selection.by = FormulaDate::Modified;
+  MustBeNoDataFile(path);
   if (const auto may = MayWriteOver(context.session.prompt, path, "File"); !may) return std::unexpected(may.error());
   const auto report = ExportFormulas(context.session, static_cast<FormulaFormat>(options.format), selection, path);
   if (!report) return std::unexpected(report.error());

@@ -251,7 +251,7 @@ TEST(CliBadInput, AFullDiskLeavesEverythingAsItWas) {
         (shop.folder / "t.vkt").string()},
        50000,
        "t.vkt"},
-      {{"formula", "export", exported.string()}, 40, "out.mfe"},
+      {{"--yes", "formula", "export", exported.string()}, 40, "out.mfe"},
   };
   for (const auto& one : cases) {
     const auto before = shop.Everything();

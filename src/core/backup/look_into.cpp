@@ -6,6 +6,7 @@
 #include <optional>
 
 #include "core/backup/other_file.h"
+#include "core/base/number.h"
 #include "core/base/text.h"
 #include "core/base/units.h"
 #include "core/batch/open.h"
@@ -47,6 +48,12 @@ class BatchWalk {
   bool any_ = false;
 };
 
+// A Single as the shortest decimal that it is, not as the double which holds it.
+std::string Told(std::size_t field, const Value& value) {
+  const bool single = schema::Batch.fields[field].type == FieldType::Single && !value.IsNull() && !value.IsText();
+  return single ? ShortestText(static_cast<float>(value.Number())) : value.Text();
+}
+
 std::vector<BatchDifference> Differences(const BatchWalk& here, const BatchWalk& there) {
   std::vector<BatchDifference> found;
   for (std::size_t i = 0; i < schema::Batch.fields.size(); ++i) {
@@ -54,7 +61,7 @@ std::vector<BatchDifference> Differences(const BatchWalk& here, const BatchWalk&
     if (schema::Batch.fields[i].name == "LotRefID") continue;
     const Value mine = here.Get(i);
     const Value theirs = there.Get(i);
-    if (mine != theirs) found.push_back({schema::Batch.fields[i].name, mine.Text(), theirs.Text()});
+    if (mine != theirs) found.push_back({schema::Batch.fields[i].name, Told(i, mine), Told(i, theirs)});
   }
   return found;
 }

@@ -9,10 +9,10 @@
 namespace vellumark {
 
 /// Whoever writes a file that a person named asks this first: declined, with `field`, when one of that name is there
-/// and is to stay.
+/// and is to stay. What is no file is refused by the writer.
 inline Result<void> MayWriteOver(Prompt& prompt, const std::filesystem::path& file, std::string field = {}) {
   std::error_code none;
-  if (std::filesystem::exists(file, none) && !prompt.Ask("Overwrite File", "Overwrite existing file?", Answer::No))
+  if (std::filesystem::is_regular_file(file, none) && !prompt.Ask("Overwrite File", "Overwrite existing file?", Answer::No))
     return Decline("Overwrite File", std::move(field));
   return {};
 }

@@ -18,10 +18,14 @@ std::string TextFileBytes(const std::string& text) {
   return bytes != text && IsUtf8(bytes) ? "\xEF\xBB\xBF" + text : bytes;
 }
 
-void WriteTextFile(const std::filesystem::path& path, const std::string& text) {
+void MustBeNoDataFile(const std::filesystem::path& path) {
   std::error_code ignored;
   if (std::filesystem::is_regular_file(path, ignored) && Database::IsDatabaseFile(path))
     throw Failure(path.string(), "is a Data File and is not overwritten");
+}
+
+void WriteTextFile(const std::filesystem::path& path, const std::string& text) {
+  MustBeNoDataFile(path);
   ReplaceFile(path, TextFileBytes(text));
 }
 

@@ -9,8 +9,9 @@ namespace vellumark {
 /// The bytes of a text file: in the code page, or as UTF-8 when a character is not in it.
 std::string TextFileBytes(const std::string& text);
 
-/// Replaces a text file in one step. Throws Failure for a
-/// Data File: a slip of the hand in a name must not cost the shop its data.
+/// Throws Failure for a Data File: a slip of the hand in a name must not cost the shop its data.
+void MustBeNoDataFile(const std::filesystem::path& path);
+/// Replaces a text file in one step, but no Data File.
 void WriteTextFile(const std::filesystem::path& path, const std::string& text);
 
 /// A text as one cell of a tab file: a line end or a tab in it becomes a blank.
